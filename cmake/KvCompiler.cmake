@@ -1,0 +1,34 @@
+# Language level, warnings and places of the outputs, once for all targets.
+
+# Programs in bin/, libraries in lib/ of the build folder, as after an install.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR};$ORIGIN")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+add_library(kv_compiler INTERFACE)
+add_library(kv::compiler ALIAS kv_compiler)
+target_compile_features(kv_compiler INTERFACE cxx_std_20)
+target_compile_options(
+  kv_compiler
+  INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Wold-style-cast
+            # Results are fixed to the bit: no fused multiply-add behind our back.
+            -ffp-contract=off)
+if(KV_WERROR)
+  target_compile_options(kv_compiler INTERFACE -Werror)
+endif()
+
+set(KV_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+if(KV_SANITIZE)
+  add_compile_options(-fsanitize=${KV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=${KV_SANITIZE})
+endif()

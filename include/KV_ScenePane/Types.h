@@ -1,0 +1,38 @@
+// The types of the automation surface in C++.
+#pragma once
+#include <cstdint>
+
+namespace ACAD {
+class CutMask;  // the record of one finished cut, handed out by address
+}
+
+namespace KV_ScenePane {
+
+/// 0 is false, -1 is true; any other value that is not 0 counts as true where a method takes one.
+using VARIANT_BOOL = std::int16_t;
+inline constexpr VARIANT_BOOL kVariantTrue = -1;
+inline constexpr VARIANT_BOOL kVariantFalse = 0;
+
+/// A wide string that ends with a zero; the memory is the caller's and is read during the call only.
+/// Paths: what is not valid UTF-8 on disk travels as WidePath() makes it (PathText.h).
+using BSTR = const wchar_t*;
+
+/// Entry for the host's worker threads during a parallel import (BeginParallelImport). Turns one measured grid into an
+/// object; may be called from any number of threads at once and uses no OpenGL.
+/// @param control         what BeginParallelImport stored behind its first argument
+/// @param name            name of the object
+/// @param width, height   grid size, 1 to 32767 each
+/// @param points          3 floats a pixel, row after row, sensor frame, micrometres: they are scaled by 0.001
+/// @param confidence      one float a pixel; pixels below the confidence filter are skipped
+/// @param trafo           16 floats, row-major 4 x 4, sensor to world; its translation is scaled by 0.001
+/// @param classification  one byte a pixel; 240 and above are skipped
+/// @param colors          one word a pixel, 0xAARRGGBB, or null
+/// @param color           colour of the object when the scan has none of its own, 0x00BBGGRR
+/// @param index           place of the object among those of this import, not negative
+/// @return true when an object was made
+using ImportMeasurementEntry = bool (*)(void* control, const wchar_t* name, std::int32_t width, std::int32_t height,
+                                        const float* points, const float* confidence, const float* trafo,
+                                        const std::uint8_t* classification, const std::uint32_t* colors,
+                                        std::uint32_t color, std::int32_t index);
+
+}  // namespace KV_ScenePane

@@ -1,0 +1,107 @@
+// The triangle mesh: every object that the viewer shows. Vertices are held in the world frame; the transform of an
+// object is baked into them, and m_Trafo records which one.
+// The members that issue OpenGL calls are defined in render/MeshDraw.cpp.
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "geometry/CACADObject.h"
+#include "geometry/Vertex.h"
+
+namespace ACAD {
+class CutMask;
+}
+
+class Mesh : public CACADObject {
+public:
+    /// An OpenGL texture together with the encoded image that it came from; may be shared by several meshes.
+    struct Texture {
+        Texture(std::uint32_t name, void* context, std::vector<std::uint8_t> imageBytes);
+        /// Deletes the texture in whatever context is then current.
+        ~Texture();
+        Texture(const Texture&) = delete;
+        Texture& operator=(const Texture&) = delete;
+
+        std::uint32_t m_uName;
+        void* m_hContext;                         ///< context that was current when it was made
+        std::vector<std::uint8_t> m_vImageBytes;  ///< the image file as it was read; exports write it back
+    };
+
+    /// An empty object.
+    Mesh(std::wstring name, bool hasColors);
+    /// Takes over both vectors; computes the box and m_bGrayColors. Indices must be valid.
+    Mesh(std::vector<Vertex>&& vertices, std::vector<Triangle>&& triangles, std::wstring name, bool hasColors);
+    /// Releases the buffers: the right context must be current when there are any.
+    ~Mesh() override;
+    Mesh(const Mesh&) = delete;
+    Mesh& operator=(const Mesh&) = delete;
+
+    /// Mean of the vertex positions, summed in single precision in vertex order; no vertices leave the centre as it was.
+    int ComputeCenter() override;
+    /// Rebuilds dirty buffers first, so the rendering context must be current.
+    void Draw(std::int32_t mode, bool reduced) override;
+    void ComputeBoundingBox() override;
+    void ApplyTrafo(const CACADQTrafo& trafo) override;
+    /// Takes @p trafo out of the vertices again. Leaves the buffers as they are: ApplyTrafo() always follows.
+    void RevertTrafo(const CACADQTrafo& trafo);
+
+    /// Unit normals: the normalised plain sum of the unit face normals. (ComputeMeanNormals() differs on purpose.)
+    void ComputeVertexNormals();
+    /// Unit normal of one triangle; zero for a degenerate one.
+    void GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz) const;
+
+    /// Nearest crossing of an unbounded line with the triangles, world frame; hits behind the origin count.
+    /// @return distance to @p origin, or -1 when nothing is hit: both outputs are then untouched
+    /// @throws std::out_of_range "invalid vector subscript" when a triangle refers to a vertex that does not exist
+    float IntersectLine(const float origin[3], const float direction[3], std::int32_t* triangleIndex,
+                        float hitPoint[3]) const;
+    /// Whether the unbounded line meets the bounding box.
+    [[nodiscard]] bool TestLineBox(const float origin[3], const float direction[3]) const;
+
+    /// Releases spare capacity of the triangles and the vertices.
+    void ShrinkToFit();
+    /// A new object without the vertices whose bit is set (bit i of word i/32) and without every triangle that uses one;
+    /// vertices stand in order of first use.
+    [[nodiscard]] std::shared_ptr<Mesh> CloneWithoutVertices(std::span<const std::uint32_t> bits) const;
+
+    // ---- render/MeshDraw.cpp
+    /// Makes the texture in the current context; releases a former one. RGBA, 4 bytes a pixel.
+    void CreateTexture(std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
+                       std::span<const std::uint8_t> imageBytes);
+    /// Deletes the OpenGL buffers that exist, in the current context.
+    void ReleaseBuffers();
+
+    void MarkBuffersDirty() { m_bBuffersDirty = true; }
+    /// A change marks the buffers dirty: the mix of colours is made at upload.
+    void SetBlendColors(bool blend);
+    void SetPointSize(float size) { m_fPointSize = size; }
+
+    [[nodiscard]] std::size_t GetVertexCount() const { return m_vVertices.size(); }
+    [[nodiscard]] std::size_t GetTriangleCount() const { return m_vTriangles.size(); }
+
+    std::vector<std::shared_ptr<ACAD::CutMask>> m_vpCutMasks;  ///< cuts recorded on this object
+    std::vector<Triangle> m_vTriangles;
+    std::vector<TexCoord> m_vTexCoords;  ///< three a triangle in corner order when textured, else empty
+    std::vector<Vertex> m_vVertices;
+    std::wstring m_sName;          ///< path that the object came from, or empty
+    bool m_bBuffersDirty = true;   ///< the GPU buffers must be rebuilt before the next draw
+    bool m_bHasVertexColors = false;
+    std::uint32_t m_uVertexBuffer = 0, m_uTriangleBuffer = 0, m_uPointBuffer = 0, m_uReducedBuffer = 0;
+    int m_iReducedStep = 10;       ///< every how many triangles the reduced drawing keeps one
+    float m_fPointSize = 2.0f;
+    std::shared_ptr<Texture> m_pTexture;
+    std::optional<std::array<float, 4>> m_optCutView;  ///< clip plane last written into this object's file
+    bool m_bGrayColors = false;        ///< the vertex colours are all grey, so that the object colour tints them
+    bool m_bBlendObjectColor = false;  ///< keep 15 % of the vertex colours, take 85 % of the object colour
+
+private:
+    void BuildBuffers();
+    void DrawLit(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count);
+    void DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count);
+};
