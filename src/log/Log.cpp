@@ -1,0 +1,50 @@
+// The log file and the header of its records.
+#include "log/Log.h"
+
+#include <time.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <locale>
+#include <string>
+
+#include "platform/TempFolder.h"
+
+namespace {
+
+std::int64_t TickCount() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
+// The number behind the time is not the millisecond of the clock: it counts from the first record of the process.
+std::string NowTime() {
+    static const std::int64_t firstTick = TickCount();
+    const std::time_t seconds = std::time(nullptr);
+    std::tm local{};
+    if (localtime_r(&seconds, &local) == nullptr) return "Error in NowTime()";
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
+                  static_cast<int>((TickCount() - firstTick) % 1000));
+    return text.data();
+}
+
+std::ostream& Stream() {
+    static std::ofstream stream = [] {
+        std::ofstream file;
+        file.imbue(std::locale::classic());  // a host that sets its locale gets the same numbers
+        file.open(TempFolder() + "/viewer.log", std::ios::out | std::ios::app);
+        return file;
+    }();
+    return stream;
+}
+
+}  // namespace
+
+std::ostream& Log(LogLevel level) {
+    static constexpr std::array kLevelWords{"ERROR", "WARNING", "INFO", "DEBUG"};
+    return Stream() << "[" << NowTime() << "] <" << kLevelWords[static_cast<std::size_t>(level)] << ">: ";
+}
