@@ -1,1 +1,255 @@
-// being written
+// How a mesh gets into the memory of the GPU and onto the screen: the OpenGL members of CACADObject and Mesh. The bytes
+// of the buffers come from VertexPacking.h.
+#include <GL/glew.h>
+
+#include <EGL/egl.h>
+#include <GL/glx.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "geometry/Mesh.h"
+#include "render/VertexPacking.h"
+
+namespace {
+
+// Every group that a draw may change, as the classic headers number them.
+constexpr GLbitfield kAllAttributes = 0xFFFFF;
+
+// Large meshes are packed and uploaded in pieces of this many bytes, which stay in the cache: no second copy of the
+// vertices is ever alive.
+constexpr std::size_t kUploadPiece = std::size_t{256} * 1024;
+
+void* CurrentContext() {
+    if (void* const context = eglGetCurrentContext()) return context;
+    return glXGetCurrentContext();
+}
+
+void BindGenerated(GLenum target, std::uint32_t& name) {
+    if (name == 0) glGenBuffers(1, &name);
+    glBindBuffer(target, name);
+}
+
+/// Fills the bound buffer with @p count records of @p stride bytes.
+/// @param pack  called as pack(first, count, out) for one piece after the other
+template <typename Pack>
+void UploadInPieces(GLenum target, std::size_t count, std::size_t stride, Pack pack) {
+    const std::size_t pieceCount = std::min(count, kUploadPiece / stride);
+    const auto piece = std::make_unique_for_overwrite<std::byte[]>(pieceCount * stride);
+    glBufferData(target, static_cast<GLsizeiptr>(count * stride), nullptr, GL_STATIC_DRAW);
+    for (std::size_t first = 0; first < count; first += pieceCount) {
+        const std::size_t pieceEnd = std::min(count, first + pieceCount);
+        pack(first, pieceEnd - first, piece.get());
+        glBufferSubData(target, static_cast<GLintptr>(first * stride),
+                        static_cast<GLsizeiptr>((pieceEnd - first) * stride), piece.get());
+    }
+}
+
+/// Fills the bound index buffer with corner 0 of every @p step-th triangle.
+void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
+    const std::size_t count = (triangles.size() + step - 1) / step;
+    UploadInPieces(GL_ELEMENT_ARRAY_BUFFER, count, sizeof(std::uint32_t),
+                   [&](std::size_t first, std::size_t pieceCount, std::byte* out) {
+                       const std::size_t firstTriangle = first * step;
+                       const std::size_t rest = triangles.size() - firstTriangle;
+                       const auto piece = triangles.subspan(firstTriangle, std::min(rest, pieceCount * step));
+                       PackFirstCorners(piece, step, reinterpret_cast<std::uint32_t*>(out));
+                   });
+}
+
+const void* BufferOffset(std::size_t offset) { return reinterpret_cast<const void*>(offset); }
+
+}  // namespace
+
+void CACADObject::SetDrawColor(float alpha) const { glColor4f(m_fColor[0], m_fColor[1], m_fColor[2], alpha); }
+
+void CACADObject::DrawBoundingBox() const {
+    GLfloat color[4];
+    glGetFloatv(GL_CURRENT_COLOR, color);
+    glColor3f(0.0f, 0.4f, 0.9f);
+    const auto& [minX, maxX, minY, maxY, minZ, maxZ] = m_fBoundingBox;
+    const float corners[4][2] = {{minX, minY}, {maxX, minY}, {maxX, maxY}, {minX, maxY}};
+    for (const float z : {minZ, maxZ}) {
+        glBegin(GL_LINE_LOOP);
+        for (const auto& corner : corners) glVertex3f(corner[0], corner[1], z);
+        glEnd();
+    }
+    glBegin(GL_LINES);
+    for (const auto& corner : corners) {
+        glVertex3f(corner[0], corner[1], minZ);
+        glVertex3f(corner[0], corner[1], maxZ);
+    }
+    glEnd();
+    glColor3fv(color);
+}
+
+Mesh::Texture::Texture(std::uint32_t name, void* context, std::vector<std::uint8_t> imageBytes)
+    : m_uName(name), m_hContext(context), m_vImageBytes(std::move(imageBytes)) {}
+
+Mesh::Texture::~Texture() { glDeleteTextures(1, &m_uName); }
+
+void Mesh::CreateTexture(std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
+                         std::span<const std::uint8_t> imageBytes) {
+    GLuint name = 0;
+    glGenTextures(1, &name);
+    m_pTexture = std::make_shared<Texture>(name, CurrentContext(),
+                                           std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
+    glBindTexture(GL_TEXTURE_2D, name);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgbaPixels);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+}
+
+void Mesh::ReleaseBuffers() {
+    for (std::uint32_t* name : {&m_uVertexBuffer, &m_uTriangleBuffer, &m_uPointBuffer, &m_uReducedBuffer}) {
+        if (*name == 0) continue;
+        glDeleteBuffers(1, name);
+        *name = 0;
+    }
+}
+
+void Mesh::BuildBuffers() {
+    if (m_vTriangles.empty()) {
+        m_bBuffersDirty = false;
+        return;
+    }
+    const std::span<const Vertex> vertices(m_vVertices);
+    const std::span<const Triangle> triangles(m_vTriangles);
+    BindGenerated(GL_ARRAY_BUFFER, m_uVertexBuffer);
+    if (m_pTexture) {
+        const std::span<const TexCoord> texCoords(m_vTexCoords);
+        assert(texCoords.size() == 3 * triangles.size());
+        UploadInPieces(GL_ARRAY_BUFFER, triangles.size(), 3 * kTexturedStride,
+                       [&](std::size_t first, std::size_t count, std::byte* out) {
+                           PackTextured(vertices, triangles.subspan(first, count),
+                                        texCoords.subspan(3 * first, 3 * count), out);
+                       });
+        m_bBuffersDirty = false;
+        return;
+    }
+    if (m_bHasVertexColors) {
+        const VertexColorTable table = MakeVertexColorTable(m_fColor, m_bBlendObjectColor);
+        UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kColoredStride,
+                       [&](std::size_t first, std::size_t count, std::byte* out) {
+                           PackColored(vertices.subspan(first, count), table, out);
+                       });
+    } else {
+        UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kPlainStride,
+                       [&](std::size_t first, std::size_t count, std::byte* out) {
+                           PackPlain(vertices.subspan(first, count), out);
+                       });
+    }
+    // The triangles lie in memory as the GPU takes them.
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, m_uTriangleBuffer);
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(triangles.size_bytes()), triangles.data(),
+                 GL_STATIC_DRAW);
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, m_uPointBuffer);
+    UploadFirstCorners(triangles, 1);
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, m_uReducedBuffer);
+    UploadFirstCorners(triangles, static_cast<std::size_t>(m_iReducedStep));
+    m_bBuffersDirty = false;
+}
+
+void Mesh::Draw(std::int32_t mode, bool reduced) {
+    if (m_bBuffersDirty) BuildBuffers();
+    if (m_vTriangles.empty()) return;  // not even its box is shown
+    glPushAttrib(kAllAttributes);
+    SetDrawColor(0.5f);
+    glPointSize(m_fPointSize);
+
+    const auto triangleCount = static_cast<std::int32_t>(m_vTriangles.size());
+    const auto draw = [&](std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
+        if (reduced)
+            DrawLit(m_uReducedBuffer, GL_POINTS, triangleCount / m_iReducedStep);
+        else
+            DrawLit(indexBuffer, primitive, count);
+    };
+    switch (mode) {
+        case 0:
+            // The point buffer holds one index a triangle; a textured mesh has none and shows all its corners.
+            draw(m_uPointBuffer, GL_POINTS, m_pTexture ? 3 * triangleCount : triangleCount);
+            break;
+        case 1:
+            glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+            glShadeModel(GL_FLAT);
+            draw(m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
+            break;
+        case 2:
+            glShadeModel(GL_FLAT);
+            draw(m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
+            break;
+        case 3:
+            glShadeModel(GL_SMOOTH);
+            draw(m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
+            break;
+        case 4:
+            DrawBoundingBox();
+            break;
+        default:
+            break;
+    }
+    glPopAttrib();
+}
+
+void Mesh::DrawLit(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
+    const GLfloat objectColor[4] = {m_fColor[0], m_fColor[1], m_fColor[2], 1.0f};
+    const GLfloat white[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+    // The tint travels as the light's colour: fixed-function lighting and the programs both multiply by it.
+    const bool grayUnblended = m_bGrayColors && !m_bBlendObjectColor;
+    const bool tinted = !m_pTexture && (!m_bHasVertexColors || grayUnblended);
+    glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_LIGHT0);
+    glEnable(GL_LIGHTING);
+    glLightfv(GL_LIGHT0, GL_DIFFUSE, tinted ? objectColor : white);
+    glColor4fv(white);
+    glEnable(GL_DEPTH_TEST);
+    DrawArrays(indexBuffer, primitive, count);
+    glPopAttrib();
+}
+
+void Mesh::DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
+    const bool textured = m_pTexture != nullptr;
+    const bool colored = m_bHasVertexColors && !textured;
+    const auto setClientState = [](GLenum array, bool on) {
+        on ? glEnableClientState(array) : glDisableClientState(array);
+    };
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_NORMAL_ARRAY);
+    setClientState(GL_COLOR_ARRAY, colored);
+    setClientState(GL_TEXTURE_COORD_ARRAY, textured);
+
+    if (m_uVertexBuffer != 0 && textured) {
+        const GLboolean wasEnabled = glIsEnabled(GL_TEXTURE_2D);
+        glEnable(GL_TEXTURE_2D);
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, m_pTexture->m_uName);
+        glBindBuffer(GL_ARRAY_BUFFER, m_uVertexBuffer);
+        constexpr auto kStride = static_cast<GLsizei>(kTexturedStride);
+        glVertexPointer(3, GL_FLOAT, kStride, BufferOffset(0));
+        glNormalPointer(GL_FLOAT, kStride, BufferOffset(12));
+        glTexCoordPointer(2, GL_FLOAT, kStride, BufferOffset(24));
+        glDrawArrays(primitive, 0, count);
+        glBindBuffer(GL_ARRAY_BUFFER, 0);
+        if (wasEnabled == GL_FALSE) glDisable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    } else if (m_uVertexBuffer != 0 && indexBuffer != 0) {
+        const auto stride = static_cast<GLsizei>(colored ? kColoredStride : kPlainStride);
+        glBindBuffer(GL_ARRAY_BUFFER, m_uVertexBuffer);
+        glVertexPointer(3, GL_FLOAT, stride, BufferOffset(0));
+        glNormalPointer(GL_FLOAT, stride, BufferOffset(12));
+        if (colored) glColorPointer(4, GL_UNSIGNED_BYTE, stride, BufferOffset(24));
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer);
+        glDrawElements(primitive, count, GL_UNSIGNED_INT, nullptr);
+        glBindBuffer(GL_ARRAY_BUFFER, 0);
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    }
+
+    glDisableClientState(GL_VERTEX_ARRAY);
+    glDisableClientState(GL_NORMAL_ARRAY);
+    if (colored) glDisableClientState(GL_COLOR_ARRAY);
+    if (textured) glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+}
