@@ -1,0 +1,273 @@
+// The table of the automation surface. The C++ types of a row come from the method itself, so that table and class
+// cannot disagree on them.
+#include "control/AutomationTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+namespace {
+
+using Surface = KV_ScenePane::_DKV_ScenePane;
+
+template <typename T>
+constexpr char TypeCode() {
+    if constexpr (std::is_void_v<T>) return 'v';
+    else if constexpr (std::is_same_v<T, std::int16_t>) return 's';
+    else if constexpr (std::is_same_v<T, std::int32_t>) return 'i';
+    else if constexpr (std::is_same_v<T, float>) return 'f';
+    else if constexpr (std::is_same_v<T, const wchar_t*>) return 'w';
+    else {
+        static_assert(std::is_pointer_v<T>);
+        return 'p';
+    }
+}
+
+// A pointer travels untyped; every other value as what it is.
+template <typename T>
+T Unpack(const AutomationValue& value) {
+    if constexpr (TypeCode<T>() == 'p') return static_cast<T>(std::get<void*>(value));
+    else return std::get<T>(value);
+}
+
+template <auto Method>
+struct MethodTraits;
+template <typename Result, typename... Arguments, Result (Surface::*Method)(Arguments...)>
+struct MethodTraits<Method> {
+    static constexpr std::array<char, sizeof...(Arguments) + 1> kSignature{TypeCode<Result>(), TypeCode<Arguments>()...};
+
+    static AutomationValue Invoke(Surface& target, std::span<const AutomationValue> arguments) {
+        return Call(target, arguments, std::index_sequence_for<Arguments...>());
+    }
+
+private:
+    template <std::size_t... I>
+    static AutomationValue Call(Surface& target, [[maybe_unused]] std::span<const AutomationValue> arguments,
+                                std::index_sequence<I...>) {
+        if constexpr (std::is_void_v<Result>) {
+            (target.*Method)(Unpack<Arguments>(arguments[I])...);
+            return std::monostate();
+        } else {
+            return (target.*Method)(Unpack<Arguments>(arguments[I])...);
+        }
+    }
+};
+
+struct Declaration {
+    std::string_view result, name;
+    std::vector<AutomationArgument> arguments;
+};
+
+// "type name(type name, type name)" into its parts.
+Declaration Parse(std::string_view text) {
+    const auto splitAtLastBlank = [](std::string_view part) {
+        const std::size_t blank = part.rfind(' ');
+        return std::pair{part.substr(0, blank), part.substr(blank + 1)};
+    };
+    const std::size_t open = text.find('(');
+    assert(open != std::string_view::npos && text.back() == ')');
+    Declaration declaration;
+    std::tie(declaration.result, declaration.name) = splitAtLastBlank(text.substr(0, open));
+    std::string_view list = text.substr(open + 1, text.size() - open - 2);
+    while (!list.empty()) {
+        const std::size_t comma = std::min(list.find(','), list.size());
+        const auto [type, name] = splitAtLastBlank(list.substr(0, comma));
+        declaration.arguments.push_back({type, name, type.ends_with('*') && type != "VARIANT*"});
+        list.remove_prefix(std::min(comma + 2, list.size()));
+    }
+    return declaration;
+}
+
+template <auto Method>
+AutomationMethod Row(std::int32_t id, std::string_view text) {
+    using Traits = MethodTraits<Method>;
+    Declaration declaration = Parse(text);
+    return {id, declaration.result, declaration.name, std::move(declaration.arguments),
+            std::string_view(Traits::kSignature.data(), Traits::kSignature.size()), &Traits::Invoke};
+}
+
+AutomationEvent Event(std::int32_t id, std::string_view text) {
+    Declaration declaration = Parse(text);
+    return {id, declaration.name, std::move(declaration.arguments)};
+}
+
+// clang-format off
+const std::vector<AutomationMethod>& Methods() {
+    static const std::vector<AutomationMethod> methods{
+        Row<&Surface::SetSize>(4, "void SetSize(short sx, short sy)"),
+        Row<&Surface::ClearData>(5, "void ClearData()"),
+        Row<&Surface::ClearUndoStack>(6, "void ClearUndoStack()"),
+        Row<&Surface::SetLassoCuttingColors>(7, "void SetLassoCuttingColors(long inside, float insideOpacity, long outside, float outsideOpacity)"),
+        Row<&Surface::DisplayClipPlanePartCloseToData>(8, "void DisplayClipPlanePartCloseToData()"),
+        Row<&Surface::FindNearestPickPointSphere>(9, "int FindNearestPickPointSphere(int sx, int sy)"),
+        Row<&Surface::RemovePickPointSphere>(10, "void RemovePickPointSphere(int id)"),
+        Row<&Surface::GetPickPointSphereCoords>(11, "void GetPickPointSphereCoords(int id, float* x, float* y, float* z)"),
+        Row<&Surface::GetNumberOfPickPointSpheres>(12, "int GetNumberOfPickPointSpheres()"),
+        Row<&Surface::SetMaxNumberOfNeedles>(13, "void SetMaxNumberOfNeedles(int num)"),
+        Row<&Surface::DeselectNeedle>(14, "VARIANT_BOOL DeselectNeedle(int id)"),
+        Row<&Surface::DeselectAllNeedles>(15, "void DeselectAllNeedles()"),
+        Row<&Surface::SelectNeedle>(16, "void SelectNeedle(int id)"),
+        Row<&Surface::RecreateOpenglContext>(17, "VARIANT_BOOL RecreateOpenglContext(int majorVersion, int minorVersion, int numberOfSamples)"),
+        Row<&Surface::SetPickMode>(18, "void SetPickMode(short mode)"),
+        Row<&Surface::GetPickMode>(19, "short GetPickMode()"),
+        Row<&Surface::SetCrossColor>(20, "void SetCrossColor(long color)"),
+        Row<&Surface::GetCrossColor>(21, "long GetCrossColor()"),
+        Row<&Surface::GetViewDirection>(22, "VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz)"),
+        Row<&Surface::GetNumObjects>(23, "short GetNumObjects()"),
+        Row<&Surface::GetObjectColor>(24, "long GetObjectColor(short idx)"),
+        Row<&Surface::SetObjectColor>(25, "void SetObjectColor(short idx, long color)"),
+        Row<&Surface::StartSegmentation>(26, "void StartSegmentation(short mode)"),
+        Row<&Surface::GetMeshDataSize>(27, "void GetMeshDataSize(short objIdx, long* numP, long* numT)"),
+        Row<&Surface::ClearPickPointSpheres>(28, "void ClearPickPointSpheres()"),
+        Row<&Surface::MovePickPointSphere>(29, "void MovePickPointSphere(int id, float x, float y, float z)"),
+        Row<&Surface::PerformUndo>(30, "int PerformUndo()"),
+        Row<&Surface::ImportMesh>(31, "void ImportMesh(BSTR path)"),
+        Row<&Surface::ExportMesh>(32, "void ExportMesh(short objIdx, BSTR path)"),
+        Row<&Surface::ImportScan>(33, "void ImportScan(BSTR path, long color)"),
+        Row<&Surface::ShowLightingArrow>(34, "void ShowLightingArrow(short show)"),
+        Row<&Surface::SetArrowColor>(35, "void SetArrowColor(long color)"),
+        Row<&Surface::TracingMode>(36, "void TracingMode(short on)"),
+        Row<&Surface::FlipMouseButtons>(37, "void FlipMouseButtons(short flip)"),
+        Row<&Surface::SetRotationMode>(38, "void SetRotationMode(short mode)"),
+        Row<&Surface::SetViewMode>(39, "void SetViewMode(short mode)"),
+        Row<&Surface::ResetSelection>(40, "void ResetSelection()"),
+        Row<&Surface::AddSelection>(41, "void AddSelection(short idx)"),
+        Row<&Surface::ResetVariableObjects>(42, "void ResetVariableObjects()"),
+        Row<&Surface::AddVariableObject>(43, "void AddVariableObject(short idx)"),
+        Row<&Surface::AlignInteractive>(44, "void AlignInteractive()"),
+        Row<&Surface::AlignPickPoints>(45, "void AlignPickPoints()"),
+        Row<&Surface::PerformRefresh>(46, "void PerformRefresh()"),
+        Row<&Surface::SetArrowAngle>(47, "void SetArrowAngle(short angle)"),
+        Row<&Surface::CenterView>(48, "void CenterView()"),
+        Row<&Surface::SetScanSkipVal>(49, "void SetScanSkipVal(short skipVal)"),
+        Row<&Surface::GetTrafoOfScan>(50, "short GetTrafoOfScan(short idx, float* v0, float* v1, float* v2, float* v3, float* v4, float* v5, float* v6, float* v7, float* v8, float* v9, float* v10, float* v11, float* v12, float* v13, float* v14, float* v15)"),
+        Row<&Surface::SetObjectVisibility>(51, "void SetObjectVisibility(short idx, short visible)"),
+        Row<&Surface::ShowAxes>(52, "void ShowAxes(short show)"),
+        Row<&Surface::SetConfidenceFilter>(53, "void SetConfidenceFilter(float confFilter)"),
+        Row<&Surface::FinishInteraction>(54, "void FinishInteraction()"),
+        Row<&Surface::SetBackgroundColors>(55, "void SetBackgroundColors(long TopColor, long BottomColor)"),
+        Row<&Surface::DeleteObject>(56, "void DeleteObject(short idx)"),
+        Row<&Surface::CreateNeedles>(57, "VARIANT_BOOL CreateNeedles(int number, VARIANT* id, VARIANT* pinPosXYZ, VARIANT* headPosXYZ)"),
+        Row<&Surface::DeleteNeedles>(58, "void DeleteNeedles()"),
+        Row<&Surface::GetObjectCenter>(59, "VARIANT_BOOL GetObjectCenter(short objectIdx, float* x, float* y, float* z)"),
+        Row<&Surface::SetViewParams>(60, "VARIANT_BOOL SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2, float wy3, float cx, float cy, float cz, float zoom, short freezeBBox)"),
+        Row<&Surface::AddPickPointSphere>(61, "int AddPickPointSphere(float x, float y, float z, long color)"),
+        Row<&Surface::AllowMouseInteraction>(62, "void AllowMouseInteraction(short on)"),
+        Row<&Surface::SaveCuttingToPcms>(63, "VARIANT_BOOL SaveCuttingToPcms()"),
+        Row<&Surface::SetIGDRotation>(64, "void SetIGDRotation(short on)"),
+        Row<&Surface::SetReflection>(65, "void SetReflection(float brightness, float shining)"),
+        Row<&Surface::SetTrafoOfScan>(66, "short SetTrafoOfScan(short idx, float v0, float v1, float v2, float v3, float v4, float v5, float v6, float v7, float v8, float v9, float v10, float v11, float v12, float v13, float v14, float v15)"),
+        Row<&Surface::GetViewParams>(67, "void GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx, float* cy, float* cz, float* zoom)"),
+        Row<&Surface::EndSegmentation>(68, "void EndSegmentation()"),
+        Row<&Surface::SetShadowMode>(69, "void SetShadowMode(short mode)"),
+        Row<&Surface::GetShadowMode>(70, "short GetShadowMode()"),
+        Row<&Surface::SetBackgroundColorsFourCorners>(71, "void SetBackgroundColorsFourCorners(long TopLeftColor, long TopRightColor, long BottomLeftColor, long BottomRightColor)"),
+        Row<&Surface::SetPickRadius>(72, "void SetPickRadius(float r)"),
+        Row<&Surface::PerformInvalidate>(73, "void PerformInvalidate()"),
+        Row<&Surface::GetObjectBoundingBox>(74, "void GetObjectBoundingBox(short objectIdx, float* x_min, float* x_max, float* y_min, float* y_max, float* z_min, float* z_max)"),
+        Row<&Surface::CreateNeedle>(75, "VARIANT_BOOL CreateNeedle(int id, float pinPosX, float pinPosY, float pinPosZ, float headPosX, float headPosY, float headPosZ)"),
+        Row<&Surface::BeginParallelImport>(76, "void BeginParallelImport(VARIANT* p_this, VARIANT* p_fn)"),
+        Row<&Surface::EndParallelImport>(77, "void EndParallelImport()"),
+        Row<&Surface::SetAllowEmptyObjects>(78, "void SetAllowEmptyObjects(VARIANT_BOOL allow)"),
+        Row<&Surface::BlockPaintEvents>(79, "void BlockPaintEvents(VARIANT_BOOL block)"),
+        Row<&Surface::SetMeshFilename_Removed>(80, "void SetMeshFilename_Removed()"),
+        Row<&Surface::SetLine3DDrawingMode>(81, "void SetLine3DDrawingMode(VARIANT_BOOL enable)"),
+        Row<&Surface::GetLine3DDrawingMode>(82, "VARIANT_BOOL GetLine3DDrawingMode()"),
+        Row<&Surface::CreateLine3D>(83, "VARIANT_BOOL CreateLine3D(int id, int numberOfXYZs, VARIANT* XYZs)"),
+        Row<&Surface::DeletePoints>(84, "void DeletePoints(int id)"),
+        Row<&Surface::SetPointsVisibility>(85, "void SetPointsVisibility(int id, VARIANT_BOOL visible)"),
+        Row<&Surface::ImportPoints>(86, "int ImportPoints(int numPoints, VARIANT* xyz, VARIANT* colors, float alpha)"),
+        Row<&Surface::GetScanSkipVal>(87, "short GetScanSkipVal()"),
+        Row<&Surface::SetBlendObjectColors>(88, "void SetBlendObjectColors(short idx, short enabled)"),
+        Row<&Surface::SetShadowColor>(89, "void SetShadowColor(float red, float green, float blue)"),
+        Row<&Surface::ImportMeshedMeasurement>(90, "void ImportMeshedMeasurement(VARIANT* mesh, BSTR filename, long color)"),
+        Row<&Surface::StartAnimation>(91, "void StartAnimation(float revolutionsPerSecond)"),
+        Row<&Surface::StopAnimation>(92, "void StopAnimation()"),
+        Row<&Surface::ToggleAnimationOnSpacebar>(93, "void ToggleAnimationOnSpacebar(long enabled)"),
+        Row<&Surface::IsAnimationRunning>(94, "VARIANT_BOOL IsAnimationRunning()"),
+        Row<&Surface::SetAnimationSpeed>(95, "void SetAnimationSpeed(float revolutionsPerSecond)"),
+        Row<&Surface::SetPointCloudRenderPointSize>(96, "void SetPointCloudRenderPointSize(float size)"),
+        Row<&Surface::CaptureScreenShot>(97, "void CaptureScreenShot(VARIANT* buffer)"),
+        Row<&Surface::GetScreenShotResolution>(98, "void GetScreenShotResolution(long* width, long* height)"),
+        Row<&Surface::AddOverlayData>(99, "int AddOverlayData(VARIANT* argbU8DataPtrHack, int width, int height, float relPosX, float relPosY, float relOffsetX, float relOffsetY, float absOffsetX, float absOffsetY)"),
+        Row<&Surface::SetOverlayVisibility>(100, "void SetOverlayVisibility(int index, long enable)"),
+        Row<&Surface::SetDefaultZoomFactor>(101, "void SetDefaultZoomFactor(float newDefault)"),
+        Row<&Surface::SetClipPlaneEnabled>(102, "void SetClipPlaneEnabled(long displayClipPlane)"),
+        Row<&Surface::SetClipPlaneDisabled>(103, "void SetClipPlaneDisabled()"),
+        Row<&Surface::SetClipPlane>(104, "void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY, float normalZ)"),
+        Row<&Surface::SetClipPlaneColor>(105, "void SetClipPlaneColor(long color, long handleColor, long outlineColor)"),
+        Row<&Surface::GetClipPlane>(106, "void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY, float* normalZ)"),
+        Row<&Surface::SetNeedlePickingMode>(107, "void SetNeedlePickingMode(VARIANT_BOOL enable)"),
+        Row<&Surface::SetNeedleDrawingMode>(108, "void SetNeedleDrawingMode(VARIANT_BOOL enable)"),
+        Row<&Surface::SetNeedleRenderParameters>(109, "void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, long needleHeadColor, float needlePinSize, long needlePinColor, float needleHitPointRadius, long needleHitPointColor, long needleHeadSelectionColor)"),
+        Row<&Surface::GetNeedlePickingMode>(110, "VARIANT_BOOL GetNeedlePickingMode()"),
+        Row<&Surface::GetNeedleDrawingMode>(111, "VARIANT_BOOL GetNeedleDrawingMode()"),
+        Row<&Surface::DeleteNeedle>(112, "VARIANT_BOOL DeleteNeedle(int id)"),
+        Row<&Surface::GetNumberOfNeedles>(113, "int GetNumberOfNeedles()"),
+        Row<&Surface::GetNeedle>(114, "VARIANT_BOOL GetNeedle(int id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX, float* headPosY, float* headPosZ)"),
+        Row<&Surface::GetNeedles>(115, "void GetNeedles(VARIANT* id, VARIANT* pinPosXYZ, VARIANT* headPosXYZ)"),
+        Row<&Surface::ImportMeasurementFromMemory>(116, "void ImportMeasurementFromMemory(int width, int height, VARIANT* points, VARIANT* confidence, VARIANT* trafo, long color)"),
+        Row<&Surface::ImportMeshFromMemory>(117, "void ImportMeshFromMemory(int numberOfVertices, int numberOfTriangles, VARIANT* vertices, VARIANT* triangles)"),
+        Row<&Surface::GetCutMasks>(118, "VARIANT_BOOL GetCutMasks(int* count, VARIANT* cutMaskPtrs)"),
+        Row<&Surface::ClearCutMasks>(119, "void ClearCutMasks()"),
+        Row<&Surface::InitializeKVReg>(120, "void InitializeKVReg()"),
+        Row<&Surface::FinalizeKVReg>(121, "void FinalizeKVReg()"),
+        Row<&Surface::SetHpsSourceApp>(122, "void SetHpsSourceApp(BSTR appName, BSTR appVersion)"),
+        Row<&Surface::AboutBox>(-552, "void AboutBox()"),
+    };
+    return methods;
+}
+// clang-format on
+
+char CodeOf(const AutomationValue& value) {
+    constexpr std::string_view kCodes = "vsifwp";
+    return kCodes[value.index()];
+}
+
+}  // namespace
+
+std::span<const AutomationMethod> AutomationMethods() { return Methods(); }
+
+std::span<const AutomationProperty> AutomationProperties() {
+    static constexpr std::array<AutomationProperty, 4> kProperties{{{1, "VARIANT_BOOL", "DrawMosaic", true},
+                                                                     {2, "short", "DrawMode", true},
+                                                                     {3, "VARIANT_BOOL", "MoveReduced", true},
+                                                                     {-525, "long", "ReadyState", false}}};
+    return kProperties;
+}
+
+std::span<const AutomationEvent> AutomationEvents() {
+    // clang-format off
+    static const std::vector<AutomationEvent> events{
+        Event(-609, "void ReadyStateChange()"),
+        Event(1, "void SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz)"),
+        Event(2, "void SelectObjCoords(short idx, float px, float py, float pz, int shiftModifiers, int mouseX, int mouseY)"),
+        Event(3, "void SegmentationDone(short numObj)"),
+        Event(4, "void ViewDirectionChanged(float vx, float vy, float vz)"),
+        Event(5, "void AlignmentDone()"),
+        Event(6, "void NeedleCreated(int id)"),
+        Event(7, "void NeedleSelected(int id)"),
+        Event(8, "void NeedleDeleted(int id)"),
+        Event(9, "void NeedleDeselected(int id)"),
+        Event(10, "void CustomKeyDown(long nChar, long nRepCnt, long nFlags)"),
+        Event(11, "void PickPointCountChanged(int newCount)"),
+        Event(12, "void CutMaskApplied(int64 addr)"),
+    };
+    // clang-format on
+    return events;
+}
+
+AutomationStatus InvokeMethod(Surface& target, std::int32_t id, std::span<const AutomationValue> arguments,
+                              AutomationValue* result) {
+    const auto method = std::ranges::find(Methods(), id, &AutomationMethod::id);
+    if (method == Methods().end()) return AutomationStatus::UnknownId;
+    const std::string_view expected = method->signature.substr(1);
+    if (!std::ranges::equal(arguments, expected, {}, CodeOf)) return AutomationStatus::BadArguments;
+    const AutomationValue value = method->invoke(target, arguments);
+    if (result != nullptr) *result = value;
+    return AutomationStatus::Done;
+}

@@ -1,0 +1,147 @@
+// Methods whose rooms are still to be built. They do nothing, and say so where a programmer looks.
+#include <string>
+
+#include "control/ScenePaneCtrl.h"
+#include "platform/DebugOutput.h"
+
+namespace {
+void NotYet(const char* method) {
+    DebugOutput(std::string("CKV_ScenePaneCtrl::") + method + "(): this version does not have this operation yet\n");
+}
+}  // namespace
+
+void CKV_ScenePaneCtrl::ClearUndoStack() { NotYet("ClearUndoStack"); }
+void CKV_ScenePaneCtrl::SetLassoCuttingColors(std::int32_t, float, std::int32_t, float) {
+    NotYet("SetLassoCuttingColors");
+}
+void CKV_ScenePaneCtrl::DisplayClipPlanePartCloseToData() { NotYet("DisplayClipPlanePartCloseToData"); }
+std::int32_t CKV_ScenePaneCtrl::FindNearestPickPointSphere(std::int32_t, std::int32_t) {
+    NotYet("FindNearestPickPointSphere");
+    return 0;
+}
+void CKV_ScenePaneCtrl::RemovePickPointSphere(std::int32_t) { NotYet("RemovePickPointSphere"); }
+void CKV_ScenePaneCtrl::GetPickPointSphereCoords(std::int32_t, float*, float*, float*) {
+    NotYet("GetPickPointSphereCoords");
+}
+std::int32_t CKV_ScenePaneCtrl::GetNumberOfPickPointSpheres() {
+    NotYet("GetNumberOfPickPointSpheres");
+    return 0;
+}
+void CKV_ScenePaneCtrl::SetMaxNumberOfNeedles(std::int32_t) { NotYet("SetMaxNumberOfNeedles"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::DeselectNeedle(std::int32_t) {
+    NotYet("DeselectNeedle");
+    return 0;
+}
+void CKV_ScenePaneCtrl::DeselectAllNeedles() { NotYet("DeselectAllNeedles"); }
+void CKV_ScenePaneCtrl::SelectNeedle(std::int32_t) { NotYet("SelectNeedle"); }
+void CKV_ScenePaneCtrl::SetPickMode(std::int16_t) { NotYet("SetPickMode"); }
+std::int16_t CKV_ScenePaneCtrl::GetPickMode() {
+    NotYet("GetPickMode");
+    return 0;
+}
+void CKV_ScenePaneCtrl::StartSegmentation(std::int16_t) { NotYet("StartSegmentation"); }
+void CKV_ScenePaneCtrl::ClearPickPointSpheres() { NotYet("ClearPickPointSpheres"); }
+void CKV_ScenePaneCtrl::MovePickPointSphere(std::int32_t, float, float, float) { NotYet("MovePickPointSphere"); }
+std::int32_t CKV_ScenePaneCtrl::PerformUndo() {
+    NotYet("PerformUndo");
+    return 0;
+}
+void CKV_ScenePaneCtrl::ImportMesh(BSTR) { NotYet("ImportMesh"); }
+void CKV_ScenePaneCtrl::ExportMesh(std::int16_t, BSTR) { NotYet("ExportMesh"); }
+void CKV_ScenePaneCtrl::FlipMouseButtons(std::int16_t) { NotYet("FlipMouseButtons"); }
+void CKV_ScenePaneCtrl::SetRotationMode(std::int16_t) { NotYet("SetRotationMode"); }
+void CKV_ScenePaneCtrl::AlignInteractive() { NotYet("AlignInteractive"); }
+void CKV_ScenePaneCtrl::AlignPickPoints() { NotYet("AlignPickPoints"); }
+void CKV_ScenePaneCtrl::FinishInteraction() { NotYet("FinishInteraction"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedles(std::int32_t, const std::int32_t*, const float*, const float*) {
+    NotYet("CreateNeedles");
+    return 0;
+}
+void CKV_ScenePaneCtrl::DeleteNeedles() { NotYet("DeleteNeedles"); }
+std::int32_t CKV_ScenePaneCtrl::AddPickPointSphere(float, float, float, std::int32_t) {
+    NotYet("AddPickPointSphere");
+    return 0;
+}
+void CKV_ScenePaneCtrl::AllowMouseInteraction(std::int16_t) { NotYet("AllowMouseInteraction"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::SaveCuttingToPcms() {
+    NotYet("SaveCuttingToPcms");
+    return 0;
+}
+void CKV_ScenePaneCtrl::SetIGDRotation(std::int16_t) { NotYet("SetIGDRotation"); }
+void CKV_ScenePaneCtrl::EndSegmentation() { NotYet("EndSegmentation"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedle(std::int32_t, float, float, float, float, float, float) {
+    NotYet("CreateNeedle");
+    return 0;
+}
+void CKV_ScenePaneCtrl::SetLine3DDrawingMode(VARIANT_BOOL) { NotYet("SetLine3DDrawingMode"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::GetLine3DDrawingMode() {
+    NotYet("GetLine3DDrawingMode");
+    return 0;
+}
+VARIANT_BOOL CKV_ScenePaneCtrl::CreateLine3D(std::int32_t, std::int32_t, const float*) {
+    NotYet("CreateLine3D");
+    return 0;
+}
+void CKV_ScenePaneCtrl::DeletePoints(std::int32_t) { NotYet("DeletePoints"); }
+void CKV_ScenePaneCtrl::SetPointsVisibility(std::int32_t, VARIANT_BOOL) { NotYet("SetPointsVisibility"); }
+std::int32_t CKV_ScenePaneCtrl::ImportPoints(std::int32_t, const float*, const float*, float) {
+    NotYet("ImportPoints");
+    return 0;
+}
+void CKV_ScenePaneCtrl::StartAnimation(float) { NotYet("StartAnimation"); }
+void CKV_ScenePaneCtrl::StopAnimation() { NotYet("StopAnimation"); }
+void CKV_ScenePaneCtrl::ToggleAnimationOnSpacebar(std::int32_t) { NotYet("ToggleAnimationOnSpacebar"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::IsAnimationRunning() {
+    NotYet("IsAnimationRunning");
+    return 0;
+}
+void CKV_ScenePaneCtrl::SetAnimationSpeed(float) { NotYet("SetAnimationSpeed"); }
+void CKV_ScenePaneCtrl::CaptureScreenShot(std::uint32_t*) { NotYet("CaptureScreenShot"); }
+void CKV_ScenePaneCtrl::GetScreenShotResolution(std::int32_t*, std::int32_t*) { NotYet("GetScreenShotResolution"); }
+std::int32_t CKV_ScenePaneCtrl::AddOverlayData(const std::uint8_t*, std::int32_t, std::int32_t, float, float, float,
+                                               float, float, float) {
+    NotYet("AddOverlayData");
+    return 0;
+}
+void CKV_ScenePaneCtrl::SetOverlayVisibility(std::int32_t, std::int32_t) { NotYet("SetOverlayVisibility"); }
+void CKV_ScenePaneCtrl::SetClipPlaneEnabled(std::int32_t) { NotYet("SetClipPlaneEnabled"); }
+void CKV_ScenePaneCtrl::SetClipPlaneDisabled() { NotYet("SetClipPlaneDisabled"); }
+void CKV_ScenePaneCtrl::SetClipPlane(float, float, float, float, float, float) { NotYet("SetClipPlane"); }
+void CKV_ScenePaneCtrl::SetClipPlaneColor(std::int32_t, std::int32_t, std::int32_t) { NotYet("SetClipPlaneColor"); }
+void CKV_ScenePaneCtrl::GetClipPlane(float*, float*, float*, float*, float*, float*) { NotYet("GetClipPlane"); }
+void CKV_ScenePaneCtrl::SetNeedlePickingMode(VARIANT_BOOL) { NotYet("SetNeedlePickingMode"); }
+void CKV_ScenePaneCtrl::SetNeedleDrawingMode(VARIANT_BOOL) { NotYet("SetNeedleDrawingMode"); }
+void CKV_ScenePaneCtrl::SetNeedleRenderParameters(float, float, std::int32_t, float, std::int32_t, float, std::int32_t,
+                                                  std::int32_t) {
+    NotYet("SetNeedleRenderParameters");
+}
+VARIANT_BOOL CKV_ScenePaneCtrl::GetNeedlePickingMode() {
+    NotYet("GetNeedlePickingMode");
+    return 0;
+}
+VARIANT_BOOL CKV_ScenePaneCtrl::GetNeedleDrawingMode() {
+    NotYet("GetNeedleDrawingMode");
+    return 0;
+}
+VARIANT_BOOL CKV_ScenePaneCtrl::DeleteNeedle(std::int32_t) {
+    NotYet("DeleteNeedle");
+    return 0;
+}
+std::int32_t CKV_ScenePaneCtrl::GetNumberOfNeedles() {
+    NotYet("GetNumberOfNeedles");
+    return 0;
+}
+VARIANT_BOOL CKV_ScenePaneCtrl::GetNeedle(std::int32_t, float*, float*, float*, float*, float*, float*) {
+    NotYet("GetNeedle");
+    return 0;
+}
+void CKV_ScenePaneCtrl::GetNeedles(std::int32_t*, float*, float*) { NotYet("GetNeedles"); }
+VARIANT_BOOL CKV_ScenePaneCtrl::GetCutMasks(std::int32_t*, const ACAD::CutMask**) {
+    NotYet("GetCutMasks");
+    return 0;
+}
+void CKV_ScenePaneCtrl::ClearCutMasks() { NotYet("ClearCutMasks"); }
+void CKV_ScenePaneCtrl::InitializeKVReg() { NotYet("InitializeKVReg"); }
+void CKV_ScenePaneCtrl::FinalizeKVReg() { NotYet("FinalizeKVReg"); }
+void CKV_ScenePaneCtrl::SetHpsSourceApp(BSTR, BSTR) { NotYet("SetHpsSourceApp"); }
+void CKV_ScenePaneCtrl::AboutBox() { NotYet("AboutBox"); }

@@ -1,0 +1,140 @@
+// The simple methods on the object list.
+#include <string>
+
+#include "control/ScenePaneCtrl.h"
+#include "platform/DebugOutput.h"
+
+namespace {
+
+// The rotation and translation of a row-major 4 x 4 matrix into a transform.
+void SetFromRows(CACADQTrafo& trafo, const float (&m)[16]) {
+    trafo.Set(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10], m[3], m[7], m[11]);
+}
+
+}  // namespace
+
+Mesh* CKV_ScenePaneCtrl::ObjectAt(std::int16_t idx) const {
+    return idx < 0 || static_cast<std::size_t>(idx) >= m_vpMeshes.size() ? nullptr
+                                                                         : m_vpMeshes[static_cast<std::size_t>(idx)].get();
+}
+
+void CKV_ScenePaneCtrl::SetSize(std::int16_t sx, std::int16_t sy) {
+    m_pWindow->Resize(sx, sy);
+    m_nWidth = sx;
+    m_nHeight = sy;
+    UpdateViewport();
+}
+
+void CKV_ScenePaneCtrl::ClearData() {
+    MakeContextCurrent();  // the destructors of the meshes delete their buffers in it
+    m_vpMeshes.clear();
+    m_vUndoStack.clear();
+    m_vLines3D.clear();
+    m_pCutSession.reset();
+    m_pCutMask.reset();
+    m_fAxisX = {1, 0, 0};
+    m_fAxisY = {0, 1, 0};
+    m_fAxisZ = {0, 0, 1};
+    FitViewToScene();
+}
+
+std::int16_t CKV_ScenePaneCtrl::GetNumObjects() { return static_cast<std::int16_t>(m_vpMeshes.size()); }
+
+std::int32_t CKV_ScenePaneCtrl::GetObjectColor(std::int16_t idx) {
+    const Mesh* mesh = ObjectAt(idx);
+    return mesh == nullptr ? -1 : static_cast<std::int32_t>(mesh->GetColorRef());
+}
+
+void CKV_ScenePaneCtrl::SetObjectColor(std::int16_t idx, std::int32_t color) {
+    Mesh* mesh = ObjectAt(idx);
+    if (mesh == nullptr || mesh->GetColorRef() == static_cast<std::uint32_t>(color)) return;
+    mesh->SetColorRef(static_cast<std::uint32_t>(color));
+    mesh->MarkBuffersDirty();
+    InvalidateControl(false);
+}
+
+void CKV_ScenePaneCtrl::SetObjectVisibility(std::int16_t idx, std::int16_t visible) {
+    Mesh* mesh = ObjectAt(idx);
+    if (mesh == nullptr) return;
+    mesh->m_iVisible = visible;
+    InvalidateControl(false);
+}
+
+// The contract has no range check here: the host passes a valid index.
+void CKV_ScenePaneCtrl::GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) {
+    const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
+    *numP = static_cast<std::int32_t>(mesh.GetVertexCount());
+    *numT = static_cast<std::int32_t>(mesh.GetTriangleCount());
+}
+
+CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetObjectCenter(std::int16_t objectIdx, float* x, float* y, float* z) {
+    Mesh* mesh = ObjectAt(objectIdx);
+    if (mesh == nullptr) return KV_ScenePane::kVariantFalse;
+    Float3 center;
+    mesh->GetCenter(center.data());
+    *x = center[0];
+    *y = center[1];
+    *z = center[2];
+    return KV_ScenePane::kVariantTrue;
+}
+
+void CKV_ScenePaneCtrl::GetObjectBoundingBox(std::int16_t objectIdx, float* x_min, float* x_max, float* y_min,
+                                             float* y_max, float* z_min, float* z_max) {
+    const Mesh* mesh = ObjectAt(objectIdx);
+    if (mesh == nullptr) {
+        DebugOutput("CKV_ScenePaneCtrl::GetObjectBoundingBox() object index out of range!\n");
+        DebugOutput("- objectIdx = " + std::to_string(objectIdx) + "\n");
+        DebugOutput("- m_vpMeshes.size() = " + std::to_string(m_vpMeshes.size()) + "\n");
+        *x_min = *y_min = *z_min = 1.0f;
+        *x_max = *y_max = *z_max = -1.0f;
+        return;
+    }
+    mesh->GetBoundingBox(x_min, x_max, y_min, y_max, z_min, z_max);
+}
+
+std::int16_t CKV_ScenePaneCtrl::GetTrafoOfScan(std::int16_t idx, float* v0, float* v1, float* v2, float* v3, float* v4,
+                                               float* v5, float* v6, float* v7, float* v8, float* v9, float* v10,
+                                               float* v11, float* v12, float* v13, float* v14, float* v15) {
+    const Mesh* mesh = ObjectAt(idx);
+    if (mesh == nullptr) return -1;
+    const double* r = mesh->m_Trafo.m_dRotation;
+    const double* t = mesh->m_Trafo.m_dTranslation;
+    float* const out[16] = {v0, v1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12, v13, v14, v15};
+    const double rows[16] = {r[0], r[3], r[6], t[0], r[1], r[4], r[7], t[1], r[2], r[5], r[8], t[2], 0, 0, 0, 1};
+    for (std::size_t i = 0; i < 16; ++i) *out[i] = static_cast<float>(rows[i]);
+    return 0;
+}
+
+std::int16_t CKV_ScenePaneCtrl::SetTrafoOfScan(std::int16_t idx, float v0, float v1, float v2, float v3, float v4,
+                                               float v5, float v6, float v7, float v8, float v9, float v10, float v11,
+                                               float v12, float v13, float v14, float v15) {
+    Mesh* mesh = ObjectAt(idx);
+    if (mesh == nullptr) return -1;
+    mesh->RevertTrafo(mesh->m_Trafo);
+    SetFromRows(mesh->m_Trafo, {v0, v1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12, v13, v14, v15});
+    mesh->ApplyTrafo(mesh->m_Trafo);
+    RefreshControl();
+    return 0;
+}
+
+void CKV_ScenePaneCtrl::DeleteObject(std::int16_t idx) {
+    if (ObjectAt(idx) == nullptr) return;
+    MakeContextCurrent();
+    m_vpMeshes.erase(m_vpMeshes.begin() + idx);
+}
+
+void CKV_ScenePaneCtrl::SetBlendObjectColors(std::int16_t idx, std::int16_t enabled) {
+    if (Mesh* mesh = ObjectAt(idx)) mesh->SetBlendColors(enabled != 0);
+}
+
+void CKV_ScenePaneCtrl::ResetSelection() { m_vpSelection.clear(); }
+
+void CKV_ScenePaneCtrl::AddSelection(std::int16_t idx) {
+    if (Mesh* mesh = ObjectAt(idx)) m_vpSelection.push_back(mesh);
+}
+
+void CKV_ScenePaneCtrl::ResetVariableObjects() { m_vpVariableObjects.clear(); }
+
+void CKV_ScenePaneCtrl::AddVariableObject(std::int16_t idx) {
+    if (Mesh* mesh = ObjectAt(idx)) m_vpVariableObjects.push_back(mesh);
+}

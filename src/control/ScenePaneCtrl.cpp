@@ -1,0 +1,77 @@
+// Construction, destruction, the frame around a host method, and what the host's handle offers beside the methods.
+#include "control/ScenePaneCtrl.h"
+
+#include <GL/glew.h>
+//
+#include <GL/glu.h>
+#include <unistd.h>
+
+#include <cassert>
+#include <utility>
+
+std::recursive_mutex* g_drawLock = nullptr;
+
+namespace {
+
+void CreateDrawLockOnce() {
+    static std::once_flag created;
+    std::call_once(created, [] { g_drawLock = new std::recursive_mutex; });  // never deleted: it outlives all controls
+}
+
+}  // namespace
+
+CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window)
+    : m_pWindow(std::move(window)), m_nCreatorThreadId(static_cast<std::uint32_t>(gettid())) {
+    assert(m_pWindow != nullptr);
+    m_mouseDispatch.owner = this;
+    m_clipPlane.SetCenter({0.0, 0.0, 10.0});
+    m_pQuadric = gluNewQuadric();
+    m_pQuadric2 = gluNewQuadric();
+    CreateDrawLockOnce();
+}
+
+CKV_ScenePaneCtrl::~CKV_ScenePaneCtrl() {
+    m_pWindow->Destroy();
+    gluDeleteQuadric(m_pQuadric);
+    gluDeleteQuadric(m_pQuadric2);
+    // Programs, targets, textures and free points went with the context of the window.
+}
+
+bool CKV_ScenePaneCtrl::CreateControlWindow(std::string* reason) { return m_pWindow->Create(*this, reason); }
+
+bool CKV_ScenePaneCtrl::MakeContextCurrent() { return m_pWindow->MakeCurrent(); }
+
+void CKV_ScenePaneCtrl::RefreshControl() { m_pWindow->Refresh(); }
+
+void CKV_ScenePaneCtrl::InvalidateControl(bool erase) { m_pWindow->Invalidate(erase); }
+
+KV_ScenePane::_DKV_ScenePane& CKV_ScenePaneCtrl::Methods() { return *this; }
+
+void CKV_ScenePaneCtrl::Connect(KV_ScenePane::_DKV_ScenePaneEvents* events) { m_pEvents = events; }
+
+int CKV_ScenePaneCtrl::EventDescriptor() const { return m_pWindow->EventDescriptor(); }
+
+void CKV_ScenePaneCtrl::ProcessEvents() { m_pWindow->ProcessEvents(); }
+
+bool CKV_ScenePaneCtrl::HasWindow() const { return m_pWindow->Exists(); }
+
+std::uintptr_t CKV_ScenePaneCtrl::NativeWindow() const { return m_pWindow->NativeHandle(); }
+
+bool CKV_ScenePaneCtrl::Reparent(std::uintptr_t parent, int x, int y) { return m_pWindow->Reparent(parent, x, y); }
+
+bool CKV_ScenePaneCtrl::GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info) {
+    const Mesh* mesh = ObjectAt(idx);
+    if (mesh == nullptr) return false;
+    info->name = mesh->m_sName;
+    info->hasVertexColors = mesh->m_bHasVertexColors;
+    return true;
+}
+
+bool CKV_ScenePaneCtrl::CapturePicture(KV_ScenePane::Picture* picture) {
+    if (!MakeContextCurrent()) return false;
+    picture->pixels.clear();
+    m_pCapture = picture;
+    RefreshControl();
+    m_pCapture = nullptr;
+    return !picture->pixels.empty();
+}

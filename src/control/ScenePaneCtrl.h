@@ -1,0 +1,511 @@
+// CKV_ScenePaneCtrl: the one object that a host sees. All scene state is its members, in groups headed by the room that
+// works on them; the methods stand under the source file that defines them.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "KV_ScenePane/ScenePane.h"
+#include "align/CInteractionDlg.h"
+#include "clip/Plane.h"
+#include "cut/CutSession.h"
+#include "geometry/Box.h"
+#include "geometry/Float3.h"
+#include "geometry/Mesh.h"
+#include "markers/FreePointSet.h"
+#include "markers/Line3D.h"
+#include "markers/Needle.h"
+#include "markers/PickPointSphere.h"
+#include "platform/PaneWindow.h"
+#include "render/Overlay.h"
+#include "render/TextDraw.h"
+#include "view/MouseDispatch.h"
+#include "view/ViewFrame.h"
+
+class GLUquadric;
+
+/// One critical section for the whole process, held across a frame so that two controls never draw at the same time.
+/// Created by the first control, never deleted. Recursive on its owner.
+extern std::recursive_mutex* g_drawLock;
+
+/// Values of m_nInteractionMode. 2, 5 and 8 are never assigned.
+enum InteractionMode : std::int32_t {
+    ModeIdle = 0,
+    ModeRotate = 1,
+    ModePan = 3,
+    ModeLasso = 4,
+    ModeAlignInteractive = 6,
+    ModeAlignPickPoints = 7,
+    ModePlaneHandle = 9,
+    ModeMaskLasso = 10,
+    ModePlaneRotate = 11,
+    ModePlaneMove = 12,
+};
+
+class CKV_ScenePaneCtrl final : public KV_ScenePane::_DKV_ScenePane,
+                                public KV_ScenePane::ScenePane,
+                                public WindowClient {
+public:
+    using VARIANT_BOOL = KV_ScenePane::VARIANT_BOOL;
+    using BSTR = KV_ScenePane::BSTR;
+    using ImportMeasurementEntry = KV_ScenePane::ImportMeasurementEntry;
+
+    // ---- control/ScenePaneCtrl.cpp
+    /// Sets the members; no window yet, no OpenGL call.
+    explicit CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window);
+    /// Destroys the window first when it is still there.
+    ~CKV_ScenePaneCtrl() override;
+    CKV_ScenePaneCtrl(const CKV_ScenePaneCtrl&) = delete;
+    CKV_ScenePaneCtrl& operator=(const CKV_ScenePaneCtrl&) = delete;
+    /// Makes the window and with it the context; false with the reason when there is none.
+    bool CreateControlWindow(std::string* reason);
+    /// Makes the control's context current; false without one, and then no context is current.
+    bool MakeContextCurrent();
+    /// The three repaint strengths: redraw before the return, queued, queued with erase.
+    void RefreshControl();
+    void InvalidateControl(bool erase);
+
+    // ---- control/ScenePaneCtrl.cpp: what the host's handle offers
+    KV_ScenePane::_DKV_ScenePane& Methods() override;
+    void Connect(KV_ScenePane::_DKV_ScenePaneEvents* events) override;
+    [[nodiscard]] int EventDescriptor() const override;
+    void ProcessEvents() override;
+    [[nodiscard]] bool HasWindow() const override;
+    [[nodiscard]] std::uintptr_t NativeWindow() const override;
+    bool Reparent(std::uintptr_t parent, int x, int y) override;
+    bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info) override;
+    bool CapturePicture(KV_ScenePane::Picture* picture) override;
+
+    // ---- control/SettingMethods.cpp: properties. Each change invalidates with erase and marks the control modified.
+    VARIANT_BOOL GetDrawMosaic() override;
+    void SetDrawMosaic(VARIANT_BOOL value) override;
+    std::int16_t GetDrawMode() override;
+    void SetDrawMode(std::int16_t value) override;
+    VARIANT_BOOL GetMoveReduced() override;
+    void SetMoveReduced(VARIANT_BOOL value) override;
+    std::int32_t GetReadyState() override;
+
+    // ---- control/SceneMethods.cpp
+    void SetSize(std::int16_t sx, std::int16_t sy) override;
+    void ClearData() override;
+    std::int16_t GetNumObjects() override;
+    std::int32_t GetObjectColor(std::int16_t idx) override;
+    void SetObjectColor(std::int16_t idx, std::int32_t color) override;
+    void SetObjectVisibility(std::int16_t idx, std::int16_t visible) override;
+    void GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) override;
+    VARIANT_BOOL GetObjectCenter(std::int16_t objectIdx, float* x, float* y, float* z) override;
+    void GetObjectBoundingBox(std::int16_t objectIdx, float* x_min, float* x_max, float* y_min, float* y_max,
+                              float* z_min, float* z_max) override;
+    std::int16_t GetTrafoOfScan(std::int16_t idx, float* v0, float* v1, float* v2, float* v3, float* v4, float* v5,
+                                float* v6, float* v7, float* v8, float* v9, float* v10, float* v11, float* v12,
+                                float* v13, float* v14, float* v15) override;
+    std::int16_t SetTrafoOfScan(std::int16_t idx, float v0, float v1, float v2, float v3, float v4, float v5, float v6,
+                                float v7, float v8, float v9, float v10, float v11, float v12, float v13, float v14,
+                                float v15) override;
+    void DeleteObject(std::int16_t idx) override;
+    void SetBlendObjectColors(std::int16_t idx, std::int16_t enabled) override;
+    void ResetSelection() override;
+    void AddSelection(std::int16_t idx) override;
+    void ResetVariableObjects() override;
+    void AddVariableObject(std::int16_t idx) override;
+
+    // ---- control/SettingMethods.cpp
+    void SetAllowEmptyObjects(VARIANT_BOOL allow) override;
+    void BlockPaintEvents(VARIANT_BOOL block) override;
+    void SetReflection(float brightness, float shining) override;
+    void SetBackgroundColors(std::int32_t TopColor, std::int32_t BottomColor) override;
+    void SetBackgroundColorsFourCorners(std::int32_t TopLeftColor, std::int32_t TopRightColor,
+                                        std::int32_t BottomLeftColor, std::int32_t BottomRightColor) override;
+    void SetCrossColor(std::int32_t color) override;
+    std::int32_t GetCrossColor() override;
+    void SetArrowColor(std::int32_t color) override;
+    void ShowLightingArrow(std::int16_t show) override;
+    void ShowAxes(std::int16_t show) override;
+    void SetArrowAngle(std::int16_t angle) override;
+    void SetScanSkipVal(std::int16_t skipVal) override;
+    std::int16_t GetScanSkipVal() override;
+    void SetConfidenceFilter(float confFilter) override;
+    void SetPickRadius(float r) override;
+    void SetPointCloudRenderPointSize(float size) override;
+    void PerformRefresh() override;
+    void PerformInvalidate() override;
+    void SetMeshFilename_Removed() override;
+
+    // ---- io/ImportScan.cpp
+    void ImportScan(BSTR path, std::int32_t color) override;
+
+    // ---- io/MemoryImports.cpp
+    void ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
+                                     const float* confidence, const float* trafo, std::int32_t color) override;
+    void ImportMeshedMeasurement(const MeshBuffers* mesh, BSTR filename, std::int32_t color) override;
+    void ImportMeshFromMemory(std::int32_t numberOfVertices, std::int32_t numberOfTriangles, const float* vertices,
+                              const std::int32_t* triangles) override;
+
+    // ---- io/ParallelImport.cpp
+    void BeginParallelImport(void** p_this, ImportMeasurementEntry* p_fn) override;
+    void EndParallelImport() override;
+
+    // ---- render/ContextLifecycle.cpp
+    VARIANT_BOOL RecreateOpenglContext(std::int32_t majorVersion, std::int32_t minorVersion,
+                                       std::int32_t numberOfSamples) override;
+
+    // ---- render/Shadows.cpp
+    void SetShadowMode(std::int16_t mode) override;
+    std::int16_t GetShadowMode() override;
+    void SetShadowColor(float red, float green, float blue) override;
+
+    // ---- view/Camera.cpp
+    void SetViewMode(std::int16_t mode) override;
+    VARIANT_BOOL SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2, float wy3, float cx, float cy,
+                               float cz, float zoom, std::int16_t freezeBBox) override;
+    void GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx, float* cy,
+                       float* cz, float* zoom) override;
+    VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz) override;
+    void CenterView() override;
+    void SetDefaultZoomFactor(float newDefault) override;
+    void TracingMode(std::int16_t on) override;
+
+    // ---- control/MethodsToCome.cpp: one line to the debugger output each, until their rooms are built
+    void ClearUndoStack() override;
+    void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
+                               float outsideOpacity) override;
+    void DisplayClipPlanePartCloseToData() override;
+    std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) override;
+    void RemovePickPointSphere(std::int32_t id) override;
+    void GetPickPointSphereCoords(std::int32_t id, float* x, float* y, float* z) override;
+    std::int32_t GetNumberOfPickPointSpheres() override;
+    void SetMaxNumberOfNeedles(std::int32_t num) override;
+    VARIANT_BOOL DeselectNeedle(std::int32_t id) override;
+    void DeselectAllNeedles() override;
+    void SelectNeedle(std::int32_t id) override;
+    void SetPickMode(std::int16_t mode) override;
+    std::int16_t GetPickMode() override;
+    void StartSegmentation(std::int16_t mode) override;
+    void ClearPickPointSpheres() override;
+    void MovePickPointSphere(std::int32_t id, float x, float y, float z) override;
+    std::int32_t PerformUndo() override;
+    void ImportMesh(BSTR path) override;
+    void ExportMesh(std::int16_t objIdx, BSTR path) override;
+    void FlipMouseButtons(std::int16_t flip) override;
+    void SetRotationMode(std::int16_t mode) override;
+    void AlignInteractive() override;
+    void AlignPickPoints() override;
+    void FinishInteraction() override;
+    VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
+                               const float* headPosXYZ) override;
+    void DeleteNeedles() override;
+    std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) override;
+    void AllowMouseInteraction(std::int16_t on) override;
+    VARIANT_BOOL SaveCuttingToPcms() override;
+    void SetIGDRotation(std::int16_t on) override;
+    void EndSegmentation() override;
+    VARIANT_BOOL CreateNeedle(std::int32_t id, float pinPosX, float pinPosY, float pinPosZ, float headPosX,
+                              float headPosY, float headPosZ) override;
+    void SetLine3DDrawingMode(VARIANT_BOOL enable) override;
+    VARIANT_BOOL GetLine3DDrawingMode() override;
+    VARIANT_BOOL CreateLine3D(std::int32_t id, std::int32_t numberOfXYZs, const float* XYZs) override;
+    void DeletePoints(std::int32_t id) override;
+    void SetPointsVisibility(std::int32_t id, VARIANT_BOOL visible) override;
+    std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) override;
+    void StartAnimation(float revolutionsPerSecond) override;
+    void StopAnimation() override;
+    void ToggleAnimationOnSpacebar(std::int32_t enabled) override;
+    VARIANT_BOOL IsAnimationRunning() override;
+    void SetAnimationSpeed(float revolutionsPerSecond) override;
+    void CaptureScreenShot(std::uint32_t* buffer) override;
+    void GetScreenShotResolution(std::int32_t* width, std::int32_t* height) override;
+    std::int32_t AddOverlayData(const std::uint8_t* argbU8DataPtrHack, std::int32_t width, std::int32_t height,
+                                float relPosX, float relPosY, float relOffsetX, float relOffsetY, float absOffsetX,
+                                float absOffsetY) override;
+    void SetOverlayVisibility(std::int32_t index, std::int32_t enable) override;
+    void SetClipPlaneEnabled(std::int32_t displayClipPlane) override;
+    void SetClipPlaneDisabled() override;
+    void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
+                      float normalZ) override;
+    void SetClipPlaneColor(std::int32_t color, std::int32_t handleColor, std::int32_t outlineColor) override;
+    void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
+                      float* normalZ) override;
+    void SetNeedlePickingMode(VARIANT_BOOL enable) override;
+    void SetNeedleDrawingMode(VARIANT_BOOL enable) override;
+    void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, std::int32_t needleHeadColor,
+                                   float needlePinSize, std::int32_t needlePinColor, float needleHitPointRadius,
+                                   std::int32_t needleHitPointColor, std::int32_t needleHeadSelectionColor) override;
+    VARIANT_BOOL GetNeedlePickingMode() override;
+    VARIANT_BOOL GetNeedleDrawingMode() override;
+    VARIANT_BOOL DeleteNeedle(std::int32_t id) override;
+    std::int32_t GetNumberOfNeedles() override;
+    VARIANT_BOOL GetNeedle(std::int32_t id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX,
+                           float* headPosY, float* headPosZ) override;
+    void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) override;
+    VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) override;
+    void ClearCutMasks() override;
+    void InitializeKVReg() override;
+    void FinalizeKVReg() override;
+    void SetHpsSourceApp(BSTR appName, BSTR appVersion) override;
+    void AboutBox() override;
+
+    // ---- control/SceneMethods.cpp
+    /// The object at a host's index, or null when it is negative or past the end.
+    [[nodiscard]] Mesh* ObjectAt(std::int16_t idx) const;
+
+    // ---- io/ImportScan.cpp
+    void ImportPcm(const wchar_t* path, std::uint32_t color);
+    void ImportPax(const wchar_t* path, std::uint32_t color);
+    void ImportXdt(const wchar_t* path, std::uint32_t color);
+    /// Common end of the file and memory paths: triangulates and adds the object.
+    void SetScanData(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
+                     const float* trafo, std::uint32_t color, const std::uint32_t* colors);
+
+    // ---- io/ParallelImport.cpp
+    /// The entry that BeginParallelImport hands out; any thread.
+    static bool ImportMeasurementInternal(void* control, const wchar_t* name, std::int32_t width, std::int32_t height,
+                                          const float* points, const float* confidence, const float* trafo,
+                                          const std::uint8_t* classification, const std::uint32_t* colors,
+                                          std::uint32_t color, std::int32_t index);
+    /// The one road of a finished measurement into the scene. Any thread during a parallel import.
+    void AddMeshToScene(std::shared_ptr<Mesh> mesh, std::int32_t index);
+
+    // ---- render/ContextLifecycle.cpp
+    int OnCreate() override;
+    void OnDestroy() override;
+    struct ChosenFormat {
+        std::int32_t index = 0;
+        bool valid = false;
+    };
+    ChosenFormat FindPixelFormat(std::int32_t samples);
+    bool CreateRenderContext(std::int32_t format, std::int32_t major, std::int32_t minor);
+
+    // ---- render/Frame.cpp
+    void OnPaint() override;
+    void OnDraw();
+    void DrawScene();
+    void DrawFreePoints();
+    void FreezeFrame();
+
+    // ---- render/Shadows.cpp
+    /// Builds the programs and both off-screen targets; ends the process when the driver cannot.
+    void InitFramebuffers();
+    /// The depth pass; returns the two matrices that it used, 16 floats each, column-major.
+    void RenderShadowMap(float* projection, float* modelView);
+
+    // ---- render/Decorations.cpp
+    void DrawBackground();
+    void DrawCross();
+    void DrawLightingArrow();
+    void DrawAxes();
+    void DrawOverlays();
+
+    // ---- the frame's calls into rooms that are still to come: right for their empty lists
+    void DrawLassoPolygon();            // cut/CutFrame.cpp
+    void DrawCutSession();              // cut/CutFrame.cpp
+    void DrawLines3D(float lineWidth);  // markers/MarkersFrame.cpp
+    void DrawNeedles(int textStyle);    // markers/MarkersFrame.cpp
+    void DrawPickPointSpheres();        // markers/MarkersFrame.cpp
+    void DrawClipPlane();               // clip/ClipFrame.cpp
+    void AnimationStep();               // view/Animation.cpp
+
+    // ---- view/Camera.cpp
+    /// Rebuilds projection, modelview, shadow camera and light from the frame; makes the context current.
+    void SetupViewMatrices();
+    /// Viewport and aspect from the stored size; makes the context current.
+    void UpdateViewport();
+    /// UpdateViewport() and the size check of the frame in one: stores the aspect factors of the stored size.
+    void ApplyAspect();
+    void FitViewToScene();
+    /// Union of the visible meshes with triangles and the visible free points; -50..50 when there is none.
+    [[nodiscard]] Box GetSceneBoundingBox() const;
+    /// Moves the centre by a mouse travel in pixels.
+    void PanView(std::int32_t dx, std::int32_t dy);
+    void ZoomView(std::int32_t dx, std::int32_t dy);
+    /// Nearest surface on the axis through the window's centre.
+    [[nodiscard]] std::optional<Float3> FindViewAxisHit(const Float3& direction);
+    void FireViewDirectionChanged();
+    [[nodiscard]] ViewFrame LiveFrame() const;
+    void SetLiveFrame(const ViewFrame& frame);
+
+    // ---- view/Conversions.cpp: on the matrices as they stand; window y runs downward
+    /// Combined matrix of a frame other than the live one, 16 floats, column-major.
+    void ComputeFrameMatrix(const ViewFrame& frame, float* matrix);
+    void ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY);
+    void ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY, float* depth);
+    void ProjectPointDouble(double x, double y, double z, double* windowX, double* windowY);
+    /// 0 when there is no inverse or no context; the outputs are then untouched.
+    int UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y, float* z);
+
+    // ---- view/Animation.cpp
+    void OnPrivateMessage(std::uint32_t message) override;
+
+    std::unique_ptr<PaneWindow> m_pWindow;                    ///< never null
+    KV_ScenePane::_DKV_ScenePaneEvents* m_pEvents = nullptr;  ///< the host's, or null
+    KV_ScenePane::Picture* m_pCapture = nullptr;              ///< the next frame is read into it before it is shown
+    bool m_bModified = false;                                 ///< a persisted property was written
+
+    // ======== scene state; colours are 0x00BBGGRR unless a comment says otherwise
+    // ---- properties
+    std::int32_t m_bDrawMosaic = 0;  ///< persisted and reported; nothing draws by it
+    std::int16_t m_nDrawMode = 3;
+    std::int32_t m_bMoveReduced = 0;
+    std::uint8_t m_bMoving = 0;  ///< a drag that moves the view is under way
+
+    // ---- render/ContextLifecycle.cpp
+    void* m_hRC = nullptr;              ///< rendering context
+    PaneWindow* m_pDC = nullptr;        ///< the window, once it carries a pixel format
+    std::uint32_t m_nFontListBase = 0;  ///< first of 96 display lists
+    std::int32_t m_nGlMajorVersion = 3;
+    std::int32_t m_nGlMinorVersion = 3;
+    std::int32_t m_nGlSamples = 0;
+    COpenGLTextDraw m_textDraw;
+
+    // ---- markers: free points
+    std::unordered_map<std::int32_t, FreePointSet> m_mapFreePoints{8};
+
+    // ---- view: interaction
+    std::int32_t m_nInteractionMode = ModeIdle;
+    std::int32_t m_nSavedInteractionMode = ModeIdle;  ///< mode that a release returns to
+    std::int32_t m_nSegmentationKind = 0;             ///< 0, 1 or 2
+    std::int32_t m_nLastMouseX = 0, m_nLastMouseY = 0;
+    std::int32_t m_nAllowMouse = 1;  ///< moves and wheel act only when exactly 1
+    std::int32_t m_nIgdRotation = 0;
+    std::uint8_t m_bRollRotation = 0;  ///< the drag began outside the inscribed circle
+    std::int32_t m_nRollQuadrant = 0;
+    std::int32_t m_nPickMode = 0;
+
+    // ---- render/Shadows.cpp
+    std::uint8_t m_bShadowEnabled = 0;
+    Float3 m_fShadowColor{};
+
+    // ---- render/Decorations.cpp, markers: colours and switches
+    std::uint32_t m_nCrossColor = 0xFFFFFF;
+    NeedleRenderParameters m_needleRender;
+    std::uint32_t m_nArrowColor = 0xFFEAEA;
+    std::int32_t m_nShowArrow = 0;  ///< drawn only when exactly 1
+    std::uint8_t m_bTracingMode = 0;
+    std::int32_t m_nFlipMouseButtons = 0;
+    std::int32_t m_nRotationMode = 3;
+    std::int32_t m_nArrowAngle = 0;  ///< degrees
+
+    // ---- io/ImportScan.cpp
+    std::int32_t m_nScanSkipVal = 1;
+
+    // ---- render/Decorations.cpp
+    std::int32_t m_nShowAxes = 0;  ///< drawn only when exactly 1
+
+    // ---- io/ImportScan.cpp
+    std::wstring m_strScanPath;  ///< path of the last ImportScan; names the measurements that follow
+    float m_fConfidenceFilter = 0.0f;
+
+    // ---- markers: picking
+    Float3 m_fPickPoint{};
+    std::uint8_t m_bPickPointValid = 0;
+    std::vector<PickPointSphere> m_vPickPointSpheres;
+
+    // ---- render/Decorations.cpp
+    std::uint32_t m_nBackgroundColors[4] = {0x321919, 0x321919, 0x321919, 0x321919};  ///< tl, tr, bl, br
+    GLUquadric* m_pQuadric = nullptr;                                                 ///< owned
+    GLUquadric* m_pQuadric2 = nullptr;                                                ///< owned
+    float m_fPickRadius = 500.0f;
+
+    // ---- view: dispatch
+    MouseDispatch m_mouseDispatch;
+
+    // ---- control/SceneMethods.cpp
+    std::vector<std::shared_ptr<Mesh>> m_vpMeshes;
+    std::vector<std::vector<std::shared_ptr<Mesh>>> m_vUndoStack;
+    std::vector<Mesh*> m_vpSelection;        ///< not owning; stale after ClearData until the host resets it
+    std::vector<Mesh*> m_vpVariableObjects;  ///< not owning
+
+    // ---- align
+    CInteractionDlg* m_pInteractionDlg = nullptr;
+
+    // ---- view/Camera.cpp
+    float m_fAspectY = 1.0f, m_fAspectX = 1.0f;
+    float m_fDefaultZoom = 1.0f, m_fZoom = 1.0f;  ///< larger shows more of the scene
+    float m_fSceneSize = 1000.0f;                 ///< diagonal of the fitted box
+    Float3 m_fViewCenter{}, m_fRotationCenter{};
+    Float3 m_fAxisX{1, 0, 0}, m_fAxisY{0, 1, 0}, m_fAxisZ{0, 0, 1};
+
+    // ---- render/ShaderPrograms.cpp, render/Shadows.cpp
+    std::uint32_t m_progPerPixel = 0, m_progTexPerPixel = 0, m_progShadow = 0, m_progDepth = 0;
+    std::uint32_t m_nShadowFbo = 0, m_nShadowTexture = 0;
+    std::uint32_t m_nOffscreenColorRb = 0, m_nOffscreenDepthRb = 0, m_nOffscreenFbo = 0;
+    std::int32_t m_nShadowMapWidth = 2048, m_nShadowMapHeight = 2048;
+    std::uint32_t m_progQuad = 0, m_progCreateMask = 0, m_progUseMask = 0, m_progFreeFloatingPoints = 0;
+    Float3 m_fShadowCenter{}, m_fShadowUp{}, m_fShadowEye{};
+
+    // ---- render/Frame.cpp
+    std::int32_t m_nWidth = -1, m_nHeight = -1;  ///< drawing area, pixels; -1 makes the first frame take the real size
+
+    // ---- markers
+    std::vector<Needle> m_vNeedles;
+    std::int32_t m_nMaxNeedles = 8;
+    std::vector<Line3D> m_vLines3D;
+
+    // ---- cut
+    struct LassoPoint {
+        double x = 0.0, y = 0.0;  ///< fractions of the window
+    };
+    std::vector<LassoPoint> m_vLassoPoints;
+    LassoPoint m_lassoCursor;  ///< rubber-band end
+
+    // ---- render/Frame.cpp
+    std::unique_ptr<std::uint8_t[]> m_pFrozenImage;  ///< BGR, rows padded to 4 bytes; null while frames are live
+    std::int32_t m_nFrozenWidth = 0, m_nFrozenHeight = 0;
+
+    // ---- view, cut, clip: flags
+    std::uint8_t m_bRightButtonPressed = 0, m_bLassoCursor = 0, m_bClipPlaneVisible = 0, m_bClipPlaneActive = 0;
+    Plane m_clipPlane;
+    ViewFrame m_savedView;  ///< taken at the start of each drag and at each SetupViewMatrices
+
+    // ---- cut
+    std::unique_ptr<CutMaskTextures> m_pCutMask;  ///< waits for the next freehand session
+    std::unique_ptr<CutSession> m_pCutSession;    ///< running freehand session
+    struct LassoTint {
+        std::uint32_t color = 0;
+        float opacity = 0.0f;
+    };
+    LassoTint m_lassoInside{0xFF, 0.5f};
+    LassoTint m_lassoOutside{0, 0.0f};
+
+    // ---- render/Frame.cpp
+    std::uint8_t m_bInDraw = 0;  ///< a frame is under way on this control
+
+    // ---- io/ParallelImport.cpp
+    std::unique_ptr<std::mutex> m_hImportMutex;  ///< not null exactly during a parallel import
+    struct StagedMesh {
+        std::int32_t m_iIndex = 0;
+        std::shared_ptr<Mesh> m_pMesh;
+    };
+    std::vector<StagedMesh> m_vPendingImports;  ///< guarded by m_hImportMutex
+    std::uint8_t m_bAllowEmptyObjects = 0;
+
+    // ---- render/Frame.cpp
+    std::uint8_t m_bBlockPaint = 0;
+
+    // ---- markers
+    std::uint8_t m_bNeedlePickingMode = 0, m_bNeedleDrawingMode = 0, m_bLine3DDrawingMode = 0;
+
+    // ---- control
+    std::uint32_t m_nCreatorThreadId;  ///< kept, read by nothing
+
+    // ---- view/Camera.cpp
+    std::int16_t m_nViewMode = -1;  ///< argument of the last SetViewMode, whatever it was; -1 before the first
+
+    // ---- io: HPS export
+    std::wstring m_hpsSourceApp, m_hpsSourceVersion;
+
+    // ---- render/Decorations.cpp
+    std::vector<Overlay> m_vOverlays;
+
+    // ---- render/MeshDraw.cpp
+    float m_fPointCloudSize = 2.0f;
+
+    // ---- view/Animation.cpp
+    float m_fAnimationSpeed = 0.2f;  ///< revolutions per second
+    Float3 m_fAnimationAxis{0, 0, 1};
+    std::int64_t m_nAnimationStart = 0, m_nAnimationLast = 0;  ///< counter readings
+    std::uint8_t m_bAnimationRunning = 0, m_bToggleAnimationOnSpacebar = 0;
+};

@@ -1,0 +1,21 @@
+// An axis-aligned box.
+#pragma once
+#include <algorithm>
+#include <cfloat>
+
+#include "geometry/Float3.h"
+
+struct Box {
+    Float3 min{FLT_MAX, FLT_MAX, FLT_MAX};
+    Float3 max{-FLT_MAX, -FLT_MAX, -FLT_MAX};
+
+    void Merge(const Float3& low, const Float3& high) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            min[i] = std::min(min[i], low[i]);
+            max[i] = std::max(max[i], high[i]);
+        }
+    }
+    [[nodiscard]] bool IsEmpty() const { return min[0] > max[0] || min[1] > max[1] || min[2] > max[2]; }
+    [[nodiscard]] Float3 Center() const { return 0.5f * (min + max); }
+    [[nodiscard]] float Diagonal() const { return Length(max - min); }
+};

@@ -1,0 +1,52 @@
+// The methods that bring a measurement file into the scene. The formats are read in io/GridReaders.h and
+// io/MeasurementFile.h; a file that adds nothing says why in the debugger output.
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "KV_ScenePane/PathText.h"
+#include "control/ScenePaneCtrl.h"
+#include "geometry/GridTriangulation.h"
+#include "io/FileExtension.h"
+#include "io/GridReaders.h"
+#include "io/MeasurementFile.h"
+#include "platform/DebugOutput.h"
+
+namespace {
+
+// Shows the wait cursor while it lives.
+class WaitCursor {
+public:
+    explicit WaitCursor(PaneWindow& window) : m_window(window) { m_window.BeginWaitCursor(); }
+    ~WaitCursor() { m_window.EndWaitCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+
+private:
+    PaneWindow& m_window;
+};
+
+void Say(const char* operation, const wchar_t* path, const std::string& reason) {
+    DebugOutput(std::string(operation) + "(): " + KV_ScenePane::PathBytes(path) + ": " + reason + "\n");
+}
+
+}  // namespace
+
+void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
+    m_strScanPath = path;
+    const std::wstring extension = LowerCaseExtension(m_strScanPath);
+    const WaitCursor wait(*m_pWindow);
+    const auto colorRef = static_cast<std::uint32_t>(color);
+    if (extension == L"xdt") ImportXdt(path, colorRef);
+    if (extension == L"pax") ImportPax(path, colorRef);
+    if (extension == L"pcm") ImportPcm(path, colorRef);
+    InvalidateControl(true);
+}
+
+void CKV_ScenePaneCtrl::ImportPcm(const wchar_t* path, std::uint32_t color) {
+    const MeasurementData data = LoadMeasurementFile(path, m_fConfidenceFilter, nullptr);
+    if (data.m_iWidth == 0 || data.m_iHeight == 0) Say("ImportScan", path, "not a readable pcm file, or damaged");
+    SetScanData(data.m_iWidth, data.m_iHeight, data.m_vXYZ.data(), data.m_vMask.data(), data.m_fTrafo, color,
+                data.m_vColors.empty() ? nullptr : data.m_vColors.data());
+}

@@ -1,0 +1,16 @@
+// A cloud of coloured points that lives on the GPU alone.
+#pragma once
+#include <cstdint>
+
+#include "geometry/Float3.h"
+
+struct FreePointSet {
+    std::int32_t id = 0;
+    std::int32_t numPoints = 0;
+    std::uint32_t vertexArray = 0;
+    std::uint32_t positionBuffer = 0;
+    std::uint32_t colorBuffer = 0;
+    std::uint8_t visible = 1;
+    float alpha = 1.0f;
+    Float3 boxMin{}, boxMax{};  ///< world frame
+};

@@ -1,0 +1,11 @@
+// A polyline in space. Always black.
+#pragma once
+#include <cstdint>
+#include <vector>
+
+#include "geometry/Float3.h"
+
+struct Line3D {
+    std::int32_t id = 0;
+    std::vector<Float3> points;  ///< world frame
+};

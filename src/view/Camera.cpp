@@ -1,0 +1,162 @@
+// The live camera: from the frame to the OpenGL matrices, the fit, the canned views. The maths is view/ViewFrame.h.
+#include <GL/glew.h>
+//
+#include <GL/glu.h>
+
+#include <algorithm>
+
+#include "control/ScenePaneCtrl.h"
+#include "render/ShadowCamera.h"
+
+ViewFrame CKV_ScenePaneCtrl::LiveFrame() const { return {m_fAxisX, m_fAxisY, m_fAxisZ, m_fViewCenter}; }
+
+void CKV_ScenePaneCtrl::SetLiveFrame(const ViewFrame& frame) {
+    m_fAxisX = frame.wx;
+    m_fAxisY = frame.wy;
+    m_fAxisZ = frame.wz;
+    m_fViewCenter = frame.center;
+}
+
+void CKV_ScenePaneCtrl::SetupViewMatrices() {
+    const bool hasContext = MakeContextCurrent();
+    ViewFrame frame = LiveFrame();
+    SnapFrame(frame);
+    SetLiveFrame(frame);
+    m_savedView = frame;
+    const ShadowLookAt shadow = ComputeShadowLookAt(frame.wy.data(), frame.wz.data(), frame.center.data());
+    std::copy_n(shadow.eye, 3, m_fShadowEye.begin());
+    std::copy_n(shadow.center, 3, m_fShadowCenter.begin());
+    std::copy_n(shadow.up, 3, m_fShadowUp.begin());
+    if (!hasContext) return;
+
+    const OrthoExtents extents = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(-extents.halfWidth, extents.halfWidth, -extents.halfHeight, extents.halfHeight, -extents.depth,
+            extents.depth);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    const Float3 eye = EyePoint(frame, m_fSceneSize);
+    gluLookAt(eye[0], eye[1], eye[2], frame.center[0], frame.center[1], frame.center[2], frame.wy[0], frame.wy[1],
+              frame.wy[2]);
+    const Float3 light = HeadLightDirection(frame);
+    const GLfloat position[4] = {light[0], light[1], light[2], 0.0f};
+    glLightfv(GL_LIGHT0, GL_POSITION, position);
+}
+
+void CKV_ScenePaneCtrl::ApplyAspect() {
+    const AspectFactors aspect = ComputeAspect(m_nWidth, m_nHeight);
+    m_fAspectX = aspect.x;
+    m_fAspectY = aspect.y;
+}
+
+void CKV_ScenePaneCtrl::UpdateViewport() {
+    if (m_nHeight < 1) return;
+    if (MakeContextCurrent()) glViewport(0, 0, m_nWidth, m_nHeight);
+    ApplyAspect();
+    SetupViewMatrices();
+}
+
+Box CKV_ScenePaneCtrl::GetSceneBoundingBox() const {
+    Box box;
+    for (const auto& mesh : m_vpMeshes) {
+        if (mesh->m_iVisible == 0 || mesh->m_vTriangles.empty()) continue;
+        const float* b = mesh->m_fBoundingBox;
+        box.Merge({b[0], b[2], b[4]}, {b[1], b[3], b[5]});
+    }
+    for (const auto& [id, points] : m_mapFreePoints)
+        if (points.visible != 0) box.Merge(points.boxMin, points.boxMax);
+    if (box.IsEmpty()) return {{-50, -50, -50}, {50, 50, 50}};
+    return box;
+}
+
+void CKV_ScenePaneCtrl::FitViewToScene() {
+    m_fZoom = m_fDefaultZoom;
+    const Box box = GetSceneBoundingBox();
+    m_fViewCenter = m_fRotationCenter = box.Center();
+    m_fSceneSize = box.Diagonal();
+
+    const Float3 extents = box.max - box.min;
+    m_clipPlane.SetCenter(m_clipPlane.ProjectOntoPlane({m_fViewCenter[0], m_fViewCenter[1], m_fViewCenter[2]}));
+    m_clipPlane.SetRadiusFromExtent(0.5 * std::max({extents[0], extents[1], extents[2]}));
+    m_clipPlane.m_bHighlighted = false;
+    m_clipPlane.m_bMoveHandleVisible = true;
+    m_clipPlane.m_bRotateHandlesVisible = true;
+
+    SetupViewMatrices();
+    InvalidateControl(false);
+}
+
+void CKV_ScenePaneCtrl::PanView(std::int32_t dx, std::int32_t dy) {
+    m_fViewCenter =
+        PannedCenter(LiveFrame(), {m_fSceneSize, m_fZoom, m_fAspectX, m_fAspectY, m_nWidth, m_nHeight}, dx, dy);
+    SetupViewMatrices();
+    if (m_bTracingMode != 0) FireViewDirectionChanged();
+    RefreshControl();
+}
+
+void CKV_ScenePaneCtrl::ZoomView(std::int32_t dx, std::int32_t dy) {
+    const float zoom = ZoomedBy(m_fZoom, dx, dy);
+    if (zoom != m_fZoom) {
+        m_fZoom = zoom;
+        SetupViewMatrices();
+    }
+    RefreshControl();
+}
+
+std::optional<Float3> CKV_ScenePaneCtrl::FindViewAxisHit(const Float3& direction) {
+    Float3 origin{};
+    if (UnprojectPoint(m_nWidth / 2, m_nHeight / 2, 0.1f, &origin[0], &origin[1], &origin[2]) == 0) return std::nullopt;
+    return FindAxisHit(m_vpMeshes, origin, direction);
+}
+
+void CKV_ScenePaneCtrl::FireViewDirectionChanged() {
+    if (m_pEvents != nullptr) m_pEvents->ViewDirectionChanged(m_fAxisZ[0], m_fAxisZ[1], m_fAxisZ[2]);
+}
+
+void CKV_ScenePaneCtrl::SetViewMode(std::int16_t mode) {
+    m_nViewMode = mode;
+    if (auto view = CannedView(mode)) {
+        view->center = m_fViewCenter;
+        SetLiveFrame(*view);
+    }
+    SetupViewMatrices();
+    RefreshControl();
+}
+
+CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2,
+                                                                 float wy3, float cx, float cy, float cz, float zoom,
+                                                                 std::int16_t /*freezeBBox*/) {
+    const Float3 wx{wx1, wx2, wx3}, wy{wy1, wy2, wy3};
+    if (!IsViewFrame(wx, wy)) return KV_ScenePane::kVariantFalse;
+    SetLiveFrame({wx, wy, Cross(wx, wy), {cx, cy, cz}});
+    m_fZoom = m_fDefaultZoom / std::min(std::max(zoom, 0.1f), 10.0f);
+    SetupViewMatrices();
+    if (m_bTracingMode != 0) FireViewDirectionChanged();
+    InvalidateControl(true);
+    return KV_ScenePane::kVariantTrue;
+}
+
+// The default zoom does not enter here, though SetViewParams multiplies by it: hosts rely on both.
+void CKV_ScenePaneCtrl::GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx,
+                                      float* cy, float* cz, float* zoom) {
+    *wx1 = m_fAxisX[0], *wx2 = m_fAxisX[1], *wx3 = m_fAxisX[2];
+    *wy1 = m_fAxisY[0], *wy2 = m_fAxisY[1], *wy3 = m_fAxisY[2];
+    *cx = m_fViewCenter[0], *cy = m_fViewCenter[1], *cz = m_fViewCenter[2];
+    *zoom = 1.0f / m_fZoom;
+}
+
+CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetViewDirection(float* px, float* py, float* pz, float* vx,
+                                                                    float* vy, float* vz) {
+    const auto hit = FindViewAxisHit(m_fAxisZ);
+    if (!hit) return KV_ScenePane::kVariantFalse;
+    *px = (*hit)[0], *py = (*hit)[1], *pz = (*hit)[2];
+    *vx = m_fAxisZ[0], *vy = m_fAxisZ[1], *vz = m_fAxisZ[2];
+    return KV_ScenePane::kVariantTrue;
+}
+
+void CKV_ScenePaneCtrl::CenterView() { FitViewToScene(); }
+
+void CKV_ScenePaneCtrl::SetDefaultZoomFactor(float newDefault) { m_fDefaultZoom = newDefault; }
+
+void CKV_ScenePaneCtrl::TracingMode(std::int16_t on) { m_bTracingMode = on == 1; }

@@ -1,0 +1,82 @@
+// Between window and world, on the OpenGL matrices as they stand. Window y runs downward, OpenGL's upward.
+#include <GL/glew.h>
+//
+#include <GL/glu.h>
+
+#include "control/ScenePaneCtrl.h"
+
+namespace {
+
+struct Matrices {
+    Matrices() {
+        glGetDoublev(GL_MODELVIEW_MATRIX, modelView);
+        glGetDoublev(GL_PROJECTION_MATRIX, projection);
+        glGetIntegerv(GL_VIEWPORT, viewport);
+    }
+    GLdouble modelView[16] = {}, projection[16] = {};
+    GLint viewport[4] = {};
+};
+
+struct WindowPoint {
+    double x = 0.0, y = 0.0, depth = 0.0;  // y upward
+};
+
+WindowPoint Project(double x, double y, double z) {
+    const Matrices m;
+    WindowPoint p;
+    gluProject(x, y, z, m.modelView, m.projection, m.viewport, &p.x, &p.y, &p.depth);
+    return p;
+}
+
+}  // namespace
+
+void CKV_ScenePaneCtrl::ComputeFrameMatrix(const ViewFrame& frame, float* matrix) {
+    if (!MakeContextCurrent()) return;
+    GLint mode = GL_MODELVIEW;
+    glGetIntegerv(GL_MATRIX_MODE, &mode);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    const OrthoExtents extents = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY);
+    glOrtho(-extents.halfWidth, extents.halfWidth, -extents.halfHeight, extents.halfHeight, -extents.depth,
+            extents.depth);
+    const Float3 eye = EyePoint(frame, m_fSceneSize);
+    gluLookAt(eye[0], eye[1], eye[2], frame.center[0], frame.center[1], frame.center[2], frame.wy[0], frame.wy[1],
+              frame.wy[2]);
+    glGetFloatv(GL_MODELVIEW_MATRIX, matrix);
+    glPopMatrix();
+    glMatrixMode(static_cast<GLenum>(mode));
+}
+
+void CKV_ScenePaneCtrl::ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY) {
+    float depth = 0.0f;
+    ProjectPointWithDepth(x, y, z, windowX, windowY, &depth);
+}
+
+void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY,
+                                              float* depth) {
+    const WindowPoint p = Project(x, y, z);
+    *windowX = static_cast<std::int32_t>(p.x);
+    *windowY = static_cast<std::int32_t>(static_cast<float>(m_nHeight) - static_cast<float>(p.y));
+    *depth = static_cast<float>(p.depth);
+}
+
+void CKV_ScenePaneCtrl::ProjectPointDouble(double x, double y, double z, double* windowX, double* windowY) {
+    const WindowPoint p = Project(x, y, z);
+    *windowX = p.x;
+    *windowY = m_nHeight - p.y;
+}
+
+int CKV_ScenePaneCtrl::UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y,
+                                      float* z) {
+    if (!MakeContextCurrent()) return 0;
+    const Matrices m;
+    GLdouble world[3] = {};
+    const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.modelView, m.projection, m.viewport, &world[0],
+                                    &world[1], &world[2]);
+    if (status == 0) return 0;
+    *x = static_cast<float>(world[0]);
+    *y = static_cast<float>(world[1]);
+    *z = static_cast<float>(world[2]);
+    return status;
+}
