@@ -1,0 +1,266 @@
+// The sources run in the compatibility profile: they read the matrices, the light and the material of fixed-function
+// OpenGL, and vertices come from the classic client arrays.
+#include "render/ShaderSources.h"
+
+namespace {
+
+const std::string kVersion = "#version 330 compatibility\n";
+
+// What the lit programs compute for each vertex. The light rides with the camera, in eye coordinates.
+const std::string kLitVertex = R"(
+uniform vec3 lightpos = vec3(0.0, 5.0, 0.0);
+out vec3 normal;
+out vec3 lightdir;
+out vec3 epos;
+
+void light_vertex() {
+    vec3 n = gl_NormalMatrix * gl_Normal;
+    normal = n == vec3(0.0) ? vec3(0.0) : normalize(n);
+    vec4 position = gl_ModelViewMatrix * gl_Vertex;
+    epos = position.xyz;
+    lightdir = normalize(lightpos - position.xyz);
+    gl_Position = gl_ProjectionMatrix * position;
+}
+)";
+
+// What the lit programs compute for each fragment. The normal stays as it was interpolated. Where a mesh has no normal
+// the reflected ray would be the incoming one, hence the test: such a place gets no highlight.
+const std::string kLitFragment = R"(
+in vec3 normal;
+in vec3 lightdir;
+in vec3 epos;
+uniform float shininess = 100.0;
+
+float front_light() { return max(dot(lightdir, normal), 0.0); }
+float back_light() { return max(dot(lightdir, -normal), 0.0); }
+
+float highlight() {
+    if (normal == vec3(0.0)) return 0.0;
+    vec3 eye = normalize(-epos);
+    vec3 r = normalize(reflect(-lightdir, normal));
+    float nDotR = max(dot(eye, r), 0.0);
+    return nDotR == 0.0 ? 0.0 : pow(nDotR, shininess);
+}
+)";
+
+const std::string kPerPixelVertexMain = R"(
+out vec4 mesh_color;
+
+void main() {
+    light_vertex();
+    mesh_color = gl_Color;
+}
+)";
+
+const std::string kTexPerPixelVertexMain = R"(
+out vec2 uvCoords;
+
+void main() {
+    light_vertex();
+    uvCoords = gl_MultiTexCoord0.st;
+}
+)";
+
+const std::string kMeshColor = R"(
+in vec4 mesh_color;
+vec4 surface_color() { return mesh_color; }
+)";
+
+const std::string kTextureColor = R"(
+in vec2 uvCoords;
+uniform sampler2D tex;
+vec4 surface_color() { return texture(tex, uvCoords); }
+)";
+
+// A back face is a neutral grey, lit from behind.
+const std::string kPerPixelFragmentMain = R"(
+uniform vec4 colorAmbient = vec4(1.0, 1.0, 1.0, 0.1);
+uniform vec4 colorDiffuse = vec4(0.7, 0.7, 0.7, 0.7);
+uniform vec4 colorSpecular = vec4(1.0, 1.0, 1.0, 0.5);
+
+void main() {
+    float ka = colorAmbient.w;
+    float kd = colorDiffuse.w;
+    float ks = colorSpecular.w;
+    vec4 blendColor = gl_LightSource[0].diffuse;
+    vec3 diffuse = vec3(surface_color() * blendColor);
+    vec3 specular = vec3(colorSpecular);
+    if (gl_FrontFacing) {
+        gl_FragColor = vec4(diffuse * ka + diffuse * front_light() * kd + specular * highlight() * ks, 1.0);
+    } else {
+        gl_FragColor = vec4(vec3(0.3) * ka + vec3(0.3) * back_light() * kd, 1.0);
+    }
+}
+)";
+
+const std::string kClipVertex = R"(
+uniform vec4 clipPlaneEquation0 = vec4(0.0, 0.0, 0.0, 1.0);
+out float clipDistance0;
+
+void clip_vertex() { clipDistance0 = dot(clipPlaneEquation0, gl_Vertex); }
+)";
+
+const std::string kClipFragment = R"(
+uniform int clipPlane0Enabled = 0;
+in float clipDistance0;
+
+bool is_clipped() { return clipPlane0Enabled == 1 && clipDistance0 < 0.0; }
+)";
+
+const std::string kShadowVertexMain = R"(
+uniform mat4 shadowProjection;
+uniform mat4 shadowModelView;
+out vec4 mesh_color;
+out vec4 shadow_coord;
+
+// From -1..1 to 0..1.
+const mat4 biasMatrix = mat4(0.5, 0.0, 0.0, 0.0,
+                             0.0, 0.5, 0.0, 0.0,
+                             0.0, 0.0, 0.5, 0.0,
+                             0.5, 0.5, 0.5, 1.0);
+
+void main() {
+    light_vertex();
+    clip_vertex();
+    mesh_color = gl_Color;
+    shadow_coord = biasMatrix * shadowProjection * shadowModelView * gl_Vertex;
+}
+)";
+
+// No division by w: the projection of the shadow map is orthographic. The depth is read as red, which no setting of the
+// texture moves to another channel.
+const std::string kShadowFragmentMain = R"(
+uniform sampler2D ShadowMap;
+uniform vec4 colorAmbient = vec4(0.5, 0.5, 0.5, 0.1);
+uniform vec4 colorDiffuse = vec4(0.7, 0.7, 0.7, 1.0);
+uniform vec4 colorSpecular = vec4(0.7, 0.7, 0.7, 0.5);
+uniform vec3 shadowColor = vec3(0.0, 0.0, 0.4);
+uniform int red_shadow = 1;
+in vec4 mesh_color;
+in vec4 shadow_coord;
+
+void main() {
+    if (is_clipped()) discard;
+    float ka = colorAmbient.w;
+    float kd = colorDiffuse.w;
+    float ks = colorSpecular.w;
+    vec4 blendColor = gl_LightSource[0].diffuse;
+    vec3 diffuse = vec3(mesh_color * blendColor);
+    vec3 specular = vec3(gl_FrontMaterial.specular);
+    float shadow = texture(ShadowMap, shadow_coord.xy).r < shadow_coord.z - 0.005 ? 0.5 : 1.0;
+    vec3 color;
+    if (!gl_FrontFacing) {
+        color = vec3(0.3) * ka + vec3(0.3) * back_light() * kd;
+    } else if (shadow < 1.0) {
+        color = shadowColor + diffuse * front_light() * kd * shadow + specular * highlight() * ks;
+    } else {
+        color = diffuse * ka + diffuse * front_light() * kd + specular * highlight() * ks;
+    }
+    gl_FragColor = vec4(color, 1.0);
+}
+)";
+
+const std::string kCreateMaskVertexMain = R"(
+void main() {
+    clip_vertex();
+    gl_Position = gl_ProjectionMatrix * gl_ModelViewMatrix * gl_Vertex;
+}
+)";
+
+const std::string kCreateMaskFragmentMain = R"(
+void main() {
+    if (is_clipped()) discard;
+    gl_FragColor = vec4(1.0, 1.0, 1.0, 1.0);
+}
+)";
+
+// The mask image is held top row first, hence the turned y.
+const std::string kUseMaskVertex = R"(
+out vec2 TexCoords;
+
+void main() {
+    TexCoords = gl_Vertex.xy * vec2(0.5, -0.5) + vec2(0.5, 0.5);
+    gl_Position = gl_Vertex;
+}
+)";
+
+const std::string kUseMaskFragment = R"(
+in vec2 TexCoords;
+uniform sampler2D mask;
+uniform sampler2D tex;
+
+void main() {
+    vec4 masked = texture(mask, TexCoords);
+    vec4 px = texture(tex, TexCoords);
+    gl_FragColor = masked * px;
+}
+)";
+
+const std::string kDepthVertex = R"(
+void main() { gl_Position = gl_ProjectionMatrix * gl_ModelViewMatrix * gl_Vertex; }
+)";
+
+const std::string kDepthFragment = R"(
+void main() { }
+)";
+
+const std::string kQuadVertex = R"(
+out vec2 TexCoords;
+
+void main() {
+    TexCoords = gl_Vertex.xy * vec2(0.5, 0.5) + vec2(0.5, 0.5);
+    gl_Position = gl_Vertex;
+}
+)";
+
+const std::string kQuadFragment = R"(
+in vec2 TexCoords;
+uniform sampler2D tex;
+
+void main() {
+    float z = texture(tex, TexCoords).r;
+    gl_FragColor = vec4(z, z, z, 1.0);
+}
+)";
+
+// The point size is one of the world, so that points grow with the zoom and with the window.
+const std::string kFreeFloatingPointsVertex = R"(
+layout (location = 0) in vec3 in_position;
+layout (location = 1) in vec3 in_vertexColor;
+uniform float pointSize;
+uniform float windowHeight;
+uniform float alpha;
+out vec4 vColor;
+
+void main() {
+    gl_Position = gl_ProjectionMatrix * gl_ModelViewMatrix * vec4(in_position, 1.0);
+    gl_PointSize = windowHeight * gl_ProjectionMatrix[1][1] * pointSize / gl_Position.w;
+    vColor = vec4(in_vertexColor, alpha);
+}
+)";
+
+const std::string kFreeFloatingPointsFragment = R"(
+in vec4 vColor;
+
+void main() { gl_FragColor = vColor; }
+)";
+
+}  // namespace
+
+const std::array<ShaderSource, kShaderCount>& ShaderSources() {
+    static const std::array<ShaderSource, kShaderCount> kSources = {{
+        {"perpixel", kVersion + kLitVertex + kPerPixelVertexMain,
+         kVersion + kLitFragment + kMeshColor + kPerPixelFragmentMain},
+        {"texperpixel", kVersion + kLitVertex + kTexPerPixelVertexMain,
+         kVersion + kLitFragment + kTextureColor + kPerPixelFragmentMain},
+        {"create mask", kVersion + kClipVertex + kCreateMaskVertexMain,
+         kVersion + kClipFragment + kCreateMaskFragmentMain},
+        {"use mask", kVersion + kUseMaskVertex, kVersion + kUseMaskFragment},
+        {"depth", kVersion + kDepthVertex, kVersion + kDepthFragment},
+        {"quad", kVersion + kQuadVertex, kVersion + kQuadFragment},
+        {"shadow", kVersion + kLitVertex + kClipVertex + kShadowVertexMain,
+         kVersion + kLitFragment + kClipFragment + kShadowFragmentMain},
+        {"freeFloatingPoints", kVersion + kFreeFloatingPointsVertex, kVersion + kFreeFloatingPointsFragment},
+    }};
+    return kSources;
+}
