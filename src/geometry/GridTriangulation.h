@@ -43,10 +43,11 @@ void TriangulateGrid(std::int16_t width, std::int16_t height, const float* point
 /// @param color       object colour, 0x00BBGGRR, used when the grid has no colours of its own
 /// @param allowEmpty  also return an object when the grid produced nothing
 /// @return null when there is no vertex or no triangle and @p allowEmpty is false
-[[nodiscard]] std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t width, std::int16_t height,
-                                                       const float* points, const std::uint16_t* mask,
-                                                       const float* trafo, std::uint32_t color,
-                                                       const std::uint32_t* colors, bool allowEmpty, std::int32_t skip);
+[[nodiscard]] std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t width,
+                                                       std::int16_t height, const float* points,
+                                                       const std::uint16_t* mask, const float* trafo,
+                                                       std::uint32_t color, const std::uint32_t* colors,
+                                                       bool allowEmpty, std::int32_t skip);
 
 /// The same road without an object and without a transform, with mean normals.
 [[nodiscard]] std::unique_ptr<MeshBuffers> CreateInternalMeshBuffers(std::int16_t width, std::int16_t height,

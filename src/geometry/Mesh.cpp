@@ -1,1 +1,178 @@
-// being written
+// The triangle mesh: building, box, centre, transform, normals, clone. Crossing it with a line: MeshIntersect.cpp; its
+// OpenGL half: render/MeshDraw.cpp.
+#include "geometry/Mesh.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <utility>
+
+#include "geometry/FaceNormal.h"
+
+namespace {
+
+bool IsGray(const Vertex& vertex) { return ((vertex.color ^ (vertex.color >> 8)) & 0xFFFF) == 0; }
+
+}  // namespace
+
+Mesh::Mesh(std::wstring name, bool hasColors) : m_sName(std::move(name)), m_bHasVertexColors(hasColors) {}
+
+Mesh::Mesh(std::vector<Vertex>&& vertices, std::vector<Triangle>&& triangles, std::wstring name, bool hasColors)
+    : m_vTriangles(std::move(triangles)),
+      m_vVertices(std::move(vertices)),
+      m_sName(std::move(name)),
+      m_bHasVertexColors(hasColors),
+      m_bGrayColors(std::all_of(m_vVertices.begin(), m_vVertices.end(), IsGray)) {
+    Mesh::ComputeBoundingBox();
+}
+
+Mesh::~Mesh() { ReleaseBuffers(); }
+
+int Mesh::ComputeCenter() {
+    if (m_vVertices.empty()) return 0;
+    float x = 0, y = 0, z = 0;
+    for (const Vertex& vertex : m_vVertices) {
+        x += vertex.x;
+        y += vertex.y;
+        z += vertex.z;
+    }
+    const auto count = static_cast<float>(m_vVertices.size());
+    m_fCenter[0] = x / count;
+    m_fCenter[1] = y / count;
+    m_fCenter[2] = z / count;
+    m_bCenterValid = true;
+    return 0;
+}
+
+void Mesh::ComputeBoundingBox() {
+    if (m_vVertices.empty()) {
+        SetBoundingBox(1, -1, 1, -1, 1, -1);
+        return;
+    }
+    const Vertex& first = m_vVertices.front();
+    float minX = first.x, minY = first.y, minZ = first.z;
+    float maxX = first.x, maxY = first.y, maxZ = first.z;
+    for (const Vertex& vertex : m_vVertices) {
+        minX = std::min(minX, vertex.x);
+        maxX = std::max(maxX, vertex.x);
+        minY = std::min(minY, vertex.y);
+        maxY = std::max(maxY, vertex.y);
+        minZ = std::min(minZ, vertex.z);
+        maxZ = std::max(maxZ, vertex.z);
+    }
+    SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
+}
+
+void Mesh::ApplyTrafo(const CACADQTrafo& trafo) {
+    const auto& r = trafo.m_dRotation;
+    const auto tx = static_cast<float>(trafo.m_dTranslation[0]);
+    const auto ty = static_cast<float>(trafo.m_dTranslation[1]);
+    const auto tz = static_cast<float>(trafo.m_dTranslation[2]);
+    for (Vertex& v : m_vVertices) {
+        const double x = v.x, y = v.y, z = v.z;
+        v.x = static_cast<float>(x * r[0] + y * r[3] + z * r[6]) + tx;
+        v.y = static_cast<float>(x * r[1] + y * r[4] + z * r[7]) + ty;
+        v.z = static_cast<float>(x * r[2] + y * r[5] + z * r[8]) + tz;
+        const double nx = v.nx, ny = v.ny, nz = v.nz;
+        v.nx = static_cast<float>(nx * r[0] + ny * r[3] + nz * r[6]);
+        v.ny = static_cast<float>(nx * r[1] + ny * r[4] + nz * r[7]);
+        v.nz = static_cast<float>(nx * r[2] + ny * r[5] + nz * r[8]);
+    }
+    m_bBuffersDirty = true;
+    m_bCenterValid = false;
+    ComputeBoundingBox();
+}
+
+void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
+    const auto& r = trafo.m_dRotation;
+    const auto tx = static_cast<float>(trafo.m_dTranslation[0]);
+    const auto ty = static_cast<float>(trafo.m_dTranslation[1]);
+    const auto tz = static_cast<float>(trafo.m_dTranslation[2]);
+    for (Vertex& v : m_vVertices) {
+        const double x = v.x - tx, y = v.y - ty, z = v.z - tz;
+        v.x = static_cast<float>(x * r[0] + y * r[1] + z * r[2]);
+        v.y = static_cast<float>(x * r[3] + y * r[4] + z * r[5]);
+        v.z = static_cast<float>(x * r[6] + y * r[7] + z * r[8]);
+        const double nx = v.nx, ny = v.ny, nz = v.nz;
+        v.nx = static_cast<float>(nx * r[0] + ny * r[1] + nz * r[2]);
+        v.ny = static_cast<float>(nx * r[3] + ny * r[4] + nz * r[5]);
+        v.nz = static_cast<float>(nx * r[6] + ny * r[7] + nz * r[8]);
+    }
+    m_bCenterValid = false;
+    ComputeBoundingBox();
+}
+
+void Mesh::ComputeVertexNormals() {
+    for (Vertex& vertex : m_vVertices) vertex.nx = vertex.ny = vertex.nz = 0.0f;
+    for (const Triangle& triangle : m_vTriangles)
+        AddFaceNormal(FaceNormalOf(triangle, m_vVertices), triangle, m_vVertices);
+    for (Vertex& v : m_vVertices) {
+        const float length = std::sqrt(v.nx * v.nx + v.ny * v.ny + v.nz * v.nz);
+        if (!(length > 0.0f)) continue;
+        v.nx /= length;
+        v.ny /= length;
+        v.nz /= length;
+    }
+}
+
+void Mesh::GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz) const {
+    assert(index < m_vTriangles.size());
+    const FaceNormal normal = FaceNormalOf(m_vTriangles[index], m_vVertices);
+    *nx = normal.x;
+    *ny = normal.y;
+    *nz = normal.z;
+}
+
+void Mesh::ShrinkToFit() {
+    m_vTriangles.shrink_to_fit();
+    m_vVertices.shrink_to_fit();
+}
+
+std::shared_ptr<Mesh> Mesh::CloneWithoutVertices(std::span<const std::uint32_t> bits) const {
+    assert(bits.size() >= (m_vVertices.size() + 31) / 32);
+    const auto isRemoved = [bits](std::int32_t vertex) {
+        const auto i = static_cast<std::uint32_t>(vertex);
+        return ((bits[i / 32] >> (i % 32)) & 1) != 0;
+    };
+    std::vector<std::size_t> kept;
+    for (std::size_t i = 0; i < m_vTriangles.size(); ++i)
+        if (std::none_of(m_vTriangles[i].v, m_vTriangles[i].v + 3, isRemoved)) kept.push_back(i);
+
+    auto clone = std::make_shared<Mesh>(m_sName, m_bHasVertexColors);
+    clone->m_bGrayColors = m_bGrayColors;
+    // A closed surface has about half as many vertices as triangles.
+    clone->m_vVertices.reserve(static_cast<std::size_t>(0.6 * static_cast<double>(kept.size())));
+    clone->m_vTriangles.reserve(kept.size());
+    std::vector<std::int32_t> newIndex(m_vVertices.size(), -1);
+    for (const std::size_t i : kept) {
+        Triangle& triangle = clone->m_vTriangles.emplace_back(m_vTriangles[i]);
+        for (std::int32_t& vertex : triangle.v) {
+            std::int32_t& mapped = newIndex[static_cast<std::size_t>(vertex)];
+            if (mapped < 0) {
+                mapped = static_cast<std::int32_t>(clone->m_vVertices.size());
+                clone->m_vVertices.push_back(m_vVertices[static_cast<std::size_t>(vertex)]);
+            }
+            vertex = mapped;
+        }
+    }
+    if (!m_vTexCoords.empty()) {
+        clone->m_vTexCoords.reserve(3 * kept.size());
+        for (const std::size_t i : kept)
+            clone->m_vTexCoords.insert(clone->m_vTexCoords.end(), &m_vTexCoords[3 * i], &m_vTexCoords[3 * i] + 3);
+    }
+    if (!kept.empty()) {
+        clone->m_vVertices.shrink_to_fit();
+        clone->ComputeBoundingBox();
+    }
+    clone->m_Trafo = m_Trafo;
+    clone->m_bBuffersDirty = true;
+    clone->SetColorRef(GetColorRef());
+    clone->m_pTexture = m_pTexture;
+    return clone;
+}
+
+void Mesh::SetBlendColors(bool blend) {
+    if (m_bBlendObjectColor == blend) return;
+    m_bBlendObjectColor = blend;
+    MarkBuffersDirty();
+}

@@ -42,7 +42,8 @@ public:
     Mesh(const Mesh&) = delete;
     Mesh& operator=(const Mesh&) = delete;
 
-    /// Mean of the vertex positions, summed in single precision in vertex order; no vertices leave the centre as it was.
+    /// Mean of the vertex positions, summed in single precision in vertex order; no vertices leave the centre as it
+    /// was.
     int ComputeCenter() override;
     /// Rebuilds dirty buffers first, so the rendering context must be current.
     void Draw(std::int32_t mode, bool reduced) override;
@@ -66,8 +67,8 @@ public:
 
     /// Releases spare capacity of the triangles and the vertices.
     void ShrinkToFit();
-    /// A new object without the vertices whose bit is set (bit i of word i/32) and without every triangle that uses one;
-    /// vertices stand in order of first use.
+    /// A new object without the vertices whose bit is set (bit i of word i/32) and without every triangle that uses
+    /// one; vertices stand in order of first use.
     [[nodiscard]] std::shared_ptr<Mesh> CloneWithoutVertices(std::span<const std::uint32_t> bits) const;
 
     // ---- render/MeshDraw.cpp
@@ -89,11 +90,11 @@ public:
     std::vector<Triangle> m_vTriangles;
     std::vector<TexCoord> m_vTexCoords;  ///< three a triangle in corner order when textured, else empty
     std::vector<Vertex> m_vVertices;
-    std::wstring m_sName;          ///< path that the object came from, or empty
-    bool m_bBuffersDirty = true;   ///< the GPU buffers must be rebuilt before the next draw
+    std::wstring m_sName;         ///< path that the object came from, or empty
+    bool m_bBuffersDirty = true;  ///< the GPU buffers must be rebuilt before the next draw
     bool m_bHasVertexColors = false;
     std::uint32_t m_uVertexBuffer = 0, m_uTriangleBuffer = 0, m_uPointBuffer = 0, m_uReducedBuffer = 0;
-    int m_iReducedStep = 10;       ///< every how many triangles the reduced drawing keeps one
+    int m_iReducedStep = 10;  ///< every how many triangles the reduced drawing keeps one
     float m_fPointSize = 2.0f;
     std::shared_ptr<Texture> m_pTexture;
     std::optional<std::array<float, 4>> m_optCutView;  ///< clip plane last written into this object's file
