@@ -66,7 +66,8 @@ inline std::size_t DecodeUtf8(std::string_view bytes, char32_t& codePoint) {
         } else if (c < 0x10000) {
             push(0xE0 | (c >> 12)), push(0x80 | ((c >> 6) & 0x3F)), push(0x80 | (c & 0x3F));
         } else {
-            push(0xF0 | (c >> 18)), push(0x80 | ((c >> 12) & 0x3F)), push(0x80 | ((c >> 6) & 0x3F)), push(0x80 | (c & 0x3F));
+            push(0xF0 | (c >> 18)), push(0x80 | ((c >> 12) & 0x3F)), push(0x80 | ((c >> 6) & 0x3F)),
+                push(0x80 | (c & 0x3F));
         }
     }
     return bytes;

@@ -20,14 +20,15 @@ struct WindowRequest {
         NoPicture   ///< no surface and no OpenGL: imports and their results only
     };
     Kind kind = Kind::OffScreen;
-    std::uintptr_t parent = 0;         ///< X11 window id, for Child
-    std::string display;               ///< X display name; empty takes $DISPLAY
-    int x = 0, y = 0;                  ///< place in the parent, pixels
-    int width = 640, height = 480;     ///< pixels
+    std::uintptr_t parent = 0;      ///< X11 window id, for Child
+    std::string display;            ///< X display name; empty takes $DISPLAY
+    int x = 0, y = 0;               ///< place in the parent, pixels
+    int width = 640, height = 480;  ///< pixels
     std::wstring title = L"KV_ScenePane";
-    int glMajor = 3, glMinor = 3;      ///< requested OpenGL version, compatibility profile
-    int samples = 0;                   ///< requested samples a pixel
-    /// Shows a message that the user must see, and returns when it was read. Without one it goes to the debugger output.
+    int glMajor = 3, glMinor = 3;  ///< requested OpenGL version, compatibility profile
+    int samples = 0;               ///< requested samples a pixel
+    /// Shows a message that the user must see, and returns when it was read. Without one it goes to the debugger
+    /// output.
     std::function<void(const std::string& text)> showMessage;
 };
 

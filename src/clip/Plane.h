@@ -24,10 +24,10 @@ public:
     void EnableClipping() const;
     static void DisableClipping();
 
-    bool m_bHighlighted = false;            ///< shows the hot colours and opacity
-    bool m_bMoveHandleVisible = true;       ///< the double arrow
-    bool m_bRotateHandlesVisible = true;    ///< the two balls
-    double m_dRadius = 0.0;                 ///< distance of the corners from the centre
+    bool m_bHighlighted = false;          ///< shows the hot colours and opacity
+    bool m_bMoveHandleVisible = true;     ///< the double arrow
+    bool m_bRotateHandlesVisible = true;  ///< the two balls
+    double m_dRadius = 0.0;               ///< distance of the corners from the centre
     std::uint32_t m_nCorners = 4;
     /// Column-major; column 2 is the normal direction, column 3 the centre, world frame.
     std::array<double, 16> m_dMatrix{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};

@@ -16,11 +16,16 @@ using Surface = KV_ScenePane::_DKV_ScenePane;
 
 template <typename T>
 constexpr char TypeCode() {
-    if constexpr (std::is_void_v<T>) return 'v';
-    else if constexpr (std::is_same_v<T, std::int16_t>) return 's';
-    else if constexpr (std::is_same_v<T, std::int32_t>) return 'i';
-    else if constexpr (std::is_same_v<T, float>) return 'f';
-    else if constexpr (std::is_same_v<T, const wchar_t*>) return 'w';
+    if constexpr (std::is_void_v<T>)
+        return 'v';
+    else if constexpr (std::is_same_v<T, std::int16_t>)
+        return 's';
+    else if constexpr (std::is_same_v<T, std::int32_t>)
+        return 'i';
+    else if constexpr (std::is_same_v<T, float>)
+        return 'f';
+    else if constexpr (std::is_same_v<T, const wchar_t*>)
+        return 'w';
     else {
         static_assert(std::is_pointer_v<T>);
         return 'p';
@@ -30,15 +35,18 @@ constexpr char TypeCode() {
 // A pointer travels untyped; every other value as what it is.
 template <typename T>
 T Unpack(const AutomationValue& value) {
-    if constexpr (TypeCode<T>() == 'p') return static_cast<T>(std::get<void*>(value));
-    else return std::get<T>(value);
+    if constexpr (TypeCode<T>() == 'p')
+        return static_cast<T>(std::get<void*>(value));
+    else
+        return std::get<T>(value);
 }
 
 template <auto Method>
 struct MethodTraits;
 template <typename Result, typename... Arguments, Result (Surface::*Method)(Arguments...)>
 struct MethodTraits<Method> {
-    static constexpr std::array<char, sizeof...(Arguments) + 1> kSignature{TypeCode<Result>(), TypeCode<Arguments>()...};
+    static constexpr std::array<char, sizeof...(Arguments) + 1> kSignature{TypeCode<Result>(),
+                                                                           TypeCode<Arguments>()...};
 
     static AutomationValue Invoke(Surface& target, std::span<const AutomationValue> arguments) {
         return Call(target, arguments, std::index_sequence_for<Arguments...>());
@@ -86,8 +94,12 @@ template <auto Method>
 AutomationMethod Row(std::int32_t id, std::string_view text) {
     using Traits = MethodTraits<Method>;
     Declaration declaration = Parse(text);
-    return {id, declaration.result, declaration.name, std::move(declaration.arguments),
-            std::string_view(Traits::kSignature.data(), Traits::kSignature.size()), &Traits::Invoke};
+    return {id,
+            declaration.result,
+            declaration.name,
+            std::move(declaration.arguments),
+            std::string_view(Traits::kSignature.data(), Traits::kSignature.size()),
+            &Traits::Invoke};
 }
 
 AutomationEvent Event(std::int32_t id, std::string_view text) {
@@ -234,9 +246,9 @@ std::span<const AutomationMethod> AutomationMethods() { return Methods(); }
 
 std::span<const AutomationProperty> AutomationProperties() {
     static constexpr std::array<AutomationProperty, 4> kProperties{{{1, "VARIANT_BOOL", "DrawMosaic", true},
-                                                                     {2, "short", "DrawMode", true},
-                                                                     {3, "VARIANT_BOOL", "MoveReduced", true},
-                                                                     {-525, "long", "ReadyState", false}}};
+                                                                    {2, "short", "DrawMode", true},
+                                                                    {3, "VARIANT_BOOL", "MoveReduced", true},
+                                                                    {-525, "long", "ReadyState", false}}};
     return kProperties;
 }
 

@@ -12,9 +12,10 @@
 using AutomationValue = std::variant<std::monostate, std::int16_t, std::int32_t, float, const wchar_t*, void*>;
 
 struct AutomationArgument {
-    std::string_view type;  ///< short, long, int, float, VARIANT_BOOL, BSTR, VARIANT*, or an output: float*, long*, int*
+    std::string_view
+        type;  ///< short, long, int, float, VARIANT_BOOL, BSTR, VARIANT*, or an output: float*, long*, int*
     std::string_view name;
-    bool output;            ///< the method writes through it
+    bool output;  ///< the method writes through it
 };
 
 struct AutomationMethod {
@@ -22,7 +23,8 @@ struct AutomationMethod {
     std::string_view result;  ///< void, short, long, int, VARIANT_BOOL
     std::string_view name;
     std::vector<AutomationArgument> arguments;
-    /// The types of the C++ method behind it: v void, s 16-bit, i 32-bit, f float, w wide string, p pointer; result first.
+    /// The types of the C++ method behind it: v void, s 16-bit, i 32-bit, f float, w wide string, p pointer; result
+    /// first.
     std::string_view signature;
     AutomationValue (*invoke)(KV_ScenePane::_DKV_ScenePane& target, std::span<const AutomationValue> arguments);
 };

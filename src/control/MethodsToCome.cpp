@@ -4,6 +4,9 @@
 #include "control/ScenePaneCtrl.h"
 #include "platform/DebugOutput.h"
 
+using KV_ScenePane::BSTR;
+using KV_ScenePane::VARIANT_BOOL;
+
 namespace {
 void NotYet(const char* method) {
     DebugOutput(std::string("CKV_ScenePaneCtrl::") + method + "(): this version does not have this operation yet\n");

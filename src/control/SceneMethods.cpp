@@ -14,8 +14,9 @@ void SetFromRows(CACADQTrafo& trafo, const float (&m)[16]) {
 }  // namespace
 
 Mesh* CKV_ScenePaneCtrl::ObjectAt(std::int16_t idx) const {
-    return idx < 0 || static_cast<std::size_t>(idx) >= m_vpMeshes.size() ? nullptr
-                                                                         : m_vpMeshes[static_cast<std::size_t>(idx)].get();
+    return idx < 0 || static_cast<std::size_t>(idx) >= m_vpMeshes.size()
+               ? nullptr
+               : m_vpMeshes[static_cast<std::size_t>(idx)].get();
 }
 
 void CKV_ScenePaneCtrl::SetSize(std::int16_t sx, std::int16_t sy) {
@@ -67,7 +68,8 @@ void CKV_ScenePaneCtrl::GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP,
     *numT = static_cast<std::int32_t>(mesh.GetTriangleCount());
 }
 
-CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetObjectCenter(std::int16_t objectIdx, float* x, float* y, float* z) {
+CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetObjectCenter(std::int16_t objectIdx, float* x, float* y,
+                                                                   float* z) {
     Mesh* mesh = ObjectAt(objectIdx);
     if (mesh == nullptr) return KV_ScenePane::kVariantFalse;
     Float3 center;

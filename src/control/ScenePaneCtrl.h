@@ -282,7 +282,14 @@ public:
     // ---- render/Frame.cpp
     void OnPaint() override;
     void OnDraw();
+    /// Takes a changed size of the window over, with viewport and matrices. The context is current.
+    bool TakeWindowSize();
+    void DrawSceneOrFrozenImage(bool sizeChanged);
+    void DrawOverScene();
     void DrawScene();
+    void DrawShadowMapView();
+    void DrawObjectsWithShadows(bool reduced);
+    void DrawObjectsPerPixel(bool reduced);
     void DrawFreePoints();
     void FreezeFrame();
 

@@ -12,10 +12,14 @@ namespace {
 
 PaneWindowRequest::Kind KindOf(WindowRequest::Kind kind) {
     switch (kind) {
-        case WindowRequest::Kind::Child: return PaneWindowRequest::Kind::Child;
-        case WindowRequest::Kind::TopLevel: return PaneWindowRequest::Kind::TopLevel;
-        case WindowRequest::Kind::OffScreen: return PaneWindowRequest::Kind::OffScreen;
-        case WindowRequest::Kind::NoPicture: break;
+        case WindowRequest::Kind::Child:
+            return PaneWindowRequest::Kind::Child;
+        case WindowRequest::Kind::TopLevel:
+            return PaneWindowRequest::Kind::TopLevel;
+        case WindowRequest::Kind::OffScreen:
+            return PaneWindowRequest::Kind::OffScreen;
+        case WindowRequest::Kind::NoPicture:
+            break;
     }
     return PaneWindowRequest::Kind::NoPicture;
 }

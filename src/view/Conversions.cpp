@@ -72,8 +72,8 @@ int CKV_ScenePaneCtrl::UnprojectPoint(std::int32_t windowX, std::int32_t windowY
     if (!MakeContextCurrent()) return 0;
     const Matrices m;
     GLdouble world[3] = {};
-    const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.modelView, m.projection, m.viewport, &world[0],
-                                    &world[1], &world[2]);
+    const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.modelView, m.projection, m.viewport,
+                                    &world[0], &world[1], &world[2]);
     if (status == 0) return 0;
     *x = static_cast<float>(world[0]);
     *y = static_cast<float>(world[1]);

@@ -9,15 +9,24 @@
 std::optional<ViewFrame> CannedView(std::int32_t mode) {
     constexpr float s = static_cast<float>(std::numbers::sqrt2 * 0.5);
     switch (mode) {
-        case 0: return ViewFrame{{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}, {}};
-        case 1: return ViewFrame{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {}};
-        case 2: return ViewFrame{{0, 1, 0}, {0, 0, 1}, {1, 0, 0}, {}};
-        case 3: return ViewFrame{{0, -1, 0}, {0, 0, 1}, {-1, 0, 0}, {}};
-        case 4: return ViewFrame{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {}};
-        case 5: return ViewFrame{{1, 0, 0}, {0, -1, 0}, {0, 0, -1}, {}};
-        case 6: return ViewFrame{{-s, s, 0}, {-0.5f, -0.5f, s}, {0.5f, 0.5f, s}, {}};
-        case 7: return ViewFrame{{-1, 0, 0}, {0, 1, 0}, {0, 0, -1}, {}};
-        default: return std::nullopt;
+        case 0:
+            return ViewFrame{{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}, {}};
+        case 1:
+            return ViewFrame{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {}};
+        case 2:
+            return ViewFrame{{0, 1, 0}, {0, 0, 1}, {1, 0, 0}, {}};
+        case 3:
+            return ViewFrame{{0, -1, 0}, {0, 0, 1}, {-1, 0, 0}, {}};
+        case 4:
+            return ViewFrame{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {}};
+        case 5:
+            return ViewFrame{{1, 0, 0}, {0, -1, 0}, {0, 0, -1}, {}};
+        case 6:
+            return ViewFrame{{-s, s, 0}, {-0.5f, -0.5f, s}, {0.5f, 0.5f, s}, {}};
+        case 7:
+            return ViewFrame{{-1, 0, 0}, {0, 1, 0}, {0, 0, -1}, {}};
+        default:
+            return std::nullopt;
     }
 }
 

@@ -54,8 +54,8 @@ struct PanScale {
 /// overshoot them by one factor.
 [[nodiscard]] float ZoomedBy(float zoom, std::int32_t dx, std::int32_t dy);
 
-/// The surface on an axis, looked for by vertices: the frontmost vertex within about 0.3 units of the axis, else the one
-/// nearest to it. Vertices that face away are skipped, hidden meshes are not.
+/// The surface on an axis, looked for by vertices: the frontmost vertex within about 0.3 units of the axis, else the
+/// one nearest to it. Vertices that face away are skipped, hidden meshes are not.
 /// @param origin     start of the axis, world frame
 /// @param direction  unit direction towards the viewer
 /// @return the foot of that vertex on the axis
