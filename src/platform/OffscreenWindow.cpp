@@ -1,0 +1,206 @@
+// Pbuffers and contexts of EGL. Which display they are made on is decided in EglDisplay.cpp.
+#include "platform/OffscreenWindow.h"
+
+#include <EGL/egl.h>
+#include <GL/glew.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/CurrentContext.h"
+
+namespace {
+
+// A side as long as drivers allow for a framebuffer, and an area whose colour and depth stay near a gigabyte.
+constexpr std::int32_t kLongestSide = 16384;
+constexpr std::int64_t kLargestArea = std::int64_t{1} << 27;
+
+bool IsPossibleSize(std::int32_t width, std::int32_t height) {
+    return width <= kLongestSide && height <= kLongestSide && std::int64_t{width} * height <= kLargestArea;
+}
+
+/// Desktop OpenGL for this thread as long as it lives. A host that makes OpenGL ES contexts finds its own choice again.
+class DesktopOpenGl {
+public:
+    DesktopOpenGl() : m_former(eglQueryAPI()) { eglBindAPI(EGL_OPENGL_API); }
+    ~DesktopOpenGl() { eglBindAPI(m_former); }
+    DesktopOpenGl(const DesktopOpenGl&) = delete;
+    DesktopOpenGl& operator=(const DesktopOpenGl&) = delete;
+
+private:
+    EGLenum m_former;
+};
+
+EGLint Value(EGLDisplay display, EGLConfig config, EGLint attribute) {
+    EGLint value = 0;
+    eglGetConfigAttrib(display, config, attribute, &value);
+    return value;
+}
+
+/// The smallest configuration that has what is asked for, with exactly the samples; null when there is none.
+EGLConfig FindConfig(EGLDisplay display, const PixelFormatAttributes& attributes) {
+    const EGLint colorSize = std::min(attributes.colorBits / 4, 8);
+    const EGLint wanted[] = {EGL_SURFACE_TYPE,
+                             EGL_PBUFFER_BIT,
+                             EGL_RENDERABLE_TYPE,
+                             EGL_OPENGL_BIT,
+                             EGL_RED_SIZE,
+                             colorSize,
+                             EGL_GREEN_SIZE,
+                             colorSize,
+                             EGL_BLUE_SIZE,
+                             colorSize,
+                             EGL_ALPHA_SIZE,
+                             attributes.alphaBits,
+                             EGL_DEPTH_SIZE,
+                             attributes.depthBits,
+                             EGL_STENCIL_SIZE,
+                             attributes.stencilBits,
+                             EGL_SAMPLE_BUFFERS,
+                             attributes.sampleBuffers,
+                             EGL_SAMPLES,
+                             attributes.samples,
+                             EGL_NONE};
+    EGLint count = 0;
+    if (eglChooseConfig(display, wanted, nullptr, 0, &count) != EGL_TRUE || count <= 0) return nullptr;
+    std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
+    if (eglChooseConfig(display, wanted, configs.data(), count, &count) != EGL_TRUE) return nullptr;
+    configs.resize(static_cast<std::size_t>(count));
+    const auto exact = std::find_if(configs.begin(), configs.end(), [&](EGLConfig config) {
+        return Value(display, config, EGL_SAMPLES) == attributes.samples;
+    });
+    return exact == configs.end() ? nullptr : *exact;
+}
+
+EGLSurface MakeSurface(EGLDisplay display, EGLConfig config, std::int32_t width, std::int32_t height) {
+    const EGLint size[] = {EGL_WIDTH, std::max(width, 1), EGL_HEIGHT, std::max(height, 1), EGL_NONE};
+    return eglCreatePbufferSurface(display, config, size);
+}
+
+bool MakeEglCurrent(EGLDisplay display, EGLSurface surface, EGLContext context) {
+    ReleaseCurrentGlx();
+    if (eglMakeCurrent(display, surface, surface, context) == EGL_TRUE) return true;
+    ReleaseCurrentEgl();
+    return false;
+}
+
+void DeletePair(EGLDisplay display, void*& surface, void*& context) {
+    if (context != nullptr) {
+        if (eglGetCurrentContext() == context) ReleaseCurrentEgl();
+        eglDestroyContext(display, context);
+    }
+    if (surface != nullptr) eglDestroySurface(display, surface);
+    surface = context = nullptr;
+}
+
+}  // namespace
+
+bool OffscreenWindow::Open(std::string* reason) {
+    if (!IsPossibleSize(m_size.width, m_size.height)) {
+        *reason = "An off-screen surface of " + std::to_string(m_size.width) + " x " + std::to_string(m_size.height) +
+                  " pixels is too large";
+        return false;
+    }
+    m_display = SharedEglDisplay(reason);
+    return m_display.handle != nullptr;
+}
+
+void OffscreenWindow::Close() {
+    EndBootstrap();
+    DeletePair(m_display.handle, m_pSurface, m_pContext);
+    m_pConfig = nullptr;
+    m_bCapture = false;
+}
+
+void OffscreenWindow::Resize(std::int32_t width, std::int32_t height) {
+    if (!IsPossibleSize(width, height)) return;
+    if (m_pSurface != nullptr && (width != m_size.width || height != m_size.height)) {
+        const EGLSurface surface = MakeSurface(m_display.handle, m_pConfig, width, height);
+        if (surface == EGL_NO_SURFACE) return;
+        const bool wasCurrent = m_pContext != nullptr && eglGetCurrentContext() == m_pContext;
+        const EGLSurface former = std::exchange(m_pSurface, surface);
+        if (wasCurrent) MakeEglCurrent(m_display.handle, m_pSurface, m_pContext);
+        eglDestroySurface(m_display.handle, former);
+        m_size = {width, height};
+        Invalidate(true);  // the picture went with the surface
+    }
+    m_size = {width, height};
+}
+
+BootstrapReport OffscreenWindow::BeginBootstrap() {
+    BootstrapReport report;
+    PixelFormatAttributes wanted;
+    wanted.stencilBits = 8;
+    const EGLDisplay display = m_display.handle;
+    const DesktopOpenGl desktop;
+    const EGLConfig config = FindConfig(display, wanted);
+    if (config == nullptr) return report;
+    report.formatNumber = Value(display, config, EGL_CONFIG_ID);
+    m_pBootstrapSurface = MakeSurface(display, config, 100, 100);
+    m_pBootstrapContext = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+    if (m_pBootstrapContext == nullptr || !MakeEglCurrent(display, m_pBootstrapSurface, m_pBootstrapContext))
+        return report;
+    report.contextMade = true;
+    glewExperimental = GL_TRUE;
+    const GLenum answer = glewInit();
+    // A GLEW made for GLX looks for an X display last, when the entry points of OpenGL are loaded already.
+    report.entryPointsLoaded = answer == GLEW_OK || answer == GLEW_ERROR_NO_GLX_DISPLAY;
+    report.pixelFormatExtension = true;  // EGL has no other way to ask
+    report.createContextExtension = m_display.createContext;
+    report.version33 = report.entryPointsLoaded && GLEW_VERSION_3_3;
+    return report;
+}
+
+void OffscreenWindow::EndBootstrap() { DeletePair(m_display.handle, m_pBootstrapSurface, m_pBootstrapContext); }
+
+bool OffscreenWindow::ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) {
+    const EGLConfig config = FindConfig(m_display.handle, attributes);
+    if (config == nullptr) return false;
+    *format = Value(m_display.handle, config, EGL_CONFIG_ID);
+    return true;
+}
+
+bool OffscreenWindow::SetPixelFormat(std::int32_t format) {
+    if (m_display.handle == nullptr || m_pSurface != nullptr) return false;
+    const EGLint wanted[] = {EGL_CONFIG_ID, format, EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint count = 0;
+    if (eglChooseConfig(m_display.handle, wanted, &config, 1, &count) != EGL_TRUE || count != 1) return false;
+    m_pSurface = MakeSurface(m_display.handle, config, m_size.width, m_size.height);
+    m_pConfig = config;
+    return m_pSurface != nullptr;
+}
+
+bool OffscreenWindow::CreateContext(const ContextAttributes& attributes) {
+    if (m_pSurface == nullptr || m_pContext != nullptr) return false;
+    const DesktopOpenGl desktop;
+    const EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION,
+                             attributes.major,
+                             EGL_CONTEXT_MINOR_VERSION,
+                             attributes.minor,
+                             EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                             EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT,
+                             EGL_NONE};
+    m_pContext = eglCreateContext(m_display.handle, m_pConfig, EGL_NO_CONTEXT, wanted);
+    return m_pContext != nullptr;
+}
+
+bool OffscreenWindow::MakeCurrent() {
+    if (m_pContext == nullptr || m_pSurface == nullptr) {
+        ReleaseCurrentGlx();
+        ReleaseCurrentEgl();
+        return false;
+    }
+    if (eglGetCurrentContext() == m_pContext && eglGetCurrentSurface(EGL_DRAW) == m_pSurface) return true;
+    return MakeEglCurrent(m_display.handle, m_pSurface, m_pContext);
+}
+
+void OffscreenWindow::DeleteContext() {
+    void* noSurface = nullptr;
+    DeletePair(m_display.handle, noSurface, m_pContext);
+}
+
+void OffscreenWindow::SwapBuffers() {
+    if (m_pSurface != nullptr) eglSwapBuffers(m_display.handle, m_pSurface);
+}

@@ -1,0 +1,50 @@
+// A picture without a display server: an EGL pbuffer, so that the default framebuffer exists as in a window.
+#pragma once
+#include "platform/EglDisplay.h"
+#include "platform/QueuedWindow.h"
+
+/// There is no pointer: cursors do nothing, the capture is only remembered.
+class OffscreenWindow final : public QueuedWindow {
+public:
+    explicit OffscreenWindow(const PaneWindowRequest& request) : QueuedWindow(request) {}
+    ~OffscreenWindow() override { Destroy(); }
+    OffscreenWindow(const OffscreenWindow&) = delete;
+    OffscreenWindow& operator=(const OffscreenWindow&) = delete;
+
+    [[nodiscard]] bool Exists() const override { return m_pSurface != nullptr; }
+    [[nodiscard]] std::uintptr_t NativeHandle() const override { return 0; }
+    bool Reparent(std::uintptr_t, std::int32_t, std::int32_t) override { return false; }
+    /// Replaces the surface and queues a repaint; the context stays, and stays current. A size that no surface can have changes nothing.
+    void Resize(std::int32_t width, std::int32_t height) override;
+
+    BootstrapReport BeginBootstrap() override;
+    bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) override;
+    void EndBootstrap() override;
+    bool SetPixelFormat(std::int32_t format) override;
+    bool CreateContext(const ContextAttributes& attributes) override;
+    bool MakeCurrent() override;
+    void DeleteContext() override;
+    [[nodiscard]] void* ContextHandle() const override { return m_pContext; }
+    void SwapBuffers() override;
+
+    void SetCapture() override { m_bCapture = Exists(); }
+    void ReleaseCapture() override { m_bCapture = false; }
+    [[nodiscard]] bool HasCapture() const override { return m_bCapture; }
+    void SetCursor(PaneCursor) override {}
+    void BeginWaitCursor() override {}
+    void EndWaitCursor() override {}
+
+protected:
+    bool Open(std::string* reason) override;
+    void Close() override;
+
+private:
+    // EGLDisplay, EGLConfig, EGLSurface, EGLContext: the EGL headers would bring those of X11 along, and their macros.
+    EglDisplay m_display;
+    void* m_pConfig = nullptr;
+    void* m_pSurface = nullptr;
+    void* m_pContext = nullptr;
+    void* m_pBootstrapSurface = nullptr;
+    void* m_pBootstrapContext = nullptr;
+    bool m_bCapture = false;
+};

@@ -1,0 +1,17 @@
+// $TMPDIR, when it can be one.
+#include "platform/TempFolder.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+
+std::string TempFolder() {
+    constexpr std::size_t kLongestPath = 260;
+    const char* const variable = std::getenv("TMPDIR");
+    std::string folder = variable == nullptr ? "" : variable;
+    struct stat info {};
+    if (folder.empty() || folder.size() > kLongestPath || stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
+        return "/tmp";
+    while (!folder.empty() && folder.back() == '/') folder.pop_back();
+    return folder;
+}

@@ -1,0 +1,17 @@
+// Which class answers which request.
+#include "platform/WindowFactory.h"
+
+#include "platform/NoPictureWindow.h"
+#include "platform/OffscreenWindow.h"
+
+std::unique_ptr<PaneWindow> MakePaneWindow(const PaneWindowRequest& request) {
+    switch (request.kind) {
+        case PaneWindowRequest::Kind::OffScreen:
+            return std::make_unique<OffscreenWindow>(request);
+        case PaneWindowRequest::Kind::Child:
+        case PaneWindowRequest::Kind::TopLevel:
+        case PaneWindowRequest::Kind::NoPicture:
+            break;
+    }
+    return std::make_unique<NoPictureWindow>(request);
+}
