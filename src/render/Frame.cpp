@@ -41,17 +41,14 @@ void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_
     glPopAttrib();
 }
 
-/// Reads the finished frame before it is shown: afterwards the back buffer holds nothing.
+/// Reads the finished frame before it is shown: afterwards the back buffer holds nothing. The read buffer of a window
+/// is its back buffer, that of a single-buffered surface its only one, and nothing changes it.
 void ReadPicture(std::int32_t width, std::int32_t height, KV_ScenePane::Picture* picture) {
     if (width <= 0 || height <= 0) return;
     picture->width = width;
     picture->height = height;
     picture->pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    GLint readBuffer = GL_BACK;
-    glGetIntegerv(GL_READ_BUFFER, &readBuffer);
-    glReadBuffer(GL_BACK);
     glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, picture->pixels.data());
-    glReadBuffer(static_cast<GLenum>(readBuffer));
 
     for (std::uint32_t& pixel : picture->pixels) pixel |= 0xFF000000;  // what a window shows is opaque
     auto row = [&](std::int32_t y) { return picture->pixels.begin() + std::ptrdiff_t{y} * width; };
