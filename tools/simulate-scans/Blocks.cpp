@@ -1,0 +1,105 @@
+// The surface of a grid of blocks: a square where a solid block meets an empty one, with a ring of triangles around
+// holes.
+#include "Blocks.h"
+
+#include "Repeatable.h"
+
+namespace simulate {
+namespace {
+
+constexpr int kHoleSegments = 64;  // a multiple of 4: every corner of a square serves a quarter of the circle
+
+using Index = std::array<int, 3>;
+
+class SurfaceMaker {
+public:
+    explicit SurfaceMaker(const BlockGrid& grid) : m_grid(grid) {}
+
+    TriangleMesh Make() {
+        const int nx = Blocks(0), ny = Blocks(1), nz = Blocks(2);
+        for (int z = 0; z < nz; ++z)
+            for (int y = 0; y < ny; ++y)
+                for (int x = 0; x < nx; ++x) AddBlock({x, y, z});
+        return std::move(m_mesh);
+    }
+
+private:
+    int Blocks(int axis) const { return static_cast<int>(m_grid.breaks[static_cast<std::size_t>(axis)].size()) - 1; }
+
+    Block At(const Index& at) const {
+        for (int axis = 0; axis < 3; ++axis)
+            if (at[static_cast<std::size_t>(axis)] < 0 || at[static_cast<std::size_t>(axis)] >= Blocks(axis)) return {};
+        return m_grid.blockAt(at[0], at[1], at[2]);
+    }
+
+    void AddBlock(const Index& at) {
+        const Block block = At(at);
+        if (!block.solid) return;
+        for (int axis = 0; axis < 3; ++axis) {
+            for (const int side : {0, 1}) {
+                Index neighbour = at;
+                neighbour[static_cast<std::size_t>(axis)] += side == 0 ? -1 : 1;
+                if (!At(neighbour).solid) AddFace(at, axis, side, block.holeAxis == axis ? block.holeRadius : 0);
+            }
+        }
+        if (block.holeAxis >= 0) AddHoleWall(at, block.holeAxis, block.holeRadius);
+    }
+
+    /// A point of the block: on its lower or upper plane across @p axis, at @p u and @p v along the two axes that
+    /// follow.
+    static Vec3 Place(int axis, float w, float u, float v) {
+        return axis == 0 ? Vec3{w, u, v} : axis == 1 ? Vec3{v, w, u} : Vec3{u, v, w};
+    }
+
+    float Plane(const Index& at, int axis, int side) const {
+        const auto a = static_cast<std::size_t>(axis % 3);
+        return m_grid.breaks[a][static_cast<std::size_t>(at[a] + side)];
+    }
+
+    Vec3 OnHole(const Index& at, int axis, int side, float radius, int segment) const {
+        const float u = 0.5f * (Plane(at, axis + 1, 0) + Plane(at, axis + 1, 1));
+        const float v = 0.5f * (Plane(at, axis + 2, 0) + Plane(at, axis + 2, 1));
+        // Segment 0 points to the corner of low u and low v, as the first corner of the square does.
+        const double turns = 0.625 + (segment % kHoleSegments) / static_cast<double>(kHoleSegments);
+        return Place(axis, Plane(at, axis, side), u + radius * static_cast<float>(CosTurns(turns)),
+                     v + radius * static_cast<float>(SinTurns(turns)));
+    }
+
+    void AddFace(const Index& at, int axis, int side, float holeRadius) {
+        const auto corner = [&](int k) {  // anticlockwise seen from the upper side of the axis
+            return Place(axis, Plane(at, axis, side), Plane(at, axis + 1, k % 4 == 1 || k % 4 == 2),
+                         Plane(at, axis + 2, k % 4 >= 2));
+        };
+        const auto add = [&](Vec3 a, Vec3 b, Vec3 c) {
+            side == 1 ? m_mesh.AddTriangle(a, b, c) : m_mesh.AddTriangle(a, c, b);
+        };
+        if (holeRadius <= 0) {
+            add(corner(0), corner(1), corner(2));
+            add(corner(0), corner(2), corner(3));
+            return;
+        }
+        constexpr int kQuarter = kHoleSegments / 4;
+        for (int k = 0; k < 4; ++k) {
+            const int middle = k * kQuarter + kQuarter / 2;
+            for (int s = middle - kQuarter; s < middle; ++s)
+                add(corner(k), OnHole(at, axis, side, holeRadius, s + 1 + kHoleSegments),
+                    OnHole(at, axis, side, holeRadius, s + kHoleSegments));
+            add(corner(k), corner(k + 1), OnHole(at, axis, side, holeRadius, middle));
+        }
+    }
+
+    void AddHoleWall(const Index& at, int axis, float radius) {
+        for (int s = 0; s < kHoleSegments; ++s)
+            m_mesh.AddQuad(OnHole(at, axis, 1, radius, s), OnHole(at, axis, 1, radius, s + 1),
+                           OnHole(at, axis, 0, radius, s + 1), OnHole(at, axis, 0, radius, s));
+    }
+
+    const BlockGrid& m_grid;
+    TriangleMesh m_mesh;
+};
+
+}  // namespace
+
+TriangleMesh MeshOf(const BlockGrid& grid) { return SurfaceMaker(grid).Make(); }
+
+}  // namespace simulate

@@ -1,0 +1,12 @@
+// Numbers as text: the shortest that reads back to the same number, whatever the locale.
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace simulate {
+
+[[nodiscard]] std::string NumberText(int number);
+[[nodiscard]] std::string NumberText(std::uint64_t number);
+[[nodiscard]] std::string NumberText(float number);
+
+}  // namespace simulate

@@ -1,0 +1,128 @@
+// The pax and xdt writers, and the way into the pcm writer.
+#include "ScanFiles.h"
+
+#include <bit>
+#include <cmath>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "MSRDLL/AtomicFile.h"
+#include "MSRDLL/PcmFile.h"
+
+namespace simulate {
+namespace {
+
+constexpr float kMicrometres = 1000.0f;  // in a millimetre
+
+/// Puts numbers into bytes, and the bytes into a file in pieces.
+class LittleEndianFile {
+public:
+    explicit LittleEndianFile(const std::filesystem::path& path)
+        : m_file(path.string(), MsrStorage::FileCalls::Real()) {
+        m_vBytes.reserve(kPieceBytes + 8);
+    }
+    void Put16(int value) {
+        Put8(static_cast<std::uint32_t>(value));
+        Put8(static_cast<std::uint32_t>(value) >> 8);
+        FlushFullPiece();
+    }
+    void PutFloat(float value) {
+        const auto bits = std::bit_cast<std::uint32_t>(value);
+        for (int shift = 0; shift < 32; shift += 8) Put8(bits >> shift);
+        FlushFullPiece();
+    }
+    void PutFloats(std::span<const float> values) {
+        for (const float value : values) PutFloat(value);
+    }
+    void PutPoint(Vec3 point) {
+        PutFloat(point.x);
+        PutFloat(point.y);
+        PutFloat(point.z);
+    }
+    void Commit() {
+        Flush();
+        m_file.Commit();
+    }
+
+private:
+    static constexpr std::size_t kPieceBytes = 1 << 20;
+
+    void Put8(std::uint32_t value) { m_vBytes.push_back(static_cast<std::uint8_t>(value & 0xFFu)); }
+    void FlushFullPiece() {
+        if (m_vBytes.size() >= kPieceBytes) Flush();
+    }
+    void Flush() {
+        m_file.WriteAt(m_nWritten, m_vBytes.data(), m_vBytes.size());
+        m_nWritten += m_vBytes.size();
+        m_vBytes.clear();
+    }
+
+    MsrStorage::AtomicFile m_file;
+    std::vector<std::uint8_t> m_vBytes;
+    std::uint64_t m_nWritten = 0;
+};
+
+void WritePax(const std::filesystem::path& path, const ScanGrid& grid) {
+    LittleEndianFile file(path);
+    file.Put16(grid.width);
+    file.Put16(grid.height);
+    file.PutFloats(grid.points);
+    file.PutFloats(grid.confidence);
+    file.PutFloats(grid.toWorld);
+    file.Commit();
+}
+
+Vec3 XdtPoint(const ScanGrid& grid, std::size_t pixel) {
+    if (!grid.IsMeasured(pixel)) return {-1, -1, -1};
+    const float* p = &grid.points[3 * pixel];
+    return AvoidXdtHole(TransformPoint(grid.toWorld, {p[0], p[1], p[2]}) * kMicrometres);
+}
+
+void WriteXdt(const std::filesystem::path& path, const ScanGrid& grid) {
+    LittleEndianFile file(path);
+    file.Put16(grid.width);
+    file.Put16(grid.height);
+    for (std::size_t pixel = 0; pixel < grid.PixelCount(); ++pixel) file.PutPoint(XdtPoint(grid, pixel));
+    file.Commit();
+}
+
+void WritePcm(const std::filesystem::path& path, ScanGrid&& grid) {
+    for (float& coordinate : grid.points) coordinate *= kMicrometres;
+    for (const std::size_t element : {3, 7, 11}) grid.toWorld[element] *= kMicrometres;
+    MsrStorage::PcmView view;
+    view.m_iWidth = grid.width;
+    view.m_iHeight = grid.height;
+    view.m_pPoints = grid.points.data();
+    view.m_pConfidence = grid.confidence.data();
+    view.m_pClassification = grid.classes.data();
+    view.m_pColors = grid.colors.empty() ? nullptr : grid.colors.data();
+    view.m_pTrafo = grid.toWorld.data();
+    MsrStorage::WritePcmFile(path.string(), view);
+}
+
+}  // namespace
+
+Vec3 AvoidXdtHole(Vec3 point) {
+    if (point.x < 0 && point.x == point.y && point.y == point.z) point.z = std::nextafter(point.z, 0.0f);
+    return point;
+}
+
+void WriteScan(const std::filesystem::path& path, FileFormat format, ScanGrid&& grid) {
+    switch (format) {
+        case FileFormat::Pcm:
+            return WritePcm(path, std::move(grid));
+        case FileFormat::Pax:
+            return WritePax(path, grid);
+        case FileFormat::Xdt:
+            return WriteXdt(path, grid);
+    }
+}
+
+void WriteText(const std::filesystem::path& path, std::string_view text) {
+    MsrStorage::AtomicFile file(path.string(), MsrStorage::FileCalls::Real());
+    file.WriteAt(0, text.data(), text.size());
+    file.Commit();
+}
+
+}  // namespace simulate

@@ -1,0 +1,172 @@
+// Shapes with smooth surfaces, and the gear; those made of blocks come from Blocks.h.
+#include "Shapes.h"
+
+#include <algorithm>
+#include <array>
+
+#include "Blocks.h"
+#include "Repeatable.h"
+
+namespace simulate {
+namespace {
+
+Vec3 OnCircle(double radius, double turns, double z) {
+    return {static_cast<float>(radius * CosTurns(turns)), static_cast<float>(radius * SinTurns(turns)),
+            static_cast<float>(z)};
+}
+
+TriangleMesh MakeSphere() {
+    return StarShape(96, [](Vec3 direction) { return direction * kSphereRadius; });
+}
+
+/// A soft bump on the unit sphere: full height at its centre, smoothly nothing from its width on.
+struct Bump {
+    Vec3 centre;
+    float width, height;
+};
+
+TriangleMesh MakeBust() {
+    // A head: what is mirrored stands twice.
+    static constexpr std::array kBumps = {
+        Bump{{0.00f, -0.10f, 1.00f}, 0.20f, 9.0f},                                                // tip of the nose
+        Bump{{0.00f, 0.12f, 0.99f}, 0.22f, 4.0f},                                                 // its bridge
+        Bump{{0.32f, 0.18f, 0.93f}, 0.26f, -4.0f},                                                // eye sockets
+        Bump{{-0.32f, 0.18f, 0.93f}, 0.26f, -4.0f},  Bump{{0.32f, 0.17f, 0.93f}, 0.13f, 2.5f},    // eyeballs
+        Bump{{-0.32f, 0.17f, 0.93f}, 0.13f, 2.5f},   Bump{{0.30f, 0.38f, 0.88f}, 0.30f, 2.0f},    // brows
+        Bump{{-0.30f, 0.38f, 0.88f}, 0.30f, 2.0f},   Bump{{0.48f, -0.18f, 0.86f}, 0.40f, 2.5f},   // cheeks
+        Bump{{-0.48f, -0.18f, 0.86f}, 0.40f, 2.5f},  Bump{{0.00f, -0.38f, 0.92f}, 0.24f, -2.0f},  // mouth
+        Bump{{0.00f, -0.34f, 0.94f}, 0.12f, 2.2f},                                                // lips
+        Bump{{0.00f, -0.43f, 0.90f}, 0.12f, 2.2f},   Bump{{0.00f, -0.66f, 0.75f}, 0.40f, 6.0f},   // chin
+        Bump{{0.99f, 0.02f, 0.05f}, 0.24f, 7.0f},                                                 // ears
+        Bump{{-0.99f, 0.02f, 0.05f}, 0.24f, 7.0f},   Bump{{0.99f, 0.03f, 0.12f}, 0.11f, -4.0f},   // their hollows
+        Bump{{-0.99f, 0.03f, 0.12f}, 0.11f, -4.0f},  Bump{{0.00f, 0.55f, -0.83f}, 0.90f, 6.0f},   // back of the head
+        Bump{{0.00f, 0.93f, -0.37f}, 0.36f, 8.0f},                                                // a bun
+        Bump{{0.00f, -0.97f, -0.24f}, 0.75f, 14.0f},                                              // neck
+    };
+    return StarShape(96, [](Vec3 direction) {
+        float radius = 34.0f;
+        for (const Bump& bump : kBumps) {
+            const Vec3 away = direction - bump.centre;
+            const float rest = 1.0f - Dot(away, away) / (bump.width * bump.width);
+            if (rest > 0) radius += bump.height * rest * rest * rest;
+        }
+        return Vec3{direction.x * radius * 0.86f, direction.y * radius * 1.1f, direction.z * radius};
+    });
+}
+
+TriangleMesh MakeTorus() {
+    constexpr int kAround = 256, kAcross = 128;
+    constexpr double kRing = 32, kTube = 14;
+    const auto pointAt = [](int around, int across) {
+        const double turns = (across % kAcross) / static_cast<double>(kAcross);
+        return OnCircle(kRing + kTube * CosTurns(turns), (around % kAround) / static_cast<double>(kAround),
+                        kTube * SinTurns(turns));
+    };
+    TriangleMesh mesh;
+    for (int i = 0; i < kAround; ++i)
+        for (int j = 0; j < kAcross; ++j)
+            mesh.AddQuad(pointAt(i, j), pointAt(i + 1, j), pointAt(i + 1, j + 1), pointAt(i, j + 1));
+    return mesh;
+}
+
+TriangleMesh MakeGear() {
+    constexpr int kTeeth = 18, kPointsPerTooth = 4, kPoints = kTeeth * kPointsPerTooth;
+    constexpr double kTip = 40, kRoot = 33, kBore = 11, kHalfThickness = 9;
+    // A tooth goes root, root, tip, tip; its flanks lean.
+    static constexpr std::array<double, kPointsPerTooth> kPhase = {0.0, 0.40, 0.53, 0.87};
+    const auto rim = [](int i, double z) {
+        const int point = i % kPoints, phase = point % kPointsPerTooth;
+        const double turns = (point / kPointsPerTooth + kPhase[static_cast<std::size_t>(phase)]) / kTeeth;
+        return OnCircle(phase < 2 ? kRoot : kTip, turns, z);
+    };
+    const auto bore = [](int i, double z) { return OnCircle(kBore, (i % kPoints) / static_cast<double>(kPoints), z); };
+    TriangleMesh mesh;
+    for (int i = 0; i < kPoints; ++i) {
+        const double front = kHalfThickness, back = -kHalfThickness;
+        mesh.AddQuad(bore(i, front), rim(i, front), rim(i + 1, front), bore(i + 1, front));
+        mesh.AddQuad(bore(i, back), bore(i + 1, back), rim(i + 1, back), rim(i, back));
+        mesh.AddQuad(rim(i, back), rim(i + 1, back), rim(i + 1, front), rim(i, front));
+        mesh.AddQuad(bore(i, front), bore(i + 1, front), bore(i + 1, back), bore(i, back));
+    }
+    return mesh;
+}
+
+/// An angle bracket: a lying and a standing plate, with two holes in the one and a larger one in the other.
+TriangleMesh MakeBracket() {
+    BlockGrid grid;
+    grid.breaks[0] = {-36, -28, 4, 36};
+    grid.breaks[1] = {-28, -20, 28};
+    grid.breaks[2] = {-18, 18};
+    grid.blockAt = [](int x, int y, int) {
+        if (y == 0) return x == 0 ? Block{true} : Block{true, 1, 9.0f};
+        return x == 0 ? Block{true, 0, 12.0f} : Block{};
+    };
+    return MeshOf(grid);
+}
+
+/// A staircase in two directions: steps in depth of 5 to 45 mm between neighbours.
+TriangleMesh MakeSteps() {
+    BlockGrid grid;
+    grid.breaks[0] = {-40, -24, -8, 8, 24, 40};
+    grid.breaks[1] = {-30, -10, 10, 30};
+    grid.breaks[2] = {-25, -20, -15, -10, -5, 0, 5, 10, 15, 20, 25};
+    grid.blockAt = [](int x, int y, int z) {
+        static constexpr int kLayers[3][5] = {{1, 2, 3, 4, 5}, {10, 1, 8, 3, 6}, {6, 7, 8, 9, 10}};
+        return Block{z < kLayers[y][x]};
+    };
+    return MeshOf(grid);
+}
+
+struct NamedShape {
+    const char* name;
+    TriangleMesh (*make)();
+};
+constexpr std::array kShapes = {NamedShape{"bust", MakeBust},   NamedShape{"bracket", MakeBracket},
+                                NamedShape{"gear", MakeGear},   NamedShape{"sphere", MakeSphere},
+                                NamedShape{"steps", MakeSteps}, NamedShape{"torus", MakeTorus}};
+
+}  // namespace
+
+TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& pointAt) {
+    TriangleMesh mesh;
+    const auto n = static_cast<float>(cells);
+    for (int axis = 0; axis < 3; ++axis) {
+        for (const float side : {-1.0f, 1.0f}) {
+            // The same numbers come out on both sides of an edge of the cube, so that neighbours meet to the bit.
+            const auto corner = [&](int i, int j) {
+                const float u = (2.0f * static_cast<float>(i) - n) / n, v = (2.0f * static_cast<float>(j) - n) / n;
+                return pointAt(Unit(axis == 0 ? Vec3{side, u, v} : axis == 1 ? Vec3{v, side, u} : Vec3{u, v, side}));
+            };
+            for (int j = 0; j < cells; ++j) {
+                for (int i = 0; i < cells; ++i) {
+                    const Vec3 a = corner(i, j), b = corner(i + 1, j), c = corner(i + 1, j + 1), d = corner(i, j + 1);
+                    side > 0 ? mesh.AddQuad(a, b, c, d) : mesh.AddQuad(a, d, c, b);
+                }
+            }
+        }
+    }
+    return mesh;
+}
+
+const std::vector<std::string>& ShapeNames() {
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> list;
+        for (const NamedShape& shape : kShapes) list.emplace_back(shape.name);
+        return list;
+    }();
+    return names;
+}
+
+TriangleMesh MakeShape(std::string_view name) {
+    for (const NamedShape& shape : kShapes)
+        if (name == shape.name) return shape.make();
+    return {};
+}
+
+float RadiusAroundOrigin(const TriangleMesh& mesh) {
+    float radius = 0;
+    for (const Vec3& corner : mesh.corners) radius = std::max(radius, Length(corner));
+    return radius;
+}
+
+}  // namespace simulate

@@ -1,0 +1,41 @@
+// The objects that can be scanned, made in code: 60 to 100 mm large, around the origin, y up, front towards +z.
+#pragma once
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Vec3.h"
+
+namespace simulate {
+
+/// A closed surface. Three corners a triangle, anticlockwise seen from outside; neighbours share corners to the bit.
+struct TriangleMesh {
+    std::vector<Vec3> corners;
+
+    void AddTriangle(Vec3 a, Vec3 b, Vec3 c) { corners.insert(corners.end(), {a, b, c}); }
+    void AddQuad(Vec3 a, Vec3 b, Vec3 c, Vec3 d) {
+        AddTriangle(a, b, c);
+        AddTriangle(a, c, d);
+    }
+    [[nodiscard]] std::size_t TriangleCount() const { return corners.size() / 3; }
+};
+
+/// Names that MakeShape() knows, in the order of the help text.
+[[nodiscard]] const std::vector<std::string>& ShapeNames();
+
+/// @return an empty mesh for an unknown name
+[[nodiscard]] TriangleMesh MakeShape(std::string_view name);
+
+/// The radius of the shape "sphere".
+inline constexpr float kSphereRadius = 40.0f;
+
+/// Radius of the smallest sphere around the origin that holds the mesh.
+[[nodiscard]] float RadiusAroundOrigin(const TriangleMesh& mesh);
+
+/// A surface with one point in every direction from the origin.
+/// @param cells  squares along each edge of the cube whose sides are projected outwards
+/// @param pointAt  point of the surface in a unit direction
+[[nodiscard]] TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& pointAt);
+
+}  // namespace simulate
