@@ -1,0 +1,72 @@
+// A window that passes every call on to a real one and notes what the control asked of it.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/PaneWindow.h"
+
+class WindowProbe final : public PaneWindow {
+public:
+    explicit WindowProbe(std::unique_ptr<PaneWindow> window) : m_window(std::move(window)) {}
+
+    // ---- what was asked since the last Forget()
+    int refreshes = 0;
+    int invalidates = 0;       ///< without erase
+    int eraseInvalidates = 0;  ///< with erase
+    int waitCursorsBegun = 0, waitCursorsEnded = 0;
+    std::vector<std::string> modalMessages;
+
+    void Forget() {
+        refreshes = invalidates = eraseInvalidates = waitCursorsBegun = waitCursorsEnded = 0;
+        modalMessages.clear();
+    }
+
+    void Refresh() override { ++refreshes, m_window->Refresh(); }
+    void Invalidate(bool erase) override { ++(erase ? eraseInvalidates : invalidates), m_window->Invalidate(erase); }
+    void BeginWaitCursor() override { ++waitCursorsBegun, m_window->BeginWaitCursor(); }
+    void EndWaitCursor() override { ++waitCursorsEnded, m_window->EndWaitCursor(); }
+    void ShowModalMessage(const std::string& text) override {
+        modalMessages.push_back(text);
+        m_window->ShowModalMessage(text);
+    }
+
+    // ---- passed on
+    bool Create(WindowClient& client, std::string* reason) override { return m_window->Create(client, reason); }
+    void Destroy() override { m_window->Destroy(); }
+    bool Recreate() override { return m_window->Recreate(); }
+    [[nodiscard]] bool Exists() const override { return m_window->Exists(); }
+    [[nodiscard]] std::uintptr_t NativeHandle() const override { return m_window->NativeHandle(); }
+    bool Reparent(std::uintptr_t parent, std::int32_t x, std::int32_t y) override {
+        return m_window->Reparent(parent, x, y);
+    }
+    [[nodiscard]] WindowSize ClientSize() const override { return m_window->ClientSize(); }
+    void Resize(std::int32_t width, std::int32_t height) override { m_window->Resize(width, height); }
+    bool BeginPaint() override { return m_window->BeginPaint(); }
+    void EndPaint() override { m_window->EndPaint(); }
+    void RetryPaint() override { m_window->RetryPaint(); }
+    [[nodiscard]] bool IsPaintPending() const override { return m_window->IsPaintPending(); }
+    BootstrapReport BeginBootstrap() override { return m_window->BeginBootstrap(); }
+    bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) override {
+        return m_window->ChoosePixelFormat(attributes, format);
+    }
+    void EndBootstrap() override { m_window->EndBootstrap(); }
+    bool SetPixelFormat(std::int32_t format) override { return m_window->SetPixelFormat(format); }
+    bool CreateContext(const ContextAttributes& attributes) override { return m_window->CreateContext(attributes); }
+    bool MakeCurrent() override { return m_window->MakeCurrent(); }
+    void DeleteContext() override { m_window->DeleteContext(); }
+    [[nodiscard]] void* ContextHandle() const override { return m_window->ContextHandle(); }
+    void SwapBuffers() override { m_window->SwapBuffers(); }
+    void SetCapture() override { m_window->SetCapture(); }
+    void ReleaseCapture() override { m_window->ReleaseCapture(); }
+    [[nodiscard]] bool HasCapture() const override { return m_window->HasCapture(); }
+    void SetCursor(PaneCursor cursor) override { m_window->SetCursor(cursor); }
+    std::uint32_t StartTimer(std::uint32_t milliseconds) override { return m_window->StartTimer(milliseconds); }
+    void StopTimer(std::uint32_t id) override { m_window->StopTimer(id); }
+    void PostPrivateMessage(std::uint32_t message) override { m_window->PostPrivateMessage(message); }
+    [[nodiscard]] int EventDescriptor() const override { return m_window->EventDescriptor(); }
+    void ProcessEvents() override { m_window->ProcessEvents(); }
+
+private:
+    std::unique_ptr<PaneWindow> m_window;
+};
