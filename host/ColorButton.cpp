@@ -1,0 +1,28 @@
+// The colour is shown as the button's icon.
+#include "ColorButton.h"
+
+#include <QColorDialog>
+#include <QPixmap>
+
+QColor ColorFromPacked(std::int32_t packed) { return {packed & 0xFF, (packed >> 8) & 0xFF, (packed >> 16) & 0xFF}; }
+
+std::int32_t PackedFromColor(const QColor& color) { return color.red() | (color.green() << 8) | (color.blue() << 16); }
+
+ColorButton::ColorButton(std::int32_t packed, QWidget* parent) : QToolButton(parent) {
+    SetPacked(packed);
+    connect(this, &QToolButton::clicked, this, &ColorButton::Choose);
+}
+
+void ColorButton::SetPacked(std::int32_t packed) {
+    m_nPacked = packed;
+    QPixmap patch(iconSize());
+    patch.fill(ColorFromPacked(packed));
+    setIcon(patch);
+}
+
+void ColorButton::Choose() {
+    const QColor color = QColorDialog::getColor(ColorFromPacked(m_nPacked), this, tr("Colour"));
+    if (!color.isValid()) return;
+    SetPacked(PackedFromColor(color));
+    emit ColorChosen(m_nPacked);
+}

@@ -1,0 +1,243 @@
+// Parsing of the command line. Numbers go through std::from_chars: the process's locale has no say.
+#include "CommandLine.h"
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <string_view>
+#include <type_traits>
+
+namespace {
+
+constexpr int kLargestSide = 16384;  // what drivers take as a drawing area
+constexpr int kLargestSkip = 32767;
+
+/// The whole of @p text as a number, or nothing.
+template <class Number>
+std::optional<Number> WholeNumber(std::string_view text, int base = 10) {
+    Number value{};
+    const char* const end = text.data() + text.size();
+    std::from_chars_result result{};
+    if constexpr (std::is_floating_point_v<Number>) {
+        result = std::from_chars(text.data(), end, value);
+    } else {
+        result = std::from_chars(text.data(), end, value, base);
+    }
+    if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
+    return value;
+}
+
+std::optional<int> IntegerIn(std::string_view text, int smallest, int largest) {
+    const auto value = WholeNumber<int>(text);
+    return value && *value >= smallest && *value <= largest ? value : std::nullopt;
+}
+
+bool ReadSize(std::string_view text, HostOptions& options) {
+    const std::size_t cross = text.find('x');
+    if (cross == std::string_view::npos) return false;
+    const auto width = IntegerIn(text.substr(0, cross), 1, kLargestSide);
+    const auto height = IntegerIn(text.substr(cross + 1), 1, kLargestSide);
+    if (!width || !height) return false;
+    options.width = *width;
+    options.height = *height;
+    return true;
+}
+
+bool ReadView(std::string_view text, HostOptions& options) {
+    const auto view = IntegerIn(text, 0, 7);
+    if (view) options.view = *view;
+    return view.has_value();
+}
+
+bool ReadDrawMode(std::string_view text, HostOptions& options) {
+    const auto mode = IntegerIn(text, 0, 7);
+    if (mode) options.drawMode = *mode;
+    return mode.has_value();
+}
+
+bool ReadZoom(std::string_view text, HostOptions& options) {
+    const auto zoom = WholeNumber<float>(text);
+    if (!zoom || !(*zoom >= 0.1f && *zoom <= 10.0f)) return false;
+    options.zoom = *zoom;
+    return true;
+}
+
+bool ReadSkip(std::string_view text, HostOptions& options) {
+    const auto skip = IntegerIn(text, 1, kLargestSkip);
+    if (skip) options.import.skip = static_cast<std::int16_t>(*skip);
+    return skip.has_value();
+}
+
+bool ReadConfidence(std::string_view text, HostOptions& options) {
+    const auto confidence = WholeNumber<float>(text);
+    if (!confidence || !std::isfinite(*confidence)) return false;
+    options.import.confidence = *confidence;
+    return true;
+}
+
+bool ReadColor(std::string_view text, HostOptions& options) {
+    // The sign that from_chars takes is ruled out by the six digits that have to be there.
+    if (text.size() != 6 || text.front() == '-') return false;
+    const auto rgb = WholeNumber<std::int32_t>(text, 16);
+    if (!rgb) return false;
+    options.import.color = ((*rgb & 0xFF) << 16) | (*rgb & 0xFF00) | (*rgb >> 16);
+    return true;
+}
+
+bool ReadScreenshotPath(std::string_view text, HostOptions& options) {
+    options.screenshotPath = text;
+    return !text.empty();
+}
+
+/// An option that takes a value.
+struct ValueOption {
+    std::string_view name;
+    std::string_view wants;  ///< what a good value is
+    bool forPicture;         ///< has no meaning without one
+    bool (*read)(std::string_view text, HostOptions& options);
+};
+
+constexpr ValueOption kValueOptions[] = {
+    {"--screenshot", "a file name", true, ReadScreenshotPath},
+    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", true, ReadSize},
+    {"--view", "a whole number from 0 to 7", true, ReadView},
+    {"--draw-mode", "a whole number from 0 to 7", true, ReadDrawMode},
+    {"--zoom", "a number from 0.1 to 10", true, ReadZoom},
+    {"--skip", "a whole number from 1 to 32767", false, ReadSkip},
+    {"--confidence", "a number", false, ReadConfidence},
+    {"--color", "six hexadecimal digits RRGGBB", false, ReadColor},
+};
+
+const ValueOption* FindValueOption(std::string_view name) {
+    for (const ValueOption& option : kValueOptions) {
+        if (option.name == name) return &option;
+    }
+    return nullptr;
+}
+
+/// What was seen, beside the values.
+struct Seen {
+    bool screenshot = false, info = false, shadows = false;
+    std::string_view pictureOption;  ///< the last one that asks for something of a picture
+};
+
+bool IsSwitch(std::string_view name) {
+    return name == "--info" || name == "--json" || name == "--shadows" || name == "--help" || name == "--version";
+}
+
+/// Takes an option without a value; false when there is no such option.
+bool TakeSwitch(std::string_view name, HostOptions& options, Seen& seen) {
+    if (name == "--info") {
+        seen.info = true;
+    } else if (name == "--json") {
+        options.json = true;
+    } else if (name == "--shadows") {
+        options.shadows = true;
+        seen.pictureOption = "--shadows";
+    } else {
+        return false;
+    }
+    return true;
+}
+
+/// What does not go together; empty when all is well.
+std::string Contradiction(const HostOptions& options, const Seen& seen) {
+    if (seen.info && seen.screenshot) return "--info and --screenshot do not go together";
+    if (options.json && !seen.info) return "--json goes with --info only";
+    if (seen.info && !seen.pictureOption.empty())
+        return std::string(seen.pictureOption) + " has no meaning with --info";
+    if (options.files.empty() && seen.screenshot) return "--screenshot needs at least one file";
+    if (options.files.empty() && seen.info) return "--info needs at least one file";
+    return {};
+}
+
+/// Reads one option with a value, at @p i, which moves on when the value is the next argument.
+std::optional<UsageError> TakeValue(const ValueOption& option, const std::vector<std::string>& arguments,
+                                    std::size_t& i, HostOptions& options, Seen& seen) {
+    const std::string_view argument = arguments[i];
+    std::string_view value;
+    if (argument.size() > option.name.size()) {
+        value = argument.substr(option.name.size() + 1);
+    } else if (i + 1 < arguments.size()) {
+        value = arguments[++i];
+    } else {
+        return UsageError{std::string(option.name) + " needs a value: " + std::string(option.wants)};
+    }
+    if (!option.read(value, options)) {
+        return UsageError{std::string(option.name) + " takes " + std::string(option.wants) + ", not \"" +
+                          std::string(value) + "\""};
+    }
+    if (option.name == "--screenshot") {
+        seen.screenshot = true;
+    } else if (option.forPicture) {
+        seen.pictureOption = option.name;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::string>& arguments) {
+    HostOptions options;
+    Seen seen;
+    bool optionsEnded = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string_view argument = arguments[i];
+        if (optionsEnded || argument.empty() || argument.front() != '-') {
+            if (argument.empty()) return UsageError{"a file name is empty"};
+            options.files.emplace_back(argument);
+            continue;
+        }
+        if (argument == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        if (argument == "--help" || argument == "--version") {
+            options.action = argument == "--help" ? HostAction::Help : HostAction::Version;
+            return options;
+        }
+        if (TakeSwitch(argument, options, seen)) continue;
+        const std::string_view name = argument.substr(0, argument.find('='));
+        const ValueOption* const option = FindValueOption(name);
+        if (name != argument && IsSwitch(name)) return UsageError{std::string(name) + " takes no value"};
+        if (option == nullptr) return UsageError{"unknown option " + std::string(argument)};
+        if (auto error = TakeValue(*option, arguments, i, options, seen)) return *error;
+    }
+    if (const std::string text = Contradiction(options, seen); !text.empty()) return UsageError{text};
+    if (seen.screenshot) options.action = HostAction::Screenshot;
+    if (seen.info) options.action = HostAction::Info;
+    return options;
+}
+
+std::string HelpText() {
+    return "Usage: scenepane [options] FILE...\n"
+           "       scenepane --screenshot OUT.png [options] FILE...\n"
+           "       scenepane --info [--json] [options] FILE...\n"
+           "Shows optical scans (pcm, pax and xdt files) in a window, as a picture, or as numbers.\n"
+           "\n"
+           "Without a display:\n"
+           "  --screenshot OUT.png  render the scene, fitted to the picture, into a PNG file\n"
+           "  --info                print what each file holds; needs no OpenGL either\n"
+           "  --json                with --info: print one JSON object\n"
+           "\n"
+           "Imports:\n"
+           "  --skip N              keep every N-th grid point, 1 to 32767 (1)\n"
+           "  --confidence F        leave out points of a lower confidence (0)\n"
+           "  --color RRGGBB        colour of scans that have none of their own (DCD4C8)\n"
+           "\n"
+           "Pictures, in the window and in the file:\n"
+           "  --size WxH            size in pixels (1024x768)\n"
+           "  --view 0..7           0 back, 1 front, 2 right, 3 left, 4 top, 5 bottom turned, 6 oblique, 7 bottom (4)\n"
+           "  --draw-mode 0..7      0 points, 1 wireframe, 2 flat, 3 smooth, 4 boxes, 5 per pixel, 6 nothing,\n"
+           "                        7 shadow map (3)\n"
+           "  --zoom Z              magnification, 0.1 to 10: 2 shows half as much (1)\n"
+           "  --shadows             cast shadows (draw modes 5 and 6 show no object then)\n"
+           "\n"
+           "  --help                print this text\n"
+           "  --version             print the version\n"
+           "  --                    what follows are file names\n"
+           "\n"
+           "Exit status: 0 when every file added an object, 1 when not, 2 for wrong usage.\n";
+}
+
+std::string VersionText() { return "scenepane 5.5.0\n"; }

@@ -1,0 +1,19 @@
+// The runs without a window: a picture into a file, or numbers to standard output. No display, no Qt.
+#pragma once
+#include <cstdio>
+
+#include "CommandLine.h"
+
+/// Exit status of a run: every file added an object, or not, or the command line was wrong.
+inline constexpr int kExitGood = 0;
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitWrongUsage = 2;
+
+/// Renders the files into options.screenshotPath. @param err  takes one line for each file or step that failed
+[[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
+
+/// Prints what the files hold to @p out. A failure to write is a failure of the run.
+[[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);
+
+/// Writes all of @p text and flushes; false when the other end takes no more.
+[[nodiscard]] bool PrintTo(std::FILE* out, const std::string& text);

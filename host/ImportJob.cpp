@@ -1,0 +1,87 @@
+// Run after run, each started from the event loop, so that the window repaints and a cancel gets through in between.
+#include "ImportJob.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+ImportJob::ImportJob(KV_ScenePane::ScenePane& pane, std::vector<std::string> files, const ImportSettings& settings,
+                     QObject* parent)
+    : QObject(parent),
+      m_pane(pane),
+      m_vFiles(std::move(files)),
+      m_settings(settings),
+      m_vRuns(PlanImport(m_vFiles)),
+      m_vResults(m_vFiles.size()) {}
+
+ImportJob::~ImportJob() { Stop(); }
+
+void ImportJob::Start() {
+    ApplySettings(m_pane.Methods(), m_settings);
+    QMetaObject::invokeMethod(this, &ImportJob::NextRun, Qt::QueuedConnection);
+}
+
+void ImportJob::Cancel() {
+    m_bCancelled = true;
+    if (m_pWorkers) m_pWorkers->Cancel();
+}
+
+void ImportJob::Stop() {
+    Cancel();
+    if (m_pWorkers) EndParallelRun();
+    Finish();
+}
+
+void ImportJob::NextRun() {
+    if (m_bOver) return;
+    if (m_bCancelled || m_nNextRun == m_vRuns.size()) {
+        Finish();
+        return;
+    }
+    const ImportRun& run = m_vRuns[m_nNextRun++];
+    if (run.parallel) {
+        BeginParallelRun(run);
+        return;
+    }
+    const std::size_t file = run.files.front();
+    m_vResults[file] = ImportScanFile(m_pane.Methods(), m_vFiles[file], m_settings.color);
+    emit Progress(++m_nFinishedFiles);
+    QMetaObject::invokeMethod(this, &ImportJob::NextRun, Qt::QueuedConnection);
+}
+
+void ImportJob::BeginParallelRun(const ImportRun& run) {
+    PcmWorkers::Task task;
+    m_pane.Methods().BeginParallelImport(&task.control, &task.entry);
+    for (const std::size_t file : run.files) task.files.push_back(m_vFiles[file]);
+    task.color = static_cast<std::uint32_t>(m_settings.color);
+    const auto tellThisThread = [this] {
+        QMetaObject::invokeMethod(this, &ImportJob::CheckWorkers, Qt::QueuedConnection);
+    };
+    m_pWorkers = std::make_unique<PcmWorkers>(std::move(task), std::thread::hardware_concurrency(), tellThisThread);
+}
+
+void ImportJob::CheckWorkers() {
+    if (!m_pWorkers) return;  // told before the run was ended by Stop()
+    if (!m_pWorkers->IsDone()) {
+        emit Progress(m_nFinishedFiles + static_cast<int>(m_pWorkers->FinishedFiles()));
+        return;
+    }
+    EndParallelRun();
+    emit Progress(m_nFinishedFiles);
+    NextRun();
+}
+
+void ImportJob::EndParallelRun() {
+    const std::vector<ImportResult> results = m_pWorkers->Join();
+    m_pWorkers.reset();
+    m_pane.Methods().EndParallelImport();
+    const std::vector<std::size_t>& files = m_vRuns[m_nNextRun - 1].files;
+    for (std::size_t i = 0; i < results.size(); ++i) m_vResults[files[i]] = results[i];
+    m_nFinishedFiles += static_cast<int>(results.size());
+}
+
+void ImportJob::Finish() {
+    if (m_bOver) return;
+    m_bOver = true;
+    emit Finished();
+}

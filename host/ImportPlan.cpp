@@ -1,0 +1,14 @@
+// Cuts the list of files into runs.
+#include "ImportPlan.h"
+
+#include "ScanFile.h"
+
+std::vector<ImportRun> PlanImport(const std::vector<std::string>& files) {
+    std::vector<ImportRun> runs;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const bool parallel = KindOfScan(files[i]) == ScanKind::Pcm;
+        if (!parallel || runs.empty() || !runs.back().parallel) runs.push_back({parallel, {}});
+        runs.back().files.push_back(i);
+    }
+    return runs;
+}

@@ -1,0 +1,184 @@
+// The parts of the window and what they do to the viewer. Menus: MainWindowMenus.cpp; imports: MainWindowImport.cpp.
+#include "MainWindow.h"
+
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QLabel>
+#include <QProgressDialog>
+#include <QStackedWidget>
+#include <QStatusBar>
+
+#include "ImportJob.h"
+#include "MessagePane.h"
+#include "ObjectList.h"
+#include "ViewerWidget.h"
+
+namespace {
+constexpr std::int32_t kBackground = 0x321919;  // what the viewer starts with
+constexpr int kDrawModePerPixel = 5;
+constexpr int kDrawModeNothing = 6;
+}  // namespace
+
+MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindow(parent), m_options(options) {
+    m_nBackground.fill(kBackground);
+    m_vWaitingFiles = options.files;
+    setWindowTitle(tr("scenepane"));
+    setAcceptDrops(true);
+    MakeCentre();
+    MakeDocks();
+    MakeMenus();
+    statusBar()->showMessage(tr("Open scans by the File menu, or drop them here."));
+    MessagePane* const messages = m_pMessages;
+    m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
+    EnableActions();
+    resize(sizeHint());
+}
+
+MainWindow::~MainWindow() {
+    if (m_pJob != nullptr) m_pJob->Stop();
+    delete m_pViewer;  // while the messages of its end still have a place to go
+    m_pRouter.reset();
+}
+
+KV_ScenePane::ScenePane* MainWindow::Pane() const { return m_pViewer->Pane(); }
+
+bool MainWindow::HaveObjects() const { return m_pObjects->topLevelItemCount() > 0; }
+
+void MainWindow::MakeCentre() {
+    m_pViewer = new ViewerWidget({m_options.width, m_options.height});
+    m_pRefusal = new QLabel;
+    m_pRefusal->setAlignment(Qt::AlignCenter);
+    m_pRefusal->setWordWrap(true);
+    m_pRefusal->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_pRefusal->setMargin(24);
+    m_pCentre = new QStackedWidget;
+    m_pCentre->addWidget(m_pViewer);
+    m_pCentre->addWidget(m_pRefusal);
+    setCentralWidget(m_pCentre);
+    // Queued: the viewer is made in the middle of the window's first show.
+    connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::OnViewerReady, Qt::QueuedConnection);
+    connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
+    connect(m_pViewer, &ViewerWidget::KeyPressed, this, &MainWindow::RunShortcut, Qt::QueuedConnection);
+}
+
+void MainWindow::MakeDocks() {
+    m_pObjects = new ObjectList;
+    connect(m_pObjects, &ObjectList::VisibilityWanted, this, &MainWindow::ShowObject);
+    connect(m_pObjects, &ObjectList::ColorWanted, this, &MainWindow::ColorObject);
+    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::DeleteObject);
+    m_pMessages = new MessagePane;
+    const auto addDock = [this](const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area) {
+        auto* const dock = new QDockWidget(title, this);
+        dock->setObjectName(name);
+        dock->setWidget(widget);
+        addDockWidget(area, dock);
+    };
+    addDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
+    addDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
+}
+
+void MainWindow::OnViewerReady() {
+    if (Pane() == nullptr) return;
+    ShowView(m_options.view);
+    ShowDrawMode(m_options.drawMode);
+    ShowShadows(m_options.shadows);
+    EnableActions();
+    const std::vector<std::string> files = std::move(m_vWaitingFiles);
+    m_vWaitingFiles.clear();
+    if (!files.empty()) StartImport(files);
+}
+
+void MainWindow::OnViewerRefused(const QString& reason) {
+    if (m_pJob != nullptr) m_pJob->Stop();
+    m_pRefusal->setText(tr("There is no viewer: %1").arg(reason));
+    m_pCentre->setCurrentWidget(m_pRefusal);
+    m_pMessages->AddText(m_pRefusal->text());
+    m_pObjects->clear();
+    EnableActions();
+    m_nFilesNotAdded += m_vWaitingFiles.size();
+    for (const std::string& file : m_vWaitingFiles)
+        m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
+    m_vWaitingFiles.clear();
+}
+
+void MainWindow::EnableActions() {
+    const bool viewer = Pane() != nullptr;
+    for (QAction* const action : m_vViewerActions) action->setEnabled(viewer);
+    for (QAction* const action : m_vIdleActions) action->setEnabled(viewer && !IsImporting());
+    m_pObjects->setEnabled(viewer && !IsImporting());
+}
+
+void MainWindow::ClearScene() {
+    if (Pane() == nullptr || IsImporting()) return;
+    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    // The viewer keeps plain pointers to selected objects; they must not outlive the objects.
+    methods.ResetSelection();
+    methods.ResetVariableObjects();
+    methods.ClearData();
+    m_pObjects->clear();
+    ShowView(m_options.view);
+}
+
+void MainWindow::ShowView(int mode) {
+    m_options.view = mode;
+    if (Pane() != nullptr) Pane()->Methods().SetViewMode(static_cast<std::int16_t>(mode));
+}
+
+void MainWindow::ShowDrawMode(int mode) {
+    m_options.drawMode = mode;
+    if (Pane() != nullptr) Pane()->Methods().SetDrawMode(static_cast<std::int16_t>(mode));
+    TellOfShadows();
+}
+
+void MainWindow::ShowShadows(bool on) {
+    m_options.shadows = on;
+    TellOfShadows();
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetShadowMode(on ? 1 : 0);
+    Pane()->Methods().PerformInvalidate();
+}
+
+void MainWindow::TellOfShadows() {
+    const bool empty =
+        m_options.shadows && (m_options.drawMode == kDrawModePerPixel || m_options.drawMode == kDrawModeNothing);
+    if (empty)
+        statusBar()->showMessage(tr("This render mode shows no objects while shadows are on."));
+    else
+        statusBar()->clearMessage();
+}
+
+void MainWindow::ShowBackground(const std::array<std::int32_t, 4>& colors) {
+    m_nBackground = colors;
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetBackgroundColorsFourCorners(colors[0], colors[1], colors[2], colors[3]);
+}
+
+void MainWindow::ShowPointSize(float pixels) {
+    m_fPointSize = pixels;
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetPointCloudRenderPointSize(pixels);
+    Pane()->Methods().PerformInvalidate();
+}
+
+void MainWindow::ShowObject(int index, bool visible) {
+    if (Pane() != nullptr) Pane()->Methods().SetObjectVisibility(static_cast<std::int16_t>(index), visible ? 1 : 0);
+}
+
+void MainWindow::ColorObject(int index, std::int32_t packed) {
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetObjectColor(static_cast<std::int16_t>(index), packed);
+    m_pObjects->ShowColor(index, packed);
+}
+
+void MainWindow::DeleteObject(int index) {
+    if (Pane() == nullptr || IsImporting()) return;
+    Pane()->Methods().DeleteObject(static_cast<std::int16_t>(index));
+    Pane()->Methods().PerformInvalidate();
+    m_pObjects->RemoveObject(index);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    m_vWaitingFiles.clear();
+    if (m_pJob != nullptr) m_pJob->Stop();
+    event->accept();
+}

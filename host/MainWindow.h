@@ -1,0 +1,110 @@
+// The window of the host: the viewer in the middle, menus, the list of objects and the messages around it.
+#pragma once
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CommandLine.h"
+#include "DebugCapture.h"
+#include "KV_ScenePane/ScenePane.h"
+
+class ImportJob;
+class MessagePane;
+class ObjectList;
+class QActionGroup;
+class QLabel;
+class QProgressDialog;
+class QStackedWidget;
+class ViewerWidget;
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    /// @param options  start values of the view and the imports; its files are opened once the viewer is there
+    explicit MainWindow(const HostOptions& options, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Imports the files in order; while an import runs they wait for its end.
+    void OpenFiles(const std::vector<std::string>& files);
+    void CancelImport();
+    [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr; }
+    /// Every file opened so far has added an object.
+    [[nodiscard]] bool HaveAllFilesAdded() const { return m_nFilesNotAdded == 0 && m_vWaitingFiles.empty(); }
+
+    /// Null without a viewer.
+    [[nodiscard]] KV_ScenePane::ScenePane* Pane() const;
+    [[nodiscard]] ObjectList& Objects() const { return *m_pObjects; }
+    [[nodiscard]] MessagePane& Messages() const { return *m_pMessages; }
+
+signals:
+    void ImportFinished();
+
+public slots:
+    void ClearScene();
+    void ShowView(int mode);
+    void ShowDrawMode(int mode);
+    void ShowShadows(bool on);
+    /// @param colors  0x00BBGGRR: top left, top right, bottom left, bottom right
+    void ShowBackground(const std::array<std::int32_t, 4>& colors);
+    void ShowPointSize(float pixels);
+    void ShowObject(int index, bool visible);
+    void ColorObject(int index, std::int32_t packed);
+    void DeleteObject(int index);
+    /// For the imports to come.
+    void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    // ---- MainWindow.cpp
+    void MakeCentre();
+    void MakeDocks();
+    void OnViewerReady();
+    void OnViewerRefused(const QString& reason);
+    void EnableActions();
+    void TellOfShadows();
+    [[nodiscard]] bool HaveObjects() const;
+
+    // ---- MainWindowImport.cpp
+    void StartImport(const std::vector<std::string>& files);
+    void OnImportFinished();
+    void ReportResults();
+    void ListNewObjects();
+
+    // ---- MainWindowMenus.cpp
+    void MakeMenus();
+    void MakeFileMenu();
+    void MakeViewMenu();
+    void MakeImportMenu();
+    void AddModeActions(QMenu& menu, const char* const* names, int count, int checked, Qt::KeyboardModifier modifier,
+                        const std::function<void(int)>& choose);
+    void AskForFiles();
+    void AskForBackground();
+    void AskForPointSize();
+    void AskForSkip();
+    void AskForConfidence();
+    void AskForScanColor();
+    void RunShortcut(int key);
+
+    HostOptions m_options;  // of the command line, then as the menus changed them
+    std::array<std::int32_t, 4> m_nBackground;
+    float m_fPointSize = 2.0f;
+    QStackedWidget* m_pCentre = nullptr;
+    ViewerWidget* m_pViewer = nullptr;
+    QLabel* m_pRefusal = nullptr;
+    ObjectList* m_pObjects = nullptr;
+    MessagePane* m_pMessages = nullptr;
+    std::vector<QAction*> m_vViewerActions;  // have no sense without a viewer
+    std::vector<QAction*> m_vIdleActions;    // must wait for the end of an import
+    ImportJob* m_pJob = nullptr;             // the import that runs
+    std::unique_ptr<QProgressDialog> m_pProgress;
+    std::vector<std::string> m_vWaitingFiles;
+    std::size_t m_nFilesNotAdded = 0;
+    std::unique_ptr<DebugRouter> m_pRouter;  // goes before the message pane does
+};

@@ -1,0 +1,116 @@
+// Opening files: drops, the job with its progress dialog, and what is told when it is over.
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QProgressDialog>
+#include <QStatusBar>
+#include <QUrl>
+
+#include "ImportJob.h"
+#include "MainWindow.h"
+#include "MessagePane.h"
+#include "ObjectList.h"
+#include "SceneReport.h"
+#include "ViewerWidget.h"
+
+namespace {
+
+/// The files among the URLs, byte by byte as they are on disk: a QString would lose names that are no UTF-8.
+std::vector<std::string> LocalFiles(const QMimeData& data) {
+    std::vector<std::string> files;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile())
+            files.push_back(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).toStdString());
+    }
+    return files;
+}
+
+}  // namespace
+
+void MainWindow::OpenFiles(const std::vector<std::string>& files) {
+    if (files.empty()) return;
+    const bool canStart = Pane() != nullptr && !IsImporting();
+    if (canStart)
+        StartImport(files);
+    else
+        m_vWaitingFiles.insert(m_vWaitingFiles.end(), files.begin(), files.end());
+}
+
+void MainWindow::StartImport(const std::vector<std::string>& files) {
+    m_pJob = new ImportJob(*Pane(), files, m_options.import, this);
+    const auto count = static_cast<int>(files.size());
+    m_pProgress = std::make_unique<QProgressDialog>(tr("Importing scans"), tr("Cancel"), 0, count, this);
+    m_pProgress->setWindowTitle(tr("scenepane"));
+    m_pProgress->setAutoReset(false);
+    // Not modal: a modal dialog would keep the window from being closed during a long import.
+    m_pProgress->setModal(false);
+    connect(m_pJob, &ImportJob::Progress, m_pProgress.get(), &QProgressDialog::setValue);
+    connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
+    connect(m_pJob, &ImportJob::Finished, this, &MainWindow::OnImportFinished);
+    m_pProgress->setValue(0);
+    EnableActions();
+    m_pJob->Start();
+}
+
+void MainWindow::CancelImport() {
+    if (m_pJob == nullptr) return;
+    m_pJob->Cancel();
+    statusBar()->showMessage(tr("Cancelled; the files under way are being finished."));
+}
+
+void MainWindow::OnImportFinished() {
+    ReportResults();
+    m_pJob->deleteLater();
+    m_pJob = nullptr;
+    m_pProgress.release()->deleteLater();  // it may be its own signal that led here
+    if (Pane() != nullptr) {
+        const bool wasEmpty = !HaveObjects();
+        ListNewObjects();
+        if (wasEmpty) FitView(Pane()->Methods(), m_options.zoom);
+        Pane()->Methods().PerformRefresh();
+    }
+    EnableActions();
+    emit ImportFinished();
+    if (m_pJob != nullptr || m_vWaitingFiles.empty() || Pane() == nullptr) return;
+    const std::vector<std::string> files = std::move(m_vWaitingFiles);
+    m_vWaitingFiles.clear();
+    StartImport(files);
+}
+
+void MainWindow::ReportResults() {
+    std::size_t added = 0;
+    const std::vector<ImportResult>& results = m_pJob->Results();
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        const QString file = QString::fromStdString(m_pJob->Files()[i]);
+        const QString text = QString::fromStdString(results[i].text);
+        switch (results[i].state) {
+            case ImportResult::State::Added:
+                ++added;
+                if (!text.isEmpty()) m_pMessages->AddText(file + ": " + text);
+                break;
+            case ImportResult::State::Failed:
+                m_pMessages->AddText(tr("%1: nothing added: %2").arg(file, text));
+                break;
+            case ImportResult::State::NotStarted:
+                m_pMessages->AddText(tr("%1: not opened, cancelled").arg(file));
+                break;
+        }
+    }
+    m_nFilesNotAdded += results.size() - added;
+    statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
+}
+
+void MainWindow::ListNewObjects() {
+    const int count = Pane()->Methods().GetNumObjects();
+    for (int index = m_pObjects->topLevelItemCount(); index < count; ++index)
+        m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index), {}));
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!LocalFiles(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    OpenFiles(LocalFiles(*event->mimeData()));
+    event->acceptProposedAction();
+}

@@ -1,0 +1,149 @@
+// The menus and the small dialogs behind them.
+#include <QActionGroup>
+#include <QApplication>
+#include <QColorDialog>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMenuBar>
+#include <iterator>
+
+#include "BackgroundDialog.h"
+#include "ColorButton.h"
+#include "ImportJob.h"
+#include "MainWindow.h"
+#include "ViewerWidget.h"
+
+namespace {
+
+// In the order of the modes that SetViewMode takes.
+constexpr const char* kViewNames[] = {
+    QT_TRANSLATE_NOOP("MainWindow", "Back (from +Y)"),  QT_TRANSLATE_NOOP("MainWindow", "Front (from -Y)"),
+    QT_TRANSLATE_NOOP("MainWindow", "Right (from +X)"), QT_TRANSLATE_NOOP("MainWindow", "Left (from -X)"),
+    QT_TRANSLATE_NOOP("MainWindow", "Top (from +Z)"),   QT_TRANSLATE_NOOP("MainWindow", "Bottom, X to the right"),
+    QT_TRANSLATE_NOOP("MainWindow", "Oblique"),         QT_TRANSLATE_NOOP("MainWindow", "Bottom (from -Z)"),
+};
+
+// In the order of the render modes.
+constexpr const char* kDrawModeNames[] = {
+    QT_TRANSLATE_NOOP("MainWindow", "Points"),          QT_TRANSLATE_NOOP("MainWindow", "Wireframe"),
+    QT_TRANSLATE_NOOP("MainWindow", "Flat shaded"),     QT_TRANSLATE_NOOP("MainWindow", "Gouraud shaded"),
+    QT_TRANSLATE_NOOP("MainWindow", "Bounding boxes"),  QT_TRANSLATE_NOOP("MainWindow", "Lit per pixel"),
+    QT_TRANSLATE_NOOP("MainWindow", "Background only"), QT_TRANSLATE_NOOP("MainWindow", "Shadow map"),
+};
+
+}  // namespace
+
+void MainWindow::MakeMenus() {
+    MakeFileMenu();
+    MakeViewMenu();
+    MakeImportMenu();
+}
+
+void MainWindow::MakeFileMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&File"));
+    m_vViewerActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
+    m_vIdleActions.push_back(
+        menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::ClearScene));
+    menu->addSeparator();
+    menu->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
+}
+
+void MainWindow::MakeViewMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&View"));
+    for (int mode = 0; mode < static_cast<int>(std::size(kViewNames)); ++mode) {
+        QAction* const action = menu->addAction(tr(kViewNames[mode]), QKeySequence(Qt::Key_0 + mode), this,
+                                                [this, mode] { ShowView(mode); });
+        m_vViewerActions.push_back(action);
+    }
+    const auto add = [&](const QString& text, const QKeySequence& keys, auto run) {
+        QAction* const action = menu->addAction(text, keys, this, run);
+        m_vViewerActions.push_back(action);
+        return action;
+    };
+    menu->addSeparator();
+    add(tr("&Centre"), QKeySequence(Qt::Key_C), [this] { FitView(Pane()->Methods(), 1.0f); });
+    menu->addSeparator();
+    AddModeActions(*menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames), m_options.drawMode,
+                   Qt::ControlModifier, [this](int mode) { ShowDrawMode(mode); });
+    QAction* const shadows = add(tr("&Shadows"), QKeySequence(Qt::Key_S), [] {});
+    shadows->setCheckable(true);
+    shadows->setChecked(m_options.shadows);
+    connect(shadows, &QAction::toggled, this, &MainWindow::ShowShadows);
+    menu->addSeparator();
+    add(tr("&Background colours..."), {}, [this] { AskForBackground(); });
+    add(tr("&Point size..."), {}, [this] { AskForPointSize(); });
+}
+
+void MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
+                                Qt::KeyboardModifier modifier, const std::function<void(int)>& choose) {
+    auto* const group = new QActionGroup(this);
+    for (int mode = 0; mode < count; ++mode) {
+        QAction* const action =
+            menu.addAction(tr(names[mode]), QKeySequence(modifier | static_cast<Qt::Key>(Qt::Key_0 + mode)), this,
+                           [choose, mode] { choose(mode); });
+        action->setCheckable(true);
+        action->setChecked(mode == checked);
+        group->addAction(action);
+        m_vViewerActions.push_back(action);
+    }
+}
+
+void MainWindow::MakeImportMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&Import"));
+    menu->addAction(tr("&Skip value..."), this, &MainWindow::AskForSkip);
+    menu->addAction(tr("&Confidence limit..."), this, &MainWindow::AskForConfidence);
+    menu->addAction(tr("Scan c&olour..."), this, &MainWindow::AskForScanColor);
+}
+
+void MainWindow::AskForFiles() {
+    const QStringList names =
+        QFileDialog::getOpenFileNames(this, tr("Open scans"), {}, tr("Scans (*.pcm *.pax *.xdt);;All files (*)"));
+    std::vector<std::string> files;
+    for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
+    OpenFiles(files);
+}
+
+void MainWindow::AskForBackground() {
+    BackgroundDialog dialog(m_nBackground, this);
+    if (dialog.exec() == QDialog::Accepted) ShowBackground(dialog.Colors());
+}
+
+void MainWindow::AskForPointSize() {
+    bool accepted = false;
+    const double size = QInputDialog::getDouble(this, tr("Point size"), tr("Size of a point in pixels:"),
+                                                static_cast<double>(m_fPointSize), 0.5, 64.0, 1, &accepted);
+    if (accepted) ShowPointSize(static_cast<float>(size));
+}
+
+void MainWindow::AskForSkip() {
+    bool accepted = false;
+    const int skip = QInputDialog::getInt(this, tr("Skip value"), tr("Keep every N-th grid point, N:"),
+                                          m_options.import.skip, 1, 32767, 1, &accepted);
+    if (accepted) m_options.import.skip = static_cast<std::int16_t>(skip);
+}
+
+void MainWindow::AskForConfidence() {
+    bool accepted = false;
+    const double limit =
+        QInputDialog::getDouble(this, tr("Confidence limit"), tr("Leave out points of a lower confidence than:"),
+                                static_cast<double>(m_options.import.confidence), -1e9, 1e9, 4, &accepted);
+    if (accepted) m_options.import.confidence = static_cast<float>(limit);
+}
+
+void MainWindow::AskForScanColor() {
+    const QColor color = QColorDialog::getColor(ColorFromPacked(m_options.import.color), this, tr("Scan colour"));
+    if (color.isValid()) m_options.import.color = PackedFromColor(color);
+}
+
+void MainWindow::RunShortcut(int key) {
+    // Keys that go down over the viewer go to its window alone. Digits and letters have the same codes in Qt.
+    const bool plain = (key >= '0' && key <= '9') || (key >= 'A' && key <= 'Z');
+    if (!plain || QApplication::activeModalWidget() != nullptr) return;
+    const QKeySequence pressed(QKeyCombination(QGuiApplication::queryKeyboardModifiers(), static_cast<Qt::Key>(key)));
+    for (QAction* const action : findChildren<QAction*>()) {
+        if (action->shortcut() == pressed) {
+            action->trigger();
+            return;
+        }
+    }
+}

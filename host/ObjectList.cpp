@@ -1,0 +1,68 @@
+// One row an object: check mark and name, colour button, counts, box.
+#include "ObjectList.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QKeySequence>
+
+#include "ColorButton.h"
+#include "KV_ScenePane/PathText.h"
+
+namespace {
+
+QString FileNameOf(const std::wstring& path) {
+    const std::string bytes = KV_ScenePane::PathBytes(path);
+    return QString::fromStdString(bytes.substr(bytes.rfind('/') + 1));
+}
+
+/// Ranges of x, y and z; four digits tell a user where the object is.
+QString BoxText(const std::array<float, 6>& box) {
+    const auto range = [&](std::size_t i) {
+        return QString("%1 … %2").arg(QString::number(box[i], 'g', 4), QString::number(box[i + 1], 'g', 4));
+    };
+    return QString("x %1, y %2, z %3").arg(range(0), range(2), range(4));
+}
+
+}  // namespace
+
+ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
+    setColumnCount(kColumnCount);
+    setHeaderLabels({tr("Object"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
+        if (column == kName) emit VisibilityWanted(indexOfTopLevelItem(item), item->checkState(kName) == Qt::Checked);
+    });
+    auto* remove = new QAction(tr("&Delete"), this);
+    remove->setShortcut(QKeySequence::Delete);
+    remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(remove, &QAction::triggered, this, &ObjectList::DeleteSelected);
+    addAction(remove);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void ObjectList::AddObject(const ObjectReport& object) {
+    const QSignalBlocker quiet(this);
+    auto* const item = new QTreeWidgetItem(this);
+    item->setText(kName, FileNameOf(object.name));
+    item->setToolTip(kName, QString::fromStdString(KV_ScenePane::PathBytes(object.name)));
+    item->setCheckState(kName, Qt::Checked);
+    item->setText(kVertices, QString::number(object.vertices));
+    item->setText(kTriangles, QString::number(object.triangles));
+    item->setText(kBox, BoxText(object.box));
+    auto* const button = new ColorButton(object.color);
+    if (object.hasVertexColors) button->setToolTip(tr("The scan has colours of its own, which are shown instead"));
+    connect(button, &ColorButton::ColorChosen, this,
+            [this, item](std::int32_t packed) { emit ColorWanted(indexOfTopLevelItem(item), packed); });
+    setItemWidget(item, kColor, button);
+}
+
+void ObjectList::RemoveObject(int index) { delete topLevelItem(index); }
+
+void ObjectList::ShowColor(int index, std::int32_t packed) {
+    static_cast<ColorButton*>(itemWidget(topLevelItem(index), kColor))->SetPacked(packed);
+}
+
+void ObjectList::DeleteSelected() {
+    if (QTreeWidgetItem* const item = currentItem()) emit DeletionWanted(indexOfTopLevelItem(item));
+}

@@ -1,0 +1,28 @@
+// The objects of the scene as a list; a row's place is the object's index.
+#pragma once
+#include <QTreeWidget>
+#include <cstdint>
+
+#include "SceneReport.h"
+
+class ObjectList : public QTreeWidget {
+    Q_OBJECT
+public:
+    enum Column { kName, kColor, kVertices, kTriangles, kBox, kColumnCount };
+
+    explicit ObjectList(QWidget* parent = nullptr);
+
+    void AddObject(const ObjectReport& object);
+    void RemoveObject(int index);
+    /// Shows another colour in the row; emits nothing.
+    void ShowColor(int index, std::int32_t packed);
+
+signals:
+    // The user's wishes; the list itself changes nothing but the check mark.
+    void VisibilityWanted(int index, bool visible);
+    void ColorWanted(int index, std::int32_t packed);
+    void DeletionWanted(int index);
+
+private:
+    void DeleteSelected();
+};

@@ -1,0 +1,140 @@
+// Text and JSON of a scene. Numbers go through std::to_chars: the process's locale has no say.
+#include "SceneReport.h"
+
+#include <charconv>
+#include <cmath>
+#include <span>
+#include <utility>
+
+#include "KV_ScenePane/PathText.h"
+
+namespace {
+
+std::string HexText(std::uint32_t value, int digits) {
+    std::string text;
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += "0123456789abcdef"[(value >> shift) & 0xF];
+    return text;
+}
+
+std::string JsonString(std::wstring_view text) {
+    std::string json = "\"";
+    for (const wchar_t character : text) {
+        const auto c = static_cast<std::uint32_t>(character);
+        if (c == '"' || c == '\\') {
+            json += '\\';
+            json += static_cast<char>(c);
+        } else if (c == '\n') {
+            json += "\\n";
+        } else if (c < 0x20 || c == 0x7F || (c >= 0xD800 && c <= 0xDFFF)) {
+            json += "\\u" + HexText(c, 4);
+        } else {
+            json += KV_ScenePane::PathBytes({&character, 1});
+        }
+    }
+    return json + '"';
+}
+
+std::string JsonString(std::string_view bytes) { return JsonString(KV_ScenePane::WidePath(bytes)); }
+
+std::string JsonNumber(float value) { return std::isfinite(value) ? NumberText(value) : "null"; }
+
+std::string JsonNumbers(std::span<const float> values) {
+    std::string json = "[";
+    for (const float value : values) json += (json.size() > 1 ? ", " : "") + JsonNumber(value);
+    return json + ']';
+}
+
+std::string JsonObject(const ObjectReport& object) {
+    return "{\"file\": " + JsonString(object.file) + ", \"index\": " + std::to_string(object.index) +
+           ", \"name\": " + JsonString(object.name) + ", \"vertices\": " + std::to_string(object.vertices) +
+           ", \"triangles\": " + std::to_string(object.triangles) + ", \"box\": " + JsonNumbers(object.box) +
+           ", \"center\": " + JsonNumbers(object.center) + ", \"color\": \"" + ColorText(object.color) +
+           "\", \"hasVertexColors\": " + (object.hasVertexColors ? "true" : "false") +
+           ", \"transform\": " + JsonNumbers(object.transform) + '}';
+}
+
+/// The elements of a JSON array, one a line.
+template <class Element, class ToJson>
+std::string JsonLines(const std::vector<Element>& elements, ToJson toJson) {
+    std::string json = "[";
+    for (const Element& element : elements) json += (json.size() > 1 ? ",\n  " : "\n  ") + toJson(element);
+    return json + (elements.empty() ? "]" : "\n]");
+}
+
+std::string TextObject(const ObjectReport& object) {
+    const auto numbers = [](std::span<const float> values) {
+        std::string text;
+        for (const float value : values) text += ' ' + NumberText(value);
+        return text;
+    };
+    std::string text = object.file + '\n';
+    text += "  index          " + std::to_string(object.index) + '\n';
+    text += "  name           " + KV_ScenePane::PathBytes(object.name) + '\n';
+    text += "  vertices       " + std::to_string(object.vertices) + '\n';
+    text += "  triangles      " + std::to_string(object.triangles) + '\n';
+    const std::span box(object.box);
+    text += "  box         x " + numbers(box.subspan(0, 2)) + '\n';
+    text += "              y " + numbers(box.subspan(2, 2)) + '\n';
+    text += "              z " + numbers(box.subspan(4, 2)) + '\n';
+    text += "  center        " + numbers(object.center) + '\n';
+    text += "  color          " + ColorText(object.color) + '\n';
+    text += std::string("  vertex colors  ") + (object.hasVertexColors ? "yes" : "no") + '\n';
+    const std::span transform(object.transform);
+    for (std::size_t row = 0; row < 4; ++row)
+        text += (row == 0 ? "  transform     " : "                ") + numbers(transform.subspan(4 * row, 4)) + '\n';
+    return text;
+}
+
+}  // namespace
+
+ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file) {
+    ObjectReport object;
+    object.file = std::move(file);
+    object.index = index;
+    KV_ScenePane::ObjectInfo info;
+    if (pane.GetObjectInfo(index, &info)) {
+        object.name = info.name;
+        object.hasVertexColors = info.hasVertexColors;
+    }
+    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
+    methods.GetMeshDataSize(index, &object.vertices, &object.triangles);
+    auto& box = object.box;
+    methods.GetObjectBoundingBox(index, &box[0], &box[1], &box[2], &box[3], &box[4], &box[5]);
+    methods.GetObjectCenter(index, &object.center[0], &object.center[1], &object.center[2]);
+    object.color = methods.GetObjectColor(index);
+    auto& t = object.transform;
+    methods.GetTrafoOfScan(index, &t[0], &t[1], &t[2], &t[3], &t[4], &t[5], &t[6], &t[7], &t[8], &t[9], &t[10], &t[11],
+                           &t[12], &t[13], &t[14], &t[15]);
+    return object;
+}
+
+std::string ReportText(const SceneReport& report) {
+    std::string text;
+    for (const ObjectReport& object : report.objects) text += TextObject(object);
+    for (const FailedFile& failed : report.failed) text += failed.file + "\n  nothing added: " + failed.reason + '\n';
+    return text;
+}
+
+std::string ReportJson(const SceneReport& report) {
+    const auto failure = [](const FailedFile& failed) {
+        return "{\"file\": " + JsonString(failed.file) + ", \"reason\": " + JsonString(failed.reason) + '}';
+    };
+    return "{\"objects\": " + JsonLines(report.objects, JsonObject) +
+           ",\n\"failed\": " + JsonLines(report.failed, failure) + "}\n";
+}
+
+std::string ColorText(std::int32_t color) {
+    const auto c = static_cast<std::uint32_t>(color);
+    const std::uint32_t rgb = ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
+    std::string text = HexText(rgb, 6);
+    for (char& digit : text) {
+        if (digit >= 'a') digit = static_cast<char>(digit - 'a' + 'A');
+    }
+    return text;
+}
+
+std::string NumberText(float value) {
+    char digits[32];
+    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    return {digits, result.ptr};
+}

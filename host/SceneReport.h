@@ -1,0 +1,47 @@
+// What --info prints: the objects of a scene as text and as JSON.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KV_ScenePane/ScenePane.h"
+
+/// One object of the scene with what the viewer tells of it.
+struct ObjectReport {
+    std::string file;   ///< as typed, bytes
+    int index = 0;      ///< place in the viewer's list
+    std::wstring name;  ///< as the viewer holds it
+    std::int32_t vertices = 0, triangles = 0;
+    std::array<float, 6> box{};  ///< min x, max x, min y, max y, min z, max z
+    std::array<float, 3> center{};
+    std::int32_t color = 0;  ///< 0x00BBGGRR
+    bool hasVertexColors = false;
+    std::array<float, 16> transform{};  ///< row by row
+};
+
+/// A file that added no object.
+struct FailedFile {
+    std::string file;    ///< as typed, bytes
+    std::string reason;  ///< one line
+};
+
+struct SceneReport {
+    std::vector<ObjectReport> objects;
+    std::vector<FailedFile> failed;
+};
+
+/// Asks the viewer for one object. @param index  must be in its list
+[[nodiscard]] ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file);
+
+/// Readable text; ends with a line feed when there is any object or failure.
+[[nodiscard]] std::string ReportText(const SceneReport& report);
+/// One JSON object in UTF-8, ends with a line feed. Numbers have as many digits as tell them apart from all other
+/// floats; NaN and infinity are null. Bytes of names that are no UTF-8 become lone surrogates \udc80 to \udcff.
+[[nodiscard]] std::string ReportJson(const SceneReport& report);
+
+/// A packed colour 0x00BBGGRR as RRGGBB.
+[[nodiscard]] std::string ColorText(std::int32_t color);
+/// The shortest text that reads back as the same float, whatever the locale.
+[[nodiscard]] std::string NumberText(float value);

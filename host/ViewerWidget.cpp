@@ -1,0 +1,98 @@
+// What embedding takes: a native widget, the viewer as child of its window, one descriptor watched, sizes handed on.
+#include "ViewerWidget.h"
+
+#include <QEvent>
+#include <QMessageBox>
+#include <QSocketNotifier>
+#include <algorithm>
+#include <cmath>
+
+ViewerWidget::ViewerWidget(QSize wantedSize, QWidget* parent) : QWidget(parent), m_wantedSize(wantedSize) {
+    setAttribute(Qt::WA_NativeWindow);
+    setAttribute(Qt::WA_DontCreateNativeAncestors);
+    setAttribute(Qt::WA_PaintOnScreen);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(64, 64);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+ViewerWidget::~ViewerWidget() { Close(); }
+
+QSize ViewerWidget::sizeHint() const { return (QSizeF(m_wantedSize) / devicePixelRatioF()).toSize(); }
+
+bool ViewerWidget::event(QEvent* event) {
+    if (event->type() == QEvent::WinIdChange || event->type() == QEvent::ParentChange) FollowWindow();
+    return QWidget::event(event);
+}
+
+void ViewerWidget::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!m_bOpened) Open();
+}
+
+void ViewerWidget::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (!m_pPane) return;
+    const QSize size = DeviceSize();
+    m_pPane->Methods().SetSize(static_cast<std::int16_t>(size.width()), static_cast<std::int16_t>(size.height()));
+    m_pPane->Methods().PerformInvalidate();
+}
+
+void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t, std::int32_t) { emit KeyPressed(nChar); }
+
+void ViewerWidget::Open() {
+    m_bOpened = true;
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::Child;
+    request.parent = winId();
+    request.width = DeviceSize().width();
+    request.height = DeviceSize().height();
+    request.showMessage = [this](const std::string& text) { ShowMessage(text); };
+    std::string reason;
+    m_pPane = CreateScenePane(request, &reason);
+    if (!m_pPane) {
+        emit Refused(QString::fromStdString(reason.empty() ? m_strMessages : reason));
+        return;
+    }
+    m_pPane->Connect(this);
+    m_pNotifier = std::make_unique<QSocketNotifier>(m_pPane->EventDescriptor(), QSocketNotifier::Read);
+    connect(m_pNotifier.get(), &QSocketNotifier::activated, this, &ViewerWidget::HandleEvents);
+    emit Ready();
+}
+
+void ViewerWidget::Close() {
+    m_pNotifier.reset();
+    if (m_pPane) m_pPane->Connect(nullptr);
+    m_pPane.reset();
+}
+
+void ViewerWidget::HandleEvents() {
+    m_pPane->ProcessEvents();
+    if (m_pPane->HasWindow()) return;
+    Close();
+    emit Refused(tr("The viewer has lost its window."));
+}
+
+void ViewerWidget::FollowWindow() {
+    // Qt may have made another native window for the widget; the viewer moves over.
+    if (!m_pPane || internalWinId() == 0 || m_pPane->Reparent(internalWinId(), 0, 0)) return;
+    Close();
+    emit Refused(tr("The viewer could not follow the widget into its new window."));
+}
+
+void ViewerWidget::ShowMessage(const std::string& text) {
+    if (m_pPane) {
+        QMessageBox::warning(this, tr("KV_ScenePane"), QString::fromStdString(text));
+    } else {
+        m_strMessages += text;
+    }
+}
+
+QSize ViewerWidget::DeviceSize() const {
+    const auto pixels = [this](int length) {
+        const auto scaled = static_cast<int>(std::lround(length * devicePixelRatioF()));
+        return std::clamp(scaled, 1, 32767);
+    };
+    return {pixels(width()), pixels(height())};
+}

@@ -1,0 +1,51 @@
+// The viewer inside a Qt widget: its window is a child of the widget's own native window.
+#pragma once
+#include <QWidget>
+#include <memory>
+#include <string>
+
+#include "KV_ScenePane/ScenePane.h"
+
+class QSocketNotifier;
+
+class ViewerWidget : public QWidget, private KV_ScenePane::_DKV_ScenePaneEvents {
+    Q_OBJECT
+public:
+    /// @param wantedSize  of the drawing area, in pixels of the device
+    explicit ViewerWidget(QSize wantedSize, QWidget* parent = nullptr);
+    ~ViewerWidget() override;
+
+    /// Null before the widget was shown for the first time, and when the viewer was refused or lost its window.
+    [[nodiscard]] KV_ScenePane::ScenePane* Pane() const { return m_pPane.get(); }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    /// There is nothing that Qt could paint: the viewer covers the widget.
+    [[nodiscard]] QPaintEngine* paintEngine() const override { return nullptr; }
+
+signals:
+    void Ready();
+    /// There is no viewer, or not any more.
+    void Refused(const QString& reason);
+    /// A key went down while the viewer had it; a virtual key code.
+    void KeyPressed(int key);
+
+protected:
+    bool event(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
+    void Open();
+    void Close();
+    void HandleEvents();
+    void FollowWindow();
+    void ShowMessage(const std::string& text);
+    [[nodiscard]] QSize DeviceSize() const;
+
+    const QSize m_wantedSize;
+    bool m_bOpened = false;     // one attempt only: what was refused once will be refused again
+    std::string m_strMessages;  // shown by the viewer while it is made; they say why it was refused
+    std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
+    std::unique_ptr<QSocketNotifier> m_pNotifier;
+};

@@ -1,0 +1,32 @@
+// The scenepane program: decides between the window and the runs without one.
+#include <cstdio>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "CommandLine.h"
+#include "Headless.h"
+#include "WindowRun.h"
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    const auto parsed = ParseCommandLine(arguments);
+    if (const auto* error = std::get_if<UsageError>(&parsed)) {
+        (void)PrintTo(stderr, "scenepane: " + error->text + " (scenepane --help tells more)\n");
+        return kExitWrongUsage;
+    }
+    const HostOptions& options = std::get<HostOptions>(parsed);
+    switch (options.action) {
+        case HostAction::Help:
+            return PrintTo(stdout, HelpText()) ? kExitGood : kExitFailure;
+        case HostAction::Version:
+            return PrintTo(stdout, VersionText()) ? kExitGood : kExitFailure;
+        case HostAction::Screenshot:
+            return RunScreenshot(options, stderr);
+        case HostAction::Info:
+            return RunInfo(options, stdout, stderr);
+        case HostAction::Window:
+            break;
+    }
+    return RunWindow(options, argv[0]);
+}

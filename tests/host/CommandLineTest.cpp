@@ -1,0 +1,167 @@
+#include "CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <ostream>
+
+namespace {
+
+HostOptions Parsed(const std::vector<std::string>& arguments) {
+    const auto result = ParseCommandLine(arguments);
+    if (const auto* error = std::get_if<UsageError>(&result)) {
+        ADD_FAILURE() << error->text;
+        return {};
+    }
+    return std::get<HostOptions>(result);
+}
+
+std::string Complaint(const std::vector<std::string>& arguments) {
+    const auto result = ParseCommandLine(arguments);
+    const auto* const error = std::get_if<UsageError>(&result);
+    return error == nullptr ? "accepted" : error->text;
+}
+
+TEST(CommandLine, WithoutAnythingOpensAnEmptyWindow) {
+    const HostOptions options = Parsed({});
+    EXPECT_EQ(options.action, HostAction::Window);
+    EXPECT_TRUE(options.files.empty());
+    EXPECT_EQ(options.import.skip, 1);
+    EXPECT_EQ(options.import.confidence, 0.0f);
+    EXPECT_EQ(options.zoom, 1.0f);
+    EXPECT_EQ(options.drawMode, 3);
+    EXPECT_FALSE(options.shadows);
+}
+
+TEST(CommandLine, TakesEveryOptionOfAScreenshot) {
+    const HostOptions options =
+        Parsed({"--screenshot", "out.png", "--size", "333x777", "--view", "6", "--draw-mode", "5", "--zoom", "2.5",
+                "--skip", "3", "--confidence", "0.25", "--color", "102030", "--shadows", "a.pcm", "b.pax"});
+    EXPECT_EQ(options.action, HostAction::Screenshot);
+    EXPECT_EQ(options.screenshotPath, "out.png");
+    EXPECT_EQ(options.width, 333);
+    EXPECT_EQ(options.height, 777);
+    EXPECT_EQ(options.view, 6);
+    EXPECT_EQ(options.drawMode, 5);
+    EXPECT_EQ(options.zoom, 2.5f);
+    EXPECT_EQ(options.import.skip, 3);
+    EXPECT_EQ(options.import.confidence, 0.25f);
+    EXPECT_TRUE(options.shadows);
+    EXPECT_EQ(options.files, (std::vector<std::string>{"a.pcm", "b.pax"}));
+}
+
+TEST(CommandLine, TurnsRedFirstIntoRedInTheLowByte) {
+    EXPECT_EQ(Parsed({"--color", "FF8001"}).import.color, 0x0180FF);
+    EXPECT_EQ(Parsed({"--color=0a0b0c"}).import.color, 0x0C0B0A);
+}
+
+TEST(CommandLine, TakesValuesBehindAnEqualsSignToo) {
+    const HostOptions options = Parsed({"--screenshot=a=b.png", "--size=1x16384", "--confidence=-1e-3", "x.xdt"});
+    EXPECT_EQ(options.screenshotPath, "a=b.png");
+    EXPECT_EQ(options.width, 1);
+    EXPECT_EQ(options.height, 16384);
+    EXPECT_EQ(options.import.confidence, -1e-3f);
+}
+
+TEST(CommandLine, TakesFilesAfterTwoDashesWhateverTheyLookLike) {
+    const HostOptions options = Parsed({"--info", "a.pcm", "--", "--json", "-x", "--"});
+    EXPECT_FALSE(options.json);
+    EXPECT_EQ(options.files, (std::vector<std::string>{"a.pcm", "--json", "-x", "--"}));
+}
+
+TEST(CommandLine, TakesOptionsBehindFiles) {
+    const HostOptions options = Parsed({"a.pcm", "--info", "b.pcm", "--json"});
+    EXPECT_EQ(options.action, HostAction::Info);
+    EXPECT_TRUE(options.json);
+    EXPECT_EQ(options.files.size(), 2u);
+}
+
+TEST(CommandLine, LetsHelpAndVersionStandAlone) {
+    EXPECT_EQ(Parsed({"--help"}).action, HostAction::Help);
+    EXPECT_EQ(Parsed({"--version", "--unknown"}).action, HostAction::Version);
+    EXPECT_EQ(VersionText(), "scenepane 5.5.0\n");
+}
+
+TEST(CommandLine, KeepsBytesOfFileNamesThatAreNoUtf8) {
+    EXPECT_EQ(Parsed({"\xff\x80.pcm"}).files, (std::vector<std::string>{"\xff\x80.pcm"}));
+}
+
+TEST(CommandLine, ReadsNumbersWithAPointWhateverTheLocale) {
+    for (const char* const name : {"de_DE.UTF-8", "C.UTF-8"}) std::setlocale(LC_ALL, name);
+    EXPECT_EQ(Parsed({"--zoom", "1.5"}).zoom, 1.5f);
+    EXPECT_EQ(Complaint({"--zoom", "1,5"}), "--zoom takes a number from 0.1 to 10, not \"1,5\"");
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST(CommandLine, ListsEveryOptionInTheHelp) {
+    for (const char* const option : {"--screenshot", "--size", "--view", "--draw-mode", "--zoom", "--skip",
+                                     "--confidence", "--color", "--shadows", "--info", "--json", "--help", "--version"})
+        EXPECT_NE(HelpText().find(option), std::string::npos) << option;
+}
+
+struct Limit {
+    const char* name;
+    std::vector<std::string> inside, outside;
+    const char* option;
+};
+void PrintTo(const Limit& row, std::ostream* out) { *out << row.name; }
+
+const Limit kLimits[] = {
+    {"Size",
+     {"1x1", "16384x1", "1x16384"},
+     {"0x1", "1x0", "16385x1", "1x16385", "12", "1x", "x1", "1X1", "1x1x1", " 1x1", "-1x5", ""},
+     "--size"},
+    {"View", {"0", "7"}, {"-1", "8", "1.0", "+1", "0x1", "", "7 "}, "--view"},
+    {"DrawMode", {"0", "7"}, {"-1", "8", "three"}, "--draw-mode"},
+    {"Zoom", {"0.1", "10", "1e0"}, {"0.0999", "10.001", "nan", "inf", "-1", "", "2x"}, "--zoom"},
+    {"Skip", {"1", "32767"}, {"0", "-1", "32768", "99999999999999", "2.5"}, "--skip"},
+    {"Confidence", {"0", "-5", "1e30", ".5"}, {"nan", "inf", "-inf", "1e99", "high", ""}, "--confidence"},
+    {"Color",
+     {"000000", "ffffff", "FFFFFF"},
+     {"12345", "1234567", "00000g", "-12345", "+12345", "0x1234", "#12345", ""},
+     "--color"},
+};
+class CommandLineLimits : public testing::TestWithParam<Limit> {};
+
+TEST_P(CommandLineLimits, TakeWhatIsInsideAndNothingElse) {
+    for (const std::string& value : GetParam().inside) EXPECT_EQ(Complaint({GetParam().option, value}), "accepted");
+    for (const std::string& value : GetParam().outside) {
+        const std::string start = std::string(GetParam().option) + " takes ";
+        EXPECT_EQ(Complaint({GetParam().option, value}).substr(0, start.size()), start) << '"' << value << '"';
+    }
+}
+INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineLimits, testing::ValuesIn(kLimits),
+                         [](const auto& row) { return row.param.name; });
+
+struct Wrong {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* complaint;
+};
+void PrintTo(const Wrong& row, std::ostream* out) { *out << row.name; }
+
+const Wrong kWrong[] = {
+    {"UnknownOption", {"--skipp", "3"}, "unknown option --skipp"},
+    {"UnknownOptionWithValue", {"--skipp=3"}, "unknown option --skipp=3"},
+    {"SingleDash", {"-v"}, "unknown option -v"},
+    {"DashAlone", {"-"}, "unknown option -"},
+    {"ValueMissing", {"a.pcm", "--zoom"}, "--zoom needs a value: a number from 0.1 to 10"},
+    {"ValueForASwitch", {"--json=yes"}, "--json takes no value"},
+    {"ValueForHelp", {"--help=me"}, "--help takes no value"},
+    {"EmptyFileName", {""}, "a file name is empty"},
+    {"EmptyFileNameBehindTwoDashes", {"--", ""}, "a file name is empty"},
+    {"ScreenshotWithoutFile", {"--screenshot", "a.png"}, "--screenshot needs at least one file"},
+    {"ScreenshotWithoutName", {"--screenshot=", "a.pcm"}, "--screenshot takes a file name, not \"\""},
+    {"InfoWithoutFile", {"--info"}, "--info needs at least one file"},
+    {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info only"},
+    {"InfoAndScreenshot", {"--info", "--screenshot", "a.png", "a.pcm"}, "--info and --screenshot do not go together"},
+    {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
+    {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
+};
+class CommandLineRejects : public testing::TestWithParam<Wrong> {};
+
+TEST_P(CommandLineRejects, AndSaysWhy) { EXPECT_EQ(Complaint(GetParam().arguments), GetParam().complaint); }
+INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineRejects, testing::ValuesIn(kWrong),
+                         [](const auto& row) { return row.param.name; });
+
+}  // namespace

@@ -1,0 +1,130 @@
+#include "PcmWorkers.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <set>
+
+#include "KV_ScenePane/PathText.h"
+#include "host/ScanFiles.h"
+
+namespace {
+
+/// Stands for the viewer: remembers what its entry was called with, and holds the calls back while it is shut.
+struct Receiver {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::set<std::pair<std::int32_t, std::string>> taken;  // index and name
+    float firstPoint[3] = {0, 0, 0};
+    std::uint32_t color = 0;
+    bool shut = false;
+    std::int32_t refused = -1;  // index that makes no object
+
+    void Open() {
+        const std::scoped_lock lock(mutex);
+        shut = false;
+        changed.notify_all();
+    }
+};
+
+bool Entry(void* control, const wchar_t* name, std::int32_t width, std::int32_t height, const float* points,
+           const float* confidence, const float* trafo, const std::uint8_t* classification, const std::uint32_t* colors,
+           std::uint32_t color, std::int32_t index) {
+    auto& receiver = *static_cast<Receiver*>(control);
+    std::unique_lock lock(receiver.mutex);
+    receiver.taken.emplace(index, KV_ScenePane::PathBytes(name));
+    receiver.changed.notify_all();
+    receiver.changed.wait(lock, [&] { return !receiver.shut; });
+    EXPECT_EQ(width, 3);
+    EXPECT_EQ(height, 2);
+    EXPECT_EQ(confidence[5], 1.0f);
+    EXPECT_EQ(classification[5], 0);
+    EXPECT_EQ(trafo[15], 1.0f);
+    EXPECT_EQ(colors, nullptr);
+    if (index == 0) std::copy_n(points + 15, 3, receiver.firstPoint);
+    receiver.color = color;
+    return index != receiver.refused;
+}
+
+PcmWorkers::Task TaskFor(Receiver& receiver, const ScratchFolder& folder, int files) {
+    PcmWorkers::Task task{&receiver, Entry, {}, 0x112233};
+    for (int i = 0; i < files; ++i) {
+        task.files.push_back(folder / (std::to_string(i) + ".pcm"));
+        WritePcm(task.files.back(), 3, 2, 7.0f);
+    }
+    return task;
+}
+
+void IgnoreProgress() {}
+
+TEST(PcmWorkers, HandEveryFileOnceToTheEntryWithItsPlaceInTheList) {
+    const ScratchFolder folder;
+    Receiver receiver;
+    std::atomic<int> calls = 0;
+    PcmWorkers workers(TaskFor(receiver, folder, 20), 4, [&] { ++calls; });
+    const auto& results = workers.Join();
+    ASSERT_EQ(results.size(), 20u);
+    for (const ImportResult& result : results) EXPECT_EQ(result.state, ImportResult::State::Added) << result.text;
+    ASSERT_EQ(receiver.taken.size(), 20u);
+    for (const auto& [index, name] : receiver.taken) EXPECT_EQ(name, folder / (std::to_string(index) + ".pcm"));
+    EXPECT_EQ(receiver.color, 0x112233u);
+    EXPECT_EQ(receiver.firstPoint[0], 2000.0f);  // column 2, row 1, height 7, in file units
+    EXPECT_EQ(receiver.firstPoint[1], 1000.0f);
+    EXPECT_EQ(receiver.firstPoint[2], 7000.0f);
+    EXPECT_EQ(calls, 21) << "one a file, one for the end";
+    EXPECT_EQ(workers.FinishedFiles(), 20u);
+    EXPECT_TRUE(workers.IsDone());
+}
+
+TEST(PcmWorkers, TellMissingDamagedAndRefusedFilesFromGoodOnes) {
+    const ScratchFolder folder;
+    Receiver receiver;
+    receiver.refused = 3;
+    PcmWorkers::Task task = TaskFor(receiver, folder, 4);
+    ASSERT_EQ(unlink(task.files[1].c_str()), 0);
+    std::vector<std::byte> damaged = ReadBytes(task.files[2]);
+    damaged.resize(damaged.size() / 2);
+    WriteBytes(task.files[2], damaged);
+    PcmWorkers workers(task, 2, IgnoreProgress);
+    const auto& results = workers.Join();
+    EXPECT_EQ(results[0].state, ImportResult::State::Added);
+    EXPECT_EQ(results[1].state, ImportResult::State::Failed);
+    EXPECT_EQ(results[1].text, "No such file or directory");
+    EXPECT_EQ(results[2].state, ImportResult::State::Failed);
+    EXPECT_EQ(results[2].text, "not a pcm file, or a damaged one");
+    EXPECT_EQ(results[3].state, ImportResult::State::Failed);
+    EXPECT_EQ(results[3].text, "nothing in it could be imported");
+}
+
+TEST(PcmWorkers, AfterACancelFinishWhatIsUnderWayAndBeginNothingMore) {
+    const ScratchFolder folder;
+    Receiver receiver;
+    receiver.shut = true;
+    PcmWorkers workers(TaskFor(receiver, folder, 6), 2, IgnoreProgress);
+    {
+        std::unique_lock lock(receiver.mutex);
+        receiver.changed.wait(lock, [&] { return receiver.taken.size() == 2; });
+    }
+    EXPECT_FALSE(workers.IsDone());
+    workers.Cancel();
+    receiver.Open();
+    const auto& results = workers.Join();
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_EQ(results[i].state, i < 2 ? ImportResult::State::Added : ImportResult::State::NotStarted) << i;
+}
+
+TEST(PcmWorkers, WithoutFilesAreDoneAtOnce) {
+    PcmWorkers workers({}, 4, IgnoreProgress);
+    EXPECT_TRUE(workers.Join().empty());
+    EXPECT_TRUE(workers.IsDone());
+}
+
+TEST(PcmWorkers, WithNoThreadsAskedForUseOne) {
+    const ScratchFolder folder;
+    Receiver receiver;
+    PcmWorkers workers(TaskFor(receiver, folder, 2), 0, IgnoreProgress);
+    EXPECT_EQ(workers.Join()[1].state, ImportResult::State::Added);
+}
+
+}  // namespace

@@ -1,0 +1,69 @@
+// Small scan files for the tests of the host: a flat grid, one unit from point to point, in the scene's units.
+#pragma once
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "MSRDLL/PcmFile.h"
+#include "libs/ScratchFolder.h"
+
+/// The points (column, row, height) of a flat grid, times @p scale.
+inline std::vector<float> FlatGrid(int columns, int rows, float height, float scale) {
+    std::vector<float> points;
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            for (const float value : {static_cast<float>(column), static_cast<float>(row), height})
+                points.push_back(value * scale);
+        }
+    }
+    return points;
+}
+
+inline void AppendBytes(std::vector<std::byte>& bytes, const void* data, std::size_t size) {
+    const auto* const begin = static_cast<const std::byte*>(data);
+    bytes.insert(bytes.end(), begin, begin + size);
+}
+
+inline void AppendSize(std::vector<std::byte>& bytes, int columns, int rows) {
+    for (const int side : {columns, rows}) {
+        const auto word = static_cast<std::int16_t>(side);
+        AppendBytes(bytes, &word, sizeof word);
+    }
+}
+
+inline void WritePax(const std::string& path, int columns, int rows, float height = 0.0f) {
+    std::vector<std::byte> bytes;
+    AppendSize(bytes, columns, rows);
+    const std::vector<float> points = FlatGrid(columns, rows, height, 1.0f);
+    const std::vector<float> confidence(points.size() / 3, 1.0f);
+    const float trafo[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    AppendBytes(bytes, points.data(), points.size() * sizeof(float));
+    AppendBytes(bytes, confidence.data(), confidence.size() * sizeof(float));
+    AppendBytes(bytes, trafo, sizeof trafo);
+    WriteBytes(path, bytes);
+}
+
+inline void WriteXdt(const std::string& path, int columns, int rows, float height = 0.0f) {
+    std::vector<std::byte> bytes;
+    AppendSize(bytes, columns, rows);
+    const std::vector<float> points = FlatGrid(columns, rows, height, 1000.0f);
+    AppendBytes(bytes, points.data(), points.size() * sizeof(float));
+    WriteBytes(path, bytes);
+}
+
+/// @param confidence  of every pixel
+inline void WritePcm(const std::string& path, int columns, int rows, float height = 0.0f, float confidence = 1.0f) {
+    const std::vector<float> points = FlatGrid(columns, rows, height, 1000.0f);
+    const std::vector<float> confidences(points.size() / 3, confidence);
+    const std::vector<std::uint8_t> classes(points.size() / 3, 0);
+    const float trafo[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    MsrStorage::PcmView view;
+    view.m_iWidth = columns;
+    view.m_iHeight = rows;
+    view.m_pPoints = points.data();
+    view.m_pConfidence = confidences.data();
+    view.m_pClassification = classes.data();
+    view.m_pTrafo = trafo;
+    MsrStorage::WritePcmFile(path, view);
+}

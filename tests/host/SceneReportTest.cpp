@@ -1,0 +1,107 @@
+#include "SceneReport.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cmath>
+#include <limits>
+
+#include "KV_ScenePane/PathText.h"
+
+namespace {
+
+ObjectReport Sample() {
+    ObjectReport object;
+    object.file = "dir/a.pcm";
+    object.index = 1;
+    object.name = L"dir/a.pcm";
+    object.vertices = 12;
+    object.triangles = 6;
+    object.box = {-1.5f, 2, 0, 0.1f, -0.0f, 1e20f};
+    object.center = {0.25f, 0.05f, 16777216};
+    object.color = 0x030AFF;
+    object.hasVertexColors = true;
+    object.transform = {1, 0, 0, 10, 0, 1, 0, 20, 0, 0, 1, 30, 0, 0, 0, 1};
+    return object;
+}
+
+TEST(SceneReportJson, HasExactlyTheFieldsThatScriptsRead) {
+    const std::string json = ReportJson({{Sample()}, {{"b.pax", "cut short"}}});
+    EXPECT_EQ(json,
+              "{\"objects\": [\n"
+              "  {\"file\": \"dir/a.pcm\", \"index\": 1, \"name\": \"dir/a.pcm\", \"vertices\": 12, \"triangles\": 6, "
+              "\"box\": [-1.5, 2, 0, 0.1, -0, 1e+20], \"center\": [0.25, 0.05, 16777216], \"color\": \"FF0A03\", "
+              "\"hasVertexColors\": true, \"transform\": [1, 0, 0, 10, 0, 1, 0, 20, 0, 0, 1, 30, 0, 0, 0, 1]}\n"
+              "],\n"
+              "\"failed\": [\n"
+              "  {\"file\": \"b.pax\", \"reason\": \"cut short\"}\n"
+              "]}\n");
+}
+
+TEST(SceneReportJson, OfNothingIsTwoEmptyLists) { EXPECT_EQ(ReportJson({}), "{\"objects\": [],\n\"failed\": []}\n"); }
+
+TEST(SceneReportJson, WritesNumbersThatAreNoneAsNull) {
+    ObjectReport object = Sample();
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    object.center = {std::numeric_limits<float>::quiet_NaN(), inf, -inf};
+    EXPECT_NE(ReportJson({{object}, {}}).find("\"center\": [null, null, null]"), std::string::npos);
+}
+
+TEST(SceneReportJson, EscapesWhatAJsonStringCannotHold) {
+    const std::string json = ReportJson({{}, {{"a\"b\\c\n\t\x7f", "ä€😀"}}});
+    EXPECT_NE(json.find("\"file\": \"a\\\"b\\\\c\\n\\u0009\\u007f\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"reason\": \"ä€😀\""), std::string::npos) << json;
+}
+
+TEST(SceneReportJson, WritesBytesThatAreNoUtf8AsLoneSurrogates) {
+    ObjectReport object = Sample();
+    object.file = "\xff\xc3.pcm";
+    object.name = KV_ScenePane::WidePath(object.file);
+    const std::string json = ReportJson({{object}, {}});
+    EXPECT_NE(json.find("\"file\": \"\\udcff\\udcc3.pcm\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"name\": \"\\udcff\\udcc3.pcm\""), std::string::npos) << json;
+}
+
+TEST(SceneReportText, ShowsObjectsAndFailuresWithTheBytesOfTheirNames) {
+    ObjectReport object = Sample();
+    object.file = "\xff.pcm";
+    const std::string text = ReportText({{object}, {{"b.pax", "cut short"}}});
+    EXPECT_EQ(text,
+              "\xff.pcm\n"
+              "  index          1\n"
+              "  name           dir/a.pcm\n"
+              "  vertices       12\n"
+              "  triangles      6\n"
+              "  box         x  -1.5 2\n"
+              "              y  0 0.1\n"
+              "              z  -0 1e+20\n"
+              "  center         0.25 0.05 16777216\n"
+              "  color          FF0A03\n"
+              "  vertex colors  yes\n"
+              "  transform      1 0 0 10\n"
+              "                 0 1 0 20\n"
+              "                 0 0 1 30\n"
+              "                 0 0 0 1\n"
+              "b.pax\n"
+              "  nothing added: cut short\n");
+}
+
+TEST(SceneReportNumbers, HaveAPointWhateverTheLocale) {
+    for (const char* const name : {"de_DE.UTF-8", "C.UTF-8"}) std::setlocale(LC_ALL, name);
+    EXPECT_EQ(NumberText(1.5f), "1.5");
+    EXPECT_EQ(NumberText(1234567.0f), "1234567");
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST(SceneReportNumbers, ReadBackAsTheSameFloat) {
+    EXPECT_EQ(NumberText(0.1f), "0.1");
+    EXPECT_EQ(NumberText(16777217.0f), "16777216");
+    EXPECT_EQ(NumberText(std::nextafter(0.2f, 1.0f)), "0.20000002");  // 0.2 + 2^-26
+}
+
+TEST(ColorText, PutsRedFirst) {
+    EXPECT_EQ(ColorText(0x0000FF), "FF0000");
+    EXPECT_EQ(ColorText(0xABCD01), "01CDAB");
+}
+
+}  // namespace
