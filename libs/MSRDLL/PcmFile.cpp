@@ -1,0 +1,337 @@
+// Reading of pcm files: header and table first, then each section straight to the place where its values stay. The
+// writing half is PcmFileWrite.cpp.
+#include "MSRDLL/PcmFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+#include "MSRDLL/PcmLayout.h"
+
+namespace MsrStorage {
+namespace {
+
+using namespace PcmLayout;
+
+constexpr std::size_t kBlockSize = 192 * 1024;  // stays in the second-level cache; a multiple of every value's size
+
+/// Where the bytes come from: a file or memory.
+class Source {
+public:
+    virtual ~Source() = default;
+    [[nodiscard]] virtual std::uint64_t Size() const = 0;
+    virtual void Read(std::uint64_t offset, std::byte* to, std::size_t size) const = 0;
+};
+
+class MemorySource final : public Source {
+public:
+    explicit MemorySource(std::span<const std::byte> bytes) : m_bytes(bytes) {}
+    [[nodiscard]] std::uint64_t Size() const override { return m_bytes.size(); }
+    void Read(std::uint64_t offset, std::byte* to, std::size_t size) const override {
+        if (offset > m_bytes.size() || size > m_bytes.size() - offset) throw PcmError("file is cut short");
+        if (size > 0) std::memcpy(to, m_bytes.data() + offset, size);
+    }
+
+private:
+    std::span<const std::byte> m_bytes;
+};
+
+class FileSource final : public Source {
+public:
+    explicit FileSource(const std::string& path) {
+        // O_NONBLOCK: the open of a pipe that nobody writes to must not wait.
+        m_iFd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        struct stat info {};
+        if (m_iFd < 0) throw PcmError("cannot be opened");
+        if (::fstat(m_iFd, &info) != 0 || !S_ISREG(info.st_mode)) {
+            ::close(m_iFd);
+            throw PcmError("not a regular file");
+        }
+        m_uSize = static_cast<std::uint64_t>(info.st_size);
+    }
+    ~FileSource() override { ::close(m_iFd); }
+    FileSource(const FileSource&) = delete;
+    FileSource& operator=(const FileSource&) = delete;
+    [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
+    void Read(std::uint64_t offset, std::byte* to, std::size_t size) const override {
+        while (size > 0) {
+            const ssize_t got = ::pread(m_iFd, to, size, static_cast<off_t>(offset));
+            if (got < 0 && errno == EINTR) continue;
+            if (got <= 0) throw PcmError(got < 0 ? "cannot be read" : "file is cut short");
+            to += got;
+            offset += static_cast<std::uint64_t>(got);
+            size -= static_cast<std::size_t>(got);
+        }
+    }
+
+private:
+    int m_iFd = -1;
+    std::uint64_t m_uSize = 0;
+};
+
+struct PlacedEntry : Entry {
+    std::uint64_t offset = 0;  ///< sections follow one another, so the table need not tell
+};
+
+struct Table {
+    int width = 0, height = 0;
+    std::vector<PlacedEntry> entries;
+
+    [[nodiscard]] std::uint64_t Pixels() const {
+        return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    }
+    [[nodiscard]] const PlacedEntry* Find(std::uint32_t id) const {
+        const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.id == id; });
+        return found == entries.end() ? nullptr : &*found;
+    }
+    [[nodiscard]] const PlacedEntry& Need(std::uint32_t id) const {
+        const PlacedEntry* entry = Find(id);
+        if (entry == nullptr) throw PcmError("a needed section is missing");
+        return *entry;
+    }
+};
+
+/// @param rest  bytes of the file behind the table, which the sections must fill exactly
+void PlaceSections(Table& table, std::uint64_t offset, std::uint64_t rest) {
+    for (PlacedEntry& entry : table.entries) {
+        if (entry.size > rest) throw PcmError("a section is longer than the file");
+        entry.offset = offset;
+        offset += entry.size;
+        rest -= entry.size;
+        if (!IsKnown(entry.id)) {
+            if (entry.flags & kNeeded) throw PcmError("needs a section that this version does not know");
+            continue;
+        }
+        if (table.Find(entry.id) != &entry) throw PcmError("a section stands twice");
+        if (entry.flags & ~kNeeded) throw PcmError("a section has flags that this version does not know");
+    }
+    if (rest != 0) throw PcmError("bytes that belong to no section");
+}
+
+Table ReadTable(const Source& source) {
+    const std::uint64_t fileSize = source.Size();
+    if (fileSize < kHeaderSize + kChecksumSize) throw PcmError("header is cut short");
+    std::vector<std::byte> head(kHeaderSize);
+    source.Read(0, head.data(), kHeaderSize);
+    if (std::memcmp(head.data(), kMagic, sizeof kMagic) != 0) throw PcmError("not a pcm file");
+    const auto version = Load<std::uint32_t>(&head[8]);
+    if (version != kVersion) throw PcmError("of a version that is not known here");
+    const auto count = Load<std::uint32_t>(&head[12]);
+    if (count == 0 || count > kMaxSections) throw PcmError("impossible number of sections");
+    const std::size_t tableEnd = kHeaderSize + count * kEntrySize;
+    if (fileSize < tableEnd + kChecksumSize) throw PcmError("header is cut short");
+    head.resize(tableEnd + kChecksumSize);
+    source.Read(kHeaderSize, &head[kHeaderSize], head.size() - kHeaderSize);
+    if (Checksum(head.data(), tableEnd) != Load<std::uint64_t>(&head[tableEnd])) throw PcmError("header is damaged");
+
+    const auto width = Load<std::uint32_t>(&head[16]);
+    const auto height = Load<std::uint32_t>(&head[20]);
+    if (width < 1 || width > kPcmMaxSide || height < 1 || height > kPcmMaxSide) throw PcmError("impossible grid size");
+    if (Load<std::uint64_t>(&head[24]) != fileSize) throw PcmError("file has another length than it should");
+    Table table;
+    table.width = static_cast<int>(width);
+    table.height = static_cast<int>(height);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::byte* at = &head[kHeaderSize + i * kEntrySize];
+        PlacedEntry entry;
+        entry.id = Load<std::uint32_t>(at);
+        entry.encoding = Load<std::uint16_t>(at + 4);
+        entry.flags = Load<std::uint16_t>(at + 6);
+        entry.size = Load<std::uint64_t>(at + 8);
+        entry.checksum = Load<std::uint64_t>(at + 16);
+        table.entries.push_back(entry);
+    }
+    PlaceSections(table, head.size(), fileSize - head.size());
+    return table;
+}
+
+void ReadWhole(const Source& source, const PlacedEntry& entry, std::byte* to) {
+    source.Read(entry.offset, to, entry.size);
+    if (Checksum(to, entry.size) != entry.checksum) throw PcmError("a section is damaged");
+}
+
+/// Which pixels have values of their own: bit i of the words is pixel i.
+struct Coverage {
+    std::vector<std::uint64_t> words;
+    std::uint64_t covered = 0;
+};
+
+Coverage ReadCoverage(const Source& source, const Table& table) {
+    Coverage coverage;
+    const PlacedEntry* entry = table.Find(kCoverage);
+    if (entry == nullptr) return coverage;
+    const std::uint64_t pixels = table.Pixels();
+    if (entry->encoding != kDense || entry->size != (pixels + 7) / 8) throw PcmError("coverage has a wrong length");
+    coverage.words.resize((pixels + 63) / 64);
+    ReadWhole(source, *entry, reinterpret_cast<std::byte*>(coverage.words.data()));
+    if (pixels % 64 != 0 && coverage.words.back() >> (pixels % 64) != 0) throw PcmError("coverage of no pixel");
+    for (const std::uint64_t word : coverage.words) coverage.covered += static_cast<unsigned>(std::popcount(word));
+    return coverage;
+}
+
+/// Refuses a section whose length is not what its encoding asks for.
+void CheckLength(const Table& table, std::uint32_t id, std::uint64_t valueSize, const Coverage& coverage) {
+    const PlacedEntry& entry = table.Need(id);
+    if (entry.encoding == kSparse && coverage.words.empty()) throw PcmError("a needed section is missing");
+    const std::uint64_t values = entry.encoding == kDense      ? table.Pixels()
+                                 : entry.encoding == kConstant ? 1
+                                 : entry.encoding == kSparse   ? 1 + coverage.covered
+                                                               : 0;  // an encoding of a later version
+    if (values == 0 || entry.size != values * valueSize) throw PcmError("a section has a wrong length");
+}
+
+/// Moves the values of the covered pixels from the end of a grid to their pixels, in order, as far as they have come,
+/// and fills the pixels between. In place: a pixel's value never stands before the pixel.
+template <std::size_t kSize>
+class Spreader {
+public:
+    Spreader(std::byte* grid, std::uint64_t pixels, const Coverage& coverage, const std::byte* background)
+        : m_coverage(coverage), m_pixels(pixels), m_to(grid), m_from(grid + (pixels - coverage.covered) * kSize) {
+        for (std::size_t i = 0; i < kWordBits; ++i) std::memcpy(m_background + i * kSize, background, kSize);
+    }
+
+    /// @param end  behind the last value that has come
+    void Spread(const std::byte* end) {
+        for (; m_word < m_coverage.words.size(); ++m_word) {
+            const std::uint64_t bits = m_coverage.words[m_word];
+            const auto values = static_cast<std::size_t>(std::popcount(bits));
+            if (static_cast<std::size_t>(end - m_from) < values * kSize) return;
+            const std::size_t count = std::min<std::uint64_t>(kWordBits, m_pixels - m_word * kWordBits);
+            if (values == count) {
+                std::memmove(m_to, m_from, count * kSize);
+            } else if (values == 0) {
+                std::memcpy(m_to, m_background, count * kSize);
+            } else {
+                SpreadWord(bits, count);
+            }
+            m_from += values * kSize;
+            m_to += count * kSize;
+        }
+    }
+
+private:
+    static constexpr std::size_t kWordBits = 64;
+
+    /// Without a branch on the bit: holes come at random.
+    void SpreadWord(std::uint64_t bits, std::size_t count) {
+        const std::byte* from = m_from;
+        std::byte* to = m_to;
+        for (std::size_t i = 0; i < count; ++i, bits >>= 1, to += kSize) {
+            const std::byte* sources[2] = {m_background, from};
+            std::byte value[kSize];
+            std::memcpy(value, sources[bits & 1], kSize);
+            std::memcpy(to, value, kSize);
+            from += (bits & 1) * kSize;
+        }
+    }
+
+    const Coverage& m_coverage;
+    std::uint64_t m_pixels;
+    std::byte* m_to;
+    const std::byte* m_from;
+    std::size_t m_word = 0;
+    std::byte m_background[kWordBits * kSize];
+};
+
+/// Reads a dense or sparse section block by block; each is checked and put in place while the cache holds it.
+template <std::size_t kSize>
+void ReadValues(const Source& source, const PlacedEntry& entry, std::byte* grid, std::uint64_t pixels,
+                const Coverage& coverage) {
+    RunningChecksum checksum;
+    std::uint64_t offset = entry.offset;
+    std::byte background[kSize] = {};
+    const bool sparse = entry.encoding == kSparse;
+    if (sparse) {
+        source.Read(offset, background, kSize);
+        checksum.Add(background, kSize);
+        offset += kSize;
+    }
+    std::byte* at = grid + (sparse ? pixels - coverage.covered : 0) * kSize;
+    std::byte* const end = grid + pixels * kSize;
+    Spreader<kSize> spreader(grid, pixels, coverage, background);
+    while (at != end) {
+        const std::size_t size = std::min<std::size_t>(kBlockSize, static_cast<std::size_t>(end - at));
+        source.Read(offset, at, size);
+        checksum.Add(at, size);
+        at += size;
+        offset += size;
+        if (sparse) spreader.Spread(at);
+    }
+    if (sparse) spreader.Spread(end);  // pixels behind the last covered one
+    if (checksum.Value() != entry.checksum) throw PcmError("a section is damaged");
+}
+
+/// @param kValues  elements of type T that make one pixel's value
+template <std::size_t kValues, class T>
+std::unique_ptr<T[]> ReadGrid(const Source& source, const Table& table, std::uint32_t id, const Coverage& coverage) {
+    constexpr std::size_t kSize = kValues * sizeof(T);
+    static_assert(kBlockSize % kSize == 0);
+    const PlacedEntry& entry = table.Need(id);
+    const std::uint64_t pixels = table.Pixels();
+    auto values = std::make_unique_for_overwrite<T[]>(pixels * kValues);
+    auto* grid = reinterpret_cast<std::byte*>(values.get());
+    if (entry.encoding == kConstant) {
+        std::byte value[kSize];
+        ReadWhole(source, entry, value);
+        for (std::uint64_t i = 0; i < pixels; ++i) std::memcpy(grid + i * kSize, value, kSize);
+    } else {
+        ReadValues<kSize>(source, entry, grid, pixels, coverage);
+    }
+    return values;
+}
+
+PcmMeasurement ReadFrom(const Source& source) {
+    const Table table = ReadTable(source);
+    const bool hasColors = table.Find(kColors) != nullptr;
+    if (DecodedSize(table.Pixels(), hasColors) / kPcmMaxExpansion > source.Size()) {
+        throw PcmError("grid is out of proportion to the file");
+    }
+    const Coverage coverage = ReadCoverage(source, table);
+    CheckLength(table, kPoints, 3 * sizeof(float), coverage);
+    CheckLength(table, kConfidence, sizeof(float), coverage);
+    CheckLength(table, kClassification, sizeof(std::uint8_t), coverage);
+    if (hasColors) CheckLength(table, kColors, sizeof(std::uint32_t), coverage);
+    const PlacedEntry& trafo = table.Need(kTrafo);
+    PcmMeasurement measurement;
+    if (trafo.encoding != kDense || trafo.size != sizeof measurement.m_fTrafo) {
+        throw PcmError("a section has a wrong length");
+    }
+
+    ReadWhole(source, trafo, reinterpret_cast<std::byte*>(measurement.m_fTrafo.data()));
+    measurement.m_pPoints = ReadGrid<3, float>(source, table, kPoints, coverage);
+    measurement.m_pConfidence = ReadGrid<1, float>(source, table, kConfidence, coverage);
+    measurement.m_pClassification = ReadGrid<1, std::uint8_t>(source, table, kClassification, coverage);
+    if (hasColors) measurement.m_pColors = ReadGrid<1, std::uint32_t>(source, table, kColors, coverage);
+    for (const PlacedEntry& entry : table.entries) {
+        if (IsKnown(entry.id)) continue;
+        PcmForeignSection section{entry.id, entry.encoding, entry.flags, std::vector<std::byte>(entry.size)};
+        ReadWhole(source, entry, section.m_vBytes.data());
+        measurement.m_vForeign.push_back(std::move(section));
+    }
+    measurement.m_iWidth = table.width;
+    measurement.m_iHeight = table.height;
+    return measurement;
+}
+
+}  // namespace
+
+PcmMeasurement ReadPcmFile(const std::string& path) { return ReadFrom(FileSource(path)); }
+PcmMeasurement ReadPcm(std::span<const std::byte> bytes) { return ReadFrom(MemorySource(bytes)); }
+
+PcmView ViewOf(const PcmMeasurement& m) {
+    return {.m_iWidth = m.m_iWidth,
+            .m_iHeight = m.m_iHeight,
+            .m_pPoints = m.m_pPoints.get(),
+            .m_pConfidence = m.m_pConfidence.get(),
+            .m_pClassification = m.m_pClassification.get(),
+            .m_pColors = m.m_pColors.get(),
+            .m_pTrafo = m.m_fTrafo.data(),
+            .m_foreign = m.m_vForeign};
+}
+
+}  // namespace MsrStorage

@@ -1,0 +1,272 @@
+// Writing of pcm files: finds out what the grid's holes have in common, then stores holes once and the rest as it is.
+#include <algorithm>
+#include <cstring>
+
+#include "MSRDLL/PcmFile.h"
+#include "MSRDLL/PcmLayout.h"
+
+namespace MsrStorage {
+namespace {
+
+using namespace PcmLayout;
+
+constexpr std::size_t kBlockSize = 192 * 1024;
+
+/// Where the bytes go: a file or memory.
+class Sink {
+public:
+    virtual ~Sink() = default;
+    virtual void WriteAt(std::uint64_t offset, const std::byte* bytes, std::size_t size) = 0;
+};
+
+class FileSink final : public Sink {
+public:
+    explicit FileSink(AtomicFile& file) : m_file(file) {}
+    void WriteAt(std::uint64_t offset, const std::byte* bytes, std::size_t size) override {
+        m_file.WriteAt(offset, bytes, size);
+    }
+
+private:
+    AtomicFile& m_file;
+};
+
+class MemorySink final : public Sink {
+public:
+    void WriteAt(std::uint64_t offset, const std::byte* bytes, std::size_t size) override {
+        if (m_vBytes.size() < offset + size) m_vBytes.resize(offset + size);
+        std::copy_n(bytes, size, m_vBytes.begin() + static_cast<std::ptrdiff_t>(offset));
+    }
+    std::vector<std::byte> m_vBytes;
+};
+
+/// Values of one kind, one a pixel.
+struct Channel {
+    std::uint32_t id;
+    std::uint16_t flags;
+    const std::byte* values;
+    std::size_t valueSize;
+
+    [[nodiscard]] const std::byte* At(std::uint64_t pixel) const { return values + pixel * valueSize; }
+    [[nodiscard]] bool Same(std::uint64_t a, std::uint64_t b) const {
+        return std::memcmp(At(a), At(b), valueSize) == 0;
+    }
+};
+
+/// Which pixels keep values of their own; the words are empty when no point occurs often enough to leave it out.
+struct Holes {
+    std::vector<std::uint64_t> words;
+    std::uint64_t covered = 0;
+    std::uint64_t firstHole = 0;
+
+    [[nodiscard]] bool Covers(std::uint64_t pixel) const { return (words[pixel / 64] >> (pixel % 64)) & 1; }
+};
+
+/// A pixel with the point that the holes have. Neighbours that are equal to the bit are holes in practice, so the
+/// majority among these is it (Boyer and Moore's vote); a wrong guess costs space, never a value.
+std::uint64_t VoteForHole(const Channel& points, std::uint64_t pixels) {
+    std::uint64_t candidate = 0, votes = 0;
+    for (std::uint64_t i = 1; i < pixels; ++i) {
+        if (!points.Same(i, i - 1)) continue;
+        if (votes == 0) candidate = i;
+        votes = points.Same(i, candidate) ? votes + 1 : votes - 1;
+    }
+    return candidate;
+}
+
+Holes FindHoles(const Channel& points, std::uint64_t pixels) {
+    Holes holes;
+    const std::uint64_t hole = VoteForHole(points, pixels);
+    holes.words.resize((pixels + 63) / 64);
+    holes.firstHole = pixels;
+    for (std::uint64_t i = 0; i < pixels; ++i) {
+        if (points.Same(i, hole)) {
+            holes.firstHole = std::min(holes.firstHole, i);
+        } else {
+            holes.words[i / 64] |= std::uint64_t{1} << (i % 64);
+            ++holes.covered;
+        }
+    }
+    const std::uint64_t saved = (pixels - holes.covered - 1) * points.valueSize;
+    if (saved <= kEntrySize + (pixels + 7) / 8) holes.words.clear();
+    return holes;
+}
+
+Encoding ChooseEncoding(const Channel& channel, std::uint64_t pixels, const Holes& holes) {
+    bool constant = true, sparse = !holes.words.empty();
+    for (std::uint64_t i = 0; i < pixels && (constant || sparse); ++i) {
+        constant = constant && channel.Same(i, 0);
+        sparse = sparse && (holes.Covers(i) || channel.Same(i, holes.firstHole));
+    }
+    return constant ? kConstant : sparse ? kSparse : kDense;
+}
+
+/// One section on its way out: where it goes, and what its table entry will say.
+class SectionWriter {
+public:
+    SectionWriter(Sink& sink, std::uint64_t offset) : m_sink(sink), m_uOffset(offset) {}
+    void Add(const std::byte* bytes, std::size_t size) {
+        while (size > 0) {
+            const std::size_t part = std::min(size, kBlockSize);
+            m_checksum.Add(bytes, part);
+            m_sink.WriteAt(m_uOffset + m_uSize, bytes, part);
+            m_uSize += part;
+            bytes += part;
+            size -= part;
+        }
+    }
+    [[nodiscard]] Entry Finish(std::uint32_t id, std::uint16_t encoding, std::uint16_t flags) const {
+        return {id, encoding, flags, m_uSize, m_checksum.Value()};
+    }
+
+private:
+    Sink& m_sink;
+    std::uint64_t m_uOffset, m_uSize = 0;
+    RunningChecksum m_checksum;
+};
+
+void AddCoveredValues(SectionWriter& writer, const Channel& channel, std::uint64_t pixels, const Holes& holes) {
+    std::vector<std::byte> block;
+    block.reserve(kBlockSize);
+    for (std::uint64_t i = 0; i < pixels; ++i) {
+        if (!holes.Covers(i)) continue;
+        block.insert(block.end(), channel.At(i), channel.At(i) + channel.valueSize);
+        if (block.size() + channel.valueSize <= kBlockSize) continue;
+        writer.Add(block.data(), block.size());
+        block.clear();
+    }
+    writer.Add(block.data(), block.size());
+}
+
+Entry WriteChannel(Sink& sink, std::uint64_t offset, const Channel& channel, Encoding encoding, std::uint64_t pixels,
+                   const Holes& holes) {
+    SectionWriter writer(sink, offset);
+    if (encoding == kDense) {
+        writer.Add(channel.values, pixels * channel.valueSize);
+    } else if (encoding == kConstant) {
+        writer.Add(channel.values, channel.valueSize);
+    } else {
+        writer.Add(channel.At(holes.firstHole), channel.valueSize);
+        AddCoveredValues(writer, channel, pixels, holes);
+    }
+    return writer.Finish(channel.id, encoding, channel.flags);
+}
+
+std::vector<std::byte> MakeHead(const PcmView& view, const std::vector<Entry>& entries, std::uint64_t fileSize) {
+    std::vector<std::byte> head(kHeaderSize + entries.size() * kEntrySize + kChecksumSize);
+    std::memcpy(head.data(), kMagic, sizeof kMagic);
+    Store(&head[8], kVersion);
+    Store(&head[12], static_cast<std::uint32_t>(entries.size()));
+    Store(&head[16], static_cast<std::uint32_t>(view.m_iWidth));
+    Store(&head[20], static_cast<std::uint32_t>(view.m_iHeight));
+    Store(&head[24], fileSize);
+    std::byte* at = &head[kHeaderSize];
+    for (const Entry& entry : entries) {
+        Store(at, entry.id);
+        Store(at + 4, entry.encoding);
+        Store(at + 6, entry.flags);
+        Store(at + 8, entry.size);
+        Store(at + 16, entry.checksum);
+        at += kEntrySize;
+    }
+    Store(at, Checksum(head.data(), head.size() - kChecksumSize));
+    return head;
+}
+
+void CheckView(const PcmView& view) {
+    const auto wrong = [](int side) { return side < 1 || side > kPcmMaxSide; };
+    if (wrong(view.m_iWidth) || wrong(view.m_iHeight)) throw PcmError("impossible grid size");
+    if (!view.m_pPoints || !view.m_pConfidence || !view.m_pClassification || !view.m_pTrafo) {
+        throw PcmError("nothing to write");
+    }
+    if (view.m_foreign.size() > kMaxSections - std::size(kKnownSections)) throw PcmError("too many sections");
+    for (const PcmForeignSection& section : view.m_foreign) {
+        if (IsKnown(section.m_uId) || (section.m_uFlags & kNeeded))
+            throw PcmError("a foreign section that readers refuse");
+    }
+}
+
+std::vector<Channel> ChannelsOf(const PcmView& view) {
+    const auto bytes = [](const auto* values) { return reinterpret_cast<const std::byte*>(values); };
+    std::vector<Channel> channels = {{kPoints, kNeeded, bytes(view.m_pPoints), 3 * sizeof(float)},
+                                     {kConfidence, kNeeded, bytes(view.m_pConfidence), sizeof(float)},
+                                     {kClassification, kNeeded, bytes(view.m_pClassification), sizeof(std::uint8_t)}};
+    if (view.m_pColors) channels.push_back({kColors, 0, bytes(view.m_pColors), sizeof(std::uint32_t)});
+    return channels;
+}
+
+/// How each channel will be stored.
+struct Plan {
+    Holes holes;
+    std::vector<Encoding> encodings;
+    bool needsCoverage = false;
+};
+
+Plan MakePlan(const std::vector<Channel>& channels, std::uint64_t pixels) {
+    Plan plan;
+    plan.holes = FindHoles(channels.front(), pixels);
+    std::uint64_t size = 0;
+    for (const Channel& channel : channels) {
+        const Encoding encoding = ChooseEncoding(channel, pixels, plan.holes);
+        plan.encodings.push_back(encoding);
+        const std::uint64_t values = encoding == kDense ? pixels : encoding == kSparse ? plan.holes.covered : 1;
+        size += values * channel.valueSize;
+        plan.needsCoverage = plan.needsCoverage || encoding == kSparse;
+    }
+    if (plan.needsCoverage) size += pixels / 8;
+    // Readers believe in no grid that is out of proportion to its file: one that is nearly empty gives up some space.
+    if (DecodedSize(pixels, channels.size() == 4) / kPcmMaxExpansion > size) {
+        const auto classes = std::find_if(channels.begin(), channels.end(),
+                                          [](const Channel& channel) { return channel.id == kClassification; });
+        plan.encodings[static_cast<std::size_t>(classes - channels.begin())] = kDense;
+    }
+    return plan;
+}
+
+void WriteTo(Sink& sink, const PcmView& view) {
+    const auto pixels = static_cast<std::uint64_t>(view.m_iWidth) * static_cast<std::uint64_t>(view.m_iHeight);
+    const std::vector<Channel> channels = ChannelsOf(view);
+    const Plan plan = MakePlan(channels, pixels);
+    const std::size_t count = channels.size() + 1 + (plan.needsCoverage ? 1 : 0) + view.m_foreign.size();
+    std::uint64_t end = kHeaderSize + count * kEntrySize + kChecksumSize;
+    std::vector<Entry> entries;
+    const auto placed = [&](const Entry& entry) {
+        entries.push_back(entry);
+        end += entry.size;
+    };
+    const auto addWhole = [&](std::uint32_t id, std::uint16_t encoding, std::uint16_t flags, const void* bytes,
+                              std::size_t size) {
+        SectionWriter writer(sink, end);
+        writer.Add(static_cast<const std::byte*>(bytes), size);
+        placed(writer.Finish(id, encoding, flags));
+    };
+    addWhole(kTrafo, kDense, kNeeded, view.m_pTrafo, 16 * sizeof(float));
+    if (plan.needsCoverage) addWhole(kCoverage, kDense, kNeeded, plan.holes.words.data(), (pixels + 7) / 8);
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        placed(WriteChannel(sink, end, channels[i], plan.encodings[i], pixels, plan.holes));
+    }
+    for (const PcmForeignSection& section : view.m_foreign) {
+        addWhole(section.m_uId, section.m_uEncoding, section.m_uFlags, section.m_vBytes.data(),
+                 section.m_vBytes.size());
+    }
+    const std::vector<std::byte> head = MakeHead(view, entries, end);
+    sink.WriteAt(0, head.data(), head.size());
+}
+
+}  // namespace
+
+void WritePcmFile(const std::string& path, const PcmView& view, FileCalls& calls) {
+    CheckView(view);
+    AtomicFile file(path, calls);
+    FileSink sink(file);
+    WriteTo(sink, view);
+    file.Commit();
+}
+
+std::vector<std::byte> WritePcm(const PcmView& view) {
+    CheckView(view);
+    MemorySink sink;
+    WriteTo(sink, view);
+    return std::move(sink.m_vBytes);
+}
+
+}  // namespace MsrStorage

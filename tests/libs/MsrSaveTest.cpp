@@ -1,0 +1,245 @@
+// What happens to a pcm file when its rewriting fails or the process dies: at every byte and at every call the old file
+// stays whole.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <limits>
+
+#include "KV_ScenePane/PathText.h"
+#include "MSRDLL/Msr.h"
+#include "libs/PcmSample.h"
+#include "libs/ScratchFolder.h"
+
+using KV_ScenePane::WidePath;
+using namespace MsrStorage;
+
+namespace {
+
+constexpr int kDied = 77;
+
+/// Passes calls on until the one that is to fail, or the byte.
+class FailingCalls : public FileCalls {
+public:
+    int failingCall = std::numeric_limits<int>::max();
+    std::uint64_t bytesLeft = std::numeric_limits<std::uint64_t>::max();  ///< before the disk is full
+    bool die = false;  ///< the process ends there, instead of an error
+    int error = EIO;
+    int calls = 0;
+    std::string failed;  ///< name of the call that did
+
+    int Open(const char* path, int flags, mode_t mode) override {
+        return Fails("open") ? -1 : FileCalls::Open(path, flags, mode);
+    }
+    ssize_t WriteAt(int fd, const void* bytes, std::size_t size, off_t offset) override {
+        if (Fails("write")) return -1;
+        if (bytesLeft == 0) {
+            if (die) _exit(kDied);
+            errno = ENOSPC;
+            return -1;
+        }
+        const auto part = std::min<std::uint64_t>(size, bytesLeft);
+        const ssize_t written = FileCalls::WriteAt(fd, bytes, part, offset);
+        if (written > 0) bytesLeft -= static_cast<std::uint64_t>(written);
+        return written;
+    }
+    int ChangeMode(int fd, mode_t mode) override { return Fails("mode") ? -1 : FileCalls::ChangeMode(fd, mode); }
+    int Sync(int fd) override { return Fails("sync") ? -1 : FileCalls::Sync(fd); }
+    int Close(int fd) override {
+        const bool fails = Fails("close");
+        const int result = FileCalls::Close(fd);  // the system lets go of the file in either case
+        return fails ? -1 : result;
+    }
+    int Rename(const char* from, const char* to) override { return Fails("rename") ? -1 : FileCalls::Rename(from, to); }
+
+private:
+    bool Fails(const char* name) {
+        if (++calls != failingCall) return false;
+        if (die) _exit(kDied);
+        failed = name;
+        errno = error;
+        return true;
+    }
+};
+
+bool Writes(const std::string& path, const PcmSample& sample, FileCalls& calls) {
+    try {
+        WritePcmFile(path, sample.View(), calls);
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+/// Runs it in a process of its own. @return its exit status, or -1 when a signal ended it
+int InAnotherProcess(const std::function<int()>& run) {
+    const pid_t child = fork();
+    if (child == 0) _exit(run());
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Lets the system itself cut files off: writing beyond @p bytes gives an error, or ends the process by a signal.
+void LimitFileSize(std::size_t bytes, bool die) {
+    rlimit none{};
+    setrlimit(RLIMIT_CORE, &none);
+    signal(SIGXFSZ, die ? SIG_DFL : SIG_IGN);
+    const rlimit limit{bytes, bytes};
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(99);
+}
+
+class MsrSave : public testing::Test {
+protected:
+    void SetUp() override { WriteBytes(file, oldBytes); }
+    void ExpectOldFileAlone() {
+        EXPECT_EQ(ReadBytes(file), oldBytes);
+        EXPECT_EQ(folder.FileCount(), 1u) << "a temporary file stayed";
+    }
+    /// What a file is after a death: old or new, never something else; what lies beside it does not hinder the next
+    /// one.
+    void ExpectWholeFile(const PcmSample& changed) {
+        const auto bytes = ReadBytes(file);
+        EXPECT_TRUE(bytes == oldBytes || bytes == WritePcm(changed.View()));
+        EXPECT_NO_THROW((void)ReadPcm(bytes));
+    }
+    static PcmSample Changed() {
+        PcmSample sample = SmallSample();
+        for (auto& value : sample.classification) value = 250;
+        return sample;
+    }
+
+    ScratchFolder folder;
+    std::string file = folder / "scan.pcm";
+    std::vector<std::byte> oldBytes = WritePcm(SmallSample().View());
+};
+
+}  // namespace
+
+TEST_F(MsrSave, AnErrorOfAnyCallLeavesTheOldFile) {
+    std::vector<std::string> failed;
+    for (int call = 1;; ++call) {
+        FailingCalls calls;
+        calls.failingCall = call;
+        const bool written = Writes(file, Changed(), calls);
+        if (calls.failed.empty()) {
+            EXPECT_TRUE(written);
+            break;
+        }
+        failed.push_back(calls.failed);
+        if (written) {
+            EXPECT_EQ(ReadBytes(file), WritePcm(Changed().View())) << "reported as written";
+            EXPECT_EQ(folder.FileCount(), 1u);
+            WriteBytes(file, oldBytes);
+        } else {
+            ExpectOldFileAlone();
+        }
+        ASSERT_LT(call, 1000);
+    }
+    // Every kind of call was among them; behind the rename an error changes nothing any more.
+    for (const char* name : {"open", "mode", "write", "sync", "close", "rename"}) {
+        EXPECT_NE(std::find(failed.begin(), failed.end(), name), failed.end()) << name;
+    }
+    EXPECT_EQ(ReadBytes(file), WritePcm(Changed().View()));
+}
+
+TEST_F(MsrSave, AnErrorBeforeTheRenameIsReported) {
+    for (int call = 1;; ++call) {
+        FailingCalls calls;
+        calls.failingCall = call;
+        const bool written = Writes(file, Changed(), calls);
+        EXPECT_FALSE(written) << call;
+        ASSERT_FALSE(calls.failed.empty());
+        if (calls.failed == "rename") break;
+    }
+}
+
+TEST_F(MsrSave, AnInterruptedWriteGoesOn) {
+    FailingCalls calls;
+    FailingCalls counting;
+    ASSERT_TRUE(Writes(folder / "other.pcm", Changed(), counting));
+    calls.failingCall = 4;  // folder, file, mode, then the first write
+    calls.error = EINTR;
+    EXPECT_TRUE(Writes(file, Changed(), calls));
+    EXPECT_EQ(calls.failed, "write");
+    EXPECT_EQ(ReadBytes(file), WritePcm(Changed().View()));
+}
+
+TEST_F(MsrSave, AFullDiskAtAnyByteLeavesTheOldFile) {
+    const std::size_t size = WritePcm(Changed().View()).size();
+    for (std::size_t bytes = 0; bytes < size; ++bytes) {
+        FailingCalls calls;
+        calls.bytesLeft = bytes;
+        EXPECT_FALSE(Writes(file, Changed(), calls)) << bytes;
+        ExpectOldFileAlone();
+    }
+    FailingCalls calls;
+    calls.bytesLeft = size;
+    EXPECT_TRUE(Writes(file, Changed(), calls));
+}
+
+TEST_F(MsrSave, DeathAtAnyByteLeavesAWholeFile) {
+    const std::size_t size = WritePcm(Changed().View()).size();
+    for (std::size_t bytes = 0; bytes < size; ++bytes) {
+        const int status = InAnotherProcess([&] {
+            FailingCalls calls;
+            calls.die = true;
+            calls.bytesLeft = bytes;
+            return Writes(file, Changed(), calls) ? 0 : 1;
+        });
+        ASSERT_EQ(status, kDied) << bytes;
+        ASSERT_EQ(ReadBytes(file), oldBytes) << bytes;
+    }
+    FailingCalls calls;
+    EXPECT_TRUE(Writes(file, Changed(), calls)) << "what the dead ones left must not hinder";
+}
+
+TEST_F(MsrSave, DeathAtAnyCallLeavesAWholeFile) {
+    int status = kDied;
+    for (int call = 1; status == kDied; ++call) {
+        status = InAnotherProcess([&] {
+            FailingCalls calls;
+            calls.die = true;
+            calls.failingCall = call;
+            return Writes(file, Changed(), calls) ? 0 : 1;
+        });
+        ExpectWholeFile(Changed());
+        WriteBytes(file, oldBytes);
+        ASSERT_LT(call, 1000);
+    }
+    EXPECT_EQ(status, 0);
+}
+
+// The operations themselves, on a system that really refuses.
+TEST_F(MsrSave, SaveAndSaveTrafoMatrixGiveFalseOnAFullDiskAtAnyByte) {
+    const std::array<float, 16> trafo{1, 2, 3};
+    for (std::size_t bytes = 0; bytes < oldBytes.size(); ++bytes) {
+        const int status = InAnotherProcess([&] {
+            MSR msr;
+            if (!msr.Load(WidePath(file).c_str(), false, true, false)) return 2;
+            LimitFileSize(bytes, false);
+            const bool saved = msr.Save(WidePath(file).c_str(), true, true);
+            return saved || MSR::SaveTrafoMatrix(WidePath(file).c_str(), trafo.data()) ? 1 : 0;
+        });
+        ASSERT_EQ(status, 0) << bytes;
+        ExpectOldFileAlone();
+    }
+}
+
+TEST_F(MsrSave, SaveTrafoMatrixKilledAtAnyByteLeavesTheOldFile) {
+    const std::array<float, 16> trafo{1, 2, 3};
+    for (std::size_t bytes = 0; bytes < oldBytes.size(); ++bytes) {
+        const int status = InAnotherProcess([&] {
+            LimitFileSize(bytes, true);
+            return MSR::SaveTrafoMatrix(WidePath(file).c_str(), trafo.data()) ? 1 : 0;
+        });
+        ASSERT_EQ(status, -1) << "not ended by a signal at byte " << bytes;
+        ASSERT_EQ(ReadBytes(file), oldBytes) << bytes;
+    }
+    EXPECT_TRUE(MSR::SaveTrafoMatrix(WidePath(file).c_str(), trafo.data()));
+}

@@ -1,0 +1,231 @@
+// Class MSR as its callers see it: files on the disk, null pointers when empty, false for every failure.
+#include "MSRDLL/Msr.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "KV_ScenePane/PathText.h"
+#include "libs/PcmSample.h"
+#include "libs/ScratchFolder.h"
+
+using KV_ScenePane::WidePath;
+using MsrStorage::MSR;
+namespace fs = std::filesystem;
+
+namespace {
+
+void ExpectEmpty(MSR& msr) {
+    EXPECT_EQ(msr.GetWidth(), 0);
+    EXPECT_EQ(msr.GetHeight(), 0);
+    EXPECT_EQ(msr.GetXYZ(), nullptr);
+    EXPECT_EQ(msr.GetConfidence(), nullptr);
+    EXPECT_EQ(msr.GetPixelClassification(), nullptr);
+    EXPECT_EQ(msr.GetTrafo(), nullptr);
+    EXPECT_EQ(msr.GetColorData(), nullptr);
+}
+
+bool LoadFrom(MSR& msr, const std::string& path) { return msr.Load(WidePath(path).c_str(), false, true, false); }
+bool SaveTo(MSR& msr, const std::string& path) { return msr.Save(WidePath(path).c_str(), true, true); }
+
+class MsrOnDisk : public testing::Test {
+protected:
+    void Write(const std::string& path) { WriteBytes(path, MsrStorage::WritePcm(sample.View())); }
+    ScratchFolder folder;
+    PcmSample sample = SmallSample();
+    std::string file = folder / "scan.pcm";
+    MSR msr;
+};
+
+}  // namespace
+
+TEST_F(MsrOnDisk, IsEmptyAtFirst) { ExpectEmpty(msr); }
+
+TEST_F(MsrOnDisk, LoadsWhatWasWritten) {
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    EXPECT_EQ(msr.GetWidth(), 8);
+    EXPECT_EQ(msr.GetHeight(), 5);
+    EXPECT_TRUE(SameBits(msr.GetXYZ(), sample.points));
+    EXPECT_TRUE(SameBits(msr.GetConfidence(), sample.confidence));
+    EXPECT_TRUE(SameBits(msr.GetPixelClassification(), sample.classification));
+    EXPECT_TRUE(SameBits(msr.GetColorData(), sample.colors));
+    EXPECT_EQ(std::memcmp(msr.GetTrafo(), sample.trafo.data(), 64), 0);
+}
+
+TEST_F(MsrOnDisk, WithoutColorsInTheFileThereAreNone) {
+    sample.colors.clear();
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    EXPECT_EQ(msr.GetColorData(), nullptr);
+}
+
+TEST_F(MsrOnDisk, TheFlagsChangeNothing) {
+    Write(file);
+    for (int flags = 0; flags < 8; ++flags) {
+        ASSERT_TRUE(msr.Load(WidePath(file).c_str(), flags & 1, flags & 2, flags & 4));
+        EXPECT_TRUE(SameBits(msr.GetXYZ(), sample.points));
+        EXPECT_TRUE(SameBits(msr.GetColorData(), sample.colors));
+    }
+}
+
+TEST_F(MsrOnDisk, AFailedLoadAfterAGoodOneLeavesNothingBehind) {
+    Write(file);
+    auto bytes = ReadBytes(file);
+    bytes.back() ^= std::byte{1};
+    WriteBytes(folder / "damaged.pcm", bytes);
+    const auto reload = [&] { ASSERT_TRUE(LoadFrom(msr, file)); };
+    reload();
+    EXPECT_FALSE(LoadFrom(msr, folder / "missing.pcm"));
+    ExpectEmpty(msr);
+    reload();
+    EXPECT_FALSE(LoadFrom(msr, folder / "damaged.pcm"));
+    ExpectEmpty(msr);
+    reload();
+    EXPECT_FALSE(msr.Load(nullptr, false, true, false));
+    ExpectEmpty(msr);
+}
+
+TEST_F(MsrOnDisk, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
+    const std::string pipe = folder / "pipe.pcm";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(LoadFrom(msr, pipe));
+    EXPECT_FALSE(LoadFrom(msr, folder / ""));
+    EXPECT_FALSE(LoadFrom(msr, "/dev/zero"));
+}
+
+TEST_F(MsrOnDisk, AFileWhoseNameIsNoUtf8IsFound) {
+    const std::string odd = folder / "scan\xFF\xC3.pcm";
+    Write(odd);
+    ASSERT_TRUE(LoadFrom(msr, odd));
+    msr.GetPixelClassification()[0] = 250;
+    ASSERT_TRUE(SaveTo(msr, odd));
+    EXPECT_EQ(MsrStorage::ReadPcmFile(odd).m_pClassification[0], 250);
+    EXPECT_EQ(folder.FileCount(), 1u);
+}
+
+TEST_F(MsrOnDisk, SaveWritesWhatWasChangedThroughThePointersAndNothingElse) {
+    sample.foreign.push_back({0x65746F6E, 3, 4, std::vector<std::byte>(5, std::byte{6})});
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    for (std::size_t i = 0; i < sample.Pixels(); i += 2)
+        sample.classification[i] = msr.GetPixelClassification()[i] = 250;
+    ASSERT_TRUE(SaveTo(msr, file));
+    const MsrStorage::PcmMeasurement saved = MsrStorage::ReadPcmFile(file);
+    ExpectSame(saved, sample);
+    ASSERT_EQ(saved.m_vForeign.size(), 1u);
+    EXPECT_EQ(saved.m_vForeign[0].m_vBytes, sample.foreign[0].m_vBytes);
+}
+
+TEST_F(MsrOnDisk, SaveOfAnEmptyOneIsRefusedAndTouchesNothing) {
+    Write(file);
+    const auto before = ReadBytes(file);
+    EXPECT_FALSE(SaveTo(msr, file));
+    EXPECT_FALSE(SaveTo(msr, folder / "new.pcm"));
+    EXPECT_EQ(ReadBytes(file), before);
+    EXPECT_EQ(folder.FileCount(), 1u);
+}
+
+TEST_F(MsrOnDisk, SaveMakesANewFileAsThePermissionsOfTheProcessAllow) {
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    const mode_t mask = umask(027);
+    EXPECT_TRUE(SaveTo(msr, folder / "new.pcm"));
+    umask(mask);
+    struct stat info {};
+    ASSERT_EQ(stat((folder / "new.pcm").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0640u);
+    EXPECT_EQ(ReadBytes(folder / "new.pcm"), ReadBytes(file));
+}
+
+TEST_F(MsrOnDisk, SaveKeepsTheModeOfTheOldFile) {
+    for (const mode_t mode : {0600u, 0664u, 0777u}) {
+        Write(file);
+        ASSERT_EQ(chmod(file.c_str(), mode), 0);
+        ASSERT_TRUE(LoadFrom(msr, file));
+        ASSERT_TRUE(SaveTo(msr, file));
+        struct stat info {};
+        ASSERT_EQ(stat(file.c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 07777, mode);
+    }
+}
+
+TEST_F(MsrOnDisk, SaveThroughALinkReplacesWhatItLeadsTo) {
+    fs::create_directory(folder / "real");
+    const std::string real = folder / "real/scan.pcm";
+    Write(real);
+    fs::create_symlink("real/scan.pcm", folder / "inner.pcm");
+    fs::create_symlink(folder / "inner.pcm", folder / "outer.pcm");
+    ASSERT_TRUE(LoadFrom(msr, folder / "outer.pcm"));
+    msr.GetPixelClassification()[1] = 251;
+    ASSERT_TRUE(SaveTo(msr, folder / "outer.pcm"));
+    EXPECT_TRUE(fs::is_symlink(folder / "outer.pcm"));
+    EXPECT_TRUE(fs::is_symlink(folder / "inner.pcm"));
+    EXPECT_FALSE(fs::is_symlink(real));
+    EXPECT_EQ(MsrStorage::ReadPcmFile(real).m_pClassification[1], 251);
+}
+
+TEST_F(MsrOnDisk, SaveThroughALinkToNothingMakesTheFile) {
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    fs::create_symlink("later.pcm", folder / "link.pcm");
+    ASSERT_TRUE(SaveTo(msr, folder / "link.pcm"));
+    EXPECT_TRUE(fs::is_symlink(folder / "link.pcm"));
+    EXPECT_EQ(ReadBytes(folder / "later.pcm"), ReadBytes(file));
+}
+
+TEST_F(MsrOnDisk, SaveRefusesTargetsThatAreNoFile) {
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    const std::string pipe = folder / "pipe.pcm";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    fs::create_symlink("loop.pcm", folder / "loop.pcm");
+    EXPECT_FALSE(SaveTo(msr, pipe));
+    EXPECT_FALSE(SaveTo(msr, folder / "."));
+    EXPECT_FALSE(SaveTo(msr, folder / "loop.pcm"));
+    EXPECT_FALSE(SaveTo(msr, folder / "no such folder/scan.pcm"));
+    EXPECT_FALSE(SaveTo(msr, ""));
+    EXPECT_FALSE(msr.Save(nullptr, true, true));
+    EXPECT_EQ(folder.FileCount(), 3u);
+}
+
+TEST_F(MsrOnDisk, SaveLeavesAWriteProtectedFileAlone) {
+    if (geteuid() == 0) GTEST_SKIP() << "root may write everything";
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    ASSERT_EQ(chmod(file.c_str(), 0444), 0);
+    EXPECT_FALSE(SaveTo(msr, file));
+    EXPECT_EQ(folder.FileCount(), 1u);
+}
+
+TEST_F(MsrOnDisk, SaveWritesToANameAsLongAsNamesCanBe) {
+    Write(file);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    EXPECT_TRUE(SaveTo(msr, folder / (std::string(251, 'n') + ".pcm")));
+}
+
+TEST_F(MsrOnDisk, SaveTrafoMatrixReplacesTheTransformAndNothingElse) {
+    sample.foreign.push_back({0x65746F6E, 3, 4, std::vector<std::byte>(5, std::byte{6})});
+    Write(file);
+    for (std::size_t i = 0; i < 16; ++i) sample.trafo[i] = 100.0f + static_cast<float>(i);
+    ASSERT_TRUE(MSR::SaveTrafoMatrix(WidePath(file).c_str(), sample.trafo.data()));
+    const MsrStorage::PcmMeasurement saved = MsrStorage::ReadPcmFile(file);
+    ExpectSame(saved, sample);
+    EXPECT_EQ(saved.m_vForeign.size(), 1u);
+    EXPECT_EQ(folder.FileCount(), 1u);
+}
+
+TEST_F(MsrOnDisk, SaveTrafoMatrixDoesNotSealADamagedFileAnew) {
+    Write(file);
+    auto bytes = ReadBytes(file);
+    bytes.back() ^= std::byte{1};
+    WriteBytes(file, bytes);
+    EXPECT_FALSE(MSR::SaveTrafoMatrix(WidePath(file).c_str(), sample.trafo.data()));
+    EXPECT_EQ(ReadBytes(file), bytes);
+    EXPECT_FALSE(MSR::SaveTrafoMatrix(WidePath(folder / "missing.pcm").c_str(), sample.trafo.data()));
+    EXPECT_FALSE(MSR::SaveTrafoMatrix(nullptr, sample.trafo.data()));
+    EXPECT_FALSE(MSR::SaveTrafoMatrix(WidePath(file).c_str(), nullptr));
+    EXPECT_EQ(folder.FileCount(), 1u);
+}
