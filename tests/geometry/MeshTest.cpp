@@ -1,1 +1,292 @@
-// being written
+#include "geometry/Mesh.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using testing::ElementsAre;
+
+namespace {
+
+bool operator==(const Triangle& a, const Triangle& b) { return std::equal(a.v, a.v + 3, b.v); }
+
+Vertex At(float x, float y, float z, std::uint32_t color = 0) { return {x, y, z, 0, 0, 0, color, 0}; }
+
+void ExpectPosition(const Vertex& vertex, float x, float y, float z) {
+    EXPECT_FLOAT_EQ(vertex.x, x);
+    EXPECT_FLOAT_EQ(vertex.y, y);
+    EXPECT_FLOAT_EQ(vertex.z, z);
+}
+
+void ExpectNormal(const Vertex& vertex, float x, float y, float z) {
+    EXPECT_NEAR(vertex.nx, x, 1e-6);
+    EXPECT_NEAR(vertex.ny, y, 1e-6);
+    EXPECT_NEAR(vertex.nz, z, 1e-6);
+}
+
+std::vector<Triangle> OneTriangle() { return {{{0, 1, 2}}}; }
+
+}  // namespace
+
+TEST(Mesh, StartsEmptyWithTheDefaultsOfAnObject) {
+    const Mesh mesh(L"scan.pcm", true);
+    EXPECT_EQ(mesh.m_sName, L"scan.pcm");
+    EXPECT_TRUE(mesh.m_bHasVertexColors);
+    EXPECT_FALSE(mesh.m_bGrayColors);
+    EXPECT_TRUE(mesh.m_bBuffersDirty);
+    EXPECT_FALSE(mesh.m_bBlendObjectColor);
+    EXPECT_FALSE(mesh.m_optCutView.has_value());
+    EXPECT_EQ(mesh.m_iReducedStep, 10);
+    EXPECT_EQ(mesh.m_fPointSize, 2.0f);
+    EXPECT_EQ(mesh.GetVertexCount(), 0u);
+    EXPECT_EQ(mesh.GetTriangleCount(), 0u);
+    EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(-1, 1, -1, 1, -1, 1));
+}
+
+TEST(Mesh, TakesItsArraysOverWithoutACopy) {
+    std::vector<Vertex> vertices{At(0, 0, 0), At(1, 0, 0), At(0, 1, 0)};
+    std::vector<Triangle> triangles = OneTriangle();
+    const Vertex* const vertexStorage = vertices.data();
+    const Triangle* const triangleStorage = triangles.data();
+    const Mesh mesh(std::move(vertices), std::move(triangles), L"", false);
+    EXPECT_EQ(mesh.m_vVertices.data(), vertexStorage);
+    EXPECT_EQ(mesh.m_vTriangles.data(), triangleStorage);
+}
+
+TEST(Mesh, IsGreyWhileAllVerticesHaveEqualColourBytes) {
+    EXPECT_TRUE(Mesh({}, {}, L"", false).m_bGrayColors);
+    EXPECT_TRUE(Mesh({At(0, 0, 0, 0x12000000), At(0, 0, 0, 0xFF7F7F7F)}, {}, L"", true).m_bGrayColors);
+    for (const std::uint32_t color : {0x7F7F7Eu, 0x7F7E7Fu, 0x7E7F7Fu})
+        EXPECT_FALSE(Mesh({At(0, 0, 0, 0), At(0, 0, 0, color)}, {}, L"", true).m_bGrayColors) << color;
+}
+
+TEST(Mesh, HasTheBoxOfItsVertices) {
+    const Mesh mesh({At(3, -4, 5), At(-2, 7, 6), At(1, 1, -9)}, {}, L"", false);
+    EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(-2, 3, -4, 7, -9, 6));
+}
+
+TEST(Mesh, HasTheSameBoxForAnyNumberOfVertices) {
+    for (int count = 1; count < 20; ++count)
+        for (int extreme = 0; extreme < count; ++extreme) {
+            std::vector<Vertex> vertices(static_cast<std::size_t>(count), At(0, 0, 0));
+            vertices[static_cast<std::size_t>(extreme)] = At(5, -6, 7);
+            const Mesh mesh(std::move(vertices), {}, L"", false);
+            if (count > 1) {
+                EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0, 5, -6, 0, 0, 7)) << count << ", " << extreme;
+            }
+        }
+}
+
+TEST(Mesh, KeepsPointsThatAreNotNumbersOutOfItsBox) {
+    const Mesh mesh({At(0, 1, 2), At(NAN, 9, NAN), At(3, NAN, 4)}, {}, L"", false);
+    EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0, 3, 1, 9, 2, 4));
+}
+
+TEST(Mesh, WithoutVerticesHasAnInvertedBox) {
+    Mesh mesh(L"", false);
+    mesh.ComputeBoundingBox();
+    EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0.99f, -0.99f, 0.99f, -0.99f, 0.99f, -0.99f));
+}
+
+TEST(Mesh, ThatIsFlatHasABoxOfSomeThickness) {
+    const Mesh mesh({At(0, 0, 5), At(1, 0, 5), At(0, 1, 5)}, OneTriangle(), L"", false);
+    EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0, 1, 0, 1, 4.99f, 5.01f));
+}
+
+TEST(Mesh, HasItsCentreAtTheMeanOfAllVertices) {
+    Mesh mesh({At(0, 0, 3), At(2, 0, 3), At(1, 6, 0)}, {}, L"", false);
+    float center[3];
+    mesh.GetCenter(center);
+    EXPECT_THAT(center, ElementsAre(1, 2, 2));
+    EXPECT_TRUE(mesh.m_bCenterValid);
+}
+
+TEST(Mesh, SumsItsCentreInSinglePrecisionInVertexOrder) {
+    // 16777216 + 1 is 16777216 in single precision, twice; the other way round it would be 16777218.
+    Mesh mesh({At(16777216, 1, 0), At(1, 1, 0), At(1, 16777216, 0)}, {}, L"", false);
+    mesh.ComputeCenter();
+    EXPECT_EQ(mesh.m_fCenter[0], 16777216.0f / 3.0f);
+    EXPECT_EQ(mesh.m_fCenter[1], 16777218.0f / 3.0f);
+}
+
+TEST(Mesh, WithoutVerticesLeavesItsCentreAsItWas) {
+    Mesh mesh(L"", false);
+    mesh.m_fCenter[0] = 4;
+    mesh.ComputeCenter();
+    float center[3];
+    mesh.GetCenter(center);
+    EXPECT_THAT(center, ElementsAre(4, 0, 0));
+}
+
+TEST(Mesh, BakesATransformIntoPositionsAndNormals) {
+    Mesh mesh({{1, 2, 3, 0, 2, 0}, {4, 5, 6, 1, 0, 0}}, {}, L"", false);
+    mesh.m_bBuffersDirty = false;
+    mesh.m_bCenterValid = true;
+    CACADQTrafo quarterAboutZ;
+    quarterAboutZ.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);  // x, y to -y, x
+    mesh.ApplyTrafo(quarterAboutZ);
+    ExpectPosition(mesh.m_vVertices[0], 8, 21, 33);
+    ExpectPosition(mesh.m_vVertices[1], 5, 24, 36);
+    ExpectNormal(mesh.m_vVertices[0], -2, 0, 0);
+    ExpectNormal(mesh.m_vVertices[1], 0, 1, 0);
+    EXPECT_TRUE(mesh.m_bBuffersDirty);
+    EXPECT_FALSE(mesh.m_bCenterValid);
+    EXPECT_NEAR(mesh.m_fBoundingBox[0], 5, 1e-5);
+    EXPECT_NEAR(mesh.m_fBoundingBox[5], 36, 1e-5);
+}
+
+TEST(Mesh, TakesATransformOutAgainAndLeavesTheBuffersAlone) {
+    Mesh mesh({{8, 21, 33, -2, 0, 0}, {5, 24, 36, 0, 1, 0}}, {}, L"", false);
+    mesh.m_bBuffersDirty = false;
+    mesh.m_bCenterValid = true;
+    CACADQTrafo quarterAboutZ;
+    quarterAboutZ.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);
+    mesh.RevertTrafo(quarterAboutZ);
+    ExpectPosition(mesh.m_vVertices[0], 1, 2, 3);
+    ExpectPosition(mesh.m_vVertices[1], 4, 5, 6);
+    ExpectNormal(mesh.m_vVertices[0], 0, 2, 0);
+    ExpectNormal(mesh.m_vVertices[1], 1, 0, 0);
+    EXPECT_FALSE(mesh.m_bBuffersDirty);
+    EXPECT_FALSE(mesh.m_bCenterValid);
+    EXPECT_NEAR(mesh.m_fBoundingBox[0], 1, 1e-5);
+}
+
+TEST(Mesh, RotatesInDoubleAndAddsTheTranslationInFloat) {
+    // The rotated position rounds to 0.1f before the translation, which rounds to 16777216, is added.
+    Mesh mesh({At(0.1f, 0, 0)}, {}, L"", false);
+    CACADQTrafo shift;
+    shift.Set(1, 0, 0, 0, 1, 0, 0, 0, 1, 16777217.0, 0.25, 0);
+    mesh.ApplyTrafo(shift);
+    EXPECT_EQ(mesh.m_vVertices[0].x, 16777216.0f);
+    EXPECT_EQ(mesh.m_vVertices[0].y, 0.25f);
+}
+
+TEST(Mesh, NormalisesTheSumOfUnitFaceNormals) {
+    // +z twice as large in area as +x, and both count the same.
+    Mesh mesh({At(0, 0, 0), At(2, 0, 0), At(0, 1, 0), At(0, 0, 1)}, {{{0, 1, 2}}, {{0, 2, 3}}}, L"", false);
+    mesh.ComputeVertexNormals();
+    const auto half = static_cast<float>(std::sqrt(0.5));
+    ExpectNormal(mesh.m_vVertices[0], half, 0, half);
+    ExpectNormal(mesh.m_vVertices[1], 0, 0, 1);
+    ExpectNormal(mesh.m_vVertices[3], 1, 0, 0);
+}
+
+TEST(Mesh, GivesNoNormalToVerticesWithCollinearTrianglesAlone) {
+    Mesh mesh({{0, 0, 0, 9, 9, 9}, {1, 0, 0, 9, 9, 9}, {2, 0, 0, 9, 9, 9}, {0, 1, 0, 9, 9, 9}},
+              {{{0, 1, 2}}, {{0, 1, 3}}}, L"", false);
+    mesh.ComputeVertexNormals();
+    ExpectNormal(mesh.m_vVertices[0], 0, 0, 1);
+    ExpectNormal(mesh.m_vVertices[2], 0, 0, 0);
+}
+
+TEST(Mesh, TellsTheUnitNormalOfATriangle) {
+    const Mesh mesh({At(1, 1, 1), At(1, 4, 1), At(1, 1, 6), At(1, 7, 1)}, {{{0, 1, 2}}, {{0, 1, 3}}}, L"", false);
+    float x, y, z;
+    mesh.GetTriangleNormal(0, &x, &y, &z);
+    EXPECT_EQ(x, 1);
+    EXPECT_EQ(y, 0);
+    EXPECT_EQ(z, 0);
+    mesh.GetTriangleNormal(1, &x, &y, &z);
+    EXPECT_EQ(x, 0) << "collinear";
+    EXPECT_EQ(y, 0);
+    EXPECT_EQ(z, 0);
+}
+
+TEST(Mesh, ReleasesSpareCapacity) {
+    Mesh mesh({At(0, 0, 0), At(1, 0, 0), At(0, 1, 0)}, OneTriangle(), L"", false);
+    mesh.m_vVertices.reserve(1000);
+    mesh.m_vTriangles.reserve(1000);
+    mesh.ShrinkToFit();
+    EXPECT_EQ(mesh.m_vVertices.capacity(), 3u);
+    EXPECT_EQ(mesh.m_vTriangles.capacity(), 1u);
+}
+
+TEST(Mesh, MarksItsBuffersDirtyOnlyWhenTheBlendChanges) {
+    Mesh mesh(L"", false);
+    mesh.m_bBuffersDirty = false;
+    mesh.SetBlendColors(false);
+    EXPECT_FALSE(mesh.m_bBuffersDirty);
+    mesh.SetBlendColors(true);
+    EXPECT_TRUE(mesh.m_bBuffersDirty);
+    EXPECT_TRUE(mesh.m_bBlendObjectColor);
+    mesh.m_bBuffersDirty = false;
+    mesh.SetBlendColors(true);
+    EXPECT_FALSE(mesh.m_bBuffersDirty);
+    mesh.MarkBuffersDirty();
+    EXPECT_TRUE(mesh.m_bBuffersDirty);
+}
+
+class MeshClone : public testing::Test {
+protected:
+    // Four triangles on six vertices; vertex 5 hangs on the last triangle alone.
+    Mesh m_mesh{{At(0, 0, 0), At(1, 0, 0), At(2, 0, 0), At(0, 3, 0), At(1, 1, 0), At(9, 9, 9)},
+                {{{4, 3, 0}}, {{0, 1, 4}}, {{1, 2, 4}}, {{2, 5, 4}}},
+                L"scan.pcm",
+                true};
+};
+
+TEST_F(MeshClone, KeepsTheVerticesInTheOrderOfTheirFirstUse) {
+    const std::uint32_t removeVertex2[] = {1u << 2};
+    const auto clone = m_mesh.CloneWithoutVertices(removeVertex2);
+    ASSERT_EQ(clone->m_vTriangles.size(), 2u);
+    EXPECT_TRUE(clone->m_vTriangles[0] == (Triangle{{0, 1, 2}}));
+    EXPECT_TRUE(clone->m_vTriangles[1] == (Triangle{{2, 3, 0}}));
+    ASSERT_EQ(clone->m_vVertices.size(), 4u) << "vertex 5 had no other triangle";
+    ExpectPosition(clone->m_vVertices[0], 1, 1, 0);
+    ExpectPosition(clone->m_vVertices[1], 0, 3, 0);
+    ExpectPosition(clone->m_vVertices[2], 0, 0, 0);
+    ExpectPosition(clone->m_vVertices[3], 1, 0, 0);
+    EXPECT_EQ(clone->m_vVertices.capacity(), 4u);
+    EXPECT_THAT(clone->m_fBoundingBox, ElementsAre(0, 1, 0, 3, -0.01f, 0.01f));
+}
+
+TEST_F(MeshClone, CarriesWhatDescribesTheObjectAndNotItsCuts) {
+    m_mesh.m_Trafo.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);
+    m_mesh.m_fColor[0] = 0.5f;  // 127.5 becomes 127
+    m_mesh.m_bGrayColors = false;
+    m_mesh.m_vpCutMasks.emplace_back();
+    m_mesh.m_bBuffersDirty = false;
+    const std::uint32_t none[] = {0};
+    const auto clone = m_mesh.CloneWithoutVertices(none);
+    EXPECT_EQ(clone->m_sName, L"scan.pcm");
+    EXPECT_TRUE(clone->m_bHasVertexColors);
+    EXPECT_FALSE(clone->m_bGrayColors);
+    EXPECT_NEAR(clone->m_Trafo.m_dRotation[1], 1, 1e-15);
+    EXPECT_EQ(clone->m_Trafo.m_dTranslation[2], 30);
+    EXPECT_FLOAT_EQ(clone->m_fColor[0], 127.0f / 255.0f);
+    EXPECT_TRUE(clone->m_bBuffersDirty);
+    EXPECT_TRUE(clone->m_vpCutMasks.empty());
+    EXPECT_EQ(clone->GetTriangleCount(), 4u);
+    EXPECT_EQ(clone->GetVertexCount(), 6u);
+}
+
+TEST_F(MeshClone, TakesTheTextureCoordinatesOfTheKeptTriangles) {
+    for (int i = 0; i < 12; ++i) m_mesh.m_vTexCoords.push_back({static_cast<float>(i), static_cast<float>(-i)});
+    const std::uint32_t removeVertex3[] = {1u << 3};
+    const auto clone = m_mesh.CloneWithoutVertices(removeVertex3);
+    ASSERT_EQ(clone->m_vTexCoords.size(), 9u);
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(clone->m_vTexCoords[static_cast<std::size_t>(i)].u, static_cast<float>(i + 3));
+        EXPECT_EQ(clone->m_vTexCoords[static_cast<std::size_t>(i)].v, static_cast<float>(-i - 3));
+    }
+}
+
+TEST_F(MeshClone, ReadsBitsOfLaterWords) {
+    std::vector<Vertex> vertices(70, At(0, 0, 0));
+    Mesh mesh(std::move(vertices), {{{0, 1, 69}}, {{0, 1, 37}}, {{0, 1, 5}}}, L"", false);
+    const std::uint32_t remove69[] = {0, 0, 1u << 5};
+    EXPECT_EQ(mesh.CloneWithoutVertices(remove69)->GetTriangleCount(), 2u);
+    const std::uint32_t remove37[] = {0, 1u << 5, 0};
+    const auto clone = mesh.CloneWithoutVertices(remove37);
+    EXPECT_EQ(clone->GetTriangleCount(), 2u);
+    EXPECT_EQ(clone->GetVertexCount(), 4u);
+}
+
+TEST_F(MeshClone, WithoutAllVerticesIsEmptyWithTheDefaultBox) {
+    const std::uint32_t all[] = {0xFFFFFFFF};
+    const auto clone = m_mesh.CloneWithoutVertices(all);
+    EXPECT_EQ(clone->GetVertexCount(), 0u);
+    EXPECT_EQ(clone->GetTriangleCount(), 0u);
+    EXPECT_THAT(clone->m_fBoundingBox, ElementsAre(-1, 1, -1, 1, -1, 1));
+}
