@@ -1,0 +1,17 @@
+// Any bytes as an xdt file: refused, or a grid whose arrays have the size that it tells.
+#include <cstdlib>
+
+#include "io/GridReaders.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    try {
+        MeasurementGrid grid = ReadXdt({reinterpret_cast<const std::byte*>(data), size});
+        const auto pixels = static_cast<std::size_t>(grid.m_iWidth) * static_cast<std::size_t>(grid.m_iHeight);
+        if (grid.m_vPoints.size() != 3 * pixels || !grid.m_vConfidence.empty()) std::abort();
+        if (12 * pixels > 4 * size) std::abort();  // out of proportion
+        ScaleXdtPoints(grid.m_vPoints);
+        if (XdtMask(grid.m_vPoints).size() != pixels) std::abort();
+    } catch (const MeasurementReadError&) {
+    }
+    return 0;
+}
