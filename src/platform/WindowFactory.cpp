@@ -3,13 +3,15 @@
 
 #include "platform/NoPictureWindow.h"
 #include "platform/OffscreenWindow.h"
+#include "platform/X11Window.h"
 
 std::unique_ptr<PaneWindow> MakePaneWindow(const PaneWindowRequest& request) {
     switch (request.kind) {
-        case PaneWindowRequest::Kind::OffScreen:
-            return std::make_unique<OffscreenWindow>(request);
         case PaneWindowRequest::Kind::Child:
         case PaneWindowRequest::Kind::TopLevel:
+            return std::make_unique<X11Window>(request);
+        case PaneWindowRequest::Kind::OffScreen:
+            return std::make_unique<OffscreenWindow>(request);
         case PaneWindowRequest::Kind::NoPicture:
             break;
     }

@@ -1,0 +1,225 @@
+// GLX 1.3 formats and contexts by attributes. The swap interval stays as the driver has it: the user's settings decide
+// whether a swap waits for the screen.
+#include "platform/GlxContext.h"
+
+#include <GL/glew.h>
+#include <GL/glx.h>
+#include <X11/Xutil.h>
+
+#include <algorithm>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/CurrentContext.h"
+
+namespace {
+
+struct XDeleter {
+    void operator()(void* data) const { XFree(data); }
+};
+template <typename T>
+using XOwned = std::unique_ptr<T, XDeleter>;
+
+constexpr const char* kBootstrapTitle = "InitWIndow";
+constexpr unsigned kBootstrapSide = 100;
+
+bool HasFormats(Display* display) {
+    int major = 0, minor = 0;
+    return glXQueryExtension(display, nullptr, nullptr) == True && glXQueryVersion(display, &major, &minor) == True &&
+           (major > 1 || minor >= 3);
+}
+
+bool HasExtension(Display* display, int screen, std::string_view name) {
+    const char* const text = glXQueryExtensionsString(display, screen);
+    std::istringstream words(text == nullptr ? "" : text);
+    for (std::string word; words >> word;)
+        if (word == name) return true;
+    return false;
+}
+
+int Value(Display* display, GLXFBConfig config, int attribute) {
+    int value = 0;
+    glXGetFBConfigAttrib(display, config, attribute, &value);
+    return value;
+}
+
+int VisualDepth(Display* display, GLXFBConfig config) {
+    const XOwned<XVisualInfo> visual(glXGetVisualFromFBConfig(display, config));
+    return visual == nullptr ? 0 : visual->depth;
+}
+
+GLXFBConfig FindConfig(Display* display, int screen, const PixelFormatAttributes& attributes) {
+    if (!HasFormats(display)) return nullptr;
+    const int colorSize = std::min(attributes.colorBits / 4, 8);
+    const int wanted[] = {GLX_X_RENDERABLE,
+                          True,
+                          GLX_DRAWABLE_TYPE,
+                          GLX_WINDOW_BIT,
+                          GLX_RENDER_TYPE,
+                          GLX_RGBA_BIT,
+                          GLX_X_VISUAL_TYPE,
+                          GLX_TRUE_COLOR,
+                          GLX_RED_SIZE,
+                          colorSize,
+                          GLX_GREEN_SIZE,
+                          colorSize,
+                          GLX_BLUE_SIZE,
+                          colorSize,
+                          GLX_ALPHA_SIZE,
+                          attributes.alphaBits,
+                          GLX_DEPTH_SIZE,
+                          attributes.depthBits,
+                          GLX_STENCIL_SIZE,
+                          attributes.stencilBits,
+                          GLX_DOUBLEBUFFER,
+                          attributes.doubleBuffer ? True : False,
+                          GLX_SAMPLE_BUFFERS,
+                          attributes.sampleBuffers,
+                          GLX_SAMPLES,
+                          attributes.samples,
+                          None};
+    int count = 0;
+    const XOwned<GLXFBConfig> list(glXChooseFBConfig(display, screen, wanted, &count));
+    std::vector<GLXFBConfig> configs(list.get(), list.get() + (list == nullptr ? 0 : count));
+    std::erase_if(configs, [&](GLXFBConfig config) {
+        return Value(display, config, GLX_SAMPLES) != attributes.samples || VisualDepth(display, config) == 0;
+    });
+    if (configs.empty()) return nullptr;
+    // Under a compositor a visual deeper than the screen's shows what lies behind wherever a frame leaves alpha
+    // below 1.
+    const int screenDepth = DefaultDepth(display, screen);
+    const auto opaque = std::find_if(configs.begin(), configs.end(),
+                                     [&](GLXFBConfig config) { return VisualDepth(display, config) == screenDepth; });
+    return opaque == configs.end() ? configs.front() : *opaque;
+}
+
+GLXFBConfig ConfigOfNumber(Display* display, int screen, std::int32_t number) {
+    int count = 0;
+    const XOwned<GLXFBConfig> list(HasFormats(display) ? glXGetFBConfigs(display, screen, &count) : nullptr);
+    for (int i = 0; i < count; ++i)
+        if (Value(display, list.get()[i], GLX_FBCONFIG_ID) == number) return list.get()[i];
+    return nullptr;
+}
+
+}  // namespace
+
+GlxContext::~GlxContext() {
+    EndBootstrap();
+    Delete();
+    if (m_nSurface != 0 && m_connection.IsAlive()) glXDestroyWindow(m_connection.Get(), m_nSurface);
+}
+
+BootstrapReport GlxContext::BeginBootstrap() {
+    BootstrapReport report;
+    PixelFormatAttributes wanted;
+    wanted.stencilBits = 8;
+    Display* const display = m_connection.Get();
+    const X11Connection::Attempt attempt(m_connection);
+    if (!m_connection.IsAlive()) return report;
+    const GLXFBConfig config = FindConfig(display, m_nScreen, wanted);
+    if (config == nullptr) return report;
+    report.formatNumber = Value(display, config, GLX_FBCONFIG_ID);
+    if (!MakeBootstrapContext(config) || !attempt.Succeeded()) return report;
+    report.contextMade = true;
+    glewExperimental = GL_TRUE;
+    report.entryPointsLoaded = glewInit() == GLEW_OK;
+    report.pixelFormatExtension = HasFormats(display);
+    report.createContextExtension = HasExtension(display, m_nScreen, "GLX_ARB_create_context") &&
+                                    HasExtension(display, m_nScreen, "GLX_ARB_create_context_profile");
+    report.version33 = report.entryPointsLoaded && GLEW_VERSION_3_3;
+    return report;
+}
+
+bool GlxContext::MakeBootstrapContext(void* config) {
+    Display* const display = m_connection.Get();
+    const XOwned<XVisualInfo> visual(glXGetVisualFromFBConfig(display, static_cast<GLXFBConfig>(config)));
+    const Window root = RootWindow(display, m_nScreen);
+    m_nBootstrapColors = XCreateColormap(display, root, visual->visual, AllocNone);
+    XSetWindowAttributes attributes{};
+    attributes.colormap = m_nBootstrapColors;
+    m_nBootstrapWindow = XCreateWindow(display, root, 0, 0, kBootstrapSide, kBootstrapSide, 0, visual->depth,
+                                       InputOutput, visual->visual, CWColormap | CWBorderPixel, &attributes);
+    XStoreName(display, m_nBootstrapWindow, kBootstrapTitle);
+    m_pBootstrapContext = glXCreateNewContext(display, static_cast<GLXFBConfig>(config), GLX_RGBA_TYPE, nullptr, True);
+    if (m_pBootstrapContext == nullptr) return false;
+    ReleaseCurrentEgl();
+    return glXMakeCurrent(display, m_nBootstrapWindow, static_cast<GLXContext>(m_pBootstrapContext)) == True;
+}
+
+void GlxContext::EndBootstrap() {
+    Display* const display = m_connection.Get();
+    if (m_pBootstrapContext != nullptr) {
+        const GLXContext context = static_cast<GLXContext>(m_pBootstrapContext);
+        if (glXGetCurrentContext() == context) ReleaseCurrentGlx();
+        glXDestroyContext(display, context);
+    }
+    if (m_nBootstrapWindow != 0) XDestroyWindow(display, m_nBootstrapWindow);
+    if (m_nBootstrapColors != 0) XFreeColormap(display, m_nBootstrapColors);
+    m_pBootstrapContext = nullptr;
+    m_nBootstrapWindow = m_nBootstrapColors = 0;
+}
+
+std::int32_t GlxContext::FindFormat(const PixelFormatAttributes& attributes) const {
+    if (!m_connection.IsAlive()) return 0;
+    const GLXFBConfig config = FindConfig(m_connection.Get(), m_nScreen, attributes);
+    return config == nullptr ? 0 : Value(m_connection.Get(), config, GLX_FBCONFIG_ID);
+}
+
+GlxContext::WindowFormat GlxContext::SetFormat(std::int32_t format) {
+    if (!m_connection.IsAlive()) return {};
+    const GLXFBConfig config = ConfigOfNumber(m_connection.Get(), m_nScreen, format);
+    if (config == nullptr) return {};
+    const XOwned<XVisualInfo> visual(glXGetVisualFromFBConfig(m_connection.Get(), config));
+    if (visual == nullptr) return {};
+    m_pConfig = config;
+    return {visual->visual, visual->depth};
+}
+
+bool GlxContext::Attach(unsigned long window) {
+    const X11Connection::Attempt attempt(m_connection);
+    m_nSurface = glXCreateWindow(m_connection.Get(), static_cast<GLXFBConfig>(m_pConfig), window, nullptr);
+    return attempt.Succeeded();
+}
+
+bool GlxContext::Create(const ContextAttributes& attributes) {
+    if (m_nSurface == 0 || m_pContext != nullptr || !m_connection.IsAlive()) return false;
+    const auto create = reinterpret_cast<PFNGLXCREATECONTEXTATTRIBSARBPROC>(
+        glXGetProcAddressARB(reinterpret_cast<const GLubyte*>("glXCreateContextAttribsARB")));
+    if (create == nullptr) return false;
+    const int wanted[] = {GLX_CONTEXT_MAJOR_VERSION_ARB,
+                          attributes.major,
+                          GLX_CONTEXT_MINOR_VERSION_ARB,
+                          attributes.minor,
+                          GLX_CONTEXT_PROFILE_MASK_ARB,
+                          GLX_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB,
+                          None};
+    const X11Connection::Attempt attempt(m_connection);
+    m_pContext = create(m_connection.Get(), static_cast<GLXFBConfig>(m_pConfig), nullptr, True, wanted);
+    if (m_pContext != nullptr && !attempt.Succeeded()) Delete();
+    return m_pContext != nullptr;
+}
+
+bool GlxContext::IsCurrent() const {
+    return m_pContext != nullptr && glXGetCurrentContext() == m_pContext && glXGetCurrentDrawable() == m_nSurface;
+}
+
+bool GlxContext::MakeCurrent() {
+    ReleaseCurrentEgl();
+    if (glXMakeContextCurrent(m_connection.Get(), m_nSurface, m_nSurface, static_cast<GLXContext>(m_pContext)) == True)
+        return true;
+    ReleaseCurrentGlx();
+    return false;
+}
+
+void GlxContext::Delete() {
+    if (m_pContext == nullptr) return;
+    const GLXContext context = static_cast<GLXContext>(m_pContext);
+    if (glXGetCurrentContext() == context) ReleaseCurrentGlx();
+    glXDestroyContext(m_connection.Get(), context);
+    m_pContext = nullptr;
+}
+
+void GlxContext::SwapBuffers() { glXSwapBuffers(m_connection.Get(), m_nSurface); }

@@ -1,0 +1,78 @@
+// A window of an X server, a child of the host's window or top-level, drawn by GLX. Every window has a connection of
+// its own: what the host does on its connections, and other viewers on theirs, never mixes with it.
+#pragma once
+#include <memory>
+
+#include "platform/GlxContext.h"
+#include "platform/QueuedWindow.h"
+#include "platform/X11Connection.h"
+
+union _XEvent;
+
+/// The X window is made in SetPixelFormat(), with the visual of the format: X gives a window its visual for life.
+class X11Window final : public QueuedWindow {
+public:
+    explicit X11Window(const PaneWindowRequest& request) : QueuedWindow(request), m_request(request) {}
+    ~X11Window() override { Destroy(); }
+    X11Window(const X11Window&) = delete;
+    X11Window& operator=(const X11Window&) = delete;
+
+    [[nodiscard]] bool Exists() const override;
+    [[nodiscard]] std::uintptr_t NativeHandle() const override { return Exists() ? m_nWindow : 0; }
+    bool Reparent(std::uintptr_t parent, std::int32_t x, std::int32_t y) override;
+    /// The size holds at once. A size that no X window can have changes nothing.
+    void Resize(std::int32_t width, std::int32_t height) override;
+
+    BootstrapReport BeginBootstrap() override;
+    bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) override;
+    void EndBootstrap() override;
+    bool SetPixelFormat(std::int32_t format) override;
+    bool CreateContext(const ContextAttributes& attributes) override;
+    bool MakeCurrent() override;
+    void DeleteContext() override;
+    [[nodiscard]] void* ContextHandle() const override { return m_pGlx == nullptr ? nullptr : m_pGlx->Handle(); }
+    void SwapBuffers() override;
+
+    void SetCapture() override;
+    void ReleaseCapture() override;
+    [[nodiscard]] bool HasCapture() const override { return m_bCapture; }
+    void SetCursor(PaneCursor cursor) override;
+    void BeginWaitCursor() override;
+    void EndWaitCursor() override;
+
+protected:
+    bool Open(std::string* reason) override;
+    void Close() override;
+    void Show() override;
+    void HandleSystemEvents() override;
+
+private:
+    class RoundTrip;
+    struct Parent {
+        unsigned long window = 0;
+        int screen = 0;
+    };
+
+    bool FindParent(std::uintptr_t handle, Parent* parent, std::string* reason);
+    bool MakeWindow(const GlxContext::WindowFormat& format);
+    void DescribeToWindowManager();
+    /// The window system took the window, whether its event was handled or only waits.
+    bool IsTaken();
+    void HandleEvent(const _XEvent& event);
+    void TakeConfiguration(const _XEvent& event);
+    void ShowCursor();
+    [[nodiscard]] bool IsChild() const { return m_request.kind == PaneWindowRequest::Kind::Child; }
+
+    PaneWindowRequest m_request;  ///< parent and place follow what happens to the window
+    std::unique_ptr<X11Connection> m_pConnection;
+    std::unique_ptr<GlxContext> m_pGlx;
+    Parent m_parent;
+    unsigned long m_nWindow = 0;
+    unsigned long m_nColors = 0;
+    unsigned long m_nDeleteWindow = 0;  ///< the atom by which a window manager asks to close
+    unsigned long m_nResizeSerial = 0;  ///< request of the last Resize(); configurations from before it are stale
+    bool m_bCapture = false;
+    PaneCursor m_cursor = PaneCursor::Default;
+    int m_nWaitCursors = 0;
+    unsigned long m_nShownCursor = 0;
+};
