@@ -66,6 +66,8 @@ struct Surface {
     Vec3 color{1, 1, 1};     ///< of the vertex; white without vertex colours
     Vec3 tint{1, 1, 1};      ///< colour of the light
     bool front = true;       ///< whether its front face is seen
+    /// The triangle that the place is on: the lit programs find the light's direction at its corners only.
+    std::array<Vec3, 3> corners{};
 };
 
 /// What SetReflection() sets on the front material.
@@ -96,12 +98,23 @@ struct ProgramLight {
     double specular = 0.0;
 };
 
+/// Shares of the three corners in a place of their plane.
+inline Vec3 CornerShares(const std::array<Vec3, 3>& corners, const Vec3& p) {
+    const Vec3 a = corners[1] - corners[0], b = corners[2] - corners[0], d = p - corners[0];
+    const double aa = Dot(a, a), ab = Dot(a, b), bb = Dot(b, b), da = Dot(d, a), db = Dot(d, b);
+    const double determinant = aa * bb - ab * ab;
+    const double v = (bb * da - ab * db) / determinant, w = (aa * db - ab * da) / determinant;
+    return {1.0 - v - w, v, w};
+}
+
 inline ProgramLight LightOfPrograms(const Camera& camera, const Surface& s) {
-    const Vec3 p = camera.ToEye(s.position);
+    const Vec3 shares = CornerShares(s.corners, s.position);
+    Vec3 light{0, 0, 0};  // shorter than 1 between the corners
+    for (std::size_t i = 0; i < 3; ++i)
+        light = light + shares[i] * Unit(Vec3{0.0, 5.0, 0.0} - camera.ToEye(s.corners[i]));
     const Vec3 n = Unit(camera.TurnToEye(s.normal));
-    const Vec3 light = Unit(Vec3{0.0, 5.0, 0.0} - p);
-    const Vec3 mirrored = 2.0 * Dot(n, light) * n - light;
-    const double nDotR = std::max(Dot(Unit(-1.0 * p), mirrored), 0.0);
+    const Vec3 mirrored = Unit(2.0 * Dot(n, light) * n - light);
+    const double nDotR = std::max(Dot(Unit(-1.0 * camera.ToEye(s.position)), mirrored), 0.0);
     return {std::max(s.front ? Dot(light, n) : -Dot(light, n), 0.0), std::pow(nDotR, 100.0)};
 }
 
