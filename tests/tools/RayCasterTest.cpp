@@ -133,6 +133,17 @@ TEST(RayCaster, TakesTheFirstOfTrianglesAtTheSameDistance) {
     EXPECT_EQ(RayCaster(mesh).Nearest({{0.25f, 0.25f, 1}, {0, 0, -1}}).triangle, 0);
 }
 
+TEST(RayCaster, ARayThatPassesAnEdgeByLessThanAFloatCanTellMeetsTheNeighbourAlone) {
+    // The edge from b to c passes the ray at 2^-27; the products that tell the side differ by 2^-26 and round to the
+    // same float. a and d lie on its two sides.
+    const float e = 0x1p-13f;
+    const Vec3 b{-1, -(1 - e), -1}, c{1 + e, 1, -1}, a{0, 1, -1}, d{0, -1, -1};
+    TriangleMesh mesh;
+    mesh.AddTriangle(a, b, c);
+    mesh.AddTriangle(d, c, b);
+    EXPECT_EQ(RayCaster(mesh).Nearest({{0, 0, 0}, {0, 0, -1}}).triangle, 1);
+}
+
 TEST(RayCaster, AnEmptyMeshIsNeverHit) {
     EXPECT_FALSE(RayCaster(TriangleMesh{}).Nearest({{0, 0, 1}, {0, 0, -1}}).IsHit());
     EXPECT_FALSE(RayCaster(TriangleMesh{}).Nearest({{0, 0, 1}, {1, 1, 1}}).IsHit());

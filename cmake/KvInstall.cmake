@@ -1,0 +1,36 @@
+# What `cmake --install` puts down: public headers, the two libraries, the programs, and the package KV_ScenePane. Included
+# last, when all targets are there.
+include(CMakePackageConfigHelpers)
+
+set(KV_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/KV_ScenePane")
+
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/KV_ScenePane" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
+        FILES_MATCHING PATTERN "*.h")
+install(FILES "${PROJECT_SOURCE_DIR}/libs/MSRDLL/include/MSRDLL/Msr.h" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/MSRDLL")
+install(TARGETS simulate-scans RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+
+set_target_properties(kv_msrdll PROPERTIES EXPORT_NAME MSRDLL)
+target_compile_features(KV_ScenePane INTERFACE cxx_std_20)
+install(TARGETS KV_ScenePane kv_msrdll EXPORT KV_ScenePaneTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(EXPORT KV_ScenePaneTargets NAMESPACE KV_ScenePane:: DESTINATION "${KV_PACKAGE_DIR}")
+
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/KV_ScenePaneConfig.cmake.in"
+                              "${PROJECT_BINARY_DIR}/KV_ScenePaneConfig.cmake" INSTALL_DESTINATION "${KV_PACKAGE_DIR}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/KV_ScenePaneConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePaneConfig.cmake" "${PROJECT_BINARY_DIR}/KV_ScenePaneConfigVersion.cmake"
+        DESTINATION "${KV_PACKAGE_DIR}")
+
+if(KV_BUILD_TESTS)
+  set(flags "${CMAKE_CXX_FLAGS}")
+  if(KV_SANITIZE)
+    string(APPEND flags " -fsanitize=${KV_SANITIZE}")
+  endif()
+  add_test(NAME Package.AnOutsideProjectBuildsAndRunsAgainstTheInstalledTree
+           COMMAND "${CMAKE_COMMAND}" "-DBUILD_DIR=${PROJECT_BINARY_DIR}" "-DSOURCE_DIR=${PROJECT_SOURCE_DIR}"
+                   "-DWORK_DIR=${PROJECT_BINARY_DIR}/package-test" "-DCONFIG=${CMAKE_BUILD_TYPE}"
+                   "-DCXX_COMPILER=${CMAKE_CXX_COMPILER}" "-DCXX_FLAGS=${flags}" "-DLIBDIR=${CMAKE_INSTALL_LIBDIR}"
+                   -P "${PROJECT_SOURCE_DIR}/tests/package/package_test.cmake")
+  set_tests_properties(Package.AnOutsideProjectBuildsAndRunsAgainstTheInstalledTree PROPERTIES LABELS package TIMEOUT 300)
+endif()

@@ -1,0 +1,55 @@
+// Shows a mesh made in memory on an off-screen viewer, and calls the measurement library; exit status 0 when all is
+// well.
+#include <KV_ScenePane/ScenePane.h>
+#include <MSRDLL/Msr.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+KV_ScenePane::MeshBuffers Square() {
+    KV_ScenePane::MeshBuffers mesh(false);
+    mesh.m_vVertices.resize(4);
+    for (std::size_t i = 0; i < 4; ++i) {
+        mesh.m_vVertices[i].x = i % 2 == 0 ? 0.0f : 10.0f;
+        mesh.m_vVertices[i].y = i < 2 ? 0.0f : 10.0f;
+        mesh.m_vVertices[i].nz = 1.0f;
+    }
+    mesh.m_vTriangles = {{{0, 1, 2}}, {{1, 3, 2}}};
+    return mesh;
+}
+
+int Fail(const std::string& reason) {
+    std::fprintf(stderr, "consumer: %s\n", reason.c_str());
+    return 1;
+}
+
+}  // namespace
+
+int main() {
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::OffScreen;
+    request.width = 200;
+    request.height = 100;
+    std::string reason;
+    const auto pane = KV_ScenePane::CreateScenePane(request, &reason);
+    if (!pane) return Fail("no viewer: " + reason);
+
+    const KV_ScenePane::MeshBuffers square = Square();
+    pane->Methods().ImportMeshedMeasurement(&square, L"square", 0x0000FF);
+    if (pane->Methods().GetNumObjects() != 1) return Fail("the mesh is not in the scene");
+    std::int32_t vertices = 0, triangles = 0;
+    pane->Methods().GetMeshDataSize(0, &vertices, &triangles);
+    if (vertices != 4 || triangles != 2) return Fail("the mesh has other counts");
+
+    pane->Methods().CenterView();
+    KV_ScenePane::Picture picture;
+    if (!pane->CapturePicture(&picture)) return Fail("no picture");
+    if (picture.width != 200 || picture.height != 100) return Fail("the picture has another size");
+
+    MsrStorage::MSR measurement;
+    if (measurement.Load(L"/nowhere.pcm", false, true, false)) return Fail("a file that is not there was loaded");
+    return 0;
+}

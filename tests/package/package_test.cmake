@@ -1,0 +1,36 @@
+# Installs the built tree into an empty prefix, and configures, builds and runs an outside project against it.
+# Called with -DBUILD_DIR, -DSOURCE_DIR, -DWORK_DIR, -DCONFIG, -DCXX_COMPILER, -DCXX_FLAGS, -DLIBDIR.
+function(step)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    list(JOIN ARGN " " command)
+    message(FATAL_ERROR "${command}\nended with ${result}:\n${output}")
+  endif()
+endfunction()
+
+function(expect_file)
+  foreach(file ${ARGN})
+    if(NOT EXISTS "${WORK_DIR}/prefix/${file}")
+      message(FATAL_ERROR "not installed: ${file}")
+    endif()
+  endforeach()
+endfunction()
+
+file(REMOVE_RECURSE "${WORK_DIR}")
+file(MAKE_DIRECTORY "${WORK_DIR}")
+step("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
+expect_file(include/KV_ScenePane/ScenePane.h include/MSRDLL/Msr.h ${LIBDIR}/libKV_ScenePane.so ${LIBDIR}/libMSRDLL.so
+            ${LIBDIR}/cmake/KV_ScenePane/KV_ScenePaneConfig.cmake bin/simulate-scans)
+
+# Moved, so that no path of the first place can have been kept.
+file(RENAME "${WORK_DIR}/prefix" "${WORK_DIR}/moved")
+step("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/package/consumer" -B "${WORK_DIR}/build" -G Ninja
+     "-DCMAKE_PREFIX_PATH=${WORK_DIR}/moved" "-DCMAKE_BUILD_TYPE=${CONFIG}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
+     "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" --no-warn-unused-cli)
+step("${CMAKE_COMMAND}" --build "${WORK_DIR}/build")
+step("${WORK_DIR}/build/consumer")
+step("${WORK_DIR}/moved/bin/simulate-scans" --version)
+if(EXISTS "${WORK_DIR}/moved/bin/scenepane")
+  step("${WORK_DIR}/moved/bin/scenepane" --version)
+endif()
+file(REMOVE_RECURSE "${WORK_DIR}")
