@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "KV_ScenePane/PathText.h"
+#include "platform/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "values are taken from the file as they stand");
 
@@ -123,6 +124,7 @@ ZeroedFloats::ZeroedFloats(std::size_t count) : m_uCount(count) {
     if (count == 0) return;
     m_pValues.reset(static_cast<float*>(std::calloc(count, sizeof(float))));
     if (!m_pValues) throw std::bad_alloc();
+    AdviseHugePages(m_pValues.get(), count * sizeof(float));
 }
 
 void ZeroedFloats::Free::operator()(float* values) const { std::free(values); }

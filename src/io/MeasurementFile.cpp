@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "MSRDLL/Msr.h"
+#include "platform/HugePages.h"
 
 namespace {
 
@@ -25,12 +26,26 @@ public:
         ++m_pAt;
         return *this;
     }
+    ScaledIterator& operator--() {
+        --m_pAt;
+        return *this;
+    }
+    ScaledIterator& operator+=(std::ptrdiff_t n) {
+        m_pAt += n;
+        return *this;
+    }
     friend std::ptrdiff_t operator-(ScaledIterator a, ScaledIterator b) { return a.m_pAt - b.m_pAt; }
     friend bool operator==(ScaledIterator, ScaledIterator) = default;
 
 private:
     const float* m_pAt;
 };
+
+template <class T>
+void ReserveHuge(std::vector<T>& values, std::size_t count) {
+    values.reserve(count);
+    AdviseHugePages(values.data(), count * sizeof(T));
+}
 
 MeasurementData ReadMeasurement(MsrStorage::MSR& msr, float confidenceLimit) {
     const float* points = msr.GetXYZ();
@@ -45,8 +60,10 @@ MeasurementData ReadMeasurement(MsrStorage::MSR& msr, float confidenceLimit) {
     const std::size_t pixels = static_cast<std::size_t>(data.m_iWidth) * static_cast<std::size_t>(data.m_iHeight);
     std::copy_n(trafo, data.m_fTrafo.size(), data.m_fTrafo.begin());
     for (const std::size_t translation : {3, 7, 11}) data.m_fTrafo[translation] *= kFileToSceneScale;
-    data.m_vXYZ = std::vector<float>(ScaledIterator(points), ScaledIterator(points + 3 * pixels));
+    ReserveHuge(data.m_vXYZ, 3 * pixels);
+    data.m_vXYZ.assign(ScaledIterator(points), ScaledIterator(points + 3 * pixels));
 
+    ReserveHuge(data.m_vMask, pixels);
     data.m_vMask.resize(pixels);
     int masked = 0;
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -55,7 +72,10 @@ MeasurementData ReadMeasurement(MsrStorage::MSR& msr, float confidenceLimit) {
         masked += skip;
     }
     data.m_iMasked = masked;
-    if (const std::uint32_t* colors = msr.GetColorData()) data.m_vColors.assign(colors, colors + pixels);
+    if (const std::uint32_t* colors = msr.GetColorData()) {
+        ReserveHuge(data.m_vColors, pixels);
+        data.m_vColors.assign(colors, colors + pixels);
+    }
     return data;
 }
 
