@@ -1,52 +1,127 @@
-// From a measurement grid to a mesh: quad patterns, sliver test, and the road to an object. The vertices of the reduced
-// grid come from GridVertexList.cpp.
+// From a measurement grid to a mesh: the road from rows of points to vertices and triangles, and to an object. What is
+// kept is decided in GridQuads.cpp, the normals come from GridNormals.cpp, averaged cells from GridVertexList.cpp.
 #include "geometry/GridTriangulation.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <cstring>
+#include <optional>
+#include <utility>
 
+#include "geometry/GridNormals.h"
+#include "geometry/GridQuads.h"
+#include "geometry/GridRows.h"
+#include "geometry/HugePages.h"
 #include "geometry/MeanNormals.h"
 
 namespace {
 
 float Dot(const float* a, const float* b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
-using VertexRow = std::vector<const Vertex*>;
+Float4 AsFloat4(Int4 bits) {
+    Float4 value;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
 
-struct RowPairTriangulator {
-    std::vector<std::int32_t> m_vPrevRow, m_vNextRow;  // index of the vertex of each grid point, -1 without one
+void TransformRow(const float* m, std::size_t width, Vec3Row& points) {
+    for (std::size_t x = 0; x < width; x += 4) {
+        const Vec3x4 p = points.Load(x);
+        points.Store(x, {p.x * m[0] + p.y * m[1] + p.z * m[2] + m[3], p.x * m[4] + p.y * m[5] + p.z * m[6] + m[7],
+                         p.x * m[8] + p.y * m[9] + p.z * m[10] + m[11]});
+    }
+}
 
-    void TriangulateRowPair(const VertexRow& upper, const VertexRow& lower, float sliverLimit,
-                            std::vector<Vertex>* vertices, std::vector<Triangle>* triangles) {
-        struct Corner {
-            const Vertex* vertex;
-            std::int32_t* index;
-        };
-        const auto add = [&](const Corner& p0, const Corner& p1, const Corner& p2) {
-            const int sliver = IsSliver(&p0.vertex->x, &p1.vertex->x, &p2.vertex->x, sliverLimit);
-            Triangle triangle;
-            int i = 0;
-            for (const Corner& corner : {p0, p1, p2}) {
-                if (*corner.index < 0) {
-                    *corner.index = static_cast<std::int32_t>(vertices->size());
-                    vertices->push_back(*corner.vertex);
-                }
-                triangle.v[i++] = *corner.index;
-            }
-            if (sliver == 0) triangles->push_back(triangle);
-        };
-        for (std::size_t x = 0; x + 1 < upper.size(); ++x) {
-            const Corner a{upper[x], &m_vPrevRow[x]}, b{upper[x + 1], &m_vPrevRow[x + 1]};
-            const Corner c{lower[x], &m_vNextRow[x]}, d{lower[x + 1], &m_vNextRow[x + 1]};
-            const bool hasA = a.vertex, hasB = b.vertex, hasC = c.vertex, hasD = d.vertex;
-            if (hasA && hasB && hasC) add(a, c, b);
-            if (hasB && hasC && hasD) add(c, d, b);
-            if (hasA && hasB && !hasC && hasD) add(a, d, b);
-            if (hasA && !hasB && hasC && hasD) add(a, c, d);
+// Four rows of four to four columns.
+void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
+    const Float4 ab01 = __builtin_shufflevector(a, b, 0, 4, 1, 5), ab23 = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+    const Float4 cd01 = __builtin_shufflevector(c, d, 0, 4, 1, 5), cd23 = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+    a = __builtin_shufflevector(ab01, cd01, 0, 1, 4, 5);
+    b = __builtin_shufflevector(ab01, cd01, 2, 3, 6, 7);
+    c = __builtin_shufflevector(ab23, cd23, 0, 1, 4, 5);
+    d = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
+}
+
+// Writes the vertices of one row of the grid to their places. The indices are padded with -1.
+void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vector<std::int32_t>& indices,
+                    std::size_t width, std::size_t y, std::vector<Vertex>& vertices) {
+    const auto firstGridIndex = static_cast<std::int32_t>(y << 16);
+    for (std::size_t x = 0; x < width; x += 4) {
+        if (!HasAny(LoadInt4(&indices[x]) >= 0)) continue;
+        const Vec3x4 p = row.m_points.Load(x), n = normals.Load(x);
+        Int4 colors;
+        std::memcpy(&colors, &row.m_vColors[x], sizeof(colors));
+        const auto column = static_cast<std::int32_t>(x);
+        Float4 front[4] = {p.x, p.y, p.z, n.x};
+        Float4 back[4] = {n.y, n.z, AsFloat4(colors), AsFloat4(firstGridIndex + (column + Int4{0, 1, 2, 3}))};
+        Transpose(front[0], front[1], front[2], front[3]);
+        Transpose(back[0], back[1], back[2], back[3]);
+        for (std::size_t lane = 0; lane < 4; ++lane) {
+            const std::int32_t index = indices[x + lane];
+            if (index < 0) continue;
+            const Float4 record[2] = {front[lane], back[lane]};
+            static_assert(sizeof(record) == sizeof(Vertex));
+            std::memcpy(&vertices[static_cast<std::size_t>(index)], record, sizeof(record));
         }
     }
+}
+
+struct TriangulationOptions {
+    float sliverLimit = kMaxEdgeCosine;
+    const float* trafo = nullptr;  // applied to the vertices; the sliver test acts on the points as they come
+    bool withNormals = false;
 };
+
+void TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::vector<Vertex>& vertices,
+                     std::vector<Triangle>& triangles) {
+    const GridQuads quads(rows, options.sliverLimit);
+    ReserveExactly(vertices, quads.VertexCount());
+    ReserveExactly(triangles, quads.TriangleCount());
+    if (quads.VertexCount() == 0) return;
+
+    const std::size_t width = rows.Width();
+    PointRow upper(width), lower(width);
+    GridIndexer indexer(width);
+    std::optional<GridNormals> normals;
+    if (options.withNormals) normals.emplace(width);
+    const Vec3Row noNormals(width + PointRow::kPadding);
+    const auto load = [&](std::size_t y, PointRow& row) {
+        rows.Load(y, row);
+        if (options.trafo != nullptr) TransformRow(options.trafo, width, row.m_points);
+    };
+    const auto writeUpperRow = [&](std::size_t y) {
+        WriteVertexRow(upper, normals ? normals->UpperRow() : noNormals, indexer.UpperRow(), width, y, vertices);
+    };
+    load(0, upper);
+    std::size_t y = 0;
+    for (; y + 1 < rows.Height(); ++y) {
+        load(y + 1, lower);
+        indexer.TriangulateRowPair(quads.Row(y));
+        triangles.insert(triangles.end(), indexer.TrianglesBegin(), indexer.TrianglesEnd());
+        vertices.resize(indexer.VertexCount());  // within the capacity; filled while it is in the cache
+        if (normals) normals->AddRowPair(upper, lower, quads.Row(y));
+        writeUpperRow(y);
+        std::swap(upper, lower);
+        indexer.Advance();
+    }
+    if (normals) normals->FinishLowerRow();
+    writeUpperRow(y);
+}
+
+void TriangulateGridWith(const TriangulationOptions& options, std::int16_t width, std::int16_t height,
+                         const float* points, const std::uint16_t* mask, const std::uint32_t* colors, std::int32_t skip,
+                         std::vector<Vertex>& vertices, std::vector<Triangle>& triangles) {
+    assert(width >= 0 && height >= 0 && skip >= 1);
+    if (skip == 1) {  // straight from the pixels: a list of them would be as large as the mesh
+        GridRows pixels(width, height, points, mask, colors);
+        TriangulateRows(pixels, options, vertices, triangles);
+        return;
+    }
+    const GridVertexList list = BuildGridVertexList(width, height, points, mask, colors, skip);
+    GridRows cells(list);
+    TriangulateRows(cells, options, vertices, triangles);
+}
 
 }  // namespace
 
@@ -71,53 +146,21 @@ bool HasNonGrayColor(const std::uint32_t* colors, std::int64_t count) {
 void TriangulateGrid(std::int16_t width, std::int16_t height, const float* points, const std::uint16_t* mask,
                      const std::uint32_t* colors, std::int32_t skip, float sliverLimit, std::vector<Vertex>* vertices,
                      std::vector<Triangle>* triangles) {
-    vertices->clear();
-    triangles->clear();
-    const GridVertexList list = BuildGridVertexList(width, height, points, mask, colors, skip);
-    if (list.m_vVertices.empty()) return;
-    const auto gridWidth = static_cast<std::size_t>(list.m_iWidth);
-    RowPairTriangulator triangulator{std::vector<std::int32_t>(gridWidth, -1),
-                                     std::vector<std::int32_t>(gridWidth, -1)};
-    vertices->reserve(list.m_vVertices.size());
-    triangles->reserve(2 * list.m_vVertices.size());
-    auto next = list.m_vVertices.begin();
-    const auto loadRow = [&](std::int32_t row, VertexRow& cells) {
-        cells.assign(gridWidth, nullptr);
-        for (; next != list.m_vVertices.end() && next->gridIndex >> 16 == static_cast<std::uint32_t>(row); ++next)
-            cells[next->gridIndex & 0xFFFF] = &*next;
-    };
-    VertexRow upper, lower;
-    loadRow(0, upper);
-    for (std::int32_t y = 0; y + 1 < list.m_iHeight; ++y) {
-        loadRow(y + 1, lower);
-        triangulator.TriangulateRowPair(upper, lower, sliverLimit, vertices, triangles);
-        std::swap(upper, lower);
-        std::swap(triangulator.m_vPrevRow, triangulator.m_vNextRow);
-        std::fill(triangulator.m_vNextRow.begin(), triangulator.m_vNextRow.end(), -1);
-    }
+    TriangulateGridWith({.sliverLimit = sliverLimit}, width, height, points, mask, colors, skip, *vertices, *triangles);
 }
 
 std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t width, std::int16_t height,
                                          const float* points, const std::uint16_t* mask, const float* trafo,
                                          std::uint32_t color, const std::uint32_t* colors, bool allowEmpty,
                                          std::int32_t skip) {
-    std::vector<Vertex> vertices;
-    std::vector<Triangle> triangles;
-    TriangulateGrid(width, height, points, mask, colors, skip, kMaxEdgeCosine, &vertices, &triangles);
-    if (!allowEmpty && (vertices.empty() || triangles.empty())) return nullptr;
-    auto mesh = std::make_unique<Mesh>(std::move(vertices), std::move(triangles), name, colors != nullptr);
+    auto mesh = std::make_unique<Mesh>(name, colors != nullptr);
+    TriangulateGridWith({.trafo = trafo, .withNormals = true}, width, height, points, mask, colors, skip,
+                        mesh->m_vVertices, mesh->m_vTriangles);
+    if (!allowEmpty && (mesh->m_vVertices.empty() || mesh->m_vTriangles.empty())) return nullptr;
     if (trafo != nullptr) {
         const float* m = trafo;
-        for (Vertex& v : mesh->m_vVertices) {
-            const float x = v.x, y = v.y, z = v.z;
-            v.x = x * m[0] + y * m[1] + z * m[2] + m[3];
-            v.y = x * m[4] + y * m[5] + z * m[6] + m[7];
-            v.z = x * m[8] + y * m[9] + z * m[10] + m[11];
-        }
         mesh->m_Trafo.Set(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10], m[3], m[7], m[11]);
     }
-    mesh->ComputeVertexNormals();
-    mesh->ShrinkToFit();
     mesh->ComputeBoundingBox();
     const bool hasOwnColors = HasNonGrayColor(colors, std::int64_t{width} * height);
     mesh->m_bGrayColors = !hasOwnColors;
@@ -133,7 +176,5 @@ std::unique_ptr<MeshBuffers> CreateInternalMeshBuffers(std::int16_t width, std::
                     &buffers->m_vTriangles);
     if (!allowEmpty && (buffers->m_vVertices.empty() || buffers->m_vTriangles.empty())) return nullptr;
     ComputeMeanNormals(*buffers);
-    buffers->m_vTriangles.shrink_to_fit();
-    buffers->m_vVertices.shrink_to_fit();
     return buffers;
 }

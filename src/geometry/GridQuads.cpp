@@ -1,0 +1,133 @@
+// Judges the quads of a grid, four at a time, and numbers the vertices of their triangles.
+#include "geometry/GridQuads.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace {
+
+using Byte4 = std::uint8_t __attribute__((vector_size(4)));
+
+// The same comparison as in IsSliver(): a quotient that is not a number does not exceed the limit.
+Int4 IsSliver4(const Vec3x4& p0, const Vec3x4& p1, const Vec3x4& p2, Float4 squaredLimit) {
+    const Vec3x4 e0 = p0 - p1, e1 = p1 - p2, e2 = p2 - p0;
+    const Float4 s0 = Dot(e0, e0), s1 = Dot(e1, e1), s2 = Dot(e2, e2);
+    const Float4 d10 = Dot(e1, e0), d21 = Dot(e2, e1), d20 = Dot(e2, e0);
+    return (d10 * d10 / (s1 * s0) > squaredLimit) | (d21 * d21 / (s2 * s1) > squaredLimit) |
+           (d20 * d20 / (s2 * s0) > squaredLimit);
+}
+
+void JudgeRowPair(const PointRow& upper, const PointRow& lower, std::size_t width, Float4 squaredLimit,
+                  std::uint8_t* quads) {
+    for (std::size_t x = 0; x + 1 < width; x += 4) {
+        const Int4 hasA = LoadInt4(&upper.m_vValid[x]), hasB = LoadInt4(&upper.m_vValid[x + 1]);
+        const Int4 hasC = LoadInt4(&lower.m_vValid[x]), hasD = LoadInt4(&lower.m_vValid[x + 1]);
+        const Int4 hasFirst = hasA & hasC & (hasB | hasD), hasSecond = hasD & hasB & (hasC | hasA);
+        if (!HasAny(hasFirst | hasSecond)) continue;  // the bytes are zero already
+        const Vec3x4 a = upper.m_points.Load(x), b = upper.m_points.Load(x + 1);
+        const Vec3x4 c = lower.m_points.Load(x), d = lower.m_points.Load(x + 1);
+        const Int4 isFirst = hasFirst & ~IsSliver4(a, c, Select(hasB, b, d), squaredLimit);
+        const Int4 isSecond = hasSecond & ~IsSliver4(Select(hasC, c, a), d, b, squaredLimit);
+        const Int4 corners = (hasA & kQuadA) | (hasB & kQuadB) | (hasC & kQuadC) | (hasD & kQuadD);
+        const Int4 bits = ((hasFirst | hasSecond) & corners) | (isFirst & kQuadFirst) | (isSecond & kQuadSecond);
+        const auto bytes = __builtin_convertvector(bits, Byte4);
+        std::memcpy(quads + x, &bytes, sizeof(bytes));
+    }
+}
+
+// In bytes as long as they cannot overflow: that is what the compiler makes wide vectors of.
+template <typename BitAt>
+std::size_t CountBits(std::size_t size, const BitAt& bitAt) {
+    std::size_t count = 0;
+    for (std::size_t begin = 0; begin < size; begin += 64) {
+        const std::size_t end = std::min(size, begin + 64);
+        std::uint8_t part = 0;
+        for (std::size_t i = begin; i < end; ++i) part = static_cast<std::uint8_t>(part + bitAt(i));
+        count += part;
+    }
+    return count;
+}
+
+}  // namespace
+
+GridQuads::GridQuads(GridRows& rows, float sliverLimit)
+    // Four bytes are written at once, up to three of them beyond the last quad.
+    : m_uStride(kLeft + rows.Width() + 4), m_vQuads(m_uStride * (rows.Height() + 1)) {
+    const std::size_t width = rows.Width(), height = rows.Height();
+    if (width < 2 || height < 2) return;
+    const float limit = sliverLimit < 0 ? std::numeric_limits<float>::infinity() : sliverLimit;
+    const Float4 squaredLimit = SplatFloat4(limit * limit);
+    PointRow upper(width), lower(width);
+    rows.Load(0, upper);
+    for (std::size_t y = 0; y + 1 < height; ++y) {
+        rows.Load(y + 1, lower);
+        std::uint8_t* const quads = RowToWrite(y);
+        JudgeRowPair(upper, lower, width, squaredLimit, quads);
+        m_uTriangleCount += CountBits(
+            width, [quads](std::size_t x) { return ((quads[x] / kQuadFirst) & 1) + ((quads[x] / kQuadSecond) & 1); });
+        std::swap(upper, lower);
+    }
+    CountVertices(width, height);
+}
+
+// A grid point becomes a vertex when one of the four quads around it has three corners and the point among them.
+void GridQuads::CountVertices(std::size_t width, std::size_t height) {
+    for (std::size_t y = 0; y < height; ++y) {
+        const std::uint8_t* const below = RowToWrite(y);
+        const std::uint8_t* const above = below - m_uStride;
+        m_uVertexCount += CountBits(width, [above, below](std::size_t x) {
+            return ((above[x - 1] >> 3) | (above[x] >> 2) | (below[x - 1] >> 1) | below[x]) & 1;
+        });
+    }
+}
+
+GridIndexer::GridIndexer(std::size_t width)
+    : m_uWidth(width),
+      m_vPrevRow(width + PointRow::kPadding, -1),
+      m_vNextRow(width + PointRow::kPadding, -1),
+      m_vTriangles(2 * width) {}
+
+void GridIndexer::TriangulateRowPair(const std::uint8_t* quads) {
+    std::int32_t* const prev = m_vPrevRow.data();
+    std::int32_t* const next = m_vNextRow.data();
+    std::int32_t count = m_iVertexCount;
+    const auto touch = [&count](std::int32_t& index) {
+        if (index < 0) index = count++;
+    };
+    Triangle* out = m_vTriangles.data();
+    for (std::size_t x = 0; x + 1 < m_uWidth; ++x) {
+        const std::uint32_t quad = quads[x];
+        if (quad == 0) continue;
+        std::int32_t &a = prev[x], &b = prev[x + 1], &c = next[x], &d = next[x + 1];
+        switch (quad & kQuadCorners) {
+            case kQuadA | kQuadB | kQuadC | kQuadD:
+                touch(a), touch(c), touch(b), touch(d);
+                break;
+            case kQuadA | kQuadB | kQuadC:
+                touch(a), touch(c), touch(b);
+                break;
+            case kQuadA | kQuadB | kQuadD:
+                touch(a), touch(d), touch(b);
+                break;
+            case kQuadA | kQuadC | kQuadD:
+                touch(a), touch(c), touch(d);
+                break;
+            default:
+                touch(c), touch(d), touch(b);
+                break;
+        }
+        // A rejected triangle is overwritten by the next one: no branch for what is hard to foresee.
+        *out = {{a, c, (quad & kQuadB) != 0 ? b : d}};
+        out += (quad / kQuadFirst) & 1;
+        *out = {{(quad & kQuadC) != 0 ? c : a, d, b}};
+        out += (quad / kQuadSecond) & 1;
+    }
+    m_iVertexCount = count;
+    m_uTriangleCount = static_cast<std::size_t>(out - m_vTriangles.data());
+}
+
+void GridIndexer::Advance() {
+    std::swap(m_vPrevRow, m_vNextRow);
+    std::fill(m_vNextRow.begin(), m_vNextRow.end(), -1);
+}

@@ -1,0 +1,61 @@
+// The rows of a measurement grid, one after the other, in the form that the triangulation works on: coordinates in
+// arrays of their own, with room to read past the end. The grid is either one of pixels or a list of averaged cells.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "geometry/Float4.h"
+#include "geometry/GridTriangulation.h"
+
+/// Vectors over an array of floats per coordinate.
+struct Vec3Row {
+    std::vector<float> m_vX, m_vY, m_vZ;
+
+    explicit Vec3Row(std::size_t size) : m_vX(size), m_vY(size), m_vZ(size) {}
+    [[nodiscard]] Vec3x4 Load(std::size_t i) const {
+        return {LoadFloat4(&m_vX[i]), LoadFloat4(&m_vY[i]), LoadFloat4(&m_vZ[i])};
+    }
+    void Store(std::size_t i, const Vec3x4& value) {
+        ::Store(&m_vX[i], value.x);
+        ::Store(&m_vY[i], value.y);
+        ::Store(&m_vZ[i], value.z);
+    }
+};
+
+struct PointRow {
+    /// Entries that may be read beyond the last column; those grid points are not valid.
+    static constexpr std::size_t kPadding = 8;
+
+    explicit PointRow(std::size_t width)
+        : m_points(width + kPadding), m_vValid(width + kPadding), m_vColors(width + kPadding) {}
+
+    Vec3Row m_points;                    ///< what stands at a grid point that is not valid means nothing
+    std::vector<std::int32_t> m_vValid;  ///< -1 or 0
+    std::vector<std::uint32_t> m_vColors;
+};
+
+/// A view of a grid; what it was made from must outlive it.
+class GridRows {
+public:
+    /// A grid of pixels, as BuildGridVertexList() takes it.
+    GridRows(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
+             const std::uint32_t* colors);
+    explicit GridRows(const GridVertexList& cells);
+
+    [[nodiscard]] std::size_t Width() const { return m_uWidth; }
+    [[nodiscard]] std::size_t Height() const { return m_uHeight; }
+    /// Rows must be asked for from 0 upward without a gap; 0 starts again.
+    void Load(std::size_t y, PointRow& row);
+
+private:
+    void LoadPixels(std::size_t y, PointRow& row) const;
+    void LoadCells(std::size_t y, PointRow& row);
+
+    std::size_t m_uWidth, m_uHeight;
+    const float* m_pPoints = nullptr;
+    const std::uint16_t* m_pMask = nullptr;
+    const std::uint32_t* m_pColors = nullptr;
+    const GridVertexList* m_pCells = nullptr;
+    std::size_t m_uNextCell = 0;
+};
