@@ -100,6 +100,14 @@ void GridIndexer::TriangulateRowPair(const std::uint8_t* quads) {
         const std::uint32_t quad = quads[x];
         if (quad == 0) continue;
         std::int32_t &a = prev[x], &b = prev[x + 1], &c = next[x], &d = next[x + 1];
+        if ((quad & kQuadCorners) == kQuadCorners && (a | b | c) >= 0) {  // inside a surface: only D is new
+            d = count++;
+            *out = {{a, c, b}};
+            out += (quad / kQuadFirst) & 1;
+            *out = {{c, d, b}};
+            out += (quad / kQuadSecond) & 1;
+            continue;
+        }
         switch (quad & kQuadCorners) {
             case kQuadA | kQuadB | kQuadC | kQuadD:
                 touch(a), touch(c), touch(b), touch(d);

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -43,13 +45,52 @@ void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     d = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
 }
 
+/// The extremes of all vertices that were written, and what Mesh::ComputeBoundingBox() makes of them.
+class GridBox {
+public:
+    void Add(Int4 isVertex, const Vec3x4& p) {
+        AddAxis(isVertex, p.x, m_low.x, m_high.x);
+        AddAxis(isVertex, p.y, m_low.y, m_high.y);
+        AddAxis(isVertex, p.z, m_low.z, m_high.z);
+    }
+    void Give(Mesh& mesh) const {
+        if (mesh.m_vVertices.empty()) {
+            mesh.ComputeBoundingBox();
+            return;
+        }
+        const Vertex& first = mesh.m_vVertices.front();
+        const auto [minX, maxX] = Extremes(m_low.x, m_high.x, first.x);
+        const auto [minY, maxY] = Extremes(m_low.y, m_high.y, first.y);
+        const auto [minZ, maxZ] = Extremes(m_low.z, m_high.z, first.z);
+        mesh.SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
+    }
+
+private:
+    // A coordinate that is not a number is neither less nor greater.
+    static void AddAxis(Int4 isVertex, Float4 value, Float4& low, Float4& high) {
+        low = Select(isVertex & (value < low), value, low);
+        high = Select(isVertex & (value > high), value, high);
+    }
+    // The box is seeded from the first vertex: when that is not a number, nothing replaces it.
+    static std::pair<float, float> Extremes(Float4 low, Float4 high, float first) {
+        if (std::isnan(first)) return {first, first};
+        return {std::min({low[0], low[1], low[2], low[3]}), std::max({high[0], high[1], high[2], high[3]})};
+    }
+
+    static constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    Vec3x4 m_low{SplatFloat4(kInfinity), SplatFloat4(kInfinity), SplatFloat4(kInfinity)};
+    Vec3x4 m_high{SplatFloat4(-kInfinity), SplatFloat4(-kInfinity), SplatFloat4(-kInfinity)};
+};
+
 // Writes the vertices of one row of the grid to their places. The indices are padded with -1.
 void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vector<std::int32_t>& indices,
-                    std::size_t width, std::size_t y, std::vector<Vertex>& vertices) {
+                    std::size_t width, std::size_t y, std::vector<Vertex>& vertices, GridBox& box) {
     const auto firstGridIndex = static_cast<std::int32_t>(y << 16);
     for (std::size_t x = 0; x < width; x += 4) {
-        if (!HasAny(LoadInt4(&indices[x]) >= 0)) continue;
+        const Int4 isVertex = LoadInt4(&indices[x]) >= 0;
+        if (!HasAny(isVertex)) continue;
         const Vec3x4 p = row.m_points.Load(x), n = normals.Load(x);
+        box.Add(isVertex, p);
         Int4 colors;
         std::memcpy(&colors, &row.m_vColors[x], sizeof(colors));
         const auto column = static_cast<std::int32_t>(x);
@@ -73,12 +114,13 @@ struct TriangulationOptions {
     bool withNormals = false;
 };
 
-void TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::vector<Vertex>& vertices,
-                     std::vector<Triangle>& triangles) {
+GridBox TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::vector<Vertex>& vertices,
+                        std::vector<Triangle>& triangles) {
+    GridBox box;
     const GridQuads quads(rows, options.sliverLimit);
     ReserveExactly(vertices, quads.VertexCount());
     ReserveExactly(triangles, quads.TriangleCount());
-    if (quads.VertexCount() == 0) return;
+    if (quads.VertexCount() == 0) return box;
 
     const std::size_t width = rows.Width();
     PointRow upper(width), lower(width);
@@ -91,7 +133,7 @@ void TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::v
         if (options.trafo != nullptr) TransformRow(options.trafo, width, row.m_points);
     };
     const auto writeUpperRow = [&](std::size_t y) {
-        WriteVertexRow(upper, normals ? normals->UpperRow() : noNormals, indexer.UpperRow(), width, y, vertices);
+        WriteVertexRow(upper, normals ? normals->UpperRow() : noNormals, indexer.UpperRow(), width, y, vertices, box);
     };
     load(0, upper);
     std::size_t y = 0;
@@ -107,20 +149,20 @@ void TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::v
     }
     if (normals) normals->FinishLowerRow();
     writeUpperRow(y);
+    return box;
 }
 
-void TriangulateGridWith(const TriangulationOptions& options, std::int16_t width, std::int16_t height,
-                         const float* points, const std::uint16_t* mask, const std::uint32_t* colors, std::int32_t skip,
-                         std::vector<Vertex>& vertices, std::vector<Triangle>& triangles) {
+GridBox TriangulateGridWith(const TriangulationOptions& options, std::int16_t width, std::int16_t height,
+                            const float* points, const std::uint16_t* mask, const std::uint32_t* colors,
+                            std::int32_t skip, std::vector<Vertex>& vertices, std::vector<Triangle>& triangles) {
     assert(width >= 0 && height >= 0 && skip >= 1);
     if (skip == 1) {  // straight from the pixels: a list of them would be as large as the mesh
         GridRows pixels(width, height, points, mask, colors);
-        TriangulateRows(pixels, options, vertices, triangles);
-        return;
+        return TriangulateRows(pixels, options, vertices, triangles);
     }
     const GridVertexList list = BuildGridVertexList(width, height, points, mask, colors, skip);
     GridRows cells(list);
-    TriangulateRows(cells, options, vertices, triangles);
+    return TriangulateRows(cells, options, vertices, triangles);
 }
 
 }  // namespace
@@ -154,14 +196,14 @@ std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t 
                                          std::uint32_t color, const std::uint32_t* colors, bool allowEmpty,
                                          std::int32_t skip) {
     auto mesh = std::make_unique<Mesh>(name, colors != nullptr);
-    TriangulateGridWith({.trafo = trafo, .withNormals = true}, width, height, points, mask, colors, skip,
-                        mesh->m_vVertices, mesh->m_vTriangles);
+    const GridBox box = TriangulateGridWith({.trafo = trafo, .withNormals = true}, width, height, points, mask, colors,
+                                            skip, mesh->m_vVertices, mesh->m_vTriangles);
     if (!allowEmpty && (mesh->m_vVertices.empty() || mesh->m_vTriangles.empty())) return nullptr;
     if (trafo != nullptr) {
         const float* m = trafo;
         mesh->m_Trafo.Set(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10], m[3], m[7], m[11]);
     }
-    mesh->ComputeBoundingBox();
+    box.Give(*mesh);
     const bool hasOwnColors = HasNonGrayColor(colors, std::int64_t{width} * height);
     mesh->m_bGrayColors = !hasOwnColors;
     mesh->SetColorRef(hasOwnColors ? 0xFFFFFF : color);

@@ -41,6 +41,15 @@ void ExpectSame(const std::vector<Vertex>& vertices, const std::vector<Triangle>
 const float* PointsOf(const Grid& grid) { return grid.points.data(); }
 const std::uint32_t* ColorsOf(const Grid& grid) { return grid.colors.empty() ? nullptr : grid.colors.data(); }
 
+// By the operation that any mesh has.
+void ExpectSameBox(const Mesh& mesh) {
+    Mesh copy(std::vector<Vertex>(mesh.m_vVertices), {}, L"", false);
+    for (int i = 0; i < 6; ++i) {
+        const float side = mesh.m_fBoundingBox[i], expected = copy.m_fBoundingBox[i];
+        ASSERT_TRUE(side == expected || IsSame(side, expected)) << i << ": " << side << " instead of " << expected;
+    }
+}
+
 void ExpectSameRoads(const Grid& grid, int skip, const float* trafo) {
     const auto width = static_cast<std::int16_t>(grid.width), height = static_cast<std::int16_t>(grid.height);
     for (const float limit : {kMaxEdgeCosine, -1.0f, 0.5f, 0.0f}) {
@@ -62,6 +71,7 @@ void ExpectSameRoads(const Grid& grid, int skip, const float* trafo) {
         ASSERT_EQ(mesh == nullptr, isEmpty && !allowEmpty);
         if (!mesh) continue;
         ASSERT_NO_FATAL_FAILURE(ExpectSame(mesh->m_vVertices, mesh->m_vTriangles, expected));
+        ASSERT_NO_FATAL_FAILURE(ExpectSameBox(*mesh));
         ASSERT_EQ(mesh->m_vVertices.capacity(), mesh->m_vVertices.size());
         ASSERT_EQ(mesh->m_vTriangles.capacity(), mesh->m_vTriangles.size());
     }
