@@ -157,8 +157,10 @@ void CKV_ScenePaneCtrl::DrawScene() {
 
     const bool lassoIsDrawn = m_nInteractionMode == ModeLasso || m_nInteractionMode == ModeMaskLasso;
     if (m_bClipPlaneVisible != 0 && !lassoIsDrawn) {
-        glEnable(GL_DEPTH_TEST);  // stays on for what follows, as after a shadow pass
+        glPushAttrib(GL_DEPTH_BUFFER_BIT);
+        glEnable(GL_DEPTH_TEST);
         DrawClipPlane();
+        glPopAttrib();
     }
     glEnable(GL_LIGHTING);
     glEnable(GL_LIGHT0);

@@ -103,10 +103,12 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     glBindFramebuffer(GL_FRAMEBUFFER, m_nShadowFbo);
     glViewport(0, 0, m_nShadowMapWidth, m_nShadowMapHeight);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glEnable(GL_DEPTH_TEST);  // stays on for the scene
+    glPushAttrib(GL_DEPTH_BUFFER_BIT);  // or the selection would be tested for depth from the first shadow on
+    glEnable(GL_DEPTH_TEST);
     glUseProgram(m_progDepth);
     for (const auto& mesh : m_vpMeshes)
         if (mesh->m_iVisible != 0) mesh->Draw(2, false);  // full detail, whatever moves
+    glPopAttrib();
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
     glMatrixMode(GL_MODELVIEW);

@@ -126,10 +126,11 @@ protected:
         EXPECT_EQ(Get(GL_CURRENT_PROGRAM), 0);
         EXPECT_EQ(Get(GL_FRAMEBUFFER_BINDING), 0);
     }
+    /// The first number of a state.
     static GLint Get(GLenum name) {
-        GLint value = -1;
-        glGetIntegerv(name, &value);
-        return value;
+        GLint values[4] = {-1, -1, -1, -1};
+        glGetIntegerv(name, values);
+        return values[0];
     }
 
     [[nodiscard]] Vec3 ColorAt(int x, int y) const {

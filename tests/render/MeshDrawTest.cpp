@@ -1,0 +1,236 @@
+// What a mesh keeps on the GPU, and when it is made anew.
+#include <cstring>
+
+#include "render/SceneFixture.h"
+#include "render/VertexPacking.h"
+
+namespace {
+
+class MeshBuffersOnTheGpu : public SceneTest {
+protected:
+    static std::vector<std::uint8_t> Content(GLenum target, GLuint buffer) {
+        GLint size = 0;
+        glBindBuffer(target, buffer);
+        glGetBufferParameteriv(target, GL_BUFFER_SIZE, &size);
+        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+        glGetBufferSubData(target, 0, size, bytes.data());
+        glBindBuffer(target, 0);
+        return bytes;
+    }
+    static std::vector<std::uint32_t> Indices(GLuint buffer) {
+        const std::vector<std::uint8_t> bytes = Content(GL_ELEMENT_ARRAY_BUFFER, buffer);
+        std::vector<std::uint32_t> indices(bytes.size() / 4);
+        std::memcpy(indices.data(), bytes.data(), bytes.size());
+        return indices;
+    }
+    /// A fan whose triangle i has the corners (100 + i, i, i + 1).
+    static std::shared_ptr<Mesh> Fan(int triangleCount, bool hasColors) {
+        std::vector<Vertex> vertices;
+        std::vector<Triangle> triangles;
+        for (int i = 0; i < triangleCount + 100; ++i)
+            vertices.push_back(
+                MakeVertex({0.001 * i, 0.002 * i, 0.5}, {0, 0, 1}, 0xFF000000 + static_cast<std::uint32_t>(i)));
+        for (int i = 0; i < triangleCount; ++i) triangles.push_back({{100 + i, i, i + 1}});
+        return std::make_shared<Mesh>(std::move(vertices), std::move(triangles), std::wstring(), hasColors);
+    }
+    void DrawNow(Mesh& mesh, int mode = 3, bool reduced = false) {
+        ASSERT_TRUE(pane->MakeContextCurrent());
+        mesh.Draw(mode, reduced);
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+        EXPECT_EQ(Get(GL_ATTRIB_STACK_DEPTH), 0);
+    }
+};
+
+TEST_F(MeshBuffersOnTheGpu, HoldThePackedVerticesAndThreeKindsOfIndices) {
+    const auto mesh = Fan(25, false);
+    EXPECT_TRUE(mesh->m_bBuffersDirty);
+    DrawNow(*mesh);
+    EXPECT_FALSE(mesh->m_bBuffersDirty);
+    const auto vertices = Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer);
+    ASSERT_EQ(vertices.size(), 125u * 24);
+    for (std::size_t i = 0; i < 125; ++i) EXPECT_EQ(std::memcmp(&vertices[24 * i], &mesh->m_vVertices[i], 24), 0);
+
+    const auto corners = Indices(mesh->m_uTriangleBuffer);
+    ASSERT_EQ(corners.size(), 75u);
+    EXPECT_EQ((std::vector<std::uint32_t>(corners.begin() + 3, corners.begin() + 6)),
+              (std::vector<std::uint32_t>{101, 1, 2}));
+    const auto points = Indices(mesh->m_uPointBuffer);
+    ASSERT_EQ(points.size(), 25u);
+    EXPECT_EQ(points[24], 124u);
+    EXPECT_EQ(Indices(mesh->m_uReducedBuffer), (std::vector<std::uint32_t>{100, 110, 120}));
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOnTheGpu, OfAColouredMeshCarryTheBlendedColours) {
+    const auto mesh = Fan(3, true);
+    mesh->m_vVertices[7].color = 0x00FFFFFF;
+    mesh->m_fColor[1] = mesh->m_fColor[2] = 0.0f;
+    mesh->SetBlendColors(true);
+    DrawNow(*mesh);
+    const auto bytes = Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer);
+    ASSERT_EQ(bytes.size(), 103u * 28);
+    const auto color = bytes.begin() + 7 * 28 + 24;
+    EXPECT_EQ((std::vector<std::uint8_t>(color, color + 4)), (std::vector<std::uint8_t>{255, 38, 38, 255}));
+    mesh->ReleaseBuffers();
+}
+
+// More than one piece of the upload: 20,000 vertices of 24 bytes and 60,000 indices.
+TEST_F(MeshBuffersOnTheGpu, OfALargeMeshAreWhole) {
+    const auto mesh = Fan(70'000, false);
+    DrawNow(*mesh);
+    const auto vertices = Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer);
+    ASSERT_EQ(vertices.size(), 70'100u * 24);
+    std::size_t wrong = 0;
+    for (std::size_t i = 0; i < 70'100; ++i)
+        wrong += std::memcmp(&vertices[24 * i], &mesh->m_vVertices[i], 24) != 0 ? 1 : 0;
+    EXPECT_EQ(wrong, 0u);
+    const auto points = Indices(mesh->m_uPointBuffer);
+    ASSERT_EQ(points.size(), 70'000u);
+    for (std::uint32_t i = 0; i < 70'000; ++i) wrong += points[i] != 100 + i ? 1 : 0;
+    const auto reduced = Indices(mesh->m_uReducedBuffer);
+    ASSERT_EQ(reduced.size(), 7'000u);
+    for (std::uint32_t i = 0; i < 7'000; ++i) wrong += reduced[i] != 100 + 10 * i ? 1 : 0;
+    EXPECT_EQ(wrong, 0u);
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOnTheGpu, KeepTheirNamesAndShrinkWhenRebuilt) {
+    const auto mesh = Fan(25, false);
+    DrawNow(*mesh);
+    const GLuint names[] = {mesh->m_uVertexBuffer, mesh->m_uTriangleBuffer, mesh->m_uPointBuffer,
+                            mesh->m_uReducedBuffer};
+    mesh->m_vTriangles.resize(5);
+    mesh->MarkBuffersDirty();
+    DrawNow(*mesh);
+    EXPECT_EQ(mesh->m_uVertexBuffer, names[0]);
+    EXPECT_EQ(mesh->m_uTriangleBuffer, names[1]);
+    EXPECT_EQ(mesh->m_uPointBuffer, names[2]);
+    EXPECT_EQ(mesh->m_uReducedBuffer, names[3]);
+    EXPECT_EQ(Indices(names[1]).size(), 15u);
+    EXPECT_EQ(Indices(names[3]), (std::vector<std::uint32_t>{100}));
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOnTheGpu, AreNotTouchedWhileNothingIsDirty) {
+    const auto mesh = Fan(5, false);
+    DrawNow(*mesh);
+    mesh->m_vVertices[0].x = 77.0f;  // unmarked, so the GPU must not see it
+    DrawNow(*mesh);
+    float x = 0.0f;
+    std::memcpy(&x, Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer).data(), 4);
+    EXPECT_EQ(x, 0.0f);
+    mesh->MarkBuffersDirty();
+    DrawNow(*mesh);
+    std::memcpy(&x, Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer).data(), 4);
+    EXPECT_EQ(x, 77.0f);
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOnTheGpu, AreDirtyAfterAChangeOfTheBlendFlagOnly) {
+    const auto mesh = Fan(5, true);
+    DrawNow(*mesh);
+    mesh->SetBlendColors(false);
+    EXPECT_FALSE(mesh->m_bBuffersDirty);
+    mesh->SetBlendColors(true);
+    EXPECT_TRUE(mesh->m_bBuffersDirty);
+    DrawNow(*mesh);
+    mesh->SetBlendColors(true);
+    EXPECT_FALSE(mesh->m_bBuffersDirty);
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOnTheGpu, AreMadeInAnyModeThatDraws) {
+    for (const int mode : {0, 1, 2, 3, 4, 6}) {
+        const auto mesh = Fan(5, false);
+        DrawNow(*mesh, mode);
+        EXPECT_FALSE(mesh->m_bBuffersDirty) << mode;
+        EXPECT_NE(mesh->m_uVertexBuffer, 0u) << mode;
+        mesh->ReleaseBuffers();
+    }
+}
+
+TEST_F(MeshBuffersOnTheGpu, AreNotMadeWithoutTriangles) {
+    Mesh mesh(Square{}.Vertices(), {}, L"", false);
+    for (int mode = -1; mode < 8; ++mode) {
+        mesh.MarkBuffersDirty();
+        DrawNow(mesh, mode, mode % 2 == 0);
+        EXPECT_FALSE(mesh.m_bBuffersDirty);
+        EXPECT_EQ(mesh.m_uVertexBuffer, 0u);
+    }
+}
+
+TEST_F(MeshBuffersOnTheGpu, GoWithTheMesh) {
+    GLuint names[4] = {};
+    {
+        const auto mesh = Fan(5, false);
+        DrawNow(*mesh);
+        names[0] = mesh->m_uVertexBuffer, names[1] = mesh->m_uTriangleBuffer;
+        names[2] = mesh->m_uPointBuffer, names[3] = mesh->m_uReducedBuffer;
+        for (const GLuint name : names) EXPECT_EQ(glIsBuffer(name), GL_TRUE);
+    }
+    for (const GLuint name : names) EXPECT_EQ(glIsBuffer(name), GL_FALSE);
+}
+
+TEST_F(MeshBuffersOnTheGpu, ReleasedOnesAreMadeAgain) {
+    const auto mesh = Fan(5, false);
+    DrawNow(*mesh);
+    mesh->ReleaseBuffers();
+    EXPECT_EQ(mesh->m_uVertexBuffer + mesh->m_uTriangleBuffer + mesh->m_uPointBuffer + mesh->m_uReducedBuffer, 0u);
+    mesh->MarkBuffersDirty();
+    DrawNow(*mesh);
+    EXPECT_EQ(Indices(mesh->m_uTriangleBuffer).size(), 15u);
+    mesh->ReleaseBuffers();
+}
+
+// Not the current colour: Mesa 22.3 leaves it as a second glPushAttrib, glColor, glPopAttrib in a row set it.
+TEST_F(MeshBuffersOnTheGpu, DrawingPutsTheStateBack) {
+    const auto mesh = Fan(5, true);
+    DrawNow(*mesh, -1);
+    EXPECT_EQ(Get(GL_ELEMENT_ARRAY_BUFFER_BINDING), static_cast<GLint>(mesh->m_uReducedBuffer)) << "the last one built";
+    glPointSize(7.0f);
+    for (int mode = 0; mode < 8; ++mode) {
+        DrawNow(*mesh, mode, mode % 2 == 0);
+        GLfloat pointSize = 0.0f;
+        glGetFloatv(GL_POINT_SIZE, &pointSize);
+        EXPECT_EQ(pointSize, 7.0f);
+        EXPECT_EQ(Get(GL_SHADE_MODEL), GL_SMOOTH);
+        EXPECT_EQ(Get(GL_POLYGON_MODE), GL_FILL);
+        for (const GLenum state : {GL_LIGHTING, GL_LIGHT0, GL_DEPTH_TEST, GL_VERTEX_ARRAY, GL_NORMAL_ARRAY,
+                                   GL_COLOR_ARRAY, GL_TEXTURE_COORD_ARRAY})
+            EXPECT_EQ(glIsEnabled(state), GL_FALSE) << state;
+        if (mode < 4) {
+            EXPECT_EQ(Get(GL_ARRAY_BUFFER_BINDING), 0);
+            EXPECT_EQ(Get(GL_ELEMENT_ARRAY_BUFFER_BINDING), 0);
+        }
+    }
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOnTheGpu, OfATexturedMeshHoldEachCornerWithItsCoordinate) {
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    auto mesh = Fan(2, true);  // the texture wins over the vertex colours
+    mesh->m_vTexCoords = {{0, 0.1f}, {1, 0.2f}, {2, 0.3f}, {3, 0.4f}, {4, 0.5f}, {5, 0.6f}};
+    const std::vector<std::uint8_t> pixel{1, 2, 3, 4}, image{9, 8, 7};
+    mesh->CreateTexture(1, 1, pixel.data(), image);
+    EXPECT_EQ(mesh->m_pTexture->m_hContext, pane->m_hRC);
+    EXPECT_EQ(mesh->m_pTexture->m_vImageBytes, image);
+    DrawNow(*mesh);
+    const auto bytes = Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer);
+    ASSERT_EQ(bytes.size(), 6u * 32);
+    const int corners[] = {100, 0, 1, 101, 1, 2};
+    for (std::size_t i = 0; i < 6; ++i) {
+        EXPECT_EQ(std::memcmp(&bytes[32 * i], &mesh->m_vVertices[static_cast<std::size_t>(corners[i])], 24), 0);
+        EXPECT_EQ(std::memcmp(&bytes[32 * i + 24], &mesh->m_vTexCoords[i], 8), 0);
+    }
+    const GLuint texture = mesh->m_pTexture->m_uName;
+    EXPECT_EQ(glIsTexture(texture), GL_TRUE);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    GLint filter = 0;
+    glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filter);
+    EXPECT_EQ(filter, GL_LINEAR_MIPMAP_LINEAR);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    mesh.reset();
+    EXPECT_EQ(glIsTexture(texture), GL_FALSE);
+}
+
+}  // namespace
