@@ -71,6 +71,12 @@ bool PrintTo(std::FILE* out, const std::string& text) {
     return std::fwrite(text.data(), 1, text.size(), out) == text.size() && std::fflush(out) == 0;
 }
 
+int RunText(const std::string& text, std::FILE* out, std::FILE* err) {
+    if (PrintTo(out, text)) return kExitGood;
+    Complain(err, std::string("standard output: ") + strerrordesc_np(errno));
+    return kExitFailure;
+}
+
 int RunScreenshot(const HostOptions& options, std::FILE* err) {
     const DebugRouter router(ComplainOfTheRest(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
@@ -99,9 +105,7 @@ int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
     const SceneReport report = ImportFiles(*pane, options, err);
-    if (!PrintTo(out, options.json ? ReportJson(report) : ReportText(report))) {
-        Complain(err, std::string("standard output: ") + strerrordesc_np(errno));
-        return kExitFailure;
-    }
+    const int printed = RunText(options.json ? ReportJson(report) : ReportText(report), out, err);
+    if (printed != kExitGood) return printed;
     return report.failed.empty() ? kExitGood : kExitFailure;
 }

@@ -1,6 +1,7 @@
 // The runs without a window: a picture into a file, or numbers to standard output. No display, no Qt.
 #pragma once
 #include <cstdio>
+#include <string>
 
 #include "CommandLine.h"
 
@@ -14,6 +15,9 @@ inline constexpr int kExitWrongUsage = 2;
 
 /// Prints what the files hold to @p out. A failure to write is a failure of the run.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);
+
+/// Prints @p text to @p out. A failure to write is a failure of the run.
+[[nodiscard]] int RunText(const std::string& text, std::FILE* out, std::FILE* err);
 
 /// Writes all of @p text and flushes; false when the other end takes no more.
 [[nodiscard]] bool PrintTo(std::FILE* out, const std::string& text);

@@ -5,6 +5,7 @@
 #include <QDockWidget>
 #include <QLabel>
 #include <QProgressDialog>
+#include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
 
@@ -31,7 +32,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
     EnableActions();
-    resize(sizeHint());
+    resize(sizeHint().boundedTo(screen()->availableSize()));
 }
 
 MainWindow::~MainWindow() {
@@ -83,9 +84,7 @@ void MainWindow::OnViewerReady() {
     ShowDrawMode(m_options.drawMode);
     ShowShadows(m_options.shadows);
     EnableActions();
-    const std::vector<std::string> files = std::move(m_vWaitingFiles);
-    m_vWaitingFiles.clear();
-    if (!files.empty()) StartImport(files);
+    OpenWaitingFiles();
 }
 
 void MainWindow::OnViewerRefused(const QString& reason) {

@@ -27,7 +27,7 @@ public:
     explicit MainWindow(const HostOptions& options, QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    /// Imports the files in order; while an import runs they wait for its end.
+    /// Imports the files in order; they wait while there is no viewer yet or an import runs.
     void OpenFiles(const std::vector<std::string>& files);
     void CancelImport();
     [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr; }
@@ -72,6 +72,7 @@ private:
     [[nodiscard]] bool HaveObjects() const;
 
     // ---- MainWindowImport.cpp
+    void OpenWaitingFiles();
     void StartImport(const std::vector<std::string>& files);
     void OnImportFinished();
     void ReportResults();

@@ -28,12 +28,15 @@ std::vector<std::string> LocalFiles(const QMimeData& data) {
 }  // namespace
 
 void MainWindow::OpenFiles(const std::vector<std::string>& files) {
-    if (files.empty()) return;
-    const bool canStart = Pane() != nullptr && !IsImporting();
-    if (canStart)
-        StartImport(files);
-    else
-        m_vWaitingFiles.insert(m_vWaitingFiles.end(), files.begin(), files.end());
+    m_vWaitingFiles.insert(m_vWaitingFiles.end(), files.begin(), files.end());
+    OpenWaitingFiles();
+}
+
+void MainWindow::OpenWaitingFiles() {
+    if (Pane() == nullptr || IsImporting() || m_vWaitingFiles.empty()) return;
+    std::vector<std::string> files;
+    files.swap(m_vWaitingFiles);
+    StartImport(files);
 }
 
 void MainWindow::StartImport(const std::vector<std::string>& files) {
@@ -71,10 +74,7 @@ void MainWindow::OnImportFinished() {
     }
     EnableActions();
     emit ImportFinished();
-    if (m_pJob != nullptr || m_vWaitingFiles.empty() || Pane() == nullptr) return;
-    const std::vector<std::string> files = std::move(m_vWaitingFiles);
-    m_vWaitingFiles.clear();
-    StartImport(files);
+    OpenWaitingFiles();
 }
 
 void MainWindow::ReportResults() {

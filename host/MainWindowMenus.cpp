@@ -17,10 +17,10 @@ namespace {
 
 // In the order of the modes that SetViewMode takes.
 constexpr const char* kViewNames[] = {
-    QT_TRANSLATE_NOOP("MainWindow", "Back (from +Y)"),  QT_TRANSLATE_NOOP("MainWindow", "Front (from -Y)"),
-    QT_TRANSLATE_NOOP("MainWindow", "Right (from +X)"), QT_TRANSLATE_NOOP("MainWindow", "Left (from -X)"),
-    QT_TRANSLATE_NOOP("MainWindow", "Top (from +Z)"),   QT_TRANSLATE_NOOP("MainWindow", "Bottom, X to the right"),
-    QT_TRANSLATE_NOOP("MainWindow", "Oblique"),         QT_TRANSLATE_NOOP("MainWindow", "Bottom (from -Z)"),
+    QT_TRANSLATE_NOOP("MainWindow", "From +Y, Z up"), QT_TRANSLATE_NOOP("MainWindow", "From -Y, Z up"),
+    QT_TRANSLATE_NOOP("MainWindow", "From +X, Z up"), QT_TRANSLATE_NOOP("MainWindow", "From -X, Z up"),
+    QT_TRANSLATE_NOOP("MainWindow", "From +Z, Y up"), QT_TRANSLATE_NOOP("MainWindow", "From -Z, Y down"),
+    QT_TRANSLATE_NOOP("MainWindow", "Oblique, Z up"), QT_TRANSLATE_NOOP("MainWindow", "From -Z, Y up"),
 };
 
 // In the order of the render modes.
@@ -117,7 +117,7 @@ void MainWindow::AskForPointSize() {
 
 void MainWindow::AskForSkip() {
     bool accepted = false;
-    const int skip = QInputDialog::getInt(this, tr("Skip value"), tr("Keep every N-th grid point, N:"),
+    const int skip = QInputDialog::getInt(this, tr("Skip value"), tr("One point for N x N grid points, N:"),
                                           m_options.import.skip, 1, 32767, 1, &accepted);
     if (accepted) m_options.import.skip = static_cast<std::int16_t>(skip);
 }

@@ -11,6 +11,8 @@ MessagePane::MessagePane(QWidget* parent) : QPlainTextEdit(parent) {
     setLineWrapMode(QPlainTextEdit::NoWrap);
 }
 
+QSize MessagePane::sizeHint() const { return {QPlainTextEdit::sizeHint().width(), 6 * fontMetrics().height()}; }
+
 void MessagePane::AddText(const QString& text) {
     for (const QString& line : text.split('\n', Qt::SkipEmptyParts)) appendPlainText(line);
 }

@@ -30,6 +30,7 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setHeaderLabels({tr("Object"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
     setRootIsDecorated(false);
     setUniformRowHeights(true);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
         if (column == kName) emit VisibilityWanted(indexOfTopLevelItem(item), item->checkState(kName) == Qt::Checked);
     });

@@ -16,6 +16,8 @@ public:
     void RemoveObject(int index);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
+    /// Wide enough for all but the boxes.
+    [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
 
 signals:
     // The user's wishes; the list itself changes nothing but the check mark.

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <ostream>
+
+#include "host/CommaLocale.h"
 
 namespace {
 
@@ -87,10 +88,10 @@ TEST(CommandLine, KeepsBytesOfFileNamesThatAreNoUtf8) {
 }
 
 TEST(CommandLine, ReadsNumbersWithAPointWhateverTheLocale) {
-    for (const char* const name : {"de_DE.UTF-8", "C.UTF-8"}) std::setlocale(LC_ALL, name);
+    const CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
     EXPECT_EQ(Parsed({"--zoom", "1.5"}).zoom, 1.5f);
     EXPECT_EQ(Complaint({"--zoom", "1,5"}), "--zoom takes a number from 0.1 to 10, not \"1,5\"");
-    std::setlocale(LC_ALL, "C");
 }
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {

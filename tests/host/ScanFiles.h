@@ -21,8 +21,9 @@ inline std::vector<float> FlatGrid(int columns, int rows, float height, float sc
 }
 
 inline void AppendBytes(std::vector<std::byte>& bytes, const void* data, std::size_t size) {
-    const auto* const begin = static_cast<const std::byte*>(data);
-    bytes.insert(bytes.end(), begin, begin + size);
+    const std::size_t end = bytes.size();
+    bytes.resize(end + size);
+    std::memcpy(bytes.data() + end, data, size);
 }
 
 inline void AppendSize(std::vector<std::byte>& bytes, int columns, int rows) {

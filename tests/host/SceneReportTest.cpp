@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 
 #include "KV_ScenePane/PathText.h"
+#include "host/CommaLocale.h"
 
 namespace {
 
@@ -87,10 +87,10 @@ TEST(SceneReportText, ShowsObjectsAndFailuresWithTheBytesOfTheirNames) {
 }
 
 TEST(SceneReportNumbers, HaveAPointWhateverTheLocale) {
-    for (const char* const name : {"de_DE.UTF-8", "C.UTF-8"}) std::setlocale(LC_ALL, name);
+    const CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
     EXPECT_EQ(NumberText(1.5f), "1.5");
     EXPECT_EQ(NumberText(1234567.0f), "1234567");
-    std::setlocale(LC_ALL, "C");
 }
 
 TEST(SceneReportNumbers, ReadBackAsTheSameFloat) {

@@ -1,0 +1,287 @@
+#include "Headless.h"
+
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "host/CommaLocale.h"
+#include "host/ScanFiles.h"
+
+namespace {
+
+/// A stream that remembers what was printed.
+class Printed {
+public:
+    Printed() : m_file(open_memstream(&m_pText, &m_nSize)) {}
+    ~Printed() {
+        std::fclose(m_file);
+        std::free(m_pText);
+    }
+    Printed(const Printed&) = delete;
+    Printed& operator=(const Printed&) = delete;
+    operator std::FILE*() const { return m_file; }
+    [[nodiscard]] std::string Text() const {
+        std::fflush(m_file);
+        return {m_pText, m_nSize};
+    }
+
+private:
+    char* m_pText = nullptr;
+    std::size_t m_nSize = 0;
+    std::FILE* m_file;
+};
+
+struct Png {
+    int width = 0, height = 0;
+    std::vector<png_byte> bytes;
+    /// RRGGBB, y from the top.
+    [[nodiscard]] unsigned At(int x, int y) const {
+        const png_byte* const rgb = &bytes.at(static_cast<std::size_t>(3 * (y * width + x)));
+        return static_cast<unsigned>(rgb[0] << 16 | rgb[1] << 8 | rgb[2]);
+    }
+};
+
+Png ReadPng(const std::string& path) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    Png png;
+    if (png_image_begin_read_from_file(&image, path.c_str()) == 0) {
+        ADD_FAILURE() << path << ": " << image.message;
+        return png;
+    }
+    image.format = PNG_FORMAT_RGB;
+    png.width = static_cast<int>(image.width);
+    png.height = static_cast<int>(image.height);
+    png.bytes.resize(PNG_IMAGE_SIZE(image));
+    png_image_finish_read(&image, nullptr, png.bytes.data(), 0, nullptr);
+    return png;
+}
+
+constexpr unsigned kBackground = 0x191932;  // red first
+
+// ---- --info
+
+// A box without thickness is given 0.01 to both sides.
+TEST(Info, TellsOfFlatGridsWhatFollowsFromTheirPoints) {
+    const ScratchFolder folder;
+    WritePcm(folder / "a.pcm", 3, 2, 5.0f);
+    WritePax(folder / "b.pax", 4, 4);
+    WriteXdt(folder / "c.XDT", 2, 2);
+    HostOptions options;
+    options.json = true;
+    options.import.color = 0x302010;
+    options.files = {folder / "a.pcm", folder / "b.pax", folder / "c.XDT"};
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitGood);
+    EXPECT_EQ(err.Text(), "");
+    const std::string a = folder / "a.pcm", b = folder / "b.pax", c = folder / "c.XDT";
+    const std::string same =
+        ", \"color\": \"102030\", \"hasVertexColors\": false, \"transform\": [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, "
+        "0, 0, "
+        "1]}";
+    EXPECT_EQ(
+        out.Text(),
+        "{\"objects\": [\n  {\"file\": \"" + a + "\", \"index\": 0, \"name\": \"" + a +
+            "\", \"vertices\": 6, \"triangles\": 4, \"box\": [0, 2, 0, 1, 4.99, 5.01], \"center\": [1, 0.5, 5]" + same +
+            ",\n  {\"file\": \"" + b + "\", \"index\": 1, \"name\": \"" + b +
+            "\", \"vertices\": 16, \"triangles\": 18, \"box\": [0, 3, 0, 3, -0.01, 0.01], \"center\": [1.5, 1.5, 0]" +
+            same + ",\n  {\"file\": \"" + c + "\", \"index\": 2, \"name\": \"" + c +
+            "\", \"vertices\": 4, \"triangles\": 2, \"box\": [0, 1, 0, 1, -0.01, 0.01], \"center\": [0.5, 0.5, 0]" +
+            same + "\n],\n\"failed\": []}\n");
+}
+
+TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
+    const ScratchFolder folder;
+    WriteXdt(folder / "good.xdt", 2, 2);
+    WriteBytes(folder / "short.pax", {std::byte{2}});
+    WriteBytes(folder / "damaged.pcm", {std::byte{2}});
+    WriteBytes(folder / "a.stl", {std::byte{2}});
+    HostOptions options;
+    options.json = true;
+    for (const char* const name : {"none.pcm", "good.xdt", "short.pax", "damaged.pcm", "a.stl"})
+        options.files.push_back(folder / name);
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
+    const std::string json = out.Text();
+    EXPECT_NE(json.find("none.pcm\", \"reason\": \"No such file or directory\"}"), std::string::npos) << json;
+    EXPECT_NE(json.find("a.stl\", \"reason\": \"unknown file type\"}"), std::string::npos) << json;
+    // The viewer's own words, joined to one line and with the file's name in them.
+    EXPECT_NE(json.find("short.pax\", \"reason\": \"ImportPax(): "), std::string::npos) << json;
+    EXPECT_NE(json.find("damaged.pcm\", \"reason\": \"ImportScan(): "), std::string::npos) << json;
+    EXPECT_NE(json.find("; SetScanData(): "), std::string::npos) << json;
+    EXPECT_NE(json.find("good.xdt\", \"index\": 0,"), std::string::npos) << json;
+    const std::string complaints = err.Text();
+    EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 4) << complaints;
+    EXPECT_NE(complaints.find("scenepane: " + (folder / "none.pcm") + ": No such file or directory\n"),
+              std::string::npos);
+}
+
+TEST(Info, OpensFilesWhoseNamesAreNoUtf8) {
+    const ScratchFolder folder;
+    WriteXdt(folder / "\xff\xe4.xdt", 2, 2);
+    HostOptions options;
+    options.files = {folder / "\xff\xe4.xdt"};
+    const Printed text, json, err;
+    EXPECT_EQ(RunInfo(options, text, err), kExitGood);
+    EXPECT_NE(text.Text().find("/\xff\xe4.xdt\n"), std::string::npos);
+    options.json = true;
+    EXPECT_EQ(RunInfo(options, json, err), kExitGood);
+    EXPECT_NE(json.Text().find("\\udcff\\udce4.xdt\""), std::string::npos);
+    EXPECT_EQ(err.Text(), "");
+}
+
+TEST(Info, KeepsToSkipValueAndConfidenceLimit) {
+    const ScratchFolder folder;
+    WritePcm(folder / "all.pcm", 11, 11, 0, 0.5f);
+    HostOptions options;
+    options.files = {folder / "all.pcm"};
+    options.import.skip = 2;
+    options.import.confidence = 0.5f;  // equal to the limit is kept
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitGood);
+    EXPECT_NE(out.Text().find("  vertices       35\n"), std::string::npos)
+        << "6 x 6 cells, less the corner of a single pixel\n"
+        << out.Text();
+    options.import.confidence = 0.50001f;
+    EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
+}
+
+TEST(Info, PrintsTheSameInALocaleWithCommas) {
+    const ScratchFolder folder;
+    WritePcm(folder / "a.pcm", 3, 2, 0.5f);
+    HostOptions options;
+    options.json = true;
+    options.files = {folder / "a.pcm"};
+    const Printed plain, comma, err;
+    EXPECT_EQ(RunInfo(options, plain, err), kExitGood);
+    const CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
+    EXPECT_EQ(RunInfo(options, comma, err), kExitGood);
+    EXPECT_EQ(plain.Text(), comma.Text());
+}
+
+TEST(Info, FailsWhenItsTextCannotBeWritten) {
+    const ScratchFolder folder;
+    WriteXdt(folder / "a.xdt", 2, 2);
+    HostOptions options;
+    options.files = {folder / "a.xdt"};
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> full(std::fopen("/dev/full", "w"), std::fclose);
+    ASSERT_TRUE(full);
+    const Printed err;
+    EXPECT_EQ(RunInfo(options, full.get(), err), kExitFailure);
+    EXPECT_EQ(err.Text(), "scenepane: standard output: No space left on device\n");
+}
+
+// ---- --screenshot. The flat 11 x 11 grid is 10 wide; its diagonal, 14.14, fills the shorter side of the picture.
+
+class Screenshot : public testing::Test {
+protected:
+    void SetUp() override {
+        unsetenv("DISPLAY");
+        WriteXdt(m_folder / "a.xdt", 11, 11);
+        m_options.screenshotPath = m_folder / "a.png";
+        m_options.width = m_options.height = 200;
+        m_options.files = {m_folder / "a.xdt"};
+    }
+    /// At zoom 1 the object spans the pixels 29.3 to 170.7 in both directions.
+    [[nodiscard]] Png Taken() const {
+        const Printed err;
+        EXPECT_EQ(RunScreenshot(m_options, err), kExitGood) << err.Text();
+        return ReadPng(m_options.screenshotPath);
+    }
+
+    ScratchFolder m_folder;
+    HostOptions m_options;
+};
+
+TEST_F(Screenshot, ShowsTheFittedSceneOnTheBackground) {
+    const Png png = Taken();
+    ASSERT_EQ(png.width, 200);
+    ASSERT_EQ(png.height, 200);
+    for (const auto& [x, y] : {std::pair{100, 100}, {32, 32}, {168, 32}, {32, 168}, {168, 168}})
+        EXPECT_NE(png.At(x, y), kBackground) << x << ", " << y;
+    for (const auto& [x, y] : {std::pair{27, 100}, {173, 100}, {100, 27}, {100, 173}, {0, 0}})
+        EXPECT_EQ(png.At(x, y), kBackground) << x << ", " << y;
+}
+
+TEST_F(Screenshot, ShowsHalfAsMuchAtZoomTwo) {
+    m_options.zoom = 2.0f;
+    const Png png = Taken();
+    for (const auto& [x, y] : {std::pair{0, 0}, {199, 0}, {0, 199}, {199, 199}}) EXPECT_NE(png.At(x, y), kBackground);
+}
+
+TEST_F(Screenshot, ShowsTwiceAsMuchAtZoomOneHalf) {
+    m_options.zoom = 0.5f;  // pixels 64.6 to 135.4
+    const Png png = Taken();
+    EXPECT_NE(png.At(68, 100), kBackground);
+    EXPECT_EQ(png.At(61, 100), kBackground);
+}
+
+TEST_F(Screenshot, HasTheSizeThatWasAskedFor) {
+    m_options.width = 333;
+    m_options.height = 77;
+    const Png png = Taken();
+    EXPECT_EQ(png.width, 333);
+    EXPECT_EQ(png.height, 77);
+    EXPECT_NE(png.At(166, 38), kBackground);
+}
+
+TEST_F(Screenshot, ShowsAFlatGridFromTheSideAsNothing) {
+    m_options.view = 1;  // along Y: the grid lies in z = 0
+    EXPECT_EQ(Taken().At(100, 60), kBackground);
+}
+
+TEST_F(Screenshot, UsesTheDrawMode) {
+    m_options.drawMode = 6;  // background only
+    EXPECT_EQ(Taken().At(100, 100), kBackground);
+    m_options.drawMode = 4;  // boxes: the outline, not the middle
+    const Png boxes = Taken();
+    EXPECT_EQ(boxes.At(100, 100), kBackground);
+    bool outline = false;
+    for (int x = 25; x < 34; ++x) outline = outline || boxes.At(x, 80) != kBackground;
+    EXPECT_TRUE(outline);
+}
+
+TEST_F(Screenshot, UsesTheScanColour) {
+    m_options.import.color = 0x0000FF;
+    const unsigned red = Taken().At(100, 100);
+    m_options.import.color = 0xFF0000;
+    const unsigned blue = Taken().At(100, 100);
+    EXPECT_GT(red >> 16, red & 0xFF);
+    EXPECT_LT(blue >> 16, blue & 0xFF);
+}
+
+TEST_F(Screenshot, SwitchesShadowsOn) {
+    // With shadows on the viewer has no program for the per-pixel mode, and shows no object.
+    m_options.drawMode = 5;
+    EXPECT_NE(Taken().At(100, 100), kBackground);
+    m_options.shadows = true;
+    EXPECT_EQ(Taken().At(100, 100), kBackground);
+}
+
+TEST_F(Screenshot, OfGoodAndBadFilesShowsTheGoodOnesAndFails) {
+    m_options.files.push_back(m_folder / "none.pax");
+    const Printed err;
+    EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
+    EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "none.pax") + ": No such file or directory\n");
+    EXPECT_NE(ReadPng(m_options.screenshotPath).At(100, 100), kBackground);
+}
+
+TEST_F(Screenshot, OfNothingIsNotWritten) {
+    m_options.files = {m_folder / "none.pax"};
+    const Printed err;
+    EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
+    EXPECT_NE(access(m_options.screenshotPath.c_str(), F_OK), 0);
+    EXPECT_NE(err.Text().find("a.png: not written, there is nothing to show\n"), std::string::npos);
+}
+
+TEST_F(Screenshot, SaysWhenThePictureCannotBeWritten) {
+    m_options.screenshotPath = m_folder / "no/a.png";
+    const Printed err;
+    EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
+    EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "no/a.png") + ": No such file or directory\n");
+}
+
+}  // namespace

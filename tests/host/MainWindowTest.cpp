@@ -1,0 +1,355 @@
+#include "MainWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMimeData>
+#include <QProgressDialog>
+#include <QUrl>
+#include <QWindow>
+#include <cstdlib>
+
+#include "ImportJob.h"
+#include "MessagePane.h"
+#include "ObjectList.h"
+#include "ViewerWidget.h"
+#include "host/QtUnderXvfb.h"
+#include "host/ScanFiles.h"
+
+namespace {
+
+[[maybe_unused]] const auto* const kEnvironment = testing::AddGlobalTestEnvironment(new QtUnderXvfb);
+
+constexpr std::uint32_t kBackground = 0x191932;  // red first
+
+class MainWindowTest : public testing::Test {
+protected:
+    void Show(const HostOptions& options = {}) {
+        m_window = std::make_unique<MainWindow>(options);
+        m_window->show();
+        ASSERT_TRUE(WaitUntil([&] { return m_window->Pane() != nullptr; }));
+    }
+    void WaitForImports() {
+        ASSERT_TRUE(WaitUntil([&] { return !m_window->IsImporting(); }));
+    }
+    void Import(const std::vector<std::string>& files) {
+        m_window->OpenFiles(files);
+        WaitForImports();
+    }
+    [[nodiscard]] int ObjectsInViewer() const { return m_window->Pane()->Methods().GetNumObjects(); }
+    [[nodiscard]] std::vector<std::string> Rows() const {
+        std::vector<std::string> names;
+        for (int i = 0; i < m_window->Objects().topLevelItemCount(); ++i)
+            names.push_back(m_window->Objects().topLevelItem(i)->text(ObjectList::kName).toStdString());
+        return names;
+    }
+    [[nodiscard]] std::string Messages() const { return m_window->Messages().toPlainText().toStdString(); }
+    /// The colour in the middle of the viewer, red first.
+    [[nodiscard]] std::uint32_t MiddlePixel() const {
+        KV_ScenePane::Picture picture;
+        EXPECT_TRUE(m_window->Pane()->CapturePicture(&picture));
+        const auto middle = static_cast<std::size_t>((picture.height / 2) * picture.width + picture.width / 2);
+        return picture.pixels.at(middle) & 0xFFFFFF;
+    }
+    /// Files 0.pcm, 1.pcm ...
+    [[nodiscard]] std::vector<std::string> ManyPcms(int count) const {
+        std::vector<std::string> files;
+        for (int i = 0; i < count; ++i) {
+            files.push_back(m_folder / (std::to_string(i) + ".pcm"));
+            WritePcm(files.back(), 60, 60);
+        }
+        return files;
+    }
+
+    const ScratchFolder m_folder;
+    std::unique_ptr<MainWindow> m_window;
+};
+
+TEST_F(MainWindowTest, EmbedsTheViewerAtTheSizeOfItsWidget) {
+    Show();
+    auto* const widget = m_window->findChild<ViewerWidget*>();
+    KV_ScenePane::Picture picture;
+    ASSERT_TRUE(m_window->Pane()->CapturePicture(&picture));
+    EXPECT_EQ(picture.width, widget->width());
+    EXPECT_EQ(picture.height, widget->height());
+    m_window->resize(m_window->width() - 70, m_window->height() - 31);
+    ASSERT_TRUE(WaitUntil([&] { return widget->width() != picture.width; }));
+    ASSERT_TRUE(m_window->Pane()->CapturePicture(&picture));
+    EXPECT_EQ(picture.width, widget->width());
+    EXPECT_EQ(picture.height, widget->height());
+}
+
+TEST_F(MainWindowTest, OpensFilesInTheirOrderWhateverTheirKind) {
+    Show();
+    WritePcm(m_folder / "a.pcm", 40, 40);
+    WritePcm(m_folder / "b.pcm", 3, 2);
+    WritePax(m_folder / "c.pax", 4, 3);
+    WritePcm(m_folder / "d.pcm", 5, 2);
+    WriteXdt(m_folder / "e.xdt", 2, 2);
+    Import({m_folder / "a.pcm", m_folder / "b.pcm", m_folder / "c.pax", m_folder / "d.pcm", m_folder / "e.xdt"});
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"a.pcm", "b.pcm", "c.pax", "d.pcm", "e.xdt"}));
+    EXPECT_EQ(ObjectsInViewer(), 5);
+    EXPECT_TRUE(m_window->HaveAllFilesAdded());
+    EXPECT_EQ(Messages(), "");
+    const QTreeWidgetItem& row = *m_window->Objects().topLevelItem(2);
+    EXPECT_EQ(row.text(ObjectList::kVertices), "12");
+    EXPECT_EQ(row.text(ObjectList::kTriangles), "12");  // 3 x 2 cells
+    EXPECT_EQ(row.text(ObjectList::kBox), "x 0 … 3, y 0 … 2, z -0.01 … 0.01");
+}
+
+TEST_F(MainWindowTest, OpensTheFilesOfItsOptionsAsTheySay) {
+    WritePcm(m_folder / "a.pcm", 11, 11);
+    HostOptions options;
+    options.files = {m_folder / "a.pcm"};
+    options.import.skip = 2;
+    options.import.color = 0x0000FF;
+    options.drawMode = 1;
+    options.view = 7;
+    options.zoom = 2.0f;
+    Show(options);
+    ASSERT_TRUE(WaitUntil([&] { return !Rows().empty(); }));
+    KV_ScenePane::_DKV_ScenePane& methods = m_window->Pane()->Methods();
+    EXPECT_EQ(m_window->Objects().topLevelItem(0)->text(ObjectList::kVertices),
+              "35");  // 6 x 6 cells of 2 x 2 pixels, less the corner of a single pixel
+    EXPECT_EQ(methods.GetObjectColor(0), 0x0000FF);
+    EXPECT_EQ(methods.GetDrawMode(), 1);
+    float right[3], up[3], center[3], zoom = 0;
+    methods.GetViewParams(&right[0], &right[1], &right[2], &up[0], &up[1], &up[2], &center[0], &center[1], &center[2],
+                          &zoom);
+    EXPECT_EQ(right[0], -1.0f);
+    EXPECT_EQ(up[1], 1.0f);
+    EXPECT_EQ(center[0], 5.25f);  // from the first cell, at 0.5, to the last, at 10
+    EXPECT_EQ(zoom, 2.0f);
+}
+
+TEST_F(MainWindowTest, TellsOfEveryFileThatAddedNothing) {
+    Show();
+    WriteBytes(m_folder / "damaged.pcm", {std::byte{1}});
+    WriteBytes(m_folder / "short.pax", {std::byte{1}});
+    WriteBytes(m_folder / "foreign.stl", {std::byte{1}});
+    WriteXdt(m_folder / "good.xdt", 2, 2);
+    Import({m_folder / "none.pcm", m_folder / "damaged.pcm", m_folder / "short.pax", m_folder / "foreign.stl",
+            m_folder / "good.xdt"});
+    EXPECT_EQ(Rows(), std::vector<std::string>{"good.xdt"});
+    const std::string messages = Messages();
+    EXPECT_NE(messages.find("none.pcm: nothing added: No such file or directory"), std::string::npos) << messages;
+    EXPECT_NE(messages.find("damaged.pcm: nothing added: not a pcm file, or a damaged one"), std::string::npos);
+    EXPECT_NE(messages.find("short.pax: nothing added: ImportPax(): "), std::string::npos) << messages;
+    EXPECT_NE(messages.find("foreign.stl: nothing added: unknown file type"), std::string::npos) << messages;
+    EXPECT_FALSE(m_window->HaveAllFilesAdded());
+}
+
+TEST_F(MainWindowTest, ShowsWhatTheViewerWritesToTheDebuggerOutput) {
+    Show();
+    float box[6];
+    m_window->Pane()->Methods().GetObjectBoundingBox(5, &box[0], &box[1], &box[2], &box[3], &box[4], &box[5]);
+    EXPECT_TRUE(WaitUntil([&] { return Messages().find("- objectIdx = 5") != std::string::npos; }));
+}
+
+TEST_F(MainWindowTest, HidesAndShowsAnObjectByItsCheckMark) {
+    Show();
+    WriteXdt(m_folder / "a.xdt", 11, 11);
+    Import({m_folder / "a.xdt"});
+    EXPECT_NE(MiddlePixel(), kBackground);
+    m_window->Objects().topLevelItem(0)->setCheckState(ObjectList::kName, Qt::Unchecked);
+    EXPECT_EQ(MiddlePixel(), kBackground);
+    m_window->Objects().topLevelItem(0)->setCheckState(ObjectList::kName, Qt::Checked);
+    EXPECT_NE(MiddlePixel(), kBackground);
+}
+
+TEST_F(MainWindowTest, ColoursAndDeletesObjects) {
+    Show();
+    WriteXdt(m_folder / "a.xdt", 11, 11);
+    WriteXdt(m_folder / "b.xdt", 3, 3);
+    Import({m_folder / "a.xdt", m_folder / "b.xdt"});
+    m_window->ColorObject(1, 0x00FF00);
+    EXPECT_EQ(m_window->Pane()->Methods().GetObjectColor(1), 0x00FF00);
+    EXPECT_NE(m_window->Pane()->Methods().GetObjectColor(0), 0x00FF00);
+    emit m_window->Objects().DeletionWanted(0);
+    EXPECT_EQ(Rows(), std::vector<std::string>{"b.xdt"});
+    ASSERT_EQ(ObjectsInViewer(), 1);
+    EXPECT_EQ(m_window->Pane()->Methods().GetObjectColor(0), 0x00FF00);
+    m_window->Objects().topLevelItem(0)->setCheckState(ObjectList::kName, Qt::Unchecked);
+    EXPECT_EQ(MiddlePixel(), kBackground) << "the check mark belongs to the object's new index";
+}
+
+TEST_F(MainWindowTest, ClearsTheSceneAndFitsTheNextOne) {
+    Show();
+    WriteXdt(m_folder / "a.xdt", 11, 11);
+    WriteXdt(m_folder / "far.xdt", 11, 11, 5000.0f);
+    Import({m_folder / "a.xdt"});
+    m_window->ClearScene();
+    EXPECT_TRUE(Rows().empty());
+    EXPECT_EQ(ObjectsInViewer(), 0);
+    EXPECT_EQ(MiddlePixel(), kBackground);
+    Import({m_folder / "far.xdt"});
+    EXPECT_EQ(Rows(), std::vector<std::string>{"far.xdt"});
+    EXPECT_NE(MiddlePixel(), kBackground);
+}
+
+TEST_F(MainWindowTest, FollowsItsMenus) {
+    Show();
+    WriteXdt(m_folder / "a.xdt", 11, 11);
+    Import({m_folder / "a.xdt"});
+    const auto trigger = [&](const QString& text) {
+        for (QAction* const action : m_window->findChildren<QAction*>()) {
+            if (action->text().remove('&') == text) return action->trigger();
+        }
+        FAIL() << "no menu has " << text.toStdString();
+    };
+    KV_ScenePane::_DKV_ScenePane& methods = m_window->Pane()->Methods();
+    trigger("Wireframe");
+    EXPECT_EQ(methods.GetDrawMode(), 1);
+    trigger("Lit per pixel");
+    EXPECT_EQ(methods.GetDrawMode(), 5);
+    trigger("Shadows");
+    EXPECT_EQ(methods.GetShadowMode(), 1);
+    trigger("Shadows");
+    EXPECT_EQ(methods.GetShadowMode(), 0);
+    trigger("From -Z, Y up");
+    float right[3], up[3], center[3], zoom;
+    methods.GetViewParams(&right[0], &right[1], &right[2], &up[0], &up[1], &up[2], &center[0], &center[1], &center[2],
+                          &zoom);
+    EXPECT_EQ(right[0], -1.0f);
+    methods.SetViewParams(1, 0, 0, 0, 1, 0, 500, 500, 0, 1, 0);
+    EXPECT_EQ(MiddlePixel(), kBackground);
+    trigger("Centre");
+    EXPECT_NE(MiddlePixel(), kBackground);
+    trigger("Clear");
+    EXPECT_TRUE(Rows().empty());
+}
+
+TEST_F(MainWindowTest, ShowsTheBackgroundColoursAtTheirCorners) {
+    Show();
+    m_window->ShowBackground({0x0000FF, 0x00FF00, 0xFF0000, 0xFFFFFF});
+    KV_ScenePane::Picture picture;
+    ASSERT_TRUE(m_window->Pane()->CapturePicture(&picture));
+    const std::size_t last = picture.pixels.size() - 1, width = static_cast<std::size_t>(picture.width);
+    EXPECT_GT((picture.pixels[0] >> 16) & 0xFF, 250u);         // top left red
+    EXPECT_GT((picture.pixels[width - 1] >> 8) & 0xFF, 250u);  // top right green
+    EXPECT_GT(picture.pixels[last - width + 1] & 0xFF, 250u);  // bottom left blue
+    EXPECT_GT(std::min({(picture.pixels[last] >> 16) & 0xFF, (picture.pixels[last] >> 8) & 0xFF,
+                        picture.pixels[last] & 0xFF}),
+              250u);
+}
+
+TEST_F(MainWindowTest, OpensDroppedFilesByTheBytesOfTheirNames) {
+    Show();
+    WriteXdt(m_folder / "\xff d.xdt", 2, 2);
+    QMimeData data;
+    const QByteArray encoded = QByteArray::fromStdString("file://" + (m_folder / "%FF%20d.xdt"));
+    data.setUrls({QUrl::fromEncoded(encoded), QUrl("http://host/a.pcm")});
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_window.get(), &drop);
+    WaitForImports();
+    EXPECT_EQ(ObjectsInViewer(), 1);
+    EXPECT_EQ(Messages(), "");
+}
+
+TEST_F(MainWindowTest, LetsFilesThatComeDuringAnImportWait) {
+    Show();
+    const std::vector<std::string> pcms = ManyPcms(4);
+    WriteXdt(m_folder / "z.xdt", 2, 2);
+    m_window->OpenFiles(pcms);
+    EXPECT_TRUE(m_window->IsImporting());
+    m_window->OpenFiles({m_folder / "z.xdt"});
+    ASSERT_TRUE(WaitUntil([&] { return Rows().size() == 5; }));
+    EXPECT_EQ(Rows().back(), "z.xdt");
+}
+
+TEST_F(MainWindowTest, CancelledByItsDialogBeginsNoFurtherFile) {
+    Show();
+    std::vector<std::string> files;
+    for (const char* const name : {"a.pax", "b.pax", "c.pax"}) {
+        files.push_back(m_folder / name);
+        WritePax(files.back(), 3, 3);
+    }
+    m_window->OpenFiles(files);
+    auto* const progress = m_window->findChild<QProgressDialog*>();
+    ASSERT_NE(progress, nullptr);
+    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, progress, &QProgressDialog::cancel);
+    WaitForImports();
+    EXPECT_EQ(Rows(), std::vector<std::string>{"a.pax"});
+    EXPECT_NE(Messages().find("b.pax: not opened, cancelled"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("c.pax: not opened, cancelled"), std::string::npos) << Messages();
+    EXPECT_FALSE(m_window->HaveAllFilesAdded());
+    Import({m_folder / "c.pax"});
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"a.pax", "c.pax"})) << "the next import works as ever";
+}
+
+TEST_F(MainWindowTest, CancelledAmongWorkersKeepsWhatTheyFinished) {
+    Show();
+    m_window->OpenFiles(ManyPcms(150));
+    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, m_window.get(),
+                     &MainWindow::CancelImport);
+    WaitForImports();
+    const int opened = ObjectsInViewer();
+    EXPECT_GE(opened, 1);
+    ASSERT_EQ(static_cast<int>(Rows().size()), opened);
+    for (int i = 0; i < opened; ++i) EXPECT_EQ(Rows()[static_cast<std::size_t>(i)], std::to_string(i) + ".pcm");
+    const QString messages = m_window->Messages().toPlainText();
+    EXPECT_EQ(messages.count("not opened, cancelled"), 150 - opened);
+}
+
+TEST_F(MainWindowTest, ClosedDuringAnImportEndsItFirst) {
+    Show();
+    m_window->OpenFiles(ManyPcms(100));
+    bool begun = false;
+    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, m_window.get(), [&] { begun = true; });
+    ASSERT_TRUE(WaitUntil([&] { return begun; }));
+    EXPECT_TRUE(m_window->close());
+    EXPECT_FALSE(m_window->IsImporting());
+    EXPECT_GE(ObjectsInViewer(), 1) << "what was finished reached the viewer";
+    m_window.reset();
+}
+
+TEST_F(MainWindowTest, DestroyedDuringAnImportEndsIt) {
+    for (int round = 0; round < 3; ++round) {
+        Show();
+        m_window->OpenFiles(ManyPcms(30));
+        for (int i = 0; i < round; ++i) QCoreApplication::processEvents();
+        EXPECT_TRUE(m_window->IsImporting() || ObjectsInViewer() == 30);
+        m_window.reset();
+    }
+    Show();
+    Import({m_folder / "0.pcm"});
+    EXPECT_EQ(ObjectsInViewer(), 1);
+}
+
+TEST_F(MainWindowTest, TakesItsShortcutsAlsoWhileThePointerIsOverTheViewer) {
+    Show();
+    const QPoint middle = m_window->findChild<ViewerWidget*>()->mapToGlobal(QPoint(200, 200));
+    const std::string command =
+        "xdotool mousemove " + std::to_string(middle.x()) + " " + std::to_string(middle.y()) + " key 2 key ctrl+1";
+    ASSERT_TRUE(WaitUntil([] { return QGuiApplication::topLevelWindows().front()->isExposed(); }));
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    KV_ScenePane::_DKV_ScenePane& methods = m_window->Pane()->Methods();
+    float right[3] = {0, 0, 0}, rest[7];
+    EXPECT_TRUE(WaitUntil([&] {
+        methods.GetViewParams(&right[0], &right[1], &right[2], &rest[0], &rest[1], &rest[2], &rest[3], &rest[4],
+                              &rest[5], &rest[6]);
+        return right[1] == 1.0f;  // the view from +X has Y to the right
+    }));
+    EXPECT_TRUE(WaitUntil([&] { return methods.GetDrawMode() == 1; }));
+}
+
+TEST_F(MainWindowTest, OpenedTwiceShowsTwoViewers) {
+    WriteXdt(m_folder / "a.xdt", 11, 11);
+    Show();
+    Import({m_folder / "a.xdt"});
+    {
+        MainWindow other({});
+        other.show();
+        ASSERT_TRUE(WaitUntil([&] { return other.Pane() != nullptr; }));
+        EXPECT_EQ(other.Pane()->Methods().GetNumObjects(), 0);
+    }
+    EXPECT_NE(MiddlePixel(), kBackground) << "the first one lives on when the second is gone";
+}
+
+}  // namespace

@@ -1,0 +1,43 @@
+// On a window system whose windows the viewer cannot live in, the host stays up and says why.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QLabel>
+#include <cstdlib>
+
+#include "MainWindow.h"
+#include "MessagePane.h"
+#include "host/ScanFiles.h"
+
+namespace {
+
+TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesItCannotOpen) {
+    unsetenv("DISPLAY");
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    char program[] = "host_refusal_tests";
+    char* arguments[] = {program, nullptr};
+    int count = 1;
+    const QApplication application(count, arguments);
+    const ScratchFolder folder;
+    WriteXdt(folder / "a.xdt", 2, 2);
+    HostOptions options;
+    options.files = {folder / "a.xdt"};
+    MainWindow window(options);
+    window.show();
+    for (int i = 0; i < 50; ++i) QCoreApplication::processEvents();
+    EXPECT_EQ(window.Pane(), nullptr);
+    EXPECT_FALSE(window.HaveAllFilesAdded());
+    const QString start = "There is no viewer: ";
+    bool shown = false;
+    for (const QLabel* const label : window.findChildren<QLabel*>())
+        shown = shown || (label->isVisible() && label->text().startsWith(start) && label->text().size() > start.size());
+    EXPECT_TRUE(shown);
+    EXPECT_TRUE(window.Messages().toPlainText().contains("a.xdt: not opened, there is no viewer"));
+    window.OpenFiles({folder / "a.xdt"});
+    EXPECT_FALSE(window.HaveAllFilesAdded());
+    window.ClearScene();
+    window.ShowView(2);
+    EXPECT_FALSE(window.IsImporting());
+}
+
+}  // namespace
