@@ -9,7 +9,7 @@
 
 class GridNormals {
 public:
-    explicit GridNormals(std::size_t width);
+    explicit GridNormals(std::size_t width, LaneCount lanes = BestLaneCount());
 
     /// Adds the triangles between two rows. Call it for every pair of rows from above.
     /// @param quads  GridQuads::Row()
@@ -23,8 +23,13 @@ private:
     /// Quads start here: the quad to the left of column 0 may be read.
     static constexpr std::size_t kLeft = 1;
 
+    template <typename F>
     void ComputeFaceNormals(const PointRow& upper, const PointRow& lower, const std::uint8_t* quads);
+    template <typename F>
+    void AddFaceNormals(const PointRow& upper, const PointRow& lower);
+    void AddRowPairEight(const PointRow& upper, const PointRow& lower, const std::uint8_t* quads);
 
+    LaneCount m_lanes;
     std::size_t m_uWidth;
     Vec3Row m_first, m_second;  ///< unit normals of the two triangles of each quad, zero for one that is not kept
     Vec3Row m_lowerSum;         ///< what the triangles so far give to the lower row

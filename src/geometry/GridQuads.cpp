@@ -1,4 +1,4 @@
-// Judges the quads of a grid, four at a time, and numbers the vertices of their triangles.
+// Judges the quads of a grid, several at a time, and numbers the vertices of their triangles.
 #include "geometry/GridQuads.h"
 
 #include <algorithm>
@@ -7,33 +7,50 @@
 
 namespace {
 
-using Byte4 = std::uint8_t __attribute__((vector_size(4)));
-
 // The same comparison as in IsSliver(): a quotient that is not a number does not exceed the limit.
-Int4 IsSliver4(const Vec3x4& p0, const Vec3x4& p1, const Vec3x4& p2, Float4 squaredLimit) {
-    const Vec3x4 e0 = p0 - p1, e1 = p1 - p2, e2 = p2 - p0;
-    const Float4 s0 = Dot(e0, e0), s1 = Dot(e1, e1), s2 = Dot(e2, e2);
-    const Float4 d10 = Dot(e1, e0), d21 = Dot(e2, e1), d20 = Dot(e2, e0);
+template <typename F>
+KV_LANES typename Lanes<F>::Int IsSliverLanes(const Vec3<F>& p0, const Vec3<F>& p1, const Vec3<F>& p2,
+                                              float squaredLimit) {
+    const Vec3<F> e0 = p0 - p1, e1 = p1 - p2, e2 = p2 - p0;
+    const F s0 = Dot(e0, e0), s1 = Dot(e1, e1), s2 = Dot(e2, e2);
+    const F d10 = Dot(e1, e0), d21 = Dot(e2, e1), d20 = Dot(e2, e0);
     return (d10 * d10 / (s1 * s0) > squaredLimit) | (d21 * d21 / (s2 * s1) > squaredLimit) |
            (d20 * d20 / (s2 * s0) > squaredLimit);
 }
 
-void JudgeRowPair(const PointRow& upper, const PointRow& lower, std::size_t width, Float4 squaredLimit,
-                  std::uint8_t* quads) {
-    for (std::size_t x = 0; x + 1 < width; x += 4) {
-        const Int4 hasA = LoadInt4(&upper.m_vValid[x]), hasB = LoadInt4(&upper.m_vValid[x + 1]);
-        const Int4 hasC = LoadInt4(&lower.m_vValid[x]), hasD = LoadInt4(&lower.m_vValid[x + 1]);
-        const Int4 hasFirst = hasA & hasC & (hasB | hasD), hasSecond = hasD & hasB & (hasC | hasA);
+template <typename F>
+KV_LANES void JudgeLanes(const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
+                         std::uint8_t* quads) {
+    using Int = typename Lanes<F>::Int;
+    for (std::size_t x = 0; x + 1 < width; x += Lanes<F>::kCount) {
+        const Int hasA = LoadLanes<Int>(&upper.m_vValid[x]), hasB = LoadLanes<Int>(&upper.m_vValid[x + 1]);
+        const Int hasC = LoadLanes<Int>(&lower.m_vValid[x]), hasD = LoadLanes<Int>(&lower.m_vValid[x + 1]);
+        const Int hasFirst = hasA & hasC & (hasB | hasD), hasSecond = hasD & hasB & (hasC | hasA);
         if (!HasAny(hasFirst | hasSecond)) continue;  // the bytes are zero already
-        const Vec3x4 a = upper.m_points.Load(x), b = upper.m_points.Load(x + 1);
-        const Vec3x4 c = lower.m_points.Load(x), d = lower.m_points.Load(x + 1);
-        const Int4 isFirst = hasFirst & ~IsSliver4(a, c, Select(hasB, b, d), squaredLimit);
-        const Int4 isSecond = hasSecond & ~IsSliver4(Select(hasC, c, a), d, b, squaredLimit);
-        const Int4 corners = (hasA & kQuadA) | (hasB & kQuadB) | (hasC & kQuadC) | (hasD & kQuadD);
-        const Int4 bits = ((hasFirst | hasSecond) & corners) | (isFirst & kQuadFirst) | (isSecond & kQuadSecond);
-        const auto bytes = __builtin_convertvector(bits, Byte4);
-        std::memcpy(quads + x, &bytes, sizeof(bytes));
+        const Vec3<F> a = upper.m_points.Load<F>(x), b = upper.m_points.Load<F>(x + 1);
+        const Vec3<F> c = lower.m_points.Load<F>(x), d = lower.m_points.Load<F>(x + 1);
+        const Int isFirst = hasFirst & ~IsSliverLanes(a, c, Select(hasB, b, d), squaredLimit);
+        const Int isSecond = hasSecond & ~IsSliverLanes(Select(hasC, c, a), d, b, squaredLimit);
+        const Int corners = (hasA & kQuadA) | (hasB & kQuadB) | (hasC & kQuadC) | (hasD & kQuadD);
+        const Int bits = ((hasFirst | hasSecond) & corners) | (isFirst & kQuadFirst) | (isSecond & kQuadSecond);
+        StoreLanes(quads + x, __builtin_convertvector(bits, typename Lanes<F>::Byte));
     }
+}
+
+#if defined(KV_HAS_EIGHT_LANES)
+KV_HAS_EIGHT_LANES void JudgeEight(const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
+                                   std::uint8_t* quads) {
+    JudgeLanes<Float8>(upper, lower, width, squaredLimit, quads);
+}
+#endif
+
+void JudgeRowPair(LaneCount lanes, const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
+                  std::uint8_t* quads) {
+#if defined(KV_HAS_EIGHT_LANES)
+    if (lanes == LaneCount::kEight) return JudgeEight(upper, lower, width, squaredLimit, quads);
+#endif
+    (void)lanes;
+    JudgeLanes<Float4>(upper, lower, width, squaredLimit, quads);
 }
 
 // In bytes as long as they cannot overflow: that is what the compiler makes wide vectors of.
@@ -51,19 +68,19 @@ std::size_t CountBits(std::size_t size, const BitAt& bitAt) {
 
 }  // namespace
 
-GridQuads::GridQuads(GridRows& rows, float sliverLimit)
-    // Four bytes are written at once, up to three of them beyond the last quad.
-    : m_uStride(kLeft + rows.Width() + 4), m_vQuads(m_uStride * (rows.Height() + 1)) {
+GridQuads::GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes)
+    // Up to eight bytes are read or written at once.
+    : m_uStride(kLeft + rows.Width() + PointRow::kPadding), m_vQuads(m_uStride * (rows.Height() + 1)) {
     const std::size_t width = rows.Width(), height = rows.Height();
     if (width < 2 || height < 2) return;
     const float limit = sliverLimit < 0 ? std::numeric_limits<float>::infinity() : sliverLimit;
-    const Float4 squaredLimit = SplatFloat4(limit * limit);
+    const float squaredLimit = limit * limit;
     PointRow upper(width), lower(width);
     rows.Load(0, upper);
     for (std::size_t y = 0; y + 1 < height; ++y) {
         rows.Load(y + 1, lower);
         std::uint8_t* const quads = RowToWrite(y);
-        JudgeRowPair(upper, lower, width, squaredLimit, quads);
+        JudgeRowPair(lanes, upper, lower, width, squaredLimit, quads);
         m_uTriangleCount += CountBits(
             width, [quads](std::size_t x) { return ((quads[x] / kQuadFirst) & 1) + ((quads[x] / kQuadSecond) & 1); });
         std::swap(upper, lower);

@@ -19,7 +19,7 @@ inline constexpr std::int32_t kQuadSecond = 32;   ///< the second triangle is ke
 class GridQuads {
 public:
     /// Looks at every quad once; @p sliverLimit as for IsSliver().
-    GridQuads(GridRows& rows, float sliverLimit);
+    GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes = BestLaneCount());
 
     /// The quads between the rows y and y + 1, preceded and followed by a zero byte: [0] to [Width() - 2] are quads,
     /// [-1] and [Width() - 1] may be read.

@@ -8,7 +8,7 @@ namespace {
 
 // x y z x, y z x y, z x y z to four x, four y, four z.
 Vec3x4 Deinterleave(const float* from) {
-    const Float4 a = LoadFloat4(from), b = LoadFloat4(from + 4), c = LoadFloat4(from + 8);
+    const Float4 a = LoadLanes<Float4>(from), b = LoadLanes<Float4>(from + 4), c = LoadLanes<Float4>(from + 8);
     const Float4 x = __builtin_shufflevector(a, b, 0, 3, 6, 6);
     const Float4 y = __builtin_shufflevector(a, b, 1, 4, 7, 7);
     const Float4 z = __builtin_shufflevector(a, b, 2, 5, 5, 5);

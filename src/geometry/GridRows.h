@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "geometry/Float4.h"
+#include "geometry/FloatLanes.h"
 #include "geometry/GridTriangulation.h"
 
 /// Vectors over an array of floats per coordinate.
@@ -13,13 +13,15 @@ struct Vec3Row {
     std::vector<float> m_vX, m_vY, m_vZ;
 
     explicit Vec3Row(std::size_t size) : m_vX(size), m_vY(size), m_vZ(size) {}
-    [[nodiscard]] Vec3x4 Load(std::size_t i) const {
-        return {LoadFloat4(&m_vX[i]), LoadFloat4(&m_vY[i]), LoadFloat4(&m_vZ[i])};
+    template <typename F = Float4>
+    [[nodiscard]] KV_LANES Vec3<F> Load(std::size_t i) const {
+        return {LoadLanes<F>(&m_vX[i]), LoadLanes<F>(&m_vY[i]), LoadLanes<F>(&m_vZ[i])};
     }
-    void Store(std::size_t i, const Vec3x4& value) {
-        ::Store(&m_vX[i], value.x);
-        ::Store(&m_vY[i], value.y);
-        ::Store(&m_vZ[i], value.z);
+    template <typename F>
+    KV_LANES void Store(std::size_t i, const Vec3<F>& value) {
+        StoreLanes(&m_vX[i], value.x);
+        StoreLanes(&m_vY[i], value.y);
+        StoreLanes(&m_vZ[i], value.z);
     }
 };
 

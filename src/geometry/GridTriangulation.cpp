@@ -30,8 +30,8 @@ Float4 AsFloat4(Int4 bits) {
 void TransformRow(const float* m, std::size_t width, Vec3Row& points) {
     for (std::size_t x = 0; x < width; x += 4) {
         const Vec3x4 p = points.Load(x);
-        points.Store(x, {p.x * m[0] + p.y * m[1] + p.z * m[2] + m[3], p.x * m[4] + p.y * m[5] + p.z * m[6] + m[7],
-                         p.x * m[8] + p.y * m[9] + p.z * m[10] + m[11]});
+        points.Store(x, Vec3x4{p.x * m[0] + p.y * m[1] + p.z * m[2] + m[3], p.x * m[4] + p.y * m[5] + p.z * m[6] + m[7],
+                               p.x * m[8] + p.y * m[9] + p.z * m[10] + m[11]});
     }
 }
 
@@ -87,7 +87,7 @@ void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vect
                     std::size_t width, std::size_t y, std::vector<Vertex>& vertices, GridBox& box) {
     const auto firstGridIndex = static_cast<std::int32_t>(y << 16);
     for (std::size_t x = 0; x < width; x += 4) {
-        const Int4 isVertex = LoadInt4(&indices[x]) >= 0;
+        const Int4 isVertex = LoadLanes<Int4>(&indices[x]) >= 0;
         if (!HasAny(isVertex)) continue;
         const Vec3x4 p = row.m_points.Load(x), n = normals.Load(x);
         box.Add(isVertex, p);

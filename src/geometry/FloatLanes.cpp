@@ -1,0 +1,10 @@
+// Which vectors the processor has.
+#include "geometry/FloatLanes.h"
+
+LaneCount BestLaneCount() {
+#if defined(KV_HAS_EIGHT_LANES)
+    static const bool hasEight = __builtin_cpu_supports("avx2") != 0;
+    if (hasEight) return LaneCount::kEight;
+#endif
+    return LaneCount::kFour;
+}

@@ -1,0 +1,150 @@
+// Several floats at once, in the plain arithmetic of the compiler's vector extension: every lane rounds as a float
+// does.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#else
+#include <cmath>
+#endif
+
+using Float4 = float __attribute__((vector_size(16)));
+/// Also the result of comparing: -1 in a lane where it holds, else 0.
+using Int4 = std::int32_t __attribute__((vector_size(16)));
+
+/// Eight at once: two instructions each where the processor has vectors of four alone.
+using Float8 = float __attribute__((vector_size(32)));
+using Int8 = std::int32_t __attribute__((vector_size(32)));
+
+// Everything here is inlined into its caller, whose instruction set it takes: no vector is ever passed by any ABI.
+#pragma GCC diagnostic ignored "-Wpsabi"
+#define KV_LANES [[gnu::always_inline]] inline
+
+// In front of a function: compiled for vectors of eight, whatever the rest is compiled for.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define KV_HAS_EIGHT_LANES [[gnu::target("avx2")]]
+#endif
+
+template <typename F>
+struct Lanes;
+template <>
+struct Lanes<Float4> {
+    static constexpr std::size_t kCount = 4;
+    using Int = Int4;
+    using Byte = std::uint8_t __attribute__((vector_size(4)));
+};
+template <>
+struct Lanes<Float8> {
+    static constexpr std::size_t kCount = 8;
+    using Int = Int8;
+    using Byte = std::uint8_t __attribute__((vector_size(8)));
+};
+
+/// From any alignment.
+template <typename V, typename T>
+[[nodiscard]] KV_LANES V LoadLanes(const T* from) {
+    V value;
+    std::memcpy(&value, from, sizeof(value));
+    return value;
+}
+
+template <typename T, typename V>
+KV_LANES void StoreLanes(T* to, const V& value) {
+    std::memcpy(to, &value, sizeof(value));
+}
+
+[[nodiscard]] KV_LANES Float4 SplatFloat4(float value) { return Float4{value, value, value, value}; }
+
+/// Zero in the lanes that the mask leaves out, whatever stood there.
+template <typename I, typename F>
+[[nodiscard]] KV_LANES F KeepWhere(I mask, F value) {
+    I bits;
+    std::memcpy(&bits, &value, sizeof(bits));
+    bits &= mask;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
+
+/// mask ? a : b, lane by lane.
+template <typename I, typename F>
+[[nodiscard]] KV_LANES F Select(I mask, F a, F b) {
+    return mask ? a : b;
+}
+
+[[nodiscard]] KV_LANES Float4 Sqrt(Float4 value) {
+#if defined(__SSE2__)
+    return _mm_sqrt_ps(value);
+#else
+    return Float4{std::sqrt(value[0]), std::sqrt(value[1]), std::sqrt(value[2]), std::sqrt(value[3])};
+#endif
+}
+
+[[nodiscard]] KV_LANES Float8 Sqrt(Float8 value) {
+    Float4 halves[2];
+    std::memcpy(halves, &value, sizeof(value));
+    halves[0] = Sqrt(halves[0]);
+    halves[1] = Sqrt(halves[1]);
+    std::memcpy(&value, halves, sizeof(value));
+    return value;
+}
+
+[[nodiscard]] KV_LANES bool HasAny(Int4 mask) {
+#if defined(__SSE2__)
+    return _mm_movemask_epi8(LoadLanes<__m128i>(&mask)) != 0;
+#else
+    return (mask[0] | mask[1] | mask[2] | mask[3]) != 0;
+#endif
+}
+
+[[nodiscard]] KV_LANES bool HasAny(Int8 mask) {
+    Int4 halves[2];
+    std::memcpy(halves, &mask, sizeof(mask));
+    return HasAny(halves[0] | halves[1]);
+}
+
+/// Three coordinates of several points.
+template <typename F>
+struct Vec3 {
+    F x, y, z;
+};
+using Vec3x4 = Vec3<Float4>;
+
+template <typename F>
+[[nodiscard]] KV_LANES Vec3<F> operator-(const Vec3<F>& a, const Vec3<F>& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+template <typename F>
+[[nodiscard]] KV_LANES Vec3<F> operator+(const Vec3<F>& a, const Vec3<F>& b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+template <typename F>
+[[nodiscard]] KV_LANES F Dot(const Vec3<F>& a, const Vec3<F>& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+template <typename F>
+[[nodiscard]] KV_LANES Vec3<F> Cross(const Vec3<F>& a, const Vec3<F>& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+template <typename I, typename F>
+[[nodiscard]] KV_LANES Vec3<F> KeepWhere(I mask, const Vec3<F>& v) {
+    return {KeepWhere(mask, v.x), KeepWhere(mask, v.y), KeepWhere(mask, v.z)};
+}
+template <typename I, typename F>
+[[nodiscard]] KV_LANES Vec3<F> Select(I mask, const Vec3<F>& a, const Vec3<F>& b) {
+    return {Select(mask, a.x, b.x), Select(mask, a.y, b.y), Select(mask, a.z, b.z)};
+}
+
+/// Divided by its length; as it is where the length is zero or not a number.
+template <typename F>
+[[nodiscard]] KV_LANES Vec3<F> Normalized(const Vec3<F>& v) {
+    const F length = Sqrt(Dot(v, v));
+    return Select(length > 0.0f, Vec3<F>{v.x / length, v.y / length, v.z / length}, v);
+}
+
+/// How many lanes a loop takes at once; both give the same bits.
+enum class LaneCount : std::uint8_t { kFour, kEight };
+
+/// Eight where the processor has vectors of that size.
+[[nodiscard]] LaneCount BestLaneCount();
