@@ -223,20 +223,6 @@ TEST(MeasureFrom, ClassesTellTheSidesOfTheObject) {
     EXPECT_EQ(classAt(80, 110), 20);  // -y
 }
 
-TEST(MeasureFrom, ThreadsPlayNoPartInTheResult) {
-    ScannerSettings settings = SphereSettings();
-    settings.colors = true;
-    settings.noise = 0.1f;
-    settings.dropout = 0.1f;
-    const Transform pose = PosesAround(3, 400)[1];
-    const ScanGrid one = MeasureFrom(Sphere(), pose, settings, 2, 1),
-                   three = MeasureFrom(Sphere(), pose, settings, 2, 3);
-    EXPECT_EQ(one.points, three.points);
-    EXPECT_EQ(one.confidence, three.confidence);
-    EXPECT_EQ(one.classes, three.classes);
-    EXPECT_EQ(one.colors, three.colors);
-}
-
 TEST(MeasureFrom, SeedAndScanNumberChangeTheNoise) {
     ScannerSettings settings = SphereSettings();
     settings.noise = 0.1f;

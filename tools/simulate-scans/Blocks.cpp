@@ -53,7 +53,8 @@ private:
 
     float Plane(const Index& at, int axis, int side) const {
         const auto a = static_cast<std::size_t>(axis % 3);
-        return m_grid.breaks[a][static_cast<std::size_t>(at[a] + side)];
+        const int plane = at[a] + side;
+        return m_grid.breaks[a][static_cast<std::size_t>(plane)];
     }
 
     Vec3 OnHole(const Index& at, int axis, int side, float radius, int segment) const {

@@ -28,20 +28,23 @@ struct Bump {
 TriangleMesh MakeBust() {
     // A head: what is mirrored stands twice.
     static constexpr std::array kBumps = {
-        Bump{{0.00f, -0.10f, 1.00f}, 0.20f, 9.0f},                                                // tip of the nose
-        Bump{{0.00f, 0.12f, 0.99f}, 0.22f, 4.0f},                                                 // its bridge
-        Bump{{0.32f, 0.18f, 0.93f}, 0.26f, -4.0f},                                                // eye sockets
-        Bump{{-0.32f, 0.18f, 0.93f}, 0.26f, -4.0f},  Bump{{0.32f, 0.17f, 0.93f}, 0.13f, 2.5f},    // eyeballs
-        Bump{{-0.32f, 0.17f, 0.93f}, 0.13f, 2.5f},   Bump{{0.30f, 0.38f, 0.88f}, 0.30f, 2.0f},    // brows
-        Bump{{-0.30f, 0.38f, 0.88f}, 0.30f, 2.0f},   Bump{{0.48f, -0.18f, 0.86f}, 0.40f, 2.5f},   // cheeks
-        Bump{{-0.48f, -0.18f, 0.86f}, 0.40f, 2.5f},  Bump{{0.00f, -0.38f, 0.92f}, 0.24f, -2.0f},  // mouth
-        Bump{{0.00f, -0.34f, 0.94f}, 0.12f, 2.2f},                                                // lips
-        Bump{{0.00f, -0.43f, 0.90f}, 0.12f, 2.2f},   Bump{{0.00f, -0.66f, 0.75f}, 0.40f, 6.0f},   // chin
-        Bump{{0.99f, 0.02f, 0.05f}, 0.24f, 7.0f},                                                 // ears
-        Bump{{-0.99f, 0.02f, 0.05f}, 0.24f, 7.0f},   Bump{{0.99f, 0.03f, 0.12f}, 0.11f, -4.0f},   // their hollows
-        Bump{{-0.99f, 0.03f, 0.12f}, 0.11f, -4.0f},  Bump{{0.00f, 0.55f, -0.83f}, 0.90f, 6.0f},   // back of the head
-        Bump{{0.00f, 0.93f, -0.37f}, 0.36f, 8.0f},                                                // a bun
-        Bump{{0.00f, -0.97f, -0.24f}, 0.75f, 14.0f},                                              // neck
+        Bump{{0.00f, -0.14f, 0.99f}, 0.17f, 6.0f},                                               // tip of the nose
+        Bump{{0.00f, 0.02f, 1.00f}, 0.17f, 4.0f},                                                // its bridge
+        Bump{{0.08f, -0.17f, 0.98f}, 0.09f, 2.0f},                                               // nostrils
+        Bump{{-0.08f, -0.17f, 0.98f}, 0.09f, 2.0f},  Bump{{0.27f, 0.10f, 0.96f}, 0.24f, -4.0f},  // eye sockets
+        Bump{{-0.27f, 0.10f, 0.96f}, 0.24f, -4.0f},  Bump{{0.26f, 0.09f, 0.96f}, 0.14f, 3.0f},   // eyeballs
+        Bump{{-0.26f, 0.09f, 0.96f}, 0.14f, 3.0f},   Bump{{0.26f, 0.28f, 0.92f}, 0.26f, 2.0f},   // brows
+        Bump{{-0.26f, 0.28f, 0.92f}, 0.26f, 2.0f},   Bump{{0.45f, -0.12f, 0.88f}, 0.34f, 2.0f},  // cheeks
+        Bump{{-0.45f, -0.12f, 0.88f}, 0.34f, 2.0f},  Bump{{0.07f, -0.33f, 0.94f}, 0.11f, 1.4f},  // lips
+        Bump{{-0.07f, -0.33f, 0.94f}, 0.11f, 1.4f},  Bump{{0.00f, -0.40f, 0.92f}, 0.14f, 1.6f},
+        Bump{{0.00f, -0.58f, 0.81f}, 0.34f, 4.0f},                                                // chin
+        Bump{{0.99f, -0.02f, -0.05f}, 0.24f, 5.0f},                                               // ears
+        Bump{{-0.99f, -0.02f, -0.05f}, 0.24f, 5.0f}, Bump{{0.99f, -0.01f, 0.03f}, 0.12f, -3.0f},  // their hollows
+        Bump{{-0.99f, -0.01f, 0.03f}, 0.12f, -3.0f}, Bump{{0.00f, 0.45f, -0.89f}, 0.95f, 6.0f},   // back of the head
+        Bump{{0.00f, 0.60f, 0.80f}, 0.70f, 2.0f},                                                 // forehead
+        Bump{{0.00f, -0.95f, -0.30f}, 0.62f, 17.0f},                                              // neck
+        Bump{{0.55f, -0.80f, -0.25f}, 0.45f, 9.0f},                                               // shoulders
+        Bump{{-0.55f, -0.80f, -0.25f}, 0.45f, 9.0f},
     };
     return StarShape(96, [](Vec3 direction) {
         float radius = 34.0f;
@@ -50,7 +53,7 @@ TriangleMesh MakeBust() {
             const float rest = 1.0f - Dot(away, away) / (bump.width * bump.width);
             if (rest > 0) radius += bump.height * rest * rest * rest;
         }
-        return Vec3{direction.x * radius * 0.86f, direction.y * radius * 1.1f, direction.z * radius};
+        return Vec3{direction.x * radius * 0.84f, direction.y * radius * 1.12f + 7.0f, direction.z * radius};
     });
 }
 
@@ -75,8 +78,8 @@ TriangleMesh MakeGear() {
     // A tooth goes root, root, tip, tip; its flanks lean.
     static constexpr std::array<double, kPointsPerTooth> kPhase = {0.0, 0.40, 0.53, 0.87};
     const auto rim = [](int i, double z) {
-        const int point = i % kPoints, phase = point % kPointsPerTooth;
-        const double turns = (point / kPointsPerTooth + kPhase[static_cast<std::size_t>(phase)]) / kTeeth;
+        const int point = i % kPoints, tooth = point / kPointsPerTooth, phase = point % kPointsPerTooth;
+        const double turns = (tooth + kPhase[static_cast<std::size_t>(phase)]) / kTeeth;
         return OnCircle(phase < 2 ? kRoot : kTip, turns, z);
     };
     const auto bore = [](int i, double z) { return OnCircle(kBore, (i % kPoints) / static_cast<double>(kPoints), z); };
@@ -151,6 +154,7 @@ TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& poi
 const std::vector<std::string>& ShapeNames() {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> list;
+        list.reserve(kShapes.size());
         for (const NamedShape& shape : kShapes) list.emplace_back(shape.name);
         return list;
     }();
