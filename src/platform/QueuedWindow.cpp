@@ -82,8 +82,14 @@ void QueuedWindow::ShowModalMessage(const std::string& text) {
 
 void QueuedWindow::ProcessEvents() {
     if (m_life == Life::Alive) HandleSystemEvents();
+    EndIfTaken();
     DeliverMessages();
     PaintIfDue();
+    EndIfTaken();
+}
+
+void QueuedWindow::EndIfTaken() {
+    if (m_life == Life::Alive && !Exists()) End();
 }
 
 void QueuedWindow::DeliverMessages() {

@@ -42,11 +42,8 @@ protected:
     virtual void Close() = 0;
     /// The client made its context: the window may be seen.
     virtual void Show() {}
-    /// Handles what the window system sent. Paints are only requested.
+    /// Handles what the window system sent. Paints are only requested; a window that is gone only stops to exist.
     virtual void HandleSystemEvents() {}
-
-    /// Runs the client's OnDestroy(), then Close(). Exists() is false already when the window system took the window.
-    void End();
 
     WindowClient* m_pClient = nullptr;  ///< of the last Create()
     WindowSize m_size;
@@ -57,6 +54,9 @@ private:
     enum class Life { None, Creating, Alive, Ending };
 
     bool Begin(std::string* reason);
+    void End();
+    /// The window system took the window: the client hears of it as of any other end.
+    void EndIfTaken();
     void DeliverMessages();
     void PaintIfDue();
 

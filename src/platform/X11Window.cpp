@@ -296,7 +296,6 @@ void X11Window::HandleSystemEvents() {
         XNextEvent(m_pConnection->Get(), &event);
         HandleEvent(event);
     }
-    if (m_pConnection != nullptr && !Exists()) End();
 }
 
 void X11Window::HandleEvent(const _XEvent& event) {

@@ -39,7 +39,11 @@ inline void BindResolvedCopy(int width, int height) {
 
 class DrawingClient final : public WindowClient {
 public:
+    /// @param window  outlives the client, and ends with it
     explicit DrawingClient(PaneWindow& window) : m_window(window) {}
+    ~DrawingClient() { m_window.Destroy(); }
+    DrawingClient(const DrawingClient&) = delete;
+    DrawingClient& operator=(const DrawingClient&) = delete;
 
     int OnCreate() override {
         ++created;

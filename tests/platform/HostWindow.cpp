@@ -17,7 +17,11 @@ HostWindow::HostWindow() : m_pDisplay(XOpenDisplay(nullptr)) {
     for (XEvent event{}; event.type != MapNotify;) XNextEvent(m_pDisplay, &event);
 }
 
-HostWindow::~HostWindow() { XCloseDisplay(m_pDisplay); }
+HostWindow::~HostWindow() {
+    if (m_pDisplay != nullptr) XCloseDisplay(m_pDisplay);
+}
+
+void HostWindow::Forget() { m_pDisplay = nullptr; }
 
 unsigned long HostWindow::MakePixmap() { return XCreatePixmap(m_pDisplay, m_nWindow, 8, 8, 24); }
 

@@ -38,6 +38,8 @@ public:
     /// A number for the look of the cursor on the screen.
     unsigned long ShownCursor();
     void Destroy();
+    /// The server will go: drops the connection without a word to it, for Xlib would end the process.
+    void Forget();
 
 private:
     _XDisplay* m_pDisplay;

@@ -68,6 +68,7 @@ XvfbServer::~XvfbServer() { Kill(); }
 
 XvfbServer& XvfbServer::Shared() {
     static XvfbServer server;
+    setenv("DISPLAY", server.m_strName.c_str(), 1);  // another test may have set another
     return server;
 }
 
@@ -87,6 +88,11 @@ void XvfbServer::Kill() {
 }
 
 int XvfbServer::ClientCount() const { return SocketCount() - m_nOwnSockets; }
+
+bool XvfbServer::ComesToClients(int count) const {
+    for (int i = 0; i < 500 && ClientCount() != count; ++i) usleep(10'000);
+    return ClientCount() == count;
+}
 
 int XvfbServer::SocketCount() const {
     int count = 0;

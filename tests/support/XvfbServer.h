@@ -14,13 +14,16 @@ public:
     XvfbServer(const XvfbServer&) = delete;
     XvfbServer& operator=(const XvfbServer&) = delete;
 
-    /// The server that the tests of this process share; started by the first call.
+    /// The server that the tests of this process share; started by the first call; every call sets $DISPLAY.
     static XvfbServer& Shared();
 
     /// As $DISPLAY has it, ":99".
     [[nodiscard]] const std::string& Name() const { return m_strName; }
     /// How many clients are connected now, by the server's open sockets beyond those it had at its start.
     [[nodiscard]] int ClientCount() const;
+    /// Waits until that many clients are connected, for the server closes its side of a connection later; false when it
+    /// does not come to that within seconds.
+    [[nodiscard]] bool ComesToClients(int count) const;
     /// Ends the server at once, under the clients that it has.
     void Kill();
 

@@ -1,0 +1,116 @@
+// Xlib has one error handler for the process. The host's errors stay the host's, ours never reach it.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/DrawingClient.h"
+#include "platform/HostWindow.h"
+#include "platform/X11Connection.h"
+#include "platform/X11Window.h"
+#include "support/XvfbServer.h"
+
+// After the others: its macros take the names of theirs.
+#include <X11/Xlib.h>
+
+namespace {
+
+std::vector<std::string> g_calls;  // which handler was called, in order
+XErrorHandler g_below = nullptr;   // what SecondHandler() found installed
+
+int FirstHandler(Display*, XErrorEvent*) {
+    g_calls.emplace_back("first");
+    return 0;
+}
+
+int SecondHandler(Display* display, XErrorEvent* event) {
+    g_calls.emplace_back("second");
+    return g_below == nullptr ? 0 : g_below(display, event);
+}
+
+struct HostErrorHandler : testing::Test {
+    HostErrorHandler() {
+        XvfbServer::Shared();
+        g_calls.clear();
+        g_below = nullptr;
+    }
+    ~HostErrorHandler() override { XSetErrorHandler(nullptr); }
+
+    static void MakeAnError(Display* display) {
+        XMapWindow(display, 0x1234);
+        XSync(display, False);
+    }
+
+    std::unique_ptr<X11Connection> Connect() {
+        std::string reason;
+        auto connection = X11Connection::Open("", &reason);
+        EXPECT_NE(connection, nullptr) << reason;
+        return connection;
+    }
+};
+
+TEST_F(HostErrorHandler, GetsTheHostsErrorsAndNotOurs) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    const auto connection = Connect();
+    const X11Connection::Attempt attempt(*connection);
+    MakeAnError(connection->Get());
+    EXPECT_FALSE(attempt.Succeeded());
+    EXPECT_TRUE(g_calls.empty());
+    MakeAnError(host.Display());
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"first"}));
+    const X11Connection::Attempt later(*connection);
+    EXPECT_TRUE(later.Succeeded()) << "an error counts in one attempt";
+}
+
+TEST_F(HostErrorHandler, InstalledAfterUsIsPassedToAndOursIsPutBack) {
+    const HostWindow host;
+    const auto connection = Connect();
+    XSetErrorHandler(FirstHandler);
+    const X11Connection::Attempt attempt(*connection);
+    MakeAnError(connection->Get());
+    EXPECT_FALSE(attempt.Succeeded());
+    EXPECT_TRUE(g_calls.empty());
+    MakeAnError(host.Display());
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"first"}));
+}
+
+TEST_F(HostErrorHandler, ThatPassesOnToUsIsNotCalledInARing) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    const auto connection = Connect();
+    for (int i = 0; i < 3; ++i) {
+        g_below = XSetErrorHandler(SecondHandler);  // finds ours
+        X11Connection::TakeErrors();                // and gets ours put over it
+    }
+    MakeAnError(host.Display());
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"second", "first"}));
+}
+
+TEST_F(HostErrorHandler, IsInstalledAgainWhenOurLastConnectionCloses) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    auto connection = Connect(), second = Connect();
+    connection.reset();
+    EXPECT_NE(XSetErrorHandler(FirstHandler), &FirstHandler) << "the second still needs ours";
+    X11Connection::TakeErrors();
+    second.reset();
+    EXPECT_EQ(XSetErrorHandler(nullptr), &FirstHandler);
+}
+
+TEST_F(HostErrorHandler, HearsNothingOfARefusedContext) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    PaneWindowRequest request;
+    request.kind = PaneWindowRequest::Kind::Child;
+    request.parent = host.Id();
+    X11Window window(request);
+    DrawingClient client(window);
+    client.context = {9, 9};
+    EXPECT_FALSE(window.Create(client, nullptr));
+    EXPECT_TRUE(client.formatFound);
+    EXPECT_TRUE(g_calls.empty());
+    EXPECT_EQ(XSetErrorHandler(nullptr), &FirstHandler);
+}
+
+}  // namespace

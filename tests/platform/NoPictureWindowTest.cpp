@@ -1,0 +1,70 @@
+#include "platform/NoPictureWindow.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include "platform/DrawingClient.h"
+#include "platform/WindowFactory.h"
+
+namespace {
+
+struct NoPicture : testing::Test {
+    NoPicture() {
+        PaneWindowRequest request;
+        request.kind = PaneWindowRequest::Kind::NoPicture;
+        request.width = 320;
+        request.height = 200;
+        window = MakePaneWindow(request);
+    }
+    std::unique_ptr<PaneWindow> window;
+};
+
+TEST_F(NoPicture, HasASizeAndNeitherContextNorHandle) {
+    DrawingClient client(*window);
+    EXPECT_FALSE(window->Exists());
+    ASSERT_TRUE(window->Create(client, nullptr));
+    EXPECT_TRUE(window->Exists());
+    EXPECT_EQ(client.created, 0) << "no context is ever asked of it";
+    EXPECT_EQ(window->NativeHandle(), 0u);
+    EXPECT_EQ(window->ContextHandle(), nullptr);
+    EXPECT_FALSE(window->MakeCurrent());
+    EXPECT_EQ(window->ClientSize().width, 320);
+    window->Resize(10, 20);
+    EXPECT_EQ(window->ClientSize().width, 10);
+    EXPECT_EQ(window->ClientSize().height, 20);
+}
+
+TEST_F(NoPicture, NeverPaints) {
+    DrawingClient client(*window);
+    ASSERT_TRUE(window->Create(client, nullptr));
+    window->Refresh();
+    window->Invalidate(true);
+    EXPECT_FALSE(window->IsPaintPending());
+    window->ProcessEvents();
+    EXPECT_EQ(client.paintCalls, 0);
+}
+
+TEST_F(NoPicture, DeliversMessagesAndTimers) {
+    DrawingClient client(*window);
+    ASSERT_TRUE(window->Create(client, nullptr));
+    window->PostPrivateMessage(3);
+    window->ProcessEvents();
+    window->StartTimer(1);
+    pollfd waiting{window->EventDescriptor(), POLLIN, 0};
+    ASSERT_EQ(poll(&waiting, 1, 10'000), 1);
+    window->ProcessEvents();
+    EXPECT_EQ(client.messages, (std::vector<std::uint32_t>{3, 1147}));
+}
+
+TEST_F(NoPicture, EndsLikeAWindow) {
+    DrawingClient client(*window);
+    ASSERT_TRUE(window->Create(client, nullptr));
+    ASSERT_TRUE(window->Recreate());
+    EXPECT_EQ(client.destroyed, 1) << "a recreation drops the scene here too";
+    EXPECT_TRUE(window->Exists());
+    window->Destroy();
+    EXPECT_EQ(client.destroyed, 2);
+    EXPECT_FALSE(window->Exists());
+}
+
+}  // namespace
