@@ -47,10 +47,11 @@ KV_LANES void GridNormals::AddFaceNormals(const PointRow& upper, const PointRow&
     using Int = typename Lanes<F>::Int;
     const Vec3<F> none{F{}, F{}, F{}};
     for (std::size_t x = 0; x < m_uWidth; x += Lanes<F>::kCount) {
+        const Int hasC = LoadLanes<Int>(&lower.m_vValid[x]), hasB = LoadLanes<Int>(&upper.m_vValid[x]);
+        if (!HasAny(hasB | hasC)) continue;
         const Vec3<F> leftFirst = m_first.Load<F>(kLeft + x - 1), leftSecond = m_second.Load<F>(kLeft + x - 1);
         const Vec3<F> first = m_first.Load<F>(kLeft + x), second = m_second.Load<F>(kLeft + x);
         // As corner B of the quad to the left and A of this one, which the second triangle holds only for want of C.
-        const Int hasC = LoadLanes<Int>(&lower.m_vValid[x]), hasB = LoadLanes<Int>(&upper.m_vValid[x]);
         const Vec3<F> sum = m_lowerSum.Load<F>(x) + leftFirst + leftSecond + first + KeepWhere(~hasC, second);
         m_upper.Store(x, Normalized(sum));
         // As corner D of the quad to the left, which the first triangle holds only for want of B, and C of this one.

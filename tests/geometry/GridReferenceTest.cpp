@@ -7,6 +7,8 @@
 #include <limits>
 #include <random>
 
+#include "geometry/GridNormals.h"
+#include "geometry/GridQuads.h"
 #include "geometry/GridReference.h"
 #include "geometry/GridTriangulation.h"
 
@@ -193,6 +195,59 @@ TEST_P(GridAgainstReference, AgreesOnLinesOfPixelsAndTinyGrids) {
 
 INSTANTIATE_TEST_SUITE_P(Skip, GridAgainstReference, testing::Values(1, 2, 3, 4, 5, 6, 7, 8, 13),
                          [](const auto& row) { return std::to_string(row.param); });
+
+namespace {
+
+bool IsVertex(const GridQuads& quads, std::size_t x, std::size_t y) {
+    const std::uint8_t* const below = quads.Row(y);
+    if ((below[x] & kQuadA) != 0 || (x > 0 && (below[x - 1] & kQuadB) != 0)) return true;
+    if (y == 0) return false;
+    const std::uint8_t* const above = quads.Row(y - 1);
+    return (above[x] & kQuadC) != 0 || (x > 0 && (above[x - 1] & kQuadD) != 0);
+}
+
+void ExpectSameNormals(const GridQuads& quads, const GridNormals& four, const GridNormals& eight, std::size_t width,
+                       std::size_t y) {
+    for (std::size_t x = 0; x < width; ++x) {
+        if (!IsVertex(quads, x, y)) continue;
+        ASSERT_TRUE(IsSame(four.UpperRow().m_vX[x], eight.UpperRow().m_vX[x])) << x << ", " << y;
+        ASSERT_TRUE(IsSame(four.UpperRow().m_vY[x], eight.UpperRow().m_vY[x])) << x << ", " << y;
+        ASSERT_TRUE(IsSame(four.UpperRow().m_vZ[x], eight.UpperRow().m_vZ[x])) << x << ", " << y;
+    }
+}
+
+void ExpectSameInBothLaneCounts(const Grid& grid) {
+    GridRows rows(grid.width, grid.height, PointsOf(grid), grid.mask.data(), nullptr);
+    const GridQuads four(rows, kMaxEdgeCosine, LaneCount::kFour), eight(rows, kMaxEdgeCosine, LaneCount::kEight);
+    ASSERT_EQ(four.VertexCount(), eight.VertexCount());
+    ASSERT_EQ(four.TriangleCount(), eight.TriangleCount());
+    const std::size_t width = rows.Width();
+    GridNormals fourNormals(width, LaneCount::kFour), eightNormals(width, LaneCount::kEight);
+    PointRow upper(width), lower(width);
+    rows.Load(0, upper);
+    for (std::size_t y = 0; y + 1 < rows.Height(); ++y) {
+        rows.Load(y + 1, lower);
+        ASSERT_TRUE(std::equal(four.Row(y), four.Row(y) + width, eight.Row(y))) << y;
+        fourNormals.AddRowPair(upper, lower, four.Row(y));
+        eightNormals.AddRowPair(upper, lower, four.Row(y));
+        ASSERT_NO_FATAL_FAILURE(ExpectSameNormals(four, fourNormals, eightNormals, width, y));
+        std::swap(upper, lower);
+    }
+}
+
+}  // namespace
+
+TEST(GridLanes, OfFourAndOfEightGiveTheSameBits) {
+    if (BestLaneCount() == LaneCount::kFour) GTEST_SKIP() << "this processor has no vectors of eight";
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        SCOPED_TRACE(seed);
+        GridMaker maker(seed);
+        Grid grid = maker.Make(maker.Size(70), maker.Size(40));
+        if (maker.Chance(0.2)) maker.Spoil(grid);
+        if (maker.Chance(0.2)) maker.Collapse(grid);
+        ASSERT_NO_FATAL_FAILURE(ExpectSameInBothLaneCounts(grid));
+    }
+}
 
 TEST(GridAgainstReference, AgreesOnEveryMaskOfThreeByThreePixels) {
     Grid grid{3, 3, {}, std::vector<std::uint16_t>(9), {}};
