@@ -1,6 +1,7 @@
 // What happens to a pcm file when its rewriting fails or the process dies: at every byte and at every call the old file
 // stays whole.
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -31,7 +32,8 @@ public:
     bool die = false;  ///< the process ends there, instead of an error
     int error = EIO;
     int calls = 0;
-    std::string failed;  ///< name of the call that did
+    std::vector<std::string> made;  ///< names of the calls in order, a run of writes once
+    std::string failed;             ///< name of the call that did
 
     int Open(const char* path, int flags, mode_t mode) override {
         return Fails("open") ? -1 : FileCalls::Open(path, flags, mode);
@@ -59,6 +61,7 @@ public:
 
 private:
     bool Fails(const char* name) {
+        if (made.empty() || made.back() != name || made.back() != "write") made.emplace_back(name);
         if (++calls != failingCall) return false;
         if (die) _exit(kDied);
         failed = name;
@@ -146,6 +149,14 @@ TEST_F(MsrSave, AnErrorOfAnyCallLeavesTheOldFile) {
         EXPECT_NE(std::find(failed.begin(), failed.end(), name), failed.end()) << name;
     }
     EXPECT_EQ(ReadBytes(file), WritePcm(Changed().View()));
+}
+
+// Renamed before it is on the disk, the new file could be empty after a power cut, and the old one gone.
+TEST_F(MsrSave, TheFileIsFlushedBeforeTheRenameAndTheFolderAfterIt) {
+    FailingCalls calls;
+    ASSERT_TRUE(Writes(file, Changed(), calls));
+    EXPECT_THAT(calls.made,
+                testing::ElementsAre("open", "open", "mode", "write", "sync", "close", "rename", "sync", "close"));
 }
 
 TEST_F(MsrSave, AnErrorBeforeTheRenameIsReported) {
