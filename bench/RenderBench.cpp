@@ -1,7 +1,8 @@
 // Meshes to the GPU and frames to the screen, off-screen. Each figure stands beside its yardstick: a copy of the same
 // bytes, or a bare loop that issues the same OpenGL calls on the same buffers without a control around it.
-// A frame ends with glFinish() on both sides. What a clean object costs outside the driver is the difference of
-// Frame_CleanObjects and BareLoop_CleanObjects over the number of objects.
+// A frame ends with glFinish() on both sides; the CPU time of whole frames is that of all threads of the process. What
+// a clean object costs outside the driver is the difference of Frame_CleanObjects and BareLoop_CleanObjects over the
+// number of objects.
 #include <GL/glew.h>
 #include <benchmark/benchmark.h>
 
@@ -74,6 +75,7 @@ void BuildBuffers_Triangles(benchmark::State& state) {
     const auto mesh = Waves(SideOf(state.range(0)));
     mesh->m_bHasVertexColors = state.range(1) != 0;
     for (auto _ : state) {
+        mesh->ReleaseBuffers();
         mesh->MarkBuffersDirty();
         mesh->Draw(6, false);  // builds, draws nothing
         glFinish();
@@ -100,6 +102,24 @@ void CopyOfTheSameBytes(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
 }
 BENCHMARK(CopyOfTheSameBytes)->Arg(5'000'000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// The driver's share of BuildBuffers: the same bytes, packed beforehand, into a buffer that it allocates anew.
+void UploadOfTheSameBytes(benchmark::State& state) {
+    const BenchPane pane(64, 64);
+    const auto mesh = Waves(SideOf(state.range(0)));
+    const std::vector<char> source(BytesOnTheGpu(*mesh), 'x');
+    GLuint buffer = 0;
+    for (auto _ : state) {
+        glDeleteBuffers(1, &buffer);
+        glGenBuffers(1, &buffer);
+        glBindBuffer(GL_ARRAY_BUFFER, buffer);
+        glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(source.size()), source.data(), GL_STATIC_DRAW);
+        glFinish();
+    }
+    glDeleteBuffers(1, &buffer);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
+}
+BENCHMARK(UploadOfTheSameBytes)->Arg(5'000'000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // ---- frames
 
@@ -237,7 +257,7 @@ void Frame_Triangles(benchmark::State& state) { FrameOf(state, Side::Control); }
 void BareLoop_Triangles(benchmark::State& state) { FrameOf(state, Side::BareLoop); }
 void FrameCases(benchmark::internal::Benchmark* bench) {
     bench->ArgNames({"triangles", "mode", "shadows"})->ArgsProduct({{100'000, 1'000'000}, {3, 5}, {0, 1}});
-    bench->Unit(benchmark::kMillisecond)->UseRealTime();
+    bench->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();  // the rasteriser has threads
 }
 BENCHMARK(Frame_Triangles)->Apply(FrameCases);
 BENCHMARK(BareLoop_Triangles)->Apply(FrameCases);
