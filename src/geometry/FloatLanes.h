@@ -59,17 +59,18 @@ KV_LANES void StoreLanes(T* to, const V& value) {
 
 /// Zero in the lanes that the mask leaves out, whatever stood there.
 template <typename I, typename F>
-[[nodiscard]] KV_LANES F KeepWhere(I mask, F value) {
+[[nodiscard]] KV_LANES F KeepWhere(const I& mask, const F& value) {
     I bits;
     std::memcpy(&bits, &value, sizeof(bits));
     bits &= mask;
-    std::memcpy(&value, &bits, sizeof(value));
-    return value;
+    F kept;
+    std::memcpy(&kept, &bits, sizeof(kept));
+    return kept;
 }
 
 /// mask ? a : b, lane by lane.
 template <typename I, typename F>
-[[nodiscard]] KV_LANES F Select(I mask, F a, F b) {
+[[nodiscard]] KV_LANES F Select(const I& mask, const F& a, const F& b) {
     return mask ? a : b;
 }
 
@@ -81,13 +82,12 @@ template <typename I, typename F>
 #endif
 }
 
-[[nodiscard]] KV_LANES Float8 Sqrt(Float8 value) {
+[[nodiscard]] KV_LANES Float8 Sqrt(const Float8& value) {
     Float4 halves[2];
     std::memcpy(halves, &value, sizeof(value));
     halves[0] = Sqrt(halves[0]);
     halves[1] = Sqrt(halves[1]);
-    std::memcpy(&value, halves, sizeof(value));
-    return value;
+    return LoadLanes<Float8>(halves);
 }
 
 [[nodiscard]] KV_LANES bool HasAny(Int4 mask) {
@@ -98,7 +98,7 @@ template <typename I, typename F>
 #endif
 }
 
-[[nodiscard]] KV_LANES bool HasAny(Int8 mask) {
+[[nodiscard]] KV_LANES bool HasAny(const Int8& mask) {
     Int4 halves[2];
     std::memcpy(halves, &mask, sizeof(mask));
     return HasAny(halves[0] | halves[1]);
@@ -128,11 +128,11 @@ template <typename F>
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 template <typename I, typename F>
-[[nodiscard]] KV_LANES Vec3<F> KeepWhere(I mask, const Vec3<F>& v) {
+[[nodiscard]] KV_LANES Vec3<F> KeepWhere(const I& mask, const Vec3<F>& v) {
     return {KeepWhere(mask, v.x), KeepWhere(mask, v.y), KeepWhere(mask, v.z)};
 }
 template <typename I, typename F>
-[[nodiscard]] KV_LANES Vec3<F> Select(I mask, const Vec3<F>& a, const Vec3<F>& b) {
+[[nodiscard]] KV_LANES Vec3<F> Select(const I& mask, const Vec3<F>& a, const Vec3<F>& b) {
     return {Select(mask, a.x, b.x), Select(mask, a.y, b.y), Select(mask, a.z, b.z)};
 }
 
