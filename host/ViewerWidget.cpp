@@ -62,7 +62,10 @@ void ViewerWidget::Open() {
 }
 
 void ViewerWidget::Close() {
-    m_pNotifier.reset();
+    if (m_pNotifier) {
+        m_pNotifier->setEnabled(false);
+        m_pNotifier.release()->deleteLater();  // it may be its own signal that led here
+    }
     if (m_pPane) m_pPane->Connect(nullptr);
     m_pPane.reset();
 }

@@ -26,6 +26,9 @@ private:
     std::unique_ptr<QApplication> m_pApplication;
 };
 
+/// One for all files of the test program.
+inline const testing::Environment* const g_qtUnderXvfb = testing::AddGlobalTestEnvironment(new QtUnderXvfb);
+
 /// Runs the event loop until @p condition holds; false when it does not within half a minute.
 inline bool WaitUntil(const std::function<bool()>& condition) {
     QElapsedTimer timer;

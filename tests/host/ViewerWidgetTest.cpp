@@ -1,0 +1,96 @@
+#include "ViewerWidget.h"
+
+#include <gtest/gtest.h>
+
+#include <QVBoxLayout>
+
+#include "host/QtUnderXvfb.h"
+
+// Last: Xlib defines common words.
+#include <X11/Xlib.h>
+
+namespace {
+
+/// A widget with a viewer, and what it tells.
+struct Shown {
+    Shown() {
+        QObject::connect(widget, &ViewerWidget::Refused, widget, [this](const QString& why) { reason = why; });
+        first.setLayout(new QVBoxLayout);
+        first.layout()->addWidget(widget);
+        first.show();
+    }
+
+    QWidget first, second;
+    ViewerWidget* widget = new ViewerWidget({200, 100});
+    QString reason;
+};
+
+std::unique_ptr<Display, int (*)(Display*)> OwnConnection() { return {XOpenDisplay(nullptr), &XCloseDisplay}; }
+
+/// Size of an X window, seen by another client; width 0 when there is no such window.
+XWindowAttributes Seen(std::uintptr_t window) {
+    const auto display = OwnConnection();
+    static bool gone;
+    gone = false;
+    const auto former = XSetErrorHandler([](Display*, XErrorEvent*) { return gone = true, 0; });
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(display.get(), window, &attributes);
+    XSync(display.get(), False);
+    XSetErrorHandler(former);
+    return gone ? XWindowAttributes{} : attributes;
+}
+
+TEST(ViewerWidget, HasNoViewerBeforeItIsShown) {
+    const ViewerWidget widget({200, 100});
+    EXPECT_EQ(widget.Pane(), nullptr);
+    EXPECT_EQ(widget.sizeHint(), QSize(200, 100));
+}
+
+TEST(ViewerWidget, FillsItselfWithTheViewersWindowAndFollowsResizes) {
+    Shown shown;
+    ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
+    for (const QSize size : {QSize(300, 200), QSize(150, 333)}) {
+        shown.first.resize(size);
+        const auto follows = [&] {
+            const XWindowAttributes window = Seen(shown.widget->Pane()->NativeWindow());
+            return window.width == shown.widget->width() && window.height == shown.widget->height();
+        };
+        EXPECT_TRUE(WaitUntil(follows));
+    }
+}
+
+TEST(ViewerWidget, MovesIntoAnotherWindowWithItsViewer) {
+    Shown shown;
+    ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
+    const KV_ScenePane::ScenePane* const pane = shown.widget->Pane();
+    shown.second.setLayout(new QVBoxLayout);
+    shown.second.resize(400, 300);
+    shown.second.show();
+    shown.second.layout()->addWidget(shown.widget);
+    const auto follows = [&] {
+        if (shown.widget->Pane() == nullptr) return false;
+        const XWindowAttributes window = Seen(shown.widget->Pane()->NativeWindow());
+        return window.map_state == IsViewable && window.width == shown.widget->width();
+    };
+    EXPECT_TRUE(WaitUntil(follows)) << shown.reason.toStdString();
+    KV_ScenePane::Picture picture;
+    ASSERT_EQ(shown.widget->Pane(), pane) << "the same viewer, not a new and empty one";
+    EXPECT_TRUE(shown.widget->Pane()->CapturePicture(&picture));
+}
+
+TEST(ViewerWidget, TellsWhenTheViewersWindowWasTakenAway) {
+    Shown shown;
+    ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
+    for (int i = 0; i < 20; ++i) {  // until it has drawn itself and nothing is under way
+        QCoreApplication::processEvents();
+        shown.widget->Pane()->ProcessEvents();
+    }
+    const auto display = OwnConnection();
+    XDestroyWindow(display.get(), shown.widget->Pane()->NativeWindow());
+    XSync(display.get(), False);
+    EXPECT_TRUE(WaitUntil([&] { return !shown.reason.isEmpty(); }));
+    EXPECT_EQ(shown.reason, "The viewer has lost its window.");
+    EXPECT_EQ(shown.widget->Pane(), nullptr);
+}
+
+}  // namespace
