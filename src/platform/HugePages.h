@@ -14,5 +14,5 @@ inline void AdviseHugePages(void* memory, std::size_t size) {
     const std::uintptr_t first = (begin + kHugePage - 1) / kHugePage * kHugePage;
     const std::uintptr_t last = (begin + size) / kHugePage * kHugePage;
     // Pages of which a part belongs to somebody else stay as they are.
-    if (first < last) (void)::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+    if (first < last) (void)::madvise(static_cast<std::byte*>(memory) + (first - begin), last - first, MADV_HUGEPAGE);
 }

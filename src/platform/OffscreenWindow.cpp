@@ -202,5 +202,8 @@ void OffscreenWindow::DeleteContext() {
 }
 
 void OffscreenWindow::SwapBuffers() {
-    if (m_pSurface != nullptr) eglSwapBuffers(m_display.handle, m_pSurface);
+    if (m_pSurface == nullptr) return;
+    // Swapping a pbuffer does nothing: on llvmpipe the commands of frame after frame would pile up in memory.
+    glFinish();
+    eglSwapBuffers(m_display.handle, m_pSurface);
 }

@@ -93,7 +93,8 @@ void X11Window::Close() {
         if (m_nColors != 0) XFreeColormap(display, m_nColors);
     }
     m_pConnection.reset();
-    m_nWindow = m_nColors = m_nResizeSerial = m_nShownCursor = 0;
+    m_nWindow = m_nColors = 0;
+    m_nCursorShape = kParentsCursor;
     m_bCapture = false;
 }
 
@@ -127,7 +128,6 @@ void X11Window::Resize(std::int32_t width, std::int32_t height) {
     if (!Exists()) return;
     const RoundTrip roundTrip(*this);
     Display* const display = m_pConnection->Get();
-    m_nResizeSerial = NextRequest(display);
     XResizeWindow(display, m_nWindow, XSide(width), XSide(height));
     XSync(display, False);
 }
@@ -276,12 +276,15 @@ void X11Window::EndWaitCursor() {
 void X11Window::ShowCursor() {
     if (!Exists()) return;
     const RoundTrip roundTrip(*this);
+    const unsigned shape = m_nWaitCursors > 0              ? XC_watch
+                           : m_cursor == PaneCursor::Lasso ? XC_crosshair
+                                                           : kParentsCursor;
+    if (shape == m_nCursorShape) return;
+    m_nCursorShape = shape;
     Display* const display = m_pConnection->Get();
-    const bool usesParents = m_nWaitCursors == 0 && m_cursor == PaneCursor::Default;
-    const Cursor cursor = usesParents ? None : XCreateFontCursor(display, m_nWaitCursors > 0 ? XC_watch : XC_crosshair);
+    const Cursor cursor = shape == kParentsCursor ? None : XCreateFontCursor(display, shape);
     XDefineCursor(display, m_nWindow, cursor);
-    if (m_nShownCursor != 0) XFreeCursor(display, m_nShownCursor);
-    m_nShownCursor = cursor;
+    if (cursor != None) XFreeCursor(display, cursor);  // the window keeps it
     XFlush(display);
 }
 
@@ -330,7 +333,6 @@ void X11Window::HandleEvent(const _XEvent& event) {
 
 void X11Window::TakeConfiguration(const _XEvent& event) {
     const XConfigureEvent& configuration = event.xconfigure;
-    if (configuration.serial < m_nResizeSerial) return;
     if (IsChild()) {
         m_request.x = configuration.x;
         m_request.y = configuration.y;

@@ -70,9 +70,9 @@ private:
     unsigned long m_nWindow = 0;
     unsigned long m_nColors = 0;
     unsigned long m_nDeleteWindow = 0;  ///< the atom by which a window manager asks to close
-    unsigned long m_nResizeSerial = 0;  ///< request of the last Resize(); configurations from before it are stale
     bool m_bCapture = false;
     PaneCursor m_cursor = PaneCursor::Default;
     int m_nWaitCursors = 0;
-    unsigned long m_nShownCursor = 0;
+    static constexpr unsigned kParentsCursor = ~0u;
+    unsigned m_nCursorShape = kParentsCursor;  ///< what the window shows: a shape of the cursor font, or the parent's
 };
