@@ -48,7 +48,7 @@ std::string FollowLinks(std::string path) {
         const ssize_t length = ::readlink(path.c_str(), link, sizeof link);
         if (length < 0) return path;  // no link, or nothing there
         const std::string to(link, static_cast<std::size_t>(length));
-        path = to.starts_with('/') ? to : FolderOf(path) + "/" + to;
+        path = to.starts_with('/') ? to : FolderOf(path).append("/").append(to);
     }
     errno = ELOOP;
     Fail("too many links");

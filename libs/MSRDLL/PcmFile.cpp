@@ -306,7 +306,8 @@ std::unique_ptr<T[]> MakeArray(std::size_t count) {
     const std::uintptr_t first = (begin + kHugePage - 1) / kHugePage * kHugePage;
     const std::uintptr_t last = (begin + count * sizeof(T)) / kHugePage * kHugePage;
     // Advice only, and for whole pages of this array: what the system does not offer is left.
-    if (first < last) (void)::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+    if (first < last)
+        (void)::madvise(reinterpret_cast<std::byte*>(values.get()) + (first - begin), last - first, MADV_HUGEPAGE);
     return values;
 }
 
