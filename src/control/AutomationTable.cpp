@@ -32,6 +32,12 @@ constexpr char TypeCode() {
     }
 }
 
+// What a pointer leads to is written when it may be.
+template <typename T>
+constexpr bool IsOutput() {
+    return std::is_pointer_v<T> && !std::is_const_v<std::remove_pointer_t<T>>;
+}
+
 // A pointer travels untyped; every other value as what it is.
 template <typename T>
 T Unpack(const AutomationValue& value) {
@@ -47,6 +53,7 @@ template <typename Result, typename... Arguments, Result (Surface::*Method)(Argu
 struct MethodTraits<Method> {
     static constexpr std::array<char, sizeof...(Arguments) + 1> kSignature{TypeCode<Result>(),
                                                                            TypeCode<Arguments>()...};
+    static constexpr std::array<bool, sizeof...(Arguments)> kOutputs{IsOutput<Arguments>()...};
 
     static AutomationValue Invoke(Surface& target, std::span<const AutomationValue> arguments) {
         return Call(target, arguments, std::index_sequence_for<Arguments...>());
@@ -84,7 +91,7 @@ Declaration Parse(std::string_view text) {
     while (!list.empty()) {
         const std::size_t comma = std::min(list.find(','), list.size());
         const auto [type, name] = splitAtLastBlank(list.substr(0, comma));
-        declaration.arguments.push_back({type, name, type.ends_with('*') && type != "VARIANT*"});
+        declaration.arguments.push_back({type, name, false});
         list.remove_prefix(std::min(comma + 2, list.size()));
     }
     return declaration;
@@ -94,6 +101,7 @@ template <auto Method>
 AutomationMethod Row(std::int32_t id, std::string_view text) {
     using Traits = MethodTraits<Method>;
     Declaration declaration = Parse(text);
+    for (std::size_t i = 0; i < Traits::kOutputs.size(); ++i) declaration.arguments[i].output = Traits::kOutputs[i];
     return {id,
             declaration.result,
             declaration.name,

@@ -36,6 +36,11 @@ public:
         const std::lock_guard lock(m_mutex);
         m_text.clear();
     }
+    /// What came since the last Take() or Clear().
+    std::string Take() {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_text, {});
+    }
 
 private:
     mutable std::mutex m_mutex;  // worker threads write, too

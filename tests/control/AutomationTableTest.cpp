@@ -1,0 +1,565 @@
+// The automation table against the published declarations, against the abstract classes, and the dispatch by id.
+#include "control/AutomationTable.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+
+#include "control/RecordingPane.h"
+#include "support/ControlFixture.h"
+
+namespace {
+
+struct Declaration {
+    std::int32_t id;
+    const char* text;
+};
+
+// clang-format off
+const Declaration kMethods[] = {
+    {4, "void SetSize(short sx, short sy)"},
+    {5, "void ClearData()"},
+    {6, "void ClearUndoStack()"},
+    {7, "void SetLassoCuttingColors(long inside, float insideOpacity, long outside, float outsideOpacity)"},
+    {8, "void DisplayClipPlanePartCloseToData()"},
+    {9, "int FindNearestPickPointSphere(int sx, int sy)"},
+    {10, "void RemovePickPointSphere(int id)"},
+    {11, "void GetPickPointSphereCoords(int id, float* x, float* y, float* z)"},
+    {12, "int GetNumberOfPickPointSpheres()"},
+    {13, "void SetMaxNumberOfNeedles(int num)"},
+    {14, "VARIANT_BOOL DeselectNeedle(int id)"},
+    {15, "void DeselectAllNeedles()"},
+    {16, "void SelectNeedle(int id)"},
+    {17, "VARIANT_BOOL RecreateOpenglContext(int majorVersion, int minorVersion, int numberOfSamples)"},
+    {18, "void SetPickMode(short mode)"},
+    {19, "short GetPickMode()"},
+    {20, "void SetCrossColor(long color)"},
+    {21, "long GetCrossColor()"},
+    {22, "VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz)"},
+    {23, "short GetNumObjects()"},
+    {24, "long GetObjectColor(short idx)"},
+    {25, "void SetObjectColor(short idx, long color)"},
+    {26, "void StartSegmentation(short mode)"},
+    {27, "void GetMeshDataSize(short objIdx, long* numP, long* numT)"},
+    {28, "void ClearPickPointSpheres()"},
+    {29, "void MovePickPointSphere(int id, float x, float y, float z)"},
+    {30, "int PerformUndo()"},
+    {31, "void ImportMesh(BSTR path)"},
+    {32, "void ExportMesh(short objIdx, BSTR path)"},
+    {33, "void ImportScan(BSTR path, long color)"},
+    {34, "void ShowLightingArrow(short show)"},
+    {35, "void SetArrowColor(long color)"},
+    {36, "void TracingMode(short on)"},
+    {37, "void FlipMouseButtons(short flip)"},
+    {38, "void SetRotationMode(short mode)"},
+    {39, "void SetViewMode(short mode)"},
+    {40, "void ResetSelection()"},
+    {41, "void AddSelection(short idx)"},
+    {42, "void ResetVariableObjects()"},
+    {43, "void AddVariableObject(short idx)"},
+    {44, "void AlignInteractive()"},
+    {45, "void AlignPickPoints()"},
+    {46, "void PerformRefresh()"},
+    {47, "void SetArrowAngle(short angle)"},
+    {48, "void CenterView()"},
+    {49, "void SetScanSkipVal(short skipVal)"},
+    {50, "short GetTrafoOfScan(short idx, float* v0, float* v1, float* v2, float* v3, float* v4, float* v5, float* v6, float* v7, float* v8, float* v9, float* v10, float* v11, float* v12, float* v13, float* v14, float* v15)"},
+    {51, "void SetObjectVisibility(short idx, short visible)"},
+    {52, "void ShowAxes(short show)"},
+    {53, "void SetConfidenceFilter(float confFilter)"},
+    {54, "void FinishInteraction()"},
+    {55, "void SetBackgroundColors(long TopColor, long BottomColor)"},
+    {56, "void DeleteObject(short idx)"},
+    {57, "VARIANT_BOOL CreateNeedles(int number, VARIANT* id, VARIANT* pinPosXYZ, VARIANT* headPosXYZ)"},
+    {58, "void DeleteNeedles()"},
+    {59, "VARIANT_BOOL GetObjectCenter(short objectIdx, float* x, float* y, float* z)"},
+    {60, "VARIANT_BOOL SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2, float wy3, float cx, float cy, float cz, float zoom, short freezeBBox)"},
+    {61, "int AddPickPointSphere(float x, float y, float z, long color)"},
+    {62, "void AllowMouseInteraction(short on)"},
+    {63, "VARIANT_BOOL SaveCuttingToPcms()"},
+    {64, "void SetIGDRotation(short on)"},
+    {65, "void SetReflection(float brightness, float shining)"},
+    {66, "short SetTrafoOfScan(short idx, float v0, float v1, float v2, float v3, float v4, float v5, float v6, float v7, float v8, float v9, float v10, float v11, float v12, float v13, float v14, float v15)"},
+    {67, "void GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx, float* cy, float* cz, float* zoom)"},
+    {68, "void EndSegmentation()"},
+    {69, "void SetShadowMode(short mode)"},
+    {70, "short GetShadowMode()"},
+    {71, "void SetBackgroundColorsFourCorners(long TopLeftColor, long TopRightColor, long BottomLeftColor, long BottomRightColor)"},
+    {72, "void SetPickRadius(float r)"},
+    {73, "void PerformInvalidate()"},
+    {74, "void GetObjectBoundingBox(short objectIdx, float* x_min, float* x_max, float* y_min, float* y_max, float* z_min, float* z_max)"},
+    {75, "VARIANT_BOOL CreateNeedle(int id, float pinPosX, float pinPosY, float pinPosZ, float headPosX, float headPosY, float headPosZ)"},
+    {76, "void BeginParallelImport(VARIANT* p_this, VARIANT* p_fn)"},
+    {77, "void EndParallelImport()"},
+    {78, "void SetAllowEmptyObjects(VARIANT_BOOL allow)"},
+    {79, "void BlockPaintEvents(VARIANT_BOOL block)"},
+    {80, "void SetMeshFilename_Removed()"},
+    {81, "void SetLine3DDrawingMode(VARIANT_BOOL enable)"},
+    {82, "VARIANT_BOOL GetLine3DDrawingMode()"},
+    {83, "VARIANT_BOOL CreateLine3D(int id, int numberOfXYZs, VARIANT* XYZs)"},
+    {84, "void DeletePoints(int id)"},
+    {85, "void SetPointsVisibility(int id, VARIANT_BOOL visible)"},
+    {86, "int ImportPoints(int numPoints, VARIANT* xyz, VARIANT* colors, float alpha)"},
+    {87, "short GetScanSkipVal()"},
+    {88, "void SetBlendObjectColors(short idx, short enabled)"},
+    {89, "void SetShadowColor(float red, float green, float blue)"},
+    {90, "void ImportMeshedMeasurement(VARIANT* mesh, BSTR filename, long color)"},
+    {91, "void StartAnimation(float revolutionsPerSecond)"},
+    {92, "void StopAnimation()"},
+    {93, "void ToggleAnimationOnSpacebar(long enabled)"},
+    {94, "VARIANT_BOOL IsAnimationRunning()"},
+    {95, "void SetAnimationSpeed(float revolutionsPerSecond)"},
+    {96, "void SetPointCloudRenderPointSize(float size)"},
+    {97, "void CaptureScreenShot(VARIANT* buffer)"},
+    {98, "void GetScreenShotResolution(long* width, long* height)"},
+    {99, "int AddOverlayData(VARIANT* argbU8DataPtrHack, int width, int height, float relPosX, float relPosY, float relOffsetX, float relOffsetY, float absOffsetX, float absOffsetY)"},
+    {100, "void SetOverlayVisibility(int index, long enable)"},
+    {101, "void SetDefaultZoomFactor(float newDefault)"},
+    {102, "void SetClipPlaneEnabled(long displayClipPlane)"},
+    {103, "void SetClipPlaneDisabled()"},
+    {104, "void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY, float normalZ)"},
+    {105, "void SetClipPlaneColor(long color, long handleColor, long outlineColor)"},
+    {106, "void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY, float* normalZ)"},
+    {107, "void SetNeedlePickingMode(VARIANT_BOOL enable)"},
+    {108, "void SetNeedleDrawingMode(VARIANT_BOOL enable)"},
+    {109, "void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, long needleHeadColor, float needlePinSize, long needlePinColor, float needleHitPointRadius, long needleHitPointColor, long needleHeadSelectionColor)"},
+    {110, "VARIANT_BOOL GetNeedlePickingMode()"},
+    {111, "VARIANT_BOOL GetNeedleDrawingMode()"},
+    {112, "VARIANT_BOOL DeleteNeedle(int id)"},
+    {113, "int GetNumberOfNeedles()"},
+    {114, "VARIANT_BOOL GetNeedle(int id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX, float* headPosY, float* headPosZ)"},
+    {115, "void GetNeedles(VARIANT* id, VARIANT* pinPosXYZ, VARIANT* headPosXYZ)"},
+    {116, "void ImportMeasurementFromMemory(int width, int height, VARIANT* points, VARIANT* confidence, VARIANT* trafo, long color)"},
+    {117, "void ImportMeshFromMemory(int numberOfVertices, int numberOfTriangles, VARIANT* vertices, VARIANT* triangles)"},
+    {118, "VARIANT_BOOL GetCutMasks(int* count, VARIANT* cutMaskPtrs)"},
+    {119, "void ClearCutMasks()"},
+    {120, "void InitializeKVReg()"},
+    {121, "void FinalizeKVReg()"},
+    {122, "void SetHpsSourceApp(BSTR appName, BSTR appVersion)"},
+    {-552, "void AboutBox()"},
+};
+
+const Declaration kEvents[] = {
+    {-609, "void ReadyStateChange()"},
+    {1, "void SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz)"},
+    {2, "void SelectObjCoords(short idx, float px, float py, float pz, int shiftModifiers, int mouseX, int mouseY)"},
+    {3, "void SegmentationDone(short numObj)"},
+    {4, "void ViewDirectionChanged(float vx, float vy, float vz)"},
+    {5, "void AlignmentDone()"},
+    {6, "void NeedleCreated(int id)"},
+    {7, "void NeedleSelected(int id)"},
+    {8, "void NeedleDeleted(int id)"},
+    {9, "void NeedleDeselected(int id)"},
+    {10, "void CustomKeyDown(long nChar, long nRepCnt, long nFlags)"},
+    {11, "void PickPointCountChanged(int newCount)"},
+    {12, "void CutMaskApplied(int64 addr)"},
+};
+
+/// Methods whose rooms are still to come.
+const char* const kMethodsToCome[] = {
+    "ClearUndoStack", "SetLassoCuttingColors", "DisplayClipPlanePartCloseToData", "FindNearestPickPointSphere",
+    "RemovePickPointSphere", "GetPickPointSphereCoords", "GetNumberOfPickPointSpheres", "SetMaxNumberOfNeedles",
+    "DeselectNeedle", "DeselectAllNeedles", "SelectNeedle", "SetPickMode", "GetPickMode", "StartSegmentation",
+    "ClearPickPointSpheres", "MovePickPointSphere", "PerformUndo", "ImportMesh", "ExportMesh", "FlipMouseButtons",
+    "SetRotationMode", "AlignInteractive", "AlignPickPoints", "FinishInteraction", "CreateNeedles", "DeleteNeedles",
+    "AddPickPointSphere", "AllowMouseInteraction", "SaveCuttingToPcms", "SetIGDRotation", "EndSegmentation",
+    "CreateNeedle", "SetLine3DDrawingMode", "GetLine3DDrawingMode", "CreateLine3D", "DeletePoints",
+    "SetPointsVisibility", "ImportPoints", "StartAnimation", "StopAnimation", "ToggleAnimationOnSpacebar",
+    "IsAnimationRunning", "SetAnimationSpeed", "CaptureScreenShot", "GetScreenShotResolution", "AddOverlayData",
+    "SetOverlayVisibility", "SetClipPlaneEnabled", "SetClipPlaneDisabled", "SetClipPlane", "SetClipPlaneColor",
+    "GetClipPlane", "SetNeedlePickingMode", "SetNeedleDrawingMode", "SetNeedleRenderParameters",
+    "GetNeedlePickingMode", "GetNeedleDrawingMode", "DeleteNeedle", "GetNumberOfNeedles", "GetNeedle", "GetNeedles",
+    "GetCutMasks", "ClearCutMasks", "InitializeKVReg", "FinalizeKVReg", "SetHpsSourceApp", "AboutBox",
+};
+// clang-format on
+
+/// Of the arguments that lead to the host's arrays, those that the method writes through.
+const std::set<std::string> kArraysThatComeOut = {
+    "GetNeedles.id",           "GetNeedles.pinPosXYZ",       "GetNeedles.headPosXYZ",   "CaptureScreenShot.buffer",
+    "GetCutMasks.cutMaskPtrs", "BeginParallelImport.p_this", "BeginParallelImport.p_fn"};
+
+std::string Text(std::string_view result, std::string_view name, const std::vector<AutomationArgument>& arguments) {
+    std::string text = std::string(result) + " " + std::string(name) + "(";
+    for (const AutomationArgument& argument : arguments) {
+        if (text.back() != '(') text += ", ";
+        text += std::string(argument.type) + " " + std::string(argument.name);
+    }
+    return text + ")";
+}
+
+const AutomationMethod& Method(std::string_view name) {
+    for (const AutomationMethod& method : AutomationMethods())
+        if (method.name == name) return method;
+    throw std::invalid_argument("no method " + std::string(name));
+}
+
+// ---- the table against the declarations
+
+TEST(AutomationTable, HasThe120MethodsInTheOrderOfTheirIdsAsDeclared) {
+    const auto methods = AutomationMethods();
+    ASSERT_EQ(std::size(kMethods), 120u);
+    ASSERT_EQ(methods.size(), std::size(kMethods));
+    for (std::size_t i = 0; i < methods.size(); ++i) {
+        EXPECT_EQ(methods[i].id, kMethods[i].id) << kMethods[i].text;
+        EXPECT_EQ(Text(methods[i].result, methods[i].name, methods[i].arguments), kMethods[i].text);
+    }
+}
+
+TEST(AutomationTable, HasTheFourProperties) {
+    const auto properties = AutomationProperties();
+    ASSERT_EQ(properties.size(), 4u);
+    const AutomationProperty expected[] = {{1, "VARIANT_BOOL", "DrawMosaic", true},
+                                           {2, "short", "DrawMode", true},
+                                           {3, "VARIANT_BOOL", "MoveReduced", true},
+                                           {-525, "long", "ReadyState", false}};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(properties[i].id, expected[i].id);
+        EXPECT_EQ(properties[i].type, expected[i].type);
+        EXPECT_EQ(properties[i].name, expected[i].name);
+        EXPECT_EQ(properties[i].writable, expected[i].writable) << expected[i].name;
+    }
+}
+
+TEST(AutomationTable, HasThe13EventsAsDeclared) {
+    const auto events = AutomationEvents();
+    ASSERT_EQ(std::size(kEvents), 13u);
+    ASSERT_EQ(events.size(), std::size(kEvents));
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        EXPECT_EQ(events[i].id, kEvents[i].id) << kEvents[i].text;
+        EXPECT_EQ(Text("void", events[i].name, events[i].arguments), kEvents[i].text);
+        for (const AutomationArgument& argument : events[i].arguments) EXPECT_FALSE(argument.output) << kEvents[i].text;
+    }
+}
+
+TEST(AutomationTable, MarksTheArgumentsThatAMethodWritesThrough) {
+    for (const AutomationMethod& method : AutomationMethods())
+        for (const AutomationArgument& argument : method.arguments) {
+            const std::string place = std::string(method.name) + "." + std::string(argument.name);
+            const bool comesOut =
+                argument.type == "VARIANT*" ? kArraysThatComeOut.contains(place) : argument.type.ends_with('*');
+            EXPECT_EQ(argument.output, comesOut) << place;
+        }
+}
+
+TEST(AutomationTable, HasSignaturesThatAgreeWithItsTypes) {
+    const std::map<std::string_view, char> letters = {{"void", 'v'}, {"short", 's'}, {"VARIANT_BOOL", 's'},
+                                                      {"long", 'i'}, {"int", 'i'},   {"float", 'f'},
+                                                      {"BSTR", 'w'}};
+    const auto letter = [&](std::string_view type) { return type.ends_with('*') ? 'p' : letters.at(type); };
+    for (const AutomationMethod& method : AutomationMethods()) {
+        std::string signature(1, letter(method.result));
+        for (const AutomationArgument& argument : method.arguments) signature += letter(argument.type);
+        EXPECT_EQ(method.signature, signature) << method.name;
+    }
+}
+
+// ---- the table against the abstract classes that hosts compile against
+
+struct HeaderFunction {
+    std::string result, name;
+    std::vector<std::pair<std::string, std::string>> arguments;  // type, name
+};
+
+/// The virtual functions of a public header, in order.
+std::vector<HeaderFunction> FunctionsOf(const std::string& header, const std::string& ending) {
+    std::ifstream file(std::string(KV_SOURCE_DIR "/include/KV_ScenePane/") + header);
+    std::string text(std::istreambuf_iterator<char>(file), {});
+    text = std::regex_replace(text, std::regex("//[^\n]*"), "");
+    text = std::regex_replace(text, std::regex("/\\*|\\*/"), "");
+    const std::regex function("virtual (\\S+) (\\w+)\\(([^)]*)\\) " + ending);
+    const std::regex argument("\\s*(?:const )?([^,]*?) ?(\\w+)\\s*(?:,|$)");
+    std::vector<HeaderFunction> functions;
+    for (std::sregex_iterator f(text.begin(), text.end(), function), end; f != end; ++f) {
+        HeaderFunction found{(*f)[1], (*f)[2], {}};
+        const std::string arguments = (*f)[3];
+        for (std::sregex_iterator a(arguments.begin(), arguments.end(), argument); a != end; ++a)
+            found.arguments.emplace_back((*a)[1], (*a)[2]);
+        functions.push_back(found);
+    }
+    return functions;
+}
+
+/// What a declared type is in C++; arrays of the host are plain pointers to what they hold.
+bool IsTypeFor(std::string_view automation, const std::string& cpp) {
+    const std::map<std::string_view, std::string> types = {
+        {"void", "void"},          {"short", "std::int16_t"}, {"VARIANT_BOOL", "VARIANT_BOOL"},
+        {"long", "std::int32_t"},  {"int", "std::int32_t"},   {"float", "float"},
+        {"BSTR", "BSTR"},          {"float*", "float*"},      {"long*", "std::int32_t*"},
+        {"int*", "std::int32_t*"}, {"int64", "std::int64_t"}};
+    return automation == "VARIANT*" ? cpp.ends_with('*') : types.at(automation) == cpp;
+}
+
+template <class Row>
+void ExpectSameArguments(const Row& row, const HeaderFunction& function) {
+    ASSERT_EQ(row.arguments.size(), function.arguments.size()) << row.name;
+    for (std::size_t a = 0; a < row.arguments.size(); ++a) {
+        EXPECT_EQ(row.arguments[a].name, function.arguments[a].second) << row.name;
+        EXPECT_TRUE(IsTypeFor(row.arguments[a].type, function.arguments[a].first))
+            << row.name << ": " << row.arguments[a].type << " against " << function.arguments[a].first;
+    }
+}
+
+TEST(AutomationTable, AgreesWithTheAbstractClassInNamesOrderAndTypes) {
+    const std::vector<HeaderFunction> functions = FunctionsOf("_DKV_ScenePane.h", "= 0;");
+    const auto methods = AutomationMethods();
+    const std::size_t accessors = 7;  // three properties to read and write, one to read
+    ASSERT_EQ(functions.size(), accessors + methods.size());
+    for (std::size_t i = 0; i < methods.size(); ++i) {
+        const HeaderFunction& function = functions[accessors + i];
+        EXPECT_EQ(methods[i].name, function.name);
+        EXPECT_TRUE(IsTypeFor(methods[i].result, function.result)) << function.name;
+        ExpectSameArguments(methods[i], function);
+    }
+}
+
+TEST(AutomationTable, AgreesWithTheAbstractClassInItsProperties) {
+    const std::vector<HeaderFunction> functions = FunctionsOf("_DKV_ScenePane.h", "= 0;");
+    std::size_t next = 0;
+    for (const AutomationProperty& property : AutomationProperties()) {
+        ASSERT_LT(next + 1, functions.size());
+        EXPECT_EQ(functions[next].name, "Get" + std::string(property.name));
+        EXPECT_TRUE(IsTypeFor(property.type, functions[next++].result)) << property.name;
+        if (!property.writable) continue;
+        EXPECT_EQ(functions[next].name, "Set" + std::string(property.name));
+        ASSERT_EQ(functions[next].arguments.size(), 1u);
+        EXPECT_TRUE(IsTypeFor(property.type, functions[next++].arguments[0].first)) << property.name;
+    }
+    EXPECT_EQ(next, 7u);
+}
+
+TEST(AutomationTable, AgreesWithTheAbstractClassOfTheEvents) {
+    const std::vector<HeaderFunction> functions = FunctionsOf("_DKV_ScenePaneEvents.h", "\\{\\}");
+    const auto events = AutomationEvents();
+    ASSERT_EQ(functions.size(), events.size());
+    for (std::size_t i = 0; i < events.size(); ++i) {
+        EXPECT_EQ(events[i].name, functions[i].name);
+        ExpectSameArguments(events[i], functions[i]);
+    }
+}
+
+// ---- the dispatch
+
+/// Values that differ from place to place, so that exchanged arguments show.
+std::vector<AutomationValue> DistinctArguments(const AutomationMethod& method) {
+    static const wchar_t text[] = L"0123456789abcdefghij";
+    static char memory[32];
+    std::vector<AutomationValue> values;
+    for (std::size_t i = 1; i < method.signature.size(); ++i) {
+        const auto n = static_cast<std::int32_t>(i);
+        switch (method.signature[i]) {
+            case 's':
+                values.emplace_back(static_cast<std::int16_t>(-100 - n));
+                break;
+            case 'i':
+                values.emplace_back(1000000 + n);
+                break;
+            case 'f':
+                values.emplace_back(0.5f + static_cast<float>(n));
+                break;
+            case 'w':
+                values.emplace_back(text + i);
+                break;
+            default:
+                values.emplace_back(static_cast<void*>(memory + i));
+                break;
+        }
+    }
+    return values;
+}
+
+AutomationValue RecordedResult(const AutomationMethod& method) {
+    switch (method.signature[0]) {
+        case 's':
+            return kRecordedShort;
+        case 'i':
+            return kRecordedLong;
+        default:
+            return std::monostate();
+    }
+}
+
+TEST(InvokeMethod, CallsTheMethodOfTheIdWithItsArgumentsInOrderAndPassesTheResult) {
+    for (const AutomationMethod& method : AutomationMethods()) {
+        RecordingPane pane;
+        const std::vector<AutomationValue> arguments = DistinctArguments(method);
+        AutomationValue result = 4.0f;
+        EXPECT_EQ(InvokeMethod(pane, method.id, arguments, &result), AutomationStatus::Done) << method.name;
+        ASSERT_EQ(pane.calls.size(), 1u) << method.name;
+        EXPECT_EQ(pane.calls[0].name, method.name);
+        EXPECT_EQ(pane.calls[0].arguments, arguments) << method.name;
+        EXPECT_EQ(result, RecordedResult(method)) << method.name;
+    }
+}
+
+TEST(InvokeMethod, NeedsNoPlaceForTheResult) {
+    RecordingPane pane;
+    EXPECT_EQ(InvokeMethod(pane, 23, {}, nullptr), AutomationStatus::Done);
+    EXPECT_EQ(pane.calls.size(), 1u);
+}
+
+TEST(InvokeMethod, RefusesIdsThatAreNotMethods) {
+    for (const std::int32_t id : {0, 1, 2, 3, 123, -1, -525, -551, -609, INT32_MAX, INT32_MIN}) {
+        RecordingPane pane;
+        AutomationValue result = 4.0f;
+        EXPECT_EQ(InvokeMethod(pane, id, {}, &result), AutomationStatus::UnknownId) << id;
+        EXPECT_TRUE(pane.calls.empty()) << id;
+        EXPECT_EQ(result, AutomationValue(4.0f)) << id;
+    }
+}
+
+TEST(InvokeMethod, RefusesOneArgumentTooManyOrTooFew) {
+    for (const AutomationMethod& method : AutomationMethods()) {
+        RecordingPane pane;
+        std::vector<AutomationValue> arguments = DistinctArguments(method);
+        if (!arguments.empty()) {
+            const std::span<const AutomationValue> oneLess(arguments.data(), arguments.size() - 1);
+            EXPECT_EQ(InvokeMethod(pane, method.id, oneLess, nullptr), AutomationStatus::BadArguments) << method.name;
+        }
+        arguments.emplace_back(std::int16_t{0});
+        EXPECT_EQ(InvokeMethod(pane, method.id, arguments, nullptr), AutomationStatus::BadArguments) << method.name;
+        EXPECT_TRUE(pane.calls.empty()) << method.name;
+    }
+}
+
+TEST(InvokeMethod, RefusesAnArgumentOfAnotherTypeAtEveryPlace) {
+    const std::pair<char, AutomationValue> ofEachType[] = {
+        {'s', std::int16_t{1}}, {'i', std::int32_t{1}}, {'f', 1.0f}, {'w', L"text"}, {'p', static_cast<void*>(nullptr)},
+        {'-', std::monostate()}};
+    for (const AutomationMethod& method : AutomationMethods())
+        for (std::size_t i = 1; i < method.signature.size(); ++i)
+            for (const auto& [letter, value] : ofEachType) {
+                if (letter == method.signature[i]) continue;
+                RecordingPane pane;
+                std::vector<AutomationValue> arguments = DistinctArguments(method);
+                arguments[i - 1] = value;
+                EXPECT_EQ(InvokeMethod(pane, method.id, arguments, nullptr), AutomationStatus::BadArguments)
+                    << method.name << ", argument " << i << " as " << letter;
+                EXPECT_TRUE(pane.calls.empty()) << method.name;
+            }
+}
+
+// ---- the dispatch on the real control
+
+class AutomationOfTheControl : public testing::Test {
+protected:
+    AutomationValue Invoke(std::int32_t id, const std::vector<AutomationValue>& arguments) {
+        AutomationValue result;
+        EXPECT_EQ(InvokeMethod(*m_control, id, arguments, &result), AutomationStatus::Done) << id;
+        return result;
+    }
+
+    NoPictureControl m_control;
+};
+
+TEST_F(AutomationOfTheControl, StoresAndReadsSettingsById) {
+    Invoke(20, {std::int32_t{0x123456}});
+    EXPECT_EQ(m_control->m_nCrossColor, 0x123456u);
+    EXPECT_EQ(Invoke(21, {}), AutomationValue(std::int32_t{0x123456}));
+    Invoke(49, {std::int16_t{7}});
+    EXPECT_EQ(Invoke(87, {}), AutomationValue(std::int16_t{7}));
+    Invoke(69, {std::int16_t{1}});
+    EXPECT_EQ(Invoke(70, {}), AutomationValue(std::int16_t{1}));
+}
+
+TEST_F(AutomationOfTheControl, ImportsAMeshFromPointersAndReadsItsBoxThroughPointers) {
+    float vertices[] = {1, 2, 3, 11, 2, 3, 1, 22, 33};
+    std::int32_t triangles[] = {0, 1, 2};
+    Invoke(117, {std::int32_t{3}, std::int32_t{1}, static_cast<void*>(vertices), static_cast<void*>(triangles)});
+    EXPECT_EQ(Invoke(23, {}), AutomationValue(std::int16_t{1}));
+    float box[6] = {};
+    std::vector<AutomationValue> arguments = {std::int16_t{0}};
+    for (float& value : box) arguments.emplace_back(static_cast<void*>(&value));
+    Invoke(74, arguments);
+    EXPECT_EQ(std::vector<float>(box, box + 6), (std::vector<float>{1, 11, 2, 22, 3, 33}));
+    float v[3] = {};
+    EXPECT_EQ(
+        Invoke(59, {std::int16_t{1}, static_cast<void*>(v), static_cast<void*>(v + 1), static_cast<void*>(v + 2)}),
+        AutomationValue(std::int16_t{0}));
+    EXPECT_EQ(
+        Invoke(59, {std::int16_t{0}, static_cast<void*>(v), static_cast<void*>(v + 1), static_cast<void*>(v + 2)}),
+        AutomationValue(std::int16_t{-1}));
+}
+
+TEST_F(AutomationOfTheControl, DoesNothingAtTheRemovedId80) {
+    EXPECT_EQ(Method("SetMeshFilename_Removed").id, 80);
+    m_control.debugOutput.Take();
+    EXPECT_EQ(Invoke(80, {}), AutomationValue(std::monostate()));
+    EXPECT_EQ(m_control.debugOutput.Take(), "");
+    EXPECT_EQ(m_control->GetNumObjects(), 0);
+    EXPECT_FALSE(m_control->m_bModified);
+}
+
+TEST_F(AutomationOfTheControl, KeepsTheLineDrawingModeAtId81) { EXPECT_EQ(Method("SetLine3DDrawingMode").id, 81); }
+
+// ---- methods whose rooms are still to come
+
+/// Arguments that any method can be called with: zeros, empty texts, and memory of the host for pointers.
+std::vector<AutomationValue> HarmlessArguments(const AutomationMethod& method, std::vector<std::uint8_t>& memory) {
+    std::vector<AutomationValue> values;
+    for (std::size_t i = 1; i < method.signature.size(); ++i) switch (method.signature[i]) {
+            case 's':
+                values.emplace_back(std::int16_t{0});
+                break;
+            case 'i':
+                values.emplace_back(std::int32_t{0});
+                break;
+            case 'f':
+                values.emplace_back(0.0f);
+                break;
+            case 'w':
+                values.emplace_back(L"");
+                break;
+            default:
+                values.emplace_back(static_cast<void*>(memory.data()));
+                break;
+        }
+    return values;
+}
+
+TEST_F(AutomationOfTheControl, SaysOfAMethodThatIsNotThereYetThatItIsNot) {
+    std::vector<std::uint8_t> memory(2048 * 2048 * 4);  // the largest that a method may write: a screenshot
+    for (const char* name : kMethodsToCome) {
+        const AutomationMethod& method = Method(name);
+        m_control.debugOutput.Take();
+        Invoke(method.id, HarmlessArguments(method, memory));
+        const std::string line = m_control.debugOutput.Take();
+        EXPECT_TRUE(std::regex_search(line, std::regex("\\b" + std::string(name) + "\\b"))) << name << ": " << line;
+        EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << name << ": " << line;
+        EXPECT_TRUE(line.ends_with('\n')) << name << ": " << line;
+    }
+}
+
+TEST_F(AutomationOfTheControl, GivesNoSuccessAndNoCountForAMethodThatIsNotThereYet) {
+    std::vector<std::uint8_t> memory(64);
+    for (const char* name : {"DeselectNeedle", "CreateNeedles", "CreateNeedle", "SaveCuttingToPcms", "CreateLine3D",
+                             "GetLine3DDrawingMode", "IsAnimationRunning", "GetNeedlePickingMode",
+                             "GetNeedleDrawingMode", "DeleteNeedle", "GetNeedle", "GetCutMasks", "GetPickMode"})
+        EXPECT_EQ(Invoke(Method(name).id, HarmlessArguments(Method(name), memory)), AutomationValue(std::int16_t{0}))
+            << name;
+    for (const char* name : {"GetNumberOfPickPointSpheres", "GetNumberOfNeedles"})
+        EXPECT_EQ(Invoke(Method(name).id, {}), AutomationValue(std::int32_t{0})) << name;
+}
+
+TEST_F(AutomationOfTheControl, SaysNothingOfTheMethodsThatAreThere) {
+    const std::set<std::string_view> toCome(std::begin(kMethodsToCome), std::end(kMethodsToCome));
+    const std::set<std::string_view> sayMoreOrNeedAnObject = {
+        "GetMeshDataSize",       "GetObjectBoundingBox",        "ImportScan",
+        "RecreateOpenglContext", "ImportMeasurementFromMemory", "ImportMeshedMeasurement"};
+    std::vector<std::uint8_t> memory(64);
+    int called = 0;
+    for (const AutomationMethod& method : AutomationMethods()) {
+        if (toCome.contains(method.name) || sayMoreOrNeedAnObject.contains(method.name)) continue;
+        m_control.debugOutput.Take();
+        Invoke(method.id, HarmlessArguments(method, memory));
+        EXPECT_EQ(m_control.debugOutput.Take(), "") << method.name;
+        ++called;
+    }
+    EXPECT_EQ(called, 120 - static_cast<int>(toCome.size() + sayMoreOrNeedAnObject.size()));
+}
+
+}  // namespace

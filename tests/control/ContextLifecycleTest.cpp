@@ -1,0 +1,481 @@
+// How a context comes up, what the log and the user are told when it does not, its first state, and its recreation.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <regex>
+
+#include "control/AutomationTable.h"
+#include "control/ScriptedWindow.h"
+#include "support/ControlFixture.h"
+#include "support/GlNow.h"
+#include "support/TestFolder.h"
+#include "support/XvfbServer.h"
+
+namespace {
+
+using KV_ScenePane::WindowRequest;
+
+// Before main(), so that no other test of this process has opened a log elsewhere.
+[[maybe_unused]] const std::string& g_logFolder = TestFolder();
+
+const char* const kParagraph =
+    "\n\nThe 3D viewer could not be initialized. Possibly the wrong graphics card is used, the currently connected "
+    "graphics card is deactivated in the Windows device manager or the correct driver is missing.";
+
+/// The log since its construction, without times, and with the value of a diagnostic that may be anything taken out.
+class LogSinceNow {
+public:
+    LogSinceNow() : m_nStart(ReadLog().size()) {}
+    [[nodiscard]] std::string Text() const {
+        return std::regex_replace(ReadLog().substr(m_nStart), std::regex(R"(\[\d\d:\d\d:\d\d\.\d\d\d\] )"), "");
+    }
+    /// The same where no context tells the number of alpha bits.
+    [[nodiscard]] std::string TextWithoutAlphaBits() const {
+        return std::regex_replace(Text(), std::regex("Alphabits: -?\\d+"), "Alphabits: ?");
+    }
+
+private:
+    std::size_t m_nStart;
+};
+
+const std::string kBootstrap =
+    "<INFO>: Create temporary ogl context\n"
+    "<INFO>: Init glew successfull\n"
+    "<INFO>: WGL_ARB_pixel_format found.\n"
+    "<INFO>: WGL_ARB_create_context found. \n"
+    "<INFO>: Opengl 3.3 supported.\n"
+    "<DEBUG>: calling wglChoosePixelFormatARB\n";
+
+std::string ProgramLines() {
+    std::string lines;
+    for (const char* name :
+         {"perpixel", "texperpixel", "create mask", "use mask", "depth", "quad", "shadow", "freeFloatingPoints"})
+        lines += std::string("<INFO>: Compile ") + name + " shaders.\n<INFO>: Build " + name + " program.\n";
+    return lines;
+}
+
+const std::string kGoodStart = kBootstrap +
+                               "<DEBUG>: Getting new device context + HDC\n"
+                               "<INFO>: Opengl 3.3 context created.\n" +
+                               ProgramLines() +
+                               "<INFO>: Initalize framebuffer. \n"
+                               "<INFO>: Init textures.\n"
+                               "<INFO>: Initialize renderbuffer.\n"
+                               "<INFO>: Alphabits: 8\n";
+
+const std::string kRefusedVersion = kBootstrap +
+                                    "<DEBUG>: Getting new device context + HDC\n"
+                                    "<ERROR>: Failed to create Opengl 3.3 context. \n"
+                                    "<INFO>: Alphabits: ?\n"
+                                    "<ERROR>: Failed to create opengl context. <ERROR>: No OGL 3.3 context possible! "
+                                    "<ERROR>: Using wrong graphic card?\n";
+
+const std::string kRefusedFormat = kBootstrap +
+                                   "<ERROR>: No valid pixel format!\n"
+                                   "<INFO>: Alphabits: ?\n"
+                                   "<ERROR>: Failed to create opengl context. <ERROR>: Using wrong graphic card?\n";
+
+// ---- both windows
+
+class ContextOf : public testing::TestWithParam<WindowRequest::Kind> {
+protected:
+    void SetUp() override {
+        if (GetParam() != WindowRequest::Kind::OffScreen) XvfbServer::Shared();
+        m_request.kind = GetParam();
+        m_request.width = 100, m_request.height = 80;
+        m_request.showMessage = [this](const std::string& text) { m_messages.push_back(text); };
+    }
+    std::unique_ptr<KV_ScenePane::ScenePane> Open() { return CreateScenePane(m_request, &m_reason); }
+
+    CapturedDebugOutput m_output;
+    WindowRequest m_request;
+    std::vector<std::string> m_messages;
+    std::string m_reason;
+};
+
+TEST_P(ContextOf, AGoodStartLogsEachStepAndSaysNothingToTheUser) {
+    const LogSinceNow log;
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    EXPECT_EQ(log.Text(), kGoodStart);
+    EXPECT_TRUE(m_messages.empty());
+    EXPECT_TRUE(pane->HasWindow());
+    EXPECT_EQ(m_output.Text(), "");
+    if (GetParam() != WindowRequest::Kind::OffScreen) {  // a surface that nobody sees has nothing to swap
+        EXPECT_EQ(GlInteger(GL_DOUBLEBUFFER), 1);
+    }
+}
+
+TEST_P(ContextOf, ASecondControlLogsTheSameAgain) {
+    const auto first = Open();
+    const LogSinceNow log;
+    const auto second = Open();
+    ASSERT_NE(second, nullptr) << m_reason;
+    EXPECT_EQ(log.Text(), kGoodStart);
+}
+
+TEST_P(ContextOf, ARefusedVersionIsLoggedAndToldToTheUserWithItsNumber) {
+    const LogSinceNow log;
+    m_request.glMajor = 9, m_request.glMinor = 8;
+    EXPECT_EQ(Open(), nullptr);
+    EXPECT_EQ(log.TextWithoutAlphaBits(), kRefusedVersion);
+    EXPECT_EQ(m_messages,
+              (std::vector{std::string("OpenGL context could not be created. Requested version: 9.8") + kParagraph}));
+    EXPECT_FALSE(m_reason.empty());
+}
+
+TEST_P(ContextOf, ARefusedFormatIsLoggedAndToldToTheUserWithoutAVersion) {
+    const LogSinceNow log;
+    m_request.samples = 999;
+    EXPECT_EQ(Open(), nullptr);
+    EXPECT_EQ(log.TextWithoutAlphaBits(), kRefusedFormat);
+    EXPECT_EQ(m_messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
+    EXPECT_FALSE(m_reason.empty());
+}
+
+TEST_P(ContextOf, AMessageWithoutAHookOfTheHostGoesToTheDebuggerOutput) {
+    m_request.showMessage = nullptr;
+    m_request.glMajor = 9;
+    EXPECT_EQ(Open(), nullptr);
+    EXPECT_NE(m_output.Text().find(std::string("Requested version: 9.3") + kParagraph), std::string::npos)
+        << m_output.Text();
+}
+
+TEST_P(ContextOf, ARecreationGetsItsSamplesAndAnEmptyScene) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
+    ASSERT_TRUE(control.MakeContextCurrent());
+    EXPECT_EQ(GlInteger(GL_SAMPLE_BUFFERS), 0);
+    EXPECT_TRUE(glIsEnabled(GL_MULTISAMPLE));  // without effect
+    GLuint marker = 0;
+    do glGenTextures(1, &marker);
+    while (marker < 1000);
+    glBindTexture(GL_TEXTURE_2D, marker);
+    ASSERT_TRUE(glIsTexture(marker));
+    AddMesh(control, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {Triangle{{0, 1, 2}}});
+    control.m_vUndoStack.push_back(control.m_vpMeshes);
+    control.m_vLines3D.push_back({1, {{0, 0, 0}, {1, 1, 1}}});
+    control.PerformRefresh();
+
+    EXPECT_EQ(control.RecreateOpenglContext(3, 3, 4), -1);
+    ASSERT_TRUE(pane->HasWindow());
+    EXPECT_EQ(control.m_nGlSamples, 4);
+    ASSERT_TRUE(control.MakeContextCurrent());
+    EXPECT_EQ(GlInteger(GL_SAMPLE_BUFFERS), 1);
+    EXPECT_EQ(GlInteger(GL_SAMPLES), 4);
+    EXPECT_FALSE(glIsTexture(marker)) << "the context is still the old one";
+    EXPECT_EQ(control.GetNumObjects(), 0);
+    EXPECT_TRUE(control.m_vUndoStack.empty());
+    EXPECT_TRUE(control.m_vLines3D.empty());
+    EXPECT_TRUE(m_messages.empty());
+    EXPECT_TRUE(glIsProgram(control.m_progShadow));
+    EXPECT_TRUE(glIsFramebuffer(control.m_nShadowFbo));
+    EXPECT_TRUE(glIsFramebuffer(control.m_nOffscreenFbo));
+    EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+}
+
+TEST_P(ContextOf, ARecreatedControlDrawsAsBefore) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    const float vertices[] = {0, 0, 0, 10, 0, 0, 0, 10, 0};
+    const std::int32_t triangles[] = {0, 1, 2};
+    const auto show = [&] {
+        pane->Methods().ImportMeshFromMemory(3, 1, vertices, triangles);
+        pane->Methods().CenterView();
+        KV_ScenePane::Picture picture;
+        EXPECT_TRUE(pane->CapturePicture(&picture));
+        return picture.pixels;
+    };
+    const auto before = show();
+    EXPECT_GT(std::ranges::count_if(before, [&](auto p) { return p != before[0]; }), 50) << "nothing was drawn";
+    EXPECT_EQ(pane->Methods().RecreateOpenglContext(3, 3, 0), -1);
+    ASSERT_TRUE(pane->HasWindow());
+    EXPECT_EQ(show(), before);
+}
+
+TEST_P(ContextOf, ARecreationReachesTheVersionThatIsAskedFor) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    EXPECT_EQ(pane->Methods().RecreateOpenglContext(4, 0, 0), -1);
+    ASSERT_TRUE(pane->HasWindow());
+    EXPECT_GE(GlInteger(GL_MAJOR_VERSION), 4);
+    EXPECT_EQ(GlInteger(GL_CONTEXT_PROFILE_MASK), GL_CONTEXT_COMPATIBILITY_PROFILE_BIT);
+}
+
+TEST_P(ContextOf, EightSamplesAreThereOrRefusedInWords) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    EXPECT_EQ(pane->Methods().RecreateOpenglContext(3, 3, 8), -1);
+    if (pane->HasWindow()) {
+        EXPECT_EQ(GlInteger(GL_SAMPLES), 8);
+        EXPECT_EQ(GlInteger(GL_SAMPLE_BUFFERS), 1);
+        EXPECT_TRUE(m_messages.empty());
+    } else {  // no driver need have more than four
+        EXPECT_EQ(m_messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
+    }
+}
+
+TEST_P(ContextOf, AFailedRecreationLeavesAControlWithoutAWindowThatCanBeCalled) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
+    AddMesh(control, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {Triangle{{0, 1, 2}}});
+    control.PerformRefresh();
+    const LogSinceNow log;
+    EXPECT_EQ(control.RecreateOpenglContext(9, 9, 0), -1) << "a failure shows in the message alone";
+    EXPECT_EQ(log.TextWithoutAlphaBits(), kRefusedVersion);
+    EXPECT_EQ(m_messages,
+              (std::vector{std::string("OpenGL context could not be created. Requested version: 9.9") + kParagraph}));
+    EXPECT_FALSE(pane->HasWindow());
+    EXPECT_EQ(control.GetNumObjects(), 0);
+    EXPECT_EQ(control.m_hRC, nullptr);
+
+    AddMesh(control, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {Triangle{{0, 1, 2}}});
+    std::vector<std::uint8_t> memory(64);
+    for (const AutomationMethod& method : AutomationMethods()) {
+        if (method.name == "CaptureScreenShot" || method.name == "RecreateOpenglContext") continue;
+        std::vector<AutomationValue> arguments;
+        for (const char letter : method.signature.substr(1)) switch (letter) {
+                case 's':
+                    arguments.emplace_back(std::int16_t{0});
+                    break;
+                case 'i':
+                    arguments.emplace_back(std::int32_t{0});
+                    break;
+                case 'f':
+                    arguments.emplace_back(0.0f);
+                    break;
+                case 'w':
+                    arguments.emplace_back(L"");
+                    break;
+                default:
+                    arguments.emplace_back(static_cast<void*>(memory.data()));
+                    break;
+            }
+        if (method.name == "ImportMeshedMeasurement") continue;  // its pointer leads to a mesh, not to bytes
+        if (method.name == "GetMeshDataSize" && control.GetNumObjects() == 0) continue;  // needs a valid index
+        EXPECT_EQ(InvokeMethod(control, method.id, arguments, nullptr), AutomationStatus::Done) << method.name;
+    }
+    KV_ScenePane::Picture picture;
+    EXPECT_FALSE(pane->CapturePicture(&picture));
+    pane->ProcessEvents();
+    EXPECT_FALSE(pane->HasWindow());
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, ContextOf,
+                         testing::Values(WindowRequest::Kind::OffScreen, WindowRequest::Kind::TopLevel),
+                         [](const auto& row) {
+                             return row.param == WindowRequest::Kind::OffScreen ? "OffScreen" : "TopLevel";
+                         });
+
+// ---- the first state
+
+TEST(InitialState, IsThatOfTheMaterialsAndTheLightModelBeforeTheFirstFrame) {
+    PaneWindowRequest request;
+    request.kind = PaneWindowRequest::Kind::OffScreen;
+    CKV_ScenePaneCtrl control(MakePaneWindow(request));
+    control.m_bBlockPaint = 1;  // a frame lets the materials follow the colours of the objects
+    std::string reason;
+    ASSERT_TRUE(control.CreateControlWindow(&reason)) << reason;
+    ASSERT_TRUE(control.MakeContextCurrent());
+    using Four = std::array<float, 4>;
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_DIFFUSE), (Four{0.1f, 0.1f, 0.1f, 1}));
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_AMBIENT), (Four{0.3f, 0.3f, 0.3f, 1}));
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SPECULAR), (Four{0, 0, 0, 1}));
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 64);
+    EXPECT_EQ(GlMaterial(GL_BACK, GL_DIFFUSE), (Four{0.3f, 0.3f, 0.3f, 1}));
+    EXPECT_EQ(GlMaterial(GL_BACK, GL_AMBIENT), (Four{0.1f, 0.2f, 0.1f, 1}));
+    EXPECT_EQ(GlMaterial(GL_BACK, GL_SHININESS)[0], 0);  // as OpenGL starts
+    Four ambient{};
+    glGetFloatv(GL_LIGHT_MODEL_AMBIENT, ambient.data());
+    EXPECT_EQ(ambient, (Four{0.3f, 0.3f, 0.3f, 1}));
+    EXPECT_EQ(GlInteger(GL_LIGHT_MODEL_TWO_SIDE), 1);
+    float depth = 0;
+    glGetFloatv(GL_DEPTH_CLEAR_VALUE, &depth);
+    EXPECT_EQ(depth, 1.0f);
+    EXPECT_TRUE(glIsEnabled(GL_MULTISAMPLE));
+    EXPECT_NE(control.m_nFontListBase, 0u);
+    EXPECT_TRUE(glIsList(control.m_nFontListBase));
+    EXPECT_TRUE(glIsList(control.m_nFontListBase + 95));
+    EXPECT_EQ(GlInteger(GL_DEPTH_BITS), 24);
+    EXPECT_EQ(GlInteger(GL_ALPHA_BITS), 8);
+    EXPECT_EQ(GlInteger(GL_CONTEXT_PROFILE_MASK), GL_CONTEXT_COMPATIBILITY_PROFILE_BIT);
+    EXPECT_NE(control.m_hRC, nullptr);
+    EXPECT_NE(control.m_pDC, nullptr);
+    EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+}
+
+TEST(WithoutAPicture, NoContextIsMadeAndNothingLogged) {
+    const LogSinceNow log;
+    NoPictureControl control;
+    EXPECT_EQ(log.Text(), "");
+    EXPECT_EQ(control->m_hRC, nullptr);
+}
+
+// ---- refusals that this machine's driver does not make
+
+struct Refusal {
+    const char* name;
+    std::function<void(ScriptedWindow&)> script;
+    std::string log;
+    std::string calls;
+    bool tellsVersion;
+};
+void PrintTo(const Refusal& row, std::ostream* out) { *out << row.name; }
+
+const std::string kFirst = "<INFO>: Create temporary ogl context\n";
+const std::string kGlew = "<INFO>: Init glew successfull\n", kNoGlew = "<ERROR>: Init glew failed\n";
+const std::string kFormat = "<INFO>: WGL_ARB_pixel_format found.\n",
+                  kNoFormat = "<ERROR>: WGL_ARB_pixel_format not found.\n";
+const std::string kContext = "<INFO>: WGL_ARB_create_context found. \n",
+                  kNoContext = "<ERROR>: WGL_ARB_create_context not found. \n";
+const std::string k33 = "<INFO>: Opengl 3.3 supported.\n", kNo33 = "<ERROR>: Opengl 3.3 not supported.\n";
+const std::string kInvalidEnd =
+    "<INFO>: Alphabits: ?\n<ERROR>: Failed to create opengl context. <ERROR>: Using wrong graphic card?\n";
+const std::string kFailedEnd =
+    "<INFO>: Alphabits: ?\n<ERROR>: Failed to create opengl context. <ERROR>: No OGL 3.3 context possible! "
+    "<ERROR>: Using wrong graphic card?\n";
+const char* const kNoFurther = "BeginBootstrap EndBootstrap";
+
+const Refusal kRefusals[] = {
+    {"NoEntryPoints", [](auto& w) { w.report.entryPointsLoaded = false; },
+     kFirst + kNoGlew + kFormat + kContext + k33 + kInvalidEnd, kNoFurther, false},
+    {"NoPixelFormatExtension", [](auto& w) { w.report.pixelFormatExtension = false; },
+     kFirst + kGlew + kNoFormat + kContext + k33 + kInvalidEnd, kNoFurther, false},
+    {"NoCreateContextExtension", [](auto& w) { w.report.createContextExtension = false; },
+     kFirst + kGlew + kFormat + kNoContext + k33 + kInvalidEnd, kNoFurther, false},
+    {"DriverBelow33", [](auto& w) { w.report.version33 = false; },
+     kFirst + kGlew + kFormat + kContext + kNo33 + kInvalidEnd, kNoFurther, false},
+    {"NoFormat", [](auto& w) { w.formatChosen = false; },
+     kFirst + kGlew + kFormat + kContext + k33 +
+         "<DEBUG>: calling wglChoosePixelFormatARB\n<ERROR>: No valid pixel format!\n" + kInvalidEnd,
+     "BeginBootstrap ChoosePixelFormat EndBootstrap", false},
+    {"FormatNotSet", [](auto& w) { w.formatSet = false; },
+     kFirst + kGlew + kFormat + kContext + k33 +
+         "<DEBUG>: calling wglChoosePixelFormatARB\n<DEBUG>: Getting new device context + HDC\n"
+         "<ERROR>: Error setting pixel format 23\n" +
+         kFailedEnd,
+     "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23", true},
+    {"NoContext", [](auto&) {},
+     kFirst + kGlew + kFormat + kContext + k33 +
+         "<DEBUG>: calling wglChoosePixelFormatARB\n<DEBUG>: Getting new device context + HDC\n"
+         "<ERROR>: Failed to create Opengl 3.3 context. \n" +
+         kFailedEnd,
+     "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23 CreateContext", true},
+};
+
+class ADriver : public testing::TestWithParam<Refusal> {};
+
+TEST_P(ADriver, IsRefusedWithItsLinesItsMessageAndNoStepTooMany) {
+    auto owned = std::make_unique<ScriptedWindow>();
+    ScriptedWindow& window = *owned;
+    CKV_ScenePaneCtrl control(std::move(owned));
+    GetParam().script(window);
+    control.m_nGlMajorVersion = 4, control.m_nGlMinorVersion = 6;
+    const LogSinceNow log;
+    EXPECT_FALSE(control.CreateControlWindow(nullptr));
+    EXPECT_EQ(log.TextWithoutAlphaBits(), GetParam().log);
+    std::string calls;
+    for (const std::string& call : window.calls) calls += (calls.empty() ? "" : " ") + call;
+    EXPECT_EQ(calls, GetParam().calls);
+    const std::string version = GetParam().tellsVersion ? "Requested version: 4.6" : "";
+    EXPECT_EQ(window.messages, (std::vector{"OpenGL context could not be created. " + version + kParagraph}));
+}
+INSTANTIATE_TEST_SUITE_P(Lacking, ADriver, testing::ValuesIn(kRefusals),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(ADriverWithoutAThrowAwayContext, IsRefusedWithTheNumberOfTheFormat) {
+    auto owned = std::make_unique<ScriptedWindow>();
+    ScriptedWindow& window = *owned;
+    window.report = {.formatNumber = 17};
+    CKV_ScenePaneCtrl control(std::move(owned));
+    const LogSinceNow log;
+    EXPECT_FALSE(control.CreateControlWindow(nullptr));
+    EXPECT_EQ(log.TextWithoutAlphaBits(), kFirst + "<ERROR>: Error setting temporary pixel format 17\n" + kInvalidEnd);
+    EXPECT_EQ(window.messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
+}
+
+TEST(TheFormat, IsAskedForWithTheSamplesOfTheControl) {
+    for (const std::int32_t samples : {0, 1, 8}) {
+        auto owned = std::make_unique<ScriptedWindow>();
+        ScriptedWindow& window = *owned;
+        CKV_ScenePaneCtrl control(std::move(owned));
+        control.m_nGlSamples = samples;
+        control.m_nGlMajorVersion = 4, control.m_nGlMinorVersion = 1;
+        EXPECT_FALSE(control.CreateControlWindow(nullptr));
+        EXPECT_TRUE(window.format.drawToWindow);
+        EXPECT_TRUE(window.format.supportOpenGl);
+        EXPECT_EQ(window.format.colorBits, 32);
+        EXPECT_EQ(window.format.depthBits, 24);
+        EXPECT_EQ(window.format.stencilBits, 0);
+        EXPECT_EQ(window.format.alphaBits, 8);
+        EXPECT_TRUE(window.format.doubleBuffer);
+        EXPECT_EQ(window.format.sampleBuffers, samples > 0 ? 1 : 0);
+        EXPECT_EQ(window.format.samples, samples);
+        EXPECT_EQ(window.context.major, 4);
+        EXPECT_EQ(window.context.minor, 1);
+    }
+}
+
+// ---- the end
+
+struct NotingDialog : CInteractionDlg {
+    explicit NotingDialog(std::function<void()> note) : m_note(std::move(note)) {}
+    void Finish() override { m_note(); }
+    std::function<void()> m_note;
+};
+
+TEST(TheEndOfAWindow, ClosesTheDialogThenClearsTheDataInItsContextThenDeletesTheContext) {
+    OffscreenControl c;
+    OffscreenControl other;
+    std::vector<std::string> order;
+    struct NotingMesh : Mesh {
+        explicit NotingMesh(std::function<void()> note) : Mesh(L"", false), m_note(std::move(note)) {}
+        ~NotingMesh() override { m_note(); }
+        std::function<void()> m_note;
+    };
+    void* const ofC = c.window->ContextHandle();
+    ASSERT_TRUE(c->MakeContextCurrent());
+    GLuint marker = 0;
+    do glGenTextures(1, &marker);
+    while (marker < 1000);
+    glBindTexture(GL_TEXTURE_2D, marker);
+    c->m_vpMeshes.push_back(std::make_shared<NotingMesh>([&] {
+        EXPECT_TRUE(glIsTexture(marker)) << "not in the control's own context";
+        order.emplace_back("mesh");
+    }));
+    NotingDialog dialog([&] {
+        EXPECT_EQ(c.window->ContextHandle(), ofC);
+        order.emplace_back("dialog");
+        c->m_pInteractionDlg = nullptr;
+    });
+    c->m_pInteractionDlg = &dialog;
+    ASSERT_TRUE(other->MakeContextCurrent());
+    c.window->Destroy();
+    EXPECT_EQ(order, (std::vector<std::string>{"dialog", "mesh"}));
+    EXPECT_EQ(c.window->ContextHandle(), nullptr);
+    EXPECT_FALSE(c->HasWindow());
+    EXPECT_EQ(glGetString(GL_VERSION), nullptr) << "a context is still current";
+    ASSERT_TRUE(other->MakeContextCurrent());
+    EXPECT_NE(glGetString(GL_VERSION), nullptr);
+}
+
+// ---- no place for the log
+
+TEST(WithoutAPlaceForTheLog, AWindowIsMadeAllTheSame) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const std::string folder = TestFolder() + "/unwritable";
+            std::filesystem::create_directories(folder + "/viewer.log");  // stops root, too
+            setenv("TMPDIR", folder.c_str(), 1);
+            const auto pane = CreateScenePane(WindowRequest(), nullptr);
+            std::exit(pane != nullptr && std::filesystem::is_empty(folder + "/viewer.log") ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+}  // namespace

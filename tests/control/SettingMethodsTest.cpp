@@ -1,0 +1,540 @@
+// Start values of the control, what its settings store, and how strongly each method asks for a repaint.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <mutex>
+#include <string_view>
+#include <thread>
+
+#include "support/ControlFixture.h"
+#include "support/GlNow.h"
+
+namespace {
+
+std::unique_ptr<PaneWindow> AnyWindow() {
+    PaneWindowRequest request;
+    request.kind = PaneWindowRequest::Kind::NoPicture;
+    return MakePaneWindow(request);
+}
+
+Mesh& AddTriangle(CKV_ScenePaneCtrl& control) {
+    return AddMesh(control, {{0, 0, 0, 0, 0, 1}, {10, 0, 0, 0, 0, 1}, {0, 10, 0, 0, 0, 1}}, {Triangle{{0, 1, 2}}});
+}
+
+// ---- start values
+
+TEST(ANewControl, HasItsStartValuesOfContextAndInteraction) {
+    const CKV_ScenePaneCtrl c(AnyWindow());
+    EXPECT_EQ(c.m_bDrawMosaic, 0);
+    EXPECT_EQ(c.m_nDrawMode, 3);
+    EXPECT_EQ(c.m_bMoveReduced, 0);
+    EXPECT_EQ(c.m_bMoving, 0);
+    EXPECT_EQ(c.m_hRC, nullptr);
+    EXPECT_EQ(c.m_pDC, nullptr);
+    EXPECT_EQ(c.m_nGlMajorVersion, 3);
+    EXPECT_EQ(c.m_nGlMinorVersion, 3);
+    EXPECT_EQ(c.m_nGlSamples, 0);
+    EXPECT_TRUE(c.m_mapFreePoints.empty());
+    EXPECT_GE(c.m_mapFreePoints.bucket_count(), 8u);
+    EXPECT_EQ(c.m_mapFreePoints.max_load_factor(), 1.0f);
+    EXPECT_EQ(c.m_nInteractionMode, 0);
+    EXPECT_EQ(c.m_nLastMouseX, 0);
+    EXPECT_EQ(c.m_nLastMouseY, 0);
+    EXPECT_EQ(c.m_nAllowMouse, 1);
+    EXPECT_EQ(c.m_nIgdRotation, 0);
+    EXPECT_EQ(c.m_bRollRotation, 0);
+    EXPECT_EQ(c.m_nPickMode, 0);
+    EXPECT_EQ(c.m_bPickPointValid, 0);
+    EXPECT_TRUE(c.m_vPickPointSpheres.empty());
+    EXPECT_EQ(c.m_mouseDispatch.mode, 1);
+    EXPECT_EQ(c.m_pInteractionDlg, nullptr);
+    EXPECT_EQ(c.m_bRightButtonPressed, 0);
+    EXPECT_FALSE(c.m_bModified);
+}
+
+TEST(ANewControl, HasItsStartValuesOfColoursAndSwitches) {
+    const CKV_ScenePaneCtrl c(AnyWindow());
+    EXPECT_EQ(c.m_bShadowEnabled, 0);
+    EXPECT_EQ(c.m_fShadowColor, (Float3{0, 0, 0}));
+    EXPECT_EQ(c.m_nCrossColor, 0xFFFFFFu);
+    EXPECT_EQ(c.m_needleRender.needleLength, 10.0f);
+    EXPECT_EQ(c.m_needleRender.headRadius, 1.0f);
+    EXPECT_EQ(c.m_needleRender.headColor, 0xFFu);
+    EXPECT_EQ(c.m_needleRender.pinSize, 0.33f);
+    EXPECT_EQ(c.m_needleRender.pinColor, 0x505050u);
+    EXPECT_EQ(c.m_needleRender.hitPointRadius, 0.25f);
+    EXPECT_EQ(c.m_needleRender.hitPointColor, 0xFF0000u);
+    EXPECT_EQ(c.m_needleRender.headSelectionColor, 0u);
+    EXPECT_EQ(c.m_nArrowColor, 0xFFEAEAu);
+    EXPECT_EQ(c.m_nShowArrow, 0);
+    EXPECT_EQ(c.m_bTracingMode, 0);
+    EXPECT_EQ(c.m_nFlipMouseButtons, 0);
+    EXPECT_EQ(c.m_nRotationMode, 3);
+    EXPECT_EQ(c.m_nArrowAngle, 0);
+    EXPECT_EQ(c.m_nScanSkipVal, 1);
+    EXPECT_EQ(c.m_nShowAxes, 0);
+    EXPECT_EQ(c.m_strScanPath, L"");
+    EXPECT_EQ(c.m_fConfidenceFilter, 0.0f);
+    for (const std::uint32_t color : c.m_nBackgroundColors) EXPECT_EQ(color, 0x321919u);
+    EXPECT_NE(c.m_pQuadric, nullptr);
+    EXPECT_NE(c.m_pQuadric2, nullptr);
+    EXPECT_NE(c.m_pQuadric, c.m_pQuadric2);
+    EXPECT_EQ(c.m_fPickRadius, 500.0f);
+}
+
+TEST(ANewControl, HasAnEmptySceneSeenFromTheFront) {
+    const CKV_ScenePaneCtrl c(AnyWindow());
+    EXPECT_TRUE(c.m_vpMeshes.empty());
+    EXPECT_TRUE(c.m_vUndoStack.empty());
+    EXPECT_TRUE(c.m_vpSelection.empty());
+    EXPECT_TRUE(c.m_vpVariableObjects.empty());
+    EXPECT_EQ(c.m_fAspectY, 1.0f);
+    EXPECT_EQ(c.m_fAspectX, 1.0f);
+    EXPECT_EQ(c.m_fDefaultZoom, 1.0f);
+    EXPECT_EQ(c.m_fZoom, 1.0f);
+    EXPECT_EQ(c.m_fSceneSize, 1000.0f);
+    EXPECT_EQ(c.m_fViewCenter, (Float3{0, 0, 0}));
+    EXPECT_EQ(c.m_fRotationCenter, (Float3{0, 0, 0}));
+    EXPECT_EQ(c.m_fAxisX, (Float3{1, 0, 0}));
+    EXPECT_EQ(c.m_fAxisY, (Float3{0, 1, 0}));
+    EXPECT_EQ(c.m_fAxisZ, (Float3{0, 0, 1}));
+    EXPECT_EQ(c.m_nWidth, -1);
+    EXPECT_EQ(c.m_nHeight, -1);
+    EXPECT_TRUE(c.m_nViewMode < 0 || c.m_nViewMode > 7) << "no view is applied before the first SetViewMode";
+}
+
+TEST(ANewControl, HasNoProgramsAndNoFramebuffers) {
+    const CKV_ScenePaneCtrl c(AnyWindow());
+    for (const std::uint32_t name :
+         {c.m_progPerPixel, c.m_progTexPerPixel, c.m_progShadow, c.m_progDepth, c.m_progQuad, c.m_progCreateMask,
+          c.m_progUseMask, c.m_progFreeFloatingPoints, c.m_nShadowFbo, c.m_nShadowTexture, c.m_nOffscreenColorRb,
+          c.m_nOffscreenDepthRb, c.m_nOffscreenFbo})
+        EXPECT_EQ(name, 0u);
+    EXPECT_EQ(c.m_nShadowMapWidth, 2048);
+    EXPECT_EQ(c.m_nShadowMapHeight, 2048);
+}
+
+TEST(ANewControl, HasItsStartValuesOfMarkersCutsAndAnimation) {
+    const CKV_ScenePaneCtrl c(AnyWindow());
+    EXPECT_TRUE(c.m_vNeedles.empty());
+    EXPECT_EQ(c.m_nMaxNeedles, 8);
+    EXPECT_TRUE(c.m_vLines3D.empty());
+    EXPECT_TRUE(c.m_vLassoPoints.empty());
+    EXPECT_EQ(c.m_pFrozenImage, nullptr);
+    EXPECT_EQ(c.m_bLassoCursor, 0);
+    EXPECT_EQ(c.m_bClipPlaneVisible, 0);
+    EXPECT_EQ(c.m_bClipPlaneActive, 0);
+    EXPECT_EQ(c.m_clipPlane.GetCenter(), (Double3{0, 0, 10}));
+    EXPECT_EQ(c.m_clipPlane.GetNormal(), (Double3{0, 0, 1}));
+    EXPECT_EQ(c.m_pCutMask, nullptr);
+    EXPECT_EQ(c.m_pCutSession, nullptr);
+    EXPECT_EQ(c.m_lassoInside.color, 0xFFu);
+    EXPECT_EQ(c.m_lassoInside.opacity, 0.5f);
+    EXPECT_EQ(c.m_lassoOutside.color, 0u);
+    EXPECT_EQ(c.m_lassoOutside.opacity, 0.0f);
+    EXPECT_EQ(c.m_bInDraw, 0);
+    EXPECT_EQ(c.m_hImportMutex, nullptr);
+    EXPECT_TRUE(c.m_vPendingImports.empty());
+    EXPECT_EQ(c.m_bAllowEmptyObjects, 0);
+    EXPECT_EQ(c.m_bBlockPaint, 0);
+    EXPECT_EQ(c.m_bNeedlePickingMode, 0);
+    EXPECT_EQ(c.m_bNeedleDrawingMode, 0);
+    EXPECT_EQ(c.m_bLine3DDrawingMode, 0);
+    EXPECT_EQ(c.m_hpsSourceApp, L"");
+    EXPECT_EQ(c.m_hpsSourceVersion, L"");
+    EXPECT_TRUE(c.m_vOverlays.empty());
+    EXPECT_EQ(c.m_fPointCloudSize, 2.0f);
+    EXPECT_EQ(c.m_fAnimationSpeed, 0.2f);
+    EXPECT_EQ(c.m_fAnimationAxis, (Float3{0, 0, 1}));
+    EXPECT_EQ(c.m_bAnimationRunning, 0);
+    EXPECT_EQ(c.m_bToggleAnimationOnSpacebar, 0);
+}
+
+TEST(ANewControl, NotesTheThreadThatMadeIt) {
+    const CKV_ScenePaneCtrl first(AnyWindow()), second(AnyWindow());
+    std::uint32_t elsewhere = 0;
+    std::thread([&] { elsewhere = CKV_ScenePaneCtrl(AnyWindow()).m_nCreatorThreadId; }).join();
+    EXPECT_EQ(first.m_nCreatorThreadId, second.m_nCreatorThreadId);
+    EXPECT_NE(first.m_nCreatorThreadId, elsewhere);
+}
+
+TEST(ANewControl, SharesOneDrawLockWithAllOthersAndTheLockStays) {
+    std::recursive_mutex* lock = nullptr;
+    {
+        const CKV_ScenePaneCtrl first(AnyWindow());
+        lock = g_drawLock;
+        ASSERT_NE(lock, nullptr);
+        const CKV_ScenePaneCtrl second(AnyWindow());
+        EXPECT_EQ(g_drawLock, lock);
+    }
+    EXPECT_EQ(g_drawLock, lock);
+    const std::lock_guard once(*g_drawLock);
+    const std::lock_guard twice(*g_drawLock);  // recursive on its owner
+}
+
+// ---- repaint strengths
+
+enum class Repaint { None, Refresh, Invalidate, InvalidateWithErase };
+
+struct RepaintRow {
+    const char* name;
+    Repaint strength;
+    std::function<void(CKV_ScenePaneCtrl&)> call;
+};
+void PrintTo(const RepaintRow& row, std::ostream* out) { *out << row.name; }
+
+const RepaintRow kRepaints[] = {
+    {"SetSize", Repaint::None, [](auto& c) { c.SetSize(320, 200); }},
+    {"ClearData", Repaint::Invalidate, [](auto& c) { c.ClearData(); }},
+    {"GetNumObjects", Repaint::None, [](auto& c) { (void)c.GetNumObjects(); }},
+    {"GetObjectColor", Repaint::None, [](auto& c) { (void)c.GetObjectColor(0); }},
+    {"SetObjectColor", Repaint::Invalidate, [](auto& c) { c.SetObjectColor(0, 0x123456); }},
+    {"SetObjectColorUnchanged", Repaint::None, [](auto& c) { c.SetObjectColor(0, c.GetObjectColor(0)); }},
+    {"SetObjectColorBadIndex", Repaint::None, [](auto& c) { c.SetObjectColor(1, 0x123456); }},
+    {"SetObjectVisibility", Repaint::Invalidate, [](auto& c) { c.SetObjectVisibility(0, 1); }},
+    {"SetObjectVisibilityBadIndex", Repaint::None, [](auto& c) { c.SetObjectVisibility(-1, 1); }},
+    {"GetMeshDataSize", Repaint::None,
+     [](auto& c) {
+         std::int32_t n = 0;
+         c.GetMeshDataSize(0, &n, &n);
+     }},
+    {"GetObjectCenter", Repaint::None,
+     [](auto& c) {
+         float f = 0;
+         c.GetObjectCenter(0, &f, &f, &f);
+     }},
+    {"GetObjectBoundingBox", Repaint::None,
+     [](auto& c) {
+         float f = 0;
+         c.GetObjectBoundingBox(0, &f, &f, &f, &f, &f, &f);
+         c.GetObjectBoundingBox(9, &f, &f, &f, &f, &f, &f);
+     }},
+    {"DeleteObject", Repaint::None, [](auto& c) { c.DeleteObject(0); }},
+    {"SetBlendObjectColors", Repaint::None, [](auto& c) { c.SetBlendObjectColors(0, 1); }},
+    {"SetAllowEmptyObjects", Repaint::None, [](auto& c) { c.SetAllowEmptyObjects(-1); }},
+    {"BlockPaintEvents", Repaint::None, [](auto& c) { c.BlockPaintEvents(0); }},
+    {"ResetSelection", Repaint::None, [](auto& c) { c.ResetSelection(); }},
+    {"AddSelection", Repaint::None, [](auto& c) { c.AddSelection(0); }},
+    {"ResetVariableObjects", Repaint::None, [](auto& c) { c.ResetVariableObjects(); }},
+    {"AddVariableObject", Repaint::None, [](auto& c) { c.AddVariableObject(0); }},
+    {"SetReflection", Repaint::Refresh, [](auto& c) { c.SetReflection(0.5f, 0.5f); }},
+    {"SetBackgroundColors", Repaint::Refresh, [](auto& c) { c.SetBackgroundColors(1, 2); }},
+    {"SetBackgroundColorsFourCorners", Repaint::Refresh, [](auto& c) { c.SetBackgroundColorsFourCorners(1, 2, 3, 4); }},
+    {"SetCrossColor", Repaint::None, [](auto& c) { c.SetCrossColor(5); }},
+    {"GetCrossColor", Repaint::None, [](auto& c) { (void)c.GetCrossColor(); }},
+    {"SetArrowColor", Repaint::Refresh, [](auto& c) { c.SetArrowColor(5); }},
+    {"ShowLightingArrow", Repaint::Refresh, [](auto& c) { c.ShowLightingArrow(0); }},
+    {"ShowAxes", Repaint::Refresh, [](auto& c) { c.ShowAxes(0); }},
+    {"SetArrowAngle", Repaint::None, [](auto& c) { c.SetArrowAngle(30); }},
+    {"SetScanSkipVal", Repaint::None, [](auto& c) { c.SetScanSkipVal(2); }},
+    {"GetScanSkipVal", Repaint::None, [](auto& c) { (void)c.GetScanSkipVal(); }},
+    {"SetConfidenceFilter", Repaint::None, [](auto& c) { c.SetConfidenceFilter(0.5f); }},
+    {"SetPickRadius", Repaint::None, [](auto& c) { c.SetPickRadius(3); }},
+    {"SetPointCloudRenderPointSize", Repaint::None, [](auto& c) { c.SetPointCloudRenderPointSize(3); }},
+    {"PerformRefresh", Repaint::Refresh, [](auto& c) { c.PerformRefresh(); }},
+    {"PerformInvalidate", Repaint::Invalidate, [](auto& c) { c.PerformInvalidate(); }},
+    {"SetDrawMosaic", Repaint::InvalidateWithErase, [](auto& c) { c.SetDrawMosaic(-1); }},
+    {"SetDrawMode", Repaint::InvalidateWithErase, [](auto& c) { c.SetDrawMode(1); }},
+    {"SetMoveReduced", Repaint::InvalidateWithErase, [](auto& c) { c.SetMoveReduced(-1); }},
+    {"SetTrafoOfScan", Repaint::Refresh,
+     [](auto& c) { c.SetTrafoOfScan(0, 1, 0, 0, 5, 0, 1, 0, 5, 0, 0, 1, 5, 0, 0, 0, 1); }},
+    {"SetTrafoOfScanBadIndex", Repaint::None,
+     [](auto& c) { c.SetTrafoOfScan(1, 1, 0, 0, 5, 0, 1, 0, 5, 0, 0, 1, 5, 0, 0, 0, 1); }},
+    {"SetMeshFilename_Removed", Repaint::None, [](auto& c) { c.SetMeshFilename_Removed(); }},
+    {"SetShadowMode", Repaint::None, [](auto& c) { c.SetShadowMode(1); }},
+    {"SetShadowColor", Repaint::None, [](auto& c) { c.SetShadowColor(1, 0, 0); }},
+    {"SetDefaultZoomFactor", Repaint::None, [](auto& c) { c.SetDefaultZoomFactor(2); }},
+    {"TracingMode", Repaint::None, [](auto& c) { c.TracingMode(1); }},
+    {"SetViewMode", Repaint::Refresh, [](auto& c) { c.SetViewMode(2); }},
+    {"CenterView", Repaint::Invalidate, [](auto& c) { c.CenterView(); }},
+    {"SetViewParams", Repaint::InvalidateWithErase, [](auto& c) { c.SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0); }},
+};
+
+class RepaintOf : public testing::TestWithParam<RepaintRow> {};
+
+TEST_P(RepaintOf, AsksForItsStrengthAndOnlyARefreshHasPaintedAtTheReturn) {
+    OffscreenControl control(200, 100);
+    const std::shared_ptr<Mesh> keepAlive(
+        new Mesh({{0, 0, 0}, {9, 0, 0}, {0, 9, 0}}, {Triangle{{0, 1, 2}}}, L"", false));
+    control->m_vpMeshes.push_back(keepAlive);
+    control->PerformRefresh();
+    control.window->Forget();
+    keepAlive->m_fPointSize = -77;  // every frame hands the size of the control to every mesh
+    GetParam().call(*control);
+    const bool drawn = keepAlive->m_fPointSize != -77;
+
+    const Repaint strength = GetParam().strength;
+    EXPECT_EQ(control.window->refreshes, strength == Repaint::Refresh ? 1 : 0);
+    EXPECT_EQ(control.window->invalidates, strength == Repaint::Invalidate ? 1 : 0);
+    EXPECT_EQ(control.window->eraseInvalidates, strength == Repaint::InvalidateWithErase ? 1 : 0);
+    EXPECT_EQ(drawn, strength == Repaint::Refresh);
+    const bool queued = strength == Repaint::Invalidate || strength == Repaint::InvalidateWithErase;
+    // a resized window asks for its repaint itself
+    if (std::string_view(GetParam().name) != "SetSize") {
+        EXPECT_EQ(control.window->IsPaintPending(), queued);
+    }
+    if (queued && !control->m_vpMeshes.empty()) {
+        control->ProcessEvents();
+        EXPECT_NE(keepAlive->m_fPointSize, -77);
+        EXPECT_FALSE(control.window->IsPaintPending());
+    }
+    ASSERT_TRUE(control->MakeContextCurrent());
+    control->m_vpMeshes.clear();
+    keepAlive->ReleaseBuffers();
+}
+INSTANTIATE_TEST_SUITE_P(Methods, RepaintOf, testing::ValuesIn(kRepaints),
+                         [](const auto& row) { return row.param.name; });
+
+// ---- what is stored
+
+TEST(Settings, StoreTheirArguments) {
+    NoPictureControl c;
+    c->SetCrossColor(0x010203);
+    c->SetArrowColor(0x040506);
+    c->ShowLightingArrow(7);
+    c->ShowAxes(-2);
+    c->SetArrowAngle(-30);
+    c->SetScanSkipVal(-5);
+    c->SetConfidenceFilter(0.25f);
+    c->SetPickRadius(12.5f);
+    c->SetPointCloudRenderPointSize(3.5f);
+    EXPECT_EQ(c->m_nCrossColor, 0x010203u);
+    EXPECT_EQ(c->GetCrossColor(), 0x010203);
+    EXPECT_EQ(c->m_nArrowColor, 0x040506u);
+    EXPECT_EQ(c->m_nShowArrow, 7);
+    EXPECT_EQ(c->m_nShowAxes, -2);
+    EXPECT_EQ(c->m_nArrowAngle, -30);
+    EXPECT_EQ(c->m_nScanSkipVal, -5);
+    EXPECT_EQ(c->GetScanSkipVal(), -5);
+    EXPECT_EQ(c->m_fConfidenceFilter, 0.25f);
+    EXPECT_EQ(c->m_fPickRadius, 12.5f);
+    EXPECT_EQ(c->m_fPointCloudSize, 3.5f);
+    c->SetCrossColor(-1);
+    EXPECT_EQ(c->GetCrossColor(), -1);
+}
+
+TEST(Settings, ReadTheLow16BitsOfTheSkipValue) {
+    NoPictureControl c;
+    c->m_nScanSkipVal = 0x12345;
+    EXPECT_EQ(c->GetScanSkipVal(), 0x2345);
+    c->m_nScanSkipVal = 0x18000;
+    EXPECT_EQ(c->GetScanSkipVal(), INT16_MIN);
+}
+
+TEST(Settings, StoreFlagsWithMinusOneAndOneAsTrue) {
+    NoPictureControl c;
+    for (const std::int16_t value : std::initializer_list<std::int16_t>{-1, 1, 2}) {
+        c->SetAllowEmptyObjects(value);
+        c->BlockPaintEvents(value);
+        EXPECT_TRUE(c->m_bAllowEmptyObjects) << value;
+        EXPECT_TRUE(c->m_bBlockPaint) << value;
+        c->SetAllowEmptyObjects(0);
+        c->BlockPaintEvents(0);
+        EXPECT_FALSE(c->m_bAllowEmptyObjects);
+        EXPECT_FALSE(c->m_bBlockPaint);
+    }
+    c->SetAllowEmptyObjects(256);  // its low byte is zero
+    EXPECT_TRUE(c->m_bAllowEmptyObjects);
+}
+
+TEST(Settings, PutTwoBackgroundColoursAtTopAndBottom) {
+    NoPictureControl c;
+    c->SetBackgroundColors(0x111111, 0x222222);
+    EXPECT_EQ(c->m_nBackgroundColors[0], 0x111111u);  // top left
+    EXPECT_EQ(c->m_nBackgroundColors[1], 0x111111u);  // top right
+    EXPECT_EQ(c->m_nBackgroundColors[2], 0x222222u);
+    EXPECT_EQ(c->m_nBackgroundColors[3], 0x222222u);
+}
+
+TEST(Settings, PutFourBackgroundColoursInTheCorners) {
+    OffscreenControl c(200, 100);
+    c->SetBackgroundColorsFourCorners(0x0000FF, 0x00FF00, 0xFF0000, 0x00FFFF);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(c->m_nBackgroundColors[i], (std::vector<std::uint32_t>{0xFF, 0xFF00, 0xFF0000, 0xFFFF}[i]));
+    KV_ScenePane::Picture picture;
+    ASSERT_TRUE(c->CapturePicture(&picture));
+    ASSERT_EQ(picture.width, 200);
+    ASSERT_EQ(picture.height, 100);
+    const auto channel = [&](int x, int y, int shift) {
+        return static_cast<int>(picture.pixels[static_cast<std::size_t>(y * 200 + x)] >> shift & 0xFF);
+    };
+    const int corners[4][2] = {{0, 0}, {199, 0}, {0, 99}, {199, 99}};
+    const int expected[4][3] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {255, 255, 0}};
+    for (int i = 0; i < 4; ++i)
+        for (int k = 0; k < 3; ++k)  // the corner pixel's centre is half a pixel from the corner: below 2 of 255 off
+            EXPECT_NEAR(channel(corners[i][0], corners[i][1], 16 - 8 * k), expected[i][k], 3) << i << ' ' << k;
+}
+
+// ---- properties
+
+TEST(Properties, AreReadAsZeroOrMinusOne) {
+    NoPictureControl c;
+    EXPECT_EQ(c->GetDrawMosaic(), 0);
+    EXPECT_EQ(c->GetMoveReduced(), 0);
+    EXPECT_EQ(c->GetDrawMode(), 3);
+    for (const std::int16_t value : std::initializer_list<std::int16_t>{-1, 1, 256}) {
+        c->SetDrawMosaic(value);
+        c->SetMoveReduced(value);
+        EXPECT_EQ(c->GetDrawMosaic(), -1) << value;
+        EXPECT_EQ(c->GetMoveReduced(), -1) << value;
+        EXPECT_EQ(c->m_bDrawMosaic, 1) << value;
+        EXPECT_EQ(c->m_bMoveReduced, 1) << value;
+    }
+    c->SetDrawMosaic(0);
+    c->SetMoveReduced(0);
+    EXPECT_EQ(c->GetDrawMosaic(), 0);
+    EXPECT_EQ(c->GetMoveReduced(), 0);
+}
+
+TEST(Properties, KeepAnyDrawMode) {
+    NoPictureControl c;
+    for (const std::int16_t mode : std::initializer_list<std::int16_t>{0, 7, 8, INT16_MIN, INT16_MAX}) {
+        c->SetDrawMode(mode);
+        EXPECT_EQ(c->GetDrawMode(), mode);
+    }
+}
+
+TEST(Properties, MarkTheControlModified) {
+    const std::function<void(CKV_ScenePaneCtrl&)> writes[] = {
+        [](auto& c) { c.SetDrawMosaic(-1); }, [](auto& c) { c.SetDrawMode(2); }, [](auto& c) { c.SetMoveReduced(-1); }};
+    for (const auto& write : writes) {
+        NoPictureControl c;
+        EXPECT_FALSE(c->m_bModified);
+        write(*c);
+        EXPECT_TRUE(c->m_bModified);
+    }
+}
+
+TEST(Properties, AreTheOnlyOnesThatMarkTheControlModified) {
+    NoPictureControl c;
+    AddTriangle(*c);
+    for (const RepaintRow& row : kRepaints)
+        if (row.strength != Repaint::InvalidateWithErase && std::string_view(row.name) != "DeleteObject" &&
+            std::string_view(row.name) != "ClearData" && c->GetNumObjects() > 0)
+            row.call(*c);
+    EXPECT_FALSE(c->m_bModified);
+}
+
+TEST(Properties, SayThatTheControlIsComplete) { EXPECT_EQ(NoPictureControl()->GetReadyState(), 4); }
+
+TEST(Properties, ShowTheSamePictureWithAndWithoutMosaic) {
+    OffscreenControl c(200, 100);
+    AddTriangle(*c);
+    c->CenterView();
+    KV_ScenePane::Picture without, with;
+    ASSERT_TRUE(c->CapturePicture(&without));
+    c->SetDrawMosaic(-1);
+    ASSERT_TRUE(c->CapturePicture(&with));
+    EXPECT_EQ(with.pixels, without.pixels);
+    EXPECT_GT(std::ranges::count_if(without.pixels, [&](auto p) { return p != without.pixels[0]; }), 0);
+}
+
+// ---- the reflection
+
+TEST(SetReflection, SetsTheFrontMaterial) {
+    struct Row {
+        float brightness, shining, shininess;
+    };
+    // 1 - trunc((1 - shining) * -127): 0.5 gives 1 + 63, 0.3 gives 1 + 88
+    for (const Row& row : {Row{0.25f, 1.0f, 1.0f}, Row{1.0f, 0.0f, 128.0f}, Row{0.0f, 0.5f, 64.0f},
+                           Row{0.5f, 0.3f, 89.0f}, Row{0.5f, 0.999f, 1.0f}}) {
+        OffscreenControl c;
+        c->SetReflection(row.brightness, row.shining);
+        ASSERT_TRUE(c->MakeContextCurrent());
+        const float b = row.brightness;
+        EXPECT_EQ(GlMaterial(GL_FRONT, GL_SPECULAR), (std::array{b, b, b, b}));
+        EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], row.shininess) << row.shining;
+        EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+    }
+}
+
+TEST(SetReflection, ActsOnItsOwnContextAlone) {
+    OffscreenControl mine, other;
+    ASSERT_TRUE(other->MakeContextCurrent());
+    mine->SetReflection(0.75f, 1.0f);
+    ASSERT_TRUE(other->MakeContextCurrent());
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 64.0f);  // as every context starts
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SPECULAR)[0], 0.0f);
+    ASSERT_TRUE(mine->MakeContextCurrent());
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 1.0f);
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SPECULAR)[0], 0.75f);
+}
+
+// ---- the size
+
+TEST(SetSize, ResizesTheWindowAndSetsViewportAndAspect) {
+    OffscreenControl c(640, 480);
+    c->SetSize(300, 120);
+    EXPECT_EQ(c.window->ClientSize().width, 300);
+    EXPECT_EQ(c.window->ClientSize().height, 120);
+    EXPECT_EQ(c->m_nWidth, 300);
+    EXPECT_EQ(c->m_nHeight, 120);
+    EXPECT_FLOAT_EQ(c->m_fAspectX, 2.5f);
+    EXPECT_EQ(c->m_fAspectY, 1.0f);
+    ASSERT_TRUE(c->MakeContextCurrent());
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ((std::vector<GLint>(viewport, viewport + 4)), (std::vector<GLint>{0, 0, 300, 120}));
+    KV_ScenePane::Picture picture;
+    ASSERT_TRUE(c->CapturePicture(&picture));
+    EXPECT_EQ(picture.width, 300);
+    EXPECT_EQ(picture.height, 120);
+}
+
+TEST(SetSize, KeepsViewportAndAspectWithoutAHeight) {
+    for (const std::int16_t height : std::initializer_list<std::int16_t>{0, -1, INT16_MIN}) {
+        OffscreenControl c(640, 480);
+        const float aspect = c->m_fAspectX;
+        c->SetSize(100, height);
+        EXPECT_EQ(c->m_fAspectX, aspect);
+        ASSERT_TRUE(c->MakeContextCurrent());
+        GLint viewport[4] = {};
+        glGetIntegerv(GL_VIEWPORT, viewport);
+        EXPECT_EQ((std::vector<GLint>(viewport, viewport + 4)), (std::vector<GLint>{0, 0, 640, 480}));
+        c->PerformRefresh();
+        EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+    }
+}
+
+TEST(SetSize, WorksWithoutAPicture) {
+    NoPictureControl c;
+    c->SetSize(120, 300);
+    EXPECT_EQ(c->m_nWidth, 120);
+    EXPECT_EQ(c->m_nHeight, 300);
+}
+
+// ---- blocked painting
+
+TEST(BlockPaintEvents, KeepsARefreshPendingUntilItIsUnblocked) {
+    OffscreenControl c(64, 64);
+    Mesh& mesh = AddTriangle(*c);
+    mesh.m_fPointSize = -77;
+    c->BlockPaintEvents(-1);
+    c->PerformRefresh();
+    EXPECT_EQ(mesh.m_fPointSize, -77) << "drawn in spite of the block";
+    EXPECT_TRUE(c.window->IsPaintPending());
+    c->ProcessEvents();
+    EXPECT_EQ(mesh.m_fPointSize, -77);
+    KV_ScenePane::Picture picture;
+    EXPECT_FALSE(c->CapturePicture(&picture));
+    c->BlockPaintEvents(0);
+    EXPECT_EQ(mesh.m_fPointSize, -77) << "drawn before the loop came round";
+    c->ProcessEvents();
+    EXPECT_EQ(mesh.m_fPointSize, 2.0f);
+    EXPECT_FALSE(c.window->IsPaintPending());
+}
+
+TEST(PerformInvalidate, PaintsOnceForManyRequests) {
+    OffscreenControl c(64, 64);
+    Mesh& mesh = AddTriangle(*c);
+    for (int i = 0; i < 5; ++i) c->PerformInvalidate();
+    c->ProcessEvents();
+    EXPECT_EQ(mesh.m_fPointSize, 2.0f);
+    EXPECT_FALSE(c.window->IsPaintPending());
+    mesh.m_fPointSize = -77;
+    c->ProcessEvents();
+    EXPECT_EQ(mesh.m_fPointSize, -77) << "painted twice for one batch of requests";
+}
+
+}  // namespace
