@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "control/ScenePaneCtrl.h"
+#include "render/ReadFrame.h"
 
 namespace {
 
@@ -41,21 +42,6 @@ void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_
     glPopAttrib();
 }
 
-/// Reads the finished frame before it is shown: afterwards the back buffer holds nothing. The read buffer of a window
-/// is its back buffer, that of a single-buffered surface its only one, and nothing changes it.
-void ReadPicture(std::int32_t width, std::int32_t height, KV_ScenePane::Picture* picture) {
-    if (width <= 0 || height <= 0) return;
-    picture->width = width;
-    picture->height = height;
-    picture->pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, picture->pixels.data());
-
-    for (std::uint32_t& pixel : picture->pixels) pixel |= 0xFF000000;  // what a window shows is opaque
-    auto row = [&](std::int32_t y) { return picture->pixels.begin() + std::ptrdiff_t{y} * width; };
-    for (std::int32_t y = 0; y < height / 2; ++y)  // OpenGL's rows run upward
-        std::swap_ranges(row(y), row(y) + width, row(height - 1 - y));
-}
-
 }  // namespace
 
 void CKV_ScenePaneCtrl::OnPaint() {
@@ -78,7 +64,7 @@ void CKV_ScenePaneCtrl::OnDraw() {
         if (m_bAnimationRunning != 0) AnimationStep();
         DrawSceneOrFrozenImage(sizeChanged);
         DrawOverScene();
-        if (m_pCapture != nullptr) ReadPicture(m_nWidth, m_nHeight, m_pCapture);
+        if (m_pCapture != nullptr) *m_pCapture = {m_nWidth, m_nHeight, ReadBackBuffer(m_nWidth, m_nHeight)};
         m_pWindow->SwapBuffers();
     }
     m_bInDraw = 0;
