@@ -2,6 +2,7 @@
 #pragma once
 #include <algorithm>
 #include <cfloat>
+#include <cstddef>
 
 #include "geometry/Float3.h"
 

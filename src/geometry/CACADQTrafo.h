@@ -6,8 +6,8 @@ class CACADQTrafo {
 public:
     virtual ~CACADQTrafo() = default;
 
-    /// Stores the rotation nearest in quaternion form to the 3 x 3 matrix m, given column after column, and the
-    /// translation t. Scale and shear of m are lost on purpose.
+    /// Stores the translation t and the rotation of the quaternion that the 3 x 3 matrix m gives, column after column.
+    /// Scale and shear of m are lost on purpose; the rotation of such a matrix is not the nearest one.
     void Set(double m00, double m10, double m20, double m01, double m11, double m21, double m02, double m12, double m22,
              double tx, double ty, double tz);
     /// Recomputes m_dRotation from m_dQuat.

@@ -9,8 +9,8 @@
 #include "geometry/GridRows.h"
 #include "geometry/Vertex.h"
 
-// One byte for each quad. The quad at (x, y) has the corners A (x, y), B (x + 1, y), C (x, y + 1) and D (x + 1, y +
-/// 1). Its first triangle holds A and C, and B or else D; its second one D and B, and C or else A.
+// One byte for each quad. The quad at (x, y) has the corners A (x, y), B (x + 1, y), C (x, y + 1), D (x + 1, y + 1).
+// Its first triangle holds A and C, and B or else D; its second one D and B, and C or else A.
 inline constexpr std::int32_t kQuadA = 1, kQuadB = 2, kQuadC = 4, kQuadD = 8;
 inline constexpr std::int32_t kQuadCorners = 15;  ///< all zero when fewer than three corners are there
 inline constexpr std::int32_t kQuadFirst = 16;    ///< the first triangle is kept

@@ -14,8 +14,8 @@
 #include "geometry/GridNormals.h"
 #include "geometry/GridQuads.h"
 #include "geometry/GridRows.h"
-#include "geometry/HugePages.h"
 #include "geometry/MeanNormals.h"
+#include "platform/HugePages.h"
 
 namespace {
 
@@ -106,6 +106,15 @@ void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vect
             std::memcpy(&vertices[static_cast<std::size_t>(index)], record, sizeof(record));
         }
     }
+}
+
+// Empties the vector and makes room for exactly so many elements, in large pages where that pays.
+template <typename T>
+void ReserveExactly(std::vector<T>& vector, std::size_t count) {
+    if (vector.capacity() != count) vector = {};
+    vector.clear();
+    vector.reserve(count);
+    AdviseHugePages(vector.data(), count * sizeof(T));
 }
 
 struct TriangulationOptions {
