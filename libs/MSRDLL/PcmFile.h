@@ -32,11 +32,11 @@ struct PcmForeignSection {
 /// A measurement as it is in memory. The arrays are null when it is empty.
 struct PcmMeasurement {
     int m_iWidth = 0, m_iHeight = 0;                    ///< 1..32767 each, or both zero
-    std::unique_ptr<float[]> m_pPoints;                 ///< 3 a pixel, row after row, sensor frame, millimetres
+    std::unique_ptr<float[]> m_pPoints;                 ///< 3 a pixel, row after row, sensor frame, micrometres
     std::unique_ptr<float[]> m_pConfidence;             ///< one a pixel
     std::unique_ptr<std::uint8_t[]> m_pClassification;  ///< one a pixel; 240 and above are not valid
     std::unique_ptr<std::uint32_t[]> m_pColors;         ///< one a pixel, 0xAARRGGBB; null when there are none
-    std::array<float, 16> m_fTrafo{};                   ///< row-major 4 x 4, sensor to world
+    std::array<float, 16> m_fTrafo{};                   ///< row-major 4 x 4, sensor to world, micrometres
     std::vector<PcmForeignSection> m_vForeign;
 };
 
@@ -55,9 +55,8 @@ struct PcmView {
 
 /// Reads a measurement; every bit of every value comes back as it was written.
 /// @param path  in bytes, as the open call takes it
-/// @throws PcmError for what is not a whole, undamaged pcm file of a known version. Sizes are checked against the
-/// file's
-///         before anything is allocated
+/// @throws PcmError for what is not a whole, undamaged pcm file of a known version. Sizes are checked against that of
+///         the file before anything is allocated
 [[nodiscard]] PcmMeasurement ReadPcmFile(const std::string& path);
 [[nodiscard]] PcmMeasurement ReadPcm(std::span<const std::byte> bytes);
 

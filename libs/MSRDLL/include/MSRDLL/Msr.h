@@ -14,7 +14,8 @@ public:
     MSR(const MSR&) = delete;
     MSR& operator=(const MSR&) = delete;
 
-    /// Reads a pcm file. A missing, foreign or damaged file gives false and leaves an empty measurement behind.
+    /// Reads a pcm file. A missing, foreign or damaged file gives false and leaves an empty measurement behind. The
+    /// flags of this and of Save() mean nothing here.
     bool Load(const wchar_t* path, bool, bool, bool);
     /// Writes the measurement as a pcm file: beside the target, flushed to disk, renamed over it. On false the old file
     /// is whole. False too for an empty measurement.
@@ -22,13 +23,13 @@ public:
     /// Replaces the transform in a pcm file (16 floats, row-major 4 x 4), as safely as Save().
     static bool SaveTrafoMatrix(const wchar_t* path, const float* matrix);
 
-    float* GetXYZ();                        ///< 3 a pixel, row after row, sensor frame; null when empty
-    float* GetConfidence();                 ///< one a pixel
-    std::uint8_t* GetPixelClassification(); ///< one a pixel; 240 and above are not valid
-    float* GetTrafo();                      ///< 16, row-major 4 x 4, sensor to world
+    float* GetXYZ();                         ///< 3 a pixel, row after row, sensor frame, micrometres; null when empty
+    float* GetConfidence();                  ///< one a pixel
+    std::uint8_t* GetPixelClassification();  ///< one a pixel; 240 and above are not valid
+    float* GetTrafo();                       ///< 16, row-major 4 x 4, sensor to world, micrometres
     int GetWidth();
     int GetHeight();
-    std::uint32_t* GetColorData();          ///< one a pixel, 0xAARRGGBB, or null
+    std::uint32_t* GetColorData();  ///< one a pixel, 0xAARRGGBB, or null
 
 private:
     struct Data;
