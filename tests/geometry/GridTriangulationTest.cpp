@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <numbers>
 #include <ostream>
@@ -144,6 +145,9 @@ INSTANTIATE_TEST_SUITE_P(Angle, IsSliverCorner, testing::ValuesIn(kCorners),
 
 }  // namespace
 
+// About 15.02 degrees, fixed to the bit: results must not change with the digits that somebody writes it with.
+static_assert(std::bit_cast<std::uint32_t>(kMaxEdgeCosine) == 0x3F77405F);
+
 TEST(IsSliver, LetsCoincidentCornersPass) {
     const float p[3] = {1, 2, 3}, q[3] = {2, 2, 3};
     EXPECT_EQ(IsSliver(p, p, p, kMaxEdgeCosine), 0);
@@ -204,6 +208,12 @@ TEST(TriangulateGrid, EmptiesItsOutputsWhenThereIsNoVertex) {
     TriangulateGrid(0, 0, nullptr, nullptr, nullptr, 1, kMaxEdgeCosine, &vertices, &triangles);
     EXPECT_THAT(vertices, IsEmpty());
     EXPECT_THAT(triangles, IsEmpty());
+}
+
+TEST(BuildGridVertexList, ListsThePixelsOfALineThatGivesNoTriangle) {
+    const Drawing line({"##.#"});
+    EXPECT_EQ(BuildGridVertexList(4, 1, line.points.data(), line.mask.data(), nullptr, 1).m_vVertices.size(), 3u);
+    EXPECT_THAT(Triangulate(line).vertices, IsEmpty());
 }
 
 TEST(BuildGridVertexList, KeepsEveryValidPixelInRowOrder) {

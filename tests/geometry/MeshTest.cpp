@@ -162,6 +162,15 @@ TEST(Mesh, RotatesInDoubleAndAddsTheTranslationInFloat) {
     EXPECT_EQ(mesh.m_vVertices[0].y, 0.25f);
 }
 
+TEST(Mesh, TakesTheTranslationOutInFloatBeforeItRotates) {
+    // The translation rounds to 16777216 first; in double precision the difference would be 1.
+    Mesh mesh({At(16777218, 0, 0)}, {}, L"", false);
+    CACADQTrafo shift;
+    shift.Set(1, 0, 0, 0, 1, 0, 0, 0, 1, 16777217.0, 0, 0);
+    mesh.RevertTrafo(shift);
+    EXPECT_EQ(mesh.m_vVertices[0].x, 2.0f);
+}
+
 TEST(Mesh, NormalisesTheSumOfUnitFaceNormals) {
     // +z twice as large in area as +x, and both count the same.
     Mesh mesh({At(0, 0, 0), At(2, 0, 0), At(0, 1, 0), At(0, 0, 1)}, {{{0, 1, 2}}, {{0, 2, 3}}}, L"", false);
@@ -244,14 +253,15 @@ TEST_F(MeshClone, KeepsTheVerticesInTheOrderOfTheirFirstUse) {
 TEST_F(MeshClone, CarriesWhatDescribesTheObjectAndNotItsCuts) {
     m_mesh.m_Trafo.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);
     m_mesh.m_fColor[0] = 0.5f;  // 127.5 becomes 127
-    m_mesh.m_bGrayColors = false;
+    m_mesh.m_pTexture = std::make_shared<Mesh::Texture>(0, nullptr, std::vector<std::uint8_t>{1});
     m_mesh.m_vpCutMasks.emplace_back();
     m_mesh.m_bBuffersDirty = false;
     const std::uint32_t none[] = {0};
     const auto clone = m_mesh.CloneWithoutVertices(none);
     EXPECT_EQ(clone->m_sName, L"scan.pcm");
     EXPECT_TRUE(clone->m_bHasVertexColors);
-    EXPECT_FALSE(clone->m_bGrayColors);
+    EXPECT_TRUE(clone->m_bGrayColors);
+    EXPECT_EQ(clone->m_pTexture, m_mesh.m_pTexture) << "one texture for both";
     EXPECT_NEAR(clone->m_Trafo.m_dRotation[1], 1, 1e-15);
     EXPECT_EQ(clone->m_Trafo.m_dTranslation[2], 30);
     EXPECT_FLOAT_EQ(clone->m_fColor[0], 127.0f / 255.0f);
