@@ -7,11 +7,12 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <clocale>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <locale>
 #include <regex>
 #include <string>
 #include <thread>
@@ -85,7 +86,8 @@ TEST_F(LogFile, GetsTwoHeadersInOneLineWhenTheLineFeedIsLeftOut) {
         Log(LogLevel::Error) << "first. ";
         Log(LogLevel::Error) << "second" << std::endl;
     });
-    EXPECT_TRUE(std::regex_match(log, std::regex(R"(\[[^\]]*\] <ERROR>: first\. \[[^\]]*\] <ERROR>: second\n)"))) << log;
+    EXPECT_TRUE(std::regex_match(log, std::regex(R"(\[[^\]]*\] <ERROR>: first\. \[[^\]]*\] <ERROR>: second\n)")))
+        << log;
 }
 
 TEST_F(LogFile, KeepsWhatFormerRunsWrote) {
