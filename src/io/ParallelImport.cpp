@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <functional>
-#include <limits>
 #include <string>
 #include <utility>
 #include <vector>

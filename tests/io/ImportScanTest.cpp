@@ -119,6 +119,7 @@ TEST_P(ImportScanOf, ChangesNothingWhenTheFileIsMissing) {
     const float sceneSize = c->m_fSceneSize;
     c.window->Forget();
     Import(std::string("missing.") + GetParam());
+    EXPECT_THAT(c.debugOutput.Text(), HasSubstr(folder / (std::string("missing.") + GetParam()) + ": ")) << "a reason";
     EXPECT_EQ(c->m_vpMeshes, before);
     EXPECT_EQ(c->m_fSceneSize, sceneSize);
     EXPECT_EQ(c->m_strScanPath, WidePath(folder / (std::string("missing.") + GetParam())));
@@ -388,6 +389,19 @@ TEST_F(ImportScan, AddsAnEmptyObjectForAGridWithoutValidPixelsWhereTheseAreAllow
     ASSERT_EQ(Count(), 2u);
     EXPECT_EQ(c->m_vpMeshes[0]->GetVertexCount(), 0u);
     EXPECT_EQ(c->m_vpMeshes[1]->GetVertexCount(), 0u);
+}
+
+TEST_F(ImportScan, AddsAnEmptyObjectForAGridOfNoSizeWhereTheseAreAllowed) {
+    c->SetAllowEmptyObjects(-1);
+    ScanSample scan(3, 3, 1);
+    scan.height = 0;
+    for (const std::string name : {"none.pax", "none.xdt"}) {
+        Import(scan, name);
+        ASSERT_FALSE(c->m_vpMeshes.empty()) << name;
+        EXPECT_EQ(Last().m_sName, WidePath(folder / name));
+        EXPECT_EQ(Last().GetVertexCount(), 0u);
+    }
+    EXPECT_EQ(Count(), 2u);
 }
 
 struct BadSize {
