@@ -2,6 +2,7 @@
 #include "MSRDLL/Msr.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -192,11 +193,21 @@ TEST_F(MsrOnDisk, SaveRefusesTargetsThatAreNoFile) {
 }
 
 TEST_F(MsrOnDisk, SaveLeavesAWriteProtectedFileAlone) {
-    if (geteuid() == 0) GTEST_SKIP() << "root may write everything";
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     ASSERT_EQ(chmod(file.c_str(), 0444), 0);
-    EXPECT_FALSE(SaveTo(msr, file));
+    ASSERT_EQ(chmod((folder / "").c_str(), 0777), 0);  // the folder would let anybody replace it
+    const auto before = ReadBytes(file);
+    constexpr int kRefused = 3;
+    const pid_t child = fork();
+    if (child == 0) {  // root may write everything, so it becomes somebody else
+        if (geteuid() == 0 && setuid(65534) != 0) _exit(1);
+        _exit(SaveTo(msr, file) ? 2 : kRefused);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kRefused) << status;
+    EXPECT_EQ(ReadBytes(file), before);
     EXPECT_EQ(folder.FileCount(), 1u);
 }
 
