@@ -120,7 +120,7 @@ public:
     virtual void SetArrowAngle(std::int16_t angle) = 0;
     /// Centres the view on the scene
     virtual void CenterView() = 0;
-    /// Every how many grid points an import keeps one, 1 keeps all; below 1 later imports add nothing
+    /// N: later imports average cells of N x N pixels to one point each; 1 keeps all pixels, below 1 they add nothing
     virtual void SetScanSkipVal(std::int16_t skipVal) = 0;
     /// The 4 x 4 transform baked into the object, row by row, last row 0 0 0 1; 0, or -1 for a bad index
     virtual std::int16_t GetTrafoOfScan(std::int16_t idx, float* v0, float* v1, float* v2, float* v3, float* v4,
