@@ -39,8 +39,7 @@ std::string FailureMessage(bool formatValid, std::int32_t major, std::int32_t mi
     if (formatValid) text += "Requested version: " + std::to_string(major) + "." + std::to_string(minor);
     return text +
            "\n\nThe 3D viewer could not be initialized. Possibly the wrong graphics card is used, the currently "
-           "connected "
-           "graphics card is deactivated in the Windows device manager or the correct driver is missing.";
+           "connected graphics card is deactivated in the Windows device manager or the correct driver is missing.";
 }
 
 }  // namespace
@@ -53,11 +52,12 @@ int CKV_ScenePaneCtrl::OnCreate() {
     if (created) glGetIntegerv(GL_ALPHA_BITS, &alphaBits);
     Log(LogLevel::Info) << "Alphabits: " << alphaBits << std::endl;
     if (created) {
+        m_nWidth = m_nHeight = -1;  // a new context has neither viewport nor matrices: its first frame sets both
         RefreshControl();
         return 0;
     }
-    Log(LogLevel::Error) << "Failed to create opengl context. ";
-    if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! ";
+    Log(LogLevel::Error) << "Failed to create opengl context. " << std::flush;
+    if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! " << std::flush;
     Log(LogLevel::Error) << "Using wrong graphic card?" << std::endl;
     m_pWindow->ShowModalMessage(FailureMessage(format.valid, m_nGlMajorVersion, m_nGlMinorVersion));
     return -1;

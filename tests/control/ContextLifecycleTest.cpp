@@ -196,6 +196,19 @@ TEST_P(ContextOf, ARecreatedControlDrawsAsBefore) {
     EXPECT_EQ(show(), before);
 }
 
+TEST_P(ContextOf, ARecreatedControlHasTheMatricesOfItsViewFromItsFirstFrameOn) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
+    EXPECT_EQ(control.RecreateOpenglContext(3, 3, 0), -1);
+    ASSERT_TRUE(control.MakeContextCurrent());
+    // The empty scene is 100 * sqrt(3) high, 80 pixels: 50 units are 23.094 pixels.
+    double x = 0, y = 0;
+    control.ProjectPointDouble(50, 0, 0, &x, &y);
+    EXPECT_NEAR(x, 73.094, 1e-3);
+    EXPECT_NEAR(y, 40, 1e-3);
+}
+
 TEST_P(ContextOf, ARecreationReachesTheVersionThatIsAskedFor) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
