@@ -485,12 +485,27 @@ TEST(DeleteObject, DeletesTheBuffersInItsOwnContext) {
     EXPECT_TRUE(glIsBuffer(othersBuffer));
 }
 
-TEST(AddSelection, DrawsAnObjectThatWasSelectedTwiceWithoutAnError) {
+TEST(AddSelection, DrawsTheBoxOfAnObjectThatWasSelectedTwiceTwice) {
     OffscreenControl control;
     for (int i = 0; i < 4; ++i) AddTriangle(*control);
-    control->AddSelection(3), control->AddSelection(3);
-    control->PerformRefresh();
-    EXPECT_FALSE(control.window->IsPaintPending());
+    const auto primitivesOfAFrame = [&] {
+        EXPECT_TRUE(control->MakeContextCurrent());
+        GLuint query = 0, count = 0;
+        glGenQueries(1, &query);
+        glBeginQuery(GL_PRIMITIVES_GENERATED, query);
+        control->PerformRefresh();
+        glEndQuery(GL_PRIMITIVES_GENERATED);
+        glGetQueryObjectuiv(query, GL_QUERY_RESULT, &count);
+        glDeleteQueries(1, &query);
+        return count;
+    };
+    const GLuint without = primitivesOfAFrame();
+    control->AddSelection(3);
+    const GLuint once = primitivesOfAFrame();
+    control->AddSelection(3);
+    const GLuint twice = primitivesOfAFrame();
+    EXPECT_GE(once, without + 12);  // the edges of a box
+    EXPECT_EQ(twice - once, once - without);
     EXPECT_EQ(GlErrorOf(*control), GLenum{GL_NO_ERROR});
 }
 

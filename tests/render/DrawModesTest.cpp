@@ -118,6 +118,20 @@ TEST_P(DrawModes, Mode4DrawsBoxes) {
     ExpectBackground(130, 150);  // no diagonal
 }
 
+TEST_P(DrawModes, Mode4DrawsTheEdgesBetweenBothEndsOfABox) {
+    const float half = 48.5f / 24;
+    Add({}).SetBoundingBox(-half, half, -half, half, -half, half);
+    // From the front, z up: the rectangles at both ends of z are the lines above and below.
+    pane->m_fAxisY = {0, 0, 1};
+    pane->m_fAxisZ = {0, -1, 0};
+    pane->SetupViewMatrices();
+    SetMode(4);
+    Frame();
+    const Vec3 boxColor{0.0, 0.4, 0.9};
+    for (const auto& [x, y] : {std::pair{208, 120}, {111, 120}, {160, 71}, {160, 168}}) ExpectPixel(x, y, boxColor);
+    ExpectBackground(160, 120);
+}
+
 TEST_P(DrawModes, Mode5LightsEveryPixel) {
     const Square square{.half = 4.5, .normal = {0.0, -0.6, 0.8}};
     Add(square, kObjectColor);
@@ -203,6 +217,18 @@ TEST_P(DrawModes, BackFacesAreGreyInTheLitProgramsWhateverTheirColour) {
     pane->SetShadowMode(1);
     Frame();
     ExpectPixel(160, 120, Shadow(camera, At(160, 120, square, {1, 1, 1}), {}));
+}
+
+TEST_P(DrawModes, BackFacesOfATexturedMeshAreGreyInMode5) {
+    const Square square{.normal = {0, 0, -1}, .turned = true};
+    Mesh& mesh = Add(square);
+    mesh.m_vTexCoords.resize(6);
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    const std::vector<std::uint8_t> orange{255, 128, 0, 255};
+    mesh.CreateTexture(1, 1, orange.data(), {});
+    SetMode(5);
+    Frame();
+    ExpectPixel(160, 120, PerPixel(camera, At(160, 120, square, {1, 1, 1})));
 }
 
 TEST_P(DrawModes, AMeshWithoutNormalsShowsTheAmbientTermInTheLitPrograms) {

@@ -173,6 +173,21 @@ TEST_P(ReducedFrames, ShowNothingOfNineTriangles) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
 }
 
+// Its corners are not indexed: a tenth of the triangle count is taken from the first corners, not from every tenth.
+TEST_P(ReducedFrames, ShowTheFirstTwoCornersOfTwentyTexturedTriangles) {
+    const auto mesh = Row(20);
+    pane->m_vpMeshes.push_back(mesh);
+    mesh->m_vTexCoords.resize(60);
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    const std::vector<std::uint8_t> white(4, 255);
+    mesh->CreateTexture(1, 1, white.data(), {});
+    Frame();
+    // x = -6 and -5.8: columns 16 and 20.8.
+    EXPECT_EQ(PixelsThatAreNotBackground(), 8);
+    ExpectPixel(16, 120, Lit({}, 16, 120));
+    ExpectPixel(20, 120, Lit({}, 20, 120));
+}
+
 TEST_P(ReducedFrames, ArePointsLitByTheProgramInMode5) {
     pane->m_vpMeshes.push_back(Row(25));
     pane->m_nDrawMode = 5;
