@@ -1,3 +1,4 @@
+// What any scene object has, on an object without geometry.
 #include "geometry/CACADObject.h"
 
 #include <gmock/gmock.h>

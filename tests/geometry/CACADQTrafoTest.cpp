@@ -1,3 +1,4 @@
+// The rigid transform against matrices by hand and rotations by axis and angle.
 #include "geometry/CACADQTrafo.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Normals of meshes that come as arrays, on faces whose normals are plain to see.
 #include "geometry/MeanNormals.h"
 
 #include <gtest/gtest.h>

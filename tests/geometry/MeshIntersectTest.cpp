@@ -1,3 +1,4 @@
+// Lines across triangles and boxes, with hits computed by hand.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,8 +1,10 @@
+// One object: defaults, box, centre, transform, normals, clone. Crossing it with a line: MeshIntersectTest.cpp.
 #include "geometry/Mesh.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 using testing::ElementsAre;
