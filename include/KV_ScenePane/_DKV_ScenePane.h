@@ -25,9 +25,10 @@ public:
     virtual std::int32_t GetReadyState() = 0;
 
     // ---- methods, in the order of their ids
-    /// Sets the control size and the drawing area
+    /// Sets the control size and the drawing area, pixels. Asks for no repaint
     virtual void SetSize(std::int16_t sx, std::int16_t sy) = 0;
-    /// Empties the scene, undo stack and lines, resets the view
+    /// Empties the scene, undo stack and lines, resets the view; invalidates. Selection and variable objects keep stale
+    /// entries: reset them first
     virtual void ClearData() = 0;
     /// Destroys all snapshots
     virtual void ClearUndoStack() = 0;
@@ -61,17 +62,18 @@ public:
     virtual void SetPickMode(std::int16_t mode) = 0;
     /// Reads the mode
     virtual std::int16_t GetPickMode() = 0;
-    /// Stores the colour
+    /// Stores the colour of the centre cross. Asks for no repaint
     virtual void SetCrossColor(std::int32_t color) = 0;
-    /// Reads the colour
+    /// Reads the colour of the centre cross
     virtual std::int32_t GetCrossColor() = 0;
-    /// Point and direction of the view
+    /// Point of the surface in the middle of the window (found by its vertices) and the direction to the viewer; false
+    /// when no vertex faces the viewer: the outputs are then untouched
     virtual VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz) = 0;
     /// Size of the object list
     virtual std::int16_t GetNumObjects() = 0;
-    /// Packed colour or -1
+    /// Colour, each channel rounded down; -1 for a bad index
     virtual std::int32_t GetObjectColor(std::int16_t idx) = 0;
-    /// Sets the colour
+    /// Sets the colour; invalidates. A bad index or the present colour does nothing
     virtual void SetObjectColor(std::int16_t idx, std::int32_t color) = 0;
     /// Starts a lasso or mask lasso
     virtual void StartSegmentation(std::int16_t mode) = 0;
@@ -90,25 +92,25 @@ public:
     /// Imports a measurement, chosen by extension: pcm, pax or xdt; color (0x00BBGGRR) is taken when the scan has no
     /// colours of its own. A file that adds nothing says why in the debugger output
     virtual void ImportScan(BSTR path, std::int32_t color) = 0;
-    /// Stores the flag, refreshes
+    /// 1 shows the lighting arrow, any other value hides it; refreshes
     virtual void ShowLightingArrow(std::int16_t show) = 0;
-    /// Stores the colour, refreshes
+    /// Stores the colour of the lighting arrow; refreshes
     virtual void SetArrowColor(std::int32_t color) = 0;
-    /// m_bTracingMode = (on == 1)
+    /// 1 fires ViewDirectionChanged while the view moves or is set, any other value does not
     virtual void TracingMode(std::int16_t on) = 0;
     /// Stores the value
     virtual void FlipMouseButtons(std::int16_t flip) = 0;
     /// Stores the value
     virtual void SetRotationMode(std::int16_t mode) = 0;
-    /// Sets one of eight fixed views
+    /// Sets one of eight fixed views, 0 to 7; another value keeps the view. Refreshes in any case
     virtual void SetViewMode(std::int16_t mode) = 0;
-    /// Empties the list
+    /// Empties the selection. Asks for no repaint
     virtual void ResetSelection() = 0;
-    /// Appends the object
+    /// Selects the object: it is shown with its box. Asks for no repaint
     virtual void AddSelection(std::int16_t idx) = 0;
-    /// Empties the list
+    /// Empties the list of objects that an alignment may move
     virtual void ResetVariableObjects() = 0;
-    /// Appends the object
+    /// Appends the object to those that an alignment may move
     virtual void AddVariableObject(std::int16_t idx) = 0;
     /// Opens the dialog, mode 6
     virtual void AlignInteractive() = 0;
@@ -116,9 +118,9 @@ public:
     virtual void AlignPickPoints() = 0;
     /// Redraws now
     virtual void PerformRefresh() = 0;
-    /// Stores the value
+    /// Turns the lighting arrow, degrees. Asks for no repaint
     virtual void SetArrowAngle(std::int16_t angle) = 0;
-    /// Centres the view on the scene
+    /// Fits the view to the visible objects, keeping its direction; invalidates
     virtual void CenterView() = 0;
     /// N: later imports average cells of N x N pixels to one point each; 1 keeps all pixels, below 1 they add nothing
     virtual void SetScanSkipVal(std::int16_t skipVal) = 0;
@@ -126,9 +128,9 @@ public:
     virtual std::int16_t GetTrafoOfScan(std::int16_t idx, float* v0, float* v1, float* v2, float* v3, float* v4,
                                         float* v5, float* v6, float* v7, float* v8, float* v9, float* v10, float* v11,
                                         float* v12, float* v13, float* v14, float* v15) = 0;
-    /// Stores the value, invalidates
+    /// 0 hides, anything else shows; invalidates
     virtual void SetObjectVisibility(std::int16_t idx, std::int16_t visible) = 0;
-    /// Stores the flag, refreshes
+    /// 1 shows the axes, any other value hides them; refreshes
     virtual void ShowAxes(std::int16_t show) = 0;
     /// Pixels with a lower confidence are skipped by later imports
     virtual void SetConfidenceFilter(float confFilter) = 0;
@@ -136,7 +138,8 @@ public:
     virtual void FinishInteraction() = 0;
     /// Two colours, refreshes
     virtual void SetBackgroundColors(std::int32_t TopColor, std::int32_t BottomColor) = 0;
-    /// Removes the object
+    /// Removes the object; later indices move down by one. Asks for no repaint. Selection and variable objects may keep
+    /// a stale entry: reset them first
     virtual void DeleteObject(std::int16_t idx) = 0;
     /// Creates several needles
     virtual VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
@@ -169,14 +172,14 @@ public:
                                float* cy, float* cz, float* zoom) = 0;
     /// Ends the running cut
     virtual void EndSegmentation() = 0;
-    /// Shadows on for 1
+    /// 1 switches shadows on, any other value off. Asks for no repaint
     virtual void SetShadowMode(std::int16_t mode) = 0;
     /// 1 when on
     virtual std::int16_t GetShadowMode() = 0;
     /// Four colours, refreshes
     virtual void SetBackgroundColorsFourCorners(std::int32_t TopLeftColor, std::int32_t TopRightColor,
                                                 std::int32_t BottomLeftColor, std::int32_t BottomRightColor) = 0;
-    /// Stores the radius
+    /// Radius of the pick-point spheres, scene units. Asks for no repaint
     virtual void SetPickRadius(float r) = 0;
     /// Queues a repaint
     virtual void PerformInvalidate() = 0;
@@ -191,9 +194,9 @@ public:
     /// Ends a parallel import: the finished objects join the list in the order of their indices. All workers must
     /// have returned
     virtual void EndParallelImport() = 0;
-    /// Stores the flag
+    /// Whether later imports of measurements without any triangle add an object all the same
     virtual void SetAllowEmptyObjects(VARIANT_BOOL allow) = 0;
-    /// Stores the flag
+    /// Holds all frames back, refreshes too, until painting is unblocked; what was asked for is then drawn
     virtual void BlockPaintEvents(VARIANT_BOOL block) = 0;
     /// Does nothing; the entry stays so that the ids after it keep their numbers
     virtual void SetMeshFilename_Removed() = 0;
@@ -211,9 +214,9 @@ public:
     virtual std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) = 0;
     /// Reads the value
     virtual std::int16_t GetScanSkipVal() = 0;
-    /// Sets the blend flag of an object
+    /// Not 0 mixes 85 % of the object colour into the vertex colours. Asks for no repaint
     virtual void SetBlendObjectColors(std::int16_t idx, std::int16_t enabled) = 0;
-    /// Stores the colour
+    /// Colour of the shadows, 0 to 1 each. Asks for no repaint
     virtual void SetShadowColor(float red, float green, float blue) = 0;
     /// Takes over a copy of a host mesh as an object with its normals as they are
     virtual void ImportMeshedMeasurement(const MeshBuffers* mesh, BSTR filename, std::int32_t color) = 0;
@@ -227,7 +230,7 @@ public:
     virtual VARIANT_BOOL IsAnimationRunning() = 0;
     /// Stores the speed
     virtual void SetAnimationSpeed(float revolutionsPerSecond) = 0;
-    /// Stores the size
+    /// Size of points: pixels for objects, scene units for free points. Asks for no repaint
     virtual void SetPointCloudRenderPointSize(float size) = 0;
     /// Renders off-screen at 2048 x 2048 into the host's buffer of 2048 x 2048 words 0xAARRGGBB, top row first
     virtual void CaptureScreenShot(std::uint32_t* buffer) = 0;

@@ -1,5 +1,5 @@
 // The parts of a frame that are no objects. The cross, the arrow, the axes and the overlays have their places in the
-// frame; what they show comes with their own step, and no list of theirs can be filled before.
+// frame and show nothing yet.
 #include <GL/glew.h>
 
 #include "control/ScenePaneCtrl.h"
