@@ -13,7 +13,8 @@ using VARIANT_BOOL = std::int16_t;
 inline constexpr VARIANT_BOOL kVariantTrue = -1;
 inline constexpr VARIANT_BOOL kVariantFalse = 0;
 
-/// A wide string that ends with a zero; the memory is the caller's and is read during the call only.
+/// A wide string that ends with a zero, null for the empty one; the memory is the caller's and is read during the call
+/// only.
 /// Paths: what is not valid UTF-8 on disk travels as WidePath() makes it (PathText.h).
 using BSTR = const wchar_t*;
 

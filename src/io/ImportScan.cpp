@@ -36,7 +36,7 @@ void Say(const char* operation, const wchar_t* path, const std::string& reason) 
 }  // namespace
 
 void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
-    m_strScanPath = path;
+    m_strScanPath = path == nullptr ? L"" : path;
     const std::wstring extension = LowerCaseExtension(m_strScanPath);
     const WaitCursor wait(*m_pWindow);
     const auto colorRef = static_cast<std::uint32_t>(color);

@@ -24,7 +24,8 @@ void CKV_ScenePaneCtrl::ImportMeshedMeasurement(const KV_ScenePane::MeshBuffers*
                                                 std::int32_t color) {
     std::vector<Vertex> vertices = mesh->GetVertices();
     std::vector<Triangle> triangles = mesh->GetTriangles();
-    auto object = std::make_shared<Mesh>(std::move(vertices), std::move(triangles), filename, mesh->HasColors());
+    auto object = std::make_shared<Mesh>(std::move(vertices), std::move(triangles),
+                                         filename == nullptr ? L"" : filename, mesh->HasColors());
     object->SetColorRef(static_cast<std::uint32_t>(color));
     object->MarkBuffersDirty();
     AddMeshToScene(std::move(object), -1);

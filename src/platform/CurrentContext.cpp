@@ -14,3 +14,8 @@ void ReleaseCurrentEgl() {
     if (eglGetCurrentContext() != EGL_NO_CONTEXT)
         eglMakeCurrent(eglGetCurrentDisplay(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
 }
+
+void* CurrentContext() {
+    if (void* const context = eglGetCurrentContext()) return context;
+    return glXGetCurrentContext();
+}

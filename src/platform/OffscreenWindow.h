@@ -14,7 +14,8 @@ public:
     [[nodiscard]] bool Exists() const override { return m_pSurface != nullptr; }
     [[nodiscard]] std::uintptr_t NativeHandle() const override { return 0; }
     bool Reparent(std::uintptr_t, std::int32_t, std::int32_t) override { return false; }
-    /// Replaces the surface and queues a repaint; the context stays, and stays current. A size that no surface can have changes nothing.
+    /// Replaces the surface and queues a repaint; the context stays, and stays current. A size that no surface can have
+    /// changes nothing.
     void Resize(std::int32_t width, std::int32_t height) override;
 
     BootstrapReport BeginBootstrap() override;

@@ -55,7 +55,7 @@ struct BootstrapReport {
     bool entryPointsLoaded = false;     ///< GLEW is ready
     bool pixelFormatExtension = false;  ///< formats can be asked for by attributes
     bool createContextExtension = false;
-    bool version33 = false;             ///< the driver offers OpenGL 3.3, whatever version is requested
+    bool version33 = false;  ///< the driver offers OpenGL 3.3, whatever version is requested
 };
 
 class PaneWindow {

@@ -86,6 +86,8 @@ void QueuedWindow::ProcessEvents() {
     DeliverMessages();
     PaintIfDue();
     EndIfTaken();
+    // What the round left behind, or read by its own requests, is for the next one; its wake may be forgotten by now.
+    if (m_life == Life::Alive && SystemEventsWait()) m_messages.Wake();
 }
 
 void QueuedWindow::EndIfTaken() {

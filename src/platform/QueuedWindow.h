@@ -44,6 +44,8 @@ protected:
     virtual void Show() {}
     /// Handles what the window system sent. Paints are only requested; a window that is gone only stops to exist.
     virtual void HandleSystemEvents() {}
+    /// Whether events have arrived that no descriptor tells of.
+    [[nodiscard]] virtual bool SystemEventsWait() const { return false; }
 
     WindowClient* m_pClient = nullptr;  ///< of the last Create()
     WindowSize m_size;

@@ -32,10 +32,7 @@ class X11Window::RoundTrip {
 public:
     explicit RoundTrip(X11Window& window) : m_window(window) { X11Connection::TakeErrors(); }
     ~RoundTrip() {
-        const X11Connection* const connection = m_window.m_pConnection.get();
-        if (connection == nullptr) return;
-        if (!connection->IsAlive() || XEventsQueued(connection->Get(), QueuedAfterFlush) > 0)
-            m_window.m_messages.Wake();
+        if (m_window.SystemEventsWait()) m_window.m_messages.Wake();
     }
     RoundTrip(const RoundTrip&) = delete;
     RoundTrip& operator=(const RoundTrip&) = delete;
@@ -289,6 +286,11 @@ void X11Window::ShowCursor() {
 }
 
 // ---- events
+
+bool X11Window::SystemEventsWait() const {
+    if (m_pConnection == nullptr) return false;
+    return !m_pConnection->IsAlive() || XEventsQueued(m_pConnection->Get(), QueuedAfterFlush) > 0;
+}
 
 void X11Window::HandleSystemEvents() {
     const RoundTrip roundTrip(*this);

@@ -45,6 +45,7 @@ protected:
     void Close() override;
     void Show() override;
     void HandleSystemEvents() override;
+    [[nodiscard]] bool SystemEventsWait() const override;
 
 private:
     class RoundTrip;

@@ -2,9 +2,6 @@
 // of the buffers come from VertexPacking.h.
 #include <GL/glew.h>
 
-#include <EGL/egl.h>
-#include <GL/glx.h>
-
 #include <algorithm>
 #include <cassert>
 #include <cstring>
@@ -12,6 +9,7 @@
 #include <utility>
 
 #include "geometry/Mesh.h"
+#include "platform/CurrentContext.h"
 #include "render/VertexPacking.h"
 
 namespace {
@@ -22,11 +20,6 @@ constexpr GLbitfield kAllAttributes = 0xFFFFF;
 // Large meshes are packed and uploaded in pieces of this many bytes, which stay in the cache: no second copy of the
 // vertices is ever alive.
 constexpr std::size_t kUploadPiece = std::size_t{256} * 1024;
-
-void* CurrentContext() {
-    if (void* const context = eglGetCurrentContext()) return context;
-    return glXGetCurrentContext();
-}
 
 void BindGenerated(GLenum target, std::uint32_t& name) {
     if (name == 0) glGenBuffers(1, &name);

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 /// Sets the locale of the process while it lives. A machine without such a locale has one made by localedef.
 class CommaLocale {

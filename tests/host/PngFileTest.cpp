@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "MSRDLL/PcmFile.h"
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 /// The points (column, row, height) of a flat grid, times @p scale.
 inline std::vector<float> FlatGrid(int columns, int rows, float height, float scale) {

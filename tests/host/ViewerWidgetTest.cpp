@@ -81,10 +81,6 @@ TEST(ViewerWidget, MovesIntoAnotherWindowWithItsViewer) {
 TEST(ViewerWidget, TellsWhenTheViewersWindowWasTakenAway) {
     Shown shown;
     ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
-    for (int i = 0; i < 20; ++i) {  // until it has drawn itself and nothing is under way
-        QCoreApplication::processEvents();
-        shown.widget->Pane()->ProcessEvents();
-    }
     const auto display = OwnConnection();
     XDestroyWindow(display.get(), shown.widget->Pane()->NativeWindow());
     XSync(display.get(), False);

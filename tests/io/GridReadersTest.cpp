@@ -9,7 +9,7 @@
 #include <limits>
 
 #include "KV_ScenePane/PathText.h"
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 using KV_ScenePane::WidePath;
 using testing::Each;

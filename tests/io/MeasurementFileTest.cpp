@@ -8,7 +8,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
 #include "MSRDLL/PcmFile.h"
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 using KV_ScenePane::WidePath;
 using testing::Each;

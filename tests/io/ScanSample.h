@@ -9,7 +9,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/PcmFile.h"
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 using ScanBytes = std::vector<std::byte>;
 

@@ -15,7 +15,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
 #include "libs/PcmSample.h"
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 using KV_ScenePane::WidePath;
 using namespace MsrStorage;

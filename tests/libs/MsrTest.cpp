@@ -10,7 +10,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "libs/PcmSample.h"
-#include "libs/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 using KV_ScenePane::WidePath;
 using MsrStorage::MSR;

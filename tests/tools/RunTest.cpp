@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "simulate-scans/Scanner.h"
-#include "tools/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 namespace simulate {
 namespace {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "MSRDLL/PcmFile.h"
-#include "tools/ScratchFolder.h"
+#include "support/ScratchFolder.h"
 
 namespace simulate {
 namespace {

@@ -24,6 +24,7 @@ public:
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
+    [[nodiscard]] const std::filesystem::path& Path() const { return m_path; }
     [[nodiscard]] std::string operator/(const std::string& name) const { return (m_path / name).string(); }
     [[nodiscard]] std::size_t FileCount() const {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {}));
