@@ -98,6 +98,16 @@ void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vect
         Float4 back[4] = {n.y, n.z, AsFloat4(colors), AsFloat4(firstGridIndex + (column + Int4{0, 1, 2, 3}))};
         Transpose(front[0], front[1], front[2], front[3]);
         Transpose(back[0], back[1], back[2], back[3]);
+        // Inside a surface four neighbours are four vertices in a row: one piece of memory.
+        const std::int32_t first = indices[x];
+        if (first >= 0 && !HasAny(LoadLanes<Int4>(&indices[x]) != first + Int4{0, 1, 2, 3})) {
+            auto* const records = reinterpret_cast<float*>(&vertices[static_cast<std::size_t>(first)]);
+            for (std::size_t lane = 0; lane < 4; ++lane) {
+                StoreLanes(records + 8 * lane, front[lane]);
+                StoreLanes(records + 8 * lane + 4, back[lane]);
+            }
+            continue;
+        }
         for (std::size_t lane = 0; lane < 4; ++lane) {
             const std::int32_t index = indices[x + lane];
             if (index < 0) continue;
@@ -115,6 +125,15 @@ void ReserveExactly(std::vector<T>& vector, std::size_t count) {
     vector.clear();
     vector.reserve(count);
     AdviseHugePages(vector.data(), count * sizeof(T));
+}
+
+// Within the capacity. Copying them one by one, as the vector itself would, takes longer than zeroing and copying
+// bytes.
+void AppendBytes(std::vector<Triangle>& triangles, const Triangle* begin, const Triangle* end) {
+    if (begin == end) return;
+    const std::size_t size = triangles.size(), count = static_cast<std::size_t>(end - begin);
+    triangles.resize(size + count);
+    std::memcpy(&triangles[size], begin, count * sizeof(Triangle));
 }
 
 struct TriangulationOptions {
@@ -149,7 +168,7 @@ GridBox TriangulateRows(GridRows& rows, const TriangulationOptions& options, std
     for (; y + 1 < rows.Height(); ++y) {
         load(y + 1, lower);
         indexer.TriangulateRowPair(quads.Row(y));
-        triangles.insert(triangles.end(), indexer.TrianglesBegin(), indexer.TrianglesEnd());
+        AppendBytes(triangles, indexer.TrianglesBegin(), indexer.TrianglesEnd());
         vertices.resize(indexer.VertexCount());  // within the capacity; filled while it is in the cache
         if (normals) normals->AddRowPair(upper, lower, quads.Row(y));
         writeUpperRow(y);
