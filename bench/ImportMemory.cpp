@@ -47,6 +47,7 @@ int main() {
         methods.ImportMeasurementFromMemory(scan.width, scan.height, scan.points.data(), scan.confidence.data(),
                                             scan.trafo, 0xB0C8D8);
     };
+    std::printf("resident with an open viewer and nothing else: %.1f MiB\n", StatusMiB("VmRSS"));
     {
         const BenchScan scan = MakeBenchScan(2048, 1536);
         ResetPeak();
@@ -63,6 +64,8 @@ int main() {
         std::printf("  peak over the start after the first frame: %.1f MiB, resident: %.1f MiB\n",
                     StatusMiB("VmHWM") - before, StatusMiB("VmRSS") - before);
         methods.ClearData();
+        methods.PerformRefresh();
+        std::printf("resident after ClearData and a frame: %.1f MiB\n", StatusMiB("VmRSS"));
     }
     const BenchScan small = MakeBenchScan(640, 480);
     for (int i = 1; i <= 1000; ++i) {

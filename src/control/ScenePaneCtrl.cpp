@@ -32,7 +32,8 @@ CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window)
 
 CKV_ScenePaneCtrl::~CKV_ScenePaneCtrl() {
     m_pWindow->Destroy();
-    MakeContextCurrent();  // fails, and leaves none current: what the members delete must not hit another control's names
+    MakeContextCurrent();  // fails, and leaves none current: what the members delete must not hit another control's
+                           // names
     gluDeleteQuadric(m_pQuadric);
     gluDeleteQuadric(m_pQuadric2);
     // Programs, targets, textures and free points went with the context of the window.
