@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Builds the release preset and runs every benchmark, medians of five. On a quiet machine it takes some five minutes.
+#   bench/run.sh [FOLDER]      one text file a benchmark goes to FOLDER (build/bench)
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/../scripts/setup.sh"
+
+folder="${1:-$KV_ROOT/build/bench}"
+benchmarks=(grid_triangulation_bench import_bench pcm_bench render_bench)
+install_missing "${KV_BUILD_PACKAGES[@]}"
+configure_preset release
+build_preset release "${benchmarks[@]}" import_memory
+mkdir -p "$folder"
+for name in "${benchmarks[@]}"; do
+    say "$name"
+    "$KV_ROOT/build/release/bin/$name" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true |
+        tee "$folder/$name.txt"
+done
+say "import_memory"
+"$KV_ROOT/build/release/bin/import_memory" | tee "$folder/import_memory.txt"
