@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 
 #include "control/ScenePaneCtrl.h"
+#include "render/FlatView.h"
 
 namespace {
 
@@ -14,28 +15,20 @@ void SetHostColor(std::uint32_t color) {
 }  // namespace
 
 void CKV_ScenePaneCtrl::DrawBackground() {
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(-1, 1, -1, 1, -10, 10);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
-    const auto& [topLeft, topRight, bottomLeft, bottomRight] = m_nBackgroundColors;
-    glBegin(GL_QUADS);
-    SetHostColor(topLeft);
-    glVertex3f(-1, 1, 0);
-    SetHostColor(topRight);
-    glVertex3f(1, 1, 0);
-    SetHostColor(bottomRight);
-    glVertex3f(1, -1, 0);
-    SetHostColor(bottomLeft);
-    glVertex3f(-1, -1, 0);
-    glEnd();
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    {
+        const FlatView view(1, 1);
+        const auto& [topLeft, topRight, bottomLeft, bottomRight] = m_nBackgroundColors;
+        glBegin(GL_QUADS);
+        SetHostColor(topLeft);
+        glVertex3f(-1, 1, 0);
+        SetHostColor(topRight);
+        glVertex3f(1, 1, 0);
+        SetHostColor(bottomRight);
+        glVertex3f(1, -1, 0);
+        SetHostColor(bottomLeft);
+        glVertex3f(-1, -1, 0);
+        glEnd();
+    }
     glClear(GL_DEPTH_BUFFER_BIT);  // the quad must leave no depth behind
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "control/ScenePaneCtrl.h"
+#include "render/FlatView.h"
 #include "render/ReadFrame.h"
 
 namespace {
@@ -26,19 +27,11 @@ std::size_t FrozenRowBytes(std::int32_t width) { return (static_cast<std::size_t
 void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_t height) {
     glPushAttrib(GL_DEPTH_BUFFER_BIT);
     glDisable(GL_DEPTH_TEST);
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glOrtho(-1, 1, -1, 1, -10, 10);
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
-    glRasterPos3f(-1, -1, 0);
-    glDrawPixels(width, height, GL_BGR, GL_UNSIGNED_BYTE, pixels);
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    {
+        const FlatView view(1, 1);
+        glRasterPos3f(-1, -1, 0);
+        glDrawPixels(width, height, GL_BGR, GL_UNSIGNED_BYTE, pixels);
+    }
     glPopAttrib();
 }
 
