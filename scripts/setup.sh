@@ -12,9 +12,9 @@ KV_BUILD_PACKAGES=(
     libgl1-mesa-dri libglx-mesa0 libegl-mesa0
 )
 # Needed to run the tests without a display.
-KV_TEST_PACKAGES=(xvfb)
+KV_TEST_PACKAGES=(xvfb xdotool locales binutils)
 # Needed for the fuzz harnesses and for the format and lint checks.
-KV_DEVELOPMENT_PACKAGES=(clang clang-format clang-tidy)
+KV_DEVELOPMENT_PACKAGES=(clang libclang-rt-dev clang-format clang-tidy git)
 
 say() { printf '==> %s\n' "$*"; }
 
