@@ -1,5 +1,6 @@
 // The scenepane program: decides between the window and the runs without one.
 #include <cstdio>
+#include <exception>
 #include <string>
 #include <variant>
 #include <vector>
@@ -8,7 +9,9 @@
 #include "Headless.h"
 #include "WindowRun.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int Run(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const auto parsed = ParseCommandLine(arguments);
     if (const auto* error = std::get_if<UsageError>(&parsed)) {
@@ -29,4 +32,15 @@ int main(int argc, char** argv) {
             break;
     }
     return RunWindow(options, argv[0]);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {  // memory that is exhausted, say
+        std::fprintf(stderr, "scenepane: %s\n", error.what());
+        return kExitFailure;
+    }
 }

@@ -53,6 +53,7 @@ void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
                    });
 }
 
+// NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes an offset into the bound buffer where it once took a pointer
 const void* BufferOffset(std::size_t offset) { return reinterpret_cast<const void*>(offset); }
 
 }  // namespace
