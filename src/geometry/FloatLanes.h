@@ -34,12 +34,14 @@ struct Lanes<Float4> {
     static constexpr std::size_t kCount = 4;
     using Int = Int4;
     using Byte = std::uint8_t __attribute__((vector_size(4)));
+    using Word = std::uint16_t __attribute__((vector_size(8)));
 };
 template <>
 struct Lanes<Float8> {
     static constexpr std::size_t kCount = 8;
     using Int = Int8;
     using Byte = std::uint8_t __attribute__((vector_size(8)));
+    using Word = std::uint16_t __attribute__((vector_size(16)));
 };
 
 /// From any alignment.
@@ -82,12 +84,14 @@ template <typename I, typename F>
 #endif
 }
 
+/// Not by way of memory: a load that spans two stores waits until both have left the processor.
+[[nodiscard]] KV_LANES Float8 JoinHalves(Float4 low, Float4 high) {
+    return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+
 [[nodiscard]] KV_LANES Float8 Sqrt(const Float8& value) {
-    Float4 halves[2];
-    std::memcpy(halves, &value, sizeof(value));
-    halves[0] = Sqrt(halves[0]);
-    halves[1] = Sqrt(halves[1]);
-    return LoadLanes<Float8>(halves);
+    return JoinHalves(Sqrt(__builtin_shufflevector(value, value, 0, 1, 2, 3)),
+                      Sqrt(__builtin_shufflevector(value, value, 4, 5, 6, 7)));
 }
 
 [[nodiscard]] KV_LANES bool HasAny(Int4 mask) {

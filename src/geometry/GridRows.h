@@ -42,7 +42,7 @@ class GridRows {
 public:
     /// A grid of pixels, as BuildGridVertexList() takes it.
     GridRows(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
-             const std::uint32_t* colors);
+             const std::uint32_t* colors, LaneCount lanes = BestLaneCount());
     explicit GridRows(const GridVertexList& cells);
 
     [[nodiscard]] std::size_t Width() const { return m_uWidth; }
@@ -54,6 +54,7 @@ private:
     void LoadPixels(std::size_t y, PointRow& row) const;
     void LoadCells(std::size_t y, PointRow& row);
 
+    LaneCount m_lanes;
     std::size_t m_uWidth, m_uHeight;
     const float* m_pPoints = nullptr;
     const std::uint16_t* m_pMask = nullptr;
@@ -61,3 +62,7 @@ private:
     const GridVertexList* m_pCells = nullptr;
     std::size_t m_uNextCell = 0;
 };
+
+/// Takes the valid points of a row through a transform; the others mean nothing before and after.
+/// @param trafo  row-major, the first 12 floats are used
+void TransformRow(const float* trafo, std::size_t width, PointRow& row, LaneCount lanes = BestLaneCount());

@@ -27,14 +27,6 @@ Float4 AsFloat4(Int4 bits) {
     return value;
 }
 
-void TransformRow(const float* m, std::size_t width, Vec3Row& points) {
-    for (std::size_t x = 0; x < width; x += 4) {
-        const Vec3x4 p = points.Load(x);
-        points.Store(x, Vec3x4{p.x * m[0] + p.y * m[1] + p.z * m[2] + m[3], p.x * m[4] + p.y * m[5] + p.z * m[6] + m[7],
-                               p.x * m[8] + p.y * m[9] + p.z * m[10] + m[11]});
-    }
-}
-
 // Four rows of four to four columns.
 void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     const Float4 ab01 = __builtin_shufflevector(a, b, 0, 4, 1, 5), ab23 = __builtin_shufflevector(a, b, 2, 6, 3, 7);
@@ -49,9 +41,10 @@ void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
 class GridBox {
 public:
     void Add(Int4 isVertex, const Vec3x4& p) {
-        AddAxis(isVertex, p.x, m_low.x, m_high.x);
-        AddAxis(isVertex, p.y, m_low.y, m_high.y);
-        AddAxis(isVertex, p.z, m_low.z, m_high.z);
+        const Float4 leftOut = AsFloat4(~isVertex);  // with all bits set, not a number
+        AddAxis(Select(isVertex, p.x, leftOut), m_low.x, m_high.x);
+        AddAxis(Select(isVertex, p.y, leftOut), m_low.y, m_high.y);
+        AddAxis(Select(isVertex, p.z, leftOut), m_low.z, m_high.z);
     }
     void Give(Mesh& mesh) const {
         if (mesh.m_vVertices.empty()) {
@@ -67,9 +60,9 @@ public:
 
 private:
     // A coordinate that is not a number is neither less nor greater.
-    static void AddAxis(Int4 isVertex, Float4 value, Float4& low, Float4& high) {
-        low = Select(isVertex & (value < low), value, low);
-        high = Select(isVertex & (value > high), value, high);
+    static void AddAxis(Float4 value, Float4& low, Float4& high) {
+        low = Select(value < low, value, low);
+        high = Select(value > high, value, high);
     }
     // The box is seeded from the first vertex: when that is not a number, nothing replaces it.
     static std::pair<float, float> Extremes(Float4 low, Float4 high, float first) {
@@ -158,7 +151,7 @@ GridBox TriangulateRows(GridRows& rows, const TriangulationOptions& options, std
     const Vec3Row noNormals(width + PointRow::kPadding);
     const auto load = [&](std::size_t y, PointRow& row) {
         rows.Load(y, row);
-        if (options.trafo != nullptr) TransformRow(options.trafo, width, row.m_points);
+        if (options.trafo != nullptr) TransformRow(options.trafo, width, row);
     };
     const auto writeUpperRow = [&](std::size_t y) {
         WriteVertexRow(upper, normals ? normals->UpperRow() : noNormals, indexer.UpperRow(), width, y, vertices, box);
