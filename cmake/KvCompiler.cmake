@@ -32,9 +32,11 @@ if(KV_SANITIZE)
   add_compile_options(-fsanitize=${KV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=${KV_SANITIZE})
   if(KV_SANITIZE MATCHES "address")
-    add_library(kv_keep_libraries OBJECT "${CMAKE_CURRENT_LIST_DIR}/KeepLibraries.cpp")
-    link_libraries("$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:kv_keep_libraries>>")
-    add_link_options("LINKER:--export-dynamic-symbol=dlclose")
+    # Compiled here and now, so that it is part of every program without being part of what is exported.
+    set(keep "${PROJECT_BINARY_DIR}/KeepLibraries.o")
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -c -fPIE "${CMAKE_CURRENT_LIST_DIR}/KeepLibraries.cpp" -o "${keep}"
+                    COMMAND_ERROR_IS_FATAL ANY)
+    string(APPEND CMAKE_EXE_LINKER_FLAGS " ${keep} -Wl,--export-dynamic-symbol=dlclose")
   endif()
   # g++ 12 sees uninitialised members in the templates of its own library once they are instrumented.
   target_compile_options(kv_compiler INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)

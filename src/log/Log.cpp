@@ -22,13 +22,14 @@ std::int64_t TickCount() {
 
 // The number behind the time is not the millisecond of the clock: it counts from the first record of the process.
 std::string NowTime() {
-    static const std::int64_t firstTick = TickCount();
+    const std::int64_t tick = TickCount();
+    static const std::int64_t firstTick = tick;
     const std::time_t seconds = std::time(nullptr);
     std::tm local{};
     if (localtime_r(&seconds, &local) == nullptr) return "Error in NowTime()";
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
-                  static_cast<int>((TickCount() - firstTick) % 1000));
+                  static_cast<int>((tick - firstTick) % 1000));
     return text.data();
 }
 

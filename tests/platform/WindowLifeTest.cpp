@@ -13,6 +13,7 @@
 #include "platform/DrawingClient.h"
 #include "platform/HostWindow.h"
 #include "platform/WindowFactory.h"
+#include "support/ProcessSize.h"
 #include "support/XvfbServer.h"
 
 // After the others: its macros take the names of theirs.
@@ -50,19 +51,6 @@ struct Pane {
 
 bool NoContextIsCurrent() { return glGetString(GL_VERSION) == nullptr; }
 
-int OpenDescriptors() {
-    int count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) ++count;
-    return count;
-}
-
-long ResidentKilobytes() {
-    malloc_trim(0);
-    long pages = 0, resident = 0;
-    std::ifstream("/proc/self/statm") >> pages >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
 // ---- many
 
 class OpenedAndClosed : public testing::TestWithParam<Kind> {};
@@ -92,7 +80,7 @@ TEST_P(OpenedAndClosed, ThreeHundredTimesLeavesNothingBehind) {
     EXPECT_EQ(host.ChildCount(), 0);
     const long growth = ResidentKilobytes() - kilobytes;
     RecordProperty("growthKilobytes", std::to_string(growth));
-    EXPECT_LT(growth, 300 * 16) << "kilobytes for 300 windows";
+    EXPECT_LT(growth, 300 * 16 + 1024 * kQuarantineMegabytes) << "kilobytes for 300 windows";
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, OpenedAndClosed, testing::Values(Kind::Child, Kind::OffScreen),
