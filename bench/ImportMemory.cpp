@@ -2,30 +2,14 @@
 // Prints one line a figure; no benchmark library, since it measures the process and not a time.
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <memory>
 #include <string>
 
 #include "KV_ScenePane/ScenePane.h"
+#include "ProcessMemory.h"
 #include "ScanFixture.h"
 
 namespace {
-
-// A value of /proc/self/status in MiB; VmHWM is the peak, VmRSS what is resident now.
-double StatusMiB(const std::string& key) {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    while (status >> word)
-        if (word == key + ":") {
-            double kib = 0;
-            status >> kib;
-            return kib / 1024;
-        }
-    return -1;
-}
-
-// From here on the peak counts anew.
-void ResetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
 
 std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
     KV_ScenePane::WindowRequest request;

@@ -4,25 +4,22 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QLabel>
 
 #include "ColorButton.h"
 
 BackgroundDialog::BackgroundDialog(const std::array<std::int32_t, 4>& colors, QWidget* parent) : QDialog(parent) {
     setWindowTitle(tr("Background colours"));
     auto* const grid = new QGridLayout(this);
-    for (int i = 0; i < 4; ++i) {
-        auto* const corner = new ColorButton(colors[static_cast<std::size_t>(i)]);
-        m_pCorners[static_cast<std::size_t>(i)] = corner;
-        grid->addWidget(corner, i / 2, i % 2, Qt::AlignCenter);
-    }
+    for (std::size_t i = 0; i < colors.size(); ++i) AddCorner(*grid, i, colors[i]);
     m_pTwoColors = new QCheckBox(tr("&Top and bottom only"));
     m_pTwoColors->setChecked(colors[0] == colors[1] && colors[2] == colors[3]);
     connect(m_pTwoColors, &QCheckBox::toggled, this, &BackgroundDialog::ShowCorners);
-    grid->addWidget(m_pTwoColors, 2, 0, 1, 2);
+    grid->addWidget(m_pTwoColors, 4, 0, 1, 2);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    grid->addWidget(buttons, 3, 0, 1, 2);
+    grid->addWidget(buttons, 5, 0, 1, 2);
     ShowCorners();
 }
 
@@ -32,7 +29,23 @@ std::array<std::int32_t, 4> BackgroundDialog::Colors() const {
     return {top, m_pCorners[1]->Packed(), bottom, m_pCorners[3]->Packed()};
 }
 
+void BackgroundDialog::AddCorner(QGridLayout& grid, std::size_t index, std::int32_t packed) {
+    m_pNames[index] = new QLabel;
+    m_pCorners[index] = new ColorButton(packed);
+    const auto row = static_cast<int>(index / 2), column = static_cast<int>(index % 2);
+    grid.addWidget(m_pNames[index], 2 * row, column, Qt::AlignCenter);
+    grid.addWidget(m_pCorners[index], 2 * row + 1, column, Qt::AlignCenter);
+}
+
 void BackgroundDialog::ShowCorners() {
-    m_pCorners[1]->setVisible(!m_pTwoColors->isChecked());
-    m_pCorners[3]->setVisible(!m_pTwoColors->isChecked());
+    const bool two = m_pTwoColors->isChecked();
+    const std::array<QString, 4> four{tr("Top left"), tr("Top right"), tr("Bottom left"), tr("Bottom right")};
+    const std::array<QString, 4> left{tr("Top"), {}, tr("Bottom"), {}};
+    for (std::size_t i = 0; i < m_pCorners.size(); ++i) {
+        const QString& name = (two ? left : four)[i];
+        m_pNames[i]->setText(name);
+        m_pNames[i]->setVisible(!name.isEmpty());
+        m_pCorners[i]->SetName(name);
+        m_pCorners[i]->setVisible(!name.isEmpty());
+    }
 }

@@ -6,6 +6,8 @@
 
 class ColorButton;
 class QCheckBox;
+class QGridLayout;
+class QLabel;
 
 class BackgroundDialog : public QDialog {
     Q_OBJECT
@@ -17,8 +19,10 @@ public:
     [[nodiscard]] std::array<std::int32_t, 4> Colors() const;
 
 private:
+    void AddCorner(QGridLayout& grid, std::size_t index, std::int32_t packed);
     void ShowCorners();
 
     QCheckBox* m_pTwoColors = nullptr;
+    std::array<QLabel*, 4> m_pNames{};
     std::array<ColorButton*, 4> m_pCorners{};
 };

@@ -13,6 +13,11 @@ ColorButton::ColorButton(std::int32_t packed, QWidget* parent) : QToolButton(par
     connect(this, &QToolButton::clicked, this, &ColorButton::Choose);
 }
 
+void ColorButton::SetName(const QString& name) {
+    setAccessibleName(name);
+    setToolTip(name);
+}
+
 void ColorButton::SetPacked(std::int32_t packed) {
     m_nPacked = packed;
     QPixmap patch(iconSize());

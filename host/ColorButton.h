@@ -13,6 +13,8 @@ class ColorButton : public QToolButton {
 public:
     explicit ColorButton(std::int32_t packed, QWidget* parent = nullptr);
     [[nodiscard]] std::int32_t Packed() const { return m_nPacked; }
+    /// What the colour is for: a button that shows a colour alone says it by its tooltip, and to who cannot see it.
+    void SetName(const QString& name);
     /// Shows the colour; emits nothing.
     void SetPacked(std::int32_t packed);
 

@@ -84,28 +84,37 @@ bool ReadColor(std::string_view text, HostOptions& options) {
     return true;
 }
 
-bool ReadScreenshotPath(std::string_view text, HostOptions& options) {
-    options.screenshotPath = text;
+bool ReadPicturePath(std::string_view text, HostOptions& options) {
+    options.picturePath = text;
     return !text.empty();
 }
+
+/// In which runs an option has a meaning.
+enum class Meaning {
+    Action,   ///< it names the run itself
+    Always,   ///< imports
+    Picture,  ///< all but --info
+    Look      ///< the window and --screenshot: a capture has its own size and look
+};
 
 /// An option that takes a value.
 struct ValueOption {
     std::string_view name;
     std::string_view wants;  ///< what a good value is
-    bool forPicture;         ///< has no meaning without one
+    Meaning meaning;
     bool (*read)(std::string_view text, HostOptions& options);
 };
 
 constexpr ValueOption kValueOptions[] = {
-    {"--screenshot", "a file name", true, ReadScreenshotPath},
-    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", true, ReadSize},
-    {"--view", "a whole number from 0 to 7", true, ReadView},
-    {"--draw-mode", "a whole number from 0 to 7", true, ReadDrawMode},
-    {"--zoom", "a number from 0.1 to 10", true, ReadZoom},
-    {"--skip", "a whole number from 1 to 32767", false, ReadSkip},
-    {"--confidence", "a number", false, ReadConfidence},
-    {"--color", "six hexadecimal digits RRGGBB", false, ReadColor},
+    {"--screenshot", "a file name", Meaning::Action, ReadPicturePath},
+    {"--capture", "a file name", Meaning::Action, ReadPicturePath},
+    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", Meaning::Look, ReadSize},
+    {"--view", "a whole number from 0 to 7", Meaning::Picture, ReadView},
+    {"--draw-mode", "a whole number from 0 to 7", Meaning::Look, ReadDrawMode},
+    {"--zoom", "a number from 0.1 to 10", Meaning::Picture, ReadZoom},
+    {"--skip", "a whole number from 1 to 32767", Meaning::Always, ReadSkip},
+    {"--confidence", "a number", Meaning::Always, ReadConfidence},
+    {"--color", "six hexadecimal digits RRGGBB", Meaning::Always, ReadColor},
 };
 
 const ValueOption* FindValueOption(std::string_view name) {
@@ -117,8 +126,9 @@ const ValueOption* FindValueOption(std::string_view name) {
 
 /// What was seen, beside the values.
 struct Seen {
-    bool screenshot = false, info = false, shadows = false;
+    bool screenshot = false, capture = false, info = false;
     std::string_view pictureOption;  ///< the last one that asks for something of a picture
+    std::string_view lookOption;     ///< the last of these that a capture does not heed
 };
 
 bool IsSwitch(std::string_view name) {
@@ -133,7 +143,7 @@ bool TakeSwitch(std::string_view name, HostOptions& options, Seen& seen) {
         options.json = true;
     } else if (name == "--shadows") {
         options.shadows = true;
-        seen.pictureOption = "--shadows";
+        seen.pictureOption = seen.lookOption = "--shadows";
     } else {
         return false;
     }
@@ -143,9 +153,14 @@ bool TakeSwitch(std::string_view name, HostOptions& options, Seen& seen) {
 /// What does not go together; empty when all is well.
 std::string Contradiction(const HostOptions& options, const Seen& seen) {
     if (seen.info && seen.screenshot) return "--info and --screenshot do not go together";
+    if (seen.info && seen.capture) return "--info and --capture do not go together";
+    if (seen.capture && seen.screenshot) return "--screenshot and --capture do not go together";
     if (options.json && !seen.info) return "--json goes with --info only";
     if (seen.info && !seen.pictureOption.empty())
         return std::string(seen.pictureOption) + " has no meaning with --info";
+    if (seen.capture && !seen.lookOption.empty())
+        return std::string(seen.lookOption) + " has no meaning with --capture";
+    if (options.files.empty() && seen.capture) return "--capture needs at least one file";
     if (options.files.empty() && seen.screenshot) return "--screenshot needs at least one file";
     if (options.files.empty() && seen.info) return "--info needs at least one file";
     return {};
@@ -167,11 +182,10 @@ std::optional<UsageError> TakeValue(const ValueOption& option, const std::vector
         return UsageError{std::string(option.name) + " takes " + std::string(option.wants) + ", not \"" +
                           std::string(value) + "\""};
     }
-    if (option.name == "--screenshot") {
-        seen.screenshot = true;
-    } else if (option.forPicture) {
-        seen.pictureOption = option.name;
-    }
+    if (option.name == "--screenshot") seen.screenshot = true;
+    if (option.name == "--capture") seen.capture = true;
+    if (option.meaning == Meaning::Picture || option.meaning == Meaning::Look) seen.pictureOption = option.name;
+    if (option.meaning == Meaning::Look) seen.lookOption = option.name;
     return std::nullopt;
 }
 
@@ -205,6 +219,7 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     }
     if (const std::string text = Contradiction(options, seen); !text.empty()) return UsageError{text};
     if (seen.screenshot) options.action = HostAction::Screenshot;
+    if (seen.capture) options.action = HostAction::Capture;
     if (seen.info) options.action = HostAction::Info;
     return options;
 }
@@ -212,11 +227,14 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
 std::string HelpText() {
     return "Usage: scenepane [options] FILE...\n"
            "       scenepane --screenshot OUT.png [options] FILE...\n"
+           "       scenepane --capture OUT.png [options] FILE...\n"
            "       scenepane --info [--json] [options] FILE...\n"
            "Shows optical scans (pcm, pax and xdt files) in a window, as a picture, or as numbers.\n"
            "\n"
            "Without a display:\n"
            "  --screenshot OUT.png  render the scene, fitted to the picture, into a PNG file\n"
+           "  --capture OUT.png     render the whole scene at 2048x2048, smooth shaded, whatever the window's\n"
+           "                        size; --size, --draw-mode and --shadows have no meaning with it\n"
            "  --info                print what each file holds; needs no OpenGL either\n"
            "  --json                with --info: print one JSON object\n"
            "\n"

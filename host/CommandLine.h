@@ -7,12 +7,12 @@
 #include "ScanImport.h"
 
 /// What shall happen.
-enum class HostAction { Window, Screenshot, Info, Help, Version };
+enum class HostAction { Window, Screenshot, Capture, Info, Help, Version };
 
 /// The wishes of one command line; what was not asked for keeps its start value.
 struct HostOptions {
     HostAction action = HostAction::Window;
-    std::string screenshotPath;  ///< bytes, as typed
+    std::string picturePath;  ///< of the screenshot or the capture; bytes, as typed
     int width = 1024, height = 768;
     int view = 4;       ///< argument of SetViewMode: along Z, where the viewer starts too
     int drawMode = 3;   ///< lit by vertex normals

@@ -12,6 +12,7 @@
 #include "PngFile.h"
 #include "ScanImport.h"
 #include "SceneReport.h"
+#include "ScreenShot.h"
 
 namespace {
 
@@ -57,12 +58,26 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
     return report;
 }
 
-/// The fitted scene as it shall be drawn.
-void SetUpView(KV_ScenePane::_DKV_ScenePane& methods, const HostOptions& options) {
-    methods.SetViewMode(static_cast<std::int16_t>(options.view));
-    methods.SetDrawMode(static_cast<std::int16_t>(options.drawMode));
-    methods.SetShadowMode(options.shadows ? 1 : 0);
-    FitView(methods, options.zoom);
+/// Imports the files, fits the view to them and writes the picture that is then taken.
+/// @param take  gives the picture; width 0 when there is none
+int RunPicture(const HostOptions& options, std::FILE* err,
+               const std::function<KV_ScenePane::Picture(ScenePane& pane)>& take) {
+    const DebugRouter router(ComplainOfTheRest(err));
+    const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
+    if (!pane) return kExitFailure;
+    const SceneReport report = ImportFiles(*pane, options, err);
+    const auto refuse = [&](const std::string& reason) {
+        Complain(err, options.picturePath + ": " + reason);
+        return kExitFailure;
+    };
+    if (report.objects.empty()) return refuse("not written, there is nothing to show");
+    pane->Methods().SetViewMode(static_cast<std::int16_t>(options.view));
+    FitView(pane->Methods(), options.zoom);
+    const KV_ScenePane::Picture picture = take(*pane);
+    if (picture.width == 0) return refuse("not written, the viewer gave no picture");
+    std::string reason;
+    if (!WritePng(options.picturePath, picture, &reason)) return refuse(reason);
+    return report.failed.empty() ? kExitGood : kExitFailure;
 }
 
 }  // namespace
@@ -78,26 +93,16 @@ int RunText(const std::string& text, std::FILE* out, std::FILE* err) {
 }
 
 int RunScreenshot(const HostOptions& options, std::FILE* err) {
-    const DebugRouter router(ComplainOfTheRest(err));
-    const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
-    if (!pane) return kExitFailure;
-    const SceneReport report = ImportFiles(*pane, options, err);
-    if (report.objects.empty()) {
-        Complain(err, options.screenshotPath + ": not written, there is nothing to show");
-        return kExitFailure;
-    }
-    SetUpView(pane->Methods(), options);
-    KV_ScenePane::Picture picture;
-    if (!pane->CapturePicture(&picture)) {
-        Complain(err, options.screenshotPath + ": not written, the viewer gave no picture");
-        return kExitFailure;
-    }
-    std::string reason;
-    if (!WritePng(options.screenshotPath, picture, &reason)) {
-        Complain(err, options.screenshotPath + ": " + reason);
-        return kExitFailure;
-    }
-    return report.failed.empty() ? kExitGood : kExitFailure;
+    return RunPicture(options, err, [&](ScenePane& pane) {
+        pane.Methods().SetDrawMode(static_cast<std::int16_t>(options.drawMode));
+        pane.Methods().SetShadowMode(options.shadows ? 1 : 0);
+        KV_ScenePane::Picture picture;
+        return pane.CapturePicture(&picture) ? picture : KV_ScenePane::Picture{};
+    });
+}
+
+int RunCapture(const HostOptions& options, std::FILE* err) {
+    return RunPicture(options, err, [](ScenePane& pane) { return TakeScreenShot(pane.Methods()); });
 }
 
 int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {

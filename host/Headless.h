@@ -10,8 +10,13 @@ inline constexpr int kExitGood = 0;
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitWrongUsage = 2;
 
-/// Renders the files into options.screenshotPath. @param err  takes one line for each file or step that failed
+/// Renders the files into options.picturePath, as a window of that size shows them. @param err  takes one line for each
+/// file or step that failed
 [[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
+
+/// Renders the files into options.picturePath, as the viewer's screenshot of a fixed size.
+/// @param err  takes one line for each file or step that failed
+[[nodiscard]] int RunCapture(const HostOptions& options, std::FILE* err);
 
 /// Prints what the files hold to @p out. A failure to write is a failure of the run.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);

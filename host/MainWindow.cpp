@@ -1,17 +1,23 @@
-// The parts of the window and what they do to the viewer. Menus: MainWindowMenus.cpp; imports: MainWindowImport.cpp.
+// The parts of the window and what they do to the viewer. Menus: MainWindowMenus.cpp and
+// MainWindowInput.cpp; panes: MainWindowPanels.cpp; imports: MainWindowImport.cpp.
 #include "MainWindow.h"
 
 #include <QCloseEvent>
-#include <QDockWidget>
 #include <QLabel>
 #include <QProgressDialog>
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <new>
 
+#include "AnimationPanel.h"
+#include "DecorationPanel.h"
 #include "ImportJob.h"
+#include "LogoPanel.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "PngFile.h"
+#include "ScreenShot.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -28,6 +34,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MakeCentre();
     MakeDocks();
     MakeMenus();
+    KeepPlainKeysWithInputs();
     statusBar()->showMessage(tr("Open scans by the File menu, or drop them here."));
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
@@ -37,6 +44,9 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
 
 MainWindow::~MainWindow() {
     if (m_pJob != nullptr) m_pJob->Stop();
+    m_pAnimation->SetViewer(nullptr);
+    m_pDecorations->SetViewer(nullptr);
+    m_pLogo->SetViewer(nullptr);
     delete m_pViewer;  // while the messages of its end still have a place to go
     m_pRouter.reset();
 }
@@ -60,26 +70,13 @@ void MainWindow::MakeCentre() {
     connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::OnViewerReady, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::KeyPressed, this, &MainWindow::RunShortcut, Qt::QueuedConnection);
-}
-
-void MainWindow::MakeDocks() {
-    m_pObjects = new ObjectList;
-    connect(m_pObjects, &ObjectList::VisibilityWanted, this, &MainWindow::ShowObject);
-    connect(m_pObjects, &ObjectList::ColorWanted, this, &MainWindow::ColorObject);
-    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::DeleteObject);
-    m_pMessages = new MessagePane;
-    const auto addDock = [this](const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area) {
-        auto* const dock = new QDockWidget(title, this);
-        dock->setObjectName(name);
-        dock->setWidget(widget);
-        addDockWidget(area, dock);
-    };
-    addDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
-    addDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
+    // At once: when the viewer is lost, nobody may call it any more.
+    connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::HandViewerToPanels);
 }
 
 void MainWindow::OnViewerReady() {
     if (Pane() == nullptr) return;
+    HandViewerToPanels();
     ShowView(m_options.view);
     ShowDrawMode(m_options.drawMode);
     ShowShadows(m_options.shadows);
@@ -157,6 +154,25 @@ void MainWindow::ShowPointSize(float pixels) {
     if (Pane() == nullptr) return;
     Pane()->Methods().SetPointCloudRenderPointSize(pixels);
     Pane()->Methods().PerformInvalidate();
+}
+
+bool MainWindow::SaveScreenShot(const std::string& path) {
+    if (Pane() == nullptr) return false;
+    const QString file = QString::fromStdString(path);
+    std::string reason = "the viewer gave no picture";
+    QString text;
+    try {
+        const KV_ScenePane::Picture picture = TakeScreenShot(Pane()->Methods());
+        if (picture.width != 0 && WritePng(path, picture, &reason))
+            text = tr("%1: screenshot of %2 x %3 pixels").arg(file).arg(picture.width).arg(picture.height);
+    } catch (const std::bad_alloc&) {  // no exception may pass through the toolkit
+        reason = "there is not enough memory";
+    }
+    const bool saved = !text.isEmpty();
+    if (!saved) text = tr("%1: not written: %2").arg(file, QString::fromStdString(reason));
+    m_pMessages->AddText(text);  // the status bar is wiped by the next menu that opens
+    statusBar()->showMessage(text);
+    return saved;
 }
 
 void MainWindow::ShowObject(int index, bool visible) {

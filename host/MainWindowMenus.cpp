@@ -1,7 +1,7 @@
 // The menus and the small dialogs behind them.
 #include <QActionGroup>
-#include <QApplication>
 #include <QColorDialog>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMenuBar>
@@ -31,6 +31,9 @@ constexpr const char* kDrawModeNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "Background only"), QT_TRANSLATE_NOOP("MainWindow", "Shadow map"),
 };
 
+constexpr const char* kScreenShotTells = QT_TRANSLATE_NOOP(
+    "MainWindow", "Save screenshot: the whole scene, 2048 x 2048 pixels, shaded, without axes, cross, arrow and logo");
+
 }  // namespace
 
 void MainWindow::MakeMenus() {
@@ -44,6 +47,11 @@ void MainWindow::MakeFileMenu() {
     m_vViewerActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
     m_vIdleActions.push_back(
         menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::ClearScene));
+    menu->addSeparator();
+    QAction* const shot = menu->addAction(tr("&Save screenshot..."), QKeySequence(Qt::CTRL | Qt::Key_S), this,
+                                          &MainWindow::AskForScreenShot);
+    shot->setStatusTip(tr(kScreenShotTells));
+    m_vViewerActions.push_back(shot);
     menu->addSeparator();
     menu->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 }
@@ -63,29 +71,45 @@ void MainWindow::MakeViewMenu() {
     menu->addSeparator();
     add(tr("&Centre"), QKeySequence(Qt::Key_C), [this] { FitView(Pane()->Methods(), 1.0f); });
     menu->addSeparator();
-    AddModeActions(*menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames), m_options.drawMode,
-                   Qt::ControlModifier, [this](int mode) { ShowDrawMode(mode); });
-    QAction* const shadows = add(tr("&Shadows"), QKeySequence(Qt::Key_S), [] {});
-    shadows->setCheckable(true);
-    shadows->setChecked(m_options.shadows);
-    connect(shadows, &QAction::toggled, this, &MainWindow::ShowShadows);
+    const QList<QAction*> modes =
+        AddModeActions(*menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames),
+                       m_options.drawMode, [this](int mode) { ShowDrawMode(mode); });
+    for (int mode = 0; mode < modes.size(); ++mode)
+        modes[mode]->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + mode)));
+    AddSwitch(*menu, tr("&Shadows"), m_options.shadows, [this](bool on) {
+        ShowShadows(on);
+    })->setShortcut(QKeySequence(Qt::Key_S));
+    menu->addSeparator();
+    MakeInputMenus(*menu);
     menu->addSeparator();
     add(tr("&Background colours..."), {}, [this] { AskForBackground(); });
     add(tr("&Point size..."), {}, [this] { AskForPointSize(); });
+    menu->addSeparator();
+    QMenu* const panes = menu->addMenu(tr("Pa&nes"));
+    for (QDockWidget* const dock : findChildren<QDockWidget*>()) panes->addAction(dock->toggleViewAction());
 }
 
-void MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
-                                Qt::KeyboardModifier modifier, const std::function<void(int)>& choose) {
+QList<QAction*> MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
+                                           const std::function<void(int)>& choose) {
     auto* const group = new QActionGroup(this);
     for (int mode = 0; mode < count; ++mode) {
-        QAction* const action =
-            menu.addAction(tr(names[mode]), QKeySequence(modifier | static_cast<Qt::Key>(Qt::Key_0 + mode)), this,
-                           [choose, mode] { choose(mode); });
+        QAction* const action = menu.addAction(tr(names[mode]), this, [choose, mode] { choose(mode); });
         action->setCheckable(true);
         action->setChecked(mode == checked);
         group->addAction(action);
         m_vViewerActions.push_back(action);
     }
+    return group->actions();
+}
+
+QAction* MainWindow::AddSwitch(QMenu& menu, const QString& text, bool checked,
+                               const std::function<void(bool)>& choose) {
+    QAction* const action = menu.addAction(text);
+    action->setCheckable(true);
+    action->setChecked(checked);
+    connect(action, &QAction::toggled, this, choose);
+    m_vViewerActions.push_back(action);
+    return action;
 }
 
 void MainWindow::MakeImportMenu() {
@@ -101,6 +125,15 @@ void MainWindow::AskForFiles() {
     std::vector<std::string> files;
     for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
     OpenFiles(files);
+}
+
+void MainWindow::AskForScreenShot() {
+    QFileDialog dialog(this, tr(kScreenShotTells), {}, tr("PNG pictures (*.png);;All files (*)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("png");  // by the dialog, so that it asks about the file that is going to be written
+    dialog.selectFile(tr("screenshot.png"));
+    if (dialog.exec() != QDialog::Accepted) return;
+    (void)SaveScreenShot(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
 }
 
 void MainWindow::AskForBackground() {
@@ -133,17 +166,4 @@ void MainWindow::AskForConfidence() {
 void MainWindow::AskForScanColor() {
     const QColor color = QColorDialog::getColor(ColorFromPacked(m_options.import.color), this, tr("Scan colour"));
     if (color.isValid()) m_options.import.color = PackedFromColor(color);
-}
-
-void MainWindow::RunShortcut(int key) {
-    // Keys that go down over the viewer go to its window alone. Digits and letters have the same codes in Qt.
-    const bool plain = (key >= '0' && key <= '9') || (key >= 'A' && key <= 'Z');
-    if (!plain || QApplication::activeModalWidget() != nullptr) return;
-    const QKeySequence pressed(QKeyCombination(QGuiApplication::queryKeyboardModifiers(), static_cast<Qt::Key>(key)));
-    for (QAction* const action : findChildren<QAction*>()) {
-        if (action->shortcut() == pressed) {
-            action->trigger();
-            return;
-        }
-    }
 }

@@ -3,6 +3,7 @@
 #include <QPlainTextEdit>
 #include <string_view>
 
+/// Shows its end while lines come in, unless the user has scrolled up from there.
 class MessagePane : public QPlainTextEdit {
     Q_OBJECT
 public:
@@ -11,6 +12,11 @@ public:
     void AddText(const QString& text);
     /// AddText() on the thread of the window, soon; from any thread.
     void AddTextLater(std::string_view utf8);
-    /// A few lines high; the user makes it larger.
+    /// Eight lines high; the user makes it larger.
     [[nodiscard]] QSize sizeHint() const override;
+
+private:
+    void ShowEnd();
+
+    bool m_bFollows = true;  // the end was in sight when somebody last scrolled
 };

@@ -2,6 +2,7 @@
 #include "ViewerWidget.h"
 
 #include <QEvent>
+#include <QGuiApplication>
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <algorithm>
@@ -39,7 +40,13 @@ void ViewerWidget::resizeEvent(QResizeEvent* event) {
     m_pPane->Methods().PerformInvalidate();
 }
 
-void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t, std::int32_t) { emit KeyPressed(nChar); }
+void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
+    EventTeller::CustomKeyDown(nChar, nRepCnt, nFlags);
+    m_held.Press(nChar);
+    emit KeyPressed(nChar, m_held.With(QGuiApplication::queryKeyboardModifiers()));
+}
+
+void ViewerWidget::Tell(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
 
 void ViewerWidget::Open() {
     m_bOpened = true;
@@ -72,7 +79,11 @@ void ViewerWidget::Close() {
 
 void ViewerWidget::HandleEvents() {
     m_pPane->ProcessEvents();
-    if (m_pPane->HasWindow()) return;
+    if (m_held.AreRemembered()) m_held.Settle(QGuiApplication::queryKeyboardModifiers());
+    if (m_pPane->HasWindow()) {
+        emit Handled();
+        return;
+    }
     Close();
     emit Refused(tr("The viewer has lost its window."));
 }

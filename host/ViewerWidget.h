@@ -4,11 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "EventTeller.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "KeyShortcut.h"
 
 class QSocketNotifier;
 
-class ViewerWidget : public QWidget, private KV_ScenePane::_DKV_ScenePaneEvents {
+class ViewerWidget : public QWidget, private EventTeller {
     Q_OBJECT
 public:
     /// @param wantedSize  of the drawing area, in pixels of the device
@@ -26,8 +28,12 @@ signals:
     void Ready();
     /// There is no viewer, or not any more.
     void Refused(const QString& reason);
-    /// A key went down while the viewer had it; a virtual key code.
-    void KeyPressed(int key);
+    /// An event of the viewer, as one line; emitted inside the call or the input that caused it.
+    void EventFired(const QString& line);
+    /// A key went down while the viewer had the keyboard; a key code as the viewer's events have it.
+    void KeyPressed(int key, Qt::KeyboardModifiers modifiers);
+    /// The viewer has handled what waited; input may have changed its state.
+    void Handled();
 
 protected:
     bool event(QEvent* event) override;
@@ -36,6 +42,7 @@ protected:
 
 private:
     void CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
+    void Tell(const std::string& line) override;
     void Open();
     void Close();
     void HandleEvents();
@@ -44,7 +51,8 @@ private:
     [[nodiscard]] QSize DeviceSize() const;
 
     const QSize m_wantedSize;
-    bool m_bOpened = false;     // one attempt only: what was refused once will be refused again
+    bool m_bOpened = false;  // one attempt only: what was refused once will be refused again
+    HeldModifiers m_held;
     std::string m_strMessages;  // shown by the viewer while it is made; they say why it was refused
     std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
     std::unique_ptr<QSocketNotifier> m_pNotifier;

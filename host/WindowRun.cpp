@@ -36,7 +36,7 @@ int RunWindow(const HostOptions& options, char* program) {
             (void)PrintTo(stderr, "scenepane: " + file + ": " + reason + '\n');
     }
     if (const std::string reason = ChoosePlatform(); !reason.empty()) {
-        (void)PrintTo(stderr, "scenepane: " + reason + "; --screenshot and --info need none\n");
+        (void)PrintTo(stderr, "scenepane: " + reason + "; --screenshot, --capture and --info need none\n");
         return kExitFailure;
     }
     int argumentCount = 1;  // the options are ours, none is Qt's

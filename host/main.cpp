@@ -26,6 +26,8 @@ int Run(int argc, char** argv) {
             return PrintTo(stdout, VersionText()) ? kExitGood : kExitFailure;
         case HostAction::Screenshot:
             return RunScreenshot(options, stderr);
+        case HostAction::Capture:
+            return RunCapture(options, stderr);
         case HostAction::Info:
             return RunInfo(options, stdout, stderr);
         case HostAction::Window:

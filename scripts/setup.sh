@@ -10,6 +10,7 @@ KV_BUILD_PACKAGES=(
     libeigen3-dev libpng-dev libfreetype-dev libfontconfig-dev libzstd-dev libxxhash-dev
     qt6-base-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev
     libgl1-mesa-dri libglx-mesa0 libegl-mesa0
+    fonts-liberation
 )
 # Needed to run the tests without a display.
 KV_TEST_PACKAGES=(xvfb xdotool locales binutils)

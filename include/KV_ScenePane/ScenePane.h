@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "KV_ScenePane/Input.h"
 #include "KV_ScenePane/_DKV_ScenePane.h"
 #include "KV_ScenePane/_DKV_ScenePaneEvents.h"
 
@@ -66,6 +67,11 @@ public:
     [[nodiscard]] virtual std::uintptr_t NativeWindow() const = 0;
     /// Moves a Child into another window of the host. False when that is not an X11 window; the viewer stays.
     virtual bool Reparent(std::uintptr_t parent, int x, int y) = 0;
+
+    /// Input as a window would get it: the only way into an off-screen viewer, and for a host whose toolkit keeps the
+    /// mouse or the keys to itself.
+    virtual void SendMouse(const MouseInput& input) = 0;
+    virtual void SendKey(const KeyInput& input) = 0;
 
     /// False for an index outside the list; @p info is then untouched.
     virtual bool GetObjectInfo(std::int16_t idx, ObjectInfo* info) = 0;

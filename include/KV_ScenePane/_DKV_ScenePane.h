@@ -54,26 +54,27 @@ public:
     virtual void DeselectAllNeedles() = 0;
     /// Selects the needle, fires NeedleSelected, refreshes
     virtual void SelectNeedle(std::int32_t id) = 0;
-    /// Recreates the window's context with another version or number of samples; the scene is lost. Always true: a
-    /// failure shows in the message and the log
+    /// Recreates the window's context with another version or number of samples; the scene is lost, overlays stay.
+    /// Always true: a failure shows in the message and the log
     virtual VARIANT_BOOL RecreateOpenglContext(std::int32_t majorVersion, std::int32_t minorVersion,
                                                std::int32_t numberOfSamples) = 0;
-    /// Stores the mode, drops the last pick and all spheres, fires PickPointCountChanged with 0
+    /// 0, 4: a double click centres the view; 1: the same, and the centre cross shows; 2, 3: a double click on an
+    /// object fires SelectObjCoords; 5: the same, beside the objects it does nothing, and pick-point spheres show.
+    /// Drops the last pick and all spheres, fires PickPointCountChanged with 0. Asks for no repaint
     virtual void SetPickMode(std::int16_t mode) = 0;
-    /// Reads the mode
     virtual std::int16_t GetPickMode() = 0;
-    /// Stores the colour of the centre cross. Asks for no repaint
+    /// Colour of the centre cross, 0x00BBGGRR; it shows in pick mode 1. Asks for no repaint
     virtual void SetCrossColor(std::int32_t color) = 0;
-    /// Reads the colour of the centre cross
+    /// Colour of the centre cross, 0x00BBGGRR
     virtual std::int32_t GetCrossColor() = 0;
     /// Point of the surface in the middle of the window (found by its vertices) and the direction to the viewer; false
     /// when no vertex faces the viewer: the outputs are then untouched
     virtual VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz) = 0;
     /// Size of the object list
     virtual std::int16_t GetNumObjects() = 0;
-    /// Colour, each channel rounded down; -1 for a bad index
+    /// Colour, 0x00BBGGRR, each channel rounded down; -1 for a bad index
     virtual std::int32_t GetObjectColor(std::int16_t idx) = 0;
-    /// Sets the colour; invalidates. A bad index or the present colour does nothing
+    /// Sets the colour, 0x00BBGGRR; invalidates. A bad index or the present colour does nothing
     virtual void SetObjectColor(std::int16_t idx, std::int32_t color) = 0;
     /// Starts a lasso or mask lasso
     virtual void StartSegmentation(std::int16_t mode) = 0;
@@ -94,15 +95,17 @@ public:
     virtual void ImportScan(BSTR path, std::int32_t color) = 0;
     /// 1 shows the lighting arrow, any other value hides it; refreshes
     virtual void ShowLightingArrow(std::int16_t show) = 0;
-    /// Stores the colour of the lighting arrow; refreshes
+    /// Colour of the lighting arrow, 0x00BBGGRR; refreshes
     virtual void SetArrowColor(std::int32_t color) = 0;
     /// 1 fires ViewDirectionChanged while the view moves or is set, any other value does not
     virtual void TracingMode(std::int16_t on) = 0;
-    /// Stores the value
+    /// Non-zero swaps the buttons: left pans, right rotates. A double click then does nothing
     virtual void FlipMouseButtons(std::int16_t flip) = 0;
-    /// Stores the value
+    /// What a rotating drag turns about: 0 the screen's horizontal, 1 its vertical, 2 the viewing axis, else free.
+    /// Holds from the next step of a drag
     virtual void SetRotationMode(std::int16_t mode) = 0;
-    /// Sets one of eight fixed views, 0 to 7; another value keeps the view. Refreshes in any case
+    /// Sets one of eight fixed views, 0 to 7; another value keeps the view. Refreshes in any case. A double click that
+    /// centres returns to the view set last, while the axes show to 4
     virtual void SetViewMode(std::int16_t mode) = 0;
     /// Empties the selection. Asks for no repaint
     virtual void ResetSelection() = 0;
@@ -118,7 +121,7 @@ public:
     virtual void AlignPickPoints() = 0;
     /// Redraws now
     virtual void PerformRefresh() = 0;
-    /// Turns the lighting arrow, degrees. Asks for no repaint
+    /// Where the lighting arrow stands around the picture: degrees, 0 at the top, counterclockwise. Asks for no repaint
     virtual void SetArrowAngle(std::int16_t angle) = 0;
     /// Fits the view to the visible objects, keeping its direction; invalidates
     virtual void CenterView() = 0;
@@ -130,13 +133,14 @@ public:
                                         float* v12, float* v13, float* v14, float* v15) = 0;
     /// 0 hides, anything else shows; invalidates
     virtual void SetObjectVisibility(std::int16_t idx, std::int16_t visible) = 0;
-    /// 1 shows the axes, any other value hides them; refreshes
+    /// 1 shows the axes, any other value hides them; refreshes. While they show, each frame stores view mode 4: a
+    /// double click that centres then returns to the view from +Z
     virtual void ShowAxes(std::int16_t show) = 0;
     /// Pixels with a lower confidence are skipped by later imports
     virtual void SetConfidenceFilter(float confFilter) = 0;
-    /// Closes an open dialog and returns to mode 0
+    /// Ends a running alignment; AlignmentDone follows. Nothing happens without one
     virtual void FinishInteraction() = 0;
-    /// Two colours, refreshes
+    /// Colours of the upper and the lower corners, 0x00BBGGRR; refreshes
     virtual void SetBackgroundColors(std::int32_t TopColor, std::int32_t BottomColor) = 0;
     /// Removes the object; later indices move down by one. Asks for no repaint. Selection and variable objects may keep
     /// a stale entry: reset them first
@@ -154,11 +158,13 @@ public:
                                        float cy, float cz, float zoom, std::int16_t freezeBBox) = 0;
     /// Adds a sphere, returns its id
     virtual std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) = 0;
-    /// Stores the value
+    /// Moves and the wheel act only while it is exactly 1. Presses and keys always do
     virtual void AllowMouseInteraction(std::int16_t on) = 0;
     /// Writes cuts back to measurement files
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
-    /// Switches the input dispatch between direct and delayed
+    /// Non-zero: presses wait a tenth of a second, so that a chord and a click without travel can be told from a drag.
+    /// Then right rotates, right with left or Shift pans, left alone picks, middle centres the view, the wheel is
+    /// reversed. 0: back to direct; a press that waits is dropped
     virtual void SetIGDRotation(std::int16_t on) = 0;
     /// Specular material, refreshes
     virtual void SetReflection(float brightness, float shining) = 0;
@@ -176,7 +182,7 @@ public:
     virtual void SetShadowMode(std::int16_t mode) = 0;
     /// 1 when on
     virtual std::int16_t GetShadowMode() = 0;
-    /// Four colours, refreshes
+    /// Colours of the four corners, 0x00BBGGRR; refreshes
     virtual void SetBackgroundColorsFourCorners(std::int32_t TopLeftColor, std::int32_t TopRightColor,
                                                 std::int32_t BottomLeftColor, std::int32_t BottomRightColor) = 0;
     /// Radius of the pick-point spheres, scene units. Asks for no repaint
@@ -220,27 +226,36 @@ public:
     virtual void SetShadowColor(float red, float green, float blue) = 0;
     /// Takes over a copy of a host mesh as an object with its normals as they are
     virtual void ImportMeshedMeasurement(const MeshBuffers* mesh, BSTR filename, std::int32_t color) = 0;
-    /// Starts turning the scene
+    /// Turns the scene about the world's Z axis, one revolution. It turns in the frames that are drawn, and asks for
+    /// none: the host refreshes while it runs. A press or a key stops it. Of a running animation only the speed changes
     virtual void StartAnimation(float revolutionsPerSecond) = 0;
-    /// Stops it
     virtual void StopAnimation() = 0;
-    /// Stores the switch
+    /// Whether the space bar starts an animation. The start of a segmentation switches it off, its end on
     virtual void ToggleAnimationOnSpacebar(std::int32_t enabled) = 0;
-    /// Reads the flag
     virtual VARIANT_BOOL IsAnimationRunning() = 0;
-    /// Stores the speed
+    /// 0 stands still and never ends by itself
     virtual void SetAnimationSpeed(float revolutionsPerSecond) = 0;
     /// Size of points: pixels for objects, scene units for free points. Asks for no repaint
     virtual void SetPointCloudRenderPointSize(float size) = 0;
-    /// Renders off-screen at 2048 x 2048 into the host's buffer of 2048 x 2048 words 0xAARRGGBB, top row first
+    /// Draws the whole scene, seen from the window's side and with its zoom, into a picture of 2048 x 2048 pixels: the
+    /// background, the visible objects, the 3D lines and the needles. The view and the window stay as they are.
+    /// @param buffer  takes 2048 x 2048 words (16,777,216 bytes), 0xAARRGGBB as integers of the machine, row after row
+    ///                without padding, top row first; its size is not checked. All zero without OpenGL
     virtual void CaptureScreenShot(std::uint32_t* buffer) = 0;
     /// Always 2048, 2048
     virtual void GetScreenShotResolution(std::int32_t* width, std::int32_t* height) = 0;
-    /// Uploads an image of width x height pixels, bytes b, g, r, a, top row first, as overlay; returns its index
+    /// Lays an image of width x height pixels, bytes b, g, r, a, top row first, over the scene, at its own size. Its
+    /// left edge is at window width x relPosX + image width x relOffsetX + absOffsetX pixels, its top edge the same
+    /// with y: 1 and -1 pin it to the right or lower edge. The pixels are copied and live as long as the viewer,
+    /// through RecreateOpenglContext() too. Null is an image that is transparent everywhere. A size below 1 x 1 is no
+    /// image: nothing is drawn. So is one that the driver does not take, as when a side is above its
+    /// GL_MAX_TEXTURE_SIZE; the debugger output says so. Returns the index in any case, valid for the life of the
+    /// viewer. Asks for no repaint
     virtual std::int32_t AddOverlayData(const std::uint8_t* argbU8DataPtrHack, std::int32_t width, std::int32_t height,
                                         float relPosX, float relPosY, float relOffsetX, float relOffsetY,
                                         float absOffsetX, float absOffsetY) = 0;
-    /// Sets the flag of the overlay; the index is not checked
+    /// Shows it when the low byte of enable is not 0. The index must be one that AddOverlayData returned. Asks for no
+    /// repaint
     virtual void SetOverlayVisibility(std::int32_t index, std::int32_t enable) = 0;
     /// Stores the value, used by the next centring
     virtual void SetDefaultZoomFactor(float newDefault) = 0;

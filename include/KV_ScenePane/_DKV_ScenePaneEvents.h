@@ -12,10 +12,11 @@ class _DKV_ScenePaneEvents {
 public:
     /// By the platform
     virtual void ReadyStateChange() {}
-    /// The user picks a view direction
+    /// A view direction was picked; no input leads here yet
     virtual void SelectViewDirection(float /*px*/, float /*py*/, float /*pz*/, float /*vx*/, float /*vy*/,
                                      float /*vz*/) {}
-    /// The user picks a point on an object
+    /// The user picks a point on an object, in pick modes 2, 3 and 5. The point is in the world frame; shiftModifiers
+    /// are the mouse flags (Input.h)
     virtual void SelectObjCoords(std::int16_t /*idx*/, float /*px*/, float /*py*/, float /*pz*/,
                                  std::int32_t /*shiftModifiers*/, std::int32_t /*mouseX*/, std::int32_t /*mouseY*/) {}
     /// A lasso or cut ended
@@ -32,7 +33,7 @@ public:
     virtual void NeedleDeleted(std::int32_t /*id*/) {}
     /// By the deselecting methods, by SetNeedlePickingMode off, and before a deletion of a selected needle
     virtual void NeedleDeselected(std::int32_t /*id*/) {}
-    /// A key that the control does not use itself
+    /// Every key press, before the viewer acts on it (codes in Input.h)
     virtual void CustomKeyDown(std::int32_t /*nChar*/, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {}
     /// The sphere list changed
     virtual void PickPointCountChanged(std::int32_t /*newCount*/) {}

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr std::uint32_t kEnableColorAndLightingBits = GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_LIGHTING_BIT;
+
 double Dot(const Double3& a, const Double3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
 Double3 Normalized(const Double3& v) {
@@ -17,6 +19,8 @@ Double3 Normalized(const Double3& v) {
 }
 
 }  // namespace
+
+Plane::Plane() : RenderObject(kEnableColorAndLightingBits), m_dStartAngle(-std::numbers::pi / 4) {}
 
 Double3 Plane::GetCenter() const { return {m_dMatrix[12], m_dMatrix[13], m_dMatrix[14]}; }
 

@@ -37,11 +37,6 @@ VARIANT_BOOL CKV_ScenePaneCtrl::DeselectNeedle(std::int32_t) {
 }
 void CKV_ScenePaneCtrl::DeselectAllNeedles() { NotYet("DeselectAllNeedles"); }
 void CKV_ScenePaneCtrl::SelectNeedle(std::int32_t) { NotYet("SelectNeedle"); }
-void CKV_ScenePaneCtrl::SetPickMode(std::int16_t) { NotYet("SetPickMode"); }
-std::int16_t CKV_ScenePaneCtrl::GetPickMode() {
-    NotYet("GetPickMode");
-    return 0;
-}
 void CKV_ScenePaneCtrl::StartSegmentation(std::int16_t) { NotYet("StartSegmentation"); }
 void CKV_ScenePaneCtrl::ClearPickPointSpheres() { NotYet("ClearPickPointSpheres"); }
 void CKV_ScenePaneCtrl::MovePickPointSphere(std::int32_t, float, float, float) { NotYet("MovePickPointSphere"); }
@@ -51,11 +46,8 @@ std::int32_t CKV_ScenePaneCtrl::PerformUndo() {
 }
 void CKV_ScenePaneCtrl::ImportMesh(BSTR) { NotYet("ImportMesh"); }
 void CKV_ScenePaneCtrl::ExportMesh(std::int16_t, BSTR) { NotYet("ExportMesh"); }
-void CKV_ScenePaneCtrl::FlipMouseButtons(std::int16_t) { NotYet("FlipMouseButtons"); }
-void CKV_ScenePaneCtrl::SetRotationMode(std::int16_t) { NotYet("SetRotationMode"); }
 void CKV_ScenePaneCtrl::AlignInteractive() { NotYet("AlignInteractive"); }
 void CKV_ScenePaneCtrl::AlignPickPoints() { NotYet("AlignPickPoints"); }
-void CKV_ScenePaneCtrl::FinishInteraction() { NotYet("FinishInteraction"); }
 VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedles(std::int32_t, const std::int32_t*, const float*, const float*) {
     NotYet("CreateNeedles");
     return 0;
@@ -65,12 +57,10 @@ std::int32_t CKV_ScenePaneCtrl::AddPickPointSphere(float, float, float, std::int
     NotYet("AddPickPointSphere");
     return 0;
 }
-void CKV_ScenePaneCtrl::AllowMouseInteraction(std::int16_t) { NotYet("AllowMouseInteraction"); }
 VARIANT_BOOL CKV_ScenePaneCtrl::SaveCuttingToPcms() {
     NotYet("SaveCuttingToPcms");
     return 0;
 }
-void CKV_ScenePaneCtrl::SetIGDRotation(std::int16_t) { NotYet("SetIGDRotation"); }
 void CKV_ScenePaneCtrl::EndSegmentation() { NotYet("EndSegmentation"); }
 VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedle(std::int32_t, float, float, float, float, float, float) {
     NotYet("CreateNeedle");
@@ -91,22 +81,6 @@ std::int32_t CKV_ScenePaneCtrl::ImportPoints(std::int32_t, const float*, const f
     NotYet("ImportPoints");
     return 0;
 }
-void CKV_ScenePaneCtrl::StartAnimation(float) { NotYet("StartAnimation"); }
-void CKV_ScenePaneCtrl::StopAnimation() { NotYet("StopAnimation"); }
-void CKV_ScenePaneCtrl::ToggleAnimationOnSpacebar(std::int32_t) { NotYet("ToggleAnimationOnSpacebar"); }
-VARIANT_BOOL CKV_ScenePaneCtrl::IsAnimationRunning() {
-    NotYet("IsAnimationRunning");
-    return 0;
-}
-void CKV_ScenePaneCtrl::SetAnimationSpeed(float) { NotYet("SetAnimationSpeed"); }
-void CKV_ScenePaneCtrl::CaptureScreenShot(std::uint32_t*) { NotYet("CaptureScreenShot"); }
-void CKV_ScenePaneCtrl::GetScreenShotResolution(std::int32_t*, std::int32_t*) { NotYet("GetScreenShotResolution"); }
-std::int32_t CKV_ScenePaneCtrl::AddOverlayData(const std::uint8_t*, std::int32_t, std::int32_t, float, float, float,
-                                               float, float, float) {
-    NotYet("AddOverlayData");
-    return 0;
-}
-void CKV_ScenePaneCtrl::SetOverlayVisibility(std::int32_t, std::int32_t) { NotYet("SetOverlayVisibility"); }
 void CKV_ScenePaneCtrl::SetClipPlaneEnabled(std::int32_t) { NotYet("SetClipPlaneEnabled"); }
 void CKV_ScenePaneCtrl::SetClipPlaneDisabled() { NotYet("SetClipPlaneDisabled"); }
 void CKV_ScenePaneCtrl::SetClipPlane(float, float, float, float, float, float) { NotYet("SetClipPlane"); }

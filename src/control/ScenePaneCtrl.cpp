@@ -23,7 +23,7 @@ void CreateDrawLockOnce() {
 CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window)
     : m_pWindow(std::move(window)), m_nCreatorThreadId(static_cast<std::uint32_t>(gettid())) {
     assert(m_pWindow != nullptr);
-    m_mouseDispatch.owner = this;
+    ConnectMouseHandlers();
     m_clipPlane.SetCenter({0.0, 0.0, 10.0});
     m_pQuadric = gluNewQuadric();
     m_pQuadric2 = gluNewQuadric();

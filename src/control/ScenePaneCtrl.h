@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -21,6 +22,7 @@
 #include "markers/Needle.h"
 #include "markers/PickPointSphere.h"
 #include "platform/PaneWindow.h"
+#include "platform/PerformanceCounter.h"
 #include "render/Overlay.h"
 #include "render/TextDraw.h"
 #include "view/MouseDispatch.h"
@@ -45,6 +47,16 @@ enum InteractionMode : std::int32_t {
     ModePlaneRotate = 11,
     ModePlaneMove = 12,
 };
+
+/// Values of m_nPickMode that differ from 0.
+enum PickMode : std::int32_t {
+    PickModeCross = 1,    ///< the centre cross is drawn
+    PickModeObjects = 2,  ///< clicks on objects fire SelectObjCoords; 3 is the same
+    PickModePoints = 5,   ///< the same; a click beside the objects leaves the view, and pick-point spheres are drawn
+};
+
+/// The clip plane's handles that are shown and offered.
+enum class PlaneHandles { Both, Move, Rotate };
 
 class CKV_ScenePaneCtrl final : public KV_ScenePane::_DKV_ScenePane,
                                 public KV_ScenePane::ScenePane,
@@ -77,6 +89,8 @@ public:
     [[nodiscard]] bool HasWindow() const override;
     [[nodiscard]] std::uintptr_t NativeWindow() const override;
     bool Reparent(std::uintptr_t parent, int x, int y) override;
+    void SendMouse(const KV_ScenePane::MouseInput& input) override { OnMouse(input); }
+    void SendKey(const KV_ScenePane::KeyInput& input) override { OnKey(input); }
     bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info) override;
     bool CapturePicture(KV_ScenePane::Picture* picture) override;
 
@@ -158,6 +172,16 @@ public:
     std::int16_t GetShadowMode() override;
     void SetShadowColor(float red, float green, float blue) override;
 
+    // ---- render/Overlays.cpp
+    std::int32_t AddOverlayData(const std::uint8_t* argbU8DataPtrHack, std::int32_t width, std::int32_t height,
+                                float relPosX, float relPosY, float relOffsetX, float relOffsetY, float absOffsetX,
+                                float absOffsetY) override;
+    void SetOverlayVisibility(std::int32_t index, std::int32_t enable) override;
+
+    // ---- render/Screenshot.cpp
+    void CaptureScreenShot(std::uint32_t* buffer) override;
+    void GetScreenShotResolution(std::int32_t* width, std::int32_t* height) override;
+
     // ---- view/Camera.cpp
     void SetViewMode(std::int16_t mode) override;
     VARIANT_BOOL SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2, float wy3, float cx, float cy,
@@ -168,6 +192,28 @@ public:
     void CenterView() override;
     void SetDefaultZoomFactor(float newDefault) override;
     void TracingMode(std::int16_t on) override;
+
+    // ---- view/MouseDelivery.cpp
+    void FlipMouseButtons(std::int16_t flip) override;
+    void AllowMouseInteraction(std::int16_t on) override;
+    void SetIGDRotation(std::int16_t on) override;
+
+    // ---- view/RotateView.cpp
+    void SetRotationMode(std::int16_t mode) override;
+
+    // ---- view/Animation.cpp
+    void StartAnimation(float revolutionsPerSecond) override;
+    void StopAnimation() override;
+    void ToggleAnimationOnSpacebar(std::int32_t enabled) override;
+    VARIANT_BOOL IsAnimationRunning() override;
+    void SetAnimationSpeed(float revolutionsPerSecond) override;
+
+    // ---- markers/Picking.cpp
+    void SetPickMode(std::int16_t mode) override;
+    std::int16_t GetPickMode() override;
+
+    // ---- align/Interaction.cpp
+    void FinishInteraction() override;
 
     // ---- control/MethodsToCome.cpp: one line to the debugger output each, until their rooms are built
     void ClearUndoStack() override;
@@ -182,26 +228,19 @@ public:
     VARIANT_BOOL DeselectNeedle(std::int32_t id) override;
     void DeselectAllNeedles() override;
     void SelectNeedle(std::int32_t id) override;
-    void SetPickMode(std::int16_t mode) override;
-    std::int16_t GetPickMode() override;
     void StartSegmentation(std::int16_t mode) override;
     void ClearPickPointSpheres() override;
     void MovePickPointSphere(std::int32_t id, float x, float y, float z) override;
     std::int32_t PerformUndo() override;
     void ImportMesh(BSTR path) override;
     void ExportMesh(std::int16_t objIdx, BSTR path) override;
-    void FlipMouseButtons(std::int16_t flip) override;
-    void SetRotationMode(std::int16_t mode) override;
     void AlignInteractive() override;
     void AlignPickPoints() override;
-    void FinishInteraction() override;
     VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
                                const float* headPosXYZ) override;
     void DeleteNeedles() override;
     std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) override;
-    void AllowMouseInteraction(std::int16_t on) override;
     VARIANT_BOOL SaveCuttingToPcms() override;
-    void SetIGDRotation(std::int16_t on) override;
     void EndSegmentation() override;
     VARIANT_BOOL CreateNeedle(std::int32_t id, float pinPosX, float pinPosY, float pinPosZ, float headPosX,
                               float headPosY, float headPosZ) override;
@@ -211,17 +250,6 @@ public:
     void DeletePoints(std::int32_t id) override;
     void SetPointsVisibility(std::int32_t id, VARIANT_BOOL visible) override;
     std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) override;
-    void StartAnimation(float revolutionsPerSecond) override;
-    void StopAnimation() override;
-    void ToggleAnimationOnSpacebar(std::int32_t enabled) override;
-    VARIANT_BOOL IsAnimationRunning() override;
-    void SetAnimationSpeed(float revolutionsPerSecond) override;
-    void CaptureScreenShot(std::uint32_t* buffer) override;
-    void GetScreenShotResolution(std::int32_t* width, std::int32_t* height) override;
-    std::int32_t AddOverlayData(const std::uint8_t* argbU8DataPtrHack, std::int32_t width, std::int32_t height,
-                                float relPosX, float relPosY, float relOffsetX, float relOffsetY, float absOffsetX,
-                                float absOffsetY) override;
-    void SetOverlayVisibility(std::int32_t index, std::int32_t enable) override;
     void SetClipPlaneEnabled(std::int32_t displayClipPlane) override;
     void SetClipPlaneDisabled() override;
     void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
@@ -299,12 +327,18 @@ public:
     /// The depth pass; returns the two matrices that it used, 16 floats each, column-major.
     void RenderShadowMap(float* projection, float* modelView);
 
-    // ---- render/Decorations.cpp
+    // ---- render/Decorations.cpp, Axes.cpp, Overlays.cpp
     void DrawBackground();
     void DrawCross();
     void DrawLightingArrow();
     void DrawAxes();
     void DrawOverlays();
+    /// Gives every overlay its texture in the context that is current, a new one.
+    void UploadOverlays();
+
+    // ---- render/Screenshot.cpp
+    /// Draws the whole scene into the off-screen target; the view is as before afterwards. The context is current.
+    void RenderOffscreen();
 
     // ---- the frame's calls into rooms that are still to come: right for their empty lists
     void DrawLassoPolygon();            // cut/CutFrame.cpp
@@ -313,7 +347,17 @@ public:
     void DrawNeedles(int textStyle);    // markers/MarkersFrame.cpp
     void DrawPickPointSpheres();        // markers/MarkersFrame.cpp
     void DrawClipPlane();               // clip/ClipFrame.cpp
-    void AnimationStep();               // view/Animation.cpp
+
+    // ---- the input's calls into rooms that are still to come: nothing yet switches on the modes that lead there
+    bool SelectNeedleAt(std::int32_t x, std::int32_t y);      // markers/MarkersFrame.cpp
+    bool DragSelectedNeedle(std::int32_t x, std::int32_t y);  // markers/MarkersFrame.cpp
+    void CreateNeedleAt(std::int32_t x, std::int32_t y);      // markers/MarkersFrame.cpp
+    void DeleteSelectedNeedle();                              // markers/MarkersFrame.cpp
+    void FinishSegmentation(bool cancel);                     // cut/CutFrame.cpp
+    void AddCutSessionPoint(float x, float y);                // cut/CutFrame.cpp
+    void PreviewCutSessionPoint(float x, float y);            // cut/CutFrame.cpp
+    void StartCutSession(float x, float y);                   // cut/CutFrame.cpp
+    void PlaceClipPlaneAtData();                              // clip/ClipFrame.cpp
 
     // ---- view/Camera.cpp
     /// Rebuilds projection, modelview, shadow camera and light from the frame; makes the context current.
@@ -343,8 +387,94 @@ public:
     /// 0 when there is no inverse or no context; the outputs are then untouched.
     int UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y, float* z);
 
-    // ---- view/Animation.cpp
+    // ---- view/MouseDelivery.cpp: from the window to the handlers below, directly or delayed
+    /// Enters the handlers in m_mouseDispatch.
+    void ConnectMouseHandlers();
+    void OnMouse(const KV_ScenePane::MouseInput& input) override;
     void OnPrivateMessage(std::uint32_t message) override;
+    void OnMouseWheel(std::uint32_t flags, std::int32_t delta);
+
+    // ---- view/MousePress.cpp: x and y are pixels of the drawing area, flags as in MouseInput and kMouseMoved
+    void OnLeftDown(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void OnMiddleDown(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void OnRightDown(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void OnDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    /// @param moving  the view is about to move, so that objects may be drawn reduced
+    void BeginDrag(std::int32_t x, std::int32_t y, bool moving);
+    void LeftDownInIdle(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void LeftDownInAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void LeftDownWhilePickingPoints(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void LeftDownInMaskLasso(std::int32_t x, std::int32_t y);
+    void RightDownInIdle(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void RightDownInMaskLasso(std::int32_t x, std::int32_t y);
+    void RightDownInAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void AddLassoPoint(std::int32_t x, std::int32_t y);
+    /// What a drag of the left button does outside the delayed scheme; the right button does the other.
+    [[nodiscard]] std::int32_t LeftDragMode() const { return m_nFlipMouseButtons != 0 ? ModePan : ModeRotate; }
+    [[nodiscard]] std::int32_t RightDragMode() const { return m_nFlipMouseButtons != 0 ? ModeRotate : ModePan; }
+    /// Fires SelectObjCoords when an object was hit and the pick mode asks for it; whether it did.
+    bool ReportPick(std::int32_t object, const Float3& hit, std::uint32_t flags, std::int32_t x, std::int32_t y);
+    /// What a double click beside the objects does.
+    void CenterViewOrPlacePlane(std::uint32_t flags);
+
+    // ---- view/MouseMove.cpp
+    void OnMouseMoved(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    /// Whether the point is to be kept as the last one.
+    bool MoveInMode(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    bool MoveInLasso(std::int32_t x, std::int32_t y);
+    bool MoveInMaskLasso(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    bool DragView(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    bool DragPlane(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void DragAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y);
+
+    // ---- view/MouseRelease.cpp
+    void OnLeftUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void OnMiddleUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void OnRightUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    void EndDrag(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    /// The two halves of EndDrag() around the end of a plane drag.
+    void ReleaseDrag(std::int32_t x, std::int32_t y);
+    void LeaveDragMode();
+    /// Keeps m_bLassoCursor and the window's cursor together.
+    void ShowCursor(PaneCursor cursor);
+
+    // ---- view/PlaneInput.cpp: the clip plane under the mouse
+    /// Sets the mode; the handles that it does not use are hidden.
+    void EnterPlaneDrag(std::int32_t x, std::int32_t y, std::int32_t mode);
+    /// With the handle that the last hover found.
+    void BeginPlaneHandleDrag(std::int32_t x, std::int32_t y);
+    void EndPlaneDrag(bool ctrl);
+    void HoverOverPlane(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    /// Turns the plane as if it were glued to a view that the travel turns.
+    void RotatePlane(std::int32_t dx, std::int32_t dy);
+    void ShowPlaneHandles(PlaneHandles handles);
+    [[nodiscard]] Double2 PlaneCenterOnScreen();
+    /// Of the normal; its length is that of a unit on the screen, exactly 0 for a plane seen face-on.
+    [[nodiscard]] Double2 PlaneNormalOnScreen();
+
+    // ---- view/Keys.cpp
+    void OnKey(const KV_ScenePane::KeyInput& input) override;
+    void OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags);
+    void OnKeyReleased(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags);
+    void EscapePressed(std::int32_t nFlags);
+    void CtrlPressed();
+
+    // ---- view/RotateView.cpp
+    void RotateView(std::int32_t dx, std::int32_t dy);
+    /// @p frame after a mouse travel, by the rotation mode and the roll of the control.
+    [[nodiscard]] ViewFrame ComputeRotatedFrame(const ViewFrame& frame, std::int32_t dx, std::int32_t dy) const;
+
+    // ---- view/Animation.cpp
+    void AnimationStep();
+
+    // ---- markers/Picking.cpp
+    /// The visible object under a pixel, or -1; @p hit takes the point, world frame. Keeps the pick in m_fPickPoint.
+    std::int32_t PickObjectAt(std::int32_t x, std::int32_t y, Float3* hit);
+    /// Has the object of the list whose part lies at the pixel store its pick; the others forget theirs. Draws into the
+    /// back buffer; the caller holds g_drawLock. @param y  from the bottom of the window
+    void PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y);
+    /// Fires SelectViewDirection in pick mode 1. The dispatcher has a slot for it that no input reaches.
+    void OnRightDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y);
 
     std::unique_ptr<PaneWindow> m_pWindow;                    ///< never null
     KV_ScenePane::_DKV_ScenePaneEvents* m_pEvents = nullptr;  ///< the host's, or null
@@ -514,5 +644,6 @@ public:
     float m_fAnimationSpeed = 0.2f;  ///< revolutions per second
     Float3 m_fAnimationAxis{0, 0, 1};
     std::int64_t m_nAnimationStart = 0, m_nAnimationLast = 0;  ///< counter readings
+    std::int64_t (*m_pfnCounter)() = PerformanceCounter;       ///< tests put a clock of their own here
     std::uint8_t m_bAnimationRunning = 0, m_bToggleAnimationOnSpacebar = 0;
 };

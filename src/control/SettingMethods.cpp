@@ -2,7 +2,6 @@
 #include <GL/glew.h>
 
 #include "control/ScenePaneCtrl.h"
-#include "platform/DebugOutput.h"
 
 namespace {
 
@@ -75,13 +74,11 @@ void CKV_ScenePaneCtrl::SetArrowColor(std::int32_t color) {
 
 void CKV_ScenePaneCtrl::ShowLightingArrow(std::int16_t show) {
     m_nShowArrow = show;
-    if (show == 1) DebugOutput("CKV_ScenePaneCtrl::ShowLightingArrow(): this version does not draw the arrow yet\n");
     RefreshControl();
 }
 
 void CKV_ScenePaneCtrl::ShowAxes(std::int16_t show) {
     m_nShowAxes = show;
-    if (show == 1) DebugOutput("CKV_ScenePaneCtrl::ShowAxes(): this version does not draw the axes yet\n");
     RefreshControl();
 }
 

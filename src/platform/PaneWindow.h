@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "KV_ScenePane/Input.h"
+
 /// What a window tells its owner, always on the thread that drives the window.
 class WindowClient {
 public:
@@ -15,6 +17,12 @@ public:
     virtual void OnPaint() = 0;
     /// A posted private message arrived.
     virtual void OnPrivateMessage(std::uint32_t message) = 0;
+    /// The mouse moved, or a button or the wheel did something. Moves and releases keep coming from outside the window
+    /// while a button is held, and a release that the window system cannot deliver, because the window was hidden,
+    /// comes with the next thing that does. Moves that wait together are one move.
+    virtual void OnMouse(const KV_ScenePane::MouseInput& /*input*/) {}
+    /// A key of the focused window. Presses of a held key that wait together are one press with their count.
+    virtual void OnKey(const KV_ScenePane::KeyInput& /*input*/) {}
 
 protected:
     ~WindowClient() = default;
@@ -115,6 +123,7 @@ public:
     virtual void SwapBuffers() = 0;
 
     // ---- pointer
+    /// A capture is the client's own note of a drag. It needs nothing of the window system: see OnMouse().
     virtual void SetCapture() = 0;
     virtual void ReleaseCapture() = 0;
     [[nodiscard]] virtual bool HasCapture() const = 0;

@@ -1,6 +1,8 @@
-// Window, events and pointer. The OpenGL half is GlxContext.cpp, the X errors are X11Connection.cpp.
+// Window, events, pointer and focus. The OpenGL half is GlxContext.cpp, the X errors are X11Connection.cpp, and what
+// pointer and keys mean is X11Input.cpp.
 #include "platform/X11Window.h"
 
+#include <X11/XKBlib.h>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -17,10 +19,22 @@ namespace {
 constexpr std::int32_t kLongestSide = 32767;       // X carries sizes in 16 bits
 constexpr std::uintptr_t kLargestId = 0x1FFFFFFF;  // X leaves the three top bits of an id zero
 
+constexpr long kPointerMask = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
+constexpr long kKeyMask = KeyPressMask | KeyReleaseMask;
+constexpr long kWindowMask = StructureNotifyMask | ExposureMask | FocusChangeMask | kPointerMask;
+
 std::string ParentText(std::uintptr_t handle) {
     char text[32];
     std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(handle));
     return std::string("The parent ") + text;
+}
+
+/// Only of what Xlib has read already.
+bool NextIsOneWith(Display* display, const XEvent& event) {
+    if (XEventsQueued(display, QueuedAlready) == 0) return false;
+    XEvent next{};
+    XPeekEvent(display, &next);
+    return X11Input::AreOne(event, next);
 }
 
 unsigned XSide(std::int32_t side) { return static_cast<unsigned>(std::clamp(side, 1, kLongestSide)); }
@@ -59,6 +73,8 @@ bool X11Window::Open(std::string* reason) {
         return false;
     }
     m_messages.Watch(ConnectionNumber(m_pConnection->Get()));
+    m_keyboard = X11Keyboard::Of(m_pConnection->Get());
+    XkbSetDetectableAutoRepeat(m_pConnection->Get(), True, nullptr);  // a held key repeats its press alone
     m_pGlx = std::make_unique<GlxContext>(*m_pConnection, m_parent.screen);
     return true;
 }
@@ -92,7 +108,20 @@ void X11Window::Close() {
     m_pConnection.reset();
     m_nWindow = m_nColors = 0;
     m_nCursorShape = kParentsCursor;
-    m_bCapture = false;
+    m_bCapture = m_bListensToKeys = false;
+    m_input = {};
+    m_untold.clear();
+    m_keyboard = {};
+}
+
+bool X11Window::Recreate() {
+    const bool hadFocus = HasFocus();
+    X11Input input = m_input;
+    input.ForgetKeys();
+    if (!QueuedWindow::Recreate()) return false;
+    m_input = input;
+    if (hadFocus) TakeFocus();
+    return true;
 }
 
 bool X11Window::Exists() const { return m_nWindow != 0 && m_pConnection->IsAlive(); }
@@ -165,7 +194,7 @@ bool X11Window::MakeWindow(const GlxContext::WindowFormat& format) {
     m_nColors = XCreateColormap(display, RootWindow(display, m_parent.screen), visual, AllocNone);
     XSetWindowAttributes attributes{};
     attributes.colormap = m_nColors;
-    attributes.event_mask = StructureNotifyMask | ExposureMask;
+    attributes.event_mask = kWindowMask;
     // No background: the server would clear what the next frame covers anyway, and it would flicker.
     attributes.background_pixmap = None;
     m_nWindow = XCreateWindow(display, m_parent.window, m_request.x, m_request.y, XSide(m_size.width),
@@ -175,7 +204,10 @@ bool X11Window::MakeWindow(const GlxContext::WindowFormat& format) {
         m_nWindow = 0;
         return false;
     }
-    if (!IsChild()) DescribeToWindowManager();
+    if (!IsChild()) {
+        DescribeToWindowManager();
+        ListenToKeys(true);
+    }
     ShowCursor();
     return true;
 }
@@ -190,6 +222,10 @@ void X11Window::DescribeToWindowManager() {
     m_nDeleteWindow = XInternAtom(display, "WM_DELETE_WINDOW", False);
     Atom protocols[] = {m_nDeleteWindow};
     XSetWMProtocols(display, m_nWindow, protocols, 1);
+    XWMHints hints{};
+    hints.flags = InputHint;
+    hints.input = True;
+    XSetWMHints(display, m_nWindow, &hints);
 }
 
 bool X11Window::CreateContext(const ContextAttributes& attributes) {
@@ -237,23 +273,6 @@ void X11Window::SwapBuffers() {
 
 // ---- pointer
 
-void X11Window::SetCapture() {
-    if (!Exists()) return;
-    const RoundTrip roundTrip(*this);
-    constexpr unsigned kPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
-    m_bCapture = XGrabPointer(m_pConnection->Get(), m_nWindow, False, kPointerEvents, GrabModeAsync, GrabModeAsync,
-                              None, None, CurrentTime) == GrabSuccess;
-}
-
-void X11Window::ReleaseCapture() {
-    if (!m_bCapture) return;
-    m_bCapture = false;
-    if (!Exists()) return;
-    const RoundTrip roundTrip(*this);
-    XUngrabPointer(m_pConnection->Get(), CurrentTime);
-    XSync(m_pConnection->Get(), False);  // whoever grabs next may be on another connection
-}
-
 void X11Window::SetCursor(PaneCursor cursor) {
     m_cursor = cursor;
     ShowCursor();
@@ -295,15 +314,26 @@ bool X11Window::SystemEventsWait() const {
 void X11Window::HandleSystemEvents() {
     const RoundTrip roundTrip(*this);
     // As many as wait now: a server that sends without end must not keep the host's loop here. A handler may close the
-    // window, and the connection with it.
+    // window and the connection with it, make both anew, or run a round of its own.
     for (int count = XPending(m_pConnection->Get()); count > 0 && m_pConnection != nullptr && Exists(); --count) {
+        Display* const display = m_pConnection->Get();
+        if (XEventsQueued(display, QueuedAlready) == 0) return;
         XEvent event{};
-        XNextEvent(m_pConnection->Get(), &event);
-        HandleEvent(event);
+        XNextEvent(display, &event);
+        int together = 1;
+        for (; count > 1 && NextIsOneWith(display, event); --count, ++together) XNextEvent(display, &event);
+        HandleEvent(event, together);
     }
 }
 
-void X11Window::HandleEvent(const _XEvent& event) {
+// Whatever calls the client comes last: it may have closed the window.
+void X11Window::HandleEvent(const _XEvent& event, int together) {
+    if (event.type == MappingNotify) {  // of no window
+        XMappingEvent mapping = event.xmapping;
+        XRefreshKeyboardMapping(&mapping);
+        m_keyboard = X11Keyboard::Of(m_pConnection->Get());
+        return;
+    }
     if (event.xany.window != m_nWindow) return;
     switch (event.type) {
         case Expose:
@@ -320,13 +350,26 @@ void X11Window::HandleEvent(const _XEvent& event) {
             m_request.y = event.xreparent.y;
             break;
         case UnmapNotify:
-            m_bCapture = false;  // the server has ended the grab
+            TellMouse(m_input.ReleaseButtons());
             break;
         case DestroyNotify:
             m_nWindow = 0;
             break;
         case ClientMessage:
             if (m_nDeleteWindow != 0 && static_cast<Atom>(event.xclient.data.l[0]) == m_nDeleteWindow) Destroy();
+            break;
+        case FocusIn:
+        case FocusOut:
+            TakeFocusChange(event);
+            break;
+        case ButtonPress:
+        case ButtonRelease:
+        case MotionNotify:
+            TakeMouse(event);
+            break;
+        case KeyPress:
+        case KeyRelease:
+            m_pClient->OnKey(m_input.TakeKey(event, together, m_keyboard));
             break;
         default:
             break;
@@ -343,4 +386,60 @@ void X11Window::TakeConfiguration(const _XEvent& event) {
     const bool sameSize = XSide(m_size.width) == static_cast<unsigned>(configuration.width) &&
                           XSide(m_size.height) == static_cast<unsigned>(configuration.height);
     if (!sameSize) m_size = {configuration.width, configuration.height};
+}
+
+void X11Window::TakeMouse(const _XEvent& event) {
+    std::vector<KV_ScenePane::MouseInput> inputs = m_input.TakeLostReleases(event);
+    if (const std::optional<KV_ScenePane::MouseInput> input = m_input.TakeMouse(event)) {
+        if (event.type == ButtonPress && input->kind != KV_ScenePane::MouseInput::Kind::Wheel) TakeFocus();
+        inputs.push_back(*input);
+    }
+    TellMouse(inputs);
+}
+
+// A handler may close the window, or run a round that tells the rest before what it finds itself.
+void X11Window::TellMouse(const std::vector<KV_ScenePane::MouseInput>& inputs) {
+    m_untold.insert(m_untold.end(), inputs.begin(), inputs.end());
+    while (!m_untold.empty()) {
+        const KV_ScenePane::MouseInput input = m_untold.front();
+        m_untold.pop_front();
+        m_pClient->OnMouse(input);
+    }
+}
+
+// ---- keys
+
+bool X11Window::HasFocus() {
+    if (!Exists()) return false;
+    const RoundTrip roundTrip(*this);
+    Window focused = None;
+    int revert = 0;
+    XGetInputFocus(m_pConnection->Get(), &focused, &revert);
+    return focused == m_nWindow;
+}
+
+// Not with the time of the press, as programs do that share the screen: a window manager may have given the focus to
+// the host's window for the same press, at a later time, and the pane inside it would stay deaf.
+void X11Window::TakeFocus() {
+    const RoundTrip roundTrip(*this);
+    const X11Connection::Attempt attempt(*m_pConnection);
+    XSetInputFocus(m_pConnection->Get(), m_nWindow, RevertToParent, CurrentTime);
+    if (attempt.Succeeded()) ListenToKeys(true);
+}
+
+void X11Window::TakeFocusChange(const _XEvent& event) {
+    const XFocusChangeEvent& change = event.xfocus;
+    if (event.type == FocusOut) m_input.ForgetKeys();
+    const bool isByGrab = change.mode == NotifyGrab || change.mode == NotifyUngrab;
+    const bool isByPointer = change.detail == NotifyPointer || change.detail == NotifyPointerRoot;
+    if (IsChild() && !isByGrab && !isByPointer) ListenToKeys(event.type == FocusIn);
+}
+
+// X gives the keys of a focused window to the child below the pointer, if that listens: a pane that always did would
+// take what the user types into a field of the host while the pointer rests on the pane.
+void X11Window::ListenToKeys(bool listen) {
+    if (listen == m_bListensToKeys) return;
+    m_bListensToKeys = listen;
+    XSelectInput(m_pConnection->Get(), m_nWindow, listen ? kWindowMask | kKeyMask : kWindowMask);
+    XFlush(m_pConnection->Get());
 }

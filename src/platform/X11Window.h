@@ -1,11 +1,14 @@
 // A window of an X server, a child of the host's window or top-level, drawn by GLX. Every window has a connection of
 // its own: what the host does on its connections, and other viewers on theirs, never mixes with it.
 #pragma once
+#include <deque>
 #include <memory>
+#include <vector>
 
 #include "platform/GlxContext.h"
 #include "platform/QueuedWindow.h"
 #include "platform/X11Connection.h"
+#include "platform/X11Input.h"
 
 union _XEvent;
 
@@ -17,6 +20,8 @@ public:
     X11Window(const X11Window&) = delete;
     X11Window& operator=(const X11Window&) = delete;
 
+    /// A drag and the keys go on in the new window.
+    bool Recreate() override;
     [[nodiscard]] bool Exists() const override;
     [[nodiscard]] std::uintptr_t NativeHandle() const override { return Exists() ? m_nWindow : 0; }
     bool Reparent(std::uintptr_t parent, std::int32_t x, std::int32_t y) override;
@@ -33,8 +38,11 @@ public:
     [[nodiscard]] void* ContextHandle() const override { return m_pGlx == nullptr ? nullptr : m_pGlx->Handle(); }
     void SwapBuffers() override;
 
-    void SetCapture() override;
-    void ReleaseCapture() override;
+    // The handlers' own note of a drag. X keeps the pointer with the window in which a button went down until all are
+    // up, and more is not needed: a grab of ours could outlast the buttons, and nobody else on the screen would have
+    // the pointer then.
+    void SetCapture() override { m_bCapture = Exists(); }
+    void ReleaseCapture() override { m_bCapture = false; }
     [[nodiscard]] bool HasCapture() const override { return m_bCapture; }
     void SetCursor(PaneCursor cursor) override;
     void BeginWaitCursor() override;
@@ -59,8 +67,15 @@ private:
     void DescribeToWindowManager();
     /// The window system took the window, whether its event was handled or only waits.
     bool IsTaken();
-    void HandleEvent(const _XEvent& event);
+    /// @param together  events that this one stands for
+    void HandleEvent(const _XEvent& event, int together);
     void TakeConfiguration(const _XEvent& event);
+    void TakeMouse(const _XEvent& event);
+    void TellMouse(const std::vector<KV_ScenePane::MouseInput>& inputs);
+    void TakeFocusChange(const _XEvent& event);
+    [[nodiscard]] bool HasFocus();
+    void TakeFocus();
+    void ListenToKeys(bool listen);
     void ShowCursor();
     [[nodiscard]] bool IsChild() const { return m_request.kind == PaneWindowRequest::Kind::Child; }
 
@@ -72,6 +87,10 @@ private:
     unsigned long m_nColors = 0;
     unsigned long m_nDeleteWindow = 0;  ///< the atom by which a window manager asks to close
     bool m_bCapture = false;
+    X11Input m_input;
+    std::deque<KV_ScenePane::MouseInput> m_untold;  ///< one event may be several inputs, and a handler may run a round
+    X11Keyboard m_keyboard;
+    bool m_bListensToKeys = false;
     PaneCursor m_cursor = PaneCursor::Default;
     int m_nWaitCursors = 0;
     static constexpr unsigned kParentsCursor = ~0u;

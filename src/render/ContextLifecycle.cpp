@@ -2,10 +2,12 @@
 // The log lines keep the words that support people search for, whatever the window system and the requested version.
 #include <GL/glew.h>
 
+#include <span>
 #include <string>
 
 #include "control/ScenePaneCtrl.h"
 #include "log/Log.h"
+#include "platform/Fonts.h"
 
 namespace {
 
@@ -32,6 +34,15 @@ void SetInitialGlState() {
     glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
     glClearDepth(1.0);
     glEnable(GL_MULTISAMPLE);
+}
+
+/// The first of 96 lists, for the characters from the blank on; they draw nothing where there is no font.
+GLuint MakeBoldLists() {
+    constexpr std::size_t kFirst = ' ', kCount = 96;
+    const GLuint base = glGenLists(kCount);
+    const GlyphSet bold = RasterizeFont({.family = "Courier New", .weight = 700, .height = -16});
+    if (!bold.IsEmpty()) CompileGlyphs(base, std::span(bold.glyphs).subspan(kFirst, kCount));
+    return base;
 }
 
 std::string FailureMessage(bool formatValid, std::int32_t major, std::int32_t minor) {
@@ -103,15 +114,18 @@ bool CKV_ScenePaneCtrl::CreateRenderContext(std::int32_t format, std::int32_t ma
     Log(LogLevel::Info) << "Opengl 3.3 context created." << std::endl;
     if (!MakeContextCurrent()) return false;
     InitFramebuffers();
-    m_textDraw.CreateFonts(*m_pDC);
-    m_nFontListBase = glGenLists(96);
+    m_textDraw.CreateFonts(RasterizeFont);
+    m_nFontListBase = MakeBoldLists();
     SetInitialGlState();
+    UploadOverlays();
     return true;
 }
 
 void CKV_ScenePaneCtrl::OnDestroy() {
     if (m_pInteractionDlg != nullptr) m_pInteractionDlg->Finish();
     ClearData();
+    // The textures go with the context, and the next one gives their names to others until it has the images again.
+    for (Overlay& overlay : m_vOverlays) overlay.m_uTexture = 0;
     m_pWindow->DeleteContext();
     m_hRC = nullptr;
     m_pDC = nullptr;

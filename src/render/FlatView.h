@@ -5,11 +5,13 @@
 class FlatView {
 public:
     /// The drawing area spans -halfWidth to halfWidth and -halfHeight to halfHeight.
-    FlatView(double halfWidth, double halfHeight) {
+    FlatView(double halfWidth, double halfHeight) : FlatView(-halfWidth, halfWidth, -halfHeight, halfHeight, -10, 10) {}
+    /// The borders of the drawing area; left and right differ, and so do bottom and top.
+    FlatView(double left, double right, double bottom, double top, double near, double far) {
         glMatrixMode(GL_PROJECTION);
         glPushMatrix();
         glLoadIdentity();
-        glOrtho(-halfWidth, halfWidth, -halfHeight, halfHeight, -10, 10);
+        glOrtho(left, right, bottom, top, near, far);
         glMatrixMode(GL_MODELVIEW);
         glPushMatrix();
         glLoadIdentity();

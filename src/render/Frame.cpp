@@ -94,7 +94,7 @@ void CKV_ScenePaneCtrl::DrawOverScene() {
     if (m_bLine3DDrawingMode != 0) DrawLines3D(3.0f);
     if (m_bNeedleDrawingMode != 0) DrawNeedles(1);
     if (m_pCutSession != nullptr) DrawCutSession();
-    if (m_nPickMode == 1) DrawCross();
+    if (m_nPickMode == PickModeCross) DrawCross();
     if (m_nShowArrow == 1) DrawLightingArrow();
     if (m_nShowAxes == 1) DrawAxes();
     DrawOverlays();
@@ -144,7 +144,7 @@ void CKV_ScenePaneCtrl::DrawScene() {
     glEnable(GL_LIGHTING);
     glEnable(GL_LIGHT0);
     glColor3f(0.8f, 0.0f, 1.0f);
-    if (m_bPickPointValid != 0 && m_nPickMode == 5) DrawPickPointSpheres();
+    if (m_bPickPointValid != 0 && m_nPickMode == PickModePoints) DrawPickPointSpheres();
     glDisable(GL_LIGHTING);
     glDisable(GL_LIGHT0);
     glDisable(GL_COLOR_MATERIAL);

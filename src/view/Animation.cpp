@@ -1,8 +1,37 @@
-// The turntable animation's place in the frame, and the private message of the delayed input dispatch.
+// The turntable: runs by the clock in the frames that something else asks for, and asks for none but the first. The
+// maths is view/Turntable.h.
 #include "control/ScenePaneCtrl.h"
+#include "view/Turntable.h"
 
-// Called by the frame while an animation runs; nothing starts one yet.
-void CKV_ScenePaneCtrl::AnimationStep() {}
+void CKV_ScenePaneCtrl::StartAnimation(float revolutionsPerSecond) {
+    m_fAnimationSpeed = revolutionsPerSecond;
+    if (m_bAnimationRunning != 0) return;
+    m_nAnimationStart = m_nAnimationLast = m_pfnCounter();
+    m_bAnimationRunning = 1;
+    InvalidateControl(true);
+}
 
-// Only a waiting press arms the timer behind kTimerMessage, and no press is delivered yet.
-void CKV_ScenePaneCtrl::OnPrivateMessage(std::uint32_t /*message*/) {}
+void CKV_ScenePaneCtrl::StopAnimation() { m_bAnimationRunning = 0; }
+
+void CKV_ScenePaneCtrl::ToggleAnimationOnSpacebar(std::int32_t enabled) {
+    m_bToggleAnimationOnSpacebar = static_cast<std::uint8_t>(enabled);  // the low byte alone counts
+}
+
+CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::IsAnimationRunning() {
+    return m_bAnimationRunning != 0 ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse;
+}
+
+void CKV_ScenePaneCtrl::SetAnimationSpeed(float revolutionsPerSecond) { m_fAnimationSpeed = revolutionsPerSecond; }
+
+void CKV_ScenePaneCtrl::AnimationStep() {
+    const std::int64_t now = m_pfnCounter();
+    const TurntableClock clock{m_nAnimationStart, m_nAnimationLast, now, PerformanceFrequency()};
+    const TurntableStep step = StepTurntable(clock, m_fAnimationSpeed);
+    if (step.ended) {
+        m_bAnimationRunning = 0;
+        return;
+    }
+    m_nAnimationLast = now;
+    SetLiveFrame(TurnedFrame(LiveFrame(), m_fAnimationAxis, step.revolutions));
+    SetupViewMatrices();
+}

@@ -67,6 +67,7 @@ bool IsViewFrame(const Float3& wx, const Float3& wy) {
 }
 
 Float3 PannedCenter(const ViewFrame& frame, const PanScale& scale, std::int32_t dx, std::int32_t dy) {
+    if (scale.width < 1 || scale.height < 1) return frame.center;  // no pixel has a size
     const auto travel = [&](std::int32_t pixels, std::int32_t size, float aspect) {
         return static_cast<float>(pixels) * scale.sceneSize / (static_cast<float>(size) / aspect) * scale.zoom;
     };

@@ -48,6 +48,7 @@ struct PanScale {
     std::int32_t width, height;  ///< pixels
 };
 /// The centre after a mouse travel in pixels, window y downward: one pixel of travel is one pixel of picture.
+/// A window without area leaves it.
 [[nodiscard]] Float3 PannedCenter(const ViewFrame& frame, const PanScale& scale, std::int32_t dx, std::int32_t dy);
 
 /// The zoom after a drag of (dx, dy) pixels. The limits 0.1 and 10 are tested before the step, so that a step can

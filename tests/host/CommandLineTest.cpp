@@ -39,7 +39,7 @@ TEST(CommandLine, TakesEveryOptionOfAScreenshot) {
         Parsed({"--screenshot", "out.png", "--size", "333x777", "--view", "6", "--draw-mode", "5", "--zoom", "2.5",
                 "--skip", "3", "--confidence", "0.25", "--color", "102030", "--shadows", "a.pcm", "b.pax"});
     EXPECT_EQ(options.action, HostAction::Screenshot);
-    EXPECT_EQ(options.screenshotPath, "out.png");
+    EXPECT_EQ(options.picturePath, "out.png");
     EXPECT_EQ(options.width, 333);
     EXPECT_EQ(options.height, 777);
     EXPECT_EQ(options.view, 6);
@@ -51,6 +51,17 @@ TEST(CommandLine, TakesEveryOptionOfAScreenshot) {
     EXPECT_EQ(options.files, (std::vector<std::string>{"a.pcm", "b.pax"}));
 }
 
+TEST(CommandLine, TakesTheOptionsThatACaptureHeeds) {
+    const HostOptions options = Parsed({"--capture", "out.png", "--view", "6", "--zoom", "2.5", "--skip", "3",
+                                        "--confidence", "0.25", "--color", "102030", "a.pcm"});
+    EXPECT_EQ(options.action, HostAction::Capture);
+    EXPECT_EQ(options.picturePath, "out.png");
+    EXPECT_EQ(options.view, 6);
+    EXPECT_EQ(options.zoom, 2.5f);
+    EXPECT_EQ(options.import.skip, 3);
+    EXPECT_EQ(options.files, std::vector<std::string>{"a.pcm"});
+}
+
 TEST(CommandLine, TurnsRedFirstIntoRedInTheLowByte) {
     EXPECT_EQ(Parsed({"--color", "FF8001"}).import.color, 0x0180FF);
     EXPECT_EQ(Parsed({"--color=0a0b0c"}).import.color, 0x0C0B0A);
@@ -58,7 +69,7 @@ TEST(CommandLine, TurnsRedFirstIntoRedInTheLowByte) {
 
 TEST(CommandLine, TakesValuesBehindAnEqualsSignToo) {
     const HostOptions options = Parsed({"--screenshot=a=b.png", "--size=1x16384", "--confidence=-1e-3", "x.xdt"});
-    EXPECT_EQ(options.screenshotPath, "a=b.png");
+    EXPECT_EQ(options.picturePath, "a=b.png");
     EXPECT_EQ(options.width, 1);
     EXPECT_EQ(options.height, 16384);
     EXPECT_EQ(options.import.confidence, -1e-3f);
@@ -95,7 +106,7 @@ TEST(CommandLine, ReadsNumbersWithAPointWhateverTheLocale) {
 }
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
-    for (const char* const option : {"--screenshot", "--size", "--view", "--draw-mode", "--zoom", "--skip",
+    for (const char* const option : {"--screenshot", "--capture", "--size", "--view", "--draw-mode", "--zoom", "--skip",
                                      "--confidence", "--color", "--shadows", "--info", "--json", "--help", "--version"})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
@@ -156,6 +167,19 @@ const Wrong kWrong[] = {
     {"InfoWithoutFile", {"--info"}, "--info needs at least one file"},
     {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info only"},
     {"InfoAndScreenshot", {"--info", "--screenshot", "a.png", "a.pcm"}, "--info and --screenshot do not go together"},
+    {"CaptureWithoutFile", {"--capture", "a.png"}, "--capture needs at least one file"},
+    {"CaptureWithoutName", {"--capture=", "a.pcm"}, "--capture takes a file name, not \"\""},
+    {"CaptureAtTheEnd", {"a.pcm", "--capture"}, "--capture needs a value: a file name"},
+    {"CaptureAndScreenshot",
+     {"--capture", "a.png", "--screenshot", "b.png", "a.pcm"},
+     "--screenshot and --capture do not go together"},
+    {"CaptureAndInfo", {"--info", "--capture", "a.png", "a.pcm"}, "--info and --capture do not go together"},
+    {"CaptureWithJson", {"--capture", "a.png", "--json", "a.pcm"}, "--json goes with --info only"},
+    {"CaptureWithASize", {"--capture", "a.png", "--size", "9x9", "a.pcm"}, "--size has no meaning with --capture"},
+    {"CaptureWithADrawMode",
+     {"--draw-mode=1", "--capture", "a.png", "--zoom", "2", "a.pcm"},
+     "--draw-mode has no meaning with --capture"},
+    {"CaptureWithShadows", {"--shadows", "--capture", "a.png", "a.pcm"}, "--shadows has no meaning with --capture"},
     {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
 };

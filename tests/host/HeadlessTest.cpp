@@ -1,63 +1,14 @@
 #include "Headless.h"
 
 #include <gtest/gtest.h>
-#include <png.h>
 
-#include <cstdlib>
 #include <memory>
 
 #include "host/CommaLocale.h"
+#include "host/HeadlessRuns.h"
 #include "host/ScanFiles.h"
 
 namespace {
-
-/// A stream that remembers what was printed.
-class Printed {
-public:
-    Printed() : m_file(open_memstream(&m_pText, &m_nSize)) {}
-    ~Printed() {
-        std::fclose(m_file);
-        std::free(m_pText);
-    }
-    Printed(const Printed&) = delete;
-    Printed& operator=(const Printed&) = delete;
-    operator std::FILE*() const { return m_file; }
-    [[nodiscard]] std::string Text() const {
-        std::fflush(m_file);
-        return {m_pText, m_nSize};
-    }
-
-private:
-    char* m_pText = nullptr;
-    std::size_t m_nSize = 0;
-    std::FILE* m_file;
-};
-
-struct Png {
-    int width = 0, height = 0;
-    std::vector<png_byte> bytes;
-    /// RRGGBB, y from the top.
-    [[nodiscard]] unsigned At(int x, int y) const {
-        const png_byte* const rgb = &bytes.at(static_cast<std::size_t>(3 * (y * width + x)));
-        return static_cast<unsigned>(rgb[0] << 16 | rgb[1] << 8 | rgb[2]);
-    }
-};
-
-Png ReadPng(const std::string& path) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    Png png;
-    if (png_image_begin_read_from_file(&image, path.c_str()) == 0) {
-        ADD_FAILURE() << path << ": " << image.message;
-        return png;
-    }
-    image.format = PNG_FORMAT_RGB;
-    png.width = static_cast<int>(image.width);
-    png.height = static_cast<int>(image.height);
-    png.bytes.resize(PNG_IMAGE_SIZE(image));
-    png_image_finish_read(&image, nullptr, png.bytes.data(), 0, nullptr);
-    return png;
-}
 
 constexpr unsigned kBackground = 0x191932;  // red first
 
@@ -181,7 +132,7 @@ protected:
     void SetUp() override {
         unsetenv("DISPLAY");
         WriteXdt(m_folder / "a.xdt", 11, 11);
-        m_options.screenshotPath = m_folder / "a.png";
+        m_options.picturePath = m_folder / "a.png";
         m_options.width = m_options.height = 200;
         m_options.files = {m_folder / "a.xdt"};
     }
@@ -189,7 +140,7 @@ protected:
     [[nodiscard]] Png Taken() const {
         const Printed err;
         EXPECT_EQ(RunScreenshot(m_options, err), kExitGood) << err.Text();
-        return ReadPng(m_options.screenshotPath);
+        return ReadPng(m_options.picturePath);
     }
 
     ScratchFolder m_folder;
@@ -266,19 +217,19 @@ TEST_F(Screenshot, OfGoodAndBadFilesShowsTheGoodOnesAndFails) {
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
     EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "none.pax") + ": No such file or directory\n");
-    EXPECT_NE(ReadPng(m_options.screenshotPath).At(100, 100), kBackground);
+    EXPECT_NE(ReadPng(m_options.picturePath).At(100, 100), kBackground);
 }
 
 TEST_F(Screenshot, OfNothingIsNotWritten) {
     m_options.files = {m_folder / "none.pax"};
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
-    EXPECT_NE(access(m_options.screenshotPath.c_str(), F_OK), 0);
+    EXPECT_NE(access(m_options.picturePath.c_str(), F_OK), 0);
     EXPECT_NE(err.Text().find("a.png: not written, there is nothing to show\n"), std::string::npos);
 }
 
 TEST_F(Screenshot, SaysWhenThePictureCannotBeWritten) {
-    m_options.screenshotPath = m_folder / "no/a.png";
+    m_options.picturePath = m_folder / "no/a.png";
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
     EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "no/a.png") + ": No such file or directory\n");

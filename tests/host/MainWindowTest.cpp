@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QAction>
 #include <QDropEvent>
 #include <QLabel>
-#include <QMenu>
 #include <QMimeData>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -13,58 +11,12 @@
 #include <cstdlib>
 
 #include "ImportJob.h"
-#include "MessagePane.h"
-#include "ObjectList.h"
 #include "ViewerWidget.h"
-#include "host/QtUnderXvfb.h"
-#include "host/ScanFiles.h"
+#include "host/MainWindowFixture.h"
 
 namespace {
 
-constexpr std::uint32_t kBackground = 0x191932;  // red first
-
-class MainWindowTest : public testing::Test {
-protected:
-    void Show(const HostOptions& options = {}) {
-        m_window = std::make_unique<MainWindow>(options);
-        m_window->show();
-        ASSERT_TRUE(WaitUntil([&] { return m_window->Pane() != nullptr; }));
-    }
-    void WaitForImports() {
-        ASSERT_TRUE(WaitUntil([&] { return !m_window->IsImporting(); }));
-    }
-    void Import(const std::vector<std::string>& files) {
-        m_window->OpenFiles(files);
-        WaitForImports();
-    }
-    [[nodiscard]] int ObjectsInViewer() const { return m_window->Pane()->Methods().GetNumObjects(); }
-    [[nodiscard]] std::vector<std::string> Rows() const {
-        std::vector<std::string> names;
-        for (int i = 0; i < m_window->Objects().topLevelItemCount(); ++i)
-            names.push_back(m_window->Objects().topLevelItem(i)->text(ObjectList::kName).toStdString());
-        return names;
-    }
-    [[nodiscard]] std::string Messages() const { return m_window->Messages().toPlainText().toStdString(); }
-    /// The colour in the middle of the viewer, red first.
-    [[nodiscard]] std::uint32_t MiddlePixel() const {
-        KV_ScenePane::Picture picture;
-        EXPECT_TRUE(m_window->Pane()->CapturePicture(&picture));
-        const auto middle = static_cast<std::size_t>((picture.height / 2) * picture.width + picture.width / 2);
-        return picture.pixels.at(middle) & 0xFFFFFF;
-    }
-    /// Files 0.pcm, 1.pcm ...
-    [[nodiscard]] std::vector<std::string> ManyPcms(int count) const {
-        std::vector<std::string> files;
-        for (int i = 0; i < count; ++i) {
-            files.push_back(m_folder / (std::to_string(i) + ".pcm"));
-            WritePcm(files.back(), 60, 60);
-        }
-        return files;
-    }
-
-    const ScratchFolder m_folder;
-    std::unique_ptr<MainWindow> m_window;
-};
+using MainWindowTest = MainWindowFixture;
 
 TEST_F(MainWindowTest, EmbedsTheViewerAtTheSizeOfItsWidget) {
     Show();
@@ -192,31 +144,25 @@ TEST_F(MainWindowTest, FollowsItsMenus) {
     Show();
     WriteXdt(m_folder / "a.xdt", 11, 11);
     Import({m_folder / "a.xdt"});
-    const auto trigger = [&](const QString& text) {
-        for (QAction* const action : m_window->findChildren<QAction*>()) {
-            if (action->text().remove('&') == text) return action->trigger();
-        }
-        FAIL() << "no menu has " << text.toStdString();
-    };
     KV_ScenePane::_DKV_ScenePane& methods = m_window->Pane()->Methods();
-    trigger("Wireframe");
+    Trigger("Wireframe");
     EXPECT_EQ(methods.GetDrawMode(), 1);
-    trigger("Lit per pixel");
+    Trigger("Lit per pixel");
     EXPECT_EQ(methods.GetDrawMode(), 5);
-    trigger("Shadows");
+    Trigger("Shadows");
     EXPECT_EQ(methods.GetShadowMode(), 1);
-    trigger("Shadows");
+    Trigger("Shadows");
     EXPECT_EQ(methods.GetShadowMode(), 0);
-    trigger("From -Z, Y up");
+    Trigger("From -Z, Y up");
     float right[3], up[3], center[3], zoom;
     methods.GetViewParams(&right[0], &right[1], &right[2], &up[0], &up[1], &up[2], &center[0], &center[1], &center[2],
                           &zoom);
     EXPECT_EQ(right[0], -1.0f);
     methods.SetViewParams(1, 0, 0, 0, 1, 0, 500, 500, 0, 1, 0);
     EXPECT_EQ(MiddlePixel(), kBackground);
-    trigger("Centre");
+    Trigger("Centre");
     EXPECT_NE(MiddlePixel(), kBackground);
-    trigger("Clear");
+    Trigger("Clear");
     EXPECT_TRUE(Rows().empty());
 }
 
@@ -342,7 +288,7 @@ TEST_F(MainWindowTest, TakesItsShortcutsAlsoWhileThePointerIsOverTheViewer) {
 
 TEST_F(MainWindowTest, RunsTheShortcutsOfKeysThatTheViewerReports) {
     Show();
-    emit m_window->findChild<ViewerWidget*>()->KeyPressed('3');
+    emit m_window->findChild<ViewerWidget*>()->KeyPressed('3', Qt::NoModifier);
     float right[3] = {0, 0, 0}, rest[7];
     EXPECT_TRUE(WaitUntil([&] {
         m_window->Pane()->Methods().GetViewParams(&right[0], &right[1], &right[2], &rest[0], &rest[1], &rest[2],

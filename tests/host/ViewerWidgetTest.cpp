@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
 #include <QVBoxLayout>
+#include <vector>
 
 #include "host/QtUnderXvfb.h"
 
 // Last: Xlib defines common words.
 #include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
 
 namespace {
 
@@ -87,6 +91,54 @@ TEST(ViewerWidget, TellsWhenTheViewersWindowWasTakenAway) {
     EXPECT_TRUE(WaitUntil([&] { return !shown.reason.isEmpty(); }));
     EXPECT_EQ(shown.reason, "The viewer has lost its window.");
     EXPECT_EQ(shown.widget->Pane(), nullptr);
+}
+
+/// The user's hands, on a connection of their own.
+class Hands {
+public:
+    void Click(const QWidget& widget) {
+        const QPoint at = widget.mapToGlobal(QPoint(widget.width() / 2, widget.height() / 2));
+        XTestFakeMotionEvent(m_pDisplay.get(), -1, at.x(), at.y(), CurrentTime);
+        XTestFakeButtonEvent(m_pDisplay.get(), 1, True, CurrentTime);
+        XTestFakeButtonEvent(m_pDisplay.get(), 1, False, CurrentTime);
+        XSync(m_pDisplay.get(), False);
+    }
+    void Type(KeySym symbol) {
+        const KeyCode key = XKeysymToKeycode(m_pDisplay.get(), symbol);
+        XTestFakeKeyEvent(m_pDisplay.get(), key, True, CurrentTime);
+        XTestFakeKeyEvent(m_pDisplay.get(), key, False, CurrentTime);
+        XSync(m_pDisplay.get(), False);
+    }
+    [[nodiscard]] std::uintptr_t Focused() const {
+        Window window = None;
+        int revert = 0;
+        XGetInputFocus(m_pDisplay.get(), &window, &revert);
+        return window;
+    }
+
+private:
+    std::unique_ptr<Display, int (*)(Display*)> m_pDisplay = OwnConnection();
+};
+
+TEST(ViewerWidget, KeysGoWhereTheLastClickWas) {
+    Shown shown;
+    auto* const field = new QLineEdit;
+    shown.first.layout()->addWidget(field);
+    shown.first.resize(300, 200);
+    ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
+    std::vector<std::int32_t> keys;
+    QObject::connect(shown.widget, &ViewerWidget::KeyPressed, shown.widget, [&](auto key) { keys.push_back(key); });
+    ASSERT_TRUE(WaitUntil([&] { return Seen(shown.widget->Pane()->NativeWindow()).width == shown.widget->width(); }));
+    Hands hands;
+    hands.Click(*shown.widget);
+    ASSERT_TRUE(WaitUntil([&] { return hands.Focused() == shown.widget->Pane()->NativeWindow(); }));
+    hands.Type(XK_Down);
+    ASSERT_TRUE(WaitUntil([&] { return !keys.empty(); }));
+    hands.Click(*field);
+    ASSERT_TRUE(WaitUntil([&] { return hands.Focused() == shown.first.winId() && field->hasFocus(); }));
+    hands.Type(XK_c);
+    ASSERT_TRUE(WaitUntil([&] { return field->text() == "c"; }));
+    EXPECT_EQ(keys, std::vector<std::int32_t>{40});
 }
 
 }  // namespace

@@ -57,7 +57,18 @@ expect 1 'scenepane: square.stl: unknown file type' --info --json --color ff0000
 holds '"color": "FF0000"'
 expect 0 '' --screenshot square.png --size 40x30 square.xdt
 [ "$(head -c 4 square.png | tail -c 3)" = PNG ] || fail 'no PNG file'
-expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot and --info need none' square.xdt
+expect 0 '' --capture capture.png square.xdt
+# Width and height in the file's first chunk: 2048 is 00 00 08 00.
+[ "$(od -An -tx1 -j16 -N8 capture.png | tr -d ' ')" = 0000080000000800 ] || fail 'the capture has another size'
+expect 1 'scenepane: no/a.png: No such file or directory' --capture no/a.png square.xdt
+expect 1 'scenepane: none.pcm: No such file or directory
+scenepane: kept.png: not written, there is nothing to show' --capture kept.png none.pcm
+[ -e kept.png ] && fail 'a capture of nothing was written'
+expect 1 'scenepane: none.pcm: No such file or directory' --capture both.png square.xdt none.pcm
+[ -s both.png ] || fail 'the capture of the good file is missing'
+expect 2 'scenepane: --capture needs at least one file (scenepane --help tells more)' --capture a.png
+expect 2 'scenepane: --size has no meaning with --capture (scenepane --help tells more)' --capture a.png --size 9x9 square.xdt
+expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture and --info need none' square.xdt
 "$scenepane" --info square.xdt >/dev/full 2>/dev/null && fail 'a full disk went unnoticed'
 
 [ "$failures" = 0 ]

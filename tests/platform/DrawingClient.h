@@ -80,6 +80,16 @@ public:
         if (onMessage) onMessage(message);
     }
 
+    void OnMouse(const KV_ScenePane::MouseInput& input) override {
+        mouse.push_back(input);
+        if (onMouse) onMouse(input);
+    }
+
+    void OnKey(const KV_ScenePane::KeyInput& input) override {
+        keys.push_back(input);
+        if (onKey) onKey(input);
+    }
+
     /// The colour over all, and a white square of ten pixels at the bottom left.
     void Draw() {
         const WindowSize size = m_window.ClientSize();
@@ -108,6 +118,8 @@ public:
     bool deleteContextInOnDestroy = true;
     std::function<void()> onPaint, onDestroy;
     std::function<void(std::uint32_t)> onMessage;
+    std::function<void(const KV_ScenePane::MouseInput&)> onMouse;
+    std::function<void(const KV_ScenePane::KeyInput&)> onKey;
 
     // ---- what happened
     BootstrapReport report;
@@ -119,6 +131,8 @@ public:
     Rgba pixelInside, pixelInSquare;
     GLenum error = GL_NO_ERROR;
     std::vector<std::uint32_t> messages;
+    std::vector<KV_ScenePane::MouseInput> mouse;
+    std::vector<KV_ScenePane::KeyInput> keys;
 
 private:
     PaneWindow& m_window;

@@ -420,17 +420,6 @@ TEST_F(X11WindowTest, MovesIntoAnotherParentAndGoesOnDrawing) {
 
 // ---- pointer
 
-TEST_F(X11WindowTest, CaptureKeepsThePointerFromOthersUntilItIsReleased) {
-    ASSERT_TRUE(window.Create(client, &reason)) << reason;
-    EXPECT_TRUE(host.CanGrabPointer());
-    window.SetCapture();
-    EXPECT_TRUE(window.HasCapture());
-    EXPECT_FALSE(host.CanGrabPointer());
-    window.ReleaseCapture();
-    EXPECT_FALSE(window.HasCapture());
-    EXPECT_TRUE(host.CanGrabPointer());
-}
-
 TEST_F(X11WindowTest, CursorsFollowTheModeAndTheWaitCursorNests) {
     setenv("XCURSOR_CORE", "1", 1);  // the wait cursor of a theme moves, and is never the same twice
     ASSERT_TRUE(window.Create(client, &reason)) << reason;

@@ -1,31 +1,12 @@
 // What a frame draws in which case, and what keeps it from being drawn.
 #include <thread>
 
+#include "render/FrameWitness.h"
 #include "render/SceneFixture.h"
 
 using namespace lighting;
 
 namespace {
-
-/// Looks into the frame from its overlay step.
-class FrameWitness final : public CInteractionDlg {
-public:
-    explicit FrameWitness(CKV_ScenePaneCtrl& control) : m_control(control) { control.m_pInteractionDlg = this; }
-    ~FrameWitness() override { m_control.m_pInteractionDlg = nullptr; }
-    FrameWitness(const FrameWitness&) = delete;
-    FrameWitness& operator=(const FrameWitness&) = delete;
-    void Finish() override {}
-    void DrawInteraction() override {
-        ++frames;
-        if (inside) inside();
-    }
-
-    int frames = 0;
-    std::function<void()> inside;
-
-private:
-    CKV_ScenePaneCtrl& m_control;
-};
 
 class Frames : public SceneInEveryWindow {
 protected:
@@ -381,25 +362,8 @@ protected:
     /// One point in the middle of the window.
     void AddPoint(int id, const Vec3& at, const Vec3& color, float alpha) {
         ASSERT_TRUE(pane->MakeContextCurrent());
-        FreePointSet points;
-        points.id = id;
-        points.numPoints = 1;
+        FreePointSet points = MakePoint(id, at, color);
         points.alpha = alpha;
-        glGenVertexArrays(1, &points.vertexArray);
-        glBindVertexArray(points.vertexArray);
-        const auto attribute = [](GLuint index, GLuint* buffer, const Vec3& value) {
-            const GLfloat data[3] = {static_cast<GLfloat>(value[0]), static_cast<GLfloat>(value[1]),
-                                     static_cast<GLfloat>(value[2])};
-            glGenBuffers(1, buffer);
-            glBindBuffer(GL_ARRAY_BUFFER, *buffer);
-            glBufferData(GL_ARRAY_BUFFER, sizeof(data), data, GL_STATIC_DRAW);
-            glVertexAttribPointer(index, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
-            glEnableVertexAttribArray(index);
-        };
-        attribute(0, &points.positionBuffer, at);
-        attribute(1, &points.colorBuffer, color);
-        glBindVertexArray(0);
-        glBindBuffer(GL_ARRAY_BUFFER, 0);
         pane->m_mapFreePoints[id] = points;
     }
 };

@@ -106,6 +106,12 @@ protected:
         pane->SetupViewMatrices();
     }
 
+    /// The control has heard of it when this returns.
+    void Resize(int width, int height) {
+        pane.window->Resize(width, height);
+        pane->ProcessEvents();
+    }
+
     Mesh& Add(const Square& square, const Vec3& objectColor = {1, 1, 1}, bool hasColors = false) {
         auto mesh = square.ToMesh(hasColors);
         for (std::size_t i = 0; i < 3; ++i) mesh->m_fColor[i] = static_cast<float>(objectColor[i]);
@@ -180,3 +186,26 @@ class SceneInEveryWindow : public SceneTest, public testing::WithParamInterface<
 protected:
     SceneInEveryWindow() : SceneTest(GetParam()) {}
 };
+
+/// A point set of one point, as an import makes it. The context is current.
+inline FreePointSet MakePoint(std::int32_t id, const Vec3& at, const Vec3& color) {
+    FreePointSet points;
+    points.id = id;
+    points.numPoints = 1;
+    glGenVertexArrays(1, &points.vertexArray);
+    glBindVertexArray(points.vertexArray);
+    const auto attribute = [](GLuint index, GLuint* buffer, const Vec3& value) {
+        const GLfloat data[3] = {static_cast<GLfloat>(value[0]), static_cast<GLfloat>(value[1]),
+                                 static_cast<GLfloat>(value[2])};
+        glGenBuffers(1, buffer);
+        glBindBuffer(GL_ARRAY_BUFFER, *buffer);
+        glBufferData(GL_ARRAY_BUFFER, sizeof(data), data, GL_STATIC_DRAW);
+        glVertexAttribPointer(index, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glEnableVertexAttribArray(index);
+    };
+    attribute(0, &points.positionBuffer, at);
+    attribute(1, &points.colorBuffer, color);
+    glBindVertexArray(0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    return points;
+}

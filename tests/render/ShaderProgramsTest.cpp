@@ -6,38 +6,13 @@
 
 #include <sstream>
 
-#include "platform/WindowFactory.h"
 #include "render/ShaderSources.h"
+#include "support/BareContext.h"
 #include "support/TestFolder.h"
 
 namespace {
 
 using testing::ElementsAre;
-
-/// A window that makes its context and nothing else.
-class BareClient final : public WindowClient {
-public:
-    BareClient() : m_window(MakePaneWindow({})) {
-        TestFolder();
-        std::string reason;
-        if (!m_window->Create(*this, &reason)) ADD_FAILURE() << "no off-screen window: " << reason;
-    }
-    ~BareClient() { m_window->Destroy(); }
-    int OnCreate() override {
-        m_window->BeginBootstrap();
-        std::int32_t format = 0;
-        const bool chosen = m_window->ChoosePixelFormat({}, &format);
-        m_window->EndBootstrap();
-        const bool made = chosen && m_window->SetPixelFormat(format) && m_window->CreateContext({});
-        return made && m_window->MakeCurrent() ? 0 : -1;
-    }
-    void OnDestroy() override { m_window->DeleteContext(); }
-    void OnPaint() override {}
-    void OnPrivateMessage(std::uint32_t) override {}
-
-private:
-    std::unique_ptr<PaneWindow> m_window;
-};
 
 /// The lines that were logged since construction, without the times.
 class LogWatch {
@@ -70,7 +45,7 @@ const std::string kFragmentIn =
     "#version 330 compatibility\nin mat3 a;\nvoid main() { gl_FragColor = vec4(a[0], 1.0); }\n";
 
 TEST(ShaderPrograms, AllEightBuildInTheirOrderAndLogTwoLinesEach) {
-    const BareClient client;
+    const BareContext client;
     const LogWatch log;
     std::vector<std::string> expected;
     for (const char* name :
@@ -114,7 +89,7 @@ void ExpectUniforms(ShaderIndex index, const std::vector<UniformDefault>& defaul
 }
 
 TEST(ShaderPrograms, UniformsStartAtTheirDefaults) {
-    const BareClient client;
+    const BareContext client;
     // The colours count by their fourth number; a driver may drop what the result does not depend on.
     ExpectUniforms(kShaderPerPixel, {{"lightpos", {0, 5, 0}},
                                      {"colorAmbient", {1, 1, 1, 0.1f}},
@@ -140,7 +115,7 @@ TEST(ShaderPrograms, UniformsStartAtTheirDefaults) {
 }
 
 TEST(ShaderPrograms, PointsTakePositionAndColourAtFixedPlaces) {
-    const BareClient client;
+    const BareContext client;
     const ShaderSource& source = ShaderSources()[kShaderFreeFloatingPoints];
     const GLuint program = BuildProgram(source.name, source.vertex, source.fragment);
     EXPECT_EQ(glGetAttribLocation(program, "in_position"), 0);
@@ -150,7 +125,7 @@ TEST(ShaderPrograms, PointsTakePositionAndColourAtFixedPlaces) {
 }
 
 TEST(CompileShader, OfABrokenSourceIsZeroAndLogsTheCompilersWords) {
-    const BareClient client;
+    const BareContext client;
     const LogWatch log;
     EXPECT_EQ(CompileShader(kBroken, GL_FRAGMENT_SHADER), 0u);
     const std::vector<std::string> lines = log.Lines();
@@ -161,7 +136,7 @@ TEST(CompileShader, OfABrokenSourceIsZeroAndLogsTheCompilersWords) {
 }
 
 TEST(CompileShader, OfAnUnknownTypeIsZero) {
-    const BareClient client;
+    const BareContext client;
     const LogWatch log;
     EXPECT_EQ(CompileShader(kGoodVertex, GL_TEXTURE_2D), 0u);
     EXPECT_THAT(log.Lines(), ElementsAre("<ERROR>: Failed to initalize shader. "));
@@ -169,7 +144,7 @@ TEST(CompileShader, OfAnUnknownTypeIsZero) {
 }
 
 TEST(LinkProgram, ThatFailsIsZeroAndLogsTwoHeadersInOneLine) {
-    const BareClient client;
+    const BareContext client;
     const GLuint vertex = CompileShader(kVertexOut, GL_VERTEX_SHADER);
     const GLuint fragment = CompileShader(kFragmentIn, GL_FRAGMENT_SHADER);
     ASSERT_NE(vertex, 0u);
@@ -180,7 +155,7 @@ TEST(LinkProgram, ThatFailsIsZeroAndLogsTwoHeadersInOneLine) {
 }
 
 void BuildInAContextOfItsOwn(const std::string& vertex, const std::string& fragment) {
-    const BareClient client;
+    const BareContext client;
     (void)BuildProgram("doomed", vertex, fragment);
     std::exit(0);
 }

@@ -1,4 +1,4 @@
-// A window that passes every call on to a real one and notes what the control asked of it.
+// A window that passes every call on to a real one and notes what the control asked of it, and what the control heard.
 #pragma once
 #include <memory>
 #include <string>
@@ -6,7 +6,7 @@
 
 #include "platform/PaneWindow.h"
 
-class WindowProbe final : public PaneWindow {
+class WindowProbe : public PaneWindow, private WindowClient {
 public:
     explicit WindowProbe(std::unique_ptr<PaneWindow> window) : m_window(std::move(window)) {}
 
@@ -14,12 +14,19 @@ public:
     int refreshes = 0;
     int invalidates = 0;       ///< without erase
     int eraseInvalidates = 0;  ///< with erase
+    int swaps = 0;
     int waitCursorsBegun = 0, waitCursorsEnded = 0;
+    std::vector<std::uint32_t> stoppedTimers;
     std::vector<std::string> modalMessages;
 
+    // ---- what the window told the control, from its start
+    std::vector<KV_ScenePane::MouseInput> mouseHeard;
+    std::vector<KV_ScenePane::KeyInput> keysHeard;
+
     void Forget() {
-        refreshes = invalidates = eraseInvalidates = waitCursorsBegun = waitCursorsEnded = 0;
+        refreshes = invalidates = eraseInvalidates = swaps = waitCursorsBegun = waitCursorsEnded = 0;
         modalMessages.clear();
+        stoppedTimers.clear();
     }
 
     void Refresh() override { ++refreshes, m_window->Refresh(); }
@@ -32,7 +39,10 @@ public:
     }
 
     // ---- passed on
-    bool Create(WindowClient& client, std::string* reason) override { return m_window->Create(client, reason); }
+    bool Create(WindowClient& client, std::string* reason) override {
+        m_client = &client;
+        return m_window->Create(*this, reason);
+    }
     void Destroy() override { m_window->Destroy(); }
     bool Recreate() override { return m_window->Recreate(); }
     [[nodiscard]] bool Exists() const override { return m_window->Exists(); }
@@ -56,17 +66,31 @@ public:
     bool MakeCurrent() override { return m_window->MakeCurrent(); }
     void DeleteContext() override { m_window->DeleteContext(); }
     [[nodiscard]] void* ContextHandle() const override { return m_window->ContextHandle(); }
-    void SwapBuffers() override { m_window->SwapBuffers(); }
+    void SwapBuffers() override { ++swaps, m_window->SwapBuffers(); }
     void SetCapture() override { m_window->SetCapture(); }
     void ReleaseCapture() override { m_window->ReleaseCapture(); }
     [[nodiscard]] bool HasCapture() const override { return m_window->HasCapture(); }
     void SetCursor(PaneCursor cursor) override { m_window->SetCursor(cursor); }
     std::uint32_t StartTimer(std::uint32_t milliseconds) override { return m_window->StartTimer(milliseconds); }
-    void StopTimer(std::uint32_t id) override { m_window->StopTimer(id); }
+    void StopTimer(std::uint32_t id) override { stoppedTimers.push_back(id), m_window->StopTimer(id); }
     void PostPrivateMessage(std::uint32_t message) override { m_window->PostPrivateMessage(message); }
     [[nodiscard]] int EventDescriptor() const override { return m_window->EventDescriptor(); }
     void ProcessEvents() override { m_window->ProcessEvents(); }
 
 private:
+    int OnCreate() override { return m_client->OnCreate(); }
+    void OnDestroy() override { m_client->OnDestroy(); }
+    void OnPaint() override { m_client->OnPaint(); }
+    void OnPrivateMessage(std::uint32_t message) override { m_client->OnPrivateMessage(message); }
+    void OnMouse(const KV_ScenePane::MouseInput& input) override {
+        mouseHeard.push_back(input);
+        m_client->OnMouse(input);
+    }
+    void OnKey(const KV_ScenePane::KeyInput& input) override {
+        keysHeard.push_back(input);
+        m_client->OnKey(input);
+    }
+
     std::unique_ptr<PaneWindow> m_window;
+    WindowClient* m_client = nullptr;  ///< the control
 };

@@ -208,6 +208,14 @@ TEST(PannedCenter, UsesTheWidthInATallWindow) {
     ExpectNear(PannedCenter({}, scale, 20, 20), {-10, 10, 0}, 1e-5f, "half a unit a pixel");
 }
 
+TEST(PannedCenter, StaysInAWindowWithoutArea) {
+    const ViewFrame frame{.center = {5, 6, 7}};
+    for (const auto& [width, height] : {std::pair{0, 480}, std::pair{640, 0}, std::pair{0, 0}, std::pair{-1, -1}}) {
+        const PanScale scale{.sceneSize = 100, .zoom = 1, .aspectX = 1, .aspectY = 1, .width = width, .height = height};
+        EXPECT_EQ(PannedCenter(frame, scale, 10, 20), frame.center) << width << " x " << height;
+    }
+}
+
 struct ZoomStep {
     const char* name;
     float zoom;

@@ -1,0 +1,74 @@
+// One line an event. Numbers are written as the report of --info writes them: the locale has no say.
+#include "EventTeller.h"
+
+#include <initializer_list>
+#include <string_view>
+
+#include "SceneReport.h"
+
+namespace {
+
+struct Argument {
+    Argument(std::string_view argumentName, float value) : name(argumentName), text(NumberText(value)) {}
+    Argument(std::string_view argumentName, std::int64_t value) : name(argumentName), text(std::to_string(value)) {}
+    std::string_view name;
+    std::string text;
+};
+
+std::string Line(std::string_view event, std::initializer_list<Argument> arguments) {
+    std::string line(event);
+    line += '(';
+    for (const Argument& argument : arguments) {
+        if (line.back() != '(') line += ", ";
+        line.append(argument.name) += " = " + argument.text;
+    }
+    return line + ')';
+}
+
+}  // namespace
+
+void EventTeller::ReadyStateChange() { Tell(Line("ReadyStateChange", {})); }
+
+void EventTeller::SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz) {
+    Tell(Line("SelectViewDirection", {{"px", px}, {"py", py}, {"pz", pz}, {"vx", vx}, {"vy", vy}, {"vz", vz}}));
+}
+
+void EventTeller::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
+                                  std::int32_t mouseX, std::int32_t mouseY) {
+    Tell(Line("SelectObjCoords", {{"idx", std::int64_t{idx}},
+                                  {"px", px},
+                                  {"py", py},
+                                  {"pz", pz},
+                                  {"shiftModifiers", std::int64_t{shiftModifiers}},
+                                  {"mouseX", std::int64_t{mouseX}},
+                                  {"mouseY", std::int64_t{mouseY}}}));
+}
+
+void EventTeller::SegmentationDone(std::int16_t numObj) {
+    Tell(Line("SegmentationDone", {{"numObj", std::int64_t{numObj}}}));
+}
+
+void EventTeller::ViewDirectionChanged(float vx, float vy, float vz) {
+    Tell(Line("ViewDirectionChanged", {{"vx", vx}, {"vy", vy}, {"vz", vz}}));
+}
+
+void EventTeller::AlignmentDone() { Tell(Line("AlignmentDone", {})); }
+
+void EventTeller::NeedleCreated(std::int32_t id) { Tell(Line("NeedleCreated", {{"id", std::int64_t{id}}})); }
+
+void EventTeller::NeedleSelected(std::int32_t id) { Tell(Line("NeedleSelected", {{"id", std::int64_t{id}}})); }
+
+void EventTeller::NeedleDeleted(std::int32_t id) { Tell(Line("NeedleDeleted", {{"id", std::int64_t{id}}})); }
+
+void EventTeller::NeedleDeselected(std::int32_t id) { Tell(Line("NeedleDeselected", {{"id", std::int64_t{id}}})); }
+
+void EventTeller::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
+    Tell(Line("CustomKeyDown",
+              {{"nChar", std::int64_t{nChar}}, {"nRepCnt", std::int64_t{nRepCnt}}, {"nFlags", std::int64_t{nFlags}}}));
+}
+
+void EventTeller::PickPointCountChanged(std::int32_t newCount) {
+    Tell(Line("PickPointCountChanged", {{"newCount", std::int64_t{newCount}}}));
+}
+
+void EventTeller::CutMaskApplied(std::int64_t addr) { Tell(Line("CutMaskApplied", {{"addr", addr}})); }

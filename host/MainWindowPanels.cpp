@@ -1,0 +1,57 @@
+// The panes around the viewer, and who of them knows it.
+#include <QDockWidget>
+#include <QMenu>
+
+#include "AnimationPanel.h"
+#include "DecorationPanel.h"
+#include "EventPane.h"
+#include "LogoPanel.h"
+#include "MainWindow.h"
+#include "MessagePane.h"
+#include "ObjectList.h"
+#include "ViewerWidget.h"
+
+QDockWidget* MainWindow::AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area) {
+    auto* const dock = new QDockWidget(title, this);
+    dock->setObjectName(name);
+    dock->setWidget(widget);
+    addDockWidget(area, dock);
+    return dock;
+}
+
+void MainWindow::MakeDocks() {
+    m_pObjects = new ObjectList;
+    connect(m_pObjects, &ObjectList::VisibilityWanted, this, &MainWindow::ShowObject);
+    connect(m_pObjects, &ObjectList::ColorWanted, this, &MainWindow::ColorObject);
+    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::DeleteObject);
+    m_pMessages = new MessagePane;
+    m_pEvents = new EventPane;
+    connect(m_pViewer, &ViewerWidget::EventFired, m_pEvents, &EventPane::AddLine);
+    connect(m_pEvents, &EventPane::TracingWanted, this, [this](bool on) {
+        if (Pane() != nullptr) Pane()->Methods().TracingMode(on ? 1 : 0);
+    });
+    m_pDecorations = new DecorationPanel;
+    connect(m_pDecorations, &DecorationPanel::BackgroundWanted, this, &MainWindow::AskForBackground);
+    connect(m_pDecorations, &DecorationPanel::CrossWanted, this,
+            [this](bool on) { ChoosePickMode(on ? kPickModeCross : kPickModeOff); });
+    m_pLogo = new LogoPanel;
+    connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddText);
+    m_pAnimation = new AnimationPanel;
+    connect(m_pViewer, &ViewerWidget::Handled, m_pAnimation, &AnimationPanel::Check);
+
+    AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
+    QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
+    tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", m_pLogo, Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Animation"), "animation", m_pAnimation, Qt::RightDockWidgetArea));
+    decorations->raise();
+    AddDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
+    AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
+}
+
+void MainWindow::HandViewerToPanels() {
+    KV_ScenePane::_DKV_ScenePane* const methods = Pane() != nullptr ? &Pane()->Methods() : nullptr;
+    m_pDecorations->SetViewer(methods);
+    m_pLogo->SetViewer(methods);
+    m_pAnimation->SetViewer(methods);
+    m_pEvents->setEnabled(methods != nullptr);
+}

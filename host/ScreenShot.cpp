@@ -1,0 +1,12 @@
+// The viewer writes as many pixels as it says, into memory of the host's.
+#include "ScreenShot.h"
+
+KV_ScenePane::Picture TakeScreenShot(KV_ScenePane::_DKV_ScenePane& methods) {
+    std::int32_t width = 0, height = 0;
+    methods.GetScreenShotResolution(&width, &height);
+    if (width < 1 || height < 1) return {};
+    KV_ScenePane::Picture picture{width, height, {}};
+    picture.pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    methods.CaptureScreenShot(picture.pixels.data());
+    return picture;
+}

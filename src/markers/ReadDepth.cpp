@@ -1,0 +1,11 @@
+// The depth buffer under a pixel.
+#include "markers/ReadDepth.h"
+
+#include <GL/glew.h>
+
+std::optional<float> ReadDepthAt(std::int32_t x, std::int32_t y, std::int32_t height, float limit) {
+    float depth = 1.0f;  // stays where nothing can be read: outside the window
+    glReadPixels(x, height - y, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
+    if (!(depth < limit)) return std::nullopt;
+    return depth;
+}

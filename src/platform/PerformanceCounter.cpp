@@ -1,0 +1,10 @@
+#include "platform/PerformanceCounter.h"
+
+#include <chrono>
+
+std::int64_t PerformanceCounter() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+std::int64_t PerformanceFrequency() { return std::nano::den; }

@@ -1,0 +1,42 @@
+// Lit cones by GLU, which makes them along the z axis.
+#include "render/Cone.h"
+
+#include <GL/glew.h>
+//
+#include <GL/glu.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+/// Turns z to the direction, about the axis across both. One along z has no such axis: it stays as it is.
+void TurnFromZ(const Float3& direction, double length) {
+    const double cosine = direction[2] / length;
+    if (!(std::abs(std::abs(cosine) - 1.0) > 1e-6)) return;  // not so for a length of 0 either
+    const double degrees = std::acos(cosine) * 180.0 / std::numbers::pi;
+    glRotatef(static_cast<GLfloat>(degrees), -direction[1], direction[0], 0.0f);
+}
+
+}  // namespace
+
+void DrawCone(const Float3& base, const Float3& tip, float radius) {
+    GLfloat color[4] = {};
+    glGetFloatv(GL_CURRENT_COLOR, color);
+    glMaterialfv(GL_FRONT, GL_DIFFUSE, color);  // lighting asks the material, not the colour
+    const Float3 axis = tip - base;
+    const double length = std::sqrt(double{Dot(axis, axis)});
+    glPushMatrix();
+    glTranslatef(base[0], base[1], base[2]);
+    TurnFromZ(axis, length);
+
+    GLUquadric* const quadric = gluNewQuadric();
+    gluQuadricDrawStyle(quadric, GLU_FILL);
+    glEnable(GL_LIGHTING);
+    glEnable(GL_LIGHT0);
+    gluCylinder(quadric, radius, 0.0, length, 24, 2);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_LIGHT0);
+    gluDeleteQuadric(quadric);
+    glPopMatrix();
+}

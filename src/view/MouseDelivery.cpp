@@ -1,0 +1,97 @@
+// The road of the mouse from the window to the handlers: the dispatcher is view/MouseDispatch.h, the handlers are
+// MousePress.cpp, MouseMove.cpp and MouseRelease.cpp.
+#include "control/ScenePaneCtrl.h"
+
+namespace {
+
+template <auto Handler>
+void Deliver(CKV_ScenePaneCtrl* owner, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    (owner->*Handler)(flags, x, y);
+}
+
+}  // namespace
+
+void CKV_ScenePaneCtrl::ConnectMouseHandlers() {
+    m_mouseDispatch.owner = this;
+    m_mouseDispatch.onMove = Deliver<&CKV_ScenePaneCtrl::OnMouseMoved>;
+    m_mouseDispatch.onLeftDown = Deliver<&CKV_ScenePaneCtrl::OnLeftDown>;
+    m_mouseDispatch.onMiddleDown = Deliver<&CKV_ScenePaneCtrl::OnMiddleDown>;
+    m_mouseDispatch.onRightDown = Deliver<&CKV_ScenePaneCtrl::OnRightDown>;
+    m_mouseDispatch.onLeftUp = Deliver<&CKV_ScenePaneCtrl::OnLeftUp>;
+    m_mouseDispatch.onMiddleUp = Deliver<&CKV_ScenePaneCtrl::OnMiddleUp>;
+    m_mouseDispatch.onRightUp = Deliver<&CKV_ScenePaneCtrl::OnRightUp>;
+    m_mouseDispatch.onDoubleClick = Deliver<&CKV_ScenePaneCtrl::OnDoubleClick>;
+    m_mouseDispatch.onRightDoubleClick = Deliver<&CKV_ScenePaneCtrl::OnRightDoubleClick>;
+}
+
+void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    const MousePoint point{input.x, input.y};
+    const auto press = [&](std::int32_t button) {
+        DispatchPress(m_mouseDispatch, button, input.flags, point,
+                      [this](std::uint32_t milliseconds) { return m_pWindow->StartTimer(milliseconds); });
+    };
+    const auto release = [&](std::int32_t button) { DispatchRelease(m_mouseDispatch, button, input.flags, point); };
+    switch (input.kind) {
+        case Kind::Move:
+            DispatchMove(m_mouseDispatch, input.flags, point);
+            break;
+        case Kind::LeftDown:
+            press(kLeftButton);
+            break;
+        case Kind::LeftUp:
+            release(kLeftButton);
+            break;
+        case Kind::MiddleDown:
+            press(kMiddleButton);
+            break;
+        case Kind::MiddleUp:
+            release(kMiddleButton);
+            break;
+        case Kind::RightDown:
+            press(kRightButton);
+            break;
+        case Kind::RightUp:
+            release(kRightButton);
+            break;
+        case Kind::DoubleClick:
+            DispatchDoubleClick(m_mouseDispatch, input.flags, point);
+            break;
+        case Kind::Wheel:
+            OnMouseWheel(input.flags, input.delta);
+            break;
+    }
+}
+
+void CKV_ScenePaneCtrl::OnPrivateMessage(std::uint32_t message) {
+    if (message == kTimerMessage) OnDispatchTimer(m_mouseDispatch);
+}
+
+void CKV_ScenePaneCtrl::OnMouseWheel(std::uint32_t /*flags*/, std::int32_t delta) {
+    if (m_nAllowMouse != 1) return;
+    switch (m_nInteractionMode) {
+        case ModeIdle:
+        case ModeRotate:
+        case 2:  // nothing assigns it; it is among the modes that zoom
+        case ModePan:
+        case ModeAlignInteractive:
+        case ModeAlignPickPoints:
+        case ModePlaneHandle:
+            ZoomView(m_nIgdRotation != 0 ? delta / 2 : -(delta / 2), 0);
+            break;
+        default:
+            break;
+    }
+}
+
+void CKV_ScenePaneCtrl::AllowMouseInteraction(std::int16_t on) { m_nAllowMouse = on; }
+
+void CKV_ScenePaneCtrl::FlipMouseButtons(std::int16_t flip) { m_nFlipMouseButtons = flip; }
+
+void CKV_ScenePaneCtrl::SetIGDRotation(std::int16_t on) {
+    m_nIgdRotation = on;
+    const std::uint32_t timer = m_mouseDispatch.timerId;
+    SetDispatchMode(m_mouseDispatch, on != 0 ? kDelayedDispatch : kDirectDispatch);
+    // The timer of a press that was dropped must not deliver the next one early.
+    if (timer != 0 && m_mouseDispatch.timerId == 0) m_pWindow->StopTimer(timer);
+}

@@ -1,0 +1,127 @@
+// The dispatcher's two modes. A handler may call back into the dispatcher, so its record is read anew after each.
+#include "view/MouseDispatch.h"
+
+#include <cmath>
+
+#include "KV_ScenePane/Input.h"
+
+using KV_ScenePane::kMouseLeft;
+using KV_ScenePane::kMouseMiddle;
+using KV_ScenePane::kMouseRight;
+
+namespace {
+
+void Call(const MouseDispatch& dispatch, MouseHandler handler, std::uint32_t flags, MousePoint point) {
+    if (dispatch.owner != nullptr && handler != nullptr) handler(dispatch.owner, flags, point.x, point.y);
+}
+
+MouseHandler PressHandler(const MouseDispatch& dispatch, std::int32_t button) {
+    switch (button) {
+        case kLeftButton:
+            return dispatch.onLeftDown;
+        case kMiddleButton:
+            return dispatch.onMiddleDown;
+        case kRightButton:
+            return dispatch.onRightDown;
+        default:
+            return nullptr;
+    }
+}
+
+MouseHandler ReleaseHandler(const MouseDispatch& dispatch, std::int32_t button) {
+    switch (button) {
+        case kLeftButton:
+            return dispatch.onLeftUp;
+        case kMiddleButton:
+            return dispatch.onMiddleUp;
+        case kRightButton:
+            return dispatch.onRightUp;
+        default:
+            return nullptr;
+    }
+}
+
+bool HasTravelled(const MouseDispatch& dispatch) {
+    const double dx = static_cast<double>(dispatch.lastPoint.x) - dispatch.pressPoint.x;
+    const double dy = static_cast<double>(dispatch.lastPoint.y) - dispatch.pressPoint.y;
+    return static_cast<float>(std::sqrt(dx * dx + dy * dy)) >= static_cast<float>(dispatch.moveThreshold);
+}
+
+// A click shorter than the delay: its release follows its press at once. A handler that switches the delay off clears
+// the flags and so keeps the remaining releases back.
+void DeliverReleases(const MouseDispatch& dispatch) {
+    if ((dispatch.flags & kMouseLeft) != 0) Call(dispatch, dispatch.onLeftUp, dispatch.flags, dispatch.pressPoint);
+    if ((dispatch.flags & kMouseMiddle) != 0) Call(dispatch, dispatch.onMiddleUp, dispatch.flags, dispatch.pressPoint);
+    if ((dispatch.flags & kMouseRight) != 0) Call(dispatch, dispatch.onRightUp, dispatch.flags, dispatch.pressPoint);
+}
+
+}  // namespace
+
+void DispatchPress(MouseDispatch& dispatch, std::int32_t button, std::uint32_t flags, MousePoint point,
+                   const StartDispatchTimer& startTimer) {
+    if (dispatch.mode != kDelayedDispatch) {
+        Call(dispatch, PressHandler(dispatch, button), flags, point);
+        return;
+    }
+    if (dispatch.pending) {
+        dispatch.flags |= flags;
+    } else {
+        dispatch.pendingButton = button;
+        dispatch.pressFlags = flags;
+        dispatch.pressPoint = point;
+        dispatch.flags = flags;
+        dispatch.pending = true;
+        dispatch.timerId = startTimer(dispatch.delay);
+    }
+    dispatch.lastPoint = point;
+    dispatch.movedSinceCheck = true;
+}
+
+void DispatchRelease(MouseDispatch& dispatch, std::int32_t button, std::uint32_t flags, MousePoint point) {
+    const MouseHandler handler = ReleaseHandler(dispatch, button);
+    if (dispatch.mode != kDelayedDispatch)
+        Call(dispatch, handler, flags, point);
+    else if (dispatch.pending)
+        dispatch.releasePending = true;
+    else
+        Call(dispatch, handler, dispatch.flags, dispatch.pressPoint);
+}
+
+void DispatchMove(MouseDispatch& dispatch, std::uint32_t flags, MousePoint point) {
+    if (dispatch.owner == nullptr || dispatch.onMove == nullptr) return;
+    Call(dispatch, dispatch.onMove, flags, point);
+    dispatch.lastPoint = point;
+    dispatch.movedSinceCheck = true;
+}
+
+void DispatchDoubleClick(MouseDispatch& dispatch, std::uint32_t flags, MousePoint point) {
+    Call(dispatch, dispatch.onDoubleClick, flags, point);
+}
+
+void OnDispatchTimer(MouseDispatch& dispatch) {
+    if (!dispatch.pending) return;
+    if (dispatch.movedSinceCheck && HasTravelled(dispatch)) dispatch.flags |= kMouseMoved;
+    Call(dispatch, PressHandler(dispatch, dispatch.pendingButton), dispatch.flags, dispatch.pressPoint);
+    if (dispatch.releasePending) DeliverReleases(dispatch);
+
+    dispatch.timerId = 0;
+    dispatch.flags = 0;
+    dispatch.pending = false;
+    dispatch.pendingButton = 0;
+    dispatch.pressFlags = 0;
+    dispatch.pressPoint = {};
+    dispatch.releasePending = false;
+    dispatch.lastPoint = {};
+    dispatch.movedSinceCheck = false;
+}
+
+void SetDispatchMode(MouseDispatch& dispatch, std::int32_t mode) {
+    const bool dropsWhatWaits = dispatch.mode == kDelayedDispatch && mode == kDirectDispatch;
+    dispatch.mode = mode;
+    if (!dropsWhatWaits) return;
+    dispatch.timerId = 0;
+    dispatch.flags = 0;
+    dispatch.pending = false;
+    dispatch.releasePending = false;
+    dispatch.lastPoint = {};
+}

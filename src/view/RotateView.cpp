@@ -1,0 +1,19 @@
+// The drag that turns the view. The maths is view/Rotation.h.
+#include "view/Rotation.h"
+
+#include "control/ScenePaneCtrl.h"
+
+void CKV_ScenePaneCtrl::SetRotationMode(std::int16_t mode) { m_nRotationMode = mode; }
+
+void CKV_ScenePaneCtrl::RotateView(std::int32_t dx, std::int32_t dy) {
+    SetLiveFrame(ComputeRotatedFrame(LiveFrame(), dx, dy));
+    SetupViewMatrices();
+    if (m_bTracingMode != 0) FireViewDirectionChanged();
+    RefreshControl();
+}
+
+ViewFrame CKV_ScenePaneCtrl::ComputeRotatedFrame(const ViewFrame& frame, std::int32_t dx, std::int32_t dy) const {
+    const RotationRule rule{m_nRotationMode, m_bRollRotation != 0, m_nRollQuadrant, m_nWidth,
+                            m_nHeight,       m_fRotationCenter};
+    return ::ComputeRotatedFrame(frame, rule, dx, dy);
+}

@@ -1,0 +1,126 @@
+// Points on the plane's outline, by hand, and which handle a picked number stands for.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "clip/Plane.h"
+
+namespace {
+
+constexpr double kDegree = std::numbers::pi / 180;
+
+struct OutlineCase {
+    const char* name;
+    double degrees;
+    double x, y;
+};
+void PrintTo(const OutlineCase& row, std::ostream* out) { *out << row.name; }
+
+// The square has its corners at (1, -1), (1, 1), (-1, 1), (-1, -1). Between two corners a point goes by the share of
+// the angle: 90 degrees for an edge of length 2.
+const OutlineCase kOutlineCases[] = {
+    {"FirstBall", 0, 0, -1},
+    {"SecondBall", -90, -1, 0},
+    {"FirstCorner", 45, 1, -1},
+    {"MiddleOfTheFirstEdge", 90, 1, 0},
+    {"SecondCorner", 135, 1, 1},
+    {"OppositeToTheFirstBall", 180, 0, 1},
+    {"ThirdCorner", -135, -1, 1},
+    {"LastCorner", -45, -1, -1},
+    {"TwoThirdsOfTheWayToTheFirstCorner", 30, 2.0 / 3, -1},
+    {"ATenthOfAnEdgeBehindTheFirstCorner", 54, 1, -0.8},
+    {"OneTurnOn", 360, 0, -1},
+    {"SeveralTurnsBack", -90 - 1080, -1, 0},
+};
+class PlaneOutline : public testing::TestWithParam<OutlineCase> {};
+
+TEST_P(PlaneOutline, GoesThroughThePointAtAnAngle) {
+    Plane plane;
+    plane.m_dRadius = std::numbers::sqrt2;
+    const Double3 point = plane.OutlinePoint(GetParam().degrees * kDegree);
+    EXPECT_NEAR(point[0], GetParam().x, 1e-12);
+    EXPECT_NEAR(point[1], GetParam().y, 1e-12);
+    EXPECT_EQ(point[2], 0.0);
+}
+INSTANTIATE_TEST_SUITE_P(Square, PlaneOutline, testing::ValuesIn(kOutlineCases),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(PlaneOutlineShape, TakesTheStartAngleTwice) {
+    Plane plane;
+    plane.m_dRadius = std::numbers::sqrt2;
+    plane.m_dStartAngle = 0;  // corners on the axes; the point at 0 is the first corner
+    EXPECT_NEAR(plane.OutlinePoint(0)[0], std::numbers::sqrt2, 1e-12);
+    EXPECT_NEAR(plane.OutlinePoint(0)[1], 0, 1e-12);
+    plane.m_dStartAngle = std::numbers::pi / 4;  // corners at (1, 1) and (-1, 1), and half of the edge between them
+    EXPECT_NEAR(plane.OutlinePoint(0)[0], 0, 1e-12);
+    EXPECT_NEAR(plane.OutlinePoint(0)[1], 1, 1e-12);
+}
+
+TEST(PlaneOutlineShape, HasAsManyCornersAsThePolygon) {
+    Plane plane;
+    plane.m_dRadius = 1;
+    plane.m_dStartAngle = 0;
+    plane.m_nCorners = 3;
+    const Double3 middle = plane.OutlinePoint(60 * kDegree);  // between (1, 0) and (-1 / 2, sqrt 3 / 2)
+    EXPECT_NEAR(middle[0], 0.25, 1e-12);
+    EXPECT_NEAR(middle[1], std::sqrt(3.0) / 4, 1e-12);
+}
+
+TEST(PlaneOutlineShape, ScalesWithTheRadiusAndIgnoresTheFrame) {
+    Plane plane;
+    plane.SetRadiusFromExtent(5);
+    plane.SetCenter({7, 8, 9});
+    plane.SetNormal({1, 0, 0});
+    EXPECT_NEAR(plane.OutlinePoint(0)[0], 0, 1e-12);
+    EXPECT_NEAR(plane.OutlinePoint(0)[1], -5, 1e-12);
+}
+
+TEST(PlaneOutlineShape, StaysOnTheOutlineJustBelowAFullTurn) {
+    Plane plane;
+    plane.m_dRadius = std::numbers::sqrt2;
+    plane.m_dStartAngle = -1e-20;  // a negative rest that a full turn rounds to the full turn itself
+    const Double3 point = plane.OutlinePoint(0);
+    EXPECT_NEAR(point[0], std::numbers::sqrt2, 1e-12);
+    EXPECT_NEAR(point[1], 0, 1e-12);
+}
+
+struct HandleCase {
+    const char* name;
+    bool arrow, balls;
+    std::uint32_t number;
+    std::optional<PlaneHandle> pick;
+};
+void PrintTo(const HandleCase& row, std::ostream* out) { *out << row.name; }
+
+constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kBall}, kBall1{1, PlaneHandle::kBall};
+const HandleCase kHandleCases[] = {
+    {"ArrowOfAll", true, true, 0, kArrow},
+    {"FirstBallOfAll", true, true, 1, kBall0},
+    {"SecondBallOfAll", true, true, 2, kBall1},
+    {"BehindAll", true, true, 3, std::nullopt},
+    {"ArrowAlone", true, false, 0, kArrow},
+    {"BehindTheArrow", true, false, 1, std::nullopt},
+    {"FirstOfTheBallsAlone", false, true, 0, kBall0},
+    {"SecondOfTheBallsAlone", false, true, 1, kBall1},
+    {"BehindTheBalls", false, true, 2, std::nullopt},
+    {"NothingShown", false, false, 0, std::nullopt},
+    {"NearTheEndOfAllNumbers", true, true, 0xFFFFFFFF, std::nullopt},
+};
+class PlaneHandles : public testing::TestWithParam<HandleCase> {};
+
+TEST_P(PlaneHandles, AreNumberedByWhatIsShown) {
+    Plane plane;
+    plane.m_bMoveHandleVisible = GetParam().arrow;
+    plane.m_bRotateHandlesVisible = GetParam().balls;
+    EXPECT_FALSE(plane.IsPicked());
+    plane.OnPicked(GetParam().number);
+    EXPECT_EQ(plane.GetPick(), GetParam().pick);
+    EXPECT_EQ(plane.IsPicked(), GetParam().pick.has_value());
+    plane.ClearPick();
+    EXPECT_FALSE(plane.IsPicked());
+}
+INSTANTIATE_TEST_SUITE_P(Plane, PlaneHandles, testing::ValuesIn(kHandleCases),
+                         [](const auto& row) { return row.param.name; });
+
+}  // namespace

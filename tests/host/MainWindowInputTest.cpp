@@ -1,0 +1,202 @@
+// A real pointer and real keys on the viewer inside the host's window.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QSlider>
+#include <QSpinBox>
+#include <cmath>
+#include <cstdlib>
+#include <numbers>
+
+#include "ViewerWidget.h"
+#include "host/MainWindowFixture.h"
+
+namespace {
+
+/// The scene is empty: the centre is the origin, 1000 units span the shorter side, X points right and Y up.
+class MainWindowInput : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        Show();
+        m_window->activateWindow();
+        ASSERT_TRUE(WaitUntil([&] { return m_window->isActiveWindow(); }));
+        m_viewer = m_window->findChild<ViewerWidget*>();
+    }
+    static void Xdotool(const std::string& commands) { ASSERT_EQ(std::system(("xdotool " + commands).c_str()), 0); }
+    static std::string At(const QPoint& point) { return std::to_string(point.x()) + " " + std::to_string(point.y()); }
+    [[nodiscard]] QPoint Middle() const { return m_viewer->mapToGlobal(m_viewer->rect().center()); }
+    [[nodiscard]] int ShorterSide() const { return std::min(m_viewer->width(), m_viewer->height()); }
+
+    /// Drags from the viewer's middle, where no drag rolls. The press lies long enough behind for the delayed scheme.
+    void Drag(const std::string& button, const QPoint& by) const {
+        Xdotool("mousemove " + At(Middle()) + " mousedown " + button);
+        QElapsedTimer timer;
+        timer.start();
+        (void)WaitUntil([&] { return timer.elapsed() > 300; });
+        Xdotool("mousemove " + At(Middle() + by) + " mouseup " + button);
+    }
+    /// Waits until the view has these axes to the right and up, and this centre.
+    void ExpectView(const std::array<double, 9>& expected) const {
+        const auto matches = [&] {
+            const std::array<float, 10> view = View();
+            for (std::size_t i = 0; i < expected.size(); ++i) {
+                if (std::abs(static_cast<double>(view[i]) - expected[i]) > (i < 6 ? 1e-5 : 1e-2)) return false;
+            }
+            return true;
+        };
+        if (WaitUntil(matches)) return;
+        for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(View()[i], expected[i], 1e-5) << i;
+        FAIL() << "the view did not come to what was expected";
+    }
+    /// Lets all input arrive that is under way.
+    void Settle() const {
+        QElapsedTimer timer;
+        timer.start();
+        (void)WaitUntil([&] { return timer.elapsed() > 400; });
+    }
+
+    static constexpr std::array<double, 9> kStart{1, 0, 0, 0, 1, 0, 0, 0, 0};
+    ViewerWidget* m_viewer = nullptr;
+};
+
+TEST_F(MainWindowInput, TurnsTheViewWhereTheLeftButtonDrags) {
+    const int way = ShorterSide() / 3;
+    const double angle = std::numbers::pi * way / ShorterSide();
+    Drag("1", {way, 0});
+    ExpectView({std::cos(angle), 0, std::sin(angle), 0, 1, 0, 0, 0, 0});
+}
+
+TEST_F(MainWindowInput, TurnsAboutTheAxisOfTheChosenRotation) {
+    const int way = m_viewer->height() / 4;
+    const double angle = std::numbers::pi * way / m_viewer->height();
+    Trigger("About the horizontal axis");
+    Drag("1", {50, way});  // downward; the way across does not count
+    ExpectView({1, 0, 0, 0, std::cos(angle), -std::sin(angle), 0, 0, 0});
+}
+
+TEST_F(MainWindowInput, TurnsAboutTheVerticalAxisByTheWidth) {
+    const int way = m_viewer->width() / 4;
+    const double angle = std::numbers::pi * way / m_viewer->width();
+    Trigger("About the vertical axis");
+    Drag("1", {way, 50});
+    ExpectView({std::cos(angle), 0, std::sin(angle), 0, 1, 0, 0, 0, 0});
+}
+
+TEST_F(MainWindowInput, MovesTheSceneWithThePointerWhenTheButtonsAreFlipped) {
+    Trigger("Flipped: left moves, right turns");
+    Drag("1", {60, 30});
+    const double unit = 1000.0 / ShorterSide();  // to a pixel
+    ExpectView({1, 0, 0, 0, 1, 0, -60 * unit, 30 * unit, 0});
+}
+
+TEST_F(MainWindowInput, TurnsWithTheRightButtonInTheDelayedScheme) {
+    Trigger("Delayed: right turns, both move, left picks");
+    Drag("1", {90, 0});
+    Settle();
+    ExpectView(kStart);
+    const int way = ShorterSide() / 3;
+    const double angle = std::numbers::pi * way / ShorterSide();
+    Drag("3", {way, 0});
+    ExpectView({std::cos(angle), 0, std::sin(angle), 0, 1, 0, 0, 0, 0});
+    Trigger("Normal: left turns, right moves");
+    Drag("1", {-way, 0});
+    ExpectView(kStart);
+}
+
+TEST_F(MainWindowInput, LeavesTheViewAloneWhileTheMouseMovesNothing) {
+    Trigger("Mouse moves the scene");
+    Drag("1", {90, 20});
+    Xdotool("click 4");
+    Settle();
+    ExpectView(kStart);
+    EXPECT_EQ(View()[9], 1.0f);
+    Trigger("Mouse moves the scene");
+    Xdotool("mousemove " + At(Middle()) + " click 4");
+    EXPECT_TRUE(WaitUntil([&] { return View()[9] != 1.0f; }));
+}
+
+TEST_F(MainWindowInput, ZoomsByTheWheel) {
+    Xdotool("mousemove " + At(Middle()) + " click 4");  // one notch away from the user
+    EXPECT_TRUE(WaitUntil([&] { return std::abs(View()[9] - 1 / 1.12f) < 1e-5f; })) << View()[9];
+}
+
+TEST_F(MainWindowInput, RunsShortcutsWhileTheViewerHasTheKeyboard) {
+    // The click gives the viewer's window the keyboard; then the pointer leaves it, so that keys come by focus alone.
+    Xdotool("mousemove " + At(Middle()) + " click 1");
+    Settle();
+    Xdotool("mousemove " + At(m_window->mapToGlobal(QPoint(200, 5))) + " key 3");
+    ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
+    Xdotool("key ctrl+4");
+    EXPECT_TRUE(WaitUntil([&] { return m_window->Pane()->Methods().GetDrawMode() == 4; }));
+}
+
+TEST_F(MainWindowInput, GivesTheKeyboardBackToAFieldThatIsClicked) {
+    Xdotool("mousemove " + At(Middle()) + " click 1");
+    Settle();
+    auto* const field = m_window->findChild<QSpinBox*>("arrowAngleNumber");
+    field->selectAll();
+    Xdotool("mousemove " + At(field->mapToGlobal(QPoint(12, field->height() / 2))) + " click 1");
+    EXPECT_TRUE(WaitUntil([&] { return field->hasFocus() && m_window->isActiveWindow(); }));
+    Xdotool("key ctrl+a key 4 key 5");
+    EXPECT_TRUE(WaitUntil([&] { return field->value() == 45; })) << field->value();
+    ExpectView(kStart);  // the digits are shortcuts of views
+}
+
+/// Plain keys are for the input that has the keyboard; the viewer's own window has it no more.
+class MainWindowTyping : public MainWindowInput {
+protected:
+    /// Types the shortcuts of a view, of shadows and of a render mode. @param pointer  where the pointer is
+    void TypeInto(QWidget& input, const QPoint& pointer) {
+        input.setFocus();
+        ASSERT_TRUE(WaitUntil([&] { return input.hasFocus(); }));
+        Xdotool("mousemove " + At(pointer) + " key 3 key s key ctrl+4");
+        EXPECT_TRUE(WaitUntil([&] { return Methods().GetDrawMode() == 4; })) << "Ctrl is for the menus";
+        ExpectView(kStart);
+        EXPECT_EQ(Methods().GetShadowMode(), 0);
+    }
+    [[nodiscard]] QPoint OverNothing() const { return m_window->mapToGlobal(QPoint(200, 5)); }
+};
+
+TEST_F(MainWindowTyping, ChangesNoViewWhileASliderHasTheKeyboard) {
+    TypeInto(Find<QSlider>("arrowAngle"), OverNothing());
+}
+
+TEST_F(MainWindowTyping, ChangesNoViewWhileAFieldHasTheKeyboard) {
+    auto& field = Find<QSpinBox>("arrowAngleNumber");
+    TypeInto(field, OverNothing());
+    EXPECT_NE(field.value(), 0) << "the digit came into the field";
+}
+
+TEST_F(MainWindowTyping, ChangesNoViewWhileTheListHasTheKeyboard) {
+    WriteXdt(m_folder / "a.xdt", 2, 2);
+    Import({m_folder / "a.xdt"});
+    Methods().SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0);
+    TypeInto(m_window->Objects(), OverNothing());
+}
+
+TEST_F(MainWindowTyping, ChangesNoViewWhileThePointerIsOverTheViewer) {
+    TypeInto(Find<QSlider>("arrowAngle"), Middle());
+}
+
+TEST_F(MainWindowTyping, ChangesTheViewWhileACheckBoxHasTheKeyboard) {
+    Find<QCheckBox>("axes").setFocus();
+    Xdotool("mousemove " + At(OverNothing()) + " key 3");
+    ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
+}
+
+TEST_F(MainWindowTyping, ChangesTheViewOnceTheViewerWasClickedInstead) {
+    auto& slider = Find<QSlider>("arrowAngle");
+    slider.setFocus();
+    ASSERT_TRUE(WaitUntil([&] { return slider.hasFocus(); }));
+    Xdotool("mousemove " + At(Middle()) + " click 1");
+    Settle();
+    Xdotool("mousemove " + At(OverNothing()) + " key 3");
+    ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
+}
+
+TEST_F(MainWindowTyping, ChangesTheViewRightAfterTheStart) {
+    Xdotool("mousemove " + At(OverNothing()) + " key 3");
+    ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
+}
+
+}  // namespace

@@ -1,0 +1,111 @@
+// Saving a screenshot: its file, its question for a name, and what is told of it.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QImage>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <cstdlib>
+#include <fstream>
+#include <new>
+
+#include "host/MainWindowFixture.h"
+#include "host/ModalDialogs.h"
+
+// The address sanitizer has operators of its own, which must not be mixed with these.
+#ifndef __SANITIZE_ADDRESS__
+namespace {
+// Requests of at least so many bytes are refused.
+std::size_t g_refusedBytes = SIZE_MAX;
+}  // namespace
+
+void* operator new(std::size_t size) {
+    void* const memory = size >= g_refusedBytes ? nullptr : std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#endif
+
+namespace {
+
+class MainWindowScreenShot : public MainWindowFixture {
+protected:
+    void SetUp() override { Show(); }
+    /// Types a name into the dialog that the menu opens, and accepts. @return the dialog's title
+    QString SaveAs(const std::string& path) const {
+        QString title;
+        const DialogAnswer<QFileDialog> answer([&](QFileDialog& dialog) {
+            title = dialog.windowTitle();
+            dialog.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(path));
+            static_cast<QDialog&>(dialog).accept();
+            if (dialog.isVisible()) dialog.reject();  // the file was not to be overwritten
+        });
+        Trigger("Save screenshot...");
+        EXPECT_TRUE(answer.Came());
+        return title;
+    }
+};
+
+TEST_F(MainWindowScreenShot, HasItsOwnSizeWhateverThatOfTheWindow) {
+    const std::string path = m_folder / "shot.png";
+    EXPECT_TRUE(m_window->SaveScreenShot(path));
+    const QImage image(QString::fromStdString(path));
+    ASSERT_EQ(image.size(), QSize(2048, 2048));
+    EXPECT_EQ(image.pixel(0, 0) & 0xFFFFFF, kBackground);
+}
+
+TEST_F(MainWindowScreenShot, IsToldOfAmongTheMessages) {
+    const std::string path = m_folder / "shot.png";
+    EXPECT_TRUE(m_window->SaveScreenShot(path));
+    EXPECT_EQ(Messages(), path + ": screenshot of 2048 x 2048 pixels");
+}
+
+TEST_F(MainWindowScreenShot, TellsWhyItWasNotSaved) {
+    EXPECT_FALSE(m_window->SaveScreenShot(m_folder / "no/shot.png"));
+    EXPECT_NE(Messages().find("no/shot.png: not written: No such file or directory"), std::string::npos) << Messages();
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST_F(MainWindowScreenShot, TellsWhenItsMemoryIsRefused) {
+    const std::string path = m_folder / "shot.png";
+    bool saved = true;
+    g_refusedBytes = 2048 * 2048;
+    EXPECT_NO_THROW(saved = m_window->SaveScreenShot(path));
+    g_refusedBytes = SIZE_MAX;
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(Messages(), path + ": not written: there is not enough memory");
+    EXPECT_TRUE(m_window->SaveScreenShot(path)) << "and the next one works as ever";
+}
+#endif
+
+TEST_F(MainWindowScreenShot, GetsTheSuffixThatItsNameLacks) {
+    (void)SaveAs(m_folder / "shot");
+    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(m_folder / "shot")));
+    EXPECT_EQ(QImage(QString::fromStdString(m_folder / "shot.png")).size(), QSize(2048, 2048));
+}
+
+TEST_F(MainWindowScreenShot, AsksBeforeItOverwritesTheFileOfTheFullName) {
+    const std::string path = m_folder / "shot.png";
+    std::ofstream(path) << "old";
+    const DialogAnswer<QMessageBox> question([](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
+    (void)SaveAs(m_folder / "shot");
+    EXPECT_TRUE(question.Came());
+    EXPECT_EQ(QFileInfo(QString::fromStdString(path)).size(), 3);
+    EXPECT_EQ(Messages(), "");
+}
+
+TEST_F(MainWindowScreenShot, SaysBeforehandWhatItShows) {
+    const QString title = SaveAs(m_folder / "shot");
+    const QString tip = MenuAction("Save screenshot...").statusTip();
+    for (const char* const word : {"whole scene", "2048 x 2048", "shaded", "without axes, cross, arrow and logo"}) {
+        EXPECT_TRUE(title.contains(word)) << title.toStdString();
+        EXPECT_TRUE(tip.contains(word)) << tip.toStdString();
+    }
+}
+
+}  // namespace

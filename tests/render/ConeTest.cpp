@@ -1,0 +1,66 @@
+// A cone by itself: where it stands, and which one is not turned.
+#include "render/Cone.h"
+
+#include "render/FrameWitness.h"
+#include "render/SceneFixture.h"
+
+using namespace lighting;
+
+namespace {
+
+class Cones : public SceneTest {
+protected:
+    /// 24 pixels a unit; the camera looks down -y, with z to the top and -x to the right.
+    void DrawAndRead(const Float3& base, const Float3& tip, float radius) {
+        pane->SetViewMode(0);
+        camera.axisX = {-1, 0, 0}, camera.axisY = {0, 0, 1}, camera.axisZ = {0, 1, 0};
+        FrameWitness witness(*pane);
+        witness.inside = [&] {
+            glColor3f(1, 1, 1);
+            DrawCone(base, tip, radius);
+        };
+        Frame();
+    }
+    [[nodiscard]] bool IsDrawnAt(const Vec3& p) const {
+        const auto [x, y] = camera.ToWindow(p);
+        return DistanceAt(static_cast<int>(x), static_cast<int>(y), kBackground) > 10;
+    }
+};
+
+TEST_F(Cones, StandOnTheirBaseAndEndInTheirTip) {
+    const Float3 tips[] = {{3, 0, 0}, {-3, 0, 0}, {0, 0, 3}, {2, 0, -2}, {-2, 0.5f, -2}, {1, -1, 2}};
+    for (const Float3& tip : tips) {
+        DrawAndRead({0, 0, 0}, tip, 1);
+        const Vec3 t{tip[0], tip[1], tip[2]}, side = Unit({-t[2], 0, t[0]});  // across the axis and the sight
+        EXPECT_TRUE(IsDrawnAt(0.1 * t)) << tip[0] << tip[1] << tip[2];
+        EXPECT_TRUE(IsDrawnAt(0.93 * t));
+        EXPECT_TRUE(IsDrawnAt(0.1 * t + 0.75 * side));
+        EXPECT_TRUE(IsDrawnAt(0.1 * t + -0.75 * side));
+        EXPECT_FALSE(IsDrawnAt(1.05 * t));
+        EXPECT_FALSE(IsDrawnAt(0.1 * t + 1.1 * side));
+        EXPECT_FALSE(IsDrawnAt(0.8 * t + 0.45 * side));
+        EXPECT_FALSE(IsDrawnAt(-0.3 * t));
+    }
+}
+
+// It keeps its base and its length, and points up. So does one whose cosine is within a millionth of that: at a length
+// of 3 a tip up to 0.0042 beside the axis.
+TEST_F(Cones, StraightDownTheZAxisAreNotTurned) {
+    for (const float aside : {0.0f, 0.001f, 0.004f}) {
+        DrawAndRead({1, 0, 1}, {1 + aside, 0, -2}, 1);
+        EXPECT_TRUE(IsDrawnAt({1, 0, 3.7})) << aside;
+        EXPECT_TRUE(IsDrawnAt({1.8, 0, 1.2})) << aside;
+        EXPECT_FALSE(IsDrawnAt({1, 0, 0.7})) << aside;
+        EXPECT_FALSE(IsDrawnAt({1, 0, -1})) << aside;
+    }
+    DrawAndRead({1, 0, 1}, {1.006f, 0, -2}, 1);
+    EXPECT_TRUE(IsDrawnAt({1, 0, -1.7}));
+    EXPECT_FALSE(IsDrawnAt({1, 0, 1.3}));
+}
+
+TEST_F(Cones, OfNoLengthAreNothing) {
+    DrawAndRead({1, 0, 1}, {1, 0, 1}, 0);
+    EXPECT_EQ(PixelsThatAreNotBackground(), 0);
+}
+
+}  // namespace
