@@ -44,8 +44,6 @@ std::int32_t CKV_ScenePaneCtrl::PerformUndo() {
     NotYet("PerformUndo");
     return 0;
 }
-void CKV_ScenePaneCtrl::ImportMesh(BSTR) { NotYet("ImportMesh"); }
-void CKV_ScenePaneCtrl::ExportMesh(std::int16_t, BSTR) { NotYet("ExportMesh"); }
 void CKV_ScenePaneCtrl::AlignInteractive() { NotYet("AlignInteractive"); }
 void CKV_ScenePaneCtrl::AlignPickPoints() { NotYet("AlignPickPoints"); }
 VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedles(std::int32_t, const std::int32_t*, const float*, const float*) {
@@ -118,7 +116,4 @@ VARIANT_BOOL CKV_ScenePaneCtrl::GetCutMasks(std::int32_t*, const ACAD::CutMask**
     return 0;
 }
 void CKV_ScenePaneCtrl::ClearCutMasks() { NotYet("ClearCutMasks"); }
-void CKV_ScenePaneCtrl::InitializeKVReg() { NotYet("InitializeKVReg"); }
-void CKV_ScenePaneCtrl::FinalizeKVReg() { NotYet("FinalizeKVReg"); }
-void CKV_ScenePaneCtrl::SetHpsSourceApp(BSTR, BSTR) { NotYet("SetHpsSourceApp"); }
 void CKV_ScenePaneCtrl::AboutBox() { NotYet("AboutBox"); }

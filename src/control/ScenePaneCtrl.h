@@ -288,6 +288,18 @@ public:
     void SetScanData(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
                      const float* trafo, std::uint32_t color, const std::uint32_t* colors);
 
+    // ---- io/PlyFiles.cpp, StlFiles.cpp, SmallMeshFiles.cpp, HpsFiles.cpp: the formats behind ImportMesh and
+    // ExportMesh. An import adds one object or none; what it refuses is thrown, or told in the debugger output with -1
+    // returned.
+    int ImportPly(const wchar_t* path);
+    void ExportPly(std::int16_t objIdx, const wchar_t* path);
+    int ImportStl(const wchar_t* path);
+    void ExportStl(std::int16_t objIdx, const wchar_t* path);
+    int ImportOis(const wchar_t* path);
+    int ImportMsh(const wchar_t* path);
+    int ImportHps(const wchar_t* path);
+    void ExportHps(std::int16_t objIdx, const wchar_t* path);
+
     // ---- io/ParallelImport.cpp
     /// The entry that BeginParallelImport hands out; any thread.
     static bool ImportMeasurementInternal(void* control, const wchar_t* name, std::int32_t width, std::int32_t height,
@@ -631,8 +643,8 @@ public:
     // ---- view/Camera.cpp
     std::int16_t m_nViewMode = -1;  ///< argument of the last SetViewMode, whatever it was; -1 before the first
 
-    // ---- io: HPS export
-    std::wstring m_hpsSourceApp, m_hpsSourceVersion;
+    // ---- io/HpsFiles.cpp
+    std::string m_hpsSourceApp, m_hpsSourceVersion;  ///< go into every hps file that is written
 
     // ---- render/Decorations.cpp
     std::vector<Overlay> m_vOverlays;

@@ -14,20 +14,9 @@
 #include "io/GridReaders.h"
 #include "io/MeasurementFile.h"
 #include "platform/DebugOutput.h"
+#include "platform/WaitCursor.h"
 
 namespace {
-
-// Shows the wait cursor while it lives.
-class WaitCursor {
-public:
-    explicit WaitCursor(PaneWindow& window) : m_window(window) { m_window.BeginWaitCursor(); }
-    ~WaitCursor() { m_window.EndWaitCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-
-private:
-    PaneWindow& m_window;
-};
 
 void Say(const char* operation, const wchar_t* path, const std::string& reason) {
     DebugOutput(std::string(operation) + "(): " + KV_ScenePane::PathBytes(path) + ": " + reason + "\n");

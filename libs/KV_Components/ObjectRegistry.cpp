@@ -1,0 +1,31 @@
+// Makes objects by their GUID.
+#include "ObjectRegistry.h"
+
+#include "KV_Components/Hps.h"
+#include "KV_Components/Image.h"
+
+namespace KvComponents {
+
+namespace {
+struct Factory {
+    std::string_view guid;
+    Component* (*make)();
+};
+
+constexpr Factory kFactories[] = {
+    {image::kFactory, &MakeImageObject},
+    {hps_reader::kFactory, &MakeHpsReader},
+    {hps_mesh::kFactory, &MakeHpsMesh},
+    {hps_uv_decoder::kFactory, &MakeHpsUvDecoder},
+    {hps_file_writer::kFactory, &MakeHpsFileWriter},
+    {hps_compressor::kFactory, &MakeHpsCompressor},
+};
+}  // namespace
+
+Object* MakeObject(std::string_view factoryGuid) {
+    for (const Factory& factory : kFactories)
+        if (factory.guid == factoryGuid) return factory.make()->MainInterface();
+    return nullptr;
+}
+
+}  // namespace KvComponents
