@@ -1,5 +1,7 @@
 // The records of a mesh. They are public, since hosts hand over meshes of their own in them.
 #pragma once
+#include <cstdint>
+
 #include "KV_ScenePane/MeshBuffers.h"
 
 using KV_ScenePane::MeshBuffers;
@@ -10,3 +12,10 @@ using KV_ScenePane::Vertex;
 struct TexCoord {
     float u = 0.0f, v = 0.0f;
 };
+
+/// One triangle of an hps file: its corners with their texture coordinates.
+struct HpsFace {
+    std::int32_t v[3] = {0, 0, 0};  ///< indices into the vertices
+    TexCoord uv[3];                 ///< of the corners in order; zero when there is no texture
+};
+static_assert(sizeof(HpsFace) == 36);
