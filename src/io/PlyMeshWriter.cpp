@@ -1,0 +1,115 @@
+// Puts a mesh into one buffer and that buffer into a file. The reader: io/PlyMesh.cpp.
+#include "io/PlyMeshWriter.h"
+
+#include <bit>
+#include <cassert>
+#include <cstring>
+
+#include "KV_ScenePane/PathText.h"
+#include "MSRDLL/AtomicFile.h"
+#include "platform/HugePages.h"
+
+static_assert(std::endian::native == std::endian::little, "numbers go into the file as they stand");
+
+namespace {
+
+constexpr std::size_t kFloatBytes = 6 * sizeof(float);  // a vertex's position and normal, or a face's three u, v
+constexpr std::size_t kColorBytes = 3;
+constexpr std::size_t kIndexBytes = 3 * sizeof(std::int32_t);
+constexpr std::uint32_t kColorMask = 0xFFFFFF;
+
+std::byte* Put(std::byte* out, const void* from, std::size_t size) {
+    if (size > 0) std::memcpy(out, from, size);
+    return out + size;
+}
+
+}  // namespace
+
+PlyMeshWriter::PlyMeshWriter(std::size_t vertexCount, std::size_t faceCount)
+    : m_vVertexRecords(vertexCount), m_iFaceCount(static_cast<int>(faceCount)), m_vIndices(3 * faceCount) {}
+
+PlyMeshWriter::PlyMeshWriter(std::span<const Vertex> vertices, std::span<const Triangle> triangles,
+                             std::span<const TexCoord> texCoords, std::span<const std::uint8_t> imageBytes)
+    : PlyMeshWriter(vertices.size(), triangles.size()) {
+    assert(texCoords.empty() || texCoords.size() == 3 * triangles.size());
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const Vertex& v = vertices[i];
+        m_vVertexRecords[i] = {v.x, v.y, v.z, v.nx, v.ny, v.nz, v.color & kColorMask};
+    }
+    if (!triangles.empty()) std::memcpy(m_vIndices.data(), triangles.data(), triangles.size_bytes());
+    m_vTexCoords.assign(texCoords.begin(), texCoords.end());
+    m_vImageBytes.assign(imageBytes.begin(), imageBytes.end());
+}
+
+bool PlyMeshWriter::HasColors() const {
+    return !m_vVertexRecords.empty() && (m_vVertexRecords.front().color & kColorMask) != 0;
+}
+
+std::string PlyMeshWriter::Header() const {
+    std::string header =
+        "ply\n"
+        "format binary_little_endian 1.0\n"
+        "comment created by kavelin messtechnik gmbh\n"
+        "element vertex " +
+        std::to_string(m_vVertexRecords.size()) +
+        "\nproperty float x\nproperty float y\nproperty float z\n"
+        "property float nx\nproperty float ny\nproperty float nz\n";
+    if (HasColors()) header += "property uchar red\nproperty uchar green\nproperty uchar blue\n";
+    if (m_iFaceCount > 0) {
+        header += "element face " + std::to_string(m_iFaceCount) + "\nproperty list uchar int vertex_indices\n";
+        if (!m_vTexCoords.empty()) header += "property list uint8 float texcoord\n";
+    }
+    if (!m_vImageBytes.empty())
+        header += "element texture " + std::to_string(m_vImageBytes.size()) + "\nproperty uchar bytes\n";
+    return header + "end_header\n";
+}
+
+std::byte* PlyMeshWriter::PutVertices(std::byte* out) const {
+    static_assert(offsetof(PlyVertexRecord, color) == kFloatBytes);
+    const bool hasColors = HasColors();
+    for (const PlyVertexRecord& record : m_vVertexRecords) {
+        out = Put(out, &record, kFloatBytes);
+        if (!hasColors) continue;
+        for (const int shift : {16, 8, 0}) *out++ = static_cast<std::byte>(record.color >> shift);
+    }
+    return out;
+}
+
+std::byte* PlyMeshWriter::PutFaces(std::byte* out) const {
+    const std::int32_t* indices = m_vIndices.data();
+    const TexCoord* texCoords = m_vTexCoords.empty() ? nullptr : m_vTexCoords.data();
+    for (int i = 0; i < m_iFaceCount; ++i) {
+        *out++ = std::byte{3};
+        out = Put(out, indices, kIndexBytes);
+        indices += 3;
+        if (texCoords == nullptr) continue;
+        *out++ = std::byte{6};
+        out = Put(out, texCoords, kFloatBytes);
+        texCoords += 3;
+    }
+    return out;
+}
+
+PlyMeshWriter::FileBytes PlyMeshWriter::Assemble() const {
+    const std::string header = Header();
+    const std::size_t vertexBytes = kFloatBytes + (HasColors() ? kColorBytes : 0);
+    const std::size_t faceBytes = 1 + kIndexBytes + (m_vTexCoords.empty() ? 0 : 1 + kFloatBytes);
+    FileBytes file;
+    file.size = header.size() + m_vVertexRecords.size() * vertexBytes +
+                static_cast<std::size_t>(m_iFaceCount) * faceBytes + m_vImageBytes.size();
+    file.bytes = std::make_unique_for_overwrite<std::byte[]>(file.size);
+    AdviseHugePages(file.bytes.get(), file.size);
+    std::byte* out = Put(file.bytes.get(), header.data(), header.size());
+    out = PutVertices(out);
+    out = PutFaces(out);
+    out = Put(out, m_vImageBytes.data(), m_vImageBytes.size());
+    assert(out == file.bytes.get() + file.size);
+    return file;
+}
+
+void PlyMeshWriter::Write(const std::wstring& path) const {
+    MsrStorage::AtomicFile target(KV_ScenePane::PathBytes(path), MsrStorage::FileCalls::Real());
+    const FileBytes file = Assemble();
+    target.WriteAt(0, file.bytes.get(), file.size);
+    target.Commit();
+}
