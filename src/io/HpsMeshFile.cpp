@@ -1,0 +1,318 @@
+// Reads hps files. The objects and their operations are described in KV_Components/Hps.h; writing is in
+// HpsMeshFileWrite.cpp.
+#include "io/HpsMeshFile.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+
+#include "KV_Components/Hps.h"
+#include "KV_Components/Image.h"
+#include "platform/ComponentRegistry.h"
+#include "platform/HugePages.h"
+
+namespace {
+
+namespace hps_mesh = KvComponents::hps_mesh;
+namespace hps_reader = KvComponents::hps_reader;
+namespace hps_uv_decoder = KvComponents::hps_uv_decoder;
+namespace hps_vertex_data = KvComponents::hps_vertex_data;
+namespace image = KvComponents::image;
+using KvComponents::kSucceeded;
+using KvComponents::Object;
+
+// No OpenGL takes a larger texture.
+constexpr std::int32_t kMaxTextureSide = 32768;
+
+// The reader's error codes that are reported here, too: what the library let pass is looked at again.
+constexpr std::int32_t kInvalidVertexData = 4, kInvalidFacetData = 5, kInvalidUvData = 6, kInvalidTextureData = 7;
+
+[[noreturn]] void Refuse(std::int32_t code, const std::string& detail = "") {
+    throw HpsReadError(GetHpsErrorText(code) + (detail.empty() ? "" : " " + detail));
+}
+
+/// A count or size that the library gives: no object holds fewer than none.
+std::size_t RequireCount(std::int32_t count, std::int32_t errorCode) {
+    if (count < 0) Refuse(errorCode);
+    return static_cast<std::size_t>(count);
+}
+
+void RequireFileData(std::int32_t status, std::int32_t errorCode) {
+    if (status != kSucceeded) Refuse(errorCode);
+}
+
+/// Memory that is about to be written as a whole.
+template <class T>
+std::unique_ptr<T[]> Scratch(std::size_t count) {
+    auto values = std::make_unique_for_overwrite<T[]>(count);
+    AdviseHugePages(values.get(), count * sizeof(T));
+    return values;
+}
+
+template <class T>
+std::vector<T> Reserved(std::size_t count) {
+    std::vector<T> values;
+    values.reserve(count);
+    AdviseHugePages(values.data(), count * sizeof(T));
+    return values;
+}
+
+// ---- the reader object
+
+/// A reader with a file; closed when it goes, whatever was thrown.
+class OpenReader {
+public:
+    explicit OpenReader(const wchar_t* path)
+        : m_pReader(RequireComponent(hps_reader::kFactory, hps_reader::kInterface)) {
+        if (hps_reader::kOpen(Get(), path) == kSucceeded) return;
+        // without a reason the reading goes on, and ends where the mesh is asked for
+        if (const std::int32_t code = LastError(); code != 0) throw HpsReadError(GetHpsErrorText(code));
+    }
+    ~OpenReader() { Close(); }
+    OpenReader(const OpenReader&) = delete;
+    OpenReader& operator=(const OpenReader&) = delete;
+
+    [[nodiscard]] Object* Get() const { return m_pReader.get(); }
+    /// Gives up the file. What was read is complete: the status says nothing that matters.
+    void Close() {
+        if (m_bOpen) hps_reader::kClose(Get());
+        m_bOpen = false;
+    }
+    /// Throws the reader's own reason where it has one, else the status.
+    void Require(std::int32_t status) const {
+        if (status == kSucceeded) return;
+        if (const std::int32_t code = LastError(); code != 0) throw HpsReadError(GetHpsErrorText(code));
+        RequireSuccess(status);
+    }
+
+private:
+    [[nodiscard]] std::int32_t LastError() const {
+        std::int32_t code = 0;
+        hps_reader::kLastError(Get(), &code);
+        return code;
+    }
+
+    ComponentPtr m_pReader;
+    bool m_bOpen = true;
+};
+
+// ---- texture
+
+void ReadPixels(const OpenReader& reader, std::int32_t orientation, HpsData& data) {
+    Object* found = nullptr;
+    reader.Require(hps_reader::kImage(reader.Get(), &found));
+    const ComponentPtr picture(found);
+    if (!picture) Refuse(kInvalidTextureData);
+    if (orientation == 1 || orientation == 3) RequireSuccess(image::kFlip(picture.get()));
+    std::int32_t width = 0, height = 0;
+    RequireSuccess(image::kSize(picture.get(), &width, &height));
+    if (std::min(width, height) < 0 || std::max(width, height) > kMaxTextureSide)
+        Refuse(kInvalidTextureData, "It has " + std::to_string(width) + " x " + std::to_string(height) + " pixels.");
+    data.m_uWidth = static_cast<std::uint32_t>(width);
+    data.m_uHeight = static_cast<std::uint32_t>(height);
+    data.m_vPixels.resize(std::size_t{data.m_uWidth} * data.m_uHeight);
+    RequireSuccess(
+        image::kReadPixels(picture.get(), data.m_vPixels.data(), data.m_vPixels.size() * sizeof(data.m_vPixels[0])));
+}
+
+void ReadImageFile(const OpenReader& reader, std::vector<std::uint8_t>& bytes) {
+    std::int32_t size = 0, ignored[2] = {};
+    reader.Require(hps_reader::kImageFileSize(reader.Get(), &size, &ignored[0], &ignored[1]));
+    bytes.resize(RequireCount(size, kInvalidTextureData));
+    reader.Require(hps_reader::kImageFileBytes(reader.Get(), bytes.data(), bytes.size()));
+}
+
+/// @return the block of texture coordinates; empty when the file has no texture
+std::vector<std::uint8_t> ReadTexture(const OpenReader& reader, HpsData& data) {
+    std::int32_t size = 0, orientation = 0;
+    if (hps_reader::kUvBlockSize(reader.Get(), &size) != kSucceeded) return {};
+    reader.Require(hps_reader::kImageOrientation(reader.Get(), &orientation));
+    std::vector<std::uint8_t> uvBlock(RequireCount(size, kInvalidUvData));
+    reader.Require(hps_reader::kUvBlock(reader.Get(), uvBlock.data(), uvBlock.size()));
+    ReadPixels(reader, orientation, data);
+    ReadImageFile(reader, data.m_vImageBytes);
+    return uvBlock;
+}
+
+// ---- texture coordinates
+
+/// The texture coordinates of all vertices; none until they are decoded. A vertex hands its own out in turn to the
+/// triangles that use it.
+class VertexPairs {
+public:
+    void Decode(Object* decoder, const std::vector<std::uint8_t>& block, std::size_t vertexCount) {
+        constexpr char kNoCoordinates[] = "Failed to extract UV coordinates.";
+        std::int32_t measuredVertices = 0, measuredPairs = 0, ignored = 0;
+        if (hps_uv_decoder::kMeasure(decoder, block.data(), block.size(), &measuredVertices, &measuredPairs,
+                                     &ignored) != kSucceeded)
+            throw HpsReadError(kNoCoordinates);
+        if (measuredVertices < 0 || static_cast<std::size_t>(measuredVertices) != vertexCount)
+            throw HpsReadError("Inconsistent vertex count.");
+        const std::size_t pairCount = RequireCount(measuredPairs, kInvalidUvData);
+        if (pairCount > 255 * vertexCount) Refuse(kInvalidUvData);  // one byte a vertex cannot give more
+
+        const auto pairsOfVertex = Scratch<std::uint8_t>(vertexCount);
+        m_pPairs = Scratch<float>(2 * pairCount);
+        if (hps_uv_decoder::kDecode(decoder, block.data(), block.size(), pairsOfVertex.get(), vertexCount,
+                                    m_pPairs.get(), 2 * pairCount * sizeof(float)) != kSucceeded)
+            throw HpsReadError(kNoCoordinates);
+        Distribute({pairsOfVertex.get(), vertexCount}, pairCount);
+    }
+
+    [[nodiscard]] bool Has(std::size_t vertex) const {
+        return vertex < m_vRings.size() && m_vRings[vertex].begin != m_vRings[vertex].end;
+    }
+    [[nodiscard]] TexCoord Next(std::size_t vertex) {
+        Ring& ring = m_vRings[vertex];
+        const float* const pair = &m_pPairs[2 * std::size_t{ring.next}];
+        if (++ring.next == ring.end) ring.next = ring.begin;
+        return {pair[0], pair[1]};
+    }
+
+private:
+    /// Which pairs are those of one vertex; next runs from begin to end, again and again.
+    struct Ring {
+        std::uint32_t begin, end, next;
+    };
+
+    void Distribute(std::span<const std::uint8_t> pairsOfVertex, std::size_t pairCount) {
+        m_vRings = Reserved<Ring>(pairsOfVertex.size());
+        std::uint32_t begin = 0;
+        for (const std::uint8_t count : pairsOfVertex) {
+            if (count > pairCount - begin) Refuse(kInvalidUvData);
+            m_vRings.push_back({begin, begin + count, begin});
+            begin += count;
+        }
+    }
+
+    std::vector<Ring> m_vRings;
+    std::unique_ptr<float[]> m_pPairs;  ///< u, v; those of vertex 0 first
+};
+
+// ---- vertices and faces
+
+/// The readable vertices of a mesh; the access ends with it.
+class VertexAccess {
+public:
+    VertexAccess(Object* mesh, std::size_t vertexCount) : m_vertexCount(vertexCount) {
+        Object* found = nullptr;
+        RequireFileData(hps_mesh::kReadableVertexData(mesh, &found), kInvalidVertexData);
+        m_pData.reset(found);
+        if (!m_pData) Refuse(kInvalidVertexData);
+    }
+    ~VertexAccess() { hps_vertex_data::kEndAccess(m_pData.get()); }
+    VertexAccess(const VertexAccess&) = delete;
+    VertexAccess& operator=(const VertexAccess&) = delete;
+
+    /// Three floats a vertex.
+    [[nodiscard]] std::unique_ptr<float[]> Read(char attribute) const {
+        auto values = Scratch<float>(3 * m_vertexCount);
+        RequireFileData(
+            hps_vertex_data::kReadAttribute(m_pData.get(), attribute, 0, static_cast<std::int32_t>(m_vertexCount),
+                                            values.get(), 3 * m_vertexCount * sizeof(float)),
+            kInvalidVertexData);
+        return values;
+    }
+
+private:
+    ComponentPtr m_pData;
+    std::size_t m_vertexCount;
+};
+
+std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
+    std::unique_ptr<float[]> positions, normals;
+    {
+        const VertexAccess access(mesh, vertexCount);
+        positions = access.Read('P');
+        normals = access.Read('N');
+    }
+    auto vertices = Reserved<Vertex>(vertexCount);
+    for (std::size_t i = 0; i < vertexCount; ++i) {
+        const float* const p = &positions[3 * i];
+        const float* const n = &normals[3 * i];
+        vertices.push_back({p[0], p[1], p[2], n[0], n[1], n[2], 0xFFFFFFFF, 0});
+    }
+    return vertices;
+}
+
+void RequireVertex(std::int32_t index, std::size_t vertexCount, std::size_t triangle) {
+    if (index >= 0 && static_cast<std::size_t>(index) < vertexCount) return;
+    Refuse(kInvalidFacetData, "Triangle " + std::to_string(triangle) + " refers to vertex " + std::to_string(index) +
+                                  " of " + std::to_string(vertexCount) + ".");
+}
+
+/// @param pairs  null without a texture
+std::vector<HpsFace> ReadFaces(Object* mesh, std::size_t triangleCount, std::size_t vertexCount, VertexPairs* pairs) {
+    const auto indices = Scratch<std::int32_t>(3 * triangleCount);
+    RequireFileData(hps_mesh::kReadIndices(mesh, indices.get(), 3 * triangleCount * sizeof(std::int32_t)),
+                    kInvalidFacetData);
+    auto faces = Reserved<HpsFace>(triangleCount);
+    for (std::size_t i = 0; i < triangleCount; ++i) {
+        HpsFace& face = faces.emplace_back();
+        for (std::size_t corner = 0; corner < 3; ++corner) {
+            const std::int32_t index = indices[3 * i + corner];
+            RequireVertex(index, vertexCount, i);
+            face.v[corner] = index;
+            if (pairs == nullptr) continue;
+            const auto vertex = static_cast<std::size_t>(index);
+            if (!pairs->Has(vertex))
+                Refuse(kInvalidUvData, "Triangle " + std::to_string(i) + " uses vertex " + std::to_string(index) +
+                                           ", which has no texture coordinates.");
+            face.uv[corner] = pairs->Next(vertex);
+        }
+    }
+    return faces;
+}
+
+ComponentPtr RequireMesh(const OpenReader& reader) {
+    Object* found = nullptr;
+    const std::int32_t status = hps_reader::kMesh(reader.Get(), &found);
+    if (status != KvComponents::kSucceeded || found == nullptr) throw HpsReadError("Can't decode HPS mesh file.");
+    return ComponentPtr(found);
+}
+
+}  // namespace
+
+const char* GetHpsErrorText(std::int32_t code) {
+    switch (code) {
+        case 0:
+            return "No error.";
+        case 1:
+            return "File not found.";
+        case 2:
+            return "Can't read file.";
+        case 3:
+            return "Invalid file.";
+        case kInvalidVertexData:
+            return "Invalid vertex data.";
+        case kInvalidFacetData:
+            return "Invalid facet data.";
+        case kInvalidUvData:
+            return "Invalid UV data.";
+        case kInvalidTextureData:
+            return "Invalid texture data.";
+        default:
+            return "";
+    }
+}
+
+HpsData ReadHpsFile(const wchar_t* path) {
+    HpsData data;
+    OpenReader reader(path);
+    const std::vector<std::uint8_t> uvBlock = ReadTexture(reader, data);
+    const ComponentPtr decoder = RequireComponent(hps_uv_decoder::kFactory, hps_uv_decoder::kInterface);
+    const ComponentPtr mesh = RequireMesh(reader);
+
+    std::int32_t count = 0;
+    RequireFileData(hps_mesh::kVertexCount(mesh.get(), &count), kInvalidVertexData);
+    const std::size_t vertexCount = RequireCount(count, kInvalidVertexData);
+    RequireFileData(hps_mesh::kTriangleCount(mesh.get(), &count), kInvalidFacetData);
+    const std::size_t triangleCount = RequireCount(count, kInvalidFacetData);
+
+    VertexPairs pairs;
+    if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, vertexCount);
+    data.m_vVertices = ReadVertices(mesh.get(), vertexCount);
+    data.m_vFaces = ReadFaces(mesh.get(), triangleCount, vertexCount, data.m_vPixels.empty() ? nullptr : &pairs);
+    reader.Close();
+    return data;
+}

@@ -1,0 +1,132 @@
+// Writes hps files: a mesh object is filled and cloned, the clone compressed, and the compressed mesh written.
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "KV_Components/Hps.h"
+#include "io/HpsMeshFile.h"
+#include "platform/ComponentRegistry.h"
+#include "platform/HugePages.h"
+
+namespace {
+
+namespace hps_compressor = KvComponents::hps_compressor;
+namespace hps_file_writer = KvComponents::hps_file_writer;
+namespace hps_mesh = KvComponents::hps_mesh;
+namespace hps_mesh_source = KvComponents::hps_mesh_source;
+namespace hps_vertex_data = KvComponents::hps_vertex_data;
+using KvComponents::Object;
+
+std::int32_t CountOf(std::size_t count) {
+    assert(count <= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()));
+    return static_cast<std::int32_t>(count);
+}
+
+void WritePositions(Object* mesh, std::span<const Vertex> vertices) {
+    Object* found = nullptr;
+    RequireSuccess(hps_mesh::kWritableVertexData(mesh, &found));
+    const ComponentPtr data(found);
+    if (!data) throw std::runtime_error(GetStatusText(KvComponents::kInvalidReturnValue));
+    struct EndOfAccess {
+        Object* data;
+        ~EndOfAccess() { hps_vertex_data::kEndAccess(data); }
+    } const end{found};
+
+    const std::size_t size = 3 * vertices.size() * sizeof(float);
+    const auto positions = std::make_unique_for_overwrite<float[]>(3 * vertices.size());
+    AdviseHugePages(positions.get(), size);
+    float* out = positions.get();
+    for (const Vertex& vertex : vertices) {
+        *out++ = vertex.x;
+        *out++ = vertex.y;
+        *out++ = vertex.z;
+    }
+    RequireSuccess(
+        hps_vertex_data::kWriteAttribute(data.get(), 'P', 0, CountOf(vertices.size()), positions.get(), size));
+}
+
+ComponentPtr MakeMesh(const HpsContent& content) {
+    ComponentPtr mesh = RequireComponent(hps_mesh::kFactory, hps_mesh::kInterface);
+    RequireSuccess(
+        hps_mesh::kCreate(mesh.get(), CountOf(content.vertices.size()), CountOf(content.triangles.size()), "P"));
+    WritePositions(mesh.get(), content.vertices);
+    // triangles lie in memory as the mesh takes them
+    static_assert(sizeof(Triangle) == 3 * sizeof(std::int32_t));
+    RequireSuccess(hps_mesh::kWriteIndices(mesh.get(), reinterpret_cast<const std::int32_t*>(content.triangles.data()),
+                                           content.triangles.size_bytes()));
+    return mesh;
+}
+
+ComponentPtr CloneMesh(Object* mesh) {
+    Object* found = nullptr;
+    RequireSuccess(KvComponents::kQuery(mesh, hps_mesh_source::kInterface, &found));
+    const ComponentPtr source(found);
+    found = nullptr;
+    const std::int32_t status = hps_mesh_source::kClone(source.get(), &found);
+    const ComponentPtr cloned(found);
+    ComponentPtr clone;
+    if (status == KvComponents::kSucceeded && cloned) clone = QueryComponent(cloned.get(), hps_mesh::kInterface);
+    if (!clone) throw std::runtime_error("Clone<INTF>() failed");
+    return clone;
+}
+
+/// An object that another one works on. Whatever is thrown, they part again.
+class Binding {
+public:
+    using UnbindOperation = KvComponents::Operation<std::int32_t()>;
+    /// @param status  of the operation that bound them
+    Binding(std::int32_t status, Object* object, const UnbindOperation& unbind) : m_pObject(object), m_unbind(unbind) {
+        RequireSuccess(status);
+    }
+    ~Binding() {
+        if (m_pObject != nullptr) m_unbind(m_pObject);
+    }
+    Binding(const Binding&) = delete;
+    Binding& operator=(const Binding&) = delete;
+
+    void Unbind() { RequireSuccess(m_unbind(std::exchange(m_pObject, nullptr))); }
+
+private:
+    Object* m_pObject;
+    UnbindOperation m_unbind;
+};
+
+}  // namespace
+
+void WriteHpsFile(const HpsContent& content, const wchar_t* path) {
+    const ComponentPtr mesh = MakeMesh(content);
+    const ComponentPtr clone = CloneMesh(mesh.get());
+    RequireSuccess(hps_mesh::kFinish(clone.get(), 0, 0));
+    std::int32_t triangleCount = 0;
+    RequireSuccess(hps_mesh::kTriangleCount(clone.get(), &triangleCount));
+
+    const ComponentPtr writer = RequireComponent(hps_file_writer::kFactory, hps_file_writer::kInterface);
+    const ComponentPtr compressor = RequireComponent(hps_compressor::kFactory, hps_compressor::kInterface);
+    Binding meshBinding(hps_compressor::kBind(compressor.get(), clone.get()), compressor.get(),
+                        hps_compressor::kUnbind);
+    Binding compressorBinding(hps_file_writer::kBind(writer.get(), compressor.get()), writer.get(),
+                              hps_file_writer::kUnbind);
+    if (!content.texCoords.empty()) {
+        const std::size_t pairCount = 3 * static_cast<std::size_t>(std::max(triangleCount, 0));
+        // the library reads so many; a clone of another size would make it read past the end
+        if (pairCount != content.texCoords.size())
+            throw std::runtime_error("the cloned mesh has " + std::to_string(triangleCount) + " triangles, not " +
+                                     std::to_string(content.triangles.size()));
+        static_assert(sizeof(TexCoord) == 2 * sizeof(float));
+        RequireSuccess(hps_file_writer::kUvPairs(writer.get(), reinterpret_cast<const float*>(content.texCoords.data()),
+                                                 pairCount));
+    }
+    if (content.imageFile)
+        RequireSuccess(
+            hps_file_writer::kTextureFile(writer.get(), content.imageFile->data(), content.imageFile->size()));
+    RequireSuccess(hps_file_writer::kPrepare(writer.get()));
+    RequireSuccess(hps_file_writer::kSourceApplication(writer.get(), content.sourceApplication.c_str(),
+                                                       content.sourceVersion.c_str()));
+    RequireSuccess(hps_file_writer::kSave(writer.get(), path));
+    compressorBinding.Unbind();
+    meshBinding.Unbind();
+}
