@@ -6,10 +6,8 @@
 #include <cassert>
 #include <cstring>
 #include <memory>
-#include <utility>
 
 #include "geometry/Mesh.h"
-#include "platform/CurrentContext.h"
 #include "render/VertexPacking.h"
 
 namespace {
@@ -78,24 +76,6 @@ void CACADObject::DrawBoundingBox() const {
     }
     glEnd();
     glColor3fv(color);
-}
-
-Mesh::Texture::Texture(std::uint32_t name, void* context, std::vector<std::uint8_t> imageBytes)
-    : m_uName(name), m_hContext(context), m_vImageBytes(std::move(imageBytes)) {}
-
-Mesh::Texture::~Texture() { glDeleteTextures(1, &m_uName); }
-
-void Mesh::CreateTexture(std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
-                         std::span<const std::uint8_t> imageBytes) {
-    GLuint name = 0;
-    glGenTextures(1, &name);
-    m_pTexture = std::make_shared<Texture>(name, CurrentContext(),
-                                           std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
-    glBindTexture(GL_TEXTURE_2D, name);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgbaPixels);
-    glGenerateMipmap(GL_TEXTURE_2D);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
 }
 
 void Mesh::ReleaseBuffers() {

@@ -1,0 +1,112 @@
+// Pictures out of jpeg files, by libjpeg-turbo. Its errors jump: the functions that an error can leave so hold nothing
+// that would have to be destroyed, and whatever must be released belongs to JpegReader.
+#include <cstdio>  // which jpeglib.h needs and does not include
+// The order matters.
+#include <jpeglib.h>
+// The order matters.
+#include <jerror.h>
+
+#include <csetjmp>
+
+#include "ImageDecode.h"
+
+namespace KvComponents {
+
+namespace {
+
+// A progressive file can bring any number of empty scans over a large picture, each a pass over all of it. Encoders
+// write about ten.
+constexpr int kMostScans = 100;
+
+/// Warnings about what many sound files carry. All others tell that picture data are missing or wrong, which the
+/// library would replace by grey.
+bool IsHarmless(int warning) {
+    return warning == JWRN_EXTRANEOUS_DATA || warning == JWRN_JFIF_MAJOR || warning == JWRN_ADOBE_XFORM;
+}
+
+class JpegReader {
+public:
+    JpegReader() {
+        m_jpeg.err = jpeg_std_error(&m_errors);
+        m_jpeg.client_data = this;
+        m_errors.error_exit = &Fail;
+        m_errors.emit_message = &JudgeMessage;
+        m_errors.output_message = [](j_common_ptr) {};
+        m_progress.progress_monitor = &CountScans;
+    }
+    ~JpegReader() { jpeg_destroy_decompress(&m_jpeg); }
+    JpegReader(const JpegReader&) = delete;
+    JpegReader& operator=(const JpegReader&) = delete;
+
+    /// Reads up to the first scan.
+    [[nodiscard]] bool ReadHeader(std::span<const std::uint8_t> file) {
+        if (setjmp(m_failed) != 0) return false;
+        jpeg_create_decompress(&m_jpeg);
+        m_jpeg.progress = &m_progress;
+        jpeg_mem_src(&m_jpeg, file.data(), file.size());
+        jpeg_read_header(&m_jpeg, TRUE);
+        m_jpeg.out_color_space = IsCmyk() ? JCS_CMYK : JCS_EXT_RGBA;
+        return true;
+    }
+    /// Four bytes a pixel: CMYK as it stands in the file, else RGBA. Up to the end of the file, so that a missing rest
+    /// shows.
+    [[nodiscard]] bool ReadRows(std::uint8_t* pixels) {
+        if (setjmp(m_failed) != 0) return false;
+        jpeg_start_decompress(&m_jpeg);
+        if (m_jpeg.output_components != 4 || m_jpeg.output_width != Width()) return false;
+        while (m_jpeg.output_scanline < m_jpeg.output_height) {
+            JSAMPROW row = pixels + std::size_t{4} * Width() * m_jpeg.output_scanline;
+            jpeg_read_scanlines(&m_jpeg, &row, 1);
+        }
+        jpeg_finish_decompress(&m_jpeg);
+        return true;
+    }
+
+    [[nodiscard]] JDIMENSION Width() const { return m_jpeg.image_width; }
+    [[nodiscard]] JDIMENSION Height() const { return m_jpeg.image_height; }
+    [[nodiscard]] bool IsCmyk() const { return m_jpeg.num_components == 4; }
+    /// Programs that leave this mark count ink from 255 downward.
+    [[nodiscard]] bool HasAdobeMark() const { return m_jpeg.saw_Adobe_marker != 0; }
+
+private:
+    [[noreturn]] static void Fail(j_common_ptr jpeg) {
+        std::longjmp(static_cast<JpegReader*>(jpeg->client_data)->m_failed, 1);
+    }
+    static void JudgeMessage(j_common_ptr jpeg, int level) {
+        const bool isWarning = level < 0;
+        if (isWarning && !IsHarmless(jpeg->err->msg_code)) Fail(jpeg);
+    }
+    static void CountScans(j_common_ptr jpeg) {
+        if (static_cast<JpegReader*>(jpeg->client_data)->m_jpeg.input_scan_number > kMostScans) Fail(jpeg);
+    }
+
+    jpeg_decompress_struct m_jpeg{};
+    jpeg_error_mgr m_errors{};
+    jpeg_progress_mgr m_progress{};
+    std::jmp_buf m_failed{};
+};
+
+/// @param inverted  whether 255 is no ink
+void TurnCmykIntoRgba(std::span<std::uint8_t> pixels, bool inverted) {
+    const unsigned flip = inverted ? 0 : 255;
+    for (std::size_t i = 0; i < pixels.size(); i += 4) {
+        const unsigned light = pixels[i + 3] ^ flip;
+        for (std::size_t c = i; c < i + 3; ++c)
+            pixels[c] = static_cast<std::uint8_t>(((pixels[c] ^ flip) * light + 127) / 255);
+        pixels[i + 3] = 0xFF;
+    }
+}
+
+}  // namespace
+
+std::optional<Picture> DecodeJpeg(std::span<const std::uint8_t> file) {
+    JpegReader reader;
+    if (!reader.ReadHeader(file) || !IsPictureSize(reader.Width(), reader.Height(), file.size())) return std::nullopt;
+    Picture picture{static_cast<std::int32_t>(reader.Width()), static_cast<std::int32_t>(reader.Height()), {}};
+    picture.m_vRgba.resize(std::size_t{4} * reader.Width() * reader.Height());
+    if (!reader.ReadRows(picture.m_vRgba.data())) return std::nullopt;
+    if (reader.IsCmyk()) TurnCmykIntoRgba(picture.m_vRgba, reader.HasAdobeMark());
+    return picture;
+}
+
+}  // namespace KvComponents
