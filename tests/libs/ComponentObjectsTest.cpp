@@ -1,0 +1,192 @@
+// What holds for every object of the component library: where it comes from, how long it lives, and what the
+// positions answer that nobody has taken.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "KV_Components/Hps.h"
+#include "KV_Components/Image.h"
+#include "KV_Components/Object.h"
+
+namespace {
+
+using namespace KvComponents;
+
+class StartedRegistry {
+public:
+    StartedRegistry() { KV_Components_Ordinal1(); }
+    ~StartedRegistry() { KV_Components_Ordinal3(); }
+    StartedRegistry(const StartedRegistry&) = delete;
+    StartedRegistry& operator=(const StartedRegistry&) = delete;
+};
+
+bool GivesObjects() {
+    Object* const object = KV_Components_Ordinal2(image::kFactory);
+    if (object != nullptr) kRelease(object);
+    return object != nullptr;
+}
+
+TEST(Registry, GivesNothingUntilItIsStartedAndAfterItIsStopped) {
+    EXPECT_FALSE(GivesObjects());
+    KV_Components_Ordinal1();
+    EXPECT_TRUE(GivesObjects());
+    KV_Components_Ordinal3();
+    EXPECT_FALSE(GivesObjects());
+}
+
+TEST(Registry, StopsWithTheLastOfItsStarts) {
+    KV_Components_Ordinal1();
+    KV_Components_Ordinal1();
+    KV_Components_Ordinal3();
+    EXPECT_TRUE(GivesObjects());
+    KV_Components_Ordinal3();
+    EXPECT_FALSE(GivesObjects());
+}
+
+TEST(Registry, TakesAStopWithoutAStartForNothing) {
+    KV_Components_Ordinal3();
+    KV_Components_Ordinal3();
+    KV_Components_Ordinal1();
+    EXPECT_TRUE(GivesObjects());
+    KV_Components_Ordinal3();
+    EXPECT_FALSE(GivesObjects());
+}
+
+TEST(Registry, GivesNothingForAGuidThatItDoesNotKnow) {
+    const StartedRegistry started;
+    EXPECT_EQ(KV_Components_Ordinal2(nullptr), nullptr);
+    const std::string guid = image::kFactory;
+    for (const std::string& other : {std::string(), guid.substr(0, 37), guid + " ", guid.substr(1, 36),
+                                     std::string("{00000000-0000-0000-0000-000000000000}"),
+                                     std::string(image::kInterface), std::string(hps_mesh_source::kInterface)})
+        EXPECT_EQ(KV_Components_Ordinal2(other.c_str()), nullptr) << other;
+    EXPECT_EQ(Component::LiveCount(), 0);
+}
+
+TEST(Registry, LeavesHeldObjectsAliveWhenItStops) {
+    KV_Components_Ordinal1();
+    Object* const object = KV_Components_Ordinal2(image::kFactory);
+    ASSERT_NE(object, nullptr);
+    KV_Components_Ordinal3();
+    EXPECT_EQ(image::kSetSize(object, 1, 1), kSucceeded);
+    kRelease(object);
+    EXPECT_EQ(Component::LiveCount(), 0);
+}
+
+struct Kind {
+    const char* name;
+    const char* factory;
+    const char* interfaceId;
+    std::set<std::size_t> positions;  ///< besides those of every object
+};
+void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.name; }
+
+// The numbers of the binary interface, a second time.
+const Kind kKinds[] = {
+    {"Image",
+     "{312F34D3-886E-4DEB-8B33-D8F9B923D637}",
+     "{173B804A-A48B-49A5-8B22-75ABB6FDE390}",
+     {8, 9, 11, 12, 30, 34}},
+};
+
+class EveryObject : public testing::TestWithParam<Kind> {
+protected:
+    EveryObject() { EXPECT_EQ(Component::LiveCount(), 0); }
+    ~EveryObject() override { EXPECT_EQ(Component::LiveCount(), 0); }
+
+    [[nodiscard]] static Object* Factory() { return KV_Components_Ordinal2(GetParam().factory); }
+
+    const StartedRegistry m_started;
+};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryObject, testing::ValuesIn(kKinds), [](const auto& row) { return row.param.name; });
+
+TEST_P(EveryObject, IsReachedByTheInterfaceOfItsFactoryWhichIsReleasedAtOnce) {
+    Object* const factory = Factory();
+    ASSERT_NE(factory, nullptr);
+    EXPECT_EQ(Component::LiveCount(), 1);
+    Object* found = nullptr;
+    EXPECT_EQ(kQuery(factory, GetParam().interfaceId, &found), 1);
+    ASSERT_NE(found, nullptr);
+    kRelease(factory);
+    EXPECT_EQ(Component::LiveCount(), 1) << "the interface keeps it";
+    kRelease(found);
+}
+
+TEST_P(EveryObject, LivesAsLongAsItsLastReference) {
+    Object* const object = Factory();
+    ASSERT_NE(object, nullptr);
+    kAddReference(object);
+    kAddReference(object);
+    kRelease(object);
+    kRelease(object);
+    EXPECT_EQ(Component::LiveCount(), 1);
+    kRelease(object);
+    EXPECT_EQ(Component::LiveCount(), 0);
+}
+
+TEST_P(EveryObject, AnswersAWrongQueryWithNoObjectAndNoReference) {
+    Object* const object = Factory();
+    ASSERT_NE(object, nullptr);
+    for (const char* guid : {"", "{00000000-0000-0000-0000-000000000000}", GetParam().factory}) {
+        Object* found = object;
+        EXPECT_EQ(kQuery(object, guid, &found), -3) << guid;
+        EXPECT_EQ(found, nullptr);
+    }
+    Object* found = object;
+    EXPECT_EQ(kQuery(object, nullptr, &found), -4);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(kQuery(object, GetParam().interfaceId, nullptr), -4);
+    kRelease(object);
+}
+
+TEST_P(EveryObject, AnswersNotImplementedAtEveryPositionThatIsNotListed) {
+    Object* const object = Factory();
+    ASSERT_NE(object, nullptr);
+    Object* found = nullptr;
+    ASSERT_EQ(kQuery(object, GetParam().interfaceId, &found), 1);
+    const Object::Entry notImplemented = found->m_pOperations[3];
+    int others = 0;
+    for (std::size_t position = 3; position < kTableSize; ++position) {
+        if (GetParam().positions.contains(position)) {
+            EXPECT_NE(found->m_pOperations[position], notImplemented) << position;
+            continue;
+        }
+        EXPECT_EQ((Operation<std::int32_t()>{position}(found)), -5) << position;
+        ++others;
+    }
+    EXPECT_EQ(static_cast<std::size_t>(others), kTableSize - 3 - GetParam().positions.size());
+    kRelease(found);
+    kRelease(object);
+}
+
+/// A component whose operation throws, and one without tables.
+class Thrower final : public Component {
+public:
+    Interface* FindInterface(std::string_view) override { return nullptr; }
+    Interface* MainInterface() override { return &m_interface; }
+    std::int32_t Throw(std::int32_t kind) {
+        if (kind == 0) throw std::bad_alloc();
+        if (kind == 1) throw 5;
+        return kind;
+    }
+    static const Object::Entry* Operations() {
+        static const OperationTable table =
+            OperationTable().Set<&Thrower::Throw>(Operation<std::int32_t(std::int32_t)>{7});
+        return table.Entries();
+    }
+    Interface m_interface{Operations(), this};
+};
+
+TEST(AnOperation, AnswersMinusTwoWhateverIsThrownInsideIt) {
+    auto* const thrower = new Thrower;
+    const Operation<std::int32_t(std::int32_t)> operation{7};
+    EXPECT_EQ(operation(thrower->MainInterface(), 0), -2);
+    EXPECT_EQ(operation(thrower->MainInterface(), 1), -2);
+    EXPECT_EQ(operation(thrower->MainInterface(), 42), 42);
+    kRelease(thrower->MainInterface());
+    EXPECT_EQ(Component::LiveCount(), 0);
+}
+
+}  // namespace

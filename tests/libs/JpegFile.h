@@ -1,0 +1,56 @@
+// Jpeg files of one colour, or two, in every form that the encoder knows.
+#pragma once
+#include <cstdint>
+#include <cstdio>  // which jpeglib.h needs and does not include
+#include <cstdlib>
+#include <vector>
+// The order matters.
+#include <jpeglib.h>
+
+struct JpegOptions {
+    J_COLOR_SPACE kind = JCS_RGB;
+    std::vector<std::uint8_t> pixel;
+    std::vector<std::uint8_t> pixelOfLowerHalf = {};  ///< empty: as above
+    J_COLOR_SPACE stored = JCS_UNKNOWN;               ///< JCS_UNKNOWN leaves the choice to the encoder
+    bool progressive = false;
+    bool arithmetic = false;
+    int restartRows = 0;
+    bool adobeMark = true;  ///< of CMYK
+};
+
+/// 40 x 24 pixels; a picture of one colour survives the packing but for rounding.
+inline std::vector<std::uint8_t> MakeJpeg(const JpegOptions& options) {
+    constexpr JDIMENSION kWidth = 40, kHeight = 24;
+    jpeg_compress_struct jpeg{};
+    jpeg_error_mgr errors{};
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    unsigned char* out = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&jpeg, &out, &size);
+    jpeg.image_width = kWidth;
+    jpeg.image_height = kHeight;
+    jpeg.input_components = static_cast<int>(options.pixel.size());
+    jpeg.in_color_space = options.kind;
+    jpeg_set_defaults(&jpeg);
+    if (options.stored != JCS_UNKNOWN) jpeg_set_colorspace(&jpeg, options.stored);
+    jpeg_set_quality(&jpeg, 100, TRUE);
+    if (options.progressive) jpeg_simple_progression(&jpeg);
+    jpeg.arith_code = options.arithmetic ? TRUE : FALSE;
+    jpeg.restart_in_rows = options.restartRows;
+    if (!options.adobeMark) jpeg.write_Adobe_marker = FALSE;
+    jpeg_start_compress(&jpeg, TRUE);
+    for (JDIMENSION y = 0; y < kHeight; ++y) {
+        const bool lower = y >= kHeight / 2 && !options.pixelOfLowerHalf.empty();
+        const std::vector<std::uint8_t>& pixel = lower ? options.pixelOfLowerHalf : options.pixel;
+        std::vector<std::uint8_t> row;
+        for (JDIMENSION x = 0; x < kWidth; ++x) row.insert(row.end(), pixel.begin(), pixel.end());
+        JSAMPROW rows[] = {row.data()};
+        jpeg_write_scanlines(&jpeg, rows, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    std::vector<std::uint8_t> file(out, out + size);
+    jpeg_destroy_compress(&jpeg);
+    std::free(out);
+    return file;
+}
