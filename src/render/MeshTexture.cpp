@@ -1,6 +1,7 @@
 // Textured meshes: pictures from encoded files or as pixels, and the texture on the GPU.
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <cassert>
 #include <memory>
 #include <utility>
@@ -34,11 +35,43 @@ Picture DecodeBottomUp(std::span<const std::uint8_t> imageBytes) {
     return picture;
 }
 
+/// Half as wide and high, each pixel the mean of four; odd last rows and columns are dropped.
+Picture Halved(const std::uint8_t* rgba, std::int32_t width, std::int32_t height) {
+    Picture half{std::max(width / 2, 1), std::max(height / 2, 1), {}};
+    half.rgba.reserve(std::size_t{4} * static_cast<std::size_t>(half.width) * static_cast<std::size_t>(half.height));
+    const auto at = [=](std::int32_t x, std::int32_t y, std::size_t channel) -> unsigned {
+        const auto row = static_cast<std::size_t>(std::min(y, height - 1));
+        const auto column = static_cast<std::size_t>(std::min(x, width - 1));
+        return rgba[4 * (row * static_cast<std::size_t>(width) + column) + channel];
+    };
+    for (std::int32_t y = 0; y < half.height; ++y)
+        for (std::int32_t x = 0; x < half.width; ++x)
+            for (std::size_t c = 0; c < 4; ++c)
+                half.rgba.push_back(
+                    static_cast<std::uint8_t>((at(2 * x, 2 * y, c) + at(2 * x + 1, 2 * y, c) + at(2 * x, 2 * y + 1, c) +
+                                               at(2 * x + 1, 2 * y + 1, c) + 2) /
+                                              4));
+    return half;
+}
+
+/// Fills the bound texture. A picture larger than the driver takes is shown coarser, rather than not at all.
+void UploadPicture(std::int32_t width, std::int32_t height, const std::uint8_t* rgba) {
+    GLint longestSide = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &longestSide);
+    Picture smaller;
+    while (std::max(width, height) > std::max(longestSide, 1)) {
+        smaller = Halved(rgba, width, height);
+        width = smaller.width;
+        height = smaller.height;
+        rgba = smaller.rgba.data();
+    }
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+}
+
 /// Lets the component library judge a picture that came as pixels.
 void RequirePicture(const std::uint32_t* rgbaPixels, std::uint32_t width, std::uint32_t height) {
     const ComponentPtr picture = MakeImage();
-    RequireSuccess(
-        image::kSetSize(picture.get(), static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)));
+    RequireSuccess(image::kSetSize(picture.get(), static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)));
     RequireSuccess(image::kWritePixels(picture.get(), rgbaPixels, std::size_t{4} * width * height));
 }
 
@@ -60,7 +93,7 @@ Mesh::Mesh(std::vector<Vertex> vertices, std::span<const HpsFace> faces, std::ws
            std::uint32_t height)
     : m_vVertices(std::move(vertices)), m_sName(std::move(name)), m_bGrayColors(rgbaPixels == nullptr) {
     m_vTriangles.reserve(faces.size());
-    for (const HpsFace& face : faces) m_vTriangles.push_back({{face.indices[0], face.indices[1], face.indices[2]}});
+    for (const HpsFace& face : faces) m_vTriangles.push_back({{face.v[0], face.v[1], face.v[2]}});
     Mesh::ComputeBoundingBox();
     if (rgbaPixels == nullptr) return;
     m_vTexCoords.reserve(3 * faces.size());
@@ -80,12 +113,12 @@ Mesh::Texture::~Texture() {
 void Mesh::CreateTexture(std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
                          std::span<const std::uint8_t> imageBytes) {
     // The name comes last: what fails before it leaves nothing behind on the GPU.
-    auto texture = std::make_shared<Texture>(0, CurrentContext(),
-                                             std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
+    auto texture =
+        std::make_shared<Texture>(0, CurrentContext(), std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
     if (texture->m_hContext != nullptr) {
         glGenTextures(1, &texture->m_uName);
         glBindTexture(GL_TEXTURE_2D, texture->m_uName);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgbaPixels);
+        UploadPicture(width, height, rgbaPixels);
         glGenerateMipmap(GL_TEXTURE_2D);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
