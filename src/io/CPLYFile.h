@@ -61,15 +61,23 @@ class Element : public GrammarItem {
 public:
     class ElementSubItem {
     public:
+        enum class Kind { kOther, kProperty, kList };
+
+        ElementSubItem() = default;
         [[nodiscard]] virtual std::string ToString() const = 0;
         virtual ~ElementSubItem() = default;
 
-        std::string m_sName;  // lower case
+        std::string m_sName;                // lower case
+        const Kind m_eKind = Kind::kOther;  // asked for every record: a cast would cost more than the skip
+
+    protected:
+        explicit ElementSubItem(Kind kind) : m_eKind(kind) {}
     };
 
     /// One number in each record.
     class Property : public ElementSubItem {
     public:
+        Property() : ElementSubItem(Kind::kProperty) {}
         [[nodiscard]] std::string ToString() const override;
 
         int m_iType = kPlyNone;
@@ -78,6 +86,7 @@ public:
     /// A count and as many numbers in each record.
     class List : public ElementSubItem {
     public:
+        List() : ElementSubItem(Kind::kList) {}
         [[nodiscard]] std::string ToString() const override;
 
         int m_iCountType = kPlyNone;
@@ -100,6 +109,7 @@ struct PlyArrayView {
     const char* m_pFirst = nullptr;  // the first record's value
     int m_iCount = 0;                // records
     std::int64_t m_iStride = 0;      // bytes from one record's value to the next
+    std::int64_t m_iOffset = 0;      // of m_pFirst in the data
     std::int64_t m_iBytes = 0;  // from m_pFirst to the end of the data; every value of its declared width lies inside
 
     /// For readers that take another width than the declared one.
@@ -169,7 +179,7 @@ public:
     [[nodiscard]] const char* GetDataEnd() const { return m_sData.data() + m_sData.size(); }
 
     /// ForEachFloat or ForEachInt for each column in turn, with the same values and errors, in one pass over the text
-    /// when that can be. Columns of an element without lists; the targets hold m_iCount values.
+    /// when that can be. The targets hold m_iCount values; what a disordered walk finds beyond these is dropped.
     void ReadColumns(std::string_view element, std::span<const PlyColumn> columns);
     /// ForEachIntList or ForEachFloatList for lists that have `members` members each, in one fast pass.
     /// @param target  room for m_iCount * members values, densely
@@ -192,8 +202,24 @@ protected:
     DataSection(CPLYFile& file, std::string data) : m_pFile(&file), m_sData(std::move(data)) {}
     /// Skips so many whole records; the cursor may end behind the data.
     virtual void SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor);
+    /// The fast passes, each with the item of its columns or list; false when the slow walk must do.
+    virtual bool TryReadColumns(const Element& element, std::span<const PlyColumn> columns, std::span<const int> items);
+    virtual bool TryReadLists(const Element& element, int item, int members, int* target) = 0;
+    virtual bool TryReadLists(const Element& element, int item, int members, float* target) = 0;
 
-    std::int64_t m_iLimit = 0;  // of the data that is there, in cursor units
+    void SkipItem(const Element& element, int item, std::int64_t& cursor);
+    /// Cursor value behind an element's last record.
+    [[nodiscard]] std::int64_t ElementEnd(int element) const;
+    [[nodiscard]] int ElementIndex(std::string_view name) const;
+
+    std::int64_t m_iLimit = 0;       // of the data that is there, in cursor units
+    std::int64_t m_iFixedStep = -1;  // of NextRecord() in the current element; -1: it has lists
+
+private:
+    template <class Get, class Callback>
+    void ForEach(std::string_view element, std::string_view property, Get get, Callback callback, void* user);
+    template <class Number>
+    bool ReadListsOf(std::string_view element, std::string_view property, int members, Number* target);
 };
 
 /// Data of an ascii file.
@@ -211,6 +237,26 @@ public:
 
     std::vector<std::int64_t> m_vTokenStart;  // byte offset of every 64th token: a table of all would outgrow the mesh
     std::string m_sToken;                     // for messages
+
+protected:
+    void SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor) override;
+    bool TryReadColumns(const Element& element, std::span<const PlyColumn> columns,
+                        std::span<const int> items) override;
+    bool TryReadLists(const Element& element, int item, int members, int* target) override;
+    bool TryReadLists(const Element& element, int item, int members, float* target) override;
+
+private:
+    [[nodiscard]] std::int64_t TokenStart(std::int64_t index);
+    [[nodiscard]] std::string_view Token(std::int64_t index);
+    template <class Number>
+    Number ReadToken(std::int64_t index, const char* complaint);
+    template <class Item, class Number>
+    void ReadList(std::vector<Item>& out, const char* complaint);
+    template <class Number>
+    bool ReadListsFast(const Element& element, int item, int members, Number* target);
+
+    std::int64_t m_iKnownToken = 0;  // the last one that was looked up, and where it starts
+    std::int64_t m_iKnownStart = 0;
 };
 
 /// Data of a little-endian file.
@@ -227,6 +273,20 @@ public:
     void GetFloatList(std::vector<float>& out) override;
 
     std::int64_t m_iReadOffset = 0;  // behind the last read
+
+protected:
+    void SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor) override;
+    bool TryReadLists(const Element& element, int item, int members, int* target) override;
+    bool TryReadLists(const Element& element, int item, int members, float* target) override;
+
+private:
+    [[nodiscard]] std::int64_t ReadInteger(int type, std::int64_t offset);
+    [[nodiscard]] float ReadFloating(int type, std::int64_t offset);
+    [[nodiscard]] std::int64_t CountForSkip(int type, std::int64_t offset) const;
+    template <class Item, class Read>
+    void ReadList(std::vector<Item>& out, Read read);
+    template <class Number>
+    bool ReadListsFast(const Element& element, int item, int members, Number* target);
 };
 
 /// Reads a ply file into memory.

@@ -1,0 +1,269 @@
+// Walks over the data of a ply file, the same for text and bytes: elements, records, properties.
+#include "io/CPLYFile.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <limits>
+
+namespace {
+using Kind = Element::ElementSubItem::Kind;
+
+const Element& ElementAt(const CPLYFile& file, int index) {
+    return static_cast<const Element&>(*file.m_vElements[static_cast<std::size_t>(index)]);
+}
+
+/// cursor + times * step for what is not negative, at most kFar.
+std::int64_t Advance(std::int64_t cursor, std::int64_t times, std::int64_t step) {
+    constexpr std::int64_t kFar = std::numeric_limits<std::int64_t>::max() / 2;  // leaves room for further steps
+    std::int64_t distance = 0;
+    std::int64_t sum = 0;
+    if (__builtin_mul_overflow(times, step, &distance) || __builtin_add_overflow(cursor, distance, &sum)) return kFar;
+    return std::min(sum, kFar);
+}
+
+/// Index of an item; the number of items when there is none of the name.
+int FindItem(const Element& element, std::string_view name) {
+    std::size_t item = 0;
+    while (item < element.m_vItems.size() && element.m_vItems[item]->m_sName != name) ++item;
+    return static_cast<int>(item);
+}
+
+bool HasOnlyLists(const Element& element) {
+    for (const auto& item : element.m_vItems)
+        if (item->m_eKind != Kind::kList) return false;
+    return true;
+}
+
+/// Takes the values of a walk into a column.
+struct ColumnWriter {
+    const PlyColumn& m_rColumn;
+    int m_iCount;
+
+    static bool TakeFloat(std::int64_t index, float value, void* user) {
+        const auto& self = *static_cast<const ColumnWriter*>(user);
+        if (index >= self.m_iCount) return false;
+        std::memcpy(static_cast<char*>(self.m_rColumn.m_pTarget) + index * self.m_rColumn.m_iStride, &value,
+                    sizeof value);
+        return true;
+    }
+    static bool TakeLowByte(std::int64_t index, int value, void* user) {
+        const auto& self = *static_cast<const ColumnWriter*>(user);
+        if (index >= self.m_iCount) return false;
+        static_cast<unsigned char*>(self.m_rColumn.m_pTarget)[index * self.m_rColumn.m_iStride] =
+            static_cast<unsigned char>(value);
+        return true;
+    }
+};
+}  // namespace
+
+void PlyArrayView::RequireWidth(int bytes) const {
+    if (m_iCount == 0) return;
+    const std::int64_t last = (m_iCount - 1) * m_iStride;
+    if (bytes > m_iBytes - last) throw CPLYFileError("Unexpected end of data.", m_iOffset + last);
+}
+
+void DataSection::Scan() {
+    m_vElementStart.clear();
+    std::int64_t cursor = 0;
+    for (const auto& element : m_pFile->m_vElements) {
+        m_vElementStart.push_back(cursor);
+        const auto& records = static_cast<const Element&>(*element);
+        if (records.m_iCount > 0) SkipRecords(records, records.m_iCount, cursor);
+    }
+    m_iEnd = cursor;
+}
+
+void DataSection::SkipItem(const Element& element, int item, std::int64_t& cursor) {
+    switch (element.m_vItems[static_cast<std::size_t>(item)]->m_eKind) {
+        case Kind::kProperty:
+            return SkipProperty(element, item, cursor);
+        case Kind::kList:
+            return SkipList(element, item, cursor);
+        case Kind::kOther:
+            break;
+    }
+    throw CPLYFileError("internal error (unknown property type)");
+}
+
+void DataSection::SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor) {
+    const int items = static_cast<int>(element.m_vItems.size());
+    const bool hasLists = element.HasLists();
+    while (records > 0) {
+        const std::int64_t start = cursor;
+        for (int item = 0; item < items; ++item) SkipItem(element, item, cursor);
+        --records;
+        // without lists, and behind the data where all lists are empty, the others are as long as this one
+        if (hasLists && start < m_iLimit) continue;
+        cursor = Advance(cursor, records, cursor - start);
+        return;
+    }
+}
+
+int DataSection::ElementIndex(std::string_view name) const {
+    const auto& elements = m_pFile->m_vElements;
+    for (std::size_t i = 0; i < elements.size(); ++i)
+        if (elements[i]->m_sName == name) return static_cast<int>(i);
+    throw CPLYFileError("No such element: " + std::string(name));
+}
+
+std::int64_t DataSection::ElementEnd(int element) const {
+    const auto next = static_cast<std::size_t>(element) + 1;
+    return next < m_vElementStart.size() ? m_vElementStart[next] : m_iEnd;
+}
+
+void DataSection::Seek(std::string_view element, std::string_view property) {
+    m_iCurrentElement = ElementIndex(element);
+    m_pElement = &ElementAt(*m_pFile, m_iCurrentElement);
+    m_iCursor = m_vElementStart[static_cast<std::size_t>(m_iCurrentElement)];
+    const int items = static_cast<int>(m_pElement->m_vItems.size());
+    const int wanted = FindItem(*m_pElement, property);
+    for (int item = 0; item < wanted; ++item) SkipItem(*m_pElement, item, m_iCursor);
+    m_iItemIndex = wanted < items ? wanted : 0;
+
+    m_iFixedStep = -1;
+    if (m_pElement->HasLists()) return;
+    m_iFixedStep = 0;
+    for (int item = 0; item < items; ++item) SkipItem(*m_pElement, item, m_iFixedStep);
+}
+
+void DataSection::NextRecord() {
+    assert(m_pElement != nullptr);
+    if (m_iFixedStep >= 0) {
+        m_iCursor += m_iFixedStep;
+        return;
+    }
+    const int items = static_cast<int>(m_pElement->m_vItems.size());
+    for (int step = 0; step < items; ++step) {
+        if (m_pElement->m_vItems[static_cast<std::size_t>(step)]->m_eKind == Kind::kList)
+            SkipList(*m_pElement, m_iItemIndex, m_iCursor);
+        else
+            SkipProperty(*m_pElement, m_iItemIndex, m_iCursor);
+        m_iItemIndex = (m_iItemIndex + 1) % items;
+    }
+}
+
+template <class Get, class Callback>
+void DataSection::ForEach(std::string_view element, std::string_view property, Get get, Callback callback, void* user) {
+    Seek(element, property);
+    const std::int64_t end = ElementEnd(m_iCurrentElement);
+    for (std::int64_t i = 0; m_iCursor < end; ++i) {
+        if (!callback(i, get(), user)) return;
+        NextRecord();
+    }
+}
+
+void DataSection::ForEachInt(std::string_view element, std::string_view property, IntCallback callback, void* user) {
+    ForEach(
+        element, property, [this] { return GetInt(); }, callback, user);
+}
+
+void DataSection::ForEachFloat(std::string_view element, std::string_view property, FloatCallback callback,
+                               void* user) {
+    ForEach(
+        element, property, [this] { return GetFloat(); }, callback, user);
+}
+
+void DataSection::ForEachIntList(std::string_view element, std::string_view property, IntListCallback callback,
+                                 void* user) {
+    std::vector<int> list;
+    const auto get = [&]() -> const std::vector<int>& {
+        GetIntList(list);
+        return list;
+    };
+    ForEach(element, property, get, callback, user);
+}
+
+void DataSection::ForEachFloatList(std::string_view element, std::string_view property, FloatListCallback callback,
+                                   void* user) {
+    std::vector<float> list;
+    const auto get = [&]() -> const std::vector<float>& {
+        GetFloatList(list);
+        return list;
+    };
+    ForEach(element, property, get, callback, user);
+}
+
+void DataSection::RequireRecords(std::string_view element) const {
+    const int index = ElementIndex(element);
+    const std::int64_t dataEnd = static_cast<std::int64_t>(m_sData.size());
+    if (ElementAt(*m_pFile, index).m_iCount > 0 && ElementEnd(index) > m_iLimit)
+        throw CPLYFileError("Unexpected end of data.", dataEnd);
+}
+
+PlyArrayView DataSection::GetArrayView(std::string_view element, std::string_view property) {
+    assert(m_pFile->m_iFormat != CPLYFile::kAscii);
+    const Element& records = m_pFile->GetElement(element);
+    if (records.HasLists()) throw CPLYFileError("No array-style access to elements that contain list properties.");
+    (void)records.GetProperty(property);  // throws: a view behind the first record would lack the last one
+    RequireRecords(element);
+    Seek(element, property);
+    PlyArrayView view;
+    view.m_iCount = records.m_iCount;
+    view.m_iOffset = records.m_iCount > 0 ? m_iCursor : 0;  // without a record the cursor may lie behind the data
+    view.m_pFirst = m_sData.data() + view.m_iOffset;
+    view.m_iBytes = static_cast<std::int64_t>(m_sData.size()) - view.m_iOffset;
+    const std::int64_t first = m_iCursor;
+    NextRecord();
+    view.m_iStride = m_iCursor - first;
+    return view;
+}
+
+bool DataSection::GetFaceBlock(std::string_view element, const char*& indexOut, int& countOut) {
+    const Element& records = m_pFile->GetElement(element);
+    if (m_pFile->m_iFormat == CPLYFile::kAscii || records.m_vItems.size() != 1 || !records.HasLists()) return false;
+    const auto& list = static_cast<const Element::List&>(*records.m_vItems.front());
+    const int members = list.m_iElementType;
+    if (list.m_iCountType != kPlyChar && list.m_iCountType != kPlyUChar) return false;
+    if (members != kPlyUInt32 && members != kPlyInt && members != kPlyUInt) return false;
+    RequireRecords(element);
+    Seek(element, list.m_sName);
+    indexOut = m_sData.data() + (records.m_iCount > 0 ? m_iCursor : 0);
+    countOut = records.m_iCount;
+    return true;
+}
+
+void DataSection::ReadColumns(std::string_view element, std::span<const PlyColumn> columns) {
+    const Element& records = m_pFile->GetElement(element);
+    std::vector<int> items;
+    bool allThere = !records.HasLists();
+    for (const PlyColumn& column : columns) {
+        items.push_back(FindItem(records, column.m_sProperty));
+        allThere = allThere && items.back() < static_cast<int>(records.m_vItems.size());
+    }
+    if (allThere) {
+        Seek(element, records.m_vItems.empty() ? "" : records.m_vItems.front()->m_sName);
+        if (TryReadColumns(records, columns, items)) return;
+    }
+    for (const PlyColumn& column : columns) {
+        ColumnWriter writer{column, records.m_iCount};
+        if (column.m_eKind == PlyColumn::kFloat)
+            ForEachFloat(element, column.m_sProperty, &ColumnWriter::TakeFloat, &writer);
+        else
+            ForEachInt(element, column.m_sProperty, &ColumnWriter::TakeLowByte, &writer);
+    }
+}
+
+bool DataSection::TryReadColumns(const Element&, std::span<const PlyColumn>, std::span<const int>) { return false; }
+
+template <class Number>
+bool DataSection::ReadListsOf(std::string_view element, std::string_view property, int members, Number* target) {
+    const Element& records = m_pFile->GetElement(element);
+    const int item = FindItem(records, property);
+    if (item == static_cast<int>(records.m_vItems.size())) return false;
+    if (records.m_vItems[static_cast<std::size_t>(item)]->m_eKind != Kind::kList) return false;
+    // NextRecord() keeps the order of the items from the first item on, or when all are of one kind
+    if (item != 0 && !HasOnlyLists(records)) return false;
+    if (ElementEnd(ElementIndex(element)) > m_iLimit) return false;
+    if (records.m_iCount == 0) return true;
+    Seek(element, records.m_vItems.front()->m_sName);
+    return TryReadLists(records, item, members, target);
+}
+
+bool DataSection::ReadLists(std::string_view element, std::string_view property, int members, int* target) {
+    return ReadListsOf(element, property, members, target);
+}
+
+bool DataSection::ReadLists(std::string_view element, std::string_view property, int members, float* target) {
+    return ReadListsOf(element, property, members, target);
+}

@@ -1,0 +1,220 @@
+// Data of an ascii ply file: tokens between white space. The walks over records are in PlyDataSection.cpp.
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+
+#include "io/CPLYFile.h"
+#include "io/StreamNumber.h"
+#include "io/TextTokens.h"
+
+namespace {
+using Kind = Element::ElementSubItem::Kind;
+constexpr std::int64_t kNoted = 64;  // tokens from one in m_vTokenStart to the next
+
+constexpr char kNoInteger[] = "Integer expected, but found this: ";
+constexpr char kNoFloat[] = "Float expected, but found this: ";
+constexpr char kNoListInteger[] = "List element is not an integer: ";
+constexpr char kNoListFloat[] = "List element is not a float: ";
+
+const char* ReadNumber(const char* first, const char* last, int& value) { return ReadStreamInt(first, last, value); }
+const char* ReadNumber(const char* first, const char* last, float& value) {
+    return ReadStreamFloat(first, last, value);
+}
+
+/// A place in the text that moves from token to token, parsing on the way. A token that is not a plain number stops it
+/// for good: the walk by cursor then finds the same again, and the reason.
+class TokenWalk {
+public:
+    TokenWalk(const char* token, const char* end) : m_pToken(token), m_pEnd(end) {}
+    [[nodiscard]] const char* At() const { return m_pToken; }
+
+    void Skip(std::int64_t tokens) {
+        if (tokens > 0) m_pToken = SkipTokens(m_pToken, m_pEnd, tokens);
+    }
+    /// Moves behind the number.
+    template <class Number>
+    bool Take(Number& value) {
+        // other white space may begin a token, and reading would run on into the next
+        if (m_pToken == m_pEnd || static_cast<unsigned char>(*m_pToken) <= ' ') return false;
+        const char* at = ReadNumber(m_pToken, m_pEnd, value);
+        if (at == nullptr) return false;
+        while (at != m_pEnd && !IsTokenSpace(*at)) ++at;
+        while (at != m_pEnd && IsTokenSpace(*at)) ++at;
+        m_pToken = at;
+        return true;
+    }
+
+private:
+    const char* m_pToken;
+    const char* m_pEnd;
+};
+}  // namespace
+
+TextDataSection::TextDataSection(CPLYFile& file, std::string data) : DataSection(file, std::move(data)) {
+    m_sToken.reserve(32);
+    m_vTokenStart.reserve(m_sData.size() / 15 / kNoted);
+    m_iLimit = IndexTokens(m_sData, m_vTokenStart);
+    TextDataSection::Scan();
+    if (m_iEnd > m_iLimit) throw CPLYFileError("Unexpected end of data.", static_cast<std::int64_t>(m_sData.size()));
+}
+
+std::int64_t TextDataSection::TokenStart(std::int64_t index) {
+    if (index >= m_iLimit) throw CPLYFileError("Unexpected end of data.", static_cast<std::int64_t>(m_sData.size()));
+    const std::int64_t sinceNoted = index % kNoted;
+    std::int64_t tokens = index - m_iKnownToken;
+    std::int64_t from = m_iKnownStart;
+    if (tokens < 0 || tokens >= sinceNoted) {
+        tokens = sinceNoted;
+        from = m_vTokenStart[static_cast<std::size_t>(index / kNoted)];
+    }
+    m_iKnownToken = index;
+    m_iKnownStart = tokens == 0 ? from : SkipTokens(m_sData.data() + from, GetDataEnd(), tokens) - m_sData.data();
+    return m_iKnownStart;
+}
+
+std::string_view TextDataSection::Token(std::int64_t index) {
+    const char* const first = m_sData.data() + TokenStart(index);
+    const char* last = first;
+    while (last != GetDataEnd() && !IsTokenSpace(*last)) ++last;
+    return {first, last};
+}
+
+template <class Number>
+Number TextDataSection::ReadToken(std::int64_t index, const char* complaint) {
+    const std::string_view token = Token(index);
+    Number value = 0;
+    if (ReadNumber(token.data(), token.data() + token.size(), value) == nullptr) {
+        m_sToken = token;
+        throw CPLYFileError(complaint + m_sToken, TokenStart(index));
+    }
+    return value;
+}
+
+void TextDataSection::SkipProperty(const Element&, int, std::int64_t& cursor) { ++cursor; }
+
+void TextDataSection::SkipList(const Element&, int, std::int64_t& cursor) {
+    const int count = cursor < m_iLimit ? ReadToken<int>(cursor, kNoInteger) : 0;
+    cursor += 1 + std::max(count, 0);
+}
+
+void TextDataSection::SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor) {
+    if (element.HasLists() && cursor < m_iLimit) {
+        TokenWalk walk(m_sData.data() + TokenStart(cursor), GetDataEnd());
+        while (records > 0 && cursor < m_iLimit) {
+            std::int64_t tokens = 0;  // of this record
+            std::int64_t ahead = 0;   // of these, not walked over yet
+            bool plain = true;
+            for (const auto& item : element.m_vItems) {
+                int count = 0;
+                if (item->m_eKind == Kind::kList) {
+                    walk.Skip(ahead);
+                    plain = plain && walk.Take(count);
+                    ahead = -1;
+                }
+                plain = plain && item->m_eKind != Kind::kOther;
+                tokens += 1 + std::max(count, 0);
+                ahead += 1 + std::max(count, 0);
+            }
+            if (!plain) break;
+            walk.Skip(ahead);
+            cursor += tokens;
+            --records;
+        }
+    }
+    DataSection::SkipRecords(element, records, cursor);
+}
+
+int TextDataSection::GetInt() { return ReadToken<int>(m_iCursor, kNoInteger); }
+
+float TextDataSection::GetFloat() { return ReadToken<float>(m_iCursor, kNoFloat); }
+
+template <class Item, class Number>
+void TextDataSection::ReadList(std::vector<Item>& out, const char* complaint) {
+    out.clear();
+    const int count = ReadToken<int>(m_iCursor, kNoInteger);
+    if (count <= 0) return;
+    if (count > m_iLimit - m_iCursor - 1)
+        throw CPLYFileError("Unexpected end of data.", static_cast<std::int64_t>(m_sData.size()));
+    out.reserve(static_cast<std::size_t>(count));
+    for (int i = 1; i <= count; ++i) out.push_back(static_cast<Item>(ReadToken<Number>(m_iCursor + i, complaint)));
+}
+
+void TextDataSection::GetUCharList(std::vector<unsigned char>& out) {
+    ReadList<unsigned char, int>(out, kNoListInteger);
+}
+
+void TextDataSection::GetIntList(std::vector<int>& out) { ReadList<int, int>(out, kNoListInteger); }
+
+void TextDataSection::GetFloatList(std::vector<float>& out) { ReadList<float, float>(out, kNoListFloat); }
+
+bool TextDataSection::TryReadColumns(const Element& element, std::span<const PlyColumn> columns,
+                                     std::span<const int> items) {
+    if (element.m_iCount == 0) return true;
+    // the columns in the order of their items; each with the tokens to skip before it
+    struct Step {
+        std::int64_t m_iSkip;
+        PlyColumn m_column;
+    };
+    std::vector<std::size_t> order(columns.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    std::ranges::sort(order, {}, [&](std::size_t column) { return items[column]; });
+    std::vector<Step> steps;
+    int next = 0;  // item
+    for (const std::size_t column : order) {
+        if (items[column] < next) return false;  // twice the same property
+        steps.push_back({items[column] - next, columns[column]});
+        next = items[column] + 1;
+    }
+    const std::int64_t rest = static_cast<std::int64_t>(element.m_vItems.size()) - next;
+
+    TokenWalk walk(m_sData.data() + TokenStart(m_iCursor), GetDataEnd());
+    for (int record = 0; record < element.m_iCount; ++record) {
+        for (const Step& step : steps) {
+            walk.Skip(step.m_iSkip);
+            char* const target = static_cast<char*>(step.m_column.m_pTarget) + record * step.m_column.m_iStride;
+            if (step.m_column.m_eKind == PlyColumn::kFloat) {
+                float value = 0;
+                if (!walk.Take(value)) return false;
+                std::memcpy(target, &value, sizeof value);
+            } else {
+                int value = 0;
+                if (!walk.Take(value)) return false;
+                *target = static_cast<char>(value);
+            }
+        }
+        walk.Skip(rest);
+    }
+    return true;
+}
+
+template <class Number>
+bool TextDataSection::ReadListsFast(const Element& element, int item, int members, Number* target) {
+    TokenWalk walk(m_sData.data() + TokenStart(m_iCursor), GetDataEnd());
+    const int items = static_cast<int>(element.m_vItems.size());
+    for (int record = 0; record < element.m_iCount; ++record) {
+        for (int i = 0; i < items; ++i) {
+            if (element.m_vItems[static_cast<std::size_t>(i)]->m_eKind == Kind::kProperty) {
+                walk.Skip(1);
+                continue;
+            }
+            int count = 0;
+            if (!walk.Take(count)) return false;
+            if (i != item) {
+                walk.Skip(count);
+                continue;
+            }
+            if (count != members) return false;
+            for (int member = 0; member < members; ++member)
+                if (!walk.Take(*target++)) return false;
+        }
+    }
+    return true;
+}
+
+bool TextDataSection::TryReadLists(const Element& element, int item, int members, int* target) {
+    return ReadListsFast(element, item, members, target);
+}
+
+bool TextDataSection::TryReadLists(const Element& element, int item, int members, float* target) {
+    return ReadListsFast(element, item, members, target);
+}

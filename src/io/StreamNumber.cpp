@@ -1,0 +1,121 @@
+// The usual number is short enough for exact arithmetic in doubles; std::from_chars does the rest.
+#include "io/StreamNumber.h"
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace {
+bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
+
+const char* SkipSpace(const char* at, const char* last) {
+    while (at != last && (*at == ' ' || (*at >= '\t' && *at <= '\r'))) ++at;
+    return at;
+}
+
+/// The sign is taken when it is there.
+bool TakeSign(const char*& at, const char* last) {
+    if (at == last || (*at != '-' && *at != '+')) return false;
+    return *at++ == '-';
+}
+
+/// A decimal number, value m_uDigits * 10^m_iExponent as long as m_bExact.
+struct Decimal {
+    std::uint64_t m_uDigits = 0;
+    std::int64_t m_iExponent = 0;
+    bool m_bHasDigits = false;
+    bool m_bExact = true;  // false: the digits do not fit, and only some of them are in m_uDigits
+};
+
+constexpr std::uint64_t kRoomForADigit = (std::numeric_limits<std::uint64_t>::max() - 9) / 10;
+
+const char* TakeDigits(const char* at, const char* last, Decimal& number, int exponentStep) {
+    for (; at != last && IsDigit(*at); ++at) {
+        number.m_bHasDigits = true;
+        if (number.m_uDigits > kRoomForADigit) {
+            number.m_bExact = false;
+            number.m_iExponent += exponentStep + 1;
+            continue;
+        }
+        number.m_uDigits = number.m_uDigits * 10 + static_cast<std::uint64_t>(*at - '0');
+        number.m_iExponent += exponentStep;
+    }
+    return at;
+}
+
+/// @param at  behind the exponent's letter; null when there is no digit
+const char* TakeExponent(const char* at, const char* last, Decimal& number) {
+    const bool negative = TakeSign(at, last);
+    if (at == last || !IsDigit(*at)) return nullptr;
+    std::int64_t exponent = 0;
+    constexpr std::int64_t kBeyondAnyText = std::int64_t{1} << 56;  // no text has so many digits to weigh it up
+    for (; at != last && IsDigit(*at); ++at)
+        if (exponent < kBeyondAnyText) exponent = exponent * 10 + (*at - '0');
+    number.m_iExponent += negative ? -exponent : exponent;
+    return at;
+}
+
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+/// Digits and power are exact doubles, so that their product or quotient is the double nearest to the number. Narrowing
+/// it rounds to the float nearest to the number too, unless it lies exactly between two floats: then the number may lie
+/// on either side. Every result is a normal float or 0.
+bool RoundExactly(const Decimal& number, float& value) {
+    if (!number.m_bExact || number.m_uDigits > std::uint64_t{1} << 53) return false;
+    if (number.m_iExponent < -22 || number.m_iExponent > 22) return false;
+    const auto digits = static_cast<double>(static_cast<std::int64_t>(number.m_uDigits));
+    const double nearest =
+        number.m_iExponent < 0 ? digits / kPowersOfTen[-number.m_iExponent] : digits * kPowersOfTen[number.m_iExponent];
+    constexpr std::uint64_t kDroppedBits = (std::uint64_t{1} << 29) - 1;
+    if ((std::bit_cast<std::uint64_t>(nearest) & kDroppedBits) == std::uint64_t{1} << 28) return false;
+    value = static_cast<float>(nearest);
+    return true;
+}
+
+/// @return false when the number rounds to more than the largest float, which value then is
+bool RoundByLibrary(const char* first, const char* last, const Decimal& number, float& value) {
+    const std::errc result = std::from_chars(first, last, value).ec;
+    if (result == std::errc{} && std::isfinite(value)) return true;
+    // Out of range on one of the sides, and far from 1: the number of digits weighs against the exponent.
+    const bool large = number.m_uDigits != 0 && number.m_iExponent > -20;
+    value = large ? std::numeric_limits<float>::max() : 0.0F;
+    return !large;
+}
+}  // namespace
+
+const char* ReadStreamInt(const char* first, const char* last, int& value) {
+    const char* at = SkipSpace(first, last);
+    if (at == last) return nullptr;
+    const bool negative = TakeSign(at, last);
+    constexpr std::int64_t kLimit = std::numeric_limits<int>::max();
+    std::int64_t number = 0;
+    const char* const digits = at;
+    for (; at != last && IsDigit(*at); ++at)
+        if (number <= kLimit) number = number * 10 + (*at - '0');
+    const std::int64_t largest = negative ? kLimit + 1 : kLimit;
+    const bool fits = number <= largest;
+    if (!fits) number = largest;
+    value = static_cast<int>(negative ? -number : number);
+    return fits && at != digits ? at : nullptr;
+}
+
+const char* ReadStreamFloat(const char* first, const char* last, float& value) {
+    const char* at = SkipSpace(first, last);
+    if (at == last) return nullptr;
+    const bool negative = TakeSign(at, last);
+    const char* const unsignedFirst = at;
+    Decimal number;
+    at = TakeDigits(at, last, number, 0);
+    if (at != last && *at == '.') at = TakeDigits(at + 1, last, number, -1);
+    if (number.m_bHasDigits && at != last && (*at == 'e' || *at == 'E')) at = TakeExponent(at + 1, last, number);
+    if (!number.m_bHasDigits || at == nullptr) {
+        value = 0;
+        return nullptr;
+    }
+    const bool fits = RoundExactly(number, value) || RoundByLibrary(unsignedFirst, at, number, value);
+    if (negative) value = -value;
+    return fits ? at : nullptr;
+}
