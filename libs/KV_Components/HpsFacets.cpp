@@ -1,0 +1,235 @@
+// Triangles by the edges that they share with triangles shortly before them. A code tells which edge, how the corners
+// are turned, and where the third corner comes from; both sides keep the same state and follow it step by step.
+#include "HpsFacets.h"
+
+#include <algorithm>
+
+namespace KvComponents::Hps {
+
+namespace {
+
+/// Where the corner opposite of a shared edge comes from.
+enum Third : std::uint32_t {
+    kHighest,   ///< one above the highest index so far: a mesh whose vertices are in the order of their use
+    kNextStep,  ///< one above the last of kNextStep, kLastStep and kFar: grids, row by row
+    kLastStep,  ///< one below it
+    kRecent,    ///< the third corner of an edge that is remembered: the end of a fan
+    kFar,       ///< as a difference from it
+    kThirdCount
+};
+
+constexpr std::uint32_t kEdgeCount = 16;  ///< that are remembered
+constexpr std::uint32_t kTurnCount = 3;
+constexpr std::uint32_t kAlone = kEdgeCount * kTurnCount * kThirdCount;  ///< code of a triangle without a shared edge
+static_assert(kAlone < 256);
+
+/// Planes of the numbers that do not follow from a code.
+enum Plane : std::size_t { kFarPlane, kFirstPlane, kSecondPlane, kThirdPlane, kPlaneCount };
+
+struct Edge {
+    std::uint32_t from, to;  ///< in the direction in which a neighbour on the same side of the surface has it
+    std::uint32_t third;
+};
+
+/// What encoder and decoder know before a triangle.
+class State {
+public:
+    explicit State(std::uint32_t vertexCount, RawArray<Introduction>& introductions)
+        : m_uVertexCount(vertexCount), m_introductions(introductions), m_isKnown(vertexCount), m_uLatest(vertexCount) {}
+
+    [[nodiscard]] const Edge& EdgeAt(std::uint32_t age) const { return m_edges[(m_uNewest - age) % kEdgeCount]; }
+    [[nodiscard]] std::uint32_t Highest() const { return m_uHighest; }
+    [[nodiscard]] std::uint32_t Last() const { return m_uLast; }
+    [[nodiscard]] std::uint32_t First() const { return m_uFirst; }
+
+    void FollowShared(std::uint32_t age, Third kind, std::uint32_t third) {
+        const Edge edge = EdgeAt(age);
+        if (kind == kNextStep || kind == kLastStep || kind == kFar) m_uLast = third;
+        Introduce(third, edge.from, edge.to, edge.third);
+        Remember({edge.from, third, edge.to});
+        Remember({third, edge.to, edge.from});
+    }
+
+    void FollowAlone(const std::uint32_t* corners) {
+        m_uFirst = corners[0];
+        m_uLast = corners[2];
+        Introduce(corners[0], m_uLatest, m_uLatest, m_uLatest);
+        Introduce(corners[1], corners[0], corners[0], corners[0]);
+        Introduce(corners[2], corners[1], corners[1], corners[1]);
+        Remember({corners[1], corners[0], corners[2]});
+        Remember({corners[2], corners[1], corners[0]});
+        Remember({corners[0], corners[2], corners[1]});
+    }
+
+    void IntroduceRest() {
+        for (std::uint32_t v = 0; v < m_uVertexCount; ++v) Introduce(v, m_uLatest, m_uLatest, m_uLatest);
+    }
+
+private:
+    void Introduce(std::uint32_t vertex, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
+        if (vertex >= m_uVertexCount || m_isKnown[vertex]) return;
+        m_isKnown[vertex] = 1;
+        m_introductions[m_uIntroduced++] = {vertex, a, b, c};
+        m_uLatest = vertex;
+        if (vertex >= m_uHighest) m_uHighest = vertex + 1;
+    }
+    void Remember(const Edge& edge) { m_edges[++m_uNewest % kEdgeCount] = edge; }
+
+    std::uint32_t m_uVertexCount;
+    RawArray<Introduction>& m_introductions;
+    std::vector<std::uint8_t> m_isKnown;
+    std::uint32_t m_uLatest;  ///< the vertex introduced last
+    std::size_t m_uIntroduced = 0;
+    Edge m_edges[kEdgeCount] = {};
+    std::uint32_t m_uNewest = 0;
+    std::uint32_t m_uHighest = 0, m_uLast = 0, m_uFirst = 0;
+};
+
+/// The age of the youngest edge with @p third as third corner; kEdgeCount when there is none.
+std::uint32_t AgeOfThird(const State& state, std::uint32_t third) {
+    std::uint32_t age = 0;
+    while (age < kEdgeCount && state.EdgeAt(age).third != third) ++age;
+    return age;
+}
+
+class Encoder {
+public:
+    Encoder(std::uint32_t vertexCount, std::size_t triangleCount, RawArray<Introduction>& introductions)
+        : m_state(vertexCount, introductions), m_numbers(kPlaneCount) {
+        m_codes.reserve(triangleCount);
+    }
+
+    void Add(const std::uint32_t* corners) {
+        for (std::uint32_t age = 0; age < kEdgeCount; ++age) {
+            const Edge& edge = m_state.EdgeAt(age);
+            for (std::uint32_t turn = 0; turn < kTurnCount; ++turn) {
+                if (edge.from == corners[turn] && edge.to == corners[(turn + 1) % 3])
+                    return AddShared(age, turn, corners[(turn + 2) % 3]);
+            }
+        }
+        m_codes.push_back(static_cast<std::uint8_t>(kAlone));
+        m_numbers.Put(kFirstPlane, FoldSign(corners[0] - m_state.First()));
+        m_numbers.Put(kSecondPlane, FoldSign(corners[1] - corners[0]));
+        m_numbers.Put(kThirdPlane, FoldSign(corners[2] - corners[1]));
+        m_state.FollowAlone(corners);
+    }
+
+    [[nodiscard]] ByteVector Finish() {
+        m_state.IntroduceRest();
+        ByteVector bytes;
+        AppendBlock(bytes, std::as_bytes(std::span(m_codes)));
+        m_numbers.Append(bytes);
+        return bytes;
+    }
+
+private:
+    void AddShared(std::uint32_t age, std::uint32_t turn, std::uint32_t third) {
+        Third kind = kFar;
+        if (third == m_state.Highest()) {
+            kind = kHighest;
+        } else if (third == m_state.Last() + 1) {
+            kind = kNextStep;
+        } else if (third == m_state.Last() - 1) {
+            kind = kLastStep;
+        } else if (const std::uint32_t thirdAge = AgeOfThird(m_state, third); thirdAge < kEdgeCount) {
+            kind = kRecent;
+            m_numbers.Put(kFarPlane, thirdAge);
+        } else {
+            m_numbers.Put(kFarPlane, FoldSign(third - m_state.Last()));
+        }
+        m_codes.push_back(static_cast<std::uint8_t>((age * kTurnCount + turn) * kThirdCount + kind));
+        m_state.FollowShared(age, kind, third);
+    }
+
+    State m_state;
+    std::vector<std::uint8_t> m_codes;
+    NumberWriter m_numbers;
+};
+
+class Decoder {
+public:
+    Decoder(State& state, NumberReader& numbers) : m_state(state), m_numbers(numbers) {}
+
+    void Take(std::uint8_t code, std::uint32_t* corners) {
+        if (code >= kAlone) {
+            if (code != kAlone) throw DamagedData("unknown code of a triangle");
+            corners[0] = m_state.First() + UnfoldSign(m_numbers.Take(kFirstPlane));
+            corners[1] = corners[0] + UnfoldSign(m_numbers.Take(kSecondPlane));
+            corners[2] = corners[1] + UnfoldSign(m_numbers.Take(kThirdPlane));
+            m_state.FollowAlone(corners);
+            return;
+        }
+        const auto kind = static_cast<Third>(code % kThirdCount);
+        const std::uint32_t turn = code / kThirdCount % kTurnCount, age = code / kThirdCount / kTurnCount;
+        const Edge edge = m_state.EdgeAt(age);
+        const std::uint32_t third = TakeThird(kind);
+        corners[turn] = edge.from;
+        corners[turn == 2 ? 0 : turn + 1] = edge.to;
+        corners[turn == 0 ? 2 : turn - 1] = third;
+        m_state.FollowShared(age, kind, third);
+    }
+
+private:
+    [[nodiscard]] std::uint32_t TakeThird(Third kind) {
+        switch (kind) {
+            case kHighest:
+                return m_state.Highest();
+            case kNextStep:
+                return m_state.Last() + 1;
+            case kLastStep:
+                return m_state.Last() - 1;
+            case kRecent:
+                return m_state.EdgeAt(m_numbers.Take(kFarPlane)).third;
+            default:
+                return m_state.Last() + UnfoldSign(m_numbers.Take(kFarPlane));
+        }
+    }
+
+    State& m_state;
+    NumberReader& m_numbers;
+};
+
+}  // namespace
+
+ByteVector EncodeFacets(std::span<const std::int32_t> indices, std::uint32_t vertexCount,
+                        RawArray<Introduction>& introductions) {
+    introductions = RawArray<Introduction>(vertexCount);
+    Encoder encoder(vertexCount, indices.size() / 3, introductions);
+    for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
+        const std::uint32_t corners[3] = {static_cast<std::uint32_t>(indices[i]),
+                                          static_cast<std::uint32_t>(indices[i + 1]),
+                                          static_cast<std::uint32_t>(indices[i + 2])};
+        encoder.Add(corners);
+    }
+    return encoder.Finish();
+}
+
+Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t triangleCount) {
+    ByteReader from(bytes);
+    const RawArray<std::byte> codes = TakeBlock(from, triangleCount);
+    if (codes.size() - kBlockPadding != triangleCount) throw DamagedData("another number of triangles");
+    NumberReader numbers(from, kPlaneCount, triangleCount);
+    if (!from.Rest().empty()) throw DamagedData("bytes behind the triangles");
+
+    Facets facets;
+    facets.indices = RawArray<std::int32_t>(std::size_t{3} * triangleCount);
+    facets.introductions = RawArray<Introduction>(vertexCount);
+    State state(vertexCount, facets.introductions);
+    Decoder decoder(state, numbers);
+    for (std::size_t i = 0; i < triangleCount; ++i) {
+        std::uint32_t corners[3];
+        decoder.Take(static_cast<std::uint8_t>(codes[i]), corners);
+        std::memcpy(&facets.indices[3 * i], corners, sizeof corners);
+        const std::uint32_t highest = std::max({corners[0], corners[1], corners[2]});
+        if (highest >= vertexCount && facets.firstBad == Facets::kNone) facets.firstBad = i;
+    }
+    numbers.ExpectEnd();
+    if (facets.firstBad == Facets::kNone) {
+        state.IntroduceRest();
+    } else {
+        facets.introductions = {};
+    }
+    return facets;
+}
+
+}  // namespace KvComponents::Hps

@@ -1,0 +1,101 @@
+// Blocks through zstd, numbers by class and bits.
+#include "HpsPacking.h"
+
+#include <zstd.h>
+
+#include <algorithm>
+#include <new>
+
+namespace KvComponents::Hps {
+
+namespace {
+
+// High enough that repeating patterns of triangles vanish, low enough that saving stays a matter of milliseconds.
+constexpr int kCompressionLevel = 3;
+
+struct FreeContext {
+    void operator()(ZSTD_DCtx* context) const { ZSTD_freeDCtx(context); }
+    void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
+};
+
+ByteVector Compress(ByteSpan bytes) {
+    const std::unique_ptr<ZSTD_CCtx, FreeContext> context(ZSTD_createCCtx());
+    if (!context) throw std::bad_alloc();
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, kCompressionLevel);
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_contentSizeFlag, 0);
+    ByteVector packed(ZSTD_compressBound(bytes.size()));
+    const std::size_t size = ZSTD_compress2(context.get(), packed.data(), packed.size(), bytes.data(), bytes.size());
+    if (ZSTD_isError(size)) throw std::bad_alloc();
+    packed.resize(size);
+    return packed;
+}
+
+}  // namespace
+
+void AppendBlock(ByteVector& to, ByteSpan bytes) {
+    const ByteVector packed = Compress(bytes);
+    const bool isSmaller = packed.size() < bytes.size();
+    const ByteSpan stored = isSmaller ? ByteSpan(packed) : bytes;
+    AppendValue<std::uint64_t>(to, bytes.size());
+    AppendValue<std::uint64_t>(to, stored.size());
+    to.insert(to.end(), stored.begin(), stored.end());
+}
+
+RawArray<std::byte> TakeBlock(ByteReader& from, std::uint64_t most) {
+    const auto size = from.TakeValue<std::uint64_t>();
+    const auto storedSize = from.TakeValue<std::uint64_t>();
+    if (size > most || storedSize > size) throw DamagedData("impossible length of a block");
+    const ByteSpan stored = from.Take(storedSize);
+    RawArray<std::byte> bytes(size + kBlockPadding);
+    std::memset(bytes.data() + size, 0, kBlockPadding);
+    if (storedSize == size) {
+        if (size > 0) std::memcpy(bytes.data(), stored.data(), size);
+        return bytes;
+    }
+    const std::unique_ptr<ZSTD_DCtx, FreeContext> context(ZSTD_createDCtx());
+    if (!context) throw std::bad_alloc();
+    const std::size_t got = ZSTD_decompressDCtx(context.get(), bytes.data(), size, stored.data(), stored.size());
+    if (ZSTD_isError(got) || got != size) throw DamagedData("a block does not decompress");
+    return bytes;
+}
+
+void NumberWriter::Put(std::size_t plane, std::uint32_t number, std::uint32_t scale) {
+    const std::uint32_t kind = ClassOf(number);
+    m_planes[plane].push_back(static_cast<std::uint8_t>(kind + 2 * scale));
+    const std::uint32_t count = BitsBelow(kind);
+    m_uPending |= static_cast<std::uint64_t>(number - SmallestOf(kind)) << m_uPendingCount;
+    m_uPendingCount += count;
+    if (m_uPendingCount < 32) return;
+    AppendValue(m_vBits, static_cast<std::uint32_t>(m_uPending));
+    m_uPending >>= 32;
+    m_uPendingCount -= 32;
+}
+
+void NumberWriter::Append(ByteVector& to) {
+    for (; m_uPendingCount > 0; m_uPendingCount -= std::min(m_uPendingCount, 8u)) {
+        m_vBits.push_back(static_cast<std::byte>(m_uPending));
+        m_uPending >>= 8;
+    }
+    for (const auto& plane : m_planes) AppendBlock(to, std::as_bytes(std::span(plane)));
+    AppendBlock(to, m_vBits);
+}
+
+NumberReader::NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t most) : m_planes(planeCount) {
+    std::uint64_t numbers = 0;
+    for (Plane& plane : m_planes) {
+        plane.bytes = TakeBlock(from, most);
+        plane.at = reinterpret_cast<const std::uint8_t*>(plane.bytes.data());
+        plane.end = plane.at + (plane.bytes.size() - kBlockPadding);
+        numbers += plane.bytes.size() - kBlockPadding;
+    }
+    m_bits = TakeBlock(from, 4 * numbers);
+    m_uBitCount = 8 * (m_bits.size() - kBlockPadding);
+}
+
+void NumberReader::ExpectEnd() const {
+    for (const Plane& plane : m_planes)
+        if (plane.at != plane.end) throw DamagedData("too many numbers");
+    if (m_uBit > m_uBitCount || m_uBitCount - m_uBit >= 8) throw DamagedData("another number of bits");
+}
+
+}  // namespace KvComponents::Hps

@@ -1,0 +1,225 @@
+// The reader object: a whole file is checked and unpacked by open, so that whatever is wrong with it is told there.
+#include "HpsFile.h"
+#include "HpsUv.h"
+#include "HpsVertices.h"
+
+#include <limits>
+
+#include "ComponentReference.h"
+#include "HpsMesh.h"
+#include "KV_Components/Hps.h"
+#include "KV_Components/Image.h"
+#include "KV_ScenePane/PathText.h"
+#include "ObjectRegistry.h"
+
+namespace KvComponents {
+
+namespace {
+
+using Hps::ReadError;
+
+struct ReleaseObject {
+    void operator()(Object* object) const { kRelease(object); }
+};
+using ObjectPointer = std::unique_ptr<Object, ReleaseObject>;
+
+constexpr std::size_t kMostBytes = std::numeric_limits<std::int32_t>::max();  ///< that a size can tell
+
+/// The picture of an image file. @throws Hps::FileError
+ObjectPointer DecodeImage(Hps::ByteSpan file) {
+    const ObjectPointer made(MakeImageObject()->MainInterface());
+    Object* image = nullptr;
+    const bool isImage = kQuery(made.get(), image::kInterface, &image) == kSucceeded;
+    ObjectPointer result(image);
+    if (!isImage || image::kDecodeFile(image, file.data(), file.size()) != kSucceeded)
+        throw Hps::FileError(ReadError::kTexture, "the texture is no picture");
+    return result;
+}
+
+class HpsReader final : public Component {
+public:
+    HpsReader();
+    [[nodiscard]] Interface* FindInterface(std::string_view guid) override {
+        return guid == hps_reader::kInterface ? &m_interface : nullptr;
+    }
+    [[nodiscard]] Interface* MainInterface() override { return &m_interface; }
+
+    std::int32_t Open(const wchar_t* path);
+    std::int32_t LastError(std::int32_t* code);
+    std::int32_t UvBlockSize(std::int32_t* size);
+    std::int32_t UvBlock(void* block, std::size_t size);
+    std::int32_t ImageFileSize(std::int32_t* size, std::int32_t* reserved1, std::int32_t* reserved2);
+    std::int32_t ImageFileBytes(void* bytes, std::size_t size);
+    std::int32_t Image(Object** image);
+    std::int32_t Mesh(Object** mesh);
+    std::int32_t ImageOrientation(std::int32_t* orientation);
+    std::int32_t Close();
+
+private:
+    void Reset();
+    void Read(const std::string& path);
+    void UnpackMesh();
+    /// Empty without a texture: callers take a block for the sign that there is one.
+    [[nodiscard]] Hps::ByteSpan UvBlockOfTexture() const;
+    [[nodiscard]] static std::int32_t TellSize(Hps::ByteSpan of, std::int32_t* size);
+    [[nodiscard]] static std::int32_t CopyBytes(Hps::ByteSpan from, void* to, std::size_t size);
+
+    Interface m_interface;
+    ReadError m_error = ReadError::kNone;
+    bool m_bIsOpen = false;
+    Hps::RawArray<std::byte> m_file;
+    Hps::FileContent m_content;  ///< points into m_file
+    ComponentReference<HpsMesh> m_mesh;
+    ObjectPointer m_pImage;  ///< decoded by open; none once it was handed out
+};
+
+const Object::Entry* ReaderTable() {
+    static const OperationTable table = OperationTable()
+                                            .Set<&HpsReader::Open>(hps_reader::kOpen)
+                                            .Set<&HpsReader::LastError>(hps_reader::kLastError)
+                                            .Set<&HpsReader::UvBlockSize>(hps_reader::kUvBlockSize)
+                                            .Set<&HpsReader::UvBlock>(hps_reader::kUvBlock)
+                                            .Set<&HpsReader::ImageFileSize>(hps_reader::kImageFileSize)
+                                            .Set<&HpsReader::ImageFileBytes>(hps_reader::kImageFileBytes)
+                                            .Set<&HpsReader::Image>(hps_reader::kImage)
+                                            .Set<&HpsReader::Mesh>(hps_reader::kMesh)
+                                            .Set<&HpsReader::ImageOrientation>(hps_reader::kImageOrientation)
+                                            .Set<&HpsReader::Close>(hps_reader::kClose);
+    return table.Entries();
+}
+
+HpsReader::HpsReader() : m_interface(ReaderTable(), this) {}
+
+void HpsReader::Reset() {
+    m_error = ReadError::kNone;
+    m_bIsOpen = false;
+    m_content = {};
+    m_file = {};
+    m_mesh = {};
+    m_pImage.reset();
+}
+
+void HpsReader::UnpackMesh() {
+    ReadError section = ReadError::kFacets;
+    try {
+        Hps::Facets facets = Hps::DecodeFacets(m_content.facets, m_content.vertexCount, m_content.triangleCount);
+        if (facets.firstBad != Hps::Facets::kNone) {
+            // The triangles stay to be had, so that a caller can tell which one it is.
+            Hps::RawArray<float> positions(3 * std::size_t{m_content.vertexCount});
+            std::fill_n(positions.data(), positions.size(), 0.0f);
+            m_mesh =
+                ComponentReference<HpsMesh>::Adopt(new HpsMesh(std::move(positions), std::move(facets.indices), false));
+            throw Hps::FileError(ReadError::kFacets, "a triangle names no vertex");
+        }
+        section = ReadError::kVertices;
+        auto positions = Hps::DecodePositions(m_content.positions, facets.introductions.Span());
+        m_mesh = ComponentReference<HpsMesh>::Adopt(new HpsMesh(std::move(positions), std::move(facets.indices), true));
+    } catch (const Hps::DamagedData& damage) {
+        throw Hps::FileError(section, damage.what());
+    }
+}
+
+void HpsReader::Read(const std::string& path) {
+    m_file = Hps::LoadFile(path);
+    m_content = Hps::ParseFile(m_file.Span());
+    UnpackMesh();
+    try {
+        if (m_content.uv.size() > kMostBytes) throw Hps::DamagedData("too large");
+        if (!m_content.uv.empty()) (void)Hps::MeasureUv(m_content.uv);
+    } catch (const Hps::DamagedData& damage) {
+        throw Hps::FileError(ReadError::kUv, damage.what());
+    }
+    if (m_content.texture.size() > kMostBytes) throw Hps::FileError(ReadError::kTexture, "too large");
+    if (!m_content.texture.empty()) m_pImage = DecodeImage(m_content.texture);
+}
+
+std::int32_t HpsReader::Open(const wchar_t* path) {
+    Reset();
+    if (path == nullptr) return kInvalidArgument;
+    try {
+        Read(KV_ScenePane::PathBytes(path));
+    } catch (const Hps::FileError& error) {
+        m_error = error.m_code;
+        return kFailed;
+    }
+    m_bIsOpen = true;
+    return kSucceeded;
+}
+
+std::int32_t HpsReader::LastError(std::int32_t* code) {
+    if (code == nullptr) return kInvalidArgument;
+    *code = static_cast<std::int32_t>(m_error);
+    return kSucceeded;
+}
+
+Hps::ByteSpan HpsReader::UvBlockOfTexture() const {
+    return m_bIsOpen && !m_content.texture.empty() ? m_content.uv : Hps::ByteSpan();
+}
+
+std::int32_t HpsReader::TellSize(Hps::ByteSpan of, std::int32_t* size) {
+    if (size == nullptr) return kInvalidArgument;
+    *size = 0;
+    if (of.empty()) return kFailed;
+    *size = static_cast<std::int32_t>(of.size());
+    return kSucceeded;
+}
+
+std::int32_t HpsReader::CopyBytes(Hps::ByteSpan from, void* to, std::size_t size) {
+    if (to == nullptr) return kInvalidArgument;
+    if (from.empty()) return kFailed;
+    if (size != from.size()) return kInvalidArgument;
+    std::memcpy(to, from.data(), size);
+    return kSucceeded;
+}
+
+std::int32_t HpsReader::UvBlockSize(std::int32_t* size) { return TellSize(UvBlockOfTexture(), size); }
+
+std::int32_t HpsReader::UvBlock(void* block, std::size_t size) { return CopyBytes(UvBlockOfTexture(), block, size); }
+
+std::int32_t HpsReader::ImageFileSize(std::int32_t* size, std::int32_t* reserved1, std::int32_t* reserved2) {
+    if (reserved1 != nullptr) *reserved1 = 0;
+    if (reserved2 != nullptr) *reserved2 = 0;
+    return TellSize(m_bIsOpen ? m_content.texture : Hps::ByteSpan(), size);
+}
+
+std::int32_t HpsReader::ImageFileBytes(void* bytes, std::size_t size) {
+    return CopyBytes(m_bIsOpen ? m_content.texture : Hps::ByteSpan(), bytes, size);
+}
+
+std::int32_t HpsReader::Image(Object** image) {
+    if (image == nullptr) return kInvalidArgument;
+    *image = nullptr;
+    if (!m_bIsOpen || m_content.texture.empty()) return kFailed;
+    // Every caller gets a picture of its own, which it may turn round; the first one that of open.
+    *image = m_pImage ? m_pImage.release() : DecodeImage(m_content.texture).release();
+    return kSucceeded;
+}
+
+std::int32_t HpsReader::Mesh(Object** mesh) {
+    if (mesh == nullptr) return kInvalidArgument;
+    *mesh = nullptr;
+    if (!m_mesh) return kFailed;
+    m_mesh->AddReference();
+    *mesh = m_mesh->MainInterface();
+    return kSucceeded;
+}
+
+std::int32_t HpsReader::ImageOrientation(std::int32_t* orientation) {
+    if (orientation == nullptr) return kInvalidArgument;
+    *orientation = 0;
+    if (!m_bIsOpen || m_content.texture.empty()) return kFailed;
+    *orientation = static_cast<std::int32_t>(m_content.orientation);
+    return kSucceeded;
+}
+
+std::int32_t HpsReader::Close() {
+    if (!m_bIsOpen) return kFailed;
+    Reset();
+    return kSucceeded;
+}
+
+}  // namespace
+
+Component* MakeHpsReader() { return new HpsReader; }
+
+}  // namespace KvComponents
