@@ -1,8 +1,65 @@
-// Imports and exports hps files.
+// Imports and exports hps files. What the objects of the component library are asked for is in io/HpsMeshFile.h.
+#include <cassert>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "KV_ScenePane/PathText.h"
 #include "control/ScenePaneCtrl.h"
+#include "io/HpsMeshFile.h"
+#include "platform/DebugOutput.h"
 
-void CKV_ScenePaneCtrl::SetHpsSourceApp(BSTR, BSTR) {}
+namespace {
 
-int CKV_ScenePaneCtrl::ImportHps(const wchar_t*) { return -1; }
+/// The low byte of every 16-bit unit of the text, by no code page.
+std::string LowBytes(std::wstring_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (const wchar_t character : text) {
+        const auto c = static_cast<std::uint32_t>(character);
+        // a pair of units; the low byte of the first one is that of the bits above 10
+        if (c >= 0x10000) bytes.push_back(static_cast<char>((c - 0x10000) >> 10));
+        bytes.push_back(static_cast<char>(c));
+    }
+    return bytes;
+}
 
-void CKV_ScenePaneCtrl::ExportHps(std::int16_t, const wchar_t*) {}
+}  // namespace
+
+void CKV_ScenePaneCtrl::SetHpsSourceApp(BSTR appName, BSTR appVersion) {
+    m_hpsSourceApp = LowBytes(appName == nullptr ? L"" : appName);
+    m_hpsSourceVersion = LowBytes(appVersion == nullptr ? L"" : appVersion);
+}
+
+int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
+    MakeContextCurrent();  // a mesh makes its texture in it
+    HpsData data;
+    try {
+        data = ReadHpsFile(path);
+    } catch (const HpsReadError& error) {
+        const std::string reason = *error.what() == '\0' ? "an error without a text" : error.what();
+        DebugOutput("ImportHps(): " + KV_ScenePane::PathBytes(path) + ": " + reason + "\n");
+        return -1;
+    }
+    const bool textured = !data.m_vPixels.empty();
+    auto mesh = std::make_shared<Mesh>(std::move(data.m_vVertices), data.m_vFaces, path, data.m_vImageBytes,
+                                       textured ? data.m_vPixels.data() : nullptr, data.m_uWidth, data.m_uHeight);
+    mesh->ComputeBoundingBox();
+    m_vpMeshes.push_back(std::move(mesh));
+    return 0;
+}
+
+void CKV_ScenePaneCtrl::ExportHps(std::int16_t objIdx, const wchar_t* path) {
+    assert(ObjectAt(objIdx) != nullptr);
+    const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
+    HpsContent content;
+    content.vertices = mesh.m_vVertices;
+    content.triangles = mesh.m_vTriangles;
+    content.texCoords = mesh.m_vTexCoords;
+    if (mesh.m_pTexture) content.imageFile = mesh.m_pTexture->m_vImageBytes;
+    content.sourceApplication = m_hpsSourceApp;
+    content.sourceVersion = m_hpsSourceVersion;
+    WriteHpsFile(content, path);
+}

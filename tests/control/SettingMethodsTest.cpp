@@ -141,8 +141,8 @@ TEST(ANewControl, HasItsStartValuesOfMarkersCutsAndAnimation) {
     EXPECT_EQ(c.m_bNeedlePickingMode, 0);
     EXPECT_EQ(c.m_bNeedleDrawingMode, 0);
     EXPECT_EQ(c.m_bLine3DDrawingMode, 0);
-    EXPECT_EQ(c.m_hpsSourceApp, L"");
-    EXPECT_EQ(c.m_hpsSourceVersion, L"");
+    EXPECT_EQ(c.m_hpsSourceApp, "");
+    EXPECT_EQ(c.m_hpsSourceVersion, "");
     EXPECT_TRUE(c.m_vOverlays.empty());
     EXPECT_EQ(c.m_fPointCloudSize, 2.0f);
     EXPECT_EQ(c.m_fAnimationSpeed, 0.2f);
