@@ -1,92 +1,24 @@
 // Reads pax and xdt straight into the arrays that stay. One parser each, over a file or over bytes in memory.
 #include "io/GridReaders.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <bit>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <new>
-#include <system_error>
 
-#include "KV_ScenePane/PathText.h"
 #include "platform/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "values are taken from the file as they stand");
 
 namespace {
 
-/// Bytes in order, as far as there are any.
-class Input {
-public:
-    virtual ~Input() = default;
-    [[nodiscard]] virtual std::uint64_t Size() const = 0;
-    /// @return how many bytes came; fewer than @p size only at the end
-    virtual std::size_t Read(void* to, std::size_t size) = 0;
-};
-
-class MemoryInput final : public Input {
-public:
-    explicit MemoryInput(std::span<const std::byte> bytes) : m_bytes(bytes), m_uSize(bytes.size()) {}
-    [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
-    std::size_t Read(void* to, std::size_t size) override {
-        const std::size_t part = std::min(size, m_bytes.size());
-        if (part > 0) std::memcpy(to, m_bytes.data(), part);
-        m_bytes = m_bytes.subspan(part);
-        return part;
-    }
-
-private:
-    std::span<const std::byte> m_bytes;
-    std::size_t m_uSize;
-};
-
-class FileInput final : public Input {
-public:
-    explicit FileInput(const std::wstring& path) {
-        // O_NONBLOCK: the open of a pipe that nobody writes to must not wait.
-        m_iFd = ::open(KV_ScenePane::PathBytes(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-        if (m_iFd < 0) throw MeasurementReadError("cannot be opened: " + std::generic_category().message(errno));
-        struct stat info {};
-        if (::fstat(m_iFd, &info) != 0 || !S_ISREG(info.st_mode)) {
-            ::close(m_iFd);
-            throw MeasurementReadError("is not a regular file");
-        }
-        m_uSize = static_cast<std::uint64_t>(info.st_size);
-    }
-    ~FileInput() override { ::close(m_iFd); }
-    FileInput(const FileInput&) = delete;
-    FileInput& operator=(const FileInput&) = delete;
-    [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
-    std::size_t Read(void* to, std::size_t size) override {
-        std::size_t done = 0;
-        while (done < size) {
-            const ssize_t got = ::read(m_iFd, static_cast<char*>(to) + done, size - done);
-            if (got < 0 && errno == EINTR) continue;
-            if (got < 0) throw MeasurementReadError("cannot be read: " + std::generic_category().message(errno));
-            if (got == 0) break;
-            done += static_cast<std::size_t>(got);
-        }
-        return done;
-    }
-
-private:
-    int m_iFd = -1;
-    std::uint64_t m_uSize = 0;
-};
-
 /// Fills the array as far as the file goes, to whole values: half a number is none.
-void ReadFloats(Input& input, std::span<float> values) {
+void ReadFloats(ByteInput& input, std::span<float> values) {
     const std::size_t got = input.Read(values.data(), values.size_bytes());
     if (const std::size_t rest = got % sizeof(float); rest != 0) values[got / sizeof(float)] = 0.0f;
 }
 
 /// Reads the size and allocates what comes with it.
-MeasurementGrid ReadHead(Input& input, bool hasConfidence) {
+MeasurementGrid ReadHead(ByteInput& input, bool hasConfidence) {
     std::int16_t size[2] = {};
     if (input.Read(size, sizeof size) < sizeof size) throw MeasurementReadError("ends before the size of its grid");
     MeasurementGrid grid;
@@ -104,7 +36,7 @@ MeasurementGrid ReadHead(Input& input, bool hasConfidence) {
     return grid;
 }
 
-MeasurementGrid ReadPaxFrom(Input&& input) {
+MeasurementGrid ReadPaxFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, true);
     ReadFloats(input, grid.m_vPoints);
     ReadFloats(input, grid.m_vConfidence);
@@ -112,7 +44,7 @@ MeasurementGrid ReadPaxFrom(Input&& input) {
     return grid;
 }
 
-MeasurementGrid ReadXdtFrom(Input&& input) {
+MeasurementGrid ReadXdtFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, false);
     ReadFloats(input, grid.m_vPoints);
     return grid;

@@ -6,14 +6,12 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-/// Why a measurement file was refused; the text is for the debugger output.
-class MeasurementReadError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+#include "io/ByteInput.h"
+
+using MeasurementReadError = FileReadError;
 
 /// Floats that are zero from the start without a pass over them: pages that nobody writes to cost nothing.
 class ZeroedFloats {

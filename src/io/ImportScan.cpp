@@ -6,23 +6,15 @@
 #include <utility>
 #include <vector>
 
-#include "KV_ScenePane/PathText.h"
 #include "control/ScenePaneCtrl.h"
 #include "geometry/GridTriangulation.h"
 #include "io/FileExtension.h"
+#include "io/FileMessage.h"
 #include "io/GridLimits.h"
 #include "io/GridReaders.h"
 #include "io/MeasurementFile.h"
 #include "platform/DebugOutput.h"
 #include "platform/WaitCursor.h"
-
-namespace {
-
-void Say(const char* operation, const wchar_t* path, const std::string& reason) {
-    DebugOutput(std::string(operation) + "(): " + KV_ScenePane::PathBytes(path) + ": " + reason + "\n");
-}
-
-}  // namespace
 
 void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
     m_strScanPath = path == nullptr ? L"" : path;
@@ -37,7 +29,8 @@ void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
 
 void CKV_ScenePaneCtrl::ImportPcm(const wchar_t* path, std::uint32_t color) {
     const MeasurementData data = LoadMeasurementFile(path, m_fConfidenceFilter, nullptr);
-    if (data.m_iWidth == 0 || data.m_iHeight == 0) Say("ImportScan", path, "not a readable pcm file, or damaged");
+    if (data.m_iWidth == 0 || data.m_iHeight == 0)
+        SayAboutFile("ImportScan", path, "not a readable pcm file, or damaged");
     SetScanData(data.m_iWidth, data.m_iHeight, data.m_vXYZ.data(), data.m_vMask.data(), data.m_fTrafo.data(), color,
                 data.m_vColors.empty() ? nullptr : data.m_vColors.data());
 }
@@ -49,7 +42,7 @@ void CKV_ScenePaneCtrl::ImportPax(const wchar_t* path, std::uint32_t color) {
         SetScanData(grid.m_iWidth, grid.m_iHeight, grid.m_vPoints.data(), mask.data(), grid.m_fTrafo.data(), color,
                     nullptr);
     } catch (const MeasurementReadError& error) {
-        Say("ImportPax", path, error.what());
+        SayAboutFile("ImportPax", path, error.what());
     }
 }
 
@@ -60,7 +53,7 @@ void CKV_ScenePaneCtrl::ImportXdt(const wchar_t* path, std::uint32_t color) {
         const std::vector<std::uint16_t> mask = XdtMask(grid.m_vPoints);
         SetScanData(grid.m_iWidth, grid.m_iHeight, grid.m_vPoints.data(), mask.data(), nullptr, color, nullptr);
     } catch (const MeasurementReadError& error) {
-        Say("ImportXdt", path, error.what());
+        SayAboutFile("ImportXdt", path, error.what());
     }
 }
 

@@ -1,6 +1,54 @@
-// Imports and exports stl files.
+// Imports and exports stl files. The format is read and written in io/StlMesh.h.
+#include <cassert>
+#include <cstddef>
+#include <cstdint>
+
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "MSRDLL/AtomicFile.h"
 #include "control/ScenePaneCtrl.h"
+#include "io/FileMessage.h"
+#include "io/StlMesh.h"
+#include "platform/WaitCursor.h"
 
-int CKV_ScenePaneCtrl::ImportStl(const wchar_t*) { return -1; }
+int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
+    try {
+        MeshBuffers buffers = ReadStlFile(path);
+        auto mesh = std::make_shared<Mesh>(std::wstring(), false);
+        mesh->m_vVertices = std::move(buffers.m_vVertices);
+        mesh->m_vTriangles = std::move(buffers.m_vTriangles);
+        mesh->ComputeVertexNormals();
+        mesh->ComputeBoundingBox();
+        m_vpMeshes.push_back(std::move(mesh));
+        return 0;
+    } catch (const FileReadError& error) {
+        SayAboutFile("ImportStl", path, error.what());
+    } catch (const std::length_error& error) {
+        SayAboutFile("ImportStl", path, error.what());
+    }
+    return -1;
+}
 
-void CKV_ScenePaneCtrl::ExportStl(std::int16_t, const wchar_t*) {}
+void CKV_ScenePaneCtrl::ExportStl(std::int16_t objIdx, const wchar_t* path) {
+    assert(objIdx >= 0 && static_cast<std::size_t>(objIdx) < m_vpMeshes.size());
+    const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
+    try {
+        MsrStorage::AtomicFile file(KV_ScenePane::PathBytes(path), MsrStorage::FileCalls::Real());
+        const WaitCursor wait(*m_pWindow);
+        std::uint64_t offset = 0;
+        WriteStl(mesh, [&](std::span<const std::byte> bytes) {
+            file.WriteAt(offset, bytes.data(), bytes.size());
+            offset += bytes.size();
+        });
+        file.Commit();
+    } catch (const std::system_error& error) {
+        SayAboutFile("ExportStl", path, error.what());
+    } catch (const std::length_error& error) {
+        SayAboutFile("ExportStl", path, error.what());
+    }
+}
