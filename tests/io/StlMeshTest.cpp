@@ -302,7 +302,7 @@ TEST(WriteStl, WhatIsReadBackHasTheSameTrianglesWithCornersWelded) {
         vertices.push_back(At(x, x * x, static_cast<float>(i / 2 % 3)));
         if (i >= 2) triangles.push_back({{i - 2, i - 1, i}});
     }
-    const Mesh mesh(std::vector(vertices), std::vector(triangles), L"", false);
+    const Mesh mesh(std::vector<Vertex>(vertices), std::vector<Triangle>(triangles), L"", false);
     const MeshBuffers read = ReadStl(Written(mesh));
     ASSERT_EQ(read.m_vTriangles.size(), triangles.size());
     EXPECT_EQ(read.m_vVertices.size(), 6'000u);

@@ -1,0 +1,202 @@
+// Binary stl of a closed mesh: import as the control does it, welded, with normals and box; the ordered map beside it;
+// export; and the yardsticks: reading the same file, writing the same bytes. Mesh order, and triangles shuffled.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "KV_ScenePane/PathText.h"
+#include "MSRDLL/AtomicFile.h"
+#include "control/ScenePaneCtrl.h"
+#include "geometry/Float3.h"
+#include "io/StlMesh.h"
+#include "platform/WindowFactory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kHead = 84, kRecord = 50;
+
+/// A bumpy sphere of rings x columns quads less the poles: 2 x rings x columns triangles, rings x columns + 2 vertices.
+std::vector<std::byte> MakeFile(int million, bool shuffled) {
+    const int rings = 500, columns = 1000 * million;
+    const auto position = [&](int ring, int column) -> Float3 {
+        const double polar = std::numbers::pi * ring / (rings + 1);
+        const double around = 2 * std::numbers::pi * (column % columns) / columns;
+        const double radius = 50 + 3 * std::sin(9 * polar) * std::cos(7 * around);
+        // The poles are one point each, whatever the column.
+        if (ring == 0 || ring == rings + 1) return {0, 0, ring == 0 ? 50.0f : -50.0f};
+        return {static_cast<float>(radius * std::sin(polar) * std::cos(around)),
+                static_cast<float>(radius * std::sin(polar) * std::sin(around)),
+                static_cast<float>(radius * std::cos(polar))};
+    };
+    std::vector<std::array<Float3, 3>> triangles;
+    for (int ring = 0; ring <= rings; ++ring)
+        for (int column = 0; column < columns; ++column) {
+            const Float3 a = position(ring, column), b = position(ring, column + 1);
+            const Float3 c = position(ring + 1, column), d = position(ring + 1, column + 1);
+            if (ring < rings) triangles.push_back({a, c, d});
+            if (ring > 0) triangles.push_back({a, d, b});
+        }
+    if (shuffled) std::shuffle(triangles.begin(), triangles.end(), std::mt19937(1));
+    std::vector<std::byte> file(kHead + kRecord * triangles.size());
+    const auto count = static_cast<std::uint32_t>(triangles.size());
+    std::memcpy(&file[80], &count, sizeof count);
+    for (std::size_t i = 0; i < triangles.size(); ++i)
+        std::memcpy(&file[kHead + kRecord * i + 12], &triangles[i], sizeof triangles[i]);
+    return file;
+}
+
+/// Bytes and file of one kind, made once; the file is gone at the end of the process.
+class StlSample {
+public:
+    static const StlSample& Of(benchmark::State& state) {
+        static std::map<std::pair<int, bool>, StlSample> samples;
+        const std::pair<int, bool> key(static_cast<int>(state.range(0)), state.range(1) != 0);
+        if (!samples.contains(key)) samples.clear();  // one at a time
+        return samples.try_emplace(key, key.first, key.second).first->second;
+    }
+    StlSample(int million, bool shuffled)
+        : bytes(MakeFile(million, shuffled)),
+          path((fs::temp_directory_path() / ("kv-bench-" + std::to_string(getpid()) + ".stl")).string()) {
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+    ~StlSample() { fs::remove(path); }
+    StlSample(const StlSample&) = delete;
+    StlSample& operator=(const StlSample&) = delete;
+
+    const std::vector<std::byte> bytes;
+    const std::string path;
+};
+
+/// A control without a picture.
+class Pane {
+public:
+    Pane() : m_control(std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(Request()))) {
+        std::string reason;
+        if (!m_control->CreateControlWindow(&reason)) throw std::runtime_error(reason);
+    }
+    CKV_ScenePaneCtrl* operator->() const { return m_control.get(); }
+
+private:
+    static PaneWindowRequest Request() {
+        PaneWindowRequest request;
+        request.kind = PaneWindowRequest::Kind::NoPicture;
+        return request;
+    }
+    std::unique_ptr<CKV_ScenePaneCtrl> m_control;
+};
+
+void Report(benchmark::State& state) {
+    state.SetItemsProcessed(state.iterations() * state.range(0) * 1'000'000);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(StlSample::Of(state).bytes.size()));
+}
+
+void ImportStl(benchmark::State& state) {
+    const std::wstring path = KV_ScenePane::WidePath(StlSample::Of(state).path);
+    const Pane pane;
+    for (auto _ : state) {
+        if (pane->ImportStl(path.c_str()) != 0) state.SkipWithError("not imported");
+        state.PauseTiming();
+        pane->ClearData();
+        state.ResumeTiming();
+    }
+    Report(state);
+}
+
+void ReadStl_Welded(benchmark::State& state) {
+    const std::wstring path = KV_ScenePane::WidePath(StlSample::Of(state).path);
+    for (auto _ : state) benchmark::DoNotOptimize(ReadStlFile(path));
+    Report(state);
+}
+
+void ComputeVertexNormals(benchmark::State& state) {
+    MeshBuffers buffers = ReadStl(StlSample::Of(state).bytes);
+    Mesh mesh(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles), L"", false);
+    for (auto _ : state) mesh.ComputeVertexNormals();
+    Report(state);
+}
+
+void WeldByAnOrderedMap(benchmark::State& state) {
+    const auto& bytes = StlSample::Of(state).bytes;
+    for (auto _ : state) {
+        std::map<Float3, std::int32_t> indexOf;
+        std::vector<Float3> vertices;
+        std::vector<std::int32_t> indices;
+        for (std::size_t at = kHead; at < bytes.size(); at += kRecord)
+            for (std::size_t corner = 0; corner < 3; ++corner) {
+                Float3 position;
+                std::memcpy(&position, &bytes[at + 12 + 12 * corner], sizeof position);
+                const auto [found, isNew] = indexOf.try_emplace(position, static_cast<std::int32_t>(vertices.size()));
+                if (isNew) vertices.push_back(position);
+                indices.push_back(found->second);
+            }
+        benchmark::DoNotOptimize(indices.data());
+    }
+    Report(state);
+}
+
+void ReadingTheFile(benchmark::State& state) {
+    const StlSample& sample = StlSample::Of(state);
+    for (auto _ : state) {
+        const std::unique_ptr<std::byte[]> bytes = std::make_unique_for_overwrite<std::byte[]>(sample.bytes.size());
+        std::ifstream(sample.path, std::ios::binary)
+            .read(reinterpret_cast<char*>(bytes.get()), static_cast<std::streamsize>(sample.bytes.size()));
+        benchmark::DoNotOptimize(bytes.get());
+    }
+    Report(state);
+}
+
+void ExportStl(benchmark::State& state) {
+    const StlSample& sample = StlSample::Of(state);
+    const Pane pane;
+    pane->ImportStl(KV_ScenePane::WidePath(sample.path).c_str());
+    const std::string path = sample.path + ".out.stl";
+    for (auto _ : state) pane->ExportStl(0, KV_ScenePane::WidePath(path).c_str());
+    if (fs::file_size(path) != sample.bytes.size()) state.SkipWithError("not exported");
+    fs::remove(path);
+    Report(state);
+}
+
+void WritingTheSameBytes(benchmark::State& state) {
+    const StlSample& sample = StlSample::Of(state);
+    const std::string path = sample.path + ".out.stl";
+    for (auto _ : state) {
+        MsrStorage::AtomicFile file(path, MsrStorage::FileCalls::Real());
+        file.WriteAt(0, sample.bytes.data(), sample.bytes.size());
+        file.Commit();
+    }
+    fs::remove(path);
+    Report(state);
+}
+
+/// Millions of triangles; 1: shuffled.
+void Kinds(benchmark::internal::Benchmark* bench) {
+    for (const int million : {1, 5})
+        for (const int shuffled : {0, 1}) bench->Args({million, shuffled});
+    bench->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+}
+BENCHMARK(ImportStl)->Apply(Kinds);
+BENCHMARK(ReadStl_Welded)->Apply(Kinds);
+BENCHMARK(ComputeVertexNormals)->Apply(Kinds);
+BENCHMARK(ReadingTheFile)->Apply(Kinds);
+BENCHMARK(ExportStl)->Apply(Kinds);
+BENCHMARK(WritingTheSameBytes)->Apply(Kinds);
+BENCHMARK(WeldByAnOrderedMap)->Args({1, 0})->Args({1, 1})->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}  // namespace
+
+BENCHMARK_MAIN();
