@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
@@ -57,6 +58,42 @@ std::vector<T> Reserved(std::size_t count) {
     return values;
 }
 
+// ---- the mesh object
+
+struct MeshSize {
+    std::size_t vertices = 0, triangles = 0;
+};
+
+MeshSize SizeOf(Object* mesh) {
+    MeshSize size;
+    std::int32_t count = 0;
+    RequireFileData(hps_mesh::kVertexCount(mesh, &count), kInvalidVertexData);
+    size.vertices = RequireCount(count, kInvalidVertexData);
+    RequireFileData(hps_mesh::kTriangleCount(mesh, &count), kInvalidFacetData);
+    size.triangles = RequireCount(count, kInvalidFacetData);
+    return size;
+}
+
+std::unique_ptr<std::int32_t[]> ReadIndices(Object* mesh, std::size_t triangleCount) {
+    auto indices = Scratch<std::int32_t>(3 * triangleCount);
+    RequireFileData(hps_mesh::kReadIndices(mesh, indices.get(), 3 * triangleCount * sizeof(std::int32_t)),
+                    kInvalidFacetData);
+    return indices;
+}
+
+void RequireVertex(std::int32_t index, std::size_t vertexCount, std::size_t triangle) {
+    if (index >= 0 && static_cast<std::size_t>(index) < vertexCount) return;
+    Refuse(kInvalidFacetData, "Triangle " + std::to_string(triangle) + " refers to vertex " + std::to_string(index) +
+                                  " of " + std::to_string(vertexCount) + ".");
+}
+
+/// Throws with the first triangle that refers to no vertex, when there is one.
+void RequireVertices(Object* mesh) {
+    const MeshSize size = SizeOf(mesh);
+    const auto indices = ReadIndices(mesh, size.triangles);
+    for (std::size_t i = 0; i < 3 * size.triangles; ++i) RequireVertex(indices[i], size.vertices, i / 3);
+}
+
 // ---- the reader object
 
 /// A reader with a file; closed when it goes, whatever was thrown.
@@ -65,14 +102,23 @@ public:
     explicit OpenReader(const wchar_t* path)
         : m_pReader(RequireComponent(hps_reader::kFactory, hps_reader::kInterface)) {
         if (hps_reader::kOpen(Get(), path) == kSucceeded) return;
+        const std::int32_t code = LastError();
+        if (code == kInvalidFacetData) NameBadTriangle();
         // without a reason the reading goes on, and ends where the mesh is asked for
-        if (const std::int32_t code = LastError(); code != 0) throw HpsReadError(GetHpsErrorText(code));
+        if (code != 0) throw HpsReadError(GetHpsErrorText(code));
     }
     ~OpenReader() { Close(); }
     OpenReader(const OpenReader&) = delete;
     OpenReader& operator=(const OpenReader&) = delete;
 
     [[nodiscard]] Object* Get() const { return m_pReader.get(); }
+    /// Null when the reader has none.
+    [[nodiscard]] ComponentPtr Mesh() const {
+        Object* found = nullptr;
+        const std::int32_t status = hps_reader::kMesh(Get(), &found);
+        ComponentPtr mesh(found);
+        return status == kSucceeded ? std::move(mesh) : nullptr;
+    }
     /// Gives up the file. What was read is complete: the status says nothing that matters.
     void Close() {
         if (m_bOpen) hps_reader::kClose(Get());
@@ -86,6 +132,10 @@ public:
     }
 
 private:
+    /// A library may give the mesh of a file that it refuses: then the refusal tells which triangle is to blame.
+    void NameBadTriangle() const {
+        if (const ComponentPtr mesh = Mesh()) RequireVertices(mesh.get());
+    }
     [[nodiscard]] std::int32_t LastError() const {
         std::int32_t code = 0;
         hps_reader::kLastError(Get(), &code);
@@ -235,17 +285,10 @@ std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
     return vertices;
 }
 
-void RequireVertex(std::int32_t index, std::size_t vertexCount, std::size_t triangle) {
-    if (index >= 0 && static_cast<std::size_t>(index) < vertexCount) return;
-    Refuse(kInvalidFacetData, "Triangle " + std::to_string(triangle) + " refers to vertex " + std::to_string(index) +
-                                  " of " + std::to_string(vertexCount) + ".");
-}
-
 /// @param pairs  null without a texture
-std::vector<HpsFace> ReadFaces(Object* mesh, std::size_t triangleCount, std::size_t vertexCount, VertexPairs* pairs) {
-    const auto indices = Scratch<std::int32_t>(3 * triangleCount);
-    RequireFileData(hps_mesh::kReadIndices(mesh, indices.get(), 3 * triangleCount * sizeof(std::int32_t)),
-                    kInvalidFacetData);
+std::vector<HpsFace> ReadFaces(Object* mesh, const MeshSize& size, VertexPairs* pairs) {
+    const std::size_t vertexCount = size.vertices, triangleCount = size.triangles;
+    const auto indices = ReadIndices(mesh, triangleCount);
     auto faces = Reserved<HpsFace>(triangleCount);
     for (std::size_t i = 0; i < triangleCount; ++i) {
         HpsFace& face = faces.emplace_back();
@@ -262,13 +305,6 @@ std::vector<HpsFace> ReadFaces(Object* mesh, std::size_t triangleCount, std::siz
         }
     }
     return faces;
-}
-
-ComponentPtr RequireMesh(const OpenReader& reader) {
-    Object* found = nullptr;
-    const std::int32_t status = hps_reader::kMesh(reader.Get(), &found);
-    if (status != KvComponents::kSucceeded || found == nullptr) throw HpsReadError("Can't decode HPS mesh file.");
-    return ComponentPtr(found);
 }
 
 }  // namespace
@@ -301,18 +337,13 @@ HpsData ReadHpsFile(const wchar_t* path) {
     OpenReader reader(path);
     const std::vector<std::uint8_t> uvBlock = ReadTexture(reader, data);
     const ComponentPtr decoder = RequireComponent(hps_uv_decoder::kFactory, hps_uv_decoder::kInterface);
-    const ComponentPtr mesh = RequireMesh(reader);
-
-    std::int32_t count = 0;
-    RequireFileData(hps_mesh::kVertexCount(mesh.get(), &count), kInvalidVertexData);
-    const std::size_t vertexCount = RequireCount(count, kInvalidVertexData);
-    RequireFileData(hps_mesh::kTriangleCount(mesh.get(), &count), kInvalidFacetData);
-    const std::size_t triangleCount = RequireCount(count, kInvalidFacetData);
-
+    const ComponentPtr mesh = reader.Mesh();
+    if (!mesh) throw HpsReadError("Can't decode HPS mesh file.");
+    const MeshSize size = SizeOf(mesh.get());
     VertexPairs pairs;
-    if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, vertexCount);
-    data.m_vVertices = ReadVertices(mesh.get(), vertexCount);
-    data.m_vFaces = ReadFaces(mesh.get(), triangleCount, vertexCount, data.m_vPixels.empty() ? nullptr : &pairs);
+    if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, size.vertices);
+    data.m_vVertices = ReadVertices(mesh.get(), size.vertices);
+    data.m_vFaces = ReadFaces(mesh.get(), size, data.m_vPixels.empty() ? nullptr : &pairs);
     reader.Close();
     return data;
 }
