@@ -1,12 +1,46 @@
 // Imports and exports ply files. Reading and writing: io/PlyMesh.h, io/PlyMeshWriter.h.
+#include <cstring>
+#include <memory>
 #include <system_error>
+#include <utility>
 
 #include "KV_ScenePane/PathText.h"
 #include "control/ScenePaneCtrl.h"
+#include "geometry/MeanNormals.h"
+#include "io/PlyMesh.h"
 #include "io/PlyMeshWriter.h"
 #include "platform/DebugOutput.h"
 
-int CKV_ScenePaneCtrl::ImportPly(const wchar_t*) { return -1; }
+namespace {
+
+std::shared_ptr<Mesh> MakeTexturedMesh(MeshBuffers&& buffers, const PlyMeshData& data) {
+    static_assert(sizeof(TexCoord) == 2 * sizeof(float));
+    std::vector<TexCoord> texCoords(data.m_vTexCoords.size() / 2);
+    std::memcpy(static_cast<void*>(texCoords.data()), data.m_vTexCoords.data(), texCoords.size() * sizeof(TexCoord));
+    return std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles), texCoords,
+                                  data.m_vImageBytes);
+}
+
+}  // namespace
+
+int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
+    MakeContextCurrent();  // the mesh may make a texture; without a context it keeps the image alone
+    PlyMeshData data = ReadPlyMesh(path);
+    MeshBuffers buffers(data.m_bHasColors);
+    buffers.m_vVertices = std::move(*data.m_pVertices);
+    buffers.m_vTriangles = std::move(*data.m_pTriangles);
+    if (buffers.m_vTriangles.empty()) {
+        DebugOutput("ImportPly(): " + KV_ScenePane::PathBytes(path) + ": holds no faces\n");
+        return -1;
+    }
+    ComputeMeanNormals(buffers);
+    // The constructors compute the box. Without colours all vertices are white, which counts as grey.
+    m_vpMeshes.push_back(data.m_bHasTexture
+                             ? MakeTexturedMesh(std::move(buffers), data)
+                             : std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles),
+                                                      L"", data.m_bHasColors));
+    return 0;
+}
 
 void CKV_ScenePaneCtrl::ExportPly(std::int16_t objIdx, const wchar_t* path) {
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];

@@ -1,0 +1,257 @@
+// Turns the elements of a ply file into a mesh. Binary data is walked through views, text in one pass per group of
+// columns. What is read in which order decides which reason a broken file is refused with.
+#include "io/PlyMesh.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <span>
+#include <utility>
+
+#include "KV_ScenePane/PathText.h"
+#include "io/CPLYFile.h"
+#include "platform/HugePages.h"
+
+namespace {
+
+constexpr std::uint32_t kOpaque = 0xFF000000;
+constexpr std::uint32_t kWhite = 0xFFFFFFFF;
+
+/// Left unopened where there is no regular file: a pipe that nobody writes to must not be waited for.
+std::ifstream OpenFile(const std::wstring& path) {
+    const std::string bytes = KV_ScenePane::PathBytes(path);
+    struct stat info {};
+    if (::stat(bytes.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return {};
+    return std::ifstream(bytes, std::ios::binary);
+}
+
+template <typename T>
+void ReserveInLargePages(std::vector<T>& values, std::size_t count) {
+    values.reserve(count);
+    AdviseHugePages(values.data(), count * sizeof(T));
+}
+
+template <typename T>
+T ValueAt(const char* from) {
+    T value;
+    std::memcpy(&value, from, sizeof value);
+    return value;
+}
+
+[[noreturn]] void RefuseOtherFaces() { throw CPLYFileError("Non-triangle faces not supported."); }
+
+class Reader {
+public:
+    explicit Reader(CPLYFile& file)
+        : m_file(file), m_data(*file.m_pDataSection), m_isText(file.GetFormat() == CPLYFile::kAscii) {}
+
+    PlyMeshData Read() {
+        ReadPositions();
+        if (!m_file.HasElement("face")) return std::move(m_mesh);
+        ReadTriangles();
+        ReadColors();
+        if (!m_isText && m_file.HasElement("texture")) ReadTexture();
+        RequireValidIndices();
+        return std::move(m_mesh);
+    }
+
+private:
+    [[nodiscard]] std::vector<Vertex>& Vertices() { return *m_mesh.m_pVertices; }
+    [[nodiscard]] std::vector<Triangle>& Triangles() { return *m_mesh.m_pTriangles; }
+
+    void ReadPositions();
+    void ReadPositionsFromViews();
+    void ReadTriangles();
+    [[nodiscard]] bool TryFaceBlock();
+    void ReadColors();
+    void ReadColorsFromViews(bool hasAlpha);
+    void ReadTexture();
+    void RequireValidIndices();
+    void ReadTextColumns(const Element& vertex, std::span<const PlyColumn> columns);
+
+    CPLYFile& m_file;
+    DataSection& m_data;
+    bool m_isText;
+    PlyMeshData m_mesh;
+};
+
+void Reader::ReadPositions() {
+    const Element& vertex = m_file.GetElement("vertex");
+    for (const char* name : {"x", "y", "z"}) (void)vertex.GetProperty(name);
+    if (!m_isText) return ReadPositionsFromViews();
+    const auto count = static_cast<std::size_t>(vertex.m_iCount);
+    ReserveInLargePages(Vertices(), count);
+    Vertices().resize(count, {.color = kWhite});
+    Vertex* const first = Vertices().data();
+    const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first->x, sizeof(Vertex)},
+                                 {"y", PlyColumn::kFloat, &first->y, sizeof(Vertex)},
+                                 {"z", PlyColumn::kFloat, &first->z, sizeof(Vertex)}};
+    if (count > 0) ReadTextColumns(vertex, columns);
+}
+
+// Four bytes each, whatever type the header declares.
+void Reader::ReadPositionsFromViews() {
+    PlyArrayView x = m_data.GetArrayView("vertex", "x");
+    PlyArrayView y = m_data.GetArrayView("vertex", "y");
+    PlyArrayView z = m_data.GetArrayView("vertex", "z");
+    for (const PlyArrayView* view : {&x, &y, &z}) view->RequireWidth(sizeof(float));
+    ReserveInLargePages(Vertices(), static_cast<std::size_t>(x.m_iCount));
+    for (std::int64_t i = 0, at = 0; i < x.m_iCount; ++i, at += x.m_iStride) {
+        Vertices().push_back({.x = ValueAt<float>(x.m_pFirst + at),
+                              .y = ValueAt<float>(y.m_pFirst + at),
+                              .z = ValueAt<float>(z.m_pFirst + at),
+                              .color = kWhite});
+    }
+}
+
+void Reader::ReadTriangles() {
+    const Element& face = m_file.GetElement("face");
+    if (!m_isText && TryFaceBlock()) return;
+    const char* name = "vertex_indices";
+    if (!face.HasProperty(name) && face.HasProperty("vertex_index")) name = "vertex_index";
+    (void)face.GetProperty(name);
+    m_data.RequireRecords("face");
+    Triangles().resize(static_cast<std::size_t>(face.m_iCount));
+    if (Triangles().empty() || m_data.ReadLists("face", name, 3, Triangles().data()->v)) return;
+    const auto keep = [](std::int64_t index, const std::vector<int>& list, void* user) {
+        if (list.size() != 3) RefuseOtherFaces();
+        auto& triangles = *static_cast<std::vector<Triangle>*>(user);
+        if (static_cast<std::size_t>(index) >= triangles.size()) return false;
+        triangles[static_cast<std::size_t>(index)] = {{list[0], list[1], list[2]}};
+        return true;
+    };
+    Triangles().assign(Triangles().size(), {});
+    m_data.ForEachIntList("face", name, keep, &Triangles());
+}
+
+/// The usual binary face: 13 bytes, a count and three indices. The list's name is not looked at.
+bool Reader::TryFaceBlock() {
+    constexpr std::ptrdiff_t kRecord = 1 + sizeof(Triangle);
+    const char* record = nullptr;
+    int count = 0;
+    if (!m_data.GetFaceBlock("face", record, count)) return false;
+    if ((m_data.GetDataEnd() - record) / kRecord < count) RefuseOtherFaces();  // some are smaller
+    ReserveInLargePages(Triangles(), static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i, record += kRecord) {
+        if (*record != 3) RefuseOtherFaces();
+        Triangles().push_back(ValueAt<Triangle>(record + 1));
+    }
+    return true;
+}
+
+void Reader::ReadColors() {
+    const Element& vertex = m_file.GetElement("vertex");
+    if (!vertex.HasProperty("red")) return;
+    m_mesh.m_bHasColors = true;
+    (void)vertex.GetProperty("green");
+    (void)vertex.GetProperty("blue");
+    const bool hasAlpha = vertex.HasProperty("alpha");
+    if (Vertices().empty()) return;
+    if (!m_isText) return ReadColorsFromViews(hasAlpha);
+    for (Vertex& v : Vertices()) v.color = hasAlpha ? 0 : kOpaque;
+    auto* const first = reinterpret_cast<std::byte*>(&Vertices().front().color);
+    const PlyColumn columns[] = {{"blue", PlyColumn::kLowByte, first, sizeof(Vertex)},
+                                 {"green", PlyColumn::kLowByte, first + 1, sizeof(Vertex)},
+                                 {"red", PlyColumn::kLowByte, first + 2, sizeof(Vertex)},
+                                 {"alpha", PlyColumn::kLowByte, first + 3, sizeof(Vertex)}};
+    ReadTextColumns(vertex, std::span(columns).first(hasAlpha ? 4 : 3));
+}
+
+// One byte each, whatever type the header declares.
+void Reader::ReadColorsFromViews(bool hasAlpha) {
+    const PlyArrayView red = m_data.GetArrayView("vertex", "red");
+    const PlyArrayView green = m_data.GetArrayView("vertex", "green");
+    const PlyArrayView blue = m_data.GetArrayView("vertex", "blue");
+    const PlyArrayView alpha = hasAlpha ? m_data.GetArrayView("vertex", "alpha") : PlyArrayView();
+    std::int64_t at = 0;
+    const auto byteOf = [&at](const PlyArrayView& view) -> std::uint32_t {
+        return ValueAt<std::uint8_t>(view.m_pFirst + at);
+    };
+    for (Vertex& vertex : Vertices()) {
+        const std::uint32_t opacity = hasAlpha ? byteOf(alpha) << 24 : kOpaque;
+        vertex.color = opacity | byteOf(red) << 16 | byteOf(green) << 8 | byteOf(blue);
+        at += red.m_iStride;
+    }
+}
+
+void Reader::ReadTexture() {
+    (void)m_file.GetElement("face").GetProperty("texcoord");
+    std::vector<float>& texCoords = m_mesh.m_vTexCoords;
+    texCoords.resize(6 * Triangles().size());
+    if (!texCoords.empty() && !m_data.ReadLists("face", "texcoord", 6, texCoords.data())) {
+        const auto keep = [](std::int64_t index, const std::vector<float>& list, void* user) {
+            if (list.size() != 6) throw CPLYFileError("Expected 6 UV coordinates per face.");
+            auto& all = *static_cast<std::vector<float>*>(user);
+            if (static_cast<std::size_t>(index) >= all.size() / 6) return false;
+            std::ranges::copy(list, all.begin() + 6 * index);
+            return true;
+        };
+        texCoords.assign(texCoords.size(), 0.0f);
+        m_data.ForEachFloatList("face", "texcoord", keep, &texCoords);
+    }
+    const PlyArrayView image = m_data.GetArrayView("texture", "bytes");
+    assert(image.m_iBytes >= image.m_iCount);
+    m_mesh.m_vImageBytes.assign(image.m_pFirst, image.m_pFirst + image.m_iCount);
+    m_mesh.m_bHasTexture = !texCoords.empty() && !m_mesh.m_vImageBytes.empty();
+}
+
+void Reader::RequireValidIndices() {
+    constexpr std::uint32_t kSign = 0x80000000;
+    const auto last = static_cast<std::uint32_t>(Vertices().size()) - 1;
+    // The sign bit of either is set for an index below 0 or above the last, also when there is no vertex.
+    const auto outside = [last](std::int32_t index) {
+        const auto i = static_cast<std::uint32_t>(index);
+        return i | (last - i);
+    };
+    std::uint32_t any = 0;
+    for (const Triangle& t : Triangles()) any |= outside(t.v[0]) | outside(t.v[1]) | outside(t.v[2]);
+    if ((any & kSign) == 0) return;
+    for (std::size_t i = 0; i < Triangles().size(); ++i) {
+        for (const std::int32_t index : Triangles()[i].v) {
+            if ((outside(index) & kSign) == 0) continue;
+            throw CPLYFileError("Triangle " + std::to_string(i) + " refers to vertex " + std::to_string(index) +
+                                " of " + std::to_string(Vertices().size()) + ".");
+        }
+    }
+}
+
+void Reader::ReadTextColumns(const Element& vertex, std::span<const PlyColumn> columns) {
+    if (!vertex.HasLists()) return m_data.ReadColumns("vertex", columns);
+    // Beside lists the walk may leave the records' order: every call is checked.
+    struct Target {
+        const PlyColumn* column;
+        std::int64_t count;
+        [[nodiscard]] char* At(std::int64_t index) const {
+            return index < count ? static_cast<char*>(column->m_pTarget) + index * column->m_iStride : nullptr;
+        }
+    };
+    const auto keepFloat = [](std::int64_t index, float value, void* user) {
+        char* const at = static_cast<const Target*>(user)->At(index);
+        if (at != nullptr) std::memcpy(at, &value, sizeof value);
+        return at != nullptr;
+    };
+    const auto keepByte = [](std::int64_t index, int value, void* user) {
+        char* const at = static_cast<const Target*>(user)->At(index);
+        if (at != nullptr) *at = static_cast<char>(value);
+        return at != nullptr;
+    };
+    for (const PlyColumn& column : columns) {
+        Target target{&column, vertex.m_iCount};
+        if (column.m_eKind == PlyColumn::kFloat) {
+            m_data.ForEachFloat("vertex", column.m_sProperty, keepFloat, &target);
+        } else {
+            m_data.ForEachInt("vertex", column.m_sProperty, keepByte, &target);
+        }
+    }
+}
+
+}  // namespace
+
+PlyMeshData ReadPlyMesh(const std::wstring& path) {
+    std::ifstream stream = OpenFile(path);
+    CPLYFile file;
+    file.Read(stream, false);
+    return Reader(file).Read();
+}
