@@ -4,12 +4,11 @@
 #include <system_error>
 #include <utility>
 
-#include "KV_ScenePane/PathText.h"
 #include "control/ScenePaneCtrl.h"
 #include "geometry/MeanNormals.h"
+#include "io/FileMessage.h"
 #include "io/PlyMesh.h"
 #include "io/PlyMeshWriter.h"
-#include "platform/DebugOutput.h"
 
 namespace {
 
@@ -30,7 +29,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
     buffers.m_vVertices = std::move(*data.m_pVertices);
     buffers.m_vTriangles = std::move(*data.m_pTriangles);
     if (buffers.m_vTriangles.empty()) {
-        DebugOutput("ImportPly(): " + KV_ScenePane::PathBytes(path) + ": holds no faces\n");
+        SayAboutFile("ImportPly", path, "holds no faces");
         return -1;
     }
     ComputeMeanNormals(buffers);
@@ -50,7 +49,6 @@ void CKV_ScenePaneCtrl::ExportPly(std::int16_t objIdx, const wchar_t* path) {
     try {
         writer.Write(path);
     } catch (const std::system_error& error) {
-        // The host is told nothing; who looks for the reason finds it here.
-        DebugOutput("ExportPly(): " + KV_ScenePane::PathBytes(path) + ": " + error.what() + "\n");
+        SayAboutFile("ExportPly", path, error.what());
     }
 }

@@ -69,7 +69,6 @@ private:
     void ReadColorsFromViews(bool hasAlpha);
     void ReadTexture();
     void RequireValidIndices();
-    void ReadTextColumns(const Element& vertex, std::span<const PlyColumn> columns);
 
     CPLYFile& m_file;
     DataSection& m_data;
@@ -88,7 +87,7 @@ void Reader::ReadPositions() {
     const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first->x, sizeof(Vertex)},
                                  {"y", PlyColumn::kFloat, &first->y, sizeof(Vertex)},
                                  {"z", PlyColumn::kFloat, &first->z, sizeof(Vertex)}};
-    if (count > 0) ReadTextColumns(vertex, columns);
+    if (count > 0) m_data.ReadColumns("vertex", columns);
 }
 
 // Four bytes each, whatever type the header declares.
@@ -156,7 +155,7 @@ void Reader::ReadColors() {
                                  {"green", PlyColumn::kLowByte, first + 1, sizeof(Vertex)},
                                  {"red", PlyColumn::kLowByte, first + 2, sizeof(Vertex)},
                                  {"alpha", PlyColumn::kLowByte, first + 3, sizeof(Vertex)}};
-    ReadTextColumns(vertex, std::span(columns).first(hasAlpha ? 4 : 3));
+    m_data.ReadColumns("vertex", std::span(columns).first(hasAlpha ? 4 : 3));
 }
 
 // One byte each, whatever type the header declares.
@@ -213,36 +212,6 @@ void Reader::RequireValidIndices() {
             if ((outside(index) & kSign) == 0) continue;
             throw CPLYFileError("Triangle " + std::to_string(i) + " refers to vertex " + std::to_string(index) +
                                 " of " + std::to_string(Vertices().size()) + ".");
-        }
-    }
-}
-
-void Reader::ReadTextColumns(const Element& vertex, std::span<const PlyColumn> columns) {
-    if (!vertex.HasLists()) return m_data.ReadColumns("vertex", columns);
-    // Beside lists the walk may leave the records' order: every call is checked.
-    struct Target {
-        const PlyColumn* column;
-        std::int64_t count;
-        [[nodiscard]] char* At(std::int64_t index) const {
-            return index < count ? static_cast<char*>(column->m_pTarget) + index * column->m_iStride : nullptr;
-        }
-    };
-    const auto keepFloat = [](std::int64_t index, float value, void* user) {
-        char* const at = static_cast<const Target*>(user)->At(index);
-        if (at != nullptr) std::memcpy(at, &value, sizeof value);
-        return at != nullptr;
-    };
-    const auto keepByte = [](std::int64_t index, int value, void* user) {
-        char* const at = static_cast<const Target*>(user)->At(index);
-        if (at != nullptr) *at = static_cast<char>(value);
-        return at != nullptr;
-    };
-    for (const PlyColumn& column : columns) {
-        Target target{&column, vertex.m_iCount};
-        if (column.m_eKind == PlyColumn::kFloat) {
-            m_data.ForEachFloat("vertex", column.m_sProperty, keepFloat, &target);
-        } else {
-            m_data.ForEachInt("vertex", column.m_sProperty, keepByte, &target);
         }
     }
 }
