@@ -37,7 +37,10 @@ public:
     explicit State(std::uint32_t vertexCount, RawArray<Introduction>& introductions)
         : m_uVertexCount(vertexCount), m_introductions(introductions), m_isKnown(vertexCount), m_uLatest(vertexCount) {}
 
-    [[nodiscard]] const Edge& EdgeAt(std::uint32_t age) const { return m_edges[(m_uNewest - age) % kEdgeCount]; }
+    [[nodiscard]] Edge EdgeAt(std::uint32_t age) const {
+        const std::uint32_t at = (m_uNewest - age) % kEdgeCount;
+        return {m_from[at], m_to[at], m_third[at]};
+    }
     [[nodiscard]] std::uint32_t Highest() const { return m_uHighest; }
     [[nodiscard]] std::uint32_t Last() const { return m_uLast; }
     [[nodiscard]] std::uint32_t First() const { return m_uFirst; }
@@ -73,14 +76,21 @@ private:
         m_uLatest = vertex;
         if (vertex >= m_uHighest) m_uHighest = vertex + 1;
     }
-    void Remember(const Edge& edge) { m_edges[++m_uNewest % kEdgeCount] = edge; }
+    void Remember(const Edge& edge) {
+        const std::uint32_t at = ++m_uNewest % kEdgeCount;
+        m_from[at] = edge.from;
+        m_to[at] = edge.to;
+        m_third[at] = edge.third;
+    }
 
     std::uint32_t m_uVertexCount;
     RawArray<Introduction>& m_introductions;
     std::vector<std::uint8_t> m_isKnown;
     std::uint32_t m_uLatest;  ///< the vertex introduced last
     std::size_t m_uIntroduced = 0;
-    Edge m_edges[kEdgeCount] = {};
+    // The edges, one array a member: a load of what was just stored waits for nothing only when it is of the same
+    // width.
+    std::uint32_t m_from[kEdgeCount] = {}, m_to[kEdgeCount] = {}, m_third[kEdgeCount] = {};
     std::uint32_t m_uNewest = 0;
     std::uint32_t m_uHighest = 0, m_uLast = 0, m_uFirst = 0;
 };
@@ -101,7 +111,7 @@ public:
 
     void Add(const std::uint32_t* corners) {
         for (std::uint32_t age = 0; age < kEdgeCount; ++age) {
-            const Edge& edge = m_state.EdgeAt(age);
+            const Edge edge = m_state.EdgeAt(age);
             for (std::uint32_t turn = 0; turn < kTurnCount; ++turn) {
                 if (edge.from == corners[turn] && edge.to == corners[(turn + 1) % 3])
                     return AddShared(age, turn, corners[(turn + 2) % 3]);
@@ -117,7 +127,7 @@ public:
     [[nodiscard]] ByteVector Finish() {
         m_state.IntroduceRest();
         ByteVector bytes;
-        AppendBlock(bytes, std::as_bytes(std::span(m_codes)));
+        AppendBlock(bytes, std::as_bytes(std::span(m_codes)), Kind::kPattern);
         m_numbers.Append(bytes);
         return bytes;
     }

@@ -1,27 +1,26 @@
 // Blocks through zstd, numbers by class and bits.
 #include "HpsPacking.h"
 
+#include <sys/mman.h>
 #include <zstd.h>
 
 #include <algorithm>
+#include <limits>
 #include <new>
 
 namespace KvComponents::Hps {
 
 namespace {
 
-// High enough that repeating patterns of triangles vanish, low enough that saving stays a matter of milliseconds.
-constexpr int kCompressionLevel = 3;
-
 struct FreeContext {
     void operator()(ZSTD_DCtx* context) const { ZSTD_freeDCtx(context); }
     void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
 };
 
-ByteVector Compress(ByteSpan bytes) {
+ByteVector Compress(ByteSpan bytes, int level) {
     const std::unique_ptr<ZSTD_CCtx, FreeContext> context(ZSTD_createCCtx());
     if (!context) throw std::bad_alloc();
-    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, kCompressionLevel);
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, level);
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_contentSizeFlag, 0);
     ByteVector packed(ZSTD_compressBound(bytes.size()));
     const std::size_t size = ZSTD_compress2(context.get(), packed.data(), packed.size(), bytes.data(), bytes.size());
@@ -32,8 +31,21 @@ ByteVector Compress(ByteSpan bytes) {
 
 }  // namespace
 
-void AppendBlock(ByteVector& to, ByteSpan bytes) {
-    const ByteVector packed = Compress(bytes);
+void* TakeMemory(std::uint64_t size) {
+    constexpr std::uint64_t kLargePage = 2 * 1024 * 1024;
+    if (size > std::numeric_limits<std::size_t>::max() - kLargePage) throw std::bad_alloc();
+    const bool isLarge = size >= kLargePage;
+    // Whole pages: what shares one with somebody else would stay in small ones.
+    const std::uint64_t taken = isLarge ? (size + kLargePage - 1) / kLargePage * kLargePage : size;
+    void* const memory = isLarge ? std::aligned_alloc(kLargePage, taken) : std::malloc(std::max<std::size_t>(taken, 1));
+    if (memory == nullptr) throw std::bad_alloc();
+    if (isLarge) (void)::madvise(memory, taken, MADV_HUGEPAGE);
+    return memory;
+}
+
+void AppendBlock(ByteVector& to, ByteSpan bytes, Kind kind) {
+    // What repeats by chance only costs more to tell than to leave alone: the lowest level looks for the least.
+    const ByteVector packed = Compress(bytes, kind == Kind::kPattern ? 9 : 1);
     const bool isSmaller = packed.size() < bytes.size();
     const ByteSpan stored = isSmaller ? ByteSpan(packed) : bytes;
     AppendValue<std::uint64_t>(to, bytes.size());
@@ -76,13 +88,13 @@ void NumberWriter::Append(ByteVector& to) {
         m_vBits.push_back(static_cast<std::byte>(m_uPending));
         m_uPending >>= 8;
     }
-    for (const auto& plane : m_planes) AppendBlock(to, std::as_bytes(std::span(plane)));
-    AppendBlock(to, m_vBits);
+    for (const auto& plane : m_planes) AppendBlock(to, std::as_bytes(std::span(plane)), Kind::kScattered);
+    AppendBlock(to, m_vBits, Kind::kScattered);
 }
 
-NumberReader::NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t most) : m_planes(planeCount) {
+NumberReader::NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t most) {
     std::uint64_t numbers = 0;
-    for (Plane& plane : m_planes) {
+    for (Plane& plane : std::span(m_planes).first(planeCount)) {
         plane.bytes = TakeBlock(from, most);
         plane.at = reinterpret_cast<const std::uint8_t*>(plane.bytes.data());
         plane.end = plane.at + (plane.bytes.size() - kBlockPadding);

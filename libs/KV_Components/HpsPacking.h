@@ -1,8 +1,10 @@
 // How numbers and bytes are packed in hps files; byte by byte in docs/formats/hps.md.
 #pragma once
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -26,21 +28,29 @@ using ByteSpan = std::span<const std::byte>;
 /// that, so that a reader never takes memory out of proportion to a file.
 inline constexpr std::uint64_t kMaxExpansion = 256;
 
-/// An array that is not cleared first: the pages of a large one are touched once, by what fills it.
+/// Memory that is not cleared, in large pages where the system offers them: a large array's many small ones cost more
+/// than the work on it. To be given back by std::free(). @throws std::bad_alloc
+[[nodiscard]] void* TakeMemory(std::uint64_t size);
+
+/// An array that is not cleared first.
 template <class T>
 class RawArray {
 public:
     RawArray() = default;
-    explicit RawArray(std::size_t size) : m_pValues(std::make_unique_for_overwrite<T[]>(size)), m_uSize(size) {}
+    explicit RawArray(std::size_t size)
+        : m_pValues(static_cast<T*>(TakeMemory(std::uint64_t{sizeof(T)} * size))), m_uSize(size) {}
     [[nodiscard]] T* data() { return m_pValues.get(); }
     [[nodiscard]] const T* data() const { return m_pValues.get(); }
     [[nodiscard]] std::size_t size() const { return m_uSize; }
-    [[nodiscard]] T& operator[](std::size_t i) { return m_pValues[i]; }
-    [[nodiscard]] const T& operator[](std::size_t i) const { return m_pValues[i]; }
+    [[nodiscard]] T& operator[](std::size_t i) { return m_pValues.get()[i]; }
+    [[nodiscard]] const T& operator[](std::size_t i) const { return m_pValues.get()[i]; }
     [[nodiscard]] std::span<const T> Span() const { return {data(), m_uSize}; }
 
 private:
-    std::unique_ptr<T[]> m_pValues;
+    struct Free {
+        void operator()(T* memory) const { std::free(memory); }
+    };
+    std::unique_ptr<T, Free> m_pValues;
     std::size_t m_uSize = 0;
 };
 
@@ -72,10 +82,16 @@ private:
     ByteSpan m_rest;
 };
 
+/// What bytes are like.
+enum class Kind {
+    kPattern,   ///< they repeat
+    kScattered  ///< some are more frequent than others, and that is all
+};
 /// Appends a block: both lengths, then the bytes, compressed where that makes them fewer.
-void AppendBlock(ByteVector& to, ByteSpan bytes);
+void AppendBlock(ByteVector& to, ByteSpan bytes, Kind kind);
 
-inline constexpr std::size_t kBlockPadding = 8;
+/// Three numbers of up to 30 bits may be taken behind the end before that is noticed, by loads of 8 bytes.
+inline constexpr std::size_t kBlockPadding = 16;
 /// The bytes of a block, with kBlockPadding zeros behind them that size() counts.
 /// @param most  how many bytes the block may have: checked before memory is taken
 [[nodiscard]] RawArray<std::byte> TakeBlock(ByteReader& from, std::uint64_t most);
@@ -130,21 +146,24 @@ private:
 
 class NumberReader {
 public:
+    static constexpr std::size_t kMostPlanes = 4;
+
+    NumberReader() = default;
     /// @param most  numbers in a plane
     NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t most);
 
+    /// The next number of a plane.
     [[nodiscard]] std::uint32_t Take(std::size_t plane, std::uint32_t scale = 0) {
-        Plane& p = m_planes[plane];
-        if (p.at == p.end) throw DamagedData("too few numbers");
-        const auto kind = static_cast<std::uint8_t>(*p.at++ - 2 * scale);
-        if (kind >= kClassCount) throw DamagedData("a number of more than 32 bits");
         if (m_uBit > m_uBitCount) throw DamagedData("too few bits");
-        const std::uint32_t count = BitsBelow(kind);
-        std::uint64_t bits;
-        std::memcpy(&bits, m_bits.data() + (m_uBit >> 3), sizeof bits);
-        const auto low = static_cast<std::uint32_t>((bits >> (m_uBit & 7)) & ((std::uint64_t{1} << count) - 1));
-        m_uBit += count;
-        return SmallestOf(kind) + low;
+        return TakeUnlessEnded(m_planes[plane], scale);
+    }
+    /// The next number of each of the first three planes, which is what the padding of the bits allows in one go.
+    template <class Scales>
+    [[nodiscard]] std::array<std::uint32_t, 3> TakeThree(const Scales& scales) {
+        if (m_uBit > m_uBitCount) throw DamagedData("too few bits");
+        const std::uint32_t first = TakeUnlessEnded(m_planes[0], scales[0]);
+        const std::uint32_t second = TakeUnlessEnded(m_planes[1], scales[1]);
+        return {first, second, TakeUnlessEnded(m_planes[2], scales[2])};
     }
     /// Throws unless each number and each bit was taken, but for those that fill the last byte.
     void ExpectEnd() const;
@@ -155,7 +174,27 @@ private:
         const std::uint8_t* at = nullptr;
         const std::uint8_t* end = nullptr;
     };
-    std::vector<Plane> m_planes;
+    struct Class {
+        std::uint32_t smallest, bits;
+    };
+    static constexpr std::array<Class, kClassCount> kClasses = [] {
+        std::array<Class, kClassCount> classes{};
+        for (std::uint32_t i = 0; i < kClassCount; ++i) classes[i] = {SmallestOf(i), BitsBelow(i)};
+        return classes;
+    }();
+
+    [[nodiscard]] std::uint32_t TakeUnlessEnded(Plane& plane, std::uint32_t scale) {
+        if (plane.at == plane.end) throw DamagedData("too few numbers");
+        const auto kind = static_cast<std::uint8_t>(*plane.at++ - 2 * scale);
+        if (kind >= kClassCount) throw DamagedData("a number of more than 32 bits");
+        std::uint64_t bits;
+        std::memcpy(&bits, m_bits.data() + (m_uBit >> 3), sizeof bits);
+        const std::uint64_t below = (bits >> (m_uBit & 7)) & ((std::uint64_t{1} << kClasses[kind].bits) - 1);
+        m_uBit += kClasses[kind].bits;
+        return kClasses[kind].smallest + static_cast<std::uint32_t>(below);
+    }
+
+    std::array<Plane, kMostPlanes> m_planes;
     RawArray<std::byte> m_bits;
     std::uint64_t m_uBit = 0, m_uBitCount = 0;
 };

@@ -1,12 +1,13 @@
 // The reader object: a whole file is checked and unpacked by open, so that whatever is wrong with it is told there.
-#include "HpsFile.h"
-#include "HpsUv.h"
-#include "HpsVertices.h"
-
+#include <algorithm>
+#include <future>
 #include <limits>
 
 #include "ComponentReference.h"
+#include "HpsFile.h"
 #include "HpsMesh.h"
+#include "HpsUv.h"
+#include "HpsVertices.h"
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
 #include "KV_ScenePane/PathText.h"
@@ -59,6 +60,7 @@ private:
     void Reset();
     void Read(const std::string& path);
     void UnpackMesh();
+    void SetMesh(Hps::RawArray<float> positions, Hps::RawArray<std::int32_t> indices, bool hasValidIndices);
     /// Empty without a texture: callers take a block for the sign that there is one.
     [[nodiscard]] Hps::ByteSpan UvBlockOfTexture() const;
     [[nodiscard]] static std::int32_t TellSize(Hps::ByteSpan of, std::int32_t* size);
@@ -100,6 +102,9 @@ void HpsReader::Reset() {
 }
 
 void HpsReader::UnpackMesh() {
+    const auto unpackPositions = [this] { return Hps::PackedPositions(m_content.positions, m_content.vertexCount); };
+    // On this thread when the system has no other.
+    auto packed = std::async(std::launch::async | std::launch::deferred, unpackPositions);
     ReadError section = ReadError::kFacets;
     try {
         Hps::Facets facets = Hps::DecodeFacets(m_content.facets, m_content.vertexCount, m_content.triangleCount);
@@ -107,16 +112,19 @@ void HpsReader::UnpackMesh() {
             // The triangles stay to be had, so that a caller can tell which one it is.
             Hps::RawArray<float> positions(3 * std::size_t{m_content.vertexCount});
             std::fill_n(positions.data(), positions.size(), 0.0f);
-            m_mesh =
-                ComponentReference<HpsMesh>::Adopt(new HpsMesh(std::move(positions), std::move(facets.indices), false));
+            SetMesh(std::move(positions), std::move(facets.indices), false);
             throw Hps::FileError(ReadError::kFacets, "a triangle names no vertex");
         }
         section = ReadError::kVertices;
-        auto positions = Hps::DecodePositions(m_content.positions, facets.introductions.Span());
-        m_mesh = ComponentReference<HpsMesh>::Adopt(new HpsMesh(std::move(positions), std::move(facets.indices), true));
+        Hps::RawArray<float> positions = packed.get().Decode(facets.introductions.Span());
+        SetMesh(std::move(positions), std::move(facets.indices), true);
     } catch (const Hps::DamagedData& damage) {
         throw Hps::FileError(section, damage.what());
     }
+}
+
+void HpsReader::SetMesh(Hps::RawArray<float> positions, Hps::RawArray<std::int32_t> indices, bool hasValidIndices) {
+    m_mesh = ComponentReference<HpsMesh>::Adopt(new HpsMesh(std::move(positions), std::move(indices), hasValidIndices));
 }
 
 void HpsReader::Read(const std::string& path) {

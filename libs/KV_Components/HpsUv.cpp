@@ -89,7 +89,7 @@ std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uin
     ByteVector block;
     AppendValue(block, vertexCount);
     AppendValue(block, static_cast<std::uint32_t>(pairCount));
-    AppendBlock(block, std::as_bytes(std::span(pairsOfVertex)));
+    AppendBlock(block, std::as_bytes(std::span(pairsOfVertex)), Kind::kPattern);
     numbers.Append(block);
     const std::uint64_t least = BytesOf({vertexCount, static_cast<std::uint32_t>(pairCount)}) / kMaxExpansion;
     if (block.size() < least) block.resize(least);

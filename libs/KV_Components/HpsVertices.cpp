@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace KvComponents::Hps {
 
@@ -45,6 +46,11 @@ private:
     RawArray<Float4> m_smoothed;
     float m_fShare;
 };
+
+// The conversions of single numbers, on all axes at once.
+Bits4 Ordered4(Bits4 bits) { return bits ^ ((0u - (bits >> 31)) | 0x80000000u); }
+Bits4 Float4Bits(Bits4 ordered) { return ordered ^ ((0u - ((ordered >> 31) ^ 1u)) | 0x80000000u); }
+Bits4 Unfold4(Bits4 folded) { return (folded >> 1) ^ (0u - (folded & 1u)); }
 
 Float4 PositionOf(std::span<const float> positions, std::size_t vertex) {
     const float* const p = &positions[kAxisCount * vertex];
@@ -102,24 +108,24 @@ ByteVector EncodePositions(std::span<const float> positions, std::span<const Int
     return bytes;
 }
 
-RawArray<float> DecodePositions(ByteSpan bytes, std::span<const Introduction> introductions) {
-    ByteReader reader(bytes);
-    const auto share = reader.TakeValue<std::uint32_t>();
-    if (share > kMaxShare) throw DamagedData("impossible share");
-    NumberReader numbers(reader, kAxisCount, introductions.size());
-    if (!reader.Rest().empty()) throw DamagedData("bytes behind the positions");
+PackedPositions::PackedPositions(ByteSpan bytes, std::uint32_t vertexCount) {
+    ByteReader from(bytes);
+    m_uShare = from.TakeValue<std::uint32_t>();
+    if (m_uShare > kMaxShare) throw DamagedData("impossible share");
+    m_numbers = NumberReader(from, kAxisCount, vertexCount);
+    if (!from.Rest().empty()) throw DamagedData("bytes behind the positions");
+}
 
+RawArray<float> PackedPositions::Decode(std::span<const Introduction> introductions) {
+    NumberReader numbers = std::move(m_numbers);  // its state in registers: nobody else can see a local one
     RawArray<float> positions(kAxisCount * introductions.size());
-    Predictor predictor(introductions.size(), share);
+    Predictor predictor(introductions.size(), m_uShare);
     for (const Introduction& introduction : introductions) {
         const Float4 predicted = predictor.Predict(introduction);
         const auto from = std::bit_cast<Bits4>(predicted);
-        Bits4 to{};
-        for (std::size_t axis = 0; axis < kAxisCount; ++axis) {
-            const std::uint32_t difference = UnfoldSign(numbers.Take(axis, ExponentOf(from[axis])));
-            to[axis] = FloatBits(OrderedBits(from[axis]) + difference);
-        }
-        const auto position = std::bit_cast<Float4>(to);
+        const auto taken = numbers.TakeThree((from >> 23) & 0xFF);
+        const Bits4 difference = Unfold4(Bits4{taken[0], taken[1], taken[2], 0});
+        const auto position = std::bit_cast<Float4>(Float4Bits(Ordered4(from) + difference));
         std::memcpy(&positions[kAxisCount * introduction.vertex], &position, kAxisCount * sizeof(float));
         predictor.Follow(introduction.vertex, predicted, position);
     }
