@@ -8,6 +8,7 @@
 #include <limits>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,7 +31,12 @@ struct Start {
     std::array<char, kHeaderSize> header{};
     std::uint32_t count = 0;  ///< stays zero when the file ends before it
 
-    [[nodiscard]] bool LooksLikeText() const { return std::memcmp(header.data(), "solid", 5) == 0; }
+    /// The word may stand behind blanks: some programs write these.
+    [[nodiscard]] bool LooksLikeText() const {
+        const std::string_view text(header.data(), header.size());
+        const std::size_t word = text.find_first_not_of(" \t\r\n");
+        return word != std::string_view::npos && text.substr(word).starts_with("solid");
+    }
 };
 
 Start ReadStart(ByteInput& input) {

@@ -216,7 +216,9 @@ TEST(ReadStl, SaysOfARefusedFileThatStartsLikeTextThatTextIsNotRead) {
               std::string(kLessThanHalf) + "; it starts with \"solid\": stl as text is not read");
     EXPECT_EQ(Refusal(Padded("solid", 5)), "holds no triangle; it starts with \"solid\": stl as text is not read");
     EXPECT_THAT(Refusal(StlHead(9, "solids")), HasSubstr("text is not read"));
-    EXPECT_THAT(Refusal(StlHead(9, " solid")), Not(HasSubstr("text")));
+    EXPECT_THAT(Refusal(StlHead(9, " \tsolid")), HasSubstr("text is not read"));
+    EXPECT_THAT(Refusal(StlHead(9, "a solid")), Not(HasSubstr("text")));
+    EXPECT_THAT(Refusal(StlHead(9, std::string(76, ' ') + "soli")), Not(HasSubstr("text"))) << "the count is no text";
 }
 
 // ---- files
