@@ -28,7 +28,7 @@ public:
         if (mesh == nullptr) return kInvalidArgument;
         HpsMesh* const bound = ComponentOf<HpsMesh>(mesh);
         if (bound == nullptr) return kInvalidArgument;
-        if (m_mesh || !bound->IsFinished()) return kFailed;
+        if (m_mesh || !bound->CanBePacked()) return kFailed;
         m_mesh = ComponentReference<HpsMesh>(*bound);
         return kSucceeded;
     }

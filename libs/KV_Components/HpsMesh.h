@@ -14,7 +14,7 @@ public:
     /// Without content, until Create().
     HpsMesh();
     /// A finished mesh.
-    /// @param hasValidIndices  only then it has normals
+    /// @param hasValidIndices  only then it has normals and can be packed
     HpsMesh(Hps::RawArray<float> positions, Hps::RawArray<std::int32_t> indices, bool hasValidIndices);
 
     [[nodiscard]] Interface* FindInterface(std::string_view guid) override;
@@ -35,7 +35,8 @@ public:
     /// A copy, which may be written to and finished.
     std::int32_t Clone(Object** clone);
 
-    [[nodiscard]] bool IsFinished() const { return m_state == State::kFinished; }
+    /// Finished, and its triangles are of its vertices.
+    [[nodiscard]] bool CanBePacked() const { return m_state == State::kFinished && m_bHasValidIndices; }
     [[nodiscard]] std::span<const float> Positions() const { return m_positions.Span(); }
     [[nodiscard]] std::span<const std::int32_t> Indices() const { return m_indices.Span(); }
     [[nodiscard]] std::size_t CountOfVertices() const { return m_positions.size() / 3; }

@@ -103,8 +103,11 @@ void HpsReader::Reset() {
 
 void HpsReader::UnpackMesh() {
     const auto unpackPositions = [this] { return Hps::PackedPositions(m_content.positions, m_content.vertexCount); };
-    // On this thread when the system has no other.
-    auto packed = std::async(std::launch::async | std::launch::deferred, unpackPositions);
+    constexpr std::size_t kWorthAThread = 100'000;
+    // On this thread, too, when the system has no other.
+    const auto policy = m_content.positions.size() >= kWorthAThread ? std::launch::async | std::launch::deferred
+                                                                    : std::launch::deferred;
+    auto packed = std::async(policy, unpackPositions);
     ReadError section = ReadError::kFacets;
     try {
         Hps::Facets facets = Hps::DecodeFacets(m_content.facets, m_content.vertexCount, m_content.triangleCount);
