@@ -15,7 +15,8 @@ struct JpegOptions {
     bool progressive = false;
     bool arithmetic = false;
     int restartRows = 0;
-    bool adobeMark = true;  ///< of CMYK
+    bool adobeMark = true;                   ///< of CMYK
+    std::vector<jpeg_scan_info> scans = {};  ///< of a progressive file; empty: the encoder's own
 };
 
 /// 40 x 24 pixels; a picture of one colour survives the packing but for rounding.
@@ -39,6 +40,10 @@ inline std::vector<std::uint8_t> MakeJpeg(const JpegOptions& options) {
     jpeg.arith_code = options.arithmetic ? TRUE : FALSE;
     jpeg.restart_in_rows = options.restartRows;
     if (!options.adobeMark) jpeg.write_Adobe_marker = FALSE;
+    if (!options.scans.empty()) {
+        jpeg.scan_info = options.scans.data();
+        jpeg.num_scans = static_cast<int>(options.scans.size());
+    }
     jpeg_start_compress(&jpeg, TRUE);
     for (JDIMENSION y = 0; y < kHeight; ++y) {
         const bool lower = y >= kHeight / 2 && !options.pixelOfLowerHalf.empty();
