@@ -9,12 +9,13 @@
 #include "KV_ScenePane/PathText.h"
 #include "io/CPLYFile.h"
 #include "support/ControlFixture.h"
-#include "support/SampleMeshes.h"
 
 namespace {
 
 using testing::EndsWith;
 using testing::IsEmpty;
+
+const std::string kFolder = KV_MESH_FOLDER "/";
 
 constexpr char kNoFaces[] = "holds no faces";
 constexpr char kQuads[] = "Non-triangle faces not supported.";
@@ -135,13 +136,18 @@ std::string ReasonAgainst(NoPictureControl& c, const std::string& path) {
     }
 }
 
-TEST(PlySampleFiles, AreImportedOrRefusedForTheirReason) {
-    const std::string folder = SampleMeshFolder();
-    if (folder.empty()) GTEST_SKIP() << "no folder shared/data/meshes";
+class PlySampleFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!std::filesystem::is_directory(kFolder)) GTEST_SKIP() << "no folder of sample files here";
+    }
+};
+
+TEST_F(PlySampleFiles, AreImportedOrRefusedForTheirReason) {
     for (const SampleFile& row : kSampleFiles) {
         SCOPED_TRACE(row.path);
         NoPictureControl c;
-        const std::string reason = ReasonAgainst(c, folder + row.path);
+        const std::string reason = ReasonAgainst(c, kFolder + row.path);
         if (row.reason == std::string(kNoFaces)) {
             EXPECT_THAT(reason, EndsWith(std::string(kNoFaces) + "\n"));
         } else {
@@ -154,14 +160,12 @@ TEST(PlySampleFiles, AreImportedOrRefusedForTheirReason) {
     }
 }
 
-TEST(PlySampleFiles, AreAllInTheTable) {
-    const std::string folder = SampleMeshFolder();
-    if (folder.empty()) GTEST_SKIP() << "no folder shared/data/meshes";
+TEST_F(PlySampleFiles, AreAllInTheTable) {
     std::size_t count = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(kFolder)) {
         if (entry.path().extension() != ".ply") continue;
         ++count;
-        const std::string path = entry.path().string().substr(folder.size());
+        const std::string path = entry.path().string().substr(kFolder.size());
         EXPECT_TRUE(std::ranges::any_of(kSampleFiles, [&](const SampleFile& row) { return path == row.path; })) << path;
     }
     EXPECT_EQ(count, std::size(kSampleFiles));
