@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "io/StreamNumber.h"
+#include "platform/HugePages.h"
 
 namespace {
 struct TypeTrait {
@@ -241,6 +242,7 @@ std::string ReadRest(std::istream& stream) {
     if (!stream.good()) return data;
     try {
         data.reserve(RestSize(*stream.rdbuf()));
+        AdviseHugePages(data.data(), data.capacity());
         const auto piece = std::make_unique<char[]>(kPiece);
         std::streamsize got = 0;
         while ((got = stream.rdbuf()->sgetn(piece.get(), kPiece)) > 0)

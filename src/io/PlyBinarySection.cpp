@@ -96,6 +96,21 @@ void ConvertList(const char* from, int type, int members, float* target) {
     for (int i = 0; i < members; ++i)
         target[i] = static_cast<float>(Load<double>(from + 8 * static_cast<std::ptrdiff_t>(i)));
 }
+
+/// Records of a count byte and 32-bit members, as they are.
+template <class Number>
+bool CopyLists(const char* record, const char* end, int records, int members, Number* target) {
+    const std::ptrdiff_t width = 1 + std::ptrdiff_t{4} * members;
+    if (records > (end - record) / width) return false;
+    for (int i = 0; i < records; ++i, record += width, target += members) {
+        if (*record != members) return false;
+        if (members == 3)
+            std::memcpy(target, record + 1, 12);  // of a length known here: no call
+        else
+            std::memcpy(target, record + 1, 4 * static_cast<std::size_t>(members));
+    }
+    return true;
+}
 }  // namespace
 
 BinaryDataSection::BinaryDataSection(CPLYFile& file, std::string data) : DataSection(file, std::move(data)) {
@@ -225,6 +240,9 @@ bool BinaryDataSection::ReadListsFast(const Element& element, int item, int memb
     if (!IsInteger(list.m_iCountType)) return false;
     const std::int64_t membersWidth = static_cast<std::int64_t>(members) * PlyTypeWidth(type);
     std::int64_t cursor = m_iCursor;
+    if (element.m_vItems.size() == 1 && PlyTypeWidth(list.m_iCountType) == 1 && PlyTypeWidth(type) == 4 &&
+        members < 128)
+        return CopyLists(m_sData.data() + cursor, GetDataEnd(), element.m_iCount, members, target);
     for (int record = 0; record < element.m_iCount; ++record) {
         for (int i = 0; i < item; ++i) SkipItem(element, i, cursor);
         const std::int64_t count = CountForSkip(list.m_iCountType, cursor);

@@ -1,4 +1,5 @@
-// The usual number is short enough for exact arithmetic in doubles; std::from_chars does the rest.
+// The usual number is short enough for exact arithmetic in doubles, and the usual digits are added up 8 at a time;
+// std::from_chars does the rest.
 #include "io/StreamNumber.h"
 
 #include <bit>
@@ -60,6 +61,8 @@ const char* TakeExponent(const char* at, const char* last, Decimal& number) {
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
+constexpr std::uint64_t kWholePowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+
 /// Digits and power are exact doubles, so that their product or quotient is the double nearest to the number. Narrowing
 /// it rounds to the float nearest to the number too, unless it lies exactly between two floats: then the number may lie
 /// on either side. Every result is a normal float or 0.
@@ -75,6 +78,28 @@ bool RoundExactly(const Decimal& number, float& value) {
     return true;
 }
 
+/// The usual "12.3456" with up to 7 digits before the point and up to 8 behind it.
+/// @return null when the text is anything else
+const char* ReadShortFloat(const char* first, const char* last, float& value) {
+    constexpr int kLongest = 1 + 7 + 1 + 8;
+    if (last - first <= kLongest) return nullptr;
+    const bool negative = *first == '-';
+    const char* at = first + static_cast<int>(negative);
+    const ShortDigits whole = TakeShortDigits(at);
+    at += whole.m_iCount;
+    if (whole.m_iCount == 0 || whole.m_iCount == 8 || *at != '.') return nullptr;
+    const ShortDigits fraction = TakeShortDigits(at + 1);
+    at += 1 + fraction.m_iCount;
+    if (IsDigit(*at) || *at == 'e' || *at == 'E') return nullptr;
+    Decimal number;
+    number.m_uDigits = whole.m_uValue * kWholePowersOfTen[fraction.m_iCount] + fraction.m_uValue;
+    number.m_iExponent = -fraction.m_iCount;
+    if (!RoundExactly(number, value)) return nullptr;
+    // signs are hard to predict: no branch
+    value = std::bit_cast<float>(std::bit_cast<std::uint32_t>(value) | static_cast<std::uint32_t>(negative) << 31);
+    return at;
+}
+
 /// @return false when the number rounds to more than the largest float, which value then is
 bool RoundByLibrary(const char* first, const char* last, const Decimal& number, float& value) {
     const std::errc result = std::from_chars(first, last, value).ec;
@@ -86,7 +111,7 @@ bool RoundByLibrary(const char* first, const char* last, const Decimal& number, 
 }
 }  // namespace
 
-const char* ReadStreamInt(const char* first, const char* last, int& value) {
+const char* ReadAnyStreamInt(const char* first, const char* last, int& value) {
     const char* at = SkipSpace(first, last);
     if (at == last) return nullptr;
     const bool negative = TakeSign(at, last);
@@ -103,6 +128,7 @@ const char* ReadStreamInt(const char* first, const char* last, int& value) {
 }
 
 const char* ReadStreamFloat(const char* first, const char* last, float& value) {
+    if (const char* const end = ReadShortFloat(first, last, value)) return end;
     const char* at = SkipSpace(first, last);
     if (at == last) return nullptr;
     const bool negative = TakeSign(at, last);

@@ -106,10 +106,14 @@ TEST(StreamNumber, AgreesWithTheStreamOnAMillionRandomTokens) {
     Random random(20260101);
     Stream stream;
     std::string (*const kMakers[])(Random&) = {Soup, Shaped, BetweenFloats, Printed};
+    const std::string kBehind[] = {" 1234567890123456789", "\n                   5", "\r\n-1.5 2.5 3.5 4.5 5.5",
+                                   "x234567890123456789"};
     int differences = 0;
     for (int i = 0; i < 1'000'000 && differences < 10; ++i) {
         const std::string token = kMakers[i % 4](random);
-        const std::string difference = Difference(stream, token);
+        // as a token at the end of a text, and with others behind it
+        const std::string difference =
+            Difference(stream, token) + Difference(stream, token + kBehind[Below(random, 4)]);
         if (difference.empty()) continue;
         ADD_FAILURE() << '"' << token << "\": " << difference;
         ++differences;
