@@ -165,13 +165,13 @@ const char* const kMethodsToCome[] = {
     "ClearUndoStack", "SetLassoCuttingColors", "DisplayClipPlanePartCloseToData", "FindNearestPickPointSphere",
     "RemovePickPointSphere", "GetPickPointSphereCoords", "GetNumberOfPickPointSpheres", "SetMaxNumberOfNeedles",
     "DeselectNeedle", "DeselectAllNeedles", "SelectNeedle", "StartSegmentation", "ClearPickPointSpheres",
-    "MovePickPointSphere", "PerformUndo", "ImportMesh", "ExportMesh", "AlignInteractive", "AlignPickPoints",
+    "MovePickPointSphere", "PerformUndo", "AlignInteractive", "AlignPickPoints",
     "CreateNeedles", "DeleteNeedles", "AddPickPointSphere", "SaveCuttingToPcms", "EndSegmentation", "CreateNeedle",
     "SetLine3DDrawingMode", "GetLine3DDrawingMode", "CreateLine3D", "DeletePoints", "SetPointsVisibility",
     "ImportPoints", "SetClipPlaneEnabled", "SetClipPlaneDisabled", "SetClipPlane", "SetClipPlaneColor",
     "GetClipPlane", "SetNeedlePickingMode", "SetNeedleDrawingMode", "SetNeedleRenderParameters",
     "GetNeedlePickingMode", "GetNeedleDrawingMode", "DeleteNeedle", "GetNumberOfNeedles", "GetNeedle", "GetNeedles",
-    "GetCutMasks", "ClearCutMasks", "InitializeKVReg", "FinalizeKVReg", "SetHpsSourceApp", "AboutBox",
+    "GetCutMasks", "ClearCutMasks", "AboutBox",
 };
 // clang-format on
 
