@@ -7,6 +7,9 @@
 #include <string_view>
 #include <type_traits>
 
+#include "ProgramName.h"
+#include "SceneFile.h"
+
 namespace {
 
 constexpr int kLargestSide = 16384;  // what drivers take as a drawing area
@@ -93,7 +96,7 @@ bool ReadPicturePath(std::string_view text, HostOptions& options) {
 enum class Meaning {
     Action,   ///< it names the run itself
     Always,   ///< imports
-    Picture,  ///< all but --info
+    Picture,  ///< all but --info and --convert
     Look      ///< the window and --screenshot: a capture has its own size and look
 };
 
@@ -126,19 +129,22 @@ const ValueOption* FindValueOption(std::string_view name) {
 
 /// What was seen, beside the values.
 struct Seen {
-    bool screenshot = false, capture = false, info = false;
+    bool screenshot = false, capture = false, info = false, convert = false;
     std::string_view pictureOption;  ///< the last one that asks for something of a picture
     std::string_view lookOption;     ///< the last of these that a capture does not heed
 };
 
 bool IsSwitch(std::string_view name) {
-    return name == "--info" || name == "--json" || name == "--shadows" || name == "--help" || name == "--version";
+    return name == "--info" || name == "--convert" || name == "--json" || name == "--shadows" || name == "--help" ||
+           name == "--version";
 }
 
 /// Takes an option without a value; false when there is no such option.
 bool TakeSwitch(std::string_view name, HostOptions& options, Seen& seen) {
     if (name == "--info") {
         seen.info = true;
+    } else if (name == "--convert") {
+        seen.convert = true;
     } else if (name == "--json") {
         options.json = true;
     } else if (name == "--shadows") {
@@ -150,19 +156,32 @@ bool TakeSwitch(std::string_view name, HostOptions& options, Seen& seen) {
     return true;
 }
 
-/// What does not go together; empty when all is well.
-std::string Contradiction(const HostOptions& options, const Seen& seen) {
+/// Two options that each name the run; empty when there are none.
+std::string TwoActions(const Seen& seen) {
     if (seen.info && seen.screenshot) return "--info and --screenshot do not go together";
     if (seen.info && seen.capture) return "--info and --capture do not go together";
     if (seen.capture && seen.screenshot) return "--screenshot and --capture do not go together";
+    if (seen.convert && seen.info) return "--convert and --info do not go together";
+    if (seen.convert && seen.screenshot) return "--convert and --screenshot do not go together";
+    if (seen.convert && seen.capture) return "--convert and --capture do not go together";
+    return {};
+}
+
+/// What does not go together; empty when all is well.
+std::string Contradiction(const HostOptions& options, const Seen& seen) {
+    if (std::string text = TwoActions(seen); !text.empty()) return text;
     if (options.json && !seen.info) return "--json goes with --info only";
-    if (seen.info && !seen.pictureOption.empty())
-        return std::string(seen.pictureOption) + " has no meaning with --info";
+    if ((seen.info || seen.convert) && !seen.pictureOption.empty())
+        return std::string(seen.pictureOption) + " has no meaning with " + (seen.info ? "--info" : "--convert");
     if (seen.capture && !seen.lookOption.empty())
         return std::string(seen.lookOption) + " has no meaning with --capture";
     if (options.files.empty() && seen.capture) return "--capture needs at least one file";
     if (options.files.empty() && seen.screenshot) return "--screenshot needs at least one file";
     if (options.files.empty() && seen.info) return "--info needs at least one file";
+    if (options.files.size() != 2 && seen.convert)
+        return "--convert needs two files, the one to read and the one to write";
+    if (const std::string reason = seen.convert ? WhyNoExportName(options.files.back()) : ""; !reason.empty())
+        return options.files.back() + ": " + reason;
     return {};
 }
 
@@ -221,6 +240,11 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     if (seen.screenshot) options.action = HostAction::Screenshot;
     if (seen.capture) options.action = HostAction::Capture;
     if (seen.info) options.action = HostAction::Info;
+    if (seen.convert) {
+        options.action = HostAction::Convert;
+        options.exportPath = options.files.back();
+        options.files.pop_back();
+    }
     return options;
 }
 
@@ -229,7 +253,9 @@ std::string HelpText() {
            "       scenepane --screenshot OUT.png [options] FILE...\n"
            "       scenepane --capture OUT.png [options] FILE...\n"
            "       scenepane --info [--json] [options] FILE...\n"
-           "Shows optical scans (pcm, pax and xdt files) in a window, as a picture, or as numbers.\n"
+           "       scenepane --convert [options] IN OUT\n"
+           "Shows optical scans (pcm, pax and xdt files) and meshes (ply, stl, hps, ois and msh files) in a window,\n"
+           "as a picture, or as numbers.\n"
            "\n"
            "Without a display:\n"
            "  --screenshot OUT.png  render the scene, fitted to the picture, into a PNG file\n"
@@ -237,8 +263,10 @@ std::string HelpText() {
            "                        size; --size, --draw-mode and --shadows have no meaning with it\n"
            "  --info                print what each file holds; needs no OpenGL either\n"
            "  --json                with --info: print one JSON object\n"
+           "  --convert IN OUT      write what IN holds, a scan or a mesh, as the ply, stl or hps file OUT; needs no\n"
+           "                        OpenGL either\n"
            "\n"
-           "Imports:\n"
+           "Imports of scans:\n"
            "  --skip N              thin the grid: one point for N x N, 1 to 32767 (1)\n"
            "  --confidence F        leave out points of a lower confidence (0)\n"
            "  --color RRGGBB        colour of scans that have none of their own (DCD4C8)\n"
@@ -256,7 +284,8 @@ std::string HelpText() {
            "  --version             print the version\n"
            "  --                    what follows are file names\n"
            "\n"
-           "Exit status: 0 when every file added an object, 1 when not, 2 for wrong usage.\n";
+           "Exit status: 0 when every file added an object and all that was asked for was written, 1 when not, 2 for\n"
+           "wrong usage.\n";
 }
 
-std::string VersionText() { return "scenepane 5.5.0\n"; }
+std::string VersionText() { return std::string(kProgramName) + ' ' + kProgramVersion + '\n'; }

@@ -4,10 +4,10 @@
 #include <variant>
 #include <vector>
 
-#include "ScanImport.h"
+#include "FileImport.h"
 
 /// What shall happen.
-enum class HostAction { Window, Screenshot, Capture, Info, Help, Version };
+enum class HostAction { Window, Screenshot, Capture, Info, Convert, Help, Version };
 
 /// The wishes of one command line; what was not asked for keeps its start value.
 struct HostOptions {
@@ -20,7 +20,8 @@ struct HostOptions {
     ImportSettings import;
     bool shadows = false;
     bool json = false;
-    std::vector<std::string> files;  ///< bytes, as typed, in order
+    std::vector<std::string> files;  ///< to open; bytes, as typed, in order
+    std::string exportPath;          ///< of Convert, a type that can be written; bytes, as typed
 };
 
 /// One line that tells what is wrong, without the program's name.

@@ -1,13 +1,45 @@
 // The sink hands each text to the capture of the thread that wrote it.
 #include "DebugCapture.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "KV_ScenePane/DebugOutput.h"
 
 namespace {
+
 thread_local std::string* g_capturedText = nullptr;
+
+constexpr std::string_view kJoint = "; ";
+
+/// Lines that are not empty.
+std::vector<std::string_view> Lines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        const std::size_t end = text.find_first_of("\r\n");
+        if (end != 0) lines.push_back(text.substr(0, end));
+        if (end == std::string_view::npos) break;
+        text.remove_prefix(end + 1);
+    }
+    return lines;
 }
+
+std::string Join(const std::vector<std::string_view>& lines) {
+    std::string joined;
+    for (const std::string_view line : lines) {
+        if (!joined.empty()) joined += kJoint;
+        joined += line;
+    }
+    return joined;
+}
+
+std::string Without(std::string text, const std::string& part) {
+    for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos;) text.erase(at, part.size());
+    return text;
+}
+
+}  // namespace
 
 DebugRouter::DebugRouter(std::function<void(std::string_view text)> rest) {
     KV_ScenePane::SetDebugOutputSink([rest = std::move(rest)](std::string_view text) {
@@ -27,22 +59,21 @@ DebugCapture::~DebugCapture() { g_capturedText = nullptr; }
 
 std::string DebugCapture::OneLine() const { return JoinLines(m_strText); }
 
-std::string JoinLines(std::string_view text) {
-    std::string joined;
-    while (!text.empty()) {
-        const std::size_t end = text.find_first_of("\r\n");
-        const std::string_view line = text.substr(0, end);
-        if (!line.empty()) {
-            if (!joined.empty()) joined += "; ";
-            joined += line;
-        }
-        if (end == std::string_view::npos) break;
-        text.remove_prefix(end + 1);
+std::string JoinLines(std::string_view text) { return Join(Lines(text)); }
+
+std::string TextAbout(std::string_view file, const DebugCapture& capture, std::string_view thrown) {
+    const std::string path = std::string(file) + ": ";
+    const std::string written = Without(capture.Text(), path), error = Without(JoinLines(thrown), path);
+    std::vector<std::string_view> said;
+    for (const std::string_view line : Lines(written)) {
+        if (std::ranges::find(said, line) == said.end()) said.push_back(line);
     }
-    return joined;
+    const auto holdsError = [&](std::string_view line) { return line.find(error) != std::string_view::npos; };
+    if (!error.empty() && std::ranges::none_of(said, holdsError)) said.push_back(error);
+    return Join(said);
 }
 
-std::string ReasonOf(const DebugCapture& capture) {
-    const std::string line = capture.OneLine();
-    return line.empty() ? "nothing in it could be imported" : line;
+std::string ReasonOf(std::string_view file, const DebugCapture& capture, std::string_view thrown) {
+    const std::string text = TextAbout(file, capture, thrown);
+    return text.empty() ? "nothing in it could be imported" : text;
 }

@@ -22,6 +22,8 @@ public:
     DebugCapture(const DebugCapture&) = delete;
     DebugCapture& operator=(const DebugCapture&) = delete;
 
+    /// As it was written.
+    [[nodiscard]] const std::string& Text() const { return m_strText; }
     /// All lines, joined to one by "; ".
     [[nodiscard]] std::string OneLine() const;
 
@@ -32,5 +34,11 @@ private:
 /// Lines to one line, joined by "; "; empty lines are left out.
 [[nodiscard]] std::string JoinLines(std::string_view text);
 
-/// The debugger output of an import as a reason why it added nothing; never empty.
-[[nodiscard]] std::string ReasonOf(const DebugCapture& capture);
+/// What the work on a file had to say, as one line: the debugger output, then the exception; what both say stands once.
+/// The viewer puts the path into its lines, and whoever shows this does so, too: "path: " is left out here.
+/// @param file    path in bytes, as it was handed to the viewer
+/// @param thrown  text of the exception that ended the work; empty without one
+[[nodiscard]] std::string TextAbout(std::string_view file, const DebugCapture& capture, std::string_view thrown = {});
+
+/// TextAbout() an import that added nothing; never empty.
+[[nodiscard]] std::string ReasonOf(std::string_view file, const DebugCapture& capture, std::string_view thrown = {});

@@ -8,9 +8,11 @@
 #include <string_view>
 
 #include "DebugCapture.h"
+#include "FileExport.h"
+#include "FileImport.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "PngFile.h"
-#include "ScanImport.h"
+#include "RegistryStart.h"
 #include "SceneReport.h"
 #include "ScreenShot.h"
 
@@ -46,7 +48,7 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
     ApplySettings(methods, options.import);
     SceneReport report;
     for (const std::string& file : options.files) {
-        const ImportResult result = ImportScanFile(methods, file, options.import.color);
+        const ImportResult result = ImportFile(methods, file, options.import.color);
         if (result.state == ImportResult::State::Added) {
             const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
             report.objects.push_back(ReportObject(pane, index, file));
@@ -65,6 +67,7 @@ int RunPicture(const HostOptions& options, std::FILE* err,
     const DebugRouter router(ComplainOfTheRest(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
+    const RegistryStart registry(pane->Methods());
     const SceneReport report = ImportFiles(*pane, options, err);
     const auto refuse = [&](const std::string& reason) {
         Complain(err, options.picturePath + ": " + reason);
@@ -109,8 +112,22 @@ int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const DebugRouter router(ComplainOfTheRest(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
+    const RegistryStart registry(pane->Methods());
     const SceneReport report = ImportFiles(*pane, options, err);
     const int printed = RunText(options.json ? ReportJson(report) : ReportText(report), out, err);
     if (printed != kExitGood) return printed;
     return report.failed.empty() ? kExitGood : kExitFailure;
+}
+
+int RunConvert(const HostOptions& options, std::FILE* err) {
+    const DebugRouter router(ComplainOfTheRest(err));
+    const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
+    if (!pane) return kExitFailure;
+    const RegistryStart registry(pane->Methods());
+    const SceneReport report = ImportFiles(*pane, options, err);
+    if (report.objects.empty()) return kExitFailure;
+    const ExportResult result = ExportObject(pane->Methods(), report.objects.front().index, options.exportPath);
+    if (!result.text.empty())
+        Complain(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
+    return result.written ? kExitGood : kExitFailure;
 }

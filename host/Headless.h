@@ -21,6 +21,10 @@ inline constexpr int kExitWrongUsage = 2;
 /// Prints what the files hold to @p out. A failure to write is a failure of the run.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);
 
+/// Imports the one file of the options and writes its object to options.exportPath.
+/// @param err  takes one line for the step that failed
+[[nodiscard]] int RunConvert(const HostOptions& options, std::FILE* err);
+
 /// Prints @p text to @p out. A failure to write is a failure of the run.
 [[nodiscard]] int RunText(const std::string& text, std::FILE* out, std::FILE* err);
 

@@ -44,7 +44,7 @@ void ImportJob::NextRun() {
         return;
     }
     const std::size_t file = run.files.front();
-    m_vResults[file] = ImportScanFile(m_pane.Methods(), m_vFiles[file], m_settings.color);
+    m_vResults[file] = ImportFile(m_pane.Methods(), m_vFiles[file], m_settings.color);
     emit Progress(++m_nFinishedFiles);
     QMetaObject::invokeMethod(this, &ImportJob::NextRun, Qt::QueuedConnection);
 }

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "FileImport.h"
 #include "ImportPlan.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "PcmWorkers.h"
-#include "ScanImport.h"
 
 class ImportJob : public QObject {
     Q_OBJECT

@@ -1,12 +1,12 @@
 // Cuts the list of files into runs.
 #include "ImportPlan.h"
 
-#include "ScanFile.h"
+#include "SceneFile.h"
 
 std::vector<ImportRun> PlanImport(const std::vector<std::string>& files) {
     std::vector<ImportRun> runs;
     for (std::size_t i = 0; i < files.size(); ++i) {
-        const bool parallel = KindOfScan(files[i]) == ScanKind::Pcm;
+        const bool parallel = KindOfFile(files[i]) == FileKind::Pcm;
         if (!parallel || runs.empty() || !runs.back().parallel) runs.push_back({parallel, {}});
         runs.back().files.push_back(i);
     }

@@ -1,5 +1,6 @@
 // The parts of the window and what they do to the viewer. Menus: MainWindowMenus.cpp and
-// MainWindowInput.cpp; panes: MainWindowPanels.cpp; imports: MainWindowImport.cpp.
+// MainWindowInput.cpp; panes: MainWindowPanels.cpp; imports and exports: MainWindowImport.cpp
+// and MainWindowExport.cpp.
 #include "MainWindow.h"
 
 #include <QCloseEvent>
@@ -35,7 +36,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MakeDocks();
     MakeMenus();
     KeepPlainKeysWithInputs();
-    statusBar()->showMessage(tr("Open scans by the File menu, or drop them here."));
+    statusBar()->showMessage(tr("Open scans and meshes by the File menu, or drop them here."));
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
     EnableActions();

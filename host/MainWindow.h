@@ -75,6 +75,8 @@ public slots:
     void ReduceWhileMoving(bool on);
     /// Writes the screenshot of the whole scene as PNG, with a message. False when it cannot be written.
     bool SaveScreenShot(const std::string& path);
+    /// Writes an object of the list as a ply, stl or hps file, with a message. False when it was not written.
+    bool ExportObjectTo(int index, const std::string& path);
     void ShowObject(int index, bool visible);
     void ColorObject(int index, std::int32_t packed);
     void DeleteObject(int index);
@@ -112,6 +114,11 @@ private:
     void OnImportFinished();
     void ReportResults();
     void ListNewObjects();
+
+    // ---- MainWindowExport.cpp
+    void AskForExport();
+    /// The object that the user means: the one of the current row, or the only one. -1 when there is none such.
+    [[nodiscard]] int SelectedObject() const;
 
     // ---- MainWindowMenus.cpp
     void MakeMenus();

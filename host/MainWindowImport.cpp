@@ -42,7 +42,7 @@ void MainWindow::OpenWaitingFiles() {
 void MainWindow::StartImport(const std::vector<std::string>& files) {
     m_pJob = new ImportJob(*Pane(), files, m_options.import, this);
     const auto count = static_cast<int>(files.size());
-    m_pProgress = std::make_unique<QProgressDialog>(tr("Importing scans"), tr("Cancel"), 0, count, this);
+    m_pProgress = std::make_unique<QProgressDialog>(tr("Importing files"), tr("Cancel"), 0, count, this);
     m_pProgress->setWindowTitle(tr("scenepane"));
     m_pProgress->setAutoReset(false);
     // Not modal: a modal dialog would keep the window from being closed during a long import.
@@ -63,12 +63,12 @@ void MainWindow::CancelImport() {
 
 void MainWindow::OnImportFinished() {
     ReportResults();
+    const bool wasEmpty = !HaveObjects();
+    if (Pane() != nullptr) ListNewObjects();
     m_pJob->deleteLater();
     m_pJob = nullptr;
     m_pProgress.release()->deleteLater();  // it may be its own signal that led here
     if (Pane() != nullptr) {
-        const bool wasEmpty = !HaveObjects();
-        ListNewObjects();
         if (wasEmpty) FitView(Pane()->Methods(), m_options.zoom);
         Pane()->Methods().PerformRefresh();
     }
@@ -101,9 +101,13 @@ void MainWindow::ReportResults() {
 }
 
 void MainWindow::ListNewObjects() {
+    int index = m_pObjects->topLevelItemCount();
     const int count = Pane()->Methods().GetNumObjects();
-    for (int index = m_pObjects->topLevelItemCount(); index < count; ++index)
-        m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index), {}));
+    // The objects stand in the order of the files that added them.
+    for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {
+        if (m_pJob->Results()[i].state == ImportResult::State::Added)
+            m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]));
+    }
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -48,6 +48,10 @@ void MainWindow::MakeFileMenu() {
     m_vIdleActions.push_back(
         menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::ClearScene));
     menu->addSeparator();
+    QAction* const exports = menu->addAction(tr("&Export selected object..."), QKeySequence(Qt::CTRL | Qt::Key_E), this,
+                                             &MainWindow::AskForExport);
+    exports->setStatusTip(tr("Export the object of the list's current row as a ply, stl or hps file"));
+    m_vIdleActions.push_back(exports);
     QAction* const shot = menu->addAction(tr("&Save screenshot..."), QKeySequence(Qt::CTRL | Qt::Key_S), this,
                                           &MainWindow::AskForScreenShot);
     shot->setStatusTip(tr(kScreenShotTells));
@@ -120,8 +124,10 @@ void MainWindow::MakeImportMenu() {
 }
 
 void MainWindow::AskForFiles() {
-    const QStringList names =
-        QFileDialog::getOpenFileNames(this, tr("Open scans"), {}, tr("Scans (*.pcm *.pax *.xdt);;All files (*)"));
+    const QStringList names = QFileDialog::getOpenFileNames(
+        this, tr("Open scans and meshes"), {},
+        tr("Scans and meshes (*.pcm *.pax *.xdt *.ply *.stl *.hps *.ois *.msh);;Scans (*.pcm *.pax *.xdt);;"
+           "Meshes (*.ply *.stl *.hps *.ois *.msh);;All files (*)"));
     std::vector<std::string> files;
     for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
     OpenFiles(files);

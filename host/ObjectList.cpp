@@ -44,9 +44,11 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
 
 void ObjectList::AddObject(const ObjectReport& object) {
     const QSignalBlocker quiet(this);
+    // Objects of some mesh files have no name of their own.
+    const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(object.file) : object.name;
     auto* const item = new QTreeWidgetItem(this);
-    item->setText(kName, FileNameOf(object.name));
-    item->setToolTip(kName, QString::fromStdString(KV_ScenePane::PathBytes(object.name)));
+    item->setText(kName, FileNameOf(path));
+    item->setToolTip(kName, QString::fromStdString(KV_ScenePane::PathBytes(path)));
     item->setCheckState(kName, Qt::Checked);
     item->setText(kVertices, QString::number(object.vertices));
     item->setText(kTriangles, QString::number(object.triangles));

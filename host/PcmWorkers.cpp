@@ -2,14 +2,14 @@
 #include "PcmWorkers.h"
 
 #include <algorithm>
-#include <exception>
 #include <system_error>
 #include <utility>
 
+#include "CaughtError.h"
 #include "DebugCapture.h"
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
-#include "ScanFile.h"
+#include "SceneFile.h"
 
 PcmWorkers::PcmWorkers(Task task, unsigned threads, std::function<void()> fileFinished)
     : m_task(std::move(task)), m_fileFinished(std::move(fileFinished)), m_vResults(m_task.files.size()) {
@@ -53,7 +53,7 @@ void PcmWorkers::Work() {
 
 ImportResult PcmWorkers::ImportFile(std::size_t index) const {
     const std::string& file = m_task.files[index];
-    if (std::string reason = WhyNoScanFile(file); !reason.empty()) return {ImportResult::State::Failed, reason};
+    if (std::string reason = WhyNoSceneFile(file); !reason.empty()) return {ImportResult::State::Failed, reason};
     const std::wstring path = KV_ScenePane::WidePath(file);
     const DebugCapture capture;
     try {
@@ -63,9 +63,9 @@ ImportResult PcmWorkers::ImportFile(std::size_t index) const {
         if (m_task.entry(m_task.control, path.c_str(), scan.GetWidth(), scan.GetHeight(), scan.GetXYZ(),
                          scan.GetConfidence(), scan.GetTrafo(), scan.GetPixelClassification(), scan.GetColorData(),
                          m_task.color, static_cast<std::int32_t>(index)))
-            return {ImportResult::State::Added, capture.OneLine()};
-    } catch (const std::exception& error) {  // out of memory for this file is no reason to end the others
-        return {ImportResult::State::Failed, error.what()};
+            return {ImportResult::State::Added, TextAbout(file, capture)};
+    } catch (...) {  // out of memory for this file is no reason to end the others
+        return {ImportResult::State::Failed, ReasonOf(file, capture, TextOfCaughtError())};
     }
-    return {ImportResult::State::Failed, ReasonOf(capture)};
+    return {ImportResult::State::Failed, ReasonOf(file, capture)};
 }

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "FileImport.h"
 #include "KV_ScenePane/Types.h"
-#include "ScanImport.h"
 
 /// One parallel import: starts with the constructor, ends with Join(). The files are taken in order.
 class PcmWorkers {

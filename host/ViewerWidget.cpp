@@ -63,6 +63,7 @@ void ViewerWidget::Open() {
         return;
     }
     m_pPane->Connect(this);
+    m_pRegistry = std::make_unique<RegistryStart>(m_pPane->Methods());
     m_pNotifier = std::make_unique<QSocketNotifier>(m_pPane->EventDescriptor(), QSocketNotifier::Read);
     connect(m_pNotifier.get(), &QSocketNotifier::activated, this, &ViewerWidget::HandleEvents);
     emit Ready();
@@ -74,6 +75,7 @@ void ViewerWidget::Close() {
         m_pNotifier.release()->deleteLater();  // it may be its own signal that led here
     }
     if (m_pPane) m_pPane->Connect(nullptr);
+    m_pRegistry.reset();
     m_pPane.reset();
 }
 

@@ -7,6 +7,7 @@
 #include "EventTeller.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "KeyShortcut.h"
+#include "RegistryStart.h"
 
 class QSocketNotifier;
 
@@ -55,5 +56,6 @@ private:
     HeldModifiers m_held;
     std::string m_strMessages;  // shown by the viewer while it is made; they say why it was refused
     std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
+    std::unique_ptr<RegistryStart> m_pRegistry;  // of the viewer, as long as there is one
     std::unique_ptr<QSocketNotifier> m_pNotifier;
 };

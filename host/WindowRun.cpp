@@ -9,7 +9,7 @@
 #include "DisplayProbe.h"
 #include "Headless.h"
 #include "MainWindow.h"
-#include "ScanFile.h"
+#include "SceneFile.h"
 
 namespace {
 
@@ -32,11 +32,11 @@ std::string ChoosePlatform() {
 
 int RunWindow(const HostOptions& options, char* program) {
     for (const std::string& file : options.files) {
-        if (const std::string reason = WhyNoScanFile(file); !reason.empty())
+        if (const std::string reason = WhyNoSceneFile(file); !reason.empty())
             (void)PrintTo(stderr, "scenepane: " + file + ": " + reason + '\n');
     }
     if (const std::string reason = ChoosePlatform(); !reason.empty()) {
-        (void)PrintTo(stderr, "scenepane: " + reason + "; --screenshot, --capture and --info need none\n");
+        (void)PrintTo(stderr, "scenepane: " + reason + "; --screenshot, --capture, --info and --convert need none\n");
         return kExitFailure;
     }
     int argumentCount = 1;  // the options are ours, none is Qt's

@@ -30,6 +30,8 @@ int Run(int argc, char** argv) {
             return RunCapture(options, stderr);
         case HostAction::Info:
             return RunInfo(options, stdout, stderr);
+        case HostAction::Convert:
+            return RunConvert(options, stderr);
         case HostAction::Window:
             break;
     }

@@ -58,7 +58,7 @@ TEST(DebugCapture, OfAnotherThreadTakesNothingFromThisOne) {
 
 TEST(DebugCapture, OfASilentFailureStillGivesAReason) {
     const DebugCapture capture;
-    EXPECT_EQ(ReasonOf(capture), "nothing in it could be imported");
+    EXPECT_EQ(ReasonOf("a.ply", capture), "nothing in it could be imported");
 }
 
 }  // namespace

@@ -48,16 +48,16 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     WriteXdt(folder / "good.xdt", 2, 2);
     WriteBytes(folder / "short.pax", {std::byte{2}});
     WriteBytes(folder / "damaged.pcm", {std::byte{2}});
-    WriteBytes(folder / "a.stl", {std::byte{2}});
+    WriteBytes(folder / "a.obj", {std::byte{2}});
     HostOptions options;
     options.json = true;
-    for (const char* const name : {"none.pcm", "good.xdt", "short.pax", "damaged.pcm", "a.stl"})
+    for (const char* const name : {"none.pcm", "good.xdt", "short.pax", "damaged.pcm", "a.obj"})
         options.files.push_back(folder / name);
     const Printed out, err;
     EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
     const std::string json = out.Text();
     EXPECT_NE(json.find("none.pcm\", \"reason\": \"No such file or directory\"}"), std::string::npos) << json;
-    EXPECT_NE(json.find("a.stl\", \"reason\": \"unknown file type\"}"), std::string::npos) << json;
+    EXPECT_NE(json.find("a.obj\", \"reason\": \"unknown file type\"}"), std::string::npos) << json;
     // The viewer's own words, joined to one line and with the file's name in them.
     EXPECT_NE(json.find("short.pax\", \"reason\": \"ImportPax(): "), std::string::npos) << json;
     EXPECT_NE(json.find("damaged.pcm\", \"reason\": \"ImportScan(): "), std::string::npos) << json;

@@ -79,16 +79,16 @@ TEST_F(MainWindowTest, TellsOfEveryFileThatAddedNothing) {
     Show();
     WriteBytes(m_folder / "damaged.pcm", {std::byte{1}});
     WriteBytes(m_folder / "short.pax", {std::byte{1}});
-    WriteBytes(m_folder / "foreign.stl", {std::byte{1}});
+    WriteBytes(m_folder / "foreign.obj", {std::byte{1}});
     WriteXdt(m_folder / "good.xdt", 2, 2);
-    Import({m_folder / "none.pcm", m_folder / "damaged.pcm", m_folder / "short.pax", m_folder / "foreign.stl",
+    Import({m_folder / "none.pcm", m_folder / "damaged.pcm", m_folder / "short.pax", m_folder / "foreign.obj",
             m_folder / "good.xdt"});
     EXPECT_EQ(Rows(), std::vector<std::string>{"good.xdt"});
     const std::string messages = Messages();
     EXPECT_NE(messages.find("none.pcm: nothing added: No such file or directory"), std::string::npos) << messages;
     EXPECT_NE(messages.find("damaged.pcm: nothing added: not a pcm file, or a damaged one"), std::string::npos);
     EXPECT_NE(messages.find("short.pax: nothing added: ImportPax(): "), std::string::npos) << messages;
-    EXPECT_NE(messages.find("foreign.stl: nothing added: unknown file type"), std::string::npos) << messages;
+    EXPECT_NE(messages.find("foreign.obj: nothing added: unknown file type"), std::string::npos) << messages;
     EXPECT_FALSE(m_window->HaveAllFilesAdded());
 }
 

@@ -34,7 +34,7 @@ $(cat out.txt)"
 # 2 x 2 points in micrometres: (0, 0, 0), (1000, 0, 0), (0, 1000, 0), (1000, 1000, 0)
 zero='\0\0\0\0' thousand='\0\0\x7a\x44'
 printf "\2\0\2\0$zero$zero$zero$thousand$zero$zero$zero$thousand$zero$thousand$thousand$zero" >square.xdt
-cp square.xdt square.stl
+cp square.xdt square.obj
 odd=$(printf -- '-odd\377.xdt')
 cp square.xdt "./$odd"
 
@@ -53,7 +53,7 @@ expect 0 '' --info --json square.xdt
 holds '"box": [0, 1, 0, 1, -0.01, 0.01]'
 expect 0 '' --info --json -- "$odd"
 holds '"file": "-odd\udcff.xdt"'
-expect 1 'scenepane: square.stl: unknown file type' --info --json --color ff0000 square.xdt square.stl
+expect 1 'scenepane: square.obj: unknown file type' --info --json --color ff0000 square.xdt square.obj
 holds '"color": "FF0000"'
 expect 0 '' --screenshot square.png --size 40x30 square.xdt
 [ "$(head -c 4 square.png | tail -c 3)" = PNG ] || fail 'no PNG file'
@@ -68,7 +68,7 @@ expect 1 'scenepane: none.pcm: No such file or directory' --capture both.png squ
 [ -s both.png ] || fail 'the capture of the good file is missing'
 expect 2 'scenepane: --capture needs at least one file (scenepane --help tells more)' --capture a.png
 expect 2 'scenepane: --size has no meaning with --capture (scenepane --help tells more)' --capture a.png --size 9x9 square.xdt
-expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture and --info need none' square.xdt
+expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --info and --convert need none' square.xdt
 "$scenepane" --info square.xdt >/dev/full 2>/dev/null && fail 'a full disk went unnoticed'
 
 [ "$failures" = 0 ]

@@ -1,4 +1,4 @@
-#include "ScanFile.h"
+#include "SceneFile.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -9,37 +9,37 @@
 
 namespace {
 
-TEST(KindOfScan, GoesByTheTextBehindTheLastPointInAnyCase) {
-    EXPECT_EQ(KindOfScan("a.pcm"), ScanKind::Pcm);
-    EXPECT_EQ(KindOfScan("a.PaX"), ScanKind::Pax);
-    EXPECT_EQ(KindOfScan("a.pcm.XDT"), ScanKind::Xdt);
-    EXPECT_EQ(KindOfScan("a.pcm.bak"), ScanKind::Unknown);
-    EXPECT_EQ(KindOfScan("a.pcm/b"), ScanKind::Unknown);
-    EXPECT_EQ(KindOfScan("a."), ScanKind::Unknown);
+TEST(KindOfFile, GoesByTheTextBehindTheLastPointInAnyCase) {
+    EXPECT_EQ(KindOfFile("a.pcm"), FileKind::Pcm);
+    EXPECT_EQ(KindOfFile("a.PaX"), FileKind::Pax);
+    EXPECT_EQ(KindOfFile("a.pcm.XDT"), FileKind::Xdt);
+    EXPECT_EQ(KindOfFile("a.pcm.bak"), FileKind::Unknown);
+    EXPECT_EQ(KindOfFile("a.pcm/b"), FileKind::Unknown);
+    EXPECT_EQ(KindOfFile("a."), FileKind::Unknown);
 }
 
-TEST(KindOfScan, WithoutAPointGoesByTheWholeName) {
-    EXPECT_EQ(KindOfScan("pax"), ScanKind::Pax);
-    EXPECT_EQ(KindOfScan("apax"), ScanKind::Unknown);
+TEST(KindOfFile, WithoutAPointGoesByTheWholeName) {
+    EXPECT_EQ(KindOfFile("pax"), FileKind::Pax);
+    EXPECT_EQ(KindOfFile("apax"), FileKind::Unknown);
 }
 
-TEST(WhyNoScanFile, TellsMissingFilesFoldersAndForeignTypesApart) {
+TEST(WhyNoSceneFile, TellsMissingFilesFoldersAndForeignTypesApart) {
     const ScratchFolder folder;
     WriteBytes(folder / "a.pcm", {std::byte{1}});
-    WriteBytes(folder / "a.stl", {std::byte{1}});
+    WriteBytes(folder / "a.obj", {std::byte{1}});
     ASSERT_EQ(mkdir((folder / "f.pax").c_str(), 0700), 0);
-    EXPECT_EQ(WhyNoScanFile(folder / "a.pcm"), "");
-    EXPECT_EQ(WhyNoScanFile(folder / "b.pcm"), "No such file or directory");
-    EXPECT_EQ(WhyNoScanFile(folder / "f.pax"), "Is a directory");
-    EXPECT_EQ(WhyNoScanFile(folder / "a.stl"), "unknown file type");
+    EXPECT_EQ(WhyNoSceneFile(folder / "a.pcm"), "");
+    EXPECT_EQ(WhyNoSceneFile(folder / "b.pcm"), "No such file or directory");
+    EXPECT_EQ(WhyNoSceneFile(folder / "f.pax"), "Is a directory");
+    EXPECT_EQ(WhyNoSceneFile(folder / "a.obj"), "unknown file type");
 }
 
-TEST(WhyNoScanFile, TellsOfFilesThatMayNotBeRead) {
+TEST(WhyNoSceneFile, TellsOfFilesThatMayNotBeRead) {
     if (geteuid() == 0) GTEST_SKIP() << "root may read everything";
     const ScratchFolder folder;
     WriteBytes(folder / "a.pcm", {std::byte{1}});
     ASSERT_EQ(chmod((folder / "a.pcm").c_str(), 0), 0);
-    EXPECT_EQ(WhyNoScanFile(folder / "a.pcm"), "Permission denied");
+    EXPECT_EQ(WhyNoSceneFile(folder / "a.pcm"), "Permission denied");
 }
 
 TEST(PlanImport, JoinsNeighbouringPcmFilesAndKeepsTheOrder) {

@@ -1,0 +1,20 @@
+// One line for whatever a method of the viewer, or a library behind it, throws.
+#include "CaughtError.h"
+
+#include <exception>
+#include <new>
+
+#include "DebugCapture.h"
+
+std::string TextOfCaughtError() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return "there is not enough memory";
+    } catch (const std::exception& error) {
+        const std::string text = JoinLines(error.what());
+        return text.empty() ? "an error without a text" : text;
+    } catch (...) {
+        return "an unknown error";
+    }
+}

@@ -1,0 +1,15 @@
+// The component registry, which hps files and textures need, runs as long as somebody holds one of these.
+#pragma once
+#include "KV_ScenePane/_DKV_ScenePane.h"
+
+class RegistryStart {
+public:
+    /// @param methods  of a viewer that lives longer
+    explicit RegistryStart(KV_ScenePane::_DKV_ScenePane& methods) : m_methods(methods) { m_methods.InitializeKVReg(); }
+    ~RegistryStart() { m_methods.FinalizeKVReg(); }
+    RegistryStart(const RegistryStart&) = delete;
+    RegistryStart& operator=(const RegistryStart&) = delete;
+
+private:
+    KV_ScenePane::_DKV_ScenePane& m_methods;
+};
