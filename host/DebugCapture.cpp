@@ -61,11 +61,11 @@ std::string DebugCapture::OneLine() const { return JoinLines(m_strText); }
 
 std::string JoinLines(std::string_view text) { return Join(Lines(text)); }
 
-std::string TextAbout(std::string_view file, const DebugCapture& capture, std::string_view thrown) {
+std::string TextAbout(std::string_view file, std::string_view written, std::string_view thrown) {
     const std::string path = std::string(file) + ": ";
-    const std::string written = Without(capture.Text(), path), error = Without(JoinLines(thrown), path);
+    const std::string output = Without(std::string(written), path), error = Without(JoinLines(thrown), path);
     std::vector<std::string_view> said;
-    for (const std::string_view line : Lines(written)) {
+    for (const std::string_view line : Lines(output)) {
         if (std::ranges::find(said, line) == said.end()) said.push_back(line);
     }
     const auto holdsError = [&](std::string_view line) { return line.find(error) != std::string_view::npos; };
@@ -73,7 +73,7 @@ std::string TextAbout(std::string_view file, const DebugCapture& capture, std::s
     return Join(said);
 }
 
-std::string ReasonOf(std::string_view file, const DebugCapture& capture, std::string_view thrown) {
-    const std::string text = TextAbout(file, capture, thrown);
+std::string ReasonOf(std::string_view file, std::string_view written, std::string_view thrown) {
+    const std::string text = TextAbout(file, written, thrown);
     return text.empty() ? "nothing in it could be imported" : text;
 }

@@ -36,9 +36,10 @@ private:
 
 /// What the work on a file had to say, as one line: the debugger output, then the exception; what both say stands once.
 /// The viewer puts the path into its lines, and whoever shows this does so, too: "path: " is left out here.
-/// @param file    path in bytes, as it was handed to the viewer
-/// @param thrown  text of the exception that ended the work; empty without one
-[[nodiscard]] std::string TextAbout(std::string_view file, const DebugCapture& capture, std::string_view thrown = {});
+/// @param file     path in bytes, as it was handed to the viewer
+/// @param written  of the debugger output
+/// @param thrown   text of the exception that ended the work; empty without one
+[[nodiscard]] std::string TextAbout(std::string_view file, std::string_view written, std::string_view thrown = {});
 
 /// TextAbout() an import that added nothing; never empty.
-[[nodiscard]] std::string ReasonOf(std::string_view file, const DebugCapture& capture, std::string_view thrown = {});
+[[nodiscard]] std::string ReasonOf(std::string_view file, std::string_view written, std::string_view thrown = {});

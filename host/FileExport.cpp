@@ -63,7 +63,7 @@ ExportResult WatchWrite(const std::string& file, const std::function<void()>& wr
     } catch (...) {
         thrown = TextOfCaughtError();
     }
-    const std::string text = TextAbout(file, capture, thrown);
+    const std::string text = TextAbout(file, capture.Text(), thrown);
     const std::optional<struct stat> now = StateOf(file);
     if (thrown.empty() && now && IsNewer(*now, before)) return {true, text};
     return {false, text.empty() ? WhyNotWritable(file) : text};

@@ -25,8 +25,8 @@ ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string
     } catch (...) {
         thrown = TextOfCaughtError();
     }
-    if (methods.GetNumObjects() == before) return {ImportResult::State::Failed, ReasonOf(file, capture, thrown)};
-    return {ImportResult::State::Added, TextAbout(file, capture, thrown)};
+    if (methods.GetNumObjects() == before) return {ImportResult::State::Failed, ReasonOf(file, capture.Text(), thrown)};
+    return {ImportResult::State::Added, TextAbout(file, capture.Text(), thrown)};
 }
 
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom) {

@@ -93,8 +93,10 @@ void MainWindow::OnViewerRefused(const QString& reason) {
     m_pObjects->clear();
     EnableActions();
     m_nFilesNotAdded += m_vWaitingFiles.size();
-    for (const std::string& file : m_vWaitingFiles)
+    for (const std::string& file : m_vWaitingFiles) {
         m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
+        emit FileFailed(file, "not opened, there is no viewer");
+    }
     m_vWaitingFiles.clear();
 }
 

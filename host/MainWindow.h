@@ -58,6 +58,8 @@ public:
 
 signals:
     void ImportFinished();
+    /// A file has added nothing. @param file  bytes  @param reason  one line without the file's name
+    void FileFailed(const std::string& file, const std::string& reason);
 
 public slots:
     void ClearScene();

@@ -90,6 +90,7 @@ void MainWindow::ReportResults() {
                 break;
             case ImportResult::State::Failed:
                 m_pMessages->AddText(tr("%1: nothing added: %2").arg(file, text));
+                emit FileFailed(m_pJob->Files()[i], results[i].text);
                 break;
             case ImportResult::State::NotStarted:
                 m_pMessages->AddText(tr("%1: not opened, cancelled").arg(file));

@@ -63,9 +63,9 @@ ImportResult PcmWorkers::ImportFile(std::size_t index) const {
         if (m_task.entry(m_task.control, path.c_str(), scan.GetWidth(), scan.GetHeight(), scan.GetXYZ(),
                          scan.GetConfidence(), scan.GetTrafo(), scan.GetPixelClassification(), scan.GetColorData(),
                          m_task.color, static_cast<std::int32_t>(index)))
-            return {ImportResult::State::Added, TextAbout(file, capture)};
+            return {ImportResult::State::Added, TextAbout(file, capture.Text())};
     } catch (...) {  // out of memory for this file is no reason to end the others
-        return {ImportResult::State::Failed, ReasonOf(file, capture, TextOfCaughtError())};
+        return {ImportResult::State::Failed, ReasonOf(file, capture.Text(), TextOfCaughtError())};
     }
-    return {ImportResult::State::Failed, ReasonOf(file, capture)};
+    return {ImportResult::State::Failed, ReasonOf(file, capture.Text())};
 }

@@ -31,11 +31,13 @@ std::string ChoosePlatform() {
 }  // namespace
 
 int RunWindow(const HostOptions& options, char* program) {
-    for (const std::string& file : options.files) {
-        if (const std::string reason = WhyNoSceneFile(file); !reason.empty())
-            (void)PrintTo(stderr, "scenepane: " + file + ": " + reason + '\n');
-    }
+    const auto complain = [](const std::string& file, const std::string& reason) {
+        (void)PrintTo(stderr, "scenepane: " + file + ": " + reason + '\n');
+    };
     if (const std::string reason = ChoosePlatform(); !reason.empty()) {
+        for (const std::string& file : options.files) {
+            if (const std::string fileReason = WhyNoSceneFile(file); !fileReason.empty()) complain(file, fileReason);
+        }
         (void)PrintTo(stderr, "scenepane: " + reason + "; --screenshot, --capture, --info and --convert need none\n");
         return kExitFailure;
     }
@@ -43,6 +45,7 @@ int RunWindow(const HostOptions& options, char* program) {
     char* arguments[] = {program, nullptr};
     const QApplication application(argumentCount, arguments);
     MainWindow window(options);
+    QObject::connect(&window, &MainWindow::FileFailed, complain);
     window.show();
     (void)QApplication::exec();
     return window.HaveAllFilesAdded() ? kExitGood : kExitFailure;

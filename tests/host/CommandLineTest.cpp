@@ -62,6 +62,15 @@ TEST(CommandLine, TakesTheOptionsThatACaptureHeeds) {
     EXPECT_EQ(options.files, std::vector<std::string>{"a.pcm"});
 }
 
+TEST(CommandLine, TakesTheTwoFilesOfAConversionWithItsImportOptions) {
+    const HostOptions options = Parsed({"--skip", "2", "in.pcm", "--convert", "--color=010203", "dir/out.STL"});
+    EXPECT_EQ(options.action, HostAction::Convert);
+    EXPECT_EQ(options.files, std::vector<std::string>{"in.pcm"});
+    EXPECT_EQ(options.exportPath, "dir/out.STL");
+    EXPECT_EQ(options.import.skip, 2);
+    EXPECT_EQ(Parsed({"--convert", "--", "-a.ply", "--b.hps"}).exportPath, "--b.hps");
+}
+
 TEST(CommandLine, TurnsRedFirstIntoRedInTheLowByte) {
     EXPECT_EQ(Parsed({"--color", "FF8001"}).import.color, 0x0180FF);
     EXPECT_EQ(Parsed({"--color=0a0b0c"}).import.color, 0x0C0B0A);
@@ -106,8 +115,9 @@ TEST(CommandLine, ReadsNumbersWithAPointWhateverTheLocale) {
 }
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
-    for (const char* const option : {"--screenshot", "--capture", "--size", "--view", "--draw-mode", "--zoom", "--skip",
-                                     "--confidence", "--color", "--shadows", "--info", "--json", "--help", "--version"})
+    for (const char* const option :
+         {"--screenshot", "--capture", "--size", "--view", "--draw-mode", "--zoom", "--skip", "--confidence", "--color",
+          "--shadows", "--info", "--json", "--convert", "--help", "--version"})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
 
@@ -180,6 +190,25 @@ const Wrong kWrong[] = {
      {"--draw-mode=1", "--capture", "a.png", "--zoom", "2", "a.pcm"},
      "--draw-mode has no meaning with --capture"},
     {"CaptureWithShadows", {"--shadows", "--capture", "a.png", "a.pcm"}, "--shadows has no meaning with --capture"},
+    {"ConvertWithoutFiles", {"--convert"}, "--convert needs two files, the one to read and the one to write"},
+    {"ConvertOfOneFile", {"--convert", "a.ply"}, "--convert needs two files, the one to read and the one to write"},
+    {"ConvertOfThreeFiles",
+     {"--convert", "a.ply", "b.ply", "c.ply"},
+     "--convert needs two files, the one to read and the one to write"},
+    {"ConvertWithAValue", {"--convert=a.ply", "b.ply"}, "--convert takes no value"},
+    {"ConvertToAnUnknownType", {"--convert", "a.ply", "b.obj"}, "b.obj: only ply, stl and hps files can be written"},
+    {"ConvertToATypeThatIsOnlyRead",
+     {"--convert", "a.ply", "b.msh"},
+     "b.msh: only ply, stl and hps files can be written"},
+    {"ConvertAndInfo", {"--convert", "--info", "a.ply", "b.ply"}, "--convert and --info do not go together"},
+    {"ConvertAndScreenshot",
+     {"--convert", "--screenshot", "a.png", "a.ply", "b.ply"},
+     "--convert and --screenshot do not go together"},
+    {"ConvertAndCapture",
+     {"--convert", "--capture", "a.png", "a.ply", "b.ply"},
+     "--convert and --capture do not go together"},
+    {"ConvertWithJson", {"--convert", "--json", "a.ply", "b.ply"}, "--json goes with --info only"},
+    {"ConvertWithAView", {"--convert", "--view", "1", "a.ply", "b.ply"}, "--view has no meaning with --convert"},
     {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
 };

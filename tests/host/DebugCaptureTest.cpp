@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <thread>
 
 #include "KV_ScenePane/ScenePane.h"
@@ -56,9 +57,41 @@ TEST(DebugCapture, OfAnotherThreadTakesNothingFromThisOne) {
     EXPECT_EQ(JoinLines(rest), kThreeLines);
 }
 
-TEST(DebugCapture, OfASilentFailureStillGivesAReason) {
-    const DebugCapture capture;
-    EXPECT_EQ(ReasonOf("a.ply", capture), "nothing in it could be imported");
+struct Said {
+    const char* name;
+    std::string_view written, thrown;
+    const char* text;
+};
+void PrintTo(const Said& row, std::ostream* out) { *out << row.name; }
+
+const Said kSaid[] = {
+    {"Nothing", "", "", ""},
+    {"ALine", "ImportPly(): bad\n", "", "ImportPly(): bad"},
+    {"AnException", "", "bad", "bad"},
+    {"AnExceptionOfTwoLines", "", "bad\nworse\n", "bad; worse"},
+    {"LinesAndAnException", "first\nsecond\n", "bad", "first; second; bad"},
+    {"TheSameLineTwice", "bad\nother\nbad\n", "", "bad; other"},
+    {"AnExceptionThatALineHolds", "ImportPly(): bad\n", "bad", "ImportPly(): bad"},
+    {"ThePath", "ImportPly(): /d/a.ply: bad\n", "/d/a.ply: worse", "ImportPly(): bad; worse"},
+    {"ThePathOfBothTheSame", "/d/a.ply: bad\n", "/d/a.ply: bad", "bad"},
+    {"AnotherPath", "ImportPly(): /d/b.ply: bad\n", "", "ImportPly(): /d/b.ply: bad"},
+};
+class TextAboutAFile : public testing::TestWithParam<Said> {};
+
+TEST_P(TextAboutAFile, SaysEverythingOnceAndLeavesItsNameOut) {
+    EXPECT_EQ(TextAbout("/d/a.ply", GetParam().written, GetParam().thrown), GetParam().text);
+}
+INSTANTIATE_TEST_SUITE_P(DebugCapture, TextAboutAFile, testing::ValuesIn(kSaid),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(TextAbout, LeavesOutANameWithALineFeedInIt) {
+    EXPECT_EQ(TextAbout("a\nb.ply", "ImportPly(): a\nb.ply: bad\n"), "ImportPly(): bad");
+}
+
+TEST(ReasonOf, ASilentFailureIsNeverEmpty) {
+    EXPECT_EQ(ReasonOf("a.ply", ""), "nothing in it could be imported");
+    EXPECT_EQ(ReasonOf("a.ply", "a.ply: \n"), "nothing in it could be imported");
+    EXPECT_EQ(ReasonOf("a.ply", "bad\n"), "bad");
 }
 
 }  // namespace

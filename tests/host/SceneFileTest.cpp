@@ -23,6 +23,17 @@ TEST(KindOfFile, WithoutAPointGoesByTheWholeName) {
     EXPECT_EQ(KindOfFile("apax"), FileKind::Unknown);
 }
 
+TEST(KindOfFile, KnowsTheTypesOfMeshes) {
+    for (const char* const name : {"a.ply", "a.STL", "a.Hps", "a.ois", "a.msh"})
+        EXPECT_EQ(KindOfFile(name), FileKind::Mesh) << name;
+}
+
+TEST(WhyNoExportName, TakesTheTypesThatAreWrittenAndNoOther) {
+    for (const char* const name : {"a.ply", "a.STL", "x/a.b.hps"}) EXPECT_EQ(WhyNoExportName(name), "") << name;
+    for (const char* const name : {"a.ois", "a.msh", "a.pcm", "a.obj", "a", "a.ply.bak", "a.", ""})
+        EXPECT_EQ(WhyNoExportName(name), "only ply, stl and hps files can be written") << name;
+}
+
 TEST(WhyNoSceneFile, TellsMissingFilesFoldersAndForeignTypesApart) {
     const ScratchFolder folder;
     WriteBytes(folder / "a.pcm", {std::byte{1}});

@@ -68,6 +68,29 @@ expect 1 'scenepane: none.pcm: No such file or directory' --capture both.png squ
 [ -s both.png ] || fail 'the capture of the good file is missing'
 expect 2 'scenepane: --capture needs at least one file (scenepane --help tells more)' --capture a.png
 expect 2 'scenepane: --size has no meaning with --capture (scenepane --help tells more)' --capture a.png --size 9x9 square.xdt
+# A triangle as text; a picture needs no more of a mesh than --info does.
+printf 'ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n' >mesh.ply
+printf 'element face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 2.5 0\n3 0 1 2\n' >>mesh.ply
+expect 0 '' --info --json mesh.ply
+holds '"vertices": 3, "triangles": 1, "box": [0, 1, 0, 2.5, '
+for to in stl hps ply; do
+    expect 0 '' --convert mesh.ply "out.$to"
+    expect 0 '' --info --json "out.$to"
+    holds '"vertices": 3, "triangles": 1, "box": [0, 1, 0, 2.5, '
+done
+expect 0 '' --convert square.xdt scan.stl
+[ "$(od -An -tu4 -j80 -N4 scan.stl | tr -d ' ')" = 2 ] || fail 'the converted scan has not two triangles'
+expect 0 '' --screenshot mesh.png out.hps
+expect 1 'scenepane: none.ply: No such file or directory' --convert none.ply never.stl
+printf 'ply\nformat ascii 1.0\n' >short.ply
+expect 1 "$("$scenepane" --info short.ply 2>&1 >out.txt)" --convert short.ply never.stl
+grep -qF 'scenepane: short.ply: ' err.txt || fail 'the short file is not named'
+[ -e never.stl ] && fail 'a conversion of nothing was written'
+expect 2 'scenepane: a.obj: only ply, stl and hps files can be written (scenepane --help tells more)' --convert mesh.ply a.obj
+expect 2 'scenepane: --convert needs two files, the one to read and the one to write (scenepane --help tells more)' \
+    --convert mesh.ply
+"$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there went unnoticed'
+grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong words: $(cat err.txt)"
 expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --info and --convert need none' square.xdt
 "$scenepane" --info square.xdt >/dev/full 2>/dev/null && fail 'a full disk went unnoticed'
 

@@ -1,0 +1,126 @@
+#include "FileExport.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <new>
+#include <stdexcept>
+
+#include "CaughtError.h"
+#include "DebugCapture.h"
+#include "KV_ScenePane/ScenePane.h"
+#include "RegistryStart.h"
+#include "host/MeshFiles.h"
+
+namespace {
+
+class WatchedWrite : public testing::Test {
+protected:
+    void SetUp() override { WriteText(m_folder / "old.ply", "old"); }
+
+    const ScratchFolder m_folder;
+    const DebugRouter m_router{[](std::string_view) {}};
+};
+
+TEST_F(WatchedWrite, OfANewFileHasWorked) {
+    const ExportResult result = WatchWrite(m_folder / "new.ply", [&] { WriteText(m_folder / "new.ply", "x"); });
+    EXPECT_TRUE(result.written);
+    EXPECT_EQ(result.text, "");
+}
+
+TEST_F(WatchedWrite, ThatReplacesAFileByAnEqualOneHasWorked) {
+    const ExportResult result = WatchWrite(m_folder / "old.ply", [&] {
+        WriteText(m_folder / "beside", "old");
+        EXPECT_EQ(std::rename((m_folder / "beside").c_str(), (m_folder / "old.ply").c_str()), 0);
+    });
+    EXPECT_TRUE(result.written);
+}
+
+TEST_F(WatchedWrite, ThatChangesAFileInPlaceHasWorked) {
+    EXPECT_TRUE(WatchWrite(m_folder / "old.ply", [&] { WriteText(m_folder / "old.ply", "newer"); }).written);
+}
+
+TEST_F(WatchedWrite, ThatLeavesAnOldFileAsItWasHasFailed) {
+    const ExportResult result = WatchWrite(m_folder / "old.ply", [] {});
+    EXPECT_FALSE(result.written);
+    EXPECT_EQ(result.text, "the viewer wrote no file and did not say why");
+}
+
+TEST_F(WatchedWrite, ThatIsDroppedSilentlyGetsTheReasonThatTheFolderGives) {
+    EXPECT_EQ(WatchWrite(m_folder / "no/new.ply", [] {}).text, "No such file or directory");
+    EXPECT_EQ(WatchWrite(m_folder.Path().string(), [] {}).text, "Is a directory");
+    EXPECT_EQ(WatchWrite("/dev/null", [] {}).text, "not a regular file");
+}
+
+TEST_F(WatchedWrite, ThatThrowsHasFailedWithItsText) {
+    const ExportResult result = WatchWrite(m_folder / "new.ply", [] { throw std::runtime_error("Failed"); });
+    EXPECT_FALSE(result.written);
+    EXPECT_EQ(result.text, "Failed");
+}
+
+TEST_F(WatchedWrite, ThatThrowsBehindAHalfOfTheFileHasFailed) {
+    const ExportResult result = WatchWrite(m_folder / "new.ply", [&] {
+        WriteText(m_folder / "new.ply", "half");
+        throw std::bad_alloc();
+    });
+    EXPECT_FALSE(result.written);
+    EXPECT_EQ(result.text, "there is not enough memory");
+}
+
+std::string TextOf(const std::function<void()>& thrower) {
+    try {
+        thrower();
+    } catch (...) {
+        return TextOfCaughtError();
+    }
+    return {};
+}
+
+TEST(TextOfCaughtError, IsOneLineWhateverWasThrown) {
+    EXPECT_EQ(TextOf([] { throw std::runtime_error("a\nb\n"); }), "a; b");
+    EXPECT_EQ(TextOf([] { throw std::runtime_error(""); }), "an error without a text");
+    EXPECT_EQ(TextOf([] { throw std::bad_alloc(); }), "there is not enough memory");
+    EXPECT_EQ(TextOf([] { throw 7; }), "an unknown error");
+}
+
+class ExportedObject : public WatchedWrite {
+protected:
+    void SetUp() override {
+        KV_ScenePane::WindowRequest request;
+        request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
+        m_pane = CreateScenePane(request, nullptr);
+        ASSERT_TRUE(m_pane);
+        m_pane->Methods().ImportMeshFromMemory(4, 4, kTetraPoints[0].data(), kTetraTriangles[0].data());
+        ASSERT_EQ(m_pane->Methods().GetNumObjects(), 1);
+    }
+    std::unique_ptr<KV_ScenePane::ScenePane> m_pane;
+};
+
+TEST_F(ExportedObject, IsWrittenByTheExtensionInAnyCase) {
+    const RegistryStart registry(m_pane->Methods());
+    for (const char* const name : {"a.ply", "a.STL", "a.hps"}) {
+        const ExportResult result = ExportObject(m_pane->Methods(), 0, m_folder / name);
+        EXPECT_TRUE(result.written) << name << ": " << result.text;
+        EXPECT_EQ(access((m_folder / name).c_str(), F_OK), 0);
+    }
+}
+
+TEST_F(ExportedObject, IsRefusedAnyOtherExtensionInWords) {
+    for (const char* const name : {"a.obj", "a", "a.", "a.ply.bak", "a.ois", "a.msh", "a.pcm"}) {
+        const ExportResult result = ExportObject(m_pane->Methods(), 0, m_folder / name);
+        EXPECT_FALSE(result.written);
+        EXPECT_EQ(result.text, "only ply, stl and hps files can be written") << name;
+    }
+    EXPECT_EQ(m_folder.FileCount(), 0u);
+}
+
+TEST_F(ExportedObject, TellsWhatTheViewerThrows) {
+    // Without the component registry there is nothing that could write an hps file.
+    const ExportResult result = ExportObject(m_pane->Methods(), 0, m_folder / "a.hps");
+    EXPECT_FALSE(result.written);
+    EXPECT_NE(result.text, "");
+    EXPECT_EQ(m_folder.FileCount(), 0u);
+}
+
+}  // namespace
