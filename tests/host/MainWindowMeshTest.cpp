@@ -56,7 +56,7 @@ TEST_F(MainWindowMesh, OpensAllFormatsBesideScansInTheirOrder) {
     m_window->Messages().clear();
     Import({m_folder / "a.ply", m_folder / "b.pcm", m_folder / "c.STL", m_folder / "d.ois", m_folder / "e.msh",
             m_folder / "f.hps"});
-    EXPECT_EQ(Rows(), (std::vector<std::string>{"a.ply", "b.pcm", "c.STL", "d.ois", "e.msh", "f.hps"}));
+    ASSERT_EQ(Rows(), (std::vector<std::string>{"a.ply", "b.pcm", "c.STL", "d.ois", "e.msh", "f.hps"}));
     EXPECT_EQ(Messages(), "");
     for (const int row : {0, 2, 3, 4, 5}) {
         EXPECT_EQ(m_window->Objects().topLevelItem(row)->text(ObjectList::kVertices), "4") << row;
@@ -69,7 +69,7 @@ TEST_F(MainWindowMesh, NamesAnObjectWithoutANameByItsFileAlsoBehindOneThatAddedN
     WriteText(m_folder / "bad.ply", "no mesh at all");
     WriteStl(m_folder / "good.stl");
     Import({m_folder / "bad.ply", m_folder / "good.stl"});
-    EXPECT_EQ(Rows(), std::vector<std::string>{"good.stl"});
+    ASSERT_EQ(Rows(), std::vector<std::string>{"good.stl"});
     EXPECT_EQ(m_window->Objects().topLevelItem(0)->toolTip(ObjectList::kName).toStdString(), m_folder / "good.stl");
 }
 
@@ -150,6 +150,7 @@ TEST_F(MainWindowMesh, ExportsTheObjectOfTheCurrentRow) {
     EXPECT_EQ(Messages(), (m_folder / "out.ply") + ": export of b.xdt");
     m_window->ClearScene();
     Import({m_folder / "out.ply"});
+    ASSERT_EQ(Rows(), std::vector<std::string>{"out.ply"});
     EXPECT_EQ(m_window->Objects().topLevelItem(0)->text(ObjectList::kVertices), "6");
 }
 
