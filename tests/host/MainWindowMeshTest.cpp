@@ -88,6 +88,9 @@ TEST_F(MainWindowMesh, OpensDroppedMeshes) {
     WriteStl(m_folder / "a.stl");
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(m_folder / "a.stl"))});
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
     QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(m_window.get(), &drop);
     WaitForImports();
@@ -181,10 +184,10 @@ TEST_F(MainWindowMesh, ProposesTheObjectsNameWithTheExtensionOfTheFilter) {
     WriteStl(m_folder / "b.stl");
     Import({m_folder / "left.v2.xdt", m_folder / "b.stl"});
     Select(0);
-    EXPECT_EQ(Export(m_folder / "x.ply"), "left.v2.ply");
-    EXPECT_EQ(Export(m_folder / "x.ply", "STL meshes (*.stl)"), "left.v2.stl");
+    EXPECT_EQ(Export(m_folder / "1.ply"), "left.v2.ply");
+    EXPECT_EQ(Export(m_folder / "2.ply", "STL meshes (*.stl)"), "left.v2.stl");
     Select(1);
-    EXPECT_EQ(Export(m_folder / "x.ply", "HPS meshes (*.hps)"), "b.hps");
+    EXPECT_EQ(Export(m_folder / "3.ply", "HPS meshes (*.hps)"), "b.hps");
 }
 
 TEST_F(MainWindowMesh, GivesAnExportTheExtensionThatItsNameLacks) {
