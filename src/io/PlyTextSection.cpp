@@ -94,7 +94,7 @@ void TextDataSection::SkipProperty(const Element&, int, std::int64_t& cursor) { 
 
 void TextDataSection::SkipList(const Element&, int, std::int64_t& cursor) {
     const int count = cursor < m_iLimit ? ReadToken<int>(cursor, kNoInteger) : 0;
-    cursor += 1 + std::max(count, 0);
+    cursor += std::int64_t{1} + std::max(count, 0);
 }
 
 void TextDataSection::SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor) {
@@ -112,8 +112,8 @@ void TextDataSection::SkipRecords(const Element& element, std::int64_t records, 
                     ahead = -1;
                 }
                 plain = plain && item->m_eKind != Kind::kOther;
-                tokens += 1 + std::max(count, 0);
-                ahead += 1 + std::max(count, 0);
+                tokens += std::int64_t{1} + std::max(count, 0);
+                ahead += std::int64_t{1} + std::max(count, 0);
             }
             if (!plain) break;
             walk.Skip(ahead);
@@ -136,7 +136,8 @@ void TextDataSection::ReadList(std::vector<Item>& out, const char* complaint) {
     if (count > m_iLimit - m_iCursor - 1)
         throw CPLYFileError("Unexpected end of data.", static_cast<std::int64_t>(m_sData.size()));
     out.reserve(static_cast<std::size_t>(count));
-    for (int i = 1; i <= count; ++i) out.push_back(static_cast<Item>(ReadToken<Number>(m_iCursor + i, complaint)));
+    for (std::int64_t i = 1; i <= count; ++i)
+        out.push_back(static_cast<Item>(ReadToken<Number>(m_iCursor + i, complaint)));
 }
 
 void TextDataSection::GetUCharList(std::vector<unsigned char>& out) {

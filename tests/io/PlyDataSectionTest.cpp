@@ -309,6 +309,16 @@ TEST(PlyText, ACountThatIsNoIntegerFailsWhenTheFileIsRead) {
                    "Integer expected, but found this: many", 5);
 }
 
+TEST(PlyText, TheLargestCountOfAListIsMoreThanThereIs) {
+    const std::string body = "element f 1 property list int int l";
+    ExpectPlyError([&] { PlySample(AsciiFile(body, "2147483647 1")); }, "Unexpected end of data.", 13);
+    PlySample sample(AsciiFile(body, "1 2147483647"));
+    sample.Data().Seek("f", "l");
+    std::int64_t cursor = 1;
+    sample.Data().SkipList(sample.File().GetElement("f"), 0, cursor);
+    EXPECT_EQ(cursor, 2147483649);
+}
+
 TEST(PlyText, PrefixesThatParseAreTaken) {
     PlySample sample(AsciiFile("element v 2 property int a", "7.9 0x10"));
     EXPECT_EQ(AllInts(sample.Data(), "v", "a"), (Ints{7, 0}));
