@@ -173,11 +173,16 @@ void CKV_ScenePaneCtrl::DrawShadowMapView() {
 void CKV_ScenePaneCtrl::DrawObjectsWithShadows(bool reduced) {
     float projection[16], modelView[16];
     RenderShadowMap(projection, modelView);
-    glActiveTexture(GL_TEXTURE0);
+    // A textured mesh binds its picture on unit 0 and leaves none there: beside one, the shadow map stands on unit 1.
+    const bool anyPicture =
+        std::ranges::any_of(m_vpMeshes, [](const auto& mesh) { return mesh->m_pTexture != nullptr; });
+    const int mapUnit = anyPicture ? 1 : 0;
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
     glBindTexture(GL_TEXTURE_2D, m_nShadowTexture);
+    glActiveTexture(GL_TEXTURE0);
     glUseProgram(m_progShadow);
     const auto uniform = [this](const char* name) { return glGetUniformLocation(m_progShadow, name); };
-    glUniform1i(uniform("ShadowMap"), 0);
+    glUniform1i(uniform("ShadowMap"), mapUnit);
     glUniformMatrix4fv(uniform("shadowProjection"), 1, GL_FALSE, projection);
     glUniformMatrix4fv(uniform("shadowModelView"), 1, GL_FALSE, modelView);
     glUniform3fv(uniform("shadowColor"), 1, m_fShadowColor.data());
@@ -187,7 +192,9 @@ void CKV_ScenePaneCtrl::DrawObjectsWithShadows(bool reduced) {
                 static_cast<float>(plane[2]), static_cast<float>(plane[3]));
     DrawVisible(m_vpMeshes, m_nDrawMode, reduced);
     glUseProgram(0);
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
     glBindTexture(GL_TEXTURE_2D, 0);
+    glActiveTexture(GL_TEXTURE0);
 }
 
 void CKV_ScenePaneCtrl::DrawObjectsPerPixel(bool reduced) {

@@ -188,6 +188,30 @@ TEST_F(TexturedMeshes, ShowAllTheirCornersInMode0) {
 
 // ---- what the constructors fill in
 
+TEST_F(TexturedMeshes, ThrowAndTakeShadowsAsOthersDo) {
+    const Square occluder{.center = {0.3, 0.5, 3}, .half = 1.2}, receiver{.half = 4.0},
+        beside{.center = {-1.5, -1.5, 1}, .half = 0.7};
+    const auto frame = [&](bool textured) {
+        pane->m_vpMeshes.clear();
+        for (const Square& part : {occluder, receiver}) {
+            if (textured)
+                pane->m_vpMeshes.push_back(FromPly(part, kUpright, quarters.File()));
+            else
+                Add(part, {1, 1, 1});
+        }
+        Add(beside, {1, 1, 1});
+        FrameInMode(3);
+        return picture.pixels;
+    };
+    const auto lit = frame(false);
+    pane->SetShadowMode(1);
+    pane->SetShadowColor(0.1f, 0.0f, 0.3f);
+    const auto expected = frame(false);
+    EXPECT_NE(expected, lit) << "no shadow falls";
+    EXPECT_EQ(frame(true), expected);
+    EXPECT_EQ(frame(false), expected) << "and nothing is left for the next frame";
+}
+
 TEST_F(TexturedMeshes, FromAPlyHoldWhatTheFileBrought) {
     const Bytes file = quarters.File();
     const auto mesh = FromPly(square, kUpright, file);
