@@ -1,5 +1,5 @@
-// An export has worked when there is another file than before: the viewer returns as ever when it could not open one, and
-// replaces one that is there by a new one.
+// An export has worked when there is another file than before: the viewer returns as ever when it could not open one,
+// and replaces one that is there by a new one.
 #include "FileExport.h"
 
 #include <sys/stat.h>
