@@ -104,8 +104,9 @@ void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
 
 void Mesh::ComputeVertexNormals() {
     for (Vertex& vertex : m_vVertices) vertex.nx = vertex.ny = vertex.nz = 0.0f;
-    for (const Triangle& triangle : m_vTriangles)
-        AddFaceNormal(FaceNormalOf(triangle, m_vVertices), triangle, m_vVertices);
+    ForEachTriangle(m_vTriangles, m_vVertices, 0, m_vTriangles.size(), [this](std::size_t i) {
+        AddFaceNormal(FaceNormalOf(m_vTriangles[i], m_vVertices), m_vTriangles[i], m_vVertices);
+    });
     for (Vertex& v : m_vVertices) {
         const float length = std::sqrt(v.nx * v.nx + v.ny * v.ny + v.nz * v.nz);
         if (!(length > 0.0f)) continue;

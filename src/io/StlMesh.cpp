@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "geometry/FaceNormal.h"
 #include "geometry/Mesh.h"
 #include "io/MeshRecords.h"
 #include "io/VertexWeld.h"
@@ -180,7 +181,8 @@ void WriteStl(const Mesh& mesh, const ByteSink& sink) {
     std::vector<std::byte> block(kRecordSize * std::min(triangles, kBlock));
     for (std::size_t first = 0; first < triangles; first += kBlock) {
         const std::size_t part = std::min(kBlock, triangles - first);
-        for (std::size_t i = 0; i < part; ++i) PackTriangle(mesh, first + i, &block[i * kRecordSize]);
+        ForEachTriangle(mesh.m_vTriangles, mesh.m_vVertices, first, first + part,
+                        [&](std::size_t i) { PackTriangle(mesh, i, &block[(i - first) * kRecordSize]); });
         sink({block.data(), part * kRecordSize});
     }
 }

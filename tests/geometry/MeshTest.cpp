@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <cstring>
+#include <random>
 
 #include <algorithm>
 #include <cmath>
@@ -301,4 +303,34 @@ TEST_F(MeshClone, WithoutAllVerticesIsEmptyWithTheDefaultBox) {
     EXPECT_EQ(clone->GetVertexCount(), 0u);
     EXPECT_EQ(clone->GetTriangleCount(), 0u);
     EXPECT_THAT(clone->m_fBoundingBox, ElementsAre(-1, 1, -1, 1, -1, 1));
+}
+
+TEST(ComputeVertexNormals, OfScatteredTrianglesAreThePlainSumInTriangleOrder) {
+    std::mt19937 random(1);
+    std::uniform_real_distribution<float> coordinate(-1, 1);
+    std::uniform_int_distribution<std::int32_t> pick(0, 999);
+    std::vector<Vertex> vertices(1000);
+    for (Vertex& v : vertices) v.x = coordinate(random), v.y = coordinate(random), v.z = coordinate(random);
+    std::vector<Triangle> triangles(5000);
+    for (Triangle& t : triangles) t = {{pick(random), pick(random), pick(random)}};
+    std::vector<Vertex> plain = vertices;
+    for (const Triangle& t : triangles) {
+        const Vertex &a = vertices[static_cast<std::size_t>(t.v[0])], &b = vertices[static_cast<std::size_t>(t.v[1])],
+                     &c = vertices[static_cast<std::size_t>(t.v[2])];
+        const float ux = b.x - a.x, uy = b.y - a.y, uz = b.z - a.z, vx = c.x - a.x, vy = c.y - a.y, vz = c.z - a.z;
+        float x = uy * vz - uz * vy, y = uz * vx - ux * vz, z = ux * vy - uy * vx;
+        const float length = std::sqrt(x * x + y * y + z * z);
+        if (length > 0) x /= length, y /= length, z /= length;
+        for (const std::int32_t corner : t.v) {
+            Vertex& v = plain[static_cast<std::size_t>(corner)];
+            v.nx += x, v.ny += y, v.nz += z;
+        }
+    }
+    for (Vertex& v : plain) {
+        const float length = std::sqrt(v.nx * v.nx + v.ny * v.ny + v.nz * v.nz);
+        if (length > 0) v.nx /= length, v.ny /= length, v.nz /= length;
+    }
+    Mesh mesh(std::move(vertices), std::move(triangles), L"", false);
+    mesh.ComputeVertexNormals();
+    EXPECT_EQ(std::memcmp(mesh.m_vVertices.data(), plain.data(), plain.size() * sizeof(Vertex)), 0);
 }
