@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -28,7 +29,7 @@ std::uint64_t FreshSeed() {
     return (std::uint64_t{device()} << 32) | device();
 }
 
-bool HasNan(const Float3& p) { return !((p[0] == p[0]) & (p[1] == p[1]) & (p[2] == p[2])); }
+bool HasNan(const Float3& p) { return std::isnan(p[0]) || std::isnan(p[1]) || std::isnan(p[2]); }
 
 /// The bits of a coordinate with one pattern for both zeros. Not by adding 0.0, which a processor that flushes
 /// denormals would turn into more than that.
@@ -123,7 +124,7 @@ std::int32_t VertexWeld::FindOrAppend(const Float3& position, Slot key, std::siz
             ++m_uFilled;
             return index;
         }
-        if ((slot.x == key.x) & (slot.y == key.y) & (slot.z == key.z))
+        if (slot.x == key.x && slot.y == key.y && slot.z == key.z)
             return static_cast<std::int32_t>(slot.indexPlus1 - 1);
         if (++searched == kLongestSearch && m_iReseeds < kMostReseeds) {
             Reseed();
