@@ -16,7 +16,9 @@
 namespace {
 
 /// Positions whose slots are on their way from memory at the same time.
-constexpr std::size_t kBatch = 96;
+constexpr std::size_t kAhead = 32;
+/// Positions between two looks at the room in the table.
+constexpr std::size_t kBatch = 768;
 constexpr std::size_t kFewestSlots = 1024;
 /// At three quarters full a search sees three slots on average, and the longest run of a large table some hundreds.
 constexpr std::size_t kLongestSearch = 1024;
@@ -85,22 +87,27 @@ void VertexWeld::Weld(std::span<const Float3> positions, std::int32_t* indices) 
 }
 
 void VertexWeld::WeldBatch(std::span<const Float3> positions, std::int32_t* indices) {
-    // Room for the whole batch, so that the table keeps its place until the batch is through.
-    const std::size_t slots = m_uMask + 1;
-    if (m_uFilled + positions.size() > slots / 4 * 3) Rebuild(2 * slots);
-    Slot keys[kBatch];
-    std::size_t at[kBatch];
-    const std::uint64_t seed = m_uSeed;
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-        const Float3& p = positions[i];
-        keys[i] = {KeyBits(p[0]), KeyBits(p[1]), KeyBits(p[2]), 0};
-        at[i] = Hash(keys[i].x, keys[i].y, keys[i].z, seed);
-        __builtin_prefetch(&m_pSlots[at[i] & m_uMask]);
-    }
-    for (std::size_t i = 0; i < positions.size(); ++i) {
-        const Float3& p = positions[i];
-        if (seed != m_uSeed) at[i] = HashOf(p, m_uSeed);
-        indices[i] = HasNan(p) ? Append(p) : FindOrAppend(p, keys[i], at[i]);
+    // Room for the whole batch, so that the table keeps its size until the batch is through.
+    while (m_uFilled + positions.size() > (m_uMask + 1) / 4 * 3) Rebuild(2 * (m_uMask + 1));
+    struct Coming {
+        Slot key;
+        std::size_t at;
+        std::uint64_t seed;
+    };
+    Coming ring[kAhead];
+    for (std::size_t i = 0; i < positions.size() + kAhead; ++i) {
+        Coming& coming = ring[i % kAhead];
+        if (i >= kAhead) {
+            const Float3& p = positions[i - kAhead];
+            if (coming.seed != m_uSeed) coming.at = HashOf(p, m_uSeed);
+            indices[i - kAhead] = HasNan(p) ? Append(p) : FindOrAppend(p, coming.key, coming.at);
+        }
+        if (i < positions.size()) {
+            const Float3& p = positions[i];
+            const Slot key{KeyBits(p[0]), KeyBits(p[1]), KeyBits(p[2]), 0};
+            coming = {key, Hash(key.x, key.y, key.z, m_uSeed), m_uSeed};
+            __builtin_prefetch(&m_pSlots[coming.at & m_uMask]);
+        }
     }
 }
 
@@ -142,10 +149,10 @@ void VertexWeld::Reseed() {
 
 void VertexWeld::Rebuild(std::size_t slots) {
     MakeTable(slots);
-    for (std::size_t first = 0; first < m_vertices.size(); first += kBatch) {
-        const std::size_t count = std::min(kBatch, m_vertices.size() - first);
-        Slot keys[kBatch];
-        std::size_t at[kBatch];
+    for (std::size_t first = 0; first < m_vertices.size(); first += kAhead) {
+        const std::size_t count = std::min(kAhead, m_vertices.size() - first);
+        Slot keys[kAhead];
+        std::size_t at[kAhead];
         std::size_t kept = 0;
         for (std::size_t i = first; i < first + count; ++i) {
             const Float3 p = {m_vertices[i].x, m_vertices[i].y, m_vertices[i].z};
