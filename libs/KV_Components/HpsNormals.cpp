@@ -1,35 +1,92 @@
+// Four triangles, then four vertices at a time; each result is that of the plain formula to the bit.
 #include "HpsNormals.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace KvComponents::Hps {
 
 namespace {
 
-/// To length 1; a vector without a length stays.
-void Normalize(float* v) {
-    const float length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    if (!(length > 0.0f)) return;
-    for (int axis = 0; axis < 3; ++axis) v[axis] /= length;
+using Float4 = float __attribute__((vector_size(16)));
+using Int4 = std::int32_t __attribute__((vector_size(16)));
+
+constexpr std::size_t kLanes = 4;
+
+/// A vector in each lane.
+struct Vectors {
+    Float4 x, y, z;
+};
+
+Float4 SquareRoots(Float4 values) {
+#if defined(__SSE2__)
+    return _mm_sqrt_ps(values);
+#else
+    return Float4{std::sqrt(values[0]), std::sqrt(values[1]), std::sqrt(values[2]), std::sqrt(values[3])};
+#endif
+}
+
+/// To length 1; a vector without a length stays: it is divided by 1.
+Vectors Normalized(const Vectors& v) {
+    const Float4 length = SquareRoots(v.x * v.x + v.y * v.y + v.z * v.z);
+    const Int4 hasLength = length > Float4{};
+    const Int4 one = std::bit_cast<Int4>(Float4{1, 1, 1, 1});
+    const auto divisor = std::bit_cast<Float4>((std::bit_cast<Int4>(length) & hasLength) | (one & ~hasLength));
+    return {v.x / divisor, v.y / divisor, v.z / divisor};
+}
+
+/// The unit normals of up to four triangles.
+Vectors FaceNormals(std::span<const float> positions, std::span<const std::int32_t> indices) {
+    Vectors a{}, b{};
+    for (std::size_t lane = 0; 3 * lane < indices.size(); ++lane) {
+        const auto at = [&](std::size_t corner) {
+            return &positions[3 * static_cast<std::size_t>(indices[3 * lane + corner])];
+        };
+        const float *p0 = at(0), *p1 = at(1), *p2 = at(2);
+        a.x[lane] = p1[0] - p0[0], a.y[lane] = p1[1] - p0[1], a.z[lane] = p1[2] - p0[2];
+        b.x[lane] = p2[0] - p0[0], b.y[lane] = p2[1] - p0[1], b.z[lane] = p2[2] - p0[2];
+    }
+    return Normalized({a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x});
+}
+
+void AddFaceNormals(const Vectors& faces, std::span<const std::int32_t> indices, std::span<float> normals) {
+    for (std::size_t i = 0; i < indices.size(); ++i) {
+        float* const normal = &normals[3 * static_cast<std::size_t>(indices[i])];
+        normal[0] += faces.x[i / 3];
+        normal[1] += faces.y[i / 3];
+        normal[2] += faces.z[i / 3];
+    }
+}
+
+/// @param normals  of up to four vertices
+void NormalizeSums(std::span<float> normals) {
+    Vectors sums{};
+    for (std::size_t lane = 0; 3 * lane < normals.size(); ++lane)
+        sums.x[lane] = normals[3 * lane], sums.y[lane] = normals[3 * lane + 1], sums.z[lane] = normals[3 * lane + 2];
+    const Vectors unit = Normalized(sums);
+    for (std::size_t lane = 0; 3 * lane < normals.size(); ++lane)
+        normals[3 * lane] = unit.x[lane], normals[3 * lane + 1] = unit.y[lane], normals[3 * lane + 2] = unit.z[lane];
 }
 
 }  // namespace
 
 void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals) {
     std::fill(normals.begin(), normals.end(), 0.0f);
-    for (std::size_t i = 0; i + 2 < indices.size(); i += 3) {
-        const auto at = [&](std::size_t corner) { return 3 * static_cast<std::size_t>(indices[i + corner]); };
-        const float *p0 = &positions[at(0)], *p1 = &positions[at(1)], *p2 = &positions[at(2)];
-        const float a[3] = {p1[0] - p0[0], p1[1] - p0[1], p1[2] - p0[2]};
-        const float b[3] = {p2[0] - p0[0], p2[1] - p0[1], p2[2] - p0[2]};
-        float normal[3] = {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-        Normalize(normal);
-        for (std::size_t corner = 0; corner < 3; ++corner)
-            for (std::size_t axis = 0; axis < 3; ++axis) normals[at(corner) + axis] += normal[axis];
+    const std::size_t wholeIndices = indices.size() / (3 * kLanes) * (3 * kLanes);
+    for (std::size_t i = 0; i < wholeIndices; i += 3 * kLanes) {
+        const auto four = indices.subspan(i).first<3 * kLanes>();
+        AddFaceNormals(FaceNormals(positions, four), four, normals);
     }
-    for (std::size_t i = 0; i + 2 < normals.size(); i += 3) Normalize(&normals[i]);
+    const auto rest = indices.subspan(wholeIndices);
+    AddFaceNormals(FaceNormals(positions, rest), rest, normals);
+    for (std::size_t i = 0; i < normals.size(); i += 3 * kLanes)
+        NormalizeSums(normals.subspan(i, std::min(3 * kLanes, normals.size() - i)));
 }
 
 }  // namespace KvComponents::Hps

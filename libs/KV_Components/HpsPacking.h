@@ -26,7 +26,7 @@ using ByteSpan = std::span<const std::byte>;
 
 /// What a file may announce in memory for each of its bytes. A writer fills up with zeros what compresses further than
 /// that, so that a reader never takes memory out of proportion to a file.
-inline constexpr std::uint64_t kMaxExpansion = 256;
+inline constexpr std::uint64_t kMaxExpansion = 64;
 
 /// Memory that is not cleared, in large pages where the system offers them: a large array's many small ones cost more
 /// than the work on it. To be given back by std::free(). @throws std::bad_alloc

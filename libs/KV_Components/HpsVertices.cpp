@@ -9,6 +9,8 @@
 #include <limits>
 #include <utility>
 
+#include "DefaultFloats.h"
+
 namespace KvComponents::Hps {
 
 namespace {
@@ -89,6 +91,7 @@ std::uint32_t BestShare(std::span<const float> positions, std::span<const Introd
 }  // namespace
 
 ByteVector EncodePositions(std::span<const float> positions, std::span<const Introduction> introductions) {
+    const DefaultFloats standard;
     const std::uint32_t share = BestShare(positions, introductions);
     Predictor predictor(introductions.size(), share);
     NumberWriter numbers(kAxisCount);
@@ -117,6 +120,7 @@ PackedPositions::PackedPositions(ByteSpan bytes, std::uint32_t vertexCount) {
 }
 
 RawArray<float> PackedPositions::Decode(std::span<const Introduction> introductions) {
+    const DefaultFloats standard;
     NumberReader numbers = std::move(m_numbers);  // its state in registers: nobody else can see a local one
     RawArray<float> positions(kAxisCount * introductions.size());
     Predictor predictor(introductions.size(), m_uShare);

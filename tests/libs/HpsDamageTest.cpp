@@ -192,7 +192,7 @@ const DamageCase kDamages[] = {
     {"VerticesWithMore", [] { return Changed([](Parts& p) { p.positions.push_back({}); }); }, kVertices},
     {"VerticesOfAnotherLength",
      [] { return Changed([](Parts& p) { Put<std::uint64_t>(p.positions, 4, ~std::uint64_t{0}); }); }, kVertices},
-    {"FacetsCutShort", [] { return Changed([](Parts& p) { p.facets.resize(p.facets.size() - 1); }); }, kFacets},
+    {"FacetsCutShort", [] { return Changed([](Parts& p) { p.facets.pop_back(); }); }, kFacets},
     {"FacetsWithMore", [] { return Changed([](Parts& p) { p.facets.push_back({}); }); }, kFacets},
     {"FacetsWithAnUnknownCode", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{241}; }); }, kFacets},
     {"FacetsWithAnEdgeFromNowhere", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{0}; }); }, kFacets},
@@ -323,8 +323,8 @@ TEST_F(HpsDamage, AMeshThatCompressesFurtherThanReadersAllowIsFilledUp) {
     mesh.positions.resize(3 * 100'000);
     mesh.indices.resize(3 * 200'000);
     ASSERT_EQ(Save(mesh, m_folder / "mesh.hps"), kSucceeded);
-    EXPECT_GE(ReadBytes(m_folder / "mesh.hps").size(), 12u * 300'000 / 256);
-    EXPECT_LT(ReadBytes(m_folder / "mesh.hps").size(), 12u * 300'000 / 200);
+    EXPECT_GE(ReadBytes(m_folder / "mesh.hps").size(), 12u * 300'000 / 64);
+    EXPECT_LT(ReadBytes(m_folder / "mesh.hps").size(), 12u * 300'000 / 60);
     EXPECT_EQ(OpenError(MakeReader().get(), m_folder / "mesh.hps"), kNone);
 }
 

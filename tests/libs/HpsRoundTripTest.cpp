@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cfenv>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -165,6 +166,62 @@ TEST_P(HpsRoundTrip, GivesTheSameFileForTheSameMesh) {
     ASSERT_EQ(Save(GetParam().make(), second), kSucceeded);
     ASSERT_FALSE(ReadBytes(first).empty());
     EXPECT_EQ(ReadBytes(first), ReadBytes(second));
+}
+
+TEST_P(HpsRoundTrip, DoesNotDependOnTheRoundingThatAHostHasSet) {
+    const ScratchFolder folder;
+    const SampleMesh mesh = GetParam().make();
+    ASSERT_EQ(Save(mesh, folder / "usual.hps"), kSucceeded);
+    std::fenv_t before;
+    ASSERT_EQ(std::fegetenv(&before), 0);
+    std::fesetround(FE_UPWARD);
+    const std::int32_t status = Save(mesh, folder / "upward.hps");
+    const bool isKept = std::fegetround() == FE_UPWARD;
+    std::fesetenv(&before);
+    ASSERT_EQ(status, kSucceeded);
+    EXPECT_TRUE(isKept);
+    EXPECT_EQ(ReadBytes(folder / "upward.hps"), ReadBytes(folder / "usual.hps"));
+}
+
+/// The definition, one triangle after the other.
+std::vector<float> PlainNormals(const SampleMesh& mesh) {
+    std::vector<float> normals(mesh.positions.size());
+    const auto normalize = [](float* v) {
+        const float length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+        if (length > 0.0f)
+            for (int k = 0; k < 3; ++k) v[k] /= length;
+    };
+    for (std::size_t i = 0; i < mesh.indices.size(); i += 3) {
+        const float* p[3];
+        for (std::size_t k = 0; k < 3; ++k) p[k] = &mesh.positions[3 * static_cast<std::size_t>(mesh.indices[i + k])];
+        float a[3], b[3];
+        for (int k = 0; k < 3; ++k) a[k] = p[1][k] - p[0][k], b[k] = p[2][k] - p[0][k];
+        float c[3] = {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+        normalize(c);
+        for (std::size_t k = 0; k < 9; ++k)
+            normals[3 * static_cast<std::size_t>(mesh.indices[i + k / 3]) + k % 3] += c[k % 3];
+    }
+    for (std::size_t i = 0; i < normals.size(); i += 3) normalize(&normals[i]);
+    return normals;
+}
+
+TEST_P(HpsRoundTrip, HasTheNormalsOfTheDefinitionToTheBit) {
+    const SampleMesh mesh = GetParam().make();
+    const ObjectPointer object = MakeMesh(mesh, true);
+    Object* access = nullptr;
+    ASSERT_EQ(hps_mesh::kReadableVertexData(object.get(), &access), kSucceeded);
+    const ObjectPointer data(access);
+    std::vector<float> normals(mesh.positions.size(), 9.0f);
+    ASSERT_EQ(hps_vertex_data::kReadAttribute(access, 'N', 0, mesh.VertexCount(), normals.data(), BytesOf(normals)),
+              kSucceeded);
+    const std::vector<float> expected = PlainNormals(mesh);
+    for (std::size_t i = 0; i < normals.size(); ++i) {
+        if (std::isnan(expected[i])) {
+            ASSERT_TRUE(std::isnan(normals[i])) << i;
+        } else {
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(normals[i]), std::bit_cast<std::uint32_t>(expected[i])) << i;
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Meshes, HpsRoundTrip, testing::ValuesIn(kMeshes),
