@@ -319,6 +319,12 @@ TEST(PlyText, TheLargestCountOfAListIsMoreThanThereIs) {
     EXPECT_EQ(cursor, 2147483649);
 }
 
+TEST(PlyText, ListsWhoseCountsNeedTheSlowWalkAreScannedOneByOne) {
+    PlySample sample(AsciiFile("element f 3 property list int int l", "\v1 5 2 6 7 0"));
+    EXPECT_EQ(sample.Data().m_iEnd, 6);
+    EXPECT_EQ(AllIntLists(sample.Data(), "f", "l"), (std::vector<Ints>{{5}, {6, 7}, {}}));
+}
+
 TEST(PlyText, PrefixesThatParseAreTaken) {
     PlySample sample(AsciiFile("element v 2 property int a", "7.9 0x10"));
     EXPECT_EQ(AllInts(sample.Data(), "v", "a"), (Ints{7, 0}));
