@@ -33,10 +33,10 @@ if(KV_SANITIZE)
   add_link_options(-fsanitize=${KV_SANITIZE})
   if(KV_SANITIZE MATCHES "address")
     # Compiled here and now, so that it is part of every program without being part of what is exported.
-    set(keep "${PROJECT_BINARY_DIR}/KeepLibraries.o")
-    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -c -fPIE "${CMAKE_CURRENT_LIST_DIR}/KeepLibraries.cpp" -o "${keep}"
+    set(under "${PROJECT_BINARY_DIR}/UnderAddressSanitizer.o")
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -c -fPIE "${CMAKE_CURRENT_LIST_DIR}/UnderAddressSanitizer.cpp" -o "${under}"
                     COMMAND_ERROR_IS_FATAL ANY)
-    string(APPEND CMAKE_EXE_LINKER_FLAGS " ${keep} -Wl,--export-dynamic-symbol=dlclose")
+    string(APPEND CMAKE_EXE_LINKER_FLAGS " ${under} -Wl,--export-dynamic-symbol=dlclose,--export-dynamic-symbol=__asan_default_options")
   endif()
   # g++ 12 sees uninitialised members in the templates of its own library once they are instrumented.
   target_compile_options(kv_compiler INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
