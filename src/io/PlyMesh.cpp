@@ -28,12 +28,6 @@ std::ifstream OpenFile(const std::wstring& path) {
 }
 
 template <typename T>
-void ReserveInLargePages(std::vector<T>& values, std::size_t count) {
-    values.reserve(count);
-    AdviseHugePages(values.data(), count * sizeof(T));
-}
-
-template <typename T>
 T ValueAt(const char* from) {
     T value;
     std::memcpy(&value, from, sizeof value);
@@ -81,7 +75,7 @@ void Reader::ReadPositions() {
     for (const char* name : {"x", "y", "z"}) (void)vertex.GetProperty(name);
     if (!m_isText) return ReadPositionsFromViews();
     const auto count = static_cast<std::size_t>(vertex.m_iCount);
-    ReserveInLargePages(Vertices(), count);
+    ReserveInHugePages(Vertices(), count);
     Vertices().resize(count, {.color = kWhite});
     Vertex* const first = Vertices().data();
     const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first->x, sizeof(Vertex)},
@@ -96,7 +90,7 @@ void Reader::ReadPositionsFromViews() {
     PlyArrayView y = m_data.GetArrayView("vertex", "y");
     PlyArrayView z = m_data.GetArrayView("vertex", "z");
     for (const PlyArrayView* view : {&x, &y, &z}) view->RequireWidth(sizeof(float));
-    ReserveInLargePages(Vertices(), static_cast<std::size_t>(x.m_iCount));
+    ReserveInHugePages(Vertices(), static_cast<std::size_t>(x.m_iCount));
     for (std::int64_t i = 0, at = 0; i < x.m_iCount; ++i, at += x.m_iStride) {
         Vertices().push_back({.x = ValueAt<float>(x.m_pFirst + at),
                               .y = ValueAt<float>(y.m_pFirst + at),
@@ -132,7 +126,7 @@ bool Reader::TryFaceBlock() {
     int count = 0;
     if (!m_data.GetFaceBlock("face", record, count)) return false;
     if ((m_data.GetDataEnd() - record) / kRecord < count) RefuseOtherFaces();  // some are smaller
-    ReserveInLargePages(Triangles(), static_cast<std::size_t>(count));
+    ReserveInHugePages(Triangles(), static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i, record += kRecord) {
         if (*record != 3) RefuseOtherFaces();
         Triangles().push_back(ValueAt<Triangle>(record + 1));

@@ -30,15 +30,19 @@ PlyMeshWriter::PlyMeshWriter(std::size_t vertexCount, std::size_t faceCount)
 
 PlyMeshWriter::PlyMeshWriter(std::span<const Vertex> vertices, std::span<const Triangle> triangles,
                              std::span<const TexCoord> texCoords, std::span<const std::uint8_t> imageBytes)
-    : PlyMeshWriter(vertices.size(), triangles.size()) {
+    : m_iFaceCount(static_cast<int>(triangles.size())),
+      m_vTexCoords(texCoords.begin(), texCoords.end()),
+      m_vImageBytes(imageBytes.begin(), imageBytes.end()) {
     assert(texCoords.empty() || texCoords.size() == 3 * triangles.size());
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        const Vertex& v = vertices[i];
-        m_vVertexRecords[i] = {v.x, v.y, v.z, v.nx, v.ny, v.nz, v.color & kColorMask};
+    ReserveInHugePages(m_vVertexRecords, vertices.size());
+    for (const Vertex& v : vertices)
+        m_vVertexRecords.push_back({v.x, v.y, v.z, v.nx, v.ny, v.nz, v.color & kColorMask});
+    ReserveInHugePages(m_vIndices, 3 * triangles.size());
+    static_assert(sizeof(Triangle) == kIndexBytes);
+    if (!triangles.empty()) {
+        const std::int32_t* const indices = triangles.data()->v;
+        m_vIndices.assign(indices, indices + 3 * triangles.size());
     }
-    if (!triangles.empty()) std::memcpy(m_vIndices.data(), triangles.data(), triangles.size_bytes());
-    m_vTexCoords.assign(texCoords.begin(), texCoords.end());
-    m_vImageBytes.assign(imageBytes.begin(), imageBytes.end());
 }
 
 bool PlyMeshWriter::HasColors() const {
@@ -102,8 +106,8 @@ PlyMeshWriter::FileBytes PlyMeshWriter::Assemble() const {
     std::byte* out = Put(file.bytes.get(), header.data(), header.size());
     out = PutVertices(out);
     out = PutFaces(out);
-    out = Put(out, m_vImageBytes.data(), m_vImageBytes.size());
-    assert(out == file.bytes.get() + file.size);
+    [[maybe_unused]] const std::byte* const end = Put(out, m_vImageBytes.data(), m_vImageBytes.size());
+    assert(end == file.bytes.get() + file.size);
     return file;
 }
 

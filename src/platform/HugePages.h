@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 /// To be called for fresh memory, before anything is written there. Advice only: what the system does not offer is
 /// left.
@@ -15,4 +16,11 @@ inline void AdviseHugePages(void* memory, std::size_t size) {
     const std::uintptr_t last = (begin + size) / kHugePage * kHugePage;
     // Pages of which a part belongs to somebody else stay as they are.
     if (first < last) (void)::madvise(static_cast<std::byte*>(memory) + (first - begin), last - first, MADV_HUGEPAGE);
+}
+
+/// Room for so many values in an empty vector.
+template <typename T>
+void ReserveInHugePages(std::vector<T>& values, std::size_t count) {
+    values.reserve(count);
+    AdviseHugePages(values.data(), count * sizeof(T));
 }
