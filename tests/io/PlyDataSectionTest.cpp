@@ -320,9 +320,9 @@ TEST(PlyText, TheLargestCountOfAListIsMoreThanThereIs) {
 }
 
 TEST(PlyText, ListsWhoseCountsNeedTheSlowWalkAreScannedOneByOne) {
-    PlySample sample(AsciiFile("element f 3 property list int int l", "\v1 5 2 6 7 0"));
-    EXPECT_EQ(sample.Data().m_iEnd, 6);
-    EXPECT_EQ(AllIntLists(sample.Data(), "f", "l"), (std::vector<Ints>{{5}, {6, 7}, {}}));
+    PlySample sample(AsciiFile("element f 3 property list int int l", "\v1 5 2 6 7 3 1 2 3"));
+    EXPECT_EQ(sample.Data().m_iEnd, 9);
+    EXPECT_EQ(AllIntLists(sample.Data(), "f", "l"), (std::vector<Ints>{{5}, {6, 7}, {1, 2, 3}}));
 }
 
 TEST(PlyText, PrefixesThatParseAreTaken) {
