@@ -131,9 +131,8 @@ inline constexpr std::uint32_t kClassCount = 64;
 class NumberWriter {
 public:
     explicit NumberWriter(std::size_t planeCount) : m_planes(planeCount) {}
-    /// @param scale  what the class is shifted by: where it follows the magnitude of steps, numbers of equal size in
-    /// the
-    ///               unit of the whole get equal classes
+    /// @param scale  what the class is shifted by. Where it follows the magnitude of steps between floats, numbers that
+    ///               are equally large in the unit of the whole get equal classes
     void Put(std::size_t plane, std::uint32_t number, std::uint32_t scale = 0);
     void Append(ByteVector& to);
 

@@ -12,14 +12,16 @@ inline constexpr Operation<std::int32_t(const wchar_t* path)> kOpen{8};
 /// Why the last operation failed: 0 none, 1 file not found, 2 cannot be read, 3 invalid file, 4 invalid vertex data, 5
 /// invalid facet data, 6 invalid UV data, 7 invalid texture data.
 inline constexpr Operation<std::int32_t(std::int32_t* code)> kLastError{10};
+/// Fails for a file without a texture, too.
 inline constexpr Operation<std::int32_t(std::int32_t* size)> kUvBlockSize{15};
 inline constexpr Operation<std::int32_t(void* block, std::size_t size)> kUvBlock{16};
 /// The two further addresses may be null; what they receive is this library's own affair.
 inline constexpr Operation<std::int32_t(std::int32_t* size, std::int32_t* reserved1, std::int32_t* reserved2)>
     kImageFileSize{17};
 inline constexpr Operation<std::int32_t(void* bytes, std::size_t size)> kImageFileBytes{18};
-/// The decoded texture, an image object.
+/// The decoded texture, an image object of the caller's own.
 inline constexpr Operation<std::int32_t(Object** image)> kImage{19};
+/// Succeeds behind an open that failed because a triangle names no vertex, too: for a look at the triangles.
 inline constexpr Operation<std::int32_t(Object** mesh)> kMesh{20};
 /// 1 and 3: the image's rows must be turned round before v = 0 is its first row.
 inline constexpr Operation<std::int32_t(std::int32_t* orientation)> kImageOrientation{22};
@@ -44,7 +46,8 @@ inline constexpr Operation<std::int32_t(const std::int32_t* indices, std::size_t
 inline constexpr Operation<std::int32_t(std::int32_t reserved1, std::int32_t reserved2)> kFinish{34};
 }  // namespace hps_mesh
 
-/// Handed out by a mesh; 3 floats a vertex and attribute: 'P' positions, 'N' normals.
+/// Handed out by a mesh; 3 floats a vertex and attribute: 'P' positions, 'N' normals, which are computed and can only
+/// be read. The end of access lets the mesh go; the object itself is released like any other.
 namespace hps_vertex_data {
 inline constexpr Operation<void()> kEndAccess{5};
 inline constexpr Operation<std::int32_t(char attribute, std::int32_t reserved, std::int32_t vertexCount, float* values,
@@ -83,6 +86,7 @@ inline constexpr const char* kFactory = "{103A4F7C-49B2-406F-A682-7E19869B8B88}"
 inline constexpr const char* kInterface = "{672883FC-ECA9-46FC-8174-43E8428F1E92}";
 
 inline constexpr Operation<std::int32_t(Object* compressor)> kBind{8};
+/// Packs what is bound and set; fails when a vertex has more than 255 pairs that do not repeat.
 inline constexpr Operation<std::int32_t()> kPrepare{11};
 inline constexpr Operation<std::int32_t(const void* bytes, std::size_t size)> kTextureFile{17};
 /// @param pairs  u, v of each triangle's corners in order
