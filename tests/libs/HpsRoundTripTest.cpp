@@ -131,6 +131,12 @@ const MeshCase kMeshes[] = {
          std::fill(mesh.positions.begin(), mesh.positions.end(), 7.0f);
          return mesh;
      }},
+    {"TinyTriangles",
+     [] {
+         SampleMesh mesh = Grid(10, 10);
+         for (float& value : mesh.positions) value *= 1e-5f;
+         return mesh;
+     }},
     {"SameTriangleOverAndOver",
      [] {
          SampleMesh mesh = Tetrahedron();
