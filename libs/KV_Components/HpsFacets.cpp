@@ -35,7 +35,10 @@ struct Edge {
 class State {
 public:
     explicit State(std::uint32_t vertexCount, RawArray<Introduction>& introductions)
-        : m_uVertexCount(vertexCount), m_introductions(introductions), m_isKnown(vertexCount), m_uLatest(vertexCount) {}
+        : m_uVertexCount(vertexCount), m_introductions(introductions), m_isKnown(vertexCount), m_uLatest(vertexCount) {
+        // No triangle can have these: what is predicted from an edge was introduced before.
+        for (std::uint32_t age = 0; age < kEdgeCount; ++age) m_from[age] = m_to[age] = m_third[age] = vertexCount;
+    }
 
     [[nodiscard]] Edge EdgeAt(std::uint32_t age) const {
         const std::uint32_t at = (m_uNewest - age) % kEdgeCount;
@@ -90,7 +93,7 @@ private:
     std::size_t m_uIntroduced = 0;
     // The edges, one array a member: a load of what was just stored waits for nothing only when it is of the same
     // width.
-    std::uint32_t m_from[kEdgeCount] = {}, m_to[kEdgeCount] = {}, m_third[kEdgeCount] = {};
+    std::uint32_t m_from[kEdgeCount], m_to[kEdgeCount], m_third[kEdgeCount];
     std::uint32_t m_uNewest = 0;
     std::uint32_t m_uHighest = 0, m_uLast = 0, m_uFirst = 0;
 };

@@ -140,6 +140,17 @@ ByteVector WithHeader(std::size_t offset, std::uint32_t value) {
     });
 }
 
+/// One triangle on an edge, though none came before; of vertices that could all be its corners.
+ByteVector WithTheFirstTriangleOnAnEdge() {
+    return Changed([](Parts& parts) {
+        parts.triangleCount = 1;
+        parts.facets.clear();
+        const std::byte codeOfTheYoungestEdge{0};
+        Hps::AppendBlock(parts.facets, {&codeOfTheYoungestEdge, 1}, Hps::Kind::kPattern);
+        Hps::NumberWriter(4).Append(parts.facets);
+    });
+}
+
 /// The tetrahedron with one index changed, and the positions that were packed with the right one.
 ByteVector WithIndex(std::size_t at, std::int32_t value) {
     return Changed([=](Parts& parts) {
@@ -196,6 +207,7 @@ const DamageCase kDamages[] = {
     {"FacetsWithMore", [] { return Changed([](Parts& p) { p.facets.push_back({}); }); }, kFacets},
     {"FacetsWithAnUnknownCode", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{241}; }); }, kFacets},
     {"FacetsWithAnEdgeFromNowhere", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{0}; }); }, kFacets},
+    {"FirstTriangleOnAnEdge", [] { return WithTheFirstTriangleOnAnEdge(); }, kFacets},
     {"IndexAboveTheVertices", [] { return WithIndex(4, 4); }, kFacets},
     {"IndexBelowTheVertices", [] { return WithIndex(11, -1); }, kFacets},
     {"UvCutShort", [] { return Changed([](Parts& p) { p.uv.resize(7); }); }, kUv},

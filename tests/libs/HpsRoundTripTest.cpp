@@ -10,6 +10,7 @@
 #include <random>
 
 #include "HpsSample.h"
+#include "KV_Components/HpsFacets.h"
 
 namespace {
 
@@ -125,6 +126,13 @@ const MeshCase kMeshes[] = {
      [] {
          return SampleMesh{{1, 2, 3, 4, 5, 6}, {0, 0, 0, 1, 1, 0, 0, 1, 0, 1, 1, 1, 0, 0, 1}, {}, {}, "", ""};
      }},
+    {"DegenerateTrianglesFirst",
+     [] {
+         SampleMesh mesh = Grid(5, 5);
+         const std::int32_t first[] = {0, 0, 7, 7, 0, 0, 0, 0, 0};
+         mesh.indices.insert(mesh.indices.begin(), std::begin(first), std::end(first));
+         return mesh;
+     }},
     {"DuplicateVertices",
      [] {
          SampleMesh mesh = Grid(10, 10);
@@ -163,6 +171,24 @@ TEST_P(HpsRoundTrip, KeepsEveryBitAndTheOrder) {
     ASSERT_TRUE(content);
     EXPECT_TRUE(SameBits(content->positions, mesh.positions));
     EXPECT_EQ(content->indices, mesh.indices);
+}
+
+TEST_P(HpsRoundTrip, PredictsEachVertexFromThoseThatCameBefore) {
+    const SampleMesh mesh = GetParam().make();
+    const auto vertexCount = static_cast<std::uint32_t>(mesh.VertexCount());
+    Hps::RawArray<Hps::Introduction> written;
+    const Hps::ByteVector bytes = Hps::EncodeFacets(mesh.indices, vertexCount, written);
+    const Hps::Facets read = Hps::DecodeFacets(bytes, vertexCount, static_cast<std::uint32_t>(mesh.TriangleCount()));
+    for (const auto& introductions : {written.Span(), read.introductions.Span()}) {
+        ASSERT_EQ(introductions.size(), vertexCount);
+        std::vector<bool> isKnown(vertexCount + 1);
+        isKnown[vertexCount] = true;  // the point of origin
+        for (const Hps::Introduction& one : introductions) {
+            ASSERT_FALSE(isKnown.at(one.vertex));
+            ASSERT_TRUE(isKnown.at(one.a) && isKnown.at(one.b) && isKnown.at(one.c)) << "vertex " << one.vertex;
+            isKnown[one.vertex] = true;
+        }
+    }
 }
 
 TEST_P(HpsRoundTrip, GivesTheSameFileForTheSameMesh) {
