@@ -65,7 +65,7 @@ const Object::Entry* VertexDataTable() {
 /// Arrays without elements may be null.
 template <class T>
 void Copy(std::span<const T> from, T* to) {
-    if (!from.empty()) std::memcpy(to, from.data(), from.size_bytes());
+    if (to != nullptr && !from.empty()) std::memcpy(to, from.data(), from.size_bytes());
 }
 
 template <class T>
