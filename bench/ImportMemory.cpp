@@ -1,13 +1,21 @@
-// Peak and resident memory of imports: one large scan, its first frame, and a thousand times import and ClearData.
-// Prints one line a figure; no benchmark library, since it measures the process and not a time.
+// Peak and resident memory of imports: stl files of a million triangles, one large scan, its first frame, and a
+// thousand times import and ClearData. Prints one line a figure; no benchmark library, since it measures the process
+// and not a time.
+#include <malloc.h>
+#include <unistd.h>
+
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 
+#include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "ProcessMemory.h"
 #include "ScanFixture.h"
+#include "StlFixture.h"
 
 namespace {
 
@@ -21,6 +29,36 @@ std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
     return pane;
 }
 
+double MeshMiB(KV_ScenePane::_DKV_ScenePane& methods, std::int32_t& vertices, std::int32_t& triangles) {
+    methods.GetMeshDataSize(0, &vertices, &triangles);
+    return (32.0 * vertices + 12.0 * triangles) / (1 << 20);
+}
+
+void StlImport(KV_ScenePane::_DKV_ScenePane& methods, const char* name, StlOrder order) {
+    const std::string path =
+        (std::filesystem::temp_directory_path() / ("kv-memory-" + std::to_string(getpid()) + ".stl")).string();
+    double file = 0;
+    {
+        const std::vector<std::byte> bytes = MakeBenchStl(1, order);
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        file = static_cast<double>(bytes.size()) / (1 << 20);
+    }
+    malloc_trim(0);  // what earlier work has freed must not serve the import unseen
+    ResetPeak();
+    const double before = StatusMiB("VmRSS");
+    methods.ImportMesh(KV_ScenePane::WidePath(path).c_str());
+    const double peak = StatusMiB("VmHWM") - before, after = StatusMiB("VmRSS") - before;
+    std::filesystem::remove(path);
+    std::int32_t vertices = 0, triangles = 0;
+    const double mesh = MeshMiB(methods, vertices, triangles);
+    std::printf("%s, file of %.1f MiB: mesh of %d vertices, %d triangles, %.1f MiB\n", name, file, vertices, triangles,
+                mesh);
+    std::printf("  peak over the start while importing: %.1f MiB (aim: %.1f), resident after it: %.1f MiB\n", peak,
+                2 * mesh + file, after);
+    methods.ClearData();
+}
+
 }  // namespace
 
 int main() {
@@ -32,14 +70,16 @@ int main() {
                                             scan.trafo, 0xB0C8D8);
     };
     std::printf("resident with an open viewer and nothing else: %.1f MiB\n", StatusMiB("VmRSS"));
+    StlImport(methods, "stl in mesh order", StlOrder::Mesh);
+    StlImport(methods, "stl shuffled", StlOrder::Shuffled);
+    StlImport(methods, "stl of triangles that share no corner", StlOrder::Soup);
     {
         const BenchScan scan = MakeBenchScan(2048, 1536);
         ResetPeak();
         const double before = StatusMiB("VmRSS");
         import(scan);
         std::int32_t vertices = 0, triangles = 0;
-        methods.GetMeshDataSize(0, &vertices, &triangles);
-        const double mesh = (32.0 * vertices + 12.0 * triangles) / (1 << 20);
+        const double mesh = MeshMiB(methods, vertices, triangles);
         std::printf("one 2048 x 1536 scan: mesh of %d vertices, %d triangles, %.1f MiB\n", vertices, triangles, mesh);
         std::printf("  peak over the start while importing: %.1f MiB, resident after it: %.1f MiB\n",
                     StatusMiB("VmHWM") - before, StatusMiB("VmRSS") - before);

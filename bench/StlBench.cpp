@@ -3,21 +3,18 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
-#include <numbers>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/AtomicFile.h"
+#include "StlFixture.h"
 #include "control/ScenePaneCtrl.h"
 #include "geometry/Float3.h"
 #include "io/StlMesh.h"
@@ -29,36 +26,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kHead = 84, kRecord = 50;
 
-/// A bumpy sphere of rings x columns quads less the poles: 2 x rings x columns triangles, rings x columns + 2 vertices.
-std::vector<std::byte> MakeFile(int million, bool shuffled) {
-    const int rings = 500, columns = 1000 * million;
-    const auto position = [&](int ring, int column) -> Float3 {
-        const double polar = std::numbers::pi * ring / (rings + 1);
-        const double around = 2 * std::numbers::pi * (column % columns) / columns;
-        const double radius = 50 + 3 * std::sin(9 * polar) * std::cos(7 * around);
-        // The poles are one point each, whatever the column.
-        if (ring == 0 || ring == rings + 1) return {0, 0, ring == 0 ? 50.0f : -50.0f};
-        return {static_cast<float>(radius * std::sin(polar) * std::cos(around)),
-                static_cast<float>(radius * std::sin(polar) * std::sin(around)),
-                static_cast<float>(radius * std::cos(polar))};
-    };
-    std::vector<std::array<Float3, 3>> triangles;
-    for (int ring = 0; ring <= rings; ++ring)
-        for (int column = 0; column < columns; ++column) {
-            const Float3 a = position(ring, column), b = position(ring, column + 1);
-            const Float3 c = position(ring + 1, column), d = position(ring + 1, column + 1);
-            if (ring < rings) triangles.push_back({a, c, d});
-            if (ring > 0) triangles.push_back({a, d, b});
-        }
-    if (shuffled) std::shuffle(triangles.begin(), triangles.end(), std::mt19937(1));
-    std::vector<std::byte> file(kHead + kRecord * triangles.size());
-    const auto count = static_cast<std::uint32_t>(triangles.size());
-    std::memcpy(&file[80], &count, sizeof count);
-    for (std::size_t i = 0; i < triangles.size(); ++i)
-        std::memcpy(&file[kHead + kRecord * i + 12], &triangles[i], sizeof triangles[i]);
-    return file;
-}
-
 /// Bytes and file of one kind, made once; the file is gone at the end of the process.
 class StlSample {
 public:
@@ -69,7 +36,7 @@ public:
         return samples.try_emplace(key, key.first, key.second).first->second;
     }
     StlSample(int million, bool shuffled)
-        : bytes(MakeFile(million, shuffled)),
+        : bytes(MakeBenchStl(million, shuffled ? StlOrder::Shuffled : StlOrder::Mesh)),
           path((fs::temp_directory_path() / ("kv-bench-" + std::to_string(getpid()) + ".stl")).string()) {
         std::ofstream(path, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
