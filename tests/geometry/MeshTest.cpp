@@ -193,6 +193,13 @@ TEST(Mesh, GivesNoNormalToVerticesWithCollinearTrianglesAlone) {
     ExpectNormal(mesh.m_vVertices[2], 0, 0, 0);
 }
 
+TEST(Mesh, GivesNoNormalToVerticesBetweenOppositeFaces) {
+    Mesh mesh({{0, 0, 0, 9, 9, 9}, {1, 0, 0, 9, 9, 9}, {0, 1, 0, 9, 9, 9}, {0, 0, 5, 9, 9, 9}},
+              {{{0, 1, 2}}, {{1, 0, 2}}}, L"", false);
+    mesh.ComputeVertexNormals();
+    for (const Vertex& vertex : mesh.m_vVertices) ExpectNormal(vertex, 0, 0, 0);
+}
+
 TEST(Mesh, TellsTheUnitNormalOfATriangle) {
     const Mesh mesh({At(1, 1, 1), At(1, 4, 1), At(1, 1, 6), At(1, 7, 1)}, {{{0, 1, 2}}, {{0, 1, 3}}}, L"", false);
     float x, y, z;

@@ -241,6 +241,12 @@ TEST(ReadStlFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
                 ThrowsMessage<FileReadError>(testing::StartsWith("cannot be opened: ")));
 }
 
+TEST(ReadStlFile, SaysThatAFileCannotBeRead) {
+    // The memory of this process as a file: regular, of size zero, and nothing is mapped at its start.
+    EXPECT_THAT([&] { (void)ReadStlFile(L"/proc/self/mem"); },
+                ThrowsMessage<FileReadError>(StrEq("cannot be read: Input/output error")));
+}
+
 TEST(ReadStlFile, RefusesTheHugeCountOfAHugeFileOfHoles) {
     // 60 GB of nothing, which takes no room on the disk: one triangle more than there may be
     const ScratchFolder folder;

@@ -1,0 +1,96 @@
+// Blocks of records, and of inputs that give less than they promised.
+#include "io/MeshRecords.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+/// Each byte tells where it stands. A file that another process cuts short has more in its size than in its bytes.
+class CountingInput final : public ByteInput {
+public:
+    CountingInput(std::size_t bytes, std::uint64_t promised) : m_uBytes(bytes), m_uPromised(promised) {}
+    [[nodiscard]] std::uint64_t Size() const override { return m_uPromised; }
+    std::size_t Read(void* to, std::size_t size) override {
+        const std::size_t part = std::min(size, m_uBytes - m_uAt);
+        for (std::size_t i = 0; i < part; ++i) static_cast<unsigned char*>(to)[i] = ByteAt(m_uAt++);
+        return part;
+    }
+    static unsigned char ByteAt(std::size_t at) { return static_cast<unsigned char>(at % 251); }
+
+private:
+    std::size_t m_uBytes, m_uAt = 0;
+    std::uint64_t m_uPromised;
+};
+
+/// Every byte of the blocks, which must be whole records.
+std::vector<std::byte> AllOf(RecordBlocks& blocks, std::size_t recordSize) {
+    std::vector<std::byte> all;
+    for (auto records = blocks.Next(); !records.empty(); records = blocks.Next()) {
+        EXPECT_EQ(records.size() % recordSize, 0u);
+        all.insert(all.end(), records.begin(), records.end());
+    }
+    return all;
+}
+
+void ExpectCounted(std::span<const std::byte> bytes, std::size_t first) {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        ASSERT_EQ(std::to_integer<unsigned char>(bytes[i]), CountingInput::ByteAt(first + i)) << i;
+}
+
+constexpr std::size_t kRecord = 50;
+constexpr std::size_t kMany = 15'000;  // three blocks
+
+}  // namespace
+
+TEST(RecordBlocks, HandOutTheAnnouncedRecordsAndNothingBehindThem) {
+    for (const std::size_t count : {std::size_t{0}, std::size_t{1}, kMany}) {
+        CountingInput input(count * kRecord + 7, count * kRecord + 7);
+        RecordBlocks blocks(input, kRecord, count);
+        const auto all = AllOf(blocks, kRecord);
+        EXPECT_EQ(all.size(), count * kRecord);
+        ExpectCounted(all, 0);
+        EXPECT_EQ(blocks.Missing(), 0u);
+        EXPECT_TRUE(blocks.Tail().empty());
+    }
+}
+
+TEST(RecordBlocks, CountWhatAFileThatShrankLacksAndKeepWhatItHasOfTheFirst) {
+    const struct {
+        std::size_t bytes, whole, tail;
+    } rows[] = {{0, 0, 0}, {49, 0, 49}, {50, 1, 0}, {kRecord * 14'999 + 13, 14'999, 13}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.bytes);
+        CountingInput input(row.bytes, kMany * kRecord);
+        RecordBlocks blocks(input, kRecord, kMany);
+        const auto all = AllOf(blocks, kRecord);
+        EXPECT_EQ(all.size(), row.whole * kRecord);
+        ExpectCounted(all, 0);
+        EXPECT_EQ(blocks.Missing(), kMany - row.whole);
+        ASSERT_EQ(blocks.Tail().size(), row.tail);
+        ExpectCounted(blocks.Tail(), row.whole * kRecord);
+        EXPECT_TRUE(blocks.Next().empty()) << "the end stays the end";
+    }
+}
+
+TEST(RequireHalf, CountsTheBytesBehindTheHeaderAndRoundsUp) {
+    const auto isEnough = [](std::uint64_t size, std::uint64_t announced) {
+        try {
+            RequireHalf(CountingInput(0, size), 84, announced);
+            return true;
+        } catch (const FileReadError&) {
+            return false;
+        }
+    };
+    EXPECT_TRUE(isEnough(84 + 25, 50));
+    EXPECT_FALSE(isEnough(84 + 24, 50));
+    EXPECT_TRUE(isEnough(84 + 13, 25));
+    EXPECT_FALSE(isEnough(84 + 12, 25));
+    EXPECT_TRUE(isEnough(84, 0));
+    EXPECT_TRUE(isEnough(3, 0)) << "a size below the header's is none behind it";
+    EXPECT_FALSE(isEnough(3, 1));
+    EXPECT_FALSE(isEnough(std::numeric_limits<std::uint32_t>::max(), std::numeric_limits<std::uint64_t>::max()));
+}
