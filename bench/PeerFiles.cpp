@@ -1,0 +1,93 @@
+// Writes the sphere of a million triangles as stl, ply and text ply into a folder and imports each through the public
+// surface, so that bench/peers.py can time other programs on the same files.
+//   peer_files FOLDER      prints a line a file: its path and the best time of seven imports in milliseconds
+#include <malloc.h>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "KV_ScenePane/PathText.h"
+#include "KV_ScenePane/ScenePane.h"
+#include "SphereFixture.h"
+
+namespace {
+
+using KV_ScenePane::MeshBuffers, KV_ScenePane::Triangle, KV_ScenePane::Vertex;
+
+constexpr std::int32_t kColumns = 1000, kRings = 500;
+
+void AppendNumber(std::string& text, auto value) {
+    char digits[32];
+    text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    text += ' ';
+}
+
+/// The shortest digits that give the same floats.
+void WriteTextPly(const MeshBuffers& mesh, const std::string& path) {
+    std::string text = "ply\nformat ascii 1.0\nelement vertex " + std::to_string(mesh.m_vVertices.size()) +
+                       "\nproperty float x\nproperty float y\nproperty float z\nelement face " +
+                       std::to_string(mesh.m_vTriangles.size()) +
+                       "\nproperty list uchar int vertex_indices\nend_header\n";
+    for (const Vertex& v : mesh.m_vVertices) {
+        for (const float value : {v.x, v.y, v.z}) AppendNumber(text, value);
+        text += '\n';
+    }
+    for (const Triangle& triangle : mesh.m_vTriangles) {
+        text += "3 ";
+        for (const std::int32_t index : triangle.v) AppendNumber(text, index);
+        text += '\n';
+    }
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
+    auto pane = KV_ScenePane::CreateScenePane(request, nullptr);
+    if (!pane) throw std::runtime_error("no viewer");
+    return pane;
+}
+
+double BestImportMs(KV_ScenePane::_DKV_ScenePane& methods, const std::string& path) {
+    double best = std::numeric_limits<double>::infinity();
+    for (int run = 0; run < 7; ++run) {
+        methods.ClearData();
+        malloc_trim(0);  // every import starts with fresh memory, as the first one does
+        const auto start = std::chrono::steady_clock::now();
+        methods.ImportMesh(KV_ScenePane::WidePath(path).c_str());
+        const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+        best = std::min(best, took.count());
+        std::int32_t vertices = 0, triangles = 0;
+        methods.GetMeshDataSize(0, &vertices, &triangles);
+        if (triangles != 2 * kColumns * kRings) throw std::runtime_error("another mesh came back from " + path);
+    }
+    return best;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+    if (argc != 2) {
+        std::fputs("usage: peer_files FOLDER\n", stderr);
+        return 2;
+    }
+    const std::string folder = argv[1];
+    const std::string text = folder + "/sphere-text.ply", binary = folder + "/sphere.ply", stl = folder + "/sphere.stl";
+    WriteTextPly(MakeBenchSphere(kColumns, kRings), text);
+    const auto pane = MakePane();
+    pane->Methods().ImportMesh(KV_ScenePane::WidePath(text).c_str());
+    for (const std::string& path : {binary, stl}) pane->Methods().ExportMesh(0, KV_ScenePane::WidePath(path).c_str());
+    for (const std::string& path : {stl, binary, text})
+        std::printf("%s %.1f\n", path.c_str(), BestImportMs(pane->Methods(), path));
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "peer_files: %s\n", error.what());
+    return 1;
+}
