@@ -114,13 +114,25 @@ std::vector<Entry> TakeTable(ByteSpan file, std::uint32_t count) {
     return entries;
 }
 
-FileContent ParseFrame(ByteSpan file) {
-    ByteReader header(file);
+struct Start {
+    std::uint32_t sectionCount;
+    ByteReader rest;  ///< of the header
+};
+
+/// Checks the beginning of a file of that size.
+[[nodiscard]] Start CheckStart(ByteSpan start, std::size_t fileSize) {
+    if (start.size() < kHeaderSize) FailInvalid("cut short");
+    ByteReader header(start);
     if (std::memcmp(header.Take(sizeof kMagic).data(), kMagic, sizeof kMagic) != 0) FailInvalid("not an hps file");
     if (header.TakeValue<std::uint32_t>() != kVersion) FailInvalid("of a version that is not known here");
     const auto count = header.TakeValue<std::uint32_t>();
     if (count > kMaxSections) FailInvalid("impossible number of sections");
-    if (header.TakeValue<std::uint64_t>() != file.size()) FailInvalid("has another length than it should");
+    if (header.TakeValue<std::uint64_t>() != fileSize) FailInvalid("has another length than it should");
+    return {count, header};
+}
+
+FileContent ParseFrame(ByteSpan file) {
+    auto [count, header] = CheckStart(file, file.size());
     FileContent content;
     content.vertexCount = header.TakeValue<std::uint32_t>();
     content.triangleCount = header.TakeValue<std::uint32_t>();
@@ -133,6 +145,16 @@ FileContent ParseFrame(ByteSpan file) {
     if (!from.Rest().empty()) FailInvalid("bytes that belong to no section");
     if (content.positions.empty() || content.facets.empty()) FailInvalid("a needed section is missing");
     return content;
+}
+
+/// The first bytes of a file. @throws FileError
+void ReadWhole(int fd, std::span<std::byte> to) {
+    for (std::size_t at = 0; at < to.size();) {
+        const ssize_t got = ::pread(fd, to.data() + at, to.size() - at, static_cast<off_t>(at));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) throw FileError(ReadError::kUnreadable, got < 0 ? "cannot be read" : "shrank meanwhile");
+        at += static_cast<std::size_t>(got);
+    }
 }
 
 }  // namespace
@@ -201,13 +223,14 @@ RawArray<std::byte> LoadFile(const std::string& path) {
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))
         throw FileError(ReadError::kUnreadable, "not a regular file");
-    RawArray<std::byte> bytes(static_cast<std::size_t>(info.st_size));
-    for (std::size_t at = 0; at < bytes.size();) {
-        const ssize_t got = ::pread(fd, bytes.data() + at, bytes.size() - at, static_cast<off_t>(at));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) throw FileError(ReadError::kUnreadable, got < 0 ? "cannot be read" : "shrank meanwhile");
-        at += static_cast<std::size_t>(got);
-    }
+    const auto size = static_cast<std::size_t>(info.st_size);
+    // Whatever is no hps file is refused before memory for all of it is taken.
+    std::byte start[kHeaderSize];
+    const std::span<std::byte> startOfFile(start, std::min(size, sizeof start));
+    ReadWhole(fd, startOfFile);
+    (void)CheckStart(startOfFile, size);
+    RawArray<std::byte> bytes(size);
+    ReadWhole(fd, {bytes.data(), size});
     return bytes;
 }
 

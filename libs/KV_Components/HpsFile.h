@@ -38,7 +38,7 @@ struct FileContent {
 /// @throws FileError
 [[nodiscard]] FileContent ParseFile(ByteSpan file);
 
-/// A whole file.
+/// A whole file that begins like an hps file of its length.
 /// @throws FileError
 [[nodiscard]] RawArray<std::byte> LoadFile(const std::string& path);
 

@@ -150,8 +150,12 @@ std::int32_t HpsReader::Open(const wchar_t* path) {
     try {
         Read(KV_ScenePane::PathBytes(path));
     } catch (const Hps::FileError& error) {
+        if (error.m_code != ReadError::kFacets) Reset();
         m_error = error.m_code;
         return kFailed;
+    } catch (...) {
+        Reset();  // else a mesh would be left of a file that is not open
+        throw;
     }
     m_bIsOpen = true;
     return kSucceeded;

@@ -7,10 +7,7 @@
 #include <functional>
 
 #include "HpsSample.h"
-#include "KV_Components/HpsFacets.h"
-#include "KV_Components/HpsFile.h"
 #include "KV_Components/HpsLayout.h"
-#include "KV_Components/HpsVertices.h"
 
 namespace {
 
@@ -18,25 +15,6 @@ using namespace HpsSample;
 using Hps::ByteVector;
 
 enum Code { kNone, kNotFound, kUnreadable, kInvalidFile, kVertices, kFacets, kUv, kTexture };
-
-/// A file taken to pieces that tests change before it is put together again, with checksums that fit.
-struct Parts {
-    explicit Parts(const SampleMesh& mesh) {
-        vertexCount = static_cast<std::uint32_t>(mesh.VertexCount());
-        triangleCount = static_cast<std::uint32_t>(mesh.TriangleCount());
-        Hps::RawArray<Hps::Introduction> introductions;
-        facets = Hps::EncodeFacets(mesh.indices, vertexCount, introductions);
-        positions = Hps::EncodePositions(mesh.positions, introductions.Span());
-        if (!mesh.pairs.empty()) uv = Hps::PackUv(mesh.indices, vertexCount, mesh.pairs).value();
-        const auto* const texels = reinterpret_cast<const std::byte*>(mesh.texture.data());
-        texture.assign(texels, texels + mesh.texture.size());
-    }
-    [[nodiscard]] ByteVector File() const {
-        return Hps::BuildFile({vertexCount, triangleCount, facets, positions, uv, texture, orientation, "app", "1"});
-    }
-    std::uint32_t vertexCount, triangleCount, orientation = 1;
-    ByteVector facets, positions, uv, texture;
-};
 
 class HpsDamage : public testing::Test {
 protected:
@@ -89,6 +67,16 @@ TEST_F(HpsDamage, FilesWithoutPermission) {
     ASSERT_EQ(::chmod((m_folder / "secret.hps").c_str(), 0), 0);
     const std::int32_t expected = ::access((m_folder / "secret.hps").c_str(), R_OK) == 0 ? kNone : kUnreadable;
     EXPECT_EQ(OpenError(MakeReader().get(), m_folder / "secret.hps"), expected);
+}
+
+TEST_F(HpsDamage, FilesThatAreLargeAndNoHpsFileTakeNoMemory) {
+    WriteBytes(m_folder / "huge.hps", {});
+    if (::truncate((m_folder / "huge.hps").c_str(), off_t{1} << 42) != 0) GTEST_SKIP() << "no files of 4 TiB here";
+    EXPECT_EQ(OpenError(MakeReader().get(), m_folder / "huge.hps"), kInvalidFile);
+    ByteVector file = Parts(Tetrahedron()).File();
+    WriteBytes(m_folder / "huge.hps", file);
+    ASSERT_EQ(::truncate((m_folder / "huge.hps").c_str(), off_t{1} << 42), 0);
+    EXPECT_EQ(OpenError(MakeReader().get(), m_folder / "huge.hps"), kInvalidFile);
 }
 
 struct DamageCase {
@@ -235,6 +223,17 @@ TEST_F(HpsDamage, AnyOrientationOfAPictureIsTold) {
         EXPECT_EQ(hps_reader::kImageOrientation(reader.get(), &told), kSucceeded);
         EXPECT_EQ(told, static_cast<std::int32_t>(orientation));
     }
+}
+
+TEST_F(HpsDamage, OfOneKindLeavesNoMeshOfTheOthers) {
+    Parts parts(TexturedTetrahedron());
+    parts.texture.resize(40);
+    WriteBytes(m_folder / "mesh.hps", parts.File());
+    const ObjectPointer reader = MakeReader();
+    ASSERT_EQ(OpenError(reader.get(), m_folder / "mesh.hps"), kTexture);
+    Object* found = nullptr;
+    EXPECT_EQ(hps_reader::kMesh(reader.get(), &found), kFailed) << "it would lack its texture";
+    EXPECT_EQ(found, nullptr);
 }
 
 TEST_F(HpsDamage, TrianglesThatNameNoVertexCanStillBeLookedAt) {

@@ -8,8 +8,11 @@
 #include <vector>
 
 #include "KV_Components/Hps.h"
+#include "KV_Components/HpsFacets.h"
+#include "KV_Components/HpsFile.h"
 #include "KV_Components/HpsPacking.h"
 #include "KV_Components/HpsUv.h"
+#include "KV_Components/HpsVertices.h"
 #include "KV_Components/ObjectRegistry.h"
 #include "KV_ScenePane/PathText.h"
 #include "support/ScratchFolder.h"
@@ -65,6 +68,25 @@ inline SampleMesh TexturedTetrahedron() {
     mesh.texture = RedAboveBlue();
     return mesh;
 }
+
+/// A file taken to pieces that tests change before it is put together again, with checksums that fit.
+struct Parts {
+    explicit Parts(const SampleMesh& mesh) {
+        vertexCount = static_cast<std::uint32_t>(mesh.VertexCount());
+        triangleCount = static_cast<std::uint32_t>(mesh.TriangleCount());
+        Hps::RawArray<Hps::Introduction> introductions;
+        facets = Hps::EncodeFacets(mesh.indices, vertexCount, introductions);
+        positions = Hps::EncodePositions(mesh.positions, introductions.Span());
+        if (!mesh.pairs.empty()) uv = Hps::PackUv(mesh.indices, vertexCount, mesh.pairs).value();
+        const auto* const texels = reinterpret_cast<const std::byte*>(mesh.texture.data());
+        texture.assign(texels, texels + mesh.texture.size());
+    }
+    [[nodiscard]] Hps::ByteVector File() const {
+        return Hps::BuildFile({vertexCount, triangleCount, facets, positions, uv, texture, orientation, "app", "1"});
+    }
+    std::uint32_t vertexCount, triangleCount, orientation = 1;
+    Hps::ByteVector facets, positions, uv, texture;
+};
 
 template <class T>
 std::size_t BytesOf(const std::vector<T>& values) {
