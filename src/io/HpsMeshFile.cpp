@@ -285,16 +285,15 @@ std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
     return vertices;
 }
 
-/// @param pairs  null without a texture
-std::vector<HpsFace> ReadFaces(Object* mesh, const MeshSize& size, VertexPairs* pairs) {
-    const std::size_t vertexCount = size.vertices, triangleCount = size.triangles;
-    const auto indices = ReadIndices(mesh, triangleCount);
-    auto faces = Reserved<HpsFace>(triangleCount);
-    for (std::size_t i = 0; i < triangleCount; ++i) {
+/// @param indices  three a triangle
+/// @param pairs    null without a texture
+std::vector<HpsFace> MakeFaces(const std::int32_t* indices, const MeshSize& size, VertexPairs* pairs) {
+    auto faces = Reserved<HpsFace>(size.triangles);
+    for (std::size_t i = 0; i < size.triangles; ++i) {
         HpsFace& face = faces.emplace_back();
         for (std::size_t corner = 0; corner < 3; ++corner) {
             const std::int32_t index = indices[3 * i + corner];
-            RequireVertex(index, vertexCount, i);
+            RequireVertex(index, size.vertices, i);
             face.v[corner] = index;
             if (pairs == nullptr) continue;
             const auto vertex = static_cast<std::size_t>(index);
@@ -334,16 +333,21 @@ const char* GetHpsErrorText(std::int32_t code) {
 
 HpsData ReadHpsFile(const wchar_t* path) {
     HpsData data;
-    OpenReader reader(path);
-    const std::vector<std::uint8_t> uvBlock = ReadTexture(reader, data);
-    const ComponentPtr decoder = RequireComponent(hps_uv_decoder::kFactory, hps_uv_decoder::kInterface);
-    const ComponentPtr mesh = reader.Mesh();
-    if (!mesh) throw HpsReadError("Can't decode HPS mesh file.");
-    const MeshSize size = SizeOf(mesh.get());
+    MeshSize size;
     VertexPairs pairs;
-    if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, size.vertices);
-    data.m_vVertices = ReadVertices(mesh.get(), size.vertices);
-    data.m_vFaces = ReadFaces(mesh.get(), size, data.m_vPixels.empty() ? nullptr : &pairs);
-    reader.Close();
+    std::unique_ptr<std::int32_t[]> indices;
+    {
+        OpenReader reader(path);
+        const std::vector<std::uint8_t> uvBlock = ReadTexture(reader, data);
+        const ComponentPtr decoder = RequireComponent(hps_uv_decoder::kFactory, hps_uv_decoder::kInterface);
+        const ComponentPtr mesh = reader.Mesh();
+        if (!mesh) throw HpsReadError("Can't decode HPS mesh file.");
+        size = SizeOf(mesh.get());
+        if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, size.vertices);
+        data.m_vVertices = ReadVertices(mesh.get(), size.vertices);
+        indices = ReadIndices(mesh.get(), size.triangles);
+        reader.Close();
+    }  // the library's own mesh and file go before the faces, the largest part, need memory
+    data.m_vFaces = MakeFaces(indices.get(), size, data.m_vPixels.empty() ? nullptr : &pairs);
     return data;
 }
