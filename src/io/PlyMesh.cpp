@@ -77,11 +77,12 @@ void Reader::ReadPositions() {
     const auto count = static_cast<std::size_t>(vertex.m_iCount);
     ReserveInHugePages(Vertices(), count);
     Vertices().resize(count, {.color = kWhite});
+    if (count == 0) return;
     Vertex* const first = Vertices().data();
     const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first->x, sizeof(Vertex)},
                                  {"y", PlyColumn::kFloat, &first->y, sizeof(Vertex)},
                                  {"z", PlyColumn::kFloat, &first->z, sizeof(Vertex)}};
-    if (count > 0) m_data.ReadColumns("vertex", columns);
+    m_data.ReadColumns("vertex", columns);
 }
 
 // Four bytes each, whatever type the header declares.
