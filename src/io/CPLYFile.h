@@ -126,8 +126,9 @@ struct PlyColumn {
     std::int64_t m_iStride = 0;  // bytes between the targets of two records
 };
 
-/// The data part of a file. Moving the cursor past the end never fails, for there every list is empty; reading there
-/// throws CPLYFileError "Unexpected end of data." with the byte offset.
+/// The data part of a file. Moving the cursor past the end never fails, for there every list is empty; nor does moving
+/// it past the current element's records, whatever stands there. Reading past the end throws CPLYFileError "Unexpected
+/// end of data." with the byte offset.
 class DataSection {
 public:
     using IntCallback = bool (*)(std::int64_t index, int value, void* user);
@@ -249,7 +250,10 @@ private:
     [[nodiscard]] std::int64_t TokenStart(std::int64_t index);
     [[nodiscard]] std::string_view Token(std::int64_t index);
     template <class Number>
+    bool TryReadToken(std::int64_t index, Number& value);
+    template <class Number>
     Number ReadToken(std::int64_t index, const char* complaint);
+    [[noreturn]] void FailToken(std::int64_t index, const char* complaint);
     template <class Item, class Number>
     void ReadList(std::vector<Item>& out, const char* complaint);
     template <class Number>

@@ -80,20 +80,34 @@ std::string_view TextDataSection::Token(std::int64_t index) {
 }
 
 template <class Number>
-Number TextDataSection::ReadToken(std::int64_t index, const char* complaint) {
+bool TextDataSection::TryReadToken(std::int64_t index, Number& value) {
     const std::string_view token = Token(index);
+    return ReadNumber(token.data(), token.data() + token.size(), value) != nullptr;
+}
+
+template <class Number>
+Number TextDataSection::ReadToken(std::int64_t index, const char* complaint) {
     Number value = 0;
-    if (ReadNumber(token.data(), token.data() + token.size(), value) == nullptr) {
-        m_sToken = token;
-        throw CPLYFileError(complaint + m_sToken, TokenStart(index));
-    }
+    if (!TryReadToken(index, value)) FailToken(index, complaint);
     return value;
+}
+
+void TextDataSection::FailToken(std::int64_t index, const char* complaint) {
+    m_sToken = Token(index);
+    throw CPLYFileError(complaint + m_sToken, TokenStart(index));
 }
 
 void TextDataSection::SkipProperty(const Element&, int, std::int64_t& cursor) { ++cursor; }
 
-void TextDataSection::SkipList(const Element&, int, std::int64_t& cursor) {
-    const int count = cursor < m_iLimit ? ReadToken<int>(cursor, kNoInteger) : 0;
+void TextDataSection::SkipList(const Element& element, int, std::int64_t& cursor) {
+    int count = 0;
+    if (cursor < m_iLimit && !TryReadToken(cursor, count)) {
+        // The step behind the last record ends, from a list other than the first, among the numbers of the next
+        // element.
+        const bool isBehind = &element == m_pElement && cursor >= ElementEnd(m_iCurrentElement);
+        if (!isBehind) FailToken(cursor, kNoInteger);
+        count = 0;
+    }
     cursor += std::int64_t{1} + std::max(count, 0);
 }
 

@@ -148,6 +148,18 @@ TEST_P(PlySections, ReadUCharLists) {
     EXPECT_EQ(list, (std::vector<unsigned char>{2, 255}));
 }
 
+TEST_P(PlySections, AreNotMisledByWhatStandsBehindTheRecordsOfAnElement) {
+    // the last step from m, and the first one in an element without records, ask for a count where x stands
+    const char* const body =
+        "element f 2 property list uchar uchar l property list uchar uchar m element none 0 property list uchar uchar "
+        "l property uchar m element t 1 property float x";
+    PlySample sample(IsText() ? AsciiFile(body, "1 5 1 6 0 2 7 8 .5")
+                              : BinaryFile(body, "\1\5\1\6" + std::string(1, '\0') + "\2\7\x08" + Raw(0.5F)));
+    EXPECT_EQ(AllIntLists(sample.Data(), "f", "m"), (std::vector<Ints>{{6}, {7, 8}}));
+    EXPECT_EQ(AllInts(sample.Data(), "none", "m"), Ints{});
+    EXPECT_EQ(AllFloats(sample.Data(), "t", "x"), Floats{0.5F});
+}
+
 TEST_P(PlySections, TakeANegativeCountAsAnEmptyList) {
     const char* const body = "element e 2 property list char int b";
     PlySample sample(IsText() ? AsciiFile(body, "-3 1 77") : BinaryFile(body, Raw('\xfd') + Raw('\1') + Raw(77)));
