@@ -116,12 +116,13 @@ void DataSection::Seek(std::string_view element, std::string_view property) {
     m_iCurrentElement = ElementIndex(element);
     m_pElement = &ElementAt(*m_pFile, m_iCurrentElement);
     m_iCursor = m_vElementStart[static_cast<std::size_t>(m_iCurrentElement)];
+    m_iItemIndex = 0;  // a skip may throw, and the element before may have had more items
+    m_iFixedStep = -1;
     const int items = static_cast<int>(m_pElement->m_vItems.size());
     const int wanted = FindItem(*m_pElement, property);
     for (int item = 0; item < wanted; ++item) SkipItem(*m_pElement, item, m_iCursor);
     m_iItemIndex = wanted < items ? wanted : 0;
 
-    m_iFixedStep = -1;
     if (m_pElement->HasLists()) return;
     m_iFixedStep = 0;
     for (int item = 0; item < items; ++item) SkipItem(*m_pElement, item, m_iFixedStep);

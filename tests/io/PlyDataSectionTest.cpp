@@ -275,6 +275,16 @@ TEST(PlyBinary, RefusesToWalkAMixedElementFromAnotherItem) {
                    "Lists and properties are mixed in element e, and only its first item can be walked.", -1);
 }
 
+TEST(PlyBinary, ForgetsTheElementBeforeWhenSeekingFails) {
+    PlySample sample(BinaryFile(
+        "element v 1 property uchar a property uchar b element f 0 property list float int l property int x", "\1\2"));
+    sample.Data().Seek("v", "b");
+    ExpectPlyError([&] { sample.Data().Seek("f", "x"); }, "not an integer: float", -1);
+    EXPECT_EQ(sample.Data().m_iItemIndex, 0);
+    EXPECT_EQ(sample.Data().m_iCursor, 2);
+    ExpectPlyError([&] { (void)sample.Data().GetInt(); }, "not an integer: none", -1);
+}
+
 struct BadText {
     const char* name;
     std::string data;
