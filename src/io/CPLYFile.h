@@ -298,6 +298,10 @@ class CPLYFile {
 public:
     enum Format : int { kNotRead = 0, kAscii = 1, kBinaryLittleEndian = 2, kBinaryBigEndian = 3 };
 
+    CPLYFile() = default;
+    CPLYFile(const CPLYFile&) = delete;  // the data knows where the grammar is
+    CPLYFile& operator=(const CPLYFile&) = delete;
+
     /// Takes the stream from its position; the data is read to the stream's end.
     /// @throws CPLYFileError; the object then holds what was read so far, until Clear()
     void Read(std::istream& stream, bool headerOnly);

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <type_traits>
 
 #include "support/ScratchFolder.h"
 
@@ -242,6 +243,11 @@ TEST(PlyFile, ReadsDataLargerThanAnyPieceItIsReadIn) {
     CPLYFile file;
     Read(file, std::string(kBinaryStart) + "element v 1000003 property uchar c end_header\n" + data);
     EXPECT_EQ(file.m_pDataSection->m_sData, data);
+}
+
+TEST(PlyFile, StaysWhereItIsForItsDataPointsAtIt) {
+    EXPECT_FALSE(std::is_move_constructible_v<CPLYFile>);
+    EXPECT_FALSE(std::is_move_assignable_v<CPLYFile>);
 }
 
 TEST(PlyFile, IsReusableAfterClear) {
