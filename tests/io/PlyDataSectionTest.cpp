@@ -407,6 +407,24 @@ TEST(PlyText, IsReadAtAnyTokenInAnyOrder) {
     }
 }
 
+TEST(PlyText, TellsTheOffsetOfABadTokenAnywhere) {
+    for (int bad = 0; bad < 200; ++bad) {
+        std::string text;
+        std::int64_t offset = 0;
+        for (int i = 0; i < 200; ++i) {
+            text.append(static_cast<std::size_t>(1 + i * 7 % 90), i % 2 == 0 ? ' ' : '\t');
+            if (i == bad) offset = static_cast<std::int64_t>(text.size()) + 1;  // behind the header's line end
+            text += i == bad ? "x7" : "12";
+        }
+        PlySample sample(AsciiFile("element v 200 property int a", text));
+        ExpectPlyError([&] { AllInts(sample.Data(), "v", "a"); }, "Integer expected, but found this: x7", offset);
+        sample.Data().m_iCursor = 199 - bad;  // coming from elsewhere
+        EXPECT_EQ(sample.Data().GetInt(), 12);
+        sample.Data().m_iCursor = bad;
+        ExpectPlyError([&] { (void)sample.Data().GetFloat(); }, "Float expected, but found this: x7", offset);
+    }
+}
+
 TEST(PlyBinary, ReadsEveryTypeAtAnyAlignment) {
     for (int shift = 0; shift < 8; ++shift) {
         const std::string pad(static_cast<std::size_t>(shift), 'p');
