@@ -230,6 +230,23 @@ TEST_P(PlyLineEnds, PutTheDataBehindTheHeader) {
 INSTANTIATE_TEST_SUITE_P(Ply, PlyLineEnds, testing::ValuesIn(kLineEnds),
                          [](const auto& row) { return std::string(row.param.name); });
 
+TEST(PlyHeader, IsReadFromWhereTheStreamStandsButItsLineEndsFromTheStart) {
+    std::istringstream stream("abc\r\n" + kLines + "DATA");
+    stream.seekg(5);
+    CPLYFile file;
+    file.Read(stream, false);
+    EXPECT_EQ(file.m_pDataSection->m_sData, "ATA");
+    std::istringstream other("ply other");
+    other.seekg(3);
+    try {
+        file.Read(other, false);
+        ADD_FAILURE();
+    } catch (const CPLYFileError& error) {
+        EXPECT_STREQ(error.what(), "Magic number in PLY header not found.");
+        EXPECT_EQ(error.GetPosition(), 3);
+    }
+}
+
 TEST(PlyHeader, EndsAtTheLastByteOfTheFile) {
     CPLYFile file;
     Read(file, std::string(kBinaryStart) + "element v 0 end_header");
