@@ -1,15 +1,14 @@
-// Stl files in memory, for benchmarks.
+// Stl files in memory, for benchmarks: the sphere of the other mesh formats, each triangle by itself.
 #pragma once
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <numbers>
 #include <random>
 #include <vector>
 
+#include "SphereFixture.h"
 #include "geometry/Float3.h"
 
 enum class StlOrder {
@@ -18,28 +17,17 @@ enum class StlOrder {
     Soup,      ///< no two corners at the same position, so that nothing welds
 };
 
-/// A bumpy sphere of rings x columns quads less the poles: 2 x rings x columns triangles, rings x columns + 2 vertices.
 inline std::vector<std::byte> MakeBenchStl(int million, StlOrder order) {
     constexpr std::size_t kHead = 84, kRecord = 50;
-    const int rings = 500, columns = 1000 * million;
-    const auto position = [&](int ring, int column) -> Float3 {
-        const double polar = std::numbers::pi * ring / (rings + 1);
-        const double around = 2 * std::numbers::pi * (column % columns) / columns;
-        const double radius = 50 + 3 * std::sin(9 * polar) * std::cos(7 * around);
-        // The poles are one point each, whatever the column.
-        if (ring == 0 || ring == rings + 1) return {0, 0, ring == 0 ? 50.0f : -50.0f};
-        return {static_cast<float>(radius * std::sin(polar) * std::cos(around)),
-                static_cast<float>(radius * std::sin(polar) * std::sin(around)),
-                static_cast<float>(radius * std::cos(polar))};
-    };
+    const KV_ScenePane::MeshBuffers sphere = MakeBenchSphere(1000 * million, 500);
     std::vector<std::array<Float3, 3>> triangles;
-    for (int ring = 0; ring <= rings; ++ring)
-        for (int column = 0; column < columns; ++column) {
-            const Float3 a = position(ring, column), b = position(ring, column + 1);
-            const Float3 c = position(ring + 1, column), d = position(ring + 1, column + 1);
-            if (ring < rings) triangles.push_back({a, c, d});
-            if (ring > 0) triangles.push_back({a, d, b});
-        }
+    triangles.reserve(sphere.m_vTriangles.size());
+    const auto position = [&sphere](std::int32_t index) {
+        const auto& vertex = sphere.m_vVertices[static_cast<std::size_t>(index)];
+        return Float3{vertex.x, vertex.y, vertex.z};
+    };
+    for (const auto& triangle : sphere.m_vTriangles)
+        triangles.push_back({position(triangle.v[0]), position(triangle.v[1]), position(triangle.v[2])});
     if (order == StlOrder::Shuffled) std::shuffle(triangles.begin(), triangles.end(), std::mt19937(1));
     if (order == StlOrder::Soup) {
         float x = 0;
