@@ -182,6 +182,8 @@ public:
     /// ForEachFloat or ForEachInt for each column in turn, with the same values and errors, in one pass over the text
     /// when that can be. The targets hold m_iCount values; what a disordered walk finds beyond these is dropped.
     void ReadColumns(std::string_view element, std::span<const PlyColumn> columns);
+    /// The one pass alone: false when it cannot be, and then the targets hold rubbish.
+    [[nodiscard]] bool ReadColumnsInOnePass(std::string_view element, std::span<const PlyColumn> columns);
     /// ForEachIntList or ForEachFloatList for lists that have `members` members each, in one fast pass.
     /// @param target  room for m_iCount * members values, densely
     /// @return false when any list is of another length or anything else is in the way: then the target holds rubbish

@@ -224,7 +224,7 @@ bool DataSection::GetFaceBlock(std::string_view element, const char*& indexOut, 
     return true;
 }
 
-void DataSection::ReadColumns(std::string_view element, std::span<const PlyColumn> columns) {
+bool DataSection::ReadColumnsInOnePass(std::string_view element, std::span<const PlyColumn> columns) {
     const Element& records = m_pFile->GetElement(element);
     std::vector<int> items;
     bool allThere = !records.HasLists();
@@ -232,10 +232,14 @@ void DataSection::ReadColumns(std::string_view element, std::span<const PlyColum
         items.push_back(FindItem(records, column.m_sProperty));
         allThere = allThere && items.back() < static_cast<int>(records.m_vItems.size());
     }
-    if (allThere) {
-        Seek(element, records.m_vItems.empty() ? "" : records.m_vItems.front()->m_sName);
-        if (TryReadColumns(records, columns, items)) return;
-    }
+    if (!allThere) return false;
+    Seek(element, records.m_vItems.empty() ? "" : records.m_vItems.front()->m_sName);
+    return TryReadColumns(records, columns, items);
+}
+
+void DataSection::ReadColumns(std::string_view element, std::span<const PlyColumn> columns) {
+    if (ReadColumnsInOnePass(element, columns)) return;
+    const Element& records = m_pFile->GetElement(element);
     for (const PlyColumn& column : columns) {
         ColumnWriter writer{column, records.m_iCount};
         if (column.m_eKind == PlyColumn::kFloat)

@@ -1,5 +1,5 @@
-// Turns the elements of a ply file into a mesh. Binary data is walked through views, text in one pass per group of
-// columns. What is read in which order decides which reason a broken file is refused with.
+// Turns the elements of a ply file into a mesh. Binary data is walked through views, text in one pass per element. What
+// is read in which order decides which reason a broken file is refused with.
 #include "io/PlyMesh.h"
 
 #include <sys/stat.h>
@@ -56,9 +56,12 @@ private:
     [[nodiscard]] std::vector<Triangle>& Triangles() { return *m_mesh.m_pTriangles; }
 
     void ReadPositions();
+    void ReadPositionsFromText();
     void ReadPositionsFromViews();
     void ReadTriangles();
     [[nodiscard]] bool TryFaceBlock();
+    [[nodiscard]] std::vector<PlyColumn> ColorColumns();
+    [[nodiscard]] bool TryPositionsAndColors(std::span<const PlyColumn> positions);
     void ReadColors();
     void ReadColorsFromViews(bool hasAlpha);
     void ReadTexture();
@@ -67,6 +70,7 @@ private:
     CPLYFile& m_file;
     DataSection& m_data;
     bool m_isText;
+    bool m_colorsCameAlong = false;  // with the positions
     PlyMeshData m_mesh;
 };
 
@@ -74,15 +78,30 @@ void Reader::ReadPositions() {
     const Element& vertex = m_file.GetElement("vertex");
     for (const char* name : {"x", "y", "z"}) (void)vertex.GetProperty(name);
     if (!m_isText) return ReadPositionsFromViews();
-    const auto count = static_cast<std::size_t>(vertex.m_iCount);
-    ReserveInHugePages(Vertices(), count);
-    Vertices().resize(count, {.color = kWhite});
-    if (count == 0) return;
-    Vertex* const first = Vertices().data();
-    const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first->x, sizeof(Vertex)},
-                                 {"y", PlyColumn::kFloat, &first->y, sizeof(Vertex)},
-                                 {"z", PlyColumn::kFloat, &first->z, sizeof(Vertex)}};
-    m_data.ReadColumns("vertex", columns);
+    if (vertex.m_iCount == 0) return;
+    ReserveInHugePages(Vertices(), static_cast<std::size_t>(vertex.m_iCount));
+    Vertices().resize(static_cast<std::size_t>(vertex.m_iCount), {.color = kWhite});
+    ReadPositionsFromText();
+}
+
+void Reader::ReadPositionsFromText() {
+    Vertex& first = Vertices().front();
+    const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first.x, sizeof(Vertex)},
+                                 {"y", PlyColumn::kFloat, &first.y, sizeof(Vertex)},
+                                 {"z", PlyColumn::kFloat, &first.z, sizeof(Vertex)}};
+    if (!TryPositionsAndColors(columns)) m_data.ReadColumns("vertex", columns);
+}
+
+/// False when there are no colours, or anything that the reading in order shall tell of.
+bool Reader::TryPositionsAndColors(std::span<const PlyColumn> positions) {
+    const Element& vertex = m_file.GetElement("vertex");
+    for (const char* name : {"red", "green", "blue"})
+        if (!vertex.HasProperty(name)) return false;
+    if (!m_file.HasElement("face")) return false;  // nobody wants them
+    std::vector<PlyColumn> columns = ColorColumns();
+    columns.insert(columns.begin(), positions.begin(), positions.end());
+    m_colorsCameAlong = m_data.ReadColumnsInOnePass("vertex", columns);
+    return m_colorsCameAlong;
 }
 
 // Four bytes each, whatever type the header declares.
@@ -142,15 +161,21 @@ void Reader::ReadColors() {
     (void)vertex.GetProperty("green");
     (void)vertex.GetProperty("blue");
     const bool hasAlpha = vertex.HasProperty("alpha");
-    if (Vertices().empty()) return;
+    if (Vertices().empty() || m_colorsCameAlong) return;
     if (!m_isText) return ReadColorsFromViews(hasAlpha);
     for (Vertex& v : Vertices()) v.color = hasAlpha ? 0 : kOpaque;
+    m_data.ReadColumns("vertex", ColorColumns());
+}
+
+/// For text. Without an alpha in the file the top byte stays as it is.
+std::vector<PlyColumn> Reader::ColorColumns() {
     auto* const first = reinterpret_cast<std::byte*>(&Vertices().front().color);
-    const PlyColumn columns[] = {{"blue", PlyColumn::kLowByte, first, sizeof(Vertex)},
-                                 {"green", PlyColumn::kLowByte, first + 1, sizeof(Vertex)},
-                                 {"red", PlyColumn::kLowByte, first + 2, sizeof(Vertex)},
-                                 {"alpha", PlyColumn::kLowByte, first + 3, sizeof(Vertex)}};
-    m_data.ReadColumns("vertex", std::span(columns).first(hasAlpha ? 4 : 3));
+    std::vector<PlyColumn> columns = {{"blue", PlyColumn::kLowByte, first, sizeof(Vertex)},
+                                      {"green", PlyColumn::kLowByte, first + 1, sizeof(Vertex)},
+                                      {"red", PlyColumn::kLowByte, first + 2, sizeof(Vertex)}};
+    if (m_file.GetElement("vertex").HasProperty("alpha"))
+        columns.push_back({"alpha", PlyColumn::kLowByte, first + 3, sizeof(Vertex)});
+    return columns;
 }
 
 // One byte each, whatever type the header declares.
@@ -171,7 +196,7 @@ void Reader::ReadColorsFromViews(bool hasAlpha) {
 }
 
 void Reader::ReadTexture() {
-    (void)m_file.GetElement("face").GetProperty("texcoord");
+    if (!Triangles().empty()) (void)m_file.GetElement("face").GetProperty("texcoord");
     std::vector<float>& texCoords = m_mesh.m_vTexCoords;
     texCoords.resize(6 * Triangles().size());
     if (!texCoords.empty() && !m_data.ReadLists("face", "texcoord", 6, texCoords.data())) {

@@ -157,6 +157,10 @@ TEST(ReadPlyMesh, GivesNoTrianglesWithoutFaces) {
     for (const std::string& file :
          {kBinary + Vertices(3) + kEnd + Corners(), kText + Vertices(3) + kEnd + "0 0 0 1 0 0 0 1 0",
           kBinary + Vertices(3) + Faces(0) + kEnd + Corners(), kBinary + Vertices(0) + Faces(0) + kEnd,
+          kText + Vertices(0) + Faces(0) + kEnd,
+          kText + Vertices(0, std::string(kPositions) + kColors) + Faces(0) + kEnd,
+          // An image for no face needs no coordinates.
+          kBinary + Vertices(0) + Faces(0) + Image(1) + kEnd + "i",
           // What is wrong with the colours alone does not matter to whoever asked for a mesh.
           kText + Vertices(1, std::string(kPositions) + "property uchar red\n") + kEnd + "0 0 0 9"}) {
         EXPECT_THAT(*Read(file).m_pTriangles, IsEmpty());
@@ -187,6 +191,33 @@ TEST(ReadPlyMesh, ReadsAlpha) {
           kText + Vertices(2, kWithAlpha) + Faces(1) + kEnd + "0 0 0 16 32 48 64 0 0 0 1 2 3 0 3 0 1 0"}) {
         EXPECT_THAT(ColorsOf(Read(file)), ElementsAre(0x40102030, 0x00010203));
     }
+}
+
+TEST(ReadPlyMesh, ReadsTextColorsAmongAndAheadOfThePositions) {
+    const std::string properties =
+        "property uchar alpha\nproperty float y\nproperty uchar blue\nproperty uchar red\nproperty float z\n"
+        "property float quality\nproperty uchar green\nproperty float x\n";
+    const PlyMeshData mesh = Read(kText + Vertices(2, properties) + Faces(1) + kEnd +
+                                  "1 2.5 3 4 5.5 nan 6 7.5\n10 20 30 40 50 inf 60 70\n3 0 1 0");
+    EXPECT_THAT(Positions(mesh), ElementsAre(Position{7.5f, 2.5f, 5.5f}, Position{70, 20, 50}));
+    EXPECT_THAT(ColorsOf(mesh), ElementsAre(0x01040603, 0x0A283C1E));
+}
+
+TEST(ReadPlyMesh, LooksAtNoColorsOfATextWithoutFaces) {
+    const PlyMeshData mesh = Read(kText + Vertices(1, kColored) + kEnd + "1 2 3 red 5 6");
+    EXPECT_THAT(Positions(mesh), ElementsAre(Position{1, 2, 3}));
+    EXPECT_FALSE(mesh.m_bHasColors);
+    EXPECT_THAT(ColorsOf(mesh), ElementsAre(0xFFFFFFFF));
+}
+
+// A list in the record puts the walk from any item but the first out of step: from each colour of the first record it
+// takes a token of the second for the list's count and leaves the element.
+TEST(ReadPlyMesh, LeavesColorsBlackThatADisorderedWalkDoesNotReach) {
+    const std::string properties = std::string(kPositions) + kColors + "property list uchar int more\n";
+    const PlyMeshData mesh =
+        Read(kText + Vertices(2, properties) + Faces(1) + kEnd + "0 0 0 1 2 3 0\n0 0 9 4 5 6 0\n3 0 1 0");
+    EXPECT_TRUE(mesh.m_bHasColors);
+    EXPECT_THAT(ColorsOf(mesh), ElementsAre(0xFF010203, 0xFF000000));
 }
 
 TEST(ReadPlyMesh, IgnoresGreenBlueAndAlphaWithoutRed) {
@@ -354,6 +385,12 @@ const BadFile kBadFiles[] = {
     {"MoreFacesThanTokens", Header(kText, Vertices(3), Faces(2147483647)) + kTextCorners + "3 0 1 2", kEndOfData, 26},
     {"WordInText", kTextHeader + "0 0 0 1 zero 0 0 1 0 3 0 1 2", "Float expected, but found this: zero", 9},
     {"WordAmongIndices", kTextHeader + kTextCorners + "3 0 one 2", "List element is not an integer: one", 23},
+    // All blues before all greens before all reds, and the positions before them all.
+    {"WordsAmongColors", Header(kText, Vertices(2, kColored), Faces(1)) + "0 0 0 red green 3 0 0 0 1 2 blue 3 0 0 0",
+     "Integer expected, but found this: blue", 29},
+    {"WordsAmongColorsAndPositions",
+     Header(kText, Vertices(2, kColored), Faces(1)) + "0 0 0 red 2 3 0 0 z 1 2 3 3 0 0 0",
+     "Float expected, but found this: z", 19},
     {"WordAmongColors", Header(kText, Vertices(1, kColored), Faces(1)) + "0 0 0 1 red 3 3 0 0 0",
      "Integer expected, but found this: red", 9},
 };
@@ -381,6 +418,7 @@ TEST(ReadPlyMesh, TakesWhatIsNoFileForAFileWithoutTheMagicWord) {
             FAIL() << "the file was accepted";
         } catch (const CPLYFileError& error) {
             EXPECT_STREQ(error.what(), "Magic number in PLY header not found.") << path;
+            EXPECT_EQ(error.GetPosition(), -1) << path;
         }
     }
 }
