@@ -1,8 +1,9 @@
-// Which reader and writer ImportMesh and ExportMesh choose. A file of the right name and of nothing is enough for that:
-// each reader refuses it in its own way.
+// Which reader and writer ImportMesh and ExportMesh choose. A file that is not there is enough for that: each reader
+// complains in its own way.
 #include <gmock/gmock.h>
 
 #include <string>
+#include <utility>
 
 #include "KV_ScenePane/PathText.h"
 #include "support/ControlFixture.h"
@@ -54,6 +55,33 @@ TEST_P(OtherExtensions, ExportNothingAndSayNothing) {
 
 INSTANTIATE_TEST_SUITE_P(MeshFiles, OtherExtensions, testing::ValuesIn(kOtherExtensions),
                          [](const auto& row) { return row.param.name; });
+
+/// What the import of a file that is not there says, thrown or not.
+std::string ComplaintAbout(const std::wstring& path) {
+    NoPictureControl c;
+    c->InitializeKVReg();
+    std::string thrown;
+    try {
+        c->ImportMesh(path.c_str());
+    } catch (const std::exception& error) {
+        thrown = error.what();
+    }
+    c->FinalizeKVReg();
+    EXPECT_EQ(c->GetNumObjects(), 0) << thrown;
+    return thrown + c.debugOutput.Take();
+}
+
+TEST(ImportMesh, ChoosesTheReaderByTheExtensionInAnyCase) {
+    const std::pair<const wchar_t*, const char*> signs[] = {
+        {L"stl", "ImportStl()"}, {L"STL", "ImportStl()"}, {L"ois", "ImportOis()"},      {L"Ois", "ImportOis()"},
+        {L"msh", "ImportMsh()"}, {L"mSH", "ImportMsh()"}, {L"ply", "Magic number"},     {L"PLY", "Magic number"},
+        {L"hps", "ImportHps()"}, {L"HpS", "ImportHps()"}, {L"stl.ply", "Magic number"}, {L"ply.stl", "ImportStl()"}};
+    for (const auto& [extension, sign] : signs)
+        EXPECT_THAT(ComplaintAbout(std::wstring(L"no/such/a.") + extension), HasSubstr(sign));
+    // Without a point in it the whole path counts.
+    EXPECT_THAT(ComplaintAbout(L"STL"), HasSubstr("ImportStl()"));
+    EXPECT_THAT(ComplaintAbout(L"ply"), HasSubstr("Magic number"));
+}
 
 TEST(ExportMesh, WritesAPlyWhateverTheCaseOfItsExtension) {
     const ScratchFolder folder;
