@@ -1,0 +1,73 @@
+// Any bytes as the ply file of a mesh: refused, or a mesh whose triangles name its vertices, in proportion to the
+// bytes, and whose export reads back as the same mesh.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "io/CPLYFile.h"
+#include "io/PlyMesh.h"
+#include "io/PlyMeshWriter.h"
+
+namespace {
+
+void Require(bool condition) {
+    if (!condition) std::abort();
+}
+
+/// A file in memory: the reader takes paths alone.
+class MemoryFile {
+public:
+    MemoryFile(const void* bytes, std::size_t size) : m_iFd(::memfd_create("ply", MFD_CLOEXEC)) {
+        Require(m_iFd >= 0 && ::write(m_iFd, bytes, size) == static_cast<ssize_t>(size));
+    }
+    ~MemoryFile() { ::close(m_iFd); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+    [[nodiscard]] std::wstring Path() const { return L"/proc/self/fd/" + std::to_wstring(m_iFd); }
+
+private:
+    int m_iFd;
+};
+
+template <class Value>
+bool SameBytes(const std::vector<Value>& a, const std::vector<Value>& b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Value)) == 0);
+}
+
+std::vector<TexCoord> Pairs(const std::vector<float>& flat) {
+    std::vector<TexCoord> pairs;
+    for (std::size_t i = 0; i + 1 < flat.size(); i += 2) pairs.push_back({flat[i], flat[i + 1]});
+    return pairs;
+}
+
+void RequireTheSameBack(PlyMeshData mesh) {
+    const std::vector<TexCoord> texCoords = mesh.m_bHasTexture ? Pairs(mesh.m_vTexCoords) : std::vector<TexCoord>();
+    if (!mesh.m_bHasTexture) mesh.m_vImageBytes.clear();
+    const auto file = PlyMeshWriter(*mesh.m_pVertices, *mesh.m_pTriangles, texCoords, mesh.m_vImageBytes).Assemble();
+    const PlyMeshData back = ReadPlyMesh(MemoryFile(file.bytes.get(), file.size).Path());
+    const bool hasColors = !mesh.m_pVertices->empty() && (mesh.m_pVertices->front().color & 0xFFFFFF) != 0;
+    Require(back.m_bHasColors == hasColors);
+    for (Vertex& vertex : *mesh.m_pVertices) vertex.color = hasColors ? vertex.color | 0xFF000000 : 0xFFFFFFFF;
+    Require(SameBytes(*back.m_pVertices, *mesh.m_pVertices) && SameBytes(*back.m_pTriangles, *mesh.m_pTriangles));
+    Require(back.m_bHasTexture == mesh.m_bHasTexture && SameBytes(back.m_vImageBytes, mesh.m_vImageBytes));
+    if (mesh.m_bHasTexture) Require(SameBytes(back.m_vTexCoords, mesh.m_vTexCoords));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    try {
+        PlyMeshData mesh = ReadPlyMesh(MemoryFile(data, size).Path());
+        Require(mesh.GetVertexCount() * 3 <= size && mesh.GetTriangleCount() * 4 <= size);
+        Require(mesh.m_vImageBytes.size() <= size && mesh.m_vTexCoords.size() <= size * 6);
+        for (const Triangle& triangle : *mesh.m_pTriangles)
+            for (const std::int32_t index : triangle.v)
+                Require(static_cast<std::uint32_t>(index) < mesh.GetVertexCount());
+        if (mesh.GetTriangleCount() > 0) RequireTheSameBack(std::move(mesh));
+    } catch (const CPLYFileError&) {
+    }
+    return 0;
+}
