@@ -34,6 +34,26 @@ std::string Join(const std::vector<std::string_view>& lines) {
     return joined;
 }
 
+/// Reasons quote the file, which anybody may have made: no commands for a terminal, and no line as long as the file.
+std::string Legible(std::string line) {
+    constexpr std::size_t kLongest = 1000;
+    if (line.size() > kLongest) {
+        std::size_t end = kLongest;
+        const auto continues = [&line](std::size_t at) {
+            return (static_cast<unsigned char>(line[at]) & 0xC0) == 0x80;
+        };
+        while (end > kLongest - 3 && continues(end)) --end;  // whole characters
+        line.replace(end, std::string::npos, "...");
+    }
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(line[i]);
+        if (byte < ' ' || byte == 0x7F) line[i] = '?';
+        // U+0080 to U+009F are control characters, too
+        if (i > 0 && line[i - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0) line.replace(--i, 2, "?");
+    }
+    return line;
+}
+
 std::string Without(std::string text, const std::string& part) {
     for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos;) text.erase(at, part.size());
     return text;
@@ -70,7 +90,7 @@ std::string TextAbout(std::string_view file, std::string_view written, std::stri
     }
     const auto holdsError = [&](std::string_view line) { return line.find(error) != std::string_view::npos; };
     if (!error.empty() && std::ranges::none_of(said, holdsError)) said.push_back(error);
-    return Join(said);
+    return Legible(Join(said));
 }
 
 std::string ReasonOf(std::string_view file, std::string_view written, std::string_view thrown) {

@@ -35,7 +35,8 @@ private:
 [[nodiscard]] std::string JoinLines(std::string_view text);
 
 /// What the work on a file had to say, as one line: the debugger output, then the exception; what both say stands once.
-/// The viewer puts the path into its lines, and whoever shows this does so, too: "path: " is left out here.
+/// The viewer puts the path into its lines, and whoever shows this does so, too: "path: " is left out here. Control
+/// characters become question marks, and three points stand for what is behind a thousand bytes.
 /// @param file     path in bytes, as it was handed to the viewer
 /// @param written  of the debugger output
 /// @param thrown   text of the exception that ended the work; empty without one

@@ -88,6 +88,23 @@ TEST(TextAbout, LeavesOutANameWithALineFeedInIt) {
     EXPECT_EQ(TextAbout("a\nb.ply", "ImportPly(): a\nb.ply: bad\n"), "ImportPly(): bad");
 }
 
+TEST(TextAbout, HasNoControlCharactersOfTheFileInIt) {
+    EXPECT_EQ(TextAbout("a.ply", "",
+                        "found this: z\x1B[31m\x7F\t\b\xC2\x9B"
+                        "2J\xC3\xB6\xC2\xA0"),
+              "found this: z?[31m????2J\xC3\xB6\xC2\xA0");
+}
+
+TEST(TextAbout, EndsAfterAThousandBytesAtAWholeCharacter) {
+    const std::string thousand(1000, 'a');
+    EXPECT_EQ(TextAbout("a.ply", thousand), thousand);
+    EXPECT_EQ(TextAbout("a.ply", "", thousand + "b"), thousand + "...");
+    EXPECT_EQ(TextAbout("a.ply", thousand.substr(2) + "\xE2\x82\xAC"), thousand.substr(2) + "...");
+    EXPECT_EQ(TextAbout("a.ply", thousand.substr(3) + "\xE2\x82\xAC"
+                                                      "b"),
+              thousand.substr(3) + "\xE2\x82\xAC...");
+}
+
 TEST(ReasonOf, ASilentFailureIsNeverEmpty) {
     EXPECT_EQ(ReasonOf("a.ply", ""), "nothing in it could be imported");
     EXPECT_EQ(ReasonOf("a.ply", "a.ply: \n"), "nothing in it could be imported");
