@@ -204,10 +204,12 @@ TEST(ReadPlyMesh, ReadsTextColorsAmongAndAheadOfThePositions) {
 }
 
 TEST(ReadPlyMesh, LooksAtNoColorsOfATextWithoutFaces) {
-    const PlyMeshData mesh = Read(kText + Vertices(1, kColored) + kEnd + "1 2 3 red 5 6");
-    EXPECT_THAT(Positions(mesh), ElementsAre(Position{1, 2, 3}));
-    EXPECT_FALSE(mesh.m_bHasColors);
-    EXPECT_THAT(ColorsOf(mesh), ElementsAre(0xFFFFFFFF));
+    for (const char* data : {"1 2 3 red 5 6", "1 2 3 4 5 6"}) {
+        const PlyMeshData mesh = Read(kText + Vertices(1, kColored) + kEnd + data);
+        EXPECT_THAT(Positions(mesh), ElementsAre(Position{1, 2, 3}));
+        EXPECT_FALSE(mesh.m_bHasColors);
+        EXPECT_THAT(ColorsOf(mesh), ElementsAre(0xFFFFFFFF));
+    }
 }
 
 // A list in the record puts the walk from any item but the first out of step: from each colour of the first record it
