@@ -1,5 +1,5 @@
-// Writes the sphere of a million triangles as stl, ply and text ply into a folder and imports each through the public
-// surface, so that bench/peers.py can time other programs on the same files.
+// Writes the bumpy sphere as stl, ply and text ply into a folder and imports each through the public surface, so that
+// bench/peers.py can time other programs on the same files.
 //   peer_files FOLDER      prints a line a file: its path and the best time of seven imports in milliseconds
 #include <malloc.h>
 
@@ -17,6 +17,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "SphereFixture.h"
+#include "StlFixture.h"
 
 namespace {
 
@@ -56,6 +57,12 @@ std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
     return pane;
 }
 
+void WriteStlFile(const std::string& path, int million, StlOrder order) {
+    const std::vector<std::byte> file = MakeBenchStl(million, order);
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+}
+
 double BestImportMs(KV_ScenePane::_DKV_ScenePane& methods, const std::string& path) {
     double best = std::numeric_limits<double>::infinity();
     for (int run = 0; run < 7; ++run) {
@@ -67,7 +74,7 @@ double BestImportMs(KV_ScenePane::_DKV_ScenePane& methods, const std::string& pa
         best = std::min(best, took.count());
         std::int32_t vertices = 0, triangles = 0;
         methods.GetMeshDataSize(0, &vertices, &triangles);
-        if (triangles != 2 * kColumns * kRings) throw std::runtime_error("another mesh came back from " + path);
+        if (triangles < 2 * kColumns * kRings) throw std::runtime_error("another mesh came back from " + path);
     }
     return best;
 }
@@ -80,13 +87,18 @@ int main(int argc, char** argv) try {
         return 2;
     }
     const std::string folder = argv[1];
-    const std::string text = folder + "/sphere-text.ply", binary = folder + "/sphere.ply", stl = folder + "/sphere.stl";
-    WriteTextPly(MakeBenchSphere(kColumns, kRings), text);
+    const auto in = [&folder](const char* name) { return folder + "/" + name; };
+    WriteStlFile(in("1M.stl"), 1, StlOrder::Mesh);
+    WriteStlFile(in("1M-shuffled.stl"), 1, StlOrder::Shuffled);
+    WriteStlFile(in("5M.stl"), 5, StlOrder::Mesh);
+    WriteStlFile(in("5M-shuffled.stl"), 5, StlOrder::Shuffled);
+    WriteTextPly(MakeBenchSphere(kColumns, kRings), in("1M-text.ply"));
     const auto pane = MakePane();
-    pane->Methods().ImportMesh(KV_ScenePane::WidePath(text).c_str());
-    for (const std::string& path : {binary, stl}) pane->Methods().ExportMesh(0, KV_ScenePane::WidePath(path).c_str());
-    for (const std::string& path : {stl, binary, text})
-        std::printf("%s %.1f\n", path.c_str(), BestImportMs(pane->Methods(), path));
+    auto& methods = pane->Methods();
+    methods.ImportMesh(KV_ScenePane::WidePath(in("1M-text.ply")).c_str());
+    methods.ExportMesh(0, KV_ScenePane::WidePath(in("1M.ply")).c_str());
+    for (const char* name : {"1M.stl", "1M-shuffled.stl", "5M.stl", "5M-shuffled.stl", "1M.ply", "1M-text.ply"})
+        std::printf("%s %.1f\n", in(name).c_str(), BestImportMs(methods, in(name)));
 } catch (const std::exception& error) {
     std::fprintf(stderr, "peer_files: %s\n", error.what());
     return 1;

@@ -2,9 +2,12 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "io/CPLYFile.h"
 
@@ -48,4 +51,51 @@ void ExpectPlyError(Action action, const std::string& message, std::int64_t posi
         EXPECT_EQ(error.what(), message);
         EXPECT_EQ(error.GetPosition(), position);
     }
+}
+
+using Ints = std::vector<int>;
+using Floats = std::vector<float>;
+using Starts = std::vector<std::int64_t>;
+
+/// Everything that ForEachInt hands out; checks that the index counts.
+inline Ints AllInts(DataSection& data, std::string_view element, std::string_view property) {
+    Ints values;
+    const auto take = [](std::int64_t index, int value, void* user) {
+        auto& list = *static_cast<Ints*>(user);
+        EXPECT_EQ(index, static_cast<std::int64_t>(list.size()));
+        list.push_back(value);
+        return true;
+    };
+    data.ForEachInt(element, property, take, &values);
+    return values;
+}
+
+inline Floats AllFloats(DataSection& data, std::string_view element, std::string_view property) {
+    Floats values;
+    const auto take = [](std::int64_t, float value, void* user) {
+        static_cast<Floats*>(user)->push_back(value);
+        return true;
+    };
+    data.ForEachFloat(element, property, take, &values);
+    return values;
+}
+
+inline std::vector<Ints> AllIntLists(DataSection& data, std::string_view element, std::string_view property) {
+    std::vector<Ints> values;
+    const auto take = [](std::int64_t, const Ints& value, void* user) {
+        static_cast<std::vector<Ints>*>(user)->push_back(value);
+        return true;
+    };
+    data.ForEachIntList(element, property, take, &values);
+    return values;
+}
+
+inline std::vector<Floats> AllFloatLists(DataSection& data, std::string_view element, std::string_view property) {
+    std::vector<Floats> values;
+    const auto take = [](std::int64_t, const Floats& value, void* user) {
+        static_cast<std::vector<Floats>*>(user)->push_back(value);
+        return true;
+    };
+    data.ForEachFloatList(element, property, take, &values);
+    return values;
 }
