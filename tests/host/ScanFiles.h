@@ -21,9 +21,8 @@ inline std::vector<float> FlatGrid(int columns, int rows, float height, float sc
 }
 
 inline void AppendBytes(std::vector<std::byte>& bytes, const void* data, std::size_t size) {
-    const std::size_t end = bytes.size();
-    bytes.resize(end + size);
-    std::memcpy(bytes.data() + end, data, size);
+    const auto* first = static_cast<const std::byte*>(data);  // null when there is nothing
+    bytes.insert(bytes.end(), first, first + size);
 }
 
 inline void AppendSize(std::vector<std::byte>& bytes, int columns, int rows) {
