@@ -1,7 +1,6 @@
 // Small scan files for the tests of the host: a flat grid, one unit from point to point, in the scene's units.
 #pragma once
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
