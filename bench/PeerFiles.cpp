@@ -1,5 +1,5 @@
-// Writes the bumpy sphere as stl, ply and text ply into a folder and imports each through the public surface, so that
-// bench/peers.py can time other programs on the same files.
+// Writes the bumpy sphere as stl, ply, text ply and hps into a folder and imports each through the public surface, so
+// that bench/peers.py can time other programs on the same files.
 //   peer_files FOLDER      prints a line a file: its path and the best time of seven imports in milliseconds
 #include <malloc.h>
 
@@ -96,9 +96,12 @@ int main(int argc, char** argv) try {
     const auto pane = MakePane();
     auto& methods = pane->Methods();
     methods.ImportMesh(KV_ScenePane::WidePath(in("1M-text.ply")).c_str());
-    methods.ExportMesh(0, KV_ScenePane::WidePath(in("1M.ply")).c_str());
-    for (const char* name : {"1M.stl", "1M-shuffled.stl", "5M.stl", "5M-shuffled.stl", "1M.ply", "1M-text.ply"})
+    methods.InitializeKVReg();
+    for (const char* name : {"1M.ply", "1M.hps"}) methods.ExportMesh(0, KV_ScenePane::WidePath(in(name)).c_str());
+    for (const char* name :
+         {"1M.stl", "1M-shuffled.stl", "5M.stl", "5M-shuffled.stl", "1M.ply", "1M-text.ply", "1M.hps"})
         std::printf("%s %.1f\n", in(name).c_str(), BestImportMs(methods, in(name)));
+    methods.FinalizeKVReg();
 } catch (const std::exception& error) {
     std::fprintf(stderr, "peer_files: %s\n", error.what());
     return 1;
