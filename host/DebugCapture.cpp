@@ -43,13 +43,17 @@ std::string Legible(std::string line) {
             return (static_cast<unsigned char>(line[at]) & 0xC0) == 0x80;
         };
         while (end > kLongest - 3 && continues(end)) --end;  // whole characters
-        line.replace(end, std::string::npos, "...");
+        line.resize(end);
+        line += "...";
     }
     for (std::size_t i = 0; i < line.size(); ++i) {
         const auto byte = static_cast<unsigned char>(line[i]);
         if (byte < ' ' || byte == 0x7F) line[i] = '?';
         // U+0080 to U+009F are control characters, too
-        if (i > 0 && line[i - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0) line.replace(--i, 2, "?");
+        if (i > 0 && line[i - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0) {
+            line.erase(i, 1);
+            line[--i] = '?';
+        }
     }
     return line;
 }

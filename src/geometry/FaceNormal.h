@@ -42,11 +42,10 @@ void ForEachTriangle(const std::vector<Triangle>& triangles, const std::vector<V
     constexpr std::size_t kAhead = 24;
     for (std::size_t i = first; i < last; ++i) {
         const Triangle& coming = triangles[std::min(i + kAhead, triangles.size() - 1)];
-        // Addresses alone: an index beyond the vertices does no harm here.
-        for (const auto corner : coming.v)
-            __builtin_prefetch(reinterpret_cast<const void*>(
-                reinterpret_cast<std::uintptr_t>(vertices.data()) +
-                static_cast<std::uintptr_t>(static_cast<std::intptr_t>(corner)) * sizeof(Vertex)));
+        for (const auto corner : coming.v) {
+            const auto index = static_cast<std::size_t>(static_cast<std::uint32_t>(corner));
+            if (index < vertices.size()) __builtin_prefetch(&vertices[index]);
+        }
         visit(i);
     }
 }
