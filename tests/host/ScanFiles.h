@@ -1,6 +1,7 @@
 // Small scan files for the tests of the host: a flat grid, one unit from point to point, in the scene's units.
 #pragma once
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,10 @@ inline std::vector<float> FlatGrid(int columns, int rows, float height, float sc
 }
 
 inline void AppendBytes(std::vector<std::byte>& bytes, const void* data, std::size_t size) {
-    const auto* first = static_cast<const std::byte*>(data);  // null when there is nothing
-    bytes.insert(bytes.end(), first, first + size);
+    if (size == 0) return;  // the pointer may be null then
+    const std::size_t end = bytes.size();
+    bytes.resize(end + size);
+    std::memcpy(bytes.data() + end, data, size);
 }
 
 inline void AppendSize(std::vector<std::byte>& bytes, int columns, int rows) {
