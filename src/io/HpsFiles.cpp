@@ -6,10 +6,9 @@
 #include <string_view>
 #include <utility>
 
-#include "KV_ScenePane/PathText.h"
 #include "control/ScenePaneCtrl.h"
+#include "io/FileMessage.h"
 #include "io/HpsMeshFile.h"
-#include "platform/DebugOutput.h"
 
 namespace {
 
@@ -39,8 +38,7 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
     try {
         data = ReadHpsFile(path);
     } catch (const HpsReadError& error) {
-        const std::string reason = *error.what() == '\0' ? "an error without a text" : error.what();
-        DebugOutput("ImportHps(): " + KV_ScenePane::PathBytes(path) + ": " + reason + "\n");
+        SayAboutFile("ImportHps", path, *error.what() == '\0' ? "an error without a text" : error.what());
         return -1;
     }
     const bool textured = !data.m_vPixels.empty();

@@ -43,7 +43,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
 }
 
 void CKV_ScenePaneCtrl::ExportPly(std::int16_t objIdx, const wchar_t* path) {
-    assert(objIdx >= 0 && static_cast<std::size_t>(objIdx) < m_vpMeshes.size());
+    assert(ObjectAt(objIdx) != nullptr);
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
     std::span<const std::uint8_t> imageBytes;
     if (mesh.m_pTexture) imageBytes = mesh.m_pTexture->m_vImageBytes;

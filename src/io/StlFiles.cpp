@@ -2,7 +2,6 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
-
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -35,7 +34,7 @@ int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
 }
 
 void CKV_ScenePaneCtrl::ExportStl(std::int16_t objIdx, const wchar_t* path) {
-    assert(objIdx >= 0 && static_cast<std::size_t>(objIdx) < m_vpMeshes.size());
+    assert(ObjectAt(objIdx) != nullptr);
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
     try {
         MsrStorage::AtomicFile file(KV_ScenePane::PathBytes(path), MsrStorage::FileCalls::Real());
