@@ -88,6 +88,18 @@ TEST_F(HpsRoundTrip, NamesTheObjectByTheFileAndLeavesColorsOut) {
     }
 }
 
+TEST_F(HpsRoundTrip, GoesPastTheStagingOfAParallelImport) {
+    AddRoof(*c);
+    Export("roof.hps");
+    void* control = nullptr;
+    KV_ScenePane::ImportMeasurementEntry entry = nullptr;
+    c->BeginParallelImport(&control, &entry);
+    Import("roof.hps");
+    EXPECT_EQ(c->GetNumObjects(), 2);
+    c->EndParallelImport();
+    EXPECT_EQ(c->GetNumObjects(), 2);
+}
+
 TEST_F(HpsRoundTrip, GivesAFlatMeshTheNormalOfItsPlane) {
     AddMesh(*c, {{0, 0, 5}, {2, 0, 5}, {2, 2, 5}, {0, 2, 5}}, {{{0, 1, 2}}, {{0, 2, 3}}});
     Export("flat.hps");

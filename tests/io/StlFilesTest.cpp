@@ -139,6 +139,18 @@ TEST_F(StlFiles, GoPastTheStagingOfAParallelImport) {
     EXPECT_EQ(c->m_vpMeshes.size(), 1u);
 }
 
+TEST_F(StlFiles, OisAndMshGoPastTheStagingOfAParallelImport) {
+    void* control = nullptr;
+    KV_ScenePane::ImportMeasurementEntry entry = nullptr;
+    c->BeginParallelImport(&control, &entry);
+    Import(Packed(0, 0), "empty.ois");
+    EXPECT_EQ(c->m_vpMeshes.size(), 1u);
+    Import(Packed(0, 0), "empty.msh");
+    EXPECT_EQ(c->m_vpMeshes.size(), 2u);
+    c->EndParallelImport();
+    EXPECT_EQ(c->m_vpMeshes.size(), 2u);
+}
+
 TEST_F(StlFiles, AProcessLocaleWithADecimalCommaChangesNothing) {
     const CommaLocale locale;
     if (!locale.IsSet()) GTEST_SKIP() << "no sources of locales here";
