@@ -35,7 +35,7 @@ std::string Join(const std::vector<std::string_view>& lines) {
 }
 
 /// Reasons quote the file, which anybody may have made: no commands for a terminal, and no line as long as the file.
-std::string Legible(std::string line) {
+std::string SanitizeForTerminal(std::string line) {
     constexpr std::size_t kLongest = 1000;
     if (line.size() > kLongest) {
         std::size_t end = kLongest;
@@ -94,7 +94,7 @@ std::string TextAbout(std::string_view file, std::string_view written, std::stri
     }
     const auto holdsError = [&](std::string_view line) { return line.find(error) != std::string_view::npos; };
     if (!error.empty() && std::ranges::none_of(said, holdsError)) said.push_back(error);
-    return Legible(Join(said));
+    return SanitizeForTerminal(Join(said));
 }
 
 std::string ReasonOf(std::string_view file, std::string_view written, std::string_view thrown) {

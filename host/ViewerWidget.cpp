@@ -41,7 +41,7 @@ void ViewerWidget::resizeEvent(QResizeEvent* event) {
 }
 
 void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
-    EventTeller::CustomKeyDown(nChar, nRepCnt, nFlags);
+    EventFormatter::CustomKeyDown(nChar, nRepCnt, nFlags);
     m_held.Press(nChar);
     emit KeyPressed(nChar, m_held.With(QGuiApplication::queryKeyboardModifiers()));
 }

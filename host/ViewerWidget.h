@@ -4,14 +4,14 @@
 #include <memory>
 #include <string>
 
-#include "EventTeller.h"
+#include "EventFormatter.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "KeyShortcut.h"
 #include "RegistryStart.h"
 
 class QSocketNotifier;
 
-class ViewerWidget : public QWidget, private EventTeller {
+class ViewerWidget : public QWidget, private EventFormatter {
     Q_OBJECT
 public:
     /// @param wantedSize  of the drawing area, in pixels of the device

@@ -121,9 +121,9 @@ public:
             }
         }
         m_codes.push_back(static_cast<std::uint8_t>(kAlone));
-        m_numbers.Put(kFirstPlane, FoldSign(corners[0] - m_state.First()));
-        m_numbers.Put(kSecondPlane, FoldSign(corners[1] - corners[0]));
-        m_numbers.Put(kThirdPlane, FoldSign(corners[2] - corners[1]));
+        m_numbers.Put(kFirstPlane, ZigzagEncode(corners[0] - m_state.First()));
+        m_numbers.Put(kSecondPlane, ZigzagEncode(corners[1] - corners[0]));
+        m_numbers.Put(kThirdPlane, ZigzagEncode(corners[2] - corners[1]));
         m_state.FollowAlone(corners);
     }
 
@@ -148,7 +148,7 @@ private:
             kind = kRecent;
             m_numbers.Put(kFarPlane, thirdAge);
         } else {
-            m_numbers.Put(kFarPlane, FoldSign(third - m_state.Last()));
+            m_numbers.Put(kFarPlane, ZigzagEncode(third - m_state.Last()));
         }
         m_codes.push_back(static_cast<std::uint8_t>((age * kTurnCount + turn) * kThirdCount + kind));
         m_state.FollowShared(age, kind, third);

@@ -23,7 +23,7 @@ struct Entry {
 };
 static_assert(sizeof(Entry) == kEntrySize);
 
-constexpr std::uint32_t kMostOfAll = std::numeric_limits<std::int32_t>::max();
+constexpr std::uint32_t kMaxOfAll = std::numeric_limits<std::int32_t>::max();
 
 /// What a mesh takes in memory: three floats a vertex, three indices a triangle.
 std::uint64_t MeshBytes(const FileContent& content) {
@@ -138,7 +138,7 @@ FileContent ParseFrame(ByteSpan file) {
     content.triangleCount = header.TakeValue<std::uint32_t>();
 
     const std::vector<Entry> entries = TakeTable(file, count);
-    if (content.vertexCount > kMostOfAll || content.triangleCount > kMostOfAll) FailInvalid("impossible counts");
+    if (content.vertexCount > kMaxOfAll || content.triangleCount > kMaxOfAll) FailInvalid("impossible counts");
     if (MeshBytes(content) / kMaxExpansion > file.size()) FailInvalid("counts out of proportion to the file");
     ByteReader from(file.subspan(LengthOf(count, 0)));
     for (const Entry& entry : entries) TakeSection(entry, from.Take(entry.size), content);

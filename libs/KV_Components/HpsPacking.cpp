@@ -31,7 +31,7 @@ ByteVector Compress(ByteSpan bytes, int level) {
 
 }  // namespace
 
-void* TakeMemory(std::uint64_t size) {
+void* AllocateLarge(std::uint64_t size) {
     constexpr std::uint64_t kLargePage = 2 * 1024 * 1024;
     if (size > std::numeric_limits<std::size_t>::max() - kLargePage) throw std::bad_alloc();
     const bool isLarge = size >= kLargePage;

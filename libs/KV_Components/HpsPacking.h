@@ -30,7 +30,7 @@ inline constexpr std::uint64_t kMaxExpansion = 64;
 
 /// Memory that is not cleared, in large pages where the system offers them: a large array's many small ones cost more
 /// than the work on it. To be given back by std::free(). @throws std::bad_alloc
-[[nodiscard]] void* TakeMemory(std::uint64_t size);
+[[nodiscard]] void* AllocateLarge(std::uint64_t size);
 
 /// An array that is not cleared first.
 template <class T>
@@ -38,7 +38,7 @@ class RawArray {
 public:
     RawArray() = default;
     explicit RawArray(std::size_t size)
-        : m_pValues(static_cast<T*>(TakeMemory(std::uint64_t{sizeof(T)} * size))), m_uSize(size) {}
+        : m_pValues(static_cast<T*>(AllocateLarge(std::uint64_t{sizeof(T)} * size))), m_uSize(size) {}
     [[nodiscard]] T* data() { return m_pValues.get(); }
     [[nodiscard]] const T* data() const { return m_pValues.get(); }
     [[nodiscard]] std::size_t size() const { return m_uSize; }
@@ -97,7 +97,7 @@ inline constexpr std::size_t kBlockPadding = 16;
 [[nodiscard]] RawArray<std::byte> TakeBlock(ByteReader& from, std::uint64_t most);
 
 /// Signed differences as numbers whose small ones are small: 0, -1, 1, -2, 2...
-[[nodiscard]] constexpr std::uint32_t FoldSign(std::uint32_t difference) {
+[[nodiscard]] constexpr std::uint32_t ZigzagEncode(std::uint32_t difference) {
     return (difference << 1) ^ (0u - (difference >> 31));
 }
 [[nodiscard]] constexpr std::uint32_t UnfoldSign(std::uint32_t folded) { return (folded >> 1) ^ (0u - (folded & 1)); }
@@ -145,7 +145,7 @@ private:
 
 class NumberReader {
 public:
-    static constexpr std::size_t kMostPlanes = 4;
+    static constexpr std::size_t kMaxPlanes = 4;
 
     NumberReader() = default;
     /// @param most  numbers in a plane
@@ -193,7 +193,7 @@ private:
         return kClasses[kind].smallest + static_cast<std::uint32_t>(below);
     }
 
-    std::array<Plane, kMostPlanes> m_planes;
+    std::array<Plane, kMaxPlanes> m_planes;
     RawArray<std::byte> m_bits;
     std::uint64_t m_uBit = 0, m_uBitCount = 0;
 };

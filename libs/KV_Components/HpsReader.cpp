@@ -24,7 +24,7 @@ struct ReleaseObject {
 };
 using ObjectPointer = std::unique_ptr<Object, ReleaseObject>;
 
-constexpr std::size_t kMostBytes = std::numeric_limits<std::int32_t>::max();  ///< that a size can tell
+constexpr std::size_t kMaxBytes = std::numeric_limits<std::int32_t>::max();  ///< that a size can tell
 
 /// The picture of an image file. @throws Hps::FileError
 ObjectPointer DecodeImage(Hps::ByteSpan file) {
@@ -135,12 +135,12 @@ void HpsReader::Read(const std::string& path) {
     m_content = Hps::ParseFile(m_file.Span());
     UnpackMesh();
     try {
-        if (m_content.uv.size() > kMostBytes) throw Hps::DamagedData("too large");
+        if (m_content.uv.size() > kMaxBytes) throw Hps::DamagedData("too large");
         if (!m_content.uv.empty()) (void)Hps::MeasureUv(m_content.uv);
     } catch (const Hps::DamagedData& damage) {
         throw Hps::FileError(ReadError::kUv, damage.what());
     }
-    if (m_content.texture.size() > kMostBytes) throw Hps::FileError(ReadError::kTexture, "too large");
+    if (m_content.texture.size() > kMaxBytes) throw Hps::FileError(ReadError::kTexture, "too large");
     if (!m_content.texture.empty()) m_pImage = DecodeImage(m_content.texture);
 }
 

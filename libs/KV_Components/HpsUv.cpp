@@ -54,7 +54,7 @@ std::size_t PeriodOf(std::span<const Pair> pairs, std::vector<std::size_t>& bord
 }
 
 void PutDifference(NumberWriter& numbers, std::size_t plane, std::uint32_t value, std::uint32_t before) {
-    numbers.Put(plane, FoldSign(OrderedBits(value) - OrderedBits(before)), ExponentOf(before));
+    numbers.Put(plane, ZigzagEncode(OrderedBits(value) - OrderedBits(before)), ExponentOf(before));
 }
 
 std::uint32_t TakeDifference(NumberReader& numbers, std::size_t plane, std::uint32_t before) {
@@ -76,7 +76,7 @@ std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uin
     for (std::size_t vertex = 0; vertex < vertexCount; ++vertex) {
         const std::span<const Pair> list = lists.Of(vertex);
         const std::size_t period = PeriodOf(list, borders);
-        if (period > kMostPairsOfVertex) return std::nullopt;
+        if (period > kMaxPairsOfVertex) return std::nullopt;
         pairsOfVertex.push_back(static_cast<std::uint8_t>(period));
         pairCount += period;
         for (const Pair& pair : list.first(period)) {

@@ -8,12 +8,12 @@
 
 namespace KvComponents::Hps {
 
-inline constexpr std::size_t kMostPairsOfVertex = 255;
+inline constexpr std::size_t kMaxPairsOfVertex = 255;
 
 /// The block of the pairs of all corners. Corner for corner in the order of the triangles, a vertex's pairs are its
 /// list over and over; the list is the shortest that does so. Pairs are alike when their bits are.
 /// @param pairs  two values for each of the indices
-/// @return nothing when a vertex needs a list of more than kMostPairsOfVertex
+/// @return nothing when a vertex needs a list of more than kMaxPairsOfVertex
 [[nodiscard]] std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uint32_t vertexCount,
                                                std::span<const float> pairs);
 

@@ -69,7 +69,7 @@ std::uint64_t CostOf(std::span<const float> positions, std::span<const Introduct
         const Float4 position = PositionOf(positions, introduction.vertex);
         const auto from = std::bit_cast<Bits4>(predicted), to = std::bit_cast<Bits4>(position);
         for (std::size_t axis = 0; axis < kAxisCount; ++axis)
-            cost += ClassOf(FoldSign(OrderedBits(to[axis]) - OrderedBits(from[axis])));
+            cost += ClassOf(ZigzagEncode(OrderedBits(to[axis]) - OrderedBits(from[axis])));
         predictor.Follow(introduction.vertex, predicted, position);
     }
     return cost;
@@ -101,7 +101,7 @@ ByteVector EncodePositions(std::span<const float> positions, std::span<const Int
         const auto from = std::bit_cast<Bits4>(predicted), to = std::bit_cast<Bits4>(position);
         for (std::size_t axis = 0; axis < kAxisCount; ++axis) {
             const std::uint32_t difference = OrderedBits(to[axis]) - OrderedBits(from[axis]);
-            numbers.Put(axis, FoldSign(difference), ExponentOf(from[axis]));
+            numbers.Put(axis, ZigzagEncode(difference), ExponentOf(from[axis]));
         }
         predictor.Follow(introduction.vertex, predicted, position);
     }

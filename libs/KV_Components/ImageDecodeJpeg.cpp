@@ -16,7 +16,7 @@ namespace {
 
 // A progressive file can bring any number of empty scans over a large picture, each a pass over all of it. Encoders
 // write about ten.
-constexpr int kMostScans = 100;
+constexpr int kMaxScans = 100;
 
 /// Warnings about what many sound files carry. All others tell that picture data are missing or wrong, which the
 /// library would replace by grey.
@@ -77,7 +77,7 @@ private:
         if (isWarning && !IsHarmless(jpeg->err->msg_code)) Fail(jpeg);
     }
     static void CountScans(j_common_ptr jpeg) {
-        if (static_cast<JpegReader*>(jpeg->client_data)->m_jpeg.input_scan_number > kMostScans) Fail(jpeg);
+        if (static_cast<JpegReader*>(jpeg->client_data)->m_jpeg.input_scan_number > kMaxScans) Fail(jpeg);
     }
 
     jpeg_decompress_struct m_jpeg{};

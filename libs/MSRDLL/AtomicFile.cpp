@@ -42,8 +42,8 @@ std::string FolderOf(const std::string& path) {
 
 /// The path behind the links that the last part of @p path may be; it need not exist.
 std::string FollowLinks(std::string path) {
-    constexpr int kMostLinks = 40;  // as many as the system itself follows
-    for (int i = 0; i <= kMostLinks; ++i) {
+    constexpr int kMaxLinks = 40;  // as many as the system itself follows
+    for (int i = 0; i <= kMaxLinks; ++i) {
         char link[PATH_MAX];
         const ssize_t length = ::readlink(path.c_str(), link, sizeof link);
         if (length < 0) return path;  // no link, or nothing there

@@ -1,8 +1,8 @@
 // Methods whose rooms are still to be built. They do nothing, and say so where a programmer looks.
 #include <string>
 
+#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
-#include "platform/DebugOutput.h"
 
 using KV_ScenePane::BSTR;
 using KV_ScenePane::VARIANT_BOOL;

@@ -1,8 +1,8 @@
 // The simple methods on the object list.
 #include <string>
 
+#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
-#include "platform/DebugOutput.h"
 
 namespace {
 

@@ -20,9 +20,10 @@ void CreateDrawLockOnce() {
 
 }  // namespace
 
-CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window)
-    : m_pWindow(std::move(window)), m_nCreatorThreadId(static_cast<std::uint32_t>(gettid())) {
-    assert(m_pWindow != nullptr);
+CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window) {
+    assert(window != nullptr);
+    m_pWindow = std::move(window);
+    m_nCreatorThreadId = static_cast<std::uint32_t>(gettid());
     ConnectMouseHandlers();
     m_clipPlane.SetCenter({0.0, 0.0, 10.0});
     m_pQuadric = gluNewQuadric();

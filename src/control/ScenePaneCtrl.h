@@ -1,5 +1,5 @@
-// CKV_ScenePaneCtrl: the one object that a host sees. All scene state is its members, in groups headed by the room that
-// works on them; the methods stand under the source file that defines them.
+// CKV_ScenePaneCtrl: the one object that a host sees. Its state comes from its modules, one struct each, whose header
+// says what holds between the members; the methods are grouped by the source file that defines them.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -11,54 +11,40 @@
 #include <vector>
 
 #include "KV_ScenePane/ScenePane.h"
-#include "align/CInteractionDlg.h"
-#include "clip/Plane.h"
-#include "cut/CutSession.h"
+#include "align/AlignState.h"
+#include "clip/ClipState.h"
+#include "control/SceneState.h"
+#include "cut/CutState.h"
 #include "geometry/Box.h"
 #include "geometry/Float3.h"
 #include "geometry/Mesh.h"
-#include "markers/FreePointSet.h"
-#include "markers/Line3D.h"
-#include "markers/Needle.h"
-#include "markers/PickPointSphere.h"
+#include "io/ImportState.h"
+#include "markers/MarkerState.h"
 #include "platform/PaneWindow.h"
-#include "platform/PerformanceCounter.h"
-#include "render/Overlay.h"
-#include "render/TextDraw.h"
-#include "view/MouseDispatch.h"
+#include "render/RenderState.h"
+#include "view/AnimationState.h"
+#include "view/CameraState.h"
+#include "view/InputState.h"
 #include "view/ViewFrame.h"
-
-class GLUquadric;
 
 /// One critical section for the whole process, held across a frame so that two controls never draw at the same time.
 /// Created by the first control, never deleted. Recursive on its owner.
 extern std::recursive_mutex* g_drawLock;
 
-/// Values of m_nInteractionMode. 2, 5 and 8 are never assigned.
-enum InteractionMode : std::int32_t {
-    ModeIdle = 0,
-    ModeRotate = 1,
-    ModePan = 3,
-    ModeLasso = 4,
-    ModeAlignInteractive = 6,
-    ModeAlignPickPoints = 7,
-    ModePlaneHandle = 9,
-    ModeMaskLasso = 10,
-    ModePlaneRotate = 11,
-    ModePlaneMove = 12,
-};
-
-/// Values of m_nPickMode that differ from 0.
-enum PickMode : std::int32_t {
-    PickModeCross = 1,    ///< the centre cross is drawn
-    PickModeObjects = 2,  ///< clicks on objects fire SelectObjCoords; 3 is the same
-    PickModePoints = 5,   ///< the same; a click beside the objects leaves the view, and pick-point spheres are drawn
-};
-
 /// The clip plane's handles that are shown and offered.
 enum class PlaneHandles { Both, Move, Rotate };
 
-class CKV_ScenePaneCtrl final : public KV_ScenePane::_DKV_ScenePane,
+class CKV_ScenePaneCtrl final : public SceneState,
+                                public RenderState,
+                                public CameraState,
+                                public InputState,
+                                public AnimationState,
+                                public ImportState,
+                                public MarkerState,
+                                public ClipState,
+                                public CutState,
+                                public AlignState,
+                                public KV_ScenePane::_DKV_ScenePane,
                                 public KV_ScenePane::ScenePane,
                                 public WindowClient {
 public:
@@ -193,12 +179,12 @@ public:
     void SetDefaultZoomFactor(float newDefault) override;
     void TracingMode(std::int16_t on) override;
 
-    // ---- view/MouseDelivery.cpp
+    // ---- view/MouseInput.cpp
     void FlipMouseButtons(std::int16_t flip) override;
     void AllowMouseInteraction(std::int16_t on) override;
     void SetIGDRotation(std::int16_t on) override;
 
-    // ---- view/RotateView.cpp
+    // ---- view/ViewRotation.cpp
     void SetRotationMode(std::int16_t mode) override;
 
     // ---- view/Animation.cpp
@@ -288,9 +274,9 @@ public:
     void SetScanData(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
                      const float* trafo, std::uint32_t color, const std::uint32_t* colors);
 
-    // ---- io/PlyFiles.cpp, StlFiles.cpp, SmallMeshFiles.cpp, HpsFiles.cpp: the formats behind ImportMesh and
-    // ExportMesh. An import adds one object or none; what it refuses is thrown, or told in the debugger output with -1
-    // returned.
+    // ---- io/PlyImportExport.cpp, StlImportExport.cpp, SmallMeshImport.cpp, HpsImportExport.cpp: the formats behind
+    // ImportMesh and ExportMesh. An import adds one object or none; what it refuses is thrown, or told in the debugger
+    // output with -1 returned.
     int ImportPly(const wchar_t* path);
     void ExportPly(std::int16_t objIdx, const wchar_t* path);
     int ImportStl(const wchar_t* path);
@@ -399,7 +385,7 @@ public:
     /// 0 when there is no inverse or no context; the outputs are then untouched.
     int UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y, float* z);
 
-    // ---- view/MouseDelivery.cpp: from the window to the handlers below, directly or delayed
+    // ---- view/MouseInput.cpp: from the window to the handlers below, directly or delayed
     /// Enters the handlers in m_mouseDispatch.
     void ConnectMouseHandlers();
     void OnMouse(const KV_ScenePane::MouseInput& input) override;
@@ -450,7 +436,7 @@ public:
     /// Keeps m_bLassoCursor and the window's cursor together.
     void ShowCursor(PaneCursor cursor);
 
-    // ---- view/PlaneInput.cpp: the clip plane under the mouse
+    // ---- clip/PlaneInput.cpp: the clip plane under the mouse
     /// Sets the mode; the handles that it does not use are hidden.
     void EnterPlaneDrag(std::int32_t x, std::int32_t y, std::int32_t mode);
     /// With the handle that the last hover found.
@@ -471,7 +457,7 @@ public:
     void EscapePressed(std::int32_t nFlags);
     void CtrlPressed();
 
-    // ---- view/RotateView.cpp
+    // ---- view/ViewRotation.cpp
     void RotateView(std::int32_t dx, std::int32_t dy);
     /// @p frame after a mouse travel, by the rotation mode and the roll of the control.
     [[nodiscard]] ViewFrame ComputeRotatedFrame(const ViewFrame& frame, std::int32_t dx, std::int32_t dy) const;
@@ -487,175 +473,4 @@ public:
     void PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y);
     /// Fires SelectViewDirection in pick mode 1. The dispatcher has a slot for it that no input reaches.
     void OnRightDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y);
-
-    std::unique_ptr<PaneWindow> m_pWindow;                    ///< never null
-    KV_ScenePane::_DKV_ScenePaneEvents* m_pEvents = nullptr;  ///< the host's, or null
-    KV_ScenePane::Picture* m_pCapture = nullptr;              ///< the next frame is read into it before it is shown
-    bool m_bModified = false;                                 ///< a persisted property was written
-
-    // ======== scene state; colours are 0x00BBGGRR unless a comment says otherwise
-    // ---- properties
-    std::int32_t m_bDrawMosaic = 0;  ///< persisted and reported; nothing draws by it
-    std::int16_t m_nDrawMode = 3;
-    std::int32_t m_bMoveReduced = 0;
-    std::uint8_t m_bMoving = 0;  ///< a drag that moves the view is under way
-
-    // ---- render/ContextLifecycle.cpp
-    void* m_hRC = nullptr;              ///< rendering context
-    PaneWindow* m_pDC = nullptr;        ///< the window, once it carries a pixel format
-    std::uint32_t m_nFontListBase = 0;  ///< first of 96 display lists
-    std::int32_t m_nGlMajorVersion = 3;
-    std::int32_t m_nGlMinorVersion = 3;
-    std::int32_t m_nGlSamples = 0;
-    COpenGLTextDraw m_textDraw;
-
-    // ---- markers: free points
-    std::unordered_map<std::int32_t, FreePointSet> m_mapFreePoints{8};
-
-    // ---- view: interaction
-    std::int32_t m_nInteractionMode = ModeIdle;
-    std::int32_t m_nSavedInteractionMode = ModeIdle;  ///< mode that a release returns to
-    std::int32_t m_nSegmentationKind = 0;             ///< 0, 1 or 2
-    std::int32_t m_nLastMouseX = 0, m_nLastMouseY = 0;
-    std::int32_t m_nAllowMouse = 1;  ///< moves and wheel act only when exactly 1
-    std::int32_t m_nIgdRotation = 0;
-    std::uint8_t m_bRollRotation = 0;  ///< the drag began outside the inscribed circle
-    std::int32_t m_nRollQuadrant = 0;
-    std::int32_t m_nPickMode = 0;
-
-    // ---- render/Shadows.cpp
-    std::uint8_t m_bShadowEnabled = 0;
-    Float3 m_fShadowColor{};
-
-    // ---- render/Decorations.cpp, markers: colours and switches
-    std::uint32_t m_nCrossColor = 0xFFFFFF;
-    NeedleRenderParameters m_needleRender;
-    std::uint32_t m_nArrowColor = 0xFFEAEA;
-    std::int32_t m_nShowArrow = 0;  ///< drawn only when exactly 1
-    std::uint8_t m_bTracingMode = 0;
-    std::int32_t m_nFlipMouseButtons = 0;
-    std::int32_t m_nRotationMode = 3;
-    std::int32_t m_nArrowAngle = 0;  ///< degrees
-
-    // ---- io/ImportScan.cpp
-    std::int32_t m_nScanSkipVal = 1;
-
-    // ---- render/Decorations.cpp
-    std::int32_t m_nShowAxes = 0;  ///< drawn only when exactly 1
-
-    // ---- io/ImportScan.cpp
-    std::wstring m_strScanPath;  ///< path of the last ImportScan; names the measurements that follow
-    float m_fConfidenceFilter = 0.0f;
-
-    // ---- markers: picking
-    Float3 m_fPickPoint{};
-    std::uint8_t m_bPickPointValid = 0;
-    std::vector<PickPointSphere> m_vPickPointSpheres;
-
-    // ---- render/Decorations.cpp
-    std::uint32_t m_nBackgroundColors[4] = {0x321919, 0x321919, 0x321919, 0x321919};  ///< tl, tr, bl, br
-    GLUquadric* m_pQuadric = nullptr;                                                 ///< owned
-    GLUquadric* m_pQuadric2 = nullptr;                                                ///< owned
-    float m_fPickRadius = 500.0f;
-
-    // ---- view: dispatch
-    MouseDispatch m_mouseDispatch;
-
-    // ---- control/SceneMethods.cpp
-    std::vector<std::shared_ptr<Mesh>> m_vpMeshes;
-    std::vector<std::vector<std::shared_ptr<Mesh>>> m_vUndoStack;
-    std::vector<Mesh*> m_vpSelection;        ///< not owning; stale after ClearData until the host resets it
-    std::vector<Mesh*> m_vpVariableObjects;  ///< not owning
-
-    // ---- align
-    CInteractionDlg* m_pInteractionDlg = nullptr;
-
-    // ---- view/Camera.cpp
-    float m_fAspectY = 1.0f, m_fAspectX = 1.0f;
-    float m_fDefaultZoom = 1.0f, m_fZoom = 1.0f;  ///< larger shows more of the scene
-    float m_fSceneSize = 1000.0f;                 ///< diagonal of the fitted box
-    Float3 m_fViewCenter{}, m_fRotationCenter{};
-    Float3 m_fAxisX{1, 0, 0}, m_fAxisY{0, 1, 0}, m_fAxisZ{0, 0, 1};
-
-    // ---- render/ShaderPrograms.cpp, render/Shadows.cpp
-    std::uint32_t m_progPerPixel = 0, m_progTexPerPixel = 0, m_progShadow = 0, m_progDepth = 0;
-    std::uint32_t m_nShadowFbo = 0, m_nShadowTexture = 0;
-    std::uint32_t m_nOffscreenColorRb = 0, m_nOffscreenDepthRb = 0, m_nOffscreenFbo = 0;
-    std::int32_t m_nShadowMapWidth = 2048, m_nShadowMapHeight = 2048;
-    std::uint32_t m_progQuad = 0, m_progCreateMask = 0, m_progUseMask = 0, m_progFreeFloatingPoints = 0;
-    Float3 m_fShadowCenter{}, m_fShadowUp{}, m_fShadowEye{};
-
-    // ---- render/Frame.cpp
-    std::int32_t m_nWidth = -1, m_nHeight = -1;  ///< drawing area, pixels; -1 makes the first frame take the real size
-
-    // ---- markers
-    std::vector<Needle> m_vNeedles;
-    std::int32_t m_nMaxNeedles = 8;
-    std::vector<Line3D> m_vLines3D;
-
-    // ---- cut
-    struct LassoPoint {
-        double x = 0.0, y = 0.0;  ///< fractions of the window
-    };
-    std::vector<LassoPoint> m_vLassoPoints;
-    LassoPoint m_lassoCursor;  ///< rubber-band end
-
-    // ---- render/Frame.cpp
-    std::unique_ptr<std::uint8_t[]> m_pFrozenImage;  ///< BGR, rows padded to 4 bytes; null while frames are live
-    std::int32_t m_nFrozenWidth = 0, m_nFrozenHeight = 0;
-
-    // ---- view, cut, clip: flags
-    std::uint8_t m_bRightButtonPressed = 0, m_bLassoCursor = 0, m_bClipPlaneVisible = 0, m_bClipPlaneActive = 0;
-    Plane m_clipPlane;
-    ViewFrame m_savedView;  ///< taken at the start of each drag and at each SetupViewMatrices
-
-    // ---- cut
-    std::unique_ptr<CutMaskTextures> m_pCutMask;  ///< waits for the next freehand session
-    std::unique_ptr<CutSession> m_pCutSession;    ///< running freehand session
-    struct LassoTint {
-        std::uint32_t color = 0;
-        float opacity = 0.0f;
-    };
-    LassoTint m_lassoInside{0xFF, 0.5f};
-    LassoTint m_lassoOutside{0, 0.0f};
-
-    // ---- render/Frame.cpp
-    std::uint8_t m_bInDraw = 0;  ///< a frame is under way on this control
-
-    // ---- io/ParallelImport.cpp
-    std::unique_ptr<std::mutex> m_hImportMutex;  ///< not null exactly during a parallel import
-    struct StagedMesh {
-        std::int32_t m_iIndex = 0;
-        std::shared_ptr<Mesh> m_pMesh;
-    };
-    std::vector<StagedMesh> m_vPendingImports;  ///< guarded by m_hImportMutex
-    std::uint8_t m_bAllowEmptyObjects = 0;
-
-    // ---- render/Frame.cpp
-    std::uint8_t m_bBlockPaint = 0;
-
-    // ---- markers
-    std::uint8_t m_bNeedlePickingMode = 0, m_bNeedleDrawingMode = 0, m_bLine3DDrawingMode = 0;
-
-    // ---- control
-    std::uint32_t m_nCreatorThreadId;  ///< kept, read by nothing
-
-    // ---- view/Camera.cpp
-    std::int16_t m_nViewMode = -1;  ///< argument of the last SetViewMode, whatever it was; -1 before the first
-
-    // ---- io/HpsFiles.cpp
-    std::string m_hpsSourceApp, m_hpsSourceVersion;  ///< go into every hps file that is written
-
-    // ---- render/Decorations.cpp
-    std::vector<Overlay> m_vOverlays;
-
-    // ---- render/MeshDraw.cpp
-    float m_fPointCloudSize = 2.0f;
-
-    // ---- view/Animation.cpp
-    float m_fAnimationSpeed = 0.2f;  ///< revolutions per second
-    Float3 m_fAnimationAxis{0, 0, 1};
-    std::int64_t m_nAnimationStart = 0, m_nAnimationLast = 0;  ///< counter readings
-    std::int64_t (*m_pfnCounter)() = PerformanceCounter;       ///< tests put a clock of their own here
-    std::uint8_t m_bAnimationRunning = 0, m_bToggleAnimationOnSpacebar = 0;
 };

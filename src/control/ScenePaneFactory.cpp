@@ -2,8 +2,8 @@
 #include <utility>
 
 #include "KV_ScenePane/ScenePane.h"
+#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
-#include "platform/DebugOutput.h"
 #include "platform/WindowFactory.h"
 
 namespace KV_ScenePane {

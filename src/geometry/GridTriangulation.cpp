@@ -15,7 +15,7 @@
 #include "geometry/GridQuads.h"
 #include "geometry/GridRows.h"
 #include "geometry/MeanNormals.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 namespace {
 

@@ -39,7 +39,7 @@ KV_LANES Vec3x4 CornersOf(const Triangle* triangles, int corner, const std::vect
 /// Sum of the face normals at a vertex, and how many there were.
 using Sum = Float4;
 /// From here on a float no longer grows by one.
-constexpr float kMostCounted = 1 << 24;
+constexpr float kMaxCounted = 1 << 24;
 
 std::vector<Sum> SumsOf(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices) {
     std::vector<Sum> sums(vertices.size(), Sum{});
@@ -76,7 +76,7 @@ void ComputeMeanNormals(MeshBuffers& buffers) {
     const std::vector<Sum> sums = SumsOf(buffers.m_vTriangles, vertices);
     for (std::size_t i = 0; i < sums.size(); ++i) {
         float count = std::max(sums[i][3], 1.0f);  // without a face the normal is zero
-        if (count == kMostCounted) count = static_cast<float>(FaceCountOf(i, buffers.m_vTriangles));
+        if (count == kMaxCounted) count = static_cast<float>(FaceCountOf(i, buffers.m_vTriangles));
         const Sum mean = sums[i] / SplatFloat4(count);
         vertices[i].nx = mean[0];
         vertices[i].ny = mean[1];

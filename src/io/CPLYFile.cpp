@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "io/StreamNumber.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 namespace {
 struct TypeTrait {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "values are taken from the file as they stand");
 

@@ -10,7 +10,7 @@
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
 #include "platform/ComponentRegistry.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "io/GridLimits.h"
 #include "io/GridReaders.h"
 #include "io/MeasurementFile.h"
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 #include "platform/WaitCursor.h"
 
 void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
@@ -30,7 +30,7 @@ void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
 void CKV_ScenePaneCtrl::ImportPcm(const wchar_t* path, std::uint32_t color) {
     const MeasurementData data = LoadMeasurementFile(path, m_fConfidenceFilter, nullptr);
     if (data.m_iWidth == 0 || data.m_iHeight == 0)
-        SayAboutFile("ImportScan", path, "not a readable pcm file, or damaged");
+        ReportFileError("ImportScan", path, "not a readable pcm file, or damaged");
     SetScanData(data.m_iWidth, data.m_iHeight, data.m_vXYZ.data(), data.m_vMask.data(), data.m_fTrafo.data(), color,
                 data.m_vColors.empty() ? nullptr : data.m_vColors.data());
 }
@@ -42,7 +42,7 @@ void CKV_ScenePaneCtrl::ImportPax(const wchar_t* path, std::uint32_t color) {
         SetScanData(grid.m_iWidth, grid.m_iHeight, grid.m_vPoints.data(), mask.data(), grid.m_fTrafo.data(), color,
                     nullptr);
     } catch (const MeasurementReadError& error) {
-        SayAboutFile("ImportPax", path, error.what());
+        ReportFileError("ImportPax", path, error.what());
     }
 }
 
@@ -53,7 +53,7 @@ void CKV_ScenePaneCtrl::ImportXdt(const wchar_t* path, std::uint32_t color) {
         const std::vector<std::uint16_t> mask = XdtMask(grid.m_vPoints);
         SetScanData(grid.m_iWidth, grid.m_iHeight, grid.m_vPoints.data(), mask.data(), nullptr, color, nullptr);
     } catch (const MeasurementReadError& error) {
-        SayAboutFile("ImportXdt", path, error.what());
+        ReportFileError("ImportXdt", path, error.what());
     }
 }
 

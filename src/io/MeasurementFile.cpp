@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "MSRDLL/Msr.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "control/ScenePaneCtrl.h"
 #include "geometry/MeanNormals.h"
 #include "io/GridLimits.h"
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 
 void CKV_ScenePaneCtrl::ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
                                                     const float* confidence, const float* trafo, std::int32_t color) {

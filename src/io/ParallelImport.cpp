@@ -10,7 +10,7 @@
 #include "geometry/GridTriangulation.h"
 #include "io/GridLimits.h"
 #include "io/MeasurementFile.h"
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 
 void CKV_ScenePaneCtrl::BeginParallelImport(void** p_this, ImportMeasurementEntry* p_fn) {
     // A second call keeps the mutex: workers of the first may still wait for it.

@@ -12,7 +12,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "io/CPLYFile.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 namespace {
 

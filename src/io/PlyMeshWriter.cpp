@@ -7,7 +7,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/AtomicFile.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "numbers go into the file as they stand");
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "io/MeshRecords.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "values are taken from the file as they stand");
 

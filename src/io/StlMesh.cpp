@@ -16,7 +16,7 @@
 #include "geometry/Mesh.h"
 #include "io/MeshRecords.h"
 #include "io/VertexWeld.h"
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "values are copied between file and memory as they stand");
 

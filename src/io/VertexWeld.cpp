@@ -11,7 +11,7 @@
 #include <random>
 #include <stdexcept>
 
-#include "platform/HugePages.h"
+#include "base/HugePages.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ constexpr std::size_t kFewestSlots = 1024;
 constexpr std::size_t kLongestSearch = 1024;
 /// A seed that fails is bad luck; that so many fail has never been seen, and then the search may take as long as it
 /// will.
-constexpr int kMostReseeds = 8;
+constexpr int kMaxReseeds = 8;
 
 std::uint64_t FreshSeed() {
     std::random_device device;
@@ -133,7 +133,7 @@ std::int32_t VertexWeld::FindOrAppend(const Float3& position, Slot key, std::siz
         }
         if (slot.x == key.x && slot.y == key.y && slot.z == key.z)
             return static_cast<std::int32_t>(slot.indexPlus1 - 1);
-        if (++searched == kLongestSearch && m_iReseeds < kMostReseeds) {
+        if (++searched == kLongestSearch && m_iReseeds < kMaxReseeds) {
             Reseed();
             at = Hash(key.x, key.y, key.z, m_uSeed) - 1;
             searched = 0;

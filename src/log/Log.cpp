@@ -10,7 +10,7 @@
 #include <locale>
 #include <string>
 
-#include "platform/TempFolder.h"
+#include "base/TempFolder.h"
 
 namespace {
 

@@ -83,7 +83,7 @@ void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objec
 }
 
 void CKV_ScenePaneCtrl::OnRightDoubleClick(std::uint32_t /*flags*/, std::int32_t /*x*/, std::int32_t /*y*/) {
-    if (m_nPickMode != PickModeCross) return;
+    if (m_nPickMode != KV_ScenePane::PickModeCross) return;
     m_bAnimationRunning = 0;
     const auto hit = FindViewAxisHit(m_fAxisZ);
     if (!hit || m_pEvents == nullptr) return;

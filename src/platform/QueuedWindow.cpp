@@ -1,7 +1,7 @@
 // The life of a window, and one round of its events: the window system's, then messages and timers, the paint last.
 #include "platform/QueuedWindow.h"
 
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 
 QueuedWindow::QueuedWindow(const PaneWindowRequest& request)
     : m_size{request.width, request.height}, m_showMessage(request.showMessage) {}

@@ -52,7 +52,7 @@ bool IsWheel(unsigned number) { return number == Button4 || number == Button5; }
 
 }  // namespace
 
-bool X11Input::AreOne(const _XEvent& event, const _XEvent& next) {
+bool X11Input::CanCoalesce(const _XEvent& event, const _XEvent& next) {
     if (event.type != next.type || event.xany.window != next.xany.window) return false;
     if (event.type == MotionNotify) return event.xmotion.state == next.xmotion.state;
     if (event.type != KeyPress) return false;

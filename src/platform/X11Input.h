@@ -15,7 +15,7 @@ class X11Input {
 public:
     /// Two events, one right after the other, of which one input is made: moves with the same buttons and modifiers
     /// held, of which the later counts, and presses of a held key that repeats.
-    [[nodiscard]] static bool AreOne(const _XEvent& event, const _XEvent& next);
+    [[nodiscard]] static bool CanCoalesce(const _XEvent& event, const _XEvent& next);
 
     /// The releases that never came, because the window was not there or another program held the pointer: of buttons
     /// that are up by the word of an event that TakeMouse() has not taken yet. They are where the mouse was last.

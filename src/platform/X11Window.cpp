@@ -34,7 +34,7 @@ bool NextIsOneWith(Display* display, const XEvent& event) {
     if (XEventsQueued(display, QueuedAlready) == 0) return false;
     XEvent next{};
     XPeekEvent(display, &next);
-    return X11Input::AreOne(event, next);
+    return X11Input::CanCoalesce(event, next);
 }
 
 unsigned XSide(std::int32_t side) { return static_cast<unsigned>(std::clamp(side, 1, kLongestSide)); }
@@ -110,7 +110,7 @@ void X11Window::Close() {
     m_nCursorShape = kParentsCursor;
     m_bCapture = m_bListensToKeys = false;
     m_input = {};
-    m_untold.clear();
+    m_pendingInputs.clear();
     m_keyboard = {};
 }
 
@@ -350,7 +350,7 @@ void X11Window::HandleEvent(const _XEvent& event, int together) {
             m_request.y = event.xreparent.y;
             break;
         case UnmapNotify:
-            TellMouse(m_input.ReleaseButtons());
+            DispatchMouse(m_input.ReleaseButtons());
             break;
         case DestroyNotify:
             m_nWindow = 0;
@@ -394,15 +394,15 @@ void X11Window::TakeMouse(const _XEvent& event) {
         if (event.type == ButtonPress && input->kind != KV_ScenePane::MouseInput::Kind::Wheel) TakeFocus();
         inputs.push_back(*input);
     }
-    TellMouse(inputs);
+    DispatchMouse(inputs);
 }
 
 // A handler may close the window, or run a round that tells the rest before what it finds itself.
-void X11Window::TellMouse(const std::vector<KV_ScenePane::MouseInput>& inputs) {
-    m_untold.insert(m_untold.end(), inputs.begin(), inputs.end());
-    while (!m_untold.empty()) {
-        const KV_ScenePane::MouseInput input = m_untold.front();
-        m_untold.pop_front();
+void X11Window::DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs) {
+    m_pendingInputs.insert(m_pendingInputs.end(), inputs.begin(), inputs.end());
+    while (!m_pendingInputs.empty()) {
+        const KV_ScenePane::MouseInput input = m_pendingInputs.front();
+        m_pendingInputs.pop_front();
         m_pClient->OnMouse(input);
     }
 }

@@ -71,7 +71,7 @@ private:
     void HandleEvent(const _XEvent& event, int together);
     void TakeConfiguration(const _XEvent& event);
     void TakeMouse(const _XEvent& event);
-    void TellMouse(const std::vector<KV_ScenePane::MouseInput>& inputs);
+    void DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs);
     void TakeFocusChange(const _XEvent& event);
     [[nodiscard]] bool HasFocus();
     void TakeFocus();
@@ -88,7 +88,7 @@ private:
     unsigned long m_nDeleteWindow = 0;  ///< the atom by which a window manager asks to close
     bool m_bCapture = false;
     X11Input m_input;
-    std::deque<KV_ScenePane::MouseInput> m_untold;  ///< one event may be several inputs, and a handler may run a round
+    std::deque<KV_ScenePane::MouseInput> m_pendingInputs;  ///< one event may be several inputs, and a handler may run a round
     X11Keyboard m_keyboard;
     bool m_bListensToKeys = false;
     PaneCursor m_cursor = PaneCursor::Default;

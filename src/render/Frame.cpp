@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::int16_t kDrawModePerPixel = 5;
-constexpr std::int16_t kDrawModeShadowMap = 7;
 constexpr std::int32_t kMeshFlatShaded = 2;
 constexpr std::int32_t kMeshBoundingBox = 4;
 constexpr float kOpaqueAlpha = 0.99f;  // below it a point set is blended
@@ -94,7 +92,7 @@ void CKV_ScenePaneCtrl::DrawOverScene() {
     if (m_bLine3DDrawingMode != 0) DrawLines3D(3.0f);
     if (m_bNeedleDrawingMode != 0) DrawNeedles(1);
     if (m_pCutSession != nullptr) DrawCutSession();
-    if (m_nPickMode == PickModeCross) DrawCross();
+    if (m_nPickMode == KV_ScenePane::PickModeCross) DrawCross();
     if (m_nShowArrow == 1) DrawLightingArrow();
     if (m_nShowAxes == 1) DrawAxes();
     DrawOverlays();
@@ -124,11 +122,11 @@ void CKV_ScenePaneCtrl::DrawScene() {
     if (m_bClipPlaneActive != 0 && !planeIsDragged) m_clipPlane.EnableClipping();
 
     for (const auto& mesh : m_vpMeshes) mesh->SetPointSize(m_fPointCloudSize);
-    if (m_nDrawMode == kDrawModeShadowMap)
+    if (m_nDrawMode == KV_ScenePane::DrawModeShadowMap)
         DrawShadowMapView();
     else if (m_bShadowEnabled != 0)
         DrawObjectsWithShadows(reduced);
-    else if (m_nDrawMode == kDrawModePerPixel)
+    else if (m_nDrawMode == KV_ScenePane::DrawModePerPixel)
         DrawObjectsPerPixel(reduced);
     else
         DrawVisible(m_vpMeshes, m_nDrawMode, reduced);
@@ -144,7 +142,7 @@ void CKV_ScenePaneCtrl::DrawScene() {
     glEnable(GL_LIGHTING);
     glEnable(GL_LIGHT0);
     glColor3f(0.8f, 0.0f, 1.0f);
-    if (m_bPickPointValid != 0 && m_nPickMode == PickModePoints) DrawPickPointSpheres();
+    if (m_bPickPointValid != 0 && m_nPickMode == KV_ScenePane::PickModePoints) DrawPickPointSpheres();
     glDisable(GL_LIGHTING);
     glDisable(GL_LIGHT0);
     glDisable(GL_COLOR_MATERIAL);

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "control/ScenePaneCtrl.h"
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 #include "render/FlatView.h"
 
 namespace {

@@ -11,7 +11,8 @@ using KV_ScenePane::kMouseShift;
 namespace {
 
 bool PickModeReportsObjects(std::int32_t pickMode) {
-    return pickMode == PickModeObjects || pickMode == 3 || pickMode == PickModePoints;
+    return pickMode == KV_ScenePane::PickModeObjects || pickMode == KV_ScenePane::PickModeObjectsSecond ||
+           pickMode == KV_ScenePane::PickModePoints;
 }
 
 }  // namespace
@@ -211,7 +212,7 @@ void CKV_ScenePaneCtrl::OnDoubleClick(std::uint32_t flags, std::int32_t x, std::
     const std::int32_t object = PickObjectAt(x, y, &hit);
     RefreshControl();
     if (ReportPick(object, hit, flags, x, y)) return;
-    if (m_nPickMode != PickModePoints && m_bNeedlePickingMode == 0) CenterViewOrPlacePlane(flags);
+    if (m_nPickMode != KV_ScenePane::PickModePoints && m_bNeedlePickingMode == 0) CenterViewOrPlacePlane(flags);
     RefreshControl();
 }
 

@@ -16,7 +16,7 @@ TEST(HpsNumbers, FoldedSignsAreSmallForSmallDifferences) {
     const std::uint32_t differences[] = {0, 0xFFFFFFFF, 1, 0xFFFFFFFE, 2, 0x7FFFFFFF, 0x80000000};
     const std::uint32_t folded[] = {0, 1, 2, 3, 4, 0xFFFFFFFE, 0xFFFFFFFF};
     for (std::size_t i = 0; i < std::size(folded); ++i) {
-        EXPECT_EQ(FoldSign(differences[i]), folded[i]);
+        EXPECT_EQ(ZigzagEncode(differences[i]), folded[i]);
         EXPECT_EQ(UnfoldSign(folded[i]), differences[i]);
     }
 }

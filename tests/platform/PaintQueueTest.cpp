@@ -10,7 +10,7 @@ TEST(PaintQueue, StartsWithNothingPending) {
     EXPECT_FALSE(queue.IsDue());
 }
 
-TEST(PaintQueue, RequestsBeforeAPaintAreOne) {
+TEST(PaintQueue, RequestsBeforeAPaintCanCoalesce) {
     PaintQueue queue;
     queue.Request(false);
     queue.Request(false);

@@ -289,22 +289,22 @@ TEST(X11InputLostRelease, IsNoneOfAButtonThatWasPressedElsewhere) {
 
 // ---- what becomes one
 
-TEST(X11InputAreOne, MovesWithTheSameWord) {
-    EXPECT_TRUE(X11Input::AreOne(MoveEvent(Button1Mask, 1, 1), MoveEvent(Button1Mask, 90, 2)));
-    EXPECT_FALSE(X11Input::AreOne(MoveEvent(Button1Mask), MoveEvent(Button1Mask | ControlMask)));
-    EXPECT_FALSE(X11Input::AreOne(MoveEvent(0), ButtonEvent(ButtonPress, kLeft, 0)));
-    EXPECT_FALSE(X11Input::AreOne(ButtonEvent(ButtonPress, kLeft, 0), ButtonEvent(ButtonPress, kLeft, 0)));
+TEST(X11InputCanCoalesce, MovesWithTheSameWord) {
+    EXPECT_TRUE(X11Input::CanCoalesce(MoveEvent(Button1Mask, 1, 1), MoveEvent(Button1Mask, 90, 2)));
+    EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(Button1Mask), MoveEvent(Button1Mask | ControlMask)));
+    EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(0), ButtonEvent(ButtonPress, kLeft, 0)));
+    EXPECT_FALSE(X11Input::CanCoalesce(ButtonEvent(ButtonPress, kLeft, 0), ButtonEvent(ButtonPress, kLeft, 0)));
     XEvent elsewhere = MoveEvent(0);
     elsewhere.xmotion.window = 7;
-    EXPECT_FALSE(X11Input::AreOne(MoveEvent(0), elsewhere));
+    EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(0), elsewhere));
 }
 
-TEST(X11InputAreOne, PressesOfOneKey) {
-    EXPECT_TRUE(X11Input::AreOne(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38)));
-    EXPECT_FALSE(X11Input::AreOne(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 39)));
-    EXPECT_FALSE(X11Input::AreOne(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38, ShiftMask)));
-    EXPECT_FALSE(X11Input::AreOne(KeyEvent(KeyPress, 38), KeyEvent(KeyRelease, 38)));
-    EXPECT_FALSE(X11Input::AreOne(KeyEvent(KeyRelease, 38), KeyEvent(KeyRelease, 38)));
+TEST(X11InputCanCoalesce, PressesOfOneKey) {
+    EXPECT_TRUE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38)));
+    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 39)));
+    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38, ShiftMask)));
+    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyRelease, 38)));
+    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyRelease, 38), KeyEvent(KeyRelease, 38)));
 }
 
 // ---- keys

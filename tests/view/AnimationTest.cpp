@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <numbers>
 
-#include "platform/PerformanceCounter.h"
+#include "base/PerformanceCounter.h"
 #include "view/CameraHelp.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "view/ExpectedView.h"
-#include "view/UserHands.h"
+#include "view/UserInput.h"
 
 namespace {
 
@@ -274,7 +274,7 @@ const Row kRows[] = {
 /// The hands, the viewer, and the view as it must be.
 class Scenario {
 public:
-    Scenario(std::unique_ptr<UserHands> hands, const Row& row)
+    Scenario(std::unique_ptr<UserInput> hands, const Row& row)
         : m_pHands(std::move(hands)), m_viewer(m_pHands->Viewer()), m_nX(row.startX), m_nY(row.startY) {
         CKV_ScenePaneCtrl& c = *m_viewer;
         AddMesh(c,
@@ -371,7 +371,7 @@ private:
 
     static constexpr Float3 kLow{-10, -20, -30}, kHigh{30, 40, 10};
 
-    std::unique_ptr<UserHands> m_pHands;
+    std::unique_ptr<UserInput> m_pHands;
     TestControl& m_viewer;
     ExpectedView m_expected;
     int m_nX, m_nY;
@@ -379,7 +379,7 @@ private:
     std::set<int> m_held;            ///< buttons
 };
 
-void Perform(std::unique_ptr<UserHands> hands, const Row& row) {
+void Perform(std::unique_ptr<UserInput> hands, const Row& row) {
     Scenario scenario(std::move(hands), row);
     for (std::size_t i = 0; i < row.steps.size(); ++i) {
         SCOPED_TRACE(testing::Message() << "step " << i + 1 << " of " << row.steps.size());

@@ -1,7 +1,7 @@
 // A drag of whose end the window system tells nothing, for the window was hidden by then: it is over all the same.
 #include <poll.h>
 
-#include "view/UserHands.h"
+#include "view/UserInput.h"
 
 // After the others: their macros take the names of those.
 #include <X11/Xlib.h>
@@ -41,7 +41,7 @@ protected:
         EXPECT_FALSE(viewer.window->HasCapture());
     }
 
-    const std::unique_ptr<UserHands> hands = HandsOnTheRealPointer();
+    const std::unique_ptr<UserInput> hands = HandsOnTheRealPointer();
     TestControl& viewer = hands->Viewer();
     Display* const display = XOpenDisplay(nullptr);
 };
@@ -62,7 +62,7 @@ TEST_F(HiddenInADrag, ThePaneEndsItAtOnce) {
 TEST_F(HiddenInADrag, ThePaneInAHostThatIsHiddenEndsItWhenThePointerIsBack) {
     hands->Release(Button::Left);
     const Window host =
-        XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, UserHands::kWidth, UserHands::kHeight, 0, 0, 0);
+        XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, UserInput::kWidth, UserInput::kHeight, 0, 0, 0);
     XMapRaised(display, host);
     XReparentWindow(display, viewer->NativeWindow(), host, 0, 0);
     XSync(display, False);

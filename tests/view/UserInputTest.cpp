@@ -4,12 +4,12 @@
 #include <vector>
 
 #include "view/InputHelp.h"
-#include "view/UserHands.h"
+#include "view/UserInput.h"
 
 namespace {
 
 constexpr auto L = Button::Left, R = Button::Right;
-using MakeHands = std::unique_ptr<UserHands> (*)();
+using MakeHands = std::unique_ptr<UserInput> (*)();
 
 std::string NameOfHands(const testing::TestParamInfo<MakeHands>& param) {
     return param.index == 0 ? "ByCalls" : "RealPointer";
@@ -45,7 +45,7 @@ void ExpectPicked(const TestControl& viewer, std::uint32_t flags, int x, int y, 
 class PickingClick : public testing::TestWithParam<MakeHands> {
 protected:
     PickingClick() { ShowPlate(viewer); }
-    const std::unique_ptr<UserHands> hands = GetParam()();
+    const std::unique_ptr<UserInput> hands = GetParam()();
     TestControl& viewer = hands->Viewer();
 };
 
@@ -115,7 +115,7 @@ protected:
         viewer.events.events.clear();
     }
     ~HandsOnTheViewer() override { viewer->m_pInteractionDlg = nullptr; }
-    const std::unique_ptr<UserHands> hands = GetParam()();
+    const std::unique_ptr<UserInput> hands = GetParam()();
     TestControl& viewer = hands->Viewer();
     RecordingDialog dialog;
 };

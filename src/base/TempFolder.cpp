@@ -1,5 +1,5 @@
 // $TMPDIR, when it can be one.
-#include "platform/TempFolder.h"
+#include "base/TempFolder.h"
 
 #include <sys/stat.h>
 

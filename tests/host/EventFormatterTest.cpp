@@ -1,4 +1,4 @@
-#include "EventTeller.h"
+#include "EventFormatter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-struct Teller final : EventTeller {
+struct Teller final : EventFormatter {
     std::string told;
     void Tell(const std::string& line) override { told += line; }
 };
@@ -41,17 +41,17 @@ const Event kEvents[] = {
     {"CutMaskApplied", [](Events& e) { e.CutMaskApplied(std::int64_t{1} << 40); },
      "CutMaskApplied(addr = 1099511627776)"},
 };
-class EventTellerTest : public testing::TestWithParam<Event> {};
+class EventFormatterTest : public testing::TestWithParam<Event> {};
 
-TEST_P(EventTellerTest, NamesTheEventAndItsArguments) {
+TEST_P(EventFormatterTest, NamesTheEventAndItsArguments) {
     Teller teller;
     GetParam().fire(teller);
     EXPECT_EQ(teller.told, GetParam().line);
 }
-INSTANTIATE_TEST_SUITE_P(Events, EventTellerTest, testing::ValuesIn(kEvents),
+INSTANTIATE_TEST_SUITE_P(Events, EventFormatterTest, testing::ValuesIn(kEvents),
                          [](const auto& row) { return row.param.name; });
 
-TEST(EventTeller, WritesNumbersWithAPointWhateverTheLocale) {
+TEST(EventFormatter, WritesNumbersWithAPointWhateverTheLocale) {
     const CommaLocale locale;
     if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
     Teller teller;

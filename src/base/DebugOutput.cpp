@@ -1,5 +1,5 @@
 // One sink for the process, called by one thread at a time.
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 
 #include <unistd.h>
 

@@ -1,5 +1,5 @@
 // One line an event. Numbers are written as the report of --info writes them: the locale has no say.
-#include "EventTeller.h"
+#include "EventFormatter.h"
 
 #include <initializer_list>
 #include <string_view>
@@ -27,13 +27,13 @@ std::string Line(std::string_view event, std::initializer_list<Argument> argumen
 
 }  // namespace
 
-void EventTeller::ReadyStateChange() { Tell(Line("ReadyStateChange", {})); }
+void EventFormatter::ReadyStateChange() { Tell(Line("ReadyStateChange", {})); }
 
-void EventTeller::SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz) {
+void EventFormatter::SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz) {
     Tell(Line("SelectViewDirection", {{"px", px}, {"py", py}, {"pz", pz}, {"vx", vx}, {"vy", vy}, {"vz", vz}}));
 }
 
-void EventTeller::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
+void EventFormatter::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
                                   std::int32_t mouseX, std::int32_t mouseY) {
     Tell(Line("SelectObjCoords", {{"idx", std::int64_t{idx}},
                                   {"px", px},
@@ -44,31 +44,31 @@ void EventTeller::SelectObjCoords(std::int16_t idx, float px, float py, float pz
                                   {"mouseY", std::int64_t{mouseY}}}));
 }
 
-void EventTeller::SegmentationDone(std::int16_t numObj) {
+void EventFormatter::SegmentationDone(std::int16_t numObj) {
     Tell(Line("SegmentationDone", {{"numObj", std::int64_t{numObj}}}));
 }
 
-void EventTeller::ViewDirectionChanged(float vx, float vy, float vz) {
+void EventFormatter::ViewDirectionChanged(float vx, float vy, float vz) {
     Tell(Line("ViewDirectionChanged", {{"vx", vx}, {"vy", vy}, {"vz", vz}}));
 }
 
-void EventTeller::AlignmentDone() { Tell(Line("AlignmentDone", {})); }
+void EventFormatter::AlignmentDone() { Tell(Line("AlignmentDone", {})); }
 
-void EventTeller::NeedleCreated(std::int32_t id) { Tell(Line("NeedleCreated", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleCreated(std::int32_t id) { Tell(Line("NeedleCreated", {{"id", std::int64_t{id}}})); }
 
-void EventTeller::NeedleSelected(std::int32_t id) { Tell(Line("NeedleSelected", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleSelected(std::int32_t id) { Tell(Line("NeedleSelected", {{"id", std::int64_t{id}}})); }
 
-void EventTeller::NeedleDeleted(std::int32_t id) { Tell(Line("NeedleDeleted", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleDeleted(std::int32_t id) { Tell(Line("NeedleDeleted", {{"id", std::int64_t{id}}})); }
 
-void EventTeller::NeedleDeselected(std::int32_t id) { Tell(Line("NeedleDeselected", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleDeselected(std::int32_t id) { Tell(Line("NeedleDeselected", {{"id", std::int64_t{id}}})); }
 
-void EventTeller::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
+void EventFormatter::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
     Tell(Line("CustomKeyDown",
               {{"nChar", std::int64_t{nChar}}, {"nRepCnt", std::int64_t{nRepCnt}}, {"nFlags", std::int64_t{nFlags}}}));
 }
 
-void EventTeller::PickPointCountChanged(std::int32_t newCount) {
+void EventFormatter::PickPointCountChanged(std::int32_t newCount) {
     Tell(Line("PickPointCountChanged", {{"newCount", std::int64_t{newCount}}}));
 }
 
-void EventTeller::CutMaskApplied(std::int64_t addr) { Tell(Line("CutMaskApplied", {{"addr", addr}})); }
+void EventFormatter::CutMaskApplied(std::int64_t addr) { Tell(Line("CutMaskApplied", {{"addr", addr}})); }

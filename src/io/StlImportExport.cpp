@@ -26,9 +26,9 @@ int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
         m_vpMeshes.push_back(std::move(mesh));
         return 0;
     } catch (const FileReadError& error) {
-        SayAboutFile("ImportStl", path, error.what());
+        ReportFileError("ImportStl", path, error.what());
     } catch (const std::length_error& error) {
-        SayAboutFile("ImportStl", path, error.what());
+        ReportFileError("ImportStl", path, error.what());
     }
     return -1;
 }
@@ -46,8 +46,8 @@ void CKV_ScenePaneCtrl::ExportStl(std::int16_t objIdx, const wchar_t* path) {
         });
         file.Commit();
     } catch (const std::system_error& error) {
-        SayAboutFile("ExportStl", path, error.what());
+        ReportFileError("ExportStl", path, error.what());
     } catch (const std::length_error& error) {
-        SayAboutFile("ExportStl", path, error.what());
+        ReportFileError("ExportStl", path, error.what());
     }
 }

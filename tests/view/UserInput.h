@@ -7,14 +7,14 @@
 enum class Button { Left = 1, Middle = 2, Right = 3 };
 
 /// Whatever is done has reached the viewer when the call returns; a press in the delayed scheme then still waits.
-class UserHands {
+class UserInput {
 public:
     static constexpr std::int32_t kWidth = 640, kHeight = 480;
 
-    virtual ~UserHands() = default;
-    UserHands() = default;
-    UserHands(const UserHands&) = delete;
-    UserHands& operator=(const UserHands&) = delete;
+    virtual ~UserInput() = default;
+    UserInput() = default;
+    UserInput(const UserInput&) = delete;
+    UserInput& operator=(const UserInput&) = delete;
 
     virtual TestControl& Viewer() = 0;
     /// In pixels of the viewer, y downward; may be outside it.
@@ -37,6 +37,6 @@ public:
 };
 
 /// An off-screen viewer.
-std::unique_ptr<UserHands> HandsByCalls();
+std::unique_ptr<UserInput> HandsByCalls();
 /// A viewer in a window of its own on an X server of the tests. Lets go of everything at its end.
-std::unique_ptr<UserHands> HandsOnTheRealPointer();
+std::unique_ptr<UserInput> HandsOnTheRealPointer();

@@ -1,4 +1,4 @@
-#include "platform/PerformanceCounter.h"
+#include "base/PerformanceCounter.h"
 
 #include <chrono>
 

@@ -1,40 +1,40 @@
 # One call makes a room of the house under src/: its building blocks as a static library kv::NAME, its operations as
 # sources of the control, and its tests.
 #
-# kv_room(NAME
+# kv_module(NAME
 #   BLOCKS files...         building blocks: static library kv::NAME
 #   HEADERS files...        the room's headers; each must compile on its own
 #   USES targets...         what the building blocks need, downward only
 #   OPERATIONS files...     member functions of the control, compiled into kv::control
 #   TESTS files...          below tests/NAME/, linked to kv::NAME alone: the blocks stand without the control
 #   CONTROL_TESTS files...  below tests/NAME/, linked to the whole control)
-function(kv_room NAME)
-  cmake_parse_arguments(ROOM "" "" "BLOCKS;HEADERS;USES;OPERATIONS;TESTS;CONTROL_TESTS" ${ARGN})
-  if(ROOM_BLOCKS)
-    add_library(kv_${NAME} STATIC ${ROOM_BLOCKS})
-    target_link_libraries(kv_${NAME} PUBLIC kv::compiler kv::include ${ROOM_USES})
+function(kv_module NAME)
+  cmake_parse_arguments(MODULE "" "" "BLOCKS;HEADERS;USES;OPERATIONS;TESTS;CONTROL_TESTS" ${ARGN})
+  if(MODULE_BLOCKS)
+    add_library(kv_${NAME} STATIC ${MODULE_BLOCKS})
+    target_link_libraries(kv_${NAME} PUBLIC kv::compiler kv::include ${MODULE_USES})
     set(scope PUBLIC)
   else()
     add_library(kv_${NAME} INTERFACE)
-    target_link_libraries(kv_${NAME} INTERFACE kv::compiler kv::include ${ROOM_USES})
+    target_link_libraries(kv_${NAME} INTERFACE kv::compiler kv::include ${MODULE_USES})
     set(scope INTERFACE)
   endif()
   add_library(kv::${NAME} ALIAS kv_${NAME})
   target_include_directories(kv_${NAME} ${scope} "${PROJECT_SOURCE_DIR}/src")
-  if(ROOM_HEADERS)
-    target_sources(kv_${NAME} ${scope} FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${ROOM_HEADERS})
+  if(MODULE_HEADERS)
+    target_sources(kv_${NAME} ${scope} FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}/src" FILES ${MODULE_HEADERS})
     set_target_properties(kv_${NAME} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
   endif()
-  list(TRANSFORM ROOM_OPERATIONS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
-  set_property(GLOBAL APPEND PROPERTY KV_OPERATIONS ${ROOM_OPERATIONS})
+  list(TRANSFORM MODULE_OPERATIONS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+  set_property(GLOBAL APPEND PROPERTY KV_OPERATIONS ${MODULE_OPERATIONS})
   if(KV_BUILD_TESTS)
-    if(ROOM_TESTS)
-      list(TRANSFORM ROOM_TESTS PREPEND "${PROJECT_SOURCE_DIR}/tests/${NAME}/")
-      kv_test(${NAME}_tests LABEL ${NAME} SOURCES ${ROOM_TESTS} USES kv::${NAME})
+    if(MODULE_TESTS)
+      list(TRANSFORM MODULE_TESTS PREPEND "${PROJECT_SOURCE_DIR}/tests/${NAME}/")
+      kv_test(${NAME}_tests LABEL ${NAME} SOURCES ${MODULE_TESTS} USES kv::${NAME})
     endif()
-    if(ROOM_CONTROL_TESTS)
-      list(TRANSFORM ROOM_CONTROL_TESTS PREPEND "${PROJECT_SOURCE_DIR}/tests/${NAME}/")
-      kv_test(${NAME}_control_tests LABEL ${NAME} SOURCES ${ROOM_CONTROL_TESTS} USES kv::control)
+    if(MODULE_CONTROL_TESTS)
+      list(TRANSFORM MODULE_CONTROL_TESTS PREPEND "${PROJECT_SOURCE_DIR}/tests/${NAME}/")
+      kv_test(${NAME}_control_tests LABEL ${NAME} SOURCES ${MODULE_CONTROL_TESTS} USES kv::control)
     endif()
   endif()
 endfunction()

@@ -38,7 +38,7 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
     try {
         data = ReadHpsFile(path);
     } catch (const HpsReadError& error) {
-        SayAboutFile("ImportHps", path, *error.what() == '\0' ? "an error without a text" : error.what());
+        ReportFileError("ImportHps", path, *error.what() == '\0' ? "an error without a text" : error.what());
         return -1;
     }
     const bool textured = !data.m_vPixels.empty();

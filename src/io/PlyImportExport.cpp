@@ -30,7 +30,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
     buffers.m_vVertices = std::move(*data.m_pVertices);
     buffers.m_vTriangles = std::move(*data.m_pTriangles);
     if (buffers.m_vTriangles.empty()) {
-        SayAboutFile("ImportPly", path, "holds no faces");
+        ReportFileError("ImportPly", path, "holds no faces");
         return -1;
     }
     ComputeMeanNormals(buffers);
@@ -51,6 +51,6 @@ void CKV_ScenePaneCtrl::ExportPly(std::int16_t objIdx, const wchar_t* path) {
     try {
         writer.Write(path);
     } catch (const std::system_error& error) {
-        SayAboutFile("ExportPly", path, error.what());
+        ReportFileError("ExportPly", path, error.what());
     }
 }

@@ -1,4 +1,4 @@
-#include "view/UserHands.h"
+#include "view/UserInput.h"
 
 #include <poll.h>
 
@@ -31,7 +31,7 @@ void PumpUntil(CKV_ScenePaneCtrl& control, const char* what, const std::function
 }
 
 /// What the window would tell, made up by hand: a button is among the flags of its press and no more of its release.
-class CallingHands final : public UserHands {
+class CallingHands final : public UserInput {
 public:
     TestControl& Viewer() override { return m_viewer; }
     void MoveTo(int x, int y) override {
@@ -91,7 +91,7 @@ struct DisplayConnection {
     Display* display;
 };
 
-class PointerHands final : public UserHands {
+class PointerHands final : public UserInput {
 public:
     PointerHands() {
         m_viewer->PerformRefresh();  // the first frame takes the size of the window
@@ -216,10 +216,10 @@ private:
 
 }  // namespace
 
-void UserHands::WaitForDelivery() {
+void UserInput::WaitForDelivery() {
     TestControl& viewer = Viewer();
     PumpUntil(*viewer, "delayed press", [&] { return !viewer->m_mouseDispatch.pending; });
 }
 
-std::unique_ptr<UserHands> HandsByCalls() { return std::make_unique<CallingHands>(); }
-std::unique_ptr<UserHands> HandsOnTheRealPointer() { return std::make_unique<PointerHands>(); }
+std::unique_ptr<UserInput> HandsByCalls() { return std::make_unique<CallingHands>(); }
+std::unique_ptr<UserInput> HandsOnTheRealPointer() { return std::make_unique<PointerHands>(); }

@@ -26,7 +26,7 @@ int CKV_ScenePaneCtrl::ImportOis(const wchar_t* path) {
         m_vpMeshes.push_back(std::move(mesh));
         return 0;
     } catch (const FileReadError& error) {
-        SayAboutFile("ImportOis", path, error.what());
+        ReportFileError("ImportOis", path, error.what());
         return -1;
     }
 }
@@ -38,7 +38,7 @@ int CKV_ScenePaneCtrl::ImportMsh(const wchar_t* path) {
         m_vpMeshes.push_back(std::move(mesh));
         return 0;
     } catch (const FileReadError& error) {
-        SayAboutFile("ImportMsh", path, error.what());
+        ReportFileError("ImportMsh", path, error.what());
         return -1;
     }
 }

@@ -7,7 +7,7 @@
 
 /// Turns each event into one line: its name, then its arguments by name, as in "NeedleCreated(id = 3)". A class that
 /// derives from it and overrides an event calls the one here as well.
-class EventTeller : public KV_ScenePane::_DKV_ScenePaneEvents {
+class EventFormatter : public KV_ScenePane::_DKV_ScenePaneEvents {
 public:
     void ReadyStateChange() override;
     void SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz) override;
@@ -25,7 +25,7 @@ public:
     void CutMaskApplied(std::int64_t addr) override;
 
 protected:
-    ~EventTeller() = default;
+    ~EventFormatter() = default;
 
 private:
     /// Takes the line, without a line feed, inside the call or the input that caused the event.

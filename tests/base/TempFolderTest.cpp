@@ -1,4 +1,4 @@
-#include "platform/TempFolder.h"
+#include "base/TempFolder.h"
 
 #include <gtest/gtest.h>
 

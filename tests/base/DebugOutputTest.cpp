@@ -1,4 +1,4 @@
-#include "platform/DebugOutput.h"
+#include "base/DebugOutput.h"
 
 #include <gtest/gtest.h>
 
