@@ -218,11 +218,11 @@ TEST_P(Screenshots, HoldNothingOfWhatTheWindowDrawsOverTheScene) {
     pane->m_nShowArrow = pane->m_nShowAxes = 1;
     pane->m_vLassoPoints = {{0.1, 0.1}, {0.9, 0.1}, {0.5, 0.9}};
     pane->m_bClipPlaneVisible = 1;
-    pane->m_nPickMode = PickModeCross;
+    pane->m_nPickMode = KV_ScenePane::PickModeCross;
     pane->m_nInteractionMode = ModeLasso;
     Take();
     ExpectSame(shot, plain, "with the cross and a lasso");
-    pane->m_nPickMode = PickModePoints;
+    pane->m_nPickMode = KV_ScenePane::PickModePoints;
     pane->m_bPickPointValid = 1;
     pane->m_nInteractionMode = ModeIdle;  // the window hides the plane under a lasso
     Take();
