@@ -1,16 +1,18 @@
-// The debugger output: where the component says why an import added nothing, which method is not there yet, and so on.
+// The debugger output: one process-wide channel for reasons and warnings, such as why an import added nothing.
 #pragma once
 #include <functional>
 #include <string_view>
 
 namespace KV_ScenePane {
 
-/// Receives one piece of text in UTF-8, usually one or more whole lines. Called from any thread that imports, one call
-/// at a time.
+/// Receives one piece of text in UTF-8, usually one or more whole lines, each ended by a line feed. Called from any
+/// thread that imports, one call at a time. Must not call SetDebugOutputSink().
 using DebugOutputSink = std::function<void(std::string_view text)>;
 
-/// Takes over the debugger output of the whole process; an empty sink puts standard error back. After the return the
-/// former sink is not called any more. Must not be called from inside a sink.
+/// Redirects the debugger output of the whole process, of all viewers in it. Without a sink it is written to standard
+/// error.
+/// @param sink  receives all later text; empty restores standard error. After the return the former sink is not called
+///              any more. Must not be called from inside a sink.
 __attribute__((visibility("default"))) void SetDebugOutputSink(DebugOutputSink sink);
 
 }  // namespace KV_ScenePane

@@ -1,19 +1,22 @@
-// Mouse and keys as the viewer takes them, whatever the window system.
+// Mouse and keyboard input in a form that is independent of the window system. A window translates its events into
+// these records; SendMouse() and SendKey() accept the same records from a host.
 #pragma once
 #include <cstdint>
 
 namespace KV_ScenePane {
 
-/// Bits of MouseInput::flags: what is held, the button of the event itself included on a press, not on a release.
+// Bits of MouseInput::flags: the buttons and modifiers that are held. A press includes its own button, a release does
+// not.
 inline constexpr std::uint32_t kMouseLeft = 0x0001;
 inline constexpr std::uint32_t kMouseRight = 0x0002;
 inline constexpr std::uint32_t kMouseShift = 0x0004;
 inline constexpr std::uint32_t kMouseCtrl = 0x0008;
 inline constexpr std::uint32_t kMouseMiddle = 0x0010;
 
-/// One notch of the wheel.
+/// MouseInput::delta of one notch of the wheel.
 inline constexpr std::int32_t kWheelNotch = 120;
 
+/// One mouse event.
 struct MouseInput {
     enum class Kind {
         Move,
@@ -23,13 +26,14 @@ struct MouseInput {
         MiddleUp,
         RightDown,
         RightUp,
-        DoubleClick,  ///< of the left button: comes in place of the second press
+        DoubleClick,  ///< of the left button: replaces the second press
         Wheel
     };
     Kind kind = Kind::Move;
+    /// Buttons and modifiers that are held, kMouseLeft and so on.
     std::uint32_t flags = 0;
     std::int32_t x = 0, y = 0;  ///< pixels of the drawing area, y downward; outside it while a button is held
-    std::int32_t delta = 0;     ///< of the wheel: 120 a notch, positive away from the user
+    std::int32_t delta = 0;     ///< of the wheel: 120 per notch, positive away from the user
 };
 
 /// Codes of KeyInput::nChar. Letters and digits have the codes of their upper-case characters, F1 is 112.
@@ -40,10 +44,11 @@ inline constexpr std::int32_t kKeyUp = 38;
 inline constexpr std::int32_t kKeyDown = 40;
 inline constexpr std::int32_t kKeyDelete = 46;
 
+/// One key event.
 struct KeyInput {
     bool isDown = true;        ///< false for a release
     std::int32_t nChar = 0;    ///< key code
-    std::int32_t nRepCnt = 1;  ///< presses that this one stands for: more than 1 while a held key repeats
+    std::int32_t nRepCnt = 1;  ///< presses that are coalesced in this one: more than 1 while a held key repeats
     /// Bits 0 to 7 scan code, 8 extended key, 13 Alt held, 14 the key was down before, 15 release.
     std::int32_t nFlags = 0;
 };

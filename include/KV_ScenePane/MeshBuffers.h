@@ -1,11 +1,12 @@
-// Meshes as bare arrays, before an object exists; also the form in which a host hands over a mesh of its own.
+// Meshes as plain arrays: what a host passes to ImportMeshedMeasurement(), and what imports build before there is an
+// object.
 #pragma once
 #include <cstdint>
 #include <vector>
 
 namespace KV_ScenePane {
 
-/// One vertex: eight 32-bit words in this order.
+/// One vertex: eight 32-bit words in this order, as they are uploaded and written to files.
 struct Vertex {
     float x = 0.0f, y = 0.0f, z = 0.0f;     ///< position, world frame
     float nx = 0.0f, ny = 0.0f, nz = 0.0f;  ///< normal
@@ -14,14 +15,16 @@ struct Vertex {
 };
 static_assert(sizeof(Vertex) == 32);
 
-/// Three indices into the vertices of the same mesh.
+/// Three indices into the vertices of the same mesh, counterclockwise seen from outside.
 struct Triangle {
     std::int32_t v[3] = {0, 0, 0};
 };
 static_assert(sizeof(Triangle) == 12);
 
-/// A mesh before it is an object. A plain record that is shared across the module boundary: fields and order stay.
+/// A mesh before it is an object. A plain record that is shared across the library boundary: its fields and their order
+/// are fixed.
 struct MeshBuffers {
+    /// @param hasColors  whether the colour words of the vertices are used
     explicit MeshBuffers(bool hasColors) : m_bHasColors(hasColors) {}
 
     [[nodiscard]] const std::vector<Vertex>& GetVertices() const { return m_vVertices; }
@@ -30,7 +33,7 @@ struct MeshBuffers {
 
     std::vector<Triangle> m_vTriangles;
     std::vector<Vertex> m_vVertices;
-    bool m_bHasColors;  ///< the colour words of the vertices are meant
+    bool m_bHasColors;  ///< the colour words of the vertices are used
 };
 
 }  // namespace KV_ScenePane

@@ -1,51 +1,71 @@
-// The modes that the methods of the automation surface take and return, as plain numbers of their own types: every
-// enumerator converts to the argument that it is passed as.
+// The modes that methods of the automation surface accept and return, as unscoped enums: every enumerator converts to
+// the argument that it is passed as. The methods accept other numbers too; what these do is written at each method.
 #pragma once
 #include <cstdint>
 
 namespace KV_ScenePane {
 
-/// How objects are drawn: SetDrawMode().
+/// How objects are drawn: SetDrawMode(). A viewer starts with DrawModeGouraud.
 enum DrawMode : std::int16_t {
+    /// One point per vertex.
     DrawModePoints = 0,
+    /// The edges of the triangles.
     DrawModeWireframe = 1,
+    /// Lit, one normal per triangle.
     DrawModeFlat = 2,
-    DrawModeGouraud = 3,  ///< what a viewer starts with
+    /// Lit per vertex, interpolated over the triangle.
+    DrawModeGouraud = 3,
+    /// The bounding box of each object.
     DrawModeBoundingBoxes = 4,
-    DrawModePerPixel = 5,  ///< lit per pixel; the mode that shows shadows
+    /// Lit per pixel; the mode that shows shadows when they are switched on.
+    DrawModePerPixel = 5,
+    /// Background, decorations and markers only.
     DrawModeNothing = 6,
-    DrawModeShadowMap = 7,  ///< the depth that the shadows are computed from, for diagnosis
+    /// The depth map that shadows are computed from, for diagnosis.
+    DrawModeShadowMap = 7,
 };
 
-/// The eight fixed views: SetViewMode(). World axes; the viewer looks from the first towards the centre.
+/// The eight fixed views: SetViewMode(). "From" names the world axis on which the viewer is, "up" the world axis that
+/// points to the top of the screen. A viewer starts with the frame of ViewFromPlusZYUp.
 enum ViewMode : std::int16_t {
     ViewFromPlusYZUp = 0,
     ViewFromMinusYZUp = 1,
     ViewFromPlusXZUp = 2,
     ViewFromMinusXZUp = 3,
-    ViewFromPlusZYUp = 4,  ///< what a viewer starts with
+    ViewFromPlusZYUp = 4,
+    /// ViewFromMinusZYUp upside down: X to the right of the screen.
     ViewFromMinusZYDown = 5,
+    /// From between +X, +Y and +Z.
     ViewObliqueZUp = 6,
     ViewFromMinusZYUp = 7,
 };
 
-/// What a drag of the rotating button turns the scene about: SetRotationMode().
+/// What a rotating drag turns the scene about: SetRotationMode(). A viewer starts with RotateFree.
 enum RotationMode : std::int16_t {
-    RotateAboutHorizontal = 0,  ///< the horizontal axis of the screen
-    RotateAboutVertical = 1,    ///< the vertical axis of the screen
-    RotateAboutViewAxis = 2,    ///< the viewing axis
-    RotateFree = 3,             ///< both axes of the screen, about a pivot; what a viewer starts with
+    /// The horizontal axis of the screen.
+    RotateAboutHorizontal = 0,
+    /// The vertical axis of the screen.
+    RotateAboutVertical = 1,
+    /// The viewing axis.
+    RotateAboutViewAxis = 2,
+    /// Both axes of the screen, about a pivot in the scene.
+    RotateFree = 3,
 };
 
-/// What clicks report: SetPickMode().
+/// What a double click does: SetPickMode(). A viewer starts with PickModeOff.
 enum PickMode : std::int16_t {
+    /// It centres the view.
     PickModeOff = 0,
-    PickModeCross = 1,          ///< the centre cross is drawn
-    PickModeObjects = 2,        ///< clicks on objects fire SelectObjCoords
-    PickModeObjectsSecond = 3,  ///< as PickModeObjects
-    PickModeOffSecond = 4,      ///< as PickModeOff
-    PickModePoints = 5,         ///< as PickModeObjects; a double click beside the objects does not move the view, and
-                                ///< pick-point spheres are drawn
+    /// The same, and the centre cross is drawn.
+    PickModeCross = 1,
+    /// On an object it fires SelectObjCoords; beside the objects it centres the view.
+    PickModeObjects = 2,
+    /// As PickModeObjects.
+    PickModeObjectsSecond = 3,
+    /// As PickModeOff.
+    PickModeOffSecond = 4,
+    /// On an object it fires SelectObjCoords; beside the objects it does nothing. Pick-point spheres are drawn.
+    PickModePoints = 5,
 };
 
 }  // namespace KV_ScenePane

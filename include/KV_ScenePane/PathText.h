@@ -1,5 +1,5 @@
-// Paths as wide strings and back. A file name on disk is bytes, and need not be valid UTF-8; every byte survives the
-// way from the command line through a wide string to the open call.
+// Conversion of paths between bytes and wide strings. A file name on disk is a sequence of bytes that need not be valid
+// UTF-8; the conversion there and back keeps every byte. The locale of the process has no influence.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +12,7 @@ namespace detail {
 /// Length of the valid UTF-8 sequence at the start of @p bytes, with its code point; 0 when there is none.
 inline std::size_t DecodeUtf8(std::string_view bytes, char32_t& codePoint) {
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    // The lead byte gives the length; 0x80 to 0xC1 and above 0xF4 start no sequence.
     const unsigned char lead = byteAt(0);
     if (lead < 0x80) {
         codePoint = lead;
@@ -24,6 +25,7 @@ inline std::size_t DecodeUtf8(std::string_view bytes, char32_t& codePoint) {
         if ((byteAt(i) & 0xC0) != 0x80) return 0;
         codePoint = (codePoint << 6) | (byteAt(i) & 0x3Fu);
     }
+    // Overlong forms, surrogates and values above the last code point are not valid UTF-8.
     const char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
     const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
     return codePoint < smallest[length] || codePoint > 0x10FFFF || surrogate ? 0 : length;
@@ -35,6 +37,7 @@ inline std::size_t DecodeUtf8(std::string_view bytes, char32_t& codePoint) {
 [[nodiscard]] inline std::wstring WidePath(std::string_view bytes) {
     std::wstring wide;
     wide.reserve(bytes.size());
+    // One step per code point, or per byte that starts no valid sequence.
     while (!bytes.empty()) {
         char32_t codePoint = 0;
         std::size_t length = detail::DecodeUtf8(bytes, codePoint);
@@ -48,13 +51,16 @@ inline std::size_t DecodeUtf8(std::string_view bytes, char32_t& codePoint) {
     return wide;
 }
 
-/// The bytes of a wide path: the exact reverse of WidePath(). Other code points that UTF-8 cannot hold become '?'.
+/// The bytes of a wide path: the exact inverse of WidePath(), so that a lone surrogate 0xDC80 to 0xDCFF becomes its
+/// byte. Other code points that UTF-8 cannot encode become '?'.
 [[nodiscard]] inline std::string PathBytes(std::wstring_view wide) {
     std::string bytes;
     bytes.reserve(wide.size());
     for (const wchar_t character : wide) {
         const auto c = static_cast<std::uint32_t>(character);
         const auto push = [&](std::uint32_t byte) { bytes.push_back(static_cast<char>(byte)); };
+        // Code points of one and two bytes; then the lone surrogates of WidePath(), then what UTF-8 cannot encode,
+        // and last the code points of three and four bytes.
         if (c < 0x80) {
             push(c);
         } else if (c < 0x800) {

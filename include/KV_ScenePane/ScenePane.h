@@ -1,4 +1,4 @@
-// Making a viewer: in a window of the host, in a window of its own, or without any display.
+// Creation of a viewer: in a window of the host, in a top-level window, or without a display.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -12,77 +12,89 @@
 
 namespace KV_ScenePane {
 
-/// Where a viewer shall show itself.
+/// Where and how a viewer is shown.
 struct WindowRequest {
     enum class Kind {
         Child,      ///< a child of the X11 window @c parent of the host
         TopLevel,   ///< an X11 window of its own
-        OffScreen,  ///< a surface without a display, by EGL
-        NoPicture   ///< no surface and no OpenGL: imports and their results only
+        OffScreen,  ///< a surface without a display, by EGL; input only by SendMouse() and SendKey()
+        NoPicture   ///< no surface and no OpenGL: imports, exports and their results only
     };
     Kind kind = Kind::OffScreen;
     std::uintptr_t parent = 0;      ///< X11 window id, for Child
-    std::string display;            ///< X display name; empty takes $DISPLAY
-    int x = 0, y = 0;               ///< place in the parent, pixels
+    std::string display;            ///< X display name; empty for $DISPLAY
+    int x = 0, y = 0;               ///< position in the parent, pixels
     int width = 640, height = 480;  ///< pixels
     std::wstring title = L"KV_ScenePane";
     int glMajor = 3, glMinor = 3;  ///< requested OpenGL version, compatibility profile
-    int samples = 0;               ///< requested samples a pixel
-    /// Shows a message that the user must see, and returns when it was read. Without one it goes to the debugger
-    /// output.
+    int samples = 0;               ///< requested samples per pixel, exactly; 0 for none
+    /// Shows a message that the user must see, such as a refused OpenGL version, and returns when it was read. Called
+    /// on the viewer's thread. Empty: such messages go to the debugger output.
     std::function<void(const std::string& text)> showMessage;
 };
 
-/// What an object carries beside what the automation surface tells.
+/// Properties of an object that the automation surface does not return.
 struct ObjectInfo {
-    std::wstring name;             ///< the path it came from, or empty
-    bool hasVertexColors = false;  ///< its vertices carry colours of their own
+    std::wstring name;             ///< path of the file it was read from, or the host's name for it; may be empty
+    bool hasVertexColors = false;  ///< its vertices have colours
 };
 
-/// A picture as the window shows it.
+/// A frame as the window shows it.
 struct Picture {
     int width = 0, height = 0;
-    std::vector<std::uint32_t> pixels;  ///< 0xAARRGGBB, row after row, top row first
+    std::vector<std::uint32_t> pixels;  ///< 0xAARRGGBB, row by row without padding, top row first
 };
 
-/// One viewer. Everything is called on the thread that made it; its destruction closes the window.
-/// Several viewers may live in one process.
+/// One viewer. All calls are made on the thread that created it; the destructor closes the window. Several viewers may
+/// exist in one process and on one thread. A viewer leaves its OpenGL context current.
 class ScenePane {
 public:
     virtual ~ScenePane() = default;
 
+    /// The automation surface. The reference is valid as long as the viewer.
     [[nodiscard]] virtual _DKV_ScenePane& Methods() = 0;
 
-    /// @param events  the host's; must outlive the viewer or be disconnected with null
+    /// Connects the receiver of the events; replaces a former one.
+    /// @param events  owned by the host; must outlive the viewer or be disconnected with null
     virtual void Connect(_DKV_ScenePaneEvents* events) = 0;
 
-    /// A descriptor that is readable when ProcessEvents() has work: for poll(), QSocketNotifier, g_unix_fd_add ...
+    /// A file descriptor that is readable when ProcessEvents() has work: for poll(), QSocketNotifier or
+    /// g_unix_fd_add(). It stays the same for the life of the viewer and must not be read or closed by the host.
     [[nodiscard]] virtual int EventDescriptor() const = 0;
-    /// Handles what waits: window messages, posted messages, timers, queued repaints. Never blocks.
+    /// Handles pending window messages, posted messages, timers and, last, queued repaints. Never blocks.
     virtual void ProcessEvents() = 0;
 
     /// False once the window is gone: the host destroyed it, or a recreation of the context failed.
     [[nodiscard]] virtual bool HasWindow() const = 0;
     /// The X11 window id; 0 without one.
     [[nodiscard]] virtual std::uintptr_t NativeWindow() const = 0;
-    /// Moves a Child into another window of the host. False when that is not an X11 window; the viewer stays.
+    /// Moves a Child into another window of the host.
+    /// @param x, y  position in the new parent, pixels
+    /// @return false when the new parent is not an X11 window: the viewer is then unchanged
     virtual bool Reparent(std::uintptr_t parent, int x, int y) = 0;
 
-    /// Input as a window would get it: the only way into an off-screen viewer, and for a host whose toolkit keeps the
-    /// mouse or the keys to itself.
+    /// Handles one mouse event before it returns, as if the window had received it: the only input of an off-screen
+    /// viewer, and for hosts whose toolkit does not pass events on to child windows.
     virtual void SendMouse(const MouseInput& input) = 0;
+    /// The same for one key event.
     virtual void SendKey(const KeyInput& input) = 0;
 
-    /// False for an index outside the list; @p info is then untouched.
+    /// @return false for an index outside the list: @p info is then untouched
     virtual bool GetObjectInfo(std::int16_t idx, ObjectInfo* info) = 0;
 
-    /// Draws a frame now and hands out its picture; false without a picture to draw, or while painting is blocked.
+    /// Draws a frame and copies it, in the size of the drawing area with all decorations.
+    /// @param picture  receives the frame; empty pixels on failure
+    /// @return false for a NoPicture viewer, without a window, and while painting is blocked
     virtual bool CapturePicture(Picture* picture) = 0;
 };
 
-/// Makes a viewer.
-/// @param reason  takes, in clear words, why there is none (no display, not an X11 window, no OpenGL); may be null
-/// @return null when the window was refused. Never throws but for exhausted memory
+/// Creates a viewer.
+/// @param request  read during the call; showMessage is kept
+/// @param reason   receives, as a sentence for the user, why there is none: no display, not an X11 window, no OpenGL.
+/// May
+///                 be null
+/// @return null when the window or its context was refused
+/// @throws std::bad_alloc only
 [[nodiscard]] __attribute__((visibility("default"))) std::unique_ptr<ScenePane> CreateScenePane(
     const WindowRequest& request, std::string* reason);
 

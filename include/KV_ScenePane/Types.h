@@ -3,7 +3,7 @@
 #include <cstdint>
 
 namespace ACAD {
-class CutMask;  // the record of one finished cut, handed out by address
+class CutMask;  // the record of one finished cut, passed by address
 }
 
 namespace KV_ScenePane {
@@ -13,21 +13,21 @@ using VARIANT_BOOL = std::int16_t;
 inline constexpr VARIANT_BOOL kVariantTrue = -1;
 inline constexpr VARIANT_BOOL kVariantFalse = 0;
 
-/// A wide string that ends with a zero, null for the empty one; the memory is the caller's and is read during the call
-/// only.
-/// Paths: what is not valid UTF-8 on disk travels as WidePath() makes it (PathText.h).
+/// A zero-terminated wide string, null for the empty one; owned by the caller and read during the call only.
+/// Paths are encoded by WidePath() (PathText.h), which keeps bytes that are not valid UTF-8.
 using BSTR = const wchar_t*;
 
-/// Entry for the host's worker threads during a parallel import (BeginParallelImport). Turns one measured grid into an
-/// object; may be called from any number of threads at once and uses no OpenGL.
-/// @param control         what BeginParallelImport stored behind its first argument
+/// Entry for the host's worker threads during a parallel import (BeginParallelImport()). Turns one measured grid into
+/// an object. May be called from any number of threads at once; uses no OpenGL. A refused grid is reported in the
+/// debugger output.
+/// @param control         what BeginParallelImport() stored in its first argument
 /// @param name            name of the object
 /// @param width, height   grid size, 1 to 32767 each
-/// @param points          3 floats a pixel, row after row, sensor frame, micrometres: they are scaled by 0.001
-/// @param confidence      one float a pixel; pixels below the confidence filter are skipped
+/// @param points          3 floats per pixel, row by row, sensor frame, micrometres: they are scaled by 0.001
+/// @param confidence      one float per pixel; pixels below the confidence filter are skipped
 /// @param trafo           16 floats, row-major 4 x 4, sensor to world; its translation is scaled by 0.001
-/// @param classification  one byte a pixel; 240 and above are skipped
-/// @param colors          one word a pixel, 0xAARRGGBB, or null
+/// @param classification  one byte per pixel; 240 and above are skipped
+/// @param colors          one word per pixel, 0xAARRGGBB, or null
 /// @param color           colour of the object when the scan has none of its own, 0x00BBGGRR
 /// @param index           place of the object among those of this import, not negative
 /// @return true when an object was made

@@ -7,310 +7,401 @@
 
 namespace KV_ScenePane {
 
-/// The automation surface. Colours are 0x00BBGGRR. Object indices are positions in the object list, from 0. Pointers
-/// that go in are read during the call only; pointers that come out must lead to enough room.
+/// The automation surface of a viewer: 4 properties and 120 methods.
+/// Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are in the
+/// world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only and stay the
+/// caller's; output pointers must not be null and must have room for what is written.
+/// Methods marked [declared only] have no effect in this version: they write one line to the debugger output and return
+/// 0. Unless a method says otherwise it reports no error, asks for no repaint and throws nothing but std::bad_alloc.
 class _DKV_ScenePane {
 public:
     // ---- properties
-    /// Stored and persisted; has no effect on the picture
+    /// Persisted with the control's properties and reported; has no effect on the picture.
     virtual VARIANT_BOOL GetDrawMosaic() = 0;
+    /// A change invalidates with erase and marks the control as modified.
     virtual void SetDrawMosaic(VARIANT_BOOL value) = 0;
-    /// 0 points, 1 wireframe, 2 flat, 3 Gouraud, 4 boxes, 5 lit per pixel, 6 nothing, 7 the shadow map
+    /// How objects are drawn, a DrawMode (Modes.h). Persisted; DrawModeGouraud at first.
     virtual std::int16_t GetDrawMode() = 0;
+    /// Another value is stored and draws no objects. A change invalidates with erase and marks the control as modified.
     virtual void SetDrawMode(std::int16_t value) = 0;
-    /// Show a tenth of the points while a drag moves the view
+    /// Whether draw mode 0 shows a tenth of the points while a drag moves the view. Persisted; false at first.
     virtual VARIANT_BOOL GetMoveReduced() = 0;
+    /// A change invalidates with erase and marks the control as modified.
     virtual void SetMoveReduced(VARIANT_BOOL value) = 0;
-    /// Always 4, complete
+    /// Always 4: complete.
     virtual std::int32_t GetReadyState() = 0;
 
     // ---- methods, in the order of their ids
-    /// Sets the control size and the drawing area, pixels. Asks for no repaint
+    /// Sets the size of the window and of the drawing area.
+    /// @param sx, sy  pixels of the device
+    /// Asks for no repaint.
     virtual void SetSize(std::int16_t sx, std::int16_t sy) = 0;
-    /// Empties the scene, undo stack and lines, resets the view; invalidates. Selection and variable objects keep stale
-    /// entries: reset them first
+    /// Removes all objects, undo steps, 3D lines and cut masks in progress, turns the view to the world axes and fits
+    /// it; invalidates. Needles, pick-point spheres, free points and overlays stay. The selection and the variable
+    /// objects keep dangling entries: reset them first.
     virtual void ClearData() = 0;
-    /// Destroys all snapshots
+    /// Drops all undo steps. [declared only]
     virtual void ClearUndoStack() = 0;
-    /// Stores colour and opacity for inside and outside the lasso
+    /// Tint of the pixels inside and outside a freehand lasso.
+    /// @param inside, outside  0x00BBGGRR
+    /// @param insideOpacity, outsideOpacity  0 invisible to 1 opaque [declared only]
     virtual void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                        float outsideOpacity) = 0;
-    /// Places the plane close to the data
+    /// Slides the clip plane within its own surface to the centre of the data, so that its handles are on screen;
+    /// invalidates with erase. [declared only]
     virtual void DisplayClipPlanePartCloseToData() = 0;
-    /// Id of the sphere nearest to a screen point
+    /// Finds the pick-point sphere whose centre is nearest to a point of the window.
+    /// @param sx, sy  pixels of the drawing area, y downward
+    /// @return its id, or -1 when there is none [declared only]
     virtual std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) = 0;
-    /// Removes a sphere, fires PickPointCountChanged
+    /// Removes a sphere; the ids after it move down by one. Fires PickPointCountChanged, refreshes. The id is not
+    /// checked. [declared only]
     virtual void RemovePickPointSphere(std::int32_t id) = 0;
-    /// Position of a sphere
+    /// Centre of a sphere, world frame. The id is not checked. [declared only]
     virtual void GetPickPointSphereCoords(std::int32_t id, float* x, float* y, float* z) = 0;
-    /// Number of spheres
+    /// Number of pick-point spheres; their ids are 0 to this number minus 1. [declared only]
     virtual std::int32_t GetNumberOfPickPointSpheres() = 0;
-    /// Sets m_nMaxNeedles (negative counts as 0), deletes needles from the end down to it, firing NeedleDeleted for
-    /// each
+    /// Limits the number of needles. A negative number counts as 0. Needles above the limit are deleted from the end,
+    /// with NeedleDeleted for each. [declared only]
     virtual void SetMaxNumberOfNeedles(std::int32_t num) = 0;
-    /// True when the needle was selected; fires NeedleDeselected
+    /// Deselects a needle and fires NeedleDeselected.
+    /// @return whether it was selected [declared only]
     virtual VARIANT_BOOL DeselectNeedle(std::int32_t id) = 0;
-    /// Deselects every selected needle
+    /// Deselects every selected needle, with NeedleDeselected for each. [declared only]
     virtual void DeselectAllNeedles() = 0;
-    /// Selects the needle, fires NeedleSelected, refreshes
+    /// Selects a needle, fires NeedleSelected and refreshes. An unknown id does nothing. [declared only]
     virtual void SelectNeedle(std::int32_t id) = 0;
-    /// Recreates the window's context with another version or number of samples; the scene is lost, overlays stay.
-    /// Always true: a failure shows in the message and the log
+    /// Makes the window again with another OpenGL context. The scene is lost, overlays stay.
+    /// @param majorVersion, minorVersion  requested version, compatibility profile
+    /// @param numberOfSamples  samples per pixel, exactly; 0 for none
+    /// @return always true: a failure is reported by the message and the log, and HasWindow() is then false
     virtual VARIANT_BOOL RecreateOpenglContext(std::int32_t majorVersion, std::int32_t minorVersion,
                                                std::int32_t numberOfSamples) = 0;
-    /// 0, 4: a double click centres the view; 1: the same, and the centre cross shows; 2, 3: a double click on an
-    /// object fires SelectObjCoords; 5: the same, beside the objects it does nothing, and pick-point spheres show.
-    /// Drops the last pick and all spheres, fires PickPointCountChanged with 0. Asks for no repaint
+    /// What clicks report, a PickMode (Modes.h). Drops the last pick and all pick-point spheres and fires
+    /// PickPointCountChanged with 0. Asks for no repaint.
     virtual void SetPickMode(std::int16_t mode) = 0;
+    /// The value of the last SetPickMode(); 0 at first.
     virtual std::int16_t GetPickMode() = 0;
-    /// Colour of the centre cross, 0x00BBGGRR; it shows in pick mode 1. Asks for no repaint
+    /// Colour of the centre cross, which shows in pick mode 1. Asks for no repaint.
+    /// @param color  0x00BBGGRR
     virtual void SetCrossColor(std::int32_t color) = 0;
-    /// Colour of the centre cross, 0x00BBGGRR
+    /// Colour of the centre cross, 0x00BBGGRR.
     virtual std::int32_t GetCrossColor() = 0;
-    /// Point of the surface in the middle of the window (found by its vertices) and the direction to the viewer; false
-    /// when no vertex faces the viewer: the outputs are then untouched
+    /// The surface point on the axis through the middle of the window, found by its vertices, and the unit direction to
+    /// the viewer; world frame.
+    /// @return false when no vertex faces the viewer: the outputs are then untouched
     virtual VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz) = 0;
-    /// Size of the object list
+    /// Length of the object list.
     virtual std::int16_t GetNumObjects() = 0;
-    /// Colour, 0x00BBGGRR, each channel rounded down; -1 for a bad index
+    /// Colour of an object, 0x00BBGGRR, each channel rounded down; -1 for a bad index.
     virtual std::int32_t GetObjectColor(std::int16_t idx) = 0;
-    /// Sets the colour, 0x00BBGGRR; invalidates. A bad index or the present colour does nothing
+    /// Sets the colour of an object; invalidates. A bad index or the present colour does nothing.
+    /// @param color  0x00BBGGRR
     virtual void SetObjectColor(std::int16_t idx, std::int32_t color) = 0;
-    /// Starts a lasso or mask lasso
+    /// Starts a cut by lasso; EndSegmentation() cancels it, SegmentationDone reports its end.
+    /// @param mode  0, 1, 2 polygon: remove what is outside, what is inside, what is inside and visible; 3, 4, 5 the
+    ///              same with a freehand lasso [declared only]
     virtual void StartSegmentation(std::int16_t mode) = 0;
-    /// Vertex and triangle counts; the index must be valid, it is not checked
+    /// Numbers of vertices and triangles of an object. The index must be valid: it is not checked.
     virtual void GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) = 0;
-    /// Empties the list, fires PickPointCountChanged
+    /// Removes all pick-point spheres; fires PickPointCountChanged with 0. [declared only]
     virtual void ClearPickPointSpheres() = 0;
-    /// Moves a sphere
+    /// Sets the centre of a sphere, world frame; refreshes. The id is not checked. [declared only]
     virtual void MovePickPointSphere(std::int32_t id, float x, float y, float z) = 0;
-    /// Restores the last snapshot
+    /// Restores the object list as it was before the last cut; objects added since vanish. Fires no event.
+    /// @return number of undo steps that are left [declared only]
     virtual std::int32_t PerformUndo() = 0;
-    /// Imports a file, chosen by extension
+    /// Reads a mesh file, chosen by its extension: ply, stl, ois, msh or hps; adds one object. On the calling thread.
+    /// What is refused adds nothing; the reason is thrown (ply) or written to the debugger output. Textures and hps
+    /// files need InitializeKVReg() before.
+    /// @throws std::exception  unreadable ply file, missing component registry, exhausted memory
     virtual void ImportMesh(BSTR path) = 0;
-    /// Exports an object, chosen by extension
+    /// Writes an object, format chosen by the extension: ply, stl or hps. An existing file is replaced as a whole, or
+    /// stays as it is when the export fails.
+    /// @param objIdx  valid index; it is not checked
+    /// @throws std::exception  a failed hps export; other failures are written to the debugger output
     virtual void ExportMesh(std::int16_t objIdx, BSTR path) = 0;
-    /// Imports a measurement, chosen by extension: pcm, pax or xdt; color (0x00BBGGRR) is taken when the scan has no
-    /// colours of its own. A file that adds nothing says why in the debugger output
+    /// Reads a measurement, chosen by its extension: pcm, pax or xdt; adds one object and invalidates with erase. A
+    /// file that adds nothing is reported in the debugger output.
+    /// @param color  0x00BBGGRR, for scans without colours of their own
     virtual void ImportScan(BSTR path, std::int32_t color) = 0;
-    /// 1 shows the lighting arrow, any other value hides it; refreshes
+    /// 1 shows the lighting arrow, any other value hides it; refreshes.
     virtual void ShowLightingArrow(std::int16_t show) = 0;
-    /// Colour of the lighting arrow, 0x00BBGGRR; refreshes
+    /// Colour of the lighting arrow, 0x00BBGGRR; refreshes.
     virtual void SetArrowColor(std::int32_t color) = 0;
-    /// 1 fires ViewDirectionChanged while the view moves or is set, any other value does not
+    /// 1 fires ViewDirectionChanged while the view moves or is set, any other value does not.
     virtual void TracingMode(std::int16_t on) = 0;
-    /// Non-zero swaps the buttons: left pans, right rotates. A double click then does nothing
+    /// Not 0 swaps the buttons: left pans, right rotates. A double click then does nothing.
     virtual void FlipMouseButtons(std::int16_t flip) = 0;
-    /// What a rotating drag turns about: 0 the screen's horizontal, 1 its vertical, 2 the viewing axis, else free.
-    /// Holds from the next step of a drag
+    /// What a rotating drag turns the scene about, a RotationMode (Modes.h); any other value rotates freely. Applies
+    /// from the next step of a drag.
     virtual void SetRotationMode(std::int16_t mode) = 0;
-    /// Sets one of eight fixed views, 0 to 7; another value keeps the view. Refreshes in any case. A double click that
-    /// centres returns to the view set last, while the axes show to 4
+    /// Turns to one of the eight fixed views, a ViewMode (Modes.h), without moving or zooming; another value keeps the
+    /// view. Refreshes in any case. A double click that centres the view returns to the value set last; while the axes
+    /// show, that is 4.
     virtual void SetViewMode(std::int16_t mode) = 0;
-    /// Empties the selection. Asks for no repaint
+    /// Empties the selection. Asks for no repaint.
     virtual void ResetSelection() = 0;
-    /// Selects the object: it is shown with its box. Asks for no repaint
+    /// Appends an object to the selection: its bounding box is drawn. A bad index does nothing. Asks for no repaint.
     virtual void AddSelection(std::int16_t idx) = 0;
-    /// Empties the list of objects that an alignment may move
+    /// Empties the list of objects that an alignment may move.
     virtual void ResetVariableObjects() = 0;
-    /// Appends the object to those that an alignment may move
+    /// Appends an object to those that an alignment may move. A bad index does nothing.
     virtual void AddVariableObject(std::int16_t idx) = 0;
-    /// Opens the dialog, mode 6
+    /// Starts the alignment by hand: drags move the variable objects. [declared only]
     virtual void AlignInteractive() = 0;
-    /// Opens the dialog, mode 7
+    /// Starts the alignment by pairs of picked points. [declared only]
     virtual void AlignPickPoints() = 0;
-    /// Redraws now
+    /// Draws a frame before it returns.
     virtual void PerformRefresh() = 0;
-    /// Where the lighting arrow stands around the picture: degrees, 0 at the top, counterclockwise. Asks for no repaint
+    /// Position of the lighting arrow around the picture: degrees counterclockwise, 0 at the top. Asks for no repaint.
     virtual void SetArrowAngle(std::int16_t angle) = 0;
-    /// Fits the view to the visible objects, keeping its direction; invalidates
+    /// Fits the view to the visible objects without turning it; invalidates.
     virtual void CenterView() = 0;
-    /// N: later imports average cells of N x N pixels to one point each; 1 keeps all pixels, below 1 they add nothing
+    /// Thinning of later imports: cells of N x N pixels are averaged to one point. 1 keeps all pixels; imports with a
+    /// value below 1 add nothing.
     virtual void SetScanSkipVal(std::int16_t skipVal) = 0;
-    /// The 4 x 4 transform baked into the object, row by row, last row 0 0 0 1; 0, or -1 for a bad index
+    /// The transform that is baked into the vertices of an object: 4 x 4, sensor to world, row by row, last row 0 0 0
+    /// 1.
+    /// @return 0, or -1 for a bad index: the outputs are then untouched
     virtual std::int16_t GetTrafoOfScan(std::int16_t idx, float* v0, float* v1, float* v2, float* v3, float* v4,
                                         float* v5, float* v6, float* v7, float* v8, float* v9, float* v10, float* v11,
                                         float* v12, float* v13, float* v14, float* v15) = 0;
-    /// 0 hides, anything else shows; invalidates
+    /// 0 hides an object, anything else shows it; invalidates. A bad index does nothing.
     virtual void SetObjectVisibility(std::int16_t idx, std::int16_t visible) = 0;
-    /// 1 shows the axes, any other value hides them; refreshes. While they show, each frame stores view mode 4: a
-    /// double click that centres then returns to the view from +Z
+    /// 1 shows the axes, any other value hides them; refreshes. While they show, each frame sets view mode 4: a double
+    /// click that centres the view then returns to the view from +Z.
     virtual void ShowAxes(std::int16_t show) = 0;
-    /// Pixels with a lower confidence are skipped by later imports
+    /// Later imports skip pixels of a lower confidence.
     virtual void SetConfidenceFilter(float confFilter) = 0;
-    /// Ends a running alignment; AlignmentDone follows. Nothing happens without one
+    /// Ends a running alignment; AlignmentDone is fired. Nothing happens without one.
     virtual void FinishInteraction() = 0;
-    /// Colours of the upper and the lower corners, 0x00BBGGRR; refreshes
+    /// Colours of the upper and of the lower corners, 0x00BBGGRR; refreshes.
     virtual void SetBackgroundColors(std::int32_t TopColor, std::int32_t BottomColor) = 0;
-    /// Removes the object; later indices move down by one. Asks for no repaint. Selection and variable objects may keep
-    /// a stale entry: reset them first
+    /// Removes an object; later indices move down by one. Asks for no repaint. The selection and the variable objects
+    /// may keep a dangling entry: reset them first.
     virtual void DeleteObject(std::int16_t idx) = 0;
-    /// Creates several needles
+    /// Creates several needles, with NeedleCreated for each.
+    /// @param id  one per needle
+    /// @param pinPosXYZ, headPosXYZ  3 floats per needle, world frame
+    /// @return false, and nothing is created, when there are more than the limit or an id exists [declared only]
     virtual VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
                                        const float* headPosXYZ) = 0;
-    /// Deletes all needles
+    /// Deletes all needles, with NeedleDeleted for each. [declared only]
     virtual void DeleteNeedles() = 0;
-    /// Centre, false for a bad index
+    /// Mean of the vertices of an object, world frame.
+    /// @return false for a bad index: the outputs are then untouched
     virtual VARIANT_BOOL GetObjectCenter(std::int16_t objectIdx, float* x, float* y, float* z) = 0;
-    /// Sets the whole view: the screen-right and screen-up axes (unit length, perpendicular), the centre and the
-    /// magnification; freezeBBox is not used. False when the axes are not accepted
+    /// Sets the whole view; invalidates with erase.
+    /// @param wx1, wx2, wx3  direction to the right of the screen, unit length, world frame
+    /// @param wy1, wy2, wy3  direction to the top of the screen, unit length, perpendicular to the first
+    /// @param cx, cy, cz     world point at the centre of the window
+    /// @param zoom           magnification, 2 shows half as much
+    /// @param freezeBBox     not used
+    /// @return false when the directions are not perpendicular unit vectors: the view is then unchanged
     virtual VARIANT_BOOL SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2, float wy3, float cx,
                                        float cy, float cz, float zoom, std::int16_t freezeBBox) = 0;
-    /// Adds a sphere, returns its id
+    /// Adds a sphere that shows in pick mode 5; fires PickPointCountChanged.
+    /// @param x, y, z  centre, world frame
+    /// @param color    0x00BBGGRR
+    /// @return its id [declared only]
     virtual std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) = 0;
-    /// Moves and the wheel act only while it is exactly 1. Presses and keys always do
+    /// Mouse moves and the wheel act only while the value is exactly 1. Presses and keys always act.
     virtual void AllowMouseInteraction(std::int16_t on) = 0;
-    /// Writes cuts back to measurement files
+    /// Writes the cuts and the clip plane back to the pcm files that the objects came from.
+    /// @return 1 when at least one file was written, else 0 [declared only]
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
-    /// Non-zero: presses wait a tenth of a second, so that a chord and a click without travel can be told from a drag.
-    /// Then right rotates, right with left or Shift pans, left alone picks, middle centres the view, the wheel is
-    /// reversed. 0: back to direct; a press that waits is dropped
+    /// Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons pressed together and a click
+    /// without movement differ from a drag. Right rotates, right with left or Shift pans, left picks, middle
+    /// centres the view, the wheel is reversed. 0: the direct scheme; a press that waits is dropped.
     virtual void SetIGDRotation(std::int16_t on) = 0;
-    /// Specular material, refreshes
+    /// Specular reflection of all objects; refreshes.
+    /// @param brightness  specular colour and alpha
+    /// @param shining     1 for a wide highlight to 0 for the narrowest
     virtual void SetReflection(float brightness, float shining) = 0;
-    /// Replaces the transform baked into the object: its rotation and translation, row by row; the last row is
-    /// ignored; 0, or -1 for a bad index
+    /// Replaces the transform that is baked into the vertices of an object; refreshes. 4 x 4, sensor to world, row by
+    /// row; the last row is ignored.
+    /// @return 0, or -1 for a bad index
     virtual std::int16_t SetTrafoOfScan(std::int16_t idx, float v0, float v1, float v2, float v3, float v4, float v5,
                                         float v6, float v7, float v8, float v9, float v10, float v11, float v12,
                                         float v13, float v14, float v15) = 0;
-    /// Reads the screen-right and screen-up axes, the centre and the magnification
+    /// The directions to the right and to the top of the screen and the centre, world frame, and the magnification, as
+    /// SetViewParams() accepts them.
     virtual void GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx,
                                float* cy, float* cz, float* zoom) = 0;
-    /// Ends the running cut
+    /// Cancels the running cut. [declared only]
     virtual void EndSegmentation() = 0;
-    /// 1 switches shadows on, any other value off. Asks for no repaint
+    /// 1 switches shadows on, any other value off. They show in DrawModePerPixel. Asks for no repaint.
     virtual void SetShadowMode(std::int16_t mode) = 0;
-    /// 1 when on
+    /// 1 when shadows are on, else 0.
     virtual std::int16_t GetShadowMode() = 0;
-    /// Colours of the four corners, 0x00BBGGRR; refreshes
+    /// Colours of the four corners, 0x00BBGGRR; refreshes.
     virtual void SetBackgroundColorsFourCorners(std::int32_t TopLeftColor, std::int32_t TopRightColor,
                                                 std::int32_t BottomLeftColor, std::int32_t BottomRightColor) = 0;
-    /// Radius of the pick-point spheres, scene units. Asks for no repaint
+    /// Radius of the pick-point spheres, scene units. Asks for no repaint.
     virtual void SetPickRadius(float r) = 0;
-    /// Queues a repaint
+    /// Queues a repaint for the next ProcessEvents().
     virtual void PerformInvalidate() = 0;
-    /// Box of the object, world frame; for a bad index the inverted box 1, -1 on each axis
+    /// Bounding box of an object, world frame. A bad index gives the inverted box, 1 to -1 on each axis, and three
+    /// lines in the debugger output.
     virtual void GetObjectBoundingBox(std::int16_t objectIdx, float* x_min, float* x_max, float* y_min, float* y_max,
                                       float* z_min, float* z_max) = 0;
-    /// Creates one needle
+    /// Creates a needle; fires NeedleCreated.
+    /// @param pinPosX, pinPosY, pinPosZ     point on the surface, world frame
+    /// @param headPosX, headPosY, headPosZ  centre of the head, world frame
+    /// @return false when the limit is reached or the id exists [declared only]
     virtual VARIANT_BOOL CreateNeedle(std::int32_t id, float pinPosX, float pinPosY, float pinPosZ, float headPosX,
                                       float headPosY, float headPosZ) = 0;
-    /// Starts a parallel import and hands out what worker threads call: the control's address and the import entry
+    /// Starts an import on threads of the host.
+    /// @param p_this  receives the first argument of the entry
+    /// @param p_fn    receives the entry that worker threads call; see ImportMeasurementEntry
+    /// Settings of imports must not change until EndParallelImport().
     virtual void BeginParallelImport(void** p_this, ImportMeasurementEntry* p_fn) = 0;
-    /// Ends a parallel import: the finished objects join the list in the order of their indices. All workers must
-    /// have returned
+    /// Ends a parallel import: the finished objects join the list in the order of their indices. All worker threads
+    /// must have returned. Asks for no repaint.
     virtual void EndParallelImport() = 0;
-    /// Whether later imports of measurements without any triangle add an object all the same
+    /// Whether a later import of a measurement without any triangle adds an object. False at first.
     virtual void SetAllowEmptyObjects(VARIANT_BOOL allow) = 0;
-    /// Holds all frames back, refreshes too, until painting is unblocked; what was asked for is then drawn
+    /// Not 0 holds back all frames, refreshes too. 0 allows painting again and draws what was requested in between.
     virtual void BlockPaintEvents(VARIANT_BOOL block) = 0;
-    /// Does nothing; the entry stays so that the ids after it keep their numbers
+    /// Does nothing; the entry stays so that the ids after it keep their numbers.
     virtual void SetMeshFilename_Removed() = 0;
-    /// Stores the flag
+    /// Whether 3D lines are drawn. Asks for no repaint. [declared only]
     virtual void SetLine3DDrawingMode(VARIANT_BOOL enable) = 0;
-    /// Reads the flag
+    /// Whether 3D lines are drawn; false at first. [declared only]
     virtual VARIANT_BOOL GetLine3DDrawingMode() = 0;
-    /// Creates a polyline under a new id
+    /// Creates a polyline, drawn in black.
+    /// @param id    not used by another line
+    /// @param XYZs  3 floats per point, world frame
+    /// @return false when the id exists [declared only]
     virtual VARIANT_BOOL CreateLine3D(std::int32_t id, std::int32_t numberOfXYZs, const float* XYZs) = 0;
-    /// Deletes a free point set
+    /// Deletes a set of free points. An unknown id does nothing. [declared only]
     virtual void DeletePoints(std::int32_t id) = 0;
-    /// Shows or hides a free point set
+    /// Shows or hides a set of free points. An unknown id does nothing. [declared only]
     virtual void SetPointsVisibility(std::int32_t id, VARIANT_BOOL visible) = 0;
-    /// Uploads a free point set, returns its id
+    /// Uploads a set of free points, which is no object.
+    /// @param xyz     3 floats per point, world frame
+    /// @param colors  3 floats per point, r, g, b in 0 to 1
+    /// @param alpha   opacity of the whole set, 0 to 1
+    /// @return its id [declared only]
     virtual std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) = 0;
-    /// Reads the value
+    /// The value of the last SetScanSkipVal(); 1 at first.
     virtual std::int16_t GetScanSkipVal() = 0;
-    /// Not 0 mixes 85 % of the object colour into the vertex colours. Asks for no repaint
+    /// Not 0 mixes 85 % of the object colour into the vertex colours. A bad index does nothing. Asks for no repaint.
     virtual void SetBlendObjectColors(std::int16_t idx, std::int16_t enabled) = 0;
-    /// Colour of the shadows, 0 to 1 each. Asks for no repaint
+    /// Colour of the shadows, each channel 0 to 1. Asks for no repaint.
     virtual void SetShadowColor(float red, float green, float blue) = 0;
-    /// Takes over a copy of a host mesh as an object with its normals as they are
+    /// Adds a copy of a mesh of the host as an object; its normals are kept.
+    /// @param filename  name of the object; may be null
+    /// @param color     0x00BBGGRR, for a mesh without colours
     virtual void ImportMeshedMeasurement(const MeshBuffers* mesh, BSTR filename, std::int32_t color) = 0;
-    /// Turns the scene about the world's Z axis, one revolution. It turns in the frames that are drawn, and asks for
-    /// none: the host refreshes while it runs. A press or a key stops it. Of a running animation only the speed changes
+    /// Turns the scene once about the world's Z axis. The scene turns in the frames that are drawn, and no frame is
+    /// requested: the host refreshes while IsAnimationRunning(). A press or a key stops it. While an animation runs
+    /// only its speed changes.
     virtual void StartAnimation(float revolutionsPerSecond) = 0;
+    /// Stops a running animation where it is.
     virtual void StopAnimation() = 0;
-    /// Whether the space bar starts an animation. The start of a segmentation switches it off, its end on
+    /// Whether the space bar starts an animation. The start of a segmentation switches this off, its end on.
     virtual void ToggleAnimationOnSpacebar(std::int32_t enabled) = 0;
+    /// True from StartAnimation() to the end of the revolution or StopAnimation().
     virtual VARIANT_BOOL IsAnimationRunning() = 0;
-    /// 0 stands still and never ends by itself
+    /// Speed of a running or later animation. At 0 the scene rests and the animation does not end by itself.
     virtual void SetAnimationSpeed(float revolutionsPerSecond) = 0;
-    /// Size of points: pixels for objects, scene units for free points. Asks for no repaint
+    /// Size of points: pixels for objects in draw mode 0, scene units for free points. Asks for no repaint.
     virtual void SetPointCloudRenderPointSize(float size) = 0;
-    /// Draws the whole scene, seen from the window's side and with its zoom, into a picture of 2048 x 2048 pixels: the
-    /// background, the visible objects, the 3D lines and the needles. The view and the window stay as they are.
-    /// @param buffer  takes 2048 x 2048 words (16,777,216 bytes), 0xAARRGGBB as integers of the machine, row after row
+    /// Draws the whole scene, from the window's side and with its zoom, into a picture of 2048 x 2048 pixels:
+    /// background, visible objects, 3D lines and needles. The view and the window stay as they are.
+    /// @param buffer  receives 2048 x 2048 words (16,777,216 bytes), 0xAARRGGBB in the byte order of the machine, rows
     ///                without padding, top row first; its size is not checked. All zero without OpenGL
     virtual void CaptureScreenShot(std::uint32_t* buffer) = 0;
-    /// Always 2048, 2048
+    /// Always 2048, 2048: the size of CaptureScreenShot() in pixels.
     virtual void GetScreenShotResolution(std::int32_t* width, std::int32_t* height) = 0;
-    /// Lays an image of width x height pixels, bytes b, g, r, a, top row first, over the scene, at its own size. Its
-    /// left edge is at window width x relPosX + image width x relOffsetX + absOffsetX pixels, its top edge the same
-    /// with y: 1 and -1 pin it to the right or lower edge. The pixels are copied and live as long as the viewer,
-    /// through RecreateOpenglContext() too. Null is an image that is transparent everywhere. A size below 1 x 1 is no
-    /// image: nothing is drawn. So is one that the driver does not take, as when a side is above its
-    /// GL_MAX_TEXTURE_SIZE; the debugger output says so. Returns the index in any case, valid for the life of the
-    /// viewer. Asks for no repaint
+    /// Lays an image over the scene at its own size. Its left edge is at window width x relPosX + image width x
+    /// relOffsetX + absOffsetX pixels, its top edge the same with y: 1 and -1 keep it at the right or lower edge.
+    /// @param argbU8DataPtrHack  width x height pixels of bytes b, g, r, a, top row first; copied, kept for the life of
+    ///                           the viewer and through RecreateOpenglContext(). Null is a transparent image
+    /// @return its index, in any case. A size below 1 x 1, or a side above GL_MAX_TEXTURE_SIZE (then with a line in the
+    ///         debugger output), draws nothing
+    /// Asks for no repaint.
     virtual std::int32_t AddOverlayData(const std::uint8_t* argbU8DataPtrHack, std::int32_t width, std::int32_t height,
                                         float relPosX, float relPosY, float relOffsetX, float relOffsetY,
                                         float absOffsetX, float absOffsetY) = 0;
-    /// Shows it when the low byte of enable is not 0. The index must be one that AddOverlayData returned. Asks for no
-    /// repaint
+    /// Shows an overlay when the low byte of enable is not 0. The index must be one that AddOverlayData() returned.
+    /// Asks for no repaint.
     virtual void SetOverlayVisibility(std::int32_t index, std::int32_t enable) = 0;
-    /// Stores the value, used by the next centring
+    /// Zoom factor that CenterView() and other fits start with, larger shows more; 1 at first.
     virtual void SetDefaultZoomFactor(float newDefault) = 0;
-    /// Clipping on; the plane is shown when the argument is non-zero
+    /// Clips objects by the plane. Not 0 draws the plane and its handles as well. [declared only]
     virtual void SetClipPlaneEnabled(std::int32_t displayClipPlane) = 0;
-    /// Clipping and display off
+    /// Ends clipping and hides the plane. [declared only]
     virtual void SetClipPlaneDisabled() = 0;
-    /// Centre and normal of the plane
+    /// Places the clip plane; what the normal points to is clipped.
+    /// @param centerX, centerY, centerZ  point of the plane, world frame
+    /// @param normalX, normalY, normalZ  normal, world frame [declared only]
     virtual void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
                               float normalZ) = 0;
-    /// Colours of the plane
+    /// Colours of the plane, its handles and its outline, 0x00BBGGRR. [declared only]
     virtual void SetClipPlaneColor(std::int32_t color, std::int32_t handleColor, std::int32_t outlineColor) = 0;
-    /// Reads centre and normal
+    /// Centre and unit normal of the clip plane, world frame. [declared only]
     virtual void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
                               float* normalZ) = 0;
-    /// Stores the flag; off deselects all needles
+    /// Whether the mouse creates, selects and drags needles. Switching it off deselects all needles. [declared only]
     virtual void SetNeedlePickingMode(VARIANT_BOOL enable) = 0;
-    /// Stores the flag
+    /// Whether needles are drawn. Asks for no repaint. [declared only]
     virtual void SetNeedleDrawingMode(VARIANT_BOOL enable) = 0;
-    /// Stores the parameters for needles made later
+    /// Look of needles that are created later.
+    /// @param needleLength          pin to head, scene units
+    /// @param needleHeadRadius      scene units
+    /// @param needlePinSize         radius of the pin, scene units
+    /// @param needleHitPointRadius  radius of the mark on the surface, scene units
+    /// Colours are 0x00BBGGRR. [declared only]
     virtual void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, std::int32_t needleHeadColor,
                                            float needlePinSize, std::int32_t needlePinColor, float needleHitPointRadius,
                                            std::int32_t needleHitPointColor, std::int32_t needleHeadSelectionColor) = 0;
-    /// Reads the flag
+    /// Whether the mouse acts on needles; false at first. [declared only]
     virtual VARIANT_BOOL GetNeedlePickingMode() = 0;
-    /// Reads the flag
+    /// Whether needles are drawn; false at first. [declared only]
     virtual VARIANT_BOOL GetNeedleDrawingMode() = 0;
-    /// Deletes one needle, true when it existed
+    /// Deletes a needle; fires NeedleDeleted, and before it NeedleDeselected for a selected one.
+    /// @return whether it existed [declared only]
     virtual VARIANT_BOOL DeleteNeedle(std::int32_t id) = 0;
-    /// Number of needles
+    /// Number of needles. [declared only]
     virtual std::int32_t GetNumberOfNeedles() = 0;
-    /// Reads one needle, true when it exists
+    /// Pin and head of a needle, world frame.
+    /// @return whether it exists [declared only]
     virtual VARIANT_BOOL GetNeedle(std::int32_t id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX,
                                    float* headPosY, float* headPosZ) = 0;
-    /// Copies all needles into the host arrays
+    /// Copies all needles.
+    /// @param id                     room for one word per needle
+    /// @param pinPosXYZ, headPosXYZ  room for 3 floats per needle, world frame [declared only]
     virtual void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) = 0;
-    /// Turns a host grid into an object: 3 floats a pixel, row after row, in scene units; one confidence a pixel; 16
-    /// floats row-major sensor to world
+    /// Adds a measured grid of the host as an object; invalidates with erase.
+    /// @param width, height  1 to 32767 each
+    /// @param points         3 floats per pixel, row by row, sensor frame, scene units: nothing is scaled
+    /// @param confidence     one float per pixel
+    /// @param trafo          16 floats, row-major 4 x 4, sensor to world
+    /// @param color          0x00BBGGRR
     virtual void ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
                                              const float* confidence, const float* trafo, std::int32_t color) = 0;
-    /// Turns host arrays into an object: 3 floats a vertex, world frame; 3 indices a triangle, not checked
+    /// Adds arrays of the host as an object with computed normals.
+    /// @param vertices   3 floats per vertex, world frame
+    /// @param triangles  3 indices per triangle; not checked
     virtual void ImportMeshFromMemory(std::int32_t numberOfVertices, std::int32_t numberOfTriangles,
                                       const float* vertices, const std::int32_t* triangles) = 0;
-    /// Counts (cutMaskPtrs null) or hands out the distinct cut masks of all objects; false when more are asked for
-    /// than there are
+    /// The distinct cut masks of all objects.
+    /// @param count        with null cutMaskPtrs receives their number; else the number to copy
+    /// @param cutMaskPtrs  room for that many pointers, or null; the masks belong to the control
+    /// @return false when more are requested than exist [declared only]
     virtual VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) = 0;
-    /// Empties the cut masks of all objects
+    /// Removes the cut masks of all objects. [declared only]
     virtual void ClearCutMasks() = 0;
-    /// Starts the component registry
+    /// Starts the component registry, which textures and hps files need. Calls are counted.
     virtual void InitializeKVReg() = 0;
-    /// Stops the component registry
+    /// Takes back one InitializeKVReg(); the last one stops the registry.
     virtual void FinalizeKVReg() = 0;
-    /// Stores both strings for HPS export
+    /// Name and version of the host program, written into hps files.
     virtual void SetHpsSourceApp(BSTR appName, BSTR appVersion) = 0;
-    /// Shows the modal about dialog
+    /// Shows the about dialog and returns when it is closed. [declared only]
     virtual void AboutBox() = 0;
 
 protected:

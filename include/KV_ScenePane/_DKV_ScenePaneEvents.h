@@ -1,4 +1,4 @@
-// The events of the viewer.
+// The 13 events of the viewer.
 #pragma once
 #include <cstdint>
 
@@ -6,38 +6,44 @@
 
 namespace KV_ScenePane {
 
-/// A host derives from this, overrides what it wants to hear, and connects it (ScenePane.h). Events fire synchronously
-/// inside the method or input that caused them; a handler may call back into the control.
+/// A host derives from this, overrides the events it needs, and connects the object with ScenePane::Connect(). Events
+/// fire synchronously inside the method or the input that caused them, on the viewer's thread; a handler may call
+/// methods of the viewer. Points and directions are in the world frame. Bodies are empty by default.
 class _DKV_ScenePaneEvents {
 public:
-    /// By the platform
+    /// Fired by a platform that loads controls asynchronously; not fired here
     virtual void ReadyStateChange() {}
-    /// A view direction was picked; no input leads here yet
+    /// A view direction was picked in pick mode 1: the surface point on the view axis and the unit direction to the
+    /// viewer. No input of this version fires it
     virtual void SelectViewDirection(float /*px*/, float /*py*/, float /*pz*/, float /*vx*/, float /*vy*/,
                                      float /*vz*/) {}
-    /// The user picks a point on an object, in pick modes 2, 3 and 5. The point is in the world frame; shiftModifiers
-    /// are the mouse flags (Input.h)
+    /// The user picked a point on an object, in pick modes 2, 3 and 5.
+    /// @param idx             index of the object
+    /// @param px, py, pz      the surface point
+    /// @param shiftModifiers  mouse flags of Input.h
+    /// @param mouseX, mouseY  pixels of the drawing area, y downward
     virtual void SelectObjCoords(std::int16_t /*idx*/, float /*px*/, float /*py*/, float /*pz*/,
                                  std::int32_t /*shiftModifiers*/, std::int32_t /*mouseX*/, std::int32_t /*mouseY*/) {}
-    /// A lasso or cut ended
+    /// A cut by lasso ended.
+    /// @param numObj  objects in the list afterwards; -1 when nothing was changed
     virtual void SegmentationDone(std::int16_t /*numObj*/) {}
-    /// The view moved or was set while m_bTracingMode is on
+    /// The view moved or was set, after TracingMode(1); once per step of a drag. The unit direction to the viewer
     virtual void ViewDirectionChanged(float /*vx*/, float /*vy*/, float /*vz*/) {}
-    /// An alignment dialog's window is finally gone
+    /// An alignment has ended and its dialog is destroyed
     virtual void AlignmentDone() {}
-    /// By CreateNeedle, CreateNeedles or the mouse
+    /// A needle was created by CreateNeedle(), CreateNeedles() or the mouse
     virtual void NeedleCreated(std::int32_t /*id*/) {}
-    /// By SelectNeedle or the mouse
+    /// A needle was selected by SelectNeedle() or the mouse
     virtual void NeedleSelected(std::int32_t /*id*/) {}
-    /// By DeleteNeedle, DeleteNeedles, SetMaxNumberOfNeedles or the keyboard
+    /// A needle was deleted by DeleteNeedle(), DeleteNeedles(), SetMaxNumberOfNeedles() or the keyboard
     virtual void NeedleDeleted(std::int32_t /*id*/) {}
-    /// By the deselecting methods, by SetNeedlePickingMode off, and before a deletion of a selected needle
+    /// A needle was deselected by a method, by SetNeedlePickingMode() off, or before the deletion of a selected needle
     virtual void NeedleDeselected(std::int32_t /*id*/) {}
-    /// Every key press, before the viewer acts on it (codes in Input.h)
+    /// Every key press, before the viewer acts on it. Codes, counts and flags as in KeyInput (Input.h)
     virtual void CustomKeyDown(std::int32_t /*nChar*/, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {}
-    /// The sphere list changed
+    /// The list of pick-point spheres changed its length
     virtual void PickPointCountChanged(std::int32_t /*newCount*/) {}
-    /// A cut mask was applied; addr is the address of the ACAD::CutMask
+    /// A cut was applied. @param addr  address of its ACAD::CutMask, owned by the viewer
     virtual void CutMaskApplied(std::int64_t /*addr*/) {}
 
 protected:
