@@ -9,6 +9,8 @@
 #include <cassert>
 #include <utility>
 
+#include "render/MeshDraw.h"
+
 std::recursive_mutex* g_drawLock = nullptr;
 
 namespace {
@@ -29,6 +31,7 @@ CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window) {
     m_pQuadric = gluNewQuadric();
     m_pQuadric2 = gluNewQuadric();
     CreateDrawLockOnce();
+    InstallMeshDrawing();
 }
 
 CKV_ScenePaneCtrl::~CKV_ScenePaneCtrl() {

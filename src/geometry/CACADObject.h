@@ -26,10 +26,6 @@ public:
     void SetBoundingBox(float minX, float maxX, float minY, float maxY, float minZ, float maxZ);
     /// Three floats; computed on first request.
     void GetCenter(float* out);
-    /// glColor4f with the object colour; render/MeshDraw.cpp.
-    void SetDrawColor(float alpha) const;
-    /// The box as lines, the current colour put back; render/MeshDraw.cpp.
-    void DrawBoundingBox() const;
 
     float m_fBoundingBox[6] = {-1, 1, -1, 1, -1, 1};  ///< min x, max x, min y, max y, min z, max z; world frame
     float m_fColor[3] = {1, 1, 1};                    ///< r, g, b in 0..1

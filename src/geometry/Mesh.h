@@ -1,6 +1,7 @@
 // The triangle mesh: every object that the viewer shows. Vertices are held in the world frame; the transform of an
 // object is baked into them, and m_Trafo records which one.
-// The members that issue OpenGL calls are defined in render/MeshDraw.cpp and render/MeshTexture.cpp.
+// This module links no graphics library: what draws a mesh is installed through geometry/MeshGraphics.h. Textured
+// meshes are made by render/MeshTexture.h.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -37,19 +38,6 @@ public:
     Mesh(std::wstring name, bool hasColors);
     /// Takes over both vectors; computes the box and m_bGrayColors. Indices must be valid.
     Mesh(std::vector<Vertex>&& vertices, std::vector<Triangle>&& triangles, std::wstring name, bool hasColors);
-    /// A textured object of a ply file, without a name. The rendering context must be current when there is one.
-    /// @param texCoords   three a triangle in corner order; v = 0 is the bottom row of the picture
-    /// @param imageBytes  a png or jpeg file; kept, so that exports can write it back
-    /// @throws std::runtime_error when the picture cannot be decoded
-    Mesh(std::vector<Vertex> vertices, std::vector<Triangle> triangles, std::span<const TexCoord> texCoords,
-         std::span<const std::uint8_t> imageBytes);
-    /// An object of an hps file. With pixels it is textured, and the rendering context must be current when there is
-    /// one; without, the texture coordinates of the faces are dropped.
-    /// @param rgbaPixels  width x height pixels of bytes r, g, b, a, row after row, the first at v = 0; may be null
-    /// @throws std::runtime_error when the component library refuses the pixels
-    Mesh(std::vector<Vertex> vertices, std::span<const HpsFace> faces, std::wstring name,
-         std::span<const std::uint8_t> imageBytes, const std::uint32_t* rgbaPixels, std::uint32_t width,
-         std::uint32_t height);
     /// Releases the buffers: the right context must be current when there are any.
     ~Mesh() override;
     Mesh(const Mesh&) = delete;
@@ -84,15 +72,8 @@ public:
     /// one; vertices stand in order of first use.
     [[nodiscard]] std::shared_ptr<Mesh> CloneWithoutVertices(std::span<const std::uint32_t> bits) const;
 
-    // ---- render/MeshTexture.cpp
-    /// Makes the texture in the current context; releases a former one. RGBA, 4 bytes a pixel, the first row at v = 0.
-    /// Without a context the image bytes are kept alone, for exports.
-    void CreateTexture(std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
-                       std::span<const std::uint8_t> imageBytes);
-    // ---- render/MeshDraw.cpp
     /// Deletes the OpenGL buffers that exist, in the current context.
     void ReleaseBuffers();
-
     void MarkBuffersDirty() { m_bBuffersDirty = true; }
     /// A change marks the buffers dirty: the mix of colours is made at upload.
     void SetBlendColors(bool blend);
@@ -115,9 +96,4 @@ public:
     std::optional<std::array<float, 4>> m_optCutView;  ///< clip plane last written into this object's file
     bool m_bGrayColors = false;        ///< the vertex colours are all grey, so that the object colour tints them
     bool m_bBlendObjectColor = false;  ///< keep 15 % of the vertex colours, take 85 % of the object colour
-
-private:
-    void BuildBuffers();
-    void DrawLit(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count);
-    void DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count);
 };

@@ -9,6 +9,7 @@
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
 #include "io/HpsMeshFile.h"
+#include "render/MeshTexture.h"
 
 namespace {
 
@@ -42,8 +43,8 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
         return -1;
     }
     const bool textured = !data.m_vPixels.empty();
-    auto mesh = std::make_shared<Mesh>(std::move(data.m_vVertices), data.m_vFaces, path, data.m_vImageBytes,
-                                       textured ? data.m_vPixels.data() : nullptr, data.m_uWidth, data.m_uHeight);
+    auto mesh = MakeHpsMesh(std::move(data.m_vVertices), data.m_vFaces, path, data.m_vImageBytes,
+                            textured ? data.m_vPixels.data() : nullptr, data.m_uWidth, data.m_uHeight);
     mesh->ComputeBoundingBox();
     m_vpMeshes.push_back(std::move(mesh));
     return 0;

@@ -10,6 +10,7 @@
 #include "io/FileMessage.h"
 #include "io/PlyMesh.h"
 #include "io/PlyMeshWriter.h"
+#include "render/MeshTexture.h"
 
 namespace {
 
@@ -17,8 +18,7 @@ std::shared_ptr<Mesh> MakeTexturedMesh(MeshBuffers&& buffers, const PlyMeshData&
     static_assert(sizeof(TexCoord) == 2 * sizeof(float));
     std::vector<TexCoord> texCoords(data.m_vTexCoords.size() / 2);
     std::memcpy(static_cast<void*>(texCoords.data()), data.m_vTexCoords.data(), texCoords.size() * sizeof(TexCoord));
-    return std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles), texCoords,
-                                  data.m_vImageBytes);
+    return MakePlyMesh(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles), texCoords, data.m_vImageBytes);
 }
 
 }  // namespace
@@ -34,7 +34,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
         return -1;
     }
     ComputeMeanNormals(buffers);
-    // The constructors compute the box. Without colours all vertices are white, which counts as grey.
+    // Both ways compute the box. Without colours all vertices are white, which counts as grey.
     m_vpMeshes.push_back(data.m_bHasTexture
                              ? MakeTexturedMesh(std::move(buffers), data)
                              : std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles),

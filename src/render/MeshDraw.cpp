@@ -1,5 +1,7 @@
-// How a mesh gets into the memory of the GPU and onto the screen: the OpenGL members of CACADObject and Mesh. The bytes
-// of the buffers come from VertexPacking.h.
+// How a mesh gets into the memory of the GPU and onto the screen. The bytes of the buffers come from VertexPacking.h,
+// the texture from MeshTexture.cpp.
+#include "render/MeshDraw.h"
+
 #include <GL/glew.h>
 
 #include <algorithm>
@@ -7,8 +9,12 @@
 #include <cstring>
 #include <memory>
 
+#include "KV_ScenePane/Modes.h"
 #include "geometry/Mesh.h"
+#include "geometry/MeshGraphics.h"
 #include "render/VertexPacking.h"
+
+using namespace KV_ScenePane;
 
 namespace {
 
@@ -54,15 +60,12 @@ void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
 // NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes an offset into the bound buffer where it once took a pointer
 const void* BufferOffset(std::size_t offset) { return reinterpret_cast<const void*>(offset); }
 
-}  // namespace
-
-void CACADObject::SetDrawColor(float alpha) const { glColor4f(m_fColor[0], m_fColor[1], m_fColor[2], alpha); }
-
-void CACADObject::DrawBoundingBox() const {
+/// The bounding box as twelve blue lines, with the lighting and matrices in force. Puts the current colour back.
+void DrawBoundingBox(const Mesh& mesh) {
     GLfloat color[4];
     glGetFloatv(GL_CURRENT_COLOR, color);
     glColor3f(0.0f, 0.4f, 0.9f);
-    const auto& [minX, maxX, minY, maxY, minZ, maxZ] = m_fBoundingBox;
+    const auto& [minX, maxX, minY, maxY, minZ, maxZ] = mesh.m_fBoundingBox;
     const float corners[4][2] = {{minX, minY}, {maxX, minY}, {maxX, maxY}, {minX, maxY}};
     for (const float z : {minZ, maxZ}) {
         glBegin(GL_LINE_LOOP);
@@ -78,35 +81,36 @@ void CACADObject::DrawBoundingBox() const {
     glColor3fv(color);
 }
 
-void Mesh::ReleaseBuffers() {
-    for (std::uint32_t* name : {&m_uVertexBuffer, &m_uTriangleBuffer, &m_uPointBuffer, &m_uReducedBuffer}) {
+void ReleaseBuffers(Mesh& mesh) {
+    for (std::uint32_t* name :
+         {&mesh.m_uVertexBuffer, &mesh.m_uTriangleBuffer, &mesh.m_uPointBuffer, &mesh.m_uReducedBuffer}) {
         if (*name == 0) continue;
         glDeleteBuffers(1, name);
         *name = 0;
     }
 }
 
-void Mesh::BuildBuffers() {
-    if (m_vTriangles.empty()) {
-        m_bBuffersDirty = false;
+void BuildBuffers(Mesh& mesh) {
+    if (mesh.m_vTriangles.empty()) {
+        mesh.m_bBuffersDirty = false;
         return;
     }
-    const std::span<const Vertex> vertices(m_vVertices);
-    const std::span<const Triangle> triangles(m_vTriangles);
-    BindGenerated(GL_ARRAY_BUFFER, m_uVertexBuffer);
-    if (m_pTexture) {
-        const std::span<const TexCoord> texCoords(m_vTexCoords);
+    const std::span<const Vertex> vertices(mesh.m_vVertices);
+    const std::span<const Triangle> triangles(mesh.m_vTriangles);
+    BindGenerated(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer);
+    if (mesh.m_pTexture) {
+        const std::span<const TexCoord> texCoords(mesh.m_vTexCoords);
         assert(texCoords.size() == 3 * triangles.size());
         UploadInPieces(GL_ARRAY_BUFFER, triangles.size(), 3 * kTexturedStride,
                        [&](std::size_t first, std::size_t count, std::byte* out) {
                            PackTextured(vertices, triangles.subspan(first, count),
                                         texCoords.subspan(3 * first, 3 * count), out);
                        });
-        m_bBuffersDirty = false;
+        mesh.m_bBuffersDirty = false;
         return;
     }
-    if (m_bHasVertexColors) {
-        const VertexColorTable table = MakeVertexColorTable(m_fColor, m_bBlendObjectColor);
+    if (mesh.m_bHasVertexColors) {
+        const VertexColorTable table = MakeVertexColorTable(mesh.m_fColor, mesh.m_bBlendObjectColor);
         UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kColoredStride,
                        [&](std::size_t first, std::size_t count, std::byte* out) {
                            PackColored(vertices.subspan(first, count), table, out);
@@ -117,77 +121,20 @@ void Mesh::BuildBuffers() {
                            PackPlain(vertices.subspan(first, count), out);
                        });
     }
-    // The triangles lie in memory as the GPU takes them.
-    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, m_uTriangleBuffer);
+    // A Triangle is three 32-bit indices, the layout of the index buffer: no packing.
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uTriangleBuffer);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(triangles.size_bytes()), triangles.data(),
                  GL_STATIC_DRAW);
-    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, m_uPointBuffer);
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uPointBuffer);
     UploadFirstCorners(triangles, 1);
-    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, m_uReducedBuffer);
-    UploadFirstCorners(triangles, static_cast<std::size_t>(m_iReducedStep));
-    m_bBuffersDirty = false;
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uReducedBuffer);
+    UploadFirstCorners(triangles, static_cast<std::size_t>(mesh.m_iReducedStep));
+    mesh.m_bBuffersDirty = false;
 }
 
-void Mesh::Draw(std::int32_t mode, bool reduced) {
-    if (m_bBuffersDirty) BuildBuffers();
-    if (m_vTriangles.empty()) return;  // not even its box is shown
-    glPushAttrib(kAllAttributes);
-    SetDrawColor(0.5f);
-    glPointSize(m_fPointSize);
-
-    const auto triangleCount = static_cast<std::int32_t>(m_vTriangles.size());
-    const auto draw = [&](std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
-        if (reduced)
-            DrawLit(m_uReducedBuffer, GL_POINTS, triangleCount / m_iReducedStep);
-        else
-            DrawLit(indexBuffer, primitive, count);
-    };
-    switch (mode) {
-        case 0:
-            // The point buffer holds one index a triangle; a textured mesh has none and shows all its corners.
-            draw(m_uPointBuffer, GL_POINTS, m_pTexture ? 3 * triangleCount : triangleCount);
-            break;
-        case 1:
-            glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
-            glShadeModel(GL_FLAT);
-            draw(m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
-            break;
-        case 2:
-            glShadeModel(GL_FLAT);
-            draw(m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
-            break;
-        case 3:
-            glShadeModel(GL_SMOOTH);
-            draw(m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
-            break;
-        case 4:
-            DrawBoundingBox();
-            break;
-        default:
-            break;
-    }
-    glPopAttrib();
-}
-
-void Mesh::DrawLit(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
-    const GLfloat objectColor[4] = {m_fColor[0], m_fColor[1], m_fColor[2], 1.0f};
-    const GLfloat white[4] = {1.0f, 1.0f, 1.0f, 1.0f};
-    // The tint travels as the light's colour: fixed-function lighting and the programs both multiply by it.
-    const bool grayUnblended = m_bGrayColors && !m_bBlendObjectColor;
-    const bool tinted = !m_pTexture && (!m_bHasVertexColors || grayUnblended);
-    glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
-    glEnable(GL_LIGHT0);
-    glEnable(GL_LIGHTING);
-    glLightfv(GL_LIGHT0, GL_DIFFUSE, tinted ? objectColor : white);
-    glColor4fv(white);
-    glEnable(GL_DEPTH_TEST);
-    DrawArrays(indexBuffer, primitive, count);
-    glPopAttrib();
-}
-
-void Mesh::DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
-    const bool textured = m_pTexture != nullptr;
-    const bool colored = m_bHasVertexColors && !textured;
+void DrawArrays(const Mesh& mesh, std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
+    const bool textured = mesh.m_pTexture != nullptr;
+    const bool colored = mesh.m_bHasVertexColors && !textured;
     const auto setClientState = [](GLenum array, bool on) {
         on ? glEnableClientState(array) : glDisableClientState(array);
     };
@@ -196,12 +143,12 @@ void Mesh::DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::i
     setClientState(GL_COLOR_ARRAY, colored);
     setClientState(GL_TEXTURE_COORD_ARRAY, textured);
 
-    if (m_uVertexBuffer != 0 && textured) {
+    if (mesh.m_uVertexBuffer != 0 && textured) {
         const GLboolean wasEnabled = glIsEnabled(GL_TEXTURE_2D);
         glEnable(GL_TEXTURE_2D);
         glActiveTexture(GL_TEXTURE0);
-        glBindTexture(GL_TEXTURE_2D, m_pTexture->m_uName);
-        glBindBuffer(GL_ARRAY_BUFFER, m_uVertexBuffer);
+        glBindTexture(GL_TEXTURE_2D, mesh.m_pTexture->m_uName);
+        glBindBuffer(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer);
         constexpr auto kStride = static_cast<GLsizei>(kTexturedStride);
         glVertexPointer(3, GL_FLOAT, kStride, BufferOffset(0));
         glNormalPointer(GL_FLOAT, kStride, BufferOffset(12));
@@ -210,9 +157,9 @@ void Mesh::DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::i
         glBindBuffer(GL_ARRAY_BUFFER, 0);
         if (wasEnabled == GL_FALSE) glDisable(GL_TEXTURE_2D);
         glBindTexture(GL_TEXTURE_2D, 0);
-    } else if (m_uVertexBuffer != 0 && indexBuffer != 0) {
+    } else if (mesh.m_uVertexBuffer != 0 && indexBuffer != 0) {
         const auto stride = static_cast<GLsizei>(colored ? kColoredStride : kPlainStride);
-        glBindBuffer(GL_ARRAY_BUFFER, m_uVertexBuffer);
+        glBindBuffer(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer);
         glVertexPointer(3, GL_FLOAT, stride, BufferOffset(0));
         glNormalPointer(GL_FLOAT, stride, BufferOffset(12));
         if (colored) glColorPointer(4, GL_UNSIGNED_BYTE, stride, BufferOffset(24));
@@ -227,3 +174,68 @@ void Mesh::DrawArrays(std::uint32_t indexBuffer, std::uint32_t primitive, std::i
     if (colored) glDisableClientState(GL_COLOR_ARRAY);
     if (textured) glDisableClientState(GL_TEXTURE_COORD_ARRAY);
 }
+
+void DrawLit(const Mesh& mesh, std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
+    const GLfloat objectColor[4] = {mesh.m_fColor[0], mesh.m_fColor[1], mesh.m_fColor[2], 1.0f};
+    const GLfloat white[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+    // The tint travels as the light's colour: fixed-function lighting and the programs both multiply by it.
+    const bool grayUnblended = mesh.m_bGrayColors && !mesh.m_bBlendObjectColor;
+    const bool tinted = !mesh.m_pTexture && (!mesh.m_bHasVertexColors || grayUnblended);
+    glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_LIGHT0);
+    glEnable(GL_LIGHTING);
+    glLightfv(GL_LIGHT0, GL_DIFFUSE, tinted ? objectColor : white);
+    glColor4fv(white);
+    glEnable(GL_DEPTH_TEST);
+    DrawArrays(mesh, indexBuffer, primitive, count);
+    glPopAttrib();
+}
+
+void DrawMesh(Mesh& mesh, std::int32_t mode, bool reduced) {
+    if (mesh.m_bBuffersDirty) BuildBuffers(mesh);
+    if (mesh.m_vTriangles.empty()) return;  // not even its box is shown
+    glPushAttrib(kAllAttributes);
+    glColor4f(mesh.m_fColor[0], mesh.m_fColor[1], mesh.m_fColor[2], 0.5f);
+    glPointSize(mesh.m_fPointSize);
+
+    const auto triangleCount = static_cast<std::int32_t>(mesh.m_vTriangles.size());
+    const auto draw = [&](std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
+        if (reduced)
+            DrawLit(mesh, mesh.m_uReducedBuffer, GL_POINTS, triangleCount / mesh.m_iReducedStep);
+        else
+            DrawLit(mesh, indexBuffer, primitive, count);
+    };
+    switch (mode) {
+        case DrawModePoints:
+            // The point buffer holds one index per triangle; a textured mesh has none and shows all its corners.
+            draw(mesh.m_uPointBuffer, GL_POINTS, mesh.m_pTexture ? 3 * triangleCount : triangleCount);
+            break;
+        case DrawModeWireframe:
+            glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+            glShadeModel(GL_FLAT);
+            draw(mesh.m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
+            break;
+        case DrawModeFlat:
+            glShadeModel(GL_FLAT);
+            draw(mesh.m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
+            break;
+        case DrawModeGouraud:
+            glShadeModel(GL_SMOOTH);
+            draw(mesh.m_uTriangleBuffer, GL_TRIANGLES, 3 * triangleCount);
+            break;
+        case DrawModeBoundingBoxes:
+            DrawBoundingBox(mesh);
+            break;
+        default:
+            break;
+    }
+    glPopAttrib();
+}
+
+void DeleteTexture(std::uint32_t name) { glDeleteTextures(1, &name); }
+
+constexpr MeshGraphics kOpenGl{.draw = DrawMesh, .releaseBuffers = ReleaseBuffers, .deleteTexture = DeleteTexture};
+
+}  // namespace
+
+void InstallMeshDrawing() { InstallMeshGraphics(&kOpenGl); }

@@ -1,4 +1,6 @@
 // Textured meshes: pictures from encoded files or as pixels, and the texture on the GPU.
+#include "render/MeshTexture.h"
+
 #include <GL/glew.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <utility>
 
 #include "KV_Components/Image.h"
-#include "geometry/Mesh.h"
 #include "platform/ComponentRegistry.h"
 #include "platform/CurrentContext.h"
 
@@ -54,7 +55,7 @@ Picture Halved(const std::uint8_t* rgba, std::int32_t width, std::int32_t height
     return half;
 }
 
-/// Fills the bound texture. A picture larger than the driver takes is shown coarser, rather than not at all.
+/// Fills the bound texture. A picture larger than the driver accepts is shown coarser, rather than not at all.
 void UploadPicture(std::int32_t width, std::int32_t height, const std::uint8_t* rgba) {
     GLint longestSide = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &longestSide);
@@ -77,44 +78,42 @@ void RequirePicture(const std::uint32_t* rgbaPixels, std::uint32_t width, std::u
 
 }  // namespace
 
-Mesh::Mesh(std::vector<Vertex> vertices, std::vector<Triangle> triangles, std::span<const TexCoord> texCoords,
-           std::span<const std::uint8_t> imageBytes)
-    : m_vTriangles(std::move(triangles)),
-      m_vTexCoords(texCoords.begin(), texCoords.end()),
-      m_vVertices(std::move(vertices)) {
-    assert(m_vTexCoords.size() == 3 * m_vTriangles.size());
-    Mesh::ComputeBoundingBox();
+std::shared_ptr<Mesh> MakePlyMesh(std::vector<Vertex> vertices, std::vector<Triangle> triangles,
+                                  std::span<const TexCoord> texCoords, std::span<const std::uint8_t> imageBytes) {
+    assert(texCoords.size() == 3 * triangles.size());
+    auto mesh = std::make_shared<Mesh>(std::wstring(), false);
+    mesh->m_vVertices = std::move(vertices);
+    mesh->m_vTriangles = std::move(triangles);
+    mesh->m_vTexCoords.assign(texCoords.begin(), texCoords.end());
+    mesh->ComputeBoundingBox();
     const Picture picture = DecodeBottomUp(imageBytes);
-    CreateTexture(picture.width, picture.height, picture.rgba.data(), imageBytes);
+    CreateTexture(*mesh, picture.width, picture.height, picture.rgba.data(), imageBytes);
+    return mesh;
 }
 
-Mesh::Mesh(std::vector<Vertex> vertices, std::span<const HpsFace> faces, std::wstring name,
-           std::span<const std::uint8_t> imageBytes, const std::uint32_t* rgbaPixels, std::uint32_t width,
-           std::uint32_t height)
-    : m_vVertices(std::move(vertices)), m_sName(std::move(name)), m_bGrayColors(rgbaPixels == nullptr) {
-    m_vTriangles.reserve(faces.size());
-    for (const HpsFace& face : faces) m_vTriangles.push_back({{face.v[0], face.v[1], face.v[2]}});
-    Mesh::ComputeBoundingBox();
-    if (rgbaPixels == nullptr) return;
-    m_vTexCoords.reserve(3 * faces.size());
-    for (const HpsFace& face : faces) m_vTexCoords.insert(m_vTexCoords.end(), face.uv, face.uv + 3);
+std::shared_ptr<Mesh> MakeHpsMesh(std::vector<Vertex> vertices, std::span<const HpsFace> faces, std::wstring name,
+                                  std::span<const std::uint8_t> imageBytes, const std::uint32_t* rgbaPixels,
+                                  std::uint32_t width, std::uint32_t height) {
+    auto mesh = std::make_shared<Mesh>(std::move(name), false);
+    mesh->m_bGrayColors = rgbaPixels == nullptr;
+    mesh->m_vVertices = std::move(vertices);
+    mesh->m_vTriangles.reserve(faces.size());
+    for (const HpsFace& face : faces) mesh->m_vTriangles.push_back({{face.v[0], face.v[1], face.v[2]}});
+    mesh->ComputeBoundingBox();
+    if (rgbaPixels == nullptr) return mesh;
+    mesh->m_vTexCoords.reserve(3 * faces.size());
+    for (const HpsFace& face : faces) mesh->m_vTexCoords.insert(mesh->m_vTexCoords.end(), face.uv, face.uv + 3);
     RequirePicture(rgbaPixels, width, height);
-    CreateTexture(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height),
+    CreateTexture(*mesh, static_cast<std::int32_t>(width), static_cast<std::int32_t>(height),
                   reinterpret_cast<const std::uint8_t*>(rgbaPixels), imageBytes);
+    return mesh;
 }
 
-Mesh::Texture::Texture(std::uint32_t name, void* context, std::vector<std::uint8_t> imageBytes)
-    : m_uName(name), m_hContext(context), m_vImageBytes(std::move(imageBytes)) {}
-
-Mesh::Texture::~Texture() {
-    if (m_uName != 0) glDeleteTextures(1, &m_uName);
-}
-
-void Mesh::CreateTexture(std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
-                         std::span<const std::uint8_t> imageBytes) {
-    // The name comes last: what fails before it leaves nothing behind on the GPU.
-    auto texture =
-        std::make_shared<Texture>(0, CurrentContext(), std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
+void CreateTexture(Mesh& mesh, std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
+                   std::span<const std::uint8_t> imageBytes) {
+    // The texture's name is generated last: a failure before that has nothing to delete on the GPU.
+    auto texture = std::make_shared<Mesh::Texture>(0, CurrentContext(),
+                                                   std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
     if (texture->m_hContext != nullptr) {
         glGenTextures(1, &texture->m_uName);
         glBindTexture(GL_TEXTURE_2D, texture->m_uName);
@@ -124,5 +123,5 @@ void Mesh::CreateTexture(std::int32_t width, std::int32_t height, const std::uin
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
         glBindTexture(GL_TEXTURE_2D, 0);
     }
-    m_pTexture = std::move(texture);
+    mesh.m_pTexture = std::move(texture);
 }

@@ -1,4 +1,5 @@
 // Every render mode at pixels whose colour follows from the lighting formulas.
+#include "render/MeshTexture.h"
 #include "render/SceneFixture.h"
 
 using namespace lighting;
@@ -225,7 +226,7 @@ TEST_P(DrawModes, BackFacesOfATexturedMeshAreGreyInMode5) {
     mesh.m_vTexCoords.resize(6);
     ASSERT_TRUE(pane->MakeContextCurrent());
     const std::vector<std::uint8_t> orange{255, 128, 0, 255};
-    mesh.CreateTexture(1, 1, orange.data(), {});
+    CreateTexture(mesh, 1, 1, orange.data(), {});
     SetMode(5);
     Frame();
     ExpectPixel(160, 120, PerPixel(camera, At(160, 120, square, {1, 1, 1})));
@@ -340,7 +341,7 @@ TEST_P(DrawModes, ATexturedMeshShowsItsTextureUntinted) {
         for (const int value : {left ? 200 : 40, left ? 80 : 160, 120, 255})
             pixels.push_back(static_cast<std::uint8_t>(value));
     }
-    mesh.CreateTexture(64, 64, pixels.data(), {});
+    CreateTexture(mesh, 64, 64, pixels.data(), {});
     const Vec3 left{200 / 255.0, 80 / 255.0, 120 / 255.0}, right{40 / 255.0, 160 / 255.0, 120 / 255.0};
     SetMode(5);
     Frame();
@@ -366,7 +367,7 @@ TEST_P(DrawModes, ATexturedMeshShowsAllItsCornersAsPoints) {
     mesh.m_vTexCoords.resize(6);
     ASSERT_TRUE(pane->MakeContextCurrent());
     const std::vector<std::uint8_t> white(4, 255);
-    mesh.CreateTexture(1, 1, white.data(), {});
+    CreateTexture(mesh, 1, 1, white.data(), {});
     SetMode(0);
     Frame();
     EXPECT_EQ(PixelsThatAreNotBackground(), 16);  // four corners of 2 x 2 pixels

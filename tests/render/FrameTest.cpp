@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "render/FrameWitness.h"
+#include "render/MeshTexture.h"
 #include "render/SceneFixture.h"
 
 using namespace lighting;
@@ -161,7 +162,7 @@ TEST_P(ReducedFrames, ShowTheFirstTwoCornersOfTwentyTexturedTriangles) {
     mesh->m_vTexCoords.resize(60);
     ASSERT_TRUE(pane->MakeContextCurrent());
     const std::vector<std::uint8_t> white(4, 255);
-    mesh->CreateTexture(1, 1, white.data(), {});
+    CreateTexture(*mesh, 1, 1, white.data(), {});
     Frame();
     // x = -6 and -5.8: columns 16 and 20.8.
     EXPECT_EQ(PixelsThatAreNotBackground(), 8);

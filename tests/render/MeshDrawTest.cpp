@@ -1,6 +1,7 @@
 // What a mesh keeps on the GPU, and when it is made anew.
 #include <cstring>
 
+#include "render/MeshTexture.h"
 #include "render/SceneFixture.h"
 #include "render/VertexPacking.h"
 
@@ -211,7 +212,7 @@ TEST_F(MeshBuffersOnTheGpu, OfATexturedMeshHoldEachCornerWithItsCoordinate) {
     auto mesh = Fan(2, true);  // the texture wins over the vertex colours
     mesh->m_vTexCoords = {{0, 0.1f}, {1, 0.2f}, {2, 0.3f}, {3, 0.4f}, {4, 0.5f}, {5, 0.6f}};
     const std::vector<std::uint8_t> pixel{1, 2, 3, 4}, image{9, 8, 7};
-    mesh->CreateTexture(1, 1, pixel.data(), image);
+    CreateTexture(*mesh, 1, 1, pixel.data(), image);
     EXPECT_EQ(mesh->m_pTexture->m_hContext, pane->m_hRC);
     EXPECT_EQ(mesh->m_pTexture->m_vImageBytes, image);
     DrawNow(*mesh);

@@ -2,6 +2,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "render/MeshTexture.h"
 #include "render/SceneFixture.h"
 #include "support/PngFile.h"
 
@@ -62,7 +63,7 @@ protected:
 
     static std::shared_ptr<Mesh> FromPly(const Square& square, const std::vector<TexCoord>& texCoords,
                                          const Bytes& file) {
-        return std::make_shared<Mesh>(square.Vertices(), square.Triangles(), texCoords, file);
+        return MakePlyMesh(square.Vertices(), square.Triangles(), texCoords, file);
     }
     void Show(std::shared_ptr<Mesh> mesh) { pane->m_vpMeshes = {std::move(mesh)}; }
     void FrameInMode(int mode) {
@@ -120,8 +121,7 @@ TEST_P(EveryShadedMode, ShowsThePictureOfAPlyUpright) {
 }
 
 TEST_P(EveryShadedMode, ShowsTheFirstRowOfHpsPixelsAtVZero) {
-    Show(std::make_shared<Mesh>(square.Vertices(), FacesOf(square, kUpright), L"", Bytes{},
-                                Words(quarters.Pixels()).data(), 8, 8));
+    Show(MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"", Bytes{}, Words(quarters.Pixels()).data(), 8, 8));
     ExpectSpots({{136, 96, quarters.bottomLeft},
                  {184, 96, quarters.bottomRight},
                  {136, 144, quarters.topLeft},
@@ -186,7 +186,7 @@ TEST_F(TexturedMeshes, ShowAllTheirCornersInMode0) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 4 * 4);
 }
 
-// ---- what the constructors fill in
+// ---- what the two makers fill in
 
 TEST_F(TexturedMeshes, ThrowAndTakeShadowsAsOthersDo) {
     const Square occluder{.center = {0.3, 0.5, 3}, .half = 1.2}, receiver{.half = 4.0},
@@ -235,8 +235,9 @@ TEST_F(TexturedMeshes, FromAPlyHoldWhatTheFileBrought) {
 
 TEST_F(TexturedMeshes, FromAnHpsHoldNameFacesAndImageBytes) {
     const Bytes imageBytes{9, 8, 7};  // kept as they are: the pixels came with them
-    const Mesh mesh(square.Vertices(), FacesOf(square, kUpright), L"/scans/tooth.hps", imageBytes,
-                    Words(quarters.Pixels()).data(), 8, 8);
+    const auto made = MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"/scans/tooth.hps", imageBytes,
+                                  Words(quarters.Pixels()).data(), 8, 8);
+    const Mesh& mesh = *made;
     EXPECT_EQ(mesh.m_sName, L"/scans/tooth.hps");
     ASSERT_EQ(mesh.GetTriangleCount(), 2u);
     EXPECT_EQ(mesh.m_vTriangles[1].v[1], 2);
@@ -251,7 +252,8 @@ TEST_F(TexturedMeshes, FromAnHpsHoldNameFacesAndImageBytes) {
 
 TEST_F(TexturedMeshes, FromAnHpsWithoutPixelsAreNone) {
     const std::set<GLuint> before = Textures();
-    const Mesh mesh(square.Vertices(), FacesOf(square, kUpright), L"tooth.hps", {}, nullptr, 0, 0);
+    const auto made = MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"tooth.hps", {}, nullptr, 0, 0);
+    const Mesh& mesh = *made;
     EXPECT_TRUE(mesh.m_bGrayColors);
     EXPECT_FALSE(mesh.m_bHasVertexColors);
     EXPECT_EQ(mesh.GetTriangleCount(), 2u);
@@ -290,7 +292,7 @@ TEST_F(TextureFailures, OfHpsPixelsSayWhy) {
     const std::uint32_t pixel = 0;
     for (const auto& [width, height] : {std::pair{0u, 1u}, {1u, 0u}, {16385u, 1u}, {1u, 0xFFFFFFFFu}})
         ExpectRefusal("an invalid argument was passed to an interface method", [&, w = width, h = height] {
-            const Mesh mesh(square.Vertices(), FacesOf(square, kUpright), L"", {}, &pixel, w, h);
+            (void)MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"", {}, &pixel, w, h);
         });
 }
 
@@ -339,7 +341,7 @@ TEST_F(TexturedMeshes, ReleaseTheFormerTexture) {
     const auto mesh = FromPly(square, kUpright, quarters.File());
     const GLuint former = mesh->m_pTexture->m_uName;
     const Bytes pixel{1, 2, 3, 255};
-    mesh->CreateTexture(1, 1, pixel.data(), Bytes{5});
+    CreateTexture(*mesh, 1, 1, pixel.data(), Bytes{5});
     EXPECT_NE(mesh->m_pTexture->m_uName, former);
     EXPECT_EQ(glIsTexture(former), GL_FALSE);
     EXPECT_EQ(glIsTexture(mesh->m_pTexture->m_uName), GL_TRUE);
@@ -379,7 +381,7 @@ TEST_F(TexturedMeshes, HalveAPictureThatTheDriverIsTooSmallFor) {
             for (const int channel : {x % 2 == 0 ? 40 : 60, 100 * y, 7, 255})
                 pixels.push_back(static_cast<std::uint8_t>(channel));
     const auto mesh = FromPly(square, kUpright, quarters.File());
-    mesh->CreateTexture(width, 3, pixels.data(), {});
+    CreateTexture(*mesh, width, 3, pixels.data(), {});
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     glBindTexture(GL_TEXTURE_2D, mesh->m_pTexture->m_uName);
     GLint size[2] = {};
@@ -400,7 +402,8 @@ TEST(TexturedMeshesWithoutContext, KeepTheImageBytesAlone) {
     control->InitializeKVReg();
     const Bytes file = Quarters{}.File();
     {
-        const Mesh mesh(Square{}.Vertices(), Square{}.Triangles(), kUpright, file);
+        const auto made = MakePlyMesh(Square{}.Vertices(), Square{}.Triangles(), kUpright, file);
+        const Mesh& mesh = *made;
         ASSERT_TRUE(mesh.m_pTexture);
         EXPECT_EQ(mesh.m_pTexture->m_uName, 0u);
         EXPECT_EQ(mesh.m_pTexture->m_hContext, nullptr);
