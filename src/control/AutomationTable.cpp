@@ -1,5 +1,5 @@
-// The table of the automation surface. The C++ types of a row come from the method itself, so that table and class
-// cannot disagree on them.
+// The table of the automation surface. The C++ types of a row are deduced from the method itself, so that table and
+// class cannot differ in them; names and declared types are text, and a test compares them with the public header.
 #include "control/AutomationTable.h"
 
 #include <algorithm>
@@ -14,6 +14,7 @@ namespace {
 
 using Surface = KV_ScenePane::_DKV_ScenePane;
 
+// One letter per C++ type, as AutomationMethod::signature lists them.
 template <typename T>
 constexpr char TypeCode() {
     if constexpr (std::is_void_v<T>)
@@ -32,13 +33,13 @@ constexpr char TypeCode() {
     }
 }
 
-// What a pointer leads to is written when it may be.
+// A pointer to something that is not const is an output argument.
 template <typename T>
 constexpr bool IsOutput() {
     return std::is_pointer_v<T> && !std::is_const_v<std::remove_pointer_t<T>>;
 }
 
-// A pointer travels untyped; every other value as what it is.
+// Pointers are stored untyped, every other value with its type.
 template <typename T>
 T Unpack(const AutomationValue& value) {
     if constexpr (TypeCode<T>() == 'p')
@@ -47,6 +48,7 @@ T Unpack(const AutomationValue& value) {
         return std::get<T>(value);
 }
 
+// Signature, output arguments and call of one method, deduced from its pointer to member.
 template <auto Method>
 struct MethodTraits;
 template <typename Result, typename... Arguments, Result (Surface::*Method)(Arguments...)>
@@ -77,20 +79,20 @@ struct Declaration {
     std::vector<AutomationArgument> arguments;
 };
 
-// "type name(type name, type name)" into its parts.
+// Splits "type name(type name, type name)". The table below is the only input, hence no error handling.
 Declaration Parse(std::string_view text) {
-    const auto splitAtLastBlank = [](std::string_view part) {
-        const std::size_t blank = part.rfind(' ');
-        return std::pair{part.substr(0, blank), part.substr(blank + 1)};
+    const auto splitAtLastSpace = [](std::string_view part) {
+        const std::size_t space = part.rfind(' ');
+        return std::pair{part.substr(0, space), part.substr(space + 1)};
     };
     const std::size_t open = text.find('(');
     assert(open != std::string_view::npos && text.back() == ')');
     Declaration declaration;
-    std::tie(declaration.result, declaration.name) = splitAtLastBlank(text.substr(0, open));
+    std::tie(declaration.result, declaration.name) = splitAtLastSpace(text.substr(0, open));
     std::string_view list = text.substr(open + 1, text.size() - open - 2);
     while (!list.empty()) {
         const std::size_t comma = std::min(list.find(','), list.size());
-        const auto [type, name] = splitAtLastBlank(list.substr(0, comma));
+        const auto [type, name] = splitAtLastSpace(list.substr(0, comma));
         declaration.arguments.push_back({type, name, false});
         list.remove_prefix(std::min(comma + 2, list.size()));
     }
@@ -243,6 +245,7 @@ const std::vector<AutomationMethod>& Methods() {
 }
 // clang-format on
 
+// Letter of the alternative that is held, in the order of AutomationValue.
 char CodeOf(const AutomationValue& value) {
     constexpr std::string_view kCodes = "vsifwp";
     return kCodes[value.index()];

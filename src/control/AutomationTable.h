@@ -8,9 +8,10 @@
 
 #include "KV_ScenePane/_DKV_ScenePane.h"
 
-/// One argument or result on its way through the dispatch. Pointers travel as pointers; std::monostate is no value.
+/// One argument or result of a dispatched call. Pointers are untyped; std::monostate is no value.
 using AutomationValue = std::variant<std::monostate, std::int16_t, std::int32_t, float, const wchar_t*, void*>;
 
+/// One argument as it is declared.
 struct AutomationArgument {
     std::string_view
         type;  ///< short, long, int, float, VARIANT_BOOL, BSTR, VARIANT*, or an output: float*, long*, int*
@@ -18,6 +19,7 @@ struct AutomationArgument {
     bool output;  ///< the method writes through it
 };
 
+/// One row of the method table.
 struct AutomationMethod {
     std::int32_t id;
     std::string_view result;  ///< void, short, long, int, VARIANT_BOOL
@@ -26,9 +28,11 @@ struct AutomationMethod {
     /// The types of the C++ method behind it: v void, s 16-bit, i 32-bit, f float, w wide string, p pointer; result
     /// first.
     std::string_view signature;
+    /// Calls the method; the arguments must have the types of the signature.
     AutomationValue (*invoke)(KV_ScenePane::_DKV_ScenePane& target, std::span<const AutomationValue> arguments);
 };
 
+/// One row of the property table.
 struct AutomationProperty {
     std::int32_t id;
     std::string_view type;
@@ -36,21 +40,23 @@ struct AutomationProperty {
     bool writable;
 };
 
+/// One row of the event table.
 struct AutomationEvent {
     std::int32_t id;
     std::string_view name;
     std::vector<AutomationArgument> arguments;
 };
 
-/// All 120 methods in the order of their ids, AboutBox last.
+/// All 120 methods in the order of their ids, AboutBox last. Made at the first call; valid to the end of the process.
 [[nodiscard]] std::span<const AutomationMethod> AutomationMethods();
 [[nodiscard]] std::span<const AutomationProperty> AutomationProperties();
-/// All 13 events, the platform's first.
+/// All 13 events, ReadyStateChange first.
 [[nodiscard]] std::span<const AutomationEvent> AutomationEvents();
 
+/// Outcome of a call by id; only Done has called the method.
 enum class AutomationStatus { Done, UnknownId, BadArguments };
 
 /// Calls the method with @p id. Arguments must have the types of its signature, in number and order.
-/// @param result  takes the method's result; may be null
+/// @param result  receives the method's result; may be null
 AutomationStatus InvokeMethod(KV_ScenePane::_DKV_ScenePane& target, std::int32_t id,
                               std::span<const AutomationValue> arguments, AutomationValue* result);

@@ -1,4 +1,4 @@
-// The component registry as a host starts and stops it.
+// Start and stop of the component registry by the host. The library counts the starts of all controls of the process.
 #include "KV_Components/Registry.h"
 #include "control/ScenePaneCtrl.h"
 

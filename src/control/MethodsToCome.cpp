@@ -1,4 +1,5 @@
-// Methods whose rooms are still to be built. They do nothing, and say so where a programmer looks.
+// Methods of the surface that this version only declares. Each writes one line to the debugger output, so that a host
+// that calls one learns why nothing happened, and returns 0.
 #include <string>
 
 #include "base/DebugOutput.h"

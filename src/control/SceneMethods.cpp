@@ -1,4 +1,4 @@
-// The simple methods on the object list.
+// Methods on the object list: counts, colours, boxes, transforms, deletion, selection.
 #include <string>
 
 #include "base/DebugOutput.h"
@@ -6,7 +6,7 @@
 
 namespace {
 
-// The rotation and translation of a row-major 4 x 4 matrix into a transform.
+// Rotation and translation of a row-major 4 x 4 matrix; Set() receives the rotation column by column.
 void SetFromRows(CACADQTrafo& trafo, const float (&m)[16]) {
     trafo.Set(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10], m[3], m[7], m[11]);
 }
@@ -27,7 +27,8 @@ void CKV_ScenePaneCtrl::SetSize(std::int16_t sx, std::int16_t sy) {
 }
 
 void CKV_ScenePaneCtrl::ClearData() {
-    MakeContextCurrent();  // the destructors of the meshes delete their buffers in it
+    MakeContextCurrent();  // the destructors of the meshes delete their OpenGL buffers
+    // In this order: an object that only an undo step holds is destroyed with the step.
     m_vpMeshes.clear();
     m_vUndoStack.clear();
     m_vLines3D.clear();
@@ -61,7 +62,7 @@ void CKV_ScenePaneCtrl::SetObjectVisibility(std::int16_t idx, std::int16_t visib
     InvalidateControl(false);
 }
 
-// The contract has no range check here: the host passes a valid index.
+// Without a range check: hosts pass a valid index, and existing ones rely on the outputs being written.
 void CKV_ScenePaneCtrl::GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) {
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
     *numP = static_cast<std::int32_t>(mesh.GetVertexCount());
@@ -99,6 +100,7 @@ std::int16_t CKV_ScenePaneCtrl::GetTrafoOfScan(std::int16_t idx, float* v0, floa
                                                float* v11, float* v12, float* v13, float* v14, float* v15) {
     const Mesh* mesh = ObjectAt(idx);
     if (mesh == nullptr) return -1;
+    // The transform holds its rotation by columns; hosts get rows.
     const double* r = mesh->m_Trafo.m_dRotation;
     const double* t = mesh->m_Trafo.m_dTranslation;
     float* const out[16] = {v0, v1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12, v13, v14, v15};
@@ -112,6 +114,7 @@ std::int16_t CKV_ScenePaneCtrl::SetTrafoOfScan(std::int16_t idx, float v0, float
                                                float v12, float v13, float v14, float v15) {
     Mesh* mesh = ObjectAt(idx);
     if (mesh == nullptr) return -1;
+    // The vertices are in the world frame: the old transform is reverted before the new one is baked in.
     mesh->RevertTrafo(mesh->m_Trafo);
     SetFromRows(mesh->m_Trafo, {v0, v1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12, v13, v14, v15});
     mesh->ApplyTrafo(mesh->m_Trafo);
@@ -121,7 +124,7 @@ std::int16_t CKV_ScenePaneCtrl::SetTrafoOfScan(std::int16_t idx, float v0, float
 
 void CKV_ScenePaneCtrl::DeleteObject(std::int16_t idx) {
     if (ObjectAt(idx) == nullptr) return;
-    MakeContextCurrent();
+    MakeContextCurrent();  // the destructor of the mesh deletes its buffers in it
     m_vpMeshes.erase(m_vpMeshes.begin() + idx);
 }
 

@@ -1,4 +1,4 @@
-// Construction, destruction, the frame around a host method, and what the host's handle offers beside the methods.
+// Construction, destruction, repaint requests, and the interface of the host's handle beside the automation methods.
 #include "control/ScenePaneCtrl.h"
 
 #include <GL/glew.h>
@@ -36,11 +36,11 @@ CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window) {
 
 CKV_ScenePaneCtrl::~CKV_ScenePaneCtrl() {
     m_pWindow->Destroy();
-    MakeContextCurrent();  // fails, and leaves none current: what the members delete must not hit another control's
-                           // names
+    // Without a window this leaves no context current: what the members delete must not be names of another control.
+    MakeContextCurrent();
     gluDeleteQuadric(m_pQuadric);
     gluDeleteQuadric(m_pQuadric2);
-    // Programs, targets, textures and free points went with the context of the window.
+    // Programs, framebuffers, textures and free points were deleted with the context of the window.
 }
 
 bool CKV_ScenePaneCtrl::CreateControlWindow(std::string* reason) { return m_pWindow->Create(*this, reason); }

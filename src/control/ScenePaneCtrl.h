@@ -16,8 +16,8 @@
 #include "control/SceneState.h"
 #include "cut/CutState.h"
 #include "geometry/Box.h"
-#include "geometry/Float3.h"
 #include "geometry/Mesh.h"
+#include "geometry/Vector3.h"
 #include "io/ImportState.h"
 #include "markers/MarkerState.h"
 #include "platform/PaneWindow.h"
@@ -26,6 +26,8 @@
 #include "view/CameraState.h"
 #include "view/InputState.h"
 #include "view/ViewFrame.h"
+
+struct MeasurementData;
 
 /// One critical section for the whole process, held across a frame so that two controls never draw at the same time.
 /// Created by the first control, never deleted. Recursive on its owner.
@@ -53,21 +55,24 @@ public:
     using ImportMeasurementEntry = KV_ScenePane::ImportMeasurementEntry;
 
     // ---- control/ScenePaneCtrl.cpp
-    /// Sets the members; no window yet, no OpenGL call.
+    /// Sets the members; creates no window and makes no OpenGL call.
     explicit CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window);
     /// Destroys the window first when it is still there.
     ~CKV_ScenePaneCtrl() override;
     CKV_ScenePaneCtrl(const CKV_ScenePaneCtrl&) = delete;
     CKV_ScenePaneCtrl& operator=(const CKV_ScenePaneCtrl&) = delete;
-    /// Makes the window and with it the context; false with the reason when there is none.
+    /// Creates the window and with it the context.
+    /// @param reason  receives why the window system refused; untouched when the context was refused
+    /// @return false when there is no window
     bool CreateControlWindow(std::string* reason);
     /// Makes the control's context current; false without one, and then no context is current.
     bool MakeContextCurrent();
-    /// The three repaint strengths: redraw before the return, queued, queued with erase.
+    /// Draws a frame before it returns.
     void RefreshControl();
+    /// Queues a repaint. @param erase  passed on to the window with the request
     void InvalidateControl(bool erase);
 
-    // ---- control/ScenePaneCtrl.cpp: what the host's handle offers
+    // ---- control/ScenePaneCtrl.cpp: the interface of the host's handle
     KV_ScenePane::_DKV_ScenePane& Methods() override;
     void Connect(KV_ScenePane::_DKV_ScenePaneEvents* events) override;
     [[nodiscard]] int EventDescriptor() const override;
@@ -201,7 +206,7 @@ public:
     // ---- align/Interaction.cpp
     void FinishInteraction() override;
 
-    // ---- control/MethodsToCome.cpp: one line to the debugger output each, until their rooms are built
+    // ---- control/MethodsToCome.cpp: one line to the debugger output each: methods that this version only declares
     void ClearUndoStack() override;
     void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                float outsideOpacity) override;
@@ -267,16 +272,14 @@ public:
     [[nodiscard]] Mesh* ObjectAt(std::int16_t idx) const;
 
     // ---- io/ImportScan.cpp
-    void ImportPcm(const wchar_t* path, std::uint32_t color);
-    void ImportPax(const wchar_t* path, std::uint32_t color);
-    void ImportXdt(const wchar_t* path, std::uint32_t color);
-    /// Common end of the file and memory paths: triangulates and adds the object.
-    void SetScanData(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
-                     const float* trafo, std::uint32_t color, const std::uint32_t* colors);
+    /// Common end of all imports of a grid: triangulates it and passes the object to AddMeshToScene(). Any thread
+    /// during a parallel import.
+    /// @return whether an object was added; if not, the reason is in the debugger output
+    bool SetScanData(const MeasurementData& data, const MeasurementOrigin& origin);
 
-    // ---- io/PlyImportExport.cpp, StlImportExport.cpp, SmallMeshImport.cpp, HpsImportExport.cpp: the formats behind
-    // ImportMesh and ExportMesh. An import adds one object or none; what it refuses is thrown, or told in the debugger
-    // output with -1 returned.
+    // ---- io/PlyImportExport.cpp, StlImportExport.cpp, SmallMeshImport.cpp, HpsImportExport.cpp: the formats of
+    // ImportMesh and ExportMesh. An import adds one object or none. The reason of a refused file is thrown, or written
+    // to the debugger output with -1 returned.
     int ImportPly(const wchar_t* path);
     void ExportPly(std::int16_t objIdx, const wchar_t* path);
     int ImportStl(const wchar_t* path);
@@ -287,58 +290,43 @@ public:
     void ExportHps(std::int16_t objIdx, const wchar_t* path);
 
     // ---- io/ParallelImport.cpp
-    /// The entry that BeginParallelImport hands out; any thread.
-    static bool ImportMeasurementInternal(void* control, const wchar_t* name, std::int32_t width, std::int32_t height,
-                                          const float* points, const float* confidence, const float* trafo,
-                                          const std::uint8_t* classification, const std::uint32_t* colors,
-                                          std::uint32_t color, std::int32_t index);
-    /// The one road of a finished measurement into the scene. Any thread during a parallel import.
+    /// Appends a finished measurement to the object list, or to the staging list while a parallel import is running.
+    /// Any thread during a parallel import.
+    /// @param index  order among the staged objects; unused outside a parallel import
     void AddMeshToScene(std::shared_ptr<Mesh> mesh, std::int32_t index);
 
     // ---- render/ContextLifecycle.cpp
     int OnCreate() override;
     void OnDestroy() override;
-    struct ChosenFormat {
-        std::int32_t index = 0;
-        bool valid = false;
-    };
-    ChosenFormat FindPixelFormat(std::int32_t samples);
-    bool CreateRenderContext(std::int32_t format, std::int32_t major, std::int32_t minor);
 
     // ---- render/Frame.cpp
     void OnPaint() override;
-    void OnDraw();
-    /// Takes a changed size of the window over, with viewport and matrices. The context is current.
-    bool TakeWindowSize();
-    void DrawSceneOrFrozenImage(bool sizeChanged);
-    void DrawOverScene();
-    void DrawScene();
-    void DrawShadowMapView();
-    void DrawObjectsWithShadows(bool reduced);
-    void DrawObjectsPerPixel(bool reduced);
+    /// Draws the visible point sets, opaque ones first. The context is current.
     void DrawFreePoints();
+    /// Keeps the pixels of the back buffer as the frozen image, which later frames show in place of the scene.
     void FreezeFrame();
 
     // ---- render/Shadows.cpp
-    /// Builds the programs and both off-screen targets; ends the process when the driver cannot.
+    /// Builds the programs and both off-screen framebuffers in the current context; ends the process on a failure.
     void InitFramebuffers();
-    /// The depth pass; returns the two matrices that it used, 16 floats each, column-major.
+    /// Draws the visible objects into the shadow map, seen from the light. The program of the depth pass stays bound.
+    /// @param projection, modelView  receive the matrices of the light, 16 floats each, column-major
     void RenderShadowMap(float* projection, float* modelView);
 
-    // ---- render/Decorations.cpp, Axes.cpp, Overlays.cpp
+    // ---- render/Decorations.cpp, Axes.cpp, Overlays.cpp: steps of a frame; each restores the OpenGL state
     void DrawBackground();
     void DrawCross();
     void DrawLightingArrow();
     void DrawAxes();
     void DrawOverlays();
-    /// Gives every overlay its texture in the context that is current, a new one.
+    /// Uploads the texture of every overlay into the current context, which is new.
     void UploadOverlays();
 
     // ---- render/Screenshot.cpp
-    /// Draws the whole scene into the off-screen target; the view is as before afterwards. The context is current.
+    /// Draws the whole scene into the off-screen framebuffer and restores the view. The context is current.
     void RenderOffscreen();
 
-    // ---- the frame's calls into rooms that are still to come: right for their empty lists
+    // ---- steps of a frame that other modules draw; without effect while their lists are empty
     void DrawLassoPolygon();            // cut/CutFrame.cpp
     void DrawCutSession();              // cut/CutFrame.cpp
     void DrawLines3D(float lineWidth);  // markers/MarkersFrame.cpp
@@ -346,7 +334,7 @@ public:
     void DrawPickPointSpheres();        // markers/MarkersFrame.cpp
     void DrawClipPlane();               // clip/ClipFrame.cpp
 
-    // ---- the input's calls into rooms that are still to come: nothing yet switches on the modes that lead there
+    // ---- the input's calls to markers, cuts and the clip plane; in this version no method enters their modes
     bool SelectNeedleAt(std::int32_t x, std::int32_t y);      // markers/MarkersFrame.cpp
     bool DragSelectedNeedle(std::int32_t x, std::int32_t y);  // markers/MarkersFrame.cpp
     void CreateNeedleAt(std::int32_t x, std::int32_t y);      // markers/MarkersFrame.cpp
@@ -376,7 +364,7 @@ public:
     [[nodiscard]] ViewFrame LiveFrame() const;
     void SetLiveFrame(const ViewFrame& frame);
 
-    // ---- view/Conversions.cpp: on the matrices as they stand; window y runs downward
+    // ---- view/Conversions.cpp: by the current OpenGL matrices; window pixels, y downward
     /// Combined matrix of a frame other than the live one, 16 floats, column-major.
     void ComputeFrameMatrix(const ViewFrame& frame, float* matrix);
     void ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY);
@@ -385,8 +373,9 @@ public:
     /// 0 when there is no inverse or no context; the outputs are then untouched.
     int UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y, float* z);
 
-    // ---- view/MouseInput.cpp: from the window to the handlers below, directly or delayed
-    /// Enters the handlers in m_mouseDispatch.
+    // ---- view/MouseInput.cpp: input of the window to the dispatcher, which calls the handlers below at once or
+    // delayed
+    /// Registers the handlers with the dispatcher.
     void ConnectMouseHandlers();
     void OnMouse(const KV_ScenePane::MouseInput& input) override;
     void OnPrivateMessage(std::uint32_t message) override;
@@ -399,77 +388,51 @@ public:
     void OnDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y);
     /// @param moving  the view is about to move, so that objects may be drawn reduced
     void BeginDrag(std::int32_t x, std::int32_t y, bool moving);
-    void LeftDownInIdle(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void LeftDownInAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void LeftDownWhilePickingPoints(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void LeftDownInMaskLasso(std::int32_t x, std::int32_t y);
-    void RightDownInIdle(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void RightDownInMaskLasso(std::int32_t x, std::int32_t y);
-    void RightDownInAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void AddLassoPoint(std::int32_t x, std::int32_t y);
-    /// What a drag of the left button does outside the delayed scheme; the right button does the other.
-    [[nodiscard]] std::int32_t LeftDragMode() const { return m_nFlipMouseButtons != 0 ? ModePan : ModeRotate; }
-    [[nodiscard]] std::int32_t RightDragMode() const { return m_nFlipMouseButtons != 0 ? ModeRotate : ModePan; }
-    /// Fires SelectObjCoords when an object was hit and the pick mode asks for it; whether it did.
-    bool ReportPick(std::int32_t object, const Float3& hit, std::uint32_t flags, std::int32_t x, std::int32_t y);
-    /// What a double click beside the objects does.
-    void CenterViewOrPlacePlane(std::uint32_t flags);
 
     // ---- view/MouseMove.cpp
     void OnMouseMoved(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    /// Whether the point is to be kept as the last one.
-    bool MoveInMode(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    bool MoveInLasso(std::int32_t x, std::int32_t y);
-    bool MoveInMaskLasso(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    bool DragView(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    bool DragPlane(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void DragAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y);
 
     // ---- view/MouseRelease.cpp
     void OnLeftUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
     void OnMiddleUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
     void OnRightUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    void EndDrag(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    /// The two halves of EndDrag() around the end of a plane drag.
-    void ReleaseDrag(std::int32_t x, std::int32_t y);
-    void LeaveDragMode();
-    /// Keeps m_bLassoCursor and the window's cursor together.
-    void ShowCursor(PaneCursor cursor);
 
     // ---- clip/PlaneInput.cpp: the clip plane under the mouse
-    /// Sets the mode; the handles that it does not use are hidden.
+    /// Starts a drag of the whole plane and sets the mode; the handles that it does not use are hidden.
+    /// @param mode  ModePlaneRotate or ModePlaneMove; ModeIdle only highlights the plane
     void EnterPlaneDrag(std::int32_t x, std::int32_t y, std::int32_t mode);
-    /// With the handle that the last hover found.
+    /// Starts a drag of the handle that the last hover found; there must be one.
     void BeginPlaneHandleDrag(std::int32_t x, std::int32_t y);
+    /// One step of a drag of the plane or of a handle. Ends the drag of the whole plane when Ctrl or the plane is gone.
+    /// @return whether the point becomes the last one
+    bool DragPlane(std::uint32_t flags, std::int32_t x, std::int32_t y);
+    /// Shows all handles again. @param ctrl  the plane stays highlighted
     void EndPlaneDrag(bool ctrl);
+    /// Picks the handle under the mouse, and repaints when the mouse came onto a handle or left all of them. Highlights
+    /// the plane while Ctrl is held.
     void HoverOverPlane(std::uint32_t flags, std::int32_t x, std::int32_t y);
-    /// Turns the plane as if it were glued to a view that the travel turns.
-    void RotatePlane(std::int32_t dx, std::int32_t dy);
     void ShowPlaneHandles(PlaneHandles handles);
-    [[nodiscard]] Double2 PlaneCenterOnScreen();
-    /// Of the normal; its length is that of a unit on the screen, exactly 0 for a plane seen face-on.
-    [[nodiscard]] Double2 PlaneNormalOnScreen();
 
     // ---- view/Keys.cpp
     void OnKey(const KV_ScenePane::KeyInput& input) override;
     void OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags);
     void OnKeyReleased(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags);
-    void EscapePressed(std::int32_t nFlags);
-    void CtrlPressed();
 
-    // ---- view/ViewRotation.cpp
+    // ---- view/ViewRotation.cpp: the rotation of the live view; the maths is RotateFrame() in view/Rotation.h
     void RotateView(std::int32_t dx, std::int32_t dy);
     /// @p frame after a mouse travel, by the rotation mode and the roll of the control.
     [[nodiscard]] ViewFrame ComputeRotatedFrame(const ViewFrame& frame, std::int32_t dx, std::int32_t dy) const;
 
     // ---- view/Animation.cpp
+    /// One step of the running turntable by the clock; after the time of one revolution it ends the animation.
     void AnimationStep();
 
     // ---- markers/Picking.cpp
-    /// The visible object under a pixel, or -1; @p hit takes the point, world frame. Keeps the pick in m_fPickPoint.
+    /// The visible object under a pixel, or -1; @p hit receives the point, world frame. It is kept as the last pick.
     std::int32_t PickObjectAt(std::int32_t x, std::int32_t y, Float3* hit);
-    /// Has the object of the list whose part lies at the pixel store its pick; the others forget theirs. Draws into the
-    /// back buffer; the caller holds g_drawLock. @param y  from the bottom of the window
+    /// Picks by colour: draws the objects into the back buffer in false colours and lets the one at the pixel store its
+    /// pick; the others clear theirs. The caller holds g_drawLock.
+    /// @param y  from the bottom of the window
     void PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y);
     /// Fires SelectViewDirection in pick mode 1. The dispatcher has a slot for it that no input reaches.
     void OnRightDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y);

@@ -10,24 +10,24 @@ namespace KV_ScenePane {
 
 namespace {
 
-PaneWindowRequest::Kind KindOf(WindowRequest::Kind kind) {
+KV_ScenePane::WindowRequest::Kind KindOf(WindowRequest::Kind kind) {
     switch (kind) {
         case WindowRequest::Kind::Child:
-            return PaneWindowRequest::Kind::Child;
+            return KV_ScenePane::WindowRequest::Kind::Child;
         case WindowRequest::Kind::TopLevel:
-            return PaneWindowRequest::Kind::TopLevel;
+            return KV_ScenePane::WindowRequest::Kind::TopLevel;
         case WindowRequest::Kind::OffScreen:
-            return PaneWindowRequest::Kind::OffScreen;
+            return KV_ScenePane::WindowRequest::Kind::OffScreen;
         case WindowRequest::Kind::NoPicture:
             break;
     }
-    return PaneWindowRequest::Kind::NoPicture;
+    return KV_ScenePane::WindowRequest::Kind::NoPicture;
 }
 
 }  // namespace
 
 std::unique_ptr<ScenePane> CreateScenePane(const WindowRequest& request, std::string* reason) {
-    PaneWindowRequest windowRequest;
+    KV_ScenePane::WindowRequest windowRequest;
     windowRequest.kind = KindOf(request.kind);
     windowRequest.parent = request.parent;
     windowRequest.display = request.display;

@@ -1,10 +1,12 @@
-// Properties and the methods that store a setting, and the two plain repaints.
+// Properties, methods that store a setting, and the two plain repaint requests. Which of them repaint, and how, differs
+// by method and is fixed for hosts; the public header lists it.
 #include <GL/glew.h>
 
 #include "control/ScenePaneCtrl.h"
 
 namespace {
 
+// Writing the present value is not a change: it neither repaints nor marks the control as modified.
 template <typename Member, typename Value>
 void WriteProperty(CKV_ScenePaneCtrl& control, Member& member, Value value) {
     if (member == static_cast<Member>(value)) return;
@@ -35,11 +37,12 @@ void CKV_ScenePaneCtrl::SetAllowEmptyObjects(VARIANT_BOOL allow) { m_bAllowEmpty
 
 void CKV_ScenePaneCtrl::BlockPaintEvents(VARIANT_BOOL block) {
     m_bBlockPaint = block != 0;
-    if (m_bBlockPaint == 0) m_pWindow->RetryPaint();  // what stayed pending meanwhile comes back
+    if (m_bBlockPaint == 0) m_pWindow->RetryPaint();  // a request that stayed pending is painted now
 }
 
 void CKV_ScenePaneCtrl::SetReflection(float brightness, float shining) {
     if (MakeContextCurrent()) {
+        // The shininess is 1 for shining 1 and 128, the largest that OpenGL accepts, for shining 0.
         const GLfloat specular[4] = {brightness, brightness, brightness, brightness};
         glMaterialfv(GL_FRONT, GL_SPECULAR, specular);
         glMateriali(GL_FRONT, GL_SHININESS, 1 - static_cast<GLint>((1.0 - shining) * -127.0));
@@ -98,5 +101,5 @@ void CKV_ScenePaneCtrl::PerformRefresh() { RefreshControl(); }
 
 void CKV_ScenePaneCtrl::PerformInvalidate() { InvalidateControl(false); }
 
-// The entry stays so that the ids behind it keep their numbers.
+// Kept without effect, so that the ids of later methods do not change.
 void CKV_ScenePaneCtrl::SetMeshFilename_Removed() {}

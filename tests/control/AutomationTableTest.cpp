@@ -160,7 +160,7 @@ const Declaration kEvents[] = {
     {12, "void CutMaskApplied(int64 addr)"},
 };
 
-/// Methods whose rooms are still to come.
+/// Methods that are declared only.
 const char* const kMethodsToCome[] = {
     "ClearUndoStack", "SetLassoCuttingColors", "DisplayClipPlanePartCloseToData", "FindNearestPickPointSphere",
     "RemovePickPointSphere", "GetPickPointSphereCoords", "GetNumberOfPickPointSpheres", "SetMaxNumberOfNeedles",
@@ -175,7 +175,7 @@ const char* const kMethodsToCome[] = {
 };
 // clang-format on
 
-/// Of the arguments that lead to the host's arrays, those that the method writes through.
+/// Of the arguments that point to arrays of the host, those that the method writes.
 const std::set<std::string> kArraysThatComeOut = {
     "GetNeedles.id",           "GetNeedles.pinPosXYZ",       "GetNeedles.headPosXYZ",   "CaptureScreenShot.buffer",
     "GetCutMasks.cutMaskPtrs", "BeginParallelImport.p_this", "BeginParallelImport.p_fn"};
@@ -233,7 +233,7 @@ TEST(AutomationTable, HasThe13EventsAsDeclared) {
     }
 }
 
-TEST(AutomationTable, MarksTheArgumentsThatAMethodWritesThrough) {
+TEST(AutomationTable, MarksOutputArguments) {
     for (const AutomationMethod& method : AutomationMethods())
         for (const AutomationArgument& argument : method.arguments) {
             const std::string place = std::string(method.name) + "." + std::string(argument.name);
@@ -281,7 +281,7 @@ std::vector<HeaderFunction> FunctionsOf(const std::string& header, const std::st
     return functions;
 }
 
-/// What a declared type is in C++; arrays of the host are plain pointers to what they hold.
+/// The C++ type of a declared type; arrays of the host are plain pointers to their elements.
 bool IsTypeFor(std::string_view automation, const std::string& cpp) {
     const std::map<std::string_view, std::string> types = {
         {"void", "void"},          {"short", "std::int16_t"}, {"VARIANT_BOOL", "VARIANT_BOOL"},
@@ -341,7 +341,7 @@ TEST(AutomationTable, AgreesWithTheAbstractClassOfTheEvents) {
 
 // ---- the dispatch
 
-/// Values that differ from place to place, so that exchanged arguments show.
+/// Values that differ by position, so that swapped arguments are detected.
 std::vector<AutomationValue> DistinctArguments(const AutomationMethod& method) {
     static const wchar_t text[] = L"0123456789abcdefghij";
     static char memory[32];
@@ -393,7 +393,7 @@ TEST(InvokeMethod, CallsTheMethodOfTheIdWithItsArgumentsInOrderAndPassesTheResul
     }
 }
 
-TEST(InvokeMethod, NeedsNoPlaceForTheResult) {
+TEST(InvokeMethod, AcceptsANullResult) {
     RecordingPane pane;
     EXPECT_EQ(InvokeMethod(pane, 23, {}, nullptr), AutomationStatus::Done);
     EXPECT_EQ(pane.calls.size(), 1u);
@@ -423,7 +423,7 @@ TEST(InvokeMethod, RefusesOneArgumentTooManyOrTooFew) {
     }
 }
 
-TEST(InvokeMethod, RefusesAnArgumentOfAnotherTypeAtEveryPlace) {
+TEST(InvokeMethod, RefusesAWrongTypeInEveryPosition) {
     const std::pair<char, AutomationValue> ofEachType[] = {
         {'s', std::int16_t{1}}, {'i', std::int32_t{1}}, {'f', 1.0f}, {'w', L"text"}, {'p', static_cast<void*>(nullptr)},
         {'-', std::monostate()}};
@@ -493,9 +493,9 @@ TEST_F(AutomationOfTheControl, DoesNothingAtTheRemovedId80) {
 
 TEST_F(AutomationOfTheControl, KeepsTheLineDrawingModeAtId81) { EXPECT_EQ(Method("SetLine3DDrawingMode").id, 81); }
 
-// ---- methods whose rooms are still to come
+// ---- methods that are declared only
 
-/// Arguments that any method can be called with: zeros, empty texts, and memory of the host for pointers.
+/// Arguments that any method accepts: zeros, empty texts, and host memory for pointers.
 std::vector<AutomationValue> HarmlessArguments(const AutomationMethod& method, std::vector<std::uint8_t>& memory) {
     std::vector<AutomationValue> values;
     for (std::size_t i = 1; i < method.signature.size(); ++i) switch (method.signature[i]) {
@@ -518,7 +518,7 @@ std::vector<AutomationValue> HarmlessArguments(const AutomationMethod& method, s
     return values;
 }
 
-TEST_F(AutomationOfTheControl, SaysOfAMethodThatIsNotThereYetThatItIsNot) {
+TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodWritesThatItHasNoOperation) {
     std::vector<std::uint8_t> memory(64);
     for (const char* name : kMethodsToCome) {
         const AutomationMethod& method = Method(name);
@@ -531,7 +531,7 @@ TEST_F(AutomationOfTheControl, SaysOfAMethodThatIsNotThereYetThatItIsNot) {
     }
 }
 
-TEST_F(AutomationOfTheControl, GivesNoSuccessAndNoCountForAMethodThatIsNotThereYet) {
+TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodReturnsZero) {
     std::vector<std::uint8_t> memory(64);
     for (const char* name : {"DeselectNeedle", "CreateNeedles", "CreateNeedle", "SaveCuttingToPcms", "CreateLine3D",
                              "GetLine3DDrawingMode", "GetNeedlePickingMode", "GetNeedleDrawingMode", "DeleteNeedle",
@@ -542,7 +542,7 @@ TEST_F(AutomationOfTheControl, GivesNoSuccessAndNoCountForAMethodThatIsNotThereY
         EXPECT_EQ(Invoke(Method(name).id, {}), AutomationValue(std::int32_t{0})) << name;
 }
 
-TEST_F(AutomationOfTheControl, SaysNothingOfTheMethodsThatAreThere) {
+TEST_F(AutomationOfTheControl, ImplementedMethodsWriteNoSuchLine) {
     const std::set<std::string_view> toCome(std::begin(kMethodsToCome), std::end(kMethodsToCome));
     const std::set<std::string_view> sayMoreOrNeedAnObject = {
         "GetMeshDataSize",       "GetObjectBoundingBox",        "ImportScan",

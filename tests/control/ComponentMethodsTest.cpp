@@ -9,7 +9,7 @@ namespace {
 
 bool IsStarted() { return CreateComponent(KvComponents::image::kFactory, KvComponents::image::kInterface) != nullptr; }
 
-TEST(ComponentMethods, StartAndStopTheRegistryAndNobodyElseDoes) {
+TEST(ComponentMethods, OnlyTheseStartAndStopTheRegistry) {
     {
         NoPictureControl control;
         EXPECT_FALSE(IsStarted()) << "a control by itself does not start it";
@@ -25,7 +25,7 @@ TEST(ComponentMethods, StartAndStopTheRegistryAndNobodyElseDoes) {
     EXPECT_FALSE(IsStarted());
 }
 
-TEST(ComponentMethods, OfSeveralControlsCountTogether) {
+TEST(ComponentMethods, StartsOfSeveralControlsAreCountedTogether) {
     NoPictureControl one, two;
     one->InitializeKVReg();
     two->InitializeKVReg();

@@ -1,4 +1,4 @@
-// How a context comes up, what the log and the user are told when it does not, its first state, and its recreation.
+// Creation of the context, the log lines and messages of its failures, its initial state, and its recreation.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,14 +24,15 @@ const char* const kParagraph =
     "\n\nThe 3D viewer could not be initialized. Possibly the wrong graphics card is used, the currently connected "
     "graphics card is deactivated in the Windows device manager or the correct driver is missing.";
 
-/// The log since its construction, without times, and with the value of a diagnostic that may be anything taken out.
+/// The log lines written since its construction, without times and without the value of a diagnostic that varies by
+/// driver.
 class LogSinceNow {
 public:
     LogSinceNow() : m_nStart(ReadLog().size()) {}
     [[nodiscard]] std::string Text() const {
         return std::regex_replace(ReadLog().substr(m_nStart), std::regex(R"(\[\d\d:\d\d:\d\d\.\d\d\d\] )"), "");
     }
-    /// The same where no context tells the number of alpha bits.
+    /// The same without a context that could report the number of alpha bits.
     [[nodiscard]] std::string TextWithoutAlphaBits() const {
         return std::regex_replace(Text(), std::regex("Alphabits: -?\\d+"), "Alphabits: ?");
     }
@@ -95,7 +96,7 @@ protected:
     std::string m_reason;
 };
 
-TEST_P(ContextOf, AGoodStartLogsEachStepAndSaysNothingToTheUser) {
+TEST_P(ContextOf, ASuccessfulStartLogsEachStepAndShowsNoMessage) {
     const LogSinceNow log;
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
@@ -103,7 +104,7 @@ TEST_P(ContextOf, AGoodStartLogsEachStepAndSaysNothingToTheUser) {
     EXPECT_TRUE(m_messages.empty());
     EXPECT_TRUE(pane->HasWindow());
     EXPECT_EQ(m_output.Text(), "");
-    if (GetParam() != WindowRequest::Kind::OffScreen) {  // a surface that nobody sees has nothing to swap
+    if (GetParam() != WindowRequest::Kind::OffScreen) {  // an off-screen surface has no buffers to swap
         EXPECT_EQ(GlInteger(GL_DOUBLEBUFFER), 1);
     }
 }
@@ -116,7 +117,7 @@ TEST_P(ContextOf, ASecondControlLogsTheSameAgain) {
     EXPECT_EQ(log.Text(), kGoodStart);
 }
 
-TEST_P(ContextOf, ARefusedVersionIsLoggedAndToldToTheUserWithItsNumber) {
+TEST_P(ContextOf, ARefusedVersionIsLoggedAndShownWithItsNumber) {
     const LogSinceNow log;
     m_request.glMajor = 9, m_request.glMinor = 8;
     EXPECT_EQ(Open(), nullptr);
@@ -126,7 +127,7 @@ TEST_P(ContextOf, ARefusedVersionIsLoggedAndToldToTheUserWithItsNumber) {
     EXPECT_FALSE(m_reason.empty());
 }
 
-TEST_P(ContextOf, ARefusedFormatIsLoggedAndToldToTheUserWithoutAVersion) {
+TEST_P(ContextOf, ARefusedFormatIsLoggedAndShownWithoutAVersion) {
     const LogSinceNow log;
     m_request.samples = 999;
     EXPECT_EQ(Open(), nullptr);
@@ -135,7 +136,7 @@ TEST_P(ContextOf, ARefusedFormatIsLoggedAndToldToTheUserWithoutAVersion) {
     EXPECT_FALSE(m_reason.empty());
 }
 
-TEST_P(ContextOf, AMessageWithoutAHookOfTheHostGoesToTheDebuggerOutput) {
+TEST_P(ContextOf, WithoutAHookMessagesGoToTheDebuggerOutput) {
     m_request.showMessage = nullptr;
     m_request.glMajor = 9;
     EXPECT_EQ(Open(), nullptr);
@@ -143,13 +144,13 @@ TEST_P(ContextOf, AMessageWithoutAHookOfTheHostGoesToTheDebuggerOutput) {
         << m_output.Text();
 }
 
-TEST_P(ContextOf, ARecreationGetsItsSamplesAndAnEmptyScene) {
+TEST_P(ContextOf, RecreationSetsTheSamplesAndEmptiesTheScene) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
     auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
     ASSERT_TRUE(control.MakeContextCurrent());
     EXPECT_EQ(GlInteger(GL_SAMPLE_BUFFERS), 0);
-    EXPECT_TRUE(glIsEnabled(GL_MULTISAMPLE));  // without effect
+    EXPECT_TRUE(glIsEnabled(GL_MULTISAMPLE));  // the driver ignores it without samples
     GLuint marker = 0;
     do glGenTextures(1, &marker);
     while (marker < 1000);
@@ -196,7 +197,7 @@ TEST_P(ContextOf, ARecreatedControlDrawsAsBefore) {
     EXPECT_EQ(show(), before);
 }
 
-TEST_P(ContextOf, ARecreatedControlHasTheMatricesOfItsViewFromItsFirstFrameOn) {
+TEST_P(ContextOf, ARecreatedControlHasItsViewMatricesInItsFirstFrame) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
     auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
@@ -209,7 +210,7 @@ TEST_P(ContextOf, ARecreatedControlHasTheMatricesOfItsViewFromItsFirstFrameOn) {
     EXPECT_NEAR(y, 40, 1e-3);
 }
 
-TEST_P(ContextOf, ARecreationReachesTheVersionThatIsAskedFor) {
+TEST_P(ContextOf, RecreationReachesTheRequestedVersion) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
     EXPECT_EQ(pane->Methods().RecreateOpenglContext(4, 0, 0), -1);
@@ -218,7 +219,7 @@ TEST_P(ContextOf, ARecreationReachesTheVersionThatIsAskedFor) {
     EXPECT_EQ(GlInteger(GL_CONTEXT_PROFILE_MASK), GL_CONTEXT_COMPATIBILITY_PROFILE_BIT);
 }
 
-TEST_P(ContextOf, EightSamplesAreThereOrRefusedInWords) {
+TEST_P(ContextOf, EightSamplesAreGrantedOrRefusedWithAMessage) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
     EXPECT_EQ(pane->Methods().RecreateOpenglContext(3, 3, 8), -1);
@@ -226,12 +227,12 @@ TEST_P(ContextOf, EightSamplesAreThereOrRefusedInWords) {
         EXPECT_EQ(GlInteger(GL_SAMPLES), 8);
         EXPECT_EQ(GlInteger(GL_SAMPLE_BUFFERS), 1);
         EXPECT_TRUE(m_messages.empty());
-    } else {  // no driver need have more than four
+    } else {  // OpenGL requires no more than four
         EXPECT_EQ(m_messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
     }
 }
 
-TEST_P(ContextOf, AFailedRecreationLeavesAControlWithoutAWindowThatCanBeCalled) {
+TEST_P(ContextOf, AfterAFailedRecreationEveryMethodCanBeCalled) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
     auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
@@ -268,7 +269,7 @@ TEST_P(ContextOf, AFailedRecreationLeavesAControlWithoutAWindowThatCanBeCalled) 
                     arguments.emplace_back(static_cast<void*>(memory.data()));
                     break;
             }
-        if (method.name == "ImportMeshedMeasurement") continue;  // its pointer leads to a mesh, not to bytes
+        if (method.name == "ImportMeshedMeasurement") continue;  // its pointer is to a mesh, not to bytes
         if (method.name == "GetMeshDataSize" && control.GetNumObjects() == 0) continue;  // needs a valid index
         EXPECT_EQ(InvokeMethod(control, method.id, arguments, nullptr), AutomationStatus::Done) << method.name;
     }
@@ -286,11 +287,11 @@ INSTANTIATE_TEST_SUITE_P(Windows, ContextOf,
 
 // ---- the first state
 
-TEST(InitialState, IsThatOfTheMaterialsAndTheLightModelBeforeTheFirstFrame) {
-    PaneWindowRequest request;
-    request.kind = PaneWindowRequest::Kind::OffScreen;
+TEST(InitialState, HasMaterialsAndLightModelBeforeTheFirstFrame) {
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::OffScreen;
     CKV_ScenePaneCtrl control(MakePaneWindow(request));
-    control.m_bBlockPaint = 1;  // a frame lets the materials follow the colours of the objects
+    control.m_bBlockPaint = 1;  // a frame would set the materials to the object colours
     std::string reason;
     ASSERT_TRUE(control.CreateControlWindow(&reason)) << reason;
     ASSERT_TRUE(control.MakeContextCurrent());
@@ -301,7 +302,7 @@ TEST(InitialState, IsThatOfTheMaterialsAndTheLightModelBeforeTheFirstFrame) {
     EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 64);
     EXPECT_EQ(GlMaterial(GL_BACK, GL_DIFFUSE), (Four{0.3f, 0.3f, 0.3f, 1}));
     EXPECT_EQ(GlMaterial(GL_BACK, GL_AMBIENT), (Four{0.1f, 0.2f, 0.1f, 1}));
-    EXPECT_EQ(GlMaterial(GL_BACK, GL_SHININESS)[0], 0);  // as OpenGL starts
+    EXPECT_EQ(GlMaterial(GL_BACK, GL_SHININESS)[0], 0);  // OpenGL's initial value
     Four ambient{};
     glGetFloatv(GL_LIGHT_MODEL_AMBIENT, ambient.data());
     EXPECT_EQ(ambient, (Four{0.3f, 0.3f, 0.3f, 1}));
@@ -321,14 +322,14 @@ TEST(InitialState, IsThatOfTheMaterialsAndTheLightModelBeforeTheFirstFrame) {
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
-TEST(WithoutAPicture, NoContextIsMadeAndNothingLogged) {
+TEST(NoPictureViewer, MakesNoContextAndLogsNothing) {
     const LogSinceNow log;
     NoPictureControl control;
     EXPECT_EQ(log.Text(), "");
     EXPECT_EQ(control->m_hRC, nullptr);
 }
 
-// ---- refusals that this machine's driver does not make
+// ---- refusals that the driver of this machine does not make: scripted
 
 struct Refusal {
     const char* name;
@@ -380,9 +381,9 @@ const Refusal kRefusals[] = {
      "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23 CreateContext", true},
 };
 
-class ADriver : public testing::TestWithParam<Refusal> {};
+class RefusingDriver : public testing::TestWithParam<Refusal> {};
 
-TEST_P(ADriver, IsRefusedWithItsLinesItsMessageAndNoStepTooMany) {
+TEST_P(RefusingDriver, IsRefusedWithItsLogLinesItsMessageAndNoFurtherStep) {
     auto owned = std::make_unique<ScriptedWindow>();
     ScriptedWindow& window = *owned;
     CKV_ScenePaneCtrl control(std::move(owned));
@@ -397,10 +398,10 @@ TEST_P(ADriver, IsRefusedWithItsLinesItsMessageAndNoStepTooMany) {
     const std::string version = GetParam().tellsVersion ? "Requested version: 4.6" : "";
     EXPECT_EQ(window.messages, (std::vector{"OpenGL context could not be created. " + version + kParagraph}));
 }
-INSTANTIATE_TEST_SUITE_P(Lacking, ADriver, testing::ValuesIn(kRefusals),
+INSTANTIATE_TEST_SUITE_P(Lacking, RefusingDriver, testing::ValuesIn(kRefusals),
                          [](const auto& row) { return row.param.name; });
 
-TEST(ADriverWithoutAThrowAwayContext, IsRefusedWithTheNumberOfTheFormat) {
+TEST(DriverWithoutBootstrapContext, IsRefusedWithTheNumberOfTheFormat) {
     auto owned = std::make_unique<ScriptedWindow>();
     ScriptedWindow& window = *owned;
     window.report = {.formatNumber = 17};
@@ -411,7 +412,7 @@ TEST(ADriverWithoutAThrowAwayContext, IsRefusedWithTheNumberOfTheFormat) {
     EXPECT_EQ(window.messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
 }
 
-TEST(TheFormat, IsAskedForWithTheSamplesOfTheControl) {
+TEST(PixelFormat, IsRequestedWithTheSamplesOfTheControl) {
     for (const std::int32_t samples : {0, 1, 8}) {
         auto owned = std::make_unique<ScriptedWindow>();
         ScriptedWindow& window = *owned;
@@ -433,7 +434,7 @@ TEST(TheFormat, IsAskedForWithTheSamplesOfTheControl) {
     }
 }
 
-// ---- the end
+// ---- destruction
 
 struct NotingDialog : CInteractionDlg {
     explicit NotingDialog(std::function<void()> note) : m_note(std::move(note)) {}
@@ -441,7 +442,7 @@ struct NotingDialog : CInteractionDlg {
     std::function<void()> m_note;
 };
 
-TEST(TheEndOfAWindow, ClosesTheDialogThenClearsTheDataInItsContextThenDeletesTheContext) {
+TEST(WindowDestruction, ClosesTheDialogThenClearsTheDataInItsContextThenDeletesTheContext) {
     OffscreenControl c;
     OffscreenControl other;
     std::vector<std::string> order;
@@ -476,14 +477,14 @@ TEST(TheEndOfAWindow, ClosesTheDialogThenClearsTheDataInItsContextThenDeletesThe
     EXPECT_NE(glGetString(GL_VERSION), nullptr);
 }
 
-// ---- no place for the log
+// ---- a log that cannot be written
 
-TEST(WithoutAPlaceForTheLog, AWindowIsMadeAllTheSame) {
+TEST(UnwritableLog, DoesNotPreventAWindow) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
             const std::string folder = TestFolder() + "/unwritable";
-            std::filesystem::create_directories(folder + "/viewer.log");  // stops root, too
+            std::filesystem::create_directories(folder + "/viewer.log");  // refuses root as well
             setenv("TMPDIR", folder.c_str(), 1);
             const auto pane = CreateScenePane(WindowRequest(), nullptr);
             std::exit(pane != nullptr && std::filesystem::is_empty(folder + "/viewer.log") ? 0 : 1);

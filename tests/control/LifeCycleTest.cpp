@@ -1,4 +1,5 @@
-// Viewers that come and go without a display: by the hundred, side by side, during an import, over a thousand imports.
+// Creation and destruction of viewers without a display: hundreds, several at once, during an import, and a thousand
+// imports.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -19,7 +20,7 @@ using KV_ScenePane::Picture;
 using KV_ScenePane::ScenePane;
 using KV_ScenePane::WindowRequest;
 
-// Before main(), so that the log of this process is not in the folder of the machine.
+// Before main(), so that this process does not log into the machine's temporary folder.
 [[maybe_unused]] const std::string& g_logFolder = TestFolder();
 
 WindowRequest OffScreen(int width, int height) {
@@ -34,7 +35,7 @@ WindowRequest NoPicture() {
     return request;
 }
 
-/// The one colour of the picture, or 1 (which no opaque picture holds) when it has several.
+/// The colour of a picture of one colour; 1, which no opaque pixel has, when there are several.
 std::uint32_t OnlyColor(ScenePane& pane) {
     Picture picture;
     EXPECT_TRUE(pane.CapturePicture(&picture));
@@ -58,7 +59,7 @@ void ImportSquare(KV_ScenePane::_DKV_ScenePane& methods, int side) {
                                  triangles.data());
 }
 
-TEST(Viewers, OpenAndCloseThreeHundredTimesAndLeaveNothingBehind) {
+TEST(Viewers, OpenAndCloseThreeHundredTimesWithoutALeak) {
     const auto openAndClose = [] {
         std::string reason;
         const auto pane = CreateScenePane(OffScreen(64, 48), &reason);
@@ -69,7 +70,7 @@ TEST(Viewers, OpenAndCloseThreeHundredTimesAndLeaveNothingBehind) {
         ASSERT_TRUE(pane->CapturePicture(&picture));
         ASSERT_NE(picture.pixels[24 * 64 + 32], picture.pixels[0]) << "the square is not in the middle";
     };
-    for (int i = 0; i < 20; ++i) openAndClose();  // what the driver keeps for good
+    for (int i = 0; i < 20; ++i) openAndClose();  // the driver's one-time allocations
     const int descriptors = OpenDescriptors();
     const long megabytes = ResidentMegabytes();
     for (int i = 0; i < 280; ++i) {
@@ -81,7 +82,7 @@ TEST(Viewers, OpenAndCloseThreeHundredTimesAndLeaveNothingBehind) {
         << "more than a tenth of a megabyte a viewer stays";
 }
 
-TEST(Viewers, LiveInAnyNumberAtOnceAndCloseInAnyOrder) {
+TEST(Viewers, CoexistInAnyNumberAndCloseInAnyOrder) {
     std::vector<std::unique_ptr<ScenePane>> panes;
     for (int i = 0; i < 12; ++i) {
         panes.push_back(CreateScenePane(OffScreen(16, 16), nullptr));
@@ -95,7 +96,7 @@ TEST(Viewers, LiveInAnyNumberAtOnceAndCloseInAnyOrder) {
     }
 }
 
-TEST(Viewers, DoNotNoticeThatANeighbourCloses) {
+TEST(Viewers, AreUnaffectedWhenAnotherOneCloses) {
     auto left = CreateScenePane(OffScreen(40, 30), nullptr);
     auto right = CreateScenePane(OffScreen(64, 48), nullptr);
     ASSERT_TRUE(left && right);
@@ -106,7 +107,7 @@ TEST(Viewers, DoNotNoticeThatANeighbourCloses) {
     Picture before, after;
     ASSERT_TRUE(right->CapturePicture(&before));
     ASSERT_NE(before.pixels[24 * 64 + 32], before.pixels[0]);
-    left->Methods().PerformRefresh();  // its context is the current one now
+    left->Methods().PerformRefresh();  // its context is current now
     left.reset();
     ASSERT_TRUE(right->CapturePicture(&after));
     EXPECT_EQ(after.pixels, before.pixels);
@@ -115,7 +116,7 @@ TEST(Viewers, DoNotNoticeThatANeighbourCloses) {
     EXPECT_NE(after.pixels[24 * 64 + 32], before.pixels[24 * 64 + 32]);
 }
 
-TEST(Viewers, WithDifferentContextsTakeTurnsFrameByFrame) {
+TEST(Viewers, WithDifferentContextsDrawAlternateFrames) {
     WindowRequest sampled = OffScreen(33, 21);
     sampled.samples = 4, sampled.glMajor = 4, sampled.glMinor = 0;
     const auto plain = CreateScenePane(OffScreen(20, 50), nullptr);
@@ -133,7 +134,7 @@ TEST(Viewers, WithDifferentContextsTakeTurnsFrameByFrame) {
     }
 }
 
-TEST(Viewers, MayBeDestroyedInAParallelImportThatWasBegun) {
+TEST(Viewers, CanBeDestroyedDuringAParallelImport) {
     for (const WindowRequest& request : {OffScreen(32, 32), NoPicture()}) {
         auto pane = CreateScenePane(request, nullptr);
         ASSERT_NE(pane, nullptr);
@@ -151,10 +152,10 @@ TEST(Viewers, MayBeDestroyedInAParallelImportThatWasBegun) {
         std::vector<std::thread> workers;
         for (int i = 0; i < 4; ++i) workers.emplace_back(work, i);
         for (std::thread& worker : workers) worker.join();
-        EXPECT_EQ(pane->Methods().GetNumObjects(), 0);  // all staged
+        EXPECT_EQ(pane->Methods().GetNumObjects(), 0);  // all are staged
         pane.reset();
     }
-    const auto next = CreateScenePane(OffScreen(8, 8), nullptr);  // no lock stayed behind
+    const auto next = CreateScenePane(OffScreen(8, 8), nullptr);  // no lock is still held
     ASSERT_NE(next, nullptr);
     next->Methods().SetBackgroundColors(0xFFFFFF, 0xFFFFFF);
     EXPECT_EQ(OnlyColor(*next), 0xFFFFFFu);
@@ -175,12 +176,12 @@ TEST(Memory, StaysFlatOverAThousandImportsAndClears) {
         ASSERT_NE(pane, nullptr);
         ImportAndClear(*pane, 100);
         const long megabytes = ResidentMegabytes();
-        ImportAndClear(*pane, 900);  // 225 MB of vertices and triangles pass, and as much in buffers
+        ImportAndClear(*pane, 900);  // 225 MB of vertices and triangles in all, and the same in OpenGL buffers
         EXPECT_LE(ResidentMegabytes() - megabytes, 8 + kQuarantineMegabytes);
     }
 }
 
-TEST(TheLibrary, PrintsNothingWhenTheHostTookTheDebuggerOutputOver) {
+TEST(TheLibrary, PrintsNothingWhenTheHostHasASink) {
     const auto useIt = [] {
         WindowRequest refused = OffScreen(8, 8);
         refused.glMajor = 9;
@@ -219,7 +220,7 @@ TEST(TheLibrary, PrintsNothingWhenTheHostTookTheDebuggerOutputOver) {
     EXPECT_NE(heard.find("Requested version: 9.9"), std::string::npos) << heard;
 }
 
-TEST(TheLibrary, WritesTheDebuggerOutputToStandardErrorWithoutASinkOfTheHost) {
+TEST(TheLibrary, WritesTheDebuggerOutputToStandardErrorWithoutASink) {
     const auto pane = CreateScenePane(NoPicture(), nullptr);
     ASSERT_NE(pane, nullptr);
     testing::internal::CaptureStderr();

@@ -1,4 +1,4 @@
-// A stand-in for the control that notes which method was called with which arguments.
+// A replacement for the control that records which method was called with which arguments.
 #pragma once
 #include <string>
 #include <type_traits>
@@ -6,7 +6,7 @@
 
 #include "control/AutomationTable.h"
 
-/// What every method with a result returns.
+/// The value that every method with a result returns.
 inline constexpr std::int16_t kRecordedShort = 1234;
 inline constexpr std::int32_t kRecordedLong = 123456789;
 
@@ -23,7 +23,7 @@ public:
     using ImportMeasurementEntry = KV_ScenePane::ImportMeasurementEntry;
     using MeshBuffers = KV_ScenePane::MeshBuffers;
 
-    // ---- one line a method
+    // ---- one line per method
     VARIANT_BOOL GetDrawMosaic() override { return Record<VARIANT_BOOL>("GetDrawMosaic"); }
     void SetDrawMosaic(VARIANT_BOOL value) override { Record("SetDrawMosaic", value); }
     std::int16_t GetDrawMode() override { return Record<std::int16_t>("GetDrawMode"); }

@@ -1,4 +1,4 @@
-// What the host's methods do to the objects of the scene, called at good and at bad indices.
+// The host methods on scene objects, at valid and at bad indices.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,7 +18,7 @@ Mesh& AddTriangle(CKV_ScenePaneCtrl& control) {
     return AddMesh(control, {{1, 2, 3}, {11, 6, 9}, {3, 22, 33}}, {Triangle{{0, 1, 2}}});
 }
 
-/// Indices that lead to no object of a list of @p size.
+/// Indices outside a list of @p size.
 std::vector<std::int16_t> BadIndices(std::size_t size) {
     return {-1, static_cast<std::int16_t>(size), INT16_MIN, INT16_MAX};
 }
@@ -50,7 +50,7 @@ BoxOut BoxOf(CKV_ScenePaneCtrl& control, std::int16_t idx) {
 
 // ---- counts
 
-TEST(AnEmptyScene, HasNoObjectsNoColourNoCentreAndTheInvertedBox) {
+TEST(EmptyScene, HasNoObjectsNoColourNoCentreAndTheInvertedBox) {
     NoPictureControl control;
     EXPECT_EQ(control->GetNumObjects(), 0);
     EXPECT_EQ(control->GetObjectColor(0), -1);
@@ -65,7 +65,7 @@ TEST(AnEmptyScene, HasNoObjectsNoColourNoCentreAndTheInvertedBox) {
 
 TEST_F(SceneMethods, CountsTheObjects) { EXPECT_EQ(control->GetNumObjects(), 2); }
 
-TEST_F(SceneMethods, CutsTheCountTo16Bits) {
+TEST_F(SceneMethods, TruncatesTheCountTo16Bits) {
     control->m_vpMeshes.resize(32767, control->m_vpMeshes[0]);
     EXPECT_EQ(control->GetNumObjects(), 32767);
     control->m_vpMeshes.resize(40000, control->m_vpMeshes[0]);
@@ -74,7 +74,7 @@ TEST_F(SceneMethods, CutsTheCountTo16Bits) {
     EXPECT_EQ(control->GetNumObjects(), 70000 - 65536);
 }
 
-TEST_F(SceneMethods, TellsVerticesAndTrianglesOfAnObject) {
+TEST_F(SceneMethods, ReturnsVertexAndTriangleCounts) {
     AddMesh(*control, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}}, {Triangle{{0, 1, 2}}, Triangle{{1, 3, 2}}});
     std::int32_t vertices = -5, triangles = -5;
     control->GetMeshDataSize(2, &vertices, &triangles);
@@ -101,7 +101,7 @@ TEST_F(SceneMethods, StoresAColourAndMarksTheObjectForUpload) {
     EXPECT_EQ(control->GetObjectColor(0), 0xFFFFFF);
 }
 
-TEST_F(SceneMethods, ReadsBackEveryByteOfAColourAsTheFloatBetweenAllows) {
+TEST_F(SceneMethods, ReadsBackEveryColourByteWithinFloatRounding) {
     for (int value = 0; value < 256; ++value) {
         const auto channel = static_cast<float>(value / 255.0);
         const auto back = static_cast<std::int32_t>(static_cast<double>(channel) * 255.0);
@@ -115,7 +115,7 @@ TEST_F(SceneMethods, IgnoresTheHighByteOfAColour) {
     EXPECT_EQ(control->GetObjectColor(0), 0);
 }
 
-TEST_F(SceneMethods, LeavesAnObjectCleanThatHasTheColourAlready) {
+TEST_F(SceneMethods, SettingThePresentColourDoesNotMarkTheObjectDirty) {
     At(0).m_fColor[1] = 0.5f;
     control->SetObjectColor(0, control->GetObjectColor(0));
     EXPECT_FALSE(At(0).m_bBuffersDirty);
@@ -151,7 +151,7 @@ TEST_F(SceneMethods, SetsTheBlendFlagAndUploadsOnlyAChange) {
 
 // ---- visibility, centre, box
 
-TEST_F(SceneMethods, StoresTheVisibilityAsItComes) {
+TEST_F(SceneMethods, StoresTheVisibilityUnchanged) {
     for (const std::int16_t visible : std::initializer_list<std::int16_t>{0, 1, -3, INT16_MAX}) {
         control->SetObjectVisibility(1, visible);
         EXPECT_EQ(At(1).m_iVisible, visible);
@@ -167,21 +167,19 @@ TEST_F(SceneMethods, HidesNothingAtABadIndex) {
     EXPECT_EQ(control.window->invalidates, 0);
 }
 
-TEST_F(SceneMethods, ComputesTheCentreOnTheFirstRequestAndKeepsIt) {
+TEST_F(SceneMethods, ComputesTheCentreOnceOnTheFirstRequest) {
     float x = 0, y = 0, z = 0;
     EXPECT_EQ(control->GetObjectCenter(1, &x, &y, &z), kTrue);
     EXPECT_EQ((std::vector{x, y, z}), (std::vector<float>{5, 10, 15}));
-    At(1).m_vVertices[0].x += 300;  // behind the back of the object
+    At(1).m_vVertices[0].x += 300;  // without the object noticing
     EXPECT_EQ(control->GetObjectCenter(1, &x, &y, &z), kTrue);
     EXPECT_EQ(x, 5);
     for (const std::int16_t idx : BadIndices(2)) EXPECT_EQ(control->GetObjectCenter(idx, &x, &y, &z), kFalse) << idx;
 }
 
-TEST_F(SceneMethods, TellsTheBoxWithEachAxisInItsPlace) {
-    EXPECT_EQ(BoxOf(*control, 1), (BoxOut{1, 11, 2, 22, 3, 33}));
-}
+TEST_F(SceneMethods, ReturnsTheBoxAxisByAxis) { EXPECT_EQ(BoxOf(*control, 1), (BoxOut{1, 11, 2, 22, 3, 33})); }
 
-TEST_F(SceneMethods, SaysWhichIndexHasNoBoxAndGivesTheInvertedOne) {
+TEST_F(SceneMethods, ABadIndexGivesTheInvertedBoxAndALineWithTheIndex) {
     for (const std::int16_t idx : BadIndices(2)) {
         EXPECT_EQ(BoxOf(*control, idx), (BoxOut{1, -1, 1, -1, 1, -1})) << idx;
         EXPECT_EQ(control.debugOutput.Take(),
@@ -190,20 +188,20 @@ TEST_F(SceneMethods, SaysWhichIndexHasNoBoxAndGivesTheInvertedOne) {
     }
 }
 
-TEST_F(SceneMethods, GivesAnEmptyObjectTheInvertedBoxWithoutALine) {
+TEST_F(SceneMethods, AnEmptyObjectHasTheInvertedBoxAndNoLine) {
     AddMesh(*control, {}, {});
     EXPECT_EQ(BoxOf(*control, 2), (BoxOut{0.99f, -0.99f, 0.99f, -0.99f, 0.99f, -0.99f}));
     EXPECT_EQ(control.debugOutput.Text(), "");
 }
 
-TEST_F(SceneMethods, GivesAFlatObjectABoxOfSomeThickness) {
+TEST_F(SceneMethods, AFlatObjectHasABoxWithThickness) {
     AddMesh(*control, {{0, 0, 5}, {1, 0, 5}, {0, 1, 5}}, {Triangle{{0, 1, 2}}});
     EXPECT_EQ(BoxOf(*control, 2), (BoxOut{0, 1, 0, 1, 5.0f - 0.01f, 5.0f + 0.01f}));
 }
 
 // ---- deleting and selecting
 
-TEST_F(SceneMethods, MovesTheObjectsBehindADeletedOneDown) {
+TEST_F(SceneMethods, DeletingAnObjectMovesLaterIndicesDown) {
     AddTriangle(*control);
     const std::weak_ptr<Mesh> deleted = control->m_vpMeshes[0];
     Mesh* const second = control->m_vpMeshes[1].get();
@@ -223,7 +221,7 @@ TEST_F(SceneMethods, DeletesNothingAtABadIndex) {
     EXPECT_EQ(control->GetNumObjects(), 2);
 }
 
-TEST_F(SceneMethods, KeepsSelectionAndSnapshotsWhenAnObjectIsDeleted) {
+TEST_F(SceneMethods, DeletingAnObjectKeepsSelectionAndUndoSteps) {
     control->AddSelection(0);
     control->AddVariableObject(0);
     control->m_vUndoStack.push_back(control->m_vpMeshes);
@@ -233,10 +231,10 @@ TEST_F(SceneMethods, KeepsSelectionAndSnapshotsWhenAnObjectIsDeleted) {
     EXPECT_EQ(control->m_vpVariableObjects.size(), 1u);
     ASSERT_EQ(control->m_vUndoStack.size(), 1u);
     EXPECT_EQ(control->m_vUndoStack[0].size(), 2u);
-    EXPECT_FALSE(deleted.expired());  // the snapshot holds it
+    EXPECT_FALSE(deleted.expired());  // the undo step holds it
 }
 
-TEST_F(SceneMethods, SelectsAnObjectAsOftenAsAsked) {
+TEST_F(SceneMethods, AnObjectCanBeSelectedTwice) {
     AddTriangle(*control), AddTriangle(*control);
     control->AddSelection(3);
     control->AddSelection(3);
@@ -246,7 +244,7 @@ TEST_F(SceneMethods, SelectsAnObjectAsOftenAsAsked) {
     EXPECT_TRUE(control->m_vpSelection.empty());
 }
 
-TEST_F(SceneMethods, NotesVariableObjectsAsOftenAsAsked) {
+TEST_F(SceneMethods, AnObjectCanBeVariableTwice) {
     control->AddVariableObject(1);
     control->AddVariableObject(0);
     control->AddVariableObject(1);
@@ -265,7 +263,7 @@ TEST_F(SceneMethods, SelectsNothingAtABadIndex) {
     EXPECT_TRUE(control->m_vpVariableObjects.empty());
 }
 
-TEST_F(SceneMethods, TellsWhatAnObjectCarriesAndNothingAtABadIndex) {
+TEST_F(SceneMethods, ReturnsObjectInfoAndNothingAtABadIndex) {
     At(1).m_sName = L"scan one";
     At(1).m_bHasVertexColors = true;
     KV_ScenePane::ObjectInfo info{L"before", false};
@@ -322,7 +320,7 @@ TEST_F(SceneMethods, BakesATransformIntoTheVerticesAndReadsItRowByRow) {
     ExpectAt(At(0).m_vVertices[0], 1, 2, 3);
 }
 
-TEST_F(SceneMethods, TakesTheFormerTransformOutBeforeItBakesTheNext) {
+TEST_F(SceneMethods, RevertsTheOldTransformBeforeItBakesTheNewOne) {
     SetTrafo(*control, 0, kQuarterTurn);
     Matrix shift = kIdentity;
     shift[3] = 100;
@@ -348,7 +346,7 @@ TEST_F(SceneMethods, MovesBoxAndCentreWithTheTransform) {
     EXPECT_NEAR(z, 45, 1e-4);
 }
 
-TEST_F(SceneMethods, KeepsNothingOfAPureScalingMatrix) {
+TEST_F(SceneMethods, APureScalingMatrixHasNoEffect) {
     Matrix scaled = kIdentity;
     for (const std::size_t i : {0u, 5u, 10u}) scaled[i] = 2;
     EXPECT_EQ(SetTrafo(*control, 0, scaled), 0);
@@ -358,7 +356,7 @@ TEST_F(SceneMethods, KeepsNothingOfAPureScalingMatrix) {
     ExpectAt(At(0).m_vVertices[0], 1, 2, 3);
 }
 
-TEST_F(SceneMethods, KeepsTheRotationOfTheQuaternionOfAScaledMatrix) {
+TEST_F(SceneMethods, OfAScaledMatrixTheQuaternionRotationRemains) {
     Matrix scaled = kQuarterTurn;
     for (const std::size_t i : {1u, 4u, 10u}) scaled[i] *= 2;
     EXPECT_EQ(SetTrafo(*control, 0, scaled), 0);
@@ -394,24 +392,24 @@ TEST_F(SceneMethods, ChangesNoTransformAtABadIndex) {
 
 // ---- clearing
 
-/// Tells when it is destroyed.
-struct TellingMesh : Mesh {
-    explicit TellingMesh(std::function<void()> tell) : Mesh(L"", false), m_tell(std::move(tell)) {}
-    ~TellingMesh() override { m_tell(); }
-    std::function<void()> m_tell;
+/// Records its destruction.
+struct DestructionRecorder : Mesh {
+    explicit DestructionRecorder(std::function<void()> onDestruction) : Mesh(L"", false), m_onDestruction(std::move(onDestruction)) {}
+    ~DestructionRecorder() override { m_onDestruction(); }
+    std::function<void()> m_onDestruction;
 };
 
-TEST(ClearData, EmptiesMeshesThenSnapshotsThenLinesThenTurnsTheViewBack) {
+TEST(ClearData, EmptiesMeshesThenUndoStepsThenLinesThenResetsTheView) {
     NoPictureControl control;
     CKV_ScenePaneCtrl& c = *control;
     std::vector<std::string> order;
-    c.m_vpMeshes.push_back(std::make_shared<TellingMesh>([&] {
+    c.m_vpMeshes.push_back(std::make_shared<DestructionRecorder>([&] {
         order.emplace_back("mesh");
         EXPECT_EQ(c.m_vUndoStack.size(), 1u);
         EXPECT_EQ(c.m_vLines3D.size(), 1u);
         EXPECT_EQ(c.m_fAxisX, (Float3{0, 0, 1}));
     }));
-    c.m_vUndoStack.push_back({std::make_shared<TellingMesh>([&] {
+    c.m_vUndoStack.push_back({std::make_shared<DestructionRecorder>([&] {
         order.emplace_back("snapshot");
         EXPECT_TRUE(c.m_vpMeshes.empty());
         EXPECT_EQ(c.m_vLines3D.size(), 1u);
@@ -438,7 +436,7 @@ TEST(ClearData, EmptiesMeshesThenSnapshotsThenLinesThenTurnsTheViewBack) {
     EXPECT_EQ(control.window->refreshes + control.window->eraseInvalidates, 0);
 }
 
-TEST(ClearData, LeavesSelectionMarkersPointsAndOverlaysAlone) {
+TEST(ClearData, KeepsSelectionMarkersPointsAndOverlays) {
     NoPictureControl control;
     AddTriangle(*control);
     control->AddSelection(0);
@@ -454,7 +452,7 @@ TEST(ClearData, LeavesSelectionMarkersPointsAndOverlaysAlone) {
     EXPECT_EQ(control->m_vPickPointSpheres.size(), 3u);
     EXPECT_EQ(control->m_mapFreePoints.size(), 1u);
     EXPECT_EQ(control->m_vOverlays.size(), 1u);
-    control->m_mapFreePoints.clear(), control->m_vOverlays.clear();  // they name no real OpenGL objects
+    control->m_mapFreePoints.clear(), control->m_vOverlays.clear();  // their names are not real OpenGL objects
 }
 
 TEST(ClearData, DeletesTheBuffersInItsOwnContext) {
@@ -485,7 +483,7 @@ TEST(DeleteObject, DeletesTheBuffersInItsOwnContext) {
     EXPECT_TRUE(glIsBuffer(othersBuffer));
 }
 
-TEST(AddSelection, DrawsTheBoxOfAnObjectThatWasSelectedTwiceTwice) {
+TEST(AddSelection, AnObjectSelectedTwiceHasItsBoxDrawnTwice) {
     OffscreenControl control;
     for (int i = 0; i < 4; ++i) AddTriangle(*control);
     const auto primitivesOfAFrame = [&] {

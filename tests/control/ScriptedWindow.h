@@ -1,5 +1,5 @@
-// A window that answers the steps of the making of a context as a test says, and notes the order of the calls. It has
-// no OpenGL, so a script must end in a refusal.
+// A window that answers the steps of a context's creation as a test scripts them, and records the order of the calls.
+// It has no OpenGL, so a script must end in a refusal.
 #pragma once
 #include <string>
 #include <vector>
@@ -18,7 +18,7 @@ public:
     bool formatChosen = true;
     bool formatSet = true;
 
-    // ---- what was asked
+    // ---- recorded calls
     std::vector<std::string> calls;
     PixelFormatAttributes format;
     ContextAttributes context;

@@ -1,4 +1,4 @@
-// Start values of the control, what its settings store, and how strongly each method asks for a repaint.
+// Start values of the control, what its settings store, and which strength of repaint each method requests.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 namespace {
 
 std::unique_ptr<PaneWindow> AnyWindow() {
-    PaneWindowRequest request;
-    request.kind = PaneWindowRequest::Kind::NoPicture;
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
     return MakePaneWindow(request);
 }
 
@@ -24,7 +24,7 @@ Mesh& AddTriangle(CKV_ScenePaneCtrl& control) {
 
 // ---- start values
 
-TEST(ANewControl, HasItsStartValuesOfContextAndInteraction) {
+TEST(NewControl, HasItsStartValuesOfContextAndInteraction) {
     const CKV_ScenePaneCtrl c(AnyWindow());
     EXPECT_EQ(c.m_bDrawMosaic, 0);
     EXPECT_EQ(c.m_nDrawMode, 3);
@@ -53,7 +53,7 @@ TEST(ANewControl, HasItsStartValuesOfContextAndInteraction) {
     EXPECT_FALSE(c.m_bModified);
 }
 
-TEST(ANewControl, HasItsStartValuesOfColoursAndSwitches) {
+TEST(NewControl, HasItsStartValuesOfColoursAndSwitches) {
     const CKV_ScenePaneCtrl c(AnyWindow());
     EXPECT_EQ(c.m_bShadowEnabled, 0);
     EXPECT_EQ(c.m_fShadowColor, (Float3{0, 0, 0}));
@@ -83,7 +83,7 @@ TEST(ANewControl, HasItsStartValuesOfColoursAndSwitches) {
     EXPECT_EQ(c.m_fPickRadius, 500.0f);
 }
 
-TEST(ANewControl, HasAnEmptySceneSeenFromTheFront) {
+TEST(NewControl, HasAnEmptySceneSeenFromTheFront) {
     const CKV_ScenePaneCtrl c(AnyWindow());
     EXPECT_TRUE(c.m_vpMeshes.empty());
     EXPECT_TRUE(c.m_vUndoStack.empty());
@@ -104,7 +104,7 @@ TEST(ANewControl, HasAnEmptySceneSeenFromTheFront) {
     EXPECT_TRUE(c.m_nViewMode < 0 || c.m_nViewMode > 7) << "no view is applied before the first SetViewMode";
 }
 
-TEST(ANewControl, HasNoProgramsAndNoFramebuffers) {
+TEST(NewControl, HasNoProgramsAndNoFramebuffers) {
     const CKV_ScenePaneCtrl c(AnyWindow());
     for (const std::uint32_t name :
          {c.m_progPerPixel, c.m_progTexPerPixel, c.m_progShadow, c.m_progDepth, c.m_progQuad, c.m_progCreateMask,
@@ -115,7 +115,7 @@ TEST(ANewControl, HasNoProgramsAndNoFramebuffers) {
     EXPECT_EQ(c.m_nShadowMapHeight, 2048);
 }
 
-TEST(ANewControl, HasItsStartValuesOfMarkersCutsAndAnimation) {
+TEST(NewControl, HasItsStartValuesOfMarkersCutsAndAnimation) {
     const CKV_ScenePaneCtrl c(AnyWindow());
     EXPECT_TRUE(c.m_vNeedles.empty());
     EXPECT_EQ(c.m_nMaxNeedles, 8);
@@ -151,7 +151,7 @@ TEST(ANewControl, HasItsStartValuesOfMarkersCutsAndAnimation) {
     EXPECT_EQ(c.m_bToggleAnimationOnSpacebar, 0);
 }
 
-TEST(ANewControl, NotesTheThreadThatMadeIt) {
+TEST(NewControl, RecordsTheCreatingThread) {
     const CKV_ScenePaneCtrl first(AnyWindow()), second(AnyWindow());
     std::uint32_t elsewhere = 0;
     std::thread([&] { elsewhere = CKV_ScenePaneCtrl(AnyWindow()).m_nCreatorThreadId; }).join();
@@ -159,7 +159,7 @@ TEST(ANewControl, NotesTheThreadThatMadeIt) {
     EXPECT_NE(first.m_nCreatorThreadId, elsewhere);
 }
 
-TEST(ANewControl, SharesOneDrawLockWithAllOthersAndTheLockStays) {
+TEST(NewControl, SharesTheProcessWideDrawLockWhichIsNeverDeleted) {
     std::recursive_mutex* lock = nullptr;
     {
         const CKV_ScenePaneCtrl first(AnyWindow());
@@ -253,14 +253,14 @@ const RepaintRow kRepaints[] = {
 
 class RepaintOf : public testing::TestWithParam<RepaintRow> {};
 
-TEST_P(RepaintOf, AsksForItsStrengthAndOnlyARefreshHasPaintedAtTheReturn) {
+TEST_P(RepaintOf, RequestsItsStrengthAndOnlyARefreshPaintsBeforeReturn) {
     OffscreenControl control(200, 100);
     const std::shared_ptr<Mesh> keepAlive(
         new Mesh({{0, 0, 0}, {9, 0, 0}, {0, 9, 0}}, {Triangle{{0, 1, 2}}}, L"", false));
     control->m_vpMeshes.push_back(keepAlive);
     control->PerformRefresh();
     control.window->Forget();
-    keepAlive->m_fPointSize = -77;  // every frame hands the size of the control to every mesh
+    keepAlive->m_fPointSize = -77;  // every frame passes the control's size to every mesh
     GetParam().call(*control);
     const bool drawn = keepAlive->m_fPointSize != -77;
 
@@ -270,7 +270,7 @@ TEST_P(RepaintOf, AsksForItsStrengthAndOnlyARefreshHasPaintedAtTheReturn) {
     EXPECT_EQ(control.window->eraseInvalidates, strength == Repaint::InvalidateWithErase ? 1 : 0);
     EXPECT_EQ(drawn, strength == Repaint::Refresh);
     const bool queued = strength == Repaint::Invalidate || strength == Repaint::InvalidateWithErase;
-    // a resized window asks for its repaint itself
+    // a resized window requests its own repaint
     if (std::string_view(GetParam().name) != "SetSize") {
         EXPECT_EQ(control.window->IsPaintPending(), queued);
     }
@@ -322,7 +322,7 @@ TEST(Settings, ReadTheLow16BitsOfTheSkipValue) {
     EXPECT_EQ(c->GetScanSkipVal(), INT16_MIN);
 }
 
-TEST(Settings, StoreFlagsWithMinusOneAndOneAsTrue) {
+TEST(Settings, AcceptMinusOneAndOneAsTrue) {
     NoPictureControl c;
     for (const std::int16_t value : std::initializer_list<std::int16_t>{-1, 1, 2}) {
         c->SetAllowEmptyObjects(value);
@@ -416,7 +416,7 @@ TEST(Properties, AreTheOnlyOnesThatMarkTheControlModified) {
     EXPECT_FALSE(c->m_bModified);
 }
 
-TEST(Properties, SayThatTheControlIsComplete) { EXPECT_EQ(NoPictureControl()->GetReadyState(), 4); }
+TEST(Properties, ReportTheReadyStateComplete) { EXPECT_EQ(NoPictureControl()->GetReadyState(), 4); }
 
 TEST(Properties, ShowTheSamePictureWithAndWithoutMosaic) {
     OffscreenControl c(200, 100);
@@ -449,12 +449,12 @@ TEST(SetReflection, SetsTheFrontMaterial) {
     }
 }
 
-TEST(SetReflection, ActsOnItsOwnContextAlone) {
+TEST(SetReflection, ChangesOnlyItsOwnContext) {
     OffscreenControl mine, other;
     ASSERT_TRUE(other->MakeContextCurrent());
     mine->SetReflection(0.75f, 1.0f);
     ASSERT_TRUE(other->MakeContextCurrent());
-    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 64.0f);  // as every context starts
+    EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 64.0f);  // the initial value of a context
     EXPECT_EQ(GlMaterial(GL_FRONT, GL_SPECULAR)[0], 0.0f);
     ASSERT_TRUE(mine->MakeContextCurrent());
     EXPECT_EQ(GlMaterial(GL_FRONT, GL_SHININESS)[0], 1.0f);
@@ -482,7 +482,7 @@ TEST(SetSize, ResizesTheWindowAndSetsViewportAndAspect) {
     EXPECT_EQ(picture.height, 120);
 }
 
-TEST(SetSize, KeepsViewportAndAspectWithoutAHeight) {
+TEST(SetSize, KeepsViewportAndAspectAtHeightZero) {
     for (const std::int16_t height : std::initializer_list<std::int16_t>{0, -1, INT16_MIN}) {
         OffscreenControl c(640, 480);
         const float aspect = c->m_fAspectX;
@@ -497,7 +497,7 @@ TEST(SetSize, KeepsViewportAndAspectWithoutAHeight) {
     }
 }
 
-TEST(SetSize, WorksWithoutAPicture) {
+TEST(SetSize, WorksInANoPictureViewer) {
     NoPictureControl c;
     c->SetSize(120, 300);
     EXPECT_EQ(c->m_nWidth, 120);
@@ -525,7 +525,7 @@ TEST(BlockPaintEvents, KeepsARefreshPendingUntilItIsUnblocked) {
     EXPECT_FALSE(c.window->IsPaintPending());
 }
 
-TEST(PerformInvalidate, PaintsOnceForManyRequests) {
+TEST(PerformInvalidate, CoalescesRequestsIntoOnePaint) {
     OffscreenControl c(64, 64);
     Mesh& mesh = AddTriangle(*c);
     for (int i = 0; i < 5; ++i) c->PerformInvalidate();

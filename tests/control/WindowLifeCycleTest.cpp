@@ -1,4 +1,4 @@
-// Viewers in X11 windows of a host: opened by the hundred, side by side, moved, orphaned, refused, exposed, resized.
+// Viewers in X11 windows of a host: hundreds in turn, several at once, reparented, orphaned, refused, exposed, resized.
 #include <gtest/gtest.h>
 #include <poll.h>
 
@@ -15,7 +15,7 @@
 #include "support/TestFolder.h"
 #include "support/XvfbServer.h"
 
-// After the others: its macros take the names of theirs.
+// Last: its macros collide with names of the other headers.
 #include <X11/Xlib.h>
 
 namespace {
@@ -34,7 +34,7 @@ constexpr std::int32_t kRedRef = 0x0000FF, kGreenRef = 0x00FF00, kBlueRef = 0xFF
 int g_xErrors = 0;
 int CountXError(Display*, XErrorEvent*) { return ++g_xErrors; }
 
-/// The server closes its end a moment after a client has closed its own.
+/// The server closes its end of a connection some time after the client.
 bool ClientsComeDownTo(int count) {
     for (int i = 0; i < 250 && XvfbServer::Shared().ClientCount() > count; ++i) std::this_thread::sleep_for(20ms);
     return XvfbServer::Shared().ClientCount() == count;
@@ -75,7 +75,7 @@ protected:
         return pane;
     }
 
-    /// Whether the screen comes to show a colour within two seconds, without any event of a viewer being handled.
+    /// Whether the screen shows a colour within two seconds, without any event of a viewer being handled.
     bool Shows(int x, int y, const Rgba& color) {
         for (int i = 0; i < 100; ++i) {
             const Rgba shown = host->ShownAt(x, y);
@@ -93,15 +93,15 @@ private:
 
 CKV_ScenePaneCtrl& ControlOf(ScenePane& pane) { return dynamic_cast<CKV_ScenePaneCtrl&>(pane); }
 
-/// Changes the background as no method does: without asking for a repaint.
+/// Changes the background without requesting a repaint, as no method does.
 void SetColorSilently(ScenePane& pane, std::int32_t color) {
     for (std::uint32_t& corner : ControlOf(pane).m_nBackgroundColors) corner = static_cast<std::uint32_t>(color);
 }
 
-// ---- coming and going
+// ---- creation and destruction
 
-TEST_F(HostedViewers, OpenAndCloseThreeHundredTimesAndLeaveNothingBehind) {
-    for (int i = 0; i < 20; ++i) Open();  // what the driver keeps for good
+TEST_F(HostedViewers, OpenAndCloseThreeHundredTimesWithoutALeak) {
+    for (int i = 0; i < 20; ++i) Open();  // the driver's one-time allocations
     ASSERT_TRUE(ClientsComeDownTo(1)) << "the host alone";
     const int descriptors = OpenDescriptors();
     const long megabytes = ResidentMegabytes();
@@ -117,7 +117,7 @@ TEST_F(HostedViewers, OpenAndCloseThreeHundredTimesAndLeaveNothingBehind) {
         << "more than a tenth of a megabyte a viewer stays";
 }
 
-TEST_F(HostedViewers, GoOnDrawingWhenTheNeighbourCloses) {
+TEST_F(HostedViewers, KeepDrawingWhenAnotherOneCloses) {
     auto left = Open(0, 0);
     const auto right = Open(200, 0);
     left->Methods().SetBackgroundColors(kRedRef, kRedRef);
@@ -130,7 +130,7 @@ TEST_F(HostedViewers, GoOnDrawingWhenTheNeighbourCloses) {
     EXPECT_EQ(host->ChildCount(), 1);
 }
 
-TEST_F(HostedViewers, OutliveTheHostsWindow) {
+TEST_F(HostedViewers, SurviveTheDestructionOfTheHostsWindow) {
     const auto pane = Open();
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     ASSERT_TRUE(pane->HasWindow());
@@ -155,7 +155,7 @@ TEST_F(HostedViewers, OutliveTheHostsWindow) {
     EXPECT_FALSE(pane->CapturePicture(&picture));
 }
 
-TEST_F(HostedViewers, MayBeClosedRightAfterTheHostsWindowWentWithoutAnEventBetween) {
+TEST_F(HostedViewers, CanBeClosedAfterTheHostsWindowWithoutProcessingEvents) {
     auto pane = Open();
     host->Destroy();
     pane.reset();
@@ -184,11 +184,11 @@ TEST_F(HostedViewers, MoveToAnotherWindowOfTheHostAndBack) {
     EXPECT_EQ(picture.pixels[0] & 0xFFFFFF, 0x0000FFu);
     ASSERT_TRUE(pane->Reparent(host->Id(), 0, 0));
     EXPECT_EQ(host->PlaceOf(window).parent, host->Id());
-    host->Destroy();  // takes the viewer along, not the window that it left
+    host->Destroy();  // destroys the viewer with it, not its former parent
     EXPECT_TRUE(PumpUntil(*pane, [&] { return !pane->HasWindow(); }));
 }
 
-TEST_F(HostedViewers, StayWhereTheyAreWhenTheNewParentIsNoWindow) {
+TEST_F(HostedViewers, KeepTheirParentWhenTheNewOneIsNotAWindow) {
     const auto pane = Open();
     const auto window = pane->NativeWindow();
     for (const std::uintptr_t parent : {std::uintptr_t{0}, std::uintptr_t{0x1234567}, std::uintptr_t{0x7F12345678A0}})
@@ -198,7 +198,7 @@ TEST_F(HostedViewers, StayWhereTheyAreWhenTheNewParentIsNoWindow) {
     EXPECT_TRUE(Shows(50, 40, kGreen));
 }
 
-TEST_F(HostedViewers, MayBeDestroyedInAParallelImportThatWasBegun) {
+TEST_F(HostedViewers, CanBeDestroyedDuringAParallelImport) {
     auto pane = Open();
     void* control = nullptr;
     KV_ScenePane::ImportMeasurementEntry import = nullptr;
@@ -214,7 +214,7 @@ struct Handle {
     std::uintptr_t parent;
 };
 
-TEST_F(HostedViewers, AreRefusedInWordsWhenTheHandleIsNoWindow) {
+TEST_F(HostedViewers, AreRefusedWithAReasonWhenTheHandleIsNotAWindow) {
     const unsigned long pixmap = host->MakePixmap(), inputOnly = host->MakeInputOnly();
     for (const Handle& handle : {Handle{"null", 0}, Handle{"an id that nobody has", 0x1234567},
                                  Handle{"a pointer", 0x7F12345678A0}, Handle{"all bits", ~std::uintptr_t{0}},
@@ -230,7 +230,7 @@ TEST_F(HostedViewers, AreRefusedInWordsWhenTheHandleIsNoWindow) {
     EXPECT_NE(Open(), nullptr);
 }
 
-TEST_F(HostedViewers, AreRefusedInWordsWithoutADisplay) {
+TEST_F(HostedViewers, AreRefusedWithAReasonWithoutADisplay) {
     const std::string display = getenv("DISPLAY");
     unsetenv("DISPLAY");
     for (const auto kind : {WindowRequest::Kind::Child, WindowRequest::Kind::TopLevel})
@@ -265,11 +265,11 @@ TEST_F(HostedViewers, AreRefusedWithoutAnXErrorWhenTheDriverRefuses) {
 
 // ---- painting in a real window
 
-TEST_F(HostedViewers, HaveDrawnWhenARefreshReturnsAndNotWhenAnInvalidateDoes) {
+TEST_F(HostedViewers, DrawBeforeARefreshReturnsAndAfterAnInvalidate) {
     const auto pane = Open();
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     ASSERT_TRUE(Shows(50, 40, kRed));
-    PumpUntil(*pane, [&, i = 0]() mutable { return ++i > 5; });  // what the mapping of the window left to do
+    PumpUntil(*pane, [&, i = 0]() mutable { return ++i > 5; });  // events of the mapping
     SetColorSilently(*pane, kGreenRef);
     pane->Methods().PerformInvalidate();
     std::this_thread::sleep_for(100ms);
@@ -280,7 +280,7 @@ TEST_F(HostedViewers, HaveDrawnWhenARefreshReturnsAndNotWhenAnInvalidateDoes) {
     EXPECT_TRUE(Shows(50, 40, kBlue)) << "a refresh has not drawn";
 }
 
-TEST_F(HostedViewers, KeepARepaintUntilPaintingIsUnblocked) {
+TEST_F(HostedViewers, KeepARequestPendingUntilPaintingIsUnblocked) {
     const auto pane = Open();
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     ASSERT_TRUE(Shows(50, 40, kRed));
@@ -293,7 +293,7 @@ TEST_F(HostedViewers, KeepARepaintUntilPaintingIsUnblocked) {
     EXPECT_TRUE(PumpUntil(*pane, [&] { return host->ShownAt(50, 40).g == 255; }));
 }
 
-TEST_F(HostedViewers, RepaintWhatAWindowInFrontHadCovered) {
+TEST_F(HostedViewers, RepaintAnExposedArea) {
     const auto pane = Open();
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     ASSERT_TRUE(Shows(50, 40, kRed));
@@ -308,7 +308,7 @@ TEST_F(HostedViewers, RepaintWhatAWindowInFrontHadCovered) {
     EXPECT_EQ(host->ShownAt(50, 40).g, 0);
 }
 
-TEST_F(HostedViewers, FollowTheSizeThatTheHostGivesTheWindow) {
+TEST_F(HostedViewers, AdoptTheSizeThatTheHostGivesTheWindow) {
     const auto pane = Open();
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     XResizeWindow(host->Display(), pane->NativeWindow(), 300, 120);
@@ -323,7 +323,7 @@ TEST_F(HostedViewers, FollowTheSizeThatTheHostGivesTheWindow) {
     EXPECT_EQ(picture.height, 120);
 }
 
-TEST_F(HostedViewers, TakeTheSizeOfSetSize) {
+TEST_F(HostedViewers, AdoptTheSizeOfSetSize) {
     const auto pane = Open();
     pane->Methods().SetSize(150, 90);
     const WindowPlace place = host->PlaceOf(pane->NativeWindow());
@@ -352,7 +352,7 @@ TEST_F(HostedViewers, ShowThePictureOfTheOffScreenSurface) {
     EXPECT_EQ(pictures[0].pixels, pictures[1].pixels);
 }
 
-TEST_F(HostedViewers, KeepPlaceAndParentWhenTheContextIsRecreated) {
+TEST_F(HostedViewers, KeepPositionAndParentWhenTheContextIsRecreated) {
     const auto pane = Open(30, 40, 120, 60);
     EXPECT_EQ(pane->Methods().RecreateOpenglContext(3, 3, 4), -1);
     ASSERT_TRUE(pane->HasWindow());

@@ -1,4 +1,4 @@
-// Every file name survives the way through a wide string.
+// Every file name survives the conversion to a wide string and back.
 #include "KV_ScenePane/PathText.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ TEST(PathText, KeepsRandomBytes) {
     std::mt19937 random(7);
     for (int round = 0; round < 20'000; ++round) {
         std::string name(random() % 12, '\0');
-        // mostly bytes of multi-byte sequences, so that whole, broken and overlong ones all come
+        // mostly bytes of multi-byte sequences, so that valid, broken and overlong ones all occur
         for (char& byte : name)
             byte = static_cast<char>(random() % 3 == 0 ? 1 + random() % 255 : 0x80 + random() % 128);
         ASSERT_EQ(PathBytes(WidePath(name)), name);
