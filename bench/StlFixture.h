@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "SphereFixture.h"
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
 enum class StlOrder {
     Mesh,      ///< neighbours stand together

@@ -1,4 +1,4 @@
-// The plane's picture, and its handles as numbers for the pick. Everything is drawn in the plane's own frame.
+// Draws the plane, and its handles in colours that are numbers for the pick. Everything is in the plane's own frame.
 #include <GL/glew.h>
 //
 #include <GL/glu.h>
@@ -13,7 +13,7 @@
 namespace {
 
 constexpr double kTurn = 2 * std::numbers::pi;
-constexpr std::uint32_t kBallCount = 2;
+constexpr std::uint32_t kSphereCount = 2;
 
 struct DeleteQuadric {
     void operator()(GLUquadric* quadric) const { gluDeleteQuadric(quadric); }
@@ -34,7 +34,7 @@ void BlendWhenTranslucent(float opacity) {
 
 void Vertex(const Double3& p) { glVertex3dv(p.data()); }
 
-void DrawBall(GLUquadric* quadric, const Double3& center, double radius) {
+void DrawSphere(GLUquadric* quadric, const Double3& center, double radius) {
     glPushMatrix();
     glTranslated(center[0], center[1], center[2]);
     gluSphere(quadric, radius / 60, 10, 10);
@@ -57,7 +57,7 @@ Double3 Plane::Corner(std::uint32_t i) const {
     return {m_dRadius * std::cos(angle), m_dRadius * std::sin(angle), 0};
 }
 
-// The start angle turns both the corners and the point's way along them: the balls are where they are by both.
+// The start angle counts twice, once in the corners and once in theta: the default angles of the handles include that.
 Double3 Plane::OutlinePoint(double theta) const {
     double a = std::fmod(m_dStartAngle + theta, kTurn);
     if (a < 0.0) a += kTurn;
@@ -68,7 +68,7 @@ Double3 Plane::OutlinePoint(double theta) const {
     return {(1 - t) * first[0] + t * second[0], (1 - t) * first[1] + t * second[1], 0};
 }
 
-Double3 Plane::BallPoint(std::uint32_t index) const {
+Double3 Plane::SpherePoint(std::uint32_t index) const {
     return OutlinePoint(static_cast<double>(m_fHandleAngle[index]) * (std::numbers::pi / 180));
 }
 
@@ -87,14 +87,14 @@ void Plane::Draw() {
     const Quadric quadric(gluNewQuadric());
     if (m_bRotateHandlesVisible) {
         SetColor(m_nHandleColor);
-        for (std::uint32_t ball = 0; ball < kBallCount; ++ball) DrawBall(quadric.get(), BallPoint(ball), m_dRadius);
-        if (m_pick && m_pick->kind == PlaneHandle::kBall) DrawTiltGuides(BallPoint(m_pick->index));
+        for (std::uint32_t i = 0; i < kSphereCount; ++i) DrawSphere(quadric.get(), SpherePoint(i), m_dRadius);
+        if (m_pick && m_pick->kind == PlaneHandle::kSphere) DrawTiltGuides(SpherePoint(m_pick->index));
     }
     SetColor(m_nHandleColor);
     if (m_bMoveHandleVisible) DrawDoubleArrow(quadric.get());
     if (m_bCenterVisible) {
         SetColor(m_nColor);
-        DrawBall(quadric.get(), {0, 0, 0}, m_dRadius);
+        DrawSphere(quadric.get(), {0, 0, 0}, m_dRadius);
     }
     glPopMatrix();
 }
@@ -108,7 +108,8 @@ void Plane::DrawOutline(std::uint32_t color) const {
 
 void Plane::DrawFace(std::uint32_t color, float opacity) const {
     // Before the push: Mesa 22.3 loses a blend function that is set between an inner push without the colour buffer's
-    // bit and its pop, and the caller's pop does not put the former one back. The test of the state tells when it does.
+    // bit and its pop, and the caller's pop does not restore the former one. PlaneDrawTest compares the state before
+    // and after: without this order it fails on a driver with that defect.
     BlendWhenTranslucent(opacity);
     if (m_bCullBack) {
         glPushAttrib(GL_ENABLE_BIT | GL_POLYGON_BIT);
@@ -125,27 +126,28 @@ void Plane::DrawFace(std::uint32_t color, float opacity) const {
     glDisable(GL_BLEND);
 }
 
-// The axis about which the ball tilts the plane, and the circle on which the ball would go.
-void Plane::DrawTiltGuides(const Double3& ball) const {
-    const double reach = std::hypot(ball[0], ball[1]);
+// The axis about which the sphere tilts the plane, and the circle on which the sphere would move.
+void Plane::DrawTiltGuides(const Double3& sphere) const {
+    const double reach = std::hypot(sphere[0], sphere[1]);
     if (!(reach > 0.0)) return;  // a plane without extent
-    glNormal3d(0, 0, 1);         // a ball's last one stands
+    glNormal3d(0, 0, 1);         // gluSphere() leaves another one
     SetColor(m_nOutlineColor);
-    const double size = std::acos(std::clamp(ball[1] / reach, -1.0, 1.0));
-    const double end = (-ball[0] > 0.0 ? size : -size) + std::numbers::pi / 2;
+    const double size = std::acos(std::clamp(sphere[1] / reach, -1.0, 1.0));
+    const double end = (-sphere[0] > 0.0 ? size : -size) + std::numbers::pi / 2;
     glBegin(GL_LINES);
     Vertex(OutlinePoint(end));
     Vertex(OutlinePoint(end + std::numbers::pi));
     glEnd();
 
-    // Across its axis, the ball goes from where it is towards the normal: cos along its own direction, sin along z.
+    // Across its axis, the sphere moves from its present place towards the normal: cos along its own direction, sin
+    // along z.
     BlendWhenTranslucent(m_fHotOpacity);
     SetColor(m_nOutlineColor, m_fHotOpacity);
     constexpr int kSteps = 72;
     glBegin(GL_LINE_STRIP);
     for (int i = 0; i <= kSteps; ++i) {
         const double angle = i % kSteps * (kTurn / kSteps);
-        Vertex({ball[0] * std::cos(angle), ball[1] * std::cos(angle), reach * std::sin(angle)});
+        Vertex({sphere[0] * std::cos(angle), sphere[1] * std::cos(angle), reach * std::sin(angle)});
     }
     glEnd();
     glDisable(GL_BLEND);
@@ -174,9 +176,9 @@ std::uint32_t Plane::DrawPickIds(std::uint32_t base) {
         DrawDoubleArrow(quadric.get());
     }
     if (m_bRotateHandlesVisible) {
-        for (std::uint32_t ball = 0; ball < kBallCount; ++ball) {
+        for (std::uint32_t i = 0; i < kSphereCount; ++i) {
             SetColor(base + count++);
-            DrawBall(quadric.get(), BallPoint(ball), m_dRadius);
+            DrawSphere(quadric.get(), SpherePoint(i), m_dRadius);
         }
     }
     glPopMatrix();
@@ -184,8 +186,8 @@ std::uint32_t Plane::DrawPickIds(std::uint32_t base) {
 }
 
 void Plane::OnPicked(std::uint32_t k) {
-    const std::uint32_t firstBall = m_bMoveHandleVisible ? 1 : 0;
+    const std::uint32_t firstSphere = m_bMoveHandleVisible ? 1 : 0;
     if (m_bMoveHandleVisible && k == 0) m_pick = PlaneHandle{0, PlaneHandle::kArrow};
-    if (m_bRotateHandlesVisible && k >= firstBall && k < firstBall + kBallCount)
-        m_pick = PlaneHandle{k - firstBall, PlaneHandle::kBall};
+    if (m_bRotateHandlesVisible && k >= firstSphere && k < firstSphere + kSphereCount)
+        m_pick = PlaneHandle{k - firstSphere, PlaneHandle::kSphere};
 }

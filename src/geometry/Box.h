@@ -4,7 +4,7 @@
 #include <cfloat>
 #include <cstddef>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
 struct Box {
     Float3 min{FLT_MAX, FLT_MAX, FLT_MAX};

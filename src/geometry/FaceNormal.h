@@ -1,36 +1,30 @@
 // The unit normal of one face, in the rounding that all normals of meshes share.
 #pragma once
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "geometry/Vector3.h"
 #include "geometry/Vertex.h"
 
-struct FaceNormal {
-    float x, y, z;
-};
+[[nodiscard]] inline Float3 PositionOf(const Vertex& vertex) { return {vertex.x, vertex.y, vertex.z}; }
 
 /// (p1 - p0) x (p2 - p0) over its length; the plain zero product of a degenerate triangle. Indices must be valid.
-[[nodiscard]] inline FaceNormal FaceNormalOf(const Triangle& triangle, const std::vector<Vertex>& vertices) {
-    const Vertex& p0 = vertices[static_cast<std::size_t>(triangle.v[0])];
-    const Vertex& p1 = vertices[static_cast<std::size_t>(triangle.v[1])];
-    const Vertex& p2 = vertices[static_cast<std::size_t>(triangle.v[2])];
-    const float ax = p1.x - p0.x, ay = p1.y - p0.y, az = p1.z - p0.z;
-    const float bx = p2.x - p0.x, by = p2.y - p0.y, bz = p2.z - p0.z;
-    FaceNormal c{ay * bz - az * by, az * bx - ax * bz, ax * by - ay * bx};
-    const float length = std::sqrt(c.x * c.x + c.y * c.y + c.z * c.z);
-    if (length > 0.0f) c = {c.x / length, c.y / length, c.z / length};
-    return c;
+[[nodiscard]] inline Float3 FaceNormalOf(const Triangle& triangle, const std::vector<Vertex>& vertices) {
+    const Float3 p0 = PositionOf(vertices[static_cast<std::size_t>(triangle.v[0])]);
+    const Float3 p1 = PositionOf(vertices[static_cast<std::size_t>(triangle.v[1])]);
+    const Float3 p2 = PositionOf(vertices[static_cast<std::size_t>(triangle.v[2])]);
+    return Normalized(Cross(p1 - p0, p2 - p0));
 }
 
-inline void AddFaceNormal(const FaceNormal& normal, const Triangle& triangle, std::vector<Vertex>& vertices) {
+/// Adds the normal to those of the triangle's three corners.
+inline void AddFaceNormal(const Float3& normal, const Triangle& triangle, std::vector<Vertex>& vertices) {
     for (const auto corner : triangle.v) {
         Vertex& vertex = vertices[static_cast<std::size_t>(corner)];
-        vertex.nx += normal.x;
-        vertex.ny += normal.y;
-        vertex.nz += normal.z;
+        vertex.nx += normal[0];
+        vertex.ny += normal[1];
+        vertex.nz += normal[2];
     }
 }
 

@@ -108,7 +108,18 @@ template <typename I, typename F>
     return HasAny(halves[0] | halves[1]);
 }
 
-/// Three coordinates of several points.
+/// Turns four rows of four into their four columns.
+KV_LANES void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
+    const Float4 ab01 = __builtin_shufflevector(a, b, 0, 4, 1, 5), ab23 = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+    const Float4 cd01 = __builtin_shufflevector(c, d, 0, 4, 1, 5), cd23 = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+    a = __builtin_shufflevector(ab01, cd01, 0, 1, 4, 5);
+    b = __builtin_shufflevector(ab01, cd01, 2, 3, 6, 7);
+    c = __builtin_shufflevector(ab23, cd23, 0, 1, 4, 5);
+    d = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
+}
+
+/// Three coordinates of several points. The functions of Vector3.h once more, since these must be inlined into their
+/// caller for its instruction set.
 template <typename F>
 struct Vec3 {
     F x, y, z;

@@ -11,30 +11,19 @@
 #include <optional>
 #include <utility>
 
+#include "base/HugePages.h"
 #include "geometry/GridNormals.h"
 #include "geometry/GridQuads.h"
 #include "geometry/GridRows.h"
 #include "geometry/MeanNormals.h"
-#include "base/HugePages.h"
+#include "geometry/Vector3.h"
 
 namespace {
-
-float Dot(const float* a, const float* b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
 Float4 AsFloat4(Int4 bits) {
     Float4 value;
     std::memcpy(&value, &bits, sizeof(value));
     return value;
-}
-
-// Four rows of four to four columns.
-void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
-    const Float4 ab01 = __builtin_shufflevector(a, b, 0, 4, 1, 5), ab23 = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    const Float4 cd01 = __builtin_shufflevector(c, d, 0, 4, 1, 5), cd23 = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-    a = __builtin_shufflevector(ab01, cd01, 0, 1, 4, 5);
-    b = __builtin_shufflevector(ab01, cd01, 2, 3, 6, 7);
-    c = __builtin_shufflevector(ab23, cd23, 0, 1, 4, 5);
-    d = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
 }
 
 /// The extremes of all vertices that were written, and what Mesh::ComputeBoundingBox() makes of them.
@@ -190,13 +179,12 @@ GridBox TriangulateGridWith(const TriangulationOptions& options, std::int16_t wi
 
 int IsSliver(const float* p0, const float* p1, const float* p2, float sliverLimit) {
     if (sliverLimit < 0) return 0;
-    const float e0[3] = {p0[0] - p1[0], p0[1] - p1[1], p0[2] - p1[2]};
-    const float e1[3] = {p1[0] - p2[0], p1[1] - p2[1], p1[2] - p2[2]};
-    const float e2[3] = {p2[0] - p0[0], p2[1] - p0[1], p2[2] - p0[2]};
+    const Float3 a = ToFloat3(p0), b = ToFloat3(p1), c = ToFloat3(p2);
+    const Float3 e0 = a - b, e1 = b - c, e2 = c - a;
     const float squaredLimit = sliverLimit * sliverLimit;
-    const auto isTooSharp = [squaredLimit](const float* a, const float* b) {
-        const float dot = Dot(a, b);
-        return dot * dot / (Dot(a, a) * Dot(b, b)) > squaredLimit;
+    const auto isTooSharp = [squaredLimit](const Float3& e, const Float3& f) {
+        const float dot = Dot(e, f);
+        return dot * dot / (Dot(e, e) * Dot(f, f)) > squaredLimit;
     };
     return isTooSharp(e1, e0) || isTooSharp(e2, e1) || isTooSharp(e2, e0) ? -1 : 0;
 }

@@ -15,24 +15,12 @@ namespace {
 
 constexpr std::size_t kFour = 4;
 
-/// Four rows as four columns.
-KV_LANES void Transpose(Float4 (&rows)[kFour]) {
-    const Float4 low01 = __builtin_shufflevector(rows[0], rows[1], 0, 4, 1, 5);
-    const Float4 low23 = __builtin_shufflevector(rows[2], rows[3], 0, 4, 1, 5);
-    const Float4 high01 = __builtin_shufflevector(rows[0], rows[1], 2, 6, 3, 7);
-    const Float4 high23 = __builtin_shufflevector(rows[2], rows[3], 2, 6, 3, 7);
-    rows[0] = __builtin_shufflevector(low01, low23, 0, 1, 4, 5);
-    rows[1] = __builtin_shufflevector(low01, low23, 2, 3, 6, 7);
-    rows[2] = __builtin_shufflevector(high01, high23, 0, 1, 4, 5);
-    rows[3] = __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
-}
-
 /// The positions of one corner of four triangles.
 KV_LANES Vec3x4 CornersOf(const Triangle* triangles, int corner, const std::vector<Vertex>& vertices) {
     Float4 rows[kFour];
     for (std::size_t i = 0; i < kFour; ++i)
         rows[i] = LoadLanes<Float4>(&vertices[static_cast<std::size_t>(triangles[i].v[corner])].x);
-    Transpose(rows);
+    Transpose(rows[0], rows[1], rows[2], rows[3]);
     return {rows[0], rows[1], rows[2]};
 }
 
@@ -52,12 +40,12 @@ std::vector<Sum> SumsOf(const std::vector<Triangle>& triangles, const std::vecto
         const Vec3x4 p0 = CornersOf(four, 0, vertices), p1 = CornersOf(four, 1, vertices);
         const Vec3x4 normals = Normalized(Cross(p1 - p0, CornersOf(four, 2, vertices) - p0));
         Float4 rows[kFour] = {normals.x, normals.y, normals.z, SplatFloat4(1.0f)};
-        Transpose(rows);
+        Transpose(rows[0], rows[1], rows[2], rows[3]);
         for (std::size_t i = 0; i < kFour; ++i) add(four[i], rows[i]);
     }
     for (; done < triangles.size(); ++done) {
-        const FaceNormal normal = FaceNormalOf(triangles[done], vertices);
-        add(triangles[done], Sum{normal.x, normal.y, normal.z, 1.0f});
+        const Float3 normal = FaceNormalOf(triangles[done], vertices);
+        add(triangles[done], Sum{normal[0], normal[1], normal[2], 1.0f});
     }
     return sums;
 }

@@ -118,10 +118,10 @@ void Mesh::ComputeVertexNormals() {
 
 void Mesh::GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz) const {
     assert(index < m_vTriangles.size());
-    const FaceNormal normal = FaceNormalOf(m_vTriangles[index], m_vVertices);
-    *nx = normal.x;
-    *ny = normal.y;
-    *nz = normal.z;
+    const Float3 normal = FaceNormalOf(m_vTriangles[index], m_vVertices);
+    *nx = normal[0];
+    *ny = normal[1];
+    *nz = normal[2];
 }
 
 void Mesh::ShrinkToFit() {

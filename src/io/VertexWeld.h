@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 #include "geometry/Vertex.h"
 
 /// Gives every position the index of the vertex that has it, and appends a vertex where none has. Positions are

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
 struct Line3D {
     std::int32_t id = 0;

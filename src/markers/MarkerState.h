@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "KV_ScenePane/Modes.h"
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 #include "markers/FreePointSet.h"
 #include "markers/Line3D.h"
 #include "markers/Needle.h"

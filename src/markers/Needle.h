@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdint>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
 /// How needles that are made later look.
 struct NeedleRenderParameters {

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "base/PerformanceCounter.h"
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
 /// Written by view/Animation.cpp.
 ///

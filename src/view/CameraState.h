@@ -2,7 +2,7 @@
 #pragma once
 #include <cstdint>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 #include "view/ViewFrame.h"
 
 /// Written by view/Camera.cpp; rotation, animation and decorations change it through SetLiveFrame() and

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
-constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kBall}, kBall1{1, PlaneHandle::kBall};
+constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kSphere}, kBall1{1, PlaneHandle::kSphere};
 
 void ExpectNear(const Double3& actual, const Double3& expected, double tolerance = 1e-12) {
     for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;

@@ -93,7 +93,7 @@ struct HandleCase {
 };
 void PrintTo(const HandleCase& row, std::ostream* out) { *out << row.name; }
 
-constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kBall}, kBall1{1, PlaneHandle::kBall};
+constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kSphere}, kBall1{1, PlaneHandle::kSphere};
 const HandleCase kHandleCases[] = {
     {"ArrowOfAll", true, true, 0, kArrow},
     {"FirstBallOfAll", true, true, 1, kBall0},

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
 using MeshBytes = std::vector<std::byte>;
 
