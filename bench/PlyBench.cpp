@@ -14,9 +14,9 @@
 #include "KV_ScenePane/DebugOutput.h"
 #include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
-#include "MSRDLL/AtomicFile.h"
 #include "ProcessMemory.h"
 #include "SphereFixture.h"
+#include "base/AtomicFile.h"
 #include "geometry/MeanNormals.h"
 
 namespace {
@@ -192,7 +192,7 @@ void WriteOfTheSameBytes(benchmark::State& state) {
     const std::string text = FileText(kBinaryWithNormalsAndColors);
     const ScratchPath to("write");
     for (auto _ : state) {
-        MsrStorage::AtomicFile file(to.Bytes(), MsrStorage::FileCalls::Real());
+        AtomicFile file(to.Bytes());
         file.WriteAt(0, text.data(), text.size());
         file.Commit();
     }

@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "KV_ScenePane/PathText.h"
-#include "MSRDLL/AtomicFile.h"
 #include "StlFixture.h"
+#include "base/AtomicFile.h"
 #include "control/ScenePaneCtrl.h"
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 #include "io/StlMesh.h"
 #include "platform/WindowFactory.h"
 
@@ -59,9 +59,9 @@ public:
     CKV_ScenePaneCtrl* operator->() const { return m_control.get(); }
 
 private:
-    static PaneWindowRequest Request() {
-        PaneWindowRequest request;
-        request.kind = PaneWindowRequest::Kind::NoPicture;
+    static KV_ScenePane::WindowRequest Request() {
+        KV_ScenePane::WindowRequest request;
+        request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
         return request;
     }
     std::unique_ptr<CKV_ScenePaneCtrl> m_control;
@@ -142,7 +142,7 @@ void WritingTheSameBytes(benchmark::State& state) {
     const StlSample& sample = StlSample::Of(state);
     const std::string path = sample.path + ".out.stl";
     for (auto _ : state) {
-        MsrStorage::AtomicFile file(path, MsrStorage::FileCalls::Real());
+        AtomicFile file(path);
         file.WriteAt(0, sample.bytes.data(), sample.bytes.size());
         file.Commit();
     }

@@ -1,29 +1,23 @@
 // Header and table of hps files, written and checked.
 #include "HpsFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <xxhash.h>
-
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <limits>
 #include <utility>
 
 #include "HpsLayout.h"
+#include "files/RegularFile.h"
+#include "files/SectionFile.h"
 
 namespace KvComponents::Hps {
 
 namespace {
 
-struct Entry {
-    std::uint32_t id, flags;
-    std::uint64_t size, checksum;
-};
-static_assert(sizeof(Entry) == kEntrySize);
+using FileStorage::SectionEntry;
 
-constexpr std::uint32_t kMaxOfAll = std::numeric_limits<std::int32_t>::max();
+constexpr std::uint32_t kMaxCount = std::numeric_limits<std::int32_t>::max();
 
 /// What a mesh takes in memory: three floats a vertex, three indices a triangle.
 std::uint64_t MeshBytes(const FileContent& content) {
@@ -39,10 +33,6 @@ void AppendText(ByteVector& to, const std::string& text) {
 std::string TakeText(ByteReader& from) {
     const ByteSpan bytes = from.Take(from.TakeValue<std::uint32_t>());
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-std::size_t LengthOf(std::size_t sectionCount, std::size_t sectionBytes) {
-    return kHeaderSize + sectionCount * kEntrySize + kChecksumSize + sectionBytes;
 }
 
 /// Whose fault a damaged section is.
@@ -67,8 +57,8 @@ bool IsKnown(std::uint32_t section) {
 
 [[noreturn]] void FailInvalid(const char* reason) { throw FileError(ReadError::kInvalidFile, reason); }
 
-void TakeSection(const Entry& entry, ByteSpan bytes, FileContent& content) {
-    if (XXH3_64bits(bytes.data(), bytes.size()) != entry.checksum)
+void TakeSection(const SectionEntry& entry, ByteSpan bytes, FileContent& content) {
+    if (FileStorage::Checksum(bytes.data(), bytes.size()) != entry.checksum)
         throw FileError(CodeOf(entry.id), "a section is damaged");
     ByteReader from(bytes);
     switch (entry.id) {
@@ -97,64 +87,39 @@ void TakeSection(const Entry& entry, ByteSpan bytes, FileContent& content) {
     }
 }
 
-/// The table behind a header that announces @p count sections, its checksum checked.
-std::vector<Entry> TakeTable(ByteSpan file, std::uint32_t count) {
-    ByteReader from(file.subspan(kHeaderSize));
-    std::vector<Entry> entries(count);
-    for (Entry& entry : entries) entry = from.TakeValue<Entry>();
-    const std::size_t tableEnd = kHeaderSize + count * kEntrySize;
-    if (from.TakeValue<std::uint64_t>() != XXH3_64bits(file.data(), tableEnd)) FailInvalid("the table is damaged");
-    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-        if (!IsKnown(entry->id)) {
-            if (entry->flags & kNeeded) FailInvalid("needs a section that this version does not know");
-        } else if (std::any_of(entries.begin(), entry, [&](const Entry& e) { return e.id == entry->id; })) {
-            FailInvalid("a section stands twice");
-        }
-    }
-    return entries;
-}
-
 struct Start {
     std::uint32_t sectionCount;
-    ByteReader rest;  ///< of the header
+    HpsHeader header;
 };
 
-/// Checks the beginning of a file of that size.
+/// Checks the beginning of a file of @p fileSize bytes.
 [[nodiscard]] Start CheckStart(ByteSpan start, std::size_t fileSize) {
     if (start.size() < kHeaderSize) FailInvalid("cut short");
-    ByteReader header(start);
-    if (std::memcmp(header.Take(sizeof kMagic).data(), kMagic, sizeof kMagic) != 0) FailInvalid("not an hps file");
-    if (header.TakeValue<std::uint32_t>() != kVersion) FailInvalid("of a version that is not known here");
-    const auto count = header.TakeValue<std::uint32_t>();
-    if (count > kMaxSections) FailInvalid("impossible number of sections");
-    if (header.TakeValue<std::uint64_t>() != fileSize) FailInvalid("has another length than it should");
-    return {count, header};
+    const auto header = start.first<kHeaderSize>();
+    const std::uint32_t count = FileStorage::CheckHeader(kFormat, header);
+    const auto fields = std::bit_cast<HpsHeader>(FileStorage::FieldsOf(header));
+    if (fields.fileSize != fileSize) FailInvalid("has another length than it should");
+    return {count, fields};
 }
 
 FileContent ParseFrame(ByteSpan file) {
-    auto [count, header] = CheckStart(file, file.size());
+    const auto [count, header] = CheckStart(file, file.size());
+    const std::size_t headSize = FileStorage::HeadSize(count);
+    if (file.size() < headSize) FailInvalid("cut short");
+    const std::vector<SectionEntry> entries = FileStorage::ReadTable(file.first(headSize));
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        FileStorage::CheckEntry(entries, i, IsKnown(entries[i].id), kNeeded);
+    if (header.vertexCount > kMaxCount || header.triangleCount > kMaxCount) FailInvalid("impossible counts");
     FileContent content;
-    content.vertexCount = header.TakeValue<std::uint32_t>();
-    content.triangleCount = header.TakeValue<std::uint32_t>();
-
-    const std::vector<Entry> entries = TakeTable(file, count);
-    if (content.vertexCount > kMaxOfAll || content.triangleCount > kMaxOfAll) FailInvalid("impossible counts");
+    content.vertexCount = header.vertexCount;
+    content.triangleCount = header.triangleCount;
     if (MeshBytes(content) / kMaxExpansion > file.size()) FailInvalid("counts out of proportion to the file");
-    ByteReader from(file.subspan(LengthOf(count, 0)));
-    for (const Entry& entry : entries) TakeSection(entry, from.Take(entry.size), content);
-    if (!from.Rest().empty()) FailInvalid("bytes that belong to no section");
+    FileStorage::SectionPlacer placer(headSize, file.size());
+    for (const SectionEntry& entry : entries)
+        TakeSection(entry, file.subspan(placer.Place(entry), entry.size), content);
+    placer.ExpectEnd();
     if (content.positions.empty() || content.facets.empty()) FailInvalid("a needed section is missing");
     return content;
-}
-
-/// The first bytes of a file. @throws FileError
-void ReadWhole(int fd, std::span<std::byte> to) {
-    for (std::size_t at = 0; at < to.size();) {
-        const ssize_t got = ::pread(fd, to.data() + at, to.size() - at, static_cast<off_t>(at));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) throw FileError(ReadError::kUnreadable, got < 0 ? "cannot be read" : "shrank meanwhile");
-        at += static_cast<std::size_t>(got);
-    }
 }
 
 }  // namespace
@@ -163,9 +128,16 @@ ByteVector BuildFile(const FileContent& content) {
     ByteVector source, texture;
     AppendText(source, content.application);
     AppendText(source, content.version);
-    std::vector<std::pair<Entry, ByteSpan>> sections;
+    std::vector<SectionEntry> entries;
+    std::vector<ByteSpan> sections;
+    std::size_t sectionBytes = 0;
     const auto add = [&](std::uint32_t id, std::uint32_t flags, ByteSpan bytes) {
-        sections.push_back({{id, flags, bytes.size(), XXH3_64bits(bytes.data(), bytes.size())}, bytes});
+        entries.push_back({id, flags, bytes.size(), FileStorage::Checksum(bytes.data(), bytes.size())});
+        sections.push_back(bytes);
+        sectionBytes += bytes.size();
+    };
+    const auto fileSize = [&] {
+        return FileStorage::HeadSize(static_cast<std::uint32_t>(entries.size())) + sectionBytes;
     };
     add(kSourceSection, 0, source);
     add(kFacetSection, kNeeded, content.facets);
@@ -176,28 +148,16 @@ ByteVector BuildFile(const FileContent& content) {
         texture.insert(texture.end(), content.texture.begin(), content.texture.end());
         add(kTextureSection, 0, texture);
     }
-    std::size_t sectionBytes = 0;
-    for (const auto& section : sections) sectionBytes += section.second.size();
-    const std::size_t least = MeshBytes(content) / kMaxExpansion;
     ByteVector fill;
-    if (const std::size_t length = LengthOf(sections.size(), sectionBytes); length < least) {
-        fill.resize(least - length);
+    if (const std::size_t minSize = MeshBytes(content) / kMaxExpansion; fileSize() < minSize) {
+        fill.resize(minSize - fileSize());
         add(kFillSection, 0, fill);
-        sectionBytes += fill.size();
     }
 
-    ByteVector file;
-    const std::size_t length = LengthOf(sections.size(), sectionBytes);
-    file.reserve(length);
-    for (const unsigned char byte : kMagic) file.push_back(std::byte{byte});
-    AppendValue(file, kVersion);
-    AppendValue(file, static_cast<std::uint32_t>(sections.size()));
-    AppendValue<std::uint64_t>(file, length);
-    AppendValue(file, content.vertexCount);
-    AppendValue(file, content.triangleCount);
-    for (const auto& section : sections) AppendValue(file, section.first);
-    AppendValue<std::uint64_t>(file, XXH3_64bits(file.data(), file.size()));
-    for (const auto& section : sections) file.insert(file.end(), section.second.begin(), section.second.end());
+    const HpsHeader header{fileSize(), content.vertexCount, content.triangleCount};
+    ByteVector file = FileStorage::BuildHead(kFormat, std::bit_cast<FileStorage::HeaderFields>(header), entries);
+    file.reserve(fileSize());
+    for (const ByteSpan section : sections) file.insert(file.end(), section.begin(), section.end());
     return file;
 }
 
@@ -206,32 +166,32 @@ FileContent ParseFile(ByteSpan file) {
         return ParseFrame(file);
     } catch (const DamagedData& damage) {
         FailInvalid(damage.what());
+    } catch (const FileStorage::SectionFileError& error) {
+        FailInvalid(error.what());
     }
 }
 
 RawArray<std::byte> LoadFile(const std::string& path) {
-    // O_NONBLOCK: the open of a pipe that nobody writes to must not wait.
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
-        throw FileError(isMissing ? ReadError::kNotFound : ReadError::kUnreadable, "cannot be opened");
+    try {
+        const FileStorage::RegularFile file(path);
+        const auto size = static_cast<std::size_t>(file.Size());
+        const auto read = [&file](std::byte* to, std::size_t count) {
+            if (file.ReadAt(0, to, count) != count) throw FileError(ReadError::kUnreadable, "shrank while it was read");
+        };
+        // A file in another format is refused before memory for the whole file is allocated.
+        std::byte start[kHeaderSize];
+        const std::size_t startSize = std::min(size, sizeof start);
+        read(start, startSize);
+        (void)CheckStart({start, startSize}, size);
+        RawArray<std::byte> bytes(size);
+        read(bytes.data(), size);
+        return bytes;
+    } catch (const FileStorage::FileAccessError& error) {
+        const bool isMissing = error.Error() == ENOENT || error.Error() == ENOTDIR;
+        throw FileError(isMissing ? ReadError::kNotFound : ReadError::kUnreadable, error.what());
+    } catch (const FileStorage::SectionFileError& error) {
+        FailInvalid(error.what());
     }
-    struct Closer {
-        int fd;
-        ~Closer() { ::close(fd); }
-    } const closer{fd};
-    struct stat info {};
-    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))
-        throw FileError(ReadError::kUnreadable, "not a regular file");
-    const auto size = static_cast<std::size_t>(info.st_size);
-    // Whatever is no hps file is refused before memory for all of it is taken.
-    std::byte start[kHeaderSize];
-    const std::span<std::byte> startOfFile(start, std::min(size, sizeof start));
-    ReadWhole(fd, startOfFile);
-    (void)CheckStart(startOfFile, size);
-    RawArray<std::byte> bytes(size);
-    ReadWhole(fd, {bytes.data(), size});
-    return bytes;
 }
 
 }  // namespace KvComponents::Hps

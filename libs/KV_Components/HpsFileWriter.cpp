@@ -9,8 +9,8 @@
 #include "HpsVertices.h"
 #include "KV_Components/Hps.h"
 #include "KV_ScenePane/PathText.h"
-#include "MSRDLL/AtomicFile.h"
 #include "ObjectRegistry.h"
+#include "files/AtomicFile.h"
 
 namespace KvComponents {
 
@@ -171,7 +171,7 @@ std::int32_t HpsFileWriter::Save(const wchar_t* path) {
     content.version = m_sVersion;
     const Hps::ByteVector bytes = Hps::BuildFile(content);
     try {
-        MsrStorage::AtomicFile file(KV_ScenePane::PathBytes(path), MsrStorage::FileCalls::Real());
+        FileStorage::AtomicFile file(KV_ScenePane::PathBytes(path));
         file.WriteAt(0, bytes.data(), bytes.size());
         file.Commit();
     } catch (const std::system_error&) {

@@ -1,24 +1,30 @@
-// The numbers of the hps format, as docs/formats/hps.md tells them.
+// The numbers of the hps format; docs/formats/hps.md describes them byte by byte. The container around the sections is
+// files/SectionFile.h.
 #pragma once
-#include <cstddef>
 #include <cstdint>
+
+#include "files/SectionFile.h"
 
 namespace KvComponents::Hps {
 
-/// The line ends and the end-of-text byte in it show damage by a transfer that took the file for text.
-inline constexpr unsigned char kMagic[8] = {'K', 'V', 'H', 'P', 'S', '\r', '\n', 0x1A};
-inline constexpr std::uint32_t kVersion = 1;
-inline constexpr std::size_t kHeaderSize = 32;  ///< magic, version, sections, file size, vertices, triangles
-inline constexpr std::size_t kEntrySize = 24;   ///< id, flags, size, checksum
-inline constexpr std::size_t kChecksumSize = 8;
-inline constexpr std::uint32_t kMaxSections = 64;
-inline constexpr std::uint32_t kNeeded = 1;  ///< flag: who does not know this section must refuse the file
+using FileStorage::kChecksumSize;
+using FileStorage::kEntrySize;
+using FileStorage::kHeaderSize;
+using FileStorage::SectionId;
 
-constexpr std::uint32_t SectionId(const char (&name)[5]) {
-    std::uint32_t id = 0;
-    for (int i = 3; i >= 0; --i) id = (id << 8) | static_cast<unsigned char>(name[i]);
-    return id;
-}
+inline constexpr FileStorage::SectionFormat kFormat = {
+    {'K', 'V', 'H', 'P', 'S', '\r', '\n', 0x1A}, 1, "not an hps file"};
+
+/// The fields of the header that are the format's own.
+struct HpsHeader {
+    std::uint64_t fileSize;  ///< bytes
+    std::uint32_t vertexCount, triangleCount;
+};
+static_assert(sizeof(HpsHeader) == sizeof(FileStorage::HeaderFields));
+
+/// In the attributes of a table entry: a reader that does not know the section must refuse the file.
+inline constexpr std::uint32_t kNeeded = 1;
+
 inline constexpr std::uint32_t kFacetSection = SectionId("TRIS");
 inline constexpr std::uint32_t kPositionSection = SectionId("VERT");
 inline constexpr std::uint32_t kUvSection = SectionId("UVCO");

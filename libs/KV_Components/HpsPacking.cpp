@@ -1,12 +1,13 @@
 // Blocks through zstd, numbers by class and bits.
 #include "HpsPacking.h"
 
-#include <sys/mman.h>
 #include <zstd.h>
 
 #include <algorithm>
 #include <limits>
 #include <new>
+
+#include "files/HugePages.h"
 
 namespace KvComponents::Hps {
 
@@ -32,14 +33,15 @@ ByteVector Compress(ByteSpan bytes, int level) {
 }  // namespace
 
 void* AllocateLarge(std::uint64_t size) {
-    constexpr std::uint64_t kLargePage = 2 * 1024 * 1024;
-    if (size > std::numeric_limits<std::size_t>::max() - kLargePage) throw std::bad_alloc();
-    const bool isLarge = size >= kLargePage;
-    // Whole pages: what shares one with somebody else would stay in small ones.
-    const std::uint64_t taken = isLarge ? (size + kLargePage - 1) / kLargePage * kLargePage : size;
-    void* const memory = isLarge ? std::aligned_alloc(kLargePage, taken) : std::malloc(std::max<std::size_t>(taken, 1));
+    using FileStorage::kHugePage;
+    if (size > std::numeric_limits<std::size_t>::max() - kHugePage) throw std::bad_alloc();
+    const bool isLarge = size >= kHugePage;
+    // Whole huge pages: a page that is shared with another allocation would stay a small one.
+    const std::uint64_t allocated = isLarge ? (size + kHugePage - 1) / kHugePage * kHugePage : size;
+    void* const memory =
+        isLarge ? std::aligned_alloc(kHugePage, allocated) : std::malloc(std::max<std::size_t>(allocated, 1));
     if (memory == nullptr) throw std::bad_alloc();
-    if (isLarge) (void)::madvise(memory, taken, MADV_HUGEPAGE);
+    FileStorage::AdviseHugePages(memory, allocated);
     return memory;
 }
 

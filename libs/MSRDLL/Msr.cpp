@@ -1,14 +1,46 @@
-// Class MSR over the pcm format: errors become false, since its callers know no others.
+// Class MSR over the pcm format: errors become false, and the reason waits for MsrLastReason().
 #include "MSRDLL/Msr.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <iterator>
+#include <new>
 
 #include "KV_ScenePane/PathText.h"
+#include "MSRDLL/MsrLastReason.h"
 #include "MSRDLL/PcmFile.h"
 
 namespace MsrStorage {
+namespace {
+
+/// A plain array, without a destructor that could run before the last use at the end of a thread. The longest reason,
+/// a step and the system's message, has about 100 bytes.
+thread_local char t_reason[512] = "";
+
+void SetReason(const char* reason) { (void)std::snprintf(t_reason, sizeof t_reason, "%s", reason); }
+
+/// Runs one operation of class MSR and notes the reason when it fails.
+/// @param path  checked for null before the operation runs
+/// @return whether it succeeded
+template <class Operation>
+bool RunOperation(const wchar_t* path, Operation operation) {
+    SetReason("");
+    try {
+        if (path == nullptr) throw PcmError("there is no path");
+        operation(KV_ScenePane::PathBytes(path));
+        return true;
+    } catch (const PcmError& error) {
+        SetReason(error.Explanation().c_str());
+    } catch (const std::bad_alloc&) {
+        SetReason("not enough memory");
+    } catch (const std::exception& error) {
+        SetReason(error.what());
+    }
+    return false;
+}
+
+}  // namespace
 
 struct MSR::Data {
     PcmMeasurement measurement;
@@ -19,37 +51,21 @@ MSR::~MSR() = default;
 
 bool MSR::Load(const wchar_t* path, bool, bool, bool) {
     m_pData->measurement = {};
-    if (path == nullptr) return false;
-    try {
-        m_pData->measurement = ReadPcmFile(KV_ScenePane::PathBytes(path));
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
+    return RunOperation(path, [this](const std::string& bytes) { m_pData->measurement = ReadPcmFile(bytes); });
 }
 
 bool MSR::Save(const wchar_t* path, bool, bool) {
-    if (path == nullptr) return false;
-    try {
-        WritePcmFile(KV_ScenePane::PathBytes(path), ViewOf(m_pData->measurement));
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
+    return RunOperation(path, [this](const std::string& bytes) { WritePcmFile(bytes, ViewOf(m_pData->measurement)); });
 }
 
 bool MSR::SaveTrafoMatrix(const wchar_t* path, const float* matrix) {
-    if (path == nullptr || matrix == nullptr) return false;
-    try {
-        const std::string bytes = KV_ScenePane::PathBytes(path);
-        // Read whole: a file that is damaged elsewhere must not get a fresh seal.
+    return RunOperation(path, [matrix](const std::string& bytes) {
+        if (matrix == nullptr) throw PcmError("there is no matrix");
+        // The whole file is read: damage elsewhere in it must not be sealed under new checksums.
         PcmMeasurement measurement = ReadPcmFile(bytes);
         std::copy_n(matrix, std::size(measurement.m_fTrafo), measurement.m_fTrafo.begin());
         WritePcmFile(bytes, ViewOf(measurement));
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
+    });
 }
 
 float* MSR::GetXYZ() { return m_pData->measurement.m_pPoints.get(); }
@@ -64,3 +80,5 @@ int MSR::GetHeight() { return m_pData->measurement.m_iHeight; }
 std::uint32_t* MSR::GetColorData() { return m_pData->measurement.m_pColors.get(); }
 
 }  // namespace MsrStorage
+
+const char* MsrLastReason() { return MsrStorage::t_reason; }

@@ -2,30 +2,30 @@
 // writing half is PcmFileWrite.cpp.
 #include "MSRDLL/PcmFile.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <bit>
 #include <cstring>
-#include <string_view>
 
 #include "MSRDLL/PcmLayout.h"
+#include "files/HugePages.h"
+#include "files/RegularFile.h"
+#include "files/SectionFile.h"
 
 namespace MsrStorage {
 namespace {
 
 using namespace PcmLayout;
-
-constexpr std::size_t kBlockSize = 192 * 1024;  // stays in the second-level cache; a multiple of every value's size
+using FileStorage::kHeaderSize;
+using FileStorage::RunningChecksum;
+using FileStorage::SectionEntry;
+using FileStorage::SectionPlacer;
 
 /// Where the bytes come from: a file or memory.
 class Source {
 public:
     virtual ~Source() = default;
     [[nodiscard]] virtual std::uint64_t Size() const = 0;
+    /// Copies exactly @p size bytes. @throws PcmError when there are fewer
     virtual void Read(std::uint64_t offset, std::byte* to, std::size_t size) const = 0;
 };
 
@@ -44,39 +44,28 @@ private:
 
 class FileSource final : public Source {
 public:
-    explicit FileSource(const std::string& path) {
-        // O_NONBLOCK: the open of a pipe that nobody writes to must not wait.
-        m_iFd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-        struct stat info {};
-        if (m_iFd < 0) throw PcmError("cannot be opened");
-        if (::fstat(m_iFd, &info) != 0 || !S_ISREG(info.st_mode)) {
-            ::close(m_iFd);
-            throw PcmError("not a regular file");
-        }
-        m_uSize = static_cast<std::uint64_t>(info.st_size);
+    explicit FileSource(const std::string& path) try : m_file(path) {
+    } catch (const FileStorage::FileAccessError& error) {
+        throw PcmError(error.what());
     }
-    ~FileSource() override { ::close(m_iFd); }
-    FileSource(const FileSource&) = delete;
-    FileSource& operator=(const FileSource&) = delete;
-    [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
+    [[nodiscard]] std::uint64_t Size() const override { return m_file.Size(); }
     void Read(std::uint64_t offset, std::byte* to, std::size_t size) const override {
-        while (size > 0) {
-            const ssize_t got = ::pread(m_iFd, to, size, static_cast<off_t>(offset));
-            if (got < 0 && errno == EINTR) continue;
-            if (got <= 0) throw PcmError(got < 0 ? "cannot be read" : "file is cut short");
-            to += got;
-            offset += static_cast<std::uint64_t>(got);
-            size -= static_cast<std::size_t>(got);
+        try {
+            if (m_file.ReadAt(offset, to, size) != size) throw PcmError("file is cut short");
+        } catch (const FileStorage::FileAccessError& error) {
+            throw PcmError(error.what());
         }
     }
 
 private:
-    int m_iFd = -1;
-    std::uint64_t m_uSize = 0;
+    FileStorage::RegularFile m_file;
 };
 
-struct PlacedEntry : Entry {
-    std::uint64_t offset = 0;  ///< sections follow one another, so the table need not tell
+struct PlacedEntry : SectionEntry {
+    std::uint64_t offset = 0;  ///< in the file; the table holds sizes only
+
+    /// For the detail of an error.
+    [[nodiscard]] std::string Place() const { return FileStorage::SectionPlace(id, offset); }
 };
 
 struct Table {
@@ -87,7 +76,8 @@ struct Table {
         return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
     }
     [[nodiscard]] const PlacedEntry* Find(std::uint32_t id) const {
-        const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.id == id; });
+        const auto found =
+            std::find_if(entries.begin(), entries.end(), [&](const SectionEntry& e) { return e.id == id; });
         return found == entries.end() ? nullptr : &*found;
     }
     [[nodiscard]] const PlacedEntry& Need(std::uint32_t id) const {
@@ -97,63 +87,46 @@ struct Table {
     }
 };
 
-/// @param rest  bytes of the file behind the table, which the sections must fill exactly
-void PlaceSections(Table& table, std::uint64_t offset, std::uint64_t rest) {
-    for (PlacedEntry& entry : table.entries) {
-        if (entry.size > rest) throw PcmError("a section is longer than the file");
-        entry.offset = offset;
-        offset += entry.size;
-        rest -= entry.size;
-        if (!IsKnown(entry.id)) {
-            if (entry.flags & kNeeded) throw PcmError("needs a section that this version does not know");
-            continue;
-        }
-        if (table.Find(entry.id) != &entry) throw PcmError("a section stands twice");
-        if (entry.flags & ~kNeeded) throw PcmError("a section has flags that this version does not know");
+std::vector<PlacedEntry> PlaceSections(std::span<const SectionEntry> entries, std::uint64_t fileSize) {
+    std::vector<PlacedEntry> placed;
+    SectionPlacer placer(FileStorage::HeadSize(static_cast<std::uint32_t>(entries.size())), fileSize);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        placed.push_back({entries[i], placer.Place(entries[i])});
+        const bool isKnown = IsKnown(entries[i].id);
+        FileStorage::CheckEntry(entries, i, isKnown, kNeededBit);
+        if (isKnown && (FlagsOf(entries[i]) & ~kNeeded))
+            throw PcmError("a section has flags that this version does not know", placed.back().Place());
     }
-    if (rest != 0) throw PcmError("bytes that belong to no section");
+    placer.ExpectEnd();
+    return placed;
 }
 
 Table ReadTable(const Source& source) {
     const std::uint64_t fileSize = source.Size();
-    if (fileSize < kHeaderSize + kChecksumSize) throw PcmError("header is cut short");
+    const auto requireSize = [fileSize](std::size_t size) {
+        if (fileSize < size) throw PcmError("header is cut short", " at byte " + std::to_string(fileSize));
+    };
+    requireSize(FileStorage::HeadSize(0));
     std::vector<std::byte> head(kHeaderSize);
     source.Read(0, head.data(), kHeaderSize);
-    if (std::memcmp(head.data(), kMagic, sizeof kMagic) != 0) throw PcmError("not a pcm file");
-    const auto version = Load<std::uint32_t>(&head[8]);
-    if (version != kVersion) throw PcmError("of a version that is not known here");
-    const auto count = Load<std::uint32_t>(&head[12]);
-    if (count == 0 || count > kMaxSections) throw PcmError("impossible number of sections");
-    const std::size_t tableEnd = kHeaderSize + count * kEntrySize;
-    if (fileSize < tableEnd + kChecksumSize) throw PcmError("header is cut short");
-    head.resize(tableEnd + kChecksumSize);
+    const std::uint32_t count = FileStorage::CheckHeader(kFormat, std::span(head).first<kHeaderSize>());
+    requireSize(FileStorage::HeadSize(count));
+    head.resize(FileStorage::HeadSize(count));
     source.Read(kHeaderSize, &head[kHeaderSize], head.size() - kHeaderSize);
-    if (Checksum(head.data(), tableEnd) != Load<std::uint64_t>(&head[tableEnd])) throw PcmError("header is damaged");
+    const std::vector<SectionEntry> entries = FileStorage::ReadTable(head);
 
-    const auto width = Load<std::uint32_t>(&head[16]);
-    const auto height = Load<std::uint32_t>(&head[20]);
-    if (width < 1 || width > kPcmMaxSide || height < 1 || height > kPcmMaxSide) throw PcmError("impossible grid size");
-    if (Load<std::uint64_t>(&head[24]) != fileSize) throw PcmError("file has another length than it should");
-    Table table;
-    table.width = static_cast<int>(width);
-    table.height = static_cast<int>(height);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::byte* at = &head[kHeaderSize + i * kEntrySize];
-        PlacedEntry entry;
-        entry.id = Load<std::uint32_t>(at);
-        entry.encoding = Load<std::uint16_t>(at + 4);
-        entry.flags = Load<std::uint16_t>(at + 6);
-        entry.size = Load<std::uint64_t>(at + 8);
-        entry.checksum = Load<std::uint64_t>(at + 16);
-        table.entries.push_back(entry);
-    }
-    PlaceSections(table, head.size(), fileSize - head.size());
-    return table;
+    const auto header = std::bit_cast<PcmHeader>(FileStorage::FieldsOf(std::span(head).first<kHeaderSize>()));
+    const auto isPossible = [](std::uint32_t side) { return side >= 1 && side <= kPcmMaxSide; };
+    if (!isPossible(header.width) || !isPossible(header.height)) throw PcmError("impossible grid size");
+    if (header.fileSize != fileSize)
+        throw PcmError("file has another length than it should",
+                       " (" + std::to_string(fileSize) + " bytes, not " + std::to_string(header.fileSize) + ")");
+    return {static_cast<int>(header.width), static_cast<int>(header.height), PlaceSections(entries, fileSize)};
 }
 
 void ReadWhole(const Source& source, const PlacedEntry& entry, std::byte* to) {
     source.Read(entry.offset, to, entry.size);
-    if (Checksum(to, entry.size) != entry.checksum) throw PcmError("a section is damaged");
+    if (FileStorage::Checksum(to, entry.size) != entry.checksum) throw PcmError("a section is damaged", entry.Place());
 }
 
 /// Which pixels have values of their own: bit i of the words is pixel i.
@@ -167,7 +140,8 @@ Coverage ReadCoverage(const Source& source, const Table& table) {
     const PlacedEntry* entry = table.Find(kCoverage);
     if (entry == nullptr) return coverage;
     const std::uint64_t pixels = table.Pixels();
-    if (entry->encoding != kDense || entry->size != (pixels + 7) / 8) throw PcmError("coverage has a wrong length");
+    if (EncodingOf(*entry) != kDense || entry->size != (pixels + 7) / 8)
+        throw PcmError("coverage has a wrong length", entry->Place());
     coverage.words.resize((pixels + 63) / 64);
     ReadWhole(source, *entry, reinterpret_cast<std::byte*>(coverage.words.data()));
     if (pixels % 64 != 0 && coverage.words.back() >> (pixels % 64) != 0) throw PcmError("coverage of no pixel");
@@ -178,12 +152,12 @@ Coverage ReadCoverage(const Source& source, const Table& table) {
 /// Refuses a section whose length is not what its encoding asks for.
 void CheckLength(const Table& table, std::uint32_t id, std::uint64_t valueSize, const Coverage& coverage) {
     const PlacedEntry& entry = table.Need(id);
-    if (entry.encoding == kSparse && coverage.words.empty()) throw PcmError("a needed section is missing");
-    const std::uint64_t values = entry.encoding == kDense      ? table.Pixels()
-                                 : entry.encoding == kConstant ? 1
-                                 : entry.encoding == kSparse   ? 1 + coverage.covered
-                                                               : 0;  // an encoding of a later version
-    if (values == 0 || entry.size != values * valueSize) throw PcmError("a section has a wrong length");
+    if (EncodingOf(entry) == kSparse && coverage.words.empty()) throw PcmError("a needed section is missing");
+    const std::uint64_t values = EncodingOf(entry) == kDense      ? table.Pixels()
+                                 : EncodingOf(entry) == kConstant ? 1
+                                 : EncodingOf(entry) == kSparse   ? 1 + coverage.covered
+                                                                  : 0;  // an encoding of a later version
+    if (values == 0 || entry.size != values * valueSize) throw PcmError("a section has a wrong length", entry.Place());
 }
 
 /// Moves the values of the covered pixels from the end of a grid to their pixels, in order, as far as they have come,
@@ -276,7 +250,7 @@ void ReadValues(const Source& source, const PlacedEntry& entry, std::byte* grid,
     RunningChecksum checksum;
     std::uint64_t offset = entry.offset;
     std::byte background[kSize] = {};
-    const bool sparse = entry.encoding == kSparse;
+    const bool sparse = EncodingOf(entry) == kSparse;
     if (sparse) {
         source.Read(offset, background, kSize);
         checksum.Add(background, kSize);
@@ -294,20 +268,14 @@ void ReadValues(const Source& source, const PlacedEntry& entry, std::byte* grid,
         if (sparse) spreader.Spread(at);
     }
     if (sparse) spreader.Spread(end);  // pixels behind the last covered one
-    if (checksum.Value() != entry.checksum) throw PcmError("a section is damaged");
+    if (checksum.Value() != entry.checksum) throw PcmError("a section is damaged", entry.Place());
 }
 
-/// Memory for a large array in large pages: at 4 KiB the faults of fresh pages take longer than reading the file.
+/// An array that is not initialised, in huge pages.
 template <class T>
 std::unique_ptr<T[]> MakeArray(std::size_t count) {
-    constexpr std::uintptr_t kHugePage = 2 * 1024 * 1024;
     auto values = std::make_unique_for_overwrite<T[]>(count);
-    const auto begin = reinterpret_cast<std::uintptr_t>(values.get());
-    const std::uintptr_t first = (begin + kHugePage - 1) / kHugePage * kHugePage;
-    const std::uintptr_t last = (begin + count * sizeof(T)) / kHugePage * kHugePage;
-    // Advice only, and for whole pages of this array: what the system does not offer is left.
-    if (first < last)
-        (void)::madvise(reinterpret_cast<std::byte*>(values.get()) + (first - begin), last - first, MADV_HUGEPAGE);
+    FileStorage::AdviseHugePages(values.get(), count * sizeof(T));
     return values;
 }
 
@@ -320,7 +288,7 @@ std::unique_ptr<T[]> ReadGrid(const Source& source, const Table& table, std::uin
     const std::uint64_t pixels = table.Pixels();
     auto values = MakeArray<T>(pixels * kValues);
     auto* grid = reinterpret_cast<std::byte*>(values.get());
-    if (entry.encoding == kConstant) {
+    if (EncodingOf(entry) == kConstant) {
         std::byte value[kSize];
         ReadWhole(source, entry, value);
         for (std::uint64_t i = 0; i < pixels; ++i) std::memcpy(grid + i * kSize, value, kSize);
@@ -343,8 +311,8 @@ PcmMeasurement ReadFrom(const Source& source) {
     if (hasColors) CheckLength(table, kColors, sizeof(std::uint32_t), coverage);
     const PlacedEntry& trafo = table.Need(kTrafo);
     PcmMeasurement measurement;
-    if (trafo.encoding != kDense || trafo.size != sizeof measurement.m_fTrafo) {
-        throw PcmError("a section has a wrong length");
+    if (EncodingOf(trafo) != kDense || trafo.size != sizeof measurement.m_fTrafo) {
+        throw PcmError("a section has a wrong length", trafo.Place());
     }
 
     ReadWhole(source, trafo, reinterpret_cast<std::byte*>(measurement.m_fTrafo.data()));
@@ -354,7 +322,7 @@ PcmMeasurement ReadFrom(const Source& source) {
     if (hasColors) measurement.m_pColors = ReadGrid<1, std::uint32_t>(source, table, kColors, coverage);
     for (const PlacedEntry& entry : table.entries) {
         if (IsKnown(entry.id)) continue;
-        PcmForeignSection section{entry.id, entry.encoding, entry.flags, std::vector<std::byte>(entry.size)};
+        PcmForeignSection section{entry.id, EncodingOf(entry), FlagsOf(entry), std::vector<std::byte>(entry.size)};
         ReadWhole(source, entry, section.m_vBytes.data());
         measurement.m_vForeign.push_back(std::move(section));
     }

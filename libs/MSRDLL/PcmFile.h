@@ -5,18 +5,16 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "MSRDLL/AtomicFile.h"
+#include "files/AtomicFile.h"
+#include "files/SectionFile.h"
 
 namespace MsrStorage {
 
-/// Why a pcm file could not be read or written.
-class PcmError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+/// Why a pcm file could not be read or written: what() is the rule that was broken, Explanation() adds where.
+using PcmError = FileStorage::SectionFileError;
 
 inline constexpr int kPcmMaxSide = 32767;
 /// The grid of a file takes at most this many times the file's size in memory; readers refuse more.
@@ -63,7 +61,8 @@ struct PcmView {
 /// Writes a measurement and replaces @p path by it, as AtomicFile does.
 /// @throws PcmError for a grid without arrays or with a size outside 1..32767; std::system_error from the disk. The old
 ///         file is whole then
-void WritePcmFile(const std::string& path, const PcmView& view, FileCalls& calls = FileCalls::Real());
+void WritePcmFile(const std::string& path, const PcmView& view,
+                  FileStorage::FileCalls& calls = FileStorage::FileCalls::Real());
 [[nodiscard]] std::vector<std::byte> WritePcm(const PcmView& view);
 
 }  // namespace MsrStorage

@@ -1,16 +1,18 @@
 // Writing of pcm files: finds out what the grid's holes have in common, then stores holes once and the rest as it is.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "MSRDLL/PcmFile.h"
 #include "MSRDLL/PcmLayout.h"
+#include "files/SectionFile.h"
 
 namespace MsrStorage {
 namespace {
 
 using namespace PcmLayout;
-
-constexpr std::size_t kBlockSize = 192 * 1024;
+using FileStorage::AtomicFile;
+using FileStorage::SectionEntry;
 
 /// Where the bytes go: a file or memory.
 class Sink {
@@ -87,7 +89,7 @@ Holes FindHoles(const Channel& points, std::uint64_t pixels) {
         }
     }
     const std::uint64_t saved = (pixels - holes.covered - 1) * points.valueSize;
-    if (saved <= kEntrySize + (pixels + 7) / 8) holes.words.clear();
+    if (saved <= FileStorage::kEntrySize + (pixels + 7) / 8) holes.words.clear();
     return holes;
 }
 
@@ -114,14 +116,14 @@ public:
             size -= part;
         }
     }
-    [[nodiscard]] Entry Finish(std::uint32_t id, std::uint16_t encoding, std::uint16_t flags) const {
-        return {id, encoding, flags, m_uSize, m_checksum.Value()};
+    [[nodiscard]] SectionEntry Finish(std::uint32_t id, std::uint16_t encoding, std::uint16_t flags) const {
+        return {id, Attributes(encoding, flags), m_uSize, m_checksum.Value()};
     }
 
 private:
     Sink& m_sink;
     std::uint64_t m_uOffset, m_uSize = 0;
-    RunningChecksum m_checksum;
+    FileStorage::RunningChecksum m_checksum;
 };
 
 void AddCoveredValues(SectionWriter& writer, const Channel& channel, std::uint64_t pixels, const Holes& holes) {
@@ -137,8 +139,8 @@ void AddCoveredValues(SectionWriter& writer, const Channel& channel, std::uint64
     writer.Add(block.data(), block.size());
 }
 
-Entry WriteChannel(Sink& sink, std::uint64_t offset, const Channel& channel, Encoding encoding, std::uint64_t pixels,
-                   const Holes& holes) {
+SectionEntry WriteChannel(Sink& sink, std::uint64_t offset, const Channel& channel, Encoding encoding,
+                          std::uint64_t pixels, const Holes& holes) {
     SectionWriter writer(sink, offset);
     if (encoding == kDense) {
         writer.Add(channel.values, pixels * channel.valueSize);
@@ -151,25 +153,10 @@ Entry WriteChannel(Sink& sink, std::uint64_t offset, const Channel& channel, Enc
     return writer.Finish(channel.id, encoding, channel.flags);
 }
 
-std::vector<std::byte> MakeHead(const PcmView& view, const std::vector<Entry>& entries, std::uint64_t fileSize) {
-    std::vector<std::byte> head(kHeaderSize + entries.size() * kEntrySize + kChecksumSize);
-    std::memcpy(head.data(), kMagic, sizeof kMagic);
-    Store(&head[8], kVersion);
-    Store(&head[12], static_cast<std::uint32_t>(entries.size()));
-    Store(&head[16], static_cast<std::uint32_t>(view.m_iWidth));
-    Store(&head[20], static_cast<std::uint32_t>(view.m_iHeight));
-    Store(&head[24], fileSize);
-    std::byte* at = &head[kHeaderSize];
-    for (const Entry& entry : entries) {
-        Store(at, entry.id);
-        Store(at + 4, entry.encoding);
-        Store(at + 6, entry.flags);
-        Store(at + 8, entry.size);
-        Store(at + 16, entry.checksum);
-        at += kEntrySize;
-    }
-    Store(at, Checksum(head.data(), head.size() - kChecksumSize));
-    return head;
+std::vector<std::byte> MakeHead(const PcmView& view, const std::vector<SectionEntry>& entries, std::uint64_t fileSize) {
+    const PcmHeader header{static_cast<std::uint32_t>(view.m_iWidth), static_cast<std::uint32_t>(view.m_iHeight),
+                           fileSize};
+    return FileStorage::BuildHead(kFormat, std::bit_cast<FileStorage::HeaderFields>(header), entries);
 }
 
 void CheckView(const PcmView& view) {
@@ -178,7 +165,8 @@ void CheckView(const PcmView& view) {
     if (!view.m_pPoints || !view.m_pConfidence || !view.m_pClassification || !view.m_pTrafo) {
         throw PcmError("nothing to write");
     }
-    if (view.m_foreign.size() > kMaxSections - std::size(kKnownSections)) throw PcmError("too many sections");
+    if (view.m_foreign.size() > FileStorage::kMaxSections - std::size(kKnownSections))
+        throw PcmError("too many sections");
     for (const PcmForeignSection& section : view.m_foreign) {
         if (IsKnown(section.m_uId) || (section.m_uFlags & kNeeded))
             throw PcmError("a foreign section that readers refuse");
@@ -227,9 +215,9 @@ void WriteTo(Sink& sink, const PcmView& view) {
     const std::vector<Channel> channels = ChannelsOf(view);
     const Plan plan = MakePlan(channels, pixels);
     const std::size_t count = channels.size() + 1 + (plan.needsCoverage ? 1 : 0) + view.m_foreign.size();
-    std::uint64_t end = kHeaderSize + count * kEntrySize + kChecksumSize;
-    std::vector<Entry> entries;
-    const auto placed = [&](const Entry& entry) {
+    std::uint64_t end = FileStorage::HeadSize(static_cast<std::uint32_t>(count));
+    std::vector<SectionEntry> entries;
+    const auto placed = [&](const SectionEntry& entry) {
         entries.push_back(entry);
         end += entry.size;
     };
@@ -254,7 +242,7 @@ void WriteTo(Sink& sink, const PcmView& view) {
 
 }  // namespace
 
-void WritePcmFile(const std::string& path, const PcmView& view, FileCalls& calls) {
+void WritePcmFile(const std::string& path, const PcmView& view, FileStorage::FileCalls& calls) {
     CheckView(view);
     AtomicFile file(path, calls);
     FileSink sink(file);

@@ -1,26 +1,27 @@
-// Large arrays in large pages: new memory costs a page fault per page, and at 4 KiB these take longer than the work on
-// the array (measured in bench/PcmBench.cpp).
+// Memory for large arrays in huge pages, so that the page faults do not take longer than the work on the array.
 #pragma once
-#include <sys/mman.h>
-
 #include <cstddef>
-#include <cstdint>
+#include <memory>
 #include <vector>
 
-/// To be called for fresh memory, before anything is written there. Advice only: what the system does not offer is
-/// left.
-inline void AdviseHugePages(void* memory, std::size_t size) {
-    constexpr std::uintptr_t kHugePage = 2 * 1024 * 1024;
-    const auto begin = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t first = (begin + kHugePage - 1) / kHugePage * kHugePage;
-    const std::uintptr_t last = (begin + size) / kHugePage * kHugePage;
-    // Pages of which a part belongs to somebody else stay as they are.
-    if (first < last) (void)::madvise(static_cast<std::byte*>(memory) + (first - begin), last - first, MADV_HUGEPAGE);
-}
+#include "files/HugePages.h"
 
-/// Room for so many values in an empty vector.
+/// Advice to the system to back fresh memory with huge pages; to be given before anything is written to the memory.
+using FileStorage::AdviseHugePages;
+
+/// Reserves memory for @p count values in a vector, in huge pages. An empty vector profits most: what it holds already
+/// is moved before the advice is given.
 template <typename T>
 void ReserveInHugePages(std::vector<T>& values, std::size_t count) {
     values.reserve(count);
-    AdviseHugePages(values.data(), count * sizeof(T));
+    // The memory after the values is fresh: nothing was written there.
+    AdviseHugePages(values.data() + values.size(), (values.capacity() - values.size()) * sizeof(T));
+}
+
+/// An array of @p count values in huge pages whose elements are not initialised.
+template <typename T>
+[[nodiscard]] std::unique_ptr<T[]> MakeArrayInHugePages(std::size_t count) {
+    auto values = std::make_unique_for_overwrite<T[]>(count);
+    AdviseHugePages(values.get(), count * sizeof(T));
+    return values;
 }

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "KV_ScenePane/PathText.h"
-#include "MSRDLL/AtomicFile.h"
+#include "base/AtomicFile.h"
 #include "base/HugePages.h"
 
 static_assert(std::endian::native == std::endian::little, "numbers go into the file as they stand");
@@ -101,8 +101,7 @@ PlyMeshWriter::FileBytes PlyMeshWriter::Assemble() const {
     FileBytes file;
     file.size = header.size() + m_vVertexRecords.size() * vertexBytes +
                 static_cast<std::size_t>(m_iFaceCount) * faceBytes + m_vImageBytes.size();
-    file.bytes = std::make_unique_for_overwrite<std::byte[]>(file.size);
-    AdviseHugePages(file.bytes.get(), file.size);
+    file.bytes = MakeArrayInHugePages<std::byte>(file.size);
     std::byte* out = Put(file.bytes.get(), header.data(), header.size());
     out = PutVertices(out);
     out = PutFaces(out);
@@ -112,7 +111,7 @@ PlyMeshWriter::FileBytes PlyMeshWriter::Assemble() const {
 }
 
 void PlyMeshWriter::Write(const std::wstring& path) const {
-    MsrStorage::AtomicFile target(KV_ScenePane::PathBytes(path), MsrStorage::FileCalls::Real());
+    AtomicFile target(KV_ScenePane::PathBytes(path));
     const FileBytes file = Assemble();
     target.WriteAt(0, file.bytes.get(), file.size);
     target.Commit();

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "MSRDLL/AtomicFile.h"
+#include "base/AtomicFile.h"
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
 #include "io/StlMesh.h"
@@ -37,7 +37,7 @@ void CKV_ScenePaneCtrl::ExportStl(std::int16_t objIdx, const wchar_t* path) {
     assert(ObjectAt(objIdx) != nullptr);
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
     try {
-        MsrStorage::AtomicFile file(KV_ScenePane::PathBytes(path), MsrStorage::FileCalls::Real());
+        AtomicFile file(KV_ScenePane::PathBytes(path));
         const WaitCursor wait(*m_pWindow);
         std::uint64_t offset = 0;
         WriteStl(mesh, [&](std::span<const std::byte> bytes) {

@@ -7,8 +7,6 @@
 #include <thread>
 #include <vector>
 
-#include "platform/NoPictureWindow.h"
-
 namespace {
 
 struct DebugOutputTest : testing::Test {
@@ -69,15 +67,6 @@ TEST_F(DebugOutputTest, TheFormerSinkIsNotCalledAfterItWasReplaced) {
     end = true;
     writer.join();
     EXPECT_EQ(late, 0);
-}
-
-TEST_F(DebugOutputTest, TakesTheMessagesOfAWindowWithoutAHook) {
-    std::string texts;
-    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) { texts += text; });
-    NoPictureWindow window(PaneWindowRequest{});
-    window.ShowModalMessage("first");
-    window.ShowModalMessage("second");
-    EXPECT_EQ(texts, "first\nsecond\n");
 }
 
 }  // namespace

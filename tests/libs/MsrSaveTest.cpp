@@ -19,6 +19,7 @@
 
 using KV_ScenePane::WidePath;
 using namespace MsrStorage;
+using FileStorage::FileCalls;
 
 namespace {
 

@@ -7,8 +7,10 @@
 
 #include <filesystem>
 #include <memory>
+#include <thread>
 
 #include "KV_ScenePane/PathText.h"
+#include "MSRDLL/MsrLastReason.h"
 #include "libs/PcmSample.h"
 #include "support/ScratchFolder.h"
 
@@ -239,4 +241,95 @@ TEST_F(MsrOnDisk, SaveTrafoMatrixDoesNotSealADamagedFileAnew) {
     EXPECT_FALSE(MSR::SaveTrafoMatrix(nullptr, sample.trafo.data()));
     EXPECT_FALSE(MSR::SaveTrafoMatrix(WidePath(file).c_str(), nullptr));
     EXPECT_EQ(folder.FileCount(), 1u);
+}
+
+namespace {
+
+/// A measurement of more than 2000 bytes, so that a cut can be in its header and in its sections.
+class MsrReason : public testing::Test {
+protected:
+    /// The reason after loading a file with these bytes, which must fail.
+    std::string ReasonFor(const std::vector<std::byte>& bytes) {
+        WriteBytes(file, bytes);
+        EXPECT_FALSE(LoadFrom(msr, file));
+        return MsrLastReason();
+    }
+    [[nodiscard]] std::vector<std::byte> CutAt(std::size_t size) const {
+        return {good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)};
+    }
+    ScratchFolder folder;
+    std::string file = folder / "scan.pcm";
+    std::vector<std::byte> good = MsrStorage::WritePcm(RandomSample(40, 30, 0.4, false, 3).View());
+    MSR msr;
+};
+
+}  // namespace
+
+TEST_F(MsrReason, NamesTheByteAtWhichTheHeaderIsCutShort) {
+    EXPECT_EQ(ReasonFor(CutAt(100)), "header is cut short at byte 100");
+    EXPECT_EQ(ReasonFor({}), "header is cut short at byte 0");
+}
+
+TEST_F(MsrReason, NamesBothLengthsOfAFileThatIsCutShort) {
+    ASSERT_GT(good.size(), 2000u);
+    EXPECT_EQ(ReasonFor(CutAt(2000)),
+              "file has another length than it should (2000 bytes, not " + std::to_string(good.size()) + ")");
+}
+
+// The table has five entries: TRAF, COVR, XYZ, CONF, CLAS. The first section begins at 32 + 5 * 24 + 8 = 160.
+TEST_F(MsrReason, NamesTheSectionThatIsDamaged) {
+    auto bytes = good;
+    bytes[160 + 17] ^= std::byte{1};
+    EXPECT_EQ(ReasonFor(bytes), "a section is damaged (TRAF at byte 160)");
+    bytes = good;
+    bytes.back() ^= std::byte{1};
+    EXPECT_TRUE(ReasonFor(bytes).starts_with("a section is damaged (CLAS at byte ")) << MsrLastReason();
+    bytes = good;
+    bytes[40] ^= std::byte{1};
+    EXPECT_EQ(ReasonFor(bytes), "header is damaged");
+}
+
+TEST_F(MsrReason, IsTheSystemsWhenTheFileCannotBeOpened) {
+    EXPECT_FALSE(LoadFrom(msr, folder / "missing.pcm"));
+    EXPECT_STREQ(MsrLastReason(), "cannot be opened: No such file or directory");
+    EXPECT_FALSE(LoadFrom(msr, folder.Path().string()));
+    EXPECT_STREQ(MsrLastReason(), "is not a regular file");
+    EXPECT_FALSE(msr.Load(nullptr, false, true, false));
+    EXPECT_STREQ(MsrLastReason(), "there is no path");
+}
+
+TEST_F(MsrReason, IsGivenForAFailedSaveToo) {
+    EXPECT_FALSE(SaveTo(msr, file));
+    EXPECT_STREQ(MsrLastReason(), "impossible grid size") << "an empty measurement";
+    WriteBytes(file, good);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    EXPECT_FALSE(SaveTo(msr, folder / "no such folder/scan.pcm"));
+    EXPECT_STREQ(MsrLastReason(), "cannot open the folder: No such file or directory");
+    EXPECT_FALSE(MSR::SaveTrafoMatrix(WidePath(file).c_str(), nullptr));
+    EXPECT_STREQ(MsrLastReason(), "there is no matrix");
+}
+
+TEST_F(MsrReason, IsClearedByTheNextOperationThatSucceeds) {
+    EXPECT_NE(ReasonFor(CutAt(100)), "");
+    WriteBytes(file, good);
+    ASSERT_TRUE(LoadFrom(msr, file));
+    EXPECT_STREQ(MsrLastReason(), "");
+    EXPECT_FALSE(SaveTo(msr, ""));
+    EXPECT_STRNE(MsrLastReason(), "");
+    ASSERT_TRUE(SaveTo(msr, file));
+    EXPECT_STREQ(MsrLastReason(), "");
+}
+
+TEST_F(MsrReason, IsKeptPerThread) {
+    EXPECT_NE(ReasonFor(CutAt(100)), "");
+    std::string beforeAnyOperation = "unset", afterAFailure;
+    std::thread([&] {
+        beforeAnyOperation = MsrLastReason();
+        MSR other;
+        EXPECT_FALSE(LoadFrom(other, folder / "missing.pcm"));
+        afterAFailure = MsrLastReason();
+    }).join();
+    EXPECT_EQ(beforeAnyOperation, "");
+    EXPECT_EQ(afterAFailure, "cannot be opened: No such file or directory");
+    EXPECT_STREQ(MsrLastReason(), "header is cut short at byte 100");
 }

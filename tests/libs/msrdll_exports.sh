@@ -1,6 +1,6 @@
 #!/bin/sh
 # Usage: msrdll_exports.sh libMSRDLL.so
-# The library shows the operations of class MSR that its callers know, and nothing else.
+# The library exports the operations of class MSR that its callers know, MsrLastReason(), and nothing else.
 export LC_ALL=C
 got=$(nm -D --defined-only -C "$1" | cut -d' ' -f3- | sort -u)
 want=$(sort -u <<'END'
@@ -16,6 +16,7 @@ MsrStorage::MSR::MSR()
 MsrStorage::MSR::Save(wchar_t const*, bool, bool)
 MsrStorage::MSR::SaveTrafoMatrix(wchar_t const*, float const*)
 MsrStorage::MSR::~MSR()
+MsrLastReason
 END
 )
 [ "$got" = "$want" ] && exit 0

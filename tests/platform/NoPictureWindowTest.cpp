@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include <string>
+
+#include "KV_ScenePane/DebugOutput.h"
 #include "platform/DrawingClient.h"
 #include "platform/WindowFactory.h"
 
@@ -10,8 +13,8 @@ namespace {
 
 struct NoPicture : testing::Test {
     NoPicture() {
-        PaneWindowRequest request;
-        request.kind = PaneWindowRequest::Kind::NoPicture;
+        KV_ScenePane::WindowRequest request;
+        request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
         request.width = 320;
         request.height = 200;
         window = MakePaneWindow(request);
@@ -65,6 +68,16 @@ TEST_F(NoPicture, EndsLikeAWindow) {
     window->Destroy();
     EXPECT_EQ(client.destroyed, 2);
     EXPECT_FALSE(window->Exists());
+}
+
+TEST(NoPictureWindow, WritesModalMessagesToTheDebuggerOutputWhenTheHostHasNoHook) {
+    std::string texts;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) { texts += text; });
+    NoPictureWindow noHook(KV_ScenePane::WindowRequest{});
+    noHook.ShowModalMessage("first");
+    noHook.ShowModalMessage("second");
+    KV_ScenePane::SetDebugOutputSink({});
+    EXPECT_EQ(texts, "first\nsecond\n");
 }
 
 }  // namespace

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "MSRDLL/AtomicFile.h"
 #include "MSRDLL/PcmFile.h"
+#include "base/AtomicFile.h"
 
 namespace simulate {
 namespace {
@@ -18,8 +18,7 @@ constexpr float kMicrometres = 1000.0f;  // in a millimetre
 /// Puts numbers into bytes, and the bytes into a file in pieces.
 class LittleEndianFile {
 public:
-    explicit LittleEndianFile(const std::filesystem::path& path)
-        : m_file(path.string(), MsrStorage::FileCalls::Real()) {
+    explicit LittleEndianFile(const std::filesystem::path& path) : m_file(path.string()) {
         m_vBytes.reserve(kPieceBytes + 8);
     }
     void Put16(int value) {
@@ -58,7 +57,7 @@ private:
         m_vBytes.clear();
     }
 
-    MsrStorage::AtomicFile m_file;
+    AtomicFile m_file;
     std::vector<std::uint8_t> m_vBytes;
     std::uint64_t m_nWritten = 0;
 };
@@ -120,7 +119,7 @@ void WriteScan(const std::filesystem::path& path, FileFormat format, ScanGrid&& 
 }
 
 void WriteText(const std::filesystem::path& path, std::string_view text) {
-    MsrStorage::AtomicFile file(path.string(), MsrStorage::FileCalls::Real());
+    AtomicFile file(path.string());
     file.WriteAt(0, text.data(), text.size());
     file.Commit();
 }

@@ -1,5 +1,6 @@
-// Write beside, flush, rename, flush the folder: at every moment the target's name leads to a whole file.
-#include "MSRDLL/AtomicFile.h"
+// Write beside the target, flush, rename, flush the folder. Every name that is visible at any moment, also after a
+// crash or a power cut, belongs to a whole file.
+#include "files/AtomicFile.h"
 
 #include <fcntl.h>
 #include <stdio.h>
@@ -13,7 +14,7 @@
 #include <system_error>
 #include <utility>
 
-namespace MsrStorage {
+namespace FileStorage {
 
 int FileCalls::Open(const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); }
 ssize_t FileCalls::WriteAt(int fd, const void* bytes, std::size_t size, off_t offset) {
@@ -40,13 +41,14 @@ std::string FolderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// The path behind the links that the last part of @p path may be; it need not exist.
+/// The path that remains when the last component of @p path is resolved while it is a symbolic link. The result need
+/// not exist, so realpath() cannot be used.
 std::string FollowLinks(std::string path) {
-    constexpr int kMaxLinks = 40;  // as many as the system itself follows
+    constexpr int kMaxLinks = 40;  // the limit of the system itself
     for (int i = 0; i <= kMaxLinks; ++i) {
         char link[PATH_MAX];
         const ssize_t length = ::readlink(path.c_str(), link, sizeof link);
-        if (length < 0) return path;  // no link, or nothing there
+        if (length < 0) return path;  // not a link, or missing
         const std::string to(link, static_cast<std::size_t>(length));
         path = to.starts_with('/') ? to : FolderOf(path).append("/").append(to);
     }
@@ -54,12 +56,12 @@ std::string FollowLinks(std::string path) {
     Fail("too many links");
 }
 
-/// A name that no other process and no other thread takes; short, since the target's own may be as long as names can
-/// be.
+/// A name that no other process and no other thread uses. Not made from the target's name, which may already have the
+/// greatest length that the file system allows.
 std::string TempName() {
     static std::atomic<unsigned> counter{0};
     unsigned long long random = 0;
-    if (::getrandom(&random, sizeof random, GRND_NONBLOCK) < 0) random = 0;  // the open call tells when it is taken
+    if (::getrandom(&random, sizeof random, GRND_NONBLOCK) < 0) random = 0;  // O_EXCL detects a name in use
     char name[80];
     std::snprintf(name, sizeof name, ".kv-%ld-%u-%016llx.tmp", static_cast<long>(::getpid()), counter++, random);
     return name;
@@ -75,15 +77,15 @@ AtomicFile::AtomicFile(const std::string& target, FileCalls& calls)
         errno = EINVAL;
         Fail("not a regular file");
     }
-    // A rename asks for the folder's permission only; a file that is write-protected shall stay.
+    // A rename needs write permission for the folder only, but a write-protected file must not be replaced.
     if (exists && ::access(m_sTarget.c_str(), W_OK) != 0) Fail("cannot be written");
     try {
         m_iFolderFd = m_calls.Open(m_sFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
         if (m_iFolderFd < 0) Fail("cannot open the folder");
-        // Nobody who may not read the old file shall read the new one meanwhile.
+        // Private until the old file's mode is set below: the new content must not be more readable than the old.
         OpenBesideTarget(exists ? S_IRUSR | S_IWUSR : 0666);
         if (exists) {
-            // Without the right to give files away the new one belongs to who wrote it, as with most programs.
+            // Only a privileged process can keep a foreign owner; otherwise the file belongs to the writing process.
             if (::fchown(m_iFd, old.st_uid, old.st_gid) != 0) errno = 0;
             if (m_calls.ChangeMode(m_iFd, old.st_mode & 07777) != 0) Fail("cannot set the mode");
         }
@@ -115,7 +117,7 @@ void AtomicFile::WriteAt(std::uint64_t offset, const void* bytes, std::size_t si
         const ssize_t written = m_calls.WriteAt(m_iFd, from, size, static_cast<off_t>(offset));
         if (written < 0 && errno == EINTR) continue;
         if (written < 0) Fail("cannot write");
-        if (written == 0) {
+        if (written == 0) {  // no progress and no error: treated as a full disk, or the loop would never end
             errno = ENOSPC;
             Fail("cannot write");
         }
@@ -131,8 +133,8 @@ void AtomicFile::Commit() {
     if (m_calls.Close(fd) != 0) Fail("cannot close");
     if (m_calls.Rename(m_sTemp.c_str(), m_sTarget.c_str()) != 0) Fail("cannot rename");
     m_sTemp.clear();
-    // From here on the new file is in its place and whole, so an error is none of the caller's: some file systems know
-    // no flush of folders, and after a failed one a power cut may bring the old file back, whole as well.
+    // The new file is complete and in place, so a failure here is not reported: some file systems cannot flush folders.
+    // Without this flush a power cut may restore the old file, which is whole too.
     (void)m_calls.Sync(m_iFolderFd);
 }
 
@@ -145,4 +147,4 @@ void AtomicFile::Discard() noexcept {
     errno = error;
 }
 
-}  // namespace MsrStorage
+}  // namespace FileStorage
