@@ -10,5 +10,6 @@
 /// Invariant: m_pInteractionDlg is set exactly while an alignment runs; the dialog resets it when it ends.
 struct AlignState {
     CInteractionDlg* m_pInteractionDlg = nullptr;  ///< not owned: the dialog deletes itself
-    std::vector<Mesh*> m_vpVariableObjects;        ///< not owned; dangling after ClearData() until the host resets it
+    std::vector<Mesh*>
+        m_vpVariableObjects;  ///< not owned; dangling pointers after ClearData() until the host resets the list
 };

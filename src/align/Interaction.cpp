@@ -1,4 +1,4 @@
-// The running alignment as the host and the input see it.
+// Ends a running alignment, for the host and for the keys.
 #include "control/ScenePaneCtrl.h"
 
 void CKV_ScenePaneCtrl::FinishInteraction() {

@@ -1,4 +1,5 @@
-// The clip plane's own picture in the frame, and its placement by the data. No method shows the plane yet.
+// Draws the clip plane in a frame, and places it at the data. The methods that show the plane are not implemented yet,
+// so a host cannot switch it on.
 #include <GL/glew.h>
 
 #include "control/ScenePaneCtrl.h"
@@ -9,4 +10,5 @@ void CKV_ScenePaneCtrl::DrawClipPlane() {
     glPopAttrib();
 }
 
+// Called by double clicks while the plane is visible, which it cannot be yet.
 void CKV_ScenePaneCtrl::PlaceClipPlaneAtData() {}

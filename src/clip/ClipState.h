@@ -4,7 +4,7 @@
 
 #include "clip/Plane.h"
 
-/// Written by clip/.
+/// Written by clip/ alone.
 ///
 /// Invariant: the plane is valid whether or not it is switched on; a control starts with it at (0, 0, 10).
 struct ClipState {

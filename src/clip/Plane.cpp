@@ -1,4 +1,4 @@
-// The plane's frame and what follows from it.
+// The plane's frame and what follows from it: equation, foot of a point, clipping. Its drags are in PlaneDrag.cpp.
 #include "clip/Plane.h"
 
 #include <GL/glew.h>
@@ -49,6 +49,7 @@ Double3 Plane::ProjectOntoPlane(const Double3& point) const {
     return point - Dot(point - GetCenter(), n) * n;
 }
 
+// The inscribed circle of a regular polygon has the corner radius times the cosine of half a corner's angle.
 void Plane::SetRadiusFromExtent(double extent) { m_dRadius = extent / std::cos(std::numbers::pi / m_nCorners); }
 
 void Plane::EnableClipping() const {

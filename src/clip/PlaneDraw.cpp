@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double kTurn = 2 * std::numbers::pi;
+constexpr double kTurn = 2 * std::numbers::pi;  // radians
 constexpr std::uint32_t kSphereCount = 2;
 
 struct DeleteQuadric {
@@ -20,6 +20,7 @@ struct DeleteQuadric {
 };
 using Quadric = std::unique_ptr<GLUquadric, DeleteQuadric>;  // filled and smooth, as a new one is
 
+// Colours are 0x00BBGGRR, or the number of a part for a pick.
 float Channel(std::uint32_t color, unsigned shift) { return static_cast<float>((color >> shift & 0xFF) / 255.0); }
 void SetColor(std::uint32_t color) { glColor3f(Channel(color, 0), Channel(color, 8), Channel(color, 16)); }
 void SetColor(std::uint32_t color, float opacity) {
@@ -34,6 +35,7 @@ void BlendWhenTranslucent(float opacity) {
 
 void Vertex(const Double3& p) { glVertex3dv(p.data()); }
 
+/// @param radius  of the plane's corners: all handles scale with the plane
 void DrawSphere(GLUquadric* quadric, const Double3& center, double radius) {
     glPushMatrix();
     glTranslated(center[0], center[1], center[2]);
@@ -41,6 +43,7 @@ void DrawSphere(GLUquadric* quadric, const Double3& center, double radius) {
     glPopMatrix();
 }
 
+/// A shaft and a head along z, from the origin of the current matrix.
 void DrawArrow(GLUquadric* quadric, double radius) {
     const double shaftRadius = radius / 90, length = radius / 30, headRadius = radius / 60;
     gluCylinder(quadric, shaftRadius, shaftRadius, length, 9, 5);
@@ -57,10 +60,12 @@ Double3 Plane::Corner(std::uint32_t i) const {
     return {m_dRadius * std::cos(angle), m_dRadius * std::sin(angle), 0};
 }
 
-// The start angle counts twice, once in the corners and once in theta: the default angles of the handles include that.
+// The start angle counts twice, in the corners and in theta: with the default of -45 degrees an angle of 0 is the
+// middle of the edge at -y.
 Double3 Plane::OutlinePoint(double theta) const {
     double a = std::fmod(m_dStartAngle + theta, kTurn);
     if (a < 0.0) a += kTurn;
+    // The edge that the angle falls on, and its share of that edge.
     const auto i = static_cast<std::uint32_t>(m_nCorners * a / kTurn);
     const double from = kTurn * i / m_nCorners, to = kTurn * (i + 1) / m_nCorners;
     const double t = (a - from) / (to - from);
@@ -73,13 +78,14 @@ Double3 Plane::SpherePoint(std::uint32_t index) const {
 }
 
 void Plane::Draw() {
+    // The caller restores the attributes: m_uAttribMask.
     glEnable(GL_LIGHTING);
     glEnable(GL_LIGHT0);
     glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
     glEnable(GL_DEPTH_TEST);
     glPushMatrix();
     glMultMatrixd(m_dMatrix.data());
-    glNormal3d(0, 0, 1);
+    glNormal3d(0, 0, 1);  // for the outline and the face
     const bool hot = IsPicked() || m_bHighlighted;
     if (m_bOutlineVisible) DrawOutline(hot ? m_nHotOutlineColor : m_nOutlineColor);
     if (m_bFaceVisible) DrawFace(hot ? m_nHotColor : m_nColor, hot ? m_fHotOpacity : m_fOpacity);
@@ -132,6 +138,7 @@ void Plane::DrawTiltGuides(const Double3& sphere) const {
     if (!(reach > 0.0)) return;  // a plane without extent
     glNormal3d(0, 0, 1);         // gluSphere() leaves another one
     SetColor(m_nOutlineColor);
+    // The ends of the axis as angles on the outline: across the direction of the sphere.
     const double size = std::acos(std::clamp(sphere[1] / reach, -1.0, 1.0));
     const double end = (-sphere[0] > 0.0 ? size : -size) + std::numbers::pi / 2;
     glBegin(GL_LINES);
@@ -153,6 +160,7 @@ void Plane::DrawTiltGuides(const Double3& sphere) const {
     glDisable(GL_BLEND);
 }
 
+// Along the normal, on both sides of the first corner.
 void Plane::DrawDoubleArrow(GLUquadric* quadric) const {
     const Double3 corner = Corner(0);
     const double gap = m_dRadius / 60;
@@ -185,6 +193,7 @@ std::uint32_t Plane::DrawPickIds(std::uint32_t base) {
     return count;
 }
 
+// The order of DrawPickIds(): the arrow when it is shown, then the spheres.
 void Plane::OnPicked(std::uint32_t k) {
     const std::uint32_t firstSphere = m_bMoveHandleVisible ? 1 : 0;
     if (m_bMoveHandleVisible && k == 0) m_pick = PlaneHandle{0, PlaneHandle::kArrow};

@@ -1,4 +1,5 @@
-// What a running cut draws over the scene and takes from the mouse. Nothing starts a session yet.
+// What a running cut draws over the scene, and the mouse input that it receives. The methods that start a cut are not
+// implemented yet, so none of these has anything to do.
 #include "control/ScenePaneCtrl.h"
 
 void CKV_ScenePaneCtrl::DrawLassoPolygon() {}

@@ -1,4 +1,5 @@
-// The live freehand lasso and the OpenGL objects that it draws with.
+// A freehand lasso while it is drawn, and the OpenGL objects that it draws with. Both are empty until freehand cuts are
+// implemented.
 #pragma once
 #include <memory>
 

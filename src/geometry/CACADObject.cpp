@@ -1,15 +1,17 @@
-// Colour, box and centre of a scene object. What it draws stands in render/MeshDraw.cpp.
+// Colour, box and centre of a scene object. Its drawing is in render/MeshDraw.cpp.
 #include "geometry/CACADObject.h"
 
 #include <algorithm>
 
 namespace {
 
+// Truncated, not rounded: 0.999 is 254. Values outside 0..1 keep their low eight bits.
 std::uint32_t ByteOf(float channel) {
     return static_cast<std::uint32_t>(static_cast<std::int32_t>(channel * 255.0)) & 0xFF;
 }
 
-// A flat object keeps a box of some thickness. An inverted box is thin too, and that is kept as it is.
+// A flat object gets a box with some thickness, so that the view can fit it and a line can hit it. An inverted box
+// counts as thin too, and stays inverted.
 void WidenThinAxis(float& low, float& high) {
     const float extent = high - low;
     if (static_cast<double>(extent) < 0.0001) {

@@ -1,4 +1,4 @@
-// The rigid transform. Of a caller's matrix only the rotation of its quaternion is kept.
+// The quaternion of a matrix and the matrix of a quaternion.
 #include "geometry/CACADQTrafo.h"
 
 #include <algorithm>
@@ -7,7 +7,8 @@
 
 namespace {
 
-// The branch with the largest component divides by the largest number; a tie goes to the earlier of w, x, y, z.
+// Shepperd's method: the largest component is computed from the diagonal and the others by dividing by it, so that no
+// division is by a small number. In a tie the first of w, x, y, z is used: the order fixes the bits of the result.
 std::array<double, 4> QuaternionOf(double m00, double m10, double m20, double m01, double m11, double m21, double m02,
                                    double m12, double m22) {
     const double a = 1 + m00 - m11 - m22;  // 4 x^2
@@ -39,6 +40,7 @@ std::array<double, 4> QuaternionOf(double m00, double m10, double m20, double m0
 void CACADQTrafo::Set(double m00, double m10, double m20, double m01, double m11, double m21, double m02, double m12,
                       double m22, double tx, double ty, double tz) {
     const auto [w, x, y, z] = QuaternionOf(m00, m10, m20, m01, m11, m21, m02, m12, m22);
+    // A matrix with scale or shear has a quaternion of another length than 1.
     const double length = std::sqrt(w * w + x * x + y * y + z * z);
     m_dQuat[0] = w / length;
     m_dQuat[1] = x / length;

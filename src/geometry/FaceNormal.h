@@ -1,4 +1,5 @@
-// The unit normal of one face, in the rounding that all normals of meshes share.
+// The unit normal of one face. Every normal of a mesh is computed from this one, and the vectorised versions
+// (GridNormals.h, MeanNormals.cpp) round in the same order, so that all of them agree to the last bit.
 #pragma once
 #include <algorithm>
 #include <cstddef>
@@ -18,7 +19,7 @@
     return Normalized(Cross(p1 - p0, p2 - p0));
 }
 
-/// Adds the normal to those of the triangle's three corners.
+/// Adds the normal to the normals of the triangle's three corners, in that order.
 inline void AddFaceNormal(const Float3& normal, const Triangle& triangle, std::vector<Vertex>& vertices) {
     for (const auto corner : triangle.v) {
         Vertex& vertex = vertices[static_cast<std::size_t>(corner)];
@@ -28,15 +29,16 @@ inline void AddFaceNormal(const Float3& normal, const Triangle& triangle, std::v
     }
 }
 
-/// Walks over the triangles in order and has the vertices of those to come on their way from memory: where neighbours
-/// stand far apart, waiting for them is most of the time.
+/// Calls visit(i) for the triangles first <= i < last in order and prefetches the vertices of later ones: in a mesh
+/// whose neighbouring triangles use vertices far apart in memory, cache misses are most of the time. Invalid indices
+/// are not followed.
 template <typename Visit>
 void ForEachTriangle(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices, std::size_t first,
                      std::size_t last, const Visit& visit) {
-    constexpr std::size_t kAhead = 24;
+    constexpr std::size_t kAhead = 24;  // triangles; long enough for a load from memory, short enough for the cache
     for (std::size_t i = first; i < last; ++i) {
-        const Triangle& coming = triangles[std::min(i + kAhead, triangles.size() - 1)];
-        for (const auto corner : coming.v) {
+        const Triangle& upcoming = triangles[std::min(i + kAhead, triangles.size() - 1)];
+        for (const auto corner : upcoming.v) {
             const auto index = static_cast<std::size_t>(static_cast<std::uint32_t>(corner));
             if (index < vertices.size()) __builtin_prefetch(&vertices[index]);
         }

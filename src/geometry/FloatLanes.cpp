@@ -1,4 +1,4 @@
-// Which vectors the processor has.
+// Which vectors this processor has. Asked once: the answer is the same for the whole run.
 #include "geometry/FloatLanes.h"
 
 LaneCount BestLaneCount() {

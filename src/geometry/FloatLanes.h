@@ -1,5 +1,6 @@
-// Several floats at once, in the plain arithmetic of the compiler's vector extension: every lane rounds as a float
-// does.
+// Several floats at once, by the compiler's vector extension: every lane rounds as a single float does, so a vectorised
+// loop gives the bits of the plain one. Vectors of four exist on every 64-bit processor; vectors of eight need AVX2 and
+// are chosen at run time.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -11,22 +12,25 @@
 #endif
 
 using Float4 = float __attribute__((vector_size(16)));
-/// Also the result of comparing: -1 in a lane where it holds, else 0.
+/// Also the result of a comparison: -1 in a lane where it is true, else 0.
 using Int4 = std::int32_t __attribute__((vector_size(16)));
 
-/// Eight at once: two instructions each where the processor has vectors of four alone.
+/// Eight lanes; without AVX2 the compiler splits each operation into two of four lanes.
 using Float8 = float __attribute__((vector_size(32)));
 using Int8 = std::int32_t __attribute__((vector_size(32)));
 
-// Everything here is inlined into its caller, whose instruction set it takes: no vector is ever passed by any ABI.
+// Everything here is inlined into its caller and compiled for the caller's instruction set. So no vector is passed
+// between functions, and the warning about the calling convention of wide vectors has no object.
 #pragma GCC diagnostic ignored "-Wpsabi"
 #define KV_LANES [[gnu::always_inline]] inline
 
-// In front of a function: compiled for vectors of eight, whatever the rest is compiled for.
+// Before a function: compiles it with AVX2, whatever the rest of the program is compiled for. Call it only when
+// BestLaneCount() is kEight.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
 #define KV_HAS_EIGHT_LANES [[gnu::target("avx2")]]
 #endif
 
+/// Lane count and companion types of a float vector: masks, bytes and 16-bit words with as many lanes.
 template <typename F>
 struct Lanes;
 template <>
@@ -44,7 +48,7 @@ struct Lanes<Float8> {
     using Word = std::uint16_t __attribute__((vector_size(16)));
 };
 
-/// From any alignment.
+/// The bytes at @p from, at any alignment, as a vector.
 template <typename V, typename T>
 [[nodiscard]] KV_LANES V LoadLanes(const T* from) {
     V value;
@@ -59,7 +63,7 @@ KV_LANES void StoreLanes(T* to, const V& value) {
 
 [[nodiscard]] KV_LANES Float4 SplatFloat4(float value) { return Float4{value, value, value, value}; }
 
-/// Zero in the lanes that the mask leaves out, whatever stood there.
+/// The value in the lanes where the mask is set, zero in the others, also where the value is not a number.
 template <typename I, typename F>
 [[nodiscard]] KV_LANES F KeepWhere(const I& mask, const F& value) {
     I bits;
@@ -84,7 +88,8 @@ template <typename I, typename F>
 #endif
 }
 
-/// Not by way of memory: a load that spans two stores waits until both have left the processor.
+/// By a shuffle instead of two stores and a load: a load that spans two stores cannot be forwarded and stalls until
+/// both have reached the cache.
 [[nodiscard]] KV_LANES Float8 JoinHalves(Float4 low, Float4 high) {
     return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
 }
@@ -94,6 +99,7 @@ template <typename I, typename F>
                       Sqrt(__builtin_shufflevector(value, value, 4, 5, 6, 7)));
 }
 
+/// Whether any bit of any lane is set.
 [[nodiscard]] KV_LANES bool HasAny(Int4 mask) {
 #if defined(__SSE2__)
     return _mm_movemask_epi8(LoadLanes<__m128i>(&mask)) != 0;
@@ -118,8 +124,8 @@ KV_LANES void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
     d = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
 }
 
-/// Three coordinates of several points. The functions of Vector3.h once more, since these must be inlined into their
-/// caller for its instruction set.
+/// The coordinates of several points, one vector per axis. It repeats the functions of Vector3.h, in the same order of
+/// operations, because these must be inlined into their caller for its instruction set.
 template <typename F>
 struct Vec3 {
     F x, y, z;
@@ -151,15 +157,15 @@ template <typename I, typename F>
     return {Select(mask, a.x, b.x), Select(mask, a.y, b.y), Select(mask, a.z, b.z)};
 }
 
-/// Divided by its length; as it is where the length is zero or not a number.
+/// Divided by its length; unchanged in the lanes where the length is zero or not a number.
 template <typename F>
 [[nodiscard]] KV_LANES Vec3<F> Normalized(const Vec3<F>& v) {
     const F length = Sqrt(Dot(v, v));
     return Select(length > 0.0f, Vec3<F>{v.x / length, v.y / length, v.z / length}, v);
 }
 
-/// How many lanes a loop takes at once; both give the same bits.
+/// The vector width of a loop; both give the same bits.
 enum class LaneCount : std::uint8_t { kFour, kEight };
 
-/// Eight where the processor has vectors of that size.
+/// Eight lanes where this processor has AVX2, else four.
 [[nodiscard]] LaneCount BestLaneCount();

@@ -1,4 +1,4 @@
-// Face normals of the quads between two rows, several at a time, and their sums at the grid points.
+// Face normals of the quads between two rows, several quads at a time, and their sums at the grid points.
 #include "geometry/GridNormals.h"
 
 #include "geometry/GridQuads.h"
@@ -24,6 +24,7 @@ template <typename F>
 KV_LANES void GridNormals::ComputeFaceNormals(const PointRow& upper, const PointRow& lower, const std::uint8_t* quads) {
     using Int = typename Lanes<F>::Int;
     for (std::size_t x = 0; x < m_uWidth; x += Lanes<F>::kCount) {
+        // Which triangles of these quads are kept.
         const Int bits = __builtin_convertvector(LoadLanes<typename Lanes<F>::Byte>(quads + x), Int);
         const Int isFirst = (bits & kQuadFirst) != 0, isSecond = (bits & kQuadSecond) != 0;
         if (!HasAny(isFirst | isSecond)) {
@@ -32,6 +33,7 @@ KV_LANES void GridNormals::ComputeFaceNormals(const PointRow& upper, const Point
             m_second.Store(kLeft + x, none);
             continue;
         }
+        // The two face normals; a missing corner is replaced as GridQuads.h describes.
         const Vec3<F> a = upper.m_points.Load<F>(x), b = upper.m_points.Load<F>(x + 1);
         const Vec3<F> c = lower.m_points.Load<F>(x), d = lower.m_points.Load<F>(x + 1);
         const Int hasB = (bits & kQuadB) != 0, hasC = (bits & kQuadC) != 0;
@@ -40,8 +42,8 @@ KV_LANES void GridNormals::ComputeFaceNormals(const PointRow& upper, const Point
     }
 }
 
-// A triangle that is not kept adds a zero, which changes no sum that began with zero. What is added to grid points that
-// are no vertices does not matter.
+// The sums need no branches: a rejected triangle adds a zero, which changes no sum that started with zero, and the sums
+// of grid points that are not vertices are never read.
 template <typename F>
 KV_LANES void GridNormals::AddFaceNormals(const PointRow& upper, const PointRow& lower) {
     using Int = typename Lanes<F>::Int;
@@ -51,10 +53,12 @@ KV_LANES void GridNormals::AddFaceNormals(const PointRow& upper, const PointRow&
         if (!HasAny(hasB | hasC)) continue;
         const Vec3<F> leftFirst = m_first.Load<F>(kLeft + x - 1), leftSecond = m_second.Load<F>(kLeft + x - 1);
         const Vec3<F> first = m_first.Load<F>(kLeft + x), second = m_second.Load<F>(kLeft + x);
-        // As corner B of the quad to the left and A of this one, which the second triangle holds only for want of C.
+        // The upper point at x is corner B of the quad to its left and corner A of its own quad. The second triangle of
+        // its own quad has A only where C is missing.
         const Vec3<F> sum = m_lowerSum.Load<F>(x) + leftFirst + leftSecond + first + KeepWhere(~hasC, second);
         m_upper.Store(x, Normalized(sum));
-        // As corner D of the quad to the left, which the first triangle holds only for want of B, and C of this one.
+        // The lower point at x is corner D of the quad to its left and corner C of its own quad. The first triangle of
+        // the left quad has D only where B is missing.
         m_lowerSum.Store(x, none + KeepWhere(~hasB, leftFirst) + leftSecond + first + second);
     }
 }

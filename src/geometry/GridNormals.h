@@ -1,26 +1,30 @@
-// Vertex normals of a triangulated grid, row by row while its points are in the cache. The sums are those of
+// Vertex normals of a triangulated grid, row by row while its points are in the cache. The result equals that of
 // Mesh::ComputeVertexNormals() to the last bit: a grid point has up to six triangles, and they are added in the order
-// in which the triangles stand in the mesh.
+// of the triangles in the mesh.
 #pragma once
 #include <cstddef>
 #include <cstdint>
 
 #include "geometry/GridRows.h"
 
+/// Call AddRowPair() for every pair of rows from the top, then FinishLowerRow() once.
 class GridNormals {
 public:
+    /// @param width  of the grid, points
     explicit GridNormals(std::size_t width, LaneCount lanes = BestLaneCount());
 
-    /// Adds the triangles between two rows. Call it for every pair of rows from above.
-    /// @param quads  GridQuads::Row()
+    /// Adds the triangles between two neighbouring rows.
+    /// @param upper, lower  the points as they become vertices: transformed, when there is a transform
+    /// @param quads         GridQuads::Row() of the upper row
     void AddRowPair(const PointRow& upper, const PointRow& lower, const std::uint8_t* quads);
-    /// Unit normals of the upper row of the last pair: it has all its triangles now.
+    /// Unit normals of the upper row of the last pair, whose triangles are now all added. Undefined at grid points that
+    /// are not vertices.
     [[nodiscard]] const Vec3Row& UpperRow() const { return m_upper; }
-    /// Unit normals of the lower row, for the last row of a grid.
+    /// Moves the last row of the grid into UpperRow(): no row below adds to it.
     void FinishLowerRow();
 
 private:
-    /// Quads start here: the quad to the left of column 0 may be read.
+    /// Index of the first quad: the sums read one quad to the left of column 0, which is zero.
     static constexpr std::size_t kLeft = 1;
 
     template <typename F>
@@ -32,6 +36,6 @@ private:
     LaneCount m_lanes;
     std::size_t m_uWidth;
     Vec3Row m_first, m_second;  ///< unit normals of the two triangles of each quad, zero for one that is not kept
-    Vec3Row m_lowerSum;         ///< what the triangles so far give to the lower row
+    Vec3Row m_lowerSum;         ///< of the lower row, from the triangles above it
     Vec3Row m_upper;
 };

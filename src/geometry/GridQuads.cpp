@@ -1,4 +1,4 @@
-// Judges the quads of a grid, several at a time, and numbers the vertices of their triangles.
+// Decides which triangles of a grid are kept, several quads at a time, and numbers the vertices of the triangles.
 #include "geometry/GridQuads.h"
 
 #include <algorithm>
@@ -7,7 +7,9 @@
 
 namespace {
 
-// The same comparison as in IsSliver(): a quotient that is not a number does not exceed the limit.
+// The comparison of IsSliver() in the same order of operations: the squared cosine at each corner against the squared
+// limit. A quotient that is not a number
+// does not exceed it.
 template <typename F>
 KV_LANES typename Lanes<F>::Int IsSliverLanes(const Vec3<F>& p0, const Vec3<F>& p1, const Vec3<F>& p2,
                                               float squaredLimit) {
@@ -19,18 +21,21 @@ KV_LANES typename Lanes<F>::Int IsSliverLanes(const Vec3<F>& p0, const Vec3<F>& 
 }
 
 template <typename F>
-KV_LANES void JudgeLanes(const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
-                         std::uint8_t* quads) {
+KV_LANES void ClassifyLanes(const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
+                            std::uint8_t* quads) {
     using Int = typename Lanes<F>::Int;
     for (std::size_t x = 0; x + 1 < width; x += Lanes<F>::kCount) {
+        // Which corners are valid, and which of the two triangles they allow.
         const Int hasA = LoadLanes<Int>(&upper.m_vValid[x]), hasB = LoadLanes<Int>(&upper.m_vValid[x + 1]);
         const Int hasC = LoadLanes<Int>(&lower.m_vValid[x]), hasD = LoadLanes<Int>(&lower.m_vValid[x + 1]);
         const Int hasFirst = hasA & hasC & (hasB | hasD), hasSecond = hasD & hasB & (hasC | hasA);
-        if (!HasAny(hasFirst | hasSecond)) continue;  // the bytes are zero already
+        if (!HasAny(hasFirst | hasSecond)) continue;  // a block of holes: its bytes are zero already
+        // The sliver test on the triangles' corners.
         const Vec3<F> a = upper.m_points.Load<F>(x), b = upper.m_points.Load<F>(x + 1);
         const Vec3<F> c = lower.m_points.Load<F>(x), d = lower.m_points.Load<F>(x + 1);
         const Int isFirst = hasFirst & ~IsSliverLanes(a, c, Select(hasB, b, d), squaredLimit);
         const Int isSecond = hasSecond & ~IsSliverLanes(Select(hasC, c, a), d, b, squaredLimit);
+        // One byte per quad.
         const Int corners = (hasA & kQuadA) | (hasB & kQuadB) | (hasC & kQuadC) | (hasD & kQuadD);
         const Int bits = ((hasFirst | hasSecond) & corners) | (isFirst & kQuadFirst) | (isSecond & kQuadSecond);
         StoreLanes(quads + x, __builtin_convertvector(bits, typename Lanes<F>::Byte));
@@ -38,22 +43,22 @@ KV_LANES void JudgeLanes(const PointRow& upper, const PointRow& lower, std::size
 }
 
 #if defined(KV_HAS_EIGHT_LANES)
-KV_HAS_EIGHT_LANES void JudgeEight(const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
-                                   std::uint8_t* quads) {
-    JudgeLanes<Float8>(upper, lower, width, squaredLimit, quads);
+KV_HAS_EIGHT_LANES void ClassifyEight(const PointRow& upper, const PointRow& lower, std::size_t width,
+                                      float squaredLimit, std::uint8_t* quads) {
+    ClassifyLanes<Float8>(upper, lower, width, squaredLimit, quads);
 }
 #endif
 
-void JudgeRowPair(LaneCount lanes, const PointRow& upper, const PointRow& lower, std::size_t width, float squaredLimit,
-                  std::uint8_t* quads) {
+void ClassifyRowPair(LaneCount lanes, const PointRow& upper, const PointRow& lower, std::size_t width,
+                     float squaredLimit, std::uint8_t* quads) {
 #if defined(KV_HAS_EIGHT_LANES)
-    if (lanes == LaneCount::kEight) return JudgeEight(upper, lower, width, squaredLimit, quads);
+    if (lanes == LaneCount::kEight) return ClassifyEight(upper, lower, width, squaredLimit, quads);
 #endif
     (void)lanes;
-    JudgeLanes<Float4>(upper, lower, width, squaredLimit, quads);
+    ClassifyLanes<Float4>(upper, lower, width, squaredLimit, quads);
 }
 
-// In bytes as long as they cannot overflow: that is what the compiler makes wide vectors of.
+// Counts in bytes for 64 elements, which cannot overflow: the compiler then uses the full width of its vectors.
 template <typename BitAt>
 std::size_t CountBits(std::size_t size, const BitAt& bitAt) {
     std::size_t count = 0;
@@ -69,10 +74,11 @@ std::size_t CountBits(std::size_t size, const BitAt& bitAt) {
 }  // namespace
 
 GridQuads::GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes)
-    // Up to eight bytes are read or written at once.
+    // The padding: up to eight bytes are read or written at once.
     : m_uStride(kLeft + rows.Width() + PointRow::kPadding), m_vQuads(m_uStride * (rows.Height() + 1)) {
     const std::size_t width = rows.Width(), height = rows.Height();
     if (width < 2 || height < 2) return;
+    // Every quad from the points of two rows; a negative limit becomes infinity, which nothing exceeds.
     const float limit = sliverLimit < 0 ? std::numeric_limits<float>::infinity() : sliverLimit;
     const float squaredLimit = limit * limit;
     PointRow upper(width), lower(width);
@@ -80,7 +86,7 @@ GridQuads::GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes)
     for (std::size_t y = 0; y + 1 < height; ++y) {
         rows.Load(y + 1, lower);
         std::uint8_t* const quads = RowToWrite(y);
-        JudgeRowPair(lanes, upper, lower, width, squaredLimit, quads);
+        ClassifyRowPair(lanes, upper, lower, width, squaredLimit, quads);
         m_uTriangleCount += CountBits(
             width, [quads](std::size_t x) { return ((quads[x] / kQuadFirst) & 1) + ((quads[x] / kQuadSecond) & 1); });
         std::swap(upper, lower);
@@ -88,7 +94,8 @@ GridQuads::GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes)
     CountVertices(width, height);
 }
 
-// A grid point becomes a vertex when one of the four quads around it has three corners and the point among them.
+// A grid point becomes a vertex when one of the four quads around it has three valid corners and the point is one of
+// them: it is corner D and C of the quads above, B and A of the quads below.
 void GridQuads::CountVertices(std::size_t width, std::size_t height) {
     for (std::size_t y = 0; y < height; ++y) {
         const std::uint8_t* const below = RowToWrite(y);
@@ -109,6 +116,7 @@ void GridIndexer::TriangulateRowPair(const std::uint8_t* quads) {
     std::int32_t* const prev = m_vPrevRow.data();
     std::int32_t* const next = m_vNextRow.data();
     std::int32_t count = m_iVertexCount;
+    // The index of a grid point; its first use creates it.
     const auto touch = [&count](std::int32_t& index) {
         if (index < 0) index = count++;
     };
@@ -126,6 +134,7 @@ void GridIndexer::TriangulateRowPair(const std::uint8_t* quads) {
             continue;
         }
         switch (quad & kQuadCorners) {
+            // The order of the calls is the order of the new vertices: corner by corner as the triangles use them.
             case kQuadA | kQuadB | kQuadC | kQuadD:
                 touch(a), touch(c), touch(b), touch(d);
                 break;
@@ -142,7 +151,7 @@ void GridIndexer::TriangulateRowPair(const std::uint8_t* quads) {
                 touch(c), touch(d), touch(b);
                 break;
         }
-        // A rejected triangle is overwritten by the next one: no branch for what is hard to foresee.
+        // Both triangles are written, and a rejected one is overwritten by the next: no branch that is hard to predict.
         *out = {{a, c, (quad & kQuadB) != 0 ? b : d}};
         out += (quad / kQuadFirst) & 1;
         *out = {{(quad & kQuadC) != 0 ? c : a, d, b}};

@@ -1,4 +1,4 @@
-// Rows of a measurement grid from pixels or from averaged cells.
+// Rows of a measurement grid from pixels or from averaged cells, four or eight points at a time.
 #include "geometry/GridRows.h"
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 
 namespace {
 
-// x y z x, y z x y, z x y z to four x, four y, four z.
+// From points to coordinates: x y z x, y z x y, z x y z become four x, four y, four z.
 template <typename F>
 KV_LANES Vec3<F> Deinterleave(const float* from);
 
@@ -20,7 +20,7 @@ KV_LANES Vec3<Float4> Deinterleave<Float4>(const float* from) {
             __builtin_shufflevector(z, c, 0, 1, 4, 7)};
 }
 
-// In blocks without a valid pixel only the mask is read. The points there keep what they were.
+// In blocks without a valid pixel only the mask is read: a scan has large holes. The points there stay undefined.
 template <typename F>
 KV_LANES void LoadPixelLanes(const float* points, const std::uint16_t* mask, std::size_t width, PointRow& row) {
     constexpr std::size_t kCount = Lanes<F>::kCount;
@@ -31,6 +31,7 @@ KV_LANES void LoadPixelLanes(const float* points, const std::uint16_t* mask, std
         StoreLanes(&row.m_vValid[x], isValid);
         if (HasAny(isValid)) row.m_points.Store(x, Deinterleave<F>(points + 3 * x));
     }
+    // The last columns one by one: the grid's own arrays have no padding.
     for (; x < width; ++x) {
         row.m_vValid[x] = mask[x] == 0 ? -1 : 0;
         row.m_points.m_vX[x] = points[3 * x];
@@ -44,8 +45,8 @@ KV_LANES Float8 LoadHalves(const float* low, const float* high) {
     return JoinHalves(LoadLanes<Float4>(low), LoadLanes<Float4>(high));
 }
 
-// The lower half takes the first four points, the upper one the next four. Each coordinate is first blended into one
-// vector: putting that in order is its only shuffle.
+// The first four points are in the lower half, the next four in the upper one. Each coordinate is first blended into
+// one vector, so that a single shuffle per coordinate puts it in order.
 template <>
 KV_LANES Vec3<Float8> Deinterleave<Float8>(const float* from) {
     const Float8 a = LoadHalves(from, from + 12), b = LoadHalves(from + 4, from + 16),
@@ -72,6 +73,7 @@ void LoadPixelRow(LaneCount lanes, const float* points, const std::uint16_t* mas
     LoadPixelLanes<Float4>(points, mask, width, row);
 }
 
+// The sums run from left to right, as in the plain loop that the tests compare with.
 template <typename F>
 KV_LANES void TransformLanes(const float* m, std::size_t width, PointRow& row) {
     for (std::size_t x = 0; x < width; x += Lanes<F>::kCount) {
@@ -120,6 +122,7 @@ void GridRows::LoadPixels(std::size_t y, PointRow& row) const {
 }
 
 void GridRows::LoadCells(std::size_t y, PointRow& row) {
+    // The list is in row order and has no entry for an empty cell.
     if (y == 0) m_uNextCell = 0;
     std::fill(row.m_vValid.begin(), row.m_vValid.end(), 0);
     const auto& cells = m_pCells->m_vVertices;

@@ -1,5 +1,6 @@
-// The rows of a measurement grid, one after the other, in the form that the triangulation works on: coordinates in
-// arrays of their own, with room to read past the end. The grid is either one of pixels or a list of averaged cells.
+// The rows of a measurement grid, one after the other, in the form that the triangulation works on: one array per
+// coordinate with padding at the end, so that vector loops need no remainder. The grid is either one of pixels or a
+// list of averaged cells.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -8,7 +9,7 @@
 #include "geometry/FloatLanes.h"
 #include "geometry/GridTriangulation.h"
 
-/// Vectors over an array of floats per coordinate.
+/// Points or normals as one array of floats per coordinate.
 struct Vec3Row {
     std::vector<float> m_vX, m_vY, m_vZ;
 
@@ -25,29 +26,31 @@ struct Vec3Row {
     }
 };
 
+/// One row of grid points.
 struct PointRow {
-    /// Entries that may be read beyond the last column; those grid points are not valid.
+    /// Entries that may be read after the last column; these grid points are not valid.
     static constexpr std::size_t kPadding = 8;
 
     explicit PointRow(std::size_t width)
         : m_points(width + kPadding), m_vValid(width + kPadding), m_vColors(width + kPadding) {}
 
-    Vec3Row m_points;                    ///< what stands at a grid point that is not valid means nothing
-    std::vector<std::int32_t> m_vValid;  ///< -1 or 0
-    std::vector<std::uint32_t> m_vColors;
+    Vec3Row m_points;                      ///< undefined where a grid point is not valid
+    std::vector<std::int32_t> m_vValid;    ///< -1 valid, 0 a hole: a mask for FloatLanes.h
+    std::vector<std::uint32_t> m_vColors;  ///< as Vertex::color
 };
 
-/// A view of a grid; what it was made from must outlive it.
+/// A view of a grid; the arrays that it was made from must outlive it.
 class GridRows {
 public:
-    /// A grid of pixels, as BuildGridVertexList() takes it.
+    /// A grid of pixels, with the arguments of BuildGridVertexList().
     GridRows(std::int32_t width, std::int32_t height, const float* points, const std::uint16_t* mask,
              const std::uint32_t* colors, LaneCount lanes = BestLaneCount());
+    /// A list of averaged cells.
     explicit GridRows(const GridVertexList& cells);
 
     [[nodiscard]] std::size_t Width() const { return m_uWidth; }
     [[nodiscard]] std::size_t Height() const { return m_uHeight; }
-    /// Rows must be asked for from 0 upward without a gap; 0 starts again.
+    /// Reads row @p y. Rows must be read from 0 upward without a gap; 0 starts again.
     void Load(std::size_t y, PointRow& row);
 
 private:
@@ -60,9 +63,9 @@ private:
     const std::uint16_t* m_pMask = nullptr;
     const std::uint32_t* m_pColors = nullptr;
     const GridVertexList* m_pCells = nullptr;
-    std::size_t m_uNextCell = 0;
+    std::size_t m_uNextCell = 0;  ///< the first cell of the list that is not loaded yet
 };
 
-/// Takes the valid points of a row through a transform; the others mean nothing before and after.
-/// @param trafo  row-major, the first 12 floats are used
+/// Applies a transform to the valid points of a row; the others are undefined before and after.
+/// @param trafo  row-major 4 x 4, of which the first 12 floats are used; sensor to world
 void TransformRow(const float* trafo, std::size_t width, PointRow& row, LaneCount lanes = BestLaneCount());

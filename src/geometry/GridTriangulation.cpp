@@ -1,5 +1,6 @@
-// From a measurement grid to a mesh: the road from rows of points to vertices and triangles, and to an object. What is
-// kept is decided in GridQuads.cpp, the normals come from GridNormals.cpp, averaged cells from GridVertexList.cpp.
+// From a measurement grid to a mesh: the pass over rows of points that writes vertices and triangles, and the objects
+// made of them. Which triangles are kept is decided in GridQuads.cpp, the normals are computed in GridNormals.cpp,
+// averaged cells come from GridVertexList.cpp.
 #include "geometry/GridTriangulation.h"
 
 #include <algorithm>
@@ -26,16 +27,17 @@ Float4 AsFloat4(Int4 bits) {
     return value;
 }
 
-/// The extremes of all vertices that were written, and what Mesh::ComputeBoundingBox() makes of them.
+/// The extremes of all vertices that were written: the box of Mesh::ComputeBoundingBox() to the last bit, without
+/// another pass over the vertices.
 class GridBox {
 public:
     void Add(Int4 isVertex, const Vec3x4& p) {
-        const Float4 leftOut = AsFloat4(~isVertex);  // with all bits set, not a number
-        AddAxis(Select(isVertex, p.x, leftOut), m_low.x, m_high.x);
-        AddAxis(Select(isVertex, p.y, leftOut), m_low.y, m_high.y);
-        AddAxis(Select(isVertex, p.z, leftOut), m_low.z, m_high.z);
+        const Float4 excluded = AsFloat4(~isVertex);  // all bits set is not a number, which no comparison selects
+        AddAxis(Select(isVertex, p.x, excluded), m_low.x, m_high.x);
+        AddAxis(Select(isVertex, p.y, excluded), m_low.y, m_high.y);
+        AddAxis(Select(isVertex, p.z, excluded), m_low.z, m_high.z);
     }
-    void Give(Mesh& mesh) const {
+    void SetBoxOf(Mesh& mesh) const {
         if (mesh.m_vVertices.empty()) {
             mesh.ComputeBoundingBox();
             return;
@@ -48,12 +50,12 @@ public:
     }
 
 private:
-    // A coordinate that is not a number is neither less nor greater.
+    // A coordinate that is not a number is neither less nor greater, so it changes nothing.
     static void AddAxis(Float4 value, Float4& low, Float4& high) {
         low = Select(value < low, value, low);
         high = Select(value > high, value, high);
     }
-    // The box is seeded from the first vertex: when that is not a number, nothing replaces it.
+    // Mesh::ComputeBoundingBox() starts with the first vertex: when that is not a number, nothing replaces it.
     static std::pair<float, float> Extremes(Float4 low, Float4 high, float first) {
         if (std::isnan(first)) return {first, first};
         return {std::min({low[0], low[1], low[2], low[3]}), std::max({high[0], high[1], high[2], high[3]})};
@@ -64,7 +66,8 @@ private:
     Vec3x4 m_high{SplatFloat4(-kInfinity), SplatFloat4(-kInfinity), SplatFloat4(-kInfinity)};
 };
 
-// Writes the vertices of one row of the grid to their places. The indices are padded with -1.
+// Writes the vertices of one row of the grid, four at a time, to the places that their indices name. The indices are
+// padded with -1.
 void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vector<std::int32_t>& indices,
                     std::size_t width, std::size_t y, std::vector<Vertex>& vertices, GridBox& box) {
     const auto firstGridIndex = static_cast<std::int32_t>(y << 16);
@@ -76,11 +79,12 @@ void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vect
         Int4 colors;
         std::memcpy(&colors, &row.m_vColors[x], sizeof(colors));
         const auto column = static_cast<std::int32_t>(x);
+        // The records of four vertices as two halves of four floats each.
         Float4 front[4] = {p.x, p.y, p.z, n.x};
         Float4 back[4] = {n.y, n.z, AsFloat4(colors), AsFloat4(firstGridIndex + (column + Int4{0, 1, 2, 3}))};
         Transpose(front[0], front[1], front[2], front[3]);
         Transpose(back[0], back[1], back[2], back[3]);
-        // Inside a surface four neighbours are four vertices in a row: one piece of memory.
+        // Inside a surface four neighbouring points have consecutive indices: their records are one piece of memory.
         const std::int32_t first = indices[x];
         if (first >= 0 && !HasAny(LoadLanes<Int4>(&indices[x]) != first + Int4{0, 1, 2, 3})) {
             auto* const records = reinterpret_cast<float*>(&vertices[static_cast<std::size_t>(first)]);
@@ -90,6 +94,7 @@ void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vect
             }
             continue;
         }
+        // At edges and holes, one by one.
         for (std::size_t lane = 0; lane < 4; ++lane) {
             const std::int32_t index = indices[x + lane];
             if (index < 0) continue;
@@ -100,7 +105,7 @@ void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vect
     }
 }
 
-// Empties the vector and makes room for exactly so many elements, in large pages where that pays.
+// Empties the vector and reserves memory for exactly this many elements, in huge pages where these save time.
 template <typename T>
 void ReserveExactly(std::vector<T>& vector, std::size_t count) {
     if (vector.capacity() != count) vector = {};
@@ -109,8 +114,7 @@ void ReserveExactly(std::vector<T>& vector, std::size_t count) {
     AdviseHugePages(vector.data(), count * sizeof(T));
 }
 
-// Within the capacity. Copying them one by one, as the vector itself would, takes longer than zeroing and copying
-// bytes.
+// The capacity must suffice. Zeroing and copying bytes is faster than insert(), which copies element by element.
 void AppendBytes(std::vector<Triangle>& triangles, const Triangle* begin, const Triangle* end) {
     if (begin == end) return;
     const std::size_t size = triangles.size(), count = static_cast<std::size_t>(end - begin);
@@ -120,18 +124,21 @@ void AppendBytes(std::vector<Triangle>& triangles, const Triangle* begin, const 
 
 struct TriangulationOptions {
     float sliverLimit = kMaxEdgeCosine;
-    const float* trafo = nullptr;  // applied to the vertices; the sliver test acts on the points as they come
+    const float* trafo = nullptr;  // applied to the vertices; the sliver test uses the points before the transform
     bool withNormals = false;
 };
 
 GridBox TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::vector<Vertex>& vertices,
                         std::vector<Triangle>& triangles) {
+    // First pass: which triangles are kept, and how many. The arrays get their exact size before anything is written.
     GridBox box;
     const GridQuads quads(rows, options.sliverLimit);
     ReserveExactly(vertices, quads.VertexCount());
     ReserveExactly(triangles, quads.TriangleCount());
     if (quads.VertexCount() == 0) return box;
 
+    // Second pass, row by row: points, triangles, normals. A row of vertices is written when the triangles below it are
+    // known.
     const std::size_t width = rows.Width();
     PointRow upper(width), lower(width);
     GridIndexer indexer(width);
@@ -151,7 +158,7 @@ GridBox TriangulateRows(GridRows& rows, const TriangulationOptions& options, std
         load(y + 1, lower);
         indexer.TriangulateRowPair(quads.Row(y));
         AppendBytes(triangles, indexer.TrianglesBegin(), indexer.TrianglesEnd());
-        vertices.resize(indexer.VertexCount());  // within the capacity; filled while it is in the cache
+        vertices.resize(indexer.VertexCount());  // within the capacity; written below while the zeros are in the cache
         if (normals) normals->AddRowPair(upper, lower, quads.Row(y));
         writeUpperRow(y);
         std::swap(upper, lower);
@@ -166,7 +173,7 @@ GridBox TriangulateGridWith(const TriangulationOptions& options, std::int16_t wi
                             const float* points, const std::uint16_t* mask, const std::uint32_t* colors,
                             std::int32_t skip, std::vector<Vertex>& vertices, std::vector<Triangle>& triangles) {
     assert(width >= 0 && height >= 0 && skip >= 1);
-    if (skip == 1) {  // straight from the pixels: a list of them would be as large as the mesh
+    if (skip == 1) {  // directly from the pixels: a list of them would be as large as the mesh
         GridRows pixels(width, height, points, mask, colors);
         return TriangulateRows(pixels, options, vertices, triangles);
     }
@@ -181,6 +188,7 @@ int IsSliver(const float* p0, const float* p1, const float* p2, float sliverLimi
     if (sliverLimit < 0) return 0;
     const Float3 a = ToFloat3(p0), b = ToFloat3(p1), c = ToFloat3(p2);
     const Float3 e0 = a - b, e1 = b - c, e2 = c - a;
+    // Squared cosines, without a root: the sign of the dot product does not matter, so blunt corners count too.
     const float squaredLimit = sliverLimit * sliverLimit;
     const auto isTooSharp = [squaredLimit](const Float3& e, const Float3& f) {
         const float dot = Dot(e, f);
@@ -208,11 +216,11 @@ std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t 
     const GridBox box = TriangulateGridWith({.trafo = trafo, .withNormals = true}, width, height, points, mask, colors,
                                             skip, mesh->m_vVertices, mesh->m_vTriangles);
     if (!allowEmpty && (mesh->m_vVertices.empty() || mesh->m_vTriangles.empty())) return nullptr;
-    if (trafo != nullptr) {
+    if (trafo != nullptr) {  // row-major to the column order of Set()
         const float* m = trafo;
         mesh->m_Trafo.Set(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10], m[3], m[7], m[11]);
     }
-    box.Give(*mesh);
+    box.SetBoxOf(*mesh);
     const bool hasOwnColors = HasNonGrayColor(colors, std::int64_t{width} * height);
     mesh->m_bGrayColors = !hasOwnColors;
     mesh->SetColorRef(hasOwnColors ? 0xFFFFFF : color);

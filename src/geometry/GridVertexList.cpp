@@ -1,4 +1,5 @@
-// The reduced grid of a measurement: one vertex per valid pixel, or one per well-filled cell of skip x skip pixels.
+// The reduced grid of a measurement: one vertex per valid pixel, or one per cell of skip x skip pixels that has enough
+// valid pixels.
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
@@ -26,6 +27,7 @@ std::uint32_t GridIndex(std::int32_t row, std::int32_t column) {
 
 GridVertexList ListOfPixels(const Grid& grid) {
     GridVertexList list{grid.height, grid.width, {}};
+    // Counted first, so that the list gets its exact size.
     const std::size_t pixelCount = grid.IndexOf(0, grid.height);
     std::size_t validCount = 0;
     for (std::size_t pixel = 0; pixel < pixelCount; ++pixel) validCount += grid.mask[pixel] == 0;
@@ -52,7 +54,7 @@ struct Cell {
         ++count;
     }
     void Average() {
-        if (count == 0) return;
+        if (count == 0) return;  // an empty cell stays at zero, which IsStep() tests
         const auto divisor = static_cast<float>(count);
         x /= divisor;
         y /= divisor;
@@ -61,7 +63,8 @@ struct Cell {
     [[nodiscard]] bool IsZero() const { return x == 0 && y == 0 && z == 0; }
 };
 
-// In the unit of the points: a step between neighbouring cells that is larger breaks the surface.
+// Millimetres, the unit of the points: a step between neighbouring cells that is larger than this breaks the surface.
+// It grows with the cell, since larger cells are farther apart.
 float DistanceLimit(std::int32_t skip) {
     if (skip >= 8) return 8.0f;
     if (skip == 7) return 6.5f;
@@ -70,14 +73,15 @@ float DistanceLimit(std::int32_t skip) {
     return 5.0f;
 }
 
-// A neighbour that has points at all breaks the surface, also one that is too empty to become a vertex itself.
+// Any neighbour with a valid point can break the surface, also one with too few of them to become a vertex itself.
 bool IsStep(const Cell& neighbour, const Cell& cell, float squaredLimit) {
     if (neighbour.count == 0 || neighbour.IsZero()) return false;
     const float dx = neighbour.x - cell.x, dy = neighbour.y - cell.y, dz = neighbour.z - cell.z;
     return dx * dx + dy * dy + dz * dz > squaredLimit;
 }
 
-// Adds one row of pixels to the cells that it crosses. In single precision and in row order: the result is fixed.
+// Adds one row of pixels to the cells that it crosses, in single precision and in row order, which fixes the bits of
+// the sums.
 void AddPixelRow(const Grid& grid, std::int32_t y, std::int32_t skip, std::vector<Cell>& cells) {
     std::size_t pixel = grid.IndexOf(0, y);
     std::int32_t left = grid.width;
@@ -93,6 +97,7 @@ void AddPixelRow(const Grid& grid, std::int32_t y, std::int32_t skip, std::vecto
 GridVertexList ListOfCells(const Grid& grid, std::int32_t skip) {
     const auto cellsAlong = [skip](std::int32_t pixels) { return pixels / skip + (pixels % skip != 0); };
     GridVertexList list{cellsAlong(grid.height), cellsAlong(grid.width), {}};
+    // A cell becomes a vertex when at least half of its pixels, rounded down, are valid.
     const std::int64_t minCount = std::int64_t{skip} * skip / 2;
     const float limit = DistanceLimit(skip);
     const float squaredLimit = limit * limit;
@@ -101,8 +106,10 @@ GridVertexList ListOfCells(const Grid& grid, std::int32_t skip) {
         cells.assign(static_cast<std::size_t>(list.m_iWidth), {});
         const std::int32_t firstY = row * skip;
         const std::int32_t endY = firstY + std::min(skip, grid.height - firstY);
+        // The averages of one row of cells; the last row and column of cells may be incomplete.
         for (std::int32_t y = firstY; y < endY; ++y) AddPixelRow(grid, y, skip, cells);
         for (Cell& cell : cells) cell.Average();
+        // The cells with enough pixels and without a step to the left or upward. The colour is that of the first pixel.
         for (std::int32_t column = 0; column < list.m_iWidth; ++column) {
             const auto i = static_cast<std::size_t>(column);
             const Cell& cell = cells[i];

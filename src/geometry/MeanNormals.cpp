@@ -1,5 +1,5 @@
-// Mean normals of meshes that come as arrays, four faces at a time. The sums at a vertex are taken in the order of the
-// triangles, so that every bit is that of one face after the other. The unit normals of all other meshes:
+// Mean normals of meshes that come as arrays, four faces at a time. The sums at a vertex run in the order of the
+// triangles, so that the bits are those of one face after the other. The unit normals of all other meshes:
 // Mesh::ComputeVertexNormals().
 #include "geometry/MeanNormals.h"
 
@@ -24,9 +24,9 @@ KV_LANES Vec3x4 CornersOf(const Triangle* triangles, int corner, const std::vect
     return {rows[0], rows[1], rows[2]};
 }
 
-/// Sum of the face normals at a vertex, and how many there were.
+/// Sum of the face normals at a vertex in lanes 0 to 2, and their number in lane 3: one addition per corner.
 using Sum = Float4;
-/// From here on a float no longer grows by one.
+/// At 2^24 a float no longer grows by adding one: such a count must be made again in integers.
 constexpr float kMaxCounted = 1 << 24;
 
 std::vector<Sum> SumsOf(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices) {
@@ -34,6 +34,7 @@ std::vector<Sum> SumsOf(const std::vector<Triangle>& triangles, const std::vecto
     const auto add = [&sums](const Triangle& triangle, const Sum& normalAndOne) {
         for (const auto corner : triangle.v) sums[static_cast<std::size_t>(corner)] += normalAndOne;
     };
+    // Four faces at a time, added to the vertices in their order.
     std::size_t done = 0;
     for (; done + kFour <= triangles.size(); done += kFour) {
         const Triangle* const four = &triangles[done];
@@ -43,6 +44,7 @@ std::vector<Sum> SumsOf(const std::vector<Triangle>& triangles, const std::vecto
         Transpose(rows[0], rows[1], rows[2], rows[3]);
         for (std::size_t i = 0; i < kFour; ++i) add(four[i], rows[i]);
     }
+    // The last ones one by one.
     for (; done < triangles.size(); ++done) {
         const Float3 normal = FaceNormalOf(triangles[done], vertices);
         add(triangles[done], Sum{normal[0], normal[1], normal[2], 1.0f});
@@ -50,6 +52,7 @@ std::vector<Sum> SumsOf(const std::vector<Triangle>& triangles, const std::vecto
     return sums;
 }
 
+/// Linear in the triangles: only for a vertex whose float count has reached its end.
 std::int32_t FaceCountOf(std::size_t vertex, const std::vector<Triangle>& triangles) {
     std::int32_t count = 0;
     for (const Triangle& triangle : triangles)
@@ -63,7 +66,7 @@ void ComputeMeanNormals(MeshBuffers& buffers) {
     std::vector<Vertex>& vertices = buffers.m_vVertices;
     const std::vector<Sum> sums = SumsOf(buffers.m_vTriangles, vertices);
     for (std::size_t i = 0; i < sums.size(); ++i) {
-        float count = std::max(sums[i][3], 1.0f);  // without a face the normal is zero
+        float count = std::max(sums[i][3], 1.0f);  // not zero: without a face the normal is zero
         if (count == kMaxCounted) count = static_cast<float>(FaceCountOf(i, buffers.m_vTriangles));
         const Sum mean = sums[i] / SplatFloat4(count);
         vertices[i].nx = mean[0];

@@ -1,8 +1,9 @@
-// The normals of meshes that come as arrays.
+// The normals of meshes that come as arrays, from files and from hosts.
 #pragma once
 #include "geometry/Vertex.h"
 
 /// Sets each vertex normal to the mean of the unit normals of its faces, not renormalised: shorter than 1 where the
 /// faces around a vertex differ in direction. Degenerate faces count as zero. (Mesh::ComputeVertexNormals() differs on
-/// purpose.) Indices must be valid.
+/// purpose.) A vertex without a face gets a zero normal. Indices must be valid. Linear; 16 bytes of memory per vertex
+/// while it runs.
 void ComputeMeanNormals(MeshBuffers& buffers);

@@ -1,5 +1,5 @@
-// The triangle mesh: building, box, centre, transform, normals, clone. Crossing it with a line: MeshIntersect.cpp; its
-// OpenGL half: render/MeshDraw.cpp.
+// The triangle mesh: building, box, centre, transform, normals, clone. Its intersection with a line is in
+// MeshIntersect.cpp, its drawing in render/MeshDraw.cpp.
 #include "geometry/Mesh.h"
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 
 namespace {
 
+// Whether the three colour bytes are equal, by one comparison of neighbouring bytes.
 bool IsGray(const Vertex& vertex) { return ((vertex.color ^ (vertex.color >> 8)) & 0xFFFF) == 0; }
 
 }  // namespace
@@ -49,6 +50,7 @@ void Mesh::ComputeBoundingBox() {
         SetBoundingBox(1, -1, 1, -1, 1, -1);
         return;
     }
+    // Starts with the first vertex: coordinates that are not numbers lose every later comparison.
     const Vertex& first = m_vVertices.front();
     float minX = first.x, minY = first.y, minZ = first.z;
     float maxX = first.x, maxY = first.y, maxZ = first.z;
@@ -63,6 +65,8 @@ void Mesh::ComputeBoundingBox() {
     SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
 }
 
+// The rotation in double precision, rounded once, then the translation in single precision: RevertTrafo() has the
+// same steps in the opposite order.
 void Mesh::ApplyTrafo(const CACADQTrafo& trafo) {
     const auto& r = trafo.m_dRotation;
     const auto tx = static_cast<float>(trafo.m_dTranslation[0]);
@@ -83,6 +87,7 @@ void Mesh::ApplyTrafo(const CACADQTrafo& trafo) {
     ComputeBoundingBox();
 }
 
+// The transpose of the rotation is its inverse.
 void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
     const auto& r = trafo.m_dRotation;
     const auto tx = static_cast<float>(trafo.m_dTranslation[0]);
@@ -103,10 +108,12 @@ void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
 }
 
 void Mesh::ComputeVertexNormals() {
+    // The sum of the unit normals of the faces around each vertex, not weighted by area or angle.
     for (Vertex& vertex : m_vVertices) vertex.nx = vertex.ny = vertex.nz = 0.0f;
     ForEachTriangle(m_vTriangles, m_vVertices, 0, m_vTriangles.size(), [this](std::size_t i) {
         AddFaceNormal(FaceNormalOf(m_vTriangles[i], m_vVertices), m_vTriangles[i], m_vVertices);
     });
+    // Normalised; a vertex without a face keeps the zero.
     for (Vertex& v : m_vVertices) {
         const float length = std::sqrt(v.nx * v.nx + v.ny * v.ny + v.nz * v.nz);
         if (!(length > 0.0f)) continue;
@@ -131,6 +138,7 @@ void Mesh::ShrinkToFit() {
 
 std::shared_ptr<Mesh> Mesh::CloneWithoutVertices(std::span<const std::uint32_t> bits) const {
     assert(bits.size() >= (m_vVertices.size() + 31) / 32);
+    // The triangles that stay: those without a removed corner.
     const auto isRemoved = [bits](std::int32_t vertex) {
         const auto i = static_cast<std::uint32_t>(vertex);
         return ((bits[i / 32] >> (i % 32)) & 1) != 0;
@@ -141,7 +149,7 @@ std::shared_ptr<Mesh> Mesh::CloneWithoutVertices(std::span<const std::uint32_t> 
 
     auto clone = std::make_shared<Mesh>(m_sName, m_bHasVertexColors);
     clone->m_bGrayColors = m_bGrayColors;
-    // A closed surface has about half as many vertices as triangles.
+    // Their vertices, renumbered in order of first use. A closed surface has about half as many vertices as triangles.
     clone->m_vVertices.reserve(static_cast<std::size_t>(0.6 * static_cast<double>(kept.size())));
     clone->m_vTriangles.reserve(kept.size());
     std::vector<std::int32_t> newIndex(m_vVertices.size(), -1);
@@ -156,6 +164,7 @@ std::shared_ptr<Mesh> Mesh::CloneWithoutVertices(std::span<const std::uint32_t> 
             vertex = mapped;
         }
     }
+    // Everything else as it is here; the texture is shared.
     if (!m_vTexCoords.empty()) {
         clone->m_vTexCoords.reserve(3 * kept.size());
         for (const std::size_t i : kept)

@@ -1,7 +1,6 @@
-// The triangle mesh: every object that the viewer shows. Vertices are held in the world frame; the transform of an
-// object is baked into them, and m_Trafo records which one.
-// This module links no graphics library: what draws a mesh is installed through geometry/MeshGraphics.h. Textured
-// meshes are made by render/MeshTexture.h.
+// The triangle mesh: every object that the viewer shows. Vertices are in the world frame; the transform of an object
+// has been applied to them, and m_Trafo records which one. This module links no graphics library: what draws a mesh is
+// installed through geometry/MeshGraphics.h. Textured meshes are made by render/MeshTexture.h.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -19,12 +18,15 @@ namespace ACAD {
 class CutMask;
 }
 
+/// Invariants: every index of a triangle is valid; a textured mesh has three texture coordinates per triangle. Code
+/// that changes vertices, triangles or colours must call MarkBuffersDirty(), and ComputeBoundingBox() when positions
+/// change.
 class Mesh : public CACADObject {
 public:
     /// An OpenGL texture together with the encoded image that it came from; may be shared by several meshes.
     struct Texture {
         Texture(std::uint32_t name, void* context, std::vector<std::uint8_t> imageBytes);
-        /// Deletes the texture in whatever context is then current.
+        /// Deletes the texture in the context that is then current, whichever that is.
         ~Texture();
         Texture(const Texture&) = delete;
         Texture& operator=(const Texture&) = delete;
@@ -36,21 +38,23 @@ public:
 
     /// An empty object.
     Mesh(std::wstring name, bool hasColors);
-    /// Takes over both vectors; computes the box and m_bGrayColors. Indices must be valid.
+    /// Moves both vectors without a copy; computes the box and whether all colours are grey. Indices must be valid.
     Mesh(std::vector<Vertex>&& vertices, std::vector<Triangle>&& triangles, std::wstring name, bool hasColors);
-    /// Releases the buffers: the right context must be current when there are any.
+    /// Releases the buffers: the context in which they were made must be current when there are any.
     ~Mesh() override;
     Mesh(const Mesh&) = delete;
     Mesh& operator=(const Mesh&) = delete;
 
-    /// Mean of the vertex positions, summed in single precision in vertex order; no vertices leave the centre as it
-    /// was.
+    /// Mean of the vertex positions, summed in single precision in vertex order; without vertices the centre is
+    /// unchanged. Returns 0.
     int ComputeCenter() override;
-    /// Rebuilds dirty buffers first, so the rendering context must be current.
+    /// Rebuilds dirty buffers first, so the rendering context must be current. No-op while no drawing code is
+    /// installed.
     void Draw(std::int32_t mode, bool reduced) override;
     void ComputeBoundingBox() override;
+    /// Rotates and moves the vertices and rotates the normals; m_Trafo is unchanged.
     void ApplyTrafo(const CACADQTrafo& trafo) override;
-    /// Takes @p trafo out of the vertices again. Leaves the buffers as they are: ApplyTrafo() always follows.
+    /// Applies the inverse of @p trafo to the vertices. Does not mark the buffers dirty: ApplyTrafo() always follows.
     void RevertTrafo(const CACADQTrafo& trafo);
 
     /// Unit normals: the normalised plain sum of the unit face normals. (ComputeMeanNormals() differs on purpose.)
@@ -58,8 +62,10 @@ public:
     /// Unit normal of one triangle; zero for a degenerate one.
     void GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz) const;
 
-    /// Nearest crossing of an unbounded line with the triangles, world frame; hits behind the origin count.
-    /// @return distance to @p origin, or -1 when nothing is hit: both outputs are then untouched
+    /// Nearest crossing of an unbounded line with the triangles, world frame, linear in their number; hits on the far
+    /// side of the origin count. Triangles are hit from both sides; those with almost no area are missed.
+    /// @param direction  of any length
+    /// @return distance to @p origin, or -1 when nothing is hit: both outputs are then unchanged
     /// @throws std::out_of_range "invalid vector subscript" when a triangle refers to a vertex that does not exist
     float IntersectLine(const float origin[3], const float direction[3], std::int32_t* triangleIndex,
                         float hitPoint[3]) const;
@@ -69,7 +75,7 @@ public:
     /// Releases spare capacity of the triangles and the vertices.
     void ShrinkToFit();
     /// A new object without the vertices whose bit is set (bit i of word i/32) and without every triangle that uses
-    /// one; vertices stand in order of first use.
+    /// one; vertices are in order of first use. The texture is shared, the buffers are not.
     [[nodiscard]] std::shared_ptr<Mesh> CloneWithoutVertices(std::span<const std::uint32_t> bits) const;
 
     /// Deletes the OpenGL buffers that exist, in the current context.
@@ -77,6 +83,7 @@ public:
     void MarkBuffersDirty() { m_bBuffersDirty = true; }
     /// A change marks the buffers dirty: the mix of colours is made at upload.
     void SetBlendColors(bool blend);
+    /// Pixels, from the next draw on.
     void SetPointSize(float size) { m_fPointSize = size; }
 
     [[nodiscard]] std::size_t GetVertexCount() const { return m_vVertices.size(); }
@@ -84,16 +91,17 @@ public:
 
     std::vector<std::shared_ptr<ACAD::CutMask>> m_vpCutMasks;  ///< cuts recorded on this object
     std::vector<Triangle> m_vTriangles;
-    std::vector<TexCoord> m_vTexCoords;  ///< three a triangle in corner order when textured, else empty
+    std::vector<TexCoord> m_vTexCoords;  ///< three per triangle in corner order when textured, else empty
     std::vector<Vertex> m_vVertices;
     std::wstring m_sName;         ///< path that the object came from, or empty
     bool m_bBuffersDirty = true;  ///< the GPU buffers must be rebuilt before the next draw
     bool m_bHasVertexColors = false;
+    /// Names of the OpenGL buffers, 0 when there is none; written by the drawing code alone.
     std::uint32_t m_uVertexBuffer = 0, m_uTriangleBuffer = 0, m_uPointBuffer = 0, m_uReducedBuffer = 0;
-    int m_iReducedStep = 10;  ///< every how many triangles the reduced drawing keeps one
-    float m_fPointSize = 2.0f;
-    std::shared_ptr<Texture> m_pTexture;
+    int m_iReducedStep = 10;                           ///< the reduced drawing shows the first of this many triangles
+    float m_fPointSize = 2.0f;                         ///< pixels
+    std::shared_ptr<Texture> m_pTexture;               ///< null when there is none; shared with clones
     std::optional<std::array<float, 4>> m_optCutView;  ///< clip plane last written into this object's file
-    bool m_bGrayColors = false;        ///< the vertex colours are all grey, so that the object colour tints them
-    bool m_bBlendObjectColor = false;  ///< keep 15 % of the vertex colours, take 85 % of the object colour
+    bool m_bGrayColors = false;        ///< the vertex colours are all grey: the object colour tints them
+    bool m_bBlendObjectColor = false;  ///< mix 15 % of the vertex colours with 85 % of the object colour
 };

@@ -1,5 +1,5 @@
-// Where an unbounded line crosses a mesh: what picks read. Everything is computed in double precision, so that a hit
-// does not depend on how far the object is from the origin of the world.
+// Where an unbounded line crosses a mesh, for picks. Computed in double precision, so that a hit does not depend on how
+// far the object is from the origin of the world.
 #include <cmath>
 #include <limits>
 #include <stdexcept>
@@ -11,7 +11,8 @@ namespace {
 
 Double3 PositionOf(const Vertex& vertex) { return {vertex.x, vertex.y, vertex.z}; }
 
-// The ray origin + t direction, t >= 0, against the six faces of the box, edges and corners included.
+// The ray origin + t direction, t >= 0, against the six faces of the box, edges and corners included. An axis along
+// which the ray hardly moves is skipped: the faces of the other axes decide.
 bool RayHitsBox(const float* box, const float* origin, const double (&direction)[3]) {
     for (int axis = 0; axis < 3; ++axis) {
         if (std::abs(direction[axis]) < 1e-6) continue;
@@ -38,6 +39,7 @@ bool Mesh::TestLineBox(const float origin[3], const float direction[3]) const {
 float Mesh::IntersectLine(const float origin[3], const float direction[3], std::int32_t* triangleIndex,
                           float hitPoint[3]) const {
     if (!TestLineBox(origin, direction)) return -1.0f;
+    // Everything in double precision from here on.
     const Double3 o = ToDouble3(ToFloat3(origin)), d = ToDouble3(ToFloat3(direction));
     const double squaredLength = Dot(d, d);
     const auto vertexAt = [this](std::int32_t index) {
@@ -50,8 +52,9 @@ float Mesh::IntersectLine(const float origin[3], const float direction[3], std::
     for (std::size_t i = 0; i < m_vTriangles.size(); ++i) {
         const auto& corner = m_vTriangles[i].v;
         const Double3 p0 = vertexAt(corner[0]), p1 = vertexAt(corner[1]), p2 = vertexAt(corner[2]);
-        // Cramer's rule on the columns -d, e1, e2. The determinant is that of the plain matrix: tiny triangles are
-        // missed, and that is wanted. The negated comparisons keep what is not a number out.
+        // o + t d = p0 + u e1 + v e2 by Cramer's rule on the columns -d, e1, e2, as in Moeller and Trumbore, "Fast,
+        // Minimum Storage Ray-Triangle Intersection" (1997). The limit is on the plain determinant, which scales with
+        // the area: tiny triangles are missed, and that is wanted. The negated comparisons reject what is not a number.
         const Double3 e1 = p1 - p0, e2 = p2 - p0, r = o - p0;
         const Double3 normal = Cross(e1, e2);
         const double determinant = -Dot(d, normal);
@@ -60,6 +63,7 @@ float Mesh::IntersectLine(const float origin[3], const float direction[3], std::
         const double u = Dot(e2, rd) / determinant;
         const double v = -Dot(e1, rd) / determinant;
         if (!(u >= 0 && u <= 1 && v >= 0 && v <= 1 && u + v <= 1)) continue;
+        // Of all hits the one nearest to the origin, on either side of it; the first one in a tie.
         const double t = Dot(r, normal) / determinant;
         const double squared = t * t * squaredLength;
         if (isHit && !(squared < bestSquared)) continue;

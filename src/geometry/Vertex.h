@@ -1,4 +1,4 @@
-// The records of a mesh. They are public, since hosts hand over meshes of their own in them.
+// The records of a mesh. Vertex and Triangle are public, since hosts pass their own meshes as arrays of them.
 #pragma once
 #include <cstdint>
 

@@ -1,9 +1,10 @@
-// A cloud of coloured points that lives on the GPU alone.
+// A cloud of coloured points that is stored on the GPU alone.
 #pragma once
 #include <cstdint>
 
 #include "geometry/Vector3.h"
 
+/// The OpenGL names belong to the context of the control's window and become invalid with it.
 struct FreePointSet {
     std::int32_t id = 0;
     std::int32_t numPoints = 0;

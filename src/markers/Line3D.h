@@ -1,4 +1,4 @@
-// A polyline in space. Always black.
+// A polyline in the world frame. Always black.
 #pragma once
 #include <cstdint>
 #include <vector>

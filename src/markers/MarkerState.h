@@ -17,7 +17,7 @@
 /// m_mapFreePoints belong to the context of the window; its key is the entry's id.
 struct MarkerState {
     // Picking.
-    std::int32_t m_nPickMode = KV_ScenePane::PickModeOff;  ///< any value of the host
+    std::int32_t m_nPickMode = KV_ScenePane::PickModeOff;  ///< KV_ScenePane::PickMode, or any other value of the host
     Float3 m_fPickPoint{};
     std::uint8_t m_bPickPointValid = 0;
     std::vector<PickPointSphere> m_vPickPointSpheres;

@@ -1,5 +1,5 @@
-// The markers' places in the frame and under the mouse. All their lists are empty and no needle mode can be switched on
-// until the methods that do so are there.
+// The steps of a frame that draw markers, and the mouse input of needles. The methods that add markers and switch on
+// the needle modes are not implemented yet: all lists are empty and the modes are off, so doing nothing is correct.
 #include "control/ScenePaneCtrl.h"
 
 void CKV_ScenePaneCtrl::DrawLines3D(float /*lineWidth*/) {}

@@ -1,10 +1,10 @@
-// A needle: a pin that stands in the surface and ends in a head.
+// A needle: a straight pin from a point on the surface to a round head.
 #pragma once
 #include <cstdint>
 
 #include "geometry/Vector3.h"
 
-/// How needles that are made later look.
+/// The look of needles that are made from now on. Lengths and radii in world units, colours 0x00BBGGRR.
 struct NeedleRenderParameters {
     float needleLength = 10.0f;
     float headRadius = 1.0f;
@@ -17,7 +17,7 @@ struct NeedleRenderParameters {
 };
 
 struct Needle {
-    std::int32_t id = 0;
+    std::int32_t id = 0;    ///< chosen by the host
     Float3 pinPosition{};   ///< world frame
     Float3 headPosition{};  ///< world frame
 };

@@ -1,4 +1,4 @@
-// A numbered ball at a picked point.
+// A numbered sphere at a picked point.
 #pragma once
 #include <cstdint>
 

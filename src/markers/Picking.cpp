@@ -1,5 +1,5 @@
-// What lies under a pixel: the scene's objects by a line through their triangles, helper objects by drawing their parts
-// as numbers. The line against the triangles is geometry/MeshIntersect.cpp.
+// What is under a pixel: objects of the scene by a line through their triangles, helper objects by drawing their parts
+// in colours that are numbers. The line against the triangles is geometry/MeshIntersect.cpp.
 #include <GL/glew.h>
 
 #include <array>
@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr float kPickDepth = 0.1f;  // window depth where the line begins
-constexpr std::uint32_t kNoId = 0xFFFFFF;
+constexpr float kPickDepth = 0.1f;         // window depth of the line's origin, in front of the scene
+constexpr std::uint32_t kNoId = 0xFFFFFF;  // the colour that the buffer is cleared to
 
-/// Nothing but the colour that a part sets may reach its pixels.
+/// Switches off everything that could change the colour of a part on its way to the pixels.
 void SetStateForIds() {
     glDrawBuffer(GL_BACK);
     glClearColor(1, 1, 1, 1);
@@ -23,8 +23,9 @@ void SetStateForIds() {
     glShadeModel(GL_FLAT);
 }
 
+/// The number drawn at a pixel, y upward; kNoId where there is none.
 std::uint32_t ReadId(std::int32_t x, std::int32_t y) {
-    std::array<std::uint8_t, 4> pixel{255, 255, 255, 255};  // stays outside the window, where nothing can be read
+    std::array<std::uint8_t, 4> pixel{255, 255, 255, 255};  // unchanged outside the window
     glReadBuffer(GL_BACK);
     glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
     return pixel[0] + 256u * pixel[1] + 65536u * pixel[2];
@@ -37,6 +38,7 @@ struct Part {
 
 }  // namespace
 
+// A new mode starts without picks. The host gets the event even when there were none before.
 void CKV_ScenePaneCtrl::SetPickMode(std::int16_t mode) {
     m_nPickMode = mode;
     m_bPickPointValid = 0;
@@ -47,8 +49,10 @@ void CKV_ScenePaneCtrl::SetPickMode(std::int16_t mode) {
 std::int16_t CKV_ScenePaneCtrl::GetPickMode() { return static_cast<std::int16_t>(m_nPickMode); }
 
 std::int32_t CKV_ScenePaneCtrl::PickObjectAt(std::int32_t x, std::int32_t y, Float3* hit) {
+    // An unbounded line along the viewing axis: the projection is orthographic.
     Float3 origin{};
     if (UnprojectPoint(x, y, kPickDepth, &origin[0], &origin[1], &origin[2]) == 0) return -1;
+    // The visible object with the nearest hit; the negated comparisons reject a distance that is not a number.
     std::int32_t picked = -1;
     float nearest = 0.0f;
     for (std::size_t i = 0; i < m_vpMeshes.size(); ++i) {
@@ -71,12 +75,13 @@ void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objec
     if (!MakeContextCurrent()) return;
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     SetStateForIds();
-    std::vector<Part> parts;  // by id
+    std::vector<Part> parts;  // the index is the number that was drawn
     for (RenderObject* const object : objects) {
         object->ClearPick();
         const std::uint32_t count = object->DrawPickIds(static_cast<std::uint32_t>(parts.size()));
         for (std::uint32_t k = 0; k < count; ++k) parts.push_back({object, k});
     }
+    // The part at the pixel stores the pick itself; the background has no part.
     const std::uint32_t id = ReadId(x, y);
     glPopAttrib();
     if (id < kNoId && id < parts.size()) parts[id].object->OnPicked(parts[id].number);

@@ -1,9 +1,10 @@
-// The depth buffer under a pixel.
+// Reads the depth buffer at one pixel.
 #pragma once
 #include <cstdint>
 #include <optional>
 
-/// Window depth of what was drawn there last, from the current context; nothing when it is not below @p limit.
-/// @param y       downward
+/// Window depth, 0 to 1, of what was drawn there last, from the current context. Nothing when it is not below @p limit,
+/// and outside the window. Waits until the GPU has finished the frame.
+/// @param x, y    pixel of the drawing area, y downward
 /// @param height  of the drawing area, pixels
 [[nodiscard]] std::optional<float> ReadDepthAt(std::int32_t x, std::int32_t y, std::int32_t height, float limit);
