@@ -1,19 +1,20 @@
-// Holds one component for another.
+// Owning references: to a component by its class, and to an object by its binary interface.
 #pragma once
+#include <memory>
 #include <utility>
 
 #include "Object.h"
 
 namespace KvComponents {
 
-/// A counted reference to a component of known class, or none.
+/// A counted reference to a component of known class, or none. Movable; copies are made by a further reference.
 template <class T>
 class ComponentReference {
 public:
     ComponentReference() = default;
     /// A further reference.
     explicit ComponentReference(T& component) : m_pComponent(&component) { component.AddReference(); }
-    /// Takes over the one reference of a component just made.
+    /// Adopts the reference that a new component has, without a further count.
     [[nodiscard]] static ComponentReference Adopt(T* component) {
         ComponentReference reference;
         reference.m_pComponent = component;
@@ -31,7 +32,7 @@ public:
         if (m_pComponent != nullptr) m_pComponent->Release();
     }
 
-    /// Gives the reference to the caller.
+    /// Passes the reference to the caller, who must release it.
     [[nodiscard]] T* Detach() { return std::exchange(m_pComponent, nullptr); }
     explicit operator bool() const { return m_pComponent != nullptr; }
     T* operator->() const { return m_pComponent; }
@@ -41,10 +42,17 @@ private:
     T* m_pComponent = nullptr;
 };
 
-/// The component of class T behind an interface that a caller passed; null when it is of another class.
+/// @param object  an interface that a caller passed
+/// @return the component that it belongs to; null when that is not of class T
 template <class T>
 [[nodiscard]] T* ComponentOf(Object* object) {
     return dynamic_cast<T*>(static_cast<Interface*>(object)->m_pOwner);
 }
+
+struct ReleaseObject {
+    void operator()(Object* object) const { kRelease(object); }
+};
+/// One reference to an object, released at the end.
+using ObjectPointer = std::unique_ptr<Object, ReleaseObject>;
 
 }  // namespace KvComponents

@@ -1,11 +1,11 @@
-// Arithmetic as the standard has it, whatever the host has set.
+// The default floating-point environment, whatever the host program has set.
 #pragma once
 #include <cfenv>
 
 namespace KvComponents {
 
-/// For its lifetime, on this thread: rounding to nearest, denormal numbers kept. What one process packs by predictions,
-/// another must be able to predict.
+/// For its lifetime, on this thread: rounding to nearest, denormal numbers not flushed to zero. The decoder must
+/// compute the same predictions as the encoder, which may have been another process with other settings.
 class DefaultFloats {
 public:
     DefaultFloats() {

@@ -1,5 +1,6 @@
-// Triangles by the edges that they share with triangles shortly before them. A code tells which edge, how the corners
-// are turned, and where the third corner comes from; both sides keep the same state and follow it step by step.
+// Connectivity coding by shared edges: most triangles share an edge with one of the triangles just before them. A code
+// names the edge by its age, the rotation of the corners and the source of the third corner. Encoder and decoder update
+// the same state after each triangle.
 #include "HpsFacets.h"
 
 #include <algorithm>
@@ -8,55 +9,61 @@ namespace KvComponents::Hps {
 
 namespace {
 
-/// Where the corner opposite of a shared edge comes from.
+/// Source of the corner opposite to the shared edge.
 enum Third : std::uint32_t {
     kHighest,   ///< one above the highest index so far: a mesh whose vertices are in the order of their use
-    kNextStep,  ///< one above the last of kNextStep, kLastStep and kFar: grids, row by row
-    kLastStep,  ///< one below it
-    kRecent,    ///< the third corner of an edge that is remembered: the end of a fan
-    kFar,       ///< as a difference from it
+    kNext,      ///< Last() + 1: grids, row by row
+    kPrevious,  ///< Last() - 1
+    kRecent,    ///< the third corner of one of the recent edges: the end of a fan
+    kFar,       ///< Last() plus a signed residual
     kThirdCount
 };
 
-constexpr std::uint32_t kEdgeCount = 16;  ///< that are remembered
+constexpr std::uint32_t kEdgeCount = 16;  ///< recent edges that a code can name
 constexpr std::uint32_t kTurnCount = 3;
-constexpr std::uint32_t kAlone = kEdgeCount * kTurnCount * kThirdCount;  ///< code of a triangle without a shared edge
-static_assert(kAlone < 256);
+constexpr std::uint32_t kIsolated = kEdgeCount * kTurnCount * kThirdCount;  ///< code of a triangle without a known edge
+static_assert(kIsolated < 256);
 
-/// Planes of the numbers that do not follow from a code.
+/// Planes of the numbers that a code alone does not determine.
 enum Plane : std::size_t { kFarPlane, kFirstPlane, kSecondPlane, kThirdPlane, kPlaneCount };
 
 struct Edge {
-    std::uint32_t from, to;  ///< in the direction in which a neighbour on the same side of the surface has it
-    std::uint32_t third;
+    std::uint32_t from, to;  ///< in the direction of the neighbour triangle, if both have the same orientation
+    std::uint32_t third;     ///< the opposite corner in the triangle that the edge is from
 };
 
-/// What encoder and decoder know before a triangle.
+/// What encoder and decoder know before each triangle.
 class State {
 public:
     explicit State(std::uint32_t vertexCount, RawArray<Introduction>& introductions)
         : m_uVertexCount(vertexCount), m_introductions(introductions), m_isKnown(vertexCount), m_uLatest(vertexCount) {
-        // No triangle can have these: what is predicted from an edge was introduced before.
+        // The vertex count is no vertex, so that these placeholders match no edge of a triangle.
         for (std::uint32_t age = 0; age < kEdgeCount; ++age) m_from[age] = m_to[age] = m_third[age] = vertexCount;
     }
 
+    /// @param age  0 is the youngest edge; counted modulo kEdgeCount
     [[nodiscard]] Edge EdgeAt(std::uint32_t age) const {
         const std::uint32_t at = (m_uNewest - age) % kEdgeCount;
         return {m_from[at], m_to[at], m_third[at]};
     }
+    /// One above the highest vertex introduced so far.
     [[nodiscard]] std::uint32_t Highest() const { return m_uHighest; }
+    /// The latest third corner by kNext, kPrevious or kFar, or of a triangle without a known edge.
     [[nodiscard]] std::uint32_t Last() const { return m_uLast; }
+    /// The first corner of the latest triangle without a known edge.
     [[nodiscard]] std::uint32_t First() const { return m_uFirst; }
 
-    void FollowShared(std::uint32_t age, Third kind, std::uint32_t third) {
+    /// After a triangle on the edge of that age.
+    void UpdateShared(std::uint32_t age, Third kind, std::uint32_t third) {
         const Edge edge = EdgeAt(age);
-        if (kind == kNextStep || kind == kLastStep || kind == kFar) m_uLast = third;
+        if (kind == kNext || kind == kPrevious || kind == kFar) m_uLast = third;
         Introduce(third, edge.from, edge.to, edge.third);
         Remember({edge.from, third, edge.to});
         Remember({third, edge.to, edge.from});
     }
 
-    void FollowAlone(const std::uint32_t* corners) {
+    /// After a triangle without a known edge.
+    void UpdateIsolated(const std::uint32_t* corners) {
         m_uFirst = corners[0];
         m_uLast = corners[2];
         Introduce(corners[0], m_uLatest, m_uLatest, m_uLatest);
@@ -67,11 +74,14 @@ public:
         Remember({corners[0], corners[2], corners[1]});
     }
 
+    /// After the last triangle: the vertices that no triangle uses.
     void IntroduceRest() {
         for (std::uint32_t v = 0; v < m_uVertexCount; ++v) Introduce(v, m_uLatest, m_uLatest, m_uLatest);
     }
 
 private:
+    /// Notes a vertex at its first use, with the parents of its prediction. Others, and indices that are no vertex, are
+    /// ignored.
     void Introduce(std::uint32_t vertex, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
         if (vertex >= m_uVertexCount || m_isKnown[vertex]) return;
         m_isKnown[vertex] = 1;
@@ -89,16 +99,16 @@ private:
     std::uint32_t m_uVertexCount;
     RawArray<Introduction>& m_introductions;
     std::vector<std::uint8_t> m_isKnown;
-    std::uint32_t m_uLatest;  ///< the vertex introduced last
+    std::uint32_t m_uLatest;  ///< the vertex introduced last; at first the origin, whose number is the vertex count
     std::size_t m_uIntroduced = 0;
-    // The edges, one array a member: a load of what was just stored waits for nothing only when it is of the same
-    // width.
+    // The edges as one array per member: the processor forwards a store to a following load without a stall only when
+    // both have the same width.
     std::uint32_t m_from[kEdgeCount], m_to[kEdgeCount], m_third[kEdgeCount];
     std::uint32_t m_uNewest = 0;
     std::uint32_t m_uHighest = 0, m_uLast = 0, m_uFirst = 0;
 };
 
-/// The age of the youngest edge with @p third as third corner; kEdgeCount when there is none.
+/// @return the age of the youngest edge whose third corner is @p third; kEdgeCount when there is none
 std::uint32_t AgeOfThird(const State& state, std::uint32_t third) {
     std::uint32_t age = 0;
     while (age < kEdgeCount && state.EdgeAt(age).third != third) ++age;
@@ -117,33 +127,33 @@ public:
             const Edge edge = m_state.EdgeAt(age);
             for (std::uint32_t turn = 0; turn < kTurnCount; ++turn) {
                 if (edge.from == corners[turn] && edge.to == corners[(turn + 1) % 3])
-                    return AddShared(age, turn, corners[(turn + 2) % 3]);
+                    return AddOnEdge(age, turn, corners[(turn + 2) % 3]);
             }
         }
-        m_codes.push_back(static_cast<std::uint8_t>(kAlone));
+        m_codes.push_back(static_cast<std::uint8_t>(kIsolated));
         m_numbers.Put(kFirstPlane, ZigzagEncode(corners[0] - m_state.First()));
         m_numbers.Put(kSecondPlane, ZigzagEncode(corners[1] - corners[0]));
         m_numbers.Put(kThirdPlane, ZigzagEncode(corners[2] - corners[1]));
-        m_state.FollowAlone(corners);
+        m_state.UpdateIsolated(corners);
     }
 
     [[nodiscard]] ByteVector Finish() {
         m_state.IntroduceRest();
         ByteVector bytes;
-        AppendBlock(bytes, std::as_bytes(std::span(m_codes)), Kind::kPattern);
+        AppendBlock(bytes, std::as_bytes(std::span(m_codes)), Redundancy::kMatches);
         m_numbers.Append(bytes);
         return bytes;
     }
 
 private:
-    void AddShared(std::uint32_t age, std::uint32_t turn, std::uint32_t third) {
+    void AddOnEdge(std::uint32_t age, std::uint32_t turn, std::uint32_t third) {
         Third kind = kFar;
         if (third == m_state.Highest()) {
             kind = kHighest;
         } else if (third == m_state.Last() + 1) {
-            kind = kNextStep;
+            kind = kNext;
         } else if (third == m_state.Last() - 1) {
-            kind = kLastStep;
+            kind = kPrevious;
         } else if (const std::uint32_t thirdAge = AgeOfThird(m_state, third); thirdAge < kEdgeCount) {
             kind = kRecent;
             m_numbers.Put(kFarPlane, thirdAge);
@@ -151,7 +161,7 @@ private:
             m_numbers.Put(kFarPlane, ZigzagEncode(third - m_state.Last()));
         }
         m_codes.push_back(static_cast<std::uint8_t>((age * kTurnCount + turn) * kThirdCount + kind));
-        m_state.FollowShared(age, kind, third);
+        m_state.UpdateShared(age, kind, third);
     }
 
     State m_state;
@@ -163,38 +173,38 @@ class Decoder {
 public:
     Decoder(State& state, NumberReader& numbers) : m_state(state), m_numbers(numbers) {}
 
-    void Take(std::uint8_t code, std::uint32_t* corners) {
-        if (code >= kAlone) {
-            if (code != kAlone) throw DamagedData("unknown code of a triangle");
-            corners[0] = m_state.First() + UnfoldSign(m_numbers.Take(kFirstPlane));
-            corners[1] = corners[0] + UnfoldSign(m_numbers.Take(kSecondPlane));
-            corners[2] = corners[1] + UnfoldSign(m_numbers.Take(kThirdPlane));
-            m_state.FollowAlone(corners);
+    void Decode(std::uint8_t code, std::uint32_t* corners) {
+        if (code >= kIsolated) {
+            if (code != kIsolated) throw DamagedData("unknown code of a triangle");
+            corners[0] = m_state.First() + ZigzagDecode(m_numbers.Read(kFirstPlane));
+            corners[1] = corners[0] + ZigzagDecode(m_numbers.Read(kSecondPlane));
+            corners[2] = corners[1] + ZigzagDecode(m_numbers.Read(kThirdPlane));
+            m_state.UpdateIsolated(corners);
             return;
         }
         const auto kind = static_cast<Third>(code % kThirdCount);
         const std::uint32_t turn = code / kThirdCount % kTurnCount, age = code / kThirdCount / kTurnCount;
         const Edge edge = m_state.EdgeAt(age);
-        const std::uint32_t third = TakeThird(kind);
+        const std::uint32_t third = ReadThird(kind);
         corners[turn] = edge.from;
         corners[turn == 2 ? 0 : turn + 1] = edge.to;
         corners[turn == 0 ? 2 : turn - 1] = third;
-        m_state.FollowShared(age, kind, third);
+        m_state.UpdateShared(age, kind, third);
     }
 
 private:
-    [[nodiscard]] std::uint32_t TakeThird(Third kind) {
+    [[nodiscard]] std::uint32_t ReadThird(Third kind) {
         switch (kind) {
             case kHighest:
                 return m_state.Highest();
-            case kNextStep:
+            case kNext:
                 return m_state.Last() + 1;
-            case kLastStep:
+            case kPrevious:
                 return m_state.Last() - 1;
             case kRecent:
-                return m_state.EdgeAt(m_numbers.Take(kFarPlane)).third;
+                return m_state.EdgeAt(m_numbers.Read(kFarPlane)).third;
             default:
-                return m_state.Last() + UnfoldSign(m_numbers.Take(kFarPlane));
+                return m_state.Last() + ZigzagDecode(m_numbers.Read(kFarPlane));
         }
     }
 
@@ -219,10 +229,10 @@ ByteVector EncodeFacets(std::span<const std::int32_t> indices, std::uint32_t ver
 
 Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t triangleCount) {
     ByteReader from(bytes);
-    const RawArray<std::byte> codes = TakeBlock(from, triangleCount);
+    const RawArray<std::byte> codes = ReadBlock(from, triangleCount);
     if (codes.size() - kBlockPadding != triangleCount) throw DamagedData("another number of triangles");
     NumberReader numbers(from, kPlaneCount, triangleCount);
-    if (!from.Rest().empty()) throw DamagedData("bytes behind the triangles");
+    if (!from.Rest().empty()) throw DamagedData("bytes after the triangles");
 
     Facets facets;
     facets.indices = RawArray<std::int32_t>(std::size_t{3} * triangleCount);
@@ -231,7 +241,7 @@ Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t tri
     Decoder decoder(state, numbers);
     for (std::size_t i = 0; i < triangleCount; ++i) {
         std::uint32_t corners[3];
-        decoder.Take(static_cast<std::uint8_t>(codes[i]), corners);
+        decoder.Decode(static_cast<std::uint8_t>(codes[i]), corners);
         std::memcpy(&facets.indices[3 * i], corners, sizeof corners);
         const std::uint32_t highest = std::max({corners[0], corners[1], corners[2]});
         if (highest >= vertexCount && facets.firstBad == Facets::kNone) facets.firstBad = i;

@@ -1,10 +1,9 @@
-// Header and table of hps files, written and checked.
+// Parser and writer of the sections of hps files.
 #include "HpsFile.h"
 
 #include <algorithm>
 #include <bit>
 #include <cerrno>
-#include <limits>
 #include <utility>
 
 #include "HpsLayout.h"
@@ -17,9 +16,7 @@ namespace {
 
 using FileStorage::SectionEntry;
 
-constexpr std::uint32_t kMaxCount = std::numeric_limits<std::int32_t>::max();
-
-/// What a mesh takes in memory: three floats a vertex, three indices a triangle.
+/// Memory for a mesh: three floats per vertex, three indices per triangle.
 std::uint64_t MeshBytes(const FileContent& content) {
     return 12 * (std::uint64_t{content.vertexCount} + content.triangleCount);
 }
@@ -30,12 +27,12 @@ void AppendText(ByteVector& to, const std::string& text) {
     to.insert(to.end(), bytes.begin(), bytes.end());
 }
 
-std::string TakeText(ByteReader& from) {
-    const ByteSpan bytes = from.Take(from.TakeValue<std::uint32_t>());
+std::string ReadText(ByteReader& from) {
+    const ByteSpan bytes = from.Read(from.ReadValue<std::uint32_t>());
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// Whose fault a damaged section is.
+/// The code that reports damage in a section.
 ReadError CodeOf(std::uint32_t section) {
     switch (section) {
         case kPositionSection:
@@ -57,7 +54,8 @@ bool IsKnown(std::uint32_t section) {
 
 [[noreturn]] void FailInvalid(const char* reason) { throw FileError(ReadError::kInvalidFile, reason); }
 
-void TakeSection(const SectionEntry& entry, ByteSpan bytes, FileContent& content) {
+/// Checks one section and enters it in @p content.
+void ReadSection(const SectionEntry& entry, ByteSpan bytes, FileContent& content) {
     if (FileStorage::Checksum(bytes.data(), bytes.size()) != entry.checksum)
         throw FileError(CodeOf(entry.id), "a section is damaged");
     ByteReader from(bytes);
@@ -74,13 +72,13 @@ void TakeSection(const SectionEntry& entry, ByteSpan bytes, FileContent& content
             break;
         case kTextureSection:
             if (bytes.size() <= sizeof(std::uint32_t)) throw FileError(ReadError::kTexture, "an empty texture");
-            content.orientation = from.TakeValue<std::uint32_t>();
+            content.orientation = from.ReadValue<std::uint32_t>();
             if (content.orientation > kMaxOrientation) throw FileError(ReadError::kTexture, "unknown orientation");
             content.texture = from.Rest();
             break;
         case kSourceSection:
-            content.application = TakeText(from);
-            content.version = TakeText(from);
+            content.application = ReadText(from);
+            content.version = ReadText(from);
             break;
         default:
             break;
@@ -116,7 +114,7 @@ FileContent ParseFrame(ByteSpan file) {
     if (MeshBytes(content) / kMaxExpansion > file.size()) FailInvalid("counts out of proportion to the file");
     FileStorage::SectionPlacer placer(headSize, file.size());
     for (const SectionEntry& entry : entries)
-        TakeSection(entry, file.subspan(placer.Place(entry), entry.size), content);
+        ReadSection(entry, file.subspan(placer.Place(entry), entry.size), content);
     placer.ExpectEnd();
     if (content.positions.empty() || content.facets.empty()) FailInvalid("a needed section is missing");
     return content;
@@ -148,6 +146,7 @@ ByteVector BuildFile(const FileContent& content) {
         texture.insert(texture.end(), content.texture.begin(), content.texture.end());
         add(kTextureSection, 0, texture);
     }
+    // The counts must not be out of proportion to the file size: zeros are added to a mesh that compresses better.
     ByteVector fill;
     if (const std::size_t minSize = MeshBytes(content) / kMaxExpansion; fileSize() < minSize) {
         fill.resize(minSize - fileSize());

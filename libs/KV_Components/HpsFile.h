@@ -1,5 +1,5 @@
-// The frame of an hps file: header, table of sections, checksums. What the sections hold is packed and unpacked
-// elsewhere. Byte by byte in docs/formats/hps.md.
+// The sections of an hps file. Their container is files/SectionFile.h, their content is packed by HpsFacets.h,
+// HpsVertices.h and HpsUv.h. Byte by byte in docs/formats/hps.md.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -8,9 +8,10 @@
 
 namespace KvComponents::Hps {
 
-/// Why a file cannot be read; the numbers that readers tell their callers.
+/// Why a file cannot be read: the codes of hps_reader::kLastError.
 enum class ReadError : std::int32_t { kNone, kNotFound, kUnreadable, kInvalidFile, kVertices, kFacets, kUv, kTexture };
 
+/// Thrown for a file that cannot be read.
 class FileError : public std::runtime_error {
 public:
     FileError(ReadError code, const char* reason) : std::runtime_error(reason), m_code(code) {}
@@ -18,27 +19,28 @@ public:
 };
 
 inline constexpr std::uint32_t kMaxOrientation = 3;
-/// Rows have to be turned round before v = 0 is the first one: pictures begin at the top.
+/// The first row of the picture is its top, v = 1: callers flip the rows so that v = 0 comes first.
 inline constexpr std::uint32_t kTopFirst = 1;
 
-/// What a file holds; packed, and belonging to somebody else.
+/// The sections of a file, still packed. The memory belongs to the caller.
 struct FileContent {
     std::uint32_t vertexCount = 0, triangleCount = 0;
     ByteSpan facets, positions;
-    ByteSpan uv;       ///< empty: none
-    ByteSpan texture;  ///< a whole picture file; empty: none
+    ByteSpan uv;       ///< empty when the mesh has no texture coordinates
+    ByteSpan texture;  ///< bytes of a picture file; empty when there is no texture
     std::uint32_t orientation = kTopFirst;
-    std::string application, version;  ///< of the program that the mesh is from
+    std::string application, version;  ///< of the program that wrote the mesh
 };
 
+/// The bytes of a whole file. A mesh that compresses too well is padded, see kMaxExpansion.
 [[nodiscard]] ByteVector BuildFile(const FileContent& content);
 
-/// @param file  must outlive the result, whose sections lie in it. All checksums are checked, and the counts against
-///              the file's size
+/// Finds the sections of a file. All checksums are checked, and the counts against the size of the file.
+/// @param file  must outlive the result, whose spans point into it
 /// @throws FileError
 [[nodiscard]] FileContent ParseFile(ByteSpan file);
 
-/// A whole file that begins like an hps file of its length.
+/// Reads a whole file whose header announces an hps file of its length.
 /// @throws FileError
 [[nodiscard]] RawArray<std::byte> LoadFile(const std::string& path);
 

@@ -1,4 +1,4 @@
-// The compressor, which holds a mesh, and the file writer, which packs it and writes the file.
+// Two objects: the compressor holds a mesh; the file writer packs it in Prepare() and writes the file in Save().
 #include <optional>
 #include <system_error>
 
@@ -16,13 +16,9 @@ namespace KvComponents {
 
 namespace {
 
-class HpsCompressor final : public Component {
+class HpsCompressor final : public SingleInterfaceComponent {
 public:
     HpsCompressor();
-    [[nodiscard]] Interface* FindInterface(std::string_view guid) override {
-        return guid == hps_compressor::kInterface ? &m_interface : nullptr;
-    }
-    [[nodiscard]] Interface* MainInterface() override { return &m_interface; }
 
     std::int32_t Bind(Object* mesh) {
         if (mesh == nullptr) return kInvalidArgument;
@@ -37,21 +33,16 @@ public:
         m_mesh = {};
         return kSucceeded;
     }
-    /// Null when none is bound.
+    /// @return null when no mesh is bound
     [[nodiscard]] const HpsMesh* BoundMesh() const { return m_mesh ? &*m_mesh : nullptr; }
 
 private:
-    Interface m_interface;
     ComponentReference<HpsMesh> m_mesh;
 };
 
-class HpsFileWriter final : public Component {
+class HpsFileWriter final : public SingleInterfaceComponent {
 public:
     HpsFileWriter();
-    [[nodiscard]] Interface* FindInterface(std::string_view guid) override {
-        return guid == hps_file_writer::kInterface ? &m_interface : nullptr;
-    }
-    [[nodiscard]] Interface* MainInterface() override { return &m_interface; }
 
     std::int32_t Bind(Object* compressor);
     std::int32_t Prepare();
@@ -62,18 +53,17 @@ public:
     std::int32_t Unbind();
 
 private:
-    /// The mesh, packed.
+    /// The packed mesh.
     struct Packed {
         std::uint32_t vertexCount = 0, triangleCount = 0;
         Hps::ByteVector facets, positions, uv;
     };
 
-    Interface m_interface;
     ComponentReference<HpsCompressor> m_compressor;
     std::vector<float> m_vUvPairs;
     Hps::ByteVector m_vTexture;
     std::string m_sApplication, m_sVersion;
-    std::optional<Packed> m_packed;  ///< what Prepare() made of the present state
+    std::optional<Packed> m_packed;  ///< by Prepare(); reset by each change that it depends on
 };
 
 const Object::Entry* CompressorTable() {
@@ -95,9 +85,9 @@ const Object::Entry* WriterTable() {
     return table.Entries();
 }
 
-HpsCompressor::HpsCompressor() : m_interface(CompressorTable(), this) {}
+HpsCompressor::HpsCompressor() : SingleInterfaceComponent(hps_compressor::kInterface, CompressorTable()) {}
 
-HpsFileWriter::HpsFileWriter() : m_interface(WriterTable(), this) {}
+HpsFileWriter::HpsFileWriter() : SingleInterfaceComponent(hps_file_writer::kInterface, WriterTable()) {}
 
 std::int32_t HpsFileWriter::Bind(Object* compressor) {
     if (compressor == nullptr) return kInvalidArgument;

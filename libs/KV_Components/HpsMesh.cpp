@@ -1,3 +1,4 @@
+// The mesh object and the accesses to its vertices. Normals are computed by HpsNormals.h when they are read.
 #include "HpsMesh.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@
 
 namespace KvComponents {
 
-/// One access to the vertices of a mesh, which it keeps alive.
+/// One access to the vertices of a mesh. It holds a reference to the mesh until EndAccess().
 class HpsVertexData final : public Component {
 public:
     HpsVertexData(HpsMesh& mesh, bool isWritable);
@@ -30,7 +31,7 @@ private:
                                std::size_t size) const;
 
     Interface m_interface;
-    ComponentReference<HpsMesh> m_mesh;  ///< none after the end
+    ComponentReference<HpsMesh> m_mesh;  ///< none after EndAccess()
     bool m_bIsWritable;
 };
 
@@ -62,7 +63,7 @@ const Object::Entry* VertexDataTable() {
     return table.Entries();
 }
 
-/// Arrays without elements may be null.
+/// Copies elements. @p to may be null when there are none.
 template <class T>
 void Copy(std::span<const T> from, T* to) {
     if (to != nullptr && !from.empty()) std::memcpy(to, from.data(), from.size_bytes());
@@ -193,7 +194,7 @@ void HpsVertexData::EndAccess() {
     } else {
         --m_mesh->m_iReaders;
     }
-    const ComponentReference<HpsMesh> ended = std::move(m_mesh);
+    const ComponentReference<HpsMesh> ended = std::move(m_mesh);  // releases the mesh, which this may delete
 }
 
 bool HpsVertexData::IsWhole(std::int32_t reserved, std::int32_t vertexCount, const float* values,
@@ -220,7 +221,7 @@ std::int32_t HpsVertexData::ReadAttribute(char attribute, std::int32_t reserved,
 std::int32_t HpsVertexData::WriteAttribute(char attribute, std::int32_t reserved, std::int32_t vertexCount,
                                            const float* values, std::size_t size) {
     if (!m_mesh || !m_bIsWritable) return kFailed;
-    // Normals follow from the triangles: a mesh keeps none.
+    // Normals cannot be written: they are computed from the triangles.
     if (attribute != 'P' || !IsWhole(reserved, vertexCount, values, size)) return kInvalidArgument;
     Copy(std::span(values, m_mesh->m_positions.size()), m_mesh->m_positions.data());
     return kSucceeded;

@@ -1,4 +1,5 @@
-// Four triangles, then four vertices at a time; each result is that of the plain formula to the bit.
+// Vector lanes: four triangles, then four vertices at a time. Each lane computes the scalar formula, so that the result
+// is the same to the bit.
 #include "HpsNormals.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ using Int4 = std::int32_t __attribute__((vector_size(16)));
 
 constexpr std::size_t kLanes = 4;
 
-/// A vector in each lane.
+/// Four vectors, one per lane.
 struct Vectors {
     Float4 x, y, z;
 };
@@ -32,7 +33,7 @@ Float4 SquareRoots(Float4 values) {
 #endif
 }
 
-/// To length 1; a vector without a length stays: it is divided by 1.
+/// Scales to length 1. A vector of length 0 is divided by 1 and stays zero.
 Vectors Normalized(const Vectors& v) {
     const Float4 length = SquareRoots(v.x * v.x + v.y * v.y + v.z * v.z);
     const Int4 hasLength = length > Float4{};
@@ -41,7 +42,7 @@ Vectors Normalized(const Vectors& v) {
     return {v.x / divisor, v.y / divisor, v.z / divisor};
 }
 
-/// The unit normals of up to four triangles.
+/// The unit normals of up to four triangles. Lanes without a triangle are zero.
 Vectors FaceNormals(std::span<const float> positions, std::span<const std::int32_t> indices) {
     Vectors a{}, b{};
     for (std::size_t lane = 0; 3 * lane < indices.size(); ++lane) {
@@ -64,7 +65,7 @@ void AddFaceNormals(const Vectors& faces, std::span<const std::int32_t> indices,
     }
 }
 
-/// @param normals  of up to four vertices
+/// @param normals  sums of up to four vertices, replaced by their directions
 void NormalizeSums(std::span<float> normals) {
     Vectors sums{};
     for (std::size_t lane = 0; 3 * lane < normals.size(); ++lane)

@@ -1,14 +1,16 @@
-// Normals of meshes whose files hold none.
+// Vertex normals, which hps files do not store.
 #pragma once
 #include <cstdint>
 #include <span>
 
 namespace KvComponents::Hps {
 
-/// The direction of the sum of the unit normals of a vertex's triangles, added in the order of the triangles, neither
-/// weighted by area nor by angle. Triangles without an area count as zero; so do vertices whose sum is.
-/// @param indices  each a vertex
-/// @param normals  three values a vertex, as positions has them
+/// The normal of a vertex is the direction of the sum of the unit normals of its triangles, added in the order of the
+/// triangles and weighted neither by area nor by angle. A triangle without an area adds zero; a vertex whose sum is
+/// zero gets the normal (0, 0, 0).
+/// @param positions  x, y, z of each vertex
+/// @param indices    three per triangle, each a vertex
+/// @param normals    receives three values per vertex; must not overlap the positions
 void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals);
 
 }  // namespace KvComponents::Hps

@@ -1,4 +1,4 @@
-// Blocks through zstd, numbers by class and bits.
+// Blocks by zstd, numbers as classes and extra bits.
 #include "HpsPacking.h"
 
 #include <zstd.h>
@@ -22,7 +22,7 @@ ByteVector Compress(ByteSpan bytes, int level) {
     const std::unique_ptr<ZSTD_CCtx, FreeContext> context(ZSTD_createCCtx());
     if (!context) throw std::bad_alloc();
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_compressionLevel, level);
-    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_contentSizeFlag, 0);
+    ZSTD_CCtx_setParameter(context.get(), ZSTD_c_contentSizeFlag, 0);  // the block has the size already
     ByteVector packed(ZSTD_compressBound(bytes.size()));
     const std::size_t size = ZSTD_compress2(context.get(), packed.data(), packed.size(), bytes.data(), bytes.size());
     if (ZSTD_isError(size)) throw std::bad_alloc();
@@ -45,9 +45,10 @@ void* AllocateLarge(std::uint64_t size) {
     return memory;
 }
 
-void AppendBlock(ByteVector& to, ByteSpan bytes, Kind kind) {
-    // What repeats by chance only costs more to tell than to leave alone: the lowest level looks for the least.
-    const ByteVector packed = Compress(bytes, kind == Kind::kPattern ? 9 : 1);
+void AppendBlock(ByteVector& to, ByteSpan bytes, Redundancy redundancy) {
+    // A match by chance costs more bits than its bytes cost by the histogram alone, and the lowest level finds the
+    // fewest matches.
+    const ByteVector packed = Compress(bytes, redundancy == Redundancy::kMatches ? 9 : 1);
     const bool isSmaller = packed.size() < bytes.size();
     const ByteSpan stored = isSmaller ? ByteSpan(packed) : bytes;
     AppendValue<std::uint64_t>(to, bytes.size());
@@ -55,14 +56,14 @@ void AppendBlock(ByteVector& to, ByteSpan bytes, Kind kind) {
     to.insert(to.end(), stored.begin(), stored.end());
 }
 
-RawArray<std::byte> TakeBlock(ByteReader& from, std::uint64_t most) {
-    const auto size = from.TakeValue<std::uint64_t>();
-    const auto storedSize = from.TakeValue<std::uint64_t>();
-    if (size > most || storedSize > size) throw DamagedData("impossible length of a block");
-    const ByteSpan stored = from.Take(storedSize);
+RawArray<std::byte> ReadBlock(ByteReader& from, std::uint64_t maxSize) {
+    const auto size = from.ReadValue<std::uint64_t>();
+    const auto storedSize = from.ReadValue<std::uint64_t>();
+    if (size > maxSize || storedSize > size) throw DamagedData("impossible length of a block");
+    const ByteSpan stored = from.Read(storedSize);
     RawArray<std::byte> bytes(size + kBlockPadding);
     std::memset(bytes.data() + size, 0, kBlockPadding);
-    if (storedSize == size) {
+    if (storedSize == size) {  // stored without compression
         if (size > 0) std::memcpy(bytes.data(), stored.data(), size);
         return bytes;
     }
@@ -76,7 +77,7 @@ RawArray<std::byte> TakeBlock(ByteReader& from, std::uint64_t most) {
 void NumberWriter::Put(std::size_t plane, std::uint32_t number, std::uint32_t scale) {
     const std::uint32_t kind = ClassOf(number);
     m_planes[plane].push_back(static_cast<std::uint8_t>(kind + 2 * scale));
-    const std::uint32_t count = BitsBelow(kind);
+    const std::uint32_t count = ExtraBitCount(kind);
     m_uPending |= static_cast<std::uint64_t>(number - SmallestOf(kind)) << m_uPendingCount;
     m_uPendingCount += count;
     if (m_uPendingCount < 32) return;
@@ -90,19 +91,19 @@ void NumberWriter::Append(ByteVector& to) {
         m_vBits.push_back(static_cast<std::byte>(m_uPending));
         m_uPending >>= 8;
     }
-    for (const auto& plane : m_planes) AppendBlock(to, std::as_bytes(std::span(plane)), Kind::kScattered);
-    AppendBlock(to, m_vBits, Kind::kScattered);
+    for (const auto& plane : m_planes) AppendBlock(to, std::as_bytes(std::span(plane)), Redundancy::kHistogram);
+    AppendBlock(to, m_vBits, Redundancy::kHistogram);
 }
 
-NumberReader::NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t most) {
+NumberReader::NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t maxCount) {
     std::uint64_t numbers = 0;
     for (Plane& plane : std::span(m_planes).first(planeCount)) {
-        plane.bytes = TakeBlock(from, most);
+        plane.bytes = ReadBlock(from, maxCount);
         plane.at = reinterpret_cast<const std::uint8_t*>(plane.bytes.data());
         plane.end = plane.at + (plane.bytes.size() - kBlockPadding);
         numbers += plane.bytes.size() - kBlockPadding;
     }
-    m_bits = TakeBlock(from, 4 * numbers);
+    m_bits = ReadBlock(from, 4 * numbers);  // 32 bits per number at most
     m_uBitCount = 8 * (m_bits.size() - kBlockPadding);
 }
 

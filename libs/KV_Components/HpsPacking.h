@@ -1,4 +1,5 @@
-// How numbers and bytes are packed in hps files; byte by byte in docs/formats/hps.md.
+// The entropy coding of hps files: blocks of bytes through zstd, and numbers as a class byte with extra bits, so that
+// zstd sees only the bytes whose histogram is skewed. Byte by byte in docs/formats/hps.md.
 #pragma once
 #include <array>
 #include <bit>
@@ -6,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -13,9 +15,9 @@
 
 namespace KvComponents::Hps {
 
-static_assert(std::endian::native == std::endian::little, "values are moved between file and memory as they stand");
+static_assert(std::endian::native == std::endian::little, "numbers are copied between file and memory unchanged");
 
-/// Bytes that do not hold what they announce.
+/// Packed bytes that are cut short, or that do not unpack to the announced counts.
 class DamagedData : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -24,15 +26,18 @@ public:
 using ByteVector = std::vector<std::byte>;
 using ByteSpan = std::span<const std::byte>;
 
-/// What a file may announce in memory for each of its bytes. A writer fills up with zeros what compresses further than
-/// that, so that a reader never takes memory out of proportion to a file.
+/// Greatest number of bytes in memory per byte of a file. A reader refuses a file that announces more, so that a small
+/// file cannot make it allocate much; a writer pads data that compresses better than that with zeros.
 inline constexpr std::uint64_t kMaxExpansion = 64;
 
-/// Memory that is not cleared, in large pages where the system offers them: a large array's many small ones cost more
-/// than the work on it. To be given back by std::free(). @throws std::bad_alloc
+/// Counts of vertices, triangles and texture coordinates, and sizes that callers receive, are signed 32-bit numbers.
+inline constexpr std::uint32_t kMaxCount = std::numeric_limits<std::int32_t>::max();
+
+/// Memory that is not cleared, in huge pages where the system has them (files/HugePages.h). To be released by
+/// std::free(). @throws std::bad_alloc
 [[nodiscard]] void* AllocateLarge(std::uint64_t size);
 
-/// An array that is not cleared first.
+/// An array whose elements are not initialised: it is about to be written as a whole.
 template <class T>
 class RawArray {
 public:
@@ -60,20 +65,20 @@ void AppendValue(ByteVector& to, T value) {
     std::memcpy(&to[to.size() - sizeof value], &value, sizeof value);
 }
 
-/// Walks through bytes; throws DamagedData where they end too early.
+/// Reads bytes from front to back; throws DamagedData where they end too early. The bytes must outlive it.
 class ByteReader {
 public:
     explicit ByteReader(ByteSpan bytes) : m_rest(bytes) {}
-    [[nodiscard]] ByteSpan Take(std::uint64_t size) {
+    [[nodiscard]] ByteSpan Read(std::uint64_t size) {
         if (size > m_rest.size()) throw DamagedData("cut short");
-        const ByteSpan taken = m_rest.first(static_cast<std::size_t>(size));
-        m_rest = m_rest.subspan(taken.size());
-        return taken;
+        const ByteSpan bytes = m_rest.first(static_cast<std::size_t>(size));
+        m_rest = m_rest.subspan(bytes.size());
+        return bytes;
     }
     template <class T>
-    [[nodiscard]] T TakeValue() {
+    [[nodiscard]] T ReadValue() {
         T value;
-        std::memcpy(&value, Take(sizeof value).data(), sizeof value);
+        std::memcpy(&value, Read(sizeof value).data(), sizeof value);
         return value;
     }
     [[nodiscard]] ByteSpan Rest() const { return m_rest; }
@@ -82,89 +87,108 @@ private:
     ByteSpan m_rest;
 };
 
-/// What bytes are like.
-enum class Kind {
-    kPattern,   ///< they repeat
-    kScattered  ///< some are more frequent than others, and that is all
+/// What kind of redundancy bytes have: it decides how hard the compressor looks for matches.
+enum class Redundancy {
+    kMatches,   ///< sequences of bytes repeat
+    kHistogram  ///< no sequence repeats but by chance; some bytes are more frequent than others
 };
 /// Appends a block: both lengths, then the bytes, compressed where that makes them fewer.
-void AppendBlock(ByteVector& to, ByteSpan bytes, Kind kind);
+void AppendBlock(ByteVector& to, ByteSpan bytes, Redundancy redundancy);
 
-/// Three numbers of up to 30 bits may be taken behind the end before that is noticed, by loads of 8 bytes.
+/// NumberReader checks for the end once per three numbers of up to 30 bits, which it loads 8 bytes at a time: it can
+/// read this many bytes after the end before the check throws.
 inline constexpr std::size_t kBlockPadding = 16;
-/// The bytes of a block, with kBlockPadding zeros behind them that size() counts.
-/// @param most  how many bytes the block may have: checked before memory is taken
-[[nodiscard]] RawArray<std::byte> TakeBlock(ByteReader& from, std::uint64_t most);
+/// The bytes of a block, followed by kBlockPadding zeros that size() includes.
+/// @param maxSize  greatest number of bytes in the block; checked before memory is allocated
+/// @throws DamagedData
+[[nodiscard]] RawArray<std::byte> ReadBlock(ByteReader& from, std::uint64_t maxSize);
 
-/// Signed differences as numbers whose small ones are small: 0, -1, 1, -2, 2...
+// ---- mapping of residuals to numbers of small magnitude; for single numbers and for vectors of lanes
+
+/// Zigzag encoding of a signed residual (two's complement): 0, -1, 1, -2, 2... become 0, 1, 2, 3, 4...
 [[nodiscard]] constexpr std::uint32_t ZigzagEncode(std::uint32_t difference) {
     return (difference << 1) ^ (0u - (difference >> 31));
 }
-[[nodiscard]] constexpr std::uint32_t UnfoldSign(std::uint32_t folded) { return (folded >> 1) ^ (0u - (folded & 1)); }
+/// @tparam Bits  std::uint32_t, or a vector of them
+template <class Bits>
+[[nodiscard]] constexpr Bits ZigzagDecode(Bits encoded) {
+    return (encoded >> 1) ^ (0u - (encoded & 1u));
+}
 
-/// Floats as numbers in the order of their values, and back, to the bit. Neighbouring floats differ by 1.
-[[nodiscard]] constexpr std::uint32_t OrderedBits(std::uint32_t bits) {
+/// The bits of floats, remapped so that unsigned order is the order of the values: neighbouring floats differ by 1.
+/// FloatBits() is the inverse. Every bit pattern is mapped, those of NaNs too.
+template <class Bits>
+[[nodiscard]] constexpr Bits OrderedBits(Bits bits) {
     return bits ^ ((0u - (bits >> 31)) | 0x80000000u);
 }
-[[nodiscard]] constexpr std::uint32_t FloatBits(std::uint32_t ordered) {
+template <class Bits>
+[[nodiscard]] constexpr Bits FloatBits(Bits ordered) {
     return ordered ^ ((0u - ((ordered >> 31) ^ 1u)) | 0x80000000u);
 }
 
-/// The exponent field of a float: the magnitude of a step to the next float.
+/// The exponent field of a float: log2 of the distance to the next float, plus a constant.
 [[nodiscard]] constexpr std::uint32_t ExponentOf(std::uint32_t bits) { return (bits >> 23) & 0xFF; }
 
-/// Classes of numbers: 0 and 1 are classes of their own, a longer number is told by its length and its second bit.
+// ---- classes: the magnitude of a number, as one byte
+
+/// The class of a number. 0 and 1 have one each; a longer number's class is its bit length and its second highest bit.
 [[nodiscard]] constexpr std::uint32_t ClassOf(std::uint32_t number) {
     if (number < 2) return number;
     const auto length = static_cast<std::uint32_t>(std::bit_width(number));
     return 2 * length - 2 + ((number >> (length - 2)) & 1);
 }
 inline constexpr std::uint32_t kClassCount = 64;
-/// How many bits of a number its class leaves open.
-[[nodiscard]] constexpr std::uint32_t BitsBelow(std::uint32_t kind) { return kind < 4 ? 0 : kind / 2 - 1; }
+/// Number of extra bits, the low bits that the class does not determine.
+[[nodiscard]] constexpr std::uint32_t ExtraBitCount(std::uint32_t kind) { return kind < 4 ? 0 : kind / 2 - 1; }
+/// The smallest number of a class.
 [[nodiscard]] constexpr std::uint32_t SmallestOf(std::uint32_t kind) {
     return kind < 2 ? kind : (2 + (kind & 1)) << (kind / 2 - 1);
 }
 
-/// Numbers as classes, a byte each, and the bits below the class's leading ones. The classes of every plane make a
-/// block, the bits of all planes together another.
+/// Writes numbers in planes, one plane per coordinate or role. The classes of each plane become a block of bytes, the
+/// extra bits of all planes one more block, in the order of the Put() calls.
 class NumberWriter {
 public:
     explicit NumberWriter(std::size_t planeCount) : m_planes(planeCount) {}
-    /// @param scale  what the class is shifted by. Where it follows the magnitude of steps between floats, numbers that
-    ///               are equally large in the unit of the whole get equal classes
+    /// Appends a number to a plane.
+    /// @param scale  shifts the class by twice this. With the exponent of the predicted float, residuals of equal
+    ///               absolute size get equal classes although the distance between neighbouring floats differs
     void Put(std::size_t plane, std::uint32_t number, std::uint32_t scale = 0);
+    /// Appends all blocks. Once, last.
     void Append(ByteVector& to);
 
 private:
     std::vector<std::vector<std::uint8_t>> m_planes;
     ByteVector m_vBits;
-    std::uint64_t m_uPending = 0;
+    std::uint64_t m_uPending = 0;  ///< bits not yet in m_vBits, the oldest one lowest
     unsigned m_uPendingCount = 0;
 };
 
+/// Reads what NumberWriter wrote, in the order of its Put() calls. All members throw DamagedData.
 class NumberReader {
 public:
     static constexpr std::size_t kMaxPlanes = 4;
 
     NumberReader() = default;
-    /// @param most  numbers in a plane
-    NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t most);
+    /// Unpacks the blocks.
+    /// @param maxCount  greatest number of numbers per plane; checked before memory is allocated
+    NumberReader(ByteReader& from, std::size_t planeCount, std::uint64_t maxCount);
 
     /// The next number of a plane.
-    [[nodiscard]] std::uint32_t Take(std::size_t plane, std::uint32_t scale = 0) {
+    [[nodiscard]] std::uint32_t Read(std::size_t plane, std::uint32_t scale = 0) {
         if (m_uBit > m_uBitCount) throw DamagedData("too few bits");
-        return TakeUnlessEnded(m_planes[plane], scale);
+        return ReadNext(m_planes[plane], scale);
     }
-    /// The next number of each of the first three planes, which is what the padding of the bits allows in one go.
+    /// The next number of each of the first three planes. kBlockPadding is the reason why one check of the end is
+    /// enough.
     template <class Scales>
-    [[nodiscard]] std::array<std::uint32_t, 3> TakeThree(const Scales& scales) {
+    [[nodiscard]] std::array<std::uint32_t, 3> ReadThree(const Scales& scales) {
         if (m_uBit > m_uBitCount) throw DamagedData("too few bits");
-        const std::uint32_t first = TakeUnlessEnded(m_planes[0], scales[0]);
-        const std::uint32_t second = TakeUnlessEnded(m_planes[1], scales[1]);
-        return {first, second, TakeUnlessEnded(m_planes[2], scales[2])};
+        const std::uint32_t first = ReadNext(m_planes[0], scales[0]);
+        const std::uint32_t second = ReadNext(m_planes[1], scales[1]);
+        return {first, second, ReadNext(m_planes[2], scales[2])};
     }
-    /// Throws unless each number and each bit was taken, but for those that fill the last byte.
+    /// Throws unless all numbers and all bits were read, except the padding bits of the last byte.
     void ExpectEnd() const;
 
 private:
@@ -174,28 +198,28 @@ private:
         const std::uint8_t* end = nullptr;
     };
     struct Class {
-        std::uint32_t smallest, bits;
+        std::uint32_t smallest, bits;  ///< smallest number, number of extra bits
     };
     static constexpr std::array<Class, kClassCount> kClasses = [] {
         std::array<Class, kClassCount> classes{};
-        for (std::uint32_t i = 0; i < kClassCount; ++i) classes[i] = {SmallestOf(i), BitsBelow(i)};
+        for (std::uint32_t i = 0; i < kClassCount; ++i) classes[i] = {SmallestOf(i), ExtraBitCount(i)};
         return classes;
     }();
 
-    [[nodiscard]] std::uint32_t TakeUnlessEnded(Plane& plane, std::uint32_t scale) {
+    [[nodiscard]] std::uint32_t ReadNext(Plane& plane, std::uint32_t scale) {
         if (plane.at == plane.end) throw DamagedData("too few numbers");
         const auto kind = static_cast<std::uint8_t>(*plane.at++ - 2 * scale);
         if (kind >= kClassCount) throw DamagedData("a number of more than 32 bits");
         std::uint64_t bits;
         std::memcpy(&bits, m_bits.data() + (m_uBit >> 3), sizeof bits);
-        const std::uint64_t below = (bits >> (m_uBit & 7)) & ((std::uint64_t{1} << kClasses[kind].bits) - 1);
+        const std::uint64_t extra = (bits >> (m_uBit & 7)) & ((std::uint64_t{1} << kClasses[kind].bits) - 1);
         m_uBit += kClasses[kind].bits;
-        return kClasses[kind].smallest + static_cast<std::uint32_t>(below);
+        return kClasses[kind].smallest + static_cast<std::uint32_t>(extra);
     }
 
     std::array<Plane, kMaxPlanes> m_planes;
     RawArray<std::byte> m_bits;
-    std::uint64_t m_uBit = 0, m_uBitCount = 0;
+    std::uint64_t m_uBit = 0, m_uBitCount = 0;  ///< next bit to read, bits in the block
 };
 
 }  // namespace KvComponents::Hps

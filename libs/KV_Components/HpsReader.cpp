@@ -1,7 +1,6 @@
-// The reader object: a whole file is checked and unpacked by open, so that whatever is wrong with it is told there.
+// The reader object. Open checks and unpacks the whole file, so that every defect is reported there.
 #include <algorithm>
 #include <future>
-#include <limits>
 
 #include "ComponentReference.h"
 #include "HpsFile.h"
@@ -19,13 +18,6 @@ namespace {
 
 using Hps::ReadError;
 
-struct ReleaseObject {
-    void operator()(Object* object) const { kRelease(object); }
-};
-using ObjectPointer = std::unique_ptr<Object, ReleaseObject>;
-
-constexpr std::size_t kMaxBytes = std::numeric_limits<std::int32_t>::max();  ///< that a size can tell
-
 /// The picture of an image file. @throws Hps::FileError
 ObjectPointer DecodeImage(Hps::ByteSpan file) {
     const ObjectPointer made(MakeImageObject()->MainInterface());
@@ -33,17 +25,13 @@ ObjectPointer DecodeImage(Hps::ByteSpan file) {
     const bool isImage = kQuery(made.get(), image::kInterface, &image) == kSucceeded;
     ObjectPointer result(image);
     if (!isImage || image::kDecodeFile(image, file.data(), file.size()) != kSucceeded)
-        throw Hps::FileError(ReadError::kTexture, "the texture is no picture");
+        throw Hps::FileError(ReadError::kTexture, "the texture is not a picture");
     return result;
 }
 
-class HpsReader final : public Component {
+class HpsReader final : public SingleInterfaceComponent {
 public:
     HpsReader();
-    [[nodiscard]] Interface* FindInterface(std::string_view guid) override {
-        return guid == hps_reader::kInterface ? &m_interface : nullptr;
-    }
-    [[nodiscard]] Interface* MainInterface() override { return &m_interface; }
 
     std::int32_t Open(const wchar_t* path);
     std::int32_t LastError(std::int32_t* code);
@@ -61,18 +49,17 @@ private:
     void Read(const std::string& path);
     void UnpackMesh();
     void SetMesh(Hps::RawArray<float> positions, Hps::RawArray<std::int32_t> indices, bool hasValidIndices);
-    /// Empty without a texture: callers take a block for the sign that there is one.
+    /// Empty when there is no texture: callers conclude from a UV block that there is one.
     [[nodiscard]] Hps::ByteSpan UvBlockOfTexture() const;
-    [[nodiscard]] static std::int32_t TellSize(Hps::ByteSpan of, std::int32_t* size);
+    [[nodiscard]] static std::int32_t ReportSize(Hps::ByteSpan of, std::int32_t* size);
     [[nodiscard]] static std::int32_t CopyBytes(Hps::ByteSpan from, void* to, std::size_t size);
 
-    Interface m_interface;
     ReadError m_error = ReadError::kNone;
     bool m_bIsOpen = false;
     Hps::RawArray<std::byte> m_file;
     Hps::FileContent m_content;  ///< points into m_file
     ComponentReference<HpsMesh> m_mesh;
-    ObjectPointer m_pImage;  ///< decoded by open; none once it was handed out
+    ObjectPointer m_pImage;  ///< decoded by Open(); null after the first Image()
 };
 
 const Object::Entry* ReaderTable() {
@@ -90,7 +77,7 @@ const Object::Entry* ReaderTable() {
     return table.Entries();
 }
 
-HpsReader::HpsReader() : m_interface(ReaderTable(), this) {}
+HpsReader::HpsReader() : SingleInterfaceComponent(hps_reader::kInterface, ReaderTable()) {}
 
 void HpsReader::Reset() {
     m_error = ReadError::kNone;
@@ -103,16 +90,17 @@ void HpsReader::Reset() {
 
 void HpsReader::UnpackMesh() {
     const auto unpackPositions = [this] { return Hps::PackedPositions(m_content.positions, m_content.vertexCount); };
-    constexpr std::size_t kWorthAThread = 100'000;
-    // On this thread, too, when the system has no other.
-    const auto policy = m_content.positions.size() >= kWorthAThread ? std::launch::async | std::launch::deferred
-                                                                    : std::launch::deferred;
+    // Smaller meshes are decoded before a thread would have started, measured as packed bytes.
+    constexpr std::size_t kMinSizeForThread = 100'000;
+    // "deferred" too: on this thread when the system has no further one.
+    const auto policy = m_content.positions.size() >= kMinSizeForThread ? std::launch::async | std::launch::deferred
+                                                                        : std::launch::deferred;
     auto packed = std::async(policy, unpackPositions);
     ReadError section = ReadError::kFacets;
     try {
         Hps::Facets facets = Hps::DecodeFacets(m_content.facets, m_content.vertexCount, m_content.triangleCount);
         if (facets.firstBad != Hps::Facets::kNone) {
-            // The triangles stay to be had, so that a caller can tell which one it is.
+            // The mesh keeps its triangles, so that a caller can report which one is wrong.
             Hps::RawArray<float> positions(3 * std::size_t{m_content.vertexCount});
             std::fill_n(positions.data(), positions.size(), 0.0f);
             SetMesh(std::move(positions), std::move(facets.indices), false);
@@ -135,12 +123,12 @@ void HpsReader::Read(const std::string& path) {
     m_content = Hps::ParseFile(m_file.Span());
     UnpackMesh();
     try {
-        if (m_content.uv.size() > kMaxBytes) throw Hps::DamagedData("too large");
+        if (m_content.uv.size() > Hps::kMaxCount) throw Hps::DamagedData("too large");
         if (!m_content.uv.empty()) (void)Hps::MeasureUv(m_content.uv);
     } catch (const Hps::DamagedData& damage) {
         throw Hps::FileError(ReadError::kUv, damage.what());
     }
-    if (m_content.texture.size() > kMaxBytes) throw Hps::FileError(ReadError::kTexture, "too large");
+    if (m_content.texture.size() > Hps::kMaxCount) throw Hps::FileError(ReadError::kTexture, "too large");
     if (!m_content.texture.empty()) m_pImage = DecodeImage(m_content.texture);
 }
 
@@ -154,7 +142,7 @@ std::int32_t HpsReader::Open(const wchar_t* path) {
         m_error = error.m_code;
         return kFailed;
     } catch (...) {
-        Reset();  // else a mesh would be left of a file that is not open
+        Reset();  // a reader that is not open must not return a mesh
         throw;
     }
     m_bIsOpen = true;
@@ -171,7 +159,7 @@ Hps::ByteSpan HpsReader::UvBlockOfTexture() const {
     return m_bIsOpen && !m_content.texture.empty() ? m_content.uv : Hps::ByteSpan();
 }
 
-std::int32_t HpsReader::TellSize(Hps::ByteSpan of, std::int32_t* size) {
+std::int32_t HpsReader::ReportSize(Hps::ByteSpan of, std::int32_t* size) {
     if (size == nullptr) return kInvalidArgument;
     *size = 0;
     if (of.empty()) return kFailed;
@@ -187,14 +175,14 @@ std::int32_t HpsReader::CopyBytes(Hps::ByteSpan from, void* to, std::size_t size
     return kSucceeded;
 }
 
-std::int32_t HpsReader::UvBlockSize(std::int32_t* size) { return TellSize(UvBlockOfTexture(), size); }
+std::int32_t HpsReader::UvBlockSize(std::int32_t* size) { return ReportSize(UvBlockOfTexture(), size); }
 
 std::int32_t HpsReader::UvBlock(void* block, std::size_t size) { return CopyBytes(UvBlockOfTexture(), block, size); }
 
 std::int32_t HpsReader::ImageFileSize(std::int32_t* size, std::int32_t* reserved1, std::int32_t* reserved2) {
     if (reserved1 != nullptr) *reserved1 = 0;
     if (reserved2 != nullptr) *reserved2 = 0;
-    return TellSize(m_bIsOpen ? m_content.texture : Hps::ByteSpan(), size);
+    return ReportSize(m_bIsOpen ? m_content.texture : Hps::ByteSpan(), size);
 }
 
 std::int32_t HpsReader::ImageFileBytes(void* bytes, std::size_t size) {
@@ -205,7 +193,7 @@ std::int32_t HpsReader::Image(Object** image) {
     if (image == nullptr) return kInvalidArgument;
     *image = nullptr;
     if (!m_bIsOpen || m_content.texture.empty()) return kFailed;
-    // Every caller gets a picture of its own, which it may turn round; the first one that of open.
+    // Each caller gets its own image, which it may flip; the first one gets the image that Open() decoded.
     *image = m_pImage ? m_pImage.release() : DecodeImage(m_content.texture).release();
     return kSucceeded;
 }

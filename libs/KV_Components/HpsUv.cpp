@@ -1,15 +1,14 @@
-// Lists of pairs by vertex, and how they are packed: each number by its difference from the one before.
+// Lists of pairs by vertex, packed as the residuals of the previous pair.
 #include "HpsUv.h"
 
 #include <algorithm>
 #include <bit>
-#include <limits>
 
 namespace KvComponents::Hps {
 
 namespace {
 
-/// A pair's bits: equal bits, and nothing else, make equal pairs.
+/// A pair's bits: pairs are compared by bits, so that NaNs and signed zeros are kept.
 struct Pair {
     std::uint32_t u, v;
     bool operator==(const Pair&) const = default;
@@ -17,7 +16,7 @@ struct Pair {
 
 constexpr std::size_t kPlaneCount = 2;
 
-/// Pairs by vertex, in the order of the corners.
+/// The pairs of all corners, sorted by vertex (counting sort, so that the order of the corners is kept).
 class PairsByVertex {
 public:
     PairsByVertex(std::span<const std::int32_t> indices, std::uint32_t vertexCount, std::span<const float> pairs)
@@ -35,12 +34,15 @@ public:
     }
 
 private:
-    std::vector<std::size_t> m_vEnds;  ///< where the pairs of the vertex before end
+    std::vector<std::size_t> m_vEnds;  ///< entry v is where the pairs of vertex v begin, entry v + 1 where they end
     std::vector<Pair> m_vPairs;
 };
 
-/// The length of the shortest list whose repetition gives @p pairs: their length less that of their longest border, the
-/// part which they both begin and end with (Knuth, Morris and Pratt).
+/// @return the smallest period of @p pairs, the length of the shortest list whose repetition they are: their length
+/// minus
+///         the length of their longest border (a proper prefix that is also a suffix), which the failure function of
+///         Knuth, Morris and Pratt computes in linear time
+/// @param borders  scratch memory
 std::size_t PeriodOf(std::span<const Pair> pairs, std::vector<std::size_t>& borders) {
     if (std::all_of(pairs.begin(), pairs.end(), [&](const Pair& pair) { return pair == pairs[0]; }))
         return std::min<std::size_t>(pairs.size(), 1);
@@ -53,14 +55,15 @@ std::size_t PeriodOf(std::span<const Pair> pairs, std::vector<std::size_t>& bord
     return pairs.size() - borders.back();
 }
 
-void PutDifference(NumberWriter& numbers, std::size_t plane, std::uint32_t value, std::uint32_t before) {
+void PutResidual(NumberWriter& numbers, std::size_t plane, std::uint32_t value, std::uint32_t before) {
     numbers.Put(plane, ZigzagEncode(OrderedBits(value) - OrderedBits(before)), ExponentOf(before));
 }
 
-std::uint32_t TakeDifference(NumberReader& numbers, std::size_t plane, std::uint32_t before) {
-    return FloatBits(OrderedBits(before) + UnfoldSign(numbers.Take(plane, ExponentOf(before))));
+std::uint32_t ReadValue(NumberReader& numbers, std::size_t plane, std::uint32_t before) {
+    return FloatBits(OrderedBits(before) + ZigzagDecode(numbers.Read(plane, ExponentOf(before))));
 }
 
+/// Memory for the unpacked lists.
 std::uint64_t BytesOf(const UvCounts& counts) { return counts.vertices + std::uint64_t{sizeof(Pair)} * counts.pairs; }
 
 }  // namespace
@@ -80,29 +83,28 @@ std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uin
         pairsOfVertex.push_back(static_cast<std::uint8_t>(period));
         pairCount += period;
         for (const Pair& pair : list.first(period)) {
-            PutDifference(numbers, 0, pair.u, before.u);
-            PutDifference(numbers, 1, pair.v, before.v);
+            PutResidual(numbers, 0, pair.u, before.u);
+            PutResidual(numbers, 1, pair.v, before.v);
             before = pair;
         }
     }
-    if (pairCount > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
+    if (pairCount > kMaxCount) return std::nullopt;
     ByteVector block;
     AppendValue(block, vertexCount);
     AppendValue(block, static_cast<std::uint32_t>(pairCount));
-    AppendBlock(block, std::as_bytes(std::span(pairsOfVertex)), Kind::kPattern);
+    AppendBlock(block, std::as_bytes(std::span(pairsOfVertex)), Redundancy::kMatches);
     numbers.Append(block);
-    const std::uint64_t least = BytesOf({vertexCount, static_cast<std::uint32_t>(pairCount)}) / kMaxExpansion;
-    if (block.size() < least) block.resize(least);
+    const std::uint64_t minSize = BytesOf({vertexCount, static_cast<std::uint32_t>(pairCount)}) / kMaxExpansion;
+    if (block.size() < minSize) block.resize(minSize);
     return block;
 }
 
 UvCounts MeasureUv(ByteSpan block) {
     ByteReader from(block);
     UvCounts counts;
-    counts.vertices = from.TakeValue<std::uint32_t>();
-    counts.pairs = from.TakeValue<std::uint32_t>();
-    constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
-    if (counts.vertices > kMost || counts.pairs > kMost) throw DamagedData("impossible number of pairs");
+    counts.vertices = from.ReadValue<std::uint32_t>();
+    counts.pairs = from.ReadValue<std::uint32_t>();
+    if (counts.vertices > kMaxCount || counts.pairs > kMaxCount) throw DamagedData("impossible number of pairs");
     if (BytesOf(counts) / kMaxExpansion > block.size()) throw DamagedData("pairs out of proportion to the block");
     return counts;
 }
@@ -110,7 +112,7 @@ UvCounts MeasureUv(ByteSpan block) {
 void UnpackUv(ByteSpan block, std::span<std::uint8_t> pairsOfVertex, std::span<float> pairs) {
     const UvCounts counts = MeasureUv(block);
     ByteReader from(block.subspan(2 * sizeof(std::uint32_t)));
-    const RawArray<std::byte> lengths = TakeBlock(from, counts.vertices);
+    const RawArray<std::byte> lengths = ReadBlock(from, counts.vertices);
     if (lengths.size() - kBlockPadding != pairsOfVertex.size()) throw DamagedData("another number of vertices");
     std::uint64_t sum = 0;
     for (std::size_t v = 0; v < pairsOfVertex.size(); ++v) sum += static_cast<std::uint8_t>(lengths[v]);
@@ -118,7 +120,7 @@ void UnpackUv(ByteSpan block, std::span<std::uint8_t> pairsOfVertex, std::span<f
     NumberReader numbers(from, kPlaneCount, counts.pairs);
     Pair before{0, 0};
     for (std::size_t i = 0; i < pairs.size(); i += 2) {
-        before = {TakeDifference(numbers, 0, before.u), TakeDifference(numbers, 1, before.v)};
+        before = {ReadValue(numbers, 0, before.u), ReadValue(numbers, 1, before.v)};
         std::memcpy(&pairs[i], &before, sizeof before);
     }
     numbers.ExpectEnd();

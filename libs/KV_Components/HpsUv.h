@@ -1,4 +1,4 @@
-// The UV block of an hps file: a few pairs u, v a vertex, handed out in turn to the corners that use it.
+// The UV block of an hps file: a short list of (u, v) pairs per vertex, which its corners use in turn.
 #pragma once
 #include <cstdint>
 #include <optional>
@@ -10,10 +10,11 @@ namespace KvComponents::Hps {
 
 inline constexpr std::size_t kMaxPairsOfVertex = 255;
 
-/// The block of the pairs of all corners. Corner for corner in the order of the triangles, a vertex's pairs are its
-/// list over and over; the list is the shortest that does so. Pairs are alike when their bits are.
-/// @param pairs  two values for each of the indices
-/// @return nothing when a vertex needs a list of more than kMaxPairsOfVertex
+/// Packs the texture coordinates of all corners. In the order of the triangles, the corners that use a vertex have the
+/// pairs of its list one after the other, from the start again after its end; the list is the shortest that does so.
+/// Pairs are equal when their bits are.
+/// @param pairs  u, v for each of the indices
+/// @return nullopt when a vertex needs a list of more than kMaxPairsOfVertex
 [[nodiscard]] std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uint32_t vertexCount,
                                                std::span<const float> pairs);
 
@@ -21,11 +22,12 @@ struct UvCounts {
     std::uint32_t vertices = 0, pairs = 0;
 };
 
-/// What the block announces, checked against its length. @throws DamagedData
+/// The counts at the start of a block, checked against its length. @throws DamagedData
 [[nodiscard]] UvCounts MeasureUv(ByteSpan block);
 
-/// @param pairsOfVertex  MeasureUv().vertices entries
-/// @param pairs          two values for each of MeasureUv().pairs, those of vertex 0 first
+/// Unpacks a block.
+/// @param pairsOfVertex  receives the length of each vertex's list; MeasureUv().vertices entries
+/// @param pairs          receives u, v of each pair, those of vertex 0 first; 2 * MeasureUv().pairs entries
 /// @throws DamagedData
 void UnpackUv(ByteSpan block, std::span<std::uint8_t> pairsOfVertex, std::span<float> pairs);
 

@@ -1,4 +1,4 @@
-// The object that unpacks UV blocks.
+// The UV decoder object: HpsUv.h behind the binary interface. It has no state.
 #include <new>
 
 #include "HpsUv.h"
@@ -11,21 +11,14 @@ namespace {
 
 Hps::ByteSpan Bytes(const void* bytes, std::size_t size) { return {static_cast<const std::byte*>(bytes), size}; }
 
-class HpsUvDecoder final : public Component {
+class HpsUvDecoder final : public SingleInterfaceComponent {
 public:
     HpsUvDecoder();
-    [[nodiscard]] Interface* FindInterface(std::string_view guid) override {
-        return guid == hps_uv_decoder::kInterface ? &m_interface : nullptr;
-    }
-    [[nodiscard]] Interface* MainInterface() override { return &m_interface; }
 
     std::int32_t Measure(const void* block, std::size_t size, std::int32_t* vertexCount, std::int32_t* pairCount,
                          std::int32_t* reserved);
     std::int32_t Decode(const void* block, std::size_t size, std::uint8_t* pairsOfVertex, std::size_t pairsOfVertexSize,
                         float* pairs, std::size_t pairsSize);
-
-private:
-    Interface m_interface;
 };
 
 const Object::Entry* DecoderTable() {
@@ -35,7 +28,7 @@ const Object::Entry* DecoderTable() {
     return table.Entries();
 }
 
-HpsUvDecoder::HpsUvDecoder() : m_interface(DecoderTable(), this) {}
+HpsUvDecoder::HpsUvDecoder() : SingleInterfaceComponent(hps_uv_decoder::kInterface, DecoderTable()) {}
 
 std::int32_t HpsUvDecoder::Measure(const void* block, std::size_t size, std::int32_t* vertexCount,
                                    std::int32_t* pairCount, std::int32_t* reserved) {

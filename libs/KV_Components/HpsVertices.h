@@ -1,4 +1,4 @@
-// The positions of an hps file, to the bit.
+// The positions of an hps file. Lossless: every bit of every coordinate is kept, NaNs and signed zeros included.
 #pragma once
 #include <cstdint>
 #include <span>
@@ -8,22 +8,25 @@
 
 namespace KvComponents::Hps {
 
-/// The packed positions.
+/// Packs the positions; the order is that of the introductions.
 /// @param positions      x, y, z of each vertex
 /// @param introductions  of EncodeFacets()
 [[nodiscard]] ByteVector EncodePositions(std::span<const float> positions, std::span<const Introduction> introductions);
 
-/// Positions unpacked in two steps, of which the first needs no triangles and may run beside their decoding.
+/// Unpacks positions in two steps. The first one, the entropy decoding, does not need the triangles and can run on
+/// another thread while they are decoded.
 class PackedPositions {
 public:
-    /// @throws DamagedData
+    /// Decodes the residuals. @throws DamagedData
     PackedPositions(ByteSpan bytes, std::uint32_t vertexCount);
-    /// Once. @param introductions  of DecodeFacets(), each vertex once
+    /// Adds the predictions. To be called once.
+    /// @param introductions  of DecodeFacets(), each vertex once
+    /// @return x, y, z of each vertex
     /// @throws DamagedData
     [[nodiscard]] RawArray<float> Decode(std::span<const Introduction> introductions);
 
 private:
-    std::uint32_t m_uShare = 0;
+    std::uint32_t m_uGain = 0;
     NumberReader m_numbers;
 };
 

@@ -1,4 +1,4 @@
-// Pictures out of png and jpeg files.
+// Decodes png and jpeg files to pixels of four bytes.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -8,27 +8,28 @@
 
 namespace KvComponents {
 
-/// Pixels of red, green, blue, alpha, a byte each; row after row, the first is the top.
+/// Pixels of 4 bytes: red, green, blue, alpha. Row by row without padding, the top row first.
 struct Picture {
     std::int32_t m_iWidth = 0;
     std::int32_t m_iHeight = 0;
     std::vector<std::uint8_t> m_vRgba;
 };
 
-inline constexpr std::int32_t kLongestSide = 16384;
+inline constexpr std::int32_t kMaxImageSide = 16384;  ///< pixels
 
-/// Whether a file of that size may hold such a picture: no side longer than kLongestSide, and no more pixels than an
-/// honest file of that size could bring, so that a small file cannot take memory out of proportion.
+/// Whether a file of @p fileSize bytes may announce a picture of that size: no side is longer than kMaxImageSide, and
+/// there are no more pixels than the format can compress into the file, so that a small file cannot make the decoder
+/// allocate much memory.
 [[nodiscard]] bool IsPictureSize(std::uint32_t width, std::uint32_t height, std::size_t fileSize);
 
-/// The sample values as they stand, without colour management or turning; opaque where the file has no alpha. CMYK
-/// becomes RGB by multiplication.
-/// @return nothing when the file is no png or jpeg, is cut short or damaged as far as the format shows it, or when
-///         IsPictureSize() refuses it
+/// Decodes a png or jpeg file, by its first bytes. The sample values are not changed: no colour management, and the
+/// orientation in the metadata is ignored. Alpha is 255 where the file has none. CMYK becomes RGB by multiplication.
+/// @return nullopt when the file is in another format, is cut short or damaged as far as the format can detect, or is
+///         refused by IsPictureSize()
 /// @throws std::bad_alloc
 [[nodiscard]] std::optional<Picture> DecodeImage(std::span<const std::uint8_t> file);
 
-// The two halves; ImageDecodePng.cpp and ImageDecodeJpeg.cpp.
+// One decoder per format, in ImageDecodePng.cpp and ImageDecodeJpeg.cpp.
 [[nodiscard]] std::optional<Picture> DecodePng(std::span<const std::uint8_t> file);
 [[nodiscard]] std::optional<Picture> DecodeJpeg(std::span<const std::uint8_t> file);
 

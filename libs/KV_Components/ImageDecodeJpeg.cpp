@@ -1,9 +1,9 @@
-// Pictures out of jpeg files, by libjpeg-turbo. Its errors jump: the functions that an error can leave so hold nothing
-// that would have to be destroyed, and whatever must be released belongs to JpegReader.
-#include <cstdio>  // which jpeglib.h needs and does not include
-// The order matters.
+// Decodes jpeg files by libjpeg-turbo. The library reports errors by longjmp(): a function that can be left this way
+// has no local object with a destructor, and the library's own objects are members of JpegReader, which releases them.
+#include <cstdio>  // jpeglib.h needs it and does not include it
+// The order of the next two matters; the comments keep the formatter from sorting them.
 #include <jpeglib.h>
-// The order matters.
+// jerror.h needs jpeglib.h.
 #include <jerror.h>
 
 #include <csetjmp>
@@ -14,12 +14,12 @@ namespace KvComponents {
 
 namespace {
 
-// A progressive file can bring any number of empty scans over a large picture, each a pass over all of it. Encoders
+// A progressive file can have any number of empty scans, each of which costs a pass over the whole picture. Encoders
 // write about ten.
 constexpr int kMaxScans = 100;
 
-/// Warnings about what many sound files carry. All others tell that picture data are missing or wrong, which the
-/// library would replace by grey.
+/// Warnings about details that many intact files have. All other warnings mean that picture data are missing or wrong;
+/// the library would replace them by grey.
 bool IsHarmless(int warning) {
     return warning == JWRN_EXTRANEOUS_DATA || warning == JWRN_JFIF_MAJOR || warning == JWRN_ADOBE_XFORM;
 }
@@ -30,7 +30,7 @@ public:
         m_jpeg.err = jpeg_std_error(&m_errors);
         m_jpeg.client_data = this;
         m_errors.error_exit = &Fail;
-        m_errors.emit_message = &JudgeMessage;
+        m_errors.emit_message = &HandleMessage;
         m_errors.output_message = [](j_common_ptr) {};
         m_progress.progress_monitor = &CountScans;
     }
@@ -48,8 +48,8 @@ public:
         m_jpeg.out_color_space = IsCmyk() ? JCS_CMYK : JCS_EXT_RGBA;
         return true;
     }
-    /// Four bytes a pixel: CMYK as it stands in the file, else RGBA. Up to the end of the file, so that a missing rest
-    /// shows.
+    /// Reads 4 bytes per pixel: CMYK as in the file, otherwise RGBA. Reads up to the end of the file, so that a file
+    /// that is cut short is detected.
     [[nodiscard]] bool ReadRows(std::uint8_t* pixels) {
         if (setjmp(m_failed) != 0) return false;
         jpeg_start_decompress(&m_jpeg);
@@ -65,14 +65,14 @@ public:
     [[nodiscard]] JDIMENSION Width() const { return m_jpeg.image_width; }
     [[nodiscard]] JDIMENSION Height() const { return m_jpeg.image_height; }
     [[nodiscard]] bool IsCmyk() const { return m_jpeg.num_components == 4; }
-    /// Programs that leave this mark count ink from 255 downward.
-    [[nodiscard]] bool HasAdobeMark() const { return m_jpeg.saw_Adobe_marker != 0; }
+    /// Whether CMYK values are inverted (255 is no ink), as programs that write this marker do.
+    [[nodiscard]] bool HasAdobeMarker() const { return m_jpeg.saw_Adobe_marker != 0; }
 
 private:
     [[noreturn]] static void Fail(j_common_ptr jpeg) {
         std::longjmp(static_cast<JpegReader*>(jpeg->client_data)->m_failed, 1);
     }
-    static void JudgeMessage(j_common_ptr jpeg, int level) {
+    static void HandleMessage(j_common_ptr jpeg, int level) {
         const bool isWarning = level < 0;
         if (isWarning && !IsHarmless(jpeg->err->msg_code)) Fail(jpeg);
     }
@@ -87,7 +87,7 @@ private:
 };
 
 /// @param inverted  whether 255 is no ink
-void TurnCmykIntoRgba(std::span<std::uint8_t> pixels, bool inverted) {
+void ConvertCmykToRgba(std::span<std::uint8_t> pixels, bool inverted) {
     const unsigned flip = inverted ? 0 : 255;
     for (std::size_t i = 0; i < pixels.size(); i += 4) {
         const unsigned light = pixels[i + 3] ^ flip;
@@ -105,7 +105,7 @@ std::optional<Picture> DecodeJpeg(std::span<const std::uint8_t> file) {
     Picture picture{static_cast<std::int32_t>(reader.Width()), static_cast<std::int32_t>(reader.Height()), {}};
     picture.m_vRgba.resize(std::size_t{4} * reader.Width() * reader.Height());
     if (!reader.ReadRows(picture.m_vRgba.data())) return std::nullopt;
-    if (reader.IsCmyk()) TurnCmykIntoRgba(picture.m_vRgba, reader.HasAdobeMark());
+    if (reader.IsCmyk()) ConvertCmykToRgba(picture.m_vRgba, reader.HasAdobeMarker());
     return picture;
 }
 

@@ -1,5 +1,5 @@
-// Pictures out of png files, by libpng. Its errors jump: the functions that an error can leave so hold nothing that
-// would have to be destroyed, and whatever must be released belongs to PngReader.
+// Decodes png files by libpng. The library reports errors by longjmp(): a function that can be left this way has no
+// local object with a destructor, and the library's own objects are members of PngReader, which releases them.
 #include <png.h>
 
 #include <csetjmp>
@@ -13,11 +13,11 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// Both replace handlers that print.
+// Both replace handlers that print to standard error.
 [[noreturn]] void Fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void IgnoreWarning(png_structp, png_const_charp) {}
 
-void TakeBytes(png_structp png, png_bytep out, std::size_t size) {
+void ReadBytes(png_structp png, png_bytep out, std::size_t size) {
     auto& rest = *static_cast<Bytes*>(png_get_io_ptr(png));
     if (size > rest.size()) png_error(png, "the file is cut short");
     std::memcpy(out, rest.data(), size);
@@ -34,12 +34,12 @@ public:
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
 
-    /// Reads up to the pixels, and asks for them as four bytes each.
+    /// Reads up to the pixels, and requests them as RGBA of 4 bytes, whatever the file has.
     [[nodiscard]] bool ReadHeader() {
         if (m_info == nullptr || setjmp(png_jmpbuf(m_png)) != 0) return false;
-        png_set_read_fn(m_png, &m_rest, &TakeBytes);
-        png_set_user_limits(m_png, kLongestSide, kLongestSide);
-        // Texts and profiles, which may be long, are stepped over.
+        png_set_read_fn(m_png, &m_rest, &ReadBytes);
+        png_set_user_limits(m_png, kMaxImageSide, kMaxImageSide);
+        // Chunks with texts and profiles, which can be long, are skipped.
         png_set_keep_unknown_chunks(m_png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(m_png, m_info);
         png_set_expand(m_png);
@@ -50,7 +50,7 @@ public:
         png_read_update_info(m_png, m_info);
         return png_get_rowbytes(m_png, m_info) == std::size_t{4} * Width();
     }
-    /// Up to the end of the file, so that a missing rest shows.
+    /// Reads up to the end of the file, so that a file that is cut short is detected.
     [[nodiscard]] bool ReadRows(png_bytepp rows) {
         if (setjmp(png_jmpbuf(m_png)) != 0) return false;
         png_read_image(m_png, rows);

@@ -1,4 +1,4 @@
-// The image object: the picture it holds, and its table of operations. Files are read by ImageDecode.h.
+// The image object: one picture in memory and the operations on it. Image files are decoded by ImageDecode.h.
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -11,12 +11,9 @@ namespace KvComponents {
 
 namespace {
 
-class ImageObject final : public Component {
+class ImageObject final : public SingleInterfaceComponent {
 public:
-    Interface* FindInterface(std::string_view guid) override {
-        return guid == image::kInterface ? &m_interface : nullptr;
-    }
-    Interface* MainInterface() override { return &m_interface; }
+    ImageObject() : SingleInterfaceComponent(image::kInterface, Operations()) {}
 
 private:
     std::int32_t Size(std::int32_t* width, std::int32_t* height) {
@@ -27,7 +24,7 @@ private:
     }
 
     std::int32_t SetSize(std::int32_t width, std::int32_t height) {
-        if (width <= 0 || height <= 0 || width > kLongestSide || height > kLongestSide) return kInvalidArgument;
+        if (width <= 0 || height <= 0 || width > kMaxImageSide || height > kMaxImageSide) return kInvalidArgument;
         Picture picture{width, height, {}};
         picture.m_vRgba.resize(std::size_t{4} * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
         m_picture = std::move(picture);
@@ -76,7 +73,6 @@ private:
         return table.Entries();
     }
 
-    Interface m_interface{Operations(), this};
     Picture m_picture;
 };
 

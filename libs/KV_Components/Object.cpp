@@ -1,4 +1,4 @@
-// Reference counts, and the three operations that every object has.
+// Reference counts, and the three operations of every object.
 #include "Object.h"
 
 namespace KvComponents {

@@ -1,5 +1,5 @@
-// What every object of the library is made of: a reference count, interfaces by GUID, and tables of operations that
-// turn into calls of member functions.
+// The parts that every object of the library is made of: a reference count, interfaces by GUID, and tables of
+// operations that call member functions.
 #pragma once
 #include <array>
 #include <atomic>
@@ -14,13 +14,14 @@ namespace KvComponents {
 
 class Component;
 
-/// One interface of a component: what callers hold an Object pointer to.
+/// One interface of a component. Callers hold a pointer to its base, Object.
 struct Interface : Object {
     Interface(const Entry* operations, Component* owner) : Object{operations}, m_pOwner(owner) {}
-    Component* m_pOwner;
+    Component* m_pOwner;  ///< the component that the interface is a member of
 };
 
-/// A reference-counted object. Begins with one reference, which belongs to whoever made it.
+/// A reference-counted object. It begins with one reference, which belongs to the code that created it, and deletes
+/// itself with the last one. References can be added and released on any thread.
 class Component {
 public:
     Component();
@@ -28,34 +29,55 @@ public:
     Component(const Component&) = delete;
     Component& operator=(const Component&) = delete;
 
-    /// The interface of that GUID without a further reference; null when there is none.
+    /// @return the interface of that GUID, without a further reference; null when there is none
     [[nodiscard]] virtual Interface* FindInterface(std::string_view guid) = 0;
-    /// What a factory hands out, before anybody asked for an interface.
+    /// The interface that a factory returns.
     [[nodiscard]] virtual Interface* MainInterface() = 0;
 
     void AddReference();
     void Release();
 
-    /// How many components of the process are alive: tests look here for leaks.
+    /// Number of components in the process. Tests detect leaks by it.
     [[nodiscard]] static std::int32_t LiveCount();
 
 private:
     std::atomic<std::int32_t> m_iReferences{1};
 };
 
-/// The component behind an interface pointer of a table that T's operations stand in.
+/// A component that has one interface only.
+class SingleInterfaceComponent : public Component {
+public:
+    [[nodiscard]] Interface* FindInterface(std::string_view guid) final {
+        return guid == m_guid ? &m_interface : nullptr;
+    }
+    [[nodiscard]] Interface* MainInterface() final { return &m_interface; }
+
+protected:
+    /// @param guid        of the interface; must outlive the component
+    /// @param operations  table of the interface; must outlive the component
+    SingleInterfaceComponent(std::string_view guid, const Object::Entry* operations)
+        : m_guid(guid), m_interface(operations, this) {}
+
+private:
+    std::string_view m_guid;
+    Interface m_interface;
+};
+
+/// @param object  an interface whose table calls operations of class T
+/// @return the component that it belongs to
 template <class T>
 [[nodiscard]] T& OwnerOf(Object* object) {
     return static_cast<T&>(*static_cast<Interface*>(object)->m_pOwner);
 }
 
-/// A table of operations whose entries 0 to 2 are those of every object and whose others answer kNotImplemented until
-/// they are set.
+/// A table of operations. Entries 0 to 2 are the operations of every object; each other entry returns kNotImplemented
+/// until it is set.
 class OperationTable {
 public:
     OperationTable();
 
-    /// Enters a member function, which may throw: its caller then sees kException.
+    /// Sets the entry of an operation to a member function. When that throws, the caller of the entry receives
+    /// kException: an exception must not cross the binary interface.
     template <auto Member, class Result, class... Arguments>
     OperationTable& Set(const Operation<Result(Arguments...)>& operation) {
         const typename Operation<Result(Arguments...)>::Function entry = &Enter<Member, Result, Arguments...>;

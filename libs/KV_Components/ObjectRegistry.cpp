@@ -1,4 +1,4 @@
-// Makes objects by their GUID.
+// The table of factories.
 #include "ObjectRegistry.h"
 
 #include "KV_Components/Hps.h"

@@ -1,4 +1,4 @@
-// Which factory GUIDs the library knows.
+// The kinds of objects that the library can create, by the GUID of their factory.
 #pragma once
 #include <string_view>
 
@@ -6,10 +6,11 @@
 
 namespace KvComponents {
 
-/// A new object with one reference, whether or not the registry is started; null when there is no such GUID.
+/// @return a new object with one reference for the caller, whether or not the registry is started; null when no factory
+///         has this GUID
 [[nodiscard]] Object* MakeObject(std::string_view factoryGuid);
 
-// One maker a kind of object, each beside its class.
+// One function per kind of object, each in the source file of its class. The new object has one reference.
 [[nodiscard]] Component* MakeImageObject();
 [[nodiscard]] Component* MakeHpsReader();
 [[nodiscard]] Component* MakeHpsMesh();

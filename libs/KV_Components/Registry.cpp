@@ -1,4 +1,4 @@
-// The three entries of the library.
+// The three exported functions of the library.
 #include "KV_Components/Registry.h"
 
 #include <atomic>
@@ -22,7 +22,7 @@ KvComponents::Object* KV_Components_Ordinal2(const char* guid) {
 }
 
 void KV_Components_Ordinal3() {
-    // A stop without a start changes nothing.
+    // A stop without a start is ignored: the count never becomes negative.
     int starts = g_starts;
     while (starts > 0 && !g_starts.compare_exchange_weak(starts, starts - 1)) {
     }

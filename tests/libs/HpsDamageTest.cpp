@@ -134,7 +134,7 @@ ByteVector WithTheFirstTriangleOnAnEdge() {
         parts.triangleCount = 1;
         parts.facets.clear();
         const std::byte codeOfTheYoungestEdge{0};
-        Hps::AppendBlock(parts.facets, {&codeOfTheYoungestEdge, 1}, Hps::Kind::kPattern);
+        Hps::AppendBlock(parts.facets, {&codeOfTheYoungestEdge, 1}, Hps::Redundancy::kMatches);
         Hps::NumberWriter(4).Append(parts.facets);
     });
 }

@@ -17,7 +17,7 @@ TEST(HpsNumbers, FoldedSignsAreSmallForSmallDifferences) {
     const std::uint32_t folded[] = {0, 1, 2, 3, 4, 0xFFFFFFFE, 0xFFFFFFFF};
     for (std::size_t i = 0; i < std::size(folded); ++i) {
         EXPECT_EQ(ZigzagEncode(differences[i]), folded[i]);
-        EXPECT_EQ(UnfoldSign(folded[i]), differences[i]);
+        EXPECT_EQ(ZigzagDecode(folded[i]), differences[i]);
     }
 }
 
@@ -35,7 +35,7 @@ TEST(HpsNumbers, EveryNumberIsOneOfItsClass) {
     std::uint32_t expected = 0;
     for (std::uint32_t kind = 0; kind < kClassCount; ++kind) {
         EXPECT_EQ(SmallestOf(kind), expected) << kind;
-        const std::uint32_t largest = expected + ((1u << BitsBelow(kind)) - 1);
+        const std::uint32_t largest = expected + ((1u << ExtraBitCount(kind)) - 1);
         EXPECT_EQ(ClassOf(expected), kind);
         EXPECT_EQ(ClassOf(largest), kind);
         expected = largest + 1;
@@ -56,13 +56,13 @@ TEST(HpsNumbers, ComeBackWhateverTheirSizeAndScale) {
     for (std::size_t i = 0; i < numbers.size(); i += 6) {
         const std::uint32_t scales[] = {static_cast<std::uint32_t>(i % 256), static_cast<std::uint32_t>((i + 1) % 256),
                                         static_cast<std::uint32_t>((i + 2) % 256)};
-        const auto three = reader.TakeThree(scales);
+        const auto three = reader.ReadThree(scales);
         for (std::size_t k = 0; k < 3; ++k) ASSERT_EQ(three[k], numbers[i + k]) << i;
         for (std::size_t k = 3; k < 6; ++k)
-            ASSERT_EQ(reader.Take(k % 3, static_cast<std::uint32_t>((i + k) % 256)), numbers[i + k]) << i;
+            ASSERT_EQ(reader.Read(k % 3, static_cast<std::uint32_t>((i + k) % 256)), numbers[i + k]) << i;
     }
     reader.ExpectEnd();
-    EXPECT_THROW((void)reader.Take(0), DamagedData);
+    EXPECT_THROW((void)reader.Read(0), DamagedData);
     EXPECT_TRUE(from.Rest().empty());
 }
 
@@ -85,15 +85,15 @@ TEST(HpsBlocks, ComeBackCompressedOrNot) {
             if (isRandom)
                 for (std::byte& byte : bytes) byte = static_cast<std::byte>(random());
             ByteVector packed;
-            AppendBlock(packed, bytes, Kind::kPattern);
+            AppendBlock(packed, bytes, Redundancy::kMatches);
             ByteReader from(packed);
-            const RawArray<std::byte> back = TakeBlock(from, size);
+            const RawArray<std::byte> back = ReadBlock(from, size);
             ASSERT_EQ(back.size(), size + kBlockPadding);
             EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), back.data()));
             for (std::size_t i = 0; i < kBlockPadding; ++i) EXPECT_EQ(back[size + i], std::byte{});
             if (size > 0) {
                 ByteReader again(packed);
-                EXPECT_THROW((void)TakeBlock(again, size - 1), DamagedData);
+                EXPECT_THROW((void)ReadBlock(again, size - 1), DamagedData);
             }
         }
     }

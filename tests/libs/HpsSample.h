@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "KV_Components/ComponentReference.h"
 #include "KV_Components/Hps.h"
 #include "KV_Components/HpsFacets.h"
 #include "KV_Components/HpsFile.h"
@@ -20,11 +21,6 @@
 namespace HpsSample {
 
 using namespace KvComponents;
-
-struct ReleaseObject {
-    void operator()(Object* object) const { kRelease(object); }
-};
-using ObjectPointer = std::unique_ptr<Object, ReleaseObject>;
 
 /// A new object, by the interface that callers work with.
 inline ObjectPointer Make(const char* factory, const char* interface) {

@@ -1,20 +1,26 @@
-// The binary interface of the component library: three entries, objects by GUID, operations by their position in a
-// table. Another library that keeps to it can take this one's place.
+// The binary interface of the component library: three exported functions, objects by GUID, operations by their
+// position in a table. A library that implements the same interface can replace this one.
 //
-// The library exports its entries by ordinal on systems that know ordinals; here each has a name that carries it.
+// On systems where libraries export by ordinal these functions have no names; here each name contains its ordinal.
+//
+// Use: KV_Components_Ordinal1() once; KV_Components_Ordinal2(guid) for each object; kQuery for another of its
+// interfaces; the operations of Hps.h and Image.h; kRelease for each object and interface received;
+// KV_Components_Ordinal3() once.
 #pragma once
 #include <cstddef>
 #include <cstdint>
 
 namespace KvComponents {
 
-/// What a caller holds: a pointer to a table of operations, which all take the object as their first argument.
+/// An object as its callers see it: the address of a table of functions. The first argument of each function is the
+/// object.
 struct Object {
-    using Entry = void (*)();
+    using Entry = void (*)();  ///< cast to the type of the operation before it is called
     const Entry* m_pOperations;
 };
 
-/// One operation of a kind of object. Calling it calls the entry of the table at its position.
+/// One operation of a kind of object, by its position in the table: `kQuery(object, guid, &out)` calls entry 0 of the
+/// object's table. Neither object nor table are checked.
 template <class Signature>
 struct Operation;
 template <class Result, class... Arguments>
@@ -27,35 +33,48 @@ struct Operation<Result(Arguments...)> {
     }
 };
 
-/// Every table has so many entries. The positions that no operation has answer kNotImplemented.
+/// Number of entries in every table, so that a caller never reads after its end. The entry of a position without an
+/// operation returns kNotImplemented.
 inline constexpr std::size_t kTableSize = 40;
 
-// What operations answer.
+// ---- the codes that operations return
+/// The operation did what it describes.
 inline constexpr std::int32_t kSucceeded = 1;
+/// Never returned by this library: the only code that is neither positive nor negative.
 inline constexpr std::int32_t kInvalidReturnValue = 0;
+/// The object is not in the state for the operation, or a file is damaged.
 inline constexpr std::int32_t kFailed = -1;
+/// An exception was thrown inside the library, mostly because memory was exhausted.
 inline constexpr std::int32_t kException = -2;
+/// The object has no interface of this GUID.
 inline constexpr std::int32_t kNoInterface = -3;
+/// A null pointer, a wrong size or an impossible number.
 inline constexpr std::int32_t kInvalidArgument = -4;
+/// The table has no operation at this position.
 inline constexpr std::int32_t kNotImplemented = -5;
+/// Never returned by this library: no operation can be canceled.
 inline constexpr std::int32_t kCanceled = -6;
 
-// ---- on every object
-/// The interface of that GUID, with a reference of its own for the caller; null with kNoInterface.
+// ---- operations of every object; reference counts can be changed on any thread
+/// Finds another interface of the same object.
+/// @param guid  with braces
+/// @param out   receives the interface, with a reference for the caller; null when the operation fails
 inline constexpr Operation<std::int32_t(const char* guid, Object** out)> kQuery{0};
+/// Adds a reference, which needs a kRelease.
 inline constexpr Operation<void()> kAddReference{1};
-/// The object ends with its last reference.
+/// Releases one reference; with the last one the object is destroyed.
 inline constexpr Operation<void()> kRelease{2};
 
 }  // namespace KvComponents
 
 extern "C" {
-/// Starts the registry. Every start needs a stop.
+/// Starts the registry. Starts are counted: it stops with as many calls of KV_Components_Ordinal3(). Any thread.
 __attribute__((visibility("default"))) void KV_Components_Ordinal1();
-/// A new object with one reference for the caller; null when there is no such GUID, or when the registry is not
-/// started.
-/// @param guid  with braces
+/// Creates an object. Any thread.
+/// @param guid  of its factory, with braces
+/// @return its main interface, with one reference for the caller; null when no factory has this GUID, when the registry
+///         is not started, or when memory is exhausted
 __attribute__((visibility("default"))) KvComponents::Object* KV_Components_Ordinal2(const char* guid);
-/// Stops the registry. Objects that are still held go on working.
+/// Stops the registry. Existing objects remain usable until their last reference is released. Any thread.
 __attribute__((visibility("default"))) void KV_Components_Ordinal3();
 }
