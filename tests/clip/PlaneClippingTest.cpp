@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(PlaneClipping, IsSetInTheViewInForceAndSwitchedOff) {
+TEST(PlaneClipping, IsSetInTheCurrentViewAndSwitchedOff) {
     OffscreenControl control;
     ASSERT_TRUE(control->MakeContextCurrent());
     Plane plane;
@@ -14,7 +14,7 @@ TEST(PlaneClipping, IsSetInTheViewInForceAndSwitchedOff) {
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     glLoadIdentity();
-    glTranslated(0, 0, -3);  // what lies at 10 in the world lies at 7 before the eye
+    glTranslated(0, 0, -3);  // z = 10 in the world is z = 7 in eye coordinates
     plane.EnableClipping();
     glPopMatrix();
     double equation[4] = {};
@@ -38,7 +38,7 @@ protected:
         control->m_clipPlane.SetCenter({2, 0, 0});
         control->m_bClipPlaneActive = 1;
     }
-    /// Whether the square is seen at a world x.
+    /// Whether the square is visible at a world x.
     bool IsSeenAt(float x) {
         KV_ScenePane::Picture picture;
         EXPECT_TRUE(control->CapturePicture(&picture));
@@ -50,7 +50,7 @@ protected:
     OffscreenControl control{200, 200};
 };
 
-TEST_F(ClippedFrame, ShowsTheSideOfTheNormalAlone) {
+TEST_F(ClippedFrame, ShowsOnlyTheSideOfTheNormal) {
     EXPECT_TRUE(IsSeenAt(5));
     EXPECT_TRUE(IsSeenAt(2.5f));
     EXPECT_FALSE(IsSeenAt(1.5f));
@@ -68,13 +68,13 @@ TEST_F(ClippedFrame, ShowsAllWhileThePlaneIsDragged) {
     EXPECT_FALSE(IsSeenAt(-5));
 }
 
-TEST_F(ClippedFrame, LeavesClippingOffBehindIt) {
+TEST_F(ClippedFrame, SwitchesClippingOffAfterwards) {
     control->PerformRefresh();
     ASSERT_TRUE(control->MakeContextCurrent());
     EXPECT_FALSE(glIsEnabled(GL_CLIP_PLANE0));
 }
 
-TEST_F(ClippedFrame, SlidesThePlaneInItsOwnSurfaceWhenTheViewIsCentred) {
+TEST_F(ClippedFrame, MovesThePlaneWithinItsSurfaceWhenTheViewIsCentred) {
     control->m_clipPlane.SetCenter({2, 50, 70});
     control->CenterView();
     const Double3 center = control->m_clipPlane.GetCenter();

@@ -1,4 +1,4 @@
-// The plane pushed and tilted: by hand, and against a plain walk through the same rounds on another formula.
+// The plane moved and tilted: by hand, and against a reference search with the same steps on another formula.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,7 +10,8 @@
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
-constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kSphere}, kBall1{1, PlaneHandle::kSphere};
+constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kSphere0{0, PlaneHandle::kSphere},
+    kSphere1{1, PlaneHandle::kSphere};
 
 void ExpectNear(const Double3& actual, const Double3& expected, double tolerance = 1e-12) {
     for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << "component " << i;
@@ -18,7 +19,7 @@ void ExpectNear(const Double3& actual, const Double3& expected, double tolerance
 
 // ---- the keys
 
-TEST(PlaneMove, GoesAlongTheNormalWhenItIsNotTilted) {
+TEST(PlaneMove, MovesAlongTheNormalWhenItIsNotTilted) {
     Plane plane;
     plane.SetCenter({1, 2, 3});
     plane.MoveAlongNormal(1.0);
@@ -29,13 +30,13 @@ TEST(PlaneMove, GoesAlongTheNormalWhenItIsNotTilted) {
     EXPECT_EQ(plane.GetNormal(), (Double3{0, 0, 1}));
 }
 
-TEST(PlaneMove, TurnsTheNormalOnceMoreWhenItIsTilted) {
+TEST(PlaneMove, RotatesTheNormalOnceMoreWhenItIsTilted) {
     Plane plane;
-    plane.SetNormal({1, 0, 0});  // a quarter turn about y takes z to x, and x to -z
+    plane.SetNormal({1, 0, 0});  // a quarter turn about y maps z to x, and x to -z
     plane.SetCenter({1, 2, 3});
     plane.MoveAlongNormal(1.0);
     ExpectNear(plane.GetCenter(), {1, 2, 2});
-    plane.SetNormal({0, 0.6, 0.8});  // the turn that takes z to (0.6, 0.8) takes this to (2 * 0.48, 0.64 - 0.36)
+    plane.SetNormal({0, 0.6, 0.8});  // the rotation that maps z to (0.6, 0.8) maps this to (2 * 0.48, 0.64 - 0.36)
     plane.SetCenter({0, 0, 0});
     plane.MoveAlongNormal(-2.0);
     ExpectNear(plane.GetCenter(), {0, -1.92, -0.56});
@@ -47,11 +48,11 @@ TEST(PlaneMove, TurnsTheNormalOnceMoreWhenItIsTilted) {
 TEST(PlaneArrow, MovesOneUnitForTenPixelsFromThePress) {
     Plane plane;
     plane.SetCenter({1, 2, 3});
-    plane.BeginHandleDrag(100, 50, {80, 90}, {0, -48}, kArrow);  // the normal goes up on the screen
+    plane.BeginHandleDrag(100, 50, {80, 90}, {0, -48}, kArrow);  // the normal points up on the screen
     const ScreenProjector notAsked;
     plane.DragHandle(100, 40, notAsked);
     ExpectNear(plane.GetCenter(), {1, 2, 4});
-    plane.DragHandle(163, 35, notAsked);  // sideways does not count, and each move is from the press
+    plane.DragHandle(163, 35, notAsked);  // sideways travel is ignored, and each move counts from the press
     ExpectNear(plane.GetCenter(), {1, 2, 4.5});
     plane.DragHandle(100, 73, notAsked);
     ExpectNear(plane.GetCenter(), {1, 2, 0.7});
@@ -60,7 +61,7 @@ TEST(PlaneArrow, MovesOneUnitForTenPixelsFromThePress) {
     EXPECT_EQ(plane.GetNormal(), (Double3{0, 0, 1}));
 }
 
-TEST(PlaneArrow, CountsTheShareOfTheTravelAlongASlantedNormal) {
+TEST(PlaneArrow, UsesTheComponentOfTheTravelAlongASlantedNormal) {
     Plane plane;
     plane.SetNormal({0, 0.6, 0.8});
     plane.BeginHandleDrag(0, 0, {0, 0}, {3, 4}, kArrow);
@@ -78,7 +79,7 @@ TEST(PlaneArrow, DoesNotReactWhenThePlaneIsSeenFaceOn) {
     EXPECT_EQ(plane.GetCenter(), (Double3{1, 2, 3}));
 }
 
-TEST(PlaneArrow, TakesATravelBeyondTheRangeOfPixels) {
+TEST(PlaneArrow, AcceptsTravelBeyondTheRangeOfAnInteger) {
     Plane plane;
     plane.BeginHandleDrag(-2'000'000'000, 0, {0, 0}, {1, 0}, kArrow);
     plane.DragHandle(2'000'000'000, 0, {});
@@ -96,12 +97,12 @@ TEST(PlaneAsAWhole, MovesAlongItsNormalLikeTheArrow) {
     ExpectNear(plane.GetCenter(), {0.5, 2, 3});
 }
 
-TEST(PlaneDragStart, KeepsWhatThePressFound) {
+TEST(PlaneDragStart, RecordsThePlaneAtThePress) {
     Plane plane;
     plane.SetNormal({0, 3, 4});
     plane.SetCenter({1, 2, 3});
-    plane.BeginHandleDrag(12, 34, {56, 78}, {6, -8}, kBall1);
-    EXPECT_EQ(plane.m_drag.pick, kBall1);
+    plane.BeginHandleDrag(12, 34, {56, 78}, {6, -8}, kSphere1);
+    EXPECT_EQ(plane.m_drag.pick, kSphere1);
     EXPECT_EQ(plane.m_drag.pressX, 12);
     EXPECT_EQ(plane.m_drag.pressY, 34);
     EXPECT_EQ(plane.m_drag.centerOnScreen, (Double2{56, 78}));
@@ -113,7 +114,7 @@ TEST(PlaneDragStart, KeepsWhatThePressFound) {
     EXPECT_EQ(plane.m_drag.normalOnScreen, (Double2{0, 0}));
 }
 
-TEST(PlaneDragStart, ComesBackWhenAskedTo) {
+TEST(PlaneDragStart, IsRestoredOnRequest) {
     Plane plane;
     plane.SetNormal({0.1, 0.7, 0.3});
     plane.SetCenter({1, 2, 3});
@@ -128,23 +129,23 @@ TEST(PlaneDragStart, ComesBackWhenAskedTo) {
     EXPECT_EQ(plane.m_dMatrix, before);
 }
 
-// ---- the balls
+// ---- the spheres
 
-// The plane's y axis to the right and its normal upward, a million pixels a unit: whole pixels are exact enough for any
-// angle. The first ball starts left of the centre and rises as it tilts.
+// The plane's y axis to the right and its normal upward, a million pixels per unit: whole pixels are exact enough for
+// any angle. The first sphere starts left of the centre and rises as it tilts.
 constexpr double kScale = 1e6;
 Double2 FromTheSide(const Double3& p) { return {kScale * p[1], -kScale * p[2]}; }
 
 struct TiltCase {
     const char* name;
-    double mouseDegrees;  ///< from where the ball is, around the centre
-    double mouseReach;    ///< 1 is the ball's own distance
+    double mouseDegrees;  ///< from where the sphere is, around the centre
+    double mouseReach;    ///< 1 is the sphere's own distance
     double expectedDegrees;
 };
 void PrintTo(const TiltCase& row, std::ostream* out) { *out << row.name; }
 
-// The rounds go by 5, 2.5, 1.25, 0.625 and 0.3125 degrees. Each begins only with a step that ends no farther from the
-// mouse than the ball was at first, and then takes at least that step.
+// The search steps are 5, 2.5, 1.25, 0.625 and 0.3125 degrees. Each is used only if its first step ends no farther from
+// the mouse than the sphere was at the start, and then moves by at least that step.
 const TiltCase kTiltCases[] = {
     // 45; 42.5 or 47.5, from where two steps of 1.25 come back; off and back again by the last two
     {"OnTheGrid", 45, 1, 45},
@@ -153,19 +154,19 @@ const TiltCase kTiltCases[] = {
     {"OneDegree", 1, 1, 0.9375},
     {"OneDegreeDownward", -1, 1, -0.9375},
     {"TooNearForTheSmallestStep", 0.15, 1, 0},
-    {"WhereTheBallIs", 0, 1, 0},
+    {"WhereTheSphereIs", 0, 1, 0},
     {"FartherOutSteersByTheAngle", 1, 3, 0.9375},
     {"FartherInSteersByTheAngle", 1, 0.25, 0.9375},
-    {"FarFromTheBall", 150, 0.5, 150},
-    {"BehindTheCentre", 179, 2, 179.0625},
+    {"FarFromTheSphere", 150, 0.5, 150},
+    {"BeyondTheCentre", 179, 2, 179.0625},
 };
-class PlaneBall : public testing::TestWithParam<TiltCase> {};
+class PlaneSphere : public testing::TestWithParam<TiltCase> {};
 
-TEST_P(PlaneBall, TiltsThePlaneTowardsTheMouse) {
+TEST_P(PlaneSphere, TiltsThePlaneTowardsTheMouse) {
     Plane plane;
-    plane.SetRadiusFromExtent(4);  // the first ball at (0, -4, 0), its axis -x
+    plane.SetRadiusFromExtent(4);  // the first sphere at (0, -4, 0), its axis -x
     plane.SetCenter({5, 0, 0});
-    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kBall0);
+    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kSphere0);
     const double angle = GetParam().mouseDegrees * kDegree, reach = 4 * kScale * GetParam().mouseReach;
     plane.DragHandle(static_cast<int>(std::lround(-reach * std::cos(angle))),
                      static_cast<int>(std::lround(-reach * std::sin(angle))), FromTheSide);
@@ -173,63 +174,63 @@ TEST_P(PlaneBall, TiltsThePlaneTowardsTheMouse) {
     ExpectNear(plane.GetNormal(), {0, std::sin(tilt), std::cos(tilt)});
     EXPECT_EQ(plane.GetCenter(), (Double3{5, 0, 0}));
 }
-INSTANTIATE_TEST_SUITE_P(FromTheSide, PlaneBall, testing::ValuesIn(kTiltCases),
+INSTANTIATE_TEST_SUITE_P(FromTheSide, PlaneSphere, testing::ValuesIn(kTiltCases),
                          [](const auto& row) { return row.param.name; });
 
-TEST(PlaneBalls, TiltAboutTheAxisAcrossTheirOwnDirection) {
+TEST(PlaneSpheres, TiltAboutTheAxisAcrossTheirOwnDirection) {
     Plane plane;
-    plane.SetRadiusFromExtent(4);  // the second ball at (-4, 0, 0), its axis +y
+    plane.SetRadiusFromExtent(4);  // the second sphere at (-4, 0, 0), its axis +y
     const ScreenProjector fromTheSide = [](const Double3& p) { return Double2{kScale * p[0], -kScale * p[2]}; };
-    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kBall1);
-    plane.DragHandle(0, -4'000'000, fromTheSide);  // a quarter turn: the ball straight up
+    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kSphere1);
+    plane.DragHandle(0, -4'000'000, fromTheSide);  // a quarter turn: the sphere straight up
     ExpectNear(plane.GetNormal(), {1, 0, 0}, 1e-9);
 }
 
-TEST(PlaneBalls, AddEachMoveToTheLast) {
+TEST(PlaneSpheres, EachMoveStartsFromTheLastOne) {
     Plane plane;
     plane.SetRadiusFromExtent(4);
-    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kBall0);
+    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kSphere0);
     for (int degrees = 10; degrees <= 90; degrees += 10)
         plane.DragHandle(static_cast<int>(std::lround(-4e6 * std::cos(degrees * kDegree))),
                          static_cast<int>(std::lround(-4e6 * std::sin(degrees * kDegree))), FromTheSide);
     ExpectNear(plane.GetNormal(), {0, 1, 0}, 1e-9);
 }
 
-TEST(PlaneBalls, DoNotMoveForAMouseWithinAPixelOfTheCentre) {
+TEST(PlaneSpheres, DoNotMoveForAMouseWithinAPixelOfTheCentre) {
     const ScreenProjector tenPixels = [](const Double3& p) { return Double2{100 + 10 * p[1], 100 - 10 * p[2]}; };
     Plane plane;
     plane.SetRadiusFromExtent(4);
     const auto before = plane.m_dMatrix;
-    plane.BeginHandleDrag(60, 100, {100, 100}, {0, -10}, kBall0);
+    plane.BeginHandleDrag(60, 100, {100, 100}, {0, -10}, kSphere0);
     plane.DragHandle(100, 100, tenPixels);
     EXPECT_EQ(plane.m_dMatrix, before);
     plane.DragHandle(100, 99, tenPixels);  // a whole pixel up
     ExpectNear(plane.GetNormal(), {0, 1, 0}, 1e-9);
 }
 
-TEST(PlaneBalls, FollowAMouseAtTheCentreWhenTheyAreSeenThereThemselves) {
-    // The ball lies behind the centre, no farther away than the mouse: the mouse is taken as it stands.
-    const ScreenProjector fromTheBall = [](const Double3& p) { return Double2{100 + 10 * p[0], 100 - 10 * p[2]}; };
+TEST(PlaneSpheres, FollowAMouseAtTheCentreWhenTheyProjectThere) {
+    // The sphere projects onto the centre, no farther from it than the mouse: the mouse position is used unchanged.
+    const ScreenProjector fromTheSphere = [](const Double3& p) { return Double2{100 + 10 * p[0], 100 - 10 * p[2]}; };
     Plane plane;
     plane.SetRadiusFromExtent(4);
-    plane.BeginHandleDrag(100, 100, {100, 100}, {0, -10}, kBall0);
-    plane.DragHandle(100, 98, fromTheBall);  // rises to 40 sin 2.8125 = 1.963 pixels, the nearest to 2 on the way
+    plane.BeginHandleDrag(100, 100, {100, 100}, {0, -10}, kSphere0);
+    plane.DragHandle(100, 98, fromTheSphere);  // rises to 40 sin 2.8125 = 1.963 pixels, the nearest to 2 on the way
     const double tilt = 2.8125 * kDegree;
     ExpectNear(plane.GetNormal(), {0, std::sin(tilt), std::cos(tilt)});
 }
 
-TEST(PlaneBalls, DoNothingOnAPlaneWithoutExtent) {
+TEST(PlaneSpheres, DoNothingOnAPlaneWithoutExtent) {
     Plane plane;
-    plane.BeginHandleDrag(0, 0, {0, 0}, {0, -1}, kBall0);
+    plane.BeginHandleDrag(0, 0, {0, 0}, {0, -1}, kSphere0);
     const auto before = plane.m_dMatrix;
     plane.DragHandle(100, 50, FromTheSide);
     EXPECT_EQ(plane.m_dMatrix, before);
 }
 
-TEST(PlaneBalls, EndTheirSearchWhereNothingIsAProjection) {
+TEST(PlaneSpheres, EndTheSearchWhenTheProjectionIsNotANumber) {
     Plane plane;
     plane.SetRadiusFromExtent(4);
-    plane.BeginHandleDrag(0, 0, {0, 0}, {0, -1}, kBall0);
+    plane.BeginHandleDrag(0, 0, {0, 0}, {0, -1}, kSphere0);
     const auto before = plane.m_dMatrix;
     plane.DragHandle(3, 4, [](const Double3&) { return Double2{NAN, NAN}; });
     EXPECT_EQ(plane.m_dMatrix, before);
@@ -237,13 +238,13 @@ TEST(PlaneBalls, EndTheirSearchWhereNothingIsAProjection) {
     EXPECT_EQ(plane.m_dMatrix, before);
 }
 
-TEST(PlaneBalls, LeaveATwistThatTheSameNormalSetAgainLoses) {
+TEST(PlaneSpheres, AddATwistThatSettingTheSameNormalRemoves) {
     Plane plane;
     plane.SetRadiusFromExtent(4);
-    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kBall0);
+    plane.BeginHandleDrag(-4'000'000, 0, {0, 0}, {0, -1}, kSphere0);
     plane.DragHandle(-2'828'427, -2'828'427, FromTheSide);
     const Double3 once = plane.GetNormal();
-    plane.BeginHandleDrag(0, 0, {0, 0}, {0, -1}, kBall1);
+    plane.BeginHandleDrag(0, 0, {0, 0}, {0, -1}, kSphere1);
     plane.DragHandle(0, -4'000'000, [](const Double3& p) { return Double2{kScale * p[0], -kScale * p[2]}; });
     const Double3 normal = plane.GetNormal();
     EXPECT_GT(std::abs(normal[0] - once[0]), 0.1);
@@ -255,10 +256,10 @@ TEST(PlaneBalls, LeaveATwistThatTheSameNormalSetAgainLoses) {
     for (std::size_t i = 0; i < 11; ++i) EXPECT_NEAR(plane.m_dMatrix[i], fresh.m_dMatrix[i], 1e-12) << i;
 }
 
-// ---- against the plain walk
+// ---- against the reference search
 
-/// The ball's way in space: cos along its direction from the centre, sin along the normal.
-struct BallWay {
+/// The path of the sphere in space: cos along its direction from the centre, sin along the normal.
+struct SpherePath {
     Double3 center{}, along{}, normal{};
     [[nodiscard]] Double3 At(double degrees) const {
         const double c = std::cos(degrees * kDegree), s = std::sin(degrees * kDegree);
@@ -271,7 +272,7 @@ struct BallWay {
 
 double Gap(const Double2& a, const Double2& b) { return std::hypot(a[0] - b[0], a[1] - b[1]); }
 
-double WalkedTilt(const BallWay& way, const ScreenProjector& project, Double2 mouse) {
+double ReferenceTilt(const SpherePath& way, const ScreenProjector& project, Double2 mouse) {
     const Double2 center = project(way.center), start = project(way.At(0));
     if (Gap(start, center) > Gap(mouse, center)) {
         if (Gap(mouse, center) < 1) return 0;
@@ -300,7 +301,7 @@ double WalkedTilt(const BallWay& way, const ScreenProjector& project, Double2 mo
     return best;
 }
 
-TEST(PlaneBalls, TakeTheStepsOfThePlainWalkInAnyView) {
+TEST(PlaneSpheres, TakeTheStepsOfTheReferenceSearchInAnyView) {
     std::mt19937 random(20260);
     std::uniform_real_distribution<double> any(-1, 1);
     int tilted = 0;
@@ -316,18 +317,18 @@ TEST(PlaneBalls, TakeTheStepsOfThePlainWalkInAnyView) {
             return Double2{320 + rows[0][0] * p[0] + rows[0][1] * p[1] + rows[0][2] * p[2],
                            240 + rows[1][0] * p[0] + rows[1][1] * p[1] + rows[1][2] * p[2]};
         };
-        const PlaneHandle ball = i % 2 == 0 ? kBall0 : kBall1;
-        // With the start angle of -45 degrees the balls lie at -y and -x, at the extent from the centre.
+        const PlaneHandle sphere = i % 2 == 0 ? kSphere0 : kSphere1;
+        // With the start angle of -45 degrees the spheres lie at -y and -x, at the extent from the centre.
         const double extent = plane.m_dRadius / std::numbers::sqrt2;
-        const std::size_t column = ball == kBall0 ? 4 : 0;
-        BallWay way{plane.GetCenter(), {}, plane.GetNormal()};
+        const std::size_t column = sphere == kSphere0 ? 4 : 0;
+        SpherePath way{plane.GetCenter(), {}, plane.GetNormal()};
         for (std::size_t k = 0; k < 3; ++k) way.along[k] = -extent * plane.m_dMatrix[column + k];
         const int x = static_cast<int>(320 + 600 * any(random)), y = static_cast<int>(240 + 600 * any(random));
 
-        const double tilt = WalkedTilt(way, project, {static_cast<double>(x), static_cast<double>(y)});
-        plane.BeginHandleDrag(x, y, project(way.center), {1, 0}, ball);
+        const double tilt = ReferenceTilt(way, project, {static_cast<double>(x), static_cast<double>(y)});
+        plane.BeginHandleDrag(x, y, project(way.center), {1, 0}, sphere);
         plane.DragHandle(x, y, project);
-        Double3 expected{};  // where the normal goes while the ball goes towards it
+        Double3 expected{};  // the normal after the sphere moved towards it
         for (std::size_t k = 0; k < 3; ++k)
             expected[k] = std::cos(tilt * kDegree) * way.normal[k] - std::sin(tilt * kDegree) * way.along[k] / extent;
         for (std::size_t k = 0; k < 3; ++k) ASSERT_NEAR(plane.GetNormal()[k], expected[k], 1e-9) << "case " << i;

@@ -1,4 +1,4 @@
-// The picture of the clip plane, and its handles as numbers. The camera looks at the origin, 48 pixels a unit.
+// The picture of the clip plane, and its handles as numbers. The camera looks at the origin, 48 pixels per unit.
 #include <gtest/gtest.h>
 
 #include <numbers>
@@ -15,14 +15,14 @@ constexpr double kEdge = 192.5 / kPixelsPerUnit;                    // edges and
 constexpr double kRadius = 192.5 * std::numbers::sqrt2;             // of the corners, pixels
 constexpr int kLeft = 127, kRight = 512, kTop = 47, kBottom = 432;  // the outline's columns and rows
 
-/// 0..1 from a colour of the host.
+/// A host colour as channels in 0..1.
 Vec3 FromHost(std::uint32_t color) {
     return {(color & 0xFF) / 255.0, (color >> 8 & 0xFF) / 255.0, (color >> 16 & 0xFF) / 255.0};
 }
 
 class PlanePicture : public SceneTest {
 protected:
-    PlanePicture() : SceneTest(PaneWindowRequest::Kind::OffScreen, 640, 480), plane(pane->m_clipPlane) {
+    PlanePicture() : SceneTest(KV_ScenePane::WindowRequest::Kind::OffScreen, 640, 480), plane(pane->m_clipPlane) {
         Frame();
         plane.SetCenter({0, 0, 0});
         plane.SetRadiusFromExtent(kEdge);
@@ -33,7 +33,7 @@ protected:
         plane.m_nHotOutlineColor = HostColor(160, 10, 90);
         pane->m_bClipPlaneVisible = 1;
     }
-    /// Where the camera stands, with the axis that is up on the screen.
+    /// Looks at the origin from the direction axisZ, axisY up on the screen.
     void LookFrom(const Vec3& axisZ, const Vec3& axisY) {
         const auto toFloats = [](const Vec3& v) {
             return Float3{static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
@@ -56,7 +56,7 @@ protected:
         return lighting::operator+(opacity* color, (1 - opacity) * kBackground);
     }
 
-    /// The numbers of the back buffer after a pick, bottom row first; -1 beside the handles.
+    /// The numbers in the back buffer after a pick, bottom row first; -1 outside the handles.
     std::vector<int> DrawIds() {
         RenderObject* const objects[] = {&plane};
         pane->PickRenderObjectsAt(objects, 0, 0);
@@ -71,8 +71,8 @@ protected:
     static int At(const std::vector<int>& ids, int x, int y) {
         return ids.at(static_cast<std::size_t>((479 - y) * 640 + x));
     }
-    /// A ball of ten slices: a ten-sided disc of the radius, 1 / 60 of that of the corners.
-    static void ExpectBall(const std::vector<int>& ids, double centerX, double centerY, int id) {
+    /// A sphere of ten slices: a ten-sided disc of the radius, 1 / 60 of that of the corners.
+    static void ExpectSphere(const std::vector<int>& ids, double centerX, double centerY, int id) {
         for (int y = static_cast<int>(centerY) - 8; y <= centerY + 8; ++y)
             for (int x = static_cast<int>(centerX) - 8; x <= centerX + 8; ++x) {
                 const double distance = std::hypot(x + 0.5 - centerX, y + 0.5 - centerY);
@@ -115,7 +115,7 @@ TEST_F(PlanePicture, IsShownInHotColoursWhenHighlightedOrPicked) {
     expectHot();
 }
 
-TEST_F(PlanePicture, TakesItsOpacities) {
+TEST_F(PlanePicture, UsesItsOpacities) {
     plane.m_fOpacity = 1.0f;
     plane.m_fHotOpacity = 0.25f;
     Frame();
@@ -125,7 +125,7 @@ TEST_F(PlanePicture, TakesItsOpacities) {
     ExpectPixel(320, 200, OverBackground(Lit(plane.m_nHotColor), 0.25));
 }
 
-TEST_F(PlanePicture, HasNoFaceFromBehind) {
+TEST_F(PlanePicture, HasNoFaceFromItsBackSide) {
     ShowHandles(false);
     LookFrom({0, 0, -1}, {0, 1, 0});
     Frame();
@@ -136,7 +136,7 @@ TEST_F(PlanePicture, HasNoFaceFromBehind) {
     ExpectPixel(320, 200, OverBackground(Lit(plane.m_nColor), 0.5));
 }
 
-TEST_F(PlanePicture, ShowsNothingWithAllItsPartsOff) {
+TEST_F(PlanePicture, DrawsNothingWithAllPartsHidden) {
     plane.m_bFaceVisible = plane.m_bOutlineVisible = false;
     ShowHandles(false);
     plane.OnPicked(1);
@@ -151,7 +151,7 @@ TEST_F(PlanePicture, ShowsNothingWithAllItsPartsOff) {
     EXPECT_NEAR(PixelsThatAreNotBackground(), 385 * 385, 2 * 385);
 }
 
-TEST_F(PlanePicture, TakesTheLightOfItsNormalWithoutAnOutline) {
+TEST_F(PlanePicture, IsLitByItsNormalWithoutAnOutline) {
     plane.m_bOutlineVisible = false;
     Frame();
     ExpectPixel(320, 200, OverBackground(Lit(plane.m_nColor), 0.5));
@@ -173,7 +173,7 @@ TEST_F(PlanePicture, IsHiddenWhileALassoIsDrawn) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
 }
 
-TEST_F(PlanePicture, StandsBetweenTheObjects) {
+TEST_F(PlanePicture, IsDepthTestedAgainstTheObjects) {
     Add({.center = {-2, 0, 1}, .half = 0.5}, {0.2, 0.4, 0.6});
     Add({.center = {2, 0, -1}, .half = 0.5}, {0.2, 0.4, 0.6});
     pane->m_bClipPlaneVisible = 0;
@@ -185,7 +185,7 @@ TEST_F(PlanePicture, StandsBetweenTheObjects) {
     ExpectPixel(320 + 96, 245, 0.5 * Lit(plane.m_nColor) + 0.5 * back);
 }
 
-TEST_F(PlanePicture, FollowsItsFrame) {
+TEST_F(PlanePicture, IsDrawnWhereItsMatrixPutsIt) {
     ShowHandles(false);
     plane.SetNormal({1, 0, 0});  // seen edge-on from z: a line from top to bottom
     plane.SetCenter({1.0 + 0.5 / kPixelsPerUnit, 0, 0});
@@ -198,7 +198,7 @@ TEST_F(PlanePicture, FollowsItsFrame) {
     ExpectBackground(320, kTop - 2);
 }
 
-TEST_F(PlanePicture, HasTwoBallsAndABallAtTheCentreOnDemand) {
+TEST_F(PlanePicture, HasTwoSpheresAndOneAtTheCentreOnDemand) {
     Frame();
     ExpectPixel(320, kBottom, Lit(plane.m_nHandleColor), 12);  // their poles face the viewer
     ExpectPixel(kLeft, 240, Lit(plane.m_nHandleColor), 12);
@@ -223,18 +223,18 @@ TEST_F(PlanePicture, HasADoubleArrowAtItsFirstCorner) {
     ExpectBackground(kRight + 6, kBottom);
 }
 
-TEST_F(PlanePicture, ShowsTheAxisAndTheCircleOfAPickedBall) {
+TEST_F(PlanePicture, ShowsTheAxisAndTheCircleOfAPickedSphere) {
     plane.SetCenter({0.5 / kPixelsPerUnit, -0.5 / kPixelsPerUnit, 0});  // the axes in the middle of pixels
     plane.SetRadiusFromExtent(4);
     plane.m_bFaceVisible = plane.m_bOutlineVisible = false;  // the axis lies in the face, which would hide it
     Frame();
     ExpectBackground(200, 240);
-    plane.OnPicked(0);  // the arrow has neither
+    plane.OnPicked(0);  // the arrow has no axis and no circle
     Frame();
     ExpectBackground(200, 240);
     ExpectBackground(320, 100);
 
-    plane.OnPicked(1);  // the ball at -y tilts about the x axis
+    plane.OnPicked(1);  // the sphere at -y tilts about the x axis
     Frame();
     for (const int x : {140, 200, 300, 500}) ExpectPixel(x, 240, Lit(plane.m_nOutlineColor));
     ExpectBackground(200, 239);
@@ -245,17 +245,17 @@ TEST_F(PlanePicture, ShowsTheAxisAndTheCircleOfAPickedBall) {
     ExpectPixel(320, 100, OverBackground(Lit(plane.m_nOutlineColor), 0.8f), 3);
     ExpectBackground(320, 44);
 
-    plane.OnPicked(2);  // the ball at -x tilts about the y axis
+    plane.OnPicked(2);  // the sphere at -x tilts about the y axis
     Frame();
     ExpectPixel(320, 100, Lit(plane.m_nOutlineColor));
     ExpectPixel(200, 240, OverBackground(Lit(plane.m_nOutlineColor), 0.8f), 3);
 }
 
-TEST_F(PlanePicture, DrawsTheCircleOnWhichThePickedBallGoes) {
+TEST_F(PlanePicture, DrawsTheCircleOnWhichThePickedSphereMoves) {
     plane.m_bFaceVisible = plane.m_bOutlineVisible = plane.m_bMoveHandleVisible = false;
-    plane.OnPicked(2);  // the arrow is hidden: number 2 is none
+    plane.OnPicked(2);  // the arrow is hidden: there is no number 2
     plane.OnPicked(0);
-    ASSERT_EQ(plane.GetPick(), (PlaneHandle{0, PlaneHandle::kBall}));
+    ASSERT_EQ(plane.GetPick(), (PlaneHandle{0, PlaneHandle::kSphere}));
     LookFrom({1, 0, 0}, {0, 0, 1});  // y to the right, the normal upward
     Frame();
     const Vec3 color = OverBackground(0.3 * FromHost(plane.m_nOutlineColor), 0.8f);  // the light comes from the side
@@ -279,7 +279,7 @@ TEST_F(PlanePicture, DrawsAPlaneWithoutExtent) {
     EXPECT_LE(PixelsThatAreNotBackground(), 4);
 }
 
-TEST_F(PlanePicture, LeavesTheStateOfOpenGlAsItWas) {
+TEST_F(PlanePicture, RestoresTheOpenGlState) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     EXPECT_EQ(plane.m_uAttribMask, 0x6040u);
     glPushAttrib(GL_ALL_ATTRIB_BITS);
@@ -307,17 +307,17 @@ TEST_F(PlanePicture, LeavesTheStateOfOpenGlAsItWas) {
 
 // ---- the handles as numbers
 
-TEST_F(PlanePicture, OffersItsHandlesAtTheirPlaces) {
+TEST_F(PlanePicture, DrawsItsHandlesAsNumbersAtTheirPlaces) {
     const std::vector<int> ids = DrawIds();
-    ExpectBall(ids, kRight + 0.5, kBottom + 0.5, 0);  // the arrow seen along it: the base of its head
-    ExpectBall(ids, 320, kBottom + 0.5, 1);
-    ExpectBall(ids, kLeft + 0.5, 240, 2);
+    ExpectSphere(ids, kRight + 0.5, kBottom + 0.5, 0);  // the arrow seen along it: the base of its head
+    ExpectSphere(ids, 320, kBottom + 0.5, 1);
+    ExpectSphere(ids, kLeft + 0.5, 240, 2);
     EXPECT_EQ(At(ids, 320, 200), -1);
     EXPECT_EQ(At(ids, 400, kTop), -1);
     EXPECT_EQ(At(ids, kRight, kTop), -1);
 }
 
-TEST_F(PlanePicture, OffersWhatIsShownAlone) {
+TEST_F(PlanePicture, DrawsNumbersOnlyForVisibleHandles) {
     plane.m_bMoveHandleVisible = false;
     std::vector<int> ids = DrawIds();
     EXPECT_EQ(At(ids, kRight, kBottom), -1);
@@ -377,8 +377,8 @@ TEST_F(PlanePicture, HasAnArrowOfShaftAndHeadOnBothSides) {
             }
         }
     EXPECT_GT(inside, 100);
-    ExpectBall(ids, 320, 240, 1);  // before the centre
-    ExpectBall(ids, kLeft + 0.5, 240, 2);
+    ExpectSphere(ids, 320, 240, 1);  // before the centre
+    ExpectSphere(ids, kLeft + 0.5, 240, 2);
 }
 
 }  // namespace

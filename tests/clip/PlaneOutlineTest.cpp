@@ -1,4 +1,4 @@
-// Points on the plane's outline, by hand, and which handle a picked number stands for.
+// Points on the plane's outline, by hand, and which handle a picked number means.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,25 +17,25 @@ struct OutlineCase {
 };
 void PrintTo(const OutlineCase& row, std::ostream* out) { *out << row.name; }
 
-// The square has its corners at (1, -1), (1, 1), (-1, 1), (-1, -1). Between two corners a point goes by the share of
+// The square has its corners at (1, -1), (1, 1), (-1, 1), (-1, -1). Between two corners a point moves by the share of
 // the angle: 90 degrees for an edge of length 2.
 const OutlineCase kOutlineCases[] = {
-    {"FirstBall", 0, 0, -1},
-    {"SecondBall", -90, -1, 0},
+    {"FirstSphere", 0, 0, -1},
+    {"SecondSphere", -90, -1, 0},
     {"FirstCorner", 45, 1, -1},
     {"MiddleOfTheFirstEdge", 90, 1, 0},
     {"SecondCorner", 135, 1, 1},
-    {"OppositeToTheFirstBall", 180, 0, 1},
+    {"OppositeToTheFirstSphere", 180, 0, 1},
     {"ThirdCorner", -135, -1, 1},
     {"LastCorner", -45, -1, -1},
     {"TwoThirdsOfTheWayToTheFirstCorner", 30, 2.0 / 3, -1},
-    {"ATenthOfAnEdgeBehindTheFirstCorner", 54, 1, -0.8},
+    {"ATenthOfAnEdgeAfterTheFirstCorner", 54, 1, -0.8},
     {"OneTurnOn", 360, 0, -1},
     {"SeveralTurnsBack", -90 - 1080, -1, 0},
 };
 class PlaneOutline : public testing::TestWithParam<OutlineCase> {};
 
-TEST_P(PlaneOutline, GoesThroughThePointAtAnAngle) {
+TEST_P(PlaneOutline, HasThePointAtAnAngle) {
     Plane plane;
     plane.m_dRadius = std::numbers::sqrt2;
     const Double3 point = plane.OutlinePoint(GetParam().degrees * kDegree);
@@ -46,7 +46,7 @@ TEST_P(PlaneOutline, GoesThroughThePointAtAnAngle) {
 INSTANTIATE_TEST_SUITE_P(Square, PlaneOutline, testing::ValuesIn(kOutlineCases),
                          [](const auto& row) { return row.param.name; });
 
-TEST(PlaneOutlineShape, TakesTheStartAngleTwice) {
+TEST(PlaneOutlineShape, UsesTheStartAngleTwice) {
     Plane plane;
     plane.m_dRadius = std::numbers::sqrt2;
     plane.m_dStartAngle = 0;  // corners on the axes; the point at 0 is the first corner
@@ -87,23 +87,24 @@ TEST(PlaneOutlineShape, StaysOnTheOutlineJustBelowAFullTurn) {
 
 struct HandleCase {
     const char* name;
-    bool arrow, balls;
+    bool arrow, spheres;
     std::uint32_t number;
     std::optional<PlaneHandle> pick;
 };
 void PrintTo(const HandleCase& row, std::ostream* out) { *out << row.name; }
 
-constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kSphere}, kBall1{1, PlaneHandle::kSphere};
+constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kSphere0{0, PlaneHandle::kSphere},
+    kSphere1{1, PlaneHandle::kSphere};
 const HandleCase kHandleCases[] = {
     {"ArrowOfAll", true, true, 0, kArrow},
-    {"FirstBallOfAll", true, true, 1, kBall0},
-    {"SecondBallOfAll", true, true, 2, kBall1},
-    {"BehindAll", true, true, 3, std::nullopt},
+    {"FirstSphereOfAll", true, true, 1, kSphere0},
+    {"SecondSphereOfAll", true, true, 2, kSphere1},
+    {"AfterAll", true, true, 3, std::nullopt},
     {"ArrowAlone", true, false, 0, kArrow},
-    {"BehindTheArrow", true, false, 1, std::nullopt},
-    {"FirstOfTheBallsAlone", false, true, 0, kBall0},
-    {"SecondOfTheBallsAlone", false, true, 1, kBall1},
-    {"BehindTheBalls", false, true, 2, std::nullopt},
+    {"AfterTheArrow", true, false, 1, std::nullopt},
+    {"FirstOfTheSpheresAlone", false, true, 0, kSphere0},
+    {"SecondOfTheSpheresAlone", false, true, 1, kSphere1},
+    {"AfterTheSpheres", false, true, 2, std::nullopt},
     {"NothingShown", false, false, 0, std::nullopt},
     {"NearTheEndOfAllNumbers", true, true, 0xFFFFFFFF, std::nullopt},
 };
@@ -112,7 +113,7 @@ class PlaneHandles : public testing::TestWithParam<HandleCase> {};
 TEST_P(PlaneHandles, AreNumberedByWhatIsShown) {
     Plane plane;
     plane.m_bMoveHandleVisible = GetParam().arrow;
-    plane.m_bRotateHandlesVisible = GetParam().balls;
+    plane.m_bRotateHandlesVisible = GetParam().spheres;
     EXPECT_FALSE(plane.IsPicked());
     plane.OnPicked(GetParam().number);
     EXPECT_EQ(plane.GetPick(), GetParam().pick);

@@ -1,4 +1,4 @@
-// The clip plane's frame, its equation and its place, by hand-computed numbers.
+// The clip plane's frame, its equation and its position, by numbers computed by hand.
 #include "clip/Plane.h"
 
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ TEST(Plane, StartsAtTheOriginWithItsNormalAlongZAndBothHandlesShown) {
     EXPECT_EQ(plane.m_nCorners, 4u);
 }
 
-TEST(Plane, MovesItsCentreWithoutTurning) {
+TEST(Plane, MovesItsCentreWithoutRotating) {
     Plane plane;
     plane.SetNormal({1, 0, 0});
     const Matrix before = plane.m_dMatrix;
@@ -41,7 +41,7 @@ TEST(Plane, MovesItsCentreWithoutTurning) {
     EXPECT_EQ(plane.m_dMatrix[15], 1.0);
 }
 
-TEST(Plane, TurnsWithoutMovingItsCentre) {
+TEST(Plane, RotatesWithoutMovingItsCentre) {
     Plane plane;
     plane.SetCenter({4, -5, 6});
     plane.SetNormal({0, 3, 4});
@@ -49,7 +49,7 @@ TEST(Plane, TurnsWithoutMovingItsCentre) {
     ExpectNear(plane.GetNormal(), {0, 0.6, 0.8});
 }
 
-TEST(Plane, TurnsFromTheZAxisByTheShortestWay) {
+TEST(Plane, RotatesFromTheZAxisByTheShortestWay) {
     Plane plane;
     plane.SetNormal({1, 0, 0});  // a quarter turn about Y
     ExpectBlock(plane, {0, 0, 1, 0, 1, 0, -1, 0, 0});
@@ -62,7 +62,7 @@ TEST(Plane, TurnsFromTheZAxisByTheShortestWay) {
     ExpectBlock(plane, {2.0 / 3, -1.0 / 3, 2.0 / 3, -1.0 / 3, 2.0 / 3, 2.0 / 3, -2.0 / 3, -2.0 / 3, 1.0 / 3});
 }
 
-TEST(Plane, DoesNotCareForTheLengthOfTheNormal) {
+TEST(Plane, IgnoresTheLengthOfTheNormal) {
     Plane unit, twice, tiny;
     unit.SetNormal({0.6, 0, 0.8});
     twice.SetNormal({1.2, 0, 1.6});
@@ -89,9 +89,9 @@ TEST(Plane, BecomesTheIdentityWithinATrillionthOfTheZAxis) {
     EXPECT_NEAR(outside.m_dMatrix[8], 1.0e-6, 1e-9);
 }
 
-TEST(Plane, TakesZeroLengthAsAnAngleOfAQuarterTurnAboutNoAxis) {
+TEST(Plane, TreatsAZeroNormalAsAQuarterTurnAboutNoAxis) {
     Plane plane;
-    plane.SetNormal({0, 0, 0});  // acos 0 about a zero axis: the cosine alone stands on the diagonal
+    plane.SetNormal({0, 0, 0});  // acos 0 about a zero axis: only the cosine remains, on the diagonal
     ExpectBlock(plane, {0, 0, 0, 0, 0, 0, 0, 0, 0});
 }
 
@@ -131,7 +131,7 @@ TEST(Plane, ProjectsAPointToItsFoot) {
     ExpectNear(plane.ProjectOntoPlane({2, 9, -2}), {2, 9, -2});
 }
 
-TEST(Plane, GivesItsInscribedCircleTheExtent) {
+TEST(Plane, SizesItsInscribedCircleToTheExtent) {
     Plane plane;
     plane.SetRadiusFromExtent(10);
     EXPECT_NEAR(plane.m_dRadius, 10 * std::numbers::sqrt2, 1e-12);

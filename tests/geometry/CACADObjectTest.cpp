@@ -1,4 +1,4 @@
-// What any scene object has, on an object without geometry.
+// Colour, box and centre of the base class, on an object without geometry.
 #include "geometry/CACADObject.h"
 
 #include <gmock/gmock.h>
@@ -26,7 +26,7 @@ TEST(CACADObject, StartsVisibleWhiteAndFixedWithTheUnitBox) {
     EXPECT_EQ(object.GetColorRef(), 0xFFFFFFu);
 }
 
-TEST(CACADObject, HasItsCentreInTheOrigin) {
+TEST(CACADObject, HasItsCentreAtTheOrigin) {
     AnyObject object;
     object.m_fCenter[1] = 5;
     float center[3] = {9, 9, 9};
@@ -38,7 +38,7 @@ TEST(CACADObject, HasItsCentreInTheOrigin) {
     EXPECT_TRUE(object.m_bCenterValid);
 }
 
-TEST(CACADObject, AsksForTheCentreOnlyOnce) {
+TEST(CACADObject, ComputesTheCentreOnlyOnce) {
     AnyObject object;
     float center[3];
     object.GetCenter(center);
@@ -47,16 +47,16 @@ TEST(CACADObject, AsksForTheCentreOnlyOnce) {
     EXPECT_EQ(center[2], 3);
 }
 
-TEST(CACADObject, ReadsRedFromTheLowByte) {
+TEST(CACADObject, SetColorRefReadsRedFromTheLowByte) {
     AnyObject object;
     object.SetColorRef(0xAB00FF33);
     EXPECT_FLOAT_EQ(object.m_fColor[0], 0.2f);
     EXPECT_EQ(object.m_fColor[1], 1.0f);
     EXPECT_EQ(object.m_fColor[2], 0.0f);
-    EXPECT_EQ(object.GetColorRef(), 0x00FF33u) << "the high byte does not count";
+    EXPECT_EQ(object.GetColorRef(), 0x00FF33u) << "the high byte is ignored";
 }
 
-TEST(CACADObject, TruncatesChannels) {
+TEST(CACADObject, GetColorRefTruncatesTheChannels) {
     AnyObject object;
     object.m_fColor[0] = 0.5f;    // 127.5
     object.m_fColor[1] = 0.999f;  // 254.7
@@ -64,7 +64,7 @@ TEST(CACADObject, TruncatesChannels) {
     EXPECT_EQ(object.GetColorRef(), 127u | (254u << 8));
 }
 
-TEST(CACADObject, GivesBackEveryColourByte) {
+TEST(CACADObject, ReturnsEveryColourByteThatWasSet) {
     AnyObject object;
     for (std::uint32_t byte = 0; byte < 256; ++byte) {
         object.SetColorRef(byte | (byte << 8) | (byte << 16));
@@ -72,7 +72,7 @@ TEST(CACADObject, GivesBackEveryColourByte) {
     }
 }
 
-TEST(CACADObject, HandsTheBoxOutInItsOrder) {
+TEST(CACADObject, ReturnsTheBoxAxisByAxis) {
     AnyObject object;
     object.SetBoundingBox(1, 2, 3, 5, 7, 11);
     float box[6];
@@ -80,13 +80,13 @@ TEST(CACADObject, HandsTheBoxOutInItsOrder) {
     EXPECT_THAT(box, ElementsAre(1, 2, 3, 5, 7, 11));
 }
 
-TEST(CACADObject, WidensEachThinAxisOnItsOwn) {
+TEST(CACADObject, WidensEachThinAxisSeparately) {
     AnyObject object;
     object.SetBoundingBox(0, 0.00009f, 0, 0.00011f, 5, 5);
     EXPECT_THAT(object.m_fBoundingBox, ElementsAre(-0.01f, 0.00009f + 0.01f, 0, 0.00011f, 5.0f - 0.01f, 5.0f + 0.01f));
 }
 
-TEST(CACADObject, WidensAnInvertedAxisToo) {
+TEST(CACADObject, WidensAnInvertedAxis) {
     AnyObject object;
     object.SetBoundingBox(1, -1, 0, 1, 0, 1);
     EXPECT_THAT(object.m_fBoundingBox, ElementsAre(0.99f, -0.99f, 0, 1, 0, 1));

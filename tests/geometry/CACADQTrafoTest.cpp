@@ -1,4 +1,4 @@
-// The rigid transform against matrices by hand and rotations by axis and angle.
+// The rigid transform against matrices by hand and against rotations by axis and angle.
 #include "geometry/CACADQTrafo.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Rows as one writes a matrix down.
+// A matrix row by row, as in print.
 struct Matrix {
     double m[3][3];
 };
@@ -26,7 +26,7 @@ void ExpectRotation(const CACADQTrafo& trafo, const Matrix& rows, double toleran
             EXPECT_NEAR(trafo.m_dRotation[3 * column + row], rows.m[row][column], tolerance) << row << ", " << column;
 }
 
-// Rodrigues: an independent way from axis and angle to a rotation matrix.
+// Rodrigues' formula: a rotation matrix from axis and angle, independent of quaternions.
 Matrix RotationAbout(double x, double y, double z, double angleRad) {
     const double length = std::sqrt(x * x + y * y + z * z);
     x /= length, y /= length, z /= length;
@@ -45,9 +45,9 @@ TEST(CACADQTrafo, StartsAsTheIdentity) {
     for (const double t : trafo.m_dTranslation) EXPECT_EQ(t, 0);
 }
 
-TEST(CACADQTrafo, TakesTheMatrixColumnAfterColumn) {
+TEST(CACADQTrafo, ExpectsTheMatrixColumnAfterColumn) {
     CACADQTrafo trafo;
-    // A quarter turn about z takes x to y: column 0 is (0, 1, 0).
+    // A quarter turn about z maps x to y: column 0 is (0, 1, 0).
     trafo.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 7, 8, 9);
     ExpectRotation(trafo, {{{0, -1, 0}, {1, 0, 0}, {0, 0, 1}}}, 1e-15);
     EXPECT_NEAR(trafo.m_dQuat[0], std::sqrt(0.5), 1e-15);
@@ -57,7 +57,7 @@ TEST(CACADQTrafo, TakesTheMatrixColumnAfterColumn) {
     EXPECT_EQ(trafo.m_dTranslation[2], 9);
 }
 
-TEST(CACADQTrafo, GivesBackEveryRotationAsAUnitQuaternion) {
+TEST(CACADQTrafo, StoresEveryRotationAsAUnitQuaternion) {
     const std::array<double, 7> parts{-3, -1, -0.2, 0, 0.3, 1, 2};
     for (const double x : parts)
         for (const double y : parts)
@@ -95,7 +95,7 @@ const HalfTurn kHalfTurns[] = {
 };
 class CACADQTrafoTies : public testing::TestWithParam<HalfTurn> {};
 
-TEST_P(CACADQTrafoTies, GoToTheEarlierComponentWhichIsPositive) {
+TEST_P(CACADQTrafoTies, GoToTheFirstComponentWithAPositiveSign) {
     CACADQTrafo trafo;
     SetRows(trafo, GetParam().rotation);
     for (int i = 0; i < 4; ++i) EXPECT_NEAR(trafo.m_dQuat[i], GetParam().quat[i], 1e-15) << i;
@@ -110,7 +110,7 @@ TEST(CACADQTrafo, KeepsOnlyTheRotationOfAScalingMatrix) {
     ExpectRotation(trafo, {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, 1e-15);
 }
 
-TEST(CACADQTrafo, RebuildsTheMatrixFromTheQuaternion) {
+TEST(CACADQTrafo, UpdateMatrixComputesTheRotationOfTheQuaternion) {
     CACADQTrafo trafo;
     const double quat[4] = {0.5, 0.5, 0.5, 0.5};  // a third of a turn about (1, 1, 1): x to y to z to x
     std::copy_n(quat, 4, trafo.m_dQuat);

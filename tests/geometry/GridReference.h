@@ -1,5 +1,5 @@
 // A slow, literal triangulator of measurement grids: a grid of pointers, one quad after the other, normals over the
-// finished mesh. What the product computes must agree with it to the last bit.
+// finished mesh. The vectorised triangulation must agree with it to the last bit.
 #pragma once
 #include <cmath>
 #include <cstdint>

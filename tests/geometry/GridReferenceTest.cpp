@@ -1,4 +1,4 @@
-// The product against the slow reference, bit for bit, on random grids.
+// The vectorised triangulation against the slow reference, bit for bit, on random grids.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@ using grid_reference::Result;
 
 namespace {
 
-// The payload of a NaN is the processor's affair; everything else must agree, the sign of a zero included.
+// The payload of a NaN depends on the processor; everything else must agree, including the sign of a zero.
 bool IsSame(float a, float b) {
     return (std::isnan(a) && std::isnan(b)) || std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
 }
@@ -43,7 +43,7 @@ void ExpectSame(const std::vector<Vertex>& vertices, const std::vector<Triangle>
 const float* PointsOf(const Grid& grid) { return grid.points.data(); }
 const std::uint32_t* ColorsOf(const Grid& grid) { return grid.colors.empty() ? nullptr : grid.colors.data(); }
 
-// By the operation that any mesh has.
+// The box against Mesh::ComputeBoundingBox() of a copy.
 void ExpectSameBox(const Mesh& mesh) {
     Mesh copy(std::vector<Vertex>(mesh.m_vVertices), {}, L"", false);
     for (int i = 0; i < 6; ++i) {
@@ -52,7 +52,7 @@ void ExpectSameBox(const Mesh& mesh) {
     }
 }
 
-void ExpectSameRoads(const Grid& grid, int skip, const float* trafo) {
+void ExpectSameByEveryFunction(const Grid& grid, int skip, const float* trafo) {
     const auto width = static_cast<std::int16_t>(grid.width), height = static_cast<std::int16_t>(grid.height);
     for (const float limit : {kMaxEdgeCosine, -1.0f, 0.5f, 0.0f}) {
         std::vector<Vertex> vertices(3);  // must be replaced
@@ -86,7 +86,7 @@ void ExpectSameRoads(const Grid& grid, int skip, const float* trafo) {
     ASSERT_NO_FATAL_FAILURE(ExpectSame(buffers->m_vVertices, buffers->m_vTriangles, expected));
 }
 
-/// Makes grids of one seed: a wavy surface with noise, steps, holes in all sizes, and what else is asked for.
+/// Makes random grids from one seed: a wavy surface with noise, steps, holes in all sizes, and optional defects.
 class GridMaker {
 public:
     explicit GridMaker(unsigned seed) : m_random(seed) {}
@@ -114,15 +114,15 @@ public:
         return grid;
     }
 
-    /// Replaces some coordinates by what measurements should not hold but do.
-    void Spoil(Grid& grid) {
+    /// Replaces some coordinates by values that no measurement should contain: infinities, NaN, huge numbers.
+    void AddInvalidCoordinates(Grid& grid) {
         constexpr float kInfinity = std::numeric_limits<float>::infinity();
         for (float& coordinate : grid.points)
             if (Chance(0.05))
                 coordinate = Pick({NAN, kInfinity, -kInfinity, 0.0f, -0.0f, 1e30f, -1e25f, 1e-30f, 1e-40f});
     }
 
-    /// Lets neighbouring pixels coincide and lie on lines.
+    /// Makes neighbouring pixels coincide or lie on a line.
     void Collapse(Grid& grid) {
         const auto count = grid.mask.size();
         for (std::size_t i = 1; i < count; ++i)
@@ -172,13 +172,14 @@ TEST_P(GridAgainstReference, AgreesOnRandomGridsToTheLastBit) {
         SCOPED_TRACE(seed);
         GridMaker maker(seed);
         Grid grid = maker.Make(maker.Size(55 + 15 * GetParam()), maker.Size(30 + 10 * GetParam()));
-        if (maker.Chance(0.2)) maker.Spoil(grid);
+        if (maker.Chance(0.2)) maker.AddInvalidCoordinates(grid);
         if (maker.Chance(0.2)) maker.Collapse(grid);
         const std::vector<float> trafo = maker.Trafo();
-        ASSERT_NO_FATAL_FAILURE(ExpectSameRoads(grid, GetParam(), maker.Chance(0.5) ? trafo.data() : nullptr));
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectSameByEveryFunction(grid, GetParam(), maker.Chance(0.5) ? trafo.data() : nullptr));
         triangleCount += grid_reference::Triangulate(grid, GetParam(), kMaxEdgeCosine).triangles.size();
     }
-    EXPECT_GT(triangleCount, 1000u) << "the grids were too empty to prove anything";
+    EXPECT_GT(triangleCount, 1000u) << "too few triangles for a meaningful comparison";
 }
 
 TEST_P(GridAgainstReference, AgreesOnLinesOfPixelsAndTinyGrids) {
@@ -188,7 +189,7 @@ TEST_P(GridAgainstReference, AgreesOnLinesOfPixelsAndTinyGrids) {
             for (unsigned seed = 0; seed < 20; ++seed) {
                 SCOPED_TRACE(testing::Message() << width << " x " << height << ", seed " << seed);
                 GridMaker maker(1000 * seed + 7);
-                ASSERT_NO_FATAL_FAILURE(ExpectSameRoads(maker.Make(width, height), GetParam(), nullptr));
+                ASSERT_NO_FATAL_FAILURE(ExpectSameByEveryFunction(maker.Make(width, height), GetParam(), nullptr));
             }
         }
 }
@@ -262,13 +263,13 @@ void ExpectSameInBothLaneCounts(const Grid& grid) {
 
 }  // namespace
 
-TEST(GridLanes, OfFourAndOfEightGiveTheSameBits) {
+TEST(GridLanes, FourAndEightLanesGiveTheSameBits) {
     if (BestLaneCount() == LaneCount::kFour) GTEST_SKIP() << "this processor has no vectors of eight";
     for (unsigned seed = 0; seed < 200; ++seed) {
         SCOPED_TRACE(seed);
         GridMaker maker(seed);
         Grid grid = maker.Make(maker.Size(70), maker.Size(40));
-        if (maker.Chance(0.2)) maker.Spoil(grid);
+        if (maker.Chance(0.2)) maker.AddInvalidCoordinates(grid);
         if (maker.Chance(0.2)) maker.Collapse(grid);
         ASSERT_NO_FATAL_FAILURE(ExpectSameRows(grid));
         ASSERT_NO_FATAL_FAILURE(ExpectSameInBothLaneCounts(grid));
@@ -284,13 +285,13 @@ TEST(GridAgainstReference, AgreesOnEveryMaskOfThreeByThreePixels) {
     for (unsigned pattern = 0; pattern < 512; ++pattern) {
         SCOPED_TRACE(pattern);
         for (unsigned i = 0; i < 9; ++i) grid.mask[i] = (pattern >> i) & 1;
-        ASSERT_NO_FATAL_FAILURE(ExpectSameRoads(grid, 1, nullptr));
+        ASSERT_NO_FATAL_FAILURE(ExpectSameByEveryFunction(grid, 1, nullptr));
     }
 }
 
 TEST(GridAgainstReference, AgreesOnALongRow) {
     GridMaker maker(5);
-    ASSERT_NO_FATAL_FAILURE(ExpectSameRoads(maker.Make(32767, 3), 1, nullptr));
-    ASSERT_NO_FATAL_FAILURE(ExpectSameRoads(maker.Make(3, 32767), 1, nullptr));
-    ASSERT_NO_FATAL_FAILURE(ExpectSameRoads(maker.Make(32767, 9), 3, nullptr));
+    ASSERT_NO_FATAL_FAILURE(ExpectSameByEveryFunction(maker.Make(32767, 3), 1, nullptr));
+    ASSERT_NO_FATAL_FAILURE(ExpectSameByEveryFunction(maker.Make(3, 32767), 1, nullptr));
+    ASSERT_NO_FATAL_FAILURE(ExpectSameByEveryFunction(maker.Make(32767, 9), 3, nullptr));
 }

@@ -1,4 +1,4 @@
-// Small grids drawn by hand, with the vertices and triangles that must come out. Random grids: GridReferenceTest.cpp.
+// Small grids drawn by hand, with the expected vertices and triangles. Random grids: GridReferenceTest.cpp.
 #include "geometry/GridTriangulation.h"
 
 #include <gmock/gmock.h>
@@ -35,7 +35,7 @@ struct Drawing {
 
 const std::uint32_t* ColorsOf(const Drawing& grid) { return grid.colors.empty() ? nullptr : grid.colors.data(); }
 
-/// Vertices as "x,y" in their order, triangles by those names.
+/// The vertices as "x,y" in their order, the triangles as three of these names.
 struct Outcome {
     std::vector<std::string> vertices, triangles;
 };
@@ -108,7 +108,7 @@ const QuadPattern kQuadPatterns[] = {
 };
 class TriangulateGridPattern : public testing::TestWithParam<QuadPattern> {};
 
-TEST_P(TriangulateGridPattern, GivesTheTrianglesOfTheDrawing) {
+TEST_P(TriangulateGridPattern, MakesTheTrianglesOfTheDrawing) {
     const Outcome outcome = Triangulate(Drawing(GetParam().rows));
     EXPECT_EQ(outcome.vertices, GetParam().vertices);
     EXPECT_EQ(outcome.triangles, GetParam().triangles);
@@ -123,14 +123,14 @@ struct Corner {
 };
 void PrintTo(const Corner& row, std::ostream* out) { *out << row.name; }
 
-// The cosine 0.965826 belongs to 15.022 degrees.
+// The cosine 0.965826 is that of 15.022 degrees.
 const Corner kCorners[] = {
     {"Right", 90, 0},     {"JustWideEnough", 15.03, 0}, {"JustTooSharp", 15.01, -1}, {"JustBluntEnough", 149.9, 0},
     {"Needle", 0.01, -1}, {"VeryBlunt", 165.0, -1}};
 class IsSliverCorner : public testing::TestWithParam<Corner> {};
 
-// Isosceles about the corner: up to 150 degrees the other two corners are wide enough.
-TEST_P(IsSliverCorner, IsJudgedWhereverItStands) {
+// An isosceles triangle: up to 150 degrees at the apex the other two corners are wide enough.
+TEST_P(IsSliverCorner, IsTestedAtEveryCornerOfTheTriangle) {
     const double angle = GetParam().angleDeg * std::numbers::pi / 180;
     const float p0[3] = {1, 2, 3}, p1[3] = {2, 2, 3};
     const float p2[3] = {static_cast<float>(1 + std::cos(angle)), static_cast<float>(2 + std::sin(angle)), 3};
@@ -138,23 +138,23 @@ TEST_P(IsSliverCorner, IsJudgedWhereverItStands) {
     EXPECT_EQ(IsSliver(p1, p2, p0, kMaxEdgeCosine), GetParam().sliver);
     EXPECT_EQ(IsSliver(p2, p0, p1, kMaxEdgeCosine), GetParam().sliver);
     EXPECT_EQ(IsSliver(p2, p1, p0, kMaxEdgeCosine), GetParam().sliver);
-    EXPECT_EQ(IsSliver(p0, p1, p2, -0.1f), 0) << "the test is off";
+    EXPECT_EQ(IsSliver(p0, p1, p2, -0.1f), 0) << "a negative limit switches the test off";
 }
 INSTANTIATE_TEST_SUITE_P(Angle, IsSliverCorner, testing::ValuesIn(kCorners),
                          [](const auto& row) { return row.param.name; });
 
 }  // namespace
 
-// About 15.02 degrees, fixed to the bit: results must not change with the digits that somebody writes it with.
+// About 15.02 degrees, fixed to the bit: rewriting the literal with other digits must not change results.
 static_assert(std::bit_cast<std::uint32_t>(kMaxEdgeCosine) == 0x3F77405F);
 
-TEST(IsSliver, LetsCoincidentCornersPass) {
+TEST(IsSliver, AcceptsThreeCoincidentCornersButNotTwo) {
     const float p[3] = {1, 2, 3}, q[3] = {2, 2, 3};
     EXPECT_EQ(IsSliver(p, p, p, kMaxEdgeCosine), 0);
-    EXPECT_EQ(IsSliver(p, p, q, kMaxEdgeCosine), -1) << "the two long edges lie on each other";
+    EXPECT_EQ(IsSliver(p, p, q, kMaxEdgeCosine), -1) << "the two long edges coincide";
 }
 
-TEST(IsSliver, LetsPointsThatAreNotNumbersPass) {
+TEST(IsSliver, AcceptsPointsThatAreNotNumbers) {
     const float p[3] = {0, 0, 0}, q[3] = {1, 0, 0}, r[3] = {NAN, 1, 0}, far[3] = {INFINITY, 0, 0};
     EXPECT_EQ(IsSliver(p, q, r, kMaxEdgeCosine), 0);
     EXPECT_EQ(IsSliver(p, q, far, kMaxEdgeCosine), 0);
@@ -176,7 +176,7 @@ TEST(TriangulateGrid, KeepsTheVerticesOfRejectedTriangles) {
     EXPECT_THAT(Triangulate(grid, -1).triangles, ElementsAre("0,0 0,1 1,0"));
 }
 
-TEST(TriangulateGrid, RejectsEachTriangleOfAQuadOnItsOwn) {
+TEST(TriangulateGrid, RejectsEachTriangleOfAQuadSeparately) {
     Drawing first({"##", "##"});
     first.At(0, 0, 0) = first.At(0, 0, 1) = 0.49f;  // A close to the diagonal from B to C
     EXPECT_THAT(Triangulate(first).triangles, ElementsAre("0,1 1,1 1,0"));
@@ -186,7 +186,7 @@ TEST(TriangulateGrid, RejectsEachTriangleOfAQuadOnItsOwn) {
     EXPECT_EQ(Triangulate(second).vertices.size(), 4u);
 }
 
-TEST(TriangulateGrid, GivesColoursPositionsAndNoNormals) {
+TEST(TriangulateGrid, WritesPositionsAndColoursButNoNormals) {
     Drawing grid({"##", "##"});
     grid.colors = {10, 20, 30, 40};
     std::vector<Vertex> vertices;
@@ -202,7 +202,7 @@ TEST(TriangulateGrid, GivesColoursPositionsAndNoNormals) {
     EXPECT_EQ(vertices[1].nz, 0.0f);
 }
 
-TEST(TriangulateGrid, EmptiesItsOutputsWhenThereIsNoVertex) {
+TEST(TriangulateGrid, ClearsItsOutputsWhenThereIsNoVertex) {
     std::vector<Vertex> vertices(2);
     std::vector<Triangle> triangles(2);
     TriangulateGrid(0, 0, nullptr, nullptr, nullptr, 1, kMaxEdgeCosine, &vertices, &triangles);
@@ -210,7 +210,7 @@ TEST(TriangulateGrid, EmptiesItsOutputsWhenThereIsNoVertex) {
     EXPECT_THAT(triangles, IsEmpty());
 }
 
-TEST(BuildGridVertexList, ListsThePixelsOfALineThatGivesNoTriangle) {
+TEST(BuildGridVertexList, ListsThePixelsOfALineThatHasNoTriangle) {
     const Drawing line({"##.#"});
     EXPECT_EQ(BuildGridVertexList(4, 1, line.points.data(), line.mask.data(), nullptr, 1).m_vVertices.size(), 3u);
     EXPECT_THAT(Triangulate(line).vertices, IsEmpty());
@@ -252,15 +252,15 @@ TEST(BuildGridVertexList, AveragesTheValidPointsOfACell) {
     EXPECT_EQ(list.m_vVertices[0].z, 2.0f);
 }
 
-TEST(BuildGridVertexList, NeedsHalfOfACellRoundedDown) {
+TEST(BuildGridVertexList, RequiresHalfOfTheCellsPixelsRoundedDown) {
     EXPECT_EQ(ListOf(Drawing({"#.", ".#"}), 2).m_vVertices.size(), 1u) << "2 of 4";
     EXPECT_EQ(ListOf(Drawing({"#.", ".."}), 2).m_vVertices.size(), 0u) << "1 of 4";
     EXPECT_EQ(ListOf(Drawing({"##.", "#.#", "..."}), 3).m_vVertices.size(), 1u) << "4 of 9";
     EXPECT_EQ(ListOf(Drawing({"##.", "..#", "..."}), 3).m_vVertices.size(), 0u) << "3 of 9";
 }
 
-TEST(BuildGridVertexList, CountsNarrowCellsAtTheEdgeAgainstTheFullMinimum) {
-    // Skip 3 on five columns: the second cell has two columns and needs 4 valid pixels all the same.
+TEST(BuildGridVertexList, RequiresTheSameCountOfNarrowCellsAtTheEdge) {
+    // Skip 3 on five columns: the second cell has only two columns and still needs 4 valid pixels.
     const GridVertexList full = ListOf(Drawing({"#####", "#####", "#####"}), 3);
     EXPECT_EQ(full.m_iWidth, 2);
     EXPECT_EQ(full.m_vVertices.size(), 2u);
@@ -269,7 +269,7 @@ TEST(BuildGridVertexList, CountsNarrowCellsAtTheEdgeAgainstTheFullMinimum) {
     EXPECT_EQ(ListOf(Drawing({"##", "##", "##"}), 2).m_iHeight, 2);
 }
 
-TEST(BuildGridVertexList, TakesTheColourOfTheUpperLeftPixelEvenIfItIsAHole) {
+TEST(BuildGridVertexList, UsesTheColourOfTheUpperLeftPixelEvenIfItIsAHole) {
     Drawing grid({"##.#", "####"});
     grid.colors = {1, 2, 3, 4, 5, 6, 7, 8};
     const GridVertexList list = ListOf(grid, 2);
@@ -307,17 +307,17 @@ TEST(BuildGridVertexList, BreaksTheSurfaceAtStepsBeyondTheLimitOfTheSkipValue) {
         }
 }
 
-TEST(BuildGridVertexList, DropsTheCellBehindAStepAndKeepsItsNeighbour) {
+TEST(BuildGridVertexList, DropsTheCellAfterAStepAndKeepsItsNeighbour) {
     Drawing grid({"######", "######"});
     for (int y = 0; y < 2; ++y)
         for (int x = 2; x < 6; ++x) grid.At(x, y, 2) = 9;
     const GridVertexList list = ListOf(grid, 2);
     ASSERT_EQ(list.m_vVertices.size(), 2u);
     EXPECT_EQ(list.m_vVertices[0].gridIndex, 0u);
-    EXPECT_EQ(list.m_vVertices[1].gridIndex, 2u) << "it compares with the dropped cell, which lies at its height";
+    EXPECT_EQ(list.m_vVertices[1].gridIndex, 2u) << "it is compared with the dropped cell, which is at the same height";
 }
 
-TEST(BuildGridVertexList, ComparesWithNeighboursThatAreTooEmptyThemselves) {
+TEST(BuildGridVertexList, ComparesWithNeighboursThatHaveTooFewPixels) {
     Drawing grid({".###", "..##"});  // one valid pixel in the first cell: no vertex
     grid.At(1, 0, 2) = 9;
     EXPECT_THAT(ListOf(grid, 2).m_vVertices, IsEmpty());
@@ -325,7 +325,7 @@ TEST(BuildGridVertexList, ComparesWithNeighboursThatAreTooEmptyThemselves) {
     EXPECT_EQ(ListOf(grid, 2).m_vVertices.size(), 1u);
 }
 
-TEST(BuildGridVertexList, NeverBreaksAtANeighbourInTheOrigin) {
+TEST(BuildGridVertexList, IgnoresANeighbourAtTheOrigin) {
     Drawing grid({"####", "####"});
     for (int y = 0; y < 2; ++y)
         for (int x = 0; x < 4; ++x) {
@@ -337,14 +337,14 @@ TEST(BuildGridVertexList, NeverBreaksAtANeighbourInTheOrigin) {
     EXPECT_EQ(ListOf(grid, 2).m_vVertices.size(), 1u);
 }
 
-TEST(BuildGridVertexList, TakesAnySkipValueAboveZero) {
+TEST(BuildGridVertexList, AcceptsAnySkipValueAboveZero) {
     const GridVertexList list = ListOf(Drawing({"##", "##"}), 0x7FFFFFFF);
     EXPECT_EQ(list.m_iWidth, 1);
     EXPECT_EQ(list.m_iHeight, 1);
     EXPECT_THAT(list.m_vVertices, IsEmpty());
 }
 
-TEST(HasNonGrayColor, LooksAtTheThreeLowBytes) {
+TEST(HasNonGrayColor, ComparesTheThreeLowBytes) {
     const std::uint32_t gray[] = {0x00000000, 0xFF7F7F7F, 0x12FFFFFF};
     EXPECT_FALSE(HasNonGrayColor(gray, 3));
     EXPECT_FALSE(HasNonGrayColor(nullptr, 3));
@@ -355,7 +355,7 @@ TEST(HasNonGrayColor, LooksAtTheThreeLowBytes) {
     }
 }
 
-TEST(HasNonGrayColor, FindsOneColourAnywhere) {
+TEST(HasNonGrayColor, FindsASingleColourAtAnyPosition) {
     for (const std::size_t count : {1u, 7u, 4096u, 10000u})
         for (const std::size_t at : {std::size_t{0}, count / 2, count - 1}) {
             std::vector<std::uint32_t> colors(count, 0x00404040);
@@ -402,7 +402,7 @@ TEST(CreateInternalMesh, KeepsScaleInTheVerticesAndTheRotationInTheTrafo) {
     EXPECT_EQ(below.x, 8);
     EXPECT_EQ(below.y, 20);
     EXPECT_EQ(below.z, 30);
-    EXPECT_EQ(below.nz, -1) << "rows run against the columns: the surface looks away from +z";
+    EXPECT_EQ(below.nz, -1) << "the grid's rows run downward, so the surface faces -z";
     EXPECT_THAT(mesh->m_fBoundingBox, ElementsAre(8, 10, 20, 22, 29.99f, 30.01f));
     // The quaternion of the scaled matrix is 4 w^2 = 1 + 2 = 3 and z = 4 / 4w, which is 0.6 to 0.8 after normalising.
     EXPECT_NEAR(mesh->m_Trafo.m_dQuat[0], 0.6, 1e-12);
@@ -425,7 +425,7 @@ TEST(CreateInternalMesh, WithoutATrafoKeepsTheIdentity) {
     EXPECT_THAT(mesh->m_Trafo.m_dQuat, ElementsAre(1, 0, 0, 0));
 }
 
-TEST(CreateInternalMesh, TintsAGreyScanAndLeavesAColouredOneWhite) {
+TEST(CreateInternalMesh, TintsAGreyScanAndKeepsAColouredOneWhite) {
     Drawing grid({"##.", "##."});
     const auto plain = Create(grid);
     EXPECT_FALSE(plain->m_bHasVertexColors);
@@ -445,7 +445,7 @@ TEST(CreateInternalMesh, TintsAGreyScanAndLeavesAColouredOneWhite) {
     EXPECT_EQ(colored->GetColorRef(), 0xFFFFFFu);
 }
 
-TEST(CreateInternalMesh, ConnectsTheCellsOfAThinnedGrid) {
+TEST(CreateInternalMesh, ConnectsTheCellsOfAReducedGrid) {
     const auto mesh = Create(Drawing({"####", "####", "####", "####"}), false, nullptr, 2);
     ASSERT_NE(mesh, nullptr);
     ASSERT_EQ(mesh->GetVertexCount(), 4u);

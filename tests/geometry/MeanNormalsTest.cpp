@@ -1,4 +1,4 @@
-// Normals of meshes that come as arrays, on faces whose normals are plain to see.
+// Normals of meshes that come as arrays, on faces whose normals are obvious.
 #include "geometry/MeanNormals.h"
 
 #include <gtest/gtest.h>
@@ -38,7 +38,8 @@ void ComputeMeanNormalsPlainly(MeshBuffers& buffers) {
     }
 }
 
-/// Any bits, but for NaN the one that arithmetic gives: which of two a sum keeps is the compiler's choice.
+/// Random bits, except that every NaN is the one that arithmetic produces: which of two different NaNs a sum keeps
+/// depends on the compiler.
 std::uint32_t BitsOf(float value) { return std::isnan(value) ? 0x7FC00000u : std::bit_cast<std::uint32_t>(value); }
 
 void ExpectBitsOfThePlainWay(MeshBuffers buffers) {
@@ -54,7 +55,7 @@ void ExpectBitsOfThePlainWay(MeshBuffers buffers) {
     }
 }
 
-/// Small meshes around few points, so that most faces share vertices with those right before them.
+/// Small meshes around few points, so that most faces share vertices with the faces just before them.
 MeshBuffers RandomMesh(std::mt19937& random, std::size_t vertices, std::size_t triangles, bool anyBits) {
     MeshBuffers buffers(false);
     buffers.m_vVertices.resize(vertices);
@@ -73,7 +74,7 @@ MeshBuffers RandomMesh(std::mt19937& random, std::size_t vertices, std::size_t t
 
 }  // namespace
 
-TEST(ComputeMeanNormals, HaveTheBitsOfOneFaceAfterTheOther) {
+TEST(ComputeMeanNormals, HasTheBitsOfOneFaceAfterTheOther) {
     std::mt19937 random(7);
     for (std::size_t triangles = 0; triangles <= 40; ++triangles)
         for (const std::size_t vertices : {1, 3, 4, 7, 50})
@@ -82,15 +83,15 @@ TEST(ComputeMeanNormals, HaveTheBitsOfOneFaceAfterTheOther) {
     ExpectBitsOfThePlainWay(RandomMesh(random, 5'000, 20'003, true));
 }
 
-TEST(ComputeMeanNormals, CountMoreFacesThanAFloatCan) {
+TEST(ComputeMeanNormals, CountsMoreFacesThanAFloatCan) {
     MeshBuffers buffers(false);
     buffers.m_vVertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    buffers.m_vTriangles.assign((1 << 24) / 3 + 2, {{0, 0, 0}});  // each counts three times
+    buffers.m_vTriangles.assign((1 << 24) / 3 + 2, {{0, 0, 0}});  // each adds 3 to the count of vertex 0
     buffers.m_vTriangles.insert(buffers.m_vTriangles.begin(), 1000, {{0, 1, 2}});
     ExpectBitsOfThePlainWay(buffers);
 }
 
-TEST(ComputeMeanNormals, HaveLength07071BetweenPerpendicularFaces) {
+TEST(ComputeMeanNormals, GivesLength07071BetweenPerpendicularFaces) {
     MeshBuffers buffers(false);
     buffers.m_vVertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     buffers.m_vTriangles = {{{0, 1, 2}}, {{0, 2, 3}}};  // +z and +x
@@ -102,7 +103,7 @@ TEST(ComputeMeanNormals, HaveLength07071BetweenPerpendicularFaces) {
     EXPECT_NEAR(std::hypot(buffers.m_vVertices[0].nx, buffers.m_vVertices[0].nz), 0.7071, 1e-4);
 }
 
-TEST(ComputeMeanNormals, CountDegenerateFacesAsZero) {
+TEST(ComputeMeanNormals, CountsDegenerateFacesAsZero) {
     MeshBuffers buffers(false);
     buffers.m_vVertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {2, 0, 0}};
     buffers.m_vTriangles = {{{0, 1, 2}}, {{0, 1, 3}}};  // the second one is collinear
@@ -112,7 +113,7 @@ TEST(ComputeMeanNormals, CountDegenerateFacesAsZero) {
     ExpectNormal(buffers.m_vVertices[3], 0, 0, 0);
 }
 
-TEST(ComputeMeanNormals, AreNotWeightedByTheArea) {
+TEST(ComputeMeanNormals, DoesNotWeightByTheArea) {
     MeshBuffers buffers(false);
     buffers.m_vVertices = {{0, 0, 0}, {100, 0, 0}, {0, 100, 0}, {0, 0, 1}, {0, 1, 0}};
     buffers.m_vTriangles = {{{0, 1, 2}}, {{0, 4, 3}}};
@@ -120,7 +121,7 @@ TEST(ComputeMeanNormals, AreNotWeightedByTheArea) {
     ExpectNormal(buffers.m_vVertices[0], 0.5f, 0, 0.5f);
 }
 
-TEST(ComputeMeanNormals, CancelBetweenOppositeFacesAsUnitNormalsDo) {
+TEST(ComputeMeanNormals, CancelsBetweenOppositeFacesAsUnitNormalsDo) {
     MeshBuffers buffers(false);
     buffers.m_vVertices = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
     buffers.m_vTriangles = {{{0, 1, 2}}, {{0, 2, 1}}};
@@ -131,7 +132,7 @@ TEST(ComputeMeanNormals, CancelBetweenOppositeFacesAsUnitNormalsDo) {
     ExpectNormal(mesh.m_vVertices[0], 0, 0, 0);
 }
 
-TEST(ComputeMeanNormals, ReplaceFormerNormalsAlsoWhereNoFaceIs) {
+TEST(ComputeMeanNormals, ReplacesFormerNormalsEvenWithoutAFace) {
     MeshBuffers buffers(false);
     buffers.m_vVertices = {{0, 0, 0, 1, 2, 3}, {1, 0, 0, 1, 2, 3}, {0, 1, 0, 1, 2, 3}, {0, 0, 9, 1, 2, 3}};
     buffers.m_vTriangles = {{{0, 1, 2}}};

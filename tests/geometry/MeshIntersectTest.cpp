@@ -41,18 +41,18 @@ TEST(IntersectLine, ReportsDistanceTriangleAndPoint) {
     EXPECT_THAT(hit.point, ElementsAre(0.5f, 0.25f, 5));
 }
 
-TEST(IntersectLine, FindsHitsBehindTheOrigin) {
+TEST(IntersectLine, CountsHitsOnBothSidesOfTheOrigin) {
     const Hit hit = Intersect(TriangleAt(5), 0.5f, 0.25f, 7, 0, 0, 1);
     EXPECT_FLOAT_EQ(hit.distance, 2);
     EXPECT_THAT(hit.point, ElementsAre(0.5f, 0.25f, 5));
 }
 
-TEST(IntersectLine, MeasuresTheDistanceInWorldUnitsWhateverTheLengthOfTheDirection) {
+TEST(IntersectLine, MeasuresInWorldUnitsForADirectionOfAnyLength) {
     EXPECT_FLOAT_EQ(Intersect(TriangleAt(5), 0.5f, 0.25f, 1, 0, 0, 20).distance, 4);
     EXPECT_FLOAT_EQ(Intersect(TriangleAt(5), 0.5f, 0.25f, 1, 0, 0, -0.01f).distance, 4);
 }
 
-TEST(IntersectLine, LeavesTheOutputsAloneWhenNothingIsHit) {
+TEST(IntersectLine, DoesNotWriteTheOutputsWhenNothingIsHit) {
     const Hit beside = Intersect(TriangleAt(5), 1.5f, 1.5f, 0, 0, 0, 1);  // in the box, not in the triangle
     EXPECT_EQ(beside.distance, -1);
     EXPECT_EQ(beside.triangle, 77);
@@ -67,25 +67,26 @@ TEST(IntersectLine, CountsEdgesAndCornersAsHits) {
     EXPECT_EQ(Intersect(TriangleAt(5), 1.001f, 1, 0, 0, 0, 1).distance, -1);
 }
 
-TEST(IntersectLine, TakesTheNearestTriangleAndTheFirstOfEquallyNearOnes) {
+TEST(IntersectLine, ReturnsTheNearestTriangleAndTheFirstInATie) {
     const Mesh mesh(
         {{0, 0, 9}, {2, 0, 9}, {0, 2, 9}, {0, 0, -3}, {2, 0, -3}, {0, 2, -3}, {0, 0, 3}, {2, 0, 3}, {0, 2, 3}},
         {{{0, 1, 2}}, {{3, 4, 5}}, {{6, 7, 8}}}, L"", false);
     const Hit hit = Intersect(mesh, 0.5f, 0.5f, 0, 0, 0, 1);
-    EXPECT_EQ(hit.triangle, 1) << "3 behind comes first in the list, 3 ahead is not strictly nearer";
+    EXPECT_EQ(hit.triangle, 1)
+        << "the hit 3 before the origin is first in the list, the one 3 after it is not strictly nearer";
     EXPECT_FLOAT_EQ(hit.distance, 3);
     EXPECT_EQ(Intersect(mesh, 0.5f, 0.5f, 0.25f, 0, 0, 1).triangle, 2);
 }
 
 TEST(IntersectLine, MissesTrianglesWhoseDeterminantIsTooSmall) {
-    // The determinant of a line along z is the square of the leg: 1.0e-5 is reached at a leg of 0.0031623.
+    // The determinant of a line along z is the square of the leg: the limit 1.0e-5 is at a leg of 0.0031623.
     EXPECT_EQ(Intersect(TriangleAt(5, 0.00316f), 0.001f, 0.001f, 0, 0, 0, 1).distance, -1);
     EXPECT_FLOAT_EQ(Intersect(TriangleAt(5, 0.00317f), 0.001f, 0.001f, 0, 0, 0, 1).distance, 5);
     EXPECT_FLOAT_EQ(Intersect(TriangleAt(5, 0.00316f), 0.001f, 0.001f, 0, 0, 0, 2).distance, 5)
-        << "the matrix is not normalised: a longer direction finds it";
+        << "the determinant grows with the direction: a longer one hits";
 }
 
-TEST(IntersectLine, MissesTrianglesThatItRunsAlong) {
+TEST(IntersectLine, MissesTrianglesParallelToTheLine) {
     EXPECT_EQ(Intersect(TriangleAt(5), -1, 0.5f, 5, 1, 0, 0).distance, -1);
 }
 
@@ -97,7 +98,7 @@ TEST(IntersectLine, IsExactFarFromTheOrigin) {
     EXPECT_EQ(Intersect(mesh, beyond, 1, 8000, 0, 0, -1).triangle, 1);
 }
 
-TEST(IntersectLine, RefusesTrianglesThatReferToNoVertex) {
+TEST(IntersectLine, ThrowsForATriangleWithAnInvalidIndex) {
     for (const std::int32_t bad : {3, -1}) {
         Mesh mesh({{0, 0, 5}, {2, 0, 5}, {0, 2, 5}}, {{{0, 1, 2}}}, L"", false);
         mesh.m_vTriangles.push_back({{0, 1, bad}});
@@ -107,17 +108,17 @@ TEST(IntersectLine, RefusesTrianglesThatReferToNoVertex) {
         } catch (const std::out_of_range& error) {
             EXPECT_STREQ(error.what(), "invalid vector subscript");
         }
-        EXPECT_EQ(Intersect(mesh, 50, 50, 1, 0, 0, 1).distance, -1) << "beside the box no triangle is looked at";
+        EXPECT_EQ(Intersect(mesh, 50, 50, 1, 0, 0, 1).distance, -1) << "beside the box no triangle is read";
     }
 }
 
-TEST(IntersectLine, LooksAtNothingOutsideTheStoredBox) {
+TEST(IntersectLine, SkipsTheTrianglesWhenTheLineMissesTheStoredBox) {
     Mesh mesh = TriangleAt(5);
     mesh.SetBoundingBox(10, 11, 10, 11, 4, 6);
     EXPECT_EQ(Intersect(mesh, 0.5f, 0.25f, 1, 0, 0, 1).distance, -1);
 }
 
-TEST(TestLineBox, HitsInEitherSense) {
+TEST(TestLineBox, HitsInBothDirectionsOfTheLine) {
     Mesh mesh(L"", false);
     mesh.SetBoundingBox(-1, 1, -2, 2, -3, 3);
     EXPECT_TRUE(TestBox(mesh, 0, 0, -10, 0, 0, 1));
@@ -133,11 +134,11 @@ TEST(TestLineBox, CountsFacesEdgesAndCornersAsInside) {
     mesh.SetBoundingBox(-1, 1, -2, 2, -3, 3);
     EXPECT_TRUE(TestBox(mesh, 1, 0, -10, 0, 0, 1)) << "along a face";
     EXPECT_TRUE(TestBox(mesh, 1, 2, -10, 0, 0, 1)) << "along an edge";
-    EXPECT_TRUE(TestBox(mesh, 0, 1, 5, 1, 1, -2)) << "touches the corner 1, 2, 3 alone";
+    EXPECT_TRUE(TestBox(mesh, 0, 1, 5, 1, 1, -2)) << "touches only the corner 1, 2, 3";
     EXPECT_FALSE(TestBox(mesh, 0.01f, 1, 5, 1, 1, -2)) << "just beside the corner";
 }
 
-TEST(TestLineBox, SkipsPlanesThatTheLineRunsAlong) {
+TEST(TestLineBox, SkipsFacesParallelToTheLine) {
     Mesh mesh(L"", false);
     mesh.SetBoundingBox(-1, 1, -1, 1, -1, 1);
     EXPECT_FALSE(TestBox(mesh, -1, 0, 0, 0.9e-6f, 0, 0)) << "no component reaches 1e-6";

@@ -1,4 +1,4 @@
-// One object: defaults, box, centre, transform, normals, clone. Crossing it with a line: MeshIntersectTest.cpp.
+// One object: defaults, box, centre, transform, normals, clone. Its intersection with a line: MeshIntersectTest.cpp.
 #include "geometry/Mesh.h"
 
 #include <gmock/gmock.h>
@@ -48,7 +48,7 @@ TEST(Mesh, StartsEmptyWithTheDefaultsOfAnObject) {
     EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(-1, 1, -1, 1, -1, 1));
 }
 
-TEST(Mesh, TakesItsArraysOverWithoutACopy) {
+TEST(Mesh, MovesItsArraysWithoutACopy) {
     std::vector<Vertex> vertices{At(0, 0, 0), At(1, 0, 0), At(0, 1, 0)};
     std::vector<Triangle> triangles = OneTriangle();
     const Vertex* const vertexStorage = vertices.data();
@@ -58,7 +58,7 @@ TEST(Mesh, TakesItsArraysOverWithoutACopy) {
     EXPECT_EQ(mesh.m_vTriangles.data(), triangleStorage);
 }
 
-TEST(Mesh, IsGreyWhileAllVerticesHaveEqualColourBytes) {
+TEST(Mesh, IsGreyWhenAllVerticesHaveEqualColourBytes) {
     EXPECT_TRUE(Mesh({}, {}, L"", false).m_bGrayColors);
     EXPECT_TRUE(Mesh({At(0, 0, 0, 0x12000000), At(0, 0, 0, 0xFF7F7F7F)}, {}, L"", true).m_bGrayColors);
     for (const std::uint32_t color : {0x7F7F7Eu, 0x7F7E7Fu, 0x7E7F7Fu})
@@ -82,7 +82,7 @@ TEST(Mesh, HasTheSameBoxForAnyNumberOfVertices) {
         }
 }
 
-TEST(Mesh, KeepsPointsThatAreNotNumbersOutOfItsBox) {
+TEST(Mesh, ExcludesPointsThatAreNotNumbersFromItsBox) {
     const Mesh mesh({At(0, 1, 2), At(NAN, 9, NAN), At(3, NAN, 4)}, {}, L"", false);
     EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0, 3, 1, 9, 2, 4));
 }
@@ -93,7 +93,7 @@ TEST(Mesh, WithoutVerticesHasAnInvertedBox) {
     EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0.99f, -0.99f, 0.99f, -0.99f, 0.99f, -0.99f));
 }
 
-TEST(Mesh, ThatIsFlatHasABoxOfSomeThickness) {
+TEST(Mesh, AFlatMeshHasABoxWithSomeThickness) {
     const Mesh mesh({At(0, 0, 5), At(1, 0, 5), At(0, 1, 5)}, OneTriangle(), L"", false);
     EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0, 1, 0, 1, 4.99f, 5.01f));
 }
@@ -107,14 +107,14 @@ TEST(Mesh, HasItsCentreAtTheMeanOfAllVertices) {
 }
 
 TEST(Mesh, SumsItsCentreInSinglePrecisionInVertexOrder) {
-    // 16777216 + 1 is 16777216 in single precision, twice; the other way round it would be 16777218.
+    // 16777216 + 1 is 16777216 in single precision, twice; in the opposite order it would be 16777218.
     Mesh mesh({At(16777216, 1, 0), At(1, 1, 0), At(1, 16777216, 0)}, {}, L"", false);
     mesh.ComputeCenter();
     EXPECT_EQ(mesh.m_fCenter[0], 16777216.0f / 3.0f);
     EXPECT_EQ(mesh.m_fCenter[1], 16777218.0f / 3.0f);
 }
 
-TEST(Mesh, WithoutVerticesLeavesItsCentreAsItWas) {
+TEST(Mesh, WithoutVerticesKeepsItsFormerCentre) {
     Mesh mesh(L"", false);
     mesh.m_fCenter[0] = 4;
     mesh.ComputeCenter();
@@ -123,7 +123,7 @@ TEST(Mesh, WithoutVerticesLeavesItsCentreAsItWas) {
     EXPECT_THAT(center, ElementsAre(4, 0, 0));
 }
 
-TEST(Mesh, BakesATransformIntoPositionsAndNormals) {
+TEST(Mesh, AppliesATransformToPositionsAndNormals) {
     Mesh mesh({{1, 2, 3, 0, 2, 0}, {4, 5, 6, 1, 0, 0}}, {}, L"", false);
     mesh.m_bBuffersDirty = false;
     mesh.m_bCenterValid = true;
@@ -140,7 +140,7 @@ TEST(Mesh, BakesATransformIntoPositionsAndNormals) {
     EXPECT_NEAR(mesh.m_fBoundingBox[5], 36, 1e-5);
 }
 
-TEST(Mesh, TakesATransformOutAgainAndLeavesTheBuffersAlone) {
+TEST(Mesh, RevertsATransformWithoutMarkingTheBuffersDirty) {
     Mesh mesh({{8, 21, 33, -2, 0, 0}, {5, 24, 36, 0, 1, 0}}, {}, L"", false);
     mesh.m_bBuffersDirty = false;
     mesh.m_bCenterValid = true;
@@ -166,7 +166,7 @@ TEST(Mesh, RotatesInDoubleAndAddsTheTranslationInFloat) {
     EXPECT_EQ(mesh.m_vVertices[0].y, 0.25f);
 }
 
-TEST(Mesh, TakesTheTranslationOutInFloatBeforeItRotates) {
+TEST(Mesh, RevertsTheTranslationInFloatBeforeTheRotation) {
     // The translation rounds to 16777216 first; in double precision the difference would be 1.
     Mesh mesh({At(16777218, 0, 0)}, {}, L"", false);
     CACADQTrafo shift;
@@ -185,7 +185,7 @@ TEST(Mesh, NormalisesTheSumOfUnitFaceNormals) {
     ExpectNormal(mesh.m_vVertices[3], 1, 0, 0);
 }
 
-TEST(Mesh, GivesNoNormalToVerticesWithCollinearTrianglesAlone) {
+TEST(Mesh, VerticesOfOnlyCollinearTrianglesHaveAZeroNormal) {
     Mesh mesh({{0, 0, 0, 9, 9, 9}, {1, 0, 0, 9, 9, 9}, {2, 0, 0, 9, 9, 9}, {0, 1, 0, 9, 9, 9}},
               {{{0, 1, 2}}, {{0, 1, 3}}}, L"", false);
     mesh.ComputeVertexNormals();
@@ -193,14 +193,14 @@ TEST(Mesh, GivesNoNormalToVerticesWithCollinearTrianglesAlone) {
     ExpectNormal(mesh.m_vVertices[2], 0, 0, 0);
 }
 
-TEST(Mesh, GivesNoNormalToVerticesBetweenOppositeFaces) {
+TEST(Mesh, VerticesBetweenOppositeFacesHaveAZeroNormal) {
     Mesh mesh({{0, 0, 0, 9, 9, 9}, {1, 0, 0, 9, 9, 9}, {0, 1, 0, 9, 9, 9}, {0, 0, 5, 9, 9, 9}},
               {{{0, 1, 2}}, {{1, 0, 2}}}, L"", false);
     mesh.ComputeVertexNormals();
     for (const Vertex& vertex : mesh.m_vVertices) ExpectNormal(vertex, 0, 0, 0);
 }
 
-TEST(Mesh, TellsTheUnitNormalOfATriangle) {
+TEST(Mesh, ReturnsTheUnitNormalOfATriangle) {
     const Mesh mesh({At(1, 1, 1), At(1, 4, 1), At(1, 1, 6), At(1, 7, 1)}, {{{0, 1, 2}}, {{0, 1, 3}}}, L"", false);
     float x, y, z;
     mesh.GetTriangleNormal(0, &x, &y, &z);
@@ -239,7 +239,7 @@ TEST(Mesh, MarksItsBuffersDirtyOnlyWhenTheBlendChanges) {
 
 class MeshClone : public testing::Test {
 protected:
-    // Four triangles on six vertices; vertex 5 hangs on the last triangle alone.
+    // Four triangles on six vertices; vertex 5 is used by the last triangle only.
     Mesh m_mesh{{At(0, 0, 0), At(1, 0, 0), At(2, 0, 0), At(0, 3, 0), At(1, 1, 0), At(9, 9, 9)},
                 {{{4, 3, 0}}, {{0, 1, 4}}, {{1, 2, 4}}, {{2, 5, 4}}},
                 L"scan.pcm",
@@ -252,7 +252,7 @@ TEST_F(MeshClone, KeepsTheVerticesInTheOrderOfTheirFirstUse) {
     ASSERT_EQ(clone->m_vTriangles.size(), 2u);
     EXPECT_TRUE(clone->m_vTriangles[0] == (Triangle{{0, 1, 2}}));
     EXPECT_TRUE(clone->m_vTriangles[1] == (Triangle{{2, 3, 0}}));
-    ASSERT_EQ(clone->m_vVertices.size(), 4u) << "vertex 5 had no other triangle";
+    ASSERT_EQ(clone->m_vVertices.size(), 4u) << "vertex 5 was used by no other triangle";
     ExpectPosition(clone->m_vVertices[0], 1, 1, 0);
     ExpectPosition(clone->m_vVertices[1], 0, 3, 0);
     ExpectPosition(clone->m_vVertices[2], 0, 0, 0);
@@ -261,7 +261,7 @@ TEST_F(MeshClone, KeepsTheVerticesInTheOrderOfTheirFirstUse) {
     EXPECT_THAT(clone->m_fBoundingBox, ElementsAre(0, 1, 0, 3, -0.01f, 0.01f));
 }
 
-TEST_F(MeshClone, CarriesWhatDescribesTheObjectAndNotItsCuts) {
+TEST_F(MeshClone, CopiesTheDescriptionOfTheObjectButNotItsCuts) {
     m_mesh.m_Trafo.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);
     m_mesh.m_fColor[0] = 0.5f;  // 127.5 becomes 127
     m_mesh.m_pTexture = std::make_shared<Mesh::Texture>(0, nullptr, std::vector<std::uint8_t>{1});
@@ -282,7 +282,7 @@ TEST_F(MeshClone, CarriesWhatDescribesTheObjectAndNotItsCuts) {
     EXPECT_EQ(clone->GetVertexCount(), 6u);
 }
 
-TEST_F(MeshClone, TakesTheTextureCoordinatesOfTheKeptTriangles) {
+TEST_F(MeshClone, CopiesTheTextureCoordinatesOfTheKeptTriangles) {
     for (int i = 0; i < 12; ++i) m_mesh.m_vTexCoords.push_back({static_cast<float>(i), static_cast<float>(-i)});
     const std::uint32_t removeVertex3[] = {1u << 3};
     const auto clone = m_mesh.CloneWithoutVertices(removeVertex3);
@@ -293,7 +293,7 @@ TEST_F(MeshClone, TakesTheTextureCoordinatesOfTheKeptTriangles) {
     }
 }
 
-TEST_F(MeshClone, ReadsBitsOfLaterWords) {
+TEST_F(MeshClone, ReadsTheBitsOfEveryWord) {
     std::vector<Vertex> vertices(70, At(0, 0, 0));
     Mesh mesh(std::move(vertices), {{{0, 1, 69}}, {{0, 1, 37}}, {{0, 1, 5}}}, L"", false);
     const std::uint32_t remove69[] = {0, 0, 1u << 5};
@@ -304,7 +304,7 @@ TEST_F(MeshClone, ReadsBitsOfLaterWords) {
     EXPECT_EQ(clone->GetVertexCount(), 4u);
 }
 
-TEST_F(MeshClone, WithoutAllVerticesIsEmptyWithTheDefaultBox) {
+TEST_F(MeshClone, IsEmptyWithTheDefaultBoxWhenAllVerticesAreRemoved) {
     const std::uint32_t all[] = {0xFFFFFFFF};
     const auto clone = m_mesh.CloneWithoutVertices(all);
     EXPECT_EQ(clone->GetVertexCount(), 0u);
@@ -312,7 +312,7 @@ TEST_F(MeshClone, WithoutAllVerticesIsEmptyWithTheDefaultBox) {
     EXPECT_THAT(clone->m_fBoundingBox, ElementsAre(-1, 1, -1, 1, -1, 1));
 }
 
-TEST(ComputeVertexNormals, OfScatteredTrianglesAreThePlainSumInTriangleOrder) {
+TEST(ComputeVertexNormals, SumsScatteredTrianglesInTriangleOrder) {
     std::mt19937 random(1);
     std::uniform_real_distribution<float> coordinate(-1, 1);
     std::uniform_int_distribution<std::int32_t> pick(0, 999);

@@ -1,4 +1,4 @@
-// Which helper object lies under a pixel: by stand-ins that draw plain squares of pixels.
+// Which helper object is under a pixel, with test objects that draw plain rectangles of pixels.
 #include <gtest/gtest.h>
 
 #include "render/SceneFixture.h"
@@ -23,9 +23,9 @@ public:
     Stand(std::vector<Area> areas, std::uint32_t count)
         : RenderObject(0), m_vAreas(std::move(areas)), m_uCount(count) {}
 
-    void Draw() override { ADD_FAILURE() << "a pick draws numbers alone"; }
+    void Draw() override { ADD_FAILURE() << "a pick draws only numbers"; }
     std::uint32_t DrawPickIds(std::uint32_t base) override {
-        EXPECT_FALSE(IsPicked()) << "the former pick is forgotten first";
+        EXPECT_FALSE(IsPicked()) << "the former pick is cleared first";
         bases.push_back(base);
         state = ReadGlState();
         glMatrixMode(GL_PROJECTION);
@@ -56,8 +56,8 @@ public:
     void OnPicked(std::uint32_t k) override { picked = k; }
 
     std::optional<std::uint32_t> picked;
-    std::vector<std::uint32_t> bases;  ///< that it was drawn with
-    GlState state;                     ///< in which it was drawn
+    std::vector<std::uint32_t> bases;  ///< of every DrawPickIds()
+    GlState state;                     ///< during the last DrawPickIds()
 
 private:
     std::vector<Area> m_vAreas;
@@ -70,13 +70,13 @@ protected:
     OffscreenControl control;
 };
 
-TEST_F(HelperPick, TellsTheObjectItsOwnNumberOfThePart) {
+TEST_F(HelperPick, PassesTheObjectItsOwnNumberOfThePart) {
     Stand first({{1, 100, 50}}, 3), second({{0, 200, 60}, {4, 201, 60}}, 5);
     Pick({&first, &second}, 100, 50);
     EXPECT_EQ(first.picked, 1u);
     EXPECT_EQ(second.picked, std::nullopt);
     Pick({&first, &second}, 201, 60);
-    EXPECT_EQ(first.picked, std::nullopt);  // forgotten
+    EXPECT_EQ(first.picked, std::nullopt);  // cleared
     EXPECT_EQ(second.picked, 4u);
     Pick({&first, &second}, 200, 60);
     EXPECT_EQ(second.picked, 0u);
@@ -94,7 +94,7 @@ TEST_F(HelperPick, ReadsExactlyThePixelCountedFromTheBottom) {
     EXPECT_TRUE(stand.IsPicked());
 }
 
-TEST_F(HelperPick, KnowsNumbersOfAllThreeBytes) {
+TEST_F(HelperPick, DecodesNumbersOfThreeBytes) {
     const std::vector<Stand::Area> none;
     Stand blocker(none, 0x030201), stand({{0, 10, 10}, {1, 20, 10}, {255, 30, 10}}, 256);
     for (const auto& [x, k] : {std::pair{10, 0u}, {20, 1u}, {30, 255u}}) {
@@ -105,13 +105,13 @@ TEST_F(HelperPick, KnowsNumbersOfAllThreeBytes) {
     EXPECT_EQ(stand.bases.back(), 0x030201u);
 }
 
-TEST_F(HelperPick, TellsNobodyOfANumberThatNobodyHas) {
+TEST_F(HelperPick, CallsNoObjectForANumberWithoutAPart) {
     Stand stand({{2, 10, 10}}, 2);
     Pick({&stand}, 10, 10);
     EXPECT_FALSE(stand.IsPicked());
 }
 
-TEST_F(HelperPick, TellsNobodyBesideThePartsAndWithoutAny) {
+TEST_F(HelperPick, CallsNoObjectBesideThePartsOrWithoutParts) {
     Stand stand({}, 0), silent({{0, 10, 10}}, 0);
     stand.picked = 3;
     Pick({&stand, &silent}, 10, 10);
@@ -134,7 +134,7 @@ TEST_F(HelperPick, FindsNothingOutsideTheWindow) {
     EXPECT_EQ(GlErrorOf(*control), GLenum{GL_NO_ERROR});
 }
 
-TEST_F(HelperPick, PrefersTheNearerOfTwoPartsInWhateverOrder) {
+TEST_F(HelperPick, PicksTheNearerOfTwoPartsInAnyOrder) {
     Stand back({{0, 10, 10, 9, 9, -1}}, 1), front({{0, 10, 10, 9, 9, 1}}, 1);
     Pick({&back, &front}, 12, 12);
     EXPECT_TRUE(front.IsPicked());
@@ -152,7 +152,7 @@ TEST_F(HelperPick, IsNotHiddenByTheSceneThatWasDrawnBefore) {
     EXPECT_TRUE(stand.IsPicked());
 }
 
-TEST_F(HelperPick, DrawsWithNothingThatCouldMixTheNumbers) {
+TEST_F(HelperPick, DrawsWithoutAnyStateThatCouldChangeTheNumbers) {
     ASSERT_TRUE(control->MakeContextCurrent());
     for (const GLenum name :
          {GL_BLEND, GL_DITHER, GL_FOG, GL_LIGHTING, GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_MULTISAMPLE})
@@ -170,7 +170,7 @@ TEST_F(HelperPick, DrawsWithNothingThatCouldMixTheNumbers) {
     EXPECT_EQ(stand.state.at("GL_DRAW_BUFFER")[0], GL_BACK);
 }
 
-TEST_F(HelperPick, PutsEveryAttributeBack) {
+TEST_F(HelperPick, RestoresEveryAttribute) {
     ASSERT_TRUE(control->MakeContextCurrent());
     for (const GLenum name :
          {GL_BLEND, GL_FOG, GL_LIGHTING, GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_MULTISAMPLE})
@@ -205,7 +205,7 @@ TEST_F(HelperPick, DrawsInItsOwnWindowWhicheverIsCurrent) {
     EXPECT_TRUE(stand.IsPicked());
 }
 
-TEST_F(HelperPick, IsExactInAWindowWithManySamplesAPixel) {
+TEST_F(HelperPick, IsExactInAMultisampledWindow) {
     control->RecreateOpenglContext(3, 3, 4);
     control->PerformRefresh();
     ASSERT_TRUE(control->MakeContextCurrent());
@@ -221,7 +221,7 @@ TEST_F(HelperPick, IsExactInAWindowWithManySamplesAPixel) {
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
-TEST(HelperPickWithoutAPicture, TellsNobody) {
+TEST(HelperPickWithoutAPicture, CallsNoObject) {
     NoPictureControl control;
     Stand stand({{0, 0, 0, 640, 480}}, 1);
     RenderObject* const objects[] = {&stand};
@@ -230,9 +230,9 @@ TEST(HelperPickWithoutAPicture, TellsNobody) {
     EXPECT_TRUE(stand.bases.empty());
 }
 
-TEST(HelperPickOnScreen, LeavesThePictureThatTheUserSees) {
-    Prepared(PaneWindowRequest::Kind::TopLevel);
-    TestControl control(PaneWindowRequest::Kind::TopLevel, 64, 48);
+TEST(HelperPickOnScreen, DoesNotChangeTheVisiblePicture) {
+    Prepared(KV_ScenePane::WindowRequest::Kind::TopLevel);
+    TestControl control(KV_ScenePane::WindowRequest::Kind::TopLevel, 64, 48);
     control->SetBackgroundColors(0x30C080, 0x30C080);
     control->PerformRefresh();
     Display* const display = XOpenDisplay(nullptr);

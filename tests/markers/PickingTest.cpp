@@ -1,5 +1,5 @@
-// Which object lies under a pixel. The camera looks down the z axis, 48 pixels a unit, so that pixel (x, y) shows
-// ((x - 320) / 48, (240 - y) / 48); the line of a pick begins at z = 52.
+// Which object is under a pixel. The camera looks down the z axis, 48 pixels per unit, so that pixel (x, y) shows
+// ((x - 320) / 48, (240 - y) / 48); the line of a pick has its origin at z = 52.
 #include <gtest/gtest.h>
 
 #include "render/SceneFixture.h"
@@ -12,7 +12,7 @@ using Event = EventsRecorder::Event;
 
 class Picking : public SceneTest {
 protected:
-    Picking() : SceneTest(PaneWindowRequest::Kind::OffScreen, 640, 480) {
+    Picking() : SceneTest(KV_ScenePane::WindowRequest::Kind::OffScreen, 640, 480) {
         Frame();
         pane.events.events.clear();
         pane.window->Forget();
@@ -46,12 +46,12 @@ TEST_F(Picking, FindsThePointOnASlantedTriangle) {
     ExpectHit({-1, 0.5, -1});
 }
 
-TEST_F(Picking, FindsBacksToo) {
+TEST_F(Picking, FindsBackFaces) {
     Add({.turned = true});
     EXPECT_EQ(PickAt(320, 240), 0);
 }
 
-TEST_F(Picking, ChangesNothingBesideTheObjects) {
+TEST_F(Picking, ChangesNothingWhenTheBackgroundIsHit) {
     Add({});
     EXPECT_EQ(PickAt(320 + 100, 240), -1);  // the edge is at 96
     EXPECT_EQ(hit, kUntouched);
@@ -66,7 +66,7 @@ TEST_F(Picking, ChangesNothingBesideTheObjects) {
 
 TEST_F(Picking, FindsNothingInAnEmptyScene) { EXPECT_EQ(PickAt(320, 240), -1); }
 
-TEST_F(Picking, FindsWhatLiesBehindAHiddenObject) {
+TEST_F(Picking, FindsTheObjectBehindAHiddenOne) {
     Add({.center = {0, 0, 3}}).m_iVisible = 0;
     Add({});
     EXPECT_EQ(PickAt(320, 230), 1);
@@ -82,7 +82,7 @@ TEST_F(Picking, NeverFindsAPointSet) {
     EXPECT_EQ(PickAt(320, 240), 1);
 }
 
-TEST_F(Picking, PrefersTheNearestWhereverItStandsInTheList) {
+TEST_F(Picking, FindsTheNearestObjectInAnyListOrder) {
     Add({.center = {0, 0, -2}});
     Add({.center = {0, 0, 4}});
     Add({.center = {0, 0, 1}});
@@ -90,7 +90,7 @@ TEST_F(Picking, PrefersTheNearestWhereverItStandsInTheList) {
     ExpectHit({0, 0, 4});
 }
 
-TEST_F(Picking, TakesTheFirstOfTwoAtTheSameDistance) {
+TEST_F(Picking, FindsTheFirstOfTwoAtTheSameDistance) {
     Add({.center = {0, 0, 1}});
     Add({.center = {0, 0, 1}});
     EXPECT_EQ(PickAt(320, 240), 0);
@@ -98,23 +98,23 @@ TEST_F(Picking, TakesTheFirstOfTwoAtTheSameDistance) {
     EXPECT_EQ(PickAt(320, 240), 1);
 }
 
-TEST_F(Picking, CountsAHitBehindTheLinesBeginningByItsDistance) {
+TEST_F(Picking, CountsAHitBehindTheOriginOfTheLineByItsDistance) {
     Add({.center = {0, 0, 42}});
-    Add({.center = {0, 0, 60}});  // 8 behind the beginning, against 10 before it
+    Add({.center = {0, 0, 60}});  // 8 from the origin of the line, on its other side; the other object is 10 away
     EXPECT_EQ(PickAt(320, 240), 1);
     pane->m_vpMeshes.pop_back();
-    Add({.center = {0, 0, 64}});  // 12 behind
+    Add({.center = {0, 0, 64}});  // 12 away on the other side
     EXPECT_EQ(PickAt(320, 240), 0);
 }
 
-TEST_F(Picking, TouchesNoTriangleOfAnObjectWhoseBoxTheLineMisses) {
+TEST_F(Picking, SkipsTheTrianglesOfAnObjectWhoseBoxTheLineMisses) {
     Mesh& broken = Add({.center = {4, 0, 0}, .half = 1});
-    broken.m_vTriangles[0].v[0] = 1000;  // refers to no vertex: looking at it throws
+    broken.m_vTriangles[0].v[0] = 1000;  // no such vertex: testing the triangle throws
     EXPECT_EQ(PickAt(320, 240), -1);
     EXPECT_THROW(PickAt(320 + 192, 240), std::out_of_range);
 }
 
-TEST_F(Picking, FollowsAnObjectsTransform) {
+TEST_F(Picking, UsesTheTransformOfAnObject) {
     Add({.half = 1});
     EXPECT_EQ(pane->SetTrafoOfScan(0, 1, 0, 0, 3, 0, 1, 0, -2, 0, 0, 1, 0.5f, 0, 0, 0, 1), 0);
     EXPECT_EQ(PickAt(320, 240), -1);
@@ -122,14 +122,14 @@ TEST_F(Picking, FollowsAnObjectsTransform) {
     ExpectHit({3, -2, 0.5});
 }
 
-TEST_F(Picking, FollowsTheView) {
+TEST_F(Picking, UsesTheCurrentView) {
     Add({.center = {0, 0, 2}});
     AddMesh(*pane, {{2, -1, -1, 1, 0, 0}, {2, 3, -1, 1, 0, 0}, {2, -1, 3, 1, 0, 0}}, {Triangle{{0, 1, 2}}});  // x = 2
     pane->SetViewParams(0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0);  // from x, y to the right, z up
     EXPECT_EQ(PickAt(320 + 24, 240 - 48), 1);
     ExpectHit({2, 0.5, 1});
     EXPECT_EQ(PickAt(320, 240 + 72), -1);
-    pane->SetViewParams(1, 0, 0, 0, 1, 0, 1, 0, 0, 2, 0);  // down z again, two times as near, the centre at x = 1
+    pane->SetViewParams(1, 0, 0, 0, 1, 0, 1, 0, 0, 2, 0);  // down z again, twice as near, the centre at x = 1
     EXPECT_EQ(PickAt(320 + 24, 240), 0);
     ExpectHit({1.25, 0, 2});
 }
@@ -145,7 +145,7 @@ TEST_F(Picking, UsesItsOwnContextWhicheverIsCurrent) {
 
 TEST_F(Picking, RepaintsNothingAndFiresNothing) {
     Add({});
-    pane->SetPickMode(2);
+    pane->SetPickMode(KV_ScenePane::PickModeObjects);
     pane.events.events.clear();
     EXPECT_EQ(PickAt(320, 240), 0);
     EXPECT_EQ(pane.window->refreshes + pane.window->invalidates + pane.window->eraseInvalidates, 0);
@@ -163,7 +163,7 @@ TEST(PickingWithoutAPicture, FindsNothing) {
 // ---- the pick modes
 
 TEST_F(Picking, ModeIsStoredAndReadBackInSixteenBits) {
-    EXPECT_EQ(pane->GetPickMode(), 0);
+    EXPECT_EQ(pane->GetPickMode(), KV_ScenePane::PickModeOff);
     for (const std::int16_t mode : std::initializer_list<std::int16_t>{1, 2, 3, 4, 5, 77, -3}) {
         pane->SetPickMode(mode);
         EXPECT_EQ(pane->m_nPickMode, mode);
@@ -173,33 +173,33 @@ TEST_F(Picking, ModeIsStoredAndReadBackInSixteenBits) {
     EXPECT_EQ(pane->GetPickMode(), 5);
 }
 
-TEST_F(Picking, ModeSetAnewForgetsThePickAndTheSpheres) {
+TEST_F(Picking, SettingTheModeAgainDropsThePickAndTheSpheres) {
     Add({});
-    pane->SetPickMode(5);
+    pane->SetPickMode(KV_ScenePane::PickModePoints);
     ASSERT_EQ(PickAt(320, 240), 0);
     pane->m_vPickPointSpheres.resize(3);
     pane.events.events.clear();
-    pane->SetPickMode(5);  // the mode that it is
+    pane->SetPickMode(KV_ScenePane::PickModePoints);  // the mode is already set
     EXPECT_EQ(pane->m_bPickPointValid, 0);
     EXPECT_TRUE(pane->m_vPickPointSpheres.empty());
     EXPECT_EQ(pane.events.events, (std::vector<Event>{{"PickPointCountChanged", {0}}}));
-    pane->SetPickMode(0);  // an empty list is told, too
+    pane->SetPickMode(KV_ScenePane::PickModeOff);  // also reported for an empty list
     EXPECT_EQ(pane.events.events.size(), 2u);
     EXPECT_EQ(pane.window->refreshes + pane.window->invalidates + pane.window->eraseInvalidates, 0);
 }
 
-TEST(PickMode, NeedsNoHostThatListens) {
+TEST(PickMode, CanBeSetWithoutConnectedEvents) {
     NoPictureControl control;
     control->Connect(nullptr);
     control->m_vPickPointSpheres.resize(1);
-    control->SetPickMode(2);
-    EXPECT_EQ(control->GetPickMode(), 2);
+    control->SetPickMode(KV_ScenePane::PickModeObjects);
+    EXPECT_EQ(control->GetPickMode(), KV_ScenePane::PickModeObjects);
     EXPECT_TRUE(control->m_vPickPointSpheres.empty());
 }
 
 // ---- the view direction
 
-TEST_F(Picking, ViewDirectionIsToldInTheModeOfTheCrossAlone) {
+TEST_F(Picking, ViewDirectionIsReportedInTheCrossModeOnly) {
     Add({.center = {2, 2, 1.5}, .half = 2});  // a corner in the window's centre
     pane->m_bAnimationRunning = 1;
     for (const std::int16_t mode : std::initializer_list<std::int16_t>{0, 2, 3, 4, 5}) {
@@ -209,7 +209,7 @@ TEST_F(Picking, ViewDirectionIsToldInTheModeOfTheCrossAlone) {
         EXPECT_TRUE(pane.events.events.empty()) << mode;
         EXPECT_EQ(pane->m_bAnimationRunning, 1);
     }
-    pane->SetPickMode(1);
+    pane->SetPickMode(KV_ScenePane::PickModeCross);
     pane.events.events.clear();
     pane->OnRightDoubleClick(0, 5, 5);
     EXPECT_EQ(pane->m_bAnimationRunning, 0);
@@ -221,8 +221,8 @@ TEST_F(Picking, ViewDirectionIsToldInTheModeOfTheCrossAlone) {
     for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(event.arguments[i], expected[i], 1e-5) << i;
 }
 
-TEST_F(Picking, ViewDirectionOfAnEmptySceneIsNotTold) {
-    pane->SetPickMode(1);
+TEST_F(Picking, ViewDirectionOfAnEmptySceneIsNotReported) {
+    pane->SetPickMode(KV_ScenePane::PickModeCross);
     pane->m_bAnimationRunning = 1;
     pane.events.events.clear();
     pane->OnRightDoubleClick(0, 5, 5);

@@ -1,4 +1,4 @@
-// The depth of the last frame under a pixel. The camera looks down the z axis, 24 pixels a unit; window depth runs from
+// The depth of the last frame at a pixel. The camera looks down the z axis, 24 pixels per unit; window depth runs from
 // 0 at z = 60 to 1 at z = -20.
 #include "markers/ReadDepth.h"
 
@@ -19,7 +19,7 @@ protected:
     }
 };
 
-TEST_P(ReadDepth, TellsHowDeepTheSurfaceOfTheFrameLies) {
+TEST_P(ReadDepth, ReturnsTheWindowDepthOfTheSurface) {
     Add({});
     Add({.center = {0, 0, 20}, .half = 1});
     Frame();
@@ -34,14 +34,14 @@ TEST_P(ReadDepth, FindsNothingOnTheBackground) {
     EXPECT_FALSE(At(10, 10).has_value());
 }
 
-TEST_P(ReadDepth, FindsNothingFromTheLimitOn) {
+TEST_P(ReadDepth, FindsNothingAtOrBeyondTheLimit) {
     Add({});
     Frame();
     EXPECT_TRUE(At(160, 120, 0.7501f).has_value());
     EXPECT_FALSE(At(160, 120, 0.7499f).has_value());
 }
 
-TEST_P(ReadDepth, CountsRowsFromOneAboveTheWindow) {
+TEST_P(ReadDepth, CountsRowsDownwardFromOneAboveTheWindow) {
     Add({.half = 20});
     Frame();
     EXPECT_FALSE(At(160, 0).has_value());
