@@ -1,21 +1,17 @@
-// Any bytes as a picture file: refused, or a picture in proportion to the file that the image object holds, turns round
-// and turns back. A mutated png fails its checksums at once, so each is tried a second time with checksums that fit.
+// Any bytes as a picture file: refused, or a picture in proportion to the file that the image object stores, flips and
+// flips back. A mutated png fails its checksums, so each is tried a second time with repaired ones.
 #include <zlib.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "KV_Components/Image.h"
 #include "KV_Components/ObjectRegistry.h"
+#include "Require.h"
 
 using namespace KvComponents;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 using Pixels = std::vector<std::uint8_t>;
 
@@ -28,7 +24,7 @@ Pixels Read(Object* picture) {
     return pixels;
 }
 
-void DecodeAndTurn(const std::uint8_t* data, std::size_t size) {
+void DecodeAndFlip(const std::uint8_t* data, std::size_t size) {
     Object* const picture = MakeObject(image::kFactory);
     const std::int32_t status = image::kDecodeFile(picture, data, size);
     Require(status == (size == 0 ? kInvalidArgument : kSucceeded) || status == kFailed);
@@ -36,12 +32,12 @@ void DecodeAndTurn(const std::uint8_t* data, std::size_t size) {
     Require(before.empty() == (status != kSucceeded));
     Require(before.size() / 4 <= std::size_t{4} * 1024 * 1024 + 1100 * size);
     Require(image::kFlip(picture) == kSucceeded);
-    const Pixels turned = Read(picture);
+    const Pixels flipped = Read(picture);
     if (!before.empty()) {
         std::int32_t width = 0, height = 0;
         Require(image::kSize(picture, &width, &height) == kSucceeded);
         const std::size_t stride = std::size_t{4} * static_cast<std::size_t>(width);
-        Require(std::memcmp(before.data(), turned.data() + turned.size() - stride, stride) == 0);
+        Require(std::memcmp(before.data(), flipped.data() + flipped.size() - stride, stride) == 0);
     }
     Require(image::kFlip(picture) == kSucceeded);
     Require(Read(picture) == before);
@@ -53,8 +49,8 @@ std::uint32_t BigEndian(const Pixels& bytes, std::size_t at) {
     return static_cast<std::uint32_t>(bytes[at]) << 24 | bytes[at + 1] << 16 | bytes[at + 2] << 8 | bytes[at + 3];
 }
 
-/// Puts in right what only a writer could: the checksum of every png chunk.
-void Seal(Pixels& bytes) {
+/// Sets the checksum of every png chunk.
+void RepairChecksums(Pixels& bytes) {
     std::size_t at = 8;
     while (bytes.size() >= at + 12) {
         const std::size_t length = BigEndian(bytes, at);
@@ -68,11 +64,11 @@ void Seal(Pixels& bytes) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    DecodeAndTurn(data, size);
+    DecodeAndFlip(data, size);
     if (size > 8 && data[0] == 0x89) {
-        Pixels sealed(data, data + size);
-        Seal(sealed);
-        DecodeAndTurn(sealed.data(), sealed.size());
+        Pixels repaired(data, data + size);
+        RepairChecksums(repaired);
+        DecodeAndFlip(repaired.data(), repaired.size());
     }
     return 0;
 }

@@ -1,27 +1,24 @@
-// Any bytes as a ply file: refused, or a grammar whose elements lie in order in the data, and whose fast walks give
-// what the slow ones give. Memory stays in proportion to the bytes.
-#include <cstdlib>
+// Any bytes as a ply file: refused, or a header whose elements follow one another in the data, and whose fast readers
+// give the same values as the readers that visit item by item. Memory is in proportion to the file.
 #include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "Require.h"
 #include "io/CPLYFile.h"
 
 namespace {
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 template <class Number>
 struct Collected {
     std::vector<Number> values;
-    int members = -1;  // of all lists
-    bool alike = true;
+    int members = -1;   // per list; -1 before the first list
+    bool alike = true;  // whether all lists have the same number of members
 };
 
 template <class Number>
-bool TakeList(std::int64_t, const std::vector<Number>& list, void* user) {
+bool CollectList(std::int64_t, const std::vector<Number>& list, void* user) {
     auto& all = *static_cast<Collected<Number>*>(user);
     const int members = static_cast<int>(list.size());
     if (all.members < 0) all.members = members;
@@ -31,7 +28,7 @@ bool TakeList(std::int64_t, const std::vector<Number>& list, void* user) {
 }
 
 template <class Number>
-bool TakeNumber(std::int64_t, Number value, void* user) {
+bool CollectNumber(std::int64_t, Number value, void* user) {
     static_cast<Collected<Number>*>(user)->values.push_back(value);
     return true;
 }
@@ -41,7 +38,7 @@ bool SameBits(const std::vector<Number>& a, const std::vector<Number>& b) {
     return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Number)) == 0);
 }
 
-/// The walk's error, empty without one.
+/// Runs a reader. @return the text and position of its error, empty without one
 template <class Walk>
 std::string ErrorOf(Walk walk) {
     try {
@@ -67,7 +64,7 @@ void CompareLists(DataSection& data, const Element& element, const std::string& 
 
 void CompareFloats(DataSection& data, const Element& element, const std::string& item) {
     Collected<float> all;
-    const std::string error = ErrorOf([&] { data.ForEachFloat(element.m_sName, item, TakeNumber<float>, &all); });
+    const std::string error = ErrorOf([&] { data.ForEachFloat(element.m_sName, item, CollectNumber<float>, &all); });
     if (element.HasLists() || static_cast<std::size_t>(element.m_iCount) > data.m_sData.size()) return;
     std::vector<float> fast(static_cast<std::size_t>(element.m_iCount));
     const PlyColumn column{item, PlyColumn::kFloat, fast.data(), sizeof(float)};
@@ -77,15 +74,15 @@ void CompareFloats(DataSection& data, const Element& element, const std::string&
 
 void WalkItem(DataSection& data, const Element& element, const std::string& item) {
     Collected<int> ints;
-    (void)ErrorOf([&] { data.ForEachInt(element.m_sName, item, TakeNumber<int>, &ints); });
+    (void)ErrorOf([&] { data.ForEachInt(element.m_sName, item, CollectNumber<int>, &ints); });
     CompareFloats(data, element, item);
     CompareLists<int>(data, element, item,
-                      [&](auto& all) { data.ForEachIntList(element.m_sName, item, TakeList<int>, &all); });
+                      [&](auto& all) { data.ForEachIntList(element.m_sName, item, CollectList<int>, &all); });
     CompareLists<float>(data, element, item,
-                        [&](auto& all) { data.ForEachFloatList(element.m_sName, item, TakeList<float>, &all); });
+                        [&](auto& all) { data.ForEachFloatList(element.m_sName, item, CollectList<float>, &all); });
 }
 
-/// Touches all that a view offers.
+/// Reads every byte of a view, which the address sanitizer checks.
 void ReadView(DataSection& data, const Element& element, const std::string& item) {
     const PlyArrayView view = data.GetArrayView(element.m_sName, item);
     const auto& property = static_cast<const Element::Property&>(element.GetProperty(item));
@@ -116,9 +113,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     std::size_t walks = 0;
     for (const auto& item : file.m_vElements) {
         const auto& element = static_cast<const Element&>(*item);
-        if (&file.GetElement(element.m_sName) != &element) continue;  // walks find the first of the name
+        if (&file.GetElement(element.m_sName) != &element) continue;  // readers find the first element of a name
         for (const auto& subItem : element.m_vItems) {
-            if (++walks > 20) return 0;  // each is linear, all of them are not
+            if (++walks > 20) return 0;  // each walk is linear in the file, but their number is not limited
             WalkItem(data, element, subItem->m_sName);
             if (file.GetFormat() == CPLYFile::kAscii) continue;
             (void)ErrorOf([&] { ReadView(data, element, subItem->m_sName); });

@@ -1,23 +1,19 @@
-// Any bytes as the ply file of a mesh: refused, or a mesh whose triangles name its vertices, in proportion to the
-// bytes, and whose export reads back as the same mesh.
+// Any bytes as the ply file of a mesh: refused, or a mesh in proportion to the file whose indices are valid and whose
+// export is read as the same mesh.
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "Require.h"
 #include "io/CPLYFile.h"
 #include "io/PlyMesh.h"
 #include "io/PlyMeshWriter.h"
 
 namespace {
 
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
-
-/// A file in memory: the reader takes paths alone.
+/// A file in memory: the reader accepts paths only.
 class MemoryFile {
 public:
     MemoryFile(const void* bytes, std::size_t size) : m_iFd(::memfd_create("ply", MFD_CLOEXEC)) {
@@ -43,7 +39,7 @@ std::vector<TexCoord> Pairs(const std::vector<float>& flat) {
     return pairs;
 }
 
-void RequireTheSameBack(PlyMeshData mesh) {
+void RequireSameAfterExport(PlyMeshData mesh) {
     const std::vector<TexCoord> texCoords = mesh.m_bHasTexture ? Pairs(mesh.m_vTexCoords) : std::vector<TexCoord>();
     if (!mesh.m_bHasTexture) mesh.m_vImageBytes.clear();
     const auto file = PlyMeshWriter(*mesh.m_pVertices, *mesh.m_pTriangles, texCoords, mesh.m_vImageBytes).Assemble();
@@ -63,10 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         PlyMeshData mesh = ReadPlyMesh(MemoryFile(data, size).Path());
         Require(mesh.GetVertexCount() * 3 <= size && mesh.GetTriangleCount() * 4 <= size);
         Require(mesh.m_vImageBytes.size() <= size && mesh.m_vTexCoords.size() <= size * 6);
-        for (const Triangle& triangle : *mesh.m_pTriangles)
-            for (const std::int32_t index : triangle.v)
-                Require(static_cast<std::uint32_t>(index) < mesh.GetVertexCount());
-        if (mesh.GetTriangleCount() > 0) RequireTheSameBack(std::move(mesh));
+        RequireValidIndices(*mesh.m_pTriangles, mesh.GetVertexCount());
+        if (mesh.GetTriangleCount() > 0) RequireSameAfterExport(std::move(mesh));
     } catch (const CPLYFileError&) {
     }
     return 0;

@@ -1,7 +1,5 @@
-// Any bytes as an ois and as an msh file: refused, or a mesh whose triangles name its vertices, in proportion to the
-// bytes.
-#include <cstdlib>
-
+// Any bytes as an ois and as an msh file: refused, or a mesh in proportion to the file whose indices are valid.
+#include "Require.h"
 #include "io/SmallMeshes.h"
 
 namespace {
@@ -9,10 +7,8 @@ namespace {
 void Check(MeshBuffers (*read)(std::span<const std::byte>), std::span<const std::byte> bytes, std::size_t recordSize) {
     try {
         const MeshBuffers mesh = read(bytes);
-        if ((mesh.m_vVertices.size() + mesh.m_vTriangles.size()) * recordSize > 2 * bytes.size()) std::abort();
-        for (const Triangle& triangle : mesh.m_vTriangles)
-            for (const std::int32_t index : triangle.v)
-                if (static_cast<std::uint32_t>(index) >= mesh.m_vVertices.size()) std::abort();
+        Require((mesh.m_vVertices.size() + mesh.m_vTriangles.size()) * recordSize <= 2 * bytes.size());
+        RequireValidIndices(mesh.m_vTriangles, mesh.m_vVertices.size());
     } catch (const FileReadError&) {
     }
 }

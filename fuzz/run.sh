@@ -1,7 +1,7 @@
 #!/bin/sh
 # Usage: fuzz/run.sh SECONDS [HARNESS...]
-# Builds the harnesses and runs each for so long over a copy of its corpus; fails on a finding, which stays in
-# build/fuzz/findings/. KV_FUZZ_BUILD names another build folder.
+# Builds the harnesses and runs each for SECONDS on a copy of its corpus. Fails on a finding, whose input is kept in
+# build/fuzz/findings/. The environment variable KV_FUZZ_BUILD names another build folder.
 set -eu
 [ $# -ge 1 ] || { sed -n 2,4p "$0" >&2; exit 2; }
 seconds=$1

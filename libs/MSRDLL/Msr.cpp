@@ -1,4 +1,4 @@
-// Class MSR over the pcm format: errors become false, and the reason waits for MsrLastReason().
+// Class MSR over PcmFile.h: exceptions become false, and their reason is kept for MsrLastReason().
 #include "MSRDLL/Msr.h"
 
 #include <algorithm>

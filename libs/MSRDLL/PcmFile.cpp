@@ -1,5 +1,5 @@
-// Reading of pcm files: header and table first, then each section straight to the place where its values stay. The
-// writing half is PcmFileWrite.cpp.
+// Reader of pcm files: header and table first, then each section directly into the array that the caller gets, without
+// a second copy. The writer is PcmFileWrite.cpp.
 #include "MSRDLL/PcmFile.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ using FileStorage::RunningChecksum;
 using FileStorage::SectionEntry;
 using FileStorage::SectionPlacer;
 
-/// Where the bytes come from: a file or memory.
+/// The bytes to be read: a file or memory.
 class Source {
 public:
     virtual ~Source() = default;
@@ -75,18 +75,21 @@ struct Table {
     [[nodiscard]] std::uint64_t Pixels() const {
         return static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
     }
+    /// @return null when there is no such section
     [[nodiscard]] const PlacedEntry* Find(std::uint32_t id) const {
         const auto found =
             std::find_if(entries.begin(), entries.end(), [&](const SectionEntry& e) { return e.id == id; });
         return found == entries.end() ? nullptr : &*found;
     }
-    [[nodiscard]] const PlacedEntry& Need(std::uint32_t id) const {
+    /// @throws PcmError when there is no such section
+    [[nodiscard]] const PlacedEntry& Require(std::uint32_t id) const {
         const PlacedEntry* entry = Find(id);
         if (entry == nullptr) throw PcmError("a needed section is missing");
         return *entry;
     }
 };
 
+/// Computes the offsets of the sections and checks their ids and flags.
 std::vector<PlacedEntry> PlaceSections(std::span<const SectionEntry> entries, std::uint64_t fileSize) {
     std::vector<PlacedEntry> placed;
     SectionPlacer placer(FileStorage::HeadSize(static_cast<std::uint32_t>(entries.size())), fileSize);
@@ -101,6 +104,7 @@ std::vector<PlacedEntry> PlaceSections(std::span<const SectionEntry> entries, st
     return placed;
 }
 
+/// Reads and checks header and table.
 Table ReadTable(const Source& source) {
     const std::uint64_t fileSize = source.Size();
     const auto requireSize = [fileSize](std::size_t size) {
@@ -124,17 +128,19 @@ Table ReadTable(const Source& source) {
     return {static_cast<int>(header.width), static_cast<int>(header.height), PlaceSections(entries, fileSize)};
 }
 
+/// Reads a section at once and checks it.
 void ReadWhole(const Source& source, const PlacedEntry& entry, std::byte* to) {
     source.Read(entry.offset, to, entry.size);
     if (FileStorage::Checksum(to, entry.size) != entry.checksum) throw PcmError("a section is damaged", entry.Place());
 }
 
-/// Which pixels have values of their own: bit i of the words is pixel i.
+/// The pixels whose values a sparse section stores: bit i of the words is pixel i.
 struct Coverage {
-    std::vector<std::uint64_t> words;
-    std::uint64_t covered = 0;
+    std::vector<std::uint64_t> words;  ///< empty when the file has no coverage
+    std::uint64_t covered = 0;         ///< number of bits that are set
 };
 
+/// Reads and checks the coverage; empty when the file has none.
 Coverage ReadCoverage(const Source& source, const Table& table) {
     Coverage coverage;
     const PlacedEntry* entry = table.Find(kCoverage);
@@ -151,7 +157,7 @@ Coverage ReadCoverage(const Source& source, const Table& table) {
 
 /// Refuses a section whose length is not what its encoding asks for.
 void CheckLength(const Table& table, std::uint32_t id, std::uint64_t valueSize, const Coverage& coverage) {
-    const PlacedEntry& entry = table.Need(id);
+    const PlacedEntry& entry = table.Require(id);
     if (EncodingOf(entry) == kSparse && coverage.words.empty()) throw PcmError("a needed section is missing");
     const std::uint64_t values = EncodingOf(entry) == kDense      ? table.Pixels()
                                  : EncodingOf(entry) == kConstant ? 1
@@ -160,18 +166,21 @@ void CheckLength(const Table& table, std::uint32_t id, std::uint64_t valueSize, 
     if (values == 0 || entry.size != values * valueSize) throw PcmError("a section has a wrong length", entry.Place());
 }
 
-/// Moves the values of the covered pixels from the end of a grid to their pixels, in order, as far as they have come,
-/// and fills the pixels between. In place: a pixel's value never stands before the pixel.
+/// Expands a sparse section in place. The values of the covered pixels were read to the end of the grid; front to back,
+/// each is moved to its pixel, and the pixels between get the background value. No value is overwritten before it is
+/// moved: there are never more values left than pixels, so that the next value is at or after the next pixel.
+/// @tparam kSize  bytes per value
 template <std::size_t kSize>
-class Spreader {
+class SparseExpander {
 public:
-    Spreader(std::byte* grid, std::uint64_t pixels, const Coverage& coverage, const std::byte* background)
+    SparseExpander(std::byte* grid, std::uint64_t pixels, const Coverage& coverage, const std::byte* background)
         : m_coverage(coverage), m_pixels(pixels), m_to(grid), m_from(grid + (pixels - coverage.covered) * kSize) {
         for (std::size_t i = 0; i < kWordBits; ++i) std::memcpy(m_background + i * kSize, background, kSize);
     }
 
-    /// @param end  behind the last value that has come
-    void Spread(const std::byte* end) {
+    /// Expands as many words of the coverage as the values read so far allow.
+    /// @param end  after the last value that was read
+    void Expand(const std::byte* end) {
         for (; m_word < m_coverage.words.size(); ++m_word) {
             const std::uint64_t bits = m_coverage.words[m_word];
             const auto values = static_cast<std::size_t>(std::popcount(bits));
@@ -182,7 +191,7 @@ public:
             } else if (values == 0) {
                 std::memcpy(m_to, m_background, count * kSize);
             } else {
-                SpreadWord(bits, count);
+                ExpandWord(bits, count);
             }
             m_from += values * kSize;
             m_to += count * kSize;
@@ -192,18 +201,18 @@ public:
 private:
     static constexpr std::size_t kWordBits = 64;
 
-    /// Holes mostly come in patches, of which a word sees an edge or two; where they are scattered, bit by bit is
-    /// faster.
-    void SpreadWord(std::uint64_t bits, std::size_t count) {
-        constexpr int kFewEdges = 12;
-        if (std::popcount(bits ^ (bits << 1)) <= kFewEdges) {
-            SpreadRuns(bits, count);
+    /// Holes are mostly larger than a word, which then has one or two changes between hole and value, and runs are
+    /// copied fastest. Where holes are scattered, one value at a time is faster.
+    void ExpandWord(std::uint64_t bits, std::size_t count) {
+        constexpr int kMaxRunChanges = 12;
+        if (std::popcount(bits ^ (bits << 1)) <= kMaxRunChanges) {
+            ExpandRuns(bits, count);
         } else {
-            SpreadBits(bits, count);
+            ExpandBits(bits, count);
         }
     }
 
-    void SpreadRuns(std::uint64_t bits, std::size_t count) {
+    void ExpandRuns(std::uint64_t bits, std::size_t count) {
         const std::byte* from = m_from;
         std::byte* to = m_to;
         while (count > 0) {
@@ -218,12 +227,12 @@ private:
             to += values * kSize;
             from += values * kSize;
             count -= values;
-            bits >>= values;  // below 64: a word without a hole does not come here
+            bits >>= values;  // by less than 64: Expand() copies a word without holes itself
         }
     }
 
-    /// Without a branch on the bit, since nobody can foretell it.
-    void SpreadBits(std::uint64_t bits, std::size_t count) {
+    /// Without a branch on the bit, which the processor could not predict.
+    void ExpandBits(std::uint64_t bits, std::size_t count) {
         const std::byte* from = m_from;
         std::byte* to = m_to;
         for (std::size_t i = 0; i < count; ++i, bits >>= 1, to += kSize) {
@@ -237,13 +246,14 @@ private:
 
     const Coverage& m_coverage;
     std::uint64_t m_pixels;
-    std::byte* m_to;
-    const std::byte* m_from;
-    std::size_t m_word = 0;
-    std::byte m_background[kWordBits * kSize];
+    std::byte* m_to;                            ///< next pixel to write
+    const std::byte* m_from;                    ///< next value to move
+    std::size_t m_word = 0;                     ///< next word of the coverage
+    std::byte m_background[kWordBits * kSize];  ///< the background value, once per pixel of a word
 };
 
-/// Reads a dense or sparse section block by block; each is checked and put in place while the cache holds it.
+/// Reads a dense or sparse section block by block. The checksum of a block is computed, and its values are expanded,
+/// while the block is in the cache.
 template <std::size_t kSize>
 void ReadValues(const Source& source, const PlacedEntry& entry, std::byte* grid, std::uint64_t pixels,
                 const Coverage& coverage) {
@@ -258,16 +268,16 @@ void ReadValues(const Source& source, const PlacedEntry& entry, std::byte* grid,
     }
     std::byte* at = grid + (sparse ? pixels - coverage.covered : 0) * kSize;
     std::byte* const end = grid + pixels * kSize;
-    Spreader<kSize> spreader(grid, pixels, coverage, background);
+    SparseExpander<kSize> expander(grid, pixels, coverage, background);
     while (at != end) {
         const std::size_t size = std::min<std::size_t>(kBlockSize, static_cast<std::size_t>(end - at));
         source.Read(offset, at, size);
         checksum.Add(at, size);
         at += size;
         offset += size;
-        if (sparse) spreader.Spread(at);
+        if (sparse) expander.Expand(at);
     }
-    if (sparse) spreader.Spread(end);  // pixels behind the last covered one
+    if (sparse) expander.Expand(end);  // the pixels after the last covered one
     if (checksum.Value() != entry.checksum) throw PcmError("a section is damaged", entry.Place());
 }
 
@@ -279,12 +289,13 @@ std::unique_ptr<T[]> MakeArray(std::size_t count) {
     return values;
 }
 
-/// @param kValues  elements of type T that make one pixel's value
+/// Reads one channel in any encoding.
+/// @tparam kValues  elements of type T per pixel
 template <std::size_t kValues, class T>
 std::unique_ptr<T[]> ReadGrid(const Source& source, const Table& table, std::uint32_t id, const Coverage& coverage) {
     constexpr std::size_t kSize = kValues * sizeof(T);
     static_assert(kBlockSize % kSize == 0);
-    const PlacedEntry& entry = table.Need(id);
+    const PlacedEntry& entry = table.Require(id);
     const std::uint64_t pixels = table.Pixels();
     auto values = MakeArray<T>(pixels * kValues);
     auto* grid = reinterpret_cast<std::byte*>(values.get());
@@ -299,6 +310,7 @@ std::unique_ptr<T[]> ReadGrid(const Source& source, const Table& table, std::uin
 }
 
 PcmMeasurement ReadFrom(const Source& source) {
+    // All sizes are checked before memory for the grid is allocated.
     const Table table = ReadTable(source);
     const bool hasColors = table.Find(kColors) != nullptr;
     if (DecodedSize(table.Pixels(), hasColors) / kPcmMaxExpansion > source.Size()) {
@@ -309,12 +321,13 @@ PcmMeasurement ReadFrom(const Source& source) {
     CheckLength(table, kConfidence, sizeof(float), coverage);
     CheckLength(table, kClassification, sizeof(std::uint8_t), coverage);
     if (hasColors) CheckLength(table, kColors, sizeof(std::uint32_t), coverage);
-    const PlacedEntry& trafo = table.Need(kTrafo);
+    const PlacedEntry& trafo = table.Require(kTrafo);
     PcmMeasurement measurement;
     if (EncodingOf(trafo) != kDense || trafo.size != sizeof measurement.m_fTrafo) {
         throw PcmError("a section has a wrong length", trafo.Place());
     }
 
+    // From here on only checksums can fail.
     ReadWhole(source, trafo, reinterpret_cast<std::byte*>(measurement.m_fTrafo.data()));
     measurement.m_pPoints = ReadGrid<3, float>(source, table, kPoints, coverage);
     measurement.m_pConfidence = ReadGrid<1, float>(source, table, kConfidence, coverage);

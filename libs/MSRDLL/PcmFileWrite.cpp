@@ -1,4 +1,5 @@
-// Writing of pcm files: finds out what the grid's holes have in common, then stores holes once and the rest as it is.
+// Writer of pcm files. It finds the value that the holes of the grid have in common, and stores that value once and the
+// other pixels unchanged. The reader is PcmFile.cpp.
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -14,7 +15,7 @@ using namespace PcmLayout;
 using FileStorage::AtomicFile;
 using FileStorage::SectionEntry;
 
-/// Where the bytes go: a file or memory.
+/// The destination of the bytes: a file or memory.
 class Sink {
 public:
     virtual ~Sink() = default;
@@ -41,7 +42,7 @@ public:
     std::vector<std::byte> m_vBytes;
 };
 
-/// Values of one kind, one a pixel.
+/// The values of one section, one per pixel.
 struct Channel {
     std::uint32_t id;
     std::uint16_t flags;
@@ -54,17 +55,20 @@ struct Channel {
     }
 };
 
-/// Which pixels keep values of their own; the words are empty when no point occurs often enough to leave it out.
+/// The pixels that do not have the point of the holes; the words are empty when that point is too rare to save space.
 struct Holes {
-    std::vector<std::uint64_t> words;
-    std::uint64_t covered = 0;
-    std::uint64_t firstHole = 0;
+    std::vector<std::uint64_t> words;  ///< bit i is set when pixel i is covered
+    std::uint64_t covered = 0;         ///< number of bits that are set
+    std::uint64_t firstHole = 0;       ///< a pixel with the point of the holes
 
+    /// Whether the pixel keeps its own value.
     [[nodiscard]] bool Covers(std::uint64_t pixel) const { return (words[pixel / 64] >> (pixel % 64)) & 1; }
 };
 
-/// A pixel with the point that the holes have. Neighbours that are equal to the bit are holes in practice, so the
-/// majority among these is it (Boyer and Moore's vote); a wrong guess costs space, never a value.
+/// @return a pixel with the point of the holes: the majority among the pixels that are equal to their left neighbour,
+/// by
+///         the vote of Boyer and Moore. Measured neighbours are never equal to the bit, so that these are holes in
+///         practice; a wrong result costs space, never a value
 std::uint64_t VoteForHole(const Channel& points, std::uint64_t pixels) {
     std::uint64_t candidate = 0, votes = 0;
     for (std::uint64_t i = 1; i < pixels; ++i) {
@@ -89,10 +93,12 @@ Holes FindHoles(const Channel& points, std::uint64_t pixels) {
         }
     }
     const std::uint64_t saved = (pixels - holes.covered - 1) * points.valueSize;
+    // The coverage itself costs a table entry and one bit per pixel.
     if (saved <= FileStorage::kEntrySize + (pixels + 7) / 8) holes.words.clear();
     return holes;
 }
 
+/// The smallest encoding that can store the channel.
 Encoding ChooseEncoding(const Channel& channel, std::uint64_t pixels, const Holes& holes) {
     bool constant = true, sparse = !holes.words.empty();
     for (std::uint64_t i = 0; i < pixels && (constant || sparse); ++i) {
@@ -102,7 +108,7 @@ Encoding ChooseEncoding(const Channel& channel, std::uint64_t pixels, const Hole
     return constant ? kConstant : sparse ? kSparse : kDense;
 }
 
-/// One section on its way out: where it goes, and what its table entry will say.
+/// Writes one section in pieces, and counts what its table entry needs: size and checksum.
 class SectionWriter {
 public:
     SectionWriter(Sink& sink, std::uint64_t offset) : m_sink(sink), m_uOffset(offset) {}
@@ -126,6 +132,7 @@ private:
     FileStorage::RunningChecksum m_checksum;
 };
 
+/// Writes the values of the covered pixels in order.
 void AddCoveredValues(SectionWriter& writer, const Channel& channel, std::uint64_t pixels, const Holes& holes) {
     std::vector<std::byte> block;
     block.reserve(kBlockSize);
@@ -159,6 +166,7 @@ std::vector<std::byte> MakeHead(const PcmView& view, const std::vector<SectionEn
     return FileStorage::BuildHead(kFormat, std::bit_cast<FileStorage::HeaderFields>(header), entries);
 }
 
+/// @throws PcmError for a grid that readers would refuse
 void CheckView(const PcmView& view) {
     const auto wrong = [](int side) { return side < 1 || side > kPcmMaxSide; };
     if (wrong(view.m_iWidth) || wrong(view.m_iHeight)) throw PcmError("impossible grid size");
@@ -182,7 +190,7 @@ std::vector<Channel> ChannelsOf(const PcmView& view) {
     return channels;
 }
 
-/// How each channel will be stored.
+/// The encoding of each channel.
 struct Plan {
     Holes holes;
     std::vector<Encoding> encodings;
@@ -201,7 +209,8 @@ Plan MakePlan(const std::vector<Channel>& channels, std::uint64_t pixels) {
         plan.needsCoverage = plan.needsCoverage || encoding == kSparse;
     }
     if (plan.needsCoverage) size += pixels / 8;
-    // Readers believe in no grid that is out of proportion to its file: one that is nearly empty gives up some space.
+    // Readers refuse a grid that is out of proportion to its file. A grid that is nearly empty is stored with dense
+    // classes, which makes the file large enough.
     if (DecodedSize(pixels, channels.size() == 4) / kPcmMaxExpansion > size) {
         const auto classes = std::find_if(channels.begin(), channels.end(),
                                           [](const Channel& channel) { return channel.id == kClassification; });
@@ -210,6 +219,7 @@ Plan MakePlan(const std::vector<Channel>& channels, std::uint64_t pixels) {
     return plan;
 }
 
+/// Writes the sections first, then header and table, which need the sizes and checksums.
 void WriteTo(Sink& sink, const PcmView& view) {
     const auto pixels = static_cast<std::uint64_t>(view.m_iWidth) * static_cast<std::uint64_t>(view.m_iHeight);
     const std::vector<Channel> channels = ChannelsOf(view);
@@ -232,6 +242,7 @@ void WriteTo(Sink& sink, const PcmView& view) {
     for (std::size_t i = 0; i < channels.size(); ++i) {
         placed(WriteChannel(sink, end, channels[i], plan.encodings[i], pixels, plan.holes));
     }
+    // Sections that this version does not know come last, in their order.
     for (const PcmForeignSection& section : view.m_foreign) {
         addWhole(section.m_uId, section.m_uEncoding, section.m_uFlags, section.m_vBytes.data(),
                  section.m_vBytes.size());

@@ -1,3 +1,4 @@
+// The steady clock of the standard library, in nanoseconds.
 #include "base/PerformanceCounter.h"
 
 #include <chrono>

@@ -1,8 +1,8 @@
-// The clock of the animation.
+// A monotonic clock with a fixed frequency, for animations and for time spans.
 #pragma once
 #include <cstdint>
 
-/// Ticks of a clock that never jumps.
+/// Ticks since an arbitrary start. Never runs backward, and does not follow changes of the system time.
 [[nodiscard]] std::int64_t PerformanceCounter();
-/// Ticks a second.
+/// Ticks per second.
 [[nodiscard]] std::int64_t PerformanceFrequency();

@@ -1,6 +1,8 @@
-// The system's temporary folder.
+// The folder for temporary files.
 #pragma once
 #include <string>
 
-/// Path without a slash at the end: $TMPDIR when that is set, not longer than 260 bytes and a folder; else /tmp.
+/// @return a path without a slash at the end: $TMPDIR when it is set, names an existing folder and has at most 260
+/// bytes;
+///         otherwise /tmp. The environment is read on each call
 [[nodiscard]] std::string TempFolder();

@@ -110,8 +110,7 @@ template <typename T>
 void ReserveExactly(std::vector<T>& vector, std::size_t count) {
     if (vector.capacity() != count) vector = {};
     vector.clear();
-    vector.reserve(count);
-    AdviseHugePages(vector.data(), count * sizeof(T));
+    ReserveInHugePages(vector, count);
 }
 
 // The capacity must suffice. Zeroing and copying bytes is faster than insert(), which copies element by element.
