@@ -1,4 +1,5 @@
-// The clip plane under the mouse: hovering, and the drags that move or turn it. The plane itself is clip/Plane.h.
+// The clip plane under the mouse: hovering, and the drags that move or rotate it. The plane itself is clip/Plane.h, the
+// maths of its drags clip/PlaneDrag.cpp.
 #include <Eigen/Dense>
 #include <cmath>
 
@@ -10,29 +11,27 @@ namespace {
 
 constexpr double kFaceOnSine = 1e-6;  // of the angle between normal and view axis
 
-}  // namespace
-
-void CKV_ScenePaneCtrl::ShowPlaneHandles(PlaneHandles handles) {
-    m_clipPlane.m_bMoveHandleVisible = handles != PlaneHandles::Rotate;
-    m_clipPlane.m_bRotateHandlesVisible = handles != PlaneHandles::Move;
-}
-
-Double2 CKV_ScenePaneCtrl::PlaneCenterOnScreen() {
-    const Double3 center = m_clipPlane.GetCenter();
+/// Window pixels, y downward; the origin without a context.
+Double2 PlaneCenterOnScreen(CKV_ScenePaneCtrl& control) {
+    const Double3 center = control.m_clipPlane.GetCenter();
     Double2 onScreen{};
-    if (MakeContextCurrent()) ProjectPointDouble(center[0], center[1], center[2], &onScreen[0], &onScreen[1]);
+    if (control.MakeContextCurrent())
+        control.ProjectPointDouble(center[0], center[1], center[2], &onScreen[0], &onScreen[1]);
     return onScreen;
 }
 
-Double2 CKV_ScenePaneCtrl::PlaneNormalOnScreen() {
-    if (!MakeContextCurrent()) return {};
-    const Double3 center = m_clipPlane.GetCenter(), normal = m_clipPlane.GetNormal();
+/// Direction of the plane's normal in window pixels; its length is that of one unit on the screen. Exactly 0 for a
+/// plane seen face-on, and without a context.
+Double2 PlaneNormalOnScreen(CKV_ScenePaneCtrl& control) {
+    if (!control.MakeContextCurrent()) return {};
+    const Double3 center = control.m_clipPlane.GetCenter(), normal = control.m_clipPlane.GetNormal();
     const auto onScreen = [&](const auto& offset) {
         Double2 point{};
-        ProjectPointDouble(center[0] + offset[0], center[1] + offset[1], center[2] + offset[2], &point[0], &point[1]);
+        control.ProjectPointDouble(center[0] + offset[0], center[1] + offset[1], center[2] + offset[2], &point[0],
+                                   &point[1]);
         return point;
     };
-    const Double2 from = onScreen(Double3{}), to = onScreen(normal), aside = onScreen(m_fAxisX);
+    const Double2 from = onScreen(Double3{}), to = onScreen(normal), aside = onScreen(control.m_fAxisX);
     const Double2 direction{to[0] - from[0], to[1] - from[1]};
     // The matrices of OpenGL are floats: their rounding must not become the direction of a plane seen face-on.
     const double unit = std::hypot(aside[0] - from[0], aside[1] - from[1]);
@@ -40,12 +39,34 @@ Double2 CKV_ScenePaneCtrl::PlaneNormalOnScreen() {
     return direction;
 }
 
+/// Rotates the plane as the view would rotate by the same travel. The view itself does not move: m_savedView rotates in
+/// its place from move to move, and the plane follows it.
+void RotatePlane(CKV_ScenePaneCtrl& control, std::int32_t dx, std::int32_t dy) {
+    if (!control.MakeContextCurrent()) return;
+    Eigen::Matrix4f before, after;
+    control.ComputeFrameMatrix(control.m_savedView, before.data());
+    control.m_savedView = control.ComputeRotatedFrame(control.m_savedView, dx, dy);
+    control.ComputeFrameMatrix(control.m_savedView, after.data());
+    const Eigen::Matrix4d rotation = before.cast<double>().inverse() * after.cast<double>();
+    if (!rotation.allFinite()) return;  // a scene without extent
+    const Double3 normal = control.m_clipPlane.GetNormal();
+    const Eigen::Vector3d rotated = rotation.topLeftCorner<3, 3>() * Eigen::Vector3d(normal[0], normal[1], normal[2]);
+    control.m_clipPlane.SetNormal({rotated[0], rotated[1], rotated[2]});
+}
+
+}  // namespace
+
+void CKV_ScenePaneCtrl::ShowPlaneHandles(PlaneHandles handles) {
+    m_clipPlane.m_bMoveHandleVisible = handles != PlaneHandles::Rotate;
+    m_clipPlane.m_bRotateHandlesVisible = handles != PlaneHandles::Move;
+}
+
 void CKV_ScenePaneCtrl::HoverOverPlane(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     const bool wasPicked = m_clipPlane.IsPicked();
     m_clipPlane.m_bHighlighted = (flags & kMouseCtrl) != 0;
     m_clipPlane.ClearPick();
     if (m_bClipPlaneVisible == 0) return;
-    const std::lock_guard lock(*g_drawLock);  // the pick draws, into the buffer that frames draw into
+    const std::lock_guard lock(*g_drawLock);  // the pick draws into the buffer that frames draw into
     RenderObject* const objects[] = {&m_clipPlane};
     PickRenderObjectsAt(objects, x, m_pWindow->ClientSize().height - y - 1);
     if (m_clipPlane.IsPicked() != wasPicked) RefreshControl();
@@ -54,7 +75,8 @@ void CKV_ScenePaneCtrl::HoverOverPlane(std::uint32_t flags, std::int32_t x, std:
 void CKV_ScenePaneCtrl::BeginPlaneHandleDrag(std::int32_t x, std::int32_t y) {
     const PlaneHandle pick = *m_clipPlane.GetPick();
     m_nInteractionMode = ModePlaneHandle;
-    m_clipPlane.BeginHandleDrag(x, y, PlaneCenterOnScreen(), PlaneNormalOnScreen(), pick);
+    m_clipPlane.BeginHandleDrag(x, y, PlaneCenterOnScreen(*this), PlaneNormalOnScreen(*this), pick);
+    // The handles of the other kind are hidden during the drag.
     const bool moves = pick.kind == PlaneHandle::kArrow;
     if (moves)
         m_clipPlane.m_bRotateHandlesVisible = false;
@@ -66,7 +88,7 @@ void CKV_ScenePaneCtrl::EnterPlaneDrag(std::int32_t x, std::int32_t y, std::int3
     m_nInteractionMode = mode;
     m_clipPlane.ClearPick();
     m_clipPlane.m_bHighlighted = true;
-    m_clipPlane.BeginPlaneDrag(x, y, PlaneNormalOnScreen());
+    m_clipPlane.BeginPlaneDrag(x, y, PlaneNormalOnScreen(*this));
     if (mode == ModePlaneRotate) ShowPlaneHandles(PlaneHandles::Rotate);
     if (mode == ModePlaneMove) ShowPlaneHandles(PlaneHandles::Move);
 }
@@ -88,29 +110,16 @@ bool CKV_ScenePaneCtrl::DragPlane(std::uint32_t flags, std::int32_t x, std::int3
         return false;
     }
     const bool rotates = m_nInteractionMode == ModePlaneRotate;
+    // Without Ctrl the drag of the view goes on with the next move.
     if (m_bClipPlaneVisible == 0 || (flags & kMouseCtrl) == 0) {
         EndPlaneDrag(false);
         m_nInteractionMode = rotates ? ModeRotate : ModePan;
         return false;
     }
     if (rotates)
-        RotatePlane(x - m_nLastMouseX, y - m_nLastMouseY);
+        RotatePlane(*this, x - m_nLastMouseX, y - m_nLastMouseY);
     else
         m_clipPlane.DragAlongNormal(x, y);
     InvalidateControl(true);
     return true;
-}
-
-// The view does not move; m_savedView turns in its place, and the plane follows that.
-void CKV_ScenePaneCtrl::RotatePlane(std::int32_t dx, std::int32_t dy) {
-    if (!MakeContextCurrent()) return;
-    Eigen::Matrix4f before, after;
-    ComputeFrameMatrix(m_savedView, before.data());
-    m_savedView = ComputeRotatedFrame(m_savedView, dx, dy);
-    ComputeFrameMatrix(m_savedView, after.data());
-    const Eigen::Matrix4d turn = before.cast<double>().inverse() * after.cast<double>();
-    if (!turn.allFinite()) return;  // a scene without extent
-    const Double3 normal = m_clipPlane.GetNormal();
-    const Eigen::Vector3d turned = turn.topLeftCorner<3, 3>() * Eigen::Vector3d(normal[0], normal[1], normal[2]);
-    m_clipPlane.SetNormal({turned[0], turned[1], turned[2]});
 }

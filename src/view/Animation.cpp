@@ -1,11 +1,11 @@
-// The turntable: runs by the clock in the frames that something else asks for, and asks for none but the first. The
-// maths is view/Turntable.h.
+// The turntable: rotates the view by the clock in each frame that is drawn. It requests only its first frame; the host
+// or an input requests the others. The maths is view/Turntable.h.
 #include "control/ScenePaneCtrl.h"
 #include "view/Turntable.h"
 
 void CKV_ScenePaneCtrl::StartAnimation(float revolutionsPerSecond) {
     m_fAnimationSpeed = revolutionsPerSecond;
-    if (m_bAnimationRunning != 0) return;
+    if (m_bAnimationRunning != 0) return;  // a running one keeps its start: its time is that of one revolution
     m_nAnimationStart = m_nAnimationLast = m_pfnCounter();
     m_bAnimationRunning = 1;
     InvalidateControl(true);
@@ -14,7 +14,7 @@ void CKV_ScenePaneCtrl::StartAnimation(float revolutionsPerSecond) {
 void CKV_ScenePaneCtrl::StopAnimation() { m_bAnimationRunning = 0; }
 
 void CKV_ScenePaneCtrl::ToggleAnimationOnSpacebar(std::int32_t enabled) {
-    m_bToggleAnimationOnSpacebar = static_cast<std::uint8_t>(enabled);  // the low byte alone counts
+    m_bToggleAnimationOnSpacebar = static_cast<std::uint8_t>(enabled);  // only the low byte counts
 }
 
 CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::IsAnimationRunning() {
@@ -23,6 +23,7 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::IsAnimationRunning() {
 
 void CKV_ScenePaneCtrl::SetAnimationSpeed(float revolutionsPerSecond) { m_fAnimationSpeed = revolutionsPerSecond; }
 
+// Called before the frame is drawn, so that the frame shows the step; it must not request a repaint itself.
 void CKV_ScenePaneCtrl::AnimationStep() {
     const std::int64_t now = m_pfnCounter();
     const TurntableClock clock{m_nAnimationStart, m_nAnimationLast, now, PerformanceFrequency()};
@@ -31,7 +32,7 @@ void CKV_ScenePaneCtrl::AnimationStep() {
         m_bAnimationRunning = 0;
         return;
     }
-    m_nAnimationLast = now;
-    SetLiveFrame(TurnedFrame(LiveFrame(), m_fAnimationAxis, step.revolutions));
+    m_nAnimationLast = now;  // the next step counts from here, whatever the speed was until now
+    SetLiveFrame(RotateFrameAboutAxis(LiveFrame(), m_fAnimationAxis, step.revolutions));
     SetupViewMatrices();
 }

@@ -1,4 +1,5 @@
-// The live camera: from the frame to the OpenGL matrices, the fit, the canned views. The maths is view/ViewFrame.h.
+// The live camera: from the frame to the OpenGL matrices, the fit to the scene, the canned views, pan and zoom. The
+// maths is view/ViewFrame.h.
 #include <GL/glew.h>
 //
 #include <GL/glu.h>
@@ -19,6 +20,7 @@ void CKV_ScenePaneCtrl::SetLiveFrame(const ViewFrame& frame) {
 
 void CKV_ScenePaneCtrl::SetupViewMatrices() {
     const bool hasContext = MakeContextCurrent();
+    // The members first: they hold without a context as well.
     ViewFrame frame = LiveFrame();
     SnapFrame(frame);
     SetLiveFrame(frame);
@@ -29,6 +31,7 @@ void CKV_ScenePaneCtrl::SetupViewMatrices() {
     std::copy_n(shadow.up, 3, m_fShadowUp.begin());
     if (!hasContext) return;
 
+    // Projection, then modelview; the matrix mode is left at modelview for the frame.
     const OrthoExtents extents = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -39,6 +42,7 @@ void CKV_ScenePaneCtrl::SetupViewMatrices() {
     const Float3 eye = EyePoint(frame, m_fSceneSize);
     gluLookAt(eye[0], eye[1], eye[2], frame.center[0], frame.center[1], frame.center[2], frame.wy[0], frame.wy[1],
               frame.wy[2]);
+    // OpenGL transforms a light's position by the modelview matrix in force: the light turns with the camera.
     const Float3 light = HeadLightDirection(frame);
     const GLfloat position[4] = {light[0], light[1], light[2], 0.0f};
     glLightfv(GL_LIGHT0, GL_POSITION, position);
@@ -51,7 +55,7 @@ void CKV_ScenePaneCtrl::ApplyAspect() {
 }
 
 void CKV_ScenePaneCtrl::UpdateViewport() {
-    if (m_nHeight < 1) return;
+    if (m_nHeight < 1) return;  // a minimised window has no aspect
     if (MakeContextCurrent()) glViewport(0, 0, m_nWidth, m_nHeight);
     ApplyAspect();
     SetupViewMatrices();
@@ -76,6 +80,7 @@ void CKV_ScenePaneCtrl::FitViewToScene() {
     m_fViewCenter = m_fRotationCenter = box.Center();
     m_fSceneSize = box.Diagonal();
 
+    // The plane keeps its direction, moves to the foot of the new centre and covers the box; its handles show again.
     const Float3 extents = box.max - box.min;
     m_clipPlane.SetCenter(m_clipPlane.ProjectOntoPlane({m_fViewCenter[0], m_fViewCenter[1], m_fViewCenter[2]}));
     m_clipPlane.SetRadiusFromExtent(0.5 * std::max({extents[0], extents[1], extents[2]}));
@@ -106,6 +111,7 @@ void CKV_ScenePaneCtrl::ZoomView(std::int32_t dx, std::int32_t dy) {
 
 std::optional<Float3> CKV_ScenePaneCtrl::FindViewAxisHit(const Float3& direction) {
     Float3 origin{};
+    // Window depth 0.1 lies in front of the fitted scene.
     if (UnprojectPoint(m_nWidth / 2, m_nHeight / 2, 0.1f, &origin[0], &origin[1], &origin[2]) == 0) return std::nullopt;
     return FindAxisHit(m_vpMeshes, origin, direction);
 }
@@ -115,7 +121,7 @@ void CKV_ScenePaneCtrl::FireViewDirectionChanged() {
 }
 
 void CKV_ScenePaneCtrl::SetViewMode(std::int16_t mode) {
-    m_nViewMode = mode;
+    m_nViewMode = mode;  // also one outside the list: a centring click applies it again
     if (auto view = CannedView(mode)) {
         view->center = m_fViewCenter;
         SetLiveFrame(*view);
@@ -137,7 +143,7 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::SetViewParams(float wx1, floa
     return KV_ScenePane::kVariantTrue;
 }
 
-// The default zoom does not enter here, though SetViewParams multiplies by it: hosts rely on both.
+// The reciprocal zoom alone, though SetViewParams() divides the default zoom by its argument: hosts rely on both.
 void CKV_ScenePaneCtrl::GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx,
                                       float* cy, float* cz, float* zoom) {
     *wx1 = m_fAxisX[0], *wx2 = m_fAxisX[1], *wx3 = m_fAxisX[2];

@@ -1,4 +1,4 @@
-// Between window and world, on the OpenGL matrices as they stand. Window y runs downward, OpenGL's upward.
+// Between window and world, by the current OpenGL matrices. Window y runs downward, OpenGL's upward.
 #include <GL/glew.h>
 //
 #include <GL/glu.h>
@@ -7,6 +7,7 @@
 
 namespace {
 
+/// The matrices and the viewport of the current context.
 struct Matrices {
     Matrices() {
         glGetDoublev(GL_MODELVIEW_MATRIX, modelView);
@@ -32,6 +33,7 @@ WindowPoint Project(double x, double y, double z) {
 
 void CKV_ScenePaneCtrl::ComputeFrameMatrix(const ViewFrame& frame, float* matrix) {
     if (!MakeContextCurrent()) return;
+    // OpenGL multiplies, on the modelview stack; stack and matrix mode are put back.
     GLint mode = GL_MODELVIEW;
     glGetIntegerv(GL_MATRIX_MODE, &mode);
     glMatrixMode(GL_MODELVIEW);
@@ -56,6 +58,7 @@ void CKV_ScenePaneCtrl::ProjectPoint(float x, float y, float z, std::int32_t* wi
 void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY,
                                               float* depth) {
     const WindowPoint p = Project(x, y, z);
+    // Truncated towards 0, y after a subtraction in float: both are part of the public result.
     *windowX = static_cast<std::int32_t>(p.x);
     *windowY = static_cast<std::int32_t>(static_cast<float>(m_nHeight) - static_cast<float>(p.y));
     *depth = static_cast<float>(p.depth);
@@ -72,6 +75,7 @@ int CKV_ScenePaneCtrl::UnprojectPoint(std::int32_t windowX, std::int32_t windowY
     if (!MakeContextCurrent()) return 0;
     const Matrices m;
     GLdouble world[3] = {};
+    // 0 when the product of the matrices has no inverse, such as for a scene without extent.
     const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.modelView, m.projection, m.viewport,
                                     &world[0], &world[1], &world[2]);
     if (status == 0) return 0;

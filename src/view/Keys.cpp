@@ -1,5 +1,45 @@
-// What the keys do. The dialogs of the alignments hear each press behind the control's own answer.
+// What the keys do: Escape cancels, Delete removes a needle, Space starts the turntable, Up, Down and Ctrl act on the
+// clip plane. The dialog of an alignment receives each press after the control has acted on it.
 #include "control/ScenePaneCtrl.h"
+
+namespace {
+
+/// Bit of nFlags that is read as Ctrl held, with the value of kMouseCtrl; in KeyInput it is a bit of the scan code.
+constexpr std::int32_t kCtrlBit = 0x8;
+
+/// Deselects the needles, then cancels the lasso or puts a dragged handle of the clip plane back.
+void CancelByEscape(CKV_ScenePaneCtrl& control, std::int32_t nFlags) {
+    if (control.m_bNeedlePickingMode != 0) {
+        control.DeselectAllNeedles();
+        control.RefreshControl();
+    }
+    if (control.m_nInteractionMode == ModeLasso || control.m_nInteractionMode == ModeMaskLasso) {
+        control.FinishSegmentation(true);
+    } else if (control.m_nInteractionMode == ModePlaneHandle) {
+        control.m_clipPlane.RestoreDragStart(true);
+        control.EndPlaneDrag((nFlags & kCtrlBit) != 0);
+        control.m_nInteractionMode = control.m_nSavedInteractionMode;
+        control.RefreshControl();
+    }
+}
+
+/// Shows what Ctrl would do now: the plane highlighted, with the handles of the drag under way. The drag itself changes
+/// with the next move.
+void HighlightPlaneByCtrl(CKV_ScenePaneCtrl& control) {
+    if (control.m_nInteractionMode == ModeIdle) {
+        control.m_clipPlane.m_bHighlighted = true;
+        control.ShowPlaneHandles(PlaneHandles::Both);
+    } else if (control.m_nInteractionMode == ModeRotate) {
+        control.m_clipPlane.m_bHighlighted = true;
+        control.ShowPlaneHandles(PlaneHandles::Rotate);
+    } else if (control.m_nInteractionMode == ModePan) {
+        control.m_clipPlane.m_bHighlighted = true;
+        control.ShowPlaneHandles(PlaneHandles::Move);
+    }
+    control.InvalidateControl(true);
+}
+
+}  // namespace
 
 void CKV_ScenePaneCtrl::OnKey(const KV_ScenePane::KeyInput& input) {
     if (input.isDown)
@@ -10,11 +50,12 @@ void CKV_ScenePaneCtrl::OnKey(const KV_ScenePane::KeyInput& input) {
 
 void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
     if (m_pEvents != nullptr) m_pEvents->CustomKeyDown(nChar, nRepCnt, nFlags);
+    // Every key stops the turntable, so Space can only start one that did not run.
     const bool animationRan = m_bAnimationRunning != 0;
     m_bAnimationRunning = 0;
     switch (nChar) {
         case KV_ScenePane::kKeyEscape:
-            EscapePressed(nFlags);
+            CancelByEscape(*this, nFlags);
             break;
         case KV_ScenePane::kKeyDelete:
             if (m_bNeedlePickingMode != 0) {
@@ -33,7 +74,7 @@ void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, s
             }
             break;
         case KV_ScenePane::kKeyCtrl:
-            if (m_bClipPlaneVisible != 0) CtrlPressed();
+            if (m_bClipPlaneVisible != 0) HighlightPlaneByCtrl(*this);
             break;
         default:
             break;
@@ -41,38 +82,9 @@ void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, s
     if (m_pInteractionDlg != nullptr) m_pInteractionDlg->OnInteractionKey(nChar, nRepCnt, nFlags);
 }
 
-void CKV_ScenePaneCtrl::EscapePressed(std::int32_t nFlags) {
-    if (m_bNeedlePickingMode != 0) {
-        DeselectAllNeedles();
-        RefreshControl();
-    }
-    if (m_nInteractionMode == ModeLasso || m_nInteractionMode == ModeMaskLasso) {
-        FinishSegmentation(true);
-    } else if (m_nInteractionMode == ModePlaneHandle) {
-        constexpr std::int32_t kCtrlBit = 0x8;
-        m_clipPlane.RestoreDragStart(true);
-        EndPlaneDrag((nFlags & kCtrlBit) != 0);
-        m_nInteractionMode = m_nSavedInteractionMode;
-        RefreshControl();
-    }
-}
-
-void CKV_ScenePaneCtrl::CtrlPressed() {
-    if (m_nInteractionMode == ModeIdle) {
-        m_clipPlane.m_bHighlighted = true;
-        ShowPlaneHandles(PlaneHandles::Both);
-    } else if (m_nInteractionMode == ModeRotate) {
-        m_clipPlane.m_bHighlighted = true;
-        ShowPlaneHandles(PlaneHandles::Rotate);
-    } else if (m_nInteractionMode == ModePan) {
-        m_clipPlane.m_bHighlighted = true;
-        ShowPlaneHandles(PlaneHandles::Move);
-    }
-    InvalidateControl(true);
-}
-
 void CKV_ScenePaneCtrl::OnKeyReleased(std::int32_t nChar, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {
     if (nChar != KV_ScenePane::kKeyCtrl || m_bClipPlaneVisible == 0) return;
+    // The end of Ctrl turns a plane drag back into the drag of the view that it came from.
     m_clipPlane.m_bHighlighted = false;
     switch (m_nInteractionMode) {
         case ModeIdle:

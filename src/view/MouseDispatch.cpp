@@ -1,4 +1,5 @@
-// The dispatcher's two modes. A handler may call back into the dispatcher, so its record is read anew after each.
+// The two modes of the dispatcher. A handler may call back into the dispatcher, for example to switch the mode, so the
+// record is read again after each handler.
 #include "view/MouseDispatch.h"
 
 #include <cmath>
@@ -41,15 +42,16 @@ MouseHandler ReleaseHandler(const MouseDispatch& dispatch, std::int32_t button) 
     }
 }
 
+// Straight-line distance between press and last point: a mouse that came back has not travelled.
 bool HasTravelled(const MouseDispatch& dispatch) {
     const double dx = static_cast<double>(dispatch.lastPoint.x) - dispatch.pressPoint.x;
     const double dy = static_cast<double>(dispatch.lastPoint.y) - dispatch.pressPoint.y;
     return static_cast<float>(std::sqrt(dx * dx + dy * dy)) >= static_cast<float>(dispatch.moveThreshold);
 }
 
-// A click shorter than the delay: its release follows its press at once. A handler that switches the delay off clears
-// the flags and so keeps the remaining releases back.
-void DeliverReleases(const MouseDispatch& dispatch) {
+// A click shorter than the delay: its release follows its press at once, for every button of the chord. A handler that
+// switches the delay off clears the flags, and the remaining releases are not dispatched.
+void DispatchReleases(const MouseDispatch& dispatch) {
     if ((dispatch.flags & kMouseLeft) != 0) Call(dispatch, dispatch.onLeftUp, dispatch.flags, dispatch.pressPoint);
     if ((dispatch.flags & kMouseMiddle) != 0) Call(dispatch, dispatch.onMiddleUp, dispatch.flags, dispatch.pressPoint);
     if ((dispatch.flags & kMouseRight) != 0) Call(dispatch, dispatch.onRightUp, dispatch.flags, dispatch.pressPoint);
@@ -64,7 +66,7 @@ void DispatchPress(MouseDispatch& dispatch, std::int32_t button, std::uint32_t f
         return;
     }
     if (dispatch.pending) {
-        dispatch.flags |= flags;
+        dispatch.flags |= flags;  // a chord: the first button keeps its time and point
     } else {
         dispatch.pendingButton = button;
         dispatch.pressFlags = flags;
@@ -100,10 +102,12 @@ void DispatchDoubleClick(MouseDispatch& dispatch, std::uint32_t flags, MousePoin
 
 void OnDispatchTimer(MouseDispatch& dispatch) {
     if (!dispatch.pending) return;
+    // The press.
     if (dispatch.movedSinceCheck && HasTravelled(dispatch)) dispatch.flags |= kMouseMoved;
     Call(dispatch, PressHandler(dispatch, dispatch.pendingButton), dispatch.flags, dispatch.pressPoint);
-    if (dispatch.releasePending) DeliverReleases(dispatch);
+    if (dispatch.releasePending) DispatchReleases(dispatch);
 
+    // Only now: a press that a handler dispatches joins the one under way.
     dispatch.timerId = 0;
     dispatch.flags = 0;
     dispatch.pending = false;
@@ -116,9 +120,10 @@ void OnDispatchTimer(MouseDispatch& dispatch) {
 }
 
 void SetDispatchMode(MouseDispatch& dispatch, std::int32_t mode) {
-    const bool dropsWhatWaits = dispatch.mode == kDelayedDispatch && mode == kDirectDispatch;
+    const bool dropsPending = dispatch.mode == kDelayedDispatch && mode == kDirectDispatch;
     dispatch.mode = mode;
-    if (!dropsWhatWaits) return;
+    if (!dropsPending) return;
+    // pressPoint, pressFlags, pendingButton and movedSinceCheck stay: see the header.
     dispatch.timerId = 0;
     dispatch.flags = 0;
     dispatch.pending = false;

@@ -1,11 +1,12 @@
-// The road of the mouse from the window to the handlers: the dispatcher is view/MouseDispatch.h, the handlers are
-// MousePress.cpp, MouseMove.cpp and MouseRelease.cpp.
+// Mouse input of the window to the dispatcher, and the wheel. The dispatcher is view/MouseDispatch.h; the handlers that
+// it calls are in view/MousePress.cpp, view/MouseMove.cpp and view/MouseRelease.cpp.
 #include "control/ScenePaneCtrl.h"
 
 namespace {
 
+/// A handler of the control as the plain function that the dispatcher calls.
 template <auto Handler>
-void Deliver(CKV_ScenePaneCtrl* owner, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+void CallHandler(CKV_ScenePaneCtrl* owner, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     (owner->*Handler)(flags, x, y);
 }
 
@@ -13,17 +14,18 @@ void Deliver(CKV_ScenePaneCtrl* owner, std::uint32_t flags, std::int32_t x, std:
 
 void CKV_ScenePaneCtrl::ConnectMouseHandlers() {
     m_mouseDispatch.owner = this;
-    m_mouseDispatch.onMove = Deliver<&CKV_ScenePaneCtrl::OnMouseMoved>;
-    m_mouseDispatch.onLeftDown = Deliver<&CKV_ScenePaneCtrl::OnLeftDown>;
-    m_mouseDispatch.onMiddleDown = Deliver<&CKV_ScenePaneCtrl::OnMiddleDown>;
-    m_mouseDispatch.onRightDown = Deliver<&CKV_ScenePaneCtrl::OnRightDown>;
-    m_mouseDispatch.onLeftUp = Deliver<&CKV_ScenePaneCtrl::OnLeftUp>;
-    m_mouseDispatch.onMiddleUp = Deliver<&CKV_ScenePaneCtrl::OnMiddleUp>;
-    m_mouseDispatch.onRightUp = Deliver<&CKV_ScenePaneCtrl::OnRightUp>;
-    m_mouseDispatch.onDoubleClick = Deliver<&CKV_ScenePaneCtrl::OnDoubleClick>;
-    m_mouseDispatch.onRightDoubleClick = Deliver<&CKV_ScenePaneCtrl::OnRightDoubleClick>;
+    m_mouseDispatch.onMove = CallHandler<&CKV_ScenePaneCtrl::OnMouseMoved>;
+    m_mouseDispatch.onLeftDown = CallHandler<&CKV_ScenePaneCtrl::OnLeftDown>;
+    m_mouseDispatch.onMiddleDown = CallHandler<&CKV_ScenePaneCtrl::OnMiddleDown>;
+    m_mouseDispatch.onRightDown = CallHandler<&CKV_ScenePaneCtrl::OnRightDown>;
+    m_mouseDispatch.onLeftUp = CallHandler<&CKV_ScenePaneCtrl::OnLeftUp>;
+    m_mouseDispatch.onMiddleUp = CallHandler<&CKV_ScenePaneCtrl::OnMiddleUp>;
+    m_mouseDispatch.onRightUp = CallHandler<&CKV_ScenePaneCtrl::OnRightUp>;
+    m_mouseDispatch.onDoubleClick = CallHandler<&CKV_ScenePaneCtrl::OnDoubleClick>;
+    m_mouseDispatch.onRightDoubleClick = CallHandler<&CKV_ScenePaneCtrl::OnRightDoubleClick>;
 }
 
+// Double clicks and moves pass the delay by; presses and releases may wait in it.
 void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
     using Kind = KV_ScenePane::MouseInput::Kind;
     const MousePoint point{input.x, input.y};
@@ -72,11 +74,13 @@ void CKV_ScenePaneCtrl::OnMouseWheel(std::uint32_t /*flags*/, std::int32_t delta
     switch (m_nInteractionMode) {
         case ModeIdle:
         case ModeRotate:
-        case 2:  // nothing assigns it; it is among the modes that zoom
+        case 2:  // never assigned by this control, but among the modes that zoom
         case ModePan:
         case ModeAlignInteractive:
         case ModeAlignPickPoints:
         case ModePlaneHandle:
+            // Half the delta is the travel of a zoom drag in pixels: 12 % per notch. The delayed scheme has the other
+            // direction.
             ZoomView(m_nIgdRotation != 0 ? delta / 2 : -(delta / 2), 0);
             break;
         default:
@@ -92,6 +96,6 @@ void CKV_ScenePaneCtrl::SetIGDRotation(std::int16_t on) {
     m_nIgdRotation = on;
     const std::uint32_t timer = m_mouseDispatch.timerId;
     SetDispatchMode(m_mouseDispatch, on != 0 ? kDelayedDispatch : kDirectDispatch);
-    // The timer of a press that was dropped must not deliver the next one early.
+    // The timer of a press that was dropped must not dispatch the next one early.
     if (timer != 0 && m_mouseDispatch.timerId == 0) m_pWindow->StopTimer(timer);
 }

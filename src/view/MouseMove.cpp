@@ -1,4 +1,5 @@
-// What a move does, by the interaction mode.
+// What a move of the mouse does, by the interaction mode: hover, drag of the view, drag of an alignment, lasso. The
+// clip plane's part is clip/PlaneInput.cpp.
 #include "control/ScenePaneCtrl.h"
 #include "view/Rotation.h"
 #include "view/WindowFraction.h"
@@ -8,97 +9,111 @@ using KV_ScenePane::kMouseLeft;
 using KV_ScenePane::kMouseRight;
 using KV_ScenePane::kMouseShift;
 
-void CKV_ScenePaneCtrl::OnMouseMoved(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    if (m_nAllowMouse != 1) return;
-    m_nRollQuadrant = RollQuadrant(m_nLastMouseX, m_nLastMouseY, m_nWidth, m_nHeight);  // it follows the mouse
-    if (m_bNeedlePickingMode != 0 && (flags & kMouseLeft) != 0 && DragSelectedNeedle(x, y)) {
-        RefreshControl();
-        return;
+namespace {
+
+// Each of these returns whether the point becomes the last one, which the next travel counts from.
+
+bool DragView(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    const bool rotates = control.m_nInteractionMode == ModeRotate;
+    // Ctrl pressed during a drag: from here on the travel moves the plane.
+    if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
+        control.EnterPlaneDrag(x, y, rotates ? ModePlaneRotate : ModePlaneMove);
+        return false;
     }
-    if (!MoveInMode(flags, x, y)) return;
-    m_nLastMouseX = x;
-    m_nLastMouseY = y;
+    const std::int32_t dx = x - control.m_nLastMouseX, dy = y - control.m_nLastMouseY;
+    if (rotates)
+        control.RotateView(dx, dy);
+    else
+        control.PanView(dx, dy);
+    return true;
 }
 
-bool CKV_ScenePaneCtrl::MoveInMode(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    switch (m_nInteractionMode) {
+/// The rubber band follows once the first point is set.
+bool MoveInLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    if (!control.m_vLassoPoints.empty()) {
+        const auto [relativeX, relativeY] = WindowFraction<double>(x, y, control.m_nWidth, control.m_nHeight);
+        control.m_lassoCursor = {relativeX, relativeY};
+        control.InvalidateControl(true);
+    }
+    return false;
+}
+
+bool MoveInMaskLasso(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    if (control.m_pCutSession == nullptr) return false;
+    const WindowSize size = control.m_pWindow->ClientSize();
+    const auto [relativeX, relativeY] = WindowFraction<float>(x, y, size.width, size.height);
+    if ((flags & kMouseLeft) != 0)
+        control.AddCutSessionPoint(relativeX, relativeY);
+    else
+        control.PreviewCutSessionPoint(relativeX, relativeY);
+    control.InvalidateControl(true);
+    return false;
+}
+
+/// In the delayed scheme only the right button drags, and a second button or Shift moves instead of rotating.
+void DragAlignmentDelayed(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    if ((flags & kMouseRight) == 0) return;
+    const std::int32_t dx = x - control.m_nLastMouseX, dy = y - control.m_nLastMouseY;
+    const bool moves = (flags & (kMouseLeft | kMouseShift)) != 0;
+    if ((flags & kMouseCtrl) != 0) {
+        if (moves)
+            control.PanView(dx, dy);
+        else
+            control.RotateView(dx, dy);
+    } else if (moves) {
+        control.m_pInteractionDlg->OnMoveDrag(x, y);
+    } else {
+        control.m_pInteractionDlg->OnRotateDrag(x, y);
+    }
+}
+
+bool DragAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    if (control.m_pInteractionDlg == nullptr) return true;
+    if (control.m_nIgdRotation == 1) {
+        DragAlignmentDelayed(control, flags, x, y);
+        return true;
+    }
+    // Both buttons held rotate and move at once.
+    const bool flipped = control.m_nFlipMouseButtons != 0;
+    if ((flags & (flipped ? kMouseRight : kMouseLeft)) != 0) control.m_pInteractionDlg->OnRotateDrag(x, y);
+    if ((flags & (flipped ? kMouseLeft : kMouseRight)) != 0) control.m_pInteractionDlg->OnMoveDrag(x, y);
+    return true;
+}
+
+bool MoveInMode(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    switch (control.m_nInteractionMode) {
         case ModeIdle:
-            HoverOverPlane(flags, x, y);
+            control.HoverOverPlane(flags, x, y);
             return false;
         case ModeRotate:
         case ModePan:
-            return DragView(flags, x, y);
+            return DragView(control, flags, x, y);
         case ModeLasso:
-            return MoveInLasso(x, y);
+            return MoveInLasso(control, x, y);
         case ModeAlignInteractive:
-            DragAlignment(flags, x, y);
-            return true;
+            return DragAlignment(control, flags, x, y);
         case ModePlaneHandle:
         case ModePlaneRotate:
         case ModePlaneMove:
-            return DragPlane(flags, x, y);
+            return control.DragPlane(flags, x, y);
         case ModeMaskLasso:
-            return MoveInMaskLasso(flags, x, y);
+            return MoveInMaskLasso(control, flags, x, y);
         default:
             return true;
     }
 }
 
-bool CKV_ScenePaneCtrl::DragView(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    const bool rotates = m_nInteractionMode == ModeRotate;
-    if (m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
-        EnterPlaneDrag(x, y, rotates ? ModePlaneRotate : ModePlaneMove);
-        return false;
-    }
-    const std::int32_t dx = x - m_nLastMouseX, dy = y - m_nLastMouseY;
-    if (rotates)
-        RotateView(dx, dy);
-    else
-        PanView(dx, dy);
-    return true;
-}
+}  // namespace
 
-bool CKV_ScenePaneCtrl::MoveInLasso(std::int32_t x, std::int32_t y) {
-    if (!m_vLassoPoints.empty()) {
-        const auto [relativeX, relativeY] = WindowFraction<double>(x, y, m_nWidth, m_nHeight);
-        m_lassoCursor = {relativeX, relativeY};
-        InvalidateControl(true);
-    }
-    return false;
-}
-
-bool CKV_ScenePaneCtrl::MoveInMaskLasso(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    if (m_pCutSession == nullptr) return false;
-    const WindowSize size = m_pWindow->ClientSize();
-    const auto [relativeX, relativeY] = WindowFraction<float>(x, y, size.width, size.height);
-    if ((flags & kMouseLeft) != 0)
-        AddCutSessionPoint(relativeX, relativeY);
-    else
-        PreviewCutSessionPoint(relativeX, relativeY);
-    InvalidateControl(true);
-    return false;
-}
-
-void CKV_ScenePaneCtrl::DragAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    if (m_pInteractionDlg == nullptr) return;
-    const bool right = (flags & kMouseRight) != 0;
-    if (m_nIgdRotation != 1) {
-        const bool flipped = m_nFlipMouseButtons != 0;
-        if ((flags & (flipped ? kMouseRight : kMouseLeft)) != 0) m_pInteractionDlg->OnRotateDrag(x, y);
-        if ((flags & (flipped ? kMouseLeft : kMouseRight)) != 0) m_pInteractionDlg->OnMoveDrag(x, y);
+void CKV_ScenePaneCtrl::OnMouseMoved(std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    if (m_nAllowMouse != 1) return;
+    // The quadrant of the point where this travel starts, so that a roll follows the mouse around the centre.
+    m_nRollQuadrant = RollQuadrant(m_nLastMouseX, m_nLastMouseY, m_nWidth, m_nHeight);
+    if (m_bNeedlePickingMode != 0 && (flags & kMouseLeft) != 0 && DragSelectedNeedle(x, y)) {
+        RefreshControl();
         return;
     }
-    if (!right) return;
-    const std::int32_t dx = x - m_nLastMouseX, dy = y - m_nLastMouseY;
-    const bool moves = (flags & (kMouseLeft | kMouseShift)) != 0;
-    if ((flags & kMouseCtrl) != 0) {
-        if (moves)
-            PanView(dx, dy);
-        else
-            RotateView(dx, dy);
-    } else if (moves) {
-        m_pInteractionDlg->OnMoveDrag(x, y);
-    } else {
-        m_pInteractionDlg->OnRotateDrag(x, y);
-    }
+    if (!MoveInMode(*this, flags, x, y)) return;
+    m_nLastMouseX = x;
+    m_nLastMouseY = y;
 }

@@ -1,4 +1,5 @@
-// What a press begins, by the interaction mode that it finds.
+// What a press begins, by the interaction mode that it finds: a drag of the view, of the clip plane or of an alignment,
+// a lasso point, a pick. view/MouseMove.cpp continues the drags, view/MouseRelease.cpp ends them.
 #include "control/ScenePaneCtrl.h"
 #include "view/Rotation.h"
 #include "view/WindowFraction.h"
@@ -10,9 +11,147 @@ using KV_ScenePane::kMouseShift;
 
 namespace {
 
+/// Whether a click on an object fires SelectObjCoords.
 bool PickModeReportsObjects(std::int32_t pickMode) {
     return pickMode == KV_ScenePane::PickModeObjects || pickMode == KV_ScenePane::PickModeObjectsSecond ||
            pickMode == KV_ScenePane::PickModePoints;
+}
+
+/// What a drag of the left button does outside the delayed scheme; the right button does the opposite.
+InteractionMode LeftDragMode(const CKV_ScenePaneCtrl& control) {
+    return control.m_nFlipMouseButtons != 0 ? ModePan : ModeRotate;
+}
+InteractionMode RightDragMode(const CKV_ScenePaneCtrl& control) {
+    return control.m_nFlipMouseButtons != 0 ? ModeRotate : ModePan;
+}
+
+/// Fires SelectObjCoords when an object was hit and the pick mode asks for it; returns whether it did.
+/// @param object  index of the object hit, -1 for none
+bool ReportPick(CKV_ScenePaneCtrl& control, std::int32_t object, const Float3& hit, std::uint32_t flags, std::int32_t x,
+                std::int32_t y) {
+    if (object < 0 || !PickModeReportsObjects(control.m_nPickMode)) return false;
+    if (control.m_pEvents != nullptr)
+        control.m_pEvents->SelectObjCoords(static_cast<std::int16_t>(object), hit[0], hit[1], hit[2],
+                                           static_cast<std::int32_t>(flags), x, y);
+    control.RefreshControl();
+    return true;
+}
+
+/// Fits the view and applies the last view mode again; with Ctrl and a visible plane the plane is placed instead.
+void CenterViewOrPlacePlane(CKV_ScenePaneCtrl& control, std::uint32_t flags) {
+    if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
+        control.PlaceClipPlaneAtData();
+    } else {
+        control.FitViewToScene();
+        control.SetViewMode(control.m_nViewMode);
+    }
+}
+
+void AddLassoPoint(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    const auto [relativeX, relativeY] = WindowFraction<double>(x, y, control.m_nWidth, control.m_nHeight);
+    control.m_lassoCursor = {relativeX, relativeY};
+    control.m_vLassoPoints.push_back(control.m_lassoCursor);
+    control.InvalidateControl(true);
+}
+
+// ---- left
+
+void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    control.m_nSavedInteractionMode = ModeIdle;
+    if (control.m_bNeedlePickingMode != 0) control.SelectNeedleAt(x, y);
+    // A handle under the mouse wins over every other meaning of the press, without a capture.
+    if (control.m_clipPlane.IsPicked()) {
+        control.BeginPlaneHandleDrag(x, y);
+        return;
+    }
+    if (control.m_nIgdRotation == 0) {
+        control.m_nInteractionMode = LeftDragMode(control);
+    } else if ((flags & (kMouseShift | kMouseRight)) != 0) {
+        control.m_nInteractionMode = ModePan;
+    } else if ((flags & kMouseMoved) == 0 && PickModeReportsObjects(control.m_nPickMode)) {
+        Float3 hit{};
+        const std::int32_t object = control.PickObjectAt(x, y, &hit);
+        if (ReportPick(control, object, hit, flags, x, y)) return;
+    }
+    control.BeginDrag(x, y, true);
+    if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
+        const std::int32_t mode = control.m_nInteractionMode == ModeRotate ? ModePlaneRotate
+                                  : control.m_nInteractionMode == ModePan  ? ModePlaneMove
+                                                                           : ModeIdle;
+        control.EnterPlaneDrag(x, y, mode);
+    }
+    control.m_pWindow->SetCapture();
+}
+
+void LeftDownInAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    control.m_nSavedInteractionMode = ModeAlignInteractive;
+    control.m_pWindow->SetCapture();
+    if ((flags & kMouseCtrl) != 0 && control.m_nIgdRotation != 1) control.m_nInteractionMode = LeftDragMode(control);
+    // The chord ends the rotation that the right button began.
+    if (control.m_nIgdRotation == 1 && control.m_bRightButtonPressed != 0 && control.m_pInteractionDlg != nullptr)
+        control.m_pInteractionDlg->OnRotateEnd(x, y);
+    control.BeginDrag(x, y, true);
+}
+
+void LeftDownWhilePickingPoints(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    control.m_nSavedInteractionMode = ModeAlignPickPoints;
+    control.m_pWindow->SetCapture();
+    bool moving = true;
+    if ((flags & kMouseCtrl) != 0 && control.m_nIgdRotation != 1) {
+        control.m_nInteractionMode = LeftDragMode(control);
+    } else if (control.m_pInteractionDlg != nullptr) {
+        control.m_pInteractionDlg->OnClick(x, y, flags);
+        moving = control.m_pInteractionDlg != nullptr;  // the last point closes the dialog
+    }
+    control.BeginDrag(x, y, moving);
+}
+
+void LeftDownInMaskLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    const WindowSize size = control.m_pWindow->ClientSize();
+    const auto [relativeX, relativeY] = WindowFraction<float>(x, y, size.width, size.height);
+    if (control.m_pCutSession == nullptr) {
+        control.StartCutSession(relativeX, relativeY);
+        return;
+    }
+    control.AddCutSessionPoint(relativeX, relativeY);
+    control.InvalidateControl(true);
+}
+
+// ---- right
+
+void RightDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    control.m_nSavedInteractionMode = ModeIdle;
+    control.m_pWindow->SetCapture();
+    const bool pansAlone = control.m_nIgdRotation == 0 && control.m_nFlipMouseButtons == 0;
+    const bool pans = pansAlone || (flags & (kMouseShift | kMouseLeft)) != 0;
+    control.m_nInteractionMode = pans ? ModePan : ModeRotate;
+    control.BeginDrag(x, y, true);
+    // Also while the plane is hidden: the next move switches back to the mode of the view.
+    if ((flags & kMouseCtrl) != 0) control.EnterPlaneDrag(x, y, pans ? ModePlaneMove : ModePlaneRotate);
+}
+
+void RightDownInAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    control.m_nSavedInteractionMode = control.m_nInteractionMode;
+    control.m_pWindow->SetCapture();
+    // With Ctrl the drag moves the view in place of the object.
+    if ((flags & kMouseCtrl) != 0) {
+        if (control.m_nInteractionMode == ModeAlignPickPoints) {
+            const bool chord = (flags & (kMouseShift | kMouseLeft)) != 0;
+            const bool rotates = (control.m_nIgdRotation != 0 || control.m_nFlipMouseButtons != 0) && !chord;
+            control.m_nInteractionMode = rotates ? ModeRotate : ModePan;
+        } else if (control.m_nIgdRotation == 0) {
+            control.m_nInteractionMode = RightDragMode(control);
+        }
+    }
+    control.BeginDrag(x, y, true);
+}
+
+void RightDownInMaskLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    if (control.m_pCutSession != nullptr) {
+        const auto [relativeX, relativeY] = WindowFraction<float>(x, y, control.m_nWidth, control.m_nHeight);
+        control.AddCutSessionPoint(relativeX, relativeY);
+    }
+    control.FinishSegmentation(false);
 }
 
 }  // namespace
@@ -22,34 +161,33 @@ void CKV_ScenePaneCtrl::BeginDrag(std::int32_t x, std::int32_t y, bool moving) {
     m_nLastMouseY = y;
     m_bMoving = moving;
     m_savedView = LiveFrame();
-    const bool turns = m_nInteractionMode == ModeRotate || m_nInteractionMode == ModeAlignInteractive;
-    if (!turns || !IsOutsideInscribedCircle(x, y, m_nWidth, m_nHeight)) return;
+    // Only what rotates can roll, and the circle decides once for the whole drag.
+    const bool rotates = m_nInteractionMode == ModeRotate || m_nInteractionMode == ModeAlignInteractive;
+    if (!rotates || !IsOutsideInscribedCircle(x, y, m_nWidth, m_nHeight)) return;
     m_bRollRotation = 1;
     m_nRollQuadrant = RollQuadrant(x, y, m_nWidth, m_nHeight);
 }
-
-// ---- left
 
 void CKV_ScenePaneCtrl::OnLeftDown(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     m_bAnimationRunning = 0;
     switch (m_nInteractionMode) {
         case ModeIdle:
-            LeftDownInIdle(flags, x, y);
+            LeftDownInIdle(*this, flags, x, y);
             break;
         case ModeRotate:
             if (m_nIgdRotation == 1) m_nInteractionMode = ModePan;  // the second button of the chord
             break;
         case ModeLasso:
-            AddLassoPoint(x, y);
+            AddLassoPoint(*this, x, y);
             break;
         case ModeAlignInteractive:
-            LeftDownInAlignment(flags, x, y);
+            LeftDownInAlignment(*this, flags, x, y);
             break;
         case ModeAlignPickPoints:
-            LeftDownWhilePickingPoints(flags, x, y);
+            LeftDownWhilePickingPoints(*this, flags, x, y);
             break;
         case ModeMaskLasso:
-            LeftDownInMaskLasso(x, y);
+            LeftDownInMaskLasso(*this, x, y);
             break;
         case ModePlaneRotate:
             if (m_nIgdRotation == 1) EnterPlaneDrag(x, y, ModePlaneMove);
@@ -59,151 +197,47 @@ void CKV_ScenePaneCtrl::OnLeftDown(std::uint32_t flags, std::int32_t x, std::int
     }
 }
 
-void CKV_ScenePaneCtrl::LeftDownInIdle(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    m_nSavedInteractionMode = ModeIdle;
-    if (m_bNeedlePickingMode != 0) SelectNeedleAt(x, y);
-    if (m_clipPlane.IsPicked()) {
-        BeginPlaneHandleDrag(x, y);
-        return;
-    }
-    if (m_nIgdRotation == 0) {
-        m_nInteractionMode = LeftDragMode();
-    } else if ((flags & (kMouseShift | kMouseRight)) != 0) {
-        m_nInteractionMode = ModePan;
-    } else if ((flags & kMouseMoved) == 0 && PickModeReportsObjects(m_nPickMode)) {
-        Float3 hit{};
-        if (ReportPick(PickObjectAt(x, y, &hit), hit, flags, x, y)) return;
-    }
-    BeginDrag(x, y, true);
-    if (m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
-        const std::int32_t mode = m_nInteractionMode == ModeRotate ? ModePlaneRotate
-                                  : m_nInteractionMode == ModePan  ? ModePlaneMove
-                                                                   : ModeIdle;
-        EnterPlaneDrag(x, y, mode);
-    }
-    m_pWindow->SetCapture();
-}
-
-void CKV_ScenePaneCtrl::LeftDownInAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    m_nSavedInteractionMode = ModeAlignInteractive;
-    m_pWindow->SetCapture();
-    if ((flags & kMouseCtrl) != 0 && m_nIgdRotation != 1) m_nInteractionMode = LeftDragMode();
-    // The chord ends the rotation that the right button began.
-    if (m_nIgdRotation == 1 && m_bRightButtonPressed != 0 && m_pInteractionDlg != nullptr)
-        m_pInteractionDlg->OnRotateEnd(x, y);
-    BeginDrag(x, y, true);
-}
-
-void CKV_ScenePaneCtrl::LeftDownWhilePickingPoints(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    m_nSavedInteractionMode = ModeAlignPickPoints;
-    m_pWindow->SetCapture();
-    bool moving = true;
-    if ((flags & kMouseCtrl) != 0 && m_nIgdRotation != 1) {
-        m_nInteractionMode = LeftDragMode();
-    } else if (m_pInteractionDlg != nullptr) {
-        m_pInteractionDlg->OnClick(x, y, flags);
-        moving = m_pInteractionDlg != nullptr;  // the last point closes the dialog
-    }
-    BeginDrag(x, y, moving);
-}
-
-void CKV_ScenePaneCtrl::LeftDownInMaskLasso(std::int32_t x, std::int32_t y) {
-    const WindowSize size = m_pWindow->ClientSize();
-    const auto [relativeX, relativeY] = WindowFraction<float>(x, y, size.width, size.height);
-    if (m_pCutSession == nullptr) {
-        StartCutSession(relativeX, relativeY);
-        return;
-    }
-    AddCutSessionPoint(relativeX, relativeY);
-    InvalidateControl(true);
-}
-
-void CKV_ScenePaneCtrl::AddLassoPoint(std::int32_t x, std::int32_t y) {
-    const auto [relativeX, relativeY] = WindowFraction<double>(x, y, m_nWidth, m_nHeight);
-    m_lassoCursor = {relativeX, relativeY};
-    m_vLassoPoints.push_back(m_lassoCursor);
-    InvalidateControl(true);
-}
-
-// ---- right
-
 void CKV_ScenePaneCtrl::OnRightDown(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     m_bAnimationRunning = 0;
     m_bRightButtonPressed = 1;
     switch (m_nInteractionMode) {
         case ModeIdle:
-            RightDownInIdle(flags, x, y);
+            RightDownInIdle(*this, flags, x, y);
             break;
         case ModeLasso:
-            AddLassoPoint(x, y);
+            AddLassoPoint(*this, x, y);
             FinishSegmentation(false);
             break;
         case ModeAlignInteractive:
         case ModeAlignPickPoints:
-            RightDownInAlignment(flags, x, y);
+            RightDownInAlignment(*this, flags, x, y);
             break;
         case ModeMaskLasso:
-            RightDownInMaskLasso(x, y);
+            RightDownInMaskLasso(*this, x, y);
             break;
         default:
             break;
     }
 }
 
-void CKV_ScenePaneCtrl::RightDownInMaskLasso(std::int32_t x, std::int32_t y) {
-    if (m_pCutSession != nullptr) {
-        const auto [relativeX, relativeY] = WindowFraction<float>(x, y, m_nWidth, m_nHeight);
-        AddCutSessionPoint(relativeX, relativeY);
-    }
-    FinishSegmentation(false);
-}
-
-void CKV_ScenePaneCtrl::RightDownInIdle(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    m_nSavedInteractionMode = ModeIdle;
-    m_pWindow->SetCapture();
-    const bool pans = (m_nIgdRotation == 0 && m_nFlipMouseButtons == 0) || (flags & (kMouseShift | kMouseLeft)) != 0;
-    m_nInteractionMode = pans ? ModePan : ModeRotate;
-    BeginDrag(x, y, true);
-    // Also with the plane hidden: the next move leaves the mode again.
-    if ((flags & kMouseCtrl) != 0) EnterPlaneDrag(x, y, pans ? ModePlaneMove : ModePlaneRotate);
-}
-
-void CKV_ScenePaneCtrl::RightDownInAlignment(std::uint32_t flags, std::int32_t x, std::int32_t y) {
-    m_nSavedInteractionMode = m_nInteractionMode;
-    m_pWindow->SetCapture();
-    if ((flags & kMouseCtrl) != 0) {
-        if (m_nInteractionMode == ModeAlignPickPoints) {
-            const bool chord = (flags & (kMouseShift | kMouseLeft)) != 0;
-            const bool turns = (m_nIgdRotation != 0 || m_nFlipMouseButtons != 0) && !chord;
-            m_nInteractionMode = turns ? ModeRotate : ModePan;
-        } else if (m_nIgdRotation == 0) {
-            m_nInteractionMode = RightDragMode();
-        }
-    }
-    BeginDrag(x, y, true);
-}
-
-// ---- middle
-
 void CKV_ScenePaneCtrl::OnMiddleDown(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     m_bAnimationRunning = 0;
     if (m_nInteractionMode != ModeIdle) return;
     if (m_nIgdRotation == 1) {
-        CenterViewOrPlacePlane(flags);
+        CenterViewOrPlacePlane(*this, flags);
         return;
     }
     m_nSavedInteractionMode = ModeIdle;
     m_pWindow->SetCapture();
     BeginDrag(x, y, true);
-    m_nInteractionMode = ModeRotate;  // only now: a middle drag never rolls
+    m_nInteractionMode = ModeRotate;  // after BeginDrag(): a middle drag never rolls
     if (m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) EnterPlaneDrag(x, y, ModePlaneRotate);
 }
-
-// ---- double click
 
 void CKV_ScenePaneCtrl::OnDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     m_bAnimationRunning = 0;
     if (m_bNeedlePickingMode != 0) CreateNeedleAt(x, y);
+    // Flipped buttons switch picking and centring off.
     if (m_nFlipMouseButtons != 0) {
         RefreshControl();
         return;
@@ -211,26 +245,7 @@ void CKV_ScenePaneCtrl::OnDoubleClick(std::uint32_t flags, std::int32_t x, std::
     Float3 hit{};
     const std::int32_t object = PickObjectAt(x, y, &hit);
     RefreshControl();
-    if (ReportPick(object, hit, flags, x, y)) return;
-    if (m_nPickMode != KV_ScenePane::PickModePoints && m_bNeedlePickingMode == 0) CenterViewOrPlacePlane(flags);
+    if (ReportPick(*this, object, hit, flags, x, y)) return;
+    if (m_nPickMode != KV_ScenePane::PickModePoints && m_bNeedlePickingMode == 0) CenterViewOrPlacePlane(*this, flags);
     RefreshControl();
-}
-
-void CKV_ScenePaneCtrl::CenterViewOrPlacePlane(std::uint32_t flags) {
-    if (m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
-        PlaceClipPlaneAtData();
-    } else {
-        FitViewToScene();
-        SetViewMode(m_nViewMode);
-    }
-}
-
-bool CKV_ScenePaneCtrl::ReportPick(std::int32_t object, const Float3& hit, std::uint32_t flags, std::int32_t x,
-                                   std::int32_t y) {
-    if (object < 0 || !PickModeReportsObjects(m_nPickMode)) return false;
-    if (m_pEvents != nullptr)
-        m_pEvents->SelectObjCoords(static_cast<std::int16_t>(object), hit[0], hit[1], hit[2],
-                                   static_cast<std::int32_t>(flags), x, y);
-    RefreshControl();
-    return true;
 }

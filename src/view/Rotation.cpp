@@ -1,4 +1,4 @@
-// Rotations about one axis run through the quaternion in double precision, the free rotation in floats.
+// Rotations about one axis go through a quaternion in double precision, the free rotation is computed in floats.
 #include "view/Rotation.h"
 
 #include <algorithm>
@@ -9,76 +9,81 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-// The larger of the two turns wins, so that the mouse may go any way around the viewing axis.
-ViewFrame TurnedAboutViewingAxis(const ViewFrame& frame, double dx, double dy, const RotationRule& rule) {
+// The larger of the two angles counts, so that the mouse may circle the viewing axis either way.
+ViewFrame RotateAboutViewAxis(const ViewFrame& frame, double dx, double dy, const RotationRule& rule) {
     const double byX = dx * kPi / rule.width;
     const double byY = -dy * kPi / rule.height;
-    const CACADQTrafo turn = RotationAbout(frame.wz, std::abs(byY) > std::abs(byX) ? byY : byX);
-    return {TurnedDirection(turn, frame.wx), TurnedDirection(turn, frame.wy), frame.wz, frame.center};
+    const CACADQTrafo rotation = RotationAbout(frame.wz, std::abs(byY) > std::abs(byX) ? byY : byX);
+    return {RotateDirection(rotation, frame.wx), RotateDirection(rotation, frame.wy), frame.wz, frame.center};
 }
 
-// Half of the window circles the other way round: the signs make the picture follow the mouse all the way.
-ViewFrame Rolled(const ViewFrame& frame, double dx, double dy, const RotationRule& rule) {
+// Below the centre a travel to the right is anticlockwise, above it clockwise; left and right of the centre differ
+// alike. The signs make the picture follow the mouse all the way around.
+ViewFrame Roll(const ViewFrame& frame, double dx, double dy, const RotationRule& rule) {
     const bool isBottom = rule.quadrant == 2 || rule.quadrant == 3;
     const bool isRight = rule.quadrant == 1 || rule.quadrant == 2;
-    return TurnedAboutViewingAxis(frame, isBottom ? -dx : dx, isRight ? -dy : dy, rule);
+    return RotateAboutViewAxis(frame, isBottom ? -dx : dx, isRight ? -dy : dy, rule);
 }
 
 struct CosineAndSine {
     float cosine, sine;
 };
 
-// Travel across the smaller side of the window is a half turn.
-CosineAndSine FreeTurn(std::int32_t travel, const RotationRule& rule) {
+// A travel across the smaller side of the window is half a turn.
+CosineAndSine FreeAngle(std::int32_t travel, const RotationRule& rule) {
     const auto side = static_cast<float>(std::min(rule.width, rule.height));
     const float degrees = static_cast<float>(travel) * 180.0f / side;
     const float radians = degrees * std::numbers::pi_v<float> / 180.0f;
     return {std::cos(radians), std::sin(radians)};
 }
 
-ViewFrame FreelyTurned(const ViewFrame& frame, std::int32_t dx, std::int32_t dy, const RotationRule& rule) {
-    // The centre's place as the old axes see it; the new axes put it back.
+ViewFrame RotateFreely(const ViewFrame& frame, std::int32_t dx, std::int32_t dy, const RotationRule& rule) {
+    // The centre relative to the pivot, in the axes before the rotation.
     const Float3 offset = frame.center - rule.pivot;
     const float a = Dot(offset, frame.wx), b = Dot(offset, frame.wy), c = Dot(offset, frame.wz);
 
-    const CosineAndSine x = FreeTurn(dx, rule), y = FreeTurn(dy, rule);
-    ViewFrame turned;
-    turned.wx = x.cosine * frame.wx + x.sine * frame.wz;
+    // First about the screen's vertical by dx, then about the new horizontal by dy.
+    const CosineAndSine x = FreeAngle(dx, rule), y = FreeAngle(dy, rule);
+    ViewFrame rotated;
+    rotated.wx = x.cosine * frame.wx + x.sine * frame.wz;
     const Float3 wz = x.cosine * frame.wz - x.sine * frame.wx;
-    turned.wy = y.cosine * frame.wy - y.sine * wz;
-    turned.wz = y.sine * frame.wy + y.cosine * wz;
-    turned.center = rule.pivot + a * turned.wx + b * turned.wy + c * turned.wz;
-    return turned;
+    rotated.wy = y.cosine * frame.wy - y.sine * wz;
+    rotated.wz = y.sine * frame.wy + y.cosine * wz;
+
+    // The same coordinates in the rotated axes: the scene turns about the pivot.
+    rotated.center = rule.pivot + a * rotated.wx + b * rotated.wy + c * rotated.wz;
+    return rotated;
 }
 
 }  // namespace
 
-ViewFrame ComputeRotatedFrame(const ViewFrame& frame, const RotationRule& rule, std::int32_t dx, std::int32_t dy) {
+ViewFrame RotateFrame(const ViewFrame& frame, const RotationRule& rule, std::int32_t dx, std::int32_t dy) {
     if (rule.width < 1 || rule.height < 1) return frame;
-    if (rule.roll) return Rolled(frame, dx, dy, rule);
-    ViewFrame turned = frame;
+    if (rule.roll) return Roll(frame, dx, dy, rule);
+    ViewFrame rotated = frame;
     switch (rule.mode) {
-        case 0: {
-            const CACADQTrafo turn = RotationAbout(frame.wx, -static_cast<double>(dy) * kPi / rule.height);
-            turned.wy = TurnedDirection(turn, frame.wy);
-            turned.wz = TurnedDirection(turn, frame.wz);
-            return turned;
+        case KV_ScenePane::RotateAboutHorizontal: {
+            const CACADQTrafo rotation = RotationAbout(frame.wx, -static_cast<double>(dy) * kPi / rule.height);
+            rotated.wy = RotateDirection(rotation, frame.wy);
+            rotated.wz = RotateDirection(rotation, frame.wz);
+            return rotated;
         }
-        case 1: {
-            const CACADQTrafo turn = RotationAbout(frame.wy, -static_cast<double>(dx) * kPi / rule.width);
-            turned.wx = TurnedDirection(turn, frame.wx);
-            turned.wz = TurnedDirection(turn, frame.wz);
-            return turned;
+        case KV_ScenePane::RotateAboutVertical: {
+            const CACADQTrafo rotation = RotationAbout(frame.wy, -static_cast<double>(dx) * kPi / rule.width);
+            rotated.wx = RotateDirection(rotation, frame.wx);
+            rotated.wz = RotateDirection(rotation, frame.wz);
+            return rotated;
         }
-        case 2:
-            return TurnedAboutViewingAxis(frame, dx, dy, rule);
+        case KV_ScenePane::RotateAboutViewAxis:
+            return RotateAboutViewAxis(frame, dx, dy, rule);
         default:
-            return FreelyTurned(frame, dx, dy, rule);
+            return RotateFreely(frame, dx, dy, rule);
     }
 }
 
 CACADQTrafo RotationAbout(const Float3& axis, double angleRad) {
     const double x = axis[0], y = axis[1], z = axis[2];
+    // The sine of half the angle per length of the axis: the vector part of the quaternion needs the unit axis.
     const double perLength = std::sin(angleRad / 2) / std::sqrt(x * x + y * y + z * z);
     CACADQTrafo rotation;
     rotation.m_dQuat[0] = std::cos(angleRad / 2);
@@ -89,8 +94,8 @@ CACADQTrafo RotationAbout(const Float3& axis, double angleRad) {
     return rotation;
 }
 
-Float3 TurnedDirection(const CACADQTrafo& rotation, const Float3& direction) {
-    const double* r = rotation.m_dRotation;  // column after column
+Float3 RotateDirection(const CACADQTrafo& rotation, const Float3& direction) {
+    const double* r = rotation.m_dRotation;  // column-major
     const double x = direction[0], y = direction[1], z = direction[2];
     return {static_cast<float>(x * r[0] + y * r[3] + z * r[6]), static_cast<float>(x * r[1] + y * r[4] + z * r[7]),
             static_cast<float>(x * r[2] + y * r[5] + z * r[8])};

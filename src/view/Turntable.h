@@ -1,23 +1,23 @@
-// One frame of the turntable: how far the clock has turned the view, and the turned view.
+// One frame of the turntable: the angle since the last frame by the clock, and the rotated view.
 #pragma once
 #include <cstdint>
 
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 #include "view/ViewFrame.h"
 
-/// Readings of one counter, and its ticks a second.
+/// Readings of one counter, and its frequency in ticks per second.
 struct TurntableClock {
     std::int64_t start = 0, last = 0, now = 0;
     std::int64_t frequency = 1;
 };
 
 struct TurntableStep {
-    bool ended = false;        ///< more than one revolution's time has passed since the start; nothing turns any more
+    bool ended = false;        ///< the time of one revolution since the start is over; this frame rotates nothing
     float revolutions = 0.0f;  ///< since the last frame
 };
 
 /// @param speed  revolutions per second. 0 never ends; below 0 it ends with the first step
 [[nodiscard]] TurntableStep StepTurntable(const TurntableClock& clock, float speed);
 
-/// The axes turned about a world axis; the centre stays.
-[[nodiscard]] ViewFrame TurnedFrame(const ViewFrame& frame, const Float3& axis, float revolutions);
+/// The frame with its axes rotated about a world axis, right-handed; the centre is unchanged.
+[[nodiscard]] ViewFrame RotateFrameAboutAxis(const ViewFrame& frame, const Float3& axis, float revolutions);

@@ -1,4 +1,4 @@
-// The drag that turns the view. The maths is view/Rotation.h.
+// The drag that rotates the view, by the rotation mode of the host. The maths is view/Rotation.h.
 #include "view/Rotation.h"
 
 #include "control/ScenePaneCtrl.h"
@@ -15,5 +15,5 @@ void CKV_ScenePaneCtrl::RotateView(std::int32_t dx, std::int32_t dy) {
 ViewFrame CKV_ScenePaneCtrl::ComputeRotatedFrame(const ViewFrame& frame, std::int32_t dx, std::int32_t dy) const {
     const RotationRule rule{m_nRotationMode, m_bRollRotation != 0, m_nRollQuadrant, m_nWidth,
                             m_nHeight,       m_fRotationCenter};
-    return ::ComputeRotatedFrame(frame, rule, dx, dy);
+    return RotateFrame(frame, rule, dx, dy);
 }

@@ -22,7 +22,7 @@ void ExpectNear(const Double3& actual, const Double3& expected, double tolerance
 
 class PlaneInput : public SceneTest {
 protected:
-    PlaneInput() : SceneTest(PaneWindowRequest::Kind::OffScreen, 640, 480), plane(pane->m_clipPlane) {
+    PlaneInput() : SceneTest(KV_ScenePane::WindowRequest::Kind::OffScreen, 640, 480), plane(pane->m_clipPlane) {
         Frame();
         plane.SetCenter({0, 0, 0});
         plane.SetRadiusFromExtent(4);
@@ -43,8 +43,8 @@ protected:
         EXPECT_EQ(plane.m_bRotateHandlesVisible, rotate);
     }
 
-    static constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kBall},
-        kBall1{1, PlaneHandle::kBall};
+    static constexpr PlaneHandle kArrow{0, PlaneHandle::kArrow}, kBall0{0, PlaneHandle::kSphere},
+        kBall1{1, PlaneHandle::kSphere};
     Plane& plane;
 };
 

@@ -23,7 +23,7 @@ TEST(LassoPress, AddsAPointInFractionsOfTheWindow) {
     EXPECT_EQ(c->m_nInteractionMode, ModeLasso);
     EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode);
     EXPECT_FALSE(c.window->HasCapture());
-    EXPECT_TRUE(c.KeptNoPoint());
+    EXPECT_TRUE(c.LastPointUnchanged());
     EXPECT_EQ(c->m_bMoving, 0);
     EXPECT_EQ(c->m_bAnimationRunning, 0);
 }
@@ -31,11 +31,11 @@ TEST(LassoPress, AddsAPointInFractionsOfTheWindow) {
 TEST(LassoPress, OfTheMaskStartsASessionWithoutARepaintOrACapture) {
     InputControl c({.mode = ModeMaskLasso});
     c->OnLeftDown(kLeft, 160, 120);
-    EXPECT_EQ(c.RepaintsAsked(), 0);
+    EXPECT_EQ(c.RepaintRequests(), 0);
     EXPECT_TRUE(c->m_vLassoPoints.empty()) << "those are the other lasso's";
     EXPECT_EQ(c->m_nInteractionMode, ModeMaskLasso);
     EXPECT_FALSE(c.window->HasCapture());
-    EXPECT_TRUE(c.KeptNoPoint());
+    EXPECT_TRUE(c.LastPointUnchanged());
 }
 
 TEST(LassoPress, OfTheMaskRepaintsWithErase) {
@@ -43,7 +43,7 @@ TEST(LassoPress, OfTheMaskRepaintsWithErase) {
     c->m_pCutSession = std::make_unique<CutSession>();
     c->OnLeftDown(kLeft, 160, 120);
     EXPECT_EQ(c.window->eraseInvalidates, 1);
-    EXPECT_EQ(c.RepaintsAsked(), 1);
+    EXPECT_EQ(c.RepaintRequests(), 1);
     EXPECT_FALSE(c.window->HasCapture());
 }
 
@@ -116,7 +116,7 @@ TEST(PressWithCtrl, InTheDelayedSchemeHighlightsThePlane) {
 TEST(PressOnAHandle, HoldsItWithoutCaptureOrViewDrag) {
     InputControl c;
     for (const std::int32_t igd : {0, 1}) {
-        for (const PlaneHandle& pick : {PlaneHandle{0, PlaneHandle::kArrow}, PlaneHandle{1, PlaneHandle::kBall}}) {
+        for (const PlaneHandle& pick : {PlaneHandle{0, PlaneHandle::kArrow}, PlaneHandle{1, PlaneHandle::kSphere}}) {
             SCOPED_TRACE(testing::Message() << "scheme " << igd << ", kind " << pick.kind);
             c.Set({.igd = igd, .plane = true});
             c->m_clipPlane.m_pick = pick;
@@ -125,15 +125,15 @@ TEST(PressOnAHandle, HoldsItWithoutCaptureOrViewDrag) {
             EXPECT_EQ(c->m_nInteractionMode, ModePlaneHandle);
             EXPECT_EQ(c->m_nSavedInteractionMode, 0);
             EXPECT_FALSE(c.window->HasCapture());
-            EXPECT_TRUE(c.KeptNoPoint());
+            EXPECT_TRUE(c.LastPointUnchanged());
             EXPECT_EQ(c->m_bMoving, 0);
             EXPECT_EQ(c->m_bAnimationRunning, 0);
             EXPECT_EQ(c->m_clipPlane.m_bMoveHandleVisible, pick.kind == PlaneHandle::kArrow);
-            EXPECT_EQ(c->m_clipPlane.m_bRotateHandlesVisible, pick.kind == PlaneHandle::kBall);
+            EXPECT_EQ(c->m_clipPlane.m_bRotateHandlesVisible, pick.kind == PlaneHandle::kSphere);
             EXPECT_EQ(c->m_clipPlane.m_drag.pressX, kX);
             EXPECT_EQ(c->m_clipPlane.m_drag.pressY, kY);
             EXPECT_EQ(c->m_clipPlane.m_drag.pick, pick);
-            EXPECT_EQ(c.RepaintsAsked(), 0);
+            EXPECT_EQ(c.RepaintRequests(), 0);
         }
     }
 }

@@ -1,5 +1,5 @@
-// The buttons and the wheel in the three schemes: whole presses, drags and releases by a user's hands, once by calls
-// and once by the real pointer. After every step the view is compared with one that is computed beside the viewer.
+// The buttons and the wheel in the three schemes: whole presses, drags and releases of a user, once by calls and once
+// by the real pointer. After every step the view is compared with one that the test computes by itself.
 #include <set>
 #include <string>
 #include <vector>
@@ -10,9 +10,9 @@
 namespace {
 
 enum class Scheme { Normal, Flipped, Delayed };
-enum class Act { Move, Press, Release, PressAndGoOn, MoveAndGoOn, Wait, DoubleClick, Wheel, Shift, Ctrl };
+enum class Act { Move, Press, Release, PressWithinDelay, MoveWithinDelay, EndDelay, DoubleClick, Wheel, Shift, Ctrl };
 enum class View { Stays, Rotates, Pans, Rolls, Centers, ZoomsOut, ZoomsIn };
-/// What a drag holds. In the delayed scheme a plain left press leaves the view moving behind.
+/// Moving flag and capture: none, both, or the flag alone, which a left click in the delayed scheme does not clear.
 enum class Hold { Free, Held, Moving };
 
 struct Step {
@@ -33,15 +33,15 @@ constexpr Step Release(Button button, std::int32_t mode, Hold hold) {
     return {Act::Release, static_cast<int>(button), 0, mode, hold};
 }
 /// The next step comes before the delay is over.
-constexpr Step Tap(Button button) { return {Act::PressAndGoOn, static_cast<int>(button)}; }
-constexpr Step Hurry(int dx, int dy) { return {Act::MoveAndGoOn, dx, dy}; }
-constexpr Step Wait(std::int32_t mode, Hold hold) { return {Act::Wait, 0, 0, mode, hold}; }
+constexpr Step Tap(Button button) { return {Act::PressWithinDelay, static_cast<int>(button)}; }
+constexpr Step MoveWithinDelay(int dx, int dy) { return {Act::MoveWithinDelay, dx, dy}; }
+constexpr Step EndDelay(std::int32_t mode, Hold hold) { return {Act::EndDelay, 0, 0, mode, hold}; }
 constexpr Step Rotate(int dx, int dy, std::int32_t mode = ModeRotate) {
     return {Act::Move, dx, dy, mode, kHeld, View::Rotates};
 }
 constexpr Step Pan(int dx, int dy) { return {Act::Move, dx, dy, ModePan, kHeld, View::Pans}; }
 constexpr Step Roll(int dx, int dy) { return {Act::Move, dx, dy, ModeRotate, kHeld, View::Rolls}; }
-/// A move that turns and shifts nothing.
+/// A move that neither rotates nor pans.
 constexpr Step Hover(int dx, int dy, Hold hold, std::int32_t mode = ModeIdle) {
     return {Act::Move, dx, dy, mode, hold};
 }
@@ -92,9 +92,9 @@ const Row kRows[] = {
     {"RightDragDelayedRotates",
      kDelayed,
      {Press(R, ModeRotate, kHeld), Rotate(12, -9), Rotate(-50, 44), Release(R, ModeIdle, kFree)}},
-    {"RightDragDelayedCountsTheTravelBeforeTheDelivery",
+    {"RightDragDelayedCountsTheTravelBeforeTheDispatch",
      kDelayed,
-     {Tap(R), Hurry(10, -5), Wait(ModeRotate, kHeld), Rotate(5, 1), Release(R, ModeIdle, kFree)}},
+     {Tap(R), MoveWithinDelay(10, -5), EndDelay(ModeRotate, kHeld), Rotate(5, 1), Release(R, ModeIdle, kFree)}},
     // ---- right with shift
     {"RightWithShiftPans",
      kNormal,
@@ -108,7 +108,7 @@ const Row kRows[] = {
     {"ShiftAfterThePressChangesNothing",
      kFlipped,
      {Press(R, ModeRotate, kHeld), Shift(true, ModeRotate, kHeld), Rotate(7, 21), Release(R, ModeIdle, kFree)}},
-    // ---- right with left down, in idle: the right button's first release ended the left one's drag
+    // ---- right with left held, in idle: the first release of the right button ended the drag of the left one
     {"RightWithLeftDownPans",
      kNormal,
      {Press(L, ModeRotate, kHeld), Press(R, ModeRotate, kHeld), Release(R, ModeIdle, kFree), Press(R, ModePan, kHeld),
@@ -160,13 +160,13 @@ const Row kRows[] = {
     {"MiddleDragDelayedCentersByItsPressAlone",
      kDelayed,
      {Press(M, ModeIdle, kFree, View::Centers), Hover(12, -9, kFree), Release(M, ModeIdle, kFree)}},
-    {"MiddleClickIsAPressToRotate", kNormal, {Press(M, ModeRotate, kHeld), Release(M, ModeIdle, kFree)}},
-    {"MiddleClickFlippedIsAPressToRotate", kFlipped, {Press(M, ModeRotate, kHeld), Release(M, ModeIdle, kFree)}},
+    {"MiddleClickChangesNoView", kNormal, {Press(M, ModeRotate, kHeld), Release(M, ModeIdle, kFree)}},
+    {"MiddleClickFlippedChangesNoView", kFlipped, {Press(M, ModeRotate, kHeld), Release(M, ModeIdle, kFree)}},
     {"MiddleClickDelayedCenters",
      kDelayed,
      {Tap(M), {Act::Release, static_cast<int>(M), 0, ModeIdle, kFree, View::Centers}}},
     // ---- clicks and double clicks
-    {"LeftClickTurnsNothing", kNormal, {Press(L, ModeRotate, kHeld), Release(L, ModeIdle, kFree)}},
+    {"LeftClickChangesNoView", kNormal, {Press(L, ModeRotate, kHeld), Release(L, ModeIdle, kFree)}},
     {"LeftClickWithinTheDelayIsPressAndRelease", kDelayed, {Tap(L), Release(L, ModeIdle, Hold::Moving)}},
     {"RightClickWithinTheDelayIsPressAndRelease", kDelayed, {Tap(R), Release(R, ModeIdle, kFree)}},
     {"DoubleClickCenters", kNormal, {DoubleClick(View::Centers, kFree)}},
@@ -216,7 +216,7 @@ const Row kRows[] = {
      {Press(R, ModeRotate, kHeld), Roll(14, -3), Release(R, ModeIdle, kFree)},
      600,
      20},
-    {"RollBegunByLeftAndEndedByRight",
+    {"RollBeginsByLeftAndEndsByRight",
      kNormal,
      {Press(L, ModeRotate, kHeld), Roll(14, -3), Press(R, ModeRotate, kHeld), Roll(1, 8), Release(R, ModeIdle, kFree),
       Release(L, ModeIdle, kFree), Press(L, ModeRotate, kHeld), Roll(3, 3), Release(L, ModeIdle, kFree)},
@@ -262,7 +262,7 @@ const Row kRows[] = {
      300,
      200,
      true},
-    {"CtrlDuringADragTakesThePlaneAndGivesItBack",
+    {"CtrlDuringADragRotatesThePlaneAndItsReleaseTheViewAgain",
      kNormal,
      {Press(L, ModeRotate, kHeld), Rotate(12, -9), Ctrl(true, ModeRotate, kHeld), Hover(5, 5, kHeld, ModePlaneRotate),
       Ctrl(false, ModeRotate, kHeld), Rotate(8, 8), Release(L, ModeIdle, kFree)},
@@ -271,11 +271,11 @@ const Row kRows[] = {
      true},
 };
 
-/// The hands, the viewer, and the view as it must be.
+/// The user, the viewer, and the view as it must be.
 class Scenario {
 public:
-    Scenario(std::unique_ptr<UserInput> hands, const Row& row)
-        : m_pHands(std::move(hands)), m_viewer(m_pHands->Viewer()), m_nX(row.startX), m_nY(row.startY) {
+    Scenario(std::unique_ptr<UserInput> user, const Row& row)
+        : m_pUser(std::move(user)), m_viewer(m_pUser->Viewer()), m_nX(row.startX), m_nY(row.startY) {
         CKV_ScenePaneCtrl& c = *m_viewer;
         AddMesh(c,
                 {{.x = kLow[0], .y = kLow[1], .z = kLow[2]},
@@ -283,49 +283,49 @@ public:
                  {.x = kLow[0], .y = kHigh[1], .z = kHigh[2]}},
                 {{{0, 1, 2}}});
         c.CenterView();
-        c.SetViewMode(6);  // what a centring click applies again
+        c.SetViewMode(KV_ScenePane::ViewObliqueZUp);  // what a centring click applies again
         EXPECT_TRUE(c.SetViewParams(0.6f, 0.8f, 0, -0.48f, 0.36f, 0.8f, 21, -9, 14, 0.8f, 0));
         c.FlipMouseButtons(row.scheme == Scheme::Flipped ? 1 : 0);
         c.SetIGDRotation(row.scheme == Scheme::Delayed ? 1 : 0);
         c.m_bClipPlaneVisible = row.plane;
         c.m_clipPlane.SetCenter({9000, 9000, 9000});  // its handles are nowhere near the mouse
-        m_pHands->MoveTo(m_nX, m_nY);
+        m_pUser->MoveTo(m_nX, m_nY);
         m_expected = ExpectedView::Of(c);
     }
 
-    void Take(const Step& step) {
+    void Perform(const Step& step) {
         switch (step.act) {
             case Act::Move:
-            case Act::MoveAndGoOn:
+            case Act::MoveWithinDelay:
                 m_nX += step.a, m_nY += step.b;
-                m_pHands->MoveTo(m_nX, m_nY);
+                m_pUser->MoveTo(m_nX, m_nY);
                 break;
             case Act::Press:
-            case Act::PressAndGoOn:
-                m_pHands->Press(static_cast<Button>(step.a));
+            case Act::PressWithinDelay:
+                m_pUser->Press(static_cast<Button>(step.a));
                 m_held.insert(step.a);
                 m_nLastX = m_nX, m_nLastY = m_nY;
                 break;
             case Act::Release:
-                m_pHands->Release(static_cast<Button>(step.a));
+                m_pUser->Release(static_cast<Button>(step.a));
                 m_held.erase(step.a);
                 break;
-            case Act::Wait:
+            case Act::EndDelay:
                 break;
             case Act::DoubleClick:
-                m_pHands->DoubleClick();
+                m_pUser->DoubleClick();
                 break;
             case Act::Wheel:
-                m_pHands->Wheel(step.a);
+                m_pUser->Wheel(step.a);
                 break;
             case Act::Shift:
-                m_pHands->HoldShift(step.a != 0);
+                m_pUser->HoldShift(step.a != 0);
                 break;
             case Act::Ctrl:
-                m_pHands->HoldCtrl(step.a != 0);
+                m_pUser->HoldCtrl(step.a != 0);
                 break;
         }
-        if (step.act != Act::PressAndGoOn && step.act != Act::MoveAndGoOn) m_pHands->WaitForDelivery();
+        if (step.act != Act::PressWithinDelay && step.act != Act::MoveWithinDelay) EndDispatchDelay(m_viewer);
     }
 
     void Check(const Step& step) {
@@ -335,7 +335,7 @@ public:
         EXPECT_EQ(m_viewer->m_nSavedInteractionMode, ModeIdle);
         EXPECT_EQ(m_viewer->m_bMoving, step.hold == Hold::Free ? 0 : 1);
         EXPECT_EQ(m_viewer.window->HasCapture(), step.hold == Hold::Held);
-        EXPECT_TRUE(!m_held.empty() || m_pHands->OthersCanTakeThePointer());
+        EXPECT_TRUE(!m_held.empty() || m_pUser->OthersCanGrabThePointer());
     }
 
 private:
@@ -354,7 +354,7 @@ private:
                 m_expected.Roll(m_nLastX, m_nLastY, dx, dy);
                 break;
             case View::Centers:
-                m_expected.Fit(AsVector(kLow), AsVector(kHigh), 1);
+                m_expected.Fit(ToDouble3(kLow), ToDouble3(kHigh), 1);
                 m_expected.right = {-std::sqrt(0.5), std::sqrt(0.5), 0};
                 m_expected.up = {-0.5, -0.5, std::sqrt(0.5)};
                 m_expected.viewer = {0.5, 0.5, std::sqrt(0.5)};
@@ -371,7 +371,7 @@ private:
 
     static constexpr Float3 kLow{-10, -20, -30}, kHigh{30, 40, 10};
 
-    std::unique_ptr<UserInput> m_pHands;
+    std::unique_ptr<UserInput> m_pUser;
     TestControl& m_viewer;
     ExpectedView m_expected;
     int m_nX, m_nY;
@@ -379,19 +379,19 @@ private:
     std::set<int> m_held;            ///< buttons
 };
 
-void Perform(std::unique_ptr<UserInput> hands, const Row& row) {
-    Scenario scenario(std::move(hands), row);
+void PerformAll(std::unique_ptr<UserInput> user, const Row& row) {
+    Scenario scenario(std::move(user), row);
     for (std::size_t i = 0; i < row.steps.size(); ++i) {
         SCOPED_TRACE(testing::Message() << "step " << i + 1 << " of " << row.steps.size());
-        scenario.Take(row.steps[i]);
+        scenario.Perform(row.steps[i]);
         scenario.Check(row.steps[i]);
     }
 }
 
 class ButtonTable : public testing::TestWithParam<Row> {};
 
-TEST_P(ButtonTable, HoldsByCalls) { Perform(HandsByCalls(), GetParam()); }
-TEST_P(ButtonTable, HoldsUnderTheRealPointer) { Perform(HandsOnTheRealPointer(), GetParam()); }
+TEST_P(ButtonTable, MovesTheViewByCalls) { PerformAll(MakeCallInput(), GetParam()); }
+TEST_P(ButtonTable, MovesTheViewByTheRealPointer) { PerformAll(MakePointerInput(), GetParam()); }
 INSTANTIATE_TEST_SUITE_P(Input, ButtonTable, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 

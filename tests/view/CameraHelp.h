@@ -1,15 +1,10 @@
 // What the tests of the camera share.
 #pragma once
-#include <cmath>
-
 #include "support/ControlFixture.h"
+#include "view/VectorHelp.h"
 
 inline constexpr float kS = 0.70710678f;  // half the square root of two
 inline constexpr float kSin20 = 0.34202014f, kCos20 = 0.93969262f;
-
-inline void ExpectNear(const Float3& got, const Float3& expected, double tolerance, const char* what) {
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(got[i], expected[i], tolerance) << what << ", component " << i;
-}
 
 inline void ExpectNoRequest(const WindowProbe& window) {
     EXPECT_EQ(window.refreshes + window.invalidates + window.eraseInvalidates, 0);

@@ -4,28 +4,26 @@
 
 #include <array>
 #include <cmath>
+#include <numbers>
+#include <tuple>
 
 #include "platform/CurrentContext.h"
 #include "view/CameraHelp.h"
 
 namespace {
 
-using Double3x = std::array<double, 3>;
-using Matrix = std::array<double, 16>;  // column-major, as OpenGL hands it out
-
-double Dot(const Double3x& a, const Double3x& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-Double3x Wide(const Float3& a) { return {a[0], a[1], a[2]}; }
+using Matrix = std::array<double, 16>;  // column-major, as OpenGL returns it
 
 /// What the camera of the control should be, from its public state.
 struct ReferenceCamera {
-    Double3x wx, wy, wz, center;
+    Double3 wx, wy, wz, center;
     double zoom, sceneSize, width, height;
 
     explicit ReferenceCamera(const CKV_ScenePaneCtrl& control)
-        : wx(Wide(control.m_fAxisX)),
-          wy(Wide(control.m_fAxisY)),
-          wz(Wide(control.m_fAxisZ)),
-          center(Wide(control.m_fViewCenter)),
+        : wx(ToDouble3(control.m_fAxisX)),
+          wy(ToDouble3(control.m_fAxisY)),
+          wz(ToDouble3(control.m_fAxisZ)),
+          center(ToDouble3(control.m_fViewCenter)),
           zoom(control.m_fZoom),
           sceneSize(control.m_fSceneSize),
           width(control.m_nWidth),
@@ -35,8 +33,8 @@ struct ReferenceCamera {
     [[nodiscard]] double PixelsPerUnit() const { return std::min(width, height) / (sceneSize * zoom); }
     [[nodiscard]] double Depth() const { return 4 * sceneSize * std::max(zoom, 1.0); }
 
-    [[nodiscard]] Double3x Project(const Double3x& p) const {
-        const Double3x d{p[0] - center[0], p[1] - center[1], p[2] - center[2]};
+    [[nodiscard]] Double3 Project(const Double3& p) const {
+        const Double3 d = p - center;
         return {width / 2 + PixelsPerUnit() * Dot(wx, d), height / 2 - PixelsPerUnit() * Dot(wy, d),
                 0.5 + (2 * sceneSize - Dot(wz, d)) / (2 * Depth())};
     }
@@ -84,16 +82,9 @@ void ExpectSame(const Matrix& got, const Matrix& expected, double tolerance) {
 /// A tilted orthonormal frame: the axes of the rotation by 40 degrees about (1, 2, 3) / sqrt(14), computed by
 /// Rodrigues' formula.
 ViewFrame TiltedFrame() {
-    const double angle = 40 * std::acos(-1.0) / 180, c = std::cos(angle), s = std::sin(angle), n = std::sqrt(14.0);
-    const Double3x k{1 / n, 2 / n, 3 / n};
-    const auto turned = [&](const Double3x& v) {
-        const Double3x cross{k[1] * v[2] - k[2] * v[1], k[2] * v[0] - k[0] * v[2], k[0] * v[1] - k[1] * v[0]};
-        Float3 out{};
-        for (std::size_t i = 0; i < 3; ++i)
-            out[i] = static_cast<float>(v[i] * c + cross[i] * s + k[i] * Dot(k, v) * (1 - c));
-        return out;
-    };
-    return {.wx = turned({1, 0, 0}), .wy = turned({0, 1, 0}), .wz = turned({0, 0, 1}), .center = {12, -7, 3}};
+    const double angle = 40 * std::numbers::pi / 180;
+    const auto rotated = [&](const Double3& v) { return RoundToFloat3(RotateByRodrigues({1, 2, 3}, angle, v)); };
+    return {.wx = rotated({1, 0, 0}), .wy = rotated({0, 1, 0}), .wz = rotated({0, 0, 1}), .center = {12, -7, 3}};
 }
 
 class Conversions : public testing::TestWithParam<WindowSize> {
@@ -127,7 +118,7 @@ TEST_P(Conversions, ProjectPointDoubleDoesNotRound) {
     for (const Float3& point : kPoints) {
         double x = 0, y = 0;
         c->ProjectPointDouble(point[0], point[1], point[2], &x, &y);
-        const Double3x expected = camera.Project(Wide(point));
+        const Double3 expected = camera.Project(ToDouble3(point));
         EXPECT_NEAR(x, expected[0], 1e-3);
         EXPECT_NEAR(y, expected[1], 1e-3);
     }
@@ -137,7 +128,7 @@ TEST_P(Conversions, ProjectPointTruncates) {
     const ReferenceCamera camera(*c);
     int checked = 0;
     for (const Float3& point : kPoints) {
-        const Double3x expected = camera.Project(Wide(point));
+        const Double3 expected = camera.Project(ToDouble3(point));
         // no hand can tell the side of a whole number at these roundings
         if (std::abs(expected[0] - std::round(expected[0])) < 0.01) continue;
         if (std::abs(expected[1] - std::round(expected[1])) < 0.01) continue;
@@ -161,7 +152,7 @@ TEST_P(Conversions, UnprojectPointIsTheWayBack) {
     for (const auto& [x, y, depth] : {std::tuple{0, 0, 0.25f}, {17, 301, 0.75f}, {250, 40, 0.1f}}) {
         float p[3] = {};
         ASSERT_EQ(c->UnprojectPoint(x, y, depth, p, p + 1, p + 2), 1);
-        const Double3x back = camera.Project({p[0], p[1], p[2]});
+        const Double3 back = camera.Project({p[0], p[1], p[2]});
         EXPECT_NEAR(back[0], x, 5e-3);
         EXPECT_NEAR(back[1], y, 5e-3);
         EXPECT_NEAR(back[2], depth, 1e-6);
@@ -308,10 +299,10 @@ TEST(ComputeFrameMatrix, IsTheProductForThatFrameWithTheLiveZoom) {
     float matrix[16] = {};
     c->ComputeFrameMatrix(frame, matrix);
     ReferenceCamera camera(*c);
-    camera.wx = Wide(frame.wx);
-    camera.wy = Wide(frame.wy);
-    camera.wz = Wide(frame.wz);
-    camera.center = Wide(frame.center);
+    camera.wx = ToDouble3(frame.wx);
+    camera.wy = ToDouble3(frame.wy);
+    camera.wz = ToDouble3(frame.wz);
+    camera.center = ToDouble3(frame.center);
     const Matrix expected = Product(camera.Projection(), camera.ModelView());
     for (std::size_t i = 0; i < 16; ++i) EXPECT_NEAR(matrix[i], expected[i], 1e-6) << "element " << i;
 }

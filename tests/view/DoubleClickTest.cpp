@@ -5,9 +5,8 @@
 
 namespace {
 
-// A plate in the plane z = 5 that faces the viewer of view 4, from (-40, -30) to (20, 30); object 1. Object 0 is
-// hidden.
-const Vector kLow{-40, -30, 5}, kHigh{20, 30, 5};
+// A plate in the plane z = 5 that faces +Z, from (-40, -30) to (20, 30); object 1. Object 0 is hidden.
+const Double3 kLow{-40, -30, 5}, kHigh{20, 30, 5};
 
 Mesh& AddPlate(CKV_ScenePaneCtrl& control, float z) {
     return AddMesh(control,
@@ -18,7 +17,7 @@ Mesh& AddPlate(CKV_ScenePaneCtrl& control, float z) {
                    {{{0, 1, 2}}, {{0, 2, 3}}});
 }
 
-/// The camera looks along -Z with half a unit a pixel; the window's centre shows the world's origin.
+/// The camera looks along -Z with half a unit per pixel; the window's centre shows the world's origin.
 struct PlateControl : InputControl {
     explicit PlateControl(const Before& before = {}) {
         AddPlate(*control, 50);
@@ -30,15 +29,15 @@ struct PlateControl : InputControl {
         CKV_ScenePaneCtrl& c = *control;
         c.SetObjectVisibility(0, 0);
         c.m_fSceneSize = 240;  // over 480 pixels
-        c.SetViewMode(4);
-        c.m_nViewMode = 3;
+        c.SetViewMode(KV_ScenePane::ViewFromPlusZYUp);
+        c.m_nViewMode = KV_ScenePane::ViewFromMinusXZUp;
         window->Forget();
     }
     /// The view that a centring click leads to.
     [[nodiscard]] ExpectedView Centered() const {
         ExpectedView view = ExpectedView::Of(*control);
         view.Fit(kLow, kHigh, 1);
-        view.right = {0, -1, 0}, view.up = {0, 0, 1}, view.viewer = {-1, 0, 0};  // view 3
+        view.right = {0, -1, 0}, view.up = {0, 0, 1}, view.viewer = {-1, 0, 0};  // ViewFromMinusXZUp
         return view;
     }
 };
@@ -55,7 +54,10 @@ void ExpectPickEvent(const PlateControl& c, std::uint32_t flags) {
     for (std::size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], expected[i], 1e-4) << i;
 }
 
-bool Picks(int pickMode) { return pickMode == 2 || pickMode == 3 || pickMode == 5; }
+bool ReportsObjects(int pickMode) {
+    return pickMode == KV_ScenePane::PickModeObjects || pickMode == KV_ScenePane::PickModeObjectsSecond ||
+           pickMode == KV_ScenePane::PickModePoints;
+}
 
 void SetPickMode(PlateControl& c, int mode) {
     c->SetPickMode(static_cast<std::int16_t>(mode));
@@ -70,7 +72,8 @@ TEST(DoubleClick, PicksOrCentersByThePickMode) {
                 SCOPED_TRACE(testing::Message() << "pick mode " << pickMode << ", hits " << hits << ", scheme " << igd);
                 c.SetAll({.igd = igd});
                 SetPickMode(c, pickMode);
-                const bool reports = hits && Picks(pickMode), centers = !reports && pickMode != 5;
+                const bool reports = hits && ReportsObjects(pickMode),
+                           centers = !reports && pickMode != KV_ScenePane::PickModePoints;
                 const ExpectedView view = centers ? c.Centered() : ExpectedView::Of(*c);
                 c->OnDoubleClick(kLeft | kShift, hits ? kOnX : kBesideX, kOnY);
                 ExpectView(*c, view);
@@ -85,7 +88,7 @@ TEST(DoubleClick, PicksOrCentersByThePickMode) {
                 EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
                 EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode);
                 EXPECT_FALSE(c.window->HasCapture());
-                EXPECT_TRUE(c.KeptNoPoint());
+                EXPECT_TRUE(c.LastPointUnchanged());
                 EXPECT_EQ(c->m_bMoving, 0);
             }
         }
@@ -94,7 +97,8 @@ TEST(DoubleClick, PicksOrCentersByThePickMode) {
 
 TEST(DoubleClick, WithFlippedButtonsOnlyRepaints) {
     PlateControl c;
-    for (const int pickMode : {0, 2, 5}) {
+    for (const int pickMode :
+         {KV_ScenePane::PickModeOff, KV_ScenePane::PickModeObjects, KV_ScenePane::PickModePoints}) {
         c.SetAll({.flip = -1});
         SetPickMode(c, pickMode);
         const ExpectedView view = ExpectedView::Of(*c);
@@ -103,7 +107,7 @@ TEST(DoubleClick, WithFlippedButtonsOnlyRepaints) {
         EXPECT_TRUE(c.events.events.empty());
         EXPECT_EQ(c->m_bPickPointValid, 0);
         EXPECT_EQ(c.window->refreshes, 1);
-        EXPECT_EQ(c.RepaintsAsked(), 1);
+        EXPECT_EQ(c.RepaintRequests(), 1);
         EXPECT_EQ(c->m_bAnimationRunning, 0);
     }
 }
@@ -120,7 +124,7 @@ TEST(DoubleClick, ActsInEveryInteractionMode) {
     }
 }
 
-TEST(DoubleClick, WithCtrlLeavesTheViewToThePlaneThatIsShown) {
+TEST(DoubleClick, WithCtrlAndAVisiblePlaneDoesNotCenterTheView) {
     PlateControl c({.plane = true});
     const ExpectedView view = ExpectedView::Of(*c);
     c->OnDoubleClick(kLeft | kCtrl, kBesideX, kBesideY);
@@ -132,7 +136,7 @@ TEST(DoubleClick, WithCtrlLeavesTheViewToThePlaneThatIsShown) {
     ExpectView(*c, centered);
 }
 
-TEST(DoubleClick, WhileNeedlesArePickedLeavesTheView) {
+TEST(DoubleClick, InNeedlePickingModeDoesNotCenterTheView) {
     PlateControl c;
     c->m_bNeedlePickingMode = 1;
     const ExpectedView view = ExpectedView::Of(*c);
@@ -141,7 +145,7 @@ TEST(DoubleClick, WhileNeedlesArePickedLeavesTheView) {
     EXPECT_EQ(c.window->refreshes, 2);
 }
 
-TEST(DoubleClick, AppliesAViewModeOutsideTheListAndTurnsNothing) {
+TEST(DoubleClick, AfterAViewModeOutsideTheListFitsAndRotatesNothing) {
     PlateControl c;
     c->SetViewMode(9);
     EXPECT_EQ(c->m_nViewMode, 9);
@@ -152,7 +156,7 @@ TEST(DoubleClick, AppliesAViewModeOutsideTheListAndTurnsNothing) {
     EXPECT_EQ(c->m_nViewMode, 9);
 }
 
-TEST(DoubleClick, BeforeAnyViewModeTurnsNothing) {
+TEST(DoubleClick, BeforeAnyViewModeFitsAndRotatesNothing) {
     OffscreenControl c;
     AddPlate(*c, 5);
     ASSERT_TRUE(c->SetViewParams(0.6f, 0.8f, 0, 0, 0, 1, 1, 2, 3, 1, 0));
@@ -162,11 +166,11 @@ TEST(DoubleClick, BeforeAnyViewModeTurnsNothing) {
     ExpectView(*c, view);
 }
 
-TEST(DoubleClick, WithTheAxesShownReturnsToViewFour) {
+TEST(DoubleClick, WithTheAxesShownReturnsToTheViewFromPlusZ) {
     PlateControl c;
     c->ShowAxes(1);
-    c->SetViewMode(3);
-    ASSERT_EQ(c->m_nViewMode, 4) << "the frame of the view mode drew the axes";
+    c->SetViewMode(KV_ScenePane::ViewFromMinusXZUp);
+    ASSERT_EQ(c->m_nViewMode, KV_ScenePane::ViewFromPlusZYUp) << "the frame of the view mode drew the axes";
     ExpectedView view = ExpectedView::Of(*c);
     view.Fit(kLow, kHigh, 1);
     view.right = {1, 0, 0}, view.up = {0, 1, 0}, view.viewer = {0, 0, 1};
@@ -174,9 +178,9 @@ TEST(DoubleClick, WithTheAxesShownReturnsToViewFour) {
     ExpectView(*c, view);
 }
 
-TEST(DoubleClick, OnTheFarSideOfAHiddenObjectPicksWhatIsBehind) {
+TEST(DoubleClick, PicksThroughAHiddenObject) {
     PlateControl c;
-    SetPickMode(c, 2);
+    SetPickMode(c, KV_ScenePane::PickModeObjects);
     c->OnDoubleClick(kLeft, kOnX, kOnY);
     ExpectPickEvent(c, kLeft);
     c.events.events.clear();
@@ -189,16 +193,16 @@ TEST(DoubleClick, OnTheFarSideOfAHiddenObjectPicksWhatIsBehind) {
 
 // ---- the single click of the delayed scheme
 
-TEST(LeftClickInTheDelayedScheme, PicksOnlyWhatHasNotMoved) {
+TEST(LeftClickInTheDelayedScheme, PicksOnlyWithoutTheMovedBit) {
     PlateControl c;
     for (int pickMode = 0; pickMode <= 5; ++pickMode) {
-        for (const std::uint32_t moved : {0u, 0x100u}) {
+        for (const std::uint32_t moved : {0u, kMouseMoved}) {
             for (const bool hits : {true, false}) {
                 SCOPED_TRACE(testing::Message()
                              << "pick mode " << pickMode << ", moved " << moved << ", hits " << hits);
                 c.SetAll({.igd = 1});
                 SetPickMode(c, pickMode);
-                const bool asks = Picks(pickMode) && moved == 0, reports = asks && hits;
+                const bool asks = ReportsObjects(pickMode) && moved == 0, reports = asks && hits;
                 const std::int32_t x = hits ? kOnX : kBesideX;
                 const ExpectedView view = ExpectedView::Of(*c);
                 c->OnLeftDown(kLeft | moved, x, kOnY);
@@ -213,16 +217,16 @@ TEST(LeftClickInTheDelayedScheme, PicksOnlyWhatHasNotMoved) {
                 EXPECT_EQ(c->m_bMoving, reports ? 0 : 1);
                 EXPECT_EQ(c->m_nLastMouseX, reports ? kNoX : x);
                 EXPECT_EQ(c.window->refreshes, reports ? 1 : 0);
-                EXPECT_EQ(c.RepaintsAsked(), reports ? 1 : 0);
+                EXPECT_EQ(c.RepaintRequests(), reports ? 1 : 0);
                 ExpectView(*c, view);
             }
         }
     }
 }
 
-TEST(LeftClickInTheDelayedScheme, ReportsTheFlagsAsTheyStand) {
+TEST(LeftClickInTheDelayedScheme, ReportsItsFlagsUnchanged) {
     PlateControl c({.igd = 1, .plane = true});
-    SetPickMode(c, 5);
+    SetPickMode(c, KV_ScenePane::PickModePoints);
     c->OnLeftDown(kLeft | kCtrl | kMiddle, kOnX, kOnY);
     ExpectPickEvent(c, kLeft | kCtrl | kMiddle);
 }
@@ -231,7 +235,7 @@ TEST(LeftClickInTheDelayedScheme, PansInsteadOfPickingWithShiftOrRight) {
     PlateControl c;
     for (const std::uint32_t held : {kShift, kRight}) {
         c.SetAll({.igd = 1});
-        SetPickMode(c, 2);
+        SetPickMode(c, KV_ScenePane::PickModeObjects);
         c->OnLeftDown(kLeft | held, kOnX, kOnY);
         EXPECT_TRUE(c.events.events.empty());
         EXPECT_EQ(c->m_nInteractionMode, ModePan);
@@ -239,10 +243,11 @@ TEST(LeftClickInTheDelayedScheme, PansInsteadOfPickingWithShiftOrRight) {
     }
 }
 
-TEST(LeftClickInTheOtherSchemes, NeverPicks) {
+TEST(LeftClickInTheDirectSchemes, NeverPicks) {
     PlateControl c;
     for (const std::int32_t flip : {0, 1}) {
-        for (const int pickMode : {2, 3, 5}) {
+        for (const int pickMode :
+             {KV_ScenePane::PickModeObjects, KV_ScenePane::PickModeObjectsSecond, KV_ScenePane::PickModePoints}) {
             c.SetAll({.flip = flip});
             SetPickMode(c, pickMode);
             c->OnLeftDown(kLeft, kOnX, kOnY);

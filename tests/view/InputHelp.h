@@ -1,4 +1,4 @@
-// What the tests of the mouse and key handlers share: a control in a known state, a dialog that keeps what it is told.
+// What the tests of the mouse and key handlers share: a control in a known state, a dialog that records its calls.
 #pragma once
 #include <cstdint>
 #include <ostream>
@@ -11,10 +11,20 @@ inline constexpr std::uint32_t kLeft = KV_ScenePane::kMouseLeft, kRight = KV_Sce
                                kShift = KV_ScenePane::kMouseShift, kCtrl = KV_ScenePane::kMouseCtrl,
                                kMiddle = KV_ScenePane::kMouseMiddle;
 
+enum class Button { Left = 1, Middle = 2, Right = 3 };
+inline void PrintTo(Button button, std::ostream* out) {
+    *out << (button == Button::Left ? "Left" : button == Button::Middle ? "Middle" : "Right");
+}
+
+/// Flag of MouseInput::flags while the button is held.
+constexpr std::uint32_t FlagOf(Button button) {
+    return button == Button::Left ? kLeft : button == Button::Middle ? kMiddle : kRight;
+}
+
 /// Every interaction mode and the numbers between them that are never assigned.
 inline constexpr std::int32_t kAllModes[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
 
-/// Keeps the calls with their points, as "OnRotateDrag 10 20".
+/// Records each call with its arguments, as "OnRotateDrag 10 20".
 class RecordingDialog final : public CInteractionDlg {
 public:
     std::vector<std::string> calls;
@@ -37,25 +47,38 @@ private:
 
 using Calls = std::vector<std::string>;
 
-/// The state that a handler finds.
+/// The state before the input.
 struct Before {
     std::int32_t mode = ModeIdle;
-    std::int32_t igd = 0, flip = 0;
-    bool plane = false;   ///< the clip plane is shown
-    bool dialog = false;  ///< an alignment dialog is open
+    std::int32_t igd = 0;   ///< argument of SetIGDRotation()
+    std::int32_t flip = 0;  ///< argument of FlipMouseButtons()
+    bool plane = false;     ///< the clip plane is shown
+    bool dialog = false;    ///< an alignment dialog is open
     bool rightPressed = false;
 };
 
-// Values that no handler writes, to see what stays.
+/// In an interactive alignment with its dialog open.
+inline Before Aligning(Before state = {}) {
+    state.mode = ModeAlignInteractive, state.dialog = true;
+    return state;
+}
+/// In a pick-point alignment with its dialog open.
+inline Before PickingPoints(Before state = {}) {
+    state.mode = ModeAlignPickPoints, state.dialog = true;
+    return state;
+}
+
+// Values that no handler writes: what still has them was not written.
 inline constexpr std::int32_t kNoMode = 77, kNoX = -5, kNoY = -6;
 inline const Float3 kNoAxis{9, 9, 9};
 
-/// 640 x 480, an oblique frame, a running animation, and marks in all that an input may write.
+/// 640 x 480, an oblique frame, a running animation, and marker values in all that an input may write. The handlers are
+/// called directly, as the dispatcher calls them.
 struct InputControl : OffscreenControl {
     explicit InputControl(const Before& before = {}) : OffscreenControl(640, 480), m_freshPlane(control->m_clipPlane) {
         Set(before);
     }
-    /// As a new control in that state, where a loop has many states and a window is dear.
+    /// The same as a new control in that state, without the cost of a window per row of a loop.
     void Set(const Before& before) {
         CKV_ScenePaneCtrl& c = *control;
         SetView(c);
@@ -78,10 +101,23 @@ struct InputControl : OffscreenControl {
                control->m_savedView.wx == control->m_fAxisX && control->m_savedView.wy == control->m_fAxisY &&
                control->m_savedView.wz == control->m_fAxisZ && control->m_savedView.center == control->m_fViewCenter;
     }
-    [[nodiscard]] bool KeptNoPoint() const { return control->m_nLastMouseX == kNoX && control->m_nLastMouseY == kNoY; }
-    [[nodiscard]] bool SavedNoView() const { return control->m_savedView.wx == kNoAxis; }
-    [[nodiscard]] int RepaintsAsked() const {
+    [[nodiscard]] bool LastPointUnchanged() const {
+        return control->m_nLastMouseX == kNoX && control->m_nLastMouseY == kNoY;
+    }
+    [[nodiscard]] bool SavedViewUnchanged() const { return control->m_savedView.wx == kNoAxis; }
+    [[nodiscard]] int RepaintRequests() const {
         return window->refreshes + window->invalidates + window->eraseInvalidates;
+    }
+
+    void Press(Button button, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+        if (button == Button::Left) control->OnLeftDown(flags, x, y);
+        if (button == Button::Middle) control->OnMiddleDown(flags, x, y);
+        if (button == Button::Right) control->OnRightDown(flags, x, y);
+    }
+    void Release(Button button, std::uint32_t flags, std::int32_t x, std::int32_t y) {
+        if (button == Button::Left) control->OnLeftUp(flags, x, y);
+        if (button == Button::Middle) control->OnMiddleUp(flags, x, y);
+        if (button == Button::Right) control->OnRightUp(flags, x, y);
     }
 
     RecordingDialog dialog;
@@ -90,11 +126,11 @@ private:
     static void SetView(CKV_ScenePaneCtrl& c) {
         c.m_fZoom = 1;
         c.m_fViewCenter = c.m_fRotationCenter = {};
-        c.SetViewMode(6);
+        c.SetViewMode(KV_ScenePane::ViewObliqueZUp);
         c.m_nViewMode = -1;
         c.m_savedView.wx = kNoAxis;
         c.m_bAnimationRunning = 1;
-        c.m_fAnimationSpeed = 0;  // never ends by itself and turns nothing
+        c.m_fAnimationSpeed = 0;  // never ends by itself and rotates nothing
         c.m_bToggleAnimationOnSpacebar = 0;
     }
     static void SetInput(CKV_ScenePaneCtrl& c, const Before& before) {

@@ -33,7 +33,7 @@ TEST(KeyPress, IsToldToTheHostAndThenToTheDialogInEveryMode) {
             EXPECT_EQ(c.events.events[0], KeyEvent(key, 3, 0x4001));
             EXPECT_EQ(c.dialog.calls, (Calls{"OnInteractionKey " + std::to_string(key) + " 3 16385"}));
             EXPECT_EQ(c->m_bAnimationRunning, 0) << "every key stops it";
-            EXPECT_TRUE(c.KeptNoPoint());
+            EXPECT_TRUE(c.LastPointUnchanged());
             EXPECT_FALSE(c.window->HasCapture());
         }
     }
@@ -84,7 +84,7 @@ TEST(KeyPress, OfAnyOtherKeyChangesNothing) {
             EXPECT_EQ(c->m_clipPlane.m_dMatrix, matrix);
             EXPECT_FALSE(c->m_clipPlane.m_bMoveHandleVisible);
             EXPECT_FALSE(c->m_clipPlane.m_bHighlighted);
-            EXPECT_EQ(c.RepaintsAsked(), 0);
+            EXPECT_EQ(c.RepaintRequests(), 0);
         }
     }
 }
@@ -101,7 +101,7 @@ TEST(EscapeKey, LeavesEveryModeButTheHandleAsItIs) {
         EXPECT_EQ(c->m_nInteractionMode, mode);
         EXPECT_FALSE(c->m_clipPlane.m_bHighlighted);
         EXPECT_FALSE(c->m_clipPlane.m_bMoveHandleVisible);
-        EXPECT_EQ(c.RepaintsAsked(), 0) << mode;
+        EXPECT_EQ(c.RepaintRequests(), 0) << mode;
     }
 }
 
@@ -117,7 +117,7 @@ TEST(EscapeKey, InAHandleDragTakesTheSavedModeAndTheCtrlBit) {
         EXPECT_TRUE(c->m_clipPlane.m_bMoveHandleVisible);
         EXPECT_TRUE(c->m_clipPlane.m_bRotateHandlesVisible);
         EXPECT_EQ(c.window->refreshes, 1);
-        EXPECT_EQ(c.RepaintsAsked(), 1);
+        EXPECT_EQ(c.RepaintRequests(), 1);
     }
 }
 
@@ -200,7 +200,7 @@ TEST(CtrlKey, ShowsTheHandlesOfTheDragAtHand) {
         EXPECT_EQ(plane.m_bMoveHandleVisible, acts ? move : !move);
         EXPECT_EQ(plane.m_bRotateHandlesVisible, acts ? rotate : !rotate);
         EXPECT_EQ(c.window->eraseInvalidates, 1) << "in any mode";
-        EXPECT_EQ(c.RepaintsAsked(), 1);
+        EXPECT_EQ(c.RepaintRequests(), 1);
         EXPECT_EQ(c->m_nInteractionMode, mode) << "the mode waits for the next move";
     }
 }
@@ -215,7 +215,7 @@ TEST(CtrlKey, DoesNothingWithoutThePlane) {
         EXPECT_FALSE(c->m_clipPlane.m_bHighlighted);
         EXPECT_FALSE(c->m_clipPlane.m_bMoveHandleVisible);
         EXPECT_FALSE(c->m_clipPlane.m_bRotateHandlesVisible);
-        EXPECT_EQ(c.RepaintsAsked(), 0);
+        EXPECT_EQ(c.RepaintRequests(), 0);
         EXPECT_EQ(c->m_nInteractionMode, mode);
     }
 }
@@ -236,7 +236,7 @@ TEST(CtrlRelease, GivesThePlaneDragBackToTheView) {
         EXPECT_EQ(c->m_clipPlane.m_bRotateHandlesVisible, shows);
         EXPECT_FALSE(c->m_clipPlane.m_bHighlighted) << "in any mode";
         EXPECT_EQ(c.window->eraseInvalidates, 1);
-        EXPECT_EQ(c.RepaintsAsked(), 1);
+        EXPECT_EQ(c.RepaintRequests(), 1);
         EXPECT_TRUE(c.events.events.empty()) << "releases are told to nobody";
         EXPECT_TRUE(c.dialog.calls.empty());
         EXPECT_EQ(c->m_bAnimationRunning, 1);
@@ -254,7 +254,7 @@ TEST(KeyRelease, OfAnyOtherKeyDoesNothing) {
             EXPECT_EQ(c->m_nInteractionMode, mode);
             EXPECT_EQ(c->m_clipPlane.m_dMatrix, matrix);
             EXPECT_FALSE(c->m_clipPlane.m_bMoveHandleVisible);
-            EXPECT_EQ(c.RepaintsAsked(), 0);
+            EXPECT_EQ(c.RepaintRequests(), 0);
             EXPECT_TRUE(c.events.events.empty());
             EXPECT_EQ(c->m_bAnimationRunning, 1);
         }

@@ -1,39 +1,38 @@
-// A drag of whose end the window system tells nothing, for the window was hidden by then: it is over all the same.
-#include <poll.h>
-
+// A drag whose release never arrives because the window was hidden by then. It ends all the same.
 #include "view/UserInput.h"
 
-// After the others: their macros take the names of those.
+// After the others: their macros would replace names in those.
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 
 namespace {
 
-class HiddenInADrag : public testing::Test {
+class DragInAHiddenWindow : public testing::Test {
 protected:
-    HiddenInADrag() {
-        hands->MoveTo(300, 200);
-        hands->Press(Button::Left);
-        hands->MoveTo(310, 205);
-    }
-    ~HiddenInADrag() override { XCloseDisplay(display); }
+    DragInAHiddenWindow() { BeginDrag(300, 200); }
+    ~DragInAHiddenWindow() override { XCloseDisplay(display); }
 
-    void Pump() {
-        for (int i = 0; i < 10; ++i) {
-            pollfd waiting{viewer->EventDescriptor(), POLLIN, 0};
-            poll(&waiting, 1, 20);
-            viewer->ProcessEvents();
-        }
+    void BeginDrag(int x, int y) {
+        user->MoveTo(x, y);
+        user->Press(Button::Left);
+        user->MoveTo(x + 10, y + 5);
     }
-    /// Not by the hands, which wait until the viewer has heard of it.
-    void ReleaseUnheard() {
+    void PumpUntilViewable() {
+        PumpUntil(*viewer, "the visible window", [this] {
+            XWindowAttributes attributes{};
+            XGetWindowAttributes(display, viewer->NativeWindow(), &attributes);
+            return attributes.map_state == IsViewable;
+        });
+    }
+    /// Not by UserInput, which waits until the viewer has received it.
+    void ReleaseWhileHidden() {
         XTestFakeButtonEvent(display, 1, False, CurrentTime);
         XSync(display, False);
     }
-    void ExpectHoveringToTurnNothing() {
+    void ExpectMovesToRotateNothing() {
         const Float3 x = viewer->m_fAxisX, y = viewer->m_fAxisY;
-        hands->MoveTo(350, 220);
-        hands->MoveTo(360, 260);
+        user->MoveTo(350, 220);
+        user->MoveTo(360, 260);
         EXPECT_EQ(viewer->m_fAxisX, x);
         EXPECT_EQ(viewer->m_fAxisY, y);
         EXPECT_EQ(viewer->m_nInteractionMode, ModeIdle);
@@ -41,42 +40,39 @@ protected:
         EXPECT_FALSE(viewer.window->HasCapture());
     }
 
-    const std::unique_ptr<UserInput> hands = HandsOnTheRealPointer();
-    TestControl& viewer = hands->Viewer();
+    const std::unique_ptr<UserInput> user = MakePointerInput();
+    TestControl& viewer = user->Viewer();
     Display* const display = XOpenDisplay(nullptr);
 };
 
-TEST_F(HiddenInADrag, ThePaneEndsItAtOnce) {
+TEST_F(DragInAHiddenWindow, EndsAtOnceWhenTheWindowItselfIsHidden) {
     ASSERT_EQ(viewer->m_nInteractionMode, ModeRotate);
     XUnmapWindow(display, viewer->NativeWindow());
     XSync(display, False);
-    Pump();
-    EXPECT_EQ(viewer->m_nInteractionMode, ModeIdle);
-    ReleaseUnheard();
+    PumpUntil(*viewer, "the end of the drag", [this] { return viewer->m_nInteractionMode == ModeIdle; });
+    ReleaseWhileHidden();
     XMapWindow(display, viewer->NativeWindow());
     XSync(display, False);
-    Pump();
-    ExpectHoveringToTurnNothing();
+    PumpUntilViewable();
+    ExpectMovesToRotateNothing();
 }
 
-TEST_F(HiddenInADrag, ThePaneInAHostThatIsHiddenEndsItWhenThePointerIsBack) {
-    hands->Release(Button::Left);
+TEST_F(DragInAHiddenWindow, EndsWhenThePointerReturnsToAViewerWhoseHostWasHidden) {
+    user->Release(Button::Left);
     const Window host =
         XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, UserInput::kWidth, UserInput::kHeight, 0, 0, 0);
     XMapRaised(display, host);
     XReparentWindow(display, viewer->NativeWindow(), host, 0, 0);
     XSync(display, False);
-    Pump();
-    hands->MoveTo(330, 240);  // too far for a double click
-    hands->Press(Button::Left);
-    hands->MoveTo(340, 245);
+    PumpUntilViewable();
+    BeginDrag(330, 240);  // too far from the first press for a double click
     ASSERT_EQ(viewer->m_nInteractionMode, ModeRotate);
     XUnmapWindow(display, host);
-    ReleaseUnheard();
+    ReleaseWhileHidden();
     XMapWindow(display, host);
     XSync(display, False);
-    Pump();
-    ExpectHoveringToTurnNothing();
+    PumpUntilViewable();
+    ExpectMovesToRotateNothing();
     XReparentWindow(display, viewer->NativeWindow(), DefaultRootWindow(display), 0, 0);
     XSync(display, False);
 }

@@ -1,5 +1,5 @@
-// What a move does in each interaction mode: which travel turns or shifts the view, what goes to the dialog, which
-// point is kept as the last one, what is repainted. And the wheel.
+// What a move does in each interaction mode: which travel rotates or pans the view, what the dialog receives, whether
+// the point becomes the last one, what is repainted. And the wheel.
 #include "view/ExpectedView.h"
 #include "view/InputHelp.h"
 
@@ -8,244 +8,130 @@ namespace {
 // From (310, 190) to (325, 170).
 constexpr std::int32_t kFromX = 310, kFromY = 190, kDx = 15, kDy = -20, kToX = kFromX + kDx, kToY = kFromY + kDy;
 
-enum class View { Stays, Rotates, Pans };
-enum class Point { Stays, Follows };
+enum class Effect {
+    Nothing,      ///< also the last point stays
+    Follows,      ///< the point becomes the last one
+    Rotates,      ///< the view; follows and refreshes
+    Pans,         ///< the view; follows and refreshes
+    DragsHandle,  ///< of the plane: refreshes, and the last point stays
+    DragsPlane,   ///< follows, and queues a repaint with erase
+};
+using enum Effect;
 
-struct Move {
+constexpr std::int32_t kSameMode = -1;
+
+struct MoveRow {
     const char* name;
     Before before;
     std::uint32_t flags;
-    // ---- after
-    std::int32_t mode;
-    View view;
-    Point point;
-    int refreshes, eraseInvalidates;
-    Calls calls{};  ///< that the dialog hears
+    Effect effect;
+    Calls dialogCalls{};
+    std::int32_t mode = kSameMode;  ///< after the move
 };
-void PrintTo(const Move& row, std::ostream* out) { *out << row.name; }
+void PrintTo(const MoveRow& row, std::ostream* out) { *out << row.name; }
 
-const Before kAlignment{.mode = ModeAlignInteractive, .dialog = true};
-const Before kAlignmentFlipped{.mode = ModeAlignInteractive, .flip = 1, .dialog = true};
-const Before kAlignmentDelayed{.mode = ModeAlignInteractive, .igd = 1, .dialog = true};
-const Before kAlignmentAtTwo{.mode = ModeAlignInteractive, .igd = 2, .dialog = true};
 const char* const kRotateDrag = "OnRotateDrag 325 170";
 const char* const kMoveDrag = "OnMoveDrag 325 170";
 
-const Move kMoves[] = {
-    {"IdleHoversAndForgetsThePoint", {}, 0, ModeIdle, View::Stays, Point::Stays, 0, 0},
-    {"IdleWithLeftHeldHovers", {.igd = 1}, kLeft, ModeIdle, View::Stays, Point::Stays, 0, 0},
-    {"IdleOverThePlaneHovers", {.plane = true}, kCtrl, ModeIdle, View::Stays, Point::Stays, 0, 0},
-    {"RotateRotates", {.mode = ModeRotate}, kLeft, ModeRotate, View::Rotates, Point::Follows, 1, 0},
-    {"RotateRotatesWhateverIsHeld", {.mode = ModeRotate}, 0, ModeRotate, View::Rotates, Point::Follows, 1, 0},
-    {"RotateWithCtrlAndNoPlaneRotates",
-     {.mode = ModeRotate},
-     kLeft | kCtrl,
-     ModeRotate,
-     View::Rotates,
-     Point::Follows,
-     1,
-     0},
-    {"RotateWithThePlaneShownRotates",
-     {.mode = ModeRotate, .plane = true},
-     kLeft,
-     ModeRotate,
-     View::Rotates,
-     Point::Follows,
-     1,
-     0},
-    {"RotateTurnsIntoAPlaneDragByCtrl",
+const MoveRow kMoves[] = {
+    {"IdleHovers", {}, 0, Nothing},
+    {"IdleWithLeftHeldHovers", {.igd = 1}, kLeft, Nothing},
+    {"IdleOverThePlaneHovers", {.plane = true}, kCtrl, Nothing},
+    {"RotateRotates", {.mode = ModeRotate}, kLeft, Rotates},
+    {"RotateRotatesWhateverIsHeld", {.mode = ModeRotate}, 0, Rotates},
+    {"RotateWithCtrlAndNoPlaneRotates", {.mode = ModeRotate}, kLeft | kCtrl, Rotates},
+    {"RotateWithThePlaneShownRotates", {.mode = ModeRotate, .plane = true}, kLeft, Rotates},
+    {"RotateWithCtrlStartsAPlaneDrag",
      {.mode = ModeRotate, .plane = true},
      kLeft | kCtrl,
-     ModePlaneRotate,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
-    {"PanPans", {.mode = ModePan}, kRight, ModePan, View::Pans, Point::Follows, 1, 0},
-    {"PanWithCtrlAndNoPlanePans", {.mode = ModePan}, kRight | kCtrl, ModePan, View::Pans, Point::Follows, 1, 0},
-    {"PanTurnsIntoAPlaneDragByCtrl",
-     {.mode = ModePan, .plane = true},
-     kRight | kCtrl,
-     ModePlaneMove,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
-    {"LassoWithoutPointsDoesNothing", {.mode = ModeLasso}, 0, ModeLasso, View::Stays, Point::Stays, 0, 0},
-    {"PickPointsKeepsThePoint",
-     {.mode = ModeAlignPickPoints, .dialog = true},
-     kLeft,
-     ModeAlignPickPoints,
-     View::Stays,
-     Point::Follows,
-     0,
-     0},
-    {"UnassignedModeKeepsThePoint", {.mode = 5}, kLeft, 5, View::Stays, Point::Follows, 0, 0},
-    {"PlaneHandleRepaints",
-     {.mode = ModePlaneHandle, .plane = true},
-     kLeft,
-     ModePlaneHandle,
-     View::Stays,
-     Point::Stays,
-     1,
-     0},
-    {"MaskLassoWithoutSessionDoesNothing",
-     {.mode = ModeMaskLasso},
-     kLeft,
-     ModeMaskLasso,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
-    {"PlaneRotateTurnsThePlane",
-     {.mode = ModePlaneRotate, .plane = true},
-     kLeft | kCtrl,
-     ModePlaneRotate,
-     View::Stays,
-     Point::Follows,
-     0,
-     1},
-    {"PlaneRotateTurnsBackWithoutCtrl",
+     Nothing,
+     {},
+     ModePlaneRotate},
+    {"PanPans", {.mode = ModePan}, kRight, Pans},
+    {"PanWithCtrlAndNoPlanePans", {.mode = ModePan}, kRight | kCtrl, Pans},
+    {"PanWithCtrlStartsAPlaneDrag", {.mode = ModePan, .plane = true}, kRight | kCtrl, Nothing, {}, ModePlaneMove},
+    {"LassoWithoutPointsDoesNothing", {.mode = ModeLasso}, 0, Nothing},
+    {"PickPointsOnlyFollows", PickingPoints(), kLeft, Follows},
+    {"UnassignedModeOnlyFollows", {.mode = 5}, kLeft, Follows},
+    {"PlaneHandleRepaints", {.mode = ModePlaneHandle, .plane = true}, kLeft, DragsHandle},
+    {"MaskLassoWithoutSessionDoesNothing", {.mode = ModeMaskLasso}, kLeft, Nothing},
+    {"PlaneRotateRotatesThePlane", {.mode = ModePlaneRotate, .plane = true}, kLeft | kCtrl, DragsPlane},
+    {"PlaneRotateGoesBackToTheViewWithoutCtrl",
      {.mode = ModePlaneRotate, .plane = true},
      kLeft,
-     ModeRotate,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
-    {"PlaneRotateTurnsBackWithoutPlane",
-     {.mode = ModePlaneRotate},
-     kLeft | kCtrl,
-     ModeRotate,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
-    {"PlaneMoveMovesThePlane",
-     {.mode = ModePlaneMove, .plane = true},
-     kRight | kCtrl,
-     ModePlaneMove,
-     View::Stays,
-     Point::Follows,
-     0,
-     1},
-    {"PlaneMoveTurnsBackWithoutCtrl",
-     {.mode = ModePlaneMove, .plane = true},
-     kRight,
-     ModePan,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
-    {"PlaneMoveTurnsBackWithoutPlane",
-     {.mode = ModePlaneMove},
-     kRight | kCtrl,
-     ModePan,
-     View::Stays,
-     Point::Stays,
-     0,
-     0},
+     Nothing,
+     {},
+     ModeRotate},
+    {"PlaneRotateGoesBackToTheViewWithoutPlane", {.mode = ModePlaneRotate}, kLeft | kCtrl, Nothing, {}, ModeRotate},
+    {"PlaneMoveMovesThePlane", {.mode = ModePlaneMove, .plane = true}, kRight | kCtrl, DragsPlane},
+    {"PlaneMoveGoesBackToTheViewWithoutCtrl", {.mode = ModePlaneMove, .plane = true}, kRight, Nothing, {}, ModePan},
+    {"PlaneMoveGoesBackToTheViewWithoutPlane", {.mode = ModePlaneMove}, kRight | kCtrl, Nothing, {}, ModePan},
     // interactive alignment, normal and flipped
-    {"AlignmentWithNothingHeld", kAlignment, 0, 6, View::Stays, Point::Follows, 0, 0},
-    {"AlignmentLeft", kAlignment, kLeft, 6, View::Stays, Point::Follows, 0, 0, {kRotateDrag}},
-    {"AlignmentRight", kAlignment, kRight, 6, View::Stays, Point::Follows, 0, 0, {kMoveDrag}},
-    {"AlignmentMiddle", kAlignment, kMiddle, 6, View::Stays, Point::Follows, 0, 0},
-    {"AlignmentBoth", kAlignment, kLeft | kRight, 6, View::Stays, Point::Follows, 0, 0, {kRotateDrag, kMoveDrag}},
-    {"AlignmentLeftWithCtrl", kAlignment, kLeft | kCtrl, 6, View::Stays, Point::Follows, 0, 0, {kRotateDrag}},
-    {"AlignmentFlippedLeft", kAlignmentFlipped, kLeft, 6, View::Stays, Point::Follows, 0, 0, {kMoveDrag}},
-    {"AlignmentFlippedRight", kAlignmentFlipped, kRight, 6, View::Stays, Point::Follows, 0, 0, {kRotateDrag}},
-    {"AlignmentFlippedBoth",
-     kAlignmentFlipped,
-     kLeft | kRight,
-     6,
-     View::Stays,
-     Point::Follows,
-     0,
-     0,
-     {kRotateDrag, kMoveDrag}},
-    {"AlignmentAtTwoLeft", kAlignmentAtTwo, kLeft, 6, View::Stays, Point::Follows, 0, 0, {kRotateDrag}},
-    {"AlignmentAtTwoRight", kAlignmentAtTwo, kRight, 6, View::Stays, Point::Follows, 0, 0, {kMoveDrag}},
-    {"AlignmentWithoutDialog", {.mode = ModeAlignInteractive}, kLeft | kRight, 6, View::Stays, Point::Follows, 0, 0},
+    {"AlignmentWithNothingHeld", Aligning(), 0, Follows},
+    {"AlignmentLeft", Aligning(), kLeft, Follows, {kRotateDrag}},
+    {"AlignmentRight", Aligning(), kRight, Follows, {kMoveDrag}},
+    {"AlignmentMiddle", Aligning(), kMiddle, Follows},
+    {"AlignmentBoth", Aligning(), kLeft | kRight, Follows, {kRotateDrag, kMoveDrag}},
+    {"AlignmentLeftWithCtrl", Aligning(), kLeft | kCtrl, Follows, {kRotateDrag}},
+    {"AlignmentFlippedLeft", Aligning({.flip = 1}), kLeft, Follows, {kMoveDrag}},
+    {"AlignmentFlippedRight", Aligning({.flip = 1}), kRight, Follows, {kRotateDrag}},
+    {"AlignmentFlippedBoth", Aligning({.flip = 1}), kLeft | kRight, Follows, {kRotateDrag, kMoveDrag}},
+    {"AlignmentWithIgdTwoLeft", Aligning({.igd = 2}), kLeft, Follows, {kRotateDrag}},
+    {"AlignmentWithIgdTwoRight", Aligning({.igd = 2}), kRight, Follows, {kMoveDrag}},
+    {"AlignmentWithoutDialog", {.mode = ModeAlignInteractive}, kLeft | kRight, Follows},
     // interactive alignment, delayed scheme
-    {"AlignmentDelayedLeft", kAlignmentDelayed, kLeft, 6, View::Stays, Point::Follows, 0, 0},
-    {"AlignmentDelayedShift", kAlignmentDelayed, kShift, 6, View::Stays, Point::Follows, 0, 0},
-    {"AlignmentDelayedLeftAndShift", kAlignmentDelayed, kLeft | kShift, 6, View::Stays, Point::Follows, 0, 0},
-    {"AlignmentDelayedRight", kAlignmentDelayed, kRight, 6, View::Stays, Point::Follows, 0, 0, {kRotateDrag}},
-    {"AlignmentDelayedBoth", kAlignmentDelayed, kLeft | kRight, 6, View::Stays, Point::Follows, 0, 0, {kMoveDrag}},
-    {"AlignmentDelayedShiftAndRight",
-     kAlignmentDelayed,
-     kShift | kRight,
-     6,
-     View::Stays,
-     Point::Follows,
-     0,
-     0,
-     {kMoveDrag}},
-    {"AlignmentDelayedAllThree",
-     kAlignmentDelayed,
-     kShift | kLeft | kRight,
-     6,
-     View::Stays,
-     Point::Follows,
-     0,
-     0,
-     {kMoveDrag}},
-    {"AlignmentDelayedRightWithCtrl", kAlignmentDelayed, kRight | kCtrl, 6, View::Rotates, Point::Follows, 1, 0},
-    {"AlignmentDelayedBothWithCtrl", kAlignmentDelayed, kLeft | kRight | kCtrl, 6, View::Pans, Point::Follows, 1, 0},
-    {"AlignmentDelayedShiftAndRightWithCtrl", kAlignmentDelayed, kShift | kRight | kCtrl, 6, View::Pans, Point::Follows,
-     1, 0},
-    {"AlignmentDelayedLeftWithCtrl", kAlignmentDelayed, kLeft | kCtrl, 6, View::Stays, Point::Follows, 0, 0},
-    {"AlignmentDelayedFlippedRight",
-     {.mode = 6, .igd = 1, .flip = 1, .dialog = true},
-     kRight,
-     6,
-     View::Stays,
-     Point::Follows,
-     0,
-     0,
-     {kRotateDrag}},
-    {"AlignmentDelayedRightWithCtrlAndNoDialog",
-     {.mode = ModeAlignInteractive, .igd = 1},
-     kRight | kCtrl,
-     6,
-     View::Stays,
-     Point::Follows,
-     0,
-     0},
+    {"AlignmentDelayedLeft", Aligning({.igd = 1}), kLeft, Follows},
+    {"AlignmentDelayedShift", Aligning({.igd = 1}), kShift, Follows},
+    {"AlignmentDelayedLeftAndShift", Aligning({.igd = 1}), kLeft | kShift, Follows},
+    {"AlignmentDelayedRight", Aligning({.igd = 1}), kRight, Follows, {kRotateDrag}},
+    {"AlignmentDelayedBoth", Aligning({.igd = 1}), kLeft | kRight, Follows, {kMoveDrag}},
+    {"AlignmentDelayedShiftAndRight", Aligning({.igd = 1}), kShift | kRight, Follows, {kMoveDrag}},
+    {"AlignmentDelayedShiftAndBoth", Aligning({.igd = 1}), kShift | kLeft | kRight, Follows, {kMoveDrag}},
+    {"AlignmentDelayedRightWithCtrl", Aligning({.igd = 1}), kRight | kCtrl, Rotates},
+    {"AlignmentDelayedBothWithCtrl", Aligning({.igd = 1}), kLeft | kRight | kCtrl, Pans},
+    {"AlignmentDelayedShiftAndRightWithCtrl", Aligning({.igd = 1}), kShift | kRight | kCtrl, Pans},
+    {"AlignmentDelayedLeftWithCtrl", Aligning({.igd = 1}), kLeft | kCtrl, Follows},
+    {"AlignmentDelayedFlippedRight", Aligning({.igd = 1, .flip = 1}), kRight, Follows, {kRotateDrag}},
+    {"AlignmentDelayedRightWithCtrlAndNoDialog", {.mode = ModeAlignInteractive, .igd = 1}, kRight | kCtrl, Follows},
 };
 
-class MouseMove : public testing::TestWithParam<Move> {
+class MouseMove : public testing::TestWithParam<MoveRow> {
 protected:
     void Prepare() {
         c->m_fRotationCenter = {7, -8, 9};
         c->m_nLastMouseX = kFromX, c->m_nLastMouseY = kFromY;
     }
+    void ExpectLastPoint(std::int32_t x, std::int32_t y) const {
+        EXPECT_EQ(c->m_nLastMouseX, x);
+        EXPECT_EQ(c->m_nLastMouseY, y);
+    }
     InputControl c{GetParam().before};
 };
 
 TEST_P(MouseMove, ActsByTheMode) {
-    const Move& row = GetParam();
+    const MoveRow& row = GetParam();
     Prepare();
     ExpectedView view = ExpectedView::Of(*c);
-    if (row.view == View::Rotates) view.Rotate(kDx, kDy);
-    if (row.view == View::Pans) view.Pan(kDx, kDy);
+    if (row.effect == Rotates) view.Rotate(kDx, kDy);
+    if (row.effect == Pans) view.Pan(kDx, kDy);
     c->OnMouseMoved(row.flags, kToX, kToY);
     ExpectView(*c, view);
-    EXPECT_EQ(c->m_nInteractionMode, row.mode);
+    EXPECT_EQ(c->m_nInteractionMode, row.mode == kSameMode ? row.before.mode : row.mode);
     EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode);
-    EXPECT_EQ(c->m_nLastMouseX, row.point == Point::Follows ? kToX : kFromX);
-    EXPECT_EQ(c->m_nLastMouseY, row.point == Point::Follows ? kToY : kFromY);
-    EXPECT_EQ(c.window->refreshes, row.refreshes);
-    EXPECT_EQ(c.window->eraseInvalidates, row.eraseInvalidates);
+    const bool stays = row.effect == Nothing || row.effect == DragsHandle;
+    ExpectLastPoint(stays ? kFromX : kToX, stays ? kFromY : kToY);
+    const bool refreshes = row.effect == Rotates || row.effect == Pans || row.effect == DragsHandle;
+    EXPECT_EQ(c.window->refreshes, refreshes ? 1 : 0);
+    EXPECT_EQ(c.window->eraseInvalidates, row.effect == DragsPlane ? 1 : 0);
     EXPECT_EQ(c.window->invalidates, 0);
-    EXPECT_EQ(c.dialog.calls, row.calls);
+    EXPECT_EQ(c.dialog.calls, row.dialogCalls);
     EXPECT_EQ(c->m_bAnimationRunning, 1) << "only presses stop it";
     EXPECT_TRUE(c.events.events.empty());
     EXPECT_FALSE(c.window->HasCapture());
 }
 
-TEST_P(MouseMove, DoesNothingWithoutTheHostsLeave) {
-    const Move& row = GetParam();
+TEST_P(MouseMove, DoesNothingWhileTheHostDoesNotAllowTheMouse) {
+    const MoveRow& row = GetParam();
     for (const int allow : {0, 2, -1}) {
         Prepare();
         c->AllowMouseInteraction(static_cast<std::int16_t>(allow));
@@ -253,16 +139,15 @@ TEST_P(MouseMove, DoesNothingWithoutTheHostsLeave) {
         c->OnMouseMoved(row.flags, kToX, kToY);
         ExpectView(*c, view);
         EXPECT_EQ(c->m_nInteractionMode, row.before.mode);
-        EXPECT_EQ(c->m_nLastMouseX, kFromX);
-        EXPECT_EQ(c->m_nLastMouseY, kFromY);
-        EXPECT_EQ(c.RepaintsAsked(), 0);
+        ExpectLastPoint(kFromX, kFromY);
+        EXPECT_EQ(c.RepaintRequests(), 0);
         EXPECT_TRUE(c.dialog.calls.empty());
     }
 }
-INSTANTIATE_TEST_SUITE_P(Mode, MouseMove, testing::ValuesIn(kMoves),
+INSTANTIATE_TEST_SUITE_P(Modes, MouseMove, testing::ValuesIn(kMoves),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(MouseMoveWhileTracing, TellsTheHostTheNewDirection) {
+TEST(MouseMoveWhileTracing, ReportsTheViewDirectionToTheHost) {
     InputControl c;
     for (const std::int32_t mode : {ModeRotate, ModePan}) {
         c.Set({.mode = mode});
@@ -276,7 +161,7 @@ TEST(MouseMoveWhileTracing, TellsTheHostTheNewDirection) {
 
 // ---- lassos
 
-TEST(LassoMove, PullsTheRubberBand) {
+TEST(LassoMove, MovesTheEndOfTheRubberBand) {
     InputControl c({.mode = ModeLasso});
     c->m_vLassoPoints = {{0.5, 0.5}};
     c->OnMouseMoved(0, 160, 360);
@@ -284,25 +169,25 @@ TEST(LassoMove, PullsTheRubberBand) {
     EXPECT_DOUBLE_EQ(c->m_lassoCursor.y, 0.75);
     EXPECT_EQ(c->m_vLassoPoints.size(), 1u);
     EXPECT_EQ(c.window->eraseInvalidates, 1);
-    EXPECT_EQ(c.RepaintsAsked(), 1);
-    EXPECT_TRUE(c.KeptNoPoint());
+    EXPECT_EQ(c.RepaintRequests(), 1);
+    EXPECT_TRUE(c.LastPointUnchanged());
 }
 
-TEST(LassoMove, OfTheMaskRepaintsInASession) {
+TEST(MaskLassoMove, RepaintsDuringASession) {
     InputControl c;
     for (const std::uint32_t flags : {0u, kLeft}) {
         c.Set({.mode = ModeMaskLasso});
         c->m_pCutSession = std::make_unique<CutSession>();
         c->OnMouseMoved(flags, 160, 360);
         EXPECT_EQ(c.window->eraseInvalidates, 1);
-        EXPECT_EQ(c.RepaintsAsked(), 1);
-        EXPECT_TRUE(c.KeptNoPoint());
+        EXPECT_EQ(c.RepaintRequests(), 1);
+        EXPECT_TRUE(c.LastPointUnchanged());
     }
 }
 
 // ---- the plane
 
-TEST(PlaneHover, HighlightsByCtrlAndForgetsTheLastPick) {
+TEST(PlaneHover, HighlightsThePlaneByCtrlAndClearsThePick) {
     InputControl c;
     for (const bool shown : {false, true}) {
         for (const bool ctrl : {false, true}) {
@@ -313,12 +198,12 @@ TEST(PlaneHover, HighlightsByCtrlAndForgetsTheLastPick) {
             c->OnMouseMoved(ctrl ? kCtrl : 0, kToX, kToY);
             EXPECT_EQ(c->m_clipPlane.m_bHighlighted, ctrl);
             EXPECT_FALSE(c->m_clipPlane.IsPicked());
-            EXPECT_EQ(c.window->refreshes, shown ? 1 : 0) << "the pick was tested anew only where the plane is shown";
+            EXPECT_EQ(c.window->refreshes, shown ? 1 : 0) << "only a visible plane is picked again";
         }
     }
 }
 
-TEST(PlaneDragByMove, BeginsWhereCtrlIsSeenAndEndsWhereItIsGone) {
+TEST(PlaneDragByMove, BeginsWithCtrlDuringADragAndEndsWithoutIt) {
     InputControl c;
     struct Row {
         std::int32_t viewMode, planeMode;
@@ -345,30 +230,29 @@ TEST(PlaneDragByMove, BeginsWhereCtrlIsSeenAndEndsWhereItIsGone) {
     }
 }
 
-// What the scene would do under the same travel, the plane does while the scene stands still.
-TEST(PlaneRotation, TurnsTheNormalAgainstTheShadowFrame) {
+// The plane rotates as the view would by the same travel, while the view does not move.
+TEST(PlaneRotation, RotatesTheNormalAsTheViewWouldRotate) {
     InputControl c({.mode = ModePlaneRotate, .plane = true});
     c->m_clipPlane.SetNormal({0.48, -0.6, 0.64});
     c->m_savedView = c->LiveFrame();
     c->m_nLastMouseX = kFromX, c->m_nLastMouseY = kFromY;
     const ExpectedView live = ExpectedView::Of(*c);
     ExpectedView shadow = live;
-    const Vector normal{0.48, -0.6, 0.64};
+    const Double3 normal{0.48, -0.6, 0.64};
     c->OnMouseMoved(kLeft | kCtrl, kToX, kToY);
     shadow.Rotate(kDx, kDy);
-    // The normal keeps the place that it has in the turned frame's picture: its coordinates there, in the live frame.
-    Vector expected = Plus({}, Inner(normal, shadow.right), live.right);
-    expected = Plus(expected, Inner(normal, shadow.up), live.up);
-    expected = Plus(expected, Inner(normal, shadow.viewer), live.viewer);
-    const Double3 turned = c->m_clipPlane.GetNormal();
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(turned[i], expected[i], 1e-5) << i;
+    // The normal keeps its coordinates in the axes of the screen: read in the rotated frame, set in the live one.
+    const Double3 expected = Dot(normal, shadow.right) * live.right + Dot(normal, shadow.up) * live.up +
+                             Dot(normal, shadow.viewer) * live.viewer;
+    const Double3 rotated = c->m_clipPlane.GetNormal();
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(rotated[i], expected[i], 1e-5) << i;
     ExpectView(*c, live);
     for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(c->m_savedView.wz[i], shadow.viewer[i], 1e-5) << i;
 }
 
 // ---- roll
 
-TEST(RollQuadrantOnAMove, IsThatOfTheLastPointInEveryMode) {
+TEST(RollQuadrantAfterAMove, IsThatOfTheLastPointInEveryMode) {
     InputControl c;
     struct Row {
         std::int32_t lastX, lastY, quadrant;
@@ -389,23 +273,23 @@ TEST(RollQuadrantOnAMove, IsThatOfTheLastPointInEveryMode) {
 
 // ---- wheel
 
-TEST(Wheel, ZoomsByTheSchemeInTheModesThatTakeIt) {
+TEST(Wheel, ZoomsInTheModesThatAllowItWithTheDirectionOfTheScheme) {
     InputControl c;
     constexpr double kNotch = 1.12;
     for (const std::int32_t mode : kAllModes) {
-        const bool takes = mode <= 3 || mode == 6 || mode == 7 || mode == 9;
+        const bool zooms = mode <= 3 || mode == 6 || mode == 7 || mode == 9;
         for (const std::int32_t igd : {0, 1, 2}) {
             for (const std::int32_t delta : {120, -120}) {
                 SCOPED_TRACE(testing::Message() << "mode " << mode << ", scheme " << igd << ", delta " << delta);
                 c.Set({.mode = mode, .igd = igd, .flip = 1});
                 ExpectedView view = ExpectedView::Of(*c);
-                if (takes) view.zoom = (delta > 0) == (igd == 0) ? kNotch : 1 / kNotch;
+                if (zooms) view.zoom = (delta > 0) == (igd == 0) ? kNotch : 1 / kNotch;
                 c->OnMouseWheel(0, delta);
                 ExpectView(*c, view);
-                EXPECT_EQ(c.window->refreshes, takes ? 1 : 0);
+                EXPECT_EQ(c.window->refreshes, zooms ? 1 : 0);
                 EXPECT_EQ(c->m_nInteractionMode, mode);
                 EXPECT_EQ(c->m_bAnimationRunning, 1);
-                EXPECT_TRUE(c.KeptNoPoint());
+                EXPECT_TRUE(c.LastPointUnchanged());
             }
         }
     }
@@ -423,18 +307,18 @@ TEST(Wheel, HalvesOddDeltasTowardsZero) {
         c.Set({});
         c->OnMouseWheel(0, row.delta);
         EXPECT_NEAR(c->m_fZoom, row.zoom, 1e-6) << row.delta;
-        EXPECT_EQ(c.window->refreshes, 1) << row.delta << ": also where the zoom stays";
+        EXPECT_EQ(c.window->refreshes, 1) << row.delta << ": also where the zoom does not change";
     }
 }
 
-TEST(Wheel, IsDeadWithoutTheHostsLeave) {
+TEST(Wheel, DoesNothingWhileTheHostDoesNotAllowTheMouse) {
     InputControl c;
     for (const int allow : {0, 2, -1}) {
         c.Set({});
         c->AllowMouseInteraction(static_cast<std::int16_t>(allow));
         c->OnMouseWheel(0, 120);
         EXPECT_EQ(c->m_fZoom, 1.0f);
-        EXPECT_EQ(c.RepaintsAsked(), 0);
+        EXPECT_EQ(c.RepaintRequests(), 0);
     }
 }
 

@@ -1,5 +1,5 @@
-// What each release does in each interaction mode: the mode that it returns to, the capture, the dialog, the handles of
-// the plane, the repaint.
+// What the release of each button does in each interaction mode: the mode that it returns to, the capture, the dialog,
+// the handles of the plane, the repaint.
 #include "view/InputHelp.h"
 
 namespace {
@@ -8,87 +8,49 @@ constexpr std::int32_t kX = 300, kY = 200;
 
 enum class Effect {
     Nothing,
-    EndsDrag,      ///< back to the saved mode
-    EndsViewDrag,  ///< the same, and the plane is not touched
-    KeepsRight,    ///< the chord's left button: the right one still holds the drag, now rotating
-    ReleasesOnly,  ///< the capture, and a repaint
-    EndsHandle,    ///< back to the saved mode; a handle never had the capture
+    EndsDrag,         ///< back to the saved mode
+    EndsViewDrag,     ///< the same, and the plane is not touched
+    RightContinues,   ///< the left button of a chord: the right one still drags, and rotates now
+    ReleasesCapture,  ///< and repaints
+    EndsHandleDrag,   ///< back to the saved mode; a handle never had the capture
 };
+using enum Effect;
 
-struct Release {
+struct ReleaseRow {
     std::int32_t mode, igd;
-    Effect effect;
+    Effect left, right, middle;
 };
 
-constexpr auto kNothing = Effect::Nothing, kEnds = Effect::EndsDrag;
-
-const Release kLeftReleases[] = {
-    {ModeIdle, 0, Effect::ReleasesOnly},
-    {ModeIdle, 1, Effect::ReleasesOnly},
-    {ModeRotate, 0, kEnds},
-    {ModeRotate, 1, kEnds},
-    {2, 0, kNothing},
-    {ModePan, 0, kEnds},
-    {ModePan, 1, Effect::KeepsRight},
-    {ModePan, 2, kEnds},
-    {ModeLasso, 0, kNothing},
-    {ModeLasso, 1, kNothing},
-    {5, 0, kNothing},
-    {ModeAlignInteractive, 0, kEnds},
-    {ModeAlignInteractive, 1, kEnds},
-    {ModeAlignPickPoints, 0, kEnds},
-    {ModeAlignPickPoints, 1, kEnds},
-    {8, 0, kNothing},
-    {ModePlaneHandle, 0, Effect::EndsHandle},
-    {ModePlaneHandle, 1, Effect::EndsHandle},
-    {ModeMaskLasso, 0, kNothing},
-    {ModePlaneRotate, 0, kEnds},
-    {ModePlaneRotate, 1, kEnds},
-    {ModePlaneMove, 0, kEnds},
-    {ModePlaneMove, 1, Effect::KeepsRight},
-    {ModePlaneMove, 2, kEnds},
-};
-const Release kRightReleases[] = {
-    {ModeIdle, 0, kNothing},
-    {ModeIdle, 1, kNothing},
-    {ModeRotate, 0, kEnds},
-    {ModeRotate, 1, kEnds},
-    {2, 0, kNothing},
-    {ModePan, 0, kEnds},
-    {ModePan, 1, kEnds},
-    {ModeLasso, 0, kNothing},
-    {5, 0, kNothing},
-    {ModeAlignInteractive, 0, kEnds},
-    {ModeAlignInteractive, 1, kEnds},
-    {ModeAlignPickPoints, 0, kEnds},
-    {8, 0, kNothing},
-    {ModePlaneHandle, 0, kNothing},
-    {ModeMaskLasso, 0, kNothing},
-    {ModePlaneRotate, 0, kEnds},
-    {ModePlaneMove, 0, kEnds},
-    {ModePlaneMove, 1, kEnds},
-};
-const Release kMiddleReleases[] = {
-    {ModeIdle, 0, kNothing},
-    {ModeIdle, 1, kNothing},
-    {ModeRotate, 0, Effect::EndsViewDrag},
-    {ModeRotate, 1, Effect::EndsViewDrag},
-    {2, 0, kNothing},
-    {ModePan, 0, kNothing},
-    {ModeLasso, 0, kNothing},
-    {5, 0, kNothing},
-    {ModeAlignInteractive, 0, kNothing},
-    {ModeAlignPickPoints, 0, kNothing},
-    {8, 0, kNothing},
-    {ModePlaneHandle, 0, kNothing},
-    {ModeMaskLasso, 0, kNothing},
-    {ModePlaneRotate, 0, kEnds},
-    {ModePlaneMove, 0, kNothing},
+const ReleaseRow kReleases[] = {
+    {ModeIdle, 0, ReleasesCapture, Nothing, Nothing},
+    {ModeIdle, 1, ReleasesCapture, Nothing, Nothing},
+    {ModeRotate, 0, EndsDrag, EndsDrag, EndsViewDrag},
+    {ModeRotate, 1, EndsDrag, EndsDrag, EndsViewDrag},
+    {2, 0, Nothing, Nothing, Nothing},
+    {ModePan, 0, EndsDrag, EndsDrag, Nothing},
+    {ModePan, 1, RightContinues, EndsDrag, Nothing},
+    {ModePan, 2, EndsDrag, EndsDrag, Nothing},
+    {ModeLasso, 0, Nothing, Nothing, Nothing},
+    {ModeLasso, 1, Nothing, Nothing, Nothing},
+    {5, 0, Nothing, Nothing, Nothing},
+    {ModeAlignInteractive, 0, EndsDrag, EndsDrag, Nothing},
+    {ModeAlignInteractive, 1, EndsDrag, EndsDrag, Nothing},
+    {ModeAlignPickPoints, 0, EndsDrag, EndsDrag, Nothing},
+    {ModeAlignPickPoints, 1, EndsDrag, EndsDrag, Nothing},
+    {8, 0, Nothing, Nothing, Nothing},
+    {ModePlaneHandle, 0, EndsHandleDrag, Nothing, Nothing},
+    {ModePlaneHandle, 1, EndsHandleDrag, Nothing, Nothing},
+    {ModeMaskLasso, 0, Nothing, Nothing, Nothing},
+    {ModePlaneRotate, 0, EndsDrag, EndsDrag, EndsDrag},
+    {ModePlaneRotate, 1, EndsDrag, EndsDrag, EndsDrag},
+    {ModePlaneMove, 0, EndsDrag, EndsDrag, Nothing},
+    {ModePlaneMove, 1, RightContinues, EndsDrag, Nothing},
+    {ModePlaneMove, 2, EndsDrag, EndsDrag, Nothing},
 };
 
-/// In the middle of a drag, with everything set that its end may clear.
+/// During a drag, with everything set that its end may clear.
 struct DraggingControl : InputControl {
-    void Drag(const Release& row, bool hasDialog, bool rolls) {
+    void Drag(const ReleaseRow& row, bool hasDialog, bool rolls) {
         Set({.mode = row.mode, .igd = row.igd, .plane = true, .dialog = hasDialog, .rightPressed = true});
         CKV_ScenePaneCtrl& c = *control;
         window->SetCapture();
@@ -117,7 +79,7 @@ void ExpectStillDragging(const DraggingControl& c, bool rolls) {
     EXPECT_EQ(c->m_bMoving, 1);
     EXPECT_EQ(c->m_bRollRotation, rolls);
     EXPECT_EQ(c->m_bLassoCursor, 1);
-    EXPECT_EQ(c.RepaintsAsked(), 0);
+    EXPECT_EQ(c.RepaintRequests(), 0);
     EXPECT_TRUE(c.dialog.calls.empty());
 }
 
@@ -126,33 +88,33 @@ void ExpectEnded(const DraggingControl& c, bool hasDialog, bool rolls) {
     EXPECT_FALSE(c.window->HasCapture());
     EXPECT_EQ(c->m_bMoving, 0);
     EXPECT_EQ(c->m_bRollRotation, 0);
-    EXPECT_EQ(c->m_bLassoCursor, rolls ? 0 : 1) << "the end of a roll takes the cursor with it";
+    EXPECT_EQ(c->m_bLassoCursor, rolls ? 0 : 1) << "the end of a roll resets the cursor";
     EXPECT_EQ(c.window->refreshes, 1);
-    EXPECT_EQ(c.RepaintsAsked(), 1);
+    EXPECT_EQ(c.RepaintRequests(), 1);
     EXPECT_EQ(c.dialog.calls, hasDialog ? (Calls{"OnRotateEnd 300 200", "OnMoveEnd 300 200"}) : Calls{});
 }
 
-void ExpectEffect(const DraggingControl& c, const Release& row, bool hasDialog, bool rolls, bool ctrl) {
+void ExpectEffect(const DraggingControl& c, std::int32_t mode, Effect effect, bool hasDialog, bool rolls, bool ctrl) {
     const Plane& plane = c->m_clipPlane;
-    switch (row.effect) {
-        case Effect::Nothing:
-            EXPECT_EQ(c->m_nInteractionMode, row.mode);
+    switch (effect) {
+        case Nothing:
+            EXPECT_EQ(c->m_nInteractionMode, mode);
             ExpectStillDragging(c, rolls);
             ExpectUntouchedPlane(plane);
             break;
-        case Effect::EndsDrag:
+        case EndsDrag:
             ExpectEnded(c, hasDialog, rolls);
             ExpectPlane(plane, ctrl);
             break;
-        case Effect::EndsViewDrag:
+        case EndsViewDrag:
             ExpectEnded(c, hasDialog, rolls);
             ExpectUntouchedPlane(plane);
             break;
-        case Effect::KeepsRight:
-            EXPECT_EQ(c->m_nInteractionMode, row.mode == ModePan ? ModeRotate : ModePlaneRotate);
+        case RightContinues:
+            EXPECT_EQ(c->m_nInteractionMode, mode == ModePan ? ModeRotate : ModePlaneRotate);
             ExpectStillDragging(c, rolls);
             break;
-        case Effect::ReleasesOnly:
+        case ReleasesCapture:
             EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
             EXPECT_FALSE(c.window->HasCapture());
             EXPECT_EQ(c->m_bMoving, 1) << "nothing clears it here";
@@ -160,7 +122,7 @@ void ExpectEffect(const DraggingControl& c, const Release& row, bool hasDialog, 
             EXPECT_TRUE(c.dialog.calls.empty());
             ExpectUntouchedPlane(plane);
             break;
-        case Effect::EndsHandle:
+        case EndsHandleDrag:
             EXPECT_EQ(c->m_nInteractionMode, kNoMode);
             EXPECT_TRUE(c.window->HasCapture());
             EXPECT_EQ(c.window->refreshes, 1);
@@ -169,35 +131,34 @@ void ExpectEffect(const DraggingControl& c, const Release& row, bool hasDialog, 
             break;
     }
     EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode) << "only presses write it";
-    EXPECT_TRUE(c.KeptNoPoint());
+    EXPECT_TRUE(c.LastPointUnchanged());
     EXPECT_EQ(c->m_bAnimationRunning, 1) << "only presses stop it";
 }
 
-using Handler = void (CKV_ScenePaneCtrl::*)(std::uint32_t, std::int32_t, std::int32_t);
+class MouseRelease : public testing::TestWithParam<Button> {};
 
-template <std::size_t N>
-void ExpectReleases(const Release (&rows)[N], Handler handler, bool clearsRight) {
+TEST_P(MouseRelease, EndsTheDragOfItsMode) {
+    const Button button = GetParam();
     DraggingControl c;
-    for (const Release& row : rows) {
+    for (const ReleaseRow& row : kReleases) {
+        const Effect effect = button == Button::Left ? row.left : button == Button::Right ? row.right : row.middle;
         for (const bool hasDialog : {false, true}) {
             for (const bool ctrl : {false, true}) {
-                const bool rolls = ctrl;  // any pairing will do: neither knows of the other
-                SCOPED_TRACE(testing::Message() << "mode " << row.mode << ", scheme " << row.igd << ", dialog "
+                const bool rolls = ctrl;  // independent of each other, so one loop varies both
+                SCOPED_TRACE(testing::Message() << "mode " << row.mode << ", igd " << row.igd << ", dialog "
                                                 << hasDialog << ", ctrl " << ctrl);
                 c.Drag(row, hasDialog, rolls);
-                ((*c).*handler)(ctrl ? kCtrl : 0, kX, kY);
-                ExpectEffect(c, row, hasDialog, rolls, ctrl);
-                EXPECT_EQ(c->m_bRightButtonPressed, clearsRight ? 0 : 1);
+                c.Release(button, ctrl ? kCtrl : 0, kX, kY);
+                ExpectEffect(c, row.mode, effect, hasDialog, rolls, ctrl);
+                EXPECT_EQ(c->m_bRightButtonPressed, button == Button::Right ? 0 : 1);
             }
         }
     }
 }
+INSTANTIATE_TEST_SUITE_P(Buttons, MouseRelease, testing::Values(Button::Left, Button::Middle, Button::Right),
+                         [](const auto& row) { return testing::PrintToString(row.param); });
 
-TEST(LeftRelease, EndsWhatItsModeSays) { ExpectReleases(kLeftReleases, &CKV_ScenePaneCtrl::OnLeftUp, false); }
-TEST(RightRelease, EndsWhatItsModeSays) { ExpectReleases(kRightReleases, &CKV_ScenePaneCtrl::OnRightUp, true); }
-TEST(MiddleRelease, EndsWhatItsModeSays) { ExpectReleases(kMiddleReleases, &CKV_ScenePaneCtrl::OnMiddleUp, false); }
-
-TEST(LeftRelease, OfAPlaneChordTakesThePlaneAnew) {
+TEST(LeftRelease, OfAChordOnThePlaneStartsAPlaneRotation) {
     InputControl c({.mode = ModePlaneMove, .igd = 1, .plane = true});
     c->m_clipPlane.m_drag = {};
     c->m_clipPlane.OnPicked(0);
@@ -211,26 +172,22 @@ TEST(LeftRelease, OfAPlaneChordTakesThePlaneAnew) {
     EXPECT_EQ(c->m_clipPlane.m_drag.pressY, kY);
 }
 
-// ---- whole drags
+// ---- press and release
 
 TEST(Release, ReturnsToTheModeBeforeThePress) {
     struct Row {
-        std::int32_t mode;
+        Before before;
         std::uint32_t flags;
     };
-    for (const Row& row : {Row{ModeIdle, 0}, Row{ModeAlignInteractive, 0}, Row{ModeAlignInteractive, kCtrl},
-                           Row{ModeAlignPickPoints, 0}, Row{ModeAlignPickPoints, kCtrl}}) {
-        for (const bool left : {true, false}) {
-            SCOPED_TRACE(testing::Message() << "mode " << row.mode << ", flags " << row.flags << ", left " << left);
-            InputControl c({.mode = row.mode, .dialog = row.mode != ModeIdle});
-            if (left) {
-                c->OnLeftDown(kLeft | row.flags, kX, kY);
-                c->OnLeftUp(row.flags, kX, kY);
-            } else {
-                c->OnRightDown(kRight | row.flags, kX, kY);
-                c->OnRightUp(row.flags, kX, kY);
-            }
-            EXPECT_EQ(c->m_nInteractionMode, row.mode);
+    for (const Row& row : {Row{{}, 0}, Row{Aligning(), 0}, Row{Aligning(), kCtrl}, Row{PickingPoints(), 0},
+                           Row{PickingPoints(), kCtrl}}) {
+        for (const Button button : {Button::Left, Button::Right}) {
+            SCOPED_TRACE(testing::Message() << "mode " << row.before.mode << ", flags " << row.flags << ", "
+                                            << testing::PrintToString(button));
+            InputControl c(row.before);
+            c.Press(button, FlagOf(button) | row.flags, kX, kY);
+            c.Release(button, row.flags, kX, kY);
+            EXPECT_EQ(c->m_nInteractionMode, row.before.mode);
             EXPECT_EQ(c->m_bMoving, 0);
             EXPECT_FALSE(c.window->HasCapture());
         }
@@ -248,7 +205,7 @@ TEST(Release, OfTheOtherButtonEndsARoll) {
     EXPECT_FALSE(c.window->HasCapture());
 }
 
-TEST(Release, InAWrongModeLeavesTheCapture) {
+TEST(Release, InAnotherModeThanThatOfTheDragKeepsTheCapture) {
     InputControl c;
     c->OnLeftDown(kLeft, kX, kY);
     c->m_nInteractionMode = ModeLasso;  // the host started one during the drag
@@ -258,7 +215,7 @@ TEST(Release, InAWrongModeLeavesTheCapture) {
     EXPECT_EQ(c->m_nInteractionMode, ModeLasso);
 }
 
-TEST(Release, WorksWithoutTheHostsLeaveToMove) {
+TEST(Release, EndsADragWhileTheHostDoesNotAllowTheMouse) {
     InputControl c;
     c->AllowMouseInteraction(0);
     const Float3 axis = c->m_fAxisX;
@@ -273,7 +230,7 @@ TEST(Release, WorksWithoutTheHostsLeaveToMove) {
     EXPECT_FALSE(c.window->HasCapture());
 }
 
-TEST(Release, OfAPlainClickInTheDelayedSchemeLeavesTheViewMoving) {
+TEST(Release, OfALeftClickInTheDelayedSchemeKeepsTheMovingFlag) {
     InputControl c({.igd = 1});
     c->OnLeftDown(kLeft, kX, kY);
     c->OnLeftUp(kLeft, kX, kY);
@@ -282,7 +239,7 @@ TEST(Release, OfAPlainClickInTheDelayedSchemeLeavesTheViewMoving) {
     EXPECT_EQ(c->m_bMoving, 1);
 }
 
-TEST(Release, OfAShiftAndLeftPanInTheDelayedSchemeGoesOnRotating) {
+TEST(Release, OfAPanByShiftAndLeftInTheDelayedSchemeContinuesAsARotation) {
     InputControl c({.igd = 1});
     c->OnLeftDown(kLeft | kShift, kX, kY);
     ASSERT_EQ(c->m_nInteractionMode, ModePan);
@@ -294,8 +251,7 @@ TEST(Release, OfAShiftAndLeftPanInTheDelayedSchemeGoesOnRotating) {
     EXPECT_EQ(c->m_nInteractionMode, ModeIdle) << "the next release ends it";
 }
 
-// The plane is hidden while a right drag with Ctrl begins.
-TEST(RightDragWithCtrl, WithoutAPlanePansFromTheSecondMoveOn) {
+TEST(RightDragWithCtrl, WithoutAVisiblePlanePansFromTheSecondMoveOn) {
     InputControl c;
     c->OnRightDown(kRight | kCtrl, kX, kY);
     ASSERT_EQ(c->m_nInteractionMode, ModePlaneMove);
@@ -309,7 +265,7 @@ TEST(RightDragWithCtrl, WithoutAPlanePansFromTheSecondMoveOn) {
 
 // ---- a handle of the plane
 
-TEST(PlaneHandleDrag, KeepsTheNewPlaceByARelease) {
+TEST(PlaneHandleDrag, KeepsTheNewPositionAfterTheRelease) {
     InputControl c({.plane = true});
     c->m_clipPlane.SetCenter({0, 0, 0});
     c->m_clipPlane.SetNormal({1, 0, 0});
@@ -324,7 +280,7 @@ TEST(PlaneHandleDrag, KeepsTheNewPlaceByARelease) {
     EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
 }
 
-TEST(PlaneHandleDrag, GoesBackByEscape) {
+TEST(PlaneHandleDrag, IsUndoneByEscape) {
     for (const std::int32_t flags : {0, 8}) {
         InputControl c({.plane = true});
         c->m_clipPlane.SetCenter({0, 0, 0});

@@ -4,42 +4,22 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <random>
 #include <string>
 
+#include "view/VectorHelp.h"
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;
 constexpr std::int32_t kFar = std::numeric_limits<std::int32_t>::max();
 
-using Double3 = std::array<double, 3>;
-
-Double3 Widened(const Float3& v) { return {v[0], v[1], v[2]}; }
-Float3 Narrowed(const Double3& v) {
-    return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
-}
-double DotOf(const Double3& a, const Double3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
-/// Right-handed, about an axis through the origin.
-Double3 Rodrigues(const Double3& axis, double angle, const Double3& v) {
-    const double length = std::sqrt(DotOf(axis, axis));
-    const Double3 k{axis[0] / length, axis[1] / length, axis[2] / length};
-    const Double3 kxv{k[1] * v[2] - k[2] * v[1], k[2] * v[0] - k[0] * v[2], k[0] * v[1] - k[1] * v[0]};
-    const double along = DotOf(k, v) * (1 - std::cos(angle));
-    Double3 turned;
-    for (std::size_t i = 0; i < 3; ++i) turned[i] = v[i] * std::cos(angle) + kxv[i] * std::sin(angle) + k[i] * along;
-    return turned;
-}
+/// In double precision, then rounded once.
 Float3 Rodrigues(const Float3& axis, double angle, const Float3& v) {
-    return Narrowed(Rodrigues(Widened(axis), angle, Widened(v)));
-}
-
-void ExpectNear(const Float3& got, const Float3& expected, double tolerance, const char* what) {
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(got[i], expected[i], tolerance) << what << ", component " << i;
+    return RoundToFloat3(RotateByRodrigues(ToDouble3(axis), angle, ToDouble3(v)));
 }
 void ExpectSame(const ViewFrame& got, const ViewFrame& expected) {
     EXPECT_EQ(got.wx, expected.wx);
@@ -69,23 +49,23 @@ RotationRule RollRule(std::int32_t quadrant, std::int32_t width, std::int32_t he
 TEST(FreeRotation, TakesTheFrontOfTheSceneAlongWithTheMouse) {
     // The point that faces the viewer, (0, 0, 1), is where the mouse has taken hold.
     for (const std::int32_t mode : {1, 3}) {
-        const ViewFrame right = ComputeRotatedFrame({}, Rule(mode, 300, 300), 10, 0);
+        const ViewFrame right = RotateFrame({}, Rule(mode, 300, 300), 10, 0);
         EXPECT_GT(right.wx[2], 0.1f) << "it moves to the screen's right, mode " << mode;
         EXPECT_EQ(right.wy, (Float3{0, 1, 0}));
     }
     for (const std::int32_t mode : {0, 3}) {
-        const ViewFrame down = ComputeRotatedFrame({}, Rule(mode, 300, 300), 0, 10);
+        const ViewFrame down = RotateFrame({}, Rule(mode, 300, 300), 0, 10);
         EXPECT_LT(down.wy[2], -0.1f) << "it moves towards the screen's bottom, mode " << mode;
         EXPECT_EQ(down.wx, (Float3{1, 0, 0}));
     }
 }
 
 TEST(RotationAboutTheViewingAxis, TurnsThePictureClockwiseWhenTheMouseGoesRightOrUp) {
-    const ViewFrame right = ComputeRotatedFrame({}, Rule(2, 300, 300), 10, 0);
+    const ViewFrame right = RotateFrame({}, Rule(2, 300, 300), 10, 0);
     EXPECT_GT(right.wx[1], 0.1f) << "the top of the picture moves right";
-    const ViewFrame up = ComputeRotatedFrame({}, Rule(2, 300, 300), 0, -10);
+    const ViewFrame up = RotateFrame({}, Rule(2, 300, 300), 0, -10);
     EXPECT_GT(up.wx[1], 0.1f);
-    const ViewFrame down = ComputeRotatedFrame({}, Rule(2, 300, 300), 0, 10);
+    const ViewFrame down = RotateFrame({}, Rule(2, 300, 300), 0, 10);
     EXPECT_LT(down.wx[1], -0.1f) << "the top of the picture moves left";
 }
 
@@ -118,7 +98,7 @@ class TurnByHand : public testing::TestWithParam<HandCase> {};
 
 TEST_P(TurnByHand, LandsOnTheAxes) {
     const HandCase& row = GetParam();
-    const ViewFrame turned = ComputeRotatedFrame({}, Rule(row.mode, row.width, row.height), row.dx, row.dy);
+    const ViewFrame turned = RotateFrame({}, Rule(row.mode, row.width, row.height), row.dx, row.dy);
     ExpectNear(turned.wx, row.wx, 2e-7, "wx");
     ExpectNear(turned.wy, row.wy, 2e-7, "wy");
     ExpectNear(turned.wz, row.wz, 2e-7, "wz");
@@ -149,7 +129,7 @@ TEST(RotationAboutTheHorizontal, IsTheDoublePrecisionTurnRoundedOncePerVector) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double a = -dy * kPi / shape.height;
-        ExpectSame(ComputeRotatedFrame(f, Rule(0, shape.width, shape.height), dx, dy),
+        ExpectSame(RotateFrame(f, Rule(0, shape.width, shape.height), dx, dy),
                    {f.wx, Rodrigues(f.wx, a, f.wy), Rodrigues(f.wx, a, f.wz), f.center});
     });
 }
@@ -158,7 +138,7 @@ TEST(RotationAboutTheVertical, IsTheDoublePrecisionTurnRoundedOncePerVector) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double a = -dx * kPi / shape.width;
-        ExpectSame(ComputeRotatedFrame(f, Rule(1, shape.width, shape.height), dx, dy),
+        ExpectSame(RotateFrame(f, Rule(1, shape.width, shape.height), dx, dy),
                    {Rodrigues(f.wy, a, f.wx), f.wy, Rodrigues(f.wy, a, f.wz), f.center});
     });
 }
@@ -168,7 +148,7 @@ TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionTurnByTheLargerAngleRounde
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double byX = dx * kPi / shape.width, byY = -dy * kPi / shape.height;
         const double a = std::fabs(byY) > std::fabs(byX) ? byY : byX;
-        ExpectSame(ComputeRotatedFrame(f, Rule(2, shape.width, shape.height), dx, dy),
+        ExpectSame(RotateFrame(f, Rule(2, shape.width, shape.height), dx, dy),
                    {Rodrigues(f.wz, a, f.wx), Rodrigues(f.wz, a, f.wy), f.wz, f.center});
     });
 }
@@ -176,17 +156,17 @@ TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionTurnByTheLargerAngleRounde
 TEST(RotationAboutTheViewingAxis, TakesTheTravelWithTheLargerAngleNotTheLongerOne) {
     // 5 of 200 pixels are more of a turn than 10 of 1000.
     const double degrees = -180.0 * 5 / 200;
-    const ViewFrame turned = ComputeRotatedFrame({}, Rule(2, 1000, 200), 10, 5);
+    const ViewFrame turned = RotateFrame({}, Rule(2, 1000, 200), 10, 5);
     EXPECT_NEAR(std::atan2(turned.wx[1], turned.wx[0]) * 180 / kPi, degrees, 1e-5);
     // and 24 of 1000 are less, 26 more.
-    EXPECT_LT(ComputeRotatedFrame({}, Rule(2, 1000, 200), 24, 5).wx[1], 0.0f);
-    EXPECT_GT(ComputeRotatedFrame({}, Rule(2, 1000, 200), 26, 5).wx[1], 0.0f);
+    EXPECT_LT(RotateFrame({}, Rule(2, 1000, 200), 24, 5).wx[1], 0.0f);
+    EXPECT_GT(RotateFrame({}, Rule(2, 1000, 200), 26, 5).wx[1], 0.0f);
 }
 
 TEST(RotationAboutTheViewingAxis, TakesTheTravelToTheSideWhenBothAnglesAreEqual) {
     for (const std::int32_t dy : {10, -10}) {
-        EXPECT_GT(ComputeRotatedFrame({}, Rule(2, 300, 300), 10, dy).wx[1], 0.0f) << dy;
-        EXPECT_LT(ComputeRotatedFrame({}, Rule(2, 300, 300), -10, dy).wx[1], 0.0f) << dy;
+        EXPECT_GT(RotateFrame({}, Rule(2, 300, 300), 10, dy).wx[1], 0.0f) << dy;
+        EXPECT_LT(RotateFrame({}, Rule(2, 300, 300), -10, dy).wx[1], 0.0f) << dy;
     }
 }
 
@@ -221,7 +201,7 @@ ViewFrame FreeInFloats(const ViewFrame& f, const RotationRule& rule, std::int32_
 TEST(FreeRotation, RunsInSinglePrecisionStepByStep) {
     ForAllShapesAndTravels([](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const RotationRule rule = Rule(3, shape.width, shape.height);
-        ExpectSame(ComputeRotatedFrame(ObliqueFrame(), rule, dx, dy), FreeInFloats(ObliqueFrame(), rule, dx, dy));
+        ExpectSame(RotateFrame(ObliqueFrame(), rule, dx, dy), FreeInFloats(ObliqueFrame(), rule, dx, dy));
     });
 }
 
@@ -231,19 +211,21 @@ TEST(FreeRotation, IsATurnAboutTheVerticalAndThenOneAboutTheNewHorizontalThrough
         const RotationRule rule = Rule(3, shape.width, shape.height);
         const double side = std::min(shape.width, shape.height);
         const double x = -dx * kPi / side, y = -dy * kPi / side;
-        const Double3 wx = Rodrigues(Widened(f.wy), x, Widened(f.wx));
-        const auto both = [&](const Float3& v) { return Rodrigues(wx, y, Rodrigues(Widened(f.wy), x, Widened(v))); };
+        const Double3 wx = RotateByRodrigues(ToDouble3(f.wy), x, ToDouble3(f.wx));
+        const auto both = [&](const Float3& v) {
+            return RotateByRodrigues(wx, y, RotateByRodrigues(ToDouble3(f.wy), x, ToDouble3(v)));
+        };
         Double3 center = both(f.center - rule.pivot);
         for (std::size_t i = 0; i < 3; ++i) center[i] += rule.pivot[i];
 
         // The angle in floats is off by about its last place; a long travel in a small window is many turns.
         const double angleError = 4 * 6e-8 * std::max(std::fabs(x), std::fabs(y));
         const double tolerance = 4e-7 + angleError;
-        const ViewFrame turned = ComputeRotatedFrame(f, rule, dx, dy);
-        ExpectNear(turned.wx, Narrowed(wx), tolerance, "wx");
-        ExpectNear(turned.wy, Narrowed(both(f.wy)), tolerance, "wy");
-        ExpectNear(turned.wz, Narrowed(both(f.wz)), tolerance, "wz");
-        ExpectNear(turned.center, Narrowed(center), 40 * tolerance, "the centre is about 40 from the pivot");
+        const ViewFrame turned = RotateFrame(f, rule, dx, dy);
+        ExpectNear(turned.wx, RoundToFloat3(wx), tolerance, "wx");
+        ExpectNear(turned.wy, RoundToFloat3(both(f.wy)), tolerance, "wy");
+        ExpectNear(turned.wz, RoundToFloat3(both(f.wz)), tolerance, "wz");
+        ExpectNear(turned.center, RoundToFloat3(center), 40 * tolerance, "the centre is about 40 from the pivot");
     });
 }
 
@@ -251,21 +233,21 @@ TEST(FreeRotation, CarriesTheCentreAroundThePivot) {
     const ViewFrame frame{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {10, 0, 5}};
     const RotationRule rule{.mode = 3, .width = 100, .height = 300, .pivot = {10, 0, 0}};
     // A quarter turn; what faced the viewer has moved right, so the viewer looks from the left.
-    ExpectNear(ComputeRotatedFrame(frame, rule, 50, 0).center, {5, 0, 0}, 2e-6, "centre");
-    ExpectNear(ComputeRotatedFrame(frame, rule, 0, 50).center, {10, 5, 0}, 2e-6, "centre");
+    ExpectNear(RotateFrame(frame, rule, 50, 0).center, {5, 0, 0}, 2e-6, "centre");
+    ExpectNear(RotateFrame(frame, rule, 0, 50).center, {10, 5, 0}, 2e-6, "centre");
 }
 
 TEST(FreeRotation, LeavesACentreInThePivotWhereItIs) {
     ViewFrame frame = ObliqueFrame();
     const RotationRule rule{.mode = 3, .width = 640, .height = 480, .pivot = frame.center};
-    EXPECT_EQ(ComputeRotatedFrame(frame, rule, 33, -71).center, frame.center);
+    EXPECT_EQ(RotateFrame(frame, rule, 33, -71).center, frame.center);
 }
 
 TEST(FreeRotation, IsWhatEveryOtherModeNumberMeans) {
     const ViewFrame f = ObliqueFrame();
-    const ViewFrame expected = ComputeRotatedFrame(f, Rule(3, 640, 480), 30, -20);
+    const ViewFrame expected = RotateFrame(f, Rule(3, 640, 480), 30, -20);
     for (const std::int32_t mode : {-1, 4, 7, 32767, -32768})
-        ExpectSame(ComputeRotatedFrame(f, Rule(mode, 640, 480), 30, -20), expected);
+        ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 30, -20), expected);
 }
 
 TEST(OneAxisRotations, DoNotMoveTheCentreHoweverFarThePivot) {
@@ -273,10 +255,10 @@ TEST(OneAxisRotations, DoNotMoveTheCentreHoweverFarThePivot) {
     for (const std::int32_t mode : {0, 1, 2}) {
         RotationRule rule = Rule(mode, 640, 480);
         rule.pivot = {1000, -2000, 3000};
-        const ViewFrame turned = ComputeRotatedFrame(frame, rule, 100, 90);
+        const ViewFrame turned = RotateFrame(frame, rule, 100, 90);
         EXPECT_EQ(turned.center, frame.center);
         rule.pivot = {};
-        ExpectSame(turned, ComputeRotatedFrame(frame, rule, 100, 90));
+        ExpectSame(turned, RotateFrame(frame, rule, 100, 90));
     }
 }
 
@@ -294,7 +276,7 @@ const RollCase kRollCases[] = {
 
 TEST(Roll, TurnsByHalfADegreeAPixelWithTheSignOfTheQuadrant) {
     for (const RollCase& row : kRollCases) {
-        const ViewFrame turned = ComputeRotatedFrame({}, RollRule(row.quadrant, 360, 360), row.dx, row.dy);
+        const ViewFrame turned = RotateFrame({}, RollRule(row.quadrant, 360, 360), row.dx, row.dy);
         EXPECT_NEAR(std::atan2(turned.wx[1], turned.wx[0]) * 180 / kPi, row.degrees, 1e-5)
             << "quadrant " << row.quadrant << ", travel " << row.dx << ", " << row.dy;
         EXPECT_EQ(turned.wz, (Float3{0, 0, 1}));
@@ -310,7 +292,7 @@ TEST(Roll, ThePictureFollowsAMouseThatCirclesTheCentre) {
             const std::int32_t y = 400 + static_cast<std::int32_t>(std::lround(kRadius * std::sin(at)));
             const auto dx = static_cast<std::int32_t>(std::lround(-20 * sense * std::sin(at)));
             const auto dy = static_cast<std::int32_t>(std::lround(20 * sense * std::cos(at)));
-            const ViewFrame turned = ComputeRotatedFrame({}, RollRule(RollQuadrant(x, y, 800, 800), 800, 800), dx, dy);
+            const ViewFrame turned = RotateFrame({}, RollRule(RollQuadrant(x, y, 800, 800), 800, 800), dx, dy);
             // The world's point under the mouse, on the screen before and after; its y runs upward.
             const Float3 point{static_cast<float>(x - 400), static_cast<float>(400 - y), 0};
             const double movedX = Dot(point, turned.wx) - point[0], movedY = Dot(point, turned.wy) - point[1];
@@ -322,39 +304,39 @@ TEST(Roll, RunsWhateverTheRotationModeSays) {
     const ViewFrame f = ObliqueFrame();
     for (std::int32_t quadrant = 0; quadrant < 4; ++quadrant) {
         const bool bottom = quadrant >= 2, right = quadrant == 1 || quadrant == 2;
-        const ViewFrame expected = ComputeRotatedFrame(f, Rule(2, 640, 480), bottom ? -31 : 31, right ? -12 : 12);
+        const ViewFrame expected = RotateFrame(f, Rule(2, 640, 480), bottom ? -31 : 31, right ? -12 : 12);
         for (const std::int32_t mode : {0, 1, 2, 3, -4}) {
             RotationRule rule = RollRule(quadrant, 640, 480);
             rule.mode = mode;
-            ExpectSame(ComputeRotatedFrame(f, rule, 31, 12), expected);
+            ExpectSame(RotateFrame(f, rule, 31, 12), expected);
         }
     }
 }
 
 // ---- limits of the travel and the window
 
-TEST(ComputeRotatedFrame, WithoutTravelLeavesTheAxesAsTheyAre) {
+TEST(RotateFrame, WithoutTravelLeavesTheAxesAsTheyAre) {
     const ViewFrame f = ObliqueFrame();
-    for (const std::int32_t mode : {0, 1, 2}) ExpectSame(ComputeRotatedFrame(f, Rule(mode, 640, 480), 0, 0), f);
+    for (const std::int32_t mode : {0, 1, 2}) ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 0, 0), f);
     for (std::int32_t quadrant = 0; quadrant < 4; ++quadrant)
-        ExpectSame(ComputeRotatedFrame(f, RollRule(quadrant, 640, 480), 0, 0), f);
-    const ViewFrame freely = ComputeRotatedFrame(f, Rule(3, 640, 480), 0, 0);
+        ExpectSame(RotateFrame(f, RollRule(quadrant, 640, 480), 0, 0), f);
+    const ViewFrame freely = RotateFrame(f, Rule(3, 640, 480), 0, 0);
     EXPECT_EQ(freely.wx, f.wx);
     EXPECT_EQ(freely.wy, f.wy);
     EXPECT_EQ(freely.wz, f.wz);
     ExpectNear(freely.center, f.center, 1e-5, "the centre goes through the axes and back");
 }
 
-TEST(ComputeRotatedFrame, InAWindowWithoutAreaLeavesTheFrame) {
+TEST(RotateFrame, InAWindowWithoutAreaLeavesTheFrame) {
     const ViewFrame f = ObliqueFrame();
     for (const Shape& shape : {Shape{0, 480}, Shape{640, 0}, Shape{0, 0}, Shape{-1, -1}})
         for (const std::int32_t mode : {0, 1, 2, 3}) {
-            ExpectSame(ComputeRotatedFrame(f, Rule(mode, shape.width, shape.height), 5, 7), f);
-            ExpectSame(ComputeRotatedFrame(f, RollRule(mode, shape.width, shape.height), 5, 7), f);
+            ExpectSame(RotateFrame(f, Rule(mode, shape.width, shape.height), 5, 7), f);
+            ExpectSame(RotateFrame(f, RollRule(mode, shape.width, shape.height), 5, 7), f);
         }
 }
 
-TEST(ComputeRotatedFrame, StaysAFrameForTheLongestTravelThatThereIs) {
+TEST(RotateFrame, StaysAFrameForTheLongestTravelThatThereIs) {
     constexpr std::int32_t kLow = std::numeric_limits<std::int32_t>::min();
     const ViewFrame f = ObliqueFrame();
     const auto expectFrame = [](const ViewFrame& turned) {
@@ -363,8 +345,8 @@ TEST(ComputeRotatedFrame, StaysAFrameForTheLongestTravelThatThereIs) {
     };
     for (const Shape& travel : {Shape{kLow, kLow}, Shape{kFar, kLow}, Shape{kLow, kFar}}) {
         for (const std::int32_t mode : {0, 1, 2, 3})
-            expectFrame(ComputeRotatedFrame(f, Rule(mode, 640, 480), travel.width, travel.height));
-        expectFrame(ComputeRotatedFrame(f, RollRule(2, 640, 480), travel.width, travel.height));
+            expectFrame(RotateFrame(f, Rule(mode, 640, 480), travel.width, travel.height));
+        expectFrame(RotateFrame(f, RollRule(2, 640, 480), travel.width, travel.height));
     }
 }
 
@@ -372,9 +354,9 @@ TEST(ComputeRotatedFrame, StaysAFrameForTheLongestTravelThatThereIs) {
 
 /// The largest departure of the six products of the axes from those of an orthonormal frame.
 double Departure(const ViewFrame& frame) {
-    const Double3 x = Widened(frame.wx), y = Widened(frame.wy), z = Widened(frame.wz);
-    return std::max({std::fabs(DotOf(x, x) - 1), std::fabs(DotOf(y, y) - 1), std::fabs(DotOf(z, z) - 1),
-                     std::fabs(DotOf(x, y)), std::fabs(DotOf(y, z)), std::fabs(DotOf(z, x))});
+    const Double3 x = ToDouble3(frame.wx), y = ToDouble3(frame.wy), z = ToDouble3(frame.wz);
+    return std::max({std::fabs(Dot(x, x) - 1), std::fabs(Dot(y, y) - 1), std::fabs(Dot(z, z) - 1), std::fabs(Dot(x, y)),
+                     std::fabs(Dot(y, z)), std::fabs(Dot(z, x))});
 }
 
 ViewFrame AfterRandomTurns(std::int32_t count, std::uint32_t seed, std::int32_t firstMode, std::int32_t lastMode) {
@@ -383,7 +365,7 @@ ViewFrame AfterRandomTurns(std::int32_t count, std::uint32_t seed, std::int32_t 
     ViewFrame frame = ObliqueFrame();
     for (std::int32_t i = 0; i < count; ++i) {
         const std::int32_t dx = travel(random), dy = travel(random);
-        frame = ComputeRotatedFrame(frame, Rule(mode(random), 800, 600), dx, dy);
+        frame = RotateFrame(frame, Rule(mode(random), 800, 600), dx, dy);
     }
     return frame;
 }
@@ -424,9 +406,9 @@ TEST(RandomSmallTurns, LeaveAFrameThatIsStillAcceptedAsAView) {
 
 TEST(RotationAbout, IsRightHandedAndTakesAnAxisOfAnyLength) {
     for (const float length : {1.0f, 0.001f, 1e6f}) {
-        ExpectNear(TurnedDirection(RotationAbout({0, 0, length}, kPi / 2), {1, 0, 0}), {0, 1, 0}, 1e-7, "x to y");
-        ExpectNear(TurnedDirection(RotationAbout({length, 0, 0}, kPi / 2), {0, 1, 0}), {0, 0, 1}, 1e-7, "y to z");
-        ExpectNear(TurnedDirection(RotationAbout({0, length, 0}, kPi / 2), {0, 0, 1}), {1, 0, 0}, 1e-7, "z to x");
+        ExpectNear(RotateDirection(RotationAbout({0, 0, length}, kPi / 2), {1, 0, 0}), {0, 1, 0}, 1e-7, "x to y");
+        ExpectNear(RotateDirection(RotationAbout({length, 0, 0}, kPi / 2), {0, 1, 0}), {0, 0, 1}, 1e-7, "y to z");
+        ExpectNear(RotateDirection(RotationAbout({0, length, 0}, kPi / 2), {0, 0, 1}), {1, 0, 0}, 1e-7, "z to x");
     }
 }
 

@@ -7,13 +7,11 @@
 #include <cstdint>
 #include <limits>
 
+#include "view/VectorHelp.h"
+
 namespace {
 
 constexpr std::int64_t kSecond = 1'000'000'000;  // ticks
-
-void ExpectNear(const Float3& got, const Float3& expected, double tolerance, const char* what) {
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(got[i], expected[i], tolerance) << what << ", component " << i;
-}
 
 TurntableClock Clock(double start, double last, double now) {
     const auto ticks = [](double seconds) { return static_cast<std::int64_t>(std::llround(seconds * kSecond)); };
@@ -102,37 +100,37 @@ TEST(StepTurntable, FallsShortOfARevolutionByLessThanAFrame) {
 // ---- the turned frame
 
 // The view from the front, (0, -1, 0), to its right; a quarter turn later from the right.
-TEST(TurnedFrame, WalksTheCameraCounterClockwiseAroundTheAxis) {
+TEST(RotateFrameAboutAxis, WalksTheCameraCounterClockwiseAroundTheAxis) {
     const ViewFrame front{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {5, 6, 7}};
-    const ViewFrame turned = TurnedFrame(front, {0, 0, 1}, 0.25f);
+    const ViewFrame turned = RotateFrameAboutAxis(front, {0, 0, 1}, 0.25f);
     ExpectNear(turned.wx, {0, 1, 0}, 1e-7, "wx");
     ExpectNear(turned.wy, {0, 0, 1}, 1e-7, "wy");
     ExpectNear(turned.wz, {1, 0, 0}, 1e-7, "wz");
     EXPECT_EQ(turned.center, front.center);
 }
 
-TEST(TurnedFrame, TurnsBackwardsByNegativeRevolutionsAndNotByNone) {
+TEST(RotateFrameAboutAxis, TurnsBackwardsByNegativeRevolutionsAndNotByNone) {
     const ViewFrame front{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {5, 6, 7}};
-    ExpectNear(TurnedFrame(front, {0, 0, 1}, -0.25f).wx, {0, -1, 0}, 1e-7, "wx");
-    const ViewFrame same = TurnedFrame(front, {0, 0, 1}, 0.0f);
+    ExpectNear(RotateFrameAboutAxis(front, {0, 0, 1}, -0.25f).wx, {0, -1, 0}, 1e-7, "wx");
+    const ViewFrame same = RotateFrameAboutAxis(front, {0, 0, 1}, 0.0f);
     EXPECT_EQ(same.wx, front.wx);
     EXPECT_EQ(same.wy, front.wy);
     EXPECT_EQ(same.wz, front.wz);
 }
 
 // An oblique view keeps its height above the ground: the axis is the world's, not the screen's.
-TEST(TurnedFrame, KeepsWhatEachAxisHasAlongTheTurntablesAxis) {
+TEST(RotateFrameAboutAxis, KeepsWhatEachAxisHasAlongTheTurntablesAxis) {
     const float s = 0.70710678f;
     const ViewFrame oblique{{-s, s, 0}, {-0.5f, -0.5f, s}, {0.5f, 0.5f, s}, {}};
-    const ViewFrame turned = TurnedFrame(oblique, {0, 0, 1}, 0.125f);  // 45 degrees
+    const ViewFrame turned = RotateFrameAboutAxis(oblique, {0, 0, 1}, 0.125f);  // 45 degrees
     ExpectNear(turned.wx, {-1, 0, 0}, 1e-7, "wx");
     ExpectNear(turned.wy, {0, -s, s}, 1e-7, "wy");
     ExpectNear(turned.wz, {0, s, s}, 1e-7, "wz");
 }
 
-TEST(TurnedFrame, TakesAnyAxis) {
-    ExpectNear(TurnedFrame({}, {0, 3, 0}, 0.25f).wx, {0, 0, -1}, 1e-7, "wx about Y");
-    ExpectNear(TurnedFrame({}, {1, 1, 1}, 1.0f / 3).wx, {0, 1, 0}, 3e-7, "a third about the diagonal");
+TEST(RotateFrameAboutAxis, TakesAnyAxis) {
+    ExpectNear(RotateFrameAboutAxis({}, {0, 3, 0}, 0.25f).wx, {0, 0, -1}, 1e-7, "wx about Y");
+    ExpectNear(RotateFrameAboutAxis({}, {1, 1, 1}, 1.0f / 3).wx, {0, 1, 0}, 3e-7, "a third about the diagonal");
 }
 
 }  // namespace

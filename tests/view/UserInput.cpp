@@ -3,13 +3,12 @@
 #include <poll.h>
 
 #include <chrono>
-#include <functional>
 #include <stdexcept>
 #include <vector>
 
 #include "support/XvfbServer.h"
 
-// After the others: their macros take the names of those.
+// After the others: their macros would replace names in those.
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -19,20 +18,11 @@ namespace {
 using Kind = KV_ScenePane::MouseInput::Kind;
 using Clock = std::chrono::steady_clock;
 
-/// Drives the viewer until @p done, for at most ten seconds.
-void PumpUntil(CKV_ScenePaneCtrl& control, const char* what, const std::function<bool()>& done) {
-    const auto deadline = Clock::now() + std::chrono::seconds(10);
-    while (!done()) {
-        if (Clock::now() > deadline) throw std::runtime_error(std::string("the viewer never heard of it: ") + what);
-        pollfd waiting{control.EventDescriptor(), POLLIN, 0};
-        poll(&waiting, 1, 50);
-        control.ProcessEvents();
-    }
-}
-
-/// What the window would tell, made up by hand: a button is among the flags of its press and no more of its release.
-class CallingHands final : public UserInput {
+/// The inputs as a window reports them: a button is in the flags of its press and no longer in those of its release.
+class CallInput final : public UserInput {
 public:
+    CallInput() { HoldDispatchTimer(m_viewer); }
+
     TestControl& Viewer() override { return m_viewer; }
     void MoveTo(int x, int y) override {
         m_nX = x, m_nY = y;
@@ -59,14 +49,9 @@ public:
     void Type(std::int32_t nChar) override {
         for (const bool down : {true, false}) m_viewer->SendKey({.isDown = down, .nChar = nChar});
     }
-    bool OthersCanTakeThePointer() override { return true; }  // it is on no screen
+    bool OthersCanGrabThePointer() override { return true; }  // it is on no screen
 
 private:
-    static std::uint32_t FlagOf(Button button) {
-        return button == Button::Left     ? KV_ScenePane::kMouseLeft
-               : button == Button::Middle ? KV_ScenePane::kMouseMiddle
-                                          : KV_ScenePane::kMouseRight;
-    }
     void Send(Kind kind, int delta = 0) {
         m_viewer->SendMouse({.kind = kind, .flags = m_flags, .x = m_nX, .y = m_nY, .delta = delta});
     }
@@ -80,7 +65,7 @@ private:
     int m_nX = 0, m_nY = 0;
 };
 
-/// A second connection to the server, as that of a user's devices.
+/// A second connection to the server, for the devices of the user.
 struct DisplayConnection {
     DisplayConnection() : display(XOpenDisplay(nullptr)) {
         if (display == nullptr) throw std::runtime_error("no connection to the X server");
@@ -91,10 +76,11 @@ struct DisplayConnection {
     Display* display;
 };
 
-class PointerHands final : public UserInput {
+class PointerInput final : public UserInput {
 public:
-    PointerHands() {
-        m_viewer->PerformRefresh();  // the first frame takes the size of the window
+    PointerInput() {
+        HoldDispatchTimer(m_viewer);
+        m_viewer->PerformRefresh();  // the first frame reads the size of the window
         const Window window = m_viewer->NativeWindow();
         Window child = 0;
         XTranslateCoordinates(m_connection.display, window, DefaultRootWindow(m_connection.display), 0, 0, &m_nLeft,
@@ -107,7 +93,7 @@ public:
         XSetInputFocus(m_connection.display, window, RevertToParent, CurrentTime);
         MoveTo(kWidth / 2 + 1, kHeight / 2 + 1);
     }
-    ~PointerHands() override {
+    ~PointerInput() override {
         for (const unsigned button : m_vButtons) XTestFakeButtonEvent(m_connection.display, button, False, CurrentTime);
         for (const unsigned key : m_vKeys) XTestFakeKeyEvent(m_connection.display, key, False, CurrentTime);
         XSync(m_connection.display, False);
@@ -115,7 +101,7 @@ public:
 
     TestControl& Viewer() override { return m_viewer; }
     void MoveTo(int x, int y) override {
-        if (x == m_nX && y == m_nY) return;  // the server tells of no such move
+        if (x == m_nX && y == m_nY) return;  // the server reports no such move
         m_nX = x, m_nY = y;
         XTestFakeMotionEvent(m_connection.display, -1, m_nLeft + x, m_nTop + y, CurrentTime);
         XSync(m_connection.display, False);
@@ -126,15 +112,20 @@ public:
     }
     void Press(Button button) override {
         Fake(button, true);
-        Hear("press", 1);
+        XSync(m_connection.display, False);
+        WaitForButtons("press", 1);
     }
     void Release(Button button) override {
         Fake(button, false);
-        Hear("release", 1);
+        XSync(m_connection.display, False);
+        WaitForButtons("release", 1);
     }
     void DoubleClick() override {
+        // In one batch: the server stamps all four with its time as it reads them, and half a second between the
+        // presses would make them two clicks.
         for (const bool down : {true, false, true, false}) Fake(Button::Left, down);
-        Hear("double click", 4);
+        XSync(m_connection.display, False);
+        WaitForButtons("double click", 4);
     }
     void Wheel(int notches) override {
         const unsigned button = notches > 0 ? 4 : 5;
@@ -142,7 +133,7 @@ public:
             XTestFakeButtonEvent(m_connection.display, button, True, CurrentTime);
             XTestFakeButtonEvent(m_connection.display, button, False, CurrentTime);
             XSync(m_connection.display, False);
-            Hear("wheel", 1);
+            WaitForButtons("wheel", 1);
         }
     }
     void HoldShift(bool down) override { Hold(XK_Shift_L, down); }
@@ -150,7 +141,7 @@ public:
     void Type(std::int32_t nChar) override {
         for (const bool down : {true, false}) Hold(SymbolOf(nChar), down);
     }
-    bool OthersCanTakeThePointer() override {
+    bool OthersCanGrabThePointer() override {
         Display* const display = m_connection.display;
         const int answer = XGrabPointer(display, DefaultRootWindow(display), False, ButtonPressMask, GrabModeAsync,
                                         GrabModeAsync, None, None, CurrentTime);
@@ -175,7 +166,7 @@ private:
             case 'A':
                 return XK_a;
             default:
-                throw std::invalid_argument("a key that these hands do not know");
+                throw std::invalid_argument("no symbol for this key code");
         }
     }
     void Fake(Button button, bool down) {
@@ -183,18 +174,17 @@ private:
         std::erase(m_vButtons, number);
         if (down) m_vButtons.push_back(number);
         XTestFakeButtonEvent(m_connection.display, number, down, CurrentTime);
-        XSync(m_connection.display, False);
     }
-    /// Waits for so many inputs of the mouse more than at the last call.
-    void Hear(const char* what, std::size_t count) {
+    /// Waits until the viewer has received @p count more inputs of buttons or wheel than at the last call.
+    void WaitForButtons(const char* what, std::size_t count) {
         const std::vector<KV_ScenePane::MouseInput>& heard = m_viewer.window->mouseHeard;
         std::size_t buttons = 0;
         PumpUntil(*m_viewer, what, [&] {
             buttons = 0;
             for (const KV_ScenePane::MouseInput& input : heard) buttons += input.kind != Kind::Move;
-            return buttons >= m_nButtonsHeard + count;
+            return buttons >= m_nButtonsReceived + count;
         });
-        m_nButtonsHeard += count;
+        m_nButtonsReceived += count;
     }
     void Hold(KeySym symbol, bool down) {
         const unsigned key = XKeysymToKeycode(m_connection.display, symbol);
@@ -208,18 +198,34 @@ private:
 
     XvfbServer& m_server = XvfbServer::Shared();
     DisplayConnection m_connection;
-    TestControl m_viewer{PaneWindowRequest::Kind::TopLevel, kWidth, kHeight};
+    TestControl m_viewer{KV_ScenePane::WindowRequest::Kind::TopLevel, kWidth, kHeight};
     int m_nLeft = 0, m_nTop = 0, m_nX = -1, m_nY = -1;
-    std::size_t m_nButtonsHeard = 0;
+    std::size_t m_nButtonsReceived = 0;
     std::vector<unsigned> m_vButtons, m_vKeys;
 };
 
 }  // namespace
 
-void UserInput::WaitForDelivery() {
-    TestControl& viewer = Viewer();
-    PumpUntil(*viewer, "delayed press", [&] { return !viewer->m_mouseDispatch.pending; });
+void PumpUntil(CKV_ScenePaneCtrl& control, const char* what, const std::function<bool()>& done) {
+    const auto deadline = Clock::now() + std::chrono::minutes(1);
+    while (!done()) {
+        if (Clock::now() > deadline) throw std::runtime_error(std::string("not received within a minute: ") + what);
+        pollfd waiting{control.EventDescriptor(), POLLIN, 0};
+        poll(&waiting, 1, 50);
+        control.ProcessEvents();
+    }
 }
 
-std::unique_ptr<UserInput> HandsByCalls() { return std::make_unique<CallingHands>(); }
-std::unique_ptr<UserInput> HandsOnTheRealPointer() { return std::make_unique<PointerHands>(); }
+void HoldDispatchTimer(TestControl& viewer) {
+    constexpr std::uint32_t kDay = 24 * 60 * 60 * 1000;
+    viewer->m_mouseDispatch.delay = kDay;
+}
+
+void EndDispatchDelay(TestControl& viewer) {
+    if (!viewer->m_mouseDispatch.pending) return;
+    viewer.window->PostPrivateMessage(kTimerMessage);
+    PumpUntil(*viewer, "the dispatch of a delayed press", [&] { return !viewer->m_mouseDispatch.pending; });
+}
+
+std::unique_ptr<UserInput> MakeCallInput() { return std::make_unique<CallInput>(); }
+std::unique_ptr<UserInput> MakePointerInput() { return std::make_unique<PointerInput>(); }

@@ -8,13 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "view/VectorHelp.h"
+
 namespace {
 
 constexpr float kS = 0.70710678f;  // half the square root of two
-
-void ExpectNear(const Float3& got, const Float3& expected, float tolerance, const char* what) {
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(got[i], expected[i], tolerance) << what << ", component " << i;
-}
 
 // ---- canned views
 
