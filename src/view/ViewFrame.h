@@ -5,8 +5,8 @@
 #include <optional>
 #include <span>
 
-#include "geometry/Vector3.h"
 #include "geometry/Mesh.h"
+#include "geometry/Vector3.h"
 
 /// World frame: wx to the right of the screen, wy to its top, wz from the scene towards the viewer.
 struct ViewFrame {

@@ -1,5 +1,5 @@
 // What a press of each button does in each interaction mode: the mode that it leads to, the mode that a release will
-// return to, the capture, the start of a drag, the repaints.
+// return to, the capture, the start of a drag, the repaints. And lasso points, and where a press begins a roll.
 #include "view/InputHelp.h"
 
 namespace {
@@ -250,6 +250,130 @@ TEST(SecondRightPress, InAnAlignmentBeginsTheDragAgain) {
     EXPECT_EQ(c->m_nInteractionMode, ModePan);
     EXPECT_EQ(c->m_nSavedInteractionMode, ModeAlignInteractive);
     EXPECT_TRUE(c.BeganDragAt(310, 220));
+}
+
+// ---- lassos
+
+TEST(LassoPress, AddsAPointInFractionsOfTheWindow) {
+    InputControl c({.mode = ModeLasso});
+    c->OnLeftDown(kLeft, 160, 120);
+    c->OnLeftDown(kLeft | kCtrl, 639, 1);
+    ASSERT_EQ(c->m_vLassoPoints.size(), 2u);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[0].x, 0.25);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[0].y, 0.25);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[1].x, 639.0 / 640.0);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[1].y, 1.0 / 480.0);
+    EXPECT_DOUBLE_EQ(c->m_lassoCursor.x, 639.0 / 640.0);
+    EXPECT_DOUBLE_EQ(c->m_lassoCursor.y, 1.0 / 480.0);
+    EXPECT_EQ(c.window->eraseInvalidates, 2);
+    EXPECT_EQ(c.window->refreshes + c.window->invalidates, 0);
+    EXPECT_EQ(c->m_nInteractionMode, ModeLasso);
+    EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode);
+    EXPECT_FALSE(c.window->HasCapture());
+    EXPECT_TRUE(c.LastPointUnchanged());
+    EXPECT_EQ(c->m_bMoving, 0);
+    EXPECT_EQ(c->m_bAnimationRunning, 0);
+}
+
+TEST(MaskLassoPress, StartsASessionWithoutARepaintOrACapture) {
+    InputControl c({.mode = ModeMaskLasso});
+    c->OnLeftDown(kLeft, 160, 120);
+    EXPECT_EQ(c.RepaintRequests(), 0);
+    EXPECT_TRUE(c->m_vLassoPoints.empty()) << "points of the other lasso";
+    EXPECT_EQ(c->m_nInteractionMode, ModeMaskLasso);
+    EXPECT_FALSE(c.window->HasCapture());
+    EXPECT_TRUE(c.LastPointUnchanged());
+}
+
+TEST(MaskLassoPress, DuringASessionRepaintsWithErase) {
+    InputControl c({.mode = ModeMaskLasso});
+    c->m_pCutSession = std::make_unique<CutSession>();
+    c->OnLeftDown(kLeft, 160, 120);
+    EXPECT_EQ(c.window->eraseInvalidates, 1);
+    EXPECT_EQ(c.RepaintRequests(), 1);
+    EXPECT_FALSE(c.window->HasCapture());
+}
+
+TEST(LassoPress, OfTheRightButtonAddsTheLastPoint) {
+    InputControl c({.mode = ModeLasso});
+    c->m_vLassoPoints = {{0.5, 0.5}};
+    c->OnRightDown(kRight, 480, 360);
+    ASSERT_EQ(c->m_vLassoPoints.size(), 2u);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[1].x, 0.75);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[1].y, 0.75);
+    EXPECT_DOUBLE_EQ(c->m_lassoCursor.x, 0.75);
+    EXPECT_EQ(c.window->eraseInvalidates, 1);
+    EXPECT_FALSE(c.window->HasCapture());
+    EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode);
+    EXPECT_EQ(c->m_bRightButtonPressed, 1);
+}
+
+// ---- rolls
+
+struct RollPress {
+    const char* name;
+    std::int32_t x, y;
+    bool roll;
+    std::int32_t quadrant;
+};
+// The centre pixel is (320, 240), the radius 240.
+constexpr RollPress kRollPresses[] = {
+    {"on the circle, left", 80, 240, false, 0},
+    {"just outside it, left", 79, 240, true, 3},
+    {"on the circle, top", 320, 0, false, 0},
+    {"on the circle by 3-4-5", 464, 48, false, 0},
+    {"just outside there", 465, 48, true, 1},
+    {"top left", 20, 20, true, 0},
+    {"top right", 620, 20, true, 1},
+    {"bottom right", 620, 470, true, 2},
+    {"bottom left", 20, 470, true, 3},
+    {"right of the circle, level with the centre", 570, 240, true, 2},
+    {"right of the circle, a pixel above", 570, 239, true, 1},
+};
+
+TEST(PressOutsideTheCircle, BeginsARollInTheQuadrantOfThePress) {
+    InputControl c;
+    for (const RollPress& row : kRollPresses) {
+        SCOPED_TRACE(row.name);
+        c.Set({});
+        c->OnLeftDown(kLeft, row.x, row.y);
+        EXPECT_EQ(c->m_bRollRotation, row.roll);
+        if (row.roll) {
+            EXPECT_EQ(c->m_nRollQuadrant, row.quadrant);
+        }
+    }
+}
+
+TEST(PressOutsideTheCircle, BeginsARollOnlyInModesThatRotate) {
+    struct Row {
+        const char* name;
+        Before before;
+        Button button;
+        std::uint32_t held;
+        bool roll;
+    };
+    const Row rows[] = {
+        {"left", {}, L, 0, true},
+        {"right pans", {}, R, 0, false},
+        {"middle: the mode comes after the drag's start", {}, M, 0, false},
+        {"left, flipped, pans", {.flip = 1}, L, 0, false},
+        {"right, flipped", {.flip = 1}, R, 0, true},
+        {"middle, flipped", {.flip = 1}, M, 0, false},
+        {"left, delayed, does nothing", {.igd = 1}, L, 0, false},
+        {"right, delayed", {.igd = 1}, R, 0, true},
+        {"left with ctrl becomes a plane drag afterwards", {.plane = true}, L, kCtrl, true},
+        {"alignment, left", {.mode = ModeAlignInteractive}, L, 0, true},
+        {"alignment, right", {.mode = ModeAlignInteractive}, R, 0, true},
+        {"alignment, right with ctrl, pans", {.mode = ModeAlignInteractive}, R, kCtrl, false},
+        {"pick points, left", {.mode = ModeAlignPickPoints}, L, 0, false},
+        {"pick points, left with ctrl, rotates", {.mode = ModeAlignPickPoints}, L, kCtrl, true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        InputControl c(row.before);
+        c.Press(row.button, FlagOf(row.button) | row.held, 20, 20);
+        EXPECT_EQ(c->m_bRollRotation, row.roll);
+    }
 }
 
 }  // namespace
