@@ -1,5 +1,5 @@
-// The surface of a grid of blocks: a square where a solid block meets an empty one, with a ring of triangles around
-// holes.
+// The surface of a grid of blocks: one rectangle wherever a solid block meets an empty one. A face with a hole is a
+// ring of triangles between the rectangle and the circle.
 #include "Blocks.h"
 
 #include "Repeatable.h"
@@ -7,10 +7,11 @@
 namespace simulate {
 namespace {
 
-constexpr int kHoleSegments = 64;  // a multiple of 4: every corner of a square serves a quarter of the circle
+constexpr int kHoleSegments = 64;  // a multiple of 4: each corner of a face is joined to a quarter of the circle
 
 using Index = std::array<int, 3>;
 
+/// Collects the triangles of all blocks.
 class SurfaceMaker {
 public:
     explicit SurfaceMaker(const BlockGrid& grid) : m_grid(grid) {}
@@ -26,12 +27,14 @@ public:
 private:
     int Blocks(int axis) const { return static_cast<int>(m_grid.breaks[static_cast<std::size_t>(axis)].size()) - 1; }
 
+    /// The block at a position; an empty one outside the grid.
     Block At(const Index& at) const {
         for (int axis = 0; axis < 3; ++axis)
             if (at[static_cast<std::size_t>(axis)] < 0 || at[static_cast<std::size_t>(axis)] >= Blocks(axis)) return {};
         return m_grid.blockAt(at[0], at[1], at[2]);
     }
 
+    /// Adds the faces of a block to empty neighbours, and the wall of its hole.
     void AddBlock(const Index& at) {
         const Block block = At(at);
         if (!block.solid) return;
@@ -45,29 +48,32 @@ private:
         if (block.holeAxis >= 0) AddHoleWall(at, block.holeAxis, block.holeRadius);
     }
 
-    /// A point of the block: on its lower or upper plane across @p axis, at @p u and @p v along the two axes that
-    /// follow.
+    /// A point with the coordinate @p w along @p axis, @p u along the next axis and @p v along the one after it
+    /// (cyclic).
     static Vec3 Place(int axis, float w, float u, float v) {
         return axis == 0 ? Vec3{w, u, v} : axis == 1 ? Vec3{v, w, u} : Vec3{u, v, w};
     }
 
+    /// Coordinate of the lower (0) or upper (1) bound of a block along an axis, which is counted modulo 3.
     float Plane(const Index& at, int axis, int side) const {
         const auto a = static_cast<std::size_t>(axis % 3);
         const int plane = at[a] + side;
         return m_grid.breaks[a][static_cast<std::size_t>(plane)];
     }
 
+    /// A point of the hole's circle on the lower (0) or upper (1) end, by its segment.
     Vec3 OnHole(const Index& at, int axis, int side, float radius, int segment) const {
         const float u = 0.5f * (Plane(at, axis + 1, 0) + Plane(at, axis + 1, 1));
         const float v = 0.5f * (Plane(at, axis + 2, 0) + Plane(at, axis + 2, 1));
-        // Segment 0 points to the corner of low u and low v, as the first corner of the square does.
+        // Segment 0 is in the direction of the first corner of the face, which has the lower u and the lower v.
         const double turns = 0.625 + (segment % kHoleSegments) / static_cast<double>(kHoleSegments);
         return Place(axis, Plane(at, axis, side), u + radius * static_cast<float>(CosTurns(turns)),
                      v + radius * static_cast<float>(SinTurns(turns)));
     }
 
+    /// @param holeRadius  0 for a face without a hole
     void AddFace(const Index& at, int axis, int side, float holeRadius) {
-        const auto corner = [&](int k) {  // anticlockwise seen from the upper side of the axis
+        const auto corner = [&](int k) {  // counterclockwise, seen against the direction of the axis
             return Place(axis, Plane(at, axis, side), Plane(at, axis + 1, k % 4 == 1 || k % 4 == 2),
                          Plane(at, axis + 2, k % 4 >= 2));
         };
@@ -79,6 +85,7 @@ private:
             add(corner(0), corner(2), corner(3));
             return;
         }
+        // Each corner gets a fan to its quarter of the circle; one triangle per edge of the face joins two fans.
         constexpr int kQuarter = kHoleSegments / 4;
         for (int k = 0; k < 4; ++k) {
             const int middle = k * kQuarter + kQuarter / 2;

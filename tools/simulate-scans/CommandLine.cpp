@@ -1,4 +1,4 @@
-// Options by name, each with its limits; the help text.
+// The options by name, each with its limits, and the help text.
 #include "CommandLine.h"
 
 #include <algorithm>
@@ -28,13 +28,14 @@ Number ParseNumber(std::string_view option, std::string_view text, Number lowest
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     const bool inRange = value >= lowest && value <= highest;  // false for NaN
     if (error != std::errc{} || end != text.data() + text.size() || !inRange)
-        Refuse(option, " takes a number from ", NumberText(lowest), " to ", NumberText(highest), ", not '", text, "'");
+        Refuse(option, " must be a number from ", NumberText(lowest), " to ", NumberText(highest), ", not '", text,
+               "'");
     return value;
 }
 
 void ParseSize(std::string_view text, ScannerSettings* scanner) {
     const std::size_t cross = text.find('x');
-    if (cross == std::string_view::npos) Refuse("--size takes WIDTHxHEIGHT, not '", text, "'");
+    if (cross == std::string_view::npos) Refuse("--size must be WIDTHxHEIGHT, not '", text, "'");
     scanner->width = ParseNumber("--size: the width", text.substr(0, cross), 100, 4096);
     scanner->height = ParseNumber("--size: the height", text.substr(cross + 1), 100, 3072);
 }
@@ -42,7 +43,7 @@ void ParseSize(std::string_view text, ScannerSettings* scanner) {
 FileFormat ParseFormat(std::string_view text) {
     for (const auto& [name, format] : kFormats)
         if (text == name) return format;
-    Refuse("--format takes pcm, pax or xdt, not '", text, "'");
+    Refuse("--format must be pcm, pax or xdt, not '", text, "'");
 }
 
 std::string JoinedShapeNames() {
@@ -54,23 +55,24 @@ std::string JoinedShapeNames() {
 std::string ParseShape(std::string_view text) {
     const auto& names = ShapeNames();
     if (std::find(names.begin(), names.end(), text) == names.end())
-        Refuse("--shape takes one of ", JoinedShapeNames(), ", not '", text, "'");
+        Refuse("--shape must be one of ", JoinedShapeNames(), ", not '", text, "'");
     return std::string(text);
 }
 
 std::string ParsePrefix(std::string_view text) {
-    const auto isFine = [](char c) {
+    const auto isAllowed = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
                c == '.';
     };
-    if (text.empty() || !std::all_of(text.begin(), text.end(), isFine))
-        Refuse("--prefix takes letters, digits and _ - . only, not '", text, "'");
+    if (text.empty() || !std::all_of(text.begin(), text.end(), isAllowed))
+        Refuse("--prefix must have letters, digits and _ - . only, not '", text, "'");
     return std::string(text);
 }
 
-/// An option with a value, and what it does with it.
+/// An option with a value.
 struct ValueOption {
     std::string_view name;
+    /// Checks the value and stores it. @throws UsageError
     void (*apply)(std::string_view name, std::string_view value, Options* options);
 };
 
@@ -92,15 +94,15 @@ constexpr auto kValueOptions = std::to_array<ValueOption>({
     {"--threads", [](auto name, auto value, Options* options) { options->threads = ParseNumber(name, value, 1, 256); }},
     {"--out",
      [](auto name, auto value, Options* options) {
-         if (value.empty()) Refuse(name, " takes a folder");
+         if (value.empty()) Refuse(name, " must be a folder");
          options->folder = value;
      }},
     {"--prefix", [](auto, auto value, Options* options) { options->prefix = ParsePrefix(value); }},
 });
 
-/// Follows the argument at @p at, with its value where it takes one.
-/// @return how many arguments were used
-std::size_t FollowArgument(std::span<const std::string_view> arguments, std::size_t at, Options* options) {
+/// Applies the argument at @p at, with the value that follows it where the option has one.
+/// @return the number of arguments that were used
+std::size_t ApplyArgument(std::span<const std::string_view> arguments, std::size_t at, Options* options) {
     const std::string_view argument = arguments[at];
     if (argument == "--colors") return options->scanner.colors = true, 1;
     if (argument == "--parallel") return options->scanner.parallel = true, 1;
@@ -124,7 +126,7 @@ Options ParseCommandLine(std::span<const std::string_view> arguments) {
         if (argument == "--version") options.version = true;
         if (options.help || options.version) return options;
     }
-    for (std::size_t at = 0; at < arguments.size();) at += FollowArgument(arguments, at, &options);
+    for (std::size_t at = 0; at < arguments.size();) at += ApplyArgument(arguments, at, &options);
     if (options.folder.empty()) Refuse("--out FOLDER is missing");
     if (options.scanner.colors && options.format != FileFormat::Pcm) Refuse("--colors: only pcm can hold colours");
     if (options.prefix.empty()) options.prefix = options.shape;
@@ -139,25 +141,27 @@ const char* NameOf(FileFormat format) {
 
 std::string HelpText() {
     return "Usage: simulate-scans [options] --out FOLDER\n"
-           "Measures an object from poses around it, as a structured-light scanner would, and writes one file a pose\n"
-           "and PREFIX.json with the true transforms.\n"
+           "Simulates a structured-light scanner that measures an object from several poses around it. Writes one "
+           "file\n"
+           "per pose, and PREFIX.json with the settings and the true transforms.\n"
            "\n"
-           "  --out FOLDER       where to write; made when it is not there\n"
+           "  --out FOLDER       folder for the files; it is created if it does not exist\n"
            "  --shape NAME       " +
            JoinedShapeNames() +
            " (bust)\n"
            "  --scans N          number of poses, 1 to 999 (8)\n"
-           "  --size WxH         pixels, 100x100 to 4096x3072 (640x480)\n"
+           "  --size WxH         pixels per scan, 100x100 to 4096x3072 (640x480)\n"
            "  --format FORMAT    pcm, pax or xdt (pcm)\n"
-           "  --noise MM         deviation along the ray (0.02)\n"
-           "  --dropout F        share of the pixels that are lost, 0 to 1 (0.01)\n"
-           "  --max-angle DEG    a surface seen more steeply is not measured, 0 to 89 (75)\n"
+           "  --noise MM         standard deviation along the ray in millimetres, 0 to 10 (0.02)\n"
+           "  --dropout F        fraction of the measured pixels that are removed, 0 to 1 (0.01)\n"
+           "  --max-angle DEG    largest angle between ray and surface normal that is measured, 0 to 89 (75)\n"
            "  --parallel         parallel rays instead of a pinhole camera\n"
-           "  --colors           colours as well; only pcm can hold them\n"
-           "  --seed S           of noise and dropouts (1); the same seed gives the same files\n"
-           "  --threads N        1 to 256 (one a processor); plays no part in the files\n"
-           "  --prefix NAME      of the file names (the shape's name)\n"
-           "  --help, --version\n";
+           "  --colors           write colours too; pcm only\n"
+           "  --seed S           seed of noise and dropouts (1); the same seed gives the same files\n"
+           "  --threads N        1 to 256 (one per processor); the files do not depend on it\n"
+           "  --prefix NAME      start of the file names (the name of the shape)\n"
+           "  --help, --version  print this text, or the version\n"
+           "Default values are in parentheses.\n";
 }
 
 }  // namespace simulate

@@ -1,4 +1,4 @@
-// What simulate-scans was asked to do.
+// The command line of simulate-scans.
 #pragma once
 #include <cstdint>
 #include <filesystem>
@@ -13,26 +13,29 @@
 
 namespace simulate {
 
+/// All options, with their defaults.
 struct Options {
     std::string shape = "bust";
     int scans = 8;
     FileFormat format = FileFormat::Pcm;
-    int threads = 0;  ///< 0: one a processor
+    int threads = 0;  ///< 0: one per processor
     std::filesystem::path folder;
-    std::string prefix;  ///< of the file names
+    std::string prefix;  ///< start of the file names
     ScannerSettings scanner;
-    bool help = false, version = false;  ///< then nothing else was looked at
+    bool help = false, version = false;  ///< the other options were not read then
 };
 
-/// A command line that cannot be followed; the text is one line.
+/// Thrown for a wrong command line; what() is one line in plain English.
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// @param arguments  without the program's name
+/// Reads and checks all arguments.
+/// @param arguments  without the name of the program
 /// @throws UsageError
 [[nodiscard]] Options ParseCommandLine(std::span<const std::string_view> arguments);
 
+/// The text of --help.
 [[nodiscard]] std::string HelpText();
 
 /// "pcm", "pax" or "xdt"

@@ -1,4 +1,4 @@
-// JSON by hand: little enough to need no library.
+// Writes the JSON text directly: it is too short to need a library.
 #include "Description.h"
 
 #include <cstdint>
@@ -17,7 +17,7 @@ std::string DescribeScan(const WrittenScan& scan) {
 
 }  // namespace
 
-// Names of shapes, formats and files hold nothing that JSON would want escaped: ParseCommandLine() saw to that.
+// No name needs escaping in JSON: ParseCommandLine() refuses such characters.
 std::string DescribeScans(const Options& options, const std::vector<WrittenScan>& scans) {
     const ScannerSettings& scanner = options.scanner;
     std::string text = "{\n";

@@ -1,4 +1,4 @@
-// By to_chars, which knows no locale.
+// By std::to_chars, which ignores the locale.
 #include "NumberText.h"
 
 #include <array>

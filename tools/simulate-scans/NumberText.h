@@ -1,4 +1,4 @@
-// Numbers as text: the shortest that reads back to the same number, whatever the locale.
+// Numbers as text: the shortest text that gives the same number when it is read. Independent of the locale.
 #pragma once
 #include <cstdint>
 #include <string>

@@ -1,4 +1,5 @@
-// Watertight triangle test, the tree by the surface area heuristic over 16 bins, and the walk through it.
+// The watertight triangle test, the construction of the tree by the surface area heuristic (Wald, "On fast Construction
+// of SAH-based Bounding Volume Hierarchies", 2007) over 16 bins, and its traversal.
 #include "RayCaster.h"
 
 #include <algorithm>
@@ -9,10 +10,10 @@
 namespace simulate {
 namespace {
 
-constexpr std::uint32_t kLeafSize = 4;
+constexpr std::uint32_t kLeafSize = 4;  // triangles; larger sets are always split
 constexpr int kBins = 16;
-constexpr int kStackSize = 64;    // the walk's; the tree is kept below this depth
-constexpr int kMedianDepth = 32;  // from here on halves by count: deeper than any even tree of 2^31 triangles needs
+constexpr int kStackSize = 64;    // of the traversal; the tree is less deep
+constexpr int kMedianDepth = 32;  // from this depth on the median is split, so that at most 31 further levels follow
 
 }  // namespace
 
@@ -28,18 +29,18 @@ TriangleTest::TriangleTest(const Ray& ray) : m_origin(ray.origin) {
 }
 
 bool TriangleTest::Hits(Vec3 a, Vec3 b, Vec3 c, float* distance) const {
-    // Into the ray's own frame, in which it is the last axis.
+    // Translate and shear so that the ray is the last axis.
     a = a - m_origin;
     b = b - m_origin;
     c = c - m_origin;
     const float ax = a[m_iX] - m_fShearX * a[m_iZ], ay = a[m_iY] - m_fShearY * a[m_iZ];
     const float bx = b[m_iX] - m_fShearX * b[m_iZ], by = b[m_iY] - m_fShearY * b[m_iZ];
     const float cx = c[m_iX] - m_fShearX * c[m_iZ], cy = c[m_iY] - m_fShearY * c[m_iZ];
-    // Which side of each edge the ray passes on.
+    // Edge functions: the sign of each is the side of the edge on which the ray passes.
     float u = cx * by - cy * bx, v = ax * cy - ay * cx, w = bx * ay - by * ax;
     if (u == 0 || v == 0 || w == 0) {
-        // On an edge, or rounded to it: products of floats are exact in double, so that both neighbours see the same
-        // sign.
+        // On an edge, or rounded to it. Products of floats are exact in double precision, so that both triangles at the
+        // edge get consistent signs.
         const auto cross = [](double px, double py, double qx, double qy) {
             return static_cast<float>(px * qy - py * qx);
         };
@@ -49,7 +50,7 @@ bool TriangleTest::Hits(Vec3 a, Vec3 b, Vec3 c, float* distance) const {
     }
     if ((u < 0 || v < 0 || w < 0) && (u > 0 || v > 0 || w > 0)) return false;
     const float area = u + v + w;
-    if (area == 0) return false;  // seen edge-on
+    if (area == 0) return false;  // the ray is in the plane of the triangle
     const float t = m_fScaleZ * (u * a[m_iZ] + v * b[m_iZ] + w * c[m_iZ]) / area;
     if (!(t > 0)) return false;
     *distance = t;
@@ -145,8 +146,9 @@ private:
         }
     }
 
-    /// Where to part the items; @p begin when they are better left together or cannot be told apart.
-    std::uint32_t Part(std::uint32_t begin, std::uint32_t end, const Box& box, int depth) {
+    /// Splits the items of a node in two sets.
+    /// @return the first item of the right set; @p begin when a leaf is cheaper
+    std::uint32_t PartitionItems(std::uint32_t begin, std::uint32_t end, const Box& box, int depth) {
         float lower[3], upper[3];
         int widest = 0;
         for (int axis = 0; axis < 3; ++axis) {
@@ -169,7 +171,7 @@ private:
                              });
             return middle;
         }
-        // A step down costs about as much as a triangle.
+        // The cost of one more level is about that of one triangle test.
         const float area = HalfArea(box), count = static_cast<float>(end - begin);
         if (end - begin <= kLeafSize && best.cost + area >= area * count) return begin;
         const auto middle = std::partition(m_vItems.begin() + begin, m_vItems.begin() + end, [&](const Item& item) {
@@ -183,7 +185,7 @@ private:
         for (std::uint32_t i = begin; i < end; ++i) Widen(box, m_vItems[i].box);
         m_out.m_vNodes[node] = {box, begin, end - begin};
         if (end - begin <= 1) return;
-        const std::uint32_t middle = Part(begin, end, box, depth);
+        const std::uint32_t middle = PartitionItems(begin, end, box, depth);
         if (middle == begin) return;
         const auto left = static_cast<std::uint32_t>(m_out.m_vNodes.size());
         m_out.m_vNodes.resize(left + 2);
@@ -208,11 +210,11 @@ RayCaster::RayCaster(const TriangleMesh& mesh) {
     Builder(mesh, *this);
 }
 
-/// One ray's way through the boxes. Each box is widened by more than the rounding of the triangle test, so that a
-/// triangle that would be hit is never missed for its box.
-class RayCaster::Walk {
+/// A ray prepared for tests against many boxes. Each box is enlarged by more than the rounding error of the triangle
+/// test, so that no triangle that would be hit is missed because of its box.
+class RayCaster::BoxTest {
 public:
-    Walk(const Ray& ray, float extent) {
+    BoxTest(const Ray& ray, float extent) {
         const Vec3 o = ray.origin;
         const float pad = 2e-6f * (extent + std::max({std::fabs(o.x), std::fabs(o.y), std::fabs(o.z)}));
         for (int axis = 0; axis < 3; ++axis) {
@@ -224,7 +226,9 @@ public:
         }
     }
 
-    /// Whether the ray meets the box before @p limit, and where it enters.
+    /// Slab test.
+    /// @param entry  receives the distance at which the ray enters the box
+    /// @return whether it does so before @p limit
     bool Enters(const Box& box, float limit, float* entry) const {
         float first = 0, last = limit;
         for (int axis = 0; axis < 3; ++axis) {
@@ -232,7 +236,7 @@ public:
             const float far = m_bBackward[axis] ? box.lower[axis] : box.upper[axis];
             const float enter = (near - m_fNearOrigin[axis]) * m_fInverse[axis];
             const float leave = (far - m_fFarOrigin[axis]) * m_fInverse[axis];
-            // A ray along the plane gives 0 times infinity: such a comparison is false and narrows nothing.
+            // A ray in the plane of a side gives 0 times infinity, NaN: the comparison is false, and nothing changes.
             first = enter > first ? enter : first;
             last = leave < last ? leave : last;
         }
@@ -249,7 +253,8 @@ Hit RayCaster::Nearest(const Ray& ray) const {
     Hit best;
     best.distance = std::numeric_limits<float>::infinity();
     const TriangleTest test(ray);
-    const Walk walk(ray, m_fExtent);
+    const BoxTest boxTest(ray, m_fExtent);
+    // Depth first, the nearer child first; the other child waits on the stack with the distance of its entry.
     struct Waiting {
         std::uint32_t node;
         float entry;
@@ -257,7 +262,7 @@ Hit RayCaster::Nearest(const Ray& ray) const {
     Waiting stack[kStackSize];
     int waiting = 0;
     float entry = 0;
-    if (walk.Enters(m_vNodes[0].box, best.distance, &entry)) stack[waiting++] = {0, entry};
+    if (boxTest.Enters(m_vNodes[0].box, best.distance, &entry)) stack[waiting++] = {0, entry};
     while (waiting > 0) {
         const Waiting next = stack[--waiting];
         if (next.entry > best.distance) continue;
@@ -265,8 +270,8 @@ Hit RayCaster::Nearest(const Ray& ray) const {
         while (node->count == 0) {
             const std::uint32_t left = node->first;
             float leftEntry = 0, rightEntry = 0;
-            const bool inLeft = walk.Enters(m_vNodes[left].box, best.distance, &leftEntry);
-            const bool inRight = walk.Enters(m_vNodes[left + 1].box, best.distance, &rightEntry);
+            const bool inLeft = boxTest.Enters(m_vNodes[left].box, best.distance, &leftEntry);
+            const bool inRight = boxTest.Enters(m_vNodes[left + 1].box, best.distance, &rightEntry);
             if (!inLeft && !inRight) break;
             const bool leftFirst = inLeft && (!inRight || leftEntry <= rightEntry);
             if (inLeft && inRight)

@@ -1,4 +1,4 @@
-// The nearest triangle along a ray, found through a tree of boxes.
+// Finds the nearest triangle along a ray by a bounding volume hierarchy.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -8,36 +8,40 @@
 
 namespace simulate {
 
+/// A half-line from its origin, millimetres.
 struct Ray {
-    Vec3 origin, direction;  ///< the direction need not be of unit length, but not zero
+    Vec3 origin, direction;  ///< the direction may have any length but 0
 };
 
+/// The result of a ray.
 struct Hit {
-    float distance = 0;          ///< in lengths of the ray's direction
-    std::int32_t triangle = -1;  ///< position in the mesh, -1 for a miss
+    float distance = 0;          ///< from the origin, in units of the length of the direction
+    std::int32_t triangle = -1;  ///< index in the mesh; -1 when nothing was hit
     [[nodiscard]] bool IsHit() const { return triangle >= 0; }
 };
 
-/// A ray made ready for many triangles, after Woop, Benthin and Wald, "Watertight Ray/Triangle Intersection", 2013: no
-/// ray slips between two triangles that share an edge or a corner.
+/// A ray prepared for tests against many triangles, by Woop, Benthin and Wald, "Watertight Ray/Triangle Intersection",
+/// 2013: a ray never passes between two triangles that share an edge or a corner.
 class TriangleTest {
 public:
     explicit TriangleTest(const Ray& ray);
-    /// Whether the triangle is hit, from either side, at a distance above 0; then stores the distance.
+    /// @param distance  receives the distance of a hit; unchanged otherwise
+    /// @return whether the ray hits the triangle, from either side, at a distance above 0
     bool Hits(Vec3 a, Vec3 b, Vec3 c, float* distance) const;
 
 private:
     Vec3 m_origin;
-    int m_iX, m_iY, m_iZ;  // the axes, turned so that the ray runs mainly along the last
-    float m_fShearX, m_fShearY, m_fScaleZ;
+    int m_iX, m_iY, m_iZ;                   // permutation of the axes: the direction is largest along the last one
+    float m_fShearX, m_fShearY, m_fScaleZ;  // map the direction to (0, 0, 1)
 };
 
-/// Triangles in a tree of boxes. Any number of threads may cast rays at once.
+/// The triangles of a mesh in a binary tree of boxes. Building it is O(n log n), a ray about O(log n). Any number of
+/// threads can cast rays at the same time.
 class RayCaster {
 public:
     explicit RayCaster(const TriangleMesh& mesh);
 
-    /// @return of several triangles at the same distance the first of the mesh
+    /// @return the nearest hit; of several triangles at the same distance the first one of the mesh
     [[nodiscard]] Hit Nearest(const Ray& ray) const;
     /// Unit normal of a triangle, outwards.
     [[nodiscard]] Vec3 Normal(std::int32_t triangle) const { return m_vNormals[static_cast<std::size_t>(triangle)]; }
@@ -48,15 +52,16 @@ private:
     };
     struct Node {
         Box box;
-        std::uint32_t first;  ///< the left child, its sibling behind it; in a leaf the first of its triangles
-        std::uint32_t count;  ///< triangles in a leaf, 0 in an inner node
+        std::uint32_t
+            first;  ///< in an inner node its left child, followed by the right one; in a leaf its first triangle
+        std::uint32_t count;  ///< number of triangles of a leaf; 0 in an inner node
     };
     struct LeafTriangle {
         Vec3 a, b, c;
-        std::int32_t index;
+        std::int32_t index;  ///< in the mesh
     };
     class Builder;
-    class Walk;
+    class BoxTest;
 
     std::vector<Node> m_vNodes;
     std::vector<LeafTriangle> m_vTriangles;

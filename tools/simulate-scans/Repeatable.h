@@ -1,5 +1,5 @@
-// Random numbers and sines that come out the same, to the bit, on every machine: the ones of the standard libraries
-// differ between versions and processors, and a seed must name one set of files.
+// Random numbers and sines with the same bits on every machine. Those of the standard libraries differ between versions
+// and processors, but one seed must always give the same files.
 #pragma once
 #include <cstdint>
 
@@ -9,17 +9,19 @@ namespace simulate {
 [[nodiscard]] double SinTurns(double turns);
 [[nodiscard]] double CosTurns(double turns);
 
-/// A stream of random numbers (splitmix64). Cheap to start, so that every pixel has one of its own and the order in
-/// which threads reach the pixels plays no part.
+/// A stream of random numbers (splitmix64). Its start is cheap, so that each pixel has its own stream and the result
+/// does not depend on the order in which threads process the pixels.
 class RandomStream {
 public:
     RandomStream(std::uint64_t seed, std::uint64_t scan, std::uint64_t pixel)
         : m_nState(Mix(Mix(Mix(seed) + scan) + pixel)) {}
 
+    /// 64 uniform bits.
     std::uint64_t Next() { return Mix(m_nState += 0x9E3779B97F4A7C15u); }
-    /// 0 included, 1 not
+    /// Uniform in [0, 1).
     float Uniform() { return static_cast<float>(Next() >> 40) * 0x1p-24f; }
-    /// Mean 0, deviation 1, by the sum of twelve uniform numbers: never beyond 6
+    /// Approximately normal with mean 0 and standard deviation 1: the sum of twelve uniform numbers minus 6, which is
+    /// never outside -6 to 6.
     float Gaussian() {
         std::uint32_t sum = 0;
         for (int word = 0; word < 3; ++word) {

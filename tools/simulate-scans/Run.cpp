@@ -1,4 +1,4 @@
-// One scan after the other, all threads on the same one: only one grid is in memory at a time.
+// Computes one scan after the other, with all threads on the same one, so that only one grid is in memory at a time.
 #include "Run.h"
 
 #include <algorithm>
@@ -20,12 +20,14 @@
 namespace simulate {
 namespace {
 
+/// PREFIX_001.pcm and so on.
 std::string FileName(const Options& options, int number) {
     std::string digits = std::to_string(number);
     digits.insert(0, 3 - std::min<std::size_t>(3, digits.size()), '0');
     return options.prefix + "_" + digits + "." + NameOf(options.format);
 }
 
+/// Writes all scans, then the description, then prints the throughput.
 void SimulateScans(Options options, std::ostream& output) {
     using Clock = std::chrono::steady_clock;
     ScannerSettings& scanner = options.scanner;

@@ -1,4 +1,4 @@
-// The whole program but for its main(): what to do with a command line.
+// The program without its main(), so that tests can call it.
 #pragma once
 #include <iosfwd>
 #include <span>
@@ -6,8 +6,11 @@
 
 namespace simulate {
 
-/// @param arguments  without the program's name
-/// @return the exit status: 0 done, 1 failed, 2 wrong usage; the reason of a failure is one line on @p errors
+/// Runs the program.
+/// @param arguments  without the name of the program
+/// @param output     receives the names of the files, or the text of --help and --version
+/// @param errors     receives the reason of a failure, one line
+/// @return the exit status: 0 success, 1 failure, 2 wrong command line
 int Run(std::span<const std::string_view> arguments, std::ostream& output, std::ostream& errors);
 
 }  // namespace simulate

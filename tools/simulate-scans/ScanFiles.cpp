@@ -1,4 +1,4 @@
-// The pax and xdt writers, and the way into the pcm writer.
+// The writers of pax and xdt files, and the call of the pcm writer.
 #include "ScanFiles.h"
 
 #include <bit>
@@ -13,23 +13,23 @@
 namespace simulate {
 namespace {
 
-constexpr float kMicrometres = 1000.0f;  // in a millimetre
+constexpr float kMicrometresPerMillimetre = 1000.0f;
 
-/// Puts numbers into bytes, and the bytes into a file in pieces.
+/// Writes little-endian numbers to a file, buffered.
 class LittleEndianFile {
 public:
     explicit LittleEndianFile(const std::filesystem::path& path) : m_file(path.string()) {
-        m_vBytes.reserve(kPieceBytes + 8);
+        m_vBytes.reserve(kBufferSize + 8);
     }
     void Put16(int value) {
         Put8(static_cast<std::uint32_t>(value));
         Put8(static_cast<std::uint32_t>(value) >> 8);
-        FlushFullPiece();
+        FlushFullBuffer();
     }
     void PutFloat(float value) {
         const auto bits = std::bit_cast<std::uint32_t>(value);
         for (int shift = 0; shift < 32; shift += 8) Put8(bits >> shift);
-        FlushFullPiece();
+        FlushFullBuffer();
     }
     void PutFloats(std::span<const float> values) {
         for (const float value : values) PutFloat(value);
@@ -45,11 +45,11 @@ public:
     }
 
 private:
-    static constexpr std::size_t kPieceBytes = 1 << 20;
+    static constexpr std::size_t kBufferSize = 1 << 20;
 
     void Put8(std::uint32_t value) { m_vBytes.push_back(static_cast<std::uint8_t>(value & 0xFFu)); }
-    void FlushFullPiece() {
-        if (m_vBytes.size() >= kPieceBytes) Flush();
+    void FlushFullBuffer() {
+        if (m_vBytes.size() >= kBufferSize) Flush();
     }
     void Flush() {
         m_file.WriteAt(m_nWritten, m_vBytes.data(), m_vBytes.size());
@@ -62,6 +62,7 @@ private:
     std::uint64_t m_nWritten = 0;
 };
 
+/// Width, height (2 bytes each), points, confidence, transform.
 void WritePax(const std::filesystem::path& path, const ScanGrid& grid) {
     LittleEndianFile file(path);
     file.Put16(grid.width);
@@ -72,12 +73,14 @@ void WritePax(const std::filesystem::path& path, const ScanGrid& grid) {
     file.Commit();
 }
 
+/// The point of a pixel in the frame and unit of xdt files.
 Vec3 XdtPoint(const ScanGrid& grid, std::size_t pixel) {
     if (!grid.IsMeasured(pixel)) return {-1, -1, -1};
     const float* p = &grid.points[3 * pixel];
-    return AvoidXdtHole(TransformPoint(grid.toWorld, {p[0], p[1], p[2]}) * kMicrometres);
+    return AvoidXdtHole(TransformPoint(grid.toWorld, {p[0], p[1], p[2]}) * kMicrometresPerMillimetre);
 }
 
+/// Width, height (2 bytes each), points.
 void WriteXdt(const std::filesystem::path& path, const ScanGrid& grid) {
     LittleEndianFile file(path);
     file.Put16(grid.width);
@@ -87,8 +90,9 @@ void WriteXdt(const std::filesystem::path& path, const ScanGrid& grid) {
 }
 
 void WritePcm(const std::filesystem::path& path, ScanGrid&& grid) {
-    for (float& coordinate : grid.points) coordinate *= kMicrometres;
-    for (const std::size_t element : {3, 7, 11}) grid.toWorld[element] *= kMicrometres;
+    for (float& coordinate : grid.points) coordinate *= kMicrometresPerMillimetre;
+    // The translation of the transform has a unit too.
+    for (const std::size_t element : {3, 7, 11}) grid.toWorld[element] *= kMicrometresPerMillimetre;
     MsrStorage::PcmView view;
     view.m_iWidth = grid.width;
     view.m_iHeight = grid.height;

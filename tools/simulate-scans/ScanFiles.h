@@ -1,4 +1,4 @@
-// Measurements as files. All are little-endian on every machine.
+// Writes scans as measurement files. All formats are little-endian on every machine.
 #pragma once
 #include <cstdint>
 #include <filesystem>
@@ -8,20 +8,20 @@
 
 namespace simulate {
 
-/// Pcm: everything, micrometres, sensor frame with its transform. Pax: points, confidence and transform, millimetres,
-/// sensor frame. Xdt: points alone, micrometres, world frame; a pixel that was not measured is -1 three times.
+/// Pcm: all arrays, micrometres, sensor frame, with the transform. Pax: points, confidence and transform, millimetres,
+/// sensor frame. Xdt: points only, micrometres, world frame; a pixel that was not measured is (-1, -1, -1).
 enum class FileFormat { Pcm, Pax, Xdt };
 
-/// Writes a measurement; a file with the wanted name is always whole.
-/// @param grid  is used up: the pcm format rescales it in place instead of copying it
-/// @throws std::runtime_error (what failed, and the system's reason); the old file is whole then
+/// Writes a scan. The file is replaced as a whole (base/AtomicFile.h).
+/// @param grid  its content is undefined afterwards: pcm converts the units in place instead of copying the grid
+/// @throws std::runtime_error with the failed step and the system's reason; the old file is unchanged then
 void WriteScan(const std::filesystem::path& path, FileFormat format, ScanGrid&& grid);
 
-/// Moves a measured point (micrometres) by the smallest step when its coordinates are equal and negative, the mark of a
-/// pixel that was not measured.
+/// Moves a measured point (micrometres) by the smallest possible step when its three coordinates are equal and
+/// negative: readers regard such a point as not measured.
 [[nodiscard]] Vec3 AvoidXdtHole(Vec3 point);
 
-/// Writes a text in the same way.
+/// Writes a text file in the same way.
 void WriteText(const std::filesystem::path& path, std::string_view text);
 
 }  // namespace simulate

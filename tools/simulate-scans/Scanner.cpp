@@ -1,4 +1,4 @@
-// Poses, rays, and what becomes of a hit: noise, dropouts, confidence, class and colour.
+// Poses, rays, and the values of a pixel: noise, dropouts, confidence, class and colour.
 #include "Scanner.h"
 
 #include <algorithm>
@@ -11,14 +11,14 @@
 namespace simulate {
 namespace {
 
-/// 0 to 5: the axis that the normal follows most, and its side.
+/// @return 2 * axis + side, for the axis along which the normal has its largest component; side 1 is positive
 int SideOf(Vec3 normal) {
     const float ax = std::fabs(normal.x), ay = std::fabs(normal.y), az = std::fabs(normal.z);
     const int axis = ax >= ay && ax >= az ? 0 : ay >= az ? 1 : 2;
     return 2 * axis + (normal[axis] > 0 ? 1 : 0);
 }
 
-/// Painted in squares of 10 mm, each side of the object in a tone of its own.
+/// A checkerboard of cubes of 10 mm, with another hue for each side of the object.
 std::uint32_t PaintAt(Vec3 world, int side) {
     static constexpr std::uint32_t kLight[6] = {0xFFE0B070, 0xFFD08080, 0xFF90C080, 0xFFA0D0C0, 0xFF8090D0, 0xFFE0D0B8};
     const auto cell = [](float value) { return static_cast<int>(std::floor(value * 0.1f)); };
@@ -27,6 +27,7 @@ std::uint32_t PaintAt(Vec3 world, int side) {
     return 0xFF000000u | ((light >> 1) & 0x7F7F7Fu);
 }
 
+/// Fills the rows of a grid. Rows can be measured on several threads, since each pixel has its own random stream.
 class Measurement {
 public:
     Measurement(const RayCaster& object, const ScannerSettings& settings, int scanNumber, ScanGrid* grid)
@@ -34,7 +35,7 @@ public:
           m_settings(settings),
           m_nScan(static_cast<std::uint64_t>(scanNumber)),
           m_grid(*grid),
-          m_fSteepest(static_cast<float>(CosTurns(settings.maxIncidenceDeg / 360.0))) {}
+          m_fMinCosine(static_cast<float>(CosTurns(settings.maxIncidenceDeg / 360.0))) {}
 
     void MeasureRow(int row) {
         const auto width = static_cast<std::size_t>(m_grid.width);
@@ -51,14 +52,15 @@ private:
         if (!hit.IsHit()) return;
         const Vec3 normal = m_object.Normal(hit.triangle);
         const float cosine = -Dot(normal, worldRay.direction);
-        if (cosine < m_fSteepest) return;
+        if (cosine < m_fMinCosine) return;
+        // The numbers are drawn in a fixed order, dropout first, then noise: one seed, one set of files.
         RandomStream random(m_settings.seed, m_nScan, pixel);
         if (random.Uniform() < m_settings.dropout) return;
         const Vec3 point = ray.origin + ray.direction * (hit.distance + m_settings.noise * random.Gaussian());
         m_grid.points[3 * pixel] = point.x;
         m_grid.points[3 * pixel + 1] = point.y;
         m_grid.points[3 * pixel + 2] = point.z;
-        m_grid.confidence[pixel] = std::clamp((cosine - m_fSteepest) / (1.0f - m_fSteepest), 0.0f, 1.0f);
+        m_grid.confidence[pixel] = std::clamp((cosine - m_fMinCosine) / (1.0f - m_fMinCosine), 0.0f, 1.0f);
         const int side = SideOf(normal);
         m_grid.classes[pixel] = static_cast<std::uint8_t>(10 * side);
         if (!m_grid.colors.empty())
@@ -69,17 +71,18 @@ private:
     const ScannerSettings& m_settings;
     const std::uint64_t m_nScan;
     ScanGrid& m_grid;
-    const float m_fSteepest;  // cosine of the steepest angle that is measured
+    const float m_fMinCosine;  // of the largest angle that is measured
 };
 
-/// Base 2 digits of the number mirrored at the point: 0, 1/2, 1/4, 3/4, 1/8 ...
-float Halving(unsigned number) {
+/// Van der Corput sequence in base 2: 0, 1/2, 1/4, 3/4, 1/8 ...
+float VanDerCorput(unsigned number) {
     float value = 0;
     for (float digit = 0.5f; number != 0; number >>= 1, digit *= 0.5f)
         if (number & 1u) value += digit;
     return value;
 }
 
+/// A sensor that looks at the origin. Angles in turns: azimuth around y from +z, elevation above the xz plane.
 Transform LookAtOrigin(double azimuthTurns, double elevationTurns, float distance) {
     const auto sinA = static_cast<float>(SinTurns(azimuthTurns)), cosA = static_cast<float>(CosTurns(azimuthTurns));
     const auto sinE = static_cast<float>(SinTurns(elevationTurns)), cosE = static_cast<float>(CosTurns(elevationTurns));
@@ -103,8 +106,9 @@ Vec3 TransformPoint(const Transform& m, Vec3 point) { return TransformDirection(
 std::vector<Transform> PosesAround(int count, float distance) {
     std::vector<Transform> poses;
     for (int i = 0; i < count; ++i) {
-        // 20, -10, 50, 5, 35 ... degrees: neighbours on the way around see over and under each other's edges.
-        const double elevationDeg = 20.0 - 60.0 * Halving(static_cast<unsigned>(i) % 8u) + (i % 4 == 2 ? 45.0 : 0.0);
+        // 20, -10, 50, 5, 35 ... degrees: adjacent poses see above and below the edges that occlude each other's view.
+        const double elevationDeg =
+            20.0 - 60.0 * VanDerCorput(static_cast<unsigned>(i) % 8u) + (i % 4 == 2 ? 45.0 : 0.0);
         poses.push_back(LookAtOrigin(static_cast<double>(i) / count, elevationDeg / 360.0, distance));
     }
     return poses;
@@ -120,7 +124,7 @@ Ray PixelRay(const ScannerSettings& settings, int column, int row) {
     const float right = (static_cast<float>(column) + 0.5f - 0.5f * static_cast<float>(settings.width)) / halfPicture;
     const float up = (0.5f * static_cast<float>(settings.height) - static_cast<float>(row) - 0.5f) / halfPicture;
     if (settings.parallel) return {{right * radius, up * radius, 0}, {0, 0, -1}};
-    // The cone that just touches the sphere around the object.
+    // The slope of the cone that touches the sphere around the object.
     const float slope = radius / std::sqrt(std::max(distance * distance - radius * radius, radius * radius));
     return {{0, 0, 0}, Unit({right * slope, up * slope, -1})};
 }

@@ -1,4 +1,5 @@
-// A structured-light scanner: what it would measure of an object from a pose, with its faults.
+// Simulates the measurement of an object by a structured-light scanner, with noise, dropouts and steep surfaces
+// missing.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -11,48 +12,54 @@ namespace simulate {
 /// A rigid transform, row-major 4 x 4, sensor to world, millimetres.
 using Transform = std::array<float, 16>;
 
+/// Rotation and translation of a point; rotation of a direction.
 [[nodiscard]] Vec3 TransformPoint(const Transform& transform, Vec3 point);
 [[nodiscard]] Vec3 TransformDirection(const Transform& transform, Vec3 direction);
 
-/// Where the sensor stands: once around the object, now higher and now lower, always looking at the origin. The first
-/// looks at the front. In the sensor frame x is right, y up, and the sensor looks along -z.
-/// @param distance  of the sensor from the origin
+/// Poses of the sensor: evenly spaced around the y axis at changing elevations, looking at the origin. The first one
+/// looks at the front (+z). In the sensor frame x is to the right, y up, and the sensor looks along -z.
+/// @param count     at least 1
+/// @param distance  of the sensor from the origin, millimetres
+/// @return sensor to world
 [[nodiscard]] std::vector<Transform> PosesAround(int count, float distance);
 
+/// The sensor.
 struct ScannerSettings {
-    int width = 640, height = 480;
+    int width = 640, height = 480;  ///< pixels
     bool parallel = false;          ///< parallel rays instead of a pinhole camera
-    float noise = 0.02f;            ///< deviation along the ray, millimetres
-    float dropout = 0.01f;          ///< share of the pixels on the object that are lost, 0 to 1
-    float maxIncidenceDeg = 75.0f;  ///< a surface seen more steeply than this is not measured; below 90
-    bool colors = false;
-    std::uint64_t seed = 1;
-    float objectRadius = 50.0f;  ///< fills the picture
-    float distance = 400.0f;     ///< of the sensor from the origin; larger than the object's radius
+    float noise = 0.02f;            ///< standard deviation along the ray, millimetres
+    float dropout = 0.01f;          ///< fraction of the pixels on the object that are not measured, 0 to 1
+    float maxIncidenceDeg = 75.0f;  ///< largest angle between ray and normal that is measured; below 90
+    bool colors = false;            ///< whether the scan has colours
+    std::uint64_t seed = 1;         ///< of noise and dropouts
+    float objectRadius = 50.0f;     ///< millimetres around the origin; the field of view just contains it
+    float distance = 400.0f;        ///< of the sensor from the origin, millimetres; larger than objectRadius
 };
 
-inline constexpr std::uint8_t kClassNotMeasured = 250;  ///< 240 and above count as not valid
+inline constexpr std::uint8_t kClassNotMeasured = 250;  ///< 240 and above are not valid
 inline constexpr float kConfidenceNotMeasured = -1.0f;
 
-/// A measurement, row after row, top row first. A pixel that was not measured is a point at zero with confidence -1.
+/// A scan, row by row, top row first. A pixel that was not measured has the point (0, 0, 0) and confidence -1.
 struct ScanGrid {
     int width = 0, height = 0;
-    Transform toWorld{};
-    std::vector<float> points;          ///< 3 a pixel, sensor frame, millimetres
-    std::vector<float> confidence;      ///< 1 face to face, falling to 0 at the steepest angle that is measured
-    std::vector<std::uint8_t> classes;  ///< 0, 10 ... 50: the object's sides -x, +x, -y, +y, -z, +z
-    std::vector<std::uint32_t> colors;  ///< 0xAARRGGBB, or empty
+    Transform toWorld{};                ///< sensor to world, millimetres
+    std::vector<float> points;          ///< x, y, z per pixel, sensor frame, millimetres
+    std::vector<float> confidence;      ///< 1 where the ray is along the normal, 0 at the largest measured angle
+    std::vector<std::uint8_t> classes;  ///< 0, 10 ... 50: surface towards -x, +x, -y, +y, -z, +z
+    std::vector<std::uint32_t> colors;  ///< 0xAARRGGBB per pixel; empty without colours
 
     [[nodiscard]] std::size_t PixelCount() const { return confidence.size(); }
     [[nodiscard]] bool IsMeasured(std::size_t pixel) const { return classes[pixel] != kClassNotMeasured; }
     [[nodiscard]] std::size_t MeasuredCount() const;
 };
 
-/// The ray of a pixel, sensor frame, direction of unit length.
+/// The ray through the centre of a pixel, in the sensor frame; its direction has length 1.
 [[nodiscard]] Ray PixelRay(const ScannerSettings& settings, int column, int row);
 
-/// @param scanNumber  with the settings' seed and the pixel it decides noise and dropouts
-/// @param threads     at least 1; plays no part in the result
+/// Measures one scan.
+/// @param pose        sensor to world
+/// @param scanNumber  part of the seed, so that each scan has other noise and dropouts
+/// @param threads     at least 1; the result does not depend on it
 [[nodiscard]] ScanGrid MeasureFrom(const RayCaster& object, const Transform& pose, const ScannerSettings& settings,
                                    int scanNumber, int threads);
 

@@ -1,4 +1,4 @@
-// Shapes with smooth surfaces, and the gear; those made of blocks come from Blocks.h.
+// The shapes. Those with smooth surfaces and the gear are triangulated here, those of blocks by Blocks.h.
 #include "Shapes.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 namespace simulate {
 namespace {
 
+/// A point at an angle (in turns from +x) around the z axis.
 Vec3 OnCircle(double radius, double turns, double z) {
     return {static_cast<float>(radius * CosTurns(turns)), static_cast<float>(radius * SinTurns(turns)),
             static_cast<float>(z)};
@@ -19,14 +20,14 @@ TriangleMesh MakeSphere() {
     return StarShape(96, [](Vec3 direction) { return direction * kSphereRadius; });
 }
 
-/// A soft bump on the unit sphere: full height at its centre, smoothly nothing from its width on.
+/// A smooth bump on the unit sphere: full height at its centre, zero at the distance width and beyond.
 struct Bump {
     Vec3 centre;
     float width, height;
 };
 
 TriangleMesh MakeBust() {
-    // A head: what is mirrored stands twice.
+    // A head, looking along +z. Symmetric features have two entries.
     static constexpr std::array kBumps = {
         Bump{{0.00f, -0.14f, 0.99f}, 0.17f, 6.0f},                                               // tip of the nose
         Bump{{0.00f, 0.02f, 1.00f}, 0.17f, 4.0f},                                                // its bridge
@@ -59,7 +60,7 @@ TriangleMesh MakeBust() {
 
 TriangleMesh MakeTorus() {
     constexpr int kAround = 256, kAcross = 128;
-    constexpr double kRing = 32, kTube = 14;
+    constexpr double kRing = 32, kTube = 14;  // radii, millimetres
     const auto pointAt = [](int around, int across) {
         const double turns = (across % kAcross) / static_cast<double>(kAcross);
         return OnCircle(kRing + kTube * CosTurns(turns), (around % kAround) / static_cast<double>(kAround),
@@ -75,8 +76,9 @@ TriangleMesh MakeTorus() {
 TriangleMesh MakeGear() {
     constexpr int kTeeth = 18, kPointsPerTooth = 4, kPoints = kTeeth * kPointsPerTooth;
     constexpr double kTip = 40, kRoot = 33, kBore = 11, kHalfThickness = 9;
-    // A tooth goes root, root, tip, tip; its flanks lean.
+    // The points of a tooth are root, root, tip, tip, at these fractions of its angle; the flanks are inclined.
     static constexpr std::array<double, kPointsPerTooth> kPhase = {0.0, 0.40, 0.53, 0.87};
+    // Points of the outline, of the bore, and the quads between them: front, back, outside, inside.
     const auto rim = [](int i, double z) {
         const int point = i % kPoints, tooth = point / kPointsPerTooth, phase = point % kPointsPerTooth;
         const double turns = (tooth + kPhase[static_cast<std::size_t>(phase)]) / kTeeth;
@@ -94,7 +96,7 @@ TriangleMesh MakeGear() {
     return mesh;
 }
 
-/// An angle bracket: a lying and a standing plate, with two holes in the one and a larger one in the other.
+/// An angle bracket: a horizontal plate with two holes and a vertical plate with one larger hole.
 TriangleMesh MakeBracket() {
     BlockGrid grid;
     grid.breaks[0] = {-36, -28, 4, 36};
@@ -107,7 +109,7 @@ TriangleMesh MakeBracket() {
     return MeshOf(grid);
 }
 
-/// A staircase in two directions: steps in depth of 5 to 45 mm between neighbours.
+/// Rectangular columns of different depth: steps of 5 to 45 mm between adjacent columns.
 TriangleMesh MakeSteps() {
     BlockGrid grid;
     grid.breaks[0] = {-40, -24, -8, 8, 24, 40};
@@ -135,7 +137,7 @@ TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& poi
     const auto n = static_cast<float>(cells);
     for (int axis = 0; axis < 3; ++axis) {
         for (const float side : {-1.0f, 1.0f}) {
-            // The same numbers come out on both sides of an edge of the cube, so that neighbours meet to the bit.
+            // Both sides of an edge of the cube compute the same numbers, so that their corners are equal to the bit.
             const auto corner = [&](int i, int j) {
                 const float u = (2.0f * static_cast<float>(i) - n) / n, v = (2.0f * static_cast<float>(j) - n) / n;
                 return pointAt(Unit(axis == 0 ? Vec3{side, u, v} : axis == 1 ? Vec3{v, side, u} : Vec3{u, v, side}));

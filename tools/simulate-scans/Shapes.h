@@ -1,4 +1,4 @@
-// The objects that can be scanned, made in code: 60 to 100 mm large, around the origin, y up, front towards +z.
+// The objects that can be scanned, computed: 60 to 100 mm large, around the origin, y up, front towards +z.
 #pragma once
 #include <functional>
 #include <string>
@@ -9,11 +9,13 @@
 
 namespace simulate {
 
-/// A closed surface. Three corners a triangle, anticlockwise seen from outside; neighbours share corners to the bit.
+/// A closed surface, as a triangle soup: three corners per triangle, millimetres, counterclockwise seen from outside.
+/// The corners of adjacent triangles are equal to the bit.
 struct TriangleMesh {
     std::vector<Vec3> corners;
 
     void AddTriangle(Vec3 a, Vec3 b, Vec3 c) { corners.insert(corners.end(), {a, b, c}); }
+    /// Two triangles, divided along the diagonal from a to c.
     void AddQuad(Vec3 a, Vec3 b, Vec3 c, Vec3 d) {
         AddTriangle(a, b, c);
         AddTriangle(a, c, d);
@@ -24,18 +26,18 @@ struct TriangleMesh {
 /// Names that MakeShape() knows, in the order of the help text.
 [[nodiscard]] const std::vector<std::string>& ShapeNames();
 
-/// @return an empty mesh for an unknown name
+/// @return the mesh of a shape; empty for an unknown name
 [[nodiscard]] TriangleMesh MakeShape(std::string_view name);
 
-/// The radius of the shape "sphere".
+/// The radius of the shape "sphere", millimetres.
 inline constexpr float kSphereRadius = 40.0f;
 
-/// Radius of the smallest sphere around the origin that holds the mesh.
+/// Radius of the smallest sphere around the origin that contains the mesh.
 [[nodiscard]] float RadiusAroundOrigin(const TriangleMesh& mesh);
 
-/// A surface with one point in every direction from the origin.
-/// @param cells  squares along each edge of the cube whose sides are projected outwards
-/// @param pointAt  point of the surface in a unit direction
+/// A star-shaped surface: one point in each direction from the origin. The directions are those of a grid on a cube.
+/// @param cells    squares along each edge of the cube
+/// @param pointAt  the point of the surface in a unit direction
 [[nodiscard]] TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& pointAt);
 
 }  // namespace simulate

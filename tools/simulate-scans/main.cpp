@@ -1,3 +1,4 @@
+// The entry of the program; everything else is Run.h.
 #include <iostream>
 #include <string_view>
 #include <vector>
