@@ -1,4 +1,5 @@
-// The world's axes, small, in the upper left corner. They turn with the scene and can be hidden by it.
+// The axes of the world as a small tripod in the upper left corner. It turns with the scene and is depth-tested
+// against it. The cones are drawn by Cone.cpp.
 #include <GL/glew.h>
 
 #include <cmath>
@@ -9,9 +10,9 @@
 
 namespace {
 
-/// Lengths in the world; the same part of the window at every zoom.
-struct CrossSizes {
-    CrossSizes(float sceneSize, float zoom)
+/// Lengths in scene units. They scale with the zoom, so that the tripod has the same size in the window at every zoom.
+struct TripodSizes {
+    TripodSizes(float sceneSize, float zoom)
         : cone(sceneSize / 50.0f * zoom),
           coneDistance(sceneSize / 20.0f * zoom),
           shaft(coneDistance + sceneSize / 60.0f * zoom),
@@ -27,21 +28,24 @@ struct Axis {
 constexpr Axis kAxes[] = {
     {{1, 0, 0}, {1, 0, 0}, u" X "}, {{0, 1, 0}, {0, 1, 0}, u" Y "}, {{0, 0, 1}, {0.25f, 0.25f, 1}, u" Z "}};
 
-constexpr float kDepth = 0.1f;  // of the window: in front of what lies around the centre of the view
-constexpr std::int16_t kStandardView = 4;
+constexpr float kDepth = 0.1f;              // window depth: in front of objects near the centre of the view
+constexpr std::int64_t kLabelWidthPx = 15;  // reserved for the label after the end of the x axis
 
-/// How far right of and below the corner the cross has room, pixels; the standard view is set up.
-double CornerMargin(CKV_ScenePaneCtrl& control, const CrossSizes& sizes) {
+/// Distance of the origin from the left and from the top of the window, pixels: the length of an axis with its label.
+/// The standard view must be set up.
+double CornerMargin(CKV_ScenePaneCtrl& control, const TripodSizes& sizes) {
+    // The upper left corner in the world, and the window position of the label of an x axis that started there.
     Float3 corner{};
     control.UnprojectPoint(0, 0, kDepth, &corner[0], &corner[1], &corner[2]);
     std::int32_t labelX = 0, labelY = 0;
     control.ProjectPoint(corner[0] + sizes.coneDistance + sizes.cone + sizes.labelGap, corner[1], corner[2], &labelX,
                          &labelY);
-    const std::int64_t x = std::int64_t{labelX} + 15, y = labelY;
+    const std::int64_t x = std::int64_t{labelX} + kLabelWidthPx, y = labelY;
     return std::sqrt(static_cast<double>(x * x + y * y));
 }
 
-void DrawAxis(const Axis& axis, const Float3& origin, const CrossSizes& sizes, const COpenGLTextDraw& text) {
+/// A line that ends in a cone, and the label after the tip.
+void DrawAxis(const Axis& axis, const Float3& origin, const TripodSizes& sizes, const COpenGLTextDraw& text) {
     const auto at = [&](float distance) { return origin + distance * axis.direction; };
     glColor3fv(axis.color.data());
     glBegin(GL_LINE_STRIP);
@@ -55,17 +59,18 @@ void DrawAxis(const Axis& axis, const Float3& origin, const CrossSizes& sizes, c
 
 }  // namespace
 
-// The margin is measured in the standard view, so that the cross keeps its place while the scene turns. Hosts see it:
-// the view mode is the standard one after each frame. The refresh in SetViewMode() comes to nothing inside a frame.
+// The margin is measured in the standard view, so that the tripod keeps its position while the scene turns. Hosts can
+// see this: the view mode is the standard one after each frame with axes. SetViewMode() asks for a refresh, which a
+// frame in progress ignores.
 void CKV_ScenePaneCtrl::DrawAxes() {
-    const CrossSizes sizes(m_fSceneSize, m_fZoom);
+    const TripodSizes sizes(m_fSceneSize, m_fZoom);
     const ViewFrame frame = LiveFrame();
-    SetViewMode(kStandardView);
+    SetViewMode(KV_ScenePane::ViewFromPlusZYUp);
     const double margin = CornerMargin(*this, sizes);
     SetLiveFrame(frame);
     SetupViewMatrices();
-    // Beside the window there is nothing to see. A window without area and a scene beyond the floats have no place for
-    // it at all.
+    // Outside the window there is nothing to draw. This also covers a window without area, and a scene too large for
+    // single precision, whose margin is far outside.
     if (!(margin < m_nWidth + m_nHeight)) return;
 
     const auto pixel = static_cast<std::int32_t>(margin);

@@ -1,4 +1,4 @@
-// Lit cones by GLU, which makes them along the z axis.
+// Lit cones from GLU, which makes cylinders along the z axis.
 #include "render/Cone.h"
 
 #include <GL/glew.h>
@@ -10,10 +10,11 @@
 
 namespace {
 
-/// Turns z to the direction, about the axis across both. One along z has no such axis: it stays as it is.
-void TurnFromZ(const Float3& direction, double length) {
+/// Rotates the modelview matrix from the z axis to @p direction, about the axis perpendicular to both. A direction
+/// within a millionth of +z or -z has no reliable axis: no rotation then.
+void RotateFromZ(const Float3& direction, double length) {
     const double cosine = direction[2] / length;
-    if (!(std::abs(std::abs(cosine) - 1.0) > 1e-6)) return;  // not so for a length of 0 either
+    if (!(std::abs(std::abs(cosine) - 1.0) > 1e-6)) return;  // a length of 0 too: its cosine is a NaN
     const double degrees = std::acos(cosine) * 180.0 / std::numbers::pi;
     glRotatef(static_cast<GLfloat>(degrees), -direction[1], direction[0], 0.0f);
 }
@@ -23,13 +24,15 @@ void TurnFromZ(const Float3& direction, double length) {
 void DrawCone(const Float3& base, const Float3& tip, float radius) {
     GLfloat color[4] = {};
     glGetFloatv(GL_CURRENT_COLOR, color);
-    glMaterialfv(GL_FRONT, GL_DIFFUSE, color);  // lighting asks the material, not the colour
+    glMaterialfv(GL_FRONT, GL_DIFFUSE, color);  // lighting uses the material, not the current colour
+    // To the base, then the z axis to the direction of the cone.
     const Float3 axis = tip - base;
     const double length = std::sqrt(double{Dot(axis, axis)});
     glPushMatrix();
     glTranslatef(base[0], base[1], base[2]);
-    TurnFromZ(axis, length);
+    RotateFromZ(axis, length);
 
+    // A cylinder with radius 0 at the top.
     GLUquadric* const quadric = gluNewQuadric();
     gluQuadricDrawStyle(quadric, GLU_FILL);
     glEnable(GL_LIGHTING);

@@ -1,8 +1,9 @@
-// A lit cone, the head of an axis.
+// A lit cone, the tip of an axis.
 #pragma once
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 
-/// Draws it in the current colour and without a bottom; GL_LIGHT0 shines on it. Lighting is off afterwards, and the
-/// front material keeps the colour. A cone down the z axis exactly is not turned over: it stands up.
-/// @param radius  of the circle around @p base
+/// Draws a cone without its base disc in the current colour, lit by GL_LIGHT0. Afterwards lighting is disabled and the
+/// diffuse front material has that colour. A cone along -z is not rotated: it points along +z from the same base.
+/// @param base, tip  in the coordinates of the current modelview matrix
+/// @param radius     of the circle around @p base
 void DrawCone(const Float3& base, const Float3& tip, float radius);

@@ -1,5 +1,5 @@
-// How the OpenGL context comes up on the control's window, what a failure tells the user, and the tear-down.
-// The log lines keep the words that support people search for, whatever the window system and the requested version.
+// Creation of the OpenGL context on the control's window, the message that the user sees when it fails, and the
+// destruction. The log lines are the same for every window system and requested version: support searches for them.
 #include <GL/glew.h>
 
 #include <span>
@@ -11,13 +11,15 @@
 
 namespace {
 
-void LogFound(bool found, const char* foundText, const char* missingText) {
+/// Logs one of two texts, a missing feature as an error.
+void LogAvailability(bool found, const char* foundText, const char* missingText) {
     if (found)
         Log(LogLevel::Info) << foundText << std::endl;
     else
         Log(LogLevel::Error) << missingText << std::endl;
 }
 
+/// What every frame relies on and no frame sets: materials, global ambient light, two-sided lighting.
 void SetInitialGlState() {
     const auto material = [](GLenum face, GLenum name, GLfloat r, GLfloat g, GLfloat b) {
         const GLfloat values[4] = {r, g, b, 1.0f};
@@ -36,7 +38,8 @@ void SetInitialGlState() {
     glEnable(GL_MULTISAMPLE);
 }
 
-/// The first of 96 lists, for the characters from the blank on; they draw nothing where there is no font.
+/// Display lists of the 96 characters from the space on; they draw nothing on a machine without fonts.
+/// @return name of the first list
 GLuint MakeBoldLists() {
     constexpr std::size_t kFirst = ' ', kCount = 96;
     const GLuint base = glGenLists(kCount);
@@ -45,6 +48,7 @@ GLuint MakeBoldLists() {
     return base;
 }
 
+/// What the user sees when no context can be created.
 std::string FailureMessage(bool formatValid, std::int32_t major, std::int32_t minor) {
     std::string text = "OpenGL context could not be created. ";
     if (formatValid) text += "Requested version: " + std::to_string(major) + "." + std::to_string(minor);
@@ -53,38 +57,26 @@ std::string FailureMessage(bool formatValid, std::int32_t major, std::int32_t mi
            "connected graphics card is deactivated in the Windows device manager or the correct driver is missing.";
 }
 
-}  // namespace
+/// A pixel format of the window, as its system numbers it.
+struct ChosenFormat {
+    std::int32_t index = 0;
+    bool valid = false;
+};
 
-int CKV_ScenePaneCtrl::OnCreate() {
-    Log(LogLevel::Info) << "Create temporary ogl context" << std::endl;
-    const ChosenFormat format = FindPixelFormat(m_nGlSamples);
-    const bool created = format.valid && CreateRenderContext(format.index, m_nGlMajorVersion, m_nGlMinorVersion);
-    GLint alphaBits = 0;
-    if (created) glGetIntegerv(GL_ALPHA_BITS, &alphaBits);
-    Log(LogLevel::Info) << "Alphabits: " << alphaBits << std::endl;
-    if (created) {
-        m_nWidth = m_nHeight = -1;  // a new context has neither viewport nor matrices: its first frame sets both
-        RefreshControl();
-        return 0;
-    }
-    Log(LogLevel::Error) << "Failed to create opengl context. " << std::flush;
-    if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! " << std::flush;
-    Log(LogLevel::Error) << "Using wrong graphic card?" << std::endl;
-    m_pWindow->ShowModalMessage(FailureMessage(format.valid, m_nGlMajorVersion, m_nGlMinorVersion));
-    return -1;
-}
-
-CKV_ScenePaneCtrl::ChosenFormat CKV_ScenePaneCtrl::FindPixelFormat(std::int32_t samples) {
-    const BootstrapReport report = m_pWindow->BeginBootstrap();
+/// Asks for a format with @p samples samples per pixel, 0 for none. The query needs a context, so that the window makes
+/// a temporary one; it is deleted afterwards.
+ChosenFormat FindPixelFormat(PaneWindow& window, std::int32_t samples) {
+    const BootstrapReport report = window.BeginBootstrap();
     if (!report.contextMade) {
         Log(LogLevel::Error) << "Error setting temporary pixel format " << report.formatNumber << std::endl;
-        m_pWindow->EndBootstrap();
+        window.EndBootstrap();
         return {};
     }
-    LogFound(report.entryPointsLoaded, "Init glew successfull", "Init glew failed");
-    LogFound(report.pixelFormatExtension, "WGL_ARB_pixel_format found.", "WGL_ARB_pixel_format not found.");
-    LogFound(report.createContextExtension, "WGL_ARB_create_context found. ", "WGL_ARB_create_context not found. ");
-    LogFound(report.version33, "Opengl 3.3 supported.", "Opengl 3.3 not supported.");
+    LogAvailability(report.entryPointsLoaded, "Init glew successfull", "Init glew failed");
+    LogAvailability(report.pixelFormatExtension, "WGL_ARB_pixel_format found.", "WGL_ARB_pixel_format not found.");
+    LogAvailability(report.createContextExtension, "WGL_ARB_create_context found. ",
+                    "WGL_ARB_create_context not found. ");
+    LogAvailability(report.version33, "Opengl 3.3 supported.", "Opengl 3.3 not supported.");
 
     ChosenFormat chosen;
     if (report.entryPointsLoaded && report.pixelFormatExtension && report.createContextExtension && report.version33) {
@@ -92,45 +84,72 @@ CKV_ScenePaneCtrl::ChosenFormat CKV_ScenePaneCtrl::FindPixelFormat(std::int32_t 
         PixelFormatAttributes attributes;
         attributes.sampleBuffers = samples > 0 ? 1 : 0;
         attributes.samples = samples;
-        chosen.valid = m_pWindow->ChoosePixelFormat(attributes, &chosen.index);
+        chosen.valid = window.ChoosePixelFormat(attributes, &chosen.index);
         if (!chosen.valid) Log(LogLevel::Error) << "No valid pixel format!" << std::endl;
     }
-    m_pWindow->EndBootstrap();
+    window.EndBootstrap();
     return chosen;
 }
 
-bool CKV_ScenePaneCtrl::CreateRenderContext(std::int32_t format, std::int32_t major, std::int32_t minor) {
+/// Creates the context in the version that the control asks for, makes it current and fills it with what lives as long
+/// as it does: programs, framebuffers, fonts, overlay textures.
+/// @return false when there is no such context; the log then holds the reason
+bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     Log(LogLevel::Debug) << "Getting new device context + HDC" << std::endl;
-    m_pDC = m_pWindow.get();
-    if (!m_pDC->SetPixelFormat(format)) {
+    control.m_pDC = control.m_pWindow.get();
+    if (!control.m_pDC->SetPixelFormat(format)) {
         Log(LogLevel::Error) << "Error setting pixel format " << format << std::endl;
         return false;
     }
-    if (!m_pDC->CreateContext({major, minor})) {
+    if (!control.m_pDC->CreateContext({control.m_nGlMajorVersion, control.m_nGlMinorVersion})) {
         Log(LogLevel::Error) << "Failed to create Opengl 3.3 context. " << std::endl;
         return false;
     }
-    m_hRC = m_pDC->ContextHandle();
+    control.m_hRC = control.m_pDC->ContextHandle();
     Log(LogLevel::Info) << "Opengl 3.3 context created." << std::endl;
-    if (!MakeContextCurrent()) return false;
-    InitFramebuffers();
-    m_textDraw.CreateFonts(RasterizeFont);
-    m_nFontListBase = MakeBoldLists();
+    if (!control.MakeContextCurrent()) return false;
+    control.InitFramebuffers();
+    control.m_textDraw.CreateFonts(RasterizeFont);
+    control.m_nFontListBase = MakeBoldLists();
     SetInitialGlState();
-    UploadOverlays();
+    control.UploadOverlays();
     return true;
+}
+
+}  // namespace
+
+int CKV_ScenePaneCtrl::OnCreate() {
+    Log(LogLevel::Info) << "Create temporary ogl context" << std::endl;
+    const ChosenFormat format = FindPixelFormat(*m_pWindow, m_nGlSamples);
+    const bool created = format.valid && CreateRenderContext(*this, format.index);
+    GLint alphaBits = 0;
+    if (created) glGetIntegerv(GL_ALPHA_BITS, &alphaBits);
+    Log(LogLevel::Info) << "Alphabits: " << alphaBits << std::endl;
+    if (created) {
+        m_nWidth = m_nHeight = -1;  // so that the first frame sets viewport and matrices of the new context
+        RefreshControl();
+        return 0;
+    }
+    // One log line in three parts, then the message box.
+    Log(LogLevel::Error) << "Failed to create opengl context. " << std::flush;
+    if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! " << std::flush;
+    Log(LogLevel::Error) << "Using wrong graphic card?" << std::endl;
+    m_pWindow->ShowModalMessage(FailureMessage(format.valid, m_nGlMajorVersion, m_nGlMinorVersion));
+    return -1;
 }
 
 void CKV_ScenePaneCtrl::OnDestroy() {
     if (m_pInteractionDlg != nullptr) m_pInteractionDlg->Finish();
     ClearData();
-    // The textures go with the context, and the next one gives their names to others until it has the images again.
+    // Textures die with the context. A new context may use the same names for other textures before the overlays are
+    // uploaded again.
     for (Overlay& overlay : m_vOverlays) overlay.m_uTexture = 0;
     m_pWindow->DeleteContext();
     m_hRC = nullptr;
     m_pDC = nullptr;
 }
 
+// The window calls OnDestroy() and OnCreate(), which use the stored version and number of samples.
 CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::RecreateOpenglContext(std::int32_t majorVersion,
                                                                          std::int32_t minorVersion,
                                                                          std::int32_t numberOfSamples) {

@@ -1,12 +1,15 @@
-// A view without depth for what is drawn flat on the window: its own projection and no camera, while it lives.
+// A view without camera for drawing flat on the window. Decorations, overlays and the frozen image use it.
 #pragma once
 #include <GL/glew.h>
 
+/// Replaces projection and modelview matrix during its lifetime; the destructor restores both and selects the modelview
+/// stack. The current context must be the same in both.
 class FlatView {
 public:
     /// The drawing area spans -halfWidth to halfWidth and -halfHeight to halfHeight.
     FlatView(double halfWidth, double halfHeight) : FlatView(-halfWidth, halfWidth, -halfHeight, halfHeight, -10, 10) {}
-    /// The borders of the drawing area; left and right differ, and so do bottom and top.
+    /// Coordinates of the borders of the drawing area, as glOrtho() defines them. Left and right must differ, and so
+    /// must bottom and top.
     FlatView(double left, double right, double bottom, double top, double near, double far) {
         glMatrixMode(GL_PROJECTION);
         glPushMatrix();

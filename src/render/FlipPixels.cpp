@@ -1,3 +1,4 @@
+// One pass over the picture: each row goes to its mirrored position and each pixel to its integer.
 #include "render/FlipPixels.h"
 
 #include <bit>
@@ -6,7 +7,8 @@
 
 namespace {
 
-/// The word that the bytes r, g, b, a make in memory, as 0xAARRGGBB.
+/// @param word  the bytes r, g, b, a as they are in memory
+/// @return 0xAARRGGBB
 std::uint32_t ToArgb(std::uint32_t word) {
     if constexpr (std::endian::native == std::endian::little)
         return (word & 0xFF00FF00) | ((word >> 16) & 0xFF) | ((word & 0xFF) << 16);
@@ -23,7 +25,7 @@ void FlipToArgb(std::span<const std::uint8_t> rgba, std::size_t width, std::span
         const std::uint8_t* const from = rgba.data() + 4 * width * y;
         std::uint32_t* const to = argb.data() + width * (height - 1 - y);
         for (std::size_t x = 0; x < width; ++x) {
-            std::uint32_t word = 0;  // whole words: byte by byte the compiler's code is several times slower
+            std::uint32_t word = 0;  // whole words: the code for single bytes is several times slower
             std::memcpy(&word, from + 4 * x, sizeof(word));
             to[x] = ToArgb(word);
         }

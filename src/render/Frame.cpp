@@ -1,5 +1,6 @@
 // One frame, from the paint request to the swap: what is drawn, in which order, and what keeps a frame from starting.
-// The objects draw themselves (MeshDraw.cpp); the shadow pass is Shadows.cpp, the background Decorations.cpp.
+// The objects draw themselves (MeshDraw.cpp); the depth pass of the shadows is in Shadows.cpp, the background in
+// Decorations.cpp.
 #include <GL/glew.h>
 
 #include <algorithm>
@@ -10,16 +11,19 @@
 
 namespace {
 
-constexpr std::int32_t kMeshFlatShaded = 2;
-constexpr std::int32_t kMeshBoundingBox = 4;
-constexpr float kOpaqueAlpha = 0.99f;  // below it a point set is blended
+constexpr float kOpaqueAlpha = 0.99f;     // point sets with less are blended
+constexpr float kWindowLineWidth = 3.0f;  // of 3D lines, pixels
+constexpr int kWindowNeedleFont = 1;      // bold, 24 pixels
 
+/// @param mode  draw mode, any value of the host
 void DrawVisible(const std::vector<std::shared_ptr<Mesh>>& meshes, std::int32_t mode, bool reduced) {
     for (const auto& mesh : meshes)
         if (mesh->m_iVisible != 0) mesh->Draw(mode, reduced);
 }
 
-/// Bytes of a row of BGR pixels, as OpenGL pads it.
+// ---- the frozen image
+
+/// Bytes per row of BGR pixels: 3 per pixel, rounded up to the default pack and unpack alignment of 4.
 std::size_t FrozenRowBytes(std::int32_t width) { return (static_cast<std::size_t>(width) + 1) * 3 / 4 * 4; }
 
 void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_t height) {
@@ -27,10 +31,188 @@ void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_
     glDisable(GL_DEPTH_TEST);
     {
         const FlatView view(1, 1);
-        glRasterPos3f(-1, -1, 0);
+        glRasterPos3f(-1, -1, 0);  // the lower left corner: rows run upward
         glDrawPixels(width, height, GL_BGR, GL_UNSIGNED_BYTE, pixels);
     }
     glPopAttrib();
+}
+
+// ---- the objects, by draw mode
+
+/// Fills the window with the depths of the shadow map as shades of grey, for diagnosis.
+void DrawShadowMapView(CKV_ScenePaneCtrl& control) {
+    float projection[16], modelView[16];  // not needed: the quad is in clip coordinates
+    control.RenderShadowMap(projection, modelView);
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, control.m_nShadowTexture);
+    glUseProgram(control.m_progQuad);
+    glUniform1i(glGetUniformLocation(control.m_progQuad, "tex"), 0);
+    glBegin(GL_TRIANGLES);
+    glVertex3f(-1, -1, 0);
+    glVertex3f(1, -1, 0);
+    glVertex3f(-1, 1, 0);
+    glVertex3f(-1, 1, 0);
+    glVertex3f(1, -1, 0);
+    glVertex3f(1, 1, 0);
+    glEnd();
+    glUseProgram(0);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+/// Depth pass, then the objects in their draw mode with the shadow program. Modes that a mesh does not draw itself,
+/// such as per pixel, show no objects.
+void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
+    float projection[16], modelView[16];
+    control.RenderShadowMap(projection, modelView);
+    // Texture unit of the shadow map. A textured mesh binds its image to unit 0 and unbinds it after its draw, so with
+    // such a mesh in the scene the map must be on unit 1.
+    const bool anyTexture =
+        std::ranges::any_of(control.m_vpMeshes, [](const auto& mesh) { return mesh->m_pTexture != nullptr; });
+    const int mapUnit = anyTexture ? 1 : 0;
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
+    glBindTexture(GL_TEXTURE_2D, control.m_nShadowTexture);
+    glActiveTexture(GL_TEXTURE0);
+
+    glUseProgram(control.m_progShadow);
+    const auto uniform = [&control](const char* name) { return glGetUniformLocation(control.m_progShadow, name); };
+    glUniform1i(uniform("ShadowMap"), mapUnit);
+    glUniformMatrix4fv(uniform("shadowProjection"), 1, GL_FALSE, projection);
+    glUniformMatrix4fv(uniform("shadowModelView"), 1, GL_FALSE, modelView);
+    glUniform3fv(uniform("shadowColor"), 1, control.m_fShadowColor.data());
+    // User clip planes are undefined with a vertex shader that writes no clip distance: the fragment shader discards
+    // what is clipped.
+    glUniform1i(uniform("clipPlane0Enabled"), control.m_bClipPlaneActive != 0 ? 1 : 0);
+    const std::array<double, 4> plane = control.m_clipPlane.GetEquation();
+    glUniform4f(uniform("clipPlaneEquation0"), static_cast<float>(plane[0]), static_cast<float>(plane[1]),
+                static_cast<float>(plane[2]), static_cast<float>(plane[3]));
+    DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
+
+    glUseProgram(0);
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glActiveTexture(GL_TEXTURE0);
+}
+
+/// Each object with the program that fits it: with or without a texture.
+void DrawObjectsPerPixel(CKV_ScenePaneCtrl& control, bool reduced) {
+    const GLint texture = glGetUniformLocation(control.m_progTexPerPixel, "tex");
+    for (const auto& mesh : control.m_vpMeshes) {
+        if (mesh->m_iVisible == 0) continue;
+        glUseProgram(mesh->m_pTexture ? control.m_progTexPerPixel : control.m_progPerPixel);
+        if (mesh->m_pTexture) glUniform1i(texture, 0);
+        mesh->Draw(KV_ScenePane::DrawModeFlat, reduced);
+    }
+    glUseProgram(0);
+}
+
+// ---- the steps of a frame
+
+/// Stores a changed size of the window and sets up viewport and matrices for it. The context is current.
+/// @return whether the size has changed
+bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
+    const WindowSize size = control.m_pWindow->ClientSize();
+    if (size.width == control.m_nWidth && size.height == control.m_nHeight) return false;
+    control.m_nWidth = size.width;
+    control.m_nHeight = size.height;
+    if (control.m_nHeight > 0) {  // the aspect divides by the height
+        glViewport(0, 0, control.m_nWidth, control.m_nHeight);
+        control.ApplyAspect();
+        control.SetupViewMatrices();
+    }
+    return true;
+}
+
+/// Background, objects, clip plane, pick points, selection.
+void DrawScene(CKV_ScenePaneCtrl& control) {
+    const bool reduced = control.m_bMoveReduced == 1 && control.m_bMoving != 0;
+    glClear(GL_DEPTH_BUFFER_BIT);
+    control.DrawBackground();
+    glColorMaterial(GL_FRONT, GL_DIFFUSE);
+    glEnable(GL_COLOR_MATERIAL);
+    // While the clip plane is dragged the objects are shown unclipped.
+    const std::int32_t interaction = control.m_nInteractionMode;
+    const bool planeIsDragged =
+        interaction == ModePlaneHandle || interaction == ModePlaneRotate || interaction == ModePlaneMove;
+    if (control.m_bClipPlaneActive != 0 && !planeIsDragged) control.m_clipPlane.EnableClipping();
+
+    for (const auto& mesh : control.m_vpMeshes) mesh->SetPointSize(control.m_fPointCloudSize);
+    // The shadow map is drawn in place of the objects; shadows win over every other mode.
+    if (control.m_nDrawMode == KV_ScenePane::DrawModeShadowMap)
+        DrawShadowMapView(control);
+    else if (control.m_bShadowEnabled != 0)
+        DrawObjectsWithShadows(control, reduced);
+    else if (control.m_nDrawMode == KV_ScenePane::DrawModePerPixel)
+        DrawObjectsPerPixel(control, reduced);
+    else
+        DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
+    Plane::DisableClipping();
+
+    const bool lassoIsDrawn = interaction == ModeLasso || interaction == ModeMaskLasso;
+    if (control.m_bClipPlaneVisible != 0 && !lassoIsDrawn) {
+        glPushAttrib(GL_DEPTH_BUFFER_BIT);
+        glEnable(GL_DEPTH_TEST);
+        control.DrawClipPlane();
+        glPopAttrib();
+    }
+    // Pick-point spheres: lit, purple.
+    glEnable(GL_LIGHTING);
+    glEnable(GL_LIGHT0);
+    glColor3f(0.8f, 0.0f, 1.0f);
+    if (control.m_bPickPointValid != 0 && control.m_nPickMode == KV_ScenePane::PickModePoints)
+        control.DrawPickPointSpheres();
+    glDisable(GL_LIGHTING);
+    glDisable(GL_LIGHT0);
+    // The boxes of the selection, also of hidden objects. Without depth test: they are visible through the objects.
+    glDisable(GL_COLOR_MATERIAL);
+    for (Mesh* const mesh : control.m_vpSelection) mesh->Draw(KV_ScenePane::DrawModeBoundingBoxes, false);
+}
+
+void DrawSceneOrFrozenImage(CKV_ScenePaneCtrl& control, bool sizeChanged) {
+    if (control.m_pFrozenImage == nullptr) {
+        DrawScene(control);
+    } else if (sizeChanged) {  // the image fits no longer: freeze what the scene shows now
+        DrawScene(control);
+        control.FreezeFrame();
+    } else {
+        DrawFrozenImage(control.m_pFrozenImage.get(), control.m_nFrozenWidth, control.m_nFrozenHeight);
+    }
+}
+
+/// What lies over the scene, the frozen one too. Later steps cover earlier ones.
+void DrawOverScene(CKV_ScenePaneCtrl& control) {
+    if (control.m_nInteractionMode == ModeLasso) control.DrawLassoPolygon();
+    if (control.m_pInteractionDlg != nullptr) control.m_pInteractionDlg->DrawInteraction();
+    if (control.m_bLine3DDrawingMode != 0) control.DrawLines3D(kWindowLineWidth);
+    if (control.m_bNeedleDrawingMode != 0) control.DrawNeedles(kWindowNeedleFont);
+    if (control.m_pCutSession != nullptr) control.DrawCutSession();
+    if (control.m_nPickMode == KV_ScenePane::PickModeCross) control.DrawCross();
+    if (control.m_nShowArrow == 1) control.DrawLightingArrow();
+    if (control.m_nShowAxes == 1) control.DrawAxes();
+    control.DrawOverlays();
+    control.DrawFreePoints();
+}
+
+// No guard object: when a step runs out of memory the lock stays held and the flag set, so that no later frame draws
+// from a broken state.
+void DrawFrame(CKV_ScenePaneCtrl& control) {
+    g_drawLock->lock();
+    if (control.m_bInDraw != 0) {  // the lock is recursive: a step of this frame has asked for another one
+        g_drawLock->unlock();
+        return;
+    }
+    control.m_bInDraw = 1;
+    if (control.MakeContextCurrent()) {
+        const bool sizeChanged = StoreWindowSize(control);
+        if (control.m_bAnimationRunning != 0) control.AnimationStep();
+        DrawSceneOrFrozenImage(control, sizeChanged);
+        DrawOverScene(control);
+        if (control.m_pCapture != nullptr)  // before the swap, which leaves the back buffer undefined
+            *control.m_pCapture = {control.m_nWidth, control.m_nHeight,
+                                   ReadBackBuffer(control.m_nWidth, control.m_nHeight)};
+        control.m_pWindow->SwapBuffers();
+    }
+    control.m_bInDraw = 0;
+    g_drawLock->unlock();
 }
 
 }  // namespace
@@ -38,65 +220,8 @@ void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_
 void CKV_ScenePaneCtrl::OnPaint() {
     if (m_bBlockPaint != 0) return;  // the request stays pending
     m_pWindow->BeginPaint();
-    OnDraw();
+    DrawFrame(*this);
     m_pWindow->EndPaint();
-}
-
-// No guard object: should a step run out of memory, the lock stays held and no later frame draws on a broken state.
-void CKV_ScenePaneCtrl::OnDraw() {
-    g_drawLock->lock();
-    if (m_bInDraw != 0) {  // the lock lets its own thread in again
-        g_drawLock->unlock();
-        return;
-    }
-    m_bInDraw = 1;
-    if (MakeContextCurrent()) {
-        const bool sizeChanged = TakeWindowSize();
-        if (m_bAnimationRunning != 0) AnimationStep();
-        DrawSceneOrFrozenImage(sizeChanged);
-        DrawOverScene();
-        if (m_pCapture != nullptr) *m_pCapture = {m_nWidth, m_nHeight, ReadBackBuffer(m_nWidth, m_nHeight)};
-        m_pWindow->SwapBuffers();
-    }
-    m_bInDraw = 0;
-    g_drawLock->unlock();
-}
-
-bool CKV_ScenePaneCtrl::TakeWindowSize() {
-    const WindowSize size = m_pWindow->ClientSize();
-    if (size.width == m_nWidth && size.height == m_nHeight) return false;
-    m_nWidth = size.width;
-    m_nHeight = size.height;
-    if (m_nHeight > 0) {
-        glViewport(0, 0, m_nWidth, m_nHeight);
-        ApplyAspect();
-        SetupViewMatrices();
-    }
-    return true;
-}
-
-void CKV_ScenePaneCtrl::DrawSceneOrFrozenImage(bool sizeChanged) {
-    if (m_pFrozenImage == nullptr) {
-        DrawScene();
-    } else if (sizeChanged) {
-        DrawScene();
-        FreezeFrame();
-    } else {
-        DrawFrozenImage(m_pFrozenImage.get(), m_nFrozenWidth, m_nFrozenHeight);
-    }
-}
-
-void CKV_ScenePaneCtrl::DrawOverScene() {
-    if (m_nInteractionMode == ModeLasso) DrawLassoPolygon();
-    if (m_pInteractionDlg != nullptr) m_pInteractionDlg->DrawInteraction();
-    if (m_bLine3DDrawingMode != 0) DrawLines3D(3.0f);
-    if (m_bNeedleDrawingMode != 0) DrawNeedles(1);
-    if (m_pCutSession != nullptr) DrawCutSession();
-    if (m_nPickMode == KV_ScenePane::PickModeCross) DrawCross();
-    if (m_nShowArrow == 1) DrawLightingArrow();
-    if (m_nShowAxes == 1) DrawAxes();
-    DrawOverlays();
-    DrawFreePoints();
 }
 
 // Frames show the frozen image from here on, until it is freed.
@@ -111,101 +236,6 @@ void CKV_ScenePaneCtrl::FreezeFrame() {
     glReadPixels(0, 0, m_nFrozenWidth, m_nFrozenHeight, GL_BGR, GL_UNSIGNED_BYTE, m_pFrozenImage.get());
 }
 
-void CKV_ScenePaneCtrl::DrawScene() {
-    const bool reduced = m_bMoveReduced == 1 && m_bMoving != 0;
-    glClear(GL_DEPTH_BUFFER_BIT);
-    DrawBackground();
-    glColorMaterial(GL_FRONT, GL_DIFFUSE);
-    glEnable(GL_COLOR_MATERIAL);
-    const bool planeIsDragged = m_nInteractionMode == ModePlaneHandle || m_nInteractionMode == ModePlaneRotate ||
-                                m_nInteractionMode == ModePlaneMove;
-    if (m_bClipPlaneActive != 0 && !planeIsDragged) m_clipPlane.EnableClipping();
-
-    for (const auto& mesh : m_vpMeshes) mesh->SetPointSize(m_fPointCloudSize);
-    if (m_nDrawMode == KV_ScenePane::DrawModeShadowMap)
-        DrawShadowMapView();
-    else if (m_bShadowEnabled != 0)
-        DrawObjectsWithShadows(reduced);
-    else if (m_nDrawMode == KV_ScenePane::DrawModePerPixel)
-        DrawObjectsPerPixel(reduced);
-    else
-        DrawVisible(m_vpMeshes, m_nDrawMode, reduced);
-    Plane::DisableClipping();
-
-    const bool lassoIsDrawn = m_nInteractionMode == ModeLasso || m_nInteractionMode == ModeMaskLasso;
-    if (m_bClipPlaneVisible != 0 && !lassoIsDrawn) {
-        glPushAttrib(GL_DEPTH_BUFFER_BIT);
-        glEnable(GL_DEPTH_TEST);
-        DrawClipPlane();
-        glPopAttrib();
-    }
-    glEnable(GL_LIGHTING);
-    glEnable(GL_LIGHT0);
-    glColor3f(0.8f, 0.0f, 1.0f);
-    if (m_bPickPointValid != 0 && m_nPickMode == KV_ScenePane::PickModePoints) DrawPickPointSpheres();
-    glDisable(GL_LIGHTING);
-    glDisable(GL_LIGHT0);
-    glDisable(GL_COLOR_MATERIAL);
-    for (Mesh* const mesh : m_vpSelection) mesh->Draw(kMeshBoundingBox, false);  // hidden ones too
-}
-
-void CKV_ScenePaneCtrl::DrawShadowMapView() {
-    float projection[16], modelView[16];
-    RenderShadowMap(projection, modelView);
-    glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, m_nShadowTexture);
-    glUseProgram(m_progQuad);
-    glUniform1i(glGetUniformLocation(m_progQuad, "tex"), 0);
-    glBegin(GL_TRIANGLES);
-    glVertex3f(-1, -1, 0);
-    glVertex3f(1, -1, 0);
-    glVertex3f(-1, 1, 0);
-    glVertex3f(-1, 1, 0);
-    glVertex3f(1, -1, 0);
-    glVertex3f(1, 1, 0);
-    glEnd();
-    glUseProgram(0);
-    glBindTexture(GL_TEXTURE_2D, 0);
-}
-
-void CKV_ScenePaneCtrl::DrawObjectsWithShadows(bool reduced) {
-    float projection[16], modelView[16];
-    RenderShadowMap(projection, modelView);
-    // A textured mesh binds its picture on unit 0 and leaves none there: beside one, the shadow map stands on unit 1.
-    const bool anyPicture =
-        std::ranges::any_of(m_vpMeshes, [](const auto& mesh) { return mesh->m_pTexture != nullptr; });
-    const int mapUnit = anyPicture ? 1 : 0;
-    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
-    glBindTexture(GL_TEXTURE_2D, m_nShadowTexture);
-    glActiveTexture(GL_TEXTURE0);
-    glUseProgram(m_progShadow);
-    const auto uniform = [this](const char* name) { return glGetUniformLocation(m_progShadow, name); };
-    glUniform1i(uniform("ShadowMap"), mapUnit);
-    glUniformMatrix4fv(uniform("shadowProjection"), 1, GL_FALSE, projection);
-    glUniformMatrix4fv(uniform("shadowModelView"), 1, GL_FALSE, modelView);
-    glUniform3fv(uniform("shadowColor"), 1, m_fShadowColor.data());
-    glUniform1i(uniform("clipPlane0Enabled"), m_bClipPlaneActive != 0 ? 1 : 0);
-    const std::array<double, 4> plane = m_clipPlane.GetEquation();
-    glUniform4f(uniform("clipPlaneEquation0"), static_cast<float>(plane[0]), static_cast<float>(plane[1]),
-                static_cast<float>(plane[2]), static_cast<float>(plane[3]));
-    DrawVisible(m_vpMeshes, m_nDrawMode, reduced);
-    glUseProgram(0);
-    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glActiveTexture(GL_TEXTURE0);
-}
-
-void CKV_ScenePaneCtrl::DrawObjectsPerPixel(bool reduced) {
-    const GLint texture = glGetUniformLocation(m_progTexPerPixel, "tex");
-    for (const auto& mesh : m_vpMeshes) {
-        if (mesh->m_iVisible == 0) continue;
-        glUseProgram(mesh->m_pTexture ? m_progTexPerPixel : m_progPerPixel);
-        if (mesh->m_pTexture) glUniform1i(texture, 0);
-        mesh->Draw(kMeshFlatShaded, reduced);
-    }
-    glUseProgram(0);
-}
-
 void CKV_ScenePaneCtrl::DrawFreePoints() {
     if (m_mapFreePoints.empty()) return;
     glPushAttrib(GL_ALL_ATTRIB_BITS);
@@ -217,7 +247,7 @@ void CKV_ScenePaneCtrl::DrawFreePoints() {
     glUniform1f(uniform("pointSize"), m_fPointCloudSize);
     glUniform1f(uniform("windowHeight"), static_cast<float>(m_nHeight));
     glUniform1f(alpha, 1.0f);
-    glEnable(GL_VERTEX_PROGRAM_POINT_SIZE);
+    glEnable(GL_VERTEX_PROGRAM_POINT_SIZE);  // the shader writes gl_PointSize
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableVertexAttribArray(0);
     glEnableVertexAttribArray(1);
@@ -226,6 +256,7 @@ void CKV_ScenePaneCtrl::DrawFreePoints() {
         glBindVertexArray(points.vertexArray);
         glDrawArrays(GL_POINTS, 0, points.numPoints);
     };
+    // Opaque sets first, so that transparent ones blend with them.
     for (const auto& [id, points] : m_mapFreePoints)
         if (points.visible != 0 && !(points.alpha < kOpaqueAlpha)) drawSet(points);
     glEnable(GL_BLEND);
@@ -236,6 +267,8 @@ void CKV_ScenePaneCtrl::DrawFreePoints() {
         glUniform1f(alpha, points.alpha);
         drawSet(points);
     }
+
+    // Client state, vertex array and program are not part of the attribute stack.
     glBindVertexArray(0);
     glDisableVertexAttribArray(1);
     glDisableVertexAttribArray(0);

@@ -1,5 +1,6 @@
-// How a mesh gets into the memory of the GPU and onto the screen. The bytes of the buffers come from VertexPacking.h,
-// the texture from MeshTexture.cpp.
+// The GPU buffers of a mesh and its draw modes. VertexPacking.h packs the bytes of the buffers, MeshTexture.cpp makes
+// the texture. Drawing uses client arrays of the compatibility profile, so that it works with and without a shader
+// program.
 #include "render/MeshDraw.h"
 
 #include <GL/glew.h>
@@ -18,20 +19,21 @@ using namespace KV_ScenePane;
 
 namespace {
 
-// Every group that a draw may change, as the classic headers number them.
+// All attribute groups of OpenGL 2: a draw may change several of them.
 constexpr GLbitfield kAllAttributes = 0xFFFFF;
 
-// Large meshes are packed and uploaded in pieces of this many bytes, which stay in the cache: no second copy of the
-// vertices is ever alive.
+// Large meshes are packed and uploaded in pieces of this many bytes, which fit into the cache: there is never a second
+// copy of all vertices.
 constexpr std::size_t kUploadPiece = std::size_t{256} * 1024;
 
+/// Binds the buffer; generates it when @p name is 0. A rebuild keeps the name and replaces the content.
 void BindGenerated(GLenum target, std::uint32_t& name) {
     if (name == 0) glGenBuffers(1, &name);
     glBindBuffer(target, name);
 }
 
 /// Fills the bound buffer with @p count records of @p stride bytes.
-/// @param pack  called as pack(first, count, out) for one piece after the other
+/// @param pack  called as pack(first, count, out) for each piece in order; writes count records to out
 template <typename Pack>
 void UploadInPieces(GLenum target, std::size_t count, std::size_t stride, Pack pack) {
     const std::size_t pieceCount = std::min(count, kUploadPiece / stride);
@@ -57,10 +59,10 @@ void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
                    });
 }
 
-// NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL takes an offset into the bound buffer where it once took a pointer
+// NOLINTNEXTLINE(performance-no-int-to-ptr): OpenGL expects an offset into the bound buffer as a pointer
 const void* BufferOffset(std::size_t offset) { return reinterpret_cast<const void*>(offset); }
 
-/// The bounding box as twelve blue lines, with the lighting and matrices in force. Puts the current colour back.
+/// The bounding box as twelve blue lines, with the current lighting and matrices. Restores the current colour.
 void DrawBoundingBox(const Mesh& mesh) {
     GLfloat color[4];
     glGetFloatv(GL_CURRENT_COLOR, color);
@@ -81,6 +83,7 @@ void DrawBoundingBox(const Mesh& mesh) {
     glColor3fv(color);
 }
 
+/// Deletes the buffers that exist; the context that they belong to must be current.
 void ReleaseBuffers(Mesh& mesh) {
     for (std::uint32_t* name :
          {&mesh.m_uVertexBuffer, &mesh.m_uTriangleBuffer, &mesh.m_uPointBuffer, &mesh.m_uReducedBuffer}) {
@@ -90,11 +93,14 @@ void ReleaseBuffers(Mesh& mesh) {
     }
 }
 
+/// Uploads vertices and indices. A textured mesh has no index buffers, since its corners are not shared; any other has
+/// three: its triangles, one point per triangle, and the points of reduced drawing.
 void BuildBuffers(Mesh& mesh) {
     if (mesh.m_vTriangles.empty()) {
         mesh.m_bBuffersDirty = false;
         return;
     }
+    // Vertices: textured, coloured or plain layout.
     const std::span<const Vertex> vertices(mesh.m_vVertices);
     const std::span<const Triangle> triangles(mesh.m_vTriangles);
     BindGenerated(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer);
@@ -121,7 +127,7 @@ void BuildBuffers(Mesh& mesh) {
                            PackPlain(vertices.subspan(first, count), out);
                        });
     }
-    // A Triangle is three 32-bit indices, the layout of the index buffer: no packing.
+    // Indices. A Triangle is three 32-bit integers, the layout of the index buffer: no packing.
     BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uTriangleBuffer);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(triangles.size_bytes()), triangles.data(),
                  GL_STATIC_DRAW);
@@ -132,6 +138,9 @@ void BuildBuffers(Mesh& mesh) {
     mesh.m_bBuffersDirty = false;
 }
 
+/// Binds the buffers to the client arrays and draws. Afterwards no buffer is bound and the client arrays are disabled.
+/// @param indexBuffer  ignored for a textured mesh
+/// @param count        indices, or corners of a textured mesh
 void DrawArrays(const Mesh& mesh, std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
     const bool textured = mesh.m_pTexture != nullptr;
     const bool colored = mesh.m_bHasVertexColors && !textured;
@@ -175,10 +184,12 @@ void DrawArrays(const Mesh& mesh, std::uint32_t indexBuffer, std::uint32_t primi
     if (textured) glDisableClientState(GL_TEXTURE_COORD_ARRAY);
 }
 
+/// Draws with lighting and depth test, in the colour of the object, of its vertices or of its texture.
 void DrawLit(const Mesh& mesh, std::uint32_t indexBuffer, std::uint32_t primitive, std::int32_t count) {
     const GLfloat objectColor[4] = {mesh.m_fColor[0], mesh.m_fColor[1], mesh.m_fColor[2], 1.0f};
     const GLfloat white[4] = {1.0f, 1.0f, 1.0f, 1.0f};
-    // The tint travels as the light's colour: fixed-function lighting and the programs both multiply by it.
+    // The object colour is set as the colour of the light, because fixed-function lighting and the shader programs both
+    // multiply by it. Vertex colours stay untinted, except grey ones that were not blended with the object colour.
     const bool grayUnblended = mesh.m_bGrayColors && !mesh.m_bBlendObjectColor;
     const bool tinted = !mesh.m_pTexture && (!mesh.m_bHasVertexColors || grayUnblended);
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
@@ -191,9 +202,11 @@ void DrawLit(const Mesh& mesh, std::uint32_t indexBuffer, std::uint32_t primitiv
     glPopAttrib();
 }
 
+/// Rebuilds dirty buffers, then draws in @p mode; modes without a case draw nothing. Reduced drawing replaces the
+/// triangles by every tenth first corner.
 void DrawMesh(Mesh& mesh, std::int32_t mode, bool reduced) {
     if (mesh.m_bBuffersDirty) BuildBuffers(mesh);
-    if (mesh.m_vTriangles.empty()) return;  // not even its box is shown
+    if (mesh.m_vTriangles.empty()) return;  // without a bounding box, too
     glPushAttrib(kAllAttributes);
     glColor4f(mesh.m_fColor[0], mesh.m_fColor[1], mesh.m_fColor[2], 0.5f);
     glPointSize(mesh.m_fPointSize);

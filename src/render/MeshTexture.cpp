@@ -1,4 +1,5 @@
-// Textured meshes: pictures from encoded files or as pixels, and the texture on the GPU.
+// Textured meshes: pictures from encoded files or as pixels, and the texture on the GPU. The component library decodes
+// the files and checks the sizes; its failures are exceptions with its text.
 #include "render/MeshTexture.h"
 
 #include <GL/glew.h>
@@ -16,6 +17,7 @@ namespace {
 
 namespace image = KvComponents::image;
 
+/// Bytes r, g, b, a per pixel, row after row.
 struct Picture {
     std::int32_t width = 0, height = 0;
     std::vector<std::uint8_t> rgba;
@@ -23,7 +25,7 @@ struct Picture {
 
 ComponentPtr MakeImage() { return RequireComponent(image::kFactory, image::kInterface); }
 
-/// The picture of a png or jpeg file, its bottom row first: texture coordinates of ply files count v upward.
+/// Decodes a png or jpeg file, bottom row first, because the texture coordinates of ply files count v upward.
 Picture DecodeBottomUp(std::span<const std::uint8_t> imageBytes) {
     const ComponentPtr decoder = MakeImage();
     RequireSuccess(image::kDecodeFile(decoder.get(), imageBytes.data(), imageBytes.size()));
@@ -36,10 +38,12 @@ Picture DecodeBottomUp(std::span<const std::uint8_t> imageBytes) {
     return picture;
 }
 
-/// Half as wide and high, each pixel the mean of four; odd last rows and columns are dropped.
+/// Half the width and height, at least 1; each pixel is the rounded mean of four. Odd last rows and columns are
+/// dropped.
 Picture Halved(const std::uint8_t* rgba, std::int32_t width, std::int32_t height) {
     Picture half{std::max(width / 2, 1), std::max(height / 2, 1), {}};
     half.rgba.reserve(std::size_t{4} * static_cast<std::size_t>(half.width) * static_cast<std::size_t>(half.height));
+    // Clamped to the picture: a side of 1 pixel has no second row or column.
     const auto at = [=](std::int32_t x, std::int32_t y, std::size_t channel) -> unsigned {
         const auto row = static_cast<std::size_t>(std::min(y, height - 1));
         const auto column = static_cast<std::size_t>(std::min(x, width - 1));
@@ -55,7 +59,8 @@ Picture Halved(const std::uint8_t* rgba, std::int32_t width, std::int32_t height
     return half;
 }
 
-/// Fills the bound texture. A picture larger than the driver accepts is shown coarser, rather than not at all.
+/// Uploads to the bound texture. A picture larger than the limit of the driver is halved until it fits: a coarse
+/// picture is better than none.
 void UploadPicture(std::int32_t width, std::int32_t height, const std::uint8_t* rgba) {
     GLint longestSide = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &longestSide);
@@ -69,7 +74,8 @@ void UploadPicture(std::int32_t width, std::int32_t height, const std::uint8_t* 
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
 }
 
-/// Lets the component library judge a picture that came as pixels.
+/// Checks a picture that was given as pixels with the limits of the component library.
+/// @throws std::runtime_error when it rejects the size
 void RequirePicture(const std::uint32_t* rgbaPixels, std::uint32_t width, std::uint32_t height) {
     const ComponentPtr picture = MakeImage();
     RequireSuccess(image::kSetSize(picture.get(), static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)));
@@ -111,7 +117,7 @@ std::shared_ptr<Mesh> MakeHpsMesh(std::vector<Vertex> vertices, std::span<const 
 
 void CreateTexture(Mesh& mesh, std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
                    std::span<const std::uint8_t> imageBytes) {
-    // The texture's name is generated last: a failure before that has nothing to delete on the GPU.
+    // The name of the texture is generated last: when an allocation fails before that, nothing remains on the GPU.
     auto texture = std::make_shared<Mesh::Texture>(0, CurrentContext(),
                                                    std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
     if (texture->m_hContext != nullptr) {

@@ -1,21 +1,22 @@
-// The host's images over the scene, pixel by pixel and never scaled.
+// The images that the host places over the scene. They are drawn unscaled and blended, after the scene and before the
+// free points. FlatView.h makes the view in pixels.
 #include <GL/glew.h>
 
 #include <algorithm>
 #include <cassert>
 #include <utility>
 
-#include "control/ScenePaneCtrl.h"
 #include "base/DebugOutput.h"
+#include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
 
 namespace {
 
-/// Takes all errors of OpenGL that wait.
-/// @return whether there was one
-bool TakeGlErrors() {
+/// Reads and clears all OpenGL error flags.
+/// @return whether one was set
+bool ClearGlErrors() {
     bool any = false;
-    // A context that is lost may report that for ever.
+    // Bounded: a lost context may report its loss at every call.
     for (int i = 0; i < 100 && glGetError() != GL_NO_ERROR; ++i) any = true;
     return any;
 }
@@ -26,8 +27,8 @@ std::size_t ByteCount(const Overlay& overlay) {
     return 4 * static_cast<std::size_t>(overlay.m_nWidth) * static_cast<std::size_t>(overlay.m_nHeight);
 }
 
-/// In the context that is current.
-/// @return 0 when the overlay has no size, or the driver does not take the image
+/// Makes and uploads the texture in the current context. A failure is reported in the debugger output.
+/// @return its name; 0 when the overlay has no size or the driver rejects the image
 GLuint MakeTexture(const Overlay& overlay) {
     if (!HasSize(overlay)) return 0;
     GLint longestSide = 0;
@@ -36,10 +37,12 @@ GLuint MakeTexture(const Overlay& overlay) {
         DebugOutput("CKV_ScenePaneCtrl::AddOverlayData(): the image is larger than the driver's textures\n");
         return 0;
     }
-    std::vector<std::uint8_t> transparent;  // without bytes of ours the texture would hold whatever the memory held
+    // Pixels of the host, or transparent ones.
+    std::vector<std::uint8_t> transparent;  // null pixels would leave the texture undefined
     if (overlay.m_vPixels.empty()) transparent.resize(ByteCount(overlay));
     const std::vector<std::uint8_t>& pixels = overlay.m_vPixels.empty() ? transparent : overlay.m_vPixels;
-    TakeGlErrors();  // what came before is no fault of the image
+    ClearGlErrors();  // earlier errors are not caused by this image
+    // Linear filters, for images whose corner is between two pixels.
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glActiveTexture(GL_TEXTURE0);
@@ -49,13 +52,14 @@ GLuint MakeTexture(const Overlay& overlay) {
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, overlay.m_nWidth, overlay.m_nHeight, 0, GL_BGRA, GL_UNSIGNED_BYTE,
                  pixels.data());
     glBindTexture(GL_TEXTURE_2D, 0);
-    if (!TakeGlErrors()) return texture;
+    if (!ClearGlErrors()) return texture;
     glDeleteTextures(1, &texture);
     DebugOutput("CKV_ScenePaneCtrl::AddOverlayData(): OpenGL did not take the image\n");
     return 0;
 }
 
-/// In a view of pixels with y downward.
+/// Draws one image at its anchor. The current view must be in pixels with y downward; it is not filtered when the
+/// corner is at a whole pixel.
 void DrawImage(const Overlay& overlay, std::int32_t windowWidth, std::int32_t windowHeight) {
     const auto width = static_cast<float>(overlay.m_nWidth), height = static_cast<float>(overlay.m_nHeight);
     const float x =
@@ -92,6 +96,7 @@ std::int32_t CKV_ScenePaneCtrl::AddOverlayData(const std::uint8_t* argbU8DataPtr
                     .m_vPixels = {}};
     if (HasSize(overlay) && argbU8DataPtrHack != nullptr)
         overlay.m_vPixels.assign(argbU8DataPtrHack, argbU8DataPtrHack + ByteCount(overlay));
+    // Without a context the overlay is listed and uploaded when one is created.
     if (MakeContextCurrent()) overlay.m_uTexture = MakeTexture(overlay);
     m_vOverlays.push_back(std::move(overlay));
     return static_cast<std::int32_t>(m_vOverlays.size()) - 1;
@@ -119,7 +124,7 @@ void CKV_ScenePaneCtrl::DrawOverlays() {
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         glDisable(GL_LIGHTING);
         for (const Overlay& overlay : m_vOverlays) {
-            // Texturing without an image would paint a white rectangle.
+            // Without a texture the quad would be a white rectangle.
             if (overlay.m_bVisible != 0 && overlay.m_uTexture != 0) DrawImage(overlay, m_nWidth, m_nHeight);
         }
     }

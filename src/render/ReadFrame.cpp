@@ -1,4 +1,4 @@
-// From the back buffer to rows of pixels, top row first.
+// Reads the back buffer, resolves its samples and flips its rows.
 #include "render/ReadFrame.h"
 
 #include <GL/glew.h>
@@ -8,8 +8,8 @@
 
 namespace {
 
-// A copy of the back buffer with one sample a pixel, bound for reading while it lives. Reading a multisampled window
-// directly gives one of the samples on llvmpipe, not their mean.
+/// A copy of the back buffer with one sample per pixel, bound as the read framebuffer during its lifetime. The blit
+/// computes the mean of the samples; glReadPixels() on a multisampled window returns a single sample on llvmpipe.
 class ResolvedBackBuffer {
 public:
     ResolvedBackBuffer(GLsizei width, GLsizei height) {
@@ -23,6 +23,7 @@ public:
         glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
         glBindFramebuffer(GL_READ_FRAMEBUFFER, m_framebuffer);
     }
+    /// Binds the framebuffer of the window again.
     ~ResolvedBackBuffer() {
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         glDeleteFramebuffers(1, &m_framebuffer);
@@ -40,7 +41,7 @@ private:
 std::vector<std::uint32_t> ReadBackBuffer(std::int32_t width, std::int32_t height) {
     if (width <= 0 || height <= 0) return {};
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    GLint readBuffer = GL_BACK, sampleBuffers = 0;
+    GLint readBuffer = GL_BACK, sampleBuffers = 0;  // of the window's framebuffer
     glGetIntegerv(GL_READ_BUFFER, &readBuffer);
     glGetIntegerv(GL_SAMPLE_BUFFERS, &sampleBuffers);
     glReadBuffer(GL_BACK);
@@ -53,9 +54,10 @@ std::vector<std::uint32_t> ReadBackBuffer(std::int32_t width, std::int32_t heigh
     }
     glReadBuffer(static_cast<GLenum>(readBuffer));
 
-    for (std::uint32_t& pixel : pixels) pixel |= 0xFF000000;  // what a window shows is opaque
+    // To the form that hosts receive.
+    for (std::uint32_t& pixel : pixels) pixel |= 0xFF000000;  // opaque, whatever alpha the drawing wrote
     const auto row = [&](std::int32_t y) { return pixels.begin() + std::ptrdiff_t{y} * width; };
-    for (std::int32_t y = 0; y < height / 2; ++y)  // OpenGL's rows run upward
+    for (std::int32_t y = 0; y < height / 2; ++y)  // OpenGL returns the bottom row first
         std::swap_ranges(row(y), row(y) + width, row(height - 1 - y));
     return pixels;
 }

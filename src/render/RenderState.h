@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "KV_ScenePane/Modes.h"
-#include "geometry/Float3.h"
+#include "geometry/Vector3.h"
 #include "platform/PaneWindow.h"
 #include "render/Overlay.h"
 #include "render/TextDraw.h"
@@ -14,6 +14,9 @@ class GLUquadric;
 namespace KV_ScenePane {
 struct Picture;
 }
+
+/// Width and height of the off-screen framebuffer and so of screenshots, pixels.
+inline constexpr std::int32_t kOffscreenSize = 2048;
 
 /// Written by render/ and by the setting methods of control/. Colours are 0x00BBGGRR.
 ///

@@ -1,5 +1,5 @@
-// The picture of the whole scene in a fixed size, whatever the window: drawn once more into the off-screen target and
-// read back. The target is made in Shadows.cpp, the order of rows and channels in FlipPixels.h.
+// The picture of the whole scene in a fixed size, whatever the size of the window: the scene is drawn into the
+// off-screen framebuffer and read back. Shadows.cpp makes the framebuffer; FlipPixels.h converts rows and channels.
 #include <GL/glew.h>
 
 #include <vector>
@@ -9,15 +9,14 @@
 
 namespace {
 
-constexpr std::int32_t kPictureSize = 2048;     // of both sides; that of the off-screen target
-constexpr float kMargin = 2.0f;                 // around the scene's box, scene units
-constexpr std::int32_t kMeshGouraudShaded = 3;  // whatever the draw mode of the window
-constexpr float kPictureLineWidth = 8.0f;       // the window's 3 would hardly be seen at this size
-constexpr int kPictureNeedleText = 2;           // the large font, for the same reason
+constexpr float kMargin = 2.0f;            // around the box of the scene, scene units
+constexpr float kPictureLineWidth = 8.0f;  // pixels; the 3 of the window would be hardly visible at this size
+constexpr int kPictureNeedleFont = 2;      // 100 pixels, for the same reason
 
-/// One row of read-back pixels, r, g, b, a. A vector of these is zeroed, aligned and without gaps.
+/// One row of pixels as glReadPixels() returns them: bytes r, g, b, a. A vector of rows is zeroed, aligned and without
+/// padding between the rows.
 struct alignas(32) PictureRow {
-    std::uint8_t bytes[4 * kPictureSize];
+    std::uint8_t bytes[4 * kOffscreenSize];
 };
 
 Box WidenedBox(Box box) {
@@ -28,26 +27,29 @@ Box WidenedBox(Box box) {
     return box;
 }
 
-/// While it lives the control looks at its whole scene, from the window's side and with the window's zoom, in the size
-/// of the picture. Also a draw that runs out of memory must not leave the window with this view.
+/// Sets the view of the picture during its lifetime: the whole scene, in the viewing direction and with the zoom of the
+/// window. A guard object, because an exception in a draw must restore the view of the window, too.
 class WholeSceneView {
 public:
     explicit WholeSceneView(CKV_ScenePaneCtrl& control) : m_control(control) {
         glGetIntegerv(GL_VIEWPORT, m_viewport);
+        // Centre and scale: the diagonal of the box fills the picture at zoom 1.
         const Box box = WidenedBox(control.GetSceneBoundingBox());
         control.m_fViewCenter = control.m_fRotationCenter = box.Center();
         control.m_fSceneSize = box.Diagonal();
         control.SetupViewMatrices();
         control.InvalidateControl(false);
 
-        control.m_nWidth = control.m_nHeight = kPictureSize;
+        // Size and aspect of the picture.
+        control.m_nWidth = control.m_nHeight = kOffscreenSize;
         control.UpdateViewport();
     }
     ~WholeSceneView() {
+        // Size and aspect first: the matrices depend on them.
         m_control.m_nWidth = m_width;
         m_control.m_nHeight = m_height;
         m_control.MakeContextCurrent();
-        if (m_height < 1) {  // a window without height has no shape to take the aspect from: it keeps its last one
+        if (m_height < 1) {  // UpdateViewport() cannot compute an aspect without a height: restore the last one
             glViewport(m_viewport[0], m_viewport[1], m_viewport[2], m_viewport[3]);
             m_control.m_fAspectX = m_aspectX;
             m_control.m_fAspectY = m_aspectY;
@@ -71,7 +73,8 @@ private:
     GLint m_viewport[4] = {};
 };
 
-/// Drawing goes into the off-screen target while it lives.
+/// Binds the off-screen framebuffer during its lifetime. Afterwards the framebuffer of the window is bound, and colour
+/// material and depth test are disabled as a frame expects them.
 class OffscreenTarget {
 public:
     explicit OffscreenTarget(std::uint32_t framebuffer) { glBindFramebuffer(GL_FRAMEBUFFER, framebuffer); }
@@ -87,25 +90,27 @@ public:
 }  // namespace
 
 void CKV_ScenePaneCtrl::GetScreenShotResolution(std::int32_t* width, std::int32_t* height) {
-    *width = kPictureSize;
-    *height = kPictureSize;
+    *width = kOffscreenSize;
+    *height = kOffscreenSize;
 }
 
 void CKV_ScenePaneCtrl::CaptureScreenShot(std::uint32_t* buffer) {
-    std::vector<PictureRow> rows(kPictureSize);  // first of all: without memory nothing changes
+    std::vector<PictureRow> rows(kOffscreenSize);  // before anything changes, because it may throw
     {
         const std::lock_guard lock(*g_drawLock);
         if (MakeContextCurrent()) {
             RenderOffscreen();
             glBindFramebuffer(GL_FRAMEBUFFER, m_nOffscreenFbo);
-            glReadPixels(0, 0, kPictureSize, kPictureSize, GL_RGBA, GL_UNSIGNED_BYTE, rows.data());
+            glReadPixels(0, 0, kOffscreenSize, kOffscreenSize, GL_RGBA, GL_UNSIGNED_BYTE, rows.data());
             glBindFramebuffer(GL_FRAMEBUFFER, 0);
         }
     }
-    constexpr std::size_t kPixels = std::size_t{kPictureSize} * kPictureSize;
-    FlipToArgb({rows.front().bytes, 4 * kPixels}, kPictureSize, {buffer, kPixels});
+    // Without a context the rows are still zero: the host receives a transparent picture.
+    constexpr std::size_t kPixels = std::size_t{kOffscreenSize} * kOffscreenSize;
+    FlipToArgb({rows.front().bytes, 4 * kPixels}, kOffscreenSize, {buffer, kPixels});
 }
 
+// Always shaded and in full detail, without shadows, clip plane, selection and overlays.
 void CKV_ScenePaneCtrl::RenderOffscreen() {
     const WholeSceneView view(*this);
     const OffscreenTarget target(m_nOffscreenFbo);
@@ -115,7 +120,7 @@ void CKV_ScenePaneCtrl::RenderOffscreen() {
     glEnable(GL_COLOR_MATERIAL);
     glEnable(GL_DEPTH_TEST);
     for (const auto& mesh : m_vpMeshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(kMeshGouraudShaded, false);
+        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
     if (m_bLine3DDrawingMode != 0) DrawLines3D(kPictureLineWidth);
-    if (m_bNeedleDrawingMode != 0) DrawNeedles(kPictureNeedleText);
+    if (m_bNeedleDrawingMode != 0) DrawNeedles(kPictureNeedleFont);
 }

@@ -1,4 +1,5 @@
-// Compiles and links the sources of ShaderSources.h.
+// Compiles and links shader programs. The sources are in ShaderSources.cpp. The log lines keep their spelling: support
+// searches logs for them.
 #include "render/ShaderPrograms.h"
 
 #include <GL/glew.h>
@@ -39,6 +40,7 @@ std::uint32_t CompileShader(const std::string& source, std::uint32_t type) {
     glGetShaderiv(shader, GL_COMPILE_STATUS, &compiled);
     if (compiled != GL_FALSE) return shader;
 
+    // The message of the compiler; its length includes the terminating zero.
     GLint length = 0;
     glGetShaderiv(shader, GL_INFO_LOG_LENGTH, &length);
     std::string reason(static_cast<std::size_t>(length), '\0');
@@ -64,8 +66,8 @@ std::uint32_t LinkProgram(std::uint32_t vertexShader, std::uint32_t fragmentShad
     glGetProgramiv(program, GL_LINK_STATUS, &linked);
     if (linked != GL_FALSE) return program;
 
-    // The query for shaders knows no program and leaves the length at 0: readers of the log know this record with an
-    // empty reason.
+    // glGetShaderiv() on a program fails and leaves the length 0, so that the reason is always empty. Kept: log readers
+    // rely on this form of the record.
     GLint length = 0;
     glGetShaderiv(program, GL_INFO_LOG_LENGTH, &length);
     std::string reason(static_cast<std::size_t>(length), '\0');

@@ -1,12 +1,15 @@
-// The sources run in the compatibility profile: they read the matrices, the light and the material of fixed-function
-// OpenGL, and vertices come from the classic client arrays.
+// The shaders use the compatibility profile: they read the matrices, the light and the material of fixed-function
+// OpenGL, and the vertices come from client arrays (glVertexPointer and its family). Each program is composed of
+// the parts below; ShaderSources() at the end lists which parts.
 #include "render/ShaderSources.h"
 
 namespace {
 
+// First line of every source.
 const std::string kVersion = "#version 330 compatibility\n";
 
-// What the lit programs compute for each vertex. The light rides with the camera, in eye coordinates.
+// Per vertex, in the programs with lighting: normal, direction to the light and position, all in eye coordinates. The
+// light moves with the camera.
 const std::string kLitVertex = R"(
 uniform vec3 lightpos = vec3(0.0, 5.0, 0.0);
 out vec3 normal;
@@ -23,8 +26,8 @@ void light_vertex() {
 }
 )";
 
-// What the lit programs compute for each fragment. The normal stays as it was interpolated. Where a mesh has no normal
-// the reflected ray would be the incoming one, hence the test: such a place gets no highlight.
+// Per fragment, in the programs with lighting: Phong terms of a front and of a back face. The interpolated normal is
+// not normalised again. Without a normal reflect() would return the incoming ray and make a highlight, hence the test.
 const std::string kLitFragment = R"(
 in vec3 normal;
 in vec3 lightdir;
@@ -43,6 +46,8 @@ float highlight() {
 }
 )";
 
+// Mode per pixel: the colour of a fragment is the vertex colour or the texture, times the light colour that carries the
+// tint of the object.
 const std::string kPerPixelVertexMain = R"(
 out vec4 mesh_color;
 
@@ -61,6 +66,7 @@ void main() {
 }
 )";
 
+// The two sources of the colour of a surface: vertex colour or texture. A lit program contains one of them.
 const std::string kMeshColor = R"(
 in vec4 mesh_color;
 vec4 surface_color() { return mesh_color; }
@@ -72,7 +78,7 @@ uniform sampler2D tex;
 vec4 surface_color() { return texture(tex, uvCoords); }
 )";
 
-// A back face is a neutral grey, lit from behind.
+// The fourth component of each colour is its weight. A back face is a neutral grey, lit with the reversed normal.
 const std::string kPerPixelFragmentMain = R"(
 uniform vec4 colorAmbient = vec4(1.0, 1.0, 1.0, 0.1);
 uniform vec4 colorDiffuse = vec4(0.7, 0.7, 0.7, 0.7);
@@ -93,6 +99,7 @@ void main() {
 }
 )";
 
+// Signed distance to the clip plane in object coordinates, which are world coordinates here. Negative is clipped.
 const std::string kClipVertex = R"(
 uniform vec4 clipPlaneEquation0 = vec4(0.0, 0.0, 0.0, 1.0);
 out float clipDistance0;
@@ -100,6 +107,8 @@ out float clipDistance0;
 void clip_vertex() { clipDistance0 = dot(clipPlaneEquation0, gl_Vertex); }
 )";
 
+// The programs discard what is clipped: with a vertex shader that writes no clip distance, user clip planes are
+// undefined.
 const std::string kClipFragment = R"(
 uniform int clipPlane0Enabled = 0;
 in float clipDistance0;
@@ -107,6 +116,7 @@ in float clipDistance0;
 bool is_clipped() { return clipPlane0Enabled == 1 && clipDistance0 < 0.0; }
 )";
 
+// Shadow mapping, second pass: the position of a vertex in the shadow map, texture coordinates and depth in 0..1.
 const std::string kShadowVertexMain = R"(
 uniform mat4 shadowProjection;
 uniform mat4 shadowModelView;
@@ -127,8 +137,9 @@ void main() {
 }
 )";
 
-// No division by w: the projection of the shadow map is orthographic. The depth is read as red, which no setting of the
-// texture moves to another channel.
+// A fragment is in shadow when the map holds a nearer surface; the bias of 0.005 of the depth range avoids that a
+// surface shadows itself. No division by w: the projection of the map is orthographic. The depth is in the red channel,
+// with the default depth texture mode as in a core profile.
 const std::string kShadowFragmentMain = R"(
 uniform sampler2D ShadowMap;
 uniform vec4 colorAmbient = vec4(0.5, 0.5, 0.5, 0.1);
@@ -160,6 +171,7 @@ void main() {
 }
 )";
 
+// Mask, first step: a white silhouette of the objects.
 const std::string kCreateMaskVertexMain = R"(
 void main() {
     clip_vertex();
@@ -174,7 +186,7 @@ void main() {
 }
 )";
 
-// The mask image is held top row first, hence the turned y.
+// Mask, second step: mask times image over the whole window. Both images have their top row first, hence the flipped y.
 const std::string kUseMaskVertex = R"(
 out vec2 TexCoords;
 
@@ -196,14 +208,17 @@ void main() {
 }
 )";
 
+// Shadow mapping, first pass: depth only.
 const std::string kDepthVertex = R"(
 void main() { gl_Position = gl_ProjectionMatrix * gl_ModelViewMatrix * gl_Vertex; }
 )";
 
+// The framebuffer of the shadow map has no colour buffer to write.
 const std::string kDepthFragment = R"(
 void main() { }
 )";
 
+// Diagnosis: the shadow map as shades of grey over the whole window.
 const std::string kQuadVertex = R"(
 out vec2 TexCoords;
 
@@ -223,7 +238,7 @@ void main() {
 }
 )";
 
-// The point size is one of the world, so that points grow with the zoom and with the window.
+// Point clouds of the host. The point size is in scene units, so that points grow with the zoom and the window height.
 const std::string kFreeFloatingPointsVertex = R"(
 layout (location = 0) in vec3 in_position;
 layout (location = 1) in vec3 in_vertexColor;
@@ -239,6 +254,7 @@ void main() {
 }
 )";
 
+// Unlit, in the colour of the point with the opacity of its set.
 const std::string kFreeFloatingPointsFragment = R"(
 in vec4 vColor;
 

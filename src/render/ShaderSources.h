@@ -1,14 +1,14 @@
-// The GLSL sources of the renderer's programs.
+// The GLSL sources of the renderer's programs. ShaderPrograms.h builds them.
 #pragma once
 #include <array>
 #include <string>
 
 struct ShaderSource {
-    const char* name;  ///< as the log calls the program
+    const char* name;  ///< of the program in the log
     std::string vertex, fragment;
 };
 
-/// Place of each program in ShaderSources().
+/// Index of each program in ShaderSources().
 enum ShaderIndex {
     kShaderPerPixel,
     kShaderTexPerPixel,
@@ -21,5 +21,5 @@ enum ShaderIndex {
     kShaderCount
 };
 
-/// In the order in which a context builds them.
+/// All programs, in the order in which a new context builds and logs them.
 [[nodiscard]] const std::array<ShaderSource, kShaderCount>& ShaderSources();

@@ -1,5 +1,5 @@
-// The two off-screen targets of a context, and the depth pass from a light that turns with the camera. The light's
-// place is ShadowCamera.h; what the lit program makes of the map stands in ShaderSources.cpp.
+// Programs and off-screen framebuffers of a context, and the depth pass of the shadows. ShadowCamera.h computes the
+// position of the light; the shader that reads the map is in ShaderSources.cpp.
 #include <GL/glew.h>
 //
 #include <GL/glu.h>
@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr GLsizei kOffscreenSize = 2048;
-
 [[noreturn]] void EndProcess(const char* reason) {
     Log(LogLevel::Error) << reason << std::endl;
     std::exit(1);
@@ -24,7 +22,7 @@ void RequireCompleteFramebuffer() {
     if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) EndProcess("Framebuffer is incomplete. ");
 }
 
-/// Attached to the bound framebuffer, which then takes no colour.
+/// Allocates the depth texture and attaches it to the bound framebuffer, which then has no colour buffer.
 void AttachDepthTexture(std::uint32_t texture, std::int32_t width, std::int32_t height) {
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT, width, height, 0, GL_DEPTH_COMPONENT, GL_FLOAT, nullptr);
@@ -37,7 +35,7 @@ void AttachDepthTexture(std::uint32_t texture, std::int32_t width, std::int32_t 
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, texture, 0);
     const GLenum none = GL_NONE;
     glDrawBuffers(1, &none);
-    glReadBuffer(GL_NONE);  // a 3.3 driver may call a target incomplete whose read buffer does not exist
+    glReadBuffer(GL_NONE);  // without it the framebuffer is incomplete on strict 3.3 drivers
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
@@ -50,6 +48,7 @@ std::int16_t CKV_ScenePaneCtrl::GetShadowMode() { return m_bShadowEnabled != 0 ?
 void CKV_ScenePaneCtrl::SetShadowColor(float red, float green, float blue) { m_fShadowColor = {red, green, blue}; }
 
 void CKV_ScenePaneCtrl::InitFramebuffers() {
+    // The programs, in the order of ShaderIndex.
     std::uint32_t* const programs[kShaderCount] = {
         &m_progPerPixel, &m_progTexPerPixel, &m_progCreateMask, &m_progUseMask,
         &m_progDepth,    &m_progQuad,        &m_progShadow,     &m_progFreeFloatingPoints};
@@ -59,6 +58,7 @@ void CKV_ScenePaneCtrl::InitFramebuffers() {
     }
     glEnable(GL_MULTISAMPLE);
 
+    // The shadow map: a framebuffer with a depth texture.
     Log(LogLevel::Info) << "Initalize framebuffer. " << std::endl;
     m_nShadowFbo = 0;
     glGenFramebuffers(1, &m_nShadowFbo);
@@ -72,6 +72,7 @@ void CKV_ScenePaneCtrl::InitFramebuffers() {
     RequireCompleteFramebuffer();
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
+    // The target of screenshots: a framebuffer with renderbuffers for colour and depth.
     Log(LogLevel::Info) << "Initialize renderbuffer." << std::endl;
     glGenRenderbuffers(1, &m_nOffscreenColorRb);
     glGenRenderbuffers(1, &m_nOffscreenDepthRb);
@@ -89,7 +90,8 @@ void CKV_ScenePaneCtrl::InitFramebuffers() {
 }
 
 void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
-    // The camera's own projection: it is orthographic, and its near and far planes lie on both sides of the eye.
+    // The light uses the projection of the camera: it is orthographic and its depth range extends to both sides of the
+    // eye, so that it covers the scene from the light, too.
     glGetFloatv(GL_PROJECTION_MATRIX, projection);
     GLint viewport[4] = {};
     glGetIntegerv(GL_VIEWPORT, viewport);
@@ -100,21 +102,23 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
               m_fShadowCenter[2], m_fShadowUp[0], m_fShadowUp[1], m_fShadowUp[2]);
     glGetFloatv(GL_MODELVIEW_MATRIX, modelView);
 
+    // The depth pass.
     glBindFramebuffer(GL_FRAMEBUFFER, m_nShadowFbo);
     glViewport(0, 0, m_nShadowMapWidth, m_nShadowMapHeight);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glPushAttrib(GL_DEPTH_BUFFER_BIT);  // or the selection would be tested for depth from the first shadow on
+    glPushAttrib(GL_DEPTH_BUFFER_BIT);  // restores the depth test: the selection is drawn without it
     glEnable(GL_DEPTH_TEST);
     glUseProgram(m_progDepth);
     for (const auto& mesh : m_vpMeshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(2, false);  // full detail, whatever moves
+        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags, too
     glPopAttrib();
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
+    // Restore the state of the caller.
     glMatrixMode(GL_MODELVIEW);
     glPopMatrix();
-    // Nothing was pushed here, so this raises a stack error and changes nothing. Hosts that look for OpenGL errors know
-    // it as the mark of a shadow pass.
+    // An unmatched pop on purpose: it raises GL_STACK_UNDERFLOW and changes nothing. Hosts that query OpenGL errors
+    // recognise a shadow pass by it.
     glMatrixMode(GL_PROJECTION);
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);

@@ -1,4 +1,4 @@
-// The display lists of the three fonts.
+// The display lists of the three fonts: one list per glyph, numbered by character code from the first list of the font.
 #include "render/TextDraw.h"
 
 #include <GL/gl.h>
@@ -9,9 +9,10 @@
 namespace {
 
 constexpr std::array<GLuint, 3> kFirstLists = {1000, 1256, 1512};
-constexpr std::size_t kGlyphCount = 255;
-constexpr GLsizei kListSpan = 256;
+constexpr std::size_t kGlyphCount = 255;  // character 255 has no list
+constexpr GLsizei kListSpan = 256;        // between the first lists of two fonts
 
+/// In the order of the font indices: stock font, bold, black.
 const std::array<FontRequest, 3>& Fonts() {
     static const std::array<FontRequest, 3> fonts = {FontRequest{},
                                                      {.family = "Courier New", .weight = 700, .height = -24},
@@ -19,6 +20,7 @@ const std::array<FontRequest, 3>& Fonts() {
     return fonts;
 }
 
+/// @throws std::out_of_range for a number that is not 1, 2 or 3; hosts see this text
 std::size_t IndexOf(std::int32_t fontNumber) {
     if (fontNumber < 1 || fontNumber > 3) throw std::out_of_range("invalid array<T, N> subscript");
     return static_cast<std::size_t>(fontNumber - 1);
@@ -29,7 +31,8 @@ std::size_t IndexOf(std::int32_t fontNumber) {
 void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs) {
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    // Mesa refuses a bitmap of 0 x 0 at a null pointer inside a display list: a blank then no longer moves on.
+    // Mesa rejects glBitmap() with a null pointer inside a display list, even for 0 x 0 pixels: a space would then not
+    // advance the raster position.
     constexpr std::uint8_t kNoBits = 0;
     for (const Glyph& glyph : glyphs) {
         glNewList(firstList++, GL_COMPILE);
@@ -61,7 +64,8 @@ void COpenGLTextDraw::PrintText(std::u16string_view text, std::int32_t fontIndex
     const auto hasGlyph = [](char16_t c) { return c < kGlyphCount; };
     glPushAttrib(GL_LIST_BIT);
     glListBase(kFirstLists[fontIndex == 0 || fontIndex == 1 ? static_cast<std::size_t>(fontIndex) : 2]);
-    // A character that has no glyph is left out: its list number may be that of another font's glyph.
+    // Runs of characters with a glyph, one call per run. Others are skipped: their list numbers may belong to the
+    // glyphs of another font.
     for (auto at = std::ranges::find_if(text, hasGlyph); at != text.end();) {
         const auto end = std::find_if_not(at, text.end(), hasGlyph);
         glCallLists(static_cast<GLsizei>(end - at), GL_UNSIGNED_SHORT, &*at);

@@ -7,34 +7,35 @@
 
 #include "platform/Fonts.h"
 
-/// Compiles one display list a glyph into the current context: firstList, firstList + 1 and so on. A list draws at the
-/// raster position and moves it on by the advance.
+/// Compiles one display list per glyph in the current context: firstList, firstList + 1 and so on. Calling a list draws
+/// the glyph at the raster position and moves the position right by the advance.
 void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs);
 
-/// Font indices: 0 the stock font, fixed pitch and small, 1 bold of 24 pixels, 2 black of 100 pixels. Nothing else
-/// in the context may use the lists 1000 to 1767.
+/// Three bitmap fonts. Index 0 is the stock font, fixed pitch and small; 1 is bold, 24 pixels; 2 is black (weight 900),
+/// 100 pixels. Nothing else in the context may use the display lists 1000 to 1767.
 class COpenGLTextDraw {
 public:
     COpenGLTextDraw() = default;
-    /// Deletes the glyphs in the context that is then current; without one nothing.
+    /// Deletes the display lists in the context that is current at that time; without a context it does nothing.
     virtual ~COpenGLTextDraw();
     COpenGLTextDraw(const COpenGLTextDraw&) = delete;
     COpenGLTextDraw& operator=(const COpenGLTextDraw&) = delete;
 
-    /// Makes the glyphs in the current context, once for each context. A source without a font leaves no glyphs, and
-    /// text of no size.
+    /// Compiles the glyphs of all fonts in the current context; call it once per context. Text in a font that @p source
+    /// does not have draws nothing and has width and height 0.
     void CreateFonts(const GlyphSource& source);
 
-    /// Draws at the current raster position in the current raster colour. A character above 254 is no glyph: it draws
-    /// and moves nothing.
-    /// @param fontIndex  any other than 0 and 1 is 2
+    /// Draws at the current raster position in the raster colour, and moves the position to the end of the text.
+    /// Characters above 254 have no glyph: they draw nothing and do not advance.
+    /// @param fontIndex  every value other than 0 and 1 means 2
     void PrintText(std::u16string_view text, std::int32_t fontIndex) const;
 
-    /// Pixels from line to line.
+    /// Distance between lines, pixels.
     /// @param fontNumber  the font index plus 1
     /// @throws std::out_of_range for a number that is not 1, 2 or 3
     [[nodiscard]] std::int32_t GetFontHeight(std::int32_t fontNumber) const;
-    /// Pixels of a text in the ANSI character set; number and throw as above.
+    /// Width of a text, pixels; each byte is one character of the ANSI character set. Font number and exception as
+    /// above.
     [[nodiscard]] std::int32_t GetTextWidth(std::string_view text, std::int32_t fontNumber) const;
 
     std::array<std::array<std::int32_t, 256>, 3> m_vCharWidths{};  ///< pixels, per font

@@ -1,4 +1,4 @@
-// Packs vertices and indices for the GPU. Who uploads and draws them: MeshDraw.cpp.
+// Packs vertices and indices into the layouts of the GPU buffers. MeshDraw.cpp uploads and draws them.
 #include "render/VertexPacking.h"
 
 #include <cmath>
@@ -6,22 +6,25 @@
 
 namespace {
 
-// Position and normal lead the record of a vertex, so that both go over in one copy.
+// Position and normal are the first fields of a vertex, so that one copy transfers both.
 static_assert(offsetof(Vertex, nx) == 12 && offsetof(Vertex, color) == kPlainStride);
 
-/// The low eight bits of the number; a colour that no byte can come from counts as black.
+/// The low eight bits of the number, rounded down; 0 for a NaN and for numbers too large to convert.
 std::uint8_t ToByte(double value) {
     const double whole = std::floor(value);
     if (!(std::fabs(whole) < 1e9)) return 0;
     return static_cast<std::uint8_t>(static_cast<std::int32_t>(whole) & 0xFF);
 }
 
-std::array<std::uint8_t, 256> MixChannel(float keep, float take, float objectChannel) {
+/// Table of one channel: vertex colour times its share plus object colour times its share. The mix of single and double
+/// precision fixes the rounding.
+std::array<std::uint8_t, 256> MixChannel(float vertexShare, float objectShare, float objectChannel) {
     std::array<std::uint8_t, 256> mixed{};
-    const float taken = take * objectChannel;
+    const float fromObject = objectShare * objectChannel;
     for (std::size_t c = 0; c < mixed.size(); ++c) {
-        mixed[c] =
-            ToByte((static_cast<double>(c) / 255.0 * static_cast<double>(keep) + static_cast<double>(taken)) * 255.0);
+        mixed[c] = ToByte(
+            (static_cast<double>(c) / 255.0 * static_cast<double>(vertexShare) + static_cast<double>(fromObject)) *
+            255.0);
     }
     return mixed;
 }
@@ -29,12 +32,12 @@ std::array<std::uint8_t, 256> MixChannel(float keep, float take, float objectCha
 }  // namespace
 
 VertexColorTable MakeVertexColorTable(const float objectColor[3], bool blend) {
-    const float keep = blend ? 0.15f : 1.0f;
-    const float take = static_cast<float>(1.0 - static_cast<double>(keep));
-    return {.red = MixChannel(keep, take, objectColor[0]),
-            .green = MixChannel(keep, take, objectColor[1]),
-            .blue = MixChannel(keep, take, objectColor[2]),
-            .alpha = ToByte(static_cast<double>(take + keep) * 255.0)};
+    const float vertexShare = blend ? 0.15f : 1.0f;
+    const float objectShare = static_cast<float>(1.0 - static_cast<double>(vertexShare));
+    return {.red = MixChannel(vertexShare, objectShare, objectColor[0]),
+            .green = MixChannel(vertexShare, objectShare, objectColor[1]),
+            .blue = MixChannel(vertexShare, objectShare, objectColor[2]),
+            .alpha = ToByte(static_cast<double>(objectShare + vertexShare) * 255.0)};
 }
 
 void PackPlain(std::span<const Vertex> vertices, std::byte* out) {
@@ -44,6 +47,7 @@ void PackPlain(std::span<const Vertex> vertices, std::byte* out) {
     }
 }
 
+// The vertex holds its colour as 0x00RRGGBB, the buffer as bytes r, g, b, a.
 void PackColored(std::span<const Vertex> vertices, const VertexColorTable& table, std::byte* out) {
     for (const Vertex& vertex : vertices) {
         const std::uint8_t color[4] = {table.red[(vertex.color >> 16) & 0xFF], table.green[(vertex.color >> 8) & 0xFF],
@@ -54,6 +58,7 @@ void PackColored(std::span<const Vertex> vertices, const VertexColorTable& table
     }
 }
 
+// Each corner becomes a separate vertex: position and normal are copied for every triangle that uses them.
 void PackTextured(std::span<const Vertex> vertices, std::span<const Triangle> triangles,
                   std::span<const TexCoord> texCoords, std::byte* out) {
     std::size_t corner = 0;
