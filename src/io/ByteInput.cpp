@@ -1,17 +1,12 @@
-// The two kinds of input.
+// Both kinds of input are read in order, and both return fewer bytes at the end instead of failing.
 #include "io/ByteInput.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <system_error>
 
 #include "KV_ScenePane/PathText.h"
 
+// memcpy() must not get the null pointer of an empty span.
 std::size_t MemoryInput::Read(void* to, std::size_t size) {
     const std::size_t part = std::min(size, m_bytes.size());
     if (part > 0) std::memcpy(to, m_bytes.data(), part);
@@ -19,28 +14,18 @@ std::size_t MemoryInput::Read(void* to, std::size_t size) {
     return part;
 }
 
-FileInput::FileInput(const std::wstring& path) {
-    // O_NONBLOCK: the open of a pipe that nobody writes to must not wait.
-    m_iFd = ::open(KV_ScenePane::PathBytes(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (m_iFd < 0) throw FileReadError("cannot be opened: " + std::generic_category().message(errno));
-    struct stat info {};
-    if (::fstat(m_iFd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        ::close(m_iFd);
-        throw FileReadError("is not a regular file");
-    }
-    m_uSize = static_cast<std::uint64_t>(info.st_size);
+// FileAccessError keeps its text as it becomes the error that callers of the readers expect.
+FileInput::FileInput(const std::wstring& path) try : m_file(KV_ScenePane::PathBytes(path)) {
+} catch (const FileAccessError& error) {
+    throw FileReadError(error.what());
 }
 
-FileInput::~FileInput() { ::close(m_iFd); }
-
 std::size_t FileInput::Read(void* to, std::size_t size) {
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t got = ::read(m_iFd, static_cast<char*>(to) + done, size - done);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) throw FileReadError("cannot be read: " + std::generic_category().message(errno));
-        if (got == 0) break;
-        done += static_cast<std::size_t>(got);
+    try {
+        const std::size_t got = m_file.ReadAt(m_uOffset, to, size);
+        m_uOffset += got;
+        return got;
+    } catch (const FileAccessError& error) {
+        throw FileReadError(error.what());
     }
-    return done;
 }

@@ -6,46 +6,49 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/RegularFile.h"
+
 /// Why a file was refused; the text is for the debugger output.
 class FileReadError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// A parser is written once against this and runs on files and, in tests and fuzzers, on bytes in memory.
 class ByteInput {
 public:
     ByteInput() = default;
     virtual ~ByteInput() = default;
     ByteInput(const ByteInput&) = delete;
     ByteInput& operator=(const ByteInput&) = delete;
-    /// What there was at the start. A file that another process cuts short gives less.
+    /// Bytes in the input when it was opened. A file that another process shortens yields fewer.
     [[nodiscard]] virtual std::uint64_t Size() const = 0;
-    /// @return how many bytes came; fewer than @p size only at the end
+    /// Copies the next @p size bytes.
+    /// @return the number of bytes copied: fewer than @p size only at the end
     virtual std::size_t Read(void* to, std::size_t size) = 0;
 };
 
 class MemoryInput final : public ByteInput {
 public:
-    /// Looks at the bytes while it lives.
+    /// @param bytes  must outlive this object
     explicit MemoryInput(std::span<const std::byte> bytes) : m_bytes(bytes), m_uSize(bytes.size()) {}
     [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
     std::size_t Read(void* to, std::size_t size) override;
 
 private:
-    std::span<const std::byte> m_bytes;  ///< what is left
+    std::span<const std::byte> m_bytes;  ///< not read yet
     std::size_t m_uSize;
 };
 
-/// Read by calls and not mapped: a file that shrinks under a mapping would end the process.
+/// A regular file.
 class FileInput final : public ByteInput {
 public:
-    /// @throws FileReadError when the file cannot be opened or is no regular file; never waits for a pipe's writer
+    /// @throws FileReadError when the file cannot be opened or is not a regular file; never waits for a pipe's writer
     explicit FileInput(const std::wstring& path);
-    ~FileInput() override;
-    [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
+    [[nodiscard]] std::uint64_t Size() const override { return m_file.Size(); }
     /// @throws FileReadError
     std::size_t Read(void* to, std::size_t size) override;
 
 private:
-    int m_iFd = -1;
-    std::uint64_t m_uSize = 0;
+    RegularFile m_file;
+    std::uint64_t m_uOffset = 0;  ///< of the next byte to read
 };

@@ -1,4 +1,4 @@
-// The header of a ply file: its tokens, and the grammar they make. The data is in PlyDataSection.cpp.
+// The header of a ply file: from characters to tokens, from tokens to the grammar. The data is in PlyDataSection.cpp.
 #include "io/CPLYFile.h"
 
 #include <algorithm>
@@ -7,14 +7,16 @@
 #include <new>
 #include <stdexcept>
 
-#include "io/StreamNumber.h"
 #include "base/HugePages.h"
+#include "io/StreamNumber.h"
 
 namespace {
+/// In the order of the codes of PlyType.
 struct TypeTrait {
     const char* name;
     int width;
 };
+// Several names for the same type: float and float32, uchar and uint8, uint and uint32.
 constexpr std::array<TypeTrait, 12> kTypes{{{"none", 0},
                                             {"float32", 4},
                                             {"uint8", 1},
@@ -32,20 +34,20 @@ const TypeTrait& TraitOf(int type) {
     return kTypes.at(type > 0 && type < static_cast<int>(kTypes.size()) ? static_cast<std::size_t>(type) : 0);
 }
 
-/// A to Z alone, whatever the process's locale.
+/// A to Z alone: the process's locale must not decide what a keyword is.
 std::string LowerCase(std::string text) {
     for (char& c : text)
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     return text;
 }
 
-/// The characters of a stream's header. They come from its buffer: extraction by the stream would go by its locale.
+/// The header of a stream as tokens. It reads the stream's buffer: operator>> would depend on the stream's locale.
 class HeaderText {
 public:
     explicit HeaderText(std::istream& stream) : m_rStream(stream) {}
 
     [[nodiscard]] std::int64_t Position() const { return static_cast<std::int64_t>(m_rStream.tellg()); }
-    /// Up to white space, which stays; empty at the end of the stream.
+    /// The next token; empty at the end of the stream. The white space after it is not consumed.
     [[nodiscard]] std::string Token() {
         int c = Peek();
         while (IsSpace(c)) c = Next();
@@ -53,7 +55,7 @@ public:
         for (; c != kEnd && !IsSpace(c); c = Next()) token += static_cast<char>(c);
         return token;
     }
-    /// Up to a line feed, which goes; without carriage returns.
+    /// The characters up to a line feed, without carriage returns. The line feed is consumed.
     [[nodiscard]] std::string RestOfLine() {
         std::string line;
         int c = Peek();
@@ -70,13 +72,15 @@ private:
     static constexpr int kEnd = std::char_traits<char>::eof();
     static bool IsSpace(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+    /// The next character, which is not consumed; kEnd at the end.
     int Peek() {
         return Guarded([](std::streambuf& buffer) { return buffer.sgetc(); });
     }
+    /// Consumes a character and returns the one after it.
     int Next() {
         return Guarded([](std::streambuf& buffer) { return buffer.snextc(); });
     }
-    /// What cannot be read ends the stream: a folder opens as a file and then throws.
+    /// A read error counts as the end of the stream: a folder can be opened like a file, but reading it throws.
     template <class Get>
     int Guarded(Get get) {
         if (!m_rStream.good()) return kEnd;
@@ -91,6 +95,7 @@ private:
     std::istream& m_rStream;
 };
 
+/// "ply", then "format NAME VERSION".
 void ReadMagicAndFormat(HeaderText& header, CPLYFile& file) {
     std::int64_t position = header.Position();
     if (LowerCase(header.Token()) != "ply") throw CPLYFileError("Magic number in PLY header not found.", position);
@@ -110,6 +115,7 @@ void ReadMagicAndFormat(HeaderText& header, CPLYFile& file) {
     file.m_sVersion = version;
 }
 
+/// Collects comments and the tokens of the declarations, up to end_header.
 void ReadBody(HeaderText& header, CPLYFile& file) {
     for (std::string token = LowerCase(header.Token()); !token.empty(); token = LowerCase(header.Token())) {
         if (token == "comment") {
@@ -122,7 +128,11 @@ void ReadBody(HeaderText& header, CPLYFile& file) {
     }
 }
 
-/// Makes elements of the tokens in a grammar, which single blanks part.
+/// Recursive descent over the tokens of the grammar, one member function per rule:
+///   grammar: element*
+///   element: "element" NAME COUNT ("property" item)*
+///   item:    TYPE NAME | "list" list
+///   list:    COUNT_TYPE TYPE NAME
 class GrammarParser {
 public:
     explicit GrammarParser(CPLYFile& file) : m_rFile(file), m_sRest(file.m_sGrammar) {}
@@ -132,54 +142,59 @@ public:
     }
 
 private:
+    /// One element and the items that follow it.
     void ParseElement() {
-        if (Next() != "element") Fail("\"element\" expected.");
-        Take();
+        if (Peek() != "element") Fail("\"element\" expected.");
+        Next();
         Require(2);
         auto element = std::make_unique<Element>();
-        element->m_sName = Take();
-        element->m_iCount = Count(Next());
-        Take();
-        while (Next() == "property") {
-            Take();
+        element->m_sName = Next();
+        element->m_iCount = Count(Peek());
+        Next();
+        while (Peek() == "property") {
+            Next();
             element->m_vItems.push_back(ParseItem());
         }
         m_rFile.m_vElements.push_back(std::move(element));
     }
 
+    /// A property or a list, after the word "property".
     std::unique_ptr<Element::ElementSubItem> ParseItem() {
-        if (Next() == "list") {
-            Take();
+        if (Peek() == "list") {
+            Next();
             return ParseList();
         }
         Require(2);
         auto property = std::make_unique<Element::Property>();
-        property->m_iType = TypeOf(Next());
-        if (property->m_iType == kPlyNone) Fail("invalid property type \"" + std::string(Next()) + '"');
-        Take();
-        property->m_sName = Take();
+        property->m_iType = TypeOf(Peek());
+        if (property->m_iType == kPlyNone) Fail("invalid property type \"" + std::string(Peek()) + '"');
+        Next();
+        property->m_sName = Next();
         return property;
     }
 
+    /// A list, after the word "list".
     std::unique_ptr<Element::ElementSubItem> ParseList() {
         Require(3);
         auto list = std::make_unique<Element::List>();
-        list->m_iCountType = TypeOf(Next());
+        list->m_iCountType = TypeOf(Peek());
         if (list->m_iCountType == kPlyNone) Fail(std::string("invalid count type in list ") + PlyTypeName(kPlyNone));
-        Take();
-        list->m_iElementType = TypeOf(Next());
+        Next();
+        list->m_iElementType = TypeOf(Peek());
         if (list->m_iElementType == kPlyNone)
             Fail(std::string("invalid element type in list ") + PlyTypeName(kPlyNone));
-        Take();
-        list->m_sName = Take();
+        Next();
+        list->m_sName = Next();
         return list;
     }
 
+    /// kPlyNone for an unknown name. "none" itself is in the table and not a type either.
     [[nodiscard]] int TypeOf(std::string_view name) const {
         const auto found = m_rFile.m_mapTypes.find(name);
         return found == m_rFile.m_mapTypes.end() ? kPlyNone : found->second;
     }
 
+    /// The whole token must be a number from 0 to the largest int.
     int Count(std::string_view token) {
         int count = 0;
         const char* const last = token.data() + token.size();
@@ -187,14 +202,15 @@ private:
         return count;
     }
 
-    /// Empty at the end.
-    [[nodiscard]] std::string_view Next() const { return m_sRest.substr(0, m_sRest.find(' ')); }
-    std::string_view Take() {
-        const std::string_view token = Next();
+    /// The next token, which is not consumed; empty at the end.
+    [[nodiscard]] std::string_view Peek() const { return m_sRest.substr(0, m_sRest.find(' ')); }
+    std::string_view Next() {
+        const std::string_view token = Peek();
         m_sRest.remove_prefix(std::min(token.size() + 1, m_sRest.size()));
         ++m_iIndex;
         return token;
     }
+    /// Fails unless at least @p tokens tokens are left. The error names the index of the first one that is missing.
     void Require(int tokens) {
         std::string_view ahead = m_sRest;
         for (int present = 0; present < tokens; ++present) {
@@ -210,11 +226,12 @@ private:
     }
 
     CPLYFile& m_rFile;
-    std::string_view m_sRest;   // of the grammar, from the next token on
-    std::int64_t m_iIndex = 0;  // of the next token
+    std::string_view m_sRest;   // the grammar from the next token on
+    std::int64_t m_iIndex = 0;  // of the next token, counted from 0
 };
 
-/// The line end behind the magic word decides for the whole file. The stream stays where it is.
+/// Width in bytes of the line end after the magic word, which decides for the whole file. The stream's position does
+/// not change.
 int LineEndWidth(std::istream& stream) {
     const auto position = stream.tellg();
     if (position == std::istream::pos_type(-1)) return 1;
@@ -226,7 +243,7 @@ int LineEndWidth(std::istream& stream) {
     return start[3] == '\r' && start[4] == '\n' ? 2 : 1;
 }
 
-/// Bytes from the stream's position to its end; 0 when it cannot tell.
+/// Bytes from the stream's position to its end; 0 when the stream has no positions.
 std::size_t RestSize(std::streambuf& buffer) {
     const std::streamoff here = buffer.pubseekoff(0, std::ios_base::cur, std::ios_base::in);
     if (here < 0) return 0;
@@ -235,12 +252,13 @@ std::size_t RestSize(std::streambuf& buffer) {
     return end > here ? static_cast<std::size_t>(end - here) : 0;
 }
 
-/// What cannot be read ends the stream.
+/// The stream from its position to its end; a read error counts as the end.
 std::string ReadRest(std::istream& stream) {
-    constexpr std::size_t kPiece = std::size_t{1} << 17;  // stays in the cache until it is appended
+    constexpr std::size_t kPiece = std::size_t{1} << 17;  // small enough to be in the cache still when it is appended
     std::string data;
     if (!stream.good()) return data;
     try {
+        // The size is that of the stream, not an announced one: a header cannot make this large.
         data.reserve(RestSize(*stream.rdbuf()));
         AdviseHugePages(data.data(), data.capacity());
         const auto piece = std::make_unique<char[]>(kPiece);
@@ -292,14 +310,17 @@ bool Element::HasLists() const {
 
 void CPLYFile::Read(std::istream& stream, bool headerOnly) {
     Clear();
+    // header: characters, tokens, grammar
     HeaderText header(stream);
     ReadMagicAndFormat(header, *this);
     ReadBody(header, *this);
     GrammarParser(*this).Parse();
+    // Binary data starts after exactly one line end, whose bytes are not white space to skip: data can look like it.
     const int lineEnd = LineEndWidth(stream);
     if (m_iFormat != kAscii) header.Skip(lineEnd);
     if (headerOnly) return;
 
+    // data: the constructors find the elements in it and refuse what cannot be read
     std::string data = ReadRest(stream);
     if (m_iFormat == kAscii)
         m_pDataSection = std::make_unique<TextDataSection>(*this, std::move(data));
@@ -312,7 +333,7 @@ void CPLYFile::Clear() {
     m_sVersion.clear();
     m_vComments.clear();
     m_sGrammar.clear();
-    m_pDataSection.reset();  // looks at the elements
+    m_pDataSection.reset();  // before the elements, which it points to
     m_vElements.clear();
 }
 

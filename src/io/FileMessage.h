@@ -1,4 +1,4 @@
-// The line about a file that was refused or could not be written.
+// The line of the debugger output about a file that was refused or could not be written.
 #pragma once
 #include <string>
 #include <string_view>
@@ -6,7 +6,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "base/DebugOutput.h"
 
-/// Tells the debugger output, in one line: the operation, the file and the reason.
+/// Writes one line to the debugger output: "OPERATION(): PATH: REASON". The path keeps its bytes. Any thread.
 inline void ReportFileError(const char* operation, const wchar_t* path, std::string_view reason) {
     std::string line = std::string(operation) + "(): " + KV_ScenePane::PathBytes(path) + ": ";
     DebugOutput(line.append(reason).append("\n"));

@@ -1,4 +1,4 @@
-// Reads pax and xdt straight into the arrays that stay. One parser each, over a file or over bytes in memory.
+// Reads pax and xdt straight into the arrays of the result. One parser per format, for files and for bytes in memory.
 #include "io/GridReaders.h"
 
 #include <bit>
@@ -7,23 +7,25 @@
 
 #include "base/HugePages.h"
 
-static_assert(std::endian::native == std::endian::little, "values are taken from the file as they stand");
+static_assert(std::endian::native == std::endian::little, "values are copied from the file without a conversion");
 
 namespace {
 
-/// Fills the array as far as the file goes, to whole values: half a number is none.
+/// Fills the array as far as the file has values; the rest stays zero, and so does a value of which the file has a
+/// part.
 void ReadFloats(ByteInput& input, std::span<float> values) {
     const std::size_t got = input.Read(values.data(), values.size_bytes());
     if (const std::size_t rest = got % sizeof(float); rest != 0) values[got / sizeof(float)] = 0.0f;
 }
 
-/// Reads the size and allocates what comes with it.
+/// Reads and checks the size of the grid and allocates its arrays. They take at most four times the size of the file.
 MeasurementGrid ReadHead(ByteInput& input, bool hasConfidence) {
     std::int16_t size[2] = {};
     if (input.Read(size, sizeof size) < sizeof size) throw MeasurementReadError("ends before the size of its grid");
     MeasurementGrid grid;
     if (size[0] < 0 || size[1] < 0) throw MeasurementReadError("announces a grid of negative size");
     if (size[0] == 0 || size[1] == 0) return grid;
+    // 32-bit products of 16-bit numbers in 64 bits: nothing here can overflow.
     const auto pixels = static_cast<std::uint64_t>(size[0]) * static_cast<std::uint64_t>(size[1]);
     const std::uint64_t announced = pixels * (hasConfidence ? 4 : 3) * sizeof(float);
     if ((input.Size() - sizeof size) < (announced + 3) / 4) {
@@ -36,6 +38,7 @@ MeasurementGrid ReadHead(ByteInput& input, bool hasConfidence) {
     return grid;
 }
 
+/// Points, confidence and transform, in this order. A missing transform stays zero.
 MeasurementGrid ReadPaxFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, true);
     ReadFloats(input, grid.m_vPoints);
@@ -44,6 +47,7 @@ MeasurementGrid ReadPaxFrom(ByteInput&& input) {
     return grid;
 }
 
+/// Points alone.
 MeasurementGrid ReadXdtFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, false);
     ReadFloats(input, grid.m_vPoints);
@@ -68,19 +72,4 @@ MeasurementGrid ReadXdt(std::span<const std::byte> bytes) { return ReadXdtFrom(M
 
 void ScaleXdtPoints(std::span<float> points) {
     for (float& coordinate : points) coordinate /= 1000.0f;
-}
-
-std::vector<std::uint16_t> XdtMask(std::span<const float> points) {
-    std::vector<std::uint16_t> mask(points.size() / 3);
-    const float* p = points.data();
-    for (std::size_t i = 0; i < mask.size(); ++i, p += 3) {
-        mask[i] = static_cast<std::uint16_t>((p[0] == p[1]) & (p[1] == p[2]) & (p[0] < 0.0f));
-    }
-    return mask;
-}
-
-std::vector<std::uint16_t> ConfidenceMask(std::span<const float> confidence, float limit) {
-    std::vector<std::uint16_t> mask(confidence.size());
-    for (std::size_t i = 0; i < mask.size(); ++i) mask[i] = limit > confidence[i];
-    return mask;
 }

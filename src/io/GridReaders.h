@@ -1,5 +1,5 @@
-// The measurement formats pax and xdt, byte by byte in docs/formats. What they announce is checked against the bytes
-// that are there before anything is allocated.
+// The measurement formats pax and xdt; docs/formats describes every byte. The announced size of a grid is checked
+// against the size of the file before anything is allocated.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -13,7 +13,8 @@
 
 using MeasurementReadError = FileReadError;
 
-/// Floats that are zero from the start without a pass over them: pages that nobody writes to cost nothing.
+/// An array of floats that is zero without a pass over it: the system provides zeroed pages, and pages that are never
+/// written need no memory.
 class ZeroedFloats {
 public:
     ZeroedFloats() = default;
@@ -37,24 +38,24 @@ private:
     std::size_t m_uCount = 0;
 };
 
-/// A grid as it stands in the file, in the file's units. Where the file was cut short the values are zero.
+/// The content of a file, in the file's units. Values after the end of a short file are zero.
+///
+/// The arrays are as large as the announced grid, however short the file is.
 struct MeasurementGrid {
     std::int16_t m_iWidth = 0, m_iHeight = 0;  ///< both zero when the file announces no pixel
-    ZeroedFloats m_vPoints;                    ///< 3 a pixel, row after row
-    ZeroedFloats m_vConfidence;                ///< one a pixel; empty for xdt
-    std::array<float, 16> m_fTrafo{};          ///< row-major 4 x 4; zero for xdt
+    ZeroedFloats m_vPoints;                    ///< 3 per pixel, row after row
+    ZeroedFloats m_vConfidence;                ///< one per pixel; empty for xdt
+    std::array<float, 16> m_fTrafo{};          ///< row-major 4 x 4, sensor to world; zero for xdt
 };
 
-/// @throws MeasurementReadError when the file cannot be opened, is no regular file, ends before its grid's size,
+/// From a file or from the bytes of one.
+/// @throws MeasurementReadError when the file cannot be opened, is not a regular file, ends before its grid's size,
 ///         announces a negative size, or holds less than a quarter of the grid that it announces
 [[nodiscard]] MeasurementGrid ReadPaxFile(const std::wstring& path);
 [[nodiscard]] MeasurementGrid ReadPax(std::span<const std::byte> bytes);
 [[nodiscard]] MeasurementGrid ReadXdtFile(const std::wstring& path);
 [[nodiscard]] MeasurementGrid ReadXdt(std::span<const std::byte> bytes);
 
-/// From the units of an xdt file to those of the scene: divides every coordinate by 1000.
+/// From the units of an xdt file to those of the scene: divides every coordinate by 1000, in place. Not the same as the
+/// multiplication by 0.001 that pcm files need: the results can differ in the last bit.
 void ScaleXdtPoints(std::span<float> points);
-/// 1 for the pixels that the sensor did not measure: x, y and z are all equal and negative. Of scaled points.
-[[nodiscard]] std::vector<std::uint16_t> XdtMask(std::span<const float> points);
-/// 1 for the pixels whose confidence is below the limit; no comparison holds for a confidence that is no number.
-[[nodiscard]] std::vector<std::uint16_t> ConfidenceMask(std::span<const float> confidence, float limit);

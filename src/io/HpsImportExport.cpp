@@ -1,4 +1,4 @@
-// Imports and exports hps files. What the objects of the component library are asked for is in io/HpsMeshFile.h.
+// Imports and exports hps files: between the object list and io/HpsMeshFile.h, which reads and writes them.
 #include <cassert>
 #include <cstdint>
 #include <memory>
@@ -13,13 +13,14 @@
 
 namespace {
 
-/// The low byte of every 16-bit unit of the text, by no code page.
+/// The low byte of every UTF-16 unit of the text. No code page is used: characters above 255 are cut.
 std::string LowBytes(std::wstring_view text) {
     std::string bytes;
     bytes.reserve(text.size());
     for (const wchar_t character : text) {
         const auto c = static_cast<std::uint32_t>(character);
-        // a pair of units; the low byte of the first one is that of the bits above 10
+        // Above the 16-bit range a character is a pair of units; the low byte of the first comes from the bits
+        // above 10.
         if (c >= 0x10000) bytes.push_back(static_cast<char>((c - 0x10000) >> 10));
         bytes.push_back(static_cast<char>(c));
     }
@@ -34,7 +35,7 @@ void CKV_ScenePaneCtrl::SetHpsSourceApp(BSTR appName, BSTR appVersion) {
 }
 
 int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
-    MakeContextCurrent();  // a mesh makes its texture in it
+    MakeContextCurrent();  // the mesh creates its texture in it
     HpsData data;
     try {
         data = ReadHpsFile(path);
@@ -42,6 +43,7 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
         ReportFileError("ImportHps", path, *error.what() == '\0' ? "an error without a text" : error.what());
         return -1;
     }
+    // A file without a texture makes a mesh without texture coordinates.
     const bool textured = !data.m_vPixels.empty();
     auto mesh = MakeHpsMesh(std::move(data.m_vVertices), data.m_vFaces, path, data.m_vImageBytes,
                             textured ? data.m_vPixels.data() : nullptr, data.m_uWidth, data.m_uHeight);
@@ -53,6 +55,7 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
 void CKV_ScenePaneCtrl::ExportHps(std::int16_t objIdx, const wchar_t* path) {
     assert(ObjectAt(objIdx) != nullptr);
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
+    // References to the mesh: only names are copied.
     HpsContent content;
     content.vertices = mesh.m_vVertices;
     content.triangles = mesh.m_vTriangles;

@@ -1,5 +1,5 @@
-// Reads hps files. The objects and their operations are described in KV_Components/Hps.h; writing is in
-// HpsMeshFileWrite.cpp.
+// Reads hps files: texture first, then texture coordinates, vertices and triangles, each checked before it is used,
+// since a site can have another library with other checks. Writing is in HpsMeshFileWrite.cpp.
 #include "io/HpsMeshFile.h"
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
-#include "platform/ComponentRegistry.h"
 #include "base/HugePages.h"
+#include "platform/ComponentRegistry.h"
 
 namespace {
 
@@ -22,17 +22,17 @@ namespace image = KvComponents::image;
 using KvComponents::kSucceeded;
 using KvComponents::Object;
 
-// No OpenGL takes a larger texture.
+// A larger texture is beyond the limits of all OpenGL implementations.
 constexpr std::int32_t kMaxTextureSide = 32768;
 
-// The reader's error codes that are reported here, too: what the library let pass is looked at again.
+// Error codes of the library's reader that are reported from here, too: what the library accepted is checked again.
 constexpr std::int32_t kInvalidVertexData = 4, kInvalidFacetData = 5, kInvalidUvData = 6, kInvalidTextureData = 7;
 
 [[noreturn]] void Refuse(std::int32_t code, const std::string& detail = "") {
     throw HpsReadError(GetHpsErrorText(code) + (detail.empty() ? "" : " " + detail));
 }
 
-/// A count or size that the library gives: no object holds fewer than none.
+/// A count or size from the library, which must not be negative.
 std::size_t RequireCount(std::int32_t count, std::int32_t errorCode) {
     if (count < 0) Refuse(errorCode);
     return static_cast<std::size_t>(count);
@@ -42,28 +42,13 @@ void RequireFileData(std::int32_t status, std::int32_t errorCode) {
     if (status != kSucceeded) Refuse(errorCode);
 }
 
-/// Memory that is about to be written as a whole.
-template <class T>
-std::unique_ptr<T[]> Scratch(std::size_t count) {
-    auto values = std::make_unique_for_overwrite<T[]>(count);
-    AdviseHugePages(values.get(), count * sizeof(T));
-    return values;
-}
-
-template <class T>
-std::vector<T> Reserved(std::size_t count) {
-    std::vector<T> values;
-    values.reserve(count);
-    AdviseHugePages(values.data(), count * sizeof(T));
-    return values;
-}
-
 // ---- the mesh object
 
 struct MeshSize {
     std::size_t vertices = 0, triangles = 0;
 };
 
+/// Both counts, each with the error of its kind of data.
 MeshSize SizeOf(Object* mesh) {
     MeshSize size;
     std::int32_t count = 0;
@@ -74,8 +59,9 @@ MeshSize SizeOf(Object* mesh) {
     return size;
 }
 
+/// Three per triangle, not checked.
 std::unique_ptr<std::int32_t[]> ReadIndices(Object* mesh, std::size_t triangleCount) {
-    auto indices = Scratch<std::int32_t>(3 * triangleCount);
+    auto indices = MakeArrayInHugePages<std::int32_t>(3 * triangleCount);
     RequireFileData(hps_mesh::kReadIndices(mesh, indices.get(), 3 * triangleCount * sizeof(std::int32_t)),
                     kInvalidFacetData);
     return indices;
@@ -87,7 +73,7 @@ void RequireVertex(std::int32_t index, std::size_t vertexCount, std::size_t tria
                                   " of " + std::to_string(vertexCount) + ".");
 }
 
-/// Throws with the first triangle that refers to no vertex, when there is one.
+/// Throws with the first triangle that refers to a missing vertex, if there is one.
 void RequireVertices(Object* mesh) {
     const MeshSize size = SizeOf(mesh);
     const auto indices = ReadIndices(mesh, size.triangles);
@@ -96,7 +82,7 @@ void RequireVertices(Object* mesh) {
 
 // ---- the reader object
 
-/// A reader with a file; closed when it goes, whatever was thrown.
+/// A reader object with an open file, which the destructor closes.
 class OpenReader {
 public:
     explicit OpenReader(const wchar_t* path)
@@ -104,7 +90,7 @@ public:
         if (hps_reader::kOpen(Get(), path) == kSucceeded) return;
         const std::int32_t code = LastError();
         if (code == kInvalidFacetData) NameBadTriangle();
-        // without a reason the reading goes on, and ends where the mesh is asked for
+        // Without an error code reading continues: it fails later, when the mesh is requested.
         if (code != 0) throw HpsReadError(GetHpsErrorText(code));
     }
     ~OpenReader() { Close(); }
@@ -119,12 +105,12 @@ public:
         ComponentPtr mesh(found);
         return status == kSucceeded ? std::move(mesh) : nullptr;
     }
-    /// Gives up the file. What was read is complete: the status says nothing that matters.
+    /// Closes the file. The status is ignored: everything was read before.
     void Close() {
         if (m_bOpen) hps_reader::kClose(Get());
         m_bOpen = false;
     }
-    /// Throws the reader's own reason where it has one, else the status.
+    /// Throws unless the status is success: with the reader's own reason where it has one, else with the status text.
     void Require(std::int32_t status) const {
         if (status == kSucceeded) return;
         if (const std::int32_t code = LastError(); code != 0) throw HpsReadError(GetHpsErrorText(code));
@@ -132,7 +118,7 @@ public:
     }
 
 private:
-    /// A library may give the mesh of a file that it refuses: then the refusal tells which triangle is to blame.
+    /// Some libraries return the mesh of a file that they refuse: then the reason can name the bad triangle.
     void NameBadTriangle() const {
         if (const ComponentPtr mesh = Mesh()) RequireVertices(mesh.get());
     }
@@ -148,6 +134,7 @@ private:
 
 // ---- texture
 
+/// The texture as pixels, flipped so that the first row is that of v = 0.
 void ReadPixels(const OpenReader& reader, std::int32_t orientation, HpsData& data) {
     Object* found = nullptr;
     reader.Require(hps_reader::kImage(reader.Get(), &found));
@@ -165,6 +152,7 @@ void ReadPixels(const OpenReader& reader, std::int32_t orientation, HpsData& dat
         image::kReadPixels(picture.get(), data.m_vPixels.data(), data.m_vPixels.size() * sizeof(data.m_vPixels[0])));
 }
 
+/// The texture as the file that it was read from, for a later export.
 void ReadImageFile(const OpenReader& reader, std::vector<std::uint8_t>& bytes) {
     std::int32_t size = 0, ignored[2] = {};
     reader.Require(hps_reader::kImageFileSize(reader.Get(), &size, &ignored[0], &ignored[1]));
@@ -175,6 +163,7 @@ void ReadImageFile(const OpenReader& reader, std::vector<std::uint8_t>& bytes) {
 /// @return the block of texture coordinates; empty when the file has no texture
 std::vector<std::uint8_t> ReadTexture(const OpenReader& reader, HpsData& data) {
     std::int32_t size = 0, orientation = 0;
+    // the one status that is no error: the file has no texture
     if (hps_reader::kUvBlockSize(reader.Get(), &size) != kSucceeded) return {};
     reader.Require(hps_reader::kImageOrientation(reader.Get(), &orientation));
     std::vector<std::uint8_t> uvBlock(RequireCount(size, kInvalidUvData));
@@ -186,8 +175,8 @@ std::vector<std::uint8_t> ReadTexture(const OpenReader& reader, HpsData& data) {
 
 // ---- texture coordinates
 
-/// The texture coordinates of all vertices; none until they are decoded. A vertex hands its own out in turn to the
-/// triangles that use it.
+/// The texture coordinates of all vertices; empty until they are decoded. A vertex on a seam of the texture has several
+/// pairs, which its triangles get in turn, in the order of the file.
 class VertexPairs {
 public:
     void Decode(Object* decoder, const std::vector<std::uint8_t>& block, std::size_t vertexCount) {
@@ -199,10 +188,10 @@ public:
         if (measuredVertices < 0 || static_cast<std::size_t>(measuredVertices) != vertexCount)
             throw HpsReadError("Inconsistent vertex count.");
         const std::size_t pairCount = RequireCount(measuredPairs, kInvalidUvData);
-        if (pairCount > 255 * vertexCount) Refuse(kInvalidUvData);  // one byte a vertex cannot give more
+        if (pairCount > 255 * vertexCount) Refuse(kInvalidUvData);  // the number of pairs of a vertex is one byte
 
-        const auto pairsOfVertex = Scratch<std::uint8_t>(vertexCount);
-        m_pPairs = Scratch<float>(2 * pairCount);
+        const auto pairsOfVertex = MakeArrayInHugePages<std::uint8_t>(vertexCount);
+        m_pPairs = MakeArrayInHugePages<float>(2 * pairCount);
         if (hps_uv_decoder::kDecode(decoder, block.data(), block.size(), pairsOfVertex.get(), vertexCount,
                                     m_pPairs.get(), 2 * pairCount * sizeof(float)) != kSucceeded)
             throw HpsReadError(kNoCoordinates);
@@ -220,13 +209,14 @@ public:
     }
 
 private:
-    /// Which pairs are those of one vertex; next runs from begin to end, again and again.
+    /// The pairs of one vertex, as indices; next moves from begin to end and starts over.
     struct Ring {
         std::uint32_t begin, end, next;
     };
 
+    /// Assigns the pairs to the vertices: those of vertex 0 come first in the file.
     void Distribute(std::span<const std::uint8_t> pairsOfVertex, std::size_t pairCount) {
-        m_vRings = Reserved<Ring>(pairsOfVertex.size());
+        ReserveInHugePages(m_vRings, pairsOfVertex.size());
         std::uint32_t begin = 0;
         for (const std::uint8_t count : pairsOfVertex) {
             if (count > pairCount - begin) Refuse(kInvalidUvData);
@@ -241,7 +231,7 @@ private:
 
 // ---- vertices and faces
 
-/// The readable vertices of a mesh; the access ends with it.
+/// Read access to the vertices of a mesh, which the destructor ends.
 class VertexAccess {
 public:
     VertexAccess(Object* mesh, std::size_t vertexCount) : m_vertexCount(vertexCount) {
@@ -254,9 +244,10 @@ public:
     VertexAccess(const VertexAccess&) = delete;
     VertexAccess& operator=(const VertexAccess&) = delete;
 
-    /// Three floats a vertex.
+    /// @param attribute  'P' positions, 'N' normals
+    /// @return three floats per vertex
     [[nodiscard]] std::unique_ptr<float[]> Read(char attribute) const {
-        auto values = Scratch<float>(3 * m_vertexCount);
+        auto values = MakeArrayInHugePages<float>(3 * m_vertexCount);
         RequireFileData(
             hps_vertex_data::kReadAttribute(m_pData.get(), attribute, 0, static_cast<std::int32_t>(m_vertexCount),
                                             values.get(), 3 * m_vertexCount * sizeof(float)),
@@ -272,11 +263,13 @@ private:
 std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
     std::unique_ptr<float[]> positions, normals;
     {
+        // ends the access before the vertices are made
         const VertexAccess access(mesh, vertexCount);
         positions = access.Read('P');
         normals = access.Read('N');
     }
-    auto vertices = Reserved<Vertex>(vertexCount);
+    std::vector<Vertex> vertices;
+    ReserveInHugePages(vertices, vertexCount);
     for (std::size_t i = 0; i < vertexCount; ++i) {
         const float* const p = &positions[3 * i];
         const float* const n = &normals[3 * i];
@@ -285,10 +278,11 @@ std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
     return vertices;
 }
 
-/// @param indices  three a triangle
+/// @param indices  three per triangle
 /// @param pairs    null without a texture
 std::vector<HpsFace> MakeFaces(const std::int32_t* indices, const MeshSize& size, VertexPairs* pairs) {
-    auto faces = Reserved<HpsFace>(size.triangles);
+    std::vector<HpsFace> faces;
+    ReserveInHugePages(faces, size.triangles);
     for (std::size_t i = 0; i < size.triangles; ++i) {
         HpsFace& face = faces.emplace_back();
         for (std::size_t corner = 0; corner < 3; ++corner) {
@@ -331,6 +325,7 @@ const char* GetHpsErrorText(std::int32_t code) {
     }
 }
 
+// The order of the steps decides which reason is reported for a file with several faults.
 HpsData ReadHpsFile(const wchar_t* path) {
     HpsData data;
     MeshSize size;
@@ -347,7 +342,7 @@ HpsData ReadHpsFile(const wchar_t* path) {
         data.m_vVertices = ReadVertices(mesh.get(), size.vertices);
         indices = ReadIndices(mesh.get(), size.triangles);
         reader.Close();
-    }  // the library's own mesh and file go before the faces, the largest part, need memory
+    }  // frees the library's mesh and file before the faces, the largest array, are allocated
     data.m_vFaces = MakeFaces(indices.get(), size, data.m_vPixels.empty() ? nullptr : &pairs);
     return data;
 }

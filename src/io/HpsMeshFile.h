@@ -1,5 +1,5 @@
-// Mesh files in the hps format, read and written through the objects of the component library: nothing here knows the
-// bytes of a file.
+// Mesh files in the hps format, read and written through the objects of the component library, which alone knows the
+// bytes of a file. The objects and their operations: KV_Components/Hps.h.
 #pragma once
 #include <cstdint>
 #include <optional>
@@ -10,21 +10,21 @@
 
 #include "geometry/Vertex.h"
 
-/// The file is no hps file, or a damaged one.
+/// Why an hps file was refused: it cannot be read, is damaged, or is not an hps file.
 struct HpsReadError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// What an hps file holds.
+/// The content of an hps file.
 struct HpsData {
-    std::vector<Vertex> m_vVertices;  ///< colour 0xFFFFFFFF, gridIndex 0
-    std::vector<HpsFace> m_vFaces;    ///< indices are valid
-    std::uint32_t m_uWidth = 0, m_uHeight = 0;
+    std::vector<Vertex> m_vVertices;            ///< colour 0xFFFFFFFF, gridIndex 0
+    std::vector<HpsFace> m_vFaces;              ///< all indices are valid
+    std::uint32_t m_uWidth = 0, m_uHeight = 0;  ///< of the texture, pixels; 0 without one
     std::vector<std::uint32_t> m_vPixels;     ///< RGBA bytes of the texture, the row of v = 0 first; empty without one
     std::vector<std::uint8_t> m_vImageBytes;  ///< the texture file as it is stored
 };
 
-/// The text of the reader's error code; empty for a code that is not listed.
+/// The text of an error code of the library's reader; empty for an unknown code.
 [[nodiscard]] const char* GetHpsErrorText(std::int32_t code);
 
 /// @throws HpsReadError when the file cannot be read: missing, damaged, or with indices or texture coordinates that do
@@ -33,16 +33,17 @@ struct HpsData {
 ///         fails without a reason in the file
 [[nodiscard]] HpsData ReadHpsFile(const wchar_t* path);
 
-/// What goes into an hps file. Looked at, not kept.
+/// What is written into an hps file. The arrays belong to the caller and are read during the call.
 struct HpsContent {
     std::span<const Vertex> vertices;  ///< positions alone are written
     std::span<const Triangle> triangles;
-    std::span<const TexCoord> texCoords;                     ///< three a triangle, or empty
+    std::span<const TexCoord> texCoords;                     ///< three per triangle, or empty
     std::optional<std::span<const std::uint8_t>> imageFile;  ///< of the texture, when there is one
     std::string sourceApplication, sourceVersion;            ///< written up to the first zero byte
 };
 
 // ---- io/HpsMeshFileWrite.cpp
-/// @throws std::runtime_error with the status text of the step that failed; a file that stood at @p path is then as the
-///         library left it
+/// Normals, colours and grid indices of the mesh are not written.
+/// @throws std::runtime_error with the status text of the step that failed; whether an existing file at @p path is then
+///         still the old one depends on the library
 void WriteHpsFile(const HpsContent& content, const wchar_t* path);

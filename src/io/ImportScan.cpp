@@ -1,75 +1,90 @@
 // The methods that bring a measurement file into the scene. The formats are read in io/GridReaders.h and
-// io/MeasurementFile.h; a file that adds nothing says why in the debugger output.
+// io/MeasurementFile.h; a file that adds nothing gives the reason in the debugger output.
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
 #include "geometry/GridTriangulation.h"
 #include "io/FileExtension.h"
 #include "io/FileMessage.h"
 #include "io/GridLimits.h"
 #include "io/GridReaders.h"
+#include "io/MeasurementData.h"
 #include "io/MeasurementFile.h"
-#include "base/DebugOutput.h"
+#include "io/MeasurementReason.h"
 #include "platform/WaitCursor.h"
 
-void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
-    m_strScanPath = path == nullptr ? L"" : path;
-    const std::wstring extension = LowerCaseExtension(m_strScanPath);
-    const WaitCursor wait(*m_pWindow);
-    const auto colorRef = static_cast<std::uint32_t>(color);
-    if (extension == L"xdt") ImportXdt(path, colorRef);
-    if (extension == L"pax") ImportPax(path, colorRef);
-    if (extension == L"pcm") ImportPcm(path, colorRef);
-    InvalidateControl(true);
-}
+// One function per format: read, bring to scene units, pass on.
+namespace {
 
-void CKV_ScenePaneCtrl::ImportPcm(const wchar_t* path, std::uint32_t color) {
-    const MeasurementData data = LoadMeasurementFile(path, m_fConfidenceFilter, nullptr);
+/// The reason of a refused file comes from the measurement library.
+void ImportPcm(CKV_ScenePaneCtrl& control, const wchar_t* path, const MeasurementOrigin& origin) {
+    const MeasurementData data = LoadMeasurementFile(path, control.m_fConfidenceFilter, nullptr);
     if (data.m_iWidth == 0 || data.m_iHeight == 0)
-        ReportFileError("ImportScan", path, "not a readable pcm file, or damaged");
-    SetScanData(data.m_iWidth, data.m_iHeight, data.m_vXYZ.data(), data.m_vMask.data(), data.m_fTrafo.data(), color,
-                data.m_vColors.empty() ? nullptr : data.m_vColors.data());
+        ReportFileError("ImportScan", path, data.m_sRefusal.empty() ? kNoMeasurementReason : data.m_sRefusal);
+    // A file that could not be read is an empty grid: where empty objects are allowed, it still adds one, so that the
+    // host's indices match its list of files.
+    control.SetScanData(data, origin);
 }
 
-void CKV_ScenePaneCtrl::ImportPax(const wchar_t* path, std::uint32_t color) {
+/// Points and translation of pax are in scene units: no scale.
+void ImportPax(CKV_ScenePaneCtrl& control, const wchar_t* path, const MeasurementOrigin& origin) {
     try {
         const MeasurementGrid grid = ReadPaxFile(path);
-        const std::vector<std::uint16_t> mask = ConfidenceMask(grid.m_vConfidence, m_fConfidenceFilter);
-        SetScanData(grid.m_iWidth, grid.m_iHeight, grid.m_vPoints.data(), mask.data(), grid.m_fTrafo.data(), color,
-                    nullptr);
+        const MeasurementArrays arrays = {.m_iWidth = grid.m_iWidth,
+                                          .m_iHeight = grid.m_iHeight,
+                                          .m_pPoints = grid.m_vPoints.data(),
+                                          .m_pConfidence = grid.m_vConfidence.data(),
+                                          .m_pTrafo = grid.m_fTrafo.data()};
+        control.SetScanData(MakeMeasurementData(arrays, {.m_fConfidenceLimit = control.m_fConfidenceFilter}), origin);
     } catch (const MeasurementReadError& error) {
         ReportFileError("ImportPax", path, error.what());
     }
 }
 
-void CKV_ScenePaneCtrl::ImportXdt(const wchar_t* path, std::uint32_t color) {
+/// xdt has points alone. Their scale is a division, in place in the reader's array.
+void ImportXdt(CKV_ScenePaneCtrl& control, const wchar_t* path, const MeasurementOrigin& origin) {
     try {
         MeasurementGrid grid = ReadXdtFile(path);
         ScaleXdtPoints(grid.m_vPoints);
-        const std::vector<std::uint16_t> mask = XdtMask(grid.m_vPoints);
-        SetScanData(grid.m_iWidth, grid.m_iHeight, grid.m_vPoints.data(), mask.data(), nullptr, color, nullptr);
+        const MeasurementArrays arrays = {
+            .m_iWidth = grid.m_iWidth, .m_iHeight = grid.m_iHeight, .m_pPoints = grid.m_vPoints.data()};
+        control.SetScanData(MakeMeasurementData(arrays, {.m_eMask = GridMask::EqualNegatives}), origin);
     } catch (const MeasurementReadError& error) {
         ReportFileError("ImportXdt", path, error.what());
     }
 }
 
-void CKV_ScenePaneCtrl::SetScanData(std::int32_t width, std::int32_t height, const float* points,
-                                    const std::uint16_t* mask, const float* trafo, std::uint32_t color,
-                                    const std::uint32_t* colors) {
-    if (const std::string refusal = GridRefusal(width, height, m_nScanSkipVal); !refusal.empty()) {
-        DebugOutput("SetScanData(): " + refusal + "\n");
-        return;
+}  // namespace
+
+void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
+    m_strScanPath = path == nullptr ? L"" : path;
+    const std::wstring extension = LowerCaseExtension(m_strScanPath);
+    const WaitCursor wait(*m_pWindow);
+    const MeasurementOrigin origin = {.m_sName = m_strScanPath, .m_uColor = static_cast<std::uint32_t>(color)};
+    if (extension == L"xdt") ImportXdt(*this, path, origin);
+    if (extension == L"pax") ImportPax(*this, path, origin);
+    if (extension == L"pcm") ImportPcm(*this, path, origin);
+    InvalidateControl(true);
+}
+
+// Reads settings of the control and calls AddMeshToScene(), which is the only step under the import mutex.
+bool CKV_ScenePaneCtrl::SetScanData(const MeasurementData& data, const MeasurementOrigin& origin) {
+    if (const std::string refusal = GridRefusal(data.m_iWidth, data.m_iHeight, m_nScanSkipVal); !refusal.empty()) {
+        DebugOutput(std::string(origin.m_pRefusedBy) + "(): " + refusal + "\n");
+        return false;
     }
     std::shared_ptr<Mesh> mesh =
-        CreateInternalMesh(m_strScanPath, static_cast<std::int16_t>(width), static_cast<std::int16_t>(height), points,
-                           mask, trafo, color, colors, m_bAllowEmptyObjects != 0, m_nScanSkipVal);
+        CreateInternalMesh(origin.m_sName, static_cast<std::int16_t>(data.m_iWidth),
+                           static_cast<std::int16_t>(data.m_iHeight), data.Points(), data.m_vMask.data(), data.Trafo(),
+                           origin.m_uColor, data.Colors(), m_bAllowEmptyObjects != 0, m_nScanSkipVal);
     if (!mesh) {
-        DebugOutput("SetScanData(): CreateInternalMesh() returned nullptr\n");
-        return;
+        DebugOutput(std::string(origin.m_pMeshedBy) + "(): CreateInternalMesh() returned nullptr\n");
+        return false;
     }
-    AddMeshToScene(std::move(mesh), -1);
+    AddMeshToScene(std::move(mesh), origin.m_iIndex);
+    return true;
 }

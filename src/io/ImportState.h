@@ -1,4 +1,4 @@
-// Settings of imports and exports, and the staging list of a parallel import.
+// State of the control for imports and exports: settings, and the staging list of a parallel import.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -8,15 +8,25 @@
 
 #include "geometry/Mesh.h"
 
+/// What an import passes on with a measurement: the object's properties, and the operations that are named in the lines
+/// of the debugger output about a measurement that adds none.
+struct MeasurementOrigin {
+    std::wstring m_sName;
+    std::uint32_t m_uColor = 0;                ///< 0x00BBGGRR, used when the grid has no colours of its own
+    std::int32_t m_iIndex = -1;                ///< order in a parallel import; the host's own indices start at 0
+    const char* m_pRefusedBy = "SetScanData";  ///< for a size or skip value that is not possible
+    const char* m_pMeshedBy = "SetScanData";   ///< for a grid without triangles
+};
+
 /// Written by the imports of io/ and by the setting methods of control/.
 ///
 /// Invariants: m_hImportMutex is set exactly between BeginParallelImport() and EndParallelImport(). While it is set,
-/// m_vPendingImports is touched under it alone, by any thread; the settings are then read by those threads, and the
-/// host must not change them. Outside a parallel import m_vPendingImports is empty.
+/// any thread can access m_vPendingImports, under this mutex alone; the settings are then read by those threads without
+/// a lock, and the host must not change them. Outside a parallel import m_vPendingImports is empty.
 struct ImportState {
     std::int32_t m_nScanSkipVal = 1;        ///< grids are thinned to every n-th row and column
     float m_fConfidenceFilter = 0.0f;       ///< pixels of less confidence are masked
-    std::uint8_t m_bAllowEmptyObjects = 0;  ///< a grid without triangles still adds an object
+    std::uint8_t m_bAllowEmptyObjects = 0;  ///< a grid without triangles adds an empty object
     std::wstring m_strScanPath;             ///< path of the last ImportScan(); names the measurements that follow
 
     struct StagedMesh {

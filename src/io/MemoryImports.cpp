@@ -1,27 +1,26 @@
-// The imports from the host's memory.
-#include <string>
+// Imports from the host's memory: a grid, a mesh with normals, and bare arrays of a mesh. The host's arrays are copied.
 #include <utility>
 #include <vector>
 
 #include "control/ScenePaneCtrl.h"
 #include "geometry/MeanNormals.h"
-#include "io/GridLimits.h"
-#include "base/DebugOutput.h"
+#include "io/MeasurementData.h"
 
 void CKV_ScenePaneCtrl::ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
                                                     const float* confidence, const float* trafo, std::int32_t color) {
-    if (const std::string refusal = GridRefusal(width, height, m_nScanSkipVal); !refusal.empty()) {
-        DebugOutput("ImportMeasurementFromMemory(): " + refusal + "\n");
-    } else {
-        std::vector<std::uint16_t> mask(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        for (std::size_t i = 0; i < mask.size(); ++i) mask[i] = m_fConfidenceFilter > confidence[i] ? 1 : 0;
-        SetScanData(width, height, points, mask.data(), trafo, static_cast<std::uint32_t>(color), nullptr);
-    }
+    // Points and translation are in scene units, and there are no classes.
+    const MeasurementArrays arrays = {
+        .m_iWidth = width, .m_iHeight = height, .m_pPoints = points, .m_pConfidence = confidence, .m_pTrafo = trafo};
+    SetScanData(MakeMeasurementData(arrays, {.m_fConfidenceLimit = m_fConfidenceFilter}),
+                {.m_sName = m_strScanPath,
+                 .m_uColor = static_cast<std::uint32_t>(color),
+                 .m_pRefusedBy = "ImportMeasurementFromMemory"});
     InvalidateControl(true);
 }
 
 void CKV_ScenePaneCtrl::ImportMeshedMeasurement(const KV_ScenePane::MeshBuffers* mesh, BSTR filename,
                                                 std::int32_t color) {
+    // Copies: the buffers are the host's. Normals are used as they are, and nothing is triangulated.
     std::vector<Vertex> vertices = mesh->GetVertices();
     std::vector<Triangle> triangles = mesh->GetTriangles();
     auto object = std::make_shared<Mesh>(std::move(vertices), std::move(triangles),
@@ -31,9 +30,10 @@ void CKV_ScenePaneCtrl::ImportMeshedMeasurement(const KV_ScenePane::MeshBuffers*
     AddMeshToScene(std::move(object), -1);
 }
 
-// Takes no part in a parallel import: the object joins the scene at once.
+// Not staged during a parallel import: the object is in the scene at once.
 void CKV_ScenePaneCtrl::ImportMeshFromMemory(std::int32_t numberOfVertices, std::int32_t numberOfTriangles,
                                              const float* vertices, const std::int32_t* triangles) {
+    // Counts below zero are counts of zero.
     MeshBuffers buffers(false);
     if (numberOfVertices > 0) {
         buffers.m_vVertices.resize(static_cast<std::size_t>(numberOfVertices));
@@ -51,6 +51,7 @@ void CKV_ScenePaneCtrl::ImportMeshFromMemory(std::int32_t numberOfVertices, std:
             triangles += 3;
         }
     }
+    // Normals are means of the face normals, not normalised; a vertex without triangles has none.
     ComputeMeanNormals(buffers);
     auto object = std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles), L"",
                                          buffers.HasColors());

@@ -1,4 +1,5 @@
-// The mesh formats by the file's extension. Each has its own file beside this one.
+// Selects the mesh format by the file's extension. Each format has its own source file beside this one. Any other
+// extension does nothing.
 #include "control/ScenePaneCtrl.h"
 #include "io/FileExtension.h"
 #include "platform/WaitCursor.h"
@@ -13,6 +14,7 @@ void CKV_ScenePaneCtrl::ImportMesh(BSTR path) {
     if (extension == L"hps") ImportHps(path);
 }
 
+// No wait cursor for all formats: the export of stl shows one itself.
 void CKV_ScenePaneCtrl::ExportMesh(std::int16_t objIdx, BSTR path) {
     const std::wstring extension = LowerCaseExtension(path == nullptr ? L"" : path);
     if (extension == L"stl") ExportStl(objIdx, path);

@@ -1,4 +1,5 @@
-// Data of a little-endian ply file: values at any alignment. The walks over records are in PlyDataSection.cpp.
+// Data of a little-endian ply file: values at any alignment, copied with memcpy(). The walks over records are in
+// PlyDataSection.cpp; every read is checked here against the end of the data.
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -12,6 +13,7 @@ static_assert(std::endian::native == std::endian::little, "values are copied out
 namespace {
 using Kind = Element::ElementSubItem::Kind;
 
+/// A value at any alignment. The compiler makes one load of it.
 template <class Value>
 Value Load(const char* at) {
     Value value;
@@ -19,7 +21,8 @@ Value Load(const char* at) {
     return value;
 }
 
-/// @return false for what is not an integer
+/// An integer of any width, widened to 64 bits.
+/// @return false when the type is not an integer
 bool LoadInteger(int type, const char* at, std::int64_t& value) {
     switch (type) {
         case kPlyUInt8:
@@ -59,23 +62,26 @@ const Element::ElementSubItem& ItemAt(const Element& element, int item) {
     return *element.m_vItems[static_cast<std::size_t>(item)];
 }
 
-/// The type of a property; none for a list, which is no number.
+/// The type of a property; kPlyNone for a list, which is not a number.
 int NumberType(const Element& element, int item) {
     const auto& subItem = ItemAt(element, item);
     return subItem.m_eKind == Kind::kProperty ? static_cast<const Element::Property&>(subItem).m_iType : kPlyNone;
 }
 
+/// @throws CPLYFileError when the item is not a list
 const Element::List& ListAt(const Element& element, int item) {
     const auto& subItem = ItemAt(element, item);
     if (subItem.m_eKind != Kind::kList) throw CPLYFileError("not a list: " + subItem.m_sName);
     return static_cast<const Element::List&>(subItem);
 }
 
+/// For elements that mix lists and properties, walked from another item than the first.
 [[noreturn]] void FailMixed(const Element& element) {
     throw CPLYFileError("Lists and properties are mixed in element " + element.m_sName +
                         ", and only its first item can be walked.");
 }
 
+/// One list's members as ints or floats. Types of the same width keep their bits.
 void ConvertList(const char* from, int type, int members, int* target) {
     if (PlyTypeWidth(type) == 4) {
         std::memcpy(target, from, 4 * static_cast<std::size_t>(members));
@@ -97,7 +103,8 @@ void ConvertList(const char* from, int type, int members, float* target) {
         target[i] = static_cast<float>(Load<double>(from + 8 * static_cast<std::ptrdiff_t>(i)));
 }
 
-/// Records of a count byte and 32-bit members, as they are.
+/// Records of a count byte and 32-bit members, which are copied without a conversion.
+/// @return false when a count is not @p members
 template <class Number>
 bool CopyLists(const char* record, const char* end, int records, int members, Number* target) {
     const std::ptrdiff_t width = 1 + std::ptrdiff_t{4} * members;
@@ -105,7 +112,7 @@ bool CopyLists(const char* record, const char* end, int records, int members, Nu
     for (int i = 0; i < records; ++i, record += width, target += members) {
         if (*record != members) return false;
         if (members == 3)
-            std::memcpy(target, record + 1, 12);  // of a length known here: no call
+            std::memcpy(target, record + 1, 12);  // a constant size compiles to moves, not to a call
         else
             std::memcpy(target, record + 1, 4 * static_cast<std::size_t>(members));
     }
@@ -113,6 +120,7 @@ bool CopyLists(const char* record, const char* end, int records, int members, Nu
 }
 }  // namespace
 
+// Scan() only finds the elements: missing records are reported when they are read.
 BinaryDataSection::BinaryDataSection(CPLYFile& file, std::string data) : DataSection(file, std::move(data)) {
     if (file.m_iFormat == CPLYFile::kBinaryBigEndian)
         throw CPLYFileError("Big-endian binary format not yet supported.");
@@ -120,6 +128,7 @@ BinaryDataSection::BinaryDataSection(CPLYFile& file, std::string data) : DataSec
     BinaryDataSection::Scan();
 }
 
+// "offset > limit - width" and not "offset + width > limit": an offset far after the end must not overflow.
 std::int64_t BinaryDataSection::ReadInteger(int type, std::int64_t offset) {
     if (!IsInteger(type)) FailInteger(type);
     const int width = PlyTypeWidth(type);
@@ -139,8 +148,9 @@ float BinaryDataSection::ReadFloating(int type, std::int64_t offset) {
     return type == kPlyDouble ? static_cast<float>(Load<double>(at)) : Load<float>(at);
 }
 
+// A skip past the end is no error, so a count there is 0; reads of values check the end themselves.
 std::int64_t BinaryDataSection::CountForSkip(int type, std::int64_t offset) const {
-    char bytes[8] = {};  // those behind the end count as 0
+    char bytes[8] = {};  // bytes after the end of the data count as 0
     if (offset < m_iLimit)
         std::memcpy(bytes, m_sData.data() + offset,
                     static_cast<std::size_t>(std::min<std::int64_t>(8, m_iLimit - offset)));
@@ -163,17 +173,19 @@ void BinaryDataSection::SkipList(const Element& element, int item, std::int64_t&
     cursor += PlyTypeWidth(list.m_iCountType) + count * PlyTypeWidth(list.m_iElementType);
 }
 
-// Lists mostly have the same lengths in all records: a record whose counts repeat those of the record before is as
-// long, and needs no look at one count before it is known where the next one stands.
+// The lists of most files have the same lengths in all records. A record whose counts equal those of the record before
+// has the same size, and all its counts are at the same offsets: they are compared at once, where the plain walk must
+// read each count before it knows the offset of the next one.
 void BinaryDataSection::SkipRecords(const Element& element, std::int64_t records, std::int64_t& cursor) {
     struct Count {
-        std::int64_t m_iOffset;  // in the record
+        std::int64_t m_iOffset;  // from the start of the record
         std::size_t m_uWidth;
     };
     std::vector<Count> counts;
     while (element.HasLists() && records > 0 && cursor < m_iLimit) {
         const std::int64_t start = cursor;
         counts.clear();
+        // one record item by item, noting its counts
         for (int item = 0; item < static_cast<int>(element.m_vItems.size()); ++item) {
             if (ItemAt(element, item).m_eKind == Kind::kList)
                 counts.push_back(
@@ -181,6 +193,7 @@ void BinaryDataSection::SkipRecords(const Element& element, std::int64_t records
             SkipItem(element, item, cursor);
         }
         --records;
+        // then all records of the same shape
         const std::int64_t width = cursor - start;
         const char* const first = m_sData.data() + start;
         while (records > 0 && width <= m_iLimit - cursor) {
@@ -206,6 +219,8 @@ float BinaryDataSection::GetFloat() {
     return ReadFloating(NumberType(*m_pElement, m_iItemIndex), m_iCursor);
 }
 
+/// One list at the cursor, by its declared types.
+/// @param read  reads a member of a type at an offset
 template <class Item, class Read>
 void BinaryDataSection::ReadList(std::vector<Item>& out, Read read) {
     assert(m_pElement != nullptr);
@@ -214,6 +229,7 @@ void BinaryDataSection::ReadList(std::vector<Item>& out, Read read) {
     const std::int64_t count = ReadInteger(list.m_iCountType, m_iCursor);
     if (count <= 0) return;
     const std::int64_t width = PlyTypeWidth(list.m_iElementType);
+    // Checked by division before the reserve(): the count comes from the file.
     const std::int64_t fitting = (m_iLimit - m_iReadOffset) / width;
     if (count > fitting) throw CPLYFileError("Unexpected end of data.", m_iReadOffset + fitting * width);
     out.reserve(static_cast<std::size_t>(count));
@@ -232,6 +248,7 @@ void BinaryDataSection::GetFloatList(std::vector<float>& out) {
     ReadList(out, [this](int type, std::int64_t offset) { return ReadFloating(type, offset); });
 }
 
+/// False at the first list of another length, or where a list needs an error: the slow walk then finds it again.
 template <class Number>
 bool BinaryDataSection::ReadListsFast(const Element& element, int item, int members, Number* target) {
     const Element::List& list = ListAt(element, item);
@@ -240,9 +257,11 @@ bool BinaryDataSection::ReadListsFast(const Element& element, int item, int memb
     if (!IsInteger(list.m_iCountType)) return false;
     const std::int64_t membersWidth = static_cast<std::int64_t>(members) * PlyTypeWidth(type);
     std::int64_t cursor = m_iCursor;
+    // the usual face: one list, a count byte, members of 4 bytes
     if (element.m_vItems.size() == 1 && PlyTypeWidth(list.m_iCountType) == 1 && PlyTypeWidth(type) == 4 &&
         members < 128)
         return CopyLists(m_sData.data() + cursor, GetDataEnd(), element.m_iCount, members, target);
+    // any other element: past the items before the list, the list, past the items after it
     for (int record = 0; record < element.m_iCount; ++record) {
         for (int i = 0; i < item; ++i) SkipItem(element, i, cursor);
         const std::int64_t count = CountForSkip(list.m_iCountType, cursor);

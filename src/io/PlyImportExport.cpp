@@ -1,4 +1,4 @@
-// Imports and exports ply files. Reading and writing: io/PlyMesh.h, io/PlyMeshWriter.h.
+// Imports and exports ply files: between the object list and io/PlyMesh.h, which reads them, and io/PlyMeshWriter.h.
 #include <cassert>
 #include <cstring>
 #include <memory>
@@ -14,6 +14,7 @@
 
 namespace {
 
+/// The texture coordinates of the file are six numbers per triangle: three pairs, in the layout of TexCoord.
 std::shared_ptr<Mesh> MakeTexturedMesh(MeshBuffers&& buffers, const PlyMeshData& data) {
     static_assert(sizeof(TexCoord) == 2 * sizeof(float));
     std::vector<TexCoord> texCoords(data.m_vTexCoords.size() / 2);
@@ -24,11 +25,12 @@ std::shared_ptr<Mesh> MakeTexturedMesh(MeshBuffers&& buffers, const PlyMeshData&
 }  // namespace
 
 int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
-    MakeContextCurrent();  // the mesh may make a texture; without a context it keeps the image alone
+    MakeContextCurrent();  // the mesh can create its texture in it; without a context it has the image alone
     PlyMeshData data = ReadPlyMesh(path);
     MeshBuffers buffers(data.m_bHasColors);
     buffers.m_vVertices = std::move(*data.m_pVertices);
     buffers.m_vTriangles = std::move(*data.m_pTriangles);
+    // A point cloud is no mesh: the object would show nothing.
     if (buffers.m_vTriangles.empty()) {
         ReportFileError("ImportPly", path, "holds no faces");
         return -1;
@@ -45,6 +47,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
 void CKV_ScenePaneCtrl::ExportPly(std::int16_t objIdx, const wchar_t* path) {
     assert(ObjectAt(objIdx) != nullptr);
     const Mesh& mesh = *m_vpMeshes[static_cast<std::size_t>(objIdx)];
+    // The image is written as the file that it was read from, not encoded again.
     std::span<const std::uint8_t> imageBytes;
     if (mesh.m_pTexture) imageBytes = mesh.m_pTexture->m_vImageBytes;
     const PlyMeshWriter writer(mesh.m_vVertices, mesh.m_vTriangles, mesh.m_vTexCoords, imageBytes);

@@ -1,5 +1,6 @@
-// Turns the elements of a ply file into a mesh. Binary data is walked through views, text in one pass per element. What
-// is read in which order decides which reason a broken file is refused with.
+// Makes a mesh of the elements of a ply file: positions, triangles, colours, texture. Binary data is read through
+// views, text in one pass per element. The order of these steps is fixed: it decides which reason is reported for a
+// file with several faults.
 #include "io/PlyMesh.h"
 
 #include <sys/stat.h>
@@ -11,15 +12,15 @@
 #include <utility>
 
 #include "KV_ScenePane/PathText.h"
-#include "io/CPLYFile.h"
 #include "base/HugePages.h"
+#include "io/CPLYFile.h"
 
 namespace {
 
 constexpr std::uint32_t kOpaque = 0xFF000000;
 constexpr std::uint32_t kWhite = 0xFFFFFFFF;
 
-/// Left unopened where there is no regular file: a pipe that nobody writes to must not be waited for.
+/// Not opened unless the path leads to a regular file: opening a pipe that has no writer would wait.
 std::ifstream OpenFile(const std::wstring& path) {
     const std::string bytes = KV_ScenePane::PathBytes(path);
     struct stat info {};
@@ -27,6 +28,7 @@ std::ifstream OpenFile(const std::wstring& path) {
     return std::ifstream(bytes, std::ios::binary);
 }
 
+/// A value at any alignment.
 template <typename T>
 T ValueAt(const char* from) {
     T value;
@@ -34,8 +36,10 @@ T ValueAt(const char* from) {
     return value;
 }
 
+/// For faces that are not triangles.
 [[noreturn]] void RefuseOtherFaces() { throw CPLYFileError("Non-triangle faces not supported."); }
 
+/// One read of one file; what it has read so far is in m_mesh.
 class Reader {
 public:
     explicit Reader(CPLYFile& file)
@@ -70,10 +74,11 @@ private:
     CPLYFile& m_file;
     DataSection& m_data;
     bool m_isText;
-    bool m_colorsCameAlong = false;  // with the positions
+    bool m_hasReadColors = false;  // in the same pass as the positions
     PlyMeshData m_mesh;
 };
 
+// The three properties must be there in a file without vertices, too.
 void Reader::ReadPositions() {
     const Element& vertex = m_file.GetElement("vertex");
     for (const char* name : {"x", "y", "z"}) (void)vertex.GetProperty(name);
@@ -84,6 +89,7 @@ void Reader::ReadPositions() {
     ReadPositionsFromText();
 }
 
+// Straight into the vertices: the targets of the columns are members of the first vertex.
 void Reader::ReadPositionsFromText() {
     Vertex& first = Vertices().front();
     const PlyColumn columns[] = {{"x", PlyColumn::kFloat, &first.x, sizeof(Vertex)},
@@ -92,19 +98,21 @@ void Reader::ReadPositionsFromText() {
     if (!TryPositionsAndColors(columns)) m_data.ReadColumns("vertex", columns);
 }
 
-/// False when there are no colours, or anything that the reading in order shall tell of.
+/// Positions and colours of text in one pass.
+/// @return false when there are no colours, or when something is wrong: the reads in their fixed order then find the
+///         reason to report
 bool Reader::TryPositionsAndColors(std::span<const PlyColumn> positions) {
     const Element& vertex = m_file.GetElement("vertex");
     for (const char* name : {"red", "green", "blue"})
         if (!vertex.HasProperty(name)) return false;
-    if (!m_file.HasElement("face")) return false;  // nobody wants them
+    if (!m_file.HasElement("face")) return false;  // colours are read for meshes only
     std::vector<PlyColumn> columns = ColorColumns();
     columns.insert(columns.begin(), positions.begin(), positions.end());
-    m_colorsCameAlong = m_data.ReadColumnsInOnePass("vertex", columns);
-    return m_colorsCameAlong;
+    m_hasReadColors = m_data.ReadColumnsInOnePass("vertex", columns);
+    return m_hasReadColors;
 }
 
-// Four bytes each, whatever type the header declares.
+// Four bytes per coordinate, whatever type the header declares.
 void Reader::ReadPositionsFromViews() {
     PlyArrayView x = m_data.GetArrayView("vertex", "x");
     PlyArrayView y = m_data.GetArrayView("vertex", "y");
@@ -119,9 +127,11 @@ void Reader::ReadPositionsFromViews() {
     }
 }
 
+// The fast ways first; each gives up without a reason, which the last one finds.
 void Reader::ReadTriangles() {
     const Element& face = m_file.GetElement("face");
     if (!m_isText && TryFaceBlock()) return;
+    // the list under either of its usual names
     const char* name = "vertex_indices";
     if (!face.HasProperty(name) && face.HasProperty("vertex_index")) name = "vertex_index";
     (void)face.GetProperty(name);
@@ -135,17 +145,18 @@ void Reader::ReadTriangles() {
         triangles[static_cast<std::size_t>(index)] = {{list[0], list[1], list[2]}};
         return true;
     };
+    // The fast pass has failed: list by list, which finds the reason. The lists can be fewer than the records.
     Triangles().assign(Triangles().size(), {});
     m_data.ForEachIntList("face", name, keep, &Triangles());
 }
 
-/// The usual binary face: 13 bytes, a count and three indices. The list's name is not looked at.
+/// The usual binary face: 13 bytes, a count and three indices. The name of the list is not checked.
 bool Reader::TryFaceBlock() {
     constexpr std::ptrdiff_t kRecord = 1 + sizeof(Triangle);
     const char* record = nullptr;
     int count = 0;
     if (!m_data.GetFaceBlock("face", record, count)) return false;
-    if ((m_data.GetDataEnd() - record) / kRecord < count) RefuseOtherFaces();  // some are smaller
+    if ((m_data.GetDataEnd() - record) / kRecord < count) RefuseOtherFaces();  // some records are smaller than 13 bytes
     ReserveInHugePages(Triangles(), static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i, record += kRecord) {
         if (*record != 3) RefuseOtherFaces();
@@ -154,6 +165,7 @@ bool Reader::TryFaceBlock() {
     return true;
 }
 
+// A "red" decides that there are colours; the other channels are then required.
 void Reader::ReadColors() {
     const Element& vertex = m_file.GetElement("vertex");
     if (!vertex.HasProperty("red")) return;
@@ -161,13 +173,13 @@ void Reader::ReadColors() {
     (void)vertex.GetProperty("green");
     (void)vertex.GetProperty("blue");
     const bool hasAlpha = vertex.HasProperty("alpha");
-    if (Vertices().empty() || m_colorsCameAlong) return;
+    if (Vertices().empty() || m_hasReadColors) return;
     if (!m_isText) return ReadColorsFromViews(hasAlpha);
     for (Vertex& v : Vertices()) v.color = hasAlpha ? 0 : kOpaque;
     m_data.ReadColumns("vertex", ColorColumns());
 }
 
-/// For text. Without an alpha in the file the top byte stays as it is.
+/// Targets of the colours in text. Without an alpha in the file the top byte of Vertex::color keeps its value.
 std::vector<PlyColumn> Reader::ColorColumns() {
     auto* const first = reinterpret_cast<std::byte*>(&Vertices().front().color);
     std::vector<PlyColumn> columns = {{"blue", PlyColumn::kLowByte, first, sizeof(Vertex)},
@@ -178,7 +190,7 @@ std::vector<PlyColumn> Reader::ColorColumns() {
     return columns;
 }
 
-// One byte each, whatever type the header declares.
+// One byte per channel, whatever type the header declares.
 void Reader::ReadColorsFromViews(bool hasAlpha) {
     const PlyArrayView red = m_data.GetArrayView("vertex", "red");
     const PlyArrayView green = m_data.GetArrayView("vertex", "green");
@@ -195,6 +207,7 @@ void Reader::ReadColorsFromViews(bool hasAlpha) {
     }
 }
 
+// Texture coordinates per corner of a face, and the bytes of the encoded image as records of the element "texture".
 void Reader::ReadTexture() {
     if (!Triangles().empty()) (void)m_file.GetElement("face").GetProperty("texcoord");
     std::vector<float>& texCoords = m_mesh.m_vTexCoords;
@@ -216,10 +229,12 @@ void Reader::ReadTexture() {
     m_mesh.m_bHasTexture = !texCoords.empty() && !m_mesh.m_vImageBytes.empty();
 }
 
+// Last, over the triangles of all ways.
 void Reader::RequireValidIndices() {
     constexpr std::uint32_t kSign = 0x80000000;
     const auto last = static_cast<std::uint32_t>(Vertices().size()) - 1;
-    // The sign bit of either is set for an index below 0 or above the last, also when there is no vertex.
+    // The sign bit of i or of (last - i) is set for an index below 0 or above the last, also when there is no vertex.
+    // One OR over all triangles has no branch per index; only when it finds one are they searched for the first.
     const auto outside = [last](std::int32_t index) {
         const auto i = static_cast<std::uint32_t>(index);
         return i | (last - i);

@@ -1,4 +1,4 @@
-// What a ply file holds of a triangle mesh. Layout: docs/formats/ply.md; the grammar below it: io/CPLYFile.h.
+// The triangle mesh in a ply file. Layout: docs/formats/ply.md; the grammar of the file: io/CPLYFile.h.
 #pragma once
 #include <cassert>
 #include <cstddef>
@@ -9,7 +9,8 @@
 
 #include "geometry/Vertex.h"
 
-/// A mesh as it was read. Normals are zero: those of the file are left out, since the importer computes its own.
+/// A mesh as it was read, in the file's units. Normals are zero: those of the file are ignored, since the import
+/// computes its own.
 struct PlyMeshData {
     [[nodiscard]] std::size_t GetVertexCount() const { return m_pVertices->size(); }
     [[nodiscard]] std::size_t GetTriangleCount() const { return m_pTriangles->size(); }
@@ -24,13 +25,14 @@ struct PlyMeshData {
 
     std::unique_ptr<std::vector<Vertex>> m_pVertices = std::make_unique<std::vector<Vertex>>();
     std::unique_ptr<std::vector<Triangle>> m_pTriangles = std::make_unique<std::vector<Triangle>>();
-    bool m_bHasColors = false;                ///< else every vertex is white
+    bool m_bHasColors = false;                ///< false: every vertex is white
     bool m_bHasTexture = false;               ///< image and texture coordinates were both found
     std::vector<std::uint8_t> m_vImageBytes;  ///< encoded image file
-    std::vector<float> m_vTexCoords;          ///< six a triangle: u0, v0, u1, v1, u2, v2
+    std::vector<float> m_vTexCoords;          ///< six per triangle: u0, v0, u1, v1, u2, v2
 };
 
-/// Text or little-endian. A file without faces gives no triangles, and its colours are not looked at.
-/// @throws CPLYFileError when the file cannot be read, is none, holds other faces than triangles, or triangles that
-///         refer to vertices which are not there. Counts are checked against the data before memory is taken
+/// Reads text or little-endian data. A file without faces has no triangles, and its colours are not read.
+/// @throws CPLYFileError when the file cannot be read, is not a ply file, has other faces than triangles, or triangles
+/// that
+///         refer to missing vertices. Counts are checked against the data before memory is allocated
 [[nodiscard]] PlyMeshData ReadPlyMesh(const std::wstring& path);

@@ -1,4 +1,5 @@
-// Puts a mesh into one buffer and that buffer into a file. The reader: io/PlyMesh.cpp.
+// Writes a mesh into one buffer: header, vertices, faces, image; and the buffer into a file. The reader:
+// io/PlyMesh.cpp.
 #include "io/PlyMeshWriter.h"
 
 #include <bit>
@@ -9,15 +10,16 @@
 #include "base/AtomicFile.h"
 #include "base/HugePages.h"
 
-static_assert(std::endian::native == std::endian::little, "numbers go into the file as they stand");
+static_assert(std::endian::native == std::endian::little, "numbers are copied into the file without a conversion");
 
 namespace {
 
-constexpr std::size_t kFloatBytes = 6 * sizeof(float);  // a vertex's position and normal, or a face's three u, v
+constexpr std::size_t kFloatBytes = 6 * sizeof(float);  // position and normal of a vertex, or three u, v of a face
 constexpr std::size_t kColorBytes = 3;
 constexpr std::size_t kIndexBytes = 3 * sizeof(std::int32_t);
 constexpr std::uint32_t kColorMask = 0xFFFFFF;
 
+/// @return the position after the copied bytes
 std::byte* Put(std::byte* out, const void* from, std::size_t size) {
     if (size > 0) std::memcpy(out, from, size);
     return out + size;
@@ -34,6 +36,7 @@ PlyMeshWriter::PlyMeshWriter(std::span<const Vertex> vertices, std::span<const T
       m_vTexCoords(texCoords.begin(), texCoords.end()),
       m_vImageBytes(imageBytes.begin(), imageBytes.end()) {
     assert(texCoords.empty() || texCoords.size() == 3 * triangles.size());
+    // The alpha is not written, and the mask also makes opaque black the black that means "no colours".
     ReserveInHugePages(m_vVertexRecords, vertices.size());
     for (const Vertex& v : vertices)
         m_vVertexRecords.push_back({v.x, v.y, v.z, v.nx, v.ny, v.nz, v.color & kColorMask});
@@ -45,10 +48,12 @@ PlyMeshWriter::PlyMeshWriter(std::span<const Vertex> vertices, std::span<const T
     }
 }
 
+// The first vertex decides for all: a mesh without colours has black ones.
 bool PlyMeshWriter::HasColors() const {
     return !m_vVertexRecords.empty() && (m_vVertexRecords.front().color & kColorMask) != 0;
 }
 
+// Lines, names and order: docs/formats/ply.md.
 std::string PlyMeshWriter::Header() const {
     std::string header =
         "ply\n"
@@ -68,17 +73,20 @@ std::string PlyMeshWriter::Header() const {
     return header + "end_header\n";
 }
 
+// Position and normal, then three bytes of colour if there are colours.
 std::byte* PlyMeshWriter::PutVertices(std::byte* out) const {
     static_assert(offsetof(PlyVertexRecord, color) == kFloatBytes);
     const bool hasColors = HasColors();
     for (const PlyVertexRecord& record : m_vVertexRecords) {
         out = Put(out, &record, kFloatBytes);
         if (!hasColors) continue;
+        // red, green, blue
         for (const int shift : {16, 8, 0}) *out++ = static_cast<std::byte>(record.color >> shift);
     }
     return out;
 }
 
+// The count 3 and three indices, then the count 6 and three u, v if there are texture coordinates.
 std::byte* PlyMeshWriter::PutFaces(std::byte* out) const {
     const std::int32_t* indices = m_vIndices.data();
     const TexCoord* texCoords = m_vTexCoords.empty() ? nullptr : m_vTexCoords.data();
@@ -94,7 +102,9 @@ std::byte* PlyMeshWriter::PutFaces(std::byte* out) const {
     return out;
 }
 
+// Copies whole records with memcpy(); only the colours are converted.
 PlyMeshWriter::FileBytes PlyMeshWriter::Assemble() const {
+    // The exact size first, so that the buffer is allocated once.
     const std::string header = Header();
     const std::size_t vertexBytes = kFloatBytes + (HasColors() ? kColorBytes : 0);
     const std::size_t faceBytes = 1 + kIndexBytes + (m_vTexCoords.empty() ? 0 : 1 + kFloatBytes);
@@ -111,6 +121,7 @@ PlyMeshWriter::FileBytes PlyMeshWriter::Assemble() const {
 }
 
 void PlyMeshWriter::Write(const std::wstring& path) const {
+    // Opened first: a target that cannot be written costs no assembly.
     AtomicFile target(KV_ScenePane::PathBytes(path));
     const FileBytes file = Assemble();
     target.WriteAt(0, file.bytes.get(), file.size);

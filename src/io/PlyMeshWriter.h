@@ -9,28 +9,30 @@
 
 #include "geometry/Vertex.h"
 
-/// A vertex as it goes into the file.
+/// A vertex as it is written.
 struct PlyVertexRecord {
     float x = 0.0f, y = 0.0f, z = 0.0f;
     float nx = 0.0f, ny = 0.0f, nz = 0.0f;
     std::uint32_t color = 0xFFFFFFFF;  ///< (r << 16) | (g << 8) | b; the first vertex's decides for all
 };
 
-/// What goes into the file. It is filled by the exporter and written in one piece: a stream write a value takes far too
-/// long for millions of vertices.
+/// The content of the file. It is written in one piece: one stream write per value is too slow for millions of
+/// vertices. Peak memory is that of this content and of the whole file.
 class PlyMeshWriter {
 public:
+    /// Zeroed records, for the caller to fill.
     PlyMeshWriter(std::size_t vertexCount, std::size_t faceCount);
-    /// Takes the whole mesh over; the colours lose their alpha.
-    /// @param texCoords  three a triangle, or none
+    /// Copies the mesh; the colours lose their alpha.
+    /// @param texCoords   three per triangle, or none
+    /// @param imageBytes  encoded image file, or none
     PlyMeshWriter(std::span<const Vertex> vertices, std::span<const Triangle> triangles,
                   std::span<const TexCoord> texCoords, std::span<const std::uint8_t> imageBytes);
 
     /// Replaces the file as a whole or not at all.
-    /// @throws std::system_error when it cannot be opened or written; what is no regular file cannot be opened
+    /// @throws std::system_error when it cannot be opened or written; only regular files can be replaced
     void Write(const std::wstring& path) const;
 
-    /// The whole file.
+    /// A whole file in memory.
     struct FileBytes {
         std::unique_ptr<std::byte[]> bytes;
         std::size_t size = 0;
@@ -39,8 +41,8 @@ public:
 
     std::vector<PlyVertexRecord> m_vVertexRecords;
     int m_iFaceCount = 0;
-    std::vector<std::int32_t> m_vIndices;  ///< three a face
-    std::vector<TexCoord> m_vTexCoords;    ///< three a face, or empty
+    std::vector<std::int32_t> m_vIndices;  ///< three per face
+    std::vector<TexCoord> m_vTexCoords;    ///< three per face, or empty
     std::vector<std::uint8_t> m_vImageBytes;
 
 private:

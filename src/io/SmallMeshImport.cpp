@@ -1,4 +1,4 @@
-// Imports ois and msh files. The formats are read in io/SmallMeshes.h.
+// Imports ois and msh files, which io/SmallMeshes.h reads. The normals of ois are computed here; msh has its own.
 #include <memory>
 #include <string>
 #include <utility>
@@ -9,6 +9,7 @@
 
 namespace {
 
+/// An object without name and colours; normals are those of the buffers.
 std::shared_ptr<Mesh> MakeMesh(MeshBuffers&& buffers) {
     auto mesh = std::make_shared<Mesh>(std::wstring(), false);
     mesh->m_vVertices = std::move(buffers.m_vVertices);
@@ -20,6 +21,7 @@ std::shared_ptr<Mesh> MakeMesh(MeshBuffers&& buffers) {
 
 int CKV_ScenePaneCtrl::ImportOis(const wchar_t* path) {
     try {
+        // smooth normals by vertex index: nothing is welded
         std::shared_ptr<Mesh> mesh = MakeMesh(ReadOisFile(path));
         mesh->ComputeVertexNormals();
         mesh->ComputeBoundingBox();
@@ -33,6 +35,7 @@ int CKV_ScenePaneCtrl::ImportOis(const wchar_t* path) {
 
 int CKV_ScenePaneCtrl::ImportMsh(const wchar_t* path) {
     try {
+        // with the normals of the file, whatever their length
         std::shared_ptr<Mesh> mesh = MakeMesh(ReadMshFile(path));
         mesh->ComputeBoundingBox();
         m_vpMeshes.push_back(std::move(mesh));

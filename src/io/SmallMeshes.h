@@ -1,4 +1,4 @@
-// The two small binary mesh formats, byte by byte in docs/formats/ois.md and msh.md.
+// The binary mesh formats ois and msh. docs/formats/ois.md and msh.md describe every byte.
 #pragma once
 #include <cstddef>
 #include <span>
@@ -7,12 +7,12 @@
 #include "geometry/Vertex.h"
 #include "io/ByteInput.h"
 
-/// Vertices as the file has them, colours and normals zero; msh brings normals. A file without triangles or vertices is
-/// a mesh, too. A file that was cut short is taken as long as half of it is there: what is missing repeats the last
-/// values.
-/// @throws FileReadError when the file cannot be opened, is no regular file, ends before its counts, announces a
-///         negative one, holds less than half of what it announces, or has a triangle that refers to a vertex that is
-///         not there: the first such triangle is told
+/// From a file or from the bytes of one. Vertices are those of the file, in its units; colours are zero, and so are the
+/// normals of ois. A file without triangles or vertices is a valid mesh. A file that was cut short is accepted when it
+/// has at least half of its bytes; missing values repeat those of the last record.
+/// @throws FileReadError when the file cannot be opened, is not a regular file, ends before its counts, announces a
+///         negative one, has less than half of the announced bytes, or has a triangle that refers to a missing vertex
+///         (the reason names the first one)
 [[nodiscard]] MeshBuffers ReadOisFile(const std::wstring& path);
 [[nodiscard]] MeshBuffers ReadOis(std::span<const std::byte> bytes);
 [[nodiscard]] MeshBuffers ReadMshFile(const std::wstring& path);

@@ -1,4 +1,4 @@
-// Imports and exports stl files. The format is read and written in io/StlMesh.h.
+// Imports and exports stl files: between the object list and io/StlMesh.h, which reads and writes them.
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
@@ -18,12 +18,14 @@
 int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
     try {
         MeshBuffers buffers = ReadStlFile(path);
+        // no name, no colours: the object gets the default colour
         auto mesh = std::make_shared<Mesh>(std::wstring(), false);
         mesh->m_vVertices = std::move(buffers.m_vVertices);
         mesh->m_vTriangles = std::move(buffers.m_vTriangles);
+        // smooth normals: the corners at one position share a vertex
         mesh->ComputeVertexNormals();
         mesh->ComputeBoundingBox();
-        m_vpMeshes.push_back(std::move(mesh));
+        m_vpMeshes.push_back(std::move(mesh));  // last: what throws before it changes nothing
         return 0;
     } catch (const FileReadError& error) {
         ReportFileError("ImportStl", path, error.what());
@@ -39,6 +41,7 @@ void CKV_ScenePaneCtrl::ExportStl(std::int16_t objIdx, const wchar_t* path) {
     try {
         AtomicFile file(KV_ScenePane::PathBytes(path));
         const WaitCursor wait(*m_pWindow);
+        // Blocks go to the temporary file; the target is replaced by Commit() alone.
         std::uint64_t offset = 0;
         WriteStl(mesh, [&](std::span<const std::byte> bytes) {
             file.WriteAt(offset, bytes.data(), bytes.size());

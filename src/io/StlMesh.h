@@ -1,4 +1,4 @@
-// Binary stl, byte by byte in docs/formats/stl.md.
+// Binary stl. docs/formats/stl.md describes every byte.
 #pragma once
 #include <cstddef>
 #include <functional>
@@ -10,17 +10,20 @@
 
 class Mesh;
 
-/// Triangles with one vertex for all corners at the same position, in order of first use; normals stay zero. A file
-/// that was cut short is taken as long as half of it is there: what is missing repeats the last coordinates.
-/// @throws FileReadError when the file cannot be opened, is no regular file, holds no triangle, or holds less than half
-///         of what it announces; the reason tells when it looks like text
+/// From a file or from the bytes of one. All corners at the same position share one vertex; vertices are in the order
+/// of their first use, in the file's units, and normals are zero. A file that was cut short is accepted when it has at
+/// least half of its bytes; missing coordinates repeat the last ones.
+/// @throws FileReadError when the file cannot be opened, is not a regular file, has no triangle, or has less than half
+/// of
+///         the announced bytes; the reason mentions when it looks like text. std::length_error for more vertices than
+///         an index can count
 [[nodiscard]] MeshBuffers ReadStlFile(const std::wstring& path);
 [[nodiscard]] MeshBuffers ReadStl(std::span<const std::byte> bytes);
 
-/// Takes the next bytes of a file.
+/// Receives the next bytes of a file.
 using ByteSink = std::function<void(std::span<const std::byte>)>;
 
-/// Writes header and triangles in blocks. Normals are those of the triangles, computed from the positions.
+/// Writes header and triangles in blocks of 250 kB. Normals are those of the triangles, computed from the positions.
 /// @throws std::out_of_range "invalid vector subscript" when a triangle refers to a vertex that does not exist;
-///         std::length_error for more triangles than the header can count; what @p sink throws
+///         std::length_error for more triangles than the header can count; any exception of @p sink
 void WriteStl(const Mesh& mesh, const ByteSink& sink);

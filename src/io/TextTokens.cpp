@@ -1,4 +1,5 @@
-// White space of 64 characters becomes the bits of a word; a token starts where a bit is clear behind a set one.
+// One bit per character of a block of 64: white space or not. A token starts at every clear bit that follows a set one;
+// these are counted and found with bit operations, without a branch per character.
 #include "io/TextTokens.h"
 
 #include <algorithm>
@@ -9,19 +10,21 @@
 #endif
 
 namespace {
-constexpr std::ptrdiff_t kChunk = 64;
+constexpr std::ptrdiff_t kChunk = 64;  // characters per word of bits
 
 #ifdef __SSE2__
+/// 16 characters are compared with all four kinds of white space at once.
 std::uint64_t SpaceBitsOf16(const char* at) {
     const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    const __m128i blank = _mm_cmpeq_epi8(text, _mm_set1_epi8(' '));
+    const __m128i spaces = _mm_cmpeq_epi8(text, _mm_set1_epi8(' '));
     const __m128i tab = _mm_cmpeq_epi8(text, _mm_set1_epi8('\t'));
     const __m128i feed = _mm_cmpeq_epi8(text, _mm_set1_epi8('\n'));
     const __m128i carriage = _mm_cmpeq_epi8(text, _mm_set1_epi8('\r'));
-    const __m128i space = _mm_or_si128(_mm_or_si128(blank, tab), _mm_or_si128(feed, carriage));
+    const __m128i space = _mm_or_si128(_mm_or_si128(spaces, tab), _mm_or_si128(feed, carriage));
     return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(space)));
 }
 
+/// Bit i is set when character i of the chunk is white space.
 std::uint64_t SpaceBitsOfChunk(const char* at) {
     return SpaceBitsOf16(at) | SpaceBitsOf16(at + 16) << 16 | SpaceBitsOf16(at + 32) << 32 |
            SpaceBitsOf16(at + 48) << 48;
@@ -34,19 +37,20 @@ std::uint64_t SpaceBitsOfChunk(const char* at) {
 }
 #endif
 
-/// Walks a text chunk by chunk.
+/// Moves over a text chunk by chunk. The end of the text counts as white space.
 class TokenStarts {
 public:
     TokenStarts(const char* first, const char* last) : m_pChunk(first), m_pLast(last) {}
     [[nodiscard]] bool AtEnd() const { return m_pChunk == m_pLast; }
     [[nodiscard]] const char* Chunk() const { return m_pChunk; }
-    /// A bit for every character of the chunk that starts a token; moves to the next chunk.
+    /// One bit per character of the chunk, set where a token starts. Moves to the next chunk.
     [[nodiscard]] std::uint64_t Next() {
         std::uint64_t space = 0;
         if (m_pLast - m_pChunk >= kChunk) {
             space = SpaceBitsOfChunk(m_pChunk);
             m_pChunk += kChunk;
         } else {
+            // the last characters, filled up with white space
             char padded[kChunk];
             std::fill(std::copy(m_pChunk, m_pLast, padded), padded + kChunk, ' ');
             space = SpaceBitsOfChunk(padded);
@@ -60,10 +64,11 @@ public:
 private:
     const char* m_pChunk;
     const char* m_pLast;
-    std::uint64_t m_uSpaceBefore = 1;  // the last character of the chunk before is white space
+    std::uint64_t m_uSpaceBefore = 1;  // 1: the chunk before ends with white space
 };
 
-/// __builtin_popcount is a table look-up where the target need not have the instruction.
+/// std::popcount() is a table look-up on targets that do not guarantee the instruction.
+/// Sums of 2, of 4 and of 8 bits side by side, then all bytes by one multiplication.
 int CountBits(std::uint64_t bits) {
     bits -= bits >> 1 & 0x5555555555555555;
     bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
@@ -72,23 +77,26 @@ int CountBits(std::uint64_t bits) {
 }
 }  // namespace
 
+// Most chunks only add to the count; the position of a token is searched in one of several chunks.
 std::int64_t IndexTokens(std::string_view text, std::vector<std::int64_t>& startOfEvery64th) {
     startOfEvery64th.clear();
     std::int64_t count = 0;
-    std::int64_t untilNote = 0;  // tokens before the next one that is noted
+    std::int64_t untilIndexed = 0;  // tokens before the next one to write down
     TokenStarts walk(text.data(), text.data() + text.size());
     while (!walk.AtEnd()) {
         const std::int64_t chunk = walk.Chunk() - text.data();
         std::uint64_t starts = walk.Next();
         const int found = CountBits(starts);
         count += found;
-        if (found <= untilNote) {
-            untilNote -= found;
+        if (found <= untilIndexed) {
+            untilIndexed -= found;
             continue;
         }
-        for (; untilNote > 0; --untilNote) starts &= starts - 1;
+        // clear the lowest set bits up to the wanted token
+        for (; untilIndexed > 0; --untilIndexed) starts &= starts - 1;
         startOfEvery64th.push_back(chunk + std::countr_zero(starts));
-        untilNote = 64 - CountBits(starts);  // not below 32: a chunk holds at most that many
+        untilIndexed =
+            64 - CountBits(starts);  // at least 32: a chunk has at most 32 starts, so never two to write down
     }
     return count;
 }

@@ -1,4 +1,4 @@
-// Tokens of a text between blanks, tabs, line feeds and carriage returns, found 64 characters at a time.
+// Tokens of a text, separated by spaces, tabs, line feeds and carriage returns. They are found 64 characters at a time.
 #pragma once
 #include <cstdint>
 #include <string_view>
@@ -6,10 +6,11 @@
 
 constexpr bool IsTokenSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-/// Notes where every 64th token starts, from the first on.
+/// Writes down where every 64th token starts, beginning with the first. Costs one pass over the text.
 /// @return number of tokens
 [[nodiscard]] std::int64_t IndexTokens(std::string_view text, std::vector<std::int64_t>& startOfEvery64th);
 
-/// @param at  start of a token, or `end`
-/// @return start of the token so many behind it; `end` when there is none
+/// @param at      start of a token, or `end`
+/// @param tokens  how many to move on
+/// @return start of that token; `end` when there is none
 [[nodiscard]] const char* SkipTokens(const char* at, const char* end, std::int64_t tokens);

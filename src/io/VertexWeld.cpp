@@ -1,5 +1,5 @@
-// Open addressing: a slot holds the whole position, so that a corner costs one look into memory, which is asked for a
-// batch ahead.
+// Open addressing with linear probing. A slot holds the whole position, so that a corner costs one cache miss, and that
+// is hidden: the slots of the next positions are prefetched.
 #include "io/VertexWeld.h"
 
 #include <algorithm>
@@ -15,15 +15,16 @@
 
 namespace {
 
-/// Positions whose slots are on their way from memory at the same time.
-constexpr std::size_t kAhead = 32;
-/// Positions between two looks at the room in the table.
+/// Positions between the prefetch of a slot and its use: long enough for a load from main memory.
+constexpr std::size_t kPrefetchDistance = 32;
+/// Positions between two checks of the table's load.
 constexpr std::size_t kBatch = 768;
-constexpr std::size_t kFewestSlots = 1024;
-/// At three quarters full a search sees three slots on average, and the longest run of a large table some hundreds.
-constexpr std::size_t kLongestSearch = 1024;
-/// A seed that fails is bad luck; that so many fail has never been seen, and then the search may take as long as it
-/// will.
+constexpr std::size_t kMinSlots = 1024;
+/// Longest search that is accepted before the seed is changed. At a load of three quarters a search probes three slots
+/// on average, and a few hundred in the worst case of a large table.
+constexpr std::size_t kMaxProbes = 1024;
+/// Changes of the seed. With a random seed one is improbable; after this many the searches may be of any length, so
+/// that the weld ends in any case.
 constexpr int kMaxReseeds = 8;
 
 std::uint64_t FreshSeed() {
@@ -31,21 +32,24 @@ std::uint64_t FreshSeed() {
     return (std::uint64_t{device()} << 32) | device();
 }
 
+/// Such a position is equal to none, not even to itself: it is never searched for.
 bool HasNan(const Float3& p) { return std::isnan(p[0]) || std::isnan(p[1]) || std::isnan(p[2]); }
 
-/// The bits of a coordinate with one pattern for both zeros. Not by adding 0.0, which a processor that flushes
-/// denormals would turn into more than that.
+/// The bits of a coordinate, the same for both zeros. Adding 0.0 would do that, too, but where denormals are flushed to
+/// zero it would change these as well.
 std::uint32_t KeyBits(float coordinate) {
     const auto bits = std::bit_cast<std::uint32_t>(coordinate);
     return (bits << 1) == 0 ? 0 : bits;
 }
 
+/// Both halves of a 128-bit product: every bit of the result depends on all bits of both factors.
 std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
     __extension__ using Wide = unsigned __int128;
     const Wide product = static_cast<Wide>(a) * b;
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+/// Two multiplications; the seed enters both factors.
 std::uint64_t Hash(std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint64_t seed) {
     constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
     const std::uint64_t xy = (std::uint64_t{y} << 32) | x;
@@ -59,7 +63,7 @@ VertexWeld::VertexWeld(std::vector<Vertex>& vertices, std::size_t expected)
 
 VertexWeld::VertexWeld(std::vector<Vertex>& vertices, std::size_t expected, std::uint64_t seed)
     : m_vertices(vertices), m_uSeed(seed) {
-    MakeTable(std::bit_ceil(std::max(expected + expected / 3, kFewestSlots)));
+    MakeTable(std::bit_ceil(std::max(expected + expected / 3, kMinSlots)));
 }
 
 void VertexWeld::Free::operator()(Slot* slots) const { std::free(slots); }
@@ -69,7 +73,8 @@ std::uint64_t VertexWeld::HashOf(const Float3& position, std::uint64_t seed) {
 }
 
 void VertexWeld::MakeTable(std::size_t slots) {
-    m_pSlots.reset();  // never two tables at a time
+    m_pSlots.reset();  // freed first: never two tables in memory
+    // calloc(): a zeroed slot is an empty one, and fresh pages are zero without a pass over them
     m_pSlots.reset(static_cast<Slot*>(std::calloc(slots, sizeof(Slot))));
     if (!m_pSlots) throw std::bad_alloc();
     AdviseHugePages(m_pSlots.get(), slots * sizeof(Slot));
@@ -86,27 +91,30 @@ void VertexWeld::Weld(std::span<const Float3> positions, std::int32_t* indices) 
     }
 }
 
+// A ring of positions: one is inserted, and the slot of one that comes later is prefetched.
 void VertexWeld::WeldBatch(std::span<const Float3> positions, std::int32_t* indices) {
-    // Room for the whole batch, so that the table keeps its size until the batch is through.
+    // Load at most three quarters after the whole batch: the table does not grow within it.
     while (m_uFilled + positions.size() > (m_uMask + 1) / 4 * 3) Rebuild(2 * (m_uMask + 1));
-    struct Coming {
+    /// A position whose slot is being prefetched.
+    struct Prefetched {
         Slot key;
         std::size_t at;
         std::uint64_t seed;
     };
-    Coming ring[kAhead];
-    for (std::size_t i = 0; i < positions.size() + kAhead; ++i) {
-        Coming& coming = ring[i % kAhead];
-        if (i >= kAhead) {
-            const Float3& p = positions[i - kAhead];
-            if (coming.seed != m_uSeed) coming.at = HashOf(p, m_uSeed);
-            indices[i - kAhead] = HasNan(p) ? Append(p) : FindOrAppend(p, coming.key, coming.at);
+    Prefetched ring[kPrefetchDistance];
+    for (std::size_t i = 0; i < positions.size() + kPrefetchDistance; ++i) {
+        Prefetched& prefetched = ring[i % kPrefetchDistance];
+        if (i >= kPrefetchDistance) {
+            const Float3& p = positions[i - kPrefetchDistance];
+            // a change of the seed within the batch makes the hash invalid
+            if (prefetched.seed != m_uSeed) prefetched.at = HashOf(p, m_uSeed);
+            indices[i - kPrefetchDistance] = HasNan(p) ? Append(p) : FindOrAppend(p, prefetched.key, prefetched.at);
         }
         if (i < positions.size()) {
             const Float3& p = positions[i];
             const Slot key{KeyBits(p[0]), KeyBits(p[1]), KeyBits(p[2]), 0};
-            coming = {key, Hash(key.x, key.y, key.z, m_uSeed), m_uSeed};
-            __builtin_prefetch(&m_pSlots[coming.at & m_uMask]);
+            prefetched = {key, Hash(key.x, key.y, key.z, m_uSeed), m_uSeed};
+            __builtin_prefetch(&m_pSlots[prefetched.at & m_uMask]);
         }
     }
 }
@@ -122,7 +130,7 @@ std::int32_t VertexWeld::Append(const Float3& position) {
 }
 
 std::int32_t VertexWeld::FindOrAppend(const Float3& position, Slot key, std::size_t at) {
-    std::size_t searched = 0;
+    std::size_t probes = 0;
     for (;; ++at) {
         Slot& slot = m_pSlots[at & m_uMask];
         if (slot.indexPlus1 == 0) {
@@ -133,14 +141,15 @@ std::int32_t VertexWeld::FindOrAppend(const Float3& position, Slot key, std::siz
         }
         if (slot.x == key.x && slot.y == key.y && slot.z == key.z)
             return static_cast<std::int32_t>(slot.indexPlus1 - 1);
-        if (++searched == kLongestSearch && m_iReseeds < kMaxReseeds) {
+        if (++probes == kMaxProbes && m_iReseeds < kMaxReseeds) {
             Reseed();
-            at = Hash(key.x, key.y, key.z, m_uSeed) - 1;
-            searched = 0;
+            at = Hash(key.x, key.y, key.z, m_uSeed) - 1;  // the loop adds 1
+            probes = 0;
         }
     }
 }
 
+// The indices do not depend on the seed: only the places in the table change.
 void VertexWeld::Reseed() {
     ++m_iReseeds;
     m_uSeed = FreshSeed();
@@ -149,10 +158,11 @@ void VertexWeld::Reseed() {
 
 void VertexWeld::Rebuild(std::size_t slots) {
     MakeTable(slots);
-    for (std::size_t first = 0; first < m_vertices.size(); first += kAhead) {
-        const std::size_t count = std::min(kAhead, m_vertices.size() - first);
-        Slot keys[kAhead];
-        std::size_t at[kAhead];
+    // in two passes per group: hash and prefetch all, then insert all
+    for (std::size_t first = 0; first < m_vertices.size(); first += kPrefetchDistance) {
+        const std::size_t count = std::min(kPrefetchDistance, m_vertices.size() - first);
+        Slot keys[kPrefetchDistance];
+        std::size_t at[kPrefetchDistance];
         std::size_t kept = 0;
         for (std::size_t i = first; i < first + count; ++i) {
             const Float3 p = {m_vertices[i].x, m_vertices[i].y, m_vertices[i].z};
@@ -164,7 +174,7 @@ void VertexWeld::Rebuild(std::size_t slots) {
         }
         for (std::size_t i = 0; i < kept; ++i) {
             std::size_t free = at[i];
-            while (m_pSlots[free].indexPlus1 != 0) free = (free + 1) & m_uMask;  // all positions differ
+            while (m_pSlots[free].indexPlus1 != 0) free = (free + 1) & m_uMask;  // no comparison: all positions differ
             m_pSlots[free] = keys[i];
         }
         m_uFilled += kept;

@@ -1,4 +1,4 @@
-// One vertex for all corners at the same position.
+// Vertex welding: one vertex for all corners at the same position.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -9,26 +9,27 @@
 #include "geometry/Vector3.h"
 #include "geometry/Vertex.h"
 
-/// Gives every position the index of the vertex that has it, and appends a vertex where none has. Positions are
-/// compared exactly: 0.0 and -0.0 are one, and the vertex keeps the sign that came first; a position with a NaN is
-/// never equal to any, so each makes a vertex of its own.
-/// The results are those of a map from position to index. Which slot of its table a position takes depends on a seed
-/// that no file can know, so that no file can make it slow.
+/// Maps positions to vertex indices, and appends a vertex for every new position. Positions are compared exactly,
+/// without a tolerance: 0.0 and -0.0 are equal, and the vertex has the sign of the first one; a position with a NaN is
+/// equal to none, so each gets a vertex.
+///
+/// A hash table with open addressing. The hash depends on a random seed: a file
+/// cannot be made such that its positions collide and the weld becomes slow.
 class VertexWeld {
 public:
-    /// @param vertices  empty; filled by Weld(), and touched by nobody else meanwhile
-    /// @param expected  how many there will be, as a guess: the table starts with this size
+    /// @param vertices  empty; filled by Weld(). Must outlive this object; only Weld() may change it meanwhile
+    /// @param expected  estimated number of vertices, for the initial size of the table
     VertexWeld(std::vector<Vertex>& vertices, std::size_t expected);
-    /// The same with a known seed, for tests that make positions which meet in one slot.
+    /// The same with a known seed, for tests that need positions which collide.
     VertexWeld(std::vector<Vertex>& vertices, std::size_t expected, std::uint64_t seed);
 
-    /// Writes one index a position to @p indices, in order.
+    /// Writes one index per position to @p indices, in order. Expected time per position is constant.
     /// @throws std::length_error when there are more vertices than an index can count
     void Weld(std::span<const Float3> positions, std::int32_t* indices);
 
-    /// Times that the seed changed because too many positions met.
+    /// How often the seed was changed because too many positions collided.
     [[nodiscard]] int ReseedCount() const { return m_iReseeds; }
-    /// Where the search for a position starts under a seed, before it is cut to the table's size.
+    /// Hash of a position; modulo the number of slots it is the slot where the search starts.
     [[nodiscard]] static std::uint64_t HashOf(const Float3& position, std::uint64_t seed);
 
 private:
@@ -45,7 +46,7 @@ private:
     std::int32_t FindOrAppend(const Float3& position, Slot key, std::size_t at);
     void MakeTable(std::size_t slots);
     void Reseed();
-    /// Puts every vertex into a fresh table.
+    /// Inserts all vertices into a new table of @p slots slots, a power of two.
     void Rebuild(std::size_t slots);
 
     std::vector<Vertex>& m_vertices;

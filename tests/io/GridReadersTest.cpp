@@ -1,12 +1,10 @@
-// The formats pax and xdt: layout, units, masks, and what becomes of files that are short, odd or hostile.
+// The formats pax and xdt: layout, units, and files that are short, odd or hostile.
 #include "io/GridReaders.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <chrono>
-#include <cmath>
-#include <limits>
 
 #include "KV_ScenePane/PathText.h"
 #include "support/ScratchFolder.h"
@@ -213,26 +211,4 @@ TEST(ScaleXdtPoints, DividesAndDoesNotMultiply) {
     ASSERT_NE(9.0f / 1000.0f, 9.0f * 0.001f);
     ScaleXdtPoints(points);
     EXPECT_THAT(points, ElementsAre(1.0f, -2.5f, 5.0f / 1000.0f, 0.0f, -1.0f / 1000.0f, 9.0f / 1000.0f));
-}
-
-TEST(XdtMask, SkipsPixelsOfOneNegativeNumberThreeTimes) {
-    std::vector<float> points = {-1, -1, -1, 0, 0,  0,  -1, -1, -2, -2, -1,    -1,    -1,   -2,
-                                 -1, 5,  5,  5, -7, -7, -7, -1, -1, 1,  -0.0f, -0.0f, -0.0f};
-    EXPECT_THAT(XdtMask(points), ElementsAre(1, 0, 0, 0, 0, 0, 1, 0, 0));
-    ScaleXdtPoints(points);
-    EXPECT_THAT(XdtMask(points), ElementsAre(1, 0, 0, 0, 0, 0, 1, 0, 0));
-}
-
-TEST(XdtMask, NumbersThatAreNoneAreNotEqual) {
-    const float inf = std::numeric_limits<float>::infinity();
-    EXPECT_THAT(XdtMask(std::vector<float>{NAN, NAN, NAN, -inf, -inf, -inf, inf, inf, inf}), ElementsAre(0, 1, 0));
-}
-
-TEST(ConfidenceMask, SkipsBelowTheLimitAndNotAtIt) {
-    const float below = std::nextafter(0.5f, 0.0f), above = std::nextafter(0.5f, 1.0f);
-    EXPECT_THAT(ConfidenceMask(std::vector<float>{below, 0.5f, above, -1.0f, NAN}, 0.5f), ElementsAre(1, 0, 0, 1, 0));
-}
-
-TEST(ConfidenceMask, TheLimitZeroSkipsNegativeConfidenceOnly) {
-    EXPECT_THAT(ConfidenceMask(std::vector<float>{-1e-30f, -0.0f, 0.0f, 1.0f}, 0.0f), ElementsAre(1, 0, 0, 0));
 }

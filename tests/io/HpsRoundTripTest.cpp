@@ -12,6 +12,7 @@
 #include "KV_Components/HpsFile.h"
 #include "KV_Components/HpsVertices.h"
 #include "KV_ScenePane/PathText.h"
+#include "render/MeshTexture.h"
 #include "support/ControlFixture.h"
 #include "support/PngFile.h"
 #include "support/ScratchFolder.h"
@@ -270,16 +271,15 @@ TEST_F(HpsRoundTrip, NamesTheFirstTriangleThatRefersToNoVertex) {
 
 // ---- textures
 
-/// Four pictures points, no two the same.
+/// Four pixels, all different.
 const std::vector<std::uint8_t> kPixels = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 9, 8, 7, 255};
 
 /// A square whose middle vertices have other texture coordinates in each of the two triangles.
 void AddTexturedSquare(CKV_ScenePaneCtrl& control, const std::vector<std::uint8_t>& imageFile) {
     const TexCoord texCoords[] = {{0, 0}, {1, 0}, {1, 1}, {0.5f, 0.25f}, {-0.0f, 1}, {0.125f, -3}};
     control.MakeContextCurrent();
-    control.m_vpMeshes.push_back(std::make_shared<Mesh>(std::vector<Vertex>{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
-                                                        std::vector<Triangle>{{{0, 1, 2}}, {{2, 3, 0}}}, texCoords,
-                                                        imageFile));
+    control.m_vpMeshes.push_back(
+        MakePlyMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{{0, 1, 2}}, {{2, 3, 0}}}, texCoords, imageFile));
 }
 
 bool SameTexCoords(const Mesh& a, const Mesh& b) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "io/ScanSample.h"
@@ -363,6 +364,39 @@ TEST_F(ImportScan, SaysThatAMissingOrDamagedPcmGaveNoMesh) {
     EXPECT_EQ(Count(), 0u);
 }
 
+/// What the pcm reader says about a file.
+std::string PcmReason(const std::string& path) {
+    try {
+        (void)MsrStorage::ReadPcmFile(path);
+    } catch (const MsrStorage::PcmError& error) {
+        return error.Explanation();
+    }
+    return "the file was accepted";
+}
+
+TEST_F(ImportScan, GivesEachDamagedPcmItsOwnReason) {
+    ScanSample(40, 30, 1000).Write(folder / "good.pcm");
+    const ScanBytes good = ReadBytes(folder / "good.pcm");
+    ASSERT_GT(good.size(), 2000u);
+    ScanBytes changed = good;
+    changed[good.size() / 2] ^= std::byte{1};
+    const std::pair<const char*, ScanBytes> files[] = {
+        {"cut at 100.pcm", {good.begin(), good.begin() + 100}},
+        {"cut at 2000.pcm", {good.begin(), good.begin() + 2000}},
+        {"changed.pcm", changed},
+    };
+    std::set<std::string> reasons;
+    for (const auto& [name, bytes] : files) {
+        c.debugOutput.Clear();
+        Import(bytes, name);
+        const std::string reason = PcmReason(folder / name);
+        EXPECT_EQ(c.debugOutput.Text(), "ImportScan(): " + (folder / name) + ": " + reason + "\n" + kNoMesh);
+        reasons.insert(reason);
+    }
+    EXPECT_EQ(reasons.size(), std::size(files)) << "each file has a reason of its own";
+    EXPECT_EQ(Count(), 0u);
+}
+
 TEST_F(ImportScan, AddsAnEmptyObjectForAFailedPcmWhereTheseAreAllowed) {
     c->SetAllowEmptyObjects(-1);
     Import("missing.pcm");
@@ -371,6 +405,8 @@ TEST_F(ImportScan, AddsAnEmptyObjectForAFailedPcmWhereTheseAreAllowed) {
     EXPECT_EQ(Last().GetVertexCount(), 0u);
     EXPECT_EQ(Last().GetTriangleCount(), 0u);
     EXPECT_EQ(c->GetObjectColor(0), kColor);
+    for (const double element : Last().m_Trafo.m_dTranslation) EXPECT_EQ(element, 0);
+    EXPECT_EQ(Last().m_Trafo.m_dQuat[0], 1);
     ExpectBox(Last(), {0.99f, -0.99f, 0.99f, -0.99f, 0.99f, -0.99f});
 }
 

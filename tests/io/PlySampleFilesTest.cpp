@@ -1,5 +1,5 @@
-// Ply files that other programs wrote. What must come out was told by a reader of its own, written for this table in
-// another language, and agrees with the inventory of the files.
+// Ply files that other programs wrote. The expected counts and reasons come from a separate reader in another language,
+// which was written for this table.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "io/CPLYFile.h"
+#include "io/SampleFiles.h"
 #include "support/ControlFixture.h"
 
 namespace {
@@ -15,21 +16,19 @@ namespace {
 using testing::EndsWith;
 using testing::IsEmpty;
 
-const std::string kFolder = KV_MESH_FOLDER "/";
-
 constexpr char kNoFaces[] = "holds no faces";
 constexpr char kQuads[] = "Non-triangle faces not supported.";
 constexpr char kNoElement[] = "Error in grammar at token 0: \"element\" expected.";
 constexpr char kNoVertex[] = "No such element: vertex";
 constexpr char kNoMagic[] = "Magic number in PLY header not found.";
 
-struct SampleFile {
+struct PlySample {
     const char* path;
     int vertices, triangles;  ///< of an accepted file
     const char* reason;       ///< why it is refused, or empty
 };
 
-const SampleFile kSampleFiles[] = {
+const PlySample kSampleFiles[] = {
     {"Fluci+ply-rs/example_plys/all_atomic_types_ok_ascii.ply", 0, 0, kNoElement},
     {"Fluci+ply-rs/example_plys/empty_2_ok_ascii.ply", 0, 0, kNoFaces},
     {"Fluci+ply-rs/example_plys/empty_2_ok_little_endian.ply", 0, 0, kNoFaces},
@@ -126,8 +125,8 @@ const SampleFile kSampleFiles[] = {
     {"visgl+loaders.gl/modules/ply/test/data/gaussian/train-1000.ply", 1000, 0, kNoFaces},
 };
 
-/// What the import says of the file; empty when it added an object.
-std::string ReasonAgainst(NoPictureControl& c, const std::string& path) {
+/// The reason why the import refused the file; empty when it added an object.
+std::string RefusalOf(NoPictureControl& c, const std::string& path) {
     try {
         c->ImportMesh(KV_ScenePane::WidePath(path).c_str());
         return c.debugOutput.Take();
@@ -136,18 +135,13 @@ std::string ReasonAgainst(NoPictureControl& c, const std::string& path) {
     }
 }
 
-class PlySampleFiles : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!std::filesystem::is_directory(kFolder)) GTEST_SKIP() << "no folder of sample files here";
-    }
-};
+using PlySampleFiles = SampleFiles;
 
-TEST_F(PlySampleFiles, AreImportedOrRefusedForTheirReason) {
-    for (const SampleFile& row : kSampleFiles) {
+TEST_F(PlySampleFiles, AreImportedOrRefusedWithTheExpectedReason) {
+    for (const PlySample& row : kSampleFiles) {
         SCOPED_TRACE(row.path);
         NoPictureControl c;
-        const std::string reason = ReasonAgainst(c, kFolder + row.path);
+        const std::string reason = RefusalOf(c, kFolder + row.path);
         if (row.reason == std::string(kNoFaces)) {
             EXPECT_THAT(reason, EndsWith(std::string(kNoFaces) + "\n"));
         } else {
@@ -160,13 +154,13 @@ TEST_F(PlySampleFiles, AreImportedOrRefusedForTheirReason) {
     }
 }
 
-TEST_F(PlySampleFiles, AreAllInTheTable) {
+TEST_F(PlySampleFiles, AreAllListedInTheTable) {
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(kFolder)) {
         if (entry.path().extension() != ".ply") continue;
         ++count;
         const std::string path = entry.path().string().substr(kFolder.size());
-        EXPECT_TRUE(std::ranges::any_of(kSampleFiles, [&](const SampleFile& row) { return path == row.path; })) << path;
+        EXPECT_TRUE(std::ranges::any_of(kSampleFiles, [&](const PlySample& row) { return path == row.path; })) << path;
     }
     EXPECT_EQ(count, std::size(kSampleFiles));
 }

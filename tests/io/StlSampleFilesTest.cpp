@@ -1,24 +1,23 @@
-// Stl files that other programs wrote, from the shared data folder: counts as in its inventory.
+// Stl files that other programs wrote. The expected counts were made by other readers.
 #include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "KV_ScenePane/PathText.h"
+#include "io/SampleFiles.h"
 #include "io/StlMesh.h"
 
 using testing::HasSubstr;
 
 namespace {
 
-const std::filesystem::path kFolder = KV_MESH_FOLDER;
-
-struct RealStl {
+struct StlSample {
     const char* path;
     std::size_t triangles, vertices;
 };
 
-const RealStl kBinary[] = {
+const StlSample kBinary[] = {
     {"Formlabs+hackathon-slicer/media/icosphere.stl", 80, 42},
     {"Kitware+vtk-js/Data/stl/spherewithholes.stl", 1146, 593},
     {"Kitware+vtk-js/Data/stl/suzanne.stl", 4012, 2012},
@@ -43,37 +42,32 @@ const RealStl kBinary[] = {
     {"nmwsharp+geometry-central/test/assets/stl_box_binary.stl", 12, 8},
     {"pmp-library+pmp-library/data/stl/icosahedron_binary.stl", 20, 12},
     {"ros-visualization+rviz/src/test/meshes/finger.stl", 668, 328},
-    {"ros-visualization+rviz/src/test/meshes/invalid_extra.stl", 2, 6},  // bytes behind the end
+    {"ros-visualization+rviz/src/test/meshes/invalid_extra.stl", 2, 6},  // bytes after the last triangle
     {"ros-visualization+rviz/src/test/meshes/valid.stl", 2, 6},
     {"sreiter+stl_reader/tests/data/binary_sphere.stl", 20, 12},
     {"wolph+numpy-stl/tests/stl_binary/Cube.stl", 12, 8},
     {"wolph+numpy-stl/tests/stl_binary/CubeInvalidUnicode.stl", 12, 8},
-    {"wolph+numpy-stl/tests/stl_binary/HalfDonut.stl", 288, 144},  // a byte behind the end
+    {"wolph+numpy-stl/tests/stl_binary/HalfDonut.stl", 288, 144},  // a byte after the last triangle
     {"wolph+numpy-stl/tests/stl_binary/StarWithEmptyHeader.stl", 68, 36},
     {"wolph+numpy-stl/tests/stl_tests/triamid.stl", 10, 7},
 };
 
-class RealStlFiles : public testing::Test {
+class StlSampleFiles : public SampleFiles {
 protected:
-    void SetUp() override {
-        if (!std::filesystem::is_directory(kFolder)) GTEST_SKIP() << "no folder of sample files here";
-    }
-    static MeshBuffers Read(const std::string& path) {
-        return ReadStlFile(KV_ScenePane::WidePath((kFolder / path).string()));
-    }
+    static MeshBuffers Read(const std::string& path) { return ReadStlFile(KV_ScenePane::WidePath(kFolder + path)); }
 };
 
 }  // namespace
 
-TEST_F(RealStlFiles, GiveTheTrianglesAndVerticesOfTheInventory) {
-    for (const RealStl& row : kBinary) {
+TEST_F(StlSampleFiles, GiveTheTrianglesAndVerticesThatOtherReadersCount) {
+    for (const StlSample& row : kBinary) {
         const MeshBuffers mesh = Read(row.path);
         EXPECT_EQ(mesh.m_vTriangles.size(), row.triangles) << row.path;
         EXPECT_EQ(mesh.m_vVertices.size(), row.vertices) << row.path;
     }
 }
 
-TEST_F(RealStlFiles, TheOneThatIsCutShortRepeatsItsLastCoordinates) {
+TEST_F(StlSampleFiles, RepeatTheLastCoordinatesOfAFileThatIsCutShort) {
     // 91 of 100 bytes: y and z of the last corner are missing
     const MeshBuffers mesh = Read("ros-visualization+rviz/src/test/meshes/invalid.stl");
     ASSERT_EQ(mesh.m_vTriangles.size(), 2u);
@@ -84,13 +78,13 @@ TEST_F(RealStlFiles, TheOneThatIsCutShortRepeatsItsLastCoordinates) {
     EXPECT_EQ(last.z, before.z);
 }
 
-TEST_F(RealStlFiles, TextIsRefusedAndNamed) {
+TEST_F(StlSampleFiles, AreRefusedAsTextWhereTheyAreText) {
     int texts = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(kFolder)) {
         const std::string extension = entry.path().extension();
         if (extension != ".stl" && extension != ".STL") continue;
         const std::string path = std::filesystem::relative(entry.path(), kFolder);
-        if (std::ranges::any_of(kBinary, [&](const RealStl& row) { return row.path == path; })) continue;
+        if (std::ranges::any_of(kBinary, [&](const StlSample& row) { return row.path == path; })) continue;
         std::string start;
         std::ifstream(entry.path()) >> start;
         if (start != "solid") continue;
@@ -101,7 +95,7 @@ TEST_F(RealStlFiles, TextIsRefusedAndNamed) {
     EXPECT_EQ(texts, 33);
 }
 
-TEST_F(RealStlFiles, WithoutATriangleAreRefused) {
+TEST_F(StlSampleFiles, AreRefusedWithoutATriangle) {
     EXPECT_THROW((void)Read("mikedh+trimesh/models/emptyIO/stl_empty_bin.stl"), FileReadError);
     EXPECT_THROW((void)Read("f3d-app+f3d/testing/data/tetrahedron, with commas & spaces.stl"), FileReadError);
 }

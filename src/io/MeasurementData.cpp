@@ -1,0 +1,108 @@
+// One pass per array: the points are written once and never zeroed before, since a grid of some megapixels does not fit
+// into the caches.
+#include "io/MeasurementData.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
+#include "base/HugePages.h"
+#include "io/GridLimits.h"
+
+namespace {
+
+/// Iterates over floats and yields them scaled: a vector assigned from a pair of these is written in one pass.
+class ScaledIterator {
+public:
+    using iterator_category = std::random_access_iterator_tag;
+    using value_type = float;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const float*;
+    using reference = float;
+
+    explicit ScaledIterator(const float* at) : m_pAt(at) {}
+    float operator*() const { return *m_pAt * kFileToSceneScale; }
+    ScaledIterator& operator++() {
+        ++m_pAt;
+        return *this;
+    }
+    ScaledIterator& operator--() {
+        --m_pAt;
+        return *this;
+    }
+    ScaledIterator& operator+=(std::ptrdiff_t n) {
+        m_pAt += n;
+        return *this;
+    }
+    friend std::ptrdiff_t operator-(ScaledIterator a, ScaledIterator b) { return a.m_pAt - b.m_pAt; }
+    friend bool operator==(ScaledIterator, ScaledIterator) = default;
+
+private:
+    const float* m_pAt;
+};
+
+/// @param isMasked  called once per pixel, in row order; without branches, so that the loop can run on whole registers
+template <class IsMasked>
+void FillMask(MeasurementData& data, std::size_t pixels, IsMasked isMasked) {
+    ReserveInHugePages(data.m_vMask, pixels);
+    data.m_vMask.resize(pixels);
+    int masked = 0;
+    for (std::size_t i = 0; i < pixels; ++i) {
+        const bool skip = isMasked(i);
+        data.m_vMask[i] = skip;
+        masked += skip;
+    }
+    data.m_iMasked = masked;
+}
+
+/// One loop per rule: which arrays there are is decided once and not per pixel.
+void MaskPixels(MeasurementData& data, std::size_t pixels, const MeasurementArrays& arrays,
+                const MeasurementRules& rules) {
+    const float* const points = data.Points();
+    const float* const confidence = arrays.m_pConfidence;
+    const std::uint8_t* const classes = arrays.m_pClassification;
+    const float limit = rules.m_fConfidenceLimit;
+    if (rules.m_eMask == GridMask::EqualNegatives) {
+        return FillMask(data, pixels, [&](std::size_t i) {
+            const float* const p = points + 3 * i;
+            return ((p[0] == p[1]) & (p[1] == p[2]) & (p[0] < 0.0f)) != 0;
+        });
+    }
+    // "limit > confidence" is false for NaN: such a pixel is valid.
+    if (classes == nullptr) return FillMask(data, pixels, [&](std::size_t i) { return limit > confidence[i]; });
+    FillMask(data, pixels,
+             [&](std::size_t i) { return ((classes[i] >= kFirstInvalidClass) | (limit > confidence[i])) != 0; });
+}
+
+/// Only the translation has a unit; rotation and last row are copied.
+void SetTrafo(MeasurementData& data, const float* trafo, GridScale scale) {
+    data.m_bHasTrafo = trafo != nullptr;
+    if (trafo == nullptr) return;
+    std::copy_n(trafo, data.m_fTrafo.size(), data.m_fTrafo.begin());
+    if (scale == GridScale::None) return;
+    for (const std::size_t translation : {3, 7, 11}) data.m_fTrafo[translation] *= kFileToSceneScale;
+}
+
+}  // namespace
+
+MeasurementData MakeMeasurementData(const MeasurementArrays& arrays, const MeasurementRules& rules) {
+    MeasurementData data;
+    data.m_iWidth = arrays.m_iWidth;
+    data.m_iHeight = arrays.m_iHeight;
+    if (!IsPossibleGrid(arrays.m_iWidth, arrays.m_iHeight)) return data;
+
+    SetTrafo(data, arrays.m_pTrafo, rules.m_eScale);
+    // Sides are below 2^15: the products fit.
+    const std::size_t pixels = static_cast<std::size_t>(arrays.m_iWidth) * static_cast<std::size_t>(arrays.m_iHeight);
+    if (rules.m_eScale == GridScale::None) {
+        data.m_pSourcePoints = arrays.m_pPoints;
+    } else {
+        ReserveInHugePages(data.m_vXYZ, 3 * pixels);
+        data.m_vXYZ.assign(ScaledIterator(arrays.m_pPoints), ScaledIterator(arrays.m_pPoints + 3 * pixels));
+    }
+    // The mask rules apply to scaled points: a denormal number can become zero.
+    MaskPixels(data, pixels, arrays, rules);
+    // Colours are never changed. Those of masked pixels count, too: they decide whether the object is grey.
+    data.m_pSourceColors = arrays.m_pColors;
+    return data;
+}
