@@ -1,8 +1,10 @@
-// The viewer in a Qt program: qt_host [--frames N] FILE...
+// The viewer in a Qt program: qt_host FILE...
+//
+// The viewer's window is a child of the native window of a widget. The widget does three things for it: it creates the
+// viewer, calls ProcessEvents() when the viewer's descriptor is readable, and passes on its size.
 #include <QApplication>
 #include <QResizeEvent>
 #include <QSocketNotifier>
-#include <QTimer>
 #include <QWidget>
 #include <memory>
 
@@ -12,14 +14,15 @@
 class Viewer : public QWidget {
 public:
     Viewer() {
-        setAttribute(Qt::WA_NativeWindow);
+        setAttribute(Qt::WA_NativeWindow);   // the widget gets an X11 window of its own, the parent of the viewer's
         setAttribute(Qt::WA_PaintOnScreen);  // Qt paints nothing here: the viewer covers the widget
         setAttribute(Qt::WA_NoSystemBackground);
         resize(800, 600);
         KV_ScenePane::WindowRequest request;
         request.kind = KV_ScenePane::WindowRequest::Kind::Child;
         request.parent = winId();
-        request.width = width(), request.height = height();
+        request.width = width();
+        request.height = height();
         std::string reason;
         m_pane = CreateScenePane(request, &reason);
         if (!m_pane) qFatal("no viewer: %s", reason.c_str());
@@ -29,26 +32,24 @@ public:
     KV_ScenePane::_DKV_ScenePane& Methods() { return m_pane->Methods(); }
 
 private:
-    QPaintEngine* paintEngine() const override { return nullptr; }
+    QPaintEngine* paintEngine() const override { return nullptr; }  // as WA_PaintOnScreen requires
     void resizeEvent(QResizeEvent* event) override {
+        // The viewer counts device pixels, Qt its own.
         const QSize pixels = event->size() * devicePixelRatioF();
         Methods().SetSize(static_cast<std::int16_t>(pixels.width()), static_cast<std::int16_t>(pixels.height()));
         Methods().PerformInvalidate();
     }
 
     std::unique_ptr<KV_ScenePane::ScenePane> m_pane;
-    std::unique_ptr<QSocketNotifier> m_events;  // goes first
+    std::unique_ptr<QSocketNotifier> m_events;  // destroyed first: its descriptor belongs to the viewer
 };
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "xcb");  // the viewer lives in X11 windows, also on a Wayland desktop
+    qputenv("QT_QPA_PLATFORM", "xcb");  // the viewer needs X11 windows, also on a Wayland desktop
     QApplication application(argc, argv);
-    const bool timed = argc > 2 && qstrcmp(argv[1], "--frames") == 0;  // ends by itself, for tests
     Viewer viewer;
-    for (int i = timed ? 3 : 1; i < argc; ++i)
-        viewer.Methods().ImportScan(KV_ScenePane::WidePath(argv[i]).c_str(), 0xC8D4DC);
+    for (int i = 1; i < argc; ++i) viewer.Methods().ImportScan(KV_ScenePane::WidePath(argv[i]).c_str(), 0xC8D4DC);
     viewer.Methods().CenterView();
     viewer.show();
-    if (timed) QTimer::singleShot(50 * QByteArray(argv[2]).toInt(), &application, &QCoreApplication::quit);
     return application.exec();
 }

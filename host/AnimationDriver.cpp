@@ -1,8 +1,9 @@
-// A timer that refreshes for as long as the animation runs: there is no load without one.
+// The timer refreshes the viewer while its animation runs and is stopped otherwise, so that an idle window costs
+// nothing.
 #include "AnimationDriver.h"
 
 namespace {
-constexpr int kFramePeriodMs = 16;
+constexpr int kFramePeriodMs = 16;  // about 60 frames per second
 }
 
 AnimationDriver::AnimationDriver(QObject* parent) : QObject(parent) {
@@ -27,7 +28,7 @@ void AnimationDriver::Check() {
 }
 
 void AnimationDriver::DrawFrame() {
-    // The last frame notices that the revolution is over; a press or a key ends it in between.
+    // The refresh that completes the revolution ends the animation; so does a press or a key between two frames.
     m_pMethods->PerformRefresh();
     Check();
 }

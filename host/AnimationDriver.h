@@ -1,4 +1,5 @@
-// The frames of the turntable. The viewer turns the scene by the clock in each frame, and asks for no frame itself.
+// Drives the turntable. The viewer turns the scene by the clock in each frame that it draws, but it requests no frame
+// itself: that is for the host.
 #pragma once
 #include <QObject>
 #include <QTimer>
@@ -10,14 +11,15 @@ class AnimationDriver : public QObject {
 public:
     explicit AnimationDriver(QObject* parent = nullptr);
 
-    /// @param methods  of the viewer to be driven; null stops
+    /// @param methods  of the viewer to be driven, which must outlive the driver or be replaced by null; null stops
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
-    /// Looks whether the viewer's animation runs, and drives it when it does. To be called when it may have been
-    /// started: by the host, or by a key of the viewer's.
+    /// Starts or stops the timer as the viewer's animation runs or not. Must be called whenever the animation may have
+    /// been started, by the host or by a key in the viewer.
     void Check();
     [[nodiscard]] bool IsDriving() const { return m_timer.isActive(); }
 
 signals:
+    /// The timer was started or stopped.
     void RunningChanged(bool running);
 
 private:

@@ -1,4 +1,4 @@
-// The frames come from AnimationDriver.
+// Layout of the panel; AnimationDriver draws the frames.
 #include "AnimationPanel.h"
 
 #include <QCheckBox>
@@ -9,7 +9,8 @@
 #include "AnimationDriver.h"
 
 namespace {
-constexpr double kSlowest = 0.01, kFastest = 5.0;
+// Revolutions per second.
+constexpr double kMinSpeed = 0.01, kMaxSpeed = 5.0;
 constexpr double kStartSpeed = 0.2;  // what the viewer starts with
 }  // namespace
 
@@ -22,7 +23,7 @@ AnimationPanel::AnimationPanel(QWidget* parent)
     m_pStart->setObjectName("animationStart");
     m_pStart->setToolTip(tr("Turns the scene once around the Z axis. A click or a key in the viewer stops it."));
     m_pSpeed->setObjectName("animationSpeed");
-    m_pSpeed->setRange(kSlowest, kFastest);
+    m_pSpeed->setRange(kMinSpeed, kMaxSpeed);
     m_pSpeed->setDecimals(2);
     m_pSpeed->setSingleStep(0.05);
     m_pSpeed->setSuffix(tr(" turns/s"));

@@ -1,4 +1,4 @@
-// Start, speed and space bar of the turntable.
+// The controls of the turntable: start and stop, speed, and whether the space bar starts it.
 #pragma once
 #include <QWidget>
 
@@ -13,9 +13,9 @@ class AnimationPanel : public QWidget {
     Q_OBJECT
 public:
     explicit AnimationPanel(QWidget* parent = nullptr);
-    /// @param methods  null disables the panel
+    /// @param methods  of the viewer, which must outlive the panel or be replaced by null; null disables the panel
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
-    /// Follows an animation that the viewer may have started itself.
+    /// Starts drawing frames when a key in the viewer has started the animation, and stops when it has ended.
     void Check();
     [[nodiscard]] const AnimationDriver& Driver() const { return *m_pDriver; }
 

@@ -1,4 +1,4 @@
-// Four colour buttons as they lie in the picture, or the left two alone.
+// Four colour buttons arranged like the corners of the picture; with two colours only the left two are visible.
 #include "BackgroundDialog.h"
 
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-// One line for whatever a method of the viewer, or a library behind it, throws.
+// One line for any exception that a method of the viewer, or a library that it calls, throws.
 #include "CaughtError.h"
 
 #include <exception>

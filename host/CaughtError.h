@@ -1,6 +1,6 @@
-// What an exception has to say to a user.
+// The text of an exception, for a user.
 #pragma once
 #include <string>
 
-/// Of the exception that is being handled, as one line; never empty. To be called inside a catch block only.
+/// The text of the exception that is being handled, as one line; never empty. Must be called inside a catch block.
 [[nodiscard]] std::string TextOfCaughtError();

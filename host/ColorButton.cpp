@@ -1,4 +1,4 @@
-// The colour is shown as the button's icon.
+// The colour is the icon of the button; a click opens Qt's colour dialog.
 #include "ColorButton.h"
 
 #include <QColorDialog>

@@ -1,10 +1,10 @@
-// A button that shows a colour and lets the user choose another.
+// A button that shows a colour and lets the user choose another one.
 #pragma once
 #include <QColor>
 #include <QToolButton>
 #include <cstdint>
 
-/// A packed colour 0x00BBGGRR as Qt's, and back.
+// Conversion between the packed colours of the viewer, 0x00BBGGRR, and those of Qt; alpha is dropped.
 [[nodiscard]] QColor ColorFromPacked(std::int32_t packed);
 [[nodiscard]] std::int32_t PackedFromColor(const QColor& color);
 
@@ -13,13 +13,13 @@ class ColorButton : public QToolButton {
 public:
     explicit ColorButton(std::int32_t packed, QWidget* parent = nullptr);
     [[nodiscard]] std::int32_t Packed() const { return m_nPacked; }
-    /// What the colour is for: a button that shows a colour alone says it by its tooltip, and to who cannot see it.
+    /// The purpose of the colour. The button has no text, so this becomes its tool tip and its name for screen readers.
     void SetName(const QString& name);
-    /// Shows the colour; emits nothing.
+    /// Shows another colour, without emitting ColorChosen().
     void SetPacked(std::int32_t packed);
 
 signals:
-    /// The user chose.
+    /// The user chose a colour in the dialog.
     void ColorChosen(std::int32_t packed);
 
 private:

@@ -1,4 +1,5 @@
-// Parsing of the command line. Numbers go through std::from_chars: the process's locale has no say.
+// Parsing of the command line: a table of the options with values, then the checks of what they are together. Numbers
+// are read by std::from_chars, whose result does not depend on the locale.
 #include "CommandLine.h"
 
 #include <charconv>
@@ -7,13 +8,14 @@
 #include <string_view>
 #include <type_traits>
 
+#include "FileTypes.h"
 #include "ProgramName.h"
 #include "SceneFile.h"
 
 namespace {
 
-constexpr int kLargestSide = 16384;  // what drivers take as a drawing area
-constexpr int kLargestSkip = 32767;
+constexpr int kMaxSide = 16384;  // the largest drawing area that common drivers accept, pixels
+constexpr int kMaxSkip = 32767;  // the viewer's skip value has 16 bits
 
 /// The whole of @p text as a number, or nothing.
 template <class Number>
@@ -38,8 +40,8 @@ std::optional<int> IntegerIn(std::string_view text, int smallest, int largest) {
 bool ReadSize(std::string_view text, HostOptions& options) {
     const std::size_t cross = text.find('x');
     if (cross == std::string_view::npos) return false;
-    const auto width = IntegerIn(text.substr(0, cross), 1, kLargestSide);
-    const auto height = IntegerIn(text.substr(cross + 1), 1, kLargestSide);
+    const auto width = IntegerIn(text.substr(0, cross), 1, kMaxSide);
+    const auto height = IntegerIn(text.substr(cross + 1), 1, kMaxSide);
     if (!width || !height) return false;
     options.width = *width;
     options.height = *height;
@@ -47,14 +49,14 @@ bool ReadSize(std::string_view text, HostOptions& options) {
 }
 
 bool ReadView(std::string_view text, HostOptions& options) {
-    const auto view = IntegerIn(text, 0, 7);
-    if (view) options.view = *view;
+    const auto view = IntegerIn(text, KV_ScenePane::ViewFromPlusYZUp, KV_ScenePane::ViewFromMinusZYUp);
+    if (view) options.view = static_cast<KV_ScenePane::ViewMode>(*view);
     return view.has_value();
 }
 
 bool ReadDrawMode(std::string_view text, HostOptions& options) {
-    const auto mode = IntegerIn(text, 0, 7);
-    if (mode) options.drawMode = *mode;
+    const auto mode = IntegerIn(text, KV_ScenePane::DrawModePoints, KV_ScenePane::DrawModeShadowMap);
+    if (mode) options.drawMode = static_cast<KV_ScenePane::DrawMode>(*mode);
     return mode.has_value();
 }
 
@@ -66,7 +68,7 @@ bool ReadZoom(std::string_view text, HostOptions& options) {
 }
 
 bool ReadSkip(std::string_view text, HostOptions& options) {
-    const auto skip = IntegerIn(text, 1, kLargestSkip);
+    const auto skip = IntegerIn(text, 1, kMaxSkip);
     if (skip) options.import.skip = static_cast<std::int16_t>(*skip);
     return skip.has_value();
 }
@@ -79,10 +81,11 @@ bool ReadConfidence(std::string_view text, HostOptions& options) {
 }
 
 bool ReadColor(std::string_view text, HostOptions& options) {
-    // The sign that from_chars takes is ruled out by the six digits that have to be there.
+    // from_chars accepts a minus sign, which is no digit of a colour.
     if (text.size() != 6 || text.front() == '-') return false;
     const auto rgb = WholeNumber<std::int32_t>(text, 16);
     if (!rgb) return false;
+    // RRGGBB to 0x00BBGGRR.
     options.import.color = ((*rgb & 0xFF) << 16) | (*rgb & 0xFF00) | (*rgb >> 16);
     return true;
 }
@@ -92,32 +95,32 @@ bool ReadPicturePath(std::string_view text, HostOptions& options) {
     return !text.empty();
 }
 
-/// In which runs an option has a meaning.
-enum class Meaning {
-    Action,   ///< it names the run itself
-    Always,   ///< imports
+/// The runs that an option applies to.
+enum class Scope {
+    Action,   ///< the option selects the run
+    Import,   ///< all runs that open files
     Picture,  ///< all but --info and --convert
-    Look      ///< the window and --screenshot: a capture has its own size and look
+    Look      ///< the window and --screenshot: a capture has a size and a draw mode of its own
 };
 
-/// An option that takes a value.
+/// An option with a value.
 struct ValueOption {
     std::string_view name;
-    std::string_view wants;  ///< what a good value is
-    Meaning meaning;
-    bool (*read)(std::string_view text, HostOptions& options);
+    std::string_view expected;  ///< what a valid value is, for the message about an invalid one
+    Scope scope;
+    bool (*read)(std::string_view text, HostOptions& options);  ///< false for an invalid value
 };
 
 constexpr ValueOption kValueOptions[] = {
-    {"--screenshot", "a file name", Meaning::Action, ReadPicturePath},
-    {"--capture", "a file name", Meaning::Action, ReadPicturePath},
-    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", Meaning::Look, ReadSize},
-    {"--view", "a whole number from 0 to 7", Meaning::Picture, ReadView},
-    {"--draw-mode", "a whole number from 0 to 7", Meaning::Look, ReadDrawMode},
-    {"--zoom", "a number from 0.1 to 10", Meaning::Picture, ReadZoom},
-    {"--skip", "a whole number from 1 to 32767", Meaning::Always, ReadSkip},
-    {"--confidence", "a number", Meaning::Always, ReadConfidence},
-    {"--color", "six hexadecimal digits RRGGBB", Meaning::Always, ReadColor},
+    {"--screenshot", "a file name", Scope::Action, ReadPicturePath},
+    {"--capture", "a file name", Scope::Action, ReadPicturePath},
+    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", Scope::Look, ReadSize},
+    {"--view", "a whole number from 0 to 7", Scope::Picture, ReadView},
+    {"--draw-mode", "a whole number from 0 to 7", Scope::Look, ReadDrawMode},
+    {"--zoom", "a number from 0.1 to 10", Scope::Picture, ReadZoom},
+    {"--skip", "a whole number from 1 to 32767", Scope::Import, ReadSkip},
+    {"--confidence", "a number", Scope::Import, ReadConfidence},
+    {"--color", "six hexadecimal digits RRGGBB", Scope::Import, ReadColor},
 };
 
 const ValueOption* FindValueOption(std::string_view name) {
@@ -127,11 +130,11 @@ const ValueOption* FindValueOption(std::string_view name) {
     return nullptr;
 }
 
-/// What was seen, beside the values.
-struct Seen {
+/// Which options were given, for the checks of their combination.
+struct GivenOptions {
     bool screenshot = false, capture = false, info = false, convert = false;
-    std::string_view pictureOption;  ///< the last one that asks for something of a picture
-    std::string_view lookOption;     ///< the last of these that a capture does not heed
+    std::string_view pictureOption;  ///< the last one that applies to pictures; empty without one
+    std::string_view lookOption;     ///< the last of these that a capture ignores; empty without one
 };
 
 bool IsSwitch(std::string_view name) {
@@ -139,55 +142,56 @@ bool IsSwitch(std::string_view name) {
            name == "--version";
 }
 
-/// Takes an option without a value; false when there is no such option.
-bool TakeSwitch(std::string_view name, HostOptions& options, Seen& seen) {
+/// Stores an option without a value; false when there is no such option.
+bool StoreSwitch(std::string_view name, HostOptions& options, GivenOptions& given) {
     if (name == "--info") {
-        seen.info = true;
+        given.info = true;
     } else if (name == "--convert") {
-        seen.convert = true;
+        given.convert = true;
     } else if (name == "--json") {
         options.json = true;
     } else if (name == "--shadows") {
         options.shadows = true;
-        seen.pictureOption = seen.lookOption = "--shadows";
+        given.pictureOption = given.lookOption = "--shadows";
     } else {
         return false;
     }
     return true;
 }
 
-/// Two options that each name the run; empty when there are none.
-std::string TwoActions(const Seen& seen) {
-    if (seen.info && seen.screenshot) return "--info and --screenshot do not go together";
-    if (seen.info && seen.capture) return "--info and --capture do not go together";
-    if (seen.capture && seen.screenshot) return "--screenshot and --capture do not go together";
-    if (seen.convert && seen.info) return "--convert and --info do not go together";
-    if (seen.convert && seen.screenshot) return "--convert and --screenshot do not go together";
-    if (seen.convert && seen.capture) return "--convert and --capture do not go together";
+/// The message about two options that each select the run; empty when there are no such two.
+std::string ActionConflict(const GivenOptions& given) {
+    if (given.info && given.screenshot) return "--info and --screenshot do not go together";
+    if (given.info && given.capture) return "--info and --capture do not go together";
+    if (given.capture && given.screenshot) return "--screenshot and --capture do not go together";
+    if (given.convert && given.info) return "--convert and --info do not go together";
+    if (given.convert && given.screenshot) return "--convert and --screenshot do not go together";
+    if (given.convert && given.capture) return "--convert and --capture do not go together";
     return {};
 }
 
-/// What does not go together; empty when all is well.
-std::string Contradiction(const HostOptions& options, const Seen& seen) {
-    if (std::string text = TwoActions(seen); !text.empty()) return text;
-    if (options.json && !seen.info) return "--json goes with --info only";
-    if ((seen.info || seen.convert) && !seen.pictureOption.empty())
-        return std::string(seen.pictureOption) + " has no meaning with " + (seen.info ? "--info" : "--convert");
-    if (seen.capture && !seen.lookOption.empty())
-        return std::string(seen.lookOption) + " has no meaning with --capture";
-    if (options.files.empty() && seen.capture) return "--capture needs at least one file";
-    if (options.files.empty() && seen.screenshot) return "--screenshot needs at least one file";
-    if (options.files.empty() && seen.info) return "--info needs at least one file";
-    if (options.files.size() != 2 && seen.convert)
+/// The message about options and files that contradict each other; empty when none do.
+std::string Conflict(const HostOptions& options, const GivenOptions& given) {
+    if (std::string text = ActionConflict(given); !text.empty()) return text;
+    if (options.json && !given.info) return "--json goes with --info only";
+    if ((given.info || given.convert) && !given.pictureOption.empty())
+        return std::string(given.pictureOption) + " has no meaning with " + (given.info ? "--info" : "--convert");
+    if (given.capture && !given.lookOption.empty())
+        return std::string(given.lookOption) + " has no meaning with --capture";
+    if (options.files.empty() && given.capture) return "--capture needs at least one file";
+    if (options.files.empty() && given.screenshot) return "--screenshot needs at least one file";
+    if (options.files.empty() && given.info) return "--info needs at least one file";
+    if (options.files.size() != 2 && given.convert)
         return "--convert needs two files, the one to read and the one to write";
-    if (const std::string reason = seen.convert ? WhyNoExportName(options.files.back()) : ""; !reason.empty())
+    if (const std::string reason = given.convert ? ExportRefusal(options.files.back()) : ""; !reason.empty())
         return options.files.back() + ": " + reason;
     return {};
 }
 
-/// Reads one option with a value, at @p i, which moves on when the value is the next argument.
-std::optional<UsageError> TakeValue(const ValueOption& option, const std::vector<std::string>& arguments,
-                                    std::size_t& i, HostOptions& options, Seen& seen) {
+/// Reads one option with a value.
+/// @param i  position of the option among the arguments; advanced by one when the value is the next argument
+std::optional<UsageError> ReadOption(const ValueOption& option, const std::vector<std::string>& arguments,
+                                     std::size_t& i, HostOptions& options, GivenOptions& given) {
     const std::string_view argument = arguments[i];
     std::string_view value;
     if (argument.size() > option.name.size()) {
@@ -195,16 +199,16 @@ std::optional<UsageError> TakeValue(const ValueOption& option, const std::vector
     } else if (i + 1 < arguments.size()) {
         value = arguments[++i];
     } else {
-        return UsageError{std::string(option.name) + " needs a value: " + std::string(option.wants)};
+        return UsageError{std::string(option.name) + " needs a value: " + std::string(option.expected)};
     }
     if (!option.read(value, options)) {
-        return UsageError{std::string(option.name) + " takes " + std::string(option.wants) + ", not \"" +
+        return UsageError{std::string(option.name) + " takes " + std::string(option.expected) + ", not \"" +
                           std::string(value) + "\""};
     }
-    if (option.name == "--screenshot") seen.screenshot = true;
-    if (option.name == "--capture") seen.capture = true;
-    if (option.meaning == Meaning::Picture || option.meaning == Meaning::Look) seen.pictureOption = option.name;
-    if (option.meaning == Meaning::Look) seen.lookOption = option.name;
+    if (option.name == "--screenshot") given.screenshot = true;
+    if (option.name == "--capture") given.capture = true;
+    if (option.scope == Scope::Picture || option.scope == Scope::Look) given.pictureOption = option.name;
+    if (option.scope == Scope::Look) given.lookOption = option.name;
     return std::nullopt;
 }
 
@@ -212,7 +216,7 @@ std::optional<UsageError> TakeValue(const ValueOption& option, const std::vector
 
 std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::string>& arguments) {
     HostOptions options;
-    Seen seen;
+    GivenOptions given;
     bool optionsEnded = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
@@ -229,18 +233,18 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
             options.action = argument == "--help" ? HostAction::Help : HostAction::Version;
             return options;
         }
-        if (TakeSwitch(argument, options, seen)) continue;
+        if (StoreSwitch(argument, options, given)) continue;
         const std::string_view name = argument.substr(0, argument.find('='));
         const ValueOption* const option = FindValueOption(name);
         if (name != argument && IsSwitch(name)) return UsageError{std::string(name) + " takes no value"};
         if (option == nullptr) return UsageError{"unknown option " + std::string(argument)};
-        if (auto error = TakeValue(*option, arguments, i, options, seen)) return *error;
+        if (auto error = ReadOption(*option, arguments, i, options, given)) return *error;
     }
-    if (const std::string text = Contradiction(options, seen); !text.empty()) return UsageError{text};
-    if (seen.screenshot) options.action = HostAction::Screenshot;
-    if (seen.capture) options.action = HostAction::Capture;
-    if (seen.info) options.action = HostAction::Info;
-    if (seen.convert) {
+    if (const std::string text = Conflict(options, given); !text.empty()) return UsageError{text};
+    if (given.screenshot) options.action = HostAction::Screenshot;
+    if (given.capture) options.action = HostAction::Capture;
+    if (given.info) options.action = HostAction::Info;
+    if (given.convert) {
         options.action = HostAction::Convert;
         options.exportPath = options.files.back();
         options.files.pop_back();
@@ -249,12 +253,16 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
 }
 
 std::string HelpText() {
+    const std::string scans = ExtensionList(IsImportedScan, "and"), meshes = ExtensionList(IsImportedMesh, "and");
+    const std::string written = ExtensionList(IsExported, "or");
     return "Usage: scenepane [options] FILE...\n"
            "       scenepane --screenshot OUT.png [options] FILE...\n"
            "       scenepane --capture OUT.png [options] FILE...\n"
            "       scenepane --info [--json] [options] FILE...\n"
            "       scenepane --convert [options] IN OUT\n"
-           "Shows optical scans (pcm, pax and xdt files) and meshes (ply, stl, hps, ois and msh files) in a window,\n"
+           "Shows optical scans (" +
+           scans + " files) and meshes (" + meshes +
+           " files) in a window,\n"
            "as a picture, or as numbers.\n"
            "\n"
            "Without a display:\n"
@@ -263,7 +271,9 @@ std::string HelpText() {
            "                        size; --size, --draw-mode and --shadows have no meaning with it\n"
            "  --info                print what each file holds; needs no OpenGL either\n"
            "  --json                with --info: print one JSON object\n"
-           "  --convert IN OUT      write what IN holds, a scan or a mesh, as the ply, stl or hps file OUT; needs no\n"
+           "  --convert IN OUT      write what IN holds, a scan or a mesh, as the " +
+           written +
+           " file OUT; needs no\n"
            "                        OpenGL either\n"
            "\n"
            "Imports of scans:\n"

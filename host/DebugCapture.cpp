@@ -1,4 +1,4 @@
-// The sink hands each text to the capture of the thread that wrote it.
+// The sink passes each text to the capture of the thread that wrote it; then the steps from such a text to one line.
 #include "DebugCapture.h"
 
 #include <algorithm>
@@ -9,11 +9,16 @@
 
 namespace {
 
+/// Where the DebugCapture of this thread collects; null without one.
 thread_local std::string* g_capturedText = nullptr;
 
-constexpr std::string_view kJoint = "; ";
+constexpr std::string_view kSeparator = "; ";
 
-/// Lines that are not empty.
+/// What the viewer writes when a grid gives no object, and what that means for a user.
+constexpr std::string_view kNoMesh = "CreateInternalMesh() returned nullptr";
+constexpr std::string_view kNoMeshReason = "its valid points form no triangle";
+
+/// The lines that are not empty.
 std::vector<std::string_view> Lines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
@@ -28,28 +33,30 @@ std::vector<std::string_view> Lines(std::string_view text) {
 std::string Join(const std::vector<std::string_view>& lines) {
     std::string joined;
     for (const std::string_view line : lines) {
-        if (!joined.empty()) joined += kJoint;
+        if (!joined.empty()) joined += kSeparator;
         joined += line;
     }
     return joined;
 }
 
-/// Reasons quote the file, which anybody may have made: no commands for a terminal, and no line as long as the file.
+/// Makes a line safe to print. Reasons quote the file, which anybody may have written: no control sequences for a
+/// terminal, and no line as long as the file.
 std::string SanitizeForTerminal(std::string line) {
-    constexpr std::size_t kLongest = 1000;
-    if (line.size() > kLongest) {
-        std::size_t end = kLongest;
-        const auto continues = [&line](std::size_t at) {
+    constexpr std::size_t kMaxBytes = 1000;
+    if (line.size() > kMaxBytes) {
+        // Cut between two UTF-8 characters: a continuation byte (10xxxxxx) is never the first byte that is cut off.
+        std::size_t end = kMaxBytes;
+        const auto isContinuation = [&line](std::size_t at) {
             return (static_cast<unsigned char>(line[at]) & 0xC0) == 0x80;
         };
-        while (end > kLongest - 3 && continues(end)) --end;  // whole characters
+        while (end > kMaxBytes - 3 && isContinuation(end)) --end;
         line.resize(end);
         line += "...";
     }
     for (std::size_t i = 0; i < line.size(); ++i) {
         const auto byte = static_cast<unsigned char>(line[i]);
         if (byte < ' ' || byte == 0x7F) line[i] = '?';
-        // U+0080 to U+009F are control characters, too
+        // U+0080 to U+009F, in UTF-8 the byte C2 and one more, are control characters too.
         if (i > 0 && line[i - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0) {
             line.erase(i, 1);
             line[--i] = '?';
@@ -58,6 +65,17 @@ std::string SanitizeForTerminal(std::string line) {
     return line;
 }
 
+/// @p line without the name of the function that wrote it: "ImportPly(): " or "CPLYFile::Read(): ".
+std::string_view WithoutFunctionName(std::string_view line) {
+    const std::size_t end = line.find("(): ");
+    if (end == 0 || end == std::string_view::npos) return line;
+    const auto isNameCharacter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == ':';
+    };
+    return std::ranges::all_of(line.substr(0, end), isNameCharacter) ? line.substr(end + 4) : line;
+}
+
+/// @p text without any occurrence of @p part.
 std::string Without(std::string text, const std::string& part) {
     for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos;) text.erase(at, part.size());
     return text;
@@ -85,19 +103,26 @@ std::string DebugCapture::OneLine() const { return JoinLines(m_strText); }
 
 std::string JoinLines(std::string_view text) { return Join(Lines(text)); }
 
-std::string TextAbout(std::string_view file, std::string_view written, std::string_view thrown) {
+std::string FileMessage(std::string_view file, std::string_view written, std::string_view thrown) {
+    // The path first: it may contain line feeds.
     const std::string path = std::string(file) + ": ";
     const std::string output = Without(std::string(written), path), error = Without(JoinLines(thrown), path);
-    std::vector<std::string_view> said;
+    std::vector<std::string_view> messages;
     for (const std::string_view line : Lines(output)) {
-        if (std::ranges::find(said, line) == said.end()) said.push_back(line);
+        std::string_view message = WithoutFunctionName(line);
+        if (message == kNoMesh) message = kNoMeshReason;
+        if (!message.empty() && std::ranges::find(messages, message) == messages.end()) messages.push_back(message);
     }
-    const auto holdsError = [&](std::string_view line) { return line.find(error) != std::string_view::npos; };
-    if (!error.empty() && std::ranges::none_of(said, holdsError)) said.push_back(error);
-    return SanitizeForTerminal(Join(said));
+    // The viewer may have written the text of the exception as part of a line.
+    const std::string_view exception = WithoutFunctionName(error);
+    const auto containsException = [&](std::string_view line) {
+        return line.find(exception) != std::string_view::npos;
+    };
+    if (!exception.empty() && std::ranges::none_of(messages, containsException)) messages.push_back(exception);
+    return SanitizeForTerminal(Join(messages));
 }
 
-std::string ReasonOf(std::string_view file, std::string_view written, std::string_view thrown) {
-    const std::string text = TextAbout(file, written, thrown);
-    return text.empty() ? "nothing in it could be imported" : text;
+std::string FailureReason(std::string_view file, std::string_view written, std::string_view thrown) {
+    const std::string message = FileMessage(file, written, thrown);
+    return message.empty() ? "nothing in it could be imported" : message;
 }

@@ -1,20 +1,23 @@
-// Tells the debugger output of one import from that of another, also when several run at once.
+// Separates the debugger output of one import from that of another, also when several run at once, and makes the reason
+// that a user reads out of it.
 #pragma once
 #include <functional>
 #include <string>
 #include <string_view>
 
-/// Takes the debugger output of the process over, for as long as this lives. There is one at a time.
+/// Receives the debugger output of the whole process for as long as it exists. Only one can exist at a time.
 class DebugRouter {
 public:
-    /// @param rest  takes what comes while its thread captures nothing; called from any thread
+    /// @param rest  receives the output of threads that capture nothing; called from any thread, one call at a time
     explicit DebugRouter(std::function<void(std::string_view text)> rest);
+    /// The output goes to standard error again.
     ~DebugRouter();
     DebugRouter(const DebugRouter&) = delete;
     DebugRouter& operator=(const DebugRouter&) = delete;
 };
 
-/// Collects what this thread writes to the debugger output while it lives, with a DebugRouter in place. Does not nest.
+/// Collects what the constructing thread writes to the debugger output until the destructor. Needs a DebugRouter.
+/// Must be destroyed on the same thread. Does not nest.
 class DebugCapture {
 public:
     DebugCapture();
@@ -22,25 +25,27 @@ public:
     DebugCapture(const DebugCapture&) = delete;
     DebugCapture& operator=(const DebugCapture&) = delete;
 
-    /// As it was written.
+    /// The output unchanged, with its line feeds.
     [[nodiscard]] const std::string& Text() const { return m_strText; }
-    /// All lines, joined to one by "; ".
+    /// All lines, joined by JoinLines().
     [[nodiscard]] std::string OneLine() const;
 
 private:
     std::string m_strText;
 };
 
-/// Lines to one line, joined by "; "; empty lines are left out.
+/// Joins the lines of a text to one line with "; " between them. Empty lines are left out.
 [[nodiscard]] std::string JoinLines(std::string_view text);
 
-/// What the work on a file had to say, as one line: the debugger output, then the exception; what both say stands once.
-/// The viewer puts the path into its lines, and whoever shows this does so, too: "path: " is left out here. Control
-/// characters become question marks, and three points stand for what is behind a thousand bytes.
-/// @param file     path in bytes, as it was handed to the viewer
-/// @param written  of the debugger output
-/// @param thrown   text of the exception that ended the work; empty without one
-[[nodiscard]] std::string TextAbout(std::string_view file, std::string_view written, std::string_view thrown = {});
+/// The messages of the viewer about a file as one line for the user: first the debugger output, then the exception.
+/// Removed are what the user does not need, or sees beside the message: the name of the function at the start of a line
+/// ("ImportPly(): "), the path of the file ("path: ") and repetitions. Control characters become question marks, and a
+/// message of more than a thousand bytes is cut and ends with "...".
+/// @param file     path in bytes, as it was passed to the viewer
+/// @param written  the debugger output of the import or export
+/// @param thrown   text of the exception that ended it; empty without one
+[[nodiscard]] std::string FileMessage(std::string_view file, std::string_view written, std::string_view thrown = {});
 
-/// TextAbout() an import that added nothing; never empty.
-[[nodiscard]] std::string ReasonOf(std::string_view file, std::string_view written, std::string_view thrown = {});
+/// FileMessage() of an import that added nothing. Never empty: there is a general sentence for a viewer that gave no
+/// reason.
+[[nodiscard]] std::string FailureReason(std::string_view file, std::string_view written, std::string_view thrown = {});

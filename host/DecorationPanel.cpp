@@ -1,4 +1,4 @@
-// Each part tells the viewer at once. Methods that draw nothing of their own accord get a refresh behind them.
+// Each control changes the viewer at once. Methods of the viewer that request no repaint are followed by a refresh.
 #include "DecorationPanel.h"
 
 #include <QCheckBox>
@@ -11,10 +11,10 @@
 #include "ColorButton.h"
 
 namespace {
-// What the viewer starts with.
+// Colours that the viewer starts with, 0x00BBGGRR.
 constexpr std::int32_t kArrowColor = 0xFFEAEA;
 constexpr std::int32_t kCrossColor = 0xFFFFFF;
-constexpr int kLargestAngle = 180;
+constexpr int kMaxAngle = 180;  // degrees
 }  // namespace
 
 DecorationPanel::DecorationPanel(QWidget* parent)
@@ -34,23 +34,23 @@ DecorationPanel::DecorationPanel(QWidget* parent)
 
 void DecorationPanel::MakeParts() {
     m_pAxes->setObjectName("axes");
-    m_pAxes->setToolTip(tr("While the axes show, a double click into the viewer returns to the view from +Z."));
+    m_pAxes->setToolTip(tr("While the axes are shown, a double click in the viewer returns to the view from +Z."));
     connect(m_pAxes, &QCheckBox::toggled, this,
-            [this](bool on) { Tell([on](auto& methods) { methods.ShowAxes(on ? 1 : 0); }); });
+            [this](bool on) { Apply([on](auto& methods) { methods.ShowAxes(on ? 1 : 0); }); });
     m_pArrow->setObjectName("arrow");
     connect(m_pArrow, &QCheckBox::toggled, this,
-            [this](bool on) { Tell([on](auto& methods) { methods.ShowLightingArrow(on ? 1 : 0); }); });
+            [this](bool on) { Apply([on](auto& methods) { methods.ShowLightingArrow(on ? 1 : 0); }); });
     m_pArrowColor->setObjectName("arrowColor");
     m_pArrowColor->SetName(tr("Colour of the lighting arrow"));
     connect(m_pArrowColor, &ColorButton::ColorChosen, this,
-            [this](std::int32_t packed) { Tell([packed](auto& methods) { methods.SetArrowColor(packed); }); });
+            [this](std::int32_t packed) { Apply([packed](auto& methods) { methods.SetArrowColor(packed); }); });
     m_pCross->setObjectName("cross");
-    m_pCross->setToolTip(tr("As View, Picking, Centre cross: nothing else is picked while it shows."));
+    m_pCross->setToolTip(tr("The same as View, Picking, Centre cross: no point is picked while the cross is shown."));
     connect(m_pCross, &QCheckBox::toggled, this, &DecorationPanel::CrossWanted);
     m_pCrossColor->setObjectName("crossColor");
     m_pCrossColor->SetName(tr("Colour of the centre cross"));
     connect(m_pCrossColor, &ColorButton::ColorChosen, this, [this](std::int32_t packed) {
-        Tell([packed](auto& methods) {
+        Apply([packed](auto& methods) {
             methods.SetCrossColor(packed);
             methods.PerformRefresh();
         });
@@ -60,19 +60,20 @@ void DecorationPanel::MakeParts() {
 void DecorationPanel::MakeAngle() {
     const QString tip = tr("Degrees counterclockwise; at 0 the arrow is at the top.");
     m_pAngle->setObjectName("arrowAngle");
-    m_pAngle->setRange(-kLargestAngle, kLargestAngle);
+    m_pAngle->setRange(-kMaxAngle, kMaxAngle);
     m_pAngle->setPageStep(15);
     m_pAngle->setAccessibleName(tr("Arrow angle"));
     m_pAngle->setToolTip(tip);
     m_pAngleNumber->setObjectName("arrowAngleNumber");
-    m_pAngleNumber->setRange(-kLargestAngle, kLargestAngle);
+    m_pAngleNumber->setRange(-kMaxAngle, kMaxAngle);
     m_pAngleNumber->setSuffix(QStringLiteral("\u00b0"));
     m_pAngleNumber->setAccessibleName(m_pAngle->accessibleName());
     m_pAngleNumber->setToolTip(tip);
+    // Slider and number follow each other; the slider alone changes the viewer.
     connect(m_pAngleNumber, &QSpinBox::valueChanged, m_pAngle, &QSlider::setValue);
     connect(m_pAngle, &QSlider::valueChanged, m_pAngleNumber, &QSpinBox::setValue);
     connect(m_pAngle, &QSlider::valueChanged, this, [this](int degrees) {
-        Tell([degrees](auto& methods) {
+        Apply([degrees](auto& methods) {
             methods.SetArrowAngle(static_cast<std::int16_t>(degrees));
             methods.PerformRefresh();
         });
@@ -106,6 +107,6 @@ void DecorationPanel::ShowCross(bool on) {
     m_pCross->setChecked(on);
 }
 
-void DecorationPanel::Tell(const std::function<void(KV_ScenePane::_DKV_ScenePane&)>& tell) const {
-    if (m_pMethods != nullptr) tell(*m_pMethods);
+void DecorationPanel::Apply(const std::function<void(KV_ScenePane::_DKV_ScenePane&)>& change) const {
+    if (m_pMethods != nullptr) change(*m_pMethods);
 }

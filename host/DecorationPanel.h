@@ -1,4 +1,4 @@
-// What stands around the scene: axes, centre cross, lighting arrow.
+// The controls of what the viewer draws around the scene: axes, lighting arrow, centre cross.
 #pragma once
 #include <QWidget>
 #include <functional>
@@ -14,21 +14,23 @@ class DecorationPanel : public QWidget {
     Q_OBJECT
 public:
     explicit DecorationPanel(QWidget* parent = nullptr);
-    /// @param methods  null disables the panel
+    /// @param methods  of the viewer, which must outlive the panel or be replaced by null; null disables the panel
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
-    /// The cross is a pick mode, which is also chosen elsewhere. Emits nothing.
+    /// Checks or clears the box of the cross, which is a pick mode that the menu chooses too. Emits nothing.
     void ShowCross(bool on);
 
 signals:
+    /// The button for the background colours was pressed.
     void BackgroundWanted();
+    /// The user switched the cross on or off; the panel itself does not change the pick mode.
     void CrossWanted(bool on);
 
 private:
     void MakeParts();
     void MakeAngle();
     void Arrange();
-    /// Tells the viewer, if there is one.
-    void Tell(const std::function<void(KV_ScenePane::_DKV_ScenePane&)>& tell) const;
+    /// Calls @p change with the viewer, if there is one.
+    void Apply(const std::function<void(KV_ScenePane::_DKV_ScenePane&)>& change) const;
 
     KV_ScenePane::_DKV_ScenePane* m_pMethods = nullptr;
     QCheckBox *m_pAxes, *m_pArrow, *m_pCross;

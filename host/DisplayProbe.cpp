@@ -1,4 +1,4 @@
-// Opens the display and closes it again.
+// Asks the X server itself: $DISPLAY alone may name a server that is gone or that refuses this user.
 #include "DisplayProbe.h"
 
 #include <X11/Xlib.h>

@@ -1,5 +1,5 @@
-// Whether an X display can be reached. On its own, since Xlib's names and Qt's do not go into one file.
+// Whether an X display can be reached. In a file without Qt, because names of Xlib and Qt collide.
 #pragma once
 
-/// True when $DISPLAY names a display that lets us in.
+/// Opens the display that $DISPLAY names and closes it again. @return whether that succeeded
 [[nodiscard]] bool CanOpenDisplay();

@@ -1,4 +1,4 @@
-// One line an event. Numbers are written as the report of --info writes them: the locale has no say.
+// One line per event. Numbers are formatted as in the report of --info, so that they do not depend on the locale.
 #include "EventFormatter.h"
 
 #include <initializer_list>
@@ -27,48 +27,51 @@ std::string Line(std::string_view event, std::initializer_list<Argument> argumen
 
 }  // namespace
 
-void EventFormatter::ReadyStateChange() { Tell(Line("ReadyStateChange", {})); }
+void EventFormatter::ReadyStateChange() { ReportLine(Line("ReadyStateChange", {})); }
 
 void EventFormatter::SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz) {
-    Tell(Line("SelectViewDirection", {{"px", px}, {"py", py}, {"pz", pz}, {"vx", vx}, {"vy", vy}, {"vz", vz}}));
+    ReportLine(Line("SelectViewDirection", {{"px", px}, {"py", py}, {"pz", pz}, {"vx", vx}, {"vy", vy}, {"vz", vz}}));
 }
 
 void EventFormatter::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
-                                  std::int32_t mouseX, std::int32_t mouseY) {
-    Tell(Line("SelectObjCoords", {{"idx", std::int64_t{idx}},
-                                  {"px", px},
-                                  {"py", py},
-                                  {"pz", pz},
-                                  {"shiftModifiers", std::int64_t{shiftModifiers}},
-                                  {"mouseX", std::int64_t{mouseX}},
-                                  {"mouseY", std::int64_t{mouseY}}}));
+                                     std::int32_t mouseX, std::int32_t mouseY) {
+    ReportLine(Line("SelectObjCoords", {{"idx", std::int64_t{idx}},
+                                        {"px", px},
+                                        {"py", py},
+                                        {"pz", pz},
+                                        {"shiftModifiers", std::int64_t{shiftModifiers}},
+                                        {"mouseX", std::int64_t{mouseX}},
+                                        {"mouseY", std::int64_t{mouseY}}}));
 }
 
 void EventFormatter::SegmentationDone(std::int16_t numObj) {
-    Tell(Line("SegmentationDone", {{"numObj", std::int64_t{numObj}}}));
+    ReportLine(Line("SegmentationDone", {{"numObj", std::int64_t{numObj}}}));
 }
 
 void EventFormatter::ViewDirectionChanged(float vx, float vy, float vz) {
-    Tell(Line("ViewDirectionChanged", {{"vx", vx}, {"vy", vy}, {"vz", vz}}));
+    ReportLine(Line("ViewDirectionChanged", {{"vx", vx}, {"vy", vy}, {"vz", vz}}));
 }
 
-void EventFormatter::AlignmentDone() { Tell(Line("AlignmentDone", {})); }
+void EventFormatter::AlignmentDone() { ReportLine(Line("AlignmentDone", {})); }
 
-void EventFormatter::NeedleCreated(std::int32_t id) { Tell(Line("NeedleCreated", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleCreated(std::int32_t id) { ReportLine(Line("NeedleCreated", {{"id", std::int64_t{id}}})); }
 
-void EventFormatter::NeedleSelected(std::int32_t id) { Tell(Line("NeedleSelected", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleSelected(std::int32_t id) { ReportLine(Line("NeedleSelected", {{"id", std::int64_t{id}}})); }
 
-void EventFormatter::NeedleDeleted(std::int32_t id) { Tell(Line("NeedleDeleted", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleDeleted(std::int32_t id) { ReportLine(Line("NeedleDeleted", {{"id", std::int64_t{id}}})); }
 
-void EventFormatter::NeedleDeselected(std::int32_t id) { Tell(Line("NeedleDeselected", {{"id", std::int64_t{id}}})); }
+void EventFormatter::NeedleDeselected(std::int32_t id) {
+    ReportLine(Line("NeedleDeselected", {{"id", std::int64_t{id}}}));
+}
 
 void EventFormatter::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
-    Tell(Line("CustomKeyDown",
-              {{"nChar", std::int64_t{nChar}}, {"nRepCnt", std::int64_t{nRepCnt}}, {"nFlags", std::int64_t{nFlags}}}));
+    ReportLine(
+        Line("CustomKeyDown",
+             {{"nChar", std::int64_t{nChar}}, {"nRepCnt", std::int64_t{nRepCnt}}, {"nFlags", std::int64_t{nFlags}}}));
 }
 
 void EventFormatter::PickPointCountChanged(std::int32_t newCount) {
-    Tell(Line("PickPointCountChanged", {{"newCount", std::int64_t{newCount}}}));
+    ReportLine(Line("PickPointCountChanged", {{"newCount", std::int64_t{newCount}}}));
 }
 
-void EventFormatter::CutMaskApplied(std::int64_t addr) { Tell(Line("CutMaskApplied", {{"addr", addr}})); }
+void EventFormatter::CutMaskApplied(std::int64_t addr) { ReportLine(Line("CutMaskApplied", {{"addr", addr}})); }

@@ -1,12 +1,12 @@
-// The events of the viewer as text, for a log that a user reads.
+// The events of the viewer as text, for the log that a user reads.
 #pragma once
 #include <cstdint>
 #include <string>
 
 #include "KV_ScenePane/_DKV_ScenePaneEvents.h"
 
-/// Turns each event into one line: its name, then its arguments by name, as in "NeedleCreated(id = 3)". A class that
-/// derives from it and overrides an event calls the one here as well.
+/// Turns each event into one line: its name, then its arguments by name, as in "NeedleCreated(id = 3)". A derived class
+/// that overrides an event must call the method of this class too, or the event has no line.
 class EventFormatter : public KV_ScenePane::_DKV_ScenePaneEvents {
 public:
     void ReadyStateChange() override;
@@ -28,6 +28,6 @@ protected:
     ~EventFormatter() = default;
 
 private:
-    /// Takes the line, without a line feed, inside the call or the input that caused the event.
-    virtual void Tell(const std::string& line) = 0;
+    /// Called for each event, during the call or the input that caused it. @param line  without a line feed
+    virtual void ReportLine(const std::string& line) = 0;
 };

@@ -1,4 +1,4 @@
-// A text field that keeps the last lines, and a row of controls.
+// A text field that keeps the last lines, and below it a row of controls.
 #include "EventPane.h"
 
 #include <QCheckBox>
@@ -9,11 +9,11 @@
 #include "MessagePane.h"
 
 namespace {
-constexpr int kKeptLines = 1000;
+constexpr int kMaxLines = 1000;
 }
 
 EventPane::EventPane(QWidget* parent) : QWidget(parent), m_pLines(new MessagePane) {
-    m_pLines->setMaximumBlockCount(kKeptLines);
+    m_pLines->setMaximumBlockCount(kMaxLines);
     auto* const tracing = new QCheckBox(tr("With changes of the view"));
     tracing->setObjectName("tracing");
     connect(tracing, &QCheckBox::toggled, this, &EventPane::TracingWanted);

@@ -1,4 +1,4 @@
-// The events of the viewer as they fire.
+// The log of the events that the viewer fired.
 #pragma once
 #include <QWidget>
 
@@ -8,13 +8,13 @@ class EventPane : public QWidget {
     Q_OBJECT
 public:
     explicit EventPane(QWidget* parent = nullptr);
-    /// Adds a line below the others; the oldest go when there are many.
+    /// Appends a line; of more than a thousand the oldest is dropped.
     void AddLine(const QString& line);
     void Clear();
     [[nodiscard]] QString Text() const;
 
 signals:
-    /// Whether the viewer shall report how its view changes: an event for each step of a drag.
+    /// The user switched the events about changes of the view on or off: one for each step of a drag.
     void TracingWanted(bool on);
 
 private:

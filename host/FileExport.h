@@ -7,14 +7,18 @@
 
 struct ExportResult {
     bool written = false;
-    std::string text;  ///< one line without the file's name: why not, or what the viewer said beside writing it
+    /// One line without the file's name: the reason of a failure, never empty; or the viewer's messages about a file
+    /// that was written, usually none.
+    std::string text;
 };
 
-/// Writes an object into @p file (bytes): a ply, stl or hps file by its extension. Needs a DebugRouter for the reason
-/// of a failure, and the component registry for an hps file. Never throws what the export throws: that is a reason,
-/// too.
-/// @param index  must be in the viewer's list
+/// Writes one object into a file of the type that its extension names (FileType::canExport). Needs a DebugRouter for
+/// the reason of a failure, and the component registry for hps files. Throws nothing that the export throws: that is a
+/// reason too.
+/// @param index  of an object in the viewer's list
+/// @param file   path in bytes
 [[nodiscard]] ExportResult ExportObject(KV_ScenePane::_DKV_ScenePane& methods, int index, const std::string& file);
 
-/// Calls @p write, which may throw, and finds out whether it has written @p file. Needs a DebugRouter for the reason.
+/// Calls @p write, which may throw, and finds out by the state on disk whether it has written @p file. Needs a
+/// DebugRouter for the reason of a failure.
 [[nodiscard]] ExportResult WatchWrite(const std::string& file, const std::function<void()>& write);

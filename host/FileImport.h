@@ -1,18 +1,19 @@
-// The import of one file through the viewer's own methods.
+// The import of one file, for the runs without a window, for the window and for its worker threads.
 #pragma once
 #include <cstdint>
 #include <string>
 
+#include "KV_ScenePane/Types.h"
 #include "KV_ScenePane/_DKV_ScenePane.h"
 
-/// What holds for every scan of an import.
+/// What applies to every scan of an import; meshes ignore it.
 struct ImportSettings {
-    std::int16_t skip = 1;
-    float confidence = 0.0f;
-    std::int32_t color = 0xC8D4DC;  ///< 0x00BBGGRR, for scans without colours of their own: a light beige
+    std::int16_t skip = 1;          ///< the grid is thinned to one point per skip x skip
+    float confidence = 0.0f;        ///< points of a lower confidence are left out
+    std::int32_t color = 0xC8D4DC;  ///< 0x00BBGGRR, for scans without colours: a light beige
 };
 
-/// What came of one file.
+/// The result for one file.
 struct ImportResult {
     enum class State {
         NotStarted,  ///< cancelled before its turn
@@ -20,18 +21,32 @@ struct ImportResult {
         Failed
     };
     State state = State::NotStarted;
-    /// One line without the file's name: why it added nothing, or what the viewer said beside adding it; may be empty
-    /// then.
+    /// One line without the file's name: the reason of a failure, never empty; or the viewer's messages about a file
+    /// that was added, usually none.
     std::string text;
 };
 
-/// Hands skip value and confidence limit to the viewer, for the imports to come.
+/// A parallel import of the viewer that has begun; any thread may pass grids to its entry.
+struct GridEntry {
+    void* control = nullptr;                               ///< first argument of the entry, from BeginParallelImport()
+    KV_ScenePane::ImportMeasurementEntry entry = nullptr;  ///< from BeginParallelImport()
+    std::uint32_t color = 0;                               ///< 0x00BBGGRR, for scans without colours
+};
+
+/// Sets the viewer's skip value and confidence limit for the imports that follow.
 void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings);
 
-/// Imports @p file (bytes), a scan or a mesh. Needs a DebugRouter for the reason of a failure, and the component
-/// registry for an hps file or a texture. Never throws what the import throws: that is a reason, too.
+/// Imports one file of any type, on the thread of the viewer. Needs a DebugRouter for the reason of a failure, and the
+/// component registry for hps files and textures. Throws nothing that the import throws: that is a reason too.
+/// @param file   path in bytes
+/// @param color  0x00BBGGRR, for scans without colours
 [[nodiscard]] ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                                       std::int32_t color);
 
-/// Fits the view to the scene, then magnifies: 2 shows half as much.
+/// Reads a file that the host reads itself (FileType::readByHost) and passes its grid to the entry. Any thread; the
+/// same reasons and the same conditions as ImportFile().
+/// @param index  place of the object among those of the parallel import
+[[nodiscard]] ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std::int32_t index);
+
+/// Fits the view to the scene, then magnifies: with @p zoom 2 the view spans half the size.
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom);

@@ -1,4 +1,5 @@
-// Imports one file after the other into a viewer without a window, and tells of each that added nothing.
+// Each run: make a viewer without a window, import one file after the other, produce the result, and report each file
+// that added nothing.
 #include "Headless.h"
 
 #include <cerrno>
@@ -21,15 +22,20 @@ namespace {
 using KV_ScenePane::ScenePane;
 using KV_ScenePane::WindowRequest;
 
-void Complain(std::FILE* err, const std::string& line) { (void)PrintTo(err, "scenepane: " + line + '\n'); }
+/// Writes all of @p text and flushes; false with errno when a part of it was not written.
+bool WriteText(std::FILE* out, const std::string& text) {
+    return std::fwrite(text.data(), 1, text.size(), out) == text.size() && std::fflush(out) == 0;
+}
 
-/// What comes to the debugger output outside an import, line by line.
-std::function<void(std::string_view)> ComplainOfTheRest(std::FILE* err) {
+/// For the debugger output that belongs to no import or export: one line per text.
+std::function<void(std::string_view)> PrintOtherOutput(std::FILE* err) {
     return [err](std::string_view text) {
-        if (const std::string line = JoinLines(text); !line.empty()) Complain(err, line);
+        if (const std::string line = JoinLines(text); !line.empty()) PrintError(err, line);
     };
 }
 
+/// @param kind  OffScreen where a picture is wanted; NoPicture needs no OpenGL
+/// @return null without a viewer; the reason is printed then
 std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions& options, std::FILE* err) {
     WindowRequest request;
     request.kind = kind;
@@ -39,10 +45,11 @@ std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions&
     request.showMessage = [message](const std::string& text) { *message = JoinLines(text); };
     std::string reason;
     std::unique_ptr<ScenePane> pane = CreateScenePane(request, &reason);
-    if (!pane) Complain(err, "there is no viewer: " + (reason.empty() ? *message : JoinLines(reason)));
+    if (!pane) PrintError(err, "there is no viewer: " + (reason.empty() ? *message : JoinLines(reason)));
     return pane;
 }
 
+/// Imports the files in their order and prints a line for each that failed, or that the viewer had a message about.
 SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
     ApplySettings(methods, options.import);
@@ -55,22 +62,22 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
         } else {
             report.failed.push_back({file, result.text});
         }
-        if (!result.text.empty()) Complain(err, file + ": " + result.text);
+        if (!result.text.empty()) PrintError(err, file + ": " + result.text);
     }
     return report;
 }
 
 /// Imports the files, fits the view to them and writes the picture that is then taken.
-/// @param take  gives the picture; width 0 when there is none
+/// @param take  returns the picture; of width 0 when there is none
 int RunPicture(const HostOptions& options, std::FILE* err,
                const std::function<KV_ScenePane::Picture(ScenePane& pane)>& take) {
-    const DebugRouter router(ComplainOfTheRest(err));
+    const DebugRouter router(PrintOtherOutput(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
     const SceneReport report = ImportFiles(*pane, options, err);
     const auto refuse = [&](const std::string& reason) {
-        Complain(err, options.picturePath + ": " + reason);
+        PrintError(err, options.picturePath + ": " + reason);
         return kExitFailure;
     };
     if (report.objects.empty()) return refuse("not written, there is nothing to show");
@@ -85,13 +92,11 @@ int RunPicture(const HostOptions& options, std::FILE* err,
 
 }  // namespace
 
-bool PrintTo(std::FILE* out, const std::string& text) {
-    return std::fwrite(text.data(), 1, text.size(), out) == text.size() && std::fflush(out) == 0;
-}
+void PrintError(std::FILE* err, const std::string& line) { (void)WriteText(err, "scenepane: " + line + '\n'); }
 
-int RunText(const std::string& text, std::FILE* out, std::FILE* err) {
-    if (PrintTo(out, text)) return kExitGood;
-    Complain(err, std::string("standard output: ") + strerrordesc_np(errno));
+int PrintResult(const std::string& text, std::FILE* out, std::FILE* err) {
+    if (WriteText(out, text)) return kExitGood;
+    PrintError(err, std::string("standard output: ") + strerrordesc_np(errno));
     return kExitFailure;
 }
 
@@ -109,18 +114,18 @@ int RunCapture(const HostOptions& options, std::FILE* err) {
 }
 
 int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
-    const DebugRouter router(ComplainOfTheRest(err));
+    const DebugRouter router(PrintOtherOutput(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
     const SceneReport report = ImportFiles(*pane, options, err);
-    const int printed = RunText(options.json ? ReportJson(report) : ReportText(report), out, err);
+    const int printed = PrintResult(options.json ? ReportJson(report) : ReportText(report), out, err);
     if (printed != kExitGood) return printed;
     return report.failed.empty() ? kExitGood : kExitFailure;
 }
 
 int RunConvert(const HostOptions& options, std::FILE* err) {
-    const DebugRouter router(ComplainOfTheRest(err));
+    const DebugRouter router(PrintOtherOutput(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
@@ -128,6 +133,6 @@ int RunConvert(const HostOptions& options, std::FILE* err) {
     if (report.objects.empty()) return kExitFailure;
     const ExportResult result = ExportObject(pane->Methods(), report.objects.front().index, options.exportPath);
     if (!result.text.empty())
-        Complain(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
+        PrintError(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
     return result.written ? kExitGood : kExitFailure;
 }

@@ -1,4 +1,5 @@
-// Run after run, each started from the event loop, so that the window repaints and a cancel gets through in between.
+// One run after the other, each started from the event loop, so that the window repaints and can be cancelled in
+// between.
 #include "ImportJob.h"
 
 #include <algorithm>
@@ -51,17 +52,17 @@ void ImportJob::NextRun() {
 
 void ImportJob::BeginParallelRun(const ImportRun& run) {
     PcmWorkers::Task task;
-    m_pane.Methods().BeginParallelImport(&task.control, &task.entry);
+    task.entry.color = static_cast<std::uint32_t>(m_settings.color);
+    m_pane.Methods().BeginParallelImport(&task.entry.control, &task.entry.entry);
     for (const std::size_t file : run.files) task.files.push_back(m_vFiles[file]);
-    task.color = static_cast<std::uint32_t>(m_settings.color);
-    const auto tellThisThread = [this] {
+    const auto notifyThisThread = [this] {
         QMetaObject::invokeMethod(this, &ImportJob::CheckWorkers, Qt::QueuedConnection);
     };
-    m_pWorkers = std::make_unique<PcmWorkers>(std::move(task), std::thread::hardware_concurrency(), tellThisThread);
+    m_pWorkers = std::make_unique<PcmWorkers>(std::move(task), std::thread::hardware_concurrency(), notifyThisThread);
 }
 
 void ImportJob::CheckWorkers() {
-    if (!m_pWorkers) return;  // told before the run was ended by Stop()
+    if (!m_pWorkers) return;  // queued before Stop() ended the run
     if (!m_pWorkers->IsDone()) {
         emit Progress(m_nFinishedFiles + static_cast<int>(m_pWorkers->FinishedFiles()));
         return;

@@ -1,4 +1,5 @@
-// One import of many files while the window stays alive: pcm files on worker threads, the others in between.
+// One import of many files while the window stays usable: worker threads read the files that the host reads itself, the
+// viewer imports the others between two rounds of the event loop.
 #pragma once
 #include <QObject>
 #include <memory>
@@ -13,22 +14,23 @@
 class ImportJob : public QObject {
     Q_OBJECT
 public:
-    /// @param pane  outlives the job; its settings must not change while the job runs
-    /// @param files  bytes; the objects end in this order
+    /// @param pane      outlives the job; its import settings must not change while the job runs
+    /// @param files     paths in bytes; the objects get this order
     ImportJob(KV_ScenePane::ScenePane& pane, std::vector<std::string> files, const ImportSettings& settings,
               QObject* parent = nullptr);
     /// Stops.
     ~ImportJob() override;
 
-    /// The first file is begun when the event loop comes round.
+    /// Returns at once; the first file is started by the event loop.
     void Start();
-    /// No further file is begun; Finished() comes when those under way are done.
+    /// No further file is started; Finished() is emitted when those in progress are done.
     void Cancel();
-    /// Cancel(), and returns when the viewer has all that was finished. Finished() was emitted then.
+    /// Cancels and waits for the files in progress. All that was finished is in the viewer then, and Finished() was
+    /// emitted.
     void Stop();
 
     [[nodiscard]] const std::vector<std::string>& Files() const { return m_vFiles; }
-    /// One result a file; final once Finished() was emitted.
+    /// One result per file, in their order; final once Finished() was emitted.
     [[nodiscard]] const std::vector<ImportResult>& Results() const { return m_vResults; }
 
 signals:
@@ -47,8 +49,8 @@ private:
     const ImportSettings m_settings;
     const std::vector<ImportRun> m_vRuns;
     std::vector<ImportResult> m_vResults;
-    std::size_t m_nNextRun = 0;
-    int m_nFinishedFiles = 0;  // of the runs that are over
+    std::size_t m_nNextRun = 0;  // position in m_vRuns
+    int m_nFinishedFiles = 0;    // of the runs that are over
     bool m_bCancelled = false, m_bOver = false;
-    std::unique_ptr<PcmWorkers> m_pWorkers;  // exactly while the viewer is in a parallel import
+    std::unique_ptr<PcmWorkers> m_pWorkers;  // set exactly between BeginParallelImport() and EndParallelImport()
 };

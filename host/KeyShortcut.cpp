@@ -1,4 +1,4 @@
-// Key codes to keys, and the search among the actions.
+// Conversion of key codes, and the search among actions and menus.
 #include "KeyShortcut.h"
 
 #include <QAction>
@@ -11,7 +11,7 @@ struct CodeOfKey {
     Qt::Key key;
 };
 
-// Codes whose keys have other numbers in Qt; digits and letters have the same.
+// Codes that differ from the number of the key in Qt. For digits and letters both are the same.
 constexpr CodeOfKey kOtherKeys[] = {
     {8, Qt::Key_Backspace},  {9, Qt::Key_Tab},       {13, Qt::Key_Return},  {27, Qt::Key_Escape}, {32, Qt::Key_Space},
     {33, Qt::Key_PageUp},    {34, Qt::Key_PageDown}, {35, Qt::Key_End},     {36, Qt::Key_Home},   {37, Qt::Key_Left},
@@ -22,7 +22,7 @@ constexpr CodeOfKey kOtherKeys[] = {
 constexpr std::int32_t kF1 = 112, kF24 = 135;
 constexpr std::int32_t kPad0 = 96, kPad9 = 105;
 
-/// What a shortcut can hold: the number pad is left out, its digits are digits.
+/// The modifiers that distinguish shortcuts. Without the one of the number pad: its digits trigger the same shortcuts.
 constexpr Qt::KeyboardModifiers kShortcutModifiers =
     Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
 

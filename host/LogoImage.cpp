@@ -1,4 +1,4 @@
-// The size is looked at before the pixels are read: a file of a few bytes can announce gigabytes.
+// The size is checked before the pixels are read: a file of a few bytes can announce gigabytes.
 #include "LogoImage.h"
 
 #include <QFileInfo>
@@ -6,13 +6,13 @@
 #include <bit>
 
 namespace {
-constexpr int kLargestSide = 4096;  // an overlay is drawn at its own size: more than any window holds
+constexpr int kMaxSide = 4096;  // pixels; an overlay is drawn at its own size, and this is more than any window
 }
 
 LogoImage LogoOfImage(const QImage& image) {
     const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
     LogoImage logo{argb.width(), argb.height(), {}};
-    // A pixel is the number 0xAARRGGBB: in memory b, g, r, a.
+    // Qt stores a pixel as the number 0xAARRGGBB: on little-endian machines the bytes b, g, r, a.
     static_assert(std::endian::native == std::endian::little);
     const std::size_t rowBytes = 4 * static_cast<std::size_t>(logo.width);
     logo.bytes.reserve(rowBytes * static_cast<std::size_t>(logo.height));
@@ -40,12 +40,12 @@ std::optional<LogoImage> LoadLogo(const QString& path, QString* reason) {
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
-    if (size.width() > kLargestSide || size.height() > kLargestSide)
-        return refuse(QObject::tr("the image is larger than %1 x %1 pixels").arg(kLargestSide));
+    if (size.width() > kMaxSide || size.height() > kMaxSide)
+        return refuse(QObject::tr("the image is larger than %1 x %1 pixels").arg(kMaxSide));
     const QImage image = reader.read();
     if (image.isNull()) return refuse(reader.errorString());
-    // Formats that do not announce their size.
-    if (image.width() > kLargestSide || image.height() > kLargestSide)
-        return refuse(QObject::tr("the image is larger than %1 x %1 pixels").arg(kLargestSide));
+    // Some formats have no size in their header.
+    if (image.width() > kMaxSide || image.height() > kMaxSide)
+        return refuse(QObject::tr("the image is larger than %1 x %1 pixels").arg(kMaxSide));
     return LogoOfImage(image);
 }

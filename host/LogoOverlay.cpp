@@ -1,9 +1,9 @@
-// The place by the viewer's anchor rule: position = area x relPos + image x relOffset + absOffset.
+// Positions by the viewer's rule: upper left corner = area x relPos + image x relOffset + absOffset.
 #include "LogoOverlay.h"
 
 OverlayPlace PlaceOf(LogoAnchor anchor, int margin) {
     const auto column = static_cast<int>(anchor) % 3, row = static_cast<int>(anchor) / 3;
-    // 0, 1/2, 1 of the area, less as much of the image; the margin points away from the edge.
+    // 0, 1/2 or 1 of the area, minus the same fraction of the image; the margin points away from the edge.
     const auto share = [](int third) { return static_cast<float>(third) * 0.5f; };
     const auto inward = [margin](int third) { return static_cast<float>((1 - third) * margin); };
     return {share(column), share(row), -share(column), -share(row), inward(column), inward(row)};
@@ -24,7 +24,7 @@ void LogoOverlay::SetImage(LogoImage image) {
 
 void LogoOverlay::SetPlace(LogoAnchor anchor, int margin) {
     m_anchor = anchor;
-    // In the middle there is no edge, and one overlay serves all margins.
+    // In the middle there is no edge: one overlay is enough for all margins.
     m_nMargin = anchor == LogoAnchor::Centre ? 0 : margin;
     Update();
 }

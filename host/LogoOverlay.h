@@ -1,4 +1,4 @@
-// An image that stays at its place over the scene.
+// A logo: an image at a fixed place of the window, drawn over the scene.
 #pragma once
 #include <cstdint>
 #include <map>
@@ -7,11 +7,11 @@
 #include "KV_ScenePane/_DKV_ScenePane.h"
 #include "LogoImage.h"
 
-/// Nine places, row by row: the reading order of their names.
+/// Nine places, row by row. The value is 3 x row + column.
 enum class LogoAnchor { TopLeft, Top, TopRight, Left, Centre, Right, BottomLeft, Bottom, BottomRight };
 inline constexpr int kLogoAnchorCount = 9;
 
-/// Where an overlay lies, as AddOverlayData takes it.
+/// The position of an overlay, as the arguments of AddOverlayData.
 struct OverlayPlace {
     float relPosX, relPosY;        ///< fraction of the drawing area
     float relOffsetX, relOffsetY;  ///< fraction of the image
@@ -21,11 +21,12 @@ struct OverlayPlace {
 /// @param margin  pixels between the image and the edges that it is anchored to
 [[nodiscard]] OverlayPlace PlaceOf(LogoAnchor anchor, int margin);
 
-/// One image in one viewer. An overlay never changes and never goes once it was added: for a new place another one is
-/// added and the former is hidden; a place that the image had before shows that overlay again.
+/// One image in one viewer. An overlay of the viewer can be neither changed nor removed: for a new place another one is
+/// added and the former is hidden. Returning to an earlier place shows the overlay of that place again, so that moving
+/// the logo back and forth does not fill the memory of the viewer.
 class LogoOverlay {
 public:
-    /// @param methods  of a new viewer, which knows of no overlay yet; null for none
+    /// @param methods  of a new viewer, to which this object has added no overlay yet; null for none
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
     void SetImage(LogoImage image);
     void SetPlace(LogoAnchor anchor, int margin);

@@ -1,4 +1,4 @@
-// Nine buttons lie as the places do in the picture.
+// Nine buttons choose the place; they are arranged like the places in the picture.
 #include "LogoPanel.h"
 
 #include <QButtonGroup>
@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int kStartMargin = 10;  // pixels
-constexpr int kLargestMargin = 500;
+constexpr int kMaxMargin = 500;
 
 struct AnchorButton {
     const char* name;
@@ -41,10 +41,10 @@ LogoPanel::LogoPanel(QWidget* parent)
     auto* const open = new QPushButton(tr("&Open image..."));
     connect(open, &QPushButton::clicked, this, &LogoPanel::AskForImage);
     m_pMargin->setObjectName("logoMargin");
-    m_pMargin->setRange(0, kLargestMargin);
+    m_pMargin->setRange(0, kMaxMargin);
     m_pMargin->setValue(kStartMargin);
     m_pMargin->setSuffix(tr(" px"));
-    m_pMargin->setKeyboardTracking(false);  // each new place is another overlay: not one for every digit typed
+    m_pMargin->setKeyboardTracking(false);  // each new place adds an overlay, so not one per typed digit
     connect(m_pMargin, &QSpinBox::valueChanged, this, &LogoPanel::Place);
     m_pVisible->setObjectName("logoVisible");
     m_pVisible->setChecked(true);
@@ -92,7 +92,7 @@ bool LogoPanel::OpenImage(const QString& path) {
     }
     m_pFile->setText(tr("%1, %2 x %3").arg(QFileInfo(path).fileName()).arg(image->width).arg(image->height));
     m_pFile->setToolTip(path);
-    m_pVisible->setChecked(true);  // who opens an image wants to see it
+    m_pVisible->setChecked(true);  // a hidden logo would look like a failure
     m_logo.SetImage(*std::move(image));
     return true;
 }

@@ -1,4 +1,4 @@
-// Image, place and visibility of the logo.
+// The controls of the logo: image, place, margin and visibility.
 #pragma once
 #include <QWidget>
 #include <array>
@@ -14,12 +14,14 @@ class LogoPanel : public QWidget {
     Q_OBJECT
 public:
     explicit LogoPanel(QWidget* parent = nullptr);
-    /// @param methods  null disables the panel
+    /// @param methods  of the viewer, which must outlive the panel or be replaced by null; null disables the panel
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
-    /// Shows the image of a file. False, and Failed(), when it cannot be read; the present logo stays.
+    /// Shows the image of a file. When it cannot be read, the current logo stays and Failed() is emitted.
+    /// @return whether the image was read
     bool OpenImage(const QString& path);
 
 signals:
+    /// @param text  one line with file and reason
     void Failed(const QString& text);
 
 private:

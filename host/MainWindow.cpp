@@ -1,6 +1,5 @@
-// The parts of the window and what they do to the viewer. Menus: MainWindowMenus.cpp and
-// MainWindowInput.cpp; panes: MainWindowPanels.cpp; imports and exports: MainWindowImport.cpp
-// and MainWindowExport.cpp.
+// Life of the window and the changes that it makes in the viewer. Menus: MainWindowMenus.cpp and MainWindowInput.cpp;
+// panes: MainWindowPanels.cpp; imports and exports: MainWindowImport.cpp and MainWindowExport.cpp.
 #include "MainWindow.h"
 
 #include <QCloseEvent>
@@ -22,9 +21,7 @@
 #include "ViewerWidget.h"
 
 namespace {
-constexpr std::int32_t kBackground = 0x321919;  // what the viewer starts with
-constexpr int kDrawModePerPixel = 5;
-constexpr int kDrawModeNothing = 6;
+constexpr std::int32_t kBackground = 0x321919;  // 0x00BBGGRR, what the viewer starts with
 }  // namespace
 
 MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindow(parent), m_options(options) {
@@ -35,7 +32,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MakeCentre();
     MakeDocks();
     MakeMenus();
-    KeepPlainKeysWithInputs();
+    ReservePlainKeysForInputs();
     statusBar()->showMessage(tr("Open scans and meshes by the File menu, or drop them here."));
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
@@ -48,7 +45,7 @@ MainWindow::~MainWindow() {
     m_pAnimation->SetViewer(nullptr);
     m_pDecorations->SetViewer(nullptr);
     m_pLogo->SetViewer(nullptr);
-    delete m_pViewer;  // while the messages of its end still have a place to go
+    delete m_pViewer;  // now: what it writes while it closes still goes to the message pane
     m_pRouter.reset();
 }
 
@@ -67,17 +64,17 @@ void MainWindow::MakeCentre() {
     m_pCentre->addWidget(m_pViewer);
     m_pCentre->addWidget(m_pRefusal);
     setCentralWidget(m_pCentre);
-    // Queued: the viewer is made in the middle of the window's first show.
+    // Queued: the viewer is made while Qt is still showing the window for the first time.
     connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::OnViewerReady, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::KeyPressed, this, &MainWindow::RunShortcut, Qt::QueuedConnection);
-    // At once: when the viewer is lost, nobody may call it any more.
-    connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::HandViewerToPanels);
+    // At once: no panel may call a viewer that is gone.
+    connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::PassViewerToPanels);
 }
 
 void MainWindow::OnViewerReady() {
     if (Pane() == nullptr) return;
-    HandViewerToPanels();
+    PassViewerToPanels();
     ShowView(m_options.view);
     ShowDrawMode(m_options.drawMode);
     ShowShadows(m_options.shadows);
@@ -118,29 +115,29 @@ void MainWindow::ClearScene() {
     ShowView(m_options.view);
 }
 
-void MainWindow::ShowView(int mode) {
+void MainWindow::ShowView(KV_ScenePane::ViewMode mode) {
     m_options.view = mode;
-    if (Pane() != nullptr) Pane()->Methods().SetViewMode(static_cast<std::int16_t>(mode));
+    if (Pane() != nullptr) Pane()->Methods().SetViewMode(mode);
 }
 
-void MainWindow::ShowDrawMode(int mode) {
+void MainWindow::ShowDrawMode(KV_ScenePane::DrawMode mode) {
     m_options.drawMode = mode;
-    if (Pane() != nullptr) Pane()->Methods().SetDrawMode(static_cast<std::int16_t>(mode));
-    TellOfShadows();
+    if (Pane() != nullptr) Pane()->Methods().SetDrawMode(mode);
+    ShowShadowHint();
 }
 
 void MainWindow::ShowShadows(bool on) {
     m_options.shadows = on;
-    TellOfShadows();
+    ShowShadowHint();
     if (Pane() == nullptr) return;
     Pane()->Methods().SetShadowMode(on ? 1 : 0);
     Pane()->Methods().PerformInvalidate();
 }
 
-void MainWindow::TellOfShadows() {
-    const bool empty =
-        m_options.shadows && (m_options.drawMode == kDrawModePerPixel || m_options.drawMode == kDrawModeNothing);
-    if (empty)
+void MainWindow::ShowShadowHint() {
+    const bool showsNoObject =
+        m_options.drawMode == KV_ScenePane::DrawModePerPixel || m_options.drawMode == KV_ScenePane::DrawModeNothing;
+    if (m_options.shadows && showsNoObject)
         statusBar()->showMessage(tr("This render mode shows no objects while shadows are on."));
     else
         statusBar()->clearMessage();
@@ -168,12 +165,12 @@ bool MainWindow::SaveScreenShot(const std::string& path) {
         const KV_ScenePane::Picture picture = TakeScreenShot(Pane()->Methods());
         if (picture.width != 0 && WritePng(path, picture, &reason))
             text = tr("%1: screenshot of %2 x %3 pixels").arg(file).arg(picture.width).arg(picture.height);
-    } catch (const std::bad_alloc&) {  // no exception may pass through the toolkit
+    } catch (const std::bad_alloc&) {  // no exception may pass through Qt
         reason = "there is not enough memory";
     }
     const bool saved = !text.isEmpty();
     if (!saved) text = tr("%1: not written: %2").arg(file, QString::fromStdString(reason));
-    m_pMessages->AddText(text);  // the status bar is wiped by the next menu that opens
+    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
     statusBar()->showMessage(text);
     return saved;
 }

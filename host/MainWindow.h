@@ -1,4 +1,4 @@
-// The window of the host: the viewer in the middle, menus, the list of objects and the messages around it.
+// The window of the host: the viewer in the middle, around it menus, the list of objects and panes.
 #pragma once
 #include <QMainWindow>
 #include <array>
@@ -25,31 +25,30 @@ class QProgressDialog;
 class QStackedWidget;
 class ViewerWidget;
 
-/// What the buttons of the mouse do.
+/// What a drag of each mouse button does.
 enum class MouseScheme {
     Normal,   ///< left turns, right moves
     Flipped,  ///< left moves, right turns
-    Delayed   ///< right turns, right with left moves; a press waits for the second button
+    Delayed   ///< right turns, right with left moves; the left one picks. A press waits 0.1 s for the second button
 };
 
-/// Two of the modes that SetPickMode takes: in the one a click picks nothing, in the other the centre cross shows.
-inline constexpr int kPickModeOff = 0, kPickModeCross = 1;
-
+/// Owns the viewer, through its widget, and the import that runs. On the thread of Qt only.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    /// @param options  start values of the view and the imports; its files are opened once the viewer is there
+    /// @param options  first values of the view and the imports; its files are opened once the viewer exists
     explicit MainWindow(const HostOptions& options, QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    /// Imports the files in order; they wait while there is no viewer yet or an import runs.
+    /// Imports the files (paths in bytes) in order. They wait while there is no viewer yet or another import runs.
     void OpenFiles(const std::vector<std::string>& files);
+    /// No further file is started; those in progress are finished and added.
     void CancelImport();
     [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr; }
     /// Every file opened so far has added an object.
     [[nodiscard]] bool HaveAllFilesAdded() const { return m_nFilesNotAdded == 0 && m_vWaitingFiles.empty(); }
 
-    /// Null without a viewer.
+    /// Null before the window is shown, and when the viewer was refused or lost its window.
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const;
     [[nodiscard]] ObjectList& Objects() const { return *m_pObjects; }
     [[nodiscard]] MessagePane& Messages() const { return *m_pMessages; }
@@ -57,32 +56,44 @@ public:
     [[nodiscard]] LogoPanel& Logo() const { return *m_pLogo; }
 
 signals:
+    /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
     void ImportFinished();
-    /// A file has added nothing. @param file  bytes  @param reason  one line without the file's name
+    /// A file added nothing.
+    /// @param file    path in bytes
+    /// @param reason  one line without the file's name
     void FileFailed(const std::string& file, const std::string& reason);
 
 public slots:
+    // All of these do nothing without a viewer. What is set by ShowView(), ShowDrawMode() and ShowShadows() before
+    // there is one is applied to it later.
+
+    /// Removes all objects, not during an import. The chosen view is kept.
     void ClearScene();
-    void ShowView(int mode);
-    void ShowDrawMode(int mode);
+    void ShowView(KV_ScenePane::ViewMode mode);
+    void ShowDrawMode(KV_ScenePane::DrawMode mode);
     void ShowShadows(bool on);
     /// @param colors  0x00BBGGRR: top left, top right, bottom left, bottom right
     void ShowBackground(const std::array<std::int32_t, 4>& colors);
     void ShowPointSize(float pixels);
-    /// @param mode  about the horizontal, the vertical, the viewing axis, or free: 0 to 3
-    void ChooseRotation(int mode);
+    void ChooseRotation(KV_ScenePane::RotationMode mode);
     void ChooseMouseScheme(MouseScheme scheme);
+    /// Whether drags and the wheel change the view.
     void AllowMouse(bool on);
-    void ChoosePickMode(int mode);
+    void ChoosePickMode(KV_ScenePane::PickMode mode);
+    /// Whether objects are drawn with fewer points during a drag.
     void ReduceWhileMoving(bool on);
-    /// Writes the screenshot of the whole scene as PNG, with a message. False when it cannot be written.
+    /// Writes the screenshot of the whole scene as a PNG file and adds a message about it.
+    /// @param path  in bytes
+    /// @return whether it was written
     bool SaveScreenShot(const std::string& path);
-    /// Writes an object of the list as a ply, stl or hps file, with a message. False when it was not written.
+    /// Writes an object of the list as a file of the type that its extension names and adds a message about it.
+    /// @param path  in bytes
+    /// @return whether it was written; false during an import and for an index outside the list
     bool ExportObjectTo(int index, const std::string& path);
     void ShowObject(int index, bool visible);
     void ColorObject(int index, std::int32_t packed);
     void DeleteObject(int index);
-    /// For the imports to come.
+    /// For the imports that follow.
     void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
 
 protected:
@@ -96,21 +107,28 @@ private:
     void MakeCentre();
     void OnViewerReady();
     void OnViewerRefused(const QString& reason);
+    /// Enables what can be used now: with a viewer or without, during an import or not.
     void EnableActions();
-    void TellOfShadows();
+    /// Warns in the status bar about a draw mode that shows no object while shadows are on.
+    void ShowShadowHint();
     [[nodiscard]] bool HaveObjects() const;
 
     // ---- MainWindowPanels.cpp
     void MakeDocks();
     QDockWidget* AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area);
-    void HandViewerToPanels();
+    /// Gives the panels the viewer, or null when there is none any more.
+    void PassViewerToPanels();
 
     // ---- MainWindowInput.cpp
     void MakeInputMenus(QMenu& menu);
+    /// Runs the action or opens the menu of a key that the viewer reported. @param key  a key code of the viewer's
+    /// events
     void RunShortcut(int key, Qt::KeyboardModifiers modifiers);
-    void KeepPlainKeysWithInputs();
+    /// Keys without a modifier stay in the input that has the keyboard, also where they are shortcuts.
+    void ReservePlainKeysForInputs();
 
     // ---- MainWindowImport.cpp
+    /// Starts the import of the waiting files when it is possible now.
     void OpenWaitingFiles();
     void StartImport(const std::vector<std::string>& files);
     void OnImportFinished();
@@ -119,7 +137,7 @@ private:
 
     // ---- MainWindowExport.cpp
     void AskForExport();
-    /// The object that the user means: the one of the current row, or the only one. -1 when there is none such.
+    /// The object of the current row, or the only one of the list; -1 without either.
     [[nodiscard]] int SelectedObject() const;
 
     // ---- MainWindowMenus.cpp
@@ -127,7 +145,10 @@ private:
     void MakeFileMenu();
     void MakeViewMenu();
     void MakeImportMenu();
-    /// Actions of which one is checked. @return them, in the order of their names
+    /// A group of actions of which exactly one is checked.
+    /// @param names   texts to be translated; the position of each is its mode
+    /// @param choose  receives the mode of an action that was triggered
+    /// @return the actions in the order of their names
     QList<QAction*> AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
                                    const std::function<void(int)>& choose);
     QAction* AddSwitch(QMenu& menu, const QString& text, bool checked, const std::function<void(bool)>& choose);
@@ -139,9 +160,9 @@ private:
     void AskForConfidence();
     void AskForScanColor();
 
-    HostOptions m_options;  // of the command line, then as the menus changed them
-    std::array<std::int32_t, 4> m_nBackground;
-    float m_fPointSize = 2.0f;
+    HostOptions m_options;                      // of the command line, then as the menus changed them
+    std::array<std::int32_t, 4> m_nBackground;  // 0x00BBGGRR: top left, top right, bottom left, bottom right
+    float m_fPointSize = 2.0f;                  // pixels
     QStackedWidget* m_pCentre = nullptr;
     ViewerWidget* m_pViewer = nullptr;
     QLabel* m_pRefusal = nullptr;
@@ -151,12 +172,12 @@ private:
     DecorationPanel* m_pDecorations = nullptr;
     LogoPanel* m_pLogo = nullptr;
     AnimationPanel* m_pAnimation = nullptr;
-    std::vector<QAction*> m_vViewerActions;  // have no sense without a viewer
-    QList<QAction*> m_pickActions;           // in the order of the modes
-    std::vector<QAction*> m_vIdleActions;    // must wait for the end of an import
-    ImportJob* m_pJob = nullptr;             // the import that runs
+    std::vector<QAction*> m_vViewerActions;  // enabled with a viewer
+    std::vector<QAction*> m_vIdleActions;    // enabled with a viewer and while no import runs
+    QList<QAction*> m_pickActions;           // in the order of KV_ScenePane::PickMode
+    ImportJob* m_pJob = nullptr;             // the import that runs; null without one
     std::unique_ptr<QProgressDialog> m_pProgress;
-    std::vector<std::string> m_vWaitingFiles;
-    std::size_t m_nFilesNotAdded = 0;
-    std::unique_ptr<DebugRouter> m_pRouter;  // goes before the message pane does
+    std::vector<std::string> m_vWaitingFiles;  // paths in bytes
+    std::size_t m_nFilesNotAdded = 0;          // of all imports so far, for the exit status
+    std::unique_ptr<DebugRouter> m_pRouter;    // writes to the message pane, so it is destroyed before that
 };

@@ -1,48 +1,52 @@
-// Exporting one object: which, into which file, and what is told of it.
+// Exporting one object: the choice of the object, the dialog for the file, and the message about the result.
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QStatusBar>
-#include <iterator>
+#include <vector>
 
 #include "FileExport.h"
+#include "FileTypes.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
-#include "SceneFile.h"
 
 namespace {
 
-struct MeshFormat {
-    const char* extension;
-    const char* filter;
-};
-constexpr MeshFormat kFormats[] = {
-    {"ply", QT_TRANSLATE_NOOP("MainWindow", "PLY meshes (*.ply)")},
-    {"stl", QT_TRANSLATE_NOOP("MainWindow", "STL meshes (*.stl)")},
-    {"hps", QT_TRANSLATE_NOOP("MainWindow", "HPS meshes (*.hps)")},
-};
-
-/// The name as one of a mesh file with that extension: that of a scan or of another mesh file gives way.
-QString WithExtension(const QString& name, const char* extension) {
-    const bool known = name.contains('.') && KindOfFile(QFile::encodeName(name).toStdString()) != FileKind::Unknown;
-    return (known ? name.left(name.lastIndexOf('.')) : name) + '.' + extension;
+QString ToText(std::string_view ascii) {
+    return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
 }
 
-/// The other formats come with the dialog's filter, so that the name in sight is the name that is asked about and
-/// written.
+/// Shown by the export dialog, one per type: "PLY meshes (*.ply)".
+QString FilterOf(const FileType& type) {
+    return QString("%1 (*.%2)").arg(MainWindow::tr(type.description), ToText(type.extension));
+}
+
+/// @p name with @p extension in place of the extension of a known type; other texts after a point belong to the name.
+QString WithExtension(const QString& name, std::string_view extension) {
+    const bool isKnown = name.contains('.') && FindFileType(QFile::encodeName(name).toStdString()) != nullptr;
+    return (isKnown ? name.left(name.lastIndexOf('.')) : name) + '.' + ToText(extension);
+}
+
+/// Offers one filter per type that can be written. A change of the filter changes the extension in the dialog's name
+/// field, so that the dialog shows, and asks about, the file that will be written.
 void OfferFormats(QFileDialog& dialog, const QString& objectName) {
+    std::vector<std::string_view> extensions;
     QStringList filters;
-    for (const MeshFormat& format : kFormats) filters.push_back(MainWindow::tr(format.filter));
+    for (const FileType& type : kFileTypes) {
+        if (!type.canExport) continue;
+        extensions.push_back(type.extension);
+        filters.push_back(FilterOf(type));
+    }
+    const auto choose = [&dialog](std::string_view extension, const QString& name) {
+        dialog.setDefaultSuffix(ToText(extension));
+        if (!name.isEmpty()) dialog.selectFile(WithExtension(name, extension));
+    };
     dialog.setNameFilters(filters);
-    dialog.setDefaultSuffix(kFormats[0].extension);
-    dialog.selectFile(WithExtension(objectName, kFormats[0].extension));
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog, filters](const QString& filter) {
+    choose(extensions.front(), objectName);
+    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [=, &dialog](const QString& filter) {
         const auto chosen = filters.indexOf(filter);
         if (chosen < 0) return;
-        const char* const extension = kFormats[chosen].extension;
-        const QString name = QFileInfo(dialog.selectedFiles().value(0)).fileName();
-        dialog.setDefaultSuffix(extension);
-        if (!name.isEmpty()) dialog.selectFile(WithExtension(name, extension));
+        choose(extensions[static_cast<std::size_t>(chosen)], QFileInfo(dialog.selectedFiles().value(0)).fileName());
     });
 }
 
@@ -82,7 +86,7 @@ bool MainWindow::ExportObjectTo(int index, const std::string& path) {
         const QString done = tr("%1: export of %2").arg(file, name);
         text = text.isEmpty() ? done : done + ": " + text;
     }
-    m_pMessages->AddText(text);  // the status bar is wiped by the next menu that opens
+    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
     statusBar()->showMessage(text);
     return result.written;
 }

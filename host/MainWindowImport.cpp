@@ -1,4 +1,4 @@
-// Opening files: drops, the job with its progress dialog, and what is told when it is over.
+// Opening files: drops, the job with its progress dialog, and the messages and list rows at its end.
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// The files among the URLs, byte by byte as they are on disk: a QString would lose names that are no UTF-8.
+/// The local files among the URLs, as the bytes of their names on disk: a QString loses bytes that are not UTF-8.
 std::vector<std::string> LocalFiles(const QMimeData& data) {
     std::vector<std::string> files;
     for (const QUrl& url : data.urls()) {
@@ -45,7 +45,7 @@ void MainWindow::StartImport(const std::vector<std::string>& files) {
     m_pProgress = std::make_unique<QProgressDialog>(tr("Importing files"), tr("Cancel"), 0, count, this);
     m_pProgress->setWindowTitle(tr("scenepane"));
     m_pProgress->setAutoReset(false);
-    // Not modal: a modal dialog would keep the window from being closed during a long import.
+    // Not modal: with a modal dialog the window could not be closed during a long import.
     m_pProgress->setModal(false);
     connect(m_pJob, &ImportJob::Progress, m_pProgress.get(), &QProgressDialog::setValue);
     connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
@@ -58,7 +58,7 @@ void MainWindow::StartImport(const std::vector<std::string>& files) {
 void MainWindow::CancelImport() {
     if (m_pJob == nullptr) return;
     m_pJob->Cancel();
-    statusBar()->showMessage(tr("Cancelled; the files under way are being finished."));
+    statusBar()->showMessage(tr("Cancelled; the files in progress are being finished."));
 }
 
 void MainWindow::OnImportFinished() {
@@ -67,7 +67,7 @@ void MainWindow::OnImportFinished() {
     if (Pane() != nullptr) ListNewObjects();
     m_pJob->deleteLater();
     m_pJob = nullptr;
-    m_pProgress.release()->deleteLater();  // it may be its own signal that led here
+    m_pProgress.release()->deleteLater();  // not at once: this may be a call from its own signal
     if (Pane() != nullptr) {
         if (wasEmpty) FitView(Pane()->Methods(), m_options.zoom);
         Pane()->Methods().PerformRefresh();
@@ -104,7 +104,7 @@ void MainWindow::ReportResults() {
 void MainWindow::ListNewObjects() {
     int index = m_pObjects->topLevelItemCount();
     const int count = Pane()->Methods().GetNumObjects();
-    // The objects stand in the order of the files that added them.
+    // The viewer's new objects have the order of the files that added them.
     for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {
         if (m_pJob->Results()[i].state == ImportResult::State::Added)
             m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]));

@@ -1,5 +1,5 @@
-// How the mouse and the keys move the scene: the menus for it, and the window's shortcuts while the viewer has the
-// keyboard.
+// What mouse and keys do: the menus for it, the window's shortcuts while the viewer has the keyboard, and the keys that
+// stay in an input.
 #include <QAbstractItemView>
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
@@ -16,14 +16,13 @@
 
 namespace {
 
-// In the order of the modes that SetRotationMode takes.
+// In the order of KV_ScenePane::RotationMode.
 constexpr const char* kRotationNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "About the &horizontal axis"),
     QT_TRANSLATE_NOOP("MainWindow", "About the &vertical axis"),
     QT_TRANSLATE_NOOP("MainWindow", "About the viewing &axis"),
     QT_TRANSLATE_NOOP("MainWindow", "&Free"),
 };
-constexpr int kRotationFree = 3;  // what the viewer starts with
 
 // In the order of MouseScheme.
 constexpr const char* kSchemeNames[] = {
@@ -32,7 +31,7 @@ constexpr const char* kSchemeNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "&Delayed: right turns, both move, left picks"),
 };
 
-// In the order of the modes that SetPickMode takes.
+// In the order of KV_ScenePane::PickMode.
 constexpr const char* kPickNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "&Off"),
     QT_TRANSLATE_NOOP("MainWindow", "&Centre cross"),
@@ -42,14 +41,14 @@ constexpr const char* kPickNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "Points on objects, with the spheres of a &host"),
 };
 
-/// Takes what is typed, as values or to find a row.
+/// Whether keys typed into the widget change a value or search a row.
 bool IsInput(const QObject* widget) {
     return qobject_cast<const QAbstractSlider*>(widget) != nullptr ||
            qobject_cast<const QAbstractSpinBox*>(widget) != nullptr ||
            qobject_cast<const QAbstractItemView*>(widget) != nullptr;
 }
 
-/// A character by itself: no command by Ctrl or Alt, no key like Escape.
+/// A character without Ctrl, Alt or Meta; Escape and the function keys are none.
 bool IsPlainKey(int key, Qt::KeyboardModifiers modifiers) {
     return key >= Qt::Key_Space && key < Qt::Key_Escape &&
            (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == Qt::NoModifier;
@@ -58,18 +57,20 @@ bool IsPlainKey(int key, Qt::KeyboardModifiers modifiers) {
 }  // namespace
 
 void MainWindow::MakeInputMenus(QMenu& menu) {
-    AddModeActions(*menu.addMenu(tr("R&otation")), kRotationNames, std::size(kRotationNames), kRotationFree,
-                   [this](int mode) { ChooseRotation(mode); });
+    AddModeActions(*menu.addMenu(tr("R&otation")), kRotationNames, std::size(kRotationNames),
+                   KV_ScenePane::RotateFree,  // what the viewer starts with
+                   [this](int mode) { ChooseRotation(static_cast<KV_ScenePane::RotationMode>(mode)); });
     AddModeActions(*menu.addMenu(tr("Mouse b&uttons")), kSchemeNames, std::size(kSchemeNames), 0,
                    [this](int scheme) { ChooseMouseScheme(static_cast<MouseScheme>(scheme)); });
-    m_pickActions = AddModeActions(*menu.addMenu(tr("P&icking")), kPickNames, std::size(kPickNames), kPickModeOff,
-                                   [this](int mode) { ChoosePickMode(mode); });
+    m_pickActions =
+        AddModeActions(*menu.addMenu(tr("P&icking")), kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
+                       [this](int mode) { ChoosePickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
     AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
     AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
 }
 
-void MainWindow::ChooseRotation(int mode) {
-    if (Pane() != nullptr) Pane()->Methods().SetRotationMode(static_cast<std::int16_t>(mode));
+void MainWindow::ChooseRotation(KV_ScenePane::RotationMode mode) {
+    if (Pane() != nullptr) Pane()->Methods().SetRotationMode(mode);
 }
 
 void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
@@ -82,12 +83,12 @@ void MainWindow::AllowMouse(bool on) {
     if (Pane() != nullptr) Pane()->Methods().AllowMouseInteraction(on ? 1 : 0);
 }
 
-void MainWindow::ChoosePickMode(int mode) {
+void MainWindow::ChoosePickMode(KV_ScenePane::PickMode mode) {
     if (Pane() == nullptr) return;
-    Pane()->Methods().SetPickMode(static_cast<std::int16_t>(mode));
-    Pane()->Methods().PerformInvalidate();  // the cross comes and goes with the mode
+    Pane()->Methods().SetPickMode(mode);
+    Pane()->Methods().PerformInvalidate();  // the cross is drawn in one mode only
     m_pickActions[mode]->setChecked(true);
-    m_pDecorations->ShowCross(mode == kPickModeCross);
+    m_pDecorations->ShowCross(mode == KV_ScenePane::PickModeCross);
 }
 
 void MainWindow::ReduceWhileMoving(bool on) {
@@ -95,11 +96,11 @@ void MainWindow::ReduceWhileMoving(bool on) {
     Pane()->Methods().SetMoveReduced(on ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse);
 }
 
-void MainWindow::KeepPlainKeysWithInputs() {
+void MainWindow::ReservePlainKeysForInputs() {
     for (QWidget* const widget : findChildren<QWidget*>()) {
         if (IsInput(widget)) widget->installEventFilter(this);
     }
-    // At first the keys are the viewer's, not those of the first input in the order of tabs.
+    // At the start the keys go to the viewer. Qt would choose the first input in the tab order.
     m_pViewer->setFocus();
 }
 
@@ -107,7 +108,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* const press = static_cast<QKeyEvent*>(event);
         if (IsPlainKey(press->key(), press->modifiers())) {
-            event->accept();  // it stays with the input
+            event->accept();  // the press then goes to the input and triggers no shortcut
             return true;
         }
     }

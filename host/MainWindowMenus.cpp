@@ -1,4 +1,4 @@
-// The menus and the small dialogs behind them.
+// The menus and the small dialogs that they open.
 #include <QActionGroup>
 #include <QColorDialog>
 #include <QDockWidget>
@@ -9,13 +9,14 @@
 
 #include "BackgroundDialog.h"
 #include "ColorButton.h"
+#include "FileTypes.h"
 #include "ImportJob.h"
 #include "MainWindow.h"
 #include "ViewerWidget.h"
 
 namespace {
 
-// In the order of the modes that SetViewMode takes.
+// In the order of KV_ScenePane::ViewMode.
 constexpr const char* kViewNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "From +Y, Z up"), QT_TRANSLATE_NOOP("MainWindow", "From -Y, Z up"),
     QT_TRANSLATE_NOOP("MainWindow", "From +X, Z up"), QT_TRANSLATE_NOOP("MainWindow", "From -X, Z up"),
@@ -23,7 +24,7 @@ constexpr const char* kViewNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "Oblique, Z up"), QT_TRANSLATE_NOOP("MainWindow", "From -Z, Y up"),
 };
 
-// In the order of the render modes.
+// In the order of KV_ScenePane::DrawMode.
 constexpr const char* kDrawModeNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "Points"),          QT_TRANSLATE_NOOP("MainWindow", "Wireframe"),
     QT_TRANSLATE_NOOP("MainWindow", "Flat shaded"),     QT_TRANSLATE_NOOP("MainWindow", "Gouraud shaded"),
@@ -31,7 +32,8 @@ constexpr const char* kDrawModeNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "Background only"), QT_TRANSLATE_NOOP("MainWindow", "Shadow map"),
 };
 
-constexpr const char* kScreenShotTells = QT_TRANSLATE_NOOP(
+// Status tip of the menu and title of the dialog: the picture is not what the window shows.
+constexpr const char* kScreenShotSummary = QT_TRANSLATE_NOOP(
     "MainWindow", "Save screenshot: the whole scene, 2048 x 2048 pixels, shaded, without axes, cross, arrow and logo");
 
 }  // namespace
@@ -50,11 +52,12 @@ void MainWindow::MakeFileMenu() {
     menu->addSeparator();
     QAction* const exports = menu->addAction(tr("&Export selected object..."), QKeySequence(Qt::CTRL | Qt::Key_E), this,
                                              &MainWindow::AskForExport);
-    exports->setStatusTip(tr("Export the object of the list's current row as a ply, stl or hps file"));
+    exports->setStatusTip(tr("Export the object of the list's current row as a %1 file")
+                              .arg(QString::fromStdString(ExtensionList(IsExported, "or"))));
     m_vIdleActions.push_back(exports);
     QAction* const shot = menu->addAction(tr("&Save screenshot..."), QKeySequence(Qt::CTRL | Qt::Key_S), this,
                                           &MainWindow::AskForScreenShot);
-    shot->setStatusTip(tr(kScreenShotTells));
+    shot->setStatusTip(tr(kScreenShotSummary));
     m_vViewerActions.push_back(shot);
     menu->addSeparator();
     menu->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
@@ -64,7 +67,7 @@ void MainWindow::MakeViewMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&View"));
     for (int mode = 0; mode < static_cast<int>(std::size(kViewNames)); ++mode) {
         QAction* const action = menu->addAction(tr(kViewNames[mode]), QKeySequence(Qt::Key_0 + mode), this,
-                                                [this, mode] { ShowView(mode); });
+                                                [this, mode] { ShowView(static_cast<KV_ScenePane::ViewMode>(mode)); });
         m_vViewerActions.push_back(action);
     }
     const auto add = [&](const QString& text, const QKeySequence& keys, auto run) {
@@ -75,9 +78,9 @@ void MainWindow::MakeViewMenu() {
     menu->addSeparator();
     add(tr("&Centre"), QKeySequence(Qt::Key_C), [this] { FitView(Pane()->Methods(), 1.0f); });
     menu->addSeparator();
-    const QList<QAction*> modes =
-        AddModeActions(*menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames),
-                       m_options.drawMode, [this](int mode) { ShowDrawMode(mode); });
+    const QList<QAction*> modes = AddModeActions(
+        *menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames), m_options.drawMode,
+        [this](int mode) { ShowDrawMode(static_cast<KV_ScenePane::DrawMode>(mode)); });
     for (int mode = 0; mode < modes.size(); ++mode)
         modes[mode]->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + mode)));
     AddSwitch(*menu, tr("&Shadows"), m_options.shadows, [this](bool on) {
@@ -124,19 +127,22 @@ void MainWindow::MakeImportMenu() {
 }
 
 void MainWindow::AskForFiles() {
+    const QString all = QString::fromStdString(ExtensionPatterns(IsImported));
+    const QString scans = QString::fromStdString(ExtensionPatterns(IsImportedScan));
+    const QString meshes = QString::fromStdString(ExtensionPatterns(IsImportedMesh));
     const QStringList names = QFileDialog::getOpenFileNames(
         this, tr("Open scans and meshes"), {},
-        tr("Scans and meshes (*.pcm *.pax *.xdt *.ply *.stl *.hps *.ois *.msh);;Scans (*.pcm *.pax *.xdt);;"
-           "Meshes (*.ply *.stl *.hps *.ois *.msh);;All files (*)"));
+        tr("Scans and meshes (%1);;Scans (%2);;Meshes (%3);;All files (*)").arg(all, scans, meshes));
     std::vector<std::string> files;
     for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
     OpenFiles(files);
 }
 
 void MainWindow::AskForScreenShot() {
-    QFileDialog dialog(this, tr(kScreenShotTells), {}, tr("PNG pictures (*.png);;All files (*)"));
+    QFileDialog dialog(this, tr(kScreenShotSummary), {}, tr("PNG pictures (*.png);;All files (*)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix("png");  // by the dialog, so that it asks about the file that is going to be written
+    dialog.setDefaultSuffix(
+        "png");  // added by the dialog, so that it asks before it overwrites the file of the full name
     dialog.selectFile(tr("screenshot.png"));
     if (dialog.exec() != QDialog::Accepted) return;
     (void)SaveScreenShot(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());

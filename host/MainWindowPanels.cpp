@@ -1,4 +1,4 @@
-// The panes around the viewer, and who of them knows it.
+// The panes around the viewer, and which of them call it.
 #include <QDockWidget>
 #include <QMenu>
 
@@ -33,7 +33,7 @@ void MainWindow::MakeDocks() {
     m_pDecorations = new DecorationPanel;
     connect(m_pDecorations, &DecorationPanel::BackgroundWanted, this, &MainWindow::AskForBackground);
     connect(m_pDecorations, &DecorationPanel::CrossWanted, this,
-            [this](bool on) { ChoosePickMode(on ? kPickModeCross : kPickModeOff); });
+            [this](bool on) { ChoosePickMode(on ? KV_ScenePane::PickModeCross : KV_ScenePane::PickModeOff); });
     m_pLogo = new LogoPanel;
     connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddText);
     m_pAnimation = new AnimationPanel;
@@ -48,7 +48,7 @@ void MainWindow::MakeDocks() {
     AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
 }
 
-void MainWindow::HandViewerToPanels() {
+void MainWindow::PassViewerToPanels() {
     KV_ScenePane::_DKV_ScenePane* const methods = Pane() != nullptr ? &Pane()->Methods() : nullptr;
     m_pDecorations->SetViewer(methods);
     m_pLogo->SetViewer(methods);

@@ -1,22 +1,23 @@
-// A text field that keeps the last lines.
+// A text field that follows its end. Its scroll position changes for several reasons besides the user, which are
+// handled here one by one.
 #include "MessagePane.h"
 
 #include <QScrollBar>
 #include <cmath>
 
 namespace {
-constexpr int kKeptLines = 10000;
-constexpr int kLinesAtStart = 8;
+constexpr int kMaxLines = 10000;    // the oldest are dropped
+constexpr int kPreferredLines = 8;  // height that the pane asks for
 }  // namespace
 
 MessagePane::MessagePane(QWidget* parent) : QPlainTextEdit(parent) {
     setReadOnly(true);
-    setMaximumBlockCount(kKeptLines);
+    setMaximumBlockCount(kMaxLines);
     setLineWrapMode(QPlainTextEdit::NoWrap);
     const QScrollBar* const bar = verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_bFollows = value >= bar->maximum(); });
-    // The text moves away from its end without a new line, too: a line wider than the pane brings a horizontal bar,
-    // which takes a line's height; and the user makes the pane smaller.
+    // The end can move out of sight without a new line: a line that is wider than the pane adds a horizontal scroll
+    // bar, which covers one line, and the user can make the pane smaller.
     connect(bar, &QScrollBar::rangeChanged, this, [this] {
         if (m_bFollows) ShowEnd();
     });
@@ -25,11 +26,11 @@ MessagePane::MessagePane(QWidget* parent) : QPlainTextEdit(parent) {
 QSize MessagePane::sizeHint() const {
     const auto margins = static_cast<int>(std::ceil(2 * document()->documentMargin())) + 2 * frameWidth();
     return {QPlainTextEdit::sizeHint().width(),
-            kLinesAtStart * fontMetrics().lineSpacing() + margins + horizontalScrollBar()->sizeHint().height()};
+            kPreferredLines * fontMetrics().lineSpacing() + margins + horizontalScrollBar()->sizeHint().height()};
 }
 
 void MessagePane::AddText(const QString& text) {
-    const bool follows = m_bFollows;  // as the user left it: appending scrolls in steps of its own
+    const bool follows = m_bFollows;  // before appending, which scrolls by itself
     for (const QString& line : text.split('\n', Qt::SkipEmptyParts)) appendPlainText(line);
     if (follows) ShowEnd();
 }

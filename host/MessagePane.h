@@ -1,22 +1,22 @@
-// The lines that imports and the viewer have for the user.
+// The messages of imports, exports and the viewer.
 #pragma once
 #include <QPlainTextEdit>
 #include <string_view>
 
-/// Shows its end while lines come in, unless the user has scrolled up from there.
+/// Read-only text that shows its end when a line is added, unless the user has scrolled up.
 class MessagePane : public QPlainTextEdit {
     Q_OBJECT
 public:
     explicit MessagePane(QWidget* parent = nullptr);
-    /// Adds one line or several. On the thread of the window only.
+    /// Appends one line or several; empty lines are left out. On the thread of the window only.
     void AddText(const QString& text);
-    /// AddText() on the thread of the window, soon; from any thread.
+    /// Queues an AddText() for the thread of the window. Any thread.
     void AddTextLater(std::string_view utf8);
-    /// Eight lines high; the user makes it larger.
+    /// Eight lines high; the user can resize the pane.
     [[nodiscard]] QSize sizeHint() const override;
 
 private:
     void ShowEnd();
 
-    bool m_bFollows = true;  // the end was in sight when somebody last scrolled
+    bool m_bFollows = true;  // the end was visible after the last change of the scroll position
 };

@@ -1,4 +1,4 @@
-// One row an object: check mark and name, colour button, counts, box.
+// One row per object: check mark and name, colour button, counts, bounding box.
 #include "ObjectList.h"
 
 #include <QAction>
@@ -15,7 +15,7 @@ QString FileNameOf(const std::wstring& path) {
     return QString::fromStdString(bytes.substr(bytes.rfind('/') + 1));
 }
 
-/// Ranges of x, y and z; four digits tell a user where the object is.
+/// Ranges of x, y and z, with four digits: enough to find the object, and short enough for the list.
 QString BoxText(const std::array<float, 6>& box) {
     const auto range = [&](std::size_t i) {
         return QString("%1 … %2").arg(QString::number(box[i], 'g', 4), QString::number(box[i + 1], 'g', 4));
@@ -44,7 +44,7 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
 
 void ObjectList::AddObject(const ObjectReport& object) {
     const QSignalBlocker quiet(this);
-    // Objects of some mesh files have no name of their own.
+    // The viewer gives objects of some mesh formats no name.
     const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(object.file) : object.name;
     auto* const item = new QTreeWidgetItem(this);
     item->setText(kName, FileNameOf(path));

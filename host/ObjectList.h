@@ -1,4 +1,4 @@
-// The objects of the scene as a list; a row's place is the object's index.
+// The objects of the scene as a list. The position of a row is the index of its object in the viewer.
 #pragma once
 #include <QTreeWidget>
 #include <cstdint>
@@ -16,11 +16,12 @@ public:
     void RemoveObject(int index);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
-    /// Wide enough for all but the boxes.
+    /// Wide enough for all columns but the boxes.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
 
 signals:
-    // The user's wishes; the list itself changes nothing but the check mark.
+    // What the user asked for. The list itself changes nothing but the check mark.
+    // @param packed  0x00BBGGRR
     void VisibilityWanted(int index, bool visible);
     void ColorWanted(int index, std::int32_t packed);
     void DeletionWanted(int index);

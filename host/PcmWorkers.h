@@ -1,26 +1,22 @@
-// Worker threads that read pcm files and hand them to the viewer's import entry.
+// Worker threads for the files that the host reads itself. They schedule; ImportGridFile() does the work on each file.
 #pragma once
 #include <atomic>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "FileImport.h"
-#include "KV_ScenePane/Types.h"
 
-/// One parallel import: starts with the constructor, ends with Join(). The files are taken in order.
+/// One parallel import: starts with the constructor, ends with Join(). Files are started in their order.
 class PcmWorkers {
 public:
     struct Task {
-        void* control = nullptr;  ///< from BeginParallelImport
-        KV_ScenePane::ImportMeasurementEntry entry = nullptr;
-        std::vector<std::string> files;  ///< bytes; the place in the list is the object's index
-        std::uint32_t color = 0;         ///< 0x00BBGGRR
+        GridEntry entry;
+        std::vector<std::string> files;  ///< paths in bytes; the position in the list is the index of the object
     };
 
-    /// @param threads       how many, at least 1; no more are started than there are files
+    /// @param threads       how many, at least 1; never more than there are files
     /// @param fileFinished  called on the worker threads, after each file and once more when the last thread ends
     PcmWorkers(Task task, unsigned threads, std::function<void()> fileFinished);
     /// Joins.
@@ -28,22 +24,22 @@ public:
     PcmWorkers(const PcmWorkers&) = delete;
     PcmWorkers& operator=(const PcmWorkers&) = delete;
 
-    /// Files not yet begun are not begun any more; those under way are finished.
+    /// No further file is started; those in progress are finished. Any thread.
     void Cancel() { m_bCancelled = true; }
     [[nodiscard]] std::size_t FinishedFiles() const { return m_nFinished; }
-    /// All threads have done their work; Join() does not wait then.
+    /// All threads have finished their work, so that Join() does not wait.
     [[nodiscard]] bool IsDone() const { return m_nRunningThreads == 0; }
-    /// Waits for the threads. One result a file, in their order.
+    /// Waits for the threads. @return one result per file, in their order
     const std::vector<ImportResult>& Join();
 
 private:
     void Work();
-    [[nodiscard]] ImportResult ImportFile(std::size_t index) const;
 
     const Task m_task;
     const std::function<void()> m_fileFinished;
-    std::vector<ImportResult> m_vResults;  // each written by the one thread that took the file
-    std::atomic<std::size_t> m_nNext = 0, m_nFinished = 0;
+    std::vector<ImportResult> m_vResults;  // each written by the one thread that took the file; read after Join()
+    std::atomic<std::size_t> m_nNext = 0;  // position of the next file to start; may run past the end
+    std::atomic<std::size_t> m_nFinished = 0;
     std::atomic<unsigned> m_nRunningThreads = 0;
     std::atomic<bool> m_bCancelled = false;
     std::vector<std::thread> m_vThreads;

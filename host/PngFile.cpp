@@ -1,23 +1,21 @@
-// PNG by libpng's simplified interface, which never jumps out of our frames.
+// Encodes with libpng's simplified interface, which never jumps out of our frames, then writes the bytes at once.
 #include "PngFile.h"
 
-#include <fcntl.h>
 #include <png.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <stdexcept>
+#include <system_error>
 #include <vector>
 
-namespace {
+#include "SceneFile.h"
+#include "files/AtomicFile.h"
 
-struct CloseFile {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<FILE, CloseFile>;
+namespace {
 
 std::vector<png_byte> RgbBytes(const KV_ScenePane::Picture& picture) {
     std::vector<png_byte> bytes;
@@ -28,50 +26,58 @@ std::vector<png_byte> RgbBytes(const KV_ScenePane::Picture& picture) {
     return bytes;
 }
 
-/// Everything but the place: encodes, writes and flushes to disk. Empty, or the reason of a failure.
-std::string WriteTo(FILE* file, const KV_ScenePane::Picture& picture) {
-    const std::vector<png_byte> bytes = RgbBytes(picture);
+/// The content of the file. @throws std::runtime_error with libpng's message
+std::vector<png_byte> Encode(const KV_ScenePane::Picture& picture) {
+    const std::vector<png_byte> rgb = RgbBytes(picture);
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
     image.width = static_cast<png_uint_32>(picture.width);
     image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
-    errno = 0;
-    if (png_image_write_to_stdio(&image, file, 0, bytes.data(), 0, nullptr) == 0)
-        return errno != 0 ? strerrordesc_np(errno) : image.message;
-    if (std::fflush(file) != 0) return strerrordesc_np(errno);
-    // A pipe or device has nothing to flush.
-    if (fsync(fileno(file)) != 0 && errno != EINVAL && errno != EROFS) return strerrordesc_np(errno);
-    return {};
+    // An upper limit, so that the picture is compressed only once: asking for the exact size would compress it too.
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::vector<png_byte> bytes(size);
+    if (png_image_write_to_memory(&image, bytes.data(), &size, 0, rgb.data(), 0, nullptr) == 0)
+        throw std::runtime_error(image.message);
+    bytes.resize(size);
+    return bytes;
 }
 
-std::string WriteToDevice(const std::string& path, const KV_ScenePane::Picture& picture) {
-    const File file(std::fopen(path.c_str(), "wb"));
-    return file ? WriteTo(file.get(), picture) : strerrordesc_np(errno);
+/// A pipe or a device cannot be replaced by a file. @throws std::system_error
+void WriteDirectly(const std::string& path, const std::vector<png_byte>& bytes) {
+    const auto check = [](bool good) {
+        if (!good) throw std::system_error(errno, std::generic_category());
+    };
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), &std::fclose);
+    check(file != nullptr);
+    check(std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size());
+    check(std::fflush(file.get()) == 0);  // a full device says so here, not before
 }
 
-std::string WriteBesideAndRename(const std::string& path, const KV_ScenePane::Picture& picture) {
-    std::string beside = path + ".XXXXXX";
-    const int descriptor = mkostemp(beside.data(), O_CLOEXEC);
-    if (descriptor < 0) return strerrordesc_np(errno);
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(descriptor, 0666 & ~mask);  // as any new file, not private as a temporary one
-    std::string reason;
-    {
-        const File file(fdopen(descriptor, "wb"));
-        reason = WriteTo(file.get(), picture);
-    }
-    if (reason.empty() && std::rename(beside.c_str(), path.c_str()) != 0) reason = strerrordesc_np(errno);
-    if (!reason.empty()) unlink(beside.c_str());
-    return reason;
+void ReplaceFile(const std::string& path, const std::vector<png_byte>& bytes) {
+    FileStorage::AtomicFile file(path);
+    file.WriteAt(0, bytes.data(), bytes.size());
+    file.Commit();
 }
 
 }  // namespace
 
 bool WritePng(const std::string& path, const KV_ScenePane::Picture& picture, std::string* reason) {
     struct stat status {};
-    const bool device = stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
-    *reason = device ? WriteToDevice(path, picture) : WriteBesideAndRename(path, picture);
-    return reason->empty();
+    const bool exists = stat(path.c_str(), &status) == 0;
+    try {
+        const std::vector<png_byte> bytes = Encode(picture);
+        if (exists && !S_ISREG(status.st_mode))
+            WriteDirectly(path, bytes);
+        else
+            ReplaceFile(path, bytes);
+        return true;
+    } catch (const std::system_error& error) {
+        // Folder or file: the error number alone does not say which of them is the cause.
+        const std::string refusal = exists && !S_ISREG(status.st_mode) ? "" : WriteRefusal(path);
+        *reason = refusal.empty() ? strerrordesc_np(error.code().value()) : refusal;
+    } catch (const std::runtime_error& error) {
+        *reason = error.what();
+    }
+    return false;
 }

@@ -1,4 +1,4 @@
-// What the program calls itself, to the user and in the files that it writes.
+// Name and version of the program, for its messages and for the files that it writes.
 #pragma once
 
 inline constexpr char kProgramName[] = "scenepane";

@@ -1,10 +1,10 @@
-// The component registry, which hps files and textures need, runs as long as somebody holds one of these.
+// The component registry, which hps files and textures need, is started as long as one of these objects exists.
 #pragma once
 #include "KV_ScenePane/_DKV_ScenePane.h"
 
 class RegistryStart {
 public:
-    /// @param methods  of a viewer that lives longer
+    /// @param methods  of a viewer that outlives this object
     explicit RegistryStart(KV_ScenePane::_DKV_ScenePane& methods) : m_methods(methods) { m_methods.InitializeKVReg(); }
     ~RegistryStart() { m_methods.FinalizeKVReg(); }
     RegistryStart(const RegistryStart&) = delete;

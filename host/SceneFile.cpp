@@ -1,55 +1,48 @@
-// Checks of a file's name and of the file from outside.
+// Checks by stat() and access(). A file can change after its check, so opening it must still report errors of its own.
 #include "SceneFile.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
-namespace {
-struct Kind {
-    std::string_view extension;
-    FileKind kind;
-    bool isWritten;
-};
-constexpr Kind kKinds[] = {
-    {"pcm", FileKind::Pcm, false},  {"pax", FileKind::Pax, false},  {"xdt", FileKind::Xdt, false},
-    {"ply", FileKind::Mesh, true},  {"stl", FileKind::Mesh, true},  {"hps", FileKind::Mesh, true},
-    {"ois", FileKind::Mesh, false}, {"msh", FileKind::Mesh, false},
-};
+#include "FileTypes.h"
 
-const Kind* FindKind(std::string_view path) {
-    const auto* const found = std::ranges::find(kKinds, ExtensionOf(path), &Kind::extension);
-    return found == std::end(kKinds) ? nullptr : found;
-}
+namespace {
+
+// Not strerror(): its text depends on the locale and its buffer on the thread.
+std::string SystemMessage(int error) { return strerrordesc_np(error); }
+
 }  // namespace
 
-std::string ExtensionOf(std::string_view path) {
-    const std::size_t point = path.rfind('.');
-    std::string extension(point == std::string_view::npos ? path : path.substr(point + 1));
-    for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return extension;
-}
-
-FileKind KindOfFile(std::string_view path) {
-    const Kind* const kind = FindKind(path);
-    return kind == nullptr ? FileKind::Unknown : kind->kind;
-}
-
-std::string WhyNoSceneFile(const std::string& path) {
+std::string ImportRefusal(const std::string& path) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return strerrordesc_np(errno);
-    if (S_ISDIR(status.st_mode)) return strerrordesc_np(EISDIR);
-    if (access(path.c_str(), R_OK) != 0) return strerrordesc_np(errno);
-    if (KindOfFile(path) == FileKind::Unknown) return "unknown file type";
-    return {};
+    if (stat(path.c_str(), &status) != 0) return SystemMessage(errno);
+    if (S_ISDIR(status.st_mode)) return SystemMessage(EISDIR);
+    if (access(path.c_str(), R_OK) != 0) return SystemMessage(errno);
+    const FileType* const type = FindFileType(path);
+    return type != nullptr && type->canImport ? "" : "unknown file type";
 }
 
-std::string WhyNoExportName(std::string_view path) {
-    const Kind* const kind = FindKind(path);
-    return kind != nullptr && kind->isWritten ? "" : "only ply, stl and hps files can be written";
+std::string ExportRefusal(std::string_view path) {
+    const FileType* const type = FindFileType(path);
+    if (type != nullptr && type->canExport) return {};
+    return "only " + ExtensionList(IsExported, "and") + " files can be written";
+}
+
+std::string WriteRefusal(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+        if (S_ISDIR(status.st_mode)) return SystemMessage(EISDIR);
+        if (!S_ISREG(status.st_mode)) return "not a regular file";
+        if (access(path.c_str(), W_OK) != 0) return SystemMessage(errno);
+    }
+    // A file is written beside its target and renamed over it, so the folder matters even when the target is writable.
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    if (access(folder.c_str(), W_OK | X_OK) == 0) return {};
+    const int error = errno;
+    const bool isMissing = error == ENOENT || error == ENOTDIR;
+    return isMissing ? SystemMessage(error) : "no file can be created in its folder: " + SystemMessage(error);
 }

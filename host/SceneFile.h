@@ -1,20 +1,16 @@
-// What the host itself tells of a file by its name and from outside, before the viewer opens or writes it.
+// Checks of a file by its name and its state on disk, before the viewer opens or writes it.
 #pragma once
 #include <string>
 #include <string_view>
 
-/// Scans are measurements, with import settings of their own; a mesh is imported as it is.
-enum class FileKind { Pcm, Pax, Xdt, Mesh, Unknown };
+/// Why the file cannot be imported whatever its content is: missing, a folder, not readable, or of an unknown type.
+/// Empty when none of these applies. In English, whatever the locale.
+[[nodiscard]] std::string ImportRefusal(const std::string& path);
 
-/// The text behind the last point of the path in lower case, or the whole path without one; the same rule as the
-/// viewer's. The locale has no say.
-[[nodiscard]] std::string ExtensionOf(std::string_view path);
+/// Why no object can be exported to a file of this name: the viewer does not write its type. Empty for a type that it
+/// writes.
+[[nodiscard]] std::string ExportRefusal(std::string_view path);
 
-[[nodiscard]] FileKind KindOfFile(std::string_view path);
-
-/// Why the file cannot be imported whatever it holds: not there, a folder, not readable, or of an unknown type. Empty
-/// when there is no such reason. In English, whatever the locale.
-[[nodiscard]] std::string WhyNoSceneFile(const std::string& path);
-
-/// Why no object can be exported to a file of that name: its type is none that the viewer writes. Empty when it is one.
-[[nodiscard]] std::string WhyNoExportName(std::string_view path);
+/// Why a regular file cannot be written at this path, as far as the state on disk says it: a folder or a device of that
+/// name, a write-protected file, a missing or write-protected folder. Empty when none of these applies. In English.
+[[nodiscard]] std::string WriteRefusal(const std::string& path);

@@ -1,4 +1,4 @@
-// Text and JSON of a scene. Numbers go through std::to_chars: the process's locale has no say.
+// Text and JSON of a scene. Numbers are written by std::to_chars, whose result does not depend on the locale.
 #include "SceneReport.h"
 
 #include <charconv>
@@ -53,7 +53,7 @@ std::string JsonObject(const ObjectReport& object) {
            ", \"transform\": " + JsonNumbers(object.transform) + '}';
 }
 
-/// The elements of a JSON array, one a line.
+/// A JSON array with one element per line.
 template <class Element, class ToJson>
 std::string JsonLines(const std::vector<Element>& elements, ToJson toJson) {
     std::string json = "[";

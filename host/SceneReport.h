@@ -1,4 +1,4 @@
-// What --info prints: the objects of a scene as text and as JSON.
+// The output of --info: the objects of a scene as text and as JSON.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -8,17 +8,17 @@
 
 #include "KV_ScenePane/ScenePane.h"
 
-/// One object of the scene with what the viewer tells of it.
+/// What the viewer reports about one object of the scene.
 struct ObjectReport {
     std::string file;   ///< as typed, bytes
-    int index = 0;      ///< place in the viewer's list
-    std::wstring name;  ///< as the viewer holds it
+    int index = 0;      ///< position in the viewer's list
+    std::wstring name;  ///< as the viewer has it; empty for some mesh formats
     std::int32_t vertices = 0, triangles = 0;
-    std::array<float, 6> box{};  ///< min x, max x, min y, max y, min z, max z
+    std::array<float, 6> box{};  ///< world frame: min x, max x, min y, max y, min z, max z
     std::array<float, 3> center{};
     std::int32_t color = 0;  ///< 0x00BBGGRR
     bool hasVertexColors = false;
-    std::array<float, 16> transform{};  ///< row by row
+    std::array<float, 16> transform{};  ///< 4 x 4, row by row, sensor to world frame
 };
 
 /// A file that added no object.
@@ -35,10 +35,10 @@ struct SceneReport {
 /// Asks the viewer for one object. @param index  must be in its list
 [[nodiscard]] ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file);
 
-/// Readable text; ends with a line feed when there is any object or failure.
+/// Text for a reader; ends with a line feed unless there is neither an object nor a failure.
 [[nodiscard]] std::string ReportText(const SceneReport& report);
-/// One JSON object in UTF-8, ends with a line feed. Numbers have as many digits as tell them apart from all other
-/// floats; NaN and infinity are null. Bytes of names that are no UTF-8 become lone surrogates \udc80 to \udcff.
+/// One JSON object in UTF-8, ends with a line feed. Numbers have the digits that are needed to read back the same
+/// float; NaN and infinity are null. Bytes of names that are not UTF-8 become lone surrogates \udc80 to \udcff.
 [[nodiscard]] std::string ReportJson(const SceneReport& report);
 
 /// A packed colour 0x00BBGGRR as RRGGBB.

@@ -1,4 +1,4 @@
-// The viewer writes as many pixels as it says, into memory of the host's.
+// The viewer reports the size of its screenshot first, then writes the pixels into memory of the host.
 #include "ScreenShot.h"
 
 KV_ScenePane::Picture TakeScreenShot(KV_ScenePane::_DKV_ScenePane& methods) {

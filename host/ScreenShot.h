@@ -1,6 +1,8 @@
-// The picture of the whole scene in the viewer's fixed size.
+// The picture of the whole scene at a fixed size, whatever the size of the window.
 #pragma once
 #include "KV_ScenePane/ScenePane.h"
 
-/// Takes the screenshot; its size does not depend on the window. Empty (width 0) when the viewer names no size.
+/// Renders the screenshot of the viewer. The view on screen is unchanged. @return of width 0 when the viewer reports no
+/// size
+/// @throws std::bad_alloc
 [[nodiscard]] KV_ScenePane::Picture TakeScreenShot(KV_ScenePane::_DKV_ScenePane& methods);

@@ -1,4 +1,5 @@
-// What embedding takes: a native widget, the viewer as child of its window, one descriptor watched, sizes handed on.
+// The four parts of an embedding: a native widget, the viewer as a child of its window, a notifier on the descriptor of
+// the viewer, and the size of the widget passed on.
 #include "ViewerWidget.h"
 
 #include <QEvent>
@@ -46,7 +47,7 @@ void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::
     emit KeyPressed(nChar, m_held.With(QGuiApplication::queryKeyboardModifiers()));
 }
 
-void ViewerWidget::Tell(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
+void ViewerWidget::ReportLine(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
 
 void ViewerWidget::Open() {
     m_bOpened = true;
@@ -72,7 +73,7 @@ void ViewerWidget::Open() {
 void ViewerWidget::Close() {
     if (m_pNotifier) {
         m_pNotifier->setEnabled(false);
-        m_pNotifier.release()->deleteLater();  // it may be its own signal that led here
+        m_pNotifier.release()->deleteLater();  // not at once: this may be a call from its own signal
     }
     if (m_pPane) m_pPane->Connect(nullptr);
     m_pRegistry.reset();
@@ -91,7 +92,8 @@ void ViewerWidget::HandleEvents() {
 }
 
 void ViewerWidget::FollowWindow() {
-    // Qt may have made another native window for the widget; the viewer moves over.
+    // Qt may have made another native window for the widget, for example after a change of its parent: the viewer
+    // moves.
     if (!m_pPane || internalWinId() == 0 || m_pPane->Reparent(internalWinId(), 0, 0)) return;
     Close();
     emit Refused(tr("The viewer could not follow the widget into its new window."));

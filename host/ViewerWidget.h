@@ -1,4 +1,4 @@
-// The viewer inside a Qt widget: its window is a child of the widget's own native window.
+// A Qt widget that contains the viewer: its window is a child of the native window of the widget.
 #pragma once
 #include <QWidget>
 #include <memory>
@@ -11,29 +11,31 @@
 
 class QSocketNotifier;
 
+/// The viewer is created when the widget is shown for the first time and closed with the widget.
 class ViewerWidget : public QWidget, private EventFormatter {
     Q_OBJECT
 public:
-    /// @param wantedSize  of the drawing area, in pixels of the device
+    /// @param wantedSize  of the drawing area, device pixels; becomes the size hint
     explicit ViewerWidget(QSize wantedSize, QWidget* parent = nullptr);
     ~ViewerWidget() override;
 
-    /// Null before the widget was shown for the first time, and when the viewer was refused or lost its window.
+    /// Null before the widget is shown for the first time, and when the viewer was refused or lost its window.
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const { return m_pPane.get(); }
 
     [[nodiscard]] QSize sizeHint() const override;
-    /// There is nothing that Qt could paint: the viewer covers the widget.
+    /// None: the window of the viewer covers the widget, so that Qt has nothing to paint.
     [[nodiscard]] QPaintEngine* paintEngine() const override { return nullptr; }
 
 signals:
+    /// The viewer exists.
     void Ready();
-    /// There is no viewer, or not any more.
+    /// There is no viewer, or no longer one. @param reason  for a user
     void Refused(const QString& reason);
-    /// An event of the viewer, as one line; emitted inside the call or the input that caused it.
+    /// An event of the viewer, as one line; emitted during the call or the input that caused it.
     void EventFired(const QString& line);
-    /// A key went down while the viewer had the keyboard; a key code as the viewer's events have it.
+    /// A key went down while the viewer had the keyboard. @param key  a key code of the viewer's events
     void KeyPressed(int key, Qt::KeyboardModifiers modifiers);
-    /// The viewer has handled what waited; input may have changed its state.
+    /// The viewer has handled its pending events; input may have changed its state.
     void Handled();
 
 protected:
@@ -43,7 +45,7 @@ protected:
 
 private:
     void CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
-    void Tell(const std::string& line) override;
+    void ReportLine(const std::string& line) override;
     void Open();
     void Close();
     void HandleEvents();
@@ -52,10 +54,10 @@ private:
     [[nodiscard]] QSize DeviceSize() const;
 
     const QSize m_wantedSize;
-    bool m_bOpened = false;  // one attempt only: what was refused once will be refused again
+    bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
     HeldModifiers m_held;
-    std::string m_strMessages;  // shown by the viewer while it is made; they say why it was refused
+    std::string m_strMessages;  // shown by the viewer while it was created: the reason of a refusal
     std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
-    std::unique_ptr<RegistryStart> m_pRegistry;  // of the viewer, as long as there is one
+    std::unique_ptr<RegistryStart> m_pRegistry;  // keeps the component registry of the viewer started
     std::unique_ptr<QSocketNotifier> m_pNotifier;
 };

@@ -1,4 +1,4 @@
-// Qt is started only when its window system is there: without one it would end the process.
+// Qt is started only when its window system can be reached: without one it would end the process.
 #include "WindowRun.h"
 
 #include <QApplication>
@@ -18,8 +18,8 @@ bool IsSet(const char* variable) {
     return value != nullptr && *value != '\0';
 }
 
-/// Lets Qt use X11, on which the viewer's embedding stands, also where a Wayland session offers both. Empty when Qt can
-/// start, else why not.
+/// Makes Qt use X11, which the embedding of the viewer needs, also in a Wayland session that offers both.
+/// @return why Qt cannot start; empty when it can
 std::string ChoosePlatform() {
     if (IsSet("QT_QPA_PLATFORM")) return {};
     if (!IsSet("DISPLAY")) return IsSet("WAYLAND_DISPLAY") ? "" : "there is no display (DISPLAY is not set)";
@@ -31,21 +31,21 @@ std::string ChoosePlatform() {
 }  // namespace
 
 int RunWindow(const HostOptions& options, char* program) {
-    const auto complain = [](const std::string& file, const std::string& reason) {
-        (void)PrintTo(stderr, "scenepane: " + file + ": " + reason + '\n');
+    const auto printFailure = [](const std::string& file, const std::string& reason) {
+        PrintError(stderr, file + ": " + reason);
     };
     if (const std::string reason = ChoosePlatform(); !reason.empty()) {
         for (const std::string& file : options.files) {
-            if (const std::string fileReason = WhyNoSceneFile(file); !fileReason.empty()) complain(file, fileReason);
+            if (const std::string refusal = ImportRefusal(file); !refusal.empty()) printFailure(file, refusal);
         }
-        (void)PrintTo(stderr, "scenepane: " + reason + "; --screenshot, --capture, --info and --convert need none\n");
+        PrintError(stderr, reason + "; --screenshot, --capture, --info and --convert need none");
         return kExitFailure;
     }
     int argumentCount = 1;  // the options are ours, none is Qt's
     char* arguments[] = {program, nullptr};
     const QApplication application(argumentCount, arguments);
     MainWindow window(options);
-    QObject::connect(&window, &MainWindow::FileFailed, complain);
+    QObject::connect(&window, &MainWindow::FileFailed, printFailure);
     window.show();
     (void)QApplication::exec();
     return window.HaveAllFilesAdded() ? kExitGood : kExitFailure;

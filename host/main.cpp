@@ -1,4 +1,4 @@
-// The scenepane program: decides between the window and the runs without one.
+// The scenepane program: chooses between the window and the runs without one. Every run returns an exit status.
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -15,15 +15,15 @@ int Run(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const auto parsed = ParseCommandLine(arguments);
     if (const auto* error = std::get_if<UsageError>(&parsed)) {
-        (void)PrintTo(stderr, "scenepane: " + error->text + " (scenepane --help tells more)\n");
+        PrintError(stderr, error->text + " (see scenepane --help)");
         return kExitWrongUsage;
     }
     const HostOptions& options = std::get<HostOptions>(parsed);
     switch (options.action) {
         case HostAction::Help:
-            return PrintTo(stdout, HelpText()) ? kExitGood : kExitFailure;
+            return PrintResult(HelpText(), stdout, stderr);
         case HostAction::Version:
-            return PrintTo(stdout, VersionText()) ? kExitGood : kExitFailure;
+            return PrintResult(VersionText(), stdout, stderr);
         case HostAction::Screenshot:
             return RunScreenshot(options, stderr);
         case HostAction::Capture:
@@ -43,7 +43,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
-    } catch (const std::exception& error) {  // memory that is exhausted, say
+    } catch (const std::exception& error) {  // such as exhausted memory
         std::fprintf(stderr, "scenepane: %s\n", error.what());
         return kExitFailure;
     }

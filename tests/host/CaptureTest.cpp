@@ -1,4 +1,4 @@
-// The picture of fixed size without a display.
+// The screenshot of fixed size, without a display.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr unsigned kBackground = 0x191932;  // red first
+constexpr unsigned kBackground = 0x191932;  // 0xRRGGBB
 constexpr int kSide = 2048;
 
 class Capture : public testing::Test {
@@ -63,12 +63,12 @@ TEST_F(Capture, MagnifiesByTheZoom) {
     EXPECT_EQ(png.At(middle + inside + 6, middle), kBackground);
 }
 
-TEST_F(Capture, SeesTheSceneFromTheChosenSide) {
-    m_options.view = 1;  // along Y: the grid lies in z = 0
+TEST_F(Capture, ShowsTheSceneInTheChosenView) {
+    m_options.view = KV_ScenePane::ViewFromMinusYZUp;  // along the grid, which is in z = 0
     EXPECT_EQ(Taken().At(kSide / 2, kSide / 4), kBackground);
 }
 
-TEST_F(Capture, OfGoodAndBadFilesShowsTheGoodOnesAndFails) {
+TEST_F(Capture, ShowsTheGoodFilesAndFailsWhenOneIsBad) {
     m_options.files.push_back(m_folder / "none.pax");
     const Printed err;
     EXPECT_EQ(RunCapture(m_options, err), kExitFailure);
@@ -76,7 +76,7 @@ TEST_F(Capture, OfGoodAndBadFilesShowsTheGoodOnesAndFails) {
     EXPECT_NE(ReadPng(m_options.picturePath).At(kSide / 2, kSide / 2), kBackground);
 }
 
-TEST_F(Capture, OfNothingLeavesAnOlderPictureWhole) {
+TEST_F(Capture, KeepsAnOlderPictureWhenThereIsNoObject) {
     WriteBytes(m_options.picturePath, {std::byte{7}});
     m_options.files = {m_folder / "none.pax"};
     const Printed err;
@@ -85,14 +85,14 @@ TEST_F(Capture, OfNothingLeavesAnOlderPictureWhole) {
     EXPECT_EQ(ReadBytes(m_options.picturePath), std::vector{std::byte{7}});
 }
 
-TEST_F(Capture, SaysWhenThePictureCannotBeWritten) {
+TEST_F(Capture, ReportsAPictureThatCannotBeWritten) {
     m_options.picturePath = m_folder / "no/a.png";
     const Printed err;
     EXPECT_EQ(RunCapture(m_options, err), kExitFailure);
     EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "no/a.png") + ": No such file or directory\n");
 }
 
-TEST(TakeScreenShot, HasTheBackgroundsCornersWhereTheWindowHasThem) {
+TEST(TakeScreenShot, HasTheBackgroundColoursInTheCornersOfTheWindow) {
     KV_ScenePane::WindowRequest request;
     request.width = 90;
     request.height = 40;
@@ -118,7 +118,7 @@ TEST(TakeScreenShot, HasTheBackgroundsCornersWhereTheWindowHasThem) {
     EXPECT_GT(std::min({red(bottomRight), green(bottomRight), blue(bottomRight)}), 250u);
 }
 
-TEST(TakeScreenShot, LeavesTheViewAsItWas) {
+TEST(TakeScreenShot, DoesNotChangeTheView) {
     KV_ScenePane::WindowRequest request;
     std::string reason;
     const auto pane = CreateScenePane(request, &reason);

@@ -1,4 +1,4 @@
-// A process locale whose decimal separator is a comma, for tests that no number depends on it.
+// A process locale with a decimal comma, for tests that numbers do not depend on the locale.
 #pragma once
 #include <clocale>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 
 #include "support/ScratchFolder.h"
 
-/// Sets the locale of the process while it lives. A machine without such a locale has one made by localedef.
+/// Sets the locale of the process during its lifetime. The locale is made by localedef, in a scratch folder.
 class CommaLocale {
 public:
     CommaLocale() {
@@ -21,7 +21,7 @@ public:
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;
 
-    /// False on a machine without the sources of locales.
+    /// False on a machine that cannot make a locale: localedef or its sources are missing.
     [[nodiscard]] bool IsSet() const { return m_bSet && *std::localeconv()->decimal_point == ','; }
 
 private:

@@ -17,13 +17,13 @@ HostOptions Parsed(const std::vector<std::string>& arguments) {
     return std::get<HostOptions>(result);
 }
 
-std::string Complaint(const std::vector<std::string>& arguments) {
+std::string UsageErrorOf(const std::vector<std::string>& arguments) {
     const auto result = ParseCommandLine(arguments);
     const auto* const error = std::get_if<UsageError>(&result);
     return error == nullptr ? "accepted" : error->text;
 }
 
-TEST(CommandLine, WithoutAnythingOpensAnEmptyWindow) {
+TEST(CommandLine, WithoutArgumentsOpensAnEmptyWindow) {
     const HostOptions options = Parsed({});
     EXPECT_EQ(options.action, HostAction::Window);
     EXPECT_TRUE(options.files.empty());
@@ -34,7 +34,7 @@ TEST(CommandLine, WithoutAnythingOpensAnEmptyWindow) {
     EXPECT_FALSE(options.shadows);
 }
 
-TEST(CommandLine, TakesEveryOptionOfAScreenshot) {
+TEST(CommandLine, ReadsEveryOptionOfAScreenshot) {
     const HostOptions options =
         Parsed({"--screenshot", "out.png", "--size", "333x777", "--view", "6", "--draw-mode", "5", "--zoom", "2.5",
                 "--skip", "3", "--confidence", "0.25", "--color", "102030", "--shadows", "a.pcm", "b.pax"});
@@ -51,7 +51,7 @@ TEST(CommandLine, TakesEveryOptionOfAScreenshot) {
     EXPECT_EQ(options.files, (std::vector<std::string>{"a.pcm", "b.pax"}));
 }
 
-TEST(CommandLine, TakesTheOptionsThatACaptureHeeds) {
+TEST(CommandLine, ReadsTheOptionsThatApplyToACapture) {
     const HostOptions options = Parsed({"--capture", "out.png", "--view", "6", "--zoom", "2.5", "--skip", "3",
                                         "--confidence", "0.25", "--color", "102030", "a.pcm"});
     EXPECT_EQ(options.action, HostAction::Capture);
@@ -62,7 +62,7 @@ TEST(CommandLine, TakesTheOptionsThatACaptureHeeds) {
     EXPECT_EQ(options.files, std::vector<std::string>{"a.pcm"});
 }
 
-TEST(CommandLine, TakesTheTwoFilesOfAConversionWithItsImportOptions) {
+TEST(CommandLine, ReadsTheTwoFilesOfAConversionAndItsImportOptions) {
     const HostOptions options = Parsed({"--skip", "2", "in.pcm", "--convert", "--color=010203", "dir/out.STL"});
     EXPECT_EQ(options.action, HostAction::Convert);
     EXPECT_EQ(options.files, std::vector<std::string>{"in.pcm"});
@@ -71,12 +71,12 @@ TEST(CommandLine, TakesTheTwoFilesOfAConversionWithItsImportOptions) {
     EXPECT_EQ(Parsed({"--convert", "--", "-a.ply", "--b.hps"}).exportPath, "--b.hps");
 }
 
-TEST(CommandLine, TurnsRedFirstIntoRedInTheLowByte) {
+TEST(CommandLine, ConvertsColoursToRedInTheLowByte) {
     EXPECT_EQ(Parsed({"--color", "FF8001"}).import.color, 0x0180FF);
     EXPECT_EQ(Parsed({"--color=0a0b0c"}).import.color, 0x0C0B0A);
 }
 
-TEST(CommandLine, TakesValuesBehindAnEqualsSignToo) {
+TEST(CommandLine, ReadsValuesAfterAnEqualsSign) {
     const HostOptions options = Parsed({"--screenshot=a=b.png", "--size=1x16384", "--confidence=-1e-3", "x.xdt"});
     EXPECT_EQ(options.picturePath, "a=b.png");
     EXPECT_EQ(options.width, 1);
@@ -84,34 +84,41 @@ TEST(CommandLine, TakesValuesBehindAnEqualsSignToo) {
     EXPECT_EQ(options.import.confidence, -1e-3f);
 }
 
-TEST(CommandLine, TakesFilesAfterTwoDashesWhateverTheyLookLike) {
+TEST(CommandLine, ReadsEverythingAfterTwoDashesAsFileNames) {
     const HostOptions options = Parsed({"--info", "a.pcm", "--", "--json", "-x", "--"});
     EXPECT_FALSE(options.json);
     EXPECT_EQ(options.files, (std::vector<std::string>{"a.pcm", "--json", "-x", "--"}));
 }
 
-TEST(CommandLine, TakesOptionsBehindFiles) {
+TEST(CommandLine, ReadsOptionsAfterFiles) {
     const HostOptions options = Parsed({"a.pcm", "--info", "b.pcm", "--json"});
     EXPECT_EQ(options.action, HostAction::Info);
     EXPECT_TRUE(options.json);
     EXPECT_EQ(options.files.size(), 2u);
 }
 
-TEST(CommandLine, LetsHelpAndVersionStandAlone) {
+TEST(CommandLine, IgnoresTheRestAfterHelpOrVersion) {
     EXPECT_EQ(Parsed({"--help"}).action, HostAction::Help);
     EXPECT_EQ(Parsed({"--version", "--unknown"}).action, HostAction::Version);
     EXPECT_EQ(VersionText(), "scenepane 5.5.0\n");
 }
 
-TEST(CommandLine, KeepsBytesOfFileNamesThatAreNoUtf8) {
+TEST(CommandLine, KeepsFileNamesThatAreNotUtf8) {
     EXPECT_EQ(Parsed({"\xff\x80.pcm"}).files, (std::vector<std::string>{"\xff\x80.pcm"}));
 }
 
-TEST(CommandLine, ReadsNumbersWithAPointWhateverTheLocale) {
+TEST(CommandLine, ReadsNumbersWithADecimalPointInAnyLocale) {
     const CommaLocale locale;
-    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine cannot make a locale";
     EXPECT_EQ(Parsed({"--zoom", "1.5"}).zoom, 1.5f);
-    EXPECT_EQ(Complaint({"--zoom", "1,5"}), "--zoom takes a number from 0.1 to 10, not \"1,5\"");
+    EXPECT_EQ(UsageErrorOf({"--zoom", "1,5"}), "--zoom takes a number from 0.1 to 10, not \"1,5\"");
+}
+
+TEST(CommandLine, NamesEveryFileTypeInTheHelp) {
+    const std::string help = HelpText();
+    EXPECT_NE(help.find("scans (pcm, pax and xdt files) and meshes (ply, stl, hps, ois and msh files)"),
+              std::string::npos);
+    EXPECT_NE(help.find("as the ply, stl or hps file OUT"), std::string::npos);
 }
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
@@ -145,24 +152,24 @@ const Limit kLimits[] = {
 };
 class CommandLineLimits : public testing::TestWithParam<Limit> {};
 
-TEST_P(CommandLineLimits, TakeWhatIsInsideAndNothingElse) {
-    for (const std::string& value : GetParam().inside) EXPECT_EQ(Complaint({GetParam().option, value}), "accepted");
+TEST_P(CommandLineLimits, AcceptValuesUpToTheLimitAndNoOthers) {
+    for (const std::string& value : GetParam().inside) EXPECT_EQ(UsageErrorOf({GetParam().option, value}), "accepted");
     for (const std::string& value : GetParam().outside) {
         const std::string start = std::string(GetParam().option) + " takes ";
-        EXPECT_EQ(Complaint({GetParam().option, value}).substr(0, start.size()), start) << '"' << value << '"';
+        EXPECT_EQ(UsageErrorOf({GetParam().option, value}).substr(0, start.size()), start) << '"' << value << '"';
     }
 }
 INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineLimits, testing::ValuesIn(kLimits),
                          [](const auto& row) { return row.param.name; });
 
-struct Wrong {
+struct WrongUsage {
     const char* name;
     std::vector<std::string> arguments;
-    const char* complaint;
+    const char* message;
 };
-void PrintTo(const Wrong& row, std::ostream* out) { *out << row.name; }
+void PrintTo(const WrongUsage& row, std::ostream* out) { *out << row.name; }
 
-const Wrong kWrong[] = {
+const WrongUsage kWrongUsages[] = {
     {"UnknownOption", {"--skipp", "3"}, "unknown option --skipp"},
     {"UnknownOptionWithValue", {"--skipp=3"}, "unknown option --skipp=3"},
     {"SingleDash", {"-v"}, "unknown option -v"},
@@ -171,7 +178,7 @@ const Wrong kWrong[] = {
     {"ValueForASwitch", {"--json=yes"}, "--json takes no value"},
     {"ValueForHelp", {"--help=me"}, "--help takes no value"},
     {"EmptyFileName", {""}, "a file name is empty"},
-    {"EmptyFileNameBehindTwoDashes", {"--", ""}, "a file name is empty"},
+    {"EmptyFileNameAfterTwoDashes", {"--", ""}, "a file name is empty"},
     {"ScreenshotWithoutFile", {"--screenshot", "a.png"}, "--screenshot needs at least one file"},
     {"ScreenshotWithoutName", {"--screenshot=", "a.pcm"}, "--screenshot takes a file name, not \"\""},
     {"InfoWithoutFile", {"--info"}, "--info needs at least one file"},
@@ -212,10 +219,10 @@ const Wrong kWrong[] = {
     {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
 };
-class CommandLineRejects : public testing::TestWithParam<Wrong> {};
+class CommandLineRejects : public testing::TestWithParam<WrongUsage> {};
 
-TEST_P(CommandLineRejects, AndSaysWhy) { EXPECT_EQ(Complaint(GetParam().arguments), GetParam().complaint); }
-INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineRejects, testing::ValuesIn(kWrong),
+TEST_P(CommandLineRejects, AndSaysWhy) { EXPECT_EQ(UsageErrorOf(GetParam().arguments), GetParam().message); }
+INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineRejects, testing::ValuesIn(kWrongUsages),
                          [](const auto& row) { return row.param.name; });
 
 }  // namespace

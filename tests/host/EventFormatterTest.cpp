@@ -8,9 +8,9 @@
 
 namespace {
 
-struct Teller final : EventFormatter {
-    std::string told;
-    void Tell(const std::string& line) override { told += line; }
+struct RecordedLines final : EventFormatter {
+    std::string text;
+    void ReportLine(const std::string& line) override { text += line; }
 };
 
 struct Event {
@@ -43,20 +43,20 @@ const Event kEvents[] = {
 };
 class EventFormatterTest : public testing::TestWithParam<Event> {};
 
-TEST_P(EventFormatterTest, NamesTheEventAndItsArguments) {
-    Teller teller;
-    GetParam().fire(teller);
-    EXPECT_EQ(teller.told, GetParam().line);
+TEST_P(EventFormatterTest, IsItsNameWithItsArguments) {
+    RecordedLines lines;
+    GetParam().fire(lines);
+    EXPECT_EQ(lines.text, GetParam().line);
 }
 INSTANTIATE_TEST_SUITE_P(Events, EventFormatterTest, testing::ValuesIn(kEvents),
                          [](const auto& row) { return row.param.name; });
 
-TEST(EventFormatter, WritesNumbersWithAPointWhateverTheLocale) {
+TEST(EventFormatter, WritesNumbersWithADecimalPointInAnyLocale) {
     const CommaLocale locale;
-    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
-    Teller teller;
-    teller.ViewDirectionChanged(0.5f, 1234567.0f, 0);
-    EXPECT_EQ(teller.told, "ViewDirectionChanged(vx = 0.5, vy = 1234567, vz = 0)");
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine cannot make a locale";
+    RecordedLines lines;
+    lines.ViewDirectionChanged(0.5f, 1234567.0f, 0);
+    EXPECT_EQ(lines.text, "ViewDirectionChanged(vx = 0.5, vy = 1234567, vz = 0)");
 }
 
 }  // namespace

@@ -23,13 +23,13 @@ protected:
     const DebugRouter m_router{[](std::string_view) {}};
 };
 
-TEST_F(WatchedWrite, OfANewFileHasWorked) {
+TEST_F(WatchedWrite, OfANewFileSucceeds) {
     const ExportResult result = WatchWrite(m_folder / "new.ply", [&] { WriteText(m_folder / "new.ply", "x"); });
     EXPECT_TRUE(result.written);
     EXPECT_EQ(result.text, "");
 }
 
-TEST_F(WatchedWrite, ThatReplacesAFileByAnEqualOneHasWorked) {
+TEST_F(WatchedWrite, ThatReplacesAFileByAnEqualOneSucceeds) {
     const ExportResult result = WatchWrite(m_folder / "old.ply", [&] {
         WriteText(m_folder / "beside", "old");
         EXPECT_EQ(std::rename((m_folder / "beside").c_str(), (m_folder / "old.ply").c_str()), 0);
@@ -37,29 +37,29 @@ TEST_F(WatchedWrite, ThatReplacesAFileByAnEqualOneHasWorked) {
     EXPECT_TRUE(result.written);
 }
 
-TEST_F(WatchedWrite, ThatChangesAFileInPlaceHasWorked) {
+TEST_F(WatchedWrite, ThatChangesAFileInPlaceSucceeds) {
     EXPECT_TRUE(WatchWrite(m_folder / "old.ply", [&] { WriteText(m_folder / "old.ply", "newer"); }).written);
 }
 
-TEST_F(WatchedWrite, ThatLeavesAnOldFileAsItWasHasFailed) {
+TEST_F(WatchedWrite, ThatDoesNotChangeAnOldFileFails) {
     const ExportResult result = WatchWrite(m_folder / "old.ply", [] {});
     EXPECT_FALSE(result.written);
-    EXPECT_EQ(result.text, "the viewer wrote no file and did not say why");
+    EXPECT_EQ(result.text, "the viewer wrote no file and gave no reason");
 }
 
-TEST_F(WatchedWrite, ThatIsDroppedSilentlyGetsTheReasonThatTheFolderGives) {
+TEST_F(WatchedWrite, ThatFailsSilentlyGetsTheReasonFromTheStateOnDisk) {
     EXPECT_EQ(WatchWrite(m_folder / "no/new.ply", [] {}).text, "No such file or directory");
     EXPECT_EQ(WatchWrite(m_folder.Path().string(), [] {}).text, "Is a directory");
     EXPECT_EQ(WatchWrite("/dev/null", [] {}).text, "not a regular file");
 }
 
-TEST_F(WatchedWrite, ThatThrowsHasFailedWithItsText) {
+TEST_F(WatchedWrite, ThatThrowsFailsWithTheTextOfTheException) {
     const ExportResult result = WatchWrite(m_folder / "new.ply", [] { throw std::runtime_error("Failed"); });
     EXPECT_FALSE(result.written);
     EXPECT_EQ(result.text, "Failed");
 }
 
-TEST_F(WatchedWrite, ThatThrowsBehindAHalfOfTheFileHasFailed) {
+TEST_F(WatchedWrite, ThatThrowsAfterAPartOfTheFileFails) {
     const ExportResult result = WatchWrite(m_folder / "new.ply", [&] {
         WriteText(m_folder / "new.ply", "half");
         throw std::bad_alloc();
@@ -77,7 +77,7 @@ std::string TextOf(const std::function<void()>& thrower) {
     return {};
 }
 
-TEST(TextOfCaughtError, IsOneLineWhateverWasThrown) {
+TEST(TextOfCaughtError, IsOneLineForAnyException) {
     EXPECT_EQ(TextOf([] { throw std::runtime_error("a\nb\n"); }), "a; b");
     EXPECT_EQ(TextOf([] { throw std::runtime_error(""); }), "an error without a text");
     EXPECT_EQ(TextOf([] { throw std::bad_alloc(); }), "there is not enough memory");
@@ -106,7 +106,7 @@ TEST_F(ExportedObject, IsWrittenByTheExtensionInAnyCase) {
     }
 }
 
-TEST_F(ExportedObject, IsRefusedAnyOtherExtensionInWords) {
+TEST_F(ExportedObject, IsRefusedAnyOtherExtensionWithAReason) {
     for (const char* const name : {"a.obj", "a", "a.", "a.ply.bak", "a.ois", "a.msh", "a.pcm"}) {
         const ExportResult result = ExportObject(m_pane->Methods(), 0, m_folder / name);
         EXPECT_FALSE(result.written);
@@ -115,8 +115,8 @@ TEST_F(ExportedObject, IsRefusedAnyOtherExtensionInWords) {
     EXPECT_EQ(m_folder.FileCount(), 0u);
 }
 
-TEST_F(ExportedObject, TellsWhatTheViewerThrows) {
-    // Without the component registry there is nothing that could write an hps file.
+TEST_F(ExportedObject, ReportsWhatTheViewerThrows) {
+    // Without the component registry no hps file can be written.
     const ExportResult result = ExportObject(m_pane->Methods(), 0, m_folder / "a.hps");
     EXPECT_FALSE(result.written);
     EXPECT_NE(result.text, "");

@@ -1,4 +1,4 @@
-// Mesh files without a window: what --info tells of them, why one is refused, and --convert.
+// Mesh files without a window: the output of --info, the reasons of a refusal, and --convert.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -29,7 +29,7 @@ std::string InfoOf(const std::string& file) {
     return out.Text();
 }
 
-/// Asserts that --convert writes the file without a word.
+/// Asserts that --convert writes the file and prints nothing.
 void Convert(const std::string& from, const std::string& to) {
     HostOptions options;
     options.files = {from};
@@ -48,7 +48,7 @@ std::vector<std::byte> SmallPng(const ScratchFolder& folder) {
 
 constexpr const char* kTetra = "\"vertices\": 4, \"triangles\": 4, \"box\": [0, 1, 0, 1, 0, 1]";
 
-TEST(MeshInfo, TellsOfEveryFormatInAnyCase) {
+TEST(MeshInfo, ReportsEveryFormatInAnyCaseOfItsExtension) {
     const ScratchFolder folder;
     WriteText(folder / "a.ply", TetraPlyText());
     WriteStl(folder / "b.STL");
@@ -62,13 +62,13 @@ TEST(MeshInfo, TellsOfEveryFormatInAnyCase) {
     }
 }
 
-TEST(MeshInfo, TellsOfATexturedFileWithoutOpenGl) {
+TEST(MeshInfo, ReportsATexturedFileWithoutOpenGl) {
     const ScratchFolder folder;
     WriteTexturedPly(folder / "a.ply", SmallPng(folder));
     EXPECT_NE(InfoOf(folder / "a.ply").find(kTetra), std::string::npos);
 }
 
-TEST(MeshInfo, MixesScansAndMeshesInTheirOrder) {
+TEST(MeshInfo, ReportsScansAndMeshesInTheirOrder) {
     const ScratchFolder folder;
     WriteXdt(folder / "a.xdt", 2, 2);
     WriteStl(folder / "b.stl");
@@ -87,7 +87,7 @@ struct BadMesh {
     const char* name;
     const char* file;
     std::string bytes;
-    const char* reason;  ///< in the line
+    const char* reason;  ///< part of the line; empty where any reason will do
 };
 void PrintTo(const BadMesh& row, std::ostream* out) { *out << row.name; }
 
@@ -95,7 +95,7 @@ const std::string kStlHeader(80, '\0');
 const std::string kZeroCount(4, '\0');
 
 const BadMesh kBadMeshes[] = {
-    {"PlyThatIsNone", "a.ply", "no mesh at all", ""},
+    {"PlyOfOtherText", "a.ply", "no mesh at all", ""},
     {"PlyCutShortInItsHeader", "a.ply", "ply\nformat ascii 1.0\nelement vertex 3\n", ""},
     {"PlyWithFewerPointsThanAnnounced", "a.ply", PlyHeader(3, 1) + "0 0 0\n1 0 0\n", ""},
     {"PlyOfQuads", "a.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n",
@@ -107,13 +107,13 @@ const BadMesh kBadMeshes[] = {
     {"StlCutShort", "a.stl", kStlHeader.substr(1), ""},
     {"OisOfNegativeCount", "a.ois", "\xff\xff\xff\xff\1\1\1\1", ""},
     {"MshThatEndsInItsCounts", "a.msh", "\1", ""},
-    {"HpsThatIsNone", "a.hps", "no mesh at all", "Invalid file."},
+    {"HpsOfOtherText", "a.hps", "no mesh at all", "Invalid file."},
     {"HpsWithoutBytes", "a.hps", "", ""},
     {"UnknownType", "a.obj", "v 0 0 0\n", "unknown file type"},
 };
 class MeshIsRefused : public testing::TestWithParam<BadMesh> {};
 
-TEST_P(MeshIsRefused, InOneLineThatNamesItOnceWithTheReason) {
+TEST_P(MeshIsRefused, InOneLineWithItsNameOnceAndTheReason) {
     const ScratchFolder folder;
     const std::string file = folder / GetParam().file;
     WriteText(file, GetParam().bytes);
@@ -127,7 +127,9 @@ TEST_P(MeshIsRefused, InOneLineThatNamesItOnceWithTheReason) {
     EXPECT_EQ(CountOf(line, file), 1u) << line;
     EXPECT_EQ(std::ranges::count(line, '\n'), 1) << line;
     EXPECT_NE(line.find(GetParam().reason, start.size()), std::string::npos) << line;
-    EXPECT_EQ(line.find("nothing in it could be imported"), std::string::npos) << "a reason is there: " << line;
+    EXPECT_EQ(line.find("nothing in it could be imported"), std::string::npos)
+        << "the general sentence in place of a reason: " << line;
+    EXPECT_EQ(line.find("()"), std::string::npos) << "no names of functions: " << line;
     EXPECT_NE(out.Text().find("good.stl\n  index          0\n"), std::string::npos) << "the scene was as before";
 }
 INSTANTIATE_TEST_SUITE_P(Mesh, MeshIsRefused, testing::ValuesIn(kBadMeshes),
@@ -162,7 +164,7 @@ TEST_P(ConvertsMeshes, WithTheirVerticesAndTriangles) {
 INSTANTIATE_TEST_SUITE_P(Convert, ConvertsMeshes, testing::ValuesIn(kFormats),
                          [](const auto& row) { return row.param.name; });
 
-TEST(Convert, TakesAScanWithTheOptionsOfItsImport) {
+TEST(Convert, AppliesTheImportOptionsToAScan) {
     const ScratchFolder folder;
     WritePcm(folder / "a.pcm", 11, 11);
     HostOptions options;
@@ -172,7 +174,7 @@ TEST(Convert, TakesAScanWithTheOptionsOfItsImport) {
     const Printed err;
     EXPECT_EQ(RunConvert(options, err), kExitGood) << err.Text();
     EXPECT_NE(InfoOf(folder / "a.ply").find("\"vertices\": 35,"), std::string::npos)
-        << "6 x 6 cells, less the corner of a single pixel";
+        << "6 x 6 cells without the corner cell, which has a single pixel";
 }
 
 TEST(Convert, KeepsTheImageOfATextureByteForByte) {
@@ -197,7 +199,7 @@ TEST(Convert, NamesTheProgramInAnHpsFile) {
     EXPECT_NE(text.find("5.5.0", name), std::string_view::npos);
 }
 
-TEST(Convert, OverAFileThatIsThereReplacesIt) {
+TEST(Convert, ReplacesAnOlderFile) {
     const ScratchFolder folder;
     WriteStl(folder / "a.stl");
     WriteText(folder / "a.ply", "old");
@@ -206,7 +208,7 @@ TEST(Convert, OverAFileThatIsThereReplacesIt) {
     Convert(folder / "a.stl", folder / "a.ply");  // the same bytes again count as written
 }
 
-TEST(Convert, OfWhatCannotBeImportedWritesNothing) {
+TEST(Convert, WritesNothingWhenTheImportFails) {
     const ScratchFolder folder;
     WriteText(folder / "out.ply", "old");
     HostOptions options;
@@ -235,7 +237,7 @@ TEST_P(ConvertFails, InOneLineWhenItsFileCannotBeWritten) {
         EXPECT_GT(line.size(), start.size() + 1) << "there is a reason";
         EXPECT_EQ(CountOf(line, options.exportPath), 1u) << line;
         EXPECT_EQ(std::ranges::count(line, '\n'), 1) << line;
-        EXPECT_EQ(folder.FileCount(), 2u) << "nothing is left behind";
+        EXPECT_EQ(folder.FileCount(), 2u) << "no temporary file remains";
     }
 }
 INSTANTIATE_TEST_SUITE_P(Convert, ConvertFails, testing::Values("ply", "stl", "hps"),

@@ -1,4 +1,4 @@
-// What a run without a window leaves: printed text and PNG files.
+// The results of a run without a window: printed text and PNG files.
 #pragma once
 #include <gtest/gtest.h>
 #include <png.h>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// A stream that remembers what was printed.
+/// A stream that records what is printed to it.
 class Printed {
 public:
     Printed() : m_file(open_memstream(&m_pText, &m_nSize)) {}

@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr unsigned kBackground = 0x191932;  // red first
+constexpr unsigned kBackground = 0x191932;  // 0xRRGGBB
 
 // ---- --info
 
-// A box without thickness is given 0.01 to both sides.
-TEST(Info, TellsOfFlatGridsWhatFollowsFromTheirPoints) {
+// The viewer extends a box without thickness by 0.01 to both sides.
+TEST(Info, ReportsOfFlatGridsWhatFollowsFromTheirPoints) {
     const ScratchFolder folder;
     WritePcm(folder / "a.pcm", 3, 2, 5.0f);
     WritePax(folder / "b.pax", 4, 4);
@@ -58,18 +58,16 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     const std::string json = out.Text();
     EXPECT_NE(json.find("none.pcm\", \"reason\": \"No such file or directory\"}"), std::string::npos) << json;
     EXPECT_NE(json.find("a.obj\", \"reason\": \"unknown file type\"}"), std::string::npos) << json;
-    // The viewer's own words, joined to one line and with the file's name in them.
-    EXPECT_NE(json.find("short.pax\", \"reason\": \"ImportPax(): "), std::string::npos) << json;
-    EXPECT_NE(json.find("damaged.pcm\", \"reason\": \"ImportScan(): "), std::string::npos) << json;
-    EXPECT_NE(json.find("; SetScanData(): "), std::string::npos) << json;
+    EXPECT_NE(json.find("short.pax\", \"reason\": \"ends before the size of its grid\"}"), std::string::npos) << json;
+    EXPECT_NE(json.find("damaged.pcm\", \"reason\": \"header is cut short at byte 1\"}"), std::string::npos) << json;
+    EXPECT_EQ(json.find("()"), std::string::npos) << "no names of functions\n" << json;
     EXPECT_NE(json.find("good.xdt\", \"index\": 0,"), std::string::npos) << json;
-    const std::string complaints = err.Text();
-    EXPECT_EQ(std::count(complaints.begin(), complaints.end(), '\n'), 4) << complaints;
-    EXPECT_NE(complaints.find("scenepane: " + (folder / "none.pcm") + ": No such file or directory\n"),
-              std::string::npos);
+    const std::string lines = err.Text();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 4) << lines;
+    EXPECT_NE(lines.find("scenepane: " + (folder / "none.pcm") + ": No such file or directory\n"), std::string::npos);
 }
 
-TEST(Info, OpensFilesWhoseNamesAreNoUtf8) {
+TEST(Info, OpensFilesWhoseNamesAreNotUtf8) {
     const ScratchFolder folder;
     WriteXdt(folder / "\xff\xe4.xdt", 2, 2);
     HostOptions options;
@@ -83,7 +81,7 @@ TEST(Info, OpensFilesWhoseNamesAreNoUtf8) {
     EXPECT_EQ(err.Text(), "");
 }
 
-TEST(Info, KeepsToSkipValueAndConfidenceLimit) {
+TEST(Info, AppliesSkipValueAndConfidenceLimit) {
     const ScratchFolder folder;
     WritePcm(folder / "all.pcm", 11, 11, 0, 0.5f);
     HostOptions options;
@@ -93,10 +91,25 @@ TEST(Info, KeepsToSkipValueAndConfidenceLimit) {
     const Printed out, err;
     EXPECT_EQ(RunInfo(options, out, err), kExitGood);
     EXPECT_NE(out.Text().find("  vertices       35\n"), std::string::npos)
-        << "6 x 6 cells, less the corner of a single pixel\n"
+        << "6 x 6 cells without the corner cell, which has a single pixel\n"
         << out.Text();
     options.import.confidence = 0.50001f;
     EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
+    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "all.pcm") + ": its valid points form no triangle\n");
+}
+
+TEST(Info, GivesADifferentReasonForEachDamageOfAPcmFile) {
+    const ScratchFolder folder;
+    const std::vector<DamagedPcm> files = WriteDamagedPcms(folder);
+    HostOptions options;
+    std::string expected;
+    for (const DamagedPcm& file : files) {
+        options.files.push_back(file.path);
+        expected += "scenepane: " + file.path + ": " + file.reason + '\n';
+    }
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
+    EXPECT_EQ(err.Text(), expected);
 }
 
 TEST(Info, PrintsTheSameInALocaleWithCommas) {
@@ -108,12 +121,12 @@ TEST(Info, PrintsTheSameInALocaleWithCommas) {
     const Printed plain, comma, err;
     EXPECT_EQ(RunInfo(options, plain, err), kExitGood);
     const CommaLocale locale;
-    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine cannot make a locale";
     EXPECT_EQ(RunInfo(options, comma, err), kExitGood);
     EXPECT_EQ(plain.Text(), comma.Text());
 }
 
-TEST(Info, FailsWhenItsTextCannotBeWritten) {
+TEST(Info, FailsWhenStandardOutputIsFull) {
     const ScratchFolder folder;
     WriteXdt(folder / "a.xdt", 2, 2);
     HostOptions options;
@@ -170,7 +183,7 @@ TEST_F(Screenshot, ShowsTwiceAsMuchAtZoomOneHalf) {
     EXPECT_EQ(png.At(61, 100), kBackground);
 }
 
-TEST_F(Screenshot, HasTheSizeThatWasAskedFor) {
+TEST_F(Screenshot, HasTheRequestedSize) {
     m_options.width = 333;
     m_options.height = 77;
     const Png png = Taken();
@@ -179,15 +192,15 @@ TEST_F(Screenshot, HasTheSizeThatWasAskedFor) {
     EXPECT_NE(png.At(166, 38), kBackground);
 }
 
-TEST_F(Screenshot, ShowsAFlatGridFromTheSideAsNothing) {
-    m_options.view = 1;  // along Y: the grid lies in z = 0
+TEST_F(Screenshot, ShowsNothingOfAFlatGridSeenFromTheSide) {
+    m_options.view = KV_ScenePane::ViewFromMinusYZUp;  // along the grid, which is in z = 0
     EXPECT_EQ(Taken().At(100, 60), kBackground);
 }
 
-TEST_F(Screenshot, UsesTheDrawMode) {
-    m_options.drawMode = 6;  // background only
+TEST_F(Screenshot, IsDrawnInTheChosenDrawMode) {
+    m_options.drawMode = KV_ScenePane::DrawModeNothing;
     EXPECT_EQ(Taken().At(100, 100), kBackground);
-    m_options.drawMode = 4;  // boxes: the outline, not the middle
+    m_options.drawMode = KV_ScenePane::DrawModeBoundingBoxes;  // the outline, not the middle
     const Png boxes = Taken();
     EXPECT_EQ(boxes.At(100, 100), kBackground);
     bool outline = false;
@@ -195,7 +208,7 @@ TEST_F(Screenshot, UsesTheDrawMode) {
     EXPECT_TRUE(outline);
 }
 
-TEST_F(Screenshot, UsesTheScanColour) {
+TEST_F(Screenshot, ShowsScansInTheChosenColour) {
     m_options.import.color = 0x0000FF;
     const unsigned red = Taken().At(100, 100);
     m_options.import.color = 0xFF0000;
@@ -204,15 +217,15 @@ TEST_F(Screenshot, UsesTheScanColour) {
     EXPECT_LT(blue >> 16, blue & 0xFF);
 }
 
-TEST_F(Screenshot, SwitchesShadowsOn) {
-    // With shadows on the viewer has no program for the per-pixel mode, and shows no object.
-    m_options.drawMode = 5;
+TEST_F(Screenshot, IsDrawnWithShadowsWhenTheyAreOn) {
+    // With shadows the viewer has no shader program for the per-pixel mode, and draws no object.
+    m_options.drawMode = KV_ScenePane::DrawModePerPixel;
     EXPECT_NE(Taken().At(100, 100), kBackground);
     m_options.shadows = true;
     EXPECT_EQ(Taken().At(100, 100), kBackground);
 }
 
-TEST_F(Screenshot, OfGoodAndBadFilesShowsTheGoodOnesAndFails) {
+TEST_F(Screenshot, ShowsTheGoodFilesAndFailsWhenOneIsBad) {
     m_options.files.push_back(m_folder / "none.pax");
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
@@ -220,7 +233,7 @@ TEST_F(Screenshot, OfGoodAndBadFilesShowsTheGoodOnesAndFails) {
     EXPECT_NE(ReadPng(m_options.picturePath).At(100, 100), kBackground);
 }
 
-TEST_F(Screenshot, OfNothingIsNotWritten) {
+TEST_F(Screenshot, IsNotWrittenWithoutAnObject) {
     m_options.files = {m_folder / "none.pax"};
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
@@ -228,7 +241,7 @@ TEST_F(Screenshot, OfNothingIsNotWritten) {
     EXPECT_NE(err.Text().find("a.png: not written, there is nothing to show\n"), std::string::npos);
 }
 
-TEST_F(Screenshot, SaysWhenThePictureCannotBeWritten) {
+TEST_F(Screenshot, ReportsAPictureThatCannotBeWritten) {
     m_options.picturePath = m_folder / "no/a.png";
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);

@@ -42,21 +42,21 @@ TEST(KeyOfCode, KnowsTheKeysThatShortcutsUse) {
     EXPECT_EQ(KeyOfCode(135), Qt::Key_F24);
 }
 
-TEST(KeyOfCode, TakesModifiersAndForeignCodesForNoKey) {
+TEST(KeyOfCode, IsUnknownForModifiersAndOtherCodes) {
     for (const int code : {-1, 0, 16, 17, 18, '0' - 1, '9' + 1, 'A' - 1, 'Z' + 1, 95, 110, 136, 255, 1 << 20})
         EXPECT_EQ(KeyOfCode(code), Qt::Key_unknown) << code;
 }
 
-TEST(HeldModifiers, CountUntilTheInputThatWaitedWithThemIsHandled) {
+TEST(HeldModifiers, CountUntilAllPendingInputIsHandled) {
     HeldModifiers held;
     EXPECT_EQ(held.With(Qt::NoModifier), Qt::NoModifier);
     EXPECT_FALSE(held.AreRemembered());
     held.Press(17);
     held.Press('S');
-    EXPECT_EQ(held.With(Qt::NoModifier), Qt::ControlModifier) << "let go before anybody looked";
+    EXPECT_EQ(held.With(Qt::NoModifier), Qt::ControlModifier) << "released before the query";
     EXPECT_EQ(held.With(Qt::ShiftModifier), Qt::ControlModifier | Qt::ShiftModifier);
     held.Settle(Qt::ControlModifier);
-    EXPECT_EQ(held.With(Qt::NoModifier), Qt::ControlModifier) << "held over from the time before";
+    EXPECT_EQ(held.With(Qt::NoModifier), Qt::ControlModifier) << "still held";
     held.Settle(Qt::NoModifier);
     EXPECT_FALSE(held.AreRemembered());
     EXPECT_EQ(held.With(Qt::NoModifier), Qt::NoModifier);
@@ -76,10 +76,10 @@ TEST(ActionOfKey, FindsTheActionWithExactlyTheseModifiers) {
     EXPECT_EQ(ActionOfKey(actions.list, 'S', Qt::AltModifier), nullptr);
     EXPECT_EQ(ActionOfKey(actions.list, 'S', Qt::ShiftModifier), nullptr);
     EXPECT_EQ(ActionOfKey(actions.list, 'T', Qt::NoModifier), nullptr);
-    EXPECT_EQ(ActionOfKey(actions.list, 'S', Qt::KeypadModifier), plain) << "the number pad makes no other key";
+    EXPECT_EQ(ActionOfKey(actions.list, 'S', Qt::KeypadModifier), plain) << "a digit of the number pad is the same key";
 }
 
-TEST(ActionOfKey, TakesTheShortcutsOfAStandardKeyToo) {
+TEST(ActionOfKey, FindsTheShortcutsOfAStandardKey) {
     Actions actions;
     QAction* const open = actions.Add(QKeySequence::Open);
     EXPECT_EQ(ActionOfKey(actions.list, 'O', Qt::ControlModifier), open);
@@ -87,7 +87,7 @@ TEST(ActionOfKey, TakesTheShortcutsOfAStandardKeyToo) {
     EXPECT_EQ(ActionOfKey(actions.list, 'R', Qt::ControlModifier), open) << "the second one";
 }
 
-TEST(ActionOfKey, LeavesOutWhatCannotBeMeant) {
+TEST(ActionOfKey, IgnoresDisabledActionsAndThoseOfOneWidget) {
     Actions actions;
     QAction* const disabled = actions.Add(QKeySequence(Qt::Key_L));
     disabled->setEnabled(false);

@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST(LogoImage, HasBlueGreenRedAlphaFromTheTopLeft) {
+TEST(LogoImage, IsBlueGreenRedAlphaFromTheTopLeft) {
     QImage image(2, 2, QImage::Format_ARGB32);
     image.setPixel(0, 0, qRgba(1, 2, 3, 4));
     image.setPixel(1, 0, qRgba(250, 0, 0, 255));
@@ -22,7 +22,7 @@ TEST(LogoImage, HasBlueGreenRedAlphaFromTheTopLeft) {
     EXPECT_EQ(logo.bytes, (std::vector<std::uint8_t>{3, 2, 1, 4, 0, 0, 250, 255, 0, 250, 0, 128, 250, 0, 0, 0}));
 }
 
-TEST(LogoImage, IsOpaqueForAnImageWithoutAlphaWhateverItsFormat) {
+TEST(LogoImage, IsOpaqueForAnImageWithoutAlphaInAnyFormat) {
     QImage image(3, 1, QImage::Format_RGB888);  // rows of 3 x 3 bytes, padded
     image.fill(qRgb(10, 20, 30));
     EXPECT_EQ(LogoOfImage(image).bytes, (std::vector<std::uint8_t>{30, 20, 10, 255, 30, 20, 10, 255, 30, 20, 10, 255}));
@@ -44,7 +44,7 @@ TEST(LogoImage, IsReadFromAFile) {
     EXPECT_EQ(logo->bytes, (std::vector<std::uint8_t>{0, 0, 255, 255, 255, 0, 0, 7}));
 }
 
-TEST(LogoImage, SaysWhyAFileIsNone) {
+TEST(LogoImage, ReportsWhyAFileCannotBeRead) {
     const ScratchFolder folder;
     const auto reasonOf = [&](const std::string& path) {
         QString reason;
@@ -55,7 +55,7 @@ TEST(LogoImage, SaysWhyAFileIsNone) {
     WriteBytes(folder / "text.png", {std::byte{'a'}, std::byte{'b'}});
     EXPECT_NE(reasonOf(folder / "text.png"), "");
     EXPECT_NE(reasonOf(folder.Path().string()), "") << "a folder";
-    // A header alone announces 100000 x 100000 pixels: refused before memory is taken.
+    // A header alone announces 100000 x 100000 pixels: refused before memory is allocated.
     std::vector<std::byte> huge;
     for (const int byte : {0x89, 0x50, 0x4e, 0x47, 0xd,  0xa, 0x1a, 0xa,  0,    0,    0,    0xd,  0x49, 0x48, 0x44,
                            0x52, 0,    1,    0x86, 0xa0, 0,   1,    0x86, 0xa0, 8,    6,    0,    0,    0,    0xa8,
@@ -70,7 +70,7 @@ TEST(LogoImage, SaysWhyAFileIsNone) {
     EXPECT_TRUE(LoadLogo(QString::fromStdString(folder / "fits.png"), &reason).has_value());
 }
 
-TEST(LogoImage, IsOfferedInTheFormatsThatCanBeReadHere) {
+TEST(LogoImage, IsOfferedInTheFormatsThatQtCanRead) {
     const QStringList filters = LogoFileFilter().split(";;");
     ASSERT_EQ(filters.size(), 2);
     EXPECT_EQ(filters[1], "All files (*)");

@@ -64,11 +64,11 @@ protected:
         }
         return box;
     }
-    /// RRGGBB of the picture that Drawn() took.
+    /// 0xRRGGBB of the picture that Drawn() captured.
     [[nodiscard]] std::uint32_t At(int x, int y) const {
         return m_picture.pixels.at(static_cast<std::size_t>(y * 100 + x)) & 0xFFFFFF;
     }
-    /// How many overlays the viewer has: the index of one more. It is of one transparent pixel.
+    /// The number of overlays in the viewer: the index of another one, of one transparent pixel.
     [[nodiscard]] int CountOverlays() {
         const std::uint8_t pixel[4] = {0, 0, 0, 0};
         return m_pane->Methods().AddOverlayData(pixel, 1, 1, 0, 0, 0, 0, 0, 0);
@@ -80,7 +80,7 @@ protected:
     KV_ScenePane::Picture m_picture;
 };
 
-TEST_F(LogoOverlayTest, StandsUprightAtItsPlace) {
+TEST_F(LogoOverlayTest, IsDrawnUprightAtItsPlace) {
     LogoOverlay logo;
     logo.SetPlace(LogoAnchor::BottomRight, 10);
     logo.SetImage(m_image);
@@ -90,7 +90,7 @@ TEST_F(LogoOverlayTest, StandsUprightAtItsPlace) {
     EXPECT_EQ(At(89, 49), 0x00FF00u);
 }
 
-TEST_F(LogoOverlayTest, MovesWithoutLeavingACopyBehind) {
+TEST_F(LogoOverlayTest, MovesWithoutACopyAtTheFormerPlace) {
     LogoOverlay logo;
     logo.SetViewer(&m_pane->Methods());
     logo.SetImage(m_image);
@@ -102,11 +102,11 @@ TEST_F(LogoOverlayTest, MovesWithoutLeavingACopyBehind) {
     EXPECT_EQ(Drawn(), (std::array<int, 4>{47, 28, 53, 32}));
 }
 
-TEST_F(LogoOverlayTest, TakesAnOverlayAgainThatItHadAtThatPlace) {
+TEST_F(LogoOverlayTest, UsesTheOverlayOfAnEarlierPlaceAgain) {
     LogoOverlay logo;
     logo.SetViewer(&m_pane->Methods());
     logo.SetImage(m_image);  // the first overlay
-    for (int round = 0; round < 3; ++round) {
+    for (int repeat = 0; repeat < 3; ++repeat) {
         logo.SetPlace(LogoAnchor::TopLeft, 1);
         logo.SetPlace(LogoAnchor::TopRight, 1);
         for (int margin = 0; margin < 5; ++margin) logo.SetPlace(LogoAnchor::Centre, margin);
@@ -127,7 +127,7 @@ TEST_F(LogoOverlayTest, HidesAndShowsWithoutAnotherOverlay) {
     EXPECT_EQ(CountOverlays(), 1);
 }
 
-TEST_F(LogoOverlayTest, HiddenIsPlacedWhenItIsShownAgain) {
+TEST_F(LogoOverlayTest, IsAtTheNewPlaceWhenItWasMovedWhileHidden) {
     LogoOverlay logo;
     logo.SetViewer(&m_pane->Methods());
     logo.SetImage(m_image);
@@ -138,7 +138,7 @@ TEST_F(LogoOverlayTest, HiddenIsPlacedWhenItIsShownAgain) {
     EXPECT_EQ(Drawn(), (std::array<int, 4>{47, 3, 53, 7}));
 }
 
-TEST_F(LogoOverlayTest, AnotherImageTakesThePlaceOfTheFirst) {
+TEST_F(LogoOverlayTest, ReplacesTheImageByAnother) {
     LogoOverlay logo;
     logo.SetViewer(&m_pane->Methods());
     logo.SetPlace(LogoAnchor::TopLeft, 0);

@@ -1,8 +1,9 @@
-// A host window on the test's own X server, and what its parts show.
+// A host window on the X server of the test program, and access to its parts.
 #pragma once
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QWindow>
 #include <array>
 #include <memory>
 #include <stdexcept>
@@ -17,18 +18,28 @@
 #include "host/QtUnderXvfb.h"
 #include "host/ScanFiles.h"
 
-inline constexpr std::uint32_t kBackground = 0x191932;  // of the viewer, red first
+inline constexpr std::uint32_t kBackground = 0x191932;  // of the viewer, 0xRRGGBB
 
 class MainWindowFixture : public testing::Test {
 protected:
+    // Throwing and not ASSERT_TRUE(): an assertion in a helper ends the helper only, and the test would go on with a
+    // window that has no viewer.
+
+    /// Shows a new window and waits until it has a viewer, its panels know the viewer, and the window is on the screen.
+    /// @throws std::runtime_error with what the window says instead
     void Show(const HostOptions& options = {}) {
         m_window = std::make_unique<MainWindow>(options);
         m_window->show();
-        // The panes learn of the viewer a little later than it is there.
-        ASSERT_TRUE(WaitUntil([&] { return m_window->Pane() != nullptr && m_window->Logo().isEnabled(); }));
+        const auto isReady = [&] {
+            // The panels are given the viewer later than it is created, by a queued call.
+            return m_window->Pane() != nullptr && m_window->Logo().isEnabled() && m_window->windowHandle()->isExposed();
+        };
+        if (!WaitUntil(isReady)) throw std::runtime_error("the window has no viewer: " + Messages());
     }
+    /// @throws std::runtime_error
     void WaitForImports() {
-        ASSERT_TRUE(WaitUntil([&] { return !m_window->IsImporting(); }));
+        if (!WaitUntil([&] { return !m_window->IsImporting(); }))
+            throw std::runtime_error("the import does not end: " + Messages());
     }
     void Import(const std::vector<std::string>& files) {
         m_window->OpenFiles(files);
@@ -42,18 +53,19 @@ protected:
         return names;
     }
     [[nodiscard]] std::string Messages() const { return m_window->Messages().toPlainText().toStdString(); }
-    [[nodiscard]] KV_ScenePane::Picture Taken() const {
+    /// A frame that is drawn now, whatever repaints are queued. @throws std::runtime_error
+    [[nodiscard]] KV_ScenePane::Picture DrawFrame() const {
         KV_ScenePane::Picture picture;
-        EXPECT_TRUE(m_window->Pane()->CapturePicture(&picture));
+        if (!m_window->Pane()->CapturePicture(&picture)) throw std::runtime_error("the viewer draws no frame");
         return picture;
     }
-    /// The colour in the middle of the viewer, red first.
+    /// The colour in the middle of a frame that is drawn now, 0xRRGGBB.
     [[nodiscard]] std::uint32_t MiddlePixel() const {
-        const KV_ScenePane::Picture picture = Taken();
+        const KV_ScenePane::Picture picture = DrawFrame();
         const auto middle = static_cast<std::size_t>((picture.height / 2) * picture.width + picture.width / 2);
         return picture.pixels.at(middle) & 0xFFFFFF;
     }
-    /// Files 0.pcm, 1.pcm ...
+    /// Writes scans 0.pcm, 1.pcm ... @return their paths
     [[nodiscard]] std::vector<std::string> ManyPcms(int count) const {
         std::vector<std::string> files;
         for (int i = 0; i < count; ++i) {
@@ -66,19 +78,19 @@ protected:
     template <class Part>
     [[nodiscard]] Part& Find(const QString& name) const {
         auto* const part = m_window->findChild<Part*>(name);
-        if (part == nullptr) throw std::runtime_error("there is no " + name.toStdString());
+        if (part == nullptr) throw std::runtime_error("the window has no part with the name " + name.toStdString());
         return *part;
     }
     [[nodiscard]] KV_ScenePane::_DKV_ScenePane& Methods() const { return m_window->Pane()->Methods(); }
-    /// The action of the menus with that text, its mnemonic left out.
+    /// The action of the menus with this text, without the & of its mnemonic.
     [[nodiscard]] QAction& MenuAction(const QString& text) const {
         for (QAction* const action : m_window->findChildren<QAction*>()) {
             if (action->text().remove('&') == text) return *action;
         }
-        throw std::runtime_error("no menu has " + text.toStdString());
+        throw std::runtime_error("no menu has the action " + text.toStdString());
     }
     void Trigger(const QString& text) const { MenuAction(text).trigger(); }
-    /// Axes to the screen's right and top, centre and magnification of the view.
+    /// The view: axes to the right and to the top of the screen, centre, magnification.
     [[nodiscard]] std::array<float, 10> View() const {
         std::array<float, 10> v{};
         m_window->Pane()->Methods().GetViewParams(&v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6], &v[7], &v[8], &v[9]);

@@ -1,4 +1,4 @@
-// A real pointer and real keys on the viewer inside the host's window.
+// Pointer and keys of the X server on the viewer inside the host's window.
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
@@ -8,8 +8,10 @@
 #include <cstdlib>
 #include <numbers>
 
+#include "EventPane.h"
 #include "ViewerWidget.h"
 #include "host/MainWindowFixture.h"
+#include "host/XFocus.h"
 
 namespace {
 
@@ -27,12 +29,31 @@ protected:
     [[nodiscard]] QPoint Middle() const { return m_viewer->mapToGlobal(m_viewer->rect().center()); }
     [[nodiscard]] int ShorterSide() const { return std::min(m_viewer->width(), m_viewer->height()); }
 
-    /// Drags from the viewer's middle, where no drag rolls. The press lies long enough behind for the delayed scheme.
-    void Drag(const std::string& button, const QPoint& by) const {
-        Xdotool("mousemove " + At(Middle()) + " mousedown " + button);
+    /// Waits until the viewer has the keyboard: it requests it when it handles a press of the mouse.
+    void WaitForViewerFocus() const {
+        ASSERT_TRUE(WaitUntil([&] { return FocusedWindow() == m_window->Pane()->NativeWindow(); }));
+    }
+    /// Waits until the viewer has handled all input so far, by a key that does nothing: events of one window are
+    /// handled in their order. The viewer must have been pressed before, for the keyboard.
+    void WaitForInput() const {
+        WaitForViewerFocus();
+        const auto countKeys = [&] { return m_window->Events().Text().count("CustomKeyDown(nChar = 123,"); };
+        const auto before = countKeys();
+        Xdotool("key F12");
+        ASSERT_TRUE(WaitUntil([&] { return countKeys() > before; }));
+    }
+    /// Waits until the viewer has acted on a press in the delayed scheme: it waits 0.1 s for a second button.
+    void WaitForDelayedPress() const {
+        WaitForInput();  // the 0.1 s have begun
         QElapsedTimer timer;
         timer.start();
-        (void)WaitUntil([&] { return timer.elapsed() > 300; });
+        ASSERT_TRUE(WaitUntil([&] { return timer.elapsed() > 110; }));
+        m_window->Pane()->ProcessEvents();  // the timer of the press has expired: this is its turn at the latest
+    }
+    /// Drags from the viewer's middle, where no drag rolls the view.
+    void Drag(const std::string& button, const QPoint& by) const {
+        Xdotool("mousemove " + At(Middle()) + " mousedown " + button);
+        WaitForDelayedPress();
         Xdotool("mousemove " + At(Middle() + by) + " mouseup " + button);
     }
     /// Waits until the view has these axes to the right and up, and this centre.
@@ -46,15 +67,8 @@ protected:
         };
         if (WaitUntil(matches)) return;
         for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(View()[i], expected[i], 1e-5) << i;
-        FAIL() << "the view did not come to what was expected";
+        FAIL() << "the view is another one";
     }
-    /// Lets all input arrive that is under way.
-    void Settle() const {
-        QElapsedTimer timer;
-        timer.start();
-        (void)WaitUntil([&] { return timer.elapsed() > 400; });
-    }
-
     static constexpr std::array<double, 9> kStart{1, 0, 0, 0, 1, 0, 0, 0, 0};
     ViewerWidget* m_viewer = nullptr;
 };
@@ -92,7 +106,7 @@ TEST_F(MainWindowInput, MovesTheSceneWithThePointerWhenTheButtonsAreFlipped) {
 TEST_F(MainWindowInput, TurnsWithTheRightButtonInTheDelayedScheme) {
     Trigger("Delayed: right turns, both move, left picks");
     Drag("1", {90, 0});
-    Settle();
+    WaitForInput();
     ExpectView(kStart);
     const int way = ShorterSide() / 3;
     const double angle = std::numbers::pi * way / ShorterSide();
@@ -107,7 +121,7 @@ TEST_F(MainWindowInput, LeavesTheViewAloneWhileTheMouseMovesNothing) {
     Trigger("Mouse moves the scene");
     Drag("1", {90, 20});
     Xdotool("click 4");
-    Settle();
+    WaitForInput();
     ExpectView(kStart);
     EXPECT_EQ(View()[9], 1.0f);
     Trigger("Mouse moves the scene");
@@ -123,7 +137,7 @@ TEST_F(MainWindowInput, ZoomsByTheWheel) {
 TEST_F(MainWindowInput, RunsShortcutsWhileTheViewerHasTheKeyboard) {
     // The click gives the viewer's window the keyboard; then the pointer leaves it, so that keys come by focus alone.
     Xdotool("mousemove " + At(Middle()) + " click 1");
-    Settle();
+    WaitForViewerFocus();
     Xdotool("mousemove " + At(m_window->mapToGlobal(QPoint(200, 5))) + " key 3");
     ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
     Xdotool("key ctrl+4");
@@ -132,7 +146,7 @@ TEST_F(MainWindowInput, RunsShortcutsWhileTheViewerHasTheKeyboard) {
 
 TEST_F(MainWindowInput, GivesTheKeyboardBackToAFieldThatIsClicked) {
     Xdotool("mousemove " + At(Middle()) + " click 1");
-    Settle();
+    WaitForViewerFocus();
     auto* const field = m_window->findChild<QSpinBox*>("arrowAngleNumber");
     field->selectAll();
     Xdotool("mousemove " + At(field->mapToGlobal(QPoint(12, field->height() / 2))) + " click 1");
@@ -189,7 +203,7 @@ TEST_F(MainWindowTyping, ChangesTheViewOnceTheViewerWasClickedInstead) {
     slider.setFocus();
     ASSERT_TRUE(WaitUntil([&] { return slider.hasFocus(); }));
     Xdotool("mousemove " + At(Middle()) + " click 1");
-    Settle();
+    WaitForViewerFocus();
     Xdotool("mousemove " + At(OverNothing()) + " key 3");
     ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
 }

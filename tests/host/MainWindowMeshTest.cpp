@@ -1,4 +1,4 @@
-// Mesh files in the window: opened by every way there is, refused in one line, exported.
+// Mesh files in the window: opened in every way, refused in one line, exported.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -19,8 +19,10 @@ namespace {
 
 class MainWindowMesh : public MainWindowFixture {
 protected:
-    /// Answers the dialog that the menu opens. @param name  typed into it; empty leaves what the dialog proposes
-    /// @return the proposal
+    /// Answers the dialog that the menu opens.
+    /// @param name    typed into it; empty keeps the name that the dialog proposes
+    /// @param filter  chosen in it; empty keeps the first one
+    /// @return the proposed name
     QString Export(const std::string& name, const QString& filter = {}) const {
         QString proposal;
         const DialogAnswer<QFileDialog> answer([&](QFileDialog& dialog) {
@@ -37,13 +39,13 @@ protected:
             if (dialog.isVisible()) dialog.reject();  // the file was not to be overwritten
         });
         Trigger("Export selected object...");
-        EXPECT_TRUE(answer.Came());
+        EXPECT_TRUE(answer.WasShown());
         return proposal;
     }
     void Select(int row) const { m_window->Objects().setCurrentItem(m_window->Objects().topLevelItem(row)); }
 };
 
-TEST_F(MainWindowMesh, OpensAllFormatsBesideScansInTheirOrder) {
+TEST_F(MainWindowMesh, OpensAllFormatsAndScansInTheirOrder) {
     Show();
     WriteText(m_folder / "a.ply", TetraPlyText());
     WritePcm(m_folder / "b.pcm", 3, 2);
@@ -64,7 +66,7 @@ TEST_F(MainWindowMesh, OpensAllFormatsBesideScansInTheirOrder) {
     }
 }
 
-TEST_F(MainWindowMesh, NamesAnObjectWithoutANameByItsFileAlsoBehindOneThatAddedNothing) {
+TEST_F(MainWindowMesh, NamesAnObjectWithoutANameByItsFileAlsoAfterAFileThatAddedNothing) {
     Show();
     WriteText(m_folder / "bad.ply", "no mesh at all");
     WriteStl(m_folder / "good.stl");
@@ -77,7 +79,7 @@ TEST_F(MainWindowMesh, ShowsAMeshFittedIntoTheWindow) {
     WriteStl(m_folder / "a.stl");
     HostOptions options;
     options.files = {m_folder / "a.stl"};
-    options.view = 6;  // a corner of the tetrahedron in the middle
+    options.view = KV_ScenePane::ViewObliqueZUp;  // a corner of the tetrahedron is in the middle
     Show(options);
     ASSERT_TRUE(WaitUntil([&] { return !Rows().empty(); }));
     EXPECT_NE(MiddlePixel(), kBackground);
@@ -107,14 +109,14 @@ TEST_F(MainWindowMesh, OffersMeshesAndScansInItsDialog) {
         static_cast<QDialog&>(dialog).accept();
     });
     Trigger("Open...");
-    ASSERT_TRUE(answer.Came());
+    ASSERT_TRUE(answer.WasShown());
     for (const char* const type : {"*.pcm", "*.pax", "*.xdt", "*.ply", "*.stl", "*.hps", "*.ois", "*.msh"})
         EXPECT_TRUE(filters.value(0).contains(type)) << type;
     WaitForImports();
     EXPECT_EQ(Rows(), std::vector<std::string>{"a.stl"});
 }
 
-TEST_F(MainWindowMesh, TellsWhyAFileAddedNothingInOneLineAndKeepsTheScene) {
+TEST_F(MainWindowMesh, ReportsAFileThatAddedNothingInOneLineAndKeepsTheScene) {
     Show();
     WriteStl(m_folder / "good.stl");
     WriteText(m_folder / "quads.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n");
@@ -166,7 +168,7 @@ TEST_F(MainWindowMesh, ExportsTheOnlyObjectWithoutASelection) {
     EXPECT_EQ(Messages(), (m_folder / "out.hps") + ": export of a.stl");
 }
 
-TEST_F(MainWindowMesh, AsksForASelectionAmongSeveralObjects) {
+TEST_F(MainWindowMesh, AsksToSelectOneOfSeveralObjects) {
     Show();
     Trigger("Export selected object...");
     EXPECT_EQ(Messages(), "Nothing exported: there is no object.");
@@ -190,7 +192,7 @@ TEST_F(MainWindowMesh, ProposesTheObjectsNameWithTheExtensionOfTheFilter) {
     EXPECT_EQ(Export(m_folder / "3.ply", "HPS meshes (*.hps)"), "b.hps");
 }
 
-TEST_F(MainWindowMesh, GivesAnExportTheExtensionThatItsNameLacks) {
+TEST_F(MainWindowMesh, AddsTheExtensionOfTheFilterToANameWithoutOne) {
     Show();
     WriteStl(m_folder / "a.stl");
     Import({m_folder / "a.stl"});
@@ -198,7 +200,7 @@ TEST_F(MainWindowMesh, GivesAnExportTheExtensionThatItsNameLacks) {
     EXPECT_EQ(Messages(), (m_folder / "out.stl") + ": export of a.stl");
 }
 
-TEST_F(MainWindowMesh, RefusesToExportAnUnknownExtensionInWords) {
+TEST_F(MainWindowMesh, ReportsAnExportToAnUnknownExtension) {
     Show();
     WriteStl(m_folder / "a.stl");
     Import({m_folder / "a.stl"});
@@ -207,7 +209,7 @@ TEST_F(MainWindowMesh, RefusesToExportAnUnknownExtensionInWords) {
     EXPECT_EQ(m_folder.FileCount(), 1u);
 }
 
-TEST_F(MainWindowMesh, TellsWhyAnExportWasNotWritten) {
+TEST_F(MainWindowMesh, ReportsAnExportThatCannotBeWritten) {
     Show();
     WriteStl(m_folder / "a.stl");
     Import({m_folder / "a.stl"});
@@ -229,11 +231,11 @@ TEST_F(MainWindowMesh, AsksBeforeAnExportOverwritesAFile) {
     Import({m_folder / "a.stl"});
     const DialogAnswer<QMessageBox> question([](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
     (void)Export(m_folder / "out.ply");
-    EXPECT_TRUE(question.Came());
+    EXPECT_TRUE(question.WasShown());
     EXPECT_EQ(ReadBytes(m_folder / "out.ply").size(), 3u);
 }
 
-TEST_F(MainWindowMesh, ExportsByItsShortcutAndNotDuringAnImport) {
+TEST_F(MainWindowMesh, ExportsByItsShortcutButNotDuringAnImport) {
     Show();
     QAction& action = MenuAction("Export selected object...");
     EXPECT_EQ(action.shortcut(), QKeySequence(Qt::CTRL | Qt::Key_E));
@@ -244,7 +246,7 @@ TEST_F(MainWindowMesh, ExportsByItsShortcutAndNotDuringAnImport) {
     EXPECT_TRUE(action.isEnabled());
 }
 
-TEST_F(MainWindowMesh, IsNotExportedOutsideTheList) {
+TEST_F(MainWindowMesh, ExportsNothingForAnIndexOutsideTheList) {
     Show();
     EXPECT_FALSE(m_window->ExportObjectTo(0, m_folder / "out.ply"));
     EXPECT_FALSE(m_window->ExportObjectTo(-1, m_folder / "out.ply"));

@@ -1,4 +1,4 @@
-// Saving a screenshot: its file, its question for a name, and what is told of it.
+// Saving a screenshot: the file, the dialog for its name, and the messages about it.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -15,10 +15,10 @@
 #include "host/MainWindowFixture.h"
 #include "host/ModalDialogs.h"
 
-// The address sanitizer has operators of its own, which must not be mixed with these.
+// The address sanitizer replaces the same operators.
 #ifndef __SANITIZE_ADDRESS__
 namespace {
-// Requests of at least so many bytes are refused.
+// Allocations of at least this many bytes fail.
 std::size_t g_refusedBytes = SIZE_MAX;
 }  // namespace
 
@@ -46,12 +46,12 @@ protected:
             if (dialog.isVisible()) dialog.reject();  // the file was not to be overwritten
         });
         Trigger("Save screenshot...");
-        EXPECT_TRUE(answer.Came());
+        EXPECT_TRUE(answer.WasShown());
         return title;
     }
 };
 
-TEST_F(MainWindowScreenShot, HasItsOwnSizeWhateverThatOfTheWindow) {
+TEST_F(MainWindowScreenShot, HasAFixedSizeWhateverTheSizeOfTheWindow) {
     const std::string path = m_folder / "shot.png";
     EXPECT_TRUE(m_window->SaveScreenShot(path));
     const QImage image(QString::fromStdString(path));
@@ -59,19 +59,19 @@ TEST_F(MainWindowScreenShot, HasItsOwnSizeWhateverThatOfTheWindow) {
     EXPECT_EQ(image.pixel(0, 0) & 0xFFFFFF, kBackground);
 }
 
-TEST_F(MainWindowScreenShot, IsToldOfAmongTheMessages) {
+TEST_F(MainWindowScreenShot, AddsAMessage) {
     const std::string path = m_folder / "shot.png";
     EXPECT_TRUE(m_window->SaveScreenShot(path));
     EXPECT_EQ(Messages(), path + ": screenshot of 2048 x 2048 pixels");
 }
 
-TEST_F(MainWindowScreenShot, TellsWhyItWasNotSaved) {
+TEST_F(MainWindowScreenShot, ReportsAFileThatCannotBeWritten) {
     EXPECT_FALSE(m_window->SaveScreenShot(m_folder / "no/shot.png"));
     EXPECT_NE(Messages().find("no/shot.png: not written: No such file or directory"), std::string::npos) << Messages();
 }
 
 #ifndef __SANITIZE_ADDRESS__
-TEST_F(MainWindowScreenShot, TellsWhenItsMemoryIsRefused) {
+TEST_F(MainWindowScreenShot, ReportsExhaustedMemory) {
     const std::string path = m_folder / "shot.png";
     bool saved = true;
     g_refusedBytes = 2048 * 2048;
@@ -79,11 +79,11 @@ TEST_F(MainWindowScreenShot, TellsWhenItsMemoryIsRefused) {
     g_refusedBytes = SIZE_MAX;
     EXPECT_FALSE(saved);
     EXPECT_EQ(Messages(), path + ": not written: there is not enough memory");
-    EXPECT_TRUE(m_window->SaveScreenShot(path)) << "and the next one works as ever";
+    EXPECT_TRUE(m_window->SaveScreenShot(path)) << "the next one works as usual";
 }
 #endif
 
-TEST_F(MainWindowScreenShot, GetsTheSuffixThatItsNameLacks) {
+TEST_F(MainWindowScreenShot, AddsTheSuffixToANameWithoutOne) {
     (void)SaveAs(m_folder / "shot");
     EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(m_folder / "shot")));
     EXPECT_EQ(QImage(QString::fromStdString(m_folder / "shot.png")).size(), QSize(2048, 2048));
@@ -94,12 +94,12 @@ TEST_F(MainWindowScreenShot, AsksBeforeItOverwritesTheFileOfTheFullName) {
     std::ofstream(path) << "old";
     const DialogAnswer<QMessageBox> question([](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
     (void)SaveAs(m_folder / "shot");
-    EXPECT_TRUE(question.Came());
+    EXPECT_TRUE(question.WasShown());
     EXPECT_EQ(QFileInfo(QString::fromStdString(path)).size(), 3);
     EXPECT_EQ(Messages(), "");
 }
 
-TEST_F(MainWindowScreenShot, SaysBeforehandWhatItShows) {
+TEST_F(MainWindowScreenShot, ExplainsInTipAndTitleWhatThePictureShows) {
     const QString title = SaveAs(m_folder / "shot");
     const QString tip = MenuAction("Save screenshot...").statusTip();
     for (const char* const word : {"whole scene", "2048 x 2048", "shaded", "without axes, cross, arrow and logo"}) {

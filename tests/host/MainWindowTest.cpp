@@ -21,18 +21,18 @@ using MainWindowTest = MainWindowFixture;
 TEST_F(MainWindowTest, EmbedsTheViewerAtTheSizeOfItsWidget) {
     Show();
     auto* const widget = m_window->findChild<ViewerWidget*>();
-    KV_ScenePane::Picture picture;
-    ASSERT_TRUE(m_window->Pane()->CapturePicture(&picture));
-    EXPECT_EQ(picture.width, widget->width());
-    EXPECT_EQ(picture.height, widget->height());
+    const QSize before = widget->size();
+    const auto pictureSize = [&] {
+        const KV_ScenePane::Picture picture = DrawFrame();
+        return QSize(picture.width, picture.height);
+    };
+    EXPECT_EQ(pictureSize(), before);
     m_window->resize(m_window->width() - 70, m_window->height() - 31);
-    ASSERT_TRUE(WaitUntil([&] { return widget->width() != picture.width; }));
-    ASSERT_TRUE(m_window->Pane()->CapturePicture(&picture));
-    EXPECT_EQ(picture.width, widget->width());
-    EXPECT_EQ(picture.height, widget->height());
+    ASSERT_TRUE(WaitUntil([&] { return widget->width() != before.width() && widget->height() != before.height(); }));
+    EXPECT_EQ(pictureSize(), widget->size());
 }
 
-TEST_F(MainWindowTest, OpensFilesInTheirOrderWhateverTheirKind) {
+TEST_F(MainWindowTest, OpensFilesOfAllKindsInTheirOrder) {
     Show();
     WritePcm(m_folder / "a.pcm", 40, 40);
     WritePcm(m_folder / "b.pcm", 3, 2);
@@ -50,22 +50,22 @@ TEST_F(MainWindowTest, OpensFilesInTheirOrderWhateverTheirKind) {
     EXPECT_EQ(row.text(ObjectList::kBox), "x 0 … 3, y 0 … 2, z -0.01 … 0.01");
 }
 
-TEST_F(MainWindowTest, OpensTheFilesOfItsOptionsAsTheySay) {
+TEST_F(MainWindowTest, OpensTheFilesOfItsOptionsWithTheirSettings) {
     WritePcm(m_folder / "a.pcm", 11, 11);
     HostOptions options;
     options.files = {m_folder / "a.pcm"};
     options.import.skip = 2;
     options.import.color = 0x0000FF;
-    options.drawMode = 1;
-    options.view = 7;
+    options.drawMode = KV_ScenePane::DrawModeWireframe;
+    options.view = KV_ScenePane::ViewFromMinusZYUp;
     options.zoom = 2.0f;
     Show(options);
     ASSERT_TRUE(WaitUntil([&] { return !Rows().empty(); }));
     KV_ScenePane::_DKV_ScenePane& methods = m_window->Pane()->Methods();
     EXPECT_EQ(m_window->Objects().topLevelItem(0)->text(ObjectList::kVertices),
-              "35");  // 6 x 6 cells of 2 x 2 pixels, less the corner of a single pixel
+              "35");  // 6 x 6 cells of 2 x 2 pixels without the corner cell, which has a single pixel
     EXPECT_EQ(methods.GetObjectColor(0), 0x0000FF);
-    EXPECT_EQ(methods.GetDrawMode(), 1);
+    EXPECT_EQ(methods.GetDrawMode(), KV_ScenePane::DrawModeWireframe);
     float right[3], up[3], center[3], zoom = 0;
     methods.GetViewParams(&right[0], &right[1], &right[2], &up[0], &up[1], &up[2], &center[0], &center[1], &center[2],
                           &zoom);
@@ -75,7 +75,7 @@ TEST_F(MainWindowTest, OpensTheFilesOfItsOptionsAsTheySay) {
     EXPECT_EQ(zoom, 2.0f);
 }
 
-TEST_F(MainWindowTest, TellsOfEveryFileThatAddedNothing) {
+TEST_F(MainWindowTest, ReportsEveryFileThatAddedNothing) {
     Show();
     WriteBytes(m_folder / "damaged.pcm", {std::byte{1}});
     WriteBytes(m_folder / "short.pax", {std::byte{1}});
@@ -86,10 +86,29 @@ TEST_F(MainWindowTest, TellsOfEveryFileThatAddedNothing) {
     EXPECT_EQ(Rows(), std::vector<std::string>{"good.xdt"});
     const std::string messages = Messages();
     EXPECT_NE(messages.find("none.pcm: nothing added: No such file or directory"), std::string::npos) << messages;
-    EXPECT_NE(messages.find("damaged.pcm: nothing added: not a pcm file, or a damaged one"), std::string::npos);
-    EXPECT_NE(messages.find("short.pax: nothing added: ImportPax(): "), std::string::npos) << messages;
+    EXPECT_NE(messages.find("damaged.pcm: nothing added: header is cut short at byte 1"), std::string::npos);
+    EXPECT_NE(messages.find("short.pax: nothing added: ends before the size of its grid"), std::string::npos)
+        << messages;
     EXPECT_NE(messages.find("foreign.obj: nothing added: unknown file type"), std::string::npos) << messages;
     EXPECT_FALSE(m_window->HaveAllFilesAdded());
+}
+
+TEST_F(MainWindowTest, ShowsADifferentReasonForEachDamageOfAPcmFile) {
+    Show();
+    std::vector<std::string> files, failures;
+    std::string messages;
+    const std::vector<DamagedPcm> damaged = WriteDamagedPcms(m_folder);
+    for (const DamagedPcm& file : damaged) {
+        files.push_back(file.path);
+        messages += (messages.empty() ? "" : "\n") + file.path + ": nothing added: " + file.reason;
+    }
+    // The command line prints these, so that it has the same reasons.
+    QObject::connect(m_window.get(), &MainWindow::FileFailed,
+                     [&](const std::string& file, const std::string& reason) { failures.push_back(file + reason); });
+    Import(files);
+    EXPECT_EQ(Messages(), messages);
+    ASSERT_EQ(failures.size(), damaged.size());
+    for (std::size_t i = 0; i < damaged.size(); ++i) EXPECT_EQ(failures[i], damaged[i].path + damaged[i].reason);
 }
 
 TEST_F(MainWindowTest, ShowsWhatTheViewerWritesToTheDebuggerOutput) {
@@ -146,9 +165,9 @@ TEST_F(MainWindowTest, FollowsItsMenus) {
     Import({m_folder / "a.xdt"});
     KV_ScenePane::_DKV_ScenePane& methods = m_window->Pane()->Methods();
     Trigger("Wireframe");
-    EXPECT_EQ(methods.GetDrawMode(), 1);
+    EXPECT_EQ(methods.GetDrawMode(), KV_ScenePane::DrawModeWireframe);
     Trigger("Lit per pixel");
-    EXPECT_EQ(methods.GetDrawMode(), 5);
+    EXPECT_EQ(methods.GetDrawMode(), KV_ScenePane::DrawModePerPixel);
     Trigger("Shadows");
     EXPECT_EQ(methods.GetShadowMode(), 1);
     Trigger("Shadows");
@@ -169,8 +188,7 @@ TEST_F(MainWindowTest, FollowsItsMenus) {
 TEST_F(MainWindowTest, ShowsTheBackgroundColoursAtTheirCorners) {
     Show();
     m_window->ShowBackground({0x0000FF, 0x00FF00, 0xFF0000, 0xFFFFFF});
-    KV_ScenePane::Picture picture;
-    ASSERT_TRUE(m_window->Pane()->CapturePicture(&picture));
+    const KV_ScenePane::Picture picture = DrawFrame();
     const std::size_t last = picture.pixels.size() - 1, width = static_cast<std::size_t>(picture.width);
     EXPECT_GT((picture.pixels[0] >> 16) & 0xFF, 250u);         // top left red
     EXPECT_GT((picture.pixels[width - 1] >> 8) & 0xFF, 250u);  // top right green
@@ -196,7 +214,7 @@ TEST_F(MainWindowTest, OpensDroppedFilesByTheBytesOfTheirNames) {
     EXPECT_EQ(Messages(), "");
 }
 
-TEST_F(MainWindowTest, LetsFilesThatComeDuringAnImportWait) {
+TEST_F(MainWindowTest, OpensFilesThatWereAddedDuringAnImportAfterIt) {
     Show();
     const std::vector<std::string> pcms = ManyPcms(4);
     WriteXdt(m_folder / "z.xdt", 2, 2);
@@ -207,7 +225,7 @@ TEST_F(MainWindowTest, LetsFilesThatComeDuringAnImportWait) {
     EXPECT_EQ(Rows().back(), "z.xdt");
 }
 
-TEST_F(MainWindowTest, CancelledByItsDialogBeginsNoFurtherFile) {
+TEST_F(MainWindowTest, CancelledByItsDialogStartsNoFurtherFile) {
     Show();
     std::vector<std::string> files;
     for (const char* const name : {"a.pax", "b.pax", "c.pax"}) {
@@ -226,10 +244,10 @@ TEST_F(MainWindowTest, CancelledByItsDialogBeginsNoFurtherFile) {
     EXPECT_NE(Messages().find("c.pax: not opened, cancelled"), std::string::npos) << Messages();
     EXPECT_FALSE(m_window->HaveAllFilesAdded());
     Import({m_folder / "c.pax"});
-    EXPECT_EQ(Rows(), (std::vector<std::string>{"a.pax", "c.pax"})) << "the next import works as ever";
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"a.pax", "c.pax"})) << "the next import works as usual";
 }
 
-TEST_F(MainWindowTest, CancelledAmongWorkersKeepsWhatTheyFinished) {
+TEST_F(MainWindowTest, CancelledDuringAParallelImportKeepsTheFinishedFiles) {
     Show();
     m_window->OpenFiles(ManyPcms(40));
     QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, m_window.get(),
@@ -246,20 +264,21 @@ TEST_F(MainWindowTest, CancelledAmongWorkersKeepsWhatTheyFinished) {
 TEST_F(MainWindowTest, ClosedDuringAnImportEndsItFirst) {
     Show();
     m_window->OpenFiles(ManyPcms(40));
-    bool begun = false;
-    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, m_window.get(), [&] { begun = true; });
-    ASSERT_TRUE(WaitUntil([&] { return begun; }));
+    bool hasStarted = false;
+    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, m_window.get(),
+                     [&] { hasStarted = true; });
+    ASSERT_TRUE(WaitUntil([&] { return hasStarted; }));
     EXPECT_TRUE(m_window->close());
     EXPECT_FALSE(m_window->IsImporting());
-    EXPECT_GE(ObjectsInViewer(), 1) << "what was finished reached the viewer";
+    EXPECT_GE(ObjectsInViewer(), 1) << "the finished files are in the viewer";
     m_window.reset();
 }
 
 TEST_F(MainWindowTest, DestroyedDuringAnImportEndsIt) {
-    for (int round = 0; round < 3; ++round) {
+    for (int eventLoops = 0; eventLoops < 3; ++eventLoops) {
         Show();
         m_window->OpenFiles(ManyPcms(30));
-        for (int i = 0; i < round; ++i) QCoreApplication::processEvents();
+        for (int i = 0; i < eventLoops; ++i) QCoreApplication::processEvents();
         EXPECT_TRUE(m_window->IsImporting() || ObjectsInViewer() == 30);
         m_window.reset();
     }
@@ -268,7 +287,7 @@ TEST_F(MainWindowTest, DestroyedDuringAnImportEndsIt) {
     EXPECT_EQ(ObjectsInViewer(), 1);
 }
 
-TEST_F(MainWindowTest, TakesItsShortcutsAlsoWhileThePointerIsOverTheViewer) {
+TEST_F(MainWindowTest, RunsItsShortcutsAlsoWhileThePointerIsOverTheViewer) {
     Show();
     const QPoint middle = m_window->findChild<ViewerWidget*>()->mapToGlobal(QPoint(200, 200));
     const std::string command =
@@ -283,7 +302,7 @@ TEST_F(MainWindowTest, TakesItsShortcutsAlsoWhileThePointerIsOverTheViewer) {
                               &rest[5], &rest[6]);
         return right[1] == 1.0f;  // the view from +X has Y to the right
     }));
-    EXPECT_TRUE(WaitUntil([&] { return methods.GetDrawMode() == 1; }));
+    EXPECT_TRUE(WaitUntil([&] { return methods.GetDrawMode() == KV_ScenePane::DrawModeWireframe; }));
 }
 
 TEST_F(MainWindowTest, RunsTheShortcutsOfKeysThatTheViewerReports) {
@@ -304,10 +323,10 @@ TEST_F(MainWindowTest, OpenedTwiceShowsTwoViewers) {
     {
         MainWindow other({});
         other.show();
-        ASSERT_TRUE(WaitUntil([&] { return other.Pane() != nullptr; }));
+        ASSERT_TRUE(WaitUntil([&] { return other.Pane() != nullptr && other.Logo().isEnabled(); }));
         EXPECT_EQ(other.Pane()->Methods().GetNumObjects(), 0);
     }
-    EXPECT_NE(MiddlePixel(), kBackground) << "the first one lives on when the second is gone";
+    EXPECT_NE(MiddlePixel(), kBackground) << "the first viewer still works after the second is closed";
 }
 
 }  // namespace

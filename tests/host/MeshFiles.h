@@ -1,5 +1,5 @@
 // Small mesh files for the tests of the host: a tetrahedron of four vertices and four triangles, in every format that
-// is opened. An hps file is made by the export.
+// can be opened except hps, which the tests write by an export.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -50,7 +50,7 @@ inline void WriteStl(const std::string& path) {
     const auto count = static_cast<std::uint32_t>(kTetraTriangles.size());
     AppendBytes(bytes, &count, sizeof count);
     for (const auto& triangle : kTetraTriangles) {
-        bytes.resize(bytes.size() + 12);  // a normal, which nobody reads
+        bytes.resize(bytes.size() + 12);  // the normal, which readers ignore
         for (const std::int32_t index : triangle)
             AppendBytes(bytes, kTetraPoints[static_cast<std::size_t>(index)].data(), 12);
         bytes.resize(bytes.size() + 2);
@@ -59,7 +59,8 @@ inline void WriteStl(const std::string& path) {
 }
 
 namespace detail {
-/// Counts, points and triangles; @p normals zeros behind every point and before every triangle.
+/// Counts, points and triangles.
+/// @param normalBytes  zeros after each point and before each triangle, where the format has a normal
 inline void WriteRecords(const std::string& path, std::size_t normalBytes) {
     std::vector<std::byte> bytes;
     const std::int32_t counts[] = {static_cast<std::int32_t>(kTetraPoints.size()),

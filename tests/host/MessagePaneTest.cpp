@@ -4,6 +4,7 @@
 
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QWindow>
 
 #include "host/QtUnderXvfb.h"
 
@@ -14,9 +15,9 @@ protected:
     void SetUp() override {
         m_pane.resize(200, 120);
         m_pane.show();
-        ASSERT_TRUE(WaitUntil([&] { return m_pane.viewport()->height() > 0 && m_pane.isVisible(); }));
+        ASSERT_TRUE(WaitUntil([&] { return m_pane.windowHandle()->isExposed() && m_pane.viewport()->height() > 0; }));
     }
-    /// Adds numbered lines one by one, as events come.
+    /// Adds numbered lines one by one, with the event loop in between, as events are added.
     void AddLines(int count) {
         for (int i = 0; i < count; ++i) {
             m_pane.AddText(QString::number(i));
@@ -25,8 +26,7 @@ protected:
     }
     void AddWideLine() {
         m_pane.AddText(QString(400, 'x'));
-        QCoreApplication::processEvents();
-        ASSERT_TRUE(m_pane.horizontalScrollBar()->isVisible());
+        ASSERT_TRUE(WaitUntil([&] { return m_pane.horizontalScrollBar()->isVisible(); }));
     }
     [[nodiscard]] bool ShowsItsLastLine() {
         QCoreApplication::processEvents();
@@ -45,7 +45,7 @@ TEST_F(MessagePaneTest, FollowsItsLines) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsALineWiderThanThePaneAndThoseBehindIt) {
+TEST_F(MessagePaneTest, FollowsALineWiderThanThePaneAndTheLinesAfterIt) {
     AddLines(30);
     AddWideLine();
     EXPECT_TRUE(ShowsItsLastLine()) << "the horizontal bar covers no line";
@@ -55,7 +55,7 @@ TEST_F(MessagePaneTest, FollowsALineWiderThanThePaneAndThoseBehindIt) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsAWideLineWhateverPartOfALineItsHeightLeavesOver) {
+TEST_F(MessagePaneTest, FollowsAWideLineAlsoWhenThePaneHeightIsNoMultipleOfALine) {
     for (int height = 80; height < 80 + m_pane.fontMetrics().lineSpacing(); ++height) {
         m_pane.clear();
         m_pane.resize(200, height);
@@ -67,7 +67,7 @@ TEST_F(MessagePaneTest, FollowsAWideLineWhateverPartOfALineItsHeightLeavesOver) 
     }
 }
 
-TEST_F(MessagePaneTest, FollowsWideLinesFromTheFirstOneOn) {
+TEST_F(MessagePaneTest, FollowsLinesWhenTheFirstOneIsWide) {
     AddWideLine();
     AddLines(30);
     EXPECT_TRUE(ShowsItsLastLine());
@@ -87,7 +87,7 @@ TEST_F(MessagePaneTest, ShowsItsEndWhenItIsMadeSmallerOrLarger) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, ShowsTheEndOfWhatCameWhileItWasHidden) {
+TEST_F(MessagePaneTest, ShowsTheEndOfLinesThatWereAddedWhileItWasHidden) {
     m_pane.hide();
     AddLines(30);
     m_pane.AddText(QString(400, 'x'));
@@ -96,7 +96,7 @@ TEST_F(MessagePaneTest, ShowsTheEndOfWhatCameWhileItWasHidden) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, LeavesAReaderWhoScrolledUpWhereTheyAre) {
+TEST_F(MessagePaneTest, KeepsThePositionOfAReaderWhoScrolledUp) {
     AddLines(30);
     m_pane.verticalScrollBar()->setValue(4);
     ASSERT_EQ(FirstLineInSight(), "4");
@@ -109,7 +109,7 @@ TEST_F(MessagePaneTest, LeavesAReaderWhoScrolledUpWhereTheyAre) {
     EXPECT_FALSE(ShowsItsLastLine()) << "just above the end is not the end";
 }
 
-TEST_F(MessagePaneTest, FollowsAgainOnceTheReaderIsBackAtTheEnd) {
+TEST_F(MessagePaneTest, FollowsAgainWhenTheReaderHasScrolledToTheEnd) {
     AddLines(30);
     m_pane.verticalScrollBar()->setValue(4);
     AddWideLine();
@@ -118,7 +118,7 @@ TEST_F(MessagePaneTest, FollowsAgainOnceTheReaderIsBackAtTheEnd) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsAgainOnceItWasCleared) {
+TEST_F(MessagePaneTest, FollowsAgainAfterItWasCleared) {
     AddLines(30);
     m_pane.verticalScrollBar()->setValue(4);
     m_pane.clear();

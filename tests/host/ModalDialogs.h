@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <functional>
 
-/// Looks for a modal dialog of a kind and answers the first that comes. Lives as long as one may come.
+/// Answers the first modal dialog of this class that is shown during its lifetime.
 template <class Dialog>
 class DialogAnswer {
 public:
@@ -13,14 +13,14 @@ public:
             auto* const dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
             if (dialog == nullptr) return;
             m_timer.stop();
-            m_bCame = true;
+            m_bWasShown = true;
             answer(*dialog);
         });
         m_timer.start(10);
     }
-    [[nodiscard]] bool Came() const { return m_bCame; }
+    [[nodiscard]] bool WasShown() const { return m_bWasShown; }
 
 private:
     QTimer m_timer;
-    bool m_bCame = false;
+    bool m_bWasShown = false;
 };

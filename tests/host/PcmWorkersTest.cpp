@@ -11,19 +11,19 @@
 
 namespace {
 
-/// Stands for the viewer: remembers what its entry was called with, and holds the calls back while it is shut.
+/// In place of the viewer: records the calls of its entry, which do not return while it is closed.
 struct Receiver {
     std::mutex mutex;
     std::condition_variable changed;
     std::set<std::pair<std::int32_t, std::string>> taken;  // index and name
     float firstPoint[3] = {0, 0, 0};
     std::uint32_t color = 0;
-    bool shut = false;
-    std::int32_t refused = -1;  // index that makes no object
+    bool isClosed = false;
+    std::int32_t refused = -1;  // index that gives no object
 
     void Open() {
         const std::scoped_lock lock(mutex);
-        shut = false;
+        isClosed = false;
         changed.notify_all();
     }
 };
@@ -35,7 +35,7 @@ bool Entry(void* control, const wchar_t* name, std::int32_t width, std::int32_t 
     std::unique_lock lock(receiver.mutex);
     receiver.taken.emplace(index, KV_ScenePane::PathBytes(name));
     receiver.changed.notify_all();
-    receiver.changed.wait(lock, [&] { return !receiver.shut; });
+    receiver.changed.wait(lock, [&] { return !receiver.isClosed; });
     EXPECT_EQ(width, 3);
     EXPECT_EQ(height, 2);
     EXPECT_EQ(confidence[5], 1.0f);
@@ -48,7 +48,7 @@ bool Entry(void* control, const wchar_t* name, std::int32_t width, std::int32_t 
 }
 
 PcmWorkers::Task TaskFor(Receiver& receiver, const ScratchFolder& folder, int files) {
-    PcmWorkers::Task task{&receiver, Entry, {}, 0x112233};
+    PcmWorkers::Task task{{&receiver, Entry, 0x112233}, {}};
     for (int i = 0; i < files; ++i) {
         task.files.push_back(folder / (std::to_string(i) + ".pcm"));
         WritePcm(task.files.back(), 3, 2, 7.0f);
@@ -58,7 +58,7 @@ PcmWorkers::Task TaskFor(Receiver& receiver, const ScratchFolder& folder, int fi
 
 void IgnoreProgress() {}
 
-TEST(PcmWorkers, HandEveryFileOnceToTheEntryWithItsPlaceInTheList) {
+TEST(PcmWorkers, PassEveryFileOnceToTheEntryWithItsPositionInTheList) {
     const ScratchFolder folder;
     Receiver receiver;
     std::atomic<int> calls = 0;
@@ -72,35 +72,34 @@ TEST(PcmWorkers, HandEveryFileOnceToTheEntryWithItsPlaceInTheList) {
     EXPECT_EQ(receiver.firstPoint[0], 2000.0f);  // column 2, row 1, height 7, in file units
     EXPECT_EQ(receiver.firstPoint[1], 1000.0f);
     EXPECT_EQ(receiver.firstPoint[2], 7000.0f);
-    EXPECT_EQ(calls, 21) << "one a file, one for the end";
+    EXPECT_EQ(calls, 21) << "one per file, one for the end";
     EXPECT_EQ(workers.FinishedFiles(), 20u);
     EXPECT_TRUE(workers.IsDone());
 }
 
-TEST(PcmWorkers, TellMissingDamagedAndRefusedFilesFromGoodOnes) {
+TEST(PcmWorkers, ReportMissingDamagedAndRefusedFiles) {
     const ScratchFolder folder;
     Receiver receiver;
     receiver.refused = 3;
     PcmWorkers::Task task = TaskFor(receiver, folder, 4);
     ASSERT_EQ(unlink(task.files[1].c_str()), 0);
-    std::vector<std::byte> damaged = ReadBytes(task.files[2]);
-    damaged.resize(damaged.size() / 2);
-    WriteBytes(task.files[2], damaged);
+    const DamagedPcm damaged = WriteDamagedPcms(folder).front();
+    task.files[2] = damaged.path;
     PcmWorkers workers(task, 2, IgnoreProgress);
     const auto& results = workers.Join();
     EXPECT_EQ(results[0].state, ImportResult::State::Added);
     EXPECT_EQ(results[1].state, ImportResult::State::Failed);
     EXPECT_EQ(results[1].text, "No such file or directory");
     EXPECT_EQ(results[2].state, ImportResult::State::Failed);
-    EXPECT_EQ(results[2].text, "not a pcm file, or a damaged one");
+    EXPECT_EQ(results[2].text, damaged.reason);
     EXPECT_EQ(results[3].state, ImportResult::State::Failed);
     EXPECT_EQ(results[3].text, "nothing in it could be imported");
 }
 
-TEST(PcmWorkers, AfterACancelFinishWhatIsUnderWayAndBeginNothingMore) {
+TEST(PcmWorkers, FinishFilesInProgressAfterACancelAndStartNoMore) {
     const ScratchFolder folder;
     Receiver receiver;
-    receiver.shut = true;
+    receiver.isClosed = true;
     PcmWorkers workers(TaskFor(receiver, folder, 6), 2, IgnoreProgress);
     {
         std::unique_lock lock(receiver.mutex);
@@ -114,13 +113,13 @@ TEST(PcmWorkers, AfterACancelFinishWhatIsUnderWayAndBeginNothingMore) {
         EXPECT_EQ(results[i].state, i < 2 ? ImportResult::State::Added : ImportResult::State::NotStarted) << i;
 }
 
-TEST(PcmWorkers, WithoutFilesAreDoneAtOnce) {
+TEST(PcmWorkers, WithoutFilesAreDoneImmediately) {
     PcmWorkers workers({}, 4, IgnoreProgress);
     EXPECT_TRUE(workers.Join().empty());
     EXPECT_TRUE(workers.IsDone());
 }
 
-TEST(PcmWorkers, WithNoThreadsAskedForUseOne) {
+TEST(PcmWorkers, UseOneThreadWhenNoneIsRequested) {
     const ScratchFolder folder;
     Receiver receiver;
     PcmWorkers workers(TaskFor(receiver, folder, 2), 0, IgnoreProgress);

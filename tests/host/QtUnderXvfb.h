@@ -1,12 +1,11 @@
-// A Qt application on an X server of the test's own, and waiting for what its event loop brings.
+// A Qt application on an X server of the test program.
 #pragma once
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <functional>
 #include <memory>
 
+#include "host/WaitUntil.h"
 #include "support/XvfbServer.h"
 
 class QtUnderXvfb : public testing::Environment {
@@ -28,14 +27,3 @@ private:
 
 /// One for all files of the test program.
 inline const testing::Environment* const g_qtUnderXvfb = testing::AddGlobalTestEnvironment(new QtUnderXvfb);
-
-/// Runs the event loop until @p condition holds; false when it does not within half a minute.
-inline bool WaitUntil(const std::function<bool()>& condition) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > 30000) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}

@@ -1,4 +1,4 @@
-// On a window system whose windows the viewer cannot live in, the host stays up and says why.
+// On a window system that cannot contain the viewer, the host keeps running and shows why.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -8,10 +8,11 @@
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "host/ScanFiles.h"
+#include "host/WaitUntil.h"
 
 namespace {
 
-TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesItCannotOpen) {
+TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesThatItCannotOpen) {
     unsetenv("DISPLAY");
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     char program[] = "host_refusal_tests";
@@ -24,7 +25,7 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesItCannotOpen) {
     options.files = {folder / "a.xdt"};
     MainWindow window(options);
     window.show();
-    for (int i = 0; i < 50; ++i) QCoreApplication::processEvents();
+    ASSERT_TRUE(WaitUntil([&] { return window.Messages().toPlainText().contains("a.xdt"); }));
     EXPECT_EQ(window.Pane(), nullptr);
     EXPECT_FALSE(window.HaveAllFilesAdded());
     const QString start = "There is no viewer: ";
@@ -36,7 +37,7 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesItCannotOpen) {
     window.OpenFiles({folder / "a.xdt"});
     EXPECT_FALSE(window.HaveAllFilesAdded());
     window.ClearScene();
-    window.ShowView(2);
+    window.ShowView(KV_ScenePane::ViewFromPlusXZUp);
     EXPECT_FALSE(window.IsImporting());
 }
 

@@ -1,5 +1,7 @@
-// Small scan files for the tests of the host: a flat grid, one unit from point to point, in the scene's units.
+// Small scan files for the tests of the host: flat grids with a distance of one scene unit between points, and damaged
+// ones.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -54,6 +56,7 @@ inline void WriteXdt(const std::string& path, int columns, int rows, float heigh
     WriteBytes(path, bytes);
 }
 
+/// @param height      of every point, scene units
 /// @param confidence  of every pixel
 inline void WritePcm(const std::string& path, int columns, int rows, float height = 0.0f, float confidence = 1.0f) {
     const std::vector<float> points = FlatGrid(columns, rows, height, 1000.0f);
@@ -68,4 +71,26 @@ inline void WritePcm(const std::string& path, int columns, int rows, float heigh
     view.m_pClassification = classes.data();
     view.m_pTrafo = trafo;
     MsrStorage::WritePcmFile(path, view);
+}
+
+struct DamagedPcm {
+    std::string path;
+    std::string reason;  ///< for a user
+};
+
+/// Writes three files with the same content and a different damage each.
+inline std::vector<DamagedPcm> WriteDamagedPcms(const ScratchFolder& folder) {
+    WritePcm(folder / "whole.pcm", 60, 60);
+    const std::vector<std::byte> whole = ReadBytes(folder / "whole.pcm");
+    const auto write = [&](const std::string& name, const std::vector<std::byte>& bytes, const std::string& reason) {
+        WriteBytes(folder / name, bytes);
+        return DamagedPcm{folder / name, reason};
+    };
+    // In the points, by far the longest section.
+    std::vector<std::byte> changed = whole;
+    changed.at(changed.size() / 2) ^= std::byte{1};
+    return {write("cut100.pcm", {whole.begin(), whole.begin() + 100}, "header is cut short at byte 100"),
+            write("cut2000.pcm", {whole.begin(), whole.begin() + 2000},
+                  "file has another length than it should (2000 bytes, not " + std::to_string(whole.size()) + ")"),
+            write("changed.pcm", changed, "a section is damaged (XYZ at byte 200)")};
 }

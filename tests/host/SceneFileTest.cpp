@@ -6,54 +6,68 @@
 
 #include "ImportPlan.h"
 #include "host/ScanFiles.h"
+#include "host/UnprivilegedUser.h"
 
 namespace {
 
-TEST(KindOfFile, GoesByTheTextBehindTheLastPointInAnyCase) {
-    EXPECT_EQ(KindOfFile("a.pcm"), FileKind::Pcm);
-    EXPECT_EQ(KindOfFile("a.PaX"), FileKind::Pax);
-    EXPECT_EQ(KindOfFile("a.pcm.XDT"), FileKind::Xdt);
-    EXPECT_EQ(KindOfFile("a.pcm.bak"), FileKind::Unknown);
-    EXPECT_EQ(KindOfFile("a.pcm/b"), FileKind::Unknown);
-    EXPECT_EQ(KindOfFile("a."), FileKind::Unknown);
-}
-
-TEST(KindOfFile, WithoutAPointGoesByTheWholeName) {
-    EXPECT_EQ(KindOfFile("pax"), FileKind::Pax);
-    EXPECT_EQ(KindOfFile("apax"), FileKind::Unknown);
-}
-
-TEST(KindOfFile, KnowsTheTypesOfMeshes) {
-    for (const char* const name : {"a.ply", "a.STL", "a.Hps", "a.ois", "a.msh"})
-        EXPECT_EQ(KindOfFile(name), FileKind::Mesh) << name;
-}
-
-TEST(WhyNoExportName, TakesTheTypesThatAreWrittenAndNoOther) {
-    for (const char* const name : {"a.ply", "a.STL", "x/a.b.hps"}) EXPECT_EQ(WhyNoExportName(name), "") << name;
+TEST(ExportRefusal, IsEmptyForTheTypesThatAreWrittenOnly) {
+    for (const char* const name : {"a.ply", "a.STL", "x/a.b.hps"}) EXPECT_EQ(ExportRefusal(name), "") << name;
     for (const char* const name : {"a.ois", "a.msh", "a.pcm", "a.obj", "a", "a.ply.bak", "a.", ""})
-        EXPECT_EQ(WhyNoExportName(name), "only ply, stl and hps files can be written") << name;
+        EXPECT_EQ(ExportRefusal(name), "only ply, stl and hps files can be written") << name;
 }
 
-TEST(WhyNoSceneFile, TellsMissingFilesFoldersAndForeignTypesApart) {
+TEST(ImportRefusal, NamesMissingFilesFoldersAndUnknownTypes) {
     const ScratchFolder folder;
     WriteBytes(folder / "a.pcm", {std::byte{1}});
     WriteBytes(folder / "a.obj", {std::byte{1}});
     ASSERT_EQ(mkdir((folder / "f.pax").c_str(), 0700), 0);
-    EXPECT_EQ(WhyNoSceneFile(folder / "a.pcm"), "");
-    EXPECT_EQ(WhyNoSceneFile(folder / "b.pcm"), "No such file or directory");
-    EXPECT_EQ(WhyNoSceneFile(folder / "f.pax"), "Is a directory");
-    EXPECT_EQ(WhyNoSceneFile(folder / "a.obj"), "unknown file type");
+    for (const char* const name : {"a.ply", "a.STL", "a.Hps", "a.ois", "a.msh", "a.xdt"}) {
+        WriteBytes(folder / name, {std::byte{1}});
+        EXPECT_EQ(ImportRefusal(folder / name), "") << name;
+    }
+    EXPECT_EQ(ImportRefusal(folder / "a.pcm"), "");
+    EXPECT_EQ(ImportRefusal(folder / "b.pcm"), "No such file or directory");
+    EXPECT_EQ(ImportRefusal(folder / "f.pax"), "Is a directory");
+    EXPECT_EQ(ImportRefusal(folder / "a.obj"), "unknown file type");
 }
 
-TEST(WhyNoSceneFile, TellsOfFilesThatMayNotBeRead) {
-    if (geteuid() == 0) GTEST_SKIP() << "root may read everything";
-    const ScratchFolder folder;
-    WriteBytes(folder / "a.pcm", {std::byte{1}});
-    ASSERT_EQ(chmod((folder / "a.pcm").c_str(), 0), 0);
-    EXPECT_EQ(WhyNoSceneFile(folder / "a.pcm"), "Permission denied");
+/// A folder that any user may search, with one file.
+class FilePermissions : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(chmod(m_folder.Path().c_str(), 0755), 0);
+        WriteBytes(m_file, {std::byte{1}});
+    }
+    const ScratchFolder m_folder;
+    const std::string m_file = m_folder / "a.pcm";
+};
+
+TEST_F(FilePermissions, RefuseTheImportOfAFileThatTheUserMayNotRead) {
+    ASSERT_EQ(chmod(m_file.c_str(), 0), 0);
+    const UnprivilegedUser user;
+    if (!user.HasEffect()) GTEST_SKIP() << "root that may not change its user";
+    EXPECT_EQ(ImportRefusal(m_file), "Permission denied");
 }
 
-TEST(PlanImport, JoinsNeighbouringPcmFilesAndKeepsTheOrder) {
+TEST_F(FilePermissions, RefuseToWriteAWriteProtectedFile) {
+    ASSERT_EQ(chmod(m_folder.Path().c_str(), 0777), 0);
+    ASSERT_EQ(chmod(m_file.c_str(), 0444), 0);
+    const UnprivilegedUser user;
+    if (!user.HasEffect()) GTEST_SKIP() << "root that may not change its user";
+    EXPECT_EQ(WriteRefusal(m_file), "Permission denied");
+    EXPECT_EQ(WriteRefusal(m_folder / "new.ply"), "");
+}
+
+TEST_F(FilePermissions, RefuseToWriteIntoAWriteProtectedFolder) {
+    ASSERT_EQ(chmod(m_folder.Path().c_str(), 0555), 0);
+    ASSERT_EQ(chmod(m_file.c_str(), 0666), 0);
+    const UnprivilegedUser user;
+    if (!user.HasEffect()) GTEST_SKIP() << "root that may not change its user";
+    EXPECT_EQ(WriteRefusal(m_folder / "new.ply"), "no file can be created in its folder: Permission denied");
+    EXPECT_EQ(WriteRefusal(m_file), "no file can be created in its folder: Permission denied");
+}
+
+TEST(PlanImport, JoinsConsecutivePcmFilesAndKeepsTheOrder) {
     const auto runs = PlanImport({"a.pcm", "b.PCM", "c.pax", "d.pcm", "e.xdt", "f.xdt", "g.stl"});
     ASSERT_EQ(runs.size(), 6u);
     EXPECT_TRUE(runs[0].parallel);

@@ -38,22 +38,24 @@ TEST(SceneReportJson, HasExactlyTheFieldsThatScriptsRead) {
               "]}\n");
 }
 
-TEST(SceneReportJson, OfNothingIsTwoEmptyLists) { EXPECT_EQ(ReportJson({}), "{\"objects\": [],\n\"failed\": []}\n"); }
+TEST(SceneReportJson, OfAnEmptySceneIsTwoEmptyLists) {
+    EXPECT_EQ(ReportJson({}), "{\"objects\": [],\n\"failed\": []}\n");
+}
 
-TEST(SceneReportJson, WritesNumbersThatAreNoneAsNull) {
+TEST(SceneReportJson, WritesNanAndInfinityAsNull) {
     ObjectReport object = Sample();
     constexpr float inf = std::numeric_limits<float>::infinity();
     object.center = {std::numeric_limits<float>::quiet_NaN(), inf, -inf};
     EXPECT_NE(ReportJson({{object}, {}}).find("\"center\": [null, null, null]"), std::string::npos);
 }
 
-TEST(SceneReportJson, EscapesWhatAJsonStringCannotHold) {
+TEST(SceneReportJson, EscapesCharactersThatJsonRequiresToBeEscaped) {
     const std::string json = ReportJson({{}, {{"a\"b\\c\n\t\x7f", "ä€😀"}}});
     EXPECT_NE(json.find("\"file\": \"a\\\"b\\\\c\\n\\u0009\\u007f\""), std::string::npos) << json;
     EXPECT_NE(json.find("\"reason\": \"ä€😀\""), std::string::npos) << json;
 }
 
-TEST(SceneReportJson, WritesBytesThatAreNoUtf8AsLoneSurrogates) {
+TEST(SceneReportJson, WritesBytesThatAreNotUtf8AsLoneSurrogates) {
     ObjectReport object = Sample();
     object.file = "\xff\xc3.pcm";
     object.name = KV_ScenePane::WidePath(object.file);
@@ -86,9 +88,9 @@ TEST(SceneReportText, ShowsObjectsAndFailuresWithTheBytesOfTheirNames) {
               "  nothing added: cut short\n");
 }
 
-TEST(SceneReportNumbers, HaveAPointWhateverTheLocale) {
+TEST(SceneReportNumbers, HaveADecimalPointInAnyLocale) {
     const CommaLocale locale;
-    if (!locale.IsSet()) GTEST_SKIP() << "this machine has no sources of locales";
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine cannot make a locale";
     EXPECT_EQ(NumberText(1.5f), "1.5");
     EXPECT_EQ(NumberText(1234567.0f), "1234567");
 }

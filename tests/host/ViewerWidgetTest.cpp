@@ -15,7 +15,7 @@
 
 namespace {
 
-/// A widget with a viewer, and what it tells.
+/// A shown widget with a viewer, in the first of two windows, and the reason when the viewer was refused.
 struct Shown {
     Shown() {
         QObject::connect(widget, &ViewerWidget::Refused, widget, [this](const QString& why) { reason = why; });
@@ -31,8 +31,8 @@ struct Shown {
 
 std::unique_ptr<Display, int (*)(Display*)> OwnConnection() { return {XOpenDisplay(nullptr), &XCloseDisplay}; }
 
-/// Size of an X window, seen by another client; width 0 when there is no such window.
-XWindowAttributes Seen(std::uintptr_t window) {
+/// Attributes of an X window as another client sees them; all 0 when there is no such window.
+XWindowAttributes AttributesOf(std::uintptr_t window) {
     const auto display = OwnConnection();
     static bool gone;
     gone = false;
@@ -56,7 +56,7 @@ TEST(ViewerWidget, FillsItselfWithTheViewersWindowAndFollowsResizes) {
     for (const QSize size : {QSize(300, 200), QSize(150, 333)}) {
         shown.first.resize(size);
         const auto follows = [&] {
-            const XWindowAttributes window = Seen(shown.widget->Pane()->NativeWindow());
+            const XWindowAttributes window = AttributesOf(shown.widget->Pane()->NativeWindow());
             return window.width == shown.widget->width() && window.height == shown.widget->height();
         };
         EXPECT_TRUE(WaitUntil(follows));
@@ -73,7 +73,7 @@ TEST(ViewerWidget, MovesIntoAnotherWindowWithItsViewer) {
     shown.second.layout()->addWidget(shown.widget);
     const auto follows = [&] {
         if (shown.widget->Pane() == nullptr) return false;
-        const XWindowAttributes window = Seen(shown.widget->Pane()->NativeWindow());
+        const XWindowAttributes window = AttributesOf(shown.widget->Pane()->NativeWindow());
         return window.map_state == IsViewable && window.width == shown.widget->width();
     };
     EXPECT_TRUE(WaitUntil(follows)) << shown.reason.toStdString();
@@ -82,7 +82,7 @@ TEST(ViewerWidget, MovesIntoAnotherWindowWithItsViewer) {
     EXPECT_TRUE(shown.widget->Pane()->CapturePicture(&picture));
 }
 
-TEST(ViewerWidget, TellsWhenTheViewersWindowWasTakenAway) {
+TEST(ViewerWidget, ReportsThatTheViewersWindowWasDestroyed) {
     Shown shown;
     ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
     const auto display = OwnConnection();
@@ -93,8 +93,8 @@ TEST(ViewerWidget, TellsWhenTheViewersWindowWasTakenAway) {
     EXPECT_EQ(shown.widget->Pane(), nullptr);
 }
 
-/// The user's hands, on a connection of their own.
-class Hands {
+/// Pointer and keyboard of the user, by a separate connection.
+class UserInput {
 public:
     void Click(const QWidget& widget) {
         const QPoint at = widget.mapToGlobal(QPoint(widget.width() / 2, widget.height() / 2));
@@ -120,7 +120,7 @@ private:
     std::unique_ptr<Display, int (*)(Display*)> m_pDisplay = OwnConnection();
 };
 
-TEST(ViewerWidget, KeysGoWhereTheLastClickWas) {
+TEST(ViewerWidget, ReceivesKeysOnlyAfterAClickIntoIt) {
     Shown shown;
     auto* const field = new QLineEdit;
     shown.first.layout()->addWidget(field);
@@ -128,15 +128,16 @@ TEST(ViewerWidget, KeysGoWhereTheLastClickWas) {
     ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
     std::vector<std::int32_t> keys;
     QObject::connect(shown.widget, &ViewerWidget::KeyPressed, shown.widget, [&](auto key) { keys.push_back(key); });
-    ASSERT_TRUE(WaitUntil([&] { return Seen(shown.widget->Pane()->NativeWindow()).width == shown.widget->width(); }));
-    Hands hands;
-    hands.Click(*shown.widget);
-    ASSERT_TRUE(WaitUntil([&] { return hands.Focused() == shown.widget->Pane()->NativeWindow(); }));
-    hands.Type(XK_Down);
+    ASSERT_TRUE(
+        WaitUntil([&] { return AttributesOf(shown.widget->Pane()->NativeWindow()).width == shown.widget->width(); }));
+    UserInput user;
+    user.Click(*shown.widget);
+    ASSERT_TRUE(WaitUntil([&] { return user.Focused() == shown.widget->Pane()->NativeWindow(); }));
+    user.Type(XK_Down);
     ASSERT_TRUE(WaitUntil([&] { return !keys.empty(); }));
-    hands.Click(*field);
-    ASSERT_TRUE(WaitUntil([&] { return hands.Focused() == shown.first.winId() && field->hasFocus(); }));
-    hands.Type(XK_c);
+    user.Click(*field);
+    ASSERT_TRUE(WaitUntil([&] { return user.Focused() == shown.first.winId() && field->hasFocus(); }));
+    user.Type(XK_c);
     ASSERT_TRUE(WaitUntil([&] { return field->text() == "c"; }));
     EXPECT_EQ(keys, std::vector<std::int32_t>{40});
 }

@@ -12,7 +12,7 @@ fail() {
     echo "$*"
     failures=$((failures + 1))
 }
-# expect STATUS STDERR ARGUMENTS...: the exact standard error, without its last line feed
+# expect STATUS STDERR ARGUMENTS...: runs the program and compares exit status and standard error (without the last line feed)
 expect() {
     local status=$1 stderr=$2
     shift 2
@@ -25,7 +25,7 @@ $(cat err.txt)
 $stderr"
     fi
 }
-# holds TEXT: standard output has it
+# holds TEXT: standard output of the last run contains it
 holds() {
     grep -qF -- "$1" out.txt || fail "standard output has no $1:
 $(cat out.txt)"
@@ -42,9 +42,9 @@ expect 0 '' --version
 [ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'wrong version'
 expect 0 '' --help
 holds 'Usage: scenepane [options] FILE...'
-expect 2 'scenepane: unknown option --what (scenepane --help tells more)' --what
-expect 2 'scenepane: --view takes a whole number from 0 to 7, not "8" (scenepane --help tells more)' --view 8
-expect 2 'scenepane: --info needs at least one file (scenepane --help tells more)' --info
+expect 2 'scenepane: unknown option --what (see scenepane --help)' --what
+expect 2 'scenepane: --view takes a whole number from 0 to 7, not "8" (see scenepane --help)' --view 8
+expect 2 'scenepane: --info needs at least one file (see scenepane --help)' --info
 expect 1 'scenepane: none.pcm: No such file or directory
 scenepane: .: Is a directory' --info none.pcm .
 expect 0 '' --info square.xdt
@@ -66,8 +66,8 @@ scenepane: kept.png: not written, there is nothing to show' --capture kept.png n
 [ -e kept.png ] && fail 'a capture of nothing was written'
 expect 1 'scenepane: none.pcm: No such file or directory' --capture both.png square.xdt none.pcm
 [ -s both.png ] || fail 'the capture of the good file is missing'
-expect 2 'scenepane: --capture needs at least one file (scenepane --help tells more)' --capture a.png
-expect 2 'scenepane: --size has no meaning with --capture (scenepane --help tells more)' --capture a.png --size 9x9 square.xdt
+expect 2 'scenepane: --capture needs at least one file (see scenepane --help)' --capture a.png
+expect 2 'scenepane: --size has no meaning with --capture (see scenepane --help)' --capture a.png --size 9x9 square.xdt
 # A triangle as text; a picture needs no more of a mesh than --info does.
 printf 'ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n' >mesh.ply
 printf 'element face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 2.5 0\n3 0 1 2\n' >>mesh.ply
@@ -86,12 +86,25 @@ printf 'ply\nformat ascii 1.0\n' >short.ply
 expect 1 "$("$scenepane" --info short.ply 2>&1 >out.txt)" --convert short.ply never.stl
 grep -qF 'scenepane: short.ply: ' err.txt || fail 'the short file is not named'
 [ -e never.stl ] && fail 'a conversion of nothing was written'
-expect 2 'scenepane: a.obj: only ply, stl and hps files can be written (scenepane --help tells more)' --convert mesh.ply a.obj
-expect 2 'scenepane: --convert needs two files, the one to read and the one to write (scenepane --help tells more)' \
+expect 2 'scenepane: a.obj: only ply, stl and hps files can be written (see scenepane --help)' --convert mesh.ply a.obj
+expect 2 'scenepane: --convert needs two files, the one to read and the one to write (see scenepane --help)' \
     --convert mesh.ply
-"$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there went unnoticed'
-grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong words: $(cat err.txt)"
+"$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there was not reported'
+grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong message: $(cat err.txt)"
 expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --info and --convert need none' square.xdt
-"$scenepane" --info square.xdt >/dev/full 2>/dev/null && fail 'a full disk went unnoticed'
+# Every result that is printed: a full disk is exit status 1 and a reason.
+full() {
+    "$scenepane" "$@" >/dev/full 2>err.txt
+    local got=$?
+    if [ "$got" != 1 ] || [ "$(cat err.txt)" != 'scenepane: standard output: No space left on device' ]; then
+        fail "scenepane $* with a full standard output: status $got; standard error: $(cat err.txt)"
+    fi
+}
+full --help
+full --version
+full --info square.xdt
+full --info --json square.xdt
+"$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
+grep -qx 'scenepane: standard output: Bad file descriptor' err.txt || fail "wrong reason: $(cat err.txt)"
 
 [ "$failures" = 0 ]

@@ -1,0 +1,6 @@
+// The X server's keyboard focus. In a file without Qt, because names of Xlib and Qt collide.
+#pragma once
+#include <cstdint>
+
+/// The X window that has the keyboard, as the server of $DISPLAY reports it.
+[[nodiscard]] std::uintptr_t FocusedWindow();
