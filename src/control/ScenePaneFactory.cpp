@@ -1,51 +1,23 @@
-// The exported maker of viewers.
+// Makes viewers: the one function that the shared library exports besides the debugger output.
 #include <utility>
 
 #include "KV_ScenePane/ScenePane.h"
-#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
+#include "platform/UserMessage.h"
 #include "platform/WindowFactory.h"
 
 namespace KV_ScenePane {
 
-namespace {
-
-KV_ScenePane::WindowRequest::Kind KindOf(WindowRequest::Kind kind) {
-    switch (kind) {
-        case WindowRequest::Kind::Child:
-            return KV_ScenePane::WindowRequest::Kind::Child;
-        case WindowRequest::Kind::TopLevel:
-            return KV_ScenePane::WindowRequest::Kind::TopLevel;
-        case WindowRequest::Kind::OffScreen:
-            return KV_ScenePane::WindowRequest::Kind::OffScreen;
-        case WindowRequest::Kind::NoPicture:
-            break;
-    }
-    return KV_ScenePane::WindowRequest::Kind::NoPicture;
-}
-
-}  // namespace
-
 std::unique_ptr<ScenePane> CreateScenePane(const WindowRequest& request, std::string* reason) {
-    KV_ScenePane::WindowRequest windowRequest;
-    windowRequest.kind = KindOf(request.kind);
-    windowRequest.parent = request.parent;
-    windowRequest.display = request.display;
-    windowRequest.x = request.x;
-    windowRequest.y = request.y;
-    windowRequest.width = request.width;
-    windowRequest.height = request.height;
-    windowRequest.title = request.title;
+    // When the driver refuses the context, the reason is what the control shows to the user.
     const auto lastMessage = std::make_shared<std::string>();
-    windowRequest.showMessage = [hook = request.showMessage, lastMessage](const std::string& text) {
+    WindowRequest recorded = request;
+    recorded.showMessage = [hook = request.showMessage, lastMessage](const std::string& text) {
         *lastMessage = text;
-        if (hook)
-            hook(text);
-        else
-            DebugOutput(text + "\n");
+        ShowUserMessage(hook, text);
     };
 
-    auto control = std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(windowRequest));
+    auto control = std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(recorded));
     control->m_nGlMajorVersion = request.glMajor;
     control->m_nGlMinorVersion = request.glMinor;
     control->m_nGlSamples = request.samples;

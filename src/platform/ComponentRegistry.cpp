@@ -1,4 +1,4 @@
-// The pattern that all users of the component library share: factory, query, release of the factory.
+// How every object of the component library is made: the factory, a query for the interface, release of the factory.
 #include "platform/ComponentRegistry.h"
 
 #include <stdexcept>
@@ -31,6 +31,7 @@ void RequireSuccess(std::int32_t status) {
     if (status != KvComponents::kSucceeded) throw std::runtime_error(GetStatusText(status));
 }
 
+// A failed query may still have written the pointer: it is no reference then, and must not be released.
 ComponentPtr QueryComponent(KvComponents::Object* object, const char* interfaceId) {
     KvComponents::Object* found = nullptr;
     if (KvComponents::kQuery(object, interfaceId, &found) != KvComponents::kSucceeded) return nullptr;

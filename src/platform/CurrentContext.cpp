@@ -1,5 +1,5 @@
-// Only the getters are called in an API that this thread does not use: they read a variable of the thread and load
-// nothing.
+// Of the API that this thread does not use only the getters are called: they read a variable of the thread and load no
+// driver.
 #include "platform/CurrentContext.h"
 
 #include <EGL/egl.h>

@@ -1,7 +1,8 @@
-// The context that is current on a thread, whichever of GLX and EGL it came from.
+// The OpenGL context that is current on the calling thread, of GLX or of EGL.
 #pragma once
 
-/// Makes no GLX context current on this thread. While one is, EGL refuses to make its own current, and the reverse.
+/// Makes no GLX context current on this thread, or no EGL context. While one of GLX is current, EGL refuses to make its
+/// own current, and the reverse.
 void ReleaseCurrentGlx();
 void ReleaseCurrentEgl();
 

@@ -1,4 +1,4 @@
-// Looks for an EGL display that needs no window system.
+// Finds an EGL display that needs no window system.
 #include "platform/EglDisplay.h"
 
 #include <EGL/egl.h>
@@ -12,6 +12,7 @@
 
 namespace {
 
+/// @param display  EGL_NO_DISPLAY for the extensions of the client library
 bool HasExtension(EGLDisplay display, std::string_view name) {
     const char* const text = eglQueryString(display, EGL_EXTENSIONS);
     std::string_view rest = text == nullptr ? "" : text;
@@ -23,12 +24,14 @@ bool HasExtension(EGLDisplay display, std::string_view name) {
     return false;
 }
 
+/// Null when the library does not have the function.
 template <typename Function>
 Function EntryPoint(const char* name) {
     return reinterpret_cast<Function>(eglGetProcAddress(name));
 }
 
-std::vector<EGLDisplay> Candidates() {
+/// In the order of preference.
+std::vector<EGLDisplay> CandidateDisplays() {
     std::vector<EGLDisplay> displays;
     const auto getPlatformDisplay = EntryPoint<PFNEGLGETPLATFORMDISPLAYEXTPROC>("eglGetPlatformDisplayEXT");
     if (getPlatformDisplay != nullptr && HasExtension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless"))
@@ -47,17 +50,19 @@ std::vector<EGLDisplay> Candidates() {
     return displays;
 }
 
-bool CanDraw(EGLDisplay display) {
+bool HasPbufferConfigs(EGLDisplay display) {
     const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
     return eglChooseConfig(display, wanted, &config, 1, &count) == EGL_TRUE && count > 0;
 }
 
+/// EGL 1.5 has contexts by version and profile in its core; before it they are an extension.
 EglDisplay Find() {
-    for (const EGLDisplay display : Candidates()) {
+    for (const EGLDisplay display : CandidateDisplays()) {
         EGLint major = 0, minor = 0;
-        if (display == EGL_NO_DISPLAY || eglInitialize(display, &major, &minor) != EGL_TRUE || !CanDraw(display))
+        if (display == EGL_NO_DISPLAY || eglInitialize(display, &major, &minor) != EGL_TRUE ||
+            !HasPbufferConfigs(display))
             continue;
         const bool version15 = major > 1 || (major == 1 && minor >= 5);
         return {display, version15 || HasExtension(display, "EGL_KHR_create_context")};
@@ -67,6 +72,7 @@ EglDisplay Find() {
 
 }  // namespace
 
+// A failure is not kept: a display may become available later, for example when a driver is loaded.
 EglDisplay SharedEglDisplay(std::string* reason) {
     static std::mutex lock;
     static EglDisplay found;

@@ -1,4 +1,4 @@
-// Fontconfig finds the face, FreeType draws its glyphs in one bit.
+// Fontconfig finds the face, FreeType rasterises its glyphs with one bit per pixel.
 #include "platform/Fonts.h"
 
 #include <fontconfig/fontconfig.h>
@@ -34,26 +34,26 @@ struct FaceFile {
 
 const FcChar8* Utf8(const std::string& text) { return reinterpret_cast<const FcChar8*>(text.c_str()); }
 
-/// Of a request that names none. It is clearer in one bit at 12 pixels than what Debian calls monospace.
-const std::string kStockFamily = "Courier New";
+/// For a request without a family. With one bit per pixel it is clearer at 12 pixels than the system's monospace font.
+const std::string kDefaultFamily = "Courier New";
 
 Owned<FcPattern> PatternOf(const FontRequest& request, FcConfig* config) {
     Owned<FcPattern> pattern(FcPatternCreate());
     if (!pattern) return nullptr;
-    FcPatternAddString(pattern.get(), FC_FAMILY, Utf8(request.family.empty() ? kStockFamily : request.family));
+    FcPatternAddString(pattern.get(), FC_FAMILY, Utf8(request.family.empty() ? kDefaultFamily : request.family));
     FcPatternAddInteger(pattern.get(), FC_WEIGHT, FcWeightFromOpenType(request.weight));
     FcPatternAddInteger(pattern.get(), FC_SLANT, FC_SLANT_ROMAN);
     FcPatternAddInteger(pattern.get(), FC_SPACING, FC_MONO);
     FcPatternAddBool(pattern.get(), FC_SCALABLE, FcTrue);
-    FcPatternAddString(pattern.get(), FC_LANG, Utf8("en"));  // else the locale of the process chooses the face
+    FcPatternAddString(pattern.get(), FC_LANG, Utf8("en"));  // otherwise the locale of the process would decide
     FcConfigSubstitute(config, pattern.get(), FcMatchPattern);
     FcDefaultSubstitute(pattern.get());
     return pattern;
 }
 
-/// The family asked for and its metric twins. Substitution adds them with a firm binding, and generic families with a
-/// weak one.
-std::vector<std::string> FirmFamilies(const FcPattern* pattern) {
+/// The requested family and its metric-compatible replacements. Substitution adds these with a strong binding, and
+/// generic families with a weak one.
+std::vector<std::string> StronglyBoundFamilies(const FcPattern* pattern) {
     std::vector<std::string> families;
     FcValue value;
     FcValueBinding binding = FcValueBindingWeak;
@@ -80,13 +80,13 @@ bool IsFixedPitch(const FcPattern* font) {
     return FcPatternGetInteger(font, FC_SPACING, 0, &spacing) == FcResultMatch && spacing >= FC_MONO;
 }
 
-/// What may stand for the request, best first.
+/// The faces that may serve the request, best first.
 std::vector<FaceFile> FindFaces(const FontRequest& request) {
     const Owned<FcConfig> config(FcConfigReference(nullptr));
     if (!config) return {};
     const Owned<FcPattern> pattern = PatternOf(request, config.get());
     if (!pattern) return {};
-    const auto families = FirmFamilies(pattern.get());
+    const auto families = StronglyBoundFamilies(pattern.get());
     FcResult result = FcResultNoMatch;
     const Owned<FcFontSet> sorted(FcFontSort(config.get(), pattern.get(), FcFalse, nullptr, &result));
     if (!sorted) return {};
@@ -108,7 +108,7 @@ std::vector<FaceFile> FindFaces(const FontRequest& request) {
 
 // ---- its glyphs
 
-/// Windows-1252 to Unicode. The five codes that it leaves free are control characters.
+/// Windows-1252 to Unicode. Its five unassigned codes are control characters.
 FT_ULong UnicodeOf(std::size_t code) {
     static constexpr std::array<std::uint16_t, 32> k80To9F = {
         0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -117,34 +117,38 @@ FT_ULong UnicodeOf(std::size_t code) {
     return code >= 0x80 && code <= 0x9F ? k80To9F[code - 0x80] : code;
 }
 
-bool IsBlank(FT_ULong unicode) { return unicode <= ' ' || (unicode >= 0x7F && unicode <= 0xA0); }
+/// Control characters and spaces: no pixels, only an advance.
+bool IsSpace(FT_ULong unicode) { return unicode <= ' ' || (unicode >= 0x7F && unicode <= 0xA0); }
 
-bool CanWriteAscii(FT_Face face) {
+/// Symbol fonts lack letters.
+bool HasAsciiGlyphs(FT_Face face) {
     for (FT_ULong c = ' '; c < 0x7F; ++c)
         if (FT_Get_Char_Index(face, c) == 0) return false;
     return true;
 }
 
-/// Ascent and descent, each rounded to whole pixels.
+/// Ascent plus descent, each rounded to whole pixels.
 std::int32_t LineHeight(FT_Face face, std::int32_t emPixels) {
     const FT_Long em = face->units_per_EM;
     const auto pixels = [&](FT_Long units) { return (2 * units * emPixels + em) / (2 * em); };
     return static_cast<std::int32_t>(pixels(face->ascender) + pixels(-face->descender));
 }
 
+/// The em size in pixels for FontRequest::height.
 std::int32_t EmPixels(FT_Face face, std::int32_t height) {
     if (height < 0) return -height;
-    std::int32_t pixels = 2 * height;  // no face has lines of less than half its character height
+    std::int32_t pixels = 2 * height;  // no face has a line height below half its em size
     while (pixels > 1 && LineHeight(face, pixels) > height) --pixels;
     return pixels;
 }
 
 Glyph RasterizeGlyph(FT_Face face, FT_ULong unicode) {
-    const FT_UInt index = FT_Get_Char_Index(face, IsBlank(unicode) ? ' ' : unicode);
+    const FT_UInt index = FT_Get_Char_Index(face, IsSpace(unicode) ? ' ' : unicode);
     if (FT_Load_Glyph(face, index, FT_LOAD_TARGET_MONO | FT_LOAD_NO_BITMAP) != 0) return {};
     const FT_GlyphSlot slot = face->glyph;
     Glyph glyph;
-    // Not the hinted advance: at 16 pixels the cent sign of a fixed-pitch font is narrower than the rest by that.
+    // Not the hinted advance: at 16 pixels that of the cent sign differs from the other characters of a fixed-pitch
+    // font.
     glyph.advance = static_cast<std::int32_t>((slot->linearHoriAdvance + 0x8000) / 0x10000);
     if (slot->outline.n_points == 0 || FT_Render_Glyph(slot, FT_RENDER_MODE_MONO) != 0) return glyph;
     const FT_Bitmap& bitmap = slot->bitmap;
@@ -153,7 +157,7 @@ Glyph RasterizeGlyph(FT_Face face, FT_ULong unicode) {
     glyph.height = static_cast<std::int32_t>(bitmap.rows);
     glyph.originX = static_cast<float>(-slot->bitmap_left);
     glyph.originY = static_cast<float>(glyph.height - slot->bitmap_top);
-    // FreeType's rows run from the top down, a pitch apart; its bits within a row already lie as OpenGL wants them.
+    // FreeType's rows run from the top down, pitch bytes apart. The bits of a row already have OpenGL's order.
     const std::ptrdiff_t rowBytes = (glyph.width + 7) / 8;
     for (std::ptrdiff_t row = glyph.height - 1; row >= 0; --row) {
         const std::uint8_t* first = bitmap.buffer + row * bitmap.pitch;
@@ -162,12 +166,12 @@ Glyph RasterizeGlyph(FT_Face face, FT_ULong unicode) {
     return glyph;
 }
 
-/// Nothing where the file is damaged or lacks the plain letters.
+/// Empty when the file is damaged or lacks ASCII letters.
 GlyphSet RasterizeFace(FT_Library library, const FaceFile& file, std::int32_t height) {
     FT_Face opened = nullptr;
     if (FT_New_Face(library, file.path.c_str(), file.index, &opened) != 0) return {};
     const Face face(opened);
-    if (!FT_IS_SCALABLE(opened) || FT_Select_Charmap(opened, FT_ENCODING_UNICODE) != 0 || !CanWriteAscii(opened))
+    if (!FT_IS_SCALABLE(opened) || FT_Select_Charmap(opened, FT_ENCODING_UNICODE) != 0 || !HasAsciiGlyphs(opened))
         return {};
     const std::int32_t emPixels = EmPixels(opened, height);
     if (FT_Set_Pixel_Sizes(opened, 0, static_cast<FT_UInt>(emPixels)) != 0) return {};
@@ -178,7 +182,8 @@ GlyphSet RasterizeFace(FT_Library library, const FaceFile& file, std::int32_t he
     return set;
 }
 
-GlyphSet RasterizeAnew(const FontRequest& request) {
+/// The first face that can be used. A file may be damaged although fontconfig lists it.
+GlyphSet RasterizeUncached(const FontRequest& request) {
     FT_Library started = nullptr;
     if (FT_Init_FreeType(&started) != 0) return {};
     const Library library(started);
@@ -194,10 +199,10 @@ GlyphSet RasterizeAnew(const FontRequest& request) {
 GlyphSet RasterizeFont(const FontRequest& request) {
     assert(request.height != 0);
     static std::mutex mutex;
-    // Never deleted: a control may be opened while statics go.
+    // Never deleted: a control may be opened while static objects are being destroyed.
     static auto& known = *new std::vector<std::pair<FontRequest, GlyphSet>>;
     const std::lock_guard lock(mutex);
     for (const auto& [knownRequest, set] : known)
         if (knownRequest == request) return set;
-    return known.emplace_back(request, RasterizeAnew(request)).second;
+    return known.emplace_back(request, RasterizeUncached(request)).second;
 }

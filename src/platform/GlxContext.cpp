@@ -1,5 +1,5 @@
-// GLX 1.3 formats and contexts by attributes. The swap interval stays as the driver has it: the user's settings decide
-// whether a swap waits for the screen.
+// Framebuffer configurations and contexts by attributes. The swap interval is the driver's: the user's settings decide
+// whether a swap waits for the vertical retrace.
 #include "platform/GlxContext.h"
 
 #include <GL/glew.h>
@@ -23,15 +23,18 @@ struct XDeleter {
 template <typename T>
 using XOwned = std::unique_ptr<T, XDeleter>;
 
+// The temporary window is never mapped; its title is only for who lists the windows of the screen.
 constexpr const char* kBootstrapTitle = "InitWIndow";
 constexpr unsigned kBootstrapSide = 100;
 
-bool HasFormats(Display* display) {
+/// Framebuffer configurations and the GLXWindow came with GLX 1.3.
+bool HasFbConfigs(Display* display) {
     int major = 0, minor = 0;
     return glXQueryExtension(display, nullptr, nullptr) == True && glXQueryVersion(display, &major, &minor) == True &&
            (major > 1 || minor >= 3);
 }
 
+/// Compares whole words: the name of an extension may be the beginning of another one's.
 bool HasExtension(Display* display, int screen, std::string_view name) {
     const char* const text = glXQueryExtensionsString(display, screen);
     std::istringstream words(text == nullptr ? "" : text);
@@ -51,9 +54,10 @@ int VisualDepth(Display* display, GLXFBConfig config) {
     return visual == nullptr ? 0 : visual->depth;
 }
 
+/// The first that fits, in the order of glXChooseFBConfig(), which sorts by its own rules. Null when none fits.
 GLXFBConfig FindConfig(Display* display, int screen, const PixelFormatAttributes& attributes) {
-    if (!HasFormats(display)) return nullptr;
-    const int colorSize = std::min(attributes.colorBits / 4, 8);
+    if (!HasFbConfigs(display)) return nullptr;
+    const int colorSize = std::min(attributes.colorBits / 4, 8);  // per channel
     const int wanted[] = {GLX_X_RENDERABLE,
                           True,
                           GLX_DRAWABLE_TYPE,
@@ -84,21 +88,21 @@ GLXFBConfig FindConfig(Display* display, int screen, const PixelFormatAttributes
     int count = 0;
     const XOwned<GLXFBConfig> list(glXChooseFBConfig(display, screen, wanted, &count));
     std::vector<GLXFBConfig> configs(list.get(), list.get() + (list == nullptr ? 0 : count));
+    // GLX_SAMPLES is a minimum for the driver. A configuration without a visual cannot draw a window.
     std::erase_if(configs, [&](GLXFBConfig config) {
         return Value(display, config, GLX_SAMPLES) != attributes.samples || VisualDepth(display, config) == 0;
     });
     if (configs.empty()) return nullptr;
-    // Under a compositor a visual deeper than the screen's shows what lies behind wherever a frame leaves alpha
-    // below 1.
+    // With a compositor, a visual deeper than the screen's is translucent wherever a frame has an alpha below 1.
     const int screenDepth = DefaultDepth(display, screen);
     const auto opaque = std::find_if(configs.begin(), configs.end(),
                                      [&](GLXFBConfig config) { return VisualDepth(display, config) == screenDepth; });
     return opaque == configs.end() ? configs.front() : *opaque;
 }
 
-GLXFBConfig ConfigOfNumber(Display* display, int screen, std::int32_t number) {
+GLXFBConfig FindConfigById(Display* display, int screen, std::int32_t number) {
     int count = 0;
-    const XOwned<GLXFBConfig> list(HasFormats(display) ? glXGetFBConfigs(display, screen, &count) : nullptr);
+    const XOwned<GLXFBConfig> list(HasFbConfigs(display) ? glXGetFBConfigs(display, screen, &count) : nullptr);
     for (int i = 0; i < count; ++i)
         if (Value(display, list.get()[i], GLX_FBCONFIG_ID) == number) return list.get()[i];
     return nullptr;
@@ -106,27 +110,29 @@ GLXFBConfig ConfigOfNumber(Display* display, int screen, std::int32_t number) {
 
 }  // namespace
 
+// In the reverse order of creation. A server that has ended took the GLXWindow with it.
 GlxContext::~GlxContext() {
     EndBootstrap();
     Delete();
     if (m_nSurface != 0 && m_connection.IsAlive()) glXDestroyWindow(m_connection.Get(), m_nSurface);
 }
 
+// The steps after the context need its entry points, so a failure reports everything after it as missing.
 BootstrapReport GlxContext::BeginBootstrap() {
     BootstrapReport report;
     PixelFormatAttributes wanted;
     wanted.stencilBits = 8;
     Display* const display = m_connection.Get();
-    const X11Connection::Attempt attempt(m_connection);
+    const X11Connection::ErrorTrap trap(m_connection);
     if (!m_connection.IsAlive()) return report;
     const GLXFBConfig config = FindConfig(display, m_nScreen, wanted);
     if (config == nullptr) return report;
     report.formatNumber = Value(display, config, GLX_FBCONFIG_ID);
-    if (!MakeBootstrapContext(config) || !attempt.Succeeded()) return report;
+    if (!MakeBootstrapContext(config) || !trap.Succeeded()) return report;
     report.contextMade = true;
-    glewExperimental = GL_TRUE;
+    glewExperimental = GL_TRUE;  // loads what the driver has, also what its list of extensions does not name
     report.entryPointsLoaded = glewInit() == GLEW_OK;
-    report.pixelFormatExtension = HasFormats(display);
+    report.pixelFormatExtension = HasFbConfigs(display);
     report.createContextExtension = HasExtension(display, m_nScreen, "GLX_ARB_create_context") &&
                                     HasExtension(display, m_nScreen, "GLX_ARB_create_context_profile");
     report.version33 = report.entryPointsLoaded && GLEW_VERSION_3_3;
@@ -137,18 +143,20 @@ bool GlxContext::MakeBootstrapContext(void* config) {
     Display* const display = m_connection.Get();
     const XOwned<XVisualInfo> visual(glXGetVisualFromFBConfig(display, static_cast<GLXFBConfig>(config)));
     const Window root = RootWindow(display, m_nScreen);
-    m_nBootstrapColors = XCreateColormap(display, root, visual->visual, AllocNone);
+    // A visual other than the root's needs a colormap of its own.
+    m_nBootstrapColormap = XCreateColormap(display, root, visual->visual, AllocNone);
     XSetWindowAttributes attributes{};
-    attributes.colormap = m_nBootstrapColors;
+    attributes.colormap = m_nBootstrapColormap;
     m_nBootstrapWindow = XCreateWindow(display, root, 0, 0, kBootstrapSide, kBootstrapSide, 0, visual->depth,
                                        InputOutput, visual->visual, CWColormap | CWBorderPixel, &attributes);
     XStoreName(display, m_nBootstrapWindow, kBootstrapTitle);
     m_pBootstrapContext = glXCreateNewContext(display, static_cast<GLXFBConfig>(config), GLX_RGBA_TYPE, nullptr, True);
     if (m_pBootstrapContext == nullptr) return false;
-    ReleaseCurrentEgl();
+    ReleaseCurrentEgl();  // GLX refuses while an EGL context is current on the thread
     return glXMakeCurrent(display, m_nBootstrapWindow, static_cast<GLXContext>(m_pBootstrapContext)) == True;
 }
 
+// Also after a BeginBootstrap() that failed half-way: each part is checked.
 void GlxContext::EndBootstrap() {
     Display* const display = m_connection.Get();
     if (m_pBootstrapContext != nullptr) {
@@ -157,9 +165,9 @@ void GlxContext::EndBootstrap() {
         glXDestroyContext(display, context);
     }
     if (m_nBootstrapWindow != 0) XDestroyWindow(display, m_nBootstrapWindow);
-    if (m_nBootstrapColors != 0) XFreeColormap(display, m_nBootstrapColors);
+    if (m_nBootstrapColormap != 0) XFreeColormap(display, m_nBootstrapColormap);
     m_pBootstrapContext = nullptr;
-    m_nBootstrapWindow = m_nBootstrapColors = 0;
+    m_nBootstrapWindow = m_nBootstrapColormap = 0;
 }
 
 std::int32_t GlxContext::FindFormat(const PixelFormatAttributes& attributes) const {
@@ -170,7 +178,7 @@ std::int32_t GlxContext::FindFormat(const PixelFormatAttributes& attributes) con
 
 GlxContext::WindowFormat GlxContext::SetFormat(std::int32_t format) {
     if (!m_connection.IsAlive()) return {};
-    const GLXFBConfig config = ConfigOfNumber(m_connection.Get(), m_nScreen, format);
+    const GLXFBConfig config = FindConfigById(m_connection.Get(), m_nScreen, format);
     if (config == nullptr) return {};
     const XOwned<XVisualInfo> visual(glXGetVisualFromFBConfig(m_connection.Get(), config));
     if (visual == nullptr) return {};
@@ -179,9 +187,9 @@ GlxContext::WindowFormat GlxContext::SetFormat(std::int32_t format) {
 }
 
 bool GlxContext::Attach(unsigned long window) {
-    const X11Connection::Attempt attempt(m_connection);
+    const X11Connection::ErrorTrap trap(m_connection);
     m_nSurface = glXCreateWindow(m_connection.Get(), static_cast<GLXFBConfig>(m_pConfig), window, nullptr);
-    return attempt.Succeeded();
+    return trap.Succeeded();
 }
 
 bool GlxContext::Create(const ContextAttributes& attributes) {
@@ -196,12 +204,14 @@ bool GlxContext::Create(const ContextAttributes& attributes) {
                           GLX_CONTEXT_PROFILE_MASK_ARB,
                           GLX_CONTEXT_COMPATIBILITY_PROFILE_BIT_ARB,
                           None};
-    const X11Connection::Attempt attempt(m_connection);
+    const X11Connection::ErrorTrap trap(m_connection);
     m_pContext = create(m_connection.Get(), static_cast<GLXFBConfig>(m_pConfig), nullptr, True, wanted);
-    if (m_pContext != nullptr && !attempt.Succeeded()) Delete();
+    // A version that the driver does not have is an X error, whose default handler would end the process.
+    if (m_pContext != nullptr && !trap.Succeeded()) Delete();
     return m_pContext != nullptr;
 }
 
+// The drawable too: the address of a deleted context may be used again for one of another window.
 bool GlxContext::IsCurrent() const {
     return m_pContext != nullptr && glXGetCurrentContext() == m_pContext && glXGetCurrentDrawable() == m_nSurface;
 }

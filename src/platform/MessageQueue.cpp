@@ -1,4 +1,4 @@
-// Posted messages wake by an eventfd, timers by one timerfd set to the earliest; an epoll descriptor joins both with
+// Posted messages wake by an eventfd, timers by one timerfd set to the earliest; an epoll descriptor combines both with
 // what the window watches.
 #include "platform/MessageQueue.h"
 
@@ -25,6 +25,7 @@ MessageQueue::~MessageQueue() {
 
 bool MessageQueue::IsReady() const { return m_nEpoll >= 0 && m_nWakeEvent >= 0 && m_nTimerEvent >= 0; }
 
+// Level-triggered: a loop that does not handle everything is woken again.
 void MessageQueue::Watch(int descriptor) const {
     epoll_event event{};
     event.events = EPOLLIN;
@@ -37,16 +38,17 @@ void MessageQueue::Unwatch(int descriptor) const { epoll_ctl(m_nEpoll, EPOLL_CTL
 void MessageQueue::Post(std::uint32_t message) {
     const std::lock_guard lock(m_lock);
     m_vMessages.push_back(message);
-    Signal();
+    RaiseSignal();
 }
 
 void MessageQueue::Wake() {
     const std::lock_guard lock(m_lock);
-    Signal();
+    RaiseSignal();
 }
 
+// There are few timers at any time: an unordered vector, searched for the earliest, needs no heap.
 std::uint32_t MessageQueue::StartTimer(std::uint32_t milliseconds, std::uint32_t message) {
-    if (++m_nLastTimerId == 0) ++m_nLastTimerId;
+    if (++m_nLastTimerId == 0) ++m_nLastTimerId;  // 0 is no id, also when the count wraps
     m_vTimers.push_back({m_nLastTimerId, message, Clock::now() + std::chrono::milliseconds(milliseconds)});
     ArmTimer();
     return m_nLastTimerId;
@@ -57,15 +59,17 @@ void MessageQueue::StopTimer(std::uint32_t id) {
 }
 
 std::size_t MessageQueue::Collect() {
+    // Reading resets the timerfd. No expiration means that no timer is due, so the clock need not be asked.
     std::uint64_t expirations = 0;
     const bool timersWereDue = read(m_nTimerEvent, &expirations, sizeof expirations) > 0;
     const std::lock_guard lock(m_lock);
-    ForgetSignal();
+    ClearSignal();
     if (timersWereDue) {
         const auto now = Clock::now();
         std::stable_sort(m_vTimers.begin(), m_vTimers.end(),
                          [](const Timer& a, const Timer& b) { return a.due < b.due; });
         auto waiting = m_vTimers.begin();
+        // Up to the first that is not due yet.
         for (; waiting != m_vTimers.end() && waiting->due <= now; ++waiting) m_vMessages.push_back(waiting->message);
         m_vTimers.erase(m_vTimers.begin(), waiting);
         ArmTimer();
@@ -73,7 +77,7 @@ std::size_t MessageQueue::Collect() {
     return m_vMessages.size();
 }
 
-bool MessageQueue::Take(std::uint32_t* message) {
+bool MessageQueue::Pop(std::uint32_t* message) {
     const std::lock_guard lock(m_lock);
     if (m_vMessages.empty()) return false;
     *message = m_vMessages.front();
@@ -81,31 +85,36 @@ bool MessageQueue::Take(std::uint32_t* message) {
     return true;
 }
 
-void MessageQueue::Settle() {
+void MessageQueue::ClearWake() {
     const std::lock_guard lock(m_lock);
-    if (m_vMessages.empty()) ForgetSignal();
+    if (m_vMessages.empty()) ClearSignal();
 }
 
+// Of the members only the messages are shared with other threads; the timers belong to the window's.
 void MessageQueue::Clear() {
     m_vTimers.clear();
     ArmTimer();
     const std::lock_guard lock(m_lock);
     m_vMessages.clear();
-    ForgetSignal();
+    ClearSignal();
 }
 
-void MessageQueue::Signal() {
+// A failed write (the count of the eventfd is at its limit) leaves m_bSignalled false, so that the next one tries
+// again.
+void MessageQueue::RaiseSignal() {
     if (m_bSignalled) return;
     const std::uint64_t one = 1;
     m_bSignalled = write(m_nWakeEvent, &one, sizeof one) == sizeof one;
 }
 
-void MessageQueue::ForgetSignal() {
+void MessageQueue::ClearSignal() {
     if (!m_bSignalled) return;
     std::uint64_t count = 0;
     m_bSignalled = read(m_nWakeEvent, &count, sizeof count) != sizeof count;
 }
 
+// An absolute time of the steady clock, CLOCK_MONOTONIC: setting the system's time does not move it. A time in the past
+// expires at once.
 void MessageQueue::ArmTimer() const {
     itimerspec alarm{};  // all zero disarms
     if (!m_vTimers.empty()) {

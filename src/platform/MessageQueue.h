@@ -1,5 +1,5 @@
-// What wakes a window beside its window system: posted messages and one-shot timers, behind one descriptor for the
-// host's loop.
+// What wakes a window besides its window system: posted messages and one-shot timers, combined in one descriptor for
+// the host's loop.
 #pragma once
 #include <chrono>
 #include <cstddef>
@@ -8,6 +8,7 @@
 #include <mutex>
 #include <vector>
 
+/// Belongs to the thread of one window; only Post() and Wake() may be called from other threads.
 class MessageQueue {
 public:
     MessageQueue();
@@ -15,18 +16,20 @@ public:
     MessageQueue(const MessageQueue&) = delete;
     MessageQueue& operator=(const MessageQueue&) = delete;
 
-    /// False when the process had no descriptor left at construction; nothing wakes then.
+    /// False when the process had no file descriptor left at construction; Descriptor() is never readable then.
     [[nodiscard]] bool IsReady() const;
-    /// Readable when a message waits, a timer is due, a wake was asked for or a watched descriptor is readable.
+    /// An epoll descriptor, readable when a message is queued, a timer is due, Wake() was called or a watched
+    /// descriptor is readable.
     [[nodiscard]] int Descriptor() const { return m_nEpoll; }
 
-    /// Adds a descriptor to those that make Descriptor() readable.
+    /// Adds a descriptor to those that make Descriptor() readable. It stays the caller's, to be removed before it is
+    /// closed.
     void Watch(int descriptor) const;
     void Unwatch(int descriptor) const;
 
     /// Queues a message. Any thread.
     void Post(std::uint32_t message);
-    /// Makes Descriptor() readable until the next Collect() or Settle().
+    /// Makes Descriptor() readable until the next Collect() or ClearWake(). Any thread.
     void Wake();
 
     /// Starts a timer that posts @p message once. Returns its id, never 0.
@@ -34,13 +37,14 @@ public:
     /// Unknown ids are ignored.
     void StopTimer(std::uint32_t id);
 
-    /// Begins a round: forgets the wake, posts the timers that are due.
-    /// @return how many messages wait now; later ones belong to the next round
+    /// Begins the delivery of one ProcessEvents() call: clears the wake, queues the messages of the timers that are
+    /// due, in the order of their times.
+    /// @return how many messages are queued now; later ones belong to the next call
     std::size_t Collect();
-    /// Takes the oldest message; false when there is none.
-    bool Take(std::uint32_t* message);
-    /// Forgets a wake that this round has already served; messages that still wait keep the descriptor readable.
-    void Settle();
+    /// Removes the oldest message; false when there is none.
+    bool Pop(std::uint32_t* message);
+    /// Clears a wake that the current call has already served; queued messages keep the descriptor readable.
+    void ClearWake();
     /// Drops all messages and timers.
     void Clear();
 
@@ -52,17 +56,18 @@ private:
         Clock::time_point due;
     };
 
-    void Signal();
-    void ForgetSignal();
+    // Both need m_lock held. m_bSignalled mirrors the eventfd, so that a burst of posts costs one system call.
+    void RaiseSignal();
+    void ClearSignal();
     void ArmTimer() const;
 
     int m_nEpoll = -1;
-    int m_nWakeEvent = -1;
-    int m_nTimerEvent = -1;
-    std::vector<Timer> m_vTimers;  ///< of the window's thread alone
+    int m_nWakeEvent = -1;   ///< eventfd; readable while m_bSignalled
+    int m_nTimerEvent = -1;  ///< timerfd, set to the earliest of m_vTimers
+    std::vector<Timer> m_vTimers;
     std::uint32_t m_nLastTimerId = 0;
 
-    std::mutex m_lock;  ///< guards what follows
+    std::mutex m_lock;  ///< guards the members below
     std::deque<std::uint32_t> m_vMessages;
     bool m_bSignalled = false;
 };

@@ -1,12 +1,13 @@
-// No surface and no OpenGL: imports and their results only. Messages and timers work as in every window.
+// A window without surface and OpenGL, for imports and their results. Messages and timers work as in every window.
 #pragma once
 #include "platform/CurrentContext.h"
 #include "platform/QueuedWindow.h"
 
-/// Create() runs no OnCreate(), so no step of the making of a context is ever asked of this window.
+/// Create() does not run OnCreate(), so the client never tries to make a context. Paint requests are ignored: nothing
+/// could show their result.
 class NoPictureWindow final : public QueuedWindow {
 public:
-    explicit NoPictureWindow(const PaneWindowRequest& request) : QueuedWindow(request) {}
+    explicit NoPictureWindow(const KV_ScenePane::WindowRequest& request) : QueuedWindow(request) {}
     ~NoPictureWindow() override { Destroy(); }
     NoPictureWindow(const NoPictureWindow&) = delete;
     NoPictureWindow& operator=(const NoPictureWindow&) = delete;
@@ -16,6 +17,7 @@ public:
     bool Reparent(std::uintptr_t, std::int32_t, std::int32_t) override { return false; }
     void Resize(std::int32_t width, std::int32_t height) override { m_size = {width, height}; }
 
+    // No request becomes pending: it could never be painted.
     void Refresh() override {}
     void Invalidate(bool) override {}
 
@@ -24,7 +26,7 @@ public:
     void EndBootstrap() override {}
     bool SetPixelFormat(std::int32_t) override { return false; }
     bool CreateContext(const ContextAttributes&) override { return false; }
-    /// False; as in every window no context is current then.
+    /// Always false; as in every window no context is current then.
     bool MakeCurrent() override {
         ReleaseCurrentGlx();
         ReleaseCurrentEgl();

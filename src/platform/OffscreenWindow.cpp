@@ -1,4 +1,4 @@
-// Pbuffers and contexts of EGL. Which display they are made on is decided in EglDisplay.cpp.
+// Pbuffers and contexts of EGL. On which display they are made is decided in EglDisplay.cpp.
 #include "platform/OffscreenWindow.h"
 
 #include <EGL/egl.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// A side as long as drivers allow for a framebuffer, and an area whose colour and depth stay near a gigabyte.
+// The longest side that drivers allow for a framebuffer, and an area whose colour and depth need about a gigabyte.
 constexpr std::int32_t kLongestSide = 16384;
 constexpr std::int64_t kLargestArea = std::int64_t{1} << 27;
 
@@ -20,13 +20,14 @@ bool IsPossibleSize(std::int32_t width, std::int32_t height) {
     return width <= kLongestSide && height <= kLongestSide && std::int64_t{width} * height <= kLargestArea;
 }
 
-/// Desktop OpenGL for this thread as long as it lives. A host that makes OpenGL ES contexts finds its own choice again.
-class DesktopOpenGl {
+/// Binds desktop OpenGL as this thread's EGL API while it lives, and the former one after that: the host may make
+/// OpenGL ES contexts.
+class ScopedDesktopOpenGl {
 public:
-    DesktopOpenGl() : m_former(eglQueryAPI()) { eglBindAPI(EGL_OPENGL_API); }
-    ~DesktopOpenGl() { eglBindAPI(m_former); }
-    DesktopOpenGl(const DesktopOpenGl&) = delete;
-    DesktopOpenGl& operator=(const DesktopOpenGl&) = delete;
+    ScopedDesktopOpenGl() : m_former(eglQueryAPI()) { eglBindAPI(EGL_OPENGL_API); }
+    ~ScopedDesktopOpenGl() { eglBindAPI(m_former); }
+    ScopedDesktopOpenGl(const ScopedDesktopOpenGl&) = delete;
+    ScopedDesktopOpenGl& operator=(const ScopedDesktopOpenGl&) = delete;
 
 private:
     EGLenum m_former;
@@ -38,9 +39,9 @@ EGLint Value(EGLDisplay display, EGLConfig config, EGLint attribute) {
     return value;
 }
 
-/// The smallest configuration that has what is asked for, with exactly the samples; null when there is none.
+/// The smallest configuration that has the attributes, with exactly the samples; null when there is none.
 EGLConfig FindConfig(EGLDisplay display, const PixelFormatAttributes& attributes) {
-    const EGLint colorSize = std::min(attributes.colorBits / 4, 8);
+    const EGLint colorSize = std::min(attributes.colorBits / 4, 8);  // per channel
     const EGLint wanted[] = {EGL_SURFACE_TYPE,
                              EGL_PBUFFER_BIT,
                              EGL_RENDERABLE_TYPE,
@@ -62,6 +63,7 @@ EGLConfig FindConfig(EGLDisplay display, const PixelFormatAttributes& attributes
                              EGL_SAMPLES,
                              attributes.samples,
                              EGL_NONE};
+    // EGL sorts the smallest first; EGL_SAMPLES is only a minimum for it.
     EGLint count = 0;
     if (eglChooseConfig(display, wanted, nullptr, 0, &count) != EGL_TRUE || count <= 0) return nullptr;
     std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
@@ -73,11 +75,13 @@ EGLConfig FindConfig(EGLDisplay display, const PixelFormatAttributes& attributes
     return exact == configs.end() ? nullptr : *exact;
 }
 
+/// At least one pixel, whatever size is requested.
 EGLSurface MakeSurface(EGLDisplay display, EGLConfig config, std::int32_t width, std::int32_t height) {
     const EGLint size[] = {EGL_WIDTH, std::max(width, 1), EGL_HEIGHT, std::max(height, 1), EGL_NONE};
     return eglCreatePbufferSurface(display, config, size);
 }
 
+/// On false no context is current.
 bool MakeEglCurrent(EGLDisplay display, EGLSurface surface, EGLContext context) {
     ReleaseCurrentGlx();
     if (eglMakeCurrent(display, surface, surface, context) == EGL_TRUE) return true;
@@ -85,7 +89,8 @@ bool MakeEglCurrent(EGLDisplay display, EGLSurface surface, EGLContext context) 
     return false;
 }
 
-void DeletePair(EGLDisplay display, void*& surface, void*& context) {
+/// Either may be null. Both are null afterwards.
+void DestroySurfaceAndContext(EGLDisplay display, void*& surface, void*& context) {
     if (context != nullptr) {
         if (eglGetCurrentContext() == context) ReleaseCurrentEgl();
         eglDestroyContext(display, context);
@@ -108,7 +113,7 @@ bool OffscreenWindow::Open(std::string* reason) {
 
 void OffscreenWindow::Close() {
     EndBootstrap();
-    DeletePair(m_display.handle, m_pSurface, m_pContext);
+    DestroySurfaceAndContext(m_display.handle, m_pSurface, m_pContext);
     m_pConfig = nullptr;
     m_bCapture = false;
 }
@@ -116,6 +121,7 @@ void OffscreenWindow::Close() {
 void OffscreenWindow::Resize(std::int32_t width, std::int32_t height) {
     if (!IsPossibleSize(width, height)) return;
     if (m_pSurface != nullptr && (width != m_size.width || height != m_size.height)) {
+        // The new one first: without memory for it the window keeps surface and size.
         const EGLSurface surface = MakeSurface(m_display.handle, m_pConfig, width, height);
         if (surface == EGL_NO_SURFACE) return;
         const bool wasCurrent = m_pContext != nullptr && eglGetCurrentContext() == m_pContext;
@@ -123,7 +129,7 @@ void OffscreenWindow::Resize(std::int32_t width, std::int32_t height) {
         if (wasCurrent) MakeEglCurrent(m_display.handle, m_pSurface, m_pContext);
         eglDestroySurface(m_display.handle, former);
         m_size = {width, height};
-        Invalidate(true);  // the picture went with the surface
+        Invalidate(true);  // the former surface had the frame
     }
     m_size = {width, height};
 }
@@ -133,7 +139,7 @@ BootstrapReport OffscreenWindow::BeginBootstrap() {
     PixelFormatAttributes wanted;
     wanted.stencilBits = 8;
     const EGLDisplay display = m_display.handle;
-    const DesktopOpenGl desktop;
+    const ScopedDesktopOpenGl desktop;
     const EGLConfig config = FindConfig(display, wanted);
     if (config == nullptr) return report;
     report.formatNumber = Value(display, config, EGL_CONFIG_ID);
@@ -142,17 +148,19 @@ BootstrapReport OffscreenWindow::BeginBootstrap() {
     if (m_pBootstrapContext == nullptr || !MakeEglCurrent(display, m_pBootstrapSurface, m_pBootstrapContext))
         return report;
     report.contextMade = true;
-    glewExperimental = GL_TRUE;
+    glewExperimental = GL_TRUE;  // loads what the driver has, also what its list of extensions does not name
     const GLenum answer = glewInit();
-    // A GLEW made for GLX looks for an X display last, when the entry points of OpenGL are loaded already.
+    // A GLEW built for GLX looks for an X display as its last step, when the entry points of OpenGL are already loaded.
     report.entryPointsLoaded = answer == GLEW_OK || answer == GLEW_ERROR_NO_GLX_DISPLAY;
-    report.pixelFormatExtension = true;  // EGL has no other way to ask
+    report.pixelFormatExtension = true;  // EGL has no other way to request formats
     report.createContextExtension = m_display.createContext;
     report.version33 = report.entryPointsLoaded && GLEW_VERSION_3_3;
     return report;
 }
 
-void OffscreenWindow::EndBootstrap() { DeletePair(m_display.handle, m_pBootstrapSurface, m_pBootstrapContext); }
+void OffscreenWindow::EndBootstrap() {
+    DestroySurfaceAndContext(m_display.handle, m_pBootstrapSurface, m_pBootstrapContext);
+}
 
 bool OffscreenWindow::ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) {
     const EGLConfig config = FindConfig(m_display.handle, attributes);
@@ -161,6 +169,7 @@ bool OffscreenWindow::ChoosePixelFormat(const PixelFormatAttributes& attributes,
     return true;
 }
 
+// The number is an EGL_CONFIG_ID; with it EGL ignores all other attributes.
 bool OffscreenWindow::SetPixelFormat(std::int32_t format) {
     if (m_display.handle == nullptr || m_pSurface != nullptr) return false;
     const EGLint wanted[] = {EGL_CONFIG_ID, format, EGL_NONE};
@@ -174,7 +183,7 @@ bool OffscreenWindow::SetPixelFormat(std::int32_t format) {
 
 bool OffscreenWindow::CreateContext(const ContextAttributes& attributes) {
     if (m_pSurface == nullptr || m_pContext != nullptr) return false;
-    const DesktopOpenGl desktop;
+    const ScopedDesktopOpenGl desktop;
     const EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION,
                              attributes.major,
                              EGL_CONTEXT_MINOR_VERSION,
@@ -186,6 +195,7 @@ bool OffscreenWindow::CreateContext(const ContextAttributes& attributes) {
     return m_pContext != nullptr;
 }
 
+// Both checked: Resize() replaces the surface below a context that is current.
 bool OffscreenWindow::MakeCurrent() {
     if (m_pContext == nullptr || m_pSurface == nullptr) {
         ReleaseCurrentGlx();
@@ -198,12 +208,12 @@ bool OffscreenWindow::MakeCurrent() {
 
 void OffscreenWindow::DeleteContext() {
     void* noSurface = nullptr;
-    DeletePair(m_display.handle, noSurface, m_pContext);
+    DestroySurfaceAndContext(m_display.handle, noSurface, m_pContext);
 }
 
 void OffscreenWindow::SwapBuffers() {
     if (m_pSurface == nullptr) return;
-    // Swapping a pbuffer does nothing: on llvmpipe the commands of frame after frame would pile up in memory.
+    // Swapping a pbuffer has no effect: on llvmpipe the commands of all frames would accumulate in memory.
     glFinish();
     eglSwapBuffers(m_display.handle, m_pSurface);
 }

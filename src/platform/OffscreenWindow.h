@@ -1,12 +1,13 @@
-// A picture without a display server: an EGL pbuffer, so that the default framebuffer exists as in a window.
+// Drawing without a display server, into an EGL pbuffer. As in a window there is a default framebuffer.
 #pragma once
 #include "platform/EglDisplay.h"
 #include "platform/QueuedWindow.h"
 
-/// There is no pointer: cursors do nothing, the capture is only remembered.
+/// It has no pointer: cursors have no effect, a capture is only remembered. Contexts need no display and no window
+/// manager, but an EGL display: see EglDisplay.h.
 class OffscreenWindow final : public QueuedWindow {
 public:
-    explicit OffscreenWindow(const PaneWindowRequest& request) : QueuedWindow(request) {}
+    explicit OffscreenWindow(const KV_ScenePane::WindowRequest& request) : QueuedWindow(request) {}
     ~OffscreenWindow() override { Destroy(); }
     OffscreenWindow(const OffscreenWindow&) = delete;
     OffscreenWindow& operator=(const OffscreenWindow&) = delete;
@@ -14,8 +15,7 @@ public:
     [[nodiscard]] bool Exists() const override { return m_pSurface != nullptr; }
     [[nodiscard]] std::uintptr_t NativeHandle() const override { return 0; }
     bool Reparent(std::uintptr_t, std::int32_t, std::int32_t) override { return false; }
-    /// Replaces the surface and queues a repaint; the context stays, and stays current. A size that no surface can have
-    /// changes nothing.
+    /// Replaces the surface and queues a repaint. The context is kept, and remains current when it was.
     void Resize(std::int32_t width, std::int32_t height) override;
 
     BootstrapReport BeginBootstrap() override;
@@ -40,7 +40,7 @@ protected:
     void Close() override;
 
 private:
-    // EGLDisplay, EGLConfig, EGLSurface, EGLContext: the EGL headers would bring those of X11 along, and their macros.
+    // EGLConfig, EGLSurface, EGLContext without the EGL headers: these include those of X11 with their macros.
     EglDisplay m_display;
     void* m_pConfig = nullptr;
     void* m_pSurface = nullptr;

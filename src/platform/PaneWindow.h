@@ -1,148 +1,158 @@
-// The seam between the control and a window system. Implementations: X11Window, OffscreenWindow, NoPictureWindow.
+// The interface between the control and a window system. Implementations: X11Window, OffscreenWindow, NoPictureWindow.
 #pragma once
 #include <cstdint>
 #include <string>
 
 #include "KV_ScenePane/Input.h"
 
-/// What a window tells its owner, always on the thread that drives the window.
+/// What a window reports to its owner, always on the thread that drives the window. Every call may close the window
+/// with Destroy() or replace it with Recreate(), and may call ProcessEvents(); none may delete the window object.
 class WindowClient {
 public:
     /// The window is being made: choose the pixel format, make the context. 0, or -1 to refuse the window.
     virtual int OnCreate() = 0;
-    /// The window goes. The context still exists; it may no longer be possible to make it current.
+    /// The window is being closed. The context still exists; it may no longer be possible to make it current.
     virtual void OnDestroy() = 0;
-    /// The window must be repainted. Validated by BeginPaint(); a client that returns without it leaves the request
-    /// pending.
+    /// The window must be repainted. BeginPaint() removes the request; a client that returns without it leaves the
+    /// request pending.
     virtual void OnPaint() = 0;
     /// A posted private message arrived.
     virtual void OnPrivateMessage(std::uint32_t message) = 0;
-    /// The mouse moved, or a button or the wheel did something. Moves and releases keep coming from outside the window
-    /// while a button is held, and a release that the window system cannot deliver, because the window was hidden,
-    /// comes with the next thing that does. Moves that wait together are one move.
+    /// The mouse moved, or a button or the wheel was used. Moves and releases keep arriving from outside the window
+    /// while a button is held. A release that the window system cannot deliver, because the window was hidden, is
+    /// reported together with the next mouse event. Queued moves with the same buttons are coalesced into the last.
     virtual void OnMouse(const KV_ScenePane::MouseInput& /*input*/) {}
-    /// A key of the focused window. Presses of a held key that wait together are one press with their count.
+    /// A key of the focused window. Queued presses of one repeating key are coalesced into one press with their count.
     virtual void OnKey(const KV_ScenePane::KeyInput& /*input*/) {}
 
 protected:
     ~WindowClient() = default;
 };
 
-/// Posted by a one-shot timer.
+/// The private message that a one-shot timer posts.
 inline constexpr std::uint32_t kTimerMessage = 1147;
 
+/// Of the drawing area, pixels. May be zero or negative when the host asked for that; the surface itself has at least
+/// one pixel.
 struct WindowSize {
     std::int32_t width = 0, height = 0;
 };
 
+/// Default shows the cursor of the host's window, Lasso a cross hair.
 enum class PaneCursor { Default, Lasso };
 
-/// What is asked of the pixel format; exactly one format is chosen.
+/// What is requested of the pixel format. Formats that cannot draw RGBA with OpenGL on this kind of surface are never
+/// chosen. Bit counts are minimums; samples must match exactly.
 struct PixelFormatAttributes {
-    bool drawToWindow = true;
-    bool supportOpenGl = true;
-    std::int32_t colorBits = 32;
+    std::int32_t colorBits = 32;  ///< red, green, blue and alpha together
     std::int32_t depthBits = 24;
     std::int32_t stencilBits = 0;
     std::int32_t alphaBits = 8;
     bool doubleBuffer = true;
-    std::int32_t sampleBuffers = 0;
-    std::int32_t samples = 0;
+    std::int32_t sampleBuffers = 0;  ///< 1 with multisampling, else 0
+    std::int32_t samples = 0;        ///< per pixel
 };
 
-/// What is asked of the context, always in the compatibility profile. It shares with no other.
+/// What is requested of the context, always in the compatibility profile. It shares objects with no other context.
 struct ContextAttributes {
     std::int32_t major = 3;
     std::int32_t minor = 3;
 };
 
-/// What the throw-away context of the bootstrap found.
+/// What the temporary context of the bootstrap found.
 struct BootstrapReport {
-    std::int32_t formatNumber = 0;      ///< pixel format of the throw-away window
-    bool contextMade = false;           ///< false: no throw-away context; nothing else holds then
-    bool entryPointsLoaded = false;     ///< GLEW is ready
-    bool pixelFormatExtension = false;  ///< formats can be asked for by attributes
+    std::int32_t formatNumber = 0;      ///< pixel format of the temporary window; 0: none was found
+    bool contextMade = false;           ///< false: no temporary context; the members below are not valid then
+    bool entryPointsLoaded = false;     ///< GLEW is initialised
+    bool pixelFormatExtension = false;  ///< formats can be requested by attributes
     bool createContextExtension = false;
     bool version33 = false;  ///< the driver offers OpenGL 3.3, whatever version is requested
 };
 
+/// One window, or what replaces it without a display. All calls on the thread that drives the window, except where
+/// noted. Without a window (see Exists()) every call is allowed and does nothing or returns false.
 class PaneWindow {
 public:
     virtual ~PaneWindow() = default;
 
     // ---- life
     /// Makes the window; runs OnCreate() of the client, which makes the context on it.
-    /// @param client  outlives the window
-    /// @param reason  takes why there is no window when the window system refused; untouched when the client did
+    /// @param client  must outlive the window
+    /// @param reason  receives why the window system refused the window; unchanged when the client refused it. May be
+    ///                null
     /// @return false when there is no window now
     virtual bool Create(WindowClient& client, std::string* reason) = 0;
-    /// Runs OnDestroy(), then destroys the window. Does nothing without one.
+    /// Runs OnDestroy(), then destroys the window with its queued messages and timers.
     virtual void Destroy() = 0;
-    /// Destroys the window and makes it again at its present place and size.
+    /// Destroys the window and makes it again at its present place and size. Messages and timers are kept.
     virtual bool Recreate() = 0;
-    /// False before creation, after destruction and once the window system took the window away.
+    /// False before creation, after destruction and once the window system destroyed the window.
     [[nodiscard]] virtual bool Exists() const = 0;
     /// The window's id in the window system; 0 when it has none.
     [[nodiscard]] virtual std::uintptr_t NativeHandle() const = 0;
-    /// Moves a child window into another parent; false when that is no window of this system.
+    /// Moves a child window into another parent, to (x, y) in its pixels; false when that is no window of this system.
     virtual bool Reparent(std::uintptr_t parent, std::int32_t x, std::int32_t y) = 0;
 
-    // ---- size, pixels of the drawing area
+    // ---- size
     [[nodiscard]] virtual WindowSize ClientSize() const = 0;
+    /// ClientSize() is the new size when this returns. A size that the window system cannot make changes nothing.
     virtual void Resize(std::int32_t width, std::int32_t height) = 0;
 
     // ---- painting
     /// Repaints before the return. While the client blocks painting the request stays pending.
     virtual void Refresh() = 0;
-    /// Queues a repaint. Requests before the next paint are one request, which erases when one of them asked to.
+    /// Queues a repaint. Requests before the next paint are coalesced; it erases when one of them asked to.
     virtual void Invalidate(bool erase) = 0;
-    /// Opens a paint: the pending request is taken. Returns whether it asked to erase.
+    /// Opens a paint and removes the pending request. Returns whether that asked to erase. From here to EndPaint()
+    /// ClientSize() is the size that the window system reported last, also when that event is still queued.
     virtual bool BeginPaint() = 0;
     virtual void EndPaint() = 0;
-    /// A request that the client left pending is tried again at the next ProcessEvents().
+    /// Makes the next ProcessEvents() try a request again that the client left pending.
     virtual void RetryPaint() = 0;
     [[nodiscard]] virtual bool IsPaintPending() const = 0;
 
     // ---- OpenGL, in the order in which a client calls it
-    /// Makes a throw-away context current, so that entry points can be loaded and formats asked for.
+    /// Makes a temporary context current, so that entry points can be loaded and formats queried.
     virtual BootstrapReport BeginBootstrap() = 0;
-    /// @param format  takes the number of the format found
-    /// @return false when the call failed
+    /// @param format  receives the number of the format found
+    /// @return false when no format has the attributes
     virtual bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) = 0;
     virtual void EndBootstrap() = 0;
-    /// Gives the window the pixel format.
+    /// Gives the window the pixel format, once in its life.
     virtual bool SetPixelFormat(std::int32_t format) = 0;
-    /// Makes the context. A refusal of the driver is false, never the end of the process.
+    /// Makes the context. False when the driver refuses it; that never ends the process.
     virtual bool CreateContext(const ContextAttributes& attributes) = 0;
-    /// Makes the window's context current on this thread. On false no context is current.
+    /// Makes the window's context current on this thread. On false no context is current: OpenGL calls that follow
+    /// cannot change objects of another window.
     virtual bool MakeCurrent() = 0;
-    /// Releases and deletes the context. Does nothing without one.
+    /// Releases and deletes the context.
     virtual void DeleteContext() = 0;
     /// The rendering context as an opaque handle; null without one.
     [[nodiscard]] virtual void* ContextHandle() const = 0;
     virtual void SwapBuffers() = 0;
 
     // ---- pointer
-    /// A capture is the client's own note of a drag. It needs nothing of the window system: see OnMouse().
+    /// Notes that a drag is in progress. Needs nothing of the window system: see OnMouse().
     virtual void SetCapture() = 0;
     virtual void ReleaseCapture() = 0;
     [[nodiscard]] virtual bool HasCapture() const = 0;
     virtual void SetCursor(PaneCursor cursor) = 0;
-    /// Begin and End nest; the wait cursor shows while at least one is open.
+    /// Begin and End nest; the wait cursor shows while at least one is open. An End without a Begin is ignored.
     virtual void BeginWaitCursor() = 0;
     virtual void EndWaitCursor() = 0;
 
     // ---- messages
     /// Starts a one-shot timer that posts kTimerMessage. Returns its id, never 0.
     virtual std::uint32_t StartTimer(std::uint32_t milliseconds) = 0;
-    /// A timer that has not posted yet does not post any more. Unknown ids are ignored.
+    /// A timer whose message is not queued yet does not post it any more. Unknown ids are ignored.
     virtual void StopTimer(std::uint32_t id) = 0;
     /// Queues a private message; may be called from any thread.
     virtual void PostPrivateMessage(std::uint32_t message) = 0;
-    /// Shows a message that the user must see, and returns when it was read.
+    /// Shows a message to the user and returns when it was read. See ShowUserMessage() for a host without a hook.
     virtual void ShowModalMessage(const std::string& text) = 0;
     /// Readable when ProcessEvents() has work.
     [[nodiscard]] virtual int EventDescriptor() const = 0;
-    /// Handles what waits, repaints last. Never blocks.
+    /// Handles the queued events of the window system, then messages and timers, then repaints. Never blocks. What is
+    /// queued meanwhile is for the next call.
     virtual void ProcessEvents() = 0;
 };

@@ -1,10 +1,13 @@
-// The life of a window, and one round of its events: the window system's, then messages and timers, the paint last.
+// The life of a window, and one ProcessEvents() call: the window system's events, then messages and timers, the paint
+// last.
 #include "platform/QueuedWindow.h"
 
-#include "base/DebugOutput.h"
+#include "platform/UserMessage.h"
 
-QueuedWindow::QueuedWindow(const PaneWindowRequest& request)
+QueuedWindow::QueuedWindow(const KV_ScenePane::WindowRequest& request)
     : m_size{request.width, request.height}, m_showMessage(request.showMessage) {}
+
+// ---- life
 
 bool QueuedWindow::Create(WindowClient& client, std::string* reason) {
     if (m_life != Life::None) return false;
@@ -20,7 +23,7 @@ bool QueuedWindow::Begin(std::string* reason) {
         return false;
     }
     m_life = Life::Creating;
-    // A client that was refused its context is not told OnDestroy(): it never had a window.
+    // A client that could not make its context gets no OnDestroy(): it never had a window.
     if (!RunOnCreate() || !Exists()) {
         Close();
         m_paintQueue.Clear();
@@ -34,10 +37,10 @@ bool QueuedWindow::Begin(std::string* reason) {
 
 void QueuedWindow::Destroy() {
     End();
-    if (m_life == Life::None) m_messages.Clear();
+    if (m_life == Life::None) m_messages.Clear();  // not in a Destroy() inside OnDestroy(): Recreate() may follow
 }
 
-// Messages and timers stay: they belong to the window's owner, who may only be recreating the window.
+// Messages and timers are kept: they belong to the window's owner, who may only be recreating the window.
 void QueuedWindow::End() {
     if (m_life != Life::Alive) return;
     m_life = Life::Ending;
@@ -53,6 +56,12 @@ bool QueuedWindow::Recreate() {
     return Begin(nullptr);
 }
 
+void QueuedWindow::EndIfWindowLost() {
+    if (m_life == Life::Alive && !Exists()) End();
+}
+
+// ---- painting
+
 void QueuedWindow::Refresh() {
     if (!Exists() || m_life == Life::Ending) return;
     m_paintQueue.Request(false);
@@ -65,45 +74,47 @@ void QueuedWindow::Invalidate(bool erase) {
     m_messages.Wake();
 }
 
+// A ProcessEvents() call inside the paint clears the wake of every request made before it, and cannot paint. Without
+// another wake such a request, or an exposure handled there, would not be painted before the next event of the window.
+void QueuedWindow::EndPaint() {
+    m_paintQueue.End();
+    if (m_paintQueue.IsDue()) m_messages.Wake();
+}
+
 void QueuedWindow::RetryPaint() {
     if (m_paintQueue.IsPending()) m_messages.Wake();
 }
+
+// ---- messages
 
 std::uint32_t QueuedWindow::StartTimer(std::uint32_t milliseconds) {
     return m_messages.StartTimer(milliseconds, kTimerMessage);
 }
 
-void QueuedWindow::ShowModalMessage(const std::string& text) {
-    if (m_showMessage)
-        m_showMessage(text);
-    else
-        DebugOutput(text + "\n");
-}
+void QueuedWindow::ShowModalMessage(const std::string& text) { ShowUserMessage(m_showMessage, text); }
 
 void QueuedWindow::ProcessEvents() {
     if (m_life == Life::Alive) HandleSystemEvents();
-    EndIfTaken();
+    EndIfWindowLost();
     DeliverMessages();
     PaintIfDue();
-    EndIfTaken();
-    // What the round left behind, or read by its own requests, is for the next one; its wake may be forgotten by now.
-    if (m_life == Life::Alive && SystemEventsWait()) m_messages.Wake();
+    EndIfWindowLost();
+    // Events that this call did not handle, or that were read during its own requests, are for the next call. Their
+    // wake may have been cleared above.
+    if (m_life == Life::Alive && HasQueuedSystemEvents()) m_messages.Wake();
 }
 
-void QueuedWindow::EndIfTaken() {
-    if (m_life == Life::Alive && !Exists()) End();
-}
-
+// Only the messages that are queued at the start: one that posts itself again must not keep the host's loop here.
 void QueuedWindow::DeliverMessages() {
     std::uint32_t message = 0;
-    for (std::size_t count = m_messages.Collect(); count > 0 && m_messages.Take(&message); --count)
+    for (std::size_t count = m_messages.Collect(); count > 0 && m_messages.Pop(&message); --count)
         if (m_life == Life::Alive) m_pClient->OnPrivateMessage(message);
 }
 
-// A paint that the client leaves pending is not signalled again, or a loop that polls the descriptor would spin for as
-// long as painting is blocked. A request made during the paint has signalled for itself.
+// A paint that the client leaves pending does not wake again, or a loop that polls the descriptor would spin for as
+// long as painting is blocked. A request made during the paint has its own wake.
 void QueuedWindow::PaintIfDue() {
     if (m_life != Life::Alive || !m_paintQueue.IsDue()) return;
-    m_messages.Settle();
+    m_messages.ClearWake();
     m_pClient->OnPaint();
 }

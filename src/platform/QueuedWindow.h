@@ -1,4 +1,5 @@
-// What all windows share: the order of a life, the queue of paints, messages and timers, the message to the user.
+// What all windows share: the order of creation and destruction, the queue of paints, messages and timers, and the
+// message to the user.
 #pragma once
 #include <functional>
 
@@ -7,7 +8,8 @@
 #include "platform/PaneWindow.h"
 #include "platform/WindowFactory.h"
 
-/// A window is not deleted from inside a call to its client; Destroy() may be called there.
+/// Must not be deleted inside a call to its client; Destroy() and Recreate() may be called there. A derived class calls
+/// Destroy() in its destructor: the base class cannot, because Close() is virtual.
 class QueuedWindow : public PaneWindow {
 public:
     bool Create(WindowClient& client, std::string* reason) override;
@@ -19,7 +21,7 @@ public:
     void Refresh() override;
     void Invalidate(bool erase) override;
     bool BeginPaint() override { return m_paintQueue.Begin(); }
-    void EndPaint() override { m_paintQueue.End(); }
+    void EndPaint() override;
     void RetryPaint() override;
     [[nodiscard]] bool IsPaintPending() const override { return m_paintQueue.IsPending(); }
 
@@ -31,21 +33,22 @@ public:
     void ProcessEvents() override;
 
 protected:
-    explicit QueuedWindow(const PaneWindowRequest& request);
+    explicit QueuedWindow(const KV_ScenePane::WindowRequest& request);
 
-    // ---- what a window system adds
-    /// Gets hold of the window system, without a window yet. False leaves nothing open and tells why.
+    // ---- what a window system implements
+    /// Connects to the window system, without a window yet. On false nothing is left open and @p reason is set.
     virtual bool Open(std::string* reason) = 0;
     /// Has the client make its context; false when it refuses the window.
     virtual bool RunOnCreate() { return m_pClient->OnCreate() == 0; }
     /// Frees all that Open() and the client's OnCreate() made, the context too. Called also after a part of it failed.
     virtual void Close() = 0;
-    /// The client made its context: the window may be seen.
+    /// Makes the window visible. Called once the client has made its context.
     virtual void Show() {}
-    /// Handles what the window system sent. Paints are only requested; a window that is gone only stops to exist.
+    /// Handles the queued events of the window system. Paints are only requested here; for a window that the window
+    /// system destroyed it is enough that Exists() becomes false.
     virtual void HandleSystemEvents() {}
-    /// Whether events have arrived that no descriptor tells of.
-    [[nodiscard]] virtual bool SystemEventsWait() const { return false; }
+    /// Whether events have arrived that were already read from the watched descriptor, which is not readable then.
+    [[nodiscard]] virtual bool HasQueuedSystemEvents() const { return false; }
 
     WindowClient* m_pClient = nullptr;  ///< of the last Create()
     WindowSize m_size;
@@ -57,11 +60,11 @@ private:
 
     bool Begin(std::string* reason);
     void End();
-    /// The window system took the window: the client hears of it as of any other end.
-    void EndIfTaken();
+    /// Runs OnDestroy() for a window that the window system destroyed, as for any other end.
+    void EndIfWindowLost();
     void DeliverMessages();
     void PaintIfDue();
 
     Life m_life = Life::None;
-    std::function<void(const std::string& text)> m_showMessage;
+    std::function<void(const std::string& text)> m_showMessage;  ///< the host's hook; may be empty
 };

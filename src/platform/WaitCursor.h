@@ -2,7 +2,7 @@
 #pragma once
 #include "platform/PaneWindow.h"
 
-/// Shows the wait cursor while it lives.
+/// Shows the wait cursor from its construction to its destruction, also when the operation throws.
 class WaitCursor {
 public:
     explicit WaitCursor(PaneWindow& window) : m_window(window) { m_window.BeginWaitCursor(); }

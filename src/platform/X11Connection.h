@@ -7,30 +7,33 @@
 
 struct _XDisplay;
 
-/// Xlib has one error handler for the process. Ours records the errors of our connections and passes all others to the
-/// handler that the host has installed. A server that goes away breaks the connection instead of ending the process.
+/// Xlib has one error handler and one IO error handler for the process. Ours count the errors of our connections and
+/// pass all others to the handlers that the host has installed. When the server ends, the connection becomes unusable
+/// instead of ending the process.
 class X11Connection {
 public:
-    /// @param name    X display name; empty takes $DISPLAY
-    /// @param reason  takes why there is none
+    /// @param name    X display name; empty: $DISPLAY
+    /// @param reason  receives why there is no connection; must not be null
+    /// @return null when the display cannot be opened
     static std::unique_ptr<X11Connection> Open(const std::string& name, std::string* reason);
     ~X11Connection();
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
 
     [[nodiscard]] _XDisplay* Get() const { return m_pDisplay; }
-    /// False once the server is gone. No request does anything then.
+    /// False once the server has ended. Requests have no effect then.
     [[nodiscard]] bool IsAlive() const { return !m_bBroken; }
     [[nodiscard]] std::string Name() const;
 
-    /// Puts our error handler back when the host has installed another one since. Before requests that may fail.
-    static void TakeErrors();
+    /// Installs our error handlers again when the host has replaced them since. To be called before requests that the
+    /// server may refuse.
+    static void InstallErrorHandlers();
 
-    /// Requests that the server may refuse.
-    class Attempt {
+    /// Finds out whether the server accepted the requests that are sent while it lives. Costs two round trips.
+    class ErrorTrap {
     public:
-        explicit Attempt(X11Connection& connection);
-        /// Waits for the server's answers: true when all requests since the construction were good.
+        explicit ErrorTrap(X11Connection& connection);
+        /// Waits until the server has processed all requests: true when none since the construction was in error.
         [[nodiscard]] bool Succeeded() const;
 
     private:
@@ -39,7 +42,7 @@ public:
     };
 
 private:
-    struct ErrorHandlers;  ///< the process-wide part
+    struct ErrorHandlers;  ///< the part that the whole process shares
 
     explicit X11Connection(_XDisplay* display);
 

@@ -1,4 +1,5 @@
-// The state word of an X event is from before the event; the viewer's has a pressed button in it and no released one.
+// The state mask of an X event is from before the event; the viewer's flags are from after it: they contain a button
+// that was just pressed and not one that was just released.
 #include "platform/X11Input.h"
 
 #include <X11/Xlib.h>
@@ -19,6 +20,7 @@ constexpr std::int32_t kDoubleClickPixels = 2;
 constexpr std::uint32_t kAnyButton = KV_ScenePane::kMouseLeft | KV_ScenePane::kMouseRight | KV_ScenePane::kMouseMiddle;
 constexpr std::uint32_t kAnyModifier = KV_ScenePane::kMouseShift | KV_ScenePane::kMouseCtrl;
 
+// KeyInput::nFlags: the scan code in the low byte, then these.
 constexpr std::int32_t kExtendedBit = 1 << 8;
 constexpr std::int32_t kAltBit = 1 << 13;
 constexpr std::int32_t kWasDownBit = 1 << 14;
@@ -52,6 +54,7 @@ bool IsWheel(unsigned number) { return number == Button4 || number == Button5; }
 
 }  // namespace
 
+// A release between two presses of one key is in the queue between them, so that these are not consecutive.
 bool X11Input::CanCoalesce(const _XEvent& event, const _XEvent& next) {
     if (event.type != next.type || event.xany.window != next.xany.window) return false;
     if (event.type == MotionNotify) return event.xmotion.state == next.xmotion.state;
@@ -59,12 +62,13 @@ bool X11Input::CanCoalesce(const _XEvent& event, const _XEvent& next) {
     return event.xkey.keycode == next.xkey.keycode && event.xkey.state == next.xkey.state;
 }
 
-std::vector<MouseInput> X11Input::TakeLostReleases(const _XEvent& event) {
+std::vector<MouseInput> X11Input::FindLostReleases(const _XEvent& event) {
     return ReleaseAllBut(FlagsOf(event.type == MotionNotify ? event.xmotion.state : event.xbutton.state));
 }
 
 std::vector<MouseInput> X11Input::ReleaseButtons() { return ReleaseAllBut(m_last.flags & kAnyModifier); }
 
+// Each release has the flags of the buttons whose releases follow, as if they had come one after the other.
 std::vector<MouseInput> X11Input::ReleaseAllBut(std::uint32_t flags) {
     std::vector<MouseInput> releases;
     for (const Button& button : kButtons) {
@@ -75,45 +79,48 @@ std::vector<MouseInput> X11Input::ReleaseAllBut(std::uint32_t flags) {
     return releases;
 }
 
-std::optional<MouseInput> X11Input::TakeMouse(const _XEvent& event) {
+std::optional<MouseInput> X11Input::TranslateMouse(const _XEvent& event) {
     const XMotionEvent& move = event.xmotion;
-    const std::optional<MouseInput> input =
-        event.type == MotionNotify ? MouseInput{Kind::Move, FlagsOf(move.state), move.x, move.y, 0} : TakeButton(event);
+    const std::optional<MouseInput> input = event.type == MotionNotify
+                                                ? MouseInput{Kind::Move, FlagsOf(move.state), move.x, move.y, 0}
+                                                : TranslateButton(event);
     if (input) m_last = *input;
     return input;
 }
 
-std::optional<MouseInput> X11Input::TakeButton(const _XEvent& event) {
+// X reports a notch of the wheel as press and release of a button of its own.
+std::optional<MouseInput> X11Input::TranslateButton(const _XEvent& event) {
     const XButtonEvent& press = event.xbutton;
     MouseInput input{Kind::Wheel, FlagsOf(press.state), press.x, press.y, 0};
     if (event.type == ButtonPress && IsWheel(press.button)) {
-        m_firstClick.reset();  // the picture under the pointer is another one now
+        m_firstClick.reset();  // the wheel zooms: another point is under the pointer now
         input.delta = press.button == Button4 ? KV_ScenePane::kWheelNotch : -KV_ScenePane::kWheelNotch;
         return input;
     }
     const Button* const button = FindButton(press.button);
-    if (button == nullptr) return std::nullopt;
+    if (button == nullptr) return std::nullopt;  // horizontal wheel, side buttons, the release of a wheel notch
     if (event.type == ButtonRelease) {
-        if ((m_buttonsHeld & button->flag) == 0) return std::nullopt;
+        if ((m_buttonsHeld & button->flag) == 0) return std::nullopt;  // pressed elsewhere, or already reported as lost
         m_buttonsHeld &= ~button->flag;
         input.kind = button->up;
         input.flags &= ~button->flag;
         return input;
     }
-    // With another button held it is a part of a chord, never of a double click.
+    // A press while another button is held is part of a chord, never of a double click.
     const bool isAlone = (input.flags & kAnyButton) == 0;
     m_buttonsHeld |= button->flag;
     input.kind = button->down;
     input.flags |= button->flag;
     if (press.button != Button1 || !isAlone)
         m_firstClick.reset();
-    else if (TakeLeftPress({static_cast<std::uint32_t>(press.time), press.x, press.y}))
+    else if (CompletesDoubleClick({static_cast<std::uint32_t>(press.time), press.x, press.y}))
         input.kind = Kind::DoubleClick;
     return input;
 }
 
-// Whether it is the second press of a double click.
-bool X11Input::TakeLeftPress(const Click& click) {
+// Whether this press is the second one of a double click. A third press is a first one again. The times are unsigned
+// and wrap, and so does their difference.
+bool X11Input::CompletesDoubleClick(const Click& click) {
     const bool isSecond = m_firstClick && click.time - m_firstClick->time <= kDoubleClickMilliseconds &&
                           std::abs(click.x - m_firstClick->x) <= kDoubleClickPixels &&
                           std::abs(click.y - m_firstClick->y) <= kDoubleClickPixels;
@@ -121,16 +128,17 @@ bool X11Input::TakeLeftPress(const Click& click) {
     return isSecond;
 }
 
-KeyInput X11Input::TakeKey(const _XEvent& event, std::int32_t together, const X11Keyboard& keyboard) {
+KeyInput X11Input::TranslateKey(const _XEvent& event, std::int32_t repeatCount, const X11Keyboard& keyboard) {
     const XKeyEvent& press = event.xkey;
     std::optional<X11Key>& down = m_keysDown[press.keycode % m_keysDown.size()];
     const X11Key key = down ? *down : FindKey(keyboard, press.keycode, press.state);
     KeyInput input;
     input.isDown = event.type == KeyPress;
     input.nChar = key.code;
-    input.nRepCnt = input.isDown ? together : 1;
+    input.nRepCnt = input.isDown ? repeatCount : 1;
     input.nFlags = key.scanCode;
     if (key.isExtended) input.nFlags |= kExtendedBit;
+    // The state mask of the Alt key's own events does not contain the key yet, or still does.
     const bool isAltHeld = key.code == kKeyAlt ? input.isDown : (press.state & keyboard.altMask) != 0;
     if (isAltHeld) input.nFlags |= kAltBit;
     if (down || !input.isDown) input.nFlags |= kWasDownBit;

@@ -1,4 +1,4 @@
-// Pointer and key events of X as the viewer takes them. Knows no window and asks no server.
+// Translates pointer and key events of X into the viewer's input. Independent of any window or server.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -10,41 +10,43 @@
 
 union _XEvent;
 
-/// Of one window, in the order of its events: what a press or a key means depends on those before it.
+/// The input state of one window. Its events must be passed in their order: what a press or a key means depends on the
+/// events before it.
 class X11Input {
 public:
-    /// Two events, one right after the other, of which one input is made: moves with the same buttons and modifiers
-    /// held, of which the later counts, and presses of a held key that repeats.
+    /// Whether two consecutive events become one input: moves with the same buttons and modifiers held, of which the
+    /// later is used, and presses of a key that repeats.
     [[nodiscard]] static bool CanCoalesce(const _XEvent& event, const _XEvent& next);
 
-    /// The releases that never came, because the window was not there or another program held the pointer: of buttons
-    /// that are up by the word of an event that TakeMouse() has not taken yet. They are where the mouse was last.
-    [[nodiscard]] std::vector<KV_ScenePane::MouseInput> TakeLostReleases(const _XEvent& event);
-    /// The window was hidden: the releases of all buttons, which do not come any more.
+    /// Releases that X never sent, because the window was not viewable or another program had grabbed the pointer: of
+    /// the buttons that are held by our account and up in the state of a mouse event. To be called before
+    /// TranslateMouse() for the same event. Their place is that of the last input.
+    [[nodiscard]] std::vector<KV_ScenePane::MouseInput> FindLostReleases(const _XEvent& event);
+    /// The releases of all buttons of a window that was unmapped: X does not send them any more.
     [[nodiscard]] std::vector<KV_ScenePane::MouseInput> ReleaseButtons();
     /// @param event  ButtonPress, ButtonRelease or MotionNotify
-    /// @return nothing for a button that the viewer does not know, and for a release without a press
-    std::optional<KV_ScenePane::MouseInput> TakeMouse(const _XEvent& event);
-    /// @param event     KeyPress or KeyRelease
-    /// @param together  presses that the event stands for
-    KV_ScenePane::KeyInput TakeKey(const _XEvent& event, std::int32_t together, const X11Keyboard& keyboard);
+    /// @return nothing for a button that the viewer does not use, and for a release without a press
+    std::optional<KV_ScenePane::MouseInput> TranslateMouse(const _XEvent& event);
+    /// @param event        KeyPress or KeyRelease
+    /// @param repeatCount  number of coalesced presses, at least 1; not used for a release
+    KV_ScenePane::KeyInput TranslateKey(const _XEvent& event, std::int32_t repeatCount, const X11Keyboard& keyboard);
 
-    /// The focus was lost: releases do not come any more.
+    /// For a window that lost the keyboard focus: the releases of its keys go to another window.
     void ForgetKeys() { m_keysDown = {}; }
 
 private:
     struct Click {
-        std::uint32_t time = 0;  ///< of the X server, milliseconds; wraps
+        std::uint32_t time = 0;  ///< of the X server, milliseconds; wraps after 49 days
         std::int32_t x = 0, y = 0;
     };
 
     std::vector<KV_ScenePane::MouseInput> ReleaseAllBut(std::uint32_t flags);
-    std::optional<KV_ScenePane::MouseInput> TakeButton(const _XEvent& event);
-    bool TakeLeftPress(const Click& click);
+    std::optional<KV_ScenePane::MouseInput> TranslateButton(const _XEvent& event);
+    bool CompletesDoubleClick(const Click& click);
 
     std::optional<Click> m_firstClick;  ///< of the left button, when the next press may make it a double click
-    std::uint32_t m_buttonsHeld = 0;    ///< whose press was taken, and whose release was not
-    KV_ScenePane::MouseInput m_last;    ///< the input taken last
-    /// By keycode, as it was at the press: a key keeps its meaning until its release, whatever happens to the layout.
+    std::uint32_t m_buttonsHeld = 0;    ///< flags of the buttons whose press was reported and whose release was not
+    KV_ScenePane::MouseInput m_last;    ///< the last input of TranslateMouse()
+    /// By keycode, as it was at the press: a key keeps its meaning until its release, also when the layout changes.
     std::array<std::optional<X11Key>, 256> m_keysDown;
 };

@@ -1,5 +1,5 @@
-// Symbols are looked at before places: a layout moves letters, and the servers' keycodes beyond the letter block
-// differ.
+// Keysyms are looked up before positions: layouts move letters, and servers number the keys beyond the letter block
+// differently.
 #include "platform/X11Keys.h"
 
 #include <X11/XKBlib.h>
@@ -12,6 +12,7 @@
 
 namespace {
 
+/// Keys whose meaning does not depend on the layout, by keysym.
 struct NamedKey {
     unsigned long symbol;
     X11Key key;
@@ -53,9 +54,11 @@ constexpr NamedKey kNamedKeys[] = {
     {XK_KP_Delete, {46, 0x53, false}},
 };
 
+/// Function keys by their number, all others by the table.
 std::optional<X11Key> NamedKeyOf(unsigned long symbol) {
     if (symbol >= XK_F1 && symbol <= XK_F24) {
         const auto n = static_cast<std::int32_t>(symbol - XK_F1);
+        // F1 to F10 are one block of scan codes; the others were added later, in three more.
         const std::int32_t scanCode = n < 10 ? 0x3B + n : n < 12 ? 0x57 + n - 10 : n < 23 ? 0x64 + n - 12 : 0x76;
         return X11Key{112 + n, scanCode, false};
     }
@@ -64,11 +67,11 @@ std::optional<X11Key> NamedKeyOf(unsigned long symbol) {
     return found == std::end(kNamedKeys) ? std::nullopt : std::optional(found->key);
 }
 
-bool IsOfKeypad(unsigned long symbol) { return symbol >= XK_KP_Space && symbol <= XK_KP_Equal; }
+bool IsKeypadSymbol(unsigned long symbol) { return symbol >= XK_KP_Space && symbol <= XK_KP_Equal; }
 
 bool IsDigit(unsigned long symbol) { return symbol >= XK_0 && symbol <= XK_9; }
 
-// The code of what a key types without Shift.
+/// X11Key::code of the character that a key types without Shift; 0 for other characters.
 std::int32_t CodeOfCharacter(unsigned long symbol) {
     if (IsDigit(symbol) || (symbol >= XK_A && symbol <= XK_Z)) return static_cast<std::int32_t>(symbol);
     if (symbol >= XK_a && symbol <= XK_z) return static_cast<std::int32_t>(symbol - XK_a + 'A');
@@ -103,29 +106,32 @@ std::int32_t CodeOfCharacter(unsigned long symbol) {
     }
 }
 
-// What the key at that scan code types on a US keyboard; 0 for the keys that type nothing.
-unsigned long SymbolAtPlace(std::int32_t scanCode) {
-    // From scan code 2 on; a blank stands for a key with a name.
+/// The keysym that the key with this scan code types on a US keyboard; 0 for keys that type nothing.
+unsigned long SymbolAtScanCode(std::int32_t scanCode) {
+    // In the order of the scan codes from 2 on; a space marks a named key.
     constexpr char kCharacters[] = "1234567890-=  qwertyuiop[]  asdfghjkl;'` \\zxcvbnm,./";
     constexpr std::int32_t kFirst = 2, kBetweenShiftAndZ = 0x56;
     if (scanCode == kBetweenShiftAndZ) return XK_less;
     const std::int32_t place = scanCode - kFirst;
     if (place < 0 || place >= static_cast<std::int32_t>(std::size(kCharacters)) - 1) return 0;
-    return kCharacters[place] == ' ' ? 0 : static_cast<unsigned char>(kCharacters[place]);  // Latin 1 is its own symbol
+    return kCharacters[place] == ' '
+               ? 0
+               : static_cast<unsigned char>(kCharacters[place]);  // Latin-1 characters are their own keysyms
 }
 
-// Keycodes of X are those of the PC's letter block plus 8, on every server in use.
+/// X keycodes of the letter block are scan codes plus 8, on every server in use. 0 beyond the block.
 std::int32_t ScanCodeOf(unsigned keycode) {
     constexpr unsigned kFirst = 9, kLast = 8 + 0x58;
     return keycode >= kFirst && keycode <= kLast ? static_cast<std::int32_t>(keycode - 8) : 0;
 }
 
+/// The key by one layout of the keyboard; nothing when that has neither a named key nor an ASCII character there.
 std::optional<X11Key> KeyInGroup(const X11Keyboard& keyboard, unsigned keycode, int group, unsigned state) {
     const unsigned long plain = keyboard.symbol(keycode, group, 0);
     const unsigned long shifted = keyboard.symbol(keycode, group, 1);
-    // Only on the keypad the level decides which key it is; Shift takes Num Lock back there.
+    // Only on the keypad does the level decide which key it is. Shift reverses Num Lock there.
     const bool hasNumLock = (state & keyboard.numLockMask) != 0, hasShift = (state & ShiftMask) != 0;
-    const bool isOnKeypad = IsOfKeypad(plain) || IsOfKeypad(shifted);
+    const bool isOnKeypad = IsKeypadSymbol(plain) || IsKeypadSymbol(shifted);
     const unsigned long symbol = isOnKeypad && hasNumLock != hasShift && shifted != NoSymbol ? shifted : plain;
     if (const auto named = NamedKeyOf(symbol)) return named;
     std::int32_t code = CodeOfCharacter(plain);
@@ -145,16 +151,17 @@ X11Keyboard X11Keyboard::Of(_XDisplay* display) {
     };
     keyboard.numLockMask = XkbKeysymToModifiers(display, XK_Num_Lock);
     keyboard.altMask = XkbKeysymToModifiers(display, XK_Alt_L);
-    if (keyboard.altMask == 0) keyboard.altMask = Mod1Mask;
+    if (keyboard.altMask == 0) keyboard.altMask = Mod1Mask;  // by convention, where no key is mapped to Alt
     return keyboard;
 }
 
 X11Key FindKey(const X11Keyboard& keyboard, unsigned keycode, unsigned state) {
     constexpr int kGroups = 4;
+    // The active layout, the others in their order, the position.
     if (const auto key = KeyInGroup(keyboard, keycode, XkbGroupForCoreState(state), state)) return *key;
     for (int group = 0; group < kGroups; ++group)
         if (const auto key = KeyInGroup(keyboard, keycode, group, state)) return *key;
     const std::int32_t scanCode = ScanCodeOf(keycode);
-    const std::int32_t code = CodeOfCharacter(SymbolAtPlace(scanCode));
+    const std::int32_t code = CodeOfCharacter(SymbolAtScanCode(scanCode));
     return {code != 0 ? code : kKeyUnknown, scanCode, false};
 }

@@ -1,5 +1,5 @@
-// Window, events, pointer and focus. The OpenGL half is GlxContext.cpp, the X errors are X11Connection.cpp, and what
-// pointer and keys mean is X11Input.cpp.
+// The X window: creation, place, OpenGL, cursor. Its events are X11WindowEvents.cpp, the OpenGL calls GlxContext.cpp,
+// the X errors X11Connection.cpp.
 #include "platform/X11Window.h"
 
 #include <X11/XKBlib.h>
@@ -19,41 +19,13 @@ namespace {
 constexpr std::int32_t kLongestSide = 32767;       // X carries sizes in 16 bits
 constexpr std::uintptr_t kLargestId = 0x1FFFFFFF;  // X leaves the three top bits of an id zero
 
-constexpr long kPointerMask = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
-constexpr long kKeyMask = KeyPressMask | KeyReleaseMask;
-constexpr long kWindowMask = StructureNotifyMask | ExposureMask | FocusChangeMask | kPointerMask;
-
 std::string ParentText(std::uintptr_t handle) {
     char text[32];
     std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(handle));
     return std::string("The parent ") + text;
 }
 
-/// Only of what Xlib has read already.
-bool NextIsOneWith(Display* display, const XEvent& event) {
-    if (XEventsQueued(display, QueuedAlready) == 0) return false;
-    XEvent next{};
-    XPeekEvent(display, &next);
-    return X11Input::CanCoalesce(event, next);
-}
-
-unsigned XSide(std::int32_t side) { return static_cast<unsigned>(std::clamp(side, 1, kLongestSide)); }
-
 }  // namespace
-
-/// Around requests. A round trip may read events into the queue of Xlib, where no descriptor tells of them.
-class X11Window::RoundTrip {
-public:
-    explicit RoundTrip(X11Window& window) : m_window(window) { X11Connection::TakeErrors(); }
-    ~RoundTrip() {
-        if (m_window.SystemEventsWait()) m_window.m_messages.Wake();
-    }
-    RoundTrip(const RoundTrip&) = delete;
-    RoundTrip& operator=(const RoundTrip&) = delete;
-
-private:
-    X11Window& m_window;
-};
 
 // ---- life
 
@@ -72,6 +44,7 @@ bool X11Window::Open(std::string* reason) {
         m_pConnection.reset();
         return false;
     }
+    // From here on the host's loop wakes for the events of this connection.
     m_messages.Watch(ConnectionNumber(m_pConnection->Get()));
     m_keyboard = X11Keyboard::Of(m_pConnection->Get());
     XkbSetDetectableAutoRepeat(m_pConnection->Get(), True, nullptr);  // a held key repeats its press alone
@@ -79,12 +52,13 @@ bool X11Window::Open(std::string* reason) {
     return true;
 }
 
+// A host of another toolkit may pass anything: a pixmap, the address of a Wayland surface, an id of another display.
 bool X11Window::FindParent(std::uintptr_t handle, Parent* parent, std::string* reason) {
     Display* const display = m_pConnection->Get();
     XWindowAttributes attributes{};
-    const X11Connection::Attempt attempt(*m_pConnection);
+    const X11Connection::ErrorTrap trap(*m_pConnection);
     const bool possible = handle != 0 && handle <= kLargestId;
-    if (!possible || XGetWindowAttributes(display, handle, &attributes) == 0 || !attempt.Succeeded()) {
+    if (!possible || XGetWindowAttributes(display, handle, &attributes) == 0 || !trap.Succeeded()) {
         *reason = ParentText(handle) + " is not a window of the X display " + m_pConnection->Name();
         return false;
     }
@@ -96,51 +70,55 @@ bool X11Window::FindParent(std::uintptr_t handle, Parent* parent, std::string* r
     return true;
 }
 
+// In the reverse order of creation: the context needs the window, both need the connection.
 void X11Window::Close() {
     Display* const display = m_pConnection->Get();
-    X11Connection::TakeErrors();
+    X11Connection::InstallErrorHandlers();
     m_messages.Unwatch(ConnectionNumber(display));
     m_pGlx.reset();
     if (m_pConnection->IsAlive()) {
         if (m_nWindow != 0) XDestroyWindow(display, m_nWindow);
-        if (m_nColors != 0) XFreeColormap(display, m_nColors);
+        if (m_nColormap != 0) XFreeColormap(display, m_nColormap);
     }
     m_pConnection.reset();
-    m_nWindow = m_nColors = 0;
-    m_nCursorShape = kParentsCursor;
-    m_bCapture = m_bListensToKeys = false;
+    m_nWindow = m_nColormap = m_nResizeSerial = 0;
+    m_nCursorShape = kInheritCursor;
+    m_bCapture = m_bSelectsKeys = false;
     m_input = {};
     m_pendingInputs.clear();
     m_keyboard = {};
 }
 
+// The buttons that are down now are released in the new window. Releases of keys go to it only if it has the focus.
 bool X11Window::Recreate() {
     const bool hadFocus = HasFocus();
     X11Input input = m_input;
     input.ForgetKeys();
     if (!QueuedWindow::Recreate()) return false;
     m_input = input;
-    if (hadFocus) TakeFocus();
+    if (hadFocus) RequestFocus();
     return true;
 }
 
+// Without a server there is no window, whatever its id.
 bool X11Window::Exists() const { return m_nWindow != 0 && m_pConnection->IsAlive(); }
 
+// The exposure of the new window arrives as an event: the first frame on the screen is drawn by ProcessEvents().
 void X11Window::Show() {
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     XMapWindow(m_pConnection->Get(), m_nWindow);
     XSync(m_pConnection->Get(), False);
 }
 
 bool X11Window::Reparent(std::uintptr_t parent, std::int32_t x, std::int32_t y) {
     if (!IsChild() || !Exists()) return false;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     Parent found;
     std::string reason;
     if (!FindParent(parent, &found, &reason) || found.screen != m_parent.screen) return false;
-    const X11Connection::Attempt attempt(*m_pConnection);
+    const X11Connection::ErrorTrap trap(*m_pConnection);
     XReparentWindow(m_pConnection->Get(), m_nWindow, found.window, x, y);
-    if (!attempt.Succeeded()) return false;
+    if (!trap.Succeeded()) return false;
     m_parent = found;
     m_request.parent = parent;
     m_request.x = x;
@@ -152,23 +130,26 @@ void X11Window::Resize(std::int32_t width, std::int32_t height) {
     if (width > kLongestSide || height > kLongestSide) return;
     m_size = {width, height};
     if (!Exists()) return;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     Display* const display = m_pConnection->Get();
-    XResizeWindow(display, m_nWindow, XSide(width), XSide(height));
+    m_nResizeSerial = NextRequest(display);
+    XResizeWindow(display, m_nWindow, WindowSide(width), WindowSide(height));
     XSync(display, False);
 }
+
+unsigned X11Window::WindowSide(std::int32_t side) { return static_cast<unsigned>(std::clamp(side, 1, kLongestSide)); }
 
 // ---- OpenGL
 
 BootstrapReport X11Window::BeginBootstrap() {
     if (m_pGlx == nullptr) return {};
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     return m_pGlx->BeginBootstrap();
 }
 
 bool X11Window::ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) {
     if (m_pGlx == nullptr) return false;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     const std::int32_t found = m_pGlx->FindFormat(attributes);
     if (found != 0) *format = found;
     return found != 0;
@@ -176,42 +157,41 @@ bool X11Window::ChoosePixelFormat(const PixelFormatAttributes& attributes, std::
 
 void X11Window::EndBootstrap() {
     if (m_pGlx == nullptr) return;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     m_pGlx->EndBootstrap();
 }
 
 bool X11Window::SetPixelFormat(std::int32_t format) {
     if (m_pGlx == nullptr || m_nWindow != 0) return false;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     const GlxContext::WindowFormat chosen = m_pGlx->SetFormat(format);
     return chosen.visual != nullptr && MakeWindow(chosen) && m_pGlx->Attach(m_nWindow);
 }
 
 bool X11Window::MakeWindow(const GlxContext::WindowFormat& format) {
     Display* const display = m_pConnection->Get();
-    const X11Connection::Attempt attempt(*m_pConnection);
+    const X11Connection::ErrorTrap trap(*m_pConnection);
+    // A visual other than the parent's needs a colormap and a border of its own, or the server refuses the window.
     auto* const visual = static_cast<Visual*>(format.visual);
-    m_nColors = XCreateColormap(display, RootWindow(display, m_parent.screen), visual, AllocNone);
+    m_nColormap = XCreateColormap(display, RootWindow(display, m_parent.screen), visual, AllocNone);
     XSetWindowAttributes attributes{};
-    attributes.colormap = m_nColors;
-    attributes.event_mask = kWindowMask;
-    // No background: the server would clear what the next frame covers anyway, and it would flicker.
+    attributes.colormap = m_nColormap;
+    // No background: the server would clear what the next frame covers anyway, and the window would flicker.
     attributes.background_pixmap = None;
-    m_nWindow = XCreateWindow(display, m_parent.window, m_request.x, m_request.y, XSide(m_size.width),
-                              XSide(m_size.height), 0, format.depth, InputOutput, visual,
-                              CWColormap | CWEventMask | CWBackPixmap | CWBorderPixel, &attributes);
-    if (!attempt.Succeeded()) {
+    m_nWindow = XCreateWindow(display, m_parent.window, m_request.x, m_request.y, WindowSide(m_size.width),
+                              WindowSide(m_size.height), 0, format.depth, InputOutput, visual,
+                              CWColormap | CWBackPixmap | CWBorderPixel, &attributes);
+    if (!trap.Succeeded()) {
         m_nWindow = 0;
         return false;
     }
-    if (!IsChild()) {
-        DescribeToWindowManager();
-        ListenToKeys(true);
-    }
+    if (!IsChild()) DescribeToWindowManager();
+    SelectEvents(!IsChild());
     ShowCursor();
     return true;
 }
 
+// Title in both encodings, the protocol by which a manager asks to close, and that the window wants the keyboard focus.
 void X11Window::DescribeToWindowManager() {
     Display* const display = m_pConnection->Get();
     const std::string title = KV_ScenePane::PathBytes(m_request.title);
@@ -230,44 +210,46 @@ void X11Window::DescribeToWindowManager() {
 
 bool X11Window::CreateContext(const ContextAttributes& attributes) {
     if (!Exists()) return false;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     return m_pGlx->Create(attributes);
 }
 
-// The window may have been destroyed with its parent and the event not be handled yet. GLX would then call a context
-// current that draws nowhere, so the events that have arrived are looked through; all of them when the context changes.
+// The window may have been destroyed with its parent while that event is still queued. GLX would then make a context
+// current that draws nowhere, so the queued events are searched for it. When the context changes, the server is asked
+// first, so that its events have arrived; asking it for every call would cost a round trip per frame.
 bool X11Window::MakeCurrent() {
     if (Exists() && m_pGlx->Handle() != nullptr) {
-        const RoundTrip roundTrip(*this);
+        const RequestScope scope(*this);
         const bool isCurrent = m_pGlx->IsCurrent();
         if (!isCurrent) XSync(m_pConnection->Get(), False);
-        if (!IsTaken() && (isCurrent || m_pGlx->MakeCurrent())) return true;
+        if (!IsLost() && (isCurrent || m_pGlx->MakeCurrent())) return true;
     }
     ReleaseCurrentEgl();
     ReleaseCurrentGlx();
     return false;
 }
 
-bool X11Window::IsTaken() {
+// Takes that one event out of the queue; all others stay in their order for ProcessEvents().
+bool X11Window::IsLost() {
     Display* const display = m_pConnection->Get();
     XEvent event{};
     if (m_nWindow != 0 && XEventsQueued(display, QueuedAfterReading) > 0 &&
         XCheckTypedWindowEvent(display, m_nWindow, DestroyNotify, &event) == True) {
         m_nWindow = 0;
-        m_messages.Wake();  // the client hears of it in the next round
+        m_messages.Wake();  // the next ProcessEvents() runs OnDestroy()
     }
     return !Exists();
 }
 
 void X11Window::DeleteContext() {
     if (m_pGlx == nullptr) return;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     m_pGlx->Delete();
 }
 
 void X11Window::SwapBuffers() {
     if (!Exists() || m_pGlx->Handle() == nullptr) return;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     m_pGlx->SwapBuffers();
 }
 
@@ -288,158 +270,18 @@ void X11Window::EndWaitCursor() {
     ShowCursor();
 }
 
-// Flushed at once: a wait cursor is shown by one who is about to keep the thread busy.
+// Flushed at once: after a wait cursor is set, the thread is busy for long and sends nothing.
 void X11Window::ShowCursor() {
     if (!Exists()) return;
-    const RoundTrip roundTrip(*this);
+    const RequestScope scope(*this);
     const unsigned shape = m_nWaitCursors > 0              ? XC_watch
                            : m_cursor == PaneCursor::Lasso ? XC_crosshair
-                                                           : kParentsCursor;
+                                                           : kInheritCursor;
     if (shape == m_nCursorShape) return;
     m_nCursorShape = shape;
     Display* const display = m_pConnection->Get();
-    const Cursor cursor = shape == kParentsCursor ? None : XCreateFontCursor(display, shape);
+    const Cursor cursor = shape == kInheritCursor ? None : XCreateFontCursor(display, shape);
     XDefineCursor(display, m_nWindow, cursor);
     if (cursor != None) XFreeCursor(display, cursor);  // the window keeps it
     XFlush(display);
-}
-
-// ---- events
-
-bool X11Window::SystemEventsWait() const {
-    if (m_pConnection == nullptr) return false;
-    return !m_pConnection->IsAlive() || XEventsQueued(m_pConnection->Get(), QueuedAfterFlush) > 0;
-}
-
-void X11Window::HandleSystemEvents() {
-    const RoundTrip roundTrip(*this);
-    // As many as wait now: a server that sends without end must not keep the host's loop here. A handler may close the
-    // window and the connection with it, make both anew, or run a round of its own.
-    for (int count = XPending(m_pConnection->Get()); count > 0 && m_pConnection != nullptr && Exists(); --count) {
-        Display* const display = m_pConnection->Get();
-        if (XEventsQueued(display, QueuedAlready) == 0) return;
-        XEvent event{};
-        XNextEvent(display, &event);
-        int together = 1;
-        for (; count > 1 && NextIsOneWith(display, event); --count, ++together) XNextEvent(display, &event);
-        HandleEvent(event, together);
-    }
-}
-
-// Whatever calls the client comes last: it may have closed the window.
-void X11Window::HandleEvent(const _XEvent& event, int together) {
-    if (event.type == MappingNotify) {  // of no window
-        XMappingEvent mapping = event.xmapping;
-        XRefreshKeyboardMapping(&mapping);
-        m_keyboard = X11Keyboard::Of(m_pConnection->Get());
-        return;
-    }
-    if (event.xany.window != m_nWindow) return;
-    switch (event.type) {
-        case Expose:
-            if (event.xexpose.count == 0) m_paintQueue.Request(true);
-            break;
-        case ConfigureNotify:
-            TakeConfiguration(event);
-            break;
-        case ReparentNotify:
-            if (!IsChild()) break;  // a window manager's frame is no parent of ours
-            m_parent.window = event.xreparent.parent;
-            m_request.parent = m_parent.window;
-            m_request.x = event.xreparent.x;
-            m_request.y = event.xreparent.y;
-            break;
-        case UnmapNotify:
-            DispatchMouse(m_input.ReleaseButtons());
-            break;
-        case DestroyNotify:
-            m_nWindow = 0;
-            break;
-        case ClientMessage:
-            if (m_nDeleteWindow != 0 && static_cast<Atom>(event.xclient.data.l[0]) == m_nDeleteWindow) Destroy();
-            break;
-        case FocusIn:
-        case FocusOut:
-            TakeFocusChange(event);
-            break;
-        case ButtonPress:
-        case ButtonRelease:
-        case MotionNotify:
-            TakeMouse(event);
-            break;
-        case KeyPress:
-        case KeyRelease:
-            m_pClient->OnKey(m_input.TakeKey(event, together, m_keyboard));
-            break;
-        default:
-            break;
-    }
-}
-
-void X11Window::TakeConfiguration(const _XEvent& event) {
-    const XConfigureEvent& configuration = event.xconfigure;
-    if (IsChild()) {
-        m_request.x = configuration.x;
-        m_request.y = configuration.y;
-    }
-    // The window of a size of nothing has one pixel.
-    const bool sameSize = XSide(m_size.width) == static_cast<unsigned>(configuration.width) &&
-                          XSide(m_size.height) == static_cast<unsigned>(configuration.height);
-    if (!sameSize) m_size = {configuration.width, configuration.height};
-}
-
-void X11Window::TakeMouse(const _XEvent& event) {
-    std::vector<KV_ScenePane::MouseInput> inputs = m_input.TakeLostReleases(event);
-    if (const std::optional<KV_ScenePane::MouseInput> input = m_input.TakeMouse(event)) {
-        if (event.type == ButtonPress && input->kind != KV_ScenePane::MouseInput::Kind::Wheel) TakeFocus();
-        inputs.push_back(*input);
-    }
-    DispatchMouse(inputs);
-}
-
-// A handler may close the window, or run a round that tells the rest before what it finds itself.
-void X11Window::DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs) {
-    m_pendingInputs.insert(m_pendingInputs.end(), inputs.begin(), inputs.end());
-    while (!m_pendingInputs.empty()) {
-        const KV_ScenePane::MouseInput input = m_pendingInputs.front();
-        m_pendingInputs.pop_front();
-        m_pClient->OnMouse(input);
-    }
-}
-
-// ---- keys
-
-bool X11Window::HasFocus() {
-    if (!Exists()) return false;
-    const RoundTrip roundTrip(*this);
-    Window focused = None;
-    int revert = 0;
-    XGetInputFocus(m_pConnection->Get(), &focused, &revert);
-    return focused == m_nWindow;
-}
-
-// Not with the time of the press, as programs do that share the screen: a window manager may have given the focus to
-// the host's window for the same press, at a later time, and the pane inside it would stay deaf.
-void X11Window::TakeFocus() {
-    const RoundTrip roundTrip(*this);
-    const X11Connection::Attempt attempt(*m_pConnection);
-    XSetInputFocus(m_pConnection->Get(), m_nWindow, RevertToParent, CurrentTime);
-    if (attempt.Succeeded()) ListenToKeys(true);
-}
-
-void X11Window::TakeFocusChange(const _XEvent& event) {
-    const XFocusChangeEvent& change = event.xfocus;
-    if (event.type == FocusOut) m_input.ForgetKeys();
-    const bool isByGrab = change.mode == NotifyGrab || change.mode == NotifyUngrab;
-    const bool isByPointer = change.detail == NotifyPointer || change.detail == NotifyPointerRoot;
-    if (IsChild() && !isByGrab && !isByPointer) ListenToKeys(event.type == FocusIn);
-}
-
-// X gives the keys of a focused window to the child below the pointer, if that listens: a pane that always did would
-// take what the user types into a field of the host while the pointer rests on the pane.
-void X11Window::ListenToKeys(bool listen) {
-    if (listen == m_bListensToKeys) return;
-    m_bListensToKeys = listen;
-    XSelectInput(m_pConnection->Get(), m_nWindow, listen ? kWindowMask | kKeyMask : kWindowMask);
-    XFlush(m_pConnection->Get());
 }

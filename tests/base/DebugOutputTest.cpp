@@ -7,13 +7,15 @@
 #include <thread>
 #include <vector>
 
+#include "support/Wait.h"
+
 namespace {
 
 struct DebugOutputTest : testing::Test {
     ~DebugOutputTest() override { KV_ScenePane::SetDebugOutputSink({}); }
 };
 
-TEST_F(DebugOutputTest, GoesToStandardErrorByDefaultAndAgainAfterAnEmptySink) {
+TEST_F(DebugOutputTest, GoesToStandardErrorWithoutASink) {
     testing::internal::CaptureStderr();
     DebugOutput("one\n");
     KV_ScenePane::SetDebugOutputSink([](std::string_view) {});
@@ -23,7 +25,7 @@ TEST_F(DebugOutputTest, GoesToStandardErrorByDefaultAndAgainAfterAnEmptySink) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\nthree\n");
 }
 
-TEST_F(DebugOutputTest, TheSinkGetsTheTextAsItIs) {
+TEST_F(DebugOutputTest, PassesTheTextToTheSinkUnchanged) {
     std::vector<std::string> texts;
     KV_ScenePane::SetDebugOutputSink([&](std::string_view text) { texts.emplace_back(text); });
     DebugOutput("Z\xC3\xA4hne: no points\n");
@@ -31,7 +33,7 @@ TEST_F(DebugOutputTest, TheSinkGetsTheTextAsItIs) {
     EXPECT_EQ(texts, (std::vector<std::string>{"Z\xC3\xA4hne: no points\n", ""}));
 }
 
-TEST_F(DebugOutputTest, ManyThreadsCallTheSinkOneAtATime) {
+TEST_F(DebugOutputTest, SerialisesTheCallsOfSeveralThreads) {
     std::atomic<int> inside = 0, overlaps = 0;
     int calls = 0;  // unguarded: the calls are in turn
     KV_ScenePane::SetDebugOutputSink([&](std::string_view) {
@@ -50,20 +52,21 @@ TEST_F(DebugOutputTest, ManyThreadsCallTheSinkOneAtATime) {
     EXPECT_EQ(overlaps, 0);
 }
 
-TEST_F(DebugOutputTest, TheFormerSinkIsNotCalledAfterItWasReplaced) {
+TEST_F(DebugOutputTest, NeverCallsASinkAfterItWasReplaced) {
     std::atomic<bool> replaced = false, end = false;
-    std::atomic<int> late = 0;
+    std::atomic<int> early = 0, late = 0, received = 0;
     KV_ScenePane::SetDebugOutputSink([&](std::string_view) {
+        ++early;
         std::this_thread::yield();
         if (replaced) ++late;
     });
     std::thread writer([&] {
         while (!end) DebugOutput("x");
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    KV_ScenePane::SetDebugOutputSink([](std::string_view) {});
+    EXPECT_TRUE(WaitUntil([&] { return early > 100; }));
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view) { ++received; });
     replaced = true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_TRUE(WaitUntil([&] { return received > 100; }));
     end = true;
     writer.join();
     EXPECT_EQ(late, 0);

@@ -1,18 +1,16 @@
 // Viewers in X11 windows of a host: hundreds in turn, several at once, reparented, orphaned, refused, exposed, resized.
 #include <gtest/gtest.h>
-#include <poll.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "control/ScenePaneCtrl.h"
 #include "platform/HostWindow.h"
 #include "support/ProcessSize.h"
 #include "support/TestFolder.h"
+#include "support/Wait.h"
 #include "support/XvfbServer.h"
 
 // Last: its macros collide with names of the other headers.
@@ -24,7 +22,6 @@ using KV_ScenePane::CreateScenePane;
 using KV_ScenePane::Picture;
 using KV_ScenePane::ScenePane;
 using KV_ScenePane::WindowRequest;
-using namespace std::chrono_literals;
 
 [[maybe_unused]] const std::string& g_logFolder = TestFolder();
 
@@ -33,23 +30,6 @@ constexpr std::int32_t kRedRef = 0x0000FF, kGreenRef = 0x00FF00, kBlueRef = 0xFF
 
 int g_xErrors = 0;
 int CountXError(Display*, XErrorEvent*) { return ++g_xErrors; }
-
-/// The server closes its end of a connection some time after the client.
-bool ClientsComeDownTo(int count) {
-    for (int i = 0; i < 250 && XvfbServer::Shared().ClientCount() > count; ++i) std::this_thread::sleep_for(20ms);
-    return XvfbServer::Shared().ClientCount() == count;
-}
-
-/// Drives the viewer's events until @p done, for at most ten seconds.
-bool PumpUntil(ScenePane& pane, const std::function<bool()>& done) {
-    for (const auto end = std::chrono::steady_clock::now() + 10s; std::chrono::steady_clock::now() < end;) {
-        pane.ProcessEvents();
-        if (done()) return true;
-        pollfd waiting{pane.EventDescriptor(), POLLIN, 0};
-        poll(&waiting, 1, 20);
-    }
-    return false;
-}
 
 class HostedViewers : public testing::Test {
 protected:
@@ -75,14 +55,10 @@ protected:
         return pane;
     }
 
-    /// Whether the screen shows a colour within two seconds, without any event of a viewer being handled.
-    bool Shows(int x, int y, const Rgba& color) {
-        for (int i = 0; i < 100; ++i) {
-            const Rgba shown = host->ShownAt(x, y);
-            if (shown.r == color.r && shown.g == color.g && shown.b == color.b) return true;
-            std::this_thread::sleep_for(20ms);
-        }
-        return false;
+    [[nodiscard]] bool ShowsNow(int x, int y, const Rgba& color) { return host->ShownAt(x, y) == color; }
+    /// Whether the screen comes to show a colour, without any event of a viewer being handled.
+    [[nodiscard]] bool Shows(int x, int y, const Rgba& color) {
+        return WaitUntil([&] { return ShowsNow(x, y, color); });
     }
 
     std::optional<HostWindow> host;
@@ -102,7 +78,7 @@ void SetColorSilently(ScenePane& pane, std::int32_t color) {
 
 TEST_F(HostedViewers, OpenAndCloseThreeHundredTimesWithoutALeak) {
     for (int i = 0; i < 20; ++i) Open();  // the driver's one-time allocations
-    ASSERT_TRUE(ClientsComeDownTo(1)) << "the host alone";
+    ASSERT_TRUE(XvfbServer::Shared().WaitForClients(1)) << "the host alone";
     const int descriptors = OpenDescriptors();
     const long megabytes = ResidentMegabytes();
     for (int i = 0; i < 280; ++i) {
@@ -110,7 +86,7 @@ TEST_F(HostedViewers, OpenAndCloseThreeHundredTimesWithoutALeak) {
         ASSERT_NE(pane, nullptr) << i;
         pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     }
-    EXPECT_TRUE(ClientsComeDownTo(1)) << XvfbServer::Shared().ClientCount();
+    EXPECT_TRUE(XvfbServer::Shared().WaitForClients(1)) << XvfbServer::Shared().ClientCount();
     EXPECT_EQ(OpenDescriptors(), descriptors);
     EXPECT_EQ(host->ChildCount(), 0);
     EXPECT_LT(ResidentMegabytes() - megabytes, 28 + kQuarantineMegabytes)
@@ -135,7 +111,7 @@ TEST_F(HostedViewers, SurviveTheDestructionOfTheHostsWindow) {
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     ASSERT_TRUE(pane->HasWindow());
     host->Destroy();
-    EXPECT_TRUE(PumpUntil(*pane, [&] { return !pane->HasWindow(); }));
+    EXPECT_TRUE(ProcessEventsUntil(*pane, [&] { return !pane->HasWindow(); }));
     EXPECT_EQ(pane->NativeWindow(), 0u);
     KV_ScenePane::_DKV_ScenePane& methods = pane->Methods();
     const float vertices[] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
@@ -185,7 +161,7 @@ TEST_F(HostedViewers, MoveToAnotherWindowOfTheHostAndBack) {
     ASSERT_TRUE(pane->Reparent(host->Id(), 0, 0));
     EXPECT_EQ(host->PlaceOf(window).parent, host->Id());
     host->Destroy();  // destroys the viewer with it, not its former parent
-    EXPECT_TRUE(PumpUntil(*pane, [&] { return !pane->HasWindow(); }));
+    EXPECT_TRUE(ProcessEventsUntil(*pane, [&] { return !pane->HasWindow(); }));
 }
 
 TEST_F(HostedViewers, KeepTheirParentWhenTheNewOneIsNotAWindow) {
@@ -269,12 +245,12 @@ TEST_F(HostedViewers, DrawBeforeARefreshReturnsAndAfterAnInvalidate) {
     const auto pane = Open();
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     ASSERT_TRUE(Shows(50, 40, kRed));
-    PumpUntil(*pane, [&, i = 0]() mutable { return ++i > 5; });  // events of the mapping
+    ASSERT_TRUE(HandleAllEvents(*host, *pane));  // those of the mapping
     SetColorSilently(*pane, kGreenRef);
     pane->Methods().PerformInvalidate();
-    std::this_thread::sleep_for(100ms);
-    EXPECT_TRUE(Shows(50, 40, kRed)) << "an invalidate has drawn";
-    EXPECT_TRUE(PumpUntil(*pane, [&] { return host->ShownAt(50, 40).g == 255; }));
+    (void)pane->Reparent(0, 0, 0);  // refused, after the server has processed all requests of the viewer
+    EXPECT_TRUE(ShowsNow(50, 40, kRed)) << "an invalidate has drawn";
+    EXPECT_TRUE(ProcessEventsUntil(*pane, [&] { return host->ShownAt(50, 40).g == 255; }));
     SetColorSilently(*pane, kBlueRef);
     pane->Methods().PerformRefresh();
     EXPECT_TRUE(Shows(50, 40, kBlue)) << "a refresh has not drawn";
@@ -287,10 +263,10 @@ TEST_F(HostedViewers, KeepARequestPendingUntilPaintingIsUnblocked) {
     pane->Methods().BlockPaintEvents(-1);
     pane->Methods().SetBackgroundColors(kGreenRef, kGreenRef);
     for (int i = 0; i < 5; ++i) pane->ProcessEvents();
-    std::this_thread::sleep_for(100ms);
-    EXPECT_EQ(host->ShownAt(50, 40).r, 255) << "drawn in spite of the block";
+    (void)pane->Reparent(0, 0, 0);  // refused, after the server has processed all requests of the viewer
+    EXPECT_TRUE(ShowsNow(50, 40, kRed)) << "drawn in spite of the block";
     pane->Methods().BlockPaintEvents(0);
-    EXPECT_TRUE(PumpUntil(*pane, [&] { return host->ShownAt(50, 40).g == 255; }));
+    EXPECT_TRUE(ProcessEventsUntil(*pane, [&] { return host->ShownAt(50, 40).g == 255; }));
 }
 
 TEST_F(HostedViewers, RepaintAnExposedArea) {
@@ -304,7 +280,7 @@ TEST_F(HostedViewers, RepaintAnExposedArea) {
     ASSERT_TRUE(Shows(50, 40, kGreen));
     XDestroyWindow(display, cover);
     XSync(display, False);
-    EXPECT_TRUE(PumpUntil(*pane, [&] { return host->ShownAt(50, 40).r == 255; }));
+    EXPECT_TRUE(ProcessEventsUntil(*pane, [&] { return host->ShownAt(50, 40).r == 255; }));
     EXPECT_EQ(host->ShownAt(50, 40).g, 0);
 }
 
@@ -313,7 +289,7 @@ TEST_F(HostedViewers, AdoptTheSizeThatTheHostGivesTheWindow) {
     pane->Methods().SetBackgroundColors(kRedRef, kRedRef);
     XResizeWindow(host->Display(), pane->NativeWindow(), 300, 120);
     XSync(host->Display(), False);
-    EXPECT_TRUE(PumpUntil(*pane, [&] { return ControlOf(*pane).m_nWidth == 300; }));
+    EXPECT_TRUE(ProcessEventsUntil(*pane, [&] { return ControlOf(*pane).m_nWidth == 300; }));
     EXPECT_EQ(ControlOf(*pane).m_nHeight, 120);
     EXPECT_FLOAT_EQ(ControlOf(*pane).m_fAspectX, 2.5f);
     EXPECT_TRUE(Shows(290, 110, kRed));
@@ -321,6 +297,52 @@ TEST_F(HostedViewers, AdoptTheSizeThatTheHostGivesTheWindow) {
     ASSERT_TRUE(pane->CapturePicture(&picture));
     EXPECT_EQ(picture.width, 300);
     EXPECT_EQ(picture.height, 120);
+}
+
+TEST_F(HostedViewers, CaptureTheCurrentSceneWhateverEventsAreQueued) {
+    const auto pane = Open();
+    KV_ScenePane::_DKV_ScenePane& methods = pane->Methods();
+    methods.SetBackgroundColors(kRedRef, kRedRef);
+    const float vertices[] = {-9, -9, 0, 9, -9, 0, 0, 9, 0};
+    const std::int32_t triangles[] = {0, 1, 2};
+    methods.ImportMeshFromMemory(3, 1, vertices, triangles);
+    methods.CenterView();
+    Display* const display = host->Display();
+    const Window window = pane->NativeWindow();
+
+    const struct {
+        const char* name;
+        std::function<void()> request;
+        int width, height;
+    } rows[] = {
+        {"nothing", [] {}, 100, 80},
+        {"exposed", [&] { XClearArea(display, window, 0, 0, 0, 0, True); }, 100, 80},
+        {"larger", [&] { XResizeWindow(display, window, 300, 120); }, 300, 120},
+        {"smaller", [&] { XResizeWindow(display, window, 90, 50); }, 90, 50},
+        {"unmapped", [&] { XUnmapWindow(display, window); }, 90, 50},
+        {"mapped again", [&] { XMapWindow(display, window); }, 90, 50},
+        {"moved and exposed",
+         [&] { XMoveWindow(display, window, 5, 5), XClearArea(display, window, 0, 0, 9, 9, True); }, 90, 50},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        row.request();
+        host->Sync();
+        (void)pane->Reparent(0, 0, 0);  // refused, after the connection has read all events; none is handled
+        for (const std::int16_t visible : {std::int16_t{0}, std::int16_t{1}}) {
+            methods.SetObjectVisibility(0, visible);
+            Picture picture;
+            ASSERT_TRUE(pane->CapturePicture(&picture));
+            EXPECT_EQ(picture.width, row.width);
+            EXPECT_EQ(picture.height, row.height);
+            const auto middle = static_cast<std::size_t>(picture.height / 2 * picture.width + picture.width / 2);
+            EXPECT_EQ(picture.pixels.at(middle) == 0xFFFF0000, visible == 0);
+            EXPECT_EQ(picture.pixels.front(), 0xFFFF0000);
+            EXPECT_EQ(picture.pixels.back(), 0xFFFF0000);
+        }
+    }
+    ASSERT_TRUE(HandleAllEvents(*host, *pane));
+    EXPECT_EQ(ControlOf(*pane).m_nWidth, 90);
 }
 
 TEST_F(HostedViewers, AdoptTheSizeOfSetSize) {

@@ -1,4 +1,4 @@
-// The log file's place, its records and what happens without a place to write.
+// The place of the log file, its records, and what happens when it cannot be opened.
 #include "log/Log.h"
 
 #include <gtest/gtest.h>
@@ -12,16 +12,16 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <limits>
 #include <locale>
 #include <regex>
 #include <string>
-#include <thread>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// The log is made once per process, so each test writes in a child process with a temporary folder of its own.
+// The log is opened once per process, so each test writes in a child process with a temporary folder of its own.
 class LogFile : public testing::Test {
 protected:
     void SetUp() override {
@@ -34,7 +34,7 @@ protected:
         fs::remove_all(m_folder);
     }
 
-    // Runs @p write in a child whose temporary folder is m_folder, and returns what the log then holds.
+    // Runs @p write in a child process whose temporary folder is m_folder, and returns the content of the log.
     std::string Written(const std::function<void()>& write) {
         EXPECT_EXIT(
             {
@@ -50,14 +50,7 @@ protected:
     fs::path m_folder;
 };
 
-int NumberBehindTheTime(const std::string& log, std::size_t record) {
-    const std::regex header(R"(\[\d\d:\d\d:\d\d\.(\d\d\d)\])");
-    auto found = std::sregex_iterator(log.begin(), log.end(), header);
-    std::advance(found, static_cast<std::ptrdiff_t>(record));
-    return std::stoi((*found)[1]);
-}
-
-TEST_F(LogFile, HoldsOneLineARecordWithTimeAndLevel) {
+TEST_F(LogFile, HasOneLinePerRecordWithTimeAndLevel) {
     const std::string log = Written([] {
         Log(LogLevel::Error) << "one" << std::endl;
         Log(LogLevel::Warning) << "two" << std::endl;
@@ -71,17 +64,33 @@ TEST_F(LogFile, HoldsOneLineARecordWithTimeAndLevel) {
         << log;
 }
 
-TEST_F(LogFile, CountsTheNumberFromTheFirstRecordModulo1000) {
-    const std::string log = Written([] {
-        Log(LogLevel::Info) << "a" << std::endl;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
-        Log(LogLevel::Info) << "b" << std::endl;
-    });
-    EXPECT_EQ(NumberBehindTheTime(log, 0), 0);
-    EXPECT_NEAR(NumberBehindTheTime(log, 1), 500, 90);
+std::int64_t Milliseconds() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
-TEST_F(LogFile, GetsTwoHeadersInOneLineWhenTheLineFeedIsLeftOut) {
+// The child itself notes the times around its two records.
+TEST_F(LogFile, HasTheMillisecondsSinceTheFirstRecord) {
+    const std::string log = Written([] {
+        const std::int64_t before = Milliseconds();
+        Log(LogLevel::Info) << "a" << std::endl;
+        const std::int64_t after = Milliseconds();
+        while (Milliseconds() < after + 3) {
+        }  // so that the number cannot be 0 again
+        const std::int64_t earliest = Milliseconds() - after;
+        std::ostream& record = Log(LogLevel::Info);
+        record << earliest << " " << Milliseconds() - before << std::endl;
+    });
+    std::smatch found;
+    ASSERT_TRUE(
+        std::regex_match(log, found, std::regex(R"(\[.{8}\.000\] <INFO>: a\n\[.{8}\.(\d+)\] <INFO>: (\d+) (\d+)\n)")))
+        << log;
+    const int number = std::stoi(found[1]), earliest = std::stoi(found[2]), latest = std::stoi(found[3]);
+    EXPECT_GE(earliest, 3);
+    EXPECT_LE(((number - earliest) % 1000 + 1000) % 1000, latest - earliest) << log;
+}
+
+TEST_F(LogFile, HasTwoHeadersInOneLineWithoutALineEnd) {
     const std::string log = Written([] {
         Log(LogLevel::Error) << "first. ";
         Log(LogLevel::Error) << "second" << std::endl;
@@ -90,7 +99,7 @@ TEST_F(LogFile, GetsTwoHeadersInOneLineWhenTheLineFeedIsLeftOut) {
         << log;
 }
 
-TEST_F(LogFile, KeepsWhatFormerRunsWrote) {
+TEST_F(LogFile, IsAppendedToByTheNextProcess) {
     Written([] { Log(LogLevel::Info) << "former run" << std::endl; });
     const std::string log = Written([] { Log(LogLevel::Info) << "this run" << std::endl; });
     EXPECT_LT(log.find("former run"), log.find("this run"));
@@ -110,20 +119,20 @@ TEST_F(LogFile, IsOnDiskBeforeTheProcessEnds) {
     EXPECT_NE(log.find("last words\n"), std::string::npos);
 }
 
-TEST_F(LogFile, FallsAwaySilentlyWithoutAPlaceToWrite) {
-    fs::create_directory(m_folder / "viewer.log");  // a folder in the file's place stops root, too
+TEST_F(LogFile, IgnoresWritesWhenTheFileCannotBeOpened) {
+    fs::create_directory(m_folder / "viewer.log");  // a folder of that name: not even root can open it
     EXPECT_EXIT(
         {
             setenv("TMPDIR", m_folder.c_str(), 1);
-            Log(LogLevel::Error) << "nobody hears" << std::endl;
-            Log(LogLevel::Info) << "this" << std::endl;
+            Log(LogLevel::Error) << "not written" << std::endl;
+            Log(LogLevel::Info) << "nor this" << std::endl;
             std::exit(0);
         },
         testing::ExitedWithCode(0), "^$");
     EXPECT_TRUE(fs::is_empty(m_folder / "viewer.log"));
 }
 
-TEST_F(LogFile, WritesNumbersTheSameUnderALocaleOfTheHost) {
+TEST_F(LogFile, WritesNumbersIndependentOfTheLocale) {
     const std::string log = Written([] {
         struct Grouping : std::numpunct<char> {
             char do_decimal_point() const override { return ','; }
@@ -135,5 +144,44 @@ TEST_F(LogFile, WritesNumbersTheSameUnderALocaleOfTheHost) {
     });
     EXPECT_NE(log.find(">: 12345 1.5\n"), std::string::npos) << log;
 }
+
+// ---- the time of a record
+
+struct TimeRow {
+    const char* name;
+    const char* zone;
+    std::time_t time;
+    std::int64_t milliseconds;
+    const char* text;
+};
+void PrintTo(const TimeRow& row, std::ostream* out) { *out << row.name; }
+
+// 86'399 is the last second of a day.
+const TimeRow kTimes[] = {
+    {"FirstRecord", "UTC0", 0, 0, "00:00:00.000"},
+    {"LastOfTheThousand", "UTC0", 86'399, 999, "23:59:59.999"},
+    {"StartsAgainFromZero", "UTC0", 86'399, 1000, "23:59:59.000"},
+    {"IsNotTheFractionOfTheSecond", "UTC0", 86'399, 1'500, "23:59:59.500"},
+    {"AfterDays", "UTC0", 3'661, 5'000'000'042, "01:01:01.042"},
+    {"IsLocalTime", "XYZ-5:30", 3'661, 7, "06:31:01.007"},
+    {"YearBeyondTheCalendar", "UTC0", std::numeric_limits<std::time_t>::max(), 0, "Error in NowTime()"},
+};
+
+class LogTimeTest : public testing::TestWithParam<TimeRow> {
+protected:
+    LogTimeTest() { SetZone(GetParam().zone); }
+    ~LogTimeTest() override { SetZone(nullptr); }
+
+private:
+    static void SetZone(const char* zone) {
+        zone == nullptr ? unsetenv("TZ") : setenv("TZ", zone, 1);
+        tzset();
+    }
+};
+
+TEST_P(LogTimeTest, IsLocalTimeAndMillisecondsModulo1000) {
+    EXPECT_EQ(LogTime(GetParam().time, GetParam().milliseconds), GetParam().text);
+}
+INSTANTIATE_TEST_SUITE_P(All, LogTimeTest, testing::ValuesIn(kTimes), [](const auto& row) { return row.param.name; });
 
 }  // namespace

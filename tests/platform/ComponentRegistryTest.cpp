@@ -1,4 +1,4 @@
-// The component library as the viewer calls it: what a status means, and objects that release themselves.
+// How the viewer calls the component library: texts of status codes, and objects that release themselves.
 #include "platform/ComponentRegistry.h"
 
 #include <gtest/gtest.h>
@@ -39,21 +39,21 @@ std::string TextOf(void (*call)()) {
     }
 }
 
-TEST(RequireSuccess, ThrowsTheTextOfEveryOtherStatus) {
+TEST(RequireSuccess, ThrowsTheTextOfEveryStatusButSuccess) {
     EXPECT_NO_THROW(RequireSuccess(1));
     EXPECT_EQ(TextOf([] { RequireSuccess(0); }), "this is an invalid return value");
     EXPECT_EQ(TextOf([] { RequireSuccess(-6); }), "the operation has been canceled");
     EXPECT_EQ(TextOf([] { RequireSuccess(2); }), "?");
 }
 
-TEST(RequireComponent, NamesTheObjectAndAsksForTheStartOfTheRegistry) {
+TEST(RequireComponent, ReportsTheObjectAndAsksWhetherTheRegistryIsStarted) {
     EXPECT_EQ(CreateComponent(image::kFactory, image::kInterface), nullptr);
     EXPECT_EQ(TextOf([] { (void)RequireComponent(image::kFactory, image::kInterface); }),
               "the component library gives no object {312F34D3-886E-4DEB-8B33-D8F9B923D637}: is the registry started "
               "(InitializeKVReg)?");
 }
 
-TEST(CreateComponent, GivesTheInterfaceOrNothing) {
+TEST(CreateComponent, ReturnsTheInterfaceOrNull) {
     KV_Components_Ordinal1();
     const ComponentPtr picture = CreateComponent(image::kFactory, image::kInterface);
     ASSERT_TRUE(picture);
@@ -63,7 +63,7 @@ TEST(CreateComponent, GivesTheInterfaceOrNothing) {
     KV_Components_Ordinal3();
 }
 
-/// An object of another library: counts what is done to it.
+/// An object of another library that counts its calls.
 struct CountingObject : KvComponents::Object {
     CountingObject() : Object{kOperations} {}
 
@@ -85,7 +85,7 @@ const KvComponents::Object::Entry CountingObject::kOperations[3] = {
     reinterpret_cast<Entry>(&CountingObject::Query), reinterpret_cast<Entry>(&CountingObject::AddReference),
     reinterpret_cast<Entry>(&CountingObject::Release)};
 
-TEST(QueryComponent, TakesAnInterfaceOnlyWithTheStatusOne) {
+TEST(QueryComponent, ReturnsAnInterfaceOnlyWithTheStatusOne) {
     for (const std::int32_t status : {0, -1, -2, -3, -4, -5, -6, 2}) {
         CountingObject object;
         object.queryAnswer = status;

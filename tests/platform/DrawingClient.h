@@ -1,4 +1,4 @@
-// A client as a viewer is one: makes its context in OnCreate(), clears and draws in OnPaint().
+// A client like the viewer: makes its context in OnCreate(), clears and draws in OnPaint().
 #pragma once
 #include <GL/glew.h>
 
@@ -16,15 +16,15 @@ struct Rgba {
 };
 inline void PrintTo(const Rgba& c, std::ostream* out) { *out << c.r << ' ' << c.g << ' ' << c.b << ' ' << c.a; }
 
-/// A pixel of what was drawn last; (0, 0) is at the bottom left.
+/// A pixel of the last frame; (0, 0) is at the bottom left.
 inline Rgba PixelAt(int x, int y) {
     std::array<std::uint8_t, 4> bytes{};
     glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
     return {bytes[0], bytes[1], bytes[2], bytes[3]};
 }
 
-/// Resolves the samples of the default framebuffer into one that PixelAt() reads then. Reading the pixels of a
-/// multisampled framebuffer directly gives one of the samples on llvmpipe, not their mean.
+/// Resolves the samples of the default framebuffer into one that PixelAt() reads afterwards. Reading a multisampled
+/// framebuffer directly returns one of the samples on llvmpipe, not their mean.
 inline void BindResolvedCopy(int width, int height) {
     GLuint framebuffer = 0, colors = 0;
     glGenFramebuffers(1, &framebuffer);
@@ -39,7 +39,7 @@ inline void BindResolvedCopy(int width, int height) {
 
 class DrawingClient final : public WindowClient {
 public:
-    /// @param window  outlives the client, and ends with it
+    /// @param window  must outlive the client; destroyed (not deleted) with it
     explicit DrawingClient(PaneWindow& window) : m_window(window) {}
     ~DrawingClient() { m_window.Destroy(); }
     DrawingClient(const DrawingClient&) = delete;
@@ -90,7 +90,7 @@ public:
         if (onKey) onKey(input);
     }
 
-    /// The colour over all, and a white square of ten pixels at the bottom left.
+    /// One colour, and a white square of ten pixels at the bottom left.
     void Draw() {
         const WindowSize size = m_window.ClientSize();
         glViewport(0, 0, size.width, size.height);

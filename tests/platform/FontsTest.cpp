@@ -1,3 +1,4 @@
+// Glyphs of the fonts of this machine, and of machines with other fonts.
 #include "platform/Fonts.h"
 
 #include <gtest/gtest.h>
@@ -11,14 +12,14 @@
 
 #include "support/ScratchFolder.h"
 
-// Outside the namespace of the tests: found by the type alone.
+// In the namespace of its type, where gtest finds it.
 void PrintTo(const FontRequest& request, std::ostream* out) { *out << request.family << ' ' << request.height; }
 
 namespace {
 
 namespace fs = std::filesystem;
 
-const FontRequest kStock;
+const FontRequest kDefault;
 const FontRequest kMedium{.family = "Courier New", .weight = 700, .height = -24};
 const FontRequest kLarge{.family = "Courier New", .weight = 900, .height = -100};
 const FontRequest kNumbers{.family = "Courier New", .weight = 700, .height = -16};
@@ -32,7 +33,7 @@ bool SameGlyphs(const GlyphSet& a, const GlyphSet& b) {
 
 const Glyph& At(const GlyphSet& set, char c) { return set.glyphs.at(static_cast<unsigned char>(c)); }
 
-/// Pixels above the base line that a glyph reaches up to, and below it that it begins at.
+/// Top and bottom of a glyph, pixels above the base line.
 int Top(const Glyph& glyph) { return glyph.height - static_cast<int>(glyph.originY); }
 int Bottom(const Glyph& glyph) { return -static_cast<int>(glyph.originY); }
 
@@ -62,7 +63,7 @@ protected:
     void SetUp() override { ASSERT_EQ(set.glyphs.size(), 256u); }
     const GlyphSet set = RasterizeFont(GetParam());
 };
-INSTANTIATE_TEST_SUITE_P(Fonts, EveryFont, testing::Values(kStock, kMedium, kLarge, kNumbers),
+INSTANTIATE_TEST_SUITE_P(Fonts, EveryFont, testing::Values(kDefault, kMedium, kLarge, kNumbers),
                          [](const auto& row) { return "Height" + std::to_string(std::abs(row.param.height)); });
 
 TEST_P(EveryFont, HasTheSameAdvanceForAllItsCharacters) {
@@ -78,7 +79,7 @@ TEST_P(EveryFont, HasBitsForEachRowOfEachGlyph) {
     }
 }
 
-TEST_P(EveryFont, ShowsPrintableCharactersAndBlanksForTheOthers) {
+TEST_P(EveryFont, HasPixelsForPrintableCharactersAndNoneForTheOthers) {
     for (int code = 0; code < 256; ++code) {
         const bool unused = code == 0x81 || code == 0x8D || code == 0x8F || code == 0x90 || code == 0x9D;
         const bool blank = code <= 32 || code == 127 || unused || code == 0xA0;
@@ -86,7 +87,7 @@ TEST_P(EveryFont, ShowsPrintableCharactersAndBlanksForTheOthers) {
     }
 }
 
-TEST_P(EveryFont, StandsUprightOnTheBaseLine) {
+TEST_P(EveryFont, IsUprightOnTheBaseLine) {
     const Glyph& l = At(set, 'L');  // a stem and a foot: the lowest row is the longest
     EXPECT_EQ(Bottom(l), 0);
     EXPECT_GT(Ink(l, 0), Ink(l, l.height - 1));
@@ -99,7 +100,7 @@ TEST_P(EveryFont, StandsUprightOnTheBaseLine) {
 
 TEST_P(EveryFont, IsNeitherMirroredNorSlanted) { EXPECT_TRUE(HasAStraightLeftEdge(At(set, '['))); }
 
-TEST_P(EveryFont, FollowsTheAnsiCodePage) {
+TEST_P(EveryFont, HasTheCharactersOfWindows1252) {
     EXPECT_GT(Top(At(set, '\x8A')), Top(At(set, 'S'))) << "S with caron";
     EXPECT_GT(Top(At(set, '\x8E')), Top(At(set, 'Z'))) << "Z with caron";
     EXPECT_GT(Top(At(set, '\x9A')), Top(At(set, 's'))) << "s with caron";
@@ -117,8 +118,9 @@ TEST_P(EveryFont, FollowsTheAnsiCodePage) {
     EXPECT_GT(Bottom(At(set, '\x99')), 0) << "trade mark";
 }
 
-// The face asked for and its twins have advances of 1229/2048, ascents of 1705/2048 and descents of 615/2048.
-TEST(TheNamedFace, OrItsTwinHasTheMetricsOfTheRequest) {
+// The requested face and its metric-compatible replacements have advances of 1229/2048, ascents of 1705/2048 and
+// descents of 615/2048.
+TEST(NamedFont, OrItsMetricCompatibleReplacementHasTheRequestedMetrics) {
     const auto expectMetrics = [](const FontRequest& request, int advance, int lineHeight) {
         const GlyphSet set = RasterizeFont(request);
         ASSERT_FALSE(set.IsEmpty()) << "fonts-liberation is not installed";
@@ -128,7 +130,7 @@ TEST(TheNamedFace, OrItsTwinHasTheMetricsOfTheRequest) {
     expectMetrics(kNumbers, 10, 13 + 5);
     expectMetrics(kMedium, 14, 20 + 7);
     expectMetrics(kLarge, 60, 83 + 30);
-    expectMetrics(kStock, 7, 9 + 3);
+    expectMetrics(kDefault, 7, 9 + 3);
     for (int height = 8; height <= 60; ++height) {
         const GlyphSet set = RasterizeFont({.family = "Courier New", .weight = 400, .height = height});
         EXPECT_LE(set.lineHeight, height);
@@ -136,19 +138,19 @@ TEST(TheNamedFace, OrItsTwinHasTheMetricsOfTheRequest) {
     }
 }
 
-TEST(TheStockFont, IsOfNormalWeight) {
-    const GlyphSet stock = RasterizeFont({.family = "", .weight = 400, .height = -40});
+TEST(DefaultFont, HasNormalWeight) {
+    const GlyphSet defaultFont = RasterizeFont({.family = "", .weight = 400, .height = -40});
     const GlyphSet bold = RasterizeFont({.family = "Courier New", .weight = 700, .height = -40});
-    EXPECT_LT(Ink(At(stock, 'H')) * 5, Ink(At(bold, 'H')) * 4);
+    EXPECT_LT(Ink(At(defaultFont, 'H')) * 5, Ink(At(bold, 'H')) * 4);
 }
 
-TEST(UnknownFamilies, AreReplacedByAFixedPitchOne) {
+TEST(UnknownFont, IsReplacedByAFixedPitchOne) {
     const GlyphSet set = RasterizeFont({.family = "No Such Family \xC3\xA4<&>:-,", .weight = 400, .height = -30});
     ASSERT_EQ(set.glyphs.size(), 256u);
     for (const Glyph& glyph : set.glyphs) EXPECT_EQ(glyph.advance, set.glyphs[0].advance);
 }
 
-TEST(RasterizeFont, GivesAllThreadsTheSame) {
+TEST(RasterizeFont, ReturnsTheSameGlyphsToAllThreads) {
     std::vector<GlyphSet> sets(12);
     {
         std::vector<std::jthread> threads;
@@ -163,7 +165,7 @@ TEST(RasterizeFont, GivesAllThreadsTheSame) {
     EXPECT_FALSE(sets[0].IsEmpty());
 }
 
-// ---- machines with other fonts, each a process of its own
+// ---- machines with other fonts, each in a separate process
 
 /// A font of fonts-liberation, which the tests need.
 fs::path InstalledFont(const std::string& name) {
@@ -173,7 +175,7 @@ fs::path InstalledFont(const std::string& name) {
     throw std::runtime_error(name + " is not installed");
 }
 
-/// The fonts of a process that has not asked for any yet.
+/// The fonts of a process that has not used fontconfig yet.
 class OnlyFonts {
 public:
     explicit OnlyFonts(const std::vector<std::string>& names = {}) {
@@ -196,8 +198,8 @@ protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-/// Ends the process: 0 when all held, else the number of what did not.
-void Report(std::initializer_list<bool> held) {
+/// Ends the process: with 0 when all conditions hold, else with the number of the first that does not.
+void ExitWith(std::initializer_list<bool> held) {
     int number = 0;
     for (const bool holds : held) {
         ++number;
@@ -206,48 +208,46 @@ void Report(std::initializer_list<bool> held) {
     std::exit(0);
 }
 
-#define EXPECT_IN_A_PROCESS_OF_ITS_OWN(function) EXPECT_EXIT(function(), testing::ExitedWithCode(0), "")
+#define EXPECT_IN_SEPARATE_PROCESS(function) EXPECT_EXIT(function(), testing::ExitedWithCode(0), "")
 
 void FindNothing() {
     std::vector<bool> held;
     {
         const OnlyFonts machine;
         for (int again = 0; again < 2; ++again)
-            for (const FontRequest& request : {kStock, kMedium, kLarge, kNumbers}) {
+            for (const FontRequest& request : {kDefault, kMedium, kLarge, kNumbers}) {
                 const GlyphSet set = RasterizeFont(request);
                 held.push_back(set.IsEmpty() && set.lineHeight == 0);
             }
     }
-    Report({held.size() == 8, std::ranges::count(held, true) == 8});
+    ExitWith({held.size() == 8, std::ranges::count(held, true) == 8});
 }
-TEST_F(MachineWith, NoFontsGivesNoGlyphs) { EXPECT_IN_A_PROCESS_OF_ITS_OWN(FindNothing); }
+TEST_F(MachineWith, NoFontsHasNoGlyphs) { EXPECT_IN_SEPARATE_PROCESS(FindNothing); }
 
 void RefuseProportional() {
     bool any = false, named = false;
     {
         const OnlyFonts machine({"LiberationSerif-Regular.ttf"});
-        any = !RasterizeFont(kMedium).IsEmpty() || !RasterizeFont(kStock).IsEmpty();
+        any = !RasterizeFont(kMedium).IsEmpty() || !RasterizeFont(kDefault).IsEmpty();
         const GlyphSet set = RasterizeFont({.family = "liberation serif", .weight = 400, .height = -30});
         named = !set.IsEmpty() && set.glyphs['i'].advance < set.glyphs['m'].advance;
     }
-    Report({!any, named});
+    ExitWith({!any, named});
 }
-TEST_F(MachineWith, AProportionalFontOnlyGivesItToThoseWhoNameIt) {
-    EXPECT_IN_A_PROCESS_OF_ITS_OWN(RefuseProportional);
-}
+TEST_F(MachineWith, OneProportionalFontUsesItOnlyWhenItIsNamed) { EXPECT_IN_SEPARATE_PROCESS(RefuseProportional); }
 
-void TakeAnyFixedPitch() {
+void UseAnyFixedPitch() {
     GlyphSet normal, bold;
     {
         const OnlyFonts machine({"LiberationSerif-Bold.ttf", "LiberationMono-Regular.ttf"});
         bold = RasterizeFont(kMedium);
         normal = RasterizeFont({.family = "Liberation Mono", .weight = 400, .height = -24});
     }
-    Report({!bold.IsEmpty(), SameGlyphs(bold, normal)});
+    ExitWith({!bold.IsEmpty(), SameGlyphs(bold, normal)});
 }
-TEST_F(MachineWith, OneFixedPitchFontTakesThat) { EXPECT_IN_A_PROCESS_OF_ITS_OWN(TakeAnyFixedPitch); }
+TEST_F(MachineWith, OneFixedPitchFontUsesItForEveryRequest) { EXPECT_IN_SEPARATE_PROCESS(UseAnyFixedPitch); }
 
-void TakeTheBoldest() {
+void UseTheBoldest() {
     GlyphSet normal, bold, black;
     {
         const OnlyFonts machine(
@@ -256,26 +256,26 @@ void TakeTheBoldest() {
         bold = RasterizeFont({.family = "Courier New", .weight = 700, .height = -40});
         black = RasterizeFont({.family = "Courier New", .weight = 900, .height = -40});
     }
-    Report({!bold.IsEmpty(), SameGlyphs(bold, black), Ink(At(bold, 'H')) > Ink(At(normal, 'H')),
-            HasAStraightLeftEdge(At(black, '['))});
+    ExitWith({!bold.IsEmpty(), SameGlyphs(bold, black), Ink(At(bold, 'H')) > Ink(At(normal, 'H')),
+              HasAStraightLeftEdge(At(black, '['))});
 }
-TEST_F(MachineWith, ABoldFaceTakesItForBlack) { EXPECT_IN_A_PROCESS_OF_ITS_OWN(TakeTheBoldest); }
+TEST_F(MachineWith, ABoldFaceUsesItForBlack) { EXPECT_IN_SEPARATE_PROCESS(UseTheBoldest); }
 
-void PassOverDamage() {
+void SkipDamagedFont() {
     GlyphSet found, regular;
     {
         const OnlyFonts machine({"LiberationMono-Bold.ttf", "LiberationMono-Regular.ttf"});
-        // Found whole, and broken only when it is opened.
+        // Whole when fontconfig lists it, and damaged when it is opened.
         (void)RasterizeFont({.family = "Liberation Mono", .weight = 700, .height = -10});
         fs::resize_file(machine.PathOf("LiberationMono-Bold.ttf"), 100);
         found = RasterizeFont(kMedium);
         regular = RasterizeFont({.family = "Courier New", .weight = 400, .height = -24});
     }
-    Report({!regular.IsEmpty(), SameGlyphs(found, regular)});
+    ExitWith({!regular.IsEmpty(), SameGlyphs(found, regular)});
 }
-TEST_F(MachineWith, ADamagedFontTakesTheNext) { EXPECT_IN_A_PROCESS_OF_ITS_OWN(PassOverDamage); }
+TEST_F(MachineWith, ADamagedFontUsesTheNext) { EXPECT_IN_SEPARATE_PROCESS(SkipDamagedFont); }
 
-/// Writes over the character map of a font: it knows 'A' alone then.
+/// Overwrites the character map of a font: it has 'A' alone then.
 void LeaveOnlyTheLetterA(const std::string& path) {
     const auto bytes = ReadBytes(path);
     const auto number = [&](std::size_t at) {
@@ -294,7 +294,7 @@ void LeaveOnlyTheLetterA(const std::string& path) {
     file.write(reinterpret_cast<const char*>(map), sizeof map);
 }
 
-void PassOverAFontWithoutLetters() {
+void SkipFontWithoutLetters() {
     GlyphSet found, regular;
     {
         const OnlyFonts machine({"LiberationMono-Bold.ttf", "LiberationMono-Regular.ttf"});
@@ -303,10 +303,8 @@ void PassOverAFontWithoutLetters() {
         found = RasterizeFont(kMedium);
         regular = RasterizeFont({.family = "Courier New", .weight = 400, .height = -24});
     }
-    Report({!regular.IsEmpty(), SameGlyphs(found, regular)});
+    ExitWith({!regular.IsEmpty(), SameGlyphs(found, regular)});
 }
-TEST_F(MachineWith, AFontWithoutPlainLettersTakesTheNext) {
-    EXPECT_IN_A_PROCESS_OF_ITS_OWN(PassOverAFontWithoutLetters);
-}
+TEST_F(MachineWith, AFontWithoutAsciiLettersUsesTheNext) { EXPECT_IN_SEPARATE_PROCESS(SkipFontWithoutLetters); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Xlib has one error handler for the process. The host's errors stay the host's, ours never reach it.
+// Xlib has one error handler for the process. Errors on the host's connections reach the host's handler, ours do not.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,7 +10,7 @@
 #include "platform/X11Window.h"
 #include "support/XvfbServer.h"
 
-// After the others: its macros take the names of theirs.
+// After the others, whose names its macros would replace.
 #include <X11/Xlib.h>
 
 namespace {
@@ -49,39 +49,39 @@ struct HostErrorHandler : testing::Test {
     }
 };
 
-TEST_F(HostErrorHandler, GetsTheHostsErrorsAndNotOurs) {
+TEST_F(HostErrorHandler, GetsErrorsOfTheHostsConnectionsOnly) {
     XSetErrorHandler(FirstHandler);
     const HostWindow host;
     const auto connection = Connect();
-    const X11Connection::Attempt attempt(*connection);
+    const X11Connection::ErrorTrap trap(*connection);
     MakeAnError(connection->Get());
-    EXPECT_FALSE(attempt.Succeeded());
+    EXPECT_FALSE(trap.Succeeded());
     EXPECT_TRUE(g_calls.empty());
     MakeAnError(host.Display());
     EXPECT_EQ(g_calls, (std::vector<std::string>{"first"}));
-    const X11Connection::Attempt later(*connection);
-    EXPECT_TRUE(later.Succeeded()) << "an error counts in one attempt";
+    const X11Connection::ErrorTrap later(*connection);
+    EXPECT_TRUE(later.Succeeded()) << "an error is counted once";
 }
 
-TEST_F(HostErrorHandler, InstalledAfterUsIsPassedToAndOursIsPutBack) {
+TEST_F(HostErrorHandler, InstalledLaterGetsTheHostsErrorsAndOursIsInstalledAgain) {
     const HostWindow host;
     const auto connection = Connect();
     XSetErrorHandler(FirstHandler);
-    const X11Connection::Attempt attempt(*connection);
+    const X11Connection::ErrorTrap trap(*connection);
     MakeAnError(connection->Get());
-    EXPECT_FALSE(attempt.Succeeded());
+    EXPECT_FALSE(trap.Succeeded());
     EXPECT_TRUE(g_calls.empty());
     MakeAnError(host.Display());
     EXPECT_EQ(g_calls, (std::vector<std::string>{"first"}));
 }
 
-TEST_F(HostErrorHandler, ThatPassesOnToUsIsNotCalledInARing) {
+TEST_F(HostErrorHandler, ThatCallsOursIsNotCalledAgain) {
     XSetErrorHandler(FirstHandler);
     const HostWindow host;
     const auto connection = Connect();
     for (int i = 0; i < 3; ++i) {
-        g_below = XSetErrorHandler(SecondHandler);  // finds ours
-        X11Connection::TakeErrors();                // and gets ours put over it
+        g_below = XSetErrorHandler(SecondHandler);  // returns ours
+        X11Connection::InstallErrorHandlers();      // and installs ours over it
     }
     MakeAnError(host.Display());
     EXPECT_EQ(g_calls, (std::vector<std::string>{"second", "first"}));
@@ -93,16 +93,16 @@ TEST_F(HostErrorHandler, IsInstalledAgainWhenOurLastConnectionCloses) {
     auto connection = Connect(), second = Connect();
     connection.reset();
     EXPECT_NE(XSetErrorHandler(FirstHandler), &FirstHandler) << "the second still needs ours";
-    X11Connection::TakeErrors();
+    X11Connection::InstallErrorHandlers();
     second.reset();
     EXPECT_EQ(XSetErrorHandler(nullptr), &FirstHandler);
 }
 
-TEST_F(HostErrorHandler, HearsNothingOfARefusedContext) {
+TEST_F(HostErrorHandler, IsNotCalledForARefusedContext) {
     XSetErrorHandler(FirstHandler);
     const HostWindow host;
-    PaneWindowRequest request;
-    request.kind = PaneWindowRequest::Kind::Child;
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::Child;
     request.parent = host.Id();
     X11Window window(request);
     DrawingClient client(window);

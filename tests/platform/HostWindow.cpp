@@ -1,3 +1,4 @@
+// Requests to an X server as a host makes them, each processed when the function returns.
 #include "platform/HostWindow.h"
 
 #include <X11/Xatom.h>
@@ -86,6 +87,11 @@ Rgba HostWindow::ShownAt(int x, int y) {
     return {static_cast<int>(pixel >> 16 & 255), static_cast<int>(pixel >> 8 & 255), static_cast<int>(pixel & 255)};
 }
 
+void HostWindow::Resize(unsigned long window, int width, int height) {
+    XResizeWindow(m_pDisplay, window, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    XSync(m_pDisplay, False);
+}
+
 void HostWindow::SendDelete(unsigned long window) {
     XEvent event{};
     event.xclient.type = ClientMessage;
@@ -94,6 +100,31 @@ void HostWindow::SendDelete(unsigned long window) {
     event.xclient.format = 32;
     event.xclient.data.l[0] = static_cast<long>(XInternAtom(m_pDisplay, "WM_DELETE_WINDOW", False));
     XSendEvent(m_pDisplay, window, False, NoEventMask, &event);
+    XSync(m_pDisplay, False);
+}
+
+void HostWindow::SendMove(unsigned long window, int x, int y) {
+    XEvent event{};
+    event.xmotion.type = MotionNotify;
+    event.xmotion.window = window;
+    event.xmotion.x = x;
+    event.xmotion.y = y;
+    XSendEvent(m_pDisplay, window, False, PointerMotionMask, &event);
+    XSync(m_pDisplay, False);
+}
+
+void HostWindow::SendClick(unsigned long window, unsigned button, int x, int y, unsigned long time) {
+    XEvent event{};
+    event.xbutton.type = ButtonPress;
+    event.xbutton.window = window;
+    event.xbutton.button = button;
+    event.xbutton.x = x;
+    event.xbutton.y = y;
+    event.xbutton.time = time;
+    XSendEvent(m_pDisplay, window, False, ButtonPressMask, &event);
+    event.xbutton.type = ButtonRelease;
+    event.xbutton.state = Button1Mask << (button - 1);
+    XSendEvent(m_pDisplay, window, False, ButtonReleaseMask, &event);
     XSync(m_pDisplay, False);
 }
 
@@ -125,3 +156,5 @@ void HostWindow::Destroy() {
     XDestroyWindow(m_pDisplay, m_nWindow);
     XSync(m_pDisplay, False);
 }
+
+void HostWindow::Sync() { XSync(m_pDisplay, False); }

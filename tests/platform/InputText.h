@@ -1,4 +1,4 @@
-// Comparing and printing inputs.
+// Comparison and printing of inputs.
 #pragma once
 #include <ostream>
 

@@ -1,13 +1,13 @@
 #include "platform/NoPictureWindow.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
 
 #include <string>
 
 #include "KV_ScenePane/DebugOutput.h"
 #include "platform/DrawingClient.h"
 #include "platform/WindowFactory.h"
+#include "support/Wait.h"
 
 namespace {
 
@@ -22,12 +22,12 @@ struct NoPicture : testing::Test {
     std::unique_ptr<PaneWindow> window;
 };
 
-TEST_F(NoPicture, HasASizeAndNeitherContextNorHandle) {
+TEST_F(NoPicture, HasASizeButNoContextAndNoHandle) {
     DrawingClient client(*window);
     EXPECT_FALSE(window->Exists());
     ASSERT_TRUE(window->Create(client, nullptr));
     EXPECT_TRUE(window->Exists());
-    EXPECT_EQ(client.created, 0) << "no context is ever asked of it";
+    EXPECT_EQ(client.created, 0) << "no client makes a context here";
     EXPECT_EQ(window->NativeHandle(), 0u);
     EXPECT_EQ(window->ContextHandle(), nullptr);
     EXPECT_FALSE(window->MakeCurrent());
@@ -53,17 +53,16 @@ TEST_F(NoPicture, DeliversMessagesAndTimers) {
     window->PostPrivateMessage(3);
     window->ProcessEvents();
     window->StartTimer(1);
-    pollfd waiting{window->EventDescriptor(), POLLIN, 0};
-    ASSERT_EQ(poll(&waiting, 1, 10'000), 1);
+    ASSERT_TRUE(BecomesReadable(*window));
     window->ProcessEvents();
     EXPECT_EQ(client.messages, (std::vector<std::uint32_t>{3, 1147}));
 }
 
-TEST_F(NoPicture, EndsLikeAWindow) {
+TEST_F(NoPicture, RecreateAndDestroyRunOnDestroy) {
     DrawingClient client(*window);
     ASSERT_TRUE(window->Create(client, nullptr));
     ASSERT_TRUE(window->Recreate());
-    EXPECT_EQ(client.destroyed, 1) << "a recreation drops the scene here too";
+    EXPECT_EQ(client.destroyed, 1) << "a recreation discards the scene here, too";
     EXPECT_TRUE(window->Exists());
     window->Destroy();
     EXPECT_EQ(client.destroyed, 2);

@@ -4,13 +4,13 @@
 
 namespace {
 
-TEST(PaintQueue, StartsWithNothingPending) {
+TEST(PaintQueue, IsEmptyAtFirst) {
     const PaintQueue queue;
     EXPECT_FALSE(queue.IsPending());
     EXPECT_FALSE(queue.IsDue());
 }
 
-TEST(PaintQueue, RequestsBeforeAPaintCanCoalesce) {
+TEST(PaintQueue, CoalescesRequestsBeforeAPaint) {
     PaintQueue queue;
     queue.Request(false);
     queue.Request(false);
@@ -28,10 +28,10 @@ TEST(PaintQueue, ErasesWhenAnyOfTheRequestsAskedTo) {
     EXPECT_TRUE(queue.Begin());
     queue.End();
     queue.Request(false);
-    EXPECT_FALSE(queue.Begin()) << "the flag belongs to the request that was taken";
+    EXPECT_FALSE(queue.Begin()) << "the flag belongs to the former request";
 }
 
-TEST(PaintQueue, ARequestStaysUntilAPaintTakesIt) {
+TEST(PaintQueue, KeepsARequestUntilAPaintBegins) {
     PaintQueue queue;
     queue.Request(true);
     EXPECT_TRUE(queue.IsDue());
@@ -39,7 +39,7 @@ TEST(PaintQueue, ARequestStaysUntilAPaintTakesIt) {
     EXPECT_TRUE(queue.Begin());
 }
 
-TEST(PaintQueue, ARequestDuringAPaintWaitsForTheNext) {
+TEST(PaintQueue, RequestDuringAPaintIsForTheNext) {
     PaintQueue queue;
     queue.Request(false);
     (void)queue.Begin();
@@ -51,7 +51,7 @@ TEST(PaintQueue, ARequestDuringAPaintWaitsForTheNext) {
     EXPECT_TRUE(queue.Begin());
 }
 
-TEST(PaintQueue, ANestedPaintKeepsQueuedOnesBackUntilTheOuterEnds) {
+TEST(PaintQueue, QueuedPaintIsNotDueUntilTheOuterPaintEnds) {
     PaintQueue queue;
     (void)queue.Begin();
     (void)queue.Begin();
@@ -62,7 +62,7 @@ TEST(PaintQueue, ANestedPaintKeepsQueuedOnesBackUntilTheOuterEnds) {
     EXPECT_TRUE(queue.IsDue());
 }
 
-TEST(PaintQueue, AnEndTooManyDoesNotHoldOrFreeLaterPaints) {
+TEST(PaintQueue, EndWithoutBeginIsIgnored) {
     PaintQueue queue;
     queue.End();
     queue.Request(false);
@@ -71,7 +71,7 @@ TEST(PaintQueue, AnEndTooManyDoesNotHoldOrFreeLaterPaints) {
     EXPECT_FALSE(queue.IsDue());
 }
 
-TEST(PaintQueue, ClearDropsRequestAndOpenPaint) {
+TEST(PaintQueue, ClearDropsTheRequestAndTheOpenPaint) {
     PaintQueue queue;
     queue.Request(true);
     (void)queue.Begin();

@@ -1,9 +1,7 @@
-// Where embedded viewers die: opening and closing by the hundred, neighbours, a host or a server that goes first.
+// Windows that are opened and closed by the hundred, several at once, and hosts or servers that end before the window.
 #include <GL/glew.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -14,17 +12,20 @@
 #include "platform/HostWindow.h"
 #include "platform/WindowFactory.h"
 #include "support/ProcessSize.h"
+#include "support/Wait.h"
+#include "support/WindowKindText.h"
 #include "support/XvfbServer.h"
 
-// After the others: its macros take the names of theirs.
+// After the others, whose names its macros would replace.
 #include <X11/Xlib.h>
 
 namespace {
 
-using Kind = PaneWindowRequest::Kind;
+using KV_ScenePane::WindowRequest;
+using Kind = WindowRequest::Kind;
 
-PaneWindowRequest ChildOf(std::uintptr_t parent) {
-    PaneWindowRequest request;
+WindowRequest ChildOf(std::uintptr_t parent) {
+    WindowRequest request;
     request.kind = Kind::Child;
     request.parent = parent;
     request.width = 200;
@@ -32,17 +33,17 @@ PaneWindowRequest ChildOf(std::uintptr_t parent) {
     return request;
 }
 
-PaneWindowRequest OfKind(Kind kind) {
-    PaneWindowRequest request;
+WindowRequest OfKind(Kind kind) {
+    WindowRequest request;
     request.kind = kind;
     request.width = 64;
     request.height = 32;
     return request;
 }
 
-/// A window with its client, as a viewer holds them.
+/// A window with its client, like a viewer.
 struct Pane {
-    explicit Pane(const PaneWindowRequest& request) : window(MakePaneWindow(request)), client(*window) {}
+    explicit Pane(const WindowRequest& request) : window(MakePaneWindow(request)), client(*window) {}
     bool Open() { return window->Create(client, &reason); }
     std::unique_ptr<PaneWindow> window;
     DrawingClient client;
@@ -55,27 +56,27 @@ bool NoContextIsCurrent() { return glGetString(GL_VERSION) == nullptr; }
 
 class OpenedAndClosed : public testing::TestWithParam<Kind> {};
 
-TEST_P(OpenedAndClosed, ThreeHundredTimesLeavesNothingBehind) {
+TEST_P(OpenedAndClosed, ThreeHundredTimesLeaksNothing) {
     XvfbServer& server = XvfbServer::Shared();
     HostWindow host;
-    PaneWindowRequest request = ChildOf(host.Id());
+    WindowRequest request = ChildOf(host.Id());
     request.kind = GetParam();
     const auto openAndClose = [&request](int times) {
         for (int i = 0; i < times; ++i) {
             Pane pane(request);
             ASSERT_TRUE(pane.Open()) << pane.reason;
-            if (i % 10 != 0) continue;  // the driver takes its time over the first drawing in a context
+            if (i % 10 != 0) continue;  // the first frame of a context is slow
             pane.window->Refresh();
             ASSERT_EQ(pane.client.pixelInside, (Rgba{40, 120, 200}));
             ASSERT_EQ(pane.client.error, static_cast<GLenum>(GL_NO_ERROR));
         }
     };
-    openAndClose(20);  // the driver's own caches fill
-    ASSERT_TRUE(server.ComesToClients(1)) << "the host's";
+    openAndClose(20);  // fills the driver's own caches
+    ASSERT_TRUE(server.WaitForClients(1)) << "the host's";
     const int descriptors = OpenDescriptors();
     const long kilobytes = ResidentKilobytes();
     openAndClose(300);
-    EXPECT_TRUE(server.ComesToClients(1));
+    EXPECT_TRUE(server.WaitForClients(1));
     EXPECT_EQ(OpenDescriptors(), descriptors);
     EXPECT_EQ(host.ChildCount(), 0);
     const long growth = ResidentKilobytes() - kilobytes;
@@ -84,7 +85,7 @@ TEST_P(OpenedAndClosed, ThreeHundredTimesLeavesNothingBehind) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, OpenedAndClosed, testing::Values(Kind::Child, Kind::OffScreen),
-                         [](const auto& row) { return row.param == Kind::Child ? "Child" : "OffScreen"; });
+                         [](const auto& row) { return std::string(TextOf(row.param)); });
 
 // ---- neighbours
 
@@ -92,10 +93,10 @@ struct WindowLife : testing::Test {
     XvfbServer& server = XvfbServer::Shared();
 };
 
-TEST_F(WindowLife, TwoSideBySideAndOneClosesWhileTheOtherGoesOn) {
+TEST_F(WindowLife, ClosingOneOfTwoWindowsDoesNotAffectTheOther) {
     HostWindow host;
     Pane left(ChildOf(host.Id()));
-    PaneWindowRequest besideIt = ChildOf(host.Id());
+    WindowRequest besideIt = ChildOf(host.Id());
     besideIt.x = 300;
     auto right = std::make_unique<Pane>(besideIt);
     right->client.color = {250, 10, 20};
@@ -116,7 +117,7 @@ TEST_F(WindowLife, TwoSideBySideAndOneClosesWhileTheOtherGoesOn) {
 }
 
 // GLX and EGL each refuse to make a context current while one of the other is.
-TEST_F(WindowLife, WindowsAndOffScreenSurfacesTakeTurns) {
+TEST_F(WindowLife, WindowsAndOffScreenSurfacesDrawInTurns) {
     HostWindow host;
     Pane shown(ChildOf(host.Id())), offScreen(OfKind(Kind::OffScreen)), secondOffScreen(OfKind(Kind::OffScreen));
     ASSERT_TRUE(shown.Open()) << shown.reason;
@@ -141,7 +142,7 @@ TEST_F(WindowLife, WindowsAndOffScreenSurfacesTakeTurns) {
     EXPECT_EQ(PixelAt(63, 31), (Rgba{0, 0, 30}));
 }
 
-TEST_F(WindowLife, AWindowMayCloseInsideItsOwnMessage) {
+TEST_F(WindowLife, WindowMayBeDestroyedInItsOwnMessage) {
     HostWindow host;
     Pane pane(ChildOf(host.Id()));
     ASSERT_TRUE(pane.Open()) << pane.reason;
@@ -156,9 +157,9 @@ TEST_F(WindowLife, AWindowMayCloseInsideItsOwnMessage) {
     EXPECT_EQ(pane.client.destroyed, 1);
 }
 
-// ---- the host's window goes first
+// ---- the host's window is destroyed first
 
-TEST_F(WindowLife, TheHostsWindowGoesFirstAndTheClientHearsOfItOnce) {
+TEST_F(WindowLife, DestructionOfTheHostsWindowRunsOnDestroyOnce) {
     auto host = std::make_unique<HostWindow>();
     HostWindow otherHost;
     Pane orphan(ChildOf(host->Id())), other(ChildOf(otherHost.Id()));
@@ -170,26 +171,25 @@ TEST_F(WindowLife, TheHostsWindowGoesFirstAndTheClientHearsOfItOnce) {
     host->Destroy();
 
     EXPECT_FALSE(orphan.window->MakeCurrent());
-    EXPECT_TRUE(NoContextIsCurrent()) << "what the orphan deletes now would be the other's";
+    EXPECT_TRUE(NoContextIsCurrent()) << "what the orphan deletes now would be objects of the other";
     EXPECT_FALSE(orphan.window->Exists());
     EXPECT_EQ(orphan.window->NativeHandle(), 0u);
-    pollfd waiting{orphan.window->EventDescriptor(), POLLIN, 0};
-    EXPECT_EQ(poll(&waiting, 1, 5000), 1);
+    EXPECT_TRUE(BecomesReadable(*orphan.window));
     orphan.window->ProcessEvents();
     EXPECT_EQ(orphan.client.destroyed, 1);
     EXPECT_FALSE(orphan.client.currentInOnDestroy);
     EXPECT_NE(contextInOnDestroy, nullptr);
     EXPECT_EQ(orphan.window->ContextHandle(), nullptr);
-    EXPECT_EQ(poll(&waiting, 1, 20), 0) << "nothing is left to read";
+    EXPECT_FALSE(IsReadable(*orphan.window)) << "the connection is closed";
     host.reset();
-    EXPECT_TRUE(server.ComesToClients(2)) << "the other host and the other pane";
+    EXPECT_TRUE(server.WaitForClients(2)) << "the other host and the other pane";
 
     orphan.window->Refresh();
     orphan.window->Resize(10, 10);
     orphan.window->SwapBuffers();
     orphan.window->BeginWaitCursor();
     orphan.window->EndWaitCursor();
-    EXPECT_FALSE(orphan.window->Recreate()) << "its parent is gone";
+    EXPECT_FALSE(orphan.window->Recreate()) << "its parent is destroyed";
     orphan.window->Destroy();
     EXPECT_EQ(orphan.client.destroyed, 1);
     other.client.color = {5, 6, 7};
@@ -198,7 +198,7 @@ TEST_F(WindowLife, TheHostsWindowGoesFirstAndTheClientHearsOfItOnce) {
     EXPECT_EQ(otherHost.ShownAt(100, 20), (Rgba{5, 6, 7}));
 }
 
-TEST_F(WindowLife, AContextThatIsCurrentDoesNotOutliveItsWindow) {
+TEST_F(WindowLife, ContextIsNotCurrentOnceItsWindowIsDestroyed) {
     HostWindow host;
     Pane orphan(ChildOf(host.Id()));
     ASSERT_TRUE(orphan.Open()) << orphan.reason;
@@ -209,7 +209,7 @@ TEST_F(WindowLife, AContextThatIsCurrentDoesNotOutliveItsWindow) {
     EXPECT_TRUE(NoContextIsCurrent());
 }
 
-TEST_F(WindowLife, DrawingGoesOnUntilTheEndOfTheHostsWindowIsKnown) {
+TEST_F(WindowLife, DrawingIntoADestroyedWindowIsHarmless) {
     HostWindow host;
     Pane orphan(ChildOf(host.Id()));
     ASSERT_TRUE(orphan.Open()) << orphan.reason;
@@ -220,27 +220,22 @@ TEST_F(WindowLife, DrawingGoesOnUntilTheEndOfTheHostsWindowIsKnown) {
     orphan.client.Draw();
     orphan.window->Destroy();  // before any event was handled
     EXPECT_EQ(orphan.client.destroyed, 1);
-    EXPECT_EQ(orphan.window->ContextHandle(), nullptr) << "the window frees what the client leaves";
-    EXPECT_TRUE(server.ComesToClients(1)) << "the host's";
+    EXPECT_EQ(orphan.window->ContextHandle(), nullptr) << "the window frees what the client did not";
+    EXPECT_TRUE(server.WaitForClients(1)) << "the host's";
 }
 
-TEST_F(WindowLife, TheHostsWholeConnectionGoesFirst) {
+TEST_F(WindowLife, EndOfTheHostsConnectionRunsOnDestroyOnce) {
     auto host = std::make_unique<HostWindow>();
     Pane orphan(ChildOf(host->Id()));
     ASSERT_TRUE(orphan.Open()) << orphan.reason;
     host.reset();  // a host that ends without closing anything
-    pollfd waiting{orphan.window->EventDescriptor(), POLLIN, 0};
-    for (int i = 0; i < 100 && orphan.window->Exists(); ++i) {
-        poll(&waiting, 1, 100);
-        orphan.window->ProcessEvents();
-    }
-    EXPECT_FALSE(orphan.window->Exists());
+    EXPECT_TRUE(ProcessEventsUntil(*orphan.window, [&] { return !orphan.window->Exists(); }));
     EXPECT_EQ(orphan.client.destroyed, 1);
 }
 
-// ---- the server goes first
+// ---- the server ends first
 
-TEST(WindowLifeWithoutServer, AServerThatEndsTakesTheWindowAndNotTheProcess) {
+TEST(WindowLifeWithoutServer, EndOfTheServerEndsTheWindowButNotTheProcess) {
     XvfbServer server;
     HostWindow host;
     Pane pane(ChildOf(host.Id())), offScreen(OfKind(Kind::OffScreen));
@@ -250,15 +245,14 @@ TEST(WindowLifeWithoutServer, AServerThatEndsTakesTheWindowAndNotTheProcess) {
     testing::internal::CaptureStderr();
     host.Forget();
     server.Kill();
-    pollfd waiting{pane.window->EventDescriptor(), POLLIN, 0};
-    EXPECT_EQ(poll(&waiting, 1, 5000), 1);
+    EXPECT_TRUE(BecomesReadable(*pane.window));
     pane.window->ProcessEvents();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "the library prints nothing";
     EXPECT_FALSE(pane.window->Exists());
     EXPECT_EQ(pane.client.destroyed, 1);
     EXPECT_FALSE(pane.client.currentInOnDestroy);
     EXPECT_EQ(pane.window->ContextHandle(), nullptr);
-    EXPECT_EQ(poll(&waiting, 1, 20), 0) << "nothing is left to read";
+    EXPECT_FALSE(IsReadable(*pane.window)) << "the connection is closed";
     pane.window->Refresh();
     EXPECT_FALSE(pane.window->MakeCurrent());
     EXPECT_FALSE(pane.window->Recreate());
@@ -266,7 +260,7 @@ TEST(WindowLifeWithoutServer, AServerThatEndsTakesTheWindowAndNotTheProcess) {
     EXPECT_EQ(offScreen.client.pixelInside, (Rgba{40, 120, 200}));
 }
 
-TEST(WindowLifeWithoutServer, AServerThatEndsWhileTheViewerIsBusyBreaksNoCall) {
+TEST(WindowLifeWithoutServer, EveryCallReturnsAfterTheEndOfTheServer) {
     XvfbServer server;
     HostWindow host;
     Pane pane(ChildOf(host.Id()));
@@ -288,7 +282,7 @@ TEST(WindowLifeWithoutServer, AServerThatEndsWhileTheViewerIsBusyBreaksNoCall) {
     EXPECT_FALSE(pane.window->MakeCurrent());
     EXPECT_TRUE(NoContextIsCurrent());
     EXPECT_FALSE(pane.window->Exists());
-    EXPECT_EQ(pane.client.destroyed, 0) << "told in a round of events, or by Destroy()";
+    EXPECT_EQ(pane.client.destroyed, 0) << "runs in ProcessEvents() or Destroy()";
     pane.window->Destroy();
     EXPECT_EQ(pane.client.destroyed, 1);
 }

@@ -1,4 +1,4 @@
-// Events of X made by hand, and what the viewer must take them for.
+// X events made by hand, and the input that they must become.
 #include "platform/X11Input.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 #include "platform/InputText.h"
 
-// After the others: its macros take the names of theirs.
+// After the others, whose names its macros would replace.
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
 
@@ -47,7 +47,7 @@ XEvent KeyEvent(int type, unsigned keycode, unsigned state = 0) {
     return event;
 }
 
-// ---- buttons and their words
+// ---- buttons and their flags
 
 struct ButtonRow {
     const char* name;
@@ -68,20 +68,20 @@ const ButtonRow kButtonRows[] = {
     {"LeftPressWithShift", ButtonPress, kLeft, ShiftMask, Kind::LeftDown, 1 | 4},
     {"LeftPressWithCtrl", ButtonPress, kLeft, ControlMask, Kind::LeftDown, 1 | 8},
     {"LeftReleaseWithShiftAndCtrl", ButtonRelease, kLeft, Button1Mask | ShiftMask | ControlMask, Kind::LeftUp, 4 | 8},
-    {"LeftAddedToRight", ButtonPress, kLeft, Button3Mask, Kind::LeftDown, 1 | 2},
-    {"LeftTakenFromAll", ButtonRelease, kLeft, Button1Mask | Button2Mask | Button3Mask, Kind::LeftUp, 2 | 16},
-    {"LocksAndAltAreNoneOfItsBits", ButtonPress, kRight, LockMask | Mod1Mask | Mod2Mask | Mod5Mask | 1u << 13,
+    {"LeftPressWithRightHeld", ButtonPress, kLeft, Button3Mask, Kind::LeftDown, 1 | 2},
+    {"LeftReleaseOfAllThree", ButtonRelease, kLeft, Button1Mask | Button2Mask | Button3Mask, Kind::LeftUp, 2 | 16},
+    {"LocksAndAltHaveNoFlag", ButtonPress, kRight, LockMask | Mod1Mask | Mod2Mask | Mod5Mask | 1u << 13,
      Kind::RightDown, 2},
-    {"WheelsOwnMasksAreNoneOfItsBits", ButtonPress, kLeft, Button4Mask | Button5Mask, Kind::LeftDown, 1},
+    {"MasksOfTheWheelHaveNoFlag", ButtonPress, kLeft, Button4Mask | Button5Mask, Kind::LeftDown, 1},
 };
 
 class X11InputButton : public testing::TestWithParam<ButtonRow> {};
 
-TEST_P(X11InputButton, HasItsKindItsWordAndItsPlace) {
+TEST_P(X11InputButton, HasItsKindItsFlagsAndItsPlace) {
     const ButtonRow& row = GetParam();
     X11Input input;
-    if (row.type == ButtonRelease) (void)input.TakeMouse(ButtonEvent(ButtonPress, row.button, 0));
-    const auto taken = input.TakeMouse(ButtonEvent(row.type, row.button, row.stateBefore, 1000, -7, 3000));
+    if (row.type == ButtonRelease) (void)input.TranslateMouse(ButtonEvent(ButtonPress, row.button, 0));
+    const auto taken = input.TranslateMouse(ButtonEvent(row.type, row.button, row.stateBefore, 1000, -7, 3000));
     ASSERT_TRUE(taken);
     EXPECT_EQ(taken->kind, row.kind);
     EXPECT_EQ(taken->flags, row.flags);
@@ -92,36 +92,36 @@ TEST_P(X11InputButton, HasItsKindItsWordAndItsPlace) {
 INSTANTIATE_TEST_SUITE_P(All, X11InputButton, testing::ValuesIn(kButtonRows),
                          [](const auto& r) { return r.param.name; });
 
-TEST(X11Input, AMoveTellsWhatIsHeld) {
+TEST(X11Input, MoveHasTheHeldButtonsAndModifiers) {
     X11Input input;
-    const auto move = input.TakeMouse(MoveEvent(Button2Mask | ControlMask, -3, 9));
+    const auto move = input.TranslateMouse(MoveEvent(Button2Mask | ControlMask, -3, 9));
     ASSERT_TRUE(move);
     EXPECT_EQ(move->kind, Kind::Move);
     EXPECT_EQ(move->flags, 16u | 8u);
     EXPECT_EQ(move->x, -3);
     EXPECT_EQ(move->y, 9);
-    EXPECT_EQ(input.TakeMouse(MoveEvent(ShiftMask))->flags, 4u);
+    EXPECT_EQ(input.TranslateMouse(MoveEvent(ShiftMask))->flags, 4u);
 }
 
-TEST(X11Input, ANotchOfTheWheelIs120AndItsReleaseNothing) {
+TEST(X11Input, WheelNotchIs120AndItsReleaseIsIgnored) {
     X11Input input;
-    const auto forward = input.TakeMouse(ButtonEvent(ButtonPress, Button4, ControlMask | Button3Mask));
+    const auto forward = input.TranslateMouse(ButtonEvent(ButtonPress, Button4, ControlMask | Button3Mask));
     ASSERT_TRUE(forward);
     EXPECT_EQ(forward->kind, Kind::Wheel);
     EXPECT_EQ(forward->delta, 120);
     EXPECT_EQ(forward->flags, 8u | 2u);
-    EXPECT_FALSE(input.TakeMouse(ButtonEvent(ButtonRelease, Button4, Button4Mask)));
-    const auto back = input.TakeMouse(ButtonEvent(ButtonPress, Button5, 0));
+    EXPECT_FALSE(input.TranslateMouse(ButtonEvent(ButtonRelease, Button4, Button4Mask)));
+    const auto back = input.TranslateMouse(ButtonEvent(ButtonPress, Button5, 0));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->delta, -120);
-    EXPECT_FALSE(input.TakeMouse(ButtonEvent(ButtonRelease, Button5, Button5Mask)));
+    EXPECT_FALSE(input.TranslateMouse(ButtonEvent(ButtonRelease, Button5, Button5Mask)));
 }
 
-TEST(X11Input, OtherButtonsAreNothing) {
+TEST(X11Input, OtherButtonsAreIgnored) {
     X11Input input;
     for (const unsigned button : {6u, 7u, 8u, 9u, 12u}) {
-        EXPECT_FALSE(input.TakeMouse(ButtonEvent(ButtonPress, button, 0))) << button;
-        EXPECT_FALSE(input.TakeMouse(ButtonEvent(ButtonRelease, button, 0))) << button;
+        EXPECT_FALSE(input.TranslateMouse(ButtonEvent(ButtonPress, button, 0))) << button;
+        EXPECT_FALSE(input.TranslateMouse(ButtonEvent(ButtonRelease, button, 0))) << button;
     }
 }
 
@@ -155,28 +155,28 @@ class X11InputSecondPress : public testing::TestWithParam<SecondPress> {};
 TEST_P(X11InputSecondPress, IsADoubleClickInTimeAndPlace) {
     const SecondPress& row = GetParam();
     X11Input input;
-    EXPECT_EQ(input.TakeMouse(ButtonEvent(ButtonPress, kLeft, 0, row.firstTime, 50, 60))->kind, Kind::LeftDown);
-    EXPECT_EQ(input.TakeMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask, row.firstTime, 50, 60))->kind,
+    EXPECT_EQ(input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, 0, row.firstTime, 50, 60))->kind, Kind::LeftDown);
+    EXPECT_EQ(input.TranslateMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask, row.firstTime, 50, 60))->kind,
               Kind::LeftUp);
     const auto second =
-        input.TakeMouse(ButtonEvent(ButtonPress, kLeft, ShiftMask, row.secondTime, 50 + row.dx, 60 + row.dy));
+        input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, ShiftMask, row.secondTime, 50 + row.dx, 60 + row.dy));
     ASSERT_TRUE(second);
     EXPECT_EQ(second->kind, row.isDouble ? Kind::DoubleClick : Kind::LeftDown);
     EXPECT_EQ(second->flags, 1u | 4u);
     EXPECT_EQ(second->x, 50 + row.dx);
-    EXPECT_EQ(input.TakeMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask, row.secondTime))->kind, Kind::LeftUp);
+    EXPECT_EQ(input.TranslateMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask, row.secondTime))->kind, Kind::LeftUp);
 }
 INSTANTIATE_TEST_SUITE_P(All, X11InputSecondPress, testing::ValuesIn(kSecondPresses),
                          [](const auto& r) { return r.param.name; });
 
-/// Presses a button and lets it go, at one place; the kind of the press.
+/// Presses and releases a button at one place; the kind of the press.
 Kind Click(X11Input& input, unsigned button, Time time) {
-    const auto press = input.TakeMouse(ButtonEvent(ButtonPress, button, 0, time));
-    (void)input.TakeMouse(ButtonEvent(ButtonRelease, button, Button1Mask << (button - 1), time + 10));
+    const auto press = input.TranslateMouse(ButtonEvent(ButtonPress, button, 0, time));
+    (void)input.TranslateMouse(ButtonEvent(ButtonRelease, button, Button1Mask << (button - 1), time + 10));
     return press ? press->kind : Kind::Move;
 }
 
-TEST(X11InputDoubleClick, TheThirdPressIsAPressAndTheFourthADoubleClickAgain) {
+TEST(X11InputDoubleClick, ThirdPressIsAPressAndTheFourthADoubleClick) {
     X11Input input;
     EXPECT_EQ(Click(input, kLeft, 0), Kind::LeftDown);
     EXPECT_EQ(Click(input, kLeft, 100), Kind::DoubleClick);
@@ -184,14 +184,14 @@ TEST(X11InputDoubleClick, TheThirdPressIsAPressAndTheFourthADoubleClickAgain) {
     EXPECT_EQ(Click(input, kLeft, 300), Kind::DoubleClick);
 }
 
-TEST(X11InputDoubleClick, APressThatCameTooLateIsTheFirstOfTheNext) {
+TEST(X11InputDoubleClick, PressThatIsTooLateIsTheFirstOfTheNextDoubleClick) {
     X11Input input;
     EXPECT_EQ(Click(input, kLeft, 0), Kind::LeftDown);
     EXPECT_EQ(Click(input, kLeft, 600), Kind::LeftDown);
     EXPECT_EQ(Click(input, kLeft, 1000), Kind::DoubleClick);
 }
 
-TEST(X11InputDoubleClick, APressOfAnotherButtonInBetweenBreaksIt) {
+TEST(X11InputDoubleClick, PressOfAnotherButtonInBetweenPreventsIt) {
     for (const unsigned other : {kMiddle, kRight, unsigned{Button4}, unsigned{Button5}}) {
         X11Input input;
         EXPECT_EQ(Click(input, kLeft, 0), Kind::LeftDown);
@@ -201,14 +201,14 @@ TEST(X11InputDoubleClick, APressOfAnotherButtonInBetweenBreaksIt) {
     }
 }
 
-TEST(X11InputDoubleClick, MovesInBetweenDoNotBreakIt) {
+TEST(X11InputDoubleClick, MovesInBetweenDoNotPreventIt) {
     X11Input input;
     EXPECT_EQ(Click(input, kLeft, 0), Kind::LeftDown);
-    (void)input.TakeMouse(MoveEvent(0, 300, 300));
+    (void)input.TranslateMouse(MoveEvent(0, 300, 300));
     EXPECT_EQ(Click(input, kLeft, 200), Kind::DoubleClick);
 }
 
-TEST(X11InputDoubleClick, OtherButtonsHaveNone) {
+TEST(X11InputDoubleClick, OnlyTheLeftButtonHasThem) {
     X11Input input;
     EXPECT_EQ(Click(input, kRight, 0), Kind::RightDown);
     EXPECT_EQ(Click(input, kRight, 50), Kind::RightDown);
@@ -216,80 +216,81 @@ TEST(X11InputDoubleClick, OtherButtonsHaveNone) {
     EXPECT_EQ(Click(input, kMiddle, 150), Kind::MiddleDown);
 }
 
-TEST(X11InputDoubleClick, NoPressIsASecondOneWhileAnotherButtonIsHeld) {
+TEST(X11InputDoubleClick, PressWhileAnotherButtonIsHeldIsNone) {
     for (const unsigned held : {unsigned{Button2Mask}, unsigned{Button3Mask}}) {
         X11Input input;
         for (const Time time : {1000u, 1100u, 1200u}) {
-            EXPECT_EQ(input.TakeMouse(ButtonEvent(ButtonPress, kLeft, held, time))->kind, Kind::LeftDown) << held;
-            (void)input.TakeMouse(ButtonEvent(ButtonRelease, kLeft, held | Button1Mask, time + 10));
+            EXPECT_EQ(input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, held, time))->kind, Kind::LeftDown) << held;
+            (void)input.TranslateMouse(ButtonEvent(ButtonRelease, kLeft, held | Button1Mask, time + 10));
         }
-        EXPECT_EQ(Click(input, kLeft, 1300), Kind::LeftDown) << "nor is the one in a chord a first one";
+        EXPECT_EQ(Click(input, kLeft, 1300), Kind::LeftDown) << "and a press in a chord is no first one";
         EXPECT_EQ(Click(input, kLeft, 1400), Kind::DoubleClick);
     }
 }
 
-TEST(X11InputDoubleClick, KeysAndLocksThatAreHeldDoNotBreakIt) {
+TEST(X11InputDoubleClick, ModifiersAndLocksDoNotPreventIt) {
     X11Input input;
-    (void)input.TakeMouse(ButtonEvent(ButtonPress, kLeft, LockMask | Mod2Mask | ShiftMask, 1000));
-    (void)input.TakeMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask, 1010));
-    EXPECT_EQ(input.TakeMouse(ButtonEvent(ButtonPress, kLeft, Mod2Mask | ControlMask, 1100))->kind, Kind::DoubleClick);
+    (void)input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, LockMask | Mod2Mask | ShiftMask, 1000));
+    (void)input.TranslateMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask, 1010));
+    EXPECT_EQ(input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, Mod2Mask | ControlMask, 1100))->kind,
+              Kind::DoubleClick);
 }
 
-// ---- releases that are lost
+// ---- lost releases
 
 using Releases = std::vector<MouseInput>;
 
-TEST(X11InputLostRelease, IsFoundByTheWordOfTheNextEventAndIsWhereTheMouseWasLast) {
+TEST(X11InputLostRelease, IsFoundByTheStateOfTheNextEventAtTheLastPlaceOfTheMouse) {
     const XEvent next[] = {MoveEvent(ShiftMask, 90, 91), ButtonEvent(ButtonPress, kLeft, ShiftMask),
                            ButtonEvent(ButtonPress, kRight, ShiftMask), ButtonEvent(ButtonPress, Button4, ShiftMask),
                            ButtonEvent(ButtonRelease, kRight, ShiftMask | Button3Mask)};
     for (const XEvent& event : next) {
         X11Input input;
-        (void)input.TakeMouse(ButtonEvent(ButtonPress, kLeft, 0));
-        (void)input.TakeMouse(MoveEvent(Button1Mask, 30, 40));
-        EXPECT_EQ(input.TakeLostReleases(MoveEvent(Button1Mask, 31, 40)), Releases{});
+        (void)input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, 0));
+        (void)input.TranslateMouse(MoveEvent(Button1Mask, 30, 40));
+        EXPECT_EQ(input.FindLostReleases(MoveEvent(Button1Mask, 31, 40)), Releases{});
         const std::uint32_t right = event.type == ButtonRelease ? 2 : 0;
-        EXPECT_EQ(input.TakeLostReleases(event), (Releases{{Kind::LeftUp, 4 | right, 30, 40, 0}})) << event.type;
-        EXPECT_EQ(input.TakeLostReleases(event), Releases{}) << "once";
+        EXPECT_EQ(input.FindLostReleases(event), (Releases{{Kind::LeftUp, 4 | right, 30, 40, 0}})) << event.type;
+        EXPECT_EQ(input.FindLostReleases(event), Releases{}) << "once";
     }
 }
 
-TEST(X11InputLostRelease, OfEachButtonHasThoseThatAreStillToComeInItsWord) {
+TEST(X11InputLostRelease, HasTheButtonsThatAreReleasedAfterItInItsFlags) {
     X11Input input;
-    (void)input.TakeMouse(ButtonEvent(ButtonPress, kRight, 0, 1000, 7, 8));
-    (void)input.TakeMouse(ButtonEvent(ButtonPress, kMiddle, Button3Mask, 1000, 7, 8));
-    (void)input.TakeMouse(ButtonEvent(ButtonPress, kLeft, Button2Mask | Button3Mask, 1000, 7, 8));
-    EXPECT_EQ(input.TakeLostReleases(MoveEvent(Button2Mask | ControlMask)),
+    (void)input.TranslateMouse(ButtonEvent(ButtonPress, kRight, 0, 1000, 7, 8));
+    (void)input.TranslateMouse(ButtonEvent(ButtonPress, kMiddle, Button3Mask, 1000, 7, 8));
+    (void)input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, Button2Mask | Button3Mask, 1000, 7, 8));
+    EXPECT_EQ(input.FindLostReleases(MoveEvent(Button2Mask | ControlMask)),
               (Releases{{Kind::LeftUp, 2 | 16 | 8, 7, 8, 0}, {Kind::RightUp, 16 | 8, 7, 8, 0}}));
     EXPECT_EQ(input.ReleaseButtons(), (Releases{{Kind::MiddleUp, 0, 7, 8, 0}}));
     EXPECT_EQ(input.ReleaseButtons(), Releases{});
 }
 
-TEST(X11InputLostRelease, OfAHiddenWindowKeepsTheModifiersOfTheLastInput) {
+TEST(X11InputLostRelease, HasTheModifiersOfTheLastInputWhenTheWindowIsHidden) {
     X11Input input;
-    (void)input.TakeMouse(ButtonEvent(ButtonPress, kLeft, ControlMask, 1000, 7, 8));
+    (void)input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, ControlMask, 1000, 7, 8));
     EXPECT_EQ(input.ReleaseButtons(), (Releases{{Kind::LeftUp, 8, 7, 8, 0}}));
 }
 
-TEST(X11InputLostRelease, ThatComesAfterAllIsNone) {
+TEST(X11InputLostRelease, IsNotReportedAgainWhenXSendsItLater) {
     X11Input input;
-    (void)input.TakeMouse(ButtonEvent(ButtonPress, kLeft, 0));
+    (void)input.TranslateMouse(ButtonEvent(ButtonPress, kLeft, 0));
     (void)input.ReleaseButtons();
-    EXPECT_EQ(input.TakeMouse(MoveEvent(Button1Mask))->flags, 1u) << "what is held is told";
-    EXPECT_FALSE(input.TakeMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask)));
-    EXPECT_EQ(input.TakeLostReleases(MoveEvent(0)), Releases{});
+    EXPECT_EQ(input.TranslateMouse(MoveEvent(Button1Mask))->flags, 1u) << "as X reports it";
+    EXPECT_FALSE(input.TranslateMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask)));
+    EXPECT_EQ(input.FindLostReleases(MoveEvent(0)), Releases{});
 }
 
-TEST(X11InputLostRelease, IsNoneOfAButtonThatWasPressedElsewhere) {
+TEST(X11InputLostRelease, DoesNotExistForAButtonThatWasPressedElsewhere) {
     X11Input input;
-    (void)input.TakeMouse(MoveEvent(Button1Mask | Button3Mask));
-    EXPECT_EQ(input.TakeLostReleases(MoveEvent(0)), Releases{});
-    EXPECT_FALSE(input.TakeMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask)));
+    (void)input.TranslateMouse(MoveEvent(Button1Mask | Button3Mask));
+    EXPECT_EQ(input.FindLostReleases(MoveEvent(0)), Releases{});
+    EXPECT_FALSE(input.TranslateMouse(ButtonEvent(ButtonRelease, kLeft, Button1Mask)));
 }
 
-// ---- what becomes one
+// ---- coalescing
 
-TEST(X11InputCanCoalesce, MovesWithTheSameWord) {
+TEST(X11InputCanCoalesce, MovesWithTheSameState) {
     EXPECT_TRUE(X11Input::CanCoalesce(MoveEvent(Button1Mask, 1, 1), MoveEvent(Button1Mask, 90, 2)));
     EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(Button1Mask), MoveEvent(Button1Mask | ControlMask)));
     EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(0), ButtonEvent(ButtonPress, kLeft, 0)));
@@ -299,7 +300,7 @@ TEST(X11InputCanCoalesce, MovesWithTheSameWord) {
     EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(0), elsewhere));
 }
 
-TEST(X11InputCanCoalesce, PressesOfOneKey) {
+TEST(X11InputCanCoalesce, PressesOfTheSameKey) {
     EXPECT_TRUE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38)));
     EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 39)));
     EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38, ShiftMask)));
@@ -327,65 +328,65 @@ X11Keyboard Keyboard() {
 }
 
 struct KeyTest : testing::Test {
-    KeyInput Take(int type, unsigned keycode, unsigned state = 0, std::int32_t together = 1) {
-        return input.TakeKey(KeyEvent(type, keycode, state), together, keyboard);
+    KeyInput Translate(int type, unsigned keycode, unsigned state = 0, std::int32_t repeatCount = 1) {
+        return input.TranslateKey(KeyEvent(type, keycode, state), repeatCount, keyboard);
     }
     X11Keyboard keyboard = Keyboard();
     X11Input input;
 };
 using X11InputKey = KeyTest;
 
-TEST_F(X11InputKey, APressIsNewARepeatWasDownAndAReleaseIsMarked) {
-    const KeyInput press = Take(KeyPress, kKeycodeUp);
+TEST_F(X11InputKey, RepeatHasTheWasDownBitAndReleaseTheReleaseBit) {
+    const KeyInput press = Translate(KeyPress, kKeycodeUp);
     EXPECT_TRUE(press.isDown);
     EXPECT_EQ(press.nChar, 38);
     EXPECT_EQ(press.nRepCnt, 1);
     EXPECT_EQ(press.nFlags, 0x48 | kExtended);
-    const KeyInput repeat = Take(KeyPress, kKeycodeUp, 0, 3);
+    const KeyInput repeat = Translate(KeyPress, kKeycodeUp, 0, 3);
     EXPECT_TRUE(repeat.isDown);
     EXPECT_EQ(repeat.nRepCnt, 3);
     EXPECT_EQ(repeat.nFlags, 0x48 | kExtended | kWasDown);
-    const KeyInput release = Take(KeyRelease, kKeycodeUp);
+    const KeyInput release = Translate(KeyRelease, kKeycodeUp);
     EXPECT_FALSE(release.isDown);
     EXPECT_EQ(release.nChar, 38);
     EXPECT_EQ(release.nRepCnt, 1);
     EXPECT_EQ(release.nFlags, 0x48 | kExtended | kWasDown | kReleased);
-    EXPECT_EQ(Take(KeyPress, kKeycodeUp).nFlags, 0x48 | kExtended) << "new again";
+    EXPECT_EQ(Translate(KeyPress, kKeycodeUp).nFlags, 0x48 | kExtended) << "pressed again";
 }
 
-TEST_F(X11InputKey, KeysAreRememberedEachForItself) {
-    (void)Take(KeyPress, kKeycodeUp);
-    EXPECT_EQ(Take(KeyPress, kKeycodeA).nFlags, 0x1E);
-    EXPECT_EQ(Take(KeyPress, kKeycodeA).nFlags, 0x1E | kWasDown);
-    (void)Take(KeyRelease, kKeycodeUp);
-    EXPECT_EQ(Take(KeyPress, kKeycodeA).nFlags, 0x1E | kWasDown);
+TEST_F(X11InputKey, EachKeyHasItsOwnState) {
+    (void)Translate(KeyPress, kKeycodeUp);
+    EXPECT_EQ(Translate(KeyPress, kKeycodeA).nFlags, 0x1E);
+    EXPECT_EQ(Translate(KeyPress, kKeycodeA).nFlags, 0x1E | kWasDown);
+    (void)Translate(KeyRelease, kKeycodeUp);
+    EXPECT_EQ(Translate(KeyPress, kKeycodeA).nFlags, 0x1E | kWasDown);
 }
 
-TEST_F(X11InputKey, WithTheFocusGoneNothingIsDown) {
-    (void)Take(KeyPress, kKeycodeA);
+TEST_F(X11InputKey, NoKeyIsDownAfterTheFocusIsLost) {
+    (void)Translate(KeyPress, kKeycodeA);
     input.ForgetKeys();
-    EXPECT_EQ(Take(KeyPress, kKeycodeA).nFlags, 0x1E);
+    EXPECT_EQ(Translate(KeyPress, kKeycodeA).nFlags, 0x1E);
 }
 
-TEST_F(X11InputKey, AReleaseWithoutAPressIsARelease) {
-    const KeyInput release = Take(KeyRelease, kKeycodeA);
+TEST_F(X11InputKey, ReleaseWithoutAPressIsReported) {
+    const KeyInput release = Translate(KeyRelease, kKeycodeA);
     EXPECT_FALSE(release.isDown);
     EXPECT_EQ(release.nChar, 'A');
     EXPECT_EQ(release.nFlags, 0x1E | kWasDown | kReleased);
 }
 
-TEST_F(X11InputKey, AltIsHeldFromItsOwnPressToItsOwnRelease) {
-    EXPECT_EQ(Take(KeyPress, kKeycodeAlt).nFlags, 0x38 | kAltHeld);
-    EXPECT_EQ(Take(KeyPress, kKeycodeA, Mod1Mask).nFlags, 0x1E | kAltHeld);
-    EXPECT_EQ(Take(KeyRelease, kKeycodeA, Mod1Mask).nFlags, 0x1E | kAltHeld | kWasDown | kReleased);
-    EXPECT_EQ(Take(KeyRelease, kKeycodeAlt, Mod1Mask).nFlags, 0x38 | kWasDown | kReleased);
-    EXPECT_EQ(Take(KeyPress, kKeycodeA, Mod2Mask | ShiftMask).nFlags, 0x1E) << "Num Lock is not Alt";
+TEST_F(X11InputKey, AltBitIsSetFromThePressOfAltToItsRelease) {
+    EXPECT_EQ(Translate(KeyPress, kKeycodeAlt).nFlags, 0x38 | kAltHeld);
+    EXPECT_EQ(Translate(KeyPress, kKeycodeA, Mod1Mask).nFlags, 0x1E | kAltHeld);
+    EXPECT_EQ(Translate(KeyRelease, kKeycodeA, Mod1Mask).nFlags, 0x1E | kAltHeld | kWasDown | kReleased);
+    EXPECT_EQ(Translate(KeyRelease, kKeycodeAlt, Mod1Mask).nFlags, 0x38 | kWasDown | kReleased);
+    EXPECT_EQ(Translate(KeyPress, kKeycodeA, Mod2Mask | ShiftMask).nFlags, 0x1E) << "Num Lock is not Alt";
 }
 
-TEST_F(X11InputKey, AReleaseNamesTheKeyThatItsPressNamed) {
-    EXPECT_EQ(Take(KeyPress, kKeycodeKeypad7, Mod2Mask).nChar, 103);
-    EXPECT_EQ(Take(KeyRelease, kKeycodeKeypad7, 0).nChar, 103) << "Num Lock went off in between";
-    EXPECT_EQ(Take(KeyPress, kKeycodeKeypad7, 0).nChar, 36);
+TEST_F(X11InputKey, ReleaseHasTheCodeOfItsPress) {
+    EXPECT_EQ(Translate(KeyPress, kKeycodeKeypad7, Mod2Mask).nChar, 103);
+    EXPECT_EQ(Translate(KeyRelease, kKeycodeKeypad7, 0).nChar, 103) << "Num Lock was switched off in between";
+    EXPECT_EQ(Translate(KeyPress, kKeycodeKeypad7, 0).nChar, 36);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Keys of keyboards written down by hand. Symbols are named as X names them, scan codes are those of a PC keyboard.
+// Keyboard mappings written by hand: keysyms by their X names, scan codes of a PC keyboard.
 #include "platform/X11Keys.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-// After the others: its macros take the names of theirs.
+// After the others, whose names its macros would replace.
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
 
@@ -53,7 +53,7 @@ const KeyRow kKeyRows[] = {
     {"Up", 111, {XK_Up}, 0, 38, 0x48, true},
     {"Right", 114, {XK_Right}, 0, 39, 0x4D, true},
     {"Down", 116, {XK_Down}, 0, 40, 0x50, true},
-    {"UpOnAServerThatNumbersKeysInTheOldWay", 98, {XK_Up}, 0, 38, 0x48, true},
+    {"UpWithTheKeycodeOfOldServers", 98, {XK_Up}, 0, 38, 0x48, true},
     {"LeftShift", 50, {XK_Shift_L}, 0, 16, 0x2A},
     {"RightShift", 62, {XK_Shift_R}, 0, 16, 0x36},
     {"LeftCtrl", 37, {XK_Control_L}, 0, 17, 0x1D},
@@ -100,25 +100,25 @@ const KeyRow kKeyRows[] = {
     {"KeypadTimes", 63, {XK_KP_Multiply, XK_KP_Multiply}, 0, 106, 0x37},
     {"KeypadDivide", 106, {XK_KP_Divide, XK_KP_Divide}, 0, 111, 0x35, true},
     {"KeypadEnter", 104, {XK_KP_Enter}, Mod2Mask, 13, 0x1C, true},
-    {"NumLockDoesNotTouchLetters", 38, {XK_a, XK_A}, Mod2Mask, 'A', 0x1E},
-    {"CyrillicBesideLatin", 38, {XK_a, XK_A, XK_Cyrillic_ef, XK_Cyrillic_EF}, kSecondGroup, 'A', 0x1E},
-    {"LatinBesideCyrillic", 38, {XK_Cyrillic_ef, XK_Cyrillic_EF, XK_a, XK_A}, 0, 'A', 0x1E},
+    {"NumLockDoesNotAffectLetters", 38, {XK_a, XK_A}, Mod2Mask, 'A', 0x1E},
+    {"CyrillicActiveAndLatinFirst", 38, {XK_a, XK_A, XK_Cyrillic_ef, XK_Cyrillic_EF}, kSecondGroup, 'A', 0x1E},
+    {"CyrillicActiveAndLatinSecond", 38, {XK_Cyrillic_ef, XK_Cyrillic_EF, XK_a, XK_A}, 0, 'A', 0x1E},
     {"CyrillicAlone", 38, {XK_Cyrillic_ef, XK_Cyrillic_EF}, 0, 'A', 0x1E},
-    {"CyrillicAloneAtTheComma", 59, {XK_Cyrillic_be, XK_Cyrillic_BE}, 0, 188, 0x33},
-    {"GermanBesideUsWhenActive", 29, {XK_y, XK_Y, XK_z, XK_Z}, kSecondGroup, 'Z', 0x15},
-    {"UsBesideGermanWhenActive", 29, {XK_y, XK_Y, XK_z, XK_Z}, 0, 'Y', 0x15},
-    {"EscapeInAGroupThatHasNothingThere", 9, {XK_Escape}, kSecondGroup, 27, 0x01},
-    {"GermanOUmlautIsByItsPlace", 47, {XK_odiaeresis, XK_Odiaeresis}, 0, 186, 0x27},
-    {"LouderMeansNothing", 123, {0x1008FF13}, 0, 255, 0},
-    {"NoSymbolAtAllIsByItsPlace", 24, {}, 0, 'Q', 0x10},
-    {"NoSymbolWhereNoLetterIs", 36, {}, 0, 255, 0x1C},
+    {"CyrillicAloneAtTheCommaKey", 59, {XK_Cyrillic_be, XK_Cyrillic_BE}, 0, 188, 0x33},
+    {"GermanActiveAndUsFirst", 29, {XK_y, XK_Y, XK_z, XK_Z}, kSecondGroup, 'Z', 0x15},
+    {"UsActiveAndGermanSecond", 29, {XK_y, XK_Y, XK_z, XK_Z}, 0, 'Y', 0x15},
+    {"EscapeInAGroupWithoutSymbols", 9, {XK_Escape}, kSecondGroup, 27, 0x01},
+    {"GermanOUmlautByItsPosition", 47, {XK_odiaeresis, XK_Odiaeresis}, 0, 186, 0x27},
+    {"VolumeKeyIsUnknown", 123, {0x1008FF13}, 0, 255, 0},
+    {"NoSymbolAtALetterPosition", 24, {}, 0, 'Q', 0x10},
+    {"NoSymbolElsewhere", 36, {}, 0, 255, 0x1C},
     {"LowestKeycode", 8, {}, 0, 255, 0},
     {"HighestKeycode", 255, {}, 0, 255, 0},
 };
 
 class X11Keys : public testing::TestWithParam<KeyRow> {};
 
-TEST_P(X11Keys, HasItsCode) {
+TEST_P(X11Keys, KeyHasItsCodeAndScanCode) {
     const KeyRow& row = GetParam();
     const X11Key key = FindKey(KeyboardOf({{row.keycode, row.symbols}}), row.keycode, row.state);
     EXPECT_EQ(key.code, row.code);
@@ -127,7 +127,7 @@ TEST_P(X11Keys, HasItsCode) {
 }
 INSTANTIATE_TEST_SUITE_P(All, X11Keys, testing::ValuesIn(kKeyRows), [](const auto& r) { return r.param.name; });
 
-TEST(X11KeysByPlace, LettersStandAsOnAUsKeyboard) {
+TEST(X11KeysByPosition, LettersAndDigitsAreThoseOfAUsKeyboard) {
     struct Row {
         unsigned firstKeycode;
         std::string letters;

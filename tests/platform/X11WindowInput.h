@@ -1,8 +1,7 @@
-// What the tests of the real window's input share: pointer and keyboard of an X server, moved by XTest, and the window
-// inside a host's.
+// What the tests of a window's input share: pointer and keyboard of an X server, driven by XTest, and the window inside
+// a host's.
 #pragma once
 #include <gtest/gtest.h>
-#include <poll.h>
 
 #include <utility>
 #include <vector>
@@ -11,9 +10,10 @@
 #include "platform/HostWindow.h"
 #include "platform/InputText.h"
 #include "platform/X11Window.h"
+#include "support/Wait.h"
 #include "support/XvfbServer.h"
 
-// After the others: their macros take the names of those.
+// After the others, whose names their macros would replace.
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 
@@ -27,22 +27,17 @@ using Keys = std::vector<KeyInput>;
 inline constexpr unsigned kLeft = 1, kMiddle = 2, kRight = 3;
 inline constexpr int kPaneX = 20, kPaneY = 30, kPaneWidth = 200, kPaneHeight = 100;
 
-inline bool IsReadable(const PaneWindow& window, int milliseconds) {
-    pollfd waiting{window.EventDescriptor(), POLLIN, 0};
-    return poll(&waiting, 1, milliseconds) == 1;
-}
-
-/// The user's hands. Whatever is still down is let go at the end.
-class Hands {
+/// Pointer and keyboard of the user. What is still pressed at the end is released.
+class XTestUser {
 public:
-    explicit Hands(Display* display) : m_pDisplay(display) {}
-    ~Hands() {
+    explicit XTestUser(Display* display) : m_pDisplay(display) {}
+    ~XTestUser() {
         for (const unsigned button : m_vButtons) XTestFakeButtonEvent(m_pDisplay, button, False, CurrentTime);
         for (const unsigned key : m_vKeys) XTestFakeKeyEvent(m_pDisplay, key, False, CurrentTime);
         XSync(m_pDisplay, False);
     }
-    Hands(const Hands&) = delete;
-    Hands& operator=(const Hands&) = delete;
+    XTestUser(const XTestUser&) = delete;
+    XTestUser& operator=(const XTestUser&) = delete;
 
     /// In pixels of the pane, which may be outside it.
     void MoveTo(int x, int y) {
@@ -59,9 +54,14 @@ public:
         XTestFakeButtonEvent(m_pDisplay, button, False, CurrentTime);
         XSync(m_pDisplay, False);
     }
-    void Click(unsigned button) {
-        Press(button);
-        Release(button);
+    void Click(unsigned button) { Clicks(button, 1); }
+    /// In one buffer to the server, so that no load of the machine makes them slow clicks.
+    void Clicks(unsigned button, int count) {
+        for (int i = 0; i < count; ++i) {
+            XTestFakeButtonEvent(m_pDisplay, button, True, CurrentTime);
+            XTestFakeButtonEvent(m_pDisplay, button, False, CurrentTime);
+        }
+        XSync(m_pDisplay, False);
     }
     void PressKey(KeySym symbol) {
         m_vKeys.push_back(XKeysymToKeycode(m_pDisplay, symbol));
@@ -74,9 +74,12 @@ public:
         XTestFakeKeyEvent(m_pDisplay, key, False, CurrentTime);
         XSync(m_pDisplay, False);
     }
+    /// In one buffer to the server, so that no load of the machine makes the key repeat.
     void Type(KeySym symbol) {
-        PressKey(symbol);
-        ReleaseKey(symbol);
+        const unsigned key = XKeysymToKeycode(m_pDisplay, symbol);
+        XTestFakeKeyEvent(m_pDisplay, key, True, CurrentTime);
+        XTestFakeKeyEvent(m_pDisplay, key, False, CurrentTime);
+        XSync(m_pDisplay, False);
     }
 
 private:
@@ -86,16 +89,16 @@ private:
 
 struct X11WindowInputTest : testing::Test {
     void SetUp() override {
-        hands.MoveTo(400, 300);  // on the host, beside the pane
+        user.MoveTo(400, 300);  // on the host, beside the pane
         std::string reason;
         ASSERT_TRUE(window.Create(client, &reason)) << reason;
-        Pump();
+        HandleAll();
         client.mouse.clear();
     }
 
-    static PaneWindowRequest Request(Window parent) {
-        PaneWindowRequest request;
-        request.kind = PaneWindowRequest::Kind::Child;
+    static KV_ScenePane::WindowRequest Request(Window parent) {
+        KV_ScenePane::WindowRequest request;
+        request.kind = KV_ScenePane::WindowRequest::Kind::Child;
         request.parent = parent;
         request.x = kPaneX;
         request.y = kPaneY;
@@ -104,27 +107,21 @@ struct X11WindowInputTest : testing::Test {
         return request;
     }
 
-    /// Runs rounds until nothing comes any more.
-    void Pump() {
-        for (int i = 0; i < 100; ++i) {
-            window.ProcessEvents();
-            if (!IsReadable(window, 30)) return;
-        }
-        ADD_FAILURE() << "the window never comes to rest";
-    }
-    Mouse TakeMouse() {
-        Pump();
+    void HandleAll() { EXPECT_TRUE(HandleAllEvents(host, window)) << "the events do not end"; }
+    /// Those since the last call.
+    Mouse MouseInputs() {
+        HandleAll();
         return std::exchange(client.mouse, {});
     }
-    Keys TakeKeys() {
-        Pump();
+    Keys KeyInputs() {
+        HandleAll();
         return std::exchange(client.keys, {});
     }
-    /// The pointer in the pane, which has the focus by a click.
+    /// Moves the pointer into the pane and gives it the focus by a click.
     void ClickIntoPane() {
-        hands.MoveTo(50, 50);
-        hands.Click(kMiddle);
-        (void)TakeMouse();
+        user.MoveTo(50, 50);
+        user.Click(kMiddle);
+        (void)MouseInputs();
     }
     Window FocusedWindow() {
         Window focused = None;
@@ -135,7 +132,7 @@ struct X11WindowInputTest : testing::Test {
 
     XvfbServer& server = XvfbServer::Shared();
     HostWindow host;
-    Hands hands{host.Display()};
+    XTestUser user{host.Display()};
     X11Window window{Request(host.Id())};
     DrawingClient client{window};
 };

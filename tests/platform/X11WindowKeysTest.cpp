@@ -1,9 +1,7 @@
-// The real window under a real keyboard: who has the focus, and what the keys become.
-#include <unistd.h>
-
+// A window of an X server under a keyboard: which window has the focus, and what the keys become.
 #include "platform/X11WindowInput.h"
 
-// After the others: their macros take the names of those.
+// After the others, whose names their macros would replace.
 #include <X11/XKBlib.h>
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
@@ -12,77 +10,85 @@ namespace {
 
 constexpr std::int32_t kExtended = 0x100, kWasDown = 0x4000, kReleased = 0x8000;
 
-TEST_F(X11WindowInputTest, APressTakesTheFocusFromTheHostAndKeysArrive) {
+TEST_F(X11WindowInputTest, PressRequestsTheFocusAndKeysArrive) {
     XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
-    hands.MoveTo(50, 50);
-    hands.Press(kLeft);
-    (void)TakeMouse();
+    user.MoveTo(50, 50);
+    user.Press(kLeft);
+    (void)MouseInputs();
     EXPECT_EQ(FocusedWindow(), window.NativeHandle());
-    hands.Release(kLeft);
-    hands.MoveTo(400, 300);  // the keys follow the focus, not the pointer
-    hands.Type(XK_Down);
-    EXPECT_EQ(TakeKeys(),
+    user.Release(kLeft);
+    user.MoveTo(400, 300);  // the keys follow the focus, not the pointer
+    user.Type(XK_Down);
+    EXPECT_EQ(KeyInputs(),
               (Keys{{true, 40, 1, 0x50 | kExtended}, {false, 40, 1, 0x50 | kExtended | kWasDown | kReleased}}));
 }
 
-TEST_F(X11WindowInputTest, KeysOfTheHostStayWithTheHostWhileThePointerRestsOnThePane) {
+TEST_F(X11WindowInputTest, KeysGoToTheFocusedHostWhileThePointerIsOverThePane) {
     XSelectInput(host.Display(), host.Id(), KeyPressMask);
     const auto hostGotKey = [&] {
         XEvent event{};
-        for (int i = 0; i < 100; ++i) {
-            if (XCheckTypedEvent(host.Display(), KeyPress, &event) == True) return true;
-            usleep(5'000);
-        }
-        return false;
+        return WaitUntil([&] { return XCheckTypedEvent(host.Display(), KeyPress, &event) == True; });
     };
     XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
-    hands.MoveTo(50, 50);
-    hands.Type(XK_a);
-    EXPECT_EQ(TakeKeys(), Keys{});
+    user.MoveTo(50, 50);
+    user.Type(XK_a);
+    EXPECT_EQ(KeyInputs(), Keys{});
     EXPECT_TRUE(hostGotKey());
-    hands.Click(kLeft);
-    Pump();
-    hands.Type(XK_a);
-    EXPECT_EQ(TakeKeys().size(), 2u);
+    user.Click(kLeft);
+    HandleAll();
+    user.Type(XK_a);
+    EXPECT_EQ(KeyInputs().size(), 2u);
     XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
     XSync(host.Display(), False);
-    Pump();
-    hands.Type(XK_a);
-    EXPECT_EQ(TakeKeys(), Keys{}) << "and again when the host takes the focus back";
+    HandleAll();
+    user.Type(XK_a);
+    EXPECT_EQ(KeyInputs(), Keys{}) << "also once the host has set the focus back";
     EXPECT_TRUE(hostGotKey());
 }
 
-TEST_F(X11WindowInputTest, AFocusThatTheHostGivesIsAsGoodAsAClick) {
+TEST_F(X11WindowInputTest, FocusSetByTheHostBringsKeysAsAClickDoes) {
     XSetInputFocus(host.Display(), window.NativeHandle(), RevertToParent, CurrentTime);
     XSync(host.Display(), False);
-    Pump();
-    hands.Type(XK_Escape);
-    EXPECT_EQ(TakeKeys(), (Keys{{true, 27, 1, 0x01}, {false, 27, 1, 0x01 | kWasDown | kReleased}}));
+    HandleAll();
+    user.Type(XK_Escape);
+    EXPECT_EQ(KeyInputs(), (Keys{{true, 27, 1, 0x01}, {false, 27, 1, 0x01 | kWasDown | kReleased}}));
 }
 
-TEST_F(X11WindowInputTest, RepeatsOfAHeldKeyThatWaitTogetherAreOnePressWithTheirCount) {
+TEST_F(X11WindowInputTest, QueuedRepeatsOfAHeldKeyAreOnePressWithTheirCount) {
     ClickIntoPane();
     unsigned delay = 0, interval = 0;
     XkbGetAutoRepeatRate(host.Display(), XkbUseCoreKbd, &delay, &interval);
     XkbSetAutoRepeatRate(host.Display(), XkbUseCoreKbd, 100, 20);
-    hands.PressKey(XK_Up);
-    usleep(400'000);
+    XSelectInput(host.Display(), window.NativeHandle(), KeyPressMask);  // of the host's own: counts the repeats
+    int presses = 0;
+    const auto waitForPresses = [&](int count) {
+        XEvent event{};
+        return WaitUntil([&] {
+            while (XCheckTypedEvent(host.Display(), KeyPress, &event) == True) ++presses;
+            return presses >= count;
+        });
+    };
+    user.PressKey(XK_Up);
+    EXPECT_TRUE(waitForPresses(4));
+    (void)window.Reparent(0, 0, 0);  // a round trip: the window's connection has read them as well
     window.ProcessEvents();
     const Keys first = std::exchange(client.keys, {});
-    usleep(300'000);
-    hands.ReleaseKey(XK_Up);
-    const Keys second = TakeKeys();
-    XkbSetAutoRepeatRate(host.Display(), XkbUseCoreKbd, delay, interval);
-    ASSERT_EQ(first.size(), 1u) << "the server's own repeat sends no releases in between";
+    ASSERT_EQ(first.size(), 1u) << "the server's repeat sends no releases in between";
     EXPECT_EQ(first[0].nChar, 38);
-    EXPECT_GE(first[0].nRepCnt, 3) << "300 ms with a press every 20";
+    EXPECT_GE(first[0].nRepCnt, 4);
     EXPECT_EQ(first[0].nFlags, 0x48 | kExtended);
+    EXPECT_TRUE(waitForPresses(first[0].nRepCnt + 3));
+    user.ReleaseKey(XK_Up);
+    const Keys second = KeyInputs();
+    XkbSetAutoRepeatRate(host.Display(), XkbUseCoreKbd, delay, interval);
     ASSERT_EQ(second.size(), 2u);
     EXPECT_GE(second[0].nRepCnt, 3);
     EXPECT_EQ(second[0].nFlags, 0x48 | kExtended | kWasDown);
     EXPECT_EQ(second[1], (KeyInput{false, 38, 1, 0x48 | kExtended | kWasDown | kReleased}));
-    hands.PressKey(XK_Up);
-    EXPECT_EQ(TakeKeys(), (Keys{{true, 38, 1, 0x48 | kExtended}})) << "released in between: not down before";
+    user.Type(XK_Up);
+    EXPECT_EQ(KeyInputs(),
+              (Keys{{true, 38, 1, 0x48 | kExtended}, {false, 38, 1, 0x48 | kExtended | kWasDown | kReleased}}))
+        << "released in between: not down before";
 }
 
 TEST_F(X11WindowInputTest, KeysHaveTheCodesThatTheHandlersExpect) {
@@ -97,8 +103,8 @@ TEST_F(X11WindowInputTest, KeysHaveTheCodesThatTheHandlersExpect) {
                         {XK_F1, 112},    {XK_F12, 123},   {XK_Return, 13},    {XK_Tab, 9},        {XK_BackSpace, 8},
                         {XK_Home, 36},   {XK_Prior, 33},  {XK_KP_Add, 107},   {XK_KP_Divide, 111}};
     for (const Row& row : rows) {
-        hands.Type(row.symbol);
-        const Keys keys = TakeKeys();
+        user.Type(row.symbol);
+        const Keys keys = KeyInputs();
         ASSERT_EQ(keys.size(), 2u) << row.code;
         EXPECT_EQ(keys[0].nChar, row.code);
         EXPECT_TRUE(keys[0].isDown) << row.code;
@@ -107,97 +113,97 @@ TEST_F(X11WindowInputTest, KeysHaveTheCodesThatTheHandlersExpect) {
     }
 }
 
-TEST_F(X11WindowInputTest, TheKeypadFollowsNumLock) {
+TEST_F(X11WindowInputTest, KeypadKeysDependOnNumLock) {
     ClickIntoPane();
-    hands.Type(XK_KP_Home);
-    EXPECT_EQ(TakeKeys().front().nChar, 36);
-    hands.Type(XK_Num_Lock);
-    hands.Type(XK_KP_Home);
-    const Keys keys = TakeKeys();
-    hands.Type(XK_Num_Lock);
+    user.Type(XK_KP_Home);
+    EXPECT_EQ(KeyInputs().front().nChar, 36);
+    user.Type(XK_Num_Lock);
+    user.Type(XK_KP_Home);
+    const Keys keys = KeyInputs();
+    user.Type(XK_Num_Lock);
     ASSERT_EQ(keys.size(), 4u);
     EXPECT_EQ(keys[0].nChar, 144);
     EXPECT_EQ(keys[2].nChar, 103);
     EXPECT_EQ(keys[2].nFlags, 0x47);
 }
 
-TEST_F(X11WindowInputTest, AKeyThatGetsAnotherSymbolHasAnotherCode) {
+TEST_F(X11WindowInputTest, KeyCodesFollowAChangeOfTheKeyboardMapping) {
     ClickIntoPane();
     const KeyCode keycode = XKeysymToKeycode(host.Display(), XK_y);
     KeySym german[] = {XK_z, XK_Z}, russian[] = {XK_Cyrillic_en, XK_Cyrillic_EN}, us[] = {XK_y, XK_Y};
     const auto typeWith = [&](KeySym* symbols) {
         XChangeKeyboardMapping(host.Display(), keycode, 2, symbols, 1);
         XSync(host.Display(), False);
-        Pump();
+        HandleAll();
         XTestFakeKeyEvent(host.Display(), keycode, True, CurrentTime);
         XTestFakeKeyEvent(host.Display(), keycode, False, CurrentTime);
         XSync(host.Display(), False);
-        const Keys keys = TakeKeys();
+        const Keys keys = KeyInputs();
         return keys.empty() ? 0 : keys.front().nChar;
     };
     EXPECT_EQ(typeWith(german), 'Z');
-    EXPECT_EQ(typeWith(russian), 'Y') << "by its place";
+    EXPECT_EQ(typeWith(russian), 'Y') << "by its position";
     EXPECT_EQ(typeWith(us), 'Y');
 }
 
-TEST_F(X11WindowInputTest, AKeyHeldWhenTheFocusGoesIsNotRememberedAsDown) {
+TEST_F(X11WindowInputTest, KeyHeldWhenTheFocusIsLostIsUpAfterwards) {
     ClickIntoPane();
-    hands.PressKey(XK_Control_L);
-    EXPECT_EQ(TakeKeys(), (Keys{{true, 17, 1, 0x1D}}));
+    user.PressKey(XK_Control_L);
+    EXPECT_EQ(KeyInputs(), (Keys{{true, 17, 1, 0x1D}}));
     XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
     XSync(host.Display(), False);
-    Pump();
-    hands.ReleaseKey(XK_Control_L);
-    EXPECT_EQ(TakeKeys(), Keys{}) << "went to the host";
+    HandleAll();
+    user.ReleaseKey(XK_Control_L);
+    EXPECT_EQ(KeyInputs(), Keys{}) << "sent to the host";
     ClickIntoPane();
-    hands.PressKey(XK_Control_L);
-    EXPECT_EQ(TakeKeys(), (Keys{{true, 17, 1, 0x1D}}));
+    user.PressKey(XK_Control_L);
+    EXPECT_EQ(KeyInputs(), (Keys{{true, 17, 1, 0x1D}}));
 }
 
-TEST_F(X11WindowInputTest, AWindowThatCannotHaveTheFocusTakesThePressAllTheSame) {
-    hands.MoveTo(50, 50);
-    (void)TakeMouse();
-    hands.Click(kLeft);
+TEST_F(X11WindowInputTest, PressIsReportedWhenTheServerRefusesTheFocus) {
+    user.MoveTo(50, 50);
+    (void)MouseInputs();
+    user.Click(kLeft);
     XUnmapWindow(host.Display(), window.NativeHandle());  // before the press is handled: X refuses the focus then
     XSync(host.Display(), False);
-    EXPECT_EQ(TakeMouse().size(), 2u);
+    EXPECT_EQ(MouseInputs().size(), 2u);
     EXPECT_TRUE(window.Exists());
 }
 
-TEST_F(X11WindowInputTest, AWindowMadeAnewKeepsTheFocusThatItHad) {
+TEST_F(X11WindowInputTest, RecreatedWindowKeepsTheFocusThatItHad) {
     ClickIntoPane();
     ASSERT_TRUE(window.Recreate());
-    Pump();
+    HandleAll();
     EXPECT_EQ(FocusedWindow(), window.NativeHandle());
-    hands.Type(XK_Escape);
-    EXPECT_EQ(TakeKeys(), (Keys{{true, 27, 1, 0x01}, {false, 27, 1, 0x01 | kWasDown | kReleased}}));
+    user.Type(XK_Escape);
+    EXPECT_EQ(KeyInputs(), (Keys{{true, 27, 1, 0x01}, {false, 27, 1, 0x01 | kWasDown | kReleased}}));
 }
 
-TEST_F(X11WindowInputTest, AWindowMadeAnewTakesNoFocusFromTheHost) {
+TEST_F(X11WindowInputTest, RecreatedWindowLeavesTheFocusWithTheHost) {
     ClickIntoPane();
     XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
     XSync(host.Display(), False);
     ASSERT_TRUE(window.Recreate());
-    Pump();
+    HandleAll();
     EXPECT_EQ(FocusedWindow(), host.Id());
-    hands.Type(XK_Escape);
-    EXPECT_EQ(TakeKeys(), Keys{});
+    user.Type(XK_Escape);
+    EXPECT_EQ(KeyInputs(), Keys{});
 }
 
-TEST_F(X11WindowInputTest, AWindowMadeAfterItsEndTakesNoFocus) {
+TEST_F(X11WindowInputTest, WindowCreatedAfterADestructionRequestsNoFocus) {
     ClickIntoPane();
     window.Destroy();
     std::string reason;
     ASSERT_TRUE(window.Create(client, &reason)) << reason;
-    Pump();
+    HandleAll();
     EXPECT_NE(FocusedWindow(), window.NativeHandle());
 }
 
 // ---- top-level
 
-TEST_F(X11WindowInputTest, ATopLevelAsksItsManagerForTheFocusAndGetsKeys) {
-    PaneWindowRequest request;
-    request.kind = PaneWindowRequest::Kind::TopLevel;
+TEST_F(X11WindowInputTest, TopLevelAsksTheWindowManagerForTheFocusAndGetsKeys) {
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::TopLevel;
     request.x = kPaneX;
     request.y = kPaneY;
     X11Window topLevel(request);
@@ -209,27 +215,21 @@ TEST_F(X11WindowInputTest, ATopLevelAsksItsManagerForTheFocusAndGetsKeys) {
     EXPECT_NE(hints->flags & InputHint, 0);
     EXPECT_EQ(hints->input, True);
     XFree(hints);
-    hands.MoveTo(50, 50);
-    hands.Click(kLeft);
-    for (int i = 0; i < 100 && FocusedWindow() != topLevel.NativeHandle(); ++i) {
-        usleep(5'000);
-        topLevel.ProcessEvents();
-    }
-    hands.Type(XK_space);
-    for (int i = 0; i < 100 && other.keys.size() < 2; ++i) {
-        usleep(5'000);
-        topLevel.ProcessEvents();
-    }
+    user.MoveTo(50, 50);
+    user.Click(kLeft);
+    EXPECT_TRUE(ProcessEventsUntil(topLevel, [&] { return FocusedWindow() == topLevel.NativeHandle(); }));
+    user.Type(XK_space);
+    EXPECT_TRUE(ProcessEventsUntil(topLevel, [&] { return other.keys.size() >= 2; }));
     EXPECT_EQ(other.keys, (Keys{{true, 32, 1, 0x39}, {false, 32, 1, 0x39 | kWasDown | kReleased}}));
 }
 
-// ---- a handler that does away with the window
+// ---- a handler that destroys the window
 
-TEST_F(X11WindowInputTest, AKeyHandlerMayDestroyTheWindow) {
+TEST_F(X11WindowInputTest, KeyHandlerMayDestroyTheWindow) {
     ClickIntoPane();
     client.onKey = [&](const KeyInput&) { window.Destroy(); };
-    hands.Type(XK_Escape);
-    EXPECT_EQ(TakeKeys().size(), 1u);
+    user.Type(XK_Escape);
+    EXPECT_EQ(KeyInputs().size(), 1u);
     EXPECT_FALSE(window.Exists());
 }
 

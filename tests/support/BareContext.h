@@ -1,4 +1,4 @@
-// A context and nothing else, on an off-screen surface of 640 x 480.
+// A context without a control, on an off-screen surface of 640 x 480.
 #pragma once
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "platform/WindowFactory.h"
 #include "support/TestFolder.h"
 
-/// A window that makes its context, current at first, and draws nothing.
+/// A window that makes its context, which is then current, and draws nothing.
 class BareContext final : public WindowClient {
 public:
     BareContext() : m_window(MakePaneWindow({})) {

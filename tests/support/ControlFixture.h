@@ -1,5 +1,5 @@
-// A whole control for tests: on an off-screen surface of a chosen size, or without any picture. Its events and what
-// goes to the debugger output are kept; its window is a WindowProbe.
+// A whole control for tests: on an off-screen surface of a chosen size, or without any picture. Its events and the
+// debugger output are recorded; its window is a WindowProbe.
 #pragma once
 #include <gtest/gtest.h>
 
@@ -13,9 +13,10 @@
 #include "KV_ScenePane/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
 #include "platform/WindowFactory.h"
+#include "support/WindowKindText.h"
 #include "support/WindowProbe.h"
 
-/// Takes the debugger output of the process over while it lives.
+/// Receives the debugger output of the process while it lives.
 class CapturedDebugOutput {
 public:
     CapturedDebugOutput() {
@@ -36,7 +37,7 @@ public:
         const std::lock_guard lock(m_mutex);
         m_text.clear();
     }
-    /// What came since the last Take() or Clear().
+    /// The text since the last Take() or Clear().
     std::string Take() {
         const std::lock_guard lock(m_mutex);
         return std::exchange(m_text, {});
@@ -47,7 +48,7 @@ private:
     std::string m_text;
 };
 
-/// Keeps every event that fires, as its name and its arguments as numbers.
+/// Records every event that fires: its name, and its arguments as numbers.
 class EventsRecorder final : public KV_ScenePane::_DKV_ScenePaneEvents {
 public:
     struct Event {
@@ -85,11 +86,11 @@ private:
     }
 };
 
-/// A control with its window, its host's ears and the debugger output.
+/// A control with its window, its host's events and the debugger output.
 class TestControl {
 public:
-    explicit TestControl(PaneWindowRequest::Kind kind, std::int32_t width = 640, std::int32_t height = 480) {
-        PaneWindowRequest request;
+    explicit TestControl(KV_ScenePane::WindowRequest::Kind kind, std::int32_t width = 640, std::int32_t height = 480) {
+        KV_ScenePane::WindowRequest request;
         request.kind = kind;
         request.width = width;
         request.height = height;
@@ -116,8 +117,8 @@ public:
 class OffscreenControl : public TestControl {
 public:
     explicit OffscreenControl(std::int32_t width = 640, std::int32_t height = 480)
-        : TestControl(PaneWindowRequest::Kind::OffScreen, width, height) {
-        control->PerformRefresh();  // the first frame takes the size of the window
+        : TestControl(KV_ScenePane::WindowRequest::Kind::OffScreen, width, height) {
+        control->PerformRefresh();  // the first frame adopts the size of the window
         window->Forget();
     }
 };
@@ -125,10 +126,10 @@ public:
 /// Without OpenGL: imports and their results only.
 class NoPictureControl : public TestControl {
 public:
-    NoPictureControl() : TestControl(PaneWindowRequest::Kind::NoPicture) {}
+    NoPictureControl() : TestControl(KV_ScenePane::WindowRequest::Kind::NoPicture) {}
 };
 
-/// Adds a mesh as it stands; its object index is the number of objects before.
+/// Adds a mesh without an import; its object index is the number of objects before.
 inline Mesh& AddMesh(CKV_ScenePaneCtrl& control, std::vector<Vertex> vertices, std::vector<Triangle> triangles) {
     auto mesh = std::make_shared<Mesh>(std::move(vertices), std::move(triangles), std::wstring(), false);
     control.m_vpMeshes.push_back(mesh);

@@ -1,4 +1,4 @@
-// The objects of the tests' component library: a table of operations a kind, and the entry by which the process gets
+// The objects of the component library for tests: one table of operations per kind, and the entry points that make
 // them.
 #include "support/FakeComponents.h"
 
@@ -35,27 +35,27 @@ namespace {
 
 FakeObject& Self(Object* object) { return *static_cast<FakeObject*>(object); }
 
-/// Calls a plain function of the fake at its place in the table.
+/// Puts a plain function at the position of the operation in the table.
 template <class Result, class... Arguments>
 void Enter(Table& table, const Operation<Result(Arguments...)>& operation, Result (*function)(Object*, Arguments...)) {
     table[operation.m_uPosition] = reinterpret_cast<Object::Entry>(function);
 }
 
-std::int32_t Call(Object* object, const char* operation, const std::string& told = "") {
+std::int32_t Call(Object* object, const char* operation, const std::string& arguments = "") {
     const FakeObject& self = Self(object);
     EXPECT_EQ(self.m_iReferences, 1) << self.m_sKind << "." << operation;
-    return g_library->Call(self.m_sKind + "." + operation, told);
+    return g_library->Call(self.m_sKind + "." + operation, arguments);
 }
 
-/// Gives a new object of that kind, unless the operation answers otherwise.
-std::int32_t Give(Object* object, const char* operation, const char* kind, Object** out) {
+/// Returns a new object of that kind, unless the operation has another status.
+std::int32_t ReturnObject(Object* object, const char* operation, const char* kind, Object** out) {
     const std::int32_t status = Call(object, operation);
     const bool null = status != kSucceeded || g_library->nulls.contains(Self(object).m_sKind + "." + operation);
     *out = null ? nullptr : g_library->Make(kind);
     return status;
 }
 
-/// Fills the caller's buffer when it has the size of what is there.
+/// Fills the caller's buffer when it has the size of the content.
 template <class T>
 std::int32_t Fill(std::int32_t status, const std::vector<T>& from, void* buffer, std::size_t size) {
     if (status != kSucceeded) return status;
@@ -64,8 +64,9 @@ std::int32_t Fill(std::int32_t status, const std::vector<T>& from, void* buffer,
     return kSucceeded;
 }
 
+/// Stores the caller's buffer.
 template <class T>
-std::int32_t Take(std::int32_t status, std::vector<T>& to, const void* buffer, std::size_t size) {
+std::int32_t Receive(std::int32_t status, std::vector<T>& to, const void* buffer, std::size_t size) {
     if (status != kSucceeded) return status;
     EXPECT_EQ(size % sizeof(T), 0u);
     to.resize(size / sizeof(T));
@@ -73,8 +74,9 @@ std::int32_t Take(std::int32_t status, std::vector<T>& to, const void* buffer, s
     return kSucceeded;
 }
 
-/// Tells a number, unless the operation answers otherwise.
-std::int32_t Tell(std::int32_t status, std::size_t fromData, std::optional<std::int32_t> instead, std::int32_t* out) {
+/// Reports a number, unless the operation has another status.
+std::int32_t ReportNumber(std::int32_t status, std::size_t fromData, std::optional<std::int32_t> instead,
+                          std::int32_t* out) {
     if (status == kSucceeded) *out = instead.value_or(static_cast<std::int32_t>(fromData));
     return status;
 }
@@ -124,7 +126,7 @@ void Release(Object* object) {
 }
 
 std::int32_t NotImplemented(Object* object) {
-    ADD_FAILURE() << Self(object).m_sKind << " is asked for an operation that it does not have";
+    ADD_FAILURE() << Self(object).m_sKind << " has no such operation";
     return kNotImplemented;
 }
 
@@ -137,7 +139,7 @@ Table EveryObject() {
     return table;
 }
 
-// ---- one table a kind of object
+// ---- one table per kind of object
 
 Table Reader() {
     Table table = EveryObject();
@@ -145,13 +147,14 @@ Table Reader() {
         table, hps_reader::kOpen,
         +[](Object* o, const wchar_t* path) { return Call(o, "open", KV_ScenePane::PathBytes(path)); });
     Enter(
-        table, hps_reader::kLastError,
-        +[](Object* o, std::int32_t* code) { return Tell(Call(o, "lastError"), 0, g_library->lastError, code); });
+        table, hps_reader::kLastError, +[](Object* o, std::int32_t* code) {
+            return ReportNumber(Call(o, "lastError"), 0, g_library->lastError, code);
+        });
     Enter(
         table, hps_reader::kUvBlockSize, +[](Object* o, std::int32_t* size) {
             const std::int32_t status = Call(o, "uvBlockSize");
             if (!g_library->uvBlock) return kFailed;
-            return Tell(status, g_library->uvBlock->size(), g_library->uvBlockSize, size);
+            return ReportNumber(status, g_library->uvBlock->size(), g_library->uvBlockSize, size);
         });
     Enter(
         table, hps_reader::kUvBlock, +[](Object* o, void* block, std::size_t size) {
@@ -161,20 +164,20 @@ Table Reader() {
         table, hps_reader::kImageFileSize,
         +[](Object* o, std::int32_t* size, std::int32_t* first, std::int32_t* second) {
             const std::int32_t status = Call(o, "imageFileSize");
-            *first = *second = -1;  // the caller has room for what it ignores
-            return Tell(status, g_library->imageFile.size(), g_library->imageFileSize, size);
+            *first = *second = -1;  // the caller passes variables for what it ignores
+            return ReportNumber(status, g_library->imageFile.size(), g_library->imageFileSize, size);
         });
     Enter(
         table, hps_reader::kImageFileBytes, +[](Object* o, void* bytes, std::size_t size) {
             return Fill(Call(o, "imageFileBytes", Bytes(size)), g_library->imageFile, bytes, size);
         });
     Enter(
-        table, hps_reader::kImage, +[](Object* o, Object** out) { return Give(o, "image", "image", out); });
+        table, hps_reader::kImage, +[](Object* o, Object** out) { return ReturnObject(o, "image", "image", out); });
     Enter(
-        table, hps_reader::kMesh, +[](Object* o, Object** out) { return Give(o, "mesh", "mesh", out); });
+        table, hps_reader::kMesh, +[](Object* o, Object** out) { return ReturnObject(o, "mesh", "mesh", out); });
     Enter(
         table, hps_reader::kImageOrientation, +[](Object* o, std::int32_t* orientation) {
-            return Tell(Call(o, "imageOrientation"), 0, g_library->orientation, orientation);
+            return ReportNumber(Call(o, "imageOrientation"), 0, g_library->orientation, orientation);
         });
     Enter(
         table, hps_reader::kClose, +[](Object* o) { return Call(o, "close"); });
@@ -190,19 +193,20 @@ Table MeshTable() {
         });
     Enter(
         table, hps_mesh::kWritableVertexData,
-        +[](Object* o, Object** out) { return Give(o, "writableVertexData", "vertices", out); });
+        +[](Object* o, Object** out) { return ReturnObject(o, "writableVertexData", "vertices", out); });
     Enter(
         table, hps_mesh::kReadableVertexData,
-        +[](Object* o, Object** out) { return Give(o, "readableVertexData", "vertices", out); });
+        +[](Object* o, Object** out) { return ReturnObject(o, "readableVertexData", "vertices", out); });
     Enter(
         table, hps_mesh::kTriangleCount, +[](Object* o, std::int32_t* count) {
             const bool written = Self(o).m_sKind == "clone";
-            return Tell(Call(o, "triangleCount"), (written ? g_library->writtenIndices : g_library->indices).size() / 3,
-                        g_library->triangleCount, count);
+            return ReportNumber(Call(o, "triangleCount"),
+                                (written ? g_library->writtenIndices : g_library->indices).size() / 3,
+                                g_library->triangleCount, count);
         });
     Enter(
         table, hps_mesh::kVertexCount, +[](Object* o, std::int32_t* count) {
-            return Tell(Call(o, "vertexCount"), g_library->positions.size() / 3, g_library->vertexCount, count);
+            return ReportNumber(Call(o, "vertexCount"), g_library->positions.size() / 3, g_library->vertexCount, count);
         });
     Enter(
         table, hps_mesh::kReadIndices, +[](Object* o, std::int32_t* indices, std::size_t size) {
@@ -210,7 +214,7 @@ Table MeshTable() {
         });
     Enter(
         table, hps_mesh::kWriteIndices, +[](Object* o, const std::int32_t* indices, std::size_t size) {
-            return Take(Call(o, "writeIndices", Bytes(size)), g_library->writtenIndices, indices, size);
+            return Receive(Call(o, "writeIndices", Bytes(size)), g_library->writtenIndices, indices, size);
         });
     Enter(
         table, hps_mesh::kFinish, +[](Object* o, std::int32_t first, std::int32_t second) {
@@ -219,7 +223,7 @@ Table MeshTable() {
     return table;
 }
 
-std::string Told(char attribute, std::int32_t reserved, std::int32_t count, std::size_t size) {
+std::string ArgumentText(char attribute, std::int32_t reserved, std::int32_t count, std::size_t size) {
     return attribute + (" " + std::to_string(reserved)) + " " + std::to_string(count) + " " + Bytes(size);
 }
 
@@ -230,15 +234,15 @@ Table Vertices() {
     Enter(
         table, hps_vertex_data::kReadAttribute,
         +[](Object* o, char attribute, std::int32_t reserved, std::int32_t count, float* values, std::size_t size) {
-            return Fill(Call(o, "read", Told(attribute, reserved, count, size)),
+            return Fill(Call(o, "read", ArgumentText(attribute, reserved, count, size)),
                         attribute == 'P' ? g_library->positions : g_library->normals, values, size);
         });
     Enter(
         table, hps_vertex_data::kWriteAttribute,
         +[](Object* o, char attribute, std::int32_t reserved, std::int32_t count, const float* values,
             std::size_t size) {
-            return Take(Call(o, "write", Told(attribute, reserved, count, size)), g_library->writtenPositions, values,
-                        size);
+            return Receive(Call(o, "write", ArgumentText(attribute, reserved, count, size)),
+                           g_library->writtenPositions, values, size);
         });
     return table;
 }
@@ -246,7 +250,8 @@ Table Vertices() {
 Table Source() {
     Table table = EveryObject();
     Enter(
-        table, hps_mesh_source::kClone, +[](Object* o, Object** out) { return Give(o, "clone", "clone", out); });
+        table, hps_mesh_source::kClone,
+        +[](Object* o, Object** out) { return ReturnObject(o, "clone", "clone", out); });
     return table;
 }
 
@@ -260,8 +265,8 @@ Table Decoder() {
             EXPECT_EQ(size, g_library->uvBlock->size());
             EXPECT_EQ(std::memcmp(block, g_library->uvBlock->data(), size), 0);
             *third = -1;
-            (void)Tell(status, g_library->pairsOfVertex.size(), g_library->measuredVertices, vertices);
-            return Tell(status, g_library->pairs.size() / 2, g_library->measuredPairs, pairs);
+            (void)ReportNumber(status, g_library->pairsOfVertex.size(), g_library->measuredVertices, vertices);
+            return ReportNumber(status, g_library->pairs.size() / 2, g_library->measuredPairs, pairs);
         });
     Enter(
         table, hps_uv_decoder::kDecode,
@@ -294,7 +299,7 @@ Table Image() {
         });
     Enter(
         table, image::kWritePixels, +[](Object* o, const void* pixels, std::size_t size) {
-            return Take(Call(o, "writePixels", Bytes(size)), g_library->writtenPixels, pixels, size);
+            return Receive(Call(o, "writePixels", Bytes(size)), g_library->writtenPixels, pixels, size);
         });
     Enter(
         table, image::kFlip, +[](Object* o) {
@@ -316,12 +321,12 @@ Table Writer() {
         table, hps_file_writer::kPrepare, +[](Object* o) { return Call(o, "prepare"); });
     Enter(
         table, hps_file_writer::kTextureFile, +[](Object* o, const void* bytes, std::size_t size) {
-            return Take(Call(o, "textureFile", Bytes(size)), g_library->writtenTextureFile, bytes, size);
+            return Receive(Call(o, "textureFile", Bytes(size)), g_library->writtenTextureFile, bytes, size);
         });
     Enter(
         table, hps_file_writer::kUvPairs, +[](Object* o, const float* pairs, std::size_t count) {
-            return Take(Call(o, "uvPairs", std::to_string(count)), g_library->writtenPairs, pairs,
-                        count * 2 * sizeof(float));
+            return Receive(Call(o, "uvPairs", std::to_string(count)), g_library->writtenPairs, pairs,
+                           count * 2 * sizeof(float));
         });
     Enter(
         table, hps_file_writer::kSourceApplication, +[](Object* o, const char* application, const char* version) {
@@ -384,8 +389,8 @@ FakeObject* FakeComponents::Make(const std::string& kind) {
     return m_objects.emplace_back(std::make_unique<FakeObject>(TableOf(kind), kind)).get();
 }
 
-std::int32_t FakeComponents::Call(const std::string& operation, const std::string& told) {
-    calls.push_back(told.empty() ? operation : operation + " " + told);
+std::int32_t FakeComponents::Call(const std::string& operation, const std::string& arguments) {
+    calls.push_back(arguments.empty() ? operation : operation + " " + arguments);
     const auto answer = answers.find(operation);
     return answer == answers.end() ? kSucceeded : answer->second;
 }

@@ -1,5 +1,5 @@
-// A component library of tests: hands out objects that do what the test entered, and keeps what was asked of them. A
-// program that has FakeComponents.cpp among its sources gets every object from here, also those of the control.
+// A component library for tests: its objects behave as the test configures, and record their calls. A program that has
+// FakeComponents.cpp among its sources gets every object from here, also those of the control.
 #pragma once
 #include <cstdint>
 #include <map>
@@ -13,12 +13,11 @@
 
 class FakeObject;
 
-/// The library while it lives; without one there are no objects. Objects are named reader, mesh, vertices, source,
-/// clone, decoder, image, writer and compressor, operations as in "reader.open".
+/// The library while this object lives; without it no object can be made. Objects are named reader, mesh, vertices,
+/// source, clone, decoder, image, writer and compressor, operations as in "reader.open".
 ///
-/// Checks by itself that nobody uses an object that is gone or asks one that has more than one reference (the factory
-/// object is released at once), that buffers have the size that the object fills, and at its end that all objects are
-/// gone.
+/// It checks that no released object is used, that an object has one reference when it is called (the factory object is
+/// released at once), that buffers have the size that the object fills, and at its end that all objects are released.
 class FakeComponents {
 public:
     FakeComponents();
@@ -27,17 +26,17 @@ public:
     FakeComponents& operator=(const FakeComponents&) = delete;
 
     // ---- how the library behaves
-    std::map<std::string, std::int32_t> answers;  ///< operations that do nothing and answer this status
+    std::map<std::string, std::int32_t> answers;  ///< operations that do nothing and return this status
     std::set<std::string> missing;                ///< objects that the library does not have
-    std::set<std::string> nulls;                  ///< operations that succeed and give a null object
+    std::set<std::string> nulls;                  ///< operations that succeed and return a null object
 
-    // ---- what is in the file that the reader opens
+    // ---- the content of the file that the reader opens
     std::int32_t lastError = 0;
     std::vector<float> positions, normals;
     std::vector<std::int32_t> indices;
-    std::optional<std::int32_t> vertexCount, triangleCount;  ///< told instead of those of the arrays
-    std::optional<std::vector<std::uint8_t>> uvBlock;        ///< none: the size of the block is not told
-    std::optional<std::int32_t> uvBlockSize;                 ///< told instead of that of the block
+    std::optional<std::int32_t> vertexCount, triangleCount;  ///< reported instead of the sizes of the arrays
+    std::optional<std::vector<std::uint8_t>> uvBlock;        ///< none: the operation for its size fails
+    std::optional<std::int32_t> uvBlockSize;                 ///< reported instead of the size of the block
     std::vector<std::uint8_t> pairsOfVertex;
     std::vector<float> pairs;
     std::optional<std::int32_t> measuredVertices, measuredPairs;
@@ -47,8 +46,8 @@ public:
     std::vector<std::uint8_t> imageFile;
     std::optional<std::int32_t> imageFileSize;
 
-    // ---- what the objects were given
-    std::vector<std::string> calls;  ///< every object made, every operation with what it was told, every object gone
+    // ---- what the objects received
+    std::vector<std::string> calls;  ///< objects made, operations with their arguments, objects released
     std::vector<float> writtenPositions, writtenPairs;
     std::vector<std::int32_t> writtenIndices;
     std::vector<std::uint8_t> writtenTextureFile;
@@ -56,17 +55,18 @@ public:
     std::string application, version;
     std::wstring savedPath;
 
-    /// Those calls alone that begin so.
+    /// The calls with this prefix.
     [[nodiscard]] std::vector<std::string> CallsOf(const std::string& beginning) const;
     [[nodiscard]] int Alive() const;
 
     FakeObject* Make(const std::string& kind);
-    /// Keeps the call. @return what the operation answers: when it is not 1, it must do nothing
-    std::int32_t Call(const std::string& operation, const std::string& told = "");
+    /// Records the call.
+    /// @return the status of the operation: when it is not 1, it must do nothing
+    std::int32_t Call(const std::string& operation, const std::string& arguments = "");
 
 private:
-    std::vector<std::unique_ptr<FakeObject>> m_objects;  ///< also those that are gone, so that a late use is seen
+    std::vector<std::unique_ptr<FakeObject>> m_objects;  ///< also the released ones, so that a late use is found
 };
 
-/// One entry a line, as failures show it.
+/// One call per line, for failure messages.
 std::string Lines(const std::vector<std::string>& calls);

@@ -1,4 +1,4 @@
-// What OpenGL holds in the context of a control.
+// The state of OpenGL in the context of a control.
 #pragma once
 #include <GL/glew.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What of OpenGL's state drawing could leave changed, as one value to compare.
+// The OpenGL state that drawing could change and not restore, as one value to compare.
 #pragma once
 #include <GL/glew.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// Name of a state to its numbers.
+/// Values by the name of the state.
 using GlState = std::map<std::string, std::vector<double>>;
 
 inline void ReadGlState(GlState& state, const char* name, GLenum what) {
@@ -17,7 +17,7 @@ inline void ReadGlState(GlState& state, const char* name, GLenum what) {
     state[name].assign(values.begin(), values.end());
 }
 
-/// Of the context that is current. Without the current colour and normal, which no drawing keeps.
+/// Of the current context. Without the current colour and normal, which no drawing restores.
 inline GlState ReadGlState() {
     GlState state;
 #define KV_STATE(name) ReadGlState(state, #name, name)

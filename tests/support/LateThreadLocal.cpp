@@ -1,4 +1,4 @@
-// A library with thread-local data, for a test that loads it while it runs.
+// A library with thread-local data, for a test that loads it at run time.
 namespace {
 thread_local char g_value[8];
 }

@@ -1,5 +1,5 @@
-// The sanitizer's leak check, as cmake/UnderAddressSanitizer.cpp sets it up. The check comes after the last test: it
-// fails the process, not a line here.
+// The sanitizer's leak check, as cmake/UnderAddressSanitizer.cpp configures it. It runs after the last test and fails
+// the process, not a test here.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -14,9 +14,9 @@ constexpr std::uintptr_t kPage = 4096, kHeaderSize = 16;
 
 std::uintptr_t PlaceInPage(const void* block) { return reinterpret_cast<std::uintptr_t>(block) % kPage; }
 
-std::array<void*, 1024> g_blocks;  // not freed, so that none of them is handed out again
+std::array<void*, 1024> g_blocks;  // not freed, so that none of them is allocated again
 
-/// Makes the next block of up to 16 bytes lie 16 bytes into a page: the sanitizer's allocator hands them out in a row.
+/// Makes the next block of up to 16 bytes start 16 bytes into a page: the sanitizer's allocator returns them in a row.
 void FillPage() {
     for (void*& block : g_blocks) {
         block = std::malloc(kHeaderSize);
@@ -24,7 +24,7 @@ void FillPage() {
     }
 }
 
-TEST(LeakCheck, LivesThroughAThreadLocalBlockBehindTheStartOfAPage) {
+TEST(LeakCheck, AcceptsAThreadLocalBlockAfterTheStartOfAPage) {
     void* const library = dlopen(KV_LATE_LIBRARY, RTLD_NOW);
     ASSERT_NE(library, nullptr) << dlerror();
     const auto threadLocal = reinterpret_cast<char* (*)()>(dlsym(library, "LateThreadLocal"));
@@ -32,7 +32,7 @@ TEST(LeakCheck, LivesThroughAThreadLocalBlockBehindTheStartOfAPage) {
     FillPage();
     char* const data = threadLocal();
     ASSERT_EQ(PlaceInPage(data), kHeaderSize);
-    void* const held = std::malloc(100);  // from there alone: no leak
+    void* const held = std::malloc(100);  // reachable from there: no leak
     std::memcpy(data, &held, sizeof held);
 }
 

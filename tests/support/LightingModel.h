@@ -1,5 +1,5 @@
-// What a lit point looks like, worked out in double precision from the published lighting formulas: the yardstick of
-// the picture tests. Shares no code with the renderer.
+// The colour of a lit point, computed in double precision from the published lighting formulas: the reference of the
+// picture tests. Shares no code with the renderer.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -16,7 +16,7 @@ inline Vec3 Times(const Vec3& a, const Vec3& b) { return {a[0] * b[0], a[1] * b[
 inline double Dot(const Vec3& a, const Vec3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 inline Vec3 Unit(const Vec3& a) { return (1.0 / std::sqrt(Dot(a, a))) * a; }
 
-/// Colour of the scene as three numbers in 0..1, clamped as a framebuffer does.
+/// A colour as three numbers, clamped to 0..1 as in a framebuffer.
 inline Vec3 Clamped(Vec3 color) {
     for (double& channel : color) channel = std::clamp(channel, 0.0, 1.0);
     return color;
@@ -36,7 +36,7 @@ struct Camera {
     [[nodiscard]] double HalfWidth() const {
         return 0.5 * zoom * sceneSize * (width > height ? static_cast<double>(width) / height : 1.0);
     }
-    /// Eye coordinates: the eye stands two scene sizes before the centre.
+    /// Eye coordinates: the eye is two scene sizes in front of the centre.
     [[nodiscard]] Vec3 ToEye(const Vec3& world) const {
         const Vec3 d = world - center;
         return {Dot(d, axisX), Dot(d, axisY), Dot(d, axisZ) - 2.0 * sceneSize};
@@ -44,12 +44,12 @@ struct Camera {
     [[nodiscard]] Vec3 TurnToEye(const Vec3& direction) const {
         return {Dot(direction, axisX), Dot(direction, axisY), Dot(direction, axisZ)};
     }
-    /// Window place of a point; y downward, pixel centres at halves.
+    /// Window coordinates of a point; y downward, pixel centres at halves.
     [[nodiscard]] std::array<double, 2> ToWindow(const Vec3& world) const {
         const Vec3 eye = ToEye(world);
         return {(eye[0] / HalfWidth() + 1.0) * 0.5 * width, (1.0 - eye[1] / HalfHeight()) * 0.5 * height};
     }
-    /// The point behind the centre of a pixel, in the plane through @p planePoint across @p planeNormal.
+    /// The point seen at the centre of a pixel, in the plane through @p planePoint with the normal @p planeNormal.
     [[nodiscard]] Vec3 PointAt(int x, int y, const Vec3& planePoint, const Vec3& planeNormal) const {
         const double right = ((x + 0.5) / width * 2.0 - 1.0) * HalfWidth();
         const double up = (1.0 - (y + 0.5) / height * 2.0) * HalfHeight();
@@ -59,14 +59,14 @@ struct Camera {
     }
 };
 
-/// A place on a surface.
+/// A point of a surface.
 struct Surface {
     Vec3 position{0, 0, 0};  ///< world frame
     Vec3 normal{0, 0, 1};    ///< world frame
     Vec3 color{1, 1, 1};     ///< of the vertex; white without vertex colours
     Vec3 tint{1, 1, 1};      ///< colour of the light
     bool front = true;       ///< whether its front face is seen
-    /// The triangle that the place is on: the lit programs find the light's direction at its corners only.
+    /// The triangle that the point is on: the lit programs compute the light's direction at its corners only.
     std::array<Vec3, 3> corners{};
 };
 
@@ -76,7 +76,7 @@ struct Reflection {
     double shininess = 64.0;
 };
 
-/// Classic two-sided lighting with a directional light from nearly behind the viewer.
+/// Fixed-function two-sided lighting with a directional light from almost the viewer's direction.
 inline Vec3 FixedFunction(const Camera& camera, const Surface& s, const Reflection& reflection = {}) {
     const Vec3 light = Unit({0.0, -50000.0, 1000000.0});
     const Vec3 n = camera.TurnToEye(s.normal);
@@ -98,7 +98,7 @@ struct ProgramLight {
     double specular = 0.0;
 };
 
-/// Shares of the three corners in a place of their plane.
+/// Barycentric coordinates of a point in the plane of three corners.
 inline Vec3 CornerShares(const std::array<Vec3, 3>& corners, const Vec3& p) {
     const Vec3 a = corners[1] - corners[0], b = corners[2] - corners[0], d = p - corners[0];
     const double aa = Dot(a, a), ab = Dot(a, b), bb = Dot(b, b), da = Dot(d, a), db = Dot(d, b);
@@ -131,7 +131,7 @@ inline Vec3 PerPixel(const Camera& camera, const Surface& s) {
     return Clamped((0.1 + 0.7 * light.diffuse) * Times(s.color, s.tint) + Vec3{glow, glow, glow});
 }
 
-/// The program that draws while shadows are on.
+/// The shadow program.
 struct ShadowState {
     bool inShadow = false;
     Vec3 shadowColor{0, 0, 0};

@@ -1,5 +1,5 @@
-// Png files made by hand, so that what a decoder gives can be told without one: every chunk as the test asks for it,
-// the pixel data stored and not packed.
+// PNG files made by hand, so that the pixels that a decoder must return are known without one: chunks as the test
+// requests them, the pixel data stored and not compressed.
 #pragma once
 #include <algorithm>
 #include <cstddef>
@@ -12,7 +12,7 @@ namespace png_file {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// What the header calls a kind of pixel.
+// The colour types of the header.
 inline constexpr int kGray = 0, kRgb = 2, kPalette = 3, kGrayAlpha = 4, kRgba = 6;
 
 // Byte by byte: g++ 12 warns of overflows in the ranges that its own library copies.
@@ -66,7 +66,7 @@ struct Header {
     bool interlaced = false;
 };
 
-/// @param scanlines  rows, or rows of passes, each behind its filter byte
+/// @param scanlines  rows, or rows of passes, each with its filter byte first
 /// @param between    chunks between the header and the pixels
 inline Bytes Make(const Header& header, const Bytes& scanlines, const Bytes& between = {}) {
     Bytes file{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
@@ -82,7 +82,7 @@ inline Bytes Make(const Header& header, const Bytes& scanlines, const Bytes& bet
     return file;
 }
 
-/// A picture of four bytes a pixel, the first row on top.
+/// A picture of four bytes per pixel, top row first.
 inline Bytes OfRgba(std::uint32_t width, std::uint32_t height, const Bytes& rgba) {
     Bytes scanlines;
     const std::size_t stride = std::size_t{4} * width;

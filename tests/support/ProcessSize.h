@@ -1,4 +1,4 @@
-// What the process of a test holds.
+// File descriptors and memory of the process of a test.
 #pragma once
 #include <malloc.h>
 #include <unistd.h>
@@ -21,7 +21,7 @@ inline long ResidentKilobytes() {
 
 inline long ResidentMegabytes() { return ResidentKilobytes() / 1024; }
 
-/// What the address sanitizer keeps of freed memory. Growth within it says nothing there; its leak check does.
+/// Freed memory that the address sanitizer keeps. A growth below it is no evidence there; the leak check is.
 #if defined(__SANITIZE_ADDRESS__)
 inline constexpr long kQuarantineMegabytes = 256;
 #else

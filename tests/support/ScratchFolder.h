@@ -1,4 +1,4 @@
-// A folder of a test's own, which goes when the test does, and whole files in one call.
+// A temporary folder that is deleted with the test, and whole files in one call.
 #pragma once
 #include <gtest/gtest.h>
 #include <stdlib.h>

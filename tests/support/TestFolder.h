@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-/// Made on first use and then also $TMPDIR, so it must be asked for before the first record is logged.
+/// Made by the first call, and then also $TMPDIR: to be called before the first record is logged.
 inline const std::string& TestFolder() {
     static const std::string folder = [] {
         if (const char* const inherited = std::getenv("KV_TEST_FOLDER")) return std::string(inherited);
@@ -27,7 +27,7 @@ inline const std::string& TestFolder() {
     return folder;
 }
 
-/// What the log of the process holds.
+/// The content of the log of this process.
 inline std::string ReadLog() {
     std::ifstream file(TestFolder() + "/viewer.log");
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -1,4 +1,4 @@
-// Text as it must stand in the framebuffer, put together bit by bit from its glyphs, and what does stand there.
+// Text as it must be in the framebuffer, composed pixel by pixel from its glyphs, and the text that is there.
 #pragma once
 #include <GL/glew.h>
 
@@ -12,7 +12,7 @@
 
 #include "platform/Fonts.h"
 
-/// What the three fonts of the scene's text are asked for with, by their indices.
+/// The requests for the three fonts of the scene's text, by their indices.
 inline const FontRequest kFonts[] = {{"", 400, 12}, {"Courier New", 700, -24}, {"Courier New", 900, -100}};
 
 /// The lower left corner of the framebuffer, rows from the top down as text: '#' is a drawn pixel, '.' none.
@@ -41,7 +41,7 @@ public:
         return (byte >> (7 - column % 8) & 1) != 0;
     }
 
-    /// What is drawn now; red tells a drawn pixel.
+    /// The framebuffer now; red pixels are drawn ones.
     static TextPicture OfFramebuffer(int width, int height) {
         TextPicture picture(width, height);
         std::vector<std::uint8_t> rgba(static_cast<std::size_t>(4 * width * height));

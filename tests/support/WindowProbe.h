@@ -1,4 +1,4 @@
-// A window that passes every call on to a real one and notes what the control asked of it, and what the control heard.
+// A window that passes every call on to a real one and records what the control called, and the input that it received.
 #pragma once
 #include <memory>
 #include <string>
@@ -10,7 +10,7 @@ class WindowProbe : public PaneWindow, private WindowClient {
 public:
     explicit WindowProbe(std::unique_ptr<PaneWindow> window) : m_window(std::move(window)) {}
 
-    // ---- what was asked since the last Forget()
+    // ---- calls since the last Forget()
     int refreshes = 0;
     int invalidates = 0;       ///< without erase
     int eraseInvalidates = 0;  ///< with erase
@@ -19,7 +19,7 @@ public:
     std::vector<std::uint32_t> stoppedTimers;
     std::vector<std::string> modalMessages;
 
-    // ---- what the window told the control, from its start
+    // ---- input of the control, from its start
     std::vector<KV_ScenePane::MouseInput> mouseHeard;
     std::vector<KV_ScenePane::KeyInput> keysHeard;
 

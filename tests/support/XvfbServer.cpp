@@ -1,8 +1,7 @@
-// Xvfb picks the display itself and tells its number through a pipe, so that test processes may run side by side.
+// Xvfb chooses the display itself and reports its number through a pipe, so that test processes can run in parallel.
 #include "support/XvfbServer.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -13,9 +12,9 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace {
+#include "support/Wait.h"
 
-constexpr int kStartMilliseconds = 60'000;
+namespace {
 
 [[noreturn]] void RunServer(int numberPipe, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -30,12 +29,11 @@ constexpr int kStartMilliseconds = 60'000;
     _exit(127);
 }
 
-// The number and a line feed; empty when the server ended or stayed silent.
+// The display number; empty when the server ended or did not report one.
 std::string ReadNumber(int pipe) {
     std::string number;
     std::array<char, 16> bytes{};
-    pollfd waiting{pipe, POLLIN, 0};
-    while (poll(&waiting, 1, kStartMilliseconds) > 0) {
+    while (BecomesReadable(pipe)) {
         const ssize_t count = read(pipe, bytes.data(), bytes.size());
         if (count <= 0) return {};
         number.append(bytes.data(), static_cast<std::size_t>(count));
@@ -75,12 +73,7 @@ XvfbServer& XvfbServer::Shared() {
 void XvfbServer::Kill() {
     if (m_nProcess <= 0) return;
     kill(m_nProcess, SIGTERM);  // lets it remove its lock file and socket
-    bool hasEnded = false;
-    for (int i = 0; i < 200 && !hasEnded; ++i) {
-        hasEnded = waitpid(m_nProcess, nullptr, WNOHANG) != 0;
-        if (!hasEnded) usleep(10'000);
-    }
-    if (!hasEnded) {
+    if (!WaitUntil([&] { return waitpid(m_nProcess, nullptr, WNOHANG) != 0; })) {
         kill(m_nProcess, SIGKILL);
         waitpid(m_nProcess, nullptr, 0);
     }
@@ -89,9 +82,8 @@ void XvfbServer::Kill() {
 
 int XvfbServer::ClientCount() const { return SocketCount() - m_nOwnSockets; }
 
-bool XvfbServer::ComesToClients(int count) const {
-    for (int i = 0; i < 500 && ClientCount() != count; ++i) usleep(10'000);
-    return ClientCount() == count;
+bool XvfbServer::WaitForClients(int count) const {
+    return WaitUntil([&] { return ClientCount() == count; });
 }
 
 int XvfbServer::SocketCount() const {

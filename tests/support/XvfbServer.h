@@ -1,4 +1,4 @@
-// An X server without a screen for the tests of one process, so that they need no display of the machine.
+// An X server without a monitor for the tests of one process, so that they need no display of the machine.
 #pragma once
 #include <sys/types.h>
 
@@ -14,17 +14,17 @@ public:
     XvfbServer(const XvfbServer&) = delete;
     XvfbServer& operator=(const XvfbServer&) = delete;
 
-    /// The server that the tests of this process share; started by the first call; every call sets $DISPLAY.
+    /// The server that the tests of this process share, started by the first call. Every call sets $DISPLAY to it.
     static XvfbServer& Shared();
 
-    /// As $DISPLAY has it, ":99".
+    /// In the form of $DISPLAY, ":99".
     [[nodiscard]] const std::string& Name() const { return m_strName; }
     /// How many clients are connected now, by the server's open sockets beyond those it had at its start.
     [[nodiscard]] int ClientCount() const;
-    /// Waits until that many clients are connected, for the server closes its side of a connection later; false when it
-    /// does not come to that within seconds.
-    [[nodiscard]] bool ComesToClients(int count) const;
-    /// Ends the server at once, under the clients that it has.
+    /// Waits until this number of clients is connected: the server closes its end of a connection later than the
+    /// client.
+    [[nodiscard]] bool WaitForClients(int count) const;
+    /// Ends the server while its clients are connected. Returns when the process has ended.
     void Kill();
 
 private:

@@ -1,72 +1,45 @@
-// Paints, messages and timers are the same on every window: the rules run on both kinds.
-#include "platform/MessageQueue.h"
+// Paints, messages and timers are the same on an X server and without a display.
+#include "platform/QueuedWindow.h"
 
 #include <gtest/gtest.h>
-#include <poll.h>
+#include <unistd.h>
 
 #include <chrono>
-#include <memory>
+#include <fstream>
 #include <thread>
 
-#include "platform/DrawingClient.h"
-#include "platform/HostWindow.h"
-#include "platform/WindowFactory.h"
-#include "support/XvfbServer.h"
+#include "platform/EveryWindow.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Kind = PaneWindowRequest::Kind;
 using Messages = std::vector<std::uint32_t>;
+using namespace std::chrono_literals;
 
-bool IsReadable(const PaneWindow& window, int milliseconds = 0) {
-    pollfd waiting{window.EventDescriptor(), POLLIN, 0};
-    return poll(&waiting, 1, milliseconds) == 1;
-}
-
-class EveryWindow : public testing::TestWithParam<Kind> {
+/// A window that is created and has nothing left to do.
+class WindowQueue : public EveryWindow {
 protected:
     void SetUp() override {
-        PaneWindowRequest request;
-        request.kind = GetParam();
-        request.width = 64;
-        request.height = 32;
-        if (GetParam() == Kind::Child) {
-            XvfbServer::Shared();
-            host = std::make_unique<HostWindow>();
-            request.parent = host->Id();
-        }
-        request.showMessage = [this](const std::string& text) { shown = text; };
-        window = MakePaneWindow(request);
-        client = std::make_unique<DrawingClient>(*window);
-        std::string reason;
-        ASSERT_TRUE(window->Create(*client, &reason)) << reason;
-        for (int i = 0; i < 100 && IsReadable(*window, 20); ++i) window->ProcessEvents();
-        ASSERT_FALSE(IsReadable(*window)) << "never comes to rest";
+        ASSERT_TRUE(Create());
+        ASSERT_TRUE(HandleAll());
         paintedBefore = client->painted;
     }
 
     int Painted() const { return client->painted - paintedBefore; }
 
-    /// Runs the loop of a host for that time.
-    void Loop(int milliseconds) {
-        const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
-        while (Clock::now() < end) {
-            if (IsReadable(*window, 5)) window->ProcessEvents();
-        }
+    /// Runs the loop of a host until the client has received this number of messages.
+    [[nodiscard]] bool WaitForMessages(std::size_t count) {
+        return ProcessEventsUntil(*window, [&] { return client->messages.size() >= count; });
     }
 
-    std::unique_ptr<HostWindow> host;
-    std::unique_ptr<PaneWindow> window;
-    std::unique_ptr<DrawingClient> client;
-    std::string shown;
     int paintedBefore = 0;
 };
 
-INSTANTIATE_TEST_SUITE_P(All, EveryWindow, testing::Values(Kind::Child, Kind::OffScreen),
-                         [](const auto& row) { return row.param == Kind::Child ? "X11" : "OffScreen"; });
+INSTANTIATE_TEST_SUITE_P(All, WindowQueue, testing::ValuesIn(EveryWindow::kKinds), EveryWindow::Name);
 
-TEST_P(EveryWindow, ARefreshHasPaintedWhenItReturns) {
+// ---- paints
+
+TEST_P(WindowQueue, RefreshHasPaintedWhenItReturns) {
     window->Refresh();
     EXPECT_EQ(Painted(), 1);
     EXPECT_EQ(client->pixelInside, (Rgba{40, 120, 200}));
@@ -74,7 +47,7 @@ TEST_P(EveryWindow, ARefreshHasPaintedWhenItReturns) {
     EXPECT_FALSE(IsReadable(*window));
 }
 
-TEST_P(EveryWindow, InvalidatesAreOnePaintInTheNextRoundThatErasesWhenOneAskedTo) {
+TEST_P(WindowQueue, InvalidatesAreOnePaintOfTheNextProcessEventsThatErasesWhenOneAskedTo) {
     window->Invalidate(false);
     window->Invalidate(true);
     window->Invalidate(false);
@@ -90,7 +63,7 @@ TEST_P(EveryWindow, InvalidatesAreOnePaintInTheNextRoundThatErasesWhenOneAskedTo
     EXPECT_FALSE(client->lastErase);
 }
 
-TEST_P(EveryWindow, ARefreshServesTheInvalidatesBeforeIt) {
+TEST_P(WindowQueue, RefreshServesTheInvalidatesBeforeIt) {
     window->Invalidate(true);
     window->Refresh();
     EXPECT_TRUE(client->lastErase);
@@ -98,7 +71,7 @@ TEST_P(EveryWindow, ARefreshServesTheInvalidatesBeforeIt) {
     EXPECT_EQ(Painted(), 1);
 }
 
-TEST_P(EveryWindow, ABlockedPaintIsTriedInEveryRoundWithoutMakingTheLoopSpin) {
+TEST_P(WindowQueue, BlockedPaintIsTriedInEveryProcessEventsWithoutKeepingTheDescriptorReadable) {
     client->blockPaint = true;
     const int callsBefore = client->paintCalls;
     window->Refresh();
@@ -121,7 +94,7 @@ TEST_P(EveryWindow, ABlockedPaintIsTriedInEveryRoundWithoutMakingTheLoopSpin) {
     EXPECT_FALSE(IsReadable(*window)) << "nothing is pending";
 }
 
-TEST_P(EveryWindow, AnInvalidateDuringAPaintWaitsForTheNextRound) {
+TEST_P(WindowQueue, InvalidateDuringAPaintIsPaintedByTheNextProcessEvents) {
     client->onPaint = [&] {
         if (Painted() == 1) window->Invalidate(false);
     };
@@ -135,7 +108,7 @@ TEST_P(EveryWindow, AnInvalidateDuringAPaintWaitsForTheNextRound) {
     EXPECT_FALSE(IsReadable(*window));
 }
 
-TEST_P(EveryWindow, ARoundInsideAPaintStartsNoQueuedPaint) {
+TEST_P(WindowQueue, ProcessEventsInsideAPaintStartsNoQueuedPaint) {
     client->onPaint = [&] {
         if (Painted() > 1) return;
         window->Invalidate(false);
@@ -144,11 +117,13 @@ TEST_P(EveryWindow, ARoundInsideAPaintStartsNoQueuedPaint) {
     };
     window->Refresh();
     EXPECT_TRUE(window->IsPaintPending());
+    EXPECT_TRUE(IsReadable(*window)) << "the window would show the former frame until something else happens";
     window->ProcessEvents();
     EXPECT_EQ(Painted(), 2);
+    EXPECT_FALSE(IsReadable(*window));
 }
 
-TEST_P(EveryWindow, ThePaintIsTheLastOfARound) {
+TEST_P(WindowQueue, PaintComesAfterTheMessagesOfOneProcessEvents) {
     int paintedAtMessage = -1;
     client->onMessage = [&](std::uint32_t) {
         paintedAtMessage = Painted();
@@ -158,11 +133,13 @@ TEST_P(EveryWindow, ThePaintIsTheLastOfARound) {
     window->PostPrivateMessage(7);
     window->ProcessEvents();
     EXPECT_EQ(paintedAtMessage, 0);
-    EXPECT_EQ(Painted(), 1) << "the request of the message is in it";
+    EXPECT_EQ(Painted(), 1) << "the request of the message is included";
     EXPECT_FALSE(IsReadable(*window));
 }
 
-TEST_P(EveryWindow, MessagesArriveInOrderAndThoseOfAHandlerInTheNextRound) {
+// ---- messages
+
+TEST_P(WindowQueue, MessagesArriveInOrderAndThoseOfAHandlerInTheNextProcessEvents) {
     client->onMessage = [&](std::uint32_t message) {
         if (message == 1) window->PostPrivateMessage(3);
     };
@@ -177,78 +154,114 @@ TEST_P(EveryWindow, MessagesArriveInOrderAndThoseOfAHandlerInTheNextRound) {
     EXPECT_FALSE(IsReadable(*window));
 }
 
-TEST_P(EveryWindow, AMessageOfAnotherThreadWakesAWaitingLoop) {
+/// Whether a thread of this process waits in the kernel.
+bool Sleeps(pid_t thread) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    const std::size_t name = text.rfind(") ");  // the state follows the name, which may hold anything
+    return name != std::string::npos && text.at(name + 2) == 'S';
+}
+
+TEST_P(WindowQueue, MessagesOfAnotherThreadWakeAWaitingLoop) {
+    const pid_t loop = gettid();
+    bool loopSlept = false;
     std::thread poster([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        loopSlept = WaitUntil([&] { return Sleeps(loop); });
         for (std::uint32_t i = 0; i < 1000; ++i) window->PostPrivateMessage(i);
     });
-    EXPECT_TRUE(IsReadable(*window, 10'000));
+    EXPECT_TRUE(BecomesReadable(*window));
     poster.join();
-    Loop(50);
+    EXPECT_TRUE(loopSlept);
+    EXPECT_TRUE(WaitForMessages(1000));
     ASSERT_EQ(client->messages.size(), 1000u);
     for (std::uint32_t i = 0; i < 1000; ++i) EXPECT_EQ(client->messages[i], i);
 }
 
-TEST_P(EveryWindow, ATimerPostsItsMessageOnceAndNotBeforeItsTime) {
+// ---- timers. The message of a later timer shows that the time of an earlier one has passed.
+
+TEST_P(WindowQueue, TimerPostsItsMessageOnceAndNotBeforeItsTime) {
+    Clock::duration elapsed{};
     const auto start = Clock::now();
+    client->onMessage = [&](std::uint32_t) {
+        if (client->messages.size() == 1) elapsed = Clock::now() - start;
+    };
     EXPECT_NE(window->StartTimer(60), 0u);
-    window->ProcessEvents();
-    EXPECT_TRUE(client->messages.empty());
-    EXPECT_TRUE(IsReadable(*window, 10'000)) << "the descriptor tells of the timer";
-    EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(60));
+    EXPECT_TRUE(BecomesReadable(*window));
     window->ProcessEvents();
     EXPECT_EQ(client->messages, (Messages{1147}));
-    Loop(150);
-    EXPECT_EQ(client->messages.size(), 1u);
+    EXPECT_GE(elapsed, 60ms);
+    window->StartTimer(200);
+    EXPECT_TRUE(WaitForMessages(2));
+    EXPECT_EQ(client->messages, (Messages{1147, 1147})) << "the first one repeats";
+    EXPECT_FALSE(IsReadable(*window));
 }
 
-TEST_P(EveryWindow, TimersAreApartAndAStoppedOneIsSilent) {
+TEST_P(WindowQueue, TimerThatIsNotDuePostsNothing) {
+    const std::uint32_t timer = window->StartTimer(3'600'000);
+    window->ProcessEvents();
+    EXPECT_TRUE(client->messages.empty());
+    EXPECT_FALSE(IsReadable(*window));
+    window->StopTimer(timer);
+}
+
+TEST_P(WindowQueue, StoppedTimerPostsNothingAndTheOthersDo) {
     const std::uint32_t stopped = window->StartTimer(20);
     const std::uint32_t kept = window->StartTimer(40);
     EXPECT_NE(stopped, kept);
     window->StopTimer(stopped);
     window->StopTimer(4711);
-    Loop(150);
+    EXPECT_TRUE(WaitForMessages(1));
     EXPECT_EQ(client->messages, (Messages{1147}));
+    EXPECT_FALSE(IsReadable(*window));
     window->StopTimer(kept);
 }
 
-TEST_P(EveryWindow, ATimerThatIsDueButNotHandledCanStillBeStopped) {
+TEST_P(WindowQueue, TimerThatIsDueButNotHandledCanStillBeStopped) {
     const std::uint32_t timer = window->StartTimer(1);
-    ASSERT_TRUE(IsReadable(*window, 10'000));
+    ASSERT_TRUE(BecomesReadable(*window));
     window->StopTimer(timer);
     EXPECT_FALSE(IsReadable(*window));
-    Loop(30);
+    window->ProcessEvents();
     EXPECT_TRUE(client->messages.empty());
+    window->StartTimer(20);
+    EXPECT_TRUE(WaitForMessages(1));
+    EXPECT_EQ(client->messages, (Messages{1147}));
 }
 
-TEST_P(EveryWindow, ATimerOfNoTimeIsDueAtOnce) {
+TEST_P(WindowQueue, TimerOfZeroMillisecondsIsDueAtOnce) {
     window->StartTimer(0);
-    EXPECT_TRUE(IsReadable(*window, 10'000));
+    EXPECT_TRUE(BecomesReadable(*window));
     window->ProcessEvents();
     EXPECT_EQ(client->messages, (Messages{1147}));
 }
 
-TEST_P(EveryWindow, TimersAndMessagesOutliveARecreationAndEndWithTheWindow) {
+TEST_P(WindowQueue, TimersAndMessagesAreKeptByARecreationAndDroppedByADestruction) {
     window->StartTimer(30);
     window->PostPrivateMessage(5);
     ASSERT_TRUE(window->Recreate());
-    Loop(150);
+    EXPECT_TRUE(WaitForMessages(2));
     EXPECT_EQ(client->messages, (Messages{5, 1147}));
     window->StartTimer(10);
     window->PostPrivateMessage(6);
     window->Destroy();
-    EXPECT_FALSE(IsReadable(*window, 50));
+    EXPECT_FALSE(IsReadable(*window));
+    const auto start = Clock::now();
+    window->StartTimer(60);
+    EXPECT_TRUE(BecomesReadable(*window));
+    EXPECT_GE(Clock::now() - start, 60ms) << "the timer before the destruction";
     window->ProcessEvents();
     EXPECT_EQ(client->messages.size(), 2u);
 }
 
-TEST_P(EveryWindow, AMessageToTheUserGoesToTheHost) {
+// ---- the rest of a window's life
+
+TEST_P(WindowQueue, MessageToTheUserGoesToTheHost) {
     window->ShowModalMessage("Requested version: 9.9");
     EXPECT_EQ(shown, "Requested version: 9.9");
 }
 
-TEST_P(EveryWindow, CaptureIsHeldUntilReleasedOrTheWindowGoes) {
+TEST_P(WindowQueue, CaptureIsHeldUntilItIsReleasedOrTheWindowIsDestroyed) {
     EXPECT_FALSE(window->HasCapture());
     window->SetCapture();
     EXPECT_TRUE(window->HasCapture());
@@ -259,7 +272,7 @@ TEST_P(EveryWindow, CaptureIsHeldUntilReleasedOrTheWindowGoes) {
     EXPECT_FALSE(window->HasCapture());
 }
 
-TEST_P(EveryWindow, ARefreshWhileTheWindowIsMadeAlreadyPaints) {
+TEST_P(WindowQueue, RefreshInOnCreatePaints) {
     window->Destroy();
     client->refreshInOnCreate = true;
     client->color = {9, 8, 7};
@@ -267,10 +280,10 @@ TEST_P(EveryWindow, ARefreshWhileTheWindowIsMadeAlreadyPaints) {
     ASSERT_TRUE(window->Create(*client, nullptr));
     EXPECT_EQ(client->painted, before + 1);
     EXPECT_EQ(client->pixelInside, (Rgba{9, 8, 7}));
-    EXPECT_FALSE(window->Create(*client, nullptr)) << "it is there already";
+    EXPECT_FALSE(window->Create(*client, nullptr)) << "it exists already";
 }
 
-TEST_P(EveryWindow, TheEndPaintsNoMore) {
+TEST_P(WindowQueue, RequestsInOnDestroyAreNotPainted) {
     client->onDestroy = [&] {
         window->Refresh();
         window->Invalidate(true);
