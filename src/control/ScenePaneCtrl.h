@@ -434,6 +434,6 @@ public:
     /// pick; the others clear theirs. The caller holds g_drawLock.
     /// @param y  from the bottom of the window
     void PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y);
-    /// Fires SelectViewDirection in KV_ScenePane::PickModeCross. The dispatcher has a slot for it that no input reaches.
+    /// Fires SelectViewDirection in PickModeCross. The dispatcher has a slot for it that no input reaches.
     void OnRightDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y);
 };
