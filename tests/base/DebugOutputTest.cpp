@@ -1,3 +1,4 @@
+// The process-wide sink: default, replacement, and calls from several threads.
 #include "base/DebugOutput.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +36,7 @@ TEST_F(DebugOutputTest, PassesTheTextToTheSinkUnchanged) {
 
 TEST_F(DebugOutputTest, SerialisesTheCallsOfSeveralThreads) {
     std::atomic<int> inside = 0, overlaps = 0;
-    int calls = 0;  // unguarded: the calls are in turn
+    int calls = 0;  // not atomic: the calls must be serialised
     KV_ScenePane::SetDebugOutputSink([&](std::string_view) {
         if (++inside > 1) ++overlaps;
         std::this_thread::yield();

@@ -1,3 +1,4 @@
+// Reading by offset and as a whole, and the paths that are refused.
 #include "base/RegularFile.h"
 
 #include <gmock/gmock.h>

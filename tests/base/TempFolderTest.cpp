@@ -1,3 +1,4 @@
+// Which values of $TMPDIR are used.
 #include "base/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ struct TempFolderTest : testing::Test {
         std::filesystem::remove_all(root);
         unsetenv("TMPDIR");
     }
-    /// A folder whose path has that many bytes.
+    /// Creates a folder whose path has @p length bytes.
     std::string FolderOfLength(std::size_t length) const {
         std::string path = root;
         while (path.size() + 101 < length) path.append(1, '/').append(99, 'x');
@@ -29,7 +30,7 @@ struct TempFolderTest : testing::Test {
     std::string root;
 };
 
-TEST_F(TempFolderTest, IsTheFolderOfTheVariable) {
+TEST_F(TempFolderTest, IsTheFolderThatTmpdirNames) {
     setenv("TMPDIR", root.c_str(), 1);
     EXPECT_EQ(TempFolder(), root);
 }
@@ -41,14 +42,14 @@ TEST_F(TempFolderTest, HasNoSlashAtTheEnd) {
     EXPECT_EQ(TempFolder() + "/viewer.log", "/viewer.log");
 }
 
-TEST_F(TempFolderTest, FallsBackWithoutAVariable) {
+TEST_F(TempFolderTest, IsTmpWhenTmpdirIsUnsetOrEmpty) {
     unsetenv("TMPDIR");
     EXPECT_EQ(TempFolder(), "/tmp");
     setenv("TMPDIR", "", 1);
     EXPECT_EQ(TempFolder(), "/tmp");
 }
 
-TEST_F(TempFolderTest, FallsBackWhenTheVariableNamesNoFolder) {
+TEST_F(TempFolderTest, IsTmpWhenTmpdirNamesNoFolder) {
     setenv("TMPDIR", (root + "/none").c_str(), 1);
     EXPECT_EQ(TempFolder(), "/tmp");
     std::ofstream(root + "/file") << "x";
@@ -56,7 +57,7 @@ TEST_F(TempFolderTest, FallsBackWhenTheVariableNamesNoFolder) {
     EXPECT_EQ(TempFolder(), "/tmp");
 }
 
-TEST_F(TempFolderTest, TakesAPathOf260BytesAndNoLongerOne) {
+TEST_F(TempFolderTest, AcceptsAPathOf260BytesAndNoLongerOne) {
     const std::string longest = FolderOfLength(260), tooLong = FolderOfLength(261);
     ASSERT_EQ(longest.size(), 260u);
     setenv("TMPDIR", longest.c_str(), 1);

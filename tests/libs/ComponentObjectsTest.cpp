@@ -1,5 +1,5 @@
-// What holds for every object of the component library: where it comes from, how long it lives, and what the
-// positions answer that nobody has taken.
+// The rules for every object of the component library: creation, reference counts, and the entries of the table that
+// have no operation.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -27,7 +27,7 @@ bool GivesObjects() {
     return object != nullptr;
 }
 
-TEST(Registry, GivesNothingUntilItIsStartedAndAfterItIsStopped) {
+TEST(Registry, ReturnsNullBeforeItsStartAndAfterItsStop) {
     EXPECT_FALSE(GivesObjects());
     KV_Components_Ordinal1();
     EXPECT_TRUE(GivesObjects());
@@ -35,7 +35,7 @@ TEST(Registry, GivesNothingUntilItIsStartedAndAfterItIsStopped) {
     EXPECT_FALSE(GivesObjects());
 }
 
-TEST(Registry, StopsWithTheLastOfItsStarts) {
+TEST(Registry, StopsWhenEachStartHasHadItsStop) {
     KV_Components_Ordinal1();
     KV_Components_Ordinal1();
     KV_Components_Ordinal3();
@@ -44,7 +44,7 @@ TEST(Registry, StopsWithTheLastOfItsStarts) {
     EXPECT_FALSE(GivesObjects());
 }
 
-TEST(Registry, TakesAStopWithoutAStartForNothing) {
+TEST(Registry, IgnoresAStopWithoutAStart) {
     KV_Components_Ordinal3();
     KV_Components_Ordinal3();
     KV_Components_Ordinal1();
@@ -53,7 +53,7 @@ TEST(Registry, TakesAStopWithoutAStartForNothing) {
     EXPECT_FALSE(GivesObjects());
 }
 
-TEST(Registry, GivesNothingForAGuidThatItDoesNotKnow) {
+TEST(Registry, ReturnsNullForAnUnknownGuid) {
     const StartedRegistry started;
     EXPECT_EQ(KV_Components_Ordinal2(nullptr), nullptr);
     const std::string guid = image::kFactory;
@@ -64,7 +64,7 @@ TEST(Registry, GivesNothingForAGuidThatItDoesNotKnow) {
     EXPECT_EQ(Component::LiveCount(), 0);
 }
 
-TEST(Registry, LeavesHeldObjectsAliveWhenItStops) {
+TEST(Registry, StopKeepsObjectsThatAreStillReferenced) {
     KV_Components_Ordinal1();
     Object* const object = KV_Components_Ordinal2(image::kFactory);
     ASSERT_NE(object, nullptr);
@@ -78,11 +78,11 @@ struct Kind {
     const char* name;
     const char* factory;
     const char* interfaceId;
-    std::set<std::size_t> positions;  ///< besides those of every object
+    std::set<std::size_t> positions;  ///< of its operations, without those of every object
 };
 void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.name; }
 
-// The numbers of the binary interface, a second time.
+// The positions of the binary interface, written down independently of its headers.
 const Kind kKinds[] = {
     {"Image",
      "{312F34D3-886E-4DEB-8B33-D8F9B923D637}",
@@ -105,7 +105,7 @@ const Kind kKinds[] = {
     {"HpsCompressor", "{A3FEFC16-AE54-4897-8237-2CF46870A76E}", "{CC8052A0-62B2-4F02-BE8A-1150B11E23A4}", {8, 18}},
 };
 
-/// Calls what is not at @p positions; what is there must be something else.
+/// Calls every entry that is not at @p positions, and checks that those at @p positions are other functions.
 void ExpectNothingElse(Object* object, const std::set<std::size_t>& positions) {
     const auto unlisted = [&](std::size_t position) { return !positions.contains(position); };
     std::set<Object::Entry> notImplemented;
@@ -131,7 +131,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Kinds, EveryObject, testing::ValuesIn(kKinds), [](const auto& row) { return row.param.name; });
 
-TEST_P(EveryObject, IsReachedByTheInterfaceOfItsFactoryWhichIsReleasedAtOnce) {
+TEST_P(EveryObject, OutlivesTheReferenceThatTheFactoryReturned) {
     Object* const factory = Factory();
     ASSERT_NE(factory, nullptr);
     EXPECT_EQ(Component::LiveCount(), 1);
@@ -139,11 +139,11 @@ TEST_P(EveryObject, IsReachedByTheInterfaceOfItsFactoryWhichIsReleasedAtOnce) {
     EXPECT_EQ(kQuery(factory, GetParam().interfaceId, &found), 1);
     ASSERT_NE(found, nullptr);
     kRelease(factory);
-    EXPECT_EQ(Component::LiveCount(), 1) << "the interface keeps it";
+    EXPECT_EQ(Component::LiveCount(), 1) << "the interface has a reference";
     kRelease(found);
 }
 
-TEST_P(EveryObject, LivesAsLongAsItsLastReference) {
+TEST_P(EveryObject, IsDestroyedWithItsLastReference) {
     Object* const object = Factory();
     ASSERT_NE(object, nullptr);
     kAddReference(object);
@@ -155,7 +155,7 @@ TEST_P(EveryObject, LivesAsLongAsItsLastReference) {
     EXPECT_EQ(Component::LiveCount(), 0);
 }
 
-TEST_P(EveryObject, AnswersAWrongQueryWithNoObjectAndNoReference) {
+TEST_P(EveryObject, FailsAWrongQueryWithoutAddingAReference) {
     Object* const object = Factory();
     ASSERT_NE(object, nullptr);
     for (const char* guid : {"", "{00000000-0000-0000-0000-000000000000}", GetParam().factory}) {
@@ -170,7 +170,7 @@ TEST_P(EveryObject, AnswersAWrongQueryWithNoObjectAndNoReference) {
     kRelease(object);
 }
 
-TEST_P(EveryObject, AnswersNotImplementedAtEveryPositionThatIsNotListed) {
+TEST_P(EveryObject, ReturnsNotImplementedAtEveryUnusedPosition) {
     Object* const object = Factory();
     ASSERT_NE(object, nullptr);
     Object* found = nullptr;
@@ -180,7 +180,7 @@ TEST_P(EveryObject, AnswersNotImplementedAtEveryPositionThatIsNotListed) {
     kRelease(object);
 }
 
-TEST(HpsVertexData, AnswersNotImplementedAtEveryPositionThatIsNotListed) {
+TEST(HpsVertexData, ReturnsNotImplementedAtEveryUnusedPosition) {
     const StartedRegistry started;
     Object* const mesh = KV_Components_Ordinal2(hps_mesh::kFactory);
     ASSERT_NE(mesh, nullptr);
@@ -212,7 +212,7 @@ public:
     Interface m_interface{Operations(), this};
 };
 
-TEST(AnOperation, AnswersMinusTwoWhateverIsThrownInsideIt) {
+TEST(Operation, ReturnsMinusTwoForAnyException) {
     auto* const thrower = new Thrower;
     const Operation<std::int32_t(std::int32_t)> operation{7};
     EXPECT_EQ(operation(thrower->MainInterface(), 0), -2);

@@ -1,4 +1,4 @@
-// Files that are damaged, cut short, or made to hurt: refused with the code of the part at fault, or harmless.
+// Files that are damaged, cut short or malicious: refused with the code of the damaged part, or harmless.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -41,35 +41,36 @@ T Get(const ByteVector& bytes, std::size_t at) {
     return value;
 }
 
-/// Puts the checksum of header and table right after a change to them.
-void SealTable(ByteVector& file) {
+/// Corrects the checksum of header and table after a change to them.
+void RepairTableChecksum(ByteVector& file) {
     const std::size_t end = Hps::kHeaderSize + Get<std::uint32_t>(file, 12) * Hps::kEntrySize;
     if (end + 8 <= file.size()) Put(file, end, XXH3_64bits(file.data(), end));
 }
 
-TEST_F(HpsDamage, PathsThatLeadToNoFile) {
+TEST_F(HpsDamage, OpenReportsWhyAPathIsNotAReadableFile) {
     const ObjectPointer reader = MakeReader();
     EXPECT_EQ(OpenError(reader.get(), m_folder / "missing.hps"), kNotFound);
     EXPECT_EQ(OpenError(reader.get(), ""), kNotFound);
     WriteBytes(m_folder / "file", ByteVector(5));
-    EXPECT_EQ(OpenError(reader.get(), m_folder / "file/mesh.hps"), kNotFound) << "a file is no folder";
+    EXPECT_EQ(OpenError(reader.get(), m_folder / "file/mesh.hps"), kNotFound) << "a file is not a folder";
     EXPECT_EQ(OpenError(reader.get(), m_folder.Path().string()), kUnreadable) << "a folder";
     ASSERT_EQ(::mkfifo((m_folder / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(OpenError(reader.get(), m_folder / "pipe"), kUnreadable) << "must not wait";
-    EXPECT_EQ(OpenError(reader.get(), m_folder / std::string(300, 'n')), kUnreadable) << "no name so long";
+    EXPECT_EQ(OpenError(reader.get(), m_folder / std::string(300, 'n')), kUnreadable)
+        << "the name is too long for the file system";
     EXPECT_EQ(OpenError(reader.get(), "/dev/null"), kUnreadable);
     ASSERT_EQ(::symlink("loop", (m_folder / "loop").c_str()), 0);
     EXPECT_EQ(OpenError(reader.get(), m_folder / "loop"), kUnreadable);
 }
 
-TEST_F(HpsDamage, FilesWithoutPermission) {
+TEST_F(HpsDamage, OpenReportsAFileWithoutReadPermissionAsUnreadable) {
     WriteBytes(m_folder / "secret.hps", Parts(Tetrahedron()).File());
     ASSERT_EQ(::chmod((m_folder / "secret.hps").c_str(), 0), 0);
     const std::int32_t expected = ::access((m_folder / "secret.hps").c_str(), R_OK) == 0 ? kNone : kUnreadable;
     EXPECT_EQ(OpenError(MakeReader().get(), m_folder / "secret.hps"), expected);
 }
 
-TEST_F(HpsDamage, FilesThatAreLargeAndNoHpsFileTakeNoMemory) {
+TEST_F(HpsDamage, LargeFilesInOtherFormatsAreRefusedBeforeMemoryIsAllocated) {
     WriteBytes(m_folder / "huge.hps", {});
     if (::truncate((m_folder / "huge.hps").c_str(), off_t{1} << 42) != 0) GTEST_SKIP() << "no files of 4 TiB here";
     EXPECT_EQ(OpenError(MakeReader().get(), m_folder / "huge.hps"), kInvalidFile);
@@ -104,7 +105,7 @@ std::size_t EntryOf(const ByteVector& file, std::uint32_t id) {
     return at;
 }
 
-/// One byte of a section turned over.
+/// One bit of a section flipped.
 ByteVector Flipped(std::uint32_t id) {
     return ChangedFile([id](ByteVector& file) {
         std::size_t at = Hps::kHeaderSize + Get<std::uint32_t>(file, 12) * Hps::kEntrySize + Hps::kChecksumSize;
@@ -117,18 +118,18 @@ ByteVector Flipped(std::uint32_t id) {
 ByteVector WithEntry(std::uint32_t section, std::size_t offset, std::uint32_t value) {
     return ChangedFile([=](ByteVector& file) {
         Put(file, EntryOf(file, section) + offset, value);
-        SealTable(file);
+        RepairTableChecksum(file);
     });
 }
 
 ByteVector WithHeader(std::size_t offset, std::uint32_t value) {
     return ChangedFile([=](ByteVector& file) {
         Put(file, offset, value);
-        SealTable(file);
+        RepairTableChecksum(file);
     });
 }
 
-/// One triangle on an edge, though none came before; of vertices that could all be its corners.
+/// The first triangle refers to an edge, although there is no triangle before it.
 ByteVector WithTheFirstTriangleOnAnEdge() {
     return Changed([](Parts& parts) {
         parts.triangleCount = 1;
@@ -139,7 +140,7 @@ ByteVector WithTheFirstTriangleOnAnEdge() {
     });
 }
 
-/// The tetrahedron with one index changed, and the positions that were packed with the right one.
+/// The tetrahedron with one index changed after its positions were packed.
 ByteVector WithIndex(std::size_t at, std::int32_t value) {
     return Changed([=](Parts& parts) {
         SampleMesh mesh = Tetrahedron();
@@ -155,10 +156,11 @@ const DamageCase kDamages[] = {
     {"NewerVersion", [] { return WithHeader(8, 2); }, kInvalidFile},
     {"TooManySections", [] { return WithHeader(12, 65); }, kInvalidFile},
     {"NoSections", [] { return WithHeader(12, 0); }, kInvalidFile},
-    {"AllSectionsOfTheWorld", [] { return WithHeader(12, 0xFFFFFFFF); }, kInvalidFile},
+    {"GreatestNumberOfSections", [] { return WithHeader(12, 0xFFFFFFFF); }, kInvalidFile},
     {"OtherLength", [] { return WithHeader(16, 4); }, kInvalidFile},
-    {"ByteBehindTheEnd", [] { return ChangedFile([](ByteVector& file) { file.push_back({}); }); }, kInvalidFile},
-    {"UnsealedHeader", [] { return ChangedFile([](ByteVector& file) { file[24] ^= std::byte{1}; }); }, kInvalidFile},
+    {"ByteAfterTheEnd", [] { return ChangedFile([](ByteVector& file) { file.push_back({}); }); }, kInvalidFile},
+    {"HeaderWithAWrongChecksum", [] { return ChangedFile([](ByteVector& file) { file[24] ^= std::byte{1}; }); },
+     kInvalidFile},
     {"NegativeVertices", [] { return WithHeader(24, 0x80000000); }, kInvalidFile},
     {"NegativeTriangles", [] { return WithHeader(28, 0x80000000); }, kInvalidFile},
     {"VerticesOutOfProportion", [] { return WithHeader(24, 0x7FFFFFFF); }, kInvalidFile},
@@ -174,7 +176,7 @@ const DamageCase kDamages[] = {
          return ChangedFile([](ByteVector& file) {
              Put(file, EntryOf(file, Hps::kSourceSection), Hps::SectionId("ABCD"));
              Put(file, EntryOf(file, Hps::SectionId("ABCD")) + 4, Hps::kNeeded);
-             SealTable(file);
+             RepairTableChecksum(file);
          });
      },
      kInvalidFile},
@@ -186,7 +188,7 @@ const DamageCase kDamages[] = {
     {"FlippedFacets", [] { return Flipped(Hps::kFacetSection); }, kFacets},
     {"FlippedUv", [] { return Flipped(Hps::kUvSection); }, kUv},
     {"FlippedTexture", [] { return Flipped(Hps::kTextureSection); }, kTexture},
-    {"ImpossibleShare", [] { return Changed([](Parts& p) { Put<std::uint32_t>(p.positions, 0, 33); }); }, kVertices},
+    {"ImpossibleGain", [] { return Changed([](Parts& p) { Put<std::uint32_t>(p.positions, 0, 33); }); }, kVertices},
     {"VerticesCutShort", [] { return Changed([](Parts& p) { p.positions.pop_back(); }); }, kVertices},
     {"VerticesWithMore", [] { return Changed([](Parts& p) { p.positions.push_back({}); }); }, kVertices},
     {"VerticesOfAnotherLength",
@@ -194,7 +196,8 @@ const DamageCase kDamages[] = {
     {"FacetsCutShort", [] { return Changed([](Parts& p) { p.facets.pop_back(); }); }, kFacets},
     {"FacetsWithMore", [] { return Changed([](Parts& p) { p.facets.push_back({}); }); }, kFacets},
     {"FacetsWithAnUnknownCode", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{241}; }); }, kFacets},
-    {"FacetsWithAnEdgeFromNowhere", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{0}; }); }, kFacets},
+    {"FacetsWithAnEdgeThatDoesNotExist", [] { return Changed([](Parts& p) { p.facets[16] = std::byte{0}; }); },
+     kFacets},
     {"FirstTriangleOnAnEdge", [] { return WithTheFirstTriangleOnAnEdge(); }, kFacets},
     {"IndexAboveTheVertices", [] { return WithIndex(4, 4); }, kFacets},
     {"IndexBelowTheVertices", [] { return WithIndex(11, -1); }, kFacets},
@@ -202,19 +205,19 @@ const DamageCase kDamages[] = {
     {"UvOutOfProportion", [] { return Changed([](Parts& p) { Put<std::uint32_t>(p.uv, 4, 1u << 30); }); }, kUv},
     {"UvOfNegativeCount", [] { return Changed([](Parts& p) { Put<std::uint32_t>(p.uv, 0, 1u << 31); }); }, kUv},
     {"UnknownOrientation", [] { return Changed([](Parts& p) { p.orientation = 4; }); }, kTexture},
-    {"TextureThatIsNoPicture", [] { return Changed([](Parts& p) { p.texture.assign(9, {}); }); }, kTexture},
+    {"TextureThatIsNotAPicture", [] { return Changed([](Parts& p) { p.texture.assign(9, {}); }); }, kTexture},
     {"TextureCutShort", [] { return Changed([](Parts& p) { p.texture.resize(40); }); }, kTexture},
     {"Unchanged", [] { return Changed([](Parts&) {}); }, kNone},
 };
 
 class HpsDamages : public HpsDamage, public testing::WithParamInterface<DamageCase> {};
 
-TEST_P(HpsDamages, AreToldByTheCodeOfThePartAtFault) { EXPECT_EQ(CodeOf(GetParam().make()), GetParam().code); }
+TEST_P(HpsDamages, AreReportedByTheCodeOfTheDamagedPart) { EXPECT_EQ(CodeOf(GetParam().make()), GetParam().code); }
 
 INSTANTIATE_TEST_SUITE_P(Files, HpsDamages, testing::ValuesIn(kDamages),
                          [](const auto& row) { return row.param.name; });
 
-TEST_F(HpsDamage, AnyOrientationOfAPictureIsTold) {
+TEST_F(HpsDamage, EachKnownOrientationOfATextureIsReturned) {
     for (std::uint32_t orientation = 0; orientation <= 3; ++orientation) {
         WriteBytes(m_folder / "mesh.hps", Changed([=](Parts& parts) { parts.orientation = orientation; }));
         const ObjectPointer reader = MakeReader();
@@ -225,18 +228,18 @@ TEST_F(HpsDamage, AnyOrientationOfAPictureIsTold) {
     }
 }
 
-TEST_F(HpsDamage, OfOneKindLeavesNoMeshOfTheOthers) {
+TEST_F(HpsDamage, AFailedOpenReturnsNoMesh) {
     Parts parts(TexturedTetrahedron());
     parts.texture.resize(40);
     WriteBytes(m_folder / "mesh.hps", parts.File());
     const ObjectPointer reader = MakeReader();
     ASSERT_EQ(OpenError(reader.get(), m_folder / "mesh.hps"), kTexture);
     Object* found = nullptr;
-    EXPECT_EQ(hps_reader::kMesh(reader.get(), &found), kFailed) << "it would lack its texture";
+    EXPECT_EQ(hps_reader::kMesh(reader.get(), &found), kFailed) << "a mesh without its texture";
     EXPECT_EQ(found, nullptr);
 }
 
-TEST_F(HpsDamage, TrianglesThatNameNoVertexCanStillBeLookedAt) {
+TEST_F(HpsDamage, TrianglesWithAWrongIndexCanStillBeRead) {
     WriteBytes(m_folder / "mesh.hps", WithIndex(7, 4));
     const ObjectPointer reader = MakeReader();
     ASSERT_EQ(OpenError(reader.get(), m_folder / "mesh.hps"), kFacets);
@@ -252,16 +255,16 @@ TEST_F(HpsDamage, TrianglesThatNameNoVertexCanStillBeLookedAt) {
     float normals[12];
     EXPECT_EQ(hps_vertex_data::kReadAttribute(data.get(), 'N', 0, 4, normals, sizeof normals), kFailed);
     const ObjectPointer compressor = MakeCompressor(), writer = MakeWriter();
-    ASSERT_EQ(hps_compressor::kBind(compressor.get(), mesh.get()), kFailed) << "never to be packed";
+    ASSERT_EQ(hps_compressor::kBind(compressor.get(), mesh.get()), kFailed) << "it cannot be packed";
 }
 
-TEST_F(HpsDamage, EveryLengthOfAFileButTheWholeIsRefused) {
+TEST_F(HpsDamage, AFileCutAtAnyByteIsRefused) {
     const ByteVector file = Parts(TexturedTetrahedron()).File();
     for (std::size_t length = 0; length < file.size(); ++length)
         ASSERT_EQ(CodeOf({file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length)}), kInvalidFile) << length;
 }
 
-TEST_F(HpsDamage, EveryFlippedBitIsNoticed) {
+TEST_F(HpsDamage, EveryFlippedBitIsDetected) {
     const ByteVector file = Parts(TexturedTetrahedron()).File();
     for (std::size_t bit = 0; bit < 8 * file.size(); ++bit) {
         ByteVector flipped = file;
@@ -270,7 +273,7 @@ TEST_F(HpsDamage, EveryFlippedBitIsNoticed) {
     }
 }
 
-/// Everything that can be asked of a file, to see that nothing of it is out of bounds; for the sanitizers.
+/// Calls every operation that reads from a file, so that the sanitizers can detect an access out of bounds.
 void ReadEverything(Object* reader) {
     Object* found = nullptr;
     if (hps_reader::kMesh(reader, &found) == kSucceeded) {
@@ -300,7 +303,7 @@ void ReadEverything(Object* reader) {
     EXPECT_EQ(2 * sum, values.size());
 }
 
-TEST_F(HpsDamage, EveryFlippedBitUnderChecksumsThatFitIsRefusedOrHarmless) {
+TEST_F(HpsDamage, EveryFlippedBitWithRepairedChecksumsIsRefusedOrHarmless) {
     const Parts whole(TexturedTetrahedron());
     int refused = 0, read = 0;
     const auto tryFlips = [&](ByteVector Parts::*section) {
@@ -319,17 +322,17 @@ TEST_F(HpsDamage, EveryFlippedBitUnderChecksumsThatFitIsRefusedOrHarmless) {
     tryFlips(&Parts::positions);
     tryFlips(&Parts::uv);
     EXPECT_GT(refused, 100);
-    EXPECT_GT(read, 100) << "a changed number is another mesh";
+    EXPECT_GT(read, 100) << "some changes only give another valid mesh";
 }
 
-TEST_F(HpsDamage, NoBlockTakesMemoryOutOfProportion) {
-    // Four billion codes of one value in a block of a few bytes.
+TEST_F(HpsDamage, NoBlockMakesTheReaderAllocateOutOfProportion) {
+    // A few bytes that announce four billion equal codes.
     Parts parts(Tetrahedron());
     Put<std::uint64_t>(parts.facets, 0, std::uint64_t{1} << 32);
     EXPECT_EQ(CodeOf(parts.File()), kFacets);
 }
 
-TEST_F(HpsDamage, AMeshThatCompressesFurtherThanReadersAllowIsFilledUp) {
+TEST_F(HpsDamage, AMeshThatCompressesTooWellIsPadded) {
     SampleMesh mesh;
     mesh.positions.resize(3 * 100'000);
     mesh.indices.resize(3 * 200'000);

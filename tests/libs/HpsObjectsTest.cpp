@@ -1,4 +1,5 @@
-// The operations of the hps objects one by one: what they refuse, in which order they may be called, what they hold.
+// The operations of the hps objects one by one: the arguments that they refuse, the order in which they can be called,
+// and their results.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -14,7 +15,7 @@ using namespace HpsSample;
 
 constexpr std::int32_t kOk = 1, kNo = -1, kWrong = -4;
 
-/// Every test ends with as many components as it began with.
+/// Checks that no test leaks a component.
 class HpsObjects : public testing::Test {
 protected:
     HpsObjects() { EXPECT_EQ(Component::LiveCount(), 0); }
@@ -45,7 +46,7 @@ ObjectPointer Clone(Object* mesh) {
     return kQuery(clone, hps_mesh::kInterface, &found) == kOk ? ObjectPointer(found) : nullptr;
 }
 
-TEST_F(HpsMeshObject, IsCreatedOnceWithPositionsAlone) {
+TEST_F(HpsMeshObject, IsCreatedOnceAndWithPositionsOnly) {
     const ObjectPointer mesh = MakeMesh();
     std::int32_t count = 7;
     EXPECT_EQ(hps_mesh::kVertexCount(mesh.get(), &count), kNo);
@@ -65,7 +66,7 @@ TEST_F(HpsMeshObject, IsCreatedOnceWithPositionsAlone) {
     EXPECT_EQ(hps_mesh::kTriangleCount(mesh.get(), nullptr), kWrong);
 }
 
-TEST_F(HpsMeshObject, BeginsWithZeros) {
+TEST_F(HpsMeshObject, HasZerosAfterItsCreation) {
     const ObjectPointer mesh = MakeMesh();
     ASSERT_EQ(hps_mesh::kCreate(mesh.get(), 3, 2, "P"), kOk);
     const std::optional<SampleMesh> content = ContentOf(mesh.get());
@@ -74,7 +75,7 @@ TEST_F(HpsMeshObject, BeginsWithZeros) {
     EXPECT_EQ(content->indices, std::vector<std::int32_t>(6));
 }
 
-TEST_F(HpsMeshObject, RefusesIndicesOfAnotherSize) {
+TEST_F(HpsMeshObject, RefusesIndexBuffersOfAWrongSize) {
     const ObjectPointer mesh = MakeMesh();
     std::int32_t indices[6] = {0, 0, 0, 0, 0, 0};
     EXPECT_EQ(hps_mesh::kWriteIndices(mesh.get(), indices, 0), kNo) << "before create";
@@ -90,7 +91,7 @@ TEST_F(HpsMeshObject, RefusesIndicesOfAnotherSize) {
     EXPECT_EQ(hps_mesh::kReadIndices(mesh.get(), indices, 12), kOk);
 }
 
-TEST_F(HpsMeshObject, FinishesOnceAndOnlyWithTrianglesOfItsVertices) {
+TEST_F(HpsMeshObject, FinishesOnceAndOnlyWithValidIndices) {
     const ObjectPointer mesh = MakeMesh();
     EXPECT_EQ(hps_mesh::kFinish(mesh.get(), 0, 0), kNo) << "before create";
     ASSERT_EQ(hps_mesh::kCreate(mesh.get(), 3, 1, "P"), kOk);
@@ -110,7 +111,7 @@ TEST_F(HpsMeshObject, FinishesOnceAndOnlyWithTrianglesOfItsVertices) {
     EXPECT_TRUE(Readable(mesh.get()));
 }
 
-TEST_F(HpsMeshObject, HasOneWriterOrManyReaders) {
+TEST_F(HpsMeshObject, HasOneWritableOrSeveralReadableAccesses) {
     const ObjectPointer mesh = MakeMesh();
     Object* data = mesh.get();
     EXPECT_EQ(hps_mesh::kWritableVertexData(mesh.get(), &data), kNo) << "before create";
@@ -124,8 +125,8 @@ TEST_F(HpsMeshObject, HasOneWriterOrManyReaders) {
     EXPECT_TRUE(first && second);
     EXPECT_FALSE(Writable(mesh.get()));
     hps_vertex_data::kEndAccess(first.get());
-    EXPECT_FALSE(Writable(mesh.get())) << "the second reader has not ended";
-    second.reset();  // a release ends the access, too
+    EXPECT_FALSE(Writable(mesh.get())) << "the second readable access is still open";
+    second.reset();  // releasing the object ends the access too
     ObjectPointer writer = Writable(mesh.get());
     EXPECT_TRUE(writer);
     EXPECT_FALSE(Readable(mesh.get()));
@@ -136,7 +137,7 @@ TEST_F(HpsMeshObject, HasOneWriterOrManyReaders) {
     EXPECT_EQ(hps_mesh::kFinish(mesh.get(), 0, 0), kOk);
 }
 
-TEST_F(HpsMeshObject, AccessRefusesWhatDoesNotFit) {
+TEST_F(HpsMeshObject, AccessRefusesWrongArguments) {
     const ObjectPointer mesh = MakeMesh();
     ASSERT_EQ(hps_mesh::kCreate(mesh.get(), 2, 0, "P"), kOk);
     const ObjectPointer data = Writable(mesh.get());
@@ -151,7 +152,7 @@ TEST_F(HpsMeshObject, AccessRefusesWhatDoesNotFit) {
         EXPECT_EQ(read(attribute, 0, 2, values, 24), kWrong) << attribute;
         EXPECT_EQ(write(attribute, 0, 2, values, 24), kWrong) << attribute;
     }
-    EXPECT_EQ(write('N', 0, 2, values, 24), kWrong) << "a mesh keeps no normals";
+    EXPECT_EQ(write('N', 0, 2, values, 24), kWrong) << "normals cannot be written";
     EXPECT_EQ(write('P', 0, 2, values, 24), kOk);
     const std::int32_t wrongCounts[] = {1, 3, -2, 0};
     for (const std::int32_t count : wrongCounts) {
@@ -175,7 +176,7 @@ TEST_F(HpsMeshObject, AccessRefusesWhatDoesNotFit) {
     EXPECT_EQ(hps_vertex_data::kWriteAttribute(readable.get(), 'P', 0, 2, values, 24), kNo);
 }
 
-TEST_F(HpsMeshObject, AccessOffersItsThreeOperationsAndNoInterface) {
+TEST_F(HpsMeshObject, AccessHasThreeOperationsAndNoInterface) {
     const ObjectPointer mesh = MakeMesh();
     ASSERT_EQ(hps_mesh::kCreate(mesh.get(), 0, 0, "P"), kOk);
     const ObjectPointer data = Readable(mesh.get());
@@ -190,7 +191,7 @@ TEST_F(HpsMeshObject, AccessOffersItsThreeOperationsAndNoInterface) {
     EXPECT_EQ(found, nullptr);
 }
 
-TEST_F(HpsMeshObject, AccessOutlivesTheCallersMesh) {
+TEST_F(HpsMeshObject, AccessKeepsTheMeshAlive) {
     ObjectPointer mesh = MakeMesh(Tetrahedron(), true);
     const ObjectPointer data = Readable(mesh.get());
     mesh.reset();
@@ -198,10 +199,10 @@ TEST_F(HpsMeshObject, AccessOutlivesTheCallersMesh) {
     float values[12];
     EXPECT_EQ(hps_vertex_data::kReadAttribute(data.get(), 'P', 0, 4, values, sizeof values), kOk);
     hps_vertex_data::kEndAccess(data.get());
-    EXPECT_EQ(Component::LiveCount(), 1) << "the mesh is let go by the end of the access";
+    EXPECT_EQ(Component::LiveCount(), 1) << "the end of the access releases the mesh";
 }
 
-TEST_F(HpsMeshObject, CloneIsACopyThatChangesAlone) {
+TEST_F(HpsMeshObject, CloneIsAnIndependentCopy) {
     const ObjectPointer mesh = MakeMesh(Tetrahedron(), true);
     ObjectPointer clone = Clone(mesh.get());
     ASSERT_TRUE(clone);
@@ -209,7 +210,7 @@ TEST_F(HpsMeshObject, CloneIsACopyThatChangesAlone) {
     EXPECT_EQ(ContentOf(clone.get())->positions, Tetrahedron().positions);
     EXPECT_EQ(ContentOf(clone.get())->indices, Tetrahedron().indices);
     const std::vector<std::int32_t> other(12, 3);
-    EXPECT_EQ(hps_mesh::kWriteIndices(clone.get(), other.data(), 48), kOk) << "not finished by its original";
+    EXPECT_EQ(hps_mesh::kWriteIndices(clone.get(), other.data(), 48), kOk) << "the clone of a finished mesh is open";
     const ObjectPointer data = Writable(clone.get());
     const std::vector<float> positions(12, 5.0f);
     EXPECT_EQ(hps_vertex_data::kWriteAttribute(data.get(), 'P', 0, 4, positions.data(), 48), kOk);
@@ -217,7 +218,7 @@ TEST_F(HpsMeshObject, CloneIsACopyThatChangesAlone) {
     EXPECT_EQ(ContentOf(mesh.get())->indices, Tetrahedron().indices);
 }
 
-TEST_F(HpsMeshObject, CloneNeedsAMeshAndAPlace) {
+TEST_F(HpsMeshObject, CloneRefusesNullAndAnEmptyMesh) {
     const ObjectPointer mesh = MakeMesh();
     Object* found = nullptr;
     ASSERT_EQ(kQuery(mesh.get(), hps_mesh_source::kInterface, &found), kOk);
@@ -229,8 +230,8 @@ TEST_F(HpsMeshObject, CloneNeedsAMeshAndAPlace) {
 }
 
 TEST_F(HpsMeshObject, NormalsAreTheDirectionsOfTheSumsOfUnitFaceNormals) {
-    // Two triangles at right angles with a common edge, one of them nine times as large, one degenerate, and a vertex
-    // of its own.
+    // Two triangles at right angles with a common edge, one of them nine times as large; a degenerate triangle; and a
+    // vertex without triangles.
     SampleMesh mesh = {{0, 0, 0, 3, 0, 0, 0, 3, 0, 1, 0, 9, 7, 7, 7}, {0, 1, 2, 0, 3, 1, 0, 0, 1}, {}, {}, "", ""};
     const ObjectPointer object = MakeMesh(mesh, true);
     const ObjectPointer data = Readable(object.get());
@@ -241,7 +242,7 @@ TEST_F(HpsMeshObject, NormalsAreTheDirectionsOfTheSumsOfUnitFaceNormals) {
     for (int i = 0; i < 15; ++i) EXPECT_NEAR(n[i], expected[i], 1e-7f) << i;
 }
 
-TEST_F(HpsMeshObject, NormalsNeedTrianglesOfItsVertices) {
+TEST_F(HpsMeshObject, NormalsNeedValidIndices) {
     const ObjectPointer mesh = MakeMesh();
     ASSERT_EQ(hps_mesh::kCreate(mesh.get(), 1, 1, "P"), kOk);
     const std::int32_t indices[] = {0, 0, 1};
@@ -253,7 +254,7 @@ TEST_F(HpsMeshObject, NormalsNeedTrianglesOfItsVertices) {
 
 // ---- writer and compressor
 
-TEST_F(HpsWriterObject, BindsInOrderAndOnce) {
+TEST_F(HpsWriterObject, BindsMeshAndCompressorInOrderAndOnce) {
     const ObjectPointer writer = MakeWriter(), compressor = MakeCompressor();
     const ObjectPointer finished = MakeMesh(Tetrahedron(), true), open = MakeMesh(Tetrahedron(), false);
     EXPECT_EQ(hps_file_writer::kPrepare(writer.get()), kNo) << "nothing bound";
@@ -261,8 +262,8 @@ TEST_F(HpsWriterObject, BindsInOrderAndOnce) {
     EXPECT_EQ(hps_compressor::kUnbind(compressor.get()), kNo);
     EXPECT_EQ(hps_file_writer::kBind(writer.get(), nullptr), kWrong);
     EXPECT_EQ(hps_compressor::kBind(compressor.get(), nullptr), kWrong);
-    EXPECT_EQ(hps_file_writer::kBind(writer.get(), finished.get()), kWrong) << "no compressor";
-    EXPECT_EQ(hps_compressor::kBind(compressor.get(), writer.get()), kWrong) << "no mesh";
+    EXPECT_EQ(hps_file_writer::kBind(writer.get(), finished.get()), kWrong) << "not a compressor";
+    EXPECT_EQ(hps_compressor::kBind(compressor.get(), writer.get()), kWrong) << "not a mesh";
     EXPECT_EQ(hps_compressor::kBind(compressor.get(), open.get()), kNo) << "not finished";
     EXPECT_EQ(hps_file_writer::kBind(writer.get(), compressor.get()), kOk);
     EXPECT_EQ(hps_file_writer::kBind(writer.get(), compressor.get()), kNo);
@@ -276,7 +277,7 @@ TEST_F(HpsWriterObject, BindsInOrderAndOnce) {
     EXPECT_EQ(hps_compressor::kUnbind(compressor.get()), kNo);
 }
 
-TEST_F(HpsWriterObject, SavesOnlyWhatWasPrepared) {
+TEST_F(HpsWriterObject, SavesOnlyAfterPrepare) {
     const ObjectPointer writer = MakeWriter(), compressor = MakeCompressor(), mesh = MakeMesh(Tetrahedron(), true);
     const std::string path = m_folder / "mesh.hps";
     const std::wstring wide = KV_ScenePane::WidePath(path);
@@ -286,7 +287,7 @@ TEST_F(HpsWriterObject, SavesOnlyWhatWasPrepared) {
     ASSERT_EQ(hps_file_writer::kPrepare(writer.get()), kOk);
     const std::vector<float> pairs(24);
     ASSERT_EQ(hps_file_writer::kUvPairs(writer.get(), pairs.data(), 12), kOk);
-    EXPECT_EQ(hps_file_writer::kSave(writer.get(), wide.c_str()), kNo) << "the pairs came after it";
+    EXPECT_EQ(hps_file_writer::kSave(writer.get(), wide.c_str()), kNo) << "the pairs were set after Prepare";
     ASSERT_EQ(hps_file_writer::kPrepare(writer.get()), kOk);
     EXPECT_EQ(hps_file_writer::kSave(writer.get(), nullptr), kWrong);
     EXPECT_EQ(m_folder.FileCount(), 0u);
@@ -296,7 +297,7 @@ TEST_F(HpsWriterObject, SavesOnlyWhatWasPrepared) {
     EXPECT_EQ(OpenError(MakeReader().get(), path), 0);
 }
 
-TEST_F(HpsWriterObject, RefusesNullAndPairsOfAnotherCount) {
+TEST_F(HpsWriterObject, RefusesNullAndAWrongNumberOfPairs) {
     const ObjectPointer writer = MakeWriter(), compressor = MakeCompressor(), mesh = MakeMesh(Tetrahedron(), true);
     EXPECT_EQ(hps_file_writer::kTextureFile(writer.get(), nullptr, 1), kWrong);
     EXPECT_EQ(hps_file_writer::kTextureFile(writer.get(), nullptr, 0), kOk);
@@ -314,7 +315,7 @@ TEST_F(HpsWriterObject, RefusesNullAndPairsOfAnotherCount) {
     }
 }
 
-TEST_F(HpsWriterObject, LeavesTheOldFileWhereItCannotWrite) {
+TEST_F(HpsWriterObject, KeepsTheOldFileWhenItCannotWrite) {
     EXPECT_EQ(Save(Tetrahedron(), m_folder / "missing/mesh.hps"), kNo);
     EXPECT_EQ(Save(Tetrahedron(), m_folder.Path().string()), kNo) << "a folder";
     EXPECT_EQ(Save(Tetrahedron(), ""), kNo);
@@ -329,7 +330,7 @@ TEST_F(HpsWriterObject, ReplacesAFileAsAWhole) {
     EXPECT_EQ(m_folder.FileCount(), 1u);
 }
 
-TEST_F(HpsWriterObject, TakesAnyPathAndAnyText) {
+TEST_F(HpsWriterObject, AcceptsAnyPathAndAnyText) {
     SampleMesh mesh = Tetrahedron();
     mesh.application = std::string(100'000, '\xE9');
     mesh.version = std::string(3, '\x01');
@@ -343,7 +344,7 @@ TEST_F(HpsWriterObject, TakesAnyPathAndAnyText) {
 
 // ---- reader
 
-TEST_F(HpsReaderObject, HasNothingToTellBeforeAFileIsOpen) {
+TEST_F(HpsReaderObject, FailsAllOperationsBeforeAFileIsOpen) {
     const ObjectPointer reader = MakeReader();
     std::int32_t value = 5;
     Object* object = reader.get();
@@ -364,14 +365,14 @@ TEST_F(HpsReaderObject, HasNothingToTellBeforeAFileIsOpen) {
     EXPECT_EQ(value, 0);
     EXPECT_EQ(OpenError(reader.get(), m_folder / "missing.hps"), 1);
     expectNothing();
-    EXPECT_EQ(value, 1) << "the error of open stays";
+    EXPECT_EQ(value, 1) << "the error code of the failed open";
     ASSERT_EQ(Save(TexturedTetrahedron(), m_folder / "mesh.hps"), kOk);
     ASSERT_EQ(OpenError(reader.get(), m_folder / "mesh.hps"), 0);
     ASSERT_EQ(hps_reader::kClose(reader.get()), kOk);
     expectNothing();
 }
 
-TEST_F(HpsReaderObject, RefusesNullAndOtherSizes) {
+TEST_F(HpsReaderObject, RefusesNullAndWrongSizes) {
     ASSERT_EQ(Save(TexturedTetrahedron(), m_folder / "mesh.hps"), kOk);
     const ObjectPointer reader = MakeReader();
     EXPECT_EQ(hps_reader::kOpen(reader.get(), nullptr), kWrong);
@@ -395,7 +396,7 @@ TEST_F(HpsReaderObject, RefusesNullAndOtherSizes) {
     EXPECT_EQ(hps_reader::kImageFileBytes(reader.get(), nullptr, static_cast<std::size_t>(imageSize)), kWrong);
 }
 
-TEST_F(HpsReaderObject, GivesTheTextureBackAsItWas) {
+TEST_F(HpsReaderObject, ReturnsTheTextureAsItWasWritten) {
     ASSERT_EQ(Save(TexturedTetrahedron(), m_folder / "mesh.hps"), kOk);
     const ObjectPointer reader = MakeReader();
     ASSERT_EQ(OpenError(reader.get(), m_folder / "mesh.hps"), 0);
@@ -406,7 +407,7 @@ TEST_F(HpsReaderObject, GivesTheTextureBackAsItWas) {
     EXPECT_EQ(bytes, RedAboveBlue());
     ASSERT_EQ(hps_reader::kImageOrientation(reader.get(), &orientation), kOk);
     EXPECT_EQ(orientation, 1);
-    // Each caller gets a picture of its own, with the top row first.
+    // Each call returns a new image, with the top row first.
     for (int i = 0; i < 2; ++i) {
         Object* found = nullptr;
         ASSERT_EQ(hps_reader::kImage(reader.get(), &found), kOk);
@@ -419,7 +420,7 @@ TEST_F(HpsReaderObject, GivesTheTextureBackAsItWas) {
     }
 }
 
-TEST_F(HpsReaderObject, HidesCoordinatesThatHaveNoTexture) {
+TEST_F(HpsReaderObject, HidesTextureCoordinatesWithoutATexture) {
     SampleMesh mesh = TexturedTetrahedron();
     mesh.texture.clear();
     ASSERT_EQ(Save(mesh, m_folder / "mesh.hps"), kOk);
@@ -430,7 +431,7 @@ TEST_F(HpsReaderObject, HidesCoordinatesThatHaveNoTexture) {
     EXPECT_EQ(size, 0);
 }
 
-TEST_F(HpsReaderObject, OpensAnotherFileInPlaceOfTheFirst) {
+TEST_F(HpsReaderObject, OpenClosesThePreviousFile) {
     ASSERT_EQ(Save(TexturedTetrahedron(), m_folder / "textured.hps"), kOk);
     ASSERT_EQ(Save(Tetrahedron(), m_folder / "plain.hps"), kOk);
     const ObjectPointer reader = MakeReader();
@@ -443,7 +444,7 @@ TEST_F(HpsReaderObject, OpensAnotherFileInPlaceOfTheFirst) {
     EXPECT_EQ(hps_reader::kMesh(reader.get(), &mesh), kNo);
 }
 
-TEST_F(HpsReaderObject, GivesAFinishedMeshThatOutlivesIt) {
+TEST_F(HpsReaderObject, ReturnsAFinishedMeshThatOutlivesTheReader) {
     ASSERT_EQ(Save(Tetrahedron(), m_folder / "mesh.hps"), kOk);
     ObjectPointer reader = MakeReader();
     ASSERT_EQ(OpenError(reader.get(), m_folder / "mesh.hps"), 0);
@@ -459,7 +460,7 @@ TEST_F(HpsReaderObject, GivesAFinishedMeshThatOutlivesIt) {
 
 // ---- decoder
 
-TEST_F(HpsUvDecoderObject, RefusesNullAndOtherSizes) {
+TEST_F(HpsUvDecoderObject, RefusesNullAndWrongSizes) {
     const std::int32_t indices[] = {0, 1, 2};
     const float pairs[] = {0, 1, 2, 3, 4, 5};
     const Hps::ByteVector block = Hps::PackUv(indices, 3, pairs).value();

@@ -1,4 +1,4 @@
-// Numbers, blocks and lists of pairs.
+// The entropy coding: numbers, blocks and lists of texture coordinates.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -12,16 +12,16 @@ namespace {
 using namespace HpsSample;
 using namespace KvComponents::Hps;
 
-TEST(HpsNumbers, FoldedSignsAreSmallForSmallDifferences) {
+TEST(HpsNumbers, ZigzagEncodingMapsSmallDifferencesToSmallNumbers) {
     const std::uint32_t differences[] = {0, 0xFFFFFFFF, 1, 0xFFFFFFFE, 2, 0x7FFFFFFF, 0x80000000};
-    const std::uint32_t folded[] = {0, 1, 2, 3, 4, 0xFFFFFFFE, 0xFFFFFFFF};
-    for (std::size_t i = 0; i < std::size(folded); ++i) {
-        EXPECT_EQ(ZigzagEncode(differences[i]), folded[i]);
-        EXPECT_EQ(ZigzagDecode(folded[i]), differences[i]);
+    const std::uint32_t encoded[] = {0, 1, 2, 3, 4, 0xFFFFFFFE, 0xFFFFFFFF};
+    for (std::size_t i = 0; i < std::size(encoded); ++i) {
+        EXPECT_EQ(ZigzagEncode(differences[i]), encoded[i]);
+        EXPECT_EQ(ZigzagDecode(encoded[i]), differences[i]);
     }
 }
 
-TEST(HpsNumbers, FloatsAreInTheirOrderAndComeBackToTheBit) {
+TEST(HpsNumbers, OrderedBitsKeepTheOrderOfFloatsAndAreInvertible) {
     const float rising[] = {-INFINITY, -3e38f, -1.0f, -1e-45f, -0.0f, 0.0f, 1e-45f, 1.0f, 3e38f, INFINITY};
     for (std::size_t i = 1; i < std::size(rising); ++i)
         EXPECT_LT(OrderedBits(std::bit_cast<std::uint32_t>(rising[i - 1])),
@@ -31,7 +31,7 @@ TEST(HpsNumbers, FloatsAreInTheirOrderAndComeBackToTheBit) {
         EXPECT_EQ(FloatBits(OrderedBits(bits)), bits);
 }
 
-TEST(HpsNumbers, EveryNumberIsOneOfItsClass) {
+TEST(HpsNumbers, EveryNumberIsInTheRangeOfItsClass) {
     std::uint32_t expected = 0;
     for (std::uint32_t kind = 0; kind < kClassCount; ++kind) {
         EXPECT_EQ(SmallestOf(kind), expected) << kind;
@@ -43,7 +43,7 @@ TEST(HpsNumbers, EveryNumberIsOneOfItsClass) {
     EXPECT_EQ(expected, 0u) << "the last class ends with the largest number";
 }
 
-TEST(HpsNumbers, ComeBackWhateverTheirSizeAndScale) {
+TEST(HpsNumbers, AreReadAsTheyWereWrittenForAllMagnitudesAndScales) {
     std::mt19937 random(5);
     std::vector<std::uint32_t> numbers;
     for (int i = 0; i < 3000; ++i) numbers.push_back(static_cast<std::uint32_t>(random()) >> (random() % 33 % 32));
@@ -74,10 +74,10 @@ TEST(HpsNumbers, MoreThanAnnouncedAreRefused) {
     ByteReader four(bytes), five(bytes);
     EXPECT_THROW(NumberReader(four, 2, 4), DamagedData);
     NumberReader reader(five, 2, 5);
-    EXPECT_THROW(reader.ExpectEnd(), DamagedData) << "not all were taken";
+    EXPECT_THROW(reader.ExpectEnd(), DamagedData) << "numbers that were not read";
 }
 
-TEST(HpsBlocks, ComeBackCompressedOrNot) {
+TEST(HpsBlocks, AreReadAsTheyWereWrittenCompressedOrNot) {
     std::mt19937 random(3);
     for (const std::size_t size : {0, 1, 7, 1000, 5'000'000}) {
         for (const bool isRandom : {false, true}) {
@@ -113,7 +113,7 @@ Lists ListsOf(const ByteVector& block) {
     return lists;
 }
 
-/// The pairs of all corners by the rule of those who read a file: a vertex hands its own out in turn.
+/// The pairs of all corners by the rule for readers: each corner of a vertex has the next pair of its list.
 std::vector<float> CornerPairs(const Lists& lists, const std::vector<std::int32_t>& indices) {
     std::vector<std::size_t> begins, uses(lists.lengths.size());
     std::size_t begin = 0;
@@ -133,7 +133,7 @@ std::vector<float> CornerPairs(const Lists& lists, const std::vector<std::int32_
 struct PairCase {
     const char* name;
     std::vector<std::int32_t> indices;
-    std::vector<float> us;  ///< one a corner; v is 1 - u
+    std::vector<float> us;  ///< one per corner; v is 1 - u
     std::vector<std::uint8_t> lengths;
 };
 void PrintTo(const PairCase& row, std::ostream* out) { *out << row.name; }
@@ -153,7 +153,7 @@ const PairCase kPairs[] = {
 
 class HpsPairs : public testing::TestWithParam<PairCase> {};
 
-TEST_P(HpsPairs, AreFoldedAndComeBackAtEveryCorner) {
+TEST_P(HpsPairs, AreStoredAsShortestListAndReadAtEveryCorner) {
     std::vector<float> pairs;
     for (const float u : GetParam().us) pairs.insert(pairs.end(), {u, 1.0f - u});
     const auto vertexCount = static_cast<std::uint32_t>(GetParam().lengths.size());
@@ -166,7 +166,7 @@ TEST_P(HpsPairs, AreFoldedAndComeBackAtEveryCorner) {
 
 INSTANTIATE_TEST_SUITE_P(Lists, HpsPairs, testing::ValuesIn(kPairs), [](const auto& row) { return row.param.name; });
 
-TEST(HpsPairLists, OfRandomCornersComeBackToTheBit) {
+TEST(HpsPairLists, OfRandomCornersAreReadToTheBit) {
     std::mt19937 random(11);
     for (const std::uint32_t kinds : {1u, 2u, 5u, 0xFFFFFFFFu}) {
         std::vector<std::int32_t> indices;
@@ -182,7 +182,7 @@ TEST(HpsPairLists, OfRandomCornersComeBackToTheBit) {
     }
 }
 
-/// A fan of triangles whose middle has @p distinct pairs in turn.
+/// A fan of triangles. The corners at its centre have @p distinct pairs in turn.
 SampleMesh TexturedFan(int triangles, int distinct) {
     SampleMesh mesh = {std::vector<float>(9), {}, {}, RedAboveBlue(), "", ""};
     for (int i = 0; i < triangles; ++i) {
@@ -192,16 +192,16 @@ SampleMesh TexturedFan(int triangles, int distinct) {
     return mesh;
 }
 
-TEST(HpsPairLists, OfAVertexHaveAtMost255Pairs) {
+TEST(HpsPairLists, HaveAtMost255PairsPerVertex) {
     const ScratchFolder folder;
     EXPECT_EQ(Save(TexturedFan(255, 1000), folder / "mesh.hps"), kSucceeded);
-    EXPECT_EQ(Save(TexturedFan(10'000, 255), folder / "folded.hps"), kSucceeded);
+    EXPECT_EQ(Save(TexturedFan(10'000, 255), folder / "encoded.hps"), kSucceeded);
     EXPECT_EQ(Save(TexturedFan(256, 1000), folder / "more.hps"), kFailed);
     EXPECT_EQ(Save(TexturedFan(10'000, 256), folder / "more.hps"), kFailed);
     EXPECT_EQ(folder.FileCount(), 2u) << "nothing is written";
 }
 
-TEST(HpsPairLists, ThatCompressFurtherThanReadersAllowAreFilledUp) {
+TEST(HpsPairLists, ThatCompressTooWellArePadded) {
     const std::vector<std::int32_t> indices(3 * 1000, 0);
     const ByteVector block = PackUv(indices, 1'000'000, std::vector<float>(6 * 1000)).value();
     EXPECT_GE(block.size(), 1'000'000u / 64);

@@ -1,4 +1,4 @@
-// What is saved comes back to the bit, in its order.
+// A mesh that is saved and read is the same to the bit, and in the same order.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 
 using namespace HpsSample;
 
-/// Rows of points; every square two triangles.
+/// A regular grid of points, two triangles per cell.
 SampleMesh Grid(std::int32_t width, std::int32_t height) {
     SampleMesh mesh;
     std::mt19937 random(1);
@@ -173,7 +173,7 @@ TEST_P(HpsRoundTrip, KeepsEveryBitAndTheOrder) {
     EXPECT_EQ(content->indices, mesh.indices);
 }
 
-TEST_P(HpsRoundTrip, PredictsEachVertexFromThoseThatCameBefore) {
+TEST_P(HpsRoundTrip, PredictsEachVertexFromEarlierVertices) {
     const SampleMesh mesh = GetParam().make();
     const auto vertexCount = static_cast<std::uint32_t>(mesh.VertexCount());
     Hps::RawArray<Hps::Introduction> written;
@@ -182,7 +182,7 @@ TEST_P(HpsRoundTrip, PredictsEachVertexFromThoseThatCameBefore) {
     for (const auto& introductions : {written.Span(), read.introductions.Span()}) {
         ASSERT_EQ(introductions.size(), vertexCount);
         std::vector<bool> isKnown(vertexCount + 1);
-        isKnown[vertexCount] = true;  // the point of origin
+        isKnown[vertexCount] = true;  // the origin
         for (const Hps::Introduction& one : introductions) {
             ASSERT_FALSE(isKnown.at(one.vertex));
             ASSERT_TRUE(isKnown.at(one.a) && isKnown.at(one.b) && isKnown.at(one.c)) << "vertex " << one.vertex;
@@ -200,7 +200,7 @@ TEST_P(HpsRoundTrip, GivesTheSameFileForTheSameMesh) {
     EXPECT_EQ(ReadBytes(first), ReadBytes(second));
 }
 
-TEST_P(HpsRoundTrip, DoesNotDependOnTheRoundingThatAHostHasSet) {
+TEST_P(HpsRoundTrip, DoesNotDependOnTheRoundingModeOfTheHost) {
     const ScratchFolder folder;
     const SampleMesh mesh = GetParam().make();
     ASSERT_EQ(Save(mesh, folder / "usual.hps"), kSucceeded);
@@ -215,7 +215,7 @@ TEST_P(HpsRoundTrip, DoesNotDependOnTheRoundingThatAHostHasSet) {
     EXPECT_EQ(ReadBytes(folder / "upward.hps"), ReadBytes(folder / "usual.hps"));
 }
 
-/// The definition, one triangle after the other.
+/// The definition of the normals, as a scalar loop.
 std::vector<float> PlainNormals(const SampleMesh& mesh) {
     std::vector<float> normals(mesh.positions.size());
     const auto normalize = [](float* v) {

@@ -1,4 +1,4 @@
-// Meshes and files for the tests of hps files.
+// Meshes and files for the tests of the hps format.
 #pragma once
 #include <cstdint>
 #include <cstring>
@@ -22,7 +22,7 @@ namespace HpsSample {
 
 using namespace KvComponents;
 
-/// A new object, by the interface that callers work with.
+/// A new object, queried for the interface that callers use.
 inline ObjectPointer Make(const char* factory, const char* interface) {
     const ObjectPointer made(MakeObject(factory));
     Object* found = nullptr;
@@ -35,9 +35,9 @@ inline ObjectPointer MakeWriter() { return Make(hps_file_writer::kFactory, hps_f
 inline ObjectPointer MakeCompressor() { return Make(hps_compressor::kFactory, hps_compressor::kInterface); }
 
 struct SampleMesh {
-    std::vector<float> positions;       ///< three a vertex
-    std::vector<std::int32_t> indices;  ///< three a triangle
-    std::vector<float> pairs;           ///< two a corner, or none
+    std::vector<float> positions;       ///< three per vertex
+    std::vector<std::int32_t> indices;  ///< three per triangle
+    std::vector<float> pairs;           ///< two per corner; empty without texture coordinates
     std::vector<unsigned char> texture;
     std::string application, version;
 
@@ -57,7 +57,7 @@ inline std::vector<unsigned char> RedAboveBlue() {
             0x06, 0xCE, 0xA9, 0x25, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4E, 0x44, 0xAE, 0x42, 0x60, 0x82};
 }
 
-/// The tetrahedron with a pair of its own at every corner.
+/// The tetrahedron with a different pair at every corner.
 inline SampleMesh TexturedTetrahedron() {
     SampleMesh mesh = Tetrahedron();
     for (std::size_t i = 0; i < 2 * mesh.indices.size(); ++i) mesh.pairs.push_back(static_cast<float>(i) / 32.0f);
@@ -65,7 +65,7 @@ inline SampleMesh TexturedTetrahedron() {
     return mesh;
 }
 
-/// A file taken to pieces that tests change before it is put together again, with checksums that fit.
+/// The parts of a file. Tests change them and build a file with correct checksums.
 struct Parts {
     explicit Parts(const SampleMesh& mesh) {
         vertexCount = static_cast<std::uint32_t>(mesh.VertexCount());
@@ -89,7 +89,7 @@ std::size_t BytesOf(const std::vector<T>& values) {
     return values.size() * sizeof(T);
 }
 
-/// A mesh object with the content, finished or not.
+/// A mesh object with the content of a sample.
 inline ObjectPointer MakeMesh(const SampleMesh& sample, bool isFinished) {
     ObjectPointer mesh = MakeMesh();
     if (hps_mesh::kCreate(mesh.get(), sample.VertexCount(), sample.TriangleCount(), "P") != kSucceeded) return nullptr;
@@ -106,7 +106,7 @@ inline ObjectPointer MakeMesh(const SampleMesh& sample, bool isFinished) {
     return mesh;
 }
 
-/// Writes a file the way the viewer does. @return the first status that is none of success
+/// Writes a file as the viewer does. @return the first status that is not kSucceeded
 inline std::int32_t Save(const SampleMesh& sample, const std::string& path) {
     const ObjectPointer mesh = MakeMesh(sample, true);
     const ObjectPointer compressor = MakeCompressor(), writer = MakeWriter();
@@ -128,7 +128,7 @@ inline std::int32_t Save(const SampleMesh& sample, const std::string& path) {
     return status;
 }
 
-/// Positions and indices of a mesh object; nothing when an operation fails.
+/// Positions and indices of a mesh object; nullopt when an operation fails.
 inline std::optional<SampleMesh> ContentOf(Object* mesh) {
     SampleMesh content;
     std::int32_t vertexCount = 0, triangleCount = 0;

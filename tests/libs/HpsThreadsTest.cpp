@@ -1,4 +1,5 @@
-// Hps files whose positions are unpacked on a thread of their own, beside the triangles; for the thread sanitizer.
+// Hps files whose positions are decoded on a second thread while the first one decodes the triangles; for the thread
+// sanitizer.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -11,7 +12,7 @@ namespace {
 
 using namespace HpsSample;
 
-/// Too many positions for one thread.
+/// A mesh with enough positions for a second thread.
 SampleMesh LargeMesh() {
     SampleMesh mesh;
     std::mt19937 random(1);
@@ -23,7 +24,7 @@ SampleMesh LargeMesh() {
     return mesh;
 }
 
-/// The mesh of a file; nothing when it cannot be read.
+/// The mesh of a file; null when it cannot be read.
 std::optional<SampleMesh> Read(const std::string& path) {
     const ObjectPointer reader = MakeReader();
     Object* found = nullptr;
@@ -31,7 +32,7 @@ std::optional<SampleMesh> Read(const std::string& path) {
     return ContentOf(ObjectPointer(found).get());
 }
 
-TEST(HpsThreads, AMeshThatIsUnpackedByTwoComesBackToTheBit) {
+TEST(HpsThreads, AMeshThatIsDecodedOnTwoThreadsIsReadToTheBit) {
     const ScratchFolder folder;
     const SampleMesh mesh = LargeMesh();
     ASSERT_EQ(Save(mesh, folder / "mesh.hps"), kSucceeded);
@@ -41,7 +42,7 @@ TEST(HpsThreads, AMeshThatIsUnpackedByTwoComesBackToTheBit) {
     EXPECT_EQ(read->indices, mesh.indices);
 }
 
-TEST(HpsThreads, DamageIsToldByTheCodeOfThePartAtFaultWhoeverFindsIt) {
+TEST(HpsThreads, DamageIsReportedByTheCodeOfThePartOnWhicheverThreadFindsIt) {
     const ScratchFolder folder;
     const Parts whole(LargeMesh());
     const struct {
@@ -59,7 +60,7 @@ TEST(HpsThreads, DamageIsToldByTheCodeOfThePartAtFaultWhoeverFindsIt) {
     }
 }
 
-TEST(HpsThreads, SeveralReadersAtATimeDoNotMeet) {
+TEST(HpsThreads, ReadersOnSeveralThreadsAreIndependent) {
     const ScratchFolder folder;
     const SampleMesh mesh = LargeMesh();
     ASSERT_EQ(Save(mesh, folder / "mesh.hps"), kSucceeded);

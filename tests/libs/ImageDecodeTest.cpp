@@ -1,5 +1,5 @@
-// Pictures out of files: every kind of png by hand, jpeg by the encoder of the library that decodes, and what is
-// refused.
+// Decoding of image files: every kind of png, assembled by hand; jpeg, by the encoder of the jpeg library; and the
+// files that are refused.
 #include "KV_Components/ImageDecode.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ void PrintTo(const PngCase& row, std::ostream* out) { *out << row.name; }
 
 const Bytes kPalette3 = Chunk("PLTE", {10, 20, 30, 40, 50, 60, 70, 80, 90});
 
-/// An interlaced 3 x 3 picture of 8-bit grey whose pixel (x, y) is 10 y + x: the passes of the format, by hand.
+/// An interlaced 3 x 3 picture of 8-bit grey whose pixel (x, y) is 10 y + x, as the passes of the format.
 Bytes InterlacedGray() {
     return Make({.width = 3, .height = 3, .depth = 8, .kind = kGray, .interlaced = true},
                 {0, 0,           // pass 1: (0, 0); passes 2 and 3 begin outside
@@ -83,7 +83,7 @@ const PngCase kPngCases[] = {
      2,
      1,
      {7, 7, 7, 255, 8, 8, 8, 0}},
-    {"Rgb16WithAClearValueThatAllSixteenBitsMustMeet",
+    {"Rgb16WithAClearValueComparedInAllSixteenBits",
      Make({.width = 2, .depth = 16, .kind = kRgb}, {0, 1, 1, 2, 2, 3, 3, 1, 2, 2, 2, 3, 3},
           Chunk("tRNS", {1, 2, 2, 2, 3, 3})),
      2,
@@ -97,7 +97,7 @@ const PngCase kPngCases[] = {
      1,
      1,
      {100, 100, 100, 255}},
-    {"TextsAndUnknownChunksAreSteppedOver",
+    {"TextsAndUnknownChunksAreSkipped",
      [] {
          Bytes chunks = Chunk("tEXt", Bytes(100'000, 'x'));
          Append(chunks, Chunk("kvPx", {1, 2, 3}));
@@ -110,14 +110,14 @@ const PngCase kPngCases[] = {
 
 class DecodePng : public testing::TestWithParam<PngCase> {};
 
-TEST_P(DecodePng, GivesThePixelsByHand) {
+TEST_P(DecodePng, ReturnsTheExpectedPixels) {
     const std::optional<Picture> picture = DecodeImage(GetParam().file);
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->m_iWidth, static_cast<std::int32_t>(GetParam().width));
     EXPECT_EQ(picture->m_iHeight, static_cast<std::int32_t>(GetParam().height));
     EXPECT_EQ(picture->m_vRgba, GetParam().rgba);
 }
-TEST_P(DecodePng, RefusesEveryShorterFileWithoutAWord) {
+TEST_P(DecodePng, RefusesEveryShorterFileAndPrintsNothing) {
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
     const Bytes& file = GetParam().file;
@@ -130,7 +130,7 @@ TEST_P(DecodePng, RefusesEveryShorterFileWithoutAWord) {
 INSTANTIATE_TEST_SUITE_P(Kinds, DecodePng, testing::ValuesIn(kPngCases),
                          [](const auto& row) { return row.param.name; });
 
-/// The pixels are there, the checksums are not right.
+/// All pixels are present, but a checksum is wrong.
 TEST(DecodeDamagedPng, RefusesEveryChangedByteOfCriticalChunks) {
     const Bytes file = OfRgba(2, 2, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16});
     ASSERT_TRUE(DecodeImage(file));
@@ -141,19 +141,19 @@ TEST(DecodeDamagedPng, RefusesEveryChangedByteOfCriticalChunks) {
     }
 }
 
-TEST(DecodeOnePng, LeavesWhatStandsBehindItsEndAlone) {
+TEST(DecodeOnePng, IgnoresBytesAfterItsEnd) {
     Bytes file = OfRgba(1, 1, {1, 2, 3, 4});
     Append(file, Bytes(100, 0x55));
     EXPECT_TRUE(DecodeImage(file));
 }
 
-TEST(DecodeOnePng, TakesADamagedTextForNothingAndPrintsNothing) {
+TEST(DecodeOnePng, IgnoresADamagedTextAndPrintsNothing) {
     Bytes text = Chunk("tEXt", {'a', 0, 'b'});
     text.back() ^= 1;
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
     EXPECT_TRUE(DecodeImage(Make({.kind = kGray}, {0, 100}, text)));
-    // The library warns of a second palette, too.
+    // The library warns about a second palette too.
     Bytes palettes = kPalette3;
     Append(palettes, kPalette3);
     (void)DecodeImage(Make({.kind = kPalette}, {0, 1}, palettes));
@@ -165,7 +165,7 @@ TEST(DecodeOnePng, TakesADamagedTextForNothingAndPrintsNothing) {
 struct JpegCase {
     const char* name;
     JpegOptions options;
-    std::array<int, 3> rgb;  ///< of the one colour of the picture
+    std::array<int, 3> rgb;  ///< the uniform colour of the picture
 };
 void PrintTo(const JpegCase& row, std::ostream* out) { *out << row.name; }
 
@@ -176,16 +176,16 @@ const JpegCase kJpegCases[] = {
     {"Progressive", {.kind = JCS_RGB, .pixel = {30, 160, 220}, .progressive = true}, {30, 160, 220}},
     {"Arithmetic", {.kind = JCS_RGB, .pixel = {30, 160, 220}, .arithmetic = true}, {30, 160, 220}},
     {"RestartMarks", {.kind = JCS_RGB, .pixel = {30, 160, 220}, .restartRows = 1}, {30, 160, 220}},
-    // With the mark 255 is no ink: c k / 255.
+    // With the marker 255 is no ink: c k / 255.
     {"CmykWithMark", {.kind = JCS_CMYK, .pixel = {200, 100, 50, 204}}, {160, 80, 40}},
     {"Ycck", {.kind = JCS_CMYK, .pixel = {200, 100, 50, 204}, .stored = JCS_YCCK}, {160, 80, 40}},
-    // Without it 0 is: (255 - c) (255 - k) / 255.
-    {"CmykWithoutMark", {.kind = JCS_CMYK, .pixel = {55, 155, 205, 51}, .adobeMark = false}, {160, 80, 40}},
+    // Without it 0 is no ink: (255 - c) (255 - k) / 255.
+    {"CmykWithoutMark", {.kind = JCS_CMYK, .pixel = {55, 155, 205, 51}, .adobeMarker = false}, {160, 80, 40}},
 };
 
 class DecodeJpeg : public testing::TestWithParam<JpegCase> {};
 
-TEST_P(DecodeJpeg, GivesTheColourThatWasStored) {
+TEST_P(DecodeJpeg, ReturnsTheColourThatWasStored) {
     const Bytes file = MakeJpeg(GetParam().options);
     const std::optional<Picture> picture = DecodeImage(file);
     ASSERT_TRUE(picture);
@@ -197,7 +197,7 @@ TEST_P(DecodeJpeg, GivesTheColourThatWasStored) {
         ASSERT_EQ(picture->m_vRgba[i + 3], 255);
     }
 }
-TEST_P(DecodeJpeg, RefusesEveryShorterFileWithoutAWord) {
+TEST_P(DecodeJpeg, RefusesEveryShorterFileAndPrintsNothing) {
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
     const Bytes file = MakeJpeg(GetParam().options);
@@ -216,9 +216,9 @@ TEST(DecodeOneJpeg, BeginsWithTheTopRow) {
     EXPECT_NEAR(picture->m_vRgba[picture->m_vRgba.size() - 4], 220, 3);
 }
 
-TEST(DecodeOneJpeg, TakesFillBytesBetweenItsSegments) {
+TEST(DecodeOneJpeg, AcceptsFillBytesBetweenItsSegments) {
     Bytes file = MakeJpeg({.kind = JCS_GRAYSCALE, .pixel = {20}});
-    file.insert(file.end() - 2, {0x12, 0x34});  // before the end mark
+    file.insert(file.end() - 2, {0x12, 0x34});  // before the end marker
     EXPECT_TRUE(DecodeImage(file));
 }
 
@@ -229,9 +229,10 @@ TEST(DecodeOneJpeg, RefusesASecondFrameHeader) {
     EXPECT_FALSE(DecodeImage(twice));
 }
 
-/// Every scan costs a pass over the whole picture, and may take a dozen bytes.
-TEST(DecodeOneJpeg, MayHaveAHundredScans) {
-    // The mean of each block, then every other coefficient by itself, the first few of them in two steps.
+/// Each scan costs a pass over the whole picture, but only about a dozen bytes.
+TEST(DecodeOneJpeg, MayHaveAHundredScansAndNoMore) {
+    // The DC coefficient, then one scan per AC coefficient, the first few of them in two steps (successive
+    // approximation).
     const auto withScans = [](int count) {
         JpegOptions options{.kind = JCS_GRAYSCALE, .pixel = {20}};
         options.scans.push_back({1, {0}, 0, 0, 0, 0});
@@ -244,15 +245,15 @@ TEST(DecodeOneJpeg, MayHaveAHundredScans) {
     EXPECT_FALSE(DecodeImage(withScans(101)));
 }
 
-// ---- what is no picture, and what is too large
+// ---- other formats, and pictures that are too large
 
-TEST(DecodeImageRefuses, WhatIsNoPicture) {
+TEST(DecodeImageRefuses, FilesInOtherFormats) {
     for (const std::string_view text : {"", "P", "\x89PNG\r\n\x1A", "\x89PNG\r\n\x1A\n", "\xFF\xD8", "\xFF\xD8\xFF",
                                         "GIF89a", "BM", "\xFF\xD8\xFF\xD9"})
         EXPECT_FALSE(DecodeImage({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()})) << text;
 }
 
-TEST(IsPictureSize, KeepsSidesAndPixelsInProportion) {
+TEST(IsPictureSize, LimitsTheSidesAndThePixelsPerByteOfTheFile) {
     EXPECT_FALSE(IsPictureSize(0, 1, 100));
     EXPECT_FALSE(IsPictureSize(1, 0, 100));
     EXPECT_TRUE(IsPictureSize(16384, 1, 0));
@@ -267,7 +268,7 @@ TEST(IsPictureSize, KeepsSidesAndPixelsInProportion) {
 }
 
 TEST(DecodeImageRefuses, PicturesOutOfProportionToTheirFile) {
-    // The header alone says so; the pixels are not even looked at.
+    // The size in the header is enough; no pixels are decoded.
     EXPECT_FALSE(DecodeImage(Make({.width = 16384, .height = 16384}, {0})));
     EXPECT_FALSE(DecodeImage(Make({.width = 0x7FFFFFFF, .height = 0x7FFFFFFF}, {0})));
     Bytes jpeg = MakeJpeg({.kind = JCS_GRAYSCALE, .pixel = {20}});

@@ -45,7 +45,7 @@ TEST_F(ImageObject, IsEmptyAtFirst) {
     EXPECT_EQ(image::kFlip(picture), kSucceeded);
 }
 
-TEST_F(ImageObject, HasClearPixelsOfTheSizeThatIsSet) {
+TEST_F(ImageObject, HasZeroPixelsAfterItsSizeWasSet) {
     EXPECT_EQ(image::kSetSize(picture, 2, 3), kSucceeded);
     ExpectSize(2, 3);
     ExpectPixels(Bytes(24, 0));
@@ -54,7 +54,7 @@ TEST_F(ImageObject, HasClearPixelsOfTheSizeThatIsSet) {
     ExpectPixels(Bytes(24, 0));
 }
 
-TEST_F(ImageObject, TakesSizesWithinItsLimitsOnly) {
+TEST_F(ImageObject, AcceptsSizesWithinItsLimitsOnly) {
     EXPECT_EQ(image::kSetSize(picture, 16384, 1), kSucceeded);
     EXPECT_EQ(image::kSetSize(picture, 1, 16384), kSucceeded);
     for (const auto& [w, h] :
@@ -63,7 +63,7 @@ TEST_F(ImageObject, TakesSizesWithinItsLimitsOnly) {
     ExpectSize(1, 16384);
 }
 
-TEST_F(ImageObject, GivesBackWhatWasWritten) {
+TEST_F(ImageObject, ReturnsThePixelsThatWereWritten) {
     const Bytes pixels{1, 2, 3, 4, 5, 6, 7, 8};
     EXPECT_EQ(image::kSetSize(picture, 1, 2), kSucceeded);
     EXPECT_EQ(image::kWritePixels(picture, pixels.data(), 8), kSucceeded);
@@ -88,7 +88,7 @@ TEST_F(ImageObject, RefusesNullPointersAndWrongSizes) {
     ExpectPixels(Bytes(8, 0));
 }
 
-TEST_F(ImageObject, TurnsTheOrderOfItsRowsRound) {
+TEST_F(ImageObject, FlipReversesTheOrderOfTheRows) {
     const Bytes a{1, 1, 1, 1, 2, 2, 2, 2}, b{3, 3, 3, 3, 4, 4, 4, 4}, c{5, 5, 5, 5, 6, 6, 6, 6};
     const auto stack = [](std::initializer_list<Bytes> rows) {
         Bytes pixels;
@@ -104,7 +104,7 @@ TEST_F(ImageObject, TurnsTheOrderOfItsRowsRound) {
     }
 }
 
-TEST_F(ImageObject, DecodesAFileAndKeepsThePictureWhenTheNextOneIsBroken) {
+TEST_F(ImageObject, KeepsItsPictureWhenTheNextFileIsDamaged) {
     const Bytes pixels{1, 2, 3, 4, 5, 6, 7, 8};
     Bytes file = png_file::OfRgba(1, 2, pixels);
     EXPECT_EQ(image::kDecodeFile(picture, file.data(), file.size()), kSucceeded);

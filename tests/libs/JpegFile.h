@@ -1,25 +1,25 @@
-// Jpeg files of one colour, or two, in every form that the encoder knows.
+// Jpeg files of one or two colours, in each form that the encoder can write.
 #pragma once
 #include <cstdint>
-#include <cstdio>  // which jpeglib.h needs and does not include
+#include <cstdio>  // jpeglib.h needs it and does not include it
 #include <cstdlib>
 #include <vector>
-// The order matters.
+// The order matters; this comment keeps the formatter from sorting the includes.
 #include <jpeglib.h>
 
 struct JpegOptions {
     J_COLOR_SPACE kind = JCS_RGB;
     std::vector<std::uint8_t> pixel;
-    std::vector<std::uint8_t> pixelOfLowerHalf = {};  ///< empty: as above
-    J_COLOR_SPACE stored = JCS_UNKNOWN;               ///< JCS_UNKNOWN leaves the choice to the encoder
+    std::vector<std::uint8_t> pixelOfLowerHalf = {};  ///< empty: the same as the upper half
+    J_COLOR_SPACE stored = JCS_UNKNOWN;               ///< JCS_UNKNOWN: the default of the encoder
     bool progressive = false;
     bool arithmetic = false;
     int restartRows = 0;
-    bool adobeMark = true;                   ///< of CMYK
-    std::vector<jpeg_scan_info> scans = {};  ///< of a progressive file; empty: the encoder's own
+    bool adobeMarker = true;                 ///< for CMYK
+    std::vector<jpeg_scan_info> scans = {};  ///< of a progressive file; empty: the default of the encoder
 };
 
-/// 40 x 24 pixels; a picture of one colour survives the packing but for rounding.
+/// 40 x 24 pixels. A picture of one colour is decoded to that colour except for rounding.
 inline std::vector<std::uint8_t> MakeJpeg(const JpegOptions& options) {
     constexpr JDIMENSION kWidth = 40, kHeight = 24;
     jpeg_compress_struct jpeg{};
@@ -39,7 +39,7 @@ inline std::vector<std::uint8_t> MakeJpeg(const JpegOptions& options) {
     if (options.progressive) jpeg_simple_progression(&jpeg);
     jpeg.arith_code = options.arithmetic ? TRUE : FALSE;
     jpeg.restart_in_rows = options.restartRows;
-    if (!options.adobeMark) jpeg.write_Adobe_marker = FALSE;
+    if (!options.adobeMarker) jpeg.write_Adobe_marker = FALSE;
     if (!options.scans.empty()) {
         jpeg.scan_info = options.scans.data();
         jpeg.num_scans = static_cast<int>(options.scans.size());

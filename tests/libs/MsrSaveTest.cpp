@@ -1,5 +1,5 @@
-// What happens to a pcm file when its rewriting fails or the process dies: at every byte and at every call the old file
-// stays whole.
+// Rewriting of a pcm file that fails, or during which the process dies: at every byte and at every system call a whole
+// file remains.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -25,16 +25,17 @@ namespace {
 
 constexpr int kDied = 77;
 
-/// Passes calls on until the one that is to fail, or the byte.
+/// Forwards system calls up to the call or the byte that is to fail.
 class FailingCalls : public FileCalls {
 public:
     int failingCall = std::numeric_limits<int>::max();
-    std::uint64_t bytesLeft = std::numeric_limits<std::uint64_t>::max();  ///< before the disk is full
-    bool die = false;  ///< the process ends there, instead of an error
+    std::uint64_t bytesLeft =
+        std::numeric_limits<std::uint64_t>::max();  ///< that can be written before the disk is full
+    bool die = false;                               ///< ends the process there instead of returning an error
     int error = EIO;
     int calls = 0;
-    std::vector<std::string> made;  ///< names of the calls in order, a run of writes once
-    std::string failed;             ///< name of the call that did
+    std::vector<std::string> made;  ///< names of the calls in order; consecutive writes count once
+    std::string failed;             ///< name of the call that failed
 
     int Open(const char* path, int flags, mode_t mode) override {
         return Fails("open") ? -1 : FileCalls::Open(path, flags, mode);
@@ -55,7 +56,7 @@ public:
     int Sync(int fd) override { return Fails("sync") ? -1 : FileCalls::Sync(fd); }
     int Close(int fd) override {
         const bool fails = Fails("close");
-        const int result = FileCalls::Close(fd);  // the system lets go of the file in either case
+        const int result = FileCalls::Close(fd);  // a failed close releases the descriptor too
         return fails ? -1 : result;
     }
     int Rename(const char* from, const char* to) override { return Fails("rename") ? -1 : FileCalls::Rename(from, to); }
@@ -80,7 +81,7 @@ bool Writes(const std::string& path, const PcmSample& sample, FileCalls& calls) 
     }
 }
 
-/// Runs it in a process of its own. @return its exit status, or -1 when a signal ended it
+/// Runs a function in a child process. @return its exit status, or -1 when a signal ended it
 int InAnotherProcess(const std::function<int()>& run) {
     const pid_t child = fork();
     if (child == 0) _exit(run());
@@ -89,7 +90,7 @@ int InAnotherProcess(const std::function<int()>& run) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// Lets the system itself cut files off: writing beyond @p bytes gives an error, or ends the process by a signal.
+/// Sets the file size limit of the process: writing beyond @p bytes fails, or ends the process by a signal.
 void LimitFileSize(std::size_t bytes, bool die) {
     rlimit none{};
     setrlimit(RLIMIT_CORE, &none);
@@ -103,10 +104,9 @@ protected:
     void SetUp() override { WriteBytes(file, oldBytes); }
     void ExpectOldFileAlone() {
         EXPECT_EQ(ReadBytes(file), oldBytes);
-        EXPECT_EQ(folder.FileCount(), 1u) << "a temporary file stayed";
+        EXPECT_EQ(folder.FileCount(), 1u) << "a temporary file remained";
     }
-    /// What a file is after a death: old or new, never something else; what lies beside it does not hinder the next
-    /// one.
+    /// Checks that the file is the old or the new one.
     void ExpectWholeFile(const PcmSample& changed) {
         const auto bytes = ReadBytes(file);
         EXPECT_TRUE(bytes == oldBytes || bytes == WritePcm(changed.View()));
@@ -125,7 +125,7 @@ protected:
 
 }  // namespace
 
-TEST_F(MsrSave, AnErrorOfAnyCallLeavesTheOldFile) {
+TEST_F(MsrSave, KeepsTheOldFileWhenAnySystemCallFails) {
     std::vector<std::string> failed;
     for (int call = 1;; ++call) {
         FailingCalls calls;
@@ -145,22 +145,22 @@ TEST_F(MsrSave, AnErrorOfAnyCallLeavesTheOldFile) {
         }
         ASSERT_LT(call, 1000);
     }
-    // Every kind of call was among them; behind the rename an error changes nothing any more.
+    // Each kind of call was among them. After the rename an error is ignored.
     for (const char* name : {"open", "mode", "write", "sync", "close", "rename"}) {
         EXPECT_NE(std::find(failed.begin(), failed.end(), name), failed.end()) << name;
     }
     EXPECT_EQ(ReadBytes(file), WritePcm(Changed().View()));
 }
 
-// Renamed before it is on the disk, the new file could be empty after a power cut, and the old one gone.
-TEST_F(MsrSave, TheFileIsFlushedBeforeTheRenameAndTheFolderAfterIt) {
+// Without this order a power cut could leave an empty new file and no old one.
+TEST_F(MsrSave, FlushesTheFileBeforeTheRenameAndTheFolderAfterIt) {
     FailingCalls calls;
     ASSERT_TRUE(Writes(file, Changed(), calls));
     EXPECT_THAT(calls.made,
                 testing::ElementsAre("open", "open", "mode", "write", "sync", "close", "rename", "sync", "close"));
 }
 
-TEST_F(MsrSave, AnErrorBeforeTheRenameIsReported) {
+TEST_F(MsrSave, ReportsEveryErrorBeforeTheRename) {
     for (int call = 1;; ++call) {
         FailingCalls calls;
         calls.failingCall = call;
@@ -171,7 +171,7 @@ TEST_F(MsrSave, AnErrorBeforeTheRenameIsReported) {
     }
 }
 
-TEST_F(MsrSave, AnInterruptedWriteGoesOn) {
+TEST_F(MsrSave, RepeatsAnInterruptedWrite) {
     FailingCalls calls;
     FailingCalls counting;
     ASSERT_TRUE(Writes(folder / "other.pcm", Changed(), counting));
@@ -182,7 +182,7 @@ TEST_F(MsrSave, AnInterruptedWriteGoesOn) {
     EXPECT_EQ(ReadBytes(file), WritePcm(Changed().View()));
 }
 
-TEST_F(MsrSave, AFullDiskAtAnyByteLeavesTheOldFile) {
+TEST_F(MsrSave, KeepsTheOldFileWhenTheDiskIsFullAtAnyByte) {
     const std::size_t size = WritePcm(Changed().View()).size();
     for (std::size_t bytes = 0; bytes < size; ++bytes) {
         FailingCalls calls;
@@ -195,7 +195,7 @@ TEST_F(MsrSave, AFullDiskAtAnyByteLeavesTheOldFile) {
     EXPECT_TRUE(Writes(file, Changed(), calls));
 }
 
-TEST_F(MsrSave, DeathAtAnyByteLeavesAWholeFile) {
+TEST_F(MsrSave, KeepsAWholeFileWhenTheProcessDiesAtAnyByte) {
     const std::size_t size = WritePcm(Changed().View()).size();
     for (std::size_t bytes = 0; bytes < size; ++bytes) {
         const int status = InAnotherProcess([&] {
@@ -208,10 +208,10 @@ TEST_F(MsrSave, DeathAtAnyByteLeavesAWholeFile) {
         ASSERT_EQ(ReadBytes(file), oldBytes) << bytes;
     }
     FailingCalls calls;
-    EXPECT_TRUE(Writes(file, Changed(), calls)) << "what the dead ones left must not hinder";
+    EXPECT_TRUE(Writes(file, Changed(), calls)) << "temporary files of processes that died do not prevent a write";
 }
 
-TEST_F(MsrSave, DeathAtAnyCallLeavesAWholeFile) {
+TEST_F(MsrSave, KeepsAWholeFileWhenTheProcessDiesAtAnySystemCall) {
     int status = kDied;
     for (int call = 1; status == kDied; ++call) {
         status = InAnotherProcess([&] {
@@ -227,8 +227,8 @@ TEST_F(MsrSave, DeathAtAnyCallLeavesAWholeFile) {
     EXPECT_EQ(status, 0);
 }
 
-// The operations themselves, on a system that really refuses.
-TEST_F(MsrSave, SaveAndSaveTrafoMatrixGiveFalseOnAFullDiskAtAnyByte) {
+// The operations of class MSR, with failures of the system itself.
+TEST_F(MsrSave, SaveAndSaveTrafoMatrixReturnFalseWhenTheDiskIsFullAtAnyByte) {
     const std::array<float, 16> trafo{1, 2, 3};
     for (std::size_t bytes = 0; bytes < oldBytes.size(); ++bytes) {
         const int status = InAnotherProcess([&] {
@@ -243,7 +243,7 @@ TEST_F(MsrSave, SaveAndSaveTrafoMatrixGiveFalseOnAFullDiskAtAnyByte) {
     }
 }
 
-TEST_F(MsrSave, SaveTrafoMatrixKilledAtAnyByteLeavesTheOldFile) {
+TEST_F(MsrSave, SaveTrafoMatrixKeepsTheOldFileWhenKilledAtAnyByte) {
     const std::array<float, 16> trafo{1, 2, 3};
     for (std::size_t bytes = 0; bytes < oldBytes.size(); ++bytes) {
         const int status = InAnotherProcess([&] {

@@ -1,4 +1,4 @@
-// Class MSR as its callers see it: files on the disk, null pointers when empty, false for every failure.
+// Class MSR as its callers use it: files on disk, null pointers when empty, false and a reason for every failure.
 #include "MSRDLL/Msr.h"
 
 #include <sys/stat.h>
@@ -58,14 +58,14 @@ TEST_F(MsrOnDisk, LoadsWhatWasWritten) {
     EXPECT_EQ(std::memcmp(msr.GetTrafo(), sample.trafo.data(), 64), 0);
 }
 
-TEST_F(MsrOnDisk, WithoutColorsInTheFileThereAreNone) {
+TEST_F(MsrOnDisk, ReturnsNullForTheColorsOfAFileWithoutColors) {
     sample.colors.clear();
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     EXPECT_EQ(msr.GetColorData(), nullptr);
 }
 
-TEST_F(MsrOnDisk, TheFlagsChangeNothing) {
+TEST_F(MsrOnDisk, IgnoresTheFlags) {
     Write(file);
     for (int flags = 0; flags < 8; ++flags) {
         ASSERT_TRUE(msr.Load(WidePath(file).c_str(), flags & 1, flags & 2, flags & 4));
@@ -74,7 +74,7 @@ TEST_F(MsrOnDisk, TheFlagsChangeNothing) {
     }
 }
 
-TEST_F(MsrOnDisk, AFailedLoadAfterAGoodOneLeavesNothingBehind) {
+TEST_F(MsrOnDisk, IsEmptyAfterAFailedLoad) {
     Write(file);
     auto bytes = ReadBytes(file);
     bytes.back() ^= std::byte{1};
@@ -91,7 +91,7 @@ TEST_F(MsrOnDisk, AFailedLoadAfterAGoodOneLeavesNothingBehind) {
     ExpectEmpty(msr);
 }
 
-TEST_F(MsrOnDisk, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
+TEST_F(MsrOnDisk, LoadRefusesFoldersPipesAndDevicesWithoutWaiting) {
     const std::string pipe = folder / "pipe.pcm";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(LoadFrom(msr, pipe));
@@ -99,7 +99,7 @@ TEST_F(MsrOnDisk, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
     EXPECT_FALSE(LoadFrom(msr, "/dev/zero"));
 }
 
-TEST_F(MsrOnDisk, AFileWhoseNameIsNoUtf8IsFound) {
+TEST_F(MsrOnDisk, LoadsAFileWhoseNameIsNotUtf8) {
     const std::string odd = folder / "scan\xFF\xC3.pcm";
     Write(odd);
     ASSERT_TRUE(LoadFrom(msr, odd));
@@ -109,7 +109,7 @@ TEST_F(MsrOnDisk, AFileWhoseNameIsNoUtf8IsFound) {
     EXPECT_EQ(folder.FileCount(), 1u);
 }
 
-TEST_F(MsrOnDisk, SaveWritesWhatWasChangedThroughThePointersAndNothingElse) {
+TEST_F(MsrOnDisk, SaveWritesTheValuesThatWereChangedThroughThePointersOnly) {
     sample.foreign.push_back({0x65746F6E, 3, 4, std::vector<std::byte>(5, std::byte{6})});
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
@@ -122,7 +122,7 @@ TEST_F(MsrOnDisk, SaveWritesWhatWasChangedThroughThePointersAndNothingElse) {
     EXPECT_EQ(saved.m_vForeign[0].m_vBytes, sample.foreign[0].m_vBytes);
 }
 
-TEST_F(MsrOnDisk, SaveOfAnEmptyOneIsRefusedAndTouchesNothing) {
+TEST_F(MsrOnDisk, SaveOfAnEmptyMeasurementFailsAndWritesNothing) {
     Write(file);
     const auto before = ReadBytes(file);
     EXPECT_FALSE(SaveTo(msr, file));
@@ -131,7 +131,7 @@ TEST_F(MsrOnDisk, SaveOfAnEmptyOneIsRefusedAndTouchesNothing) {
     EXPECT_EQ(folder.FileCount(), 1u);
 }
 
-TEST_F(MsrOnDisk, SaveMakesANewFileAsThePermissionsOfTheProcessAllow) {
+TEST_F(MsrOnDisk, SaveCreatesANewFileWithTheUmaskOfTheProcess) {
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     const mode_t mask = umask(027);
@@ -155,7 +155,7 @@ TEST_F(MsrOnDisk, SaveKeepsTheModeOfTheOldFile) {
     }
 }
 
-TEST_F(MsrOnDisk, SaveThroughALinkReplacesWhatItLeadsTo) {
+TEST_F(MsrOnDisk, SaveThroughALinkReplacesTheFileThatItPointsTo) {
     fs::create_directory(folder / "real");
     const std::string real = folder / "real/scan.pcm";
     Write(real);
@@ -170,7 +170,7 @@ TEST_F(MsrOnDisk, SaveThroughALinkReplacesWhatItLeadsTo) {
     EXPECT_EQ(MsrStorage::ReadPcmFile(real).m_pClassification[1], 251);
 }
 
-TEST_F(MsrOnDisk, SaveThroughALinkToNothingMakesTheFile) {
+TEST_F(MsrOnDisk, SaveThroughADanglingLinkCreatesTheFile) {
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     fs::create_symlink("later.pcm", folder / "link.pcm");
@@ -179,7 +179,7 @@ TEST_F(MsrOnDisk, SaveThroughALinkToNothingMakesTheFile) {
     EXPECT_EQ(ReadBytes(folder / "later.pcm"), ReadBytes(file));
 }
 
-TEST_F(MsrOnDisk, SaveRefusesTargetsThatAreNoFile) {
+TEST_F(MsrOnDisk, SaveRefusesTargetsThatAreNotRegularFiles) {
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     const std::string pipe = folder / "pipe.pcm";
@@ -194,15 +194,15 @@ TEST_F(MsrOnDisk, SaveRefusesTargetsThatAreNoFile) {
     EXPECT_EQ(folder.FileCount(), 3u);
 }
 
-TEST_F(MsrOnDisk, SaveLeavesAWriteProtectedFileAlone) {
+TEST_F(MsrOnDisk, SaveDoesNotReplaceAWriteProtectedFile) {
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     ASSERT_EQ(chmod(file.c_str(), 0444), 0);
-    ASSERT_EQ(chmod((folder / "").c_str(), 0777), 0);  // the folder would let anybody replace it
+    ASSERT_EQ(chmod((folder / "").c_str(), 0777), 0);  // the folder would allow anybody to replace the file
     const auto before = ReadBytes(file);
     constexpr int kRefused = 3;
     const pid_t child = fork();
-    if (child == 0) {  // root may write everything, so it becomes somebody else
+    if (child == 0) {  // root can write every file, so the child changes its user
         if (geteuid() == 0 && setuid(65534) != 0) _exit(1);
         _exit(SaveTo(msr, file) ? 2 : kRefused);
     }
@@ -213,13 +213,13 @@ TEST_F(MsrOnDisk, SaveLeavesAWriteProtectedFileAlone) {
     EXPECT_EQ(folder.FileCount(), 1u);
 }
 
-TEST_F(MsrOnDisk, SaveWritesToANameAsLongAsNamesCanBe) {
+TEST_F(MsrOnDisk, SaveWritesToANameOfTheGreatestLength) {
     Write(file);
     ASSERT_TRUE(LoadFrom(msr, file));
     EXPECT_TRUE(SaveTo(msr, folder / (std::string(251, 'n') + ".pcm")));
 }
 
-TEST_F(MsrOnDisk, SaveTrafoMatrixReplacesTheTransformAndNothingElse) {
+TEST_F(MsrOnDisk, SaveTrafoMatrixReplacesTheTransformOnly) {
     sample.foreign.push_back({0x65746F6E, 3, 4, std::vector<std::byte>(5, std::byte{6})});
     Write(file);
     for (std::size_t i = 0; i < 16; ++i) sample.trafo[i] = 100.0f + static_cast<float>(i);
@@ -230,7 +230,7 @@ TEST_F(MsrOnDisk, SaveTrafoMatrixReplacesTheTransformAndNothingElse) {
     EXPECT_EQ(folder.FileCount(), 1u);
 }
 
-TEST_F(MsrOnDisk, SaveTrafoMatrixDoesNotSealADamagedFileAnew) {
+TEST_F(MsrOnDisk, SaveTrafoMatrixRefusesADamagedFile) {
     Write(file);
     auto bytes = ReadBytes(file);
     bytes.back() ^= std::byte{1};
@@ -289,7 +289,7 @@ TEST_F(MsrReason, NamesTheSectionThatIsDamaged) {
     EXPECT_EQ(ReasonFor(bytes), "header is damaged");
 }
 
-TEST_F(MsrReason, IsTheSystemsWhenTheFileCannotBeOpened) {
+TEST_F(MsrReason, ContainsTheSystemsReasonWhenTheFileCannotBeOpened) {
     EXPECT_FALSE(LoadFrom(msr, folder / "missing.pcm"));
     EXPECT_STREQ(MsrLastReason(), "cannot be opened: No such file or directory");
     EXPECT_FALSE(LoadFrom(msr, folder.Path().string()));
@@ -298,7 +298,7 @@ TEST_F(MsrReason, IsTheSystemsWhenTheFileCannotBeOpened) {
     EXPECT_STREQ(MsrLastReason(), "there is no path");
 }
 
-TEST_F(MsrReason, IsGivenForAFailedSaveToo) {
+TEST_F(MsrReason, IsSetByAFailedSave) {
     EXPECT_FALSE(SaveTo(msr, file));
     EXPECT_STREQ(MsrLastReason(), "impossible grid size") << "an empty measurement";
     WriteBytes(file, good);

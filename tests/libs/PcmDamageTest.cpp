@@ -1,4 +1,4 @@
-// What is no whole pcm file of a known version is refused, before memory is taken for it.
+// Files that are not whole pcm files of a known version are refused before memory for the grid is allocated.
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
@@ -22,7 +22,7 @@ bool IsRefused(const std::vector<std::byte>& bytes) {
 
 }  // namespace
 
-TEST(PcmDamage, EveryFlippedBitIsNoticed) {
+TEST(PcmDamage, EveryFlippedBitIsDetected) {
     const auto good = WritePcm(SmallSample().View());
     ASSERT_FALSE(IsRefused(good));
     for (std::size_t i = 0; i < good.size(); ++i) {
@@ -34,14 +34,14 @@ TEST(PcmDamage, EveryFlippedBitIsNoticed) {
     }
 }
 
-TEST(PcmDamage, EveryLostEndIsNoticed) {
+TEST(PcmDamage, AFileCutAtAnyByteIsRefused) {
     const auto good = WritePcm(SmallSample().View());
     for (std::size_t size = 0; size < good.size(); ++size) {
         EXPECT_TRUE(IsRefused({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)})) << size;
     }
 }
 
-TEST(PcmDamage, BytesBehindTheEndAreNoticed) {
+TEST(PcmDamage, BytesAfterTheLastSectionAreRefused) {
     auto bytes = WritePcm(SmallSample().View());
     bytes.push_back(std::byte{0});
     EXPECT_TRUE(IsRefused(bytes));
@@ -77,7 +77,7 @@ Sections And(const RawSection& section) {
     return sections;
 }
 
-/// All dense or constant, for grids of any size.
+/// Sections that are valid for grids of any size: all dense or constant.
 Sections Constant() {
     return {{"TRAF", 0, 1, std::string(64, '\0')},
             {"XYZ ", 1, 1, std::string(12, '\0')},
@@ -85,7 +85,7 @@ Sections Constant() {
             {"CLAS", 1, 1, std::string(1, '\0')}};
 }
 
-/// A file whose every checksum is right.
+/// A file with one defect and correct checksums.
 struct BadPcm {
     const char* name;
     RawHead head;
@@ -95,13 +95,13 @@ struct BadPcm {
 void PrintTo(const BadPcm& row, std::ostream* out) { *out << row.name; }
 
 const BadPcm kBadPcms[] = {
-    {"Foreign", {.magic = "solid fi"}, Good(), "not a pcm file"},
+    {"OtherFormat", {.magic = "solid fi"}, Good(), "not a pcm file"},
     {"LineEndsConverted", {.magic = "KVPCM\n\x1A\x01"}, Good(), "not a pcm file"},
     {"NewerVersion", {.version = 2}, Good(), "of a version that is not known here"},
     {"VersionZero", {.version = 0}, Good(), "of a version that is not known here"},
     {"NoSections", {}, {}, "impossible number of sections"},
     {"MoreSectionsThanAllowed", {}, Sections(65, {"note", 0, 0, ""}), "impossible number of sections"},
-    {"MoreSectionsThanThereAre", {.addedToCount = 50}, Good(), "header is cut short"},
+    {"MoreSectionsAnnouncedThanPresent", {.addedToCount = 50}, Good(), "header is cut short"},
     {"CountThatWrapsWhenMultiplied", {.addedToCount = 0x0AAAAAAA}, Good(), "impossible number of sections"},
     {"WidthZero", {.width = 0}, Good(), "impossible grid size"},
     {"HeightZero", {.height = 0}, Good(), "impossible grid size"},
@@ -117,7 +117,7 @@ const BadPcm kBadPcms[] = {
     {"CoverageTooShort", {}, With(1, {"COVR", 0, 1, ""}), "coverage has a wrong length"},
     {"CoverageTooLong", {}, With(1, {"COVR", 0, 1, Packed(std::uint16_t{1})}), "coverage has a wrong length"},
     {"CoverageEncoded", {}, With(1, {"COVR", 1, 1, Packed(std::uint8_t{1})}), "coverage has a wrong length"},
-    {"CoverageBehindTheGrid", {}, With(1, {"COVR", 0, 1, Packed(std::uint8_t{0b101})}), "coverage of no pixel"},
+    {"CoverageAfterTheLastPixel", {}, With(1, {"COVR", 0, 1, Packed(std::uint8_t{0b101})}), "coverage of no pixel"},
     {"FewerValuesThanCovered", {}, With(1, {"COVR", 0, 1, Packed(std::uint8_t{0b11})}), "a section has a wrong length"},
     {"MoreValuesThanCovered", {}, With(1, {"COVR", 0, 1, Packed(std::uint8_t{0})}), "a section has a wrong length"},
     {"DenseTooShort", {}, With(3, {"CONF", 0, 1, std::string(7, '\0')}), "a section has a wrong length"},
@@ -140,7 +140,7 @@ class PcmRefuses : public testing::TestWithParam<BadPcm> {};
 
 }  // namespace
 
-TEST_P(PcmRefuses, AndSaysWhy) {
+TEST_P(PcmRefuses, WithTheReasonOfTheBrokenRule) {
     try {
         (void)ReadPcm(Assemble(GetParam().head, GetParam().sections));
         FAIL() << "the file was accepted";
@@ -151,14 +151,14 @@ TEST_P(PcmRefuses, AndSaysWhy) {
 INSTANTIATE_TEST_SUITE_P(Structure, PcmRefuses, testing::ValuesIn(kBadPcms),
                          [](const auto& row) { return row.param.name; });
 
-TEST(PcmDamage, TheSectionsFromWhichTheBadOnesAreMadeAreGood) {
+TEST(PcmDamage, TheSectionsThatTheDamagedFilesAreMadeOfAreValid) {
     EXPECT_FALSE(IsRefused(Assemble({}, Good())));
     EXPECT_FALSE(IsRefused(Assemble({.width = 8, .height = 8}, Constant())));
 }
 
-TEST(PcmDamage, ASectionLongerThanTheFileIsRefusedAlsoWhenTheSumWraps) {
+TEST(PcmDamage, ASectionLongerThanTheFileIsRefusedWhenTheSumOfSizesWraps) {
     auto bytes = Assemble({}, Good());
-    // The sizes of the first two sections: together they wrap to what they were before.
+    // The sum of these sizes of the first two sections wraps to the former sum.
     const std::uint64_t sizes[] = {std::uint64_t{64} + 0x8000000000000000, std::uint64_t{1} + 0x8000000000000000};
     for (std::size_t i = 0; i < 2; ++i) std::memcpy(&bytes[32 + 24 * i + 8], &sizes[i], 8);
     const std::uint64_t checksum = XXH3_64bits(bytes.data(), 32 + 24 * 5);
@@ -167,8 +167,8 @@ TEST(PcmDamage, ASectionLongerThanTheFileIsRefusedAlsoWhenTheSumWraps) {
                 testing::ThrowsMessage<PcmError>(testing::StrEq("a section is longer than the file")));
 }
 
-// The limit is at 64 times the size, a remainder below 64 allowed; a pixel takes 17 bytes.
-TEST(PcmDamage, ProportionToTheFileIsCheckedJustAtTheLimit) {
+// The limit is 64 times the size of the file, plus a remainder of up to 63 bytes; a pixel has 17 bytes.
+TEST(PcmDamage, AGridIsRefusedJustAboveItsProportionToTheFile) {
     const std::uint64_t fileSize = Assemble({}, Constant()).size();
     ASSERT_EQ(fileSize, 32u + 4 * 24 + 8 + 64 + 12 + 4 + 1);
     const auto last = static_cast<std::uint32_t>((fileSize * 64 + 63) / 17);
@@ -176,7 +176,7 @@ TEST(PcmDamage, ProportionToTheFileIsCheckedJustAtTheLimit) {
     EXPECT_TRUE(IsRefused(Assemble({.width = last + 1, .height = 1}, Constant())));
 }
 
-TEST(PcmDamage, ATinyFileThatClaimsTheLargestGridTakesNoMemory) {
+TEST(PcmDamage, ATinyFileThatAnnouncesTheLargestGridAllocatesNoMemory) {
     rusage before{}, after{};
     getrusage(RUSAGE_SELF, &before);
     EXPECT_TRUE(IsRefused(Assemble({.width = 32767, .height = 32767}, Constant())));

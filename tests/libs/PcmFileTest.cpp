@@ -1,4 +1,5 @@
-// The pcm format: what is written comes back to the bit, in little space, laid out as the documentation says.
+// The pcm format: a measurement that is written and read is the same to the bit, the file is small, and its layout is
+// the documented one.
 #include "MSRDLL/PcmFile.h"
 
 #include <gmock/gmock.h>
@@ -30,7 +31,7 @@ std::vector<RawSection> TwoPixels() {
 
 }  // namespace
 
-TEST(PcmFile, AFileByHandReadsAsDocumented) {
+TEST(PcmFile, ReadsAFileThatWasAssembledByHand) {
     auto sections = TwoPixels();
     sections.push_back({"COLR", 2, 0, Packed(std::uint32_t{0xFF000000}, std::uint32_t{0xFF102030})});
     const PcmMeasurement got = ReadPcm(Assemble({}, sections));
@@ -48,7 +49,7 @@ TEST(PcmFile, AFileByHandReadsAsDocumented) {
     for (std::size_t i = 0; i < 16; ++i) EXPECT_EQ(got.m_fTrafo[i], static_cast<float>(i));
 }
 
-TEST(PcmFile, TheWriterLaysAFileOutAsDocumented) {
+TEST(PcmFile, IsWrittenInTheDocumentedLayout) {
     PcmSample sample(1, 2);
     sample.points = {1, 2, 3, 4, 5, 6};
     sample.confidence = {0.5f, 0.25f};
@@ -62,7 +63,7 @@ TEST(PcmFile, TheWriterLaysAFileOutAsDocumented) {
     EXPECT_EQ(WritePcm(sample.View()), expected);
 }
 
-TEST(PcmFile, EveryBitOfUnusualNumbersComesBack) {
+TEST(PcmFile, KeepsEveryBitOfNansZerosAndDenormals) {
     PcmSample sample(4, 1);
     sample.SetPoint(0, {0x7F800001, 0xFFC00ABC, 0x7FFFFFFF});  // signalling and quiet NaNs with payloads
     sample.SetPoint(1, {0x80000000, 0x00000001, 0x807FFFFF});  // negative zero, denormals
@@ -76,7 +77,7 @@ TEST(PcmFile, EveryBitOfUnusualNumbersComesBack) {
 using Shape = std::tuple<int, int, double, bool>;
 class PcmFileOfRandomBits : public testing::TestWithParam<Shape> {};
 
-TEST_P(PcmFileOfRandomBits, ComesBackToTheBit) {
+TEST_P(PcmFileOfRandomBits, IsReadToTheBit) {
     const auto [width, height, holes, withColors] = GetParam();
     const PcmSample sample = RandomSample(width, height, holes, withColors, 1);
     ExpectSame(ReadPcm(WritePcm(sample.View())), sample);
@@ -94,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Shapes, PcmFileOfRandomBits,
                                           testing::Values(0.0, 0.02, 0.3, 0.6, 0.97, 1.0), testing::Bool()),
                          ShapeName);
 
-TEST(PcmFile, HolesInLongRunsComeBackToTheBit) {
+TEST(PcmFile, WithHolesInLongRunsIsReadToTheBit) {
     PcmSample sample = RandomSample(640, 200, 0, true, 3);
     for (std::size_t i = 0; i < sample.Pixels(); ++i) {
         if ((i / 1000) % 3 != 1) continue;
@@ -106,7 +107,7 @@ TEST(PcmFile, HolesInLongRunsComeBackToTheBit) {
     ExpectSame(ReadPcm(WritePcm(sample.View())), sample);
 }
 
-TEST(PcmFile, HolesAreStoredOnce) {
+TEST(PcmFile, StoresTheValueOfHolesOnce) {
     PcmSample sample = RandomSample(100, 100, 0, false, 5);
     for (std::size_t i = 0; i < 4000; ++i) {
         sample.SetPoint(i, {0, 0, 0});
@@ -117,20 +118,20 @@ TEST(PcmFile, HolesAreStoredOnce) {
     EXPECT_EQ(WritePcm(sample.View()).size(), (32 + 5 * 24 + 8) + 64 + 1250 + 6001 * 17u);
 }
 
-TEST(PcmFile, AHoleWithAClassOfItsOwnKeepsIt) {
+TEST(PcmFile, KeepsTheClassOfAHoleThatDiffersFromTheOthers) {
     PcmSample sample = RandomSample(100, 100, 0.5, true, 5);
     for (std::size_t i = 0; i < sample.Pixels(); i += 3) sample.classification[i] = 250;
     ExpectSame(ReadPcm(WritePcm(sample.View())), sample);
 }
 
-TEST(PcmFile, AnEmptySceneCanBeWrittenAndReadAgain) {
-    const PcmSample sample(1000, 1000);  // all zero: out of proportion, were it stored as small as it could be
+TEST(PcmFile, OfAnEmptySceneIsReadAgain) {
+    const PcmSample sample(1000, 1000);  // all zero: the smallest encoding would be out of proportion to the grid
     const auto bytes = WritePcm(sample.View());
     EXPECT_GE(bytes.size() * kPcmMaxExpansion, 1000 * 1000 * 17u);
     ExpectSame(ReadPcm(bytes), sample);
 }
 
-TEST(PcmFile, TheLongestSidesAreAcceptedAndNoLonger) {
+TEST(PcmFile, AcceptsTheLongestSidesAndNoLongerOnes) {
     PcmSample longest(32767, 1);
     ExpectSame(ReadPcm(WritePcm(longest.View())), longest);
     PcmView view = longest.View();
@@ -142,7 +143,7 @@ TEST(PcmFile, TheLongestSidesAreAcceptedAndNoLonger) {
     EXPECT_THROW((void)WritePcm(view), PcmError);
 }
 
-TEST(PcmFile, AViewWithoutArraysIsNotWritten) {
+TEST(PcmFile, IsNotWrittenFromAViewWithoutArrays) {
     EXPECT_THROW((void)WritePcm(ViewOf(PcmMeasurement{})), PcmError);
     PcmSample sample(1, 1);
     PcmView view = sample.View();
@@ -150,7 +151,7 @@ TEST(PcmFile, AViewWithoutArraysIsNotWritten) {
     EXPECT_THROW((void)WritePcm(view), PcmError);
 }
 
-TEST(PcmFile, SectionsOfLaterVersionsSurvive) {
+TEST(PcmFile, KeepsSectionsOfLaterVersions) {
     auto sections = TwoPixels();
     sections.insert(sections.begin() + 1, {"note", 77, 0x8000, "somebody's remark"});
     sections.push_back({"note", 1, 0, ""});
@@ -158,7 +159,7 @@ TEST(PcmFile, SectionsOfLaterVersionsSurvive) {
     const PcmMeasurement again = ReadPcm(WritePcm(ViewOf(read)));
     ASSERT_EQ(again.m_vForeign.size(), 2u);
     const PcmForeignSection& note = again.m_vForeign[0];
-    EXPECT_EQ(note.m_uId, 0x65746F6Eu);  // "note" from the low byte up
+    EXPECT_EQ(note.m_uId, 0x65746F6Eu);  // "note", first character in the lowest byte
     EXPECT_EQ(note.m_uEncoding, 77);
     EXPECT_EQ(note.m_uFlags, 0x8000);
     EXPECT_EQ(std::memcmp(note.m_vBytes.data(), "somebody's remark", 17), 0);
@@ -167,10 +168,10 @@ TEST(PcmFile, SectionsOfLaterVersionsSurvive) {
     EXPECT_TRUE(again.m_vForeign[1].m_vBytes.empty());
 }
 
-TEST(PcmFile, AForeignSectionCannotPoseAsAKnownOne) {
+TEST(PcmFile, IsNotWrittenWithAForeignSectionThatReadersRefuse) {
     PcmSample sample(2, 2);
     sample.foreign.push_back({0x464E4F43, 0, 0, {}});  // "CONF"
     EXPECT_THROW((void)WritePcm(sample.View()), PcmError);
-    sample.foreign[0] = {0x65746F6E, 0, 1, {}};  // no reader of this version would take the file
+    sample.foreign[0] = {0x65746F6E, 0, 1, {}};  // flagged as needed: readers of this version would refuse the file
     EXPECT_THROW((void)WritePcm(sample.View()), PcmError);
 }

@@ -1,4 +1,4 @@
-// Measurements for tests of the pcm format, and an assembler of pcm files that shares nothing with the writer.
+// Measurements for tests of the pcm format, and an assembler of pcm files that shares no code with the writer.
 #pragma once
 #include <gtest/gtest.h>
 #include <xxhash.h>
@@ -15,7 +15,8 @@
 
 #include "MSRDLL/PcmFile.h"
 
-/// A grid in arrays of its own, as bits: a comparison of floats would not see what a NaN carries.
+/// A grid whose values are compared by their bits: a comparison of floats ignores the payload of NaNs and the sign of
+/// zero.
 struct PcmSample {
     int width = 0, height = 0;
     std::vector<float> points, confidence;
@@ -46,7 +47,7 @@ struct PcmSample {
     }
 };
 
-/// Random bits everywhere, NaNs among them; a share of the pixels are holes that look all the same.
+/// A grid of random bits, NaNs among them. A fraction of the pixels are holes, which all have the same values.
 inline PcmSample RandomSample(int width, int height, double holes, bool withColors, unsigned seed) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> share(0, 1);
@@ -66,7 +67,7 @@ inline PcmSample RandomSample(int width, int height, double holes, bool withColo
     return sample;
 }
 
-/// A few pixels with holes and colours, small enough to damage it at every byte.
+/// A grid with holes and colours that is small enough to be damaged at every byte.
 inline PcmSample SmallSample() { return RandomSample(8, 5, 0.4, true, 7); }
 
 template <class T>
@@ -87,7 +88,7 @@ inline void ExpectSame(const MsrStorage::PcmMeasurement& got, const PcmSample& e
     EXPECT_EQ(std::memcmp(got.m_fTrafo.data(), expected.trafo.data(), sizeof expected.trafo), 0);
 }
 
-/// One section of a file that is put together by hand.
+/// One section of a file that is assembled by hand.
 struct RawSection {
     std::string id;
     std::uint16_t encoding, flags;

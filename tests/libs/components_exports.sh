@@ -1,6 +1,6 @@
 #!/bin/sh
 # Usage: components_exports.sh libKV_Components.so
-# The library shows its three entries and nothing else.
+# The library exports its three entries and nothing else.
 export LC_ALL=C
 got=$(nm -D --defined-only -C "$1" | cut -d' ' -f3- | sort -u)
 want=$(sort -u <<'END'

@@ -1,4 +1,4 @@
-// What a test wants to know of a triangle mesh.
+// Properties of a triangle mesh: whether it is closed, and its volume.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace simulate {
 
 inline std::array<float, 3> KeyOf(Vec3 p) { return {p.x, p.y, p.z}; }
 
-/// How many directed edges have no partner that runs the other way; 0 for a closed surface.
+/// Number of directed edges without an edge in the opposite direction; 0 for a closed surface.
 inline int UnpairedEdges(const TriangleMesh& mesh) {
     std::map<std::pair<std::array<float, 3>, std::array<float, 3>>, int> balance;
     for (std::size_t i = 0; i < mesh.corners.size(); i += 3) {
@@ -26,7 +26,7 @@ inline int UnpairedEdges(const TriangleMesh& mesh) {
     return unpaired;
 }
 
-/// By the divergence theorem; positive when the triangles are anticlockwise from outside.
+/// Volume by the divergence theorem; positive when the triangles are counterclockwise seen from outside.
 inline double VolumeOf(const TriangleMesh& mesh) {
     double sixfold = 0;
     for (std::size_t i = 0; i < mesh.corners.size(); i += 3) {

@@ -1,4 +1,4 @@
-// Rays against triangles: the tree must find what a loop over all triangles finds, to the bit.
+// Rays against triangles: the tree must find the same hit as a loop over all triangles, to the bit.
 #include "simulate-scans/RayCaster.h"
 
 #include <gtest/gtest.h>
@@ -33,12 +33,12 @@ void ExpectSameHit(const TriangleMesh& mesh, const RayCaster& caster, const Ray&
     ASSERT_EQ(found.distance, expected.distance);
 }
 
-/// Sharp and soft, but small enough for the loop.
+/// Shapes with sharp edges and with smooth surfaces, small enough for the loop.
 TriangleMesh SmallBlob() {
     return StarShape(10, [](Vec3 d) { return d * (30.0f + 6.0f * d.x * d.y + 4.0f * d.z * d.z * d.z); });
 }
 
-class TheTreeFindsWhatTheLoopFinds : public testing::TestWithParam<const char*> {
+class RayCasterEqualsBruteForce : public testing::TestWithParam<const char*> {
 protected:
     const TriangleMesh m_mesh = GetParam() == std::string("blob") ? SmallBlob() : MakeShape(GetParam());
     const RayCaster m_caster{m_mesh};
@@ -53,7 +53,7 @@ protected:
     }
 };
 
-TEST_P(TheTreeFindsWhatTheLoopFinds, OnRandomRays) {
+TEST_P(RayCasterEqualsBruteForce, OnRandomRays) {
     int hits = 0;
     for (int i = 0; i < 2000; ++i) {
         const Ray ray{RandomPoint(90), RandomPoint(1)};
@@ -63,7 +63,7 @@ TEST_P(TheTreeFindsWhatTheLoopFinds, OnRandomRays) {
     EXPECT_GT(hits, 50);
 }
 
-TEST_P(TheTreeFindsWhatTheLoopFinds, OnRaysAlongTheAxes) {
+TEST_P(RayCasterEqualsBruteForce, OnRaysAlongTheAxes) {
     int hits = 0;
     for (int i = 0; i < 2000; ++i) {
         Ray ray{RandomPoint(35), {}};
@@ -77,9 +77,9 @@ TEST_P(TheTreeFindsWhatTheLoopFinds, OnRaysAlongTheAxes) {
     EXPECT_GT(hits, 300);
 }
 
-TEST_P(TheTreeFindsWhatTheLoopFinds, OnRaysAlongTheAxesThroughCorners) {
+TEST_P(RayCasterEqualsBruteForce, OnRaysAlongTheAxesThroughCorners) {
     for (int i = 0; i < 1500; ++i) {
-        Ray ray{RandomCorner(), {}};  // in the planes of boxes, where 0 meets infinity
+        Ray ray{RandomCorner(), {}};  // in the planes of boxes, where the slab test computes 0 times infinity
         const int axis = i % 3;
         (axis == 0 ? ray.origin.x : axis == 1 ? ray.origin.y : ray.origin.z) = 100;
         (axis == 0 ? ray.direction.x : axis == 1 ? ray.direction.y : ray.direction.z) = -1;
@@ -87,7 +87,7 @@ TEST_P(TheTreeFindsWhatTheLoopFinds, OnRaysAlongTheAxesThroughCorners) {
     }
 }
 
-TEST_P(TheTreeFindsWhatTheLoopFinds, OnRaysAtCornersAndEdges) {
+TEST_P(RayCasterEqualsBruteForce, OnRaysAtCornersAndEdges) {
     for (int i = 0; i < 1500; ++i) {
         const std::size_t triangle =
             std::uniform_int_distribution<std::size_t>(0, m_mesh.TriangleCount() - 1)(m_random);
@@ -98,11 +98,11 @@ TEST_P(TheTreeFindsWhatTheLoopFinds, OnRaysAtCornersAndEdges) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Shapes, TheTreeFindsWhatTheLoopFinds, testing::Values("blob", "bracket", "steps", "gear"),
+INSTANTIATE_TEST_SUITE_P(Shapes, RayCasterEqualsBruteForce, testing::Values("blob", "bracket", "steps", "gear"),
                          [](const auto& row) { return std::string(row.param); });
 
-TEST(RayCaster, NoRaySlipsOutOfAClosedObject) {
-    // From inside, at every corner and at the middle of every edge.
+TEST(RayCaster, EveryRayFromInsideHitsAClosedObject) {
+    // From inside, towards every corner and the midpoint of every edge.
     const TriangleMesh mesh = SmallBlob();
     const RayCaster caster(mesh);
     for (std::size_t i = 0; i < mesh.corners.size(); ++i) {
@@ -113,29 +113,30 @@ TEST(RayCaster, NoRaySlipsOutOfAClosedObject) {
     }
 }
 
-TEST(RayCaster, GivesDistanceTriangleAndNormal) {
+TEST(RayCaster, ReturnsDistanceTriangleAndNormal) {
     TriangleMesh mesh;
     mesh.AddTriangle({0, 0, -5}, {1, 0, -5}, {0, 1, -5});
     mesh.AddTriangle({0, 0, 2}, {1, 0, 2}, {0, 1, 2});
     const RayCaster caster(mesh);
     const Hit down = caster.Nearest({{0.25f, 0.25f, 10}, {0, 0, -2}});
     EXPECT_EQ(down.triangle, 1);
-    EXPECT_FLOAT_EQ(down.distance, 4);  // 8 mm, in lengths of 2
+    EXPECT_FLOAT_EQ(down.distance, 4);  // 8 mm in units of the direction, whose length is 2
     EXPECT_EQ(caster.Normal(1), (Vec3{0, 0, 1}));
     EXPECT_EQ(caster.Nearest({{0.25f, 0.25f, -10}, {0, 0, 1}}).triangle, 0);
     EXPECT_FALSE(caster.Nearest({{0.75f, 0.75f, 10}, {0, 0, -1}}).IsHit());
-    EXPECT_FALSE(caster.Nearest({{0.25f, 0.25f, 10}, {0, 0, 1}}).IsHit()) << "what lies behind is no hit";
+    EXPECT_FALSE(caster.Nearest({{0.25f, 0.25f, 10}, {0, 0, 1}}).IsHit())
+        << "the triangle is behind the origin of the ray";
 }
 
-TEST(RayCaster, TakesTheFirstOfTrianglesAtTheSameDistance) {
+TEST(RayCaster, ReturnsTheFirstOfTrianglesAtTheSameDistance) {
     TriangleMesh mesh;
     for (int i = 0; i < 40; ++i) mesh.AddTriangle({0, 0, 0}, {1, 0, 0}, {0, 1, 0});
     EXPECT_EQ(RayCaster(mesh).Nearest({{0.25f, 0.25f, 1}, {0, 0, -1}}).triangle, 0);
 }
 
-TEST(RayCaster, ARayThatPassesAnEdgeByLessThanAFloatCanTellMeetsTheNeighbourAlone) {
-    // The edge from b to c passes the ray at 2^-27; the products that tell the side differ by 2^-26 and round to the
-    // same float. a and d lie on its two sides.
+TEST(RayCaster, ARayCloserToAnEdgeThanFloatPrecisionHitsOneNeighbourOnly) {
+    // The distance between the edge from b to c and the ray is 2^-27. The products whose difference is the edge
+    // function differ by 2^-26 and round to the same float. a and d are on opposite sides of the edge.
     const float e = 0x1p-13f;
     const Vec3 b{-1, -(1 - e), -1}, c{1 + e, 1, -1}, a{0, 1, -1}, d{0, -1, -1};
     TriangleMesh mesh;
@@ -144,12 +145,12 @@ TEST(RayCaster, ARayThatPassesAnEdgeByLessThanAFloatCanTellMeetsTheNeighbourAlon
     EXPECT_EQ(RayCaster(mesh).Nearest({{0, 0, 0}, {0, 0, -1}}).triangle, 1);
 }
 
-TEST(RayCaster, AnEmptyMeshIsNeverHit) {
+TEST(RayCaster, NeverHitsAnEmptyMesh) {
     EXPECT_FALSE(RayCaster(TriangleMesh{}).Nearest({{0, 0, 1}, {0, 0, -1}}).IsHit());
     EXPECT_FALSE(RayCaster(TriangleMesh{}).Nearest({{0, 0, 1}, {1, 1, 1}}).IsHit());
 }
 
-TEST(RayCaster, HitsOfASphereAreWhereTheFormulaPutsThem) {
+TEST(RayCaster, HitsASphereAtTheDistanceOfTheFormula) {
     const TriangleMesh mesh = MakeShape("sphere");
     const RayCaster caster(mesh);
     std::mt19937 random(5);
@@ -157,10 +158,10 @@ TEST(RayCaster, HitsOfASphereAreWhereTheFormulaPutsThem) {
     for (int i = 0; i < 5000; ++i) {
         const float x = across(random), y = across(random);
         const float inside = kSphereRadius * kSphereRadius - x * x - y * y;
-        if (inside < 100) continue;  // grazing rays feel the flatness of the triangles
+        if (inside < 100) continue;  // at grazing incidence the facets differ too much from the sphere
         const Hit hit = caster.Nearest({{x, y, 200}, {0, 0, -1}});
         ASSERT_TRUE(hit.IsHit());
-        // A chord of the facets lies up to 0.005 mm below the sphere; at this slope that is 0.02 mm along the ray.
+        // The facets are up to 0.005 mm below the sphere; at this incidence that is 0.02 mm along the ray.
         ASSERT_NEAR(200 - hit.distance, std::sqrt(inside), 0.021f);
     }
 }

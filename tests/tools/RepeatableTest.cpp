@@ -1,4 +1,4 @@
-// Numbers that must be the same everywhere.
+// Sines and random numbers, which must be the same on every machine.
 #include "simulate-scans/Repeatable.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ TEST(RandomStream, DiffersBySeedScanAndPixel) {
     EXPECT_NE(base, RandomStream(1, 3, 2).Next());
 }
 
-TEST(RandomStream, UniformNumbersFillTheRangeEvenly) {
+TEST(RandomStream, UniformNumbersAreEvenlyDistributed) {
     constexpr int kCount = 100'000;
     int tenth[10] = {};
     for (int i = 0; i < kCount; ++i) {
@@ -59,7 +59,7 @@ TEST(RandomStream, GaussianNumbersHaveMeanZeroAndDeviationOne) {
     }
     EXPECT_NEAR(sum / kCount, 0, 5 / std::sqrt(kCount));
     EXPECT_NEAR(squares / kCount, 1, 5 * std::sqrt(2.0 / kCount));
-    EXPECT_NEAR(beyondOne / double{kCount}, 0.3173, 0.01);  // shares of the normal distribution
+    EXPECT_NEAR(beyondOne / double{kCount}, 0.3173, 0.01);  // fractions of the normal distribution
     EXPECT_NEAR(beyondTwo / double{kCount}, 0.0455, 0.005);
 }
 

@@ -1,4 +1,4 @@
-// simulate-scans as it is called: command line, files, exit status.
+// simulate-scans as its users call it: command line, files, exit status.
 #include "simulate-scans/Run.h"
 
 #include <gmock/gmock.h>
@@ -46,7 +46,7 @@ std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     return names;
 }
 
-TEST(Run, WritesOneFileAPoseAndTheDescription) {
+TEST(Run, WritesOneFilePerPoseAndTheDescription) {
     const ScratchFolder folder;
     const auto out = folder.Path() / "made" / "here";
     const Outcome outcome = Call({"--out", out.string(), "--scans", "3", "--size", "120x100", "--format", "xdt"});
@@ -58,7 +58,7 @@ TEST(Run, WritesOneFileAPoseAndTheDescription) {
     EXPECT_THAT(outcome.output, HasSubstr("Mray/s"));
 }
 
-TEST(Run, TheDescriptionTellsShapeSeedSettingsAndTheTransformsOfTheFiles) {
+TEST(Run, TheDescriptionHasShapeSeedSettingsAndTheTransformsOfTheFiles) {
     const ScratchFolder folder;
     const Outcome outcome =
         Call({"--out=" + folder.Path().string(), "--scans=2", "--size=100x100", "--format=pax", "--shape=torus",
@@ -116,7 +116,7 @@ TEST(Run, TheSameSeedGivesTheSameBytesOnOneThreadAndOnTwo) {
     }
 }
 
-TEST(Run, HelpAndVersionGoToTheOutputWhateverElseIsThere) {
+TEST(Run, PrintsHelpAndVersionWhateverTheOtherArguments) {
     const Outcome help = Call({"--nonsense", "--help"});
     EXPECT_EQ(help.status, 0);
     for (const char* option : {"--shape", "--scans", "--size", "--format", "--noise", "--dropout", "--colors", "--seed",
@@ -127,9 +127,9 @@ TEST(Run, HelpAndVersionGoToTheOutputWhateverElseIsThere) {
     EXPECT_THAT(version.output, testing::MatchesRegex("simulate-scans [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
-TEST(Run, AFolderThatCannotBeMadeIsAFailureInOneLine) {
+TEST(Run, FailsWithOneLineWhenTheFolderCannotBeCreated) {
     const ScratchFolder folder;
-    std::ofstream(folder.Path() / "file") << "in the way";
+    std::ofstream(folder.Path() / "file") << "a file where a folder is needed";
     const Outcome outcome = Call({"--out", (folder.Path() / "file" / "sub").string(), "--size", "100x100"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, testing::MatchesRegex("simulate-scans: .+\n"));

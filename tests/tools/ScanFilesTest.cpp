@@ -1,4 +1,4 @@
-// The files byte by byte, read back by hand.
+// The files byte by byte, parsed independently of the writer.
 #include "simulate-scans/ScanFiles.h"
 
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ float FloatAt(const std::vector<unsigned char>& bytes, std::size_t at) {
     return value;
 }
 
-/// 3 x 2 pixels; those in the second row, first and last, were not measured.
+/// 3 x 2 pixels. The first and the last pixel of the second row were not measured.
 ScanGrid SmallGrid() {
     ScanGrid grid;
     grid.width = 3;
@@ -43,7 +43,7 @@ ScanGrid SmallGrid() {
     return grid;
 }
 
-TEST(WriteScan, PaxHoldsSizePointsConfidenceAndTransformInMillimetres) {
+TEST(WriteScan, PaxHasSizePointsConfidenceAndTransformInMillimetres) {
     const ScratchFolder folder;
     WriteScan(folder.Path() / "a.pax", FileFormat::Pax, SmallGrid());
     const auto bytes = BytesOf(folder.Path() / "a.pax");
@@ -63,7 +63,7 @@ TEST(WriteScan, PaxHoldsSizePointsConfidenceAndTransformInMillimetres) {
     EXPECT_EQ(FloatAt(bytes, 100 + 15 * 4), 1);
 }
 
-TEST(WriteScan, XdtHoldsSizeAndWorldPointsInMicrometres) {
+TEST(WriteScan, XdtHasSizeAndWorldPointsInMicrometres) {
     const ScratchFolder folder;
     WriteScan(folder.Path() / "a.xdt", FileFormat::Xdt, SmallGrid());
     const auto bytes = BytesOf(folder.Path() / "a.xdt");
@@ -91,12 +91,12 @@ TEST(WriteScan, AMeasuredXdtPointIsNeverThreeEqualNegatives) {
     EXPECT_EQ(FloatAt(bytes, 12), std::nextafter(-2000.0f, 0.0f));
 }
 
-TEST(AvoidXdtHole, LeavesEveryOtherPointAlone) {
+TEST(AvoidXdtHole, DoesNotChangeOtherPoints) {
     for (const Vec3 point : {Vec3{0, 0, 0}, Vec3{1, 1, 1}, Vec3{-1, -1, -2}, Vec3{-2, -1, -1}, Vec3{-1, -2, -1}})
         EXPECT_EQ(AvoidXdtHole(point), point);
 }
 
-TEST(WriteScan, PcmHoldsEverythingInMicrometres) {
+TEST(WriteScan, PcmHasAllArraysInMicrometres) {
     const ScratchFolder folder;
     const ScanGrid original = SmallGrid();
     WriteScan(folder.Path() / "a.pcm", FileFormat::Pcm, SmallGrid());
@@ -112,7 +112,7 @@ TEST(WriteScan, PcmHoldsEverythingInMicrometres) {
     EXPECT_EQ(read.m_fTrafo, (Transform{0, -1, 0, 10'000, 1, 0, 0, 20'000, 0, 0, 1, 30'000, 0, 0, 0, 1}));
 }
 
-TEST(WriteScan, PcmHoldsColorsWhereThereAreSome) {
+TEST(WriteScan, PcmHasColorsWhereTheScanHasColors) {
     ScanGrid grid = SmallGrid();
     grid.colors = {0xFF010203, 0xFF040506, 0xFF070809, 0, 0xFF0A0B0C, 0};
     const auto colors = grid.colors;
@@ -123,7 +123,7 @@ TEST(WriteScan, PcmHoldsColorsWhereThereAreSome) {
     for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(read.m_pColors[i], colors[i]);
 }
 
-TEST(WriteScan, ReplacesAnOldFileAndLeavesNothingElseBehind) {
+TEST(WriteScan, ReplacesAnOldFileAndKeepsNoTemporaryFile) {
     const ScratchFolder folder;
     std::ofstream(folder.Path() / "a.xdt") << std::string(10'000, 'x');
     WriteScan(folder.Path() / "a.xdt", FileFormat::Xdt, SmallGrid());
@@ -132,7 +132,7 @@ TEST(WriteScan, ReplacesAnOldFileAndLeavesNothingElseBehind) {
     EXPECT_EQ(std::distance(begin(files), end(files)), 1);
 }
 
-TEST(WriteScan, ThrowsWhenTheFolderIsNotThere) {
+TEST(WriteScan, ThrowsWhenTheFolderDoesNotExist) {
     const ScratchFolder folder;
     for (const FileFormat format : {FileFormat::Pcm, FileFormat::Pax, FileFormat::Xdt})
         EXPECT_THROW(WriteScan(folder.Path() / "no" / "a", format, SmallGrid()), std::runtime_error);

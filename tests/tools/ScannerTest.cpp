@@ -1,4 +1,4 @@
-// What the scanner measures, checked against the sphere's formula and on single triangles.
+// The measurements of the scanner, compared with the formula of the sphere and with single triangles.
 #include "simulate-scans/Scanner.h"
 
 #include <gtest/gtest.h>
@@ -41,14 +41,14 @@ TEST(PosesAround, AreRigidAndLookAtTheOrigin) {
             for (const Vec3& axis : {x, y, z}) EXPECT_NEAR(Length(axis), 1, 1e-6);
             EXPECT_NEAR(Length(Cross(x, y) - z), 0, 1e-6);
             EXPECT_NEAR(Length(TransformPoint(pose, {0, 0, -400})), 0, 1e-3);
-            EXPECT_GT(y.y, 0) << "the picture stands upright";
+            EXPECT_GT(y.y, 0) << "the picture is upright";
             EXPECT_EQ(pose[12] + pose[13] + pose[14], 0);
             EXPECT_EQ(pose[15], 1);
         }
     }
 }
 
-TEST(PosesAround, TheFirstLooksAtTheFrontFromTwentyDegreesAbove) {
+TEST(PosesAround, BeginAtTheFrontFromTwentyDegreesAbove) {
     const Transform pose = PosesAround(6, 100).front();
     EXPECT_NEAR(pose[3], 0, 1e-4);
     EXPECT_NEAR(pose[7], 100 * std::sin(20 * std::numbers::pi / 180), 1e-3);
@@ -58,7 +58,7 @@ TEST(PosesAround, TheFirstLooksAtTheFrontFromTwentyDegreesAbove) {
 TEST(PosesAround, GoOnceAround) {
     const auto poses = PosesAround(4, 100);
     EXPECT_GT(poses[1][3], 80);    // from +x
-    EXPECT_LT(poses[2][11], -50);  // from behind
+    EXPECT_LT(poses[2][11], -50);  // from the back
     EXPECT_LT(poses[3][3], -80);   // from -x
 }
 
@@ -78,7 +78,7 @@ TEST(PixelRay, RowsGoDownAndColumnsRight) {
     }
 }
 
-TEST(MeasureFrom, PointsLieOnTheSphereInTheWorld) {
+TEST(MeasureFrom, PointsAreOnTheSphereInTheWorldFrame) {
     for (const bool parallel : {false, true}) {
         ScannerSettings settings = SphereSettings();
         settings.parallel = parallel;
@@ -95,8 +95,8 @@ TEST(MeasureFrom, PointsLieOnTheSphereInTheWorld) {
 
 TEST(MeasureFrom, TheObjectFillsThePicture) {
     const ScanGrid grid = MeasureFrom(Sphere(), PosesAround(1, 400)[0], SphereSettings(), 1, 1);
-    // The cone of the settings' radius, a twentieth more than the sphere's, just touches the edges: the surface that is
-    // seen at less than 75 degrees covers a disc of a little less than (1 / 1.05)^2 pi / 4 of a square of 120 pixels.
+    // The field of view is 5 % larger than the sphere. The surface that is seen at less than 75 degrees is a disc of a
+    // little less than (1 / 1.05)^2 pi / 4 of a square of 120 pixels.
     EXPECT_NEAR(static_cast<double>(grid.MeasuredCount()), 0.66 * 120 * 120, 0.03 * 120 * 120);
 }
 
@@ -121,10 +121,10 @@ TEST(MeasureFrom, APixelThatWasNotMeasuredIsZeroWithConfidenceMinusOneAndClass25
     }
     EXPECT_EQ(measured, grid.MeasuredCount());
     EXPECT_GT(measured, 1000u);
-    EXPECT_FALSE(grid.classes[0] < 240) << "the corner of the picture sees the background";
+    EXPECT_FALSE(grid.classes[0] < 240) << "the corner of the picture is background";
 }
 
-TEST(MeasureFrom, NoiseHasTheAskedDeviationAlongTheRayAlone) {
+TEST(MeasureFrom, NoiseHasTheRequestedDeviationAlongTheRayOnly) {
     ScannerSettings settings = SphereSettings();
     const Transform pose = PosesAround(1, 400)[0];
     const ScanGrid clean = MeasureFrom(Sphere(), pose, settings, 1, 1);
@@ -145,7 +145,7 @@ TEST(MeasureFrom, NoiseHasTheAskedDeviationAlongTheRayAlone) {
     EXPECT_NEAR(std::sqrt(squares / count), 0.25, 5 * 0.25 / std::sqrt(2 * count));
 }
 
-TEST(MeasureFrom, DropoutsTakeTheAskedShare) {
+TEST(MeasureFrom, DropoutsRemoveTheRequestedFraction) {
     ScannerSettings settings = SphereSettings();
     const Transform pose = PosesAround(1, 400)[0];
     const auto all = static_cast<double>(MeasureFrom(Sphere(), pose, settings, 1, 1).MeasuredCount());
@@ -157,7 +157,7 @@ TEST(MeasureFrom, DropoutsTakeTheAskedShare) {
     }
 }
 
-/// Cosine between the ray and the true sphere's normal.
+/// Cosine of the angle between the ray and the normal of the exact sphere.
 float CosineAt(Vec3 pointInSensor, Vec3 centreInSensor) {
     return -Dot(Unit(pointInSensor), Unit(pointInSensor - centreInSensor));
 }
@@ -171,7 +171,7 @@ TEST(MeasureFrom, ConfidenceFallsWithTheAngleOfIncidence) {
     for (std::size_t i = 0; i < grid.PixelCount(); ++i)
         if (grid.IsMeasured(i)) seen.push_back({CosineAt(PointOf(grid, i), {0, 0, -400}), grid.confidence[i]});
     std::sort(seen.begin(), seen.end(), [](const Seen& a, const Seen& b) { return a.cosine < b.cosine; });
-    // Facets turn the normal by up to 1 degree; every step of more than that must show.
+    // The normals of the facets differ by up to 1 degree from the sphere; larger differences must be visible.
     for (std::size_t i = 0; i < seen.size(); ++i) {
         const auto next = std::find_if(seen.begin() + static_cast<std::ptrdiff_t>(i), seen.end(),
                                        [&](const Seen& s) { return s.cosine > seen[i].cosine + 0.04f; });
@@ -182,8 +182,8 @@ TEST(MeasureFrom, ConfidenceFallsWithTheAngleOfIncidence) {
     EXPECT_GT(seen.back().confidence, 0.98f);
 }
 
-TEST(MeasureFrom, ConfidenceIsOneFaceToFaceAndZeroAtTheSteepestAngle) {
-    // One large triangle that leans by the given angle, seen by parallel rays.
+TEST(MeasureFrom, ConfidenceIsOneAtNormalIncidenceAndZeroAtTheLargestAngle) {
+    // One large triangle, inclined by the given angle, under parallel rays.
     const auto confidenceAt = [](double angleDeg) {
         const double angle = angleDeg * std::numbers::pi / 180;
         const auto c = static_cast<float>(std::cos(angle)), s = static_cast<float>(std::sin(angle));
@@ -205,12 +205,12 @@ TEST(MeasureFrom, ConfidenceIsOneFaceToFaceAndZeroAtTheSteepestAngle) {
 
 TEST(MeasureFrom, ASurfaceSeenFromBehindIsNotMeasured) {
     TriangleMesh mesh;
-    mesh.AddTriangle({-200, -200, 0}, {0, 400, 0}, {200, -200, 0});  // looks towards -z
+    mesh.AddTriangle({-200, -200, 0}, {0, 400, 0}, {200, -200, 0});  // its normal is along -z
     const Transform pose = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 400, 0, 0, 0, 1};
     EXPECT_EQ(MeasureFrom(RayCaster(mesh), pose, SphereSettings(), 1, 1).MeasuredCount(), 0u);
 }
 
-TEST(MeasureFrom, ClassesTellTheSidesOfTheObject) {
+TEST(MeasureFrom, ClassesAreTheSidesOfTheObject) {
     const Transform pose = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 400, 0, 0, 0, 1};
     const ScanGrid grid = MeasureFrom(Sphere(), pose, SphereSettings(), 1, 1);
     const auto classAt = [&](int column, int row) {

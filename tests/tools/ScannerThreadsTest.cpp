@@ -1,4 +1,4 @@
-// Several threads on one measurement.
+// One scan measured by several threads; for the thread sanitizer.
 #include <gtest/gtest.h>
 
 #include "simulate-scans/Scanner.h"
@@ -7,7 +7,7 @@
 namespace simulate {
 namespace {
 
-TEST(MeasureFrom, ThreadsPlayNoPartInTheResult) {
+TEST(MeasureFrom, TheResultDoesNotDependOnTheNumberOfThreads) {
     const RayCaster object(MakeShape("gear"));
     ScannerSettings settings;
     settings.width = 160;

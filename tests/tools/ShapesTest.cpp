@@ -1,4 +1,4 @@
-// The built-in objects: closed, outwards, of the right size.
+// The objects: closed, oriented outwards, of the documented size.
 #include "simulate-scans/Shapes.h"
 
 #include <gmock/gmock.h>
@@ -42,28 +42,28 @@ TEST_P(EveryShape, IsSixtyToAHundredMillimetresLargeAroundTheOrigin) {
 INSTANTIATE_TEST_SUITE_P(Shapes, EveryShape, testing::ValuesIn(ShapeNames()),
                          [](const auto& row) { return row.param; });
 
-TEST(Shapes, AreTheSixOfTheHelpText) {
+TEST(Shapes, AreTheSixNamesOfTheHelpText) {
     EXPECT_THAT(ShapeNames(), testing::ElementsAre("bust", "bracket", "gear", "sphere", "steps", "torus"));
 }
 
 TEST(Shapes, AnUnknownNameGivesAnEmptyMesh) { EXPECT_EQ(MakeShape("teapot").TriangleCount(), 0u); }
 
-TEST(Shapes, VolumesAreThoseOfTheFormulas) {
+TEST(Shapes, HaveTheVolumesOfTheFormulas) {
     EXPECT_NEAR(VolumeOf(MakeShape("sphere")), 4.0 / 3 * kPi * 40 * 40 * 40, 100);
     EXPECT_NEAR(VolumeOf(MakeShape("torus")), 2 * kPi * kPi * 32 * 14 * 14, 200);
-    // Plates 72 x 8 x 36 and 8 x 48 x 36, less the holes, whose circles are polygons of 64 corners.
+    // Plates of 72 x 8 x 36 and 8 x 48 x 36 mm, minus the holes, which are polygons of 64 corners.
     const double polygon = 32 * std::sin(2 * kPi / 64);
     EXPECT_NEAR(VolumeOf(MakeShape("bracket")), 72 * 8 * 36 + 8 * 48 * 36 - 8 * polygon * (2 * 9 * 9 + 12 * 12), 1);
-    // 15 columns of 16 x 20 mm with 83 layers of 5 mm in all.
+    // 15 columns of 16 x 20 mm with 83 layers of 5 mm in total.
     EXPECT_NEAR(VolumeOf(MakeShape("steps")), (15 + 28 + 40) * 5.0 * 16 * 20, 1);
 }
 
-TEST(Shapes, SphereCornersLieOnTheSphere) {
+TEST(Shapes, CornersOfTheSphereAreOnTheSphere) {
     for (const Vec3& corner : MakeShape("sphere").corners)
         ASSERT_NEAR(Length(corner), kSphereRadius, 1e-5f * kSphereRadius);
 }
 
-TEST(MeshOf, ABlockAloneIsABoxOfTwelveTriangles) {
+TEST(MeshOf, ASingleBlockIsABoxOfTwelveTriangles) {
     BlockGrid grid;
     grid.breaks = {{{0, 1}, {0, 2}, {0, 3}}};
     grid.blockAt = [](int, int, int) { return Block{true}; };
