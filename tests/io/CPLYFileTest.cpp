@@ -1,3 +1,4 @@
+// The header of ply files: grammar, errors with their positions, line ends.
 #include "io/CPLYFile.h"
 
 #include <gtest/gtest.h>
@@ -57,7 +58,7 @@ TEST(PlyHeader, HasCountsByName) {
     EXPECT_FALSE(file.GetElement("face").HasProperty("x"));
 }
 
-TEST(PlyHeader, PassesInAnyCaseExceptTheVersion) {
+TEST(PlyHeader, IsAcceptedInAnyCase) {
     CPLYFile file;
     Read(file,
          "PlY\nFORMAT Binary_Little_Endian 1.0\nELEMENT Vertex 0\nPROPERTY FLOAT RED\nCOMMENT Hi\nproperty List "
@@ -69,7 +70,7 @@ TEST(PlyHeader, PassesInAnyCaseExceptTheVersion) {
     EXPECT_EQ(file.m_vComments, std::vector<std::string>{" Hi"});
 }
 
-TEST(PlyHeader, TakesCommentsBetweenAnyTokensOfItsBody) {
+TEST(PlyHeader, CanHaveCommentsBetweenAnyTokensOfItsBody) {
     CPLYFile file;
     Read(file,
          std::string(kAsciiStart) +
@@ -165,7 +166,7 @@ TEST_P(PlyHeaderRejects, AndSaysWhyAndWhere) {
 INSTANTIATE_TEST_SUITE_P(Ply, PlyHeaderRejects, testing::ValuesIn(kBadHeaders),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(PlyHeader, OfAFileThatCannotBeReadLacksTheMagic) {
+TEST(PlyHeader, HasNoMagicWhenTheFileCannotBeRead) {
     const ScratchFolder folder;
     for (const std::string& path : {folder / "missing.ply", folder / ""}) {  // nothing there; a folder
         std::ifstream stream(path, std::ios::binary);
@@ -221,7 +222,7 @@ const LineEnds kLineEnds[] = {
 };
 class PlyLineEnds : public testing::TestWithParam<LineEnds> {};
 
-TEST_P(PlyLineEnds, PutTheDataBehindTheHeader) {
+TEST_P(PlyLineEnds, DecideWhereTheDataStarts) {
     CPLYFile file;
     Read(file, GetParam().header + (GetParam().data.empty() ? "" : "DATA"));
     ASSERT_NE(file.m_pDataSection, nullptr);
@@ -230,7 +231,7 @@ TEST_P(PlyLineEnds, PutTheDataBehindTheHeader) {
 INSTANTIATE_TEST_SUITE_P(Ply, PlyLineEnds, testing::ValuesIn(kLineEnds),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(PlyHeader, IsReadFromWhereTheStreamStandsButItsLineEndsFromTheStart) {
+TEST(PlyHeader, IsReadFromTheStreamsPositionButItsLineEndsFromTheStart) {
     std::istringstream stream("abc\r\n" + kLines + "DATA");
     stream.seekg(5);
     CPLYFile file;
@@ -247,14 +248,14 @@ TEST(PlyHeader, IsReadFromWhereTheStreamStandsButItsLineEndsFromTheStart) {
     }
 }
 
-TEST(PlyHeader, EndsAtTheLastByteOfTheFile) {
+TEST(PlyHeader, CanEndWithTheFile) {
     CPLYFile file;
     Read(file, std::string(kBinaryStart) + "element v 0 end_header");
     ASSERT_NE(file.m_pDataSection, nullptr);
     EXPECT_EQ(file.m_pDataSection->m_sData, "");
 }
 
-TEST(PlyFile, ReadsDataLargerThanAnyPieceItIsReadIn) {
+TEST(PlyFile, ReadsDataLargerThanAReadBuffer) {
     std::string data(1'000'003, ' ');
     for (std::size_t i = 0; i < data.size(); ++i) data[i] = static_cast<char>(i * i % 251);
     CPLYFile file;
@@ -262,7 +263,7 @@ TEST(PlyFile, ReadsDataLargerThanAnyPieceItIsReadIn) {
     EXPECT_EQ(file.m_pDataSection->m_sData, data);
 }
 
-TEST(PlyFile, StaysWhereItIsForItsDataPointsAtIt) {
+TEST(PlyFile, CannotBeCopiedOrMoved) {
     EXPECT_FALSE(std::is_move_constructible_v<CPLYFile>);
     EXPECT_FALSE(std::is_move_assignable_v<CPLYFile>);
 }

@@ -55,7 +55,7 @@ Bytes Cut(Bytes bytes, std::size_t size) {
 
 }  // namespace
 
-TEST(ReadPax, TakesPointsConfidenceAndTransformInFileUnits) {
+TEST(ReadPax, ReadsPointsConfidenceAndTransformInFileUnits) {
     const MeasurementGrid grid = ReadPax(SmallPax());
     EXPECT_EQ(grid.m_iWidth, 2);
     EXPECT_EQ(grid.m_iHeight, 1);
@@ -65,7 +65,7 @@ TEST(ReadPax, TakesPointsConfidenceAndTransformInFileUnits) {
                 ElementsAre(100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 115));
 }
 
-TEST(ReadXdt, TakesPointsAndNothingElse) {
+TEST(ReadXdt, ReadsPointsAndNothingElse) {
     const MeasurementGrid grid = ReadXdt(SmallXdt());
     EXPECT_EQ(grid.m_iWidth, 2);
     EXPECT_EQ(grid.m_iHeight, 1);
@@ -74,13 +74,13 @@ TEST(ReadXdt, TakesPointsAndNothingElse) {
     EXPECT_THAT(grid.m_fTrafo, Each(0.0f));
 }
 
-TEST(ReadPax, TheFirstNumberIsTheWidth) {
+TEST(ReadPax, ReadsTheWidthBeforeTheHeight) {
     const MeasurementGrid grid = ReadPax(Size(1, 2) + Counting(24, 0));
     EXPECT_EQ(grid.m_iWidth, 1);
     EXPECT_EQ(grid.m_iHeight, 2);
 }
 
-TEST(ReadPax, AShortFileLeavesZerosWhereItEnds) {
+TEST(ReadPax, ReadsMissingValuesOfAShortFileAsZero) {
     const MeasurementGrid noTrafo = ReadPax(Size(2, 1) + Counting(6, 1) + Counting(2, 10));
     EXPECT_THAT(Values(noTrafo.m_vConfidence), ElementsAre(10, 11));
     EXPECT_THAT(noTrafo.m_fTrafo, Each(0.0f));
@@ -92,26 +92,26 @@ TEST(ReadPax, AShortFileLeavesZerosWhereItEnds) {
     EXPECT_THAT(Values(halfThePoints.m_vPoints), ElementsAre(1, 2, 3, 0, 0, 0));
 }
 
-TEST(ReadXdt, HalfANumberAtTheEndIsNone) {
+TEST(ReadXdt, IgnoresAPartOfANumberAtTheEnd) {
     for (std::size_t size = 4 + 12; size < 4 + 16; ++size) {
         EXPECT_THAT(Values(ReadXdt(Cut(SmallXdt(), size)).m_vPoints), ElementsAre(1, 2, 3, 0, 0, 0)) << size;
     }
 }
 
 // 2 x 1 pixels are 32 bytes in pax and 24 in xdt, a quarter 8 and 6; the transform of a pax file does not count.
-TEST(ReadPax, LessThanAQuarterOfTheGridIsRefused) {
+TEST(ReadPax, RefusesLessThanAQuarterOfTheGrid) {
     EXPECT_THAT(Values(ReadPax(Cut(SmallPax(), 4 + 8)).m_vPoints), ElementsAre(1, 2, 0, 0, 0, 0));
     EXPECT_THAT([] { (void)ReadPax(Cut(SmallPax(), 4 + 7)); },
                 testing::ThrowsMessage<MeasurementReadError>(
                     testing::StrEq("holds less than a quarter of the grid that it announces")));
 }
 
-TEST(ReadXdt, LessThanAQuarterOfTheGridIsRefused) {
+TEST(ReadXdt, RefusesLessThanAQuarterOfTheGrid) {
     EXPECT_THAT(Values(ReadXdt(Cut(SmallXdt(), 4 + 6)).m_vPoints), ElementsAre(1, 0, 0, 0, 0, 0));
     EXPECT_THROW((void)ReadXdt(Cut(SmallXdt(), 4 + 5)), MeasurementReadError);
 }
 
-TEST(ReadXdt, BytesBehindTheGridAreIgnored) {
+TEST(ReadXdt, IgnoresBytesAfterTheGrid) {
     EXPECT_THAT(Values(ReadXdt(SmallXdt() + Counting(9, 50)).m_vPoints), ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
@@ -143,7 +143,7 @@ TEST_P(GridIsRefused, AndSaysWhy) {
 INSTANTIATE_TEST_SUITE_P(Grid, GridIsRefused, testing::ValuesIn(kBadGrids),
                          [](const auto& row) { return row.param.name; });
 
-TEST(ReadPax, AGridWithoutPixelsIsEmptyAndNoError) {
+TEST(ReadPax, ReadsAGridWithoutPixelsAsAnEmptyOne) {
     for (const auto& [width, height] : {std::pair{0, 0}, {0, 5}, {5, 0}, {32767, 0}}) {
         const Bytes bytes = Size(static_cast<std::int16_t>(width), static_cast<std::int16_t>(height));
         for (const MeasurementGrid& grid : {ReadPax(bytes), ReadXdt(bytes)}) {
@@ -164,7 +164,7 @@ protected:
 
 }  // namespace
 
-TEST_P(GridFiles, AFileReadsLikeItsBytes) {
+TEST_P(GridFiles, ReadsAFileLikeItsBytes) {
     const bool isPax = GetParam() == &ReadPaxFile;
     for (const std::size_t size : {10u, 16u, 17u, 28u, 36u, 50u, 100u, 200u}) {
         const Bytes bytes = Cut(isPax ? SmallPax() : SmallXdt(), size);
@@ -179,7 +179,7 @@ TEST_P(GridFiles, AFileReadsLikeItsBytes) {
     }
 }
 
-TEST_P(GridFiles, ANameThatIsNoUtf8IsFound) {
+TEST_P(GridFiles, OpensAFileWhoseNameIsNotUtf8) {
     const std::string odd = folder / "gr\xFFid\xE2\x82";
     WriteBytes(odd, SmallPax());
     EXPECT_EQ(GetParam()(WidePath(odd)).m_iWidth, 2);
@@ -188,7 +188,7 @@ TEST_P(GridFiles, ANameThatIsNoUtf8IsFound) {
     EXPECT_EQ(GetParam()(WidePath(greek)).m_iWidth, 2);
 }
 
-TEST_P(GridFiles, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
+TEST_P(GridFiles, RefusesSpecialFilesWithoutWaiting) {
     const std::string pipe = folder / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     for (const std::string& path : {pipe, folder / "", std::string("/dev/zero")}) {
@@ -197,7 +197,7 @@ TEST_P(GridFiles, WhatIsNoRegularFileIsRefusedWithoutWaiting) {
     }
 }
 
-TEST_P(GridFiles, AMissingFileIsRefusedWithTheSystemsReason) {
+TEST_P(GridFiles, RefusesAMissingFileWithTheSystemsReason) {
     EXPECT_THAT([&] { (void)GetParam()(WidePath(folder / "missing")); },
                 testing::ThrowsMessage<MeasurementReadError>(testing::StartsWith("cannot be opened: ")));
 }

@@ -1,4 +1,4 @@
-// What the control makes of an hps file and what it gives into one, against a component library that the test scripts.
+// The control's import and export of hps files, with a component library whose answers are set by the test.
 #include <GL/glew.h>
 #include <gmock/gmock.h>
 
@@ -82,7 +82,7 @@ TEST_F(ImportHps, GivesTheObjectTheFilesVerticesAndTriangles) {
     EXPECT_THAT(Last().m_vTriangles[1].v, ElementsAre(2, 3, 0));
 }
 
-TEST_F(ImportHps, IsChosenByTheExtensionUnderTheWaitCursorAndLeavesTheWindowAsItIs) {
+TEST_F(ImportHps, ShowsTheWaitCursorAndRequestsNoRepaint) {
     c->ImportMesh(L"/scans/a.HpS");
     EXPECT_EQ(c->GetNumObjects(), 1);
     EXPECT_EQ(c.window->waitCursorsBegun, 1);
@@ -90,7 +90,7 @@ TEST_F(ImportHps, IsChosenByTheExtensionUnderTheWaitCursorAndLeavesTheWindowAsIt
     EXPECT_EQ(c.window->refreshes + c.window->invalidates + c.window->eraseInvalidates, 0);
 }
 
-TEST_F(ImportHps, AddsAnEmptyObjectForAFileOfNothing) {
+TEST_F(ImportHps, AddsAnEmptyObjectForAFileWithoutVertices) {
     library.positions.clear();
     library.normals.clear();
     library.indices.clear();
@@ -99,7 +99,7 @@ TEST_F(ImportHps, AddsAnEmptyObjectForAFileOfNothing) {
     EXPECT_EQ(Last().m_fBoundingBox[0], 0.99f);
 }
 
-TEST_F(ImportHps, AppendsBehindTheObjectsThatAreThere) {
+TEST_F(ImportHps, AppendsAfterTheExistingObjects) {
     const Mesh& first = AddMesh(*c, {}, {});
     c->ImportHps(kPath);
     c->ImportHps(kPath);
@@ -109,7 +109,7 @@ TEST_F(ImportHps, AppendsBehindTheObjectsThatAreThere) {
 
 // ---- import that adds nothing
 
-TEST_F(ImportHps, SaysInOneLineWhyAFileIsRefused) {
+TEST_F(ImportHps, ReportsTheReasonOfARefusedFileInOneLine) {
     library.answers["reader.open"] = -1;
     library.lastError = 3;
     EXPECT_EQ(c->ImportHps(kPath), -1);
@@ -117,7 +117,7 @@ TEST_F(ImportHps, SaysInOneLineWhyAFileIsRefused) {
     EXPECT_EQ(c.debugOutput.Text(), "ImportHps(): /scans/caf\xC3\xA9.hps: Invalid file.\n");
 }
 
-TEST_F(ImportHps, NamesTheFirstTriangleThatRefersToNoVertex) {
+TEST_F(ImportHps, NamesTheFirstTriangleThatRefersToAMissingVertex) {
     library.indices = {0, 1, 2, 0, 4, 1, 9, 9, 9};
     EXPECT_EQ(c->ImportHps(kPath), -1);
     EXPECT_EQ(c->GetNumObjects(), 0);
@@ -125,14 +125,14 @@ TEST_F(ImportHps, NamesTheFirstTriangleThatRefersToNoVertex) {
               "ImportHps(): /scans/caf\xC3\xA9.hps: Invalid facet data. Triangle 1 refers to vertex 4 of 4.\n");
 }
 
-TEST_F(ImportHps, TellsNothingToTheCallerOfImportMeshButTheLine) {
+TEST_F(ImportHps, ReportsARefusedFileInTheDebuggerOutputOnly) {
     library.answers["reader.mesh"] = -1;
     EXPECT_NO_THROW(c->ImportMesh(kPath));
     EXPECT_EQ(c->GetNumObjects(), 0);
     EXPECT_THAT(c.debugOutput.Text(), EndsWith(": Can't decode HPS mesh file.\n"));
 }
 
-TEST_F(ImportHps, SaysSomethingAboutAnErrorThatHasNoText) {
+TEST_F(ImportHps, ReportsAnErrorWithoutATextToo) {
     library.answers["reader.open"] = -1;
     library.lastError = 99;
     EXPECT_EQ(c->ImportHps(kPath), -1);
@@ -170,7 +170,7 @@ TEST_F(TexturedHps, KeepTextureCoordinatesAndTheImageFile) {
     EXPECT_THAT(Last().m_pTexture->m_vImageBytes, ElementsAre('p', 'n', 'g'));
 }
 
-TEST_F(TexturedHps, GiveThePixelsToAnImageObjectAndToTheGpu) {
+TEST_F(TexturedHps, PassThePixelsToAnImageObjectAndTheGpu) {
     library.AddTexture();
     c->ImportHps(kPath);
     ASSERT_EQ(c->GetNumObjects(), 1);
@@ -195,7 +195,7 @@ TEST_F(TexturedHps, MakeTheTextureInTheControlsOwnContext) {
     EXPECT_EQ(Last().m_pTexture->m_hContext, c.window->ContextHandle());
 }
 
-TEST_F(TexturedHps, ThatTheImageObjectRefusesThrowItsStatusTextAndAddNothing) {
+TEST_F(TexturedHps, ThrowTheStatusTextWhenTheImageObjectRefusesThem) {
     for (const auto& [operation, status, text] :
          {std::tuple{"image.setSize", -4, "an invalid argument was passed to an interface method"},
           std::tuple{"image.writePixels", -2, "an exception occurred"}}) {
@@ -203,7 +203,7 @@ TEST_F(TexturedHps, ThatTheImageObjectRefusesThrowItsStatusTextAndAddNothing) {
         library.answers = {{operation, status}};
         try {
             c->ImportMesh(kPath);
-            ADD_FAILURE() << operation << " was not missed";
+            ADD_FAILURE() << operation << " is not called or its failure is ignored";
         } catch (const std::runtime_error& error) {
             EXPECT_STREQ(error.what(), text);
         }
@@ -263,7 +263,7 @@ TEST_F(ExportHps, FailsAtTheFirstObjectWithoutARegistry) {
 
 // ---- the source application
 
-TEST_F(ExportHps, PassesTwoEmptyStringsWhenNobodySetASourceApplication) {
+TEST_F(ExportHps, PassesTwoEmptyStringsWithoutASourceApplication) {
     AddMesh(*c, {{}}, {});
     library.application = library.version = "former";
     c->ExportHps(0, kPath);

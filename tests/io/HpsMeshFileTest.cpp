@@ -1,5 +1,5 @@
-// Reading of hps files against a component library that the test scripts: what is asked in which order, what comes out,
-// and what happens to a file that does not hold together.
+// Reading of hps files with a component library whose answers are set by the test: order of the calls, result, and
+// files whose parts contradict each other.
 #include "io/HpsMeshFile.h"
 
 #include <gmock/gmock.h>
@@ -26,7 +26,7 @@ void EnterTriangle(FakeComponents& library) {
     library.indices = {2, 0, 1};
 }
 
-/// A texture of 2 x 2 pixels; one pair a vertex.
+/// A texture of 2 x 2 pixels; one pair per vertex.
 void EnterTexture(FakeComponents& library) {
     library.uvBlock = {1, 2, 3, 4, 5};
     library.pairsOfVertex = {1, 1, 1};
@@ -51,7 +51,7 @@ std::vector<std::int32_t> IndicesOf(const HpsData& data) {
 
 // ---- the texts
 
-TEST(GetHpsErrorText, HasOneTextACode) {
+TEST(GetHpsErrorText, HasOneTextPerCode) {
     const struct {
         std::int32_t code;
         const char* text;
@@ -72,7 +72,7 @@ TEST(GetHpsErrorText, HasOneTextACode) {
 
 // ---- the way of a good file
 
-TEST(ReadHpsFile, AsksForAnUntexturedMeshInThisOrder) {
+TEST(ReadHpsFile, CallsTheLibraryInThisOrderForAnUntexturedMesh) {
     FakeComponents library;
     EnterTriangle(library);
     (void)ReadHpsFile(kPath);
@@ -84,7 +84,7 @@ TEST(ReadHpsFile, AsksForAnUntexturedMeshInThisOrder) {
                             "reader gone"));
 }
 
-TEST(ReadHpsFile, AsksForATexturedMeshInThisOrder) {
+TEST(ReadHpsFile, CallsTheLibraryInThisOrderForATexturedMesh) {
     FakeComponents library;
     EnterTriangle(library);
     EnterTexture(library);
@@ -102,7 +102,7 @@ TEST(ReadHpsFile, AsksForATexturedMeshInThisOrder) {
                     "reader gone"));
 }
 
-TEST(ReadHpsFile, GivesPositionsAndNormalsWhiteAndOffTheGrid) {
+TEST(ReadHpsFile, GivesWhiteVerticesWithPositionsAndNormals) {
     FakeComponents library;
     EnterTriangle(library);
     const HpsData data = ReadHpsFile(kPath);
@@ -125,7 +125,7 @@ TEST(ReadHpsFile, GivesIndicesWithZeroTextureCoordinatesWhereThereIsNoTexture) {
     EXPECT_THAT(data.m_vImageBytes, IsEmpty());
 }
 
-TEST(ReadHpsFile, ReadsAMeshOfNothing) {
+TEST(ReadHpsFile, ReadsAMeshWithoutVertices) {
     FakeComponents library;
     const HpsData data = ReadHpsFile(kPath);
     EXPECT_THAT(data.m_vVertices, IsEmpty());
@@ -159,7 +159,7 @@ TEST(ReadHpsFile, FlipsTheImageOfOrientationsOneAndThreeAlone) {
     }
 }
 
-TEST(ReadHpsFile, DecodesTheCoordinatesOfAnImageOfNoSizeAndUsesNone) {
+TEST(ReadHpsFile, DecodesButDoesNotUseTheCoordinatesOfAnEmptyImage) {
     FakeComponents library;
     EnterTriangle(library);
     EnterTexture(library);
@@ -173,7 +173,7 @@ TEST(ReadHpsFile, DecodesTheCoordinatesOfAnImageOfNoSizeAndUsesNone) {
 
 // ---- texture coordinates
 
-TEST(ReadHpsFile, GivesEachVertexItsOwnPairsInOrder) {
+TEST(ReadHpsFile, GivesTheTrianglesOfAVertexItsPairsInOrder) {
     FakeComponents library;
     EnterTriangle(library);
     EnterTexture(library);
@@ -183,8 +183,8 @@ TEST(ReadHpsFile, GivesEachVertexItsOwnPairsInOrder) {
     using Pair = std::array<float, 2>;
     EXPECT_THAT(PairsOf(ReadHpsFile(kPath)),
                 ElementsAre(Pair{0, 0}, Pair{10, 1}, Pair{20, 2},    //
-                            Pair{0, 0}, Pair{11, 1}, Pair{21, 2},    // the second of each; vertex 0 begins again
-                            Pair{20, 2}, Pair{12, 1}, Pair{0, 0}));  // vertex 2 begins again
+                            Pair{0, 0}, Pair{11, 1}, Pair{21, 2},    // the second of each; vertex 0 starts over
+                            Pair{20, 2}, Pair{12, 1}, Pair{0, 0}));  // vertex 2 starts over
 }
 
 TEST(ReadHpsFile, CountsEveryCornerOfOneTriangle) {
@@ -199,8 +199,8 @@ TEST(ReadHpsFile, CountsEveryCornerOfOneTriangle) {
                                                          Pair{3, 4}, Pair{1, 2}, Pair{3, 4}));
 }
 
-TEST(ReadHpsFile, TakesThePairOfTheUseCountModuloTheNumberOfPairs) {
-    // 700 triangles of vertices with 1 to 255 pairs, against the rule as it is told
+TEST(ReadHpsFile, StartsOverAfterTheLastPairOfAVertex) {
+    // 700 triangles of vertices with 1 to 255 pairs, compared with the rule: use count modulo number of pairs
     FakeComponents library;
     EnterTexture(library);
     constexpr std::size_t kVertices = 255;
@@ -231,7 +231,7 @@ TEST(ReadHpsFile, TakesThePairOfTheUseCountModuloTheNumberOfPairs) {
     EXPECT_EQ(PairsOf(ReadHpsFile(kPath)), expected);
 }
 
-TEST(ReadHpsFile, TakesAVertexWithoutCoordinatesThatNoTriangleUses) {
+TEST(ReadHpsFile, AcceptsAnUnusedVertexWithoutTextureCoordinates) {
     FakeComponents library;
     EnterTriangle(library);
     EnterTexture(library);
@@ -241,7 +241,7 @@ TEST(ReadHpsFile, TakesAVertexWithoutCoordinatesThatNoTriangleUses) {
     EXPECT_EQ(ReadHpsFile(kPath).m_vFaces.size(), 1u);
 }
 
-TEST(ReadHpsFile, LeavesPairsThatNoVertexHas) {
+TEST(ReadHpsFile, IgnoresPairsThatNoVertexHas) {
     FakeComponents library;
     EnterTriangle(library);
     EnterTexture(library);
@@ -259,7 +259,7 @@ struct Refusal {
 };
 void PrintTo(const Refusal& row, std::ostream* out) { *out << row.name; }
 
-/// The mesh operation fails, though the reader tells no error.
+/// The mesh operation fails, but the reader has no error code.
 Refusal Failing(const char* name, const char* operation, const char* reason) {
     return {name, [operation](FakeComponents& library) { library.answers[operation] = -1; }, reason};
 }
@@ -267,7 +267,7 @@ Refusal Failing(const char* name, const char* operation, const char* reason) {
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min(), kMax = std::numeric_limits<std::int32_t>::max();
 
 const Refusal kRefusals[] = {
-    // told by the reader when it opens the file
+    // reported by the reader when it opens the file
     {"FileNotFound", [](auto& l) { l.answers["reader.open"] = -1, l.lastError = 1; }, "File not found."},
     {"UnreadableFile", [](auto& l) { l.answers["reader.open"] = -1, l.lastError = 2; }, "Can't read file."},
     {"InvalidFile", [](auto& l) { l.answers["reader.open"] = 0, l.lastError = 3; }, "Invalid file."},
@@ -284,7 +284,7 @@ const Refusal kRefusals[] = {
     {"InvalidFacetDataWithIndicesThatCannotBeHad",
      [](auto& l) { l.answers["reader.open"] = l.answers["mesh.readIndices"] = -1, l.lastError = 5; },
      "Invalid facet data."},
-    // told by the reader when it gives the texture
+    // reported by the reader when it returns the texture
     {"UvBlockWithReason", [](auto& l) { l.answers["reader.uvBlock"] = -1, l.lastError = 6; }, "Invalid UV data."},
     {"ImageWithReason", [](auto& l) { l.answers["reader.image"] = -1, l.lastError = 7; }, "Invalid texture data."},
     {"NullImage", [](auto& l) { l.nulls.insert("reader.image"); }, "Invalid texture data."},
@@ -367,7 +367,7 @@ const Refusal kRefusals[] = {
 
 class ReadHpsFileRefuses : public testing::TestWithParam<Refusal> {};
 
-TEST_P(ReadHpsFileRefuses, SaysWhyAndReleasesEverything) {
+TEST_P(ReadHpsFileRefuses, WithAReasonAndReleasesEverything) {
     FakeComponents library;
     EnterTriangle(library);
     EnterTexture(library);
@@ -380,13 +380,13 @@ TEST_P(ReadHpsFileRefuses, SaysWhyAndReleasesEverything) {
     }
     EXPECT_EQ(library.Alive(), 0) << Lines(library.calls);
     const bool opened = !library.answers.contains("reader.open");
-    EXPECT_EQ(library.CallsOf("reader.close").size(), opened ? 1u : 0u) << "a file that was opened is closed again";
+    EXPECT_EQ(library.CallsOf("reader.close").size(), opened ? 1u : 0u) << "an open file is closed";
     EXPECT_EQ(library.CallsOf("vertices.endAccess").size(), library.CallsOf("vertices gone").size());
 }
 INSTANTIATE_TEST_SUITE_P(Hps, ReadHpsFileRefuses, testing::ValuesIn(kRefusals),
                          [](const auto& row) { return row.param.name; });
 
-TEST(ReadHpsFile, GoesOnAfterAnOpenThatFailsWithoutAReasonAndEndsAtTheMesh) {
+TEST(ReadHpsFile, FailsAtTheMeshWhenOpeningFailsWithoutAReason) {
     FakeComponents library;
     library.answers = {{"reader.open", -1}, {"reader.mesh", -1}};
     try {
@@ -400,7 +400,7 @@ TEST(ReadHpsFile, GoesOnAfterAnOpenThatFailsWithoutAReasonAndEndsAtTheMesh) {
                                            "reader.close", "reader gone"));
 }
 
-TEST(ReadHpsFile, SkipsTheTextureWhateverTheUvBlockSizeAnswersButOne) {
+TEST(ReadHpsFile, HasNoTextureWhenTheLibraryGivesNoUvBlock) {
     for (const std::int32_t status : {0, -1, -5, 2}) {
         FakeComponents library;
         EnterTriangle(library);
@@ -438,9 +438,9 @@ TEST(ReadHpsFile, ThrowsTheTextOfATextureOperationsStatus) {
         library.answers[row.operation] = row.status;
         try {
             (void)ReadHpsFile(kPath);
-            ADD_FAILURE() << row.operation << " was not missed";
+            ADD_FAILURE() << row.operation << " is not called or its failure is ignored";
         } catch (const HpsReadError&) {
-            ADD_FAILURE() << "the reader has no reason of its own";
+            ADD_FAILURE() << "an HpsReadError, but the reader has no error code";
         } catch (const std::runtime_error& error) {
             EXPECT_STREQ(error.what(), row.text) << row.operation;
         }
@@ -462,7 +462,7 @@ TEST(ReadHpsFile, ThrowsWhenTheLibraryGivesNoObject) {
                 (void)ReadHpsFile(kPath);
                 ADD_FAILURE() << kind;
             } catch (const HpsReadError&) {
-                ADD_FAILURE() << "the file is not to blame";
+                ADD_FAILURE() << "an HpsReadError, but the file is good";
             } catch (const std::runtime_error& error) {
                 EXPECT_THAT(error.what(), HasSubstr("InitializeKVReg"));
             }

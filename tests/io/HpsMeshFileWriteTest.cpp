@@ -1,4 +1,4 @@
-// Writing of hps files against a component library that the test scripts.
+// Writing of hps files with a component library whose answers are set by the test.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -36,7 +36,7 @@ protected:
     FakeComponents library;
 };
 
-TEST_F(WriteHpsFileTest, TakesTheseSteps) {
+TEST_F(WriteHpsFileTest, CallsTheLibraryInThisOrder) {
     AddTexture();
     WriteHpsFile(content, kPath);
     EXPECT_THAT(
@@ -49,7 +49,7 @@ TEST_F(WriteHpsFileTest, TakesTheseSteps) {
                     "compressor gone", "writer gone", "clone gone", "mesh gone"));
 }
 
-TEST_F(WriteHpsFileTest, HandsOverPositionsAndIndicesAsTheyStand) {
+TEST_F(WriteHpsFileTest, PassesPositionsAndIndicesUnchanged) {
     WriteHpsFile(content, kPath);
     EXPECT_THAT(library.writtenPositions, ElementsAre(1, 2, 3, 4, 5, -0.0f, 7, 8, 9));
     EXPECT_TRUE(std::signbit(library.writtenPositions[5]));
@@ -59,14 +59,14 @@ TEST_F(WriteHpsFileTest, HandsOverPositionsAndIndicesAsTheyStand) {
     EXPECT_EQ(library.version, "1.2");
 }
 
-TEST_F(WriteHpsFileTest, HandsOverPairsAndTextureFile) {
+TEST_F(WriteHpsFileTest, PassesPairsAndTextureFileToTheLibrary) {
     AddTexture();
     WriteHpsFile(content, kPath);
     EXPECT_THAT(library.writtenPairs, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11));
     EXPECT_THAT(library.writtenTextureFile, ElementsAre('p', 'n', 'g', 0));
 }
 
-TEST_F(WriteHpsFileTest, WritesNoPairsAndNoTextureFileWhereThereAreNone) {
+TEST_F(WriteHpsFileTest, WritesNeitherPairsNorTextureFileOfAnUntexturedMesh) {
     WriteHpsFile(content, kPath);
     EXPECT_THAT(library.CallsOf("writer.uvPairs"), IsEmpty());
     EXPECT_THAT(library.CallsOf("writer.textureFile"), IsEmpty());
@@ -80,7 +80,7 @@ TEST_F(WriteHpsFileTest, WritesTheTextureFileOfAMeshWithoutCoordinates) {
     EXPECT_THAT(library.writtenTextureFile, testing::SizeIs(4));
 }
 
-TEST_F(WriteHpsFileTest, WritesAMeshOfNothing) {
+TEST_F(WriteHpsFileTest, WritesAMeshWithoutVertices) {
     content.vertices = {};
     content.triangles = {};
     WriteHpsFile(content, kPath);
@@ -99,7 +99,7 @@ TEST_F(WriteHpsFileTest, PassesTwoEmptyStrings) {
     EXPECT_THAT(library.CallsOf("writer.sourceApplication"), testing::SizeIs(1));
 }
 
-TEST_F(WriteHpsFileTest, RefusesAClonesOtherTriangleCountWhereThereAreCoordinates) {
+TEST_F(WriteHpsFileTest, RefusesACloneWithAnotherTriangleCount) {
     AddTexture();
     for (const std::int32_t count : {1, 3, 1'000'000'000, -1}) {
         library.triangleCount = count;
@@ -126,7 +126,7 @@ TEST_P(WriteHpsFileFailsAt, ThrowsTheStatusTextAndReleasesEverything) {
     library.answers[operation] = GetParam().status;
     try {
         WriteHpsFile(content, kPath);
-        FAIL() << "nobody looked at the status";
+        FAIL() << "the status was ignored";
     } catch (const std::runtime_error& error) {
         EXPECT_STREQ(error.what(), GetParam().text);
     }
@@ -134,7 +134,7 @@ TEST_P(WriteHpsFileFailsAt, ThrowsTheStatusTextAndReleasesEverything) {
     EXPECT_EQ(library.CallsOf("vertices.endAccess").size(), library.CallsOf("vertices gone").size());
     const bool saves = operation.ends_with("unbind");
     EXPECT_EQ(library.CallsOf("writer.save").size(), saves || operation == "writer.save" ? 1u : 0u);
-    // what was bound is parted once, the outer first
+    // each binding is undone once, the outer one first
     const bool compressorBound = !library.CallsOf("compressor.bind").empty() && operation != "compressor.bind";
     const bool writerBound = !library.CallsOf("writer.bind").empty() && operation != "writer.bind";
     EXPECT_EQ(library.CallsOf("compressor.unbind").size(), compressorBound ? 1u : 0u);
@@ -165,7 +165,7 @@ INSTANTIATE_TEST_SUITE_P(
         return name;
     });
 
-TEST_F(WriteHpsFileTest, ThrowsForACloneThatIsNull) {
+TEST_F(WriteHpsFileTest, ThrowsForANullClone) {
     library.nulls.insert("source.clone");
     try {
         WriteHpsFile(content, kPath);
@@ -175,7 +175,7 @@ TEST_F(WriteHpsFileTest, ThrowsForACloneThatIsNull) {
     }
 }
 
-TEST_F(WriteHpsFileTest, ThrowsForVertexDataThatIsNull) {
+TEST_F(WriteHpsFileTest, ThrowsForNullVertexData) {
     library.nulls.insert("mesh.writableVertexData");
     EXPECT_THROW(WriteHpsFile(content, kPath), std::runtime_error);
 }

@@ -1,4 +1,4 @@
-// Hps files through the control and the component library as they are shipped: what is exported comes back.
+// Export and import of hps files with the real component library: all data must be the same afterwards.
 #include <GL/glew.h>
 #include <gmock/gmock.h>
 
@@ -75,7 +75,7 @@ TEST_F(HpsRoundTrip, KeepsPositionsToTheBitAndTrianglesInTheirOrder) {
     EXPECT_THAT(c.debugOutput.Text(), IsEmpty());
 }
 
-TEST_F(HpsRoundTrip, NamesTheObjectByTheFileAndLeavesColorsOut) {
+TEST_F(HpsRoundTrip, NamesTheObjectAfterTheFileAndHasNoColors) {
     AddRoof(*c).m_vVertices[0].color = 0x123456;
     Export("roof.hps");
     Import("roof.hps");
@@ -89,7 +89,7 @@ TEST_F(HpsRoundTrip, NamesTheObjectByTheFileAndLeavesColorsOut) {
     }
 }
 
-TEST_F(HpsRoundTrip, GoesPastTheStagingOfAParallelImport) {
+TEST_F(HpsRoundTrip, IsNotStagedDuringAParallelImport) {
     AddRoof(*c);
     Export("roof.hps");
     void* control = nullptr;
@@ -144,8 +144,8 @@ TEST_F(HpsRoundTrip, WritesTheSourceApplicationIntoTheFile) {
         const std::string content(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         return content.find(text) != std::string::npos;
     };
-    Export("nobody.hps");
-    EXPECT_FALSE(holds("nobody.hps", "Caf"));
+    Export("plain.hps");
+    EXPECT_FALSE(holds("plain.hps", "Caf"));
     c->SetHpsSourceApp(L"Caf\u01E9 Scanner", L"12.34-beta");
     for (const std::string name : {"one.hps", "two.hps"}) {
         Export(name);
@@ -163,7 +163,7 @@ TEST_F(HpsRoundTrip, ReplacesAFileAsAWhole) {
     EXPECT_EQ(folder.FileCount(), 1u);
 }
 
-TEST_F(HpsRoundTrip, FindsANameThatIsNoUtf8) {
+TEST_F(HpsRoundTrip, OpensAFileWhoseNameIsNotUtf8) {
     AddRoof(*c);
     const std::string name = "caf\xE9 \xE2\x82\xAC.hps";
     Export(name);
@@ -182,7 +182,7 @@ TEST_F(HpsRoundTrip, ThrowsWhenTheFileCannotBeWritten) {
     }
 }
 
-TEST_F(HpsRoundTrip, ThrowsForAMeshWhoseTrianglesReferToNoVertexAndWritesNothing) {
+TEST_F(HpsRoundTrip, ThrowsForTrianglesWithMissingVerticesAndWritesNothing) {
     auto mesh = std::make_shared<Mesh>(L"", false);
     mesh->m_vVertices.resize(2);
     mesh->m_vTriangles = {{{0, 1, 2}}};
@@ -214,13 +214,13 @@ TEST(HpsWithoutRegistry, ImportThrowsAndAddsNothing) {
 
 // ---- files that are refused
 
-TEST_F(HpsRoundTrip, SaysThatAFileIsNotThere) {
+TEST_F(HpsRoundTrip, ReportsAMissingFile) {
     Import("missing.hps");
     EXPECT_EQ(c->GetNumObjects(), 0);
     EXPECT_EQ(c.debugOutput.Text(), Line("missing.hps", "File not found."));
 }
 
-TEST_F(HpsRoundTrip, SaysThatAFileIsNoHpsFile) {
+TEST_F(HpsRoundTrip, ReportsAFileThatIsNotAnHpsFile) {
     WriteBytes(folder / "text.hps", std::vector<std::byte>(300, std::byte{'a'}));
     Import("text.hps");
     EXPECT_EQ(c->GetNumObjects(), 0);
@@ -250,7 +250,7 @@ TEST_F(HpsRoundTrip, RefusesEveryShorterAndEveryDamagedFileWithOneLine) {
     }
 }
 
-TEST_F(HpsRoundTrip, NamesTheFirstTriangleThatRefersToNoVertex) {
+TEST_F(HpsRoundTrip, NamesTheFirstTriangleThatRefersToAMissingVertex) {
     namespace Hps = KvComponents::Hps;
     const std::int32_t indices[] = {0, 1, 2, 2, 1, 0, 1, 2, 3, 3, 2, 1};
     Hps::RawArray<Hps::Introduction> introductions;
@@ -310,7 +310,7 @@ TEST_F(TexturedHpsRoundTrip, KeepsTextureCoordinatesOfEveryCornerAndTheImageFile
     EXPECT_EQ(Last().m_pTexture->m_vImageBytes, imageFile);
 }
 
-TEST_F(TexturedHpsRoundTrip, ShowsThePictureTheSameWayUp) {
+TEST_F(TexturedHpsRoundTrip, HasTheImageTheSameWayUp) {
     AddTexturedSquare(*c, png_file::OfRgba(2, 2, kPixels));
     Export("square.hps");
     Import("square.hps");
@@ -335,7 +335,7 @@ TEST_F(HpsRoundTrip, KeepsATextureWithoutOpenGl) {
     EXPECT_EQ(ReadBytes(folder / "second.hps"), ReadBytes(folder / "first.hps"));
 }
 
-TEST_F(HpsRoundTrip, RefusesAFileWhoseTextureIsNoPicture) {
+TEST_F(HpsRoundTrip, RefusesAFileWhoseTextureCannotBeDecoded) {
     AddTexturedSquare(*c, png_file::OfRgba(2, 2, kPixels));
     c->m_vpMeshes[0]->m_pTexture->m_vImageBytes = {'n', 'o', 'n', 'e'};
     Export("a.hps");

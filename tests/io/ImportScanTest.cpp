@@ -1,4 +1,4 @@
-// Measurement files on their way into the scene of a whole control.
+// Import of measurement files into the scene of a whole control.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -70,7 +70,7 @@ TEST_P(ImportScanOf, ShowsTheWaitCursorAndInvalidatesWithErase) {
     EXPECT_EQ(c.window->refreshes + c.window->invalidates, 0);
 }
 
-TEST_P(ImportScanOf, TakesTheExtensionInAnyCase) {
+TEST_P(ImportScanOf, AcceptsTheExtensionInAnyCase) {
     std::string kind = GetParam();
     ScanSample(3, 3, 1).Write(folder / ("scan." + kind));
     for (char& letter : kind) letter = static_cast<char>(letter - 'a' + 'A');
@@ -83,16 +83,16 @@ TEST_P(ImportScanOf, TakesTheExtensionInAnyCase) {
     EXPECT_EQ(Count(), 2u);
 }
 
-TEST_P(ImportScanOf, FindsANameThatIsNoUtf8) {
+TEST_P(ImportScanOf, OpensAFileWhoseNameIsNotUtf8) {
     const std::string name = std::string("caf\xE9 \xE2\x82\xAC\xFF.") + GetParam();
     ScanSample(3, 3, 1).Write(folder / (std::string("plain.") + GetParam()));
     ASSERT_EQ(std::rename((folder / (std::string("plain.") + GetParam())).c_str(), (folder / name).c_str()), 0);
     Import(name);
     ASSERT_EQ(Count(), 1u);
-    EXPECT_EQ(KV_ScenePane::PathBytes(Last().m_sName), folder / name) << "every byte survives in the name";
+    EXPECT_EQ(KV_ScenePane::PathBytes(Last().m_sName), folder / name) << "the name keeps every byte";
 }
 
-TEST_P(ImportScanOf, AddsNothingForASkipValueBelowOneAndSaysSo) {
+TEST_P(ImportScanOf, RefusesASkipValueBelowOneWithAReason) {
     for (const std::int16_t skip : {std::int16_t{0}, std::int16_t{-1}, std::int16_t{-32768}}) {
         for (const std::int16_t allowEmpty : {std::int16_t{0}, std::int16_t{-1}}) {
             c->SetAllowEmptyObjects(allowEmpty);
@@ -153,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, ImportScanOf, testing::Values("pcm", "pax", "xdt
 
 // ---- which reader
 
-TEST_F(ImportScan, TakesAPathWithoutAPointForItsExtension) {
+TEST_F(ImportScan, TreatsAPathWithoutAPointAsItsExtension) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder / "");
     for (const std::string kind : {"pax", "xdt", "pcm"}) {
@@ -201,7 +201,7 @@ TEST(ImportScanInAWindow, QueuesARepaint) {
 
 // ---- units
 
-TEST_F(ImportScan, TakesPaxInFileUnitsAndTheOthersInThousandths) {
+TEST_F(ImportScan, ReadsPaxInSceneUnitsAndTheOthersInThousandths) {
     ScanSample scan(3, 3, 1000);
     scan.trafo[3] = 5000;
     scan.trafo[7] = -6000;
@@ -214,7 +214,7 @@ TEST_F(ImportScan, TakesPaxInFileUnitsAndTheOthersInThousandths) {
     EXPECT_FLOAT_EQ(static_cast<float>(Last().m_Trafo.m_dTranslation[2]), 7);
     Import(scan, "scan.xdt");
     ExpectBox(Last(), {0, 2, 0, 2, -0.01f, 0.01f});
-    EXPECT_EQ(Last().m_Trafo.m_dTranslation[0], 0) << "no transform comes with xdt";
+    EXPECT_EQ(Last().m_Trafo.m_dTranslation[0], 0) << "xdt has no transform";
     EXPECT_EQ(Last().m_Trafo.m_dQuat[0], 1);
 }
 
@@ -234,7 +234,7 @@ TEST_F(ImportScan, AppliesTheWholeMatrixRowByRow) {
 }
 
 TEST_F(ImportScan, ScalesBeforeItLooksForStepsInDepth) {
-    // 2 x 2 cells of 2 x 2 pixels, 2 apart; the right ones stand 3 or 6 deeper, all in scene units
+    // 2 x 2 cells of 2 x 2 pixels, 2 apart; those on the right are 3 or 6 deeper, all in scene units
     const auto stepped = [](float unit, float step) {
         ScanSample scan(4, 4, unit);
         for (std::size_t i = 0; i < 16; ++i)
@@ -331,7 +331,7 @@ TEST_F(ImportScan, TintsGreyColors) {
     EXPECT_TRUE(Last().m_bGrayColors);
 }
 
-TEST_F(ImportScan, LooksAtTheColorsOfSkippedPixelsToo) {
+TEST_F(ImportScan, DecidesGreynessByTheColorsOfSkippedPixelsToo) {
     ScanSample scan(3, 3, 1000);
     scan.colors.assign(9, 0xFF808080);
     scan.colors[kMiddle] = 0xFF808081;
@@ -344,7 +344,7 @@ TEST_F(ImportScan, LooksAtTheColorsOfSkippedPixelsToo) {
 
 // ---- what adds nothing, and what adds an empty object
 
-TEST_F(ImportScan, SaysThatAPcmGaveNoMesh) {
+TEST_F(ImportScan, ReportsThatAPcmGaveNoMesh) {
     ScanSample scan(3, 3, 1000);
     scan.classification.assign(9, 240);
     Import(scan, "masked.pcm");
@@ -352,7 +352,7 @@ TEST_F(ImportScan, SaysThatAPcmGaveNoMesh) {
     EXPECT_EQ(c.debugOutput.Text(), kNoMesh);
 }
 
-TEST_F(ImportScan, SaysThatAMissingOrDamagedPcmGaveNoMesh) {
+TEST_F(ImportScan, ReportsThatAMissingOrDamagedPcmGaveNoMesh) {
     Import("missing.pcm");
     EXPECT_THAT(c.debugOutput.Text(), HasSubstr(kNoMesh));
     ScanSample(3, 3, 1000).Write(folder / "good.pcm");
@@ -364,7 +364,7 @@ TEST_F(ImportScan, SaysThatAMissingOrDamagedPcmGaveNoMesh) {
     EXPECT_EQ(Count(), 0u);
 }
 
-/// What the pcm reader says about a file.
+/// The reason of the pcm reader for refusing a file.
 std::string PcmReason(const std::string& path) {
     try {
         (void)MsrStorage::ReadPcmFile(path);
@@ -393,7 +393,7 @@ TEST_F(ImportScan, GivesEachDamagedPcmItsOwnReason) {
         EXPECT_EQ(c.debugOutput.Text(), "ImportScan(): " + (folder / name) + ": " + reason + "\n" + kNoMesh);
         reasons.insert(reason);
     }
-    EXPECT_EQ(reasons.size(), std::size(files)) << "each file has a reason of its own";
+    EXPECT_EQ(reasons.size(), std::size(files)) << "all reasons are different";
     EXPECT_EQ(Count(), 0u);
 }
 
@@ -427,7 +427,7 @@ TEST_F(ImportScan, AddsAnEmptyObjectForAGridWithoutValidPixelsWhereTheseAreAllow
     EXPECT_EQ(c->m_vpMeshes[1]->GetVertexCount(), 0u);
 }
 
-TEST_F(ImportScan, AddsAnEmptyObjectForAGridOfNoSizeWhereTheseAreAllowed) {
+TEST_F(ImportScan, AddsAnEmptyObjectForAGridWithoutPixelsWhereTheseAreAllowed) {
     c->SetAllowEmptyObjects(-1);
     ScanSample scan(3, 3, 1);
     scan.height = 0;
@@ -474,7 +474,7 @@ ScanBytes Cut(ScanBytes bytes, std::size_t size) {
     return bytes;
 }
 
-TEST_F(ImportScan, TakesTheMissingPixelsOfAShortXdtAtZero) {
+TEST_F(ImportScan, ReadsTheMissingPixelsOfAShortXdtAsZero) {
     const ScanSample scan(4, 4, 1000);
     Import(Cut(scan.Xdt(), 4 + 8 * 12), "half.xdt");  // two rows of four
     ASSERT_EQ(Count(), 1u);
@@ -486,9 +486,9 @@ TEST_F(ImportScan, TakesTheMissingPixelsOfAShortXdtAtZero) {
                   4);
 }
 
-TEST_F(ImportScan, TakesTheMissingConfidenceOfAShortPaxAsZero) {
+TEST_F(ImportScan, ReadsTheMissingConfidenceOfAShortPaxAsZero) {
     const ScanSample scan(4, 4, 1);
-    const ScanBytes half = Cut(scan.Pax(), 4 + 16 * 12);  // all points, nothing behind them
+    const ScanBytes half = Cut(scan.Pax(), 4 + 16 * 12);  // all points, nothing after them
     Import(half, "half.pax");
     ASSERT_EQ(Count(), 1u) << "zero is not below the limit of zero";
     EXPECT_EQ(Last().GetVertexCount(), 16u);

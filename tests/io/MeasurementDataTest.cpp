@@ -135,7 +135,7 @@ TEST_F(MakeMeasurement, MasksPixelsOfOneNegativeNumberThreeTimes) {
                 ElementsAre(1, 0, 0, 0, 0, 0, 1, 0, 0));
 }
 
-TEST_F(MakeMeasurement, DoesNotTakeNanForEqualCoordinates) {
+TEST_F(MakeMeasurement, DoesNotTreatNanAsEqualCoordinates) {
     const float inf = std::numeric_limits<float>::infinity();
     EXPECT_THAT(UnmeasuredMask({NAN, NAN, NAN, -inf, -inf, -inf, inf, inf, inf}), ElementsAre(0, 1, 0));
 }

@@ -53,7 +53,7 @@ protected:
 
 }  // namespace
 
-TEST_F(MeasurementFile, PointsAndTranslationComeInThousandths) {
+TEST_F(MeasurementFile, ScalesPointsAndTranslationToThousandths) {
     Write();
     const MeasurementData data = Read();
     EXPECT_EQ(data.m_iWidth, 3);
@@ -67,7 +67,7 @@ TEST_F(MeasurementFile, PointsAndTranslationComeInThousandths) {
                 ElementsAre(1, 2, 3, 4 * 0.001f, 5, 6, 7, 8 * 0.001f, 9, 10, 11, 12 * 0.001f, 13, 14, 15, 16));
 }
 
-TEST_F(MeasurementFile, Class239IsValidAnd240IsNot) {
+TEST_F(MeasurementFile, MasksFromClass240On) {
     classification = {0, 239, 240, 241, 255, 127};
     Write();
     const MeasurementData data = Read();
@@ -75,7 +75,7 @@ TEST_F(MeasurementFile, Class239IsValidAnd240IsNot) {
     EXPECT_EQ(data.m_iMasked, 3);
 }
 
-TEST_F(MeasurementFile, ConfidenceAtTheLimitIsValid) {
+TEST_F(MeasurementFile, MasksConfidenceBelowTheLimitAndNotAtIt) {
     confidence = {0.5f, std::nextafter(0.5f, 0.0f), std::nextafter(0.5f, 1.0f), -1.0f, NAN, 0.5f};
     classification = {239, 0, 0, 0, 0, 240};
     Write();
@@ -84,27 +84,27 @@ TEST_F(MeasurementFile, ConfidenceAtTheLimitIsValid) {
     EXPECT_EQ(data.m_iMasked, 3);
 }
 
-TEST_F(MeasurementFile, APixelWithBothFaultsCountsOnce) {
+TEST_F(MeasurementFile, CountsAPixelWithBothFaultsOnce) {
     confidence[0] = -1.0f;
     classification[0] = 250;
     Write();
     EXPECT_EQ(Read().m_iMasked, 1);
 }
 
-TEST_F(MeasurementFile, TheLimitZeroSkipsNegativeConfidenceOnly) {
+TEST_F(MeasurementFile, MasksNegativeConfidenceOnlyWithTheLimitZero) {
     confidence = {-1e-30f, 0.0f, -0.0f, 1.0f, 2.0f, -5.0f};
     Write();
     EXPECT_THAT(Read(0.0f).m_vMask, ElementsAre(1, 0, 0, 0, 0, 1));
 }
 
-TEST_F(MeasurementFile, ColorsComeWhenTheFileHasThem) {
+TEST_F(MeasurementFile, HasTheColorsOfTheFile) {
     Write(true);
     EXPECT_EQ(Read().m_vColors, colors);
     Write(false);
     EXPECT_TRUE(Read().m_vColors.empty());
 }
 
-TEST_F(MeasurementFile, AMissingOrDamagedFileGivesNothing) {
+TEST_F(MeasurementFile, GivesNothingButAReasonForAMissingOrDamagedFile) {
     ExpectNothing(Read());
     Write();
     auto bytes = ReadBytes(file);
@@ -113,7 +113,7 @@ TEST_F(MeasurementFile, AMissingOrDamagedFileGivesNothing) {
     ExpectNothing(Read());
 }
 
-TEST_F(MeasurementFile, TheCallersObjectStaysUsable) {
+TEST_F(MeasurementFile, LeavesTheCallersObjectLoaded) {
     Write();
     MsrStorage::MSR msr;
     const MeasurementData data = LoadMeasurementFile(WidePath(file).c_str(), 0.0f, &msr);
@@ -123,7 +123,7 @@ TEST_F(MeasurementFile, TheCallersObjectStaysUsable) {
     EXPECT_EQ(msr.GetTrafo()[3], 4.0f);
 }
 
-TEST_F(MeasurementFile, WithoutAPathTheObjectCountsAsLoaded) {
+TEST_F(MeasurementFile, UsesALoadedObjectWithoutAPath) {
     Write();
     MsrStorage::MSR msr;
     ExpectNothing(LoadMeasurementFile(nullptr, 0.0f, &msr));

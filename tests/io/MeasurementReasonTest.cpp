@@ -1,4 +1,4 @@
-// The measurement library's reason for a refused file, and the sentence where the library has none.
+// The measurement library's reason for a refused file, and the general sentence for a library without reasons.
 #include "io/MeasurementReason.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ constexpr const char* kNull = nullptr;
 
 }  // namespace
 
-TEST(MeasurementReason, IsTheLibrarysOwn) {
+TEST(MeasurementReason, IsThatOfTheLibrary) {
     EXPECT_EQ(LastMeasurementReason(&LibraryThatSays<&kReason>), "a section is damaged");
 }
 

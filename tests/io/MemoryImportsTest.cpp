@@ -1,4 +1,4 @@
-// Grids and meshes that the host hands over in its own memory.
+// Grids and meshes in the host's memory.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -46,7 +46,7 @@ TEST(ImportMeasurementFromMemory, AddsAnObjectWithoutScaling) {
     EXPECT_THAT(c.debugOutput.Text(), IsEmpty());
 }
 
-TEST(ImportMeasurementFromMemory, BearsTheNameOfTheLastImportedFile) {
+TEST(ImportMeasurementFromMemory, HasTheNameOfTheLastImportedFile) {
     NoPictureControl c;
     ImportGrid(*c, ScanSample(3, 3, 1));
     EXPECT_EQ(c->m_vpMeshes[0]->m_sName, L"");
@@ -69,7 +69,7 @@ TEST(ImportMeasurementFromMemory, SkipsConfidenceBelowTheLimitOnly) {
     EXPECT_EQ(c->m_vpMeshes[1]->GetVertexCount(), 8u);
 }
 
-TEST(ImportMeasurementFromMemory, KeepsNothingOfTheHosts) {
+TEST(ImportMeasurementFromMemory, KeepsNoReferenceToTheHostsArrays) {
     NoPictureControl c;
     {
         ScanSample scan(3, 3, 1);
@@ -79,7 +79,7 @@ TEST(ImportMeasurementFromMemory, KeepsNothingOfTheHosts) {
     EXPECT_EQ(c->m_vpMeshes[0]->m_fBoundingBox[1], 2);
 }
 
-TEST(ImportMeasurementFromMemory, SaysThatAGridGaveNoMesh) {
+TEST(ImportMeasurementFromMemory, ReportsThatAGridGaveNoMesh) {
     NoPictureControl c;
     c->SetConfidenceFilter(2);
     ImportGrid(*c, ScanSample(3, 3, 1));
@@ -111,7 +111,7 @@ TEST(ImportMeasurementFromMemory, RefusesAnImpossibleSizeBeforeItReadsAnything) 
     }
 }
 
-TEST(ImportMeasurementFromMemory, TakesTheLargestSides) {
+TEST(ImportMeasurementFromMemory, AcceptsTheLargestSides) {
     NoPictureControl c;
     ImportGrid(*c, ScanSample(32767, 2, 1));
     ImportGrid(*c, ScanSample(2, 32767, 1));
@@ -123,7 +123,7 @@ TEST(ImportMeasurementFromMemory, TakesTheLargestSides) {
     EXPECT_EQ(c->m_vpMeshes[1]->m_vVertices.back().gridIndex, (32766u << 16) | 1u);
 }
 
-TEST(ImportMeasurementFromMemory, AddsNothingForASkipValueBelowOneAndSaysSo) {
+TEST(ImportMeasurementFromMemory, RefusesASkipValueBelowOneWithAReason) {
     NoPictureControl c;
     for (const std::int16_t skip : {std::int16_t{0}, std::int16_t{-1}}) {
         c.debugOutput.Clear();
@@ -147,7 +147,7 @@ MeshBuffers HostMesh(bool hasColors) {
 
 bool Same(const Vertex& a, const Vertex& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
-TEST(ImportMeshedMeasurement, TakesACopyWithTheNormalsAsTheyStand) {
+TEST(ImportMeshedMeasurement, CopiesTheMeshWithUnchangedNormals) {
     NoPictureControl c;
     const MeshBuffers mesh = HostMesh(true);
     c->ImportMeshedMeasurement(&mesh, L"host's own.pcm", 0x332211);
@@ -164,14 +164,14 @@ TEST(ImportMeshedMeasurement, TakesACopyWithTheNormalsAsTheyStand) {
     EXPECT_EQ(c->m_strScanPath, L"") << "only files set it";
     EXPECT_TRUE(object.m_bHasVertexColors);
     EXPECT_FALSE(object.m_bGrayColors);
-    EXPECT_EQ(c->GetObjectColor(0), 0x332211) << "own colours leave the object's";
+    EXPECT_EQ(c->GetObjectColor(0), 0x332211) << "vertex colours do not change the object's colour";
     EXPECT_TRUE(object.m_bBuffersDirty);
     EXPECT_EQ(object.m_fBoundingBox[1], 4);
     EXPECT_EQ(object.m_fBoundingBox[5], 3);
     ExpectNoRequest(*c.window);
 }
 
-TEST(ImportMeshedMeasurement, TellsWhetherTheVerticesCarryColors) {
+TEST(ImportMeshedMeasurement, KnowsWhetherTheVerticesHaveColors) {
     NoPictureControl c;
     MeshBuffers mesh = HostMesh(false);
     for (Vertex& vertex : mesh.m_vVertices) vertex.color = 0xFF777777;
@@ -283,7 +283,7 @@ TEST(ImportMeshFromMemory, KeepsVerticesWithoutTrianglesThatNoDrawModeShows) {
     for (const Vertex& vertex : c->m_vpMeshes[0]->m_vVertices) EXPECT_EQ(vertex.nx + vertex.ny + vertex.nz, 0);
 }
 
-TEST(ImportMeshFromMemory, KeepsNothingOfTheHosts) {
+TEST(ImportMeshFromMemory, KeepsNoReferenceToTheHostsArrays) {
     NoPictureControl c;
     std::vector<float> xyz{0, 0, 0, 1, 0, 0, 0, 1, 0};
     std::vector<std::int32_t> corners{0, 1, 2};

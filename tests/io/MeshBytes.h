@@ -43,7 +43,7 @@ inline MeshBytes StlHead(std::uint32_t count, std::string_view header = "any") {
     return Padded(header, 80) + Packed(count);
 }
 
-/// The normal and the attribute are such that nobody can mistake them for what is there.
+/// The normal and the attribute are not used by the reader, and differ from all other numbers.
 inline MeshBytes StlRecord(const Float3& a, const Float3& b, const Float3& c) {
     return Packed(Float3{7e7f, 8e8f, 9e9f}, a, b, c, std::uint16_t{0xABCD});
 }

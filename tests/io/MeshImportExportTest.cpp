@@ -1,5 +1,5 @@
-// Which reader and writer ImportMesh and ExportMesh choose. A file that is not there is enough for that: each reader
-// complains in its own way.
+// Which reader and writer ImportMesh and ExportMesh select. A missing file is enough for that: the reason of each
+// reader is different.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -30,13 +30,13 @@ const OtherExtension kOtherExtensions[] = {
     {"PointInAFolderAlone", L"no.ply/such"},
     {"BlankBehind", L"no/such/a.ply "},
     {"AMeasurement", L"no/such/a.pcm"},
-    // Under some locales the capital of i is another letter; under none is this an s.
+    // Some locales have other capitals for some letters; this letter is not an s in any locale.
     {"ALetterThatOnlyLooksAlike", L"no/such/a.\u017Ftl"},
 };
 
 class OtherExtensions : public testing::TestWithParam<OtherExtension> {};
 
-TEST_P(OtherExtensions, ImportNothingAndSayNothing) {
+TEST_P(OtherExtensions, ImportNothingWithoutAMessage) {
     NoPictureControl c;
     EXPECT_NO_THROW(c->ImportMesh(GetParam().path));
     EXPECT_EQ(c->GetNumObjects(), 0);
@@ -45,7 +45,7 @@ TEST_P(OtherExtensions, ImportNothingAndSayNothing) {
     EXPECT_EQ(c.window->waitCursorsEnded, 1);
 }
 
-TEST_P(OtherExtensions, ExportNothingAndSayNothing) {
+TEST_P(OtherExtensions, ExportNothingWithoutAMessage) {
     NoPictureControl c;
     AddMesh(*c, {{}, {}, {}}, {{{0, 1, 2}}});
     EXPECT_NO_THROW(c->ExportMesh(0, GetParam().path));
@@ -56,7 +56,7 @@ TEST_P(OtherExtensions, ExportNothingAndSayNothing) {
 INSTANTIATE_TEST_SUITE_P(MeshFiles, OtherExtensions, testing::ValuesIn(kOtherExtensions),
                          [](const auto& row) { return row.param.name; });
 
-/// What the import of a file that is not there says, thrown or not.
+/// The reason for refusing a missing file, thrown or in the debugger output.
 std::string ComplaintAbout(const std::wstring& path) {
     NoPictureControl c;
     c->InitializeKVReg();
@@ -78,7 +78,7 @@ TEST(ImportMesh, ChoosesTheReaderByTheExtensionInAnyCase) {
         {L"hps", "ImportHps()"}, {L"HpS", "ImportHps()"}, {L"stl.ply", "Magic number"}, {L"ply.stl", "ImportStl()"}};
     for (const auto& [extension, sign] : signs)
         EXPECT_THAT(ComplaintAbout(std::wstring(L"no/such/a.") + extension), HasSubstr(sign));
-    // Without a point in it the whole path counts.
+    // Without a point the whole path is the extension.
     EXPECT_THAT(ComplaintAbout(L"STL"), HasSubstr("ImportStl()"));
     EXPECT_THAT(ComplaintAbout(L"ply"), HasSubstr("Magic number"));
 }

@@ -1,4 +1,4 @@
-// Blocks of records, and of inputs that give less than they promised.
+// Blocks of records, also of inputs with fewer bytes than announced.
 #include "io/MeshRecords.h"
 
 #include <gmock/gmock.h>
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Each byte tells where it stands. A file that another process cuts short has more in its size than in its bytes.
+/// The value of each byte is its offset. Size and bytes can differ, as in a file that another process shortens.
 class CountingInput final : public ByteInput {
 public:
     CountingInput(std::size_t bytes, std::uint64_t promised) : m_uBytes(bytes), m_uPromised(promised) {}
@@ -46,7 +46,7 @@ constexpr std::size_t kMany = 15'000;  // three blocks
 
 }  // namespace
 
-TEST(RecordBlocks, HandOutTheAnnouncedRecordsAndNothingBehindThem) {
+TEST(RecordBlocks, GiveTheAnnouncedRecordsAndNothingAfterThem) {
     for (const std::size_t count : {std::size_t{0}, std::size_t{1}, kMany}) {
         CountingInput input(count * kRecord + 7, count * kRecord + 7);
         RecordBlocks blocks(input, kRecord, count);
@@ -58,7 +58,7 @@ TEST(RecordBlocks, HandOutTheAnnouncedRecordsAndNothingBehindThem) {
     }
 }
 
-TEST(RecordBlocks, CountWhatAFileThatShrankLacksAndKeepWhatItHasOfTheFirst) {
+TEST(RecordBlocks, CountTheMissingRecordsOfAFileThatShrank) {
     const struct {
         std::size_t bytes, whole, tail;
     } rows[] = {{0, 0, 0}, {49, 0, 49}, {50, 1, 0}, {kRecord * 14'999 + 13, 14'999, 13}};
@@ -72,11 +72,11 @@ TEST(RecordBlocks, CountWhatAFileThatShrankLacksAndKeepWhatItHasOfTheFirst) {
         EXPECT_EQ(blocks.Missing(), kMany - row.whole);
         ASSERT_EQ(blocks.Tail().size(), row.tail);
         ExpectCounted(blocks.Tail(), row.whole * kRecord);
-        EXPECT_TRUE(blocks.Next().empty()) << "the end stays the end";
+        EXPECT_TRUE(blocks.Next().empty()) << "nothing follows the end";
     }
 }
 
-TEST(RequireHalf, CountsTheBytesBehindTheHeaderAndRoundsUp) {
+TEST(RequireHalf, CountsTheBytesAfterTheHeaderAndRoundsUp) {
     const auto isEnough = [](std::uint64_t size, std::uint64_t announced) {
         try {
             RequireHalf(CountingInput(0, size), 84, announced);
@@ -90,7 +90,7 @@ TEST(RequireHalf, CountsTheBytesBehindTheHeaderAndRoundsUp) {
     EXPECT_TRUE(isEnough(84 + 13, 25));
     EXPECT_FALSE(isEnough(84 + 12, 25));
     EXPECT_TRUE(isEnough(84, 0));
-    EXPECT_TRUE(isEnough(3, 0)) << "a size below the header's is none behind it";
+    EXPECT_TRUE(isEnough(3, 0)) << "fewer bytes than the header: no bytes after it";
     EXPECT_FALSE(isEnough(3, 1));
     EXPECT_FALSE(isEnough(std::numeric_limits<std::uint32_t>::max(), std::numeric_limits<std::uint64_t>::max()));
 }

@@ -40,7 +40,7 @@ protected:
 
 // ---- order
 
-TEST_F(ParallelImport, HandsOutTheControlAndTheEntry) {
+TEST_F(ParallelImport, ReturnsTheControlAndTheEntry) {
     EXPECT_EQ(c->m_hImportMutex, nullptr);
     Begin();
     EXPECT_EQ(m_control, c.control.get());
@@ -85,7 +85,7 @@ TEST_F(ParallelImport, PutsEqualIndicesInTheOrderOfTheirAddresses) {
     for (const auto& staged : c->m_vPendingImports)
         if (staged.m_iIndex == 7) addresses.push_back(staged.m_pMesh.get());
     ASSERT_EQ(addresses.size(), 40u);
-    // staged in falling order of their addresses, so that their order of arrival cannot pass for the right one
+    // in falling order of their addresses: the order of arrival must not be the expected one by chance
     std::sort(c->m_vPendingImports.begin(), c->m_vPendingImports.end(),
               [](const auto& a, const auto& b) { return a.m_pMesh.get() > b.m_pMesh.get(); });
     c->EndParallelImport();
@@ -96,7 +96,7 @@ TEST_F(ParallelImport, PutsEqualIndicesInTheOrderOfTheirAddresses) {
     EXPECT_EQ(c->m_vpMeshes[41]->m_sName, L"last");
 }
 
-TEST_F(ParallelImport, AppendsBehindTheObjectsThatWereThere) {
+TEST_F(ParallelImport, AppendsAfterTheExistingObjects) {
     c->AddMeshToScene(std::make_shared<Mesh>(L"before", false), 99);
     Begin();
     ASSERT_TRUE(Import(L"after", -5));
@@ -110,7 +110,7 @@ TEST_F(ParallelImport, PutsTheControlsOwnImportsAheadOfTheHosts) {
     c->m_strScanPath = L"own";
     const ScanSample scan(3, 3, 1);
     c->ImportMeasurementFromMemory(3, 3, scan.points.data(), scan.confidence.data(), scan.trafo.data(), 0);
-    EXPECT_EQ(c->GetNumObjects(), 0) << "it is staged, too";
+    EXPECT_EQ(c->GetNumObjects(), 0) << "it is staged";
     c->EndParallelImport();
     EXPECT_EQ(Names(), L"own zero ");
 }
@@ -137,7 +137,7 @@ TEST_F(ParallelImport, StagesFilesAheadOfTheHosts) {
     EXPECT_EQ(c->m_vpMeshes[0]->m_sName, KV_ScenePane::WidePath(folder / "scan.pax"));
 }
 
-TEST_F(ParallelImport, LetsMeshesFromMemoryPassStraightIntoTheScene) {
+TEST_F(ParallelImport, AddsMeshesFromMemoryToTheSceneDirectly) {
     Begin();
     ASSERT_TRUE(Import(L"zero", 0));
     ASSERT_TRUE(Import(L"minus", -1));
@@ -162,7 +162,7 @@ TEST_F(ParallelImport, DoesNotCountObjectsBeforeItsEnd) {
     EXPECT_TRUE(c->m_vPendingImports.empty());
 }
 
-TEST_F(ParallelImport, EndsWithNothingStagedAndWithoutABeginning) {
+TEST_F(ParallelImport, CanEndWithNothingStagedOrWithoutAStart) {
     c->AddMeshToScene(std::make_shared<Mesh>(L"there", false), -1);
     const auto before = c->m_vpMeshes;
     c->EndParallelImport();
@@ -174,7 +174,7 @@ TEST_F(ParallelImport, EndsWithNothingStagedAndWithoutABeginning) {
     EXPECT_EQ(c->m_hImportMutex, nullptr);
 }
 
-TEST_F(ParallelImport, SurvivesASecondBeginning) {
+TEST_F(ParallelImport, CanBeStartedTwice) {
     Begin();
     ASSERT_TRUE(Import(L"two", 2));
     Begin();
@@ -195,22 +195,22 @@ TEST_F(ParallelImport, CanBeRepeated) {
     EXPECT_EQ(Names(), L"a b c ");
 }
 
-TEST_F(ParallelImport, AddsStraightToTheSceneOnceItHasEnded) {
+TEST_F(ParallelImport, AddsToTheSceneDirectlyAfterItsEnd) {
     Begin();
     c->EndParallelImport();
     ASSERT_TRUE(Import(L"nine", 9));
     ASSERT_TRUE(Import(L"one", 1));
-    EXPECT_EQ(Names(), L"nine one ") << "the index plays no part then";
+    EXPECT_EQ(Names(), L"nine one ") << "the index is not used outside a parallel import";
 }
 
-TEST_F(ParallelImport, AsksForNoRepaint) {
+TEST_F(ParallelImport, RequestsNoRepaint) {
     Begin();
     ASSERT_TRUE(Import(L"x", 0));
     c->EndParallelImport();
     EXPECT_EQ(c.window->refreshes + c.window->invalidates + c.window->eraseInvalidates, 0);
 }
 
-TEST(ParallelImportOfADyingControl, FreesWhatWasStaged) {
+TEST(ParallelImportOfADestroyedControl, FreesWhatWasStaged) {
     std::weak_ptr<Mesh> staged;
     {
         NoPictureControl c;
@@ -241,7 +241,7 @@ TEST_F(ParallelImport, ScalesPointsAndTranslationToThousandths) {
     for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(mesh.m_fBoundingBox[i], expected[i], 1e-5) << "bound " << i;
     EXPECT_FLOAT_EQ(static_cast<float>(mesh.m_Trafo.m_dTranslation[1]), -6);
     EXPECT_EQ(mesh.GetColorRef(), 0x332211u);
-    EXPECT_EQ(scan.points, pointsBefore) << "the host's arrays are its own";
+    EXPECT_EQ(scan.points, pointsBefore) << "the host's arrays do not change";
     EXPECT_EQ(scan.trafo, trafoBefore);
 }
 
@@ -264,7 +264,7 @@ TEST_F(ParallelImport, SkipsByClassAndByConfidence) {
         EXPECT_EQ(c->m_vpMeshes[i]->GetVertexCount(), rows[i].vertices) << "row " << i;
 }
 
-TEST_F(ParallelImport, TakesColorsLikeAFile) {
+TEST_F(ParallelImport, UsesColorsLikeAFileImport) {
     ScanSample scan(3, 3, 1000);
     scan.colors.assign(9, 0xFF808080);
     Begin();
@@ -279,7 +279,7 @@ TEST_F(ParallelImport, TakesColorsLikeAFile) {
     EXPECT_FALSE(c->m_vpMeshes[1]->m_bGrayColors);
 }
 
-TEST_F(ParallelImport, ReturnsFalseForAGridWithoutAMeshAndSaysSo) {
+TEST_F(ParallelImport, ReturnsFalseWithAReasonForAGridWithoutAMesh) {
     ScanSample masked(3, 3, 1000);
     masked.classification.assign(9, 240);
     Begin();
@@ -303,7 +303,7 @@ TEST_F(ParallelImport, MakesAnEmptyObjectWhereTheseAreAllowed) {
     EXPECT_EQ(c->m_vpMeshes[0]->m_sName, L"empty");
 }
 
-TEST_F(ParallelImport, RefusesImpossibleSizesAndSkipValuesAndSaysSo) {
+TEST_F(ParallelImport, RefusesImpossibleSizesAndSkipValuesWithAReason) {
     const ScanSample scan(3, 3, 1000);
     Begin();
     for (const auto& [width, height] : {std::pair{-1, 3}, {3, 0}, {0, 0}, {32768, 2}, {2147483647, 2147483647}}) {
@@ -324,7 +324,7 @@ TEST_F(ParallelImport, RefusesImpossibleSizesAndSkipValuesAndSaysSo) {
 
 // ---- many threads
 
-/// A wavy grid that no other index shares; every seventh has no valid pixel, every third has colours.
+/// A wavy grid, different for every index; every seventh has no valid pixel, every third has colours.
 ScanSample WavyScan(int index) {
     ScanSample scan(4 + index % 9, 3 + index % 5, 1000);
     for (std::size_t i = 0; i < scan.confidence.size(); ++i) {
@@ -356,7 +356,7 @@ class ManyThreads : public ParallelImport {
 protected:
     static constexpr int kThreads = 8, kGrids = 320;
 
-    /// All grids on so many threads, dealt out in turn; returns how many gave an object.
+    /// Imports all grids, distributed over the threads in turn; returns how many gave an object.
     int ImportAll(int threads) {
         std::atomic<int> made = 0;
         Begin();
@@ -372,7 +372,7 @@ protected:
     }
 };
 
-TEST_F(ManyThreads, GiveTheSameSceneAsOne) {
+TEST_F(ManyThreads, GiveTheSameSceneAsOneThread) {
     constexpr int kWithoutAMesh = (kGrids + 6) / 7;  // every seventh
     EXPECT_EQ(ImportAll(kThreads), kGrids - kWithoutAMesh);
     const auto parallel = std::move(c->m_vpMeshes);
@@ -388,7 +388,7 @@ TEST_F(ManyThreads, GiveTheSameSceneAsOne) {
     }
 }
 
-TEST_F(ManyThreads, MayWorkWhileTheHostsThreadReadsTheScene) {
+TEST_F(ManyThreads, CanImportWhileTheHostsThreadReadsTheScene) {
     Begin();
     std::vector<std::thread> workers;
     for (int t = 0; t < kThreads; ++t)

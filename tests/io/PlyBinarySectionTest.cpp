@@ -1,4 +1,4 @@
-// What the data of a binary file alone does: types, views and blocks.
+// Data of binary files: types, views and blocks.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -14,7 +14,7 @@ TEST(PlyBinary, RefusesToWalkAMixedElementFromAnotherItem) {
                    "Lists and properties are mixed in element e, and only its first item can be walked.", -1);
 }
 
-TEST(PlyBinary, ForgetsTheElementBeforeWhenSeekingFails) {
+TEST(PlyBinary, HasNoItemOfTheElementBeforeWhenSeekingFails) {
     PlySample sample(BinaryFile(
         "element v 1 property uchar a property uchar b element f 0 property list float int l property int x", "\1\2"));
     sample.Data().Seek("v", "b");
@@ -92,12 +92,12 @@ TEST(PlyBinary, AcceptsACountOfFloatsUntilItIsRead) {
                    "not an integer: float", -1);
 }
 
-TEST(PlyBinary, SkipsBehindTheEndButReadsNothingThere) {
+TEST(PlyBinary, SkipsButDoesNotReadAfterTheEnd) {
     PlySample sample(
         BinaryFile("element v 3 property int a element f 2 property list int short l", Raw(1) + Raw(2) + "\3\4"));
     auto& data = sample.Data();
     EXPECT_EQ(data.m_vElementStart, (Starts{0, 12}));
-    EXPECT_EQ(data.m_iEnd, 20);  // behind the end all lists are empty
+    EXPECT_EQ(data.m_iEnd, 20);  // after the end all lists are empty
     ExpectPlyError([&] { AllInts(data, "v", "a"); }, "Unexpected end of data.", 8);
     ExpectPlyError([&] { AllIntLists(data, "f", "l"); }, "Unexpected end of data.", 12);
     data.Seek("f", "l");
@@ -107,7 +107,7 @@ TEST(PlyBinary, SkipsBehindTheEndButReadsNothingThere) {
     ExpectPlyError([&] { data.RequireRecords("f"); }, "Unexpected end of data.", 10);
 }
 
-TEST(PlyBinary, ReadsNoMemberBehindTheEnd) {
+TEST(PlyBinary, ReadsNoListMemberAfterTheEnd) {
     PlySample sample(BinaryFile("element f 1 property list uchar int l", Raw('\3') + Raw(1) + Raw(2) + "\1\2\3"));
     ExpectPlyError([&] { AllIntLists(sample.Data(), "f", "l"); }, "Unexpected end of data.", 9);
     int values[3] = {};
@@ -116,14 +116,14 @@ TEST(PlyBinary, ReadsNoMemberBehindTheEnd) {
     ExpectPlyError([&] { AllFloatLists(large.Data(), "f", "l"); }, "Unexpected end of data.", 4);
 }
 
-TEST(PlyBinary, CountsBytesBehindTheEndAsZeroWhenItSkips) {
+TEST(PlyBinary, SkipsListsAfterTheEndAsEmpty) {
     PlySample sample(BinaryFile("element f 1 property list int uchar l", "\7\1"));  // two bytes of a count of 263
     EXPECT_EQ(sample.Data().m_iEnd, 4 + 263);
     ExpectPlyError([&] { AllIntLists(sample.Data(), "f", "l"); }, "Unexpected end of data.", 0);
 }
 
 TEST(PlyBinary, ScansRecordsOfTheSameAndOfOtherLengths) {
-    // runs of equal lengths, which are stepped over at once, with others between
+    // runs of records of equal size, which are skipped by comparison, and others between them
     std::string bytes;
     std::vector<Ints> first;
     std::vector<Ints> second;
@@ -150,7 +150,7 @@ TEST(PlyBinary, ScansRecordsOfTheSameAndOfOtherLengths) {
     EXPECT_EQ(AllInts(sample.Data(), "end", "e"), Ints{'E'});
 }
 
-TEST(PlyBinary, OffersPropertiesWhereTheyLie) {
+TEST(PlyBinary, OffersPropertiesInPlace) {
     PlySample sample(BinaryFile("element v 3 property uchar a property float b property short c",
                                 Raw('\1') + Raw(1.5F) + Raw(std::int16_t{7}) + Raw('\2') + Raw(2.5F) +
                                     Raw(std::int16_t{8}) + Raw('\3') + Raw(3.5F) + Raw(std::int16_t{9})));
@@ -167,7 +167,7 @@ TEST(PlyBinary, OffersPropertiesWhereTheyLie) {
     ExpectPlyError([&] { (void)data.GetArrayView("w", "b"); }, "No such element: w", -1);
 }
 
-TEST(PlyBinary, OffersNoArrayWhereRecordsVaryOrLack) {
+TEST(PlyBinary, OffersNoArrayViewOfListsOrMissingRecords) {
     PlySample sample(
         BinaryFile("element f 1 property uchar a property list uchar uchar l element v 3 property short c element w 0 "
                    "property int i",
@@ -175,7 +175,7 @@ TEST(PlyBinary, OffersNoArrayWhereRecordsVaryOrLack) {
     ExpectPlyError([&] { (void)sample.Data().GetArrayView("f", "a"); },
                    "No array-style access to elements that contain list properties.", -1);
     ExpectPlyError([&] { (void)sample.Data().GetArrayView("v", "c"); }, "Unexpected end of data.", 7);
-    const PlyArrayView empty = sample.Data().GetArrayView("w", "i");  // its place lies behind the data
+    const PlyArrayView empty = sample.Data().GetArrayView("w", "i");  // its position is after the data
     EXPECT_EQ(empty.m_iCount, 0);
     EXPECT_EQ(empty.m_pFirst, sample.Data().m_sData.data());
     EXPECT_NO_THROW(empty.RequireWidth(100));
@@ -185,7 +185,7 @@ struct FaceItems {
     const char* items;
     bool isBlock;
 };
-TEST(PlyBinary, OffersABlockOfFacesWithByteCountsAndWideMembers) {
+TEST(PlyBinary, OffersFacesWithByteCountsAnd32BitMembersAsABlock) {
     const FaceItems rows[] = {{"property list uchar int i", true},
                               {"property list char int i", true},
                               {"property list uchar uint i", true},

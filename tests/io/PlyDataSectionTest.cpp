@@ -1,11 +1,11 @@
-// What text and bytes have in common.
+// What text and binary data have in common.
 #include <gtest/gtest.h>
 
 #include "io/PlySectionSample.h"
 
 namespace {
 
-/// The same records as text and as bytes: something unknown before, between and behind, and an element without records.
+/// The same records as text and as bytes, with unknown elements before, between and after them and one without records.
 constexpr char kBody[] =
     "element camera 1 property double f property list uchar short s\n"
     "element vertex 2 property float x property int n\n"
@@ -65,20 +65,20 @@ TEST_P(PlySections, SeekAnItemAndStepFromRecordToRecord) {
     EXPECT_EQ(m_rData.m_iCursor, IsText() ? 7 : 25);  // reading does not move it
 }
 
-TEST_P(PlySections, SeekBehindTheRecordForAMissingItem) {
+TEST_P(PlySections, SeekToTheEndOfTheRecordForAMissingItem) {
     m_rData.Seek("camera", "z");
     EXPECT_EQ(m_rData.m_iCursor, IsText() ? 4 : 13);
     m_rData.Seek("vertex", "z");
     EXPECT_EQ(m_rData.m_iCursor, IsText() ? 6 : 21);
 }
 
-TEST_P(PlySections, StopWhenTheCallbackSaysSo) {
+TEST_P(PlySections, StopWhenTheCallbackReturnsFalse) {
     Ints seen;
-    const auto take = [](std::int64_t, int value, void* user) {
+    const auto append = [](std::int64_t, int value, void* user) {
         static_cast<Ints*>(user)->push_back(value);
         return false;
     };
-    m_rData.ForEachInt("vertex", "n", take, &seen);
+    m_rData.ForEachInt("vertex", "n", append, &seen);
     EXPECT_EQ(seen, Ints{10});
 }
 
@@ -99,8 +99,8 @@ TEST_P(PlySections, ReadUCharLists) {
     EXPECT_EQ(list, (std::vector<unsigned char>{2, 255}));
 }
 
-TEST_P(PlySections, AreNotMisledByWhatStandsBehindTheRecordsOfAnElement) {
-    // the last step from m, and the first one in an element without records, ask for a count where x stands
+TEST_P(PlySections, AreNotMisledByTheDataAfterTheRecordsOfAnElement) {
+    // the last step from m, and the first one in an element without records, read a count where x is
     const char* const body =
         "element f 2 property list uchar uchar l property list uchar uchar m element none 0 property list uchar uchar "
         "l property uchar m element t 1 property float x";
@@ -111,7 +111,7 @@ TEST_P(PlySections, AreNotMisledByWhatStandsBehindTheRecordsOfAnElement) {
     EXPECT_EQ(AllFloats(sample.Data(), "t", "x"), Floats{0.5F});
 }
 
-TEST_P(PlySections, TakeANegativeCountAsAnEmptyList) {
+TEST_P(PlySections, ReadANegativeCountAsAnEmptyList) {
     const char* const body = "element e 2 property list char int b";
     PlySample sample(IsText() ? AsciiFile(body, "-3 1 77") : BinaryFile(body, Raw('\xfd') + Raw('\1') + Raw(77)));
     EXPECT_EQ(AllIntLists(sample.Data(), "e", "b"), (std::vector<Ints>{{}, {77}}));
@@ -123,7 +123,7 @@ TEST_P(PlySections, HaveAStartForEveryElementWithoutData) {
     PlySample sample(IsText() ? AsciiFile(body, "") : BinaryFile(body, ""));
     EXPECT_EQ(sample.Data().m_vElementStart, (Starts{0, 0, 0, 0}));
     EXPECT_EQ(sample.Data().m_iEnd, 0);
-    EXPECT_EQ(AllInts(sample.Data(), "d", "x"), Ints{});  // no items: nothing to walk, however many records
+    EXPECT_EQ(AllInts(sample.Data(), "d", "x"), Ints{});  // no items: no values, for any number of records
     EXPECT_NO_THROW(sample.Data().RequireRecords("d"));
     PlySample without(IsText() ? AsciiFile("", "1 2") : BinaryFile("", "1 2"));
     EXPECT_EQ(without.Data().m_iEnd, 0);
@@ -138,7 +138,7 @@ TEST_P(PlySections, RefuseItemsOfNeitherKind) {
     element.m_vItems.push_back(std::make_unique<Odd>());
     ExpectPlyError([&] { m_rData.Scan(); }, "internal error (unknown property type)", -1);
     element.m_iCount = 0;
-    EXPECT_NO_THROW(m_rData.Scan());  // without a record nobody looks
+    EXPECT_NO_THROW(m_rData.Scan());  // without records the items are not looked at
 }
 
 TEST_P(PlySections, ReadColumnsAsTheSlowWalkDoes) {
@@ -174,7 +174,7 @@ TEST_P(PlySections, ReadListsOnlyWhenAllHaveTheLength) {
     EXPECT_FALSE(m_rData.ReadLists("face", "other", 3, ints));
     EXPECT_FALSE(m_rData.ReadLists("vertex", "n", 3, ints));
     EXPECT_FALSE(
-        m_rData.ReadLists("camera", "s", 2, ints));  // the slow walk has its own idea of a list behind a property
+        m_rData.ReadLists("camera", "s", 2, ints));  // the slow walk gives another result for a list after a property
     const char* const body =
         "element f 2 property list uchar int v property list int float t property list uchar short s";
     const std::string bytes = Raw('\3') + Raw(1) + Raw(2) + Raw(-3) + Raw(2) + Raw(0.5F) + Raw(.25F) + Raw('\1') +
@@ -194,7 +194,7 @@ TEST_P(PlySections, ReadListsOnlyWhenAllHaveTheLength) {
 INSTANTIATE_TEST_SUITE_P(Ply, PlySections, testing::Bool(),
                          [](const auto& isText) { return std::string(isText.param ? "Text" : "Binary"); });
 
-TEST(PlyCounts, AreScannedInNoTimeWhateverTheCounts) {
+TEST(PlyCounts, AreScannedInTimeThatDoesNotDependOnThem) {
     const std::string lists =
         "element a 2147483647 property list uchar int l property list uchar int m element b 2147483647 property double "
         "d ";

@@ -1,4 +1,4 @@
-// ExportMesh to ply: what of the mesh goes into the file, and what happens where none can be written.
+// ExportMesh to ply: the content of the file, and targets that cannot be written.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -22,7 +22,7 @@ std::string FileText(const std::string& path) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// What the writer gives for these arrays; PlyMeshWriterTest.cpp holds that against bytes by hand.
+/// The writer's bytes for these arrays; PlyMeshWriterTest.cpp compares them with bytes made by hand.
 std::string Expected(std::span<const Vertex> vertices, std::span<const Triangle> triangles,
                      std::span<const TexCoord> texCoords = {}, std::span<const std::uint8_t> image = {}) {
     const auto file = PlyMeshWriter(vertices, triangles, texCoords, image).Assemble();
@@ -42,7 +42,7 @@ TEST(ExportPly, WritesTheChosenMesh) {
     EXPECT_EQ(FileText(folder / "a.ply"), Expected(kCorners, {&triangle, 1}));
 }
 
-TEST(ExportPly, WritesPositionsAsTheyStandInTheWorld) {
+TEST(ExportPly, WritesPositionsInTheWorldFrame) {
     const ScratchFolder folder;
     NoPictureControl c;
     Mesh& mesh = AddMesh(*c, kCorners, {{{0, 1, 2}}});
@@ -63,7 +63,7 @@ TEST(ExportPly, WritesTextureCoordinatesOfAMeshThatLostItsImage) {
     EXPECT_EQ(FileText(folder / "a.ply"), Expected(kCorners, mesh.m_vTriangles, mesh.m_vTexCoords));
 }
 
-TEST(ExportPly, SaysWhyNothingWasWritten) {
+TEST(ExportPly, ReportsWhyNothingWasWritten) {
     const ScratchFolder folder;
     NoPictureControl c;
     AddMesh(*c, kCorners, {});
@@ -72,7 +72,7 @@ TEST(ExportPly, SaysWhyNothingWasWritten) {
     EXPECT_EQ(c.debugOutput.Take(), "ExportPly(): " + path + ": cannot open the folder: No such file or directory\n");
 }
 
-TEST(ExportPly, LeavesWhatIsNoRegularFileAlone) {
+TEST(ExportPly, DoesNotReplaceDevicesAndOtherSpecialFiles) {
     const ScratchFolder folder;
     NoPictureControl c;
     AddMesh(*c, kCorners, {});
@@ -88,7 +88,7 @@ TEST(ExportPly, LeavesWhatIsNoRegularFileAlone) {
     EXPECT_EQ(folder.FileCount(), 2u);
 }
 
-TEST(ExportPly, FollowsALinkToTheFileBehindIt) {
+TEST(ExportPly, ReplacesTheFileThatALinkPointsTo) {
     const ScratchFolder folder;
     NoPictureControl c;
     AddMesh(*c, kCorners, {});

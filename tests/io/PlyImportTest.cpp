@@ -1,4 +1,4 @@
-// ImportMesh of ply files into a whole control, and the way there and back through ExportMesh.
+// ImportMesh of ply files into a whole control, also of files that ExportMesh wrote.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -39,7 +39,7 @@ protected:
 };
 
 TEST_F(ImportPly, AddsOneObjectWithMeanNormalsAndABox) {
-    // Two faces at a right angle on the edge from (0, 0, 0) to (0, 1, 0); the normals in the file are not taken.
+    // Two faces at a right angle on the edge from (0, 0, 0) to (0, 1, 0); the normals in the file are ignored.
     Import(kBinary +
            Vertices(4, std::string(kPositions) + "property float nx\nproperty float ny\nproperty float nz\n") +
            Faces(2) + kEnd + Floats({0, 0, 0, 9, 9, 9, 1, 0, 0, 9, 9, 9, 0, 1, 0, 9, 9, 9, 0, 0, 1, 9, 9, 9}) +
@@ -68,7 +68,7 @@ TEST_F(ImportPly, ShowsTheWaitCursorAndAsksForNoRepaint) {
     EXPECT_EQ(c.window->refreshes + c.window->invalidates + c.window->eraseInvalidates, 0);
 }
 
-TEST_F(ImportPly, TakesNoPartInAParallelImport) {
+TEST_F(ImportPly, IsNotStagedDuringAParallelImport) {
     void* context = nullptr;
     KV_ScenePane::ImportMeasurementEntry entry = nullptr;
     c->BeginParallelImport(&context, &entry);
@@ -78,7 +78,7 @@ TEST_F(ImportPly, TakesNoPartInAParallelImport) {
     EXPECT_EQ(c->m_vpMeshes.size(), 1u);
 }
 
-TEST_F(ImportPly, CallsColorsGreyUntilOneDiffers) {
+TEST_F(ImportPly, IsGreyUntilOneColorIsNot) {
     const auto file = [](const char* last) {
         return kText + Vertices(2, kColored) + Faces(1) + kEnd + "0 0 0 7 7 7\n1 0 0 " + last + "\n3 0 1 0\n";
     };
@@ -89,7 +89,7 @@ TEST_F(ImportPly, CallsColorsGreyUntilOneDiffers) {
     for (const int i : {1, 2, 3}) EXPECT_FALSE(c->m_vpMeshes[static_cast<std::size_t>(i)]->m_bGrayColors) << i;
 }
 
-TEST_F(ImportPly, ReturnsMinusOneAndSaysSoWhenThereAreNoFaces) {
+TEST_F(ImportPly, ReturnsMinusOneWithAReasonWhenThereAreNoFaces) {
     for (const std::string& file :
          {kBinary + Vertices(3) + kEnd + Corners(), kText + Vertices(3) + Faces(0) + kEnd + "0 0 0 1 0 0 0 1 0"}) {
         Import(file);
@@ -102,7 +102,7 @@ TEST_F(ImportPly, ReturnsMinusOneAndSaysSoWhenThereAreNoFaces) {
     EXPECT_EQ(c->ImportPly(WidePath(Path()).c_str()), 0);
 }
 
-TEST_F(ImportPly, LetsTheReasonPassAndTheSceneStand) {
+TEST_F(ImportPly, ThrowsTheReasonAndDoesNotChangeTheScene) {
     Import(BinaryTriangle());
     const Mesh* const before = c->m_vpMeshes[0].get();
     c.window->Forget();
@@ -114,10 +114,10 @@ TEST_F(ImportPly, LetsTheReasonPassAndTheSceneStand) {
     ASSERT_EQ(c->GetNumObjects(), 1);
     EXPECT_EQ(c->m_vpMeshes[0].get(), before);
     EXPECT_EQ(c.window->waitCursorsBegun, 5);
-    EXPECT_EQ(c.window->waitCursorsEnded, 5);  // no wait cursor stays behind
+    EXPECT_EQ(c.window->waitCursorsEnded, 5);  // every wait cursor has ended
 }
 
-TEST_F(ImportPly, TakesAnExtensionInCapitals) {
+TEST_F(ImportPly, AcceptsAnExtensionInCapitals) {
     std::ofstream(m_folder / "A.PLY", std::ios::binary) << TextTriangle();
     c->ImportMesh(WidePath(m_folder / "A.PLY").c_str());
     EXPECT_EQ(c->GetNumObjects(), 1);
@@ -135,7 +135,7 @@ void ExpectSameMesh(const Mesh& a, const Mesh& b) {
     for (int i = 0; i < 6; ++i) EXPECT_EQ(a.m_fBoundingBox[i], b.m_fBoundingBox[i]);
 }
 
-TEST_F(ImportPly, GivesColoredMeshesBackToTheBit) {
+TEST_F(ImportPly, ImportsExportedColoredMeshesBitForBit) {
     std::string vertices;
     for (int i = 0; i < 100; ++i) {
         const auto f = static_cast<float>(i);
@@ -149,7 +149,7 @@ TEST_F(ImportPly, GivesColoredMeshesBackToTheBit) {
     EXPECT_TRUE(c->m_vpMeshes[1]->m_bHasVertexColors);
 }
 
-TEST_F(ImportPly, GivesUncoloredMeshesBackAsWhite) {
+TEST_F(ImportPly, ImportsExportedUncoloredMeshesAsWhite) {
     Import(BinaryTriangle());
     const Mesh& back = ThereAndBack(0);
     EXPECT_TRUE(back.m_bHasVertexColors);  // white is written as a colour
@@ -165,7 +165,7 @@ TEST_F(ImportPly, LosesTheColorsOfAMeshWhoseFirstVertexIsBlack) {
     EXPECT_EQ(back.m_vVertices[1].color, 0xFFFFFFFF);
 }
 
-TEST_F(ImportPly, DoesNotTakeAMeshWithoutTrianglesBack) {
+TEST_F(ImportPly, DoesNotImportAnExportedMeshWithoutTriangles) {
     AddMesh(*c, {{}, {}}, {});
     AddMesh(*c, {}, {});
     for (std::int16_t index = 0; index < 2; ++index) {

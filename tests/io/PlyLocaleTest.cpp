@@ -1,4 +1,4 @@
-// The same bytes and numbers where the process's locale writes 1,5 for one and a half and groups digits.
+// Ply files under a locale with a decimal comma and groups of digits: bytes and numbers must not change.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -20,7 +20,7 @@ class GroupedComma : public std::numpunct<char> {
     [[nodiscard]] std::string do_grouping() const override { return "\3"; }
 };
 
-/// The global locale of C++, which new streams take.
+/// Sets the global locale of C++, which is that of new streams.
 class GlobalLocale {
 public:
     GlobalLocale() : m_before(std::locale::global(std::locale(std::locale(), new GroupedComma))) {}
@@ -39,7 +39,7 @@ std::string Written() {
 
 }  // namespace
 
-TEST(PlyFiles, AreTheSameUnderALocaleWithACommaAndGroups) {
+TEST(PlyFiles, DoNotDependOnTheProcessLocale) {
     const ScratchFolder folder;
     std::string zeros;
     for (int i = 0; i < 3000; ++i) zeros += "0 ";
@@ -47,7 +47,7 @@ TEST(PlyFiles, AreTheSameUnderALocaleWithACommaAndGroups) {
         << kText + Vertices(1001) + Faces(1) + kEnd + "1.5 -2.25e-1 3 " + zeros + "3 0 1000 1";
     const std::string before = Written();
     const CommaLocale comma;
-    if (!comma.IsSet()) GTEST_SKIP() << "no sources of locales";
+    if (!comma.IsSet()) GTEST_SKIP() << "the system cannot make locales";
     const GlobalLocale global;
     const PlyMeshData mesh = ReadPlyMesh(KV_ScenePane::WidePath(folder / "a.ply"));
     ASSERT_EQ(mesh.GetVertexCount(), 1001u);

@@ -1,4 +1,4 @@
-// What is read of ply files, and why others are refused.
+// Meshes in ply files: what is read, and why files are refused.
 #include "io/PlyMesh.h"
 
 #include <gmock/gmock.h>
@@ -71,7 +71,7 @@ TEST(ReadPlyMesh, ReadsText) {
     EXPECT_THAT(ColorsOf(mesh), ElementsAre(0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF));
 }
 
-TEST(ReadPlyMesh, TakesFourBytesOfABinaryCoordinateWhateverItsType) {
+TEST(ReadPlyMesh, ReadsFourBytesPerBinaryCoordinateOfAnyType) {
     // The low half of a double that holds two floats, and an int that holds the bits of one.
     const std::string properties = "property double x\nproperty int y\nproperty float z\n";
     const std::string record = Floats({1.5f, 77, 2.5f, 3.5f});
@@ -85,7 +85,7 @@ TEST(ReadPlyMesh, ReadsTextCoordinatesOfEveryType) {
     EXPECT_THAT(Positions(mesh), ElementsAre(Position{150, -2.5f, 300}));
 }
 
-TEST(ReadPlyMesh, FindsCoordinatesInAnyOrderAmongOthersAndLeavesNormalsOut) {
+TEST(ReadPlyMesh, FindsCoordinatesInAnyOrderAndIgnoresNormals) {
     const std::string properties =
         "property float nx\nproperty float z\nproperty uchar quality\nproperty float x\nproperty float ny\n"
         "property float y\nproperty float nz\n";
@@ -136,7 +136,7 @@ TEST(ReadPlyMesh, ReadsTheUsualBinaryFacesUnderAnyName) {
     }
 }
 
-TEST(ReadPlyMesh, ReadsIndicesOfEveryTypeAndOtherItemsBehindThem) {
+TEST(ReadPlyMesh, ReadsIndicesOfEveryTypeBeforeOtherItems) {
     const std::string shorts = Bytes(3, std::int16_t{0}, std::int16_t{1}, std::int16_t{2});
     ExpectTheTriangle(
         Read(kBinary + Vertices(3) + Faces(1, "property list int short vertex_indices\n") + kEnd + Corners() + shorts));
@@ -159,9 +159,9 @@ TEST(ReadPlyMesh, GivesNoTrianglesWithoutFaces) {
           kBinary + Vertices(3) + Faces(0) + kEnd + Corners(), kBinary + Vertices(0) + Faces(0) + kEnd,
           kText + Vertices(0) + Faces(0) + kEnd,
           kText + Vertices(0, std::string(kPositions) + kColors) + Faces(0) + kEnd,
-          // An image for no face needs no coordinates.
+          // Without faces an image needs no texture coordinates.
           kBinary + Vertices(0) + Faces(0) + Image(1) + kEnd + "i",
-          // What is wrong with the colours alone does not matter to whoever asked for a mesh.
+          // Colours are read for meshes only: errors in them are not found without faces.
           kText + Vertices(1, std::string(kPositions) + "property uchar red\n") + kEnd + "0 0 0 9"}) {
         EXPECT_THAT(*Read(file).m_pTriangles, IsEmpty());
     }
@@ -193,7 +193,7 @@ TEST(ReadPlyMesh, ReadsAlpha) {
     }
 }
 
-TEST(ReadPlyMesh, ReadsTextColorsAmongAndAheadOfThePositions) {
+TEST(ReadPlyMesh, ReadsTextColorsBetweenAndBeforeThePositions) {
     const std::string properties =
         "property uchar alpha\nproperty float y\nproperty uchar blue\nproperty uchar red\nproperty float z\n"
         "property float quality\nproperty uchar green\nproperty float x\n";
@@ -203,7 +203,7 @@ TEST(ReadPlyMesh, ReadsTextColorsAmongAndAheadOfThePositions) {
     EXPECT_THAT(ColorsOf(mesh), ElementsAre(0x01040603, 0x0A283C1E));
 }
 
-TEST(ReadPlyMesh, LooksAtNoColorsOfATextWithoutFaces) {
+TEST(ReadPlyMesh, ReadsNoColorsOfATextWithoutFaces) {
     for (const char* data : {"1 2 3 red 5 6", "1 2 3 4 5 6"}) {
         const PlyMeshData mesh = Read(kText + Vertices(1, kColored) + kEnd + data);
         EXPECT_THAT(Positions(mesh), ElementsAre(Position{1, 2, 3}));
@@ -212,9 +212,9 @@ TEST(ReadPlyMesh, LooksAtNoColorsOfATextWithoutFaces) {
     }
 }
 
-// A list in the record puts the walk from any item but the first out of step: from each colour of the first record it
-// takes a token of the second for the list's count and leaves the element.
-TEST(ReadPlyMesh, LeavesColorsBlackThatADisorderedWalkDoesNotReach) {
+// A list in the record breaks the order of a walk from any item but the first: from each colour of the first record it
+// reads a token of the second one as the list's count and skips past the element.
+TEST(ReadPlyMesh, HasBlackColorsWhereAMixedElementEndsTooEarly) {
     const std::string properties = std::string(kPositions) + kColors + "property list uchar int more\n";
     const PlyMeshData mesh =
         Read(kText + Vertices(2, properties) + Faces(1) + kEnd + "0 0 0 1 2 3 0\n0 0 9 4 5 6 0\n3 0 1 0");
@@ -230,7 +230,7 @@ TEST(ReadPlyMesh, IgnoresGreenBlueAndAlphaWithoutRed) {
     EXPECT_THAT(ColorsOf(mesh), ElementsAre(0xFFFFFFFF));
 }
 
-TEST(ReadPlyMesh, TakesTheLowByteOfAWiderColor) {
+TEST(ReadPlyMesh, ReadsTheLowByteOfAWiderColor) {
     const std::string properties =
         std::string(kPositions) + "property short red\nproperty int green\nproperty float blue\n";
     const std::string record = Floats({0, 0, 0}) + Bytes(std::int16_t{0x0111}, 0x01020322, std::uint32_t{0x3F800033});
@@ -268,7 +268,7 @@ TEST(ReadPlyMesh, HasNoTextureWithoutAnImageOrWithoutFaces) {
 
 TEST(ReadPlyMesh, IgnoresATextureInText) {
     const PlyMeshData mesh = Read(kText + Vertices(3) + Faces(1, kFacesWithUv) + Image(2) + kEnd +
-                                  "0 0 0 1 0 0 0 1 0\n3 0 1 2 2 0 1\n65 66\n");  // two coordinates and not six
+                                  "0 0 0 1 0 0 0 1 0\n3 0 1 2 2 0 1\n65 66\n");  // two coordinates instead of six
     ExpectTheTriangle(mesh);
     EXPECT_FALSE(mesh.m_bHasTexture);
     EXPECT_THAT(mesh.m_vImageBytes, IsEmpty());
@@ -380,7 +380,7 @@ const BadFile kBadFiles[] = {
      kBinary + Vertices(3) + Faces(1, kFacesWithUv) + Image(2147483647) + kEnd + Corners() + Face(0, 1, 2) + "\x06" +
          Floats({0, 1, 2, 3, 4, 5}) + "i",
      kEndOfData, 36 + 13 + 25 + 1},
-    // All bytes that the header announces are there, and the last float would still reach behind them.
+    // All bytes that the header announces are there, but the last float ends after them.
     {"CoordinatesOfOneByteEach",
      Header(kBinary, Vertices(1, "property char x\nproperty char y\nproperty char z\n"), "") + "xyz", kEndOfData, 0},
     {"MoreVerticesThanTokens", Header(kText, Vertices(2147483647), Faces(1)) + "0 0 0", kEndOfData, 6},
@@ -411,9 +411,9 @@ TEST_P(ReadPlyMeshRefuses, AndSaysWhy) {
 INSTANTIATE_TEST_SUITE_P(Ply, ReadPlyMeshRefuses, testing::ValuesIn(kBadFiles),
                          [](const auto& row) { return row.param.name; });
 
-TEST(ReadPlyMesh, TakesWhatIsNoFileForAFileWithoutTheMagicWord) {
+TEST(ReadPlyMesh, TreatsAMissingFileAsOneWithoutTheMagicWord) {
     const ScratchFolder folder;
-    ASSERT_EQ(::mkfifo((folder / "pipe.ply").c_str(), 0600), 0);  // nobody writes to it: must not be waited for
+    ASSERT_EQ(::mkfifo((folder / "pipe.ply").c_str(), 0600), 0);  // without a writer: opening it must not wait
     for (const std::string& path : {folder / "missing.ply", folder / "", folder / "pipe.ply"}) {
         try {
             (void)ReadPlyMesh(KV_ScenePane::WidePath(path));

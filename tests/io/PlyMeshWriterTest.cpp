@@ -1,4 +1,4 @@
-// The bytes of written ply files, each held against bytes put together by hand.
+// The bytes of written ply files, compared with bytes made by hand.
 #include "io/PlyMeshWriter.h"
 
 #include <gmock/gmock.h>
@@ -63,8 +63,8 @@ TEST(PlyMeshWriter, WritesPositionsNormalsColorsAndFaces) {
                   "\x03" + Ints({0, 1, 2}) + "\x03" + Ints({2, 1, 0}));
 }
 
-TEST(PlyMeshWriter, LeavesAllColorsOutWhenTheFirstVertexIsBlack) {
-    // The alpha of the first vertex does not count.
+TEST(PlyMeshWriter, WritesNoColorsWhenTheFirstVertexIsBlack) {
+    // The alpha of the first vertex is not compared.
     const Vertex vertices[] = {MakeVertex(1, 0xFF000000), MakeVertex(11, 0xFFFFFFFF)};
     EXPECT_EQ(Text(PlyMeshWriter(vertices, {}, {}, {})), std::string(kMagicToCount) + "2" + kPositionsAndNormals +
                                                              "end_header\n" + Floats(1, 2, 3, 4, 5, 6) +
@@ -76,7 +76,7 @@ TEST(PlyMeshWriter, WritesANewRecordAsWhite) {
                                              "end_header\n" + Floats(0, 0, 0, 0, 0, 0) + "\xFF\xFF\xFF");
 }
 
-TEST(PlyMeshWriter, WritesTextureCoordinatesAndTheImageAsTheyAre) {
+TEST(PlyMeshWriter, WritesTextureCoordinatesAndTheImageUnchanged) {
     const Vertex vertices[3] = {};
     const Triangle triangles[] = {{{0, 1, 2}}, {{1, 2, 0}}};
     const TexCoord texCoords[] = {{0, 0.5f}, {1, 1.5f}, {2, 2.5f}, {3, 3.5f}, {4, 4.5f}, {5, 5.5f}};
@@ -97,7 +97,7 @@ TEST(PlyMeshWriter, WritesAnImageWithoutFaces) {
                                                           "\x07");
 }
 
-TEST(PlyMeshWriter, KeepsNotANumberAndNegativeZeroToTheBit) {
+TEST(PlyMeshWriter, KeepsTheBitsOfNanAndNegativeZero) {
     const std::uint32_t bits[] = {0x7FC12345, 0xFF812345, 0x80000000, 0x00000001, 0x7F800000, 0xFFFFFFFF};
     Vertex vertex;
     std::memcpy(static_cast<void*>(&vertex), bits, sizeof bits);

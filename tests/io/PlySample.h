@@ -22,7 +22,7 @@ inline std::string Faces(int count, const std::string& properties = kFaces) {
 inline std::string Image(int count) { return "element texture " + std::to_string(count) + "\nproperty uchar bytes\n"; }
 constexpr char kEnd[] = "end_header\n";
 
-/// The bytes of some numbers, one behind the other.
+/// The bytes of some numbers, one after the other.
 template <class... Numbers>
 std::string Bytes(Numbers... numbers) {
     std::string bytes;

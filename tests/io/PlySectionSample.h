@@ -27,7 +27,7 @@ std::string Raw(Value value) {
     return bytes;
 }
 
-/// A file that has been read, with its data at hand.
+/// A file that has been read.
 class PlySample {
 public:
     explicit PlySample(const std::string& bytes) {
@@ -41,7 +41,7 @@ private:
     CPLYFile m_file;
 };
 
-/// Runs something that must fail.
+/// Runs an action that must fail, and checks reason and position.
 template <class Action>
 void ExpectPlyError(Action action, const std::string& message, std::int64_t position) {
     try {
@@ -57,45 +57,45 @@ using Ints = std::vector<int>;
 using Floats = std::vector<float>;
 using Starts = std::vector<std::int64_t>;
 
-/// Everything that ForEachInt hands out; checks that the index counts.
+/// All values that ForEachInt() passes to its callback; checks that the index counts up.
 inline Ints AllInts(DataSection& data, std::string_view element, std::string_view property) {
     Ints values;
-    const auto take = [](std::int64_t index, int value, void* user) {
+    const auto append = [](std::int64_t index, int value, void* user) {
         auto& list = *static_cast<Ints*>(user);
         EXPECT_EQ(index, static_cast<std::int64_t>(list.size()));
         list.push_back(value);
         return true;
     };
-    data.ForEachInt(element, property, take, &values);
+    data.ForEachInt(element, property, append, &values);
     return values;
 }
 
 inline Floats AllFloats(DataSection& data, std::string_view element, std::string_view property) {
     Floats values;
-    const auto take = [](std::int64_t, float value, void* user) {
+    const auto append = [](std::int64_t, float value, void* user) {
         static_cast<Floats*>(user)->push_back(value);
         return true;
     };
-    data.ForEachFloat(element, property, take, &values);
+    data.ForEachFloat(element, property, append, &values);
     return values;
 }
 
 inline std::vector<Ints> AllIntLists(DataSection& data, std::string_view element, std::string_view property) {
     std::vector<Ints> values;
-    const auto take = [](std::int64_t, const Ints& value, void* user) {
+    const auto append = [](std::int64_t, const Ints& value, void* user) {
         static_cast<std::vector<Ints>*>(user)->push_back(value);
         return true;
     };
-    data.ForEachIntList(element, property, take, &values);
+    data.ForEachIntList(element, property, append, &values);
     return values;
 }
 
 inline std::vector<Floats> AllFloatLists(DataSection& data, std::string_view element, std::string_view property) {
     std::vector<Floats> values;
-    const auto take = [](std::int64_t, const Floats& value, void* user) {
+    const auto append = [](std::int64_t, const Floats& value, void* user) {
         static_cast<std::vector<Floats>*>(user)->push_back(value);
         return true;
     };
-    data.ForEachFloatList(element, property, take, &values);
+    data.ForEachFloatList(element, property, append, &values);
     return values;
 }

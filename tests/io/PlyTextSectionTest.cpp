@@ -1,11 +1,11 @@
-// What the data of a text file alone does: tokens, and what is wrong with them.
+// Data of text files: tokens, and errors in them.
 #include <gtest/gtest.h>
 
 #include "io/PlySectionSample.h"
 
 namespace {
 
-TEST(PlyText, MixedElementsAreLeftInDisorderFromAnotherItem) {
+TEST(PlyText, LosesTheOrderInMixedElementsFromAnotherItem) {
     // a b: the step from b skips b's count as a property, then its first member as the count of a list
     PlySample sample(AsciiFile("element e 2 property int a property list int int b", "1 2 1 20  5 1 30"));
     auto& data = sample.Data();
@@ -17,8 +17,8 @@ TEST(PlyText, MixedElementsAreLeftInDisorderFromAnotherItem) {
     EXPECT_EQ(data.GetInt(), 5);
 }
 
-TEST(PlyText, ADisorderedWalkWritesNothingBehindTheRecords) {
-    // from b each step takes two tokens of the long list in the third record
+TEST(PlyText, WritesNothingAfterTheTargetsInAMixedElement) {
+    // from b each step skips two tokens of the long list in the third record
     PlySample sample(AsciiFile("element e 3 property list int int l property int b", "0 0  0 0  6 0 0 0 0 0 0 9"));
     int calls = 0;
     const auto count = [](std::int64_t, int, void* user) { return ++*static_cast<int*>(user) > 0; };
@@ -71,12 +71,12 @@ TEST_P(PlyTextRejects, ATokenAndSaysWhichAndWhere) {
 INSTANTIATE_TEST_SUITE_P(Ply, PlyTextRejects, testing::ValuesIn(kBadTexts),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(PlyText, ACountThatIsNoIntegerFailsWhenTheFileIsRead) {
+TEST(PlyText, RefusesAListCountThatIsNotAnInteger) {
     ExpectPlyError([] { PlySample(AsciiFile("element f 2 property list int int l", "1 5 many 1")); },
                    "Integer expected, but found this: many", 5);
 }
 
-TEST(PlyText, TheLargestCountOfAListIsMoreThanThereIs) {
+TEST(PlyText, RefusesTheLargestListCountForLackOfData) {
     const std::string body = "element f 1 property list int int l";
     ExpectPlyError([&] { PlySample(AsciiFile(body, "2147483647 1")); }, "Unexpected end of data.", 13);
     PlySample sample(AsciiFile(body, "1 2147483647"));
@@ -86,19 +86,19 @@ TEST(PlyText, TheLargestCountOfAListIsMoreThanThereIs) {
     EXPECT_EQ(cursor, 2147483649);
 }
 
-TEST(PlyText, ListsWhoseCountsNeedTheSlowWalkAreScannedOneByOne) {
+TEST(PlyText, ScansListsWithUnusualCountsOneByOne) {
     PlySample sample(AsciiFile("element f 3 property list int int l", "\v1 5 2 6 7 3 1 2 3"));
     EXPECT_EQ(sample.Data().m_iEnd, 9);
     EXPECT_EQ(AllIntLists(sample.Data(), "f", "l"), (std::vector<Ints>{{5}, {6, 7}, {1, 2, 3}}));
 }
 
-TEST(PlyText, PrefixesThatParseAreTaken) {
+TEST(PlyText, ReadsTheNumberAtTheStartOfAToken) {
     PlySample sample(AsciiFile("element v 2 property int a", "7.9 0x10"));
     EXPECT_EQ(AllInts(sample.Data(), "v", "a"), (Ints{7, 0}));
     EXPECT_EQ(AllFloats(sample.Data(), "v", "a"), (Floats{7.9F, 0}));
 }
 
-TEST(PlyText, OtherWhiteSpaceBelongsToItsToken) {
+TEST(PlyText, TreatsOtherWhiteSpaceAsPartOfTheToken) {
     PlySample sample(AsciiFile("element v 3 property int a", "\v1 2\f3 \v \f4"));
     EXPECT_EQ(sample.Data().m_iEnd, 3);
     ExpectPlyError([&] { AllInts(sample.Data(), "v", "a"); }, "Integer expected, but found this: \v", 8);
@@ -108,7 +108,7 @@ TEST(PlyText, OtherWhiteSpaceBelongsToItsToken) {
     EXPECT_EQ(values[1], 2);
 }
 
-TEST(PlyText, FewerTokensThanTheGrammarAsksForAreRefused) {
+TEST(PlyText, RefusesFewerTokensThanAnnounced) {
     for (const std::string data : {"", "1", "1 2 3", "1 2 3 4 0 2 1", "1 2 3 4 0 "})
         ExpectPlyError(
             [&] {
@@ -120,7 +120,7 @@ TEST(PlyText, FewerTokensThanTheGrammarAsksForAreRefused) {
         AsciiFile("element v 2 property int a property int b element f 2 property list uchar int l", "1 2 3 4 0 1 1")));
 }
 
-TEST(PlyText, SkipsBehindTheEndButReadsNothingThere) {
+TEST(PlyText, SkipsButDoesNotReadAfterTheEnd) {
     PlySample sample(AsciiFile("element f 1 property list int int l", "1 5 "));
     auto& data = sample.Data();
     data.Seek("f", "l");
@@ -152,18 +152,18 @@ TEST(PlyText, IsReadAtAnyTokenInAnyOrder) {
     }
 }
 
-TEST(PlyText, TellsTheOffsetOfABadTokenAnywhere) {
+TEST(PlyText, ReportsTheOffsetOfABadTokenAnywhere) {
     for (int bad = 0; bad < 200; ++bad) {
         std::string text;
         std::int64_t offset = 0;
         for (int i = 0; i < 200; ++i) {
             text.append(static_cast<std::size_t>(1 + i * 7 % 90), i % 2 == 0 ? ' ' : '\t');
-            if (i == bad) offset = static_cast<std::int64_t>(text.size()) + 1;  // behind the header's line end
+            if (i == bad) offset = static_cast<std::int64_t>(text.size()) + 1;  // after the header's line end
             text += i == bad ? "x7" : "12";
         }
         PlySample sample(AsciiFile("element v 200 property int a", text));
         ExpectPlyError([&] { AllInts(sample.Data(), "v", "a"); }, "Integer expected, but found this: x7", offset);
-        sample.Data().m_iCursor = 199 - bad;  // coming from elsewhere
+        sample.Data().m_iCursor = 199 - bad;  // from another position
         EXPECT_EQ(sample.Data().GetInt(), 12);
         sample.Data().m_iCursor = bad;
         ExpectPlyError([&] { (void)sample.Data().GetFloat(); }, "Float expected, but found this: x7", offset);

@@ -1,4 +1,4 @@
-// Textured meshes in ply files: with a picture on the GPU and without, and the image's bytes there and back.
+// Textured meshes in ply files, with and without an OpenGL context: the bytes of the image survive export and import.
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -22,7 +22,7 @@ using ImageBytes = std::vector<std::uint8_t>;
 /// 2 x 1 pixels, red and blue.
 ImageBytes Png() { return png_file::OfRgba(2, 1, {255, 0, 0, 255, 0, 0, 255, 255}); }
 
-/// The triangle of Corners() with texture coordinates 0 to 2.5, and vertex colours that play no part.
+/// The triangle of Corners() with texture coordinates 0 to 2.5, and vertex colours, which are not used.
 std::string TexturedFile(const ImageBytes& image) {
     const std::string vertex = std::string(kPositions) + kColors;
     const std::string corners =
@@ -77,16 +77,16 @@ void ExpectTheImageThereAndBack() {
     c->ImportMesh(WidePath(folder / "b.ply").c_str());
     ASSERT_EQ(c->GetNumObjects(), 2);
     ExpectTheTexturedTriangle(*c->m_vpMeshes[1]);
-    // From here on every way there and back gives the same bytes.
+    // Every further export and import gives the same bytes.
     c->ExportMesh(1, WidePath(folder / "c.ply").c_str());
     EXPECT_EQ(ReadBytes(folder / "b.ply"), ReadBytes(folder / "c.ply"));
 }
 
-TEST(PlyTexture, ComesBackByteForByteWithoutAPicture) { ExpectTheImageThereAndBack<NoPictureControl>(); }
+TEST(PlyTexture, SurvivesExportAndImportByteForByteWithoutAContext) { ExpectTheImageThereAndBack<NoPictureControl>(); }
 
-TEST(PlyTexture, ComesBackByteForByteWithAPicture) { ExpectTheImageThereAndBack<OffscreenControl>(); }
+TEST(PlyTexture, SurvivesExportAndImportByteForByteWithAContext) { ExpectTheImageThereAndBack<OffscreenControl>(); }
 
-TEST(PlyTexture, IsOnTheGpuWhereThereIsOne) {
+TEST(PlyTexture, IsUploadedWhereThereIsAContext) {
     const ScratchFolder folder;
     WithRegistry<OffscreenControl> picture;
     ImportFile(*picture, folder, TexturedFile(Png()));
@@ -97,7 +97,7 @@ TEST(PlyTexture, IsOnTheGpuWhereThereIsOne) {
     EXPECT_EQ(none->m_vpMeshes[0]->m_pTexture->m_uName, 0u);
 }
 
-TEST(PlyTexture, ThatCannotBeDecodedEndsTheImport) {
+TEST(PlyTexture, EndsTheImportWhenItCannotBeDecoded) {
     const ScratchFolder folder;
     WithRegistry<NoPictureControl> c;
     ImageBytes broken = Png();
@@ -114,9 +114,9 @@ TEST(PlyTexture, NeedsTheComponentRegistry) {
     EXPECT_EQ(c->GetNumObjects(), 0);
 }
 
-TEST(PlyTexture, InTextIsNoTexture) {
+TEST(PlyTexture, IsIgnoredInTextFiles) {
     const ScratchFolder folder;
-    NoPictureControl c;  // without a registry: nothing may ask for it
+    NoPictureControl c;  // its registry is not started
     ImportFile(*c, folder,
                kText + Vertices(3) + Faces(1, kFacesWithUv) + Image(2) + kEnd +
                    "0 0 0 1 0 0 0 1 0\n3 0 1 2 6 0 0 1 0 0 1\n65 66\n");

@@ -26,7 +26,7 @@ MeshBytes Ois() {
            Indices(2, 1, 0);
 }
 
-/// The same with normals from 0.1 on, and face normals that nobody shall take.
+/// The same with normals from 0.1 on, and face normals that must be ignored.
 MeshBytes Msh() {
     const MeshBytes face = Packed(Float3{5e5f, 6e6f, 7e7f});
     return Counts(3, 2) + Packed(Float3{1, 2, 3}, Float3{0.1f, 0.2f, 0.3f}, Float3{4, 5, 6}, Float3{0.4f, 0.5f, 0.6f}) +
@@ -83,13 +83,13 @@ constexpr const char* kLessThanHalf = "holds less than half of the mesh that it 
 
 }  // namespace
 
-TEST(ReadOis, TakesPositionsAndTriangles) {
+TEST(ReadOis, ReadsPositionsAndTriangles) {
     const MeshBuffers mesh = ReadOis(Ois());
     EXPECT_THAT(Vertices(mesh), ElementsAre(Row{1, 2, 3}, Row{4, 5, 6}, Row{7, 8, 9}));
     EXPECT_THAT(Corners(mesh), ElementsAre(Corner{0, 1, 2}, Corner{2, 1, 0}));
 }
 
-TEST(ReadMsh, TakesPositionsNormalsAndTriangles) {
+TEST(ReadMsh, ReadsPositionsNormalsAndTriangles) {
     const MeshBuffers mesh = ReadMsh(Msh());
     EXPECT_THAT(Vertices(mesh), ElementsAre(Row{1, 2, 3, 0.1f, 0.2f, 0.3f}, Row{4, 5, 6, 0.4f, 0.5f, 0.6f},
                                             Row{7, 8, 9, 0.7f, 0.8f, 0.9f}));
@@ -97,7 +97,7 @@ TEST(ReadMsh, TakesPositionsNormalsAndTriangles) {
 }
 
 TEST(ReadOis, AShortFileKeepsTheLastValues) {
-    // 60 bytes of records: a file of 48 ends behind the first triangle's first index
+    // 60 bytes of records: a file of 48 ends after the first index of the first triangle
     const MeshBuffers inTriangle = ReadOis(Cut(Ois(), 8 + 36 + 4));
     EXPECT_THAT(Corners(inTriangle), ElementsAre(Corner{0, 0, 0}, Corner{0, 0, 0})) << "zero at first";
     const MeshBuffers inSecond = ReadOis(Cut(Ois(), 8 + 36 + 12 + 7));
@@ -117,24 +117,24 @@ TEST(ReadMsh, AShortFileKeepsTheLastValues) {
     EXPECT_THAT(Corners(inTriangle), ElementsAre(Corner{0, 1, 2}, Corner{2, 1, 2}));
 }
 
-TEST_P(SmallMeshes, ColorAndGridIndexStayZero) {
+TEST_P(SmallMeshes, HasZeroColorsAndGridIndices) {
     for (const Vertex& v : GetParam().read(GetParam().sample).m_vVertices) {
         EXPECT_EQ(v.color, 0u);
         EXPECT_EQ(v.gridIndex, 0u);
     }
 }
 
-TEST_P(SmallMeshes, RefusesLessThanHalfOfWhatIsAnnounced) {
+TEST_P(SmallMeshes, RefusesLessThanHalfOfTheAnnouncedBytes) {
     const std::size_t records = GetParam().sample.size() - 8;
     EXPECT_EQ(Refusal(Cut(GetParam().sample, 8 + records / 2)), "accepted");
     EXPECT_EQ(Refusal(Cut(GetParam().sample, 8 + records / 2 - 1)), kLessThanHalf);
 }
 
-TEST_P(SmallMeshes, DoesNotBelieveHugeCounts) {
+TEST_P(SmallMeshes, ChecksHugeCountsBeforeItAllocates) {
     EXPECT_EQ(Refusal(WithCounts(0x7FFFFFFF, 2)), kLessThanHalf);
     EXPECT_EQ(Refusal(WithCounts(3, 0x7FFFFFFF)), kLessThanHalf);
     EXPECT_EQ(Refusal(WithCounts(0x7FFFFFFF, 0x7FFFFFFF)), kLessThanHalf);
-    EXPECT_EQ(Refusal(WithCounts(0x15555556, 0)), kLessThanHalf) << "times 12 or 24 it wraps in 32 bits";
+    EXPECT_EQ(Refusal(WithCounts(0x15555556, 0)), kLessThanHalf) << "multiplied by 12 or 24 it overflows 32 bits";
 }
 
 TEST_P(SmallMeshes, RefusesNegativeCounts) {
@@ -148,13 +148,13 @@ TEST_P(SmallMeshes, RefusesAFileThatEndsBeforeItsCounts) {
     EXPECT_EQ(Refusal(Cut(GetParam().sample, 7)), "ends before its counts");
 }
 
-TEST_P(SmallMeshes, AMeshWithoutTrianglesOrVerticesIsOne) {
+TEST_P(SmallMeshes, CanBeWithoutTrianglesOrVertices) {
     EXPECT_EQ(GetParam().read(WithCounts(3, 0)).m_vVertices.size(), 3u);
     EXPECT_TRUE(GetParam().read(WithCounts(3, 0)).m_vTriangles.empty());
     EXPECT_TRUE(GetParam().read(Counts(0, 0)).m_vVertices.empty());
 }
 
-TEST_P(SmallMeshes, RefusesATriangleBeyondTheVerticesAndTellsTheFirst) {
+TEST_P(SmallMeshes, NamesTheFirstTriangleThatRefersToAMissingVertex) {
     for (std::size_t corner = 0; corner < 3; ++corner) {
         EXPECT_EQ(Refusal(WithIndex(corner, 2)), "accepted");
         EXPECT_EQ(Refusal(WithIndex(corner, 3)), "triangle 1 refers to vertex 3, but there are 3");
@@ -166,7 +166,7 @@ TEST_P(SmallMeshes, RefusesATriangleBeyondTheVerticesAndTellsTheFirst) {
         << "the bits of 1.0 or 0.1, where vertices are missing";
 }
 
-TEST_P(SmallMeshes, TakesMoreThanABlockOfRecords) {
+TEST_P(SmallMeshes, ReadsMoreThanABlockOfRecords) {
     constexpr std::int32_t kCount = 30'000;
     MeshBytes bytes = Counts(kCount, kCount);
     for (std::int32_t i = 0; i < kCount; ++i) {

@@ -1,4 +1,4 @@
-// Binary stl: what becomes of its records, of files that are short, text or hostile, and the bytes that are written.
+// Binary stl: records, files that are short, text or hostile, and the written bytes.
 #include "io/StlMesh.h"
 
 #include <gmock/gmock.h>
@@ -70,7 +70,7 @@ TEST(ReadStl, WeldsTheCornersOfASharedEdge) {
     EXPECT_FALSE(mesh.HasColors());
 }
 
-TEST(ReadStl, CoordinatesThatDifferInTheLastBitDoNotWeld) {
+TEST(ReadStl, DoesNotWeldCoordinatesThatDifferInTheLastBit) {
     const Float3 nearB{std::nextafter(1.0f, 2.0f), 0, 0}, nearC{0, std::nextafter(1.0f, 0.0f), 0};
     EXPECT_EQ(ReadStl(StlFile({{kA, kB, kC}, {nearC, nearB, kD}})).m_vVertices.size(), 6u);
 }
@@ -89,7 +89,7 @@ TEST(ReadStl, KeepsNansApart) {
     EXPECT_TRUE(std::isnan(mesh.m_vVertices[3].x));
 }
 
-TEST(ReadStl, NormalColorAndGridIndexStayZero) {
+TEST(ReadStl, HasZeroNormalsColorsAndGridIndices) {
     const MeshBuffers mesh = ReadStl(StlFile({{kA, kB, kC}}));
     for (const Vertex& v : mesh.m_vVertices) {
         EXPECT_THAT((std::array{v.nx, v.ny, v.nz}), ElementsAre(0, 0, 0)) << "the file's normals are never used";
@@ -98,16 +98,16 @@ TEST(ReadStl, NormalColorAndGridIndexStayZero) {
     }
 }
 
-TEST(ReadStl, DoesNotLookAtTheHeader) {
+TEST(ReadStl, IgnoresTheHeader) {
     const MeshBytes file = StlHead(1, "solid of a file that is binary all the same") + StlRecord(kA, kB, kC);
     EXPECT_EQ(ReadStl(file).m_vTriangles.size(), 1u);
 }
 
-TEST(ReadStl, BytesBehindTheLastTriangleAreIgnored) {
+TEST(ReadStl, IgnoresBytesAfterTheLastTriangle) {
     EXPECT_EQ(ReadStl(StlFile({{kA, kB, kC}}) + MeshBytes(500, std::byte{0x77})).m_vTriangles.size(), 1u);
 }
 
-TEST(ReadStl, TakesMoreTrianglesThanABlockHas) {
+TEST(ReadStl, ReadsMoreTrianglesThanABlockHas) {
     // a strip of 20,000 triangles, each with one new corner
     std::vector<std::array<Float3, 3>> strip;
     const auto corner = [](int i) { return Float3{static_cast<float>(i), static_cast<float>(i % 2), 0}; };
@@ -127,7 +127,7 @@ TEST(ReadStl, TakesMoreTrianglesThanABlockHas) {
     EXPECT_EQ(mesh.m_vVertices.back().x, 20'001.0f);
 }
 
-TEST(ReadStl, ASoupHasThreeVerticesATriangle) {
+TEST(ReadStl, HasThreeVerticesPerTriangleOfATriangleSoup) {
     MeshBytes bytes = StlHead(5'000);
     for (int i = 0; i < 5'000; ++i) {
         const auto x = static_cast<float>(i);
@@ -142,14 +142,14 @@ TEST(ReadStl, ASoupHasThreeVerticesATriangle) {
 
 // ---- short files
 
-TEST(ReadStl, AFileThatEndsBetweenTrianglesRepeatsTheLastCorner) {
+TEST(ReadStl, RepeatsTheLastCornerWhereAFileEndsBetweenTriangles) {
     const MeshBytes file = Cut(StlFile({{kA, kB, kC}, {kC, kB, kD}}), 84 + 50);
     const MeshBuffers mesh = ReadStl(file);
     EXPECT_THAT(Positions(mesh), ElementsAre(kA, kB, kC));
     EXPECT_THAT(Corners(mesh), ElementsAre(std::array{0, 1, 2}, std::array{2, 2, 2}));
 }
 
-TEST(ReadStl, AFileThatEndsInsideATriangleTakesItsWholeCoordinates) {
+TEST(ReadStl, ReadsTheWholeCoordinatesOfAnIncompleteTriangle) {
     const Float3 p{10, 11, 12}, q{13, 14, 15}, r{16, 17, 18};
     const MeshBytes file = StlFile({{kA, kB, kC}, {p, q, r}, {p, q, r}});
     struct {
@@ -166,7 +166,7 @@ TEST(ReadStl, AFileThatEndsInsideATriangleTakesItsWholeCoordinates) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.size);
-        // The rule of half counts the third triangle, too: behind the cut stands nothing.
+        // The file needs half of all three triangles; the third one is missing completely.
         MeshBytes cut = Cut(file, 84 + 50 + row.size);
         if (row.size < 25) {
             cut = StlHead(2) + MeshBytes(cut.begin() + 84, cut.end());
@@ -182,21 +182,21 @@ TEST(ReadStl, AFileThatEndsInsideATriangleTakesItsWholeCoordinates) {
     }
 }
 
-TEST(ReadStl, CoordinatesAreZeroWhereNothingWasRead) {
+TEST(ReadStl, HasZeroCoordinatesWhereNothingWasRead) {
     const MeshBuffers mesh = ReadStl(Cut(StlHead(1) + StlRecord({5, 6, 7}, kB, kC), 84 + 25));
     EXPECT_THAT(Positions(mesh), ElementsAre(Float3{5, 6, 7}));
     const MeshBuffers half = ReadStl(Cut(StlHead(1) + StlRecord({5, 6, 7}, kB, kC), 84 + 27));
     EXPECT_THAT(Corners(half), ElementsAre(std::array{0, 0, 0}));
 }
 
-TEST(ReadStl, RefusesLessThanHalfOfWhatIsAnnounced) {
+TEST(ReadStl, RefusesLessThanHalfOfTheAnnouncedBytes) {
     const MeshBytes five = StlFile({{kA, kB, kC}, {kA, kB, kC}, {kA, kB, kC}, {kA, kB, kC}, {kA, kB, kC}});
     EXPECT_EQ(ReadStl(Cut(five, 84 + 125)).m_vTriangles.size(), 5u);
     EXPECT_EQ(Refusal(Cut(five, 84 + 124)), kLessThanHalf);
     EXPECT_EQ(Refusal(StlHead(1)), kLessThanHalf);
 }
 
-TEST(ReadStl, DoesNotBelieveHugeCounts) {
+TEST(ReadStl, ChecksHugeCountsBeforeItAllocates) {
     for (const std::uint32_t count : {0xFFFFFFFFu, 0x80000000u, 0x7FFFFFFFu, 85'899'346u /* x 50 wraps to 4 */})
         EXPECT_EQ(Refusal(StlHead(count) + StlRecord(kA, kB, kC)), kLessThanHalf) << count;
 }
@@ -205,10 +205,10 @@ TEST(ReadStl, RefusesAFileWithoutTriangles) {
     EXPECT_EQ(Refusal(StlHead(0) + StlRecord(kA, kB, kC)), "holds no triangle");
     EXPECT_EQ(Refusal({}), "holds no triangle");
     EXPECT_EQ(Refusal(Cut(StlHead(1), 80)), "holds no triangle");
-    EXPECT_EQ(Refusal(Cut(StlHead(1), 83)), "holds no triangle") << "half a count is none";
+    EXPECT_EQ(Refusal(Cut(StlHead(1), 83)), "holds no triangle") << "half a count is no count";
 }
 
-TEST(ReadStl, SaysOfARefusedFileThatStartsLikeTextThatTextIsNotRead) {
+TEST(ReadStl, MentionsTextInTheReasonOfAFileThatStartsLikeText) {
     const std::string text =
         "solid part\n facet normal 0 0 1\n  outer loop\n   vertex 0 0 0\n   vertex 1 0 0\n   vertex "
         "0 1 0\n  endloop\n endfacet\nendsolid part\n";
@@ -218,7 +218,8 @@ TEST(ReadStl, SaysOfARefusedFileThatStartsLikeTextThatTextIsNotRead) {
     EXPECT_THAT(Refusal(StlHead(9, "solids")), HasSubstr("text is not read"));
     EXPECT_THAT(Refusal(StlHead(9, " \tsolid")), HasSubstr("text is not read"));
     EXPECT_THAT(Refusal(StlHead(9, "a solid")), Not(HasSubstr("text")));
-    EXPECT_THAT(Refusal(StlHead(9, std::string(76, ' ') + "soli")), Not(HasSubstr("text"))) << "the count is no text";
+    EXPECT_THAT(Refusal(StlHead(9, std::string(76, ' ') + "soli")), Not(HasSubstr("text")))
+        << "the count is not part of the text";
 }
 
 // ---- files
@@ -230,7 +231,7 @@ TEST(ReadStlFile, ReadsWhatIsInTheFile) {
     EXPECT_THAT(Positions(ReadStlFile(WidePath(path))), ElementsAre(kA, kB, kC, kD));
 }
 
-TEST(ReadStlFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
+TEST(ReadStlFile, RefusesSpecialFilesWithoutWaiting) {
     const ScratchFolder folder;
     const std::string pipe = folder / "pipe.stl";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -241,20 +242,20 @@ TEST(ReadStlFile, RefusesWhatIsNoRegularFileWithoutWaiting) {
                 ThrowsMessage<FileReadError>(testing::StartsWith("cannot be opened: ")));
 }
 
-TEST(ReadStlFile, SaysThatAFileCannotBeRead) {
+TEST(ReadStlFile, ReportsAFileThatCannotBeRead) {
     // The memory of this process as a file: regular, of size zero, and nothing is mapped at its start.
     EXPECT_THAT([&] { (void)ReadStlFile(L"/proc/self/mem"); },
                 ThrowsMessage<FileReadError>(StrEq("cannot be read: Input/output error")));
 }
 
-TEST(ReadStlFile, RefusesTheHugeCountOfAHugeFileOfHoles) {
-    // 60 GB of nothing, which takes no room on the disk: one triangle more than there may be
+TEST(ReadStlFile, RefusesAHugeCountInASparseFile) {
+    // A sparse file of 60 GB, which needs no disk space: one triangle more than the limit.
     const ScratchFolder folder;
     const std::string path = folder / "holes.stl";
     WriteBytes(path, StlHead(0x80000000u));
     std::error_code error;
     std::filesystem::resize_file(path, 60'000'000'000, error);
-    if (error) GTEST_SKIP() << "no such large files here: " << error.message();
+    if (error) GTEST_SKIP() << "the file system has no files of this size: " << error.message();
     EXPECT_THAT([&] { (void)ReadStlFile(WidePath(path)); },
                 ThrowsMessage<FileReadError>(StrEq("has more triangles than can be counted")));
 }
@@ -270,7 +271,7 @@ TEST(WriteStl, WritesTheHeaderThenNormalAndCornersOfEachTriangle) {
     EXPECT_EQ(Written(mesh), expected);
 }
 
-TEST(WriteStl, TakesTheNormalFromThePositionsAndNotFromTheVertices) {
+TEST(WriteStl, ComputesTheNormalFromThePositions) {
     Mesh mesh({At(0, 0, 0), At(0, 0, 5), At(0, 5, 0)}, {{{0, 1, 2}}}, L"", false);
     for (Vertex& vertex : mesh.m_vVertices) vertex.nz = 1;
     const MeshBytes bytes = Written(mesh);
@@ -279,7 +280,7 @@ TEST(WriteStl, TakesTheNormalFromThePositionsAndNotFromTheVertices) {
     EXPECT_EQ(normal, (Float3{-1, 0, 0}));
 }
 
-TEST(WriteStl, ADegenerateTriangleHasANormalOfZero) {
+TEST(WriteStl, GivesADegenerateTriangleAZeroNormal) {
     const MeshBytes bytes = Written(Mesh({At(1, 1, 1), At(2, 2, 2)}, {{{0, 1, 1}}}, L"", false));
     ASSERT_EQ(bytes.size(), 134u);
     Float3 normal;
@@ -287,11 +288,11 @@ TEST(WriteStl, ADegenerateTriangleHasANormalOfZero) {
     EXPECT_EQ(normal, (Float3{0, 0, 0}));
 }
 
-TEST(WriteStl, AMeshWithoutTrianglesIsAHeaderWithACountOfZero) {
+TEST(WriteStl, WritesAHeaderWithACountOfZeroForAnEmptyMesh) {
     EXPECT_EQ(Written(Mesh(L"", false)), Padded("Generated by Kavelin Messtechnik", 84));
 }
 
-TEST(WriteStl, ThrowsForATriangleBeyondTheVertices) {
+TEST(WriteStl, ThrowsForATriangleWithAMissingVertex) {
     for (const std::int32_t index : {3, -1, std::numeric_limits<std::int32_t>::min()})
         for (int corner = 0; corner < 3; ++corner) {
             Mesh mesh({At(0, 0, 0), At(1, 0, 0), At(0, 1, 0)}, {{{0, 1, 2}}}, L"", false);
@@ -302,10 +303,10 @@ TEST(WriteStl, ThrowsForATriangleBeyondTheVertices) {
         }
 }
 
-TEST(WriteStl, WhatIsReadBackHasTheSameTrianglesWithCornersWelded) {
+TEST(WriteStl, WritesTrianglesThatAreReadBackWelded) {
     std::vector<Vertex> vertices;
     std::vector<Triangle> triangles;
-    for (int i = 0; i < 12'000; ++i) {  // more than one block; every vertex is there twice
+    for (int i = 0; i < 12'000; ++i) {  // more than one block; every vertex exists twice
         const auto x = static_cast<float>(i / 2) * 0.1f;
         vertices.push_back(At(x, x * x, static_cast<float>(i / 2 % 3)));
         if (i >= 2) triangles.push_back({{i - 2, i - 1, i}});

@@ -1,3 +1,4 @@
+// Numbers in text compared with those of a stream, on random and on chosen texts.
 #include "io/StreamNumber.h"
 
 #include <gtest/gtest.h>
@@ -12,11 +13,11 @@
 #include "host/CommaLocale.h"
 
 namespace {
-/// The definition: one stream, given token after token.
+/// The reference: a stream that reads one token after the other.
 class Stream {
 public:
     Stream() { m_stream.imbue(std::locale::classic()); }
-    /// @return characters taken, -1 where the stream fails
+    /// @return number of characters read, -1 where the stream fails
     template <class Number>
     int Read(const std::string& token, Number& value) {
         m_stream.clear();
@@ -57,7 +58,7 @@ std::string Digits(Random& random, int most) {
     return digits;
 }
 
-/// Any characters that mean something in numbers, in any order.
+/// Characters that occur in numbers, in any order.
 std::string Soup(Random& random) {
     static constexpr char kSoup[] = "0123456789000111999+-..eExXnaif,\v\f\t \n_d";
     std::string token;
@@ -65,7 +66,7 @@ std::string Soup(Random& random) {
     return token;
 }
 
-/// Shaped like a number, here and there spoilt.
+/// In the form of a number, sometimes with an error.
 std::string Shaped(Random& random) {
     std::string token = Below(random, 3) == 0 ? (Below(random, 2) == 0 ? "-" : "+") : "";
     if (Below(random, 4) == 0) token += std::string(static_cast<std::size_t>(Below(random, 30)), '0');
@@ -80,7 +81,7 @@ std::string Shaped(Random& random) {
     return token;
 }
 
-/// Exactly between two floats, and just beside it.
+/// Exactly between two floats, or next to that.
 std::string BetweenFloats(Random& random) {
     const auto bits = static_cast<std::uint32_t>(random()) & 0x7fffffff;
     const auto low = std::bit_cast<float>(bits < 0x7f7fffff ? bits : 0x7f000000U);
@@ -93,7 +94,7 @@ std::string BetweenFloats(Random& random) {
     return token;
 }
 
-/// What programs write.
+/// In the form that programs write.
 std::string Printed(Random& random) {
     char text[400];
     const float value = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
@@ -111,7 +112,7 @@ TEST(StreamNumber, AgreesWithTheStreamOnAMillionRandomTokens) {
     int differences = 0;
     for (int i = 0; i < 1'000'000 && differences < 10; ++i) {
         const std::string token = kMakers[i % 4](random);
-        // as a token at the end of a text, and with others behind it
+        // as a token at the end of a text, and with others after it
         const std::string difference =
             Difference(stream, token) + Difference(stream, token + kBehind[Below(random, 4)]);
         if (difference.empty()) continue;
@@ -127,7 +128,7 @@ struct NumberCase {
     bool isFloat;
     float floating;
 };
-// Written down by hand: the stream could be used wrongly in the test above.
+// Expected values by hand: the reference of the test above could be wrong.
 const NumberCase kNumbers[] = {
     {"12", true, 12, true, 12},
     {"+5", true, 5, true, 5},
@@ -178,9 +179,9 @@ TEST(StreamNumber, IsReadOrRefused) {
     }
 }
 
-TEST(StreamNumber, DoesNotGoByTheLocaleOfTheProcess) {
+TEST(StreamNumber, DoesNotDependOnTheProcessLocale) {
     const CommaLocale comma;
-    if (!comma.IsSet()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
+    if (!comma.IsSet()) GTEST_SKIP() << "the system cannot make a locale with a decimal comma";
     for (const std::string token : {"1.5", "1.00000017881393432617187500000001"}) {  // exact arithmetic; the library
         float value = 0;
         ASSERT_EQ(ReadStreamFloat(token.data(), token.data() + token.size(), value), token.data() + token.size());

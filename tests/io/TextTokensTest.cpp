@@ -1,3 +1,4 @@
+// Tokens found 64 characters at a time compared with those found one by one.
 #include "io/TextTokens.h"
 
 #include <gtest/gtest.h>
@@ -33,10 +34,10 @@ void ExpectTheSameTokens(const std::string& text, std::mt19937& random) {
     }
 }
 
-TEST(TextTokens, AreThoseFoundCharacterByCharacter) {
+TEST(TextTokens, AreThoseThatASearchByCharacterFinds) {
     std::mt19937 random(7);
     for (int round = 0; round < 3000; ++round) {
-        const auto spacing = 1 + random() % 20;  // from no token in sight to single characters
+        const auto spacing = 1 + random() % 20;  // from long tokens to single characters
         std::string text(random() % (round < 2900 ? 400 : 40000), '\0');
         for (char& c : text) {
             const auto kind = random() % 20;
@@ -46,7 +47,7 @@ TEST(TextTokens, AreThoseFoundCharacterByCharacter) {
     }
 }
 
-TEST(TextTokens, OfOneCharacterFillEveryOtherPlace) {
+TEST(TextTokens, CanHaveOneCharacterEach) {
     std::mt19937 random(8);
     std::string text;
     for (int i = 0; i < 500; ++i) text += "7 ";
@@ -54,7 +55,7 @@ TEST(TextTokens, OfOneCharacterFillEveryOtherPlace) {
     ExpectTheSameTokens(' ' + text, random);
 }
 
-TEST(TextTokens, ArePartedByFourCharactersOnly) {
+TEST(TextTokens, AreSeparatedByFourCharactersOnly) {
     for (int c = 0; c < 256; ++c) {
         const std::string text = std::string("a") + static_cast<char>(c) + "b";
         std::vector<std::int64_t> noted;

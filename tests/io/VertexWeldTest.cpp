@@ -1,4 +1,4 @@
-// The weld against the ordered map that defines it, on positions of every kind.
+// The weld compared with an ordered map, on positions of every kind.
 #include "io/VertexWeld.h"
 
 #include <gmock/gmock.h>
@@ -19,13 +19,13 @@ struct Welded {
     std::vector<std::int32_t> indices;
 };
 
-/// The definition: a map ordered by x, then y, then z.
+/// The reference: a map ordered by x, then y, then z.
 Welded WeldByMap(const std::vector<Float3>& positions) {
     Welded welded;
     std::map<Float3, std::int32_t> indexOf;
     for (const Float3& p : positions) {
         const auto next = static_cast<std::int32_t>(welded.vertices.size());
-        // A NaN has no place in an order.
+        // A NaN cannot be ordered.
         const bool hasNan = std::isnan(p[0]) || std::isnan(p[1]) || std::isnan(p[2]);
         const std::int32_t index = hasNan ? next : indexOf.try_emplace(p, next).first->second;
         if (index == next) {
@@ -40,7 +40,7 @@ Welded WeldByMap(const std::vector<Float3>& positions) {
     return welded;
 }
 
-/// In pieces of odd sizes, into a table that starts small.
+/// Welds in pieces of different sizes, into a table that is small at first.
 Welded WeldInPieces(const std::vector<Float3>& positions, std::size_t expected = 0) {
     Welded welded;
     welded.indices.resize(positions.size());
@@ -75,12 +75,12 @@ TEST(VertexWeld, GivesEqualPositionsOneVertexInOrderOfFirstUse) {
     EXPECT_EQ(welded.vertices[1].gridIndex, 0u);
 }
 
-TEST(VertexWeld, PositionsThatDifferInTheLastBitStayApart) {
+TEST(VertexWeld, DoesNotWeldPositionsThatDifferInTheLastBit) {
     const float next = std::nextafter(1.0f, 2.0f);
     EXPECT_THAT(WeldInPieces({{1, 1, 1}, {next, 1, 1}, {1, next, 1}, {1, 1, next}}).indices, ElementsAre(0, 1, 2, 3));
 }
 
-TEST(VertexWeld, BothZerosAreOneAndTheFirstSignStays) {
+TEST(VertexWeld, WeldsBothZerosWithTheFirstSign) {
     const Welded welded = WeldInPieces({{-0.0f, 0.0f, -0.0f}, {0.0f, -0.0f, 0.0f}, {0.0f, 0.0f, 1.0f}});
     EXPECT_THAT(welded.indices, ElementsAre(0, 0, 1));
     EXPECT_TRUE(std::signbit(welded.vertices[0].x));
@@ -88,21 +88,21 @@ TEST(VertexWeld, BothZerosAreOneAndTheFirstSignStays) {
     EXPECT_TRUE(std::signbit(welded.vertices[0].z));
 }
 
-TEST(VertexWeld, DenormalsAreNumbersLikeOthers) {
+TEST(VertexWeld, WeldsDenormalsLikeOtherNumbers) {
     EXPECT_THAT(
         WeldInPieces({{0, 0, 0}, {kSmallest, 0, 0}, {-kSmallest, 0, 0}, {2 * kSmallest, 0, 0}, {kSmallest, 0, 0}})
             .indices,
         ElementsAre(0, 1, 2, 3, 1));
 }
 
-TEST(VertexWeld, ANanNeverWeldsAndKeepsItsBits) {
+TEST(VertexWeld, NeverWeldsNanAndKeepsItsBits) {
     const float payload = std::bit_cast<float>(0xFFC12345u);
     const Welded welded = WeldInPieces({{NAN, 0, 0}, {NAN, 0, 0}, {0, payload, 0}, {0, 0, NAN}, {0, 0, 0}, {0, 0, 0}});
     EXPECT_THAT(welded.indices, ElementsAre(0, 1, 2, 3, 4, 4));
     EXPECT_EQ(std::bit_cast<std::uint32_t>(welded.vertices[2].y), 0xFFC12345u);
 }
 
-TEST(VertexWeld, InfinitiesWeld) {
+TEST(VertexWeld, WeldsInfinities) {
     EXPECT_THAT(WeldInPieces({{kInfinity, 0, 0}, {-kInfinity, 0, 0}, {kInfinity, 0, 0}}).indices, ElementsAre(0, 1, 0));
 }
 
@@ -122,7 +122,7 @@ TEST(VertexWeld, AgreesWithTheMapOnGridsOfManyRepeats) {
 
 TEST(VertexWeld, AgreesWithTheMapOnRandomBits) {
     std::mt19937 random(2);
-    // few patterns, so that they meet: zeros, denormals, NaNs, infinities, their neighbours
+    // few patterns, so that many are equal: zeros, denormals, NaNs, infinities, their neighbours
     const std::uint32_t patterns[] = {0u,          0x80000000u, 1u,          0x80000001u, 0x007FFFFFu,
                                       0x00800000u, 0x7F800000u, 0xFF800000u, 0x7F800001u, 0x7FC00000u,
                                       0xFFC00000u, 0x3F800000u, 0x3F800001u, 0xBF800000u};
@@ -142,8 +142,9 @@ TEST(VertexWeld, AgreesWithTheMapOnMillionsOfEqualPoints) {
     ExpectSame(WeldInPieces(positions), WeldByMap(positions));
 }
 
-TEST(VertexWeld, StaysQuickForPositionsThatMeetUnderAKnownSeed) {
-    // Three thousand positions whose searches start in the same 512 of 2^20 slots: each would pass all before it.
+TEST(VertexWeld, IsFastForPositionsThatCollideUnderAKnownSeed) {
+    // Three thousand positions whose searches start in the same 512 of 2^20 slots: each would be compared with all
+    // before it.
     constexpr std::uint64_t kSeed = 12345, kSlots = 1 << 20;
     std::vector<Float3> positions;
     for (std::uint32_t i = 1; positions.size() < 3'000; ++i) {
@@ -154,8 +155,8 @@ TEST(VertexWeld, StaysQuickForPositionsThatMeetUnderAKnownSeed) {
     welded.indices.resize(positions.size());
     VertexWeld weld(welded.vertices, 600'000, kSeed);
     weld.Weld(positions, welded.indices.data());
-    EXPECT_EQ(weld.ReseedCount(), 1) << "searches became long, once";
+    EXPECT_EQ(weld.ReseedCount(), 1) << "the seed changed once, after a long search";
     ExpectSame(welded, WeldByMap(positions));
-    // Under a seed of its own the same positions are as good as any.
+    // Under a random seed the same positions do not collide.
     ExpectSame(WeldInPieces(positions, 600'000), WeldByMap(positions));
 }
