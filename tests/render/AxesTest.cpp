@@ -1,4 +1,4 @@
-// The axes in the corner: their place, directions, colours and depth, and what they leave in the view.
+// The axes in the corner: position, directions, colours, labels and depth, and their effect on the view.
 #include <algorithm>
 #include <optional>
 
@@ -55,17 +55,17 @@ GlyphSet BlankGlyphs(const FontRequest&) {
     return set;
 }
 
-/// A window whose shorter side is 1010 pixels. In it, of 1010 pixels: the shaft a fifteenth; the cone from a twentieth
-/// on, a fiftieth long, at its bottom a hundred-and-fiftieth in radius; the label a two-hundredth behind the shaft.
+/// A window whose shorter side is 1010 pixels. Lengths as fractions of 1010 pixels: the shaft 1/15; the cone starts at
+/// 1/20, is 1/50 long and has a base radius of 1/150; the label starts 1/200 after the end of the shaft.
 class AxesScene : public SceneTest {
 protected:
     static constexpr double kShaft = 1010 / 15.0, kConeFrom = 1010 / 20.0, kConeLength = 1010 / 50.0;
     static constexpr double kConeRadius = 1010 / 150.0, kLabel = kShaft + 1010 / 200.0;
-    /// In the standard view the x label would end 75.75 pixels from the corner: 75, and 15 more.
+    /// In the standard view the cone of x and the gap before its label end 75.75 pixels from the origin: rounded down
+    /// to 75, plus 15 for the label.
     static constexpr double kOrigin = 90;
 
-    explicit AxesScene(int width = 1300, int height = 1010)
-        : SceneTest(PaneWindowRequest::Kind::OffScreen, width, height) {
+    explicit AxesScene(int width = 1300, int height = 1010) : SceneTest(WindowKind::OffScreen, width, height) {
         pane->m_nShowAxes = 1;
     }
     void Turn(const View& view) {
@@ -76,18 +76,25 @@ protected:
         pane->m_fAxisX = narrow(view.axisX), pane->m_fAxisY = narrow(view.axisY), pane->m_fAxisZ = narrow(view.axisZ);
         pane->SetupViewMatrices();
     }
-    /// On the window, some pixels along an axis.
+    /// The window position @p pixels along an axis from the origin of the axes.
     [[nodiscard]] Point Along(std::size_t axis, double pixels) const {
         return {kOrigin + pixels * Dot(kDirections[axis], camera.axisX),
                 kOrigin - pixels * Dot(kDirections[axis], camera.axisY)};
     }
+    /// Whether one of the nine pixels around the point has the colour.
     [[nodiscard]] bool IsNear(const Point& p, const Vec3& color) const {
         for (int y = static_cast<int>(p[1]) - 1; y <= static_cast<int>(p[1]) + 1; ++y)
             for (int x = static_cast<int>(p[0]) - 1; x <= static_cast<int>(p[0]) + 1; ++x)
                 if (DistanceAt(x, y, color) <= kTolerance) return true;
         return false;
     }
-    /// Whether all that is drawn belongs to an axis that lies there, or to its label.
+    /// Lines of x and y and nothing outside the three axes, in a view where x and y are seen at full length.
+    void ExpectOnlyTheAxes() {
+        EXPECT_TRUE(IsNear(Along(0, 25), kColors[0]));
+        EXPECT_TRUE(IsNear(Along(1, 25), kColors[1]));
+        ExpectNothingBesideTheAxes();
+    }
+    /// Expects that every drawn pixel belongs to the line, the cone or the label of an axis.
     void ExpectNothingBesideTheAxes() {
         for (int y = 0; y < picture.height; ++y)
             for (int x = 0; x < picture.width; ++x) {
@@ -95,7 +102,7 @@ protected:
                 bool belongs = false;
                 for (std::size_t axis = 0; axis < 3; ++axis) {
                     const Point p{x + 0.5, y + 0.5}, label = Along(axis, kLabel);
-                    // A cone is seen up to its edge: as far from the axis as its radius.
+                    // The silhouette of a cone is at most its radius away from the axis.
                     const Point coneEnd = Along(axis, kConeFrom + kConeLength);
                     belongs |= DistanceToSegment(p, Along(axis, 0), Along(axis, kShaft)) <= 1.5;
                     belongs |= DistanceToSegment(p, Along(axis, kConeFrom), coneEnd) <= kConeRadius + 1;
@@ -118,12 +125,12 @@ void PrintTo(const View& view, std::ostream* out) { *out << view.name; }
 
 INSTANTIATE_TEST_SUITE_P(Views, AxesInView, testing::ValuesIn(kViews), [](const auto& row) { return row.param.name; });
 
-TEST_P(AxesInView, PointIntoTheDirectionsOfTheWorldInTheirColours) {
+TEST_P(AxesInView, PointAlongTheWorldAxesInTheirColours) {
     Frame();
     int seen = 0;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const Point end = Along(axis, 1);
-        if (std::hypot(end[0] - kOrigin, end[1] - kOrigin) < 0.3) continue;  // it points to the viewer, or away
+        if (std::hypot(end[0] - kOrigin, end[1] - kOrigin) < 0.3) continue;  // along the line of sight
         ++seen;
         for (const double pixels : {10.0, 20.0, 35.0}) {
             EXPECT_TRUE(IsNear(Along(axis, pixels), kColors[axis])) << axis << " at " << pixels;
@@ -134,11 +141,11 @@ TEST_P(AxesInView, PointIntoTheDirectionsOfTheWorldInTheirColours) {
     ExpectNothingBesideTheAxes();
 }
 
-/// Where the line of sight through a pixel meets a cone first: the share of its length from the tip, how far to the
-/// side as a share of its radius there, and its outward normal.
+/// The first intersection of the line of sight through a pixel with a cone.
 struct ConeHit {
-    double fromTip, aside;
-    Vec3 normal;
+    double fromTip;  ///< distance from the tip along the axis, 1 at the base
+    double aside;    ///< distance sideways from the axis as seen, 1 at the silhouette
+    Vec3 normal;     ///< outward
 };
 std::optional<ConeHit> HitCone(const Camera& camera, const Vec3& tip, const Vec3& axis, double length, double radius,
                                int x, int y) {
@@ -167,16 +174,16 @@ std::optional<ConeHit> HitCone(const Camera& camera, const Vec3& tip, const Vec3
 
 TEST_P(AxesInView, EndInLitConesOfTheirColours) {
     ASSERT_TRUE(pane->MakeContextCurrent());
-    pane->m_textDraw.CreateFonts(BlankGlyphs);  // a label may lie over a cone
+    pane->m_textDraw.CreateFonts(BlankGlyphs);  // a label could cover a cone
     Frame();
     int checked = 0;
-    const double unit = camera.sceneSize / 1010;  // of a pixel
+    const double unit = camera.sceneSize / 1010;  // scene units per pixel
     const Vec3 origin = camera.center + (unit * (kOrigin - picture.width / 2.0)) * camera.axisX +
                         (unit * (picture.height / 2.0 - kOrigin)) * camera.axisY;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const Vec3& e = kDirections[axis];
         const double toViewer = Dot(e, camera.axisZ);
-        if (toViewer < -0.1 || toViewer > 0.95) continue;  // not the outside, or along the sight
+        if (toViewer < -0.1 || toViewer > 0.95) continue;  // shows its inside, or along the line of sight
         const Vec3 tip = origin + (unit * (kConeFrom + kConeLength)) * e;
         for (int y = 0; y < 200; ++y)
             for (int x = 0; x < 200; ++x) {
@@ -186,14 +193,14 @@ TEST_P(AxesInView, EndInLitConesOfTheirColours) {
                 Surface surface;
                 surface.normal = hit->normal;
                 surface.color = kColors[axis];
-                // 24 flat sides, and a pixel of them a twelfth of the cone: a little off the round one.
+                // The cone has 24 flat sides: the tolerance covers their difference to a round one.
                 ExpectPixel(x, y, FixedFunction(camera, surface), 12.0);
             }
     }
     EXPECT_GT(checked, 50);
 }
 
-// From behind, the cone of the z axis is open: its inside shows the back's material, whatever its colour.
+// A cone has no base: seen from the base, the cone of the z axis shows its inside in the back material.
 TEST_F(AxesScene, ShowTheInsideOfAConeThatPointsAway) {
     Turn(kViews[5]);
     Frame();
@@ -202,7 +209,7 @@ TEST_F(AxesScene, ShowTheInsideOfAConeThatPointsAway) {
         Surface surface;
         surface.front = false;
         const double px = x + 0.5 - kOrigin, py = kOrigin - (y + 0.5), r = std::hypot(px, py);
-        // Right and up on the screen are x and -y of the world. A third of the height is the radius.
+        // Right and up on the screen are x and -y of the world. The radius is a third of the height.
         surface.normal = Unit({3 * px / r, -3 * py / r, 1});
         ExpectPixel(x, y, FixedFunction(camera, surface), 6.0);
     }
@@ -210,7 +217,7 @@ TEST_F(AxesScene, ShowTheInsideOfAConeThatPointsAway) {
 
 // ---- labels
 
-TEST_P(AxesInView, AreLabelledBehindTheirTips) {
+TEST_P(AxesInView, HaveTheirLabelsAfterTheTips) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     pane->m_textDraw.CreateFonts(DotsForLetters);
     Frame();
@@ -224,7 +231,7 @@ TEST_P(AxesInView, AreLabelledBehindTheirTips) {
     picture.pixels = labelled;
     std::size_t seen = 0;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        if (Dot(kDirections[axis], camera.axisZ) < -0.9) continue;  // behind its own cone
+        if (Dot(kDirections[axis], camera.axisZ) < -0.9) continue;  // covered by its own cone
         ++seen;
         const Point expected = Along(axis, kLabel);
         const auto isThere = [&](const Point& dot) {
@@ -237,12 +244,12 @@ TEST_P(AxesInView, AreLabelledBehindTheirTips) {
     EXPECT_EQ(dots.size(), seen);
 }
 
-TEST_F(AxesScene, NameThemselvesInTheOrderOfTheWorld) {
-    // One letter at a time has a dot.
+TEST_F(AxesScene, AreLabelledWithTheirOwnLetters) {
+    // In each font only one letter has a dot.
     const auto dotFor = [](char letter) {
         return [letter](const FontRequest& request) {
             GlyphSet set = DotsForLetters(request);
-            set.glyphs[' '].advance = 4;  // the blank before the letter
+            set.glyphs[' '].advance = 4;  // the space before the letter
             for (const char other : {'X', 'Y', 'Z'})
                 if (other != letter) set.glyphs[static_cast<std::size_t>(other)].width = 0;
             return set;
@@ -252,43 +259,37 @@ TEST_F(AxesScene, NameThemselvesInTheOrderOfTheWorld) {
         ASSERT_TRUE(pane->MakeContextCurrent());
         pane->m_textDraw.CreateFonts(dotFor("XYZ"[axis]));
         Frame();
-        for (std::size_t other = 0; other < 2; ++other) {  // the z label lies over its cone
+        for (std::size_t other = 0; other < 2; ++other) {  // z points to the viewer: its label covers its cone
             const Point end = Along(other, kLabel);
             EXPECT_EQ(IsNear({end[0] + 4, end[1]}, kColors[other]), other == axis) << axis << " " << other;
         }
     }
 }
 
-// ---- place
+// ---- position
 
-TEST_F(AxesScene, HaveTheirPlaceAndSizeAtEveryZoomAndSceneSize) {
+TEST_F(AxesScene, KeepPositionAndSizeAtEveryZoomAndSceneSize) {
     for (const double zoom : {0.125, 8.0}) {
         Look(1300, 1010, zoom);
         Frame();
-        EXPECT_TRUE(IsNear(Along(0, 25), kColors[0]));
-        EXPECT_TRUE(IsNear(Along(1, 25), kColors[1]));
-        ExpectNothingBesideTheAxes();
+        ExpectOnlyTheAxes();
     }
     pane->m_fSceneSize = 1280;
     pane->m_fViewCenter = {500, -300, 70};
     pane->SetupViewMatrices();
     Frame();
-    EXPECT_TRUE(IsNear(Along(0, 25), kColors[0]));
-    EXPECT_TRUE(IsNear(Along(1, 25), kColors[1]));
-    ExpectNothingBesideTheAxes();
+    ExpectOnlyTheAxes();
 }
 
-TEST_F(AxesScene, HaveTheSamePlaceInAHighWindow) {
+TEST_F(AxesScene, HaveTheSamePositionInATallWindow) {
     Resize(1010, 1300);
     camera.width = 1010, camera.height = 1300;
     Frame();
-    EXPECT_TRUE(IsNear(Along(0, 25), kColors[0]));
-    EXPECT_TRUE(IsNear(Along(1, 25), kColors[1]));
-    ExpectNothingBesideTheAxes();
+    ExpectOnlyTheAxes();
 }
 
-// 250 pixels: the label would end 18.75 from the corner, so the origin is 18 + 15 = 33 pixels from it.
-TEST_F(AxesScene, StandOnTheDiagonalInASmallWindow) {
+// 250 pixels: cone and gap end 18.75 pixels from the origin, which is therefore 18 + 15 = 33 pixels from the corner.
+TEST_F(AxesScene, AreOnTheDiagonalInASmallWindow) {
     Resize(400, 250);
     Frame();
     EXPECT_TRUE(IsNear({33 + 8, 33}, kColors[0]));
@@ -306,7 +307,8 @@ TEST_F(AxesScene, AreHiddenByObjectsInFrontOfThemOnly) {
     EXPECT_TRUE(IsNear(Along(0, 25), kColors[0]));
     EXPECT_TRUE(IsNear(Along(1, 25), kColors[1]));
     pane->m_vpMeshes.clear();
-    // A tenth of the depth from -40 to 40 is 32 in front of the eye, which stands at 20.
+    // The axes are at a tenth of the depth range. The range is 40 units to both sides of the eye, which is at z = 20:
+    // the axes are 32 units towards the viewer, at z = 52.
     square.center = {0, 0, 55};
     Add(square);
     Frame();
@@ -318,8 +320,8 @@ TEST_F(AxesScene, AreHiddenByObjectsInFrontOfThemOnly) {
     EXPECT_TRUE(IsNear(Along(0, 25), kColors[0]));
 }
 
-// The z axis points to the viewer: its cone stands before the lines of the other two.
-TEST_F(AxesScene, HideTheirOwnPartsByDepth) {
+// The z axis points to the viewer: its cone covers the lines of the other two.
+TEST_F(AxesScene, HideEachOtherByDepth) {
     Frame();
     for (const auto& [dx, dy] : {std::pair{3.5, 0.5}, {-3.5, 0.5}, {0.5, 3.5}, {0.5, -3.5}, {3.5, -3.5}}) {
         const int x = static_cast<int>(kOrigin + dx), y = static_cast<int>(kOrigin + dy);
@@ -331,12 +333,12 @@ TEST_F(AxesScene, HideTheirOwnPartsByDepth) {
     }
 }
 
-// ---- what they leave
+// ---- effect on the view
 
-TEST_F(AxesScene, LeaveTheViewAsItIsAndTheModeOfTheStandardView) {
+TEST_F(AxesScene, RestoreTheViewAndSetTheStandardViewMode) {
     Turn(kViews[8]);
     pane->m_fViewCenter = {1, 2, 3};
-    pane->m_nViewMode = 2;
+    pane->m_nViewMode = KV_ScenePane::ViewFromPlusXZUp;
     pane->SetupViewMatrices();
     const ViewFrame before = pane->LiveFrame();
     pane->m_savedView.center = {9, 9, 9};
@@ -346,22 +348,22 @@ TEST_F(AxesScene, LeaveTheViewAsItIsAndTheModeOfTheStandardView) {
     EXPECT_EQ(after.wy, before.wy);
     EXPECT_EQ(after.wz, before.wz);
     EXPECT_EQ(after.center, before.center);
-    EXPECT_EQ(pane->m_nViewMode, 4);
+    EXPECT_EQ(pane->m_nViewMode, KV_ScenePane::ViewFromPlusZYUp);
     EXPECT_EQ(pane->m_savedView.wx, before.wx);
     EXPECT_EQ(pane->m_savedView.wz, before.wz);
     EXPECT_EQ(pane->m_savedView.center, before.center);
 }
 
-TEST_F(AxesScene, ChangeNeitherModeNorSavedViewWhileTheyAreOff) {
+TEST_F(AxesScene, ChangeNeitherViewModeNorSavedViewWhileOff) {
     pane->m_nShowAxes = 0;
-    pane->m_nViewMode = 2;
+    pane->m_nViewMode = KV_ScenePane::ViewFromPlusXZUp;
     pane->m_savedView.center = {9, 9, 9};
     Frame();
-    EXPECT_EQ(pane->m_nViewMode, 2);
+    EXPECT_EQ(pane->m_nViewMode, KV_ScenePane::ViewFromPlusXZUp);
     EXPECT_EQ(pane->m_savedView.center, (Float3{9, 9, 9}));
 }
 
-TEST_F(AxesScene, AreDrawnForExactlyOne) {
+TEST_F(AxesScene, AreDrawnOnlyForTheValueOne) {
     for (const std::int16_t show : std::vector<std::int16_t>{2, 0, -1, 257}) {
         pane->ShowAxes(show);
         Frame();
@@ -373,32 +375,35 @@ TEST_F(AxesScene, AreDrawnForExactlyOne) {
     EXPECT_GT(PixelsThatAreNotBackground(), 100);
 }
 
-TEST_F(AxesScene, AreLeftOutWhereThereIsNoRoomForThem) {
+TEST_F(AxesScene, AreNotDrawnInAWindowTooSmallForThem) {
     for (const auto& [width, height] : {std::pair{0, 0}, {5, 0}, {0, 5}, {1, 1}, {7, 7}}) {
         Resize(width, height);
-        pane->m_nViewMode = 2;
+        pane->m_nViewMode = KV_ScenePane::ViewFromPlusXZUp;
         pane->PerformRefresh();
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << width << " " << height;
-        EXPECT_EQ(pane->m_nViewMode, 4);
+        EXPECT_EQ(pane->m_nViewMode, KV_ScenePane::ViewFromPlusZYUp);
+        if (width == 0 || height == 0) continue;  // no pixel to look at
+        Frame();
+        EXPECT_EQ(PixelsThatAreNotBackground(), 0) << width << " " << height;
     }
 }
 
-TEST_F(AxesScene, OfASceneWithoutSizeAreAPoint) {
+TEST_F(AxesScene, ShrinkToAPointInASceneWithoutSize) {
     pane->m_fSceneSize = 1e-30f;
     pane->SetupViewMatrices();
     ASSERT_TRUE(pane->MakeContextCurrent());
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     pane->m_textDraw.CreateFonts(DotsForLetters);
     Frame();
-    // The view direction is lost below the floats, and with it every length and the way back from the window: all lies
-    // in the middle, where the x axis comes first.
+    // The viewing direction underflows in single precision, and with it every length: all points are in the centre of
+    // the window, where the x axis is drawn first.
     EXPECT_TRUE(IsNear({650, 505}, kColors[0]));
     EXPECT_LE(PixelsThatAreNotBackground(), 2);
-    EXPECT_EQ(pane->m_nViewMode, 4);
+    EXPECT_EQ(pane->m_nViewMode, KV_ScenePane::ViewFromPlusZYUp);
 }
 
-// A file may hold points that are as large as a float can be: their box has no size in it.
-TEST_F(AxesScene, OfASceneBeyondTheFloatsAreLeftOut) {
+// A file may hold coordinates close to the largest float: the size of their box overflows to infinity.
+TEST_F(AxesScene, AreNotDrawnInASceneOfInfiniteSize) {
     pane->m_fSceneSize = INFINITY;
     pane->SetupViewMatrices();
     Frame();
@@ -408,16 +413,16 @@ TEST_F(AxesScene, OfASceneBeyondTheFloatsAreLeftOut) {
     pane->SetupViewMatrices();
     Frame();
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
-    EXPECT_EQ(pane->m_nViewMode, 4);
+    EXPECT_EQ(pane->m_nViewMode, KV_ScenePane::ViewFromPlusZYUp);
 }
 
-// The axes set the standard view up in the middle of each frame, and a view mode repaints.
+// DrawAxes() sets the standard view mode inside each frame, and setting a view mode asks for a repaint.
 class AxesInEveryWindow : public SceneInEveryWindow {};
 
 INSTANTIATE_TEST_SUITE_P(Windows, AxesInEveryWindow, testing::ValuesIn(WindowKinds()),
                          [](const auto& row) { return NameOf(row.param); });
 
-TEST_P(AxesInEveryWindow, AskForNoFrameBehindTheirOwn) {
+TEST_P(AxesInEveryWindow, RequestNoFurtherFrame) {
     for (int i = 0; i < 3; ++i) pane->ProcessEvents();
     FrameWitness witness(*pane);
     pane->ShowAxes(1);
@@ -436,7 +441,7 @@ TEST_P(AxesInEveryWindow, AskForNoFrameBehindTheirOwn) {
 TEST_P(AxesInEveryWindow, AreShown) {
     pane->ShowAxes(1);
     Frame();
-    // 240 pixels: the label ends 18 pixels from the corner, or a rounding before; the origin is 15 further.
+    // 240 pixels: cone and gap are 18 pixels long, or 17 by rounding; 15 more are the distance of the origin.
     const auto redOrGreen = [&](int x, int y) {
         return DistanceAt(x, y, kColors[0]) <= kTolerance || DistanceAt(x, y, kColors[1]) <= kTolerance;
     };

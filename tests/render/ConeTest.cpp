@@ -1,4 +1,4 @@
-// A cone by itself: where it stands, and which one is not turned.
+// A single cone: its position, and the directions in which it is not rotated.
 #include "render/Cone.h"
 
 #include "render/FrameWitness.h"
@@ -10,9 +10,9 @@ namespace {
 
 class Cones : public SceneTest {
 protected:
-    /// 24 pixels a unit; the camera looks down -y, with z to the top and -x to the right.
+    /// 24 pixels per unit; the camera looks down -y, with z to the top and -x to the right.
     void DrawAndRead(const Float3& base, const Float3& tip, float radius) {
-        pane->SetViewMode(0);
+        pane->SetViewMode(KV_ScenePane::ViewFromPlusYZUp);
         camera.axisX = {-1, 0, 0}, camera.axisY = {0, 0, 1}, camera.axisZ = {0, 1, 0};
         FrameWitness witness(*pane);
         witness.inside = [&] {
@@ -27,11 +27,12 @@ protected:
     }
 };
 
-TEST_F(Cones, StandOnTheirBaseAndEndInTheirTip) {
+TEST_F(Cones, ExtendFromBaseToTip) {
     const Float3 tips[] = {{3, 0, 0}, {-3, 0, 0}, {0, 0, 3}, {2, 0, -2}, {-2, 0.5f, -2}, {1, -1, 2}};
     for (const Float3& tip : tips) {
         DrawAndRead({0, 0, 0}, tip, 1);
-        const Vec3 t{tip[0], tip[1], tip[2]}, side = Unit({-t[2], 0, t[0]});  // across the axis and the sight
+        const Vec3 t{tip[0], tip[1], tip[2]},
+            side = Unit({-t[2], 0, t[0]});  // perpendicular to the axis and the line of sight
         EXPECT_TRUE(IsDrawnAt(0.1 * t)) << tip[0] << tip[1] << tip[2];
         EXPECT_TRUE(IsDrawnAt(0.93 * t));
         EXPECT_TRUE(IsDrawnAt(0.1 * t + 0.75 * side));
@@ -43,9 +44,9 @@ TEST_F(Cones, StandOnTheirBaseAndEndInTheirTip) {
     }
 }
 
-// It keeps its base and its length, and points up. So does one whose cosine is within a millionth of that: at a length
-// of 3 a tip up to 0.0042 beside the axis.
-TEST_F(Cones, StraightDownTheZAxisAreNotTurned) {
+// It keeps its base and its length and points along +z. So does one whose cosine differs from -1 by less than a
+// millionth: at a length of 3 the tip is then up to 0.0042 beside the axis.
+TEST_F(Cones, AlongMinusZAreNotRotated) {
     for (const float aside : {0.0f, 0.001f, 0.004f}) {
         DrawAndRead({1, 0, 1}, {1 + aside, 0, -2}, 1);
         EXPECT_TRUE(IsDrawnAt({1, 0, 3.7})) << aside;
@@ -58,7 +59,7 @@ TEST_F(Cones, StraightDownTheZAxisAreNotTurned) {
     EXPECT_FALSE(IsDrawnAt({1, 0, 1.3}));
 }
 
-TEST_F(Cones, OfNoLengthAreNothing) {
+TEST_F(Cones, OfZeroLengthDrawNothing) {
     DrawAndRead({1, 0, 1}, {1, 0, 1}, 0);
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
 }

@@ -1,4 +1,4 @@
-// Centre cross and lighting arrow, pixel by pixel; the corners of the background are in FrameTest.cpp, too.
+// Background, centre cross and lighting arrow, pixel by pixel. FrameTest.cpp tests the corners of the background, too.
 #include <algorithm>
 #include <numbers>
 
@@ -10,7 +10,7 @@ namespace {
 
 class Decorations : public SceneInEveryWindow {
 protected:
-    /// Columns and rows from first to last of all that is not background.
+    /// First and last column and row that hold a pixel other than background.
     struct Extent {
         int left = 1 << 20, right = -1, top = 1 << 20, bottom = -1;
         [[nodiscard]] int Width() const { return right - left + 1; }
@@ -26,16 +26,8 @@ protected:
             }
         return e;
     }
-    [[nodiscard]] int DrawnInColumn(int x) const {
-        int count = 0;
-        for (int y = 0; y < picture.height; ++y) count += DistanceAt(x, y, kBackground) > 1.0 ? 1 : 0;
-        return count;
-    }
-    [[nodiscard]] int DrawnInRow(int y) const {
-        int count = 0;
-        for (int x = 0; x < picture.width; ++x) count += DistanceAt(x, y, kBackground) > 1.0 ? 1 : 0;
-        return count;
-    }
+    [[nodiscard]] int DrawnInColumn(int x) const { return DrawnPixelsIn(x, 0, x + 1, picture.height); }
+    [[nodiscard]] int DrawnInRow(int y) const { return DrawnPixelsIn(0, y, picture.width, y + 1); }
 };
 
 INSTANTIATE_TEST_SUITE_P(Windows, Decorations, testing::ValuesIn(WindowKinds()),
@@ -48,7 +40,7 @@ TEST_P(Decorations, TheBackgroundIsInterpolatedBetweenItsFourCorners) {
                                          HostColor(0, 0, 0));
     Resize(201, 143);
     Frame();
-    // Two triangles, or a quad: along the borders both say the same.
+    // A driver may split the quad into triangles: along the borders the interpolation is the same.
     for (const int x : {0, 50, 100, 200}) {
         const double right = (x + 0.5) / 201;
         ExpectPixel(x, 0, (1 - right) * Vec3{200 / 255., 0, 40 / 255.} + right * Vec3{0, 100 / 255., 40 / 255.}, 3.0);
@@ -56,7 +48,7 @@ TEST_P(Decorations, TheBackgroundIsInterpolatedBetweenItsFourCorners) {
     }
 }
 
-TEST_P(Decorations, TheByteAboveTheColoursOfTheHostIsIgnored) {
+TEST_P(Decorations, TheHighByteOfAHostColourIsIgnored) {
     const auto color = static_cast<std::int32_t>(0xFF0080C0u);
     pane->SetBackgroundColors(color, color);
     Frame();
@@ -65,9 +57,9 @@ TEST_P(Decorations, TheByteAboveTheColoursOfTheHostIsIgnored) {
 
 // ---- cross
 
-// The shorter side spans 20 units: 240 pixels are 12 a unit, and the arms are a unit long.
+// The shorter side spans 20 units: 240 pixels make 12 per unit, and the arms are one unit long.
 TEST_P(Decorations, TheCrossHasTheSameSizeInBothAspectRatios) {
-    pane->m_nPickMode = 1;
+    pane->m_nPickMode = KV_ScenePane::PickModeCross;
     for (const auto& [width, height] : {std::pair{320, 240}, {240, 320}, {240, 240}}) {
         Resize(width, height);
         Frame();
@@ -81,7 +73,7 @@ TEST_P(Decorations, TheCrossHasTheSameSizeInBothAspectRatios) {
 }
 
 TEST_P(Decorations, TheCrossIsExactlyThreePixelsWide) {
-    pane->m_nPickMode = 1;
+    pane->m_nPickMode = KV_ScenePane::PickModeCross;
     for (const auto& [width, height] : {std::pair{320, 240}, {301, 401}}) {
         Resize(width, height);
         Frame();
@@ -94,9 +86,9 @@ TEST_P(Decorations, TheCrossIsExactlyThreePixelsWide) {
     }
 }
 
-TEST_P(Decorations, TheCrossHasItsColourWhateverTheLightAndTheDepth) {
+TEST_P(Decorations, TheCrossIsUnlitAndNotDepthTested) {
     pane->SetCrossColor(static_cast<std::int32_t>(HostColor(255, 128, 0)));
-    pane->m_nPickMode = 1;
+    pane->m_nPickMode = KV_ScenePane::PickModeCross;
     Add({.center = {0, 0, 55}, .half = 4});  // in front of everything
     Frame();
     ExpectPixel(160, 120, {1, 128 / 255.0, 0});
@@ -105,7 +97,8 @@ TEST_P(Decorations, TheCrossHasItsColourWhateverTheLightAndTheDepth) {
 }
 
 TEST_P(Decorations, TheCrossIsDrawnInPickModeOneOnly) {
-    for (const int mode : {0, 2, 5, -1}) {
+    using namespace KV_ScenePane;
+    for (const int mode : {int{PickModeOff}, int{PickModeObjects}, int{PickModePoints}, -1}) {
         pane->m_nPickMode = mode;
         Frame();
         EXPECT_EQ(PixelsThatAreNotBackground(), 0) << mode;
@@ -114,7 +107,7 @@ TEST_P(Decorations, TheCrossIsDrawnInPickModeOneOnly) {
 
 // ---- arrow
 
-/// The dart as the plane geometry of its corners: turned about the middle of the window, in units of a twentieth of the
+/// The dart as plane geometry: its corners are rotated about the centre of the window, in units of a twentieth of the
 /// shorter side.
 class Dart {
 public:
@@ -126,7 +119,7 @@ public:
         };
         m_tip = place(0, 8), m_notch = place(0, 9), m_barbs[0] = place(0.5, 9.5), m_barbs[1] = place(-0.5, 9.5);
     }
-    /// How far a place lies inside of the two edges on its side of the dart, pixels; negative outside.
+    /// Distance of a point from the nearer of the two edges on its side of the dart, pixels; negative outside.
     [[nodiscard]] double Inside(double x, double y) const {
         const Point p{x, y}, barb = SideOf(p, m_tip, m_notch) > 0 ? m_barbs[0] : m_barbs[1];
         const double turn = SideOf(m_notch, m_tip, barb) > 0 ? 1 : -1;
@@ -147,7 +140,7 @@ class Arrow : public Decorations {
 protected:
     Arrow() { pane->ShowLightingArrow(1); }
 
-    /// The frame is the arrow at that angle, and nothing else.
+    /// Expects the arrow at that angle and nothing else in the frame.
     void ExpectArrowAt(double degrees) {
         const Dart dart(picture.width, picture.height, degrees);
         int inside = 0;
@@ -168,8 +161,8 @@ INSTANTIATE_TEST_SUITE_P(Windows, Arrow, testing::ValuesIn(WindowKinds()),
 
 const Vec3 kArrow{0xEA / 255.0, 0xEA / 255.0, 1};  // 0xFFEAEA
 
-// 12 pixels a unit: the point at row 120 - 8 * 12 = 24, the barbs at row 6, 6 columns from the middle, the notch at 12.
-TEST_P(Arrow, StandsAtTheTopWithItsPointDownwardAtAngleZero) {
+// 12 pixels per unit: the tip at row 120 - 8 * 12 = 24, the barbs at row 6, 6 columns from the centre, the notch at 12.
+TEST_P(Arrow, IsAtTheTopAndPointsDownAtAngleZero) {
     Frame();
     for (const auto& [x, y] : {std::pair{159, 20}, {160, 20}, {159, 15}, {164, 8}, {155, 8}}) ExpectPixel(x, y, kArrow);
     for (const auto& [x, y] : {std::pair{160, 25}, {160, 10}, {160, 7}, {165, 5}, {154, 5}, {167, 8}, {160, 220}})
@@ -177,8 +170,8 @@ TEST_P(Arrow, StandsAtTheTopWithItsPointDownwardAtAngleZero) {
     ExpectArrowAt(0);
 }
 
-// Counterclockwise: at the left, its point to the right.
-TEST_P(Arrow, StandsAtTheLeftAtNinetyDegrees) {
+// Angles are counterclockwise: the dart is at the left with its tip to the right.
+TEST_P(Arrow, IsAtTheLeftAtNinetyDegrees) {
     pane->SetArrowAngle(90);
     Frame();
     for (const auto& [x, y] : {std::pair{60, 119}, {60, 120}, {55, 119}, {48, 115}, {48, 124}})
@@ -187,7 +180,7 @@ TEST_P(Arrow, StandsAtTheLeftAtNinetyDegrees) {
     ExpectArrowAt(90);
 }
 
-TEST_P(Arrow, SwingsAroundThePictureInEveryWindow) {
+TEST_P(Arrow, GoesAroundTheCentreInWindowsOfEveryShape) {
     for (const auto& [width, height] : {std::pair{320, 240}, {240, 320}, {301, 203}}) {
         Resize(width, height);
         for (const int angle : {-30, 45, 180, 450, 32767}) {
@@ -198,7 +191,7 @@ TEST_P(Arrow, SwingsAroundThePictureInEveryWindow) {
     }
 }
 
-TEST_P(Arrow, IsNotRedrawnByItsAngleAlone) {
+TEST_P(Arrow, DoesNotRequestAFrameWhenItsAngleChanges) {
     Frame();
     pane.window->Forget();
     pane->SetArrowAngle(180);
@@ -208,14 +201,14 @@ TEST_P(Arrow, IsNotRedrawnByItsAngleAlone) {
     ExpectArrowAt(180);
 }
 
-TEST_P(Arrow, HasItsColourWhateverTheLightAndTheDepth) {
+TEST_P(Arrow, IsUnlitAndNotDepthTested) {
     pane->SetArrowColor(static_cast<std::int32_t>(HostColor(10, 200, 30)));
     Add({.center = {0, 0, 55}, .half = 5});  // in front of everything, over the whole height
     Frame();
     ExpectPixel(160, 20, {10 / 255.0, 200 / 255.0, 30 / 255.0});
 }
 
-TEST_P(Arrow, IsDrawnForExactlyOne) {
+TEST_P(Arrow, IsDrawnOnlyForTheValueOne) {
     for (const std::int16_t show : std::vector<std::int16_t>{2, 0, -1, 257}) {
         pane->ShowLightingArrow(show);
         Frame();

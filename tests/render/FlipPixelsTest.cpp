@@ -1,4 +1,4 @@
-// Pixels as OpenGL reads them back become the words of a host.
+// Conversion of the pixels that OpenGL reads back to the integers of a host.
 #include "render/FlipPixels.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +7,8 @@
 #include <vector>
 
 namespace {
+
+constexpr std::uint32_t kGuard = 0xA5A5A5A5;
 
 TEST(FlipToArgb, PutsTheTopRowFirstAndAlphaIntoTheHighByte) {
     const std::uint8_t bottomUp[] = {0x11, 0x12, 0x13, 0x14, 0x21, 0x22, 0x23, 0x24,   //
@@ -18,14 +20,20 @@ TEST(FlipToArgb, PutsTheTopRowFirstAndAlphaIntoTheHighByte) {
               (std::vector<std::uint32_t>{0xFF000000, 0x00FF8001, 0x34313233, 0x44414243, 0x14111213, 0x24212223}));
 }
 
-TEST(FlipToArgb, LeavesASingleRowInItsOrder) {
+TEST(FlipToArgb, KeepsTheOrderWithinARow) {
     const std::uint8_t row[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
     std::vector<std::uint32_t> picture(3);
     FlipToArgb(row, 3, picture);
     EXPECT_EQ(picture, (std::vector<std::uint32_t>{0x04010203, 0x08050607, 0x0C090A0B}));
 }
 
-TEST(FlipToArgb, OfNoRowsWritesNothing) { FlipToArgb({}, 7, {}); }
+// One row of guard pixels before and after the empty picture.
+TEST(FlipToArgb, WritesNothingForAnEmptyPicture) {
+    const std::vector<std::uint8_t> bytes(16, 0x11);
+    std::vector<std::uint32_t> guarded(4, kGuard);
+    FlipToArgb(std::span(bytes).first(0), 2, std::span(guarded).subspan(2, 0));
+    EXPECT_EQ(guarded, std::vector<std::uint32_t>(4, kGuard));
+}
 
 struct Size {
     std::size_t width, height;
@@ -33,13 +41,12 @@ struct Size {
 void PrintTo(const Size& size, std::ostream* out) { *out << size.width << "x" << size.height; }
 class FlipToArgbAtSize : public testing::TestWithParam<Size> {};
 
-// Byte by byte, at an odd address, with a guard on both sides of the result.
-TEST_P(FlipToArgbAtSize, GivesEveryPixelAsThePlainDefinitionDoes) {
+// The source is at an odd address; a guard pixel before and after the result detects writes outside it.
+TEST_P(FlipToArgbAtSize, MatchesAConversionByteByByte) {
     const auto [width, height] = GetParam();
     std::mt19937 random(7);
     std::vector<std::uint8_t> bytes(4 * width * height + 1);
     for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
-    constexpr std::uint32_t kGuard = 0xA5A5A5A5;
     std::vector<std::uint32_t> guarded(width * height + 2, kGuard);
     FlipToArgb(std::span(bytes).subspan(1), width, std::span(guarded).subspan(1, width * height));
 

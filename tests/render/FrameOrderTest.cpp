@@ -1,4 +1,4 @@
-// The steps of a frame in their order, told by what covers what, and the state of OpenGL that each step leaves.
+// The order of the steps of a frame, checked by which step covers which, and the OpenGL state after each step.
 #include "render/FrameWitness.h"
 #include "render/GlSnapshot.h"
 #include "render/SceneFixture.h"
@@ -7,7 +7,7 @@ using namespace lighting;
 
 namespace {
 
-/// A rectangle of pixels in one colour, drawn by the dialog's step, without any depth.
+/// Fills a rectangle of pixels with one colour, without depth test; the interaction dialog of the tests draws it.
 void FillPixels(int windowWidth, int windowHeight, int left, int top, int right, int bottom, const Vec3& color) {
     glPushAttrib(GL_ENABLE_BIT | GL_CURRENT_BIT);
     glDisable(GL_DEPTH_TEST);
@@ -27,23 +27,23 @@ void FillPixels(int windowWidth, int windowHeight, int left, int top, int right,
     glPopAttrib();
 }
 
-// 140 x 140 pixels: 14 a unit of the scene, which is 10 units high; 7 a unit of cross and arrow, which is 20.
-// The axes start 10 + 15 = 25 pixels from the corner, 10.5 less its fraction and 15; their shafts are 140 / 15 = 9
-// long.
+// 140 x 140 pixels: 14 per unit of the scene, which is 10 units high; 7 per unit of cross and arrow, whose view is 20
+// units high. The axes start 10 + 15 = 25 pixels from the corner (10.5 rounded down, plus 15); their shafts are 140 /
+// 15 = 9 pixels long.
 class FrameOrder : public SceneTest {
 protected:
     static constexpr int kSide = 140;
     const Vec3 kDialog{0.5, 0.25, 0};
     const Vec3 kCross{1, 0, 1}, kArrow{0, 1, 1}, kPoint{1, 1, 0}, kBox{0.0, 0.4, 0.9};
 
-    FrameOrder() : SceneTest(PaneWindowRequest::Kind::OffScreen, kSide, kSide) {}
+    FrameOrder() : SceneTest(WindowKind::OffScreen, kSide, kSide) {}
 
-    /// All that can draw today, one over the other; what is covered where is said in the tests.
+    /// Everything that draws, overlapping. Each test says which parts cover which.
     void ShowEverything() {
-        // Columns and rows 35 to 104. Selected, and its box crosses the dialog's rectangle.
+        // The object covers columns and rows 35 to 104. Its selection box crosses the rectangle of the dialog.
         Add(square);
         pane->AddSelection(0);
-        pane->m_nPickMode = 1;
+        pane->m_nPickMode = KV_ScenePane::PickModeCross;
         pane->SetCrossColor(static_cast<std::int32_t>(HostColor(255, 0, 255)));
         pane->m_nShowArrow = 1;
         pane->m_nArrowColor = HostColor(0, 255, 255);
@@ -51,7 +51,7 @@ protected:
         pane->m_nShowAxes = 1;
         ASSERT_TRUE(pane->MakeContextCurrent());
         witness.inside = [this] {
-            FillPixels(kSide, kSide, 15, 15, 70, 80, kDialog);  // the left arms of cross and box, the arrow, the axes
+            FillPixels(kSide, kSide, 15, 15, 70, 80, kDialog);  // over parts of cross, box, arrow and axes
         };
     }
     void AddOverlay(int left, int top, int width, int height, const std::array<std::uint8_t, 3>& rgb) {
@@ -60,6 +60,7 @@ protected:
         pane->AddOverlayData(bytes.data(), width, height, 0, 0, 0, 0, static_cast<float>(left),
                              static_cast<float>(top));
     }
+    /// Pixels of that colour in the rectangle; right and bottom are exclusive.
     [[nodiscard]] int CountIn(int left, int top, int right, int bottom, const Vec3& color) const {
         int count = 0;
         for (int y = top; y < bottom; ++y)
@@ -73,12 +74,12 @@ protected:
 
 TEST_F(FrameOrder, TheSelectionComesAfterTheObjectsAndTheDialogAfterTheSelection) {
     ShowEverything();
-    pane->m_nPickMode = 0;
+    pane->m_nPickMode = KV_ScenePane::PickModeOff;
     Frame();
     ExpectPixel(90, 90, FixedFunction(camera, square.At(camera, 90, 90, {1, 1, 1})));
-    EXPECT_GE(CountIn(103, 60, 107, 64, kBox), 4);  // the right side of the box, over the object's border
-    EXPECT_GE(CountIn(33, 90, 37, 94, kBox), 4);    // its left side below the dialog's rectangle
-    EXPECT_EQ(CountIn(33, 60, 37, 64, kBox), 0);    // and under it
+    EXPECT_GE(CountIn(103, 60, 107, 64, kBox), 4);  // the right side of the box covers the edge of the object
+    EXPECT_GE(CountIn(33, 90, 37, 94, kBox), 4);    // its left side, where the dialog does not draw
+    EXPECT_EQ(CountIn(33, 60, 37, 64, kBox), 0);    // and where the dialog covers it
     ExpectPixel(35, 62, kDialog);
     ExpectPixel(69, 79, kDialog);
     ExpectPixel(60, 60, kDialog);
@@ -87,7 +88,7 @@ TEST_F(FrameOrder, TheSelectionComesAfterTheObjectsAndTheDialogAfterTheSelection
 TEST_F(FrameOrder, TheCrossComesAfterTheDialog) {
     ShowEverything();
     Frame();
-    // Its left arm begins at column 63, on the rectangle.
+    // Its left arm starts at column 63, inside the rectangle of the dialog.
     EXPECT_EQ(CountIn(63, 66, 68, 74, kCross), 5 * 3);
     ExpectPixel(65, 70, kCross);
     ExpectPixel(65, 66, kDialog);
@@ -98,8 +99,8 @@ TEST_F(FrameOrder, TheArrowComesAfterTheDialogAndTheAxesAfterTheArrow) {
     ShowEverything();
     pane->m_nShowAxes = 0;
     Frame();
-    // Turned by 45 degrees the right barb is the upper one: at (-6.36, 7.07), its edge to the point down to (-5.66,
-    // 5.66). In the row of the x axis, 25 from the top, it covers columns 26 and 27.
+    // Rotated by 45 degrees the right barb is the upper one: at (-6.36, 7.07), with an edge to the tip at
+    // (-5.66, 5.66). In the row of the x axis, 25 from the top, it covers columns 26 and 27.
     ExpectPixel(26, 24, kArrow);
     ExpectPixel(26, 25, kArrow);
     pane->m_nShowAxes = 1;
@@ -108,8 +109,8 @@ TEST_F(FrameOrder, TheArrowComesAfterTheDialogAndTheAxesAfterTheArrow) {
     EXPECT_GE(CountIn(24, 17, 27, 22, {0, 1, 0}), 2);  // the y axis over the rectangle
 }
 
-// 36 x 36 pixels: the cross has its arms of 1.8 around the middle, the axes start 2.7 less its fraction and 15 from the
-// corner, one pixel from the middle, and their shafts of 2.4 cross an arm.
+// 36 x 36 pixels: the cross has arms of 1.8 pixels around the centre. The axes start 17 pixels from the corner (2.7
+// rounded down, plus 15), one pixel from the centre, and their shafts of 2.4 pixels cross an arm.
 TEST_F(FrameOrder, TheAxesComeAfterTheCross) {
     Resize(36, 36);
     pane->SetCrossColor(static_cast<std::int32_t>(HostColor(255, 0, 255)));
@@ -132,9 +133,9 @@ TEST_F(FrameOrder, TheAxesComeAfterTheCross) {
 
 TEST_F(FrameOrder, OverlaysComeAfterEverythingButTheFreePoints) {
     ShowEverything();
-    AddOverlay(20, 20, 20, 20, {0, 128, 0});                      // axes and arrow
-    AddOverlay(66, 66, 10, 10, {128, 0, 0});                      // the middle of the cross
-    AddOverlay(100, 60, 10, 10, {0, 0, 128});                     // the box
+    AddOverlay(20, 20, 20, 20, {0, 128, 0});                      // over axes and arrow
+    AddOverlay(66, 66, 10, 10, {128, 0, 0});                      // over the centre of the cross
+    AddOverlay(100, 60, 10, 10, {0, 0, 128});                     // over the box
     pane->m_mapFreePoints[1] = MakePoint(1, {0, 0, 30}, kPoint);  // in front of the object
     pane->SetPointCloudRenderPointSize(0.2f);                     // 140 / 5 * 0.2 = 5.6 pixels
     Frame();
@@ -149,7 +150,7 @@ TEST_F(FrameOrder, OverlaysComeAfterEverythingButTheFreePoints) {
     ExpectPixel(65, 70, kCross);
 }
 
-// Overlays have no depth: what hides a free point is the scene below them.
+// Overlays write no depth: a free point is tested against the scene below them.
 TEST_F(FrameOrder, FreePointsBehindAnObjectStayHiddenUnderAnOverlay) {
     ShowEverything();
     AddOverlay(66, 66, 10, 10, {128, 0, 0});
@@ -160,7 +161,7 @@ TEST_F(FrameOrder, FreePointsBehindAnObjectStayHiddenUnderAnOverlay) {
     EXPECT_EQ(CountIn(66, 66, 76, 76, {128 / 255.0, 0, 0}), 100);
 }
 
-TEST_F(FrameOrder, EverythingIsDrawnAgainInTheNextFrameAsItWas) {
+TEST_F(FrameOrder, RepeatedFramesAreIdentical) {
     ShowEverything();
     AddOverlay(66, 66, 10, 10, {128, 0, 0});
     pane->m_mapFreePoints[1] = MakePoint(1, {1, 1, 30}, kPoint);
@@ -177,12 +178,12 @@ TEST_F(FrameOrder, EverythingIsDrawnAgainInTheNextFrameAsItWas) {
 struct Step {
     const char* name;
     void (CKV_ScenePaneCtrl::*draw)();
-    std::vector<std::string> left;  ///< what the step leaves behind on purpose
+    std::vector<std::string> changed;  ///< states that the step does not restore, on purpose
 };
 void PrintTo(const Step& step, std::ostream* out) { *out << step.name; }
 
 const Step kSteps[] = {
-    {"DrawBackground", &CKV_ScenePaneCtrl::DrawBackground, {"GL_CURRENT_COLOR"}},  // whoever is next sets its own
+    {"DrawBackground", &CKV_ScenePaneCtrl::DrawBackground, {"GL_CURRENT_COLOR"}},  // later steps set their own
     {"DrawCross", &CKV_ScenePaneCtrl::DrawCross, {}},
     {"DrawLightingArrow", &CKV_ScenePaneCtrl::DrawLightingArrow, {}},
     {"DrawAxes", &CKV_ScenePaneCtrl::DrawAxes, {}},
@@ -204,16 +205,16 @@ protected:
         ((*pane).*GetParam().draw)();
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
         GlSnapshot after = TakeGlSnapshot();
-        for (const std::string& name : GetParam().left) before.erase(name), after.erase(name);
+        for (const std::string& name : GetParam().changed) before.erase(name), after.erase(name);
         ExpectSameGlState(before, after, GetParam().name);
     }
 };
 
 INSTANTIATE_TEST_SUITE_P(Table, FrameSteps, testing::ValuesIn(kSteps), [](const auto& row) { return row.param.name; });
 
-TEST_P(FrameSteps, PutTheStateOfAFrameBack) { RunStep(); }
+TEST_P(FrameSteps, RestoreTheOpenGlStateOfAFrame) { RunStep(); }
 
-TEST_P(FrameSteps, PutAnUnusualStateBack) {
+TEST_P(FrameSteps, RestoreAnUnusualOpenGlState) {
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);

@@ -1,10 +1,9 @@
-// What a frame draws in which case, and what keeps it from being drawn.
-#include <thread>
-
+// What a frame draws in each case, and what keeps a frame from being drawn.
 #include "render/FrameWitness.h"
 #include "render/MeshTexture.h"
 #include "render/SceneFixture.h"
 
+using namespace KV_ScenePane;
 using namespace lighting;
 
 namespace {
@@ -56,7 +55,7 @@ TEST_P(Frames, KeepTheBackgroundBehindObjectsAtAnyDepth) {
 
 // ---- which objects
 
-TEST_P(Frames, LeaveHiddenObjectsOut) {
+TEST_P(Frames, DoNotShowHiddenObjects) {
     Add({}).m_iVisible = 0;
     Frame();
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
@@ -65,7 +64,7 @@ TEST_P(Frames, LeaveHiddenObjectsOut) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 96 * 96);
 }
 
-TEST_P(Frames, BoxTheSelectionInEveryMode) {
+TEST_P(Frames, ShowTheBoxOfTheSelectionInEveryDrawMode) {
     const Square square{.half = 48.5 / 24};
     Add(square);
     pane->AddSelection(0);
@@ -112,7 +111,7 @@ TEST_P(Frames, ShowNothingOfAMeshWithoutTrianglesInAnyMode) {
 
 // ---- reduced drawing
 
-/// 25 small triangles in a row at y = 0, one unit apart: first corners at x = -12 * 0.5 and so on.
+/// Small triangles in a row at y = 0. Their first corners are half a unit apart, from x = -6 on.
 std::shared_ptr<Mesh> Row(int count) {
     std::vector<Vertex> vertices;
     std::vector<Triangle> triangles;
@@ -141,7 +140,8 @@ TEST_P(ReducedFrames, ShowTwoPointsOfTwentyFiveTriangles) {
     for (std::int16_t mode = 0; mode < 4; ++mode) {
         pane->m_nDrawMode = mode;
         Frame();
-        // Triangles 0 and 10 at x = -6 and -1: columns 16 and 136. Triangle 20, at 4 and column 256, stays out.
+        // Triangles 0 and 10 at x = -6 and -1: columns 16 and 136. 25 / 10 is rounded down: triangle 20 at x = 4,
+        // column 256, is not drawn.
         EXPECT_EQ(PixelsThatAreNotBackground(), 8) << mode;
         ExpectPixel(16, 120, Lit({}, 16, 120));
         ExpectPixel(136, 120, Lit({}, 136, 120));
@@ -155,14 +155,11 @@ TEST_P(ReducedFrames, ShowNothingOfNineTriangles) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
 }
 
-// Its corners are not indexed: a tenth of the triangle count is taken from the first corners, not from every tenth.
+// A textured mesh has no index buffers: a tenth of its triangle count is drawn as points from the first corners on.
 TEST_P(ReducedFrames, ShowTheFirstTwoCornersOfTwentyTexturedTriangles) {
     const auto mesh = Row(20);
     pane->m_vpMeshes.push_back(mesh);
-    mesh->m_vTexCoords.resize(60);
-    ASSERT_TRUE(pane->MakeContextCurrent());
-    const std::vector<std::uint8_t> white(4, 255);
-    CreateTexture(*mesh, 1, 1, white.data(), {});
+    AddPlainTexture(*mesh);
     Frame();
     // x = -6 and -5.8: columns 16 and 20.8.
     EXPECT_EQ(PixelsThatAreNotBackground(), 8);
@@ -170,9 +167,9 @@ TEST_P(ReducedFrames, ShowTheFirstTwoCornersOfTwentyTexturedTriangles) {
     ExpectPixel(20, 120, Lit({}, 20, 120));
 }
 
-TEST_P(ReducedFrames, ArePointsLitByTheProgramInMode5) {
+TEST_P(ReducedFrames, AreLitPointsInPerPixelMode) {
     pane->m_vpMeshes.push_back(Row(25));
-    pane->m_nDrawMode = 5;
+    pane->m_nDrawMode = DrawModePerPixel;
     Frame();
     EXPECT_EQ(PixelsThatAreNotBackground(), 8);
     Surface point;
@@ -181,7 +178,7 @@ TEST_P(ReducedFrames, ArePointsLitByTheProgramInMode5) {
     ExpectPixel(16, 120, PerPixel(camera, point));
 }
 
-TEST_P(ReducedFrames, AreFullWithoutADragAndWithoutTheProperty) {
+TEST_P(ReducedFrames, AreNotReducedWithoutADragOrWithoutTheProperty) {
     pane->m_vpMeshes.push_back(Row(25));
     pane->m_bMoving = 0;
     Frame();
@@ -235,7 +232,7 @@ TEST_P(Frames, WaitWhilePaintingIsBlocked) {
     EXPECT_FALSE(pane.window->IsPaintPending());
 }
 
-TEST_P(Frames, AreNotDrawnInsideOneAnother) {
+TEST_P(Frames, AreNotNested) {
     FrameWitness witness(*pane);
     witness.inside = [&] {
         EXPECT_EQ(pane->m_bInDraw, 1);
@@ -247,29 +244,20 @@ TEST_P(Frames, AreNotDrawnInsideOneAnother) {
 }
 
 TEST_P(Frames, HoldTheDrawLockOfTheProcess) {
-    const auto isLocked = [] {
-        bool locked = false;
-        std::thread([&] {
-            locked = !g_drawLock->try_lock();
-            if (!locked) g_drawLock->unlock();
-        }).join();
-        return locked;
-    };
     FrameWitness witness(*pane);
     bool lockedInside = false;
-    witness.inside = [&] { lockedInside = isLocked(); };
+    witness.inside = [&] { lockedInside = DrawLockIsHeld(); };
     pane->PerformRefresh();
     EXPECT_TRUE(lockedInside);
-    EXPECT_FALSE(isLocked());
+    EXPECT_FALSE(DrawLockIsHeld());
 }
 
-TEST_P(Frames, LeaveTheLockWhenTheyAreDropped) {
+TEST_P(Frames, ReleaseTheDrawLockWhenDropped) {
+    FrameWitness witness(*pane);
     pane->m_bInDraw = 1;
     pane->PerformRefresh();
-    std::thread([] {
-        EXPECT_TRUE(g_drawLock->try_lock());
-        g_drawLock->unlock();
-    }).join();
+    EXPECT_EQ(witness.frames, 0);
+    EXPECT_FALSE(DrawLockIsHeld());
     pane->m_bInDraw = 0;
 }
 
@@ -280,8 +268,7 @@ TEST_P(Frames, FollowTheSizeOfTheWindow) {
     Add(square);
     Frame();
     for (const auto& [width, height] : {std::pair{200, 300}, {300, 300}, {401, 201}}) {
-        pane.window->Resize(width, height);
-        pane->ProcessEvents();
+        Resize(width, height);
         Frame();
         ASSERT_EQ(picture.width, width);
         ASSERT_EQ(picture.height, height);
@@ -302,12 +289,11 @@ TEST_P(Frames, FollowTheSizeOfTheWindow) {
     }
 }
 
-TEST_P(Frames, TakeANewSizeInTheMiddleOfADrag) {
+TEST_P(Frames, FollowANewWindowSizeDuringADrag) {
     Add({});
     Frame();
     pane->m_bMoving = 1;
-    pane.window->Resize(200, 400);
-    pane->ProcessEvents();
+    Resize(200, 400);
     Frame();
     // One scene size over the 200 columns: 20 pixels a unit.
     EXPECT_EQ(PixelsThatAreNotBackground(), 80 * 80);
@@ -337,15 +323,14 @@ TEST_P(Frames, ShowTheFrozenImageUntilItIsFreed) {
     ExpectPixel(160, 120, {0, 0, 0});
 }
 
-TEST_P(Frames, FreezeAnewWhenTheSizeChanges) {
+TEST_P(Frames, RenewTheFrozenImageWhenTheSizeChanges) {
     FrameWitness witness(*pane);
     witness.inside = [&] { pane->FreezeFrame(); };
     Frame();
     witness.inside = {};
     Add({});
     // An odd width: the rows of the image are padded.
-    pane.window->Resize(201, 143);
-    pane->ProcessEvents();
+    Resize(201, 143);
     Frame();
     EXPECT_EQ(pane->m_nFrozenWidth, 201);
     EXPECT_EQ(pane->m_nFrozenHeight, 143);
@@ -360,7 +345,7 @@ TEST_P(Frames, FreezeAnewWhenTheSizeChanges) {
 
 class FreePoints : public Frames {
 protected:
-    /// One point in the middle of the window.
+    /// Adds a point set of one point.
     void AddPoint(int id, const Vec3& at, const Vec3& color, float alpha) {
         ASSERT_TRUE(pane->MakeContextCurrent());
         FreePointSet points = MakePoint(id, at, color);
@@ -382,8 +367,7 @@ TEST_P(FreePoints, GrowWithTheWindowAndTheZoom) {
     Look(320, 240, 0.5);
     Frame();
     EXPECT_EQ(PixelsThatAreNotBackground(), 576);
-    pane.window->Resize(160, 120);
-    pane->ProcessEvents();
+    Resize(160, 120);
     Frame();
     EXPECT_EQ(PixelsThatAreNotBackground(), 144);
 }
@@ -407,14 +391,14 @@ TEST_P(FreePoints, AtTheLimitOfOpacityAreOpaque) {
     EXPECT_EQ(picture.pixels, atLimit);
 }
 
-TEST_P(FreePoints, ThatAreTransparentComeAfterTheOpaqueOnes) {
+TEST_P(FreePoints, AreDrawnTransparentOnesLast) {
     AddPoint(1, {0, 0, 1}, {1, 0, 0}, 0.5f);
     AddPoint(2, {0, 0, 0}, {0, 0, 1}, 1.0f);
     Frame();
     ExpectPixel(160, 120, {0.5, 0, 0.5}, 1.5);
 }
 
-TEST_P(FreePoints, HideBehindObjectsAndWhenInvisible) {
+TEST_P(FreePoints, AreHiddenByObjectsAndWhenInvisible) {
     AddPoint(1, {0, 0, -1}, {1, 0, 0}, 1.0f);
     pane->SetPointCloudRenderPointSize(0.25f);
     const Square square;

@@ -1,6 +1,8 @@
-// Counts the frames of a control and looks into each from its dialog's step.
+// Counts the frames of a control and calls a function inside each, in the step that draws the interaction dialog. Asks
+// for the lock that is held during a frame.
 #pragma once
 #include <functional>
+#include <thread>
 
 #include "control/ScenePaneCtrl.h"
 
@@ -22,3 +24,13 @@ public:
 private:
     CKV_ScenePaneCtrl& m_control;
 };
+
+/// Whether a thread holds the draw lock of the process. Asked from another thread, because the lock is recursive.
+inline bool DrawLockIsHeld() {
+    bool held = false;
+    std::thread([&held] {
+        held = !g_drawLock->try_lock();
+        if (!held) g_drawLock->unlock();
+    }).join();
+    return held;
+}

@@ -1,4 +1,4 @@
-// The OpenGL state that one step of a frame could leave to the next one, to compare before and after the step.
+// The OpenGL state that one step of a frame could leave changed for the next one, to compare before and after the step.
 #pragma once
 #include <GL/glew.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// Names and values of the state of the context that is current.
+/// Name of each state and its values.
 using GlSnapshot = std::map<std::string, std::vector<double>>;
 
 namespace glsnapshot {
@@ -81,6 +81,7 @@ inline constexpr Name kLight[] = {KV_GL(GL_DIFFUSE), KV_GL(GL_AMBIENT), KV_GL(GL
 
 }  // namespace glsnapshot
 
+/// The state of the current context.
 inline GlSnapshot TakeGlSnapshot() {
     GlSnapshot state;
     for (const auto& [name, text] : glsnapshot::kValues) {
@@ -104,11 +105,11 @@ inline GlSnapshot TakeGlSnapshot() {
         glGetLightfv(GL_LIGHT0, name, light.data());
         keep(std::string("light ") + text, light);
     }
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "the snapshot asks for something unknown";
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "the snapshot queries an unknown state";
     return state;
 }
 
-/// One failure for each state that differs.
+/// Reports one failure per state that differs.
 inline void ExpectSameGlState(const GlSnapshot& before, const GlSnapshot& after, const std::string& step) {
     ASSERT_EQ(before.size(), after.size());
     for (const auto& [text, value] : before) EXPECT_EQ(after.at(text), value) << step << " changes " << text;

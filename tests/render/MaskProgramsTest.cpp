@@ -1,4 +1,4 @@
-// The two programs of the masks: the silhouette of the scene, and the product of a mask and an image.
+// The two shader programs of the masks: the silhouette of the scene, and the product of a mask and an image.
 #include "render/SceneFixture.h"
 
 namespace {
@@ -11,7 +11,7 @@ protected:
         glClearColor(0, 0, 0, 0);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     }
-    /// Red, green and blue of a pixel that was just drawn; y downward.
+    /// Red, green and blue of a pixel of the back buffer; y downward.
     static std::array<int, 3> Drawn(int x, int y) {
         std::array<std::uint8_t, 4> pixel{};
         glReadPixels(x, 239 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
@@ -30,19 +30,19 @@ protected:
     const std::array<int, 3> kWhite{255, 255, 255}, kBlack{0, 0, 0};
 };
 
-TEST_F(MaskPrograms, MakeAWhiteSilhouetteThatStopsAtTheClipPlane) {
+TEST_F(MaskPrograms, DrawAWhiteSilhouetteThatEndsAtTheClipPlane) {
     Mesh& mesh = Add({}, {1, 0, 0});  // columns 112 to 207
     const GLuint program = pane->m_progCreateMask;
     glUseProgram(program);
     glUniform4f(glGetUniformLocation(program, "clipPlaneEquation0"), -1, 0, 0, 1);  // keeps x below 1, column 184
     glUniform1i(glGetUniformLocation(program, "clipPlane0Enabled"), 1);
-    mesh.Draw(2, false);
+    mesh.Draw(KV_ScenePane::DrawModeFlat, false);
     EXPECT_EQ(Drawn(114, 120), kWhite);
     EXPECT_EQ(Drawn(182, 120), kWhite);
     EXPECT_EQ(Drawn(186, 120), kBlack);
     EXPECT_EQ(Drawn(100, 120), kBlack);
     glUniform1i(glGetUniformLocation(program, "clipPlane0Enabled"), 0);
-    mesh.Draw(2, false);
+    mesh.Draw(KV_ScenePane::DrawModeFlat, false);
     EXPECT_EQ(Drawn(186, 120), kWhite);
     glUseProgram(0);
 }

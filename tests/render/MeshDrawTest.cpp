@@ -1,4 +1,4 @@
-// What a mesh keeps on the GPU, and when it is made anew.
+// The GPU buffers of a mesh: content, and when they are built, rebuilt and deleted.
 #include <cstring>
 
 #include "render/MeshTexture.h"
@@ -34,7 +34,7 @@ protected:
         for (int i = 0; i < triangleCount; ++i) triangles.push_back({{100 + i, i, i + 1}});
         return std::make_shared<Mesh>(std::move(vertices), std::move(triangles), std::wstring(), hasColors);
     }
-    void DrawNow(Mesh& mesh, int mode = 3, bool reduced = false) {
+    void DrawNow(Mesh& mesh, int mode = KV_ScenePane::DrawModeGouraud, bool reduced = false) {
         ASSERT_TRUE(pane->MakeContextCurrent());
         mesh.Draw(mode, reduced);
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
@@ -62,7 +62,7 @@ TEST_F(MeshBuffersOnTheGpu, HoldThePackedVerticesAndThreeKindsOfIndices) {
     mesh->ReleaseBuffers();
 }
 
-TEST_F(MeshBuffersOnTheGpu, OfAColouredMeshCarryTheBlendedColours) {
+TEST_F(MeshBuffersOnTheGpu, HoldTheBlendedColoursOfAColouredMesh) {
     const auto mesh = Fan(3, true);
     mesh->m_vVertices[7].color = 0x00FFFFFF;
     mesh->m_fColor[1] = mesh->m_fColor[2] = 0.0f;
@@ -75,8 +75,8 @@ TEST_F(MeshBuffersOnTheGpu, OfAColouredMeshCarryTheBlendedColours) {
     mesh->ReleaseBuffers();
 }
 
-// More than one piece of the upload: 20,000 vertices of 24 bytes and 60,000 indices.
-TEST_F(MeshBuffersOnTheGpu, OfALargeMeshAreWhole) {
+// The upload works in pieces of 256 KiB: 1.7 MB of vertices and 280 KB of indices need several.
+TEST_F(MeshBuffersOnTheGpu, HoldAllOfAMeshUploadedInSeveralPieces) {
     const auto mesh = Fan(70'000, false);
     DrawNow(*mesh);
     const auto vertices = Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer);
@@ -112,10 +112,10 @@ TEST_F(MeshBuffersOnTheGpu, KeepTheirNamesAndShrinkWhenRebuilt) {
     mesh->ReleaseBuffers();
 }
 
-TEST_F(MeshBuffersOnTheGpu, AreNotTouchedWhileNothingIsDirty) {
+TEST_F(MeshBuffersOnTheGpu, AreNotRebuiltWhileClean) {
     const auto mesh = Fan(5, false);
     DrawNow(*mesh);
-    mesh->m_vVertices[0].x = 77.0f;  // unmarked, so the GPU must not see it
+    mesh->m_vVertices[0].x = 77.0f;  // not marked dirty: must not be uploaded
     DrawNow(*mesh);
     float x = 0.0f;
     std::memcpy(&x, Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer).data(), 4);
@@ -127,7 +127,7 @@ TEST_F(MeshBuffersOnTheGpu, AreNotTouchedWhileNothingIsDirty) {
     mesh->ReleaseBuffers();
 }
 
-TEST_F(MeshBuffersOnTheGpu, AreDirtyAfterAChangeOfTheBlendFlagOnly) {
+TEST_F(MeshBuffersOnTheGpu, BecomeDirtyOnlyWhenTheBlendFlagChanges) {
     const auto mesh = Fan(5, true);
     DrawNow(*mesh);
     mesh->SetBlendColors(false);
@@ -140,8 +140,10 @@ TEST_F(MeshBuffersOnTheGpu, AreDirtyAfterAChangeOfTheBlendFlagOnly) {
     mesh->ReleaseBuffers();
 }
 
-TEST_F(MeshBuffersOnTheGpu, AreMadeInAnyModeThatDraws) {
-    for (const int mode : {0, 1, 2, 3, 4, 6}) {
+TEST_F(MeshBuffersOnTheGpu, AreBuiltInEveryDrawMode) {
+    using namespace KV_ScenePane;
+    for (const DrawMode mode :
+         {DrawModePoints, DrawModeWireframe, DrawModeFlat, DrawModeGouraud, DrawModeBoundingBoxes, DrawModeNothing}) {
         const auto mesh = Fan(5, false);
         DrawNow(*mesh, mode);
         EXPECT_FALSE(mesh->m_bBuffersDirty) << mode;
@@ -150,7 +152,7 @@ TEST_F(MeshBuffersOnTheGpu, AreMadeInAnyModeThatDraws) {
     }
 }
 
-TEST_F(MeshBuffersOnTheGpu, AreNotMadeWithoutTriangles) {
+TEST_F(MeshBuffersOnTheGpu, AreNotBuiltWithoutTriangles) {
     Mesh mesh(Square{}.Vertices(), {}, L"", false);
     for (int mode = -1; mode < 8; ++mode) {
         mesh.MarkBuffersDirty();
@@ -160,7 +162,7 @@ TEST_F(MeshBuffersOnTheGpu, AreNotMadeWithoutTriangles) {
     }
 }
 
-TEST_F(MeshBuffersOnTheGpu, GoWithTheMesh) {
+TEST_F(MeshBuffersOnTheGpu, AreDeletedWithTheMesh) {
     GLuint names[4] = {};
     {
         const auto mesh = Fan(5, false);
@@ -172,7 +174,7 @@ TEST_F(MeshBuffersOnTheGpu, GoWithTheMesh) {
     for (const GLuint name : names) EXPECT_EQ(glIsBuffer(name), GL_FALSE);
 }
 
-TEST_F(MeshBuffersOnTheGpu, ReleasedOnesAreMadeAgain) {
+TEST_F(MeshBuffersOnTheGpu, AreBuiltAgainAfterARelease) {
     const auto mesh = Fan(5, false);
     DrawNow(*mesh);
     mesh->ReleaseBuffers();
@@ -183,8 +185,9 @@ TEST_F(MeshBuffersOnTheGpu, ReleasedOnesAreMadeAgain) {
     mesh->ReleaseBuffers();
 }
 
-// Not the current colour: Mesa 22.3 leaves it as a second glPushAttrib, glColor, glPopAttrib in a row set it.
-TEST_F(MeshBuffersOnTheGpu, DrawingPutsTheStateBack) {
+// Without the current colour: Mesa 22.3 does not restore it at the second of two sequences of glPushAttrib(), glColor()
+// and glPopAttrib().
+TEST_F(MeshBuffersOnTheGpu, AreDrawnWithoutChangingTheOpenGlState) {
     const auto mesh = Fan(5, true);
     DrawNow(*mesh, -1);
     EXPECT_EQ(Get(GL_ELEMENT_ARRAY_BUFFER_BINDING), static_cast<GLint>(mesh->m_uReducedBuffer)) << "the last one built";
@@ -199,7 +202,7 @@ TEST_F(MeshBuffersOnTheGpu, DrawingPutsTheStateBack) {
         for (const GLenum state : {GL_LIGHTING, GL_LIGHT0, GL_DEPTH_TEST, GL_VERTEX_ARRAY, GL_NORMAL_ARRAY,
                                    GL_COLOR_ARRAY, GL_TEXTURE_COORD_ARRAY})
             EXPECT_EQ(glIsEnabled(state), GL_FALSE) << state;
-        if (mode < 4) {
+        if (mode < KV_ScenePane::DrawModeBoundingBoxes) {  // the modes that draw buffers
             EXPECT_EQ(Get(GL_ARRAY_BUFFER_BINDING), 0);
             EXPECT_EQ(Get(GL_ELEMENT_ARRAY_BUFFER_BINDING), 0);
         }
@@ -207,9 +210,9 @@ TEST_F(MeshBuffersOnTheGpu, DrawingPutsTheStateBack) {
     mesh->ReleaseBuffers();
 }
 
-TEST_F(MeshBuffersOnTheGpu, OfATexturedMeshHoldEachCornerWithItsCoordinate) {
+TEST_F(MeshBuffersOnTheGpu, HoldEachCornerOfATexturedMeshWithItsCoordinate) {
     ASSERT_TRUE(pane->MakeContextCurrent());
-    auto mesh = Fan(2, true);  // the texture wins over the vertex colours
+    auto mesh = Fan(2, true);  // the texture replaces the vertex colours
     mesh->m_vTexCoords = {{0, 0.1f}, {1, 0.2f}, {2, 0.3f}, {3, 0.4f}, {4, 0.5f}, {5, 0.6f}};
     const std::vector<std::uint8_t> pixel{1, 2, 3, 4}, image{9, 8, 7};
     CreateTexture(*mesh, 1, 1, pixel.data(), image);

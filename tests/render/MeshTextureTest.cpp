@@ -1,4 +1,4 @@
-// Textured meshes: where the picture's pixels come out on the screen, and who owns the texture.
+// Textured meshes: position of the pixels of the picture on the screen, failures, and ownership of the texture.
 #include <set>
 #include <stdexcept>
 
@@ -16,7 +16,7 @@ using Bytes = std::vector<std::uint8_t>;
 struct Quarters {
     Vec3 topLeft{1, 0, 0}, topRight{0, 1, 0}, bottomLeft{0, 0, 1}, bottomRight{1, 0.8, 0};
 
-    /// Four bytes a pixel, the top row first.
+    /// Four bytes per pixel, the top row first.
     [[nodiscard]] Bytes Pixels() const {
         Bytes rgba;
         for (int y = 0; y < 8; ++y)
@@ -30,7 +30,7 @@ struct Quarters {
     [[nodiscard]] Bytes File() const { return png_file::OfRgba(8, 8, Pixels()); }
 };
 
-/// Of the corners of a Square's triangles, the whole picture upright: v counts upward.
+/// Texture coordinates for the triangles of a Square that show the whole picture upright; v counts upward.
 const std::vector<TexCoord> kUpright{{0, 0}, {1, 0}, {1, 1}, {0, 0}, {1, 1}, {0, 1}};
 
 std::vector<HpsFace> FacesOf(const Square& square, const std::vector<TexCoord>& texCoords) {
@@ -94,12 +94,12 @@ protected:
             Surface surface = square.At(camera, spot.x, spot.y, {1, 1, 1});
             surface.color = spot.texel;
             ExpectPixel(spot.x, spot.y,
-                        GetParam() == 5
+                        GetParam() == KV_ScenePane::DrawModePerPixel
                             ? PerPixel(camera, surface)
                             : Times(FixedFunction(camera, square.At(camera, spot.x, spot.y, {1, 1, 1})), spot.texel));
         }
     }
-    /// Near the corners of each quarter; closer than half a texel to another colour they mix.
+    /// Points near the corners of each quarter, but not within half a texel of another colour, where the colours mix.
     [[nodiscard]] std::vector<Spot> Upright() const {
         std::vector<Spot> spots;
         for (const auto& [left, top, texel] : {std::tuple{112, 72, quarters.topLeft},
@@ -111,7 +111,9 @@ protected:
         return spots;
     }
 };
-INSTANTIATE_TEST_SUITE_P(Modes, EveryShadedMode, testing::Values(2, 3, 5),
+INSTANTIATE_TEST_SUITE_P(Modes, EveryShadedMode,
+                         testing::Values(KV_ScenePane::DrawModeFlat, KV_ScenePane::DrawModeGouraud,
+                                         KV_ScenePane::DrawModePerPixel),
                          [](const auto& row) { return std::to_string(row.param); });
 
 TEST_P(EveryShadedMode, ShowsThePictureOfAPlyUpright) {
@@ -121,14 +123,15 @@ TEST_P(EveryShadedMode, ShowsThePictureOfAPlyUpright) {
 }
 
 TEST_P(EveryShadedMode, ShowsTheFirstRowOfHpsPixelsAtVZero) {
-    Show(MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"", Bytes{}, Words(quarters.Pixels()).data(), 8, 8));
+    Show(
+        MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"", Bytes{}, Words(quarters.Pixels()).data(), 8, 8));
     ExpectSpots({{136, 96, quarters.bottomLeft},
                  {184, 96, quarters.bottomRight},
                  {136, 144, quarters.topLeft},
                  {184, 144, quarters.topRight}});
 }
 
-TEST_P(EveryShadedMode, TakesAPartOfThePictureAndRepeatsIt) {
+TEST_P(EveryShadedMode, MapsAPartOfThePictureAndRepeatsIt) {
     // The right half of the picture across the square, twice.
     std::vector<TexCoord> texCoords = kUpright;
     for (TexCoord& at : texCoords) at = {0.5f + 0.5f * at.u, 2.0f * at.v};
@@ -153,10 +156,10 @@ TEST_P(EveryShadedMode, KeepsTheLightWhiteWhateverTheColoursOfTheObject) {
         }
 }
 
-TEST_F(TexturedMeshes, ShowTheirPictureOnTheEdgesInMode1) {
+TEST_F(TexturedMeshes, ShowTheirPictureOnTheEdgesInWireframe) {
     Show(FromPly(square, kUpright, quarters.File()));
-    FrameInMode(1);
-    // On the diagonal from the lower left to the upper right; a line takes one of the pixels beside its way.
+    FrameInMode(KV_ScenePane::DrawModeWireframe);
+    // On the diagonal from the lower left to the upper right; a line covers one of two neighbouring pixels.
     const auto brightest = [&](int x, int y) {
         Vec3 color = ColorAt(x, y);
         for (const int dx : {-1, 1})
@@ -172,12 +175,12 @@ TEST_F(TexturedMeshes, ShowTheirPictureOnTheEdgesInMode1) {
     ExpectBackground(125, 100);
 }
 
-TEST_F(TexturedMeshes, ShowAllTheirCornersInMode0) {
+TEST_F(TexturedMeshes, ShowAllTheirCornersAsPoints) {
     // Each corner of the square lies in the middle of its quarter of the picture.
     std::vector<TexCoord> texCoords = kUpright;
     for (TexCoord& at : texCoords) at = {0.25f + 0.5f * at.u, 0.25f + 0.5f * at.v};
     Show(FromPly(square, texCoords, quarters.File()));
-    FrameInMode(0);
+    FrameInMode(KV_ScenePane::DrawModePoints);
     const Vec3 lit = FixedFunction(camera, square.At(camera, 160, 120, {1, 1, 1}));
     ExpectPixel(112, 72, Times(lit, quarters.topLeft));
     ExpectPixel(207, 72, Times(lit, quarters.topRight));
@@ -186,9 +189,9 @@ TEST_F(TexturedMeshes, ShowAllTheirCornersInMode0) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 4 * 4);
 }
 
-// ---- what the two makers fill in
+// ---- the members that MakePlyMesh() and MakeHpsMesh() set
 
-TEST_F(TexturedMeshes, ThrowAndTakeShadowsAsOthersDo) {
+TEST_F(TexturedMeshes, CastAndReceiveShadowsAsOtherMeshesDo) {
     const Square occluder{.center = {0.3, 0.5, 3}, .half = 1.2}, receiver{.half = 4.0},
         beside{.center = {-1.5, -1.5, 1}, .half = 0.7};
     const auto frame = [&](bool textured) {
@@ -200,7 +203,7 @@ TEST_F(TexturedMeshes, ThrowAndTakeShadowsAsOthersDo) {
                 Add(part, {1, 1, 1});
         }
         Add(beside, {1, 1, 1});
-        FrameInMode(3);
+        FrameInMode(KV_ScenePane::DrawModeGouraud);
         return picture.pixels;
     };
     const auto lit = frame(false);
@@ -209,10 +212,10 @@ TEST_F(TexturedMeshes, ThrowAndTakeShadowsAsOthersDo) {
     const auto expected = frame(false);
     EXPECT_NE(expected, lit) << "no shadow falls";
     EXPECT_EQ(frame(true), expected);
-    EXPECT_EQ(frame(false), expected) << "and nothing is left for the next frame";
+    EXPECT_EQ(frame(false), expected) << "the next frame is unchanged";
 }
 
-TEST_F(TexturedMeshes, FromAPlyHoldWhatTheFileBrought) {
+TEST_F(TexturedMeshes, FromAPlyHoldTheDataOfTheFile) {
     const Bytes file = quarters.File();
     const auto mesh = FromPly(square, kUpright, file);
     EXPECT_EQ(mesh->m_sName, L"");
@@ -234,7 +237,7 @@ TEST_F(TexturedMeshes, FromAPlyHoldWhatTheFileBrought) {
 }
 
 TEST_F(TexturedMeshes, FromAnHpsHoldNameFacesAndImageBytes) {
-    const Bytes imageBytes{9, 8, 7};  // kept as they are: the pixels came with them
+    const Bytes imageBytes{9, 8, 7};  // not decoded, because the pixels are given
     const auto made = MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"/scans/tooth.hps", imageBytes,
                                   Words(quarters.Pixels()).data(), 8, 8);
     const Mesh& mesh = *made;
@@ -250,7 +253,7 @@ TEST_F(TexturedMeshes, FromAnHpsHoldNameFacesAndImageBytes) {
     EXPECT_EQ(mesh.m_pTexture->m_vImageBytes, imageBytes);
 }
 
-TEST_F(TexturedMeshes, FromAnHpsWithoutPixelsAreNone) {
+TEST_F(TexturedMeshes, FromAnHpsWithoutPixelsHaveNoTexture) {
     const std::set<GLuint> before = Textures();
     const auto made = MakeHpsMesh(square.Vertices(), FacesOf(square, kUpright), L"tooth.hps", {}, nullptr, 0, 0);
     const Mesh& mesh = *made;
@@ -281,14 +284,14 @@ protected:
     }
 };
 
-TEST_F(TextureFailures, OfTheDecoderSayWhy) {
+TEST_F(TextureFailures, OfTheDecoderThrowTheReason) {
     Bytes file = quarters.File();
     file.pop_back();
     ExpectRefusal("the call failed", [&] { FromPly(square, kUpright, file); });
     ExpectRefusal("an invalid argument was passed to an interface method", [&] { FromPly(square, kUpright, {}); });
 }
 
-TEST_F(TextureFailures, OfHpsPixelsSayWhy) {
+TEST_F(TextureFailures, OfHpsPictureSizesThrowTheReason) {
     const std::uint32_t pixel = 0;
     for (const auto& [width, height] : {std::pair{0u, 1u}, {1u, 0u}, {16385u, 1u}, {1u, 0xFFFFFFFFu}})
         ExpectRefusal("an invalid argument was passed to an interface method", [&, w = width, h = height] {
@@ -296,7 +299,7 @@ TEST_F(TextureFailures, OfHpsPixelsSayWhy) {
         });
 }
 
-TEST_F(TextureFailures, OfARegistryThatIsNotStartedNameTheObject) {
+TEST_F(TextureFailures, OfAnUninitializedRegistryNameTheObject) {
     pane->FinalizeKVReg();
     ExpectRefusal(
         "the component library gives no object {312F34D3-886E-4DEB-8B33-D8F9B923D637}: is the registry "
@@ -307,13 +310,12 @@ TEST_F(TextureFailures, OfARegistryThatIsNotStartedNameTheObject) {
 
 // ---- ownership
 
-TEST_F(TexturedMeshes, LeaveNothingBehindWhenTheyGo) {
+TEST_F(TexturedMeshes, DeleteTheirTextureWhenDestroyed) {
     const std::set<GLuint> before = Textures();
     auto mesh = FromPly(square, kUpright, quarters.File());
     const GLuint name = mesh->m_pTexture->m_uName;
     EXPECT_EQ(glIsTexture(name), GL_TRUE);
-    EXPECT_EQ(glIsTexture(0), GL_FALSE);
-    mesh->Draw(3, false);
+    mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
     mesh.reset();
     EXPECT_EQ(glIsTexture(name), GL_FALSE);
     EXPECT_EQ(Textures(), before);
@@ -323,13 +325,13 @@ TEST_F(TexturedMeshes, LeaveNothingBehindWhenTheyGo) {
 TEST_F(TexturedMeshes, ShareTheirTextureWithTheirClones) {
     auto mesh = FromPly(square, kUpright, quarters.File());
     const GLuint name = mesh->m_pTexture->m_uName;
-    const std::uint32_t removed[] = {1u << 1};  // lower right corner: the upper left triangle stays
+    const std::uint32_t removed[] = {1u << 1};  // the lower right corner: the upper left triangle remains
     std::shared_ptr<Mesh> clone = mesh->CloneWithoutVertices(removed);
     EXPECT_EQ(clone->m_pTexture, mesh->m_pTexture);
     mesh.reset();
     EXPECT_EQ(glIsTexture(name), GL_TRUE);
     Show(clone);
-    FrameInMode(2);
+    FrameInMode(KV_ScenePane::DrawModeFlat);
     ExpectPixel(130, 96, Times(FixedFunction(camera, square.At(camera, 130, 96, {1, 1, 1})), quarters.topLeft));
     ExpectBackground(190, 140);
     pane->m_vpMeshes.clear();
@@ -337,7 +339,7 @@ TEST_F(TexturedMeshes, ShareTheirTextureWithTheirClones) {
     EXPECT_EQ(glIsTexture(name), GL_FALSE);
 }
 
-TEST_F(TexturedMeshes, ReleaseTheFormerTexture) {
+TEST_F(TexturedMeshes, DeleteTheFormerTextureWhenItIsReplaced) {
     const auto mesh = FromPly(square, kUpright, quarters.File());
     const GLuint former = mesh->m_pTexture->m_uName;
     const Bytes pixel{1, 2, 3, 255};
@@ -348,7 +350,7 @@ TEST_F(TexturedMeshes, ReleaseTheFormerTexture) {
     EXPECT_EQ(mesh->m_pTexture->m_vImageBytes, Bytes{5});
 }
 
-TEST_F(TexturedMeshes, HoldMipmapsAndTheFiltersForThem) {
+TEST_F(TexturedMeshes, HaveMipmapsAndTheFiltersForThem) {
     const auto mesh = FromPly(square, kUpright, quarters.File());
     glBindTexture(GL_TEXTURE_2D, mesh->m_pTexture->m_uName);
     const auto parameter = [](GLenum name) {
@@ -358,7 +360,7 @@ TEST_F(TexturedMeshes, HoldMipmapsAndTheFiltersForThem) {
     };
     EXPECT_EQ(parameter(GL_TEXTURE_MIN_FILTER), GL_LINEAR_MIPMAP_LINEAR);
     EXPECT_EQ(parameter(GL_TEXTURE_MAG_FILTER), GL_LINEAR);
-    // 8 x 8, 4 x 4, 2 x 2, 1 x 1: the last is the mean of the quarters.
+    // Levels of 8 x 8, 4 x 4, 2 x 2 and 1 x 1; the last is the mean of the quarters.
     GLint width = 0;
     glGetTexLevelParameteriv(GL_TEXTURE_2D, 2, GL_TEXTURE_WIDTH, &width);
     EXPECT_EQ(width, 2);
@@ -370,10 +372,10 @@ TEST_F(TexturedMeshes, HoldMipmapsAndTheFiltersForThem) {
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-TEST_F(TexturedMeshes, HalveAPictureThatTheDriverIsTooSmallFor) {
+TEST_F(TexturedMeshes, HalveAPictureLargerThanTheLimitOfTheDriver) {
     GLint longestSide = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &longestSide);
-    // One pixel too wide: columns of 40 and 60 become one of 50, and the odd last one is dropped.
+    // One pixel too wide: columns of 40 and 60 are averaged to 50, and the odd last column is dropped.
     const std::int32_t width = longestSide + 1;
     Bytes pixels;
     for (int y = 0; y < 3; ++y)
@@ -396,8 +398,8 @@ TEST_F(TexturedMeshes, HalveAPictureThatTheDriverIsTooSmallFor) {
         ASSERT_EQ((Bytes(&found[i], &found[i] + 4)), (Bytes{50, 50, 7, 255})) << i / 4;
 }
 
-/// A conversion on a machine without a display writes the picture's file back.
-TEST(TexturedMeshesWithoutContext, KeepTheImageBytesAlone) {
+/// Without OpenGL, as in a conversion on a server: an export writes the image file back.
+TEST(TexturedMeshesWithoutContext, KeepOnlyTheImageBytes) {
     NoPictureControl control;
     control->InitializeKVReg();
     const Bytes file = Quarters{}.File();

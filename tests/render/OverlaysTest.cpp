@@ -1,4 +1,4 @@
-// The host's images over the scene: where they lie, how they mix, and what becomes of them.
+// The images of the host over the scene: position, blending, list of overlays, invalid images, new contexts.
 #include <limits>
 
 #include "render/GlSnapshot.h"
@@ -42,16 +42,16 @@ int AddImage(CKV_ScenePaneCtrl& control, const Image& image, const Anchor& a = {
 class OverlayScene : public SceneTest {
 protected:
     using SceneTest::SceneTest;
-    /// The image's pixels stand there; others are not looked at.
+    /// Expects the pixels of the image at that position and ignores all others.
     void ExpectPixelsOf(const Image& image, int left, int top) {
         for (int y = 0; y < image.height; ++y)
             for (int x = 0; x < image.width; ++x)
                 if (DistanceAt(left + x, top + y, image.At(x, y)) > 1.0) {
                     ExpectPixel(left + x, top + y, image.At(x, y), 1.0);
-                    return;  // one is enough
+                    return;  // one failure is enough
                 }
     }
-    /// The frame is the image with its first pixel there, as far as it lies in the window, and background around it.
+    /// Expects the image with its first pixel at that position, clipped to the window, and background around it.
     void ExpectImageAt(const Image& image, int left, int top) {
         int seen = 0;
         for (int y = 0; y < picture.height; ++y)
@@ -61,15 +61,15 @@ protected:
                 const Vec3 expected = in ? image.At(x - left, y - top) : kBackground;
                 if (DistanceAt(x, y, expected) > 1.0) {
                     ExpectPixel(x, y, expected, 1.0);
-                    return;  // one is enough
+                    return;  // one failure is enough
                 }
             }
         EXPECT_GT(seen, 0);
     }
 };
 
-/// In both kinds of windows.
-class Overlays : public OverlayScene, public testing::WithParamInterface<PaneWindowRequest::Kind> {
+/// The tests that run off-screen and in an X11 window.
+class Overlays : public OverlayScene, public testing::WithParamInterface<WindowKind> {
 protected:
     Overlays() : OverlayScene(GetParam()) {}
 };
@@ -88,7 +88,7 @@ TEST_P(Overlays, OfAnySizeAreShownPixelByPixel) {
     }
 }
 
-TEST_P(Overlays, AreTakenWithTheDefaultUnpackState) {
+TEST_P(Overlays, AreUploadedWithTheDefaultUnpackState) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     EXPECT_EQ(Get(GL_UNPACK_ALIGNMENT), 4);
     for (const GLenum name : {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SWAP_BYTES,
@@ -96,14 +96,14 @@ TEST_P(Overlays, AreTakenWithTheDefaultUnpackState) {
         EXPECT_EQ(Get(name), 0);
 }
 
-TEST_P(Overlays, LeaveTheStateOfOpenGlWhenTheyAreAdded) {
+TEST_P(Overlays, DoNotChangeTheOpenGlStateWhenAdded) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     const GlSnapshot before = TakeGlSnapshot();
     AddImage(*pane, Image(3, 3));
     ExpectSameGlState(before, TakeGlSnapshot(), "AddOverlayData");
 }
 
-// ---- place
+// ---- position
 
 struct Pinned {
     const char* name;
@@ -139,14 +139,14 @@ class OverlayAnchors : public OverlayScene, public testing::WithParamInterface<P
 INSTANTIATE_TEST_SUITE_P(Table, OverlayAnchors, testing::ValuesIn(kPinned),
                          [](const auto& row) { return row.param.name; });
 
-TEST_P(OverlayAnchors, PinTheImage) {
+TEST_P(OverlayAnchors, PlaceTheImage) {
     const Image image(20, 10);
     AddImage(*pane, image, GetParam().anchor);
     Frame();
     ExpectImageAt(image, GetParam().left, GetParam().top);
 }
 
-TEST_P(Overlays, KeepTheirEdgesAndTheirSizeWhenTheWindowIsResized) {
+TEST_P(Overlays, KeepSizeAndDistanceToTheEdgesWhenTheWindowIsResized) {
     const Image image(20, 10);
     AddImage(*pane, image,
              {.relPosX = 1, .relPosY = 1, .relOffsetX = -1, .relOffsetY = -1, .absOffsetX = -5, .absOffsetY = -5});
@@ -161,19 +161,19 @@ TEST_P(Overlays, KeepTheirEdgesAndTheirSizeWhenTheWindowIsResized) {
 TEST_P(Overlays, DoNotFollowTheView) {
     const Image image(20, 10);
     AddImage(*pane, image, {.absOffsetX = 9, .absOffsetY = 8});
-    pane->SetViewMode(6);
+    pane->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     pane->m_fZoom = 0.3f;
     pane->SetupViewMatrices();
     Frame();
     ExpectImageAt(image, 9, 8);
 }
 
-TEST_P(Overlays, BetweenPixelsAreInterpolated) {
+TEST_P(Overlays, AtFractionalPositionsAreInterpolated) {
     Image image = Image::Plain(2, 4, {0, 0, 0, 255});
     for (std::size_t y = 0; y < 4; ++y) image.bytes[8 * y + 6] = 200;  // red of the second column
     AddImage(*pane, image, {.absOffsetX = 100.5f, .absOffsetY = 50});
     Frame();
-    // The middle of column 101 lies 1.0 into the image: on the border of its two pixels.
+    // The centre of column 101 is at 1.0 in the image, the border of its two pixels.
     ExpectPixel(101, 52, {100 / 255.0, 0, 0});
 }
 
@@ -210,9 +210,10 @@ TEST_P(Overlays, AreNotDisturbedByShadowsOrTexturedObjects) {
     const Image image(20, 10);
     AddImage(*pane, image, {.absOffsetX = 5, .absOffsetY = 5});
     Add({});
-    for (const std::int16_t mode : std::vector<std::int16_t>{5, 7, 3}) {
+    using namespace KV_ScenePane;
+    for (const DrawMode mode : {DrawModePerPixel, DrawModeShadowMap, DrawModeGouraud}) {
         pane->m_nDrawMode = mode;
-        pane->SetShadowMode(mode == 3 ? 1 : 0);
+        pane->SetShadowMode(mode == DrawModeGouraud ? 1 : 0);
         Frame();
         ExpectPixel(5, 5, image.At(0, 0), 1.0);
         ExpectPixel(24, 14, image.At(19, 9), 1.0);
@@ -235,7 +236,7 @@ TEST_P(Overlays, KeepTheirIndexWhenTheyAreHidden) {
     EXPECT_EQ(AddImage(*pane, second), 2);
 }
 
-TEST_P(Overlays, AreVisibleByTheLowByteOfTheSwitch) {
+TEST_P(Overlays, AreVisibleByTheLowByteOfTheArgument) {
     const Image image(8, 8);
     AddImage(*pane, image);
     for (const std::int32_t off : {256, 0x7FFFFF00, 0}) {
@@ -252,7 +253,7 @@ TEST_P(Overlays, AreVisibleByTheLowByteOfTheSwitch) {
     }
 }
 
-TEST_P(Overlays, AskForNoFrameThemselves) {
+TEST_P(Overlays, DoNotRequestAFrame) {
     pane.window->Forget();
     AddImage(*pane, Image(8, 8));
     pane->SetOverlayVisibility(0, 0);
@@ -268,7 +269,7 @@ TEST_P(Overlays, AreCopiedDuringTheCall) {
     ExpectImageAt(image, 0, 0);
 }
 
-TEST_P(Overlays, AreAddedWhereAnotherControlWasCurrent) {
+TEST_P(Overlays, CanBeAddedWhileAnotherContextIsCurrent) {
     OffscreenControl other(100, 100);
     ASSERT_TRUE(other->MakeContextCurrent());
     const Image image(8, 8);
@@ -277,7 +278,7 @@ TEST_P(Overlays, AreAddedWhereAnotherControlWasCurrent) {
     ExpectImageAt(image, 0, 0);
 }
 
-TEST_P(Overlays, StayWhenTheDataIsCleared) {
+TEST_P(Overlays, RemainWhenTheDataIsCleared) {
     const Image image(8, 8);
     AddImage(*pane, image);
     pane->ClearData();
@@ -296,7 +297,7 @@ TEST_P(Overlays, WithoutPixelsAreTransparent) {
     EXPECT_EQ(AddImage(*pane, Image(8, 8)), 1);
 }
 
-TEST_P(Overlays, OfNoSizeHaveAnIndexAndShowNothing) {
+TEST_P(Overlays, OfZeroOrNegativeSizeHaveAnIndexAndShowNothing) {
     const Image image(8, 8);
     constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
     const std::pair<int, int> sizes[] = {{0, 0}, {0, 5}, {5, 0}, {-1, 5}, {5, -1}, {-3, -7}, {kLowest, kLowest}};
@@ -314,8 +315,8 @@ TEST_P(Overlays, OfNoSizeHaveAnIndexAndShowNothing) {
     ExpectImageAt(image, 0, 0);
 }
 
-// A pixel buffer that is too small makes OpenGL refuse what would else be taken.
-TEST_P(Overlays, ThatOpenGlRefusesShowNothingAndLeaveNoError) {
+// A bound pixel buffer that is too small makes OpenGL reject the upload of a valid image.
+TEST_P(Overlays, RejectedByOpenGlShowNothingAndLeaveNoError) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     GLuint buffer = 0;
     glGenBuffers(1, &buffer);
@@ -333,9 +334,9 @@ TEST_P(Overlays, ThatOpenGlRefusesShowNothingAndLeaveNoError) {
     ExpectImageAt(image, 20, 0);
 }
 
-TEST_P(Overlays, AreTakenWhateverErrorCameBefore) {
+TEST_P(Overlays, AreUploadedDespiteAnEarlierOpenGlError) {
     ASSERT_TRUE(pane->MakeContextCurrent());
-    glEnable(GL_TRIANGLES);  // no capability
+    glEnable(GL_TRIANGLES);  // not a capability: raises GL_INVALID_ENUM
     const Image image(8, 8);
     AddImage(*pane, image);
     EXPECT_EQ(pane.debugOutput.Take(), "");
@@ -343,7 +344,7 @@ TEST_P(Overlays, AreTakenWhateverErrorCameBefore) {
     ExpectImageAt(image, 0, 0);
 }
 
-TEST_P(Overlays, LargerThanTheTexturesOfTheDriverShowNothingAndSayWhy) {
+TEST_P(Overlays, LargerThanTheLimitOfTheDriverShowNothingAndReportWhy) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     const int side = Get(GL_MAX_TEXTURE_SIZE);
     const Image widest = Image::Plain(side, 1, {0, 0, 255, 255}), tooWide = Image::Plain(side + 1, 1, {0, 0, 255, 255});
@@ -358,20 +359,22 @@ TEST_P(Overlays, LargerThanTheTexturesOfTheDriverShowNothingAndSayWhy) {
     EXPECT_EQ(pane.debugOutput.Take(), "");
 }
 
-TEST_P(Overlays, InAWindowWithoutAreaLeaveNoError) {
-    if (GetParam() != PaneWindowRequest::Kind::OffScreen) GTEST_SKIP() << "an X window has at least one pixel";
+TEST_P(Overlays, InAWindowWithoutAreaCauseNoOpenGlError) {
+    if (GetParam() != WindowKind::OffScreen) GTEST_SKIP() << "an X window has at least one pixel";
     AddImage(*pane, Image(8, 8));
     for (const auto& [width, height] : {std::pair{0, 0}, {5, 0}, {0, 5}}) {
         Resize(width, height);
         pane->PerformRefresh();
         ASSERT_TRUE(pane->MakeContextCurrent());
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << width << " " << height;
+        EXPECT_EQ(pane->m_nWidth, width) << "no frame was drawn";
+        EXPECT_EQ(pane->m_nHeight, height) << "no frame was drawn";
     }
 }
 
 // ---- a new context
 
-TEST_P(Overlays, AreThereAgainInANewContextWithTheirIndicesAndSwitches) {
+TEST_P(Overlays, AreRestoredInANewContextWithIndexAndVisibility) {
     const Image first(8, 8), hidden = Image::Plain(8, 8, {0, 255, 0, 255}), third(11, 5);
     AddImage(*pane, first);
     AddImage(*pane, hidden, {.absOffsetX = 20});
@@ -380,7 +383,7 @@ TEST_P(Overlays, AreThereAgainInANewContextWithTheirIndicesAndSwitches) {
     pane->SetOverlayVisibility(1, 0);
     pane->RecreateOpenglContext(3, 3, 0);
     Look(320, 240);
-    pane->SetShadowMode(1);  // its texture may have the name that an image had in the old context
+    pane->SetShadowMode(1);  // its texture may have the name that an overlay had in the old context
     Frame();
     ExpectPixelsOf(first, 0, 0);
     ExpectPixelsOf(third, 309, 235);
@@ -396,7 +399,7 @@ TEST_P(Overlays, AreThereAgainInANewContextWithTheirIndicesAndSwitches) {
     ExpectPixelsOf(third, 309, 235);
 }
 
-TEST_P(Overlays, AreThereAgainInEveryNewContext) {
+TEST_P(Overlays, AreRestoredInEveryNewContext) {
     const Image first(8, 8), second(11, 5);
     AddImage(*pane, first);
     for (const int samples : {0, 4, 0}) {
@@ -410,7 +413,7 @@ TEST_P(Overlays, AreThereAgainInEveryNewContext) {
     }
 }
 
-TEST_P(Overlays, ThatWereAddedWithoutAContextAreShownInTheNextOne) {
+TEST_P(Overlays, AddedWithoutAContextAreShownInTheNextOne) {
     const Image before(8, 8), between(11, 5);
     AddImage(*pane, before);
     pane->RecreateOpenglContext(9, 9, 0);
@@ -426,8 +429,8 @@ TEST_P(Overlays, ThatWereAddedWithoutAContextAreShownInTheNextOne) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 8 * 8 + 11 * 5);
 }
 
-// 16 MiB each, and as much again for the driver's copy.
-TEST(OverlayMemory, GoesWithTheContextAndWithTheControl) {
+// 16 MiB per image, and the same again for the copy of the driver.
+TEST(OverlayMemory, IsFreedWithTheContextAndWithTheControl) {
     TestFolder();
     const Image image = Image::Plain(2048, 2048, {0, 0, 255, 255});
     const auto use = [&] {
@@ -444,7 +447,7 @@ TEST(OverlayMemory, GoesWithTheContextAndWithTheControl) {
     EXPECT_LT(ResidentMegabytes() - before, 30 + kQuarantineMegabytes);
 }
 
-TEST(OverlaysWithoutAPicture, AreListedAndCallNoOpenGl) {
+TEST(OverlaysWithoutOpenGl, AreListedWithoutATexture) {
     NoPictureControl pane;
     const Image image(8, 8);
     EXPECT_EQ(AddImage(*pane, image, {.relPosX = 0.5f}), 0);
@@ -458,8 +461,8 @@ TEST(OverlaysWithoutAPicture, AreListedAndCallNoOpenGl) {
     EXPECT_EQ(pane->m_vOverlays[1].m_bVisible, 0);
 }
 
-// Another control's context is current: what the one without a picture does must not reach it.
-TEST(OverlaysWithoutAPicture, MakeNoTextureInAnotherContext) {
+// The context of another control is current and must not receive the texture.
+TEST(OverlaysWithoutOpenGl, MakeNoTextureInAnotherContext) {
     OffscreenControl other(100, 100);
     NoPictureControl pane;
     const auto countTextures = [&] {
@@ -476,7 +479,7 @@ TEST(OverlaysWithoutAPicture, MakeNoTextureInAnotherContext) {
 }
 
 #ifndef NDEBUG
-TEST(OverlayDeathTest, TheIndexIsTheHostsPromise) {
+TEST(OverlayDeathTest, AnIndexOutOfRangeFailsTheAssertion) {
     EXPECT_DEATH(
         {
             NoPictureControl pane;

@@ -1,15 +1,16 @@
-// A picture of a window with samples holds their mean, as the window shows it.
+// A captured picture of a multisampled window holds the mean of the samples.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
 #include <string>
 
+#include "KV_ScenePane/Modes.h"
 #include "KV_ScenePane/ScenePane.h"
 
 namespace {
 
-// One flat triangle with slanted edges before a plain background, 64 x 64 pixels.
+// One flat triangle with slanted edges on a plain background, 64 x 64 pixels.
 KV_ScenePane::Picture TrianglePicture(int samples) {
     KV_ScenePane::WindowRequest request;
     request.width = request.height = 64;
@@ -23,7 +24,7 @@ KV_ScenePane::Picture TrianglePicture(int samples) {
     const std::int32_t triangles[] = {0, 1, 2};
     auto& methods = pane->Methods();
     methods.ImportMeshFromMemory(3, 1, vertices, triangles);
-    methods.SetViewMode(4);
+    methods.SetViewMode(KV_ScenePane::ViewFromPlusZYUp);
     methods.CenterView();
     EXPECT_TRUE(pane->CapturePicture(&picture));
     return picture;
@@ -49,7 +50,7 @@ TEST(ReadBackBuffer, GivesTheMeanOfTheSamplesAtTheEdges) {
     const auto isBetween = [&](std::uint32_t pixel) {
         return green(pixel) > green(background) + 5 && green(pixel) < green(inside) - 5;
     };
-    // Three edges of about 40 pixels each; a pixel that an edge crosses mixes both colours for most slopes.
+    // Three edges of about 40 pixels each; most pixels that an edge crosses mix both colours.
     EXPECT_GT(std::ranges::count_if(smooth.pixels, isBetween), 30);
 }
 

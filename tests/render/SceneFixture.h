@@ -1,4 +1,4 @@
-// A control in one of its windows, a camera whose maths the tests can follow, and its frames as pictures.
+// A control in a window, a camera whose maths the tests can compute, and the frames of the control as pictures.
 #pragma once
 #include <GL/glew.h>
 #include <gtest/gtest.h>
@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "render/MeshTexture.h"
 #include "support/ControlFixture.h"
 #include "support/LightingModel.h"
 #include "support/TestFolder.h"
@@ -18,18 +19,17 @@ using lighting::Vec3;
 
 inline constexpr double kTolerance = 2.0;  ///< of 255, for the rounding of the driver
 
-inline std::string NameOf(PaneWindowRequest::Kind kind) {
-    return kind == PaneWindowRequest::Kind::OffScreen ? "OffScreen" : "X11";
-}
+using WindowKind = KV_ScenePane::WindowRequest::Kind;
 
-inline std::vector<PaneWindowRequest::Kind> WindowKinds() {
-    return {PaneWindowRequest::Kind::OffScreen, PaneWindowRequest::Kind::TopLevel};
-}
+/// Suffix of the names of parameterised tests.
+inline std::string NameOf(WindowKind kind) { return kind == WindowKind::OffScreen ? "OffScreen" : "X11"; }
 
-/// Sees to it that a window of this kind can be made.
-inline PaneWindowRequest::Kind Prepared(PaneWindowRequest::Kind kind) {
+inline std::vector<WindowKind> WindowKinds() { return {WindowKind::OffScreen, WindowKind::TopLevel}; }
+
+/// Starts what a window of this kind needs: the folder of the log, and an X server for a visible window.
+inline WindowKind Prepared(WindowKind kind) {
     TestFolder();
-    if (kind == PaneWindowRequest::Kind::TopLevel) XvfbServer::Shared();
+    if (kind == WindowKind::TopLevel) XvfbServer::Shared();
     return kind;
 }
 
@@ -41,8 +41,8 @@ inline Vertex MakeVertex(const Vec3& p, const Vec3& n, std::uint32_t color = 0) 
     return {f(p[0]), f(p[1]), f(p[2]), f(n[0]), f(n[1]), f(n[2]), color, 0};
 }
 
-/// Two triangles across the z axis, their front to +z: (lower left, lower right, upper right), (lower left, upper
-/// right, upper left).
+/// Two triangles perpendicular to the z axis, the front to +z: (lower left, lower right, upper right), (lower left,
+/// upper right, upper left).
 struct Square {
     Vec3 center{0, 0, 0};
     double half = 2.0;
@@ -85,13 +85,12 @@ struct Square {
 
 class SceneTest : public testing::Test {
 protected:
-    explicit SceneTest(PaneWindowRequest::Kind kind = PaneWindowRequest::Kind::OffScreen, int width = 320,
-                       int height = 240)
+    explicit SceneTest(WindowKind kind = WindowKind::OffScreen, int width = 320, int height = 240)
         : pane(Prepared(kind), width, height) {
         Look(width, height);
     }
 
-    /// The camera looks down the z axis at the origin; one scene size fills the shorter side.
+    /// The camera looks down the z axis at the origin; one scene size of 10 units fills the shorter side of the window.
     void Look(int width, int height, double zoom = 1.0) {
         camera = {};
         camera.width = width;
@@ -106,7 +105,7 @@ protected:
         pane->SetupViewMatrices();
     }
 
-    /// The control has heard of it when this returns.
+    /// Resizes the window and processes its events: the next frame has the new size.
     void Resize(int width, int height) {
         pane.window->Resize(width, height);
         pane->ProcessEvents();
@@ -119,20 +118,32 @@ protected:
         return *mesh;
     }
 
-    /// Draws a frame now. It may leave no OpenGL error but the one that marks a shadow pass, and no stack unbalanced.
+    /// The texture is one texel of that colour; every texture coordinate is (0, 0).
+    void AddPlainTexture(Mesh& mesh, const std::array<std::uint8_t, 4>& rgba = {255, 255, 255, 255}) {
+        mesh.m_vTexCoords.assign(3 * mesh.GetTriangleCount(), TexCoord{});
+        ASSERT_TRUE(pane->MakeContextCurrent());
+        CreateTexture(mesh, 1, 1, rgba.data(), {});
+    }
+
+    /// Draws a frame and keeps it as the picture. The only OpenGL error that it may raise is the one of a shadow pass.
     void Frame() {
         ASSERT_TRUE(pane->CapturePicture(&picture));
         ASSERT_TRUE(pane->MakeContextCurrent());
-        const bool shadowPass = pane->m_bShadowEnabled != 0 || pane->m_nDrawMode == 7;
+        const bool shadowPass = pane->m_bShadowEnabled != 0 || pane->m_nDrawMode == KV_ScenePane::DrawModeShadowMap;
         EXPECT_EQ(glGetError(), static_cast<GLenum>(shadowPass ? GL_STACK_UNDERFLOW : GL_NO_ERROR));
+        ExpectDefaultStacksAndBindings();
+    }
+    /// No further OpenGL error, all stacks empty, no program, and the framebuffer of the window bound.
+    static void ExpectDefaultStacksAndBindings() {
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
         EXPECT_EQ(Get(GL_ATTRIB_STACK_DEPTH), 0);
         EXPECT_EQ(Get(GL_MODELVIEW_STACK_DEPTH), 1);
         EXPECT_EQ(Get(GL_PROJECTION_STACK_DEPTH), 1);
         EXPECT_EQ(Get(GL_CURRENT_PROGRAM), 0);
-        EXPECT_EQ(Get(GL_FRAMEBUFFER_BINDING), 0);
+        EXPECT_EQ(Get(GL_DRAW_FRAMEBUFFER_BINDING), 0);
+        EXPECT_EQ(Get(GL_READ_FRAMEBUFFER_BINDING), 0);
     }
-    /// The first number of a state.
+    /// The first value of an OpenGL state.
     static GLint Get(GLenum name) {
         GLint values[4] = {-1, -1, -1, -1};
         glGetIntegerv(name, values);
@@ -143,6 +154,7 @@ protected:
         const std::uint32_t p = picture.pixels.at(static_cast<std::size_t>(y * picture.width + x));
         return {(p >> 16 & 0xFF) / 255.0, (p >> 8 & 0xFF) / 255.0, (p & 0xFF) / 255.0};
     }
+    /// Largest difference of a channel, in steps of 1/255.
     [[nodiscard]] double DistanceAt(int x, int y, const Vec3& color) const {
         const Vec3 d = lighting::operator-(ColorAt(x, y), color);
         return 255.0 * std::max({std::abs(d[0]), std::abs(d[1]), std::abs(d[2])});
@@ -154,14 +166,16 @@ protected:
             << 255 * found[2] << ", expected " << 255 * color[0] << " " << 255 * color[1] << " " << 255 * color[2];
     }
     void ExpectBackground(int x, int y) { ExpectPixel(x, y, kBackground, 1.0); }
-    [[nodiscard]] int PixelsThatAreNotBackground() const {
+    /// Pixels in the rectangle that are not background; right and bottom are exclusive.
+    [[nodiscard]] int DrawnPixelsIn(int left, int top, int right, int bottom) const {
         int count = 0;
-        for (int y = 0; y < picture.height; ++y)
-            for (int x = 0; x < picture.width; ++x) count += DistanceAt(x, y, kBackground) > 1.0 ? 1 : 0;
+        for (int y = top; y < bottom; ++y)
+            for (int x = left; x < right; ++x) count += DistanceAt(x, y, kBackground) > 1.0 ? 1 : 0;
         return count;
     }
+    [[nodiscard]] int PixelsThatAreNotBackground() const { return DrawnPixelsIn(0, 0, picture.width, picture.height); }
 
-    /// Whoever reads about a failed pixel wants to see the frame.
+    /// Writes the last frame of a failed test to /tmp, as an image to look at.
     void TearDown() override {
         if (!HasFailure() || picture.pixels.empty()) return;
         const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
@@ -181,13 +195,13 @@ protected:
     KV_ScenePane::Picture picture;
 };
 
-/// The same test in both kinds of windows.
-class SceneInEveryWindow : public SceneTest, public testing::WithParamInterface<PaneWindowRequest::Kind> {
+/// Base of tests that run off-screen and in an X11 window.
+class SceneInEveryWindow : public SceneTest, public testing::WithParamInterface<WindowKind> {
 protected:
     SceneInEveryWindow() : SceneTest(GetParam()) {}
 };
 
-/// A point set of one point, as an import makes it. The context is current.
+/// A free point set of one point, with the buffers that an import makes. The context is current.
 inline FreePointSet MakePoint(std::int32_t id, const Vec3& at, const Vec3& color) {
     FreePointSet points;
     points.id = id;

@@ -1,4 +1,4 @@
-// Screenshots as arrays with a guard, and all of a control that says where it looks.
+// Screenshots as arrays with a guard, and the complete state of a view to compare.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -9,12 +9,12 @@
 inline constexpr int kSide = 2048;
 inline constexpr std::uint32_t kFiller = 0xDEADBEEF;
 inline constexpr std::uint32_t kBackgroundPixel = 0xFF191932;
-/// A square of four units alone: its box of 8 x 8 x 4.02 with the margin is 12.0067 across, so that its edges lie at
-/// 682.86 and 1365.14 and hold the pixels 683 to 1364.
+/// A single square of four units: its box with the margin is 8 x 8 x 4.02 with a diagonal of 12.0067, so that its edges
+/// are at 682.86 and 1365.14 and it covers the pixels 683 to 1364.
 inline constexpr std::ptrdiff_t kPixelsOfOneSquare = 682 * 682;
 using Shot = std::vector<std::uint32_t>;
 
-/// One call, into an array with a guard behind its last pixel.
+/// One screenshot; a guard after the last pixel detects writes past the end.
 inline Shot Capture(CKV_ScenePaneCtrl& control) {
     Shot shot(std::size_t{kSide} * kSide + 1, kFiller);
     control.CaptureScreenShot(shot.data());
@@ -29,13 +29,13 @@ inline std::ptrdiff_t CountOf(const Shot& shot, std::uint32_t pixel) { return st
 inline std::ptrdiff_t CountOfOthers(const Shot& shot, std::uint32_t pixel) {
     return std::ssize(shot) - CountOf(shot, pixel);
 }
-/// The same shots, told apart without printing four million numbers.
+/// Compares two screenshots and reports the first difference, not four million numbers.
 inline void ExpectSame(const Shot& a, const Shot& b, const std::string& what) {
     const auto [first, second] = std::ranges::mismatch(a, b);
     EXPECT_TRUE(first == a.end() && second == b.end()) << what << ": pixel " << first - a.begin();
 }
 
-/// All of the control that says where it looks, and of OpenGL what it sees by.
+/// The view of a control and the OpenGL state that follows from it.
 struct ViewState {
     std::array<float, 10> viewParams{};
     Float3 rotationCenter{};

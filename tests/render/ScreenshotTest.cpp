@@ -1,14 +1,14 @@
-// The picture of the whole scene in its fixed size: what is where in it, and that the window never knows of it.
+// Screenshots: what they show at which position, and that they do not change the window.
 #include <new>
-#include <thread>
 
+#include "render/FrameWitness.h"
 #include "render/ScreenshotHelp.h"
 
 using namespace lighting;
 
 namespace {
 
-/// A square that looks around whenever it is drawn, in frames and in screenshots.
+/// A square that calls a function whenever it is drawn, in frames and in screenshots.
 class WitnessMesh final : public Mesh {
 public:
     explicit WitnessMesh(const Square& square = {})
@@ -22,44 +22,29 @@ public:
     std::function<void(std::int32_t mode, bool reduced)> atDraw;
 };
 
-bool OtherThreadGetsTheDrawLock() {
-    bool got = false;
-    std::thread([&] {
-        got = g_drawLock->try_lock();
-        if (got) g_drawLock->unlock();
-    }).join();
-    return got;
-}
-
 class Screenshots : public SceneInEveryWindow {
 protected:
     Screenshots() {
-        pane->PerformRefresh();  // the first frame takes the size of the window
+        pane->PerformRefresh();  // the first frame stores the size of the window
         Look(320, 240);
     }
 
-    /// Takes the shot; it may leave no OpenGL error and no stack unbalanced.
+    /// Takes a screenshot, which must raise no OpenGL error and restore the state.
     void Take() {
         shot = Capture(*pane);
         ASSERT_TRUE(pane->MakeContextCurrent());
-        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-        EXPECT_EQ(Get(GL_ATTRIB_STACK_DEPTH), 0);
-        EXPECT_EQ(Get(GL_MODELVIEW_STACK_DEPTH), 1);
-        EXPECT_EQ(Get(GL_PROJECTION_STACK_DEPTH), 1);
+        ExpectDefaultStacksAndBindings();
         EXPECT_EQ(Get(GL_MATRIX_MODE), GL_MODELVIEW);
-        EXPECT_EQ(Get(GL_CURRENT_PROGRAM), 0);
-        EXPECT_EQ(Get(GL_DRAW_FRAMEBUFFER_BINDING), 0);
-        EXPECT_EQ(Get(GL_READ_FRAMEBUFFER_BINDING), 0);
         EXPECT_EQ(Get(GL_COLOR_MATERIAL), 0);
         EXPECT_EQ(Get(GL_DEPTH_TEST), 0);
-        picture = {kSide, kSide, shot};  // ColorAt() and its kin look here
+        picture = {kSide, kSide, shot};  // for ColorAt() and the other checks of pixels
     }
     WitnessMesh& AddWitness(const Square& square = {}) {
         auto mesh = std::make_shared<WitnessMesh>(square);
         pane->m_vpMeshes.push_back(mesh);
         return *mesh;
     }
-    /// The box of a flat mesh is a hundredth thick on both sides; with the margin that makes 8 x 8 x 4.02.
+    /// The box of a flat mesh is widened by a hundredth on both sides; with the margin its size is 8 x 8 x 4.02.
     static constexpr double kSizeOfOneSquare = 12.006682;
 
     Shot shot;
@@ -67,11 +52,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Windows, Screenshots, testing::ValuesIn(WindowKinds()),
                          [](const auto& row) { return NameOf(row.param); });
 
-// ---- what is where
+// ---- content and position
 
-// Two squares of two units, three units apart: with two units around their box, 6 x 6 x 7, the diagonal is 11 units,
-// and 2048 / 11 pixels are one. Edges one unit from the middle lie at 1024 -+ 186.18 pixels: the first pixel whose
-// centre is inside is 838, the last one 1209.
+// Two squares of two units, three units apart: the box with its margin of two units is 6 x 6 x 7, its diagonal 11
+// units, so that a unit is 2048 / 11 pixels. Edges one unit from the centre are at 1024 -+ 186.18 pixels: the first
+// pixel whose centre is inside is 838, the last one 1209.
 TEST_P(Screenshots, FrameTheSceneByTheDiagonalOfItsWidenedBox) {
     const Square far{.half = 1}, near{.center = {0, 0, 3}, .half = 1};
     Add(far);
@@ -87,37 +72,34 @@ TEST_P(Screenshots, FrameTheSceneByTheDiagonalOfItsWidenedBox) {
     EXPECT_EQ(CountOfOthers(shot, kBackgroundPixel), 372 * 372);
 }
 
-// One square up on the left, a smaller one down on the right: box -4 .. 3.5, -1.5 .. 6, 0, so that the middle is
-// (-0.25, 2.25, 0) and the diagonal that of 11.5 x 11.5 x 4.02.
-TEST_P(Screenshots, PutEachPartWhereItLiesSeenFromTheMiddleOfTheBox) {
+// One square at the upper left, a smaller one at the lower right: the box is -4 .. 3.5, -1.5 .. 6, 0, its centre is
+// (-0.25, 2.25, 0), and its diagonal that of 11.5 x 11.5 x 4.02.
+TEST_P(Screenshots, ShowEachObjectAtItsPositionFromTheCentreOfTheBox) {
     Add({.center = {-3, 5, 0}, .half = 1}, {1, 0, 0});
     Add({.center = {3, -1, 0}, .half = 0.5}, {0, 0, 1});
     Take();
     const double unit = 2048 / std::sqrt(2 * 11.5 * 11.5 + 4.02 * 4.02);  // pixels
     const auto x = [&](double world) { return 1024 + (world + 0.25) * unit; };
     const auto y = [&](double world) { return 1024 - (world - 2.25) * unit; };
-    const auto isRed = [&](double px, double py) {
+    // Whether the pixel is lit in one of red (0) and blue (2) and dark in the other.
+    const auto has = [&](std::size_t channel, double px, double py) {
         const Vec3 color = ColorAt(static_cast<int>(px), static_cast<int>(py));
-        return color[0] > 0.9 && color[2] < 0.2;
+        return color[channel] > 0.9 && color[2 - channel] < 0.2;
     };
-    const auto isBlue = [&](double px, double py) {
-        const Vec3 color = ColorAt(static_cast<int>(px), static_cast<int>(py));
-        return color[2] > 0.9 && color[0] < 0.2;
-    };
-    EXPECT_TRUE(isRed(x(-4) + 1, y(6) + 1)) << "the upper left corner";
-    EXPECT_TRUE(isRed(x(-2) - 1, y(4) - 1)) << "the lower right one";
+    EXPECT_TRUE(has(0, x(-4) + 1, y(6) + 1)) << "the upper left corner";
+    EXPECT_TRUE(has(0, x(-2) - 1, y(4) - 1)) << "the lower right one";
     ExpectBackground(static_cast<int>(x(-4)) - 1, static_cast<int>(y(5)));
     ExpectBackground(static_cast<int>(x(-3)), static_cast<int>(y(6)) - 1);
-    EXPECT_TRUE(isBlue(x(2.5) + 1, y(-0.5) + 1));
-    EXPECT_TRUE(isBlue(x(3.5) - 1, y(-1.5) - 1));
+    EXPECT_TRUE(has(2, x(2.5) + 1, y(-0.5) + 1));
+    EXPECT_TRUE(has(2, x(3.5) - 1, y(-1.5) - 1));
     ExpectBackground(static_cast<int>(x(3.5)) + 1, static_cast<int>(y(-1)));
     ExpectBackground(static_cast<int>(x(3)), static_cast<int>(y(-1.5)) + 1);
 }
 
-TEST_P(Screenshots, LookFromTheSideOfTheWindow) {
+TEST_P(Screenshots, HaveTheViewingDirectionOfTheWindow) {
     const Square square;
     Add(square);
-    pane->SetViewMode(6);
+    pane->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     Take();
     const double s = std::sqrt(0.5);
     Camera c;
@@ -146,14 +128,14 @@ TEST_P(Screenshots, KeepTheZoomOfTheWindow) {
     EXPECT_EQ(PixelOf(shot, 852, 1000), kBackgroundPixel);
 }
 
-TEST_P(Screenshots, HideWhatLiesBehind) {
+TEST_P(Screenshots, AreDepthTested) {
     Add({.center = {0, 0, 3}, .half = 2}, {1, 0, 0});
     Add({.center = {0, 0, 0}, .half = 2}, {0, 1, 0});
     Take();
     ExpectPixel(1024, 1024, Vec3{1.0, 0.09, 0.09}, 3);
 }
 
-TEST_P(Screenshots, ShowNeitherHiddenObjectsNorFrameThem) {
+TEST_P(Screenshots, IgnoreHiddenObjects) {
     Add({});
     Take();
     const Shot alone = shot;
@@ -163,7 +145,7 @@ TEST_P(Screenshots, ShowNeitherHiddenObjectsNorFrameThem) {
     ExpectSame(shot, alone, "with hidden objects");
 }
 
-TEST_P(Screenshots, MakeRoomForFreePointsAndDoNotDrawThem) {
+TEST_P(Screenshots, IncludeFreePointsInTheBoxButDoNotDrawThem) {
     Add({});
     FreePointSet points;
     points.id = 1;
@@ -201,14 +183,14 @@ TEST_P(Screenshots, ShowTheFourColoursInTheCornersOfTheWindow) {
 
 TEST_P(Screenshots, AreOpaqueEverywhere) {
     Add({.center = {-2, 0, 0}});
-    Add({.center = {2, 0, 0}, .color = 0x00FF8040}, {1, 1, 1}, true);  // colours of its own, without alpha
+    Add({.center = {2, 0, 0}, .color = 0x00FF8040}, {1, 1, 1}, true);  // vertex colours with alpha 0
     Add({.center = {0, 3, 0}, .turned = true});
     Take();
     EXPECT_GT(CountOfOthers(shot, kBackgroundPixel), 100'000);
     EXPECT_TRUE(std::ranges::all_of(shot, [](std::uint32_t pixel) { return pixel >> 24 == 0xFF; }));
 }
 
-TEST_P(Screenshots, HoldNothingOfWhatTheWindowDrawsOverTheScene) {
+TEST_P(Screenshots, OmitWhatTheWindowDrawsOverTheScene) {
     Mesh& mesh = Add({});
     Take();
     const Shot plain = shot;
@@ -224,7 +206,7 @@ TEST_P(Screenshots, HoldNothingOfWhatTheWindowDrawsOverTheScene) {
     ExpectSame(shot, plain, "with the cross and a lasso");
     pane->m_nPickMode = KV_ScenePane::PickModePoints;
     pane->m_bPickPointValid = 1;
-    pane->m_nInteractionMode = ModeIdle;  // the window hides the plane under a lasso
+    pane->m_nInteractionMode = ModeIdle;  // because the window does not draw the plane during a lasso
     Take();
     ExpectSame(shot, plain, "with a valid pick and the plane");
     Frame();
@@ -234,7 +216,7 @@ TEST_P(Screenshots, HoldNothingOfWhatTheWindowDrawsOverTheScene) {
 
 // ---- how the objects are drawn
 
-TEST_P(Screenshots, DrawTheSameInEveryModeOfTheWindow) {
+TEST_P(Screenshots, AreTheSameInEveryDrawMode) {
     Add({.normal = {0.6, 0, 0.8}}, {0.9, 0.5, 0.1});
     Take();
     const Shot expected = shot;
@@ -249,15 +231,15 @@ TEST_P(Screenshots, DrawTheSameInEveryModeOfTheWindow) {
     EXPECT_GT(CountOfOthers(expected, kBackgroundPixel), 400'000);
 }
 
-TEST_P(Screenshots, DrawShadedInFullWithoutProgramOrClipPlane) {
-    pane->m_nDrawMode = 5;
+TEST_P(Screenshots, DrawGouraudInFullDetailWithoutProgramOrClipPlane) {
+    pane->m_nDrawMode = KV_ScenePane::DrawModePerPixel;
     pane->m_bMoveReduced = 1;
     pane->m_bMoving = 1;
     pane->m_bClipPlaneActive = 1;
     Frame();  // one that clips
     WitnessMesh& mesh = AddWitness({.center = {10, 0, 0}});
     mesh.atDraw = [&](std::int32_t mode, bool reduced) {
-        EXPECT_EQ(mode, 3);
+        EXPECT_EQ(mode, KV_ScenePane::DrawModeGouraud);
         EXPECT_FALSE(reduced);
         EXPECT_EQ(Get(GL_CURRENT_PROGRAM), 0);
         EXPECT_EQ(Get(GL_CLIP_PLANE0), 0);
@@ -276,14 +258,14 @@ TEST_P(Screenshots, DrawShadedInFullWithoutProgramOrClipPlane) {
         EXPECT_EQ(pane->m_fViewCenter, (Float3{10, 0, 0}));
         EXPECT_EQ(pane->m_fRotationCenter, (Float3{10, 0, 0}));
         EXPECT_FLOAT_EQ(pane->m_fSceneSize, static_cast<float>(kSizeOfOneSquare));
-        EXPECT_FALSE(OtherThreadGetsTheDrawLock());
+        EXPECT_TRUE(DrawLockIsHeld());
     };
     Take();
     EXPECT_EQ(mesh.draws, 1);
-    EXPECT_TRUE(OtherThreadGetsTheDrawLock());
+    EXPECT_FALSE(DrawLockIsHeld());
 }
 
-TEST_P(Screenshots, TakeANewObjectWithBuffersNobodyHasBuiltYet) {
+TEST_P(Screenshots, BuildTheBuffersOfANewObject) {
     Mesh& mesh = Add({});
     ASSERT_TRUE(mesh.m_bBuffersDirty);
     Take();
@@ -293,7 +275,7 @@ TEST_P(Screenshots, TakeANewObjectWithBuffersNobodyHasBuiltYet) {
 
 // ---- the window afterwards
 
-TEST_P(Screenshots, LeaveTheViewAndTheNextFrameAsTheyWere) {
+TEST_P(Screenshots, ChangeNeitherTheViewNorTheNextFrame) {
     Add({.center = {1, 2, 3}, .normal = {0.6, 0, 0.8}}, {0.9, 0.5, 0.1});
     Add({.center = {-3, 0, 1}, .half = 1}, {0.2, 0.5, 0.9});
     pane->SetViewParams(0.8f, 0, 0.6f, 0, 1, 0, 0.25f, -0.5f, 7, 1.5f, 0);
@@ -311,11 +293,12 @@ TEST_P(Screenshots, LeaveTheViewAndTheNextFrameAsTheyWere) {
     ASSERT_GT(PixelsThatAreNotBackground(), 1000);
 }
 
-TEST_P(Screenshots, LeaveShadowsAndProgramsToTheNextFrameAsTheyWere) {
+TEST_P(Screenshots, ChangeNoFrameWithShadowsOrPrograms) {
     Add({.center = {0, 0, -1}});
     Add({.center = {1, 1, 2}, .half = 1});
+    using namespace KV_ScenePane;
     for (const std::int16_t shadows : std::vector<std::int16_t>{0, 1})
-        for (const std::int16_t mode : std::vector<std::int16_t>{1, 3, 5, 7}) {
+        for (const DrawMode mode : {DrawModeWireframe, DrawModeGouraud, DrawModePerPixel, DrawModeShadowMap}) {
             pane->SetShadowMode(shadows);
             pane->m_nDrawMode = mode;
             Frame();
@@ -326,7 +309,7 @@ TEST_P(Screenshots, LeaveShadowsAndProgramsToTheNextFrameAsTheyWere) {
         }
 }
 
-TEST_P(Screenshots, AskForRepaintsThatAreOneAndNeverErase) {
+TEST_P(Screenshots, RequestRepaintsThatCoalesceAndNeverErase) {
     Add({});
     pane.window->ProcessEvents();
     pane.window->Forget();
@@ -359,7 +342,7 @@ TEST_P(Screenshots, FireNoEvent) {
     EXPECT_TRUE(pane.events.events.empty());
 }
 
-TEST_P(Screenshots, ComeOutTheSameAgainAndAgain) {
+TEST_P(Screenshots, AreIdenticalWhenRepeated) {
     Add({.center = {1, 2, 3}, .normal = {0.6, 0, 0.8}}, {0.9, 0.5, 0.1});
     Take();
     const Shot first = shot;
@@ -370,8 +353,8 @@ TEST_P(Screenshots, ComeOutTheSameAgainAndAgain) {
     ExpectSame(shot, first, "after a frame");
 }
 
-// A draw that runs out of memory: the exception reaches the host, and the window is as it was.
-TEST_P(Screenshots, ThatRunOutOfMemoryLeaveTheWindowAsItWas) {
+// The exception of a draw that runs out of memory reaches the host, and the window is unchanged.
+TEST_P(Screenshots, RestoreTheViewWhenADrawRunsOutOfMemory) {
     WitnessMesh& mesh = AddWitness({.center = {1, 0, 0}});
     Frame();
     const auto before = picture.pixels;
@@ -380,12 +363,12 @@ TEST_P(Screenshots, ThatRunOutOfMemoryLeaveTheWindowAsItWas) {
     EXPECT_THROW(Capture(*pane), std::bad_alloc);
     mesh.atDraw = nullptr;
     ExpectSame(StateOf(*pane), state);
-    EXPECT_TRUE(OtherThreadGetsTheDrawLock());
+    EXPECT_FALSE(DrawLockIsHeld());
     Frame();
     EXPECT_TRUE(picture.pixels == before);
 }
 
-TEST_P(Screenshots, KeepToTheViewOfTheirOwnPaneBesideAnother) {
+TEST_P(Screenshots, UseTheContextOfTheirOwnControl) {
     Add({});
     Take();
     const Shot expected = shot;
@@ -393,8 +376,8 @@ TEST_P(Screenshots, KeepToTheViewOfTheirOwnPaneBesideAnother) {
     other->SetBackgroundColors(HostColor(9, 8, 7), HostColor(9, 8, 7));
     const Shot othersShot = Capture(*other);
     EXPECT_EQ(CountOf(othersShot, 0xFF090807), std::ptrdiff_t{kSide} * kSide);
-    shot = Capture(*pane);  // the other one's context was current
-    ExpectSame(shot, expected, "beside another pane");
+    shot = Capture(*pane);  // the context of the other control was current
+    ExpectSame(shot, expected, "with a second control");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Screenshots of windows of any shape, of panes that have not drawn yet, of other contexts, and without OpenGL.
+// Screenshots of windows of any shape, before the first frame, in other contexts, and without OpenGL.
 #include "render/ScreenshotHelp.h"
 #include "support/GlNow.h"
 
@@ -23,7 +23,7 @@ INSTANTIATE_TEST_SUITE_P(Shapes, ScreenshotsOfWindows,
                                          Shape{"NoArea", 0, 0}),
                          [](const auto& row) { return row.param.name; });
 
-TEST_P(ScreenshotsOfWindows, AreThatOfASquareOneAndKeepItsView) {
+TEST_P(ScreenshotsOfWindows, DoNotDependOnTheWindowSizeAndKeepItsView) {
     const OffscreenControl square(256, 256);
     Fill(*square);
     const Shot expected = Capture(*square);
@@ -41,7 +41,7 @@ TEST_P(ScreenshotsOfWindows, AreThatOfASquareOneAndKeepItsView) {
     ExpectSame(StateOf(*window), state);
 }
 
-TEST_P(ScreenshotsOfWindows, HaveTheirResolution) {
+TEST_P(ScreenshotsOfWindows, ReportAFixedResolution) {
     const OffscreenControl window(GetParam().width, GetParam().height);
     Fill(*window);
     std::int32_t width = 0, height = 0;
@@ -50,8 +50,8 @@ TEST_P(ScreenshotsOfWindows, HaveTheirResolution) {
     EXPECT_EQ(height, 2048);
 }
 
-TEST(Screenshot, OfAPaneThatNeverDrewAFrameIsWhole) {
-    TestControl pane(PaneWindowRequest::Kind::OffScreen, 300, 200);
+TEST(Screenshot, BeforeTheFirstFrameIsComplete) {
+    TestControl pane(WindowKind::OffScreen, 300, 200);
     pane->m_nWidth = pane->m_nHeight = -1;
     AddMesh(*pane, Square{}.Vertices(), Square{}.Triangles());
     const Shot shot = Capture(*pane);
@@ -99,7 +99,7 @@ TEST(Screenshot, WithoutOpenGlIsAllZeroAndChangesNothing) {
     EXPECT_EQ(width * height, 2048 * 2048);
 }
 
-TEST(Screenshot, AfterTheWindowIsGoneIsAllZero) {
+TEST(Screenshot, AfterTheWindowIsDestroyedIsAllZero) {
     const OffscreenControl pane(64, 64);
     AddMesh(*pane, Square{}.Vertices(), Square{}.Triangles());
     pane.window->Destroy();

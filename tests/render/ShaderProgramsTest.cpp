@@ -1,3 +1,4 @@
+// Shader programs: building, default uniforms, log lines and failures.
 #include "render/ShaderPrograms.h"
 
 #include <GL/glew.h>
@@ -14,7 +15,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The lines that were logged since construction, without the times.
+/// The log lines since construction, without their time stamps.
 class LogWatch {
 public:
     LogWatch() : m_start((TestFolder(), ReadLog().size())) {}
@@ -90,7 +91,7 @@ void ExpectUniforms(ShaderIndex index, const std::vector<UniformDefault>& defaul
 
 TEST(ShaderPrograms, UniformsStartAtTheirDefaults) {
     const BareContext client;
-    // The colours count by their fourth number; a driver may drop what the result does not depend on.
+    // A driver may remove uniforms that the result does not depend on.
     ExpectUniforms(kShaderPerPixel, {{"lightpos", {0, 5, 0}},
                                      {"colorAmbient", {1, 1, 1, 0.1f}},
                                      {"colorDiffuse", {0.7f, 0.7f, 0.7f, 0.7f}},
@@ -114,7 +115,7 @@ TEST(ShaderPrograms, UniformsStartAtTheirDefaults) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST(ShaderPrograms, PointsTakePositionAndColourAtFixedPlaces) {
+TEST(ShaderPrograms, PointAttributesHaveFixedLocations) {
     const BareContext client;
     const ShaderSource& source = ShaderSources()[kShaderFreeFloatingPoints];
     const GLuint program = BuildProgram(source.name, source.vertex, source.fragment);
@@ -124,7 +125,7 @@ TEST(ShaderPrograms, PointsTakePositionAndColourAtFixedPlaces) {
         EXPECT_GE(glGetUniformLocation(program, uniform), 0) << uniform;
 }
 
-TEST(CompileShader, OfABrokenSourceIsZeroAndLogsTheCompilersWords) {
+TEST(CompileShader, ReturnsZeroForABrokenSourceAndLogsTheCompilerMessage) {
     const BareContext client;
     const LogWatch log;
     EXPECT_EQ(CompileShader(kBroken, GL_FRAGMENT_SHADER), 0u);
@@ -135,7 +136,7 @@ TEST(CompileShader, OfABrokenSourceIsZeroAndLogsTheCompilersWords) {
     EXPECT_THAT(lines[1], testing::HasSubstr("error"));
 }
 
-TEST(CompileShader, OfAnUnknownTypeIsZero) {
+TEST(CompileShader, ReturnsZeroForAnUnknownType) {
     const BareContext client;
     const LogWatch log;
     EXPECT_EQ(CompileShader(kGoodVertex, GL_TEXTURE_2D), 0u);
@@ -143,7 +144,7 @@ TEST(CompileShader, OfAnUnknownTypeIsZero) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_INVALID_ENUM));
 }
 
-TEST(LinkProgram, ThatFailsIsZeroAndLogsTwoHeadersInOneLine) {
+TEST(LinkProgram, ReturnsZeroOnFailureAndLogsTwoHeadersInOneLine) {
     const BareContext client;
     const GLuint vertex = CompileShader(kVertexOut, GL_VERTEX_SHADER);
     const GLuint fragment = CompileShader(kFragmentIn, GL_FRAGMENT_SHADER);
@@ -154,44 +155,44 @@ TEST(LinkProgram, ThatFailsIsZeroAndLogsTwoHeadersInOneLine) {
     EXPECT_THAT(log.Lines(), ElementsAre("<ERROR>: Failed to link shader program. <ERROR>: "));
 }
 
-void BuildInAContextOfItsOwn(const std::string& vertex, const std::string& fragment) {
+void BuildInNewContext(const std::string& vertex, const std::string& fragment) {
     const BareContext client;
-    (void)BuildProgram("doomed", vertex, fragment);
+    (void)BuildProgram("tested", vertex, fragment);
     std::exit(0);
 }
 
-class DoomedProgram : public testing::Test {
+class BuildProgramProcess : public testing::Test {
 protected:
-    // The driver's threads do not survive a plain fork.
+    // The default style forks, which the threads of the driver do not survive.
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-TEST_F(DoomedProgram, ThatCompilesEndsNothing) {
+TEST_F(BuildProgramProcess, ReturnsWhenBothShadersCompileAndLink) {
     const LogWatch log;
-    EXPECT_EXIT(BuildInAContextOfItsOwn(kGoodVertex, kGoodFragment), testing::ExitedWithCode(0), "");
-    EXPECT_THAT(log.Lines(), ElementsAre("<INFO>: Compile doomed shaders.", "<INFO>: Build doomed program."));
+    EXPECT_EXIT(BuildInNewContext(kGoodVertex, kGoodFragment), testing::ExitedWithCode(0), "");
+    EXPECT_THAT(log.Lines(), ElementsAre("<INFO>: Compile tested shaders.", "<INFO>: Build tested program."));
 }
 
-TEST_F(DoomedProgram, WithABrokenVertexShaderEndsTheProcess) {
+TEST_F(BuildProgramProcess, EndsTheProcessForABrokenVertexShader) {
     const LogWatch log;
-    EXPECT_EXIT(BuildInAContextOfItsOwn(kBroken, kGoodFragment), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(BuildInNewContext(kBroken, kGoodFragment), testing::ExitedWithCode(1), "");
     const std::vector<std::string> lines = log.Lines();
     ASSERT_GE(lines.size(), 4u);
-    EXPECT_EQ(lines[0], "<INFO>: Compile doomed shaders.");
+    EXPECT_EQ(lines[0], "<INFO>: Compile tested shaders.");
     EXPECT_EQ(lines[1], "<ERROR>: Failed to compile shader: ");
     EXPECT_EQ(lines.back(), "<ERROR>: Failed to initalize shader objects. ");
 }
 
-TEST_F(DoomedProgram, WithABrokenFragmentShaderEndsTheProcess) {
+TEST_F(BuildProgramProcess, EndsTheProcessForABrokenFragmentShader) {
     const LogWatch log;
-    EXPECT_EXIT(BuildInAContextOfItsOwn(kGoodVertex, kBroken), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(BuildInNewContext(kGoodVertex, kBroken), testing::ExitedWithCode(1), "");
     EXPECT_EQ(log.Lines().back(), "<ERROR>: Failed to initalize shader objects. ");
 }
 
-TEST_F(DoomedProgram, ThatDoesNotLinkEndsTheProcess) {
+TEST_F(BuildProgramProcess, EndsTheProcessForShadersThatDoNotLink) {
     const LogWatch log;
-    EXPECT_EXIT(BuildInAContextOfItsOwn(kVertexOut, kFragmentIn), testing::ExitedWithCode(1), "");
-    EXPECT_THAT(log.Lines(), ElementsAre("<INFO>: Compile doomed shaders.", "<INFO>: Build doomed program.",
+    EXPECT_EXIT(BuildInNewContext(kVertexOut, kFragmentIn), testing::ExitedWithCode(1), "");
+    EXPECT_THAT(log.Lines(), ElementsAre("<INFO>: Compile tested shaders.", "<INFO>: Build tested program.",
                                          "<ERROR>: Failed to link shader program. <ERROR>: ",
                                          "<ERROR>: Failed to create program. "));
 }

@@ -1,3 +1,4 @@
+// The position of the shadow light, worked out by hand for views along the axes.
 #include "render/ShadowCamera.h"
 
 #include <gtest/gtest.h>
@@ -20,14 +21,14 @@ constexpr float kOrigin[3] = {0, 0, 0};
 constexpr float kUpY[3] = {0, 1, 0};
 constexpr float kUpZ[3] = {0, 0, 1};
 
-// Along z the azimuth stays 90 degrees. About y by -20: (-sin, 0, cos). About z by -90: (x, y) becomes (y, -x).
+// Along z the azimuth is 90 degrees. About y by -20: (-sin, 0, cos). About z by -90: (x, y) becomes (y, -x).
 TEST(ShadowCamera, LookingDownTheZAxisHasTheLightTwentyDegreesTowardsY) {
     const float axisZ[3] = {0, 0, 1};
     ExpectLight(ComputeShadowLookAt(kUpY, axisZ, kOrigin), 0.0f, kSin20, kCos20);
 }
 
 // The tilt of 180 degrees about x turns (-sin, 0, cos) to (-sin, 0, -cos).
-TEST(ShadowCamera, LookingUpTheZAxisKeepsTheAzimuthToo) {
+TEST(ShadowCamera, LookingUpTheZAxisHasTheSameAzimuth) {
     const float axisZ[3] = {0, 0, -1};
     ExpectLight(ComputeShadowLookAt(kUpY, axisZ, kOrigin), 0.0f, kSin20, -kCos20);
 }
@@ -45,17 +46,17 @@ TEST(ShadowCamera, LookingAlongYHasTheLightAtTheSide) {
     ExpectLight(ComputeShadowLookAt(kUpZ, axisZ, kOrigin), kSin20, kCos20, 0.0f);
 }
 
-TEST(ShadowCamera, KeepsTheAzimuthJustBelowTheLimitAndTurnsItAtTheLimit) {
+TEST(ShadowCamera, HasAFixedAzimuthBelowTheLimitNearTheZAxisOnly) {
     const float below[3] = {0.00009f, 0, 1};
     ExpectLight(ComputeShadowLookAt(kUpY, below, kOrigin), 0.0f, kSin20, kCos20);
-    // At the limit the azimuth of x counts: about z by 90, (-sin, 0) becomes (0, -sin).
+    // At the limit the azimuth of x applies: about z by 90, (-sin, 0) becomes (0, -sin).
     const float at[3] = {0.0001f, 0, 1};
     ExpectLight(ComputeShadowLookAt(kUpY, at, kOrigin), 0.0f, -kSin20, kCos20);
     const float atY[3] = {0, -0.0001f, 1};  // azimuth 90 - atan2(0.0001, -0) = 0
     ExpectLight(ComputeShadowLookAt(kUpY, atY, kOrigin), -kSin20, 0.0f, kCos20);
 }
 
-TEST(ShadowCamera, StandsOneUnitFromTheCentreAndKeepsCentreAndUp) {
+TEST(ShadowCamera, IsOneUnitFromTheCentreAndKeepsCentreAndUp) {
     const float center[3] = {100, -200, 300}, up[3] = {0.6f, 0.8f, 0};
     const float axisZ[3] = {0, 0, 1};
     const ShadowLookAt lookAt = ComputeShadowLookAt(up, axisZ, center);
@@ -68,7 +69,7 @@ TEST(ShadowCamera, StandsOneUnitFromTheCentreAndKeepsCentreAndUp) {
     EXPECT_NEAR(lookAt.eye[2], 300.0f + kCos20, 1e-4f);
 }
 
-TEST(ShadowCamera, TakesAnAxisThatRoundingMadeLongerThanOne) {
+TEST(ShadowCamera, AcceptsAnAxisThatRoundingMadeLongerThanOne) {
     const float axisZ[3] = {0, 0, 1.0000001f};
     ExpectLight(ComputeShadowLookAt(kUpY, axisZ, kOrigin), 0.0f, kSin20, kCos20);
 }

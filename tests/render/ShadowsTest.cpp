@@ -1,11 +1,12 @@
-// Where shadows fall, what colour they have, and the switch. The light stands 20 degrees from the viewing direction.
+// Shadows: position, colour, bias, and the switch. The light is 20 degrees from the viewing direction.
 #include "render/SceneFixture.h"
 
 using namespace lighting;
 
 namespace {
 
-/// Looking down z, the light's ray through a point: whether it meets the square above the point.
+/// Follows the light ray through @p point to the plane of @p square, for a camera that looks down z.
+/// @return distance of the intersection from the edge of the square; positive inside, where the point is in shadow
 double InsideSquareBy(const Square& square, const Vec3& point) {
     const Vec3 light = ShadowLightFromTop();
     const Vec3 hit = point + (square.center[2] - point[2]) / light[2] * light;
@@ -32,7 +33,7 @@ TEST_P(Shadows, AreOnForOneAndOffForAnythingElse) {
     }
 }
 
-TEST_P(Shadows, SwitchAndColourAskForNoFrame) {
+TEST_P(Shadows, SwitchAndColourRequestNoFrame) {
     pane.window->Forget();
     pane->SetShadowMode(0);
     pane->SetShadowColor(1, 2, 3);
@@ -46,7 +47,7 @@ TEST_P(Shadows, OfAnEmptySceneShowTheBackground) {
 
 class ShadowsOfEveryShape : public Shadows {
 protected:
-    /// Every pixel of the receiver, but for a seam of @p margin units along the shadow's edge.
+    /// Checks every pixel of the receiver, except within @p margin units of the edges of shadow, receiver and occluder.
     void ExpectShadowOf(const Square& occluder, const Square& receiver, double margin) {
         int inShadow = 0, inLight = 0, wrong = 0;
         for (int y = 0; y < picture.height; ++y) {
@@ -71,8 +72,7 @@ protected:
     }
 
     void ExpectRightShadows(int width, int height) {
-        pane.window->Resize(width, height);
-        pane->ProcessEvents();
+        Resize(width, height);
         Look(width, height);
         const Square occluder{.center = {0.3, 0.5, 3}, .half = 1.2}, receiver{.half = 4.0};
         Add(occluder, {1, 0, 0});
@@ -81,7 +81,7 @@ protected:
         Frame();
         ASSERT_EQ(picture.width, width);
         ASSERT_EQ(picture.height, height);
-        // A texel and a pixel at both sides of the edge.
+        // A texel of the map and a pixel of the window on both sides of an edge.
         const double texel = 2 * std::max(camera.HalfWidth(), camera.HalfHeight()) / 2048;
         const double pixel = 2 * camera.HalfWidth() / width;
         ExpectShadowOf(occluder, receiver, 1.5 * (texel + pixel));
@@ -91,11 +91,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Windows, ShadowsOfEveryShape, testing::ValuesIn(WindowKinds()),
                          [](const auto& row) { return NameOf(row.param); });
 
-TEST_P(ShadowsOfEveryShape, AreRightInAWideWindow) { ExpectRightShadows(1024, 768); }
-TEST_P(ShadowsOfEveryShape, AreRightInAnOddHighWindow) { ExpectRightShadows(333, 777); }
-TEST_P(ShadowsOfEveryShape, AreRightInASquareWindow) { ExpectRightShadows(400, 400); }
+TEST_P(ShadowsOfEveryShape, AreCorrectInAWideWindow) { ExpectRightShadows(1024, 768); }
+TEST_P(ShadowsOfEveryShape, AreCorrectInATallWindowOfOddSize) { ExpectRightShadows(333, 777); }
+TEST_P(ShadowsOfEveryShape, AreCorrectInASquareWindow) { ExpectRightShadows(400, 400); }
 
-TEST_P(Shadows, AreBlackedOutToHalfTheDiffuseLightByABlackShadowColour) {
+TEST_P(Shadows, InBlackKeepHalfTheDiffuseLight) {
     const Square occluder{.center = {0, 0, 3}, .half = 1}, receiver{.half = 4};
     Add(occluder);
     Add(receiver, kReceiverColor);
@@ -106,21 +106,22 @@ TEST_P(Shadows, AreBlackedOutToHalfTheDiffuseLightByABlackShadowColour) {
     ExpectPixel(x, y, Shadow(camera, receiver.At(camera, x, y, kReceiverColor), {.inShadow = true}));
 }
 
-/// The occluder's corner is so near that only the bias decides.
+/// The occluder is so close to the receiver that the bias decides.
 class ShadowBias : public Shadows {
 protected:
-    /// Whether the receiver is in shadow behind an occluder that lies @p depth before it, in units of the shadow map.
+    /// Whether the receiver is in shadow of an occluder that is closer to the light by @p depth, in units of the map
+    /// depth.
     bool IsInShadow(double depth) {
         pane->m_vpMeshes.clear();
         Look(320, 240, 0.1);
-        // The map's depth range is 80 units, along the light.
+        // The depth range of the map is 80 units along the light.
         const double distance = depth * 80.0 * ShadowLightFromTop()[2];
         const Square receiver{.half = 0.4};
         Add({.center = {0, 0.1, distance}, .half = 0.1});
         Add(receiver, kReceiverColor);
         pane->SetShadowColor(0, 0, 1);
         Frame();
-        // The occluder ends at y = 0, its shadow reaches distance * tan(20 degrees) lower: 0.11 and more.
+        // The occluder ends at y = 0; its shadow ends distance * tan(20 degrees) lower, which is 0.11 or more.
         const int x = 160, y = 132;  // y = -0.052
         const Surface surface = receiver.At(camera, x, y, kReceiverColor);
         EXPECT_GT(InsideSquareBy({.center = {0, 0.1, distance}, .half = 0.1}, surface.position), 0.01);
@@ -135,18 +136,18 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Windows, ShadowBias, testing::ValuesIn(WindowKinds()),
                          [](const auto& row) { return NameOf(row.param); });
 
-TEST_P(ShadowBias, LeavesAPointInLightThatIsFourThousandthsBehind) {
+TEST_P(ShadowBias, KeepsAPointLitThatIsFourThousandthsFarther) {
     EXPECT_FALSE(IsInShadow(0.004));
     EXPECT_FALSE(IsInShadow(0.0049));
 }
 
-TEST_P(ShadowBias, PutsAPointInShadowThatIsSixThousandthsBehind) {
+TEST_P(ShadowBias, ShadowsAPointThatIsSixThousandthsFarther) {
     EXPECT_TRUE(IsInShadow(0.0051));
     EXPECT_TRUE(IsInShadow(0.006));
 }
 
-TEST_P(Shadows, AreThrownByObjectsOutOfTheLightsViewNoMore) {
-    // The occluder is at the side of the window: with the view moved away it leaves the shadow map.
+TEST_P(Shadows, AreNotCastByObjectsOutsideTheShadowMap) {
+    // The occluder is near the border of the window: when the view moves away it is no longer in the shadow map.
     const Square occluder{.center = {0, 3, 3}, .half = 1}, receiver{.half = 4};
     Add(occluder);
     Add(receiver, kReceiverColor);
@@ -162,20 +163,20 @@ TEST_P(Shadows, AreThrownByObjectsOutOfTheLightsViewNoMore) {
         return dark;
     };
     EXPECT_TRUE(inShadow({0, 1.5, 0}));
-    Look(320, 240,
-         0.2);  // y from -1 to 1; in the light's view the occluder's lower edge is at 2 * cos - 3 * sin = 0.85
+    // y from -1 to 1; seen from the light the lower edge of the occluder is at 2 * cos - 3 * sin = 0.85.
+    Look(320, 240, 0.2);
     pane->m_fViewCenter = {0, 0.5f, 0};
     camera.center = {0, 0.5, 0};
     pane->SetupViewMatrices();
     Frame();
     EXPECT_TRUE(inShadow({0, 1.4, 0}));
-    pane->m_vpMeshes[0] =
-        Square{.center = {0, 5, 3}, .half = 1}.ToMesh(false);  // lower edge at 4 * cos - 3 * sin = 2.7
+    // Now its lower edge is at 4 * cos - 3 * sin = 2.7.
+    pane->m_vpMeshes[0] = Square{.center = {0, 5, 3}, .half = 1}.ToMesh(false);
     Frame();
     EXPECT_FALSE(inShadow({0, 1.4, 0}));
 }
 
-TEST_P(Shadows, AreThrownByVisibleObjectsOnly) {
+TEST_P(Shadows, AreCastByVisibleObjectsOnly) {
     const Square receiver{.half = 4};
     Add({.center = {0, 0, 3}, .half = 1}).m_iVisible = 0;
     Add(receiver, kReceiverColor);
@@ -184,9 +185,9 @@ TEST_P(Shadows, AreThrownByVisibleObjectsOnly) {
     ExpectPixel(160, 120, Shadow(camera, receiver.At(camera, 160, 120, kReceiverColor), {}));
 }
 
-TEST_P(Shadows, InTheModesOfTheProgramsDrawNoObjects) {
+TEST_P(Shadows, HideAllObjectsInPerPixelAndNothingMode) {
     Add({.half = 4});
-    for (const std::int16_t mode : std::vector<std::int16_t>{5, 6}) {
+    for (const auto mode : {KV_ScenePane::DrawModePerPixel, KV_ScenePane::DrawModeNothing}) {
         pane->m_nDrawMode = mode;
         Frame();
         EXPECT_EQ(PixelsThatAreNotBackground(), 0) << mode;
@@ -202,7 +203,7 @@ TEST_P(Shadows, StopAtTheClipPlaneWithTheObjects) {
     Frame();
     ExpectPixel(182, 120, Shadow(camera, square.At(camera, 182, 120, kReceiverColor), {}));
     ExpectBackground(186, 120);
-    // A drag of the plane shows the data whole to OpenGL's own clipping; the program discards all the same.
+    // During a drag of the plane the clip plane of OpenGL is disabled; the shadow program discards nevertheless.
     pane->m_nInteractionMode = ModePlaneMove;
     Frame();
     ExpectBackground(186, 120);
@@ -212,17 +213,17 @@ TEST_P(Shadows, StopAtTheClipPlaneWithTheObjects) {
     ExpectPixel(186, 120, Shadow(camera, square.At(camera, 186, 120, kReceiverColor), {}));
 }
 
-TEST_P(Shadows, AreDrawnInFullWhileTheSceneMovesReduced) {
+TEST_P(Shadows, AreCastInFullDetailDuringAReducedDrag) {
     Add({.half = 4});
     pane->m_bMoveReduced = 1;
     pane->m_bMoving = 1;
-    pane->m_nDrawMode = 7;
+    pane->m_nDrawMode = KV_ScenePane::DrawModeShadowMap;
     Frame();
-    EXPECT_LT(ColorAt(160, 120)[0], 0.9);  // two triangles reduced to points would leave no depth here
+    EXPECT_LT(ColorAt(160, 120)[0], 0.9);  // reduced to points, the two triangles would write no depth here
 }
 
 TEST_P(Shadows, TurnWithTheCamera) {
-    // From the front, view 1: x to the right, z up, the viewer at -y. The light is 20 degrees towards z.
+    // From the front, ViewFromMinusYZUp: x to the right, z up, the viewer at -y. The light is 20 degrees towards z.
     pane->m_fAxisY = {0, 0, 1};
     pane->m_fAxisZ = {0, -1, 0};
     pane->SetupViewMatrices();
@@ -237,7 +238,7 @@ TEST_P(Shadows, TurnWithTheCamera) {
     EXPECT_NEAR(pane->m_fShadowEye[2], 0.0f, 1e-6f);
 }
 
-TEST_P(Shadows, HaveTheirTargetsSetUp) {
+TEST_P(Shadows, HaveFramebuffersOfTheRightSizeAndFormat) {
     ASSERT_TRUE(pane->MakeContextCurrent());
     glBindTexture(GL_TEXTURE_2D, pane->m_nShadowTexture);
     const auto level = [](GLenum name) {
@@ -277,7 +278,7 @@ TEST_P(Shadows, HaveTheirTargetsSetUp) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
-TEST_P(Shadows, SetUpLogsItsSteps) {
+TEST_P(Shadows, LogTheirSetUp) {
     const std::string log = ReadLog();
     std::size_t at = log.rfind("<INFO>: Build freeFloatingPoints program.\n");
     ASSERT_NE(at, std::string::npos);
@@ -288,7 +289,7 @@ TEST_P(Shadows, SetUpLogsItsSteps) {
     }
 }
 
-TEST(ShadowColour, StartsAtZero) {
+TEST(ShadowColour, IsBlackAtTheStart) {
     TestFolder();
     const OffscreenControl pane(16, 16);
     EXPECT_EQ(pane->m_fShadowColor, (Float3{0, 0, 0}));

@@ -1,3 +1,4 @@
+// Bitmap text: glyphs, advance, display lists and OpenGL state, with made-up fonts and with the installed ones.
 #include "render/TextDraw.h"
 
 #include <GL/glew.h>
@@ -20,7 +21,7 @@ GLint Integer(GLenum name) {
     return value;
 }
 
-/// Glyphs that a hand can draw: each font has its own line height, and each character its own advance.
+/// Glyphs that can be drawn by hand: each font has its own line height, and each character its own advance.
 GlyphSet MadeUpGlyphs(const FontRequest& request) {
     GlyphSet set;
     set.lineHeight = request.height == 12 ? 5 : -request.height;
@@ -29,8 +30,8 @@ GlyphSet MadeUpGlyphs(const FontRequest& request) {
         glyph.advance = code + (request.weight - 400) * 10;
         set.glyphs.push_back(glyph);
     }
-    // Ten pixels wide, so that a row takes two bytes, and neither left-right nor top-down symmetric; its raster
-    // position is one pixel right of and two above its corner.
+    // Ten pixels wide, so that a row has two bytes, and symmetric in neither direction. The raster position is one
+    // pixel right of its lower left corner and two above it.
     Glyph& a = set.glyphs['A'];
     a.width = 10, a.height = 3, a.originX = 1, a.originY = 2, a.advance = 12;
     a.bits = {0b11111111, 0b11000000, 0b10000000, 0b01000000, 0b11100000, 0b00000000};
@@ -62,7 +63,7 @@ protected:
 
 // ---- glyphs by hand
 
-TEST_F(TextDraw, PutsAGlyphAboutTheRasterPositionUprightAndUnmirrored) {
+TEST_F(TextDraw, DrawsAGlyphUprightAtTheRasterPosition) {
     text->CreateFonts(MadeUpGlyphs);
     EXPECT_EQ(Drawn(u"A", 0, 14, 6, 2, 3).Rows(), (std::vector<std::string>{"..............",  //
                                                                             "..............",  //
@@ -72,7 +73,7 @@ TEST_F(TextDraw, PutsAGlyphAboutTheRasterPositionUprightAndUnmirrored) {
                                                                             ".............."}));
 }
 
-TEST_F(TextDraw, MovesOnByTheAdvanceOfGlyphsAndOfBlanks) {
+TEST_F(TextDraw, AdvancesByTheWidthOfGlyphsAndSpaces) {
     text->CreateFonts(MadeUpGlyphs);
     EXPECT_EQ(Drawn(u". . A.", 1, 27, 5, 0, 2).Rows(), (std::vector<std::string>{"...........................",  //
                                                                                  "...........................",  //
@@ -99,18 +100,18 @@ TEST_F(TextDraw, SumsTheWidthsOfTheBytesOfAText) {
     EXPECT_EQ(text->GetTextWidth("BC", 1), 66 + 67);
     EXPECT_EQ(text->GetTextWidth("BC", 2), 66 + 67 + 6000);
     EXPECT_EQ(text->GetTextWidth("BC", 3), 66 + 67 + 10000);
-    EXPECT_EQ(text->GetTextWidth("\x80\xFE\xFF", 1), 128 + 254 + 255) << "bytes above 127 are characters, too";
-    EXPECT_EQ(text->GetTextWidth(std::string_view("B\0C", 3), 2), 66 + 67 + 9000) << "and so is byte 0";
+    EXPECT_EQ(text->GetTextWidth("\x80\xFE\xFF", 1), 128 + 254 + 255) << "bytes above 127 are characters";
+    EXPECT_EQ(text->GetTextWidth(std::string_view("B\0C", 3), 2), 66 + 67 + 9000) << "byte 0 is a character";
 }
 
-TEST_F(TextDraw, TellsTheHeightOfEachFont) {
+TEST_F(TextDraw, ReturnsTheHeightOfEachFont) {
     text->CreateFonts(MadeUpGlyphs);
     EXPECT_EQ(text->GetFontHeight(1), 5);
     EXPECT_EQ(text->GetFontHeight(2), 24);
     EXPECT_EQ(text->GetFontHeight(3), 100);
 }
 
-TEST_F(TextDraw, ThrowsForAFontNumberThatIsNone) {
+TEST_F(TextDraw, ThrowsForAnInvalidFontNumber) {
     text->CreateFonts(MadeUpGlyphs);
     for (const std::int32_t number : {0, 4, -1, INT32_MIN, INT32_MAX}) {
         try {
@@ -128,7 +129,7 @@ TEST_F(TextDraw, ThrowsForAFontNumberThatIsNone) {
     }
 }
 
-TEST_F(TextDraw, AsksForTheThreeFonts) {
+TEST_F(TextDraw, RequestsTheThreeFonts) {
     std::vector<FontRequest> asked;
     text->CreateFonts([&](const FontRequest& request) {
         asked.push_back(request);
@@ -150,7 +151,7 @@ TEST_F(TextDraw, KeepsItsGlyphsInListsAtFixedNumbers) {
     EXPECT_FALSE(glIsList(1768));
 }
 
-TEST_F(TextDraw, LeavesNothingOfTheStateOfOpenGlBehind) {
+TEST_F(TextDraw, RestoresTheOpenGlState) {
     glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
     glListBase(77);
     text->CreateFonts(MadeUpGlyphs);
@@ -176,7 +177,7 @@ TEST_F(TextDraw, DeletesItsListsAndNoOthers) {
     EXPECT_TRUE(glIsList(1768));
 }
 
-TEST_F(TextDraw, OfOneContextStaysWhenThatOfAnotherGoes) {
+TEST_F(TextDraw, RemainsWhenTextInAnotherContextIsDestroyed) {
     text->CreateFonts(MadeUpGlyphs);
     BareContext other;
     {
@@ -199,16 +200,16 @@ TEST_F(TextDraw, DeletesNothingWithoutAContext) {
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
-// ---- characters that are no glyphs
+// ---- characters without a glyph
 
-TEST_F(TextDraw, DrawsAndMovesNothingForCharactersAbove254) {
+TEST_F(TextDraw, IgnoresCharactersAbove254) {
     text->CreateFonts(MadeUpGlyphs);
     const TextPicture plain = Drawn(u".A", 0, 40, 20, 5, 5);
     ASSERT_EQ(plain.Count(), 16u);
-    // U+0141 and U+0241 have the list numbers of the next fonts' 'A' when counted from the first font.
-    for (const std::u16string_view spoiled :
+    // Counted from the first list of the font, U+0141 and U+0241 would be the lists of 'A' in the next fonts.
+    for (const std::u16string_view withOthers :
          {u".\u00FFA", u".\u0100A", u".\u0141A", u".\u0241A", u".\uFFFFA", u"\u0141\u0141.\u0141\u0141A\u0141"})
-        EXPECT_EQ(Drawn(spoiled, 0, 40, 20, 5, 5), plain);
+        EXPECT_EQ(Drawn(withOthers, 0, 40, 20, 5, 5), plain);
     EXPECT_EQ(Drawn(u"\u0141\uFFFF", 0, 40, 20, 5, 5).Count(), 0u);
     EXPECT_EQ(Drawn(u"", 0, 40, 20, 5, 5).Count(), 0u);
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
@@ -225,7 +226,7 @@ TEST_F(TextDraw, DrawsCharacter254) {
     EXPECT_EQ(Drawn(u"\u00FF", 0, 40, 20, 5, 5).Count(), 0u);
 }
 
-// ---- a machine without fonts
+// ---- without installed fonts
 
 TEST_F(TextDraw, WithoutFontsDrawsNothingAndHasNoSize) {
     text->CreateFonts(NoGlyphs);
@@ -244,7 +245,7 @@ TEST_F(TextDraw, WithoutFontsDrawsNothingAndHasNoSize) {
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
-TEST_F(TextDraw, OfOneMissingFontLeavesTheOthers) {
+TEST_F(TextDraw, DrawsTheOtherFontsWhenOneIsMissing) {
     text->CreateFonts(
         [](const FontRequest& request) { return request.weight == 700 ? GlyphSet() : MadeUpGlyphs(request); });
     EXPECT_EQ(Drawn(u"A", 0, 40, 20, 5, 5).Count(), 15u);
@@ -254,22 +255,22 @@ TEST_F(TextDraw, OfOneMissingFontLeavesTheOthers) {
     EXPECT_EQ(text->GetFontHeight(3), 100);
 }
 
-TEST_F(TextDraw, BeforeItsFontsAreMadeIsEmpty) {
+TEST_F(TextDraw, IsEmptyBeforeItsFontsAreCreated) {
     EXPECT_EQ(Drawn(u"A", 0, 40, 20, 5, 5).Count(), 0u);
     EXPECT_EQ(text->GetTextWidth("A", 1), 0);
     EXPECT_EQ(text->GetFontHeight(3), 0);
 }
 
-// ---- the fonts of the machine
+// ---- the installed fonts
 
-class TextOfTheMachine : public TextDraw, public testing::WithParamInterface<int> {
+class TextInInstalledFonts : public TextDraw, public testing::WithParamInterface<int> {
 protected:
-    TextOfTheMachine() { text->CreateFonts(RasterizeFont); }
+    TextInInstalledFonts() { text->CreateFonts(RasterizeFont); }
 };
-INSTANTIATE_TEST_SUITE_P(Fonts, TextOfTheMachine, testing::Values(-1, 0, 1, 2, 3),
+INSTANTIATE_TEST_SUITE_P(Fonts, TextInInstalledFonts, testing::Values(-1, 0, 1, 2, 3),
                          [](const auto& row) { return row.param < 0 ? "Minus1" : std::to_string(row.param); });
 
-TEST_P(TextOfTheMachine, StandsPixelByPixelAsItsGlyphs) {
+TEST_P(TextInInstalledFonts, MatchesItsGlyphsPixelByPixel) {
     const int font = GetParam() == 0 || GetParam() == 1 ? GetParam() : 2;
     const GlyphSet glyphs = RasterizeFont(kFonts[font]);
     ASSERT_EQ(glyphs.glyphs.size(), 256u);
@@ -285,7 +286,7 @@ TEST_P(TextOfTheMachine, StandsPixelByPixelAsItsGlyphs) {
     EXPECT_EQ(text->GetFontHeight(font + 1), glyphs.lineHeight);
 }
 
-TEST_P(TextOfTheMachine, HasAllItsCharacters) {
+TEST_P(TextInInstalledFonts, DrawsAllCharacters) {
     const int font = GetParam() == 0 || GetParam() == 1 ? GetParam() : 2;
     const GlyphSet glyphs = RasterizeFont(kFonts[font]);
     ASSERT_FALSE(glyphs.IsEmpty());

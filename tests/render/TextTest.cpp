@@ -1,4 +1,4 @@
-// The text of a control: its fonts come with its context, and go with it and with no other.
+// The text of a control: its fonts are created with its context, and released with it and with no other context.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -37,19 +37,19 @@ protected:
     Text() { TestFolder(); }
 };
 
-TEST_F(Text, IsThereWithTheContext) {
+TEST_F(Text, IsAvailableInANewControl) {
     const OffscreenControl control;
     ExpectText(*control);
 }
 
-TEST_F(Text, IsThereAgainInANewContext) {
+TEST_F(Text, IsAvailableAgainInANewContext) {
     const OffscreenControl control;
     control->RecreateOpenglContext(3, 3, 0);
     ExpectText(*control);
     EXPECT_TRUE(glIsList(control->m_nFontListBase + 95));
 }
 
-TEST_F(Text, OfOneControlOutlivesTheOther) {
+TEST_F(Text, SurvivesTheDestructionOfAnotherControl) {
     auto first = std::make_unique<OffscreenControl>();
     auto second = std::make_unique<OffscreenControl>();
     const OffscreenControl third;
@@ -62,7 +62,7 @@ TEST_F(Text, OfOneControlOutlivesTheOther) {
     ExpectText(*third);
 }
 
-TEST_F(Text, OfAControlWhoseContextIsGoneIsTakenDownWithoutHarm) {
+TEST_F(Text, SurvivesTheDestructionOfAControlWithoutAContext) {
     auto closed = std::make_unique<OffscreenControl>();
     const OffscreenControl open;
     closed->window->Destroy();
@@ -71,13 +71,13 @@ TEST_F(Text, OfAControlWhoseContextIsGoneIsTakenDownWithoutHarm) {
     ExpectText(*open);
 }
 
-TEST_F(Text, OfAControlWithoutAPictureHasNoSize) {
+TEST_F(Text, HasNoSizeWithoutOpenGl) {
     const NoPictureControl control;
     EXPECT_EQ(control->m_textDraw.GetTextWidth("12", 2), 0);
     EXPECT_EQ(control->m_textDraw.GetFontHeight(2), 0);
 }
 
-TEST_F(Text, HasNinetySixBoldListsFromTheBlankOn) {
+TEST_F(Text, HasNinetySixBoldListsFromTheSpaceOn) {
     const OffscreenControl control;
     const GlyphSet bold = RasterizeFont({.family = "Courier New", .weight = 700, .height = -16});
     ASSERT_FALSE(bold.IsEmpty());
@@ -99,7 +99,8 @@ TEST_F(Text, HasNinetySixBoldListsFromTheBlankOn) {
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
-/// 0 when a control works on this machine without fonts, else the number of the step that did not.
+/// Uses a control with an empty font configuration.
+/// @return 0, or the number of the check that failed
 int WorkWithoutFonts() {
     const ScratchFolder folder;
     std::ofstream(folder / "fonts.conf") << "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM "
@@ -122,7 +123,7 @@ int WorkWithoutFonts() {
     return 0;
 }
 
-TEST_F(Text, IsMissingOnAMachineWithoutFontsAndAllElseWorks) {
+TEST_F(Text, IsEmptyWithoutInstalledFontsAndTheControlStillWorks) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(std::exit(WorkWithoutFonts()), testing::ExitedWithCode(0), "");
 }

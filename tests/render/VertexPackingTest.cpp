@@ -1,3 +1,4 @@
+// The bytes of the GPU buffers of a mesh.
 #include "render/VertexPacking.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ Bytes ColorOf(std::uint32_t word, const float objectColor[3], bool blend) {
 constexpr float kWhite[3] = {1.0f, 1.0f, 1.0f};
 constexpr float kRed[3] = {1.0f, 0.0f, 0.0f};
 
-TEST(PackPlain, PutsPositionThenNormalAndLeavesColourAndGridIndexOut) {
+TEST(PackPlain, WritesPositionAndNormalOnly) {
     const Vertex vertices[] = {MakeVertex(1, 0xFFFFFFFF), MakeVertex(11, 0)};
     std::vector<std::byte> out(2 * 24);
     PackPlain(vertices, out.data());
@@ -46,7 +47,7 @@ TEST(PackPlain, PutsPositionThenNormalAndLeavesColourAndGridIndexOut) {
     }
 }
 
-TEST(PackPlain, PassesNansAndInfinitiesThroughBitForBit) {
+TEST(PackPlain, CopiesNansAndInfinitiesBitForBit) {
     Vertex vertex = MakeVertex(0, 0);
     vertex.x = std::numeric_limits<float>::quiet_NaN();
     vertex.nz = -std::numeric_limits<float>::infinity();
@@ -55,7 +56,7 @@ TEST(PackPlain, PassesNansAndInfinitiesThroughBitForBit) {
     EXPECT_EQ(std::memcmp(out.data(), &vertex, 24), 0);
 }
 
-TEST(PackColored, PutsRedGreenBlueAlphaBehindTheNormal) {
+TEST(PackColored, WritesRedGreenBlueAlphaAfterTheNormal) {
     const Vertex vertices[] = {MakeVertex(1, 0x00112233), MakeVertex(11, 0x77AABBCC)};
     std::vector<std::byte> out(2 * 28);
     PackColored(vertices, MakeVertexColorTable(kWhite, false), out.data());
@@ -66,7 +67,7 @@ TEST(PackColored, PutsRedGreenBlueAlphaBehindTheNormal) {
     EXPECT_EQ(BytesAt(out, 52, 4), (Bytes{0xAA, 0xBB, 0xCC, 255}));
 }
 
-TEST(VertexColors, PassThroughUnchangedWithoutBlending) {
+TEST(VertexColors, AreUnchangedWithoutBlending) {
     const float anyColor[3] = {0.3f, 0.7f, 0.1f};
     for (std::uint32_t value = 0; value < 256; ++value) {
         const auto byte = static_cast<std::uint8_t>(value);
@@ -81,13 +82,13 @@ TEST(VertexColors, OfWhiteBlendedWithRedKeepFifteenPercentInGreenAndBlue) {
     EXPECT_EQ(ColorOf(0x00FFFFFF, kRed, true), (Bytes{255, 38, 38, 255}));
 }
 
-TEST(VertexColors, OfBlackBlendedTakeEightyFivePercentOfTheObjectColour) {
+TEST(VertexColors, OfBlackBlendedHaveEightyFivePercentOfTheObjectColour) {
     // 0.85 * 255 = 216.75.
     EXPECT_EQ(ColorOf(0xFF000000, kRed, true), (Bytes{216, 0, 0, 255}));
 }
 
 TEST(VertexColors, BlendedAreRoundedDown) {
-    // 100: 0.15 * 100 = 15.000001 in single precision. 0.85 * 0.5 * 255 = 108.375, with 15 more 123.375.
+    // 100: 0.15 * 100 = 15.000001 in single precision. 0.85 * 0.5 * 255 = 108.375; the sum is 123.375.
     const float half[3] = {0.5f, 0.5f, 0.5f};
     EXPECT_EQ(ColorOf(0x00646464, half, true), (Bytes{123, 123, 123, 255}));
     // 99: 14.85 + 108.375 = 123.225; 105: 15.75 + 108.375 = 124.125.
