@@ -1,4 +1,4 @@
-// The road of a measurement grid to a mesh, on one thread, beside a copy of the bytes that go in and come out.
+// Triangulation of a measurement grid on one thread, compared with a copy of its input and output bytes.
 // Grids: a smooth height field with a little noise and round holes on 27 % of the pixels.
 #include <benchmark/benchmark.h>
 
@@ -20,6 +20,7 @@ struct Grid {
     [[nodiscard]] std::int64_t PixelCount() const { return std::int64_t{width} * height; }
 };
 
+/// Masks discs at random positions until @p share of the pixels is masked.
 void PunchHoles(Grid& grid, double share, std::mt19937& random) {
     const auto wanted = static_cast<std::int64_t>(share * static_cast<double>(grid.PixelCount()));
     std::uniform_int_distribution<int> anyX(0, grid.width - 1), anyY(0, grid.height - 1),
@@ -37,7 +38,7 @@ void PunchHoles(Grid& grid, double share, std::mt19937& random) {
     }
 }
 
-// Pixels 0.05 mm apart, in millimetres; noise of 2 micrometres leaves few slivers.
+// Pixels 0.05 mm apart, in millimetres. Noise of 2 micrometres makes few sliver triangles.
 Grid MakeGrid(std::int64_t width, std::int64_t height) {
     std::mt19937 random(17);
     std::normal_distribution<float> noise(0.0f, 0.002f);
@@ -66,7 +67,7 @@ void CountPixels(benchmark::State& state, const Grid& grid) {
                                                     benchmark::Counter::kIsRate);
 }
 
-// Arguments: width, height, skip.
+// Arguments: width, height, skip (every how many pixels one is used).
 void CreateInternalMesh_Pixels(benchmark::State& state) {
     const Grid grid = MakeGrid(state.range(0), state.range(1));
     const auto skip = static_cast<std::int32_t>(state.range(2));
@@ -74,7 +75,7 @@ void CreateInternalMesh_Pixels(benchmark::State& state) {
     CountPixels(state, grid);
 }
 
-// As many fresh bytes as the mesh has, filled from grid and mesh: what the memory alone costs.
+// The baseline: copies grid and mesh into newly allocated memory, which is the cost of the memory alone.
 void CopyOfTheSameBytes(benchmark::State& state) {
     const Grid grid = MakeGrid(state.range(0), state.range(1));
     const auto mesh = Create(grid, static_cast<std::int32_t>(state.range(2)));

@@ -1,5 +1,5 @@
-// hps files of a closed mesh of a million triangles, a bumpy sphere with 3 micrometres of noise, through the objects as
-// the viewer uses them: bytes a triangle, save, load with positions, normals and indices.
+// Saving and loading hps files with the objects that the viewer uses, and the bytes per triangle. The mesh is closed
+// and has a million triangles: a bumpy sphere with 3 micrometres of noise. A load reads positions, normals and indices.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -60,7 +60,7 @@ BenchMesh BumpySphere() {
     return mesh;
 }
 
-/// Vertices and triangles in an order that says nothing.
+/// The same mesh with vertices and triangles in random order.
 BenchMesh Shuffled(const BenchMesh& mesh) {
     std::mt19937 random(2);
     std::vector<std::size_t> places(mesh.positions.size() / 3), triangles(mesh.indices.size() / 3);
@@ -77,6 +77,7 @@ BenchMesh Shuffled(const BenchMesh& mesh) {
     return shuffled;
 }
 
+/// Made once, at the first use.
 const BenchMesh& MeshOf(std::int64_t isShuffled) {
     static const BenchMesh rows = BumpySphere(), shuffled = Shuffled(rows);
     return isShuffled != 0 ? shuffled : rows;
@@ -93,6 +94,7 @@ void Require(std::int32_t status) {
 
 ObjectPointer Make(const char* factory) { return ObjectPointer(MakeObject(factory)); }
 
+/// A path in the temporary folder, unique for the process. The destructor removes the file.
 class BenchFile {
 public:
     BenchFile()
@@ -110,6 +112,7 @@ private:
     std::filesystem::path m_path;
 };
 
+/// Through mesh, compressor and file writer, as an export does it.
 void Save(const BenchMesh& content, const std::wstring& path) {
     const auto vertices = static_cast<std::int32_t>(content.positions.size() / 3);
     const auto triangles = static_cast<std::int32_t>(content.indices.size() / 3);
@@ -130,7 +133,7 @@ void Save(const BenchMesh& content, const std::wstring& path) {
     Require(hps_file_writer::kSave(writer.get(), path.c_str()));
 }
 
-/// What a load leaves with its caller, besides the objects' own memory.
+/// Arrays that a load fills, allocated before the measurement.
 struct Loaded {
     std::vector<float> positions, normals;
     std::vector<std::int32_t> indices;
@@ -170,10 +173,11 @@ void Hps_Load(benchmark::State& state) {
     loaded.normals.resize(mesh.positions.size());
     loaded.indices.resize(mesh.indices.size());
     for (auto _ : state) Load(file.Path(), loaded);
-    if (loaded.positions != mesh.positions || loaded.indices != mesh.indices) state.SkipWithError("another mesh");
+    if (loaded.positions != mesh.positions || loaded.indices != mesh.indices)
+        state.SkipWithError("the mesh differs from the one that was saved");
 }
 
-/// The yardstick: the same arrays, once from memory to memory.
+/// The baseline: one copy of the same arrays in memory.
 void CopyOfTheSameMesh(benchmark::State& state) {
     const BenchMesh& mesh = MeshOf(0);
     BenchMesh copy = mesh;

@@ -1,5 +1,5 @@
-// Whole imports through the public surface, files warm in the cache: one scan by format, and sixteen on one and on two
-// threads. Beside them the time to copy the same bytes.
+// Complete imports of scans through the public interface from a warm file cache: one scan per format, and sixteen on
+// one and on two threads. The baseline is a copy of the same bytes.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -15,6 +15,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "MSRDLL/PcmFile.h"
+#include "PaneFixture.h"
 #include "ScanFixture.h"
 
 namespace {
@@ -23,6 +24,7 @@ namespace fs = std::filesystem;
 
 constexpr int kWidth = 2048, kHeight = 1536;
 
+/// Made once, at the first use.
 const BenchScan& Scan() {
     static const BenchScan scan = MakeBenchScan(kWidth, kHeight);
     return scan;
@@ -32,7 +34,7 @@ void Append(std::ofstream& file, const void* bytes, std::size_t size) {
     file.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
 }
 
-// The scan as a file of one format, gone again at the end of the process.
+/// The scan as a file of one format; the destructor removes it.
 class ScanFile {
 public:
     explicit ScanFile(const std::string& extension)
@@ -73,16 +75,8 @@ const ScanFile& FileOf(const char* extension) {
     return extension[1] == 'c' ? pcm : extension[1] == 'a' ? pax : xdt;
 }
 
-std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
-    KV_ScenePane::WindowRequest request;
-    request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
-    auto pane = KV_ScenePane::CreateScenePane(request, nullptr);
-    if (!pane) throw std::runtime_error("no viewer");
-    return pane;
-}
-
 void ImportScan_OfFormat(benchmark::State& state, const char* extension) {
-    const auto pane = MakePane();
+    const auto pane = MakePaneWithoutOpenGl();
     const std::wstring path = KV_ScenePane::WidePath(FileOf(extension).Path());
     for (auto _ : state) {
         pane->Methods().ImportScan(path.c_str(), 0);
@@ -112,7 +106,7 @@ BENCHMARK(CopyOfTheSameBytes)->Unit(benchmark::kMillisecond);
 void ParallelImport_SixteenScans(benchmark::State& state) {
     constexpr int kScans = 16;
     static const BenchScan scan = MakeBenchScan(1024, 768);
-    const auto pane = MakePane();
+    const auto pane = MakePaneWithoutOpenGl();
     for (auto _ : state) {
         void* control = nullptr;
         KV_ScenePane::ImportMeasurementEntry import = nullptr;
@@ -120,7 +114,7 @@ void ParallelImport_SixteenScans(benchmark::State& state) {
         std::atomic<int> next{0};
         std::vector<std::jthread> threads;
         for (int t = 0; t < state.range(0); ++t)
-            threads.emplace_back([&] {
+            threads.emplace_back([&] {  // each worker imports the next scan until none is left
                 for (int i = next++; i < kScans; i = next++)
                     import(control, L"bench", scan.width, scan.height, scan.points.data(), scan.confidence.data(),
                            scan.trafo, scan.classification.data(), nullptr, 0, i);

@@ -1,6 +1,6 @@
-// Peak and resident memory of imports: stl files of a million triangles, one large scan, its first frame, and a
-// thousand times import and ClearData. Prints one line a figure; no benchmark library, since it measures the process
-// and not a time.
+// Peak and resident memory of imports: stl files of a million triangles, one large scan, its first frame, and import
+// and ClearData repeated a thousand times. Prints one line per figure. It does not use the benchmark library, because
+// it measures the process and not a time.
 #include <malloc.h>
 #include <unistd.h>
 
@@ -29,11 +29,13 @@ std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
     return pane;
 }
 
+/// Memory of the vertices and triangles of object 0.
 double MeshMiB(KV_ScenePane::_DKV_ScenePane& methods, std::int32_t& vertices, std::int32_t& triangles) {
     methods.GetMeshDataSize(0, &vertices, &triangles);
     return (32.0 * vertices + 12.0 * triangles) / (1 << 20);
 }
 
+/// Imports one generated file and prints its memory figures.
 void StlImport(KV_ScenePane::_DKV_ScenePane& methods, const char* name, StlOrder order) {
     const std::string path =
         (std::filesystem::temp_directory_path() / ("kv-memory-" + std::to_string(getpid()) + ".stl")).string();
@@ -44,7 +46,7 @@ void StlImport(KV_ScenePane::_DKV_ScenePane& methods, const char* name, StlOrder
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         file = static_cast<double>(bytes.size()) / (1 << 20);
     }
-    malloc_trim(0);  // what earlier work has freed must not serve the import unseen
+    malloc_trim(0);  // memory freed earlier would be reused and hide the peak
     ResetPeak();
     const double before = StatusMiB("VmRSS");
     methods.ImportMesh(KV_ScenePane::WidePath(path).c_str());
@@ -54,7 +56,7 @@ void StlImport(KV_ScenePane::_DKV_ScenePane& methods, const char* name, StlOrder
     const double mesh = MeshMiB(methods, vertices, triangles);
     std::printf("%s, file of %.1f MiB: mesh of %d vertices, %d triangles, %.1f MiB\n", name, file, vertices, triangles,
                 mesh);
-    std::printf("  peak over the start while importing: %.1f MiB (aim: %.1f), resident after it: %.1f MiB\n", peak,
+    std::printf("  peak over the start while importing: %.1f MiB (target: %.1f), resident after it: %.1f MiB\n", peak,
                 2 * mesh + file, after);
     methods.ClearData();
 }
@@ -72,7 +74,7 @@ int main() {
     std::printf("resident with an open viewer and nothing else: %.1f MiB\n", StatusMiB("VmRSS"));
     StlImport(methods, "stl in mesh order", StlOrder::Mesh);
     StlImport(methods, "stl shuffled", StlOrder::Shuffled);
-    StlImport(methods, "stl of triangles that share no corner", StlOrder::Soup);
+    StlImport(methods, "stl triangle soup", StlOrder::Soup);
     {
         const BenchScan scan = MakeBenchScan(2048, 1536);
         ResetPeak();

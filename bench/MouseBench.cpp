@@ -1,11 +1,12 @@
-// What a mouse move costs: from the input to the end of the frame that it draws, with a button held and nothing dirty.
-// CPU time of the thread that drives the viewer.
-//   Move_WithTheDriver  everything
-//   Move_OurCodeAlone   the same moves while no context is current, so that every OpenGL call ends at once in the empty
-//                       function that the dispatch library (libglvnd) keeps for that case, as the swap does here: what
-//                       is left is the viewer's own code, GLU's few matrices and the calls up to the dispatch library
-//   MakeCurrent         of a context that is current already: what Move_OurCodeAlone must leave out of the window;
-//                       a move asks for it as often as the counter make_current tells
+// Cost of a mouse move, from the input event to the end of the frame that it draws, with a button held and clean
+// buffers. CPU time of the thread that drives the viewer.
+//   Move_WithDriver     everything
+//   Move_WithoutDriver  the same moves while no context is current: every OpenGL call returns at once from the empty
+//                       function that the dispatch library (libglvnd) has for that case, and the swap does nothing.
+//                       What remains is the code of the viewer, the matrices of GLU and the calls to the dispatch
+//                       library
+//   MakeCurrent         making a context current that is current already. Move_WithoutDriver does not contain it; the
+//                       counter make_current is the number of such calls per move
 #include <GL/glew.h>
 #include <benchmark/benchmark.h>
 
@@ -22,77 +23,78 @@ namespace {
 
 using KV_ScenePane::MouseInput;
 
-/// Once silent it says that its context is current while none is, and shows nothing.
-class SilentWindow final : public WindowProbe {
+/// After DetachContext() no context is current, MakeCurrent() reports success nevertheless, and a swap shows nothing.
+class DetachableWindow final : public WindowProbe {
 public:
     using WindowProbe::WindowProbe;
 
-    void FallSilent() {
-        m_bSilent = true;
+    void DetachContext() {
+        m_isDetached = true;
         ReleaseCurrentEgl();
         ReleaseCurrentGlx();
     }
-    void Speak() {
-        m_bSilent = false;
+    void AttachContext() {
+        m_isDetached = false;
         MakeCurrent();
     }
     bool MakeCurrent() override {
         ++makeCurrents;
-        return m_bSilent || WindowProbe::MakeCurrent();
+        return m_isDetached || WindowProbe::MakeCurrent();
     }
     void SwapBuffers() override {
         ++swaps;
-        if (!m_bSilent) WindowProbe::SwapBuffers();
+        if (!m_isDetached) WindowProbe::SwapBuffers();
     }
 
     std::int64_t makeCurrents = 0, swaps = 0;
 
 private:
-    bool m_bSilent = false;
+    bool m_isDetached = false;
 };
 
-/// Whether OpenGL calls end in nothing, those of old and those that are loaded by name.
-bool OpenGlIsSilent() {
+/// Whether OpenGL calls have no effect, both those that are linked and those that are loaded by name.
+bool OpenGlCallsDoNothing() {
     GLuint name = 0;
     glGenBuffers(1, &name);
     return CurrentContext() == nullptr && glGetString(GL_VERSION) == nullptr && name == 0;
 }
 
-/// A control of some pixels, so that the rasteriser has next to nothing to do, and of many objects of two triangles.
+/// A control of 16 x 16 pixels, so that rasterising costs almost nothing, with many objects of two triangles.
 class MousePane {
 public:
-    MousePane(PaneWindowRequest::Kind kind, std::int64_t objects) {
-        PaneWindowRequest request;
+    MousePane(KV_ScenePane::WindowRequest::Kind kind, std::int64_t objects) {
+        KV_ScenePane::WindowRequest request;
         request.kind = kind;
         request.width = request.height = 16;
-        auto silent = std::make_unique<SilentWindow>(MakePaneWindow(request));
-        window = silent.get();
-        control = std::make_unique<CKV_ScenePaneCtrl>(std::move(silent));
+        auto detachable = std::make_unique<DetachableWindow>(MakePaneWindow(request));
+        window = detachable.get();
+        control = std::make_unique<CKV_ScenePaneCtrl>(std::move(detachable));
         std::string reason;
         if (!control->CreateControlWindow(&reason)) throw std::runtime_error("no window: " + reason);
         for (std::int64_t i = 0; i < objects; ++i) control->m_vpMeshes.push_back(Object(static_cast<float>(i)));
         control->CenterView();
-        control->PerformRefresh();  // takes the size, builds the buffers
+        control->PerformRefresh();  // stores the size, builds the buffers
     }
     ~MousePane() {
-        window->Speak();  // the buffers are deleted in the context
+        window->AttachContext();  // to delete the buffers
     }
     MousePane(const MousePane&) = delete;
     MousePane& operator=(const MousePane&) = delete;
 
-    /// The left button turns, the right one pans.
+    /// Starts a drag: the left button rotates, the right one pans.
+    /// @return whether the control is in the mode of that drag
     bool Press(bool right) {
         m_flags = right ? KV_ScenePane::kMouseRight : KV_ScenePane::kMouseLeft;
         control->OnMouse({right ? MouseInput::Kind::RightDown : MouseInput::Kind::LeftDown, m_flags, 8, 8, 0});
         return control->m_nInteractionMode == (right ? ModePan : ModeRotate);
     }
-    /// There and back by turns, so that the view stays where it is.
+    /// One pixel to the right and back in turn, so that the view does not drift.
     void Move() {
-        m_there = !m_there;
-        control->OnMouse({MouseInput::Kind::Move, m_flags, m_there ? 9 : 8, 8, 0});
+        m_isRight = !m_isRight;
+        control->OnMouse({MouseInput::Kind::Move, m_flags, m_isRight ? 9 : 8, 8, 0});
     }
 
-    SilentWindow* window = nullptr;
+    DetachableWindow* window = nullptr;  ///< of the control
     std::unique_ptr<CKV_ScenePaneCtrl> control;
 
 private:
@@ -105,13 +107,13 @@ private:
     }
 
     std::uint32_t m_flags = 0;
-    bool m_there = false;
+    bool m_isRight = false;
 };
 
-PaneWindowRequest::Kind KindOf(std::int64_t x11) {
-    if (x11 == 0) return PaneWindowRequest::Kind::OffScreen;
-    XvfbServer::Shared();  // a server of its own: no other window is in the way
-    return PaneWindowRequest::Kind::TopLevel;
+KV_ScenePane::WindowRequest::Kind KindOf(std::int64_t x11) {
+    if (x11 == 0) return KV_ScenePane::WindowRequest::Kind::OffScreen;
+    XvfbServer::Shared();  // without other windows
+    return KV_ScenePane::WindowRequest::Kind::TopLevel;
 }
 enum class Driver { Real, None };
 
@@ -120,8 +122,8 @@ void Moves(benchmark::State& state, Driver driver) {
     if (!pane.Press(state.range(1) != 0)) return state.SkipWithError("the press did not begin the drag");
     pane.Move();
     if (driver == Driver::None) {
-        pane.window->FallSilent();
-        if (!OpenGlIsSilent()) return state.SkipWithError("OpenGL calls without a context go somewhere here");
+        pane.window->DetachContext();
+        if (!OpenGlCallsDoNothing()) return state.SkipWithError("OpenGL calls without a context have an effect here");
     }
     pane.window->makeCurrents = pane.window->swaps = 0;
     for (auto _ : state) pane.Move();
@@ -129,14 +131,14 @@ void Moves(benchmark::State& state, Driver driver) {
     state.counters["make_current"] =
         static_cast<double>(pane.window->makeCurrents) / static_cast<double>(state.iterations());
 }
-void Move_WithTheDriver(benchmark::State& state) { Moves(state, Driver::Real); }
-void Move_OurCodeAlone(benchmark::State& state) { Moves(state, Driver::None); }
+void Move_WithDriver(benchmark::State& state) { Moves(state, Driver::Real); }
+void Move_WithoutDriver(benchmark::State& state) { Moves(state, Driver::None); }
 void MoveCases(benchmark::internal::Benchmark* bench) {
     bench->ArgNames({"objects", "pan", "x11"})->ArgsProduct({{1, 100, 1000}, {0, 1}, {0, 1}});
     bench->Unit(benchmark::kMicrosecond);
 }
-BENCHMARK(Move_WithTheDriver)->Apply(MoveCases);
-BENCHMARK(Move_OurCodeAlone)->Apply(MoveCases);
+BENCHMARK(Move_WithDriver)->Apply(MoveCases);
+BENCHMARK(Move_WithoutDriver)->Apply(MoveCases);
 
 void MakeCurrent(benchmark::State& state) {
     MousePane pane(KindOf(state.range(0)), 1);

@@ -1,5 +1,5 @@
-// Reading measurement files of 2048 x 1536 pixels with 27 % holes from a warm cache, each beside the time to read the
-// same file and copy it once: into memory that is new each time, as a reader's is, and into memory that is kept.
+// Reading measurement files of 2048 x 1536 pixels with 27 % holes from a warm file cache. The baselines read the same
+// file and copy it once: into newly allocated memory, as a reader does, and into memory that is reused.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -26,7 +26,7 @@ constexpr int kWidth = 2048, kHeight = 1536;
 
 enum Kind { kPcm, kPcmColors, kPcmScattered, kPax, kXdt };
 
-/// Holes that come pixel by pixel instead of in patches: the longest way for whoever puts values back in their places.
+/// Holes of single pixels instead of patches: the worst case for putting the stored values back at their pixels.
 BenchScan Scattered(BenchScan scan) {
     std::mt19937 random(2);
     for (std::size_t i = 0; i < scan.confidence.size(); ++i) {
@@ -40,6 +40,7 @@ BenchScan Scattered(BenchScan scan) {
     return scan;
 }
 
+/// A scan as a file of one kind; the destructor removes it.
 class ScanFile {
 public:
     explicit ScanFile(Kind kind)
@@ -47,7 +48,7 @@ public:
                      .string()) {
         BenchScan scan = MakeBenchScan(kWidth, kHeight);
         if (kind == kPcmScattered) scan = Scattered(scan);
-        // Confidence of its own in each pixel, as sensors give it.
+        // The confidence differs from pixel to pixel, as that of a sensor does.
         for (std::size_t i = 0; i < scan.confidence.size(); ++i) {
             if (scan.confidence[i] > 0) scan.confidence[i] = static_cast<float>(i % 1000) * 0.001f;
         }
@@ -98,6 +99,7 @@ private:
     std::string m_path;
 };
 
+/// Made at the first use.
 const ScanFile& File(std::int64_t kind) {
     static std::unique_ptr<ScanFile> files[5];
     auto& file = files[kind];
@@ -105,6 +107,7 @@ const ScanFile& File(std::int64_t kind) {
     return *file;
 }
 
+/// Reads the whole file with plain system calls.
 void ReadTo(const ScanFile& file, char* to) {
     const int fd = ::open(file.Path().c_str(), O_RDONLY);
     std::size_t left = file.Size();

@@ -1,10 +1,9 @@
-// Writes the bumpy sphere as stl, ply, text ply and hps into a folder and imports each through the public surface, so
-// that bench/peers.py can time other programs on the same files.
-//   peer_files FOLDER      prints a line a file: its path and the best time of seven imports in milliseconds
+// Writes the bumpy sphere as stl, ply, text ply and hps into a folder and imports each file through the public
+// interface, so that bench/peers.py can time other programs on the same files.
+//   peer_files FOLDER      prints one line per file: its path and the best time of seven imports in milliseconds
 #include <malloc.h>
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <exception>
@@ -16,6 +15,8 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "PaneFixture.h"
+#include "PlyText.h"
 #include "SphereFixture.h"
 #include "StlFixture.h"
 
@@ -25,13 +26,7 @@ using KV_ScenePane::MeshBuffers, KV_ScenePane::Triangle, KV_ScenePane::Vertex;
 
 constexpr std::int32_t kColumns = 1000, kRings = 500;
 
-void AppendNumber(std::string& text, auto value) {
-    char digits[32];
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-    text += ' ';
-}
-
-/// The shortest digits that give the same floats.
+/// Numbers have the fewest digits that read back as the same float.
 void WriteTextPly(const MeshBuffers& mesh, const std::string& path) {
     std::string text = "ply\nformat ascii 1.0\nelement vertex " + std::to_string(mesh.m_vVertices.size()) +
                        "\nproperty float x\nproperty float y\nproperty float z\nelement face " +
@@ -49,32 +44,25 @@ void WriteTextPly(const MeshBuffers& mesh, const std::string& path) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
-    KV_ScenePane::WindowRequest request;
-    request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
-    auto pane = KV_ScenePane::CreateScenePane(request, nullptr);
-    if (!pane) throw std::runtime_error("no viewer");
-    return pane;
-}
-
 void WriteStlFile(const std::string& path, int million, StlOrder order) {
     const std::vector<std::byte> file = MakeBenchStl(million, order);
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
 }
 
+/// Best time of seven imports, milliseconds; throws when the mesh is incomplete.
 double BestImportMs(KV_ScenePane::_DKV_ScenePane& methods, const std::string& path) {
     double best = std::numeric_limits<double>::infinity();
     for (int run = 0; run < 7; ++run) {
         methods.ClearData();
-        malloc_trim(0);  // every import starts with fresh memory, as the first one does
+        malloc_trim(0);  // every import allocates new memory, as the first one does
         const auto start = std::chrono::steady_clock::now();
         methods.ImportMesh(KV_ScenePane::WidePath(path).c_str());
         const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
         best = std::min(best, took.count());
         std::int32_t vertices = 0, triangles = 0;
         methods.GetMeshDataSize(0, &vertices, &triangles);
-        if (triangles < 2 * kColumns * kRings) throw std::runtime_error("another mesh came back from " + path);
+        if (triangles < 2 * kColumns * kRings) throw std::runtime_error("an incomplete mesh was imported from " + path);
     }
     return best;
 }
@@ -93,7 +81,7 @@ int main(int argc, char** argv) try {
     WriteStlFile(in("5M.stl"), 5, StlOrder::Mesh);
     WriteStlFile(in("5M-shuffled.stl"), 5, StlOrder::Shuffled);
     WriteTextPly(MakeBenchSphere(kColumns, kRings), in("1M-text.ply"));
-    const auto pane = MakePane();
+    const auto pane = MakePaneWithoutOpenGl();
     auto& methods = pane->Methods();
     methods.ImportMesh(KV_ScenePane::WidePath(in("1M-text.ply")).c_str());
     methods.InitializeKVReg();

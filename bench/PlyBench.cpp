@@ -1,11 +1,10 @@
-// Imports and exports of ply files of 1 M triangles through the public surface, from a warm cache, with the peak of
-// memory; beside them the time to read, copy and write the same bytes, and the share of the normals.
+// Imports and exports of ply files of 1 M triangles through the public interface, from a warm file cache, with the peak
+// memory. The baselines read, copy and write the same bytes; one benchmark is the computation of the normals alone.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <malloc.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -14,6 +13,8 @@
 #include "KV_ScenePane/DebugOutput.h"
 #include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "PaneFixture.h"
+#include "PlyText.h"
 #include "ProcessMemory.h"
 #include "SphereFixture.h"
 #include "base/AtomicFile.h"
@@ -33,13 +34,8 @@ const MeshBuffers& Sphere() {
     return sphere;
 }
 
-void AppendNumber(std::string& text, auto value) {
-    char digits[32];
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-    text += ' ';
-}
-
-/// What other programs write of the sphere: single faces, in text the shortest digits that give the same floats.
+/// The sphere as other programs write it: one list per face; text numbers have the fewest digits that read back as the
+/// same float.
 std::string FileText(Kind kind) {
     const MeshBuffers& mesh = Sphere();
     const bool isText = kind == kText || kind == kTextWithColors;
@@ -71,7 +67,7 @@ std::string FileText(Kind kind) {
     return text;
 }
 
-/// A path of this process, gone again at its end.
+/// A path in the temporary folder, unique for the process. The destructor removes the file.
 class ScratchPath {
 public:
     explicit ScratchPath(const std::string& name)
@@ -95,22 +91,15 @@ void WriteFile(const std::string& path, const std::string& text) {
     if (!file.flush()) throw std::runtime_error("cannot write " + path);
 }
 
-std::unique_ptr<KV_ScenePane::ScenePane> MakePane() {
-    KV_ScenePane::WindowRequest request;
-    request.kind = KV_ScenePane::WindowRequest::Kind::NoPicture;
-    auto pane = KV_ScenePane::CreateScenePane(request, nullptr);
-    if (!pane) throw std::runtime_error("no viewer");
-    return pane;
-}
-
+/// Throws when the mesh is incomplete.
 void Import(KV_ScenePane::ScenePane& pane, const ScratchPath& path) {
     pane.Methods().ImportMesh(path.Wide().c_str());
     std::int32_t vertices = 0, triangles = 0;
     pane.Methods().GetMeshDataSize(0, &vertices, &triangles);
-    if (triangles != 2 * kColumns * kRings) throw std::runtime_error("another mesh came back");
+    if (triangles != 2 * kColumns * kRings) throw std::runtime_error("an incomplete mesh was imported");
 }
 
-/// Peak of one import over what was resident before, in MiB; and what its mesh and its file take.
+/// Counters in MiB: peak of one import above the resident size before it, size of its mesh, size of its file.
 void CountMemory(benchmark::State& state, KV_ScenePane::ScenePane& pane, const ScratchPath& path) {
     malloc_trim(0);
     ResetPeak();
@@ -130,13 +119,13 @@ void ImportPly(benchmark::State& state) {
     state.SetLabel(kKindNames[kind]);
     const ScratchPath path("import");
     WriteFile(path.Bytes(), FileText(kind));
-    const auto pane = MakePane();
+    const auto pane = MakePaneWithoutOpenGl();
     CountMemory(state, *pane, path);
     for (auto _ : state) {
         Import(*pane, path);
         state.PauseTiming();
         pane->Methods().ClearData();
-        malloc_trim(0);  // every import starts with fresh memory, as the first one does
+        malloc_trim(0);  // every import allocates new memory, as the first one does
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * 2 * kColumns * kRings);
@@ -180,7 +169,7 @@ void MeanNormals(benchmark::State& state) {
 void ExportPly(benchmark::State& state) {
     const ScratchPath from("source"), to("export");
     WriteFile(from.Bytes(), FileText(kBinaryWithNormalsAndColors));
-    const auto pane = MakePane();
+    const auto pane = MakePaneWithoutOpenGl();
     Import(*pane, from);
     const std::wstring path = to.Wide();
     for (auto _ : state) pane->Methods().ExportMesh(0, path.c_str());

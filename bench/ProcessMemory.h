@@ -1,9 +1,10 @@
-// What the process holds, as the kernel counts it.
+// Resident memory of the process, as the kernel counts it.
 #pragma once
 #include <fstream>
 #include <string>
 
-/// A value of /proc/self/status in MiB; VmHWM is the peak, VmRSS what is resident now. -1 when there is none.
+/// @param key  entry of /proc/self/status: "VmHWM" is the peak, "VmRSS" the present size
+/// @return MiB; -1 when there is no such entry
 inline double StatusMiB(const std::string& key) {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -16,5 +17,5 @@ inline double StatusMiB(const std::string& key) {
     return -1;
 }
 
-/// From here on the peak counts anew.
+/// Resets the peak to the present size.
 inline void ResetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }

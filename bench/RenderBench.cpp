@@ -1,8 +1,7 @@
-// Meshes to the GPU and frames to the screen, off-screen. Each figure stands beside its yardstick: a copy of the same
-// bytes, or a bare loop that issues the same OpenGL calls on the same buffers without a control around it.
-// A frame ends with glFinish() on both sides; the CPU time of whole frames is that of all threads of the process. What
-// a clean object costs outside the driver is the difference of Frame_CleanObjects and BareLoop_CleanObjects over the
-// number of objects.
+// Upload of meshes and drawing of frames, off-screen. Each figure has a baseline: a copy of the same bytes, or a bare
+// loop that issues the same OpenGL calls on the same buffers without a control. A frame ends with glFinish() in both
+// cases; the CPU time of a frame is that of all threads of the process. The cost of a clean object outside the driver
+// is the difference between Frame_CleanObjects and BareLoop_CleanObjects, divided by the number of objects.
 #include <GL/glew.h>
 #include <benchmark/benchmark.h>
 
@@ -14,13 +13,15 @@
 #include "control/ScenePaneCtrl.h"
 #include "platform/WindowFactory.h"
 
+using namespace KV_ScenePane;
+
 namespace {
 
-/// A control on an off-screen surface.
+/// A control on an off-screen surface; its context is current.
 class BenchPane {
 public:
     BenchPane(int width, int height) {
-        PaneWindowRequest request;
+        KV_ScenePane::WindowRequest request;
         request.width = width;
         request.height = height;
         m_control = std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(request));
@@ -38,7 +39,7 @@ private:
     std::unique_ptr<CKV_ScenePaneCtrl> m_control;
 };
 
-/// A waved square of @p side x @p side quads, 100 units wide.
+/// A wavy square of @p side x @p side quads, 100 units wide.
 std::shared_ptr<Mesh> Waves(int side) {
     std::vector<Vertex> vertices;
     vertices.reserve(static_cast<std::size_t>(side + 1) * static_cast<std::size_t>(side + 1));
@@ -77,7 +78,7 @@ void BuildBuffers_Triangles(benchmark::State& state) {
     for (auto _ : state) {
         mesh->ReleaseBuffers();
         mesh->MarkBuffersDirty();
-        mesh->Draw(6, false);  // builds, draws nothing
+        mesh->Draw(KV_ScenePane::DrawModeNothing, false);  // only builds the buffers
         glFinish();
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(BytesOnTheGpu(*mesh)));
@@ -103,7 +104,7 @@ void CopyOfTheSameBytes(benchmark::State& state) {
 }
 BENCHMARK(CopyOfTheSameBytes)->Arg(5'000'000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-/// The driver's share of BuildBuffers: the same bytes, packed beforehand, into a buffer that it allocates anew.
+/// The share of the driver in BuildBuffers: the same bytes, packed in advance, into a newly allocated buffer.
 void UploadOfTheSameBytes(benchmark::State& state) {
     const BenchPane pane(64, 64);
     const auto mesh = Waves(SideOf(state.range(0)));
@@ -123,7 +124,7 @@ BENCHMARK(UploadOfTheSameBytes)->Arg(5'000'000)->Unit(benchmark::kMillisecond)->
 
 // ---- frames
 
-/// The same OpenGL calls as the control issues for a frame, with nothing around them.
+/// The OpenGL calls of a frame of the control, without the control.
 class BareLoop {
 public:
     explicit BareLoop(CKV_ScenePaneCtrl& control) : m_control(control) {}
@@ -135,7 +136,7 @@ public:
         glEnable(GL_COLOR_MATERIAL);
         if (shadows)
             ObjectsWithShadows();
-        else if (m_control.m_nDrawMode == 5)
+        else if (m_control.m_nDrawMode == DrawModePerPixel)
             ObjectsPerPixel();
         else
             Objects(m_control.m_nDrawMode);
@@ -166,8 +167,8 @@ private:
         glPushAttrib(0xFFFFF);
         glColor4f(1, 1, 1, 0.5f);
         glPointSize(2);
-        if (mode == 2 || mode == 3) {
-            glShadeModel(mode == 2 ? GL_FLAT : GL_SMOOTH);
+        if (mode == DrawModeFlat || mode == DrawModeGouraud) {
+            glShadeModel(mode == DrawModeFlat ? GL_FLAT : GL_SMOOTH);
             glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
             glEnable(GL_LIGHT0);
             glEnable(GL_LIGHTING);
@@ -197,11 +198,12 @@ private:
     void ObjectsPerPixel() const {
         for (const auto& mesh : m_control.m_vpMeshes) {
             glUseProgram(m_control.m_progPerPixel);
-            Object(*mesh, 2);
+            Object(*mesh, DrawModeFlat);
         }
         glUseProgram(0);
     }
     void ObjectsWithShadows() const {
+        // The depth pass; the matrices of the camera serve for the light, since only the cost matters.
         GLfloat projection[16], modelView[16];
         GLint viewport[4];
         glGetFloatv(GL_PROJECTION_MATRIX, projection);
@@ -212,9 +214,10 @@ private:
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         glEnable(GL_DEPTH_TEST);
         glUseProgram(m_control.m_progDepth);
-        Objects(2);
+        Objects(DrawModeFlat);
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+        // The lit pass.
         glBindTexture(GL_TEXTURE_2D, m_control.m_nShadowTexture);
         const GLuint program = m_control.m_progShadow;
         glUseProgram(program);
@@ -233,7 +236,7 @@ enum class Side { Control, BareLoop };
 
 void DrawFrames(benchmark::State& state, const BenchPane& pane, Side side) {
     pane->CenterView();
-    pane.Frame();  // takes the size, builds the buffers
+    pane.Frame();  // stores the size, builds the buffers
     const BareLoop bare(*pane.operator->());
     const bool shadows = pane->m_bShadowEnabled != 0;
     bare.Frame(shadows);
@@ -243,7 +246,7 @@ void DrawFrames(benchmark::State& state, const BenchPane& pane, Side side) {
         else
             bare.Frame(shadows);
     }
-    state.SetItemsProcessed(state.iterations());  // frames a second
+    state.SetItemsProcessed(state.iterations());  // frames per second
 }
 
 void FrameOf(benchmark::State& state, Side side) {
@@ -256,14 +259,15 @@ void FrameOf(benchmark::State& state, Side side) {
 void Frame_Triangles(benchmark::State& state) { FrameOf(state, Side::Control); }
 void BareLoop_Triangles(benchmark::State& state) { FrameOf(state, Side::BareLoop); }
 void FrameCases(benchmark::internal::Benchmark* bench) {
-    bench->ArgNames({"triangles", "mode", "shadows"})->ArgsProduct({{100'000, 1'000'000}, {3, 5}, {0, 1}});
+    bench->ArgNames({"triangles", "mode", "shadows"})
+        ->ArgsProduct({{100'000, 1'000'000}, {DrawModeGouraud, DrawModePerPixel}, {0, 1}});
     bench->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();  // the rasteriser has threads
 }
 BENCHMARK(Frame_Triangles)->Apply(FrameCases);
 BENCHMARK(BareLoop_Triangles)->Apply(FrameCases);
 
 void CleanObjects(benchmark::State& state, Side side) {
-    const BenchPane pane(16, 16);  // next to nothing to fill
+    const BenchPane pane(16, 16);  // few pixels: the cost per object dominates
     for (std::int64_t i = 0; i < state.range(0); ++i) pane->m_vpMeshes.push_back(Waves(1));
     DrawFrames(state, pane, side);
 }

@@ -1,4 +1,4 @@
-// Measurements for the benchmarks: a wavy surface in front of the sensor with round holes, the same on every run.
+// Measurements for the benchmarks: a wavy surface in front of the sensor with round holes, identical on every run.
 #pragma once
 #include <algorithm>
 #include <cmath>
@@ -7,15 +7,16 @@
 #include <random>
 #include <vector>
 
+/// A measurement grid in the sensor frame, row by row.
 struct BenchScan {
     int width = 0, height = 0;
-    std::vector<float> points;                 ///< 3 a pixel, micrometres
+    std::vector<float> points;                 ///< 3 per pixel, micrometres
     std::vector<float> confidence;             ///< 1 where measured, -1 in holes
     std::vector<std::uint8_t> classification;  ///< 250 in holes
     float trafo[16] = {1, 0, 0, 1000, 0, 1, 0, 2000, 0, 0, 1, 3000, 0, 0, 0, 1};
 };
 
-/// About 27 % of the pixels lie in holes.
+/// About 27 % of the pixels are in holes.
 inline BenchScan MakeBenchScan(int width, int height) {
     BenchScan scan;
     scan.width = width;
@@ -24,6 +25,7 @@ inline BenchScan MakeBenchScan(int width, int height) {
     scan.points.resize(3 * pixels);
     scan.confidence.assign(pixels, 1.0f);
     scan.classification.assign(pixels, 1);
+    // The surface: waves with noise of 5 micrometres, pixels 40 micrometres apart.
     std::mt19937 random(1);
     std::uniform_real_distribution<float> noise(-5.0f, 5.0f);
     for (int y = 0; y < height; ++y)
@@ -35,6 +37,7 @@ inline BenchScan MakeBenchScan(int width, int height) {
             p[2] = 3000.0f * std::sin(static_cast<float>(x) * 0.01f) * std::cos(static_cast<float>(y) * 0.013f) +
                    noise(random);
         }
+    // Discs at random positions, until enough pixels are missing.
     const int radius = width / 40;
     std::size_t missing = 0;
     while (missing < pixels * 27 / 100) {

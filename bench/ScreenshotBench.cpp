@@ -1,7 +1,7 @@
-// Screenshots, off-screen: the whole call, its drawing alone, and the conversion of the pixels beside a plain copy of
-// the same 16 MiB. The counters tell what the process held at the peak of a call over what it held before: at the first
-// one, which also builds the buffers of the meshes, and at a later one. What a software driver takes while it draws is
-// in both. Whole calls: time of the clock, and CPU time of all threads of the process.
+// Screenshots, off-screen: the complete call, its drawing alone, and the conversion of the pixels with a copy of the
+// same 16 MiB as the baseline. The counters are the peak memory of a call above the resident size before it: of the
+// first call, which also builds the buffers of the meshes, and of a later one. Memory of a software driver is included
+// in both. The times of complete calls are elapsed time and CPU time of all threads of the process.
 #include <GL/glew.h>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -22,9 +22,9 @@ namespace {
 
 constexpr std::size_t kSide = 2048, kPixels = kSide * kSide;
 
-/// A control on an off-screen surface with @p count scans of width x height in a square field.
+/// A control on an off-screen surface with @p count scans of width x height pixels, arranged in a square.
 std::unique_ptr<CKV_ScenePaneCtrl> PaneOfScans(std::int64_t count, std::int64_t width, std::int64_t height) {
-    PaneWindowRequest request;
+    KV_ScenePane::WindowRequest request;
     auto control = std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(request));
     std::string reason;
     if (!control->CreateControlWindow(&reason)) throw std::runtime_error("no off-screen surface: " + reason);
@@ -36,13 +36,14 @@ std::unique_ptr<CKV_ScenePaneCtrl> PaneOfScans(std::int64_t count, std::int64_t 
         control->ImportMeasurementFromMemory(scan.width, scan.height, scan.points.data(), scan.confidence.data(),
                                              scan.trafo, 0xB0C8D8);
     }
-    control->SetViewMode(4);
+    control->SetViewMode(KV_ScenePane::ViewFromPlusZYUp);
     control->CenterView();
     return control;
 }
 
+/// Peak memory of one call above the resident size before it, MiB.
 double PeakOfCall(CKV_ScenePaneCtrl& control, std::vector<std::uint32_t>& picture) {
-    malloc_trim(0);  // what earlier calls freed and the heap kept would hide the peak
+    malloc_trim(0);  // memory freed earlier would be reused and hide the peak
     ResetPeak();
     const double before = StatusMiB("VmRSS");
     control.CaptureScreenShot(picture.data());
@@ -51,7 +52,7 @@ double PeakOfCall(CKV_ScenePaneCtrl& control, std::vector<std::uint32_t>& pictur
 
 void CaptureScreenShot(benchmark::State& state) {
     const auto control = PaneOfScans(state.range(0), state.range(1), state.range(2));
-    std::vector<std::uint32_t> picture(kPixels, 1);  // the host's pages are there
+    std::vector<std::uint32_t> picture(kPixels, 1);  // written once, so that its pages are resident
     const double first = PeakOfCall(*control, picture), later = PeakOfCall(*control, picture);
     for (auto _ : state) control->CaptureScreenShot(picture.data());
     double triangles = 0;

@@ -1,4 +1,4 @@
-// A closed mesh for the benchmarks of mesh files, the same on every run: a bumpy sphere in rings from pole to pole.
+// A closed mesh for the benchmarks of mesh files, identical on every run: a bumpy sphere in rings from pole to pole.
 #pragma once
 #include <cmath>
 #include <cstdint>
@@ -19,6 +19,7 @@ inline KV_ScenePane::MeshBuffers MakeBenchSphere(std::int32_t columns, std::int3
         vertex.z = static_cast<float>(radius * std::cos(latitude));
         vertex.color = 0xFFFFFFFF;
     };
+    // Vertices: the north pole, the rings, the south pole.
     put(0, 0, 0);
     put(south, std::numbers::pi, 0);
     for (std::int32_t ring = 0; ring < rings; ++ring) {
@@ -26,6 +27,7 @@ inline KV_ScenePane::MeshBuffers MakeBenchSphere(std::int32_t columns, std::int3
             put(1 + ring * columns + column, std::numbers::pi * (ring + 1) / (rings + 1),
                 2 * std::numbers::pi * column / columns);
     }
+    // Triangles: a fan at each pole, two per quad between the rings.
     const auto add = [&mesh](std::int32_t a, std::int32_t b, std::int32_t c) {
         mesh.m_vTriangles.push_back({{a, b, c}});
     };

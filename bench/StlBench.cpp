@@ -1,5 +1,5 @@
-// Binary stl of a closed mesh: import as the control does it, welded, with normals and box; the ordered map beside it;
-// export; and the yardsticks: reading the same file, writing the same bytes. Mesh order, and triangles shuffled.
+// Binary stl files of a closed mesh, in mesh order and shuffled: the import of the control with welding, normals and
+// box, its parts, and the export. The baselines weld with an ordered map, read the same file and write the same bytes.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -26,13 +26,13 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kHead = 84, kRecord = 50;
 
-/// Bytes and file of one kind, made once; the file is gone at the end of the process.
+/// A file of one kind and its bytes. Made at the first use; the destructor removes the file.
 class StlSample {
 public:
     static const StlSample& Of(benchmark::State& state) {
         static std::map<std::pair<int, bool>, StlSample> samples;
         const std::pair<int, bool> key(static_cast<int>(state.range(0)), state.range(1) != 0);
-        if (!samples.contains(key)) samples.clear();  // one at a time
+        if (!samples.contains(key)) samples.clear();  // to keep only one in memory
         return samples.try_emplace(key, key.first, key.second).first->second;
     }
     StlSample(int million, bool shuffled)
@@ -49,7 +49,7 @@ public:
     const std::string path;
 };
 
-/// A control without a picture.
+/// A control without OpenGL.
 class Pane {
 public:
     Pane() : m_control(std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(Request()))) {
@@ -150,7 +150,7 @@ void WritingTheSameBytes(benchmark::State& state) {
     Report(state);
 }
 
-/// Millions of triangles; 1: shuffled.
+/// Arguments: millions of triangles, and 1 for shuffled triangles.
 void Kinds(benchmark::internal::Benchmark* bench) {
     for (const int million : {1, 5})
         for (const int shuffled : {0, 1}) bench->Args({million, shuffled});

@@ -1,4 +1,4 @@
-// Stl files in memory, for benchmarks: the sphere of the other mesh formats, each triangle by itself.
+// Stl files in memory for the benchmarks: the sphere of SphereFixture.h as separate triangles.
 #pragma once
 #include <algorithm>
 #include <array>
@@ -12,11 +12,12 @@
 #include "geometry/Vector3.h"
 
 enum class StlOrder {
-    Mesh,      ///< neighbours stand together
-    Shuffled,  ///< triangles in no order
-    Soup,      ///< no two corners at the same position, so that nothing welds
+    Mesh,      ///< neighbouring triangles are close to each other in the file
+    Shuffled,  ///< triangles in random order
+    Soup,      ///< triangle soup: no two corners at the same position, so that no vertices are welded
 };
 
+/// A binary file of @p million million triangles.
 inline std::vector<std::byte> MakeBenchStl(int million, StlOrder order) {
     constexpr std::size_t kHead = 84, kRecord = 50;
     const KV_ScenePane::MeshBuffers sphere = MakeBenchSphere(1000 * million, 500);

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Times the mesh import of other programs on the files that bench/peer_files times ours on.
 
-    bench/peers.py [BUILD]      BUILD: build/release when none is named
+    bench/peers.py [BUILD]      BUILD: the build folder, default build/release
 
-VTK (python3-vtk9) and assimp (libassimp5) are timed where they are installed. Only their own calls are: the best of seven
-loads in one process, from a warm cache. They compute no normals here; ours does.
+VTK (python3-vtk9) and assimp (libassimp5) are timed where they are installed. The time is the best of seven loads in one
+process from a warm file cache, without process start. They compute no normals here; this viewer does.
 """
 import ctypes
 import glob
@@ -82,7 +82,7 @@ def main():
             name = path.rsplit("/", 1)[1]
             print(f"{name:18} {'this viewer':12} {float(milliseconds):8.1f} ms")
             if name.endswith(".hps"):
-                continue  # nobody else reads it
+                continue  # the other programs cannot read it
             for program, load in [*vtk_loaders(path), *assimp_loaders(path)]:
                 took, triangles = best_ms(load)
                 print(f"{name:18} {program:12} {took:8.1f} ms  {triangles} triangles")

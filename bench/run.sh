@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Builds the release preset and runs every benchmark, medians of five. On a quiet machine it takes some five minutes.
-#   bench/run.sh [FOLDER]      one text file a benchmark goes to FOLDER (build/bench)
+# Builds the release preset and runs every benchmark: mean, median and deviation of five repetitions. It runs for about
+# five minutes; results are only meaningful on a machine without other load.
+#   bench/run.sh [FOLDER]      writes one text file per benchmark to FOLDER (default: build/bench)
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/setup.sh"
 
 folder="${1:-$KV_ROOT/build/bench}"
 benchmarks=(grid_triangulation_bench hps_bench import_bench mouse_bench pcm_bench ply_bench render_bench screenshot_bench stl_bench)
-install_missing "${KV_BUILD_PACKAGES[@]}" "${KV_TEST_PACKAGES[@]}"  # an X server for mouse_bench
+install_missing "${KV_BUILD_PACKAGES[@]}" "${KV_TEST_PACKAGES[@]}"  # mouse_bench needs an X server
 configure_preset release
 build_preset release "${benchmarks[@]}" import_memory
 mkdir -p "$folder"
