@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and shows scans: those that are named, else a simulated set.
-#   ./run.sh [FILE...]      in the window of scenepane where there is a display, else as scene.png
+# Installs what is missing, builds, and shows the scans that are named, or a simulated set.
+#   ./run.sh [FILE...]      in a window where there is a display, otherwise as scene.png
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/setup.sh"
 
@@ -12,7 +12,7 @@ bin="$KV_ROOT/build/release/bin"
 files=("$@")
 if ((${#files[@]} == 0)); then
     demo="$KV_ROOT/demo"
-    # The description is written last: with it the set is whole.
+    # The description is written last: where it exists, the set is complete.
     if [[ ! -f "$demo/bust.json" ]]; then
         say "simulating scans into $demo"
         "$bin/simulate-scans" --shape bust --scans 8 --size 640x480 --format pcm --seed 1 --out "$demo"

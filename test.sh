@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds everything and runs all tests. Needs no display.
-#   ./test.sh [PRESET] [ctest options...]      PRESET: release (when none is named), debug, asan, tsan
+#   ./test.sh [PRESET] [ctest options...]      PRESET: release (the default), debug, asan, tsan, coverage
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/setup.sh"
 
@@ -10,9 +10,9 @@ if (($# > 0)) && [[ "$1" != -* ]]; then
     shift
 fi
 case "$preset" in
-    release | debug | asan | tsan) ;;
+    release | debug | asan | tsan | coverage) ;;
     *)
-        complain "there is no preset '$preset' to test: release, debug, asan, tsan"
+        complain "there is no preset '$preset' to test: release, debug, asan, tsan, coverage"
         exit 2
         ;;
 esac
@@ -20,7 +20,7 @@ esac
 install_missing "${KV_BUILD_PACKAGES[@]}" "${KV_TEST_PACKAGES[@]}"
 configure_preset "$preset"
 if [[ "$preset" == tsan ]]; then
-    # What has no threads has nothing to show here, and drivers are full of reports that are not ours.
+    # Only tests with threads: the rest has nothing to show here, and drivers raise many reports that are not ours.
     build_preset tsan kv_thread_tests
     set -- -L tsan "$@"
 else
@@ -28,7 +28,7 @@ else
 fi
 
 say "testing build/$preset"
-# The tests bring their own X server: no window may come up on the display of whoever runs this.
+# The tests bring their own X server: no window may appear on the display of the user.
 unset DISPLAY WAYLAND_DISPLAY
 cd "$KV_ROOT"
 exec ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error "$@"

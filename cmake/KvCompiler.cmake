@@ -10,9 +10,22 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR};$ORIGIN")
 
+# Debug builds do without by default, so that a missing include shows there.
+if(CMAKE_BUILD_TYPE STREQUAL "Debug")
+  option(KV_PRECOMPILED_HEADERS "Precompile the headers that most tests include" OFF)
+else()
+  option(KV_PRECOMPILED_HEADERS "Precompile the headers that most tests include" ON)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+  if(KV_PRECOMPILED_HEADERS)
+    # ccache needs the sloppiness for them. Reading the compiler's own list of dependencies saves a run of the
+    # preprocessor for every file that is not in the cache yet.
+    list(PREPEND CMAKE_CXX_COMPILER_LAUNCHER
+         "${CMAKE_COMMAND}" -E env CCACHE_DEPEND=1 CCACHE_SLOPPINESS=pch_defines,time_macros)
+  endif()
 endif()
 
 add_library(kv_compiler INTERFACE)
@@ -21,13 +34,13 @@ target_compile_features(kv_compiler INTERFACE cxx_std_20)
 target_compile_options(
   kv_compiler
   INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Wold-style-cast
-            # Results are fixed to the bit: no fused multiply-add behind our back.
+            # Results are fixed to the bit: the compiler must not fuse multiplications and additions.
             -ffp-contract=off)
 if(KV_WERROR)
   target_compile_options(kv_compiler INTERFACE -Werror)
 endif()
 
-set(KV_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+set(KV_SANITIZE "" CACHE STRING "Sanitizers, the argument of -fsanitize=")
 if(KV_SANITIZE)
   add_compile_options(-fsanitize=${KV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=${KV_SANITIZE})

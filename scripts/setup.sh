@@ -1,4 +1,4 @@
-# Shared by run.sh, test.sh and .ci/run, which source it: packages, configuring, building. Prints what it does.
+# Sourced by run.sh, test.sh, .ci/run and the scripts beside it: packages, configuring, building. Prints what it does.
 # shellcheck shell=bash disable=SC2034
 
 KV_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
@@ -14,14 +14,16 @@ KV_BUILD_PACKAGES=(
 )
 # Needed to run the tests without a display.
 KV_TEST_PACKAGES=(xvfb xdotool locales binutils)
-# Needed for the fuzz harnesses and for the format and lint checks.
-KV_DEVELOPMENT_PACKAGES=(clang libclang-rt-dev clang-format clang-tidy git)
+# Needed for the fuzz harnesses, the format and lint checks and the include graph.
+KV_DEVELOPMENT_PACKAGES=(clang libclang-rt-dev clang-format clang-tidy git python3)
+# Needed for scripts/coverage.sh.
+KV_COVERAGE_PACKAGES=(gcovr)
 
 say() { printf '==> %s\n' "$*"; }
 
 complain() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; }
 
-# install_missing PACKAGE...: asks dpkg alone; apt-get runs only when something is missing.
+# install_missing PACKAGE...: apt-get runs only when dpkg knows that something is missing.
 install_missing() {
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
         say "this is not a Debian system: the packages must be there already ($*)"
@@ -48,7 +50,7 @@ install_missing() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
-# configure_preset PRESET: into build/PRESET; ninja itself sees to it when a CMake file changes later.
+# configure_preset PRESET: into build/PRESET; when a CMake file changes later, ninja configures again.
 configure_preset() {
     local folder="$KV_ROOT/build/$1"
     [[ -f "$folder/build.ninja" ]] && return 0

@@ -1,0 +1,76 @@
+# Test programs: kv_test() builds one against GoogleTest and registers its suites with ctest.
+
+# Precompiled headers of the tests: parsing these costs more than most test files' own code. One set for tests of building
+# blocks, one that adds the control.
+set(KV_TEST_HEADERS
+    <gmock/gmock.h> <gtest/gtest.h>
+    <algorithm> <array> <atomic> <bit> <chrono> <cmath> <condition_variable> <cstddef> <cstdint> <cstdio> <cstdlib> <cstring>
+    <filesystem> <fstream> <functional> <iterator> <limits> <map> <memory> <mutex> <new> <numbers> <numeric> <optional>
+    <ostream> <random> <set> <span> <sstream> <stdexcept> <string> <string_view> <thread> <tuple> <type_traits> <utility>
+    <vector>)
+
+# Tests spend little time in their own code: in optimised builds theirs is compiled for a short build time instead.
+set(KV_TEST_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-Og>)
+if(KV_PRECOMPILED_HEADERS)
+  # Precompiled headers are accepted only under the same options, and programs have -fPIE, those with Qt -fPIC.
+  list(APPEND KV_TEST_OPTIONS -fPIC)
+endif()
+
+# kv_precompiled_test_headers(NAME USES targets... HEADERS headers...)
+function(kv_precompiled_test_headers NAME)
+  cmake_parse_arguments(PCH "" "" "USES;HEADERS" ${ARGN})
+  file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/${NAME}.cpp" CONTENT "// Owns precompiled headers, holds no code.\n")
+  add_library(${NAME} OBJECT EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/${NAME}.cpp")
+  target_link_libraries(${NAME} PRIVATE kv::compiler GTest::gtest GTest::gmock ${PCH_USES})
+  target_compile_options(${NAME} PRIVATE ${KV_TEST_OPTIONS})
+  target_precompile_headers(${NAME} PRIVATE ${PCH_HEADERS})
+endfunction()
+
+if(KV_PRECOMPILED_HEADERS)
+  kv_precompiled_test_headers(kv_test_headers HEADERS ${KV_TEST_HEADERS})
+  kv_precompiled_test_headers(kv_control_test_headers USES kv::control
+                              HEADERS ${KV_TEST_HEADERS} "${PROJECT_SOURCE_DIR}/src/control/ScenePaneCtrl.h")
+endif()
+
+# kv_test(NAME LABEL module [THREADS] SOURCES files... USES targets... [ISOLATED suites...] [TIMEOUT seconds])
+# ctest runs every suite in one process, named NAME/Suite; a suite that ISOLATED lists (a regular expression) runs every
+# case in a process of its own, named NAME/Suite.Case: life cycles, locales, process-wide states. TIMEOUT is per process.
+# With THREADS the tests run under the thread sanitizer too: `ctest -L tsan` finds them, kv_thread_tests builds them.
+add_custom_target(kv_thread_tests)
+function(kv_test NAME)
+  cmake_parse_arguments(TEST "THREADS" "LABEL;TIMEOUT" "SOURCES;USES;ISOLATED" ${ARGN})
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 300)
+  endif()
+  add_executable(${NAME} ${TEST_SOURCES})
+  if(TEST_THREADS)
+    list(APPEND TEST_LABEL tsan)
+    add_dependencies(kv_thread_tests ${NAME})
+  endif()
+  target_include_directories(${NAME} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${NAME} PRIVATE kv::compiler kv::test_support ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_options(${NAME} PRIVATE ${KV_TEST_OPTIONS})
+  if(KV_PRECOMPILED_HEADERS)
+    if("kv::control" IN_LIST TEST_USES)
+      target_precompile_headers(${NAME} REUSE_FROM kv_control_test_headers)
+    else()
+      target_precompile_headers(${NAME} REUSE_FROM kv_test_headers)
+    endif()
+  endif()
+
+  # The suites are listed when ctest runs: a build needs no run of the programs, and a new test is found without a
+  # configure. The file that ctest includes names the program and lists it again when it is newer.
+  set(tests "${CMAKE_CURRENT_BINARY_DIR}/${NAME}_tests.cmake")
+  set(include "${CMAKE_CURRENT_BINARY_DIR}/${NAME}_include.cmake")
+  file(GENERATE OUTPUT "${include}" CONTENT
+"set(KV_TEST_NAME [==[${NAME}]==])
+set(KV_TEST_PROGRAM [==[$<TARGET_FILE:${NAME}>]==])
+set(KV_TEST_FOLDER [==[${CMAKE_CURRENT_BINARY_DIR}]==])
+set(KV_TEST_LIST [==[${tests}]==])
+set(KV_TEST_LABELS [==[${TEST_LABEL}]==])
+set(KV_TEST_TIMEOUT ${TEST_TIMEOUT})
+set(KV_TEST_ISOLATED [==[${TEST_ISOLATED}]==])
+include([==[${PROJECT_SOURCE_DIR}/cmake/KvDiscoverTests.cmake]==])
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${include}")
+endfunction()
