@@ -56,12 +56,17 @@ int HostWindow::CountTitled(const std::string& title, WindowPlace* place) {
     Window root = 0, parent = 0, *children = nullptr;
     unsigned count = 0;
     int found = 0;
+    // Windows of a connection that was closed before may disappear between the requests: not while the server is
+    // grabbed.
+    XGrabServer(m_pDisplay);
     XQueryTree(m_pDisplay, DefaultRootWindow(m_pDisplay), &root, &parent, &children, &count);
     for (unsigned i = 0; i < count; ++i) {
         if (TextProperty(children[i], "WM_NAME") != title) continue;
         ++found;
         if (place != nullptr) *place = PlaceOf(children[i]);
     }
+    XUngrabServer(m_pDisplay);
+    XSync(m_pDisplay, False);
     XFree(children);
     return found;
 }
