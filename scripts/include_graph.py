@@ -120,7 +120,9 @@ def may_include(file, target, operations):
     if area == "host":
         allowed = other in ("host", "include") or is_public_library_header(target)
         return "" if allowed else f"host includes {other}, which is not public"
-    return "" if other in ("tools", "include", "libs") else f"tools include {other}"
+    # src/base needs neither OpenGL nor a window system, so that tools may use it.
+    allowed = other in ("tools", "include", "libs") or target.startswith("src/base/")
+    return "" if allowed else f"tools include {other}"
 
 
 def circles(graph):
@@ -251,7 +253,8 @@ def draw(includes, edges, operations):
         for j, name in enumerate(row):
             shift = ASIDE.get(name, 0) * COLUMN
             place[name] = (left + shift + COLUMN * (j + 0.5), MARGIN + 30 + ROW * i + BOX_HEIGHT / 2)
-    height = MARGIN * 2 + 30 + ROW * (len(rows) - 1) + BOX_HEIGHT + 30
+    height = MARGIN * 2 + 30 + ROW * (len(rows) - 1) + BOX_HEIGHT + 70
+    in_order = [name for row in rows for name in row]
 
     out = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{width:.0f}" height="{height:.0f}" '
            f'viewBox="0 0 {width:.0f} {height:.0f}" font-family="sans-serif" font-size="12">',
@@ -276,7 +279,7 @@ def draw(includes, edges, operations):
         return place[name][0] + BOX_WIDTH * 0.9 * ((ordered.index(other) + 1) / (len(ordered) + 1) - 0.5)
 
     for (source, other), number in sorted(arrows.items()):
-        color = LINES[sorted(place).index(source) % len(LINES)]
+        color = LINES[in_order.index(source) % len(LINES)]
         if row_of[source] == row_of[other]:  # an arc below the row
             (x0, y0), (x1, y1) = place[source], place[other]
             side = BOX_WIDTH * 0.3 * (1 if x1 > x0 else -1)
