@@ -115,6 +115,7 @@ std::uint32_t AgeOfThird(const State& state, std::uint32_t third) {
     return age;
 }
 
+/// Encodes triangle by triangle, in the order of the mesh.
 class Encoder {
 public:
     Encoder(std::uint32_t vertexCount, std::size_t triangleCount, RawArray<Introduction>& introductions)
@@ -122,7 +123,9 @@ public:
         m_codes.reserve(triangleCount);
     }
 
+    /// @param corners  the three vertices of the next triangle
     void Add(const std::uint32_t* corners) {
+        // The youngest edge that the triangle has, in one of its three rotations.
         for (std::uint32_t age = 0; age < kEdgeCount; ++age) {
             const Edge edge = m_state.EdgeAt(age);
             for (std::uint32_t turn = 0; turn < kTurnCount; ++turn) {
@@ -130,6 +133,7 @@ public:
                     return AddOnEdge(age, turn, corners[(turn + 2) % 3]);
             }
         }
+        // No known edge: all three corners as residuals.
         m_codes.push_back(static_cast<std::uint8_t>(kIsolated));
         m_numbers.Put(kFirstPlane, ZigzagEncode(corners[0] - m_state.First()));
         m_numbers.Put(kSecondPlane, ZigzagEncode(corners[1] - corners[0]));
@@ -147,6 +151,7 @@ public:
 
 private:
     void AddOnEdge(std::uint32_t age, std::uint32_t turn, std::uint32_t third) {
+        // From the cheapest source to the most expensive one; only the last two need a number.
         Third kind = kFar;
         if (third == m_state.Highest()) {
             kind = kHighest;
@@ -169,10 +174,12 @@ private:
     NumberWriter m_numbers;
 };
 
+/// Decodes triangle by triangle, and updates the state as the encoder did.
 class Decoder {
 public:
     Decoder(State& state, NumberReader& numbers) : m_state(state), m_numbers(numbers) {}
 
+    /// @param corners  receives the three vertices of the next triangle; they can be invalid in a damaged file
     void Decode(std::uint8_t code, std::uint32_t* corners) {
         if (code >= kIsolated) {
             if (code != kIsolated) throw DamagedData("unknown code of a triangle");
@@ -228,12 +235,14 @@ ByteVector EncodeFacets(std::span<const std::int32_t> indices, std::uint32_t ver
 }
 
 Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t triangleCount) {
+    // Entropy decoding: all codes, then all numbers.
     ByteReader from(bytes);
     const RawArray<std::byte> codes = ReadBlock(from, triangleCount);
     if (codes.size() - kBlockPadding != triangleCount) throw DamagedData("another number of triangles");
     NumberReader numbers(from, kPlaneCount, triangleCount);
     if (!from.Rest().empty()) throw DamagedData("bytes after the triangles");
 
+    // Prediction: each triangle from the state after the previous one.
     Facets facets;
     facets.indices = RawArray<std::int32_t>(std::size_t{3} * triangleCount);
     facets.introductions = RawArray<Introduction>(vertexCount);
@@ -243,6 +252,7 @@ Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t tri
         std::uint32_t corners[3];
         decoder.Decode(static_cast<std::uint8_t>(codes[i]), corners);
         std::memcpy(&facets.indices[3 * i], corners, sizeof corners);
+        // A wrong index must not be used later; unsigned, so that negative ones are found too.
         const std::uint32_t highest = std::max({corners[0], corners[1], corners[2]});
         if (highest >= vertexCount && facets.firstBad == Facets::kNone) facets.firstBad = i;
     }

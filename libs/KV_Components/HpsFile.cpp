@@ -21,6 +21,7 @@ std::uint64_t MeshBytes(const FileContent& content) {
     return 12 * (std::uint64_t{content.vertexCount} + content.triangleCount);
 }
 
+/// Appends length and bytes of a text; ReadText() is the inverse.
 void AppendText(ByteVector& to, const std::string& text) {
     AppendValue(to, static_cast<std::uint32_t>(text.size()));
     const ByteSpan bytes = std::as_bytes(std::span(text));
@@ -48,6 +49,7 @@ ReadError CodeOf(std::uint32_t section) {
     }
 }
 
+/// Whether this version knows a section.
 bool IsKnown(std::uint32_t section) {
     return CodeOf(section) != ReadError::kInvalidFile || section == kSourceSection || section == kFillSection;
 }
@@ -67,6 +69,7 @@ void ReadSection(const SectionEntry& entry, ByteSpan bytes, FileContent& content
             content.facets = bytes;
             break;
         case kUvSection:
+            // Empty would mean "none", which a writer expresses by leaving the section out.
             if (bytes.empty()) throw FileError(ReadError::kUv, "an empty UV block");
             content.uv = bytes;
             break;
@@ -80,11 +83,12 @@ void ReadSection(const SectionEntry& entry, ByteSpan bytes, FileContent& content
             content.application = ReadText(from);
             content.version = ReadText(from);
             break;
-        default:
+        default:  // padding, and optional sections of later versions: only the checksum matters
             break;
     }
 }
 
+/// The header of a file.
 struct Start {
     std::uint32_t sectionCount;
     HpsHeader header;
@@ -100,7 +104,8 @@ struct Start {
     return {count, fields};
 }
 
-FileContent ParseFrame(ByteSpan file) {
+/// Checks a file in the order header, table, counts, sections: the first defect decides the code.
+FileContent ParseSections(ByteSpan file) {
     const auto [count, header] = CheckStart(file, file.size());
     const std::size_t headSize = FileStorage::HeadSize(count);
     if (file.size() < headSize) FailInvalid("cut short");
@@ -123,6 +128,7 @@ FileContent ParseFrame(ByteSpan file) {
 }  // namespace
 
 ByteVector BuildFile(const FileContent& content) {
+    // Sections that are not yet in memory as bytes.
     ByteVector source, texture;
     AppendText(source, content.application);
     AppendText(source, content.version);
@@ -137,6 +143,7 @@ ByteVector BuildFile(const FileContent& content) {
     const auto fileSize = [&] {
         return FileStorage::HeadSize(static_cast<std::uint32_t>(entries.size())) + sectionBytes;
     };
+    // Triangles before positions, which need them to be decoded.
     add(kSourceSection, 0, source);
     add(kFacetSection, kNeeded, content.facets);
     add(kPositionSection, kNeeded, content.positions);
@@ -162,7 +169,7 @@ ByteVector BuildFile(const FileContent& content) {
 
 FileContent ParseFile(ByteSpan file) {
     try {
-        return ParseFrame(file);
+        return ParseSections(file);
     } catch (const DamagedData& damage) {
         FailInvalid(damage.what());
     } catch (const FileStorage::SectionFileError& error) {

@@ -16,6 +16,7 @@ namespace KvComponents {
 
 namespace {
 
+/// Holds a reference to a finished mesh. The packing itself happens in HpsFileWriter::Prepare().
 class HpsCompressor final : public SingleInterfaceComponent {
 public:
     HpsCompressor();
@@ -40,6 +41,7 @@ private:
     ComponentReference<HpsMesh> m_mesh;
 };
 
+/// Collects the parts of a file; see hps_file_writer in KV_Components/Hps.h for the operations.
 class HpsFileWriter final : public SingleInterfaceComponent {
 public:
     HpsFileWriter();
@@ -60,8 +62,8 @@ private:
     };
 
     ComponentReference<HpsCompressor> m_compressor;
-    std::vector<float> m_vUvPairs;
-    Hps::ByteVector m_vTexture;
+    std::vector<float> m_vUvPairs;  ///< u, v per corner; empty without texture coordinates
+    Hps::ByteVector m_vTexture;     ///< bytes of the picture file; empty without a texture
     std::string m_sApplication, m_sVersion;
     std::optional<Packed> m_packed;  ///< by Prepare(); reset by each change that it depends on
 };
@@ -127,12 +129,14 @@ std::int32_t HpsFileWriter::Prepare() {
     Packed packed;
     packed.vertexCount = static_cast<std::uint32_t>(mesh->CountOfVertices());
     packed.triangleCount = static_cast<std::uint32_t>(indices.size() / 3);
+    // Texture coordinates first: they are the only part that can be refused.
     if (!m_vUvPairs.empty()) {
         if (m_vUvPairs.size() != 2 * indices.size()) return kFailed;
         std::optional<Hps::ByteVector> uv = Hps::PackUv(indices, packed.vertexCount, m_vUvPairs);
         if (!uv) return kFailed;
         packed.uv = std::move(*uv);
     }
+    // The triangles fix the order in which the positions are predicted.
     Hps::RawArray<Hps::Introduction> introductions;
     packed.facets = Hps::EncodeFacets(indices, packed.vertexCount, introductions);
     packed.positions = Hps::EncodePositions(mesh->Positions(), introductions.Span());

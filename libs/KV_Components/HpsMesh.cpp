@@ -27,6 +27,7 @@ public:
                                 std::size_t size);
 
 private:
+    /// Whether the arguments describe a buffer for one attribute of all vertices.
     [[nodiscard]] bool IsWhole(std::int32_t reserved, std::int32_t vertexCount, const float* values,
                                std::size_t size) const;
 
@@ -37,6 +38,7 @@ private:
 
 namespace {
 
+// Tables of operations, built once per class at the first use.
 const Object::Entry* MeshTable() {
     static const OperationTable table = OperationTable()
                                             .Set<&HpsMesh::Create>(hps_mesh::kCreate)
@@ -115,6 +117,7 @@ std::int32_t HpsMesh::OpenAccess(bool isWritable, Object** data) {
     if (data == nullptr) return kInvalidArgument;
     *data = nullptr;
     if (m_state == State::kEmpty || m_bIsWritten) return kFailed;
+    // One writer or several readers; a finished mesh has readers only.
     if (isWritable && (m_state == State::kFinished || m_iReaders > 0)) return kFailed;
     *data = (new HpsVertexData(*this, isWritable))->MainInterface();
     return kSucceeded;
@@ -153,6 +156,7 @@ std::int32_t HpsMesh::WriteIndices(const std::int32_t* indices, std::size_t size
 }
 
 bool HpsMesh::AllIndicesAreVertices() const {
+    // Unsigned, so that one comparison refuses negative indices too.
     const auto count = static_cast<std::uint32_t>(CountOfVertices());
     return std::all_of(Indices().begin(), Indices().end(),
                        [count](std::int32_t index) { return static_cast<std::uint32_t>(index) < count; });
@@ -213,6 +217,7 @@ std::int32_t HpsVertexData::ReadAttribute(char attribute, std::int32_t reserved,
         Copy(m_mesh->Positions(), values);
         return kSucceeded;
     }
+    // An open mesh is checked on each call, since its indices can still change.
     if (!m_mesh->m_bHasValidIndices && !m_mesh->AllIndicesAreVertices()) return kFailed;
     Hps::ComputeNormals(m_mesh->Positions(), m_mesh->Indices(), {values, m_mesh->Positions().size()});
     return kSucceeded;

@@ -25,6 +25,7 @@ struct Vectors {
     Float4 x, y, z;
 };
 
+/// Correctly rounded, as std::sqrt() is.
 Float4 SquareRoots(Float4 values) {
 #if defined(__SSE2__)
     return _mm_sqrt_ps(values);
@@ -56,6 +57,7 @@ Vectors FaceNormals(std::span<const float> positions, std::span<const std::int32
     return Normalized({a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x});
 }
 
+/// Adds each face normal to the three vertices of its triangle.
 void AddFaceNormals(const Vectors& faces, std::span<const std::int32_t> indices, std::span<float> normals) {
     for (std::size_t i = 0; i < indices.size(); ++i) {
         float* const normal = &normals[3 * static_cast<std::size_t>(indices[i])];
@@ -79,6 +81,7 @@ void NormalizeSums(std::span<float> normals) {
 
 void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals) {
     std::fill(normals.begin(), normals.end(), 0.0f);
+    // Whole groups of four triangles, then the rest.
     const std::size_t wholeIndices = indices.size() / (3 * kLanes) * (3 * kLanes);
     for (std::size_t i = 0; i < wholeIndices; i += 3 * kLanes) {
         const auto four = indices.subspan(i).first<3 * kLanes>();

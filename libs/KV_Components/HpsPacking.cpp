@@ -13,11 +13,13 @@ namespace KvComponents::Hps {
 
 namespace {
 
+/// Releases contexts of zstd.
 struct FreeContext {
     void operator()(ZSTD_DCtx* context) const { ZSTD_freeDCtx(context); }
     void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
 };
 
+/// One zstd frame.
 ByteVector Compress(ByteSpan bytes, int level) {
     const std::unique_ptr<ZSTD_CCtx, FreeContext> context(ZSTD_createCCtx());
     if (!context) throw std::bad_alloc();
@@ -67,6 +69,7 @@ RawArray<std::byte> ReadBlock(ByteReader& from, std::uint64_t maxSize) {
         if (size > 0) std::memcpy(bytes.data(), stored.data(), size);
         return bytes;
     }
+    // The frame must fill the announced size exactly.
     const std::unique_ptr<ZSTD_DCtx, FreeContext> context(ZSTD_createDCtx());
     if (!context) throw std::bad_alloc();
     const std::size_t got = ZSTD_decompressDCtx(context.get(), bytes.data(), size, stored.data(), stored.size());
@@ -80,6 +83,7 @@ void NumberWriter::Put(std::size_t plane, std::uint32_t number, std::uint32_t sc
     const std::uint32_t count = ExtraBitCount(kind);
     m_uPending |= static_cast<std::uint64_t>(number - SmallestOf(kind)) << m_uPendingCount;
     m_uPendingCount += count;
+    // Written in words of 32 bits: a number has at most 30 extra bits, so that 64 bits never overflow.
     if (m_uPendingCount < 32) return;
     AppendValue(m_vBits, static_cast<std::uint32_t>(m_uPending));
     m_uPending >>= 32;

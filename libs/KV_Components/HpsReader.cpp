@@ -29,6 +29,7 @@ ObjectPointer DecodeImage(Hps::ByteSpan file) {
     return result;
 }
 
+/// Reads one file at a time; see hps_reader in KV_Components/Hps.h for the operations.
 class HpsReader final : public SingleInterfaceComponent {
 public:
     HpsReader();
@@ -45,13 +46,18 @@ public:
     std::int32_t Close();
 
 private:
+    /// Closes the file and forgets mesh, image and error.
     void Reset();
+    /// Reads and checks the whole file. @throws Hps::FileError
     void Read(const std::string& path);
+    /// Decodes triangles and positions, large ones on two threads. @throws Hps::FileError
     void UnpackMesh();
     void SetMesh(Hps::RawArray<float> positions, Hps::RawArray<std::int32_t> indices, bool hasValidIndices);
     /// Empty when there is no texture: callers conclude from a UV block that there is one.
     [[nodiscard]] Hps::ByteSpan UvBlockOfTexture() const;
+    /// Returns the size of a part of the file to a caller; kFailed when there is no such part.
     [[nodiscard]] static std::int32_t ReportSize(Hps::ByteSpan of, std::int32_t* size);
+    /// Copies a part of the file to the buffer of a caller, whose size must be exact.
     [[nodiscard]] static std::int32_t CopyBytes(Hps::ByteSpan from, void* to, std::size_t size);
 
     ReadError m_error = ReadError::kNone;
@@ -90,12 +96,13 @@ void HpsReader::Reset() {
 
 void HpsReader::UnpackMesh() {
     const auto unpackPositions = [this] { return Hps::PackedPositions(m_content.positions, m_content.vertexCount); };
-    // Smaller meshes are decoded before a thread would have started, measured as packed bytes.
+    // In packed bytes. Below this the start of a thread costs more than it saves.
     constexpr std::size_t kMinSizeForThread = 100'000;
     // "deferred" too: on this thread when the system has no further one.
     const auto policy = m_content.positions.size() >= kMinSizeForThread ? std::launch::async | std::launch::deferred
                                                                         : std::launch::deferred;
     auto packed = std::async(policy, unpackPositions);
+    // The part that is being decoded, for the code of an error.
     ReadError section = ReadError::kFacets;
     try {
         Hps::Facets facets = Hps::DecodeFacets(m_content.facets, m_content.vertexCount, m_content.triangleCount);
@@ -122,6 +129,7 @@ void HpsReader::Read(const std::string& path) {
     m_file = Hps::LoadFile(path);
     m_content = Hps::ParseFile(m_file.Span());
     UnpackMesh();
+    // Texture coordinates stay packed: only their counts are checked here, the decoder object unpacks them.
     try {
         if (m_content.uv.size() > Hps::kMaxCount) throw Hps::DamagedData("too large");
         if (!m_content.uv.empty()) (void)Hps::MeasureUv(m_content.uv);
@@ -138,6 +146,7 @@ std::int32_t HpsReader::Open(const wchar_t* path) {
     try {
         Read(KV_ScenePane::PathBytes(path));
     } catch (const Hps::FileError& error) {
+        // After a wrong index the mesh stays, for a caller that wants to report the triangle.
         if (error.m_code != ReadError::kFacets) Reset();
         m_error = error.m_code;
         return kFailed;
@@ -202,7 +211,7 @@ std::int32_t HpsReader::Mesh(Object** mesh) {
     if (mesh == nullptr) return kInvalidArgument;
     *mesh = nullptr;
     if (!m_mesh) return kFailed;
-    m_mesh->AddReference();
+    m_mesh->AddReference();  // for the caller
     *mesh = m_mesh->MainInterface();
     return kSucceeded;
 }

@@ -21,6 +21,7 @@ class PairsByVertex {
 public:
     PairsByVertex(std::span<const std::int32_t> indices, std::uint32_t vertexCount, std::span<const float> pairs)
         : m_vEnds(std::size_t{vertexCount} + 1), m_vPairs(indices.size()) {
+        // Counts per vertex, then their running sum, then each pair to its place.
         for (const std::int32_t vertex : indices) ++m_vEnds[static_cast<std::size_t>(vertex) + 1];
         for (std::size_t v = 0; v < vertexCount; ++v) m_vEnds[v + 1] += m_vEnds[v];
         std::vector<std::size_t> next(m_vEnds.begin(), m_vEnds.end() - 1);
@@ -70,6 +71,7 @@ std::uint64_t BytesOf(const UvCounts& counts) { return counts.vertices + std::ui
 
 std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uint32_t vertexCount,
                                  std::span<const float> pairs) {
+    // The shortest list of each vertex, and its values as residuals of the previous pair.
     const PairsByVertex lists(indices, vertexCount, pairs);
     std::vector<std::uint8_t> pairsOfVertex;
     std::vector<std::size_t> borders;
@@ -89,6 +91,7 @@ std::optional<ByteVector> PackUv(std::span<const std::int32_t> indices, std::uin
         }
     }
     if (pairCount > kMaxCount) return std::nullopt;
+    // Counts, list lengths, values; then zeros where the block would be out of proportion to its counts.
     ByteVector block;
     AppendValue(block, vertexCount);
     AppendValue(block, static_cast<std::uint32_t>(pairCount));
@@ -114,6 +117,7 @@ void UnpackUv(ByteSpan block, std::span<std::uint8_t> pairsOfVertex, std::span<f
     ByteReader from(block.subspan(2 * sizeof(std::uint32_t)));
     const RawArray<std::byte> lengths = ReadBlock(from, counts.vertices);
     if (lengths.size() - kBlockPadding != pairsOfVertex.size()) throw DamagedData("another number of vertices");
+    // The lengths must add up to the announced count before any value is read.
     std::uint64_t sum = 0;
     for (std::size_t v = 0; v < pairsOfVertex.size(); ++v) sum += static_cast<std::uint8_t>(lengths[v]);
     if (sum != counts.pairs || pairs.size() != 2 * sum) throw DamagedData("another number of pairs");

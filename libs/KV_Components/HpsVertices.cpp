@@ -34,15 +34,18 @@ public:
         : m_smoothed(vertexCount + 1), m_fGain(static_cast<float>(gain) / static_cast<float>(kGainUnit)) {
         m_smoothed[vertexCount] = Float4{};  // the origin
     }
+    /// The parallelogram prediction from the filtered positions of the parents.
     [[nodiscard]] Float4 Predict(const Introduction& of) const {
         return ZeroUnlessFinite(m_smoothed[of.a] + m_smoothed[of.b] - m_smoothed[of.c]);
     }
+    /// Computes the filtered position of a vertex, once its exact position is known.
     void Update(std::uint32_t vertex, Float4 predicted, Float4 position) {
         m_smoothed[vertex] = ZeroUnlessFinite(predicted + m_fGain * (position - predicted));
     }
 
 private:
     static Float4 ZeroUnlessFinite(Float4 values) {
+        // x - x is 0 for finite x and NaN otherwise.
         const Int4 isFinite = (values - values) == Float4{};
         return std::bit_cast<Float4>(std::bit_cast<Int4>(values) & isFinite);
     }
@@ -50,6 +53,7 @@ private:
     float m_fGain;
 };
 
+/// x, y, z of a vertex; the fourth lane is 0.
 Float4 PositionOf(std::span<const float> positions, std::size_t vertex) {
     const float* const p = &positions[kAxisCount * vertex];
     return Float4{p[0], p[1], p[2], 0.0f};
@@ -71,6 +75,7 @@ std::uint64_t CostOf(std::span<const float> positions, std::span<const Introduct
     return cost;
 }
 
+/// The gain with the smallest residuals, found on the first part of the mesh.
 std::uint32_t BestGain(std::span<const float> positions, std::span<const Introduction> introductions) {
     // A prefix: what is not introduced yet cannot be predicted from.
     constexpr std::size_t kSample = 20'000;
@@ -87,7 +92,7 @@ std::uint32_t BestGain(std::span<const float> positions, std::span<const Introdu
 }  // namespace
 
 ByteVector EncodePositions(std::span<const float> positions, std::span<const Introduction> introductions) {
-    const DefaultFloats standard;
+    const DefaultFloats standard;  // decoders predict with the same rounding
     const std::uint32_t gain = BestGain(positions, introductions);
     Predictor predictor(introductions.size(), gain);
     NumberWriter numbers(kAxisCount);
@@ -121,6 +126,7 @@ RawArray<float> PackedPositions::Decode(std::span<const Introduction> introducti
     RawArray<float> positions(kAxisCount * introductions.size());
     Predictor predictor(introductions.size(), m_uGain);
     for (const Introduction& introduction : introductions) {
+        // Prediction, residual per axis, exact position, filtered position.
         const Float4 predicted = predictor.Predict(introduction);
         const auto from = std::bit_cast<Bits4>(predicted);
         const auto coded = numbers.ReadThree((from >> 23) & 0xFF);

@@ -24,6 +24,7 @@ bool IsHarmless(int warning) {
     return warning == JWRN_EXTRANEOUS_DATA || warning == JWRN_JFIF_MAJOR || warning == JWRN_ADOBE_XFORM;
 }
 
+/// Owns the decompressor of the library.
 class JpegReader {
 public:
     JpegReader() {
@@ -69,6 +70,7 @@ public:
     [[nodiscard]] bool HasAdobeMarker() const { return m_jpeg.saw_Adobe_marker != 0; }
 
 private:
+    // Callbacks of the library.
     [[noreturn]] static void Fail(j_common_ptr jpeg) {
         std::longjmp(static_cast<JpegReader*>(jpeg->client_data)->m_failed, 1);
     }

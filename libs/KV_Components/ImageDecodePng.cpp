@@ -17,6 +17,7 @@ using Bytes = std::span<const std::uint8_t>;
 [[noreturn]] void Fail(png_structp png, png_const_charp) { png_longjmp(png, 1); }
 void IgnoreWarning(png_structp, png_const_charp) {}
 
+/// Callback of the library: the next bytes of the file.
 void ReadBytes(png_structp png, png_bytep out, std::size_t size) {
     auto& rest = *static_cast<Bytes*>(png_get_io_ptr(png));
     if (size > rest.size()) png_error(png, "the file is cut short");
@@ -24,6 +25,7 @@ void ReadBytes(png_structp png, png_bytep out, std::size_t size) {
     rest = rest.subspan(size);
 }
 
+/// Owns the reader of the library and the rest of the file that it has not read.
 class PngReader {
 public:
     explicit PngReader(Bytes file) : m_rest(file) {

@@ -11,6 +11,7 @@ namespace KvComponents {
 
 namespace {
 
+/// See KV_Components/Image.h for the operations.
 class ImageObject final : public SingleInterfaceComponent {
 public:
     ImageObject() : SingleInterfaceComponent(image::kInterface, Operations()) {}
@@ -52,6 +53,7 @@ private:
     }
 
     std::int32_t Flip() {
+        // Swaps the rows from both ends towards the middle.
         const std::size_t stride = std::size_t{4} * static_cast<std::size_t>(m_picture.m_iWidth);
         auto top = m_picture.m_vRgba.begin();
         auto bottom = m_picture.m_vRgba.end();

@@ -6,6 +6,7 @@ namespace KvComponents {
 namespace {
 std::atomic<std::int32_t> g_liveCount{0};
 
+// The operations of every object, as entries of its tables.
 std::int32_t Query(Object* object, const char* guid, Object** out) {
     if (out == nullptr) return kInvalidArgument;
     *out = nullptr;

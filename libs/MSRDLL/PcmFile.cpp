@@ -61,6 +61,7 @@ private:
     FileStorage::RegularFile m_file;
 };
 
+/// A table entry and the place of its section.
 struct PlacedEntry : SectionEntry {
     std::uint64_t offset = 0;  ///< in the file; the table holds sizes only
 
@@ -68,6 +69,7 @@ struct PlacedEntry : SectionEntry {
     [[nodiscard]] std::string Place() const { return FileStorage::SectionPlace(id, offset); }
 };
 
+/// Header and table of a file, checked.
 struct Table {
     int width = 0, height = 0;
     std::vector<PlacedEntry> entries;
@@ -110,6 +112,7 @@ Table ReadTable(const Source& source) {
     const auto requireSize = [fileSize](std::size_t size) {
         if (fileSize < size) throw PcmError("header is cut short", " at byte " + std::to_string(fileSize));
     };
+    // The fixed part first: it has the number of sections, and thus the size of the table.
     requireSize(FileStorage::HeadSize(0));
     std::vector<std::byte> head(kHeaderSize);
     source.Read(0, head.data(), kHeaderSize);
@@ -212,6 +215,7 @@ private:
         }
     }
 
+    /// Alternating runs of background and values.
     void ExpandRuns(std::uint64_t bits, std::size_t count) {
         const std::byte* from = m_from;
         std::byte* to = m_to;
@@ -313,6 +317,7 @@ PcmMeasurement ReadFrom(const Source& source) {
     // All sizes are checked before memory for the grid is allocated.
     const Table table = ReadTable(source);
     const bool hasColors = table.Find(kColors) != nullptr;
+    // Constant and sparse sections can announce a grid of any size in a few bytes.
     if (DecodedSize(table.Pixels(), hasColors) / kPcmMaxExpansion > source.Size()) {
         throw PcmError("grid is out of proportion to the file");
     }

@@ -79,6 +79,7 @@ std::uint64_t VoteForHole(const Channel& points, std::uint64_t pixels) {
     return candidate;
 }
 
+/// Marks the pixels that do not have the point of the holes.
 Holes FindHoles(const Channel& points, std::uint64_t pixels) {
     Holes holes;
     const std::uint64_t hole = VoteForHole(points, pixels);
@@ -146,6 +147,7 @@ void AddCoveredValues(SectionWriter& writer, const Channel& channel, std::uint64
     writer.Add(block.data(), block.size());
 }
 
+/// Writes one section. @return its table entry
 SectionEntry WriteChannel(Sink& sink, std::uint64_t offset, const Channel& channel, Encoding encoding,
                           std::uint64_t pixels, const Holes& holes) {
     SectionWriter writer(sink, offset);
@@ -181,6 +183,7 @@ void CheckView(const PcmView& view) {
     }
 }
 
+/// The sections with one value per pixel.
 std::vector<Channel> ChannelsOf(const PcmView& view) {
     const auto bytes = [](const auto* values) { return reinterpret_cast<const std::byte*>(values); };
     std::vector<Channel> channels = {{kPoints, kNeeded, bytes(view.m_pPoints), 3 * sizeof(float)},
@@ -197,6 +200,7 @@ struct Plan {
     bool needsCoverage = false;
 };
 
+/// Finds the holes and chooses the encodings.
 Plan MakePlan(const std::vector<Channel>& channels, std::uint64_t pixels) {
     Plan plan;
     plan.holes = FindHoles(channels.front(), pixels);
@@ -224,6 +228,7 @@ void WriteTo(Sink& sink, const PcmView& view) {
     const auto pixels = static_cast<std::uint64_t>(view.m_iWidth) * static_cast<std::uint64_t>(view.m_iHeight);
     const std::vector<Channel> channels = ChannelsOf(view);
     const Plan plan = MakePlan(channels, pixels);
+    // The number of sections fixes the offset of the first one.
     const std::size_t count = channels.size() + 1 + (plan.needsCoverage ? 1 : 0) + view.m_foreign.size();
     std::uint64_t end = FileStorage::HeadSize(static_cast<std::uint32_t>(count));
     std::vector<SectionEntry> entries;

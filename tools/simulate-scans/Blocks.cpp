@@ -16,8 +16,10 @@ class SurfaceMaker {
 public:
     explicit SurfaceMaker(const BlockGrid& grid) : m_grid(grid) {}
 
+    /// To be called once.
     TriangleMesh Make() {
         const int nx = Blocks(0), ny = Blocks(1), nz = Blocks(2);
+        // Each solid block adds its own faces, so that each face is added once.
         for (int z = 0; z < nz; ++z)
             for (int y = 0; y < ny; ++y)
                 for (int x = 0; x < nx; ++x) AddBlock({x, y, z});
@@ -39,7 +41,7 @@ private:
         const Block block = At(at);
         if (!block.solid) return;
         for (int axis = 0; axis < 3; ++axis) {
-            for (const int side : {0, 1}) {
+            for (const int side : {0, 1}) {  // lower and upper face
                 Index neighbour = at;
                 neighbour[static_cast<std::size_t>(axis)] += side == 0 ? -1 : 1;
                 if (!At(neighbour).solid) AddFace(at, axis, side, block.holeAxis == axis ? block.holeRadius : 0);
@@ -96,7 +98,9 @@ private:
         }
     }
 
+    /// The inside of the hole, between both ends.
     void AddHoleWall(const Index& at, int axis, float radius) {
+        // Oriented towards the axis of the hole, which is outside the object.
         for (int s = 0; s < kHoleSegments; ++s)
             m_mesh.AddQuad(OnHole(at, axis, 1, radius, s), OnHole(at, axis, 1, radius, s + 1),
                            OnHole(at, axis, 0, radius, s + 1), OnHole(at, axis, 0, radius, s));

@@ -15,6 +15,7 @@ namespace {
 constexpr std::array kFormats = {std::pair{"pcm", FileFormat::Pcm}, std::pair{"pax", FileFormat::Pax},
                                  std::pair{"xdt", FileFormat::Xdt}};
 
+/// @throws UsageError with the joined parts
 template <typename... Parts>
 [[noreturn]] void Refuse(const Parts&... parts) {
     std::string text;
@@ -22,6 +23,7 @@ template <typename... Parts>
     throw UsageError(text);
 }
 
+/// The whole text must be one number in the range; the locale has no influence.
 template <typename Number>
 Number ParseNumber(std::string_view option, std::string_view text, Number lowest, Number highest) {
     Number value{};
@@ -33,6 +35,7 @@ Number ParseNumber(std::string_view option, std::string_view text, Number lowest
     return value;
 }
 
+/// "640x480"
 void ParseSize(std::string_view text, ScannerSettings* scanner) {
     const std::size_t cross = text.find('x');
     if (cross == std::string_view::npos) Refuse("--size must be WIDTHxHEIGHT, not '", text, "'");
@@ -40,12 +43,14 @@ void ParseSize(std::string_view text, ScannerSettings* scanner) {
     scanner->height = ParseNumber("--size: the height", text.substr(cross + 1), 100, 3072);
 }
 
+/// The format by its name.
 FileFormat ParseFormat(std::string_view text) {
     for (const auto& [name, format] : kFormats)
         if (text == name) return format;
     Refuse("--format must be pcm, pax or xdt, not '", text, "'");
 }
 
+/// "bust, bracket, ...", for messages and help.
 std::string JoinedShapeNames() {
     std::string list;
     for (const std::string& name : ShapeNames()) list += (list.empty() ? "" : ", ") + name;
@@ -59,6 +64,7 @@ std::string ParseShape(std::string_view text) {
     return std::string(text);
 }
 
+/// Only characters that are safe in file names and in JSON.
 std::string ParsePrefix(std::string_view text) {
     const auto isAllowed = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
@@ -76,6 +82,7 @@ struct ValueOption {
     void (*apply)(std::string_view name, std::string_view value, Options* options);
 };
 
+// Each entry checks its limits; the help text repeats them.
 constexpr auto kValueOptions = std::to_array<ValueOption>({
     {"--shape", [](auto, auto value, Options* options) { options->shape = ParseShape(value); }},
     {"--scans", [](auto name, auto value, Options* options) { options->scans = ParseNumber(name, value, 1, 999); }},
@@ -107,6 +114,7 @@ std::size_t ApplyArgument(std::span<const std::string_view> arguments, std::size
     if (argument == "--colors") return options->scanner.colors = true, 1;
     if (argument == "--parallel") return options->scanner.parallel = true, 1;
     if (!argument.starts_with("--")) Refuse("unexpected argument '", argument, "'");
+    // Both "--name value" and "--name=value".
     const std::size_t equals = argument.find('=');
     const std::string_view name = argument.substr(0, equals);
     const auto* option =
@@ -121,12 +129,14 @@ std::size_t ApplyArgument(std::span<const std::string_view> arguments, std::size
 
 Options ParseCommandLine(std::span<const std::string_view> arguments) {
     Options options;
+    // --help and --version win over everything else, mistakes included.
     for (const std::string_view argument : arguments) {
         if (argument == "--help") options.help = true;
         if (argument == "--version") options.version = true;
         if (options.help || options.version) return options;
     }
     for (std::size_t at = 0; at < arguments.size();) at += ApplyArgument(arguments, at, &options);
+    // Rules between options.
     if (options.folder.empty()) Refuse("--out FOLDER is missing");
     if (options.scanner.colors && options.format != FileFormat::Pcm) Refuse("--colors: only pcm can hold colours");
     if (options.prefix.empty()) options.prefix = options.shape;

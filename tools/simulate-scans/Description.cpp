@@ -8,6 +8,7 @@
 namespace simulate {
 namespace {
 
+/// One element of "scans".
 std::string DescribeScan(const WrittenScan& scan) {
     std::string text = R"(    {"file": ")" + scan.file + R"(", "measured": )" +
                        NumberText(std::uint64_t{scan.measured}) + R"(, "transform": [)";
@@ -31,6 +32,7 @@ std::string DescribeScans(const Options& options, const std::vector<WrittenScan>
             NumberText(scanner.distance) + R"(, "noise": )" + NumberText(scanner.noise) + R"(, "dropout": )" +
             NumberText(scanner.dropout) + R"(, "maxAngle": )" + NumberText(scanner.maxIncidenceDeg) +
             R"(, "colors": )" + (scanner.colors ? "true" : "false") + "},\n";
+    // One line per scan.
     text += "  \"scans\": [\n";
     for (std::size_t i = 0; i < scans.size(); ++i)
         text += DescribeScan(scans[i]) + (i + 1 < scans.size() ? ",\n" : "\n");

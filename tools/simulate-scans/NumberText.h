@@ -5,8 +5,10 @@
 
 namespace simulate {
 
+/// @return digits, with a sign where the number is negative
 [[nodiscard]] std::string NumberText(int number);
 [[nodiscard]] std::string NumberText(std::uint64_t number);
+/// @return a fixed or scientific notation, whichever is shorter; valid JSON for finite numbers
 [[nodiscard]] std::string NumberText(float number);
 
 }  // namespace simulate

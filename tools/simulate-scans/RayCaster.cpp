@@ -20,6 +20,7 @@ constexpr int kMedianDepth = 32;  // from this depth on the median is split, so 
 TriangleTest::TriangleTest(const Ray& ray) : m_origin(ray.origin) {
     const Vec3 d = ray.direction;
     const float ax = std::fabs(d.x), ay = std::fabs(d.y), az = std::fabs(d.z);
+    // The axis along which the direction is largest becomes the last one.
     m_iZ = ax > ay ? (ax > az ? 0 : 2) : (ay > az ? 1 : 2);
     m_iX = (m_iZ + 1) % 3;
     m_iY = (m_iX + 1) % 3;
@@ -57,6 +58,8 @@ bool TriangleTest::Hits(Vec3 a, Vec3 b, Vec3 c, float* distance) const {
     return true;
 }
 
+/// Builds the tree top down: sorts items (box and centre of each triangle) into nodes, then copies the triangles in the
+/// order of the leaves.
 class RayCaster::Builder {
 public:
     Builder(const TriangleMesh& mesh, RayCaster& out) : m_out(out) {
@@ -80,11 +83,13 @@ public:
     }
 
 private:
+    /// A triangle under construction.
     struct Item {
         Box box;
         float centre[3];
         std::int32_t index;
     };
+    /// A plane between two bins of an axis, and its cost by the surface area heuristic.
     struct Split {
         int axis = -1;
         float lower = 0, scale = 0;  // of the bins
@@ -92,10 +97,12 @@ private:
         float cost = std::numeric_limits<float>::infinity();
     };
 
+    /// The box without points: any point widens it to that point.
     static Box EmptyBox() {
         constexpr float kInf = std::numeric_limits<float>::infinity();
         return {{kInf, kInf, kInf}, {-kInf, -kInf, -kInf}};
     }
+    /// Enlarges a box so that it contains a point, or another box.
     static void Widen(Box& box, Vec3 p) {
         for (int axis = 0; axis < 3; ++axis) {
             box.lower[axis] = std::min(box.lower[axis], p[axis]);
@@ -108,14 +115,17 @@ private:
             box.upper[axis] = std::max(box.upper[axis], other.upper[axis]);
         }
     }
+    /// Half of the surface: the probability that a random ray hits the box is proportional to it.
     static float HalfArea(const Box& box) {
         const float x = box.upper[0] - box.lower[0], y = box.upper[1] - box.lower[1], z = box.upper[2] - box.lower[2];
         return x < 0 ? 0 : x * y + y * z + z * x;
     }
+    /// The bin of an item by its centre. Monotone in the centre, so that partitioning gives the counted sets.
     static int BinOf(const Item& item, int axis, float lower, float scale) {
         return std::clamp(static_cast<int>((item.centre[axis] - lower) * scale), 0, kBins - 1);
     }
 
+    /// Counts the items and their boxes per bin, and keeps the cheapest of the planes between two bins in @p best.
     void TryAxis(int axis, std::uint32_t begin, std::uint32_t end, float lower, float upper, Split* best) const {
         const float scale = static_cast<float>(kBins) / (upper - lower);
         Box boxes[kBins];
@@ -126,7 +136,8 @@ private:
             Widen(boxes[bin], m_vItems[i].box);
             ++counts[bin];
         }
-        // Cost of everything right of each border, from the right; then the left side is added from the left.
+        // Two sweeps: the cost of all bins right of each plane from the right, then that of the bins left of it from
+        // the left. A plane with an empty side is no split.
         float rightCost[kBins] = {};
         Box box = EmptyBox();
         std::uint32_t count = 0;
@@ -149,6 +160,7 @@ private:
     /// Splits the items of a node in two sets.
     /// @return the first item of the right set; @p begin when a leaf is cheaper
     std::uint32_t PartitionItems(std::uint32_t begin, std::uint32_t end, const Box& box, int depth) {
+        // The bounds of the centres, and the axis along which they are farthest apart.
         float lower[3], upper[3];
         int widest = 0;
         for (int axis = 0; axis < 3; ++axis) {
@@ -159,11 +171,13 @@ private:
             upper[axis] = high->centre[axis];
             if (upper[axis] - lower[axis] > upper[widest] - lower[widest]) widest = axis;
         }
+        // The cheapest plane of all axes along which the centres differ.
         Split best;
         if (depth < kMedianDepth)
             for (int axis = 0; axis < 3; ++axis)
                 if (upper[axis] > lower[axis]) TryAxis(axis, begin, end, lower[axis], upper[axis], &best);
         if (best.axis < 0) {
+            // All centres are equal, or the tree is too deep: two halves of equal size.
             const std::uint32_t middle = begin + (end - begin) / 2;
             std::nth_element(m_vItems.begin() + begin, m_vItems.begin() + middle, m_vItems.begin() + end,
                              [widest](const Item& a, const Item& b) {
@@ -180,6 +194,7 @@ private:
         return static_cast<std::uint32_t>(middle - m_vItems.begin());
     }
 
+    /// Builds the subtree of a node from the items from @p begin to @p end.
     void Build(std::uint32_t node, std::uint32_t begin, std::uint32_t end, int depth) {
         Box box = EmptyBox();
         for (std::uint32_t i = begin; i < end; ++i) Widen(box, m_vItems[i].box);
@@ -187,6 +202,8 @@ private:
         if (end - begin <= 1) return;
         const std::uint32_t middle = PartitionItems(begin, end, box, depth);
         if (middle == begin) return;
+        // The children are adjacent, so that their parent stores one index. Build() may move the nodes: no reference is
+        // kept.
         const auto left = static_cast<std::uint32_t>(m_out.m_vNodes.size());
         m_out.m_vNodes.resize(left + 2);
         m_out.m_vNodes[node].first = left;
@@ -200,6 +217,7 @@ private:
 };
 
 RayCaster::RayCaster(const TriangleMesh& mesh) {
+    // The extent bounds the rounding error of the triangle test.
     for (const Vec3& p : mesh.corners)
         m_fExtent = std::max({m_fExtent, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
     m_vNormals.reserve(mesh.TriangleCount());
@@ -265,8 +283,9 @@ Hit RayCaster::Nearest(const Ray& ray) const {
     if (boxTest.Enters(m_vNodes[0].box, best.distance, &entry)) stack[waiting++] = {0, entry};
     while (waiting > 0) {
         const Waiting next = stack[--waiting];
-        if (next.entry > best.distance) continue;
+        if (next.entry > best.distance) continue;  // a nearer hit was found since it was pushed
         const Node* node = &m_vNodes[next.node];
+        // Down to a leaf.
         while (node->count == 0) {
             const std::uint32_t left = node->first;
             float leftEntry = 0, rightEntry = 0;
@@ -282,6 +301,7 @@ Hit RayCaster::Nearest(const Ray& ray) const {
             const LeafTriangle& triangle = m_vTriangles[i];
             float t = 0;
             if (!test.Hits(triangle.a, triangle.b, triangle.c, &t)) continue;
+            // The index decides between equal distances, so that the result does not depend on the tree.
             if (t < best.distance || (t == best.distance && triangle.index < best.triangle)) best = {t, triangle.index};
         }
     }

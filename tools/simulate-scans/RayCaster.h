@@ -39,6 +39,7 @@ private:
 /// threads can cast rays at the same time.
 class RayCaster {
 public:
+    /// @param mesh  copied; it need not outlive the object
     explicit RayCaster(const TriangleMesh& mesh);
 
     /// @return the nearest hit; of several triangles at the same distance the first one of the mesh
@@ -50,12 +51,14 @@ private:
     struct Box {
         float lower[3], upper[3];
     };
+    /// 32 bytes. The two children of a node are adjacent.
     struct Node {
         Box box;
         std::uint32_t
             first;  ///< in an inner node its left child, followed by the right one; in a leaf its first triangle
         std::uint32_t count;  ///< number of triangles of a leaf; 0 in an inner node
     };
+    /// The corners by value: a leaf is read without an indirection.
     struct LeafTriangle {
         Vec3 a, b, c;
         std::int32_t index;  ///< in the mesh

@@ -13,6 +13,7 @@ namespace simulate {
 /// does not depend on the order in which threads process the pixels.
 class RandomStream {
 public:
+    /// The stream of one pixel of one scan.
     RandomStream(std::uint64_t seed, std::uint64_t scan, std::uint64_t pixel)
         : m_nState(Mix(Mix(Mix(seed) + scan) + pixel)) {}
 
@@ -32,6 +33,7 @@ public:
     }
 
 private:
+    /// The output function of splitmix64, a bijection that makes neighbouring numbers independent.
     static std::uint64_t Mix(std::uint64_t z) {
         z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
         z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;

@@ -32,12 +32,13 @@ void SimulateScans(Options options, std::ostream& output) {
     using Clock = std::chrono::steady_clock;
     ScannerSettings& scanner = options.scanner;
     const TriangleMesh mesh = MakeShape(options.shape);
-    scanner.objectRadius = RadiusAroundOrigin(mesh);
+    scanner.objectRadius = RadiusAroundOrigin(mesh);  // so that the object fills the picture
     const RayCaster object(mesh);
     const int threads =
         options.threads > 0 ? options.threads : static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
     std::filesystem::create_directories(options.folder);
 
+    // Only the casting of rays is timed, not the writing of files.
     std::vector<WrittenScan> written;
     std::chrono::duration<double> castTime{};
     for (const Transform& pose : PosesAround(options.scans, scanner.distance)) {
@@ -50,6 +51,7 @@ void SimulateScans(Options options, std::ostream& output) {
         WriteScan(path, options.format, std::move(grid));
         output << path.string() << ": " << written.back().measured << " points" << std::endl;
     }
+    // Last, so that a description is there only when all its scans are.
     const std::filesystem::path description = options.folder / (options.prefix + ".json");
     WriteText(description, DescribeScans(options, written));
     const double rays = 1e-6 * options.scans * scanner.width * scanner.height;
@@ -71,6 +73,7 @@ int Run(std::span<const std::string_view> arguments, std::ostream& output, std::
         } else {
             SimulateScans(std::move(options), output);
         }
+        // A full disk or a closed pipe shows at the flush only.
         output.flush();
         if (output) return 0;
         errors << "simulate-scans: standard output cannot be written\n";

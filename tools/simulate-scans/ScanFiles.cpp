@@ -21,6 +21,7 @@ public:
     explicit LittleEndianFile(const std::filesystem::path& path) : m_file(path.string()) {
         m_vBytes.reserve(kBufferSize + 8);
     }
+    /// The low 16 bits.
     void Put16(int value) {
         Put8(static_cast<std::uint32_t>(value));
         Put8(static_cast<std::uint32_t>(value) >> 8);
@@ -39,6 +40,7 @@ public:
         PutFloat(point.y);
         PutFloat(point.z);
     }
+    /// Writes the buffered bytes and replaces the target.
     void Commit() {
         Flush();
         m_file.Commit();
@@ -89,6 +91,7 @@ void WriteXdt(const std::filesystem::path& path, const ScanGrid& grid) {
     file.Commit();
 }
 
+/// Converts the grid to micrometres in place and writes all its arrays.
 void WritePcm(const std::filesystem::path& path, ScanGrid&& grid) {
     for (float& coordinate : grid.points) coordinate *= kMicrometresPerMillimetre;
     // The translation of the transform has a unit too.

@@ -50,17 +50,20 @@ private:
                            TransformDirection(m_grid.toWorld, ray.direction)};
         const Hit hit = m_object.Nearest(worldRay);
         if (!hit.IsHit()) return;
+        // Surfaces that are seen too obliquely, and those seen from the back, are not measured.
         const Vec3 normal = m_object.Normal(hit.triangle);
         const float cosine = -Dot(normal, worldRay.direction);
         if (cosine < m_fMinCosine) return;
         // The numbers are drawn in a fixed order, dropout first, then noise: one seed, one set of files.
         RandomStream random(m_settings.seed, m_nScan, pixel);
         if (random.Uniform() < m_settings.dropout) return;
+        // Noise moves the point along the ray only.
         const Vec3 point = ray.origin + ray.direction * (hit.distance + m_settings.noise * random.Gaussian());
         m_grid.points[3 * pixel] = point.x;
         m_grid.points[3 * pixel + 1] = point.y;
         m_grid.points[3 * pixel + 2] = point.z;
         m_grid.confidence[pixel] = std::clamp((cosine - m_fMinCosine) / (1.0f - m_fMinCosine), 0.0f, 1.0f);
+        // Class and colour are those of the exact point.
         const int side = SideOf(normal);
         m_grid.classes[pixel] = static_cast<std::uint8_t>(10 * side);
         if (!m_grid.colors.empty())
@@ -86,6 +89,7 @@ float VanDerCorput(unsigned number) {
 Transform LookAtOrigin(double azimuthTurns, double elevationTurns, float distance) {
     const auto sinA = static_cast<float>(SinTurns(azimuthTurns)), cosA = static_cast<float>(CosTurns(azimuthTurns));
     const auto sinE = static_cast<float>(SinTurns(elevationTurns)), cosE = static_cast<float>(CosTurns(elevationTurns));
+    // The axes of the sensor in the world are the columns of the rotation.
     const Vec3 right{cosA, 0, -sinA}, back{sinA * cosE, sinE, cosA * cosE};
     const Vec3 up = Cross(back, right);
     return {right.x, up.x, back.x, back.x * distance,  //
@@ -120,6 +124,7 @@ std::size_t ScanGrid::MeasuredCount() const {
 
 Ray PixelRay(const ScannerSettings& settings, int column, int row) {
     const float radius = settings.objectRadius * 1.05f, distance = settings.distance;
+    // Coordinates of the pixel centre; 1 is half of the shorter side of the picture.
     const float halfPicture = 0.5f * static_cast<float>(std::min(settings.width, settings.height));
     const float right = (static_cast<float>(column) + 0.5f - 0.5f * static_cast<float>(settings.width)) / halfPicture;
     const float up = (0.5f * static_cast<float>(settings.height) - static_cast<float>(row) - 0.5f) / halfPicture;
@@ -141,6 +146,7 @@ ScanGrid MeasureFrom(const RayCaster& object, const Transform& pose, const Scann
     grid.classes.assign(pixels, kClassNotMeasured);
     if (settings.colors) grid.colors.assign(pixels, 0);
 
+    // Each thread, this one included, measures the next row that no other thread has.
     Measurement measurement(object, settings, scanNumber, &grid);
     std::atomic<int> nextRow = 0;
     const auto work = [&] {

@@ -9,7 +9,7 @@
 
 namespace simulate {
 
-/// A rigid transform, row-major 4 x 4, sensor to world, millimetres.
+/// A rigid transform (a rotation and a translation), row-major 4 x 4, sensor to world, millimetres.
 using Transform = std::array<float, 16>;
 
 /// Rotation and translation of a point; rotation of a direction.
@@ -48,15 +48,18 @@ struct ScanGrid {
     std::vector<std::uint8_t> classes;  ///< 0, 10 ... 50: surface towards -x, +x, -y, +y, -z, +z
     std::vector<std::uint32_t> colors;  ///< 0xAARRGGBB per pixel; empty without colours
 
+    /// width x height
     [[nodiscard]] std::size_t PixelCount() const { return confidence.size(); }
+    /// Whether the pixel has a point.
     [[nodiscard]] bool IsMeasured(std::size_t pixel) const { return classes[pixel] != kClassNotMeasured; }
+    /// Number of pixels with a point. Linear in the number of pixels.
     [[nodiscard]] std::size_t MeasuredCount() const;
 };
 
 /// The ray through the centre of a pixel, in the sensor frame; its direction has length 1.
 [[nodiscard]] Ray PixelRay(const ScannerSettings& settings, int column, int row);
 
-/// Measures one scan.
+/// Measures one scan: one ray per pixel against the object. Pixels without a hit are not measured.
 /// @param pose        sensor to world
 /// @param scanNumber  part of the seed, so that each scan has other noise and dropouts
 /// @param threads     at least 1; the result does not depend on it

@@ -26,6 +26,7 @@ struct Bump {
     float width, height;
 };
 
+/// A head: an ellipsoid with bumps.
 TriangleMesh MakeBust() {
     // A head, looking along +z. Symmetric features have two entries.
     static constexpr std::array kBumps = {
@@ -47,6 +48,7 @@ TriangleMesh MakeBust() {
         Bump{{0.55f, -0.80f, -0.25f}, 0.45f, 9.0f},                                               // shoulders
         Bump{{-0.55f, -0.80f, -0.25f}, 0.45f, 9.0f},
     };
+    // The radius in each direction is that of a sphere plus all bumps; the axes are scaled afterwards.
     return StarShape(96, [](Vec3 direction) {
         float radius = 34.0f;
         for (const Bump& bump : kBumps) {
@@ -58,6 +60,7 @@ TriangleMesh MakeBust() {
     });
 }
 
+/// A ring around the z axis.
 TriangleMesh MakeTorus() {
     constexpr int kAround = 256, kAcross = 128;
     constexpr double kRing = 32, kTube = 14;  // radii, millimetres
@@ -73,6 +76,7 @@ TriangleMesh MakeTorus() {
     return mesh;
 }
 
+/// A spur gear with a bore along the z axis.
 TriangleMesh MakeGear() {
     constexpr int kTeeth = 18, kPointsPerTooth = 4, kPoints = kTeeth * kPointsPerTooth;
     constexpr double kTip = 40, kRoot = 33, kBore = 11, kHalfThickness = 9;
@@ -122,6 +126,7 @@ TriangleMesh MakeSteps() {
     return MeshOf(grid);
 }
 
+/// The shapes by name, in the order of the help text.
 struct NamedShape {
     const char* name;
     TriangleMesh (*make)();
@@ -133,6 +138,7 @@ constexpr std::array kShapes = {NamedShape{"bust", MakeBust},   NamedShape{"brac
 }  // namespace
 
 TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& pointAt) {
+    // The six sides of the cube, each a grid whose corners are projected onto the unit sphere.
     TriangleMesh mesh;
     const auto n = static_cast<float>(cells);
     for (int axis = 0; axis < 3; ++axis) {
@@ -142,6 +148,7 @@ TriangleMesh StarShape(int cells, const std::function<Vec3(Vec3 direction)>& poi
                 const float u = (2.0f * static_cast<float>(i) - n) / n, v = (2.0f * static_cast<float>(j) - n) / n;
                 return pointAt(Unit(axis == 0 ? Vec3{side, u, v} : axis == 1 ? Vec3{v, side, u} : Vec3{u, v, side}));
             };
+            // The orientation of the quads depends on the side of the cube.
             for (int j = 0; j < cells; ++j) {
                 for (int i = 0; i < cells; ++i) {
                     const Vec3 a = corner(i, j), b = corner(i + 1, j), c = corner(i + 1, j + 1), d = corner(i, j + 1);

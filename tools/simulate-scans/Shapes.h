@@ -12,8 +12,9 @@ namespace simulate {
 /// A closed surface, as a triangle soup: three corners per triangle, millimetres, counterclockwise seen from outside.
 /// The corners of adjacent triangles are equal to the bit.
 struct TriangleMesh {
-    std::vector<Vec3> corners;
+    std::vector<Vec3> corners;  ///< three per triangle
 
+    /// Appends a triangle.
     void AddTriangle(Vec3 a, Vec3 b, Vec3 c) { corners.insert(corners.end(), {a, b, c}); }
     /// Two triangles, divided along the diagonal from a to c.
     void AddQuad(Vec3 a, Vec3 b, Vec3 c, Vec3 d) {
@@ -23,10 +24,11 @@ struct TriangleMesh {
     [[nodiscard]] std::size_t TriangleCount() const { return corners.size() / 3; }
 };
 
-/// Names that MakeShape() knows, in the order of the help text.
+/// Names that MakeShape() accepts, in the order of the help text.
 [[nodiscard]] const std::vector<std::string>& ShapeNames();
 
-/// @return the mesh of a shape; empty for an unknown name
+/// Computes a shape; each call computes it again.
+/// @return the mesh; empty for an unknown name
 [[nodiscard]] TriangleMesh MakeShape(std::string_view name);
 
 /// The radius of the shape "sphere", millimetres.
