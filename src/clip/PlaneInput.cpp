@@ -47,6 +47,7 @@ void RotatePlane(CKV_ScenePaneCtrl& control, std::int32_t dx, std::int32_t dy) {
     control.ComputeFrameMatrix(control.m_savedView, before.data());
     control.m_savedView = control.ComputeRotatedFrame(control.m_savedView, dx, dy);
     control.ComputeFrameMatrix(control.m_savedView, after.data());
+    // Both matrices contain the projection; it cancels in the product, a rigid motion of the world.
     const Eigen::Matrix4d rotation = before.cast<double>().inverse() * after.cast<double>();
     if (!rotation.allFinite()) return;  // a scene without extent
     const Double3 normal = control.m_clipPlane.GetNormal();
@@ -61,6 +62,7 @@ void CKV_ScenePaneCtrl::ShowPlaneHandles(PlaneHandles handles) {
     m_clipPlane.m_bRotateHandlesVisible = handles != PlaneHandles::Move;
 }
 
+// The pick is cleared first, so that a hidden plane has none.
 void CKV_ScenePaneCtrl::HoverOverPlane(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     const bool wasPicked = m_clipPlane.IsPicked();
     m_clipPlane.m_bHighlighted = (flags & kMouseCtrl) != 0;
@@ -84,6 +86,7 @@ void CKV_ScenePaneCtrl::BeginPlaneHandleDrag(std::int32_t x, std::int32_t y) {
         m_clipPlane.m_bMoveHandleVisible = false;
 }
 
+// Also from idle in the delayed scheme, with ModeIdle as mode: then both kinds of handles stay visible.
 void CKV_ScenePaneCtrl::EnterPlaneDrag(std::int32_t x, std::int32_t y, std::int32_t mode) {
     m_nInteractionMode = mode;
     m_clipPlane.ClearPick();
@@ -99,6 +102,7 @@ void CKV_ScenePaneCtrl::EndPlaneDrag(bool ctrl) {
 }
 
 bool CKV_ScenePaneCtrl::DragPlane(std::uint32_t flags, std::int32_t x, std::int32_t y) {
+    // A handle follows the mouse by its position on the screen, not by travels: the last point stays.
     if (m_nInteractionMode == ModePlaneHandle) {
         if (!MakeContextCurrent()) return false;
         m_clipPlane.DragHandle(x, y, [this](const Double3& point) {

@@ -11,6 +11,7 @@ void CKV_ScenePaneCtrl::StartAnimation(float revolutionsPerSecond) {
     InvalidateControl(true);
 }
 
+// Without a repaint: the picture is that of the last step already.
 void CKV_ScenePaneCtrl::StopAnimation() { m_bAnimationRunning = 0; }
 
 void CKV_ScenePaneCtrl::ToggleAnimationOnSpacebar(std::int32_t enabled) {

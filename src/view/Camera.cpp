@@ -11,6 +11,7 @@
 
 ViewFrame CKV_ScenePaneCtrl::LiveFrame() const { return {m_fAxisX, m_fAxisY, m_fAxisZ, m_fViewCenter}; }
 
+// Members only: the OpenGL matrices follow with SetupViewMatrices().
 void CKV_ScenePaneCtrl::SetLiveFrame(const ViewFrame& frame) {
     m_fAxisX = frame.wx;
     m_fAxisY = frame.wy;
@@ -25,6 +26,7 @@ void CKV_ScenePaneCtrl::SetupViewMatrices() {
     SnapFrame(frame);
     SetLiveFrame(frame);
     m_savedView = frame;
+    // The shadow camera looks at the same centre, from beside the viewer.
     const ShadowLookAt shadow = ComputeShadowLookAt(frame.wy.data(), frame.wz.data(), frame.center.data());
     std::copy_n(shadow.eye, 3, m_fShadowEye.begin());
     std::copy_n(shadow.center, 3, m_fShadowCenter.begin());
@@ -63,6 +65,7 @@ void CKV_ScenePaneCtrl::UpdateViewport() {
 
 Box CKV_ScenePaneCtrl::GetSceneBoundingBox() const {
     Box box;
+    // Bare point clouds do not count: only meshes with triangles, and the free points of the host.
     for (const auto& mesh : m_vpMeshes) {
         if (mesh->m_iVisible == 0 || mesh->m_vTriangles.empty()) continue;
         const float* b = mesh->m_fBoundingBox;
@@ -70,10 +73,12 @@ Box CKV_ScenePaneCtrl::GetSceneBoundingBox() const {
     }
     for (const auto& [id, points] : m_mapFreePoints)
         if (points.visible != 0) box.Merge(points.boxMin, points.boxMax);
+    // Also a box that is inverted along one axis is empty.
     if (box.IsEmpty()) return {{-50, -50, -50}, {50, 50, 50}};
     return box;
 }
 
+// Keeps the directions of the view. The fit alone moves the pivot of the free rotation.
 void CKV_ScenePaneCtrl::FitViewToScene() {
     m_fZoom = m_fDefaultZoom;
     const Box box = GetSceneBoundingBox();
@@ -96,10 +101,12 @@ void CKV_ScenePaneCtrl::PanView(std::int32_t dx, std::int32_t dy) {
     m_fViewCenter =
         PannedCenter(LiveFrame(), {m_fSceneSize, m_fZoom, m_fAspectX, m_fAspectY, m_nWidth, m_nHeight}, dx, dy);
     SetupViewMatrices();
+    // The direction is the same as before a pan; tracing hosts are notified of every drag all the same.
     if (m_bTracingMode != 0) FireViewDirectionChanged();
     RefreshControl();
 }
 
+// At a limit the zoom stays, and the repaint is requested all the same.
 void CKV_ScenePaneCtrl::ZoomView(std::int32_t dx, std::int32_t dy) {
     const float zoom = ZoomedBy(m_fZoom, dx, dy);
     if (zoom != m_fZoom) {
@@ -109,6 +116,7 @@ void CKV_ScenePaneCtrl::ZoomView(std::int32_t dx, std::int32_t dy) {
     RefreshControl();
 }
 
+// The maths is FindAxisHit() in view/ViewFrame.h; this finds the axis through the centre pixel.
 std::optional<Float3> CKV_ScenePaneCtrl::FindViewAxisHit(const Float3& direction) {
     Float3 origin{};
     // Window depth 0.1 lies in front of the fitted scene.
@@ -134,6 +142,7 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::SetViewParams(float wx1, floa
                                                                  float wy3, float cx, float cy, float cz, float zoom,
                                                                  std::int16_t /*freezeBBox*/) {
     const Float3 wx{wx1, wx2, wx3}, wy{wy1, wy2, wy3};
+    // Rejected axes change nothing. Accepted ones are stored as they are: no renormalisation.
     if (!IsViewFrame(wx, wy)) return KV_ScenePane::kVariantFalse;
     SetLiveFrame({wx, wy, Cross(wx, wy), {cx, cy, cz}});
     m_fZoom = m_fDefaultZoom / std::min(std::max(zoom, 0.1f), 10.0f);
@@ -154,6 +163,7 @@ void CKV_ScenePaneCtrl::GetViewParams(float* wx1, float* wx2, float* wx3, float*
 
 CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetViewDirection(float* px, float* py, float* pz, float* vx,
                                                                     float* vy, float* vz) {
+    // Without a hit the outputs stay untouched.
     const auto hit = FindViewAxisHit(m_fAxisZ);
     if (!hit) return KV_ScenePane::kVariantFalse;
     *px = (*hit)[0], *py = (*hit)[1], *pz = (*hit)[2];

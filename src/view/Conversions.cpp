@@ -22,6 +22,7 @@ struct WindowPoint {
     double x = 0.0, y = 0.0, depth = 0.0;  // y upward
 };
 
+/// By the current matrices; the depth is 0 at the near plane and 1 at the far plane.
 WindowPoint Project(double x, double y, double z) {
     const Matrices m;
     WindowPoint p;
@@ -64,12 +65,14 @@ void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::in
     *depth = static_cast<float>(p.depth);
 }
 
+// Without rounding, for the drags of the clip plane, which measure directions of less than a pixel.
 void CKV_ScenePaneCtrl::ProjectPointDouble(double x, double y, double z, double* windowX, double* windowY) {
     const WindowPoint p = Project(x, y, z);
     *windowX = p.x;
     *windowY = m_nHeight - p.y;
 }
 
+// The pixel's corner, not its centre: gluProject() of the result gives back whole window coordinates.
 int CKV_ScenePaneCtrl::UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y,
                                       float* z) {
     if (!MakeContextCurrent()) return 0;

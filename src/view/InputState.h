@@ -19,7 +19,7 @@ enum InteractionMode : std::int32_t {
     ModePlaneMove = 12,
 };
 
-/// Written by the mouse and key handlers of view/ and clip/; segmentation and alignment enter and leave their modes.
+/// Written by the mouse and key handlers of view/ and clip/; segmentation and alignment set and reset their modes.
 ///
 /// Invariants: m_nSavedInteractionMode is the mode that the end of a drag returns to, never itself a mode of a drag.
 /// m_bRollRotation and m_nRollQuadrant describe the drag under way and mean nothing outside one.
@@ -34,7 +34,7 @@ struct InputState {
 
     // Set by the host.
     std::int32_t m_nAllowMouse = 1;        ///< moves and wheel act only when exactly 1
-    std::int32_t m_nIgdRotation = 0;       ///< not 0: the delayed scheme, where a click is told from a drag
+    std::int32_t m_nIgdRotation = 0;       ///< not 0: the delayed scheme, where a click is distinguished from a drag
     std::int32_t m_nFlipMouseButtons = 0;  ///< not 0: left pans and right rotates
     std::int32_t m_nRotationMode = KV_ScenePane::RotateFree;  ///< any value of the host; others rotate freely
 

@@ -48,6 +48,7 @@ void CKV_ScenePaneCtrl::OnKey(const KV_ScenePane::KeyInput& input) {
         OnKeyReleased(input.nChar, input.nRepCnt, input.nFlags);
 }
 
+// The order is part of the surface: the host, the viewer, the dialog.
 void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
     if (m_pEvents != nullptr) m_pEvents->CustomKeyDown(nChar, nRepCnt, nFlags);
     // Every key stops the turntable, so Space can only start one that did not run.
@@ -66,6 +67,7 @@ void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, s
         case KV_ScenePane::kKeySpace:
             if (m_bToggleAnimationOnSpacebar != 0 && !animationRan) StartAnimation(m_fAnimationSpeed);
             break;
+        // One unit per press, however often a held key repeats.
         case KV_ScenePane::kKeyUp:
         case KV_ScenePane::kKeyDown:
             if (m_bClipPlaneVisible != 0) {
@@ -82,6 +84,7 @@ void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, s
     if (m_pInteractionDlg != nullptr) m_pInteractionDlg->OnInteractionKey(nChar, nRepCnt, nFlags);
 }
 
+// Only the release of Ctrl has a meaning. Releases are reported neither to the host nor to a dialog.
 void CKV_ScenePaneCtrl::OnKeyReleased(std::int32_t nChar, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {
     if (nChar != KV_ScenePane::kKeyCtrl || m_bClipPlaneVisible == 0) return;
     // The end of Ctrl turns a plane drag back into the drag of the view that it came from.

@@ -12,6 +12,7 @@ using KV_ScenePane::kMouseRight;
 
 namespace {
 
+// Tests the owner at each call: a handler may have cleared it.
 void Call(const MouseDispatch& dispatch, MouseHandler handler, std::uint32_t flags, MousePoint point) {
     if (dispatch.owner != nullptr && handler != nullptr) handler(dispatch.owner, flags, point.x, point.y);
 }
@@ -75,6 +76,7 @@ void DispatchPress(MouseDispatch& dispatch, std::int32_t button, std::uint32_t f
         dispatch.pending = true;
         dispatch.timerId = startTimer(dispatch.delay);
     }
+    // The second press of a chord may lie elsewhere: that counts as travel.
     dispatch.lastPoint = point;
     dispatch.movedSinceCheck = true;
 }
@@ -89,6 +91,7 @@ void DispatchRelease(MouseDispatch& dispatch, std::int32_t button, std::uint32_t
         Call(dispatch, handler, dispatch.flags, dispatch.pressPoint);
 }
 
+// The last point is stored after the handler, which may compare with the point before.
 void DispatchMove(MouseDispatch& dispatch, std::uint32_t flags, MousePoint point) {
     if (dispatch.owner == nullptr || dispatch.onMove == nullptr) return;
     Call(dispatch, dispatch.onMove, flags, point);
@@ -102,7 +105,7 @@ void DispatchDoubleClick(MouseDispatch& dispatch, std::uint32_t flags, MousePoin
 
 void OnDispatchTimer(MouseDispatch& dispatch) {
     if (!dispatch.pending) return;
-    // The press.
+    // The press, with its own point and the flags of the whole chord.
     if (dispatch.movedSinceCheck && HasTravelled(dispatch)) dispatch.flags |= kMouseMoved;
     Call(dispatch, PressHandler(dispatch, dispatch.pendingButton), dispatch.flags, dispatch.pressPoint);
     if (dispatch.releasePending) DispatchReleases(dispatch);
@@ -120,6 +123,7 @@ void OnDispatchTimer(MouseDispatch& dispatch) {
 }
 
 void SetDispatchMode(MouseDispatch& dispatch, std::int32_t mode) {
+    // From direct to delayed nothing is pending, and the same mode again changes nothing.
     const bool dropsPending = dispatch.mode == kDelayedDispatch && mode == kDirectDispatch;
     dispatch.mode = mode;
     if (!dropsPending) return;

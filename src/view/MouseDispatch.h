@@ -35,13 +35,13 @@ struct MouseDispatch {
     bool pending = false;             ///< a press waits to be dispatched
     std::int32_t pendingButton = 0;   ///< the first button of a chord
     std::uint32_t pressFlags = 0;     ///< flags at the press
-    MousePoint pressPoint;            ///< point at the press
+    MousePoint pressPoint{};          ///< point at the press
     std::uint32_t flags = 0;          ///< of all presses since the first one of the chord
     bool releasePending = false;      ///< a release came while a press was pending
     std::uint32_t timerId = 0;        ///< one-shot timer, 0 when none
     std::uint32_t delay = 100;        ///< milliseconds
     std::uint32_t moveThreshold = 5;  ///< pixels
-    MousePoint lastPoint;             ///< last mouse position seen
+    MousePoint lastPoint{};           ///< last mouse position seen
     bool movedSinceCheck = false;
 };
 

@@ -65,10 +65,12 @@ void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
     }
 }
 
+// The window posts the message when the timer that DispatchPress() started has expired.
 void CKV_ScenePaneCtrl::OnPrivateMessage(std::uint32_t message) {
     if (message == kTimerMessage) OnDispatchTimer(m_mouseDispatch);
 }
 
+// Zooms in the modes listed; in a lasso or a drag of the whole plane the wheel does nothing.
 void CKV_ScenePaneCtrl::OnMouseWheel(std::uint32_t /*flags*/, std::int32_t delta) {
     if (m_nAllowMouse != 1) return;
     switch (m_nInteractionMode) {

@@ -13,6 +13,7 @@ namespace {
 
 // Each of these returns whether the point becomes the last one, which the next travel counts from.
 
+/// Rotates or pans by the travel since the last point.
 bool DragView(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     const bool rotates = control.m_nInteractionMode == ModeRotate;
     // Ctrl pressed during a drag: from here on the travel moves the plane.
@@ -38,6 +39,7 @@ bool MoveInLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     return false;
 }
 
+/// With the left button held the outline grows; without it the next segment is previewed.
 bool MoveInMaskLasso(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     if (control.m_pCutSession == nullptr) return false;
     const WindowSize size = control.m_pWindow->ClientSize();
@@ -67,6 +69,7 @@ void DragAlignmentDelayed(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::
     }
 }
 
+/// The dialog moves its objects. Without a dialog nothing moves, and the point becomes the last one all the same.
 bool DragAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     if (control.m_pInteractionDlg == nullptr) return true;
     if (control.m_nIgdRotation == 1) {

@@ -47,6 +47,7 @@ void CenterViewOrPlacePlane(CKV_ScenePaneCtrl& control, std::uint32_t flags) {
     }
 }
 
+/// Points are fractions of the window, so that they survive a change of its size.
 void AddLassoPoint(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     const auto [relativeX, relativeY] = WindowFraction<double>(x, y, control.m_nWidth, control.m_nHeight);
     control.m_lassoCursor = {relativeX, relativeY};
@@ -56,6 +57,7 @@ void AddLassoPoint(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
 
 // ---- left
 
+/// Directly, or delayed by the dispatcher: then a plain press picks, and only Shift or the chord drags.
 void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     control.m_nSavedInteractionMode = ModeIdle;
     if (control.m_bNeedlePickingMode != 0) control.SelectNeedleAt(x, y);
@@ -74,6 +76,7 @@ void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_
         if (ReportPick(control, object, hit, flags, x, y)) return;
     }
     control.BeginDrag(x, y, true);
+    // With Ctrl the drag acts on a visible plane. A press that stays idle only highlights it.
     if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
         const std::int32_t mode = control.m_nInteractionMode == ModeRotate ? ModePlaneRotate
                                   : control.m_nInteractionMode == ModePan  ? ModePlaneMove
@@ -83,6 +86,7 @@ void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_
     control.m_pWindow->SetCapture();
 }
 
+/// With Ctrl the drag moves the view in place of the object, outside the delayed scheme.
 void LeftDownInAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     control.m_nSavedInteractionMode = ModeAlignInteractive;
     control.m_pWindow->SetCapture();
@@ -93,6 +97,7 @@ void LeftDownInAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::i
     control.BeginDrag(x, y, true);
 }
 
+/// A click sets a point through the dialog; with Ctrl a drag of the view begins.
 void LeftDownWhilePickingPoints(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     control.m_nSavedInteractionMode = ModeAlignPickPoints;
     control.m_pWindow->SetCapture();
@@ -106,6 +111,7 @@ void LeftDownWhilePickingPoints(CKV_ScenePaneCtrl& control, std::uint32_t flags,
     control.BeginDrag(x, y, moving);
 }
 
+/// The first point starts the session, without a repaint here.
 void LeftDownInMaskLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     const WindowSize size = control.m_pWindow->ClientSize();
     const auto [relativeX, relativeY] = WindowFraction<float>(x, y, size.width, size.height);
@@ -146,6 +152,7 @@ void RightDownInAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::
     control.BeginDrag(x, y, true);
 }
 
+/// The last point of the outline, then the end of the segmentation.
 void RightDownInMaskLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     if (control.m_pCutSession != nullptr) {
         const auto [relativeX, relativeY] = WindowFraction<float>(x, y, control.m_nWidth, control.m_nHeight);
@@ -220,6 +227,7 @@ void CKV_ScenePaneCtrl::OnRightDown(std::uint32_t flags, std::int32_t x, std::in
     }
 }
 
+// Outside idle the middle button does nothing; in the delayed scheme it centres the view by its press alone.
 void CKV_ScenePaneCtrl::OnMiddleDown(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     m_bAnimationRunning = 0;
     if (m_nInteractionMode != ModeIdle) return;

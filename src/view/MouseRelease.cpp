@@ -63,6 +63,7 @@ void CKV_ScenePaneCtrl::OnLeftUp(std::uint32_t flags, std::int32_t x, std::int32
     }
 }
 
+// Outside a drag only the flag of the button changes.
 void CKV_ScenePaneCtrl::OnRightUp(std::uint32_t flags, std::int32_t x, std::int32_t y) {
     m_bRightButtonPressed = 0;
     if (IsDragMode(m_nInteractionMode)) EndDrag(*this, flags, x, y);

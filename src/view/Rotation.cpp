@@ -60,6 +60,7 @@ ViewFrame RotateFreely(const ViewFrame& frame, std::int32_t dx, std::int32_t dy,
 ViewFrame RotateFrame(const ViewFrame& frame, const RotationRule& rule, std::int32_t dx, std::int32_t dy) {
     if (rule.width < 1 || rule.height < 1) return frame;
     if (rule.roll) return Roll(frame, dx, dy, rule);
+    // About one axis of the screen that axis itself keeps its bits.
     ViewFrame rotated = frame;
     switch (rule.mode) {
         case KV_ScenePane::RotateAboutHorizontal: {
@@ -101,6 +102,7 @@ Float3 RotateDirection(const CACADQTrafo& rotation, const Float3& direction) {
             static_cast<float>(x * r[2] + y * r[5] + z * r[8])};
 }
 
+// Integer halves, as in IsOutsideInscribedCircle(): both must agree on the centre pixel.
 std::int32_t RollQuadrant(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
     const bool isRight = x >= width / 2, isBottom = y >= height / 2;
     if (isBottom) return isRight ? 2 : 3;
@@ -109,6 +111,7 @@ std::int32_t RollQuadrant(std::int32_t x, std::int32_t y, std::int32_t width, st
 
 bool IsOutsideInscribedCircle(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
     const std::int32_t centerX = width / 2, centerY = height / 2;
+    // Doubles: the squares of a captured mouse far outside would overflow.
     const double dx = static_cast<double>(x) - centerX, dy = static_cast<double>(y) - centerY;
     const double radius = std::min(centerX, centerY);
     return dx * dx + dy * dy > radius * radius;

@@ -10,7 +10,7 @@
 /// What a rotation depends on beside the frame and the travel.
 struct RotationRule {
     std::int32_t mode = KV_ScenePane::RotateFree;  ///< a KV_ScenePane::RotationMode; any other value rotates freely
-    bool roll = false;          ///< about the viewing axis whatever the mode, following a mouse that circles the centre
+    bool roll = false;          ///< about the viewing axis in any mode, following a mouse that circles the centre
     std::int32_t quadrant = 0;  ///< of the mouse, for the roll: see RollQuadrant()
     std::int32_t width = 1, height = 1;  ///< of the window, pixels
     Float3 pivot{};                      ///< fixed point of the free rotation, world frame

@@ -13,6 +13,7 @@ TurntableStep StepTurntable(const TurntableClock& clock, float speed) {
     return {.revolutions = speed * static_cast<float>(clock.now - clock.last) / frequency};
 }
 
+// Rounded to float once per frame, so a whole revolution ends within the rounding of its frames.
 ViewFrame RotateFrameAboutAxis(const ViewFrame& frame, const Float3& axis, float revolutions) {
     const CACADQTrafo rotation = RotationAbout(axis, 2.0 * std::numbers::pi * revolutions);
     return {RotateDirection(rotation, frame.wx), RotateDirection(rotation, frame.wy),

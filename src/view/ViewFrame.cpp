@@ -54,6 +54,7 @@ OrthoExtents ComputeOrthoExtents(float zoom, float sceneSize, float aspectX, flo
     return {aspectX * half, aspectY * half, depth};
 }
 
+// A square window has 1 for both.
 AspectFactors ComputeAspect(std::int32_t width, std::int32_t height) {
     const auto w = static_cast<float>(width), h = static_cast<float>(height);
     return width > height ? AspectFactors{w / h, 1.0f} : AspectFactors{1.0f, h / w};
@@ -92,12 +93,14 @@ float ZoomedBy(float zoom, std::int32_t dx, std::int32_t dy) {
     return allowed ? static_cast<float>(zoom / factor) : zoom;
 }
 
+// Keeps two candidates in one pass: the vertex nearest to the axis, and the frontmost within the tube around it.
 std::optional<Float3> FindAxisHit(std::span<const std::shared_ptr<Mesh>> meshes, const Float3& origin,
                                   const Float3& direction) {
     std::optional<Float3> nearestToAxis, frontmost;
     float bestOffset = std::numeric_limits<float>::max(), bestDepth = std::numeric_limits<float>::max();
     for (const auto& mesh : meshes) {
         for (const Vertex& vertex : mesh->m_vVertices) {
+            // Edge-on vertices and those without a normal count as facing the viewer.
             if (Dot({vertex.nx, vertex.ny, vertex.nz}, direction) < 0.0f) continue;
             const Float3 point{vertex.x, vertex.y, vertex.z};
             const Float3 foot = origin + Dot(point - origin, direction) * direction;

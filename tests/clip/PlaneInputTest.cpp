@@ -1,4 +1,4 @@
-// The clip plane under the hand: whole scenes of mouse and keys on a control that shows it. Two views, 48 pixels a
+// The clip plane under the mouse: sequences of mouse and key input on a control that shows it. Two views, 48 pixels per
 // unit: down z, the plane's square from 48 to 432 about the window's centre; or along x with y to the right and the
 // normal up.
 #include <gtest/gtest.h>
@@ -50,14 +50,14 @@ protected:
 
 // ---- hovering
 
-TEST_F(PlaneInput, HoverPicksAHandleAndRepaintsOnAChangeAlone) {
-    Mouse(Kind::Move, 320, 432);  // the ball at -y
+TEST_F(PlaneInput, HoverPicksAHandleAndRepaintsOnlyOnAChange) {
+    Mouse(Kind::Move, 320, 432);  // the sphere at -y
     EXPECT_EQ(plane.GetPick(), kBall0);
     EXPECT_EQ(pane.window->refreshes, 1);
     Mouse(Kind::Move, 322, 431);
     EXPECT_EQ(plane.GetPick(), kBall0);
     EXPECT_EQ(pane.window->refreshes, 1);
-    Mouse(Kind::Move, 128, 240);  // straight to the other ball: still picked
+    Mouse(Kind::Move, 128, 240);  // straight to the other sphere: still picked
     EXPECT_EQ(plane.GetPick(), kBall1);
     EXPECT_EQ(pane.window->refreshes, 1);
     Mouse(Kind::Move, 512, 432);  // and to the arrow
@@ -72,7 +72,7 @@ TEST_F(PlaneInput, HoverPicksAHandleAndRepaintsOnAChangeAlone) {
     EXPECT_EQ(Mode(), ModeIdle);
 }
 
-TEST_F(PlaneInput, HoverShowsThePlaneHot) {
+TEST_F(PlaneInput, HoverOverAHandleShowsTheHotColour) {
     plane.m_nHotColor = HostColor(0, 0, 200);
     Frame();
     const Vec3 cold = ColorAt(320, 200);
@@ -84,7 +84,7 @@ TEST_F(PlaneInput, HoverShowsThePlaneHot) {
     ExpectPixel(320, 200, cold);
 }
 
-TEST_F(PlaneInput, HoverDoesNotReachAHiddenPlane) {
+TEST_F(PlaneInput, HoverDoesNotPickAHiddenPlane) {
     pane->m_bClipPlaneVisible = 0;
     pane->m_bClipPlaneActive = 1;
     Mouse(Kind::Move, 512, 432);
@@ -106,7 +106,7 @@ TEST_F(PlaneInput, HoverHighlightsByCtrlWithoutRepainting) {
     EXPECT_FALSE(plane.m_bHighlighted);
 }
 
-TEST_F(PlaneInput, HoverPicksInItsOwnWindowBesideAnother) {
+TEST_F(PlaneInput, HoverPicksWhileTheContextOfAnotherWindowIsCurrent) {
     OffscreenControl other(100, 100);
     ASSERT_TRUE(other->MakeContextCurrent());
     Mouse(Kind::Move, 512, 432);
@@ -158,7 +158,7 @@ TEST_F(PlaneInput, ArrowDragEndsHighlightedWhileCtrlIsHeld) {
     EXPECT_TRUE(plane.m_bHighlighted);
 }
 
-TEST_F(PlaneInput, EscapePutsADraggedHandleBack) {
+TEST_F(PlaneInput, EscapeUndoesAHandleDrag) {
     LookFromTheSide();
     for (const bool ctrl : {false, true}) {
         const auto before = plane.m_dMatrix;
@@ -180,26 +180,26 @@ TEST_F(PlaneInput, EscapePutsADraggedHandleBack) {
     }
 }
 
-TEST_F(PlaneInput, BallDragTiltsThePlaneTowardsTheMouse) {
+TEST_F(PlaneInput, SphereDragTiltsThePlaneTowardsTheMouse) {
     LookFromTheSide();
-    Mouse(Kind::Move, 128, 240);  // the ball at -y, left of the centre; nothing else there
+    Mouse(Kind::Move, 128, 240);  // the sphere at -y, left of the centre; nothing else there
     ASSERT_EQ(plane.GetPick(), kBall0);
     Mouse(Kind::LeftDown, 128, 240, kLeft);
     ASSERT_EQ(Mode(), ModePlaneHandle);
     ExpectHandles(false, true);
-    Mouse(Kind::Move, 320 - 136, 240 - 136, kLeft);  // 45 degrees up, on the ball's circle
+    Mouse(Kind::Move, 320 - 136, 240 - 136, kLeft);  // 45 degrees up, on the circle of the sphere
     ExpectNear(plane.GetNormal(), {0, kHalf, kHalf}, 1e-5);
     ExpectNear(plane.GetCenter(), {0, 0, 0}, 0);
     Mouse(Kind::Move, 320, 240 - 60, kLeft);  // straight up, inside the circle
     ExpectNear(plane.GetNormal(), {0, 1, 0}, 1e-5);
-    Mouse(Kind::Move, 320, 240, kLeft);  // the centre tells no angle
+    Mouse(Kind::Move, 320, 240, kLeft);  // the centre has no angle
     ExpectNear(plane.GetNormal(), {0, 1, 0}, 1e-5);
     Mouse(Kind::LeftUp, 320, 240);
     ExpectNear(plane.GetNormal(), {0, 1, 0}, 1e-5);
     ExpectHandles(true, true);
 }
 
-TEST_F(PlaneInput, ArrowDoesNotReactFaceOnInAnyView) {
+TEST_F(PlaneInput, ArrowDoesNotReactOnAPlaneSeenFaceOn) {
     for (std::int16_t mode = 0; mode <= 7; ++mode) {
         pane->SetViewMode(mode);
         for (const double off : {0.0, 3.7}) {
@@ -218,7 +218,7 @@ TEST_F(PlaneInput, ArrowDoesNotReactFaceOnInAnyView) {
     }
 }
 
-TEST_F(PlaneInput, ArrowStillReactsTilted) {
+TEST_F(PlaneInput, ArrowReactsToADragOnASlightlyTiltedPlane) {
     plane.SetNormal({0.001, 0, 1});  // a twentieth of a degree from face-on
     plane.OnPicked(0);
     Mouse(Kind::LeftDown, 300, 200, kLeft);
@@ -226,7 +226,7 @@ TEST_F(PlaneInput, ArrowStillReactsTilted) {
     EXPECT_NEAR(plane.GetCenter()[2], 1, 1e-5);
 }
 
-TEST_F(PlaneInput, DataIsWholeWhileAHandleIsHeld) {
+TEST_F(PlaneInput, ObjectsAreNotClippedDuringAHandleDrag) {
     Add({});
     pane->m_bClipPlaneActive = 1;
     plane.SetCenter({0, 0, 2});  // keeps what lies above it: nothing
@@ -244,7 +244,7 @@ TEST_F(PlaneInput, DataIsWholeWhileAHandleIsHeld) {
 
 // ---- the plane as a whole, with Ctrl
 
-TEST_F(PlaneInput, CtrlTurnsARotatingDragIntoAPlaneRotationAndBack) {
+TEST_F(PlaneInput, CtrlSwitchesARotationOfTheViewToOneOfThePlaneAndBack) {
     Mouse(Kind::LeftDown, 300, 240, kLeft);
     ASSERT_EQ(Mode(), ModeRotate);
     const Float3 axisX = pane->m_fAxisX;
@@ -255,9 +255,9 @@ TEST_F(PlaneInput, CtrlTurnsARotatingDragIntoAPlaneRotationAndBack) {
 
     Mouse(Kind::Move, 310, 240, kLeft | kCtrl);
     EXPECT_EQ(Mode(), ModePlaneRotate);
-    ExpectNear(plane.GetNormal(), {0, 0, 1});  // that move only changes the mode, and leaves the last point
+    ExpectNear(plane.GetNormal(), {0, 0, 1});  // that move only changes the mode; the last point stays
     Mouse(Kind::Move, 340, 240, kLeft | kCtrl);
-    // 40 of 480 pixels are a twelfth of a half turn; the normal goes with the mouse
+    // 40 of 480 pixels are a twelfth of a half turn; the normal follows the mouse
     ExpectNear(plane.GetNormal(), {std::sin(std::numbers::pi / 12), 0, std::cos(std::numbers::pi / 12)}, 1e-5);
     EXPECT_EQ(pane->m_fAxisX, axisX);  // the view stays
     EXPECT_GT(pane.window->eraseInvalidates, 0);
@@ -277,7 +277,7 @@ TEST_F(PlaneInput, CtrlTurnsARotatingDragIntoAPlaneRotationAndBack) {
     EXPECT_EQ(Mode(), ModeIdle);
 }
 
-TEST_F(PlaneInput, PlaneTurnsOnTheScreenAsTheSceneWould) {
+TEST_F(PlaneInput, PlaneRotatesOnTheScreenAsTheSceneWould) {
     const auto onScreen = [this] {
         const Double3 n = plane.GetNormal();
         const auto along = [&n](const Float3& axis) { return axis[0] * n[0] + axis[1] * n[1] + axis[2] * n[2]; };
@@ -290,7 +290,7 @@ TEST_F(PlaneInput, PlaneTurnsOnTheScreenAsTheSceneWould) {
             plane.SetNormal({0.2, -0.5, 0.6});
             Mouse(Kind::LeftDown, 300, 240, flags);
             Mouse(Kind::Move, 340, 225, flags);
-            // About one axis the moves add up; each free turn starts from where the view would have come to.
+            // About one axis the moves add up; each free rotation starts from the view after the last one.
             if (rotation != 3) Mouse(Kind::Move, 333, 290, flags);
             const Double3 seen = onScreen();
             Mouse(Kind::LeftUp, 333, 290);
@@ -305,7 +305,7 @@ TEST_F(PlaneInput, PlaneTurnsOnTheScreenAsTheSceneWould) {
     }
 }
 
-TEST_F(PlaneInput, CtrlReleasedByItsKeyTurnsThePlaneDragBack) {
+TEST_F(PlaneInput, ReleaseOfTheCtrlKeySwitchesBackToTheDragOfTheView) {
     for (const bool pans : {false, true}) {
         const Kind down = pans ? Kind::RightDown : Kind::LeftDown, up = pans ? Kind::RightUp : Kind::LeftUp;
         const std::uint32_t button = pans ? kRight : kLeft;
@@ -341,7 +341,7 @@ TEST_F(PlaneInput, CtrlWithAPanningDragMovesThePlaneAlongItsNormal) {
     EXPECT_EQ(pane->m_fViewCenter, (Float3{0, 0, 0}));
 }
 
-TEST_F(PlaneInput, RightPressWithCtrlAndAHiddenPlaneDropsTheModeAtTheNextMove) {
+TEST_F(PlaneInput, RightPressWithCtrlAndAHiddenPlanePansFromTheNextMoveOn) {
     pane->m_bClipPlaneVisible = 0;
     Mouse(Kind::RightDown, 300, 300, kRight | kCtrl);
     EXPECT_EQ(Mode(), ModePlaneMove);
@@ -361,7 +361,7 @@ TEST_F(PlaneInput, LeftPressWithCtrlAndAHiddenPlaneRotatesTheView) {
     EXPECT_EQ(Mode(), ModeRotate);
 }
 
-TEST_F(PlaneInput, MiddleDragWithCtrlTurnsThePlane) {
+TEST_F(PlaneInput, MiddleDragWithCtrlRotatesThePlane) {
     Mouse(Kind::MiddleDown, 300, 240, kMiddle | kCtrl);
     EXPECT_EQ(Mode(), ModePlaneRotate);
     Mouse(Kind::Move, 340, 240, kMiddle | kCtrl);
@@ -371,7 +371,7 @@ TEST_F(PlaneInput, MiddleDragWithCtrlTurnsThePlane) {
     EXPECT_FALSE(plane.m_bHighlighted);
 }
 
-TEST_F(PlaneInput, ChordOfTheDelayedSchemeMovesThePlaneAndTurnsItAgain) {
+TEST_F(PlaneInput, ChordOfTheDelayedSchemeMovesThePlaneAndThenRotatesItAgain) {
     LookFromTheSide();
     pane->m_nIgdRotation = 1;  // the handlers as the dispatcher calls them, without its delay
     pane->OnRightDown(kRight | kCtrl, 300, 240);
@@ -393,7 +393,7 @@ TEST_F(PlaneInput, ChordOfTheDelayedSchemeMovesThePlaneAndTurnsItAgain) {
 
 // ---- keys
 
-TEST_F(PlaneInput, UpAndDownMoveTheShownPlaneByOneUnit) {
+TEST_F(PlaneInput, UpAndDownMoveAVisiblePlaneByOneUnit) {
     Key(KV_ScenePane::kKeyUp);
     EXPECT_EQ(plane.GetCenter(), (Double3{0, 0, 1}));
     EXPECT_EQ(pane.window->refreshes, 1);
@@ -409,7 +409,7 @@ TEST_F(PlaneInput, UpAndDownMoveTheShownPlaneByOneUnit) {
     EXPECT_EQ(pane.window->refreshes, 4);
 }
 
-TEST_F(PlaneInput, CtrlKeyAloneHighlightsTheShownPlane) {
+TEST_F(PlaneInput, CtrlKeyAloneHighlightsAVisiblePlane) {
     plane.m_bMoveHandleVisible = false;
     Key(KV_ScenePane::kKeyCtrl);
     EXPECT_TRUE(plane.m_bHighlighted);
@@ -423,7 +423,7 @@ TEST_F(PlaneInput, CtrlKeyAloneHighlightsTheShownPlane) {
     EXPECT_EQ(pane.window->eraseInvalidates, 2);
 }
 
-TEST_F(PlaneInput, EscapeOutsideAHandleDragLeavesThePlane) {
+TEST_F(PlaneInput, EscapeOutsideAHandleDragDoesNotMoveThePlane) {
     Mouse(Kind::LeftDown, 300, 240, kLeft | kCtrl);
     Mouse(Kind::Move, 340, 240, kLeft | kCtrl);
     const auto turned = plane.m_dMatrix;
@@ -432,7 +432,7 @@ TEST_F(PlaneInput, EscapeOutsideAHandleDragLeavesThePlane) {
     EXPECT_EQ(Mode(), ModePlaneRotate);
 }
 
-TEST(PlaneInputWithoutAPicture, LeavesThePlaneAlone) {
+TEST(PlaneInputWithoutAContext, DoesNotMoveThePlane) {
     NoPictureControl control;
     control->m_bClipPlaneVisible = 1;
     const auto before = control->m_clipPlane.m_dMatrix;

@@ -16,7 +16,7 @@ using Kind = KV_ScenePane::MouseInput::Kind;
 std::int64_t g_ticks = 0;
 std::int64_t TestCounter() { return g_ticks; }
 
-/// The view from the front, its centre beside the rotation's, and a clock that stands.
+/// The view along +Y, its centre apart from the pivot, and a stopped clock.
 class AnimationTest : public testing::Test {
 protected:
     AnimationTest() {
@@ -29,12 +29,12 @@ protected:
         c.events.events.clear();
     }
 
-    /// A frame so many seconds later.
+    /// Draws a frame this many seconds later.
     void FrameAfter(double seconds) {
         g_ticks += std::llround(seconds * static_cast<double>(PerformanceFrequency()));
         c->PerformRefresh();
     }
-    /// The camera's way around the world's Z axis since the view from the front, -180 to 180.
+    /// Angle of the camera about the world's Z axis since the start, -180 to 180.
     [[nodiscard]] double Degrees() const { return std::atan2(c->m_fAxisX[1], c->m_fAxisX[0]) * 180 / std::numbers::pi; }
     void Key(std::int32_t nChar, bool isDown = true) { c->SendKey({.isDown = isDown, .nChar = nChar}); }
 
@@ -43,7 +43,7 @@ protected:
 
 // ---- start and stop
 
-TEST_F(AnimationTest, StandsAtFirst) {
+TEST_F(AnimationTest, DoesNotRunInANewControl) {
     EXPECT_EQ(c->IsAnimationRunning(), kVariantFalse);
     FrameAfter(1);
     EXPECT_EQ(Degrees(), 0.0);
@@ -51,7 +51,7 @@ TEST_F(AnimationTest, StandsAtFirst) {
     EXPECT_EQ(c->m_fAnimationAxis, (Float3{0, 0, 1}));
 }
 
-TEST_F(AnimationTest, AStartReadsTheClockAndQueuesAFrameWithErase) {
+TEST_F(AnimationTest, StartReadsTheClockAndQueuesAFrameWithErase) {
     c->StartAnimation(0.5f);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantTrue);
     EXPECT_EQ(c->m_fAnimationSpeed, 0.5f);
@@ -62,7 +62,7 @@ TEST_F(AnimationTest, AStartReadsTheClockAndQueuesAFrameWithErase) {
     EXPECT_EQ(Degrees(), 0.0);
 }
 
-TEST_F(AnimationTest, AStartOfARunningOneChangesTheSpeedOnly) {
+TEST_F(AnimationTest, StartingARunningAnimationOnlyChangesItsSpeed) {
     c->StartAnimation(0.25f);
     const std::int64_t start = g_ticks;
     FrameAfter(1);  // 90 degrees
@@ -79,7 +79,7 @@ TEST_F(AnimationTest, AStartOfARunningOneChangesTheSpeedOnly) {
     EXPECT_EQ(c->IsAnimationRunning(), kVariantFalse) << "the time of a revolution runs from the first start";
 }
 
-TEST_F(AnimationTest, AStopEndsItAtOnceAndAsksForNoFrame) {
+TEST_F(AnimationTest, StopEndsItAtOnceWithoutARepaint) {
     c->StartAnimation(0.25f);
     FrameAfter(1);
     c.window->Forget();
@@ -90,7 +90,7 @@ TEST_F(AnimationTest, AStopEndsItAtOnceAndAsksForNoFrame) {
     EXPECT_NEAR(Degrees(), 90, 1e-4);
 }
 
-TEST_F(AnimationTest, AfterAStopANewStartRunsAWholeRevolutionAgain) {
+TEST_F(AnimationTest, AStartAfterAStopRunsAWholeRevolutionAgain) {
     c->StartAnimation(0.25f);
     FrameAfter(3);
     c->StopAnimation();
@@ -98,10 +98,10 @@ TEST_F(AnimationTest, AfterAStopANewStartRunsAWholeRevolutionAgain) {
     c->StartAnimation(0.25f);
     FrameAfter(3.9);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantTrue);
-    EXPECT_NEAR(Degrees(), -90 - 9, 1e-3) << "the pause turned nothing";
+    EXPECT_NEAR(Degrees(), -90 - 9, 1e-3) << "the pause rotated nothing";
 }
 
-TEST_F(AnimationTest, ANewSpeedCountsFromTheLastFrameOn) {
+TEST_F(AnimationTest, ANewSpeedAppliesFromTheLastFrameOn) {
     c->StartAnimation(0.25f);
     FrameAfter(1);
     c.window->Forget();
@@ -111,7 +111,7 @@ TEST_F(AnimationTest, ANewSpeedCountsFromTheLastFrameOn) {
     EXPECT_NEAR(Degrees(), 135, 1e-4);
 }
 
-TEST_F(AnimationTest, ASpeedAloneStartsNothing) {
+TEST_F(AnimationTest, SettingASpeedDoesNotStartIt) {
     c->SetAnimationSpeed(7);
     FrameAfter(0.01);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantFalse);
@@ -121,7 +121,7 @@ TEST_F(AnimationTest, ASpeedAloneStartsNothing) {
 
 // ---- one revolution
 
-TEST_F(AnimationTest, AtHalfARevolutionASecondItEndsAfterTwoSeconds) {
+TEST_F(AnimationTest, AtHalfARevolutionPerSecondItEndsAfterTwoSeconds) {
     c->StartAnimation(0.5f);
     for (int frame = 0; frame < 20; ++frame) FrameAfter(0.1);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantTrue) << "2 seconds are not more than 2 seconds";
@@ -129,10 +129,10 @@ TEST_F(AnimationTest, AtHalfARevolutionASecondItEndsAfterTwoSeconds) {
     const Float3 wx = c->m_fAxisX;
     FrameAfter(0.1);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantFalse);
-    EXPECT_EQ(c->m_fAxisX, wx) << "the frame that ends it turns nothing";
+    EXPECT_EQ(c->m_fAxisX, wx) << "the frame that ends it rotates nothing";
 }
 
-TEST_F(AnimationTest, ALateFrameEndsItWhereTheLastOneLeftIt) {
+TEST_F(AnimationTest, ALateFrameEndsItWithoutRotatingFurther) {
     c->StartAnimation(0.5f);
     FrameAfter(0.5);
     FrameAfter(60);
@@ -140,7 +140,7 @@ TEST_F(AnimationTest, ALateFrameEndsItWhereTheLastOneLeftIt) {
     EXPECT_NEAR(Degrees(), 90, 1e-4);
 }
 
-TEST_F(AnimationTest, TurnsAsFarAtAnyFrameRate) {
+TEST_F(AnimationTest, RotatesByTheSameAngleAtAnyFrameRate) {
     for (const int frames : {1, 3, 50}) {
         SetView(*c, {1, 0, 0}, {0, 0, 1}, {3, 4, 5}, 1);
         c->StartAnimation(0.25f);
@@ -150,7 +150,7 @@ TEST_F(AnimationTest, TurnsAsFarAtAnyFrameRate) {
     }
 }
 
-TEST_F(AnimationTest, AtSpeedZeroNeverEndsAndTurnsNothing) {
+TEST_F(AnimationTest, AtSpeedZeroNeverEndsAndRotatesNothing) {
     c->StartAnimation(0);
     for (const double pause : {0.0, 1.0, 1e6}) FrameAfter(pause);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantTrue);
@@ -160,7 +160,7 @@ TEST_F(AnimationTest, AtSpeedZeroNeverEndsAndTurnsNothing) {
     EXPECT_EQ(c->IsAnimationRunning(), kVariantTrue) << "10 million seconds for a revolution";
 }
 
-TEST_F(AnimationTest, AtANegativeSpeedTheFirstFrameEndsIt) {
+TEST_F(AnimationTest, AtANegativeSpeedItEndsWithTheFirstFrame) {
     c->StartAnimation(-0.5f);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantTrue);
     FrameAfter(0);
@@ -168,10 +168,10 @@ TEST_F(AnimationTest, AtANegativeSpeedTheFirstFrameEndsIt) {
     EXPECT_EQ(c->m_fAxisX, (Float3{1, 0, 0}));
 }
 
-// ---- the turn
+// ---- the rotation
 
-TEST_F(AnimationTest, TurnsAboutTheWorldsZAxisAndLeavesTheCentre) {
-    c->SetViewMode(6);  // from above, askew
+TEST_F(AnimationTest, RotatesAboutTheWorldZAxisAndKeepsTheCentre) {
+    c->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     const Float3 wx = c->m_fAxisX, wy = c->m_fAxisY, wz = c->m_fAxisZ;
     c->m_fViewCenter = {3, 4, 5};
     c->m_fRotationCenter = {50, 60, 70};
@@ -185,7 +185,7 @@ TEST_F(AnimationTest, TurnsAboutTheWorldsZAxisAndLeavesTheCentre) {
     EXPECT_EQ(c->m_fRotationCenter, (Float3{50, 60, 70}));
 }
 
-TEST_F(AnimationTest, AFrameAsksForNoOther) {
+TEST_F(AnimationTest, AFrameRequestsNoOtherFrame) {
     c->StartAnimation(0.5f);
     FrameAfter(0.1);
     c.window->Forget();
@@ -196,8 +196,8 @@ TEST_F(AnimationTest, AFrameAsksForNoOther) {
     EXPECT_TRUE(c.events.events.empty());
 }
 
-TEST_F(AnimationTest, TheFrameStepsBeforeItDrawsTheScene) {
-    // From above a patch in the right half; half a turn later it lies in the left one, in that very frame.
+TEST_F(AnimationTest, TheFrameShowsTheViewAfterItsStep) {
+    // A patch in the right half of the picture; half a revolution later it is in the left half, in the same frame.
     SetView(*c, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, 1);
     c->m_fSceneSize = 100;
     AddBox(*c, {15, -15, 0}, {45, 15, 0});
@@ -207,7 +207,7 @@ TEST_F(AnimationTest, TheFrameStepsBeforeItDrawsTheScene) {
         };
         return at(x, y) != at(0, 0);
     };
-    // 480 pixels are 100 units; its triangle holds (25, 5), half a turn later (-25, -5).
+    // 480 pixels are 100 units; the triangle covers (25, 5), half a revolution later (-25, -5).
     constexpr int kRight = 320 + 120, kLeft = 320 - 120, kUpper = 240 - 24, kLower = 240 + 24;
     KV_ScenePane::Picture before, after;
     c->StartAnimation(0.5f);
@@ -222,7 +222,7 @@ TEST_F(AnimationTest, TheFrameStepsBeforeItDrawsTheScene) {
 
 // ---- what stops it
 
-TEST_F(AnimationTest, EveryPressAndTheDoubleClickStopItButNotMovesReleasesAndTheWheel) {
+TEST_F(AnimationTest, PressesAndDoubleClicksStopItButNotMovesReleasesAndTheWheel) {
     for (const Kind kind : {Kind::LeftDown, Kind::MiddleDown, Kind::RightDown, Kind::DoubleClick}) {
         c->StartAnimation(0.01f);
         c->SendMouse({.kind = kind, .x = 320, .y = 240});
@@ -245,7 +245,7 @@ TEST_F(AnimationTest, AnyKeyPressStopsItButNoKeyRelease) {
     }
 }
 
-TEST_F(AnimationTest, ADelayedPressStopsItOnlyWhenItIsDelivered) {
+TEST_F(AnimationTest, ADelayedPressStopsItOnlyWhenItIsDispatched) {
     c->SetIGDRotation(1);
     c->StartAnimation(0.01f);
     c->SendMouse({.kind = Kind::LeftDown, .flags = kMouseLeft, .x = 320, .y = 240});
@@ -256,7 +256,7 @@ TEST_F(AnimationTest, ADelayedPressStopsItOnlyWhenItIsDelivered) {
 
 // ---- the space bar
 
-TEST_F(AnimationTest, TheSpaceBarStartsItAtTheStoredSpeedWhenAllowedAndStopsARunningOne) {
+TEST_F(AnimationTest, WhenAllowedTheSpaceBarStartsItAtTheStoredSpeedAndStopsIt) {
     Key(KV_ScenePane::kKeySpace);
     EXPECT_EQ(c->IsAnimationRunning(), kVariantFalse) << "not allowed at first";
 
@@ -284,7 +284,7 @@ TEST_F(AnimationTest, TheSpaceBarStartsItAgainAfterItEndedByItself) {
     EXPECT_EQ(c->m_nAnimationStart, g_ticks);
 }
 
-TEST_F(AnimationTest, OfTheSpaceBarsSwitchTheLowByteCounts) {
+TEST_F(AnimationTest, OnlyTheLowByteOfTheSpaceBarSwitchCounts) {
     for (const std::int32_t enabled : {1, -1, 255, 0x102}) {
         c->ToggleAnimationOnSpacebar(enabled);
         EXPECT_EQ(c->m_bToggleAnimationOnSpacebar, enabled & 0xFF);
@@ -299,7 +299,7 @@ TEST_F(AnimationTest, OfTheSpaceBarsSwitchTheLowByteCounts) {
     }
 }
 
-TEST(AnimationClock, IsTheProcessesOwnUnlessATestPutsAnother) {
+TEST(AnimationClock, IsThePerformanceCounterByDefault) {
     NoPictureControl c;
     const std::int64_t before = PerformanceCounter();
     c->StartAnimation(1);

@@ -1,10 +1,18 @@
 // What the tests of the camera share.
 #pragma once
+#include <ostream>
+#include <string>
+
 #include "support/ControlFixture.h"
 #include "view/VectorHelp.h"
 
 inline constexpr float kS = 0.70710678f;  // half the square root of two
 inline constexpr float kSin20 = 0.34202014f, kCos20 = 0.93969262f;
+
+inline void PrintTo(const WindowSize& size, std::ostream* out) { *out << size.width << " x " << size.height; }
+inline std::string NameOfSize(const testing::TestParamInfo<WindowSize>& row) {
+    return std::to_string(row.param.width) + "x" + std::to_string(row.param.height);
+}
 
 inline void ExpectNoRequest(const WindowProbe& window) {
     EXPECT_EQ(window.refreshes + window.invalidates + window.eraseInvalidates, 0);

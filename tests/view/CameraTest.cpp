@@ -9,7 +9,7 @@ namespace {
 
 // ---- view parameters
 
-TEST(SetViewParams, TakesTheFrameAndComputesTheThirdAxis) {
+TEST(SetViewParams, StoresTheFrameAndComputesTheThirdAxis) {
     OffscreenControl c;
     ASSERT_TRUE(SetView(*c, {0.6f, 0.8f, 0}, {0, 0, 1}, {1, 2, 3}, 2));
     EXPECT_EQ(c->m_fAxisX, (Float3{0.6f, 0.8f, 0}));
@@ -23,13 +23,13 @@ TEST(SetViewParams, TakesTheFrameAndComputesTheThirdAxis) {
     EXPECT_EQ(c->m_savedView.wz, c->m_fAxisZ) << "the matrices follow";
 }
 
-TEST(SetViewParams, AnswersWithTheAutomationsTrue) {
+TEST(SetViewParams, ReturnsVariantTrueOrFalse) {
     OffscreenControl c;
     EXPECT_EQ(c->SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0), KV_ScenePane::kVariantTrue);
     EXPECT_EQ(c->SetViewParams(2, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0), KV_ScenePane::kVariantFalse);
 }
 
-TEST(SetViewParams, RefusesAxesThatAreNoFrameAndChangesNothing) {
+TEST(SetViewParams, RejectsAxesThatAreNotOrthonormalAndChangesNothing) {
     OffscreenControl c;
     c->TracingMode(1);
     SetView(*c, {0, 1, 0}, {0, 0, 1}, {1, 2, 3}, 2);
@@ -68,7 +68,7 @@ TEST(SetViewParams, LimitsTheZoomFromATenthToTen) {
     }
 }
 
-TEST(SetViewParams, ReadsNothingFromTheLastArgument) {
+TEST(SetViewParams, IgnoresTheLastArgument) {
     OffscreenControl c;
     AddBox(*c, {0, 0, 0}, {2, 3, 6});
     for (const std::int16_t freeze : {std::int16_t{0}, std::int16_t{1}, std::int16_t{-1}}) {
@@ -79,14 +79,14 @@ TEST(SetViewParams, ReadsNothingFromTheLastArgument) {
     }
 }
 
-TEST(SetViewParams, SurvivesAxesThatAreALittleTooLong) {
+TEST(SetViewParams, ComputesTheShadowCameraForSlightlyLongAxes) {
     OffscreenControl c;
     ASSERT_TRUE(SetView(*c, {1.0049f, 0, 0}, {0, 1.0049f, 0}, {1, 2, 3}, 1));
-    ASSERT_GT(c->m_fAxisZ[2], 1.0f);  // beyond what an arc cosine takes
+    ASSERT_GT(c->m_fAxisZ[2], 1.0f);  // outside the domain of an arc cosine
     ExpectNear(c->m_fShadowEye, {1, 2 + kSin20, 3 + kCos20}, 1e-5, "shadow eye");
 }
 
-TEST(GetViewParams, ReturnsTheInverseOfTheZoomWithoutTheDefault) {
+TEST(GetViewParams, ReturnsTheReciprocalZoomWithoutTheDefaultZoom) {
     OffscreenControl c;
     c->SetDefaultZoomFactor(2);
     ASSERT_TRUE(SetView(*c, {0, 0.6f, 0.8f}, {1, 0, 0}, {7, 8, 9}, 4));
@@ -102,7 +102,7 @@ TEST(GetViewParams, ReturnsTheInverseOfTheZoomWithoutTheDefault) {
 
 // ---- events
 
-TEST(ViewDirectionChanged, FiresForNewParametersAndPansWhileTraced) {
+TEST(ViewDirectionChanged, FiresForNewParametersAndPansInTracingMode) {
     OffscreenControl c;
     c->TracingMode(1);
     SetView(*c, {0, 1, 0}, {0, 0, 1}, {}, 1);
@@ -113,7 +113,7 @@ TEST(ViewDirectionChanged, FiresForNewParametersAndPansWhileTraced) {
     EXPECT_EQ(c.events.events[1], c.events.events[0]);
 }
 
-TEST(ViewDirectionChanged, IsNotFiredByWhatTurnsNothingByHand) {
+TEST(ViewDirectionChanged, DoesNotFireForViewModesZoomFitAndSize) {
     OffscreenControl c;
     c->TracingMode(1);
     c->SetViewMode(3);
@@ -136,7 +136,7 @@ TEST(TracingMode, IsOnForExactlyOne) {
     EXPECT_TRUE(c.events.events.empty());
 }
 
-TEST(ViewDirectionChanged, NeedsNoListener) {
+TEST(ViewDirectionChanged, WorksWithoutAConnectedHost) {
     OffscreenControl c;
     c->Connect(nullptr);
     c->TracingMode(1);
@@ -165,7 +165,7 @@ TEST(SetSize, StoresTheSizeAndItsAspect) {
     EXPECT_EQ(viewport[3], 777);
 }
 
-TEST(UpdateViewport, KeepsViewportAndAspectForAWindowOfNoHeight) {
+TEST(UpdateViewport, KeepsViewportAndAspectForAWindowWithoutHeight) {
     OffscreenControl c(600, 400);
     c->m_nWidth = 200;
     for (const std::int32_t height : {0, -1}) {
@@ -190,7 +190,7 @@ TEST(UpdateViewport, KeepsViewportAndAspectForAWindowOfNoHeight) {
 
 class PanInAWindow : public testing::TestWithParam<WindowSize> {};
 
-TEST_P(PanInAWindow, MovesThePictureByTheTravel) {
+TEST_P(PanInAWindow, MovesThePictureByTheTravelInPixels) {
     OffscreenControl c(GetParam().width, GetParam().height);
     c->SetViewMode(6);
     c->m_fSceneSize = 80;
@@ -207,10 +207,7 @@ TEST_P(PanInAWindow, MovesThePictureByTheTravel) {
     EXPECT_EQ(c->m_fRotationCenter, (Float3{0, 0, 0})) << "only the fit moves it";
 }
 INSTANTIATE_TEST_SUITE_P(Shapes, PanInAWindow,
-                         testing::Values(WindowSize{640, 480}, WindowSize{333, 777}, WindowSize{400, 400}),
-                         [](const auto& row) {
-                             return std::to_string(row.param.width) + "x" + std::to_string(row.param.height);
-                         });
+                         testing::Values(WindowSize{640, 480}, WindowSize{333, 777}, WindowSize{400, 400}), NameOfSize);
 
 TEST(ZoomView, ChangesTheZoomAndTheMatricesAndRefreshes) {
     OffscreenControl c;
@@ -237,7 +234,7 @@ TEST(ZoomView, RefreshesAtALimitAsWell) {
 
 // ---- the surface under the window's centre
 
-TEST(GetViewDirection, ReturnsTheSurfaceInTheCentreAndTheDirection) {
+TEST(GetViewDirection, ReturnsTheSurfacePointInTheCentreAndTheDirection) {
     OffscreenControl c(420, 350);
     AddMesh(*c, {{.x = 1, .y = 2, .z = 7, .nx = 1}, {.x = 1, .y = 80, .z = 90, .nx = 1}}, {});
     SetView(*c, {0, 1, 0}, {0, 0, 1}, {5, 2, 7}, 1);
@@ -260,9 +257,9 @@ TEST(GetViewDirection, WritesNothingWithoutAVertexThatFacesTheViewer) {
     for (int i = 0; i < 6; ++i) EXPECT_EQ(v[i], static_cast<float>(i + 1));
 }
 
-TEST(FindViewAxisHit, LooksThroughTheCentrePixelInAnOddWindow) {
+TEST(FindViewAxisHit, SearchesThroughTheCentrePixelOfAnOddWindow) {
     OffscreenControl c(333, 777);
-    c->m_fSceneSize = 333;  // one unit a pixel
+    c->m_fSceneSize = 333;  // one unit per pixel
     c->SetupViewMatrices();
     // the centre pixel is (166, 388): half a pixel left of the window's centre and half a pixel above it
     AddMesh(*c, {{.x = -0.5f, .y = 0.5f, .z = 9, .nz = 1}}, {});
@@ -271,7 +268,7 @@ TEST(FindViewAxisHit, LooksThroughTheCentrePixelInAnOddWindow) {
     ExpectNear(*hit, {-0.5f, 0.5f, 9}, 1e-3, "hit");
 }
 
-TEST(FindViewAxisHit, MeasuresTheFrontmostFromTheViewersSide) {
+TEST(FindViewAxisHit, FindsTheVertexNearestToTheViewer) {
     OffscreenControl c(420, 350);
     c->m_fSceneSize = 70;
     c->SetupViewMatrices();

@@ -1,4 +1,4 @@
-// The eight views, told apart by an object with a different length on each axis: by numbers, pixels and the shadow
+// The eight views, distinguished by an object with a different length on each axis: by numbers, pixels and the shadow
 // camera.
 #include <string>
 #include <utility>
@@ -10,8 +10,8 @@ namespace {
 
 // ---- the eight views
 
-// 420 x 350 pixels show a scene of size 70 around (10, 15, 30): 5 pixels a unit, the centre at pixel (210, 175).
-// The corners stand at the origin and on the three axes at 20, 30 and 60.
+// 420 x 350 pixels show a scene of size 70 around (10, 15, 30): 5 pixels per unit, the centre at pixel (210, 175).
+// The corners are at the origin and on the three axes at 20, 30 and 60.
 struct Pixel {
     double x, y;
 };
@@ -20,7 +20,7 @@ struct ViewPicture {
     Pixel corners[4];  // of the origin, of X, of Y, of Z
     int front[4];      // which corner is seen there: 0 white, 1 red, 2 green, 3 blue
     Float3 wx, wy, wz;
-    Float3 shadowEye;  // from the centre, hand-turned from (-sin 20 degrees, 0, cos 20 degrees)
+    Float3 shadowEye;  // from the centre; (-sin 20 degrees, 0, cos 20 degrees) rotated by hand
 };
 void PrintTo(const ViewPicture& view, std::ostream* out) { *out << "mode " << view.mode; }
 
@@ -115,7 +115,7 @@ protected:
     OffscreenControl c;
 };
 
-TEST_P(EightViews, SetTheFrameAndLeaveCentreAndZoom) {
+TEST_P(EightViews, SetTheAxesAndKeepCentreAndZoom) {
     c->m_fZoom = 1.5f;
     c->SetViewMode(static_cast<std::int16_t>(GetParam().mode));
     ExpectNear(c->m_fAxisX, GetParam().wx, 1e-6, "wx");
@@ -128,7 +128,7 @@ TEST_P(EightViews, SetTheFrameAndLeaveCentreAndZoom) {
     EXPECT_TRUE(c.events.events.empty());
 }
 
-TEST_P(EightViews, ShowEachCornerWhereItBelongs) {
+TEST_P(EightViews, ProjectEachCornerToItsPixel) {
     c->SetViewMode(static_cast<std::int16_t>(GetParam().mode));
     for (std::size_t i = 0; i < 4; ++i) {
         double x = 0, y = 0;
@@ -138,7 +138,7 @@ TEST_P(EightViews, ShowEachCornerWhereItBelongs) {
     }
 }
 
-TEST_P(EightViews, AreSeenInThePicture) {
+TEST_P(EightViews, DrawTheNearestCornerAtEachPixel) {
     // red in the low byte
     const std::uint32_t colors[] = {0xFFFFFF, 0x0000FF, 0x00FF00, 0xFF0000};
     for (std::size_t i = 0; i < 4; ++i) AddCube(*c, kCorners[i], colors[i]);
@@ -173,7 +173,7 @@ TEST_P(EightViews, PlaceTheShadowCamera) {
 INSTANTIATE_TEST_SUITE_P(All, EightViews, testing::ValuesIn(kViews),
                          [](const auto& row) { return "Mode" + std::to_string(row.param.mode); });
 
-TEST(SetViewMode, RemembersAnotherModeButChangesNoDirection) {
+TEST(SetViewMode, StoresAnUnknownModeWithoutChangingTheAxes) {
     OffscreenControl c;
     EXPECT_EQ(c->m_nViewMode, -1) << "no view before the first call";
     c->SetViewMode(6);

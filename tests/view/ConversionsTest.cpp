@@ -1,4 +1,4 @@
-// The matrices of the camera and the conversions on them, against a computation in double precision that uses neither
+// The matrices of the camera and the conversions by them, against a computation in double precision that uses neither
 // OpenGL nor the code under test.
 #include <GL/glew.h>
 
@@ -103,7 +103,7 @@ protected:
 };
 const Float3 kPoints[] = {{12, -7, 3}, {0, 0, 0}, {-20.5f, 14, 33}, {41, 17.25f, -28}, {5.5f, -3.25f, 1.125f}};
 
-TEST_P(Conversions, TheMatricesAreThoseOfTheCamera) {
+TEST_P(Conversions, MatricesFollowFromTheCamera) {
     for (const float zoom : {0.8f, 1.0f, 2.5f}) {
         c->m_fZoom = zoom;
         c->SetupViewMatrices();
@@ -129,7 +129,7 @@ TEST_P(Conversions, ProjectPointTruncates) {
     int checked = 0;
     for (const Float3& point : kPoints) {
         const Double3 expected = camera.Project(ToDouble3(point));
-        // no hand can tell the side of a whole number at these roundings
+        // near a whole number the rounding of floats decides on which side the result is
         if (std::abs(expected[0] - std::round(expected[0])) < 0.01) continue;
         if (std::abs(expected[1] - std::round(expected[1])) < 0.01) continue;
         std::int32_t x = 0, y = 0;
@@ -147,7 +147,7 @@ TEST_P(Conversions, ProjectPointTruncates) {
     EXPECT_GE(checked, 3);
 }
 
-TEST_P(Conversions, UnprojectPointIsTheWayBack) {
+TEST_P(Conversions, UnprojectPointInvertsTheProjection) {
     const ReferenceCamera camera(*c);
     for (const auto& [x, y, depth] : {std::tuple{0, 0, 0.25f}, {17, 301, 0.75f}, {250, 40, 0.1f}}) {
         float p[3] = {};
@@ -159,14 +159,11 @@ TEST_P(Conversions, UnprojectPointIsTheWayBack) {
     }
 }
 INSTANTIATE_TEST_SUITE_P(Shapes, Conversions,
-                         testing::Values(WindowSize{640, 480}, WindowSize{333, 777}, WindowSize{400, 400}),
-                         [](const auto& row) {
-                             return std::to_string(row.param.width) + "x" + std::to_string(row.param.height);
-                         });
+                         testing::Values(WindowSize{640, 480}, WindowSize{333, 777}, WindowSize{400, 400}), NameOfSize);
 
-TEST(ProjectPoint, TruncatesTowardsZeroLeftOfTheWindowAndAboveIt) {
+TEST(ProjectPoint, TruncatesTowardsZeroAlsoOutsideTheWindow) {
     OffscreenControl c(400, 400);
-    c->m_fSceneSize = 400;  // one unit a pixel
+    c->m_fSceneSize = 400;  // one unit per pixel
     c->SetupViewMatrices();
     std::int32_t x = 9, y = 9;
     c->ProjectPoint(-200.5f, 200.5f, 0, &x, &y);  // pixel (-0.5, -0.5)
@@ -192,7 +189,7 @@ TEST(ProjectPoint, CountsWindowYDownward) {
     EXPECT_NEAR(p[2], 0, 1e-3);
 }
 
-TEST(ProjectPointWithDepth, PutsTheCentreAtThreeQuartersAndNothingInFrontOfTheNearPlane) {
+TEST(ProjectPointWithDepth, HasTheCentreAtThreeQuartersAndClipsNothingInFrontOfTheEye) {
     OffscreenControl c;
     std::int32_t x = 0, y = 0;
     float depth = 0;
@@ -214,7 +211,7 @@ TEST(UnprojectPoint, MakesTheContextCurrentFirst) {
     EXPECT_NEAR(p[0], -500, 1e-2);
 }
 
-TEST(UnprojectPoint, HasNoInverseOfASingularMatrix) {
+TEST(UnprojectPoint, FailsForASingularMatrix) {
     OffscreenControl c;
     glMatrixMode(GL_PROJECTION);
     glScaled(0, 1, 1);
@@ -234,7 +231,7 @@ TEST(UnprojectPoint, FailsWithoutAContext) {
 
 // ---- set-up
 
-TEST(SetupViewMatrices, KeepsTheFrameOfTheMatrices) {
+TEST(SetupViewMatrices, StoresItsFrameAsTheSavedView) {
     OffscreenControl c;
     const ViewFrame frame = TiltedFrame();
     c->m_fAxisX = frame.wx;
@@ -248,7 +245,7 @@ TEST(SetupViewMatrices, KeepsTheFrameOfTheMatrices) {
     EXPECT_EQ(c->m_savedView.center, frame.center);
 }
 
-TEST(SetupViewMatrices, SnapsTheExactTopViewAtItsThreshold) {
+TEST(SetupViewMatrices, SnapsAViewAlongYWithinTheThreshold) {
     OffscreenControl c;
     c->SetViewMode(0);
     c->m_fAxisZ = {0.99e-5f, 1, 0};
@@ -277,7 +274,7 @@ TEST(SetupViewMatrices, FixesTheHeadLightToTheScreen) {
     }
 }
 
-TEST(SetupViewMatrices, WorksOnItsOwnControlOfTwo) {
+TEST(SetupViewMatrices, SetsOnlyTheMatricesOfItsOwnControl) {
     OffscreenControl first, second;
     second->SetupViewMatrices();
     const Matrix secondProjection = Current(GL_PROJECTION_MATRIX);
@@ -307,7 +304,7 @@ TEST(ComputeFrameMatrix, IsTheProductForThatFrameWithTheLiveZoom) {
     for (std::size_t i = 0; i < 16; ++i) EXPECT_NEAR(matrix[i], expected[i], 1e-6) << "element " << i;
 }
 
-TEST(ComputeFrameMatrix, DisturbsNothing) {
+TEST(ComputeFrameMatrix, RestoresTheStateOfOpenGl) {
     OffscreenControl c;
     c->SetViewMode(6);
     const Matrix modelView = Current(GL_MODELVIEW_MATRIX), projection = Current(GL_PROJECTION_MATRIX);

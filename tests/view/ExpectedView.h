@@ -29,7 +29,7 @@ struct ExpectedView {
     void RotateDirections(const Double3 axis, double angle) {
         for (Double3* const v : {&right, &up, &viewer}) *v = RotateByRodrigues(axis, angle, *v);
     }
-    /// The free rotation: half a turn for the smaller side of the window; the camera swings around the pivot.
+    /// The free rotation: half a turn for the smaller side of the window; the camera moves around the pivot.
     void Rotate(int dx, int dy) {
         const double perPixel = std::numbers::pi / std::min(width, height);
         RotateAboutPivot(up, -dx * perPixel);

@@ -39,7 +39,7 @@ TEST(CenterView, FitsTheSceneWithTheDefaultZoomAndKeepsTheDirection) {
     EXPECT_EQ(c->m_savedView.center, (Float3{10, 15, 30})) << "the matrices follow";
 }
 
-TEST(CenterView, BringsTheClipPlaneAlong) {
+TEST(CenterView, MovesTheClipPlaneWithinItselfToTheScene) {
     OffscreenControl c;
     AddBox(*c, {0, 0, 0}, {20, 30, 60});
     c->m_clipPlane.SetNormal({1, 0, 0});
@@ -48,7 +48,7 @@ TEST(CenterView, BringsTheClipPlaneAlong) {
     c->m_clipPlane.m_bMoveHandleVisible = c->m_clipPlane.m_bRotateHandlesVisible = false;
     c->CenterView();
     const Double3 center = c->m_clipPlane.GetCenter();
-    EXPECT_NEAR(center[0], 100, 1e-9) << "it slides in its own surface";
+    EXPECT_NEAR(center[0], 100, 1e-9) << "it moves only within itself";
     EXPECT_NEAR(center[1], 15, 1e-9);
     EXPECT_NEAR(center[2], 30, 1e-9);
     EXPECT_NEAR(c->m_clipPlane.m_dRadius, 30 / std::cos(std::acos(-1.0) / 4), 1e-6);
@@ -70,7 +70,7 @@ TEST(GetSceneBoundingBox, UnitesTheVisibleObjects) {
     ExpectBox(c->GetSceneBoundingBox(), {-5, 0, 0}, {1, 9, 3});
 }
 
-TEST(GetSceneBoundingBox, LeavesOutObjectsWithoutTriangles) {
+TEST(GetSceneBoundingBox, SkipsObjectsWithoutTriangles) {
     OffscreenControl c;
     AddMesh(*c, {{.x = -400}, {.x = 400}}, {});
     ExpectBox(c->GetSceneBoundingBox(), {-50, -50, -50}, {50, 50, 50});
@@ -101,7 +101,7 @@ FreePointSet PointSet(const Float3& low, const Float3& high, bool visible) {
     return set;
 }
 
-TEST(GetSceneBoundingBox, CountsVisibleFreePoints) {
+TEST(GetSceneBoundingBox, IncludesVisibleFreePoints) {
     OffscreenControl c;
     c->m_mapFreePoints[3] = PointSet({1, 2, 3}, {4, 5, 6}, true);
     c->m_mapFreePoints[4] = PointSet({-800, 0, 0}, {800, 1, 1}, false);
@@ -113,7 +113,7 @@ TEST(GetSceneBoundingBox, CountsVisibleFreePoints) {
     c->m_mapFreePoints.clear();  // the records name no buffers that a frame could draw
 }
 
-TEST(Import, DoesNotFit) {
+TEST(Import, DoesNotFitTheView) {
     OffscreenControl c;
     const float vertices[] = {0, 0, 0, 9, 0, 0, 0, 9, 0};
     const std::int32_t triangles[] = {0, 1, 2};
@@ -144,7 +144,7 @@ TEST(ClearData, ResetsTheFrameAndFitsTheEmptyScene) {
     EXPECT_EQ(c.window->refreshes + c.window->eraseInvalidates, 0);
 }
 
-TEST(ClearData, RemovesObjectsSnapshotsLinesAndTheCut) {
+TEST(ClearData, RemovesObjectsUndoStepsLinesAndTheCut) {
     OffscreenControl c;
     AddBox(*c, {0, 0, 0}, {1, 1, 1});
     c->m_vUndoStack.push_back({c->m_vpMeshes[0]});
@@ -159,7 +159,7 @@ TEST(ClearData, RemovesObjectsSnapshotsLinesAndTheCut) {
     EXPECT_EQ(c->m_pCutMask, nullptr);
 }
 
-TEST(ClearData, LeavesMarkersOverlaysAndSelections) {
+TEST(ClearData, KeepsMarkersOverlaysAndSelections) {
     OffscreenControl c;
     Mesh& mesh = AddBox(*c, {0, 0, 0}, {1, 1, 1});
     c->m_vpSelection.push_back(&mesh);

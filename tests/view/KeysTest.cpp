@@ -1,4 +1,5 @@
-// Every key in every interaction mode: what the host and the dialog hear and in which order, and what the viewer does.
+// Every key in every interaction mode: what the host and the dialog receive and in which order, and what the viewer
+// does.
 #include "view/InputHelp.h"
 
 namespace {
@@ -21,7 +22,7 @@ void HideHandles(InputControl& c) {
 
 // ---- all keys
 
-TEST(KeyPress, IsToldToTheHostAndThenToTheDialogInEveryMode) {
+TEST(KeyPress, IsReportedToTheHostAndTheDialogInEveryMode) {
     InputControl c;
     for (const std::int32_t mode : kAllModes) {
         for (const std::int32_t key :
@@ -39,7 +40,7 @@ TEST(KeyPress, IsToldToTheHostAndThenToTheDialogInEveryMode) {
     }
 }
 
-TEST(KeyPress, WithoutDialogOrHostIsHarmless) {
+TEST(KeyPress, WorksWithoutADialogAndAHost) {
     InputControl c({.mode = ModeAlignInteractive});
     c->Connect(nullptr);
     c->OnKeyPressed(kKeyA, 1, 0);
@@ -47,27 +48,27 @@ TEST(KeyPress, WithoutDialogOrHostIsHarmless) {
     EXPECT_EQ(c->m_bAnimationRunning, 0);
 }
 
-/// Notes what the viewer had already done when the host, or the dialog, heard of the key.
-struct Witness final : KV_ScenePane::_DKV_ScenePaneEvents, CInteractionDlg {
-    explicit Witness(CKV_ScenePaneCtrl& viewer) : control(viewer) {}
-    void CustomKeyDown(std::int32_t, std::int32_t, std::int32_t) override { Note("host"); }
-    void OnInteractionKey(std::int32_t, std::int32_t, std::int32_t) override { Note("dialog"); }
+/// Records what the viewer had already done when the host, or the dialog, received the key.
+struct KeyOrderRecorder final : KV_ScenePane::_DKV_ScenePaneEvents, CInteractionDlg {
+    explicit KeyOrderRecorder(CKV_ScenePaneCtrl& viewer) : control(viewer) {}
+    void CustomKeyDown(std::int32_t, std::int32_t, std::int32_t) override { Record("host"); }
+    void OnInteractionKey(std::int32_t, std::int32_t, std::int32_t) override { Record("dialog"); }
     void Finish() override {}
-    void Note(const char* who) {
-        heard.push_back(std::string(who) + (control.m_bAnimationRunning != 0 ? " running" : " stopped") +
+    void Record(const char* who) {
+        calls.push_back(std::string(who) + (control.m_bAnimationRunning != 0 ? " running" : " stopped") +
                         (control.m_clipPlane.m_bHighlighted ? " bright" : " dull"));
     }
     CKV_ScenePaneCtrl& control;
-    Calls heard;
+    Calls calls;
 };
 
-TEST(KeyPress, IsHeardByTheHostBeforeAndByTheDialogAfterTheViewerActs) {
+TEST(KeyPress, IsReportedToTheHostBeforeAndToTheDialogAfterTheViewerActs) {
     InputControl c({.plane = true});
-    Witness witness(*c);
-    c->Connect(&witness);
-    c->m_pInteractionDlg = &witness;
+    KeyOrderRecorder recorder(*c);
+    c->Connect(&recorder);
+    c->m_pInteractionDlg = &recorder;
     c->OnKeyPressed(kKeyCtrl, 1, 0);
-    EXPECT_EQ(witness.heard, (Calls{"host running dull", "dialog stopped bright"}));
+    EXPECT_EQ(recorder.calls, (Calls{"host running dull", "dialog stopped bright"}));
     c->Connect(&c.events);
 }
 
@@ -91,7 +92,7 @@ TEST(KeyPress, OfAnyOtherKeyChangesNothing) {
 
 // ---- Escape, Delete
 
-TEST(EscapeKey, LeavesEveryModeButTheHandleAsItIs) {
+TEST(EscapeKey, ChangesNothingInModesWithoutLassoOrHandle) {
     InputControl c;
     for (const std::int32_t mode : kAllModes) {
         if (mode == ModePlaneHandle || mode == ModeLasso || mode == ModeMaskLasso) continue;
@@ -105,7 +106,7 @@ TEST(EscapeKey, LeavesEveryModeButTheHandleAsItIs) {
     }
 }
 
-TEST(EscapeKey, InAHandleDragTakesTheSavedModeAndTheCtrlBit) {
+TEST(EscapeKey, InAHandleDragReturnsToTheSavedModeAndHighlightsByTheCtrlBit) {
     InputControl c;
     for (const std::int32_t flags : {0, 8, 9, 7}) {
         c.Set({.mode = ModePlaneHandle, .plane = true});
@@ -121,7 +122,7 @@ TEST(EscapeKey, InAHandleDragTakesTheSavedModeAndTheCtrlBit) {
     }
 }
 
-TEST(EscapeAndDelete, RepaintWhileNeedlesArePicked) {
+TEST(EscapeAndDelete, RepaintInNeedlePickingMode) {
     InputControl c;
     for (const std::int32_t key : {kKeyEscape, kKeyDelete}) {
         for (const bool picking : {false, true}) {
@@ -136,7 +137,7 @@ TEST(EscapeAndDelete, RepaintWhileNeedlesArePicked) {
 
 // ---- space
 
-TEST(SpaceKey, TogglesTheAnimationOnlyWithTheHostsLeave) {
+TEST(SpaceKey, TogglesTheAnimationOnlyWhenTheHostAllowsIt) {
     InputControl c;
     struct Row {
         bool allowed, running, after;
@@ -153,7 +154,7 @@ TEST(SpaceKey, TogglesTheAnimationOnlyWithTheHostsLeave) {
             c->OnKeyPressed(kKeySpace, 1, 0);
             EXPECT_EQ(c->IsAnimationRunning() != 0, row.after);
             EXPECT_EQ(c->m_fAnimationSpeed, 0.25f);
-            EXPECT_EQ(c->m_nAnimationStart != -7, row.after) << "it starts anew";
+            EXPECT_EQ(c->m_nAnimationStart != -7, row.after) << "a new start reads the clock";
             EXPECT_EQ(c.window->eraseInvalidates, row.after ? 1 : 0);
         }
     }
@@ -161,7 +162,7 @@ TEST(SpaceKey, TogglesTheAnimationOnlyWithTheHostsLeave) {
 
 // ---- up, down
 
-TEST(ArrowKeys, MoveThePlaneByOneAlongItsNormal) {
+TEST(ArrowKeys, MoveThePlaneByOneUnitAlongZ) {
     InputControl c;
     for (const std::int32_t mode : kAllModes) {
         for (const std::int32_t key : {kKeyUp, kKeyDown}) {
@@ -184,7 +185,7 @@ TEST(ArrowKeys, MoveThePlaneByOneAlongItsNormal) {
 
 // ---- Ctrl
 
-TEST(CtrlKey, ShowsTheHandlesOfTheDragAtHand) {
+TEST(CtrlKey, ShowsTheHandlesOfTheDragUnderWay) {
     InputControl c;
     for (const std::int32_t mode : kAllModes) {
         SCOPED_TRACE(mode);
@@ -205,7 +206,7 @@ TEST(CtrlKey, ShowsTheHandlesOfTheDragAtHand) {
     }
 }
 
-TEST(CtrlKey, DoesNothingWithoutThePlane) {
+TEST(CtrlKey, DoesNothingWhileThePlaneIsHidden) {
     InputControl c;
     for (const std::int32_t mode : kAllModes) {
         c.Set({.mode = mode});
@@ -220,7 +221,7 @@ TEST(CtrlKey, DoesNothingWithoutThePlane) {
     }
 }
 
-TEST(CtrlRelease, GivesThePlaneDragBackToTheView) {
+TEST(CtrlRelease, ContinuesAPlaneDragAsADragOfTheView) {
     InputControl c;
     for (const std::int32_t mode : kAllModes) {
         SCOPED_TRACE(mode);
@@ -237,7 +238,7 @@ TEST(CtrlRelease, GivesThePlaneDragBackToTheView) {
         EXPECT_FALSE(c->m_clipPlane.m_bHighlighted) << "in any mode";
         EXPECT_EQ(c.window->eraseInvalidates, 1);
         EXPECT_EQ(c.RepaintRequests(), 1);
-        EXPECT_TRUE(c.events.events.empty()) << "releases are told to nobody";
+        EXPECT_TRUE(c.events.events.empty()) << "releases are not reported";
         EXPECT_TRUE(c.dialog.calls.empty());
         EXPECT_EQ(c->m_bAnimationRunning, 1);
     }
@@ -263,7 +264,7 @@ TEST(KeyRelease, OfAnyOtherKeyDoesNothing) {
 
 // ---- from the window
 
-TEST(KeysOfTheWindow, ReachThePressAndTheRelease) {
+TEST(KeyInputOfTheWindow, IsHandledAsPressOrRelease) {
     InputControl c({.mode = ModePlaneRotate, .plane = true});
     c->SendKey({.isDown = true, .nChar = kKeyA, .nRepCnt = 2, .nFlags = 0x1E});
     EXPECT_EQ(c.events.events, (std::vector{KeyEvent(kKeyA, 2, 0x1E)}));
@@ -272,14 +273,14 @@ TEST(KeysOfTheWindow, ReachThePressAndTheRelease) {
     EXPECT_EQ(c.events.events.size(), 1u);
 }
 
-TEST(FinishInteraction, TellsTheDialogAndReturnsToIdle) {
+TEST(FinishInteraction, FinishesTheDialogAndReturnsToIdle) {
     InputControl c({.mode = ModeAlignPickPoints, .dialog = true});
     c->FinishInteraction();
     EXPECT_EQ(c.dialog.calls, (Calls{"Finish"}));
     EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
 }
 
-TEST(FinishInteraction, WithoutDialogLeavesTheMode) {
+TEST(FinishInteraction, WithoutADialogKeepsTheMode) {
     InputControl c({.mode = ModeRotate});
     c->FinishInteraction();
     EXPECT_EQ(c->m_nInteractionMode, ModeRotate);

@@ -1,4 +1,4 @@
-// Travel to turn, against Rodrigues' formula in double precision; the signs by hand.
+// From a travel to a rotation, against Rodrigues' formula in double precision; the signs by hand.
 #include "view/Rotation.h"
 
 #include <gtest/gtest.h>
@@ -46,21 +46,21 @@ RotationRule RollRule(std::int32_t quadrant, std::int32_t width, std::int32_t he
 
 // ---- signs, by hand
 
-TEST(FreeRotation, TakesTheFrontOfTheSceneAlongWithTheMouse) {
-    // The point that faces the viewer, (0, 0, 1), is where the mouse has taken hold.
+TEST(FreeRotation, MovesTheFrontOfTheSceneWithTheMouse) {
+    // The point that faces the viewer, (0, 0, 1), is under the mouse.
     for (const std::int32_t mode : {1, 3}) {
         const ViewFrame right = RotateFrame({}, Rule(mode, 300, 300), 10, 0);
-        EXPECT_GT(right.wx[2], 0.1f) << "it moves to the screen's right, mode " << mode;
+        EXPECT_GT(right.wx[2], 0.1f) << "it moves to the right of the screen, mode " << mode;
         EXPECT_EQ(right.wy, (Float3{0, 1, 0}));
     }
     for (const std::int32_t mode : {0, 3}) {
         const ViewFrame down = RotateFrame({}, Rule(mode, 300, 300), 0, 10);
-        EXPECT_LT(down.wy[2], -0.1f) << "it moves towards the screen's bottom, mode " << mode;
+        EXPECT_LT(down.wy[2], -0.1f) << "it moves to the bottom of the screen, mode " << mode;
         EXPECT_EQ(down.wx, (Float3{1, 0, 0}));
     }
 }
 
-TEST(RotationAboutTheViewingAxis, TurnsThePictureClockwiseWhenTheMouseGoesRightOrUp) {
+TEST(RotationAboutTheViewingAxis, RotatesThePictureClockwiseWhenTheMouseMovesRightOrUp) {
     const ViewFrame right = RotateFrame({}, Rule(2, 300, 300), 10, 0);
     EXPECT_GT(right.wx[1], 0.1f) << "the top of the picture moves right";
     const ViewFrame up = RotateFrame({}, Rule(2, 300, 300), 0, -10);
@@ -91,19 +91,19 @@ const HandCase kHandCases[] = {
     {"FreeAcrossTheSmallerSideDown", 3, 480, 640, 0, 480, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
     {"FreeHalfRight", 3, 640, 480, 240, 0, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
     {"FreeHalfDown", 3, 640, 480, 0, 240, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-    // Right first: wz is then -X, and the turn downward carries wy to its opposite.
+    // Right first: wz is then -X, and the rotation downward moves wy to its opposite.
     {"FreeHalfRightThenHalfDown", 3, 640, 480, 240, 240, {0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
 };
-class TurnByHand : public testing::TestWithParam<HandCase> {};
+class QuarterAndHalfTurn : public testing::TestWithParam<HandCase> {};
 
-TEST_P(TurnByHand, LandsOnTheAxes) {
+TEST_P(QuarterAndHalfTurn, EndsOnTheAxes) {
     const HandCase& row = GetParam();
     const ViewFrame turned = RotateFrame({}, Rule(row.mode, row.width, row.height), row.dx, row.dy);
     ExpectNear(turned.wx, row.wx, 2e-7, "wx");
     ExpectNear(turned.wy, row.wy, 2e-7, "wy");
     ExpectNear(turned.wz, row.wz, 2e-7, "wz");
 }
-INSTANTIATE_TEST_SUITE_P(Rotation, TurnByHand, testing::ValuesIn(kHandCases),
+INSTANTIATE_TEST_SUITE_P(Rotation, QuarterAndHalfTurn, testing::ValuesIn(kHandCases),
                          [](const auto& row) { return row.param.name; });
 
 // ---- every mode and window shape against Rodrigues
@@ -124,8 +124,8 @@ void ForAllShapesAndTravels(Check check) {
         }
 }
 
-// Equality of floats, not nearness: a turn in single precision, or one rounding more, would show.
-TEST(RotationAboutTheHorizontal, IsTheDoublePrecisionTurnRoundedOncePerVector) {
+// Equal floats, not near ones: a rotation in single precision, or one rounding more, would fail.
+TEST(RotationAboutTheHorizontal, IsTheDoublePrecisionRotationRoundedOnce) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double a = -dy * kPi / shape.height;
@@ -134,7 +134,7 @@ TEST(RotationAboutTheHorizontal, IsTheDoublePrecisionTurnRoundedOncePerVector) {
     });
 }
 
-TEST(RotationAboutTheVertical, IsTheDoublePrecisionTurnRoundedOncePerVector) {
+TEST(RotationAboutTheVertical, IsTheDoublePrecisionRotationRoundedOnce) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double a = -dx * kPi / shape.width;
@@ -143,7 +143,7 @@ TEST(RotationAboutTheVertical, IsTheDoublePrecisionTurnRoundedOncePerVector) {
     });
 }
 
-TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionTurnByTheLargerAngleRoundedOncePerVector) {
+TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionRotationByTheLargerAngleRoundedOnce) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double byX = dx * kPi / shape.width, byY = -dy * kPi / shape.height;
@@ -153,8 +153,8 @@ TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionTurnByTheLargerAngleRounde
     });
 }
 
-TEST(RotationAboutTheViewingAxis, TakesTheTravelWithTheLargerAngleNotTheLongerOne) {
-    // 5 of 200 pixels are more of a turn than 10 of 1000.
+TEST(RotationAboutTheViewingAxis, UsesTheDirectionWithTheLargerAngleNotTheLongerTravel) {
+    // 5 of 200 pixels are a larger angle than 10 of 1000.
     const double degrees = -180.0 * 5 / 200;
     const ViewFrame turned = RotateFrame({}, Rule(2, 1000, 200), 10, 5);
     EXPECT_NEAR(std::atan2(turned.wx[1], turned.wx[0]) * 180 / kPi, degrees, 1e-5);
@@ -163,7 +163,7 @@ TEST(RotationAboutTheViewingAxis, TakesTheTravelWithTheLargerAngleNotTheLongerOn
     EXPECT_GT(RotateFrame({}, Rule(2, 1000, 200), 26, 5).wx[1], 0.0f);
 }
 
-TEST(RotationAboutTheViewingAxis, TakesTheTravelToTheSideWhenBothAnglesAreEqual) {
+TEST(RotationAboutTheViewingAxis, UsesTheHorizontalTravelWhenBothAnglesAreEqual) {
     for (const std::int32_t dy : {10, -10}) {
         EXPECT_GT(RotateFrame({}, Rule(2, 300, 300), 10, dy).wx[1], 0.0f) << dy;
         EXPECT_LT(RotateFrame({}, Rule(2, 300, 300), -10, dy).wx[1], 0.0f) << dy;
@@ -198,14 +198,14 @@ ViewFrame FreeInFloats(const ViewFrame& f, const RotationRule& rule, std::int32_
     return out;
 }
 
-TEST(FreeRotation, RunsInSinglePrecisionStepByStep) {
+TEST(FreeRotation, IsComputedInSinglePrecision) {
     ForAllShapesAndTravels([](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const RotationRule rule = Rule(3, shape.width, shape.height);
         ExpectSame(RotateFrame(ObliqueFrame(), rule, dx, dy), FreeInFloats(ObliqueFrame(), rule, dx, dy));
     });
 }
 
-TEST(FreeRotation, IsATurnAboutTheVerticalAndThenOneAboutTheNewHorizontalThroughThePivot) {
+TEST(FreeRotation, RotatesAboutTheVerticalAndThenAboutTheNewHorizontalThroughThePivot) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const RotationRule rule = Rule(3, shape.width, shape.height);
@@ -218,7 +218,7 @@ TEST(FreeRotation, IsATurnAboutTheVerticalAndThenOneAboutTheNewHorizontalThrough
         Double3 center = both(f.center - rule.pivot);
         for (std::size_t i = 0; i < 3; ++i) center[i] += rule.pivot[i];
 
-        // The angle in floats is off by about its last place; a long travel in a small window is many turns.
+        // The angle in floats is off by about its last place; a long travel in a small window is many revolutions.
         const double angleError = 4 * 6e-8 * std::max(std::fabs(x), std::fabs(y));
         const double tolerance = 4e-7 + angleError;
         const ViewFrame turned = RotateFrame(f, rule, dx, dy);
@@ -229,7 +229,7 @@ TEST(FreeRotation, IsATurnAboutTheVerticalAndThenOneAboutTheNewHorizontalThrough
     });
 }
 
-TEST(FreeRotation, CarriesTheCentreAroundThePivot) {
+TEST(FreeRotation, MovesTheCentreAroundThePivot) {
     const ViewFrame frame{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {10, 0, 5}};
     const RotationRule rule{.mode = 3, .width = 100, .height = 300, .pivot = {10, 0, 0}};
     // A quarter turn; what faced the viewer has moved right, so the viewer looks from the left.
@@ -237,20 +237,20 @@ TEST(FreeRotation, CarriesTheCentreAroundThePivot) {
     ExpectNear(RotateFrame(frame, rule, 0, 50).center, {10, 5, 0}, 2e-6, "centre");
 }
 
-TEST(FreeRotation, LeavesACentreInThePivotWhereItIs) {
+TEST(FreeRotation, KeepsACentreThatIsThePivot) {
     ViewFrame frame = ObliqueFrame();
     const RotationRule rule{.mode = 3, .width = 640, .height = 480, .pivot = frame.center};
     EXPECT_EQ(RotateFrame(frame, rule, 33, -71).center, frame.center);
 }
 
-TEST(FreeRotation, IsWhatEveryOtherModeNumberMeans) {
+TEST(FreeRotation, IsUsedForEveryUnknownMode) {
     const ViewFrame f = ObliqueFrame();
     const ViewFrame expected = RotateFrame(f, Rule(3, 640, 480), 30, -20);
     for (const std::int32_t mode : {-1, 4, 7, 32767, -32768})
         ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 30, -20), expected);
 }
 
-TEST(OneAxisRotations, DoNotMoveTheCentreHoweverFarThePivot) {
+TEST(OneAxisRotations, DoNotMoveTheCentreWhereverThePivotIs) {
     ViewFrame frame = ObliqueFrame();
     for (const std::int32_t mode : {0, 1, 2}) {
         RotationRule rule = Rule(mode, 640, 480);
@@ -268,13 +268,13 @@ struct RollCase {
     std::int32_t quadrant, dx, dy;
     double degrees;  ///< of the camera about wz, counter-clockwise
 };
-// A window of 360 x 360: half a degree a pixel.
+// A window of 360 x 360: half a degree per pixel.
 const RollCase kRollCases[] = {
     {0, 10, 0, 5}, {1, 10, 0, 5}, {2, 10, 0, -5}, {3, 10, 0, -5},  {0, -10, 0, -5}, {2, -10, 0, 5}, {0, 0, 10, -5},
     {1, 0, 10, 5}, {2, 0, 10, 5}, {3, 0, 10, -5}, {1, 0, -10, -5}, {3, 0, -10, 5},  {2, 4, 20, 10}, {2, 20, 4, -10},
 };
 
-TEST(Roll, TurnsByHalfADegreeAPixelWithTheSignOfTheQuadrant) {
+TEST(Roll, RotatesByTheTravelWithTheSignOfTheQuadrant) {
     for (const RollCase& row : kRollCases) {
         const ViewFrame turned = RotateFrame({}, RollRule(row.quadrant, 360, 360), row.dx, row.dy);
         EXPECT_NEAR(std::atan2(turned.wx[1], turned.wx[0]) * 180 / kPi, row.degrees, 1e-5)
@@ -283,7 +283,7 @@ TEST(Roll, TurnsByHalfADegreeAPixelWithTheSignOfTheQuadrant) {
     }
 }
 
-TEST(Roll, ThePictureFollowsAMouseThatCirclesTheCentre) {
+TEST(Roll, MovesThePictureWithAMouseThatCirclesTheCentre) {
     constexpr double kRadius = 300;
     for (int degrees = 5; degrees < 360; degrees += 10)
         for (const double sense : {1.0, -1.0}) {
@@ -300,7 +300,7 @@ TEST(Roll, ThePictureFollowsAMouseThatCirclesTheCentre) {
         }
 }
 
-TEST(Roll, RunsWhateverTheRotationModeSays) {
+TEST(Roll, IgnoresTheRotationMode) {
     const ViewFrame f = ObliqueFrame();
     for (std::int32_t quadrant = 0; quadrant < 4; ++quadrant) {
         const bool bottom = quadrant >= 2, right = quadrant == 1 || quadrant == 2;
@@ -315,7 +315,7 @@ TEST(Roll, RunsWhateverTheRotationModeSays) {
 
 // ---- limits of the travel and the window
 
-TEST(RotateFrame, WithoutTravelLeavesTheAxesAsTheyAre) {
+TEST(RotateFrame, WithoutTravelKeepsTheAxes) {
     const ViewFrame f = ObliqueFrame();
     for (const std::int32_t mode : {0, 1, 2}) ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 0, 0), f);
     for (std::int32_t quadrant = 0; quadrant < 4; ++quadrant)
@@ -327,7 +327,7 @@ TEST(RotateFrame, WithoutTravelLeavesTheAxesAsTheyAre) {
     ExpectNear(freely.center, f.center, 1e-5, "the centre goes through the axes and back");
 }
 
-TEST(RotateFrame, InAWindowWithoutAreaLeavesTheFrame) {
+TEST(RotateFrame, InAWindowWithoutAreaKeepsTheFrame) {
     const ViewFrame f = ObliqueFrame();
     for (const Shape& shape : {Shape{0, 480}, Shape{640, 0}, Shape{0, 0}, Shape{-1, -1}})
         for (const std::int32_t mode : {0, 1, 2, 3}) {
@@ -336,7 +336,7 @@ TEST(RotateFrame, InAWindowWithoutAreaLeavesTheFrame) {
         }
 }
 
-TEST(RotateFrame, StaysAFrameForTheLongestTravelThatThereIs) {
+TEST(RotateFrame, StaysOrthonormalForTheLargestTravel) {
     constexpr std::int32_t kLow = std::numeric_limits<std::int32_t>::min();
     const ViewFrame f = ObliqueFrame();
     const auto expectFrame = [](const ViewFrame& turned) {
@@ -373,9 +373,9 @@ ViewFrame AfterRandomTurns(std::int32_t count, std::uint32_t seed, std::int32_t 
 constexpr std::int32_t kTurns = 100000;
 constexpr double kHalfUlp = 0x1p-25;  // of a component between 0.5 and 1, the largest there is
 
-// Each turn is exact but for one rounding of each component: an axis is off by at most sqrt(3) half units, a product of
-// two axes by twice that. Even if all of a hundred thousand erred the same way, 0.0104 would be the sum.
-TEST(RandomSmallTurns, AboutOneAxisEachKeepAFrameOrthonormalWithinTheSumOfTheirRoundings) {
+// Each rotation is exact but for one rounding of each component: an axis is off by at most sqrt(3) half units, a
+// product of two axes by twice that. Even if all of a hundred thousand erred the same way, 0.0104 would be the sum.
+TEST(RandomSmallRotations, AboutOneAxisEachKeepTheFrameOrthonormalWithinTheirRoundings) {
     for (const std::uint32_t seed : {1u, 2u, 3u})
         EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, 0, 2)), kTurns * 2 * std::sqrt(3.0) * kHalfUlp);
 }
@@ -383,7 +383,7 @@ TEST(RandomSmallTurns, AboutOneAxisEachKeepAFrameOrthonormalWithinTheSumOfTheirR
 // In floats a component is two products and their sum, three roundings; sine and cosine are off by half a unit each,
 // which stretches a vector by up to sqrt(2) half units more. wy and wz see two such steps: 2 * (3 * sqrt(3) + sqrt(2))
 // half units an axis, twice that a product.
-TEST(RandomSmallTurns, OfAllKindsKeepAFrameOrthonormalWithinTheSumOfTheirRoundings) {
+TEST(RandomSmallRotations, OfAllModesKeepTheFrameOrthonormalWithinTheirRoundings) {
     const double perTurn = 2 * 2 * (3 * std::sqrt(3.0) + std::sqrt(2.0)) * kHalfUlp;
     for (const std::uint32_t seed : {1u, 2u, 3u}) {
         EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, 0, 3)), kTurns * perTurn);
@@ -394,7 +394,7 @@ TEST(RandomSmallTurns, OfAllKindsKeepAFrameOrthonormalWithinTheSumOfTheirRoundin
 // Roundings go either way, so a walk of n of them ends about sqrt(n) from its start, not n. What does not cancel is the
 // error of the few sines and cosines, each used ten thousand times: about 0.003 for the free rotation. A hundredth is
 // also the limit of SetViewParams: a view that a host reads back after hours of dragging is still accepted.
-TEST(RandomSmallTurns, LeaveAFrameThatIsStillAcceptedAsAView) {
+TEST(RandomSmallRotations, KeepAFrameThatIsAcceptedAsAView) {
     for (const std::uint32_t seed : {1u, 2u, 3u, 4u, 5u})
         for (const std::int32_t firstMode : {0, 3}) {
             const ViewFrame frame = AfterRandomTurns(kTurns, seed, firstMode, 3);
@@ -404,7 +404,7 @@ TEST(RandomSmallTurns, LeaveAFrameThatIsStillAcceptedAsAView) {
 
 // ---- single rotations
 
-TEST(RotationAbout, IsRightHandedAndTakesAnAxisOfAnyLength) {
+TEST(RotationAbout, IsRightHandedForAnAxisOfAnyLength) {
     for (const float length : {1.0f, 0.001f, 1e6f}) {
         ExpectNear(RotateDirection(RotationAbout({0, 0, length}, kPi / 2), {1, 0, 0}), {0, 1, 0}, 1e-7, "x to y");
         ExpectNear(RotateDirection(RotationAbout({length, 0, 0}, kPi / 2), {0, 1, 0}), {0, 0, 1}, 1e-7, "y to z");
@@ -424,19 +424,19 @@ TEST(RotationAbout, IsAUnitQuaternionWithoutTranslation) {
 
 // ---- where a drag rolls
 
-TEST(RollQuadrant, CountsClockwiseFromTheTopLeftAndGivesTheCentreLinesToRightAndBottom) {
+TEST(RollQuadrant, CountsClockwiseFromTheTopLeftWithTheCentreLinesAtRightAndBottom) {
     for (const std::int32_t odd : {0, 1}) {  // integer halves
         EXPECT_EQ(RollQuadrant(319, 239, 640 + odd, 480 + odd), 0);
         EXPECT_EQ(RollQuadrant(320, 239, 640 + odd, 480 + odd), 1);
         EXPECT_EQ(RollQuadrant(320, 240, 640 + odd, 480 + odd), 2);
         EXPECT_EQ(RollQuadrant(319, 240, 640 + odd, 480 + odd), 3);
     }
-    EXPECT_EQ(RollQuadrant(-50, -50, 640, 480), 0) << "a captured mouse leaves the window";
+    EXPECT_EQ(RollQuadrant(-50, -50, 640, 480), 0) << "a captured mouse outside the window";
     EXPECT_EQ(RollQuadrant(900, 900, 640, 480), 2);
     EXPECT_EQ(RollQuadrant(0, 0, 1, 1), 2);
 }
 
-TEST(InscribedCircle, HasItsRimInside) {
+TEST(InscribedCircle, IncludesItsRim) {
     EXPECT_FALSE(IsOutsideInscribedCircle(320, 240, 640, 480));
     EXPECT_FALSE(IsOutsideInscribedCircle(320, 0, 640, 480));
     EXPECT_TRUE(IsOutsideInscribedCircle(320, -1, 640, 480));
@@ -447,7 +447,7 @@ TEST(InscribedCircle, HasItsRimInside) {
     EXPECT_TRUE(IsOutsideInscribedCircle(0, 0, 640, 480));
 }
 
-TEST(InscribedCircle, FollowsTheSmallerSideAndTheIntegerHalves) {
+TEST(InscribedCircle, HasHalfTheSmallerSideRoundedDownAsRadius) {
     EXPECT_FALSE(IsOutsideInscribedCircle(0, 500, 101, 1001)) << "radius 50 about (50, 500)";
     EXPECT_FALSE(IsOutsideInscribedCircle(100, 500, 101, 1001));
     EXPECT_TRUE(IsOutsideInscribedCircle(101, 500, 101, 1001));

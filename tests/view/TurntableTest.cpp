@@ -1,4 +1,4 @@
-// The turntable's step by hand: when it ends, how far it turns, and about what.
+// One step of the turntable by hand: when it ends, by which angle it rotates, and about which axis.
 #include "view/Turntable.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ TurntableClock Clock(double start, double last, double now) {
 
 // ---- the end
 
-TEST(StepTurntable, EndsBehindTheTimeOfOneRevolutionNotAtIt) {
+TEST(StepTurntable, EndsAfterTheTimeOfOneRevolution) {
     EXPECT_FALSE(StepTurntable(Clock(5, 6.9, 6.99), 0.5f).ended);
     EXPECT_FALSE(StepTurntable(Clock(5, 6.9, 7.0), 0.5f).ended);
     EXPECT_TRUE(StepTurntable(Clock(5, 6.9, 7.001), 0.5f).ended);
@@ -28,9 +28,11 @@ TEST(StepTurntable, EndsBehindTheTimeOfOneRevolutionNotAtIt) {
     EXPECT_TRUE(StepTurntable(Clock(0, 0, 0.251), 4.0f).ended);
 }
 
-TEST(StepTurntable, TurnsNoFurtherWhenItEnds) { EXPECT_EQ(StepTurntable(Clock(5, 6.9, 7.5), 0.5f).revolutions, 0.0f); }
+TEST(StepTurntable, DoesNotRotateInTheStepThatEndsIt) {
+    EXPECT_EQ(StepTurntable(Clock(5, 6.9, 7.5), 0.5f).revolutions, 0.0f);
+}
 
-TEST(StepTurntable, AtSpeedZeroNeverEndsAndTurnsByNothing) {
+TEST(StepTurntable, AtSpeedZeroNeverEndsAndDoesNotRotate) {
     for (const double now : {0.0, 1.0, 86400.0, 5e9}) {
         const TurntableStep step = StepTurntable(Clock(0, 0, now), 0.0f);
         EXPECT_FALSE(step.ended) << now;
@@ -38,7 +40,7 @@ TEST(StepTurntable, AtSpeedZeroNeverEndsAndTurnsByNothing) {
     }
 }
 
-TEST(StepTurntable, AtANegativeSpeedEndsWithTheFirstStepAndNeverTurns) {
+TEST(StepTurntable, AtANegativeSpeedEndsWithTheFirstStepWithoutRotating) {
     for (const float speed : {-0.5f, -1000.0f, -1e-6f, -0.0f})
         for (const double now : {5.0, 5.001, 900.0}) {
             const TurntableStep step = StepTurntable(Clock(5, 5, now), speed);
@@ -47,14 +49,14 @@ TEST(StepTurntable, AtANegativeSpeedEndsWithTheFirstStepAndNeverTurns) {
         }
 }
 
-TEST(StepTurntable, MeasuresTheTimeByTheCountersOwnFrequency) {
+TEST(StepTurntable, MeasuresTheTimeByTheFrequencyOfTheCounter) {
     const TurntableClock slow{.start = 100, .last = 130, .now = 140, .frequency = 10};
     EXPECT_FALSE(StepTurntable(slow, 0.25f).ended) << "4 seconds of 4";
     EXPECT_EQ(StepTurntable(slow, 0.25f).revolutions, 0.25f) << "1 second";
     EXPECT_TRUE(StepTurntable(slow, 0.26f).ended);
 }
 
-TEST(StepTurntable, ReadsDifferencesSoThatAMachineThatRanForYearsTurnsAsSmoothly) {
+TEST(StepTurntable, KeepsItsPrecisionWhenTheCounterRanForYears) {
     constexpr std::int64_t kYears = 300'000'000 * kSecond;
     const TurntableClock late{kYears, kYears + kSecond, kYears + kSecond + 16'000'000, kSecond};
     EXPECT_FLOAT_EQ(StepTurntable(late, 0.5f).revolutions, 0.008f);
@@ -63,7 +65,7 @@ TEST(StepTurntable, ReadsDifferencesSoThatAMachineThatRanForYearsTurnsAsSmoothly
 // ---- the angle
 
 // Rounded by hand to single precision after each operation; in double precision the last digit would be another.
-TEST(StepTurntable, WorksInSinglePrecision) {
+TEST(StepTurntable, IsComputedInSinglePrecision) {
     const auto revolutions = [](std::int64_t ticks, float speed) {
         return StepTurntable({.start = 0, .last = 0, .now = ticks, .frequency = kSecond}, speed).revolutions;
     };
@@ -84,12 +86,12 @@ double TotalRevolutions(double framesPerSecond, double seconds, float speed) {
     return total;
 }
 
-TEST(StepTurntable, TurnsAsFarInAGivenTimeAtAnyFrameRate) {
+TEST(StepTurntable, RotatesByTheSameAngleAtAnyFrameRate) {
     for (const double rate : {1.0, 4.0, 60.0, 1000.0})
-        EXPECT_NEAR(TotalRevolutions(rate, 3.0, 0.25f), 0.75, 1e-5) << rate << " frames a second";
+        EXPECT_NEAR(TotalRevolutions(rate, 3.0, 0.25f), 0.75, 1e-5) << rate << " frames per second";
 }
 
-TEST(StepTurntable, FallsShortOfARevolutionByLessThanAFrame) {
+TEST(StepTurntable, EndsWithinOneFrameOfAWholeRevolution) {
     for (const double rate : {3.0, 7.0, 60.0}) {
         const double total = TotalRevolutions(rate, 100.0, 0.23f);
         EXPECT_LT(total, 1.0 + 1e-5) << rate;
@@ -97,10 +99,10 @@ TEST(StepTurntable, FallsShortOfARevolutionByLessThanAFrame) {
     }
 }
 
-// ---- the turned frame
+// ---- the rotated frame
 
-// The view from the front, (0, -1, 0), to its right; a quarter turn later from the right.
-TEST(RotateFrameAboutAxis, WalksTheCameraCounterClockwiseAroundTheAxis) {
+// The view from (0, -1, 0); a quarter of a revolution later from (1, 0, 0).
+TEST(RotateFrameAboutAxis, MovesTheCameraAnticlockwiseAroundTheAxis) {
     const ViewFrame front{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {5, 6, 7}};
     const ViewFrame turned = RotateFrameAboutAxis(front, {0, 0, 1}, 0.25f);
     ExpectNear(turned.wx, {0, 1, 0}, 1e-7, "wx");
@@ -109,7 +111,7 @@ TEST(RotateFrameAboutAxis, WalksTheCameraCounterClockwiseAroundTheAxis) {
     EXPECT_EQ(turned.center, front.center);
 }
 
-TEST(RotateFrameAboutAxis, TurnsBackwardsByNegativeRevolutionsAndNotByNone) {
+TEST(RotateFrameAboutAxis, RotatesBackByNegativeRevolutionsAndNotByZero) {
     const ViewFrame front{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {5, 6, 7}};
     ExpectNear(RotateFrameAboutAxis(front, {0, 0, 1}, -0.25f).wx, {0, -1, 0}, 1e-7, "wx");
     const ViewFrame same = RotateFrameAboutAxis(front, {0, 0, 1}, 0.0f);
@@ -118,8 +120,8 @@ TEST(RotateFrameAboutAxis, TurnsBackwardsByNegativeRevolutionsAndNotByNone) {
     EXPECT_EQ(same.wz, front.wz);
 }
 
-// An oblique view keeps its height above the ground: the axis is the world's, not the screen's.
-TEST(RotateFrameAboutAxis, KeepsWhatEachAxisHasAlongTheTurntablesAxis) {
+// The axis is the world's, not the screen's: an oblique view keeps its inclination.
+TEST(RotateFrameAboutAxis, KeepsTheComponentsAlongTheAxisOfTheTurntable) {
     const float s = 0.70710678f;
     const ViewFrame oblique{{-s, s, 0}, {-0.5f, -0.5f, s}, {0.5f, 0.5f, s}, {}};
     const ViewFrame turned = RotateFrameAboutAxis(oblique, {0, 0, 1}, 0.125f);  // 45 degrees
@@ -128,7 +130,7 @@ TEST(RotateFrameAboutAxis, KeepsWhatEachAxisHasAlongTheTurntablesAxis) {
     ExpectNear(turned.wz, {0, s, s}, 1e-7, "wz");
 }
 
-TEST(RotateFrameAboutAxis, TakesAnyAxis) {
+TEST(RotateFrameAboutAxis, RotatesAboutAnyAxis) {
     ExpectNear(RotateFrameAboutAxis({}, {0, 3, 0}, 0.25f).wx, {0, 0, -1}, 1e-7, "wx about Y");
     ExpectNear(RotateFrameAboutAxis({}, {1, 1, 1}, 1.0f / 3).wx, {0, 1, 0}, 3e-7, "a third about the diagonal");
 }

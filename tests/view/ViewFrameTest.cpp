@@ -1,3 +1,4 @@
+// The camera as plain numbers, by hand: fixed views, snap, projection, pan, zoom, the surface on an axis.
 #include "view/ViewFrame.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +35,7 @@ const View kViews[] = {
 };
 class CannedViews : public testing::TestWithParam<View> {};
 
-TEST_P(CannedViews, HaveTheirOwnRightHandedFrame) {
+TEST_P(CannedViews, HaveARightHandedFrame) {
     const View& expected = GetParam();
     const auto frame = CannedView(expected.mode);
     ASSERT_TRUE(frame.has_value());
@@ -52,33 +53,33 @@ TEST(CannedView, IsNothingForOtherModes) {
 
 // ---- snap
 
-ViewFrame NearTop(float wzX, float wzY) {
+ViewFrame NearY(float wzX, float wzY) {
     return {.wx = {0.6f, 0, 0.8f}, .wy = {0.8f, 0, -0.6f}, .wz = {wzX, wzY, 0}, .center = {1, 2, 3}};
 }
 
-TEST(SnapFrame, MakesAnAxisWithinTheThresholdOfTheTopExact) {
-    ViewFrame frame = NearTop(0.99e-5f, 1);
+TEST(SnapFrame, MakesAViewAxisWithinTheThresholdOfYExact) {
+    ViewFrame frame = NearY(0.99e-5f, 1);
     SnapFrame(frame);
     EXPECT_EQ(frame.wz, (Float3{0, 1, 0}));
-    EXPECT_EQ(frame.wx, (Float3{0.6f, 0, 0.8f})) << "the picture's turn about the axis stays";
+    EXPECT_EQ(frame.wx, (Float3{0.6f, 0, 0.8f})) << "the rotation of the picture about the axis is kept";
     EXPECT_EQ(frame.wy, (Float3{0.8f, 0, -0.6f}));
     EXPECT_EQ(frame.center, (Float3{1, 2, 3}));
 }
 
-TEST(SnapFrame, LeavesAnAxisJustOutsideTheThresholdAlone) {
-    ViewFrame frame = NearTop(1.01e-5f, 1);
+TEST(SnapFrame, KeepsAViewAxisJustOutsideTheThreshold) {
+    ViewFrame frame = NearY(1.01e-5f, 1);
     SnapFrame(frame);
     EXPECT_EQ(frame.wz, (Float3{1.01e-5f, 1, 0}));
 }
 
-TEST(SnapFrame, KeepsTheBottomViewAtTheBottom) {
-    ViewFrame frame = NearTop(-0.99e-5f, -1);
+TEST(SnapFrame, KeepsTheSignOfTheAxis) {
+    ViewFrame frame = NearY(-0.99e-5f, -1);
     SnapFrame(frame);
     EXPECT_EQ(frame.wz, (Float3{0, -1, 0}));
 }
 
-TEST(SnapFrame, SeesATiltTowardsZAsWell) {
-    ViewFrame inside = NearTop(0, 1), outside = NearTop(0, 1);
+TEST(SnapFrame, AppliesToATiltTowardsZAsWell) {
+    ViewFrame inside = NearY(0, 1), outside = NearY(0, 1);
     inside.wz[2] = -0.99e-5f;
     outside.wz[2] = -1.01e-5f;
     SnapFrame(inside);
@@ -102,7 +103,7 @@ const AxisSnap kAxisSnaps[] = {
 };
 class SnapOfTheScreenAxes : public testing::TestWithParam<AxisSnap> {};
 
-TEST_P(SnapOfTheScreenAxes, FollowsTheSnapOfTheViewAxis) {
+TEST_P(SnapOfTheScreenAxes, IsAppliedAfterThatOfTheViewAxis) {
     const AxisSnap& row = GetParam();
     ViewFrame frame{.wx = {row.wxX, 0.004f, 0.002f}, .wy = {0.003f, 0.001f, row.wyZ}, .wz = {1e-6f, 1, 0}};
     SnapFrame(frame);
@@ -113,7 +114,7 @@ TEST_P(SnapOfTheScreenAxes, FollowsTheSnapOfTheViewAxis) {
 INSTANTIATE_TEST_SUITE_P(All, SnapOfTheScreenAxes, testing::ValuesIn(kAxisSnaps),
                          [](const auto& row) { return row.param.name; });
 
-TEST(SnapFrame, LeavesTheScreenAxesAloneWhenTheViewAxisIsNotSnapped) {
+TEST(SnapFrame, KeepsTheScreenAxesWhenTheViewAxisIsNotSnapped) {
     const ViewFrame before{.wx = {1 - 0.5e-5f, 0, 0}, .wy = {0, 1e-4f, -1}, .wz = {0, 1, 1e-4f}};
     ViewFrame frame = before;
     SnapFrame(frame);
@@ -138,7 +139,7 @@ TEST(ComputeOrthoExtents, DeepensWithTheZoomOnlyAboveOne) {
     EXPECT_DOUBLE_EQ(ComputeOrthoExtents(8, 10, 1, 1).depth, 320);
 }
 
-TEST(ComputeAspect, GivesTheLongerSideItsRatio) {
+TEST(ComputeAspect, IsTheRatioForTheLongerSide) {
     EXPECT_EQ(ComputeAspect(600, 400).x, 1.5f);
     EXPECT_EQ(ComputeAspect(600, 400).y, 1.0f);
     EXPECT_EQ(ComputeAspect(400, 500).x, 1.0f);
@@ -148,7 +149,7 @@ TEST(ComputeAspect, GivesTheLongerSideItsRatio) {
     EXPECT_FLOAT_EQ(ComputeAspect(1, 777).y, 777.0f);
 }
 
-TEST(EyePoint, StandsTwoSceneSizesTowardsTheViewer) {
+TEST(EyePoint, IsTwoSceneSizesFromTheCentre) {
     const ViewFrame frame{.wz = {0.6f, 0, -0.8f}, .center = {1, 2, 3}};
     ExpectNear(EyePoint(frame, 100), {121, 2, -157}, 1e-4f, "eye");
 }
@@ -186,7 +187,9 @@ const ViewAxes kViewAxes[] = {
     {"Zero", {0, 0, 0}, {0, 1, 0}, false},
 };
 class IsViewFrameOf : public testing::TestWithParam<ViewAxes> {};
-TEST_P(IsViewFrameOf, Axes) { EXPECT_EQ(IsViewFrame(GetParam().wx, GetParam().wy), GetParam().accepted); }
+TEST_P(IsViewFrameOf, AcceptsNearlyOrthonormalAxes) {
+    EXPECT_EQ(IsViewFrame(GetParam().wx, GetParam().wy), GetParam().accepted);
+}
 INSTANTIATE_TEST_SUITE_P(All, IsViewFrameOf, testing::ValuesIn(kViewAxes),
                          [](const auto& row) { return row.param.name; });
 
@@ -194,7 +197,7 @@ INSTANTIATE_TEST_SUITE_P(All, IsViewFrameOf, testing::ValuesIn(kViewAxes),
 
 TEST(PannedCenter, MovesAgainstTheDragInAWideWindow) {
     const ViewFrame frame{.wx = {0, 1, 0}, .wy = {0, 0, 1}, .wz = {1, 0, 0}, .center = {5, 5, 5}};
-    // 400 pixels of height show 100 * 2 units: half a unit a pixel, in both directions
+    // 400 pixels of height show 100 * 2 units: half a unit per pixel, in both directions
     const PanScale scale{.sceneSize = 100, .zoom = 2, .aspectX = 1.5f, .aspectY = 1, .width = 600, .height = 400};
     ExpectNear(PannedCenter(frame, scale, 10, 0), {5, 0, 5}, 1e-5f, "to the right");
     ExpectNear(PannedCenter(frame, scale, 0, 10), {5, 5, 10}, 1e-5f, "downward");
@@ -203,10 +206,10 @@ TEST(PannedCenter, MovesAgainstTheDragInAWideWindow) {
 
 TEST(PannedCenter, UsesTheWidthInATallWindow) {
     const PanScale scale{.sceneSize = 100, .zoom = 1, .aspectX = 1, .aspectY = 2, .width = 200, .height = 400};
-    ExpectNear(PannedCenter({}, scale, 20, 20), {-10, 10, 0}, 1e-5f, "half a unit a pixel");
+    ExpectNear(PannedCenter({}, scale, 20, 20), {-10, 10, 0}, 1e-5f, "half a unit per pixel");
 }
 
-TEST(PannedCenter, StaysInAWindowWithoutArea) {
+TEST(PannedCenter, IsUnchangedInAWindowWithoutArea) {
     const ViewFrame frame{.center = {5, 6, 7}};
     for (const auto& [width, height] : {std::pair{0, 480}, std::pair{640, 0}, std::pair{0, 0}, std::pair{-1, -1}}) {
         const PanScale scale{.sceneSize = 100, .zoom = 1, .aspectX = 1, .aspectY = 1, .width = width, .height = height};
@@ -222,7 +225,7 @@ struct ZoomStep {
 };
 void PrintTo(const ZoomStep& row, std::ostream* out) { *out << row.name; }
 
-const float kJustAboveLeast = std::nextafter(0.1f, 1.0f), kJustBelowMost = std::nextafter(10.0f, 0.0f);
+const float kJustAboveMinimum = std::nextafter(0.1f, 1.0f), kJustBelowMaximum = std::nextafter(10.0f, 0.0f);
 const ZoomStep kZoomSteps[] = {
     {"UpwardByFiveHundredHalves", 1, 0, -500, 0.5f},
     {"DownwardByFiveHundredDoubles", 1, 0, 500, 2},
@@ -231,16 +234,16 @@ const ZoomStep kZoomSteps[] = {
     {"LeftwardZoomsOut", 1, -500, 0, 2},
     {"OnTheDiagonalZoomsIn", 3, 300, 300, 3 / 1.8485281f},
     {"NoTravelChangesNothing", 1.5f, 0, 0, 1.5f},
-    {"AtTheLeastStaysForZoomIn", 0.1f, 0, -500, 0.1f},
-    {"JustAboveTheLeastOvershootsByOneFactor", kJustAboveLeast, 0, -500, kJustAboveLeast / 2},
-    {"BelowTheLeastZoomsOutAgain", 0.05f, 0, 500, 0.1f},
-    {"AtTheMostStaysForZoomOut", 10, 0, 500, 10},
-    {"JustBelowTheMostOvershootsByOneFactor", kJustBelowMost, 0, 500, kJustBelowMost * 2},
-    {"AboveTheMostZoomsInAgain", 20, 0, -500, 10},
+    {"AtTheMinimumDoesNotZoomIn", 0.1f, 0, -500, 0.1f},
+    {"JustAboveTheMinimumOvershootsByOneFactor", kJustAboveMinimum, 0, -500, kJustAboveMinimum / 2},
+    {"BelowTheMinimumZoomsOutAgain", 0.05f, 0, 500, 0.1f},
+    {"AtTheMaximumDoesNotZoomOut", 10, 0, 500, 10},
+    {"JustBelowTheMaximumOvershootsByOneFactor", kJustBelowMaximum, 0, 500, kJustBelowMaximum * 2},
+    {"AboveTheMaximumZoomsInAgain", 20, 0, -500, 10},
     {"AHugeTravelDoesNotWrap", 1, 60000, 0, 1 / 121.0f},
 };
 class ZoomedByADrag : public testing::TestWithParam<ZoomStep> {};
-TEST_P(ZoomedByADrag, Of) {
+TEST_P(ZoomedByADrag, FollowsTheLengthOfTheTravelUpToTheLimits) {
     EXPECT_FLOAT_EQ(ZoomedBy(GetParam().zoom, GetParam().dx, GetParam().dy), GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(All, ZoomedByADrag, testing::ValuesIn(kZoomSteps),
@@ -265,12 +268,12 @@ TEST(FindAxisHit, FindsNothingInAnEmptyScene) {
     EXPECT_FALSE(FindAxisHit(Meshes({{}}), kOrigin, kUp).has_value());
 }
 
-TEST(FindAxisHit, SkipsWhatFacesAway) {
+TEST(FindAxisHit, SkipsVerticesThatFaceAway) {
     const auto meshes = Meshes({{At(0, 0, 1, {0, 0, -1}), At(0, 0, 2, {1, 0, -1e-6f})}});
     EXPECT_FALSE(FindAxisHit(meshes, kOrigin, kUp).has_value());
 }
 
-TEST(FindAxisHit, KeepsWhatStandsEdgeOnAndWhatHasNoNormal) {
+TEST(FindAxisHit, FindsVerticesSeenEdgeOnAndWithoutANormal) {
     EXPECT_EQ(FindAxisHit(Meshes({{At(0, 0, 1, {1, 0, 0})}}), kOrigin, kUp), (Float3{0, 0, 1}));
     EXPECT_EQ(FindAxisHit(Meshes({{At(0, 0, 2, {0, 0, 0})}}), kOrigin, kUp), (Float3{0, 0, 2}));
 }
@@ -279,27 +282,27 @@ TEST(FindAxisHit, ReturnsTheFootOnTheAxisNotTheVertex) {
     EXPECT_EQ(FindAxisHit(Meshes({{At(3, 4, 7)}}), kOrigin, kUp), (Float3{0, 0, 7}));
 }
 
-TEST(FindAxisHit, TakesTheVertexNearestToTheAxisWhenNoneIsClose) {
+TEST(FindAxisHit, FindsTheVertexNearestToTheAxisWhenNoneIsClose) {
     EXPECT_EQ(FindAxisHit(Meshes({{At(9, 0, 50), At(0, 5, 1)}, {At(6, 0, 90)}}), kOrigin, kUp), (Float3{0, 0, 1}));
 }
 
-TEST(FindAxisHit, TakesTheFrontmostOfThoseCloseToTheAxis) {
+TEST(FindAxisHit, FindsTheFrontmostOfTheVerticesCloseToTheAxis) {
     // the second is nearer to the axis, the third is nearer to the origin
     EXPECT_EQ(FindAxisHit(Meshes({{At(0.2f, 0, 10), At(0, 0, 20)}, {At(0, 0.3f, 60)}}), kOrigin, kUp),
               (Float3{0, 0, 60}));
 }
 
-TEST(FindAxisHit, CallsCloseWhatIsBelowATenthSquared) {
+TEST(FindAxisHit, CountsASquaredDistanceBelowATenthAsClose) {
     // squared 0.09999 and 0.10001
     EXPECT_EQ(FindAxisHit(Meshes({{At(0, 0, 20), At(0.31622f, 0, 60)}}), kOrigin, kUp), (Float3{0, 0, 60}));
     EXPECT_EQ(FindAxisHit(Meshes({{At(0, 0, 20), At(0.31624f, 0, 60)}}), kOrigin, kUp), (Float3{0, 0, 20}));
 }
 
-TEST(FindAxisHit, LooksBehindTheOriginAsWell) {
+TEST(FindAxisHit, FindsVerticesOnBothSidesOfTheOrigin) {
     EXPECT_EQ(FindAxisHit(Meshes({{At(0, 0, 130), At(0, 0, 20)}}), kOrigin, kUp), (Float3{0, 0, 130}));
 }
 
-TEST(FindAxisHit, PrefersTheNearestToTheAxisWhenTheFrontmostStandsAtTheOrigin) {
+TEST(FindAxisHit, FindsTheNearestToTheAxisWhenTheFrontmostIsAtTheOrigin) {
     EXPECT_EQ(FindAxisHit(Meshes({{At(0.2f, 0, 100), At(0.1f, 0, 20), At(0.15f, 0, 60)}}), kOrigin, kUp),
               (Float3{0, 0, 20}));
 }
@@ -309,7 +312,7 @@ TEST(FindAxisHit, KeepsTheFirstOfEqualCandidates) {
     EXPECT_EQ(FindAxisHit(Meshes({{At(0, 0, 90), At(0, 0, 110)}}), kOrigin, kUp), (Float3{0, 0, 90}));
 }
 
-TEST(FindAxisHit, SeesHiddenMeshes) {
+TEST(FindAxisHit, IncludesHiddenMeshes) {
     const auto meshes = Meshes({{At(1, 0, 3)}, {At(2, 0, 4)}});
     meshes[0]->m_iVisible = 0;
     EXPECT_EQ(FindAxisHit(meshes, kOrigin, kUp), (Float3{0, 0, 3}));

@@ -1,4 +1,4 @@
-// Drags that turn the view of a whole control: what they change, what they ask for, and when they roll.
+// Drags that rotate the view of a whole control: what they change, which repaints they request, and when they roll.
 #include <cmath>
 #include <cstdint>
 #include <numbers>
@@ -29,7 +29,7 @@ protected:
     OffscreenControl c;
 };
 
-TEST_F(RotatingDrag, WritesTheFrameBackAndRefreshesOnceAMove) {
+TEST_F(RotatingDrag, UpdatesTheCameraAndRefreshesOncePerMove) {
     c->m_fRotationCenter = {0, 0, -10};
     Mouse(Kind::LeftDown, kMouseLeft, 320, 240);
     c.window->Forget();
@@ -40,10 +40,10 @@ TEST_F(RotatingDrag, WritesTheFrameBackAndRefreshesOnceAMove) {
     ExpectNear(c->m_fViewCenter, {-10, 0, -10}, 1e-5, "centre, around the pivot");
     EXPECT_EQ(c->m_savedView.wz, c->m_fAxisZ) << "the matrices follow";
     ExpectOnlyRefresh(*c.window);
-    EXPECT_TRUE(c.events.events.empty()) << "nobody is told unless tracing";
+    EXPECT_TRUE(c.events.events.empty()) << "reported in tracing mode only";
 }
 
-TEST_F(RotatingDrag, TellsTheHostTheNewDirectionWhileTracing) {
+TEST_F(RotatingDrag, ReportsTheDirectionToTheHostInTracingMode) {
     c->TracingMode(1);
     Mouse(Kind::LeftDown, kMouseLeft, 320, 240);
     c.events.events.clear();
@@ -52,18 +52,18 @@ TEST_F(RotatingDrag, TellsTheHostTheNewDirectionWhileTracing) {
     EXPECT_EQ(c.events.events[0].name, "ViewDirectionChanged");
 }
 
-TEST_F(RotatingDrag, TakesARotationModeThatIsSetDuringTheDragWithTheNextMove) {
+TEST_F(RotatingDrag, UsesANewRotationModeWithTheNextMove) {
     Mouse(Kind::LeftDown, kMouseLeft, 320, 240);
-    c->SetRotationMode(0);
+    c->SetRotationMode(KV_ScenePane::RotateAboutHorizontal);
     Mouse(Kind::Move, kMouseLeft, 400, 240);
-    EXPECT_EQ(c->m_fAxisX, (Float3{1, 0, 0})) << "about the horizontal alone";
-    c->SetRotationMode(1);
+    EXPECT_EQ(c->m_fAxisX, (Float3{1, 0, 0})) << "about the horizontal only";
+    c->SetRotationMode(KV_ScenePane::RotateAboutVertical);
     Mouse(Kind::Move, kMouseLeft, 400 + 320, 100);
     ExpectNear(c->m_fAxisX, {0, 0, 1}, 1e-6, "a quarter turn about the vertical");
     EXPECT_EQ(c->m_fAxisY, (Float3{0, 1, 0}));
 }
 
-TEST_F(RotatingDrag, RollsFromAPressOutsideTheCircleOnly) {
+TEST_F(RotatingDrag, RollsOnlyFromAPressOutsideTheCircle) {
     Mouse(Kind::LeftDown, kMouseLeft, 80, 240);
     EXPECT_EQ(c->m_bRollRotation, 0) << "on the rim";
     Mouse(Kind::LeftUp, 0, 80, 240);
@@ -74,22 +74,23 @@ TEST_F(RotatingDrag, RollsFromAPressOutsideTheCircleOnly) {
     EXPECT_EQ(c->m_bRollRotation, 0) << "it ends with the drag";
 }
 
-TEST_F(RotatingDrag, ARollFollowsTheQuadrantOfTheMouseWhateverTheRotationMode) {
-    c->SetRotationMode(1);
+TEST_F(RotatingDrag, ARollFollowsTheQuadrantOfTheMouseInAnyRotationMode) {
+    c->SetRotationMode(KV_ScenePane::RotateAboutVertical);
     Mouse(Kind::LeftDown, kMouseLeft, 10, 10);
     EXPECT_EQ(c->m_nRollQuadrant, 0);
     Mouse(Kind::Move, kMouseLeft, 10 + 64, 10);  // a tenth of 180 degrees
     EXPECT_NEAR(RolledDegrees(), 18, 1e-4);
-    Mouse(Kind::Move, kMouseLeft, 630, 470);  // still by the top left, where the last point lies
+    Mouse(Kind::Move, kMouseLeft, 630, 470);  // by the quadrant of the last point, top left
     EXPECT_EQ(c->m_nRollQuadrant, 0);
     const double before = RolledDegrees();
     Mouse(Kind::Move, kMouseLeft, 630 - 64, 470);
     EXPECT_EQ(c->m_nRollQuadrant, 2);
-    EXPECT_NEAR(std::remainder(RolledDegrees() - before, 360), 18, 1e-4) << "to the left, and clockwise still";
+    EXPECT_NEAR(std::remainder(RolledDegrees() - before, 360), 18, 1e-4)
+        << "to the left at the bottom is clockwise, too";
     ExpectNear(c->m_fAxisZ, {0, 0, 1}, 1e-6, "wz");
 }
 
-TEST_F(RotatingDrag, ARollEndsByAnyButtonsRelease) {
+TEST_F(RotatingDrag, ARollEndsByTheReleaseOfAnyButton) {
     Mouse(Kind::LeftDown, kMouseLeft, 10, 10);
     Mouse(Kind::RightUp, 0, 10, 10);
     EXPECT_EQ(c->m_bRollRotation, 0);
@@ -106,7 +107,7 @@ TEST_F(RotatingDrag, APanOrAMiddleDragNeverRolls) {
     EXPECT_EQ(c->m_bRollRotation, 0);
 }
 
-TEST_F(RotatingDrag, BeginsWithTheViewAndThePointOfThePress) {
+TEST_F(RotatingDrag, StoresTheViewAndThePointOfThePress) {
     Mouse(Kind::LeftDown, kMouseLeft, 33, 44);
     EXPECT_EQ(c->m_nLastMouseX, 33);
     EXPECT_EQ(c->m_nLastMouseY, 44);
