@@ -8,6 +8,7 @@ constexpr int kFramePeriodMs = 16;  // about 60 frames per second
 
 AnimationDriver::AnimationDriver(QObject* parent) : QObject(parent) {
     m_timer.setInterval(kFramePeriodMs);
+    // A coarse timer may be 5 % late, which is visible as uneven motion.
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &AnimationDriver::DrawFrame);
 }

@@ -6,6 +6,7 @@
 
 #include "KV_ScenePane/_DKV_ScenePane.h"
 
+/// Draws frames at a fixed rate while the animation of a viewer runs.
 class AnimationDriver : public QObject {
     Q_OBJECT
 public:

@@ -54,6 +54,7 @@ void AnimationPanel::Check() { m_pDriver->Check(); }
 
 void AnimationPanel::StartOrStop() {
     if (m_pMethods == nullptr) return;
+    // The driver follows the viewer, so it knows also of an animation that a key has started.
     if (m_pDriver->IsDriving())
         m_pMethods->StopAnimation();
     else

@@ -9,6 +9,7 @@ class QCheckBox;
 class QDoubleSpinBox;
 class QPushButton;
 
+/// The button starts one revolution about the Z axis or stops it; the speed can be changed while it runs.
 class AnimationPanel : public QWidget {
     Q_OBJECT
 public:
@@ -22,6 +23,7 @@ public:
 private:
     void StartOrStop();
     void SetSpeed(double revolutionsPerSecond);
+    /// The text of the button: what a click does next.
     void ShowRunning(bool running);
 
     KV_ScenePane::_DKV_ScenePane* m_pMethods = nullptr;

@@ -9,6 +9,7 @@ class QCheckBox;
 class QGridLayout;
 class QLabel;
 
+/// Modal: the caller reads Colors() after it was accepted.
 class BackgroundDialog : public QDialog {
     Q_OBJECT
 public:

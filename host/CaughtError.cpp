@@ -8,8 +8,9 @@
 
 std::string TextOfCaughtError() {
     try {
-        throw;
+        throw;  // the exception that the caller is handling
     } catch (const std::bad_alloc&) {
+        // In place of its own text, which is the name of the class.
         return "there is not enough memory";
     } catch (const std::exception& error) {
         const std::string text = JoinLines(error.what());

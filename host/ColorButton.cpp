@@ -27,7 +27,7 @@ void ColorButton::SetPacked(std::int32_t packed) {
 
 void ColorButton::Choose() {
     const QColor color = QColorDialog::getColor(ColorFromPacked(m_nPacked), this, tr("Colour"));
-    if (!color.isValid()) return;
+    if (!color.isValid()) return;  // the dialog was cancelled
     SetPacked(PackedFromColor(color));
     emit ColorChosen(m_nPacked);
 }

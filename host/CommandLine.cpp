@@ -17,7 +17,7 @@ namespace {
 constexpr int kMaxSide = 16384;  // the largest drawing area that common drivers accept, pixels
 constexpr int kMaxSkip = 32767;  // the viewer's skip value has 16 bits
 
-/// The whole of @p text as a number, or nothing.
+/// The whole of @p text as a number; empty for any other text, also for a number with something after it.
 template <class Number>
 std::optional<Number> WholeNumber(std::string_view text, int base = 10) {
     Number value{};
@@ -36,6 +36,8 @@ std::optional<int> IntegerIn(std::string_view text, int smallest, int largest) {
     const auto value = WholeNumber<int>(text);
     return value && *value >= smallest && *value <= largest ? value : std::nullopt;
 }
+
+// One function per option: reads its value and stores it. False for an invalid value, and nothing is stored then.
 
 bool ReadSize(std::string_view text, HostOptions& options) {
     const std::size_t cross = text.find('x');
@@ -123,6 +125,7 @@ constexpr ValueOption kValueOptions[] = {
     {"--color", "six hexadecimal digits RRGGBB", Scope::Import, ReadColor},
 };
 
+/// Null for an unknown option.
 const ValueOption* FindValueOption(std::string_view name) {
     for (const ValueOption& option : kValueOptions) {
         if (option.name == name) return &option;
@@ -137,6 +140,7 @@ struct GivenOptions {
     std::string_view lookOption;     ///< the last of these that a capture ignores; empty without one
 };
 
+/// Whether the option exists and has no value.
 bool IsSwitch(std::string_view name) {
     return name == "--info" || name == "--convert" || name == "--json" || name == "--shadows" || name == "--help" ||
            name == "--version";
@@ -218,6 +222,7 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     HostOptions options;
     GivenOptions given;
     bool optionsEnded = false;
+    // Options and files may be mixed; "--" ends the options.
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
         if (optionsEnded || argument.empty() || argument.front() != '-') {
@@ -229,17 +234,20 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
             optionsEnded = true;
             continue;
         }
+        // These two end the parsing: help must be printed also for a command line with mistakes.
         if (argument == "--help" || argument == "--version") {
             options.action = argument == "--help" ? HostAction::Help : HostAction::Version;
             return options;
         }
         if (StoreSwitch(argument, options, given)) continue;
+        // "--option value" or "--option=value".
         const std::string_view name = argument.substr(0, argument.find('='));
         const ValueOption* const option = FindValueOption(name);
         if (name != argument && IsSwitch(name)) return UsageError{std::string(name) + " takes no value"};
         if (option == nullptr) return UsageError{"unknown option " + std::string(argument)};
         if (auto error = ReadOption(*option, arguments, i, options, given)) return *error;
     }
+    // All options are known now: their combination is checked, and the run follows from them.
     if (const std::string text = Conflict(options, given); !text.empty()) return UsageError{text};
     if (given.screenshot) options.action = HostAction::Screenshot;
     if (given.capture) options.action = HostAction::Capture;

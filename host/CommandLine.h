@@ -8,21 +8,40 @@
 #include "KV_ScenePane/Modes.h"
 
 /// What the program does in this run.
-enum class HostAction { Window, Screenshot, Capture, Info, Convert, Help, Version };
+enum class HostAction {
+    /// Shows the files in a window until the user closes it.
+    Window,
+    /// Renders the files as the window would show them into a PNG file.
+    Screenshot,
+    /// Renders the files into a PNG file of the viewer's fixed size.
+    Capture,
+    /// Prints the content of the files.
+    Info,
+    /// Writes the content of one file in another format.
+    Convert,
+    Help,
+    Version
+};
 
 /// The options of one command line. An option that was not given has the value below.
 struct HostOptions {
     HostAction action = HostAction::Window;
-    std::string picturePath;         ///< of Screenshot and Capture; bytes, as typed
-    int width = 1024, height = 768;  ///< of the drawing area, device pixels; Capture ignores them
+    /// The PNG file of Screenshot and Capture; bytes, as typed.
+    std::string picturePath;
+    /// Drawing area in device pixels. Capture ignores it.
+    int width = 1024, height = 768;
     KV_ScenePane::ViewMode view = KV_ScenePane::ViewFromPlusZYUp;
     KV_ScenePane::DrawMode drawMode = KV_ScenePane::DrawModeGouraud;
-    float zoom = 1.0f;  ///< magnification, 0.1 to 10; 2 shows half as much
+    /// Magnification of the fitted view, 0.1 to 10; with 2 the view spans half the size.
+    float zoom = 1.0f;
     ImportSettings import;
     bool shadows = false;
-    bool json = false;               ///< of Info
-    std::vector<std::string> files;  ///< to open; bytes, as typed, in order
-    std::string exportPath;          ///< of Convert, with the extension of a type that can be written; bytes, as typed
+    /// Info prints JSON.
+    bool json = false;
+    /// The files to open; bytes, as typed, in their order.
+    std::vector<std::string> files;
+    /// The file that Convert writes, of a type that can be written; bytes, as typed.
+    std::string exportPath;
 };
 
 /// What is wrong with a command line, as one line without the program's name.
@@ -30,6 +49,7 @@ struct UsageError {
     std::string text;
 };
 
+/// Reads a whole command line. The first mistake is reported; whether files exist is not checked here.
 /// @param arguments  without the program's name
 [[nodiscard]] std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::string>& arguments);
 

@@ -95,6 +95,7 @@ DebugRouter::DebugRouter(std::function<void(std::string_view text)> rest) {
 
 DebugRouter::~DebugRouter() { KV_ScenePane::SetDebugOutputSink({}); }
 
+// The sink runs on the thread that writes, so a thread-local pointer is enough to find the right capture.
 DebugCapture::DebugCapture() { g_capturedText = &m_strText; }
 
 DebugCapture::~DebugCapture() { g_capturedText = nullptr; }

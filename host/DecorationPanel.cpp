@@ -49,6 +49,7 @@ void DecorationPanel::MakeParts() {
     connect(m_pCross, &QCheckBox::toggled, this, &DecorationPanel::CrossWanted);
     m_pCrossColor->setObjectName("crossColor");
     m_pCrossColor->SetName(tr("Colour of the centre cross"));
+    // SetCrossColor() requests no repaint, while SetArrowColor() draws a frame itself.
     connect(m_pCrossColor, &ColorButton::ColorChosen, this, [this](std::int32_t packed) {
         Apply([packed](auto& methods) {
             methods.SetCrossColor(packed);
@@ -103,7 +104,7 @@ void DecorationPanel::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
 }
 
 void DecorationPanel::ShowCross(bool on) {
-    const QSignalBlocker quiet(m_pCross);
+    const QSignalBlocker quiet(m_pCross);  // the caller has set the mode already
     m_pCross->setChecked(on);
 }
 

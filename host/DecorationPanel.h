@@ -10,6 +10,7 @@ class QCheckBox;
 class QSlider;
 class QSpinBox;
 
+/// Its first state is that of a new viewer: no decoration is shown.
 class DecorationPanel : public QWidget {
     Q_OBJECT
 public:
@@ -26,8 +27,11 @@ signals:
     void CrossWanted(bool on);
 
 private:
+    /// Names, tool tips and connections of everything but the angle.
     void MakeParts();
+    /// The angle, as a slider and as a number.
     void MakeAngle();
+    /// Puts all parts into the layout.
     void Arrange();
     /// Calls @p change with the viewer, if there is one.
     void Apply(const std::function<void(KV_ScenePane::_DKV_ScenePane&)>& change) const;

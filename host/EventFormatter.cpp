@@ -8,6 +8,7 @@
 
 namespace {
 
+/// The name and the text of one argument of an event.
 struct Argument {
     Argument(std::string_view argumentName, float value) : name(argumentName), text(NumberText(value)) {}
     Argument(std::string_view argumentName, std::int64_t value) : name(argumentName), text(std::to_string(value)) {}
@@ -15,6 +16,7 @@ struct Argument {
     std::string text;
 };
 
+/// "Event(name = value, name = value)".
 std::string Line(std::string_view event, std::initializer_list<Argument> arguments) {
     std::string line(event);
     line += '(';
@@ -26,6 +28,9 @@ std::string Line(std::string_view event, std::initializer_list<Argument> argumen
 }
 
 }  // namespace
+
+// In the order of the interface of the events. Integers are widened explicitly: an int32 converts to both types of
+// Argument's constructors, which is ambiguous.
 
 void EventFormatter::ReadyStateChange() { ReportLine(Line("ReadyStateChange", {})); }
 

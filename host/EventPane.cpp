@@ -13,6 +13,7 @@ constexpr int kMaxLines = 1000;
 }
 
 EventPane::EventPane(QWidget* parent) : QWidget(parent), m_pLines(new MessagePane) {
+    // Fewer than the messages: with the view events a drag adds hundreds of lines.
     m_pLines->setMaximumBlockCount(kMaxLines);
     auto* const tracing = new QCheckBox(tr("With changes of the view"));
     tracing->setObjectName("tracing");
@@ -20,6 +21,7 @@ EventPane::EventPane(QWidget* parent) : QWidget(parent), m_pLines(new MessagePan
     auto* const clear = new QPushButton(tr("Clear"));
     clear->setObjectName("clearEvents");
     connect(clear, &QPushButton::clicked, this, &EventPane::Clear);
+    // Switch at the left, button at the right.
     auto* const row = new QHBoxLayout;
     row->addWidget(tracing);
     row->addStretch(1);

@@ -4,6 +4,7 @@
 
 class MessagePane;
 
+/// The text of the log with a switch for view events and a button that clears it.
 class EventPane : public QWidget {
     Q_OBJECT
 public:

@@ -15,6 +15,7 @@
 
 namespace {
 
+/// Empty for a missing file.
 std::optional<struct stat> StateOf(const std::string& file) {
     struct stat state {};
     if (stat(file.c_str(), &state) != 0) return std::nullopt;
@@ -35,6 +36,7 @@ bool IsNewer(const struct stat& now, const std::optional<struct stat>& before) {
 
 ExportResult ExportObject(KV_ScenePane::_DKV_ScenePane& methods, int index, const std::string& file) {
     if (std::string reason = ExportRefusal(file); !reason.empty()) return {false, reason};
+    // Written into hps files only.
     const auto wide = [](const char* ascii) { return std::wstring(ascii, ascii + std::strlen(ascii)); };
     methods.SetHpsSourceApp(wide(kProgramName).c_str(), wide(kProgramVersion).c_str());
     return WatchWrite(
@@ -42,6 +44,7 @@ ExportResult ExportObject(KV_ScenePane::_DKV_ScenePane& methods, int index, cons
 }
 
 ExportResult WatchWrite(const std::string& file, const std::function<void()>& write) {
+    // The viewer's methods return nothing, so the file itself is the evidence.
     const std::optional<struct stat> before = StateOf(file);
     const DebugCapture capture;
     std::string thrown;

@@ -8,9 +8,12 @@
 
 /// What applies to every scan of an import; meshes ignore it.
 struct ImportSettings {
-    std::int16_t skip = 1;          ///< the grid is thinned to one point per skip x skip
-    float confidence = 0.0f;        ///< points of a lower confidence are left out
-    std::int32_t color = 0xC8D4DC;  ///< 0x00BBGGRR, for scans without colours: a light beige
+    /// The grid is thinned to one point per skip x skip points.
+    std::int16_t skip = 1;
+    /// Points of a lower confidence are left out; those at the limit are kept.
+    float confidence = 0.0f;
+    /// 0x00BBGGRR, for scans without colours: a light beige.
+    std::int32_t color = 0xC8D4DC;
 };
 
 /// The result for one file.
@@ -28,9 +31,12 @@ struct ImportResult {
 
 /// A parallel import of the viewer that has begun; any thread may pass grids to its entry.
 struct GridEntry {
-    void* control = nullptr;                               ///< first argument of the entry, from BeginParallelImport()
-    KV_ScenePane::ImportMeasurementEntry entry = nullptr;  ///< from BeginParallelImport()
-    std::uint32_t color = 0;                               ///< 0x00BBGGRR, for scans without colours
+    /// First argument of the entry, from BeginParallelImport().
+    void* control = nullptr;
+    /// From BeginParallelImport().
+    KV_ScenePane::ImportMeasurementEntry entry = nullptr;
+    /// 0x00BBGGRR, for scans without colours.
+    std::uint32_t color = 0;
 };
 
 /// Sets the viewer's skip value and confidence limit for the imports that follow.

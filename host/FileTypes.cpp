@@ -7,6 +7,7 @@
 
 namespace {
 
+/// The extensions of the selected rows, in the order of the table.
 std::vector<std::string_view> Extensions(bool (*isSelected)(const FileType&)) {
     std::vector<std::string_view> extensions;
     for (const FileType& type : kFileTypes) {
@@ -20,6 +21,7 @@ std::vector<std::string_view> Extensions(bool (*isSelected)(const FileType&)) {
 std::string ExtensionOf(std::string_view path) {
     const std::size_t point = path.rfind('.');
     std::string extension(point == std::string_view::npos ? path : path.substr(point + 1));
+    // Not tolower(), which depends on the locale.
     for (char& c : extension) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }

@@ -10,10 +10,14 @@ enum class FileKind {
 
 /// One row of the table. A new format of the viewer needs a row here and nothing else in the host.
 struct FileType {
-    std::string_view extension;  ///< lower case, without the point
-    const char* description;     ///< of several files, in English: "PLY meshes"
+    /// Lower case, without the point.
+    std::string_view extension;
+    /// Of several files, in English: "PLY meshes".
+    const char* description;
     FileKind kind;
+    /// The viewer opens it.
     bool canImport;
+    /// The viewer writes it.
     bool canExport;
     /// The host reads the file itself and passes the grid to the entry of a parallel import, so that several files can
     /// be read at once. The viewer reads all other files.

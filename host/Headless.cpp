@@ -68,22 +68,24 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
 }
 
 /// Imports the files, fits the view to them and writes the picture that is then taken.
-/// @param take  returns the picture; of width 0 when there is none
+/// @param capture  returns the picture; of width 0 when there is none
 int RunPicture(const HostOptions& options, std::FILE* err,
-               const std::function<KV_ScenePane::Picture(ScenePane& pane)>& take) {
+               const std::function<KV_ScenePane::Picture(ScenePane& pane)>& capture) {
     const DebugRouter router(PrintOtherOutput(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
     const SceneReport report = ImportFiles(*pane, options, err);
+    // An older picture at that path stays when there is nothing to replace it by.
     const auto refuse = [&](const std::string& reason) {
         PrintError(err, options.picturePath + ": " + reason);
         return kExitFailure;
     };
     if (report.objects.empty()) return refuse("not written, there is nothing to show");
+    // The view mode first: the fit depends on the direction of the view.
     pane->Methods().SetViewMode(static_cast<std::int16_t>(options.view));
     FitView(pane->Methods(), options.zoom);
-    const KV_ScenePane::Picture picture = take(*pane);
+    const KV_ScenePane::Picture picture = capture(*pane);
     if (picture.width == 0) return refuse("not written, the viewer gave no picture");
     std::string reason;
     if (!WritePng(options.picturePath, picture, &reason)) return refuse(reason);

@@ -13,10 +13,12 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 
 // All runs return an exit status and write one line for each failure to err: "scenepane: FILE: REASON".
 
-/// Renders the files into options.picturePath, as a window of that size shows them.
+/// Renders the files into options.picturePath, as a window of that size shows them. Without an object no picture is
+/// written.
 [[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
 
-/// Renders the files into options.picturePath, as the viewer's screenshot of a fixed size.
+/// Renders the files into options.picturePath, as the viewer's screenshot of a fixed size. Without an object no picture
+/// is written.
 [[nodiscard]] int RunCapture(const HostOptions& options, std::FILE* err);
 
 /// Prints the content of the files to @p out.

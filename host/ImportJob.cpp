@@ -34,7 +34,7 @@ void ImportJob::Stop() {
 }
 
 void ImportJob::NextRun() {
-    if (m_bOver) return;
+    if (m_bOver) return;  // queued before Stop()
     if (m_bCancelled || m_nNextRun == m_vRuns.size()) {
         Finish();
         return;
@@ -44,6 +44,7 @@ void ImportJob::NextRun() {
         BeginParallelRun(run);
         return;
     }
+    // One file, by the viewer, on this thread: the window does not react until it is imported.
     const std::size_t file = run.files.front();
     m_vResults[file] = ImportFile(m_pane.Methods(), m_vFiles[file], m_settings.color);
     emit Progress(++m_nFinishedFiles);
@@ -55,6 +56,7 @@ void ImportJob::BeginParallelRun(const ImportRun& run) {
     task.entry.color = static_cast<std::uint32_t>(m_settings.color);
     m_pane.Methods().BeginParallelImport(&task.entry.control, &task.entry.entry);
     for (const std::size_t file : run.files) task.files.push_back(m_vFiles[file]);
+    // Called on the worker threads; the queue brings it to this one.
     const auto notifyThisThread = [this] {
         QMetaObject::invokeMethod(this, &ImportJob::CheckWorkers, Qt::QueuedConnection);
     };
@@ -73,9 +75,11 @@ void ImportJob::CheckWorkers() {
 }
 
 void ImportJob::EndParallelRun() {
+    // A copy: the workers own the results. The viewer must not end the import before all threads have left its entry.
     const std::vector<ImportResult> results = m_pWorkers->Join();
     m_pWorkers.reset();
     m_pane.Methods().EndParallelImport();
+    // The results of this run, back to the positions of their files in the whole list.
     const std::vector<std::size_t>& files = m_vRuns[m_nNextRun - 1].files;
     for (std::size_t i = 0; i < results.size(); ++i) m_vResults[files[i]] = results[i];
     m_nFinishedFiles += static_cast<int>(results.size());

@@ -11,6 +11,7 @@
 #include "KV_ScenePane/ScenePane.h"
 #include "PcmWorkers.h"
 
+/// Files are imported in runs (ImportPlan.h), one after the other. Used on the thread of the viewer.
 class ImportJob : public QObject {
     Q_OBJECT
 public:
@@ -34,14 +35,20 @@ public:
     [[nodiscard]] const std::vector<ImportResult>& Results() const { return m_vResults; }
 
 signals:
+    /// @param finishedFiles  of all files of the job, added or not
     void Progress(int finishedFiles);
+    /// Emitted exactly once, also after Cancel() and Stop().
     void Finished();
 
 private:
+    /// Starts the next run, or finishes when none is left or the import was cancelled.
     void NextRun();
     void BeginParallelRun(const ImportRun& run);
+    /// Reports the progress of the workers; ends their run when all of them are done.
     void CheckWorkers();
+    /// Waits for the workers and lets the viewer add their objects.
     void EndParallelRun();
+    /// Emits Finished(), once.
     void Finish();
 
     KV_ScenePane::ScenePane& m_pane;

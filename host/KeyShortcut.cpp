@@ -19,6 +19,7 @@ constexpr CodeOfKey kOtherKeys[] = {
     {106, Qt::Key_Asterisk}, {107, Qt::Key_Plus},    {109, Qt::Key_Minus},  {111, Qt::Key_Slash}, {187, Qt::Key_Plus},
     {188, Qt::Key_Comma},    {189, Qt::Key_Minus},   {190, Qt::Key_Period},
 };
+// Ranges of codes whose keys are consecutive in Qt too.
 constexpr std::int32_t kF1 = 112, kF24 = 135;
 constexpr std::int32_t kPad0 = 96, kPad9 = 105;
 
@@ -52,6 +53,7 @@ Qt::Key KeyOfCode(std::int32_t nChar) {
 QAction* ActionOfKey(const QList<QAction*>& actions, std::int32_t nChar, Qt::KeyboardModifiers modifiers) {
     const Qt::Key key = KeyOfCode(nChar);
     if (key == Qt::Key_unknown) return nullptr;
+    // As a sequence of one key: the form in which actions keep their shortcuts.
     const QKeySequence pressed(QKeyCombination(modifiers & kShortcutModifiers, key));
     for (QAction* const action : actions) {
         if (action->isEnabled() && IsForWholeWindow(*action) && action->shortcuts().contains(pressed)) return action;

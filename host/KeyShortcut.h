@@ -26,6 +26,7 @@ private:
 };
 
 /// The key of a code of CustomKeyDown; Qt::Key_unknown for modifiers and unknown codes.
+/// Digits of the number pad are the keys of the digits.
 [[nodiscard]] Qt::Key KeyOfCode(std::int32_t nChar);
 
 /// The first enabled action with exactly this shortcut; null when there is none. Actions whose shortcut is limited to

@@ -37,6 +37,7 @@ std::optional<LogoImage> LoadLogo(const QString& path, QString* reason) {
     };
     if (!QFileInfo::exists(path)) return refuse(QObject::tr("there is no such file"));
     QImageReader reader(path);
+    // A wrong extension is no reason to refuse an image; cameras store its orientation beside the pixels.
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QSize size = reader.size();

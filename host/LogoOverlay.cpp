@@ -10,6 +10,7 @@ OverlayPlace PlaceOf(LogoAnchor anchor, int margin) {
 }
 
 void LogoOverlay::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
+    // Indices of overlays belong to one viewer.
     m_pMethods = methods;
     m_indices.clear();
     m_nShown = -1;
@@ -18,7 +19,7 @@ void LogoOverlay::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
 
 void LogoOverlay::SetImage(LogoImage image) {
     m_image = std::move(image);
-    m_indices.clear();
+    m_indices.clear();  // the overlays of the former image stay in the viewer, hidden
     Update();
 }
 
@@ -36,6 +37,7 @@ void LogoOverlay::SetVisible(bool visible) {
 
 void LogoOverlay::Update() {
     if (m_pMethods == nullptr) return;
+    // The overlay that must be visible; -1 for none.
     std::int32_t wanted = -1;
     if (m_bVisible && !m_image.bytes.empty()) {
         const auto [entry, isNew] = m_indices.try_emplace({m_anchor, m_nMargin}, -1);

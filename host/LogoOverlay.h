@@ -28,11 +28,15 @@ class LogoOverlay {
 public:
     /// @param methods  of a new viewer, to which this object has added no overlay yet; null for none
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
+    /// Replaces the image at its place; empty bytes for none.
     void SetImage(LogoImage image);
+    /// @param margin  pixels; ignored for Centre
     void SetPlace(LogoAnchor anchor, int margin);
+    /// A hidden logo keeps its image and place.
     void SetVisible(bool visible);
 
 private:
+    /// Makes the viewer show what the members say: adds the overlay of the place when it is new, hides the former one.
     void Update();
 
     KV_ScenePane::_DKV_ScenePane* m_pMethods = nullptr;

@@ -17,6 +17,7 @@ namespace {
 constexpr int kStartMargin = 10;  // pixels
 constexpr int kMaxMargin = 500;
 
+/// One of the nine buttons that choose the place.
 struct AnchorButton {
     const char* name;
     const char16_t* sign;
@@ -63,6 +64,7 @@ QWidget* LogoPanel::MakeAnchors() {
     auto* const grid = new QGridLayout(anchors);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(1);
+    // The empty fourth column gets the rest of the width.
     grid->setColumnStretch(3, 1);
     for (int i = 0; i < kLogoAnchorCount; ++i) {
         auto* const button = new QToolButton;
@@ -86,6 +88,7 @@ void LogoPanel::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
 bool LogoPanel::OpenImage(const QString& path) {
     QString reason;
     std::optional<LogoImage> image = LoadLogo(path, &reason);
+    // The logo that is shown stays when the new one cannot be read.
     if (!image) {
         emit Failed(tr("%1: no logo: %2").arg(path, reason));
         return false;

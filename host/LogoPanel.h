@@ -10,6 +10,7 @@ class QCheckBox;
 class QLabel;
 class QSpinBox;
 
+/// The logo itself, with its overlays in the viewer, is a LogoOverlay.
 class LogoPanel : public QWidget {
     Q_OBJECT
 public:
@@ -25,8 +26,10 @@ signals:
     void Failed(const QString& text);
 
 private:
+    /// Nine exclusive buttons in the arrangement of the places.
     QWidget* MakeAnchors();
     void AskForImage();
+    /// Moves the logo to the place and margin that the controls show.
     void Place();
 
     LogoOverlay m_logo;

@@ -29,11 +29,13 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     m_vWaitingFiles = options.files;
     setWindowTitle(tr("scenepane"));
     setAcceptDrops(true);
+    // In this order: the docks connect to the viewer widget, and a menu lists the docks.
     MakeCentre();
     MakeDocks();
     MakeMenus();
     ReservePlainKeysForInputs();
     statusBar()->showMessage(tr("Open scans and meshes by the File menu, or drop them here."));
+    // Imports have captures of their own; this is for everything else that the viewer writes, from any thread.
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
     EnableActions();
@@ -41,7 +43,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
 }
 
 MainWindow::~MainWindow() {
-    if (m_pJob != nullptr) m_pJob->Stop();
+    if (m_pJob != nullptr) m_pJob->Stop();  // its threads call the viewer
     m_pAnimation->SetViewer(nullptr);
     m_pDecorations->SetViewer(nullptr);
     m_pLogo->SetViewer(nullptr);
@@ -60,6 +62,8 @@ void MainWindow::MakeCentre() {
     m_pRefusal->setWordWrap(true);
     m_pRefusal->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_pRefusal->setMargin(24);
+    // The viewer covers its widget with a window of its own, so the reason of a refusal is shown in place of the
+    // widget.
     m_pCentre = new QStackedWidget;
     m_pCentre->addWidget(m_pViewer);
     m_pCentre->addWidget(m_pRefusal);
@@ -75,6 +79,7 @@ void MainWindow::MakeCentre() {
 void MainWindow::OnViewerReady() {
     if (Pane() == nullptr) return;
     PassViewerToPanels();
+    // The viewer starts with modes of its own: the ones that were chosen before are applied now.
     ShowView(m_options.view);
     ShowDrawMode(m_options.drawMode);
     ShowShadows(m_options.shadows);
@@ -89,6 +94,7 @@ void MainWindow::OnViewerRefused(const QString& reason) {
     m_pMessages->AddText(m_pRefusal->text());
     m_pObjects->clear();
     EnableActions();
+    // The files that waited for the viewer will never be opened: each is reported like a failed import.
     m_nFilesNotAdded += m_vWaitingFiles.size();
     for (const std::string& file : m_vWaitingFiles) {
         m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
@@ -112,7 +118,7 @@ void MainWindow::ClearScene() {
     methods.ResetVariableObjects();
     methods.ClearData();
     m_pObjects->clear();
-    ShowView(m_options.view);
+    ShowView(m_options.view);  // ClearData() resets the view
 }
 
 void MainWindow::ShowView(KV_ScenePane::ViewMode mode) {
@@ -159,7 +165,7 @@ void MainWindow::ShowPointSize(float pixels) {
 bool MainWindow::SaveScreenShot(const std::string& path) {
     if (Pane() == nullptr) return false;
     const QString file = QString::fromStdString(path);
-    std::string reason = "the viewer gave no picture";
+    std::string reason = "the viewer gave no picture";  // unless the writing of the file fails for another one
     QString text;
     try {
         const KV_ScenePane::Picture picture = TakeScreenShot(Pane()->Methods());
@@ -187,6 +193,7 @@ void MainWindow::ColorObject(int index, std::int32_t packed) {
 
 void MainWindow::DeleteObject(int index) {
     if (Pane() == nullptr || IsImporting()) return;
+    // The method requests no repaint. Removing the row moves the later rows up, as the viewer moves its objects.
     Pane()->Methods().DeleteObject(static_cast<std::int16_t>(index));
     Pane()->Methods().PerformInvalidate();
     m_pObjects->RemoveObject(index);

@@ -104,6 +104,7 @@ protected:
 
 private:
     // ---- MainWindow.cpp
+    /// The viewer widget, and the label that replaces it when the viewer is refused.
     void MakeCentre();
     void OnViewerReady();
     void OnViewerRefused(const QString& reason);
@@ -115,11 +116,14 @@ private:
 
     // ---- MainWindowPanels.cpp
     void MakeDocks();
+    /// @param name  the object name, by which Qt identifies the dock; not shown
     QDockWidget* AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area);
+    /// The panels call the viewer directly, so they must know when it is gone.
     /// Gives the panels the viewer, or null when there is none any more.
     void PassViewerToPanels();
 
     // ---- MainWindowInput.cpp
+    /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
     void MakeInputMenus(QMenu& menu);
     /// Runs the action or opens the menu of a key that the viewer reported. @param key  a key code of the viewer's
     /// events
@@ -132,10 +136,13 @@ private:
     void OpenWaitingFiles();
     void StartImport(const std::vector<std::string>& files);
     void OnImportFinished();
+    /// Adds the messages of the finished import, and emits FileFailed() for each file that added nothing.
     void ReportResults();
+    /// Adds a row for each object that the finished import has added to the viewer.
     void ListNewObjects();
 
     // ---- MainWindowExport.cpp
+    /// Shows the export dialog for the selected object, or a message when none is selected.
     void AskForExport();
     /// The object of the current row, or the only one of the list; -1 without either.
     [[nodiscard]] int SelectedObject() const;
@@ -151,7 +158,9 @@ private:
     /// @return the actions in the order of their names
     QList<QAction*> AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
                                    const std::function<void(int)>& choose);
+    /// A checkable action. @param choose  receives its new state
     QAction* AddSwitch(QMenu& menu, const QString& text, bool checked, const std::function<void(bool)>& choose);
+    // Each of these shows a dialog and applies what the user accepted.
     void AskForFiles();
     void AskForScreenShot();
     void AskForBackground();
@@ -163,6 +172,7 @@ private:
     HostOptions m_options;                      // of the command line, then as the menus changed them
     std::array<std::int32_t, 4> m_nBackground;  // 0x00BBGGRR: top left, top right, bottom left, bottom right
     float m_fPointSize = 2.0f;                  // pixels
+    // Widgets belong to Qt: their parents delete them.
     QStackedWidget* m_pCentre = nullptr;
     ViewerWidget* m_pViewer = nullptr;
     QLabel* m_pRefusal = nullptr;

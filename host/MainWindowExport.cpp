@@ -67,6 +67,7 @@ void MainWindow::AskForExport() {
         return;
     }
     const QString name = m_pObjects->topLevelItem(index)->text(ObjectList::kName);
+    // The dialog asks before it overwrites a file.
     QFileDialog dialog(this, tr("Export %1").arg(name));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     OfferFormats(dialog, name.isEmpty() ? tr("object") : name);
@@ -75,9 +76,11 @@ void MainWindow::AskForExport() {
 }
 
 bool MainWindow::ExportObjectTo(int index, const std::string& path) {
+    // During an import the rows of the list and the objects of the viewer may differ.
     if (Pane() == nullptr || IsImporting() || index < 0 || index >= Pane()->Methods().GetNumObjects()) return false;
     const QString file = QString::fromStdString(path);
     const ExportResult result = ExportObject(Pane()->Methods(), index, path);
+    // The message starts with the file in all cases.
     QString text = QString::fromStdString(result.text);
     if (!result.written) {
         text = tr("%1: not written: %2").arg(file, text);

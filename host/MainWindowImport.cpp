@@ -34,6 +34,7 @@ void MainWindow::OpenFiles(const std::vector<std::string>& files) {
 
 void MainWindow::OpenWaitingFiles() {
     if (Pane() == nullptr || IsImporting() || m_vWaitingFiles.empty()) return;
+    // All files that wait become one job, so that consecutive pcm files are read in parallel.
     std::vector<std::string> files;
     files.swap(m_vWaitingFiles);
     StartImport(files);
@@ -44,13 +45,13 @@ void MainWindow::StartImport(const std::vector<std::string>& files) {
     const auto count = static_cast<int>(files.size());
     m_pProgress = std::make_unique<QProgressDialog>(tr("Importing files"), tr("Cancel"), 0, count, this);
     m_pProgress->setWindowTitle(tr("scenepane"));
-    m_pProgress->setAutoReset(false);
+    m_pProgress->setAutoReset(false);  // it is deleted at the end, whatever its value is then
     // Not modal: with a modal dialog the window could not be closed during a long import.
     m_pProgress->setModal(false);
     connect(m_pJob, &ImportJob::Progress, m_pProgress.get(), &QProgressDialog::setValue);
     connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
     connect(m_pJob, &ImportJob::Finished, this, &MainWindow::OnImportFinished);
-    m_pProgress->setValue(0);
+    m_pProgress->setValue(0);  // starts the time after which Qt shows the dialog: short imports show none
     EnableActions();
     m_pJob->Start();
 }
@@ -63,6 +64,7 @@ void MainWindow::CancelImport() {
 
 void MainWindow::OnImportFinished() {
     ReportResults();
+    // Only the first import fits the view: a later one must not move what the user looks at.
     const bool wasEmpty = !HaveObjects();
     if (Pane() != nullptr) ListNewObjects();
     m_pJob->deleteLater();
@@ -74,7 +76,7 @@ void MainWindow::OnImportFinished() {
     }
     EnableActions();
     emit ImportFinished();
-    OpenWaitingFiles();
+    OpenWaitingFiles();  // files that were added while this import ran
 }
 
 void MainWindow::ReportResults() {
@@ -83,6 +85,7 @@ void MainWindow::ReportResults() {
     for (std::size_t i = 0; i < results.size(); ++i) {
         const QString file = QString::fromStdString(m_pJob->Files()[i]);
         const QString text = QString::fromStdString(results[i].text);
+        // A file that was added has a message only when the viewer wrote something about it.
         switch (results[i].state) {
             case ImportResult::State::Added:
                 ++added;
@@ -102,6 +105,7 @@ void MainWindow::ReportResults() {
 }
 
 void MainWindow::ListNewObjects() {
+    // The list has a row for each object that the viewer had before this import.
     int index = m_pObjects->topLevelItemCount();
     const int count = Pane()->Methods().GetNumObjects();
     // The viewer's new objects have the order of the files that added them.

@@ -75,6 +75,7 @@ void MainWindow::ChooseRotation(KV_ScenePane::RotationMode mode) {
 
 void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
     if (Pane() == nullptr) return;
+    // Two settings of the viewer that exclude each other here.
     Pane()->Methods().SetIGDRotation(scheme == MouseScheme::Delayed ? 1 : 0);
     Pane()->Methods().FlipMouseButtons(scheme == MouseScheme::Flipped ? 1 : 0);
 }
@@ -87,6 +88,7 @@ void MainWindow::ChoosePickMode(KV_ScenePane::PickMode mode) {
     if (Pane() == nullptr) return;
     Pane()->Methods().SetPickMode(mode);
     Pane()->Methods().PerformInvalidate();  // the cross is drawn in one mode only
+    // Menu and panel show the mode, whichever of them it was chosen in.
     m_pickActions[mode]->setChecked(true);
     m_pDecorations->ShowCross(mode == KV_ScenePane::PickModeCross);
 }
@@ -105,6 +107,7 @@ void MainWindow::ReservePlainKeysForInputs() {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    // Qt asks the widget that has the keyboard before it looks for a shortcut.
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* const press = static_cast<QKeyEvent*>(event);
         if (IsPlainKey(press->key(), press->modifiers())) {
@@ -116,6 +119,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void MainWindow::RunShortcut(int key, Qt::KeyboardModifiers modifiers) {
+    // Qt would run no shortcut then either.
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
     if (QAction* const action = ActionOfKey(findChildren<QAction*>(), key, modifiers)) {
         action->trigger();

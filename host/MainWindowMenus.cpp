@@ -63,6 +63,8 @@ void MainWindow::MakeFileMenu() {
     menu->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 }
 
+// The digits are the shortcuts of the views, Ctrl and a digit those of the render modes, by the position in their
+// tables.
 void MainWindow::MakeViewMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&View"));
     for (int mode = 0; mode < static_cast<int>(std::size(kViewNames)); ++mode) {
@@ -93,12 +95,13 @@ void MainWindow::MakeViewMenu() {
     add(tr("&Point size..."), {}, [this] { AskForPointSize(); });
     menu->addSeparator();
     QMenu* const panes = menu->addMenu(tr("Pa&nes"));
+    // The docks exist already: the menus are made last.
     for (QDockWidget* const dock : findChildren<QDockWidget*>()) panes->addAction(dock->toggleViewAction());
 }
 
 QList<QAction*> MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
                                            const std::function<void(int)>& choose) {
-    auto* const group = new QActionGroup(this);
+    auto* const group = new QActionGroup(this);  // exclusive: checking one action clears the others
     for (int mode = 0; mode < count; ++mode) {
         QAction* const action = menu.addAction(tr(names[mode]), this, [choose, mode] { choose(mode); });
         action->setCheckable(true);
@@ -114,7 +117,7 @@ QAction* MainWindow::AddSwitch(QMenu& menu, const QString& text, bool checked,
     QAction* const action = menu.addAction(text);
     action->setCheckable(true);
     action->setChecked(checked);
-    connect(action, &QAction::toggled, this, choose);
+    connect(action, &QAction::toggled, this, choose);  // by the user and by setChecked()
     m_vViewerActions.push_back(action);
     return action;
 }
@@ -134,11 +137,13 @@ void MainWindow::AskForFiles() {
         this, tr("Open scans and meshes"), {},
         tr("Scans and meshes (%1);;Scans (%2);;Meshes (%3);;All files (*)").arg(all, scans, meshes));
     std::vector<std::string> files;
+    // encodeName() gives the bytes that the file has on disk.
     for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
     OpenFiles(files);
 }
 
 void MainWindow::AskForScreenShot() {
+    // Not getSaveFileName(), which has no default suffix.
     QFileDialog dialog(this, tr(kScreenShotSummary), {}, tr("PNG pictures (*.png);;All files (*)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(

@@ -20,6 +20,8 @@ QDockWidget* MainWindow::AddDock(const QString& title, const QString& name, QWid
 }
 
 void MainWindow::MakeDocks() {
+    // The panes only report what the user asked for; the window changes the viewer. Decorations, logo and animation
+    // call the viewer themselves: nothing outside of them depends on it.
     m_pObjects = new ObjectList;
     connect(m_pObjects, &ObjectList::VisibilityWanted, this, &MainWindow::ShowObject);
     connect(m_pObjects, &ObjectList::ColorWanted, this, &MainWindow::ColorObject);
@@ -37,10 +39,12 @@ void MainWindow::MakeDocks() {
     m_pLogo = new LogoPanel;
     connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddText);
     m_pAnimation = new AnimationPanel;
+    // A key in the viewer may have started the animation, which reports no event.
     connect(m_pViewer, &ViewerWidget::Handled, m_pAnimation, &AnimationPanel::Check);
 
     AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
     QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
+    // Three docks share one place, as tabs.
     tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", m_pLogo, Qt::RightDockWidgetArea));
     tabifyDockWidget(decorations, AddDock(tr("Animation"), "animation", m_pAnimation, Qt::RightDockWidgetArea));
     decorations->raise();

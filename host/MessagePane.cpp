@@ -14,6 +14,7 @@ MessagePane::MessagePane(QWidget* parent) : QPlainTextEdit(parent) {
     setReadOnly(true);
     setMaximumBlockCount(kMaxLines);
     setLineWrapMode(QPlainTextEdit::NoWrap);
+    // Whether to follow the end is decided by where the last scrolling ended.
     const QScrollBar* const bar = verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_bFollows = value >= bar->maximum(); });
     // The end can move out of sight without a new line: a line that is wider than the pane adds a horizontal scroll

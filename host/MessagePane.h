@@ -16,6 +16,7 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
 
 private:
+    /// Scrolls to the last line, which is followed from here on.
     void ShowEnd();
 
     bool m_bFollows = true;  // the end was visible after the last change of the scroll position

@@ -31,12 +31,13 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    // Fires for every column of a row; the check mark is in the column of the name.
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
         if (column == kName) emit VisibilityWanted(indexOfTopLevelItem(item), item->checkState(kName) == Qt::Checked);
     });
     auto* remove = new QAction(tr("&Delete"), this);
     remove->setShortcut(QKeySequence::Delete);
-    remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);  // Delete is a key of the viewer too
     connect(remove, &QAction::triggered, this, &ObjectList::DeleteSelected);
     addAction(remove);
     setContextMenuPolicy(Qt::ActionsContextMenu);
@@ -56,6 +57,7 @@ void ObjectList::AddObject(const ObjectReport& object) {
     auto* const button = new ColorButton(object.color);
     button->SetName(tr("Colour of %1").arg(item->text(kName)));
     if (object.hasVertexColors) button->setToolTip(tr("The scan has colours of its own, which are shown instead"));
+    // By the item and not by its position, which changes when rows above are removed.
     connect(button, &ColorButton::ColorChosen, this,
             [this, item](std::int32_t packed) { emit ColorWanted(indexOfTopLevelItem(item), packed); });
     setItemWidget(item, kColor, button);

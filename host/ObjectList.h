@@ -5,6 +5,8 @@
 
 #include "SceneReport.h"
 
+/// Check mark (visibility), name, colour button, counts and bounding box per object; the Delete key deletes the current
+/// one.
 class ObjectList : public QTreeWidget {
     Q_OBJECT
 public:
@@ -12,10 +14,13 @@ public:
 
     explicit ObjectList(QWidget* parent = nullptr);
 
+    /// Appends a row with its check mark set; emits nothing.
     void AddObject(const ObjectReport& object);
+    /// Later rows move up.
     void RemoveObject(int index);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
+    /// For the first layout only; the user can resize the pane.
     /// Wide enough for all columns but the boxes.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
 

@@ -43,5 +43,6 @@ void PcmWorkers::Work() {
         ++m_nFinished;
         m_fileFinished();
     }
+    // After the count: whoever is notified by this call finds IsDone() true.
     if (--m_nRunningThreads == 0) m_fileFinished();
 }

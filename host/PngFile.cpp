@@ -17,6 +17,7 @@
 
 namespace {
 
+/// The pixels as libpng expects them: red, green, blue, row after row from the top.
 std::vector<png_byte> RgbBytes(const KV_ScenePane::Picture& picture) {
     std::vector<png_byte> bytes;
     bytes.reserve(picture.pixels.size() * 3);

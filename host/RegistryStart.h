@@ -2,6 +2,7 @@
 #pragma once
 #include "KV_ScenePane/_DKV_ScenePane.h"
 
+/// Objects nest: the registry counts its starts and ends with the last one.
 class RegistryStart {
 public:
     /// @param methods  of a viewer that outlives this object

@@ -10,12 +10,14 @@
 
 namespace {
 
+/// Lower-case hexadecimal digits with leading zeros.
 std::string HexText(std::uint32_t value, int digits) {
     std::string text;
     for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += "0123456789abcdef"[(value >> shift) & 0xF];
     return text;
 }
 
+/// A JSON string of UTF-8. A byte of a name that is not UTF-8 is a lone surrogate in the wide text (PathText.h).
 std::string JsonString(std::wstring_view text) {
     std::string json = "\"";
     for (const wchar_t character : text) {
@@ -36,6 +38,7 @@ std::string JsonString(std::wstring_view text) {
 
 std::string JsonString(std::string_view bytes) { return JsonString(KV_ScenePane::WidePath(bytes)); }
 
+/// JSON has no NaN and no infinity.
 std::string JsonNumber(float value) { return std::isfinite(value) ? NumberText(value) : "null"; }
 
 std::string JsonNumbers(std::span<const float> values) {
@@ -61,6 +64,7 @@ std::string JsonLines(const std::vector<Element>& elements, ToJson toJson) {
     return json + (elements.empty() ? "]" : "\n]");
 }
 
+/// One object for a reader: its file, then one indented line per property.
 std::string TextObject(const ObjectReport& object) {
     const auto numbers = [](std::span<const float> values) {
         std::string text;
@@ -79,6 +83,7 @@ std::string TextObject(const ObjectReport& object) {
     text += "  center        " + numbers(object.center) + '\n';
     text += "  color          " + ColorText(object.color) + '\n';
     text += std::string("  vertex colors  ") + (object.hasVertexColors ? "yes" : "no") + '\n';
+    // The first of the four rows has the label.
     const std::span transform(object.transform);
     for (std::size_t row = 0; row < 4; ++row)
         text += (row == 0 ? "  transform     " : "                ") + numbers(transform.subspan(4 * row, 4)) + '\n';
@@ -88,6 +93,7 @@ std::string TextObject(const ObjectReport& object) {
 }  // namespace
 
 ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file) {
+    // Name and vertex colours come from GetObjectInfo(): the automation interface has no methods for them.
     ObjectReport object;
     object.file = std::move(file);
     object.index = index;
@@ -125,6 +131,7 @@ std::string ReportJson(const SceneReport& report) {
 
 std::string ColorText(std::int32_t color) {
     const auto c = static_cast<std::uint32_t>(color);
+    // 0x00BBGGRR to 0x00RRGGBB.
     const std::uint32_t rgb = ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
     std::string text = HexText(rgb, 6);
     for (char& digit : text) {

@@ -10,15 +10,22 @@
 
 /// What the viewer reports about one object of the scene.
 struct ObjectReport {
-    std::string file;   ///< as typed, bytes
-    int index = 0;      ///< position in the viewer's list
-    std::wstring name;  ///< as the viewer has it; empty for some mesh formats
+    /// The file that the object came from; bytes, as typed.
+    std::string file;
+    /// Position in the viewer's list.
+    int index = 0;
+    /// The name in the viewer: the path, or empty for some mesh formats.
+    std::wstring name;
     std::int32_t vertices = 0, triangles = 0;
-    std::array<float, 6> box{};  ///< world frame: min x, max x, min y, max y, min z, max z
+    /// World frame, scene units: min x, max x, min y, max y, min z, max z.
+    std::array<float, 6> box{};
+    /// World frame, scene units.
     std::array<float, 3> center{};
-    std::int32_t color = 0;  ///< 0x00BBGGRR
+    /// 0x00BBGGRR. Not shown when the vertices have colours.
+    std::int32_t color = 0;
     bool hasVertexColors = false;
-    std::array<float, 16> transform{};  ///< 4 x 4, row by row, sensor to world frame
+    /// 4 x 4, row by row, sensor to world frame.
+    std::array<float, 16> transform{};
 };
 
 /// A file that added no object.
@@ -27,6 +34,7 @@ struct FailedFile {
     std::string reason;  ///< one line
 };
 
+/// The result of one --info run. Every file is in one of the two lists, in the order of the command line.
 struct SceneReport {
     std::vector<ObjectReport> objects;
     std::vector<FailedFile> failed;

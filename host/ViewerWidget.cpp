@@ -10,8 +10,10 @@
 #include <cmath>
 
 ViewerWidget::ViewerWidget(QSize wantedSize, QWidget* parent) : QWidget(parent), m_wantedSize(wantedSize) {
+    // A native window for the viewer to be a child of, but none for the ancestors of the widget.
     setAttribute(Qt::WA_NativeWindow);
     setAttribute(Qt::WA_DontCreateNativeAncestors);
+    // Qt must not paint below the viewer: it would flicker.
     setAttribute(Qt::WA_PaintOnScreen);
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -37,12 +39,14 @@ void ViewerWidget::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     if (!m_pPane) return;
     const QSize size = DeviceSize();
+    // The viewer counts device pixels. SetSize() requests no repaint.
     m_pPane->Methods().SetSize(static_cast<std::int16_t>(size.width()), static_cast<std::int16_t>(size.height()));
     m_pPane->Methods().PerformInvalidate();
 }
 
 void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
     EventFormatter::CustomKeyDown(nChar, nRepCnt, nFlags);
+    // The event comes some time after the press: modifiers may have been released since.
     m_held.Press(nChar);
     emit KeyPressed(nChar, m_held.With(QGuiApplication::queryKeyboardModifiers()));
 }
@@ -50,7 +54,7 @@ void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::
 void ViewerWidget::ReportLine(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
 
 void ViewerWidget::Open() {
-    m_bOpened = true;
+    m_bOpened = true;  // also when the viewer is refused
     KV_ScenePane::WindowRequest request;
     request.kind = KV_ScenePane::WindowRequest::Kind::Child;
     request.parent = winId();
@@ -82,7 +86,9 @@ void ViewerWidget::Close() {
 
 void ViewerWidget::HandleEvents() {
     m_pPane->ProcessEvents();
+    // The query costs a round trip to the X server: only when a modifier is remembered.
     if (m_held.AreRemembered()) m_held.Settle(QGuiApplication::queryKeyboardModifiers());
+    // Another client, or the end of the parent, may have destroyed the viewer's window.
     if (m_pPane->HasWindow()) {
         emit Handled();
         return;
@@ -103,14 +109,14 @@ void ViewerWidget::ShowMessage(const std::string& text) {
     if (m_pPane) {
         QMessageBox::warning(this, tr("KV_ScenePane"), QString::fromStdString(text));
     } else {
-        m_strMessages += text;
+        m_strMessages += text;  // while the viewer is being created: shown with the refusal
     }
 }
 
 QSize ViewerWidget::DeviceSize() const {
     const auto pixels = [this](int length) {
         const auto scaled = static_cast<int>(std::lround(length * devicePixelRatioF()));
-        return std::clamp(scaled, 1, 32767);
+        return std::clamp(scaled, 1, 32767);  // the sizes of X have 16 bits, and 0 is none
     };
     return {pixels(width()), pixels(height())};
 }

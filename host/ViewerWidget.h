@@ -46,11 +46,16 @@ protected:
 private:
     void CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
     void ReportLine(const std::string& line) override;
+    /// Creates the viewer. Emits Ready() or Refused().
     void Open();
     void Close();
+    /// The descriptor of the viewer is readable.
     void HandleEvents();
+    /// Moves the viewer into the current native window of the widget.
     void FollowWindow();
+    /// A message of the viewer that the user must see.
     void ShowMessage(const std::string& text);
+    /// Size of the widget in device pixels, 1 to 32767 each.
     [[nodiscard]] QSize DeviceSize() const;
 
     const QSize m_wantedSize;

@@ -34,6 +34,7 @@ int RunWindow(const HostOptions& options, char* program) {
     const auto printFailure = [](const std::string& file, const std::string& reason) {
         PrintError(stderr, file + ": " + reason);
     };
+    // Without a display the files are checked all the same: a script learns of both problems at once.
     if (const std::string reason = ChoosePlatform(); !reason.empty()) {
         for (const std::string& file : options.files) {
             if (const std::string refusal = ImportRefusal(file); !refusal.empty()) printFailure(file, refusal);
@@ -41,10 +42,12 @@ int RunWindow(const HostOptions& options, char* program) {
         PrintError(stderr, reason + "; --screenshot, --capture, --info and --convert need none");
         return kExitFailure;
     }
+    // The options of the command line are not passed on: Qt would act on those that it knows.
     int argumentCount = 1;  // the options are ours, none is Qt's
     char* arguments[] = {program, nullptr};
     const QApplication application(argumentCount, arguments);
     MainWindow window(options);
+    // The message pane has the same reasons: standard error is for a script that started the window.
     QObject::connect(&window, &MainWindow::FileFailed, printFailure);
     window.show();
     (void)QApplication::exec();

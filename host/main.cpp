@@ -11,7 +11,9 @@
 
 namespace {
 
+/// @return an exit status (Headless.h)
 int Run(int argc, char** argv) {
+    // A program may be started without even its own name.
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     const auto parsed = ParseCommandLine(arguments);
     if (const auto* error = std::get_if<UsageError>(&parsed)) {
