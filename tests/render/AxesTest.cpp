@@ -375,8 +375,9 @@ TEST_F(AxesScene, AreDrawnOnlyForTheValueOne) {
     EXPECT_GT(PixelsThatAreNotBackground(), 100);
 }
 
-TEST_F(AxesScene, AreNotDrawnInAWindowTooSmallForThem) {
-    for (const auto& [width, height] : {std::pair{0, 0}, {5, 0}, {0, 5}, {1, 1}, {7, 7}}) {
+// 15 pixels: the origin is 1 + 15 = 16 pixels from the corner, outside the window.
+TEST_F(AxesScene, AreNotVisibleInAWindowTooSmallForThem) {
+    for (const auto& [width, height] : {std::pair{0, 0}, {5, 0}, {0, 5}, {1, 1}, {7, 7}, {15, 15}}) {
         Resize(width, height);
         pane->m_nViewMode = KV_ScenePane::ViewFromPlusXZUp;
         pane->PerformRefresh();
