@@ -93,7 +93,9 @@ bool LogoPanel::OpenImage(const QString& path) {
         emit Failed(tr("%1: no logo: %2").arg(path, reason));
         return false;
     }
-    m_pFile->setText(tr("%1, %2 x %3").arg(QFileInfo(path).fileName()).arg(image->width).arg(image->height));
+    m_pFile->setText(
+        tr("%1, %2 x %3")
+            .arg(QFileInfo(path).fileName(), QString::number(image->width), QString::number(image->height)));
     m_pFile->setToolTip(path);
     m_pVisible->setChecked(true);  // a hidden logo would look like a failure
     m_logo.SetImage(*std::move(image));

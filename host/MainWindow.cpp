@@ -34,7 +34,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MakeDocks();
     MakeMenus();
     ReservePlainKeysForInputs();
-    statusBar()->showMessage(tr("Open scans and meshes by the File menu, or drop them here."));
+    statusBar()->showMessage(tr("Open scans and meshes with the File menu, or drop them here."));
     // Imports have captures of their own; this is for everything else that the viewer writes, from any thread.
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
@@ -170,7 +170,8 @@ bool MainWindow::SaveScreenShot(const std::string& path) {
     try {
         const KV_ScenePane::Picture picture = TakeScreenShot(Pane()->Methods());
         if (picture.width != 0 && WritePng(path, picture, &reason))
-            text = tr("%1: screenshot of %2 x %3 pixels").arg(file).arg(picture.width).arg(picture.height);
+            text = tr("%1: screenshot of %2 x %3 pixels")
+                       .arg(file, QString::number(picture.width), QString::number(picture.height));
     } catch (const std::bad_alloc&) {  // no exception may pass through Qt
         reason = "there is not enough memory";
     }

@@ -38,7 +38,7 @@ constexpr const char* kPickNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "&Points on objects"),
     QT_TRANSLATE_NOOP("MainWindow", "Points on objects, &second mode"),
     QT_TRANSLATE_NOOP("MainWindow", "Off, s&econd mode"),
-    QT_TRANSLATE_NOOP("MainWindow", "Points on objects, with the spheres of a &host"),
+    QT_TRANSLATE_NOOP("MainWindow", "Points on objects, with pick-point sp&heres"),
 };
 
 /// Whether keys typed into the widget change a value or search a row.

@@ -175,7 +175,7 @@ void MainWindow::AskForSkip() {
 void MainWindow::AskForConfidence() {
     bool accepted = false;
     const double limit =
-        QInputDialog::getDouble(this, tr("Confidence limit"), tr("Leave out points of a lower confidence than:"),
+        QInputDialog::getDouble(this, tr("Confidence limit"), tr("Leave out points with a confidence below:"),
                                 static_cast<double>(m_options.import.confidence), -1e9, 1e9, 4, &accepted);
     if (accepted) m_options.import.confidence = static_cast<float>(limit);
 }

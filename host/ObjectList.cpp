@@ -56,7 +56,7 @@ void ObjectList::AddObject(const ObjectReport& object) {
     item->setText(kBox, BoxText(object.box));
     auto* const button = new ColorButton(object.color);
     button->SetName(tr("Colour of %1").arg(item->text(kName)));
-    if (object.hasVertexColors) button->setToolTip(tr("The scan has colours of its own, which are shown instead"));
+    if (object.hasVertexColors) button->setToolTip(tr("The scan has its own colours, which are shown instead"));
     // By the item and not by its position, which changes when rows above are removed.
     connect(button, &ColorButton::ColorChosen, this,
             [this, item](std::int32_t packed) { emit ColorWanted(indexOfTopLevelItem(item), packed); });

@@ -65,6 +65,12 @@ TEST_F(MainWindowScreenShot, AddsAMessage) {
     EXPECT_EQ(Messages(), path + ": screenshot of 2048 x 2048 pixels");
 }
 
+TEST_F(MainWindowScreenShot, AddsAMessageAlsoForANameWithAPercentSign) {
+    const std::string path = m_folder / "%2%3.png";
+    EXPECT_TRUE(m_window->SaveScreenShot(path));
+    EXPECT_EQ(Messages(), path + ": screenshot of 2048 x 2048 pixels");
+}
+
 TEST_F(MainWindowScreenShot, ReportsAFileThatCannotBeWritten) {
     EXPECT_FALSE(m_window->SaveScreenShot(m_folder / "no/shot.png"));
     EXPECT_NE(Messages().find("no/shot.png: not written: No such file or directory"), std::string::npos) << Messages();
