@@ -16,12 +16,6 @@ if(KV_PRECOMPILED_HEADERS)
   list(APPEND KV_TEST_OPTIONS -fPIC)
 endif()
 
-if(KV_SANITIZE MATCHES "undefined")
-  # The checks of every single access make a third of the compile time of the tests' own code; what they would find there
-  # ends the test anyway. The libraries under test have them.
-  list(APPEND KV_TEST_OPTIONS -fno-sanitize=null,alignment,object-size,vptr)
-endif()
-
 # kv_precompiled_test_headers(NAME USES targets... HEADERS headers...)
 function(kv_precompiled_test_headers NAME)
   cmake_parse_arguments(PCH "" "" "USES;HEADERS" ${ARGN})
