@@ -283,15 +283,16 @@ TEST_F(PlaneInput, PlaneRotatesOnTheScreenAsTheSceneWould) {
         const auto along = [&n](const Float3& axis) { return axis[0] * n[0] + axis[1] * n[1] + axis[2] * n[2]; };
         return Double3{along(pane->m_fAxisX), along(pane->m_fAxisY), along(pane->m_fAxisZ)};
     };
-    for (const std::int16_t rotation : std::initializer_list<std::int16_t>{0, 1, 2, 3}) {
+    for (const std::int16_t rotation : {KV_ScenePane::RotateAboutHorizontal, KV_ScenePane::RotateAboutVertical,
+                                        KV_ScenePane::RotateAboutViewAxis, KV_ScenePane::RotateFree}) {
         pane->SetRotationMode(rotation);
         const auto drag = [&](std::uint32_t flags) {
-            pane->SetViewMode(6);
+            pane->SetViewMode(KV_ScenePane::ViewObliqueZUp);
             plane.SetNormal({0.2, -0.5, 0.6});
             Mouse(Kind::LeftDown, 300, 240, flags);
             Mouse(Kind::Move, 340, 225, flags);
             // About one axis the moves add up; each free rotation starts from the view after the last one.
-            if (rotation != 3) Mouse(Kind::Move, 333, 290, flags);
+            if (rotation != KV_ScenePane::RotateFree) Mouse(Kind::Move, 333, 290, flags);
             const Double3 seen = onScreen();
             Mouse(Kind::LeftUp, 333, 290);
             return seen;
@@ -300,7 +301,7 @@ TEST_F(PlaneInput, PlaneRotatesOnTheScreenAsTheSceneWould) {
         const Double3 byPlane = drag(kLeft | kCtrl);
         ExpectNear(byPlane, byView, 1e-5);
         plane.SetNormal({0.2, -0.5, 0.6});
-        pane->SetViewMode(6);
+        pane->SetViewMode(KV_ScenePane::ViewObliqueZUp);
         EXPECT_GT(std::hypot(byView[0] - onScreen()[0], byView[1] - onScreen()[1]), 0.05) << rotation;
     }
 }

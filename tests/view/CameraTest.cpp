@@ -116,7 +116,7 @@ TEST(ViewDirectionChanged, FiresForNewParametersAndPansInTracingMode) {
 TEST(ViewDirectionChanged, DoesNotFireForViewModesZoomFitAndSize) {
     OffscreenControl c;
     c->TracingMode(1);
-    c->SetViewMode(3);
+    c->SetViewMode(KV_ScenePane::ViewFromMinusXZUp);
     c->ZoomView(0, -120);
     c->CenterView();
     c->SetSize(300, 200);
@@ -192,7 +192,7 @@ class PanInAWindow : public testing::TestWithParam<WindowSize> {};
 
 TEST_P(PanInAWindow, MovesThePictureByTheTravelInPixels) {
     OffscreenControl c(GetParam().width, GetParam().height);
-    c->SetViewMode(6);
+    c->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     c->m_fSceneSize = 80;
     c->m_fZoom = 1.7f;
     c->SetupViewMatrices();

@@ -176,7 +176,7 @@ INSTANTIATE_TEST_SUITE_P(All, EightViews, testing::ValuesIn(kViews),
 TEST(SetViewMode, StoresAnUnknownModeWithoutChangingTheAxes) {
     OffscreenControl c;
     EXPECT_EQ(c->m_nViewMode, -1) << "no view before the first call";
-    c->SetViewMode(6);
+    c->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     const ViewFrame before = c->LiveFrame();
     for (const std::int16_t mode : {std::int16_t{9}, std::int16_t{8}, std::int16_t{-1}, std::int16_t{-32768}}) {
         c.window->Forget();

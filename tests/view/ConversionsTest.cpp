@@ -247,7 +247,7 @@ TEST(SetupViewMatrices, StoresItsFrameAsTheSavedView) {
 
 TEST(SetupViewMatrices, SnapsAViewAlongYWithinTheThreshold) {
     OffscreenControl c;
-    c->SetViewMode(0);
+    c->SetViewMode(KV_ScenePane::ViewFromPlusYZUp);
     c->m_fAxisZ = {0.99e-5f, 1, 0};
     c->m_fAxisX = {-1 + 0.9e-5f, 0.99e-5f, 0};
     c->SetupViewMatrices();
@@ -262,7 +262,8 @@ TEST(SetupViewMatrices, SnapsAViewAlongYWithinTheThreshold) {
 
 TEST(SetupViewMatrices, FixesTheHeadLightToTheScreen) {
     OffscreenControl c;
-    for (const std::int16_t mode : {std::int16_t{4}, std::int16_t{2}, std::int16_t{6}}) {
+    for (const std::int16_t mode :
+         {KV_ScenePane::ViewFromPlusZYUp, KV_ScenePane::ViewFromPlusXZUp, KV_ScenePane::ViewObliqueZUp}) {
         c->SetViewMode(mode);
         c->SetupViewMatrices();
         float light[4] = {};
@@ -306,7 +307,7 @@ TEST(ComputeFrameMatrix, IsTheProductForThatFrameWithTheLiveZoom) {
 
 TEST(ComputeFrameMatrix, RestoresTheStateOfOpenGl) {
     OffscreenControl c;
-    c->SetViewMode(6);
+    c->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     const Matrix modelView = Current(GL_MODELVIEW_MATRIX), projection = Current(GL_PROJECTION_MATRIX);
     const ViewFrame saved = c->m_savedView;
     GLint depthBefore = 0, depthAfter = 0, mode = 0;

@@ -26,7 +26,7 @@ TEST(CenterView, FitsAnEmptySceneToAFixedBox) {
 TEST(CenterView, FitsTheSceneWithTheDefaultZoomAndKeepsTheDirection) {
     OffscreenControl c;
     AddBox(*c, {0, 0, 0}, {20, 30, 60});
-    c->SetViewMode(6);
+    c->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     c->m_fZoom = 4;
     c->SetDefaultZoomFactor(0.75f);
     EXPECT_EQ(c->m_fZoom, 4.0f) << "not before the next fit";
@@ -128,7 +128,7 @@ TEST(ClearData, ResetsTheFrameAndFitsTheEmptyScene) {
     OffscreenControl c;
     AddBox(*c, {0, 0, 0}, {20, 30, 60});
     c->SetDefaultZoomFactor(1.25f);
-    c->SetViewMode(6);
+    c->SetViewMode(KV_ScenePane::ViewObliqueZUp);
     c->CenterView();
     c->m_fZoom = 5;
     c.window->Forget();
@@ -139,7 +139,7 @@ TEST(ClearData, ResetsTheFrameAndFitsTheEmptyScene) {
     EXPECT_EQ(c->m_fZoom, 1.25f);
     EXPECT_EQ(c->m_fViewCenter, (Float3{0, 0, 0}));
     EXPECT_NEAR(c->m_fSceneSize, 173.205081, 1e-4);
-    EXPECT_EQ(c->m_nViewMode, 6) << "the last view mode stays remembered";
+    EXPECT_EQ(c->m_nViewMode, KV_ScenePane::ViewObliqueZUp) << "the last view mode is kept";
     EXPECT_EQ(c.window->invalidates, 1);
     EXPECT_EQ(c.window->refreshes + c.window->eraseInvalidates, 0);
 }
@@ -196,7 +196,7 @@ TEST(ClearData, DestroysObjectsFirstAndWithTheContextCurrent) {
             delete mesh;
         });
     };
-    c->SetViewMode(2);
+    c->SetViewMode(KV_ScenePane::ViewFromPlusXZUp);
     c->m_vpMeshes.push_back(watched('o'));
     c->m_vUndoStack.push_back({watched('u')});
     c->m_vLines3D.push_back({.id = 1, .points = {{0, 0, 0}}});

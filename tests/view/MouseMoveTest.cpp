@@ -277,7 +277,8 @@ TEST(Wheel, ZoomsInTheModesThatAllowItWithTheDirectionOfTheScheme) {
     InputControl c;
     constexpr double kNotch = 1.12;
     for (const std::int32_t mode : kAllModes) {
-        const bool zooms = mode <= 3 || mode == 6 || mode == 7 || mode == 9;
+        const bool zooms =
+            mode <= ModePan || mode == ModeAlignInteractive || mode == ModeAlignPickPoints || mode == ModePlaneHandle;
         for (const std::int32_t igd : {0, 1, 2}) {
             for (const std::int32_t delta : {120, -120}) {
                 SCOPED_TRACE(testing::Message() << "mode " << mode << ", scheme " << igd << ", delta " << delta);

@@ -14,7 +14,12 @@
 
 namespace {
 
+using KV_ScenePane::RotateAboutHorizontal, KV_ScenePane::RotateAboutVertical, KV_ScenePane::RotateAboutViewAxis;
+using KV_ScenePane::RotateFree;
+
 constexpr double kPi = std::numbers::pi;
+constexpr std::int32_t kOneAxisModes[] = {RotateAboutHorizontal, RotateAboutVertical, RotateAboutViewAxis};
+constexpr std::int32_t kAllModes[] = {RotateAboutHorizontal, RotateAboutVertical, RotateAboutViewAxis, RotateFree};
 constexpr std::int32_t kFar = std::numeric_limits<std::int32_t>::max();
 
 /// In double precision, then rounded once.
@@ -48,12 +53,12 @@ RotationRule RollRule(std::int32_t quadrant, std::int32_t width, std::int32_t he
 
 TEST(FreeRotation, MovesTheFrontOfTheSceneWithTheMouse) {
     // The point that faces the viewer, (0, 0, 1), is under the mouse.
-    for (const std::int32_t mode : {1, 3}) {
+    for (const std::int32_t mode : {RotateAboutVertical, RotateFree}) {
         const ViewFrame right = RotateFrame({}, Rule(mode, 300, 300), 10, 0);
         EXPECT_GT(right.wx[2], 0.1f) << "it moves to the right of the screen, mode " << mode;
         EXPECT_EQ(right.wy, (Float3{0, 1, 0}));
     }
-    for (const std::int32_t mode : {0, 3}) {
+    for (const std::int32_t mode : {RotateAboutHorizontal, RotateFree}) {
         const ViewFrame down = RotateFrame({}, Rule(mode, 300, 300), 0, 10);
         EXPECT_LT(down.wy[2], -0.1f) << "it moves to the bottom of the screen, mode " << mode;
         EXPECT_EQ(down.wx, (Float3{1, 0, 0}));
@@ -61,11 +66,11 @@ TEST(FreeRotation, MovesTheFrontOfTheSceneWithTheMouse) {
 }
 
 TEST(RotationAboutTheViewingAxis, RotatesThePictureClockwiseWhenTheMouseMovesRightOrUp) {
-    const ViewFrame right = RotateFrame({}, Rule(2, 300, 300), 10, 0);
+    const ViewFrame right = RotateFrame({}, Rule(RotateAboutViewAxis, 300, 300), 10, 0);
     EXPECT_GT(right.wx[1], 0.1f) << "the top of the picture moves right";
-    const ViewFrame up = RotateFrame({}, Rule(2, 300, 300), 0, -10);
+    const ViewFrame up = RotateFrame({}, Rule(RotateAboutViewAxis, 300, 300), 0, -10);
     EXPECT_GT(up.wx[1], 0.1f);
-    const ViewFrame down = RotateFrame({}, Rule(2, 300, 300), 0, 10);
+    const ViewFrame down = RotateFrame({}, Rule(RotateAboutViewAxis, 300, 300), 0, 10);
     EXPECT_LT(down.wx[1], -0.1f) << "the top of the picture moves left";
 }
 
@@ -78,21 +83,21 @@ void PrintTo(const HandCase& row, std::ostream* out) { *out << row.name; }
 
 // From the frame along the world's axes, by quarter and half turns.
 const HandCase kHandCases[] = {
-    {"Mode0HalfTheHeightDown", 0, 640, 480, 0, 240, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-    {"Mode0HalfTheHeightUp", 0, 640, 480, 0, -240, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
-    {"Mode0WholeHeight", 0, 640, 480, 0, 480, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
-    {"Mode0IgnoresTheTravelToTheSide", 0, 640, 480, 320, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
-    {"Mode1HalfTheWidthRight", 1, 640, 480, 320, 0, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
-    {"Mode1HalfTheWidthLeft", 1, 640, 480, -320, 0, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
-    {"Mode1IgnoresTheTravelDown", 1, 640, 480, 0, 240, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
-    {"Mode2HalfTheWidthRight", 2, 640, 480, 320, 0, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
-    {"Mode2HalfTheHeightDown", 2, 640, 480, 0, 240, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
-    {"FreeAcrossTheSmallerSideRight", 3, 640, 480, 480, 0, {-1, 0, 0}, {0, 1, 0}, {0, 0, -1}},
-    {"FreeAcrossTheSmallerSideDown", 3, 480, 640, 0, 480, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
-    {"FreeHalfRight", 3, 640, 480, 240, 0, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
-    {"FreeHalfDown", 3, 640, 480, 0, 240, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+    {"HorizontalHalfTheHeightDown", RotateAboutHorizontal, 640, 480, 0, 240, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+    {"HorizontalHalfTheHeightUp", RotateAboutHorizontal, 640, 480, 0, -240, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
+    {"HorizontalWholeHeight", RotateAboutHorizontal, 640, 480, 0, 480, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
+    {"HorizontalIgnoresTheTravelToTheSide", RotateAboutHorizontal, 640, 480, 320, 0, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+    {"VerticalHalfTheWidthRight", RotateAboutVertical, 640, 480, 320, 0, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
+    {"VerticalHalfTheWidthLeft", RotateAboutVertical, 640, 480, -320, 0, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
+    {"VerticalIgnoresTheTravelDown", RotateAboutVertical, 640, 480, 0, 240, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+    {"ViewAxisHalfTheWidthRight", RotateAboutViewAxis, 640, 480, 320, 0, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+    {"ViewAxisHalfTheHeightDown", RotateAboutViewAxis, 640, 480, 0, 240, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}},
+    {"FreeAcrossTheSmallerSideRight", RotateFree, 640, 480, 480, 0, {-1, 0, 0}, {0, 1, 0}, {0, 0, -1}},
+    {"FreeAcrossTheSmallerSideDown", RotateFree, 480, 640, 0, 480, {1, 0, 0}, {0, -1, 0}, {0, 0, -1}},
+    {"FreeHalfRight", RotateFree, 640, 480, 240, 0, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
+    {"FreeHalfDown", RotateFree, 640, 480, 0, 240, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
     // Right first: wz is then -X, and the rotation downward moves wy to its opposite.
-    {"FreeHalfRightThenHalfDown", 3, 640, 480, 240, 240, {0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+    {"FreeHalfRightThenHalfDown", RotateFree, 640, 480, 240, 240, {0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
 };
 class QuarterAndHalfTurn : public testing::TestWithParam<HandCase> {};
 
@@ -129,7 +134,7 @@ TEST(RotationAboutTheHorizontal, IsTheDoublePrecisionRotationRoundedOnce) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double a = -dy * kPi / shape.height;
-        ExpectSame(RotateFrame(f, Rule(0, shape.width, shape.height), dx, dy),
+        ExpectSame(RotateFrame(f, Rule(RotateAboutHorizontal, shape.width, shape.height), dx, dy),
                    {f.wx, Rodrigues(f.wx, a, f.wy), Rodrigues(f.wx, a, f.wz), f.center});
     });
 }
@@ -138,7 +143,7 @@ TEST(RotationAboutTheVertical, IsTheDoublePrecisionRotationRoundedOnce) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double a = -dx * kPi / shape.width;
-        ExpectSame(RotateFrame(f, Rule(1, shape.width, shape.height), dx, dy),
+        ExpectSame(RotateFrame(f, Rule(RotateAboutVertical, shape.width, shape.height), dx, dy),
                    {Rodrigues(f.wy, a, f.wx), f.wy, Rodrigues(f.wy, a, f.wz), f.center});
     });
 }
@@ -148,7 +153,7 @@ TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionRotationByTheLargerAngleRo
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
         const double byX = dx * kPi / shape.width, byY = -dy * kPi / shape.height;
         const double a = std::fabs(byY) > std::fabs(byX) ? byY : byX;
-        ExpectSame(RotateFrame(f, Rule(2, shape.width, shape.height), dx, dy),
+        ExpectSame(RotateFrame(f, Rule(RotateAboutViewAxis, shape.width, shape.height), dx, dy),
                    {Rodrigues(f.wz, a, f.wx), Rodrigues(f.wz, a, f.wy), f.wz, f.center});
     });
 }
@@ -156,17 +161,17 @@ TEST(RotationAboutTheViewingAxis, IsTheDoublePrecisionRotationByTheLargerAngleRo
 TEST(RotationAboutTheViewingAxis, UsesTheDirectionWithTheLargerAngleNotTheLongerTravel) {
     // 5 of 200 pixels are a larger angle than 10 of 1000.
     const double degrees = -180.0 * 5 / 200;
-    const ViewFrame turned = RotateFrame({}, Rule(2, 1000, 200), 10, 5);
+    const ViewFrame turned = RotateFrame({}, Rule(RotateAboutViewAxis, 1000, 200), 10, 5);
     EXPECT_NEAR(std::atan2(turned.wx[1], turned.wx[0]) * 180 / kPi, degrees, 1e-5);
     // and 24 of 1000 are less, 26 more.
-    EXPECT_LT(RotateFrame({}, Rule(2, 1000, 200), 24, 5).wx[1], 0.0f);
-    EXPECT_GT(RotateFrame({}, Rule(2, 1000, 200), 26, 5).wx[1], 0.0f);
+    EXPECT_LT(RotateFrame({}, Rule(RotateAboutViewAxis, 1000, 200), 24, 5).wx[1], 0.0f);
+    EXPECT_GT(RotateFrame({}, Rule(RotateAboutViewAxis, 1000, 200), 26, 5).wx[1], 0.0f);
 }
 
 TEST(RotationAboutTheViewingAxis, UsesTheHorizontalTravelWhenBothAnglesAreEqual) {
     for (const std::int32_t dy : {10, -10}) {
-        EXPECT_GT(RotateFrame({}, Rule(2, 300, 300), 10, dy).wx[1], 0.0f) << dy;
-        EXPECT_LT(RotateFrame({}, Rule(2, 300, 300), -10, dy).wx[1], 0.0f) << dy;
+        EXPECT_GT(RotateFrame({}, Rule(RotateAboutViewAxis, 300, 300), 10, dy).wx[1], 0.0f) << dy;
+        EXPECT_LT(RotateFrame({}, Rule(RotateAboutViewAxis, 300, 300), -10, dy).wx[1], 0.0f) << dy;
     }
 }
 
@@ -200,7 +205,7 @@ ViewFrame FreeInFloats(const ViewFrame& f, const RotationRule& rule, std::int32_
 
 TEST(FreeRotation, IsComputedInSinglePrecision) {
     ForAllShapesAndTravels([](const Shape& shape, std::int32_t dx, std::int32_t dy) {
-        const RotationRule rule = Rule(3, shape.width, shape.height);
+        const RotationRule rule = Rule(RotateFree, shape.width, shape.height);
         ExpectSame(RotateFrame(ObliqueFrame(), rule, dx, dy), FreeInFloats(ObliqueFrame(), rule, dx, dy));
     });
 }
@@ -208,7 +213,7 @@ TEST(FreeRotation, IsComputedInSinglePrecision) {
 TEST(FreeRotation, RotatesAboutTheVerticalAndThenAboutTheNewHorizontalThroughThePivot) {
     const ViewFrame f = ObliqueFrame();
     ForAllShapesAndTravels([&](const Shape& shape, std::int32_t dx, std::int32_t dy) {
-        const RotationRule rule = Rule(3, shape.width, shape.height);
+        const RotationRule rule = Rule(RotateFree, shape.width, shape.height);
         const double side = std::min(shape.width, shape.height);
         const double x = -dx * kPi / side, y = -dy * kPi / side;
         const Double3 wx = RotateByRodrigues(ToDouble3(f.wy), x, ToDouble3(f.wx));
@@ -231,7 +236,7 @@ TEST(FreeRotation, RotatesAboutTheVerticalAndThenAboutTheNewHorizontalThroughThe
 
 TEST(FreeRotation, MovesTheCentreAroundThePivot) {
     const ViewFrame frame{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {10, 0, 5}};
-    const RotationRule rule{.mode = 3, .width = 100, .height = 300, .pivot = {10, 0, 0}};
+    const RotationRule rule{.mode = RotateFree, .width = 100, .height = 300, .pivot = {10, 0, 0}};
     // A quarter turn; what faced the viewer has moved right, so the viewer looks from the left.
     ExpectNear(RotateFrame(frame, rule, 50, 0).center, {5, 0, 0}, 2e-6, "centre");
     ExpectNear(RotateFrame(frame, rule, 0, 50).center, {10, 5, 0}, 2e-6, "centre");
@@ -239,20 +244,20 @@ TEST(FreeRotation, MovesTheCentreAroundThePivot) {
 
 TEST(FreeRotation, KeepsACentreThatIsThePivot) {
     ViewFrame frame = ObliqueFrame();
-    const RotationRule rule{.mode = 3, .width = 640, .height = 480, .pivot = frame.center};
+    const RotationRule rule{.mode = RotateFree, .width = 640, .height = 480, .pivot = frame.center};
     EXPECT_EQ(RotateFrame(frame, rule, 33, -71).center, frame.center);
 }
 
 TEST(FreeRotation, IsUsedForEveryUnknownMode) {
     const ViewFrame f = ObliqueFrame();
-    const ViewFrame expected = RotateFrame(f, Rule(3, 640, 480), 30, -20);
+    const ViewFrame expected = RotateFrame(f, Rule(RotateFree, 640, 480), 30, -20);
     for (const std::int32_t mode : {-1, 4, 7, 32767, -32768})
         ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 30, -20), expected);
 }
 
 TEST(OneAxisRotations, DoNotMoveTheCentreWhereverThePivotIs) {
     ViewFrame frame = ObliqueFrame();
-    for (const std::int32_t mode : {0, 1, 2}) {
+    for (const std::int32_t mode : kOneAxisModes) {
         RotationRule rule = Rule(mode, 640, 480);
         rule.pivot = {1000, -2000, 3000};
         const ViewFrame turned = RotateFrame(frame, rule, 100, 90);
@@ -304,7 +309,8 @@ TEST(Roll, IgnoresTheRotationMode) {
     const ViewFrame f = ObliqueFrame();
     for (std::int32_t quadrant = 0; quadrant < 4; ++quadrant) {
         const bool bottom = quadrant >= 2, right = quadrant == 1 || quadrant == 2;
-        const ViewFrame expected = RotateFrame(f, Rule(2, 640, 480), bottom ? -31 : 31, right ? -12 : 12);
+        const ViewFrame expected =
+            RotateFrame(f, Rule(RotateAboutViewAxis, 640, 480), bottom ? -31 : 31, right ? -12 : 12);
         for (const std::int32_t mode : {0, 1, 2, 3, -4}) {
             RotationRule rule = RollRule(quadrant, 640, 480);
             rule.mode = mode;
@@ -317,10 +323,10 @@ TEST(Roll, IgnoresTheRotationMode) {
 
 TEST(RotateFrame, WithoutTravelKeepsTheAxes) {
     const ViewFrame f = ObliqueFrame();
-    for (const std::int32_t mode : {0, 1, 2}) ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 0, 0), f);
+    for (const std::int32_t mode : kOneAxisModes) ExpectSame(RotateFrame(f, Rule(mode, 640, 480), 0, 0), f);
     for (std::int32_t quadrant = 0; quadrant < 4; ++quadrant)
         ExpectSame(RotateFrame(f, RollRule(quadrant, 640, 480), 0, 0), f);
-    const ViewFrame freely = RotateFrame(f, Rule(3, 640, 480), 0, 0);
+    const ViewFrame freely = RotateFrame(f, Rule(RotateFree, 640, 480), 0, 0);
     EXPECT_EQ(freely.wx, f.wx);
     EXPECT_EQ(freely.wy, f.wy);
     EXPECT_EQ(freely.wz, f.wz);
@@ -330,7 +336,7 @@ TEST(RotateFrame, WithoutTravelKeepsTheAxes) {
 TEST(RotateFrame, InAWindowWithoutAreaKeepsTheFrame) {
     const ViewFrame f = ObliqueFrame();
     for (const Shape& shape : {Shape{0, 480}, Shape{640, 0}, Shape{0, 0}, Shape{-1, -1}})
-        for (const std::int32_t mode : {0, 1, 2, 3}) {
+        for (const std::int32_t mode : kAllModes) {
             ExpectSame(RotateFrame(f, Rule(mode, shape.width, shape.height), 5, 7), f);
             ExpectSame(RotateFrame(f, RollRule(mode, shape.width, shape.height), 5, 7), f);
         }
@@ -344,7 +350,7 @@ TEST(RotateFrame, StaysOrthonormalForTheLargestTravel) {
         ExpectNear(Cross(turned.wx, turned.wy), turned.wz, 1e-5, "wz");
     };
     for (const Shape& travel : {Shape{kLow, kLow}, Shape{kFar, kLow}, Shape{kLow, kFar}}) {
-        for (const std::int32_t mode : {0, 1, 2, 3})
+        for (const std::int32_t mode : kAllModes)
             expectFrame(RotateFrame(f, Rule(mode, 640, 480), travel.width, travel.height));
         expectFrame(RotateFrame(f, RollRule(2, 640, 480), travel.width, travel.height));
     }
@@ -377,7 +383,8 @@ constexpr double kHalfUlp = 0x1p-25;  // of a component between 0.5 and 1, the l
 // product of two axes by twice that. Even if all of a hundred thousand erred the same way, 0.0104 would be the sum.
 TEST(RandomSmallRotations, AboutOneAxisEachKeepTheFrameOrthonormalWithinTheirRoundings) {
     for (const std::uint32_t seed : {1u, 2u, 3u})
-        EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, 0, 2)), kTurns * 2 * std::sqrt(3.0) * kHalfUlp);
+        EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, RotateAboutHorizontal, RotateAboutViewAxis)),
+                  kTurns * 2 * std::sqrt(3.0) * kHalfUlp);
 }
 
 // In floats a component is two products and their sum, three roundings; sine and cosine are off by half a unit each,
@@ -386,8 +393,8 @@ TEST(RandomSmallRotations, AboutOneAxisEachKeepTheFrameOrthonormalWithinTheirRou
 TEST(RandomSmallRotations, OfAllModesKeepTheFrameOrthonormalWithinTheirRoundings) {
     const double perTurn = 2 * 2 * (3 * std::sqrt(3.0) + std::sqrt(2.0)) * kHalfUlp;
     for (const std::uint32_t seed : {1u, 2u, 3u}) {
-        EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, 0, 3)), kTurns * perTurn);
-        EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, 3, 3)), kTurns * perTurn);
+        EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, RotateAboutHorizontal, RotateFree)), kTurns * perTurn);
+        EXPECT_LT(Departure(AfterRandomTurns(kTurns, seed, RotateFree, RotateFree)), kTurns * perTurn);
     }
 }
 
@@ -396,8 +403,8 @@ TEST(RandomSmallRotations, OfAllModesKeepTheFrameOrthonormalWithinTheirRoundings
 // also the limit of SetViewParams: a view that a host reads back after hours of dragging is still accepted.
 TEST(RandomSmallRotations, KeepAFrameThatIsAcceptedAsAView) {
     for (const std::uint32_t seed : {1u, 2u, 3u, 4u, 5u})
-        for (const std::int32_t firstMode : {0, 3}) {
-            const ViewFrame frame = AfterRandomTurns(kTurns, seed, firstMode, 3);
+        for (const std::int32_t firstMode : {RotateAboutHorizontal, RotateFree}) {
+            const ViewFrame frame = AfterRandomTurns(kTurns, seed, firstMode, RotateFree);
             EXPECT_TRUE(IsViewFrame(frame.wx, frame.wy));
         }
 }
