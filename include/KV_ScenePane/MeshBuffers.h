@@ -8,10 +8,14 @@ namespace KV_ScenePane {
 
 /// One vertex: eight 32-bit words in this order, as they are uploaded and written to files.
 struct Vertex {
-    float x = 0.0f, y = 0.0f, z = 0.0f;     ///< position, world frame
-    float nx = 0.0f, ny = 0.0f, nz = 0.0f;  ///< normal
-    std::uint32_t color = 0;                ///< (a << 24) | (r << 16) | (g << 8) | b
-    std::uint32_t gridIndex = 0;            ///< (row << 16) | column in the measurement grid; 0 when not from a grid
+    /// Position, world frame.
+    float x = 0.0f, y = 0.0f, z = 0.0f;
+    /// Unit normal, world frame.
+    float nx = 0.0f, ny = 0.0f, nz = 0.0f;
+    /// (a << 24) | (r << 16) | (g << 8) | b.
+    std::uint32_t color = 0;
+    /// (row << 16) | column in the measurement grid; 0 when not from a grid.
+    std::uint32_t gridIndex = 0;
 };
 static_assert(sizeof(Vertex) == 32);
 

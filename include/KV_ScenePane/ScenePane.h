@@ -14,6 +14,7 @@ namespace KV_ScenePane {
 
 /// Where and how a viewer is shown.
 struct WindowRequest {
+    /// What the viewer is drawn on.
     enum class Kind {
         Child,      ///< a child of the X11 window @c parent of the host
         TopLevel,   ///< an X11 window of its own
@@ -21,13 +22,20 @@ struct WindowRequest {
         NoPicture   ///< no surface and no OpenGL: imports, exports and their results only
     };
     Kind kind = Kind::OffScreen;
-    std::uintptr_t parent = 0;      ///< X11 window id, for Child
-    std::string display;            ///< X display name; empty for $DISPLAY
-    int x = 0, y = 0;               ///< position in the parent, pixels
-    int width = 640, height = 480;  ///< pixels
+    /// X11 window id of the host, for Child; unused by the other kinds.
+    std::uintptr_t parent = 0;
+    /// X display name, for Child and TopLevel; empty for $DISPLAY.
+    std::string display;
+    /// Position in the parent, pixels.
+    int x = 0, y = 0;
+    /// Size of the drawing area, pixels; the size of the pictures of an OffScreen viewer.
+    int width = 640, height = 480;
+    /// Title of a TopLevel window.
     std::wstring title = L"KV_ScenePane";
-    int glMajor = 3, glMinor = 3;  ///< requested OpenGL version, compatibility profile
-    int samples = 0;               ///< requested samples per pixel, exactly; 0 for none
+    /// Requested OpenGL version, compatibility profile. 3.3 is the lowest that the viewer draws with.
+    int glMajor = 3, glMinor = 3;
+    /// Requested samples per pixel, exactly; 0 for none.
+    int samples = 0;
     /// Shows a message that the user must see, such as a refused OpenGL version, and returns when it was read. Called
     /// on the viewer's thread. Empty: such messages go to the debugger output.
     std::function<void(const std::string& text)> showMessage;
@@ -35,14 +43,18 @@ struct WindowRequest {
 
 /// Properties of an object that the automation surface does not return.
 struct ObjectInfo {
-    std::wstring name;             ///< path of the file it was read from, or the host's name for it; may be empty
-    bool hasVertexColors = false;  ///< its vertices have colours
+    /// Path of the file it was read from, or the host's name for it; may be empty.
+    std::wstring name;
+    /// Whether its vertices have colours.
+    bool hasVertexColors = false;
 };
 
 /// A frame as the window shows it.
 struct Picture {
+    /// Size in pixels.
     int width = 0, height = 0;
-    std::vector<std::uint32_t> pixels;  ///< 0xAARRGGBB, row by row without padding, top row first
+    /// width x height words 0xAARRGGBB, row by row without padding, top row first.
+    std::vector<std::uint32_t> pixels;
 };
 
 /// One viewer. All calls are made on the thread that created it; the destructor closes the window. Several viewers may

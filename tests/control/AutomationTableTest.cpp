@@ -1,4 +1,4 @@
-// The automation table against the published declarations, against the abstract classes, and the dispatch by id.
+// The automation table against the published declarations and against the abstract classes.
 #include "control/AutomationTable.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +10,6 @@
 #include <set>
 #include <string>
 
-#include "control/RecordingPane.h"
-#include "support/ControlFixture.h"
 
 namespace {
 
@@ -160,19 +158,6 @@ const Declaration kEvents[] = {
     {12, "void CutMaskApplied(int64 addr)"},
 };
 
-/// Methods that are declared only.
-const char* const kMethodsToCome[] = {
-    "ClearUndoStack", "SetLassoCuttingColors", "DisplayClipPlanePartCloseToData", "FindNearestPickPointSphere",
-    "RemovePickPointSphere", "GetPickPointSphereCoords", "GetNumberOfPickPointSpheres", "SetMaxNumberOfNeedles",
-    "DeselectNeedle", "DeselectAllNeedles", "SelectNeedle", "StartSegmentation", "ClearPickPointSpheres",
-    "MovePickPointSphere", "PerformUndo", "AlignInteractive", "AlignPickPoints",
-    "CreateNeedles", "DeleteNeedles", "AddPickPointSphere", "SaveCuttingToPcms", "EndSegmentation", "CreateNeedle",
-    "SetLine3DDrawingMode", "GetLine3DDrawingMode", "CreateLine3D", "DeletePoints", "SetPointsVisibility",
-    "ImportPoints", "SetClipPlaneEnabled", "SetClipPlaneDisabled", "SetClipPlane", "SetClipPlaneColor",
-    "GetClipPlane", "SetNeedlePickingMode", "SetNeedleDrawingMode", "SetNeedleRenderParameters",
-    "GetNeedlePickingMode", "GetNeedleDrawingMode", "DeleteNeedle", "GetNumberOfNeedles", "GetNeedle", "GetNeedles",
-    "GetCutMasks", "ClearCutMasks", "AboutBox",
-};
 // clang-format on
 
 /// Of the arguments that point to arrays of the host, those that the method writes.
@@ -187,12 +172,6 @@ std::string Text(std::string_view result, std::string_view name, const std::vect
         text += std::string(argument.type) + " " + std::string(argument.name);
     }
     return text + ")";
-}
-
-const AutomationMethod& Method(std::string_view name) {
-    for (const AutomationMethod& method : AutomationMethods())
-        if (method.name == name) return method;
-    throw std::invalid_argument("no method " + std::string(name));
 }
 
 // ---- the table against the declarations
@@ -337,226 +316,6 @@ TEST(AutomationTable, AgreesWithTheAbstractClassOfTheEvents) {
         EXPECT_EQ(events[i].name, functions[i].name);
         ExpectSameArguments(events[i], functions[i]);
     }
-}
-
-// ---- the dispatch
-
-/// Values that differ by position, so that swapped arguments are detected.
-std::vector<AutomationValue> DistinctArguments(const AutomationMethod& method) {
-    static const wchar_t text[] = L"0123456789abcdefghij";
-    static char memory[32];
-    std::vector<AutomationValue> values;
-    for (std::size_t i = 1; i < method.signature.size(); ++i) {
-        const auto n = static_cast<std::int32_t>(i);
-        switch (method.signature[i]) {
-            case 's':
-                values.emplace_back(static_cast<std::int16_t>(-100 - n));
-                break;
-            case 'i':
-                values.emplace_back(1000000 + n);
-                break;
-            case 'f':
-                values.emplace_back(0.5f + static_cast<float>(n));
-                break;
-            case 'w':
-                values.emplace_back(text + i);
-                break;
-            default:
-                values.emplace_back(static_cast<void*>(memory + i));
-                break;
-        }
-    }
-    return values;
-}
-
-AutomationValue RecordedResult(const AutomationMethod& method) {
-    switch (method.signature[0]) {
-        case 's':
-            return kRecordedShort;
-        case 'i':
-            return kRecordedLong;
-        default:
-            return std::monostate();
-    }
-}
-
-TEST(InvokeMethod, CallsTheMethodOfTheIdWithItsArgumentsInOrderAndPassesTheResult) {
-    for (const AutomationMethod& method : AutomationMethods()) {
-        RecordingPane pane;
-        const std::vector<AutomationValue> arguments = DistinctArguments(method);
-        AutomationValue result = 4.0f;
-        EXPECT_EQ(InvokeMethod(pane, method.id, arguments, &result), AutomationStatus::Done) << method.name;
-        ASSERT_EQ(pane.calls.size(), 1u) << method.name;
-        EXPECT_EQ(pane.calls[0].name, method.name);
-        EXPECT_EQ(pane.calls[0].arguments, arguments) << method.name;
-        EXPECT_EQ(result, RecordedResult(method)) << method.name;
-    }
-}
-
-TEST(InvokeMethod, AcceptsANullResult) {
-    RecordingPane pane;
-    EXPECT_EQ(InvokeMethod(pane, 23, {}, nullptr), AutomationStatus::Done);
-    EXPECT_EQ(pane.calls.size(), 1u);
-}
-
-TEST(InvokeMethod, RefusesIdsThatAreNotMethods) {
-    for (const std::int32_t id : {0, 1, 2, 3, 123, -1, -525, -551, -609, INT32_MAX, INT32_MIN}) {
-        RecordingPane pane;
-        AutomationValue result = 4.0f;
-        EXPECT_EQ(InvokeMethod(pane, id, {}, &result), AutomationStatus::UnknownId) << id;
-        EXPECT_TRUE(pane.calls.empty()) << id;
-        EXPECT_EQ(result, AutomationValue(4.0f)) << id;
-    }
-}
-
-TEST(InvokeMethod, RefusesOneArgumentTooManyOrTooFew) {
-    for (const AutomationMethod& method : AutomationMethods()) {
-        RecordingPane pane;
-        std::vector<AutomationValue> arguments = DistinctArguments(method);
-        if (!arguments.empty()) {
-            const std::span<const AutomationValue> oneLess(arguments.data(), arguments.size() - 1);
-            EXPECT_EQ(InvokeMethod(pane, method.id, oneLess, nullptr), AutomationStatus::BadArguments) << method.name;
-        }
-        arguments.emplace_back(std::int16_t{0});
-        EXPECT_EQ(InvokeMethod(pane, method.id, arguments, nullptr), AutomationStatus::BadArguments) << method.name;
-        EXPECT_TRUE(pane.calls.empty()) << method.name;
-    }
-}
-
-TEST(InvokeMethod, RefusesAWrongTypeInEveryPosition) {
-    const std::pair<char, AutomationValue> ofEachType[] = {
-        {'s', std::int16_t{1}}, {'i', std::int32_t{1}}, {'f', 1.0f}, {'w', L"text"}, {'p', static_cast<void*>(nullptr)},
-        {'-', std::monostate()}};
-    for (const AutomationMethod& method : AutomationMethods())
-        for (std::size_t i = 1; i < method.signature.size(); ++i)
-            for (const auto& [letter, value] : ofEachType) {
-                if (letter == method.signature[i]) continue;
-                RecordingPane pane;
-                std::vector<AutomationValue> arguments = DistinctArguments(method);
-                arguments[i - 1] = value;
-                EXPECT_EQ(InvokeMethod(pane, method.id, arguments, nullptr), AutomationStatus::BadArguments)
-                    << method.name << ", argument " << i << " as " << letter;
-                EXPECT_TRUE(pane.calls.empty()) << method.name;
-            }
-}
-
-// ---- the dispatch on the real control
-
-class AutomationOfTheControl : public testing::Test {
-protected:
-    AutomationValue Invoke(std::int32_t id, const std::vector<AutomationValue>& arguments) {
-        AutomationValue result;
-        EXPECT_EQ(InvokeMethod(*m_control, id, arguments, &result), AutomationStatus::Done) << id;
-        return result;
-    }
-
-    NoPictureControl m_control;
-};
-
-TEST_F(AutomationOfTheControl, StoresAndReadsSettingsById) {
-    Invoke(20, {std::int32_t{0x123456}});
-    EXPECT_EQ(m_control->m_nCrossColor, 0x123456u);
-    EXPECT_EQ(Invoke(21, {}), AutomationValue(std::int32_t{0x123456}));
-    Invoke(49, {std::int16_t{7}});
-    EXPECT_EQ(Invoke(87, {}), AutomationValue(std::int16_t{7}));
-    Invoke(69, {std::int16_t{1}});
-    EXPECT_EQ(Invoke(70, {}), AutomationValue(std::int16_t{1}));
-}
-
-TEST_F(AutomationOfTheControl, ImportsAMeshFromPointersAndReadsItsBoxThroughPointers) {
-    float vertices[] = {1, 2, 3, 11, 2, 3, 1, 22, 33};
-    std::int32_t triangles[] = {0, 1, 2};
-    Invoke(117, {std::int32_t{3}, std::int32_t{1}, static_cast<void*>(vertices), static_cast<void*>(triangles)});
-    EXPECT_EQ(Invoke(23, {}), AutomationValue(std::int16_t{1}));
-    float box[6] = {};
-    std::vector<AutomationValue> arguments = {std::int16_t{0}};
-    for (float& value : box) arguments.emplace_back(static_cast<void*>(&value));
-    Invoke(74, arguments);
-    EXPECT_EQ(std::vector<float>(box, box + 6), (std::vector<float>{1, 11, 2, 22, 3, 33}));
-    float v[3] = {};
-    EXPECT_EQ(
-        Invoke(59, {std::int16_t{1}, static_cast<void*>(v), static_cast<void*>(v + 1), static_cast<void*>(v + 2)}),
-        AutomationValue(std::int16_t{0}));
-    EXPECT_EQ(
-        Invoke(59, {std::int16_t{0}, static_cast<void*>(v), static_cast<void*>(v + 1), static_cast<void*>(v + 2)}),
-        AutomationValue(std::int16_t{-1}));
-}
-
-TEST_F(AutomationOfTheControl, DoesNothingAtTheRemovedId80) {
-    EXPECT_EQ(Method("SetMeshFilename_Removed").id, 80);
-    m_control.debugOutput.Take();
-    EXPECT_EQ(Invoke(80, {}), AutomationValue(std::monostate()));
-    EXPECT_EQ(m_control.debugOutput.Take(), "");
-    EXPECT_EQ(m_control->GetNumObjects(), 0);
-    EXPECT_FALSE(m_control->m_bModified);
-}
-
-TEST_F(AutomationOfTheControl, KeepsTheLineDrawingModeAtId81) { EXPECT_EQ(Method("SetLine3DDrawingMode").id, 81); }
-
-// ---- methods that are declared only
-
-/// Arguments that any method accepts: zeros, empty texts, and host memory for pointers.
-std::vector<AutomationValue> HarmlessArguments(const AutomationMethod& method, std::vector<std::uint8_t>& memory) {
-    std::vector<AutomationValue> values;
-    for (std::size_t i = 1; i < method.signature.size(); ++i) switch (method.signature[i]) {
-            case 's':
-                values.emplace_back(std::int16_t{0});
-                break;
-            case 'i':
-                values.emplace_back(std::int32_t{0});
-                break;
-            case 'f':
-                values.emplace_back(0.0f);
-                break;
-            case 'w':
-                values.emplace_back(L"");
-                break;
-            default:
-                values.emplace_back(static_cast<void*>(memory.data()));
-                break;
-        }
-    return values;
-}
-
-TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodWritesThatItHasNoOperation) {
-    std::vector<std::uint8_t> memory(64);
-    for (const char* name : kMethodsToCome) {
-        const AutomationMethod& method = Method(name);
-        m_control.debugOutput.Take();
-        Invoke(method.id, HarmlessArguments(method, memory));
-        const std::string line = m_control.debugOutput.Take();
-        EXPECT_TRUE(std::regex_search(line, std::regex("\\b" + std::string(name) + "\\b"))) << name << ": " << line;
-        EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << name << ": " << line;
-        EXPECT_TRUE(line.ends_with('\n')) << name << ": " << line;
-    }
-}
-
-TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodReturnsZero) {
-    std::vector<std::uint8_t> memory(64);
-    for (const char* name : {"DeselectNeedle", "CreateNeedles", "CreateNeedle", "SaveCuttingToPcms", "CreateLine3D",
-                             "GetLine3DDrawingMode", "GetNeedlePickingMode", "GetNeedleDrawingMode", "DeleteNeedle",
-                             "GetNeedle", "GetCutMasks"})
-        EXPECT_EQ(Invoke(Method(name).id, HarmlessArguments(Method(name), memory)), AutomationValue(std::int16_t{0}))
-            << name;
-    for (const char* name : {"GetNumberOfPickPointSpheres", "GetNumberOfNeedles"})
-        EXPECT_EQ(Invoke(Method(name).id, {}), AutomationValue(std::int32_t{0})) << name;
-}
-
-TEST_F(AutomationOfTheControl, ImplementedMethodsWriteNoSuchLine) {
-    const std::set<std::string_view> toCome(std::begin(kMethodsToCome), std::end(kMethodsToCome));
-    const std::set<std::string_view> sayMoreOrNeedAnObject = {
-        "GetMeshDataSize",       "GetObjectBoundingBox",        "ImportScan",
-        "RecreateOpenglContext", "ImportMeasurementFromMemory", "ImportMeshedMeasurement"};
-    std::vector<std::uint8_t> memory(2048 * 2048 * 4);  // the largest that a method writes: a screenshot
-    int called = 0;
-    for (const AutomationMethod& method : AutomationMethods()) {
-        if (toCome.contains(method.name) || sayMoreOrNeedAnObject.contains(method.name)) continue;
-        m_control.debugOutput.Take();
-        Invoke(method.id, HarmlessArguments(method, memory));
-        EXPECT_EQ(m_control.debugOutput.Take(), "") << method.name;
-        ++called;
-    }
-    EXPECT_EQ(called, 120 - static_cast<int>(toCome.size() + sayMoreOrNeedAnObject.size()));
 }
 
 }  // namespace

@@ -394,7 +394,8 @@ TEST_F(SceneMethods, ChangesNoTransformAtABadIndex) {
 
 /// Records its destruction.
 struct DestructionRecorder : Mesh {
-    explicit DestructionRecorder(std::function<void()> onDestruction) : Mesh(L"", false), m_onDestruction(std::move(onDestruction)) {}
+    explicit DestructionRecorder(std::function<void()> onDestruction)
+        : Mesh(L"", false), m_onDestruction(std::move(onDestruction)) {}
     ~DestructionRecorder() override { m_onDestruction(); }
     std::function<void()> m_onDestruction;
 };
