@@ -10,7 +10,7 @@ enum class FileKind {
 
 /// One row of the table. A new format of the viewer needs a row here and nothing else in the host.
 struct FileType {
-    /// Lower case, without the point.
+    /// Lower case, without the dot.
     std::string_view extension;
     /// Of several files, in English: "PLY meshes".
     const char* description;
@@ -45,7 +45,7 @@ inline constexpr FileType kFileTypes[] = {
 }
 [[nodiscard]] constexpr bool IsExported(const FileType& type) { return type.canExport; }
 
-/// The text after the last point of the path in lower case, or the whole path without a point: the viewer's own rule.
+/// The text after the last dot of the path in lower case, or the whole path without a dot: the viewer's own rule.
 /// Only ASCII letters are folded, whatever the locale.
 [[nodiscard]] std::string ExtensionOf(std::string_view path);
 
