@@ -37,7 +37,9 @@ std::string ExtensionList(bool (*isSelected)(const FileType&), std::string_view 
     const std::vector<std::string_view> extensions = Extensions(isSelected);
     std::string list;
     for (std::size_t i = 0; i < extensions.size(); ++i) {
-        if (i > 0) list += i + 1 < extensions.size() ? ", " : " " + std::string(conjunction) + " ";
+        const bool isLast = i + 1 == extensions.size();
+        if (i > 0 && isLast) list.append(" ").append(conjunction).append(" ");
+        if (i > 0 && !isLast) list += ", ";
         list += extensions[i];
     }
     return list;

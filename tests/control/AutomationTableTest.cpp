@@ -10,7 +10,6 @@
 #include <set>
 #include <string>
 
-
 namespace {
 
 struct Declaration {
