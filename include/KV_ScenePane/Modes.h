@@ -17,7 +17,7 @@ enum DrawMode : std::int16_t {
     DrawModeGouraud = 3,
     /// The bounding box of each object.
     DrawModeBoundingBoxes = 4,
-    /// Lit per pixel; the mode that shows shadows when they are switched on.
+    /// Lit per pixel. With shadows on it draws no objects.
     DrawModePerPixel = 5,
     /// Background, decorations and markers only.
     DrawModeNothing = 6,

@@ -231,7 +231,8 @@ public:
                                float* cy, float* cz, float* zoom) = 0;
     /// Cancels the running cut. [declared only]
     virtual void EndSegmentation() = 0;
-    /// 1 switches shadows on, any other value off. They show in DrawModePerPixel. Asks for no repaint.
+    /// 1 switches shadows on, any other value off. They show in draw modes 0 to 4; modes 5 and 6 draw no objects then.
+    /// Asks for no repaint.
     virtual void SetShadowMode(std::int16_t mode) = 0;
     /// 1 when shadows are on, else 0.
     virtual std::int16_t GetShadowMode() = 0;

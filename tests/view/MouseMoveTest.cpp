@@ -159,6 +159,18 @@ TEST(MouseMoveWhileTracing, ReportsTheViewDirectionToTheHost) {
     }
 }
 
+TEST(MouseMoveInNeedlePickingMode, RotatesTheViewWhenNoNeedleIsSelected) {
+    InputControl c({.mode = ModeRotate});
+    c->m_bNeedlePickingMode = 1;
+    c->m_nLastMouseX = kFromX, c->m_nLastMouseY = kFromY;
+    ExpectedView view = ExpectedView::Of(*c);
+    view.Rotate(kDx, kDy);
+    c->OnMouseMoved(kLeft, kToX, kToY);
+    ExpectView(*c, view);
+    EXPECT_EQ(c->m_nLastMouseX, kToX);
+    EXPECT_EQ(c->m_nLastMouseY, kToY);
+}
+
 // ---- lassos
 
 TEST(LassoMove, MovesTheEndOfTheRubberBand) {
