@@ -41,6 +41,12 @@ TEST_F(RegularFileTest, ReadsAnEmptyFileAsNoBytes) {
     EXPECT_TRUE(file.ReadWhole().empty());
 }
 
+TEST_F(RegularFileTest, ReportsAnErrorOfTheSystemWhileReading) {
+    const RegularFile file("/proc/self/mem");  // a regular file whose first page cannot be read
+    std::byte byte{};
+    EXPECT_THAT([&] { (void)file.ReadAt(0, &byte, 1); }, ThrowsMessage<FileAccessError>(StartsWith("cannot be read")));
+}
+
 TEST_F(RegularFileTest, ReadsAtAnyOffsetInAnyOrder) {
     const RegularFile file(path);
     std::vector<std::byte> bytes(10);

@@ -175,3 +175,9 @@ TEST(PcmFile, IsNotWrittenWithAForeignSectionThatReadersRefuse) {
     sample.foreign[0] = {0x65746F6E, 0, 1, {}};  // flagged as needed: readers of this version would refuse the file
     EXPECT_THROW((void)WritePcm(sample.View()), PcmError);
 }
+
+TEST(PcmFile, IsNotWrittenWithMoreSectionsThanReadersAccept) {
+    PcmSample sample(2, 2);
+    for (std::uint32_t i = 0; i < 65; ++i) sample.foreign.push_back({0x61000000 + i, 0, 0, {}});
+    EXPECT_THROW((void)WritePcm(sample.View()), PcmError);
+}

@@ -37,6 +37,29 @@ TEST_F(NoPicture, HasASizeButNoContextAndNoHandle) {
     EXPECT_EQ(window->ClientSize().height, 20);
 }
 
+TEST_F(NoPicture, RefusesEveryStepOfAContextAndANewParent) {
+    DrawingClient client(*window);
+    ASSERT_TRUE(window->Create(client, nullptr));
+    const BootstrapReport report = window->BeginBootstrap();
+    EXPECT_FALSE(report.contextMade);
+    EXPECT_FALSE(report.pixelFormatExtension);
+    std::int32_t format = -7;
+    EXPECT_FALSE(window->ChoosePixelFormat({}, &format));
+    EXPECT_EQ(format, -7) << "no format was found";
+    window->EndBootstrap();
+    EXPECT_FALSE(window->SetPixelFormat(1));
+    EXPECT_FALSE(window->CreateContext({}));
+    EXPECT_FALSE(window->Reparent(1, 0, 0));
+    EXPECT_TRUE(window->Exists()) << "a refusal ends nothing";
+}
+
+TEST_F(NoPicture, HoldsNoCapture) {
+    DrawingClient client(*window);
+    ASSERT_TRUE(window->Create(client, nullptr));
+    window->SetCapture();
+    EXPECT_FALSE(window->HasCapture());
+}
+
 TEST_F(NoPicture, NeverPaints) {
     DrawingClient client(*window);
     ASSERT_TRUE(window->Create(client, nullptr));
