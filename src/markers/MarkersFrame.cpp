@@ -1,5 +1,5 @@
-// The steps of a frame that draw markers, and the mouse input of needles. This version has no method that adds markers or
-// switches on the needle modes: all lists are empty and the modes are off, so doing nothing is correct.
+// The steps of a frame that draw markers, and the mouse input of needles. This version has no method that adds markers
+// or switches on the needle modes: all lists are empty and the modes are off, so doing nothing is correct.
 #include "control/ScenePaneCtrl.h"
 
 void CKV_ScenePaneCtrl::DrawLines3D(float /*lineWidth*/) {}
