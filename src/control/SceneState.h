@@ -23,5 +23,5 @@ struct SceneState {
 
     bool m_bModified = false;              ///< a persisted property was written since the last save
     std::int32_t m_bDrawMosaic = 0;        ///< persisted and reported; nothing draws by it
-    std::uint32_t m_nCreatorThreadId = 0;  ///< kept for hosts that read it; nothing here does
+    std::uint32_t m_nCreatorThreadId = 0;  ///< thread of the constructor; nothing reads it
 };
