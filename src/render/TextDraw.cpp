@@ -31,13 +31,17 @@ std::size_t IndexOf(std::int32_t fontNumber) {
 void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs) {
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    // Mesa rejects glBitmap() with a null pointer inside a display list, even for 0 x 0 pixels: a space would then not
-    // advance the raster position.
-    constexpr std::uint8_t kNoBits = 0;
+    // A glyph without pixels is one clear pixel. With 0 x 0 pixels inside a display list Mesa makes a texture of size
+    // 0, which ends the process on virgl; a null pointer is rejected, and a space would not advance the raster
+    // position.
+    constexpr std::uint8_t kClearPixel = 0;
     for (const Glyph& glyph : glyphs) {
+        const auto advance = static_cast<GLfloat>(glyph.advance);
         glNewList(firstList++, GL_COMPILE);
-        glBitmap(glyph.width, glyph.height, glyph.originX, glyph.originY, static_cast<GLfloat>(glyph.advance), 0.0f,
-                 glyph.bits.empty() ? &kNoBits : glyph.bits.data());
+        if (glyph.bits.empty())
+            glBitmap(1, 1, 0.0f, 0.0f, advance, 0.0f, &kClearPixel);
+        else
+            glBitmap(glyph.width, glyph.height, glyph.originX, glyph.originY, advance, 0.0f, glyph.bits.data());
         glEndList();
     }
     glPopClientAttrib();
