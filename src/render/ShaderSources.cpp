@@ -160,12 +160,14 @@ void main() {
     vec3 specular = vec3(gl_FrontMaterial.specular);
     float shadow = texture(ShadowMap, shadow_coord.xy).r < shadow_coord.z - 0.005 ? 0.5 : 1.0;
     vec3 color;
-    if (!gl_FrontFacing) {
-        color = vec3(0.3) * ka + vec3(0.3) * back_light() * kd;
-    } else if (shadow < 1.0) {
-        color = shadowColor + diffuse * front_light() * kd * shadow + specular * highlight() * ks;
+    // Not negated: softpipe and virgl compile !gl_FrontFacing wrongly (Mesa 22.3), and all faces become back faces.
+    if (gl_FrontFacing) {
+        if (shadow < 1.0)
+            color = shadowColor + diffuse * front_light() * kd * shadow + specular * highlight() * ks;
+        else
+            color = diffuse * ka + diffuse * front_light() * kd + specular * highlight() * ks;
     } else {
-        color = diffuse * ka + diffuse * front_light() * kd + specular * highlight() * ks;
+        color = vec3(0.3) * ka + vec3(0.3) * back_light() * kd;
     }
     gl_FragColor = vec4(color, 1.0);
 }
