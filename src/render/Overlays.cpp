@@ -42,13 +42,15 @@ GLuint MakeTexture(const Overlay& overlay) {
     if (overlay.m_vPixels.empty()) transparent.resize(ByteCount(overlay));
     const std::vector<std::uint8_t>& pixels = overlay.m_vPixels.empty() ? transparent : overlay.m_vPixels;
     ClearGlErrors();  // earlier errors are not caused by this image
-    // Linear filters, for images whose corner is between two pixels.
+    // Linear filters, for images whose corner is between two pixels; their edges must not mix with the opposite edge.
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, overlay.m_nWidth, overlay.m_nHeight, 0, GL_BGRA, GL_UNSIGNED_BYTE,
                  pixels.data());
     glBindTexture(GL_TEXTURE_2D, 0);

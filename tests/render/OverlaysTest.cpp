@@ -177,6 +177,30 @@ TEST_P(Overlays, AtFractionalPositionsAreInterpolated) {
     ExpectPixel(101, 52, {100 / 255.0, 0, 0});
 }
 
+TEST_P(Overlays, AtHalfPixelsDoNotMixOppositeEdges) {
+    const Image image(6, 5);
+    AddImage(*pane, image, {.absOffsetX = 100.5f, .absOffsetY = 50.5f});
+    Frame();
+    // A pixel shows the mean of the four image pixels that meet at its centre; beyond an edge, those at the edge. The
+    // outermost pixel centres are on the border of the quad: drivers choose which of them they draw.
+    const auto mean = [&image](int x, int y) {
+        Vec3 sum{};
+        for (const auto& [dx, dy] : {std::pair{-1, -1}, {-1, 0}, {0, -1}, {0, 0}})
+            sum =
+                sum + 0.25 * image.At(std::clamp(x + dx, 0, image.width - 1), std::clamp(y + dy, 0, image.height - 1));
+        return sum;
+    };
+    int drawnAtTheBorder = 0;
+    for (int y = 0; y <= image.height; ++y)
+        for (int x = 0; x <= image.width; ++x) {
+            const bool border = x == 0 || y == 0 || x == image.width || y == image.height;
+            if (border && DistanceAt(100 + x, 50 + y, kBackground) <= 1.0) continue;
+            ExpectPixel(100 + x, 50 + y, mean(x, y), 1.5);  // some means end in .5
+            drawnAtTheBorder += border ? 1 : 0;
+        }
+    EXPECT_GT(drawnAtTheBorder, 0) << "no edge was compared";
+}
+
 // ---- colour
 
 TEST_P(Overlays, AreBlendedByTheirAlpha) {
