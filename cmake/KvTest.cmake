@@ -32,13 +32,14 @@ if(KV_PRECOMPILED_HEADERS)
                               HEADERS ${KV_TEST_HEADERS} "${PROJECT_SOURCE_DIR}/src/control/ScenePaneCtrl.h")
 endif()
 
-# kv_test(NAME LABEL module [THREADS] SOURCES files... USES targets... [ISOLATED suites...] [TIMEOUT seconds])
+# kv_test(NAME LABEL module [THREADS] [STAND_IN] SOURCES files... USES targets... [ISOLATED suites...] [TIMEOUT seconds])
 # ctest runs every suite in one process, named NAME/Suite; a suite that ISOLATED lists (a regular expression) runs every
 # case in a process of its own, named NAME/Suite.Case: life cycles, locales, process-wide states. TIMEOUT is per process.
 # With THREADS the tests run under the thread sanitizer too: `ctest -L tsan` finds them, kv_thread_tests builds them.
+# With STAND_IN the driver stand-in (tests/support/DriverStandIn.h) is between the program and OpenGL.
 add_custom_target(kv_thread_tests)
 function(kv_test NAME)
-  cmake_parse_arguments(TEST "THREADS" "LABEL;TIMEOUT" "SOURCES;USES;ISOLATED" ${ARGN})
+  cmake_parse_arguments(TEST "THREADS;STAND_IN" "LABEL;TIMEOUT" "SOURCES;USES;ISOLATED" ${ARGN})
   if(NOT TEST_TIMEOUT)
     set(TEST_TIMEOUT 300)
   endif()
@@ -48,6 +49,10 @@ function(kv_test NAME)
     add_dependencies(kv_thread_tests ${NAME})
   endif()
   target_include_directories(${NAME} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  if(TEST_STAND_IN)
+    # First: the dynamic linker takes each function from the first library that has it.
+    target_link_libraries(${NAME} PRIVATE kv::driver_stand_in)
+  endif()
   target_link_libraries(${NAME} PRIVATE kv::compiler kv::test_support ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_options(${NAME} PRIVATE ${KV_TEST_OPTIONS})
   if(KV_PRECOMPILED_HEADERS)
