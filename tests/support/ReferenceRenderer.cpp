@@ -1,0 +1,149 @@
+// Casts the samples of each pixel, shades them, and masks the pixels whose samples differ.
+#include "support/ReferenceRenderer.h"
+
+namespace reference {
+namespace {
+
+/// Distance of the outer samples from the centre of a pixel along x and y: several times the grid of 1/256 pixel to
+/// which drivers round the corners of triangles.
+constexpr double kAside = 1.0 / 64.0;
+constexpr std::array<std::array<double, 2>, 5> kSamples = {{{0.5, 0.5},
+                                                            {0.5 - kAside, 0.5 - kAside},
+                                                            {0.5 + kAside, 0.5 - kAside},
+                                                            {0.5 - kAside, 0.5 + kAside},
+                                                            {0.5 + kAside, 0.5 + kAside}}};
+/// A pixel is compared when its samples differ by at most this, of 255.
+constexpr double kSteady = 0.5;
+/// Depths nearer to each other than this may be confused by a depth buffer of 24 bits.
+constexpr double kDepthRounding = 2e-6;
+
+}  // namespace
+
+Renderer::Renderer(const Scene& scene) : m_scene(scene) {
+    for (const Object& object : scene.objects) m_stages.push_back(RunVertexStage(object));
+}
+
+Renderer::VertexStage Renderer::RunVertexStage(const Object& object) const {
+    const Lighting& lighting = m_scene.lighting;
+    const View camera = CameraView(m_scene.camera), light = ShadowView(m_scene.camera, lighting);
+    const Window square = WindowOf(m_scene.camera, 1, 1);
+    VertexStage stage;
+    for (std::size_t i = 0; i < object.positions.size(); ++i) {
+        const Vec normal = camera.Turned(object.normals[i]);
+        stage.front.push_back(FixedFunctionFront(lighting, normal, object.colors[i], object.tint));
+        stage.back.push_back(FixedFunctionBack(lighting, normal, object.tint));
+        const Vec position = camera.At(object.positions[i]);
+        stage.varyings.push_back({position, Unit(normal), Unit(lighting.lamp - position), object.colors[i],
+                                  square.At(light.At(object.positions[i]))});
+    }
+    return stage;
+}
+
+void Renderer::CastRays() {
+    if (!m_hits[0].empty()) return;
+    const int width = m_scene.camera.width, height = m_scene.camera.height;
+    m_triangles = ProjectTriangles(m_scene, CameraView(m_scene.camera), WindowOf(m_scene.camera, width, height));
+    for (std::size_t s = 0; s < kSamples.size(); ++s)
+        m_hits[s] = CastAll(m_triangles, width, height, kSamples[s][0], kSamples[s][1]);
+}
+
+const ShadowMap& Renderer::Map() {
+    if (!m_map) m_map.emplace(m_scene);
+    return *m_map;
+}
+
+Vec Renderer::BackgroundAt(double x, double y) const {
+    const double right = x / m_scene.camera.width, up = y / m_scene.camera.height;
+    const Background& b = m_scene.background;
+    return 255.0 * (up * ((1.0 - right) * b.topLeft + right * b.topRight) +
+                    (1.0 - up) * ((1.0 - right) * b.bottomLeft + right * b.bottomRight));
+}
+
+Vec Renderer::ShadeFixedFunction(const WindowTriangle& triangle, const Vec& shares, bool flat) const {
+    const VertexStage& stage = m_stages[static_cast<std::size_t>(triangle.object)];
+    const std::vector<Vec>& colors = triangle.front ? stage.front : stage.back;
+    const Object& object = m_scene.objects[static_cast<std::size_t>(triangle.object)];
+    const auto& corners = object.triangles[static_cast<std::size_t>(triangle.index)];
+    const auto color = [&](int corner) {
+        return colors[static_cast<std::size_t>(corners[static_cast<std::size_t>(corner)])];
+    };
+    if (flat) return color(m_scene.lighting.provoking);
+    return shares.x * color(0) + shares.y * color(1) + shares.z * color(2);
+}
+
+Renderer::Sample Renderer::Shade(const Hit& hit, double x, double y, Shading shading) {
+    if (hit.triangle < 0) return {BackgroundAt(x, y)};
+    const WindowTriangle& triangle = m_triangles[static_cast<std::size_t>(hit.triangle)];
+    const Vec shares = SharesAt(triangle, x, y);
+    if (shading == Shading::Flat || shading == Shading::Gouraud)
+        return {255.0 * ShadeFixedFunction(triangle, shares, shading == Shading::Flat)};
+
+    const auto object = static_cast<std::size_t>(triangle.object);
+    const auto& corners = m_scene.objects[object].triangles[static_cast<std::size_t>(triangle.index)];
+    const auto varying = [&](std::size_t i) -> const Varyings& {
+        return m_stages[object].varyings[static_cast<std::size_t>(corners[i])];
+    };
+    const Varyings at = Mixed(varying(0), varying(1), varying(2), shares);
+    const Vec& tint = m_scene.objects[object].tint;
+    if (shading == Shading::PerPixel) return {255.0 * PerPixel(m_scene.lighting, at, tint, triangle.front)};
+
+    const auto answer = Map().Ask(at.shadow, m_scene.lighting.shadowBias);
+    const bool dark = answer == ShadowMap::Answer::InShadow;
+    return {255.0 * Shadowed(m_scene.lighting, at, tint, triangle.front, dark),
+            triangle.front && answer == ShadowMap::Answer::Undecided};
+}
+
+Picture Renderer::NewPicture() const {
+    const Camera& camera = m_scene.camera;
+    const std::size_t size = static_cast<std::size_t>(camera.width) * static_cast<std::size_t>(camera.height);
+    return {camera.width, camera.height, std::vector<Vec>(size), std::vector<int>(size, -1), std::vector<char>(size)};
+}
+
+Picture Renderer::Draw(Shading shading) {
+    CastRays();
+    Picture picture = NewPicture();
+    for (int row = 0; row < picture.height; ++row)
+        for (int column = 0; column < picture.width; ++column) {
+            const auto cell = static_cast<std::size_t>(row * picture.width + column);
+            const auto pixel = static_cast<std::size_t>((picture.height - 1 - row) * picture.width + column);
+            const Hit& hit = m_hits[0][cell];
+            const Sample center = Shade(hit, column + 0.5, row + 0.5, shading);
+            bool masked = center.undecided || hit.next - hit.depth < kDepthRounding;
+            for (std::size_t s = 1; s < kSamples.size() && !masked; ++s) {
+                const Sample other = Shade(m_hits[s][cell], column + kSamples[s][0], row + kSamples[s][1], shading);
+                masked = other.undecided || Largest(other.color - center.color) > kSteady;
+            }
+            picture.colors[pixel] = center.color;
+            picture.masked[pixel] = masked ? 1 : 0;
+            if (hit.triangle >= 0) picture.objects[pixel] = m_triangles[static_cast<std::size_t>(hit.triangle)].object;
+        }
+    return picture;
+}
+
+Picture Renderer::DrawBackground() const {
+    Picture picture = NewPicture();
+    for (int row = 0; row < picture.height; ++row)
+        for (int column = 0; column < picture.width; ++column)
+            picture.colors[static_cast<std::size_t>(row * picture.width + column)] =
+                BackgroundAt(column + 0.5, picture.height - row - 0.5);
+    return picture;
+}
+
+Picture Renderer::DrawShadowMap() {
+    const ShadowMap& map = Map();
+    Picture picture = NewPicture();
+    for (int row = 0; row < picture.height; ++row)
+        for (int column = 0; column < picture.width; ++column) {
+            const Vec place{(column + 0.5) / picture.width, 1.0 - (row + 0.5) / picture.height, 0.0};
+            const auto pixel = static_cast<std::size_t>(row * picture.width + column);
+            const double grey = 255.0 * map.DepthAt(place);
+            picture.colors[pixel] = {grey, grey, grey};
+            for (int aside = 0; aside < 9; ++aside)
+                if (std::abs(255.0 * map.DepthAt(place, aside % 3 - 1, aside / 3 - 1) - grey) > kSteady)
+                    picture.masked[pixel] = 1;
+            if (grey < 255.0) picture.objects[pixel] = 0;
+        }
+    return picture;
+}
+
+}  // namespace reference

@@ -1,0 +1,53 @@
+// An orthographic software renderer in double precision: whole pictures of a scene, with a mask of the pixels that the
+// rounding of a driver may decide. The formulas are in ReferenceLighting, points and lines in ReferenceMarks.
+#pragma once
+#include <optional>
+
+#include "support/ReferenceLighting.h"
+#include "support/ReferenceVisibility.h"
+
+namespace reference {
+
+enum class Shading { Flat, Gouraud, PerPixel, Shadowed };
+
+/// Draws one scene at one camera. What is seen where is computed once for all kinds of shading.
+class Renderer {
+public:
+    /// @param scene  must outlive the renderer
+    explicit Renderer(const Scene& scene);
+
+    /// The background and the visible objects.
+    [[nodiscard]] Picture Draw(Shading shading);
+    /// The background alone.
+    [[nodiscard]] Picture DrawBackground() const;
+    /// The shadow map as grey levels over the whole window.
+    [[nodiscard]] Picture DrawShadowMap();
+
+    [[nodiscard]] const ShadowMap& Map();
+
+private:
+    /// What the vertex stage computes for the vertices of one object.
+    struct VertexStage {
+        std::vector<Vec> front, back;  ///< fixed function
+        std::vector<Varyings> varyings;
+    };
+    struct Sample {
+        Vec color;
+        bool undecided = false;
+    };
+
+    void CastRays();
+    [[nodiscard]] VertexStage RunVertexStage(const Object& object) const;
+    [[nodiscard]] Vec BackgroundAt(double x, double y) const;
+    [[nodiscard]] Sample Shade(const Hit& hit, double x, double y, Shading shading);
+    [[nodiscard]] Vec ShadeFixedFunction(const WindowTriangle& triangle, const Vec& shares, bool flat) const;
+    [[nodiscard]] Picture NewPicture() const;
+
+    const Scene& m_scene;
+    std::vector<VertexStage> m_stages;
+    std::vector<WindowTriangle> m_triangles;
+    std::array<std::vector<Hit>, 5> m_hits;  ///< at the centre of each pixel and at four places around it
+    std::optional<ShadowMap> m_map;
+};
+
+}  // namespace reference
