@@ -75,6 +75,32 @@ void Thicken(double* low, double* high) {
     *high += 0.01;
 }
 
+/// Prints after all tests how close the pictures were.
+class Summary : public testing::Environment {
+public:
+    static Summary& Of() {
+        static Summary& summary = *static_cast<Summary*>(testing::AddGlobalTestEnvironment(new Summary));
+        return summary;
+    }
+    void Add(const reference::Comparison& c) {
+        ++m_pictures;
+        m_pixels += c.compared;
+        m_masked += c.masked;
+        m_largest = std::max(m_largest, c.largest);
+        m_largestExact = std::max(m_largestExact, c.largestExact);
+    }
+    void TearDown() override {
+        std::printf(
+            "%d pictures, %lld pixels compared, %lld masked; largest difference %d steps, %.3f before rounding\n",
+            m_pictures, m_pixels, m_masked, m_largest, m_largestExact);
+    }
+
+private:
+    int m_pictures = 0, m_largest = 0;
+    long long m_pixels = 0, m_masked = 0;
+    double m_largestExact = 0.0;
+};
+
 }  // namespace
 
 HostObject Ball(const Shape& shape, int slices, int stacks) { return BallUpTo(shape, slices, stacks, 1.0); }
@@ -278,8 +304,7 @@ void ExpectSamePicture(const reference::Picture& expected, const std::vector<std
     EXPECT_EQ(c.wrong, 0) << name << ": " << c.firstWrong;
     EXPECT_LE(c.masked / pixels, demand.largestMask) << name;
     EXPECT_GE(objects / pixels, demand.smallestObjects) << name;
-    std::printf("%-40s largest step %d (%.3f), mask %.2f %%, objects %.1f %%\n", name.c_str(), c.largest,
-                c.largestExact, 100.0 * c.masked / pixels, 100.0 * objects / pixels);
+    Summary::Of().Add(c);
     if (c.wrong == 0) return;
     WriteBeside("/tmp/" + name + ".ppm", expected, drawn);
     std::printf("Drawn, expected and difference are in /tmp/%s.ppm\n", name.c_str());
