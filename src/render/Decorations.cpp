@@ -2,6 +2,10 @@
 // Axes.cpp, the images of the host in Overlays.cpp.
 #include <GL/glew.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
 #include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
 
@@ -12,6 +16,41 @@ void SetHostColor(std::uint32_t color) {
     const auto channel = [color](unsigned shift) { return static_cast<float>(((color >> shift) & 0xFF) / 255.0); };
     glColor3f(channel(0), channel(8), channel(16));
 }
+
+// ---- background
+
+constexpr unsigned kRed = 0, kGreen = 8, kBlue = 16;  // shifts of the channels of a host colour
+
+/// The colours of the corners: tl, tr, bl, br, each 0x00BBGGRR.
+using CornerColors = std::uint32_t[4];
+
+std::int32_t ChannelOf(std::uint32_t color, unsigned shift) { return static_cast<std::int32_t>(color >> shift & 0xFF); }
+
+/// Quads per side that show the bilinear gradient of the corners within a quarter of a colour step, however the driver
+/// splits a quad into triangles: in the middle of one of n x n quads a triangle is off by the twist / (4 n * n). One
+/// quad when the gradient is a plane, as with equal or two colours.
+std::int32_t QuadsPerSide(const CornerColors& colors) {
+    std::int32_t twist = 0;
+    for (const unsigned shift : {kRed, kGreen, kBlue})
+        twist = std::max(twist, std::abs(ChannelOf(colors[0], shift) - ChannelOf(colors[1], shift) -
+                                         ChannelOf(colors[2], shift) + ChannelOf(colors[3], shift)));
+    return std::max(1, static_cast<std::int32_t>(std::ceil(std::sqrt(twist))));
+}
+
+/// A vertex of the background with its colour.
+/// @param right, down  fraction of the drawing area, 0 to 1
+void BackgroundVertex(const CornerColors& colors, double right, double down) {
+    const auto channel = [&](unsigned shift) {
+        const auto corner = [&](std::size_t i) { return ChannelOf(colors[i], shift) / 255.0; };
+        const double top = (1 - right) * corner(0) + right * corner(1);
+        const double bottom = (1 - right) * corner(2) + right * corner(3);
+        return static_cast<GLfloat>((1 - down) * top + down * bottom);
+    };
+    glColor3f(channel(kRed), channel(kGreen), channel(kBlue));
+    glVertex3f(static_cast<GLfloat>(2 * right - 1), static_cast<GLfloat>(1 - 2 * down), 0);
+}
+
+// ---- cross and arrow
 
 /// Calls @p draw without depth test and lighting, in a flat view whose shorter side spans 20 units: its drawing covers
 /// the scene and keeps its proportions in every window. The state is restored.
@@ -32,35 +71,37 @@ void DrawFlat(float aspectX, float aspectY, Draw draw) {
 // Replaces all pixels, so that a frame needs no clear of the colour buffer.
 void CKV_ScenePaneCtrl::DrawBackground() {
     {
-        // One quad over the whole drawing area; OpenGL interpolates the colours of the corners.
         const FlatView view(1, 1);
-        const auto& [topLeft, topRight, bottomLeft, bottomRight] = m_nBackgroundColors;
+        const std::int32_t side = QuadsPerSide(m_nBackgroundColors);
+        const auto vertex = [&](std::int32_t column, std::int32_t row) {
+            BackgroundVertex(m_nBackgroundColors, static_cast<double>(column) / side, static_cast<double>(row) / side);
+        };
         glBegin(GL_QUADS);
-        SetHostColor(topLeft);
-        glVertex3f(-1, 1, 0);
-        SetHostColor(topRight);
-        glVertex3f(1, 1, 0);
-        SetHostColor(bottomRight);
-        glVertex3f(1, -1, 0);
-        SetHostColor(bottomLeft);
-        glVertex3f(-1, -1, 0);
+        for (std::int32_t row = 0; row < side; ++row) {
+            for (std::int32_t column = 0; column < side; ++column) {
+                vertex(column, row);
+                vertex(column + 1, row);
+                vertex(column + 1, row + 1);
+                vertex(column, row + 1);
+            }
+        }
         glEnd();
     }
-    glClear(GL_DEPTH_BUFFER_BIT);  // the quad has written its own depth
+    glClear(GL_DEPTH_BUFFER_BIT);  // the quads have written their own depth
 }
 
 // Two lines of 2 units through the centre of the window.
 void CKV_ScenePaneCtrl::DrawCross() {
     DrawFlat(m_fAspectX, m_fAspectY, [this] {
         SetHostColor(m_nCrossColor);
-        glLineWidth(3);
+        glLineWidth(3 * m_fScale);
         glBegin(GL_LINES);
         glVertex3f(-1, 0, 0);
         glVertex3f(1, 0, 0);
         glVertex3f(0, -1, 0);
         glVertex3f(0, 1, 0);
         glEnd();
-        glLineWidth(1);  // the default, which the lines of axes and boxes rely on
+        glLineWidth(m_fScale);  // which the lines of axes, boxes and wires rely on
     });
 }
 

@@ -1,7 +1,10 @@
 // Background, centre cross and lighting arrow, pixel by pixel. FrameTest.cpp tests the corners of the background, too.
 #include <algorithm>
 #include <numbers>
+#include <tuple>
 
+#include "render/FlatView.h"
+#include "render/ReadFrame.h"
 #include "render/SceneFixture.h"
 
 using namespace lighting;
@@ -35,16 +38,105 @@ INSTANTIATE_TEST_SUITE_P(Windows, Decorations, testing::ValuesIn(WindowKinds()),
 
 // ---- background
 
-TEST_P(Decorations, TheBackgroundIsInterpolatedBetweenItsFourCorners) {
-    pane->SetBackgroundColorsFourCorners(HostColor(200, 0, 40), HostColor(0, 100, 40), HostColor(40, 20, 240),
-                                         HostColor(0, 0, 0));
-    Resize(201, 143);
-    Frame();
-    // A driver may split the quad into triangles: along the borders the interpolation is the same.
-    for (const int x : {0, 50, 100, 200}) {
-        const double right = (x + 0.5) / 201;
-        ExpectPixel(x, 0, (1 - right) * Vec3{200 / 255., 0, 40 / 255.} + right * Vec3{0, 100 / 255., 40 / 255.}, 3.0);
-        ExpectPixel(x, 142, (1 - right) * Vec3{40 / 255., 20 / 255., 240 / 255.}, 3.0);
+/// The bilinear blend of the corners tl, tr, bl, br at the centre of a pixel.
+Vec3 BlendAt(const std::array<Vec3, 4>& corners, int x, int y, int width, int height) {
+    const double right = (x + 0.5) / width, down = (y + 0.5) / height;
+    const Vec3 top = (1 - right) * corners[0] + right * corners[1];
+    const Vec3 bottom = (1 - right) * corners[2] + right * corners[3];
+    return (1 - down) * top + down * bottom;
+}
+
+Vec3 ColorOf(std::uint32_t hostColor) {
+    return {(hostColor & 0xFF) / 255.0, (hostColor >> 8 & 0xFF) / 255.0, (hostColor >> 16 & 0xFF) / 255.0};
+}
+
+struct Gradient {
+    const char* name;
+    std::array<std::uint32_t, 4> colors;  ///< tl, tr, bl, br
+};
+
+const Gradient kGradients[] = {
+    {"FourColours", {HostColor(200, 0, 40), HostColor(0, 100, 40), HostColor(40, 20, 240), HostColor(0, 0, 0)}},
+    {"LargestTwist", {0xFFFFFF, 0, 0, 0xFFFFFF}},
+    {"SmallestTwist", {HostColor(20, 20, 20), HostColor(20, 20, 20), HostColor(20, 20, 20), HostColor(20, 21, 20)}},
+    {"OneBrightCorner", {0, 0, 0xFFFFFF, 0}},
+    {"TopAndBottom", {HostColor(10, 200, 30), HostColor(10, 200, 30), HostColor(250, 0, 90), HostColor(250, 0, 90)}},
+    {"LeftAndRight", {HostColor(10, 200, 30), HostColor(250, 0, 90), HostColor(10, 200, 30), HostColor(250, 0, 90)}},
+    {"OneColour", {0x5A321E, 0x5A321E, 0x5A321E, 0x5A321E}},
+};
+
+class Background : public Decorations {
+protected:
+    void Set(const std::array<std::uint32_t, 4>& c) {
+        const auto at = [&](std::size_t i) { return static_cast<std::int32_t>(c[i]); };
+        pane->SetBackgroundColorsFourCorners(at(0), at(1), at(2), at(3));
+    }
+    void ExpectBlend(const std::array<std::uint32_t, 4>& c) {
+        const std::array<Vec3, 4> corners{ColorOf(c[0]), ColorOf(c[1]), ColorOf(c[2]), ColorOf(c[3])};
+        for (int y = 0; y < picture.height; ++y)
+            for (int x = 0; x < picture.width; ++x) {
+                const Vec3 expected = BlendAt(corners, x, y, picture.width, picture.height);
+                if (DistanceAt(x, y, expected) <= 1.0) continue;
+                ExpectPixel(x, y, expected, 1.0);
+                return;  // one failure is enough
+            }
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Windows, Background, testing::ValuesIn(WindowKinds()),
+                         [](const auto& row) { return NameOf(row.param); });
+
+TEST_P(Background, IsTheBilinearBlendOfItsCornersInEveryPixel) {
+    for (const Gradient& gradient : kGradients) {
+        SCOPED_TRACE(gradient.name);
+        Set(gradient.colors);
+        for (const auto& [width, height] : {std::pair{201, 143}, {320, 240}, {333, 777}, {3, 50}, {1, 1}}) {
+            Resize(width, height);
+            Frame();
+            ASSERT_EQ(picture.height, height);
+            ExpectBlend(gradient.colors);
+        }
+    }
+}
+
+TEST_P(Background, OfTwoColoursIsThatOfASingleQuad) {
+    // A gradient without twist is a plane, which one quad shows however it is split into triangles.
+    for (const Gradient& gradient : {kGradients[4], kGradients[5], kGradients[6]}) {
+        SCOPED_TRACE(gradient.name);
+        Set(gradient.colors);
+        Frame();
+        const KV_ScenePane::Picture frame = picture;
+        ASSERT_TRUE(pane->MakeContextCurrent());
+        {
+            const FlatView view(1, 1);
+            glBegin(GL_QUADS);
+            for (const auto& [corner, x, y] : {std::tuple{0u, -1, 1}, {1u, 1, 1}, {3u, 1, -1}, {2u, -1, -1}}) {
+                const Vec3 color = ColorOf(gradient.colors[corner]);
+                glColor3f(static_cast<float>(color[0]), static_cast<float>(color[1]), static_cast<float>(color[2]));
+                glVertex2i(x, y);
+            }
+            glEnd();
+        }
+        EXPECT_EQ(ReadFrame(picture.width, picture.height), frame.pixels);
+    }
+}
+
+TEST_P(Background, OfTheScreenshotIsTheBilinearBlend) {
+    Set(kGradients[0].colors);
+    picture = {kOffscreenSize, kOffscreenSize,
+               std::vector<std::uint32_t>(std::size_t{kOffscreenSize} * kOffscreenSize)};
+    pane->CaptureScreenShot(picture.pixels.data());
+    ExpectBlend(kGradients[0].colors);
+}
+
+TEST_P(Background, LeavesNoDepthBehind) {
+    Set(kGradients[1].colors);
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    pane->DrawBackground();
+    for (const auto& [x, y] : {std::pair{0, 0}, {160, 120}, {319, 239}}) {
+        float depth = 0;
+        glReadPixels(x, y, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
+        EXPECT_EQ(depth, 1.0f);
     }
 }
 
