@@ -42,10 +42,11 @@ void CKV_ScenePaneCtrl::BlockPaintEvents(VARIANT_BOOL block) {
 
 void CKV_ScenePaneCtrl::SetReflection(float brightness, float shining) {
     if (MakeContextCurrent()) {
-        // The shininess is 1 for shining 1 and 128, the largest that OpenGL accepts, for shining 0.
         const GLfloat specular[4] = {brightness, brightness, brightness, brightness};
         glMaterialfv(GL_FRONT, GL_SPECULAR, specular);
-        glMateriali(GL_FRONT, GL_SHININESS, 1 - static_cast<GLint>((1.0 - shining) * -127.0));
+        // The shininess is 1 for shining 1 and 128 for shining 0. OpenGL accepts 0 to 128 and would ignore any other.
+        const double fromOne = (1.0 - shining) * -127.0;
+        if (fromOne > -128.0 && fromOne < 2.0) glMateriali(GL_FRONT, GL_SHININESS, 1 - static_cast<GLint>(fromOne));
     }
     RefreshControl();
 }

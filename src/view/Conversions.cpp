@@ -3,7 +3,11 @@
 //
 #include <GL/glu.h>
 
+#include <cstdint>
+#include <limits>
+
 #include "control/ScenePaneCtrl.h"
+#include "render/FlatView.h"
 
 namespace {
 
@@ -30,6 +34,13 @@ WindowPoint Project(double x, double y, double z) {
     return p;
 }
 
+/// Truncated towards 0. What has no pixel, a value that is not a number included, is the smallest one.
+std::int32_t ToPixel(double value) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return value > Limits::min() - 1.0 && value < Limits::max() + 1.0 ? static_cast<std::int32_t>(value)
+                                                                      : Limits::min();
+}
+
 }  // namespace
 
 void CKV_ScenePaneCtrl::ComputeFrameMatrix(const ViewFrame& frame, float* matrix) {
@@ -41,8 +52,8 @@ void CKV_ScenePaneCtrl::ComputeFrameMatrix(const ViewFrame& frame, float* matrix
     glPushMatrix();
     glLoadIdentity();
     const OrthoExtents extents = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY);
-    glOrtho(-extents.halfWidth, extents.halfWidth, -extents.halfHeight, extents.halfHeight, -extents.depth,
-            extents.depth);
+    MultiplyOrtho(-extents.halfWidth, extents.halfWidth, -extents.halfHeight, extents.halfHeight, -extents.depth,
+                  extents.depth);
     const Float3 eye = EyePoint(frame, m_fSceneSize);
     gluLookAt(eye[0], eye[1], eye[2], frame.center[0], frame.center[1], frame.center[2], frame.wy[0], frame.wy[1],
               frame.wy[2]);
@@ -60,8 +71,8 @@ void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::in
                                               float* depth) {
     const WindowPoint p = Project(x, y, z);
     // Truncated towards 0, y after a subtraction in float: both are part of the public result.
-    *windowX = static_cast<std::int32_t>(p.x);
-    *windowY = static_cast<std::int32_t>(static_cast<float>(m_nHeight) - static_cast<float>(p.y));
+    *windowX = ToPixel(p.x);
+    *windowY = ToPixel(static_cast<float>(m_nHeight) - static_cast<float>(p.y));
     *depth = static_cast<float>(p.depth);
 }
 
