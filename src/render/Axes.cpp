@@ -28,8 +28,8 @@ struct Axis {
 constexpr Axis kAxes[] = {
     {{1, 0, 0}, {1, 0, 0}, u" X "}, {{0, 1, 0}, {0, 1, 0}, u" Y "}, {{0, 0, 1}, {0.25f, 0.25f, 1}, u" Z "}};
 
-constexpr float kDepth = 0.1f;              // window depth: in front of objects near the centre of the view
-constexpr std::int64_t kLabelWidthPx = 15;  // reserved for the label after the end of the x axis
+constexpr float kDepth = 0.1f;        // window depth: in front of objects near the centre of the view
+constexpr double kLabelWidthPx = 15;  // reserved for the label after the end of the x axis
 
 /// Distance of the origin from the left and from the top of the window, pixels: the length of an axis with its label.
 /// The standard view must be set up.
@@ -40,8 +40,8 @@ double CornerMargin(CKV_ScenePaneCtrl& control, const TripodSizes& sizes) {
     std::int32_t labelX = 0, labelY = 0;
     control.ProjectPoint(corner[0] + sizes.coneDistance + sizes.cone + sizes.labelGap, corner[1], corner[2], &labelX,
                          &labelY);
-    const std::int64_t x = std::int64_t{labelX} + kLabelWidthPx, y = labelY;
-    return std::sqrt(static_cast<double>(x * x + y * y));
+    const double x = labelX + kLabelWidthPx * control.m_fScale, y = labelY;
+    return std::sqrt(x * x + y * y);
 }
 
 /// A line that ends in a cone, and the label after the tip.

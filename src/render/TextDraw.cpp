@@ -4,6 +4,7 @@
 #include <GL/gl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 namespace {
@@ -47,16 +48,25 @@ void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs) {
     glPopClientAttrib();
 }
 
-COpenGLTextDraw::~COpenGLTextDraw() {
+FontRequest ScaledFont(FontRequest request, float scale) {
+    const auto height = static_cast<std::int32_t>(std::lround(static_cast<float>(request.height) * scale));
+    if (height != 0) request.height = height;  // 0 is no font size
+    return request;
+}
+
+COpenGLTextDraw::~COpenGLTextDraw() { DeleteLists(); }
+
+void COpenGLTextDraw::DeleteLists() {
     for (const GLuint first : kFirstLists)
         if (glIsList(first) == GL_TRUE) glDeleteLists(first, kListSpan);
 }
 
-void COpenGLTextDraw::CreateFonts(const GlyphSource& source) {
+void COpenGLTextDraw::CreateFonts(const GlyphSource& source, float scale) {
+    DeleteLists();
     m_vCharWidths = {};
     m_vLineHeights = {};
     for (std::size_t font = 0; font < kFirstLists.size(); ++font) {
-        const GlyphSet set = source(Fonts()[font]);
+        const GlyphSet set = source(ScaledFont(Fonts()[font], scale));
         if (set.IsEmpty()) continue;
         CompileGlyphs(kFirstLists[font], std::span(set.glyphs).first(kGlyphCount));
         std::ranges::transform(set.glyphs, m_vCharWidths[font].begin(), &Glyph::advance);

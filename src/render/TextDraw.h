@@ -11,8 +11,11 @@
 /// the glyph at the raster position and moves the position right by the advance.
 void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs);
 
+/// The font in another size; its own when the scaled one would have no height.
+[[nodiscard]] FontRequest ScaledFont(FontRequest request, float scale);
+
 /// Three bitmap fonts. Index 0 is the stock font, fixed pitch and small; 1 is bold, 24 pixels; 2 is black (weight 900),
-/// 100 pixels. Nothing else in the context may use the display lists 1000 to 1767.
+/// 100 pixels; times the scale. Nothing else in the context may use the display lists 1000 to 1767.
 class COpenGLTextDraw {
 public:
     COpenGLTextDraw() = default;
@@ -21,9 +24,10 @@ public:
     COpenGLTextDraw(const COpenGLTextDraw&) = delete;
     COpenGLTextDraw& operator=(const COpenGLTextDraw&) = delete;
 
-    /// Compiles the glyphs of all fonts in the current context; call it once per context. Text in a font that @p source
-    /// does not have draws nothing and has width and height 0.
-    void CreateFonts(const GlyphSource& source);
+    /// Compiles the glyphs of all fonts in the current context; again for another scale. Text in a font that
+    /// @p source does not have draws nothing and has width and height 0.
+    /// @param scale  factor of the font sizes, above 0
+    void CreateFonts(const GlyphSource& source, float scale = 1.0f);
 
     /// Draws at the current raster position in the raster colour, and moves the position to the end of the text.
     /// Characters above 254 have no glyph: they draw nothing and do not advance.
@@ -37,6 +41,8 @@ public:
     /// Width of a text, pixels; each byte is one character of the ANSI character set. Font number and exception as
     /// above.
     [[nodiscard]] std::int32_t GetTextWidth(std::string_view text, std::int32_t fontNumber) const;
+
+    static void DeleteLists();
 
     std::array<std::array<std::int32_t, 256>, 3> m_vCharWidths{};  ///< pixels, per font
     std::array<std::int32_t, 3> m_vLineHeights{};                  ///< pixels, per font
