@@ -5,14 +5,17 @@
 
 namespace KV_ScenePane {
 
-/// Receives one piece of text in UTF-8, usually one or more whole lines, each ended by a line feed. Called from any
-/// thread that imports, one call at a time. Must not call SetDebugOutputSink().
+/// Receives one piece of text in UTF-8, usually one or more whole lines, each ended by a line feed. Called on the
+/// thread that writes it, which may be any thread that imports, one call at a time; never inside a frame. It may call
+/// methods of a viewer, destroy the viewer and replace itself; what these write arrives when it has returned. It must
+/// not wait for another thread that writes. What it throws reaches the call that wrote the text, except during a
+/// repaint.
 using DebugOutputSink = std::function<void(std::string_view text)>;
 
 /// Redirects the debugger output of the whole process, of all viewers in it. Without a sink it is written to standard
 /// error.
 /// @param sink  receives all later text; empty restores standard error. After the return the former sink is not called
-///              any more. Must not be called from inside a sink.
+///              any more, except that a sink which replaces itself runs to its end.
 __attribute__((visibility("default"))) void SetDebugOutputSink(DebugOutputSink sink);
 
 }  // namespace KV_ScenePane

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -71,6 +72,116 @@ TEST_F(DebugOutputTest, NeverCallsASinkAfterItWasReplaced) {
     end = true;
     writer.join();
     EXPECT_EQ(late, 0);
+}
+
+// ---- a sink that does more than to take the text
+
+using Texts = std::vector<std::string>;
+
+TEST_F(DebugOutputTest, TextsThatTheSinkWritesFollowInTheirOrder) {
+    Texts texts;
+    bool inside = false;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
+        EXPECT_FALSE(inside) << "one call at a time";
+        inside = true;
+        texts.emplace_back(text);
+        if (text == "1") DebugOutput("1.1"), DebugOutput("1.2");
+        if (text == "1.1") DebugOutput("1.1.1");
+        inside = false;
+    });
+    DebugOutput("1");
+    EXPECT_EQ(texts, (Texts{"1", "1.1", "1.2", "1.1.1"})) << "all have arrived when the call returns";
+    DebugOutput("2");
+    EXPECT_EQ(texts.back(), "2");
+}
+
+// The host's threads find their own texts by it.
+TEST_F(DebugOutputTest, TheSinkRunsOnTheThreadThatWrites) {
+    std::atomic<int> onOtherThreads = 0, calls = 0;
+    static thread_local int written;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
+        ++calls;
+        if (written == 0) ++onOtherThreads;
+        if (text == "x") DebugOutput("y");
+        std::this_thread::yield();
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (written = 1; written <= 250; ++written) DebugOutput("x");
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(calls, 2000);
+    EXPECT_EQ(onOtherThreads, 0);
+}
+
+TEST_F(DebugOutputTest, EachThreadsTextsArriveOnceAndInTheirOrder) {
+    std::vector<Texts> byThread(3);
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
+        byThread[static_cast<std::size_t>(text[0] - '0')].emplace_back(text.substr(2));
+        if (text.size() < 6) DebugOutput(std::string(text).append("+sink"));  // only the threads' own texts are short
+    });
+    const auto write = [](int thread) {
+        for (int i = 0; i < 100; ++i) DebugOutput(std::to_string(thread).append(" ").append(std::to_string(i)));
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) threads.emplace_back(write, i);
+    for (std::thread& thread : threads) thread.join();
+    Texts expected;
+    for (int i = 0; i < 100; ++i) {
+        expected.push_back(std::to_string(i));
+        expected.push_back(std::to_string(i).append("+sink"));
+    }
+    for (const Texts& texts : byThread) EXPECT_EQ(texts, expected);
+}
+
+TEST_F(DebugOutputTest, AThrowingSinkLosesNoLaterText) {
+    Texts texts;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
+        texts.emplace_back(text);
+        if (text != "1") return;
+        DebugOutput("1.1");
+        throw std::runtime_error("sink");
+    });
+    EXPECT_THROW(DebugOutput("1"), std::runtime_error);
+    DebugOutput("2");
+    std::thread([] { DebugOutput("3"); }).join();
+    EXPECT_EQ(texts, (Texts{"1", "1.1", "2", "3"}));
+}
+
+TEST_F(DebugOutputTest, ASinkMayReplaceItself) {
+    Texts first, second;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
+        KV_ScenePane::SetDebugOutputSink([&](std::string_view later) { second.emplace_back(later); });
+        first.emplace_back(text);  // what it refers to still exists
+        DebugOutput("1.1");
+    });
+    DebugOutput("1");
+    DebugOutput("2");
+    EXPECT_EQ(first, Texts{"1"});
+    EXPECT_EQ(second, (Texts{"1.1", "2"}));
+}
+
+TEST_F(DebugOutputTest, IsHeldBackWhileItIsDelayed) {
+    Texts texts;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
+        texts.emplace_back(text);
+        const DelayedDebugOutput inside;  // the sink itself delays already
+        if (text == "1") DebugOutput("1.1");
+        throw std::runtime_error("nobody could catch it");
+    });
+    {
+        const DelayedDebugOutput delayed;
+        DebugOutput("1");
+        {
+            const DelayedDebugOutput nested;
+            DebugOutput("2");
+        }
+        EXPECT_EQ(texts, Texts{});
+        std::thread([] { EXPECT_THROW(DebugOutput("other thread"), std::runtime_error); }).join();
+        EXPECT_EQ(texts, Texts{"other thread"});
+    }
+    EXPECT_EQ(texts, (Texts{"other thread", "1", "2", "1.1"}));
 }
 
 }  // namespace
