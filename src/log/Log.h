@@ -8,10 +8,12 @@
 
 enum class LogLevel { Error, Warning, Info, Debug };
 
-/// The log stream with the header of a new record, "[" time "] <" level ">: ", already written. The caller streams its
-/// text and then std::endl; without the line end, the header of the next record is in the same line. Every level is
-/// always written. When the file cannot be opened, all writes are ignored. The first use is safe against concurrent
-/// callers, the writing of records is not.
+/// The calling thread's log stream with the header of a new record, "[" time "] <" level ">: ", already written. The
+/// caller streams its text and then std::endl; without the line end, the header of the thread's next record is in the
+/// same line. Every level is always written. When the file cannot be opened, all writes are ignored.
+///
+/// Any thread. What a thread writes reaches the file when it flushes, or at its end, as one piece: the lines of other
+/// threads come before or after it. No thread waits for another one's line end.
 [[nodiscard]] std::ostream& Log(LogLevel level);
 
 /// The time in the header of a record: "hh:mm:ss.nnn" in local time.

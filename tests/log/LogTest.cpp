@@ -15,7 +15,10 @@
 #include <limits>
 #include <locale>
 #include <regex>
+#include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -143,6 +146,73 @@ TEST_F(LogFile, WritesNumbersIndependentOfTheLocale) {
         Log(LogLevel::Info) << 12345 << " " << 1.5 << std::endl;
     });
     EXPECT_NE(log.find(">: 12345 1.5\n"), std::string::npos) << log;
+}
+
+// ---- several threads
+
+/// Lines without the time.
+std::vector<std::string> LinesWithoutTime(const std::string& log) {
+    std::vector<std::string> lines;
+    std::istringstream text(std::regex_replace(log, std::regex(R"(\[\d\d:\d\d:\d\d\.\d{3}\] )"), ""));
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    return lines;
+}
+
+TEST_F(LogFile, NeverMixesThePiecesOfTwoThreads) {
+    constexpr int kThreads = 4, kRecords = 300;
+    const std::string log = Written([] {
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < kThreads; ++thread)
+            threads.emplace_back([thread] {
+                for (int i = 0; i < kRecords; ++i)
+                    Log(LogLevel::Info) << "thread " << thread << " record " << i << " of " << kRecords << std::endl;
+            });
+        for (std::thread& thread : threads) thread.join();
+    });
+    std::vector<int> next(kThreads);
+    std::size_t lines = 0;
+    for (const std::string& line : LinesWithoutTime(log)) {
+        std::smatch found;
+        ASSERT_TRUE(std::regex_match(line, found, std::regex(R"(<INFO>: thread (\d) record (\d+) of 300)"))) << line;
+        EXPECT_EQ(std::stoi(found[2]), next.at(static_cast<std::size_t>(std::stoi(found[1])))++);
+        ++lines;
+    }
+    EXPECT_EQ(lines, std::size_t{kThreads * kRecords});
+}
+
+TEST_F(LogFile, ALineWithoutItsEndBlocksNobodyAndStaysWhole) {
+    const std::string log = Written([] {
+        Log(LogLevel::Error) << "first. ";
+        std::thread([] { Log(LogLevel::Info) << "other thread" << std::endl; }).join();
+        Log(LogLevel::Error) << "second" << std::endl;
+    });
+    EXPECT_EQ(LinesWithoutTime(log),
+              (std::vector<std::string>{"<INFO>: other thread", "<ERROR>: first. <ERROR>: second"}));
+}
+
+TEST_F(LogFile, AFlushedPieceWithoutALineEndIsOnDiskAndNoOtherThreadContinuesItsLine) {
+    EXPECT_EXIT(
+        {
+            setenv("TMPDIR", m_folder.c_str(), 1);
+            Log(LogLevel::Error) << "first. " << std::flush;
+            std::thread([] { Log(LogLevel::Info) << "other thread" << std::endl; }).join();
+            Log(LogLevel::Error) << "second. " << std::flush;
+            Log(LogLevel::Error) << "third" << std::flush;
+            _exit(3);  // no destructor runs
+        },
+        testing::ExitedWithCode(3), "");
+    std::ifstream file(m_folder / "viewer.log");
+    EXPECT_EQ(
+        LinesWithoutTime({std::istreambuf_iterator<char>(file), {}}),
+        (std::vector<std::string>{"<ERROR>: first. ", "<INFO>: other thread", "<ERROR>: second. <ERROR>: third"}));
+}
+
+TEST_F(LogFile, ARecordWithoutAnEndIsWrittenWhenItsThreadEnds) {
+    const std::string log = Written([] {
+        std::thread([] { Log(LogLevel::Info) << "no end"; }).join();
+        std::thread([] { Log(LogLevel::Info) << "next thread" << std::endl; }).join();
+    });
+    EXPECT_EQ(LinesWithoutTime(log), (std::vector<std::string>{"<INFO>: no end", "<INFO>: next thread"}));
 }
 
 // ---- the time of a record
