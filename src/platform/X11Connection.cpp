@@ -5,48 +5,105 @@
 #include <X11/Xlib.h>
 
 #include <algorithm>
+#include <array>
+#include <bitset>
 #include <cstdlib>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace {
 
-/// The handlers of the host that ours replaced, the latest last.
+constexpr std::size_t kEntries = 32;
+
+/// Handlers of ours and, behind each, the one handler of the host that it was installed over and passes errors on to
+/// for ever. A host that puts back what XSetErrorHandler() returned to it puts back one of ours, and with it its own
+/// handler: one entry for all would pass on to whatever was installed last, such as a handler that was meant for a few
+/// requests only.
 template <typename Handler>
 class HandlerChain {
 public:
     using Setter = Handler (*)(Handler);
-    HandlerChain(Setter set, Handler ours) : m_set(set), m_ours(ours) {}
+    HandlerChain(Setter set, const std::array<Handler, kEntries>& entries) : m_set(set), m_entries(entries) {}
 
-    /// Puts ours in front. The handler found there is remembered once, as the latest.
+    /// Puts the entry of the installed handler in front of it, unless one of ours is installed already.
     void Install() {
-        const Handler former = m_set(m_ours);
-        if (former == m_ours) return;
-        std::erase(m_vFormer, former);
-        m_vFormer.push_back(former);
+        const Handler installed = m_set(m_entries[m_nFront]);
+        const std::size_t index = IndexOf(installed);
+        if (index == m_nFront && m_nUsed > 0) return;
+        const std::size_t former = m_nFront;
+        m_nFront = index < kEntries ? index : EntryFor(installed);
+        if (index == kEntries && m_nFront != former) m_below[m_nFront] = former;
+        m_set(m_entries[m_nFront]);
     }
 
-    /// Restores the host's latest handler, unless the host has installed another one over ours meanwhile.
+    /// Puts back the handler of the host below ours. Entries that the host still knows go on passing errors on to it.
     void Remove() {
-        if (m_vFormer.empty()) return;
-        const Handler installed = m_set(m_vFormer.back());
-        if (installed != m_ours) m_set(installed);
-        m_vFormer.clear();
+        const Handler installed = m_set(m_entries[m_nFront]);
+        const std::size_t index = IndexOf(installed);
+        m_set(index < m_nUsed ? m_hosts[index] : installed);
     }
 
-    /// The handler that ours passes an error on to; null at the end of the chain.
-    /// @param depth  calls of ours that are active on this thread. A handler of the host that was installed over ours
-    /// may
-    ///               pass errors on to ours, which is in front of it again: the next older one is called then, so that
-    ///               the two do not call each other without end
-    Handler Next(std::size_t depth) const {
-        return depth < m_vFormer.size() ? m_vFormer[m_vFormer.size() - 1 - depth] : nullptr;
+    /// The entry whose handler gets an error that @p called has received; kEntries when there is none. A handler may
+    /// have been installed over its own entry: an error that comes back to an entry in @p active goes to the one below,
+    /// so that the two do not call each other without end.
+    [[nodiscard]] std::size_t EntryToCall(std::size_t called, const std::bitset<kEntries>& active) const {
+        for (std::size_t steps = 0; steps < kEntries; ++steps, called = m_below[called])
+            if (!active[called]) return called;
+        return kEntries;
     }
+    [[nodiscard]] Handler HostHandler(std::size_t entry) const { return m_hosts[entry]; }
 
 private:
+    [[nodiscard]] std::size_t IndexOf(Handler handler) const {
+        return static_cast<std::size_t>(std::ranges::find(m_entries, handler) - m_entries.begin());
+    }
+
+    // Hosts have few handlers. One that has more than there are entries shares the last.
+    std::size_t EntryFor(Handler host) {
+        const auto used = m_hosts.begin() + static_cast<std::ptrdiff_t>(m_nUsed);
+        const auto found = std::find(m_hosts.begin(), used, host);
+        if (found != used) return static_cast<std::size_t>(found - m_hosts.begin());
+        if (m_nUsed < kEntries) ++m_nUsed;
+        m_hosts[m_nUsed - 1] = host;
+        return m_nUsed - 1;
+    }
+
     Setter m_set;
-    Handler m_ours;
-    std::vector<Handler> m_vFormer;
+    const std::array<Handler, kEntries>& m_entries;
+    std::array<Handler, kEntries> m_hosts{};      ///< by entry; the first m_nUsed are set
+    std::array<std::size_t, kEntries> m_below{};  ///< by entry: the one that was in front before; not always older
+    std::size_t m_nUsed = 0;
+    std::size_t m_nFront = 0;  ///< the entry that was installed last
+};
+
+/// The error that handlers of the host are looking at on this thread, and the entries that called them. Compared by its
+/// serial number, because a handler may leave by longjmp().
+struct PassedOn {
+    const Display* display = nullptr;
+    unsigned long serial = 0;
+    std::bitset<kEntries> entries;
+
+    /// Itself when it is about that error, else an empty record of it.
+    [[nodiscard]] PassedOn About(const Display* errorDisplay, unsigned long errorSerial) const {
+        return errorDisplay == display && errorSerial == serial ? *this : PassedOn{errorDisplay, errorSerial, {}};
+    }
+};
+thread_local PassedOn g_passedOn;
+
+/// Notes a call of a handler of the host for as long as it lives.
+class Passing {
+public:
+    Passing(std::size_t entry, PassedOn error) : m_former(g_passedOn) {
+        error.entries.set(entry);
+        g_passedOn = error;
+    }
+    ~Passing() { g_passedOn = m_former; }
+    Passing(const Passing&) = delete;
+    Passing& operator=(const Passing&) = delete;
+
+private:
+    PassedOn m_former;
 };
 
 }  // namespace
@@ -54,8 +111,8 @@ private:
 struct X11Connection::ErrorHandlers {
     std::mutex lock;
     std::vector<X11Connection*> connections;
-    HandlerChain<XErrorHandler> errors{XSetErrorHandler, OnError};
-    HandlerChain<XIOErrorHandler> ioErrors{XSetIOErrorHandler, OnIoError};
+    HandlerChain<XErrorHandler> errors{XSetErrorHandler, kErrorEntries};
+    HandlerChain<XIOErrorHandler> ioErrors{XSetIOErrorHandler, kIoErrorEntries};
 
     // Never destroyed: an error on a connection of the host may arrive while static objects are being destroyed.
     static ErrorHandlers& Instance() {
@@ -69,44 +126,59 @@ struct X11Connection::ErrorHandlers {
         return found == connections.end() ? nullptr : *found;
     }
 
-    static int OnError(Display* display, XErrorEvent* event) {
-        static thread_local std::size_t depth = 0;
-        XErrorHandler next = nullptr;
-        {
-            ErrorHandlers& handlers = Instance();
-            const std::lock_guard guard(handlers.lock);
-            if (X11Connection* const own = handlers.Find(display)) {
-                ++own->m_nErrors;
-                return 0;
-            }
-            next = handlers.errors.Next(depth);
+    /// Counts an error of ours and returns null; else the handler of the host that it is for, or null for none.
+    template <typename Handler>
+    Handler CountOrFind(const HandlerChain<Handler>& chain, std::size_t called, const PassedOn& error,
+                        std::size_t* entry) {
+        const std::lock_guard guard(lock);
+        if (X11Connection* const own = Find(error.display)) {
+            ++own->m_nErrors;
+            return nullptr;
         }
-        if (next == nullptr) return 0;
-        ++depth;
-        const int answer = next(display, event);
-        --depth;
-        return answer;
+        *entry = chain.EntryToCall(called, error.entries);
+        return *entry < kEntries ? chain.HostHandler(*entry) : nullptr;
     }
 
-    static int OnIoError(Display* display) {
-        static thread_local std::size_t depth = 0;
-        XIOErrorHandler next = nullptr;
-        {
-            ErrorHandlers& handlers = Instance();
-            const std::lock_guard guard(handlers.lock);
-            if (handlers.Find(display) != nullptr) return 0;
-            next = handlers.ioErrors.Next(depth);
-        }
+    template <std::size_t Entry>
+    static int OnError(Display* display, XErrorEvent* event) {
+        const PassedOn error = g_passedOn.About(display, event->serial);
+        std::size_t entry = kEntries;
+        const XErrorHandler next = Instance().CountOrFind(Instance().errors, Entry, error, &entry);
         if (next == nullptr) return 0;
-        ++depth;
-        const int answer = next(display);
-        --depth;
-        return answer;
+        const Passing passing(entry, error);
+        return next(display, event);
     }
+
+    // An IO error has no serial number: it ends the connection, so there is one for a display.
+    template <std::size_t Entry>
+    static int OnIoError(Display* display) {
+        const PassedOn error = g_passedOn.About(display, 0);
+        std::size_t entry = kEntries;
+        const XIOErrorHandler next = Instance().CountOrFind(Instance().ioErrors, Entry, error, &entry);
+        if (next == nullptr) return 0;
+        const Passing passing(entry, error);
+        return next(display);
+    }
+
+    template <std::size_t... I>
+    static constexpr std::array<XErrorHandler, kEntries> ErrorEntries(std::index_sequence<I...>) {
+        return {OnError<I>...};
+    }
+    template <std::size_t... I>
+    static constexpr std::array<XIOErrorHandler, kEntries> IoErrorEntries(std::index_sequence<I...>) {
+        return {OnIoError<I>...};
+    }
+    static const std::array<XErrorHandler, kEntries> kErrorEntries;
+    static const std::array<XIOErrorHandler, kEntries> kIoErrorEntries;
 
     // Xlib calls this after the IO error handler. Its default calls exit().
     static void OnIoErrorExit(Display*, void* connection) { static_cast<X11Connection*>(connection)->m_bBroken = true; }
 };
+
+constinit const std::array<XErrorHandler, kEntries> X11Connection::ErrorHandlers::kErrorEntries =
+    ErrorEntries(std::make_index_sequence<kEntries>());
+constinit const std::array<XIOErrorHandler, kEntries> X11Connection::ErrorHandlers::kIoErrorEntries =
+    IoErrorEntries(std::make_index_sequence<kEntries>());
 
 std::unique_ptr<X11Connection> X11Connection::Open(const std::string& name, std::string* reason) {
     Display* const display = XOpenDisplay(name.empty() ? nullptr : name.c_str());

@@ -1,6 +1,7 @@
 // Xlib has one error handler for the process. Errors on the host's connections reach the host's handler, ours do not.
 #include <gtest/gtest.h>
 
+#include <csetjmp>
 #include <string>
 #include <vector>
 
@@ -28,13 +29,48 @@ int SecondHandler(Display* display, XErrorEvent* event) {
     return g_below == nullptr ? 0 : g_below(display, event);
 }
 
+int TrapHandler(Display*, XErrorEvent*) {
+    g_calls.emplace_back("trap");
+    return 0;
+}
+
+int FirstIoHandler(Display*) {
+    g_calls.emplace_back("first");
+    return 0;
+}
+
+int TrapIoHandler(Display*) {
+    g_calls.emplace_back("trap");
+    return 0;
+}
+
+std::jmp_buf g_jump;
+
+int JumpingHandler(Display*, XErrorEvent*) {
+    g_calls.emplace_back("jumps");
+    std::longjmp(g_jump, 1);
+}
+
+/// As Xlib calls it for an error, but without the locks of Xlib, which a jump would leave held.
+void CallInstalledHandler(Display* display, unsigned long serial) {
+    const XErrorHandler installed = XSetErrorHandler(FirstHandler);
+    XSetErrorHandler(installed);
+    XErrorEvent event{};
+    event.display = display;
+    event.serial = serial;
+    installed(display, &event);
+}
+
 struct HostErrorHandler : testing::Test {
     HostErrorHandler() {
         XvfbServer::Shared();
         g_calls.clear();
         g_below = nullptr;
     }
-    ~HostErrorHandler() override { XSetErrorHandler(nullptr); }
+    ~HostErrorHandler() override {
+        XSetErrorHandler(nullptr);
+        XSetIOErrorHandler(nullptr);
+    }
 
     static void MakeAnError(Display* display) {
         XMapWindow(display, 0x1234);
@@ -96,6 +132,84 @@ TEST_F(HostErrorHandler, IsInstalledAgainWhenOurLastConnectionCloses) {
     X11Connection::InstallErrorHandlers();
     second.reset();
     EXPECT_EQ(XSetErrorHandler(nullptr), &FirstHandler);
+}
+
+// As toolkits trap the errors of a few requests: another handler, the requests, the former handler again.
+TEST_F(HostErrorHandler, IsTheFormerOneAgainAfterATrapDuringWhichOursWasInstalled) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    const auto connection = Connect();
+    for (int i = 0; i < 3; ++i) {
+        const XErrorHandler former = XSetErrorHandler(TrapHandler);
+        const X11Connection::ErrorTrap trap(*connection);  // a call of the viewer
+        MakeAnError(connection->Get());
+        EXPECT_FALSE(trap.Succeeded());
+        MakeAnError(host.Display());
+        XSetErrorHandler(former);
+        MakeAnError(host.Display());
+        X11Connection::InstallErrorHandlers();
+        MakeAnError(host.Display());
+        EXPECT_EQ(g_calls, (std::vector<std::string>{"trap", "first", "first"})) << i;
+        g_calls.clear();
+    }
+}
+
+TEST_F(HostErrorHandler, PutBackAfterTheEndOfOurLastConnectionIsStillCalled) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    auto connection = Connect();
+    const XErrorHandler former = XSetErrorHandler(TrapHandler);
+    connection.reset();
+    MakeAnError(host.Display());
+    XSetErrorHandler(former);  // one of ours
+    MakeAnError(host.Display());
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"trap", "first"}));
+    connection = Connect();
+    MakeAnError(host.Display());
+    connection.reset();
+    MakeAnError(host.Display());
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"trap", "first", "first", "first"}));
+}
+
+TEST_F(HostErrorHandler, ThatPassesOnToAnOlderOneReachesItWhateverTheOrderOfTheirInstallation) {
+    const HostWindow host;
+    XSetErrorHandler(SecondHandler);
+    const auto connection = Connect();  // over the second
+    XSetErrorHandler(FirstHandler);
+    X11Connection::InstallErrorHandlers();      // over the first
+    g_below = XSetErrorHandler(SecondHandler);  // now the second is over the first
+    X11Connection::InstallErrorHandlers();
+    MakeAnError(host.Display());
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"second", "first"}));
+}
+
+TEST_F(HostErrorHandler, ThatLeavesByAJumpIsCalledForTheNextError) {
+    XSetErrorHandler(FirstHandler);
+    const HostWindow host;
+    const auto connection = Connect();
+    XSetErrorHandler(JumpingHandler);
+    X11Connection::InstallErrorHandlers();
+    for (int i = 0; i < 3; ++i)
+        if (setjmp(g_jump) == 0) CallInstalledHandler(host.Display(), static_cast<unsigned long>(i));
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"jumps", "jumps", "jumps"}));
+}
+
+TEST_F(HostErrorHandler, ForBrokenConnectionsIsTheFormerOneAgainAfterATrap) {
+    XSetIOErrorHandler(FirstIoHandler);
+    auto connection = Connect();
+    const XIOErrorHandler former = XSetIOErrorHandler(TrapIoHandler);
+    X11Connection::InstallErrorHandlers();
+    const XIOErrorHandler overTrap = XSetIOErrorHandler(former);
+    Display* const other = XOpenDisplay(nullptr);  // not ours
+    ASSERT_NE(other, nullptr);
+    overTrap(other);
+    former(other);
+    X11Connection::InstallErrorHandlers();
+    XSetIOErrorHandler(former)(other);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"trap", "first", "first"}));
+    connection.reset();
+    EXPECT_EQ(XSetIOErrorHandler(nullptr), &FirstIoHandler);
+    XCloseDisplay(other);
 }
 
 TEST_F(HostErrorHandler, IsNotCalledForARefusedContext) {
