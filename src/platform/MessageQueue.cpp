@@ -90,6 +90,11 @@ void MessageQueue::ClearWake() {
     if (m_vMessages.empty()) ClearSignal();
 }
 
+void MessageQueue::WakeForQueued() {
+    const std::lock_guard lock(m_lock);
+    if (!m_vMessages.empty()) RaiseSignal();
+}
+
 // Of the members only the messages are shared with other threads; the timers belong to the window's.
 void MessageQueue::Clear() {
     m_vTimers.clear();

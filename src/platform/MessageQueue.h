@@ -45,6 +45,8 @@ public:
     bool Pop(std::uint32_t* message);
     /// Clears a wake that the current call has already served; queued messages keep the descriptor readable.
     void ClearWake();
+    /// Makes Descriptor() readable when messages are queued that a Collect() has found and nobody has popped.
+    void WakeForQueued();
     /// Drops all messages and timers.
     void Clear();
 

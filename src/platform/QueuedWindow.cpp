@@ -2,6 +2,7 @@
 // last.
 #include "platform/QueuedWindow.h"
 
+#include "base/ScopeExit.h"
 #include "platform/UserMessage.h"
 
 QueuedWindow::QueuedWindow(const KV_ScenePane::WindowRequest& request)
@@ -23,16 +24,23 @@ bool QueuedWindow::Begin(std::string* reason) {
         return false;
     }
     m_life = Life::Creating;
-    // A client that could not make its context gets no OnDestroy(): it never had a window.
-    if (!RunOnCreate() || !Exists()) {
-        Close();
-        m_paintQueue.Clear();
-        m_life = Life::None;
-        return false;
+    {
+        // A client that could not make its context, or whose hook threw, gets no OnDestroy(): it never had a window.
+        const ScopeExit closeOnFailure([this] {
+            if (m_life == Life::Creating) CloseAndForget();
+        });
+        if (RunOnCreate() && Exists()) m_life = Life::Alive;
     }
-    m_life = Life::Alive;
+    if (m_life != Life::Alive) return false;
     Show();
+    m_messages.WakeForQueued();  // a ProcessEvents() of the hook has left them for this window
     return true;
+}
+
+void QueuedWindow::CloseAndForget() {
+    Close();
+    m_paintQueue.Clear();
+    m_life = Life::None;
 }
 
 void QueuedWindow::Destroy() {
@@ -44,10 +52,8 @@ void QueuedWindow::Destroy() {
 void QueuedWindow::End() {
     if (m_life != Life::Alive) return;
     m_life = Life::Ending;
+    const ScopeExit close([this] { CloseAndForget(); });  // also when a handler of the host throws
     m_pClient->OnDestroy();
-    Close();
-    m_paintQueue.Clear();
-    m_life = Life::None;
 }
 
 bool QueuedWindow::Recreate() {
@@ -93,7 +99,18 @@ std::uint32_t QueuedWindow::StartTimer(std::uint32_t milliseconds) {
 
 void QueuedWindow::ShowModalMessage(const std::string& text) { ShowUserMessage(m_showMessage, text); }
 
+// An exception of the client ends the call and passes through to the host. What is left then, also a repaint that was
+// not requested by Invalidate() and has no wake of its own, is for the next call.
 void QueuedWindow::ProcessEvents() {
+    try {
+        HandleAll();
+    } catch (...) {
+        m_messages.Wake();
+        throw;
+    }
+}
+
+void QueuedWindow::HandleAll() {
     if (m_life == Life::Alive) HandleSystemEvents();
     EndIfWindowLost();
     DeliverMessages();
@@ -104,10 +121,13 @@ void QueuedWindow::ProcessEvents() {
     if (m_life == Life::Alive && HasQueuedSystemEvents()) m_messages.Wake();
 }
 
-// Only the messages that are queued at the start: one that posts itself again must not keep the host's loop here.
+// Only the messages that are queued at the start: one that posts itself again must not keep the host's loop here. In a
+// call from inside a creation, such as that of a message box, they wait for the window.
 void QueuedWindow::DeliverMessages() {
+    std::size_t count = m_messages.Collect();
+    if (m_life == Life::Creating || m_life == Life::Ending) return;
     std::uint32_t message = 0;
-    for (std::size_t count = m_messages.Collect(); count > 0 && m_messages.Pop(&message); --count)
+    for (; count > 0 && m_messages.Pop(&message); --count)
         if (m_life == Life::Alive) m_pClient->OnPrivateMessage(message);
 }
 

@@ -60,6 +60,9 @@ private:
 
     bool Begin(std::string* reason);
     void End();
+    /// The last step of every end: nothing of the window is left.
+    void CloseAndForget();
+    void HandleAll();
     /// Runs OnDestroy() for a window that the window system destroyed, as for any other end.
     void EndIfWindowLost();
     void DeliverMessages();

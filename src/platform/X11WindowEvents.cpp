@@ -44,9 +44,11 @@ bool X11Window::HasQueuedSystemEvents() const {
 
 void X11Window::HandleSystemEvents() {
     const RequestScope scope(*this);
+    DispatchMouse({});  // what a handler that threw, or that called ProcessEvents(), has left of an event
     // Only the events that are queued at the start: a server that sends without end must not keep the host's loop here.
     // A handler may close the window and the connection with it, recreate both, or call ProcessEvents() itself.
-    for (int count = XPending(m_pConnection->Get()); count > 0 && m_pConnection != nullptr && Exists(); --count) {
+    for (int count = Exists() ? XPending(m_pConnection->Get()) : 0; count > 0 && m_pConnection != nullptr && Exists();
+         --count) {
         Display* const display = m_pConnection->Get();
         if (XEventsQueued(display, QueuedAlready) == 0) return;
         XEvent event{};

@@ -316,6 +316,52 @@ TEST_F(X11WindowInputTest, HandlerMayRecreateTheWindowAndTheNextProcessEventsRet
     EXPECT_EQ(KeyInputs().size(), 2u);
 }
 
+TEST_F(X11WindowInputTest, HandlerThatThrowsLosesNeitherLaterInputNorAnExposure) {
+    HandleAll();
+    const int paintedBefore = client.painted;
+    client.onMouse = [](const MouseInput& input) {
+        if (input.kind == Kind::LeftDown) throw std::runtime_error("handler");
+    };
+    user.MoveTo(50, 50);
+    HandleAll();
+    client.mouse.clear();
+    XClearArea(host.Display(), window.NativeHandle(), 0, 0, 0, 0, True);  // an exposure, before the press
+    host.Sync();
+    user.Click(kLeft);
+    EXPECT_TRUE(BecomesReadable(window));
+    const bool thrown = WaitUntil([&] {
+        try {
+            window.ProcessEvents();
+        } catch (const std::runtime_error&) {
+            return true;
+        }
+        return false;
+    });
+    EXPECT_TRUE(thrown);
+    EXPECT_TRUE(IsReadable(window));
+    EXPECT_EQ(MouseInputs(), (Mouse{{Kind::LeftDown, 1, 50, 50}, {Kind::LeftUp, 0, 50, 50}}));
+    EXPECT_GT(client.painted, paintedBefore);
+}
+
+// A release that the server could not deliver arrives together with the next event: two inputs of one event.
+TEST_F(X11WindowInputTest, HandlerThatThrowsLosesNoInputOfTheSameEvent) {
+    user.MoveTo(50, 50);
+    user.Press(kLeft);
+    HandleAll();
+    client.mouse.clear();
+    client.onMouse = [](const MouseInput& input) {
+        if (input.kind == Kind::LeftUp) throw std::runtime_error("handler");
+    };
+    host.SendMove(window.NativeHandle(), 60, 60);  // without the button in its state
+    EXPECT_TRUE(BecomesReadable(window));
+    EXPECT_THROW(window.ProcessEvents(), std::runtime_error);
+    EXPECT_EQ(client.mouse.size(), 1u);
+    EXPECT_TRUE(IsReadable(window));
+    window.ProcessEvents();
+    ASSERT_GE(client.mouse.size(), 2u) << "it would wait for the next event of the pointer";
+    EXPECT_EQ(client.mouse[1].kind, Kind::Move);
+}
+
 TEST_F(X11WindowInputTest, HandlerMayCallProcessEventsAndTheOrderIsKept) {
     client.onMouse = [&](const MouseInput& input) {
         if (input.kind == Kind::LeftDown) window.ProcessEvents();
