@@ -303,7 +303,7 @@ public:
     void OnPaint() override;
     /// Draws the visible point sets, opaque ones first. The context is current.
     void DrawFreePoints();
-    /// Keeps the pixels of the back buffer as the frozen image, which later frames show in place of the scene.
+    /// Keeps the pixels of the last frame as the frozen image, which later frames show in place of the scene.
     void FreezeFrame();
 
     // ---- render/Shadows.cpp
@@ -430,8 +430,8 @@ public:
     // ---- markers/Picking.cpp
     /// The visible object under a pixel, or -1; @p hit receives the point, world frame. It is kept as the last pick.
     std::int32_t PickObjectAt(std::int32_t x, std::int32_t y, Float3* hit);
-    /// Picks by colour: draws the objects into the back buffer in false colours and lets the one at the pixel store its
-    /// pick; the others clear theirs. The caller holds g_drawLock.
+    /// Picks by colour: draws the objects in false colours, where nobody sees it, and lets the one at the pixel
+    /// store its pick; the others clear theirs. The caller holds g_drawLock.
     /// @param y  from the bottom of the window
     void PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y);
     /// Fires SelectViewDirection in PickModeCross. The dispatcher has a slot for it that no input reaches.

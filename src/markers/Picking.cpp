@@ -2,6 +2,7 @@
 // in colours that are numbers. The line against the triangles is geometry/MeshIntersect.cpp.
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <array>
 
 #include "control/ScenePaneCtrl.h"
@@ -13,7 +14,6 @@ constexpr std::uint32_t kNoId = 0xFFFFFF;  // the colour that the buffer is clea
 
 /// Switches off everything that could change the colour of a part on its way to the pixels.
 void SetStateForIds() {
-    glDrawBuffer(GL_BACK);
     glClearColor(1, 1, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
@@ -23,11 +23,10 @@ void SetStateForIds() {
     glShadeModel(GL_FLAT);
 }
 
-/// The number drawn at a pixel, y upward; kNoId where there is none.
-std::uint32_t ReadId(std::int32_t x, std::int32_t y) {
-    std::array<std::uint8_t, 4> pixel{255, 255, 255, 255};  // unchanged outside the window
-    glReadBuffer(GL_BACK);
-    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
+/// The number drawn in the only pixel of the target; kNoId where there is none.
+std::uint32_t ReadId() {
+    std::array<std::uint8_t, 4> pixel{255, 255, 255, 255};
+    glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
     return pixel[0] + 256u * pixel[1] + 65536u * pixel[2];
 }
 
@@ -74,6 +73,11 @@ std::int32_t CKV_ScenePaneCtrl::PickObjectAt(std::int32_t x, std::int32_t y, Flo
 void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y) {
     if (!MakeContextCurrent()) return;
     glPushAttrib(GL_ALL_ATTRIB_BITS);
+    // Into a target of one pixel, with the viewport moved so that it is the one asked for: the shown frame and its
+    // depth stay as they are.
+    m_idTarget.SetSize(1, 1, 0);
+    m_idTarget.Bind();
+    glViewport(-x, -y, std::max(m_nWidth, 0), std::max(m_nHeight, 0));
     SetStateForIds();
     std::vector<Part> parts;  // the index is the number that was drawn
     for (RenderObject* const object : objects) {
@@ -82,7 +86,9 @@ void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objec
         for (std::uint32_t k = 0; k < count; ++k) parts.push_back({object, k});
     }
     // The part at the pixel stores the pick itself; the background has no part.
-    const std::uint32_t id = ReadId(x, y);
+    const bool isInside = x >= 0 && y >= 0 && x < m_nWidth && y < m_nHeight;
+    const std::uint32_t id = isInside ? ReadId() : kNoId;
+    m_frameTarget.Bind();  // before the attributes, which hold the draw buffer of the frame
     glPopAttrib();
     if (id < kNoId && id < parts.size()) parts[id].object->OnPicked(parts[id].number);
 }

@@ -144,6 +144,8 @@ void CKV_ScenePaneCtrl::OnDestroy() {
     // Textures die with the context. A new context may use the same names for other textures before the overlays are
     // uploaded again.
     for (Overlay& overlay : m_vOverlays) overlay.m_uTexture = 0;
+    m_frameTarget.Forget();
+    m_idTarget.Forget();
     m_pWindow->DeleteContext();
     m_hRC = nullptr;
     m_pDC = nullptr;

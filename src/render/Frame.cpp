@@ -203,12 +203,16 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
     control.m_bInDraw = 1;
     if (control.MakeContextCurrent()) {
         const bool sizeChanged = StoreWindowSize(control);
+        control.m_frameTarget.SetSize(control.m_nWidth, control.m_nHeight, control.m_nGlSamples);
+        control.m_frameTarget.Bind();
         if (control.m_bAnimationRunning != 0) control.AnimationStep();
         DrawSceneOrFrozenImage(control, sizeChanged);
         DrawOverScene(control);
-        if (control.m_pCapture != nullptr)  // before the swap, which leaves the back buffer undefined
-            *control.m_pCapture = {control.m_nWidth, control.m_nHeight,
-                                   ReadBackBuffer(control.m_nWidth, control.m_nHeight)};
+        control.m_frameTarget.Resolve();
+        if (control.m_pCapture != nullptr)
+            *control.m_pCapture = {control.m_nWidth, control.m_nHeight, ReadFrame(control.m_nWidth, control.m_nHeight)};
+        // The surface of an off-screen window is shown to nobody: the copy would be for nothing.
+        if (control.m_pWindow->NativeHandle() != 0) control.m_frameTarget.CopyToWindow();
         control.m_pWindow->SwapBuffers();
     }
     control.m_bInDraw = 0;
@@ -233,6 +237,7 @@ void CKV_ScenePaneCtrl::FreezeFrame() {
     m_nFrozenHeight = std::max(size.height, 0);
     m_pFrozenImage =
         std::make_unique<std::uint8_t[]>(FrozenRowBytes(m_nFrozenWidth) * static_cast<std::size_t>(m_nFrozenHeight));
+    m_frameTarget.Resolve();  // inside a frame too: what it has drawn so far
     glReadPixels(0, 0, m_nFrozenWidth, m_nFrozenHeight, GL_BGR, GL_UNSIGNED_BYTE, m_pFrozenImage.get());
 }
 

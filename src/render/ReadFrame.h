@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-/// Reads the back buffer of the current context's window. Call it before the swap: afterwards the buffer is undefined.
+/// Reads the frame that can be read in the current context, see FrameTarget::Resolve().
 /// @param width, height  size of the drawing area, pixels
 /// @return 0xFFRRGGBB per pixel, top row first, the mean of the samples; empty for an empty area
-[[nodiscard]] std::vector<std::uint32_t> ReadBackBuffer(std::int32_t width, std::int32_t height);
+[[nodiscard]] std::vector<std::uint32_t> ReadFrame(std::int32_t width, std::int32_t height);

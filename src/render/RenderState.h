@@ -7,6 +7,7 @@
 #include "KV_ScenePane/Modes.h"
 #include "geometry/Vector3.h"
 #include "platform/PaneWindow.h"
+#include "render/FrameTarget.h"
 #include "render/Overlay.h"
 #include "render/TextDraw.h"
 
@@ -37,6 +38,8 @@ struct RenderState {
     COpenGLTextDraw m_textDraw;
 
     // Programs, framebuffers and their attachments.
+    FrameTarget m_frameTarget;  ///< of frames; bound unless another target is in use
+    FrameTarget m_idTarget;     ///< of picks by colour, one pixel; made by the first pick
     std::uint32_t m_progPerPixel = 0, m_progTexPerPixel = 0, m_progShadow = 0, m_progDepth = 0;
     std::uint32_t m_progQuad = 0, m_progCreateMask = 0, m_progUseMask = 0, m_progFreeFloatingPoints = 0;
     std::uint32_t m_nShadowFbo = 0, m_nShadowTexture = 0;

@@ -73,18 +73,23 @@ private:
     GLint m_viewport[4] = {};
 };
 
-/// Binds the off-screen framebuffer during its lifetime. Afterwards the framebuffer of the window is bound, and colour
+/// Binds the off-screen framebuffer during its lifetime. Afterwards the framebuffer of frames is bound, and colour
 /// material and depth test are disabled as a frame expects them.
 class OffscreenTarget {
 public:
-    explicit OffscreenTarget(std::uint32_t framebuffer) { glBindFramebuffer(GL_FRAMEBUFFER, framebuffer); }
+    explicit OffscreenTarget(const RenderState& state) : m_frameTarget(state.m_frameTarget) {
+        glBindFramebuffer(GL_FRAMEBUFFER, state.m_nOffscreenFbo);
+    }
     ~OffscreenTarget() {
-        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        m_frameTarget.Bind();
         glDisable(GL_COLOR_MATERIAL);
         glDisable(GL_DEPTH_TEST);
     }
     OffscreenTarget(const OffscreenTarget&) = delete;
     OffscreenTarget& operator=(const OffscreenTarget&) = delete;
+
+private:
+    const FrameTarget& m_frameTarget;
 };
 
 }  // namespace
@@ -102,7 +107,7 @@ void CKV_ScenePaneCtrl::CaptureScreenShot(std::uint32_t* buffer) {
             RenderOffscreen();
             glBindFramebuffer(GL_FRAMEBUFFER, m_nOffscreenFbo);
             glReadPixels(0, 0, kOffscreenSize, kOffscreenSize, GL_RGBA, GL_UNSIGNED_BYTE, rows.data());
-            glBindFramebuffer(GL_FRAMEBUFFER, 0);
+            m_frameTarget.Bind();
         }
     }
     // Without a context the rows are still zero: the host receives a transparent picture.
@@ -113,7 +118,7 @@ void CKV_ScenePaneCtrl::CaptureScreenShot(std::uint32_t* buffer) {
 // Always shaded and in full detail, without shadows, clip plane, selection and overlays.
 void CKV_ScenePaneCtrl::RenderOffscreen() {
     const WholeSceneView view(*this);
-    const OffscreenTarget target(m_nOffscreenFbo);
+    const OffscreenTarget target(*this);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     DrawBackground();
     glColorMaterial(GL_FRONT, GL_DIFFUSE);

@@ -86,7 +86,10 @@ void CKV_ScenePaneCtrl::InitFramebuffers() {
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_nOffscreenDepthRb);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_nOffscreenColorRb);
     RequireCompleteFramebuffer();
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+
+    // The target of frames. It exists before the first one, so that all that follows finds it bound.
+    const WindowSize size = m_pWindow->ClientSize();
+    m_frameTarget.SetSize(size.width, size.height, m_nGlSamples);
 }
 
 void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
@@ -112,7 +115,7 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     for (const auto& mesh : m_vpMeshes)
         if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags, too
     glPopAttrib();
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    m_frameTarget.Bind();
 
     // Restore the state of the caller.
     glMatrixMode(GL_MODELVIEW);

@@ -56,12 +56,19 @@ protected:
         return lighting::operator+(opacity* color, (1 - opacity) * kBackground);
     }
 
-    /// The numbers in the back buffer after a pick, bottom row first; -1 outside the handles.
+    /// The numbers that a pick draws, of the whole window, bottom row first; -1 outside the handles.
     std::vector<int> DrawIds() {
-        RenderObject* const objects[] = {&plane};
-        pane->PickRenderObjectsAt(objects, 0, 0);
+        EXPECT_TRUE(pane->MakeContextCurrent());
+        glPushAttrib(GL_ALL_ATTRIB_BITS);
+        glClearColor(1, 1, 1, 1);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        glEnable(GL_DEPTH_TEST);
+        glDisable(GL_DITHER);
+        glDisable(GL_LIGHTING);
+        glDisable(GL_MULTISAMPLE);
+        plane.DrawPickIds(0);
+        glPopAttrib();
         std::vector<std::uint32_t> pixels(640 * 480);
-        glReadBuffer(GL_BACK);
         glReadPixels(0, 0, 640, 480, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
         std::vector<int> ids;
         for (const std::uint32_t pixel : pixels)

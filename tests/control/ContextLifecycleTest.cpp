@@ -105,6 +105,7 @@ TEST_P(ContextOf, ASuccessfulStartLogsEachStepAndShowsNoMessage) {
     EXPECT_TRUE(pane->HasWindow());
     EXPECT_EQ(m_output.Text(), "");
     if (GetParam() != WindowRequest::Kind::OffScreen) {  // an off-screen surface has no buffers to swap
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
         EXPECT_EQ(GlInteger(GL_DOUBLEBUFFER), 1);
     }
 }

@@ -167,7 +167,7 @@ TEST_F(HelperPick, DrawsWithoutAnyStateThatCouldChangeTheNumbers) {
     EXPECT_EQ(stand.state.at("GL_DEPTH_TEST")[0], 1);
     EXPECT_EQ(stand.state.at("GL_SHADE_MODEL")[0], GL_FLAT);
     for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(stand.state.at("GL_COLOR_CLEAR_VALUE")[i], 1) << i;
-    EXPECT_EQ(stand.state.at("GL_DRAW_BUFFER")[0], GL_BACK);
+    EXPECT_EQ(stand.state.at("GL_DRAW_BUFFER")[0], GL_COLOR_ATTACHMENT0);  // a target of its own
 }
 
 TEST_F(HelperPick, RestoresEveryAttribute) {

@@ -11,7 +11,7 @@ protected:
         glClearColor(0, 0, 0, 0);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     }
-    /// Red, green and blue of a pixel of the back buffer; y downward.
+    /// Red, green and blue of a pixel of what was drawn last; y downward.
     static std::array<int, 3> Drawn(int x, int y) {
         std::array<std::uint8_t, 4> pixel{};
         glReadPixels(x, 239 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());

@@ -34,13 +34,13 @@ std::set<std::uint32_t> ColorsOf(const KV_ScenePane::Picture& picture) {
     return {picture.pixels.begin(), picture.pixels.end()};
 }
 
-TEST(ReadBackBuffer, GivesOnlyTheTwoPlainColoursWithoutSamples) {
+TEST(ReadFrame, GivesOnlyTheTwoPlainColoursWithoutSamples) {
     const auto colors = ColorsOf(TrianglePicture(0));
     EXPECT_EQ(colors.size(), 2u);
     EXPECT_TRUE(colors.contains(0xFF191932)) << "the background";
 }
 
-TEST(ReadBackBuffer, GivesTheMeanOfTheSamplesAtTheEdges) {
+TEST(ReadFrame, GivesTheMeanOfTheSamplesAtTheEdges) {
     const KV_ScenePane::Picture plain = TrianglePicture(0), smooth = TrianglePicture(4);
     const std::uint32_t background = 0xFF191932;
     const std::uint32_t inside = plain.pixels[32 * 64 + 32];

@@ -133,15 +133,16 @@ protected:
         EXPECT_EQ(glGetError(), static_cast<GLenum>(shadowPass ? GL_STACK_UNDERFLOW : GL_NO_ERROR));
         ExpectDefaultStacksAndBindings();
     }
-    /// No further OpenGL error, all stacks empty, no program, and the framebuffer of the window bound.
-    static void ExpectDefaultStacksAndBindings() {
+    /// No further OpenGL error, all stacks empty, no program, and the framebuffer of frames bound.
+    void ExpectDefaultStacksAndBindings() {
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
         EXPECT_EQ(Get(GL_ATTRIB_STACK_DEPTH), 0);
         EXPECT_EQ(Get(GL_MODELVIEW_STACK_DEPTH), 1);
         EXPECT_EQ(Get(GL_PROJECTION_STACK_DEPTH), 1);
         EXPECT_EQ(Get(GL_CURRENT_PROGRAM), 0);
-        EXPECT_EQ(Get(GL_DRAW_FRAMEBUFFER_BINDING), 0);
-        EXPECT_EQ(Get(GL_READ_FRAMEBUFFER_BINDING), 0);
+        EXPECT_NE(pane->m_frameTarget.Name(), 0u);
+        EXPECT_EQ(Get(GL_DRAW_FRAMEBUFFER_BINDING), static_cast<GLint>(pane->m_frameTarget.Name()));
+        EXPECT_EQ(Get(GL_READ_FRAMEBUFFER_BINDING), static_cast<GLint>(pane->m_frameTarget.ReadName()));
     }
     /// The first value of an OpenGL state.
     static GLint Get(GLenum name) {

@@ -265,7 +265,7 @@ TEST_P(Shadows, HaveFramebuffersOfTheRightSizeAndFormat) {
 
     glBindFramebuffer(GL_FRAMEBUFFER, pane->m_nShadowFbo);
     EXPECT_EQ(Get(GL_DRAW_BUFFER0), GL_NONE);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    pane->m_frameTarget.Bind();
     for (const GLuint renderbuffer : {pane->m_nOffscreenColorRb, pane->m_nOffscreenDepthRb}) {
         glBindRenderbuffer(GL_RENDERBUFFER, renderbuffer);
         GLint width = 0, height = 0;

@@ -1,0 +1,44 @@
+// The framebuffer that a picture is drawn into and read back from. Not the window's: the back buffer of a covered or
+// unmapped window is undefined, and a driver may drop the depth at the swap.
+#pragma once
+#include <cstdint>
+
+/// Colour and depth of one size, with a second pair of buffers that holds the resolved samples when there are several
+/// per pixel. All calls with the same context current; it leaves this framebuffer bound, see Bind().
+///
+/// When the driver cannot make it, the window's own framebuffer is used instead and the log has one line.
+class FrameTarget {
+public:
+    /// Makes the buffers and clears them. Without effect when they have this size already.
+    /// @param width, height  pixels; at least one is made of each
+    /// @param samples        per pixel; 0 for none
+    void SetSize(std::int32_t width, std::int32_t height, std::int32_t samples);
+
+    /// What is drawn goes here; what is read is the picture of the last Resolve().
+    void Bind() const;
+    /// Ends a picture: its colour and depth can be read, the depth from one of the samples.
+    void Resolve() const;
+    /// Copies the colours of the resolved picture to the back buffer of the window.
+    void CopyToWindow() const;
+
+    /// The buffers were deleted with their context.
+    void Forget() { *this = {}; }
+
+    /// The name of the framebuffer that is drawn into; 0 is the window's.
+    [[nodiscard]] std::uint32_t Name() const { return m_drawn.framebuffer; }
+    /// The name of the framebuffer that is read.
+    [[nodiscard]] std::uint32_t ReadName() const {
+        return m_resolved.framebuffer != 0 ? m_resolved.framebuffer : Name();
+    }
+
+private:
+    struct Buffers {
+        std::uint32_t framebuffer = 0, color = 0, depth = 0;
+    };
+    [[nodiscard]] bool Make(Buffers& buffers, std::int32_t samples) const;
+    static void Delete(Buffers& buffers);
+
+    Buffers m_drawn, m_resolved;  ///< m_resolved only with several samples
+    std::int32_t m_nWidth = 0, m_nHeight = 0, m_nSamples = 0;
+    bool m_bLogged = false;  ///< that the driver cannot make it
+};
