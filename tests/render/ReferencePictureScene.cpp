@@ -78,10 +78,6 @@ void Thicken(double* low, double* high) {
 /// Prints after all tests how close the pictures were.
 class Summary : public testing::Environment {
 public:
-    static Summary& Of() {
-        static Summary& summary = *static_cast<Summary*>(testing::AddGlobalTestEnvironment(new Summary));
-        return summary;
-    }
     void Add(const reference::Comparison& c) {
         ++m_pictures;
         m_pixels += c.compared;
@@ -90,6 +86,7 @@ public:
         m_largestExact = std::max(m_largestExact, c.largestExact);
     }
     void TearDown() override {
+        if (m_pictures == 0) return;
         std::printf(
             "%d pictures, %lld pixels compared, %lld masked; largest difference %d steps, %.3f before rounding\n",
             m_pictures, m_pixels, m_masked, m_largest, m_largestExact);
@@ -100,6 +97,7 @@ private:
     long long m_pixels = 0, m_masked = 0;
     double m_largestExact = 0.0;
 };
+Summary& g_summary = *static_cast<Summary*>(testing::AddGlobalTestEnvironment(new Summary));
 
 }  // namespace
 
@@ -204,9 +202,9 @@ std::vector<Case> AllCases() {
     return cases;
 }
 
-std::vector<Case> FrontCases() {
+std::vector<Case> CasesOf(const PictureView& view) {
     std::vector<Case> cases;
-    for (const PictureSize& size : Sizes()) cases.push_back({size, FromTheFront()});
+    for (const PictureSize& size : Sizes()) cases.push_back({size, view});
     return cases;
 }
 
@@ -304,7 +302,7 @@ void ExpectSamePicture(const reference::Picture& expected, const std::vector<std
     EXPECT_EQ(c.wrong, 0) << name << ": " << c.firstWrong;
     EXPECT_LE(c.masked / pixels, demand.largestMask) << name;
     EXPECT_GE(objects / pixels, demand.smallestObjects) << name;
-    Summary::Of().Add(c);
+    g_summary.Add(c);
     if (c.wrong == 0) return;
     WriteBeside("/tmp/" + name + ".ppm", expected, drawn);
     std::printf("Drawn, expected and difference are in /tmp/%s.ppm\n", name.c_str());

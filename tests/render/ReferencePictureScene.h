@@ -76,7 +76,7 @@ struct Case {
 void PrintTo(const Case& picture, std::ostream* out);
 /// All sizes in all three views, and all sizes in one view.
 [[nodiscard]] std::vector<Case> AllCases();
-[[nodiscard]] std::vector<Case> FrontCases();
+[[nodiscard]] std::vector<Case> CasesOf(const PictureView& view);
 
 /// An off-screen viewer with a scene, and the same scene for the reference.
 class TwoRenderers {
@@ -92,10 +92,12 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> Draw(KV_ScenePane::DrawMode mode);
     [[nodiscard]] KV_ScenePane::_DKV_ScenePane& Methods() { return m_pane->Methods(); }
 
+    /// Fits the view to the objects of both scenes before it is set.
+    void SetView(const PictureView& view);
+
     reference::Scene scene;
 
 private:
-    void SetView(const PictureView& view);
     void FitReference();
 
     std::unique_ptr<KV_ScenePane::ScenePane> m_pane;

@@ -76,7 +76,7 @@ TEST_P(ReferenceBackground, BlendsBilinearlyBetweenFourCorners) {
     ExpectBackground(both, {0x102030, 0xF0E0D0, 0x80FF00, 0x0080FF}, NameOf(GetParam()) + "_four_corners");
 }
 
-INSTANTIATE_TEST_SUITE_P(Empty, ReferenceBackground, testing::ValuesIn(FrontCases()),
+INSTANTIATE_TEST_SUITE_P(Empty, ReferenceBackground, testing::ValuesIn(CasesOf(FromTheFront())),
                          [](const auto& row) { return NameOf(row.param); });
 
 TEST(ReferencePictures, AreBackgroundOnlyInModeNothing) {

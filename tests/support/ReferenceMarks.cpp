@@ -82,7 +82,11 @@ int Cell(double place) { return static_cast<int>(std::floor(place)); }
 
 void Raster::AddPoint(std::size_t i) {
     const Mark& mark = m_marks[i];
-    const double reach = 0.5 * mark.side + kSlack;
+    const double half = 0.5 * mark.side;
+    const bool cut = mark.from.x < half || mark.from.y < half || mark.from.x > m_background.width - half ||
+                     mark.from.y > m_background.height - half;
+    // Softpipe moves a point that the border of the window cuts to the inside, as a whole.
+    const double reach = half + kSlack + (cut ? half : 0.0);
     for (int row = Cell(mark.from.y - reach); row <= Cell(mark.from.y + reach); ++row)
         for (int column = Cell(mark.from.x - reach); column <= Cell(mark.from.x + reach); ++column)
             if (std::abs(column + 0.5 - mark.from.x) <= reach && std::abs(row + 0.5 - mark.from.y) <= reach)

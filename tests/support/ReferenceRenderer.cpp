@@ -19,6 +19,19 @@ constexpr double kDepthRounding = 2e-6;
 
 }  // namespace
 
+Vec Texture::At(double u, double v) const {
+    const double x = u * width - 0.5, y = v * height - 0.5;
+    const double left = std::floor(x), low = std::floor(y), right = x - left, up = y - low;
+    const auto texel = [this](double column, double row) {
+        const auto wrapped = [](double i, int size) {
+            return static_cast<std::size_t>((static_cast<int>(i) % size + size) % size);
+        };
+        return texels[wrapped(row, height) * static_cast<std::size_t>(width) + wrapped(column, width)];
+    };
+    return (1.0 - up) * ((1.0 - right) * texel(left, low) + right * texel(left + 1.0, low)) +
+           up * ((1.0 - right) * texel(left, low + 1.0) + right * texel(left + 1.0, low + 1.0));
+}
+
 Renderer::Renderer(const Scene& scene) : m_scene(scene) {
     for (const Object& object : scene.objects) m_stages.push_back(RunVertexStage(object));
 }
@@ -59,6 +72,30 @@ Vec Renderer::BackgroundAt(double x, double y) const {
                     (1.0 - up) * ((1.0 - right) * b.bottomLeft + right * b.bottomRight));
 }
 
+std::optional<Vec> Renderer::TexelAt(const WindowTriangle& triangle, const Vec& shares) const {
+    const Object& object = m_scene.objects[static_cast<std::size_t>(triangle.object)];
+    if (object.texture.texels.empty()) return {};
+    const auto first = 3 * static_cast<std::size_t>(triangle.index);
+    const Vec at = shares.x * object.texCoords[first] + shares.y * object.texCoords[first + 1] +
+                   shares.z * object.texCoords[first + 2];
+    return object.texture.At(at.x, at.y);
+}
+
+bool Renderer::IsMinified(const WindowTriangle& triangle, double x, double y) const {
+    const Object& object = m_scene.objects[static_cast<std::size_t>(triangle.object)];
+    if (object.texture.texels.empty()) return false;
+    const auto first = 3 * static_cast<std::size_t>(triangle.index);
+    const Vec here = SharesAt(triangle, x, y);
+    const Vec size{1.0 * object.texture.width, 1.0 * object.texture.height, 0.0};
+    const auto step = [&](double dx, double dy) {
+        const Vec change = SharesAt(triangle, x + dx, y + dy) - here;
+        return size * (change.x * object.texCoords[first] + change.y * object.texCoords[first + 1] +
+                       change.z * object.texCoords[first + 2]);
+    };
+    const Vec right = step(1.0, 0.0), up = step(0.0, 1.0);
+    return std::max(Dot(right, right), Dot(up, up)) > 0.25;
+}
+
 Vec Renderer::ShadeFixedFunction(const WindowTriangle& triangle, const Vec& shares, bool flat) const {
     const VertexStage& stage = m_stages[static_cast<std::size_t>(triangle.object)];
     const std::vector<Vec>& colors = triangle.front ? stage.front : stage.back;
@@ -75,17 +112,24 @@ Renderer::Sample Renderer::Shade(const Hit& hit, double x, double y, Shading sha
     if (hit.triangle < 0) return {BackgroundAt(x, y)};
     const WindowTriangle& triangle = m_triangles[static_cast<std::size_t>(hit.triangle)];
     const Vec shares = SharesAt(triangle, x, y);
-    if (shading == Shading::Flat || shading == Shading::Gouraud)
-        return {255.0 * ShadeFixedFunction(triangle, shares, shading == Shading::Flat)};
+    const auto texel = TexelAt(triangle, shares);
+    const bool minified = IsMinified(triangle, x, y);
+    if (shading == Shading::Flat || shading == Shading::Gouraud) {
+        const Vec lit = ShadeFixedFunction(triangle, shares, shading == Shading::Flat);
+        return {255.0 * (texel ? *texel * lit : lit), minified};
+    }
 
     const auto object = static_cast<std::size_t>(triangle.object);
     const auto& corners = m_scene.objects[object].triangles[static_cast<std::size_t>(triangle.index)];
     const auto varying = [&](std::size_t i) -> const Varyings& {
         return m_stages[object].varyings[static_cast<std::size_t>(corners[i])];
     };
-    const Varyings at = Mixed(varying(0), varying(1), varying(2), shares);
+    Varyings at = Mixed(varying(0), varying(1), varying(2), shares);
     const Vec& tint = m_scene.objects[object].tint;
-    if (shading == Shading::PerPixel) return {255.0 * PerPixel(m_scene.lighting, at, tint, triangle.front)};
+    if (shading == Shading::PerPixel) {
+        at.color = texel.value_or(at.color);  // the program of shadows has no texture
+        return {255.0 * PerPixel(m_scene.lighting, at, tint, triangle.front), minified && triangle.front};
+    }
 
     const auto answer = Map().Ask(at.shadow, m_scene.lighting.shadowBias);
     const bool dark = answer == ShadowMap::Answer::InShadow;

@@ -40,6 +40,9 @@ private:
     [[nodiscard]] VertexStage RunVertexStage(const Object& object) const;
     [[nodiscard]] Vec BackgroundAt(double x, double y) const;
     [[nodiscard]] Sample Shade(const Hit& hit, double x, double y, Shading shading);
+    [[nodiscard]] std::optional<Vec> TexelAt(const WindowTriangle& triangle, const Vec& shares) const;
+    /// Whether more than half a texel falls on a pixel: the choice of the mipmap level is the driver's.
+    [[nodiscard]] bool IsMinified(const WindowTriangle& triangle, double x, double y) const;
     [[nodiscard]] Vec ShadeFixedFunction(const WindowTriangle& triangle, const Vec& shares, bool flat) const;
     [[nodiscard]] Picture NewPicture() const;
 

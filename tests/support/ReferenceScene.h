@@ -24,6 +24,14 @@ inline Vec Unit(const Vec& a) { return (1.0 / std::sqrt(Dot(a, a))) * a; }
 /// The largest absolute component.
 inline double Largest(const Vec& a) { return std::fmax(std::fabs(a.x), std::fmax(std::fabs(a.y), std::fabs(a.z))); }
 
+/// An image that is repeated, with linear filtering between texels.
+struct Texture {
+    int width = 0, height = 0;
+    std::vector<Vec> texels;  ///< row by row from v = 0
+
+    [[nodiscard]] Vec At(double u, double v) const;
+};
+
 /// A mesh in the world frame. Colours are 0 to 1.
 struct Object {
     std::vector<Vec> positions, normals;
@@ -32,6 +40,8 @@ struct Object {
     Vec tint{1.0, 1.0, 1.0};  ///< diffuse colour of the light
     bool visible = true;
     Vec boxMin, boxMax;
+    Texture texture;             ///< without texels: none
+    std::vector<Vec> texCoords;  ///< u and v of the three corners of each triangle
 };
 
 /// The state of the orthographic camera.
