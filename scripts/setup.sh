@@ -12,8 +12,8 @@ KV_BUILD_PACKAGES=(
     libgl1-mesa-dri libglx-mesa0 libegl-mesa0
     fonts-liberation
 )
-# Needed to run the tests without a display.
-KV_TEST_PACKAGES=(xvfb xdotool locales binutils)
+# Needed to run the tests without a display, and the pictures on several drivers (scripts/with_driver.sh).
+KV_TEST_PACKAGES=(xvfb xdotool locales binutils mesa-vulkan-drivers virgl-server)
 # Needed for the fuzz harnesses, the format and lint checks and the include graph.
 KV_DEVELOPMENT_PACKAGES=(clang libclang-rt-dev clang-format clang-tidy git python3)
 # Needed for scripts/coverage.sh.
