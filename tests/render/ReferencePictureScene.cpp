@@ -208,9 +208,9 @@ std::vector<Case> CasesOf(const PictureView& view) {
     return cases;
 }
 
-TwoRenderers::TwoRenderers(const std::vector<HostObject>& objects, const PictureSize& size, const PictureView& view) {
+TwoRenderers::TwoRenderers(const std::vector<HostObject>& objects, const PictureSize& size, const PictureView& view,
+                           KV_ScenePane::WindowRequest request) {
     TestFolder();
-    KV_ScenePane::WindowRequest request;
     request.width = size.width;
     request.height = size.height;
     std::string reason;

@@ -81,7 +81,9 @@ void PrintTo(const Case& picture, std::ostream* out);
 /// An off-screen viewer with a scene, and the same scene for the reference.
 class TwoRenderers {
 public:
-    TwoRenderers(const std::vector<HostObject>& objects, const PictureSize& size, const PictureView& view);
+    /// @param request  of the window; its size is replaced
+    TwoRenderers(const std::vector<HostObject>& objects, const PictureSize& size, const PictureView& view,
+                 KV_ScenePane::WindowRequest request = {});
 
     void SetShadows(const Vec& color);
     void SetReflection(float brightness, float shining);

@@ -164,6 +164,19 @@ Picture Renderer::Draw(Shading shading) {
     return picture;
 }
 
+void Renderer::MaskEdges(Picture* picture) {
+    CastRays();
+    for (const double dx : {0.0, 0.5, 1.0})
+        for (const double dy : {0.0, 0.5, 1.0}) {
+            const std::vector<Hit> hits = CastAll(m_triangles, picture->width, picture->height, dx, dy);
+            for (std::size_t cell = 0; cell < hits.size(); ++cell) {
+                const auto width = static_cast<std::size_t>(picture->width);
+                const std::size_t row = static_cast<std::size_t>(picture->height) - 1 - cell / width;
+                if (hits[cell].triangle != m_hits[0][cell].triangle) picture->masked[row * width + cell % width] = 1;
+            }
+        }
+}
+
 Picture Renderer::DrawBackground() const {
     Picture picture = NewPicture();
     for (int row = 0; row < picture.height; ++row)

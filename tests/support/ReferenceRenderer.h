@@ -23,6 +23,9 @@ public:
     /// The shadow map as grey levels over the whole window.
     [[nodiscard]] Picture DrawShadowMap();
 
+    /// Masks the pixels in which more than one triangle is seen: their samples mix in a multisampled window.
+    void MaskEdges(Picture* picture);
+
     [[nodiscard]] const ShadowMap& Map();
 
 private:

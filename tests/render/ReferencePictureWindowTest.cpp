@@ -1,0 +1,86 @@
+// The same pictures in an X11 window, in a multisampled one, and after changes of the size and of the scene.
+#include "render/ReferencePictureScene.h"
+#include "support/XvfbServer.h"
+
+namespace {
+
+using namespace reference_picture;
+using reference::Picture;
+using reference::Renderer;
+using reference::Shading;
+
+void ExpectAllShadings(TwoRenderers& both, const std::string& name) {
+    Renderer renderer(both.scene);
+    ExpectSamePicture(renderer.Draw(Shading::Flat), both.Draw(KV_ScenePane::DrawModeFlat), {}, name + "_flat");
+    ExpectSamePicture(renderer.Draw(Shading::Gouraud), both.Draw(KV_ScenePane::DrawModeGouraud), {}, name + "_gouraud");
+    ExpectSamePicture(renderer.Draw(Shading::PerPixel), both.Draw(KV_ScenePane::DrawModePerPixel), {},
+                      name + "_perpixel");
+    both.SetShadows({0.1, 0.05, 0.3});
+    ExpectSamePicture(renderer.Draw(Shading::Shadowed), both.Draw(KV_ScenePane::DrawModeGouraud), {}, name + "_shadow");
+    both.Methods().SetShadowMode(0);
+}
+
+TEST(ReferenceWindows, ShowTheSameInX11) {
+    XvfbServer::Shared();
+    KV_ScenePane::WindowRequest request;
+    request.kind = KV_ScenePane::WindowRequest::Kind::TopLevel;
+    for (const PictureSize& size : {PictureSize{333, 777}, PictureSize{640, 480}}) {
+        TwoRenderers both(Gallery(), size, Turned(), request);
+        ExpectAllShadings(both, "X11_" + std::to_string(size.width));
+    }
+}
+
+TEST(ReferenceWindows, ShowTheSameAfterAResize) {
+    TwoRenderers both(Gallery(), {640, 480}, Turned());
+    (void)both.Draw(KV_ScenePane::DrawModeGouraud);
+    for (const PictureSize& size : {PictureSize{333, 777}, PictureSize{800, 301}, PictureSize{640, 480}}) {
+        both.Methods().SetSize(static_cast<std::int16_t>(size.width), static_cast<std::int16_t>(size.height));
+        both.scene.camera.width = size.width;
+        both.scene.camera.height = size.height;
+        ExpectAllShadings(both, "Resized_" + std::to_string(size.width));
+    }
+}
+
+TEST(ReferenceWindows, ShowWhatChangesInTheScene) {
+    std::vector<HostObject> objects = Gallery();
+    TwoRenderers both(objects, {400, 300}, Turned());
+    (void)both.Draw(KV_ScenePane::DrawModeGouraud);
+    // A hidden object, another colour, a mix of colours that ends, one object less.
+    both.Methods().SetObjectVisibility(4, 0);
+    objects[4].visible = false;
+    both.Methods().SetObjectColor(1, 0x20C0F0);
+    objects[1].color = 0x20C0F0;
+    both.Methods().SetObjectColor(0, 0x20C0F0);
+    both.Methods().SetBlendObjectColors(0, 1);
+    objects[0].color = 0x20C0F0;
+    objects[0].blend = true;
+    both.Methods().SetBlendObjectColors(3, 0);
+    objects[3].blend = false;
+    both.Methods().DeleteObject(7);
+    objects.erase(objects.begin() + 7);
+    both.scene.objects.clear();
+    for (const HostObject& object : objects) both.scene.objects.push_back(ToReference(object));
+    ExpectAllShadings(both, "Changed");
+}
+
+TEST(ReferenceWindows, ShowTheSameAwayFromEdgesWithSamples) {
+    KV_ScenePane::WindowRequest request;
+    request.samples = 4;
+    const std::vector<HostObject> objects = {Ball({{-2.0, 0.0, 0.5}, 2.5, Paint::Colored}, 10, 6),
+                                             Bowl({{2.5, 0.5, 0.0}, 2.5, Paint::Colored}, 10, 5),
+                                             Plate({{0.0, 0.0, -3.0}, 6.0, Paint::Grey, 0x60E0F0}, 3)};
+    TwoRenderers both(objects, {640, 480}, Turned(), request);
+    Renderer renderer(both.scene);
+    const auto expect = [&](Shading shading, KV_ScenePane::DrawMode mode, const std::string& name) {
+        Picture expected = renderer.Draw(shading);
+        renderer.MaskEdges(&expected);
+        ExpectSamePicture(expected, both.Draw(mode), {}, "Samples_" + name);
+    };
+    expect(Shading::Flat, KV_ScenePane::DrawModeFlat, "flat");
+    expect(Shading::Gouraud, KV_ScenePane::DrawModeGouraud, "gouraud");
+    expect(Shading::PerPixel, KV_ScenePane::DrawModePerPixel, "perpixel");
+    both.SetShadows({0.1, 0.05, 0.3});
+    expect(Shading::Shadowed, KV_ScenePane::DrawModeGouraud, "shadow");
+}
+
+}  // namespace
