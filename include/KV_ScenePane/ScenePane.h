@@ -34,10 +34,19 @@ struct WindowRequest {
     std::wstring title = L"KV_ScenePane";
     /// Requested OpenGL version, compatibility profile. 3.3 is the lowest that the viewer draws with.
     int glMajor = 3, glMinor = 3;
-    /// Requested samples per pixel, exactly; 0 for none.
+    /// Samples per pixel that smooth the edges; 0 for none. A driver that does not offer exactly this number draws with
+    /// none, without a message. RecreateOpenglContext() has no such way out.
     int samples = 0;
+    static constexpr int kAnyGpu = -1;    ///< graphics devices first, then the default display, software last
+    static constexpr int kSoftware = -2;  ///< the processor draws, whatever graphics devices there are
+    /// What draws an OffScreen viewer: kAnyGpu, kSoftware, or the number of a graphics device from 0 in the order in
+    /// which EGL lists them. kAnyGpu passes over a device that does not draw, or not with the requested version. The
+    /// other kinds leave the choice to the X server.
+    int gpu = kAnyGpu;
+    /// Factor of text, lines and points, see ScenePane::SetScale(): 2 on a screen with twice the pixels per inch.
+    double scale = 1;
     /// Shows a message that the user must see, such as a refused OpenGL version, and returns when it was read. Called
-    /// on the viewer's thread. Empty: such messages go to the debugger output.
+    /// on the viewer's thread; it may run an event loop. Empty: such messages go to the debugger output.
     std::function<void(const std::string& text)> showMessage;
 };
 
@@ -47,6 +56,14 @@ struct ObjectInfo {
     std::wstring name;
     /// Whether its vertices have colours.
     bool hasVertexColors = false;
+};
+
+/// What draws a viewer, for a report to the user or to support.
+struct GraphicsInfo {
+    /// How the driver was reached, such as "graphics device 0, /dev/dri/card0", "software device" or "X display :0".
+    std::string device;
+    /// GL_RENDERER, GL_VENDOR and GL_VERSION of the driver.
+    std::string renderer, vendor, version;
 };
 
 /// A frame as the window shows it.
@@ -59,6 +76,14 @@ struct Picture {
 
 /// One viewer. All calls are made on the thread that created it; the destructor closes the window. Several viewers may
 /// exist in one process and on one thread. A viewer leaves its OpenGL context current.
+///
+/// A viewer may be destroyed inside any handler of its host: an event, showMessage, or the sink of the debugger output.
+/// Inside a call of that same viewer it goes on living until the outermost of these calls has returned, and its window
+/// is closed then; it fires, shows and draws nothing more in the meantime. The host must not use the viewer, nor the
+/// reference from Methods(), after the destruction.
+///
+/// What a handler or hook throws reaches the caller of the method, ProcessEvents(), SendMouse() or SendKey() in which it
+/// ran. The viewer goes on working; events and repaints that were waiting are handled by the next ProcessEvents().
 class ScenePane {
 public:
     virtual ~ScenePane() = default;
@@ -93,6 +118,14 @@ public:
 
     /// @return false for an index outside the list: @p info is then untouched
     virtual bool GetObjectInfo(std::int16_t idx, ObjectInfo* info) = 0;
+
+    /// @return false for a NoPicture viewer and without a window: @p info is then untouched
+    virtual bool GetGraphicsInfo(GraphicsInfo* info) = 0;
+
+    /// Sets the factor by which the fonts, the width of all lines and the size of the points of objects grow, and
+    /// queues a repaint. Sizes in scene units, positions in pixels and overlay images stay.
+    /// @param scale  limited to 0.25 to 8; counts as 1 when it is not finite or not above 0
+    virtual void SetScale(double scale) = 0;
 
     /// Draws a frame and copies it, in the size of the drawing area with all decorations.
     /// @param picture  receives the frame; empty pixels on failure

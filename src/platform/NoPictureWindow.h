@@ -21,7 +21,7 @@ public:
     void Refresh() override {}
     void Invalidate(bool) override {}
 
-    BootstrapReport BeginBootstrap() override { return {}; }
+    BootstrapReport BeginBootstrap(const ContextAttributes&) override { return {}; }
     bool ChoosePixelFormat(const PixelFormatAttributes&, std::int32_t*) override { return false; }
     void EndBootstrap() override {}
     bool SetPixelFormat(std::int32_t) override { return false; }

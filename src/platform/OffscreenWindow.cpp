@@ -20,59 +20,10 @@ bool IsPossibleSize(std::int32_t width, std::int32_t height) {
     return width <= kLongestSide && height <= kLongestSide && std::int64_t{width} * height <= kLargestArea;
 }
 
-/// Binds desktop OpenGL as this thread's EGL API while it lives, and the former one after that: the host may make
-/// OpenGL ES contexts.
-class ScopedDesktopOpenGl {
-public:
-    ScopedDesktopOpenGl() : m_former(eglQueryAPI()) { eglBindAPI(EGL_OPENGL_API); }
-    ~ScopedDesktopOpenGl() { eglBindAPI(m_former); }
-    ScopedDesktopOpenGl(const ScopedDesktopOpenGl&) = delete;
-    ScopedDesktopOpenGl& operator=(const ScopedDesktopOpenGl&) = delete;
-
-private:
-    EGLenum m_former;
-};
-
 EGLint Value(EGLDisplay display, EGLConfig config, EGLint attribute) {
     EGLint value = 0;
     eglGetConfigAttrib(display, config, attribute, &value);
     return value;
-}
-
-/// The smallest configuration that has the attributes, with exactly the samples; null when there is none.
-EGLConfig FindConfig(EGLDisplay display, const PixelFormatAttributes& attributes) {
-    const EGLint colorSize = std::min(attributes.colorBits / 4, 8);  // per channel
-    const EGLint wanted[] = {EGL_SURFACE_TYPE,
-                             EGL_PBUFFER_BIT,
-                             EGL_RENDERABLE_TYPE,
-                             EGL_OPENGL_BIT,
-                             EGL_RED_SIZE,
-                             colorSize,
-                             EGL_GREEN_SIZE,
-                             colorSize,
-                             EGL_BLUE_SIZE,
-                             colorSize,
-                             EGL_ALPHA_SIZE,
-                             attributes.alphaBits,
-                             EGL_DEPTH_SIZE,
-                             attributes.depthBits,
-                             EGL_STENCIL_SIZE,
-                             attributes.stencilBits,
-                             EGL_SAMPLE_BUFFERS,
-                             attributes.sampleBuffers,
-                             EGL_SAMPLES,
-                             attributes.samples,
-                             EGL_NONE};
-    // EGL sorts the smallest first; EGL_SAMPLES is only a minimum for it.
-    EGLint count = 0;
-    if (eglChooseConfig(display, wanted, nullptr, 0, &count) != EGL_TRUE || count <= 0) return nullptr;
-    std::vector<EGLConfig> configs(static_cast<std::size_t>(count));
-    if (eglChooseConfig(display, wanted, configs.data(), count, &count) != EGL_TRUE) return nullptr;
-    configs.resize(static_cast<std::size_t>(count));
-    const auto exact = std::find_if(configs.begin(), configs.end(), [&](EGLConfig config) {
-        return Value(display, config, EGL_SAMPLES) == attributes.samples;
-    });
-    return exact == configs.end() ? nullptr : *exact;
 }
 
 /// At least one pixel, whatever size is requested.
@@ -107,20 +58,29 @@ bool OffscreenWindow::Open(std::string* reason) {
                   " pixels is too large";
         return false;
     }
-    m_display = SharedEglDisplay(reason);
+    m_display = SharedEglDisplay(m_nGpu, m_wanted, reason);
     return m_display.handle != nullptr;
+}
+
+// Without the display the surface and the context are gone already, and their handles may be those of others.
+bool OffscreenWindow::Exists() const {
+    EGLint width = 0;
+    return m_pSurface != nullptr && IsEglDisplayAlive(m_display) &&
+           eglQuerySurface(m_display.handle, m_pSurface, EGL_WIDTH, &width) == EGL_TRUE;
 }
 
 void OffscreenWindow::Close() {
     EndBootstrap();
-    DestroySurfaceAndContext(m_display.handle, m_pSurface, m_pContext);
+    DeleteContext();
+    if (Exists()) eglDestroySurface(m_display.handle, m_pSurface);
+    m_pSurface = nullptr;
     m_pConfig = nullptr;
     m_bCapture = false;
 }
 
 void OffscreenWindow::Resize(std::int32_t width, std::int32_t height) {
     if (!IsPossibleSize(width, height)) return;
-    if (m_pSurface != nullptr && (width != m_size.width || height != m_size.height)) {
+    if (Exists() && (width != m_size.width || height != m_size.height)) {
         // The new one first: without memory for it the window keeps surface and size.
         const EGLSurface surface = MakeSurface(m_display.handle, m_pConfig, width, height);
         if (surface == EGL_NO_SURFACE) return;
@@ -134,13 +94,16 @@ void OffscreenWindow::Resize(std::int32_t width, std::int32_t height) {
     m_size = {width, height};
 }
 
-BootstrapReport OffscreenWindow::BeginBootstrap() {
+BootstrapReport OffscreenWindow::BeginBootstrap(const ContextAttributes& wanted) {
     BootstrapReport report;
-    PixelFormatAttributes wanted;
-    wanted.stencilBits = 8;
+    // A recreation may request a version that only another device has.
+    m_wanted = wanted;
+    m_display = SharedEglDisplay(m_nGpu, m_wanted, nullptr);
+    PixelFormatAttributes attributes;
+    attributes.stencilBits = 8;
     const EGLDisplay display = m_display.handle;
     const ScopedDesktopOpenGl desktop;
-    const EGLConfig config = FindConfig(display, wanted);
+    const EGLConfig config = FindEglConfig(display, attributes);
     if (config == nullptr) return report;
     report.formatNumber = Value(display, config, EGL_CONFIG_ID);
     m_pBootstrapSurface = MakeSurface(display, config, 100, 100);
@@ -163,7 +126,7 @@ void OffscreenWindow::EndBootstrap() {
 }
 
 bool OffscreenWindow::ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) {
-    const EGLConfig config = FindConfig(m_display.handle, attributes);
+    const EGLConfig config = FindEglConfig(m_display.handle, attributes);
     if (config == nullptr) return false;
     *format = Value(m_display.handle, config, EGL_CONFIG_ID);
     return true;
@@ -195,9 +158,10 @@ bool OffscreenWindow::CreateContext(const ContextAttributes& attributes) {
     return m_pContext != nullptr;
 }
 
-// Both checked: Resize() replaces the surface below a context that is current.
+// Both checked: Resize() replaces the surface below a context that is current. A context of a terminated display
+// remains current, and would still draw until another one is made current.
 bool OffscreenWindow::MakeCurrent() {
-    if (m_pContext == nullptr || m_pSurface == nullptr) {
+    if (m_pContext == nullptr || !Exists()) {
         ReleaseCurrentGlx();
         ReleaseCurrentEgl();
         return false;
@@ -207,8 +171,13 @@ bool OffscreenWindow::MakeCurrent() {
 }
 
 void OffscreenWindow::DeleteContext() {
-    void* noSurface = nullptr;
-    DestroySurfaceAndContext(m_display.handle, noSurface, m_pContext);
+    if (IsEglDisplayAlive(m_display)) {
+        void* noSurface = nullptr;
+        DestroySurfaceAndContext(m_display.handle, noSurface, m_pContext);
+    } else if (m_pContext != nullptr && eglGetCurrentContext() == m_pContext) {
+        ReleaseCurrentEgl();
+    }
+    m_pContext = nullptr;
 }
 
 void OffscreenWindow::SwapBuffers() {

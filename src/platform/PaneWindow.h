@@ -53,6 +53,9 @@ struct PixelFormatAttributes {
     std::int32_t samples = 0;        ///< per pixel
 };
 
+/// Whether showing a frame may wait for the vertical retrace: as the user's driver is set, or not at all.
+enum class SwapWait { AsTheDriver, Never };
+
 /// What is requested of the context, always in the compatibility profile. It shares objects with no other context.
 struct ContextAttributes {
     std::int32_t major = 3;
@@ -113,7 +116,9 @@ public:
 
     // ---- OpenGL, in the order in which a client calls it
     /// Makes a temporary context current, so that entry points can be loaded and formats queried.
-    virtual BootstrapReport BeginBootstrap() = 0;
+    /// @param wanted  the version that the client will request: a window that can choose among several drivers takes
+    ///                one that has it
+    virtual BootstrapReport BeginBootstrap(const ContextAttributes& wanted) = 0;
     /// @param format  receives the number of the format found
     /// @return false when no format has the attributes
     virtual bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) = 0;
@@ -129,7 +134,12 @@ public:
     virtual void DeleteContext() = 0;
     /// The rendering context as an opaque handle; null without one.
     [[nodiscard]] virtual void* ContextHandle() const = 0;
+    /// Shows what was copied or drawn into the framebuffer of the window. The first frame of a ProcessEvents() call
+    /// keeps to the driver's setting for the vertical retrace, which paces drags. No other frame waits: the time of
+    /// calls of the host that repaint would add up to one retrace each.
     virtual void SwapBuffers() = 0;
+    /// What draws, for a report to the user; empty without a window.
+    [[nodiscard]] virtual std::string DeviceName() const { return {}; }
 
     // ---- pointer
     /// Notes that a drag is in progress. Needs nothing of the window system: see OnMouse().

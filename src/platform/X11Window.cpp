@@ -141,7 +141,7 @@ unsigned X11Window::WindowSide(std::int32_t side) { return static_cast<unsigned>
 
 // ---- OpenGL
 
-BootstrapReport X11Window::BeginBootstrap() {
+BootstrapReport X11Window::BeginBootstrap(const ContextAttributes&) {
     if (m_pGlx == nullptr) return {};
     const RequestScope scope(*this);
     return m_pGlx->BeginBootstrap();
@@ -250,8 +250,10 @@ void X11Window::DeleteContext() {
 void X11Window::SwapBuffers() {
     if (!Exists() || m_pGlx->Handle() == nullptr) return;
     const RequestScope scope(*this);
-    m_pGlx->SwapBuffers();
+    m_pGlx->SwapBuffers(TakeSwapWait());
 }
+
+std::string X11Window::DeviceName() const { return Exists() ? "X display " + m_pConnection->Name() : ""; }
 
 // ---- pointer
 

@@ -29,7 +29,7 @@ public:
     /// Waits for the server: the X window has the size when this returns, unless a window manager decides otherwise.
     void Resize(std::int32_t width, std::int32_t height) override;
 
-    BootstrapReport BeginBootstrap() override;
+    BootstrapReport BeginBootstrap(const ContextAttributes& wanted) override;
     bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) override;
     void EndBootstrap() override;
     bool SetPixelFormat(std::int32_t format) override;
@@ -38,6 +38,7 @@ public:
     void DeleteContext() override;
     [[nodiscard]] void* ContextHandle() const override { return m_pGlx == nullptr ? nullptr : m_pGlx->Handle(); }
     void SwapBuffers() override;
+    [[nodiscard]] std::string DeviceName() const override;
 
     // The handlers' own note of a drag. X reports the pointer to the window in which a button went down until all are
     // up, and that is enough: a grab of ours could outlast the buttons, and no other program would get the pointer

@@ -2,12 +2,11 @@
 // destruction. The log lines are the same for every window system and requested version: support searches for them.
 #include <GL/glew.h>
 
-#include <span>
+#include <exception>
 #include <string>
 
 #include "control/ScenePaneCtrl.h"
 #include "log/Log.h"
-#include "platform/Fonts.h"
 
 namespace {
 
@@ -38,16 +37,6 @@ void SetInitialGlState() {
     glEnable(GL_MULTISAMPLE);
 }
 
-/// Display lists of the 96 characters from the space on; they draw nothing on a machine without fonts.
-/// @return name of the first list
-GLuint MakeBoldLists() {
-    constexpr std::size_t kFirst = ' ', kCount = 96;
-    const GLuint base = glGenLists(kCount);
-    const GlyphSet bold = RasterizeFont({.family = "Courier New", .weight = 700, .height = -16});
-    if (!bold.IsEmpty()) CompileGlyphs(base, std::span(bold.glyphs).subspan(kFirst, kCount));
-    return base;
-}
-
 /// What the user sees when no context can be created.
 std::string FailureMessage(bool formatValid, std::int32_t major, std::int32_t minor) {
     std::string text = "OpenGL context could not be created. ";
@@ -63,10 +52,21 @@ struct ChosenFormat {
     bool valid = false;
 };
 
-/// Asks for a format with @p samples samples per pixel, 0 for none. The query needs a context, so that the window makes
-/// a temporary one; it is deleted afterwards.
-ChosenFormat FindPixelFormat(PaneWindow& window, std::int32_t samples) {
-    const BootstrapReport report = window.BeginBootstrap();
+ChosenFormat ChooseFormat(PaneWindow& window, std::int32_t samples) {
+    PixelFormatAttributes attributes;
+    attributes.sampleBuffers = samples > 0 ? 1 : 0;
+    attributes.samples = samples;
+    ChosenFormat chosen;
+    chosen.valid = window.ChoosePixelFormat(attributes, &chosen.index);
+    return chosen;
+}
+
+/// Asks for a format with the samples per pixel that the control wants, 0 for none; sets them to 0 when they are only a
+/// wish and the driver has no such format. The query needs a context, so that the window makes a temporary one; it is
+/// deleted afterwards.
+ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
+    PaneWindow& window = *control.m_pWindow;
+    const BootstrapReport report = window.BeginBootstrap({control.m_nGlMajorVersion, control.m_nGlMinorVersion});
     if (!report.contextMade) {
         Log(LogLevel::Error) << "Error setting temporary pixel format " << report.formatNumber << std::endl;
         window.EndBootstrap();
@@ -81,10 +81,11 @@ ChosenFormat FindPixelFormat(PaneWindow& window, std::int32_t samples) {
     ChosenFormat chosen;
     if (report.entryPointsLoaded && report.pixelFormatExtension && report.createContextExtension && report.version33) {
         Log(LogLevel::Debug) << "calling wglChoosePixelFormatARB" << std::endl;
-        PixelFormatAttributes attributes;
-        attributes.sampleBuffers = samples > 0 ? 1 : 0;
-        attributes.samples = samples;
-        chosen.valid = window.ChoosePixelFormat(attributes, &chosen.index);
+        chosen = ChooseFormat(window, control.m_nGlSamples);
+        if (!chosen.valid && control.m_bSamplesOptional && control.m_nGlSamples > 0) {
+            control.m_nGlSamples = 0;
+            chosen = ChooseFormat(window, 0);
+        }
         if (!chosen.valid) Log(LogLevel::Error) << "No valid pixel format!" << std::endl;
     }
     window.EndBootstrap();
@@ -109,8 +110,8 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     Log(LogLevel::Info) << "Opengl 3.3 context created." << std::endl;
     if (!control.MakeContextCurrent()) return false;
     control.InitFramebuffers();
-    control.m_textDraw.CreateFonts(RasterizeFont);
-    control.m_nFontListBase = MakeBoldLists();
+    control.m_nFontListBase = glGenLists(kBoldListCount);
+    control.ApplyScale();
     SetInitialGlState();
     control.UploadOverlays();
     return true;
@@ -119,36 +120,47 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
 }  // namespace
 
 int CKV_ScenePaneCtrl::OnCreate() {
+    if (m_bClosed) return -1;  // destroyed by the host while the former window was closed
     Log(LogLevel::Info) << "Create temporary ogl context" << std::endl;
-    const ChosenFormat format = FindPixelFormat(*m_pWindow, m_nGlSamples);
+    const ChosenFormat format = FindPixelFormat(*this);
     const bool created = format.valid && CreateRenderContext(*this, format.index);
     GLint alphaBits = 0;
     if (created) glGetIntegerv(GL_ALPHA_BITS, &alphaBits);
     Log(LogLevel::Info) << "Alphabits: " << alphaBits << std::endl;
     if (created) {
         m_nWidth = m_nHeight = -1;  // so that the first frame sets viewport and matrices of the new context
+        RestartDispatchTimer();
         RefreshControl();
         return 0;
     }
-    // One log line in three parts, then the message box.
-    Log(LogLevel::Error) << "Failed to create opengl context. " << std::flush;
-    if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! " << std::flush;
+    // One log line in three parts, flushed as a whole so that no other thread's comes between; then the message box.
+    Log(LogLevel::Error) << "Failed to create opengl context. ";
+    if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! ";
     Log(LogLevel::Error) << "Using wrong graphic card?" << std::endl;
+    m_hRC = nullptr;  // of an attempt that came that far
+    m_pDC = nullptr;
     m_pWindow->ShowModalMessage(FailureMessage(format.valid, m_nGlMajorVersion, m_nGlMinorVersion));
     return -1;
 }
 
 void CKV_ScenePaneCtrl::OnDestroy() {
-    if (m_pInteractionDlg != nullptr) m_pInteractionDlg->Finish();
+    std::exception_ptr failure;  // of the host's handler: the rest is done all the same
+    try {
+        if (m_pInteractionDlg != nullptr) m_pInteractionDlg->Finish();
+    } catch (...) {
+        failure = std::current_exception();
+    }
     ClearData();
     // Textures die with the context. A new context may use the same names for other textures before the overlays are
     // uploaded again.
     for (Overlay& overlay : m_vOverlays) overlay.m_uTexture = 0;
     m_frameTarget.Forget();
     m_idTarget.Forget();
+    m_viewMatrices.Forget();
     m_pWindow->DeleteContext();
     m_hRC = nullptr;
     m_pDC = nullptr;
+    if (failure != nullptr) std::rethrow_exception(failure);
 }
 
 // The window calls OnDestroy() and OnCreate(), which use the stored version and number of samples.
@@ -158,6 +170,7 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::RecreateOpenglContext(std::in
     m_nGlMajorVersion = majorVersion;
     m_nGlMinorVersion = minorVersion;
     m_nGlSamples = numberOfSamples;
+    m_bSamplesOptional = false;
     m_pWindow->Recreate();
     return KV_ScenePane::kVariantTrue;
 }

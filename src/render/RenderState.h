@@ -19,6 +19,8 @@ struct Picture;
 /// Width and height of the off-screen framebuffer and so of screenshots, pixels.
 inline constexpr std::int32_t kOffscreenSize = 2048;
 
+inline constexpr std::int32_t kBoldListCount = 96;  ///< of the lists from m_nFontListBase on, the first is the space
+
 /// Written by render/ and by the setting methods of control/. Colours are 0x00BBGGRR.
 ///
 /// Invariants: OpenGL names are 0, or belong to the context m_hRC; m_hRC and m_pDC are both null or both set.
@@ -32,10 +34,12 @@ struct RenderState {
     // Context.
     void* m_hRC = nullptr;                                      ///< rendering context
     PaneWindow* m_pDC = nullptr;                                ///< the window, once it has a pixel format; not owned
-    std::uint32_t m_nFontListBase = 0;                          ///< first of 96 display lists
+    std::uint32_t m_nFontListBase = 0;                          ///< first of kBoldListCount lists
     std::int32_t m_nGlMajorVersion = 3, m_nGlMinorVersion = 3;  ///< requested
     std::int32_t m_nGlSamples = 0;                              ///< requested samples per pixel
+    bool m_bSamplesOptional = false;  ///< a driver without such a format draws with none; never in a recreation
     COpenGLTextDraw m_textDraw;
+    float m_fScale = 1.0f;  ///< of fonts, line widths and point sizes; 2 for twice the pixels per inch
 
     // Programs, framebuffers and their attachments.
     FrameTarget m_frameTarget;  ///< of frames; bound unless another target is in use

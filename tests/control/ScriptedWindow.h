@@ -39,7 +39,7 @@ public:
     void RetryPaint() override {}
     [[nodiscard]] bool IsPaintPending() const override { return false; }
 
-    BootstrapReport BeginBootstrap() override {
+    BootstrapReport BeginBootstrap(const ContextAttributes&) override {
         calls.emplace_back("BeginBootstrap");
         return report;
     }

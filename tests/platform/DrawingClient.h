@@ -47,7 +47,7 @@ public:
 
     int OnCreate() override {
         ++created;
-        report = m_window.BeginBootstrap();
+        report = m_window.BeginBootstrap(context);
         std::int32_t format = 0;
         const bool found = report.contextMade && m_window.ChoosePixelFormat(pixelFormat, &format);
         m_window.EndBootstrap();

@@ -40,7 +40,7 @@ TEST_F(NoPicture, HasASizeButNoContextAndNoHandle) {
 TEST_F(NoPicture, RefusesEveryStepOfAContextAndANewParent) {
     DrawingClient client(*window);
     ASSERT_TRUE(window->Create(client, nullptr));
-    const BootstrapReport report = window->BeginBootstrap();
+    const BootstrapReport report = window->BeginBootstrap({});
     EXPECT_FALSE(report.contextMade);
     EXPECT_FALSE(report.pixelFormatExtension);
     std::int32_t format = -7;

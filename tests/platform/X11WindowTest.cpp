@@ -37,7 +37,7 @@ TEST_F(X11WindowTest, BootstrapWindowIsHiddenAndDestroyedAgain) {
         Client(PaneWindow& w, HostWindow& h) : window(w), host(h) {}
         int OnCreate() override {
             before = host.CountTitled("InitWIndow", nullptr);
-            (void)window.BeginBootstrap();
+            (void)window.BeginBootstrap({});
             during = host.CountTitled("InitWIndow", &place);
             window.EndBootstrap();
             // The server may process the requests of this connection after those of the host's.

@@ -24,7 +24,7 @@ public:
     void MakeCurrent() { EXPECT_TRUE(m_window->MakeCurrent()); }
 
     int OnCreate() override {
-        m_window->BeginBootstrap();
+        m_window->BeginBootstrap({});
         std::int32_t format = 0;
         const bool chosen = m_window->ChoosePixelFormat({}, &format);
         m_window->EndBootstrap();

@@ -56,7 +56,9 @@ public:
     void EndPaint() override { m_window->EndPaint(); }
     void RetryPaint() override { m_window->RetryPaint(); }
     [[nodiscard]] bool IsPaintPending() const override { return m_window->IsPaintPending(); }
-    BootstrapReport BeginBootstrap() override { return m_window->BeginBootstrap(); }
+    BootstrapReport BeginBootstrap(const ContextAttributes& wanted) override {
+        return m_window->BeginBootstrap(wanted);
+    }
     bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* format) override {
         return m_window->ChoosePixelFormat(attributes, format);
     }
