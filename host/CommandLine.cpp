@@ -2,6 +2,7 @@
 // are read by std::from_chars, whose result does not depend on the locale.
 #include "CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int kMaxSide = 16384;  // the largest drawing area that common drivers accept, pixels
 constexpr int kMaxSkip = 32767;  // the viewer's skip value has 16 bits
+constexpr int kMaxGpu = 31;
 
 /// The whole of @p text as a number; empty for any other text, also for a number with something after it.
 template <class Number>
@@ -92,6 +94,13 @@ bool ReadColor(std::string_view text, HostOptions& options) {
     return true;
 }
 
+bool ReadGpu(std::string_view text, HostOptions& options) {
+    const auto number = IntegerIn(text, 0, kMaxGpu);
+    if (!number && text != "software") return false;
+    options.gpu = number ? *number : KV_ScenePane::WindowRequest::kSoftware;
+    return true;
+}
+
 bool ReadPicturePath(std::string_view text, HostOptions& options) {
     options.picturePath = text;
     return !text.empty();
@@ -99,10 +108,11 @@ bool ReadPicturePath(std::string_view text, HostOptions& options) {
 
 /// The runs that an option applies to.
 enum class Scope {
-    Action,   ///< the option selects the run
-    Import,   ///< all runs that open files
-    Picture,  ///< all but --info and --convert
-    Look      ///< the window and --screenshot: a capture has a size and a draw mode of its own
+    Action,    ///< the option selects the run
+    Import,    ///< all runs that open files
+    Picture,   ///< all but --info and --convert
+    Look,      ///< the window and --screenshot: a capture has a size and a draw mode of its own
+    OffScreen  ///< what draws without a window: --screenshot, --capture and the verbose --version
 };
 
 /// An option with a value.
@@ -123,6 +133,7 @@ constexpr ValueOption kValueOptions[] = {
     {"--skip", "a whole number from 1 to 32767", Scope::Import, ReadSkip},
     {"--confidence", "a number", Scope::Import, ReadConfidence},
     {"--color", "six hexadecimal digits RRGGBB", Scope::Import, ReadColor},
+    {"--gpu", "the number of a graphics device from 0 to 31, or software", Scope::OffScreen, ReadGpu},
 };
 
 /// Null for an unknown option.
@@ -135,7 +146,9 @@ const ValueOption* FindValueOption(std::string_view name) {
 
 /// Which options were given, for the checks of their combination.
 struct GivenOptions {
-    bool screenshot = false, capture = false, info = false, convert = false;
+    bool screenshot = false, capture = false, info = false, convert = false, version = false;
+    bool gpu = false;
+    bool import = false;             ///< an option of imports
     std::string_view pictureOption;  ///< the last one that applies to pictures; empty without one
     std::string_view lookOption;     ///< the last of these that a capture ignores; empty without one
 };
@@ -143,7 +156,7 @@ struct GivenOptions {
 /// Whether the option exists and has no value.
 bool IsSwitch(std::string_view name) {
     return name == "--info" || name == "--convert" || name == "--json" || name == "--shadows" || name == "--help" ||
-           name == "--version";
+           name == "--version" || name == "--verbose";
 }
 
 /// Stores an option without a value; false when there is no such option.
@@ -154,6 +167,10 @@ bool StoreSwitch(std::string_view name, HostOptions& options, GivenOptions& give
         given.convert = true;
     } else if (name == "--json") {
         options.json = true;
+    } else if (name == "--version") {
+        given.version = true;
+    } else if (name == "--verbose") {
+        options.verbose = true;
     } else if (name == "--shadows") {
         options.shadows = true;
         given.pictureOption = given.lookOption = "--shadows";
@@ -174,10 +191,20 @@ std::string ActionConflict(const GivenOptions& given) {
     return {};
 }
 
+/// Whether the command line asks for something else besides the version.
+bool HasMoreThanVersion(const HostOptions& options, const GivenOptions& given) {
+    return given.screenshot || given.capture || given.info || given.convert || given.import ||
+           !given.pictureOption.empty() || !options.files.empty();
+}
+
 /// The message about options and files that contradict each other; empty when none do.
 std::string Conflict(const HostOptions& options, const GivenOptions& given) {
     if (std::string text = ActionConflict(given); !text.empty()) return text;
     if (options.json && !given.info) return "--json goes with --info only";
+    if (options.verbose && !given.version) return "--verbose goes with --version only";
+    if (given.version && HasMoreThanVersion(options, given)) return "--version --verbose goes with --gpu only";
+    if (given.gpu && !given.screenshot && !given.capture && !given.version)
+        return "--gpu goes with --screenshot, --capture and --version --verbose only";
     if ((given.info || given.convert) && !given.pictureOption.empty())
         return std::string(given.pictureOption) + " has no meaning with " + (given.info ? "--info" : "--convert");
     if (given.capture && !given.lookOption.empty())
@@ -213,7 +240,14 @@ std::optional<UsageError> ReadOption(const ValueOption& option, const std::vecto
     if (option.name == "--capture") given.capture = true;
     if (option.scope == Scope::Picture || option.scope == Scope::Look) given.pictureOption = option.name;
     if (option.scope == Scope::Look) given.lookOption = option.name;
+    if (option.scope == Scope::Import) given.import = true;
+    if (option.scope == Scope::OffScreen) given.gpu = true;
     return std::nullopt;
+}
+
+bool HasSwitch(const std::vector<std::string>& arguments, std::string_view name) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");  // of the options
+    return std::find(arguments.begin(), end, name) != end;
 }
 
 }  // namespace
@@ -222,6 +256,7 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     HostOptions options;
     GivenOptions given;
     bool optionsEnded = false;
+    const bool verbose = HasSwitch(arguments, "--verbose");
     // Options and files may be mixed; "--" ends the options.
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
@@ -234,8 +269,9 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
             optionsEnded = true;
             continue;
         }
-        // These two end the parsing: help must be printed also for a command line with mistakes.
-        if (argument == "--help" || argument == "--version") {
+        // These two end the parsing: help must be printed also for a command line with mistakes. The verbose version is
+        // a run of its own with an option.
+        if (argument == "--help" || (argument == "--version" && !verbose)) {
             options.action = argument == "--help" ? HostAction::Help : HostAction::Version;
             return options;
         }
@@ -249,6 +285,7 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     }
     // All options are known now: their combination is checked, and the run follows from them.
     if (const std::string text = Conflict(options, given); !text.empty()) return UsageError{text};
+    if (given.version) options.action = HostAction::Version;
     if (given.screenshot) options.action = HostAction::Screenshot;
     if (given.capture) options.action = HostAction::Capture;
     if (given.info) options.action = HostAction::Info;
@@ -298,8 +335,15 @@ std::string HelpText() {
            "  --zoom Z              magnification, 0.1 to 10: 2 shows half as much (1)\n"
            "  --shadows             cast shadows (draw modes 5 and 6 show no object then)\n"
            "\n"
+           "Without a window:\n"
+           "  --gpu N|software      draw with graphics device N, from 0 in the order of EGL, or with the processor; "
+           "else\n"
+           "                        with the first device that can, and with the processor where none can\n"
+           "\n"
            "  --help                print this text\n"
            "  --version             print the version\n"
+           "  --version --verbose   print the version, and the device, driver and OpenGL version that draw without a\n"
+           "                        window\n"
            "  --                    what follows are file names\n"
            "\n"
            "Exit status: 0 when every file added an object and all that was asked for was written, 1 when not, 2 for\n"

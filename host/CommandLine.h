@@ -6,6 +6,7 @@
 
 #include "FileImport.h"
 #include "KV_ScenePane/Modes.h"
+#include "KV_ScenePane/ScenePane.h"
 
 /// What the program does in this run.
 enum class HostAction {
@@ -38,6 +39,10 @@ struct HostOptions {
     bool shadows = false;
     /// Info prints JSON.
     bool json = false;
+    /// What draws Screenshot, Capture and the verbose Version: as WindowRequest::gpu.
+    int gpu = KV_ScenePane::WindowRequest::kAnyGpu;
+    /// Version also names what draws.
+    bool verbose = false;
     /// The files to open; bytes, as typed, in their order.
     std::vector<std::string> files;
     /// The file that Convert writes, of a type that can be written; bytes, as typed.

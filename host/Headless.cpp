@@ -41,6 +41,7 @@ std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions&
     request.kind = kind;
     request.width = options.width;
     request.height = options.height;
+    request.gpu = options.gpu;
     const auto message = std::make_shared<std::string>();  // lives as long as the viewer may show one
     request.showMessage = [message](const std::string& text) { *message = JoinLines(text); };
     std::string reason;
@@ -113,6 +114,19 @@ int RunScreenshot(const HostOptions& options, std::FILE* err) {
 
 int RunCapture(const HostOptions& options, std::FILE* err) {
     return RunPicture(options, err, [](ScenePane& pane) { return TakeScreenShot(pane.Methods()); });
+}
+
+// The version first: it is printed also where nothing can draw.
+int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err) {
+    const int printed = PrintResult(VersionText(), out, err);
+    if (printed != kExitGood || !options.verbose) return printed;
+    const DebugRouter router(PrintOtherOutput(err));
+    const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
+    KV_ScenePane::GraphicsInfo info;
+    if (!pane || !pane->GetGraphicsInfo(&info)) return kExitFailure;
+    return PrintResult("device   " + info.device + "\ndriver   " + info.renderer + "\nvendor   " + info.vendor +
+                           "\nOpenGL   " + info.version + '\n',
+                       out, err);
 }
 
 int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {

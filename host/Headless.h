@@ -27,6 +27,9 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 /// Imports the one file of the options and writes its object to options.exportPath.
 [[nodiscard]] int RunConvert(const HostOptions& options, std::FILE* err);
 
+/// Prints the version to @p out, and with options.verbose what draws pictures without a window.
+[[nodiscard]] int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err);
+
 /// Prints a result to @p out and flushes it: a full disk or a closed pipe is a failure of the run.
 [[nodiscard]] int PrintResult(const std::string& text, std::FILE* out, std::FILE* err);
 

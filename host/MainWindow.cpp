@@ -18,6 +18,7 @@
 #include "ObjectList.h"
 #include "PngFile.h"
 #include "ScreenShot.h"
+#include "Settings.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -56,7 +57,7 @@ KV_ScenePane::ScenePane* MainWindow::Pane() const { return m_pViewer->Pane(); }
 bool MainWindow::HaveObjects() const { return m_pObjects->topLevelItemCount() > 0; }
 
 void MainWindow::MakeCentre() {
-    m_pViewer = new ViewerWidget({m_options.width, m_options.height});
+    m_pViewer = new ViewerWidget({m_options.width, m_options.height}, HasSmoothEdges() ? kSmoothSamples : 0);
     m_pRefusal = new QLabel;
     m_pRefusal->setAlignment(Qt::AlignCenter);
     m_pRefusal->setWordWrap(true);

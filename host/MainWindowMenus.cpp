@@ -12,6 +12,7 @@
 #include "FileTypes.h"
 #include "ImportJob.h"
 #include "MainWindow.h"
+#include "Settings.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -93,6 +94,11 @@ void MainWindow::MakeViewMenu() {
     menu->addSeparator();
     add(tr("&Background colours..."), {}, [this] { AskForBackground(); });
     add(tr("&Point size..."), {}, [this] { AskForPointSize(); });
+    QAction* const smooth = menu->addAction(tr("Smooth &edges (from the next start)"));
+    smooth->setCheckable(true);
+    smooth->setChecked(HasSmoothEdges());
+    smooth->setStatusTip(tr("Draw with %1 samples per pixel where the driver has them").arg(kSmoothSamples));
+    connect(smooth, &QAction::toggled, this, &SetSmoothEdges);
     menu->addSeparator();
     QMenu* const panes = menu->addMenu(tr("Pa&nes"));
     // The docks exist already: the menus are made last.

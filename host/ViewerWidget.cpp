@@ -5,11 +5,14 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSocketNotifier>
+#include <QWindow>
 #include <algorithm>
 #include <cmath>
 
-ViewerWidget::ViewerWidget(QSize wantedSize, QWidget* parent) : QWidget(parent), m_wantedSize(wantedSize) {
+ViewerWidget::ViewerWidget(QSize wantedSize, int samples, QWidget* parent)
+    : QWidget(parent), m_wantedSize(wantedSize), m_nSamples(samples) {
     // A native window for the viewer to be a child of, but none for the ancestors of the widget.
     setAttribute(Qt::WA_NativeWindow);
     setAttribute(Qt::WA_DontCreateNativeAncestors);
@@ -37,11 +40,7 @@ void ViewerWidget::showEvent(QShowEvent* event) {
 
 void ViewerWidget::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (!m_pPane) return;
-    const QSize size = DeviceSize();
-    // The viewer counts device pixels. SetSize() requests no repaint.
-    m_pPane->Methods().SetSize(static_cast<std::int16_t>(size.width()), static_cast<std::int16_t>(size.height()));
-    m_pPane->Methods().PerformInvalidate();
+    FollowSize();
 }
 
 void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
@@ -60,6 +59,8 @@ void ViewerWidget::Open() {
     request.parent = winId();
     request.width = DeviceSize().width();
     request.height = DeviceSize().height();
+    request.scale = devicePixelRatioF();
+    request.samples = m_nSamples;
     request.showMessage = [this](const std::string& text) { ShowMessage(text); };
     std::string reason;
     m_pPane = CreateScenePane(request, &reason);
@@ -71,6 +72,7 @@ void ViewerWidget::Open() {
     m_pRegistry = std::make_unique<RegistryStart>(m_pPane->Methods());
     m_pNotifier = std::make_unique<QSocketNotifier>(m_pPane->EventDescriptor(), QSocketNotifier::Read);
     connect(m_pNotifier.get(), &QSocketNotifier::activated, this, &ViewerWidget::HandleEvents);
+    WatchScreen();
     emit Ready();
 }
 
@@ -100,9 +102,28 @@ void ViewerWidget::HandleEvents() {
 void ViewerWidget::FollowWindow() {
     // Qt may have made another native window for the widget, for example after a change of its parent: the viewer
     // moves.
-    if (!m_pPane || internalWinId() == 0 || m_pPane->Reparent(internalWinId(), 0, 0)) return;
+    if (!m_pPane || internalWinId() == 0) return;
+    if (m_pPane->Reparent(internalWinId(), 0, 0)) {
+        WatchScreen();
+        FollowSize();
+        return;
+    }
     Close();
     emit Refused(tr("The viewer could not follow the widget into its new window."));
+}
+
+void ViewerWidget::FollowSize() {
+    if (!m_pPane) return;
+    const QSize size = DeviceSize();
+    // The viewer counts device pixels. SetSize() requests no repaint.
+    m_pPane->SetScale(devicePixelRatioF());
+    m_pPane->Methods().SetSize(static_cast<std::int16_t>(size.width()), static_cast<std::int16_t>(size.height()));
+    m_pPane->Methods().PerformInvalidate();
+}
+
+void ViewerWidget::WatchScreen() {
+    if (windowHandle() != nullptr)
+        connect(windowHandle(), &QWindow::screenChanged, this, &ViewerWidget::FollowSize, Qt::UniqueConnection);
 }
 
 void ViewerWidget::ShowMessage(const std::string& text) {

@@ -16,7 +16,8 @@ class ViewerWidget : public QWidget, private EventFormatter {
     Q_OBJECT
 public:
     /// @param wantedSize  of the drawing area, device pixels; becomes the size hint
-    explicit ViewerWidget(QSize wantedSize, QWidget* parent = nullptr);
+    /// @param samples     per pixel, to smooth edges; none where the driver does not have as many
+    explicit ViewerWidget(QSize wantedSize, int samples = 0, QWidget* parent = nullptr);
     ~ViewerWidget() override;
 
     /// Null before the widget is shown for the first time, and when the viewer was refused or lost its window.
@@ -53,12 +54,17 @@ private:
     void HandleEvents();
     /// Moves the viewer into the current native window of the widget.
     void FollowWindow();
+    /// Passes on the size and the scale of the widget, which may have moved to a screen of another density.
+    void FollowSize();
+    /// Follows the screen of the current native window.
+    void WatchScreen();
     /// A message of the viewer that the user must see.
     void ShowMessage(const std::string& text);
     /// Size of the widget in device pixels, 1 to 32767 each.
     [[nodiscard]] QSize DeviceSize() const;
 
     const QSize m_wantedSize;
+    const int m_nSamples;
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
     HeldModifiers m_held;
     std::string m_strMessages;  // shown by the viewer while it was created: the reason of a refusal

@@ -25,7 +25,7 @@ int Run(int argc, char** argv) {
         case HostAction::Help:
             return PrintResult(HelpText(), stdout, stderr);
         case HostAction::Version:
-            return PrintResult(VersionText(), stdout, stderr);
+            return RunVersion(options, stdout, stderr);
         case HostAction::Screenshot:
             return RunScreenshot(options, stderr);
         case HostAction::Capture:

@@ -103,6 +103,26 @@ TEST(CommandLine, IgnoresTheRestAfterHelpOrVersion) {
     EXPECT_EQ(VersionText(), "scenepane 5.5.0\n");
 }
 
+TEST(CommandLine, ReadsWhatDrawsOffScreen) {
+    using KV_ScenePane::WindowRequest;
+    EXPECT_EQ(Parsed({"--screenshot", "a.png", "a.pcm"}).gpu, WindowRequest::kAnyGpu);
+    EXPECT_EQ(Parsed({"--screenshot", "a.png", "--gpu", "0", "a.pcm"}).gpu, 0);
+    EXPECT_EQ(Parsed({"--gpu=31", "--capture", "a.png", "a.pcm"}).gpu, 31);
+    EXPECT_EQ(Parsed({"--gpu", "software", "--capture", "a.png", "a.pcm"}).gpu, WindowRequest::kSoftware);
+}
+
+TEST(CommandLine, AVerboseVersionIsARunWithADevice) {
+    for (const auto& arguments :
+         {std::vector<std::string>{"--version", "--verbose", "--gpu", "2"}, {"--gpu=2", "--verbose", "--version"}}) {
+        const HostOptions options = Parsed(arguments);
+        EXPECT_EQ(options.action, HostAction::Version);
+        EXPECT_TRUE(options.verbose);
+        EXPECT_EQ(options.gpu, 2);
+    }
+    EXPECT_FALSE(Parsed({"--version"}).verbose);
+    EXPECT_FALSE(Parsed({"--version", "--", "--verbose"}).verbose) << "a file name";
+}
+
 TEST(CommandLine, KeepsFileNamesThatAreNotUtf8) {
     EXPECT_EQ(Parsed({"\xff\x80.pcm"}).files, (std::vector<std::string>{"\xff\x80.pcm"}));
 }
@@ -124,7 +144,7 @@ TEST(CommandLine, NamesEveryFileTypeInTheHelp) {
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
     for (const char* const option :
          {"--screenshot", "--capture", "--size", "--view", "--draw-mode", "--zoom", "--skip", "--confidence", "--color",
-          "--shadows", "--info", "--json", "--convert", "--help", "--version"})
+          "--shadows", "--info", "--json", "--convert", "--gpu", "--help", "--version", "--verbose"})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
 
@@ -161,6 +181,12 @@ TEST_P(CommandLineLimits, AcceptValuesUpToTheLimitAndNoOthers) {
 }
 INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineLimits, testing::ValuesIn(kLimits),
                          [](const auto& row) { return row.param.name; });
+
+TEST(CommandLine, RejectsWhatIsNeitherANumberOfADeviceNorSoftware) {
+    for (const std::string value : {"32", "-1", "-2", "any", "Software", "0x1", "1 ", ""})
+        EXPECT_EQ(UsageErrorOf({"--screenshot", "a.png", "--gpu", value, "a.pcm"}),
+                  "--gpu takes the number of a graphics device from 0 to 31, or software, not \"" + value + "\"");
+}
 
 struct WrongUsage {
     const char* name;
@@ -218,6 +244,18 @@ const WrongUsage kWrongUsages[] = {
     {"ConvertWithAView", {"--convert", "--view", "1", "a.ply", "b.ply"}, "--view has no meaning with --convert"},
     {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
+    {"GpuOfTheWindow", {"--gpu", "0", "a.pcm"}, "--gpu goes with --screenshot, --capture and --version --verbose only"},
+    {"GpuWithInfo",
+     {"--gpu", "0", "--info", "a.pcm"},
+     "--gpu goes with --screenshot, --capture and --version --verbose only"},
+    {"VerboseWithoutVersion", {"--verbose", "a.pcm"}, "--verbose goes with --version only"},
+    {"VerboseVersionWithAFile", {"--version", "--verbose", "a.pcm"}, "--version --verbose goes with --gpu only"},
+    {"VerboseVersionWithARun",
+     {"--version", "--info", "--verbose", "a.pcm"},
+     "--version --verbose goes with --gpu only"},
+    {"VerboseVersionWithAView", {"--version", "--verbose", "--view", "1"}, "--version --verbose goes with --gpu only"},
+    {"VerboseVersionWithASkip", {"--version", "--verbose", "--skip", "1"}, "--version --verbose goes with --gpu only"},
+    {"VerboseWithAValue", {"--verbose=1"}, "--verbose takes no value"},
 };
 class CommandLineRejects : public testing::TestWithParam<WrongUsage> {};
 

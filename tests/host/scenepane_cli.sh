@@ -40,6 +40,20 @@ cp square.xdt "./$odd"
 
 expect 0 '' --version
 [ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'wrong version'
+# What draws without a window is this machine's; the processor always can.
+expect 0 '' --version --verbose
+holds 'scenepane 5.5.0'
+for line in 'device   ' 'driver   ' 'vendor   ' 'OpenGL   '; do
+    grep -q "^$line." out.txt || fail "standard output has no line $line:
+$(cat out.txt)"
+done
+expect 0 '' --version --verbose --gpu software
+holds 'device   software device'
+expect 2 'scenepane: --gpu goes with --screenshot, --capture and --version --verbose only (see scenepane --help)' --gpu 0
+"$scenepane" --version --verbose --gpu 31 >out.txt 2>err.txt && fail 'a device that is not there was accepted'
+[ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'no version without a device'
+grep -q '^scenepane: there is no viewer: There is no graphics device 31: EGL lists ' err.txt ||
+    fail "wrong reason: $(cat err.txt)"
 expect 0 '' --help
 holds 'Usage: scenepane [options] FILE...'
 expect 2 'scenepane: unknown option --what (see scenepane --help)' --what
@@ -57,6 +71,7 @@ expect 1 'scenepane: square.obj: unknown file type' --info --json --color ff0000
 holds '"color": "FF0000"'
 expect 0 '' --screenshot square.png --size 40x30 square.xdt
 [ "$(head -c 4 square.png | tail -c 3)" = PNG ] || fail 'no PNG file'
+expect 0 '' --screenshot square.png --gpu software --size 40x30 square.xdt
 expect 0 '' --capture capture.png square.xdt
 # Width and height in the file's first chunk: 2048 is 00 00 08 00.
 [ "$(od -An -tx1 -j16 -N8 capture.png | tr -d ' ')" = 0000080000000800 ] || fail 'the capture has another size'
@@ -102,6 +117,7 @@ full() {
 }
 full --help
 full --version
+full --version --verbose
 full --info square.xdt
 full --info --json square.xdt
 "$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
