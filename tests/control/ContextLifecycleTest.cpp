@@ -5,12 +5,15 @@
 #include <filesystem>
 #include <functional>
 #include <regex>
+#include <stdexcept>
 
 #include "control/AutomationTable.h"
+#include "control/ScenePaneHandle.h"
 #include "control/ScriptedWindow.h"
 #include "support/ControlFixture.h"
 #include "support/GlNow.h"
 #include "support/TestFolder.h"
+#include "support/Wait.h"
 #include "support/XvfbServer.h"
 
 namespace {
@@ -129,12 +132,54 @@ TEST_P(ContextOf, ARefusedVersionIsLoggedAndShownWithItsNumber) {
 }
 
 TEST_P(ContextOf, ARefusedFormatIsLoggedAndShownWithoutAVersion) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
     const LogSinceNow log;
-    m_request.samples = 999;
-    EXPECT_EQ(Open(), nullptr);
+    pane->Methods().RecreateOpenglContext(3, 3, 999);
+    EXPECT_FALSE(pane->HasWindow());
     EXPECT_EQ(log.TextWithoutAlphaBits(), kRefusedFormat);
     EXPECT_EQ(m_messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
-    EXPECT_FALSE(m_reason.empty());
+}
+
+TEST_P(ContextOf, SamplesOfTheRequestAreUsedWhereTheDriverHasThem) {
+    m_request.samples = 4;
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    EXPECT_EQ(ControlOf(*pane).m_nGlSamples, 4);
+    EXPECT_EQ(GlInteger(GL_SAMPLES), 4);
+}
+
+TEST_P(ContextOf, SamplesThatTheDriverDoesNotHaveAreLeftOutWithoutAWord) {
+    const LogSinceNow log;
+    m_request.samples = 999;
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    EXPECT_EQ(log.Text(), kGoodStart);
+    EXPECT_TRUE(m_messages.empty());
+    EXPECT_EQ(m_output.Text(), "");
+    EXPECT_EQ(ControlOf(*pane).m_nGlSamples, 0);
+    EXPECT_EQ(GlInteger(GL_SAMPLES), 0);
+    pane->Methods().RecreateOpenglContext(3, 3, 999);
+    EXPECT_FALSE(pane->HasWindow()) << "a recreation is exact";
+    EXPECT_EQ(m_messages.size(), 1u);
+}
+
+TEST_P(ContextOf, NamesTheDriverInUse) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    KV_ScenePane::GraphicsInfo info;
+    ASSERT_TRUE(pane->GetGraphicsInfo(&info));
+    EXPECT_EQ(info.renderer, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    EXPECT_EQ(info.vendor, reinterpret_cast<const char*>(glGetString(GL_VENDOR)));
+    EXPECT_EQ(info.version, reinterpret_cast<const char*>(glGetString(GL_VERSION)));
+    if (GetParam() == WindowRequest::Kind::OffScreen)
+        EXPECT_NE(info.device, "");
+    else
+        EXPECT_EQ(info.device, std::string("X display ") + std::getenv("DISPLAY"));
+    pane->Methods().RecreateOpenglContext(9, 9, 0);
+    const std::string renderer = info.renderer;
+    EXPECT_FALSE(pane->GetGraphicsInfo(&info));
+    EXPECT_EQ(info.renderer, renderer) << "untouched on failure";
 }
 
 TEST_P(ContextOf, WithoutAHookMessagesGoToTheDebuggerOutput) {
@@ -148,7 +193,7 @@ TEST_P(ContextOf, WithoutAHookMessagesGoToTheDebuggerOutput) {
 TEST_P(ContextOf, RecreationSetsTheSamplesAndEmptiesTheScene) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
-    auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
+    auto& control = ControlOf(*pane);
     ASSERT_TRUE(control.MakeContextCurrent());
     EXPECT_EQ(GlInteger(GL_SAMPLE_BUFFERS), 0);
     EXPECT_TRUE(glIsEnabled(GL_MULTISAMPLE));  // the driver ignores it without samples
@@ -201,7 +246,7 @@ TEST_P(ContextOf, ARecreatedControlDrawsAsBefore) {
 TEST_P(ContextOf, ARecreatedControlHasItsViewMatricesInItsFirstFrame) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
-    auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
+    auto& control = ControlOf(*pane);
     EXPECT_EQ(control.RecreateOpenglContext(3, 3, 0), -1);
     ASSERT_TRUE(control.MakeContextCurrent());
     // The empty scene is 100 * sqrt(3) high, 80 pixels: 50 units are 23.094 pixels.
@@ -236,7 +281,7 @@ TEST_P(ContextOf, EightSamplesAreGrantedOrRefusedWithAMessage) {
 TEST_P(ContextOf, AfterAFailedRecreationEveryMethodCanBeCalled) {
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
-    auto& control = dynamic_cast<CKV_ScenePaneCtrl&>(*pane);
+    auto& control = ControlOf(*pane);
     AddMesh(control, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {Triangle{{0, 1, 2}}});
     control.PerformRefresh();
     const LogSinceNow log;
@@ -278,6 +323,84 @@ TEST_P(ContextOf, AfterAFailedRecreationEveryMethodCanBeCalled) {
     EXPECT_FALSE(pane->CapturePicture(&picture));
     pane->ProcessEvents();
     EXPECT_FALSE(pane->HasWindow());
+}
+
+TEST_P(ContextOf, AHookThatThrowsLeavesTheViewerAsOneThatReturns) {
+    bool throws = false;
+    m_request.showMessage = [&](const std::string&) {
+        if (throws) throw std::runtime_error("hook");
+    };
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    CKV_ScenePaneCtrl& control = ControlOf(*pane);
+    for (const bool hookThrows : {false, true}) {
+        throws = hookThrows;
+        if (throws)
+            EXPECT_THROW(pane->Methods().RecreateOpenglContext(9, 9, 0), std::runtime_error);
+        else
+            pane->Methods().RecreateOpenglContext(9, 9, 0);
+        EXPECT_FALSE(pane->HasWindow());
+        EXPECT_EQ(pane->NativeWindow(), 0u);
+        EXPECT_FALSE(control.MakeContextCurrent());
+        EXPECT_EQ(control.m_hRC, nullptr);
+        EXPECT_EQ(control.m_pDC, nullptr);
+        KV_ScenePane::Picture picture;
+        EXPECT_FALSE(pane->CapturePicture(&picture));
+        pane->Methods().PerformInvalidate();
+        pane->ProcessEvents();
+        EXPECT_EQ(pane->Methods().RecreateOpenglContext(3, 3, 0), -1);
+        ASSERT_TRUE(pane->HasWindow()) << "no way back, hook throws: " << hookThrows;
+        EXPECT_TRUE(pane->CapturePicture(&picture));
+    }
+    EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+}
+
+TEST_P(ContextOf, AHookThatThrowsDuringTheFirstCreationReachesTheCaller) {
+    m_request.glMajor = 9;
+    m_request.showMessage = [](const std::string&) { throw std::runtime_error("hook"); };
+    EXPECT_THROW(Open(), std::runtime_error);
+    m_request.glMajor = 3;
+    EXPECT_NE(Open(), nullptr) << m_reason;
+}
+
+// A message box with an event loop of its own.
+TEST_P(ContextOf, AHookMayProcessTheEventsOfItsViewer) {
+    KV_ScenePane::ScenePane* viewer = nullptr;
+    int shown = 0;
+    m_request.showMessage = [&](const std::string&) {
+        ++shown;
+        for (int i = 0; i < 3; ++i) viewer->ProcessEvents();
+        viewer->Methods().PerformRefresh();
+        float box[6];
+        viewer->Methods().GetObjectBoundingBox(0, &box[0], &box[1], &box[2], &box[3], &box[4], &box[5]);
+    };
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    viewer = pane.get();
+    pane->Methods().PerformInvalidate();
+    pane->Methods().RecreateOpenglContext(9, 9, 0);
+    EXPECT_EQ(shown, 1);
+    EXPECT_FALSE(pane->HasWindow());
+    EXPECT_EQ(pane->Methods().RecreateOpenglContext(3, 3, 0), -1);
+    KV_ScenePane::Picture picture;
+    EXPECT_TRUE(pane->CapturePicture(&picture));
+}
+
+// The message of its timer arrives while there is no window.
+TEST_P(ContextOf, ADelayedPressThatSpansARefusedRecreationIsDispatched) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    CKV_ScenePaneCtrl& control = ControlOf(*pane);
+    pane->Methods().SetIGDRotation(1);
+    pane->SendMouse({.kind = KV_ScenePane::MouseInput::Kind::RightDown, .flags = KV_ScenePane::kMouseRight});
+    pane->Methods().RecreateOpenglContext(9, 9, 0);
+    control.m_pWindow->PostPrivateMessage(kTimerMessage);
+    pane->ProcessEvents();
+    EXPECT_TRUE(control.m_mouseDispatch.pending);
+    pane->Methods().RecreateOpenglContext(3, 3, 0);
+    ASSERT_TRUE(pane->HasWindow());
+    EXPECT_TRUE(WaitUntil([&] { return !control.m_mouseDispatch.pending; }, [&] { pane->ProcessEvents(); }));
+    EXPECT_EQ(control.m_nInteractionMode, ModeRotate);
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, ContextOf,
@@ -411,6 +534,22 @@ TEST(DriverWithoutBootstrapContext, IsRefusedWithTheNumberOfTheFormat) {
     EXPECT_FALSE(control.CreateControlWindow(nullptr));
     EXPECT_EQ(log.TextWithoutAlphaBits(), kFirst + "<ERROR>: Error setting temporary pixel format 17\n" + kInvalidEnd);
     EXPECT_EQ(window.messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
+}
+
+TEST(PixelFormat, IsRequestedWithoutSamplesOnlyWhereTheseAreAWish) {
+    for (const bool optional : {false, true}) {
+        auto owned = std::make_unique<ScriptedWindow>();
+        ScriptedWindow& window = *owned;
+        window.formatChosen = false;
+        CKV_ScenePaneCtrl control(std::move(owned));
+        control.m_nGlSamples = 4;
+        control.m_bSamplesOptional = optional;
+        const LogSinceNow log;
+        EXPECT_FALSE(control.CreateControlWindow(nullptr));
+        EXPECT_EQ(window.format.samples, optional ? 0 : 4) << "of the last request";
+        EXPECT_EQ(log.TextWithoutAlphaBits(), kRefusedFormat);
+        EXPECT_EQ(window.messages, (std::vector{std::string("OpenGL context could not be created. ") + kParagraph}));
+    }
 }
 
 TEST(PixelFormat, IsRequestedWithTheSamplesOfTheControl) {

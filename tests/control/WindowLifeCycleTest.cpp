@@ -7,6 +7,7 @@
 #include <string>
 
 #include "control/ScenePaneCtrl.h"
+#include "control/ScenePaneHandle.h"
 #include "platform/HostWindow.h"
 #include "support/ProcessSize.h"
 #include "support/TestFolder.h"
@@ -66,8 +67,6 @@ protected:
 private:
     XErrorHandler m_formerHandler = nullptr;
 };
-
-CKV_ScenePaneCtrl& ControlOf(ScenePane& pane) { return dynamic_cast<CKV_ScenePaneCtrl&>(pane); }
 
 /// Changes the background without requesting a repaint, as no method does.
 void SetColorSilently(ScenePane& pane, std::int32_t color) {
@@ -234,8 +233,11 @@ TEST_F(HostedViewers, AreRefusedWithoutAnXErrorWhenTheDriverRefuses) {
     EXPECT_EQ(CreateScenePane(request, nullptr), nullptr);
     EXPECT_NE(message.find("Requested version: 9.3"), std::string::npos);
     EXPECT_EQ(host->ChildCount(), 0);
-    request.glMajor = 3, request.samples = 999;
-    EXPECT_EQ(CreateScenePane(request, nullptr), nullptr);
+    request.glMajor = 3;
+    const auto pane = CreateScenePane(request, nullptr);
+    ASSERT_NE(pane, nullptr);
+    pane->Methods().RecreateOpenglContext(3, 3, 999);
+    EXPECT_FALSE(pane->HasWindow());
     EXPECT_EQ(host->ChildCount(), 0);
 }
 
