@@ -1,5 +1,5 @@
-// Framebuffer configurations and contexts by attributes. The swap interval is the driver's: the user's settings decide
-// whether a swap waits for the vertical retrace.
+// Framebuffer configurations and contexts by attributes. Where a swap waits for the vertical retrace, its interval is
+// the driver's, that is the user's; only frames that must not wait set it to 0.
 #include "platform/GlxContext.h"
 
 #include <GL/glew.h>
@@ -41,6 +41,12 @@ bool HasExtension(Display* display, int screen, std::string_view name) {
     for (std::string word; words >> word;)
         if (word == name) return true;
     return false;
+}
+
+/// Null when the library does not have the function.
+template <typename Function>
+Function EntryPoint(const char* name) {
+    return reinterpret_cast<Function>(glXGetProcAddressARB(reinterpret_cast<const GLubyte*>(name)));
 }
 
 int Value(Display* display, GLXFBConfig config, int attribute) {
@@ -194,8 +200,7 @@ bool GlxContext::Attach(unsigned long window) {
 
 bool GlxContext::Create(const ContextAttributes& attributes) {
     if (m_nSurface == 0 || m_pContext != nullptr || !m_connection.IsAlive()) return false;
-    const auto create = reinterpret_cast<PFNGLXCREATECONTEXTATTRIBSARBPROC>(
-        glXGetProcAddressARB(reinterpret_cast<const GLubyte*>("glXCreateContextAttribsARB")));
+    const auto create = EntryPoint<PFNGLXCREATECONTEXTATTRIBSARBPROC>("glXCreateContextAttribsARB");
     if (create == nullptr) return false;
     const int wanted[] = {GLX_CONTEXT_MAJOR_VERSION_ARB,
                           attributes.major,
@@ -232,4 +237,31 @@ void GlxContext::Delete() {
     m_pContext = nullptr;
 }
 
-void GlxContext::SwapBuffers() { glXSwapBuffers(m_connection.Get(), m_nSurface); }
+// Set only when it changes: a driver may first wait for the frames before.
+void GlxContext::SwapBuffers(SwapWait wait) {
+    if (wait == SwapWait::Never && !m_bIntervalFound) FindSwapInterval();
+    if (wait != m_wait && m_setInterval) m_setInterval(wait == SwapWait::Never ? 0 : m_nDriverInterval);
+    m_wait = wait;
+    glXSwapBuffers(m_connection.Get(), m_nSurface);
+}
+
+// GLX_SGI_swap_control alone is of no use: its interval cannot be read, and 0 is an error. The context is current.
+void GlxContext::FindSwapInterval() {
+    m_bIntervalFound = true;
+    Display* const display = m_connection.Get();
+    if (HasExtension(display, m_nScreen, "GLX_EXT_swap_control")) {
+        const auto set = EntryPoint<PFNGLXSWAPINTERVALEXTPROC>("glXSwapIntervalEXT");
+        unsigned interval = 0, tears = 0;  // a negative interval is reported as two values
+        glXQueryDrawable(display, m_nSurface, GLX_SWAP_INTERVAL_EXT, &interval);
+        if (HasExtension(display, m_nScreen, "GLX_EXT_swap_control_tear"))
+            glXQueryDrawable(display, m_nSurface, GLX_LATE_SWAPS_TEAR_EXT, &tears);
+        m_nDriverInterval = static_cast<int>(interval) * (tears != 0 ? -1 : 1);
+        if (set != nullptr) m_setInterval = [=, this](int value) { set(display, m_nSurface, value); };
+    } else if (HasExtension(display, m_nScreen, "GLX_MESA_swap_control")) {
+        const auto get = EntryPoint<PFNGLXGETSWAPINTERVALMESAPROC>("glXGetSwapIntervalMESA");
+        const auto set = EntryPoint<PFNGLXSWAPINTERVALMESAPROC>("glXSwapIntervalMESA");
+        if (get != nullptr) m_nDriverInterval = get();
+        if (set != nullptr) m_setInterval = [set](int value) { set(static_cast<unsigned>(value)); };
+    }
+    if (m_nDriverInterval == 0) m_setInterval = {};
+}

@@ -1,6 +1,7 @@
 // OpenGL on an X connection, by GLX 1.3: the bootstrap, the format, the context and the drawing surface of one window.
 #pragma once
 #include <cstdint>
+#include <functional>
 
 #include "platform/PaneWindow.h"
 #include "platform/X11Connection.h"
@@ -40,10 +41,12 @@ public:
     /// Releases the context first when it is current on this thread.
     void Delete();
     [[nodiscard]] void* Handle() const { return m_pContext; }
-    void SwapBuffers();
+    /// Where the driver's swap interval can be read and set, see FindSwapInterval(); elsewhere @p wait has no effect.
+    void SwapBuffers(SwapWait wait);
 
 private:
     bool MakeBootstrapContext(void* config);
+    void FindSwapInterval();
 
     X11Connection& m_connection;
     int m_nScreen;
@@ -54,4 +57,9 @@ private:
     void* m_pBootstrapContext = nullptr;
     unsigned long m_nBootstrapWindow = 0;
     unsigned long m_nBootstrapColormap = 0;
+
+    std::function<void(int)> m_setInterval;  ///< of swaps; empty: it cannot be set, or no swap waits anyway
+    bool m_bIntervalFound = false;
+    int m_nDriverInterval = 0;                ///< retraces; below 0 a late frame does not wait
+    SwapWait m_wait = SwapWait::AsTheDriver;  ///< what is set now
 };

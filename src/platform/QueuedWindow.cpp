@@ -102,12 +102,15 @@ void QueuedWindow::ShowModalMessage(const std::string& text) { ShowUserMessage(m
 // An exception of the client ends the call and passes through to the host. What is left then, also a repaint that was
 // not requested by Invalidate() and has no wake of its own, is for the next call.
 void QueuedWindow::ProcessEvents() {
+    m_nextSwap = SwapWait::AsTheDriver;
     try {
         HandleAll();
     } catch (...) {
+        m_nextSwap = SwapWait::Never;
         m_messages.Wake();
         throw;
     }
+    m_nextSwap = SwapWait::Never;
 }
 
 void QueuedWindow::HandleAll() {

@@ -2,6 +2,7 @@
 // message to the user.
 #pragma once
 #include <functional>
+#include <utility>
 
 #include "platform/MessageQueue.h"
 #include "platform/PaintQueue.h"
@@ -50,6 +51,9 @@ protected:
     /// Whether events have arrived that were already read from the watched descriptor, which is not readable then.
     [[nodiscard]] virtual bool HasQueuedSystemEvents() const { return false; }
 
+    /// For the frame that is shown now, see SwapBuffers().
+    [[nodiscard]] SwapWait TakeSwapWait() { return std::exchange(m_nextSwap, SwapWait::Never); }
+
     WindowClient* m_pClient = nullptr;  ///< of the last Create()
     WindowSize m_size;
     PaintQueue m_paintQueue;
@@ -69,5 +73,6 @@ private:
     void PaintIfDue();
 
     Life m_life = Life::None;
+    SwapWait m_nextSwap = SwapWait::Never;
     std::function<void(const std::string& text)> m_showMessage;  ///< the host's hook; may be empty
 };
