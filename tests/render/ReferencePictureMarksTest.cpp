@@ -51,7 +51,7 @@ TEST_P(ReferenceMarks, AreTheBoundingBoxes) {
     ExpectMarks(WithoutColors(BoxMarks(both.scene)), KV_ScenePane::DrawModeBoundingBoxes, 0.003);
 }
 
-INSTANTIATE_TEST_SUITE_P(Gallery, ReferenceMarks, testing::ValuesIn(AllCases()),
+INSTANTIATE_TEST_SUITE_P(Gallery, ReferenceMarks, testing::ValuesIn(MainCases()),
                          [](const auto& row) { return NameOf(row.param); });
 
 }  // namespace

@@ -202,6 +202,13 @@ std::vector<Case> AllCases() {
     return cases;
 }
 
+std::vector<Case> MainCases() {
+    std::vector<Case> cases = CasesOf(Turned());
+    cases.push_back({Sizes().front(), FromTheFront()});
+    cases.push_back({Sizes().front(), Oblique()});
+    return cases;
+}
+
 std::vector<Case> CasesOf(const PictureView& view) {
     std::vector<Case> cases;
     for (const PictureSize& size : Sizes()) cases.push_back({size, view});

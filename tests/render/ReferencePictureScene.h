@@ -74,8 +74,9 @@ struct Case {
 };
 [[nodiscard]] std::string NameOf(const Case& picture);
 void PrintTo(const Case& picture, std::ostream* out);
-/// All sizes in all three views, and all sizes in one view.
+/// All sizes in all three views; all sizes in the turned view with one size in the others; all sizes in one view.
 [[nodiscard]] std::vector<Case> AllCases();
+[[nodiscard]] std::vector<Case> MainCases();
 [[nodiscard]] std::vector<Case> CasesOf(const PictureView& view);
 
 /// An off-screen viewer with a scene, and the same scene for the reference.

@@ -42,7 +42,7 @@ TEST_P(ReferenceShadows, AreComputedFromTheMapThatModeSevenShows) {
                       name + "_map");
 }
 
-INSTANTIATE_TEST_SUITE_P(Gallery, ReferenceShadows, testing::ValuesIn(AllCases()),
+INSTANTIATE_TEST_SUITE_P(Gallery, ReferenceShadows, testing::ValuesIn(MainCases()),
                          [](const auto& row) { return NameOf(row.param); });
 
 TEST(ReferencePictures, HaveBlackShadowsAndAHighlightWithReflection) {

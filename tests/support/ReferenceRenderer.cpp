@@ -12,6 +12,8 @@ constexpr std::array<std::array<double, 2>, 5> kSamples = {{{0.5, 0.5},
                                                             {0.5 + kAside, 0.5 - kAside},
                                                             {0.5 - kAside, 0.5 + kAside},
                                                             {0.5 + kAside, 0.5 + kAside}}};
+/// On an edge between two triangles softpipe may leave a pixel out, so that what is behind them shows.
+constexpr double kCrack = 1.0 / 512.0;
 /// A pixel is compared when its samples differ by at most this, of 255.
 constexpr double kSteady = 0.5;
 /// Depths nearer to each other than this may be confused by a depth buffer of 24 bits.
@@ -153,13 +155,17 @@ Picture Renderer::Draw(Shading shading) {
             const Hit& hit = m_hits[0][cell];
             const Sample center = Shade(hit, column + 0.5, row + 0.5, shading);
             bool masked = center.undecided || hit.next - hit.depth < kDepthRounding;
+            if (hit.triangle >= 0) {
+                const WindowTriangle& triangle = m_triangles[static_cast<std::size_t>(hit.triangle)];
+                masked = masked || DistanceFromEdges(triangle, column + 0.5, row + 0.5) < kCrack;
+                picture.objects[pixel] = triangle.object;
+            }
             for (std::size_t s = 1; s < kSamples.size() && !masked; ++s) {
                 const Sample other = Shade(m_hits[s][cell], column + kSamples[s][0], row + kSamples[s][1], shading);
                 masked = other.undecided || Largest(other.color - center.color) > kSteady;
             }
             picture.colors[pixel] = center.color;
             picture.masked[pixel] = masked ? 1 : 0;
-            if (hit.triangle >= 0) picture.objects[pixel] = m_triangles[static_cast<std::size_t>(hit.triangle)].object;
         }
     return picture;
 }

@@ -34,6 +34,14 @@ Vec SharesAt(const WindowTriangle& triangle, double x, double y) {
     return {1.0 - second - third, second, third};
 }
 
+double DistanceFromEdges(const WindowTriangle& triangle, double x, double y) {
+    const auto& [a, b, c] = triangle.corners;
+    const double area = std::abs((b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y));
+    const Vec shares = SharesAt(triangle, x, y);
+    const auto height = [area](const Vec& p, const Vec& q) { return area / std::hypot(q.x - p.x, q.y - p.y); };
+    return std::min({shares.x * height(b, c), shares.y * height(c, a), shares.z * height(a, b)});
+}
+
 std::vector<Hit> CastAll(const std::vector<WindowTriangle>& triangles, int width, int height, double dx, double dy) {
     std::vector<Hit> hits(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     for (std::size_t t = 0; t < triangles.size(); ++t)

@@ -20,6 +20,9 @@ struct WindowTriangle {
 /// Barycentric coordinates of a place in a triangle.
 [[nodiscard]] Vec SharesAt(const WindowTriangle& triangle, double x, double y);
 
+/// Pixels from a place in a triangle to its nearest edge; negative outside.
+[[nodiscard]] double DistanceFromEdges(const WindowTriangle& triangle, double x, double y);
+
 /// Calls visit(column, row, depth) for each cell of width x height whose sample, at (dx, dy) in the cell, is inside.
 template <class Visit>
 void ForEachSample(const WindowTriangle& triangle, int width, int height, double dx, double dy, Visit visit) {
