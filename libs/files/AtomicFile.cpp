@@ -14,6 +14,8 @@
 #include <system_error>
 #include <utility>
 
+#include "files/SystemMessage.h"
+
 namespace FileStorage {
 
 int FileCalls::Open(const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); }
@@ -33,7 +35,7 @@ FileCalls& FileCalls::Real() {
 
 namespace {
 
-[[noreturn]] void Fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
+[[noreturn]] void Fail(const char* what) { throw std::system_error(errno, SystemErrors(), what); }
 
 std::string FolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');

@@ -6,13 +6,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <system_error>
+
+#include "files/SystemMessage.h"
 
 namespace FileStorage {
 
 FileAccessError::FileAccessError(const char* reason, int error)
-    : std::runtime_error(error == 0 ? reason : reason + (": " + std::generic_category().message(error))),
-      m_iError(error) {}
+    : std::runtime_error(error == 0 ? reason : reason + (": " + SystemMessage(error))), m_iError(error) {}
 
 RegularFile::RegularFile(const std::string& path) {
     // O_NONBLOCK: opening a pipe that has no writer must not wait.
