@@ -42,10 +42,16 @@ public:
             mesh.ComputeBoundingBox();
             return;
         }
-        const Vertex& first = mesh.m_vVertices.front();
-        const auto [minX, maxX] = Extremes(m_low.x, m_high.x, first.x);
-        const auto [minY, maxY] = Extremes(m_low.y, m_high.y, first.y);
-        const auto [minZ, maxZ] = Extremes(m_low.z, m_high.z, first.z);
+        const auto [minX, maxX] = Extremes(m_low.x, m_high.x);
+        const auto [minY, maxY] = Extremes(m_low.y, m_high.y);
+        const auto [minZ, maxZ] = Extremes(m_low.z, m_high.z);
+        // Infinite with an infinite coordinate, and along an axis where no coordinate is a number: the mesh computes
+        // its box from the finite ones.
+        const float bounds[] = {minX, maxX, minY, maxY, minZ, maxZ};
+        if (!std::ranges::all_of(bounds, [](float bound) { return std::isfinite(bound); })) {
+            mesh.ComputeBoundingBox();
+            return;
+        }
         mesh.SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
     }
 
@@ -55,9 +61,7 @@ private:
         low = Select(value < low, value, low);
         high = Select(value > high, value, high);
     }
-    // Mesh::ComputeBoundingBox() starts with the first vertex: when that is not a number, nothing replaces it.
-    static std::pair<float, float> Extremes(Float4 low, Float4 high, float first) {
-        if (std::isnan(first)) return {first, first};
+    static std::pair<float, float> Extremes(Float4 low, Float4 high) {
         return {std::min({low[0], low[1], low[2], low[3]}), std::max({high[0], high[1], high[2], high[3]})};
     }
 

@@ -3,8 +3,10 @@
 #include "geometry/Mesh.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cmath>
+#include <initializer_list>
 #include <utility>
 
 #include "geometry/FaceNormal.h"
@@ -13,6 +15,47 @@ namespace {
 
 // Whether the three colour bytes are equal, by one comparison of neighbouring bytes.
 bool IsGray(const Vertex& vertex) { return ((vertex.color ^ (vertex.color >> 8)) & 0xFFFF) == 0; }
+
+// The extremes of the finite coordinates along one axis; inverted like the box of an empty mesh when there are none.
+struct FiniteRange {
+    float low = 1.0f, high = -1.0f;
+
+    void Add(float coordinate) {
+        if (!std::isfinite(coordinate)) return;
+        if (low > high) low = high = coordinate;
+        low = std::min(low, coordinate);
+        high = std::max(high, coordinate);
+    }
+};
+
+// The mean of the finite coordinates along one axis; 0 when there are none.
+struct FiniteMean {
+    float sum = 0.0f;
+    std::size_t count = 0;
+
+    void Add(float coordinate) {
+        if (!std::isfinite(coordinate)) return;
+        sum += coordinate;
+        ++count;
+    }
+    [[nodiscard]] float Get() const { return count == 0 ? 0.0f : sum / static_cast<float>(count); }
+};
+
+// Adds every vertex to three statistics, one per axis.
+template <class Statistic>
+std::array<Statistic, 3> FiniteOnly(const std::vector<Vertex>& vertices) {
+    std::array<Statistic, 3> axes;
+    for (const Vertex& vertex : vertices) {
+        axes[0].Add(vertex.x);
+        axes[1].Add(vertex.y);
+        axes[2].Add(vertex.z);
+    }
+    return axes;
+}
+
+bool AreFinite(std::initializer_list<float> values) {
+    return std::all_of(values.begin(), values.end(), [](float value) { return std::isfinite(value); });
+}
 
 }  // namespace
 
@@ -42,6 +85,9 @@ int Mesh::ComputeCenter() {
     m_fCenter[1] = y / count;
     m_fCenter[2] = z / count;
     m_bCenterValid = true;
+    if (AreFinite({x, y, z})) return 0;
+    const auto axes = FiniteOnly<FiniteMean>(m_vVertices);
+    for (std::size_t i = 0; i < axes.size(); ++i) m_fCenter[i] = axes[i].Get();
     return 0;
 }
 
@@ -50,7 +96,8 @@ void Mesh::ComputeBoundingBox() {
         SetBoundingBox(1, -1, 1, -1, 1, -1);
         return;
     }
-    // Starts with the first vertex: coordinates that are not numbers lose every later comparison.
+    // Starts with the first vertex. A NaN after it loses every comparison; any other coordinate that is not finite
+    // shows in the result.
     const Vertex& first = m_vVertices.front();
     float minX = first.x, minY = first.y, minZ = first.z;
     float maxX = first.x, maxY = first.y, maxZ = first.z;
@@ -62,7 +109,17 @@ void Mesh::ComputeBoundingBox() {
         minZ = std::min(minZ, vertex.z);
         maxZ = std::max(maxZ, vertex.z);
     }
-    SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
+    if (AreFinite({minX, maxX, minY, maxY, minZ, maxZ})) {
+        SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
+        return;
+    }
+    const auto [rangeX, rangeY, rangeZ] = FiniteOnly<FiniteRange>(m_vVertices);
+    SetBoundingBox(rangeX.low, rangeX.high, rangeY.low, rangeY.high, rangeZ.low, rangeZ.high);
+}
+
+bool Mesh::HasPosition() const {
+    const float* const box = m_fBoundingBox;
+    return m_vVertices.empty() || (box[0] <= box[1] && box[2] <= box[3] && box[4] <= box[5]);
 }
 
 // The rotation in double precision, rounded once, then the translation in single precision: RevertTrafo() has the

@@ -46,12 +46,17 @@ public:
     Mesh& operator=(const Mesh&) = delete;
 
     /// Mean of the vertex positions, summed in single precision in vertex order; without vertices the centre is
-    /// unchanged. Returns 0.
+    /// unchanged. Coordinates that are not finite are left out, each for itself; 0 along an axis without others.
+    /// Returns 0.
     int ComputeCenter() override;
     /// Rebuilds dirty buffers first, so the rendering context must be current. No-op while no drawing code is
-    /// installed.
+    /// installed. Many meshes are drawn faster within a MeshBatch (render/MeshDraw.h).
     void Draw(std::int32_t mode, bool reduced) override;
+    /// From the finite coordinates alone, each for itself; inverted along an axis that has none.
     void ComputeBoundingBox() override;
+    /// False when no vertex has a finite coordinate along some axis: nothing of the mesh can be shown or picked then,
+    /// and its box is inverted. True for a mesh without vertices.
+    [[nodiscard]] bool HasPosition() const;
     /// Rotates and moves the vertices and rotates the normals; m_Trafo is unchanged.
     void ApplyTrafo(const CACADQTrafo& trafo) override;
     /// Applies the inverse of @p trafo to the vertices. Does not mark the buffers dirty: ApplyTrafo() always follows.
@@ -93,8 +98,10 @@ public:
     std::vector<Triangle> m_vTriangles;
     std::vector<TexCoord> m_vTexCoords;  ///< three per triangle in corner order when textured, else empty
     std::vector<Vertex> m_vVertices;
-    std::wstring m_sName;         ///< path that the object came from, or empty
-    bool m_bBuffersDirty = true;  ///< the GPU buffers must be rebuilt before the next draw
+    std::wstring m_sName;             ///< path that the object came from, or empty
+    bool m_bBuffersDirty = true;      ///< the GPU buffers must be rebuilt before the next draw
+    bool m_bBuffersFailed = false;    ///< graphics memory was short at the last build: drawn as its bounding box
+    bool m_bFailureReported = false;  ///< the debugger output has the line about it
     bool m_bHasVertexColors = false;
     /// Names of the OpenGL buffers, 0 when there is none; written by the drawing code alone.
     std::uint32_t m_uVertexBuffer = 0, m_uTriangleBuffer = 0, m_uPointBuffer = 0, m_uReducedBuffer = 0;

@@ -3,11 +3,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <cstring>
-#include <random>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
 
 using testing::ElementsAre;
 
@@ -85,6 +87,78 @@ TEST(Mesh, HasTheSameBoxForAnyNumberOfVertices) {
 TEST(Mesh, ExcludesPointsThatAreNotNumbersFromItsBox) {
     const Mesh mesh({At(0, 1, 2), At(NAN, 9, NAN), At(3, NAN, 4)}, {}, L"", false);
     EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(0, 3, 1, 9, 2, 4));
+}
+
+struct OddCoordinates {
+    const char* name;
+    std::vector<Vertex> vertices;
+    std::array<float, 6> box;
+    std::array<float, 3> center;
+    bool hasPosition;
+};
+void PrintTo(const OddCoordinates& row, std::ostream* out) { *out << row.name; }
+
+constexpr float kInf = std::numeric_limits<float>::infinity();
+const std::array<float, 2> kNone{0.99f, -0.99f};  // the sides of the box of a mesh without vertices
+
+const OddCoordinates kOddCoordinates[] = {
+    {"NanFirst", {At(NAN, NAN, NAN), At(1, 2, 3), At(3, 4, 5)}, {1, 3, 2, 4, 3, 5}, {2, 3, 4}, true},
+    {"InfiniteLast", {At(1, 2, 3), At(3, 4, 5), At(kInf, -kInf, kInf)}, {1, 3, 2, 4, 3, 5}, {2, 3, 4}, true},
+    {"EachCoordinateForItself", {At(NAN, 2, 3), At(3, -kInf, 5), At(5, 4, kInf)}, {3, 5, 2, 4, 3, 5}, {4, 3, 4}, true},
+    {"OneFiniteCoordinatePerAxis",
+     {At(NAN, 2, kInf), At(3, kInf, NAN), At(-kInf, NAN, 7)},
+     {3 - 0.01f, 3 + 0.01f, 2 - 0.01f, 2 + 0.01f, 7 - 0.01f, 7 + 0.01f},
+     {3, 2, 7},
+     true},
+    {"NoneOnOneAxis", {At(1, kInf, 3), At(3, NAN, 5)}, {1, 3, kNone[0], kNone[1], 3, 5}, {2, 0, 4}, false},
+    {"NoneAtAll",
+     {At(NAN, kInf, -kInf), At(kInf, NAN, NAN)},
+     {kNone[0], kNone[1], kNone[0], kNone[1], kNone[0], kNone[1]},
+     {0, 0, 0},
+     false},
+};
+class MeshWithOddCoordinates : public testing::TestWithParam<OddCoordinates> {};
+
+TEST_P(MeshWithOddCoordinates, HasBoxAndCentreOfTheFiniteOnes) {
+    Mesh mesh(std::vector<Vertex>(GetParam().vertices), {}, L"", false);
+    EXPECT_THAT(mesh.m_fBoundingBox, testing::ElementsAreArray(GetParam().box));
+    EXPECT_EQ(mesh.HasPosition(), GetParam().hasPosition);
+    float center[3];
+    mesh.GetCenter(center);
+    EXPECT_THAT(center, testing::ElementsAreArray(GetParam().center));
+}
+
+TEST_P(MeshWithOddCoordinates, IsNotHitWhereItHasNoPosition) {
+    std::vector<Vertex> vertices = GetParam().vertices;
+    vertices.resize(3, vertices.front());
+    const Mesh mesh(std::move(vertices), OneTriangle(), L"", false);
+    const float origin[3] = {0, 0, 20}, direction[3] = {0, 0, 1};
+    std::int32_t triangle = -1;
+    float hit[3] = {};
+    EXPECT_EQ(mesh.IntersectLine(origin, direction, &triangle, hit), -1.0f);
+    EXPECT_EQ(triangle, -1);
+}
+INSTANTIATE_TEST_SUITE_P(Mesh, MeshWithOddCoordinates, testing::ValuesIn(kOddCoordinates),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(Mesh, IsHitBesideAnInfiniteVertex) {
+    Mesh mesh({At(0, 0, 5), At(2, 0, 5), At(0, 2, 5), At(kInf, 0, 5)}, {{{0, 1, 2}}, {{1, 2, 3}}}, L"", false);
+    const float origin[3] = {0.5f, 0.5f, 20}, direction[3] = {0, 0, 1};
+    std::int32_t triangle = -1;
+    float hit[3] = {};
+    EXPECT_EQ(mesh.IntersectLine(origin, direction, &triangle, hit), 15.0f);
+    EXPECT_EQ(triangle, 0);
+    EXPECT_THAT(hit, ElementsAre(0.5f, 0.5f, 5));
+}
+
+TEST(Mesh, ATransformThatOverflowsLeavesAFiniteBox) {
+    Mesh mesh({At(0, 0, 5), At(3e38f, 0, 5), At(0, 3e38f, 6)}, OneTriangle(), L"", false);
+    CACADQTrafo trafo;
+    trafo.m_dTranslation[0] = 3e38;
+    mesh.ApplyTrafo(trafo);
+    EXPECT_EQ(mesh.m_vVertices[1].x, kInf);
+    EXPECT_THAT(mesh.m_fBoundingBox, ElementsAre(3e38f, 3e38f + 0.01f, 0, 3e38f, 5, 6));
+    EXPECT_TRUE(mesh.HasPosition());
 }
 
 TEST(Mesh, WithoutVerticesHasAnInvertedBox) {
