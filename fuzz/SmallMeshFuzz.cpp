@@ -4,7 +4,7 @@
 
 namespace {
 
-void Check(MeshBuffers (*read)(std::span<const std::byte>), std::span<const std::byte> bytes, std::size_t recordSize) {
+void Check(FileMesh (*read)(std::span<const std::byte>), std::span<const std::byte> bytes, std::size_t recordSize) {
     try {
         const MeshBuffers mesh = read(bytes);
         Require((mesh.m_vVertices.size() + mesh.m_vTriangles.size()) * recordSize <= 2 * bytes.size());

@@ -14,9 +14,8 @@ thread_local std::string* g_capturedText = nullptr;
 
 constexpr std::string_view kSeparator = "; ";
 
-/// What the viewer writes when a grid gives no object, and what that means for a user.
+/// What the viewer writes in addition to the reason when a grid gives no object.
 constexpr std::string_view kNoMesh = "CreateInternalMesh() returned nullptr";
-constexpr std::string_view kNoMeshReason = "its valid points form no triangle";
 
 /// The lines that are not empty.
 std::vector<std::string_view> Lines(std::string_view text) {
@@ -110,16 +109,19 @@ std::string FileMessage(std::string_view file, std::string_view written, std::st
     const std::string output = Without(std::string(written), path), error = Without(JoinLines(thrown), path);
     std::vector<std::string_view> messages;
     for (const std::string_view line : Lines(output)) {
-        std::string_view message = WithoutFunctionName(line);
-        if (message == kNoMesh) message = kNoMeshReason;
-        if (!message.empty() && std::ranges::find(messages, message) == messages.end()) messages.push_back(message);
+        const std::string_view message = WithoutFunctionName(line);
+        if (!message.empty() && message != kNoMesh && std::ranges::find(messages, message) == messages.end())
+            messages.push_back(message);
     }
-    // The viewer may have written the text of the exception as part of a line.
+    // Where the viewer wrote a line about the file, that is the reason, and the exception is its other form. It may
+    // have written the text of the exception as part of another line, too.
     const std::string_view exception = WithoutFunctionName(error);
     const auto containsException = [&](std::string_view line) {
         return line.find(exception) != std::string_view::npos;
     };
-    if (!exception.empty() && std::ranges::none_of(messages, containsException)) messages.push_back(exception);
+    const bool hasReason = output.size() < written.size() && !messages.empty();
+    if (!exception.empty() && !hasReason && std::ranges::none_of(messages, containsException))
+        messages.push_back(exception);
     return SanitizeForTerminal(Join(messages));
 }
 

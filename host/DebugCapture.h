@@ -39,7 +39,8 @@ private:
 
 /// The messages of the viewer about a file as one line for the user: first the debugger output, then the exception.
 /// Removed are what the user does not need, or sees beside the message: the name of the function at the start of a line
-/// ("ImportPly(): "), the path of the file ("path: ") and repetitions. Control characters become question marks, and a
+/// ("ImportPly(): "), the path of the file ("path: "), repetitions, an exception beside a line with the path, and the
+/// fixed line about a grid without an object. Control characters become question marks, and a
 /// message of more than a thousand bytes is cut and ends with "...".
 /// @param file     path in bytes, as it was passed to the viewer
 /// @param written  the debugger output of the import or export

@@ -1,13 +1,21 @@
-// The line of the debugger output about a file that was refused or could not be written.
+// The lines of the debugger output about a file: why an import added nothing, why an export wrote nothing.
 #pragma once
 #include <string>
 #include <string_view>
 
-#include "KV_ScenePane/PathText.h"
-#include "base/DebugOutput.h"
+/// A path or object name in bytes, as all lines show it. For an empty one, such as that of arrays in memory without a
+/// name, "(no file)".
+[[nodiscard]] std::string FileLabel(std::wstring_view file);
 
-/// Writes one line to the debugger output: "OPERATION(): PATH: REASON". The path keeps its bytes. Any thread.
-inline void ReportFileError(const char* operation, const wchar_t* path, std::string_view reason) {
-    std::string line = std::string(operation) + "(): " + KV_ScenePane::PathBytes(path) + ": ";
-    DebugOutput(line.append(reason).append("\n"));
+/// Hosts may pass null for an empty path or name.
+[[nodiscard]] inline std::wstring_view TextOrEmpty(const wchar_t* text) {
+    return text == nullptr ? std::wstring_view() : text;
 }
+
+/// Writes one line to the debugger output: "OPERATION(): FILE: REASON". Any thread.
+void ReportFileError(const char* operation, std::wstring_view file, std::string_view reason);
+
+/// ReportFileError() with the text of the exception that is being handled. Must be called inside a catch block.
+void ReportCaughtError(const char* operation, std::wstring_view name);
+/// The same for the import of a file: where the file cannot be opened, that is the reason.
+void ReportCaughtFileError(const char* operation, std::wstring_view file);

@@ -13,9 +13,11 @@ namespace {
 
 /// Fills the array as far as the file has values; the rest stays zero, and so does a value of which the file has a
 /// part.
-void ReadFloats(ByteInput& input, std::span<float> values) {
+/// @return whether the file has all values
+bool ReadFloats(ByteInput& input, std::span<float> values) {
     const std::size_t got = input.Read(values.data(), values.size_bytes());
     if (const std::size_t rest = got % sizeof(float); rest != 0) values[got / sizeof(float)] = 0.0f;
+    return got == values.size_bytes();
 }
 
 /// Reads and checks the size of the grid and allocates its arrays. They take at most four times the size of the file.
@@ -43,7 +45,7 @@ MeasurementGrid ReadPaxFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, true);
     ReadFloats(input, grid.m_vPoints);
     ReadFloats(input, grid.m_vConfidence);
-    ReadFloats(input, grid.m_fTrafo);
+    grid.m_bHasTrafo = ReadFloats(input, grid.m_fTrafo);
     return grid;
 }
 

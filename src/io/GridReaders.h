@@ -46,6 +46,7 @@ struct MeasurementGrid {
     ZeroedFloats m_vPoints;                    ///< 3 per pixel, row after row
     ZeroedFloats m_vConfidence;                ///< one per pixel; empty for xdt
     std::array<float, 16> m_fTrafo{};          ///< row-major 4 x 4, sensor to world; zero for xdt
+    bool m_bHasTrafo = false;                  ///< the whole transform was in the file
 };
 
 /// From a file or from the bytes of one.

@@ -8,6 +8,7 @@
 
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
+#include "io/FiniteCoordinates.h"
 #include "io/HpsMeshFile.h"
 #include "render/MeshTexture.h"
 
@@ -49,6 +50,7 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
                             textured ? data.m_vPixels.data() : nullptr, data.m_uWidth, data.m_uHeight);
     mesh->ComputeBoundingBox();
     m_vpMeshes.push_back(std::move(mesh));
+    ReportNotFinite(path, data.m_uNotFinite);
     return 0;
 }
 

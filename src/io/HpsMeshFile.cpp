@@ -10,6 +10,7 @@
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
 #include "base/HugePages.h"
+#include "io/FiniteCoordinates.h"
 #include "platform/ComponentRegistry.h"
 
 namespace {
@@ -260,7 +261,7 @@ private:
     std::size_t m_vertexCount;
 };
 
-std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
+void ReadVertices(Object* mesh, std::size_t vertexCount, HpsData& data) {
     std::unique_ptr<float[]> positions, normals;
     {
         // ends the access before the vertices are made
@@ -268,14 +269,14 @@ std::vector<Vertex> ReadVertices(Object* mesh, std::size_t vertexCount) {
         positions = access.Read('P');
         normals = access.Read('N');
     }
-    std::vector<Vertex> vertices;
+    data.m_uNotFinite = CountNotFinite({positions.get(), 3 * vertexCount});
+    std::vector<Vertex>& vertices = data.m_vVertices;
     ReserveInHugePages(vertices, vertexCount);
     for (std::size_t i = 0; i < vertexCount; ++i) {
         const float* const p = &positions[3 * i];
         const float* const n = &normals[3 * i];
         vertices.push_back({p[0], p[1], p[2], n[0], n[1], n[2], 0xFFFFFFFF, 0});
     }
-    return vertices;
 }
 
 /// @param indices  three per triangle
@@ -339,7 +340,7 @@ HpsData ReadHpsFile(const wchar_t* path) {
         if (!mesh) throw HpsReadError("Can't decode HPS mesh file.");
         size = SizeOf(mesh.get());
         if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, size.vertices);
-        data.m_vVertices = ReadVertices(mesh.get(), size.vertices);
+        ReadVertices(mesh.get(), size.vertices, data);
         indices = ReadIndices(mesh.get(), size.triangles);
         reader.Close();
     }  // frees the library's mesh and file before the faces, the largest array, are allocated

@@ -1,6 +1,7 @@
 // Mesh files in the hps format, read and written through the objects of the component library, which alone knows the
 // bytes of a file. The objects and their operations: KV_Components/Hps.h.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -18,6 +19,7 @@ struct HpsReadError : std::runtime_error {
 /// The content of an hps file.
 struct HpsData {
     std::vector<Vertex> m_vVertices;            ///< colour 0xFFFFFFFF, gridIndex 0
+    std::size_t m_uNotFinite = 0;               ///< coordinates of vertices that are infinite or NaN
     std::vector<HpsFace> m_vFaces;              ///< all indices are valid
     std::uint32_t m_uWidth = 0, m_uHeight = 0;  ///< of the texture, pixels; 0 without one
     std::vector<std::uint32_t> m_vPixels;     ///< RGBA bytes of the texture, the row of v = 0 first; empty without one

@@ -14,8 +14,8 @@ struct MeasurementOrigin {
     std::wstring m_sName;
     std::uint32_t m_uColor = 0;                ///< 0x00BBGGRR, used when the grid has no colours of its own
     std::int32_t m_iIndex = -1;                ///< order in a parallel import; the host's own indices start at 0
-    const char* m_pRefusedBy = "SetScanData";  ///< for a size or skip value that is not possible
-    const char* m_pMeshedBy = "SetScanData";   ///< for a grid without triangles
+    const char* m_pRefusedBy = "SetScanData";  ///< in the line with the reason
+    const char* m_pMeshedBy = "SetScanData";   ///< in the fixed line about a grid without triangles
 };
 
 /// Written by the imports of io/ and by the setting methods of control/.

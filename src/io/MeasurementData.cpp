@@ -3,10 +3,13 @@
 #include "io/MeasurementData.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <iterator>
+#include <string_view>
 
 #include "base/HugePages.h"
+#include "io/FiniteCoordinates.h"
 #include "io/GridLimits.h"
 
 namespace {
@@ -74,6 +77,19 @@ void MaskPixels(MeasurementData& data, std::size_t pixels, const MeasurementArra
              [&](std::size_t i) { return ((classes[i] >= kFirstInvalidClass) | (limit > confidence[i])) != 0; });
 }
 
+/// Why no pixel is valid. Only for a grid whose pixels are all masked.
+std::string MaskReason(const MeasurementArrays& arrays, const MeasurementRules& rules, std::size_t pixels) {
+    if (rules.m_eMask == GridMask::EqualNegatives) return "no pixel was measured";
+    const std::uint8_t* const classes = arrays.m_pClassification;
+    const bool isByClass = classes != nullptr && std::all_of(classes, classes + pixels, [](std::uint8_t pixelClass) {
+                               return pixelClass >= kFirstInvalidClass;
+                           });
+    if (isByClass) return "all pixels are classified as invalid";
+    char digits[32];  // std::to_chars() does not depend on the locale
+    const char* const end = std::to_chars(digits, std::end(digits), rules.m_fConfidenceLimit).ptr;
+    return std::string("no pixel passes the confidence limit ").append(std::string_view(digits, end));
+}
+
 /// Only the translation has a unit; rotation and last row are copied.
 void SetTrafo(MeasurementData& data, const float* trafo, GridScale scale) {
     data.m_bHasTrafo = trafo != nullptr;
@@ -81,6 +97,14 @@ void SetTrafo(MeasurementData& data, const float* trafo, GridScale scale) {
     std::copy_n(trafo, data.m_fTrafo.size(), data.m_fTrafo.begin());
     if (scale == GridScale::None) return;
     for (const std::size_t translation : {3, 7, 11}) data.m_fTrafo[translation] *= kFileToSceneScale;
+}
+
+/// Null when all arrays are there that the rules need.
+const char* MissingArray(const MeasurementArrays& arrays, const MeasurementRules& rules) {
+    if (arrays.m_pPoints == nullptr) return "there is no array of points";
+    if (rules.m_eMask == GridMask::ClassAndConfidence && arrays.m_pConfidence == nullptr)
+        return "there is no array of confidence values";
+    return nullptr;
 }
 
 }  // namespace
@@ -91,9 +115,14 @@ MeasurementData MakeMeasurementData(const MeasurementArrays& arrays, const Measu
     data.m_iHeight = arrays.m_iHeight;
     if (!IsPossibleGrid(arrays.m_iWidth, arrays.m_iHeight)) return data;
 
-    SetTrafo(data, arrays.m_pTrafo, rules.m_eScale);
     // Sides are below 2^15: the products fit.
     const std::size_t pixels = static_cast<std::size_t>(arrays.m_iWidth) * static_cast<std::size_t>(arrays.m_iHeight);
+    if (const char* refusal = MissingArray(arrays, rules); pixels > 0 && refusal != nullptr) {
+        data.m_iWidth = data.m_iHeight = 0;
+        data.m_sRefusal = refusal;
+        return data;
+    }
+    SetTrafo(data, arrays.m_pTrafo, rules.m_eScale);
     if (rules.m_eScale == GridScale::None) {
         data.m_pSourcePoints = arrays.m_pPoints;
     } else {
@@ -102,6 +131,9 @@ MeasurementData MakeMeasurementData(const MeasurementArrays& arrays, const Measu
     }
     // The mask rules apply to scaled points: a denormal number can become zero.
     MaskPixels(data, pixels, arrays, rules);
+    if (pixels > 0 && static_cast<std::size_t>(data.m_iMasked) == pixels)
+        data.m_sMaskReason = MaskReason(arrays, rules, pixels);
+    data.m_uNotFinite = CountNotFinite(data.Points(), data.m_vMask);
     // Colours are never changed. Those of masked pixels count, too: they decide whether the object is grey.
     data.m_pSourceColors = arrays.m_pColors;
     return data;

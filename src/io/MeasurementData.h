@@ -2,6 +2,7 @@
 // the arrays come from a file or from the host.
 #pragma once
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -48,7 +49,9 @@ struct MeasurementData {
     std::array<float, 16> m_fTrafo{};      ///< row-major 4 x 4, translation in scene units
     bool m_bHasTrafo = true;               ///< false: the source has none, and the object keeps the identity
     std::vector<std::uint32_t> m_vColors;  ///< one per pixel; empty when the source's are used or there are none
-    std::string m_sRefusal;                ///< why LoadMeasurementFile() read nothing; else empty
+    std::string m_sRefusal;                ///< why there is no grid: the file or an array is missing; else empty
+    std::size_t m_uNotFinite = 0;          ///< coordinates of valid pixels that are infinite or NaN
+    std::string m_sMaskReason;             ///< when all pixels are masked, why none is valid; else empty
 
     const float* m_pSourcePoints = nullptr;          ///< the caller's points where m_vXYZ is empty
     const std::uint32_t* m_pSourceColors = nullptr;  ///< the caller's colours where m_vColors is empty; may be null
@@ -61,5 +64,6 @@ struct MeasurementData {
 
 /// Scales and masks a measurement, in one pass per array. Any thread.
 /// @param arrays  must outlive the result, which refers to the colours and, when nothing is scaled, to the points. A
-///                size that IsPossibleGrid() denies gives data of that size without arrays, and nothing is read
+///                size that IsPossibleGrid() denies gives data of that size without arrays, and nothing is read; a
+///                grid without the arrays that the rules need gives an empty measurement with m_sRefusal
 [[nodiscard]] MeasurementData MakeMeasurementData(const MeasurementArrays& arrays, const MeasurementRules& rules);

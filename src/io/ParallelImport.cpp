@@ -1,19 +1,25 @@
 // Parallel import: the entry that the host's threads call, the staging list, and its transfer to the object list.
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <string>
 #include <utility>
 
 #include "control/ScenePaneCtrl.h"
+#include "io/FileMessage.h"
 #include "io/MeasurementData.h"
 
 namespace {
 
+constexpr char kEntryName[] = "ImportMeasurementInternal";
+
 /// The entry that the host's threads call. It reads settings of the control without a lock: the host must not change
-/// them during a parallel import.
+/// them during a parallel import. No exception leaves it, since a thread of the host may have no handler for it: an
+/// import that fails returns false with its reason in the debugger output.
 bool ImportMeasurementInternal(void* control, const wchar_t* name, std::int32_t width, std::int32_t height,
                                const float* points, const float* confidence, const float* trafo,
                                const std::uint8_t* classification, const std::uint32_t* colors, std::uint32_t color,
-                               std::int32_t index) {
+                               std::int32_t index) try {
     auto& self = *static_cast<CKV_ScenePaneCtrl*>(control);
     const MeasurementArrays arrays = {.m_iWidth = width,
                                       .m_iHeight = height,
@@ -23,11 +29,14 @@ bool ImportMeasurementInternal(void* control, const wchar_t* name, std::int32_t 
                                       .m_pTrafo = trafo,
                                       .m_pColors = colors};
     const MeasurementRules rules = {.m_eScale = GridScale::Thousandths, .m_fConfidenceLimit = self.m_fConfidenceFilter};
-    return self.SetScanData(MakeMeasurementData(arrays, rules), {.m_sName = name,
+    return self.SetScanData(MakeMeasurementData(arrays, rules), {.m_sName = std::wstring(TextOrEmpty(name)),
                                                                  .m_uColor = color,
                                                                  .m_iIndex = index,
-                                                                 .m_pRefusedBy = "ImportMeasurementInternal",
-                                                                 .m_pMeshedBy = "ImportMeasurementInternal"});
+                                                                 .m_pRefusedBy = kEntryName,
+                                                                 .m_pMeshedBy = kEntryName});
+} catch (const std::exception&) {
+    ReportCaughtError(kEntryName, TextOrEmpty(name));
+    return false;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "control/ScenePaneCtrl.h"
 #include "geometry/MeanNormals.h"
 #include "io/FileMessage.h"
+#include "io/FiniteCoordinates.h"
 #include "io/PlyMesh.h"
 #include "io/PlyMeshWriter.h"
 #include "render/MeshTexture.h"
@@ -41,6 +42,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
                              ? MakeTexturedMesh(std::move(buffers), data)
                              : std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles),
                                                       L"", data.m_bHasColors));
+    ReportNotFinite(path, data.m_uNotFinite);
     return 0;
 }
 

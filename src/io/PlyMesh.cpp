@@ -14,6 +14,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "base/HugePages.h"
 #include "io/CPLYFile.h"
+#include "io/FiniteCoordinates.h"
 
 namespace {
 
@@ -119,12 +120,16 @@ void Reader::ReadPositionsFromViews() {
     PlyArrayView z = m_data.GetArrayView("vertex", "z");
     for (const PlyArrayView* view : {&x, &y, &z}) view->RequireWidth(sizeof(float));
     ReserveInHugePages(Vertices(), static_cast<std::size_t>(x.m_iCount));
+    std::size_t notFinite = 0;
     for (std::int64_t i = 0, at = 0; i < x.m_iCount; ++i, at += x.m_iStride) {
         Vertices().push_back({.x = ValueAt<float>(x.m_pFirst + at),
                               .y = ValueAt<float>(y.m_pFirst + at),
                               .z = ValueAt<float>(z.m_pFirst + at),
                               .color = kWhite});
+        const Vertex& vertex = Vertices().back();
+        for (const float coordinate : {vertex.x, vertex.y, vertex.z}) notFinite += IsNotFinite(coordinate) ? 1 : 0;
     }
+    m_mesh.m_uNotFinite = notFinite;
 }
 
 // The fast ways first; each gives up without a reason, which the last one finds.

@@ -1,10 +1,12 @@
 // Imports ois and msh files, which io/SmallMeshes.h reads. The normals of ois are computed here; msh has its own.
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
+#include "io/FiniteCoordinates.h"
 #include "io/SmallMeshes.h"
 
 namespace {
@@ -22,10 +24,13 @@ std::shared_ptr<Mesh> MakeMesh(MeshBuffers&& buffers) {
 int CKV_ScenePaneCtrl::ImportOis(const wchar_t* path) {
     try {
         // smooth normals by vertex index: nothing is welded
-        std::shared_ptr<Mesh> mesh = MakeMesh(ReadOisFile(path));
+        FileMesh buffers = ReadOisFile(path);
+        const std::size_t notFinite = buffers.m_uNotFinite;
+        std::shared_ptr<Mesh> mesh = MakeMesh(std::move(buffers));
         mesh->ComputeVertexNormals();
         mesh->ComputeBoundingBox();
         m_vpMeshes.push_back(std::move(mesh));
+        ReportNotFinite(path, notFinite);
         return 0;
     } catch (const FileReadError& error) {
         ReportFileError("ImportOis", path, error.what());
@@ -36,9 +41,12 @@ int CKV_ScenePaneCtrl::ImportOis(const wchar_t* path) {
 int CKV_ScenePaneCtrl::ImportMsh(const wchar_t* path) {
     try {
         // with the normals of the file, whatever their length
-        std::shared_ptr<Mesh> mesh = MakeMesh(ReadMshFile(path));
+        FileMesh buffers = ReadMshFile(path);
+        const std::size_t notFinite = buffers.m_uNotFinite;
+        std::shared_ptr<Mesh> mesh = MakeMesh(std::move(buffers));
         mesh->ComputeBoundingBox();
         m_vpMeshes.push_back(std::move(mesh));
+        ReportNotFinite(path, notFinite);
         return 0;
     } catch (const FileReadError& error) {
         ReportFileError("ImportMsh", path, error.what());

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/HugePages.h"
+#include "io/FiniteCoordinates.h"
 #include "io/MeshRecords.h"
 
 static_assert(std::endian::native == std::endian::little, "values are copied from the file without a conversion");
@@ -26,21 +27,22 @@ constexpr Layout kOis{12, 12};
 constexpr Layout kMsh{24, 24};
 constexpr std::size_t kMaxRecordSize = 24;
 
-/// Calls @p add with every announced record. Values that are missing at the end of the file, or incomplete there, keep
-/// those of the record before, at first zero.
+/// Calls @p add with every announced record and the number of its bytes that are in the file. Values that are missing
+/// at the end of the file, or incomplete there, keep those of the record before, at first zero.
 template <typename Add>
 void ForEachRecord(ByteInput& input, std::size_t size, std::uint64_t count, const Add& add) {
     std::array<std::byte, kMaxRecordSize> record{};
     RecordBlocks blocks(input, size, count);
     for (auto records = blocks.Next(); !records.empty(); records = blocks.Next()) {
-        for (std::size_t at = 0; at < records.size(); at += size) add(&records[at]);
+        for (std::size_t at = 0; at < records.size(); at += size) add(&records[at], size);
         std::memcpy(record.data(), &records[records.size() - size], size);
     }
     // the record in which the file ends: its whole values replace those of the last record
     if (blocks.Missing() == 0) return;
     const auto tail = blocks.Tail();
-    if (const std::size_t whole = tail.size() / 4 * 4; whole > 0) std::memcpy(record.data(), tail.data(), whole);
-    for (std::uint64_t i = 0; i < blocks.Missing(); ++i) add(record.data());
+    const std::size_t whole = tail.size() / 4 * 4;
+    if (whole > 0) std::memcpy(record.data(), tail.data(), whole);
+    for (std::uint64_t i = 0; i < blocks.Missing(); ++i) add(record.data(), i == 0 ? whole : 0);
 }
 
 /// Throws with the first triangle that refers to a missing vertex, if there is one.
@@ -54,7 +56,7 @@ void RequireVertices(const MeshBuffers& mesh) {
 }
 
 /// Counts, vertices, triangles; then the indices are checked, those of missing triangles included.
-MeshBuffers ReadFrom(ByteInput&& input, const Layout& layout) {
+FileMesh ReadFrom(ByteInput&& input, const Layout& layout) {
     // the counts, checked against the size of the file before anything is allocated
     std::int32_t counts[2] = {};
     if (input.Read(counts, sizeof counts) < sizeof counts) throw FileReadError("ends before its counts");
@@ -64,13 +66,17 @@ MeshBuffers ReadFrom(ByteInput&& input, const Layout& layout) {
                 vertices * std::uint64_t{layout.vertexSize} + triangles * std::uint64_t{layout.triangleSize});
 
     // then the records
-    MeshBuffers mesh(false);
+    FileMesh mesh(false);
     ReserveInHugePages(mesh.m_vVertices, vertices);
     ReserveInHugePages(mesh.m_vTriangles, triangles);
-    ForEachRecord(input, layout.vertexSize, vertices, [&](const std::byte* record) {
-        std::memcpy(static_cast<void*>(&mesh.m_vVertices.emplace_back()), record, layout.vertexSize);
+    ForEachRecord(input, layout.vertexSize, vertices, [&](const std::byte* record, std::size_t inFile) {
+        Vertex& vertex = mesh.m_vVertices.emplace_back();
+        std::memcpy(static_cast<void*>(&vertex), record, layout.vertexSize);
+        const float position[] = {vertex.x, vertex.y, vertex.z};
+        for (std::size_t i = 0; i < 3 && (i + 1) * sizeof(float) <= inFile; ++i)
+            mesh.m_uNotFinite += IsNotFinite(position[i]) ? 1 : 0;
     });
-    ForEachRecord(input, layout.triangleSize, triangles, [&](const std::byte* record) {
+    ForEachRecord(input, layout.triangleSize, triangles, [&](const std::byte* record, std::size_t) {
         constexpr std::size_t kIndices = sizeof(Triangle);  // after the face normal, which is skipped
         std::memcpy(&mesh.m_vTriangles.emplace_back(), record + layout.triangleSize - kIndices, kIndices);
     });
@@ -80,7 +86,7 @@ MeshBuffers ReadFrom(ByteInput&& input, const Layout& layout) {
 
 }  // namespace
 
-MeshBuffers ReadOisFile(const std::wstring& path) { return ReadFrom(FileInput(path), kOis); }
-MeshBuffers ReadOis(std::span<const std::byte> bytes) { return ReadFrom(MemoryInput(bytes), kOis); }
-MeshBuffers ReadMshFile(const std::wstring& path) { return ReadFrom(FileInput(path), kMsh); }
-MeshBuffers ReadMsh(std::span<const std::byte> bytes) { return ReadFrom(MemoryInput(bytes), kMsh); }
+FileMesh ReadOisFile(const std::wstring& path) { return ReadFrom(FileInput(path), kOis); }
+FileMesh ReadOis(std::span<const std::byte> bytes) { return ReadFrom(MemoryInput(bytes), kOis); }
+FileMesh ReadMshFile(const std::wstring& path) { return ReadFrom(FileInput(path), kMsh); }
+FileMesh ReadMsh(std::span<const std::byte> bytes) { return ReadFrom(MemoryInput(bytes), kMsh); }

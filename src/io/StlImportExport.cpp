@@ -9,15 +9,17 @@
 #include <system_error>
 #include <utility>
 
+#include "KV_ScenePane/PathText.h"
 #include "base/AtomicFile.h"
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
+#include "io/FiniteCoordinates.h"
 #include "io/StlMesh.h"
 #include "platform/WaitCursor.h"
 
 int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
     try {
-        MeshBuffers buffers = ReadStlFile(path);
+        FileMesh buffers = ReadStlFile(path);
         // no name, no colours: the object gets the default colour
         auto mesh = std::make_shared<Mesh>(std::wstring(), false);
         mesh->m_vVertices = std::move(buffers.m_vVertices);
@@ -25,7 +27,8 @@ int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
         // smooth normals: the corners at one position share a vertex
         mesh->ComputeVertexNormals();
         mesh->ComputeBoundingBox();
-        m_vpMeshes.push_back(std::move(mesh));  // last: what throws before it changes nothing
+        m_vpMeshes.push_back(std::move(mesh));  // what throws before it changes nothing
+        ReportNotFinite(path, buffers.m_uNotFinite);
         return 0;
     } catch (const FileReadError& error) {
         ReportFileError("ImportStl", path, error.what());

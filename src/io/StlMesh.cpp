@@ -15,6 +15,7 @@
 #include "base/HugePages.h"
 #include "geometry/FaceNormal.h"
 #include "geometry/Mesh.h"
+#include "io/FiniteCoordinates.h"
 #include "io/MeshRecords.h"
 #include "io/VertexWeld.h"
 
@@ -72,18 +73,18 @@ public:
     explicit StlTriangles(std::uint32_t count) : m_uMaxVertices(std::size_t{3} * count) {
         // A closed surface has about half as many vertices as triangles.
         const auto expected = static_cast<std::size_t>(count * 0.6);
-        ReserveInHugePages(m_buffers.m_vTriangles, count);
-        ReserveInHugePages(m_buffers.m_vVertices, expected);
-        m_weld.emplace(m_buffers.m_vVertices, expected);
+        ReserveInHugePages(m_mesh.m_vTriangles, count);
+        ReserveInHugePages(m_mesh.m_vVertices, expected);
+        m_weld.emplace(m_mesh.m_vVertices, expected);
     }
 
     /// @param corners  three positions per triangle
     void Append(std::span<const Float3> corners) {
-        auto& vertices = m_buffers.m_vVertices;
+        auto& vertices = m_mesh.m_vVertices;
         // More vertices than a closed surface has, up to a triangle soup. All memory at once: growing step by step
         // would have the old and the new array at the same time; pages that are never written need no memory.
         if (vertices.capacity() - vertices.size() < corners.size()) ReserveInHugePages(vertices, m_uMaxVertices);
-        auto& triangles = m_buffers.m_vTriangles;
+        auto& triangles = m_mesh.m_vTriangles;
         const std::size_t first = triangles.size();
         triangles.resize(first + corners.size() / 3);
         m_weld->Weld(corners, triangles[first].v);
@@ -97,6 +98,7 @@ public:
             const std::size_t count = std::min(kBatch, records.size() / kRecordSize);
             for (std::size_t i = 0; i < count; ++i)
                 std::memcpy(&corners[3 * i], &records[i * kRecordSize + kNormalSize], kCornersSize);
+            m_mesh.m_uNotFinite += CountNotFinite({corners[0].data(), 9 * count});
             Append({corners, 3 * count});
             records = records.subspan(count * kRecordSize);
         }
@@ -111,7 +113,10 @@ public:
         Float3 position = m_last;
         for (std::size_t i = 0; i < 9; ++i) {
             const std::size_t offset = kNormalSize + i * sizeof(float);
-            if (offset + sizeof(float) <= tail.size()) std::memcpy(&position[i % 3], &tail[offset], sizeof(float));
+            if (offset + sizeof(float) <= tail.size()) {
+                std::memcpy(&position[i % 3], &tail[offset], sizeof(float));
+                m_mesh.m_uNotFinite += CountNotFinite({&position[i % 3], 1});
+            }
             corners[i / 3] = position;
         }
         Append({corners, 3});
@@ -124,17 +129,17 @@ public:
         }
     }
 
-    MeshBuffers Take() { return std::move(m_buffers); }
+    FileMesh Take() { return std::move(m_mesh); }
 
 private:
-    MeshBuffers m_buffers{false};
+    FileMesh m_mesh{false};
     std::size_t m_uMaxVertices;
     std::optional<VertexWeld> m_weld;
     Float3 m_last{};  ///< the last corner
 };
 
 /// Start, whole records block by block, then the records that are missing.
-MeshBuffers ReadStlFrom(ByteInput&& input) {
+FileMesh ReadStlFrom(ByteInput&& input) {
     const Start start = ReadStart(input);
     CheckStart(start, input);
     StlTriangles triangles(start.count);
@@ -170,8 +175,8 @@ void PackTriangle(const Mesh& mesh, std::size_t index, std::byte* record) {
 
 }  // namespace
 
-MeshBuffers ReadStlFile(const std::wstring& path) { return ReadStlFrom(FileInput(path)); }
-MeshBuffers ReadStl(std::span<const std::byte> bytes) { return ReadStlFrom(MemoryInput(bytes)); }
+FileMesh ReadStlFile(const std::wstring& path) { return ReadStlFrom(FileInput(path)); }
+FileMesh ReadStl(std::span<const std::byte> bytes) { return ReadStlFrom(MemoryInput(bytes)); }
 
 void WriteStl(const Mesh& mesh, const ByteSink& sink) {
     const std::size_t triangles = mesh.m_vTriangles.size();

@@ -5,8 +5,8 @@
 #include <span>
 #include <string>
 
-#include "geometry/Vertex.h"
 #include "io/ByteInput.h"
+#include "io/FileMesh.h"
 
 class Mesh;
 
@@ -17,8 +17,8 @@ class Mesh;
 /// of
 ///         the announced bytes; the reason mentions when it looks like text. std::length_error for more vertices than
 ///         an index can count
-[[nodiscard]] MeshBuffers ReadStlFile(const std::wstring& path);
-[[nodiscard]] MeshBuffers ReadStl(std::span<const std::byte> bytes);
+[[nodiscard]] FileMesh ReadStlFile(const std::wstring& path);
+[[nodiscard]] FileMesh ReadStl(std::span<const std::byte> bytes);
 
 /// Receives the next bytes of a file.
 using ByteSink = std::function<void(std::span<const std::byte>)>;

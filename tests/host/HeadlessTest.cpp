@@ -95,7 +95,7 @@ TEST(Info, AppliesSkipValueAndConfidenceLimit) {
         << out.Text();
     options.import.confidence = 0.50001f;
     EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "all.pcm") + ": its valid points form no triangle\n");
+    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "all.pcm") + ": no pixel passes the confidence limit 0.50001\n");
 }
 
 TEST(Info, GivesADifferentReasonForEachDamageOfAPcmFile) {

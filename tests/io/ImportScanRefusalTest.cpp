@@ -20,7 +20,8 @@ TEST_F(ImportScan, ReportsThatAPcmGaveNoMesh) {
     scan.classification.assign(9, 240);
     Import(scan, "masked.pcm");
     EXPECT_EQ(Count(), 0u);
-    EXPECT_EQ(c.debugOutput.Text(), kNoMesh);
+    EXPECT_EQ(c.debugOutput.Text(),
+              "ImportScan(): " + (folder / "masked.pcm") + ": all pixels are classified as invalid\n" + kNoMesh);
 }
 
 TEST_F(ImportScan, ReportsThatAMissingOrDamagedPcmGaveNoMesh) {
@@ -157,17 +158,20 @@ TEST_F(ImportScan, ReadsTheMissingPixelsOfAShortXdtAsZero) {
                   4);
 }
 
-TEST_F(ImportScan, ReadsTheMissingConfidenceOfAShortPaxAsZero) {
+// With the zeros in its place all points would be at the origin.
+TEST_F(ImportScan, RefusesAPaxThatEndsBeforeTheEndOfItsTransform) {
     const ScanSample scan(4, 4, 1);
-    const ScanBytes half = Cut(scan.Pax(), 4 + 16 * 12);  // all points, nothing after them
-    Import(half, "half.pax");
-    ASSERT_EQ(Count(), 1u) << "zero is not below the limit of zero";
-    EXPECT_EQ(Last().GetVertexCount(), 16u);
-    c->SetConfidenceFilter(0.001f);
-    c.debugOutput.Clear();
-    Import(half, "half.pax");
-    EXPECT_EQ(Count(), 1u) << "every pixel is skipped now";
-    EXPECT_EQ(c.debugOutput.Text(), kNoMesh);
+    const ScanBytes whole = scan.Pax();
+    c->SetAllowEmptyObjects(-1);
+    for (const std::size_t size : {whole.size() - 1, whole.size() - 64, std::size_t{4 + 16 * 12}}) {
+        Import(Cut(whole, size), "short.pax");
+        EXPECT_EQ(Count(), 0u) << size;
+        EXPECT_EQ(c.debugOutput.Take(),
+                  "ImportPax(): " + (folder / "short.pax") + ": ends before the end of its transform\n");
+    }
+    Import(whole, "whole.pax");
+    EXPECT_EQ(Count(), 1u);
+    EXPECT_THAT(c.debugOutput.Text(), IsEmpty());
 }
 
 TEST_F(ImportScan, RefusesAFileThatHoldsLessThanAQuarterOfItsGrid) {

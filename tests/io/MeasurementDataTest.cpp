@@ -39,8 +39,11 @@ protected:
     }
     /// Mask of a row of pixels by their confidence alone.
     static std::vector<std::uint16_t> ConfidenceMask(const std::vector<float>& row, float limit) {
-        const MeasurementArrays arrays = {
-            .m_iWidth = static_cast<std::int32_t>(row.size()), .m_iHeight = 1, .m_pConfidence = row.data()};
+        const std::vector<float> points(3 * row.size());
+        const MeasurementArrays arrays = {.m_iWidth = static_cast<std::int32_t>(row.size()),
+                                          .m_iHeight = 1,
+                                          .m_pPoints = points.data(),
+                                          .m_pConfidence = row.data()};
         return MakeMeasurementData(arrays, {.m_fConfidenceLimit = limit}).m_vMask;
     }
 

@@ -84,7 +84,9 @@ TEST(ImportMeasurementFromMemory, ReportsThatAGridGaveNoMesh) {
     c->SetConfidenceFilter(2);
     ImportGrid(*c, ScanSample(3, 3, 1));
     EXPECT_EQ(c->GetNumObjects(), 0);
-    EXPECT_EQ(c.debugOutput.Text(), kNoMesh);
+    EXPECT_EQ(
+        c.debugOutput.Text(),
+        std::string("ImportMeasurementFromMemory(): (no file): no pixel passes the confidence limit 2\n") + kNoMesh);
     EXPECT_EQ(c.window->eraseInvalidates, 1);
 }
 

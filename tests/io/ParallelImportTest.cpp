@@ -5,7 +5,10 @@
 #include <atomic>
 #include <cmath>
 #include <cstring>
+#include <limits>
+#include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -285,10 +288,78 @@ TEST_F(ParallelImport, ReturnsFalseWithAReasonForAGridWithoutAMesh) {
     Begin();
     ASSERT_TRUE(Import(L"zero", 0));
     EXPECT_FALSE(Import(masked, L"one", 1));
-    EXPECT_EQ(c.debugOutput.Text(), kNoMesh);
+    EXPECT_EQ(c.debugOutput.Text(),
+              std::string("ImportMeasurementInternal(): one: all pixels are classified as invalid\n") + kNoMesh);
     ASSERT_TRUE(Import(L"two", 2));
     c->EndParallelImport();
     EXPECT_EQ(Names(), L"zero two ");
+}
+
+/// One line, however long the list of settings of the test is.
+void ExpectOneReason(const std::string& text, const std::string& file, const std::string& reason) {
+    EXPECT_EQ(text, "ImportMeasurementInternal(): " + file + ": " + reason + "\n" + kNoMesh);
+}
+
+TEST_F(ParallelImport, NamesTheConfidenceLimitThatNoPixelPasses) {
+    Begin();
+    for (const auto& [limit, text] : {std::pair{5.0f, "5"}, {1.5f, "1.5"}, {1234567.0f, "1234567"}}) {
+        c->SetConfidenceFilter(limit);
+        c.debugOutput.Clear();
+        EXPECT_FALSE(Import(L"/d/a.pcm", 0));
+        ExpectOneReason(c.debugOutput.Text(), "/d/a.pcm", std::string("no pixel passes the confidence limit ") + text);
+    }
+    // Some pixels fail by their class, the others by their confidence.
+    ScanSample scan(3, 3, 1000);
+    scan.classification[kMiddle] = 250;
+    c.debugOutput.Clear();
+    EXPECT_FALSE(Import(scan, L"a", 0));
+    ExpectOneReason(c.debugOutput.Text(), "a", "no pixel passes the confidence limit 1234567");
+}
+
+TEST_F(ParallelImport, TakesANullNameForAnEmptyOne) {
+    ScanSample masked(3, 3, 1000);
+    masked.classification.assign(9, 240);
+    Begin();
+    std::thread([&] {
+        EXPECT_TRUE(Import(nullptr, 0));
+        EXPECT_FALSE(Import(masked, nullptr, 1));
+    }).join();
+    c->EndParallelImport();
+    ASSERT_EQ(c->GetNumObjects(), 1);
+    EXPECT_EQ(c->m_vpMeshes[0]->m_sName, L"");
+    ExpectOneReason(c.debugOutput.Text(), "(no file)", "all pixels are classified as invalid");
+}
+
+TEST_F(ParallelImport, RefusesAGridWithoutItsArrays) {
+    const ScanSample scan(3, 3, 1000);
+    const auto import = [&](const float* points, const float* confidence, const float* trafo,
+                            const std::uint8_t* classes) {
+        return m_entry(m_control, L"a", 3, 3, points, confidence, trafo, classes, nullptr, 0, 0);
+    };
+    Begin();
+    EXPECT_FALSE(import(nullptr, scan.confidence.data(), scan.trafo.data(), scan.classification.data()));
+    ExpectOneReason(c.debugOutput.Take(), "a", "there is no array of points");
+    EXPECT_FALSE(import(scan.points.data(), nullptr, scan.trafo.data(), scan.classification.data()));
+    ExpectOneReason(c.debugOutput.Take(), "a", "there is no array of confidence values");
+    EXPECT_TRUE(import(scan.points.data(), scan.confidence.data(), nullptr, nullptr)) << "neither is needed";
+    EXPECT_EQ(c.debugOutput.Take(), "");
+    c->EndParallelImport();
+    EXPECT_EQ(c->GetNumObjects(), 1);
+}
+
+TEST_F(ParallelImport, CountsTheCoordinatesOfValidPixelsThatAreNotFinite) {
+    constexpr float kInf = std::numeric_limits<float>::infinity();
+    ScanSample scan(3, 3, 1000);
+    scan.SetPoint(kMiddle, {NAN, kInf, 0});
+    scan.SetPoint(0, {NAN, NAN, NAN});
+    scan.classification[0] = 240;
+    Begin();
+    EXPECT_TRUE(Import(scan, L"/d/a.pcm", 0));
+    EXPECT_TRUE(Import(scan, nullptr, 1));
+    c->EndParallelImport();
+    EXPECT_EQ(c.debugOutput.Text(),
+              "/d/a.pcm: 2 coordinates are not finite\n(no file): 2 coordinates are not finite\n");
+    EXPECT_EQ(c->GetNumObjects(), 2);
 }
 
 TEST_F(ParallelImport, MakesAnEmptyObjectWhereTheseAreAllowed) {
@@ -377,7 +448,15 @@ TEST_F(ManyThreads, GiveTheSameSceneAsOneThread) {
     EXPECT_EQ(ImportAll(kThreads), kGrids - kWithoutAMesh);
     const auto parallel = std::move(c->m_vpMeshes);
     c->m_vpMeshes.clear();
-    EXPECT_EQ(c.debugOutput.Text().size(), kWithoutAMesh * (sizeof(kNoMesh) - 1)) << "whole lines from all threads";
+    std::istringstream lines(c.debugOutput.Text());
+    std::map<std::string, int> counts;
+    for (std::string line; std::getline(lines, line);) ++counts[line + '\n'];
+    EXPECT_EQ(counts[kNoMesh], kWithoutAMesh) << "whole lines from all threads";
+    for (int i = 0; i < kGrids; i += 7)
+        EXPECT_EQ(counts["ImportMeasurementInternal(): grid " + std::to_string(i) +
+                         ": all pixels are classified as invalid\n"],
+                  1);
+    EXPECT_EQ(counts.size(), kWithoutAMesh + 1u);
     EXPECT_EQ(ImportAll(1), kGrids - kWithoutAMesh);
     ASSERT_EQ(parallel.size(), c->m_vpMeshes.size());
     int grid = 0;

@@ -50,8 +50,8 @@ using Corner = std::array<int, 3>;
 
 struct Format {
     const char* name;
-    MeshBuffers (*read)(std::span<const std::byte>);
-    MeshBuffers (*readFile)(const std::wstring&);
+    FileMesh (*read)(std::span<const std::byte>);
+    FileMesh (*readFile)(const std::wstring&);
     MeshBytes sample;
     std::size_t vertexSize, triangleSize;
 };
