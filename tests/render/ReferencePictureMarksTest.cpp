@@ -51,6 +51,20 @@ TEST_P(ReferenceMarks, AreTheBoundingBoxes) {
     ExpectMarks(WithoutColors(BoxMarks(both.scene)), KV_ScenePane::DrawModeBoundingBoxes, 0.003);
 }
 
+TEST_P(ReferenceMarks, AreTheBoxesOfTheSelectionOnly) {
+    both.Methods().AddSelection(kHidden);
+    both.Methods().AddSelection(4);
+    for (int i = 0; i < kGalleryObjects; ++i)
+        both.scene.objects[static_cast<std::size_t>(i)].visible = i == kHidden || i == 4;
+    const auto boxes = BoxMarks(both.scene);
+    const auto c = CompareMarks(boxes, Renderer(both.scene).DrawBackground(), both.Draw(KV_ScenePane::DrawModeNothing));
+    EXPECT_EQ(c.missing + c.foreign, 0) << c.first;
+    EXPECT_GE(c.marks, 8);
+    both.Methods().ResetSelection();
+    const auto none = CompareMarks({}, Renderer(both.scene).DrawBackground(), both.Draw(KV_ScenePane::DrawModeNothing));
+    EXPECT_EQ(none.drawn, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(Gallery, ReferenceMarks, testing::ValuesIn(MainCases()),
                          [](const auto& row) { return NameOf(row.param); });
 

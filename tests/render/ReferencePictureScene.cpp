@@ -171,6 +171,17 @@ reference::Object ToReference(const HostObject& host) {
     return object;
 }
 
+Bounds VisibleBounds(const reference::Scene& scene) {
+    Vec low{1e30, 1e30, 1e30}, high{-1e30, -1e30, -1e30};
+    for (const reference::Object& object : scene.objects) {
+        if (!object.visible) continue;
+        low = {std::min(low.x, object.boxMin.x), std::min(low.y, object.boxMin.y), std::min(low.z, object.boxMin.z)};
+        high = {std::max(high.x, object.boxMax.x), std::max(high.y, object.boxMax.y),
+                std::max(high.z, object.boxMax.z)};
+    }
+    return {low, high};
+}
+
 std::vector<PictureSize> Sizes() { return {{333, 777}, {640, 480}, {300, 300}, {257, 129}, {37, 23}}; }
 
 Demand DemandFor(const PictureSize& size) {
@@ -237,13 +248,7 @@ TwoRenderers::TwoRenderers(const std::vector<HostObject>& objects, const Picture
 }
 
 void TwoRenderers::FitReference() {
-    Vec low{1e30, 1e30, 1e30}, high{-1e30, -1e30, -1e30};
-    for (const reference::Object& object : scene.objects) {
-        if (!object.visible) continue;
-        low = {std::min(low.x, object.boxMin.x), std::min(low.y, object.boxMin.y), std::min(low.z, object.boxMin.z)};
-        high = {std::max(high.x, object.boxMax.x), std::max(high.y, object.boxMax.y),
-                std::max(high.z, object.boxMax.z)};
-    }
+    const auto [low, high] = VisibleBounds(scene);
     scene.camera.center = 0.5 * (low + high);
     scene.camera.sceneSize = std::sqrt(Dot(high - low, high - low));
 }

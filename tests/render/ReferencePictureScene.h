@@ -50,6 +50,12 @@ inline constexpr int kHidden = 5, kPlate = 8, kGalleryObjects = 9;
 /// What a mesh of these arrays is to the renderer.
 [[nodiscard]] reference::Object ToReference(const HostObject& object);
 
+struct Bounds {
+    Vec low, high;
+};
+/// Around the visible objects.
+[[nodiscard]] Bounds VisibleBounds(const reference::Scene& scene);
+
 struct PictureSize {
     int width = 0, height = 0;
 };

@@ -83,4 +83,32 @@ TEST(ReferenceWindows, ShowTheSameAwayFromEdgesWithSamples) {
     expect(Shading::Shadowed, KV_ScenePane::DrawModeGouraud, "shadow");
 }
 
+constexpr int kShotSide = 2048, kStep = 8;
+
+/// One pixel of each square of a screenshot.
+std::vector<std::uint32_t> ThinnedShot(KV_ScenePane::_DKV_ScenePane& methods) {
+    std::vector<std::uint32_t> shot(std::size_t{kShotSide} * kShotSide), thinned;
+    methods.CaptureScreenShot(shot.data());
+    for (std::size_t row = kStep / 2; row < kShotSide; row += kStep)
+        for (std::size_t column = kStep / 2 - 1; column < kShotSide; column += kStep)
+            thinned.push_back(shot[row * kShotSide + column]);
+    return thinned;
+}
+
+TEST(ReferenceWindows, AreAsBeforeAfterAScreenshot) {
+    TwoRenderers both(Gallery(), {640, 480}, Turned());
+    both.SetBackground({0x805040, 0x305040, 0x201008, 0x20F008});
+    const auto shot = ThinnedShot(both.Methods());
+    ExpectAllShadings(both, "AfterScreenshot");
+
+    // The picture has the view's direction and zoom and shows the box of the scene with a margin of two units.
+    const auto [low, high] = VisibleBounds(both.scene);
+    const Vec size = high - low + Vec{4.0, 4.0, 4.0};
+    both.scene.camera.center = 0.5 * (low + high);
+    both.scene.camera.sceneSize = std::sqrt(Dot(size, size));
+    both.scene.camera.width = both.scene.camera.height = kShotSide / kStep;
+    const Picture expected = Renderer(both.scene, kStep).Draw(Shading::Gouraud);
+    ExpectSamePicture(expected, shot, {}, "Screenshot");
+}
+
 }  // namespace

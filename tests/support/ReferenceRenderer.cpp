@@ -7,11 +7,6 @@ namespace {
 /// Distance of the outer samples from the centre of a pixel along x and y: several times the grid of 1/256 pixel to
 /// which drivers round the corners of triangles.
 constexpr double kAside = 1.0 / 64.0;
-constexpr std::array<std::array<double, 2>, 5> kSamples = {{{0.5, 0.5},
-                                                            {0.5 - kAside, 0.5 - kAside},
-                                                            {0.5 + kAside, 0.5 - kAside},
-                                                            {0.5 - kAside, 0.5 + kAside},
-                                                            {0.5 + kAside, 0.5 + kAside}}};
 /// On an edge between two triangles softpipe may leave a pixel out, so that what is behind them shows.
 constexpr double kCrack = 1.0 / 512.0;
 /// A pixel is compared when its samples differ by at most this, of 255.
@@ -34,7 +29,13 @@ Vec Texture::At(double u, double v) const {
            up * ((1.0 - right) * texel(left, low + 1.0) + right * texel(left + 1.0, low + 1.0));
 }
 
-Renderer::Renderer(const Scene& scene) : m_scene(scene) {
+Renderer::Renderer(const Scene& scene, int step) : m_scene(scene), m_crack(kCrack / step) {
+    const double middle = (0.5 * step - (step > 1 ? 0.5 : 0.0)) / step, aside = kAside / step;
+    m_samples = {{{middle, middle},
+                  {middle - aside, middle - aside},
+                  {middle + aside, middle - aside},
+                  {middle - aside, middle + aside},
+                  {middle + aside, middle + aside}}};
     for (const Object& object : scene.objects) m_stages.push_back(RunVertexStage(object));
 }
 
@@ -58,8 +59,8 @@ void Renderer::CastRays() {
     if (!m_hits[0].empty()) return;
     const int width = m_scene.camera.width, height = m_scene.camera.height;
     m_triangles = ProjectTriangles(m_scene, CameraView(m_scene.camera), WindowOf(m_scene.camera, width, height));
-    for (std::size_t s = 0; s < kSamples.size(); ++s)
-        m_hits[s] = CastAll(m_triangles, width, height, kSamples[s][0], kSamples[s][1]);
+    for (std::size_t s = 0; s < m_samples.size(); ++s)
+        m_hits[s] = CastAll(m_triangles, width, height, m_samples[s][0], m_samples[s][1]);
 }
 
 const ShadowMap& Renderer::Map() {
@@ -153,15 +154,16 @@ Picture Renderer::Draw(Shading shading) {
             const auto cell = static_cast<std::size_t>(row * picture.width + column);
             const auto pixel = static_cast<std::size_t>((picture.height - 1 - row) * picture.width + column);
             const Hit& hit = m_hits[0][cell];
-            const Sample center = Shade(hit, column + 0.5, row + 0.5, shading);
+            const Sample center = Shade(hit, column + m_samples[0][0], row + m_samples[0][1], shading);
             bool masked = center.undecided || hit.next - hit.depth < kDepthRounding;
             if (hit.triangle >= 0) {
                 const WindowTriangle& triangle = m_triangles[static_cast<std::size_t>(hit.triangle)];
-                masked = masked || DistanceFromEdges(triangle, column + 0.5, row + 0.5) < kCrack;
+                masked =
+                    masked || DistanceFromEdges(triangle, column + m_samples[0][0], row + m_samples[0][1]) < m_crack;
                 picture.objects[pixel] = triangle.object;
             }
-            for (std::size_t s = 1; s < kSamples.size() && !masked; ++s) {
-                const Sample other = Shade(m_hits[s][cell], column + kSamples[s][0], row + kSamples[s][1], shading);
+            for (std::size_t s = 1; s < m_samples.size() && !masked; ++s) {
+                const Sample other = Shade(m_hits[s][cell], column + m_samples[s][0], row + m_samples[s][1], shading);
                 masked = other.undecided || Largest(other.color - center.color) > kSteady;
             }
             picture.colors[pixel] = center.color;

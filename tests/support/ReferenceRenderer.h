@@ -14,7 +14,10 @@ enum class Shading { Flat, Gouraud, PerPixel, Shadowed };
 class Renderer {
 public:
     /// @param scene  must outlive the renderer
-    explicit Renderer(const Scene& scene);
+    /// @param step   1, or an even number: the scene's pixels are then squares of step x step pixels of a larger
+    /// picture,
+    ///               of which the one to the left of and below the middle is computed
+    explicit Renderer(const Scene& scene, int step = 1);
 
     /// The background and the visible objects.
     [[nodiscard]] Picture Draw(Shading shading);
@@ -50,9 +53,11 @@ private:
     [[nodiscard]] Picture NewPicture() const;
 
     const Scene& m_scene;
+    std::array<std::array<double, 2>, 5> m_samples{};  ///< places in a pixel
+    double m_crack;
     std::vector<VertexStage> m_stages;
     std::vector<WindowTriangle> m_triangles;
-    std::array<std::vector<Hit>, 5> m_hits;  ///< at the centre of each pixel and at four places around it
+    std::array<std::vector<Hit>, 5> m_hits;  ///< one per sample
     std::optional<ShadowMap> m_map;
 };
 
