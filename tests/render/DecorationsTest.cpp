@@ -136,7 +136,7 @@ TEST_P(Background, LeavesNoDepthBehind) {
     for (const auto& [x, y] : {std::pair{0, 0}, {160, 120}, {319, 239}}) {
         float depth = 0;
         glReadPixels(x, y, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
-        EXPECT_EQ(depth, 1.0f);
+        EXPECT_GT(depth, 0.999f);  // that of the quads is 0.5; virgl reads 1 - 1 / 65536 for 1
     }
 }
 

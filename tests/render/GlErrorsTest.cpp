@@ -80,7 +80,7 @@ const UnkindCall kUnkindCalls[] = {
     PointSize("PointSizeInfinite", kInfinity),
     PointSize("PointSizeMinusInfinite", -kInfinity),
     Zoom("ZoomZero", 0),
-    Zoom("ZoomBelowAnyWidth", 1e-42f),
+    Zoom("ZoomTiny", 1e-42f),
     Zoom("ZoomNegative", -1),
     Zoom("ZoomHuge", 3e38f),
     Zoom("ZoomInfinite", kInfinity),

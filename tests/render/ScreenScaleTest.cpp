@@ -119,7 +119,7 @@ TEST_P(ScreenScale, WidensWiresAndBoxes) {
         EXPECT_EQ(thin, lines) << mode;
         pane->SetScale(4);
         Frame();
-        EXPECT_EQ(DrawnInColumn(180), 4 * thin) << mode;
+        EXPECT_NEAR(DrawnInColumn(180), 4 * thin, 1) << mode;  // the diagonal: drivers differ by a pixel at its edge
     }
 }
 
