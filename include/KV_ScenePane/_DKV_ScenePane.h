@@ -38,7 +38,7 @@ public:
     virtual void SetSize(std::int16_t sx, std::int16_t sy) = 0;
     /// Removes all objects, undo steps, 3D lines and cut masks in progress, turns the view to the world axes and fits
     /// it; invalidates. Needles, pick-point spheres, free points and overlays stay. The selection and the variable
-    /// objects keep dangling entries: reset them first.
+    /// objects keep their entries, which have no effect any more.
     virtual void ClearData() = 0;
     /// Drops all undo steps. [declared only]
     virtual void ClearUndoStack() = 0;
@@ -71,7 +71,8 @@ public:
     virtual void DeselectAllNeedles() = 0;
     /// Selects a needle, fires NeedleSelected and refreshes. An unknown id does nothing. [declared only]
     virtual void SelectNeedle(std::int32_t id) = 0;
-    /// Makes the window again with another OpenGL context. The scene is lost, overlays stay.
+    /// Makes the window again with another OpenGL context. The scene is lost, overlays stay. What showMessage throws for
+    /// a refused context passes through to the caller; there is no window then, as after any refusal.
     /// @param majorVersion, minorVersion  requested version, compatibility profile
     /// @param numberOfSamples  samples per pixel, exactly; 0 for none
     /// @return always true: a failure is reported by the message and the log, and HasWindow() is then false
@@ -179,7 +180,7 @@ public:
     /// Colours of the upper and of the lower corners, 0x00BBGGRR; refreshes.
     virtual void SetBackgroundColors(std::int32_t TopColor, std::int32_t BottomColor) = 0;
     /// Removes an object; later indices move down by one. Asks for no repaint. The selection and the variable objects
-    /// may keep a dangling entry: reset them first.
+    /// keep an entry of it, which has no effect once no undo step holds the object either.
     virtual void DeleteObject(std::int16_t idx) = 0;
     /// Creates several needles, with NeedleCreated for each.
     /// @param id  one per needle

@@ -8,7 +8,7 @@ namespace KV_ScenePane {
 
 /// A host derives from this, overrides the events it needs, and connects the object with ScenePane::Connect(). Events
 /// fire synchronously inside the method or the input that caused them, on the viewer's thread; a handler may call
-/// methods of the viewer. Points and directions are in the world frame. Bodies are empty by default.
+/// methods of the viewer and destroy it. Points and directions are in the world frame. Bodies are empty by default.
 class _DKV_ScenePaneEvents {
 public:
     /// Fired by a platform that loads controls asynchronously; not fired here

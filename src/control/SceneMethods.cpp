@@ -1,5 +1,7 @@
 // Methods on the object list: counts, colours, boxes, transforms, deletion, selection.
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
@@ -9,6 +11,37 @@ namespace {
 // Rotation and translation of a row-major 4 x 4 matrix; Set() receives the rotation column by column.
 void SetFromRows(CACADQTrafo& trafo, const float (&m)[16]) {
     trafo.Set(m[0], m[4], m[8], m[1], m[5], m[9], m[2], m[6], m[10], m[3], m[7], m[11]);
+}
+
+using References = std::vector<std::weak_ptr<Mesh>>;
+
+/// Appends an object to a list of plain pointers, and the reference that shows later whether it still exists: the
+/// allocator may give its address to another object.
+void AddEntry(const std::shared_ptr<Mesh>& mesh, std::vector<Mesh*>& list, References& references) {
+    references.resize(list.size());
+    references.push_back(mesh);
+    list.push_back(mesh.get());
+}
+
+/// Whether it never referred to an object; one whose object is gone is not empty.
+bool IsEmpty(const std::weak_ptr<Mesh>& reference) {
+    const std::weak_ptr<Mesh> none;
+    return !reference.owner_before(none) && !none.owner_before(reference);
+}
+
+/// An entry without a reference of its own was not made by AddEntry(); it counts while the scene holds its object.
+std::vector<std::shared_ptr<Mesh>> LiveEntries(const std::vector<Mesh*>& list, const References& references,
+                                               const std::vector<std::shared_ptr<Mesh>>& scene) {
+    std::vector<std::shared_ptr<Mesh>> live;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        if (i < references.size() && !IsEmpty(references[i])) {
+            if (std::shared_ptr<Mesh> mesh = references[i].lock()) live.push_back(std::move(mesh));
+            continue;
+        }
+        const auto found = std::ranges::find(scene, list[i], &std::shared_ptr<Mesh>::get);
+        if (found != scene.end()) live.push_back(*found);
+    }
+    return live;
 }
 
 }  // namespace
@@ -132,14 +165,31 @@ void CKV_ScenePaneCtrl::SetBlendObjectColors(std::int16_t idx, std::int16_t enab
     if (Mesh* mesh = ObjectAt(idx)) mesh->SetBlendColors(enabled != 0);
 }
 
-void CKV_ScenePaneCtrl::ResetSelection() { m_vpSelection.clear(); }
+// ---- the lists of selected and variable objects
 
-void CKV_ScenePaneCtrl::AddSelection(std::int16_t idx) {
-    if (Mesh* mesh = ObjectAt(idx)) m_vpSelection.push_back(mesh);
+void CKV_ScenePaneCtrl::ResetSelection() {
+    m_vpSelection.clear();
+    m_vSelectionRefs.clear();
 }
 
-void CKV_ScenePaneCtrl::ResetVariableObjects() { m_vpVariableObjects.clear(); }
+void CKV_ScenePaneCtrl::AddSelection(std::int16_t idx) {
+    if (ObjectAt(idx) != nullptr) AddEntry(m_vpMeshes[static_cast<std::size_t>(idx)], m_vpSelection, m_vSelectionRefs);
+}
+
+std::vector<std::shared_ptr<Mesh>> CKV_ScenePaneCtrl::LiveSelection() const {
+    return LiveEntries(m_vpSelection, m_vSelectionRefs, m_vpMeshes);
+}
+
+void CKV_ScenePaneCtrl::ResetVariableObjects() {
+    m_vpVariableObjects.clear();
+    m_vVariableRefs.clear();
+}
 
 void CKV_ScenePaneCtrl::AddVariableObject(std::int16_t idx) {
-    if (Mesh* mesh = ObjectAt(idx)) m_vpVariableObjects.push_back(mesh);
+    if (ObjectAt(idx) != nullptr)
+        AddEntry(m_vpMeshes[static_cast<std::size_t>(idx)], m_vpVariableObjects, m_vVariableRefs);
+}
+
+std::vector<std::shared_ptr<Mesh>> CKV_ScenePaneCtrl::LiveVariableObjects() const {
+    return LiveEntries(m_vpVariableObjects, m_vVariableRefs, m_vpMeshes);
 }

@@ -1,4 +1,4 @@
-// Construction, destruction, repaint requests, and the interface of the host's handle beside the automation methods.
+// Construction, destruction, repaint requests, and what the host's handle passes on beside the automation methods.
 #include "control/ScenePaneCtrl.h"
 
 #include <GL/glew.h>
@@ -9,6 +9,7 @@
 #include <cassert>
 #include <utility>
 
+#include "base/ScopeExit.h"
 #include "render/MeshDraw.h"
 
 std::recursive_mutex* g_drawLock = nullptr;
@@ -51,8 +52,6 @@ void CKV_ScenePaneCtrl::RefreshControl() { m_pWindow->Refresh(); }
 
 void CKV_ScenePaneCtrl::InvalidateControl(bool erase) { m_pWindow->Invalidate(erase); }
 
-KV_ScenePane::_DKV_ScenePane& CKV_ScenePaneCtrl::Methods() { return *this; }
-
 void CKV_ScenePaneCtrl::Connect(KV_ScenePane::_DKV_ScenePaneEvents* events) { m_pEvents = events; }
 
 int CKV_ScenePaneCtrl::EventDescriptor() const { return m_pWindow->EventDescriptor(); }
@@ -73,11 +72,26 @@ bool CKV_ScenePaneCtrl::GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo
     return true;
 }
 
+bool CKV_ScenePaneCtrl::GetGraphicsInfo(KV_ScenePane::GraphicsInfo* info) {
+    if (!MakeContextCurrent()) return false;
+    const auto text = [](GLenum name) {
+        const GLubyte* const bytes = glGetString(name);
+        return bytes == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(bytes));
+    };
+    *info = {m_pWindow->DeviceName(), text(GL_RENDERER), text(GL_VENDOR), text(GL_VERSION)};
+    return true;
+}
+
 bool CKV_ScenePaneCtrl::CapturePicture(KV_ScenePane::Picture* picture) {
     if (!MakeContextCurrent()) return false;
     picture->pixels.clear();
     m_pCapture = picture;
+    const ScopeExit reset([this] { m_pCapture = nullptr; });  // no later frame writes to a picture that is gone
     RefreshControl();
-    m_pCapture = nullptr;
     return !picture->pixels.empty();
+}
+
+void CKV_ScenePaneCtrl::CloseForHost() {
+    m_bClosed = true;
+    m_pEvents = nullptr;
 }

@@ -47,7 +47,6 @@ class CKV_ScenePaneCtrl final : public SceneState,
                                 public CutState,
                                 public AlignState,
                                 public KV_ScenePane::_DKV_ScenePane,
-                                public KV_ScenePane::ScenePane,
                                 public WindowClient {
 public:
     using VARIANT_BOOL = KV_ScenePane::VARIANT_BOOL;
@@ -58,7 +57,7 @@ public:
     /// Sets the members; creates no window and makes no OpenGL call.
     explicit CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window);
     /// Destroys the window first when it is still there.
-    ~CKV_ScenePaneCtrl() override;
+    ~CKV_ScenePaneCtrl();
     CKV_ScenePaneCtrl(const CKV_ScenePaneCtrl&) = delete;
     CKV_ScenePaneCtrl& operator=(const CKV_ScenePaneCtrl&) = delete;
     /// Creates the window and with it the context.
@@ -71,19 +70,34 @@ public:
     void RefreshControl();
     /// Queues a repaint. @param erase  passed on to the window with the request
     void InvalidateControl(bool erase);
+    /// Fires an event. All events go through it: the repaint that a method requests after an event is not lost when the
+    /// handler throws.
+    template <typename... Parameters, typename... Arguments>
+    void Fire(void (KV_ScenePane::_DKV_ScenePaneEvents::*event)(Parameters...), Arguments... arguments) {
+        if (m_pEvents == nullptr) return;
+        try {
+            (m_pEvents->*event)(arguments...);
+        } catch (...) {
+            InvalidateControl(false);
+            throw;
+        }
+    }
 
-    // ---- control/ScenePaneCtrl.cpp: the interface of the host's handle
-    KV_ScenePane::_DKV_ScenePane& Methods() override;
-    void Connect(KV_ScenePane::_DKV_ScenePaneEvents* events) override;
-    [[nodiscard]] int EventDescriptor() const override;
-    void ProcessEvents() override;
-    [[nodiscard]] bool HasWindow() const override;
-    [[nodiscard]] std::uintptr_t NativeWindow() const override;
-    bool Reparent(std::uintptr_t parent, int x, int y) override;
-    void SendMouse(const KV_ScenePane::MouseInput& input) override { OnMouse(input); }
-    void SendKey(const KV_ScenePane::KeyInput& input) override { OnKey(input); }
-    bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info) override;
-    bool CapturePicture(KV_ScenePane::Picture* picture) override;
+    // ---- control/ScenePaneCtrl.cpp: what the host's handle passes on (control/ScenePaneHandle.cpp)
+    void Connect(KV_ScenePane::_DKV_ScenePaneEvents* events);
+    [[nodiscard]] int EventDescriptor() const;
+    void ProcessEvents();
+    [[nodiscard]] bool HasWindow() const;
+    [[nodiscard]] std::uintptr_t NativeWindow() const;
+    bool Reparent(std::uintptr_t parent, int x, int y);
+    void SendMouse(const KV_ScenePane::MouseInput& input) { OnMouse(input); }
+    void SendKey(const KV_ScenePane::KeyInput& input) { OnKey(input); }
+    bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info);
+    bool GetGraphicsInfo(KV_ScenePane::GraphicsInfo* info);
+    bool CapturePicture(KV_ScenePane::Picture* picture);
+    /// The host has destroyed the handle, perhaps inside a call of it: from here on nothing is fired, shown or drawn,
+    /// and input is ignored.
+    void CloseForHost();
 
     // ---- control/SettingMethods.cpp: properties. Each change invalidates with erase and marks the control modified.
     VARIANT_BOOL GetDrawMosaic() override;
@@ -270,6 +284,10 @@ public:
     // ---- control/SceneMethods.cpp
     /// The object at a host's index, or null when it is negative or past the end.
     [[nodiscard]] Mesh* ObjectAt(std::int16_t idx) const;
+    /// The entries of m_vpSelection whose object still exists, in their order; they exist as long as the result.
+    [[nodiscard]] std::vector<std::shared_ptr<Mesh>> LiveSelection() const;
+    /// The same of m_vpVariableObjects.
+    [[nodiscard]] std::vector<std::shared_ptr<Mesh>> LiveVariableObjects() const;
 
     // ---- io/ImportScan.cpp
     /// Common end of all imports of a grid: triangulates it and passes the object to AddMeshToScene(). Any thread
@@ -298,6 +316,12 @@ public:
     // ---- render/ContextLifecycle.cpp
     int OnCreate() override;
     void OnDestroy() override;
+
+    // ---- render/ScreenScale.cpp
+    /// Sets m_fScale, see ScenePane::SetScale().
+    void SetScale(double scale);
+    /// Makes the fonts and the line width of m_fScale in the current context.
+    void ApplyScale();
 
     // ---- render/Frame.cpp
     void OnPaint() override;
@@ -379,6 +403,8 @@ public:
     void ConnectMouseHandlers();
     void OnMouse(const KV_ScenePane::MouseInput& input) override;
     void OnPrivateMessage(std::uint32_t message) override;
+    /// For a press that waits while the window is made again.
+    void RestartDispatchTimer();
     void OnMouseWheel(std::uint32_t flags, std::int32_t delta);
 
     // ---- view/MousePress.cpp: x and y are pixels of the drawing area, flags as in MouseInput and kMouseMoved

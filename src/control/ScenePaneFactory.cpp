@@ -3,6 +3,7 @@
 
 #include "KV_ScenePane/ScenePane.h"
 #include "control/ScenePaneCtrl.h"
+#include "control/ScenePaneHandle.h"
 #include "platform/UserMessage.h"
 #include "platform/WindowFactory.h"
 
@@ -17,12 +18,14 @@ std::unique_ptr<ScenePane> CreateScenePane(const WindowRequest& request, std::st
         ShowUserMessage(hook, text);
     };
 
-    auto control = std::make_unique<CKV_ScenePaneCtrl>(MakePaneWindow(recorded));
+    auto control = std::make_shared<CKV_ScenePaneCtrl>(MakePaneWindow(recorded));
     control->m_nGlMajorVersion = request.glMajor;
     control->m_nGlMinorVersion = request.glMinor;
     control->m_nGlSamples = request.samples;
+    control->m_bSamplesOptional = true;
+    control->SetScale(request.scale);
     std::string windowReason;
-    if (control->CreateControlWindow(&windowReason)) return control;
+    if (control->CreateControlWindow(&windowReason)) return MakeHandle(std::move(control));
     if (reason != nullptr) *reason = windowReason.empty() ? *lastMessage : windowReason;
     return nullptr;
 }

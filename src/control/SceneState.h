@@ -17,9 +17,11 @@
 struct SceneState {
     std::unique_ptr<PaneWindow> m_pWindow;
     KV_ScenePane::_DKV_ScenePaneEvents* m_pEvents = nullptr;  ///< the host's, or null; not owned
+    bool m_bClosed = false;                                   ///< the host has destroyed its handle
 
-    std::vector<std::shared_ptr<Mesh>> m_vpMeshes;  ///< shared with the steps of m_vUndoStack
-    std::vector<Mesh*> m_vpSelection;               ///< not owned; dangling after ClearData() until the host resets it
+    std::vector<std::shared_ptr<Mesh>> m_vpMeshes;      ///< shared with the steps of m_vUndoStack
+    std::vector<Mesh*> m_vpSelection;                   ///< not owned, may dangle: read it by LiveSelection()
+    std::vector<std::weak_ptr<Mesh>> m_vSelectionRefs;  ///< of the entry of m_vpSelection at the same index
 
     bool m_bModified = false;              ///< a persisted property was written since the last save
     std::int32_t m_bDrawMosaic = 0;        ///< persisted and reported; nothing draws by it

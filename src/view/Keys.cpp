@@ -42,6 +42,7 @@ void HighlightPlaneByCtrl(CKV_ScenePaneCtrl& control) {
 }  // namespace
 
 void CKV_ScenePaneCtrl::OnKey(const KV_ScenePane::KeyInput& input) {
+    if (m_bClosed) return;
     if (input.isDown)
         OnKeyPressed(input.nChar, input.nRepCnt, input.nFlags);
     else
@@ -50,7 +51,7 @@ void CKV_ScenePaneCtrl::OnKey(const KV_ScenePane::KeyInput& input) {
 
 // The order is part of the surface: the host, the viewer, the dialog.
 void CKV_ScenePaneCtrl::OnKeyPressed(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
-    if (m_pEvents != nullptr) m_pEvents->CustomKeyDown(nChar, nRepCnt, nFlags);
+    Fire(&KV_ScenePane::_DKV_ScenePaneEvents::CustomKeyDown, nChar, nRepCnt, nFlags);
     // Every key stops the turntable, so Space can only start one that did not run.
     const bool animationRan = m_bAnimationRunning != 0;
     m_bAnimationRunning = 0;

@@ -27,6 +27,7 @@ void CKV_ScenePaneCtrl::ConnectMouseHandlers() {
 
 // Double clicks and moves pass the delay by; presses and releases may wait in it.
 void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
+    if (m_bClosed) return;
     using Kind = KV_ScenePane::MouseInput::Kind;
     const MousePoint point{input.x, input.y};
     const auto press = [&](std::int32_t button) {
@@ -67,7 +68,14 @@ void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
 
 // The window posts the message when the timer that DispatchPress() started has expired.
 void CKV_ScenePaneCtrl::OnPrivateMessage(std::uint32_t message) {
-    if (message == kTimerMessage) OnDispatchTimer(m_mouseDispatch);
+    if (message == kTimerMessage && !m_bClosed) OnDispatchTimer(m_mouseDispatch);
+}
+
+// While there was no window the message of the timer may have been dropped; the press would wait for ever.
+void CKV_ScenePaneCtrl::RestartDispatchTimer() {
+    if (!m_mouseDispatch.pending) return;
+    m_pWindow->StopTimer(m_mouseDispatch.timerId);
+    m_mouseDispatch.timerId = m_pWindow->StartTimer(m_mouseDispatch.delay);
 }
 
 // Zooms in the modes listed; in a lasso or a drag of the whole plane the wheel does nothing.

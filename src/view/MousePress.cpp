@@ -30,9 +30,8 @@ InteractionMode RightDragMode(const CKV_ScenePaneCtrl& control) {
 bool ReportPick(CKV_ScenePaneCtrl& control, std::int32_t object, const Float3& hit, std::uint32_t flags, std::int32_t x,
                 std::int32_t y) {
     if (object < 0 || !PickModeReportsObjects(control.m_nPickMode)) return false;
-    if (control.m_pEvents != nullptr)
-        control.m_pEvents->SelectObjCoords(static_cast<std::int16_t>(object), hit[0], hit[1], hit[2],
-                                           static_cast<std::int32_t>(flags), x, y);
+    control.Fire(&KV_ScenePane::_DKV_ScenePaneEvents::SelectObjCoords, static_cast<std::int16_t>(object), hit[0],
+                 hit[1], hit[2], static_cast<std::int32_t>(flags), x, y);
     control.RefreshControl();
     return true;
 }

@@ -1,0 +1,331 @@
+// A host may destroy its viewer inside any of its handlers, from whichever call they run: the control lives until the
+// outermost call has returned, and fires and draws nothing more.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "base/DebugOutput.h"
+#include "control/AutomationTable.h"
+#include "control/ScenePaneHandle.h"
+#include "support/ControlFixture.h"
+#include "support/Wait.h"
+#include "support/XvfbServer.h"
+#include "view/UserInput.h"
+
+namespace {
+
+using KV_ScenePane::MouseInput;
+using KV_ScenePane::ScenePane;
+using KV_ScenePane::WindowRequest;
+
+/// Runs a function in every event, and counts the events.
+class HostEvents final : public KV_ScenePane::_DKV_ScenePaneEvents {
+public:
+    std::function<void()> inside = [] {};
+    int fired = 0;
+
+    void SelectObjCoords(std::int16_t, float, float, float, std::int32_t, std::int32_t, std::int32_t) override {
+        Run();
+    }
+    void ViewDirectionChanged(float, float, float) override { Run(); }
+    void CustomKeyDown(std::int32_t, std::int32_t, std::int32_t) override { Run(); }
+    void PickPointCountChanged(std::int32_t) override { Run(); }
+    void AlignmentDone() override { Run(); }
+
+private:
+    void Run() {
+        ++fired;
+        inside();
+    }
+};
+
+/// What a control's window reports.
+struct WindowNotes {
+    bool isDead = false;  ///< destroyed, with the control
+    int swaps = 0;
+    bool writesInFrames = false;  ///< a text to the debugger output in each frame
+};
+
+class MortalProbe final : public WindowProbe {
+public:
+    MortalProbe(std::unique_ptr<PaneWindow> window, WindowNotes& notes)
+        : WindowProbe(std::move(window)), m_notes(notes) {}
+    ~MortalProbe() override { m_notes.isDead = true; }
+    void SwapBuffers() override {
+        ++m_notes.swaps;
+        if (m_notes.writesInFrames) DebugOutput("in a frame\n");
+        WindowProbe::SwapBuffers();
+    }
+
+private:
+    WindowNotes& m_notes;
+};
+
+/// A host with one viewer of a pickable scene.
+class DestroyedInHandler : public testing::TestWithParam<WindowRequest::Kind> {
+protected:
+    DestroyedInHandler() {
+        WindowRequest request;
+        request.kind = GetParam();
+        request.width = 100, request.height = 80;
+        request.showMessage = [this](const std::string&) {
+            ++messages;
+            events.inside();
+        };
+        if (GetParam() == WindowRequest::Kind::TopLevel) XvfbServer::Shared();
+        auto control =
+            std::make_shared<CKV_ScenePaneCtrl>(std::make_unique<MortalProbe>(MakePaneWindow(request), notes));
+        std::string reason;
+        if (!control->CreateControlWindow(&reason)) ADD_FAILURE() << reason;
+        AddMesh(*control, {{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}}, {Triangle{{0, 1, 2}}});
+        AddMesh(*control, {{-1, -1, 1}, {1, -1, 1}, {0, 1, 1}}, {Triangle{{0, 1, 2}}});
+        pane = MakeHandle(std::move(control));
+        pane->Connect(&events);
+        pane->Methods().CenterView();
+        pane->Methods().SetPickMode(KV_ScenePane::PickModePoints);
+        pane->Methods().TracingMode(1);
+        pane->Methods().PerformRefresh();
+        events.fired = 0;
+    }
+    ~DestroyedInHandler() override { KV_ScenePane::SetDebugOutputSink({}); }
+
+    /// From here on every event, message and text of the debugger output destroys the viewer.
+    void DestroyInside() {
+        events.inside = [this] {
+            if (pane == nullptr) return;
+            pane.reset();
+            EXPECT_FALSE(notes.isDead) << "the control is still on the stack";
+            swapsAtEnd = notes.swaps;
+        };
+        KV_ScenePane::SetDebugOutputSink([this](std::string_view) { events.inside(); });
+    }
+
+    /// A call of the host in which a handler destroys the viewer.
+    template <typename Call>
+    void ExpectEndOf(const char* name, Call call) {
+        SCOPED_TRACE(name);
+        DestroyInside();
+        call(*pane);
+        EXPECT_EQ(pane, nullptr) << "no handler has run";
+        EXPECT_TRUE(notes.isDead);
+        EXPECT_LE(events.fired + messages, 1);
+        EXPECT_EQ(notes.swaps, swapsAtEnd) << "a frame was drawn afterwards";
+    }
+
+    static void Click(ScenePane& pane, MouseInput::Kind kind) { pane.SendMouse({.kind = kind, .x = 50, .y = 40}); }
+
+    WindowNotes notes;
+    int swapsAtEnd = 0, messages = 0;
+    HostEvents events;
+    std::unique_ptr<ScenePane> pane;
+};
+
+INSTANTIATE_TEST_SUITE_P(Windows, DestroyedInHandler,
+                         testing::Values(WindowRequest::Kind::OffScreen, WindowRequest::Kind::TopLevel),
+                         [](const auto& row) {
+                             return row.param == WindowRequest::Kind::OffScreen ? "OffScreen" : "TopLevel";
+                         });
+
+TEST_P(DestroyedInHandler, OutsideACallEndsAtOnce) {
+    pane.reset();
+    EXPECT_TRUE(notes.isDead);
+}
+
+TEST_P(DestroyedInHandler, OfAKey) {
+    ExpectEndOf("Escape", [](ScenePane& p) { p.SendKey({.nChar = KV_ScenePane::kKeyEscape}); });
+}
+
+TEST_P(DestroyedInHandler, OfAKeyThatStartsAnAnimation) {
+    pane->Methods().ToggleAnimationOnSpacebar(1);
+    ExpectEndOf("Space", [](ScenePane& p) { p.SendKey({.nChar = KV_ScenePane::kKeySpace}); });
+}
+
+TEST_P(DestroyedInHandler, OfAPick) {
+    ExpectEndOf("double click", [](ScenePane& p) { Click(p, MouseInput::Kind::DoubleClick); });
+}
+
+TEST_P(DestroyedInHandler, OfADrag) {
+    Click(*pane, MouseInput::Kind::LeftDown);
+    ExpectEndOf("move", [](ScenePane& p) {
+        p.SendMouse({.kind = MouseInput::Kind::Move, .flags = KV_ScenePane::kMouseLeft, .x = 70, .y = 30});
+    });
+}
+
+TEST_P(DestroyedInHandler, OfAPickInTheDelayedScheme) {
+    pane->Methods().SetIGDRotation(1);
+    Click(*pane, MouseInput::Kind::LeftDown);
+    Click(*pane, MouseInput::Kind::LeftUp);
+    ScenePane& viewer = *pane;
+    const auto processUntilDestroyed = [&](ScenePane&) {
+        EXPECT_TRUE(WaitUntil([&] { return pane == nullptr; }, [&] { viewer.ProcessEvents(); }));
+    };
+    ExpectEndOf("timer", processUntilDestroyed);
+}
+
+TEST_P(DestroyedInHandler, OfAMethodThatFires) {
+    ExpectEndOf("SetPickMode", [](ScenePane& p) { p.Methods().SetPickMode(0); });
+}
+
+TEST_P(DestroyedInHandler, OfAMethodThatFiresAndDraws) {
+    ExpectEndOf("SetViewParams", [](ScenePane& p) {
+        EXPECT_EQ(p.Methods().SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0), KV_ScenePane::kVariantTrue);
+    });
+}
+
+TEST_P(DestroyedInHandler, OfAMethodThatIsCalledByItsId) {
+    ExpectEndOf("id 18", [](ScenePane& p) {
+        const AutomationValue mode = std::int16_t{0};
+        EXPECT_EQ(InvokeMethod(p.Methods(), 18, {&mode, 1}, nullptr), AutomationStatus::Done);
+    });
+}
+
+TEST_P(DestroyedInHandler, OfAMethodInsideAnotherHandler) {
+    events.inside = [&] {
+        if (events.fired == 1) pane->Methods().SetPickMode(0);  // fires again, from inside
+        if (events.fired == 2 && pane != nullptr) pane.reset();
+        EXPECT_FALSE(notes.isDead);
+    };
+    pane->SendKey({.nChar = KV_ScenePane::kKeyEscape});
+    EXPECT_EQ(events.fired, 2);
+    EXPECT_TRUE(notes.isDead);
+}
+
+TEST_P(DestroyedInHandler, ThatThrowsAfterwardsPassesTheExceptionOn) {
+    events.inside = [&] {
+        pane.reset();
+        throw std::runtime_error("handler");
+    };
+    EXPECT_THROW(pane->SendKey({.nChar = KV_ScenePane::kKeyEscape}), std::runtime_error);
+    EXPECT_TRUE(notes.isDead);
+}
+
+TEST_P(DestroyedInHandler, OfTheDebuggerOutput) {
+    ExpectEndOf("GetObjectBoundingBox", [](ScenePane& p) {
+        float box[6];
+        p.Methods().GetObjectBoundingBox(99, &box[0], &box[1], &box[2], &box[3], &box[4], &box[5]);
+        EXPECT_EQ(box[0], 1.0f);
+    });
+}
+
+TEST_P(DestroyedInHandler, OfTheMessageOfARefusedContext) {
+    ExpectEndOf("RecreateOpenglContext", [](ScenePane& p) { p.Methods().RecreateOpenglContext(9, 9, 0); });
+}
+
+/// Ends as the dialog of an alignment does: with an event.
+class EndingDialog final : public CInteractionDlg {
+public:
+    explicit EndingDialog(CKV_ScenePaneCtrl& control) : m_control(control) { control.m_pInteractionDlg = this; }
+    void Finish() override {
+        CKV_ScenePaneCtrl& control = m_control;
+        control.m_pInteractionDlg = nullptr;
+        delete this;
+        control.Fire(&KV_ScenePane::_DKV_ScenePaneEvents::AlignmentDone);
+    }
+
+private:
+    CKV_ScenePaneCtrl& m_control;
+};
+
+TEST_P(DestroyedInHandler, OfADialogThatEndsWithTheWindow) {
+    new EndingDialog(ControlOf(*pane));
+    ExpectEndOf("RecreateOpenglContext", [](ScenePane& p) { p.Methods().RecreateOpenglContext(3, 3, 0); });
+}
+
+// The sink runs after the frame: the destruction does not take the context from under it.
+TEST_P(DestroyedInHandler, OfAFrame) {
+    notes.writesInFrames = true;
+    ExpectEndOf("PerformRefresh", [](ScenePane& p) { p.Methods().PerformRefresh(); });
+}
+
+TEST_P(DestroyedInHandler, OfACapturedFrame) {
+    notes.writesInFrames = true;
+    KV_ScenePane::Picture picture;
+    ExpectEndOf("CapturePicture", [&](ScenePane& p) { EXPECT_TRUE(p.CapturePicture(&picture)); });
+    EXPECT_EQ(picture.pixels.size(), 8000u);
+}
+
+TEST_P(DestroyedInHandler, OfAFrameOfProcessEvents) {
+    notes.writesInFrames = true;
+    pane->Methods().PerformInvalidate();
+    ExpectEndOf("ProcessEvents", [](ScenePane& p) { p.ProcessEvents(); });
+}
+
+TEST_P(DestroyedInHandler, MayBeReplacedByANewViewer) {
+    WindowRequest request;
+    request.width = 60, request.height = 40;
+    bool replaced = false;
+    events.inside = [&] {
+        if (replaced) return;
+        replaced = true;
+        pane = CreateScenePane(request, nullptr);
+    };
+    pane->SendKey({.nChar = KV_ScenePane::kKeyEscape});
+    EXPECT_TRUE(notes.isDead);
+    ASSERT_NE(pane, nullptr);
+    KV_ScenePane::Picture picture;
+    EXPECT_TRUE(pane->CapturePicture(&picture));
+    EXPECT_EQ(picture.pixels.size(), 2400u);
+}
+
+TEST_P(DestroyedInHandler, OfAnotherViewerIsSafeToo) {
+    WindowRequest request;
+    auto other = CreateScenePane(request, nullptr);
+    ASSERT_NE(other, nullptr);
+    events.inside = [&] { other.reset(); };
+    Click(*pane, MouseInput::Kind::DoubleClick);
+    EXPECT_EQ(other, nullptr);
+    EXPECT_FALSE(notes.isDead);
+    KV_ScenePane::Picture picture;
+    EXPECT_TRUE(pane->CapturePicture(&picture));
+}
+
+// Every method, property and call of the handle passes its arguments on: the control of a handle answers as one
+// without.
+TEST(ScenePaneHandle, PassesEveryMethodOn) {
+    WindowRequest request;
+    request.kind = WindowRequest::Kind::NoPicture;
+    const auto pane = CreateScenePane(request, nullptr);
+    CKV_ScenePaneCtrl direct(MakePaneWindow(request));
+    std::string reason;
+    ASSERT_TRUE(direct.CreateControlWindow(&reason));
+    CapturedDebugOutput output;
+    std::vector<std::uint8_t> memory(256), directMemory(256);
+    for (const AutomationMethod& method : AutomationMethods()) {
+        if (method.name == "BeginParallelImport" || method.name == "ImportMeshedMeasurement" ||
+            method.name == "GetMeshDataSize" || method.name == "CaptureScreenShot")
+            continue;  // the address of the control; a pointer to a mesh; an index that must be valid; 16 MB
+        const auto call = [&](KV_ScenePane::_DKV_ScenePane& target, std::vector<std::uint8_t>& bytes) {
+            std::vector<AutomationValue> arguments;
+            std::int16_t next = 3;
+            for (const char letter : method.signature.substr(1)) switch (letter) {
+                    case 's':
+                        arguments.emplace_back(next++);
+                        break;
+                    case 'i':
+                        arguments.emplace_back(std::int32_t{next++});
+                        break;
+                    case 'f':
+                        arguments.emplace_back(static_cast<float>(next++));
+                        break;
+                    case 'w':
+                        arguments.emplace_back(L"");
+                        break;
+                    default:
+                        arguments.emplace_back(static_cast<void*>(bytes.data() + 8 * (next++ % 16)));
+                        break;
+                }
+            AutomationValue result;
+            EXPECT_EQ(InvokeMethod(target, method.id, arguments, &result), AutomationStatus::Done);
+            return result;
+        };
+        const AutomationValue expected = call(direct, directMemory);
+        const std::string expectedOutput = output.Take();
+        EXPECT_EQ(call(pane->Methods(), memory), expected) << method.name;
+        EXPECT_EQ(output.Take(), expectedOutput) << method.name;
+        EXPECT_EQ(memory, directMemory) << method.name;
+    }
+}
+
+}  // namespace
