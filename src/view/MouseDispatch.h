@@ -64,6 +64,7 @@ void DispatchMove(MouseDispatch& dispatch, std::uint32_t flags, MousePoint point
 /// At once in both modes, also while a press is pending.
 void DispatchDoubleClick(MouseDispatch& dispatch, std::uint32_t flags, MousePoint point);
 /// Dispatches the pending press and after it the releases, if one came meanwhile. Does nothing with none pending.
+/// @throws the first exception of a handler, after all of them were called; nothing is pending then
 void OnDispatchTimer(MouseDispatch& dispatch);
 /// Switches between direct and delayed; a real change to direct drops a pending press. The press point is kept: the
 /// first release after the delay is switched on again may still report it.

@@ -1,5 +1,6 @@
 // What a move of the mouse does, by the interaction mode: hover, drag of the view, drag of an alignment, lasso. The
 // clip plane's part is clip/PlaneInput.cpp.
+#include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 #include "view/Rotation.h"
 #include "view/WindowFraction.h"
@@ -116,7 +117,12 @@ void CKV_ScenePaneCtrl::OnMouseMoved(std::uint32_t flags, std::int32_t x, std::i
         RefreshControl();
         return;
     }
-    if (!MoveInMode(*this, flags, x, y)) return;
-    m_nLastMouseX = x;
-    m_nLastMouseY = y;
+    // Also when a handler of the host throws: the view has moved by this travel already.
+    bool becomesLast = true;
+    const ScopeExit store([&] {
+        if (!becomesLast) return;
+        m_nLastMouseX = x;
+        m_nLastMouseY = y;
+    });
+    becomesLast = MoveInMode(*this, flags, x, y);
 }

@@ -1,7 +1,10 @@
 // The delayed scheme in a whole control. One test reads the real one-shot timer of an off-screen window; in the others
 // the test ends the delay by the timer's private message, so that no result depends on the speed of the machine.
+#include <poll.h>
+
 #include <chrono>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -135,6 +138,101 @@ TEST_F(HeldDelay, IsSwitchedOnByAnyNumberButZero) {
         Mouse(Kind::RightDown, kMouseRight);
         EXPECT_TRUE(c->m_mouseDispatch.pending) << on;
     }
+}
+
+// ---- handlers of the host that throw
+
+/// Throws in the events that the scheme leads to while it is told to, and counts them.
+class ThrowingEvents final : public KV_ScenePane::_DKV_ScenePaneEvents {
+public:
+    bool throws = true;
+    int picks = 0, views = 0;
+    void SelectObjCoords(std::int16_t, float, float, float, std::int32_t, std::int32_t, std::int32_t) override {
+        ++picks;
+        if (throws) throw std::runtime_error("pick");
+    }
+    void ViewDirectionChanged(float, float, float) override {
+        ++views;
+        if (throws) throw std::runtime_error("view");
+    }
+};
+
+class ThrowingHandler : public HeldDelay {
+protected:
+    ThrowingHandler() {
+        AddBox(*c, {-10, -10, 0}, {30, 30, 0});
+        c->Connect(&events);
+        c->CenterView();
+        c->SetPickMode(KV_ScenePane::PickModeObjects);
+        c->PerformRefresh();
+    }
+    void Click() {
+        Mouse(Kind::LeftDown, kMouseLeft, 280, 260);
+        Mouse(Kind::LeftUp, 0, 280, 260);
+    }
+    /// As the window's timer does, but through ProcessEvents(), as in a host.
+    void DispatchPress() {
+        c->m_pWindow->PostPrivateMessage(kTimerMessage);
+        c->ProcessEvents();
+    }
+    bool IsReadable() const {
+        pollfd descriptor{c->EventDescriptor(), POLLIN, 0};
+        return poll(&descriptor, 1, 0) == 1;
+    }
+
+    ThrowingEvents events;
+};
+
+TEST_F(ThrowingHandler, ReachesTheCallerAndTheNextPressIsDispatched) {
+    Click();
+    EXPECT_THROW(DispatchPress(), std::runtime_error);
+    EXPECT_EQ(events.picks, 1);
+    EXPECT_FALSE(c->m_mouseDispatch.pending);
+    EXPECT_EQ(c->m_mouseDispatch.timerId, 0u);
+    EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
+    EXPECT_FALSE(c.window->HasCapture());
+    events.throws = false;
+    Click();
+    DispatchPress();
+    EXPECT_EQ(events.picks, 2) << "presses are only collected";
+}
+
+TEST_F(ThrowingHandler, LosesNoRepaintThatWaits) {
+    Click();
+    c->SetBackgroundColorsFourCorners(0, 0, 0, 0);
+    c->PerformInvalidate();
+    const int swaps = c.window->swaps;
+    EXPECT_THROW(DispatchPress(), std::runtime_error);
+    EXPECT_TRUE(IsReadable()) << "a loop that polls would not paint";
+    c->ProcessEvents();
+    EXPECT_GT(c.window->swaps, swaps);
+    EXPECT_FALSE(IsReadable());
+}
+
+TEST_F(ThrowingHandler, OfADragNeitherMovesTwiceNorLosesTheRepaint) {
+    c->TracingMode(1);
+    c->SetRotationMode(KV_ScenePane::RotateAboutVertical);
+    Mouse(Kind::RightDown, kMouseRight, 300, 240);
+    events.throws = false;
+    DispatchPress();
+    events.throws = true;
+    EXPECT_THROW(Mouse(Kind::Move, kMouseRight, 460, 240), std::runtime_error);
+    EXPECT_EQ(c->m_nLastMouseX, 460);
+    EXPECT_TRUE(IsReadable()) << "the view has moved and the window does not show it";
+    events.throws = false;
+    Mouse(Kind::Move, kMouseRight, 620, 240);  // 320 of 640 pixels from the press: a quarter turn
+    ExpectNear(c->m_fAxisX, {0, 0, 1}, 1e-7, "wx");
+}
+
+// A mesh of the host whose triangles name vertices that it has not.
+TEST_F(ThrowingHandler, OfAPickIsAsGoodAsAnEvent) {
+    events.throws = false;
+    c->m_mouseDispatch.onLeftDown = [](CKV_ScenePaneCtrl*, std::uint32_t, std::int32_t, std::int32_t) {
+        throw std::out_of_range("triangle");
+    };
+    Click();
+    EXPECT_THROW(DispatchPress(), std::out_of_range);
+    EXPECT_FALSE(c->m_mouseDispatch.pending);
 }
 
 // Otherwise it would dispatch the first press after a quick off and on too early, and split a chord.

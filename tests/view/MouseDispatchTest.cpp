@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -495,6 +496,48 @@ TEST(HandlerOfADirectPress, ThatSwitchesToDelayedMakesTheNextPressPending) {
     mouse.Press(kLeftButton, kMouseLeft, kHere).Press(kRightButton, kMouseRight, kThere);
     EXPECT_THAT(mouse.NewCalls(), ElementsAre(Call{"LeftDown", kMouseLeft, 30, 40, 0}));
     EXPECT_THAT(mouse.At(100).NewCalls(), ElementsAre(Call{"RightDown", kMouseRight, 31, 41, 100}));
+}
+
+// ---- handlers that throw
+
+TEST(ThrowingMouseHandler, ClearsThePressAndStillGetsItsReleases) {
+    TestDispatcher dispatcher;
+    dispatcher.insideHandler = [](const std::string& handler) {
+        if (handler == "LeftDown") throw std::runtime_error("press");
+        if (handler == "LeftUp") throw std::logic_error("release");
+    };
+    dispatcher.Press(kLeftButton, kMouseLeft, {10, 20}).Press(kRightButton, kMouseLeft | kMouseRight, {10, 20});
+    dispatcher.Release(kLeftButton, kMouseRight, {10, 20});
+    EXPECT_THROW(dispatcher.At(100), std::runtime_error) << "the first exception";
+    std::vector<std::string> handlers;
+    for (const Call& call : dispatcher.NewCalls()) handlers.push_back(call.handler);
+    EXPECT_THAT(handlers, ElementsAre("LeftDown", "LeftUp", "RightUp"));
+    EXPECT_FALSE(dispatcher.dispatch.pending);
+    EXPECT_FALSE(dispatcher.dispatch.releasePending);
+    EXPECT_EQ(dispatcher.dispatch.flags, 0u);
+    EXPECT_EQ(dispatcher.dispatch.timerId, 0u);
+
+    dispatcher.insideHandler = nullptr;
+    dispatcher.Press(kRightButton, kMouseRight, {1, 2}).At(300);
+    const std::vector<Call> later = dispatcher.NewCalls();
+    ASSERT_EQ(later.size(), 1u) << "presses are only collected";
+    EXPECT_EQ(later[0].handler, "RightDown");
+}
+
+TEST(ThrowingMouseHandler, OfAMoveLeavesItsPointAsTheLast) {
+    TestDispatcher dispatcher;
+    dispatcher.insideHandler = [](const std::string&) { throw std::runtime_error("move"); };
+    EXPECT_THROW(dispatcher.Move({30, 40}), std::runtime_error);
+    EXPECT_EQ(dispatcher.dispatch.lastPoint.x, 30);
+    EXPECT_TRUE(dispatcher.dispatch.movedSinceCheck);
+}
+
+TEST(ThrowingMouseHandler, OrATimerThatCannotBeStartedLeavesNoPressPending) {
+    MouseDispatch dispatch;
+    dispatch.mode = kDelayedDispatch;
+    const auto noTimer = [](std::uint32_t) -> std::uint32_t { throw std::runtime_error("no timer"); };
+    EXPECT_THROW(DispatchPress(dispatch, kLeftButton, kMouseLeft, {}, noTimer), std::runtime_error);
+    EXPECT_FALSE(dispatch.pending);
 }
 
 }  // namespace
