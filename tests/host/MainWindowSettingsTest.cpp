@@ -1,0 +1,41 @@
+// What the window remembers for the next start.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "Settings.h"
+#include "host/MainWindowFixture.h"
+
+namespace {
+
+class MainWindowSettings : public MainWindowFixture {
+protected:
+    void TearDown() override { SetSmoothEdges(true); }
+    /// How many colours a frame has that shows one triangle with slanted edges, of one colour.
+    [[nodiscard]] std::size_t CountColors() const {
+        const float corners[] = {0, 0, 0, 100, 10, 0, 30, 90, 0};
+        const std::int32_t triangle[] = {0, 1, 2};
+        Methods().ClearData();
+        Methods().ImportMeshFromMemory(3, 1, corners, triangle);
+        Methods().CenterView();
+        const auto pixels = DrawFrame().pixels;
+        return std::set(pixels.begin(), pixels.end()).size();
+    }
+};
+
+TEST_F(MainWindowSettings, SmoothEdgesAreChosenForTheNextStart) {
+    EXPECT_TRUE(HasSmoothEdges()) << "before the user has chosen";
+    Show();
+    EXPECT_GT(CountColors(), 2u);
+    QAction& action = MenuAction("Smooth edges (from the next start)");
+    EXPECT_TRUE(action.isChecked());
+    action.trigger();
+    EXPECT_GT(CountColors(), 2u) << "not in this window";
+    EXPECT_EQ(ObjectsInViewer(), 1) << "the scene stays";
+    Show();
+    EXPECT_EQ(CountColors(), 2u) << "the triangle and the background";
+    EXPECT_FALSE(MenuAction("Smooth edges (from the next start)").isChecked());
+}
+
+}  // namespace
