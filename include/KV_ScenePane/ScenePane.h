@@ -101,7 +101,8 @@ public:
     /// Handles pending window messages, posted messages, timers and, last, queued repaints. Never blocks.
     virtual void ProcessEvents() = 0;
 
-    /// False once the window is gone: the host destroyed it, or a recreation of the context failed.
+    /// False once the window is gone: the host destroyed it or, of an OffScreen viewer, terminated its EGL display, or a
+    /// recreation of the context failed.
     [[nodiscard]] virtual bool HasWindow() const = 0;
     /// The X11 window id; 0 without one.
     [[nodiscard]] virtual std::uintptr_t NativeWindow() const = 0;

@@ -145,8 +145,10 @@ TEST_P(ContextOf, SamplesOfTheRequestAreUsedWhereTheDriverHasThem) {
     m_request.samples = 4;
     const auto pane = Open();
     ASSERT_NE(pane, nullptr) << m_reason;
-    EXPECT_EQ(ControlOf(*pane).m_nGlSamples, 4);
-    EXPECT_EQ(GlInteger(GL_SAMPLES), 4);
+    const int expected = GlInteger(GL_MAX_SAMPLES) >= 4 ? 4 : 0;  // softpipe has none
+    EXPECT_EQ(ControlOf(*pane).m_nGlSamples, expected);
+    EXPECT_EQ(GlInteger(GL_SAMPLES), expected);
+    EXPECT_TRUE(m_messages.empty());
 }
 
 TEST_P(ContextOf, SamplesThatTheDriverDoesNotHaveAreLeftOutWithoutAWord) {
