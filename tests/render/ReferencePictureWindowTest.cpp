@@ -1,5 +1,6 @@
 // The same pictures in an X11 window, in a multisampled one, and after changes of the size and of the scene.
 #include "render/ReferencePictureScene.h"
+#include "support/ReferenceMarks.h"
 #include "support/XvfbServer.h"
 
 namespace {
@@ -26,7 +27,7 @@ TEST(ReferenceWindows, ShowTheSameInX11) {
     request.kind = KV_ScenePane::WindowRequest::Kind::TopLevel;
     for (const PictureSize& size : {PictureSize{333, 777}, PictureSize{640, 480}}) {
         TwoRenderers both(Gallery(), size, Turned(), request);
-        ExpectAllShadings(both, "X11_" + std::to_string(size.width));
+        ExpectAllShadings(both, std::string("X11_").append(std::to_string(size.width)));
     }
 }
 
@@ -37,7 +38,7 @@ TEST(ReferenceWindows, ShowTheSameAfterAResize) {
         both.Methods().SetSize(static_cast<std::int16_t>(size.width), static_cast<std::int16_t>(size.height));
         both.scene.camera.width = size.width;
         both.scene.camera.height = size.height;
-        ExpectAllShadings(both, "Resized_" + std::to_string(size.width));
+        ExpectAllShadings(both, std::string("Resized_").append(std::to_string(size.width)));
     }
 }
 
@@ -81,6 +82,69 @@ TEST(ReferenceWindows, ShowTheSameAwayFromEdgesWithSamples) {
     expect(Shading::PerPixel, KV_ScenePane::DrawModePerPixel, "perpixel");
     both.SetShadows({0.1, 0.05, 0.3});
     expect(Shading::Shadowed, KV_ScenePane::DrawModeGouraud, "shadow");
+}
+
+/// Whether the frame of this mode is the expected one. Each drawing is compared with one that is computed once.
+class FrameCheck {
+public:
+    explicit FrameCheck(TwoRenderers& both) : m_both(both), m_renderer(both.scene) {
+        for (const auto shading : {Shading::Flat, Shading::Gouraud, Shading::PerPixel, Shading::Shadowed})
+            m_solid.push_back(m_renderer.Draw(shading));
+        m_background = m_renderer.DrawBackground();
+    }
+    void Expect(KV_ScenePane::DrawMode mode, bool shadows) {
+        m_both.Methods().SetShadowMode(shadows ? 1 : 0);
+        const auto drawn = m_both.Draw(mode);
+        const std::string name = "mode " + std::to_string(mode) + (shadows ? " with shadows" : "");
+        switch (mode) {
+            case KV_ScenePane::DrawModePoints:
+                return ExpectMarks(WithoutColors(PointMarks(m_both.scene, 2.0)), drawn, name);
+            case KV_ScenePane::DrawModeWireframe:
+                return ExpectMarks(WithoutColors(EdgeMarks(m_both.scene)), drawn, name);
+            case KV_ScenePane::DrawModeBoundingBoxes:
+                return ExpectMarks(WithoutColors(BoxMarks(m_both.scene)), drawn, name);
+            case KV_ScenePane::DrawModeShadowMap:
+                return ExpectSolid(m_renderer.DrawShadowMap(), drawn, name);
+            case KV_ScenePane::DrawModeNothing:
+                return ExpectSolid(m_background, drawn, name);
+            default:
+                break;
+        }
+        const bool nothing = shadows && mode == KV_ScenePane::DrawModePerPixel;
+        const std::size_t shading = mode == KV_ScenePane::DrawModeFlat      ? 0
+                                    : mode == KV_ScenePane::DrawModeGouraud ? 1
+                                                                            : 2;
+        ExpectSolid(nothing ? m_background : m_solid[shadows ? 3 : shading], drawn, name);
+    }
+
+private:
+    static void ExpectSolid(const Picture& expected, const std::vector<std::uint32_t>& drawn, const std::string& name) {
+        const auto c = Compare(expected, drawn);
+        EXPECT_EQ(c.wrong, 0) << name << ": " << c.firstWrong;
+    }
+    void ExpectMarks(const std::vector<reference::Mark>& marks, const std::vector<std::uint32_t>& drawn,
+                     const std::string& name) {
+        const auto c = CompareMarks(marks, m_background, drawn);
+        EXPECT_EQ(c.missing + c.foreign, 0) << name << ": " << c.first;
+    }
+
+    TwoRenderers& m_both;
+    Renderer m_renderer;
+    std::vector<Picture> m_solid;
+    Picture m_background;
+};
+
+TEST(ReferenceWindows, ShowNothingOfTheModeBefore) {
+    TwoRenderers both(Gallery(), {257, 129}, Turned());
+    both.SetShadows({0.1, 0.05, 0.3});
+    FrameCheck check(both);
+    // Every mode after every mode, and twice.
+    for (int before = KV_ScenePane::DrawModePoints; before <= KV_ScenePane::DrawModeShadowMap; ++before)
+        for (int after = KV_ScenePane::DrawModePoints; after <= KV_ScenePane::DrawModeShadowMap; ++after) {
+            SCOPED_TRACE(testing::Message() << "after mode " << before);
+            check.Expect(static_cast<KV_ScenePane::DrawMode>(before), (before + after) % 3 == 0);
+            check.Expect(static_cast<KV_ScenePane::DrawMode>(after), (before + after) % 2 == 0);
+        }
 }
 
 constexpr int kShotSide = 2048, kStep = 8;
