@@ -151,7 +151,7 @@ TEST_F(PlanePicture, DrawsNothingWithAllPartsHidden) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 0);
     plane.m_bOutlineVisible = true;
     Frame();
-    EXPECT_EQ(PixelsThatAreNotBackground(), 4 * 385);
+    EXPECT_NEAR(PixelsThatAreNotBackground(), 4 * 385, 4);  // a driver may omit the last pixel of a line
     plane.m_bOutlineVisible = false;
     plane.m_bFaceVisible = true;
     Frame();

@@ -3,8 +3,10 @@
 
 #include "render/SceneFixture.h"
 #include "support/ControlFixture.h"
+#include "support/DriverTraits.h"
 #include "support/GlNow.h"
 #include "support/GlState.h"
+#include "support/Wait.h"
 // last, for its macros
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -206,10 +208,12 @@ TEST_F(HelperPick, DrawsInItsOwnWindowWhicheverIsCurrent) {
 }
 
 TEST_F(HelperPick, IsExactInAMultisampledWindow) {
-    control->RecreateOpenglContext(3, 3, 4);
+    ASSERT_TRUE(control->MakeContextCurrent());
+    const int samples = AvailableSamples(4);
+    control->RecreateOpenglContext(3, 3, samples);
     control->PerformRefresh();
     ASSERT_TRUE(control->MakeContextCurrent());
-    ASSERT_EQ(GlInteger(GL_SAMPLES), 4);
+    ASSERT_EQ(GlInteger(GL_SAMPLES), samples);
     ASSERT_TRUE(glIsEnabled(GL_MULTISAMPLE));
     // Number 2 borders on number 0 within pixel 109, left of its middle: a mean of both would be number 1.
     Stand stand({{0, 100, 100, 9.45, 9, 1}, {2, 100, 100, 20, 9, 0}}, 3);
@@ -243,9 +247,9 @@ TEST(HelperPickOnScreen, DoesNotChangeTheVisiblePicture) {
         if (image != nullptr) XDestroyImage(image);
         return pixel;
     };
+    // Some drivers show a frame a moment after the swap.
+    EXPECT_TRUE(WaitUntil([&] { return shownAt(10, 10) == 0x80C030u; }));
     ASSERT_TRUE(control->MakeContextCurrent());
-    glFinish();
-    EXPECT_EQ(shownAt(10, 10), 0x80C030u);
     Stand stand({{0, 0, 0, 640, 480}}, 1);
     RenderObject* const objects[] = {&stand};
     control->PickRenderObjectsAt(objects, 10, 10);

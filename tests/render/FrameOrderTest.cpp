@@ -109,10 +109,11 @@ TEST_F(FrameOrder, TheArrowComesAfterTheDialogAndTheAxesAfterTheArrow) {
     EXPECT_GE(CountIn(24, 17, 27, 22, {0, 1, 0}), 2);  // the y axis over the rectangle
 }
 
-// 36 x 36 pixels: the cross has arms of 1.8 pixels around the centre. The axes start 17 pixels from the corner (2.7
-// rounded down, plus 15), one pixel from the centre, and their shafts of 2.4 pixels cross an arm.
+// 34 x 34 pixels: the cross has arms of 1.7 pixels around the centre. The axes start there, 17 pixels from the corner
+// (2.6 rounded down, plus 15), and their shafts of 2.3 pixels cover a part of it, on a driver that begins lines one
+// pixel farther too.
 TEST_F(FrameOrder, TheAxesComeAfterTheCross) {
-    Resize(36, 36);
+    Resize(34, 34);
     pane->SetCrossColor(static_cast<std::int32_t>(HostColor(255, 0, 255)));
     const auto show = [&](int pickMode, int axes) {
         pane->m_nPickMode = pickMode;
@@ -124,10 +125,10 @@ TEST_F(FrameOrder, TheAxesComeAfterTheCross) {
     int shared = 0;
     for (std::size_t i = 0; i < both.size(); ++i) {
         const bool onAxes = axes[i] != background[i];
-        EXPECT_EQ(both[i], onAxes ? axes[i] : cross[i]) << i % 36 << " " << i / 36;
+        EXPECT_EQ(both[i], onAxes ? axes[i] : cross[i]) << i % 34 << " " << i / 34;
         shared += onAxes && cross[i] != background[i] ? 1 : 0;
     }
-    EXPECT_GE(shared, 3);
+    EXPECT_GE(shared, 2);
     EXPECT_GE(CountIn(16, 15, 21, 19, {1, 0, 0}), 1);  // the x axis, all of it within the cross
 }
 

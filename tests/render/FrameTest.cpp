@@ -2,6 +2,7 @@
 #include "render/FrameWitness.h"
 #include "render/MeshTexture.h"
 #include "render/SceneFixture.h"
+#include "support/DriverTraits.h"
 
 using namespace KV_ScenePane;
 using namespace lighting;
@@ -175,6 +176,7 @@ TEST_P(ReducedFrames, AreLitPointsInPerPixelMode) {
     Surface point;
     point.position = {-6, 0, 0};
     point.corners = {Vec3{-6, 0, 0}, Vec3{-5, 0, 0}, Vec3{-6, 1, 0}};
+    point.front = PointsAreFrontFaces();
     ExpectPixel(16, 120, PerPixel(camera, point));
 }
 

@@ -7,6 +7,8 @@
 
 #include "KV_ScenePane/Modes.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "support/BareContext.h"
+#include "support/DriverTraits.h"
 
 namespace {
 
@@ -50,6 +52,11 @@ TEST(ReadFrame, GivesTheMeanOfTheSamplesAtTheEdges) {
     const auto isBetween = [&](std::uint32_t pixel) {
         return green(pixel) > green(background) + 5 && green(pixel) < green(inside) - 5;
     };
+    const BareContext context;
+    if (AvailableSamples(4) == 0) {  // the viewer was made without
+        EXPECT_EQ(smooth.pixels, plain.pixels);
+        return;
+    }
     // Three edges of about 40 pixels each; most pixels that an edge crosses mix both colours.
     EXPECT_GT(std::ranges::count_if(smooth.pixels, isBetween), 30);
 }
