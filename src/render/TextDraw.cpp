@@ -39,7 +39,7 @@ void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs) {
     for (const Glyph& glyph : glyphs) {
         const auto advance = static_cast<GLfloat>(glyph.advance);
         glNewList(firstList++, GL_COMPILE);
-        if (glyph.bits.empty())
+        if (glyph.width == 0 || glyph.height == 0)
             glBitmap(1, 1, 0.0f, 0.0f, advance, 0.0f, &kClearPixel);
         else
             glBitmap(glyph.width, glyph.height, glyph.originX, glyph.originY, advance, 0.0f, glyph.bits.data());
