@@ -23,6 +23,8 @@ public:
         request.parent = winId();
         request.width = width();
         request.height = height();
+        request.samples = 4;                  // smooth edges where the driver has them
+        request.scale = devicePixelRatioF();  // text and lines as large as Qt's
         std::string reason;
         m_pane = CreateScenePane(request, &reason);
         if (!m_pane) qFatal("no viewer: %s", reason.c_str());
@@ -36,6 +38,7 @@ private:
     void resizeEvent(QResizeEvent* event) override {
         // The viewer counts device pixels, Qt its own.
         const QSize pixels = event->size() * devicePixelRatioF();
+        m_pane->SetScale(devicePixelRatioF());
         Methods().SetSize(static_cast<std::int16_t>(pixels.width()), static_cast<std::int16_t>(pixels.height()));
         Methods().PerformInvalidate();
     }
