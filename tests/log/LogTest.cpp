@@ -164,8 +164,11 @@ TEST_F(LogFile, NeverMixesThePiecesOfTwoThreads) {
         std::vector<std::thread> threads;
         for (int thread = 0; thread < kThreads; ++thread)
             threads.emplace_back([thread] {
-                for (int i = 0; i < kRecords; ++i)
-                    Log(LogLevel::Info) << "thread " << thread << " record " << i << " of " << kRecords << std::endl;
+                for (int i = 0; i < kRecords; ++i) {
+                    std::ostream& record = Log(LogLevel::Info) << "thread " << thread;
+                    std::this_thread::yield();  // in the middle of the record
+                    record << " record " << i << " of " << kRecords << std::endl;
+                }
             });
         for (std::thread& thread : threads) thread.join();
     });
