@@ -42,7 +42,7 @@ void CKV_ScenePaneCtrl::SetPickMode(std::int16_t mode) {
     m_nPickMode = mode;
     m_bPickPointValid = 0;
     m_vPickPointSpheres.clear();
-    if (m_pEvents != nullptr) m_pEvents->PickPointCountChanged(0);
+    Fire(&KV_ScenePane::_DKV_ScenePaneEvents::PickPointCountChanged, 0);
 }
 
 std::int16_t CKV_ScenePaneCtrl::GetPickMode() { return static_cast<std::int16_t>(m_nPickMode); }
@@ -97,6 +97,7 @@ void CKV_ScenePaneCtrl::OnRightDoubleClick(std::uint32_t /*flags*/, std::int32_t
     if (m_nPickMode != KV_ScenePane::PickModeCross) return;
     m_bAnimationRunning = 0;
     const auto hit = FindViewAxisHit(m_fAxisZ);
-    if (!hit || m_pEvents == nullptr) return;
-    m_pEvents->SelectViewDirection((*hit)[0], (*hit)[1], (*hit)[2], m_fAxisZ[0], m_fAxisZ[1], m_fAxisZ[2]);
+    if (!hit) return;
+    Fire(&KV_ScenePane::_DKV_ScenePaneEvents::SelectViewDirection, (*hit)[0], (*hit)[1], (*hit)[2], m_fAxisZ[0],
+         m_fAxisZ[1], m_fAxisZ[2]);
 }

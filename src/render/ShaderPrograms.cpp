@@ -72,7 +72,7 @@ std::uint32_t LinkProgram(std::uint32_t vertexShader, std::uint32_t fragmentShad
     glGetShaderiv(program, GL_INFO_LOG_LENGTH, &length);
     std::string reason(static_cast<std::size_t>(length), '\0');
     if (length > 0) glGetProgramInfoLog(program, length, nullptr, reason.data());
-    Log(LogLevel::Error) << "Failed to link shader program. " << std::flush;
+    Log(LogLevel::Error) << "Failed to link shader program. ";  // one line with the reason
     Log(LogLevel::Error) << reason << std::endl;
     glDeleteProgram(program);
     return 0;
