@@ -87,6 +87,11 @@ ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
             chosen = ChooseFormat(window, 0);
         }
         if (!chosen.valid) Log(LogLevel::Error) << "No valid pixel format!" << std::endl;
+        // That there is such a format decides whether the samples can be had. They are those of the framebuffer of
+        // frames (FrameTarget): the window shows their mean, and samples of its own would only be copied and resolved
+        // again.
+        if (chosen.valid && control.m_nGlSamples > 0)
+            if (const ChosenFormat plain = ChooseFormat(window, 0); plain.valid) chosen = plain;
     }
     window.EndBootstrap();
     return chosen;
@@ -129,7 +134,6 @@ int CKV_ScenePaneCtrl::OnCreate() {
     Log(LogLevel::Info) << "Alphabits: " << alphaBits << std::endl;
     if (created) {
         m_nWidth = m_nHeight = -1;  // so that the first frame sets viewport and matrices of the new context
-        RestartDispatchTimer();
         RefreshControl();
         return 0;
     }
@@ -171,6 +175,6 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::RecreateOpenglContext(std::in
     m_nGlMinorVersion = minorVersion;
     m_nGlSamples = numberOfSamples;
     m_bSamplesOptional = false;
-    m_pWindow->Recreate();
+    if (m_pWindow->Recreate()) RestartDispatchTimer();
     return KV_ScenePane::kVariantTrue;
 }

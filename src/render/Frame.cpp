@@ -208,9 +208,10 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
         if (control.m_bAnimationRunning != 0) control.AnimationStep();
         DrawSceneOrFrozenImage(control, sizeChanged);
         DrawOverScene(control);
-        control.m_frameTarget.Resolve();
-        if (control.m_pCapture != nullptr)
+        if (control.m_pCapture != nullptr) {
+            control.m_frameTarget.Resolve();
             *control.m_pCapture = {control.m_nWidth, control.m_nHeight, ReadFrame(control.m_nWidth, control.m_nHeight)};
+        }
         // The surface of an off-screen window is shown to nobody: the copy would be for nothing.
         if (control.m_pWindow->NativeHandle() != 0) control.m_frameTarget.CopyToWindow();
         control.m_pWindow->SwapBuffers();

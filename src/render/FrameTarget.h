@@ -14,11 +14,13 @@ public:
     /// @param samples        per pixel; 0 for none
     void SetSize(std::int32_t width, std::int32_t height, std::int32_t samples);
 
-    /// What is drawn goes here; what is read is the picture of the last Resolve().
+    /// What is drawn goes here; what is read are the colours of the last Resolve() and the depth of one of the samples,
+    /// see ReadDepthAt().
     void Bind() const;
-    /// Ends a picture: its colour and depth can be read, the depth from one of the samples.
+    /// To be called before colours are read. Does nothing without samples; with 4 of them a software driver needs about
+    /// as long for it as for an empty frame.
     void Resolve() const;
-    /// Copies the colours of the resolved picture to the back buffer of the window.
+    /// Copies the resolved colours to the back buffer of the window, which has no samples.
     void CopyToWindow() const;
 
     /// The buffers were deleted with their context.
@@ -33,10 +35,11 @@ public:
 
 private:
     struct Buffers {
-        std::uint32_t framebuffer = 0, color = 0, depth = 0;
+        std::uint32_t framebuffer = 0, texture = 0, color = 0, depth = 0;  ///< texture or color
     };
     [[nodiscard]] bool Make(Buffers& buffers, std::int32_t samples) const;
     static void Delete(Buffers& buffers);
+    void CopyColors(std::uint32_t from, std::uint32_t to) const;
 
     Buffers m_drawn, m_resolved;  ///< m_resolved only with several samples
     std::int32_t m_nWidth = 0, m_nHeight = 0, m_nSamples = 0;
