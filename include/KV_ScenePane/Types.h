@@ -19,9 +19,9 @@ using BSTR = const wchar_t*;
 
 /// Entry for the host's worker threads during a parallel import (BeginParallelImport()). Turns one measured grid into
 /// an object. May be called from any number of threads at once; uses no OpenGL. A refused grid is reported in the
-/// debugger output.
+/// debugger output. No exception leaves it for what the grid is: exhausted memory is a refusal too.
 /// @param control         what BeginParallelImport() stored in its first argument
-/// @param name            name of the object
+/// @param name            name of the object; null is an empty one
 /// @param width, height   grid size, 1 to 32767 each
 /// @param points          3 floats per pixel, row by row, sensor frame, micrometres: they are scaled by 0.001
 /// @param confidence      one float per pixel; pixels below the confidence filter are skipped

@@ -61,6 +61,11 @@ std::size_t CountNotFinite(const float* points, std::span<const std::uint16_t> m
     return count;
 }
 
+void NotFiniteCounter::Add() {
+    m_uCount += CountNotFinite(std::span(m_vertices).subspan(m_uDone));
+    m_uDone = m_vertices.size();
+}
+
 void ReportNotFinite(std::wstring_view file, std::size_t count) {
     if (count == 0) return;
     std::string line = FileLabel(file) + ": " + std::to_string(count);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "geometry/Vertex.h"
 
@@ -24,6 +25,25 @@
 /// @param points  three per pixel
 /// @param mask    one word per pixel, 0 is valid
 [[nodiscard]] std::size_t CountNotFinite(const float* points, std::span<const std::uint16_t> mask);
+
+/// Counts in the positions of vertices while they are appended to an array, in blocks that are in the cache: another
+/// pass over a large mesh would read it from main memory again.
+class NotFiniteCounter {
+public:
+    /// @param vertices  must outlive this object; the vertices that it has already do not count
+    explicit NotFiniteCounter(const std::vector<Vertex>& vertices) : m_vertices(vertices), m_uDone(vertices.size()) {}
+    /// Vertices between two calls of Add(), about.
+    static constexpr std::size_t kBlock = 256;
+    /// Counts in the vertices that were appended since the last call.
+    void Add();
+    /// In all that were added.
+    [[nodiscard]] std::size_t Count() const { return m_uCount; }
+
+private:
+    const std::vector<Vertex>& m_vertices;
+    std::size_t m_uDone;  ///< vertices that were counted
+    std::size_t m_uCount = 0;
+};
 
 /// Writes the line "FILE: N coordinates are not finite" to the debugger output, unless the count is 0. Any thread.
 /// @param file  path or name, shown as FileLabel() shows it

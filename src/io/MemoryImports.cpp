@@ -16,17 +16,17 @@ namespace {
 
 constexpr char kGridOperation[] = "ImportMeasurementFromMemory", kMeshOperation[] = "ImportMeshFromMemory";
 
-/// A copy in blocks that fit into the cache, where the coordinates are counted: another pass over a large mesh would
-/// read it from main memory again.
 std::vector<Vertex> CopyAndCount(const std::vector<Vertex>& from, std::size_t& notFinite) {
-    constexpr std::size_t kBlock = 512;
+    constexpr std::size_t kBlock = NotFiniteCounter::kBlock;
     std::vector<Vertex> to;
     to.reserve(from.size());
+    NotFiniteCounter counter(to);
     for (std::size_t first = 0; first < from.size(); first += kBlock) {
         const std::span<const Vertex> block(&from[first], std::min(kBlock, from.size() - first));
         to.insert(to.end(), block.begin(), block.end());
-        notFinite += CountNotFinite(block);
+        counter.Add();
     }
+    notFinite = counter.Count();
     return to;
 }
 

@@ -120,16 +120,20 @@ void Reader::ReadPositionsFromViews() {
     PlyArrayView z = m_data.GetArrayView("vertex", "z");
     for (const PlyArrayView* view : {&x, &y, &z}) view->RequireWidth(sizeof(float));
     ReserveInHugePages(Vertices(), static_cast<std::size_t>(x.m_iCount));
-    std::size_t notFinite = 0;
-    for (std::int64_t i = 0, at = 0; i < x.m_iCount; ++i, at += x.m_iStride) {
-        Vertices().push_back({.x = ValueAt<float>(x.m_pFirst + at),
-                              .y = ValueAt<float>(y.m_pFirst + at),
-                              .z = ValueAt<float>(z.m_pFirst + at),
-                              .color = kWhite});
-        const Vertex& vertex = Vertices().back();
-        for (const float coordinate : {vertex.x, vertex.y, vertex.z}) notFinite += IsNotFinite(coordinate) ? 1 : 0;
+    NotFiniteCounter notFinite(Vertices());
+    std::int64_t at = 0;
+    for (std::int64_t left = x.m_iCount; left > 0;) {
+        const std::int64_t block = std::min(left, std::int64_t{NotFiniteCounter::kBlock});
+        for (std::int64_t i = 0; i < block; ++i, at += x.m_iStride) {
+            Vertices().push_back({.x = ValueAt<float>(x.m_pFirst + at),
+                                  .y = ValueAt<float>(y.m_pFirst + at),
+                                  .z = ValueAt<float>(z.m_pFirst + at),
+                                  .color = kWhite});
+        }
+        notFinite.Add();
+        left -= block;
     }
-    m_mesh.m_uNotFinite = notFinite;
+    m_mesh.m_uNotFinite = notFinite.Count();
 }
 
 // The fast ways first; each gives up without a reason, which the last one finds.

@@ -27,22 +27,27 @@ constexpr Layout kOis{12, 12};
 constexpr Layout kMsh{24, 24};
 constexpr std::size_t kMaxRecordSize = 24;
 
-/// Calls @p add with every announced record and the number of its bytes that are in the file. Values that are missing
-/// at the end of the file, or incomplete there, keep those of the record before, at first zero.
-template <typename Add>
-void ForEachRecord(ByteInput& input, std::size_t size, std::uint64_t count, const Add& add) {
+/// Calls @p add with every announced record. Values that are missing at the end of the file, or incomplete there, keep
+/// those of the record before, at first zero.
+/// @param endBlock  called after each block of some thousands of records that are in the file as a whole
+/// @return bytes of the records that are in the file
+template <typename Add, typename EndBlock>
+std::uint64_t ForEachRecord(ByteInput& input, std::size_t size, std::uint64_t count, const Add& add,
+                            const EndBlock& endBlock) {
     std::array<std::byte, kMaxRecordSize> record{};
     RecordBlocks blocks(input, size, count);
     for (auto records = blocks.Next(); !records.empty(); records = blocks.Next()) {
-        for (std::size_t at = 0; at < records.size(); at += size) add(&records[at], size);
+        for (std::size_t at = 0; at < records.size(); at += size) add(&records[at]);
         std::memcpy(record.data(), &records[records.size() - size], size);
+        endBlock();
     }
     // the record in which the file ends: its whole values replace those of the last record
-    if (blocks.Missing() == 0) return;
+    if (blocks.Missing() == 0) return count * size;
     const auto tail = blocks.Tail();
     const std::size_t whole = tail.size() / 4 * 4;
     if (whole > 0) std::memcpy(record.data(), tail.data(), whole);
-    for (std::uint64_t i = 0; i < blocks.Missing(); ++i) add(record.data(), i == 0 ? whole : 0);
+    for (std::uint64_t i = 0; i < blocks.Missing(); ++i) add(record.data());
+    return (count - blocks.Missing()) * size + whole;
 }
 
 /// Throws with the first triangle that refers to a missing vertex, if there is one.
@@ -69,17 +74,24 @@ FileMesh ReadFrom(ByteInput&& input, const Layout& layout) {
     FileMesh mesh(false);
     ReserveInHugePages(mesh.m_vVertices, vertices);
     ReserveInHugePages(mesh.m_vTriangles, triangles);
-    ForEachRecord(input, layout.vertexSize, vertices, [&](const std::byte* record, std::size_t inFile) {
-        Vertex& vertex = mesh.m_vVertices.emplace_back();
-        std::memcpy(static_cast<void*>(&vertex), record, layout.vertexSize);
+    NotFiniteCounter notFinite(mesh.m_vVertices);
+    const auto addVertex = [&](const std::byte* record) {
+        std::memcpy(static_cast<void*>(&mesh.m_vVertices.emplace_back()), record, layout.vertexSize);
+    };
+    const std::uint64_t inFile = ForEachRecord(input, layout.vertexSize, vertices, addVertex, [&] { notFinite.Add(); });
+    mesh.m_uNotFinite = notFinite.Count();
+    // The vertex in which the file ends; those after it are made up and do not count.
+    if (const std::size_t last = inFile / layout.vertexSize; last < vertices) {
+        const Vertex& vertex = mesh.m_vVertices[last];
         const float position[] = {vertex.x, vertex.y, vertex.z};
-        for (std::size_t i = 0; i < 3 && (i + 1) * sizeof(float) <= inFile; ++i)
-            mesh.m_uNotFinite += IsNotFinite(position[i]) ? 1 : 0;
-    });
-    ForEachRecord(input, layout.triangleSize, triangles, [&](const std::byte* record, std::size_t) {
+        const std::size_t values = std::min<std::size_t>(3, inFile % layout.vertexSize / sizeof(float));
+        mesh.m_uNotFinite += CountNotFinite({position, values});
+    }
+    const auto addTriangle = [&](const std::byte* record) {
         constexpr std::size_t kIndices = sizeof(Triangle);  // after the face normal, which is skipped
         std::memcpy(&mesh.m_vTriangles.emplace_back(), record + layout.triangleSize - kIndices, kIndices);
-    });
+    };
+    ForEachRecord(input, layout.triangleSize, triangles, addTriangle, [] {});
     RequireVertices(mesh);
     return mesh;
 }

@@ -88,6 +88,7 @@ public:
         const std::size_t first = triangles.size();
         triangles.resize(first + corners.size() / 3);
         m_weld->Weld(corners, triangles[first].v);
+        m_notFinite.Add();
         m_last = corners.back();
     }
 
@@ -98,8 +99,9 @@ public:
             const std::size_t count = std::min(kBatch, records.size() / kRecordSize);
             for (std::size_t i = 0; i < count; ++i)
                 std::memcpy(&corners[3 * i], &records[i * kRecordSize + kNormalSize], kCornersSize);
-            m_mesh.m_uNotFinite += CountNotFinite({corners[0].data(), 9 * count});
             Append({corners, 3 * count});
+            // A corner that is not finite has such a vertex: as long as there is none, the corners need no look.
+            if (m_notFinite.Count() > 0) m_mesh.m_uNotFinite += CountNotFinite({corners[0].data(), 9 * count});
             records = records.subspan(count * kRecordSize);
         }
     }
@@ -133,6 +135,7 @@ public:
 
 private:
     FileMesh m_mesh{false};
+    NotFiniteCounter m_notFinite{m_mesh.m_vVertices};
     std::size_t m_uMaxVertices;
     std::optional<VertexWeld> m_weld;
     Float3 m_last{};  ///< the last corner
