@@ -1,8 +1,10 @@
 // Mesh files without a window: the output of --info, the reasons of a refusal, and --convert.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <ostream>
 
 #include "Headless.h"
@@ -258,5 +260,79 @@ TEST(MeshPicture, ShowsAMeshFile) {
     EXPECT_NE(png.At(45, 55), 0x191932u);
     EXPECT_EQ(png.At(5, 5), 0x191932u);
 }
+
+// ---- coordinates that are not finite, and files that add nothing
+
+TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
+    const ScratchFolder folder;
+    const float record[12] = {0, 0, 1, 0, 0, 5, 2, 0, 5, INFINITY, NAN, 6};  // a normal, then three corners
+    std::vector<std::byte> bytes(80);
+    const std::uint32_t count = 1;
+    const std::uint16_t attribute = 0;
+    AppendBytes(bytes, &count, sizeof count);
+    AppendBytes(bytes, record, sizeof record);
+    AppendBytes(bytes, &attribute, sizeof attribute);
+    WriteBytes(folder / "odd.stl", bytes);
+    HostOptions options;
+    options.json = true;
+    options.files = {folder / "odd.stl"};
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitGood);
+    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "odd.stl") + ": 2 coordinates are not finite\n");
+    EXPECT_NE(out.Text().find("\"box\": [0, 2, -0.01, 0.01, 5, 6]"), std::string::npos) << out.Text();
+    options.exportPath = folder / "out.ply";
+    const Printed convertErr;
+    EXPECT_EQ(RunConvert(options, convertErr), kExitGood);
+    EXPECT_EQ(convertErr.Text(), err.Text());
+}
+
+struct Refused {
+    const char* name;
+    void (*write)(const std::string& path);
+    const char* reason;
+};
+void PrintTo(const Refused& row, std::ostream* out) { *out << row.name; }
+
+const Refused kRefused[] = {
+    {"missing.ply", [](const std::string&) {}, "No such file or directory"},
+    {"unknown.obj", [](const std::string& path) { WriteText(path, "any"); }, "unknown file type"},
+    {"pipe.ply", [](const std::string& path) { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }, "is not a regular file"},
+    {"text.ply", [](const std::string& path) { WriteText(path, "any"); }, "Magic number in PLY header not found."},
+    {"text.pcm", [](const std::string& path) { WriteText(path, "any"); }, "header is cut short at byte 3"},
+    {"low.pcm", [](const std::string& path) { WritePcm(path, 3, 3, 0, 4.5f); },
+     "no pixel passes the confidence limit 5"},
+    {"low.pax", [](const std::string& path) { WritePax(path, 3, 3); }, "no pixel passes the confidence limit 5"},
+    {"line.xdt", [](const std::string& path) { WriteXdt(path, 9, 1); }, "its valid points form no triangle"},
+    {"none.xdt", [](const std::string& path) { WriteText(path, std::string(4, '\0')); }, "its grid has no pixel"},
+    {"short.pax",
+     [](const std::string& path) {
+         WritePax(path, 3, 3);
+         ASSERT_EQ(truncate(path.c_str(), 4 + 9 * 16 + 60), 0);
+     },
+     "ends before the end of its transform"},
+};
+class RefusedFile : public testing::TestWithParam<Refused> {};
+
+TEST_P(RefusedFile, EndsAConversionWithItsReasonAlone) {
+    const ScratchFolder folder;
+    const std::string path = folder / GetParam().name;
+    ASSERT_NO_FATAL_FAILURE(GetParam().write(path));
+    HostOptions options;
+    options.files = {path};
+    options.exportPath = folder / "out.stl";
+    options.import.confidence = 5;
+    const std::string line = "scenepane: " + path + ": " + GetParam().reason + "\n";
+    const Printed err, out, infoErr;
+    EXPECT_EQ(RunConvert(options, err), kExitFailure);
+    EXPECT_EQ(err.Text(), line);
+    EXPECT_EQ(RunInfo(options, out, infoErr), kExitFailure);
+    EXPECT_EQ(infoErr.Text(), line);
+    EXPECT_EQ(CountOf(out.Text(), GetParam().reason), 1u);
+}
+INSTANTIATE_TEST_SUITE_P(Convert, RefusedFile, testing::ValuesIn(kRefused), [](const auto& row) {
+    std::string name = row.param.name;
+    std::ranges::replace(name, '.', '_');
+    return name;
+});
 
 }  // namespace

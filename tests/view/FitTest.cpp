@@ -1,9 +1,13 @@
 // The fit of the view to the scene, and the clearing of the scene, which ends in one.
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
+#include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "view/CameraHelp.h"
 
@@ -120,6 +124,112 @@ TEST(Import, DoesNotFitTheView) {
     c->ImportMeshFromMemory(3, 1, vertices, triangles);
     EXPECT_EQ(c->m_fSceneSize, 1000.0f);
     EXPECT_EQ(c->m_fViewCenter, (Float3{0, 0, 0}));
+}
+
+// ---- coordinates that are not finite
+
+constexpr float kInf = std::numeric_limits<float>::infinity();
+
+/// A triangle that is nowhere.
+Mesh& AddUnplaced(CKV_ScenePaneCtrl& control) {
+    return AddMesh(control, {{.x = NAN, .y = 1}, {.x = kInf, .y = 2}, {.x = -kInf, .y = 3}}, {{{0, 1, 2}}});
+}
+
+void ExpectFiniteView(const CKV_ScenePaneCtrl& control, const std::string& after) {
+    const auto areFinite = [](const auto& numbers) {
+        return std::ranges::all_of(numbers, [](auto number) { return std::isfinite(number); });
+    };
+    for (const Float3& vector : {control.m_fViewCenter, control.m_fRotationCenter, control.m_fAxisX, control.m_fAxisY,
+                                 control.m_fAxisZ, control.m_fShadowEye, control.m_fShadowCenter, control.m_fShadowUp})
+        EXPECT_TRUE(areFinite(vector)) << after;
+    EXPECT_TRUE(std::isfinite(control.m_fSceneSize)) << after;
+    EXPECT_TRUE(std::isfinite(control.m_fZoom)) << after;
+    EXPECT_TRUE(areFinite(control.m_clipPlane.GetCenter())) << after;
+    EXPECT_TRUE(std::isfinite(control.m_clipPlane.m_dRadius)) << after;
+}
+
+TEST(CenterView, LeavesOutCoordinatesThatAreNotFinite) {
+    OffscreenControl c;
+    AddBox(*c, {0, 0, 0}, {20, 30, 60});
+    AddUnplaced(*c);
+    AddMesh(*c, {{.x = 1}, {.x = 2, .y = kInf}, {.y = 2, .z = NAN}, {.z = 60}}, {{{0, 1, 2}}});
+    c->CenterView();
+    EXPECT_FLOAT_EQ(c->m_fSceneSize, 70.0f);
+    EXPECT_EQ(c->m_fViewCenter, (Float3{10, 15, 30}));
+    ExpectFiniteView(*c, "CenterView");
+}
+
+TEST(CenterView, LeavesThePlaneWhereItIsWhenNothingIsFinite) {
+    OffscreenControl c;
+    AddUnplaced(*c);
+    c->m_clipPlane.SetNormal({1, 1, 0});
+    c->m_clipPlane.SetCenter({100, 200, 300});
+    c->CenterView();
+    EXPECT_EQ(c->m_clipPlane.GetCenter(), (Double3{100, 200, 300}));
+    EXPECT_NEAR(c->m_fSceneSize, 173.205081, 1e-4);
+    EXPECT_EQ(c->m_fViewCenter, (Float3{0, 0, 0}));
+    // An object with a position brings it along again, and so does a scene without objects.
+    AddBox(*c, {0, 0, 0}, {20, 30, 60});
+    c->CenterView();
+    EXPECT_NEAR(c->m_clipPlane.GetCenter()[2], 30, 1e-9);
+    c->ClearData();
+    EXPECT_NEAR(c->m_clipPlane.GetCenter()[2], 0, 1e-9);
+}
+
+TEST(CenterView, IsFiniteForTheLargestCoordinates) {
+    OffscreenControl c;
+    constexpr float kMax = std::numeric_limits<float>::max();
+    AddBox(*c, {kMax / 2, 0, -kMax}, {kMax, 1, kMax});
+    c->CenterView();
+    ExpectFiniteView(*c, "CenterView");
+    EXPECT_EQ(c->m_fViewCenter, (Float3{0.75f * kMax, 0.5f, 0}));
+    EXPECT_EQ(c->m_fSceneSize, kMax);
+    c->ClearData();
+    AddBox(*c, {0, 0, 0}, {3e30f, 4e30f, 0});
+    c->CenterView();
+    EXPECT_FLOAT_EQ(c->m_fSceneSize, 5e30f) << "the squares of the extents overflow, their root does not";
+}
+
+TEST(AnObjectWithoutPosition, LeavesTheViewFiniteAfterEveryCall) {
+    OffscreenControl c;
+    AddUnplaced(*c);
+    AddMesh(*c, {{.x = kInf, .nz = 1}, {.x = 2, .nz = NAN}, {.y = 2, .nz = 1}}, {{{0, 1, 2}}});
+    float p[6] = {};
+    const std::pair<const char*, std::function<void()>> calls[] = {
+        {"CenterView", [&] { c->CenterView(); }},
+        {"PerformRefresh", [&] { c->PerformRefresh(); }},
+        {"GetViewDirection", [&] { c->GetViewDirection(&p[0], &p[1], &p[2], &p[3], &p[4], &p[5]); }},
+        {"SetViewMode", [&] { c->SetViewMode(KV_ScenePane::ViewObliqueZUp); }},
+        {"SetSize", [&] { c->SetSize(333, 77); }},
+        {"SetTrafoOfScan", [&] { c->SetTrafoOfScan(0, 1, 0, 0, 5, 0, 1, 0, 5, 0, 0, 1, 5, 0, 0, 0, 1); }},
+        {"SetDrawMode", [&] { c->SetDrawMode(4); }},
+        {"ShowAxes", [&] { c->ShowAxes(1); }},
+        {"AddSelection", [&] { c->AddSelection(0); }},
+        {"CenterView again", [&] { c->CenterView(); }},
+        {"DeleteObject", [&] { c->DeleteObject(1); }},
+        {"ClearData", [&] { c->ResetSelection(), c->ClearData(); }},
+    };
+    for (const auto& [name, call] : calls) {
+        call();
+        c->PerformRefresh();
+        ExpectFiniteView(*c, name);
+    }
+    for (const float coordinate : p) EXPECT_TRUE(std::isfinite(coordinate));
+}
+
+TEST(AnObjectWithoutPosition, IsNeverPicked) {
+    OffscreenControl c;
+    AddUnplaced(*c);
+    c->CenterView();
+    Float3 hit{};
+    EXPECT_EQ(c->PickObjectAt(320, 240, &hit), -1);
+    AddMesh(*c, {{.x = -9, .y = -9, .nz = 1}, {.x = 9, .y = -9, .nz = 1}, {.y = 9, .nz = 1}, {.x = kInf, .nz = 1}},
+            {{{0, 1, 2}}, {{1, 3, 2}}});
+    EXPECT_EQ(c->PickObjectAt(320, 240, &hit), 1);
+    EXPECT_EQ(hit, (Float3{0, 0, 0}));
+    float p[6] = {};
+    ASSERT_NE(c->GetViewDirection(&p[0], &p[1], &p[2], &p[3], &p[4], &p[5]), 0);
+    for (const float coordinate : p) EXPECT_TRUE(std::isfinite(coordinate));
 }
 
 // ---- ClearData
