@@ -1,7 +1,7 @@
 // Upload of meshes and drawing of frames, off-screen. Each figure has a baseline: a copy of the same bytes, or a bare
-// loop that issues the same OpenGL calls on the same buffers without a control. A frame ends with glFinish() in both
-// cases; the CPU time of a frame is that of all threads of the process. The cost of a clean object outside the driver
-// is the difference between Frame_CleanObjects and BareLoop_CleanObjects, divided by the number of objects.
+// loop that draws the same buffers without a control, setting and restoring all OpenGL state around each object. A
+// frame ends with glFinish() in both cases; the CPU time of a frame is that of all threads of the process. Objects
+// outside the view cost only the submission of their calls.
 #include <GL/glew.h>
 #include <benchmark/benchmark.h>
 
@@ -215,7 +215,7 @@ private:
         glEnable(GL_DEPTH_TEST);
         glUseProgram(m_control.m_progDepth);
         Objects(DrawModeFlat);
-        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        m_control.m_frameTarget.Bind();
         glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
         // The lit pass.
         glBindTexture(GL_TEXTURE_2D, m_control.m_nShadowTexture);
@@ -234,9 +234,12 @@ private:
 
 enum class Side { Control, BareLoop };
 
-void DrawFrames(benchmark::State& state, const BenchPane& pane, Side side) {
+/// @param aside  moves the view to the right, in scene sizes
+void DrawFrames(benchmark::State& state, const BenchPane& pane, Side side, float aside = 0) {
     pane->CenterView();
     pane.Frame();  // stores the size, builds the buffers
+    pane->m_fViewCenter[0] += aside * pane->m_fSceneSize;
+    pane->SetupViewMatrices();
     const BareLoop bare(*pane.operator->());
     const bool shadows = pane->m_bShadowEnabled != 0;
     bare.Frame(shadows);
@@ -266,10 +269,10 @@ void FrameCases(benchmark::internal::Benchmark* bench) {
 BENCHMARK(Frame_Triangles)->Apply(FrameCases);
 BENCHMARK(BareLoop_Triangles)->Apply(FrameCases);
 
-void CleanObjects(benchmark::State& state, Side side) {
+void CleanObjects(benchmark::State& state, Side side, float aside = 0) {
     const BenchPane pane(16, 16);  // few pixels: the cost per object dominates
     for (std::int64_t i = 0; i < state.range(0); ++i) pane->m_vpMeshes.push_back(Waves(1));
-    DrawFrames(state, pane, side);
+    DrawFrames(state, pane, side, aside);
 }
 void Frame_CleanObjects(benchmark::State& state) { CleanObjects(state, Side::Control); }
 void BareLoop_CleanObjects(benchmark::State& state) { CleanObjects(state, Side::BareLoop); }
@@ -278,6 +281,11 @@ void ObjectCases(benchmark::internal::Benchmark* bench) {
 }
 BENCHMARK(Frame_CleanObjects)->Apply(ObjectCases);
 BENCHMARK(BareLoop_CleanObjects)->Apply(ObjectCases);
+
+void Frame_ObjectsOutsideTheView(benchmark::State& state) { CleanObjects(state, Side::Control, 10); }
+void BareLoop_ObjectsOutsideTheView(benchmark::State& state) { CleanObjects(state, Side::BareLoop, 10); }
+BENCHMARK(Frame_ObjectsOutsideTheView)->Apply(ObjectCases);
+BENCHMARK(BareLoop_ObjectsOutsideTheView)->Apply(ObjectCases);
 
 }  // namespace
 

@@ -53,7 +53,7 @@ void DrawAxis(const Axis& axis, const Float3& origin, const TripodSizes& sizes, 
     glVertex3fv(at(sizes.shaft).data());
     glEnd();
     glRasterPos3fv(at(sizes.shaft + sizes.labelGap).data());
-    DrawCone(at(sizes.coneDistance), at(sizes.coneDistance + sizes.cone), sizes.coneRadius);
+    DrawCone(at(sizes.coneDistance), at(sizes.coneDistance + sizes.cone), sizes.coneRadius, axis.color);
     text.PrintText(axis.label, 0);
 }
 

@@ -21,10 +21,9 @@ void RotateFromZ(const Float3& direction, double length) {
 
 }  // namespace
 
-void DrawCone(const Float3& base, const Float3& tip, float radius) {
-    GLfloat color[4] = {};
-    glGetFloatv(GL_CURRENT_COLOR, color);
-    glMaterialfv(GL_FRONT, GL_DIFFUSE, color);  // lighting uses the material, not the current colour
+void DrawCone(const Float3& base, const Float3& tip, float radius, const Float3& color) {
+    const GLfloat diffuse[4] = {color[0], color[1], color[2], 1.0f};
+    glMaterialfv(GL_FRONT, GL_DIFFUSE, diffuse);  // lighting uses the material, not the current colour
     // To the base, then the z axis to the direction of the cone.
     const Float3 axis = tip - base;
     const double length = std::sqrt(double{Dot(axis, axis)});

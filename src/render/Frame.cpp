@@ -5,8 +5,11 @@
 
 #include <algorithm>
 
+#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
+#include "render/MeshBuffers.h"
+#include "render/MeshDraw.h"
 #include "render/ReadFrame.h"
 
 namespace {
@@ -17,6 +20,7 @@ constexpr int kWindowNeedleFont = 1;      // bold, 24 pixels
 
 /// @param mode  draw mode, any value of the host
 void DrawVisible(const std::vector<std::shared_ptr<Mesh>>& meshes, std::int32_t mode, bool reduced) {
+    const MeshBatch batch;
     for (const auto& mesh : meshes)
         if (mesh->m_iVisible != 0) mesh->Draw(mode, reduced);
 }
@@ -96,11 +100,19 @@ void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
 /// Each object with the program that fits it: with or without a texture.
 void DrawObjectsPerPixel(CKV_ScenePaneCtrl& control, bool reduced) {
     const GLint texture = glGetUniformLocation(control.m_progTexPerPixel, "tex");
-    for (const auto& mesh : control.m_vpMeshes) {
-        if (mesh->m_iVisible == 0) continue;
-        glUseProgram(mesh->m_pTexture ? control.m_progTexPerPixel : control.m_progPerPixel);
-        if (mesh->m_pTexture) glUniform1i(texture, 0);
-        mesh->Draw(KV_ScenePane::DrawModeFlat, reduced);
+    {
+        const MeshBatch batch;
+        std::uint32_t inUse = 0;
+        for (const auto& mesh : control.m_vpMeshes) {
+            if (mesh->m_iVisible == 0) continue;
+            const std::uint32_t program = mesh->m_pTexture ? control.m_progTexPerPixel : control.m_progPerPixel;
+            if (program != inUse) {
+                glUseProgram(program);
+                if (mesh->m_pTexture) glUniform1i(texture, 0);
+                inUse = program;
+            }
+            mesh->Draw(KV_ScenePane::DrawModeFlat, reduced);
+        }
     }
     glUseProgram(0);
 }
@@ -116,6 +128,7 @@ bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
     control.m_nHeight = size.height;
     if (control.m_nHeight > 0) {  // the aspect divides by the height
         glViewport(0, 0, control.m_nWidth, control.m_nHeight);
+        control.m_viewMatrices.ForgetViewport();
         control.ApplyAspect();
         control.SetupViewMatrices();
     }
@@ -125,7 +138,7 @@ bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
 /// Background, objects, clip plane, pick points, selection.
 void DrawScene(CKV_ScenePaneCtrl& control) {
     const bool reduced = control.m_bMoveReduced == 1 && control.m_bMoving != 0;
-    glClear(GL_DEPTH_BUFFER_BIT);
+    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // both: a software driver would load and merge the other
     control.DrawBackground();
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
@@ -135,7 +148,7 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
         interaction == ModePlaneHandle || interaction == ModePlaneRotate || interaction == ModePlaneMove;
     if (control.m_bClipPlaneActive != 0 && !planeIsDragged) control.m_clipPlane.EnableClipping();
 
-    for (const auto& mesh : control.m_vpMeshes) mesh->SetPointSize(control.m_fPointCloudSize);
+    for (const auto& mesh : control.m_vpMeshes) mesh->SetPointSize(control.m_fPointCloudSize * control.m_fScale);
     // The shadow map is drawn in place of the objects; shadows win over every other mode.
     if (control.m_nDrawMode == KV_ScenePane::DrawModeShadowMap)
         DrawShadowMapView(control);
@@ -164,7 +177,7 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
     glDisable(GL_LIGHT0);
     // The boxes of the selection, also of hidden objects. Without depth test: they are visible through the objects.
     glDisable(GL_COLOR_MATERIAL);
-    for (Mesh* const mesh : control.m_vpSelection) mesh->Draw(KV_ScenePane::DrawModeBoundingBoxes, false);
+    for (const auto& mesh : control.LiveSelection()) mesh->Draw(KV_ScenePane::DrawModeBoundingBoxes, false);
 }
 
 void DrawSceneOrFrozenImage(CKV_ScenePaneCtrl& control, bool sizeChanged) {
@@ -182,7 +195,7 @@ void DrawSceneOrFrozenImage(CKV_ScenePaneCtrl& control, bool sizeChanged) {
 void DrawOverScene(CKV_ScenePaneCtrl& control) {
     if (control.m_nInteractionMode == ModeLasso) control.DrawLassoPolygon();
     if (control.m_pInteractionDlg != nullptr) control.m_pInteractionDlg->DrawInteraction();
-    if (control.m_bLine3DDrawingMode != 0) control.DrawLines3D(kWindowLineWidth);
+    if (control.m_bLine3DDrawingMode != 0) control.DrawLines3D(kWindowLineWidth * control.m_fScale);
     if (control.m_bNeedleDrawingMode != 0) control.DrawNeedles(kWindowNeedleFont);
     if (control.m_pCutSession != nullptr) control.DrawCutSession();
     if (control.m_nPickMode == KV_ScenePane::PickModeCross) control.DrawCross();
@@ -223,10 +236,12 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
 }  // namespace
 
 void CKV_ScenePaneCtrl::OnPaint() {
-    if (m_bBlockPaint != 0) return;  // the request stays pending
+    if (m_bBlockPaint != 0 || m_bClosed) return;  // the request stays pending
+    const DelayedDebugOutput delayed;             // a sink may call any method, which must not happen inside a frame
     m_pWindow->BeginPaint();
     DrawFrame(*this);
     m_pWindow->EndPaint();
+    ReportFailedBuffers(m_vpMeshes);
 }
 
 // Frames show the frozen image from here on, until it is freed.

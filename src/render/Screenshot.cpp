@@ -6,6 +6,8 @@
 
 #include "control/ScenePaneCtrl.h"
 #include "render/FlipPixels.h"
+#include "render/MeshBuffers.h"
+#include "render/MeshDraw.h"
 
 namespace {
 
@@ -51,6 +53,7 @@ public:
         m_control.MakeContextCurrent();
         if (m_height < 1) {  // UpdateViewport() cannot compute an aspect without a height: restore the last one
             glViewport(m_viewport[0], m_viewport[1], m_viewport[2], m_viewport[3]);
+            m_control.m_viewMatrices.ForgetViewport();
             m_control.m_fAspectX = m_aspectX;
             m_control.m_fAspectY = m_aspectY;
         }
@@ -113,6 +116,7 @@ void CKV_ScenePaneCtrl::CaptureScreenShot(std::uint32_t* buffer) {
     // Without a context the rows are still zero: the host receives a transparent picture.
     constexpr std::size_t kPixels = std::size_t{kOffscreenSize} * kOffscreenSize;
     FlipToArgb({rows.front().bytes, 4 * kPixels}, kOffscreenSize, {buffer, kPixels});
+    ReportFailedBuffers(m_vpMeshes);
 }
 
 // Always shaded and in full detail, without shadows, clip plane, selection and overlays.
@@ -124,8 +128,11 @@ void CKV_ScenePaneCtrl::RenderOffscreen() {
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
     glEnable(GL_DEPTH_TEST);
-    for (const auto& mesh : m_vpMeshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
+    {
+        const MeshBatch batch;
+        for (const auto& mesh : m_vpMeshes)
+            if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
+    }
     if (m_bLine3DDrawingMode != 0) DrawLines3D(kPictureLineWidth);
     if (m_bNeedleDrawingMode != 0) DrawNeedles(kPictureNeedleFont);
 }

@@ -4,10 +4,12 @@
 //
 #include <GL/glu.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "control/ScenePaneCtrl.h"
 #include "log/Log.h"
+#include "render/MeshDraw.h"
 #include "render/ShaderPrograms.h"
 #include "render/ShaderSources.h"
 
@@ -95,25 +97,27 @@ void CKV_ScenePaneCtrl::InitFramebuffers() {
 void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     // The light uses the projection of the camera: it is orthographic and its depth range extends to both sides of the
     // eye, so that it covers the scene from the light, too.
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    GLint viewport[4] = {};
-    glGetIntegerv(GL_VIEWPORT, viewport);
+    std::ranges::copy(m_viewMatrices.ProjectionAsFloats(), projection);
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     glLoadIdentity();
     gluLookAt(m_fShadowEye[0], m_fShadowEye[1], m_fShadowEye[2], m_fShadowCenter[0], m_fShadowCenter[1],
               m_fShadowCenter[2], m_fShadowUp[0], m_fShadowUp[1], m_fShadowUp[2]);
-    glGetFloatv(GL_MODELVIEW_MATRIX, modelView);
+    std::ranges::copy(m_viewMatrices.ShadowModelView(), modelView);
 
     // The depth pass.
     glBindFramebuffer(GL_FRAMEBUFFER, m_nShadowFbo);
+    // Restores the viewport, and the depth test: the selection is drawn without it.
+    glPushAttrib(GL_DEPTH_BUFFER_BIT | GL_VIEWPORT_BIT);
     glViewport(0, 0, m_nShadowMapWidth, m_nShadowMapHeight);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glPushAttrib(GL_DEPTH_BUFFER_BIT);  // restores the depth test: the selection is drawn without it
     glEnable(GL_DEPTH_TEST);
     glUseProgram(m_progDepth);
-    for (const auto& mesh : m_vpMeshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags, too
+    {
+        const MeshBatch batch;
+        for (const auto& mesh : m_vpMeshes)
+            if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags
+    }
     glPopAttrib();
     m_frameTarget.Bind();
 
@@ -125,6 +129,5 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     glMatrixMode(GL_PROJECTION);
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);
-    glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
     // m_progDepth stays bound: the caller binds its own program next.
 }

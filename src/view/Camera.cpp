@@ -7,7 +7,38 @@
 #include <algorithm>
 
 #include "control/ScenePaneCtrl.h"
+#include "render/FlatView.h"
 #include "render/ShadowCamera.h"
+
+namespace {
+
+/// What the fit of the view is made from.
+struct FittedScene {
+    Box box;                          ///< union of what counts; empty when nothing does
+    bool hasUnplacedObjects = false;  ///< some object would count if it had finite coordinates
+};
+
+FittedScene FindFittedScene(const CKV_ScenePaneCtrl& control) {
+    FittedScene scene;
+    // Bare point clouds do not count: only meshes with triangles, and the free points of the host.
+    for (const auto& mesh : control.m_vpMeshes) {
+        if (mesh->m_iVisible == 0 || mesh->m_vTriangles.empty()) continue;
+        if (!mesh->HasPosition()) {
+            scene.hasUnplacedObjects = true;
+            continue;
+        }
+        const float* b = mesh->m_fBoundingBox;
+        scene.box.Merge({b[0], b[2], b[4]}, {b[1], b[3], b[5]});
+    }
+    for (const auto& [id, points] : control.m_mapFreePoints)
+        if (points.visible != 0) scene.box.Merge(points.boxMin, points.boxMax);
+    return scene;
+}
+
+/// Also a box that is inverted along one axis is empty.
+Box FixedBoxIfEmpty(const Box& box) { return box.IsEmpty() ? Box{{-50, -50, -50}, {50, 50, 50}} : box; }
+
+}  // namespace
 
 ViewFrame CKV_ScenePaneCtrl::LiveFrame() const { return {m_fAxisX, m_fAxisY, m_fAxisZ, m_fViewCenter}; }
 
@@ -37,13 +68,14 @@ void CKV_ScenePaneCtrl::SetupViewMatrices() {
     const OrthoExtents extents = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
-    glOrtho(-extents.halfWidth, extents.halfWidth, -extents.halfHeight, extents.halfHeight, -extents.depth,
-            extents.depth);
+    MultiplyOrtho(-extents.halfWidth, extents.halfWidth, -extents.halfHeight, extents.halfHeight, -extents.depth,
+                  extents.depth);
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
     const Float3 eye = EyePoint(frame, m_fSceneSize);
     gluLookAt(eye[0], eye[1], eye[2], frame.center[0], frame.center[1], frame.center[2], frame.wy[0], frame.wy[1],
               frame.wy[2]);
+    m_viewMatrices.SetInputs(ViewMatrices::InputsOf(extents, eye, frame));
     // OpenGL transforms a light's position by the modelview matrix in force: the light turns with the camera.
     const Float3 light = HeadLightDirection(frame);
     const GLfloat position[4] = {light[0], light[1], light[2], 0.0f};
@@ -58,36 +90,27 @@ void CKV_ScenePaneCtrl::ApplyAspect() {
 
 void CKV_ScenePaneCtrl::UpdateViewport() {
     if (m_nHeight < 1) return;  // a minimised window has no aspect
-    if (MakeContextCurrent()) glViewport(0, 0, m_nWidth, m_nHeight);
+    if (MakeContextCurrent() && m_nWidth >= 0) glViewport(0, 0, m_nWidth, m_nHeight);
+    m_viewMatrices.ForgetViewport();
     ApplyAspect();
     SetupViewMatrices();
 }
 
-Box CKV_ScenePaneCtrl::GetSceneBoundingBox() const {
-    Box box;
-    // Bare point clouds do not count: only meshes with triangles, and the free points of the host.
-    for (const auto& mesh : m_vpMeshes) {
-        if (mesh->m_iVisible == 0 || mesh->m_vTriangles.empty()) continue;
-        const float* b = mesh->m_fBoundingBox;
-        box.Merge({b[0], b[2], b[4]}, {b[1], b[3], b[5]});
-    }
-    for (const auto& [id, points] : m_mapFreePoints)
-        if (points.visible != 0) box.Merge(points.boxMin, points.boxMax);
-    // Also a box that is inverted along one axis is empty.
-    if (box.IsEmpty()) return {{-50, -50, -50}, {50, 50, 50}};
-    return box;
-}
+Box CKV_ScenePaneCtrl::GetSceneBoundingBox() const { return FixedBoxIfEmpty(FindFittedScene(*this).box); }
 
 // Keeps the directions of the view. The fit alone moves the pivot of the free rotation.
 void CKV_ScenePaneCtrl::FitViewToScene() {
     m_fZoom = m_fDefaultZoom;
-    const Box box = GetSceneBoundingBox();
+    const FittedScene scene = FindFittedScene(*this);
+    const Box box = FixedBoxIfEmpty(scene.box);
     m_fViewCenter = m_fRotationCenter = box.Center();
     m_fSceneSize = box.Diagonal();
 
     // The plane keeps its direction, moves to the foot of the new centre and covers the box; its handles show again.
-    const Float3 extents = box.max - box.min;
-    m_clipPlane.SetCenter(m_clipPlane.ProjectOntoPlane({m_fViewCenter[0], m_fViewCenter[1], m_fViewCenter[2]}));
+    // Among objects that are nowhere it stays where it is: the fixed box is not theirs.
+    const Float3 extents = box.Extents();
+    if (!scene.box.IsEmpty() || !scene.hasUnplacedObjects)
+        m_clipPlane.SetCenter(m_clipPlane.ProjectOntoPlane(ToDouble3(m_fViewCenter)));
     m_clipPlane.SetRadiusFromExtent(0.5 * std::max({extents[0], extents[1], extents[2]}));
     m_clipPlane.m_bHighlighted = false;
     m_clipPlane.m_bMoveHandleVisible = true;
@@ -125,7 +148,7 @@ std::optional<Float3> CKV_ScenePaneCtrl::FindViewAxisHit(const Float3& direction
 }
 
 void CKV_ScenePaneCtrl::FireViewDirectionChanged() {
-    if (m_pEvents != nullptr) m_pEvents->ViewDirectionChanged(m_fAxisZ[0], m_fAxisZ[1], m_fAxisZ[2]);
+    Fire(&KV_ScenePane::_DKV_ScenePaneEvents::ViewDirectionChanged, m_fAxisZ[0], m_fAxisZ[1], m_fAxisZ[2]);
 }
 
 void CKV_ScenePaneCtrl::SetViewMode(std::int16_t mode) {

@@ -4,6 +4,7 @@
 
 #include "geometry/Vector3.h"
 #include "view/ViewFrame.h"
+#include "view/ViewMatrices.h"
 
 /// Written by view/Camera.cpp; rotation, animation and decorations change it through SetLiveFrame() and
 /// SetupViewMatrices().
@@ -20,5 +21,6 @@ struct CameraState {
     float m_fSceneSize = 1000.0f;                 ///< diagonal of the fitted box
     ViewFrame m_savedView;                        ///< at the start of each drag and at each SetupViewMatrices()
     std::int16_t m_nViewMode = -1;                ///< argument of the last SetViewMode(), unchecked; -1 before it
+    ViewMatrices m_viewMatrices;                  ///< what OpenGL has of all this
     std::uint8_t m_bTracingMode = 0;              ///< the view direction is reported while it changes
 };

@@ -1,4 +1,4 @@
-// Between window and world, by the current OpenGL matrices. Window y runs downward, OpenGL's upward.
+// Between window and world, by the OpenGL matrices of the camera. Window y runs downward, OpenGL's upward.
 #include <GL/glew.h>
 //
 #include <GL/glu.h>
@@ -11,26 +11,16 @@
 
 namespace {
 
-/// The matrices and the viewport of the current context.
-struct Matrices {
-    Matrices() {
-        glGetDoublev(GL_MODELVIEW_MATRIX, modelView);
-        glGetDoublev(GL_PROJECTION_MATRIX, projection);
-        glGetIntegerv(GL_VIEWPORT, viewport);
-    }
-    GLdouble modelView[16] = {}, projection[16] = {};
-    GLint viewport[4] = {};
-};
-
 struct WindowPoint {
     double x = 0.0, y = 0.0, depth = 0.0;  // y upward
 };
 
-/// By the current matrices; the depth is 0 at the near plane and 1 at the far plane.
-WindowPoint Project(double x, double y, double z) {
-    const Matrices m;
+/// By the matrices of the control; the depth is 0 at the near plane and 1 at the far plane. All is 0 without a context.
+WindowPoint Project(CKV_ScenePaneCtrl& control, double x, double y, double z) {
     WindowPoint p;
-    gluProject(x, y, z, m.modelView, m.projection, m.viewport, &p.x, &p.y, &p.depth);
+    if (!control.MakeContextCurrent()) return p;
+    ViewMatrices& m = control.m_viewMatrices;
+    gluProject(x, y, z, m.ModelView().data(), m.Projection().data(), m.Viewport().data(), &p.x, &p.y, &p.depth);
     return p;
 }
 
@@ -69,7 +59,7 @@ void CKV_ScenePaneCtrl::ProjectPoint(float x, float y, float z, std::int32_t* wi
 
 void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY,
                                               float* depth) {
-    const WindowPoint p = Project(x, y, z);
+    const WindowPoint p = Project(*this, x, y, z);
     // Truncated towards 0, y after a subtraction in float: both are part of the public result.
     *windowX = ToPixel(p.x);
     *windowY = ToPixel(static_cast<float>(m_nHeight) - static_cast<float>(p.y));
@@ -78,7 +68,7 @@ void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::in
 
 // Without rounding, for the drags of the clip plane, which measure directions of less than a pixel.
 void CKV_ScenePaneCtrl::ProjectPointDouble(double x, double y, double z, double* windowX, double* windowY) {
-    const WindowPoint p = Project(x, y, z);
+    const WindowPoint p = Project(*this, x, y, z);
     *windowX = p.x;
     *windowY = m_nHeight - p.y;
 }
@@ -87,10 +77,10 @@ void CKV_ScenePaneCtrl::ProjectPointDouble(double x, double y, double z, double*
 int CKV_ScenePaneCtrl::UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y,
                                       float* z) {
     if (!MakeContextCurrent()) return 0;
-    const Matrices m;
+    ViewMatrices& m = m_viewMatrices;
     GLdouble world[3] = {};
     // 0 when the product of the matrices has no inverse, such as for a scene without extent.
-    const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.modelView, m.projection, m.viewport,
+    const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.ModelView().data(), m.Projection().data(), m.Viewport().data(),
                                     &world[0], &world[1], &world[2]);
     if (status == 0) return 0;
     *x = static_cast<float>(world[0]);

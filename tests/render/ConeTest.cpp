@@ -16,8 +16,7 @@ protected:
         camera.axisX = {-1, 0, 0}, camera.axisY = {0, 0, 1}, camera.axisZ = {0, 1, 0};
         FrameWitness witness(*pane);
         witness.inside = [&] {
-            glColor3f(1, 1, 1);
-            DrawCone(base, tip, radius);
+            DrawCone(base, tip, radius, {1, 1, 1});
         };
         Frame();
     }

@@ -1,0 +1,165 @@
+// Upload of the vertices and indices of a mesh, and what happens when graphics memory is short.
+#include "render/MeshBuffers.h"
+
+#include <GL/glew.h>
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "base/DebugOutput.h"
+#include "render/VertexPacking.h"
+
+namespace {
+
+// Large meshes are packed and uploaded in pieces of this many bytes, which fit into the cache: there is never a second
+// copy of all vertices.
+constexpr std::size_t kUploadPiece = std::size_t{256} * 1024;
+
+/// Raises an error that was read, by a call that fails with it and changes nothing. The other errors have no such call.
+void RaiseAgain(GLenum error) {
+    if (error == GL_INVALID_ENUM) glEnable(GL_NONE);
+    if (error == GL_INVALID_VALUE) glPointSize(0.0f);
+    if (error == GL_INVALID_OPERATION) glEndList();
+    if (error == GL_STACK_UNDERFLOW) glPopClientAttrib();
+}
+
+/// Looks for GL_OUT_OF_MEMORY during its lifetime. Errors from before are set aside, since they would hide it, and
+/// raised again at the end: whoever checks for errors after a frame still finds them.
+class MemoryCheck {
+public:
+    MemoryCheck() {
+        for (GLenum& error : m_older) {
+            error = glGetError();
+            if (error == GL_NO_ERROR) break;
+        }
+    }
+    ~MemoryCheck() {
+        for (const GLenum error : m_older) RaiseAgain(error);
+    }
+    MemoryCheck(const MemoryCheck&) = delete;
+    MemoryCheck& operator=(const MemoryCheck&) = delete;
+
+    [[nodiscard]] static bool HasFailed() {
+        bool failed = false;
+        // A lost context reports an error at every query: the number of queries is limited.
+        for (int i = 0; i < 8; ++i) {
+            const GLenum error = glGetError();
+            if (error == GL_NO_ERROR) break;
+            failed = failed || error == GL_OUT_OF_MEMORY;
+        }
+        return failed;
+    }
+
+private:
+    std::array<GLenum, 8> m_older{};  // OpenGL keeps at most one error of each kind
+};
+
+/// Binds the buffer; generates it when @p name is 0. A rebuild keeps the name and replaces the content.
+void BindGenerated(GLenum target, std::uint32_t& name) {
+    if (name == 0) glGenBuffers(1, &name);
+    glBindBuffer(target, name);
+}
+
+/// Fills the bound buffer with @p count records of @p stride bytes.
+/// @param pack  called as pack(first, count, out) for each piece in order; writes count records to out
+template <typename Pack>
+void UploadInPieces(GLenum target, std::size_t count, std::size_t stride, Pack pack) {
+    const std::size_t pieceCount = std::min(count, kUploadPiece / stride);
+    const auto piece = std::make_unique_for_overwrite<std::byte[]>(pieceCount * stride);
+    glBufferData(target, static_cast<GLsizeiptr>(count * stride), nullptr, GL_STATIC_DRAW);
+    for (std::size_t first = 0; first < count; first += pieceCount) {
+        const std::size_t pieceEnd = std::min(count, first + pieceCount);
+        pack(first, pieceEnd - first, piece.get());
+        glBufferSubData(target, static_cast<GLintptr>(first * stride),
+                        static_cast<GLsizeiptr>((pieceEnd - first) * stride), piece.get());
+    }
+}
+
+/// Fills the bound index buffer with corner 0 of every @p step-th triangle.
+void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
+    const std::size_t count = (triangles.size() + step - 1) / step;
+    UploadInPieces(GL_ELEMENT_ARRAY_BUFFER, count, sizeof(std::uint32_t),
+                   [&](std::size_t first, std::size_t pieceCount, std::byte* out) {
+                       const std::size_t firstTriangle = first * step;
+                       const std::size_t rest = triangles.size() - firstTriangle;
+                       const auto piece = triangles.subspan(firstTriangle, std::min(rest, pieceCount * step));
+                       PackFirstCorners(piece, step, reinterpret_cast<std::uint32_t*>(out));
+                   });
+}
+
+/// The vertices in the textured, coloured or plain layout.
+void UploadVertices(Mesh& mesh) {
+    const std::span<const Vertex> vertices(mesh.m_vVertices);
+    const std::span<const Triangle> triangles(mesh.m_vTriangles);
+    BindGenerated(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer);
+    if (mesh.m_pTexture) {
+        const std::span<const TexCoord> texCoords(mesh.m_vTexCoords);
+        assert(texCoords.size() == 3 * triangles.size());
+        UploadInPieces(GL_ARRAY_BUFFER, triangles.size(), 3 * kTexturedStride,
+                       [&](std::size_t first, std::size_t count, std::byte* out) {
+                           PackTextured(vertices, triangles.subspan(first, count),
+                                        texCoords.subspan(3 * first, 3 * count), out);
+                       });
+    } else if (mesh.m_bHasVertexColors) {
+        const VertexColorTable table = MakeVertexColorTable(mesh.m_fColor, mesh.m_bBlendObjectColor);
+        UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kColoredStride,
+                       [&](std::size_t first, std::size_t count, std::byte* out) {
+                           PackColored(vertices.subspan(first, count), table, out);
+                       });
+    } else {
+        UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kPlainStride,
+                       [&](std::size_t first, std::size_t count, std::byte* out) {
+                           PackPlain(vertices.subspan(first, count), out);
+                       });
+    }
+}
+
+/// Triangles, one point per triangle, and the points of reduced drawing.
+void UploadIndices(Mesh& mesh) {
+    const std::span<const Triangle> triangles(mesh.m_vTriangles);
+    // A Triangle is three 32-bit integers, the layout of the index buffer: no packing.
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uTriangleBuffer);
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(triangles.size_bytes()), triangles.data(),
+                 GL_STATIC_DRAW);
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uPointBuffer);
+    UploadFirstCorners(triangles, 1);
+    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uReducedBuffer);
+    UploadFirstCorners(triangles, static_cast<std::size_t>(mesh.m_iReducedStep));
+}
+
+}  // namespace
+
+void BuildBuffers(Mesh& mesh) {
+    if (!mesh.m_vTriangles.empty()) {
+        const MemoryCheck memory;
+        UploadVertices(mesh);
+        if (!mesh.m_pTexture) UploadIndices(mesh);  // the corners of a textured mesh are not shared
+        mesh.m_bBuffersFailed = MemoryCheck::HasFailed();
+        if (mesh.m_bBuffersFailed)
+            ReleaseBuffers(mesh);  // what was uploaded is of no use without the rest
+        else
+            mesh.m_bFailureReported = false;
+    }
+    mesh.m_bBuffersDirty = false;
+}
+
+void ReleaseBuffers(Mesh& mesh) {
+    for (std::uint32_t* name :
+         {&mesh.m_uVertexBuffer, &mesh.m_uTriangleBuffer, &mesh.m_uPointBuffer, &mesh.m_uReducedBuffer}) {
+        if (*name == 0) continue;
+        glDeleteBuffers(1, name);
+        *name = 0;
+    }
+}
+
+void ReportFailedBuffers(const std::vector<std::shared_ptr<Mesh>>& meshes) {
+    for (std::size_t i = 0; i < meshes.size(); ++i) {
+        if (!meshes[i]->m_bBuffersFailed || meshes[i]->m_bFailureReported) continue;
+        meshes[i]->m_bFailureReported = true;
+        DebugOutput("not enough graphics memory for object " + std::to_string(i) + "\n");
+    }
+}
