@@ -22,6 +22,8 @@ namespace {
     const int null = open("/dev/null", O_RDWR);
     dup2(null, STDOUT_FILENO);
     dup2(null, STDERR_FILENO);
+    // The driver under test is not for the server.
+    for (const char* const name : {"GALLIUM_DRIVER", "LD_PRELOAD"}) unsetenv(name);
     fcntl(numberPipe, F_SETFD, 0);
     const std::string number = std::to_string(numberPipe);
     execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1280x1024x24", "+extension", "GLX",
