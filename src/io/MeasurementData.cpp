@@ -1,5 +1,5 @@
-// One pass per array: the points are written once and never zeroed before, since a grid of some megapixels does not fit
-// into the caches.
+// One pass over all arrays, in blocks: the points are written once and never zeroed before, since a grid of some
+// megapixels does not fit into the caches.
 #include "io/MeasurementData.h"
 
 #include <algorithm>
@@ -44,37 +44,63 @@ private:
     const float* m_pAt;
 };
 
+/// Pixels from first to before last.
+struct PixelRange {
+    std::size_t first, last;
+};
+
+/// Appends the mask of a range of pixels.
 /// @param isMasked  called once per pixel, in row order; without branches, so that the loop can run on whole registers
 template <class IsMasked>
-void FillMask(MeasurementData& data, std::size_t pixels, IsMasked isMasked) {
-    ReserveInHugePages(data.m_vMask, pixels);
-    data.m_vMask.resize(pixels);
+void FillMask(MeasurementData& data, PixelRange range, IsMasked isMasked) {
+    data.m_vMask.resize(range.last);
     int masked = 0;
-    for (std::size_t i = 0; i < pixels; ++i) {
+    for (std::size_t i = range.first; i < range.last; ++i) {
         const bool skip = isMasked(i);
         data.m_vMask[i] = skip;
         masked += skip;
     }
-    data.m_iMasked = masked;
+    data.m_iMasked += masked;
 }
 
 /// One loop per rule: which arrays there are is decided once and not per pixel.
-void MaskPixels(MeasurementData& data, std::size_t pixels, const MeasurementArrays& arrays,
+void MaskPixels(MeasurementData& data, PixelRange range, const MeasurementArrays& arrays,
                 const MeasurementRules& rules) {
     const float* const points = data.Points();
     const float* const confidence = arrays.m_pConfidence;
     const std::uint8_t* const classes = arrays.m_pClassification;
     const float limit = rules.m_fConfidenceLimit;
     if (rules.m_eMask == GridMask::EqualNegatives) {
-        return FillMask(data, pixels, [&](std::size_t i) {
+        return FillMask(data, range, [&](std::size_t i) {
             const float* const p = points + 3 * i;
             return ((p[0] == p[1]) & (p[1] == p[2]) & (p[0] < 0.0f)) != 0;
         });
     }
     // "limit > confidence" is false for NaN: such a pixel is valid.
-    if (classes == nullptr) return FillMask(data, pixels, [&](std::size_t i) { return limit > confidence[i]; });
-    FillMask(data, pixels,
+    if (classes == nullptr) return FillMask(data, range, [&](std::size_t i) { return limit > confidence[i]; });
+    FillMask(data, range,
              [&](std::size_t i) { return ((classes[i] >= kFirstInvalidClass) | (limit > confidence[i])) != 0; });
+}
+
+/// Scales, masks and counts block by block: the points of a block are in the cache for all three.
+void FillPixels(MeasurementData& data, std::size_t pixels, const MeasurementArrays& arrays,
+                const MeasurementRules& rules) {
+    constexpr std::size_t kBlock = 1024;
+    const bool isScaled = rules.m_eScale != GridScale::None;
+    data.m_pSourcePoints = isScaled ? nullptr : arrays.m_pPoints;
+    if (isScaled) ReserveInHugePages(data.m_vXYZ, 3 * pixels);
+    ReserveInHugePages(data.m_vMask, pixels);
+    for (std::size_t first = 0; first < pixels; first += kBlock) {
+        const PixelRange range{first, std::min(pixels, first + kBlock)};
+        if (isScaled) {
+            data.m_vXYZ.insert(data.m_vXYZ.end(), ScaledIterator(arrays.m_pPoints + 3 * range.first),
+                               ScaledIterator(arrays.m_pPoints + 3 * range.last));
+        }
+        // The mask rules apply to scaled points: a denormal number can become zero.
+        MaskPixels(data, range, arrays, rules);
+        data.m_uNotFinite +=
+            CountNotFinite(data.Points() + 3 * range.first, std::span(data.m_vMask).subspan(range.first));
+    }
 }
 
 /// Why no pixel is valid. Only for a grid whose pixels are all masked.
@@ -123,17 +149,9 @@ MeasurementData MakeMeasurementData(const MeasurementArrays& arrays, const Measu
         return data;
     }
     SetTrafo(data, arrays.m_pTrafo, rules.m_eScale);
-    if (rules.m_eScale == GridScale::None) {
-        data.m_pSourcePoints = arrays.m_pPoints;
-    } else {
-        ReserveInHugePages(data.m_vXYZ, 3 * pixels);
-        data.m_vXYZ.assign(ScaledIterator(arrays.m_pPoints), ScaledIterator(arrays.m_pPoints + 3 * pixels));
-    }
-    // The mask rules apply to scaled points: a denormal number can become zero.
-    MaskPixels(data, pixels, arrays, rules);
+    FillPixels(data, pixels, arrays, rules);
     if (pixels > 0 && static_cast<std::size_t>(data.m_iMasked) == pixels)
         data.m_sMaskReason = MaskReason(arrays, rules, pixels);
-    data.m_uNotFinite = CountNotFinite(data.Points(), data.m_vMask);
     // Colours are never changed. Those of masked pixels count, too: they decide whether the object is grey.
     data.m_pSourceColors = arrays.m_pColors;
     return data;
