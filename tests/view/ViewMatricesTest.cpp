@@ -49,9 +49,16 @@ const Change kChanges[] = {
      }},
     {"PanView", [](OffscreenControl& c) { c->PanView(3, -5); }},
     {"ZoomView", [](OffscreenControl& c) { c->ZoomView(0, 40); }},
-    {"a zero of the other sign",
+    {"a centre at 0",
      [](OffscreenControl& c) {
-         c->m_fViewCenter[0] = -0.0f;
+         c->SetViewMode(KV_ScenePane::ViewFromPlusZYUp);
+         c->m_fViewCenter = {0.0f, 0.0f, 0.0f};
+         c->SetupViewMatrices();
+     }},
+    {"zeros of the other sign",
+     [](OffscreenControl& c) {
+         c->m_fViewCenter = {-0.0f, -0.0f, -0.0f};
+         c->m_fAxisY[2] = -0.0f;
          c->SetupViewMatrices();
      }},
     {"a resize",
