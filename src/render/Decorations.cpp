@@ -87,7 +87,7 @@ void CKV_ScenePaneCtrl::DrawBackground() {
         }
         glEnd();
     }
-    glClear(GL_DEPTH_BUFFER_BIT);  // the quads have written their own depth
+    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // the quads have written their own depth
 }
 
 // Two lines of 2 units through the centre of the window.
