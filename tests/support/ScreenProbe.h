@@ -8,7 +8,8 @@
 #include <X11/Xutil.h>
 
 /// False for zink on an X server without DRI3, where windows stay black after every swap. Asked with plain GLX, and
-/// without the viewer: a fault of the viewer does not make it false. Another context is current afterwards: none.
+/// without the viewer: a fault of the viewer does not make it false. No context is current afterwards, and its window
+/// has covered others: ask before the viewer under test is made, or process its events.
 inline bool DriverShowsWindows() {
     static const bool shows = [] {
         PlainGlxContext context;
