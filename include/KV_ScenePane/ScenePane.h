@@ -82,8 +82,8 @@ struct Picture {
 /// is closed then; it fires, shows and draws nothing more in the meantime. The host must not use the viewer, nor the
 /// reference from Methods(), after the destruction.
 ///
-/// What a handler or hook throws reaches the caller of the method, ProcessEvents(), SendMouse() or SendKey() in which it
-/// ran. The viewer goes on working; events and repaints that were waiting are handled by the next ProcessEvents().
+/// What a handler or hook throws reaches the caller of the method, ProcessEvents(), SendMouse() or SendKey() in which
+/// it ran. The viewer goes on working; events and repaints that were waiting are handled by the next ProcessEvents().
 class ScenePane {
 public:
     virtual ~ScenePane() = default;
@@ -101,8 +101,8 @@ public:
     /// Handles pending window messages, posted messages, timers and, last, queued repaints. Never blocks.
     virtual void ProcessEvents() = 0;
 
-    /// False once the window is gone: the host destroyed it or, of an OffScreen viewer, terminated its EGL display, or a
-    /// recreation of the context failed.
+    /// False once the window is gone: the host destroyed it or, of an OffScreen viewer, terminated its EGL display, or
+    /// a recreation of the context failed.
     [[nodiscard]] virtual bool HasWindow() const = 0;
     /// The X11 window id; 0 without one.
     [[nodiscard]] virtual std::uintptr_t NativeWindow() const = 0;

@@ -71,8 +71,8 @@ public:
     virtual void DeselectAllNeedles() = 0;
     /// Selects a needle, fires NeedleSelected and refreshes. An unknown id does nothing. [declared only]
     virtual void SelectNeedle(std::int32_t id) = 0;
-    /// Makes the window again with another OpenGL context. The scene is lost, overlays stay. What showMessage throws for
-    /// a refused context passes through to the caller; there is no window then, as after any refusal.
+    /// Makes the window again with another OpenGL context. The scene is lost, overlays stay. What showMessage throws
+    /// for a refused context passes through to the caller; there is no window then, as after any refusal.
     /// @param majorVersion, minorVersion  requested version, compatibility profile
     /// @param numberOfSamples  samples per pixel, exactly; 0 for none
     /// @return always true: a failure is reported by the message and the log, and HasWindow() is then false

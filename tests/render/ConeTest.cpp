@@ -15,9 +15,7 @@ protected:
         pane->SetViewMode(KV_ScenePane::ViewFromPlusYZUp);
         camera.axisX = {-1, 0, 0}, camera.axisY = {0, 0, 1}, camera.axisZ = {0, 1, 0};
         FrameWitness witness(*pane);
-        witness.inside = [&] {
-            DrawCone(base, tip, radius, {1, 1, 1});
-        };
+        witness.inside = [&] { DrawCone(base, tip, radius, {1, 1, 1}); };
         Frame();
     }
     [[nodiscard]] bool IsDrawnAt(const Vec3& p) const {
