@@ -213,8 +213,10 @@ void CountRead() {
 
 // ---- extensions
 
+std::string BetweenSpaces(std::string_view text) { return std::string(" ").append(text).append(" "); }
+
 bool HasWord(std::string_view list, std::string_view word) {
-    return (" " + std::string(list) + " ").find(" " + std::string(word) + " ") != std::string::npos;
+    return BetweenSpaces(list).find(BetweenSpaces(word)) != std::string::npos;
 }
 
 /// The driver's list with the extensions of swap intervals that the faults name, and without the others.
@@ -223,9 +225,9 @@ std::string WithSwapControl(std::string_view real, const DriverFaults& faults) {
                                                    {"GLX_EXT_swap_control_tear", false},
                                                    {"GLX_MESA_swap_control", faults.swapControlMesa},
                                                    {"GLX_SGI_swap_control", faults.swapControlSgi}};
-    std::string list = " " + std::string(real) + " ";
+    std::string list = BetweenSpaces(real);
     for (const auto& [name, has] : chosen) {
-        const std::string word = std::string(" ").append(name).append(" ");
+        const std::string word = BetweenSpaces(name);
         for (std::size_t at = list.find(word); at != std::string::npos; at = list.find(word))
             list.erase(at, word.size() - 1);
         if (has) list.append(name).append(" ");
