@@ -20,7 +20,8 @@ public:
 
     // ---- recorded calls
     std::vector<std::string> calls;
-    PixelFormatAttributes format;
+    PixelFormatAttributes format;                ///< of the last request
+    std::vector<std::int32_t> requestedSamples;  ///< of all requests
     ContextAttributes context;
     std::vector<std::string> messages;
 
@@ -46,6 +47,7 @@ public:
     bool ChoosePixelFormat(const PixelFormatAttributes& attributes, std::int32_t* number) override {
         calls.emplace_back("ChoosePixelFormat");
         format = attributes;
+        requestedSamples.push_back(attributes.samples);
         *number = 23;
         return formatChosen;
     }
