@@ -7,10 +7,13 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 
-# The programs whose tests draw.
+# The programs whose tests draw. Not control_tests: they request versions and samples that only some drivers have.
 readonly PROGRAMS=(render_tests render_control_tests reference_picture_tests clip_control_tests markers_control_tests
-    view_control_tests platform_tests control_tests driver_stand_in_tests)
+    view_control_tests platform_tests)
 readonly DRIVERS=(llvmpipe softpipe zink virgl)
+# These tests are of X windows, not of pictures. zink shows a frame a moment after the call that they check returned; zink and
+# virgl end the process, or hang, when the window or its server is gone, and virgl keeps memory of every context.
+declare -rA LEFT_OUT=([zink]="platform_tests" [virgl]="platform_tests")
 
 build=1
 preset=release
@@ -32,7 +35,7 @@ folder="$KV_ROOT/build/$preset"
 install_missing "${KV_BUILD_PACKAGES[@]}" "${KV_TEST_PACKAGES[@]}"
 if ((build == 1)); then
     configure_preset "$preset"
-    build_preset "$preset" "${PROGRAMS[@]}" kv_virgl_socket kv_driver_stand_in_client KV_ScenePane
+    build_preset "$preset" "${PROGRAMS[@]}" kv_virgl_socket KV_ScenePane
 fi
 
 # count_by_program LOG FAILED: a line "program passed failed skipped seconds" for each test program in ctest's records. A
@@ -53,8 +56,6 @@ count_by_program() {
     ' "$2" "$1" | sort
 }
 
-# As few processes at a time as cores: softpipe needs one for each.
-names="$(IFS='|'; echo "${PROGRAMS[*]}")"
 preload="$folder/lib/libkv_virgl_socket.so"
 mkdir -p "$folder/drivers"
 unset DISPLAY WAYLAND_DISPLAY
@@ -66,6 +67,14 @@ for driver in "${drivers[@]}"; do
     records="$folder/Testing/Temporary"
     rm -f "$records/LastTest.log" "$records/LastTestsFailed.log"
     status=0
+    names=""
+    for program in "${PROGRAMS[@]}"; do
+        if [[ " ${LEFT_OUT[$driver]:-} " == *" $program "* ]]; then
+            table+=("$(printf '%-9s %-26s left out' "$driver" "$program")")
+        else
+            names+="${names:+|}$program"
+        fi
+    done
     KV_REQUIRE_DRIVERS=ON KV_VIRGL_PRELOAD="$preload" "$KV_ROOT/scripts/with_driver.sh" "$driver" \
         ctest --test-dir "$folder" --parallel "$(nproc)" --no-tests=error -R "^($names)/" >"$output" 2>&1 || status=$?
     tail -1 "$output"

@@ -45,7 +45,8 @@ case "$driver" in
     zink)
         lavapipe="$(compgen -G '/usr/share/vulkan/icd.d/lvp_icd*.json' | head -1 || true)"
         [[ -n "$lavapipe" ]] || missing "zink has no lavapipe (mesa-vulkan-drivers)"
-        export GALLIUM_DRIVER=zink VK_DRIVER_FILES="$lavapipe" VK_ICD_FILENAMES="$lavapipe" XDG_RUNTIME_DIR="$work"
+        # Not by GALLIUM_DRIVER, with which windows stay black.
+        export MESA_LOADER_DRIVER_OVERRIDE=zink VK_DRIVER_FILES="$lavapipe" VK_ICD_FILENAMES="$lavapipe" XDG_RUNTIME_DIR="$work"
         ;;
     virgl)
         preload="${KV_VIRGL_PRELOAD:-}"

@@ -6,7 +6,6 @@
 #include "support/DriverTraits.h"
 #include "support/GlNow.h"
 #include "support/GlState.h"
-#include "support/ScreenProbe.h"
 #include "support/Wait.h"
 // last, for its macros
 #include <X11/Xlib.h>
@@ -237,7 +236,6 @@ TEST(HelperPickWithoutAPicture, CallsNoObject) {
 
 TEST(HelperPickOnScreen, DoesNotChangeTheVisiblePicture) {
     Prepared(KV_ScenePane::WindowRequest::Kind::TopLevel);
-    if (!DriverShowsWindows()) GTEST_SKIP() << "the driver shows no frame in a window of this X server";
     TestControl control(KV_ScenePane::WindowRequest::Kind::TopLevel, 64, 48);
     control->SetBackgroundColors(0x30C080, 0x30C080);
     control->PerformRefresh();

@@ -23,7 +23,7 @@ namespace {
     dup2(null, STDOUT_FILENO);
     dup2(null, STDERR_FILENO);
     // The driver under test is not for the server.
-    for (const char* const name : {"GALLIUM_DRIVER", "LD_PRELOAD"}) unsetenv(name);
+    for (const char* const name : {"GALLIUM_DRIVER", "LD_PRELOAD", "MESA_LOADER_DRIVER_OVERRIDE"}) unsetenv(name);
     fcntl(numberPipe, F_SETFD, 0);
     const std::string number = std::to_string(numberPipe);
     execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1280x1024x24", "+extension", "GLX",
