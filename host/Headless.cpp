@@ -123,7 +123,11 @@ int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const DebugRouter router(PrintOtherOutput(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     KV_ScenePane::GraphicsInfo info;
-    if (!pane || !pane->GetGraphicsInfo(&info)) return kExitFailure;
+    if (!pane) return kExitFailure;
+    if (!pane->GetGraphicsInfo(&info)) {
+        std::fputs("scenepane: the driver does not name itself\n", err);
+        return kExitFailure;
+    }
     return PrintResult("device   " + info.device + "\ndriver   " + info.renderer + "\nvendor   " + info.vendor +
                            "\nOpenGL   " + info.version + '\n',
                        out, err);

@@ -88,6 +88,7 @@ void ViewerWidget::Close() {
 
 void ViewerWidget::HandleEvents() {
     m_pPane->ProcessEvents();
+    if (!m_pPane) return;  // closed inside the call
     // The query costs a round trip to the X server: only when a modifier is remembered.
     if (m_held.AreRemembered()) m_held.Settle(QGuiApplication::queryKeyboardModifiers());
     // Another client, or the end of the parent, may have destroyed the viewer's window.

@@ -35,7 +35,7 @@ struct WindowRequest {
     /// Requested OpenGL version, compatibility profile. 3.3 is the lowest that the viewer draws with.
     int glMajor = 3, glMinor = 3;
     /// Samples per pixel that smooth the edges; 0 for none. A driver that does not offer exactly this number draws with
-    /// none, without a message. RecreateOpenglContext() has no such way out.
+    /// none, without a message; RecreateOpenglContext() refuses it.
     int samples = 0;
     static constexpr int kAnyGpu = -1;    ///< graphics devices first, then the default display, software last
     static constexpr int kSoftware = -2;  ///< the processor draws, whatever graphics devices there are
@@ -140,7 +140,7 @@ public:
 /// May
 ///                 be null
 /// @return null when the window or its context was refused
-/// @throws std::bad_alloc only
+/// @throws std::bad_alloc, and what showMessage or the sink of the debugger output throws
 [[nodiscard]] __attribute__((visibility("default"))) std::unique_ptr<ScenePane> CreateScenePane(
     const WindowRequest& request, std::string* reason);
 

@@ -116,7 +116,8 @@ public:
     /// What is refused adds nothing, and one line of the debugger output has its path and the reason; a ply file throws
     /// the reason as well. Textures and hps files need InitializeKVReg() before.
     /// Of all imports: coordinates that are infinite or NaN count in no bounding box and no fit of the view; the object
-    /// is added, and the line "FILE: N coordinates are not finite" says how many there were.
+    /// is added, and the line "FILE: N coordinates are not finite" says how many there were, of measurements in the
+    /// pixels that are not masked.
     /// @throws std::exception  unreadable ply file, missing component registry, exhausted memory
     virtual void ImportMesh(BSTR path) = 0;
     /// Writes an object, format chosen by the extension: ply, stl or hps. An existing file is replaced as a whole, or

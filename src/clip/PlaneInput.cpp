@@ -68,9 +68,11 @@ void CKV_ScenePaneCtrl::HoverOverPlane(std::uint32_t flags, std::int32_t x, std:
     m_clipPlane.m_bHighlighted = (flags & kMouseCtrl) != 0;
     m_clipPlane.ClearPick();
     if (m_bClipPlaneVisible == 0) return;
-    const std::lock_guard lock(*g_drawLock);  // the pick draws, and so does a frame on another thread
-    RenderObject* const objects[] = {&m_clipPlane};
-    PickRenderObjectsAt(objects, x, m_pWindow->ClientSize().height - y - 1);
+    {
+        const std::lock_guard lock(*g_drawLock);  // the pick draws, and so does a frame on another thread
+        RenderObject* const objects[] = {&m_clipPlane};
+        PickRenderObjectsAt(objects, x, m_pWindow->ClientSize().height - y - 1);
+    }
     if (m_clipPlane.IsPicked() != wasPicked) RefreshControl();
 }
 

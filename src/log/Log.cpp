@@ -23,16 +23,20 @@ std::int64_t TickCount() {
 }
 
 std::string NowTime() {
-    const std::int64_t tick = TickCount();
-    static const std::int64_t firstTick = tick;
-    return LogTime(std::time(nullptr), tick - firstTick);
+    static const std::int64_t firstTick = TickCount();
+    return LogTime(std::time(nullptr), TickCount() - firstTick);
 }
 
 /// The file of all threads, opened by the first record in append mode: several processes may write to it.
 struct LogFile {
     std::mutex lock;  ///< guards the members below
-    std::ofstream file{TempFolder() + "/viewer.log", std::ios::out | std::ios::app};
+    std::ofstream file;
     const void* lineOwner = nullptr;  ///< the buffer that has written the start of a line and not its end
+
+    LogFile() {
+        file.imbue(std::locale::classic());  // before the file is open: the bytes are those of the texts
+        file.open(TempFolder() + "/viewer.log", std::ios::out | std::ios::app);
+    }
 
     // Never destroyed: a thread may still log while static objects are destroyed. Every write is flushed.
     static LogFile& Instance() {
@@ -96,7 +100,9 @@ std::ostream& ThreadStream() {
 
 std::ostream& Log(LogLevel level) {
     static constexpr std::array kLevelWords{"ERROR", "WARNING", "INFO", "DEBUG"};
-    return ThreadStream() << "[" << NowTime() << "] <" << kLevelWords[static_cast<std::size_t>(level)] << ">: ";
+    std::ostream& stream = ThreadStream();
+    stream.clear();  // a record that could not be written does not silence the next
+    return stream << "[" << NowTime() << "] <" << kLevelWords[static_cast<std::size_t>(level)] << ">: ";
 }
 
 std::string LogTime(std::time_t now, std::int64_t milliseconds) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 
 namespace {
@@ -72,24 +73,28 @@ std::int32_t CKV_ScenePaneCtrl::PickObjectAt(std::int32_t x, std::int32_t y, Flo
 
 void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y) {
     if (!MakeContextCurrent()) return;
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
-    // Into a target of one pixel, with the viewport moved so that it is the one asked for: the shown frame and its
-    // depth stay as they are.
-    m_idTarget.SetSize(1, 1, 0);
-    m_idTarget.Bind();
-    glViewport(-x, -y, std::max(m_nWidth, 0), std::max(m_nHeight, 0));
-    SetStateForIds();
     std::vector<Part> parts;  // the index is the number that was drawn
-    for (RenderObject* const object : objects) {
-        object->ClearPick();
-        const std::uint32_t count = object->DrawPickIds(static_cast<std::uint32_t>(parts.size()));
-        for (std::uint32_t k = 0; k < count; ++k) parts.push_back({object, k});
+    std::uint32_t id = kNoId;
+    {
+        glPushAttrib(GL_ALL_ATTRIB_BITS);
+        const ScopeExit restore([this] {
+            m_frameTarget.Bind();  // before the attributes, which hold the draw buffer of the frame
+            glPopAttrib();
+        });
+        // Into a target of one pixel, with the viewport moved so that it is the one asked for: the shown frame and its
+        // depth stay as they are.
+        m_idTarget.SetSize(1, 1, 0);
+        m_idTarget.Bind();
+        glViewport(-x, -y, std::max(m_nWidth, 0), std::max(m_nHeight, 0));
+        SetStateForIds();
+        for (RenderObject* const object : objects) {
+            object->ClearPick();
+            const std::uint32_t count = object->DrawPickIds(static_cast<std::uint32_t>(parts.size()));
+            for (std::uint32_t k = 0; k < count; ++k) parts.push_back({object, k});
+        }
+        if (x >= 0 && y >= 0 && x < m_nWidth && y < m_nHeight) id = ReadId();
     }
     // The part at the pixel stores the pick itself; the background has no part.
-    const bool isInside = x >= 0 && y >= 0 && x < m_nWidth && y < m_nHeight;
-    const std::uint32_t id = isInside ? ReadId() : kNoId;
-    m_frameTarget.Bind();  // before the attributes, which hold the draw buffer of the frame
-    glPopAttrib();
     if (id < kNoId && id < parts.size()) parts[id].object->OnPicked(parts[id].number);
 }
 

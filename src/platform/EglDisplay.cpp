@@ -19,7 +19,8 @@ namespace {
 
 using Source = EglCandidate::Source;
 
-// The width of the mark of a display, which no other surface of one row has by chance.
+// Of a pbuffer of one row that marks a display. It is gone after an eglTerminate() of the host; no other surface has
+// this size by chance.
 constexpr EGLint kMarkWidth = 1147;
 
 /// @param text  names with spaces between them; may be null

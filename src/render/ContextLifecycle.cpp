@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 
+#include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
 #include "log/Log.h"
 
@@ -101,6 +102,7 @@ ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
 /// as it does: programs, framebuffers, fonts, overlay textures.
 /// @return false when there is no such context; the log then holds the reason
 bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
+    DelayedDebugOutput delayed;  // a sink may call any viewer, which would make its context current
     Log(LogLevel::Debug) << "Getting new device context + HDC" << std::endl;
     control.m_pDC = control.m_pWindow.get();
     if (!control.m_pDC->SetPixelFormat(format)) {
@@ -122,10 +124,21 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     return true;
 }
 
+/// Drops what belonged to a context that is gone. Its names may be those of other objects in the next context.
+void ForgetContext(CKV_ScenePaneCtrl& control) {
+    for (Overlay& overlay : control.m_vOverlays) overlay.m_uTexture = 0;
+    control.m_frameTarget.Forget();
+    control.m_idTarget.Forget();
+    control.m_viewMatrices.Forget();
+    control.m_hRC = nullptr;
+    control.m_pDC = nullptr;
+}
+
 }  // namespace
 
 int CKV_ScenePaneCtrl::OnCreate() {
     if (m_bClosed) return -1;  // destroyed by the host while the former window was closed
+    ForgetContext(*this);      // of a creation that was broken off by an exception
     Log(LogLevel::Info) << "Create temporary ogl context" << std::endl;
     const ChosenFormat format = FindPixelFormat(*this);
     const bool created = format.valid && CreateRenderContext(*this, format.index);
@@ -141,8 +154,7 @@ int CKV_ScenePaneCtrl::OnCreate() {
     Log(LogLevel::Error) << "Failed to create opengl context. ";
     if (format.valid) Log(LogLevel::Error) << "No OGL 3.3 context possible! ";
     Log(LogLevel::Error) << "Using wrong graphic card?" << std::endl;
-    m_hRC = nullptr;  // of an attempt that came that far
-    m_pDC = nullptr;
+    ForgetContext(*this);  // of an attempt that came that far
     m_pWindow->ShowModalMessage(FailureMessage(format.valid, m_nGlMajorVersion, m_nGlMinorVersion));
     return -1;
 }
@@ -155,15 +167,8 @@ void CKV_ScenePaneCtrl::OnDestroy() {
         failure = std::current_exception();
     }
     ClearData();
-    // Textures die with the context. A new context may use the same names for other textures before the overlays are
-    // uploaded again.
-    for (Overlay& overlay : m_vOverlays) overlay.m_uTexture = 0;
-    m_frameTarget.Forget();
-    m_idTarget.Forget();
-    m_viewMatrices.Forget();
     m_pWindow->DeleteContext();
-    m_hRC = nullptr;
-    m_pDC = nullptr;
+    ForgetContext(*this);
     if (failure != nullptr) std::rethrow_exception(failure);
 }
 

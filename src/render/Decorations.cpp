@@ -27,8 +27,8 @@ using CornerColors = std::uint32_t[4];
 std::int32_t ChannelOf(std::uint32_t color, unsigned shift) { return static_cast<std::int32_t>(color >> shift & 0xFF); }
 
 /// Quads per side that show the bilinear gradient of the corners within a quarter of a colour step, however the driver
-/// splits a quad into triangles: in the middle of one of n x n quads a triangle is off by the twist / (4 n * n). One
-/// quad when the gradient is a plane, as with equal or two colours.
+/// splits a quad into triangles. With the twist tl - tr - bl + br of a channel, a triangle is off by twist / (4 n * n)
+/// in the middle of one of n x n quads. One quad when the gradient is a plane, as with equal or two colours.
 std::int32_t QuadsPerSide(const CornerColors& colors) {
     std::int32_t twist = 0;
     for (const unsigned shift : {kRed, kGreen, kBlue})

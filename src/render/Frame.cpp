@@ -20,7 +20,7 @@ constexpr int kWindowNeedleFont = 1;      // bold, 24 pixels
 
 /// @param mode  draw mode, any value of the host
 void DrawVisible(const std::vector<std::shared_ptr<Mesh>>& meshes, std::int32_t mode, bool reduced) {
-    const MeshBatch batch;
+    MeshBatch batch;
     for (const auto& mesh : meshes)
         if (mesh->m_iVisible != 0) mesh->Draw(mode, reduced);
 }
@@ -101,7 +101,7 @@ void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
 void DrawObjectsPerPixel(CKV_ScenePaneCtrl& control, bool reduced) {
     const GLint texture = glGetUniformLocation(control.m_progTexPerPixel, "tex");
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         std::uint32_t inUse = 0;
         for (const auto& mesh : control.m_vpMeshes) {
             if (mesh->m_iVisible == 0) continue;
@@ -127,7 +127,7 @@ bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
     control.m_nWidth = size.width;
     control.m_nHeight = size.height;
     if (control.m_nHeight > 0) {  // the aspect divides by the height
-        glViewport(0, 0, control.m_nWidth, control.m_nHeight);
+        if (control.m_nWidth >= 0) glViewport(0, 0, control.m_nWidth, control.m_nHeight);
         control.m_viewMatrices.ForgetViewport();
         control.ApplyAspect();
         control.SetupViewMatrices();
@@ -138,7 +138,7 @@ bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
 /// Background, objects, clip plane, pick points, selection.
 void DrawScene(CKV_ScenePaneCtrl& control) {
     const bool reduced = control.m_bMoveReduced == 1 && control.m_bMoving != 0;
-    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // both: a software driver would load and merge the other
+    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // they are packed: clearing one reads the other
     control.DrawBackground();
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
@@ -177,6 +177,7 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
     glDisable(GL_LIGHT0);
     // The boxes of the selection, also of hidden objects. Without depth test: they are visible through the objects.
     glDisable(GL_COLOR_MATERIAL);
+    MeshBatch batch;
     for (const auto& mesh : control.LiveSelection()) mesh->Draw(KV_ScenePane::DrawModeBoundingBoxes, false);
 }
 
@@ -237,7 +238,7 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
 
 void CKV_ScenePaneCtrl::OnPaint() {
     if (m_bBlockPaint != 0 || m_bClosed) return;  // the request stays pending
-    const DelayedDebugOutput delayed;             // a sink may call any method, which must not happen inside a frame
+    DelayedDebugOutput delayed;                   // a sink may call any method, which must not happen inside a frame
     m_pWindow->BeginPaint();
     DrawFrame(*this);
     m_pWindow->EndPaint();

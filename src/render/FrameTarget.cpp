@@ -4,6 +4,7 @@
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "log/Log.h"
 
@@ -18,8 +19,8 @@ void AttachRenderbuffer(std::uint32_t* name, GLenum attachment, GLenum format, s
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
 }
 
-/// A texture, because one can be requested in the byte order of windows, when its internal format is left open: Mesa
-/// copies it to the window as it is. From a renderbuffer, whose order is another, every pixel would be converted.
+/// A texture of internal format GL_RGBA, for which Mesa chooses the byte order of the data, BGRA. That is the order of
+/// windows, to which it is copied as it is; from a renderbuffer of GL_RGBA8 every pixel would be converted.
 void AttachTexture(std::uint32_t* name, std::int32_t width, std::int32_t height) {
     glGenTextures(1, name);
     glBindTexture(GL_TEXTURE_2D, *name);
@@ -27,6 +28,13 @@ void AttachTexture(std::uint32_t* name, std::int32_t width, std::int32_t height)
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);  // it has one level
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, *name, 0);
     glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+/// Of the current context: the flags of GLEW are those of the driver that was loaded last, by any viewer.
+bool HasFlipExtension() {
+    const auto* const list = reinterpret_cast<const char*>(glGetString(GL_EXTENSIONS));
+    return glFramebufferParameteri != nullptr && list != nullptr &&
+           std::strstr(list, "GL_MESA_framebuffer_flip_y") != nullptr;
 }
 
 }  // namespace
@@ -42,7 +50,13 @@ void FrameTarget::SetSize(std::int32_t width, std::int32_t height, std::int32_t 
     m_nWidth = width;
     m_nHeight = height;
     m_nSamples = samples;
-    if ((samples > 0 && !Make(m_resolved, 0)) || !Make(m_drawn, samples)) {
+    bool isMade = (samples == 0 || Make(m_resolved, 0)) && Make(m_drawn, samples);
+    if (!isMade && samples > 0) {  // jagged edges are better than the window's framebuffer, which has no samples either
+        Delete(m_drawn);
+        Delete(m_resolved);
+        isMade = Make(m_drawn, 0);
+    }
+    if (!isMade) {
         Delete(m_drawn);
         Delete(m_resolved);
         glGetError();  // out of memory, which is handled here
@@ -61,8 +75,7 @@ bool FrameTarget::Make(Buffers& buffers, std::int32_t samples) const {
     glBindFramebuffer(GL_FRAMEBUFFER, buffers.framebuffer);
     // Mesa keeps the rows of windows from the top down. In the same order a picture is the same to the bit as one drawn
     // into a window, where roundings depend on the direction, and its copy to the window needs no flip.
-    if (GLEW_MESA_framebuffer_flip_y && GLEW_VERSION_4_3)
-        glFramebufferParameteri(GL_FRAMEBUFFER, GL_FRAMEBUFFER_FLIP_Y_MESA, GL_TRUE);
+    if (HasFlipExtension()) glFramebufferParameteri(GL_FRAMEBUFFER, GL_FRAMEBUFFER_FLIP_Y_MESA, GL_TRUE);
     if (samples > 0)
         AttachRenderbuffer(&buffers.color, GL_COLOR_ATTACHMENT0, GL_RGBA8, samples, m_nWidth, m_nHeight);
     else

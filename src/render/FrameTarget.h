@@ -14,8 +14,8 @@ public:
     /// @param samples        per pixel; 0 for none
     void SetSize(std::int32_t width, std::int32_t height, std::int32_t samples);
 
-    /// What is drawn goes here; what is read are the colours of the last Resolve() and the depth of one of the samples,
-    /// see ReadDepthAt().
+    /// Makes it the framebuffer that is drawn into and read. With samples, reads give the colours of the last
+    /// Resolve(); the depth has to be resolved by the reader.
     void Bind() const;
     /// To be called before colours are read. Does nothing without samples; with 4 of them a software driver needs about
     /// as long for it as for an empty frame.

@@ -7,7 +7,8 @@
 
 /// Uploads vertices and indices, after which the mesh is no longer dirty; without triangles there is nothing to upload.
 /// When graphics memory is short, the mesh has no buffers and m_bBuffersFailed is set until a later build succeeds.
-/// OpenGL errors from before are pending afterwards, too. The context must be current.
+/// OpenGL errors from before are pending afterwards, too, except for those that no call can raise at will, such as
+/// GL_OUT_OF_MEMORY. The context must be current.
 void BuildBuffers(Mesh& mesh);
 
 /// Deletes the buffers that exist; the context that they belong to must be current.

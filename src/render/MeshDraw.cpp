@@ -69,7 +69,7 @@ void MeshBatch::DrawMesh(Mesh& mesh, std::int32_t mode, bool reduced) {
 /// triangles by every tenth first corner.
 void MeshBatch::Draw(Mesh& mesh, std::int32_t mode, bool reduced) {
     if (mesh.m_bBuffersDirty) BuildBuffers(mesh);
-    if (mesh.m_vTriangles.empty()) return;  // without a bounding box, too
+    if (mesh.m_vTriangles.empty()) return;  // not even its box is drawn
     if (mode < DrawModePoints || mode > DrawModeBoundingBoxes) return;
     if (mode == DrawModeBoundingBoxes || mesh.m_bBuffersFailed) {
         SetRun({DrawModeBoundingBoxes, false});
@@ -93,8 +93,8 @@ void MeshBatch::SetRun(const Run& run) {
 
 /// Sets what all meshes of a run share: they are lit and depth-tested, except for bounding boxes.
 ///
-/// All attributes are pushed in one call. Mesa 22.3 loses track of what changes inside a second, inner push: the outer
-/// pop does not restore those of the groups that the inner one did not contain.
+/// All attributes are pushed in one call. With a second push of some groups inside, Mesa 22.3 does not restore at the
+/// outer pop what was changed inside in the other groups.
 void MeshBatch::Begin(const Run& run) {
     m_run = run;
     glPushAttrib(kAllAttributes);
@@ -140,7 +140,7 @@ void MeshBatch::DrawLit(const Mesh& mesh, std::int32_t mode, std::uint32_t index
     // OpenGL rejects a point size that is not above 0: such a mesh has the size that was set before the batch.
     if (!(mesh.m_fPointSize > 0.0f) && m_pointSize != 0.0f) End();
     SetRun({mode, isTextured});
-    if (count == 0) return;  // the state below is set only for a draw: Mesa restores a colour that was used
+    if (count == 0) return;  // without a draw Mesa does not restore the colour at the pop: it must not be set
     SetPointSize(mesh);
     SetTint(mesh);
     SetColored(mesh.m_bHasVertexColors && !isTextured);

@@ -87,6 +87,7 @@ void DrawImage(const Overlay& overlay, std::int32_t windowWidth, std::int32_t wi
 std::int32_t CKV_ScenePaneCtrl::AddOverlayData(const std::uint8_t* argbU8DataPtrHack, std::int32_t width,
                                                std::int32_t height, float relPosX, float relPosY, float relOffsetX,
                                                float relOffsetY, float absOffsetX, float absOffsetY) {
+    DelayedDebugOutput delayed;  // a sink may add an overlay itself
     Overlay overlay{.m_nWidth = width,
                     .m_nHeight = height,
                     .m_fRelPosX = relPosX,

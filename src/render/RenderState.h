@@ -37,7 +37,7 @@ struct RenderState {
     std::uint32_t m_nFontListBase = 0;                          ///< first of kBoldListCount lists
     std::int32_t m_nGlMajorVersion = 3, m_nGlMinorVersion = 3;  ///< requested
     std::int32_t m_nGlSamples = 0;                              ///< requested samples per pixel
-    bool m_bSamplesOptional = false;  ///< a driver without such a format draws with none; never in a recreation
+    bool m_bSamplesOptional = false;  ///< of the first context: 0 samples where the driver has no such format
     COpenGLTextDraw m_textDraw;
     float m_fScale = 1.0f;  ///< of fonts, line widths and point sizes; 2 for twice the pixels per inch
 

@@ -51,7 +51,7 @@ public:
         m_control.m_nWidth = m_width;
         m_control.m_nHeight = m_height;
         m_control.MakeContextCurrent();
-        if (m_height < 1) {  // UpdateViewport() cannot compute an aspect without a height: restore the last one
+        if (m_width < 0 || m_height < 1) {  // UpdateViewport() sets no viewport or aspect then: restore the last ones
             glViewport(m_viewport[0], m_viewport[1], m_viewport[2], m_viewport[3]);
             m_control.m_viewMatrices.ForgetViewport();
             m_control.m_fAspectX = m_aspectX;
@@ -129,7 +129,7 @@ void CKV_ScenePaneCtrl::RenderOffscreen() {
     glEnable(GL_COLOR_MATERIAL);
     glEnable(GL_DEPTH_TEST);
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         for (const auto& mesh : m_vpMeshes)
             if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
     }

@@ -114,7 +114,7 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     glEnable(GL_DEPTH_TEST);
     glUseProgram(m_progDepth);
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         for (const auto& mesh : m_vpMeshes)
             if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags
     }

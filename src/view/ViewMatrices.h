@@ -39,7 +39,7 @@ public:
 private:
     struct View {
         Inputs inputs{};
-        bool isKnown = false;  ///< inputs are set; the matrices of a new context have none and are read every time
+        bool isKnown = false;  ///< inputs are set. False before the first SetInputs(): nothing is kept then
         bool hasCamera = false, hasFloats = false, hasShadow = false;  ///< which of the following were read
         Matrix modelView{}, projection{};
         FloatMatrix projectionAsFloats{}, shadowModelView{};

@@ -166,15 +166,15 @@ TEST_F(DebugOutputTest, IsHeldBackWhileItIsDelayed) {
     Texts texts;
     KV_ScenePane::SetDebugOutputSink([&](std::string_view text) {
         texts.emplace_back(text);
-        const DelayedDebugOutput inside;  // the sink itself delays already
+        DelayedDebugOutput inside;  // the sink itself delays already
         if (text == "1") DebugOutput("1.1");
         throw std::runtime_error("nobody could catch it");
     });
     {
-        const DelayedDebugOutput delayed;
+        DelayedDebugOutput delayed;
         DebugOutput("1");
         {
-            const DelayedDebugOutput nested;
+            DelayedDebugOutput nested;
             DebugOutput("2");
         }
         EXPECT_EQ(texts, Texts{});

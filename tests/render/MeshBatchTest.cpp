@@ -140,7 +140,7 @@ protected:
         Take(perPixel, [&](Mesh& mesh) { DrawPlainly(mesh, mode, reduced); });
         const Drawn plain = Read();
         {
-            const MeshBatch batch;
+            MeshBatch batch;
             Take(perPixel, [&](Mesh& mesh) { mesh.Draw(mode, reduced); });
         }
         const Drawn shared = Read();
@@ -218,7 +218,7 @@ TEST_P(MeshBatchesInEveryMode, BuildDirtyBuffersBetweenTwoDraws) {
     for (const std::size_t i : {std::size_t{1}, std::size_t{2}, std::size_t{4}, std::size_t{8}})
         pane->m_vpMeshes[i]->MarkBuffersDirty();
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         Take(false, [&](Mesh& mesh) { mesh.Draw(GetParam(), false); });
     }
     const Drawn shared = Read();
@@ -238,10 +238,10 @@ TEST_F(MeshBatches, MayChangeTheModeAndContainOneMore) {
     Take(false, [&](Mesh& mesh) { DrawPlainly(mesh, modeOf(mesh), false); });
     const Drawn plain = Read();
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         Take(false, [&](Mesh& mesh) {
             if (mesh.m_pTexture) {
-                const MeshBatch inner;
+                MeshBatch inner;
                 mesh.Draw(modeOf(mesh), false);
             } else {
                 mesh.Draw(modeOf(mesh), false);
@@ -260,7 +260,7 @@ TEST_F(MeshBatches, RestoreTheActiveTextureUnit) {
     Take(false, [](Mesh&) {});
     const GlSnapshot before = TakeGlSnapshot();
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         Take(false, [](Mesh& mesh) { mesh.Draw(DrawModeFlat, false); });
     }
     ExpectSameGlState(before, TakeGlSnapshot(), "batch");
@@ -270,9 +270,9 @@ TEST_F(MeshBatches, RestoreTheActiveTextureUnit) {
 
 TEST_F(MeshBatches, OfNothingChangeNoState) {
     const Drawn before = Read();
-    { const MeshBatch batch; }
+    { MeshBatch batch; }
     {
-        const MeshBatch batch;
+        MeshBatch batch;
         Mesh(Square{}.Vertices(), {}, L"", false).Draw(DrawModeGouraud, false);
     }
     ExpectSameGlState(before.state, Read().state, "batch");
@@ -282,7 +282,7 @@ TEST_F(MeshBatches, RestoreTheStateWhenADrawThrows) {
     AddGrid(false).Draw(DrawModeGouraud, false);
     const Drawn before = Read();
     const auto drawAndThrow = [&] {
-        const MeshBatch batch;
+        MeshBatch batch;
         pane->m_vpMeshes[0]->Draw(DrawModeWireframe, false);
         throw std::bad_alloc();
     };
