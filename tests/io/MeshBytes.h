@@ -35,7 +35,7 @@ inline MeshBytes Cut(MeshBytes bytes, std::size_t size) {
 /// Text filled up with zero bytes.
 inline MeshBytes Padded(std::string_view text, std::size_t size) {
     MeshBytes bytes(size);
-    std::memcpy(bytes.data(), text.data(), text.size());
+    if (!text.empty()) std::memcpy(bytes.data(), text.data(), text.size());  // no null pointer for memcpy()
     return bytes;
 }
 
