@@ -155,6 +155,7 @@ bool IsHardware(const SharedDisplay& entry) {
     EGLAttrib device = 0;
     if (queryAttribute == nullptr || queryAttribute(entry.handle, EGL_DEVICE_EXT, &device) != EGL_TRUE || device == 0)
         return false;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): EGL returns the handle as a number
     return !DescribeDevice(reinterpret_cast<EGLDeviceEXT>(device)).software;
 }
 
