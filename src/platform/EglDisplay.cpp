@@ -164,15 +164,7 @@ bool MakesContext(const SharedDisplay& entry, const ContextAttributes& wanted) {
     format.stencilBits = 8;  // as the bootstrap
     const EGLConfig config = FindEglConfig(entry.handle, format);
     if (config == nullptr) return false;
-    const ScopedDesktopOpenGl desktop;
-    const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
-                                 wanted.major,
-                                 EGL_CONTEXT_MINOR_VERSION,
-                                 wanted.minor,
-                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                                 EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT,
-                                 EGL_NONE};
-    const EGLContext context = eglCreateContext(entry.handle, config, EGL_NO_CONTEXT, attributes);
+    void* const context = CreateEglContext(entry.handle, config, wanted);
     return context != EGL_NO_CONTEXT && eglDestroyContext(entry.handle, context) == EGL_TRUE;
 }
 
@@ -233,6 +225,18 @@ bool IsEglDisplayAlive(const EglDisplay& display) {
     return std::any_of(table.begin(), table.end(), [&](const auto& entry) {
         return entry->handle == display.handle && entry->generation == display.generation && HasMark(*entry);
     });
+}
+
+void* CreateEglContext(void* display, void* config, const ContextAttributes& wanted) {
+    const ScopedDesktopOpenGl desktop;
+    const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
+                                 wanted.major,
+                                 EGL_CONTEXT_MINOR_VERSION,
+                                 wanted.minor,
+                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                 EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT,
+                                 EGL_NONE};
+    return eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
 }
 
 void* FindEglConfig(void* display, const PixelFormatAttributes& attributes) {

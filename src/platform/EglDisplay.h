@@ -32,6 +32,10 @@ struct EglDisplay {
 /// @param display  EGLDisplay
 [[nodiscard]] void* FindEglConfig(void* display, const PixelFormatAttributes& attributes);
 
+/// A context in the compatibility profile that shares with no other; null when the driver refuses it.
+/// @param display, config  EGLDisplay and EGLConfig
+[[nodiscard]] void* CreateEglContext(void* display, void* config, const ContextAttributes& wanted);
+
 /// Binds desktop OpenGL as this thread's EGL API while it lives, and the former one after that: the host may make
 /// OpenGL ES contexts.
 class ScopedDesktopOpenGl {

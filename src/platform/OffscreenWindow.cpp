@@ -146,15 +146,7 @@ bool OffscreenWindow::SetPixelFormat(std::int32_t format) {
 
 bool OffscreenWindow::CreateContext(const ContextAttributes& attributes) {
     if (m_pSurface == nullptr || m_pContext != nullptr) return false;
-    const ScopedDesktopOpenGl desktop;
-    const EGLint wanted[] = {EGL_CONTEXT_MAJOR_VERSION,
-                             attributes.major,
-                             EGL_CONTEXT_MINOR_VERSION,
-                             attributes.minor,
-                             EGL_CONTEXT_OPENGL_PROFILE_MASK,
-                             EGL_CONTEXT_OPENGL_COMPATIBILITY_PROFILE_BIT,
-                             EGL_NONE};
-    m_pContext = eglCreateContext(m_display.handle, m_pConfig, EGL_NO_CONTEXT, wanted);
+    m_pContext = CreateEglContext(m_display.handle, m_pConfig, attributes);
     return m_pContext != nullptr;
 }
 

@@ -62,9 +62,9 @@ ChosenFormat ChooseFormat(PaneWindow& window, std::int32_t samples) {
     return chosen;
 }
 
-/// Asks for a format with the samples per pixel that the control wants, 0 for none; sets them to 0 when they are only a
-/// wish and the driver has no such format. The query needs a context, so that the window makes a temporary one; it is
-/// deleted afterwards.
+/// Asks for a format with the samples per pixel that the control wants, 0 for none; sets them to 0 when they are
+/// optional and the driver has no such format. The query needs a context, so that the window makes a temporary one; it
+/// is deleted afterwards.
 ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
     PaneWindow& window = *control.m_pWindow;
     const BootstrapReport report = window.BeginBootstrap({control.m_nGlMajorVersion, control.m_nGlMinorVersion});

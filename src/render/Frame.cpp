@@ -126,12 +126,7 @@ bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
     if (size.width == control.m_nWidth && size.height == control.m_nHeight) return false;
     control.m_nWidth = size.width;
     control.m_nHeight = size.height;
-    if (control.m_nHeight > 0) {  // the aspect divides by the height
-        if (control.m_nWidth >= 0) glViewport(0, 0, control.m_nWidth, control.m_nHeight);
-        control.m_viewMatrices.ForgetViewport();
-        control.ApplyAspect();
-        control.SetupViewMatrices();
-    }
+    control.UpdateViewport();
     return true;
 }
 

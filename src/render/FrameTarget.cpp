@@ -50,13 +50,7 @@ void FrameTarget::SetSize(std::int32_t width, std::int32_t height, std::int32_t 
     m_nWidth = width;
     m_nHeight = height;
     m_nSamples = samples;
-    bool isMade = (samples == 0 || Make(m_resolved, 0)) && Make(m_drawn, samples);
-    if (!isMade && samples > 0) {  // jagged edges are better than the window's framebuffer, which has no samples either
-        Delete(m_drawn);
-        Delete(m_resolved);
-        isMade = Make(m_drawn, 0);
-    }
-    if (!isMade) {
+    if ((samples > 0 && !Make(m_resolved, 0)) || !Make(m_drawn, samples)) {
         Delete(m_drawn);
         Delete(m_resolved);
         glGetError();  // out of memory, which is handled here

@@ -9,7 +9,7 @@ namespace {
 using KV_ScenePane::WindowRequest;
 using Source = EglCandidate::Source;
 
-// Addresses that stand for devices.
+// Addresses used as handles of devices.
 char g_fast, g_slow, g_sameCard, g_processor;
 
 EglDevice Hardware(char& device, const char* file) { return {&device, false, file}; }

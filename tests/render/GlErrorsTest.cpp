@@ -188,6 +188,18 @@ TEST_P(GlErrors, AreNotLeftByAScreenshot) {
     ExpectCleanFrame();
 }
 
+TEST(GlErrorsOfAWindow, OfNegativeSizeAreNotLeftByItsFirstFrameNorByOneAfterARecreation) {
+    for (const auto& [width, height] : {std::pair{-5, 100}, {100, -5}, {-5, -5}}) {
+        OffscreenControl pane(width, height);
+        for (const bool recreated : {false, true}) {
+            if (recreated) pane->RecreateOpenglContext(3, 3, 0);
+            pane->PerformRefresh();
+            ASSERT_TRUE(pane->MakeContextCurrent());
+            EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << width << " " << height << " " << recreated;
+        }
+    }
+}
+
 // ---- what OpenGL would ignore is left out; the rest is as it was
 
 TEST(Reflection, WithAShininessThatOpenGlRejectsKeepsTheFormerOne) {

@@ -385,6 +385,20 @@ TEST_P(Overlays, LargerThanTheLimitOfTheDriverShowNothingAndReportWhy) {
     EXPECT_EQ(pane.debugOutput.Take(), "");
 }
 
+TEST_P(Overlays, AreCompleteWhenTheSinkOfTheReasonAddsSomeItself) {
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    const Image tooWide = Image::Plain(Get(GL_MAX_TEXTURE_SIZE) + 1, 1, {0, 0, 255, 255});
+    const Image image(8, 8);
+    for (int i = 0; i < 3; ++i) AddImage(*pane, tooWide);
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view) {
+        for (int i = 0; i < 50; ++i) AddImage(*pane, image);  // the list grows beyond its memory
+    });
+    pane->RecreateOpenglContext(3, 3, 0);  // which reports each of the three again
+    KV_ScenePane::SetDebugOutputSink({});
+    ASSERT_EQ(pane->m_vOverlays.size(), 153u);
+    for (std::size_t i = 0; i < 153; ++i) EXPECT_EQ(pane->m_vOverlays[i].m_uTexture != 0, i >= 3) << i;
+}
+
 TEST_P(Overlays, InAWindowWithoutAreaCauseNoOpenGlError) {
     if (GetParam() != WindowKind::OffScreen) GTEST_SKIP() << "an X window has at least one pixel";
     AddImage(*pane, Image(8, 8));

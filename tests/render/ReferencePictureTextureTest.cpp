@@ -24,7 +24,7 @@ png_file::Bytes TextureBytes() {
     return rgba;
 }
 
-/// The image stands upright: v = 0 is its lowest row.
+/// The image is upright: v = 0 is its lowest row.
 reference::Texture ReferenceTexture() {
     reference::Texture texture{kTexels, kTexels, {}};
     const png_file::Bytes rgba = TextureBytes();

@@ -173,7 +173,7 @@ INSTANTIATE_TEST_SUITE_P(Through, DriverStandIn, testing::Values("Glx", "Egl"),
 
 // ---- waits
 
-/// Long enough to be told from the time of a swap without a wait on a busy machine.
+/// Long enough to be distinguished from the time of a swap without a wait on a busy machine.
 constexpr double kBlankMs = 150;
 
 double MillisecondsOf(const std::function<void()>& work) {

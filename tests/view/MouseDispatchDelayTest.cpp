@@ -142,7 +142,7 @@ TEST_F(HeldDelay, IsSwitchedOnByAnyNumberButZero) {
 
 // ---- handlers of the host that throw
 
-/// Throws in the events that the scheme leads to while it is told to, and counts them.
+/// Throws in the events that the scheme leads to while it is armed, and counts them.
 class ThrowingEvents final : public KV_ScenePane::_DKV_ScenePaneEvents {
 public:
     bool throws = true;
