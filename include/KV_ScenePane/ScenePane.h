@@ -74,6 +74,19 @@ struct Picture {
     std::vector<std::uint32_t> pixels;
 };
 
+/// The nearest surface point of a visible object under a pixel.
+struct SurfacePoint {
+    /// Index of the object.
+    std::int16_t object = -1;
+    /// Index of the triangle in the object, from 0 in the order of its file or of its import.
+    std::int32_t triangle = -1;
+    /// x, y, z in scene units, world frame.
+    float point[3] = {};
+    /// Length along the view direction, scene units, from the point of the pixel at window depth 0.1, which is in front
+    /// of the scene that the view was fitted to; never negative. Objects behind that point count by their distance, too.
+    float distance = 0;
+};
+
 /// One viewer. All calls are made on the thread that created it; the destructor closes the window. Several viewers may
 /// exist in one process and on one thread. A viewer leaves its OpenGL context current.
 ///
@@ -132,6 +145,15 @@ public:
     /// @param picture  receives the frame; empty pixels on failure
     /// @return false for a NoPicture viewer, without a window, and while painting is blocked
     virtual bool CapturePicture(Picture* picture) = 0;
+
+    /// Finds what is under a pixel by a line along the view direction through the triangles of all visible objects, in
+    /// double precision. Changes no state and fires nothing. The cost is one pass over the triangles of the objects
+    /// whose bounding box the line touches.
+    /// @param x, y  pixel of the drawing area, y downward; pixels outside it count, too
+    /// @param hit   receives the nearest point; of two at the same distance, that of the object that is first in the
+    ///              list. Untouched without a hit
+    /// @return false without a hit, for a NoPicture viewer and without a window
+    virtual bool PickSurface(int x, int y, SurfacePoint* hit) = 0;
 };
 
 /// Creates a viewer.

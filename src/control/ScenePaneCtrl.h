@@ -456,6 +456,8 @@ public:
     // ---- markers/Picking.cpp
     /// The visible object under a pixel, or -1; @p hit receives the point, world frame. It is kept as the last pick.
     std::int32_t PickObjectAt(std::int32_t x, std::int32_t y, Float3* hit);
+    /// ScenePane::PickSurface(): the same search, which keeps nothing.
+    bool PickSurface(std::int32_t x, std::int32_t y, KV_ScenePane::SurfacePoint* hit);
     /// Picks by colour: draws the objects in false colours, where nobody sees it, and lets the one at the pixel
     /// store its pick; the others clear theirs. The caller holds g_drawLock.
     /// @param y  from the bottom of the window

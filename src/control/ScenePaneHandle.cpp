@@ -301,6 +301,7 @@ public:
     bool GetGraphicsInfo(KV_ScenePane::GraphicsInfo* info) override { return Held()->GetGraphicsInfo(info); }
     void SetScale(double scale) override { Held()->SetScale(scale); }
     bool CapturePicture(KV_ScenePane::Picture* picture) override { return Held()->CapturePicture(picture); }
+    bool PickSurface(int x, int y, KV_ScenePane::SurfacePoint* hit) override { return Held()->PickSurface(x, y, hit); }
 
     Control& TheControl() { return *m_pControl; }
 

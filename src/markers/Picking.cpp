@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <vector>
 
 #include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
@@ -31,6 +33,31 @@ std::uint32_t ReadId() {
     return pixel[0] + 256u * pixel[1] + 65536u * pixel[2];
 }
 
+struct SurfaceHit {
+    std::int32_t object = 0, triangle = 0;
+    Float3 point{};
+    float distance = 0.0f;
+};
+
+/// The nearest point of the visible objects on the line through a pixel; of two at the same distance the first one in
+/// list order.
+std::optional<SurfaceHit> FindNearestHit(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    // An unbounded line along the viewing axis: the projection is orthographic.
+    Float3 origin{};
+    if (control.UnprojectPoint(x, y, kPickDepth, &origin[0], &origin[1], &origin[2]) == 0) return std::nullopt;
+    std::optional<SurfaceHit> nearest;
+    for (std::size_t i = 0; i < control.m_vpMeshes.size(); ++i) {
+        const Mesh& mesh = *control.m_vpMeshes[i];
+        if (mesh.m_iVisible == 0) continue;
+        SurfaceHit hit{.object = static_cast<std::int32_t>(i)};
+        hit.distance = mesh.IntersectLine(origin.data(), control.m_fAxisZ.data(), &hit.triangle, hit.point.data());
+        // The negated comparisons reject a distance that is not a number.
+        if (!(hit.distance >= 0.0f) || (nearest && !(hit.distance < nearest->distance))) continue;
+        nearest = hit;
+    }
+    return nearest;
+}
+
 struct Part {
     RenderObject* object;
     std::uint32_t number;
@@ -49,26 +76,21 @@ void CKV_ScenePaneCtrl::SetPickMode(std::int16_t mode) {
 std::int16_t CKV_ScenePaneCtrl::GetPickMode() { return static_cast<std::int16_t>(m_nPickMode); }
 
 std::int32_t CKV_ScenePaneCtrl::PickObjectAt(std::int32_t x, std::int32_t y, Float3* hit) {
-    // An unbounded line along the viewing axis: the projection is orthographic.
-    Float3 origin{};
-    if (UnprojectPoint(x, y, kPickDepth, &origin[0], &origin[1], &origin[2]) == 0) return -1;
-    // The visible object with the nearest hit; the negated comparisons reject a distance that is not a number.
-    std::int32_t picked = -1;
-    float nearest = 0.0f;
-    for (std::size_t i = 0; i < m_vpMeshes.size(); ++i) {
-        if (m_vpMeshes[i]->m_iVisible == 0) continue;
-        std::int32_t triangle = 0;
-        Float3 point{};
-        const float distance = m_vpMeshes[i]->IntersectLine(origin.data(), m_fAxisZ.data(), &triangle, point.data());
-        if (!(distance >= 0.0f) || (picked >= 0 && !(distance < nearest))) continue;
-        picked = static_cast<std::int32_t>(i);
-        nearest = distance;
-        *hit = point;
-    }
-    if (picked < 0) return -1;
-    m_fPickPoint = *hit;
+    const auto nearest = FindNearestHit(*this, x, y);
+    if (!nearest) return -1;
+    *hit = m_fPickPoint = nearest->point;
     m_bPickPointValid = 1;
-    return picked;
+    return nearest->object;
+}
+
+bool CKV_ScenePaneCtrl::PickSurface(std::int32_t x, std::int32_t y, KV_ScenePane::SurfacePoint* hit) {
+    const auto nearest = FindNearestHit(*this, x, y);
+    if (!nearest) return false;
+    hit->object = static_cast<std::int16_t>(nearest->object);
+    hit->triangle = nearest->triangle;
+    std::ranges::copy(nearest->point, hit->point);
+    hit->distance = nearest->distance;
+    return true;
 }
 
 void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objects, std::int32_t x, std::int32_t y) {
