@@ -2,6 +2,7 @@
 // says what holds between the members; the methods are grouped by the source file that defines them.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -217,6 +218,48 @@ public:
     void SetPickMode(std::int16_t mode) override;
     std::int16_t GetPickMode() override;
 
+    // ---- markers/PickPointSpheres.cpp
+    std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) override;
+    void MovePickPointSphere(std::int32_t id, float x, float y, float z) override;
+    void RemovePickPointSphere(std::int32_t id) override;
+    void ClearPickPointSpheres() override;
+    std::int32_t GetNumberOfPickPointSpheres() override;
+    void GetPickPointSphereCoords(std::int32_t id, float* x, float* y, float* z) override;
+    std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) override;
+
+    // ---- markers/Lines3D.cpp
+    void SetLine3DDrawingMode(VARIANT_BOOL enable) override;
+    VARIANT_BOOL GetLine3DDrawingMode() override;
+    VARIANT_BOOL CreateLine3D(std::int32_t id, std::int32_t numberOfXYZs, const float* XYZs) override;
+
+    // ---- markers/FreePoints.cpp
+    std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) override;
+    void SetPointsVisibility(std::int32_t id, VARIANT_BOOL visible) override;
+    void DeletePoints(std::int32_t id) override;
+
+    // ---- markers/Needles.cpp
+    void SetNeedlePickingMode(VARIANT_BOOL enable) override;
+    VARIANT_BOOL GetNeedlePickingMode() override;
+    void SetNeedleDrawingMode(VARIANT_BOOL enable) override;
+    VARIANT_BOOL GetNeedleDrawingMode() override;
+    void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, std::int32_t needleHeadColor,
+                                   float needlePinSize, std::int32_t needlePinColor, float needleHitPointRadius,
+                                   std::int32_t needleHitPointColor, std::int32_t needleHeadSelectionColor) override;
+    void SetMaxNumberOfNeedles(std::int32_t num) override;
+    VARIANT_BOOL CreateNeedle(std::int32_t id, float pinPosX, float pinPosY, float pinPosZ, float headPosX,
+                              float headPosY, float headPosZ) override;
+    VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
+                               const float* headPosXYZ) override;
+    VARIANT_BOOL DeleteNeedle(std::int32_t id) override;
+    void DeleteNeedles() override;
+    void SelectNeedle(std::int32_t id) override;
+    VARIANT_BOOL DeselectNeedle(std::int32_t id) override;
+    void DeselectAllNeedles() override;
+    std::int32_t GetNumberOfNeedles() override;
+    VARIANT_BOOL GetNeedle(std::int32_t id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX,
+                           float* headPosY, float* headPosZ) override;
+    void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) override;
+
     // ---- align/Interaction.cpp
     void FinishInteraction() override;
 
@@ -225,36 +268,14 @@ public:
     void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                float outsideOpacity) override;
     void DisplayClipPlanePartCloseToData() override;
-    std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) override;
-    void RemovePickPointSphere(std::int32_t id) override;
-    void GetPickPointSphereCoords(std::int32_t id, float* x, float* y, float* z) override;
-    std::int32_t GetNumberOfPickPointSpheres() override;
-    void SetMaxNumberOfNeedles(std::int32_t num) override;
-    VARIANT_BOOL DeselectNeedle(std::int32_t id) override;
-    void DeselectAllNeedles() override;
-    void SelectNeedle(std::int32_t id) override;
     void StartSegmentation(std::int16_t mode) override;
-    void ClearPickPointSpheres() override;
-    void MovePickPointSphere(std::int32_t id, float x, float y, float z) override;
     std::int32_t PerformUndo() override;
     void ImportMesh(BSTR path) override;
     void ExportMesh(std::int16_t objIdx, BSTR path) override;
     void AlignInteractive() override;
     void AlignPickPoints() override;
-    VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
-                               const float* headPosXYZ) override;
-    void DeleteNeedles() override;
-    std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) override;
     VARIANT_BOOL SaveCuttingToPcms() override;
     void EndSegmentation() override;
-    VARIANT_BOOL CreateNeedle(std::int32_t id, float pinPosX, float pinPosY, float pinPosZ, float headPosX,
-                              float headPosY, float headPosZ) override;
-    void SetLine3DDrawingMode(VARIANT_BOOL enable) override;
-    VARIANT_BOOL GetLine3DDrawingMode() override;
-    VARIANT_BOOL CreateLine3D(std::int32_t id, std::int32_t numberOfXYZs, const float* XYZs) override;
-    void DeletePoints(std::int32_t id) override;
-    void SetPointsVisibility(std::int32_t id, VARIANT_BOOL visible) override;
-    std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) override;
     void SetClipPlaneEnabled(std::int32_t displayClipPlane) override;
     void SetClipPlaneDisabled() override;
     void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
@@ -262,18 +283,6 @@ public:
     void SetClipPlaneColor(std::int32_t color, std::int32_t handleColor, std::int32_t outlineColor) override;
     void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
                       float* normalZ) override;
-    void SetNeedlePickingMode(VARIANT_BOOL enable) override;
-    void SetNeedleDrawingMode(VARIANT_BOOL enable) override;
-    void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, std::int32_t needleHeadColor,
-                                   float needlePinSize, std::int32_t needlePinColor, float needleHitPointRadius,
-                                   std::int32_t needleHitPointColor, std::int32_t needleHeadSelectionColor) override;
-    VARIANT_BOOL GetNeedlePickingMode() override;
-    VARIANT_BOOL GetNeedleDrawingMode() override;
-    VARIANT_BOOL DeleteNeedle(std::int32_t id) override;
-    std::int32_t GetNumberOfNeedles() override;
-    VARIANT_BOOL GetNeedle(std::int32_t id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX,
-                           float* headPosY, float* headPosZ) override;
-    void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) override;
     VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) override;
     void ClearCutMasks() override;
     void InitializeKVReg() override;
@@ -325,8 +334,6 @@ public:
 
     // ---- render/Frame.cpp
     void OnPaint() override;
-    /// Draws the visible point sets, opaque ones first. The context is current.
-    void DrawFreePoints();
     /// Keeps the pixels of the last frame as the frozen image, which later frames show in place of the scene.
     void FreezeFrame();
 
@@ -351,23 +358,23 @@ public:
     void RenderOffscreen();
 
     // ---- steps of a frame that other modules draw; without effect while their lists are empty
-    void DrawLassoPolygon();            // cut/CutFrame.cpp
-    void DrawCutSession();              // cut/CutFrame.cpp
-    void DrawLines3D(float lineWidth);  // markers/MarkersFrame.cpp
-    void DrawNeedles(int textStyle);    // markers/MarkersFrame.cpp
-    void DrawPickPointSpheres();        // markers/MarkersFrame.cpp
-    void DrawClipPlane();               // clip/ClipFrame.cpp
+    void DrawLassoPolygon();  // cut/CutFrame.cpp
+    void DrawCutSession();    // cut/CutFrame.cpp
+    /// @param lineWidth  pixels
+    void DrawLines3D(float lineWidth);  // markers/Lines3D.cpp
+    /// @param fontIndex  of the numbers beside the heads
+    void DrawNeedles(int fontIndex);  // markers/NeedleDraw.cpp
+    void DrawPickPointSpheres();      // markers/PickPointSpheres.cpp
+    /// Draws the visible point sets, opaque ones first. The context is current.
+    void DrawFreePoints();  // markers/FreePoints.cpp
+    void DrawClipPlane();   // clip/ClipFrame.cpp
 
     // ---- the input's calls to markers, cuts and the clip plane; in this version no method enters their modes
-    bool SelectNeedleAt(std::int32_t x, std::int32_t y);      // markers/MarkersFrame.cpp
-    bool DragSelectedNeedle(std::int32_t x, std::int32_t y);  // markers/MarkersFrame.cpp
-    void CreateNeedleAt(std::int32_t x, std::int32_t y);      // markers/MarkersFrame.cpp
-    void DeleteSelectedNeedle();                              // markers/MarkersFrame.cpp
-    void FinishSegmentation(bool cancel);                     // cut/CutFrame.cpp
-    void AddCutSessionPoint(float x, float y);                // cut/CutFrame.cpp
-    void PreviewCutSessionPoint(float x, float y);            // cut/CutFrame.cpp
-    void StartCutSession(float x, float y);                   // cut/CutFrame.cpp
-    void PlaceClipPlaneAtData();                              // clip/ClipFrame.cpp
+    void FinishSegmentation(bool cancel);           // cut/CutFrame.cpp
+    void AddCutSessionPoint(float x, float y);      // cut/CutFrame.cpp
+    void PreviewCutSessionPoint(float x, float y);  // cut/CutFrame.cpp
+    void StartCutSession(float x, float y);         // cut/CutFrame.cpp
+    void PlaceClipPlaneAtData();                    // clip/ClipFrame.cpp
 
     // ---- view/Camera.cpp
     /// Rebuilds projection, modelview, shadow camera and light from the frame; makes the context current.
@@ -379,6 +386,8 @@ public:
     void FitViewToScene();
     /// Union of the visible meshes with triangles and the visible free points; -50..50 when there is none.
     [[nodiscard]] Box GetSceneBoundingBox() const;
+    /// What a screenshot shows: GetSceneBoundingBox() with the lines and the needles, if they are drawn.
+    [[nodiscard]] Box GetPictureBoundingBox() const;
     /// Moves the centre by a mouse travel in pixels.
     void PanView(std::int32_t dx, std::int32_t dy);
     void ZoomView(std::int32_t dx, std::int32_t dy);
@@ -391,8 +400,9 @@ public:
     // ---- view/Conversions.cpp: by the current OpenGL matrices; window pixels, y downward
     /// Combined matrix of a frame other than the live one, 16 floats, column-major.
     void ComputeFrameMatrix(const ViewFrame& frame, float* matrix);
-    void ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY);
-    void ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY, float* depth);
+    /// @return false when the projection is not finite or does not fit the integers, and without a context
+    bool ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY);
+    bool ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY, float* depth);
     void ProjectPointDouble(double x, double y, double z, double* windowX, double* windowY);
     /// 0 when there is no inverse or no context; the outputs are then untouched.
     int UnprojectPoint(std::int32_t windowX, std::int32_t windowY, float depth, float* x, float* y, float* z);
@@ -401,6 +411,8 @@ public:
     // delayed
     /// Registers the handlers with the dispatcher.
     void ConnectMouseHandlers();
+    /// ScenePane::SetMouseFilter().
+    void SetMouseFilter(std::function<bool(const KV_ScenePane::MouseInput&)> filter);
     void OnMouse(const KV_ScenePane::MouseInput& input) override;
     void OnPrivateMessage(std::uint32_t message) override;
     /// For a press that waits while the window is made again.
@@ -452,6 +464,25 @@ public:
     // ---- view/Animation.cpp
     /// One step of the running turntable by the clock; after the time of one revolution it ends the animation.
     void AnimationStep();
+
+    // ---- markers/Needles.cpp
+    [[nodiscard]] bool IsNeedleListFull() const;
+    /// The operation behind SelectNeedle().
+    /// @return whether the needle existed, still after the events of those that it deselects
+    bool SelectOnlyNeedle(std::int32_t id);
+    /// Deselects every selected needle but this one, with the events.
+    void DeselectNeedlesBut(std::int32_t id);
+
+    // ---- markers/NeedleInput.cpp: x and y are pixels of the drawing area
+    /// A left press: selects the needle whose head the window shows there, or deselects all.
+    void SelectNeedleAt(std::int32_t x, std::int32_t y);
+    /// A move with the left button held: moves the head of the selected needle.
+    /// @return whether a needle is selected: then the move has no other meaning. The caller refreshes
+    bool DragSelectedNeedle(std::int32_t x, std::int32_t y);
+    /// A double click: makes a needle on the surface that the window shows there, and selects it.
+    void CreateNeedleAt(std::int32_t x, std::int32_t y);
+    /// Deletes the first selected needle, with the events. The caller refreshes.
+    void DeleteSelectedNeedle();
 
     // ---- markers/Picking.cpp
     /// The visible object under a pixel, or -1; @p hit receives the point, world frame. It is kept as the last pick.

@@ -4,7 +4,8 @@
 
 #include "geometry/Vector3.h"
 
-/// The OpenGL names belong to the context of the control's window and become invalid with it.
+/// The OpenGL names are 0 where nothing was uploaded: without a context, without points, or when graphics memory was
+/// short. They are kept when their context goes, and then name nothing, or objects of others in the next context.
 struct FreePointSet {
     std::int32_t id = 0;
     std::int32_t numPoints = 0;
@@ -12,6 +13,11 @@ struct FreePointSet {
     std::uint32_t positionBuffer = 0;
     std::uint32_t colorBuffer = 0;
     std::uint8_t visible = 1;
+    bool isContextGone = false;  ///< the context that the names belong to
     float alpha = 1.0f;
-    Float3 boxMin{}, boxMax{};  ///< world frame
+    Float3 boxMin{}, boxMax{};  ///< of the finite points, world frame; inverted when there are none
+
+    [[nodiscard]] bool CanBeDrawn() const {
+        return visible != 0 && numPoints > 0 && vertexArray != 0 && !isContextGone;
+    }
 };

@@ -1,20 +1,19 @@
 // Picks and markers: pick-point spheres, needles, lines and free points. Markers are not scene objects.
 #pragma once
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 #include "KV_ScenePane/Modes.h"
 #include "geometry/Vector3.h"
-#include "markers/FreePointSet.h"
+#include "markers/FreePointMap.h"
 #include "markers/Line3D.h"
 #include "markers/Needle.h"
 #include "markers/PickPointSphere.h"
 
 /// Written by markers/ and by the setting methods of control/. Positions are in the world frame.
 ///
-/// Invariants: m_fPickPoint is the last hit of a pick only while m_bPickPointValid is set. The buffers of an entry of
-/// m_mapFreePoints belong to the context of the window; its key is the entry's id.
+/// Invariants: m_fPickPoint is the last hit of a pick only while m_bPickPointValid is set. The id of a pick-point sphere
+/// is its index. Ids in m_vLines3D differ. The key in m_mapFreePoints is the entry's id.
 struct MarkerState {
     // Picking.
     std::int32_t m_nPickMode = KV_ScenePane::PickModeOff;  ///< KV_ScenePane::PickMode, or any other value of the host
@@ -31,5 +30,5 @@ struct MarkerState {
     std::uint8_t m_bNeedlePickingMode = 0, m_bNeedleDrawingMode = 0, m_bLine3DDrawingMode = 0;
 
     // Free points, by id.
-    std::unordered_map<std::int32_t, FreePointSet> m_mapFreePoints{8};
+    FreePointMap m_mapFreePoints;
 };

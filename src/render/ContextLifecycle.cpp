@@ -127,6 +127,7 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
 /// Drops what belonged to a context that is gone. Its names may be those of other objects in the next context.
 void ForgetContext(CKV_ScenePaneCtrl& control) {
     for (Overlay& overlay : control.m_vOverlays) overlay.m_uTexture = 0;
+    for (auto& [id, points] : control.m_mapFreePoints) points.isContextGone = true;
     control.m_frameTarget.Forget();
     control.m_idTarget.Forget();
     control.m_viewMatrices.Forget();

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr float kOpaqueAlpha = 0.99f;     // point sets with less are blended
 constexpr float kWindowLineWidth = 3.0f;  // of 3D lines, pixels
 constexpr int kWindowNeedleFont = 1;      // bold, 24 pixels
 
@@ -251,45 +250,4 @@ void CKV_ScenePaneCtrl::FreezeFrame() {
         std::make_unique<std::uint8_t[]>(FrozenRowBytes(m_nFrozenWidth) * static_cast<std::size_t>(m_nFrozenHeight));
     m_frameTarget.Resolve();  // inside a frame too: what it has drawn so far
     glReadPixels(0, 0, m_nFrozenWidth, m_nFrozenHeight, GL_BGR, GL_UNSIGNED_BYTE, m_pFrozenImage.get());
-}
-
-void CKV_ScenePaneCtrl::DrawFreePoints() {
-    if (m_mapFreePoints.empty()) return;
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
-    glEnable(GL_DEPTH_TEST);
-    glDisable(GL_LIGHTING);
-    glUseProgram(m_progFreeFloatingPoints);
-    const auto uniform = [this](const char* name) { return glGetUniformLocation(m_progFreeFloatingPoints, name); };
-    const GLint alpha = uniform("alpha");
-    glUniform1f(uniform("pointSize"), m_fPointCloudSize);
-    glUniform1f(uniform("windowHeight"), static_cast<float>(m_nHeight));
-    glUniform1f(alpha, 1.0f);
-    glEnable(GL_VERTEX_PROGRAM_POINT_SIZE);  // the shader writes gl_PointSize
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableVertexAttribArray(0);
-    glEnableVertexAttribArray(1);
-
-    const auto drawSet = [](const FreePointSet& points) {
-        glBindVertexArray(points.vertexArray);
-        glDrawArrays(GL_POINTS, 0, points.numPoints);
-    };
-    // Opaque sets first, so that transparent ones blend with them.
-    for (const auto& [id, points] : m_mapFreePoints)
-        if (points.visible != 0 && !(points.alpha < kOpaqueAlpha)) drawSet(points);
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glBlendEquation(GL_FUNC_ADD);
-    for (const auto& [id, points] : m_mapFreePoints) {
-        if (points.visible == 0 || !(points.alpha < kOpaqueAlpha)) continue;
-        glUniform1f(alpha, points.alpha);
-        drawSet(points);
-    }
-
-    // Client state, vertex array and program are not part of the attribute stack.
-    glBindVertexArray(0);
-    glDisableVertexAttribArray(1);
-    glDisableVertexAttribArray(0);
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glUseProgram(0);
-    glPopAttrib();
 }

@@ -36,7 +36,7 @@ public:
     explicit WholeSceneView(CKV_ScenePaneCtrl& control) : m_control(control) {
         glGetIntegerv(GL_VIEWPORT, m_viewport);
         // Centre and scale: the diagonal of the box fills the picture at zoom 1.
-        const Box box = WidenedBox(control.GetSceneBoundingBox());
+        const Box box = WidenedBox(control.GetPictureBoundingBox());
         control.m_fViewCenter = control.m_fRotationCenter = box.Center();
         control.m_fSceneSize = box.Diagonal();
         control.SetupViewMatrices();

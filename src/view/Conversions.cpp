@@ -13,6 +13,7 @@ namespace {
 
 struct WindowPoint {
     double x = 0.0, y = 0.0, depth = 0.0;  // y upward
+    bool isProjected = false;
 };
 
 /// By the matrices of the control; the depth is 0 at the near plane and 1 at the far plane. All is 0 without a context.
@@ -20,16 +21,18 @@ WindowPoint Project(CKV_ScenePaneCtrl& control, double x, double y, double z) {
     WindowPoint p;
     if (!control.MakeContextCurrent()) return p;
     ViewMatrices& m = control.m_viewMatrices;
-    gluProject(x, y, z, m.ModelView().data(), m.Projection().data(), m.Viewport().data(), &p.x, &p.y, &p.depth);
+    p.isProjected = gluProject(x, y, z, m.ModelView().data(), m.Projection().data(), m.Viewport().data(), &p.x, &p.y,
+                               &p.depth) == GLU_TRUE;
     return p;
 }
 
-/// Truncated towards 0. What has no pixel, a value that is not a number included, is the smallest one.
-std::int32_t ToPixel(double value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    return value > Limits::min() - 1.0 && value < Limits::max() + 1.0 ? static_cast<std::int32_t>(value)
-                                                                      : Limits::min();
-}
+using Limits = std::numeric_limits<std::int32_t>;
+
+/// False for a value that is not a number.
+bool HasPixel(double value) { return value > Limits::min() - 1.0 && value < Limits::max() + 1.0; }
+
+/// Truncated towards 0. What has no pixel is the smallest one.
+std::int32_t ToPixel(double value) { return HasPixel(value) ? static_cast<std::int32_t>(value) : Limits::min(); }
 
 }  // namespace
 
@@ -52,18 +55,20 @@ void CKV_ScenePaneCtrl::ComputeFrameMatrix(const ViewFrame& frame, float* matrix
     glMatrixMode(static_cast<GLenum>(mode));
 }
 
-void CKV_ScenePaneCtrl::ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY) {
+bool CKV_ScenePaneCtrl::ProjectPoint(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY) {
     float depth = 0.0f;
-    ProjectPointWithDepth(x, y, z, windowX, windowY, &depth);
+    return ProjectPointWithDepth(x, y, z, windowX, windowY, &depth);
 }
 
-void CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY,
+bool CKV_ScenePaneCtrl::ProjectPointWithDepth(float x, float y, float z, std::int32_t* windowX, std::int32_t* windowY,
                                               float* depth) {
     const WindowPoint p = Project(*this, x, y, z);
     // Truncated towards 0, y after a subtraction in float: both are part of the public result.
+    const double downwardY = static_cast<float>(m_nHeight) - static_cast<float>(p.y);
     *windowX = ToPixel(p.x);
-    *windowY = ToPixel(static_cast<float>(m_nHeight) - static_cast<float>(p.y));
+    *windowY = ToPixel(downwardY);
     *depth = static_cast<float>(p.depth);
+    return p.isProjected && HasPixel(p.x) && HasPixel(downwardY);
 }
 
 // Without rounding, for the drags of the clip plane, which measure directions of less than a pixel.
