@@ -1,10 +1,11 @@
-// Parsing of the command line: a table of the options with values, then the checks of what they are together. Numbers
-// are read by std::from_chars, whose result does not depend on the locale.
+// Parsing of the command line: a table of the options, then the checks of what they are together. Numbers are read by
+// std::from_chars, whose result does not depend on the locale.
 #include "CommandLine.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <type_traits>
@@ -106,142 +107,206 @@ bool ReadPicturePath(std::string_view text, HostOptions& options) {
     return !text.empty();
 }
 
-/// The runs that an option applies to.
-enum class Scope {
-    Action,    ///< the option selects the run
-    Import,    ///< all runs that open files
-    Picture,   ///< all but --info and --convert
-    Look,      ///< the window and --screenshot: a capture has a size and a draw mode of its own
-    OffScreen  ///< what draws without a window: --screenshot, --capture and the verbose --version
-};
-
-/// An option with a value.
-struct ValueOption {
-    std::string_view name;
-    std::string_view expected;  ///< what a valid value is, for the message about an invalid one
-    Scope scope;
-    bool (*read)(std::string_view text, HostOptions& options);  ///< false for an invalid value
-};
-
-constexpr ValueOption kValueOptions[] = {
-    {"--screenshot", "a file name", Scope::Action, ReadPicturePath},
-    {"--capture", "a file name", Scope::Action, ReadPicturePath},
-    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", Scope::Look, ReadSize},
-    {"--view", "a whole number from 0 to 7", Scope::Picture, ReadView},
-    {"--draw-mode", "a whole number from 0 to 7", Scope::Look, ReadDrawMode},
-    {"--zoom", "a number from 0.1 to 10", Scope::Picture, ReadZoom},
-    {"--skip", "a whole number from 1 to 32767", Scope::Import, ReadSkip},
-    {"--confidence", "a number", Scope::Import, ReadConfidence},
-    {"--color", "six hexadecimal digits RRGGBB", Scope::Import, ReadColor},
-    {"--gpu", "the number of a graphics device from 0 to 31, or software", Scope::OffScreen, ReadGpu},
-};
-
-/// Null for an unknown option.
-const ValueOption* FindValueOption(std::string_view name) {
-    for (const ValueOption& option : kValueOptions) {
-        if (option.name == name) return &option;
-    }
-    return nullptr;
-}
-
-/// Which options were given, for the checks of their combination.
-struct GivenOptions {
-    bool screenshot = false, capture = false, info = false, convert = false, version = false;
-    bool gpu = false;
-    bool import = false;             ///< an option of imports
-    std::string_view pictureOption;  ///< the last one that applies to pictures; empty without one
-    std::string_view lookOption;     ///< the last of these that a capture ignores; empty without one
-};
-
-/// Whether the option exists and has no value.
-bool IsSwitch(std::string_view name) {
-    return name == "--info" || name == "--convert" || name == "--json" || name == "--shadows" || name == "--help" ||
-           name == "--version" || name == "--verbose";
-}
-
-/// Stores an option without a value; false when there is no such option.
-bool StoreSwitch(std::string_view name, HostOptions& options, GivenOptions& given) {
-    if (name == "--info") {
-        given.info = true;
-    } else if (name == "--convert") {
-        given.convert = true;
-    } else if (name == "--json") {
-        options.json = true;
-    } else if (name == "--version") {
-        given.version = true;
-    } else if (name == "--verbose") {
-        options.verbose = true;
-    } else if (name == "--shadows") {
-        options.shadows = true;
-        given.pictureOption = given.lookOption = "--shadows";
-    } else {
-        return false;
-    }
+bool ReadPick(std::string_view text, HostOptions& options) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos) return false;
+    const auto x = IntegerIn(text.substr(0, comma), 0, kMaxSide - 1);
+    const auto y = IntegerIn(text.substr(comma + 1), 0, kMaxSide - 1);
+    if (!x || !y) return false;
+    options.picks.push_back({*x, *y});
     return true;
 }
 
-/// The message about two options that each select the run; empty when there are no such two.
-std::string ActionConflict(const GivenOptions& given) {
-    if (given.info && given.screenshot) return "--info and --screenshot do not go together";
-    if (given.info && given.capture) return "--info and --capture do not go together";
-    if (given.capture && given.screenshot) return "--screenshot and --capture do not go together";
-    if (given.convert && given.info) return "--convert and --info do not go together";
-    if (given.convert && given.screenshot) return "--convert and --screenshot do not go together";
-    if (given.convert && given.capture) return "--convert and --capture do not go together";
+/// Appends to one of the lists of marker files.
+template <std::vector<std::string> HostOptions::*list>
+bool ReadMarkerFile(std::string_view text, HostOptions& options) {
+    if (text.empty()) return false;
+    (options.*list).emplace_back(text);
+    return true;
+}
+
+template <bool HostOptions::*flag>
+bool SetFlag(std::string_view, HostOptions& options) {
+    options.*flag = true;
+    return true;
+}
+
+bool SelectRun(std::string_view, HostOptions&) { return true; }
+
+/// The runs as bits, for the sets of runs that an option applies to.
+enum Run : unsigned {
+    kWindow = 1,
+    kScreenshot = 2,
+    kCapture = 4,
+    kPick = 8,
+    kInfo = 16,
+    kConvert = 32,
+    kVersion = 64,
+    kNoRun = 0,
+    kPictures = kWindow | kScreenshot | kCapture,
+    kImports = kPictures | kPick | kInfo | kConvert,
+    kAllRuns = kImports | kVersion
+};
+
+struct Option {
+    std::string_view name;
+    /// What a valid value is, for the message about an invalid one. Empty for an option without a value.
+    std::string_view expected;
+    /// The run that the option selects.
+    Run selects;
+    /// The runs that the option applies to, a set of Run.
+    unsigned runs;
+    /// Reads the value and stores it; false for an invalid one.
+    bool (*read)(std::string_view text, HostOptions& options);
+    /// The runs of an option that does not apply to the window, as part of a sentence.
+    std::string_view goesWith = {};
+};
+
+// --help is read before all others. Of two options that select a run, a conflict names the upper one first.
+constexpr Option kOptions[] = {
+    {"--pick", "X,Y, two whole numbers from 0 to 16383", kPick, kAllRuns, ReadPick},
+    {"--convert", "", kConvert, kAllRuns, SelectRun},
+    {"--info", "", kInfo, kAllRuns, SelectRun},
+    {"--screenshot", "a file name", kScreenshot, kAllRuns, ReadPicturePath},
+    {"--capture", "a file name", kCapture, kAllRuns, ReadPicturePath},
+    {"--version", "", kVersion, kAllRuns, SelectRun},
+    {"--json", "", kNoRun, kInfo | kPick, SetFlag<&HostOptions::json>, "--info and --pick"},
+    {"--verbose", "", kNoRun, kVersion, SetFlag<&HostOptions::verbose>, "--version"},
+    {"--gpu", "the number of a graphics device from 0 to 31, or software", kNoRun,
+     kScreenshot | kCapture | kPick | kVersion, ReadGpu, "--screenshot, --capture, --pick and --version --verbose"},
+    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", kNoRun, kWindow | kScreenshot | kPick, ReadSize},
+    {"--view", "a whole number from 0 to 7", kNoRun, kPictures | kPick, ReadView},
+    {"--draw-mode", "a whole number from 0 to 7", kNoRun, kWindow | kScreenshot, ReadDrawMode},
+    {"--zoom", "a number from 0.1 to 10", kNoRun, kPictures | kPick, ReadZoom},
+    {"--shadows", "", kNoRun, kWindow | kScreenshot, SetFlag<&HostOptions::shadows>},
+    {"--points", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::pointFiles>},
+    {"--lines", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::lineFiles>},
+    {"--needles", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::needleFiles>},
+    {"--skip", "a whole number from 1 to 32767", kNoRun, kImports, ReadSkip},
+    {"--confidence", "a number", kNoRun, kImports, ReadConfidence},
+    {"--color", "six hexadecimal digits RRGGBB", kNoRun, kImports, ReadColor},
+};
+
+/// Null for an unknown option.
+const Option* FindOption(std::string_view name) {
+    const auto* const found = std::ranges::find(kOptions, name, &Option::name);
+    return found == std::end(kOptions) ? nullptr : found;
+}
+
+/// The options that were given, for the checks of their combination.
+using GivenOptions = std::vector<const Option*>;
+
+/// The options that select the run; the first ones of the table first, each once.
+GivenOptions SelectingOptions(const GivenOptions& given) {
+    GivenOptions selecting;
+    for (const Option& option : kOptions) {
+        if (option.selects != kNoRun && std::ranges::find(given, &option) != given.end()) selecting.push_back(&option);
+    }
+    return selecting;
+}
+
+/// The message about an option that does not apply to the run; empty when all of them do.
+/// @param selecting  the option that selects the run; null for the window
+std::string MisplacedOption(const GivenOptions& given, const Option* selecting) {
+    const Run run = selecting == nullptr ? kWindow : selecting->selects;
+    for (const Option* const option : given) {
+        if ((option->runs & run) != 0) continue;
+        if (run == kVersion) return "--version --verbose goes with --gpu only";
+        if (!option->goesWith.empty())
+            return std::string(option->name).append(" goes with ").append(option->goesWith).append(" only");
+        return std::string(option->name).append(" has no meaning with ").append(selecting->name);
+    }
     return {};
 }
 
-/// Whether the command line asks for something else besides the version.
-bool HasMoreThanVersion(const HostOptions& options, const GivenOptions& given) {
-    return given.screenshot || given.capture || given.info || given.convert || given.import ||
-           !given.pictureOption.empty() || !options.files.empty();
+/// The message about a number of files that the run cannot work with; empty for a good one.
+std::string WrongFiles(const HostOptions& options, Run run) {
+    const bool hasMarks = !options.lineFiles.empty() || !options.needleFiles.empty();
+    if (run == kVersion && !options.files.empty()) return "--version --verbose goes with --gpu only";
+    if (run == kConvert && options.files.size() != 2)
+        return "--convert needs two files, the one to read and the one to write";
+    if (run == kConvert) {
+        const std::string reason = ExportRefusal(options.files.back());
+        return reason.empty() ? "" : options.files.back() + ": " + reason;
+    }
+    if (!options.files.empty()) return {};
+    if (run == kInfo) return "--info needs at least one file";
+    if (run == kPick) return "--pick needs at least one file";
+    if (run == kScreenshot && !hasMarks && options.pointFiles.empty()) return "--screenshot needs at least one file";
+    if (run == kCapture && !hasMarks)
+        return options.pointFiles.empty() ? "--capture needs at least one file"
+                                          : "--capture draws no free points and needs at least one other file";
+    return {};
+}
+
+/// The message about the first pixel outside the drawing area; empty when all are inside.
+std::string PixelOutside(const HostOptions& options) {
+    for (const PickPixel& pixel : options.picks) {
+        if (pixel.x >= options.width || pixel.y >= options.height)
+            return "--pick " + std::to_string(pixel.x) + ',' + std::to_string(pixel.y) + " is outside of the " +
+                   std::to_string(options.width) + 'x' + std::to_string(options.height) + " pixels";
+    }
+    return {};
 }
 
 /// The message about options and files that contradict each other; empty when none do.
 std::string Conflict(const HostOptions& options, const GivenOptions& given) {
-    if (std::string text = ActionConflict(given); !text.empty()) return text;
-    if (options.json && !given.info) return "--json goes with --info only";
-    if (options.verbose && !given.version) return "--verbose goes with --version only";
-    if (given.version && HasMoreThanVersion(options, given)) return "--version --verbose goes with --gpu only";
-    if (given.gpu && !given.screenshot && !given.capture && !given.version)
-        return "--gpu goes with --screenshot, --capture and --version --verbose only";
-    if ((given.info || given.convert) && !given.pictureOption.empty())
-        return std::string(given.pictureOption) + " has no meaning with " + (given.info ? "--info" : "--convert");
-    if (given.capture && !given.lookOption.empty())
-        return std::string(given.lookOption) + " has no meaning with --capture";
-    if (options.files.empty() && given.capture) return "--capture needs at least one file";
-    if (options.files.empty() && given.screenshot) return "--screenshot needs at least one file";
-    if (options.files.empty() && given.info) return "--info needs at least one file";
-    if (options.files.size() != 2 && given.convert)
-        return "--convert needs two files, the one to read and the one to write";
-    if (const std::string reason = given.convert ? ExportRefusal(options.files.back()) : ""; !reason.empty())
-        return options.files.back() + ": " + reason;
-    return {};
+    const GivenOptions selecting = SelectingOptions(given);
+    const Option* const first = selecting.empty() ? nullptr : selecting.front();
+    const bool isVersion = std::ranges::find(selecting, kVersion, &Option::selects) != selecting.end();
+    if (selecting.size() > 1 && isVersion) return "--version --verbose goes with --gpu only";
+    if (selecting.size() > 1)
+        return std::string(first->name).append(" and ").append(selecting[1]->name).append(" do not go together");
+    if (std::string text = MisplacedOption(given, first); !text.empty()) return text;
+    if (std::string text = WrongFiles(options, first == nullptr ? kWindow : first->selects); !text.empty()) return text;
+    return PixelOutside(options);
 }
 
-/// Reads one option with a value.
-/// @param i  position of the option among the arguments; advanced by one when the value is the next argument
-std::optional<UsageError> ReadOption(const ValueOption& option, const std::vector<std::string>& arguments,
-                                     std::size_t& i, HostOptions& options, GivenOptions& given) {
-    const std::string_view argument = arguments[i];
-    std::string_view value;
-    if (argument.size() > option.name.size()) {
-        value = argument.substr(option.name.size() + 1);
-    } else if (i + 1 < arguments.size()) {
-        value = arguments[++i];
-    } else {
-        return UsageError{std::string(option.name) + " needs a value: " + std::string(option.expected)};
+/// The action of a command line without a conflict.
+HostAction ActionOf(const GivenOptions& given) {
+    const GivenOptions selecting = SelectingOptions(given);
+    switch (selecting.empty() ? kWindow : selecting.front()->selects) {
+        case kScreenshot:
+            return HostAction::Screenshot;
+        case kCapture:
+            return HostAction::Capture;
+        case kPick:
+            return HostAction::Pick;
+        case kInfo:
+            return HostAction::Info;
+        case kConvert:
+            return HostAction::Convert;
+        case kVersion:
+            return HostAction::Version;
+        default:
+            return HostAction::Window;
     }
-    if (!option.read(value, options)) {
-        return UsageError{std::string(option.name) + " takes " + std::string(option.expected) + ", not \"" +
+}
+
+/// Reads one option, "--option", "--option value" or "--option=value".
+/// @param i  position of the option among the arguments; advanced by one when the value is the next argument
+std::optional<UsageError> ReadOption(const std::vector<std::string>& arguments, std::size_t& i, HostOptions& options,
+                                     GivenOptions& given) {
+    const std::string_view argument = arguments[i];
+    const std::string_view name = argument.substr(0, argument.find('='));
+    const bool hasEquals = name.size() < argument.size();
+    const Option* const option = FindOption(name);
+    if (hasEquals && (name == "--help" || (option != nullptr && option->expected.empty())))
+        return UsageError{std::string(name) + " takes no value"};
+    if (option == nullptr) return UsageError{"unknown option " + std::string(argument)};
+    std::string_view value;
+    if (hasEquals) {
+        value = argument.substr(name.size() + 1);
+    } else if (!option->expected.empty()) {
+        if (i + 1 == arguments.size())
+            return UsageError{std::string(name) + " needs a value: " + std::string(option->expected)};
+        value = arguments[++i];
+    }
+    if (!option->read(value, options)) {
+        return UsageError{std::string(name) + " takes " + std::string(option->expected) + ", not \"" +
                           std::string(value) + "\""};
     }
-    if (option.name == "--screenshot") given.screenshot = true;
-    if (option.name == "--capture") given.capture = true;
-    if (option.scope == Scope::Picture || option.scope == Scope::Look) given.pictureOption = option.name;
-    if (option.scope == Scope::Look) given.lookOption = option.name;
-    if (option.scope == Scope::Import) given.import = true;
-    if (option.scope == Scope::OffScreen) given.gpu = true;
+    given.push_back(option);
     return std::nullopt;
 }
 
@@ -275,22 +340,12 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
             options.action = argument == "--help" ? HostAction::Help : HostAction::Version;
             return options;
         }
-        if (StoreSwitch(argument, options, given)) continue;
-        // "--option value" or "--option=value".
-        const std::string_view name = argument.substr(0, argument.find('='));
-        const ValueOption* const option = FindValueOption(name);
-        if (name != argument && IsSwitch(name)) return UsageError{std::string(name) + " takes no value"};
-        if (option == nullptr) return UsageError{"unknown option " + std::string(argument)};
-        if (auto error = ReadOption(*option, arguments, i, options, given)) return *error;
+        if (auto error = ReadOption(arguments, i, options, given)) return *error;
     }
     // All options are known now: their combination is checked, and the run follows from them.
     if (const std::string text = Conflict(options, given); !text.empty()) return UsageError{text};
-    if (given.version) options.action = HostAction::Version;
-    if (given.screenshot) options.action = HostAction::Screenshot;
-    if (given.capture) options.action = HostAction::Capture;
-    if (given.info) options.action = HostAction::Info;
-    if (given.convert) {
-        options.action = HostAction::Convert;
+    options.action = ActionOf(given);
+    if (options.action == HostAction::Convert) {
         options.exportPath = options.files.back();
         options.files.pop_back();
     }
@@ -303,6 +358,7 @@ std::string HelpText() {
     return "Usage: scenepane [options] FILE...\n"
            "       scenepane --screenshot OUT.png [options] FILE...\n"
            "       scenepane --capture OUT.png [options] FILE...\n"
+           "       scenepane --pick X,Y [--json] [options] FILE...\n"
            "       scenepane --info [--json] [options] FILE...\n"
            "       scenepane --convert [options] IN OUT\n"
            "Shows optical scans (" +
@@ -314,8 +370,10 @@ std::string HelpText() {
            "  --screenshot OUT.png  render the scene, fitted to the picture, into a PNG file\n"
            "  --capture OUT.png     render the whole scene at 2048x2048, smooth shaded, whatever the window's\n"
            "                        size; --size, --draw-mode and --shadows have no meaning with it\n"
+           "  --pick X,Y            print the surface point under a pixel of the picture that --screenshot takes, y\n"
+           "                        downward: object, triangle, point and distance; may be repeated\n"
            "  --info                print what each file holds; needs no OpenGL either\n"
-           "  --json                with --info: print one JSON object\n"
+           "  --json                with --info and --pick: print one JSON object\n"
            "  --convert IN OUT      write what IN holds, a scan or a mesh, as the " +
            written +
            " file OUT; needs no\n"
@@ -324,9 +382,14 @@ std::string HelpText() {
            "Imports of scans:\n"
            "  --skip N              thin the grid: one point for N x N, 1 to 32767 (1)\n"
            "  --confidence F        leave out points of a lower confidence (0)\n"
-           "  --color RRGGBB        colour of scans that have none of their own (DCD4C8)\n"
+           "  --color RRGGBB        colour of scans and free points that have none of their own (DCD4C8)\n"
            "\n"
-           "Pictures, in the window and in the file:\n"
+           "Markers, in the window and in the file; each may be repeated:\n"
+           "  --points FILE         free points; --capture fits them into the picture, but draws none\n"
+           "  --lines FILE          3D lines\n"
+           "  --needles FILE        needles that the window has saved\n"
+           "\n"
+           "Pictures, in the window and in the file; --size, --view and --zoom also for --pick:\n"
            "  --size WxH            size in pixels (1024x768)\n"
            "  --view 0..7           0 from +Y, 1 from -Y, 2 from +X, 3 from -X, 6 oblique: Z up;\n"
            "                        4 from +Z, 7 from -Z: Y up; 5 from -Z: Y down (4)\n"
@@ -346,8 +409,8 @@ std::string HelpText() {
            "                        window\n"
            "  --                    what follows are file names\n"
            "\n"
-           "Exit status: 0 when every file added an object and all that was asked for was written, 1 when not, 2 for\n"
-           "wrong usage.\n";
+           "Exit status: 0 when every file added what it holds and all that was asked for was written, 1 when not, or\n"
+           "when no --pick hit a surface, 2 for wrong usage.\n";
 }
 
 std::string VersionText() { return std::string(kProgramName) + ' ' + kProgramVersion + '\n'; }

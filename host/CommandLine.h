@@ -16,6 +16,8 @@ enum class HostAction {
     Screenshot,
     /// Renders the files into a PNG file of the viewer's fixed size.
     Capture,
+    /// Prints the surface points under pixels.
+    Pick,
     /// Prints the content of the files.
     Info,
     /// Writes the content of one file in another format.
@@ -24,12 +26,17 @@ enum class HostAction {
     Version
 };
 
+/// A pixel of the drawing area, y downward from its top.
+struct PickPixel {
+    int x = 0, y = 0;
+};
+
 /// The options of one command line. An option that was not given has the value below.
 struct HostOptions {
     HostAction action = HostAction::Window;
     /// The PNG file of Screenshot and Capture; bytes, as typed.
     std::string picturePath;
-    /// Drawing area in device pixels. Capture ignores it.
+    /// Drawing area in device pixels. Capture has a size of its own.
     int width = 1024, height = 768;
     KV_ScenePane::ViewMode view = KV_ScenePane::ViewFromPlusZYUp;
     KV_ScenePane::DrawMode drawMode = KV_ScenePane::DrawModeGouraud;
@@ -37,9 +44,13 @@ struct HostOptions {
     float zoom = 1.0f;
     ImportSettings import;
     bool shadows = false;
-    /// Info prints JSON.
+    /// The pixels of Pick, inside the drawing area, in the order that their results are printed in.
+    std::vector<PickPixel> picks;
+    /// Files of markers that the window, Screenshot and Capture add to the scene; bytes, as typed, in their order.
+    std::vector<std::string> pointFiles, lineFiles, needleFiles;
+    /// Info and Pick print JSON.
     bool json = false;
-    /// What draws Screenshot, Capture and the verbose Version: as WindowRequest::gpu.
+    /// What draws Screenshot, Capture, Pick and the verbose Version: as WindowRequest::gpu.
     int gpu = KV_ScenePane::WindowRequest::kAnyGpu;
     /// Version also names what draws.
     bool verbose = false;

@@ -1,17 +1,23 @@
 // Each run: make a viewer without a window, import one file after the other, produce the result, and report each file
-// that added nothing.
+// that added nothing. Only pictures have markers.
 #include "Headless.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "DebugCapture.h"
 #include "FileExport.h"
 #include "FileImport.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "MarkerFiles.h"
 #include "PngFile.h"
 #include "RegistryStart.h"
 #include "SceneReport.h"
@@ -68,29 +74,135 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
     return report;
 }
 
+/// The box of lines and needles, to which the viewer fits no view.
+class MarkBox {
+public:
+    /// Coordinates that are not finite do not count.
+    void Merge(const float* point) {
+        if (!std::all_of(point, point + 3, [](float value) { return std::isfinite(value); })) return;
+        for (std::size_t i = 0; i < 3; ++i) {
+            m_corners[i] = std::min(m_corners[i], point[i]);
+            m_corners[3 + i] = std::max(m_corners[3 + i], point[i]);
+        }
+    }
+    [[nodiscard]] bool IsEmpty() const { return m_corners[0] > m_corners[3]; }
+    /// Two points: the lower and the upper corner. A box without any extent is widened by one unit to each side.
+    [[nodiscard]] std::vector<float> Corners() const {
+        std::vector<float> corners(m_corners.begin(), m_corners.end());
+        if (std::equal(corners.begin(), corners.begin() + 3, corners.begin() + 3)) {
+            for (std::size_t i = 0; i < 3; ++i) corners[i] -= 1.0f, corners[3 + i] += 1.0f;
+        }
+        return corners;
+    }
+
+private:
+    static constexpr float kMax = std::numeric_limits<float>::max();
+    std::array<float, 6> m_corners{kMax, kMax, kMax, -kMax, -kMax, -kMax};
+};
+
+/// What the marker files of a run added.
+struct MarkerReport {
+    bool hasFailed = false;  ///< some file, or a part of one
+    int pointFiles = 0;
+    int markFiles = 0;  ///< of lines and needles
+    MarkBox box;        ///< of lines and needles
+};
+
+/// Adds the marker files of the options and prints a line for each that failed.
+/// @param showsPoints  the picture shows free points; if not, a line says so: who gives points expects to see them
+MarkerReport AddMarkers(ScenePane& pane, const HostOptions& options, bool showsPoints, std::FILE* err) {
+    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
+    MarkerReport report;
+    const auto hasFailed = [&](const std::string& file, const std::string& reason) {
+        if (reason.empty()) return false;
+        PrintError(err, file + ": " + reason);
+        return report.hasFailed = true;
+    };
+    for (const std::string& file : options.pointFiles) {
+        if (hasFailed(file, AddPointFile(methods, file, options.import.color, 1.0f))) continue;
+        ++report.pointFiles;
+        if (!showsPoints) PrintError(err, file + ": the capture is fitted to these free points, but shows none");
+    }
+    for (const std::string& file : options.lineFiles) {
+        std::vector<Polyline> polylines;
+        hasFailed(file, AddLineFile(methods, file, &polylines));
+        report.markFiles += polylines.empty() ? 0 : 1;
+        for (const Polyline& polyline : polylines)
+            for (std::size_t i = 0; i + 2 < polyline.size(); i += 3) report.box.Merge(&polyline[i]);
+    }
+    std::int32_t limit = kStartNeedleLimit;
+    for (const std::string& file : options.needleFiles) {
+        std::vector<NeedleMark> marks;
+        hasFailed(file, AddNeedleFile(methods, file, NeedleLook{}, &limit, &marks));
+        report.markFiles += marks.empty() ? 0 : 1;
+        for (const NeedleMark& mark : marks) {
+            report.box.Merge(mark.pin.data());
+            report.box.Merge(mark.head.data());
+        }
+    }
+    return report;
+}
+
+/// The direction of the view, then the fit, which depends on it.
+void ShowView(ScenePane& pane, const HostOptions& options) {
+    pane.Methods().SetViewMode(static_cast<std::int16_t>(options.view));
+    FitView(pane.Methods(), options.zoom);
+}
+
+/// The same for a scene of lines and needles alone. The viewer fits to objects and free points: the corners of the box
+/// are free points for the moment of the fit.
+void ShowViewOfMarks(ScenePane& pane, const MarkBox& box, const HostOptions& options) {
+    const std::int32_t id = AddPoints(pane.Methods(), {box.Corners(), {}}, 0, 1.0f);
+    ShowView(pane, options);
+    pane.Methods().DeletePoints(id);
+}
+
 /// Imports the files, fits the view to them and writes the picture that is then taken.
-/// @param capture  returns the picture; of width 0 when there is none
-int RunPicture(const HostOptions& options, std::FILE* err,
+/// @param showsPoints  the picture shows free points
+/// @param capture      returns the picture; of width 0 when there is none
+int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
                const std::function<KV_ScenePane::Picture(ScenePane& pane)>& capture) {
     const DebugRouter router(PrintOtherOutput(err));
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
     const SceneReport report = ImportFiles(*pane, options, err);
+    const MarkerReport markers = AddMarkers(*pane, options, showsPoints, err);
     // An older picture at that path stays when there is nothing to replace it by.
     const auto refuse = [&](const std::string& reason) {
         PrintError(err, options.picturePath + ": " + reason);
         return kExitFailure;
     };
-    if (report.objects.empty()) return refuse("not written, there is nothing to show");
-    // The view mode first: the fit depends on the direction of the view.
-    pane->Methods().SetViewMode(static_cast<std::int16_t>(options.view));
-    FitView(pane->Methods(), options.zoom);
+    const bool isFitted = !report.objects.empty() || markers.pointFiles > 0;
+    if (report.objects.empty() && markers.markFiles == 0 && !(showsPoints && markers.pointFiles > 0))
+        return refuse("not written, there is nothing to show");
+    if (isFitted || markers.box.IsEmpty())
+        ShowView(*pane, options);
+    else
+        ShowViewOfMarks(*pane, markers.box, options);
     const KV_ScenePane::Picture picture = capture(*pane);
     if (picture.width == 0) return refuse("not written, the viewer gave no picture");
     std::string reason;
     if (!WritePng(options.picturePath, picture, &reason)) return refuse(reason);
-    return report.failed.empty() ? kExitGood : kExitFailure;
+    return report.failed.empty() && !markers.hasFailed ? kExitGood : kExitFailure;
+}
+
+/// The surface points under the pixels of the options.
+/// @param objects  of the scene, by rising index
+std::vector<PickReport> Pick(ScenePane& pane, const HostOptions& options, const std::vector<ObjectReport>& objects) {
+    std::vector<PickReport> picks;
+    for (const PickPixel& pixel : options.picks) {
+        PickReport pick{pixel.x, pixel.y, {}, {}};
+        KV_ScenePane::SurfacePoint hit;
+        if (pane.PickSurface(pixel.x, pixel.y, &hit)) {
+            pick.hit = hit;
+            // A file is reported by its last object.
+            const auto object = std::ranges::lower_bound(objects, hit.object, {}, &ObjectReport::index);
+            if (object != objects.end()) pick.file = object->file;
+        }
+        picks.push_back(std::move(pick));
+    }
+    return picks;
 }
 
 }  // namespace
@@ -104,7 +216,7 @@ int PrintResult(const std::string& text, std::FILE* out, std::FILE* err) {
 }
 
 int RunScreenshot(const HostOptions& options, std::FILE* err) {
-    return RunPicture(options, err, [&](ScenePane& pane) {
+    return RunPicture(options, err, true, [&](ScenePane& pane) {
         pane.Methods().SetDrawMode(static_cast<std::int16_t>(options.drawMode));
         pane.Methods().SetShadowMode(options.shadows ? 1 : 0);
         KV_ScenePane::Picture picture;
@@ -113,7 +225,21 @@ int RunScreenshot(const HostOptions& options, std::FILE* err) {
 }
 
 int RunCapture(const HostOptions& options, std::FILE* err) {
-    return RunPicture(options, err, [](ScenePane& pane) { return TakeScreenShot(pane.Methods()); });
+    return RunPicture(options, err, false, [](ScenePane& pane) { return TakeScreenShot(pane.Methods()); });
+}
+
+int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err) {
+    const DebugRouter router(PrintOtherOutput(err));
+    const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
+    if (!pane) return kExitFailure;
+    const RegistryStart registry(pane->Methods());
+    const SceneReport report = ImportFiles(*pane, options, err);
+    ShowView(*pane, options);
+    const std::vector<PickReport> picks = Pick(*pane, options, report.objects);
+    const int printed = PrintResult(options.json ? PickJson(picks) : PickText(picks), out, err);
+    if (printed != kExitGood) return printed;
+    const bool hasHit = std::ranges::any_of(picks, [](const PickReport& pick) { return pick.hit.has_value(); });
+    return hasHit && report.failed.empty() ? kExitGood : kExitFailure;
 }
 
 // The version first: it is printed also where nothing can draw.

@@ -7,19 +7,22 @@
 #include "CommandLine.h"
 
 /// Exit status of a run.
-inline constexpr int kExitGood = 0;        ///< every file added an object and all results were written
-inline constexpr int kExitFailure = 1;     ///< a file added none, or a result could not be written
+inline constexpr int kExitGood = 0;        ///< every file added what it holds and all results were written
+inline constexpr int kExitFailure = 1;     ///< a file added nothing, a result could not be written, no pick hit
 inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 
 // All runs return an exit status and write one line for each failure to err: "scenepane: FILE: REASON".
 
-/// Renders the files into options.picturePath, as a window of that size shows them. Without an object no picture is
-/// written.
+/// Renders the files and markers into options.picturePath, as a window of that size shows them. Without an object and
+/// without a marker no picture is written.
 [[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
 
-/// Renders the files into options.picturePath, as the viewer's screenshot of a fixed size. Without an object no picture
-/// is written.
+/// Renders the files, lines and needles into options.picturePath, as the viewer's screenshot of a fixed size. Without
+/// any of these no picture is written.
 [[nodiscard]] int RunCapture(const HostOptions& options, std::FILE* err);
+
+/// Prints to @p out what is under the pixels options.picks of the picture that RunScreenshot() takes.
+[[nodiscard]] int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err);
 
 /// Prints the content of the files to @p out.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "JsonText.h"
+#include "PaintBlock.h"
 #include "SceneFile.h"
 #include "SceneReport.h"
 #include "files/AtomicFile.h"
@@ -238,20 +239,6 @@ std::string ReadWholeFile(const std::string& path) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-/// Holds back frames: each new needle would draw one.
-class PaintBlock {
-public:
-    explicit PaintBlock(KV_ScenePane::_DKV_ScenePane& methods) : m_methods(methods) {
-        m_methods.BlockPaintEvents(KV_ScenePane::kVariantTrue);
-    }
-    ~PaintBlock() { m_methods.BlockPaintEvents(KV_ScenePane::kVariantFalse); }
-    PaintBlock(const PaintBlock&) = delete;
-    PaintBlock& operator=(const PaintBlock&) = delete;
-
-private:
-    KV_ScenePane::_DKV_ScenePane& m_methods;
-};
-
 bool HasNeedle(KV_ScenePane::_DKV_ScenePane& methods, std::int32_t id) {
     std::array<float, 6> p{};
     return methods.GetNeedle(id, &p[0], &p[1], &p[2], &p[3], &p[4], &p[5]) != KV_ScenePane::kVariantFalse;
@@ -295,7 +282,7 @@ void SetNeedleLook(KV_ScenePane::_DKV_ScenePane& methods, const NeedleLook& look
 
 std::vector<std::int32_t> PlaceNeedles(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<NeedleMark>& marks,
                                        const NeedleLook& look, std::int32_t* limit) {
-    const PaintBlock block(methods);
+    const PaintBlock block(methods);  // each new needle would draw a frame
     std::vector<std::int32_t> inUse;
     for (const NeedleMark& mark : marks) {
         if (HasNeedle(methods, mark.id)) inUse.push_back(mark.id);

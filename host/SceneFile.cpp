@@ -16,12 +16,18 @@ std::string SystemMessage(int error) { return strerrordesc_np(error); }
 
 }  // namespace
 
-std::string ImportRefusal(const std::string& path) {
+std::string ReadRefusal(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) return SystemMessage(errno);
     if (S_ISDIR(status.st_mode)) return SystemMessage(EISDIR);
-    if (access(path.c_str(), R_OK) != 0) return SystemMessage(errno);
+    return access(path.c_str(), R_OK) == 0 ? "" : SystemMessage(errno);
+}
+
+std::string ImportRefusal(const std::string& path) {
+    if (std::string refusal = ReadRefusal(path); !refusal.empty()) return refusal;
     const FileType* const type = FindFileType(path);
+    if (type != nullptr && type->kind == FileKind::Points)
+        return "free points are no object; without a window --points adds them";
     return type != nullptr && type->canImport ? "" : "unknown file type";
 }
 

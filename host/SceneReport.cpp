@@ -1,4 +1,5 @@
-// Text and JSON of a scene. Numbers are written by std::to_chars, whose result does not depend on the locale.
+// Text and JSON of a scene and of picks. Numbers are written by std::to_chars, whose result does not depend on the
+// locale.
 #include "SceneReport.h"
 
 #include <charconv>
@@ -41,9 +42,10 @@ std::string JsonString(std::string_view bytes) { return JsonString(KV_ScenePane:
 /// JSON has no NaN and no infinity.
 std::string JsonNumber(float value) { return std::isfinite(value) ? NumberText(value) : "null"; }
 
-std::string JsonNumbers(std::span<const float> values) {
+/// @param comma  between two numbers
+std::string JsonNumbers(std::span<const float> values, const char* comma = ", ") {
     std::string json = "[";
-    for (const float value : values) json += (json.size() > 1 ? ", " : "") + JsonNumber(value);
+    for (const float value : values) json += (json.size() > 1 ? comma : "") + JsonNumber(value);
     return json + ']';
 }
 
@@ -64,30 +66,42 @@ std::string JsonLines(const std::vector<Element>& elements, ToJson toJson) {
     return json + (elements.empty() ? "]" : "\n]");
 }
 
+/// Each number after a blank.
+std::string TextNumbers(std::span<const float> values) {
+    std::string text;
+    for (const float value : values) text += ' ' + NumberText(value);
+    return text;
+}
+
 /// One object for a reader: its file, then one indented line per property.
 std::string TextObject(const ObjectReport& object) {
-    const auto numbers = [](std::span<const float> values) {
-        std::string text;
-        for (const float value : values) text += ' ' + NumberText(value);
-        return text;
-    };
     std::string text = object.file + '\n';
     text += "  index          " + std::to_string(object.index) + '\n';
     text += "  name           " + KV_ScenePane::PathBytes(object.name) + '\n';
     text += "  vertices       " + std::to_string(object.vertices) + '\n';
     text += "  triangles      " + std::to_string(object.triangles) + '\n';
     const std::span box(object.box);
-    text += "  box         x " + numbers(box.subspan(0, 2)) + '\n';
-    text += "              y " + numbers(box.subspan(2, 2)) + '\n';
-    text += "              z " + numbers(box.subspan(4, 2)) + '\n';
-    text += "  center        " + numbers(object.center) + '\n';
+    text += "  box         x " + TextNumbers(box.subspan(0, 2)) + '\n';
+    text += "              y " + TextNumbers(box.subspan(2, 2)) + '\n';
+    text += "              z " + TextNumbers(box.subspan(4, 2)) + '\n';
+    text += "  center        " + TextNumbers(object.center) + '\n';
     text += "  color          " + ColorText(object.color) + '\n';
     text += std::string("  vertex colors  ") + (object.hasVertexColors ? "yes" : "no") + '\n';
     // The first of the four rows has the label.
     const std::span transform(object.transform);
     for (std::size_t row = 0; row < 4; ++row)
-        text += (row == 0 ? "  transform     " : "                ") + numbers(transform.subspan(4 * row, 4)) + '\n';
+        text +=
+            (row == 0 ? "  transform     " : "                ") + TextNumbers(transform.subspan(4 * row, 4)) + '\n';
     return text;
+}
+
+// Without blanks: one line for a script, however many picks.
+std::string JsonPick(const PickReport& pick) {
+    std::string json = "{\"x\":" + std::to_string(pick.x) + ",\"y\":" + std::to_string(pick.y) + ",\"object\":";
+    if (!pick.hit) return json + "-1}";
+    return json + std::to_string(pick.hit->object) + ",\"file\":" + JsonString(pick.file) +
+           ",\"triangle\":" + std::to_string(pick.hit->triangle) + ",\"point\":" + JsonNumbers(pick.hit->point, ",") +
+           ",\"distance\":" + JsonNumber(pick.hit->distance) + '}';
 }
 
 }  // namespace
@@ -127,6 +141,29 @@ std::string ReportJson(const SceneReport& report) {
     };
     return "{\"objects\": " + JsonLines(report.objects, JsonObject) +
            ",\n\"failed\": " + JsonLines(report.failed, failure) + "}\n";
+}
+
+std::string PickText(const std::vector<PickReport>& picks) {
+    std::string text;
+    for (const PickReport& pick : picks) {
+        text += std::to_string(pick.x) + ',' + std::to_string(pick.y) + '\n';
+        if (!pick.hit) {
+            text += "  nothing\n";
+            continue;
+        }
+        text += "  object         " + std::to_string(pick.hit->object) + '\n';
+        text += "  file           " + pick.file + '\n';
+        text += "  triangle       " + std::to_string(pick.hit->triangle) + '\n';
+        text += "  point         " + TextNumbers(pick.hit->point) + '\n';
+        text += "  distance      " + TextNumbers({&pick.hit->distance, 1}) + '\n';
+    }
+    return text;
+}
+
+std::string PickJson(const std::vector<PickReport>& picks) {
+    std::string json = "{\"picks\":[";
+    for (const PickReport& pick : picks) json.append(&pick == picks.data() ? "" : ",").append(JsonPick(pick));
+    return json + "]}\n";
 }
 
 std::string ColorText(std::int32_t color) {

@@ -1,7 +1,8 @@
-// The output of --info: the objects of a scene as text and as JSON.
+// The output of --info and --pick: the objects of a scene, and surface points of them, as text and as JSON.
 #pragma once
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,16 @@ struct SceneReport {
     std::vector<FailedFile> failed;
 };
 
+/// The result for one pixel.
+struct PickReport {
+    /// Pixel of the drawing area, y downward.
+    int x = 0, y = 0;
+    /// Empty when no surface is under the pixel.
+    std::optional<KV_ScenePane::SurfacePoint> hit;
+    /// The file that the hit object came from; bytes, as typed.
+    std::string file;
+};
+
 /// Asks the viewer for one object. @param index  must be in its list
 [[nodiscard]] ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file);
 
@@ -48,6 +59,12 @@ struct SceneReport {
 /// One JSON object in UTF-8, ends with a line feed. Numbers have the digits that are needed to read back the same
 /// float; NaN and infinity are null. Bytes of names that are not UTF-8 become lone surrogates \udc80 to \udcff.
 [[nodiscard]] std::string ReportJson(const SceneReport& report);
+
+/// Text for a reader, in the order of the picks; ends with a line feed.
+[[nodiscard]] std::string PickText(const std::vector<PickReport>& picks);
+/// One JSON object on one line, in UTF-8; numbers and names as in ReportJson(). A pick without a hit has the object -1
+/// and neither file, triangle, point nor distance.
+[[nodiscard]] std::string PickJson(const std::vector<PickReport>& picks);
 
 /// A packed colour 0x00BBGGRR as RRGGBB.
 [[nodiscard]] std::string ColorText(std::int32_t color);

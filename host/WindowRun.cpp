@@ -39,7 +39,7 @@ int RunWindow(const HostOptions& options, char* program) {
         for (const std::string& file : options.files) {
             if (const std::string refusal = ImportRefusal(file); !refusal.empty()) printFailure(file, refusal);
         }
-        PrintError(stderr, reason + "; --screenshot, --capture, --info and --convert need none");
+        PrintError(stderr, reason + "; --screenshot, --capture, --pick, --info and --convert need none");
         return kExitFailure;
     }
     // The options of the command line are not passed on: Qt would act on those that it knows.

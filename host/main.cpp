@@ -30,6 +30,8 @@ int Run(int argc, char** argv) {
             return RunScreenshot(options, stderr);
         case HostAction::Capture:
             return RunCapture(options, stderr);
+        case HostAction::Pick:
+            return RunPick(options, stdout, stderr);
         case HostAction::Info:
             return RunInfo(options, stdout, stderr);
         case HostAction::Convert:

@@ -62,6 +62,45 @@ TEST(CommandLine, ReadsTheOptionsThatApplyToACapture) {
     EXPECT_EQ(options.files, std::vector<std::string>{"a.pcm"});
 }
 
+TEST(CommandLine, ReadsPicksInTheirOrder) {
+    const HostOptions options = Parsed({"--pick", "3,4", "a.ply", "--json", "--pick=0,0", "--size", "5x6", "--view=2",
+                                        "--zoom", "2", "--gpu=software", "--skip=2", "--pick", "4,5"});
+    EXPECT_EQ(options.action, HostAction::Pick);
+    EXPECT_TRUE(options.json);
+    ASSERT_EQ(options.picks.size(), 3u);
+    const int expected[3][2] = {{3, 4}, {0, 0}, {4, 5}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(options.picks[i].x, expected[i][0]) << i;
+        EXPECT_EQ(options.picks[i].y, expected[i][1]) << i;
+    }
+    EXPECT_EQ(options.view, 2);
+    EXPECT_EQ(options.zoom, 2.0f);
+    EXPECT_EQ(options.import.skip, 2);
+    EXPECT_EQ(options.files, std::vector<std::string>{"a.ply"});
+}
+
+TEST(CommandLine, ReadsMarkerFilesOfPicturesAndOfTheWindow) {
+    const std::vector<std::string> markers = {"--points",  "a.xyz",  "--lines",       "l.txt",
+                                              "--needles", "n.json", "--points=b.pcd"};
+    for (const std::vector<std::string>& run :
+         {std::vector<std::string>{}, {"--screenshot=o.png"}, {"--capture=o.png"}}) {
+        std::vector<std::string> arguments = run;
+        arguments.insert(arguments.end(), markers.begin(), markers.end());
+        const HostOptions options = Parsed(arguments);
+        EXPECT_EQ(options.pointFiles, (std::vector<std::string>{"a.xyz", "b.pcd"}));
+        EXPECT_EQ(options.lineFiles, std::vector<std::string>{"l.txt"});
+        EXPECT_EQ(options.needleFiles, std::vector<std::string>{"n.json"});
+        EXPECT_TRUE(options.files.empty());
+    }
+}
+
+TEST(CommandLine, AScreenshotOfMarkersAloneNeedsNoOtherFile) {
+    for (const char* const option : {"--points", "--lines", "--needles"})
+        EXPECT_EQ(Parsed({"--screenshot", "o.png", option, "a"}).action, HostAction::Screenshot) << option;
+    for (const char* const option : {"--lines", "--needles"})
+        EXPECT_EQ(Parsed({"--capture", "o.png", option, "a"}).action, HostAction::Capture) << option;
+}
+
 TEST(CommandLine, ReadsTheTwoFilesOfAConversionAndItsImportOptions) {
     const HostOptions options = Parsed({"--skip", "2", "in.pcm", "--convert", "--color=010203", "dir/out.STL"});
     EXPECT_EQ(options.action, HostAction::Convert);
@@ -143,8 +182,9 @@ TEST(CommandLine, NamesEveryFileTypeInTheHelp) {
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
     for (const char* const option :
-         {"--screenshot", "--capture", "--size", "--view", "--draw-mode", "--zoom", "--skip", "--confidence", "--color",
-          "--shadows", "--info", "--json", "--convert", "--gpu", "--help", "--version", "--verbose"})
+         {"--screenshot", "--capture", "--size",    "--view", "--draw-mode", "--zoom",    "--skip",
+          "--confidence", "--color",   "--shadows", "--info", "--json",      "--convert", "--gpu",
+          "--help",       "--version", "--verbose", "--pick", "--points",    "--lines",   "--needles"})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
 
@@ -169,14 +209,21 @@ const Limit kLimits[] = {
      {"000000", "ffffff", "FFFFFF"},
      {"12345", "1234567", "00000g", "-12345", "+12345", "0x1234", "#12345", ""},
      "--color"},
+    {"Pick",
+     {"0,0", "1023,767"},
+     {"-1,0", "0,-1", "16384,0", "0,16384", "1", "1,", ",1", "1;1", "1x1", "1,1,1", "1, 1", " 1,1", "1.5,1", "a,b", ""},
+     "--pick"},
 };
 class CommandLineLimits : public testing::TestWithParam<Limit> {};
 
 TEST_P(CommandLineLimits, AcceptValuesUpToTheLimitAndNoOthers) {
-    for (const std::string& value : GetParam().inside) EXPECT_EQ(UsageErrorOf({GetParam().option, value}), "accepted");
+    // A file, which some runs need.
+    for (const std::string& value : GetParam().inside)
+        EXPECT_EQ(UsageErrorOf({GetParam().option, value, "a.ply"}), "accepted");
     for (const std::string& value : GetParam().outside) {
         const std::string start = std::string(GetParam().option) + " takes ";
-        EXPECT_EQ(UsageErrorOf({GetParam().option, value}).substr(0, start.size()), start) << '"' << value << '"';
+        EXPECT_EQ(UsageErrorOf({GetParam().option, value, "a.ply"}).substr(0, start.size()), start)
+            << '"' << value << '"';
     }
 }
 INSTANTIATE_TEST_SUITE_P(CommandLine, CommandLineLimits, testing::ValuesIn(kLimits),
@@ -208,7 +255,7 @@ const WrongUsage kWrongUsages[] = {
     {"ScreenshotWithoutFile", {"--screenshot", "a.png"}, "--screenshot needs at least one file"},
     {"ScreenshotWithoutName", {"--screenshot=", "a.pcm"}, "--screenshot takes a file name, not \"\""},
     {"InfoWithoutFile", {"--info"}, "--info needs at least one file"},
-    {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info only"},
+    {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info and --pick only"},
     {"InfoAndScreenshot", {"--info", "--screenshot", "a.png", "a.pcm"}, "--info and --screenshot do not go together"},
     {"CaptureWithoutFile", {"--capture", "a.png"}, "--capture needs at least one file"},
     {"CaptureWithoutName", {"--capture=", "a.pcm"}, "--capture takes a file name, not \"\""},
@@ -217,7 +264,7 @@ const WrongUsage kWrongUsages[] = {
      {"--capture", "a.png", "--screenshot", "b.png", "a.pcm"},
      "--screenshot and --capture do not go together"},
     {"CaptureAndInfo", {"--info", "--capture", "a.png", "a.pcm"}, "--info and --capture do not go together"},
-    {"CaptureWithJson", {"--capture", "a.png", "--json", "a.pcm"}, "--json goes with --info only"},
+    {"CaptureWithJson", {"--capture", "a.png", "--json", "a.pcm"}, "--json goes with --info and --pick only"},
     {"CaptureWithASize", {"--capture", "a.png", "--size", "9x9", "a.pcm"}, "--size has no meaning with --capture"},
     {"CaptureWithADrawMode",
      {"--draw-mode=1", "--capture", "a.png", "--zoom", "2", "a.pcm"},
@@ -240,14 +287,16 @@ const WrongUsage kWrongUsages[] = {
     {"ConvertAndCapture",
      {"--convert", "--capture", "a.png", "a.ply", "b.ply"},
      "--convert and --capture do not go together"},
-    {"ConvertWithJson", {"--convert", "--json", "a.ply", "b.ply"}, "--json goes with --info only"},
+    {"ConvertWithJson", {"--convert", "--json", "a.ply", "b.ply"}, "--json goes with --info and --pick only"},
     {"ConvertWithAView", {"--convert", "--view", "1", "a.ply", "b.ply"}, "--view has no meaning with --convert"},
     {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
-    {"GpuOfTheWindow", {"--gpu", "0", "a.pcm"}, "--gpu goes with --screenshot, --capture and --version --verbose only"},
+    {"GpuOfTheWindow",
+     {"--gpu", "0", "a.pcm"},
+     "--gpu goes with --screenshot, --capture, --pick and --version --verbose only"},
     {"GpuWithInfo",
      {"--gpu", "0", "--info", "a.pcm"},
-     "--gpu goes with --screenshot, --capture and --version --verbose only"},
+     "--gpu goes with --screenshot, --capture, --pick and --version --verbose only"},
     {"VerboseWithoutVersion", {"--verbose", "a.pcm"}, "--verbose goes with --version only"},
     {"VerboseVersionWithAFile", {"--version", "--verbose", "a.pcm"}, "--version --verbose goes with --gpu only"},
     {"VerboseVersionWithARun",
@@ -255,6 +304,31 @@ const WrongUsage kWrongUsages[] = {
      "--version --verbose goes with --gpu only"},
     {"VerboseVersionWithAView", {"--version", "--verbose", "--view", "1"}, "--version --verbose goes with --gpu only"},
     {"VerboseVersionWithASkip", {"--version", "--verbose", "--skip", "1"}, "--version --verbose goes with --gpu only"},
+    {"PickWithoutFile", {"--pick", "1,2"}, "--pick needs at least one file"},
+    {"PickAtTheEnd", {"a.ply", "--pick"}, "--pick needs a value: X,Y, two whole numbers from 0 to 16383"},
+    {"PickOutsideTheWidth",
+     {"--pick", "1,1", "--pick", "1024,0", "a.ply"},
+     "--pick 1024,0 is outside of the 1024x768 pixels"},
+    {"PickOutsideTheHeight", {"--pick", "4,6", "--size", "5x6", "a.ply"}, "--pick 4,6 is outside of the 5x6 pixels"},
+    {"PickAndScreenshot",
+     {"--screenshot", "a.png", "--pick", "1,1", "a.ply"},
+     "--pick and --screenshot do not go together"},
+    {"PickAndInfo", {"--info", "--pick", "1,1", "a.ply"}, "--pick and --info do not go together"},
+    {"PickAndConvert", {"--convert", "--pick", "1,1", "a.ply", "b.ply"}, "--pick and --convert do not go together"},
+    {"PickWithADrawMode", {"--pick", "1,1", "--draw-mode=1", "a.ply"}, "--draw-mode has no meaning with --pick"},
+    {"PickWithShadows", {"--pick", "1,1", "--shadows", "a.ply"}, "--shadows has no meaning with --pick"},
+    {"PickWithPoints", {"--pick", "1,1", "--points=a.xyz", "a.ply"}, "--points has no meaning with --pick"},
+    {"PickWithVersion",
+     {"--version", "--verbose", "--pick", "1,1", "a.ply"},
+     "--version --verbose goes with --gpu only"},
+    {"LinesWithInfo", {"--info", "--lines=a.txt", "a.ply"}, "--lines has no meaning with --info"},
+    {"NeedlesWithConvert", {"--convert", "--needles=a", "a.ply", "b.ply"}, "--needles has no meaning with --convert"},
+    {"PointsWithoutName", {"--points", "", "a.ply"}, "--points takes a file name, not \"\""},
+    {"LinesAtTheEnd", {"a.ply", "--lines"}, "--lines needs a value: a file name"},
+    {"CaptureOfPointsAlone",
+     {"--capture", "a.png", "--points", "a.xyz"},
+     "--capture draws no free points and needs at least one other file"},
+    {"VersionWithNeedles", {"--version", "--verbose", "--needles=a"}, "--version --verbose goes with --gpu only"},
     {"VerboseWithAValue", {"--verbose=1"}, "--verbose takes no value"},
 };
 class CommandLineRejects : public testing::TestWithParam<WrongUsage> {};

@@ -1,0 +1,158 @@
+// Line by line; the first line with numbers decides which of the two layouts the file has. Numbers are read by
+// std::from_chars, whose result does not depend on the locale.
+#include "LineFile.h"
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "files/RegularFile.h"
+
+namespace {
+
+/// What is wrong with a line, without its number.
+class LineError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsSeparator(char c) { return c == ',' || c == ';'; }
+
+std::string_view WithoutBlanks(std::string_view text) {
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    return text;
+}
+
+/// The start of a word for a message: printable and short, whatever the file holds.
+std::string Quoted(std::string_view word) {
+    constexpr std::size_t kMaxLength = 20;
+    std::string text = "\"";
+    for (const char c : word.substr(0, kMaxLength)) text += c > ' ' && c < '\x7f' ? c : '?';
+    return text + (word.size() > kMaxLength ? "...\"" : "\"");
+}
+
+/// The whole word as a finite float; a double that is nearer to 0 than any float is 0.
+float NumberOf(std::string_view word) {
+    std::string_view digits = word;
+    if (digits.size() > 1 && digits[0] == '+' && digits[1] != '-') digits.remove_prefix(1);
+    float value = 0.0f;
+    const char* const end = digits.data() + digits.size();
+    const auto [last, error] = std::from_chars(digits.data(), end, value);
+    if (last != end || error == std::errc::invalid_argument) throw LineError(Quoted(word) + " is not a number");
+    if (error == std::errc::result_out_of_range) {
+        // from_chars reports too large and too small numbers alike.
+        double wide = 0.0;
+        const bool isTiny = std::from_chars(digits.data(), end, wide).ec == std::errc() && std::abs(wide) < 1.0;
+        if (!isTiny) throw LineError(Quoted(word) + " is outside the range of coordinates");
+        return 0.0f;
+    }
+    if (!std::isfinite(value)) throw LineError(Quoted(word) + " is not a finite number");
+    return value;
+}
+
+/// Appends the numbers of a line. One comma or semicolon may follow each of them, blanks may be anywhere between.
+void AppendNumbers(std::string_view line, Polyline& numbers) {
+    while (!(line = WithoutBlanks(line)).empty()) {
+        std::size_t length = 0;
+        while (length < line.size() && !IsBlank(line[length]) && !IsSeparator(line[length])) ++length;
+        if (length == 0) throw LineError(std::string("a number is missing before ") + Quoted(line.substr(0, 1)));
+        numbers.push_back(NumberOf(line.substr(0, length)));
+        line = WithoutBlanks(line.substr(length));
+        if (!line.empty() && IsSeparator(line.front())) line.remove_prefix(1);
+    }
+}
+
+/// Collects the polylines of a text whose lines it receives in order.
+class LineCollector {
+public:
+    /// @param line  without its end and without a comment
+    /// @throws LineError
+    void AddLine(std::string_view line) {
+        m_numbers.clear();
+        AppendNumbers(line, m_numbers);
+        const std::size_t count = m_numbers.size();
+        if (count == 0) return EndPolyline();
+        if (!m_isPointPerLine) m_isPointPerLine = count == 3;
+        if (*m_isPointPerLine) {
+            if (count != 3) throw LineError(CountText() + ", not x y z as in the lines before");
+            m_points.insert(m_points.end(), m_numbers.begin(), m_numbers.end());
+        } else {
+            if (count % 3 != 0) throw LineError(CountText() + ", not three for each point");
+            if (count == 3) throw LineError("a polyline of one point");
+            m_polylines.emplace_back(m_numbers.begin(), m_numbers.end());
+        }
+    }
+
+    /// After a blank line and at the end of the text.
+    void EndPolyline() {
+        if (m_points.empty()) return;
+        if (m_points.size() == 3) throw LineError("a polyline of one point ends here");
+        m_polylines.emplace_back(m_points.begin(), m_points.end());
+        m_points.clear();
+    }
+
+    [[nodiscard]] std::vector<Polyline>& Polylines() { return m_polylines; }
+
+private:
+    [[nodiscard]] std::string CountText() const {
+        return std::to_string(m_numbers.size()) + (m_numbers.size() == 1 ? " number" : " numbers");
+    }
+
+    std::optional<bool> m_isPointPerLine;  ///< unknown before the first line with numbers
+    Polyline m_numbers;                    ///< of the present line
+    Polyline m_points;                     ///< of the present polyline, with one point per line
+    std::vector<Polyline> m_polylines;
+};
+
+/// Removes the next line from the text; returns it without line feed and carriage return.
+std::string_view TakeLine(std::string_view& text) {
+    const std::size_t end = text.find('\n');
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    return line;
+}
+
+}  // namespace
+
+bool ParseLines(std::string_view text, std::vector<Polyline>* polylines, std::string* reason) {
+    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);  // byte order mark of UTF-8
+    LineCollector collector;
+    std::size_t number = 0;
+    try {
+        while (!text.empty()) {
+            ++number;
+            const std::string_view line = TakeLine(text);
+            const std::string_view numbers = line.substr(0, line.find('#'));
+            // A line with a comment alone is no blank line: it separates nothing.
+            if (numbers.size() < line.size() && WithoutBlanks(numbers).empty()) continue;
+            collector.AddLine(numbers);
+        }
+        collector.EndPolyline();
+    } catch (const LineError& error) {
+        *reason = "line " + std::to_string(number) + ": " + error.what();
+        return false;
+    }
+    if (collector.Polylines().empty()) {
+        *reason = "no polylines";
+        return false;
+    }
+    *polylines = std::move(collector.Polylines());
+    return true;
+}
+
+bool ReadLineFile(const std::string& path, std::vector<Polyline>* polylines, std::string* reason) {
+    try {
+        const std::vector<std::byte> bytes = FileStorage::RegularFile(path).ReadWhole();
+        return ParseLines({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, polylines, reason);
+    } catch (const FileStorage::FileAccessError& error) {
+        *reason = error.what();
+        return false;
+    } catch (const std::length_error&) {
+        *reason = "is larger than memory";
+        return false;
+    }
+}

@@ -1,0 +1,5 @@
+#include "MarkerFiles.h"
+
+#include <gtest/gtest.h>
+
+namespace {}
