@@ -1,0 +1,87 @@
+// Needles in the window: the panel, its connections, and their files.
+#include <QFileDialog>
+#include <QStatusBar>
+
+#include "MainWindow.h"
+#include "MessagePane.h"
+#include "NeedleFile.h"
+#include "NeedlePanel.h"
+#include "ViewerWidget.h"
+
+namespace {
+
+constexpr const char* kFilter = QT_TRANSLATE_NOOP("MainWindow", "Needles (*.json);;All files (*)");
+
+/// "1, 4, 7"; the first ones of a long list.
+QString IdList(const std::vector<std::int32_t>& ids) {
+    constexpr std::size_t kShown = 20;
+    QStringList texts;
+    for (std::size_t i = 0; i < ids.size() && i < kShown; ++i) texts.push_back(QString::number(ids[i]));
+    if (ids.size() > kShown) texts.push_back(MainWindow::tr("and %1 more").arg(ids.size() - kShown));
+    return texts.join(", ");
+}
+
+}  // namespace
+
+void MainWindow::MakeNeedlePanel() {
+    m_pNeedles = new NeedlePanel;
+    // At once: the look of a needle is the one in force when it was created, and a deleted needle is gone.
+    connect(m_pViewer, &ViewerWidget::NeedleWasCreated, m_pNeedles, &NeedlePanel::OnCreated);
+    connect(m_pViewer, &ViewerWidget::NeedleWasDeleted, m_pNeedles, &NeedlePanel::OnDeleted);
+    connect(m_pViewer, &ViewerWidget::NeedleWasSelected, m_pNeedles, &NeedlePanel::OnSelected);
+    connect(m_pViewer, &ViewerWidget::NeedleWasDeselected, m_pNeedles, &NeedlePanel::OnDeselected);
+    connect(m_pViewer, &ViewerWidget::Handled, m_pNeedles, &NeedlePanel::OnInput);
+    connect(this, &MainWindow::ImportFinished, m_pNeedles, &NeedlePanel::FollowScene);
+    connect(m_pNeedles, &NeedlePanel::SaveWanted, this, &MainWindow::AskForNeedleFileToSave);
+    connect(m_pNeedles, &NeedlePanel::LoadWanted, this, &MainWindow::AskForNeedleFileToLoad);
+    connect(m_pNeedles, &NeedlePanel::Hint, this, [this](const QString& text) { statusBar()->showMessage(text); });
+}
+
+void MainWindow::AskForNeedleFileToSave() {
+    // Not getSaveFileName(), which has no default suffix.
+    QFileDialog dialog(this, tr("Save needles"), {}, tr(kFilter));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("json");
+    dialog.selectFile(tr("needles.json"));
+    if (dialog.exec() != QDialog::Accepted) return;
+    (void)SaveNeedles(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
+}
+
+void MainWindow::AskForNeedleFileToLoad() {
+    const QString file = QFileDialog::getOpenFileName(this, tr("Load needles"), {}, tr(kFilter));
+    if (!file.isEmpty()) (void)LoadNeedles(QFile::encodeName(file).toStdString());
+}
+
+bool MainWindow::SaveNeedles(const std::string& path) {
+    if (Pane() == nullptr) return false;
+    const QString file = QString::fromStdString(path);
+    const std::vector<NeedleMark> marks = m_pNeedles->Marks();
+    std::string reason;
+    const bool written = WriteNeedleFile(path, marks, &reason);
+    if (written)
+        ReportNeedles(tr("%1: %2 needles saved").arg(file, QString::number(marks.size())));
+    else
+        ReportNeedles(tr("%1: not written: %2").arg(file, QString::fromStdString(reason)));
+    return written;
+}
+
+bool MainWindow::LoadNeedles(const std::string& path) {
+    if (Pane() == nullptr) return false;
+    const QString file = QString::fromStdString(path);
+    std::vector<NeedleMark> marks;
+    std::string reason;
+    if (!ReadNeedleFile(path, &marks, &reason)) {
+        ReportNeedles(tr("%1: no needles added: %2").arg(file, QString::fromStdString(reason)));
+        return false;
+    }
+    const std::vector<std::int32_t> inUse = m_pNeedles->Place(marks);
+    QString text = tr("%1: %2 needles added").arg(file, QString::number(marks.size() - inUse.size()));
+    if (!inUse.empty()) text += tr("; not added, because there are needles with their numbers: %1").arg(IdList(inUse));
+    ReportNeedles(text);
+    return true;
+}
+
+void MainWindow::ReportNeedles(const QString& text) {
+    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
+    statusBar()->showMessage(text);
+}
