@@ -130,6 +130,15 @@ public:
     /// The same for one key event.
     virtual void SendKey(const KeyInput& input) = 0;
 
+    /// Sees every mouse input, of the window and of SendMouse(), before the viewer handles it, also in the delayed
+    /// scheme. It may do what a handler may: call methods, replace itself, run an event loop, destroy the viewer, throw.
+    /// An input for which it throws is not handled. Input that arrives in an event loop of the filter is handled before
+    /// the one that the filter looks at. To show a menu, return first and show it later (in Qt: by a queued
+    /// connection), or the drag of the press has not ended yet.
+    /// @param filter  called on the viewer's thread; true: the viewer ignores the input. Replaces a former one; empty
+    ///                for none. Kept until then or until the viewer is destroyed, and not called any more afterwards
+    virtual void SetMouseFilter(std::function<bool(const MouseInput&)> filter) = 0;
+
     /// @return false for an index outside the list: @p info is then untouched
     virtual bool GetObjectInfo(std::int16_t idx, ObjectInfo* info) = 0;
 

@@ -94,4 +94,5 @@ bool CKV_ScenePaneCtrl::CapturePicture(KV_ScenePane::Picture* picture) {
 void CKV_ScenePaneCtrl::CloseForHost() {
     m_bClosed = true;
     m_pEvents = nullptr;
+    m_pMouseFilter.reset();
 }

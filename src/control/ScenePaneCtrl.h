@@ -369,7 +369,7 @@ public:
     void DrawFreePoints();  // markers/FreePoints.cpp
     void DrawClipPlane();   // clip/ClipFrame.cpp
 
-    // ---- the input's calls to markers, cuts and the clip plane; in this version no method enters their modes
+    // ---- the input's calls to cuts and the clip plane; in this version no method enters their modes
     void FinishSegmentation(bool cancel);           // cut/CutFrame.cpp
     void AddCutSessionPoint(float x, float y);      // cut/CutFrame.cpp
     void PreviewCutSessionPoint(float x, float y);  // cut/CutFrame.cpp

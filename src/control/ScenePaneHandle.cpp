@@ -2,6 +2,7 @@
 // so that a handler of the host may destroy the handle during the call.
 #include "control/ScenePaneHandle.h"
 
+#include <functional>
 #include <utility>
 
 #include "control/ScenePaneCtrl.h"
@@ -295,6 +296,9 @@ public:
     bool Reparent(std::uintptr_t parent, int x, int y) override { return Held()->Reparent(parent, x, y); }
     void SendMouse(const KV_ScenePane::MouseInput& input) override { Held()->SendMouse(input); }
     void SendKey(const KV_ScenePane::KeyInput& input) override { Held()->SendKey(input); }
+    void SetMouseFilter(std::function<bool(const KV_ScenePane::MouseInput&)> filter) override {
+        Held()->SetMouseFilter(std::move(filter));
+    }
     bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info) override {
         return Held()->GetObjectInfo(idx, info);
     }

@@ -1,7 +1,10 @@
 // The running interaction, and how mouse input reaches it.
 #pragma once
 #include <cstdint>
+#include <functional>
+#include <memory>
 
+#include "KV_ScenePane/Input.h"
 #include "KV_ScenePane/Modes.h"
 #include "view/MouseDispatch.h"
 
@@ -37,6 +40,8 @@ struct InputState {
     std::int32_t m_nIgdRotation = 0;       ///< not 0: the delayed scheme, where a click is distinguished from a drag
     std::int32_t m_nFlipMouseButtons = 0;  ///< not 0: left pans and right rotates
     std::int32_t m_nRotationMode = KV_ScenePane::RotateFree;  ///< any value of the host; others rotate freely
+    /// Null for none. A call that runs holds it, so that the filter may be replaced meanwhile.
+    std::shared_ptr<const std::function<bool(const KV_ScenePane::MouseInput&)>> m_pMouseFilter;
 
     MouseDispatch m_mouseDispatch;
 };

@@ -1,5 +1,7 @@
 // Mouse input of the window to the dispatcher, and the wheel. The dispatcher is view/MouseDispatch.h; the handlers that
 // it calls are in view/MousePress.cpp, view/MouseMove.cpp and view/MouseRelease.cpp.
+#include <utility>
+
 #include "control/ScenePaneCtrl.h"
 
 namespace {
@@ -25,9 +27,18 @@ void CKV_ScenePaneCtrl::ConnectMouseHandlers() {
     m_mouseDispatch.onRightDoubleClick = CallHandler<&CKV_ScenePaneCtrl::OnRightDoubleClick>;
 }
 
+void CKV_ScenePaneCtrl::SetMouseFilter(std::function<bool(const KV_ScenePane::MouseInput&)> filter) {
+    // The former one ends after the exchange: what it owns may call the viewer while it is destroyed.
+    decltype(m_pMouseFilter) next;
+    if (filter) next = std::make_shared<const std::function<bool(const KV_ScenePane::MouseInput&)>>(std::move(filter));
+    m_pMouseFilter.swap(next);
+}
+
 // Double clicks and moves pass the delay by; presses and releases may wait in it.
 void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
     if (m_bClosed) return;
+    if (const auto filter = m_pMouseFilter; filter != nullptr && (*filter)(input)) return;
+    if (m_bClosed) return;  // the filter destroyed the viewer
     using Kind = KV_ScenePane::MouseInput::Kind;
     const MousePoint point{input.x, input.y};
     const auto press = [&](std::int32_t button) {

@@ -149,6 +149,47 @@ TEST_P(DestroyedInHandler, OfAPick) {
     ExpectEndOf("double click", [](ScenePane& p) { Click(p, MouseInput::Kind::DoubleClick); });
 }
 
+TEST_P(DestroyedInHandler, OfTheMouseFilter) {
+    int filtered = 0;
+    const auto filter = [&](const MouseInput&) {
+        ++filtered;
+        events.inside();
+        return false;
+    };
+    pane->SetMouseFilter(filter);
+    ExpectEndOf("double click", [](ScenePane& p) { Click(p, MouseInput::Kind::DoubleClick); });
+    EXPECT_EQ(filtered, 1);
+    EXPECT_EQ(events.fired, 0) << "the double click was handled all the same";
+}
+
+TEST_P(DestroyedInHandler, OfTheMouseFilterThatThrowsAfterwardsPassesTheExceptionOn) {
+    pane->SetMouseFilter([&](const MouseInput&) -> bool {
+        pane.reset();
+        throw std::runtime_error("filter");
+    });
+    EXPECT_THROW(Click(*pane, MouseInput::Kind::DoubleClick), std::runtime_error);
+    EXPECT_TRUE(notes.isDead);
+}
+
+TEST_P(DestroyedInHandler, CallsNoMouseFilterAfterwards) {
+    int filtered = 0;
+    const auto owned = std::make_shared<int>();
+    pane->SetMouseFilter([&filtered, owned](const MouseInput&) {
+        ++filtered;
+        return false;
+    });
+    CKV_ScenePaneCtrl& control = ControlOf(*pane);
+    events.inside = [&] {
+        if (pane == nullptr) return;
+        pane.reset();
+        EXPECT_EQ(owned.use_count(), 1) << "the filter of a destroyed viewer is kept";
+        control.SendMouse({.kind = MouseInput::Kind::Move, .x = 50, .y = 40});  // as its window may do
+    };
+    Click(*pane, MouseInput::Kind::DoubleClick);
+    EXPECT_EQ(pane, nullptr);
+    EXPECT_EQ(filtered, 1);
+}
+
 TEST_P(DestroyedInHandler, OfADrag) {
     Click(*pane, MouseInput::Kind::LeftDown);
     ExpectEndOf("move", [](ScenePane& p) {
