@@ -4,18 +4,19 @@
 #include <string_view>
 
 enum class FileKind {
-    Scan,  ///< a measured grid: imported with skip value, confidence limit and colour
-    Mesh   ///< imported as it is
+    Scan,   ///< a measured grid: imported with skip value, confidence limit and colour
+    Mesh,   ///< imported as it is
+    Points  ///< free points, which are no object of the scene
 };
 
-/// One row of the table. A new format of the viewer needs a row here and nothing else in the host.
+/// One row of the table. A new format needs a row here and nothing else in the host.
 struct FileType {
     /// Lower case, without the dot.
     std::string_view extension;
     /// Of several files, in English: "PLY meshes".
     const char* description;
     FileKind kind;
-    /// The viewer opens it.
+    /// The viewer opens it and adds an object. False for points: the host reads their files.
     bool canImport;
     /// The viewer writes it.
     bool canExport;
@@ -33,6 +34,12 @@ inline constexpr FileType kFileTypes[] = {
     {"hps", "HPS meshes", FileKind::Mesh, true, true, false},
     {"ois", "OIS meshes", FileKind::Mesh, true, false, false},
     {"msh", "MSH meshes", FileKind::Mesh, true, false, false},
+    {"xyz", "XYZ points", FileKind::Points, false, false, false},
+    {"xyzrgb", "XYZRGB points", FileKind::Points, false, false, false},
+    {"txt", "text files of points", FileKind::Points, false, false, false},
+    {"asc", "ASC points", FileKind::Points, false, false, false},
+    {"csv", "CSV points", FileKind::Points, false, false, false},
+    {"pcd", "PCD points", FileKind::Points, false, false, false},
 };
 
 // Selections of rows for the lists below.
@@ -43,6 +50,7 @@ inline constexpr FileType kFileTypes[] = {
 [[nodiscard]] constexpr bool IsImportedMesh(const FileType& type) {
     return type.canImport && type.kind == FileKind::Mesh;
 }
+[[nodiscard]] constexpr bool IsPoints(const FileType& type) { return type.kind == FileKind::Points; }
 [[nodiscard]] constexpr bool IsExported(const FileType& type) { return type.canExport; }
 
 /// The text after the last dot of the path in lower case, or the whole path without a dot: the viewer's own rule.

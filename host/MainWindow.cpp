@@ -14,7 +14,9 @@
 #include "DecorationPanel.h"
 #include "ImportJob.h"
 #include "LogoPanel.h"
+#include "MarkerPanel.h"
 #include "MessagePane.h"
+#include "NeedlePanel.h"
 #include "ObjectList.h"
 #include "PngFile.h"
 #include "ScreenShot.h"
@@ -27,7 +29,6 @@ constexpr std::int32_t kBackground = 0x321919;  // 0x00BBGGRR, what the viewer s
 
 MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindow(parent), m_options(options) {
     m_nBackground.fill(kBackground);
-    m_vWaitingFiles = options.files;
     setWindowTitle(tr("scenepane"));
     setAcceptDrops(true);
     // In this order: the docks connect to the viewer widget, and a menu lists the docks.
@@ -35,6 +36,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MakeDocks();
     MakeMenus();
     ReservePlainKeysForInputs();
+    OpenFiles(options.files);
     statusBar()->showMessage(tr("Open scans and meshes with the File menu, or drop them here."));
     // Imports have captures of their own; this is for everything else that the viewer writes, from any thread.
     MessagePane* const messages = m_pMessages;
@@ -44,10 +46,14 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
 }
 
 MainWindow::~MainWindow() {
+    m_vWaitingFiles.clear();  // the end of an import starts the next one
+    m_vWaitingPoints.clear();
     if (m_pJob != nullptr) m_pJob->Stop();  // its threads call the viewer
+    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
     m_pAnimation->SetViewer(nullptr);
     m_pDecorations->SetViewer(nullptr);
     m_pLogo->SetViewer(nullptr);
+    m_pNeedles->SetViewer(nullptr);
     delete m_pViewer;  // now: what it writes while it closes still goes to the message pane
     m_pRouter.reset();
 }
@@ -86,14 +92,19 @@ void MainWindow::OnViewerReady() {
     ShowShadows(m_options.shadows);
     EnableActions();
     OpenWaitingFiles();
+    OpenMarkersOfOptions();
+    OpenWaitingPoints();
+    AskForPointsLook();
 }
 
 void MainWindow::OnViewerRefused(const QString& reason) {
     if (m_pJob != nullptr) m_pJob->Stop();
+    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
     m_pRefusal->setText(tr("There is no viewer: %1").arg(reason));
     m_pCentre->setCurrentWidget(m_pRefusal);
     m_pMessages->AddText(m_pRefusal->text());
     m_pObjects->clear();
+    m_pMarkers->Clear();
     EnableActions();
     // The files that waited for the viewer will never be opened: each is reported like a failed import.
     m_nFilesNotAdded += m_vWaitingFiles.size();
@@ -102,6 +113,7 @@ void MainWindow::OnViewerRefused(const QString& reason) {
         emit FileFailed(file, "not opened, there is no viewer");
     }
     m_vWaitingFiles.clear();
+    DropWaitingPoints();
 }
 
 void MainWindow::EnableActions() {
@@ -109,6 +121,7 @@ void MainWindow::EnableActions() {
     for (QAction* const action : m_vViewerActions) action->setEnabled(viewer);
     for (QAction* const action : m_vIdleActions) action->setEnabled(viewer && !IsImporting());
     m_pObjects->setEnabled(viewer && !IsImporting());
+    m_pMarkers->setEnabled(viewer);
 }
 
 void MainWindow::ClearScene() {
@@ -117,8 +130,12 @@ void MainWindow::ClearScene() {
     // The viewer keeps plain pointers to selected objects; they must not outlive the objects.
     methods.ResetSelection();
     methods.ResetVariableObjects();
-    methods.ClearData();
+    DeleteAllPoints();  // before the view is fitted to what is left: ClearData() keeps free points, an operator expects
+    methods.ClearData();  // an empty scene. The lines go with it
     m_pObjects->clear();
+    m_pMarkers->Clear();
+    ClearPickPoints();
+    ForgetPicks();
     ShowView(m_options.view);  // ClearData() resets the view
 }
 
@@ -199,10 +216,14 @@ void MainWindow::DeleteObject(int index) {
     Pane()->Methods().DeleteObject(static_cast<std::int16_t>(index));
     Pane()->Methods().PerformInvalidate();
     m_pObjects->RemoveObject(index);
+    FollowDeletedObject(index);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     m_vWaitingFiles.clear();
+    m_vWaitingPoints.clear();
+    m_unaskedPoints = {};
     if (m_pJob != nullptr) m_pJob->Stop();
+    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
     event->accept();
 }

@@ -1,6 +1,8 @@
 // The window of the host: the viewer in the middle, around it menus, the list of objects and panes.
 #pragma once
 #include <QMainWindow>
+#include <QPoint>
+#include <QPointer>
 #include <array>
 #include <functional>
 #include <memory>
@@ -10,17 +12,22 @@
 #include "CommandLine.h"
 #include "DebugCapture.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "PickPanel.h"
+#include "PointsJob.h"
 
 class AnimationPanel;
 class DecorationPanel;
 class EventPane;
 class ImportJob;
 class LogoPanel;
+class MarkerPanel;
 class MessagePane;
+class NeedlePanel;
 class ObjectList;
 class QActionGroup;
 class QDockWidget;
 class QLabel;
+class QMenu;
 class QProgressDialog;
 class QStackedWidget;
 class ViewerWidget;
@@ -40,13 +47,21 @@ public:
     explicit MainWindow(const HostOptions& options, QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    /// Imports the files (paths in bytes) in order. They wait while there is no viewer yet or another import runs.
+    /// Imports the files (paths in bytes) in order. They wait while there is no viewer yet or another import runs. For
+    /// point files among them a dialog asks how to show their points, once for all.
     void OpenFiles(const std::vector<std::string>& files);
+    /// Adds each file (paths in bytes) as a set of free points. They wait like those of OpenFiles().
+    void ImportPointFiles(const std::vector<std::string>& files, const PointsLook& look);
+    /// Adds the polylines of each file (paths in bytes) and shows all lines.
+    void ImportLineFiles(const std::vector<std::string>& files);
     /// No further file is started; those in progress are finished and added.
     void CancelImport();
-    [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr; }
-    /// Every file opened so far has added an object.
-    [[nodiscard]] bool HaveAllFilesAdded() const { return m_nFilesNotAdded == 0 && m_vWaitingFiles.empty(); }
+    [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr || m_pPointsJob != nullptr; }
+    /// Every file opened so far has added an object, points or lines.
+    [[nodiscard]] bool HaveAllFilesAdded() const {
+        return m_nFilesNotAdded == 0 && m_vWaitingFiles.empty() && m_vWaitingPoints.empty() &&
+               m_unaskedPoints.files.empty() && !m_bAsksForPoints;
+    }
 
     /// Null before the window is shown, and when the viewer was refused or lost its window.
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const;
@@ -54,6 +69,8 @@ public:
     [[nodiscard]] MessagePane& Messages() const { return *m_pMessages; }
     [[nodiscard]] EventPane& Events() const { return *m_pEvents; }
     [[nodiscard]] LogoPanel& Logo() const { return *m_pLogo; }
+    [[nodiscard]] NeedlePanel& Needles() const { return *m_pNeedles; }
+    [[nodiscard]] MarkerPanel& Markers() const { return *m_pMarkers; }
 
 signals:
     /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
@@ -67,7 +84,7 @@ public slots:
     // All of these do nothing without a viewer. What is set by ShowView(), ShowDrawMode() and ShowShadows() before
     // there is one is applied to it later.
 
-    /// Removes all objects, not during an import. The chosen view is kept.
+    /// Removes all objects, free points and lines, not during an import. The chosen view is kept.
     void ClearScene();
     void ShowView(KV_ScenePane::ViewMode mode);
     void ShowDrawMode(KV_ScenePane::DrawMode mode);
@@ -90,9 +107,32 @@ public slots:
     /// @param path  in bytes
     /// @return whether it was written; false during an import and for an index outside the list
     bool ExportObjectTo(int index, const std::string& path);
+    /// Removes points of the pane and their spheres. @param points  from 0 in ascending order; others are ignored
+    void RemovePickPoints(const std::vector<int>& points);
+    void ClearPickPoints();
+    /// The next pick moves this point instead of placing one. @param point  from 0; -1: no point is to be moved any
+    /// more
+    void MovePickPoint(int point);
+    /// Copies a line of x, y, z with tabs between them per point. @param points  as for RemovePickPoints()
+    void CopyPickPoints(const std::vector<int>& points);
+    /// Copies the distance of the last two picks, when there were two.
+    void CopyPickDistance();
     void ShowObject(int index, bool visible);
     void ColorObject(int index, std::int32_t packed);
     void DeleteObject(int index);
+    /// @param id  of a set of free points
+    void ShowPoints(int id, bool visible);
+    /// The viewer keeps the graphics memory of the set until its window closes. @param id  of a set of free points
+    void DeletePoints(int id);
+    void ShowLines(bool on);
+    /// Writes all needles as a file and adds a message about it.
+    /// @param path  in bytes
+    /// @return whether it was written
+    bool SaveNeedles(const std::string& path);
+    /// Adds the needles of a file, shows needles and adds a message about it. The limit of needles grows as necessary.
+    /// @param path  in bytes
+    /// @return whether the file was read; needles whose id is in use are named by the message only
+    bool LoadNeedles(const std::string& path);
     /// For the imports that follow.
     void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
 
@@ -122,6 +162,15 @@ private:
     /// Gives the panels the viewer, or null when there is none any more.
     void PassViewerToPanels();
 
+    // ---- MainWindowNeedles.cpp
+    /// The panel and its connections to the viewer.
+    void MakeNeedlePanel();
+    // Each of these shows a dialog for the file.
+    void AskForNeedleFileToSave();
+    void AskForNeedleFileToLoad();
+    /// Adds a message, and shows it in the status bar.
+    void ReportNeedles(const QString& text);
+
     // ---- MainWindowInput.cpp
     /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
     void MakeInputMenus(QMenu& menu);
@@ -130,6 +179,30 @@ private:
     void RunShortcut(int key, Qt::KeyboardModifiers modifiers);
     /// Keys without a modifier stay in the input that has the keyboard, also where they are shortcuts.
     void ReservePlainKeysForInputs();
+
+    // ---- MainWindowPicks.cpp
+    void MakePickPanel();
+    /// Adds what concerns picks to the menu of the pick modes.
+    void MakePickActions(QMenu& menu);
+    void OnObjectPicked(int object, float x, float y, float z);
+    /// Makes the pane equal to the pick-point spheres of the viewer.
+    void FollowPickPoints();
+    /// The objects after a deleted one have other indices. @param object  its index
+    void FollowDeletedObject(int object);
+    /// Opens the menu of the pick-point sphere that is nearest to the pixel, if picks place points.
+    void ShowPickMenu(QPoint pixel);
+    /// Names the objects that were picked before they were in the list, and fits the radius.
+    void FollowImport();
+    /// Sets the radius of the spheres by the size of the scene.
+    void FitPickRadius();
+    /// Shows the last pick and its distance from the one before.
+    void ShowLastPick();
+    /// Empties the pane: the viewer or its scene is gone.
+    void ForgetPicks();
+    /// Length between the last two picks, scene units, as NumberText(); empty before the second pick.
+    [[nodiscard]] QString PickDistanceText() const;
+    /// File of an object without its folders; empty while the import that has added it still runs.
+    [[nodiscard]] QString NameOfObject(int object) const;
 
     // ---- MainWindowImport.cpp
     /// Starts the import of the waiting files when it is possible now.
@@ -140,6 +213,30 @@ private:
     void ReportResults();
     /// Adds a row for each object that the finished import has added to the viewer.
     void ListNewObjects();
+
+    // ---- MainWindowMarkers.cpp
+    /// Adds the imports of points and lines to the file menu.
+    void MakeMarkerActions(QMenu& menu);
+    void AskForPointFiles();
+    void AskForLineFiles();
+    /// Shows the dialog for the point files whose look was not chosen yet; their import follows.
+    void AskForPointsLook();
+    /// @param accepted  the dialog was not cancelled
+    void EndPointsDialog(const PointsRequest& request, bool accepted);
+    /// Opens the points, lines and needles of the command line.
+    void OpenMarkersOfOptions();
+    /// Starts the import of the waiting point files when it is possible now.
+    void OpenWaitingPoints();
+    void OnPointsImported();
+    /// Adds the messages of the finished import of points, and a row for each new set.
+    /// @return the number of new sets
+    std::size_t ReportPoints();
+    /// Reports each point file that waits: there is no viewer that could open it.
+    void DropWaitingPoints();
+    void DeleteAllPoints();
+    /// For a file that added nothing: a message, FileFailed() and the exit status.
+    void ReportFileFailure(const std::string& file, const std::string& reason);
+    [[nodiscard]] bool IsSceneEmpty() const;
 
     // ---- MainWindowExport.cpp
     /// Shows the export dialog for the selected object, or a message when none is selected.
@@ -182,12 +279,28 @@ private:
     DecorationPanel* m_pDecorations = nullptr;
     LogoPanel* m_pLogo = nullptr;
     AnimationPanel* m_pAnimation = nullptr;
+    NeedlePanel* m_pNeedles = nullptr;
+    MarkerPanel* m_pMarkers = nullptr;
+    PickPanel* m_pPicks = nullptr;
+    QLabel* m_pLastPick = nullptr;           // in the status bar
+    QPointer<QMenu> m_pPickMenu;             // the one that is open; null without one
+    QAction* m_pCopyDistance = nullptr;      // enabled after two picks
+    QAction* m_pCancelMove = nullptr;        // enabled while a point is to be moved
+    std::vector<PickedPoint> m_vPickPoints;  // as many as the viewer has spheres, and in their order
+    std::vector<PickedPoint> m_vLastPicks;   // two at most, the last one at the end
+    int m_nPointToMove = -1;                 // by the next pick; -1 for none
     std::vector<QAction*> m_vViewerActions;  // enabled with a viewer
     std::vector<QAction*> m_vIdleActions;    // enabled with a viewer and while no import runs
     QList<QAction*> m_pickActions;           // in the order of KV_ScenePane::PickMode
     ImportJob* m_pJob = nullptr;             // the import that runs; null without one
     std::unique_ptr<QProgressDialog> m_pProgress;
     std::vector<std::string> m_vWaitingFiles;  // paths in bytes
-    std::size_t m_nFilesNotAdded = 0;          // of all imports so far, for the exit status
-    std::unique_ptr<DebugRouter> m_pRouter;    // writes to the message pane, so it is destroyed before that
+    // Point files. At most one import runs at a time, of points or of other files.
+    PointsJob* m_pPointsJob = nullptr;            // the import that runs; null without one
+    std::vector<PointsRequest> m_vWaitingPoints;  // in the order of their imports
+    PointsRequest m_unaskedPoints;                // the next dialog is for them
+    bool m_bAsksForPoints = false;                // the dialog is open
+    PointsLook m_pointsLook;                      // as last chosen in the dialog
+    std::size_t m_nFilesNotAdded = 0;             // of all imports so far, for the exit status
+    std::unique_ptr<DebugRouter> m_pRouter;       // writes to the message pane, so it is destroyed before that
 };

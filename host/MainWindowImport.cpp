@@ -6,6 +6,7 @@
 #include <QStatusBar>
 #include <QUrl>
 
+#include "FileTypes.h"
 #include "ImportJob.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
@@ -28,8 +29,17 @@ std::vector<std::string> LocalFiles(const QMimeData& data) {
 }  // namespace
 
 void MainWindow::OpenFiles(const std::vector<std::string>& files) {
-    m_vWaitingFiles.insert(m_vWaitingFiles.end(), files.begin(), files.end());
+    for (const std::string& file : files) {
+        const FileType* const type = FindFileType(file);
+        if (type != nullptr && IsPoints(*type)) {
+            m_unaskedPoints.files.push_back(file);
+            m_unaskedPoints.fitsView = m_unaskedPoints.fitsView || IsSceneEmpty();
+        } else {
+            m_vWaitingFiles.push_back(file);
+        }
+    }
     OpenWaitingFiles();
+    AskForPointsLook();
 }
 
 void MainWindow::OpenWaitingFiles() {
@@ -57,6 +67,7 @@ void MainWindow::StartImport(const std::vector<std::string>& files) {
 }
 
 void MainWindow::CancelImport() {
+    if (m_pPointsJob != nullptr) m_pPointsJob->Cancel();
     if (m_pJob == nullptr) return;
     m_pJob->Cancel();
     statusBar()->showMessage(tr("Cancelled; the files in progress are being finished."));
@@ -65,7 +76,7 @@ void MainWindow::CancelImport() {
 void MainWindow::OnImportFinished() {
     ReportResults();
     // Only the first import fits the view: a later one must not move what the user looks at.
-    const bool wasEmpty = !HaveObjects();
+    const bool wasEmpty = IsSceneEmpty();
     if (Pane() != nullptr) ListNewObjects();
     m_pJob->deleteLater();
     m_pJob = nullptr;
@@ -77,6 +88,7 @@ void MainWindow::OnImportFinished() {
     EnableActions();
     emit ImportFinished();
     OpenWaitingFiles();  // files that were added while this import ran
+    OpenWaitingPoints();
 }
 
 void MainWindow::ReportResults() {
@@ -110,8 +122,12 @@ void MainWindow::ListNewObjects() {
     const int count = Pane()->Methods().GetNumObjects();
     // The viewer's new objects have the order of the files that added them.
     for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {
-        if (m_pJob->Results()[i].state == ImportResult::State::Added)
-            m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]));
+        if (m_pJob->Results()[i].state != ImportResult::State::Added) continue;
+        const ObjectReport object = ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]);
+        m_pObjects->AddObject(object);
+        if (object.triangles == 0 && ExtensionOf(object.file) == "ply")
+            m_pMessages->AddText(tr("%1: has no triangles; File > Import free points shows its vertices")
+                                     .arg(QString::fromStdString(object.file)));
     }
 }
 

@@ -48,6 +48,7 @@ void MainWindow::MakeMenus() {
 void MainWindow::MakeFileMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&File"));
     m_vViewerActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
+    MakeMarkerActions(*menu);
     m_vIdleActions.push_back(
         menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::ClearScene));
     menu->addSeparator();
@@ -166,8 +167,9 @@ void MainWindow::AskForBackground() {
 
 void MainWindow::AskForPointSize() {
     bool accepted = false;
-    const double size = QInputDialog::getDouble(this, tr("Point size"), tr("Size of a point in pixels:"),
-                                                static_cast<double>(m_fPointSize), 0.5, 64.0, 1, &accepted);
+    const QString label = tr("Pixels per point of an object;\nhalf the side of a free point in scene units:");
+    const double size = QInputDialog::getDouble(this, tr("Point size"), label, static_cast<double>(m_fPointSize), 0.5,
+                                                64.0, 1, &accepted);
     if (accepted) ShowPointSize(static_cast<float>(size));
 }
 

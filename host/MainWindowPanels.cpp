@@ -7,7 +7,9 @@
 #include "EventPane.h"
 #include "LogoPanel.h"
 #include "MainWindow.h"
+#include "MarkerPanel.h"
 #include "MessagePane.h"
+#include "NeedlePanel.h"
 #include "ObjectList.h"
 #include "ViewerWidget.h"
 
@@ -38,15 +40,25 @@ void MainWindow::MakeDocks() {
             [this](bool on) { ChoosePickMode(on ? KV_ScenePane::PickModeCross : KV_ScenePane::PickModeOff); });
     m_pLogo = new LogoPanel;
     connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddText);
+    m_pMarkers = new MarkerPanel;
+    connect(m_pMarkers, &MarkerPanel::PointsVisibilityWanted, this, &MainWindow::ShowPoints);
+    connect(m_pMarkers, &MarkerPanel::PointsDeletionWanted, this, &MainWindow::DeletePoints);
+    connect(m_pMarkers, &MarkerPanel::LinesWanted, this, &MainWindow::ShowLines);
+    MakeNeedlePanel();
     m_pAnimation = new AnimationPanel;
     // A key in the viewer may have started the animation, which reports no event.
     connect(m_pViewer, &ViewerWidget::Handled, m_pAnimation, &AnimationPanel::Check);
 
+    MakePickPanel();
+
     AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
     QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
-    // Three docks share one place, as tabs.
+    // Several docks share one place, as tabs.
     tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", m_pLogo, Qt::RightDockWidgetArea));
     tabifyDockWidget(decorations, AddDock(tr("Animation"), "animation", m_pAnimation, Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Points and lines"), "markers", m_pMarkers, Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Picks"), "picks", m_pPicks, Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Needles"), "needles", m_pNeedles, Qt::RightDockWidgetArea));
     decorations->raise();
     AddDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
     AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
@@ -57,5 +69,8 @@ void MainWindow::PassViewerToPanels() {
     m_pDecorations->SetViewer(methods);
     m_pLogo->SetViewer(methods);
     m_pAnimation->SetViewer(methods);
+    m_pNeedles->SetViewer(methods);
     m_pEvents->setEnabled(methods != nullptr);
+    m_pPicks->setEnabled(methods != nullptr);
+    if (methods == nullptr) ForgetPicks();
 }

@@ -34,12 +34,20 @@ TEST(FileTypes, AreScansAndMeshesInTheOrderOfTheHelp) {
     EXPECT_EQ(ExtensionList(IsExported, "or"), "ply, stl or hps");
 }
 
+TEST(FileTypes, OfPointsAreNoObjects) {
+    EXPECT_EQ(ExtensionList(IsPoints, "and"), "xyz, xyzrgb, txt, asc, csv and pcd");
+    for (const FileType& type : kFileTypes) {
+        if (IsPoints(type)) EXPECT_FALSE(type.canImport || type.canExport || type.readByHost) << type.extension;
+    }
+}
+
 TEST(FileTypes, HaveOneRowPerExtensionInLowerCase) {
     std::set<std::string_view> extensions;
     for (const FileType& type : kFileTypes) {
         EXPECT_TRUE(extensions.insert(type.extension).second) << type.extension;
         EXPECT_EQ(FindFileType("A." + std::string(type.extension)), &type);
-        EXPECT_TRUE(type.canImport || type.canExport) << type.extension << " would be a row without use";
+        EXPECT_TRUE(type.canImport || type.canExport || IsPoints(type))
+            << type.extension << " would be a row without use";
     }
 }
 

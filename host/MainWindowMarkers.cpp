@@ -1,0 +1,224 @@
+// Free points and lines: the imports of their files, with dialog and progress, and what their panel asks for.
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QProgressDialog>
+#include <QStatusBar>
+#include <utility>
+
+#include "FileImport.h"
+#include "FileTypes.h"
+#include "MainWindow.h"
+#include "MarkerFiles.h"
+#include "MarkerPanel.h"
+#include "MessagePane.h"
+#include "ObjectList.h"
+#include "PointsDialog.h"
+
+namespace {
+
+constexpr int kProgressDelayMs = 500;  // an import that takes longer shows its progress
+
+/// The bytes that the files have on disk.
+std::vector<std::string> PathsOf(const QStringList& names) {
+    std::vector<std::string> files;
+    for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
+    return files;
+}
+
+QStringList NamesOf(const std::vector<std::string>& files) {
+    QStringList names;
+    for (const std::string& file : files) names += QString::fromStdString(file.substr(file.rfind('/') + 1));
+    return names;
+}
+
+}  // namespace
+
+void MainWindow::MakeMarkerActions(QMenu& menu) {
+    QAction* const points = menu.addAction(tr("Import free &points..."), this, &MainWindow::AskForPointFiles);
+    points->setStatusTip(tr("Import points from %1 files, and the vertices of ply files")
+                             .arg(QString::fromStdString(ExtensionList(IsPoints, "and"))));
+    QAction* const lines = menu.addAction(tr("Import &lines..."), this, &MainWindow::AskForLineFiles);
+    lines->setStatusTip(tr("Import polylines from text files"));
+    m_vViewerActions.insert(m_vViewerActions.end(), {points, lines});
+    m_pointsLook.color = m_options.import.color;
+}
+
+// ---- points: from the choice of the files to the waiting request
+
+void MainWindow::AskForPointFiles() {
+    const QStringList names = QFileDialog::getOpenFileNames(
+        this, tr("Import free points"), {},
+        tr("Points (%1 *.ply);;All files (*)").arg(QString::fromStdString(ExtensionPatterns(IsPoints))));
+    if (names.isEmpty() || Pane() == nullptr) return;
+    const std::vector<std::string> files = PathsOf(names);
+    m_unaskedPoints.fitsView = m_unaskedPoints.fitsView || IsSceneEmpty();
+    m_unaskedPoints.files.insert(m_unaskedPoints.files.end(), files.begin(), files.end());
+    AskForPointsLook();
+}
+
+void MainWindow::AskForPointsLook() {
+    if (Pane() == nullptr || m_bAsksForPoints || m_unaskedPoints.files.empty()) return;
+    m_bAsksForPoints = true;
+    const PointsRequest request = std::exchange(m_unaskedPoints, {});
+    auto* const dialog = new PointsDialog(NamesOf(request.files), m_pointsLook, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::finished, this, [this, dialog, request](int result) {
+        const bool accepted = result == QDialog::Accepted;
+        if (accepted) m_pointsLook = dialog->Look();
+        EndPointsDialog(request, accepted);
+    });
+    dialog->open();  // returns at once: the source of a drop must not wait for the answer
+}
+
+void MainWindow::EndPointsDialog(const PointsRequest& request, bool accepted) {
+    m_bAsksForPoints = false;
+    if (accepted && Pane() != nullptr) {
+        m_vWaitingPoints.push_back({request.files, m_pointsLook, request.fitsView});
+        OpenWaitingPoints();
+    } else {
+        m_nFilesNotAdded += request.files.size();
+        for (const std::string& file : request.files)
+            m_pMessages->AddText(tr("%1: not opened, cancelled").arg(QString::fromStdString(file)));
+    }
+    // Files that came while the dialog was open. Queued: that dialog is still closing.
+    QMetaObject::invokeMethod(this, &MainWindow::AskForPointsLook, Qt::QueuedConnection);
+}
+
+void MainWindow::ImportPointFiles(const std::vector<std::string>& files, const PointsLook& look) {
+    if (files.empty()) return;
+    m_vWaitingPoints.push_back({files, look, IsSceneEmpty()});
+    OpenWaitingPoints();
+}
+
+// ---- points: the import
+
+void MainWindow::OpenWaitingPoints() {
+    if (Pane() == nullptr || IsImporting() || m_vWaitingPoints.empty()) return;
+    PointsRequest request = std::move(m_vWaitingPoints.front());
+    m_vWaitingPoints.erase(m_vWaitingPoints.begin());
+    const int steps = static_cast<int>(request.files.size()) * PointsJob::kStepsPerFile;
+    m_pPointsJob = new PointsJob(Pane()->Methods(), std::move(request), this);
+    m_pProgress = std::make_unique<QProgressDialog>(tr("Importing points"), tr("Cancel"), 0, steps, this);
+    m_pProgress->setWindowTitle(tr("scenepane"));
+    m_pProgress->setAutoReset(false);  // it is deleted at the end, whatever its value is then
+    m_pProgress->setModal(false);      // the window stays usable
+    m_pProgress->setMinimumDuration(kProgressDelayMs);
+    connect(m_pPointsJob, &PointsJob::Progress, m_pProgress.get(), &QProgressDialog::setValue);
+    connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
+    connect(m_pPointsJob, &PointsJob::Finished, this, &MainWindow::OnPointsImported);
+    m_pProgress->setValue(0);  // starts the time after which Qt shows the dialog
+    EnableActions();
+    m_pPointsJob->Start();
+}
+
+void MainWindow::OnPointsImported() {
+    const bool added = ReportPoints() > 0;
+    const bool fitsView = m_pPointsJob->Request().fitsView;
+    m_pPointsJob->deleteLater();
+    m_pPointsJob = nullptr;
+    m_pProgress.release()->deleteLater();  // not at once: this may be a call from its own signal
+    if (Pane() != nullptr && added) {
+        if (fitsView) FitView(Pane()->Methods(), m_options.zoom);
+        Pane()->Methods().PerformRefresh();
+    }
+    EnableActions();
+    emit ImportFinished();
+    OpenWaitingFiles();  // files that were added while this import ran
+    OpenWaitingPoints();
+}
+
+std::size_t MainWindow::ReportPoints() {
+    std::size_t added = 0;
+    const std::vector<PointsResult>& results = m_pPointsJob->Results();
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        const std::string& file = m_pPointsJob->Request().files[i];
+        switch (results[i].state) {
+            case PointsResult::State::Added:
+                ++added;
+                m_pMarkers->AddPoints(results[i].id, file, results[i].points, m_pPointsJob->Request().look.alpha);
+                break;
+            case PointsResult::State::Failed:
+                ReportFileFailure(file, results[i].reason);
+                break;
+            case PointsResult::State::NotStarted:
+                ++m_nFilesNotAdded;
+                m_pMessages->AddText(tr("%1: not opened, cancelled").arg(QString::fromStdString(file)));
+                break;
+        }
+    }
+    statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
+    return added;
+}
+
+void MainWindow::ReportFileFailure(const std::string& file, const std::string& reason) {
+    ++m_nFilesNotAdded;
+    m_pMessages->AddText(tr("%1: nothing added: %2").arg(QString::fromStdString(file), QString::fromStdString(reason)));
+    emit FileFailed(file, reason);
+}
+
+void MainWindow::DropWaitingPoints() {
+    m_vWaitingPoints.push_back(std::exchange(m_unaskedPoints, {}));
+    for (const PointsRequest& request : std::exchange(m_vWaitingPoints, {})) {
+        m_nFilesNotAdded += request.files.size();
+        for (const std::string& file : request.files) {
+            m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
+            emit FileFailed(file, "not opened, there is no viewer");
+        }
+    }
+}
+
+void MainWindow::OpenMarkersOfOptions() {
+    ImportPointFiles(m_options.pointFiles, {.alpha = 1.0f, .color = m_options.import.color});
+    ImportLineFiles(m_options.lineFiles);
+    for (const std::string& file : m_options.needleFiles) {
+        if (!LoadNeedles(file)) ++m_nFilesNotAdded;  // it has added the message
+    }
+}
+
+// ---- lines
+
+void MainWindow::AskForLineFiles() {
+    ImportLineFiles(PathsOf(QFileDialog::getOpenFileNames(this, tr("Import lines"), {}, tr("All files (*)"))));
+}
+
+void MainWindow::ImportLineFiles(const std::vector<std::string>& files) {
+    if (Pane() == nullptr || files.empty()) return;
+    std::size_t count = 0;
+    for (const std::string& file : files) {
+        std::vector<Polyline> lines;
+        const std::string reason = AddLineFile(Pane()->Methods(), file, &lines);
+        count += lines.size();
+        if (!reason.empty()) ReportFileFailure(file, reason);
+    }
+    m_pMarkers->ShowLineCount(m_pMarkers->LineCount() + static_cast<int>(count));
+    if (count > 0) ShowLines(true);
+    statusBar()->showMessage(tr("%1 lines added").arg(count));
+}
+
+// ---- what the panel asks for
+
+void MainWindow::ShowPoints(int id, bool visible) {
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetPointsVisibility(id, visible ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse);
+    Pane()->Methods().PerformInvalidate();
+}
+
+void MainWindow::DeletePoints(int id) {
+    if (Pane() == nullptr) return;
+    Pane()->Methods().DeletePoints(id);
+    m_pMarkers->RemovePoints(id);
+}
+
+void MainWindow::DeleteAllPoints() {
+    for (const int id : m_pMarkers->PointIds()) DeletePoints(id);
+}
+
+void MainWindow::ShowLines(bool on) {
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetLine3DDrawingMode(on ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse);
+    Pane()->Methods().PerformInvalidate();
+    m_pMarkers->ShowLinesDrawn(on);
+}
+
+bool MainWindow::IsSceneEmpty() const { return !HaveObjects() && m_pMarkers->PointIds().empty(); }

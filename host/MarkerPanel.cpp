@@ -1,0 +1,87 @@
+// One row per set of free points: check mark and name of the file, number of points, opacity. The id is in the row.
+#include "MarkerPanel.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QKeySequence>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <cmath>
+
+namespace {
+constexpr int kIdRole = Qt::UserRole;  // of the first column
+
+int IdOf(const QTreeWidgetItem& item) { return item.data(MarkerPanel::kName, kIdRole).toInt(); }
+}  // namespace
+
+MarkerPanel::MarkerPanel(QWidget* parent) : QWidget(parent), m_pList(new QTreeWidget), m_pLines(new QCheckBox) {
+    m_pList->setObjectName("pointSets");
+    m_pList->setColumnCount(kColumnCount);
+    m_pList->setHeaderLabels({tr("Free points"), tr("Points"), tr("Opacity")});
+    m_pList->setRootIsDecorated(false);
+    m_pList->setUniformRowHeights(true);
+    m_pList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    // Fires for every column of a row; the check mark is in the column of the name.
+    connect(m_pList, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
+        if (column == kName) emit PointsVisibilityWanted(IdOf(*item), item->checkState(kName) == Qt::Checked);
+    });
+    auto* const remove = new QAction(tr("&Delete"), m_pList);
+    remove->setShortcut(QKeySequence::Delete);
+    remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);  // Delete is a key of the viewer too
+    connect(remove, &QAction::triggered, this, &MarkerPanel::DeleteCurrent);
+    m_pList->addAction(remove);
+    m_pList->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_pList->setToolTip(tr("The graphics memory of deleted points is not free before the window is closed."));
+
+    m_pLines->setObjectName("lines");
+    connect(m_pLines, &QCheckBox::toggled, this, &MarkerPanel::LinesWanted);
+    auto* const layout = new QVBoxLayout(this);
+    layout->addWidget(m_pList, 1);
+    layout->addWidget(m_pLines);
+    ShowLineCount(0);
+}
+
+void MarkerPanel::AddPoints(int id, const std::string& file, int points, float alpha) {
+    const QSignalBlocker quiet(m_pList);
+    auto* const item = new QTreeWidgetItem(m_pList);
+    item->setData(kName, kIdRole, id);
+    item->setText(kName, QString::fromStdString(file.substr(file.rfind('/') + 1)));
+    item->setToolTip(kName, QString::fromStdString(file));
+    item->setCheckState(kName, Qt::Checked);
+    item->setText(kPoints, QString::number(points));
+    item->setTextAlignment(kPoints, Qt::AlignRight | Qt::AlignVCenter);
+    item->setText(kOpacity, tr("%1 %").arg(std::lround(alpha * 100.0f)));
+    item->setTextAlignment(kOpacity, Qt::AlignRight | Qt::AlignVCenter);
+}
+
+void MarkerPanel::RemovePoints(int id) {
+    for (int row = m_pList->topLevelItemCount() - 1; row >= 0; --row) {
+        if (IdOf(*m_pList->topLevelItem(row)) == id) delete m_pList->topLevelItem(row);
+    }
+}
+
+std::vector<int> MarkerPanel::PointIds() const {
+    std::vector<int> ids;
+    for (int row = 0; row < m_pList->topLevelItemCount(); ++row) ids.push_back(IdOf(*m_pList->topLevelItem(row)));
+    return ids;
+}
+
+void MarkerPanel::ShowLineCount(int count) {
+    m_nLines = count;
+    m_pLines->setText(tr("Show &lines (%1)").arg(count));
+}
+
+void MarkerPanel::ShowLinesDrawn(bool on) {
+    const QSignalBlocker quiet(m_pLines);  // the caller has set the mode already
+    m_pLines->setChecked(on);
+}
+
+void MarkerPanel::Clear() {
+    m_pList->clear();
+    ShowLineCount(0);
+}
+
+void MarkerPanel::DeleteCurrent() {
+    if (const QTreeWidgetItem* const item = m_pList->currentItem()) emit PointsDeletionWanted(IdOf(*item));
+}
