@@ -62,9 +62,11 @@ void MainWindow::MakeInputMenus(QMenu& menu) {
                    [this](int mode) { ChooseRotation(static_cast<KV_ScenePane::RotationMode>(mode)); });
     AddModeActions(*menu.addMenu(tr("Mouse b&uttons")), kSchemeNames, std::size(kSchemeNames), 0,
                    [this](int scheme) { ChooseMouseScheme(static_cast<MouseScheme>(scheme)); });
+    QMenu* const picking = menu.addMenu(tr("P&icking"));
     m_pickActions =
-        AddModeActions(*menu.addMenu(tr("P&icking")), kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
+        AddModeActions(*picking, kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
                        [this](int mode) { ChoosePickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
+    MakePickActions(*picking);
     AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
     AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
 }
@@ -86,11 +88,13 @@ void MainWindow::AllowMouse(bool on) {
 
 void MainWindow::ChoosePickMode(KV_ScenePane::PickMode mode) {
     if (Pane() == nullptr) return;
-    Pane()->Methods().SetPickMode(mode);
+    // The present mode again would remove all pick points.
+    if (Pane()->Methods().GetPickMode() != mode) Pane()->Methods().SetPickMode(mode);
     Pane()->Methods().PerformInvalidate();  // the cross is drawn in one mode only
     // Menu and panel show the mode, whichever of them it was chosen in.
     m_pickActions[mode]->setChecked(true);
     m_pDecorations->ShowCross(mode == KV_ScenePane::PickModeCross);
+    m_pPicks->ShowPlacing(mode == KV_ScenePane::PickModePoints);
 }
 
 void MainWindow::ReduceWhileMoving(bool on) {

@@ -50,6 +50,37 @@ void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::
     emit KeyPressed(nChar, m_held.With(QGuiApplication::queryKeyboardModifiers()));
 }
 
+void ViewerWidget::NeedleCreated(std::int32_t id) {
+    EventFormatter::NeedleCreated(id);
+    emit NeedleWasCreated(id);
+}
+
+void ViewerWidget::NeedleDeleted(std::int32_t id) {
+    EventFormatter::NeedleDeleted(id);
+    emit NeedleWasDeleted(id);
+}
+
+void ViewerWidget::NeedleSelected(std::int32_t id) {
+    EventFormatter::NeedleSelected(id);
+    emit NeedleWasSelected(id);
+}
+
+void ViewerWidget::NeedleDeselected(std::int32_t id) {
+    EventFormatter::NeedleDeselected(id);
+    emit NeedleWasDeselected(id);
+}
+
+void ViewerWidget::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
+                                   std::int32_t mouseX, std::int32_t mouseY) {
+    EventFormatter::SelectObjCoords(idx, px, py, pz, shiftModifiers, mouseX, mouseY);
+    emit ObjectPicked(idx, px, py, pz);
+}
+
+void ViewerWidget::PickPointCountChanged(std::int32_t newCount) {
+    EventFormatter::PickPointCountChanged(newCount);
+    emit PickPointsChanged();
+}
+
 void ViewerWidget::ReportLine(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
 
 void ViewerWidget::Open() {
@@ -69,6 +100,12 @@ void ViewerWidget::Open() {
         return;
     }
     m_pPane->Connect(this);
+    m_pPane->SetMouseFilter([this](const KV_ScenePane::MouseInput& input) {
+        constexpr double kClickSlack = 3.0;  // pixels of a screen of plain density
+        if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
+            emit RightClicked(*pixel);
+        return false;  // it only watches: the right button drags the view
+    });
     m_pRegistry = std::make_unique<RegistryStart>(m_pPane->Methods());
     m_pNotifier = std::make_unique<QSocketNotifier>(m_pPane->EventDescriptor(), QSocketNotifier::Read);
     connect(m_pNotifier.get(), &QSocketNotifier::activated, this, &ViewerWidget::HandleEvents);

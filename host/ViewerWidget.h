@@ -8,6 +8,7 @@
 #include "KV_ScenePane/ScenePane.h"
 #include "KeyShortcut.h"
 #include "RegistryStart.h"
+#include "RightClick.h"
 
 class QSocketNotifier;
 
@@ -36,6 +37,18 @@ signals:
     void EventFired(const QString& line);
     /// A key went down while the viewer had the keyboard. @param key  a key code of the viewer's events
     void KeyPressed(int key, Qt::KeyboardModifiers modifiers);
+    // The events about needles, during the call or the input that caused them, after their line.
+    void NeedleWasCreated(int id);
+    void NeedleWasDeleted(int id);
+    void NeedleWasSelected(int id);
+    void NeedleWasDeselected(int id);
+    /// A point on an object was picked. Emitted after the line of the event.
+    void ObjectPicked(int object, float x, float y, float z);
+    /// Pick-point spheres were added, removed or cleared.
+    void PickPointsChanged();
+    /// The right button was clicked: pressed and released at one place. Emitted before the viewer handles the release,
+    /// so a menu must be shown later. @param pixel  of the drawing area of the viewer
+    void RightClicked(QPoint pixel);
     /// The viewer has handled its pending events; input may have changed its state.
     void Handled();
 
@@ -45,7 +58,14 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
+                         std::int32_t mouseX, std::int32_t mouseY) override;
     void CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
+    void PickPointCountChanged(std::int32_t newCount) override;
+    void NeedleCreated(std::int32_t id) override;
+    void NeedleDeleted(std::int32_t id) override;
+    void NeedleSelected(std::int32_t id) override;
+    void NeedleDeselected(std::int32_t id) override;
     void ReportLine(const std::string& line) override;
     /// Creates the viewer. Emits Ready() or Refused().
     void Open();
@@ -67,6 +87,7 @@ private:
     const int m_nSamples;
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
     HeldModifiers m_held;
+    RightClickWatch m_rightClicks;
     std::string m_strMessages;  // shown by the viewer while it was created: the reason of a refusal
     std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
     std::unique_ptr<RegistryStart> m_pRegistry;  // keeps the component registry of the viewer started

@@ -1,0 +1,249 @@
+// Points that the user picks on objects: in pick mode 5 each gets a sphere in the viewer and a row in the pane.
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QStatusBar>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "EventPane.h"
+#include "MainWindow.h"
+#include "ObjectList.h"
+#include "PaintBlock.h"
+#include "SceneReport.h"
+#include "ViewerWidget.h"
+
+namespace {
+
+/// Length of the diagonal of the box around all objects; 0 without an object that has points.
+double SceneDiagonal(KV_ScenePane::_DKV_ScenePane& methods) {
+    std::array<float, 3> low{}, high{};
+    low.fill(std::numeric_limits<float>::infinity());
+    high.fill(-std::numeric_limits<float>::infinity());
+    for (std::int16_t i = 0; i < methods.GetNumObjects(); ++i) {
+        std::array<float, 6> box{};
+        methods.GetObjectBoundingBox(i, &box[0], &box[1], &box[2], &box[3], &box[4], &box[5]);
+        if (!(box[0] <= box[1])) continue;  // an object without points
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            low[axis] = std::min(low[axis], box[2 * axis]);
+            high[axis] = std::max(high[axis], box[2 * axis + 1]);
+        }
+    }
+    if (!(low[0] <= high[0])) return 0.0;
+    const auto side = [&](std::size_t axis) {
+        return static_cast<double>(high[axis]) - static_cast<double>(low[axis]);
+    };
+    return std::hypot(side(0), side(1), side(2));
+}
+
+double Distance(const PickedPoint& a, const PickedPoint& b) {
+    const auto side = [&](std::size_t axis) {
+        return static_cast<double>(a.point[axis]) - static_cast<double>(b.point[axis]);
+    };
+    return std::hypot(side(0), side(1), side(2));
+}
+
+}  // namespace
+
+void MainWindow::MakePickPanel() {
+    m_pPicks = new PickPanel;
+    connect(m_pPicks, &PickPanel::PlacingWanted, this,
+            [this](bool on) { ChoosePickMode(on ? KV_ScenePane::PickModePoints : KV_ScenePane::PickModeOff); });
+    connect(m_pPicks, &PickPanel::RadiusChanged, this, &MainWindow::FitPickRadius);
+    connect(m_pPicks, &PickPanel::RemovalWanted, this, &MainWindow::RemovePickPoints);
+    connect(m_pPicks, &PickPanel::ClearingWanted, this, &MainWindow::ClearPickPoints);
+    connect(m_pPicks, &PickPanel::MoveWanted, this, &MainWindow::MovePickPoint);
+    connect(m_pPicks, &PickPanel::CopyWanted, this, &MainWindow::CopyPickPoints);
+    connect(m_pPicks, &PickPanel::DistanceCopyWanted, this, &MainWindow::CopyPickDistance);
+    // At once: the pane is equal to the viewer whenever the user can use either.
+    connect(m_pViewer, &ViewerWidget::ObjectPicked, this, &MainWindow::OnObjectPicked);
+    connect(m_pViewer, &ViewerWidget::PickPointsChanged, this, [this] {
+        MovePickPoint(-1);  // its number may be that of another point now
+        FollowPickPoints();
+    });
+    // Queued: the viewer ends the drag of the press first.
+    connect(m_pViewer, &ViewerWidget::RightClicked, this, &MainWindow::ShowPickMenu, Qt::QueuedConnection);
+    connect(this, &MainWindow::ImportFinished, this, &MainWindow::FollowImport);
+    // Permanent: a message that is shown meanwhile does not hide it.
+    m_pLastPick = new QLabel;
+    m_pLastPick->setObjectName("lastPick");
+    m_pLastPick->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_pLastPick->setMinimumWidth(1);  // a long text does not widen the window
+    statusBar()->addPermanentWidget(m_pLastPick);
+    m_pLastPick->hide();
+}
+
+void MainWindow::MakePickActions(QMenu& menu) {
+    menu.addSeparator();
+    m_pCopyDistance =
+        menu.addAction(tr("Copy &distance of the last two picks"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this,
+                       &MainWindow::CopyPickDistance);
+    m_pCancelMove = menu.addAction(tr("Ca&ncel the move of a point"), QKeySequence(Qt::Key_Escape), this,
+                                   [this] { MovePickPoint(-1); });
+    m_pCopyDistance->setEnabled(false);
+    m_pCancelMove->setEnabled(false);
+}
+
+void MainWindow::OnObjectPicked(int object, float x, float y, float z) {
+    if (Pane() == nullptr) return;
+    const PickedPoint pick{{x, y, z}, object, NameOfObject(object)};
+    m_pEvents->AddLine(tr("    object %1").arg(ObjectText(pick)));
+    if (m_vLastPicks.size() == 2) m_vLastPicks.erase(m_vLastPicks.begin());
+    m_vLastPicks.push_back(pick);
+    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    if (methods.GetPickMode() == KV_ScenePane::PickModePoints) {
+        if (m_nPointToMove >= 0) {
+            const int moved = m_nPointToMove;
+            MovePickPoint(-1);
+            m_vPickPoints[static_cast<std::size_t>(moved)] = pick;
+            methods.MovePickPointSphere(moved, x, y, z);
+            FollowPickPoints();  // no event reports a move
+        } else {
+            FitPickRadius();
+            m_vPickPoints.push_back(pick);  // the list is made from it in the event of the next line
+            methods.AddPickPointSphere(x, y, z, m_pPicks->Color());
+        }
+    }
+    ShowLastPick();
+}
+
+void MainWindow::FollowPickPoints() {
+    if (m_pPickMenu != nullptr) m_pPickMenu->close();  // its number may be that of another point now
+    const std::int32_t count = Pane() != nullptr ? Pane()->Methods().GetNumberOfPickPointSpheres() : 0;
+    m_vPickPoints.resize(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i) {
+        std::array<float, 3>& point = m_vPickPoints[static_cast<std::size_t>(i)].point;
+        Pane()->Methods().GetPickPointSphereCoords(i, &point[0], &point[1], &point[2]);
+    }
+    m_pPicks->ShowPoints(m_vPickPoints);
+}
+
+void MainWindow::FollowDeletedObject(int object) {
+    for (std::vector<PickedPoint>* const picks : {&m_vPickPoints, &m_vLastPicks}) {
+        for (PickedPoint& pick : *picks) {
+            if (pick.object == object) pick.object = -1;
+            if (pick.object > object) --pick.object;
+        }
+    }
+    FollowPickPoints();
+    ShowLastPick();
+    FitPickRadius();
+}
+
+void MainWindow::FollowImport() {
+    for (std::vector<PickedPoint>* const picks : {&m_vPickPoints, &m_vLastPicks}) {
+        for (PickedPoint& pick : *picks) {
+            if (pick.name.isEmpty()) pick.name = NameOfObject(pick.object);
+        }
+    }
+    FollowPickPoints();
+    ShowLastPick();
+    FitPickRadius();
+}
+
+void MainWindow::RemovePickPoints(const std::vector<int>& points) {
+    if (Pane() == nullptr) return;
+    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    const PaintBlock block(methods);  // one frame for all points
+    // From the last one: a removal changes the numbers of the points after it.
+    for (auto point = points.rbegin(); point != points.rend(); ++point) {
+        if (*point < 0 || *point >= methods.GetNumberOfPickPointSpheres()) continue;
+        m_vPickPoints.erase(m_vPickPoints.begin() + *point);
+        methods.RemovePickPointSphere(*point);
+    }
+    methods.PerformInvalidate();
+}
+
+void MainWindow::ClearPickPoints() {
+    if (Pane() != nullptr) Pane()->Methods().ClearPickPointSpheres();
+}
+
+void MainWindow::MovePickPoint(int point) {
+    if (point >= static_cast<int>(m_vPickPoints.size())) return;
+    const bool ends = point < 0 && m_nPointToMove >= 0;
+    m_nPointToMove = point;
+    m_pPicks->ShowMoving(point);
+    m_pCancelMove->setEnabled(point >= 0);
+    if (ends) statusBar()->clearMessage();
+    if (point >= 0)
+        statusBar()->showMessage(tr("Double click an object to move point %1 there. Escape cancels.").arg(point + 1));
+}
+
+void MainWindow::CopyPickPoints(const std::vector<int>& points) {
+    QString text;
+    for (const int point : points) {
+        if (point >= 0 && point < static_cast<int>(m_vPickPoints.size()))
+            text += PointText(m_vPickPoints[static_cast<std::size_t>(point)], "\t") + '\n';
+    }
+    if (!text.isEmpty()) QGuiApplication::clipboard()->setText(text);
+}
+
+void MainWindow::CopyPickDistance() {
+    const QString text = PickDistanceText();
+    if (!text.isEmpty()) QGuiApplication::clipboard()->setText(text);
+}
+
+// The viewer names the nearest sphere at any distance, also one behind an object: the menu names the point, and the
+// list shows it.
+void MainWindow::ShowPickMenu(QPoint pixel) {
+    if (Pane() == nullptr || Pane()->Methods().GetPickMode() != KV_ScenePane::PickModePoints) return;
+    const int point = Pane()->Methods().FindNearestPickPointSphere(pixel.x(), pixel.y());
+    if (point < 0 || point >= static_cast<int>(m_vPickPoints.size())) return;
+    m_pPicks->SelectPoint(point);
+    const PickedPoint& pick = m_vPickPoints[static_cast<std::size_t>(point)];
+    auto* const menu = new QMenu(this);
+    menu->setObjectName("pickMenu");
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(tr("Point %1 on %2").arg(QString::number(point + 1), ObjectText(pick)))->setEnabled(false);
+    menu->addAction(tr("&Remove point %1").arg(point + 1), this, [this, point] { RemovePickPoints({point}); });
+    if (m_nPointToMove >= 0)
+        menu->addAction(m_pCancelMove);
+    else
+        menu->addAction(tr("&Move point %1 to the next pick").arg(point + 1), this,
+                        [this, point] { MovePickPoint(point); });
+    menu->addAction(tr("&Copy coordinates"), this, [this, point] { CopyPickPoints({point}); });
+    menu->addAction(m_pCopyDistance);
+    m_pPickMenu = menu;
+    menu->popup(m_pViewer->mapToGlobal((QPointF(pixel) / m_pViewer->devicePixelRatioF()).toPoint()));
+}
+
+void MainWindow::FitPickRadius() {
+    if (Pane() == nullptr) return;
+    const double radius = SceneDiagonal(Pane()->Methods()) * m_pPicks->RadiusOfDiagonal();
+    if (!(radius > 0.0)) return;  // no scene: nothing can be picked
+    constexpr double kLargest = std::numeric_limits<float>::max();
+    Pane()->Methods().SetPickRadius(static_cast<float>(std::min(radius, kLargest)));
+    if (!m_vPickPoints.empty()) Pane()->Methods().PerformInvalidate();
+}
+
+void MainWindow::ShowLastPick() {
+    const QString distance = PickDistanceText();
+    m_pPicks->ShowDistance(distance);
+    m_pCopyDistance->setEnabled(!distance.isEmpty());
+    m_pLastPick->setVisible(!m_vLastPicks.empty());
+    if (m_vLastPicks.empty()) return;
+    const PickedPoint& last = m_vLastPicks.back();
+    QString text = QString("%1   %2").arg(ObjectText(last), PointText(last, " "));
+    if (!distance.isEmpty()) text += tr("   distance %1").arg(distance);
+    m_pLastPick->setText(text);
+    m_pLastPick->setToolTip(text);  // readable where the window is too narrow
+}
+
+void MainWindow::ForgetPicks() {
+    MovePickPoint(-1);
+    m_vLastPicks.clear();
+    FollowPickPoints();
+    ShowLastPick();
+}
+
+QString MainWindow::PickDistanceText() const {
+    if (m_vLastPicks.size() < 2) return {};
+    return QString::fromStdString(NumberText(static_cast<float>(Distance(m_vLastPicks[0], m_vLastPicks[1]))));
+}
+
+QString MainWindow::NameOfObject(int object) const {
+    const QTreeWidgetItem* const row = m_pObjects->topLevelItem(object);
+    return row != nullptr ? row->text(ObjectList::kName) : QString();
+}
