@@ -84,7 +84,7 @@ const BadLines kBadLines[] = {
     {"HexadecimalNumber", "0 0 0x10\n", "line 1: \"0x10\" is not a number"},
     {"TwoSigns", "0 0 +-1\n", "line 1: \"+-1\" is not a number"},
     {"SignAlone", "0 0 +\n", "line 1: \"+\" is not a number"},
-    {"NotANumber", "0 0 0\n\n# c\n0 nan 0", "line 4: \"nan\" is not a finite number"},
+    {"NotANumber", "0 0 0\n1 1 1\n# c\n0 nan 0", "line 4: \"nan\" is not a finite number"},
     {"Infinity", "0 0 -inf", "line 1: \"-inf\" is not a finite number"},
     {"TooLarge", "0 0 1e39", "line 1: \"1e39\" is outside the range of coordinates"},
     {"FarTooLarge", "0 0 -1e999", "line 1: \"-1e999\" is outside the range of coordinates"},

@@ -49,7 +49,7 @@ $(cat out.txt)"
 done
 expect 0 '' --version --verbose --gpu software
 holds 'device   software device'
-expect 2 'scenepane: --gpu goes with --screenshot, --capture and --version --verbose only (see scenepane --help)' --gpu 0
+expect 2 'scenepane: --gpu goes with --screenshot, --capture, --pick and --version --verbose only (see scenepane --help)' --gpu 0
 "$scenepane" --version --verbose --gpu 31 >out.txt 2>err.txt && fail 'a device that is not there was accepted'
 [ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'no version without a device'
 grep -q '^scenepane: there is no viewer: There is no graphics device 31: EGL lists ' err.txt ||
@@ -88,6 +88,48 @@ printf 'ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty floa
 printf 'element face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 2.5 0\n3 0 1 2\n' >>mesh.ply
 expect 0 '' --info --json mesh.ply
 holds '"vertices": 3, "triangles": 1, "box": [0, 1, 0, 2.5, '
+# Picks in a box of 6 x 2 x 3, whose diagonal of 7 fills 700 pixels: (2, 1, 0) is at 250,350.
+printf 'ply\nformat ascii 1.0\nelement vertex 8\nproperty float x\nproperty float y\nproperty float z\n' >steps.ply
+printf 'element face 4\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n6 0 0\n6 2 0\n0 2 0\n' >>steps.ply
+printf '4 0 3\n6 0 3\n6 2 3\n4 2 3\n3 0 1 2\n3 0 2 3\n3 4 5 6\n3 4 6 7\n' >>steps.ply
+expect 0 '' --pick 250,350 --size 700x700 --pick=350,100 steps.ply
+holds '  triangle       1'
+holds '350,100'
+holds '  nothing'
+expect 0 '' --pick 350,100 --size 700x700 --json --pick 250,350 steps.ply --gpu software
+holds '{"picks":[{"x":350,"y":100,"object":-1},{"x":250,"y":350,"object":0,"file":"steps.ply","triangle":1,"point":['
+expect 1 '' --pick 350,100 --size 700x700 --json steps.ply
+holds '{"picks":[{"x":350,"y":100,"object":-1}]}'
+expect 1 'scenepane: none.ply: No such file or directory' --pick 250,350 --size 700x700 none.ply steps.ply
+holds '  object         0'
+expect 2 'scenepane: --pick 700,0 is outside of the 700x700 pixels (see scenepane --help)' \
+    --pick 700,0 --size 700x700 steps.ply
+expect 2 'scenepane: --pick takes X,Y, two whole numbers from 0 to 16383, not "-1,0" (see scenepane --help)' \
+    --pick -1,0 steps.ply
+expect 2 'scenepane: --pick needs at least one file (see scenepane --help)' --pick 1,1
+# Markers alone, and the files that fail.
+printf '0 0 0\n6 0 0\n0 8 0\n' >points.xyz
+printf '0 0 0\n6 0 0\n\n0 0 0\n0 8 0\n' >lines.txt
+printf '{"format": "scenepane needles", "version": 1, "needles": [{"id": 1, "pin": [0, 0, 0], "head": [0, 0, 9]}]}' >n.json
+for markers in '--points points.xyz' '--lines lines.txt' '--needles n.json' \
+    '--points points.xyz --lines lines.txt --needles n.json'; do
+    rm -f markers.png
+    # Unquoted: options and files are words of their own.
+    expect 0 '' --screenshot markers.png --size 40x30 $markers
+    [ -s markers.png ] || fail "no picture with $markers"
+done
+expect 0 '' --capture markers.png --lines lines.txt --needles n.json
+expect 2 'scenepane: --capture draws no free points and needs at least one other file (see scenepane --help)' \
+    --capture markers.png --points points.xyz
+expect 0 'scenepane: points.xyz: the capture is fitted to these free points, but shows none' \
+    --capture markers.png --points points.xyz steps.ply
+expect 1 'scenepane: points.xyz: free points are no object; without a window --points adds them' --info points.xyz
+printf '0 0 0\n6 0\n' >bad.txt
+expect 1 'scenepane: none.xyz: No such file or directory
+scenepane: bad.txt: line 2: 2 numbers, not x y z as in the lines before' \
+    --screenshot markers.png --size 40x30 --points none.xyz --lines bad.txt --lines lines.txt
+[ -s markers.png ] || fail 'the picture of the good file is missing'
+expect 2 'scenepane: --lines has no meaning with --pick (see scenepane --help)' --pick 1,1 --lines lines.txt steps.ply
 for to in stl hps ply; do
     expect 0 '' --convert mesh.ply "out.$to"
     expect 0 '' --info --json "out.$to"
@@ -106,7 +148,7 @@ expect 2 'scenepane: --convert needs two files, the one to read and the one to w
     --convert mesh.ply
 "$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there was not reported'
 grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong message: $(cat err.txt)"
-expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --info and --convert need none' square.xdt
+expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info and --convert need none' square.xdt
 # Every result that is printed: a full disk is exit status 1 and a reason.
 full() {
     "$scenepane" "$@" >/dev/full 2>err.txt
@@ -120,6 +162,8 @@ full --version
 full --version --verbose
 full --info square.xdt
 full --info --json square.xdt
+full --pick 250,350 --size 700x700 steps.ply
+full --pick 250,350 --size 700x700 --json steps.ply
 "$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
 grep -qx 'scenepane: standard output: Bad file descriptor' err.txt || fail "wrong reason: $(cat err.txt)"
 
