@@ -50,26 +50,30 @@ public:
     /// Slides the clip plane within its own surface to the centre of the data, so that its handles are on screen;
     /// invalidates with erase. [declared only]
     virtual void DisplayClipPlanePartCloseToData() = 0;
-    /// Finds the pick-point sphere whose centre is nearest to a point of the window.
+    /// Finds the pick-point sphere whose centre is nearest to a point of the window, in whole pixels: depth and radius
+    /// do not count, nor whether it is drawn. Of several at the same distance it is the one with the lowest id.
     /// @param sx, sy  pixels of the drawing area, y downward
-    /// @return its id, or -1 when there is none [declared only]
+    /// @return its id; -1 without spheres, without OpenGL, and when none is less than 46341 pixels away or all have
+    ///         coordinates that are not finite
     virtual std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) = 0;
-    /// Removes a sphere; the ids after it move down by one. Fires PickPointCountChanged, refreshes. The id is not
-    /// checked. [declared only]
+    /// Removes a sphere; the ids after it move down by one. Fires PickPointCountChanged, then refreshes. The id must be
+    /// valid: it is not checked.
     virtual void RemovePickPointSphere(std::int32_t id) = 0;
-    /// Centre of a sphere, world frame. The id is not checked. [declared only]
+    /// Centre of a sphere, world frame. The id must be valid: it is not checked.
     virtual void GetPickPointSphereCoords(std::int32_t id, float* x, float* y, float* z) = 0;
-    /// Number of pick-point spheres; their ids are 0 to this number minus 1. [declared only]
+    /// Number of pick-point spheres; their ids are 0 to this number minus 1.
     virtual std::int32_t GetNumberOfPickPointSpheres() = 0;
-    /// Limits the number of needles. A negative number counts as 0. Needles above the limit are deleted from the end,
-    /// with NeedleDeleted for each. [declared only]
+    /// Limits the number of needles, 8 at first. A negative number counts as 0. Needles above the limit are deleted
+    /// from the end, with NeedleDeleted for each and without NeedleDeselected; invalidates with erase when there were
+    /// any.
     virtual void SetMaxNumberOfNeedles(std::int32_t num) = 0;
-    /// Deselects a needle and fires NeedleDeselected.
-    /// @return whether it was selected [declared only]
+    /// Deselects a needle: invalidates with erase and fires NeedleDeselected.
+    /// @return true when it was selected
     virtual VARIANT_BOOL DeselectNeedle(std::int32_t id) = 0;
-    /// Deselects every selected needle, with NeedleDeselected for each. [declared only]
+    /// DeselectNeedle() for every selected needle.
     virtual void DeselectAllNeedles() = 0;
-    /// Selects a needle, fires NeedleSelected and refreshes. An unknown id does nothing. [declared only]
+    /// Selects a needle after it has deselected all others (DeselectNeedle()); fires NeedleSelected, also for one that
+    /// was selected, and refreshes. An unknown id does nothing.
     virtual void SelectNeedle(std::int32_t id) = 0;
     /// Makes the window again with another OpenGL context. The scene is lost, overlays stay. What showMessage throws
     /// for a refused context passes through to the caller; there is no window then, as after any refusal.
@@ -105,9 +109,9 @@ public:
     virtual void StartSegmentation(std::int16_t mode) = 0;
     /// Numbers of vertices and triangles of an object. The index must be valid: it is not checked.
     virtual void GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) = 0;
-    /// Removes all pick-point spheres; fires PickPointCountChanged with 0. [declared only]
+    /// Removes all pick-point spheres; fires PickPointCountChanged with 0, also when there were none, then refreshes.
     virtual void ClearPickPointSpheres() = 0;
-    /// Sets the centre of a sphere, world frame; refreshes. The id is not checked. [declared only]
+    /// Sets the centre of a sphere, world frame; the colour stays. Refreshes. The id must be valid: it is not checked.
     virtual void MovePickPointSphere(std::int32_t id, float x, float y, float z) = 0;
     /// Restores the object list as it was before the last cut; objects added since vanish. Fires no event.
     /// @return number of undo steps that are left [declared only]
@@ -185,13 +189,16 @@ public:
     /// Removes an object; later indices move down by one. Asks for no repaint. The selection and the variable objects
     /// keep an entry of it, which has no effect once no undo step holds the object either.
     virtual void DeleteObject(std::int16_t idx) = 0;
-    /// Creates several needles, with NeedleCreated for each.
-    /// @param id  one per needle
-    /// @param pinPosXYZ, headPosXYZ  3 floats per needle, world frame
-    /// @return false, and nothing is created, when there are more than the limit or an id exists [declared only]
+    /// CreateNeedle() for each entry, in their order. When an id exists, or there are more entries than
+    /// SetMaxNumberOfNeedles() allows in all, no needle is created. Entries for which there is no room left, and the
+    /// later ones of an id that the array holds twice, are skipped.
+    /// @param number  of entries, not negative
+    /// @param id      one word per needle
+    /// @param pinPosXYZ, headPosXYZ  3 floats per needle, as in CreateNeedle(); read during the call only
+    /// @return false when nothing was tried; true also when entries were skipped
     virtual VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
                                        const float* headPosXYZ) = 0;
-    /// Deletes all needles, with NeedleDeleted for each. [declared only]
+    /// DeleteNeedle() for each needle, in list order.
     virtual void DeleteNeedles() = 0;
     /// Mean of the vertices of an object, world frame.
     /// @return false for a bad index: the outputs are then untouched
@@ -205,10 +212,11 @@ public:
     /// @return false when the directions are not perpendicular unit vectors: the view is then unchanged
     virtual VARIANT_BOOL SetViewParams(float wx1, float wx2, float wx3, float wy1, float wy2, float wy3, float cx,
                                        float cy, float cz, float zoom, std::int16_t freezeBBox) = 0;
-    /// Adds a sphere that shows in pick mode 5; fires PickPointCountChanged.
+    /// Adds a sphere; fires PickPointCountChanged, then refreshes. Spheres are kept in every pick mode, until the mode
+    /// is set again, and are drawn in mode 5 after a pick has hit an object in that mode.
     /// @param x, y, z  centre, world frame
-    /// @param color    0x00BBGGRR
-    /// @return its id [declared only]
+    /// @param color    0x00BBGGRR, lit
+    /// @return its id, whatever a handler of the event changed
     virtual std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) = 0;
     /// Mouse moves and the wheel act only while the value is exactly 1. Presses and keys always act.
     virtual void AllowMouseInteraction(std::int16_t on) = 0;
@@ -243,7 +251,7 @@ public:
     /// Colours of the four corners, 0x00BBGGRR; refreshes.
     virtual void SetBackgroundColorsFourCorners(std::int32_t TopLeftColor, std::int32_t TopRightColor,
                                                 std::int32_t BottomLeftColor, std::int32_t BottomRightColor) = 0;
-    /// Radius of the pick-point spheres, scene units. Asks for no repaint.
+    /// Radius of all pick-point spheres, scene units; 500 at first. Asks for no repaint.
     virtual void SetPickRadius(float r) = 0;
     /// Queues a repaint for the next ProcessEvents().
     virtual void PerformInvalidate() = 0;
@@ -251,10 +259,13 @@ public:
     /// lines in the debugger output.
     virtual void GetObjectBoundingBox(std::int16_t objectIdx, float* x_min, float* x_max, float* y_min, float* y_max,
                                       float* z_min, float* z_max) = 0;
-    /// Creates a needle; fires NeedleCreated.
+    /// Appends a needle with the look of the last SetNeedleRenderParameters(), not selected; refreshes, then fires
+    /// NeedleCreated. It is drawn after SetNeedleDrawingMode().
+    /// @param id                            any number that no needle has
     /// @param pinPosX, pinPosY, pinPosZ     point on the surface, world frame
     /// @param headPosX, headPosY, headPosZ  centre of the head, world frame
-    /// @return false when the limit is reached or the id exists [declared only]
+    /// Coordinates that are not finite are accepted and give what OpenGL draws of them.
+    /// @return false, and no needle, when the limit is reached or the id exists
     virtual VARIANT_BOOL CreateNeedle(std::int32_t id, float pinPosX, float pinPosY, float pinPosZ, float headPosX,
                                       float headPosY, float headPosZ) = 0;
     /// Starts an import on threads of the host.
@@ -271,24 +282,34 @@ public:
     virtual void BlockPaintEvents(VARIANT_BOOL block) = 0;
     /// Does nothing; the entry stays so that the ids after it keep their numbers.
     virtual void SetMeshFilename_Removed() = 0;
-    /// Whether 3D lines are drawn. Asks for no repaint. [declared only]
+    /// Whether 3D lines are drawn, in the window and in screenshots. Asks for no repaint.
     virtual void SetLine3DDrawingMode(VARIANT_BOOL enable) = 0;
-    /// Whether 3D lines are drawn; false at first. [declared only]
+    /// Whether 3D lines are drawn; false at first.
     virtual VARIANT_BOOL GetLine3DDrawingMode() = 0;
-    /// Creates a polyline, drawn in black.
-    /// @param id    not used by another line
-    /// @param XYZs  3 floats per point, world frame
-    /// @return false when the id exists [declared only]
+    /// Creates a polyline from a copy of the points; refreshes. Lines are black and 3 pixels wide, 8 in a screenshot;
+    /// ClearData() removes them. One of fewer than two points is kept and draws nothing. They do not count for the fit
+    /// of the view.
+    /// @param id            any number that no other line has
+    /// @param numberOfXYZs  0 or more points
+    /// @param XYZs          3 floats per point, world frame; may be null without points. Segments to points that are
+    ///                      not finite look as the driver draws them
+    /// @return false when the id exists: nothing happens then
     virtual VARIANT_BOOL CreateLine3D(std::int32_t id, std::int32_t numberOfXYZs, const float* XYZs) = 0;
-    /// Deletes a set of free points. An unknown id does nothing. [declared only]
+    /// Deletes a set of free points; invalidates with erase. Its graphics memory stays allocated until the OpenGL
+    /// context goes. An unknown id does nothing.
     virtual void DeletePoints(std::int32_t id) = 0;
-    /// Shows or hides a set of free points. An unknown id does nothing. [declared only]
+    /// Shows or hides a set of free points; a hidden one does not count for the fit of the view. An unknown id does
+    /// nothing. Asks for no repaint.
     virtual void SetPointsVisibility(std::int32_t id, VARIANT_BOOL visible) = 0;
-    /// Uploads a set of free points, which is no object.
-    /// @param xyz     3 floats per point, world frame
-    /// @param colors  3 floats per point, r, g, b in 0 to 1
-    /// @param alpha   opacity of the whole set, 0 to 1
-    /// @return its id [declared only]
+    /// Uploads a set of free points, which is no object: it is not picked or cut, and ClearData() leaves it. The viewer
+    /// keeps no copy of the points; without OpenGL, or when graphics memory is short (then with a line in the debugger
+    /// output), the set has its id and its box but is not drawn. After RecreateOpenglContext() it is not drawn either.
+    /// Sets are drawn last in the frame, opaque ones first, in the order of their imports. Asks for no repaint.
+    /// @param numPoints  0 or more; a set of 0 points has an id and draws nothing
+    /// @param xyz        3 floats per point, world frame; those that are not finite do not count for the fit
+    /// @param colors     3 floats per point, r, g, b in 0 to 1. Both arrays may be null only without points
+    /// @param alpha      opacity of the whole set: 0.99 and more is opaque, 0 and less is invisible
+    /// @return its id, the smallest from 0 that no set has
     virtual std::int32_t ImportPoints(std::int32_t numPoints, const float* xyz, const float* colors, float alpha) = 0;
     /// The value of the last SetScanSkipVal(); 1 at first.
     virtual std::int16_t GetScanSkipVal() = 0;
@@ -312,7 +333,8 @@ public:
     virtual VARIANT_BOOL IsAnimationRunning() = 0;
     /// Speed of a running or later animation. At 0 the scene rests and the animation does not end by itself.
     virtual void SetAnimationSpeed(float revolutionsPerSecond) = 0;
-    /// Size of points: pixels for objects in draw mode 0, scene units for free points. Asks for no repaint.
+    /// Size of points; 2 at first. Objects in draw mode 0: side in pixels. Free points: half of the side in scene
+    /// units, up to the largest points of the driver. Asks for no repaint.
     virtual void SetPointCloudRenderPointSize(float size) = 0;
     /// Draws the whole scene, from the window's side and with its zoom, into a picture of 2048 x 2048 pixels:
     /// background, visible objects, 3D lines and needles. The view and the window stay as they are.
@@ -350,35 +372,42 @@ public:
     /// Centre and unit normal of the clip plane, world frame. [declared only]
     virtual void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
                               float* normalZ) = 0;
-    /// Whether the mouse creates, selects and drags needles. Switching it off deselects all needles. [declared only]
+    /// Whether mouse and keys act on needles. A double click on the surface creates one, which points to the viewer,
+    /// selects it and centres no view; a left press on a head selects it, one elsewhere deselects all; a move with the
+    /// left button held drags the head of the selected needle parallel to the screen, and no event is fired; Escape
+    /// deselects all, Delete deletes the selected one. False at first. Switching it off deselects all needles and
+    /// invalidates with erase.
     virtual void SetNeedlePickingMode(VARIANT_BOOL enable) = 0;
-    /// Whether needles are drawn. Asks for no repaint. [declared only]
+    /// Whether needles are drawn, in frames and in CaptureScreenShot(); false at first. The mouse acts on needles that
+    /// are not drawn as well. Asks for no repaint.
     virtual void SetNeedleDrawingMode(VARIANT_BOOL enable) = 0;
-    /// Look of needles that are created later.
-    /// @param needleLength          pin to head, scene units
-    /// @param needleHeadRadius      scene units
-    /// @param needlePinSize         radius of the pin, scene units
-    /// @param needleHitPointRadius  radius of the mark on the surface, scene units
-    /// Colours are 0x00BBGGRR. [declared only]
+    /// Look of needles that are created later; existing ones keep theirs. Asks for no repaint.
+    /// @param needleLength          from pin to head of needles that the mouse creates, scene units; 10 at first
+    /// @param needleHeadRadius      scene units; 1 at first
+    /// @param needlePinSize         radius of the pin at the head, scene units, a fifth of it at the surface; 0.33
+    ///                              at first
+    /// @param needleHitPointRadius  radius of the ball at the surface, scene units, none when not above 0; 0.25 at
+    ///                              first
+    /// Colours are 0x00BBGGRR: at first 0xFF, 0x505050, 0xFF0000 and 0.
     virtual void SetNeedleRenderParameters(float needleLength, float needleHeadRadius, std::int32_t needleHeadColor,
                                            float needlePinSize, std::int32_t needlePinColor, float needleHitPointRadius,
                                            std::int32_t needleHitPointColor, std::int32_t needleHeadSelectionColor) = 0;
-    /// Whether the mouse acts on needles; false at first. [declared only]
+    /// Whether mouse and keys act on needles.
     virtual VARIANT_BOOL GetNeedlePickingMode() = 0;
-    /// Whether needles are drawn; false at first. [declared only]
+    /// Whether needles are drawn.
     virtual VARIANT_BOOL GetNeedleDrawingMode() = 0;
-    /// Deletes a needle; fires NeedleDeleted, and before it NeedleDeselected for a selected one.
-    /// @return whether it existed [declared only]
+    /// Deletes a needle, after DeselectNeedle() for a selected one; refreshes, then fires NeedleDeleted.
+    /// @return whether it existed
     virtual VARIANT_BOOL DeleteNeedle(std::int32_t id) = 0;
-    /// Number of needles. [declared only]
+    /// Number of needles.
     virtual std::int32_t GetNumberOfNeedles() = 0;
     /// Pin and head of a needle, world frame.
-    /// @return whether it exists [declared only]
+    /// @return false for an unknown id: the outputs are then untouched
     virtual VARIANT_BOOL GetNeedle(std::int32_t id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX,
                                    float* headPosY, float* headPosZ) = 0;
-    /// Copies all needles.
-    /// @param id                     room for one word per needle
-    /// @param pinPosXYZ, headPosXYZ  room for 3 floats per needle, world frame [declared only]
+    /// Copies all needles, in the order of their creation.
+    /// @param id                     room for GetNumberOfNeedles() words
+    /// @param pinPosXYZ, headPosXYZ  room for 3 floats per needle each, world frame
     virtual void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) = 0;
     /// Adds a measured grid of the host as an object; invalidates with erase.
     /// @param width, height  1 to 32767 each

@@ -31,13 +31,16 @@ public:
     virtual void ViewDirectionChanged(float /*vx*/, float /*vy*/, float /*vz*/) {}
     /// An alignment has ended and its dialog is destroyed
     virtual void AlignmentDone() {}
-    /// A needle was created by CreateNeedle(), CreateNeedles() or the mouse
+    /// A needle was created by CreateNeedle(), CreateNeedles() or the mouse. -1 after a double click for which there
+    /// was no room: no needle was created, and the double click has its other effects
     virtual void NeedleCreated(std::int32_t /*id*/) {}
-    /// A needle was selected by SelectNeedle() or the mouse
+    /// A needle was selected by SelectNeedle() or the mouse, after all others were deselected. Fired again for one that
+    /// was selected already
     virtual void NeedleSelected(std::int32_t /*id*/) {}
     /// A needle was deleted by DeleteNeedle(), DeleteNeedles(), SetMaxNumberOfNeedles() or the keyboard
     virtual void NeedleDeleted(std::int32_t /*id*/) {}
-    /// A needle was deselected by a method, by SetNeedlePickingMode() off, or before the deletion of a selected needle
+    /// A needle was deselected by a method, by mouse or key, by SetNeedlePickingMode() off, or before the deletion of a
+    /// selected needle, except for one by SetMaxNumberOfNeedles()
     virtual void NeedleDeselected(std::int32_t /*id*/) {}
     /// Every key press, before the viewer acts on it. Codes, counts and flags as in KeyInput (Input.h)
     virtual void CustomKeyDown(std::int32_t /*nChar*/, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {}

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Text remains readable, and the largest font 800 pixels high.
+// Text remains readable, and the largest font 192 pixels high.
 constexpr double kMinScale = 0.25, kMaxScale = 8.0;
 
 /// Compiles the bold lists from @p base on; they draw nothing on a machine without fonts.

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr std::array<GLuint, 3> kFirstLists = {1000, 1256, 1512};
+constexpr std::size_t kScaledFonts = 2;   // the first ones; the third is that of screenshots
 constexpr std::size_t kGlyphCount = 255;  // character 255 has no list
 constexpr GLsizei kListSpan = 256;        // between the first lists of two fonts
 
@@ -66,7 +67,7 @@ void COpenGLTextDraw::CreateFonts(const GlyphSource& source, float scale) {
     m_vCharWidths = {};
     m_vLineHeights = {};
     for (std::size_t font = 0; font < kFirstLists.size(); ++font) {
-        const GlyphSet set = source(ScaledFont(Fonts()[font], scale));
+        const GlyphSet set = source(font < kScaledFonts ? ScaledFont(Fonts()[font], scale) : Fonts()[font]);
         if (set.IsEmpty()) continue;
         CompileGlyphs(kFirstLists[font], std::span(set.glyphs).first(kGlyphCount));
         std::ranges::transform(set.glyphs, m_vCharWidths[font].begin(), &Glyph::advance);

@@ -14,8 +14,9 @@ void CompileGlyphs(std::uint32_t firstList, std::span<const Glyph> glyphs);
 /// The font in another size; its own when the scaled one would have no height.
 [[nodiscard]] FontRequest ScaledFont(FontRequest request, float scale);
 
-/// Three bitmap fonts. Index 0 is the stock font, fixed pitch and small; 1 is bold, 24 pixels; 2 is black (weight 900),
-/// 100 pixels; times the scale. Nothing else in the context may use the display lists 1000 to 1767.
+/// Three bitmap fonts. Those of frames: index 0 is the stock font, fixed pitch and small; 1 is bold, 24 pixels; both
+/// times the scale. That of screenshots: 2 is black (weight 900), 100 pixels at every scale, as screenshots have the
+/// same size on every screen. Nothing else in the context may use the display lists 1000 to 1767.
 class COpenGLTextDraw {
 public:
     COpenGLTextDraw() = default;
@@ -26,7 +27,7 @@ public:
 
     /// Compiles the glyphs of all fonts in the current context; again for another scale. Text in a font that
     /// @p source does not have draws nothing and has width and height 0.
-    /// @param scale  factor of the font sizes, above 0
+    /// @param scale  factor of the sizes of the fonts 0 and 1, above 0
     void CreateFonts(const GlyphSource& source, float scale = 1.0f);
 
     /// Draws at the current raster position in the raster colour, and moves the position to the end of the text.

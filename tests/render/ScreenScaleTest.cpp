@@ -58,10 +58,10 @@ TEST_P(ScreenScale, IsLimitedAndCountsAsOneWhenItIsNoFactor) {
     }
 }
 
-TEST_P(ScreenScale, EnlargesTheThreeFontsAndTheBoldLists) {
+TEST_P(ScreenScale, EnlargesTheFontsOfFramesAndTheBoldLists) {
     pane->SetScale(1.5);
     ASSERT_TRUE(pane->MakeContextCurrent());
-    const FontRequest enlarged[] = {{"", 400, 18}, {"Courier New", 700, -36}, {"Courier New", 900, -150}};
+    const FontRequest enlarged[] = {{"", 400, 18}, {"Courier New", 700, -36}, {"Courier New", 900, -100}};
     for (int font = 0; font < 3; ++font) {
         const GlyphSet glyphs = RasterizeFont(enlarged[font]);
         ASSERT_FALSE(glyphs.IsEmpty());

@@ -52,6 +52,12 @@ public:
         return picture;
     }
 
+    /// @param y  counted from the bottom; nothing is set outside
+    void Set(int x, int y) {
+        if (y < 0 || x < 0 || static_cast<std::size_t>(y) >= m_rows.size()) return;
+        std::string& row = m_rows[m_rows.size() - 1 - static_cast<std::size_t>(y)];
+        if (static_cast<std::size_t>(x) < row.size()) row[static_cast<std::size_t>(x)] = '#';
+    }
     [[nodiscard]] std::size_t Count() const {
         std::size_t count = 0;
         for (const std::string& row : m_rows) count += static_cast<std::size_t>(std::ranges::count(row, '#'));
@@ -66,12 +72,6 @@ public:
     }
 
 private:
-    void Set(int x, int y) {
-        if (y < 0 || x < 0 || static_cast<std::size_t>(y) >= m_rows.size()) return;
-        std::string& row = m_rows[m_rows.size() - 1 - static_cast<std::size_t>(y)];
-        if (static_cast<std::size_t>(x) < row.size()) row[static_cast<std::size_t>(x)] = '#';
-    }
-
     std::vector<std::string> m_rows;
 };
 
