@@ -26,6 +26,13 @@ std::vector<std::string> LocalFiles(const QMimeData& data) {
     return files;
 }
 
+/// What the user can do about a file that was not added; empty when there is nothing to say.
+QString HintAbout(const ImportResult& result) {
+    // The viewer's words about a ply file of vertices only.
+    return result.text == "holds no faces" ? MainWindow::tr("; File > Import free points shows its vertices")
+                                           : QString();
+}
+
 }  // namespace
 
 void MainWindow::OpenFiles(const std::vector<std::string>& files) {
@@ -104,7 +111,7 @@ void MainWindow::ReportResults() {
                 if (!text.isEmpty()) m_pMessages->AddText(file + ": " + text);
                 break;
             case ImportResult::State::Failed:
-                m_pMessages->AddText(tr("%1: nothing added: %2").arg(file, text));
+                m_pMessages->AddText(tr("%1: nothing added: %2").arg(file, text) + HintAbout(results[i]));
                 emit FileFailed(m_pJob->Files()[i], results[i].text);
                 break;
             case ImportResult::State::NotStarted:
@@ -122,12 +129,8 @@ void MainWindow::ListNewObjects() {
     const int count = Pane()->Methods().GetNumObjects();
     // The viewer's new objects have the order of the files that added them.
     for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {
-        if (m_pJob->Results()[i].state != ImportResult::State::Added) continue;
-        const ObjectReport object = ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]);
-        m_pObjects->AddObject(object);
-        if (object.triangles == 0 && ExtensionOf(object.file) == "ply")
-            m_pMessages->AddText(tr("%1: has no triangles; File > Import free points shows its vertices")
-                                     .arg(QString::fromStdString(object.file)));
+        if (m_pJob->Results()[i].state == ImportResult::State::Added)
+            m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]));
     }
 }
 

@@ -58,6 +58,9 @@ protected:
         QList<QUrl> urls;
         for (const std::string& file : files) urls += QUrl::fromLocalFile(QString::fromStdString(file));
         data.setUrls(urls);
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_window.get(), &enter);
+        EXPECT_TRUE(enter.isAccepted());
         QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_window.get(), &drop);
         EXPECT_TRUE(drop.isAccepted());
@@ -154,7 +157,7 @@ TEST_F(MainWindowMarkers, HidesShowsAndDeletesASetByPointerAndKey) {
 
 TEST_F(MainWindowMarkers, SwitchesLinesByPointer) {
     Show();
-    // Black on a white background, through the middle of the first view.
+    // Dark on a white background, through the middle of the first view.
     m_window->ShowBackground({0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF});
     const DialogAnswer<QFileDialog> chosen(
         [&](QFileDialog& dialog) { Choose(dialog, Write("a.txt", "-100 0 0\n100 0 0\n\n0 -100 0\n0 100 0\n")); });
@@ -163,7 +166,7 @@ TEST_F(MainWindowMarkers, SwitchesLinesByPointer) {
     EXPECT_EQ(lines.text().remove('&'), "Show lines (2)");
     EXPECT_TRUE(lines.isChecked());
     EXPECT_NE(Methods().GetLine3DDrawingMode(), 0);
-    EXPECT_EQ(MiddlePixel(), 0u);
+    EXPECT_LT(MiddlePixel() & 0xFF, 0x30u) << "dark";
     m_window->findChild<QDockWidget*>("markers")->raise();
     ASSERT_TRUE(WaitUntil([&] { return !lines.visibleRegion().isEmpty(); }));
     Click(lines, {8, lines.height() / 2});
@@ -171,7 +174,7 @@ TEST_F(MainWindowMarkers, SwitchesLinesByPointer) {
     EXPECT_EQ(MiddlePixel(), 0xFFFFFFu);
     Click(lines, {8, lines.height() / 2});
     ASSERT_TRUE(WaitUntil([&] { return Methods().GetLine3DDrawingMode() != 0; }));
-    EXPECT_EQ(MiddlePixel(), 0u);
+    EXPECT_LT(MiddlePixel() & 0xFF, 0x30u) << "dark";
 }
 
 // ---- drops, files of the command line
@@ -247,9 +250,9 @@ TEST_F(MainWindowMarkers, AsksAgainForFilesThatCameWhileItAsked) {
 TEST_F(MainWindowMarkers, AsksForPointFilesThatWereOpenedBeforeTheViewerExists) {
     HostOptions options;
     options.files = {Write("a.xyzrgb", kRedCross)};
+    EXPECT_FALSE(MainWindow(options).HaveAllFilesAdded());
     const DialogAnswer<PointsDialog> answer([](PointsDialog& dialog) { dialog.accept(); });
     Show(options);
-    EXPECT_FALSE(m_window->HaveAllFilesAdded());
     ASSERT_TRUE(WaitUntil([&] { return !PointRows().empty(); }));
     EXPECT_EQ(MiddlePixel(), kRed);
     EXPECT_TRUE(m_window->HaveAllFilesAdded());
@@ -419,12 +422,10 @@ TEST_F(MainWindowMarkers, HintsAtThePointImportForAPlyFileWithoutFaces) {
               "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
               "property float z\nelement face 0\nproperty list uchar int vertex_indices\nend_header\n"
               "0 0 0\n1 1 1\n");
-    const std::string hint = file + ": has no triangles; File > Import free points shows its vertices";
     Import({file});
-    ASSERT_EQ(Rows(), std::vector<std::string>{"points.ply"}) << Messages();
-    EXPECT_EQ(Messages(), hint);
-    Import({Write("tetra.ply", TetraPlyText())});
-    EXPECT_EQ(Messages(), hint) << "no hint for a mesh with triangles";
+    EXPECT_EQ(Messages(), file + ": nothing added: holds no faces; File > Import free points shows its vertices");
+    ImportPoints({file});
+    EXPECT_EQ(PointRows(), std::vector<std::string>{"points.ply"});
 }
 
 }  // namespace
