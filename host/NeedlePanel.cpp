@@ -17,6 +17,7 @@
 #include <cmath>
 
 #include "ColorButton.h"
+#include "PaintBlock.h"
 
 namespace {
 
@@ -286,7 +287,9 @@ void NeedlePanel::DeleteSelected() {
 void NeedlePanel::DeleteAll() {
     const QString question = tr("Delete all %1 needles? Needles that are not saved are lost.").arg(m_rows.size());
     if (QMessageBox::question(this, tr("Delete all needles"), question) != QMessageBox::Yes) return;
-    if (m_pMethods != nullptr) m_pMethods->DeleteNeedles();
+    if (m_pMethods == nullptr) return;    // lost while the question was open
+    const PaintBlock block(*m_pMethods);  // each deletion would draw a frame
+    m_pMethods->DeleteNeedles();
 }
 
 std::vector<NeedleMark> NeedlePanel::Marks() const {

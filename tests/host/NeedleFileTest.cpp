@@ -230,7 +230,7 @@ const BadNeedles kBadNeedles[] = {
      kFirst + "\"pinColor\": not a colour like \"#00FF00\""},
     {"ColourWithALetter", OneNeedle(kWhole + ", \"pinColor\": \"#12345G\""),
      kFirst + "\"pinColor\": not a colour like \"#00FF00\""},
-    {"LeadingZero", OneNeedle("\"id\": 01, " + kPin + kHead), kFirst + "\"id\": there is no }"},
+    {"LeadingZero", OneNeedle("\"id\": 01, " + kPin + kHead), "line 1, entry 1: there is no }"},
     {"LeadingPlus", OneNeedle("\"id\": +1, " + kPin + kHead), kFirst + "\"id\": there is no number"},
     {"NoDigitAfterThePoint", OneNeedle(kId + "\"pin\": [1., 2, 3]"), kFirst + "\"pin\": there is no number"},
     {"NoExponent", OneNeedle(kId + "\"pin\": [1e, 2, 3]"), kFirst + "\"pin\": there is no number"},
@@ -240,7 +240,7 @@ const BadNeedles kBadNeedles[] = {
      "line 3: two needles have the id 1"},
     {"FaultInTheSecondEntry", OneNeedle(kWhole + "},\n{" + kId + "\"pin\": []"),
      "line 2, entry 2, key \"pin\": there are fewer than 3 numbers"},
-    {"CutInANumber", OneNeedle(kWhole).substr(0, 70), kFirst + "\"pin\": there is no number"},
+    {"CutBeforeANumber", OneNeedle(kId + "\"pin\": [1, ").substr(0, 79), kFirst + "\"pin\": there is no number"},
     {"TextAfterTheEnd", OneNeedle(kWhole) + "x", "line 1: there is more text after the end"},
     {"CommaAtTheEnd", "{\"format\": \"scenepane needles\",}", "line 1: there is no \""},
     {"ControlCharacterInAText", "{\"for\nmat\": 1}", "line 2: a text has no end"},
@@ -317,7 +317,7 @@ TEST_F(NeedleFile, SaysWhyItCannotBeWritten) {
     EXPECT_EQ(reasonOf(m_folder / "none/a.json"), "No such file or directory");
     EXPECT_EQ(reasonOf(m_folder.Path().string()), "Is a directory");
     WriteText(m_path, "old");
-    std::filesystem::permissions(m_path, std::filesystem::perms::owner_read | std::filesystem::perms::others_read);
+    std::filesystem::permissions(m_path, static_cast<std::filesystem::perms>(0444));
     std::filesystem::permissions(m_folder.Path(), std::filesystem::perms::all);
     const UnprivilegedUser user;
     if (!user.HasEffect()) GTEST_SKIP() << "permissions do not apply to this user";
@@ -406,19 +406,20 @@ TEST_F(PlaceNeedlesTest, GivesEachNeedleItsLookAndLaterOnesThePresentLook) {
         mark.look.headColor = color;
         return mark;
     };
-    const auto isOnly = [](std::uint32_t pixel, int shift) {  // a lit colour of one channel
-        return ((pixel >> shift) & 0xFF) > 0x40 && (pixel & ~(0xFFu << shift)) == 0;
+    const auto isMostly = [](std::uint32_t pixel, int shift) {  // of one channel; heads shine a little
+        const std::uint32_t channel = (pixel >> shift) & 0xFF, others = pixel & ~(0xFFu << shift);
+        return channel > 0xC0 && (others & 0xC0C0C0) == 0;
     };
     std::int32_t limit = kStartNeedleLimit;
     NeedleLook present;
     present.headRadius = 100;
     present.headColor = 0xFF0000;
     (void)PlaceNeedles(Methods(), {head(1, 0, 0x0000FF), head(2, 150, 0x00FF00)}, present, &limit);
-    EXPECT_TRUE(isOnly(MiddlePixel(), 8)) << std::hex << MiddlePixel();
+    EXPECT_TRUE(isMostly(MiddlePixel(), 8)) << std::hex << MiddlePixel();
     (void)Methods().DeleteNeedle(2);
-    EXPECT_TRUE(isOnly(MiddlePixel(), 16)) << std::hex << MiddlePixel();
+    EXPECT_TRUE(isMostly(MiddlePixel(), 16)) << std::hex << MiddlePixel();
     (void)Methods().CreateNeedle(3, 0, 0, 0, 0, 0, 150);
-    EXPECT_TRUE(isOnly(MiddlePixel(), 0)) << std::hex << MiddlePixel();
+    EXPECT_TRUE(isMostly(MiddlePixel(), 0)) << std::hex << MiddlePixel();
 }
 
 }  // namespace
