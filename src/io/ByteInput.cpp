@@ -8,9 +8,10 @@
 
 // memcpy() must not get the null pointer of an empty span.
 std::size_t MemoryInput::Read(void* to, std::size_t size) {
-    const std::size_t part = std::min(size, m_bytes.size());
-    if (part > 0) std::memcpy(to, m_bytes.data(), part);
-    m_bytes = m_bytes.subspan(part);
+    if (m_uOffset >= m_bytes.size()) return 0;
+    const std::size_t part = std::min(size, m_bytes.size() - m_uOffset);
+    if (part > 0) std::memcpy(to, m_bytes.data() + m_uOffset, part);
+    m_uOffset += part;
     return part;
 }
 

@@ -25,18 +25,21 @@ public:
     /// Copies the next @p size bytes.
     /// @return the number of bytes copied: fewer than @p size only at the end
     virtual std::size_t Read(void* to, std::size_t size) = 0;
+    /// Continues at another byte, which may be after the end.
+    virtual void Seek(std::uint64_t offset) = 0;
 };
 
 class MemoryInput final : public ByteInput {
 public:
     /// @param bytes  must outlive this object
-    explicit MemoryInput(std::span<const std::byte> bytes) : m_bytes(bytes), m_uSize(bytes.size()) {}
-    [[nodiscard]] std::uint64_t Size() const override { return m_uSize; }
+    explicit MemoryInput(std::span<const std::byte> bytes) : m_bytes(bytes) {}
+    [[nodiscard]] std::uint64_t Size() const override { return m_bytes.size(); }
     std::size_t Read(void* to, std::size_t size) override;
+    void Seek(std::uint64_t offset) override { m_uOffset = offset; }
 
 private:
-    std::span<const std::byte> m_bytes;  ///< not read yet
-    std::size_t m_uSize;
+    std::span<const std::byte> m_bytes;
+    std::uint64_t m_uOffset = 0;  ///< of the next byte to read
 };
 
 /// A regular file.
@@ -47,6 +50,7 @@ public:
     [[nodiscard]] std::uint64_t Size() const override { return m_file.Size(); }
     /// @throws FileReadError
     std::size_t Read(void* to, std::size_t size) override;
+    void Seek(std::uint64_t offset) override { m_uOffset = offset; }
 
 private:
     RegularFile m_file;

@@ -19,6 +19,7 @@ public:
         for (std::size_t i = 0; i < part; ++i) static_cast<unsigned char*>(to)[i] = ByteAt(m_uAt++);
         return part;
     }
+    void Seek(std::uint64_t offset) override { m_uAt = offset; }
     static unsigned char ByteAt(std::size_t at) { return static_cast<unsigned char>(at % 251); }
 
 private:
