@@ -1,0 +1,378 @@
+// Picked points in the host's window: what is shown of a pick, the list beside the spheres of the viewer, the distance.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDockWidget>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "EventPane.h"
+#include "PickPanel.h"
+#include "SceneReport.h"
+#include "host/CommaLocale.h"
+#include "host/MainWindowFixture.h"
+#include "host/XFocus.h"
+
+namespace {
+
+using KV_ScenePane::MouseInput;
+using KV_ScenePane::SurfacePoint;
+
+/// a.xdt, 30 x 30 points at height 0, and above a corner of it b.xdt, 10 x 10 points at height 5; seen from +Z.
+class MainWindowPicks : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        Show();
+        WriteXdt(m_folder / "a.xdt", 30, 30);
+        WriteXdt(m_folder / "b.xdt", 10, 10, 5.0f);
+        Import({m_folder / "a.xdt", m_folder / "b.xdt"});
+        ASSERT_EQ(ObjectsInViewer(), 2) << Messages();
+        Find<QDockWidget>("picks").raise();
+        QGuiApplication::clipboard()->setText("nothing");
+    }
+    /// The pixel of a point (x, y, height) of the scans.
+    [[nodiscard]] QPoint PixelOf(float x, float y) const {
+        const KV_ScenePane::Picture frame = DrawFrame();
+        const std::array<float, 10> view = View();
+        // Two picks give the pixels per unit: the projection is parallel.
+        SurfacePoint left, right;
+        const int row = frame.height / 2, column = frame.width / 2;
+        if (!m_window->Pane()->PickSurface(column - 50, row, &left) ||
+            !m_window->Pane()->PickSurface(column + 50, row, &right))
+            throw std::runtime_error("no surface in the middle of the viewer");
+        const float pixels = 100.0f / (right.point[0] - left.point[0]);
+        return {static_cast<int>(std::lround(static_cast<float>(column) + (x - view[6]) * pixels)),
+                static_cast<int>(std::lround(static_cast<float>(row) - (y - view[7]) * pixels))};
+    }
+    [[nodiscard]] QPoint OnA() const { return PixelOf(20, 20); }
+    [[nodiscard]] QPoint OnB() const { return PixelOf(4, 5); }
+    /// What is under the pixel by a search that the window does not use.
+    [[nodiscard]] SurfacePoint Surface(const QPoint& pixel) const {
+        SurfacePoint hit;
+        EXPECT_TRUE(m_window->Pane()->PickSurface(pixel.x(), pixel.y(), &hit));
+        return hit;
+    }
+    void DoubleClick(const QPoint& pixel) const {
+        using Kind = MouseInput::Kind;
+        for (const Kind kind : {Kind::LeftDown, Kind::LeftUp, Kind::DoubleClick, Kind::LeftUp}) {
+            const std::uint32_t flags = kind == Kind::LeftUp ? 0 : KV_ScenePane::kMouseLeft;
+            m_window->Pane()->SendMouse({.kind = kind, .flags = flags, .x = pixel.x(), .y = pixel.y()});
+        }
+    }
+    void PlacePoints() const { Trigger("Points on objects, with pick-point spheres"); }
+    /// "x<separator>y<separator>z" as the window writes them.
+    [[nodiscard]] static std::string Text(const SurfacePoint& hit, const std::string& separator) {
+        return NumberText(hit.point[0]) + separator + NumberText(hit.point[1]) + separator + NumberText(hit.point[2]);
+    }
+    /// The rows of the list: number, object, x, y, z.
+    [[nodiscard]] std::vector<std::string> Points() const {
+        std::vector<std::string> rows;
+        for (int i = 0; i < List().topLevelItemCount(); ++i) {
+            QStringList texts;
+            for (int column = 0; column < PickPanel::kColumnCount; ++column)
+                texts << List().topLevelItem(i)->text(column);
+            rows.push_back(texts.join(" ").toStdString());
+        }
+        return rows;
+    }
+    /// The coordinates in the list are those of the viewer's spheres.
+    void ExpectListAsInViewer() const {
+        ASSERT_EQ(List().topLevelItemCount(), Methods().GetNumberOfPickPointSpheres());
+        for (int i = 0; i < List().topLevelItemCount(); ++i) {
+            std::array<float, 3> point{};
+            Methods().GetPickPointSphereCoords(i, &point[0], &point[1], &point[2]);
+            const QTreeWidgetItem& row = *List().topLevelItem(i);
+            EXPECT_EQ(row.text(PickPanel::kNumber), QString::number(i + 1));
+            for (int axis = 0; axis < 3; ++axis)
+                EXPECT_EQ(row.text(PickPanel::kX + axis).toStdString(),
+                          NumberText(point[static_cast<std::size_t>(axis)]))
+                    << "point " << i << ", axis " << axis;
+        }
+    }
+    [[nodiscard]] QTreeWidget& List() const { return Find<QTreeWidget>("pickPoints"); }
+    [[nodiscard]] QPushButton& Button(const char* name) const { return Find<QPushButton>(name); }
+    void Select(const std::vector<int>& rows) const {
+        List().clearSelection();
+        for (const int row : rows) List().topLevelItem(row)->setSelected(true);
+    }
+    [[nodiscard]] std::string LastPick() const {
+        const auto& label = Find<QLabel>("lastPick");
+        return label.isHidden() ? "" : label.text().toStdString();
+    }
+    [[nodiscard]] std::string Events() const { return m_window->Events().Text().toStdString(); }
+    [[nodiscard]] static std::string Clipboard() { return QGuiApplication::clipboard()->text().toStdString(); }
+    /// Pixels of a new frame that show red spheres. The scans are grey.
+    [[nodiscard]] int RedPixels() const {
+        const KV_ScenePane::Picture picture = DrawFrame();
+        return static_cast<int>(std::ranges::count_if(picture.pixels, [](std::uint32_t pixel) {
+            const auto red = static_cast<int>(pixel >> 16 & 0xFF);
+            const auto other = static_cast<int>(std::max(pixel >> 8 & 0xFF, pixel & 0xFF));
+            return red > other + 40;
+        }));
+    }
+};
+
+// ---- what is shown of a pick
+
+class MainWindowPickModes : public MainWindowPicks, public testing::WithParamInterface<const char*> {};
+
+TEST_P(MainWindowPickModes, ShowAPickInTheEventsAndTheStatusBar) {
+    Trigger(GetParam());
+    const QPoint pixel = OnB();
+    const SurfacePoint hit = Surface(pixel);
+    ASSERT_EQ(hit.object, 1);
+    EXPECT_EQ(LastPick(), "");
+    DoubleClick(pixel);
+    EXPECT_NE(Events().find("SelectObjCoords(idx = 1, px = " + NumberText(hit.point[0]) +
+                            ", py = " + NumberText(hit.point[1]) + ", pz = 5,"),
+              std::string::npos)
+        << Events();
+    EXPECT_NE(Events().find("object 1: b.xdt"), std::string::npos) << Events();
+    EXPECT_EQ(LastPick(), "1: b.xdt   " + Text(hit, " "));
+    EXPECT_NE(Find<QLabel>("lastPick").textInteractionFlags() & Qt::TextSelectableByMouse, 0) << "to be copied";
+    EXPECT_EQ(List().topLevelItemCount(), Methods().GetPickMode() == 5 ? 1 : 0);
+}
+INSTANTIATE_TEST_SUITE_P(Picking, MainWindowPickModes,
+                         testing::Values("Points on objects", "Points on objects, second mode",
+                                         "Points on objects, with pick-point spheres"));
+
+TEST_F(MainWindowPicks, ShowNothingInTheModesWithoutPicks) {
+    for (const char* const mode : {"Off", "Centre cross", "Off, second mode"}) {
+        Trigger(mode);
+        DoubleClick(OnA());
+        EXPECT_EQ(LastPick(), "") << mode;
+    }
+}
+
+TEST_F(MainWindowPicks, StayInTheStatusBarBesideAMessage) {
+    Trigger("Points on objects");
+    DoubleClick(OnA());
+    const std::string pick = LastPick();
+    EXPECT_TRUE(m_window->SaveScreenShot(m_folder / "a.png"));
+    EXPECT_EQ(LastPick(), pick);
+    EXPECT_TRUE(Find<QLabel>("lastPick").isVisible());
+}
+
+// ---- spheres and list
+
+TEST_F(MainWindowPicks, PlaceASphereOfTheChosenColourAndARow) {
+    Find<QCheckBox>("placePoints").click();
+    EXPECT_EQ(Methods().GetPickMode(), KV_ScenePane::PickModePoints);
+    EXPECT_TRUE(MenuAction("Points on objects, with pick-point spheres").isChecked());
+    EXPECT_EQ(RedPixels(), 0);
+    const QPoint onA = OnA(), onB = OnB();
+    DoubleClick(onA);
+    EXPECT_GT(RedPixels(), 20);
+    DoubleClick(onB);
+    EXPECT_EQ(Points(), (std::vector<std::string>{"1 0: a.xdt " + Text(Surface(onA), " "),
+                                                  "2 1: b.xdt " + Text(Surface(onB), " ")}));
+    ExpectListAsInViewer();
+    EXPECT_EQ(View()[9], 1.0f) << "a double click on an object does not centre the view";
+}
+
+TEST_F(MainWindowPicks, HaveARadiusInPercentOfTheSceneDiagonal) {
+    PlacePoints();
+    DoubleClick(OnA());
+    const auto disc = [&](double percent) {
+        const double diagonal = std::hypot(29.0, 29.0, 5.0);
+        const float pixels = static_cast<float>(PixelOf(20, 20).x() - PixelOf(10, 20).x()) / 10.0f;
+        const double radius = percent / 100.0 * diagonal * static_cast<double>(pixels);
+        return std::numbers::pi * radius * radius;
+    };
+    // The rim of a sphere is dark: a part of its disc is not counted as red.
+    EXPECT_NEAR(RedPixels() / disc(1.0), 0.8, 0.25);
+    Find<QDoubleSpinBox>("pointRadius").setValue(4.0);
+    EXPECT_NEAR(RedPixels() / disc(4.0), 0.8, 0.25);
+}
+
+TEST_F(MainWindowPicks, HaveARadiusThatFollowsTheScene) {
+    PlacePoints();
+    DoubleClick(OnA());
+    const int before = RedPixels();
+    WriteXdt(m_folder / "large.xdt", 200, 200, -20.0f);
+    const std::array<float, 10> view = View();
+    Import({m_folder / "large.xdt"});
+    Methods().SetViewParams(1, 0, 0, 0, 1, 0, view[6], view[7], view[8], view[9], 0);
+    EXPECT_NE(RedPixels(), 0);
+    m_window->DeleteObject(2);
+    Methods().CenterView();
+    EXPECT_NEAR(RedPixels(), before, before / 5) << "the same scene as before";
+}
+
+TEST_F(MainWindowPicks, AreRemovedWhereTheyAreSelected) {
+    PlacePoints();
+    for (const float x : {12.0f, 16.0f, 20.0f, 24.0f}) DoubleClick(PixelOf(x, 20));
+    const std::vector<std::string> all = Points();
+    ASSERT_EQ(all.size(), 4u);
+    EXPECT_FALSE(Button("removePoints").isEnabled()) << "nothing is selected";
+    Select({0, 2});
+    Button("removePoints").click();
+    ASSERT_EQ(Points().size(), 2u);
+    EXPECT_EQ(Points()[0].substr(1), all[1].substr(1));
+    EXPECT_EQ(Points()[1].substr(1), all[3].substr(1));
+    EXPECT_TRUE(List().selectedItems().empty()) << "other points would be removed next";
+    ExpectListAsInViewer();
+    Button("clearPoints").click();
+    EXPECT_TRUE(Points().empty());
+    EXPECT_EQ(Methods().GetNumberOfPickPointSpheres(), 0);
+    EXPECT_EQ(RedPixels(), 0);
+}
+
+TEST_F(MainWindowPicks, FollowSpheresThatAnotherPartOfTheHostAddsAndRemoves) {
+    PlacePoints();
+    DoubleClick(OnA());
+    Methods().AddPickPointSphere(1, 2, 3, 0);
+    ExpectListAsInViewer();
+    Methods().RemovePickPointSphere(0);
+    ExpectListAsInViewer();
+    Methods().ClearPickPointSpheres();
+    ExpectListAsInViewer();
+}
+
+TEST_F(MainWindowPicks, EndWithTheirPickMode) {
+    PlacePoints();
+    DoubleClick(OnA());
+    PlacePoints();
+    EXPECT_EQ(Points().size(), 1u) << "the same mode again removes nothing";
+    Trigger("Points on objects");
+    EXPECT_TRUE(Points().empty());
+    EXPECT_FALSE(Find<QCheckBox>("placePoints").isChecked());
+    PlacePoints();
+    DoubleClick(OnA());
+    Methods().SetPickMode(KV_ScenePane::PickModePoints);  // by another part of the host
+    EXPECT_TRUE(Points().empty());
+}
+
+// ---- moves
+
+TEST_F(MainWindowPicks, MoveWithTheNextPickInPlaceOfAddingOne) {
+    PlacePoints();
+    DoubleClick(OnA());
+    DoubleClick(PixelOf(25, 12));
+    Select({0});
+    Button("movePoint").click();
+    const QPoint onB = OnB();
+    DoubleClick(onB);
+    ASSERT_EQ(Points().size(), 2u);
+    EXPECT_EQ(Points()[0], "1 1: b.xdt " + Text(Surface(onB), " "));
+    EXPECT_FALSE(Button("movePoint").isChecked());
+    ExpectListAsInViewer();
+    DoubleClick(OnA());
+    EXPECT_EQ(Points().size(), 3u) << "one pick only moves";
+}
+
+TEST_F(MainWindowPicks, MoveNoLongerWhenTheButtonIsReleasedOrThePointsChange) {
+    PlacePoints();
+    DoubleClick(OnA());
+    const std::vector<std::string> start = Points();
+    Select({0});
+    Button("movePoint").click();
+    Button("movePoint").click();
+    DoubleClick(OnB());
+    ASSERT_EQ(Points().size(), 2u);
+    EXPECT_EQ(Points()[0], start[0]);
+    Select({1});
+    Button("movePoint").click();
+    m_window->RemovePickPoints({0});
+    EXPECT_FALSE(Button("movePoint").isChecked()) << "point 2 is point 1 now";
+    DoubleClick(OnA());
+    EXPECT_EQ(Points().size(), 2u);
+}
+
+// ---- distance and copies
+
+TEST_F(MainWindowPicks, ShowAndCopyTheDistanceOfTheLastTwo) {
+    Trigger("Points on objects");
+    QAction& copy = MenuAction("Copy distance of the last two picks");
+    const QPoint first = OnA(), second = OnB(), third = PixelOf(25, 3);
+    DoubleClick(first);
+    EXPECT_FALSE(copy.isEnabled());
+    EXPECT_FALSE(Button("copyDistance").isEnabled());
+    EXPECT_EQ(Find<QLabel>("distance").text(), "");
+    const auto distance = [](const SurfacePoint& a, const SurfacePoint& b) {
+        double sum = 0;
+        for (int axis = 0; axis < 3; ++axis)
+            sum += std::pow(static_cast<double>(a.point[axis]) - static_cast<double>(b.point[axis]), 2);
+        return NumberText(static_cast<float>(std::sqrt(sum)));
+    };
+    DoubleClick(second);
+    std::string expected = distance(Surface(first), Surface(second));
+    EXPECT_EQ(Find<QLabel>("distance").text().toStdString(), expected);
+    EXPECT_TRUE(LastPick().ends_with("distance " + expected)) << LastPick();
+    copy.trigger();
+    EXPECT_EQ(Clipboard(), expected);
+    DoubleClick(third);
+    expected = distance(Surface(second), Surface(third));
+    Button("copyDistance").click();
+    EXPECT_EQ(Clipboard(), expected);
+}
+
+TEST_F(MainWindowPicks, AreCopiedWithTabsAndWithoutTheLocale) {
+    const CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine cannot make a locale";
+    PlacePoints();
+    const QPoint onA = OnA(), onB = OnB();
+    DoubleClick(onA);
+    DoubleClick(onB);
+    const std::string lineA = Text(Surface(onA), "\t") + "\n", lineB = Text(Surface(onB), "\t") + "\n";
+    ASSERT_NE(lineA.find('.'), std::string::npos) << "the point has no decimals";
+    Button("copyPoints").click();
+    EXPECT_EQ(Clipboard(), lineA + lineB) << "nothing is selected: all";
+    Select({1});
+    Button("copyPoints").click();
+    EXPECT_EQ(Clipboard(), lineB);
+}
+
+// ---- objects and viewers that go
+
+TEST_F(MainWindowPicks, KeepTheirPointsWhenTheirObjectIsDeleted) {
+    PlacePoints();
+    DoubleClick(OnA());
+    DoubleClick(OnB());
+    m_window->DeleteObject(0);
+    ASSERT_EQ(Points().size(), 2u);
+    EXPECT_TRUE(Points()[0].starts_with("1 a.xdt (deleted) ")) << Points()[0];
+    EXPECT_TRUE(Points()[1].starts_with("2 0: b.xdt ")) << Points()[1];
+    EXPECT_TRUE(LastPick().starts_with("0: b.xdt ")) << LastPick();
+    ExpectListAsInViewer();
+}
+
+TEST_F(MainWindowPicks, GoWithAllObjects) {
+    PlacePoints();
+    DoubleClick(OnA());
+    DoubleClick(OnB());
+    m_window->ClearScene();
+    EXPECT_TRUE(Points().empty());
+    EXPECT_EQ(Methods().GetNumberOfPickPointSpheres(), 0);
+    EXPECT_EQ(LastPick(), "");
+    EXPECT_EQ(Find<QLabel>("distance").text(), "");
+    EXPECT_FALSE(MenuAction("Copy distance of the last two picks").isEnabled());
+}
+
+TEST_F(MainWindowPicks, GoWithTheViewer) {
+    PlacePoints();
+    DoubleClick(OnA());
+    DoubleClick(OnB());
+    Select({0});
+    Button("movePoint").click();
+    DestroyXWindow(m_window->Pane()->NativeWindow());
+    ASSERT_TRUE(WaitUntil([&] { return m_window->Pane() == nullptr; }));
+    EXPECT_TRUE(Points().empty());
+    EXPECT_FALSE(List().isEnabled());
+    EXPECT_EQ(LastPick(), "");
+    EXPECT_FALSE(MenuAction("Cancel the move of a point").isEnabled());
+    m_window->RemovePickPoints({0});
+    m_window->ClearPickPoints();
+    m_window->MovePickPoint(0);
+    m_window->CopyPickPoints({0});
+    m_window->CopyPickDistance();
+    EXPECT_EQ(Clipboard(), "nothing");
+}
+
+}  // namespace
