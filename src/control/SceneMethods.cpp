@@ -65,6 +65,7 @@ void CKV_ScenePaneCtrl::ClearData() {
     m_vpMeshes.clear();
     m_vUndoStack.clear();
     m_vLines3D.clear();
+    m_setLine3DIds.clear();
     m_pCutSession.reset();
     m_pCutMask.reset();
     m_fAxisX = {1, 0, 0};

@@ -1,7 +1,6 @@
 // Polylines of the host, drawn in black. There is no way to delete one: ClearData() removes them all.
 #include <GL/glew.h>
 
-#include <algorithm>
 #include <cassert>
 
 #include "control/ScenePaneCtrl.h"
@@ -17,11 +16,12 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetLine3DDrawingMode() {
 
 CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::CreateLine3D(std::int32_t id, std::int32_t numberOfXYZs,
                                                                 const float* XYZs) {
-    if (std::ranges::find(m_vLines3D, id, &Line3D::id) != m_vLines3D.end()) return kVariantFalse;
+    if (m_setLine3DIds.contains(id)) return kVariantFalse;
     assert(numberOfXYZs >= 0 && (numberOfXYZs == 0 || XYZs != nullptr));
     Line3D line{id, std::vector<Float3>(static_cast<std::size_t>(numberOfXYZs))};
     for (std::size_t i = 0; i < line.points.size(); ++i) line.points[i] = ToFloat3(XYZs + 3 * i);
     m_vLines3D.push_back(std::move(line));
+    m_setLine3DIds.insert(id);
     RefreshControl();
     return kVariantTrue;
 }

@@ -79,6 +79,13 @@ TEST_F(MarkerFiles, GiveEachLineTheSmallestFreeNumber) {
     EXPECT_FALSE(Methods().GetLine3DDrawingMode()) << "the caller decides";
 }
 
+TEST_F(MarkerFiles, NumberLinesFromZeroAgainInAClearedScene) {
+    const std::vector<Polyline> two(2, {0, 0, 0, 1, 1, 1});
+    AddLines(Methods(), two);
+    Methods().ClearData();
+    EXPECT_EQ(AddLines(Methods(), two), (std::vector<std::int32_t>{0, 1}));
+}
+
 TEST_F(MarkerFiles, CreateALineWithoutPoints) {
     EXPECT_EQ(AddLines(Methods(), {{Polyline{}}}), (std::vector<std::int32_t>{0}));
     EXPECT_TRUE(HasLine(0));
