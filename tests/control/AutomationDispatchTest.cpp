@@ -171,6 +171,26 @@ TEST_F(AutomationOfTheControl, ImportsAMeshFromPointersAndReadsItsBoxThroughPoin
         AutomationValue(std::int16_t{-1}));
 }
 
+TEST_F(AutomationOfTheControl, PassesTheArraysOfNeedlesByTheirPointers) {
+    std::int32_t ids[] = {5, -6};
+    float pins[] = {1, 2, 3, 4, 5, 6}, heads[] = {7, 8, 9, 10, 11, 12};
+    const auto pointer = [](auto* p) { return AutomationValue(static_cast<void*>(p)); };
+    EXPECT_EQ(Invoke(57, {std::int32_t{2}, pointer(ids), pointer(pins), pointer(heads)}),
+              AutomationValue(std::int16_t{-1}));
+    EXPECT_EQ(Invoke(113, {}), AutomationValue(std::int32_t{2}));
+    std::int32_t foundIds[2] = {};
+    float foundPins[6] = {}, foundHeads[6] = {};
+    Invoke(115, {pointer(foundIds), pointer(foundPins), pointer(foundHeads)});
+    EXPECT_TRUE(std::ranges::equal(foundIds, ids));
+    EXPECT_TRUE(std::ranges::equal(foundPins, pins));
+    EXPECT_TRUE(std::ranges::equal(foundHeads, heads));
+    EXPECT_EQ(Invoke(16, {std::int32_t{-6}}), AutomationValue(std::monostate())) << "SelectNeedle returns nothing";
+    EXPECT_TRUE(m_control->m_vNeedles.at(1).selected);
+    EXPECT_EQ(Invoke(14, {std::int32_t{-6}}), AutomationValue(std::int16_t{-1}));
+    EXPECT_EQ(Invoke(112, {std::int32_t{5}}), AutomationValue(std::int16_t{-1}));
+    EXPECT_EQ(Invoke(112, {std::int32_t{5}}), AutomationValue(std::int16_t{0}));
+}
+
 TEST_F(AutomationOfTheControl, DoesNothingAtTheRemovedId80) {
     EXPECT_EQ(Method("SetMeshFilename_Removed").id, 80);
     m_control.debugOutput.Take();
@@ -222,13 +242,9 @@ TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodWritesThatItHasNoOperation) {
 
 TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodReturnsZero) {
     std::vector<std::uint8_t> memory(64);
-    for (const char* name :
-         {"DeselectNeedle", "CreateNeedles", "CreateNeedle", "SaveCuttingToPcms", "GetNeedlePickingMode",
-          "GetNeedleDrawingMode", "DeleteNeedle", "GetNeedle", "GetCutMasks"})
+    for (const char* name : {"SaveCuttingToPcms", "GetCutMasks"})
         EXPECT_EQ(Invoke(Method(name).id, HarmlessArguments(Method(name), memory)), AutomationValue(std::int16_t{0}))
             << name;
-    for (const char* name : {"GetNumberOfNeedles"})
-        EXPECT_EQ(Invoke(Method(name).id, {}), AutomationValue(std::int32_t{0})) << name;
 }
 
 TEST_F(AutomationOfTheControl, ImplementedMethodsWriteNoSuchLine) {

@@ -92,6 +92,68 @@ const RepaintRow kRepaints[] = {
     {"SetViewMode", Repaint::Refresh, [](auto& c) { c.SetViewMode(2); }},
     {"CenterView", Repaint::Invalidate, [](auto& c) { c.CenterView(); }},
     {"SetViewParams", Repaint::InvalidateWithErase, [](auto& c) { c.SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0); }},
+    {"SetNeedlePickingModeOn", Repaint::None, [](auto& c) { c.SetNeedlePickingMode(-1); }},
+    {"SetNeedlePickingModeOff", Repaint::InvalidateWithErase, [](auto& c) { c.SetNeedlePickingMode(0); }},
+    {"SetNeedleDrawingMode", Repaint::None, [](auto& c) { c.SetNeedleDrawingMode(-1); }},
+    {"GetNeedleModes", Repaint::None,
+     [](auto& c) {
+         (void)c.GetNeedlePickingMode();
+         (void)c.GetNeedleDrawingMode();
+     }},
+    {"SetNeedleRenderParameters", Repaint::None, [](auto& c) { c.SetNeedleRenderParameters(1, 2, 3, 4, 5, 6, 7, 8); }},
+    {"SetMaxNumberOfNeedlesOfAnEmptyList", Repaint::None, [](auto& c) { c.SetMaxNumberOfNeedles(0); }},
+    {"SetMaxNumberOfNeedles", Repaint::InvalidateWithErase,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1}, Needle{.id = 2}};
+         c.SetMaxNumberOfNeedles(0);
+     }},
+    {"CreateNeedle", Repaint::Refresh, [](auto& c) { c.CreateNeedle(1, 0, 0, 0, 1, 1, 1); }},
+    {"CreateNeedleOfAnIdInUse", Repaint::None,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1}};
+         c.CreateNeedle(1, 0, 0, 0, 1, 1, 1);
+     }},
+    {"CreateNeedles", Repaint::Refresh,
+     [](auto& c) {
+         const std::int32_t id = 1;
+         const float at[3] = {};
+         c.CreateNeedles(1, &id, at, at);
+     }},
+    {"DeleteNeedle", Repaint::Refresh,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1}};
+         c.DeleteNeedle(1);
+     }},
+    {"DeleteNeedleBadId", Repaint::None, [](auto& c) { c.DeleteNeedle(1); }},
+    {"DeleteNeedlesOfAnEmptyList", Repaint::None, [](auto& c) { c.DeleteNeedles(); }},
+    {"SelectNeedle", Repaint::Refresh,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1}};
+         c.SelectNeedle(1);
+     }},
+    {"SelectNeedleBadId", Repaint::None, [](auto& c) { c.SelectNeedle(1); }},
+    {"DeselectNeedle", Repaint::InvalidateWithErase,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1, .selected = true}};
+         c.DeselectNeedle(1);
+     }},
+    {"DeselectNeedleThatIsNotSelected", Repaint::None,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1}};
+         c.DeselectNeedle(1);
+     }},
+    {"DeselectAllNeedles", Repaint::InvalidateWithErase,
+     [](auto& c) {
+         c.m_vNeedles = {Needle{.id = 1, .selected = true}};
+         c.DeselectAllNeedles();
+     }},
+    {"GetNeedle", Repaint::None,
+     [](auto& c) {
+         float f = 0;
+         c.GetNeedle(1, &f, &f, &f, &f, &f, &f);
+         c.GetNeedles(nullptr, &f, &f);
+         (void)c.GetNumberOfNeedles();
+     }},
 };
 
 class RepaintOf : public testing::TestWithParam<RepaintRow> {};
