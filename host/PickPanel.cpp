@@ -57,13 +57,13 @@ PickPanel::PickPanel(QWidget* parent)
       m_pColor(new ColorButton(kFirstColor)),
       m_pRadius(new QDoubleSpinBox),
       m_pList(new QTreeWidget),
-      m_pRemove(NamedButton(tr("&Remove"), "removePoints", tr("Remove the selected points"))),
-      m_pClear(NamedButton(tr("C&lear"), "clearPoints", tr("Remove all points"))),
-      m_pMove(NamedButton(tr("&Move"), "movePoint",
+      m_pRemove(NamedButton(tr("Remove"), "removePoints", tr("Remove the selected points"))),
+      m_pClear(NamedButton(tr("Clear"), "clearPoints", tr("Remove all points"))),
+      m_pMove(NamedButton(tr("Move"), "movePoint",
                           tr("The next double click on an object moves the selected point; Escape cancels"))),
-      m_pCopy(NamedButton(tr("C&opy"), "copyPoints",
+      m_pCopy(NamedButton(tr("Copy"), "copyPoints",
                           tr("Copy x, y, z of the selected points, or of all when none is selected"))),
-      m_pCopyDistance(NamedButton(tr("Co&py"), "copyDistance", tr("Copy the distance (Ctrl+Shift+C)"))),
+      m_pCopyDistance(NamedButton(tr("Copy"), "copyDistance", tr("Copy the distance (Ctrl+Shift+C)"))),
       m_pDistance(new QLabel) {
     MakeList();
     auto* const column = new QVBoxLayout(this);
@@ -110,7 +110,7 @@ QBoxLayout* PickPanel::MakeSettings() {
     m_pRadius->setSuffix(tr(" % of the scene"));
     m_pRadius->setToolTip(tr("Radius of all points, in percent of the diagonal of the box around all objects"));
     connect(m_pRadius, &QDoubleSpinBox::valueChanged, this, &PickPanel::RadiusChanged);
-    auto* const radius = new QLabel(tr("R&adius:"));
+    auto* const radius = new QLabel(tr("Radi&us:"));
     radius->setBuddy(m_pRadius);
     auto* const row = new QHBoxLayout;
     row->addWidget(m_pColor);
@@ -189,8 +189,7 @@ double PickPanel::RadiusOfDiagonal() const { return m_pRadius->value() / 100.0; 
 
 std::vector<int> PickPanel::SelectedPoints() const {
     std::vector<int> points;
-    for (QTreeWidgetItem* const row : m_pList->selectedItems())
-        points.push_back(m_pList->indexOfTopLevelItem(row));
+    for (QTreeWidgetItem* const row : m_pList->selectedItems()) points.push_back(m_pList->indexOfTopLevelItem(row));
     std::ranges::sort(points);
     return points;
 }

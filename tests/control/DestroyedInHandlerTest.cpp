@@ -343,6 +343,8 @@ TEST(ScenePaneHandle, PassesEveryMethodOn) {
         if (kOthers.contains(method.name)) continue;
         const auto call = [&](KV_ScenePane::_DKV_ScenePane& target, std::vector<std::uint8_t>& bytes) {
             std::ranges::fill(bytes, std::uint8_t{0});  // valid indices, whatever a method reads
+            // The methods that take the id of a sphere get 3, and others empty the list.
+            while (target.GetNumberOfPickPointSpheres() < 5) target.AddPickPointSphere(1, 2, 3, 4);
             std::vector<AutomationValue> arguments;
             std::int16_t next = 3;
             for (const char letter : method.signature.substr(1)) switch (letter) {
