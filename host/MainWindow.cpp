@@ -36,7 +36,7 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MakeDocks();
     MakeMenus();
     ReservePlainKeysForInputs();
-    OpenFiles(options.files);
+    OpenFiles(options.files);  // they wait for the viewer
     statusBar()->showMessage(tr("Open scans and meshes with the File menu, or drop them here."));
     // Imports have captures of their own; this is for everything else that the viewer writes, from any thread.
     MessagePane* const messages = m_pMessages;
@@ -113,7 +113,7 @@ void MainWindow::OnViewerRefused(const QString& reason) {
         emit FileFailed(file, "not opened, there is no viewer");
     }
     m_vWaitingFiles.clear();
-    DropWaitingPoints();
+    DropWaitingMarkers();
 }
 
 void MainWindow::EnableActions() {

@@ -231,8 +231,8 @@ private:
     /// Adds the messages of the finished import of points, and a row for each new set.
     /// @return the number of new sets
     std::size_t ReportPoints();
-    /// Reports each point file that waits: there is no viewer that could open it.
-    void DropWaitingPoints();
+    /// Reports each file of points, lines or needles that waits: there is no viewer that could open it.
+    void DropWaitingMarkers();
     void DeleteAllPoints();
     /// For a file that added nothing: a message, FileFailed() and the exit status.
     void ReportFileFailure(const std::string& file, const std::string& reason);

@@ -157,21 +157,25 @@ void MainWindow::ReportFileFailure(const std::string& file, const std::string& r
     emit FileFailed(file, reason);
 }
 
-void MainWindow::DropWaitingPoints() {
-    m_vWaitingPoints.push_back(std::exchange(m_unaskedPoints, {}));
-    for (const PointsRequest& request : std::exchange(m_vWaitingPoints, {})) {
-        m_nFilesNotAdded += request.files.size();
-        for (const std::string& file : request.files) {
+void MainWindow::DropWaitingMarkers() {
+    const auto drop = [this](std::vector<std::string> files) {
+        m_nFilesNotAdded += files.size();
+        for (const std::string& file : files) {
             m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
             emit FileFailed(file, "not opened, there is no viewer");
         }
-    }
+    };
+    drop(std::exchange(m_unaskedPoints, {}).files);
+    for (PointsRequest& request : std::exchange(m_vWaitingPoints, {})) drop(std::move(request.files));
+    for (auto* const files : {&m_options.pointFiles, &m_options.lineFiles, &m_options.needleFiles})
+        drop(std::exchange(*files, {}));
 }
 
 void MainWindow::OpenMarkersOfOptions() {
-    ImportPointFiles(m_options.pointFiles, {.alpha = 1.0f, .color = m_options.import.color});
-    ImportLineFiles(m_options.lineFiles);
-    for (const std::string& file : m_options.needleFiles) {
+    // Once: a later viewer, or none, must not open them again.
+    ImportPointFiles(std::exchange(m_options.pointFiles, {}), {.alpha = 1.0f, .color = m_options.import.color});
+    ImportLineFiles(std::exchange(m_options.lineFiles, {}));
+    for (const std::string& file : std::exchange(m_options.needleFiles, {})) {
         if (!LoadNeedles(file)) ++m_nFilesNotAdded;  // it has added the message
     }
 }

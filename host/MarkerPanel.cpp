@@ -69,7 +69,7 @@ std::vector<int> MarkerPanel::PointIds() const {
 
 void MarkerPanel::ShowLineCount(int count) {
     m_nLines = count;
-    m_pLines->setText(tr("Show &lines (%1)").arg(count));
+    m_pLines->setText(tr("Show lines (%1)").arg(count));
 }
 
 void MarkerPanel::ShowLinesDrawn(bool on) {

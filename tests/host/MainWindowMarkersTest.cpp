@@ -163,7 +163,7 @@ TEST_F(MainWindowMarkers, SwitchesLinesByPointer) {
         [&](QFileDialog& dialog) { Choose(dialog, Write("a.txt", "-100 0 0\n100 0 0\n\n0 -100 0\n0 100 0\n")); });
     Trigger("Import lines...");
     auto& lines = Find<QCheckBox>("lines");
-    EXPECT_EQ(lines.text().remove('&'), "Show lines (2)");
+    EXPECT_EQ(lines.text(), "Show lines (2)");
     EXPECT_TRUE(lines.isChecked());
     EXPECT_NE(Methods().GetLine3DDrawingMode(), 0);
     EXPECT_LT(MiddlePixel() & 0xFF, 0x30u) << "dark";
@@ -275,7 +275,7 @@ TEST_F(MainWindowMarkers, OpensThePointsAndLinesOfItsOptionsWithoutADialog) {
     EXPECT_EQ(MiddlePixel(), kRed) << "the view is fitted to the mesh and to the points";
     EXPECT_EQ(View()[6], 50.0f);
     EXPECT_EQ(View()[9], 1.5f);
-    EXPECT_EQ(Find<QCheckBox>("lines").text().remove('&'), "Show lines (1)");
+    EXPECT_EQ(Find<QCheckBox>("lines").text(), "Show lines (1)");
     EXPECT_TRUE(m_window->HaveAllFilesAdded());
 }
 
@@ -398,11 +398,11 @@ TEST_F(MainWindowMarkers, ClearRemovesObjectsPointsAndLines) {
     Trigger("Clear");
     EXPECT_TRUE(PointRows().empty());
     EXPECT_EQ(NextId(), 0);
-    EXPECT_EQ(Find<QCheckBox>("lines").text().remove('&'), "Show lines (0)");
+    EXPECT_EQ(Find<QCheckBox>("lines").text(), "Show lines (0)");
     EXPECT_EQ(MiddlePixel(), kBackground);
     EXPECT_EQ(View()[6], 0.0f) << "the view is that of an empty scene";
     m_window->ImportLineFiles({m_folder / "lines"});
-    EXPECT_EQ(Find<QCheckBox>("lines").text().remove('&'), "Show lines (1)") << "the ids of the lines are free again";
+    EXPECT_EQ(Find<QCheckBox>("lines").text(), "Show lines (1)") << "the ids of the lines are free again";
     ImportPoints({m_folder / "a.xyzrgb"});
     EXPECT_EQ(View()[6], 5.0f) << "points are fitted as in a new window";
 }

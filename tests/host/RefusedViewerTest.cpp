@@ -22,10 +22,13 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesThatItCannotOpen) {
     const ScratchFolder folder;
     WriteXdt(folder / "a.xdt", 2, 2);
     HostOptions options;
-    options.files = {folder / "a.xdt"};
+    options.files = {folder / "a.xdt", folder / "b.xyz"};
+    options.pointFiles = {folder / "c.xyz"};
+    options.lineFiles = {folder / "d.lines"};
+    options.needleFiles = {folder / "e.json"};
     MainWindow window(options);
     window.show();
-    ASSERT_TRUE(WaitUntil([&] { return window.Messages().toPlainText().contains("a.xdt"); }));
+    ASSERT_TRUE(WaitUntil([&] { return window.Messages().toPlainText().contains("e.json"); }));
     EXPECT_EQ(window.Pane(), nullptr);
     EXPECT_FALSE(window.HaveAllFilesAdded());
     const QString start = "There is no viewer: ";
@@ -33,7 +36,10 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesThatItCannotOpen) {
     for (const QLabel* const label : window.findChildren<QLabel*>())
         shown = shown || (label->isVisible() && label->text().startsWith(start) && label->text().size() > start.size());
     EXPECT_TRUE(shown);
-    EXPECT_TRUE(window.Messages().toPlainText().contains("a.xdt: not opened, there is no viewer"));
+    for (const char* const name : {"a.xdt", "b.xyz", "c.xyz", "d.lines", "e.json"}) {
+        const QString line = QString::fromStdString(folder / name) + ": not opened, there is no viewer";
+        EXPECT_EQ(window.Messages().toPlainText().count(line), 1) << name;
+    }
     window.OpenFiles({folder / "a.xdt"});
     EXPECT_FALSE(window.HaveAllFilesAdded());
     window.ClearScene();
