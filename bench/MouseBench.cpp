@@ -13,51 +13,14 @@
 #include <memory>
 #include <string>
 
+#include "DetachableWindow.h"
 #include "control/ScenePaneCtrl.h"
-#include "platform/CurrentContext.h"
 #include "platform/WindowFactory.h"
-#include "support/WindowProbe.h"
 #include "support/XvfbServer.h"
 
 namespace {
 
 using KV_ScenePane::MouseInput;
-
-/// After DetachContext() no context is current, MakeCurrent() reports success nevertheless, and a swap shows nothing.
-class DetachableWindow final : public WindowProbe {
-public:
-    using WindowProbe::WindowProbe;
-
-    void DetachContext() {
-        m_isDetached = true;
-        ReleaseCurrentEgl();
-        ReleaseCurrentGlx();
-    }
-    void AttachContext() {
-        m_isDetached = false;
-        MakeCurrent();
-    }
-    bool MakeCurrent() override {
-        ++makeCurrents;
-        return m_isDetached || WindowProbe::MakeCurrent();
-    }
-    void SwapBuffers() override {
-        ++swaps;
-        if (!m_isDetached) WindowProbe::SwapBuffers();
-    }
-
-    std::int64_t makeCurrents = 0, swaps = 0;
-
-private:
-    bool m_isDetached = false;
-};
-
-/// Whether OpenGL calls have no effect, both those that are linked and those that are loaded by name.
-bool OpenGlCallsDoNothing() {
-    GLuint name = 0;
-    glGenBuffers(1, &name);
-    return CurrentContext() == nullptr && glGetString(GL_VERSION) == nullptr && name == 0;
-}
 
 /// A control of 16 x 16 pixels, so that rasterising costs almost nothing, with many objects of two triangles.
 class MousePane {
