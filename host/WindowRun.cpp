@@ -7,6 +7,7 @@
 #include <string>
 
 #include "DisplayProbe.h"
+#include "FileTypes.h"
 #include "Headless.h"
 #include "MainWindow.h"
 #include "SceneFile.h"
@@ -28,6 +29,12 @@ std::string ChoosePlatform() {
     return {};
 }
 
+/// The window opens files of free points like those of objects.
+bool HoldsPoints(const std::string& file) {
+    const FileType* const type = FindFileType(file);
+    return type != nullptr && IsPoints(*type);
+}
+
 }  // namespace
 
 int RunWindow(const HostOptions& options, char* program) {
@@ -36,8 +43,13 @@ int RunWindow(const HostOptions& options, char* program) {
     };
     // Without a display the files are checked all the same: a script learns of both problems at once.
     if (const std::string reason = ChoosePlatform(); !reason.empty()) {
-        for (const std::string& file : options.files) {
-            if (const std::string refusal = ImportRefusal(file); !refusal.empty()) printFailure(file, refusal);
+        for (const auto* const files :
+             {&options.files, &options.pointFiles, &options.lineFiles, &options.needleFiles}) {
+            for (const std::string& file : *files) {
+                const bool isObject = files == &options.files && !HoldsPoints(file);
+                const std::string refusal = isObject ? ImportRefusal(file) : ReadRefusal(file);
+                if (!refusal.empty()) printFailure(file, refusal);
+            }
         }
         PrintError(stderr, reason + "; --screenshot, --capture, --pick, --info and --convert need none");
         return kExitFailure;
