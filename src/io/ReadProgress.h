@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <utility>
 
 #include "io/ByteInput.h"
 
@@ -11,8 +12,9 @@ class ReadProgress {
 public:
     /// @param report  receives 0 to 1 and returns false to cancel; may be empty
     /// @param bytes   size of the file
-    ReadProgress(const std::function<bool(double)>& report, std::uint64_t bytes)
-        : m_rReport(report), m_fStep(std::min(0.01, 16e6 / static_cast<double>(std::max<std::uint64_t>(bytes, 1)))) {}
+    ReadProgress(std::function<bool(double)> report, std::uint64_t bytes)
+        : m_report(std::move(report)),
+          m_fStep(std::min(0.01, 16e6 / static_cast<double>(std::max<std::uint64_t>(bytes, 1)))) {}
 
     /// @param part  how much of the work is done, 0 to 1
     /// @throws FileReadError "cancelled"
@@ -26,10 +28,10 @@ public:
 private:
     void Call(double part) {
         m_fLast = part;
-        if (m_rReport && !m_rReport(part)) throw FileReadError("cancelled");
+        if (m_report && !m_report(part)) throw FileReadError("cancelled");
     }
 
-    const std::function<bool(double)>& m_rReport;
+    std::function<bool(double)> m_report;
     double m_fStep;
     double m_fLast = 0;
 };

@@ -34,7 +34,8 @@ private:
     std::uint64_t m_uSize;                ///< bytes of the text
     std::uint64_t m_uLeft;                ///< of these, not read yet
     std::size_t m_uTail = 0, m_uEnd = 0;  ///< what is in the buffer and was not returned
-    std::unique_ptr<char[]> m_pBuffer = std::make_unique<char[]>(kBlock + 1);  ///< one more, for an added line feed
+    std::unique_ptr<char[]> m_pBuffer =
+        std::make_unique_for_overwrite<char[]>(kBlock + 1);  ///< one more, for an added line feed
 };
 
 /// A piece of a file's text for a message of one line: control characters replaced, cut after @p longest characters.

@@ -1,5 +1,6 @@
-// Shows a mesh made in memory on an off-screen viewer, and calls the measurement library; exit status 0 when all is
-// well.
+// Shows a mesh made in memory on an off-screen viewer, reads a file of points and calls the measurement library; exit
+// status 0 when all is well.
+#include <KV_ScenePane/PointFiles.h>
 #include <KV_ScenePane/ScenePane.h>
 #include <MSRDLL/Msr.h>
 
@@ -48,6 +49,10 @@ int main() {
     KV_ScenePane::Picture picture;
     if (!pane->CapturePicture(&picture)) return Fail("no picture");
     if (picture.width != 200 || picture.height != 100) return Fail("the picture has another size");
+
+    KV_ScenePane::PointCloud cloud;
+    if (KV_ScenePane::ReadPointFile("/nowhere.xyz", &cloud, &reason, {})) return Fail("points that are not there");
+    if (reason != "cannot be opened: No such file or directory") return Fail("another reason: " + reason);
 
     MsrStorage::MSR measurement;
     if (measurement.Load(L"/nowhere.pcm", false, true, false)) return Fail("a file that is not there was loaded");
