@@ -21,6 +21,11 @@ QString IdList(const std::vector<std::int32_t>& ids) {
     return texts.join(", ");
 }
 
+/// "1 needle", "2 needles".
+QString CountText(std::size_t count) {
+    return count == 1 ? MainWindow::tr("1 needle") : MainWindow::tr("%1 needles").arg(count);
+}
+
 }  // namespace
 
 void MainWindow::MakeNeedlePanel() {
@@ -59,7 +64,7 @@ bool MainWindow::SaveNeedles(const std::string& path) {
     std::string reason;
     const bool written = WriteNeedleFile(path, marks, &reason);
     if (written)
-        ReportNeedles(tr("%1: %2 needles saved").arg(file, QString::number(marks.size())));
+        ReportNeedles(tr("%1: %2 saved").arg(file, CountText(marks.size())));
     else
         ReportNeedles(tr("%1: not written: %2").arg(file, QString::fromStdString(reason)));
     return written;
@@ -75,7 +80,7 @@ bool MainWindow::LoadNeedles(const std::string& path) {
         return false;
     }
     const std::vector<std::int32_t> inUse = m_pNeedles->Place(marks);
-    QString text = tr("%1: %2 needles added").arg(file, QString::number(marks.size() - inUse.size()));
+    QString text = tr("%1: %2 added").arg(file, CountText(marks.size() - inUse.size()));
     if (!inUse.empty()) text += tr("; not added, because there are needles with their numbers: %1").arg(IdList(inUse));
     ReportNeedles(text);
     return true;

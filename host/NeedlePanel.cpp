@@ -43,7 +43,7 @@ double Rounded(double size) {
 
 QString PositionText(const float* position) {
     const auto number = [&](int i) { return QString::number(static_cast<double>(position[i]), 'g', 5); };
-    return number(0) + "  " + number(1) + "  " + number(2);
+    return number(0) + ", " + number(1) + ", " + number(2);
 }
 
 /// Pin, then head. @return false for an unknown needle
@@ -286,7 +286,9 @@ void NeedlePanel::DeleteSelected() {
 
 void NeedlePanel::DeleteAll() {
     const QString question = tr("Delete all %1 needles? Needles that are not saved are lost.").arg(m_rows.size());
-    if (QMessageBox::question(this, tr("Delete all needles"), question) != QMessageBox::Yes) return;
+    constexpr auto kAnswers = QMessageBox::Yes | QMessageBox::No;
+    if (QMessageBox::question(this, tr("Delete all needles"), question, kAnswers, QMessageBox::No) != QMessageBox::Yes)
+        return;
     if (m_pMethods == nullptr) return;    // lost while the question was open
     const PaintBlock block(*m_pMethods);  // each deletion would draw a frame
     m_pMethods->DeleteNeedles();

@@ -200,8 +200,8 @@ TEST_F(MainWindowNeedles, AreDeselectedWithTheMouseSwitchedOff) {
 TEST_F(MainWindowNeedles, ShowTheirPositions) {
     ASSERT_NE(Methods().CreateNeedle(5, 1, -2.5f, 0.125f, 1e6f, 0, 3.14159f), 0);
     const QTreeWidgetItem* const item = List().topLevelItem(0);
-    EXPECT_EQ(item->text(NeedlePanel::kPin), "1  -2.5  0.125");
-    EXPECT_EQ(item->text(NeedlePanel::kHead), "1e+06  0  3.1416");
+    EXPECT_EQ(item->text(NeedlePanel::kPin), "1, -2.5, 0.125");
+    EXPECT_EQ(item->text(NeedlePanel::kHead), "1e+06, 0, 3.1416");
 }
 
 TEST_F(MainWindowNeedles, StayWhenTheSceneIsCleared) {
@@ -401,7 +401,7 @@ TEST_F(MainWindowNeedles, AreLoadedWithTheirLooksAndShown) {
     mark.look.pinColor = 0x123456;
     WriteNeedles("a.json", {mark});
     ASSERT_TRUE(m_window->LoadNeedles(m_folder / "a.json"));
-    EXPECT_EQ(Messages(), (m_folder / "a.json") + ": 1 needles added");
+    EXPECT_EQ(Messages(), (m_folder / "a.json") + ": 1 needle added");
     EXPECT_TRUE(ShowBox().isChecked());
     EXPECT_EQ(Needles(), "4");
     EXPECT_EQ(Marks(), std::vector{mark});

@@ -264,6 +264,29 @@ TEST(ParseNeedles, RejectsAFileThatIsCutAnywhereInOneLine) {
     }
 }
 
+TEST_F(NeedleFile, WithDamagedBytesIsReadOrRefusedInOneLine) {
+    (void)WrittenAndRead({Mark(1, 0.25f), Mark(2, -1e-5f)});
+    const std::string whole = TextOf(m_path);
+    std::mt19937 random(7);
+    int refused = 0;
+    for (int i = 0; i < 20'000; ++i) {
+        std::string text = whole;
+        for (auto changes = 1 + random() % 3; changes > 0; --changes)
+            text[random() % text.size()] = static_cast<char>(random());
+        try {
+            for (const NeedleMark& mark : ParseNeedles(text))
+                for (const float value : mark.pin) ASSERT_TRUE(std::isfinite(value)) << text;
+        } catch (const std::runtime_error& error) {
+            ++refused;
+            const std::string reason = error.what();
+            ASSERT_TRUE(reason.starts_with("line ") && reason.find('\n') == std::string::npos) << reason << '\n'
+                                                                                               << text;
+        }
+    }
+    EXPECT_GT(refused, 5'000);
+    EXPECT_LT(refused, 20'000) << "a changed digit is another number";
+}
+
 TEST_F(NeedleFile, RefusesFilesThatAreNoneAndChangesNothing) {
     const std::string large = m_folder / "large.json", pipe = m_folder / "pipe.json", full = m_folder / "full.json";
     WriteText(large, "");
