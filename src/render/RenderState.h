@@ -73,5 +73,5 @@ struct RenderState {
     GLUquadric* m_pQuadric = nullptr;   ///< owned
     GLUquadric* m_pQuadric2 = nullptr;  ///< owned
     std::vector<Overlay> m_vOverlays;
-    float m_fPointCloudSize = 2.0f;  ///< point size of draw mode 0 and of free points, pixels
+    float m_fPointCloudSize = 2.0f;  ///< of draw mode 0: pixels; of free points: half their side, scene units
 };

@@ -75,6 +75,54 @@ const RepaintRow kRepaints[] = {
     {"SetConfidenceFilter", Repaint::None, [](auto& c) { c.SetConfidenceFilter(0.5f); }},
     {"SetPickRadius", Repaint::None, [](auto& c) { c.SetPickRadius(3); }},
     {"SetPointCloudRenderPointSize", Repaint::None, [](auto& c) { c.SetPointCloudRenderPointSize(3); }},
+    {"AddPickPointSphere", Repaint::Refresh, [](auto& c) { c.AddPickPointSphere(1, 2, 3, 4); }},
+    {"MovePickPointSphere", Repaint::Refresh,
+     [](auto& c) {
+         c.m_vPickPointSpheres.resize(1);
+         c.MovePickPointSphere(0, 1, 2, 3);
+     }},
+    {"RemovePickPointSphere", Repaint::Refresh,
+     [](auto& c) {
+         c.m_vPickPointSpheres.resize(1);
+         c.RemovePickPointSphere(0);
+     }},
+    {"ClearPickPointSpheres", Repaint::Refresh, [](auto& c) { c.ClearPickPointSpheres(); }},
+    {"GetNumberOfPickPointSpheres", Repaint::None, [](auto& c) { (void)c.GetNumberOfPickPointSpheres(); }},
+    {"GetPickPointSphereCoords", Repaint::None,
+     [](auto& c) {
+         float f = 0;
+         c.m_vPickPointSpheres.resize(1);
+         c.GetPickPointSphereCoords(0, &f, &f, &f);
+     }},
+    {"FindNearestPickPointSphere", Repaint::None, [](auto& c) { (void)c.FindNearestPickPointSphere(1, 2); }},
+    {"SetLine3DDrawingMode", Repaint::None, [](auto& c) { c.SetLine3DDrawingMode(-1); }},
+    {"GetLine3DDrawingMode", Repaint::None, [](auto& c) { (void)c.GetLine3DDrawingMode(); }},
+    {"CreateLine3D", Repaint::Refresh,
+     [](auto& c) {
+         const float points[6] = {};
+         c.CreateLine3D(1, 2, points);
+     }},
+    {"CreateLine3DOfAnIdInUse", Repaint::None,
+     [](auto& c) {
+         c.m_setLine3DIds.insert(1);
+         c.CreateLine3D(1, 0, nullptr);
+     }},
+    {"ImportPoints", Repaint::None,
+     [](auto& c) {
+         const float point[3] = {};
+         c.ImportPoints(1, point, point, 1.0f);
+     }},
+    {"SetPointsVisibility", Repaint::None,
+     [](auto& c) {
+         c.m_mapFreePoints[1];
+         c.SetPointsVisibility(1, 0);
+     }},
+    {"DeletePoints", Repaint::InvalidateWithErase,
+     [](auto& c) {
+         c.m_mapFreePoints[1];
+         c.DeletePoints(1);
+     }},
+    {"DeletePointsUnknownId", Repaint::None, [](auto& c) { c.DeletePoints(1); }},
     {"PerformRefresh", Repaint::Refresh, [](auto& c) { c.PerformRefresh(); }},
     {"PerformInvalidate", Repaint::Invalidate, [](auto& c) { c.PerformInvalidate(); }},
     {"SetDrawMosaic", Repaint::InvalidateWithErase, [](auto& c) { c.SetDrawMosaic(-1); }},

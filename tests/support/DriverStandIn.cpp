@@ -405,7 +405,24 @@ void glBlitFramebuffer(GLint x0, GLint y0, GLint x1, GLint y1, GLint toX0, GLint
     KV_REAL(glBlitFramebuffer)(x0, y0, x1, y1, toX0, toY0, toX1, toY1, mask, filter);
 }
 
+// ---- OpenGL: draws
+
+void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
+    Count(&DriverCounters::draws);
+    KV_REAL(glDrawArrays)(mode, first, count);
+}
+
+void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices) {
+    Count(&DriverCounters::draws);
+    KV_REAL(glDrawElements)(mode, count, type, indices);
+}
+
 // ---- OpenGL: queries
+
+GLint glGetUniformLocation(GLuint program, const GLchar* name) {
+    Count(&DriverCounters::uniformLookUps);
+    return KV_REAL(glGetUniformLocation)(program, name);
+}
 
 void glGetBooleanv(GLenum name, GLboolean* values) {
     Count(&DriverCounters::queries);
@@ -462,6 +479,9 @@ Procedure Replacement(std::string_view name) {
                                                              KV_ROW(glCopyTexImage2D),
                                                              KV_ROW(glCopyTexSubImage2D),
                                                              KV_ROW(glBlitFramebuffer),
+                                                             KV_ROW(glDrawArrays),
+                                                             KV_ROW(glDrawElements),
+                                                             KV_ROW(glGetUniformLocation),
                                                              KV_ROW(glGetBooleanv),
                                                              KV_ROW(glGetIntegerv),
                                                              KV_ROW(glGetFloatv),

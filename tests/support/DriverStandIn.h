@@ -44,6 +44,8 @@ struct DriverCounters {
     std::int64_t uploads = 0;          ///< glBufferData and its variants with a size above 0; failed ones count too
     std::int64_t failedUploads = 0;    ///< those that a fault made fail
     std::int64_t backBufferReads = 0;  ///< pixels read, copied or blitted while framebuffer 0 was bound for reading
+    std::int64_t draws = 0;            ///< glDrawArrays, glDrawElements
+    std::int64_t uniformLookUps = 0;   ///< glGetUniformLocation
     std::int64_t queries = 0;          ///< glGetBooleanv, glGetIntegerv, glGetFloatv, glGetDoublev, glIsEnabled
 };
 
