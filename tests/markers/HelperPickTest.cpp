@@ -1,6 +1,8 @@
 // Which helper object is under a pixel, with test objects that draw plain rectangles of pixels.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "render/SceneFixture.h"
 #include "support/ControlFixture.h"
 #include "support/DriverTraits.h"
@@ -223,6 +225,52 @@ TEST_F(HelperPick, IsExactInAMultisampledWindow) {
     }
     EXPECT_TRUE(glIsEnabled(GL_MULTISAMPLE));
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+}
+
+/// Colours and depths of the framebuffer that is bound for reading, 640 x 480 pixels.
+struct WholeFrame {
+    std::vector<std::uint32_t> colors = std::vector<std::uint32_t>(640 * 480);
+    std::vector<float> depths = std::vector<float>(640 * 480);
+    bool operator==(const WholeFrame&) const = default;
+};
+WholeFrame ReadWholeFrame() {
+    WholeFrame frame;
+    glReadPixels(0, 0, 640, 480, GL_RGBA, GL_UNSIGNED_BYTE, frame.colors.data());
+    glReadPixels(0, 0, 640, 480, GL_DEPTH_COMPONENT, GL_FLOAT, frame.depths.data());
+    return frame;
+}
+
+TEST_F(HelperPick, ChangesNeitherColourNorDepthOfTheFrame) {
+    for (const int wanted : {0, 4}) {
+        ASSERT_TRUE(control->MakeContextCurrent());
+        const int samples = wanted == 0 ? 0 : AvailableSamples(wanted);
+        control->RecreateOpenglContext(3, 3, samples);
+        AddMesh(*control, {{-9, -9, -9, 0, 0, 1}, {9, -9, 0, 0, 0, 1}, {0, 9, 9, 0, 0, 1}}, {Triangle{{0, 1, 2}}});
+        control->CenterView();
+        control->PerformRefresh();
+        ASSERT_TRUE(control->MakeContextCurrent());
+        const FrameTarget& target = control->m_frameTarget;
+        // With samples the frame cannot be read where it was drawn; both of its framebuffers are resolved and read.
+        const auto readAll = [&] {
+            target.Resolve();
+            if (samples > 0) {
+                glBindFramebuffer(GL_READ_FRAMEBUFFER, target.Name());
+                glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target.ReadName());
+                glBlitFramebuffer(0, 0, 640, 480, 0, 0, 640, 480, GL_DEPTH_BUFFER_BIT, GL_NEAREST);
+                target.Bind();
+            }
+            return ReadWholeFrame();
+        };
+        const WholeFrame before = readAll();
+        ASSERT_GT(std::ranges::count_if(before.depths, [](float depth) { return depth < 0.9f; }), 10000);
+        Stand stand({{0, 0, 0, 640, 480, 9}}, 1);
+        for (const auto& [x, y] : {std::pair{0, 0}, {320, 240}, {639, 479}, {17, 400}, {-5, 3}}) {
+            Pick({&stand}, x, y);
+            EXPECT_EQ(stand.IsPicked(), x >= 0);
+        }
+        EXPECT_TRUE(readAll() == before) << samples << " samples";
+        EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+    }
 }
 
 TEST(HelperPickWithoutAPicture, CallsNoObject) {

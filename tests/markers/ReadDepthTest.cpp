@@ -4,7 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+
 #include "render/SceneFixture.h"
+#include "support/BareContext.h"
+#include "support/DriverTraits.h"
 #include "support/GlNow.h"
 
 namespace {
@@ -51,6 +56,83 @@ TEST_P(ReadDepth, CountsRowsDownwardFromOneAboveTheWindow) {
     EXPECT_FALSE(At(-1, 120).has_value());
     EXPECT_FALSE(At(320, 120).has_value());
 }
+
+/// The depths of a raster of pixels; 1 where nothing is found.
+class DepthOfTheShownFrame : public ReadDepth {
+protected:
+    std::vector<float> All() {
+        std::vector<float> depths;
+        for (int y = 1; y <= 240; y += 6)
+            for (int x = 0; x < 320; x += 6) depths.push_back(At(x, y, 2).value_or(1));
+        return depths;
+    }
+    /// A square in front of a slanted triangle, and background.
+    void DrawScene() {
+        Add({.center = {2, 1, 20}, .half = 1});
+        AddMesh(*pane, {{-4, -4, -9, 0, 0, 1}, {4, -4, 9, 0, 0, 1}, {-4, 4, -3, 0, 0, 1}}, {Triangle{{0, 1, 2}}});
+        pane->m_bClipPlaneVisible = 1;
+        pane->m_clipPlane.SetCenter({0, 0, -15});
+        pane->m_clipPlane.SetRadiusFromExtent(4);
+        Frame();
+    }
+    void ExpectKeptByOperations() {
+        const std::vector<float> before = All();
+        ASSERT_GT(std::ranges::count(before, 1.0f), 100);
+        ASSERT_GT(std::ranges::count_if(before, [](float depth) { return depth < 0.7f; }), 100);
+        BareContext foreign;
+        const std::pair<const char*, std::function<void()>> operations[] = {
+            {"picks of handles",
+             [&] {
+                 RenderObject* const objects[] = {&pane->m_clipPlane};
+                 int found = 0;
+                 for (int x = 140; x < 180; ++x) {
+                     pane->PickRenderObjectsAt(objects, x, 24);
+                     found += pane->m_clipPlane.IsPicked() ? 1 : 0;
+                 }
+                 EXPECT_GT(found, 1);
+             }},
+            {"a pick",
+             [&] {
+                 KV_ScenePane::SurfacePoint hit;
+                 EXPECT_TRUE(pane->PickSurface(160 + 48, 120 - 24, &hit));
+             }},
+            {"a screenshot",
+             [&] {
+                 std::int32_t width = 0, height = 0;
+                 pane->GetScreenShotResolution(&width, &height);
+                 std::vector<std::uint32_t> shot(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+                 pane->CaptureScreenShot(shot.data());
+             }},
+            {"another view", [&] { pane->SetViewParams(1, 0, 0, 0, 1, 0, 1, 1, 0, 2, 0); }},  // no frame shows it yet
+            {"a foreign context", [&] { foreign.MakeCurrent(); }},
+        };
+        for (const auto& [name, operation] : operations) {
+            const int swaps = pane.window->swaps;
+            operation();
+            EXPECT_TRUE(All() == before) << "after " << name;
+            EXPECT_EQ(pane.window->swaps, swaps) << "no frame was drawn by " << name;
+        }
+    }
+};
+
+TEST_P(DepthOfTheShownFrame, IsKeptUntilTheNextFrame) {
+    DrawScene();
+    ExpectKeptByOperations();
+}
+
+TEST_P(DepthOfTheShownFrame, IsKeptWithSeveralSamples) {
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    const int samples = AvailableSamples(4);
+    if (samples == 0) GTEST_SKIP() << "the driver has no samples";
+    pane->RecreateOpenglContext(3, 3, samples);
+    Look(320, 240);
+    DrawScene();
+    ASSERT_NE(pane->m_frameTarget.Name(), pane->m_frameTarget.ReadName());
+    ExpectKeptByOperations();
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, DepthOfTheShownFrame, testing::ValuesIn(WindowKinds()),
+                         [](const auto& row) { return NameOf(row.param); });
 
 INSTANTIATE_TEST_SUITE_P(Windows, ReadDepth, testing::ValuesIn(WindowKinds()),
                          [](const auto& row) { return NameOf(row.param); });
