@@ -36,9 +36,8 @@ void CKV_ScenePaneCtrl::SetMouseFilter(std::function<bool(const KV_ScenePane::Mo
 
 // Double clicks and moves pass the delay by; presses and releases may wait in it.
 void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
-    if (m_bClosed) return;
     if (const auto filter = m_pMouseFilter; filter != nullptr && (*filter)(input)) return;
-    if (m_bClosed) return;  // the filter destroyed the viewer
+    if (m_bClosed) return;  // destroyed by the host, perhaps in its filter
     using Kind = KV_ScenePane::MouseInput::Kind;
     const MousePoint point{input.x, input.y};
     const auto press = [&](std::int32_t button) {
