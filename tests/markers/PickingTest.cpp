@@ -230,4 +230,24 @@ TEST_F(Picking, ViewDirectionOfAnEmptySceneIsNotReported) {
     EXPECT_EQ(pane->m_bAnimationRunning, 0);
 }
 
+// The dispatcher has a slot for a double click of the right button that no input reaches, in either scheme.
+TEST_F(Picking, ViewDirectionStaysSilentForAllMouseInput) {
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    Add({.center = {2, 2, 1.5}, .half = 2});
+    pane->SetPickMode(KV_ScenePane::PickModeCross);
+    pane.events.events.clear();
+    for (const std::int16_t scheme : {std::int16_t{0}, std::int16_t{1}}) {
+        pane->SetIGDRotation(scheme);
+        for (int i = 0; i < 3; ++i)
+            for (const Kind kind : {Kind::RightDown, Kind::RightUp, Kind::RightDown, Kind::RightUp, Kind::DoubleClick,
+                                    Kind::LeftUp, Kind::MiddleDown, Kind::MiddleUp, Kind::Move, Kind::Wheel}) {
+                const std::uint32_t flags = kind == Kind::RightDown ? KV_ScenePane::kMouseRight : 0;
+                pane->SendMouse({kind, flags, 320, 240, 0});
+                pane->OnPrivateMessage(1147);  // the delayed scheme delivers what waits
+                pane->ProcessEvents();
+            }
+    }
+    for (const Event& event : pane.events.events) EXPECT_NE(event.name, "SelectViewDirection");
+}
+
 }  // namespace
