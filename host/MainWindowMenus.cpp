@@ -168,8 +168,8 @@ void MainWindow::AskForBackground() {
 void MainWindow::AskForPointSize() {
     bool accepted = false;
     const QString label = tr("Pixels per point of an object;\nhalf the side of a free point in scene units:");
-    const double size = QInputDialog::getDouble(this, tr("Point size"), label, static_cast<double>(m_fPointSize), 0.5,
-                                                64.0, 1, &accepted);
+    const double size = QInputDialog::getDouble(this, tr("Point size"), label, static_cast<double>(m_fPointSize), 0.01,
+                                                64.0, 2, &accepted);
     if (accepted) ShowPointSize(static_cast<float>(size));
 }
 

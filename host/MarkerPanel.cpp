@@ -22,6 +22,7 @@ MarkerPanel::MarkerPanel(QWidget* parent) : QWidget(parent), m_pList(new QTreeWi
     m_pList->setRootIsDecorated(false);
     m_pList->setUniformRowHeights(true);
     m_pList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_pList->header()->setStretchLastSection(false);  // the numbers stay beside each other
     // Fires for every column of a row; the check mark is in the column of the name.
     connect(m_pList, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
         if (column == kName) emit PointsVisibilityWanted(IdOf(*item), item->checkState(kName) == Qt::Checked);
