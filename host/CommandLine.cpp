@@ -212,9 +212,10 @@ std::string MisplacedOption(const GivenOptions& given, const Option* selecting) 
     for (const Option* const option : given) {
         if ((option->runs & run) != 0) continue;
         if (run == kVersion) return "--version --verbose goes with --gpu only";
-        if (!option->goesWith.empty())
-            return std::string(option->name).append(" goes with ").append(option->goesWith).append(" only");
-        return std::string(option->name).append(" has no meaning with ").append(selecting->name);
+        const std::string name(option->name);
+        if (selecting == nullptr || !option->goesWith.empty())
+            return name + " goes with " + std::string(option->goesWith) + " only";
+        return name + " has no meaning with " + std::string(selecting->name);
     }
     return {};
 }
