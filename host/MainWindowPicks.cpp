@@ -101,7 +101,6 @@ void MainWindow::OnObjectPicked(int object, float x, float y, float z) {
             methods.MovePickPointSphere(moved, x, y, z);
             FollowPickPoints();  // no event reports a move
         } else {
-            FitPickRadius();
             m_vPickPoints.push_back(pick);  // the list is made from it in the event of the next line
             methods.AddPickPointSphere(x, y, z, m_pPicks->Color());
         }
