@@ -140,6 +140,18 @@ TEST_F(NeedleFrames, AreHiddenByWhatIsNearer) {
 
 // ---- beside other drawing
 
+TEST_F(NeedleFrames, AreCoveredByTheCrossAndByOverlays) {
+    AddNeedle(1, {0, 0, 0}, {0, 0, 0});
+    pane->m_nPickMode = KV_ScenePane::PickModeCross;
+    pane->SetCrossColor(0x2040C0);
+    const std::vector<std::uint8_t> image(4 * 4 * 4, 255);
+    pane->AddOverlayData(image.data(), 4, 4, 0, 0, 0, 0, 165, 125);
+    Frame();
+    ExpectPixel(160 + 10, 120, {0xC0 / 255.0, 0x40 / 255.0, 0x20 / 255.0});
+    ExpectPixel(167, 127, {1, 1, 1});
+    ExpectPixel(150, 110, Lit({-0.396, 0.396, 0.829}, kWhite), 5.0);
+}
+
 TEST_F(NeedleFrames, LookTheSameInEveryDrawMode) {
     AddNeedle(42, {2, -2, 0}, {-2, 1, 0}, {.headColor = 0x20A0F0, .pinSize = 0.5f, .hitPointRadius = 0.5f});
     Frame();

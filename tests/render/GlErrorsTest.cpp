@@ -137,6 +137,9 @@ protected:
         pane->SetPickMode(KV_ScenePane::PickModeCross);
         pane->m_bClipPlaneVisible = pane->m_bClipPlaneActive = 1;
         pane->m_bLine3DDrawingMode = pane->m_bNeedleDrawingMode = 1;
+        pane->CreateNeedle(1, 0, 0, 0, 1, 1, 1);
+        pane->CreateNeedle(2, kNan, 0, 0, kInfinity, 0, kNan);
+        pane->SelectNeedle(1);
         pane->PerformRefresh();
         (void)TakeErrors();
     }
@@ -154,6 +157,9 @@ protected:
         EXPECT_EQ(TakeErrors(), std::vector<GLenum>(shadowPass ? 1 : 0, GL_STACK_UNDERFLOW));
         Float3 hit{};
         (void)pane->PickObjectAt(3, 4, &hit);
+        pane->SelectNeedleAt(32, 24);
+        pane->m_vNeedles.at(0).selected = true;  // a method would draw a frame
+        EXPECT_TRUE(pane->DragSelectedNeedle(30, 20));
         float f = 0;
         (void)pane->GetViewDirection(&f, &f, &f, &f, &f, &f);
         std::array<float, 16> matrix{};
