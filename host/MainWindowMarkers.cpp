@@ -32,6 +32,19 @@ QStringList NamesOf(const std::vector<std::string>& files) {
     return names;
 }
 
+/// Fits the view to lines. The viewer fits to objects and free points only: the points of the lines are free points for
+/// the moment of the fit.
+void FitViewToLines(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<Polyline>& lines, float zoom) {
+    KV_ScenePane::PointCloud cloud;
+    for (const Polyline& line : lines) cloud.xyz.insert(cloud.xyz.end(), line.begin(), line.end());
+    bool hasExtent = false;
+    for (std::size_t i = 3; i < cloud.xyz.size(); ++i) hasExtent = hasExtent || cloud.xyz[i] != cloud.xyz[i - 3];
+    if (!hasExtent) return;
+    const int id = AddPoints(methods, std::move(cloud), 0, 1.0f);
+    FitView(methods, zoom);
+    methods.DeletePoints(id);
+}
+
 }  // namespace
 
 void MainWindow::MakeMarkerActions(QMenu& menu) {
@@ -188,16 +201,20 @@ void MainWindow::AskForLineFiles() {
 
 void MainWindow::ImportLineFiles(const std::vector<std::string>& files) {
     if (Pane() == nullptr || files.empty()) return;
-    std::size_t count = 0;
+    std::vector<Polyline> lines;  // of all files
     for (const std::string& file : files) {
-        std::vector<Polyline> lines;
-        const std::string reason = AddLineFile(Pane()->Methods(), file, &lines);
-        count += lines.size();
+        std::vector<Polyline> added;
+        const std::string reason = AddLineFile(Pane()->Methods(), file, &added);
+        lines.insert(lines.end(), added.begin(), added.end());
         if (!reason.empty()) ReportFileFailure(file, reason);
     }
-    m_pMarkers->ShowLineCount(m_pMarkers->LineCount() + static_cast<int>(count));
-    if (count > 0) ShowLines(true);
-    statusBar()->showMessage(tr("%1 lines added").arg(count));
+    // An import that runs or waits fits the view to what it adds.
+    const bool isOnlyContent = IsSceneEmpty() && m_pMarkers->LineCount() == 0 && !IsImporting() &&
+                               m_vWaitingPoints.empty() && m_unaskedPoints.files.empty() && !m_bAsksForPoints;
+    m_pMarkers->ShowLineCount(m_pMarkers->LineCount() + static_cast<int>(lines.size()));
+    if (!lines.empty()) ShowLines(true);
+    if (isOnlyContent) FitViewToLines(Pane()->Methods(), lines, m_options.zoom);
+    statusBar()->showMessage(tr("%1 lines added").arg(lines.size()));
 }
 
 // ---- what the panel asks for

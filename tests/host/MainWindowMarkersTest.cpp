@@ -389,6 +389,29 @@ TEST_F(MainWindowMarkers, FitsTheViewToTheFirstPointsOnly) {
     EXPECT_EQ(View()[6], 5.0f) << "hidden points do not count";
 }
 
+TEST_F(MainWindowMarkers, FitsTheViewToTheFirstLinesOfAnEmptyScene) {
+    Show();
+    m_window->ImportLineFiles({Write("a.lines", "1000 0 0\n1200 100 0\n")});
+    EXPECT_EQ(View()[6], 1100.0f);
+    EXPECT_EQ(View()[7], 50.0f);
+    EXPECT_LT(MiddlePixel() & 0xFF, 0x20u) << "the line is dark, the background is not";
+    EXPECT_EQ(NextId(), 0) << "no points are left";
+    const std::array<float, 10> view = View();
+    m_window->ImportLineFiles({Write("b.lines", "0 0 0\n1 0 0\n")});
+    EXPECT_EQ(View(), view);
+    Trigger("Clear");
+    const std::array<float, 10> cleared = View();
+    m_window->ImportLineFiles({Write("point.lines", "7 7 7\n7 7 7\n")});
+    EXPECT_EQ(View(), cleared) << "a line without extent gives no view";
+    ImportPoints({Write("a.xyzrgb", kRedCross)});
+    EXPECT_EQ(View()[6], 5.0f) << "lines do not count for points";
+    Trigger("Clear");
+    ImportPoints({m_folder / "a.xyzrgb"});
+    const std::array<float, 10> points = View();
+    m_window->ImportLineFiles({m_folder / "a.lines"});
+    EXPECT_EQ(View(), points);
+}
+
 TEST_F(MainWindowMarkers, ClearRemovesObjectsPointsAndLines) {
     Show();
     WriteStl(m_folder / "mesh.stl");
