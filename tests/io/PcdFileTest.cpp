@@ -339,12 +339,15 @@ TEST(Lzf, CopiesWhatItHasWritten) {
     EXPECT_EQ(Decompress(lzf, 23), "abcabcabc" + std::string(14, 'c'));
 }
 
+// Also across the end of what is decompressed at once.
 TEST(Lzf, ReachesExactly8192BytesBack) {
-    std::string start(8192, '\0');
-    std::iota(start.begin(), start.end(), '\0');
-    start[0] = 'S';
     const std::string longest = "\x3F\xFF";  // 3 bytes from 8192 back
-    EXPECT_EQ(Decompress(Literals(start) + longest, 8195), start + start.substr(0, 3));
+    for (const std::size_t size : {8192, 65536}) {
+        std::string start(size, '\0');
+        std::iota(start.begin(), start.end(), '\0');
+        start[size - 8192] = 'S';
+        EXPECT_EQ(Decompress(Literals(start) + longest, size + 3), start + start.substr(size - 8192, 3));
+    }
 }
 
 // More than the window and more than one round, in pieces of any size.

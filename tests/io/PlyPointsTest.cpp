@@ -111,14 +111,16 @@ TEST(PlyPoints, IgnoresTheFaces) {
     EXPECT_THAT(Read(Binary(Vertices(1) + faces) + Raw(1.0f, 2.0f, 3.0f) + "damaged").xyz, ElementsAre(1, 2, 3));
 }
 
+// A list with a negative count is empty.
 TEST(PlyPoints, SkipsElementsBeforeTheVertices) {
     const std::string header =
         "element empty 2000000000\nelement note 2\nproperty short a\nproperty uchar b\n"
         "element face 2\nproperty uchar mark\nproperty list uchar int vertex_indices\n"
         "property list char double w\n" +
         Vertices(1) + kEnd;
-    EXPECT_THAT(Read(Text(header) + "1 2 3 4\n 7 3 0 0 0 0\n8 0 2 .5 .5\n 1 2 3\n").xyz, ElementsAre(1, 2, 3));
-    const std::string faces = Raw('\7', '\3', 0, 0, 0) + Raw('\0') + Raw('\7') + Raw('\0') + Raw('\2') + Raw(0.5, 0.5);
+    EXPECT_THAT(Read(Text(header) + "1 2 3 4\n 7 3 0 0 0 -1\n8 0 2 .5 .5\n 1 2 3\n").xyz, ElementsAre(1, 2, 3));
+    const std::string faces =
+        Raw('\7', '\3', 0, 0, 0) + Raw('\xFF') + Raw('\7') + Raw('\0') + Raw('\2') + Raw(0.5, 0.5);
     EXPECT_THAT(Read(Binary(header) + "123456" + faces + Raw(1.0f, 2.0f, 3.0f)).xyz, ElementsAre(1, 2, 3));
 }
 
