@@ -44,6 +44,10 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesThatItCannotOpen) {
     EXPECT_FALSE(window.HaveAllFilesAdded());
     window.ClearScene();
     window.ShowView(KV_ScenePane::ViewFromPlusXZUp);
+    window.ChoosePickMode(KV_ScenePane::PickModePoints);
+    window.ClearPickPoints();
+    window.MovePickPoint(0);
+    window.CopyPickDistance();
     EXPECT_FALSE(window.IsImporting());
 }
 
