@@ -86,7 +86,6 @@ void NeedlePanel::MakeSwitches() {
     m_pLimit->setToolTip(tr("How many needles there can be. It cannot be lowered below the number of needles."));
     m_pLimit->setMaximum(static_cast<int>(kMaxNeedlesInFile));
     m_pLimit->setValue(m_nLimit);
-    m_pLimit->setKeyboardTracking(false);  // the first digit of a larger number is no limit yet
     connect(m_pLimit, &QSpinBox::valueChanged, this, &NeedlePanel::ChangeLimit);
     m_pText->setObjectName("needleText");
     m_pText->setWordWrap(true);
