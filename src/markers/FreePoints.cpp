@@ -15,6 +15,9 @@
 namespace {
 
 constexpr float kOpaqueAlpha = 0.99f;  // sets with less are blended
+// Above the limit of any driver, which draws larger points in the size of its limit. softpipe (Mesa 22.3) has none: it
+// never finishes a frame with points of millions of pixels.
+constexpr double kLargestPoint = 8192;
 
 /// Copies 3 floats per point into a new buffer, and makes it an attribute of the bound vertex array.
 void UploadAttribute(GLuint index, std::uint32_t& buffer, std::int32_t numPoints, const float* values) {
@@ -70,6 +73,12 @@ void DrawSet(const FreePointSet& points) {
     }
 }
 
+/// The size of points for the shader, which makes pixels of it; a size that is not a number is 0.
+float LimitedSize(float size, double pixelsPerUnit) {
+    if (std::isnan(size)) return 0.0f;
+    return size * pixelsPerUnit > kLargestPoint ? static_cast<float>(kLargestPoint / pixelsPerUnit) : size;
+}
+
 /// True for an alpha that is not a number.
 bool IsOpaque(const FreePointSet& points) { return !(points.alpha < kOpaqueAlpha); }
 
@@ -114,7 +123,8 @@ void CKV_ScenePaneCtrl::DrawFreePoints() {
     glUseProgram(m_progFreeFloatingPoints);
     const auto uniform = [this](const char* name) { return glGetUniformLocation(m_progFreeFloatingPoints, name); };
     const GLint alpha = uniform("alpha");
-    glUniform1f(uniform("pointSize"), m_fPointCloudSize);
+    const double halfHeight = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY).halfHeight;
+    glUniform1f(uniform("pointSize"), LimitedSize(m_fPointCloudSize, m_nHeight / halfHeight));
     glUniform1f(uniform("windowHeight"), static_cast<float>(m_nHeight));
     glUniform1f(alpha, 1.0f);
     glEnable(GL_VERTEX_PROGRAM_POINT_SIZE);  // the shader writes gl_PointSize

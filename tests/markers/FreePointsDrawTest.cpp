@@ -267,7 +267,7 @@ TEST_F(FreePointFrames, WithAnOddPointSizeDisturbNothing) {
     Import({1, 0, 0}, kGreen, 0.5f);
     Frame();
     const auto expected = picture.pixels;
-    for (const float size : {0.0f, -1.0f, kNan, kInf, -kInf, 1e30f}) {
+    for (const float size : {0.0f, -1.0f, kNan, kInf, -kInf, 1e6f, 1e30f}) {
         pane->SetPointCloudRenderPointSize(size);
         Frame();  // no OpenGL error
         pane->SetPointCloudRenderPointSize(0.25f);
