@@ -117,7 +117,7 @@ Soup AtTheEdges(Numbers& numbers, int count) {
     Soup soup;
     for (int i = 0; i < count; ++i) soup.Add(RandomCorners(numbers, {}, 3));
     const auto at = [&](std::size_t i) { return Double3{soup.vertices[i].x, soup.vertices[i].y, soup.vertices[i].z}; };
-    const auto first = static_cast<std::size_t>(3 * numbers.Int(0, count - 1));
+    const auto first = 3 * static_cast<std::size_t>(numbers.Int(0, count - 1));
     const double share = numbers.Int(0, 3) == 0 ? 0 : numbers.Uniform(0, 1);
     const Double3 from = at(first + static_cast<std::size_t>(numbers.Int(0, 2)));
     const Double3 to = at(first + static_cast<std::size_t>(numbers.Int(0, 2)));
