@@ -172,6 +172,7 @@ TEST_F(MainWindowNeedles, FollowTheViewer) {
     Methods().SelectNeedle(3);
     Methods().SetMaxNumberOfNeedles(1);
     EXPECT_EQ(Needles(), "2") << "deleted without a deselection";
+    EXPECT_FALSE(Find<QPushButton>("needleDelete").isEnabled()) << "nothing is selected";
     Methods().DeleteNeedles();
     EXPECT_EQ(Needles(), "");
 }
