@@ -221,8 +221,7 @@ TEST_F(Lines3D, RestoreTheOpenGlState) {
     Frame();
     pane->m_bInDraw = 1;
     for (const bool enabled : {false, true}) {
-        for (const GLenum name : {GL_DEPTH_TEST, GL_LIGHTING, GL_LIGHT0})
-            enabled ? glEnable(name) : glDisable(name);
+        for (const GLenum name : {GL_DEPTH_TEST, GL_LIGHTING, GL_LIGHT0}) enabled ? glEnable(name) : glDisable(name);
         for (const float width : {3.0f, 8.0f, 1000.0f, 1e9f}) {  // above what the driver has
             const GlSnapshot before = TakeGlSnapshot();
             pane->DrawLines3D(width);
