@@ -1,8 +1,9 @@
 // Reader and writer of needle files, and the way of their needles into a viewer.
 #include "NeedleFile.h"
 
-#include <sys/stat.h>
-
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -11,7 +12,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "JsonText.h"
 #include "PaintBlock.h"
 #include "SceneFile.h"
 #include "SceneReport.h"
@@ -25,7 +25,7 @@ constexpr int kVersion = 1;
 
 /// Where a key of an entry is stored; exactly one of the pointers is set.
 struct Field {
-    std::string_view key;
+    const char* key;
     std::array<float, 3> NeedleMark::*position = nullptr;
     float NeedleLook::*size = nullptr;
     std::int32_t NeedleLook::*color = nullptr;
@@ -45,34 +45,54 @@ constexpr Field kFields[] = {
     {"headSelectionColor", nullptr, nullptr, &NeedleLook::headSelectionColor},
 };
 
-float ReadFloat(JsonText& json) {
-    const auto value = static_cast<float>(json.ReadNumber());
-    if (!std::isfinite(value)) throw std::runtime_error("the number is out of range");
-    return value;
+/// Calls @p work; the reasons of its failures begin with the place.
+template <class Work>
+void At(const std::string& place, const Work& work) {
+    try {
+        work();
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(place + ": " + error.what());
+    }
 }
 
-std::int32_t ReadId(JsonText& json) {
-    const double value = json.ReadNumber();
+double ToNumber(const QJsonValue& value) {
+    if (!value.isDouble()) throw std::runtime_error("not a number");
+    return value.toDouble();
+}
+
+std::string ToText(const QJsonValue& value) {
+    if (!value.isString()) throw std::runtime_error("not a text");
+    return value.toString().toStdString();
+}
+
+QJsonArray ToArray(const QJsonValue& value) {
+    if (!value.isArray()) throw std::runtime_error("not an array");
+    return value.toArray();
+}
+
+float ToFloat(const QJsonValue& value) {
+    const auto number = static_cast<float>(ToNumber(value));
+    if (!std::isfinite(number)) throw std::runtime_error("the number is out of range");
+    return number;
+}
+
+std::int32_t ToId(const QJsonValue& value) {
+    const double number = ToNumber(value);
     using Limits = std::numeric_limits<std::int32_t>;
-    if (std::trunc(value) != value || value < Limits::min() || value > Limits::max())
+    if (std::trunc(number) != number || number < Limits::min() || number > Limits::max())
         throw std::runtime_error("not a whole number of 32 bits");
-    return static_cast<std::int32_t>(value);
+    return static_cast<std::int32_t>(number);
 }
 
-std::array<float, 3> ReadPosition(JsonText& json) {
-    std::array<float, 3> position{};
-    std::size_t count = 0;
-    json.ReadArray([&] {
-        if (count == position.size()) throw std::runtime_error("there are more than 3 numbers");
-        position[count++] = ReadFloat(json);
-    });
-    if (count != position.size()) throw std::runtime_error("there are fewer than 3 numbers");
-    return position;
+std::array<float, 3> ToPosition(const QJsonValue& value) {
+    const QJsonArray numbers = ToArray(value);
+    if (numbers.size() != 3) throw std::runtime_error("not 3 numbers");
+    return {ToFloat(numbers[0]), ToFloat(numbers[1]), ToFloat(numbers[2])};
 }
 
 /// "#RRGGBB". @return 0x00BBGGRR
-std::int32_t ReadColor(JsonText& json) {
-    const std::string text = json.ReadString();
+std::int32_t ToColor(const QJsonValue& value) {
+    const std::string text = ToText(value);
     unsigned rgb = 0;
     const char* const end = text.data() + text.size();
     const bool isColor =
@@ -81,119 +101,52 @@ std::int32_t ReadColor(JsonText& json) {
     return static_cast<std::int32_t>((rgb >> 16) | (rgb & 0xFF00) | ((rgb & 0xFF) << 16));
 }
 
-void ReadField(JsonText& json, const Field& field, NeedleMark* mark) {
-    if (field.position != nullptr) mark->*field.position = ReadPosition(json);
-    if (field.size != nullptr) mark->look.*field.size = ReadFloat(json);
-    if (field.color != nullptr) mark->look.*field.color = ReadColor(json);
+/// Calls @p read with the value of a key, or not at all when the key is neither there nor needed.
+template <class Read>
+void ReadKey(const QJsonObject& object, const char* key, bool isNeeded, const Read& read) {
+    At(std::string("key \"").append(key).append("\""), [&] {
+        const QJsonValue value = object[QLatin1String(key)];
+        if (!value.isUndefined())
+            read(value);
+        else if (isNeeded)
+            throw std::runtime_error("is missing");
+    });
 }
 
-/// The reader of one file. Where it is when it throws is where the fault is.
-class NeedleReader {
-public:
-    explicit NeedleReader(std::string_view text) : m_json(text) {}
-
-    std::vector<NeedleMark> Read() {
-        try {
-            ReadFile();
-        } catch (const std::runtime_error& error) {
-            throw std::runtime_error(Place() + error.what());
-        }
-        return std::move(m_marks);
-    }
-
-private:
-    void ReadFile() {
-        bool hasFormat = false, hasVersion = false, hasNeedles = false;
-        m_json.ReadObject([&](const std::string& key) {
-            m_key = key;
-            if (key == "format") {
-                ReadOnce(&hasFormat);
-                if (m_json.ReadString() != kFormat) throw std::runtime_error("not a file of needles");
-            } else if (key == "version") {
-                ReadOnce(&hasVersion);
-                if (m_json.ReadNumber() != kVersion) throw std::runtime_error("an unknown version");
-            } else if (key == "needles") {
-                ReadOnce(&hasNeedles);
-                m_json.ReadArray([this] { ReadEntry(); });
-                m_entry = 0;
-            } else {
-                m_json.SkipValue();
-            }
-            m_key.clear();
+NeedleMark ReadEntry(const QJsonValue& entry) {
+    if (!entry.isObject()) throw std::runtime_error("not an object");
+    const QJsonObject object = entry.toObject();
+    NeedleMark mark;
+    ReadKey(object, "id", true, [&](const QJsonValue& value) { mark.id = ToId(value); });
+    for (const Field& field : kFields) {
+        ReadKey(object, field.key, field.isNeeded, [&](const QJsonValue& value) {
+            if (field.position != nullptr) mark.*field.position = ToPosition(value);
+            if (field.size != nullptr) mark.look.*field.size = ToFloat(value);
+            if (field.color != nullptr) mark.look.*field.color = ToColor(value);
         });
-        m_json.ExpectEnd();
-        Need(hasFormat, "format");
-        Need(hasVersion, "version");
-        Need(hasNeedles, "needles");
-        CheckIds();
     }
+    return mark;
+}
 
-    void ReadEntry() {
-        ++m_entry;
-        m_key.clear();
-        if (m_entry > kMaxNeedlesInFile) throw std::runtime_error("there are too many needles");
-        NeedleMark mark;
-        bool hasId = false;
-        std::array<bool, std::size(kFields)> has{};
-        m_json.ReadObject([&](const std::string& key) {
-            m_key = key;
-            const auto* const field = std::ranges::find(kFields, key, &Field::key);
-            if (key == "id") {
-                ReadOnce(&hasId);
-                mark.id = ReadId(m_json);
-            } else if (field != std::end(kFields)) {
-                ReadOnce(&has[static_cast<std::size_t>(field - kFields)]);
-                ReadField(m_json, *field, &mark);
-            } else {
-                m_json.SkipValue();
-            }
-            m_key.clear();
-        });
-        Need(hasId, "id");
-        for (std::size_t i = 0; i < has.size(); ++i) Need(has[i] || !kFields[i].isNeeded, kFields[i].key);
-        m_marks.push_back(mark);
+void CheckIds(const std::vector<NeedleMark>& marks) {
+    std::vector<std::int32_t> ids;
+    for (const NeedleMark& mark : marks) ids.push_back(mark.id);
+    std::ranges::sort(ids);
+    const auto twice = std::ranges::adjacent_find(ids);
+    if (twice != ids.end()) throw std::runtime_error("two needles have the id " + std::to_string(*twice));
+}
+
+/// @throws std::runtime_error that names the line, if the text is not JSON
+QJsonObject ParseObject(const QByteArray& text) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        const auto line = 1 + text.first(std::min<qsizetype>(error.offset, text.size())).count('\n');
+        throw std::runtime_error("line " + std::to_string(line) + ": " + error.errorString().toStdString());
     }
-
-    static void ReadOnce(bool* wasRead) {
-        if (*wasRead) throw std::runtime_error("occurs twice");
-        *wasRead = true;
-    }
-
-    void Need(bool isThere, std::string_view key) {
-        if (isThere) return;
-        m_key = key;
-        throw std::runtime_error("is missing");
-    }
-
-    void CheckIds() {
-        std::vector<std::int32_t> ids;
-        for (const NeedleMark& mark : m_marks) ids.push_back(mark.id);
-        std::ranges::sort(ids);
-        const auto twice = std::ranges::adjacent_find(ids);
-        if (twice != ids.end()) throw std::runtime_error("two needles have the id " + std::to_string(*twice));
-    }
-
-    /// "line 4, entry 2, key "pin": ".
-    [[nodiscard]] std::string Place() const {
-        std::string place = "line " + std::to_string(m_json.Line());
-        if (m_entry != 0) place += ", entry " + std::to_string(m_entry);
-        if (!m_key.empty()) place += ", key \"" + PrintableKey() + '"';
-        return place + ": ";
-    }
-
-    /// Short and without control characters, because the reason is one line.
-    [[nodiscard]] std::string PrintableKey() const {
-        std::string key = m_key.substr(0, 40);
-        std::ranges::replace_if(
-            key, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
-        return key;
-    }
-
-    JsonText m_json;
-    std::vector<NeedleMark> m_marks;
-    std::size_t m_entry = 0;  // from 1; 0 outside the entries
-    std::string m_key;        // whose value is read; empty between the keys
-};
+    if (!document.isObject()) throw std::runtime_error("not a file of needles");
+    return document.object();
+}
 
 /// The shortest text of the number as a double: other readers of JSON read doubles, and their floats are these bits.
 std::string JsonNumber(float value) {
@@ -223,11 +176,8 @@ std::string JsonFile(const std::vector<NeedleMark>& marks) {
     std::string json = "{\"format\": \"";
     json.append(kFormat).append("\", \"version\": ").append(std::to_string(kVersion)).append(", \"needles\": [");
     for (const NeedleMark& mark : marks) {
-        try {
-            json.append(&mark == marks.data() ? "\n  " : ",\n  ").append(JsonNeedle(mark));
-        } catch (const std::runtime_error& error) {
-            throw std::runtime_error("needle " + std::to_string(mark.id) + ": " + error.what());
-        }
+        json += &mark == marks.data() ? "\n  " : ",\n  ";
+        At("needle " + std::to_string(mark.id), [&] { json += JsonNeedle(mark); });
     }
     return json + "\n]}\n";
 }
@@ -246,7 +196,24 @@ bool HasNeedle(KV_ScenePane::_DKV_ScenePane& methods, std::int32_t id) {
 
 }  // namespace
 
-std::vector<NeedleMark> ParseNeedles(std::string_view text) { return NeedleReader(text).Read(); }
+std::vector<NeedleMark> ParseNeedles(std::string_view text) {
+    const QJsonObject file = ParseObject(QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())));
+    ReadKey(file, "format", true, [](const QJsonValue& value) {
+        if (ToText(value) != kFormat) throw std::runtime_error("not a file of needles");
+    });
+    ReadKey(file, "version", true, [](const QJsonValue& value) {
+        if (ToNumber(value) != kVersion) throw std::runtime_error("an unknown version");
+    });
+    QJsonArray entries;
+    ReadKey(file, "needles", true, [&](const QJsonValue& value) { entries = ToArray(value); });
+    if (static_cast<std::size_t>(entries.size()) > kMaxNeedlesInFile)
+        throw std::runtime_error("there are too many needles");
+    std::vector<NeedleMark> marks;
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        At("entry " + std::to_string(i + 1), [&] { marks.push_back(ReadEntry(entries[i])); });
+    CheckIds(marks);
+    return marks;
+}
 
 bool ReadNeedleFile(const std::string& path, std::vector<NeedleMark>* marks, std::string* reason) {
     try {

@@ -36,7 +36,8 @@ inline constexpr std::size_t kMaxNeedlesInFile = 10'000;
 inline constexpr std::size_t kMaxNeedleFileSize = 16 * 1024 * 1024;
 
 /// Reads the content of a needle file.
-/// @throws std::runtime_error with one line that names the line, the entry (from 1) and the key
+/// @throws std::runtime_error with one line of text: the line of a text that is not JSON, otherwise the entry (from 1)
+///         and the key
 [[nodiscard]] std::vector<NeedleMark> ParseNeedles(std::string_view text);
 
 /// Reads a whole needle file, which may have been damaged or written by anybody.

@@ -427,10 +427,10 @@ TEST_F(MainWindowNeedles, RaiseTheLimitWhenMoreAreLoaded) {
 TEST_F(MainWindowNeedles, OfADamagedFileAreRefusedAsAWhole) {
     std::ofstream(m_folder / "a.json")
         << "{\"format\": \"scenepane needles\", \"version\": 1, \"needles\": [\n"
-           "{\"id\": 1, \"pin\": [0, 0, 0], \"head\": [0, 0, 1]},\n{\"id\": 2, \"pin\": [0, 0, 1e999]}]}";
+           "{\"id\": 1, \"pin\": [0, 0, 0], \"head\": [0, 0, 1]},\n{\"id\": 2, \"pin\": [0, 0, 1e99]}]}";
     EXPECT_FALSE(m_window->LoadNeedles(m_folder / "a.json"));
     EXPECT_EQ(Messages(),
-              (m_folder / "a.json") + ": no needles added: line 3, entry 2, key \"pin\": the number is out of range");
+              (m_folder / "a.json") + ": no needles added: entry 2: key \"pin\": the number is out of range");
     EXPECT_EQ(Needles(), "");
     EXPECT_FALSE(ShowBox().isChecked());
 }
