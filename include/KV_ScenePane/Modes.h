@@ -52,7 +52,9 @@ enum RotationMode : std::int16_t {
     RotateFree = 3,
 };
 
-/// What a double click does: SetPickMode(). A viewer starts with PickModeOff.
+/// What a double click does: SetPickMode(). A viewer starts with PickModeOff. In the modes that fire SelectObjCoords a
+/// single left click does the same after SetIGDRotation(1). With FlipMouseButtons() a double click does nothing of
+/// this, and after SetNeedlePickingMode(kVariantTrue) it centres no view.
 enum PickMode : std::int16_t {
     /// It centres the view.
     PickModeOff = 0,
@@ -64,7 +66,9 @@ enum PickMode : std::int16_t {
     PickModeObjectsSecond = 3,
     /// As PickModeOff.
     PickModeOffSecond = 4,
-    /// On an object it fires SelectObjCoords; beside the objects it does nothing. Pick-point spheres are drawn.
+    /// On an object it fires SelectObjCoords; beside the objects it does nothing. Pick-point spheres are drawn after
+    /// the
+    /// first pick that has hit.
     PickModePoints = 5,
 };
 

@@ -53,8 +53,8 @@ public:
     /// Finds the pick-point sphere whose centre is nearest to a point of the window, in whole pixels: depth and radius
     /// do not count, nor whether it is drawn. Of several at the same distance it is the one with the lowest id.
     /// @param sx, sy  pixels of the drawing area, y downward
-    /// @return its id; -1 without spheres, without OpenGL, and when none is less than 46341 pixels away or all have
-    ///         coordinates that are not finite
+    /// @return its id; -1 without OpenGL, and when no sphere has a pixel whose squared distance is below 2147483647:
+    ///         one that is not finite or outside 32 bits is no pixel
     virtual std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) = 0;
     /// Removes a sphere; the ids after it move down by one. Fires PickPointCountChanged, then refreshes. The id must be
     /// valid: it is not checked.
@@ -75,7 +75,8 @@ public:
     /// Selects a needle after it has deselected all others (DeselectNeedle()); fires NeedleSelected, also for one that
     /// was selected, and refreshes. An unknown id does nothing.
     virtual void SelectNeedle(std::int32_t id) = 0;
-    /// Makes the window again with another OpenGL context. The scene is lost, overlays stay. What showMessage throws
+    /// Makes the window again with another OpenGL context. Objects, undo steps and lines are lost; overlays, needles
+    /// and pick-point spheres stay. Free point sets keep id and box but are never drawn again. What showMessage throws
     /// for a refused context passes through to the caller; there is no window then, as after any refusal.
     /// @param majorVersion, minorVersion  requested version, compatibility profile
     /// @param numberOfSamples  samples per pixel, exactly; 0 for none
@@ -337,7 +338,9 @@ public:
     /// units, up to the largest points of the driver. Asks for no repaint.
     virtual void SetPointCloudRenderPointSize(float size) = 0;
     /// Draws the whole scene, from the window's side and with its zoom, into a picture of 2048 x 2048 pixels:
-    /// background, visible objects, 3D lines and needles. The view and the window stay as they are.
+    /// background, visible objects, and 3D lines and needles while they are switched on. It is framed to the visible
+    /// objects, the visible free points, which it does not show, and the lines and needles that it shows. The view
+    /// stays as it is; a repaint of the window is queued.
     /// @param buffer  receives 2048 x 2048 words (16,777,216 bytes), 0xAARRGGBB in the byte order of the machine, rows
     ///                without padding, top row first; its size is not checked. All zero without OpenGL
     virtual void CaptureScreenShot(std::uint32_t* buffer) = 0;
@@ -362,7 +365,7 @@ public:
     virtual void SetClipPlaneEnabled(std::int32_t displayClipPlane) = 0;
     /// Ends clipping and hides the plane. [declared only]
     virtual void SetClipPlaneDisabled() = 0;
-    /// Places the clip plane; what the normal points to is clipped.
+    /// Places the clip plane; what the normal points to is kept.
     /// @param centerX, centerY, centerZ  point of the plane, world frame
     /// @param normalX, normalY, normalZ  normal, world frame [declared only]
     virtual void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
@@ -372,11 +375,12 @@ public:
     /// Centre and unit normal of the clip plane, world frame. [declared only]
     virtual void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
                               float* normalZ) = 0;
-    /// Whether mouse and keys act on needles. A double click on the surface creates one, which points to the viewer,
-    /// selects it and centres no view; a left press on a head selects it, one elsewhere deselects all; a move with the
-    /// left button held drags the head of the selected needle parallel to the screen, and no event is fired; Escape
-    /// deselects all, Delete deletes the selected one. False at first. Switching it off deselects all needles and
-    /// invalidates with erase.
+    /// Whether mouse and keys act on needles. A double click on the surface creates one, which points to the viewer
+    /// (with no vertex that faces the viewer on the view axis: along (1, 1, 1)), with the smallest id that is free
+    /// above the lowest one in use; it selects it and centres no view; a left press on a head selects it, one elsewhere
+    /// deselects all; a move with the left button held drags the head of the selected needle parallel to the screen,
+    /// and no event is fired; Escape deselects all, Delete deletes the selected one. False at first. Switching it off
+    /// deselects all needles and invalidates with erase.
     virtual void SetNeedlePickingMode(VARIANT_BOOL enable) = 0;
     /// Whether needles are drawn, in frames and in CaptureScreenShot(); false at first. The mouse acts on needles that
     /// are not drawn as well. Asks for no repaint.

@@ -37,14 +37,16 @@ public:
     /// A needle was selected by SelectNeedle() or the mouse, after all others were deselected. Fired again for one that
     /// was selected already
     virtual void NeedleSelected(std::int32_t /*id*/) {}
-    /// A needle was deleted by DeleteNeedle(), DeleteNeedles(), SetMaxNumberOfNeedles() or the keyboard
+    /// A needle was deleted by DeleteNeedle(), DeleteNeedles(), SetMaxNumberOfNeedles() or the keyboard. It comes
+    /// without NeedleCreated for one that a handler deletes between a double click and that event
     virtual void NeedleDeleted(std::int32_t /*id*/) {}
     /// A needle was deselected by a method, by mouse or key, by SetNeedlePickingMode() off, or before the deletion of a
     /// selected needle, except for one by SetMaxNumberOfNeedles()
     virtual void NeedleDeselected(std::int32_t /*id*/) {}
     /// Every key press, before the viewer acts on it. Codes, counts and flags as in KeyInput (Input.h)
     virtual void CustomKeyDown(std::int32_t /*nChar*/, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {}
-    /// The list of pick-point spheres changed its length
+    /// A pick-point sphere was added or removed, or the list was emptied, also one that was empty before.
+    /// @param newCount  number of spheres afterwards; 0 after SetPickMode() and ClearPickPointSpheres()
     virtual void PickPointCountChanged(std::int32_t /*newCount*/) {}
     /// A cut was applied. @param addr  address of its ACAD::CutMask, owned by the viewer
     virtual void CutMaskApplied(std::int64_t /*addr*/) {}
