@@ -83,7 +83,8 @@ struct SurfacePoint {
     /// x, y, z in scene units, world frame.
     float point[3] = {};
     /// Length along the view direction, scene units, from the point of the pixel at window depth 0.1, which is in front
-    /// of the scene that the view was fitted to; never negative. Objects behind that point count by their distance, too.
+    /// of the scene that the view was fitted to; never negative. Objects behind that point count by their distance,
+    /// too.
     float distance = 0;
 };
 
@@ -131,9 +132,9 @@ public:
     virtual void SendKey(const KeyInput& input) = 0;
 
     /// Sees every mouse input, of the window and of SendMouse(), before the viewer handles it, also in the delayed
-    /// scheme. It may do what a handler may: call methods, replace itself, run an event loop, destroy the viewer, throw.
-    /// An input for which it throws is not handled. Input that arrives in an event loop of the filter is handled before
-    /// the one that the filter looks at. To show a menu, return first and show it later (in Qt: by a queued
+    /// scheme. It may do what a handler may: call methods, replace itself, run an event loop, destroy the viewer,
+    /// throw. An input for which it throws is not handled. Input that arrives in an event loop of the filter is handled
+    /// before the one that the filter looks at. To show a menu, return first and show it later (in Qt: by a queued
     /// connection), or the drag of the press has not ended yet.
     /// @param filter  called on the viewer's thread; true: the viewer ignores the input. Replaces a former one; empty
     ///                for none. Kept until then or until the viewer is destroyed, and not called any more afterwards
