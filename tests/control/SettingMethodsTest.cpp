@@ -199,7 +199,9 @@ const RepaintRow kRepaints[] = {
      [](auto& c) {
          float f = 0;
          c.GetNeedle(1, &f, &f, &f, &f, &f, &f);
-         c.GetNeedles(nullptr, &f, &f);
+         std::vector<std::int32_t> ids(c.m_vNeedles.size());
+         std::vector<float> pins(3 * c.m_vNeedles.size()), heads(pins);
+         c.GetNeedles(ids.data(), pins.data(), heads.data());
          (void)c.GetNumberOfNeedles();
      }},
 };
