@@ -123,8 +123,7 @@ void CKV_ScenePaneCtrl::DrawFreePoints() {
     glUseProgram(m_progFreeFloatingPoints);
     const auto uniform = [this](const char* name) { return glGetUniformLocation(m_progFreeFloatingPoints, name); };
     const GLint alpha = uniform("alpha");
-    const double halfHeight = ComputeOrthoExtents(m_fZoom, m_fSceneSize, m_fAspectX, m_fAspectY).halfHeight;
-    glUniform1f(uniform("pointSize"), LimitedSize(m_fPointCloudSize, m_nHeight / halfHeight));
+    glUniform1f(uniform("pointSize"), LimitedSize(m_fPointCloudSize, m_nHeight * m_viewMatrices.Projection()[5]));
     glUniform1f(uniform("windowHeight"), static_cast<float>(m_nHeight));
     glUniform1f(alpha, 1.0f);
     glEnable(GL_VERTEX_PROGRAM_POINT_SIZE);  // the shader writes gl_PointSize
