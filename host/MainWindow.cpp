@@ -42,7 +42,8 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
     MessagePane* const messages = m_pMessages;
     m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
     EnableActions();
-    resize(sizeHint().boundedTo(screen()->availableSize()));
+    // The window manager adds a title bar and a frame, whose size is not known yet.
+    resize(sizeHint().boundedTo(screen()->availableSize() * 0.9));
 }
 
 MainWindow::~MainWindow() {

@@ -40,7 +40,9 @@ TEST_F(DenseScreen, ADoubleClickIsReportedInDevicePixelsAndPicksWhatIsShownThere
     Methods().CenterView();
     Methods().SetPickMode(KV_ScenePane::PickModeObjects);
     ASSERT_TRUE(WaitUntil([&] { return DrawFrame().width == 2 * m_viewer->width(); }));
-    const QPoint right = QPoint(m_viewer->width() * 5 / 8, m_viewer->height() * 3 / 8);
+    // On the plane whichever side is the shorter one.
+    const int offset = std::min(m_viewer->width(), m_viewer->height()) / 8;
+    const QPoint right = QPoint(m_viewer->width() / 2 + offset, m_viewer->height() / 2 - offset);
     const QPoint onScreen = m_viewer->mapToGlobal(right) * 2;
     const std::string click = "xdotool mousemove " + std::to_string(onScreen.x()) + " " + std::to_string(onScreen.y()) +
                               " click --repeat 2 --delay 50 1";

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QCheckBox>
+#include <QDockWidget>
 #include <QDropEvent>
 #include <QLabel>
 #include <QMimeData>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QScreen>
 #include <QUrl>
 #include <cstdlib>
 
@@ -30,6 +33,27 @@ TEST_F(MainWindowTest, EmbedsTheViewerAtTheSizeOfItsWidget) {
     m_window->resize(m_window->width() - 70, m_window->height() - 31);
     ASSERT_TRUE(WaitUntil([&] { return widget->width() != before.width() && widget->height() != before.height(); }));
     EXPECT_EQ(pictureSize(), widget->size());
+}
+
+TEST_F(MainWindowTest, LeavesSpaceForItsFrameOnTheScreen) {
+    HostOptions options;
+    options.width = options.height = 4000;
+    Show(options);
+    const QSize screen = m_window->screen()->availableSize();
+    EXPECT_EQ(m_window->size(), screen * 0.9);
+}
+
+TEST_F(MainWindowTest, FitsOnASmallScreenWhateverPaneIsShown) {
+    Show();
+    Find<QCheckBox>("needleCreate").setChecked(true);  // its pane shows a long text
+    int panes = 0;
+    for (auto* const dock : m_window->findChildren<QDockWidget*>()) {
+        dock->raise();
+        QApplication::processEvents();
+        EXPECT_LE(m_window->minimumSizeHint().height(), 700) << dock->windowTitle().toStdString();
+        ++panes;
+    }
+    EXPECT_GE(panes, 9);
 }
 
 TEST_F(MainWindowTest, OpensFilesOfAllKindsInTheirOrder) {
