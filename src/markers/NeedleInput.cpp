@@ -13,10 +13,18 @@ namespace {
 
 constexpr float kBackgroundDepth = 0.99f;  // no surface is shown from this window depth on
 
-/// Window depth of the surface that the last frame shows at a pixel; nothing on the background.
+/// Whether the last frame has the size that the view is computed for. SetSize() changes the view at once.
+bool IsFrameOfThisSize(const CKV_ScenePaneCtrl& control) {
+    const FrameTarget& frame = control.m_frameTarget;
+    return frame.Width() == control.m_nWidth && frame.Height() == control.m_nHeight;
+}
+
+/// Window depth of the surface that the last frame shows at a pixel; nothing on the background. Without a frame of the
+/// present size one is drawn; where none can be drawn there is no depth either.
 std::optional<float> ShownDepthAt(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
-    if (!control.MakeContextCurrent()) return std::nullopt;
-    return ReadDepthAt(x, y, control.m_nHeight, kBackgroundDepth);
+    if (!IsFrameOfThisSize(control)) control.RefreshControl();
+    if (!IsFrameOfThisSize(control) || !control.MakeContextCurrent()) return std::nullopt;
+    return ReadDepthAt(x, y, control.m_nWidth, control.m_nHeight, kBackgroundDepth);
 }
 
 /// The point of the world at a pixel and a window depth; nothing where the view has no inverse.
@@ -38,8 +46,8 @@ void CKV_ScenePaneCtrl::CreateNeedleAt(std::int32_t x, std::int32_t y) {
     }
     const auto pin = PointAt(*this, x, y, *depth);
     if (!pin) return;
-    // The needle points to the viewer. Where no vertex faces the viewer it has a direction of its own; hosts have
-    // needles that were made so.
+    // The needle points to the viewer. Without a vertex that faces the viewer the direction is (depth, depth, depth),
+    // which has no geometric sense; it is kept because hosts rely on the result.
     const Float3 direction = FindViewAxisHit(m_fAxisZ) ? m_fAxisZ : Float3{*depth, *depth, *depth};
     const std::int32_t id = NextNeedleId(m_vNeedles);
     m_vNeedles.push_back(MakeNeedle(id, *pin, *pin + m_needleRender.needleLength * direction, m_needleRender));

@@ -6,7 +6,8 @@
 namespace {
 
 /// The depth of a framebuffer with several samples cannot be read: copies that of one sample of the pixel to the
-/// framebuffer that is bound for reading, as FrameTarget::Bind() leaves them.
+/// framebuffer that is bound for reading. FrameTarget::Bind() binds two different ones only when its target has
+/// samples.
 void ResolveDepthAt(GLint x, GLint y) {
     GLint drawn = 0, read = 0;
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &drawn);
@@ -21,10 +22,13 @@ void ResolveDepthAt(GLint x, GLint y) {
 
 }  // namespace
 
-std::optional<float> ReadDepthAt(std::int32_t x, std::int32_t y, std::int32_t height, float limit) {
-    float depth = 1.0f;  // unchanged outside the window, where nothing can be read
-    ResolveDepthAt(x, height - y);
-    glReadPixels(x, height - y, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
+std::optional<float> ReadDepthAt(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height, float limit) {
+    // OpenGL defines no value for a pixel outside of the framebuffer. Row 1 is the top one.
+    if (x < 0 || x >= width || y < 1 || y > height) return std::nullopt;
+    float depth = 1.0f;  // unchanged when the read fails
+    const std::int32_t row = height - y;
+    ResolveDepthAt(x, row);
+    glReadPixels(x, row, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
     if (!(depth < limit)) return std::nullopt;
     return depth;
 }

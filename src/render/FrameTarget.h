@@ -26,6 +26,9 @@ public:
     /// The buffers were deleted with their context.
     void Forget() { *this = {}; }
 
+    /// The size of the last SetSize(), pixels; 0 before it.
+    [[nodiscard]] std::int32_t Width() const { return m_nWidth; }
+    [[nodiscard]] std::int32_t Height() const { return m_nHeight; }
     /// The name of the framebuffer that is drawn into; 0 is the window's.
     [[nodiscard]] std::uint32_t Name() const { return m_drawn.framebuffer; }
     /// The name of the framebuffer that is read.

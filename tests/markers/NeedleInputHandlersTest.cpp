@@ -106,6 +106,7 @@ TEST_F(NeedleInputHandlers, UseTheContextOfTheirOwnViewer) {
 TEST_F(NeedleInputHandlers, ReadTheDepthOfAWindowWithSamples) {
     ASSERT_TRUE(viewer->MakeContextCurrent());
     const int samples = AvailableSamples(4);
+    if (samples == 0) GTEST_SKIP() << "the driver has no samples";
     AddNeedle(*viewer, 7, -40, 0);
     viewer->RecreateOpenglContext(3, 3, samples);
     SetScene(*viewer);
@@ -116,6 +117,48 @@ TEST_F(NeedleInputHandlers, ReadTheDepthOfAWindowWithSamples) {
     EXPECT_EQ(events.Take(), (EventList{"Selected 7", "Deselected 7", "Created 8", "Selected 8"}));
     ExpectNear(viewer->m_vNeedles.at(1).pin, {15, 20, 5}, "pin");
     EXPECT_EQ(GlErrorOf(*viewer), GLenum{GL_NO_ERROR});
+}
+
+// The view has the new size at once, the picture with the next frame.
+TEST_F(NeedleInputHandlers, FindTheSurfaceOfTheNewSizeBeforeItsFirstFrame) {
+    viewer->SetSize(640, 240);  // now one unit per pixel
+    DoubleClickAt({320, 10});
+    EXPECT_EQ(events.Take(), EventList{}) << "the last frame shows the plate there";
+    viewer->SetSize(640, 480);
+    viewer->PerformRefresh();
+    viewer->SetSize(640, 240);
+    DoubleClickAt({330, 100});
+    EXPECT_EQ(events.Take(), (EventList{"Created 1", "Selected 1"}));
+    ExpectNear(viewer->m_vNeedles.at(0).pin, {10, 20, 5}, "pin");
+    ExpectNear(viewer->m_vNeedles.at(0).head, {10, 20, 25}, "head");
+}
+
+TEST_F(NeedleInputHandlers, FindNothingInANewSizeThatHasNoFrame) {
+    viewer->BlockPaintEvents(-1);
+    viewer->SetSize(640, 240);
+    for (const Pixel pixel : {Pixel{320, 10}, {330, 100}}) DoubleClickAt(pixel);
+    EXPECT_EQ(events.Take(), EventList{});
+    viewer->BlockPaintEvents(0);
+    for (const auto& [width, height] : {std::pair{0, 0}, {640, 0}, {0, 480}, {-3, -2}}) {
+        viewer->SetSize(static_cast<std::int16_t>(width), static_cast<std::int16_t>(height));
+        for (const Pixel pixel : {Pixel{0, 0}, {0, 1}, {320, 240}}) DoubleClickAt(pixel);
+    }
+    EXPECT_EQ(events.Take(), EventList{});
+    EXPECT_EQ(GlErrorOf(*viewer), GLenum{GL_NO_ERROR});
+}
+
+TEST_F(NeedleInputHandlers, SelectNoNeedleByAHeadOfInfiniteRadius) {
+    viewer->SetNeedleRenderParameters(kLength, std::numeric_limits<float>::infinity(), 0xFF, 1, 0x505050, 1, 0xFF0000,
+                                      0xFF00);
+    viewer->CreateNeedle(1, 0, 0, 0, std::numeric_limits<float>::infinity(), 0, 0);
+    viewer->CreateNeedle(2, 0, 0, 0, 0, 0, 0);
+    viewer->SetNeedleRenderParameters(kLength, kHeadRadius, 0xFF, 1, 0x505050, 1, 0xFF0000, 0xFF00);
+    AddNeedle(*viewer, 7, -40, 0);
+    events.Take();
+    PressAt(PixelOf(-40, 0));
+    EXPECT_EQ(events.Take(), EventList{"Selected 7"});
+    PressAt(PixelOf(30, 30));
+    EXPECT_EQ(events.Take(), EventList{"Deselected 7"});
 }
 
 TEST_F(NeedleInputHandlers, IgnoreNeedlesThatAreNowhere) {
@@ -185,20 +228,25 @@ TEST_F(NeedleInputHandlers, MayFindTheListEmptyAfterEachEvent) {
 }
 
 TEST_F(NeedleInputHandlers, MayFindAnotherSelectionAfterAnEvent) {
-    AddNeedle(*viewer, 7, -40, 0);
-    AddNeedle(*viewer, 9, 40, 10);
-    events.Take();
-    events.inside = [&](const std::string& event) {
-        if (event == "Created 10") viewer->SelectNeedle(7);
-    };
-    viewer->m_vNeedles[0].id = 7;
-    DoubleClickAt(PixelOf(0, -20));
-    EXPECT_EQ(IdsOf(*viewer), (Ids{7, 9, 8}));
-    events.inside = [&](const std::string& event) {
-        if (event == "Created 10") viewer->SelectNeedle(7);
-    };
-    DoubleClickAt(PixelOf(0, 20));
-    EXPECT_EQ(SelectedIdsOf(*viewer), Ids{10}) << "the needle of the double click alone";
+    for (const char* const when : {"Deselected 9", "Created 8"}) {
+        SCOPED_TRACE(when);
+        events.inside = {};
+        viewer->DeleteNeedles();
+        AddNeedle(*viewer, 7, -40, 0);
+        AddNeedle(*viewer, 9, 40, 10);
+        viewer->SelectNeedle(9);
+        events.Take();
+        events.inside = [&](const std::string& event) {
+            if (event == when) viewer->SelectNeedle(7);
+        };
+        DoubleClickAt(PixelOf(0, 20));
+        EXPECT_EQ(SelectedIdsOf(*viewer), Ids{8}) << "the needle of the double click alone";
+        const EventList found = events.Take();
+        if (std::string(when) == "Created 8")
+            EXPECT_EQ(found, (EventList{"Deselected 9", "Created 8", "Selected 7", "Deselected 7", "Selected 8"}));
+        else
+            EXPECT_EQ(found, (EventList{"Deselected 9", "Selected 7", "Deselected 7", "Created 8", "Selected 8"}));
+    }
 }
 
 TEST(NeedleInputThatDestroysTheViewer, EndsWithTheEvent) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 
 #include "render/SceneFixture.h"
 #include "support/BareContext.h"
@@ -18,7 +19,7 @@ class ReadDepth : public SceneInEveryWindow {
 protected:
     std::optional<float> At(int x, int y, float limit = 0.99f) {
         EXPECT_TRUE(pane->MakeContextCurrent());
-        const auto depth = ReadDepthAt(x, y, 240, limit);
+        const auto depth = ReadDepthAt(x, y, 320, 240, limit);
         EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
         return depth;
     }
@@ -55,6 +56,31 @@ TEST_P(ReadDepth, CountsRowsDownwardFromOneAboveTheWindow) {
     EXPECT_FALSE(At(160, 241).has_value());
     EXPECT_FALSE(At(-1, 120).has_value());
     EXPECT_FALSE(At(320, 120).has_value());
+}
+
+// What a driver returns for a pixel outside of the framebuffer is undefined: here there is depth beyond the size.
+TEST_P(ReadDepth, FindsNothingBeyondTheSizeWhateverTheDriverHasThere) {
+    Frame();
+    FrameTarget large;
+    large.SetSize(400, 300, 0);
+    glClearDepth(0.5);
+    glClear(GL_DEPTH_BUFFER_BIT);
+    glClearDepth(1);
+    const auto at = [](int x, int y) { return ReadDepthAt(x, y, 320, 240, 0.99f); };
+    for (const auto& [x, y] : {std::pair{0, 1}, {319, 1}, {0, 240}, {319, 240}})
+        EXPECT_TRUE(at(x, y)) << x << ", " << y;
+    for (const auto& [x, y] : {std::pair{-1, 120}, {320, 120}, {399, 1}, {160, 0}, {160, -59}, {320, 0}, {160, 241}})
+        EXPECT_FALSE(at(x, y)) << x << ", " << y;
+    constexpr int kMin = std::numeric_limits<int>::min(), kMax = std::numeric_limits<int>::max();
+    for (const int x : {kMin, 160, kMax})
+        for (const int y : {kMin, kMax}) {
+            EXPECT_FALSE(at(x, y)) << x << ", " << y;
+            EXPECT_FALSE(at(y, x)) << y << ", " << x;
+        }
+    EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+    pane->m_frameTarget.Bind();
+    large.SetSize(1, 1, 0);
+    pane->m_frameTarget.Bind();
 }
 
 /// The depths of a raster of pixels; 1 where nothing is found.

@@ -21,9 +21,9 @@ protected:
     }
     void ExpectBothDepths() {
         ASSERT_TRUE(pane->MakeContextCurrent());
-        EXPECT_NEAR(ReadDepthAt(160, 120, 240, 0.99f).value_or(9), 0.5, 1e-5);
-        EXPECT_NEAR(ReadDepthAt(160 + 36, 120, 240, 0.99f).value_or(9), 0.75, 1e-5);
-        EXPECT_FALSE(ReadDepthAt(10, 10, 240, 0.99f).has_value());
+        EXPECT_NEAR(ReadDepthAt(160, 120, 320, 240, 0.99f).value_or(9), 0.5, 1e-5);
+        EXPECT_NEAR(ReadDepthAt(160 + 36, 120, 320, 240, 0.99f).value_or(9), 0.75, 1e-5);
+        EXPECT_FALSE(ReadDepthAt(10, 10, 320, 240, 0.99f).has_value());
         EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
     }
     /// The shown frame as it can be read now, without another one.

@@ -155,7 +155,7 @@ TEST(FrameTarget, StartsCleared) {
     std::array<std::uint8_t, 4> pixel{9, 9, 9, 9};
     glReadPixels(15, 15, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
     EXPECT_EQ(pixel, (std::array<std::uint8_t, 4>{}));
-    EXPECT_EQ(ReadDepthAt(15, 1, 16, 2.0f), 1.0f);
+    EXPECT_EQ(ReadDepthAt(15, 1, 16, 16, 2.0f), 1.0f);
 }
 
 }  // namespace
