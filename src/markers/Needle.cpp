@@ -2,6 +2,7 @@
 #include "markers/Needle.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 Needle MakeNeedle(std::int32_t id, const Float3& pin, const Float3& head, const NeedleRenderParameters& look) {
@@ -34,7 +35,7 @@ bool IsOnHead(const Needle& needle, const Float3& point) {
     constexpr double kMargin = 0.1;  // scene units
     const Double3 offset = ToDouble3(point) - ToDouble3(needle.head);
     const double radius = needle.headRadius + kMargin;
-    return Dot(offset, offset) <= radius * radius;
+    return std::isfinite(radius) && Dot(offset, offset) <= radius * radius;
 }
 
 std::int32_t NextNeedleId(const std::vector<Needle>& needles) {

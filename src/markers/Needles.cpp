@@ -2,6 +2,7 @@
 // of an event may call any method, so nothing is kept of the list across an event but ids.
 #include <algorithm>
 #include <cassert>
+#include <optional>
 
 #include "control/ScenePaneCtrl.h"
 
@@ -11,6 +12,25 @@ using Events = KV_ScenePane::_DKV_ScenePaneEvents;
 namespace {
 
 VARIANT_BOOL ToVariant(bool value) { return value ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse; }
+
+/// Deselects all needles, or all but one, whatever handlers of the deselections select meanwhile. So that no handler
+/// can go on without end, there are no more events than needles; what is selected after them loses the selection
+/// without one.
+void DeselectOthers(CKV_ScenePaneCtrl& control, std::optional<std::int32_t> kept) {
+    const auto next = [&] {
+        return std::ranges::find_if(control.m_vNeedles,
+                                    [kept](const Needle& needle) { return needle.selected && needle.id != kept; });
+    };
+    for (auto events = control.m_vNeedles.size(); events > 0; --events) {
+        const auto needle = next();
+        if (needle == control.m_vNeedles.end()) return;
+        control.DeselectNeedle(needle->id);
+    }
+    for (auto needle = next(); needle != control.m_vNeedles.end(); needle = next()) {
+        needle->selected = false;
+        control.InvalidateControl(true);
+    }
+}
 
 }  // namespace
 
@@ -67,7 +87,8 @@ VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedle(std::int32_t id, float pinPosX, flo
     if (IsNeedleListFull() || FindNeedle(m_vNeedles, id) != nullptr) return KV_ScenePane::kVariantFalse;
     m_vNeedles.push_back(MakeNeedle(id, {pinPosX, pinPosY, pinPosZ}, {headPosX, headPosY, headPosZ}, m_needleRender));
     RefreshControl();
-    Fire(&Events::NeedleCreated, id);
+    // The frame may report to the host, which may have deleted the needle.
+    if (FindNeedle(m_vNeedles, id) != nullptr) Fire(&Events::NeedleCreated, id);
     return KV_ScenePane::kVariantTrue;
 }
 
@@ -93,7 +114,8 @@ VARIANT_BOOL CKV_ScenePaneCtrl::DeleteNeedle(std::int32_t id) {
     if (std::erase_if(m_vNeedles, [id](const Needle& needle) { return needle.id == id; }) == 0)
         return KV_ScenePane::kVariantTrue;  // a handler has deleted it
     RefreshControl();
-    Fire(&Events::NeedleDeleted, id);
+    // The frame may report to the host, which may have created the needle again.
+    if (FindNeedle(m_vNeedles, id) == nullptr) Fire(&Events::NeedleDeleted, id);
     return KV_ScenePane::kVariantTrue;
 }
 
@@ -129,14 +151,9 @@ VARIANT_BOOL CKV_ScenePaneCtrl::DeselectNeedle(std::int32_t id) {
     return KV_ScenePane::kVariantTrue;
 }
 
-void CKV_ScenePaneCtrl::DeselectAllNeedles() {
-    for (const std::int32_t id : SelectedNeedleIds(m_vNeedles)) DeselectNeedle(id);
-}
+void CKV_ScenePaneCtrl::DeselectAllNeedles() { DeselectOthers(*this, std::nullopt); }
 
-void CKV_ScenePaneCtrl::DeselectNeedlesBut(std::int32_t id) {
-    for (const std::int32_t other : SelectedNeedleIds(m_vNeedles))
-        if (other != id) DeselectNeedle(other);
-}
+void CKV_ScenePaneCtrl::DeselectNeedlesBut(std::int32_t id) { DeselectOthers(*this, id); }
 
 // ---- queries
 

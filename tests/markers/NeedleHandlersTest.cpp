@@ -7,6 +7,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "control/ScenePaneHandle.h"
 #include "markers/NeedleHelp.h"
@@ -87,6 +88,11 @@ protected:
             EXPECT_EQ(initially + created[id] - count, isThere ? 1 : 0) << "needle" << id;
         }
     }
+    /// Whether the call changes the selection as a whole; creations leave both marked needles selected.
+    [[nodiscard]] static bool SelectsOrDeselects() {
+        const std::string_view name = GetParam().name;
+        return !name.starts_with("Create") && name != "SetMaxNumberOfNeedles";
+    }
     int depth = 0, handled = 0;
 };
 INSTANTIATE_TEST_SUITE_P(Methods, NeedleHandlers, testing::ValuesIn(kFiringCalls), NameOfCall);
@@ -132,6 +138,21 @@ TEST_P(NeedleHandlers, MayDeleteTheNeedleOfTheEvent) {
 TEST_P(NeedleHandlers, MaySelectAnotherNeedle) {
     CallWith([this] { pane->SelectNeedle(handled % 2 == 0 ? 1 : 2); });
     ExpectConsistentList();
+    EXPECT_LE(SelectedIdsOf(*pane).size(), 1u);
+}
+
+// In every event, also in those that it causes itself.
+TEST_P(NeedleHandlers, MaySelectAgainWhatWasDeselected) {
+    events.inside = [this](const std::string& event) {
+        ++handled;
+        if (event.starts_with("Deselected")) pane->SelectNeedle(3);
+    };
+    MakeCall(GetParam(), *pane, *pane);
+    EXPECT_GT(handled, 0);
+    EXPECT_LT(handled, 20) << "the handler kept the method busy";
+    ExpectConsistentList();
+    const std::size_t most = SelectsOrDeselects() ? 1 : 3;
+    EXPECT_LE(SelectedIdsOf(*pane).size(), most);
 }
 
 TEST_P(NeedleHandlers, MayChangeTheLimit) {
@@ -189,6 +210,62 @@ TEST_F(HandledNeedles, CreatedByAHandlerDoNotExceedALowerLimit) {
     };
     pane->SetMaxNumberOfNeedles(1);
     EXPECT_EQ(IdsOf(*pane), Ids{1});
+}
+
+TEST_F(HandledNeedles, SelectedInADeselectionAreDeselectedAsWell) {
+    const struct {
+        const char* name;
+        std::function<void()> call;
+        EventList events;
+        Ids selected;
+    } rows[] = {
+        {"SelectNeedle",
+         [this] { pane->SelectNeedle(2); },
+         {"Deselected 1", "Selected 3", "Deselected 3", "Selected 2"},
+         {2}},
+        {"SetNeedlePickingMode",
+         [this] { pane->SetNeedlePickingMode(0); },
+         {"Deselected 1", "Selected 3", "Deselected 3"},
+         {}},
+        {"DeselectAllNeedles",
+         [this] { pane->DeselectAllNeedles(); },
+         {"Deselected 1", "Selected 3", "Deselected 3"},
+         {}},
+    };
+    Create({1, 2, 3});
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        MarkSelected({1});
+        events.inside = [this](const std::string& event) {
+            if (event == "Deselected 1") pane->SelectNeedle(3);
+        };
+        row.call();
+        EXPECT_EQ(events.Take(), row.events);
+        EXPECT_EQ(SelectedIdsOf(*pane), row.selected);
+
+        MarkSelected({1});
+        events.inside = [this](const std::string& event) {
+            if (event.starts_with("Deselected")) pane->SelectNeedle(3);  // without end
+        };
+        row.call();
+        EXPECT_LT(events.Take().size(), 10u);
+        EXPECT_EQ(SelectedIdsOf(*pane), row.selected) << "the call has the last word";
+
+        MarkSelected({1});
+        std::int32_t next = 100;
+        events.inside = [this, &next](const std::string& event) {
+            if (!event.starts_with("Deselected")) return;
+            pane->DeleteNeedle(next++);
+            pane->CreateNeedle(next, 0, 0, 0, 0, 0, 0);
+            pane->SelectNeedle(next);
+        };
+        row.call();
+        EXPECT_LT(events.Take().size(), 40u);
+        EXPECT_EQ(SelectedIdsOf(*pane), row.selected) << "new needles are no exception";
+        events.inside = {};
+        pane->DeleteNeedle(next);
+        events.Take();
+    }
 }
 
 TEST_F(HandledNeedles, DeletedByAHandlerAreNotReportedTwice) {

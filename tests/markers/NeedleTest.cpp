@@ -101,6 +101,8 @@ TEST(IsOnHead, IsFalseForAHeadThatIsNowhere) {
     for (const Float3& head : {Float3{NAN, 0, 0}, Float3{0, kInf, 0}, Float3{0, 0, -kInf}, Float3{NAN, NAN, NAN}})
         EXPECT_FALSE(IsOnHead(MakeNeedle(1, {}, head, {}), {0, 0, 0}));
     EXPECT_FALSE(IsOnHead(MakeNeedle(1, {}, {}, {.headRadius = NAN}), {0, 0, 0}));
+    EXPECT_FALSE(IsOnHead(MakeNeedle(1, {}, {}, {.headRadius = INFINITY}), {0, 0, 0}));
+    EXPECT_FALSE(IsOnHead(MakeNeedle(1, {}, {INFINITY, 0, 0}, {.headRadius = INFINITY}), {0, 0, 0}));
 }
 
 TEST(MakeNeedle, CopiesTheLookAndSelectsNothing) {
