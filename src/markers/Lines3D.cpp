@@ -3,10 +3,27 @@
 
 #include <cassert>
 
+#include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 
 using KV_ScenePane::kVariantFalse;
 using KV_ScenePane::kVariantTrue;
+
+namespace {
+
+/// Adds the line and its id, or neither of them when memory is exhausted.
+void AddLine(CKV_ScenePaneCtrl& control, Line3D line) {
+    const std::int32_t id = line.id;
+    bool isAdded = false;
+    control.m_setLine3DIds.insert(id);
+    const ScopeExit undo([&] {
+        if (!isAdded) control.m_setLine3DIds.erase(id);
+    });
+    control.m_vLines3D.push_back(std::move(line));
+    isAdded = true;
+}
+
+}  // namespace
 
 void CKV_ScenePaneCtrl::SetLine3DDrawingMode(VARIANT_BOOL enable) { m_bLine3DDrawingMode = enable != 0; }
 
@@ -20,8 +37,7 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::CreateLine3D(std::int32_t id,
     assert(numberOfXYZs >= 0 && (numberOfXYZs == 0 || XYZs != nullptr));
     Line3D line{id, std::vector<Float3>(static_cast<std::size_t>(numberOfXYZs))};
     for (std::size_t i = 0; i < line.points.size(); ++i) line.points[i] = ToFloat3(XYZs + 3 * i);
-    m_vLines3D.push_back(std::move(line));
-    m_setLine3DIds.insert(id);
+    AddLine(*this, std::move(line));
     RefreshControl();
     return kVariantTrue;
 }

@@ -1,12 +1,31 @@
 // 3D lines: the list, frames and screenshots with lines.
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <new>
 
 #include "render/GlSnapshot.h"
 #include "render/SceneFixture.h"
 #include "render/ScreenshotHelp.h"
 
 using namespace lighting;
+
+// The address sanitizer replaces the same operators.
+#ifndef __SANITIZE_ADDRESS__
+namespace {
+// Of this thread: the allocation of this number, counted down from here, fails; 0 for none.
+thread_local int g_refusedAllocation = 0;
+}  // namespace
+
+void* operator new(std::size_t size) {
+    const bool isRefused = g_refusedAllocation > 0 && --g_refusedAllocation == 0;
+    void* const memory = isRefused ? nullptr : std::malloc(size > 0 ? size : 1);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#endif
 
 namespace {
 
@@ -55,6 +74,28 @@ TEST_F(Lines3D, AreStoredInTheOrderOfTheirCreation) {
     EXPECT_EQ(pane->m_vLines3D[1].points, (std::vector<Float3>{{7, 8, 9}}));
     EXPECT_TRUE(pane->m_vLines3D[2].points.empty());
 }
+
+#ifndef __SANITIZE_ADDRESS__
+TEST_F(Lines3D, AreNotAddedAtAllWhenMemoryIsExhausted) {
+    const float points[6] = {1, 2, 3, 4, 5, 6};
+    pane->BlockPaintEvents(-1);  // a frame allocates, too
+    int failures = 0;
+    for (bool isAdded = false; !isAdded && failures < 10; failures += isAdded ? 0 : 1) {
+        pane->m_vLines3D.shrink_to_fit();
+        try {
+            g_refusedAllocation = failures + 1;
+            isAdded = pane->CreateLine3D(7, 2, points) == KV_ScenePane::kVariantTrue;
+        } catch (const std::bad_alloc&) {
+            EXPECT_TRUE(pane->m_vLines3D.empty()) << "allocation " << failures + 1;
+            EXPECT_TRUE(pane->m_setLine3DIds.empty()) << "allocation " << failures + 1;
+        }
+        g_refusedAllocation = 0;
+    }
+    EXPECT_GE(failures, 3) << "the points, the list, the ids";
+    ASSERT_EQ(pane->m_vLines3D.size(), 1u);
+    EXPECT_FALSE(Create(7, {}));
+}
+#endif
 
 TEST_F(Lines3D, KeepTheFirstOfAnIdAndReportTheSecond) {
     ASSERT_TRUE(Create(7, {{1, 2, 3}, {4, 5, 6}}));
