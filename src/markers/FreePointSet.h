@@ -13,7 +13,7 @@ struct FreePointSet {
     std::uint32_t positionBuffer = 0;
     std::uint32_t colorBuffer = 0;
     std::uint8_t visible = 1;
-    bool isContextGone = false;  ///< the context that the names belong to
+    bool isContextGone = false;  ///< the context of the names was destroyed: never drawn
     float alpha = 1.0f;
     Float3 boxMin{}, boxMax{};  ///< of the finite points, world frame; inverted when there are none
 

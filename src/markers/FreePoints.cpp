@@ -51,8 +51,8 @@ bool Upload(FreePointSet& points, const float* xyz, const float* colors) {
     return false;
 }
 
-/// llvmpipe, alone or below zink, queues the points of a draw faster than it draws them and keeps the memory: 2.3 GB
-/// for ten million points (Mesa 22.3; the process after the first frame, when DrawSet() does not wait).
+/// llvmpipe, alone or below zink, queues the points of a draw faster than it draws them and keeps the memory: with ten
+/// million points the process has 2.7 GB after the first frame when DrawSet() does not wait (Mesa 22.3).
 bool QueuesPointsInMemory() {
     const auto* const renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
     return renderer != nullptr && std::strstr(renderer, "llvmpipe") != nullptr;

@@ -2,6 +2,7 @@
 // makes uploads fail.
 #include "render/SceneFixture.h"
 #include "support/DriverStandIn.h"
+#include "support/DriverTraits.h"
 
 using namespace lighting;
 
@@ -97,7 +98,7 @@ TEST_F(FreePointDriverCalls, OfAnImportAreTwoUploadsAndNoneLater) {
     EXPECT_EQ(pane.debugOutput.Take(), "");
 }
 
-TEST_F(FreePointDriverCalls, OfAFrameAreOneDrawPerShownSetWhateverItsSize) {
+TEST_F(FreePointDriverCalls, OfAFrameAreOneDrawPerShownSetOfUsualSize) {
     const auto inFrame = [&](std::int64_t DriverCounters::*counter) {
         const ScopedDriverFaults none({});
         pane->PerformRefresh();
@@ -113,6 +114,20 @@ TEST_F(FreePointDriverCalls, OfAFrameAreOneDrawPerShownSetWhateverItsSize) {
     EXPECT_EQ(inFrame(&DriverCounters::uploads), 0);
     pane->SetPointsVisibility(0, 0);
     EXPECT_EQ(inFrame(&DriverCounters::draws), empty + 4);
+}
+
+TEST_F(FreePointDriverCalls, OfAFrameAreSlicesOfALargeSetWhereTheDriverQueuesPoints) {
+    const auto drawsOfAFrame = [&] {
+        const ScopedDriverFaults none({});
+        pane->PerformRefresh();
+        return ReadDriverCounters().draws;
+    };
+    const std::int64_t empty = drawsOfAFrame();
+    for (const auto& [points, slices] : {std::pair{250'000, 1}, {250'001, 2}, {600'000, 3}}) {
+        const std::int32_t id = ImportRow(points, 0, {1, 0, 0});
+        EXPECT_EQ(drawsOfAFrame() - empty, QueuesPoints() ? slices : 1) << points;
+        pane->DeletePoints(id);
+    }
 }
 
 }  // namespace

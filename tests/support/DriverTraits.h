@@ -17,6 +17,12 @@ inline int LeakedMegabytesPerContext() {
     return renderer != nullptr && std::string_view(renderer).starts_with("virgl") ? 4 : 0;
 }
 
+/// Whether the driver keeps the points of a draw in memory until it has drawn them: llvmpipe, alone or below zink.
+inline bool QueuesPoints() {
+    const auto* const renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    return renderer != nullptr && std::string_view(renderer).find("llvmpipe") != std::string_view::npos;
+}
+
 /// Whether points are front faces for a shader, as OpenGL defines it. On softpipe (Mesa 22.3) gl_FrontFacing is what an
 /// earlier draw left for points, lines and triangles drawn as lines.
 inline bool FacesOfPointsAreDefined() {
