@@ -162,9 +162,10 @@ void MainWindow::ShowShadows(bool on) {
 void MainWindow::ShowShadowHint() {
     const bool showsNoObject =
         m_options.drawMode == KV_ScenePane::DrawModePerPixel || m_options.drawMode == KV_ScenePane::DrawModeNothing;
+    const QString hint = tr("This render mode shows no objects while shadows are on.");
     if (m_options.shadows && showsNoObject)
-        statusBar()->showMessage(tr("This render mode shows no objects while shadows are on."));
-    else
+        statusBar()->showMessage(hint);
+    else if (statusBar()->currentMessage() == hint)
         statusBar()->clearMessage();
 }
 

@@ -33,7 +33,7 @@ inline constexpr std::int32_t kStartNeedleLimit = 8;
 /// A file with more is neither read nor written: the viewer compares each new id with all others.
 inline constexpr std::size_t kMaxNeedlesInFile = 10'000;
 /// Bytes. A larger file is refused before it is read.
-inline constexpr std::size_t kMaxNeedleFileSize = 16 * 1024 * 1024;
+inline constexpr std::size_t kMaxNeedleFileSize = 8 * 1024 * 1024;
 
 /// Reads the content of a needle file.
 /// @throws std::runtime_error with one line of text: the line of a text that is not JSON, otherwise the entry (from 1)
