@@ -1,4 +1,4 @@
-// Ten pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per driver:
+// Eleven pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per driver:
 // first on llvmpipe with KV_PICTURES_WRITE=1, which writes the references into the folder $KV_PICTURES, then on the
 // others. $KV_DRIVER is what GL_RENDERER must name. A wrong picture and its wrong pixels are written beside the
 // reference.
@@ -284,6 +284,29 @@ TEST_F(DriverPicturesInAWindow, Decorations) {
     pane->m_nArrowAngle = 30;
     pane->m_nPickMode = KV_ScenePane::PickModeCross;
     Check("Decorations", 0.35);
+}
+
+// Balls, lines, and needles with their numbers, partly behind the hills.
+TEST_F(DriverPicturesInAWindow, Markers) {
+    AddMeshes();
+    const auto color = [](std::uint32_t r, std::uint32_t g, std::uint32_t b) {
+        return static_cast<std::int32_t>(HostColor(r, g, b));
+    };
+    pane->SetPickMode(KV_ScenePane::PickModePoints);
+    pane->m_bPickPointValid = 1;
+    pane->SetPickRadius(0.35f);
+    pane->AddPickPointSphere(-3, 2, 1, color(220, 40, 40));
+    pane->AddPickPointSphere(3.5f, 2.5f, -0.8f, color(40, 200, 60));  // half below the square
+    pane->SetLine3DDrawingMode(-1);
+    const float line[] = {-4, -3, 1.2f, -1, 0.5f, 1.2f, 1, -0.5f, 0.3f, 4, 3, 1};
+    pane->CreateLine3D(1, 4, line);
+    pane->SetNeedleDrawingMode(-1);
+    pane->SetNeedleRenderParameters(2, 0.3f, color(230, 200, 30), 0.12f, color(80, 80, 80), 0.15f, color(40, 40, 220),
+                                    color(30, 220, 220));
+    pane->CreateNeedle(4, 2.4f, -1.0f, 0.9f, 3.0f, -2.5f, 2.2f);
+    pane->CreateNeedle(27, -2.6f, -1.2f, 0.7f, -3.4f, -2.6f, 2.0f);
+    pane->SelectNeedle(27);
+    Check("Markers", 0.35);
 }
 
 TEST_F(DriverPictures, ShadowMap) {
