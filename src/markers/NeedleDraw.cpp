@@ -34,6 +34,7 @@ void DrawBall(GLUquadric* quadric, const Float3& center, float radius, std::uint
 }
 
 /// Rotates the modelview matrix from the z axis to a direction, about the axis perpendicular to both.
+/// @param length  of the direction, above 0 and finite
 void RotateFromZ(const Double3& direction, double length) {
     const double degrees = std::acos(std::clamp(direction[2] / length, -1.0, 1.0)) * 180.0 / std::numbers::pi;
     const double across = std::hypot(direction[0], direction[1]);
@@ -47,7 +48,7 @@ void RotateFromZ(const Double3& direction, double length) {
 void DrawPin(GLUquadric* quadric, const Needle& needle) {
     const Double3 direction = ToDouble3(needle.pin) - ToDouble3(needle.head);
     const double length = std::hypot(direction[0], direction[1], direction[2]);
-    if (!(length > 0.0)) return;
+    if (!(length > 0.0) || !std::isfinite(length)) return;  // it has no direction
     SetHostColor(needle.pinColor);
     glPushMatrix();
     glTranslatef(needle.head[0], needle.head[1], needle.head[2]);

@@ -1,6 +1,10 @@
 // The picture of needles: balls, the taper of the pin, what hides them, and coordinates that are not finite.
 // NeedleNumberTest.cpp has the numbers.
+#include <GL/glew.h>
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+//
+#include <GL/glu.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +14,18 @@
 #include "support/GlState.h"
 
 using namespace lighting;
+
+namespace {
+int g_cylinders = 0;
+}  // namespace
+
+/// In the place of GLU's function for the whole test program: counts its calls.
+extern "C" void gluCylinder(GLUquadric* quadric, GLdouble base, GLdouble top, GLdouble height, GLint slices,
+                            GLint stacks) {
+    static const auto original = reinterpret_cast<decltype(&gluCylinder)>(dlsym(RTLD_NEXT, "gluCylinder"));
+    ++g_cylinders;
+    original(quadric, base, top, height, slices, stacks);
+}
 
 namespace {
 
@@ -111,8 +127,26 @@ TEST_F(NeedleFrames, ShowNoPinWhenItHasNoLength) {
     const KV_ScenePane::Picture before = picture;
     pane->DeleteNeedles();
     AddNeedle(1, {-1, 1, 0}, {-1, 1, 0}, {.headRadius = 0.5f, .pinSize = 3.0f});
+    g_cylinders = 0;
     Frame();
+    EXPECT_EQ(g_cylinders, 0) << "drawn at no pixel, perhaps, but drawn";
     EXPECT_EQ(picture.pixels, before.pixels);
+}
+
+// Counted, because a pin without a direction may be drawn at no pixel at all.
+TEST_F(NeedleFrames, DrawOnlyPinsThatHaveADirection) {
+    const auto pinsOfAFrame = [this](const Vec3& pin) {
+        pane->DeleteNeedles();
+        AddNeedle(1, pin, {-1, 1, 0}, {.headRadius = 0.5f, .pinSize = 3.0f});
+        g_cylinders = 0;
+        Frame();
+        return g_cylinders;
+    };
+    EXPECT_EQ(pinsOfAFrame({-1, -1, 0}), 1);
+    const double inf = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    for (const Vec3& pin :
+         {Vec3{-1, 1, 0}, Vec3{inf, 1, 0}, Vec3{-1, -inf, 0}, Vec3{-1, 1, inf}, Vec3{nan, 1, 0}, Vec3{inf, nan, 0}})
+        EXPECT_EQ(pinsOfAFrame(pin), 0) << pin[0] << ", " << pin[1] << ", " << pin[2];
 }
 
 TEST_F(NeedleFrames, ShowNothingWhileDrawingIsOff) {
