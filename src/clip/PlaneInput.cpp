@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "control/ScenePaneCtrl.h"
+#include "geometry/PixelDifference.h"
 
 using KV_ScenePane::kMouseCtrl;
 
@@ -71,7 +72,7 @@ void CKV_ScenePaneCtrl::HoverOverPlane(std::uint32_t flags, std::int32_t x, std:
     {
         const std::lock_guard lock(*g_drawLock);  // the pick draws, and so does a frame on another thread
         RenderObject* const objects[] = {&m_clipPlane};
-        PickRenderObjectsAt(objects, x, m_pWindow->ClientSize().height - y - 1);
+        PickRenderObjectsAt(objects, x, PixelDifference(m_pWindow->ClientSize().height - 1, y));
     }
     if (m_clipPlane.IsPicked() != wasPicked) RefreshControl();
 }
@@ -123,7 +124,7 @@ bool CKV_ScenePaneCtrl::DragPlane(std::uint32_t flags, std::int32_t x, std::int3
         return false;
     }
     if (rotates)
-        RotatePlane(*this, x - m_nLastMouseX, y - m_nLastMouseY);
+        RotatePlane(*this, PixelDifference(x, m_nLastMouseX), PixelDifference(y, m_nLastMouseY));
     else
         m_clipPlane.DragAlongNormal(x, y);
     InvalidateControl(true);

@@ -9,6 +9,7 @@
 
 #include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
+#include "geometry/PixelDifference.h"
 
 namespace {
 
@@ -107,7 +108,7 @@ void CKV_ScenePaneCtrl::PickRenderObjectsAt(std::span<RenderObject* const> objec
         // depth stay as they are.
         m_idTarget.SetSize(1, 1, 0);
         m_idTarget.Bind();
-        glViewport(-x, -y, std::max(m_nWidth, 0), std::max(m_nHeight, 0));
+        glViewport(PixelDifference(0, x), PixelDifference(0, y), std::max(m_nWidth, 0), std::max(m_nHeight, 0));
         SetStateForIds();
         for (RenderObject* const object : objects) {
             object->ClearPick();

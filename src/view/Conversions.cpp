@@ -85,8 +85,8 @@ int CKV_ScenePaneCtrl::UnprojectPoint(std::int32_t windowX, std::int32_t windowY
     ViewMatrices& m = m_viewMatrices;
     GLdouble world[3] = {};
     // 0 when the product of the matrices has no inverse, such as for a scene without extent.
-    const int status = gluUnProject(windowX, m_nHeight - windowY, depth, m.ModelView().data(), m.Projection().data(),
-                                    m.Viewport().data(), &world[0], &world[1], &world[2]);
+    const int status = gluUnProject(windowX, static_cast<double>(m_nHeight) - windowY, depth, m.ModelView().data(),
+                                    m.Projection().data(), m.Viewport().data(), &world[0], &world[1], &world[2]);
     if (status == 0) return 0;
     *x = static_cast<float>(world[0]);
     *y = static_cast<float>(world[1]);

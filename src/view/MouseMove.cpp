@@ -2,6 +2,7 @@
 // clip plane's part is clip/PlaneInput.cpp.
 #include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
+#include "geometry/PixelDifference.h"
 #include "view/Rotation.h"
 #include "view/WindowFraction.h"
 
@@ -22,7 +23,7 @@ bool DragView(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, s
         control.EnterPlaneDrag(x, y, rotates ? ModePlaneRotate : ModePlaneMove);
         return false;
     }
-    const std::int32_t dx = x - control.m_nLastMouseX, dy = y - control.m_nLastMouseY;
+    const std::int32_t dx = PixelDifference(x, control.m_nLastMouseX), dy = PixelDifference(y, control.m_nLastMouseY);
     if (rotates)
         control.RotateView(dx, dy);
     else
@@ -56,7 +57,7 @@ bool MoveInMaskLasso(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32
 /// In the delayed scheme only the right button drags, and a second button or Shift moves instead of rotating.
 void DragAlignmentDelayed(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     if ((flags & kMouseRight) == 0) return;
-    const std::int32_t dx = x - control.m_nLastMouseX, dy = y - control.m_nLastMouseY;
+    const std::int32_t dx = PixelDifference(x, control.m_nLastMouseX), dy = PixelDifference(y, control.m_nLastMouseY);
     const bool moves = (flags & (kMouseLeft | kMouseShift)) != 0;
     if ((flags & kMouseCtrl) != 0) {
         if (moves)
