@@ -51,13 +51,13 @@ public:
         m_control.m_nWidth = m_width;
         m_control.m_nHeight = m_height;
         m_control.MakeContextCurrent();
-        if (m_width < 0 || m_height < 1) {  // UpdateViewport() sets no viewport or aspect then: restore the last ones
+        m_control.UpdateViewport();
+        if (m_width < 0 || m_height < 1) {  // it sets no viewport then, and no meaningful aspect: restore the last ones
             glViewport(m_viewport[0], m_viewport[1], m_viewport[2], m_viewport[3]);
             m_control.m_viewMatrices.ForgetViewport();
             m_control.m_fAspectX = m_aspectX;
             m_control.m_fAspectY = m_aspectY;
         }
-        m_control.UpdateViewport();
         m_control.m_fViewCenter = m_viewCenter;
         m_control.m_fRotationCenter = m_rotationCenter;
         m_control.m_fSceneSize = m_sceneSize;

@@ -42,6 +42,18 @@ TEST_P(ScreenshotsOfWindows, DoNotDependOnTheWindowSizeAndKeepItsView) {
     ExpectSame(StateOf(*window), state);
 }
 
+TEST(Screenshot, KeepsTheAspectOfAWindowWithNegativeWidth) {
+    const OffscreenControl window(300, 150);
+    window->m_nWidth = -5, window->m_nHeight = 100;
+    window->m_fAspectX = 3, window->m_fAspectY = 0.5f;
+    window->SetupViewMatrices();
+    const ViewState state = StateOf(*window);
+    Capture(*window);
+    EXPECT_EQ(window->m_fAspectX, 3);
+    EXPECT_EQ(window->m_fAspectY, 0.5f);
+    ExpectSame(StateOf(*window), state);
+}
+
 TEST_P(ScreenshotsOfWindows, ReportAFixedResolution) {
     const OffscreenControl window(GetParam().width, GetParam().height);
     Fill(*window);
