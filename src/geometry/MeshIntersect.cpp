@@ -119,7 +119,8 @@ KV_LANES To BitsAs(const From& from) {
 ///
 /// The determinant and the numerators of u and v are the same operations in the same order, so they have the same bits.
 /// A quotient has the sign of its operands and is above 1 exactly when the numerator is larger; it never underflows to
-/// a zero, because the numerators are multiples of 2^-447 and a finite determinant is below 2^392. An infinite one
+/// a zero, because the numerators are multiples of 2^-447 and a finite determinant is below 2^392: floats are multiples
+/// of 2^-149 below 2^128, and both are sums of products of one float and two differences of floats. An infinite one
 /// comes from an infinite edge, which makes u or v not a number. The sum u + v alone is rounded differently here; its
 /// limit is raised by more than that.
 template <typename D>
