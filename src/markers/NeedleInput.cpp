@@ -22,6 +22,7 @@ bool IsFrameOfThisSize(const CKV_ScenePaneCtrl& control) {
 /// Window depth of the surface that the last frame shows at a pixel; nothing on the background. Without a frame of the
 /// present size one is drawn; where none can be drawn there is no depth either.
 std::optional<float> ShownDepthAt(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    if (control.m_nWidth < 1 || control.m_nHeight < 1) return std::nullopt;  // no frame has this size
     if (!IsFrameOfThisSize(control)) control.RefreshControl();
     if (!IsFrameOfThisSize(control) || !control.MakeContextCurrent()) return std::nullopt;
     return ReadDepthAt(x, y, control.m_nWidth, control.m_nHeight, kBackgroundDepth);
