@@ -17,14 +17,15 @@ namespace {
 thread_local int g_refusedAllocation = 0;
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: the compiler would report a pair of new and free().
+[[gnu::noinline]] void* operator new(std::size_t size) {
     const bool isRefused = g_refusedAllocation > 0 && --g_refusedAllocation == 0;
     void* const memory = isRefused ? nullptr : std::malloc(size > 0 ? size : 1);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 #endif
 
 namespace {
