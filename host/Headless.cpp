@@ -56,6 +56,12 @@ std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions&
     return pane;
 }
 
+/// What the user can do about a file that was not added; empty when there is nothing to say.
+std::string HintAbout(const ImportResult& result) {
+    // The viewer's words about a ply file of vertices only.
+    return result.text == "holds no faces" ? "; without a window --points adds its vertices" : "";
+}
+
 /// Imports the files in their order and prints a line for each that failed, or that the viewer had a message about.
 SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
@@ -69,7 +75,7 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
         } else {
             report.failed.push_back({file, result.text});
         }
-        if (!result.text.empty()) PrintError(err, file + ": " + result.text);
+        if (!result.text.empty()) PrintError(err, file + ": " + result.text + HintAbout(result));
     }
     return report;
 }
@@ -133,7 +139,8 @@ MarkerReport AddMarkers(ScenePane& pane, const HostOptions& options, bool showsP
     std::int32_t limit = kStartNeedleLimit;
     for (const std::string& file : options.needleFiles) {
         std::vector<NeedleMark> marks;
-        hasFailed(file, AddNeedleFile(methods, file, NeedleLook{}, &limit, &marks));
+        const bool failed = hasFailed(file, AddNeedleFile(methods, file, NeedleLook{}, &limit, &marks));
+        if (!failed && marks.empty()) hasFailed(file, "the file holds no needles");
         report.markFiles += marks.empty() ? 0 : 1;
         for (const NeedleMark& mark : marks) {
             report.box.Merge(mark.pin.data());

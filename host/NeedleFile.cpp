@@ -30,15 +30,16 @@ struct Field {
     float NeedleLook::*size = nullptr;
     std::int32_t NeedleLook::*color = nullptr;
     bool isNeeded = false;
+    bool canBeNegative = true;
 };
 
 /// In the order in which they are written, after the id.
 constexpr Field kFields[] = {
     {"pin", &NeedleMark::pin, nullptr, nullptr, true},
     {"head", &NeedleMark::head, nullptr, nullptr, true},
-    {"headRadius", nullptr, &NeedleLook::headRadius, nullptr},
+    {"headRadius", nullptr, &NeedleLook::headRadius, nullptr, false, false},
     {"headColor", nullptr, nullptr, &NeedleLook::headColor},
-    {"pinSize", nullptr, &NeedleLook::pinSize, nullptr},
+    {"pinSize", nullptr, &NeedleLook::pinSize, nullptr, false, false},
     {"pinColor", nullptr, nullptr, &NeedleLook::pinColor},
     {"hitPointRadius", nullptr, &NeedleLook::hitPointRadius, nullptr},
     {"hitPointColor", nullptr, nullptr, &NeedleLook::hitPointColor},
@@ -75,6 +76,13 @@ float ToFloat(const QJsonValue& value) {
     if (!std::isfinite(number)) throw std::runtime_error("the number is out of range");
     return number;
 }
+
+float CheckedSize(const Field& field, float size) {
+    if (size < 0 && !field.canBeNegative) throw std::runtime_error("the size is negative");
+    return size;
+}
+
+float ToSize(const Field& field, const QJsonValue& value) { return CheckedSize(field, ToFloat(value)); }
 
 std::int32_t ToId(const QJsonValue& value) {
     const double number = ToNumber(value);
@@ -121,7 +129,7 @@ NeedleMark ReadEntry(const QJsonValue& entry) {
     for (const Field& field : kFields) {
         ReadKey(object, field.key, field.isNeeded, [&](const QJsonValue& value) {
             if (field.position != nullptr) mark.*field.position = ToPosition(value);
-            if (field.size != nullptr) mark.look.*field.size = ToFloat(value);
+            if (field.size != nullptr) mark.look.*field.size = ToSize(field, value);
             if (field.color != nullptr) mark.look.*field.color = ToColor(value);
         });
     }
@@ -164,7 +172,7 @@ std::string JsonNeedle(const NeedleMark& mark) {
             const auto& [x, y, z] = mark.*field.position;
             json += '[' + JsonNumber(x) + ", " + JsonNumber(y) + ", " + JsonNumber(z) + ']';
         }
-        if (field.size != nullptr) json += JsonNumber(mark.look.*field.size);
+        if (field.size != nullptr) json += JsonNumber(CheckedSize(field, mark.look.*field.size));
         if (field.color != nullptr) json += "\"#" + ColorText(mark.look.*field.color) + '"';
     }
     return json + '}';

@@ -50,7 +50,7 @@ inline constexpr std::size_t kMaxNeedleFileSize = 8 * 1024 * 1024;
 /// their upper byte.
 /// @param path    in bytes
 /// @param reason  receives why nothing was written, in English; unchanged after a success. One reason is a number that
-///                is not finite, which JSON cannot hold
+///                is not finite, which JSON cannot hold, another one a negative size, which would not be read
 [[nodiscard]] bool WriteNeedleFile(const std::string& path, const std::vector<NeedleMark>& marks, std::string* reason);
 
 /// Creates the needles with their own looks, without a frame for each of them. Neither picking nor drawing of needles

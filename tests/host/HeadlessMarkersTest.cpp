@@ -196,6 +196,21 @@ TEST_F(MarkerPictures, ShowMoreNeedlesThanAViewerStartsWith) {
         EXPECT_TRUE(IsReddish(png.At(static_cast<int>(100 + (4 * i - 18) * 5.547), 100 - 4))) << i;
 }
 
+TEST_F(MarkerPictures, SayThatANeedleFileHoldsNone) {
+    m_options.needleFiles = {NeedleFileOf("none.json", 1, 0), NeedleFileOf("n.json", 1, 1)};
+    (void)Taken(kExitFailure, "scenepane: " + m_options.needleFiles[0] + ": the file holds no needles\n");
+}
+
+TEST_F(MarkerPictures, HintAtThePointsOfAPlyFileWithoutFaces) {
+    const std::string ply =
+        File("points.ply",
+             "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty float z\n"
+             "element face 0\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 1 1\n");
+    m_options.files = {ply};
+    m_options.pointFiles = {ply};
+    (void)Taken(kExitFailure, "scenepane: " + ply + ": holds no faces; without a window --points adds its vertices\n");
+}
+
 TEST_F(MarkerPictures, OfACaptureShowNeedlesAlone) {
     m_options.needleFiles = {NeedleFileOf("n.json", 1, 1)};
     const Png png = Captured();

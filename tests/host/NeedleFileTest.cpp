@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <random>
@@ -102,8 +103,8 @@ TEST_F(NeedleFile, KeepsEveryBitOfItsNumbersExceptTheSignOfAZero) {
         NeedleMark mark = Mark(static_cast<std::int32_t>(i));
         std::copy_n(&values[i], 3, mark.pin.begin());
         std::copy_n(&values[i + 3], 3, mark.head.begin());
-        mark.look.headRadius = values[i + 6];
-        mark.look.pinSize = values[i + 7];
+        mark.look.headRadius = std::abs(values[i + 6]);
+        mark.look.pinSize = std::abs(values[i + 7]);
         mark.look.hitPointRadius = values[i + 8];
         marks.push_back(mark);
     }
@@ -231,6 +232,9 @@ const BadNeedles kBadNeedles[] = {
      kFirst + "\"head\": the number is out of range"},
     {"SizeBeyondFloat", OneNeedle(kWhole + ", \"headRadius\": 1e39"),
      kFirst + "\"headRadius\": the number is out of range"},
+    {"NegativeHead", OneNeedle(kWhole + ", \"headRadius\": -0.5"), kFirst + "\"headRadius\": the size is negative"},
+    {"NegativePin", OneNeedle(kWhole + ", \"pinSize\": -1"), kFirst + "\"pinSize\": the size is negative"},
+    {"NegativeMark", OneNeedle(kWhole + ", \"hitPointRadius\": -1"), "accepted with 1 needles"},
     {"SizeOfAnotherType", OneNeedle(kWhole + ", \"pinSize\": true"), kFirst + "\"pinSize\": not a number"},
     {"ColourOfAnotherType", OneNeedle(kWhole + ", \"pinColor\": 255"), kFirst + "\"pinColor\": not a text"},
     {"ColourTooShort", OneNeedle(kWhole + ", \"pinColor\": \"#FFF\""),
@@ -330,6 +334,14 @@ TEST_F(NeedleFile, KeepsTheOldFileWhenANumberIsNotFinite) {
         EXPECT_EQ(TextOf(m_path), old);
     }
     EXPECT_EQ(m_folder.FileCount(), 1u) << "no temporary file is left";
+}
+
+TEST_F(NeedleFile, RefusesToWriteANegativeSizeThatItWouldNotRead) {
+    NeedleMark mark = Mark(12);
+    mark.look.pinSize = -0.5f;
+    std::string reason;
+    EXPECT_FALSE(WriteNeedleFile(m_path, {mark}, &reason));
+    EXPECT_EQ(reason, "needle 12: the size is negative");
 }
 
 TEST_F(NeedleFile, IsNotWrittenWithMoreNeedlesThanCanBeRead) {
