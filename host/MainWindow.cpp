@@ -222,6 +222,10 @@ void MainWindow::DeleteObject(int index) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!AskAboutNeedles()) {
+        event->ignore();
+        return;
+    }
     m_vWaitingFiles.clear();
     m_vWaitingPoints.clear();
     m_unaskedPoints = {};

@@ -96,6 +96,7 @@ public slots:
     void ChooseMouseScheme(MouseScheme scheme);
     /// Whether drags and the wheel change the view.
     void AllowMouse(bool on);
+    /// Removes all pick points when it is another mode; a mode that picks switches the needles of the mouse off.
     void ChoosePickMode(KV_ScenePane::PickMode mode);
     /// Whether objects are drawn with fewer points during a drag.
     void ReduceWhileMoving(bool on);
@@ -140,6 +141,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -166,10 +168,15 @@ private:
     /// The panel and its connections to the viewer.
     void MakeNeedlePanel();
     // Each of these shows a dialog for the file.
-    void AskForNeedleFileToSave();
+    /// @return whether the needles were saved
+    bool AskForNeedleFileToSave();
     void AskForNeedleFileToLoad();
     /// Adds a message, and shows it in the status bar.
     void ReportNeedles(const QString& text);
+    /// Picks and needles would both act on a double click: the needles of the mouse switch picks off.
+    void ChooseNeedleCreation(bool on);
+    /// Asks about needles that are not saved. @return whether the window can be closed
+    bool AskAboutNeedles();
 
     // ---- MainWindowInput.cpp
     /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
@@ -184,6 +191,12 @@ private:
     void MakePickPanel();
     /// Adds what concerns picks to the menu of the pick modes.
     void MakePickActions(QMenu& menu);
+    /// For the user: asks before pick points are lost.
+    void AskForPickMode(KV_ScenePane::PickMode mode);
+    /// Asks when another pick mode would remove several points. @return whether the mode can be changed
+    bool AskAboutPickPoints();
+    /// Menu and panels show the mode of the viewer.
+    void ShowPickMode();
     void OnObjectPicked(int object, float x, float y, float z);
     /// Makes the pane equal to the pick-point spheres of the viewer.
     void FollowPickPoints();
@@ -197,6 +210,8 @@ private:
     void FitPickRadius();
     /// Shows the last pick and its distance from the one before.
     void ShowLastPick();
+    /// Nothing is shown of the last picks any more.
+    void ForgetLastPicks();
     /// Empties the pane: the viewer or its scene is gone.
     void ForgetPicks();
     /// Length between the last two picks, scene units, as NumberText(); empty before the second pick.
@@ -227,6 +242,8 @@ private:
     void OpenMarkersOfOptions();
     /// Starts the import of the waiting point files when it is possible now.
     void OpenWaitingPoints();
+    /// The progress dialog for the import of points, and its connections.
+    void MakePointsProgress();
     void OnPointsImported();
     /// Adds the messages of the finished import of points, and a row for each new set.
     /// @return the number of new sets
@@ -289,6 +306,7 @@ private:
     std::vector<PickedPoint> m_vPickPoints;  // as many as the viewer has spheres, and in their order
     std::vector<PickedPoint> m_vLastPicks;   // two at most, the last one at the end
     int m_nPointToMove = -1;                 // by the next pick; -1 for none
+    MouseScheme m_mouseScheme = MouseScheme::Normal;
     std::vector<QAction*> m_vViewerActions;  // enabled with a viewer
     std::vector<QAction*> m_vIdleActions;    // enabled with a viewer and while no import runs
     QList<QAction*> m_pickActions;           // in the order of KV_ScenePane::PickMode

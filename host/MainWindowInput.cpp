@@ -36,8 +36,8 @@ constexpr const char* kPickNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "&Off"),
     QT_TRANSLATE_NOOP("MainWindow", "&Centre cross"),
     QT_TRANSLATE_NOOP("MainWindow", "&Points on objects"),
-    QT_TRANSLATE_NOOP("MainWindow", "Points on objects, &second mode"),
-    QT_TRANSLATE_NOOP("MainWindow", "Off, s&econd mode"),
+    QT_TRANSLATE_NOOP("MainWindow", "Points on objects (mode &3)"),
+    QT_TRANSLATE_NOOP("MainWindow", "Off (mode &4)"),
     QT_TRANSLATE_NOOP("MainWindow", "Points on objects, with pick-point sp&heres"),
 };
 
@@ -63,9 +63,8 @@ void MainWindow::MakeInputMenus(QMenu& menu) {
     AddModeActions(*menu.addMenu(tr("Mouse b&uttons")), kSchemeNames, std::size(kSchemeNames), 0,
                    [this](int scheme) { ChooseMouseScheme(static_cast<MouseScheme>(scheme)); });
     QMenu* const picking = menu.addMenu(tr("P&icking"));
-    m_pickActions =
-        AddModeActions(*picking, kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
-                       [this](int mode) { ChoosePickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
+    m_pickActions = AddModeActions(*picking, kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
+                                   [this](int mode) { AskForPickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
     MakePickActions(*picking);
     AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
     AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
@@ -77,6 +76,8 @@ void MainWindow::ChooseRotation(KV_ScenePane::RotationMode mode) {
 
 void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
     if (Pane() == nullptr) return;
+    m_mouseScheme = scheme;
+    m_pPicks->ShowClicks(scheme == MouseScheme::Delayed ? 1 : scheme == MouseScheme::Flipped ? 0 : 2);
     // Two settings of the viewer that exclude each other here.
     Pane()->Methods().SetIGDRotation(scheme == MouseScheme::Delayed ? 1 : 0);
     Pane()->Methods().FlipMouseButtons(scheme == MouseScheme::Flipped ? 1 : 0);
@@ -84,17 +85,6 @@ void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
 
 void MainWindow::AllowMouse(bool on) {
     if (Pane() != nullptr) Pane()->Methods().AllowMouseInteraction(on ? 1 : 0);
-}
-
-void MainWindow::ChoosePickMode(KV_ScenePane::PickMode mode) {
-    if (Pane() == nullptr) return;
-    // The present mode again would remove all pick points.
-    if (Pane()->Methods().GetPickMode() != mode) Pane()->Methods().SetPickMode(mode);
-    Pane()->Methods().PerformInvalidate();  // the cross is drawn in one mode only
-    // Menu and panel show the mode, whichever of them it was chosen in.
-    m_pickActions[mode]->setChecked(true);
-    m_pDecorations->ShowCross(mode == KV_ScenePane::PickModeCross);
-    m_pPicks->ShowPlacing(mode == KV_ScenePane::PickModePoints);
 }
 
 void MainWindow::ReduceWhileMoving(bool on) {

@@ -2,6 +2,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QStatusBar>
 #include <utility>
@@ -110,19 +111,37 @@ void MainWindow::OpenWaitingPoints() {
     if (Pane() == nullptr || IsImporting() || m_vWaitingPoints.empty()) return;
     PointsRequest request = std::move(m_vWaitingPoints.front());
     m_vWaitingPoints.erase(m_vWaitingPoints.begin());
-    const int steps = static_cast<int>(request.files.size()) * PointsJob::kStepsPerFile;
     m_pPointsJob = new PointsJob(Pane()->Methods(), std::move(request), this);
-    m_pProgress = std::make_unique<QProgressDialog>(tr("Importing points"), tr("Cancel"), 0, steps, this);
-    m_pProgress->setWindowTitle(tr("scenepane"));
-    m_pProgress->setAutoReset(false);  // it is deleted at the end, whatever its value is then
-    m_pProgress->setModal(false);      // the window stays usable
-    m_pProgress->setMinimumDuration(kProgressDelayMs);
-    connect(m_pPointsJob, &PointsJob::Progress, m_pProgress.get(), &QProgressDialog::setValue);
-    connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
+    MakePointsProgress();
     connect(m_pPointsJob, &PointsJob::Finished, this, &MainWindow::OnPointsImported);
     m_pProgress->setValue(0);  // starts the time after which Qt shows the dialog
     EnableActions();
     m_pPointsJob->Start();
+}
+
+void MainWindow::MakePointsProgress() {
+    const QStringList names = NamesOf(m_pPointsJob->Request().files);
+    const int steps = static_cast<int>(names.size()) * PointsJob::kStepsPerFile;
+    m_pProgress = std::make_unique<QProgressDialog>(tr("Reading %1").arg(names.front()), tr("Cancel"), 0, steps, this);
+    QProgressDialog* const dialog = m_pProgress.get();
+    auto* const bar = new QProgressBar;
+    bar->setRange(0, steps);
+    dialog->setBar(bar);
+    m_pProgress->setWindowTitle(tr("scenepane"));
+    m_pProgress->setAutoReset(false);  // it is deleted at the end, whatever its value is then
+    m_pProgress->setModal(false);      // the window stays usable
+    m_pProgress->setMinimumDuration(kProgressDelayMs);
+    connect(m_pPointsJob, &PointsJob::Progress, dialog, &QProgressDialog::setValue);
+    connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
+    connect(m_pPointsJob, &PointsJob::Reading, dialog, [dialog, bar, names](int file) {
+        dialog->setLabelText(tr("Reading %1").arg(names[file]));
+        bar->setFormat("%p %");
+    });
+    connect(m_pPointsJob, &PointsJob::Adding, dialog, [dialog, bar, names](int file) {
+        dialog->setLabelText(names[file]);
+        bar->setFormat(tr("Adding to the scene"));
+        dialog->repaint();  // at once: the thread is blocked until the points are added
+    });
 }
 
 void MainWindow::OnPointsImported() {

@@ -1,5 +1,6 @@
 // Needles in the window: the panel, its connections, and their files.
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QStatusBar>
 
 #include "MainWindow.h"
@@ -39,17 +40,43 @@ void MainWindow::MakeNeedlePanel() {
     connect(this, &MainWindow::ImportFinished, m_pNeedles, &NeedlePanel::FollowScene);
     connect(m_pNeedles, &NeedlePanel::SaveWanted, this, &MainWindow::AskForNeedleFileToSave);
     connect(m_pNeedles, &NeedlePanel::LoadWanted, this, &MainWindow::AskForNeedleFileToLoad);
+    connect(m_pNeedles, &NeedlePanel::CreationWanted, this, &MainWindow::ChooseNeedleCreation);
     connect(m_pNeedles, &NeedlePanel::Hint, this, [this](const QString& text) { statusBar()->showMessage(text); });
 }
 
-void MainWindow::AskForNeedleFileToSave() {
+void MainWindow::ChooseNeedleCreation(bool on) {
+    const bool wasPicking = on && Pane() != nullptr && IsPicking(Pane()->Methods().GetPickMode());
+    if (wasPicking && !AskAboutPickPoints()) {
+        m_pNeedles->SwitchCreation(false);
+        return;
+    }
+    if (wasPicking) ChoosePickMode(KV_ScenePane::PickModeOff);
+    m_pNeedles->SwitchCreation(on);
+    if (wasPicking) statusBar()->showMessage(tr("A double click creates needles now and picks no points."));
+}
+
+bool MainWindow::AskAboutNeedles() {
+    if (!m_pNeedles->HaveUnsaved()) return true;
+    const QString question = tr("There are needles that are not saved. Save them?");
+    constexpr auto kAnswers = QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel;
+    switch (QMessageBox::question(this, tr("Close the window"), question, kAnswers, QMessageBox::Save)) {
+        case QMessageBox::Save:
+            return AskForNeedleFileToSave();
+        case QMessageBox::Discard:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool MainWindow::AskForNeedleFileToSave() {
     // Not getSaveFileName(), which has no default suffix.
     QFileDialog dialog(this, tr("Save needles"), {}, tr(kFilter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("json");
     dialog.selectFile(tr("needles.json"));
-    if (dialog.exec() != QDialog::Accepted) return;
-    (void)SaveNeedles(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
+    if (dialog.exec() != QDialog::Accepted) return false;
+    return SaveNeedles(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
 }
 
 void MainWindow::AskForNeedleFileToLoad() {
@@ -63,6 +90,7 @@ bool MainWindow::SaveNeedles(const std::string& path) {
     const std::vector<NeedleMark> marks = m_pNeedles->Marks();
     std::string reason;
     const bool written = WriteNeedleFile(path, marks, &reason);
+    if (written) m_pNeedles->SetSaved();
     if (written)
         ReportNeedles(tr("%1: %2 saved").arg(file, CountText(marks.size())));
     else
@@ -79,7 +107,9 @@ bool MainWindow::LoadNeedles(const std::string& path) {
         ReportNeedles(tr("%1: no needles added: %2").arg(file, QString::fromStdString(reason)));
         return false;
     }
+    const bool hadUnsaved = m_pNeedles->HaveUnsaved();
     const std::vector<std::int32_t> inUse = m_pNeedles->Place(marks);
+    if (!hadUnsaved) m_pNeedles->SetSaved();
     QString text = tr("%1: %2 added").arg(file, CountText(marks.size() - inUse.size()));
     if (!inUse.empty()) text += tr("; not added, because there are needles with their numbers: %1").arg(IdList(inUse));
     ReportNeedles(text);

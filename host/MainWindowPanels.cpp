@@ -37,7 +37,7 @@ void MainWindow::MakeDocks() {
     m_pDecorations = new DecorationPanel;
     connect(m_pDecorations, &DecorationPanel::BackgroundWanted, this, &MainWindow::AskForBackground);
     connect(m_pDecorations, &DecorationPanel::CrossWanted, this,
-            [this](bool on) { ChoosePickMode(on ? KV_ScenePane::PickModeCross : KV_ScenePane::PickModeOff); });
+            [this](bool on) { AskForPickMode(on ? KV_ScenePane::PickModeCross : KV_ScenePane::PickModeOff); });
     m_pLogo = new LogoPanel;
     connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddText);
     m_pMarkers = new MarkerPanel;

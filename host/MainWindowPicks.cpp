@@ -3,13 +3,17 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
+#include <QResizeEvent>
 #include <QStatusBar>
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include "DecorationPanel.h"
 #include "EventPane.h"
 #include "MainWindow.h"
+#include "NeedlePanel.h"
 #include "ObjectList.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
@@ -50,7 +54,7 @@ double Distance(const PickedPoint& a, const PickedPoint& b) {
 void MainWindow::MakePickPanel() {
     m_pPicks = new PickPanel;
     connect(m_pPicks, &PickPanel::PlacingWanted, this,
-            [this](bool on) { ChoosePickMode(on ? KV_ScenePane::PickModePoints : KV_ScenePane::PickModeOff); });
+            [this](bool on) { AskForPickMode(on ? KV_ScenePane::PickModePoints : KV_ScenePane::PickModeOff); });
     connect(m_pPicks, &PickPanel::RadiusChanged, this, &MainWindow::FitPickRadius);
     connect(m_pPicks, &PickPanel::RemovalWanted, this, &MainWindow::RemovePickPoints);
     connect(m_pPicks, &PickPanel::ClearingWanted, this, &MainWindow::ClearPickPoints);
@@ -62,6 +66,7 @@ void MainWindow::MakePickPanel() {
     connect(m_pViewer, &ViewerWidget::PickPointsChanged, this, [this] {
         MovePickPoint(-1);  // its number may be that of another point now
         FollowPickPoints();
+        if (m_vPickPoints.empty()) ForgetLastPicks();  // also after a change of the mode, whatever it was before
     });
     // Queued: the viewer ends the drag of the press first.
     connect(m_pViewer, &ViewerWidget::RightClicked, this, &MainWindow::ShowPickMenu, Qt::QueuedConnection);
@@ -70,7 +75,6 @@ void MainWindow::MakePickPanel() {
     m_pLastPick = new QLabel;
     m_pLastPick->setObjectName("lastPick");
     m_pLastPick->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_pLastPick->setMinimumWidth(1);  // a long text does not widen the window
     statusBar()->addPermanentWidget(m_pLastPick);
     m_pLastPick->hide();
 }
@@ -84,6 +88,43 @@ void MainWindow::MakePickActions(QMenu& menu) {
                                    [this] { MovePickPoint(-1); });
     m_pCopyDistance->setEnabled(false);
     m_pCancelMove->setEnabled(false);
+}
+
+void MainWindow::AskForPickMode(KV_ScenePane::PickMode mode) {
+    if (Pane() == nullptr) return;
+    if (Pane()->Methods().GetPickMode() == mode || AskAboutPickPoints())
+        ChoosePickMode(mode);
+    else
+        ShowPickMode();
+}
+
+void MainWindow::ChoosePickMode(KV_ScenePane::PickMode mode) {
+    if (Pane() == nullptr) return;
+    // The present mode again would remove all pick points.
+    if (Pane()->Methods().GetPickMode() != mode) Pane()->Methods().SetPickMode(mode);
+    Pane()->Methods().PerformInvalidate();  // the cross is drawn in one mode only
+    if (IsPicking(mode) && m_pNeedles->IsCreating()) {
+        m_pNeedles->SwitchCreation(false);
+        statusBar()->showMessage(tr("A double click picks points now and creates no needles."));
+    }
+    ShowPickMode();
+}
+
+bool MainWindow::AskAboutPickPoints() {
+    if (m_vPickPoints.size() < 2) return true;
+    const QString question = tr("Another pick mode removes all %1 points. Change the mode?").arg(m_vPickPoints.size());
+    constexpr auto kAnswers = QMessageBox::Yes | QMessageBox::No;
+    return QMessageBox::question(this, tr("Change the pick mode"), question, kAnswers, QMessageBox::No) ==
+               QMessageBox::Yes &&
+           Pane() != nullptr;  // it may be lost while the question is open
+}
+
+void MainWindow::ShowPickMode() {
+    if (Pane() == nullptr) return;
+    const std::int16_t mode = Pane()->Methods().GetPickMode();
+    m_pickActions[mode]->setChecked(true);
+    m_pDecorations->ShowCross(mode == KV_ScenePane::PickModeCross);
+    m_pPicks->ShowPlacing(mode == KV_ScenePane::PickModePoints);
 }
 
 void MainWindow::OnObjectPicked(int object, float x, float y, float z) {
@@ -167,7 +208,10 @@ void MainWindow::MovePickPoint(int point) {
     m_pCancelMove->setEnabled(point >= 0);
     if (ends) statusBar()->clearMessage();
     if (point >= 0)
-        statusBar()->showMessage(tr("Double click an object to move point %1 there. Escape cancels.").arg(point + 1));
+        statusBar()->showMessage((m_mouseScheme == MouseScheme::Delayed
+                                      ? tr("Click an object to move point %1 there. Escape cancels.")
+                                      : tr("Double click an object to move point %1 there. Escape cancels."))
+                                     .arg(point + 1));
 }
 
 void MainWindow::CopyPickPoints(const std::vector<int>& points) {
@@ -226,15 +270,28 @@ void MainWindow::ShowLastPick() {
     const PickedPoint& last = m_vLastPicks.back();
     QString text = QString("%1   %2").arg(ObjectText(last), PointText(last, " "));
     if (!distance.isEmpty()) text += tr("   distance %1").arg(distance);
-    m_pLastPick->setText(text);
+    // A message beside it keeps half of the bar. The start is left out: numbers are at the end.
+    constexpr int kMargin = 8;  // pixels, of the label
+    const int space = width() / 2;
+    m_pLastPick->setMaximumWidth(space);
+    m_pLastPick->setText(m_pLastPick->fontMetrics().elidedText(text, Qt::ElideLeft, space - kMargin));
     m_pLastPick->setToolTip(text);  // readable where the window is too narrow
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    ShowLastPick();
+}
+
+void MainWindow::ForgetLastPicks() {
+    m_vLastPicks.clear();
+    ShowLastPick();
 }
 
 void MainWindow::ForgetPicks() {
     MovePickPoint(-1);
-    m_vLastPicks.clear();
     FollowPickPoints();
-    ShowLastPick();
+    ForgetLastPicks();
 }
 
 QString MainWindow::PickDistanceText() const {

@@ -5,6 +5,8 @@
 #include <QCheckBox>
 #include <QHeaderView>
 #include <QKeySequence>
+#include <QLabel>
+#include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <cmath>
@@ -15,7 +17,26 @@ constexpr int kIdRole = Qt::UserRole;  // of the first column
 int IdOf(const QTreeWidgetItem& item) { return item.data(MarkerPanel::kName, kIdRole).toInt(); }
 }  // namespace
 
-MarkerPanel::MarkerPanel(QWidget* parent) : QWidget(parent), m_pList(new QTreeWidget), m_pLines(new QCheckBox) {
+MarkerPanel::MarkerPanel(QWidget* parent)
+    : QWidget(parent), m_pList(new QTreeWidget), m_pDelete(new QPushButton(tr("Delete"))), m_pLines(new QCheckBox) {
+    MakeList();
+    m_pDelete->setObjectName("deletePoints");
+    m_pDelete->setToolTip(tr("Delete the free points of the current row"));
+    connect(m_pDelete, &QPushButton::clicked, this, &MarkerPanel::DeleteCurrent);
+    m_pLines->setObjectName("lines");
+    connect(m_pLines, &QCheckBox::toggled, this, &MarkerPanel::LinesWanted);
+    auto* const note = new QLabel(tr("File, Clear removes lines, with all objects and free points."));
+    note->setWordWrap(true);
+    auto* const layout = new QVBoxLayout(this);
+    layout->addWidget(m_pList, 1);
+    layout->addWidget(m_pDelete, 0, Qt::AlignLeft);
+    layout->addWidget(m_pLines);
+    layout->addWidget(note);
+    ShowLineCount(0);
+    FollowCurrent();
+}
+
+void MarkerPanel::MakeList() {
     m_pList->setObjectName("pointSets");
     m_pList->setColumnCount(kColumnCount);
     m_pList->setHeaderLabels({tr("Free points"), tr("Points"), tr("Opacity")});
@@ -34,13 +55,7 @@ MarkerPanel::MarkerPanel(QWidget* parent) : QWidget(parent), m_pList(new QTreeWi
     m_pList->addAction(remove);
     m_pList->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_pList->setToolTip(tr("The graphics memory of deleted points is not free before the window is closed."));
-
-    m_pLines->setObjectName("lines");
-    connect(m_pLines, &QCheckBox::toggled, this, &MarkerPanel::LinesWanted);
-    auto* const layout = new QVBoxLayout(this);
-    layout->addWidget(m_pList, 1);
-    layout->addWidget(m_pLines);
-    ShowLineCount(0);
+    connect(m_pList, &QTreeWidget::currentItemChanged, this, &MarkerPanel::FollowCurrent);
 }
 
 void MarkerPanel::AddPoints(int id, const std::string& file, int points, float alpha) {
@@ -80,8 +95,11 @@ void MarkerPanel::ShowLinesDrawn(bool on) {
 
 void MarkerPanel::Clear() {
     m_pList->clear();
+    FollowCurrent();  // no signal reports this change
     ShowLineCount(0);
 }
+
+void MarkerPanel::FollowCurrent() { m_pDelete->setEnabled(m_pList->currentItem() != nullptr); }
 
 void MarkerPanel::DeleteCurrent() {
     if (const QTreeWidgetItem* const item = m_pList->currentItem()) emit PointsDeletionWanted(IdOf(*item));

@@ -5,6 +5,7 @@
 #include <vector>
 
 class QCheckBox;
+class QPushButton;
 class QTreeWidget;
 
 /// Its first state is that of a new viewer: no points, no lines, lines not drawn.
@@ -39,8 +40,12 @@ signals:
 
 private:
     void DeleteCurrent();
+    void MakeList();
+    /// The button can be used while there is a current row.
+    void FollowCurrent();
 
     QTreeWidget* m_pList;
+    QPushButton* m_pDelete;
     QCheckBox* m_pLines;
     int m_nLines = 0;
 };

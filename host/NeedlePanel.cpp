@@ -4,17 +4,21 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDoubleSpinBox>
+#include <QFontMetrics>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QResizeEvent>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
+#include <utility>
 
 #include "ColorButton.h"
 #include "PaintBlock.h"
@@ -33,6 +37,31 @@ public:
         return locale().toString(value, 'f', QLocale::FloatingPointShortest).remove(locale().groupSeparator());
     }
 };
+
+/// Reports a number that is too low: the box itself returns to the former one without a word.
+class LimitBox : public QSpinBox {
+public:
+    explicit LimitBox(std::function<void()> onTooLow) : m_onTooLow(std::move(onTooLow)) {}
+    void fixup(QString& input) const override {
+        bool isNumber = false;
+        const int limit = locale().toInt(input, &isNumber);
+        if (isNumber && limit < minimum()) m_onTooLow();
+        QSpinBox::fixup(input);
+    }
+
+private:
+    std::function<void()> m_onTooLow;
+};
+
+QString MouseText() {
+    return NeedlePanel::tr("Double click on a scan: new needle. Click on a head: select. Drag: move. Delete: remove.");
+}
+QString LimitReachedText(int limit) {
+    return NeedlePanel::tr("No needle was created: the limit of %1 is reached. Raise it or delete needles.").arg(limit);
+}
+QString LimitTooLowText(std::size_t count) {
+    return NeedlePanel::tr("There are %1 needles: the limit cannot be lower. Delete needles first.").arg(count);
+}
 
 /// With two significant digits, which is what a user would type.
 double Rounded(double size) {
@@ -60,7 +89,7 @@ NeedlePanel::NeedlePanel(QWidget* parent)
     : QWidget(parent),
       m_pCreate(new QCheckBox(tr("Create and select with the mouse"))),
       m_pShow(new QCheckBox(tr("Show needles"))),
-      m_pLimit(new QSpinBox),
+      m_pLimit(new LimitBox([this] { WarnOfLimit(LimitTooLowText(m_rows.size())); })),
       m_pText(new QLabel),
       m_pList(new QTreeWidget),
       m_pDelete(new QPushButton(tr("Delete"))),
@@ -77,7 +106,7 @@ void NeedlePanel::MakeSwitches() {
     m_pCreate->setToolTip(
         tr("Double click on a scan: a new needle. Click on a head: select it. Drag: move the head of the selected "
            "needle.\nDelete key: remove it. Escape: deselect. A double click does not centre the view meanwhile."));
-    connect(m_pCreate, &QCheckBox::toggled, this, &NeedlePanel::SwitchCreation);
+    connect(m_pCreate, &QCheckBox::toggled, this, &NeedlePanel::CreationWanted);
     m_pShow->setObjectName("needleShow");
     m_pShow->setToolTip(tr("Needles that are not shown still exist, and the mouse can still select them."));
     connect(m_pShow, &QCheckBox::toggled, this, &NeedlePanel::SwitchDrawing);
@@ -89,6 +118,7 @@ void NeedlePanel::MakeSwitches() {
     connect(m_pLimit, &QSpinBox::valueChanged, this, &NeedlePanel::ChangeLimit);
     m_pText->setObjectName("needleText");
     m_pText->setWordWrap(true);
+    m_pText->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 }
 
 QDoubleSpinBox* NeedlePanel::MakeSize(const QString& name, const QString& title, const QString& tip,
@@ -202,6 +232,7 @@ void NeedlePanel::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
         m_pList->clear();
         m_rows.clear();
         m_selected.reset();
+        m_bCreating = false;
     }
     FollowCount();
 }
@@ -210,16 +241,17 @@ void NeedlePanel::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
 
 void NeedlePanel::SwitchCreation(bool on) {
     if (m_pMethods == nullptr) return;
-    m_pMethods->SetNeedlePickingMode(Variant(on));
-    if (!on) {
-        ShowText({}, false);
-        return;
+    m_bCreating = on;
+    {
+        const QSignalBlocker quiet(m_pCreate);
+        m_pCreate->setChecked(on);
     }
-    m_pShow->setChecked(true);  // a needle that is created must be seen
-    FollowScene();
-    const QString text = tr("Double click on a scan: new needle. Click on a head: select. Drag: move. Delete: remove.");
-    ShowText(text, false);
-    emit Hint(text);
+    m_pMethods->SetNeedlePickingMode(Variant(on));
+    if (on) {
+        m_pShow->setChecked(true);  // a needle that is created must be seen
+        FollowScene();
+    }
+    ShowMouseHint();
 }
 
 void NeedlePanel::SwitchDrawing(bool on) {
@@ -308,6 +340,11 @@ std::vector<NeedleMark> NeedlePanel::Marks() const {
     return marks;
 }
 
+bool NeedlePanel::HaveUnsaved() const {
+    const std::vector<NeedleMark> marks = Marks();
+    return !marks.empty() && marks != m_vSaved;
+}
+
 std::vector<std::int32_t> NeedlePanel::Place(const std::vector<NeedleMark>& marks) {
     std::vector<std::int32_t> inUse = PlaceNeedles(*m_pMethods, marks, m_look, &m_nLimit);
     for (const NeedleMark& mark : marks) {
@@ -326,9 +363,7 @@ void NeedlePanel::OnCreated(int id) {
     if (m_pMethods == nullptr) return;
     std::array<float, 6> p{};
     if (m_rows.contains(id) || !GetPositions(*m_pMethods, id, &p)) {
-        const QString text = tr("No needle was created: the limit of %1 is reached. Raise it or delete needles.");
-        ShowText(text.arg(m_nLimit), true);
-        emit Hint(text.arg(m_nLimit));
+        WarnOfLimit(LimitReachedText(m_nLimit));
         return;
     }
     const QSignalBlocker quiet(m_pList);
@@ -392,6 +427,34 @@ void NeedlePanel::ShowText(const QString& text, bool isWarning) {
     m_pText->setFont(font);
 }
 
+void NeedlePanel::ShowMouseHint() {
+    const QString text = m_bCreating ? MouseText() : QString();
+    ShowText(text, false);
+    emit Hint(text);
+}
+
+void NeedlePanel::WarnOfLimit(const QString& text) {
+    ShowText(text, true);
+    emit Hint(text);
+}
+
+void NeedlePanel::ReserveTextHeight() {
+    QFont bold = m_pText->font();
+    bold.setBold(true);  // as for warnings, which are the widest
+    const QFontMetrics metrics(bold);
+    int height = 0;
+    for (const QString& text : {MouseText(), LimitReachedText(m_nLimit), LimitTooLowText(m_rows.size())}) {
+        const QRect space(0, 0, m_pText->width(), 0);
+        height = std::max(height, metrics.boundingRect(space, Qt::TextWordWrap, text).height());
+    }
+    m_pText->setFixedHeight(height);
+}
+
+void NeedlePanel::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    ReserveTextHeight();
+}
+
 void NeedlePanel::FollowCount() {
     const auto count = static_cast<int>(m_rows.size());
     const QSignalBlocker quiet(m_pLimit);
@@ -401,6 +464,6 @@ void NeedlePanel::FollowCount() {
     m_pDelete->setEnabled(m_selected.has_value());
     m_pDeleteAll->setEnabled(count > 0);
     m_pSave->setEnabled(count > 0);
-    // The warning about the limit has become wrong.
-    if (m_pText->font().bold() && count < m_nLimit) ShowText({}, false);
+    // A warning about the limit has become wrong.
+    if (m_pText->font().bold() && count < m_nLimit) ShowMouseHint();
 }

@@ -38,6 +38,14 @@ public:
     [[nodiscard]] std::vector<std::int32_t> Place(const std::vector<NeedleMark>& marks);
     /// Suggests sizes that suit the scene, unless the user has chosen sizes or there are needles already.
     void FollowScene();
+    /// Whether the mouse creates and selects needles.
+    [[nodiscard]] bool IsCreating() const { return m_bCreating; }
+    /// Switches that in the viewer too. Emits no CreationWanted().
+    void SwitchCreation(bool on);
+    /// There are needles, and they are not those of the last SetSaved().
+    [[nodiscard]] bool HaveUnsaved() const;
+    /// The present needles are in files.
+    void SetSaved() { m_vSaved = Marks(); }
 
     // What happened in the viewer.
     /// @param id  -1 also when the mouse could not create a needle because of the limit
@@ -48,10 +56,15 @@ public:
     /// The mouse may have moved the head of the selected needle, which no event reports.
     void OnInput();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 signals:
     /// The user asked for the dialog of a file.
     void SaveWanted();
     void LoadWanted();
+    /// The user asked for SwitchCreation().
+    void CreationWanted(bool on);
     /// What the user can do now, or why something did not happen.
     void Hint(const QString& text);
 
@@ -67,7 +80,6 @@ private:
     void Arrange();
     QDoubleSpinBox* MakeSize(const QString& name, const QString& title, const QString& tip, float NeedleLook::*size);
     ColorButton* MakeColor(const QString& name, const QString& title, std::int32_t NeedleLook::*color);
-    void SwitchCreation(bool on);
     void SwitchDrawing(bool on);
     void ChangeLimit(int limit);
     /// Sizes for a scene whose box has this diagonal.
@@ -81,15 +93,22 @@ private:
     void ShowSelection();
     void ShowPosition(int id, const Row& row) const;
     void ShowText(const QString& text, bool isWarning);
+    /// What the mouse does now, here and in the status bar.
+    void ShowMouseHint();
+    void WarnOfLimit(const QString& text);
+    /// The label has the height of its longest text: the controls below it stay where they are.
+    void ReserveTextHeight();
     /// What is enabled and the range of the limit follow the number of needles.
     void FollowCount();
 
     KV_ScenePane::_DKV_ScenePane* m_pMethods = nullptr;
     NeedleLook m_look;  // of the needles that the viewer creates now
     std::int32_t m_nLimit = kStartNeedleLimit;
-    bool m_bSizesChosen = false;    // by the user: no suggestion replaces them
-    std::map<int, Row> m_rows;      // by id
-    std::optional<int> m_selected;  // in the viewer
+    bool m_bSizesChosen = false;  // by the user: no suggestion replaces them
+    bool m_bCreating = false;
+    std::vector<NeedleMark> m_vSaved;  // all needles as SetSaved() found them
+    std::map<int, Row> m_rows;         // by id
+    std::optional<int> m_selected;     // in the viewer
     std::vector<std::pair<QDoubleSpinBox*, float NeedleLook::*>> m_vSizes;
     QCheckBox *m_pCreate, *m_pShow;
     QSpinBox* m_pLimit;

@@ -14,6 +14,7 @@
 #include <numeric>
 
 #include "ColorButton.h"
+#include "KV_ScenePane/Modes.h"
 #include "SceneReport.h"
 
 namespace {
@@ -40,6 +41,11 @@ QAction* ListAction(QTreeWidget& list, const QString& text, const QKeySequence& 
 
 }  // namespace
 
+bool IsPicking(int mode) {
+    return mode == KV_ScenePane::PickModeObjects || mode == KV_ScenePane::PickModeObjectsSecond ||
+           mode == KV_ScenePane::PickModePoints;
+}
+
 QString ObjectText(const PickedPoint& pick) {
     if (pick.object < 0) return PickPanel::tr("%1 (deleted)").arg(pick.name);
     return QString("%1: %2").arg(QString::number(pick.object), pick.name);
@@ -53,14 +59,14 @@ QString PointText(const PickedPoint& pick, const QString& separator) {
 
 PickPanel::PickPanel(QWidget* parent)
     : QWidget(parent),
-      m_pPlacing(new QCheckBox(tr("&Double click places a point"))),
+      m_pPlacing(new QCheckBox(tr("A &double click places a point"))),
       m_pColor(new ColorButton(kFirstColor)),
       m_pRadius(new QDoubleSpinBox),
       m_pList(new QTreeWidget),
       m_pRemove(NamedButton(tr("Remove"), "removePoints", tr("Remove the selected points"))),
       m_pClear(NamedButton(tr("Clear"), "clearPoints", tr("Remove all points"))),
       m_pMove(NamedButton(tr("Move"), "movePoint",
-                          tr("The next double click on an object moves the selected point; Escape cancels"))),
+                          tr("The next pick on an object moves the selected point; Escape cancels"))),
       m_pCopy(NamedButton(tr("Copy"), "copyPoints",
                           tr("Copy x, y, z of the selected points, or of all when none is selected"))),
       m_pCopyDistance(NamedButton(tr("Copy"), "copyDistance", tr("Copy the distance (Ctrl+Shift+C)"))),
@@ -97,7 +103,7 @@ void PickPanel::MakeList() {
 QBoxLayout* PickPanel::MakeSettings() {
     m_pPlacing->setObjectName("placePoints");
     m_pPlacing->setToolTip(
-        tr("The same as View, Picking, Points on objects, with pick-point spheres. Another pick mode removes all "
+        tr("The same as View, Picking, \"Points on objects, with pick-point spheres\". Another pick mode removes all "
            "points."));
     connect(m_pPlacing, &QCheckBox::toggled, this, &PickPanel::PlacingWanted);
     m_pColor->setObjectName("pointColor");
@@ -161,6 +167,9 @@ void PickPanel::ShowPoints(const std::vector<PickedPoint>& points) {
                 row.setText(kX + axis, QString::fromStdString(NumberText(pick.point[static_cast<std::size_t>(axis)])));
         }
     }
+    // Rows that are removed move the others without a repaint when a part of the list is painted before it is laid out
+    // again.
+    m_pList->viewport()->update();
     EnableButtons();
 }
 
@@ -176,6 +185,12 @@ void PickPanel::ShowDistance(const QString& text) {
 void PickPanel::ShowPlacing(bool on) {
     const QSignalBlocker quiet(m_pPlacing);  // the caller has set the mode already
     m_pPlacing->setChecked(on);
+}
+
+void PickPanel::ShowClicks(int clicks) {
+    m_pPlacing->setText(clicks == 1   ? tr("A &click places a point")
+                        : clicks == 2 ? tr("A &double click places a point")
+                                      : tr("&Place points (not with flipped mouse buttons)"));
 }
 
 void PickPanel::ShowMoving(int point) {

@@ -22,6 +22,8 @@ struct PickedPoint {
     QString name;                  ///< of the object's file, without its folders
 };
 
+/// Whether clicks pick points on objects in this mode of the viewer.
+[[nodiscard]] bool IsPicking(int mode);
 /// "0: scan.pcm".
 [[nodiscard]] QString ObjectText(const PickedPoint& pick);
 /// x, y and z as NumberText(), whatever the locale.
@@ -43,6 +45,8 @@ public:
     void ShowDistance(const QString& text);
     /// Whether the pick mode is the one that places points. Emits nothing.
     void ShowPlacing(bool on);
+    /// The text of the switch. @param clicks  on an object, that place a point: 1 or 2; 0: none does
+    void ShowClicks(int clicks);
     /// Which point the next pick moves; -1 for none.
     void ShowMoving(int point);
     /// Colour of the points that are placed from now on, 0x00BBGGRR.

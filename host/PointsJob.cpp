@@ -34,6 +34,7 @@ void PointsJob::NextFile() {
         return;
     }
     m_nSteps = 0;
+    emit Reading(static_cast<int>(m_nNextFile));
     m_reading = std::thread(&PointsJob::ReadFile, this, m_nNextFile++);
 }
 
@@ -77,6 +78,7 @@ void PointsJob::EndFile() {
 void PointsJob::AddToViewer(PointsResult& result) {
     try {
         if (!m_pCloud) throw std::runtime_error(m_strReason);
+        emit Adding(static_cast<int>(m_nNextFile - 1));
         const std::size_t points = m_pCloud->xyz.size() / 3;
         // Moved: a copy of a large cloud would double the memory of the import.
         result.id = AddPoints(m_methods, std::move(*m_pCloud), m_request.look.color, m_request.look.alpha);

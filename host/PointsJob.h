@@ -79,6 +79,10 @@ public:
 signals:
     /// @param steps  of kStepsPerFile for each file
     void Progress(int steps);
+    /// A file is read from here on. @param file  position in the request
+    void Reading(int file);
+    /// The viewer is given the points of a file that was read, which blocks the thread. Emitted before.
+    void Adding(int file);
     /// Emitted exactly once, also after Cancel() and Stop().
     void Finished();
 

@@ -10,6 +10,7 @@
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 ViewerWidget::ViewerWidget(QSize wantedSize, int samples, QWidget* parent)
     : QWidget(parent), m_wantedSize(wantedSize), m_nSamples(samples) {
@@ -73,7 +74,7 @@ void ViewerWidget::NeedleDeselected(std::int32_t id) {
 void ViewerWidget::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
                                    std::int32_t mouseX, std::int32_t mouseY) {
     EventFormatter::SelectObjCoords(idx, px, py, pz, shiftModifiers, mouseX, mouseY);
-    emit ObjectPicked(idx, px, py, pz);
+    if (!std::exchange(m_bPressHasPicked, true)) emit ObjectPicked(idx, px, py, pz);
 }
 
 void ViewerWidget::PickPointCountChanged(std::int32_t newCount) {
@@ -104,6 +105,8 @@ void ViewerWidget::Open() {
         constexpr double kClickSlack = 3.0;  // pixels of a screen of plain density
         if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
             emit RightClicked(*pixel);
+        // A double click comes as another kind of input, and may come before the pick of a press that is delayed.
+        if (input.kind == KV_ScenePane::MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
         return false;  // it only watches: the right button drags the view
     });
     m_pRegistry = std::make_unique<RegistryStart>(m_pPane->Methods());

@@ -42,7 +42,8 @@ signals:
     void NeedleWasDeleted(int id);
     void NeedleWasSelected(int id);
     void NeedleWasDeselected(int id);
-    /// A point on an object was picked. Emitted after the line of the event.
+    /// A point on an object was picked. Emitted after the line of the event, once per press of the left button: where a
+    /// press picks, the viewer picks again for the double click that it begins.
     void ObjectPicked(int object, float x, float y, float z);
     /// Pick-point spheres were added, removed or cleared.
     void PickPointsChanged();
@@ -88,7 +89,8 @@ private:
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
     HeldModifiers m_held;
     RightClickWatch m_rightClicks;
-    std::string m_strMessages;  // shown by the viewer while it was created: the reason of a refusal
+    bool m_bPressHasPicked = false;  // the last press of the left button, or the double click that it began
+    std::string m_strMessages;       // shown by the viewer while it was created: the reason of a refusal
     std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
     std::unique_ptr<RegistryStart> m_pRegistry;  // keeps the component registry of the viewer started
     std::unique_ptr<QSocketNotifier> m_pNotifier;

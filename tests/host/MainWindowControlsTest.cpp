@@ -36,8 +36,8 @@ protected:
 
 TEST_F(MainWindowControls, ChoosesPickModesInTheirOrder) {
     int expected = 0;
-    for (const char* const name : {"Off", "Centre cross", "Points on objects", "Points on objects, second mode",
-                                   "Off, second mode", "Points on objects, with pick-point spheres"}) {
+    for (const char* const name : {"Off", "Centre cross", "Points on objects", "Points on objects (mode 3)",
+                                   "Off (mode 4)", "Points on objects, with pick-point spheres"}) {
         Trigger(name);
         EXPECT_EQ(Methods().GetPickMode(), expected++) << name;
     }

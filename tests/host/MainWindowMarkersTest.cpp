@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSlider>
@@ -344,6 +345,22 @@ TEST_F(MainWindowMarkers, StaysUsableWhileAFileIsRead) {
     EXPECT_LT(values.front(), PointsJob::kStepsPerFile);
     EXPECT_EQ(PointRows(), std::vector<std::string>{"large.xyz"});
     EXPECT_EQ(Row(0).text(MarkerPanel::kPoints), "300000");
+}
+
+TEST_F(MainWindowMarkers, NamesTheFileInWorkAndSaysWhenItIsAdded) {
+    const std::string small = Write("small.xyz", "0 0 0\n1 1 1\n");
+    Show();
+    m_window->ImportPointFiles({WriteLarge(), small}, {});
+    auto* const dialog = m_window->findChild<QProgressDialog*>();
+    auto* const bar = dialog->findChild<QProgressBar*>();
+    std::vector<std::string> texts;
+    const auto* const job = m_window->findChild<PointsJob*>();
+    const auto add = [&] { texts.push_back((dialog->labelText() + " | " + bar->text()).toStdString()); };
+    QObject::connect(job, &PointsJob::Reading, add);  // after those of the dialog
+    QObject::connect(job, &PointsJob::Adding, add);
+    WaitForImports();
+    EXPECT_EQ(texts, (std::vector<std::string>{"Reading large.xyz | 0 %", "large.xyz | Adding to the scene",
+                                               "Reading small.xyz | 50 %", "small.xyz | Adding to the scene"}));
 }
 
 TEST_F(MainWindowMarkers, ClosedOrDestroyedDuringAnImportEndsItFirst) {

@@ -315,6 +315,53 @@ TEST_F(MainWindowNeedles, WithTheNumberMinusOneAreNoWarning) {
     EXPECT_EQ(Find<QLabel>("needleText").text(), "");
 }
 
+TEST_F(MainWindowNeedles, ShowTheHintOfTheMouseAgainOnceThereIsRoom) {
+    Create().click();
+    const QString hint = Find<QLabel>("needleText").text();
+    const auto isHinted = [&] {
+        return Find<QLabel>("needleText").text() == hint && StatusText() == hint.toStdString();
+    };
+    EXPECT_TRUE(isHinted());
+    Limit().setValue(1);
+    DoubleClick(-40);
+    DoubleClick(40);
+    EXPECT_FALSE(isHinted());
+    (void)Methods().DeleteNeedle(1);
+    EXPECT_TRUE(isHinted()) << StatusText();
+}
+
+TEST_F(MainWindowNeedles, SayWhyALowerLimitIsNotAccepted) {
+    AddNeedles(8);
+    Limit().setFocus();
+    ASSERT_TRUE(WaitUntil([&] { return Limit().hasFocus(); }));
+    Limit().selectAll();
+    Xdotool("key 3 key Return");
+    EXPECT_TRUE(WaitUntil([&] { return Find<QLabel>("needleText").text().contains("There are 8 needles"); }));
+    EXPECT_NE(StatusText().find("There are 8 needles"), std::string::npos) << StatusText();
+    EXPECT_EQ(Limit().value(), 8);
+    EXPECT_EQ(Methods().GetNumberOfNeedles(), 8);
+    (void)Methods().DeleteNeedle(1);
+    EXPECT_EQ(Find<QLabel>("needleText").text(), "");
+}
+
+TEST_F(MainWindowNeedles, DoNotMoveTheControlsByTheirHints) {
+    const auto top = [&] {
+        QCoreApplication::processEvents();
+        return List().y();
+    };
+    m_window->resize(900, 800);
+    Create().click();
+    Limit().setValue(1);
+    const int before = top();
+    DoubleClick(-40);
+    DoubleClick(40);
+    EXPECT_EQ(top(), before);
+    const auto& text = Find<QLabel>("needleText");
+    EXPECT_GE(text.height(), text.heightForWidth(text.width())) << "it is read as a whole";
+    Create().click();
+    EXPECT_EQ(top(), before);
+}
+
 // ---- the look
 
 TEST_F(MainWindowNeedles, HaveTheLookThatWasSetWhenTheyWereCreated) {
@@ -368,15 +415,6 @@ TEST_F(MainWindowNeedles, HaveOneSizeAlsoWhenTheSceneGrows) {
     WritePcm(m_folder / "large.pcm", 200, 200);
     Import({m_folder / "large.pcm"});
     EXPECT_DOUBLE_EQ(Size("needleLength").value(), 8.3);
-}
-
-TEST_F(MainWindowNeedles, NameTheControlsOfTheirLook) {
-    for (const char* const name : {"needleLength", "needleHeadRadius", "needlePinSize", "needleHitPointRadius"}) {
-        EXPECT_FALSE(Size(name).accessibleName().isEmpty()) << name;
-        EXPECT_FALSE(Size(name).toolTip().isEmpty()) << name;
-    }
-    for (const char* const name : {"needleHeadColor", "needlePinColor", "needleHitPointColor", "needleSelectionColor"})
-        EXPECT_FALSE(Find<ColorButton>(name).accessibleName().isEmpty()) << name;
 }
 
 // ---- files
@@ -458,20 +496,6 @@ TEST_F(MainWindowNeedles, AreSavedAndLoadedByTheButtons) {
     Find<QPushButton>("needleLoad").click();
     EXPECT_TRUE(load.WasShown());
     EXPECT_EQ(Needles(), "1 2");
-}
-
-TEST(NeedlePanel, WithoutAViewerDoesNothing) {
-    NeedlePanel panel;
-    for (auto* const box : panel.findChildren<QCheckBox*>()) box->setChecked(true);
-    for (auto* const button : panel.findChildren<ColorButton*>()) emit button->ColorChosen(1);
-    panel.findChild<QDoubleSpinBox*>("needleLength")->setValue(20);
-    panel.findChild<QSpinBox*>("needleLimit")->setValue(20);
-    panel.OnCreated(1);
-    panel.OnDeleted(1);
-    panel.OnInput();
-    panel.FollowScene();
-    EXPECT_TRUE(panel.Marks().empty());
-    EXPECT_FALSE(panel.isEnabled());
 }
 
 }  // namespace

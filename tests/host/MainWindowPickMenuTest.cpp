@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeWidget>
 #include <cmath>
 
@@ -231,6 +232,40 @@ TEST_F(MainWindowPickMenu, CopiesTheDistanceByItsShortcutWhileTheViewerHasTheKey
     ASSERT_TRUE(WaitUntil([&] { return Clipboard() != "nothing"; }));
     EXPECT_EQ(Clipboard(), Find<QLabel>("distance").text().toStdString());
     EXPECT_EQ(View(), view) << "the plain key centres the view";
+}
+
+/// Rows of the list that the screen shows. Qt grabs a widget by painting it anew, so the X server is asked.
+int RowsOnScreen(const QTreeWidget& list) {
+    const QWidget& viewport = *list.viewport();
+    const QPoint corner = viewport.mapTo(list.window(), QPoint());
+    const QImage shown =
+        list.screen()
+            ->grabWindow(list.window()->winId(), corner.x(), corner.y(), viewport.width(), viewport.height())
+            .toImage();
+    const int height = list.visualItemRect(list.topLevelItem(0)).height();
+    int rows = 0;
+    for (int top = 0; top + height <= shown.height(); top += height) {
+        const QImage row = shown.copy(0, top, shown.width(), height);
+        QImage plain = row;
+        plain.fill(row.pixel(row.width() - 1, 0));
+        rows += row != plain ? 1 : 0;
+    }
+    return rows;
+}
+
+TEST_F(MainWindowPickMenu, LeavesThePaintedListAfterARemoval) {
+    PlacePoints({Beside(-0.2, 0), Beside(-0.1, 0), Beside(0.1, 0), Beside(0.2, 0)});
+    Find<QDockWidget>("picks").raise();
+    ASSERT_TRUE(WaitUntil([&] { return RowsOnScreen(List()) == 4; }));
+    const auto click = [](const QWidget& widget, const QPoint& point) {
+        Xdotool("mousemove " + At(widget.mapToGlobal(point)) + " click 1");
+    };
+    click(*List().viewport(), List().visualItemRect(List().topLevelItem(1)).center());
+    ASSERT_TRUE(WaitUntil([&] { return List().hasFocus() && List().selectedItems().size() == 1; }));
+    const auto& button = Find<QPushButton>("removePoints");
+    click(button, button.rect().center());
+    ASSERT_TRUE(WaitUntil([&] { return List().topLevelItemCount() == 3; }));
+    EXPECT_TRUE(WaitUntil([&] { return RowsOnScreen(List()) == 3; })) << RowsOnScreen(List());
 }
 
 TEST_F(MainWindowPickMenu, CopiesAndRemovesByTheKeysOfTheList) {

@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QPushButton>
 #include <QTreeWidget>
 
 #include "host/QtUnderXvfb.h"
@@ -61,6 +62,22 @@ TEST_F(MarkerPanelTest, RequestsTheDeletionOfTheCurrentRowOnly) {
     remove->trigger();
     EXPECT_EQ(m_deleted, std::vector<int>{9});
     EXPECT_EQ(m_panel.PointIds(), (std::vector<int>{4, 9})) << "the window removes the row";
+}
+
+TEST_F(MarkerPanelTest, HasAButtonForTheDeletionOfTheCurrentRow) {
+    auto& button = *m_panel.findChild<QPushButton*>("deletePoints");
+    EXPECT_FALSE(button.isEnabled());
+    m_panel.AddPoints(4, "a", 1, 1.0f);
+    List().setCurrentItem(List().topLevelItem(0));
+    EXPECT_TRUE(button.isEnabled());
+    button.click();
+    EXPECT_EQ(m_deleted, std::vector<int>{4});
+    m_panel.RemovePoints(4);
+    EXPECT_FALSE(button.isEnabled());
+    m_panel.AddPoints(5, "a", 1, 1.0f);
+    List().setCurrentItem(List().topLevelItem(0));
+    m_panel.Clear();
+    EXPECT_FALSE(button.isEnabled());
 }
 
 TEST_F(MarkerPanelTest, RemovesTheRowOfAnIdWhereverItIs) {
