@@ -261,6 +261,7 @@ void NeedlePanel::SwitchDrawing(bool on) {
 }
 
 void NeedlePanel::ChangeLimit(int limit) {
+    if (limit == m_nLimit) return;  // Return was pressed: the box reports that always
     m_nLimit = limit;
     if (m_pMethods != nullptr) m_pMethods->SetMaxNumberOfNeedles(limit);
     FollowCount();

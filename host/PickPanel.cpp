@@ -167,8 +167,8 @@ void PickPanel::ShowPoints(const std::vector<PickedPoint>& points) {
                 row.setText(kX + axis, QString::fromStdString(NumberText(pick.point[static_cast<std::size_t>(axis)])));
         }
     }
-    // Rows that are removed move the others without a repaint when a part of the list is painted before it is laid out
-    // again.
+    // Qt loses the repaint of the moved rows when it paints a part of the list, the deselected row, before it has laid
+    // out the list.
     m_pList->viewport()->update();
     EnableButtons();
 }

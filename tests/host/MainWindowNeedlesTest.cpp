@@ -318,9 +318,8 @@ TEST_F(MainWindowNeedles, WithTheNumberMinusOneAreNoWarning) {
 TEST_F(MainWindowNeedles, ShowTheHintOfTheMouseAgainOnceThereIsRoom) {
     Create().click();
     const QString hint = Find<QLabel>("needleText").text();
-    const auto isHinted = [&] {
-        return Find<QLabel>("needleText").text() == hint && StatusText() == hint.toStdString();
-    };
+    const auto& text = Find<QLabel>("needleText");
+    const auto isHinted = [&] { return text.text() == hint && StatusText() == hint.toStdString(); };
     EXPECT_TRUE(isHinted());
     Limit().setValue(1);
     DoubleClick(-40);
@@ -331,15 +330,15 @@ TEST_F(MainWindowNeedles, ShowTheHintOfTheMouseAgainOnceThereIsRoom) {
 }
 
 TEST_F(MainWindowNeedles, SayWhyALowerLimitIsNotAccepted) {
-    AddNeedles(8);
+    AddNeedles(4);
     Limit().setFocus();
     ASSERT_TRUE(WaitUntil([&] { return Limit().hasFocus(); }));
     Limit().selectAll();
     Xdotool("key 3 key Return");
-    EXPECT_TRUE(WaitUntil([&] { return Find<QLabel>("needleText").text().contains("There are 8 needles"); }));
-    EXPECT_NE(StatusText().find("There are 8 needles"), std::string::npos) << StatusText();
+    EXPECT_TRUE(WaitUntil([&] { return Find<QLabel>("needleText").text().contains("There are 4 needles"); }));
+    EXPECT_NE(StatusText().find("There are 4 needles"), std::string::npos) << StatusText();
     EXPECT_EQ(Limit().value(), 8);
-    EXPECT_EQ(Methods().GetNumberOfNeedles(), 8);
+    EXPECT_EQ(Methods().GetNumberOfNeedles(), 4);
     (void)Methods().DeleteNeedle(1);
     EXPECT_EQ(Find<QLabel>("needleText").text(), "");
 }
