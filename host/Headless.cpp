@@ -3,12 +3,9 @@
 #include "Headless.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cmath>
 #include <cstring>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -17,6 +14,7 @@
 #include "FileExport.h"
 #include "FileImport.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "MarkBox.h"
 #include "MarkerFiles.h"
 #include "PngFile.h"
 #include "RegistryStart.h"
@@ -79,32 +77,6 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
     }
     return report;
 }
-
-/// The box of lines and needles, to which the viewer fits no view.
-class MarkBox {
-public:
-    /// Coordinates that are not finite do not count.
-    void Merge(const float* point) {
-        if (!std::all_of(point, point + 3, [](float value) { return std::isfinite(value); })) return;
-        for (std::size_t i = 0; i < 3; ++i) {
-            m_corners[i] = std::min(m_corners[i], point[i]);
-            m_corners[3 + i] = std::max(m_corners[3 + i], point[i]);
-        }
-    }
-    [[nodiscard]] bool IsEmpty() const { return m_corners[0] > m_corners[3]; }
-    /// Two points: the lower and the upper corner. A box without any extent is widened by one unit to each side.
-    [[nodiscard]] std::vector<float> Corners() const {
-        std::vector<float> corners(m_corners.begin(), m_corners.end());
-        if (std::equal(corners.begin(), corners.begin() + 3, corners.begin() + 3)) {
-            for (std::size_t i = 0; i < 3; ++i) corners[i] -= 1.0f, corners[3 + i] += 1.0f;
-        }
-        return corners;
-    }
-
-private:
-    static constexpr float kMax = std::numeric_limits<float>::max();
-    std::array<float, 6> m_corners{kMax, kMax, kMax, -kMax, -kMax, -kMax};
-};
 
 /// What the marker files of a run added.
 struct MarkerReport {
