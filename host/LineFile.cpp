@@ -2,8 +2,10 @@
 // std::from_chars, whose result does not depend on the locale.
 #include "LineFile.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -34,7 +36,23 @@ std::string Quoted(std::string_view word) {
     return text + (word.size() > kMaxLength ? "...\"" : "\"");
 }
 
-/// The whole word as a finite float; a double that is nearer to 0 than any float is 0.
+/// Whether a number that std::from_chars() finds out of range is too small, not too large: the errors are equal.
+bool IsTooSmall(std::string_view number) {
+    constexpr std::string_view kExponents = "eE";
+    const std::size_t end = std::min(number.find_first_of(kExponents), number.size());
+    const std::string_view digits = number.substr(0, end);
+    std::string_view power = number.substr(std::min(end + 1, number.size()));
+    if (power.starts_with('+')) power.remove_prefix(1);
+    std::int64_t exponent = 0;
+    if (std::from_chars(power.data(), power.data() + power.size(), exponent).ec == std::errc::result_out_of_range)
+        return power.starts_with('-');
+    // Out of range is far from 1, so the position of the first digit decides.
+    const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+    const auto first = static_cast<std::int64_t>(std::min(digits.find_first_of("123456789"), digits.size()));
+    return exponent < first - point;
+}
+
+/// The whole word as a finite float; a number that is nearer to 0 than any float is 0.
 float NumberOf(std::string_view word) {
     std::string_view digits = word;
     if (digits.size() > 1 && digits[0] == '+' && digits[1] != '-') digits.remove_prefix(1);
@@ -43,10 +61,7 @@ float NumberOf(std::string_view word) {
     const auto [last, error] = std::from_chars(digits.data(), end, value);
     if (last != end || error == std::errc::invalid_argument) throw LineError(Quoted(word) + " is not a number");
     if (error == std::errc::result_out_of_range) {
-        // from_chars reports too large and too small numbers alike.
-        double wide = 0.0;
-        const bool isTiny = std::from_chars(digits.data(), end, wide).ec == std::errc() && std::abs(wide) < 1.0;
-        if (!isTiny) throw LineError(Quoted(word) + " is outside the range of coordinates");
+        if (!IsTooSmall(digits)) throw LineError(Quoted(word) + " is outside the range of coordinates");
         return 0.0f;
     }
     if (!std::isfinite(value)) throw LineError(Quoted(word) + " is not a finite number");

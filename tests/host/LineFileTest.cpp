@@ -61,6 +61,11 @@ TEST(LineFile, ReadsNumbersInEveryNotation) {
 
 TEST(LineFile, ReadsANumberBelowTheSmallestFloatAsZero) {
     EXPECT_EQ(Parsed("1e-60 -1e-60 0 1 1 1"), (std::vector<Polyline>{{0, 0, 0, 1, 1, 1}}));
+    const std::string zeros(400, '0'), digits = '1' + zeros;
+    for (const std::string& tiny :
+         {std::string("1e-400"), std::string("-2.5E-400"), std::string("1e-99999999999999999999"), "0." + zeros + "1",
+          "." + zeros + "1e+9", digits + "e-900"})
+        EXPECT_EQ(Parsed(tiny + " 0 0 1 1 1"), (std::vector<Polyline>{{0, 0, 0, 1, 1, 1}})) << tiny;
 }
 
 TEST(LineFile, ReadsTheSameInALocaleWithCommas) {
@@ -88,6 +93,11 @@ const BadLines kBadLines[] = {
     {"Infinity", "0 0 -inf", "line 1: \"-inf\" is not a finite number"},
     {"TooLarge", "0 0 1e39", "line 1: \"1e39\" is outside the range of coordinates"},
     {"FarTooLarge", "0 0 -1e999", "line 1: \"-1e999\" is outside the range of coordinates"},
+    {"TooLargeByItsExponent", "0 0 1e99999999999999999999",
+     "line 1: \"1e999999999999999999...\" is outside the range of coordinates"},
+    {"TooLargeByItsDigits", std::string(400, '9') + "e-9 0 0",
+     "line 1: \"99999999999999999999...\" is outside the range of coordinates"},
+    {"TooLargeAfterZeros", "0.001e+400 0 0", "line 1: \"0.001e+400\" is outside the range of coordinates"},
     {"TwoNumbers", "1 2\n", "line 1: 2 numbers, not three for each point"},
     {"OneNumber", "1\n", "line 1: 1 number, not three for each point"},
     {"SevenNumbers", "1 2 3 4 5 6\n1 2 3 4 5 6 7\n", "line 2: 7 numbers, not three for each point"},
