@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "CaughtError.h"
+#include "DebugCapture.h"
 #include "PaintBlock.h"
 #include "SceneFile.h"
 
@@ -70,6 +71,15 @@ std::int32_t AddPoints(KV_ScenePane::_DKV_ScenePane& methods, PointCloud cloud, 
                                 count == 0 ? kNoPoint : cloud.colors.data(), alpha);
 }
 
+std::int32_t AddDrawnPoints(KV_ScenePane::_DKV_ScenePane& methods, PointCloud cloud, std::int32_t color, float alpha) {
+    const DebugCapture capture;
+    const std::int32_t id = AddPoints(methods, std::move(cloud), color, alpha);
+    constexpr const char* kReason = "not enough graphics memory";  // as the viewer starts its line about the set
+    if (capture.Text().find(kReason) == std::string::npos) return id;
+    methods.DeletePoints(id);
+    throw std::runtime_error(kReason);
+}
+
 std::vector<std::int32_t> AddLines(KV_ScenePane::_DKV_ScenePane& methods, std::span<const Polyline> polylines) {
     const PaintBlock block(methods);  // each new line would draw a frame
     std::vector<std::int32_t> ids;
@@ -91,7 +101,7 @@ std::string AddPointFile(KV_ScenePane::_DKV_ScenePane& methods, const std::strin
         PointCloud cloud;
         std::string reason;
         if (!KV_ScenePane::ReadPointFile(file, &cloud, &reason, {})) return reason;
-        AddPoints(methods, std::move(cloud), color, alpha);
+        AddDrawnPoints(methods, std::move(cloud), color, alpha);
         return reason;
     });
 }

@@ -19,6 +19,12 @@
 std::int32_t AddPoints(KV_ScenePane::_DKV_ScenePane& methods, KV_ScenePane::PointCloud cloud, std::int32_t color,
                        float alpha);
 
+/// As AddPoints(), but deletes the set again when graphics memory is short: the viewer would not draw it. Needs a
+/// DebugRouter, without which such a set stays.
+/// @throws std::runtime_error with the reason, too
+std::int32_t AddDrawnPoints(KV_ScenePane::_DKV_ScenePane& methods, KV_ScenePane::PointCloud cloud, std::int32_t color,
+                            float alpha);
+
 /// Creates one line per polyline, with the smallest ids from 0 that no line has. Whether lines are drawn does not
 /// change. Must not be called while paint events are blocked (PaintBlock.h).
 /// @return the ids, in the order of the polylines
@@ -28,7 +34,7 @@ std::vector<std::int32_t> AddLines(KV_ScenePane::_DKV_ScenePane& methods, std::s
 // One file each, read and added on the thread of the viewer. They return why the file, or a part of it, was not added:
 // one line without the file's name, empty when all of it was. What is thrown on the way is such a reason, too.
 
-/// As AddPoints().
+/// As AddDrawnPoints().
 [[nodiscard]] std::string AddPointFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                                        std::int32_t color, float alpha);
 /// As AddLines(), with the drawing of lines switched on. @param polylines  receives those of the file

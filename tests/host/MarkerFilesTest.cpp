@@ -4,8 +4,10 @@
 
 #include <memory>
 
+#include "DebugCapture.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "host/MeshFiles.h"
+#include "support/DriverStandIn.h"
 
 namespace {
 
@@ -67,6 +69,18 @@ TEST_F(MarkerFiles, NumberPointSetsFromZeroAlsoWithoutPoints) {
     EXPECT_EQ(AddPoints(Methods(), kCross, 0, 1.0f), 0);
     EXPECT_EQ(AddPoints(Methods(), {}, 0, 1.0f), 1);
     EXPECT_EQ(AddPoints(Methods(), kCross, 0, 1.0f), 2);
+}
+
+TEST_F(MarkerFiles, ReportPointsForWhichGraphicsMemoryIsShort) {
+    const DebugRouter router([](std::string_view) {});
+    WriteText(m_folder / "p.xyz", "0 0 0\n1 0 0\n");
+    {
+        const ScopedDriverFaults faults({.failUpload = 1});
+        EXPECT_EQ(AddPointFile(Methods(), m_folder / "p.xyz", 0, 1.0f), "not enough graphics memory");
+        EXPECT_EQ(ReadDriverCounters().failedUploads, 1);
+    }
+    EXPECT_EQ(AddPointFile(Methods(), m_folder / "p.xyz", 0, 1.0f), "");
+    EXPECT_EQ(AddPoints(Methods(), kCross, 0, 1.0f), 1) << "the set without memory is deleted";
 }
 
 TEST_F(MarkerFiles, GiveEachLineTheSmallestFreeNumber) {
