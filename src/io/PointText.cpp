@@ -17,11 +17,11 @@
 namespace {
 
 /// What a column holds.
-enum Role { kX, kY, kZ, kRed, kGreen, kBlue, kIgnoredNumber, kIgnoredText, kRoles };
+enum Role { kX, kY, kZ, kRed, kGreen, kBlue, kIgnoredValue, kIgnoredText, kRoles };
 
 constexpr double kCountPart = 0.05;  // of the whole time that counting the lines needs, for the progress
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 const char* SkipBlanks(const char* at) {
     while (IsBlank(*at)) ++at;
@@ -133,7 +133,7 @@ KV_ScenePane::PointCloud Reader::Read() {
             Fail("the line is longer than " + std::to_string(TextBlocks::kBlock) + " characters");
         }
         ReadBlock(block);
-        m_rProgress.Report(kCountPart + (1 - kCountPart) * blocks.Part());
+        m_rProgress.Report(kCountPart + (1 - kCountPart) * blocks.Part(), 1 - kCountPart);
     }
     if (!m_collector) throw FileReadError("the file holds no points");
     AddBlock();
@@ -152,7 +152,7 @@ std::uint64_t Reader::CountLines() {
             ++lines;
             ++at;
         }
-        m_rProgress.Report(kCountPart * blocks.Part());
+        m_rProgress.Report(kCountPart * blocks.Part(), kCountPart);
     }
     return lines;
 }
@@ -167,7 +167,9 @@ void Reader::ReadBlock(std::string_view block) {
             continue;
         }
         const char* const lineEnd = std::find(at, end, '\n');
-        ReadLine(Trimmed({at, static_cast<std::size_t>(lineEnd - at)}));
+        std::string_view line(at, static_cast<std::size_t>(lineEnd - at));
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        ReadLine(Trimmed(line));
         at = lineEnd + 1;
     }
 }
@@ -184,6 +186,8 @@ const char* SkipSeparator(const char* at, unsigned& kinds) {
     return next == at ? nullptr : next;
 }
 
+bool IsComment(std::string_view line) { return line.starts_with('#') || line.starts_with("//"); }
+
 /// A line with a number in each column that needs one, without quotation marks and with one kind of separator.
 /// @param at   start of the line, in a block that ends with a line feed
 /// @param end  of the block
@@ -192,6 +196,7 @@ const char* Reader::TryPlainLine(const char* at, const char* end) {
     std::array<float, kRoles> values{};
     unsigned kinds = 0;
     at = SkipBlanks(at);
+    if (IsComment({at, end})) return nullptr;
     for (std::size_t column = 0; column < m_vRoles.size(); ++column) {
         if (column > 0) at = SkipSeparator(at, kinds);
         if (at == nullptr) return nullptr;
@@ -204,6 +209,7 @@ const char* Reader::TryPlainLine(const char* at, const char* end) {
         if (at == nullptr) return nullptr;
     }
     at = SkipBlanks(at);
+    if (*at == '\r') ++at;
     if (*at != '\n' || m_vRoles.empty()) return nullptr;
     if (m_cSeparator == 0 ? (kinds & (kinds - 1)) != 0 : kinds != KindOf(m_cSeparator)) return nullptr;
     if (m_collector->HasColors() && !AreColors(values)) return nullptr;
@@ -215,14 +221,17 @@ const char* Reader::TryPlainLine(const char* at, const char* end) {
 /// @return null for a field that needs more care
 const char* Reader::SkipText(const char* at) const {
     const bool byBlanks = m_cSeparator == ' ';
-    if (byBlanks && *at == '\n') return nullptr;
-    while (*at != '\n' && *at != '"' && (byBlanks ? !IsBlank(*at) : *at != m_cSeparator)) ++at;
+    const auto isLineEnd = [](char c) { return c == '\n' || c == '\r'; };
+    if (byBlanks && isLineEnd(*at)) return nullptr;
+    while (!isLineEnd(*at) && *at != '"' && (byBlanks ? !IsBlank(*at) : *at != m_cSeparator)) ++at;
     return *at == '"' ? nullptr : at;
 }
 
-/// Any line, without white space at its ends.
+/// Any line, without its end and without blanks around it. A carriage return may be meant as the end of a line, also of
+/// a comment: what follows it must not be lost.
 void Reader::ReadLine(std::string_view line) {
-    if (line.empty() || line.starts_with('#') || line.starts_with("//")) return;
+    if (line.find('\r') != std::string_view::npos) Fail("a carriage return is not at the end of the line");
+    if (line.empty() || IsComment(line)) return;
     if (line.starts_with("\xFF\xFE") || line.starts_with("\xFE\xFF")) Fail("text in UTF-16 is not read");
     const char separator = m_cSeparator != 0 ? m_cSeparator : SeparatorOf(line);
     Split(line, separator);
@@ -301,13 +310,13 @@ void Reader::StartWithoutHeader() {
             m_vRoles = {kX, kY, kZ};
             break;
         case 4:
-            m_vRoles = {kX, kY, kZ, kIgnoredNumber};
+            m_vRoles = {kX, kY, kZ, kIgnoredValue};
             break;
         case 6:
             m_vRoles = {kX, kY, kZ, kRed, kGreen, kBlue};
             break;
         case 7:
-            m_vRoles = {kX, kY, kZ, kRed, kGreen, kBlue, kIgnoredNumber};
+            m_vRoles = {kX, kY, kZ, kRed, kGreen, kBlue, kIgnoredValue};
             break;
         default: {
             float value = 0;
@@ -325,7 +334,7 @@ void Reader::Start(bool hasColors) {
     m_collector.emplace(std::min(m_uLines, most), hasColors);
 }
 
-// An ignored number at the end may be empty: some programs write a separator after the last number.
+// An ignored value may be anything, also empty: some programs write a separator after the last number.
 void Reader::ReadFields() {
     if (m_vFields.size() != m_vRoles.size())
         Fail("expected " + std::to_string(m_vRoles.size()) + (m_cSeparator == 0 ? " numbers" : " columns") +
@@ -334,7 +343,7 @@ void Reader::ReadFields() {
     for (std::size_t i = 0; i < m_vFields.size(); ++i) {
         const Role role = m_vRoles[i];
         const std::string_view field = m_vFields[i];
-        if (role == kIgnoredText || (role == kIgnoredNumber && field.empty())) continue;
+        if (role == kIgnoredText || role == kIgnoredValue) continue;
         if (!ReadNumber(field, values[role])) Fail(NumberFault(field));
         const bool isColor = role == kRed || role == kGreen || role == kBlue;
         if (isColor && !(values[role] >= 0 && values[role] <= PointCollector::kLargestColor))

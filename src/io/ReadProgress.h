@@ -16,10 +16,11 @@ public:
         : m_report(std::move(report)),
           m_fStep(std::min(0.01, 16e6 / static_cast<double>(std::max<std::uint64_t>(bytes, 1)))) {}
 
-    /// @param part  how much of the work is done, 0 to 1
+    /// @param part   how much of the work is done, 0 to 1
+    /// @param share  of the whole work that the current pass over the file is
     /// @throws FileReadError "cancelled"
-    void Report(double part) {
-        if (part < m_fLast + m_fStep || part >= 1) return;
+    void Report(double part, double share = 1) {
+        if (part < m_fLast + m_fStep * share || part >= 1) return;
         Call(part);
     }
     /// Reports 1, as the last call.

@@ -21,7 +21,7 @@ void TextBlocks::Fill() {
     m_uEnd -= m_uTail;
     std::memmove(m_pBuffer.get(), m_pBuffer.get() + m_uTail, m_uEnd);
     m_uTail = 0;
-    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kBlock - m_uEnd, m_uLeft));
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kBlock + 1 - m_uEnd, m_uLeft));
     if (m_rInput.Read(m_pBuffer.get() + m_uEnd, wanted) < wanted)
         throw FileReadError("the file became shorter while it was read");
     m_uEnd += wanted;
@@ -31,14 +31,10 @@ void TextBlocks::Fill() {
 std::string_view TextBlocks::Next() {
     Fill();
     if (m_uEnd == 0) return {};
+    if (m_uLeft == 0 && m_uEnd <= kBlock && !IsEnd(m_pBuffer[m_uEnd - 1])) m_pBuffer[m_uEnd++] = '\n';
     std::size_t cut = m_uEnd;
-    if (m_uLeft == 0) {
-        if (!IsEnd(m_pBuffer[cut - 1])) m_pBuffer[cut++] = '\n';
-        m_uEnd = cut;
-    } else {
-        while (cut > 0 && !IsEnd(m_pBuffer[cut - 1])) --cut;
-        if (cut == 0) cut = m_uEnd;
-    }
+    while (cut > 0 && !IsEnd(m_pBuffer[cut - 1])) --cut;
+    if (cut == 0) cut = m_uEnd;
     m_uTail = cut;
     return {m_pBuffer.get(), cut};
 }

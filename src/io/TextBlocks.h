@@ -22,7 +22,8 @@ public:
     /// How much of the text was returned, 0 to 1.
     [[nodiscard]] double Part() const;
 
-    static constexpr std::size_t kBlock = std::size_t{1} << 18;  ///< bytes per block; it fits into the cache
+    /// Characters of the longest line or word; a block has one more, for its end, and fits into the cache.
+    static constexpr std::size_t kBlock = std::size_t{1} << 18;
 
 private:
     [[nodiscard]] bool IsEnd(char c) const { return c == '\n' || (m_eCut == Cut::kAfterWord && IsSpace(c)); }
@@ -34,8 +35,7 @@ private:
     std::uint64_t m_uSize;                ///< bytes of the text
     std::uint64_t m_uLeft;                ///< of these, not read yet
     std::size_t m_uTail = 0, m_uEnd = 0;  ///< what is in the buffer and was not returned
-    std::unique_ptr<char[]> m_pBuffer =
-        std::make_unique_for_overwrite<char[]>(kBlock + 1);  ///< one more, for an added line feed
+    std::unique_ptr<char[]> m_pBuffer = std::make_unique_for_overwrite<char[]>(kBlock + 1);
 };
 
 /// A piece of a file's text for a message of one line: control characters replaced, cut after @p longest characters.

@@ -69,6 +69,11 @@ const Line kLines[] = {
     {"HeaderWithOtherColumns", "id,x,name,y,z,note,red,green,blue,\n9,1,two words,2,3,,255,0,51,\n"},
     {"QuotedTextWithSeparators", "x,y,z,note,r,g,b\n1,2,3,\"a, b \"\"c\"\"; d\",255,0,51\n"},
     {"QuotedNameWithASeparator", "x,y,z,\"a;b\",r,g,b\n1,2,3,4,255,0,51\n"},
+    {"CommentsBelowATextColumn", "name,x,y,z,r,g,b\n#1,9,9,9,9,9,9\n  //2,9,bad\n\"#3\",1,2,3,255,0,51\n#4,9,bad\n"},
+    {"CommentsBelowATextColumnWithBlanks", "name x y z r g b\n#1 9 9 9 9 9 9\n//2 9\na/b 1 2 3 255 0 51\n"},
+    {"CarriageReturnAtTheEndOfTheFile", "1 2 3 255 0 51\r"},
+    {"CarriageReturnsAfterBlanksAndText", "x,y,z,r,g,b,note\r\n\r\n# c\r\n1,2,3,255,0,51,two words \t\r\n"},
+    {"AlphaThatIsNoNumber", "1 2 3 255 0 51 nan\n"},
     {"HeaderSeparatedByBlanks", "x y z name r g b\n1 2 3 abc,d 255 0 51\n"},
     {"HeaderAfterComments", "# made by hand\n\nx;y;z;r;g;b\n1;2;3;255;0;51\n"},
     {"SemicolonsWithCommasInTexts", "x;y;z;note;r;g;b\n1;2;3;a,b;255;0;51\n"},
@@ -80,6 +85,12 @@ TEST(PointText, ReadsFourColumnsAsCoordinatesAndAValueThatIsIgnored) {
     const auto cloud = Read("1 2 3 900\n4 5 6 -7\n");
     EXPECT_THAT(cloud.xyz, ElementsAre(1, 2, 3, 4, 5, 6));
     EXPECT_THAT(cloud.colors, IsEmpty());
+}
+
+// Numbers and other words are read in different ways.
+TEST(PointText, IgnoresTheFourthValueWhateverItIs) {
+    EXPECT_THAT(Read("1 2 3 nan\n4 5 6 7\n7 8 9 -inf\n1 2 3 1e99\n4 5 6 four\n").xyz,
+                ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 3, 4, 5, 6));
 }
 
 TEST(PointText, ReadsEachLineWithItsOwnSeparatorWhenThereIsNoHeader) {
@@ -138,7 +149,12 @@ const Refused kRefused[] = {
     {"NotANumberAsAColor", "1 2 3 4 5 nan\n", "line 1: \"nan\" is not a finite number"},
     {"ColorAbove255", "1 2 3 4 5 6\n1 2 3 4 256 6\n", "line 2: colour \"256\" is not from 0 to 255"},
     {"NegativeColor", "1 2 3 0.5 -0.5 0\n", "line 1: colour \"-0.5\" is not from 0 to 255"},
-    {"IgnoredColumnWithoutANumber", "1 2 3 four\n", "line 1: \"four\" is not a number"},
+    {"CarriageReturnBetweenNumbers", "1 2\r3\n", "line 1: a carriage return is not at the end of the line"},
+    {"CarriageReturnsAlone", "1 2 3\r4 5 6\r", "line 1: a carriage return is not at the end of the line"},
+    {"TwoCarriageReturns", "1 2 3\n1 2 3\r\r\n", "line 2: a carriage return is not at the end of the line"},
+    {"CarriageReturnInAComment", "# c\r1 2 3\n1 2 3\n", "line 1: a carriage return is not at the end of the line"},
+    {"CarriageReturnInAText", "t,x,y,z\na\rb,1,2,3\n", "line 2: a carriage return is not at the end of the line"},
+    {"CarriageReturnInALaterLine", "1,2,3\n1,\r2,3\n", "line 2: a carriage return is not at the end of the line"},
     {"DecimalCommas", "1,5 2,5 3,5\n", "line 1: \"5 2\" is not a number"},
     {"DecimalCommasBetweenSemicolons", "1,5;2,5;3,5\n", "line 1: \"1,5\" is not a number"},
     {"DecimalCommasInALaterLine", "1 2 3 4\n1,5 2,5 3,5\n", "line 2: \"5 2\" is not a number"},
@@ -159,9 +175,12 @@ INSTANTIATE_TEST_SUITE_P(PointText, PointTextRefuses, testing::ValuesIn(kRefused
                          [](const auto& row) { return row.param.name; });
 
 TEST(PointText, RefusesALineThatIsLongerThanABlock) {
-    const std::string longest(TextBlocks::kBlock - 1, ' ');
+    const std::string longest(TextBlocks::kBlock, ' ');
+    const char* const reason = "line 2: the line is longer than 262144 characters";
     EXPECT_THAT(Read("1 2 3\n" + longest + "\n4 5 6\n").xyz, ElementsAre(1, 2, 3, 4, 5, 6));
-    EXPECT_EQ(Refusal("1 2 3\n" + longest + "  \n4 5 6\n"), "line 2: the line is longer than 262144 characters");
+    EXPECT_THAT(Read("1 2 3\n" + longest).xyz, ElementsAre(1, 2, 3));
+    EXPECT_EQ(Refusal("1 2 3\n" + longest + " \n4 5 6\n"), reason);
+    EXPECT_EQ(Refusal("1 2 3\n" + longest + " "), reason);
 }
 
 // Numbers of all lengths move the lines over all positions at the ends of the blocks.
@@ -248,6 +267,30 @@ TEST(PointText, ReportsRisingProgress) {
     EXPECT_TRUE(std::ranges::is_sorted(parts, std::less_equal<>{})) << "not strictly rising";
     EXPECT_GT(parts.front(), 0);
     EXPECT_LE(parts.back(), 1);
+}
+
+// Cancelling must not wait for the end of that part of the work.
+TEST(PointText, ReportsAsOftenWhileLinesAreCounted) {
+    const std::string line(1000, '#');
+    std::string text = "1 2 3\n";
+    while (text.size() < 60 * TextBlocks::kBlock) text.append(line).append("\n");
+    int whileCounted = 0, later = 0;
+    (void)ReadBytesAsPoints(ReadPointText, text, [&](double part) {
+        ++(part <= 0.05 ? whileCounted : later);
+        return true;
+    });
+    EXPECT_GE(whileCounted, 55);
+    EXPECT_GE(later, 55);
+}
+
+TEST(ReadProgress, ReportsEveryHundredthOrEvery16MegabytesAlsoInAShareOfTheWork) {
+    for (const auto& [bytes, expected] :
+         {std::pair(std::uint64_t{1000}, 100), std::pair(std::uint64_t{8'000'000'000}, 500)}) {
+        int calls = 0;
+        ReadProgress progress([&](double) { return ++calls > 0; }, bytes);
+        for (int i = 1; i <= 100'000; ++i) progress.Report(0.05 * i / 100'000, 0.05);
+        EXPECT_NEAR(calls, expected, expected / 50) << bytes;
+    }
 }
 
 TEST(PointText, EndsWithAReasonWhenTheFileBecomesShorter) {
