@@ -130,6 +130,8 @@ bool FindColors(const Element& element, Vertex& vertex) {
             vertex.layout.colors[i] = FieldAt(element, *item);
         }
         if (found == 0) continue;
+        // "r" alone may be a radius
+        if (found < 3 && names[0] == "r") return false;
         if (found < 3) throw FileReadError("the vertices have some of the colours red, green and blue only");
         const auto& colors = vertex.layout.colors;
         if (colors[0].type != colors[1].type || colors[0].type != colors[2].type)
@@ -166,15 +168,19 @@ Vertex FindVertex(const CPLYFile& file) {
 /// Moves over binary elements with lists, which have no fixed size.
 class BinarySkipper {
 public:
-    BinarySkipper(ByteInput& input, std::uint64_t offset) : m_rInput(input), m_uOffset(offset) {}
+    BinarySkipper(ByteInput& input, std::uint64_t offset, ReadProgress& progress)
+        : m_rInput(input), m_rProgress(progress), m_uOffset(offset) {}
     void Skip(const Element& element);
     [[nodiscard]] std::uint64_t Offset() const { return m_uOffset; }
+    /// How much of the file is in front of the offset, 0 to 1.
+    [[nodiscard]] double Part() const { return static_cast<double>(m_uOffset) / static_cast<double>(m_rInput.Size()); }
 
 private:
     void SkipBytes(std::uint64_t bytes);
     [[nodiscard]] std::uint64_t ReadCount(int plyType);
 
     ByteInput& m_rInput;
+    ReadProgress& m_rProgress;
     std::uint64_t m_uOffset;
     std::array<std::byte, 1 << 16> m_piece{};  ///< of the file, so that not every count is a read
     std::uint64_t m_uPieceAt = 0;
@@ -198,6 +204,7 @@ std::uint64_t BinarySkipper::ReadCount(int plyType) {
         m_uPieceAt = first;
         m_uPieceSize = m_rInput.Read(m_piece.data(), m_piece.size());
         if (m_uPieceSize < WidthOf(type)) FailShort();
+        m_rProgress.Report(Part());
     }
     const std::byte* const at = m_piece.data() + (first - m_uPieceAt);
     std::uint32_t bits = 0;
@@ -341,8 +348,8 @@ PointCloud ReadPlyPoints(ByteInput& input, ReadProgress& progress) {
         for (std::size_t i = 0; i < vertex.element; ++i) text.Skip(ElementAt(file, i));
         return text.Read((input.Size() - offset + 1) / (2 * vertex.items));
     }
-    BinarySkipper skipper(input, offset);
+    BinarySkipper skipper(input, offset, progress);
     for (std::size_t i = 0; i < vertex.element; ++i) skipper.Skip(ElementAt(file, i));
     return ReadPointRecords(input, skipper.Offset(), vertex.bytes, vertex.records, vertex.layout, PointHoles::kRefused,
-                            progress);
+                            progress, skipper.Part());
 }

@@ -98,7 +98,7 @@ void RequireRoom(std::uint64_t points, std::uint64_t room) {
 
 KV_ScenePane::PointCloud ReadPointRecords(ByteInput& input, std::uint64_t offset, std::size_t recordSize,
                                           std::uint64_t records, const PointLayout& layout, PointHoles holes,
-                                          ReadProgress& progress) {
+                                          ReadProgress& progress, double before) {
     RequireRoom(records, (input.Size() - std::min(offset, input.Size())) / recordSize);
     if (recordSize > kLargestRecord)
         throw FileReadError("a point has more than " + std::to_string(kLargestRecord) + " bytes");
@@ -112,7 +112,7 @@ KV_ScenePane::PointCloud ReadPointRecords(ByteInput& input, std::uint64_t offset
             throw FileReadError("the file became shorter while it was read");
         ConvertBlock(layout, block.data(), recordSize, count, points);
         done += count;
-        progress.Report(static_cast<double>(done) / static_cast<double>(records));
+        progress.Report(before + (1 - before) * static_cast<double>(done) / static_cast<double>(records));
     }
     return points.Finish();
 }

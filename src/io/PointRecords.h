@@ -61,10 +61,11 @@ void UnpackColors(const std::byte* from, std::size_t stride, std::size_t records
 /// @param offset      position of the first record
 /// @param recordSize  bytes
 /// @param records     how many there must be
+/// @param before      part of the whole work that is done already, for the progress
 /// @throws FileReadError when the file has fewer, checked before memory is allocated, or as PointCollector
 [[nodiscard]] KV_ScenePane::PointCloud ReadPointRecords(ByteInput& input, std::uint64_t offset, std::size_t recordSize,
                                                         std::uint64_t records, const PointLayout& layout,
-                                                        PointHoles holes, ReadProgress& progress);
+                                                        PointHoles holes, ReadProgress& progress, double before = 0);
 
 /// @param room  how many of the points the rest of the file has space for
 /// @throws FileReadError "the file announces N points and has room for M"

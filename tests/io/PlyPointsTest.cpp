@@ -50,6 +50,18 @@ TEST(PlyPoints, ReadsColorsUnderTheirUsualNames) {
     }
 }
 
+// "r" may as well be a radius.
+TEST(PlyPoints, IgnoresShortColorNamesThatAreNotAllThree) {
+    const auto radius = Read(Text(Vertices(1) + "property float r\n" + kEnd) + "1 2 3 4");
+    EXPECT_THAT(radius.xyz, ElementsAre(1, 2, 3));
+    EXPECT_THAT(radius.colors, IsEmpty());
+    const auto two =
+        Read(Binary(Vertices(1) + "property float g\nproperty uchar b\n" + kEnd) + Raw(1.0f, 2.0f, 3.0f) + "12345");
+    EXPECT_THAT(two.colors, IsEmpty());
+    EXPECT_THAT(Read(Text(Vertices(1) + "property float r\n" + kRgb + kEnd) + "1 2 3 9 255 0 51").colors,
+                ElementsAre(1, 0, FloatEq(0.2f)));
+}
+
 struct ColorType {
     const char* type;
     const char* text;
@@ -132,6 +144,31 @@ TEST(PlyPoints, SkipsLongLists) {
     const std::string header =
         "element strip " + std::to_string(lists) + "\nproperty list int uchar s\n" + Vertices(1) + kEnd;
     EXPECT_THAT(Read(Binary(header) + data + Raw(1.0f, 2.0f, 3.0f)).xyz, ElementsAre(1, 2, 3));
+}
+
+class PlyPointsProgress : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(PlyPoints, PlyPointsProgress, testing::Values(100, 100'000));
+// With few and with many vertices after the lists.
+TEST_P(PlyPointsProgress, IsReportedWhileListsAreSkippedAndCancelsThere) {
+    const int count = GetParam();
+    std::string data;
+    for (int i = 0; i < 4000; ++i) data += Raw(std::int16_t{1000}) + std::string(1000, 'x');
+    const std::string bytes = Binary("element strip 4000\nproperty list short uchar s\n" + Vertices(count) + kEnd) +
+                              data + std::string(12 * static_cast<std::size_t>(count), '\0');
+    std::vector<double> parts;
+    (void)ReadBytesAsPoints(ReadPlyPoints, bytes, [&](double part) {
+        parts.push_back(part);
+        return true;
+    });
+    EXPECT_GE(parts.size(), 60u);
+    EXPECT_TRUE(std::ranges::is_sorted(parts, std::less_equal<>{})) << "not strictly rising";
+    for (std::size_t i = 1; i < parts.size(); ++i) EXPECT_LT(parts[i] - parts[i - 1], 0.05);
+    EXPECT_LT(parts.front(), 0.05);
+    EXPECT_GT(parts.back(), 0.95);
+    int calls = 0;
+    EXPECT_THAT([&] { (void)ReadBytesAsPoints(ReadPlyPoints, bytes, [&](double) { return ++calls < 3; }); },
+                testing::ThrowsMessage<FileReadError>("cancelled"));
+    EXPECT_EQ(calls, 3);
 }
 
 TEST(PlyPoints, ReadsObjInfoLinesAsComments) {
