@@ -1,6 +1,8 @@
 // One file after the other, each read by a thread of its own, which has ended before the viewer is given the points.
 #include "PointsJob.h"
 
+#include <chrono>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -35,7 +37,13 @@ void PointsJob::NextFile() {
     }
     m_nSteps = 0;
     emit Reading(static_cast<int>(m_nNextFile));
-    m_reading = std::thread(&PointsJob::ReadFile, this, m_nNextFile++);
+    const std::size_t file = m_nNextFile++;
+    try {
+        m_reading = std::thread(&PointsJob::ReadFile, this, file);
+    } catch (...) {  // the system has no further thread
+        m_vResults[file] = {PointsResult::State::Failed, -1, 0, TextOfCaughtError()};
+        Start();  // goes on with the next file
+    }
 }
 
 void PointsJob::ReadFile(std::size_t file) {
@@ -54,7 +62,21 @@ void PointsJob::ReadFile(std::size_t file) {
         m_pCloud.reset();
         m_strReason = TextOfCaughtError();
     }
-    QMetaObject::invokeMethod(this, &PointsJob::EndFile, Qt::QueuedConnection);
+    PostEndFile();
+}
+
+void PointsJob::PostEndFile() {
+    for (;;) {
+        try {
+            QMetaObject::invokeMethod(this, &PointsJob::EndFile, Qt::QueuedConnection);
+            return;
+        } catch (const std::bad_alloc&) {
+            // The import would never end without the call: the points are given up for it.
+            m_pCloud.reset();
+            m_strReason = "no memory";  // short enough to need none
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
 }
 
 void PointsJob::ReportProgress() {
@@ -81,7 +103,7 @@ void PointsJob::AddToViewer(PointsResult& result) {
         emit Adding(static_cast<int>(m_nNextFile - 1));
         const std::size_t points = m_pCloud->xyz.size() / 3;
         // Moved: a copy of a large cloud would double the memory of the import.
-        result.id = AddPoints(m_methods, std::move(*m_pCloud), m_request.look.color, m_request.look.alpha);
+        result.id = AddDrawnPoints(m_methods, std::move(*m_pCloud), m_request.look.color, m_request.look.alpha);
         result.points = static_cast<std::int32_t>(points);
         result.state = PointsResult::State::Added;
     } catch (...) {

@@ -91,6 +91,8 @@ private:
     void NextFile();
     /// On the thread that reads.
     void ReadFile(std::size_t file);
+    /// The end of that thread: EndFile() is called later, even when memory is exhausted now.
+    void PostEndFile();
     /// Emits Progress() for the file that is read.
     void ReportProgress();
     /// The thread has read its file: adds the points to the viewer, unless the import was cancelled.

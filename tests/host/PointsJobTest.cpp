@@ -2,6 +2,7 @@
 #include "PointsJob.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <atomic>
 #include <fstream>
@@ -251,6 +252,21 @@ TEST_F(PointsJobTest, NeedsAtMostSixtyBytesAPoint) {
     EXPECT_LT(static_cast<double>(MemoryOfProcess("VmRSS") - before) / kPoints, 36.0) << "the arrays are still there";
     (void)MiddlePixel();
     EXPECT_LT(static_cast<double>(MemoryOfProcess("VmHWM") - before) / kPoints, 60.0);  // of a frame
+}
+
+TEST_F(PointsJobTest, ReportsTheFilesForWhichTheSystemHasNoThread) {
+    Make({{"a", "b"}, {}},
+         [](const std::string&, PointCloud* cloud, std::string*, const Progress&) { return OnePoint(cloud); });
+    pthread_attr_t usual, endless;
+    ASSERT_EQ(pthread_getattr_default_np(&usual), 0);
+    ASSERT_EQ(pthread_attr_init(&endless), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&endless, std::size_t{1} << 48), 0) << "more than there are addresses";
+    ASSERT_EQ(pthread_setattr_default_np(&endless), 0);
+    Run();
+    ASSERT_EQ(pthread_setattr_default_np(&usual), 0);
+    EXPECT_EQ(States(), (std::vector<State>{State::Failed, State::Failed}));
+    for (const PointsResult& result : m_job->Results()) EXPECT_FALSE(result.reason.empty());
+    EXPECT_EQ(m_finished, 1);
 }
 
 }  // namespace
