@@ -47,10 +47,8 @@ MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindo
 }
 
 MainWindow::~MainWindow() {
-    m_vWaitingFiles.clear();  // the end of an import starts the next one
-    m_vWaitingPoints.clear();
-    if (m_pJob != nullptr) m_pJob->Stop();  // its threads call the viewer
-    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
+    (void)TakeWaitingFiles();  // the end of an import starts the next one
+    StopImport();              // its threads call the viewer
     m_pAnimation->SetViewer(nullptr);
     m_pDecorations->SetViewer(nullptr);
     m_pLogo->SetViewer(nullptr);
@@ -80,7 +78,8 @@ void MainWindow::MakeCentre() {
     connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::OnViewerReady, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::KeyPressed, this, &MainWindow::RunShortcut, Qt::QueuedConnection);
-    // At once: no panel may call a viewer that is gone.
+    // At once: neither an import nor a panel may call a viewer that is gone.
+    connect(m_pViewer, &ViewerWidget::AboutToClose, this, &MainWindow::StopImport);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::PassViewerToPanels);
 }
 
@@ -99,22 +98,19 @@ void MainWindow::OnViewerReady() {
 }
 
 void MainWindow::OnViewerRefused(const QString& reason) {
-    if (m_pJob != nullptr) m_pJob->Stop();
-    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
+    m_bRefused = true;
     m_pRefusal->setText(tr("There is no viewer: %1").arg(reason));
     m_pCentre->setCurrentWidget(m_pRefusal);
     m_pMessages->AddText(m_pRefusal->text());
     m_pObjects->clear();
     m_pMarkers->Clear();
     EnableActions();
-    // The files that waited for the viewer will never be opened: each is reported like a failed import.
-    m_nFilesNotAdded += m_vWaitingFiles.size();
-    for (const std::string& file : m_vWaitingFiles) {
-        m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
-        emit FileFailed(file, "not opened, there is no viewer");
-    }
-    m_vWaitingFiles.clear();
-    DropWaitingMarkers();
+    DropWaitingFiles();
+}
+
+void MainWindow::StopImport() {
+    if (m_pJob != nullptr) m_pJob->Stop();
+    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
 }
 
 void MainWindow::EnableActions() {
@@ -226,10 +222,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
-    m_vWaitingFiles.clear();
-    m_vWaitingPoints.clear();
-    m_unaskedPoints = {};
-    if (m_pJob != nullptr) m_pJob->Stop();
-    if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
+    m_nFilesNotAdded += TakeWaitingFiles().size();
+    StopImport();
     event->accept();
 }

@@ -31,6 +31,7 @@ class QMenu;
 class QProgressDialog;
 class QStackedWidget;
 class ViewerWidget;
+struct NeedleMark;
 
 /// What a drag of each mouse button does.
 enum class MouseScheme {
@@ -52,12 +53,12 @@ public:
     void OpenFiles(const std::vector<std::string>& files);
     /// Adds each file (paths in bytes) as a set of free points. They wait like those of OpenFiles().
     void ImportPointFiles(const std::vector<std::string>& files, const PointsLook& look);
-    /// Adds the polylines of each file (paths in bytes) and shows all lines.
+    /// Adds the polylines of each file (paths in bytes) and shows all lines. They wait while there is no viewer yet.
     void ImportLineFiles(const std::vector<std::string>& files);
     /// No further file is started; those in progress are finished and added.
     void CancelImport();
     [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr || m_pPointsJob != nullptr; }
-    /// Every file opened so far has added an object, points or lines.
+    /// Every file opened so far has added what it holds.
     [[nodiscard]] bool HaveAllFilesAdded() const {
         return m_nFilesNotAdded == 0 && m_vWaitingFiles.empty() && m_vWaitingPoints.empty() &&
                m_unaskedPoints.files.empty() && !m_bAsksForPoints;
@@ -75,7 +76,7 @@ public:
 signals:
     /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
     void ImportFinished();
-    /// A file added nothing.
+    /// A file added nothing, or not all that it holds.
     /// @param file    path in bytes
     /// @param reason  one line without the file's name
     void FileFailed(const std::string& file, const std::string& reason);
@@ -132,8 +133,9 @@ public slots:
     bool SaveNeedles(const std::string& path);
     /// Adds the needles of a file, shows needles and adds a message about it. The limit of needles grows as necessary.
     /// @param path  in bytes
-    /// @return whether the file was read; needles whose id is in use are named by the message only
-    bool LoadNeedles(const std::string& path);
+    /// @param failure  receives why the file, or a part of it, was not added: one line, empty when all of it was
+    /// @return whether the file has needles and was read, also when the ids of some were in use
+    bool LoadNeedles(const std::string& path, std::string* failure = nullptr);
     /// For the imports that follow.
     void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
 
@@ -150,6 +152,8 @@ private:
     void MakeCentre();
     void OnViewerReady();
     void OnViewerRefused(const QString& reason);
+    /// Ends the import that runs.
+    void StopImport();
     /// Enables what can be used now: with a viewer or without, during an import or not.
     void EnableActions();
     /// Warns in the status bar about a draw mode that shows no object while shadows are on.
@@ -160,8 +164,7 @@ private:
     void MakeDocks();
     /// @param name  the object name, by which Qt identifies the dock; not shown
     QDockWidget* AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area);
-    /// The panels call the viewer directly, so they must know when it is gone.
-    /// Gives the panels the viewer, or null when there is none any more.
+    /// Gives the panels, which call the viewer directly, the viewer, or null when there is none any more.
     void PassViewerToPanels();
 
     // ---- MainWindowNeedles.cpp
@@ -171,6 +174,8 @@ private:
     /// @return whether the needles were saved
     bool AskForNeedleFileToSave();
     void AskForNeedleFileToLoad();
+    /// Adds the needles that were read from a file, with a message. @return the numbers that were in use, as a text
+    QString PlaceNeedlesOf(const QString& file, const std::vector<NeedleMark>& marks);
     /// Adds a message, and shows it in the status bar.
     void ReportNeedles(const QString& text);
     /// Picks and needles would both act on a double click: the needles of the mouse switch picks off.
@@ -198,6 +203,7 @@ private:
     /// Menu and panels show the mode of the viewer.
     void ShowPickMode();
     void OnObjectPicked(int object, float x, float y, float z);
+    void OnPickPointsChanged();
     /// Makes the pane equal to the pick-point spheres of the viewer.
     void FollowPickPoints();
     /// The objects after a deleted one have other indices. @param object  its index
@@ -222,6 +228,14 @@ private:
     // ---- MainWindowImport.cpp
     /// Starts the import of the waiting files when it is possible now.
     void OpenWaitingFiles();
+    /// Removes all files that wait, of every kind. @return their paths in bytes
+    std::vector<std::string> TakeWaitingFiles();
+    /// Reports each file that waits, once there will be no viewer any more that could open it.
+    void DropWaitingFiles();
+    /// For a file that was not opened because there is no viewer: a message, FileFailed() and the exit status.
+    void ReportNoViewerFor(const std::string& file);
+    /// For a file that an import was stopped before, by the user or with the viewer.
+    void ReportNotStarted(const std::string& file);
     void StartImport(const std::vector<std::string>& files);
     void OnImportFinished();
     /// Adds the messages of the finished import, and emits FileFailed() for each file that added nothing.
@@ -248,8 +262,6 @@ private:
     /// Adds the messages of the finished import of points, and a row for each new set.
     /// @return the number of new sets
     std::size_t ReportPoints();
-    /// Reports each file of points, lines or needles that waits: there is no viewer that could open it.
-    void DropWaitingMarkers();
     void DeleteAllPoints();
     /// For a file that added nothing: a message, FileFailed() and the exit status.
     void ReportFileFailure(const std::string& file, const std::string& reason);
@@ -305,11 +317,13 @@ private:
     QAction* m_pCancelMove = nullptr;        // enabled while a point is to be moved
     std::vector<PickedPoint> m_vPickPoints;  // as many as the viewer has spheres, and in their order
     std::vector<PickedPoint> m_vLastPicks;   // two at most, the last one at the end
+    bool m_bRemovesPickPoints = false;       // in RemovePickPoints()
     int m_nPointToMove = -1;                 // by the next pick; -1 for none
     MouseScheme m_mouseScheme = MouseScheme::Normal;
     std::vector<QAction*> m_vViewerActions;  // enabled with a viewer
     std::vector<QAction*> m_vIdleActions;    // enabled with a viewer and while no import runs
     QList<QAction*> m_pickActions;           // in the order of KV_ScenePane::PickMode
+    bool m_bRefused = false;                 // there will be no viewer any more
     ImportJob* m_pJob = nullptr;             // the import that runs; null without one
     std::unique_ptr<QProgressDialog> m_pProgress;
     std::vector<std::string> m_vWaitingFiles;  // paths in bytes

@@ -5,6 +5,7 @@
 #include <QProgressDialog>
 #include <QStatusBar>
 #include <QUrl>
+#include <utility>
 
 #include "FileTypes.h"
 #include "ImportJob.h"
@@ -47,6 +48,7 @@ void MainWindow::OpenFiles(const std::vector<std::string>& files) {
     }
     OpenWaitingFiles();
     AskForPointsLook();
+    DropWaitingFiles();
 }
 
 void MainWindow::OpenWaitingFiles() {
@@ -55,6 +57,41 @@ void MainWindow::OpenWaitingFiles() {
     std::vector<std::string> files;
     files.swap(m_vWaitingFiles);
     StartImport(files);
+}
+
+std::vector<std::string> MainWindow::TakeWaitingFiles() {
+    std::vector<std::string> files = std::exchange(m_vWaitingFiles, {});
+    const auto take = [&files](std::vector<std::string>& from) {
+        files.insert(files.end(), from.begin(), from.end());
+        from.clear();
+    };
+    take(m_unaskedPoints.files);
+    m_unaskedPoints = {};
+    for (PointsRequest& request : m_vWaitingPoints) take(request.files);
+    m_vWaitingPoints.clear();
+    for (auto* const ofOptions : {&m_options.pointFiles, &m_options.lineFiles, &m_options.needleFiles})
+        take(*ofOptions);
+    return files;
+}
+
+void MainWindow::DropWaitingFiles() {
+    if (!m_bRefused) return;
+    for (const std::string& file : TakeWaitingFiles()) ReportNoViewerFor(file);
+}
+
+void MainWindow::ReportNoViewerFor(const std::string& file) {
+    ++m_nFilesNotAdded;
+    m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
+    emit FileFailed(file, "not opened, there is no viewer");
+}
+
+void MainWindow::ReportNotStarted(const std::string& file) {
+    if (Pane() == nullptr) {  // it was lost during the import
+        ReportNoViewerFor(file);
+        return;
+    }
+    ++m_nFilesNotAdded;
+    m_pMessages->AddText(tr("%1: not opened, cancelled").arg(QString::fromStdString(file)));
 }
 
 void MainWindow::StartImport(const std::vector<std::string>& files) {
@@ -111,15 +148,15 @@ void MainWindow::ReportResults() {
                 if (!text.isEmpty()) m_pMessages->AddText(file + ": " + text);
                 break;
             case ImportResult::State::Failed:
+                ++m_nFilesNotAdded;
                 m_pMessages->AddText(tr("%1: nothing added: %2").arg(file, text) + HintAbout(results[i]));
                 emit FileFailed(m_pJob->Files()[i], results[i].text);
                 break;
             case ImportResult::State::NotStarted:
-                m_pMessages->AddText(tr("%1: not opened, cancelled").arg(file));
+                ReportNotStarted(m_pJob->Files()[i]);
                 break;
         }
     }
-    m_nFilesNotAdded += results.size() - added;
     statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
 }
 

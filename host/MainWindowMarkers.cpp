@@ -1,15 +1,18 @@
 // Free points and lines: the imports of their files, with dialog and progress, and what their panel asks for.
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QStatusBar>
 #include <utility>
 
+#include "CaughtError.h"
 #include "FileImport.h"
 #include "FileTypes.h"
 #include "MainWindow.h"
+#include "MarkBox.h"
 #include "MarkerFiles.h"
 #include "MarkerPanel.h"
 #include "MessagePane.h"
@@ -33,15 +36,11 @@ QStringList NamesOf(const std::vector<std::string>& files) {
     return names;
 }
 
-/// Fits the view to lines. The viewer fits to objects and free points only: the points of the lines are free points for
+/// Fits the view to lines. The viewer fits to objects and free points only: the corners of the box are free points for
 /// the moment of the fit.
-void FitViewToLines(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<Polyline>& lines, float zoom) {
-    KV_ScenePane::PointCloud cloud;
-    for (const Polyline& line : lines) cloud.xyz.insert(cloud.xyz.end(), line.begin(), line.end());
-    bool hasExtent = false;
-    for (std::size_t i = 3; i < cloud.xyz.size(); ++i) hasExtent = hasExtent || cloud.xyz[i] != cloud.xyz[i - 3];
-    if (!hasExtent) return;
-    const int id = AddPoints(methods, std::move(cloud), 0, 1.0f);
+void FitViewToLines(KV_ScenePane::_DKV_ScenePane& methods, const MarkBox& box, float zoom) {
+    if (!box.HasExtent()) return;
+    const int id = AddPoints(methods, {box.Corners(), {}}, 0, 1.0f);
     FitView(methods, zoom);
     methods.DeletePoints(id);
 }
@@ -87,9 +86,10 @@ void MainWindow::AskForPointsLook() {
 
 void MainWindow::EndPointsDialog(const PointsRequest& request, bool accepted) {
     m_bAsksForPoints = false;
-    if (accepted && Pane() != nullptr) {
+    if (accepted) {
         m_vWaitingPoints.push_back({request.files, m_pointsLook, request.fitsView});
         OpenWaitingPoints();
+        DropWaitingFiles();
     } else {
         m_nFilesNotAdded += request.files.size();
         for (const std::string& file : request.files)
@@ -103,6 +103,7 @@ void MainWindow::ImportPointFiles(const std::vector<std::string>& files, const P
     if (files.empty()) return;
     m_vWaitingPoints.push_back({files, look, IsSceneEmpty()});
     OpenWaitingPoints();
+    DropWaitingFiles();
 }
 
 // ---- points: the import
@@ -122,8 +123,12 @@ void MainWindow::OpenWaitingPoints() {
 void MainWindow::MakePointsProgress() {
     const QStringList names = NamesOf(m_pPointsJob->Request().files);
     const int steps = static_cast<int>(names.size()) * PointsJob::kStepsPerFile;
-    m_pProgress = std::make_unique<QProgressDialog>(tr("Reading %1").arg(names.front()), tr("Cancel"), 0, steps, this);
+    m_pProgress = std::make_unique<QProgressDialog>(QString(), tr("Cancel"), 0, steps, this);
     QProgressDialog* const dialog = m_pProgress.get();
+    auto* const label = new QLabel(tr("Reading %1").arg(names.front()));
+    label->setTextFormat(Qt::PlainText);  // it names files
+    label->setAlignment(Qt::AlignCenter);
+    dialog->setLabel(label);
     auto* const bar = new QProgressBar;
     bar->setRange(0, steps);
     dialog->setBar(bar);
@@ -174,8 +179,7 @@ std::size_t MainWindow::ReportPoints() {
                 ReportFileFailure(file, results[i].reason);
                 break;
             case PointsResult::State::NotStarted:
-                ++m_nFilesNotAdded;
-                m_pMessages->AddText(tr("%1: not opened, cancelled").arg(QString::fromStdString(file)));
+                ReportNotStarted(file);
                 break;
         }
     }
@@ -189,26 +193,16 @@ void MainWindow::ReportFileFailure(const std::string& file, const std::string& r
     emit FileFailed(file, reason);
 }
 
-void MainWindow::DropWaitingMarkers() {
-    const auto drop = [this](std::vector<std::string> files) {
-        m_nFilesNotAdded += files.size();
-        for (const std::string& file : files) {
-            m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
-            emit FileFailed(file, "not opened, there is no viewer");
-        }
-    };
-    drop(std::exchange(m_unaskedPoints, {}).files);
-    for (PointsRequest& request : std::exchange(m_vWaitingPoints, {})) drop(std::move(request.files));
-    for (auto* const files : {&m_options.pointFiles, &m_options.lineFiles, &m_options.needleFiles})
-        drop(std::exchange(*files, {}));
-}
-
 void MainWindow::OpenMarkersOfOptions() {
     // Once: a later viewer, or none, must not open them again.
     ImportPointFiles(std::exchange(m_options.pointFiles, {}), {.alpha = 1.0f, .color = m_options.import.color});
     ImportLineFiles(std::exchange(m_options.lineFiles, {}));
     for (const std::string& file : std::exchange(m_options.needleFiles, {})) {
-        if (!LoadNeedles(file)) ++m_nFilesNotAdded;  // it has added the message
+        std::string failure;
+        (void)LoadNeedles(file, &failure);  // it adds the message
+        if (failure.empty()) continue;
+        ++m_nFilesNotAdded;
+        emit FileFailed(file, failure);
     }
 }
 
@@ -219,21 +213,35 @@ void MainWindow::AskForLineFiles() {
 }
 
 void MainWindow::ImportLineFiles(const std::vector<std::string>& files) {
-    if (Pane() == nullptr || files.empty()) return;
-    std::vector<Polyline> lines;  // of all files
+    if (files.empty()) return;
+    if (Pane() == nullptr) {
+        m_options.lineFiles.insert(m_options.lineFiles.end(), files.begin(), files.end());  // they wait for the viewer
+        DropWaitingFiles();
+        return;
+    }
+    std::size_t lines = 0;  // of all files, as their box
+    MarkBox box;
     for (const std::string& file : files) {
         std::vector<Polyline> added;
         const std::string reason = AddLineFile(Pane()->Methods(), file, &added);
-        lines.insert(lines.end(), added.begin(), added.end());
+        lines += added.size();
+        for (const Polyline& line : added)
+            for (std::size_t i = 0; i + 2 < line.size(); i += 3) box.Merge(&line[i]);
         if (!reason.empty()) ReportFileFailure(file, reason);
     }
     // An import that runs or waits fits the view to what it adds.
     const bool isOnlyContent = IsSceneEmpty() && m_pMarkers->LineCount() == 0 && !IsImporting() &&
                                m_vWaitingPoints.empty() && m_unaskedPoints.files.empty() && !m_bAsksForPoints;
-    m_pMarkers->ShowLineCount(m_pMarkers->LineCount() + static_cast<int>(lines.size()));
-    if (!lines.empty()) ShowLines(true);
-    if (isOnlyContent) FitViewToLines(Pane()->Methods(), lines, m_options.zoom);
-    statusBar()->showMessage(tr("%1 lines added").arg(lines.size()));
+    m_pMarkers->ShowLineCount(m_pMarkers->LineCount() + static_cast<int>(lines));
+    if (lines > 0) ShowLines(true);
+    statusBar()->showMessage(tr("%1 lines added").arg(lines));
+    if (!isOnlyContent) return;
+    try {
+        FitViewToLines(Pane()->Methods(), box, m_options.zoom);
+    } catch (...) {  // no exception may pass through Qt
+        const QString reason = QString::fromStdString(TextOfCaughtError());
+        m_pMessages->AddText(tr("The view was not fitted to the lines: %1").arg(reason));
+    }
 }
 
 // ---- what the panel asks for

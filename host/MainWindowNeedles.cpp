@@ -3,6 +3,7 @@
 #include <QMessageBox>
 #include <QStatusBar>
 
+#include "CaughtError.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "NeedleFile.h"
@@ -87,33 +88,51 @@ void MainWindow::AskForNeedleFileToLoad() {
 bool MainWindow::SaveNeedles(const std::string& path) {
     if (Pane() == nullptr) return false;
     const QString file = QString::fromStdString(path);
-    const std::vector<NeedleMark> marks = m_pNeedles->Marks();
     std::string reason;
-    const bool written = WriteNeedleFile(path, marks, &reason);
-    if (written) m_pNeedles->SetSaved();
-    if (written)
-        ReportNeedles(tr("%1: %2 saved").arg(file, CountText(marks.size())));
-    else
-        ReportNeedles(tr("%1: not written: %2").arg(file, QString::fromStdString(reason)));
-    return written;
+    try {
+        const std::vector<NeedleMark> marks = m_pNeedles->Marks();
+        if (WriteNeedleFile(path, marks, &reason)) {
+            m_pNeedles->SetSaved();
+            ReportNeedles(tr("%1: %2 saved").arg(file, CountText(marks.size())));
+            return true;
+        }
+    } catch (...) {  // no exception may pass through Qt
+        reason = TextOfCaughtError();
+    }
+    ReportNeedles(tr("%1: not written: %2").arg(file, QString::fromStdString(reason)));
+    return false;
 }
 
-bool MainWindow::LoadNeedles(const std::string& path) {
+bool MainWindow::LoadNeedles(const std::string& path, std::string* failure) {
+    std::string reason = "there is no viewer";
+    if (failure != nullptr) *failure = reason;
     if (Pane() == nullptr) return false;
     const QString file = QString::fromStdString(path);
-    std::vector<NeedleMark> marks;
-    std::string reason;
-    if (!ReadNeedleFile(path, &marks, &reason)) {
-        ReportNeedles(tr("%1: no needles added: %2").arg(file, QString::fromStdString(reason)));
-        return false;
+    try {
+        std::vector<NeedleMark> marks;
+        if (ReadNeedleFile(path, &marks, &reason)) reason = marks.empty() ? "the file holds no needles" : "";
+        if (reason.empty()) {
+            const QString inUse = PlaceNeedlesOf(file, marks);
+            if (failure != nullptr)
+                *failure = inUse.isEmpty() ? "" : "not added, their numbers are in use: " + inUse.toStdString();
+            return true;
+        }
+    } catch (...) {  // no exception may pass through Qt
+        reason = TextOfCaughtError();
     }
+    ReportNeedles(tr("%1: no needles added: %2").arg(file, QString::fromStdString(reason)));
+    if (failure != nullptr) *failure = reason;
+    return false;
+}
+
+QString MainWindow::PlaceNeedlesOf(const QString& file, const std::vector<NeedleMark>& marks) {
     const bool hadUnsaved = m_pNeedles->HaveUnsaved();
     const std::vector<std::int32_t> inUse = m_pNeedles->Place(marks);
     if (!hadUnsaved) m_pNeedles->SetSaved();
     QString text = tr("%1: %2 added").arg(file, CountText(marks.size() - inUse.size()));
     if (!inUse.empty()) text += tr("; not added, because there are needles with their numbers: %1").arg(IdList(inUse));
     ReportNeedles(text);
-    return true;
+    return IdList(inUse);
 }
 
 void MainWindow::ReportNeedles(const QString& text) {

@@ -121,9 +121,12 @@ void ViewerWidget::Close() {
         m_pNotifier->setEnabled(false);
         m_pNotifier.release()->deleteLater();  // not at once: this may be a call from its own signal
     }
-    if (m_pPane) m_pPane->Connect(nullptr);
+    // Pane() is null from here on, so that nothing new is started with the viewer.
+    const std::unique_ptr<KV_ScenePane::ScenePane> closing = std::move(m_pPane);
+    if (!closing) return;
+    closing->Connect(nullptr);
+    emit AboutToClose();
     m_pRegistry.reset();
-    m_pPane.reset();
 }
 
 void ViewerWidget::HandleEvents() {

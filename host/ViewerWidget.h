@@ -33,6 +33,9 @@ signals:
     void Ready();
     /// There is no viewer, or no longer one. @param reason  for a user
     void Refused(const QString& reason);
+    /// The viewer is destroyed when this returns: what still calls it must end in a slot that is connected directly.
+    /// Pane() is null already.
+    void AboutToClose();
     /// An event of the viewer, as one line; emitted during the call or the input that caused it.
     void EventFired(const QString& line);
     /// A key went down while the viewer had the keyboard. @param key  a key code of the viewer's events

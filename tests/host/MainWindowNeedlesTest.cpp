@@ -472,6 +472,41 @@ TEST_F(MainWindowNeedles, OfADamagedFileAreRefusedAsAWhole) {
     EXPECT_FALSE(ShowBox().isChecked());
 }
 
+TEST_F(MainWindowNeedles, OfOptionsThatAreNotAllAddedAreFailures) {
+    const NeedleMark mark{.id = 4, .pin = {1, 2, 3}, .head = {4, 5, 6}, .look = {}};
+    WriteNeedles("a.json", {mark});
+    WriteNeedles("none.json", {});
+    std::ofstream(m_folder / "damaged.json") << "{";
+    HostOptions options;
+    for (const char* const name : {"a.json", "none.json", "damaged.json", "missing.json"})
+        options.needleFiles.push_back(m_folder / name);
+    for (const bool twice : {false, true}) {  // the second time all numbers are in use
+        HostOptions now = options;
+        now.needleFiles.resize(twice ? 4 : 1);
+        if (twice) now.needleFiles.insert(now.needleFiles.begin(), m_folder / "a.json");
+        m_window = std::make_unique<MainWindow>(now);
+        std::vector<std::string> failed;
+        QObject::connect(m_window.get(), &MainWindow::FileFailed,
+                         [&](const std::string& file, const std::string& reason) {
+                             failed.push_back(file.substr(file.rfind('/') + 1) + ": " + reason.substr(0, 26));
+                         });
+        m_window->show();
+        ASSERT_TRUE(WaitUntil([&] { return Needles() == "4"; }));
+        QCoreApplication::processEvents();
+        EXPECT_EQ(m_window->HaveAllFilesAdded(), !twice);
+        if (!twice) {
+            EXPECT_TRUE(failed.empty());
+            continue;
+        }
+        ASSERT_EQ(failed.size(), 4u);
+        EXPECT_EQ(failed[0], "a.json: not added, their numbers a");
+        EXPECT_EQ(failed[1], "none.json: the file holds no needles");
+        EXPECT_EQ(failed[2].find("damaged.json: "), 0u);
+        EXPECT_EQ(failed[3].find("missing.json: "), 0u);
+        EXPECT_NE(Messages().find("none.json: no needles added: the file holds no needles"), std::string::npos);
+    }
+}
+
 TEST_F(MainWindowNeedles, ThatCannotBeSavedAreReported) {
     AddNeedle(1);
     EXPECT_FALSE(m_window->SaveNeedles(m_folder / "no/a.json"));

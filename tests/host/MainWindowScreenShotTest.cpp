@@ -1,4 +1,5 @@
-// Saving a screenshot: the file, the dialog for its name, and the messages about it.
+// Saving a screenshot: the file, the dialog for its name, and the messages about it. Exhausted memory, also for
+// needles.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -12,6 +13,7 @@
 #include <fstream>
 #include <new>
 
+#include "NeedleFile.h"
 #include "host/MainWindowFixture.h"
 #include "host/ModalDialogs.h"
 
@@ -86,6 +88,27 @@ TEST_F(MainWindowScreenShot, ReportsExhaustedMemory) {
     EXPECT_FALSE(saved);
     EXPECT_EQ(Messages(), path + ": not written: there is not enough memory");
     EXPECT_TRUE(m_window->SaveScreenShot(path)) << "the next one works as usual";
+}
+
+TEST_F(MainWindowScreenShot, IsNotTheOnlyFileThatReportsExhaustedMemory) {
+    const std::string path = m_folder / "a.json";
+    bool done = true;
+    ASSERT_TRUE(m_window->SaveNeedles(path));
+    std::ofstream(path, std::ios::app) << std::string(200'000, ' ');
+    g_refusedBytes = 100'000;
+    EXPECT_NO_THROW(done = m_window->LoadNeedles(path));
+    g_refusedBytes = SIZE_MAX;
+    EXPECT_FALSE(done);
+    EXPECT_NE(Messages().find("a.json: no needles added: there is not enough memory"), std::string::npos) << Messages();
+    constexpr int kNeedles = 500;
+    Methods().SetMaxNumberOfNeedles(kNeedles);
+    for (int id = 1; id <= kNeedles; ++id) Methods().CreateNeedle(id, 0, 0, 0, 0, 0, 1);
+    g_refusedBytes = sizeof(NeedleMark) * kNeedles;  // their list
+    done = true;
+    EXPECT_NO_THROW(done = m_window->SaveNeedles(path));
+    g_refusedBytes = SIZE_MAX;
+    EXPECT_FALSE(done);
+    EXPECT_NE(Messages().find("a.json: not written: there is not enough memory"), std::string::npos) << Messages();
 }
 #endif
 
