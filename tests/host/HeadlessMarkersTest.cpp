@@ -187,6 +187,17 @@ TEST_F(MarkerPictures, ShowNeedlesAlone) {
     EXPECT_EQ(at(2, 0.5), kBackground);
 }
 
+TEST_F(MarkerPictures, ShowASinglePlaceFarOut) {
+    m_options.needleFiles = {File("far.json", R"({"format": "scenepane needles", "version": 1, "needles": [
+        {"id": 1, "pin": [1e9, 0, 0], "head": [1e9, 0, 0], "headRadius": 1000}]})")};
+    // The box is 2000 on each side, its diagonal 3464: 17 units per pixel.
+    const Png png = Taken();
+    EXPECT_TRUE(IsReddish(png.At(kMiddle, kMiddle)));
+    EXPECT_TRUE(IsReddish(png.At(kMiddle, kMiddle + 40)));
+    EXPECT_EQ(png.At(kMiddle, kMiddle + 80), kBackground);
+    EXPECT_EQ(png.At(kMiddle + 80, kMiddle), kBackground);
+}
+
 TEST_F(MarkerPictures, ShowMoreNeedlesThanAViewerStartsWith) {
     m_options.needleFiles = {NeedleFileOf("a.json", 1, 10), NeedleFileOf("b.json", 11, 1)};
     m_options.view = KV_ScenePane::ViewFromMinusYZUp;
