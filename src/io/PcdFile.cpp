@@ -39,6 +39,8 @@ PointCloud ReadBinary(ByteInput& input, const PcdHeader& header, ReadProgress& p
                             layout, header.holes, progress);
 }
 
+constexpr double kCheckPart = 0.3;  // of the whole time that checking compressed data needs, for the progress
+
 /// Compressed data: sizes of both forms, then the compressed bytes.
 class CompressedReader {
 public:
@@ -48,6 +50,7 @@ public:
 
 private:
     [[nodiscard]] std::uint64_t CheckSizes();
+    void CheckData(std::uint64_t compressed);
     void ReadField(LzfInput& data, std::size_t index);
 
     ByteInput& m_rInput;
@@ -55,7 +58,8 @@ private:
     ReadProgress& m_rProgress;
     PointCloud m_cloud;
     std::vector<std::byte> m_vPiece = std::vector<std::byte>(std::size_t{1} << 16);  ///< a multiple of all widths
-    std::uint64_t m_uDone = 0;                                                       ///< decompressed bytes
+    std::uint64_t m_uBytes = 0;                                                      ///< of all points, decompressed
+    std::uint64_t m_uDone = 0;                                                       ///< of these, converted
 };
 
 /// @return number of compressed bytes
@@ -72,11 +76,27 @@ std::uint64_t CompressedReader::CheckSizes() {
         throw FileReadError("the decompressed size is " + std::to_string(sizes[1]) +
                             " bytes and not that of the points");
     if (sizes[1] > LzfInput::LargestSize(sizes[0])) throw FileReadError("the compressed data is cut short");
+    m_uBytes = sizes[1];
     return sizes[0];
 }
 
+/// Decompresses everything once without keeping it, so that a small damaged file does not allocate large arrays.
+void CompressedReader::CheckData(std::uint64_t compressed) {
+    LzfInput data(m_rInput, compressed);
+    for (std::uint64_t done = 0; done < m_uBytes;) {
+        const auto bytes = static_cast<std::size_t>(std::min<std::uint64_t>(m_uBytes - done, m_vPiece.size()));
+        data.Read(m_vPiece.data(), bytes);
+        done += bytes;
+        m_rProgress.Report(kCheckPart * static_cast<double>(done) / static_cast<double>(m_uBytes), kCheckPart);
+    }
+    if (!data.AtEnd()) throw FileReadError("the compressed data is longer than the points");
+}
+
 PointCloud CompressedReader::Read() {
-    LzfInput data(m_rInput, CheckSizes());
+    const std::uint64_t compressed = CheckSizes();
+    CheckData(compressed);
+    m_rInput.Seek(m_rHeader.dataOffset + 2 * sizeof(std::uint32_t));
+    LzfInput data(m_rInput, compressed);
     m_cloud.xyz.resize(3 * m_rHeader.points);
     if (m_rHeader.hasColors) m_cloud.colors.resize(3 * m_rHeader.points);
     for (std::size_t i = 0; i < m_rHeader.fields.size(); ++i) ReadField(data, i);
@@ -104,7 +124,8 @@ void CompressedReader::ReadField(LzfInput& data, std::size_t index) {
         done += values;
         left -= bytes;
         m_uDone += bytes;
-        m_rProgress.Report(static_cast<double>(m_uDone) / static_cast<double>(m_rHeader.points * m_rHeader.pointBytes));
+        m_rProgress.Report(kCheckPart + (1 - kCheckPart) * static_cast<double>(m_uDone) / static_cast<double>(m_uBytes),
+                           1 - kCheckPart);
     }
 }
 

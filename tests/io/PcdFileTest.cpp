@@ -2,6 +2,7 @@
 #include "io/PcdFile.h"
 
 #include <gmock/gmock.h>
+#include <malloc.h>
 
 #include <cmath>
 #include <limits>
@@ -288,6 +289,8 @@ const Refused kRefused[] = {
                                                    "12345678901",
                                                    12),
      "the compressed data is cut short"},
+    {"CompressedIsLongerThanAnnounced", Head().Text("binary_compressed") + Compressed(Literals(kPoint + "4"), 12),
+     "the compressed data is longer than the points"},
     {"CopyFromBeforeTheStart", Head().Text("binary_compressed") + Compressed(std::string("\0A\x20\x01", 4), 12),
      "the compressed data is damaged"},
 };
@@ -318,6 +321,32 @@ TEST(PcdFile, ReportsRisingProgress) {
         ASSERT_GE(parts.size(), 20u) << data;
         EXPECT_TRUE(std::ranges::is_sorted(parts, std::less_equal<>{})) << "not strictly rising";
     }
+}
+
+// One number that is repeated: 12 million points in 410 kB, with a fault at the end.
+TEST(PcdFile, AllocatesNoArraysForDamagedCompressedData) {
+    Head head{.sizes = "1 1 1", .types = "U U U", .width = 12'000'000 / 264 * 264};
+    const std::size_t copies = static_cast<std::size_t>(head.width) * 3 / 264;
+    std::string lzf("\0A", 2);
+    for (std::size_t i = 0; i + 1 < copies; ++i) lzf += std::string("\xE0\xFF\0", 3);
+    const std::string damaged = head.Text("binary_compressed") + Compressed(lzf + "\x3F\xFF", 264 * copies);
+    const auto allocated = [] { return ::mallinfo2().hblkhd; };
+    const std::size_t before = allocated();
+    std::size_t most = 0;
+    int calls = 0;
+    EXPECT_THAT(
+        [&] {
+            (void)ReadBytesAsPoints(ReadPcd, damaged, [&](double) {
+                most = std::max(most, allocated());
+                return ++calls > 0;
+            });
+        },
+        testing::ThrowsMessage<FileReadError>("the compressed data is cut short"));
+    EXPECT_GE(calls, 30);
+    EXPECT_LE(most, before + 1'000'000);
+    int last = 0;
+    EXPECT_THAT([&] { (void)ReadBytesAsPoints(ReadPcd, damaged, [&](double) { return ++last < 2; }); },
+                testing::ThrowsMessage<FileReadError>("cancelled"));
 }
 
 // ---- LZF
