@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QResizeEvent>
+#include <QScopedValueRollback>
 #include <QStatusBar>
 #include <algorithm>
 #include <cmath>
@@ -17,6 +18,7 @@
 #include "ObjectList.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
+#include "ToolTip.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -63,17 +65,14 @@ void MainWindow::MakePickPanel() {
     connect(m_pPicks, &PickPanel::DistanceCopyWanted, this, &MainWindow::CopyPickDistance);
     // At once: the pane is equal to the viewer whenever the user can use either.
     connect(m_pViewer, &ViewerWidget::ObjectPicked, this, &MainWindow::OnObjectPicked);
-    connect(m_pViewer, &ViewerWidget::PickPointsChanged, this, [this] {
-        MovePickPoint(-1);  // its number may be that of another point now
-        FollowPickPoints();
-        if (m_vPickPoints.empty()) ForgetLastPicks();  // also after a change of the mode, whatever it was before
-    });
+    connect(m_pViewer, &ViewerWidget::PickPointsChanged, this, &MainWindow::OnPickPointsChanged);
     // Queued: the viewer ends the drag of the press first.
     connect(m_pViewer, &ViewerWidget::RightClicked, this, &MainWindow::ShowPickMenu, Qt::QueuedConnection);
     connect(this, &MainWindow::ImportFinished, this, &MainWindow::FollowImport);
     // Permanent: a message that is shown meanwhile does not hide it.
     m_pLastPick = new QLabel;
     m_pLastPick->setObjectName("lastPick");
+    m_pLastPick->setTextFormat(Qt::PlainText);  // it names files
     m_pLastPick->setTextInteractionFlags(Qt::TextSelectableByMouse);
     statusBar()->addPermanentWidget(m_pLastPick);
     m_pLastPick->hide();
@@ -149,6 +148,13 @@ void MainWindow::OnObjectPicked(int object, float x, float y, float z) {
     ShowLastPick();
 }
 
+void MainWindow::OnPickPointsChanged() {
+    if (m_bRemovesPickPoints) return;  // once for all of them
+    MovePickPoint(-1);                 // its number may be that of another point now
+    FollowPickPoints();
+    if (m_vPickPoints.empty()) ForgetLastPicks();  // also after a change of the mode, whatever it was before
+}
+
 void MainWindow::FollowPickPoints() {
     if (m_pPickMenu != nullptr) m_pPickMenu->close();  // its number may be that of another point now
     const std::int32_t count = Pane() != nullptr ? Pane()->Methods().GetNumberOfPickPointSpheres() : 0;
@@ -187,12 +193,17 @@ void MainWindow::RemovePickPoints(const std::vector<int>& points) {
     if (Pane() == nullptr) return;
     KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
     const PaintBlock block(methods);  // one frame for all points
-    // From the last one: a removal changes the numbers of the points after it.
-    for (auto point = points.rbegin(); point != points.rend(); ++point) {
-        if (*point < 0 || *point >= methods.GetNumberOfPickPointSpheres()) continue;
-        m_vPickPoints.erase(m_vPickPoints.begin() + *point);
-        methods.RemovePickPointSphere(*point);
+    const std::int32_t before = methods.GetNumberOfPickPointSpheres();
+    {
+        const QScopedValueRollback removing(m_bRemovesPickPoints, true);
+        // From the last one: a removal changes the numbers of the points after it.
+        for (auto point = points.rbegin(); point != points.rend(); ++point) {
+            if (*point < 0 || *point >= methods.GetNumberOfPickPointSpheres()) continue;
+            m_vPickPoints.erase(m_vPickPoints.begin() + *point);
+            methods.RemovePickPointSphere(*point);
+        }
     }
+    if (methods.GetNumberOfPickPointSpheres() != before) OnPickPointsChanged();
     methods.PerformInvalidate();
 }
 
@@ -239,7 +250,8 @@ void MainWindow::ShowPickMenu(QPoint pixel) {
     auto* const menu = new QMenu(this);
     menu->setObjectName("pickMenu");
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(tr("Point %1 on %2").arg(QString::number(point + 1), ObjectText(pick)))->setEnabled(false);
+    const QString object = ObjectText(pick).replace('&', "&&");  // one alone marks a key
+    menu->addAction(tr("Point %1 on %2").arg(QString::number(point + 1), object))->setEnabled(false);
     menu->addAction(tr("&Remove point %1").arg(point + 1), this, [this, point] { RemovePickPoints({point}); });
     if (m_nPointToMove >= 0)
         menu->addAction(m_pCancelMove);
@@ -275,7 +287,7 @@ void MainWindow::ShowLastPick() {
     const int space = width() / 2;
     m_pLastPick->setMaximumWidth(space);
     m_pLastPick->setText(m_pLastPick->fontMetrics().elidedText(text, Qt::ElideLeft, space - kMargin));
-    m_pLastPick->setToolTip(text);  // readable where the window is too narrow
+    m_pLastPick->setToolTip(PlainToolTip(text));  // readable where the window is too narrow
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

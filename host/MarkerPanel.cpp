@@ -11,6 +11,8 @@
 #include <QVBoxLayout>
 #include <cmath>
 
+#include "ToolTip.h"
+
 namespace {
 constexpr int kIdRole = Qt::UserRole;  // of the first column
 
@@ -63,7 +65,7 @@ void MarkerPanel::AddPoints(int id, const std::string& file, int points, float a
     auto* const item = new QTreeWidgetItem(m_pList);
     item->setData(kName, kIdRole, id);
     item->setText(kName, QString::fromStdString(file.substr(file.rfind('/') + 1)));
-    item->setToolTip(kName, QString::fromStdString(file));
+    item->setToolTip(kName, PlainToolTip(QString::fromStdString(file)));
     item->setCheckState(kName, Qt::Checked);
     item->setText(kPoints, QString::number(points));
     item->setTextAlignment(kPoints, Qt::AlignRight | Qt::AlignVCenter);

@@ -353,6 +353,7 @@ TEST_F(MainWindowMarkers, NamesTheFileInWorkAndSaysWhenItIsAdded) {
     m_window->ImportPointFiles({WriteLarge(), small}, {});
     auto* const dialog = m_window->findChild<QProgressDialog*>();
     auto* const bar = dialog->findChild<QProgressBar*>();
+    EXPECT_EQ(dialog->findChild<QLabel*>()->textFormat(), Qt::PlainText) << "a name may look like tags";
     std::vector<std::string> texts;
     const auto* const job = m_window->findChild<PointsJob*>();
     const auto add = [&] { texts.push_back((dialog->labelText() + " | " + bar->text()).toStdString()); };

@@ -110,6 +110,14 @@ TEST_F(MainWindowPickMenu, NamesTheNearestPoint) {
     EXPECT_EQ(Entries().front(), "Remove point 1");
 }
 
+TEST_F(MainWindowPickMenu, ShowsTheAmpersandOfAFileName) {
+    WriteXdt(m_folder / "a&b.xdt", 40, 40, 5.0f);
+    Import({m_folder / "a&b.xdt"});
+    PlacePoints({Beside(-0.2, 0)});
+    RightClick(Beside(-0.2, 0));
+    EXPECT_EQ(OpenMenu()->actions().front()->text().toStdString(), "Point 1 on 1: a&&b.xdt");
+}
+
 TEST_F(MainWindowPickMenu, RemovesThePoint) {
     PlacePoints({Beside(-0.2, 0), Beside(0.2, 0)});
     const std::string second = Point(1);

@@ -6,6 +6,7 @@
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QTextDocument>
 #include <QTreeWidget>
 #include <cmath>
 
@@ -54,6 +55,18 @@ TEST_F(MainWindowPicks, ShowNothingInTheModesWithoutPicks) {
         DoubleClick(OnA());
         EXPECT_EQ(LastPick(), "") << mode;
     }
+}
+
+TEST_F(MainWindowPicks, ShowTagsInTheNameOfAFile) {
+    WriteXdt(m_folder / "<b>c &lt;.xdt", 30, 30, 8.0f);
+    Import({m_folder / "<b>c &lt;.xdt"});
+    Trigger("Points on objects");
+    DoubleClick(OnA());
+    const auto& label = Find<QLabel>("lastPick");
+    EXPECT_EQ(label.textFormat(), Qt::PlainText);
+    QTextDocument shown;
+    shown.setHtml(label.toolTip());
+    EXPECT_TRUE(shown.toPlainText().startsWith("2: <b>c &lt;.xdt ")) << label.toolTip().toStdString();
 }
 
 TEST_F(MainWindowPicks, StayInTheStatusBarBesideAMessage) {
@@ -118,6 +131,20 @@ TEST_F(MainWindowPicks, AreRemovedWhereTheyAreSelected) {
     EXPECT_TRUE(Points().empty());
     EXPECT_EQ(Methods().GetNumberOfPickPointSpheres(), 0);
     EXPECT_EQ(RedPixels(), 0);
+}
+
+TEST_F(MainWindowPicks, AreListedOnceAfterSeveralRemovals) {
+    PlacePoints();
+    for (const float x : {10.0f, 12.0f, 14.0f, 16.0f, 18.0f, 20.0f}) DoubleClick(PixelOf(x, 20));
+    Select({0, 1, 2});
+    std::vector<std::pair<int, int>> changed;
+    const QObject context;  // of the connection
+    QObject::connect(List().model(), &QAbstractItemModel::dataChanged, &context,
+                     [&](const QModelIndex& cell) { changed.emplace_back(cell.row(), cell.column()); });
+    Button("removePoints").click();
+    EXPECT_EQ(std::ranges::count(changed, std::pair<int, int>(2, PickPanel::kX)), 1);
+    ExpectListAsInViewer();
+    EXPECT_EQ(Points().size(), 3u);
 }
 
 TEST_F(MainWindowPicks, KeepTheirObjectsWhenAPointBeforeThemIsRemoved) {

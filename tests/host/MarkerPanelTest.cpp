@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QPushButton>
+#include <QTextDocument>
 #include <QTreeWidget>
 
 #include "host/QtUnderXvfb.h"
@@ -39,6 +40,13 @@ TEST_F(MarkerPanelTest, ShowsNamePointsAndOpacityOfASet) {
     EXPECT_EQ(row.text(MarkerPanel::kOpacity), "25 %");
     EXPECT_EQ(row.checkState(MarkerPanel::kName), Qt::Checked);
     EXPECT_TRUE(m_visible.empty()) << "a new set is visible already";
+}
+
+TEST_F(MarkerPanelTest, ShowsTagsInTheToolTipOfAName) {
+    m_panel.AddPoints(0, "/data/<b>x</b> &amp; y.xyz", 1, 1.0f);
+    QTextDocument shown;
+    shown.setHtml(List().topLevelItem(0)->toolTip(MarkerPanel::kName));
+    EXPECT_EQ(shown.toPlainText(), "/data/<b>x</b> &amp; y.xyz");
 }
 
 TEST_F(MarkerPanelTest, RequestsTheVisibilityOfTheCheckMark) {
