@@ -80,8 +80,8 @@ void MarkerPanel::RemovePoints(int id) {
 }
 
 std::vector<int> MarkerPanel::PointIds() const {
-    std::vector<int> ids;
-    for (int row = 0; row < m_pList->topLevelItemCount(); ++row) ids.push_back(IdOf(*m_pList->topLevelItem(row)));
+    std::vector<int> ids(static_cast<std::size_t>(m_pList->topLevelItemCount()));
+    for (std::size_t row = 0; row < ids.size(); ++row) ids[row] = IdOf(*m_pList->topLevelItem(static_cast<int>(row)));
     return ids;
 }
 

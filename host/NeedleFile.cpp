@@ -137,8 +137,8 @@ NeedleMark ReadEntry(const QJsonValue& entry) {
 }
 
 void CheckIds(const std::vector<NeedleMark>& marks) {
-    std::vector<std::int32_t> ids;
-    for (const NeedleMark& mark : marks) ids.push_back(mark.id);
+    std::vector<std::int32_t> ids(marks.size());
+    std::ranges::transform(marks, ids.begin(), &NeedleMark::id);
     std::ranges::sort(ids);
     const auto twice = std::ranges::adjacent_find(ids);
     if (twice != ids.end()) throw std::runtime_error("two needles have the id " + std::to_string(*twice));

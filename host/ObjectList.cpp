@@ -7,6 +7,7 @@
 
 #include "ColorButton.h"
 #include "KV_ScenePane/PathText.h"
+#include "ToolTip.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ void ObjectList::AddObject(const ObjectReport& object) {
     const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(object.file) : object.name;
     auto* const item = new QTreeWidgetItem(this);
     item->setText(kName, FileNameOf(path));
-    item->setToolTip(kName, QString::fromStdString(KV_ScenePane::PathBytes(path)));
+    item->setToolTip(kName, PlainToolTip(QString::fromStdString(KV_ScenePane::PathBytes(path))));
     item->setCheckState(kName, Qt::Checked);
     item->setText(kVertices, QString::number(object.vertices));
     item->setText(kTriangles, QString::number(object.triangles));
