@@ -191,7 +191,7 @@ public:
     /// keep an entry of it, which has no effect once no undo step holds the object either.
     virtual void DeleteObject(std::int16_t idx) = 0;
     /// CreateNeedle() for each entry, in their order. When an id exists, or there are more entries than
-    /// SetMaxNumberOfNeedles() allows in all, no needle is created. Entries for which there is no room left, and the
+    /// SetMaxNumberOfNeedles() allows in all, no needle is created. Entries beyond the limit, and the
     /// later ones of an id that the array holds twice, are skipped.
     /// @param number  of entries, not negative
     /// @param id      one word per needle
@@ -410,8 +410,8 @@ public:
     virtual VARIANT_BOOL GetNeedle(std::int32_t id, float* pinPosX, float* pinPosY, float* pinPosZ, float* headPosX,
                                    float* headPosY, float* headPosZ) = 0;
     /// Copies all needles, in the order of their creation.
-    /// @param id                     room for GetNumberOfNeedles() words
-    /// @param pinPosXYZ, headPosXYZ  room for 3 floats per needle each, world frame
+    /// @param id                     receives one id per needle, GetNumberOfNeedles() in all
+    /// @param pinPosXYZ, headPosXYZ  receive 3 floats per needle each, world frame
     virtual void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) = 0;
     /// Adds a measured grid of the host as an object; invalidates with erase.
     /// @param width, height  1 to 32767 each

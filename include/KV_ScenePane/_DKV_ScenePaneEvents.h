@@ -31,8 +31,8 @@ public:
     virtual void ViewDirectionChanged(float /*vx*/, float /*vy*/, float /*vz*/) {}
     /// An alignment has ended and its dialog is destroyed
     virtual void AlignmentDone() {}
-    /// A needle was created by CreateNeedle(), CreateNeedles() or the mouse. -1 after a double click for which there
-    /// was no room: no needle was created, and the double click has its other effects
+    /// A needle was created by CreateNeedle(), CreateNeedles() or the mouse. -1 after a double click while the
+    /// list is full: no needle was created, and the double click has its other effects
     virtual void NeedleCreated(std::int32_t /*id*/) {}
     /// A needle was selected by SelectNeedle() or the mouse, after all others were deselected. Fired again for one that
     /// was selected already

@@ -19,6 +19,10 @@ struct Box {
             max[i] = std::max(max[i], high[i]);
         }
     }
+    /// Grows the box to contain the point, which has no place when a coordinate is not finite.
+    void MergeIfFinite(const Float3& point) {
+        if (std::isfinite(point[0]) && std::isfinite(point[1]) && std::isfinite(point[2])) Merge(point, point);
+    }
     /// True until something was merged that is not inverted itself.
     [[nodiscard]] bool IsEmpty() const { return min[0] > max[0] || min[1] > max[1] || min[2] > max[2]; }
     /// Finite for finite corners: where the sum of two coordinates overflows, they are halved first.

@@ -17,7 +17,7 @@ public:
     void Read(void* to, std::size_t size);
     /// Whether Read() has returned all of the data.
     [[nodiscard]] bool AtEnd() const { return m_uOutAt == m_uOutEnd && m_uInAt == m_vIn.size() && m_uLeft == 0; }
-    /// The largest number of decompressed bytes that so many compressed ones can stand for.
+    /// The largest number of decompressed bytes that so many compressed bytes can expand to.
     [[nodiscard]] static std::uint64_t LargestSize(std::uint64_t bytes) { return bytes / 3 * 264 + 264; }
 
 private:

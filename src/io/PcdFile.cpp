@@ -71,7 +71,7 @@ std::uint64_t CompressedReader::CheckSizes() {
     if (sizes[0] > there)
         throw FileReadError("the file announces " + std::to_string(sizes[0]) + " compressed bytes and has " +
                             std::to_string(there));
-    RequireRoom(m_rHeader.points, sizes[1] / m_rHeader.pointBytes);
+    RequireSpace(m_rHeader.points, sizes[1] / m_rHeader.pointBytes);
     if (sizes[1] != m_rHeader.points * m_rHeader.pointBytes)
         throw FileReadError("the decompressed size is " + std::to_string(sizes[1]) +
                             " bytes and not that of the points");
@@ -161,7 +161,7 @@ private:
 /// The points of the header, which must fit: a value has at least one character and white space after it.
 std::uint64_t CheckedPoints(ByteInput& input, const PcdHeader& header) {
     const std::uint64_t rest = input.Size() - std::min(input.Size(), header.dataOffset);
-    RequireRoom(header.points, (rest + 1) / (2 * header.pointValues));
+    RequireSpace(header.points, (rest + 1) / (2 * header.pointValues));
     return header.points;
 }
 

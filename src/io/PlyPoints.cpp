@@ -239,7 +239,7 @@ public:
     TextPoints(ByteInput& input, std::uint64_t offset, const Vertex& vertex, ReadProgress& progress)
         : m_rVertex(vertex), m_rProgress(progress), m_blocks(input, offset, TextBlocks::Cut::kAfterWord) {}
     void Skip(const Element& element);
-    PointCloud Read(std::uint64_t room);
+    PointCloud Read(std::uint64_t space);
 
 private:
     [[nodiscard]] bool FindWord();
@@ -318,9 +318,9 @@ void TextPoints::ReadPoint(std::uint64_t point, const std::vector<float*>& targe
     }
 }
 
-/// @param room  how many vertices there can be at most
-PointCloud TextPoints::Read(std::uint64_t room) {
-    RequireRoom(m_rVertex.records, room);
+/// @param space  the largest number of vertices that fit the file
+PointCloud TextPoints::Read(std::uint64_t space) {
+    RequireSpace(m_rVertex.records, space);
     const PointLayout& layout = m_rVertex.layout;
     PointCollector points(m_rVertex.records, layout.form == ColorForm::kChannels);
     const std::vector<float*> targets = Targets(points);

@@ -90,16 +90,16 @@ void UnpackColors(const std::byte* from, std::size_t stride, std::size_t records
     }
 }
 
-void RequireRoom(std::uint64_t points, std::uint64_t room) {
-    if (points > room)
-        throw FileReadError("the file announces " + std::to_string(points) + " points and has room for " +
-                            std::to_string(room));
+void RequireSpace(std::uint64_t points, std::uint64_t space) {
+    if (points > space)
+        throw FileReadError("the file announces " + std::to_string(points) + " points and has space for " +
+                            std::to_string(space));
 }
 
 KV_ScenePane::PointCloud ReadPointRecords(ByteInput& input, std::uint64_t offset, std::size_t recordSize,
                                           std::uint64_t records, const PointLayout& layout, PointHoles holes,
                                           ReadProgress& progress, double before) {
-    RequireRoom(records, (input.Size() - std::min(offset, input.Size())) / recordSize);
+    RequireSpace(records, (input.Size() - std::min(offset, input.Size())) / recordSize);
     if (recordSize > kLargestRecord)
         throw FileReadError("a point has more than " + std::to_string(kLargestRecord) + " bytes");
     const std::size_t perBlock = std::clamp<std::size_t>(kBlockBytes / recordSize, 1, PointCollector::kBlock);

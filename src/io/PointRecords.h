@@ -67,6 +67,6 @@ void UnpackColors(const std::byte* from, std::size_t stride, std::size_t records
                                                         std::uint64_t records, const PointLayout& layout,
                                                         PointHoles holes, ReadProgress& progress, double before = 0);
 
-/// @param room  how many of the points the rest of the file has space for
-/// @throws FileReadError "the file announces N points and has room for M"
-void RequireRoom(std::uint64_t points, std::uint64_t room);
+/// @param space  how many of the points the rest of the file can hold
+/// @throws FileReadError "the file announces N points and has space for M"
+void RequireSpace(std::uint64_t points, std::uint64_t space);

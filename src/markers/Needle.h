@@ -1,4 +1,4 @@
-// A needle: a straight pin from a point on the surface to a round head with the needle's number beside it.
+// A needle: a straight pin from a point on the surface to a round head; the number of the needle is drawn next to it.
 #pragma once
 #include <cstdint>
 #include <vector>

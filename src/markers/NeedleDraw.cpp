@@ -13,17 +13,12 @@
 #include <string_view>
 
 #include "control/ScenePaneCtrl.h"
+#include "render/HostColor.h"
 
 namespace {
 
 constexpr GLint kSlices = 20, kStacks = 20;  // of balls and pins
 constexpr double kTaper = 0.2;               // radius of the pin at the surface, in parts of its radius at the head
-
-/// @param color  0x00BBGGRR; the high byte is ignored
-void SetHostColor(std::uint32_t color) {
-    const auto channel = [color](unsigned shift) { return static_cast<float>(((color >> shift) & 0xFF) / 255.0); };
-    glColor3f(channel(0), channel(8), channel(16));
-}
 
 void DrawBall(GLUquadric* quadric, const Float3& center, float radius, std::uint32_t color) {
     SetHostColor(color);

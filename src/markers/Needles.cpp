@@ -92,8 +92,8 @@ VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedle(std::int32_t id, float pinPosX, flo
     return KV_ScenePane::kVariantTrue;
 }
 
-// The number is compared with the limit, not with the room that is left: what does not fit is skipped, as is an id that
-// the arrays hold twice.
+// The number is compared with the limit, not with the number that still fits: what does not fit is skipped, as is an id
+// that the arrays hold twice.
 VARIANT_BOOL CKV_ScenePaneCtrl::CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
                                               const float* headPosXYZ) {
     assert(number >= 0);

@@ -38,10 +38,7 @@ bool MergeFinite(LaneBox& box, const float* xyz, std::size_t size) {
 }
 
 void MergeEach(Box& box, std::span<const float> xyz) {
-    for (std::size_t i = 0; i + 3 <= xyz.size(); i += 3) {
-        const Float3 point = ToFloat3(&xyz[i]);
-        if (std::isfinite(point[0]) && std::isfinite(point[1]) && std::isfinite(point[2])) box.Merge(point, point);
-    }
+    for (std::size_t i = 0; i + 3 <= xyz.size(); i += 3) box.MergeIfFinite(ToFloat3(&xyz[i]));
 }
 
 }  // namespace

@@ -8,14 +8,9 @@
 
 #include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
+#include "render/HostColor.h"
 
 namespace {
-
-/// @param color  0x00BBGGRR; the high byte is ignored
-void SetHostColor(std::uint32_t color) {
-    const auto channel = [color](unsigned shift) { return static_cast<float>(((color >> shift) & 0xFF) / 255.0); };
-    glColor3f(channel(0), channel(8), channel(16));
-}
 
 // ---- background
 

@@ -5,7 +5,6 @@
 #include <GL/glu.h>
 
 #include <algorithm>
-#include <cmath>
 
 #include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
@@ -34,11 +33,6 @@ FittedScene FindFittedScene(const CKV_ScenePaneCtrl& control) {
     for (const auto& [id, points] : control.m_mapFreePoints)
         if (points.visible != 0) scene.box.Merge(points.boxMin, points.boxMax);
     return scene;
-}
-
-/// A line or needle may have points that are not finite: they have no place.
-void MergeIfFinite(Box& box, const Float3& point) {
-    if (std::isfinite(point[0]) && std::isfinite(point[1]) && std::isfinite(point[2])) box.Merge(point, point);
 }
 
 /// Also a box that is inverted along one axis is empty.
@@ -108,11 +102,11 @@ Box CKV_ScenePaneCtrl::GetPictureBoundingBox() const {
     Box box = FindFittedScene(*this).box;
     if (m_bLine3DDrawingMode != 0)
         for (const Line3D& line : m_vLines3D)
-            for (const Float3& point : line.points) MergeIfFinite(box, point);
+            for (const Float3& point : line.points) box.MergeIfFinite(point);
     if (m_bNeedleDrawingMode != 0) {
         for (const Needle& needle : m_vNeedles) {
-            MergeIfFinite(box, needle.pin);
-            MergeIfFinite(box, needle.head);
+            box.MergeIfFinite(needle.pin);
+            box.MergeIfFinite(needle.head);
         }
     }
     return FixedBoxIfEmpty(box);

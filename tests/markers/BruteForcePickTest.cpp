@@ -259,7 +259,7 @@ TEST(BruteForcePick, AgreesAMillionUnitsFromTheOrigin) {
     CompareViews(*control, random, 0.5L);
 }
 
-// A view of a part that lies far behind the whole: most of the scene is behind window depth 0.1, where its distance
+// A view of a part far from the viewer: most of the scene is behind window depth 0.1, where its distance
 // counts as well.
 TEST(BruteForcePick, AgreesBehindTheOriginOfTheLine) {
     OffscreenControl control(320, 240);

@@ -1,4 +1,4 @@
-// Free points and the driver: uploads that fail, and what a frame asks of it. The driver stand-in counts the calls and
+// Free points and the driver: uploads that fail, and the calls of a frame. The driver stand-in counts the calls and
 // makes uploads fail.
 #include "render/SceneFixture.h"
 #include "support/DriverStandIn.h"

@@ -90,7 +90,7 @@ TEST_P(NeedleInput, DeselectsTheOtherNeedleByTheFirstPressOfADoubleClick) {
 
 TEST_P(NeedleInput, DeselectsTheOtherNeedleByTheDoubleClickWhenThePressDidNot) {
     AddNeedle(*viewer, 7, 15, 20);
-    // On the head: its press selects the needle, and the new one stands on the head.
+    // On the head: its press selects the needle, and the pin of the new one is on that head.
     DoubleClick(PixelOf(15, 20));
     EXPECT_EQ(events.Take(), (EventList{"Created 7", "Selected 7", "Deselected 7", "Created 8", "Selected 8"}));
     EXPECT_NEAR(viewer->m_vNeedles[1].pin[2], 30, 0.1) << "on the top of the head, within half a pixel";
