@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "KV_ScenePane/ClipHeight.h"
 #include "KV_ScenePane/Input.h"
 #include "KV_ScenePane/_DKV_ScenePane.h"
 #include "KV_ScenePane/_DKV_ScenePaneEvents.h"
@@ -164,6 +165,10 @@ public:
     ///              list. Untouched without a hit
     /// @return false without a hit, for a NoPicture viewer and without a window
     virtual bool PickSurface(int x, int y, SurfacePoint* hit) = 0;
+
+    /// What the last placement of the clip plane at the data found, by SetClipPlaneEnabled() or by the mouse; a default
+    /// ClipHeight before the first one. A placement that threw does not count.
+    [[nodiscard]] virtual ClipHeight GetClipHeight() const = 0;
 };
 
 /// Creates a viewer.

@@ -48,7 +48,7 @@ public:
     virtual void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                        float outsideOpacity) = 0;
     /// Slides the clip plane within its own surface to the centre of the data, so that its handles are on screen;
-    /// invalidates with erase. [declared only]
+    /// invalidates with erase.
     virtual void DisplayClipPlanePartCloseToData() = 0;
     /// Finds the pick-point sphere whose centre is nearest to a point of the window, in whole pixels: depth and radius
     /// do not count, nor whether it is drawn. Of several at the same distance it is the one with the lowest id.
@@ -361,18 +361,24 @@ public:
     virtual void SetOverlayVisibility(std::int32_t index, std::int32_t enable) = 0;
     /// Zoom factor that CenterView() and other fits start with, larger shows more; 1 at first.
     virtual void SetDefaultZoomFactor(float newDefault) = 0;
-    /// Clips objects by the plane. Not 0 draws the plane and its handles as well. [declared only]
+    /// Clips objects by the plane, and invalidates with erase. When the low byte of displayClipPlane is not 0, the
+    /// plane is drawn, the mouse and the keys move it, and it is placed at the data: horizontal, in the middle of the
+    /// scene box, at a height estimated from the vertices, for which the registry must be started (InitializeKVReg()).
+    /// A plane that was set before is thereby lost: call SetClipPlane() afterwards. When the byte is 0, the plane clips
+    /// where it is and is hidden.
+    /// @throws std::runtime_error when the component library has no object for the estimate, or with the text of the
+    ///         status that one returned: clipping is then on with the plane as it was, and no repaint is asked for
     virtual void SetClipPlaneEnabled(std::int32_t displayClipPlane) = 0;
-    /// Ends clipping and hides the plane. [declared only]
+    /// Ends clipping and hides the plane; invalidates with erase.
     virtual void SetClipPlaneDisabled() = 0;
-    /// Places the clip plane; what the normal points to is kept.
+    /// Places the clip plane and refreshes; what the normal points to is kept.
     /// @param centerX, centerY, centerZ  point of the plane, world frame
-    /// @param normalX, normalY, normalZ  normal, world frame [declared only]
+    /// @param normalX, normalY, normalZ  normal of any length above 0, world frame
     virtual void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
                               float normalZ) = 0;
-    /// Colours of the plane, its handles and its outline, 0x00BBGGRR. [declared only]
+    /// Colours of the plane, its handles and its outline, 0x00BBGGRR, all 0 at first; refreshes.
     virtual void SetClipPlaneColor(std::int32_t color, std::int32_t handleColor, std::int32_t outlineColor) = 0;
-    /// Centre and unit normal of the clip plane, world frame. [declared only]
+    /// Centre and unit normal of the clip plane, world frame, as the last method, placement, key or drag left it.
     virtual void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
                               float* normalZ) = 0;
     /// Whether mouse and keys act on needles. A double click on the surface creates one, which points to the viewer

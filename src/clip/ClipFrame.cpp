@@ -1,5 +1,4 @@
-// Draws the clip plane in a frame, and places it at the data. This version has no method that shows the plane,
-// so a host cannot switch it on.
+// The clip plane in a frame.
 #include <GL/glew.h>
 
 #include "control/ScenePaneCtrl.h"
@@ -9,6 +8,3 @@ void CKV_ScenePaneCtrl::DrawClipPlane() {
     m_clipPlane.Draw();
     glPopAttrib();
 }
-
-// Called by double clicks while the plane is visible, which it cannot be yet.
-void CKV_ScenePaneCtrl::PlaceClipPlaneAtData() {}

@@ -18,7 +18,6 @@ void CKV_ScenePaneCtrl::ClearUndoStack() { NotYet("ClearUndoStack"); }
 void CKV_ScenePaneCtrl::SetLassoCuttingColors(std::int32_t, float, std::int32_t, float) {
     NotYet("SetLassoCuttingColors");
 }
-void CKV_ScenePaneCtrl::DisplayClipPlanePartCloseToData() { NotYet("DisplayClipPlanePartCloseToData"); }
 void CKV_ScenePaneCtrl::StartSegmentation(std::int16_t) { NotYet("StartSegmentation"); }
 std::int32_t CKV_ScenePaneCtrl::PerformUndo() {
     NotYet("PerformUndo");
@@ -31,11 +30,6 @@ VARIANT_BOOL CKV_ScenePaneCtrl::SaveCuttingToPcms() {
     return 0;
 }
 void CKV_ScenePaneCtrl::EndSegmentation() { NotYet("EndSegmentation"); }
-void CKV_ScenePaneCtrl::SetClipPlaneEnabled(std::int32_t) { NotYet("SetClipPlaneEnabled"); }
-void CKV_ScenePaneCtrl::SetClipPlaneDisabled() { NotYet("SetClipPlaneDisabled"); }
-void CKV_ScenePaneCtrl::SetClipPlane(float, float, float, float, float, float) { NotYet("SetClipPlane"); }
-void CKV_ScenePaneCtrl::SetClipPlaneColor(std::int32_t, std::int32_t, std::int32_t) { NotYet("SetClipPlaneColor"); }
-void CKV_ScenePaneCtrl::GetClipPlane(float*, float*, float*, float*, float*, float*) { NotYet("GetClipPlane"); }
 VARIANT_BOOL CKV_ScenePaneCtrl::GetCutMasks(std::int32_t*, const ACAD::CutMask**) {
     NotYet("GetCutMasks");
     return 0;

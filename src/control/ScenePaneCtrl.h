@@ -260,6 +260,18 @@ public:
                            float* headPosY, float* headPosZ) override;
     void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) override;
 
+    // ---- clip/ClipMethods.cpp
+    void SetClipPlaneEnabled(std::int32_t displayClipPlane) override;
+    void SetClipPlaneDisabled() override;
+    void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
+                      float normalZ) override;
+    void SetClipPlaneColor(std::int32_t color, std::int32_t handleColor, std::int32_t outlineColor) override;
+    void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
+                      float* normalZ) override;
+    void DisplayClipPlanePartCloseToData() override;
+    /// ScenePane::GetClipHeight().
+    [[nodiscard]] KV_ScenePane::ClipHeight GetClipHeight() const { return m_clipHeight; }
+
     // ---- align/Interaction.cpp
     void FinishInteraction() override;
 
@@ -267,7 +279,6 @@ public:
     void ClearUndoStack() override;
     void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                float outsideOpacity) override;
-    void DisplayClipPlanePartCloseToData() override;
     void StartSegmentation(std::int16_t mode) override;
     std::int32_t PerformUndo() override;
     void ImportMesh(BSTR path) override;
@@ -276,13 +287,6 @@ public:
     void AlignPickPoints() override;
     VARIANT_BOOL SaveCuttingToPcms() override;
     void EndSegmentation() override;
-    void SetClipPlaneEnabled(std::int32_t displayClipPlane) override;
-    void SetClipPlaneDisabled() override;
-    void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,
-                      float normalZ) override;
-    void SetClipPlaneColor(std::int32_t color, std::int32_t handleColor, std::int32_t outlineColor) override;
-    void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
-                      float* normalZ) override;
     VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) override;
     void ClearCutMasks() override;
     void InitializeKVReg() override;
@@ -369,12 +373,21 @@ public:
     void DrawFreePoints();  // markers/FreePoints.cpp
     void DrawClipPlane();   // clip/ClipFrame.cpp
 
-    // ---- the input's calls to cuts and the clip plane; in this version no method enters their modes
+    // ---- clip/ClipPlacement.cpp: the height of the data
+    /// A height for a horizontal clip plane, from the vertices of all objects, also of hidden ones.
+    /// @throws std::runtime_error with the text of the status that an object of the component library returned, and
+    ///         when the library has no such object
+    [[nodiscard]] KV_ScenePane::ClipHeight EstimateClipHeight() const;
+    /// Makes the clip plane horizontal at the estimated height, in the middle of the scene box; -20 without a height.
+    /// Shows the wait cursor, writes a line to the log and stores m_clipHeight. Asks for no repaint.
+    /// @throws what EstimateClipHeight() throws: the plane and m_clipHeight are then as before
+    void PlaceClipPlaneAtData();
+
+    // ---- the input's calls to cuts; in this version no method enters their modes
     void FinishSegmentation(bool cancel);           // cut/CutFrame.cpp
     void AddCutSessionPoint(float x, float y);      // cut/CutFrame.cpp
     void PreviewCutSessionPoint(float x, float y);  // cut/CutFrame.cpp
     void StartCutSession(float x, float y);         // cut/CutFrame.cpp
-    void PlaceClipPlaneAtData();                    // clip/ClipFrame.cpp
 
     // ---- view/Camera.cpp
     /// Rebuilds projection, modelview, shadow camera and light from the frame; makes the context current.

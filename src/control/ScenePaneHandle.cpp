@@ -307,6 +307,8 @@ public:
     bool CapturePicture(KV_ScenePane::Picture* picture) override { return Held()->CapturePicture(picture); }
     bool PickSurface(int x, int y, KV_ScenePane::SurfacePoint* hit) override { return Held()->PickSurface(x, y, hit); }
 
+    [[nodiscard]] KV_ScenePane::ClipHeight GetClipHeight() const override { return m_pControl->GetClipHeight(); }
+
     Control& TheControl() { return *m_pControl; }
 
 private:

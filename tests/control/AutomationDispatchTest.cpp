@@ -17,10 +17,8 @@ namespace {
 // clang-format off
 /// Methods that are declared only.
 const char* const kMethodsToCome[] = {
-    "ClearUndoStack", "SetLassoCuttingColors", "DisplayClipPlanePartCloseToData", "StartSegmentation", "PerformUndo",
-    "AlignInteractive", "AlignPickPoints", "SaveCuttingToPcms", "EndSegmentation", "SetClipPlaneEnabled",
-    "SetClipPlaneDisabled", "SetClipPlane", "SetClipPlaneColor", "GetClipPlane", "GetCutMasks", "ClearCutMasks",
-    "AboutBox",
+    "ClearUndoStack", "SetLassoCuttingColors", "StartSegmentation", "PerformUndo", "AlignInteractive", "AlignPickPoints",
+    "SaveCuttingToPcms", "EndSegmentation", "GetCutMasks", "ClearCutMasks", "AboutBox",
 };
 // clang-format on
 
