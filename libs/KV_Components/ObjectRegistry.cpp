@@ -1,6 +1,7 @@
 // The table of factories.
 #include "ObjectRegistry.h"
 
+#include "KV_Components/Geometry.h"
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
 
@@ -19,6 +20,10 @@ constexpr Factory kFactories[] = {
     {hps_uv_decoder::kFactory, &MakeHpsUvDecoder},
     {hps_file_writer::kFactory, &MakeHpsFileWriter},
     {hps_compressor::kFactory, &MakeHpsCompressor},
+    {height_histogram::kFactory, &MakeHeightHistogram},
+    {point_cloud::kFactory, &MakePointCloud},
+    {neighbour_search::kFactory, &MakeNeighbourSearch},
+    {normal_estimator::kFactory, &MakeNormalEstimator},
 };
 }  // namespace
 

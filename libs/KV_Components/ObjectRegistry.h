@@ -17,5 +17,9 @@ namespace KvComponents {
 [[nodiscard]] Component* MakeHpsUvDecoder();
 [[nodiscard]] Component* MakeHpsFileWriter();
 [[nodiscard]] Component* MakeHpsCompressor();
+[[nodiscard]] Component* MakeHeightHistogram();
+[[nodiscard]] Component* MakePointCloud();
+[[nodiscard]] Component* MakeNeighbourSearch();
+[[nodiscard]] Component* MakeNormalEstimator();
 
 }  // namespace KvComponents

@@ -1,0 +1,83 @@
+// Sums of weighted samples in equal bins, each sample spread over the bins around it by a triangular kernel.
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace KvComponents {
+
+/// A histogram whose samples cost the same for every spread. Sums are integers: the values in the bins do not depend on
+/// the order of the samples, and a bin that no sample reaches is exactly 0.
+///
+/// A sample is a triangle over the bins, that is, two straight lines. Each line is added to the bins it covers in
+/// constant time, as a difference at both of its ends; Values() sums the differences up.
+class HeightHistogram {
+public:
+    static constexpr std::int32_t kMaxBins = 65536;
+
+    /// @param low, high  finite, low below high
+    /// @param bins       1 to kMaxBins
+    HeightHistogram(float low, float high, std::int32_t bins);
+
+    /// Adds a sample; outside low..high it is ignored.
+    /// @param value   finite
+    /// @param spread  half width of the kernel, finite, 0 or more
+    /// @param weight  finite, 0 or more
+    void Add(float value, float spread, float weight);
+    /// Forgets the samples.
+    void Reset();
+
+    [[nodiscard]] std::int32_t BinCount() const { return m_iBins; }
+    [[nodiscard]] double BinWidth() const { return (m_fHigh - m_fLow) / m_iBins; }
+    [[nodiscard]] double BinCenter(std::int32_t bin) const { return m_fLow + (bin + 0.5) * BinWidth(); }
+
+    /// Weighted mean of the values inside the range. None without a weight above 0.
+    [[nodiscard]] std::optional<double> Mean() const;
+    /// Weighted mean of their squared differences from the mean.
+    [[nodiscard]] std::optional<double> Variance() const;
+
+    /// The weight in each bin, valid until the next sample.
+    [[nodiscard]] std::span<const float> Values();
+
+private:
+    __extension__ using Wide = unsigned __int128;  ///< modulo 2^128: what is added is subtracted without a remainder
+    /// constant + slope * bin, of the bins from here on
+    struct Line {
+        Wide constant = 0;
+        Wide slope = 0;
+    };
+    /// Differences of the lines of samples of similar weight, one more than there are bins. Empty without samples.
+    using Differences = std::vector<Line>;
+
+    // Binary exponents of weights, in groups with an integer unit each: a light sample keeps its digits beside a heavy
+    // one.
+    static constexpr int kExponentsPerGroup = 4;
+    static constexpr int kGroupCount = 256 / kExponentsPerGroup;
+
+    void AddToMoments(double value, double weight);
+    void SumUp();
+
+    double m_fLow, m_fHigh;
+    double m_fBinsPerUnit;
+    std::int32_t m_iBins;
+
+    std::array<Differences, kGroupCount> m_groups;
+    std::vector<float> m_values;  ///< of the bins, when they are not out of date
+    bool m_bValuesAreOld = true;
+
+    // Moments about the first value: equal values have no variance, and narrow peaks keep their digits.
+    double m_fOrigin = 0.0;
+    double m_fWeight = 0.0, m_fMoment1 = 0.0, m_fMoment2 = 0.0;
+};
+
+/// The index of the highest value, of several the first. None when all are 0.
+[[nodiscard]] std::optional<std::int32_t> HighestBin(std::span<const float> values);
+
+/// The bins above 0 that no bin within @p reach to each side exceeds, ascending; of adjacent ones with the same value
+/// the first. Linear in the number of bins.
+[[nodiscard]] std::vector<std::int32_t> PeaksOf(std::span<const float> values, std::int32_t reach);
+
+}  // namespace KvComponents
