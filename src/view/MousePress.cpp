@@ -60,8 +60,9 @@ void AddLassoPoint(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
 void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     control.m_nSavedInteractionMode = ModeIdle;
     if (control.m_bNeedlePickingMode != 0) control.SelectNeedleAt(x, y);
-    // A handle under the mouse wins over every other meaning of the press, without a capture.
-    if (control.m_clipPlane.IsPicked()) {
+    // A handle under the mouse wins over every other meaning of the press, without a capture. A plane that was hidden
+    // since the last hover still holds that pick.
+    if (control.m_bClipPlaneVisible != 0 && control.m_clipPlane.IsPicked()) {
         control.BeginPlaneHandleDrag(x, y);
         return;
     }

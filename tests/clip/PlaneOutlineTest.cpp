@@ -1,10 +1,11 @@
-// Points on the plane's outline, by hand, and which handle a picked number means.
+// Points on the plane's outline, by hand and by a reference, and which handle a picked number means.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
 #include "clip/Plane.h"
+#include "clip/PlaneReference.h"
 
 namespace {
 
@@ -83,6 +84,80 @@ TEST(PlaneOutlineShape, StaysOnTheOutlineJustBelowAFullTurn) {
     const Double3 point = plane.OutlinePoint(0);
     EXPECT_NEAR(point[0], std::numbers::sqrt2, 1e-12);
     EXPECT_NEAR(point[1], 0, 1e-12);
+}
+
+// ---- against the reference
+
+/// Rounding of the angle itself, which grows with the number of turns, and of the rest.
+void ExpectAsReference(const Plane& plane, double theta) {
+    const auto expected =
+        plane_reference::OutlineAt(theta, plane.m_dStartAngle, static_cast<int>(plane.m_nCorners), plane.m_dRadius);
+    const Double3 point = plane.OutlinePoint(theta);
+    const double tolerance = plane.m_dRadius * (1e-12 + 1e-15 * std::abs(theta));
+    ASSERT_NEAR(point[0], static_cast<double>(expected.real()), tolerance) << "at " << theta;
+    ASSERT_NEAR(point[1], static_cast<double>(expected.imag()), tolerance) << "at " << theta;
+    ASSERT_EQ(point[2], 0.0);
+}
+
+Plane PolygonOf(std::uint32_t corners, double start) {
+    Plane plane;
+    plane.m_dRadius = 7;
+    plane.m_nCorners = corners;
+    plane.m_dStartAngle = start;
+    return plane;
+}
+
+TEST(PlaneOutlineReference, IsFollowedAtAllAngles) {
+    for (const std::uint32_t corners : {3u, 4u, 5u, 12u})
+        for (const double start : {-std::numbers::pi / 4, 0.0, 1.0, -3.0, 5.5}) {
+            const Plane plane = PolygonOf(corners, start);
+            for (int i = -2000; i <= 2000; ++i) ExpectAsReference(plane, i * 0.0137);
+        }
+}
+
+TEST(PlaneOutlineReference, IsFollowedAtMultiplesOfAQuarterTurnAndBesideThem) {
+    for (const std::uint32_t corners : {3u, 4u, 7u, 9u})
+        for (const double start : {-std::numbers::pi / 4, 0.0, std::numbers::pi / 2, -std::numbers::pi}) {
+            const Plane plane = PolygonOf(corners, start);
+            for (int quarters = -40; quarters <= 40; ++quarters) {
+                const double theta = quarters * (std::numbers::pi / 2);
+                ExpectAsReference(plane, theta);
+                ExpectAsReference(plane, theta - start);
+                for (const double beside : {std::nextafter(theta, 1e9), std::nextafter(theta, -1e9), theta - 1e-9})
+                    ExpectAsReference(plane, beside);
+            }
+        }
+}
+
+TEST(PlaneOutlineReference, IsFollowedAfterManyTurns) {
+    const Plane plane = PolygonOf(4, -std::numbers::pi / 4);
+    for (const double turns : {1e2, -1e2, 1e4, -12345.0, 1e6, -1e6})
+        for (int i = 0; i < 36; ++i) ExpectAsReference(plane, turns * 2 * std::numbers::pi + i * 10 * kDegree);
+}
+
+// The sum with the start angle is just below a multiple of the full turn: its rest, or the number of edges in it,
+// rounds to a whole turn.
+TEST(PlaneOutlineReference, IsFollowedWhereTheRestRoundsToAWholeTurn) {
+    for (const std::uint32_t corners : {3u, 4u, 5u, 6u, 7u, 9u, 11u}) {
+        for (const double below : {1e-300, 1e-20, 1e-17, 1e-16, 2e-16, 4e-16, 1e-15}) {
+            ExpectAsReference(PolygonOf(corners, -below), 0);
+            ExpectAsReference(PolygonOf(corners, 0), -below);
+        }
+        double full = 2 * std::numbers::pi;
+        for (int i = 0; i < 8; ++i, full = std::nextafter(full, 0)) ExpectAsReference(PolygonOf(corners, 0), full);
+    }
+}
+
+TEST(PlaneOutlineReference, ContinuesFromEdgeToEdge) {
+    const Plane plane = PolygonOf(4, -std::numbers::pi / 4);
+    Double3 last = plane.OutlinePoint(-20);
+    for (int i = 1; i <= 40000; ++i) {
+        const Double3 next = plane.OutlinePoint(-20 + i * 0.001);
+        // A quarter of a turn is one edge, of length 7 times the root of 2.
+        const double step = 0.001 * 7 * std::numbers::sqrt2 / (std::numbers::pi / 2);
+        ASSERT_LE(std::hypot(next[0] - last[0], next[1] - last[1]), step * (1 + 1e-9)) << i;
+        last = next;
+    }
 }
 
 struct HandleCase {
