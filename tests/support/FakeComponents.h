@@ -1,6 +1,7 @@
 // A component library for tests: its objects behave as the test configures, and record their calls. A program that has
 // FakeComponents.cpp among its sources gets every object from here, also those of the control.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -14,10 +15,12 @@
 class FakeObject;
 
 /// The library while this object lives; without it no object can be made. Objects are named reader, mesh, vertices,
-/// source, clone, decoder, image, writer and compressor, operations as in "reader.open".
+/// source, clone, decoder, image, writer, compressor, histogram, cloud, search and estimator, operations as in
+/// "reader.open".
 ///
 /// It checks that no released object is used, that an object has one reference when it is called (the factory object is
 /// released at once), that buffers have the size that the object fills, and at its end that all objects are released.
+/// Objects that a search or an estimator received are released by its finish, or with it.
 class FakeComponents {
 public:
     FakeComponents();
@@ -46,6 +49,15 @@ public:
     std::vector<std::uint8_t> imageFile;
     std::optional<std::int32_t> imageFileSize;
 
+    // ---- what the objects of point statistics report; the histogram counts nothing
+    float binWidth = 1.0f;
+    std::vector<float> binCenters, binValues;
+    std::int32_t mainPeak = 0;
+    std::vector<std::int32_t> peaks;
+    std::optional<std::int32_t> peakCount;  ///< reported instead of the size of the list
+    float mean = 0.0f, variance = 0.0f;
+    std::array<float, 3> centroid{}, normal{};
+
     // ---- what the objects received
     std::vector<std::string> calls;  ///< objects made, operations with their arguments, objects released
     std::vector<float> writtenPositions, writtenPairs;
@@ -54,6 +66,13 @@ public:
     std::vector<std::uint32_t> writtenPixels;
     std::string application, version;
     std::wstring savedPath;
+    struct HistogramSample {
+        float value, spread, weight;
+        bool operator==(const HistogramSample&) const = default;
+    };
+    /// All of them in order; they are not among the calls. "histogram.reset" records how many were before it.
+    std::vector<HistogramSample> samples;
+    std::vector<std::array<float, 3>> cloudPoints;  ///< of the last cloud
 
     /// The calls with this prefix.
     [[nodiscard]] std::vector<std::string> CallsOf(const std::string& beginning) const;
