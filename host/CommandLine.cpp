@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <iterator>
@@ -95,6 +96,30 @@ bool ReadColor(std::string_view text, HostOptions& options) {
     return true;
 }
 
+/// A finite number. One that is too small for a float is 0.
+std::optional<float> FiniteNumber(std::string_view text) {
+    const auto number = WholeNumber<float>(text);
+    if (number) return std::isfinite(*number) ? number : std::nullopt;
+    const auto wide = WholeNumber<double>(text);
+    return wide && std::abs(*wide) < 1.0 ? std::optional(0.0f) : std::nullopt;
+}
+
+bool ReadClip(std::string_view text, HostOptions& options) {
+    std::array<float, 6> numbers{};
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        // The last number ends with the text: one more comma is no part of a number.
+        const std::size_t end = i + 1 < numbers.size() ? std::min(text.find(','), text.size()) : text.size();
+        const auto number = FiniteNumber(text.substr(0, end));
+        if (!number) return false;
+        numbers[i] = *number;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    const auto& [cx, cy, cz, nx, ny, nz] = numbers;
+    if (nx == 0.0f && ny == 0.0f && nz == 0.0f) return false;
+    options.clip = ClipPlane{{cx, cy, cz}, {nx, ny, nz}};
+    return true;
+}
+
 bool ReadGpu(std::string_view text, HostOptions& options) {
     const auto number = IntegerIn(text, 0, kMaxGpu);
     if (!number && text != "software") return false;
@@ -179,6 +204,9 @@ constexpr Option kOptions[] = {
     {"--draw-mode", "a whole number from 0 to 7", kNoRun, kWindow | kScreenshot, ReadDrawMode},
     {"--zoom", "a number from 0.1 to 10", kNoRun, kPictures | kPick, ReadZoom},
     {"--shadows", "", kNoRun, kWindow | kScreenshot, SetFlag<&HostOptions::shadows>},
+    {"--clip", "CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0", kNoRun, kScreenshot, ReadClip,
+     "--screenshot"},
+    {"--clip-auto", "", kNoRun, kScreenshot | kInfo, SetFlag<&HostOptions::clipAuto>, "--screenshot and --info"},
     {"--points", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::pointFiles>},
     {"--lines", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::lineFiles>},
     {"--needles", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::needleFiles>},
@@ -259,6 +287,7 @@ std::string Conflict(const HostOptions& options, const GivenOptions& given) {
     if (selecting.size() > 1)
         return std::string(first->name).append(" and ").append(selecting[1]->name).append(" do not go together");
     if (std::string text = MisplacedOption(given, first); !text.empty()) return text;
+    if (options.clip && options.clipAuto) return "--clip and --clip-auto do not go together";
     if (std::string text = WrongFiles(options, first == nullptr ? kWindow : first->selects); !text.empty()) return text;
     return PixelOutside(options);
 }
@@ -399,6 +428,15 @@ std::string HelpText() {
            "  --zoom Z              magnification, 0.1 to 10: 2 shows half as much (1)\n"
            "  --shadows             cast shadows (draw modes 5 and 6 show no object then)\n"
            "\n"
+           "Clipping of objects, with --screenshot; free points, lines and needles are shown whole:\n"
+           "  --clip CX,CY,CZ,NX,NY,NZ\n"
+           "                        cut off what is behind the plane through the point C with the normal N, in the "
+           "units\n"
+           "                        and axes of --info; the plane itself is not drawn\n"
+           "  --clip-auto           the same by a horizontal plane at a height that is estimated from all files: what "
+           "is\n"
+           "                        above it is shown; with --info print the plane and the rule that gave its height\n"
+           "\n"
            "Without a window:\n"
            "  --gpu N|software      draw with graphics device N, from 0 in the order of EGL, or with the processor; "
            "else\n"
@@ -411,7 +449,7 @@ std::string HelpText() {
            "  --                    what follows are file names\n"
            "\n"
            "Exit status: 0 when every file added what it holds and all that was asked for was written, 1 when not, or\n"
-           "when no --pick hit a surface, 2 for wrong usage.\n";
+           "when no --pick hit a surface or --clip-auto found no height, 2 for wrong usage.\n";
 }
 
 std::string VersionText() { return std::string(kProgramName) + ' ' + kProgramVersion + '\n'; }

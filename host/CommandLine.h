@@ -1,5 +1,7 @@
 // What the user asked for on the command line. Pure parsing: no file is opened and nothing is printed here.
 #pragma once
+#include <array>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -31,6 +33,14 @@ struct PickPixel {
     int x = 0, y = 0;
 };
 
+/// A plane that clips the objects of a picture: what the normal points to is kept.
+struct ClipPlane {
+    /// A point of the plane, world frame, scene units.
+    std::array<float, 3> center{};
+    /// Of any length above 0.
+    std::array<float, 3> normal{};
+};
+
 /// The options of one command line. An option that was not given has the value below.
 struct HostOptions {
     HostAction action = HostAction::Window;
@@ -44,6 +54,11 @@ struct HostOptions {
     float zoom = 1.0f;
     ImportSettings import;
     bool shadows = false;
+    /// Clips the objects of Screenshot by this plane.
+    std::optional<ClipPlane> clip;
+    /// Screenshot clips by a plane that the viewer places at the data; Info prints that plane. Never together with
+    /// clip.
+    bool clipAuto = false;
     /// The pixels of Pick, inside the drawing area, in the order that their results are printed in.
     std::vector<PickPixel> picks;
     /// Files of markers that the window, Screenshot and Capture add to the scene; bytes, as typed, in their order.

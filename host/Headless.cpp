@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -136,6 +137,34 @@ void ShowViewOfMarks(ScenePane& pane, const MarkBox& box, const HostOptions& opt
     pane.Methods().DeletePoints(id);
 }
 
+/// Places the clip plane at the data; it clips there, and is not drawn. Prints a line when no height was found.
+/// @throws what SetClipPlaneEnabled() throws
+ClipReport PlaceClipPlane(ScenePane& pane, std::FILE* err) {
+    pane.Methods().SetClipPlaneEnabled(1);
+    pane.Methods().SetClipPlaneEnabled(0);
+    ClipReport clip = ReportClip(pane);
+    if (!clip.height.found)
+        PrintError(err, "no clip height was found, the plane is at " + NumberText(clip.height.height));
+    return clip;
+}
+
+/// Clips by the plane of the options. After the fit of the view, which moves the plane within its surface.
+/// @return false when no height was found
+/// @throws what SetClipPlaneEnabled() throws
+bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+    if (options.clipAuto) return PlaceClipPlane(pane, err).height.found;
+    if (options.clip) {
+        const auto& [x, y, z] = options.clip->center;
+        const auto& [normalX, normalY, normalZ] = options.clip->normal;
+        pane.Methods().SetClipPlane(x, y, z, normalX, normalY, normalZ);
+        pane.Methods().SetClipPlaneEnabled(0);
+    }
+    return true;
+}
+
+/// What is said of a placement that threw.
+std::string NoPlacement(const std::exception& error) { return std::string("no clip height: ") + error.what(); }
+
 /// Imports the files, fits the view to them and writes the picture that is then taken.
 /// @param showsPoints  the picture shows free points
 /// @param capture      returns the picture; of width 0 when there is none
@@ -159,11 +188,17 @@ int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
         ShowView(*pane, options);
     else
         ShowViewOfMarks(*pane, markers.box, options);
+    bool isPlaced = false;
+    try {
+        isPlaced = ClipObjects(*pane, options, err);
+    } catch (const std::exception& error) {
+        return refuse("not written, " + NoPlacement(error));
+    }
     const KV_ScenePane::Picture picture = capture(*pane);
     if (picture.width == 0) return refuse("not written, the viewer gave no picture");
     std::string reason;
     if (!WritePng(options.picturePath, picture, &reason)) return refuse(reason);
-    return report.failed.empty() && !markers.hasFailed ? kExitGood : kExitFailure;
+    return report.failed.empty() && !markers.hasFailed && isPlaced ? kExitGood : kExitFailure;
 }
 
 /// The surface points under the pixels of the options.
@@ -243,10 +278,18 @@ int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const SceneReport report = ImportFiles(*pane, options, err);
+    SceneReport report = ImportFiles(*pane, options, err);
+    if (options.clipAuto) {
+        try {
+            report.clip = PlaceClipPlane(*pane, err);
+        } catch (const std::exception& error) {
+            PrintError(err, NoPlacement(error));
+        }
+    }
+    const bool isPlaced = !options.clipAuto || (report.clip && report.clip->height.found);
     const int printed = PrintResult(options.json ? ReportJson(report) : ReportText(report), out, err);
     if (printed != kExitGood) return printed;
-    return report.failed.empty() ? kExitGood : kExitFailure;
+    return report.failed.empty() && isPlaced ? kExitGood : kExitFailure;
 }
 
 int RunConvert(const HostOptions& options, std::FILE* err) {

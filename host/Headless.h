@@ -7,14 +7,15 @@
 #include "CommandLine.h"
 
 /// Exit status of a run.
-inline constexpr int kExitGood = 0;        ///< every file added what it holds and all results were written
-inline constexpr int kExitFailure = 1;     ///< a file added nothing, a result could not be written, no pick hit
+inline constexpr int kExitGood = 0;  ///< every file added what it holds and all results were written
+/// A file added nothing, a result could not be written, no pick hit, or no clip height was found.
+inline constexpr int kExitFailure = 1;
 inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 
 // All runs return an exit status and write one line for each failure to err: "scenepane: FILE: REASON".
 
-/// Renders the files and markers into options.picturePath, as a window of that size shows them. Without an object and
-/// without a marker no picture is written.
+/// Renders the files and markers into options.picturePath, as a window of that size shows them, clipped by the plane of
+/// the options. Without an object and without a marker no picture is written, nor when the plane could not be placed.
 [[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
 
 /// Renders the files, lines and needles into options.picturePath, as the viewer's screenshot of a fixed size. Without
@@ -24,7 +25,7 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 /// Prints to @p out what is under the pixels options.picks of the picture that RunScreenshot() takes.
 [[nodiscard]] int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err);
 
-/// Prints the content of the files to @p out.
+/// Prints the content of the files to @p out, and with options.clipAuto the clip plane that fits them.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);
 
 /// Imports the one file of the options and writes its object to options.exportPath.

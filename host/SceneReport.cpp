@@ -95,6 +95,43 @@ std::string TextObject(const ObjectReport& object) {
     return text;
 }
 
+/// Empty for a height that was not found.
+std::string RuleName(const ClipReport& clip) {
+    if (!clip.height.found) return {};
+    switch (clip.height.kind) {
+        case KV_ScenePane::HeightFromAllPoints:
+            return "all points";
+        case KV_ScenePane::HeightFlatSpot:
+            return "flat spot";
+        case KV_ScenePane::HeightCurvedSpot:
+            return "curved spot";
+        case KV_ScenePane::HeightNotDecided:
+            break;
+    }
+    return {};
+}
+
+std::string TextClip(const ClipReport& clip) {
+    const std::string rule = RuleName(clip);
+    std::string text = "clip plane\n";
+    text += "  height         " + NumberText(clip.height.height) + '\n';
+    text += "  rule           " + (rule.empty() ? "none, no height was found" : rule) + '\n';
+    text += "  center        " + TextNumbers(clip.center) + '\n';
+    text += "  normal        " + TextNumbers(clip.normal) + '\n';
+    return text;
+}
+
+// Without blanks, as a pick.
+std::string JsonClip(const ClipReport& clip) {
+    const std::string rule = RuleName(clip);
+    std::string json = std::string("{\"found\":") + (clip.height.found ? "true" : "false");
+    json += ",\"height\":" + JsonNumber(clip.height.height);
+    if (!rule.empty()) json += ",\"rule\":\"" + rule + '"';
+    json += ",\"center\":" + JsonNumbers(clip.center, ",");
+    json += ",\"normal\":" + JsonNumbers(clip.normal, ",");
+    return json + '}';
+}
+
 // Without blanks: one line for a script, however many picks.
 std::string JsonPick(const PickReport& pick) {
     std::string json = "{\"x\":" + std::to_string(pick.x) + ",\"y\":" + std::to_string(pick.y) + ",\"object\":";
@@ -128,10 +165,20 @@ ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std
     return object;
 }
 
+ClipReport ReportClip(KV_ScenePane::ScenePane& pane) {
+    ClipReport clip;
+    clip.height = pane.GetClipHeight();
+    auto& [x, y, z] = clip.center;
+    auto& [normalX, normalY, normalZ] = clip.normal;
+    pane.Methods().GetClipPlane(&x, &y, &z, &normalX, &normalY, &normalZ);
+    return clip;
+}
+
 std::string ReportText(const SceneReport& report) {
     std::string text;
     for (const ObjectReport& object : report.objects) text += TextObject(object);
     for (const FailedFile& failed : report.failed) text += failed.file + "\n  nothing added: " + failed.reason + '\n';
+    if (report.clip) text += TextClip(*report.clip);
     return text;
 }
 
@@ -140,7 +187,8 @@ std::string ReportJson(const SceneReport& report) {
         return "{\"file\": " + JsonString(failed.file) + ", \"reason\": " + JsonString(failed.reason) + '}';
     };
     return "{\"objects\": " + JsonLines(report.objects, JsonObject) +
-           ",\n\"failed\": " + JsonLines(report.failed, failure) + "}\n";
+           ",\n\"failed\": " + JsonLines(report.failed, failure) +
+           (report.clip ? ",\n\"clip\":" + JsonClip(*report.clip) : "") + "}\n";
 }
 
 std::string PickText(const std::vector<PickReport>& picks) {

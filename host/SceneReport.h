@@ -35,10 +35,20 @@ struct FailedFile {
     std::string reason;  ///< one line
 };
 
+/// The clip plane as the viewer placed it at the data.
+struct ClipReport {
+    KV_ScenePane::ClipHeight height;
+    /// World frame, scene units.
+    std::array<float, 3> center{};
+    std::array<float, 3> normal{};
+};
+
 /// The result of one --info run. Every file is in one of the two lists, in the order of the command line.
 struct SceneReport {
     std::vector<ObjectReport> objects;
     std::vector<FailedFile> failed;
+    /// Empty when the run did not place the plane.
+    std::optional<ClipReport> clip = {};
 };
 
 /// The result for one pixel.
@@ -54,10 +64,14 @@ struct PickReport {
 /// Asks the viewer for one object. @param index  must be in its list
 [[nodiscard]] ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file);
 
-/// Text for a reader; ends with a line feed unless there is neither an object nor a failure.
+/// Asks the viewer for its clip plane after a placement.
+[[nodiscard]] ClipReport ReportClip(KV_ScenePane::ScenePane& pane);
+
+/// Text for a reader; ends with a line feed unless it is empty.
 [[nodiscard]] std::string ReportText(const SceneReport& report);
 /// One JSON object in UTF-8, ends with a line feed. Numbers have the digits that are needed to read back the same
 /// float; NaN and infinity are null. Bytes of names that are not UTF-8 become lone surrogates \udc80 to \udcff.
+/// The member "clip" exists only with report.clip, its member "rule" only for a height that was found.
 [[nodiscard]] std::string ReportJson(const SceneReport& report);
 
 /// Text for a reader, in the order of the picks; ends with a line feed.

@@ -180,11 +180,77 @@ TEST(CommandLine, NamesEveryFileTypeInTheHelp) {
     EXPECT_NE(help.find("as the ply, stl or hps file OUT"), std::string::npos);
 }
 
+TEST(CommandLine, ReadsThePlaneOfAScreenshot) {
+    EXPECT_FALSE(Parsed({"--screenshot=o.png", "a.ply"}).clip.has_value());
+    const HostOptions options = Parsed({"--screenshot=o.png", "--clip", "-1.5,2e3,.25,0,-1,1e-20", "a.ply"});
+    ASSERT_TRUE(options.clip.has_value());
+    EXPECT_EQ(options.clip->center, (std::array{-1.5f, 2000.0f, 0.25f}));
+    EXPECT_EQ(options.clip->normal, (std::array{0.0f, -1.0f, 1e-20f}));
+    EXPECT_FALSE(options.clipAuto);
+    const HostOptions again = Parsed({"--clip=1,2,3,4,5,6", "a.ply", "--screenshot=o.png", "--clip=7,8,9,0,0,1"});
+    EXPECT_EQ(again.clip->center, (std::array{7.0f, 8.0f, 9.0f})) << "the last one counts, as for every option";
+}
+
+TEST(CommandLine, ReadsTheLargestAndTheSmallestNumbersOfAPlane) {
+    const HostOptions options = Parsed(
+        {"--screenshot=o.png", "--clip", "3.4028235e38,-3.4028235e+38,1e-45,-1e-50,1e-300,7.038531e-26", "a.ply"});
+    ASSERT_TRUE(options.clip.has_value());
+    EXPECT_EQ(options.clip->center, (std::array{0x1.fffffep+127f, -0x1.fffffep+127f, 0x1p-149f}));
+    EXPECT_EQ(options.clip->normal, (std::array{0.0f, 0.0f, 7.038531e-26f})) << "too small for a float: 0";
+}
+
+TEST(CommandLine, ReadsAPlaneAtTheDataForAScreenshotAndForInfo) {
+    EXPECT_TRUE(Parsed({"--screenshot=o.png", "--clip-auto", "a.ply"}).clipAuto);
+    EXPECT_TRUE(Parsed({"--clip-auto", "--info", "--json", "a.ply", "b.ply"}).clipAuto);
+    EXPECT_FALSE(Parsed({"--info", "a.ply", "--", "--clip-auto"}).clipAuto);
+}
+
+TEST(CommandLine, RejectsWhatIsNoPlaneAndNamesIt) {
+    for (const std::string value : {"",
+                                    "1",
+                                    "0,0,1",
+                                    "1,2,3,4,5",
+                                    "1,2,3,4,5,",
+                                    ",1,2,3,4,5",
+                                    "1,2,3,4,5,6,",
+                                    "1,2,3,4,5,6,7",
+                                    "1,,3,4,5,6",
+                                    "1,2,3,0,0,0",
+                                    "1,2,3,-0,0,0",
+                                    "1,2,3,1e-50,0,0",
+                                    "nan,2,3,4,5,6",
+                                    "1,2,3,4,5,inf",
+                                    "1,-infinity,3,4,5,6",
+                                    "1e39,2,3,4,5,6",
+                                    "1,2,3,4,5,-1e39",
+                                    "1e999,2,3,4,5,6",
+                                    " 1,2,3,4,5,6",
+                                    "1, 2,3,4,5,6",
+                                    "1,2,3,4,5,6 ",
+                                    "1;2;3;4;5;6",
+                                    "1,2,3,4,5,z",
+                                    "1,2,3,4,5,6x",
+                                    "+1,2,3,4,5,6",
+                                    "0x1,2,3,4,5,6",
+                                    "1.5.2,2,3,4,5,6"})
+        EXPECT_EQ(
+            UsageErrorOf({"--screenshot=o.png", "--clip", value, "a.ply"}),
+            "--clip takes CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0, not \"" + value + '"');
+}
+
+TEST(CommandLine, ReadsAPlaneWithDecimalPointsInAnyLocale) {
+    const CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "this machine cannot make a locale";
+    const HostOptions options = Parsed({"--screenshot=o.png", "--clip=1.5,2.5,3.5,4.5,5.5,6.5", "a.ply"});
+    EXPECT_EQ(options.clip->center, (std::array{1.5f, 2.5f, 3.5f}));
+    EXPECT_EQ(options.clip->normal, (std::array{4.5f, 5.5f, 6.5f}));
+}
+
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
     for (const char* const option :
-         {"--screenshot", "--capture", "--size",    "--view", "--draw-mode", "--zoom",    "--skip",
-          "--confidence", "--color",   "--shadows", "--info", "--json",      "--convert", "--gpu",
-          "--help",       "--version", "--verbose", "--pick", "--points",    "--lines",   "--needles"})
+         {"--screenshot", "--capture", "--size",   "--view",  "--draw-mode", "--zoom",  "--skip",      "--confidence",
+          "--color",      "--shadows", "--info",   "--json",  "--convert",   "--gpu",   "--help",      "--version",
+          "--verbose",    "--pick",    "--points", "--lines", "--needles",   "--clip ", "--clip-auto "})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
 
@@ -321,6 +387,28 @@ const WrongUsage kWrongUsages[] = {
     {"PickWithVersion",
      {"--version", "--verbose", "--pick", "1,1", "a.ply"},
      "--version --verbose goes with --gpu only"},
+    {"ClipInTheWindow", {"--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
+    {"ClipOfACapture", {"--capture=a.png", "--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
+    {"ClipOfAPick", {"--pick=1,1", "--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
+    {"ClipWithInfo", {"--info", "--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
+    {"ClipOfAConversion", {"--convert", "--clip=0,0,0,0,0,1", "a.ply", "b.ply"}, "--clip goes with --screenshot only"},
+    {"ClipWithVersion", {"--version", "--verbose", "--clip=0,0,0,0,0,1"}, "--version --verbose goes with --gpu only"},
+    {"ClipAtTheEnd",
+     {"--screenshot=a.png", "a.ply", "--clip"},
+     "--clip needs a value: CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0"},
+    {"ClipAutoInTheWindow", {"--clip-auto", "a.ply"}, "--clip-auto goes with --screenshot and --info only"},
+    {"ClipAutoOfACapture",
+     {"--capture=a.png", "--clip-auto", "a.ply"},
+     "--clip-auto goes with --screenshot and --info only"},
+    {"ClipAutoOfAPick", {"--pick=1,1", "--clip-auto", "a.ply"}, "--clip-auto goes with --screenshot and --info only"},
+    {"ClipAutoOfAConversion",
+     {"--convert", "--clip-auto", "a.ply", "b.ply"},
+     "--clip-auto goes with --screenshot and --info only"},
+    {"ClipAutoWithAValue", {"--screenshot=a.png", "--clip-auto=1", "a.ply"}, "--clip-auto takes no value"},
+    {"ClipAndClipAuto",
+     {"--screenshot=a.png", "--clip-auto", "--clip=0,0,0,0,0,1", "a.ply"},
+     "--clip and --clip-auto do not go together"},
+    {"ClipAutoWithoutFile", {"--info", "--clip-auto"}, "--info needs at least one file"},
     {"LinesWithInfo", {"--info", "--lines=a.txt", "a.ply"}, "--lines has no meaning with --info"},
     {"NeedlesWithConvert", {"--convert", "--needles=a", "a.ply", "b.ply"}, "--needles has no meaning with --convert"},
     {"PointsWithoutName", {"--points", "", "a.ply"}, "--points takes a file name, not \"\""},

@@ -42,6 +42,50 @@ TEST(SceneReportJson, OfAnEmptySceneIsTwoEmptyLists) {
     EXPECT_EQ(ReportJson({}), "{\"objects\": [],\n\"failed\": []}\n");
 }
 
+SceneReport WithPlane(bool found, float height, KV_ScenePane::ClipHeightKind kind) {
+    SceneReport report;
+    report.clip = ClipReport{{found, height, kind}, {0.5f, -0.1f, height}, {0, 0, 1}};
+    return report;
+}
+
+TEST(SceneReportJson, HasThePlaneThatWasPlacedAndTheRuleThatGaveItsHeight) {
+    using namespace KV_ScenePane;
+    for (const auto& [kind, rule] : {std::pair{HeightFromAllPoints, "all points"},
+                                     {HeightFlatSpot, "flat spot"},
+                                     {HeightCurvedSpot, "curved spot"}})
+        EXPECT_EQ(ReportJson(WithPlane(true, 2.25f, kind)),
+                  std::string("{\"objects\": [],\n\"failed\": [],\n"
+                              "\"clip\":{\"found\":true,\"height\":2.25,\"rule\":\"") +
+                      rule + "\",\"center\":[0.5,-0.1,2.25],\"normal\":[0,0,1]}}\n");
+}
+
+TEST(SceneReportJson, HasNoRuleForAHeightThatWasNotFound) {
+    using namespace KV_ScenePane;
+    for (const ClipHeightKind kind : {HeightNotDecided, HeightFlatSpot})
+        EXPECT_EQ(ReportJson(WithPlane(false, -20, kind)),
+                  "{\"objects\": [],\n\"failed\": [],\n"
+                  "\"clip\":{\"found\":false,\"height\":-20,\"center\":[0.5,-0.1,-20],\"normal\":[0,0,1]}}\n");
+}
+
+TEST(SceneReportText, EndsWithThePlane) {
+    SceneReport report = WithPlane(true, 2.25f, KV_ScenePane::HeightCurvedSpot);
+    report.failed = {{"b.pax", "cut short"}};
+    EXPECT_EQ(ReportText(report),
+              "b.pax\n"
+              "  nothing added: cut short\n"
+              "clip plane\n"
+              "  height         2.25\n"
+              "  rule           curved spot\n"
+              "  center         0.5 -0.1 2.25\n"
+              "  normal         0 0 1\n");
+    EXPECT_EQ(ReportText(WithPlane(false, -20, KV_ScenePane::HeightNotDecided)),
+              "clip plane\n"
+              "  height         -20\n"
+              "  rule           none, no height was found\n"
+              "  center         0.5 -0.1 -20\n"
+              "  normal         0 0 1\n");
+}
+
 TEST(SceneReportJson, WritesNanAndInfinityAsNull) {
     ObjectReport object = Sample();
     constexpr float inf = std::numeric_limits<float>::infinity();

@@ -130,6 +130,41 @@ scenepane: bad.txt: line 2: 2 numbers, not x y z as in the lines before' \
     --screenshot markers.png --size 40x30 --points none.xyz --lines bad.txt --lines lines.txt
 [ -s markers.png ] || fail 'the picture of the good file is missing'
 expect 2 'scenepane: --lines has no meaning with --pick (see scenepane --help)' --pick 1,1 --lines lines.txt steps.ply
+# Clipping. One rectangle at the height 0, one at 3, four vertices each: the plane is at their mean.
+expect 0 '' --screenshot whole.png --size 40x30 steps.ply
+expect 0 '' --screenshot clipped.png --size 40x30 --clip 0,0,1,0,0,1 steps.ply
+cmp -s whole.png clipped.png && fail 'the plane clipped nothing'
+expect 0 '' --screenshot auto.png --size 40x30 --clip-auto steps.ply
+cmp -s clipped.png auto.png || fail 'the plane at the data is not between the rectangles'
+expect 0 '' --info --clip-auto --json steps.ply
+holds '"clip":{"found":true,"height":1.5,"rule":"all points","center":[3,1,1.5],"normal":[0,0,1]}}'
+expect 0 '' --info --clip-auto steps.ply
+[ "$(tail -n 5 out.txt)" = 'clip plane
+  height         1.5
+  rule           all points
+  center         3 1 1.5
+  normal         0 0 1' ] || fail "the text does not end with the plane:
+$(cat out.txt)"
+no_height='scenepane: no clip height was found, the plane is at -20'
+expect 1 "scenepane: none.ply: No such file or directory
+$no_height" --info --clip-auto --json none.ply
+holds '"clip":{"found":false,"height":-20,"center":[0,0,-20],"normal":[0,0,1]}}'
+rm -f lines.png
+expect 1 "$no_height" --screenshot lines.png --size 40x30 --clip-auto --lines lines.txt
+[ -s lines.png ] || fail 'the picture with the plane at -20 is missing'
+# All vertices at one height: the library refuses the estimate.
+refusal='no clip height: an invalid argument was passed to an interface method'
+expect 1 "scenepane: $refusal" --info --clip-auto mesh.ply
+holds '  triangles      1'
+echo older >kept.png
+expect 1 "scenepane: kept.png: not written, $refusal" --screenshot kept.png --clip-auto mesh.ply
+[ "$(cat kept.png)" = older ] || fail 'a picture without the plane replaced an older one'
+expect 2 'scenepane: --clip takes CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0, not "0,0,1e39,0,0,1" (see scenepane --help)' \
+    --screenshot clipped.png --clip 0,0,1e39,0,0,1 steps.ply
+expect 2 'scenepane: --clip goes with --screenshot only (see scenepane --help)' --capture a.png --clip 0,0,1,0,0,1 steps.ply
+expect 2 'scenepane: --clip-auto goes with --screenshot and --info only (see scenepane --help)' --clip-auto steps.ply
+expect 2 'scenepane: --clip and --clip-auto do not go together (see scenepane --help)' \
+    --screenshot a.png --clip 0,0,1,0,0,1 --clip-auto steps.ply
 for to in stl hps ply; do
     expect 0 '' --convert mesh.ply "out.$to"
     expect 0 '' --info --json "out.$to"
@@ -166,6 +201,7 @@ full --version
 full --version --verbose
 full --info square.xdt
 full --info --json square.xdt
+full --info --clip-auto steps.ply
 full --pick 250,350 --size 700x700 steps.ply
 full --pick 250,350 --size 700x700 --json steps.ply
 "$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
