@@ -42,6 +42,17 @@ void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_
 
 // ---- the objects, by draw mode
 
+/// Whether the objects are clipped by GL_CLIP_PLANE0. It is undefined for a vertex shader that does not write
+/// gl_ClipVertex: Mesa then tests positions in clip coordinates against the plane in eye coordinates, and shows all or
+/// nothing. So it is off for the shadow program, which discards instead, and for the passes of the shadow map.
+bool ClipsByOpenGl(const CKV_ScenePaneCtrl& control) {
+    if (control.m_bClipPlaneActive == 0) return false;
+    if (control.m_bShadowEnabled != 0 || control.m_nDrawMode == KV_ScenePane::DrawModeShadowMap) return false;
+    // While the plane is dragged the objects are shown unclipped.
+    const std::int32_t interaction = control.m_nInteractionMode;
+    return interaction != ModePlaneHandle && interaction != ModePlaneRotate && interaction != ModePlaneMove;
+}
+
 /// Fills the window with the depths of the shadow map as shades of grey, for diagnosis.
 void DrawShadowMapView(CKV_ScenePaneCtrl& control) {
     float projection[16], modelView[16];  // not needed: the quad is in clip coordinates
@@ -82,8 +93,6 @@ void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
     glUniformMatrix4fv(uniform("shadowProjection"), 1, GL_FALSE, projection);
     glUniformMatrix4fv(uniform("shadowModelView"), 1, GL_FALSE, modelView);
     glUniform3fv(uniform("shadowColor"), 1, control.m_fShadowColor.data());
-    // User clip planes are undefined with a vertex shader that writes no clip distance: the fragment shader discards
-    // what is clipped.
     glUniform1i(uniform("clipPlane0Enabled"), control.m_bClipPlaneActive != 0 ? 1 : 0);
     const std::array<double, 4> plane = control.m_clipPlane.GetEquation();
     glUniform4f(uniform("clipPlaneEquation0"), static_cast<float>(plane[0]), static_cast<float>(plane[1]),
@@ -136,11 +145,7 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
     control.DrawBackground();
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
-    // While the clip plane is dragged the objects are shown unclipped.
-    const std::int32_t interaction = control.m_nInteractionMode;
-    const bool planeIsDragged =
-        interaction == ModePlaneHandle || interaction == ModePlaneRotate || interaction == ModePlaneMove;
-    if (control.m_bClipPlaneActive != 0 && !planeIsDragged) control.m_clipPlane.EnableClipping();
+    if (ClipsByOpenGl(control)) control.m_clipPlane.EnableClipping();
 
     for (const auto& mesh : control.m_vpMeshes) mesh->SetPointSize(control.m_fPointCloudSize * control.m_fScale);
     // The shadow map is drawn in place of the objects; shadows win over every other mode.
@@ -154,6 +159,7 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
         DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
     Plane::DisableClipping();
 
+    const std::int32_t interaction = control.m_nInteractionMode;
     const bool lassoIsDrawn = interaction == ModeLasso || interaction == ModeMaskLasso;
     if (control.m_bClipPlaneVisible != 0 && !lassoIsDrawn) {
         glPushAttrib(GL_DEPTH_BUFFER_BIT);

@@ -47,12 +47,13 @@ float highlight() {
 )";
 
 // Mode per pixel: the colour of a fragment is the vertex colour or the texture, times the light colour that carries the
-// tint of the object.
+// tint of the object. gl_ClipVertex is what GL_CLIP_PLANE0 clips: without it the result is undefined.
 const std::string kPerPixelVertexMain = R"(
 out vec4 mesh_color;
 
 void main() {
     light_vertex();
+    gl_ClipVertex = vec4(epos, 1.0);
     mesh_color = gl_Color;
 }
 )";
@@ -62,6 +63,7 @@ out vec2 uvCoords;
 
 void main() {
     light_vertex();
+    gl_ClipVertex = vec4(epos, 1.0);
     uvCoords = gl_MultiTexCoord0.st;
 }
 )";
@@ -107,8 +109,7 @@ out float clipDistance0;
 void clip_vertex() { clipDistance0 = dot(clipPlaneEquation0, gl_Vertex); }
 )";
 
-// The programs discard what is clipped: with a vertex shader that writes no clip distance, user clip planes are
-// undefined.
+// The programs discard what is clipped: they write no gl_ClipVertex, without which GL_CLIP_PLANE0 is undefined.
 const std::string kClipFragment = R"(
 uniform int clipPlane0Enabled = 0;
 in float clipDistance0;

@@ -1,0 +1,2 @@
+// The methods of the clip plane.
+#include <gtest/gtest.h>
