@@ -11,6 +11,7 @@
 #include <new>
 
 #include "AnimationPanel.h"
+#include "ClipPanel.h"
 #include "DecorationPanel.h"
 #include "ImportJob.h"
 #include "LogoPanel.h"
@@ -53,6 +54,8 @@ MainWindow::~MainWindow() {
     m_pDecorations->SetViewer(nullptr);
     m_pLogo->SetViewer(nullptr);
     m_pNeedles->SetViewer(nullptr);
+    m_pClip->SetViewer(nullptr);
+    StoreClipIfChanged();
     delete m_pViewer;  // now: what it writes while it closes still goes to the message pane
     m_pRouter.reset();
 }
@@ -78,6 +81,7 @@ void MainWindow::MakeCentre() {
     connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::OnViewerReady, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::KeyPressed, this, &MainWindow::RunShortcut, Qt::QueuedConnection);
+    connect(m_pViewer, &ViewerWidget::Failed, this, &MainWindow::ReportViewerFailure);
     // At once: neither an import nor a panel may call a viewer that is gone.
     connect(m_pViewer, &ViewerWidget::AboutToClose, this, &MainWindow::StopImport);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::PassViewerToPanels);
@@ -134,6 +138,7 @@ void MainWindow::ClearScene() {
     ClearPickPoints();
     ForgetPicks();
     ShowView(m_options.view);  // ClearData() resets the view
+    m_pClip->FollowScene();
 }
 
 void MainWindow::ShowView(KV_ScenePane::ViewMode mode) {
@@ -215,6 +220,7 @@ void MainWindow::DeleteObject(int index) {
     Pane()->Methods().PerformInvalidate();
     m_pObjects->RemoveObject(index);
     FollowDeletedObject(index);
+    m_pClip->FollowScene();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

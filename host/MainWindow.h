@@ -14,8 +14,10 @@
 #include "KV_ScenePane/ScenePane.h"
 #include "PickPanel.h"
 #include "PointsJob.h"
+#include "Settings.h"
 
 class AnimationPanel;
+class ClipPanel;
 class DecorationPanel;
 class EventPane;
 class ImportJob;
@@ -30,6 +32,7 @@ class QLabel;
 class QMenu;
 class QProgressDialog;
 class QStackedWidget;
+class QTimer;
 class ViewerWidget;
 struct NeedleMark;
 
@@ -72,6 +75,7 @@ public:
     [[nodiscard]] LogoPanel& Logo() const { return *m_pLogo; }
     [[nodiscard]] NeedlePanel& Needles() const { return *m_pNeedles; }
     [[nodiscard]] MarkerPanel& Markers() const { return *m_pMarkers; }
+    [[nodiscard]] ClipPanel& Clip() const { return *m_pClip; }
 
 signals:
     /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
@@ -182,6 +186,19 @@ private:
     void ChooseNeedleCreation(bool on);
     /// Asks about needles that are not saved. @return whether the window can be closed
     bool AskAboutNeedles();
+
+    // ---- MainWindowClip.cpp
+    /// The panel of the clip plane and its connections.
+    void MakeClipPanel();
+    void MakeClipMenu(QMenu& menu);
+    /// Menu, status bar and settings follow the panel.
+    void FollowClip();
+    /// Writes the clip plane to the settings, if it has changed.
+    void StoreClipIfChanged();
+    /// A message, also in the status bar.
+    void ReportClip(const QString& text);
+    /// The viewer threw: an input was not finished, and its repaint may be missing.
+    void ReportViewerFailure(const QString& reason);
 
     // ---- MainWindowInput.cpp
     /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
@@ -311,6 +328,11 @@ private:
     NeedlePanel* m_pNeedles = nullptr;
     MarkerPanel* m_pMarkers = nullptr;
     PickPanel* m_pPicks = nullptr;
+    ClipPanel* m_pClip = nullptr;
+    QAction *m_pClipOn = nullptr, *m_pClipShown = nullptr;
+    QLabel* m_pClipState = nullptr;          // in the status bar while objects are clipped
+    ClipSettings m_storedClip;               // what the settings hold
+    QTimer* m_pClipStorage = nullptr;        // runs while they are older than the panel
     QLabel* m_pLastPick = nullptr;           // in the status bar
     QPointer<QMenu> m_pPickMenu;             // the one that is open; null without one
     QAction* m_pCopyDistance = nullptr;      // enabled after two picks

@@ -90,6 +90,7 @@ void MainWindow::MakeViewMenu() {
     AddSwitch(*menu, tr("&Shadows"), m_options.shadows, [this](bool on) {
         ShowShadows(on);
     })->setShortcut(QKeySequence(Qt::Key_S));
+    MakeClipMenu(*menu->addMenu(tr("C&lip plane")));
     menu->addSeparator();
     MakeInputMenus(*menu);
     menu->addSeparator();

@@ -3,6 +3,7 @@
 #include <QMenu>
 
 #include "AnimationPanel.h"
+#include "ClipPanel.h"
 #include "DecorationPanel.h"
 #include "EventPane.h"
 #include "LogoPanel.h"
@@ -50,6 +51,7 @@ void MainWindow::MakeDocks() {
     connect(m_pViewer, &ViewerWidget::Handled, m_pAnimation, &AnimationPanel::Check);
 
     MakePickPanel();
+    MakeClipPanel();
 
     AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
     QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
@@ -59,6 +61,7 @@ void MainWindow::MakeDocks() {
     tabifyDockWidget(decorations, AddDock(tr("Points and lines"), "markers", m_pMarkers, Qt::RightDockWidgetArea));
     tabifyDockWidget(decorations, AddDock(tr("Picks"), "picks", m_pPicks, Qt::RightDockWidgetArea));
     tabifyDockWidget(decorations, AddDock(tr("Needles"), "needles", m_pNeedles, Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Clip plane"), "clip", m_pClip, Qt::RightDockWidgetArea));
     decorations->raise();
     AddDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
     AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
@@ -70,6 +73,7 @@ void MainWindow::PassViewerToPanels() {
     m_pLogo->SetViewer(methods);
     m_pAnimation->SetViewer(methods);
     m_pNeedles->SetViewer(methods);
+    m_pClip->SetViewer(Pane());
     m_pEvents->setEnabled(methods != nullptr);
     m_pPicks->setEnabled(methods != nullptr);
     if (methods == nullptr) ForgetPicks();

@@ -21,6 +21,7 @@
 #include <utility>
 
 #include "ColorButton.h"
+#include "NumberBox.h"
 #include "PaintBlock.h"
 
 namespace {
@@ -28,15 +29,6 @@ namespace {
 constexpr double kMaxSize = 1e6;  // scene units
 constexpr int kSizeDecimals = 6;
 constexpr double kStartDiagonal = 100;  // of a scene that the viewer's first sizes suit
-
-/// Shows a size with as many digits as it has, not with all decimals.
-class SizeBox : public QDoubleSpinBox {
-public:
-    using QDoubleSpinBox::QDoubleSpinBox;
-    [[nodiscard]] QString textFromValue(double value) const override {
-        return locale().toString(value, 'f', QLocale::FloatingPointShortest).remove(locale().groupSeparator());
-    }
-};
 
 /// Reports a number that is too low: the box itself returns to the former one without a word.
 class LimitBox : public QSpinBox {
@@ -123,7 +115,7 @@ void NeedlePanel::MakeSwitches() {
 
 QDoubleSpinBox* NeedlePanel::MakeSize(const QString& name, const QString& title, const QString& tip,
                                       float NeedleLook::*size) {
-    auto* const box = new SizeBox;
+    auto* const box = new NumberBox;
     box->setObjectName(name);
     box->setAccessibleName(title);
     box->setToolTip(tip);

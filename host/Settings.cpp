@@ -2,13 +2,86 @@
 #include "Settings.h"
 
 #include <QSettings>
+#include <QStringList>
+#include <algorithm>
+#include <cmath>
+#include <optional>
 
 namespace {
+
 constexpr const char* kSmoothEdges = "view/smoothEdges";
 
+// The numbers of a plane are one value: a part of another plane would be a plane that nobody has set.
+constexpr const char* kClipOn = "clip/on";
+constexpr const char* kClipShown = "clip/shown";
+constexpr const char* kClipMoved = "clip/moved";
+constexpr const char* kClipPlane = "clip/plane";  // centre, normal
+constexpr const char* kClipColor = "clip/color";
+constexpr const char* kClipHandleColor = "clip/handleColor";
+constexpr const char* kClipOutlineColor = "clip/outlineColor";
+
 QSettings Stored() { return QSettings("scenepane", "scenepane"); }
+
+/// Qt itself reads every text but a few as true.
+bool ReadBool(const QSettings& stored, const char* key, bool otherwise) {
+    const QString text = stored.value(key).toString();
+    if (text == "true") return true;
+    return text == "false" ? false : otherwise;
+}
+
+std::int32_t ReadColor(const QSettings& stored, const char* key, std::int32_t otherwise) {
+    bool isNumber = false;
+    const int color = stored.value(key).toInt(&isNumber);
+    return isNumber && color >= 0 && color <= 0xFFFFFF ? color : otherwise;
+}
+
+/// Centre, then normal; nothing unless all six numbers are a plane that the pane can show.
+std::optional<std::array<float, 6>> ReadPlane(const QSettings& stored) {
+    const QStringList texts = stored.value(kClipPlane).toStringList();
+    std::array<float, 6> plane{};
+    if (texts.size() != static_cast<qsizetype>(plane.size())) return std::nullopt;
+    for (std::size_t i = 0; i < plane.size(); ++i) {
+        bool isNumber = false;
+        plane[i] = texts[static_cast<qsizetype>(i)].toFloat(&isNumber);  // out of the range of a float: no number
+        if (!isNumber || !(std::abs(plane[i]) <= kMaxClipCoordinate)) return std::nullopt;
+    }
+    const bool hasDirection = std::any_of(plane.begin() + 3, plane.end(), [](float part) { return part != 0.0f; });
+    return hasDirection ? std::optional(plane) : std::nullopt;
+}
+
 }  // namespace
 
 bool HasSmoothEdges() { return Stored().value(kSmoothEdges, true).toBool(); }
 
 void SetSmoothEdges(bool on) { Stored().setValue(kSmoothEdges, on); }
+
+ClipSettings StoredClip() {
+    const QSettings stored = Stored();
+    ClipSettings clip;
+    clip.on = ReadBool(stored, kClipOn, clip.on);
+    clip.shown = ReadBool(stored, kClipShown, clip.shown);
+    if (const auto plane = ReadPlane(stored)) {
+        std::copy_n(plane->begin(), 3, clip.center.begin());
+        std::copy_n(plane->begin() + 3, 3, clip.normal.begin());
+        clip.moved = ReadBool(stored, kClipMoved, clip.moved);
+    }
+    clip.color = ReadColor(stored, kClipColor, clip.color);
+    clip.handleColor = ReadColor(stored, kClipHandleColor, clip.handleColor);
+    clip.outlineColor = ReadColor(stored, kClipOutlineColor, clip.outlineColor);
+    return clip;
+}
+
+void StoreClip(const ClipSettings& clip) {
+    QSettings stored = Stored();
+    stored.setValue(kClipOn, clip.on);
+    stored.setValue(kClipShown, clip.shown);
+    stored.setValue(kClipMoved, clip.moved);
+    QStringList plane;
+    for (const auto& part : {clip.center, clip.normal}) {
+        for (const float value : part) plane << QString::number(value, 'g', 9);  // reads back as the same float
+    }
+    stored.setValue(kClipPlane, plane);
+    stored.setValue(kClipColor, clip.color);
+    stored.setValue(kClipHandleColor, clip.handleColor);
+    stored.setValue(kClipOutlineColor, clip.outlineColor);
+}

@@ -1,5 +1,7 @@
 // What the window remembers from one start to the next, in the user's configuration folder.
 #pragma once
+#include <array>
+#include <cstdint>
 
 /// Samples per pixel of a window with smooth edges.
 inline constexpr int kSmoothSamples = 4;
@@ -8,3 +10,27 @@ inline constexpr int kSmoothSamples = 4;
 [[nodiscard]] bool HasSmoothEdges();
 /// For the windows of later starts: the samples of a viewer are fixed when it is made.
 void SetSmoothEdges(bool on);
+
+/// The clip plane of the window. The first values are those of a first start.
+struct ClipSettings {
+    /// Objects are clipped.
+    bool on = false;
+    /// The plane is drawn while it clips, and the mouse can move it.
+    bool shown = true;
+    /// The user has moved the plane. One that nobody moved is placed at the data when clipping is switched on.
+    bool moved = false;
+    /// A point of the plane and the direction that is kept; scene units, world frame. The normal is not 0.
+    std::array<float, 3> center{0, 0, 10}, normal{0, 0, 1};
+    // 0x00BBGGRR. The viewer's own colours are black, which hides the handles on a dark background. Teal differs from
+    // that background and from the colours of scans, yellow handles from both, and none is the colour of an axis.
+    std::int32_t color = 0xC8A000, handleColor = 0x00E0FF, outlineColor = 0xFFFFFF;
+
+    friend bool operator==(const ClipSettings&, const ClipSettings&) = default;
+};
+
+/// Greatest coordinate of a plane, in both directions: what its fields can show.
+inline constexpr float kMaxClipCoordinate = 1e7f;
+
+/// What was stored last. Values that are missing or not valid are those of a first start; a plane is valid as a whole.
+[[nodiscard]] ClipSettings StoredClip();
+void StoreClip(const ClipSettings& clip);

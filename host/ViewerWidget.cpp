@@ -12,6 +12,20 @@
 #include <cmath>
 #include <utility>
 
+#include "CaughtError.h"
+
+namespace {
+
+using KV_ScenePane::MouseInput;
+
+/// Whether the viewer may place its clip plane at the data by this.
+bool AsksForClipPlacement(const MouseInput& input) {
+    const bool isItsButton = input.kind == MouseInput::Kind::DoubleClick || input.kind == MouseInput::Kind::MiddleDown;
+    return isItsButton && (input.flags & KV_ScenePane::kMouseCtrl) != 0;
+}
+
+}  // namespace
+
 ViewerWidget::ViewerWidget(QSize wantedSize, int samples, QWidget* parent)
     : QWidget(parent), m_wantedSize(wantedSize), m_nSamples(samples) {
     // A native window for the viewer to be a child of, but none for the ancestors of the widget.
@@ -101,12 +115,13 @@ void ViewerWidget::Open() {
         return;
     }
     m_pPane->Connect(this);
-    m_pPane->SetMouseFilter([this](const KV_ScenePane::MouseInput& input) {
+    m_pPane->SetMouseFilter([this](const MouseInput& input) {
         constexpr double kClickSlack = 3.0;  // pixels of a screen of plain density
         if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
             emit RightClicked(*pixel);
         // A double click comes as another kind of input, and may come before the pick of a press that is delayed.
-        if (input.kind == KV_ScenePane::MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
+        if (input.kind == MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
+        if (AsksForClipPlacement(input)) emit ClipPlacementAsked();
         return false;  // it only watches: the right button drags the view
     });
     m_pRegistry = std::make_unique<RegistryStart>(m_pPane->Methods());
@@ -130,7 +145,15 @@ void ViewerWidget::Close() {
 }
 
 void ViewerWidget::HandleEvents() {
-    m_pPane->ProcessEvents();
+    std::string failure;
+    try {
+        m_pPane->ProcessEvents();
+    } catch (...) {  // no exception may pass through Qt
+        failure = TextOfCaughtError();
+    }
+    // Once: the viewer stays readable after an exception, and a frame that fails would fail in each call.
+    if (std::exchange(m_strFailure, failure) != failure && !failure.empty())
+        emit Failed(QString::fromStdString(failure));
     if (!m_pPane) return;  // closed inside the call
     // The query costs a round trip to the X server: only when a modifier is remembered.
     if (m_held.AreRemembered()) m_held.Settle(QGuiApplication::queryKeyboardModifiers());

@@ -53,6 +53,12 @@ signals:
     /// The right button was clicked: pressed and released at one place. Emitted before the viewer handles the release,
     /// so a menu must be shown later. @param pixel  of the drawing area of the viewer
     void RightClicked(QPoint pixel);
+    /// An input by which the viewer places a visible clip plane at the data: a double click with Ctrl, or with Ctrl a
+    /// press of the middle button. Emitted before the viewer handles it, which may be in a later call.
+    void ClipPlacementAsked();
+    /// The viewer threw an exception while it handled an input or drew a frame; the former was not finished.
+    /// @param reason  one line
+    void Failed(const QString& reason);
     /// The viewer has handled its pending events; input may have changed its state.
     void Handled();
 
@@ -92,6 +98,7 @@ private:
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
     HeldModifiers m_held;
     RightClickWatch m_rightClicks;
+    std::string m_strFailure;        // of the last ProcessEvents(); empty when it threw nothing
     bool m_bPressHasPicked = false;  // the last press of the left button, or the double click that it began
     std::string m_strMessages;       // shown by the viewer while it was created: the reason of a refusal
     std::unique_ptr<KV_ScenePane::ScenePane> m_pPane;
