@@ -1,10 +1,9 @@
-// Sums of weighted samples in bins. A position t counts bins from the centre of the first one: the centre of bin j is
-// at t = j.
+// Sums of weighted samples in bins. A position counts bins from half a bin below the range: the centre of bin j is at
+// j + 1, so that the integer part of a position is the number of centres up to it.
 #include "HeightHistogram.h"
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <deque>
 #include <limits>
 
@@ -12,22 +11,35 @@ namespace KvComponents {
 
 namespace {
 
-/// A weight is below 2^62 in the unit of its group, so that 2^60 samples fit into 2^127.
-constexpr int kWeightBits = 62;
-constexpr double kMaxShare = 0x1p62;
+/// A weight is below 2^46 in the unit of its group. The differences are summed up after 2^16 samples, before a bin can
+/// have 2^63 units.
+constexpr int kWeightBits = 46;
+constexpr std::int32_t kSamplesToSettle = 1 << 16;
 
 /// 2^exponent, for exponents of normal numbers.
 double PowerOfTwo(int exponent) { return std::bit_cast<double>(static_cast<std::uint64_t>(1023 + exponent) << 52); }
 
-/// The nearest integer, for 0 to 2^62; more, which only shares that are not used can be, counts as 2^62.
-std::uint64_t Rounded(double share) {
-    return static_cast<std::uint64_t>(std::int64_t(std::min(share, kMaxShare) + 0.5));
+// Doubles from 2^52 to 2^53 are integers: adding 1.5 * 2^52 rounds to the nearest integer, which is then in the last
+// bits. This is faster than a conversion, and defined for every number.
+constexpr double kRounding = 0x1.8p52;
+
+/// The nearest integer, for -2^51 to 2^51; any number for others.
+std::uint64_t Rounded(double number) {
+    return std::bit_cast<std::uint64_t>(number + kRounding) - std::bit_cast<std::uint64_t>(kRounding);
 }
+
+/// The number of bin centres up to a position that is not negative. A centre that is at the position counts or not.
+struct Centres {
+    explicit Centres(double position)
+        : number(position - 0.5 + kRounding - kRounding), index(static_cast<std::int64_t>(Rounded(position - 0.5))) {}
+    double number;
+    std::int64_t index;  ///< of the bin after them
+};
 
 }  // namespace
 
 HeightHistogram::HeightHistogram(float low, float high, std::int32_t bins)
-    : m_fLow(low), m_fHigh(high), m_fBinsPerUnit(bins / (double{high} - double{low})), m_iBins(bins) {
+    : m_fLow(low), m_fHigh(high), m_fHighEdge(bins + 0.5), m_fBinsPerUnit(bins / (double{high} - double{low})) {
     m_values.resize(static_cast<std::size_t>(bins));
 }
 
@@ -35,47 +47,59 @@ void HeightHistogram::Add(float value, float spread, float weight) {
     if (!(weight > 0.0f && value >= m_fLow && value <= m_fHigh)) return;
 
     // The group of the weight, and the number of its units in the weight.
-    const int group = static_cast<int>(std::bit_cast<std::uint32_t>(weight) >> 23) / kExponentsPerGroup;
-    Differences& differences = m_groups[static_cast<std::size_t>(group)];
-    if (differences.empty()) differences.resize(static_cast<std::size_t>(m_iBins) + 1);
-    const double units = weight * PowerOfTwo(kWeightBits + 127 - kExponentsPerGroup * (group + 1));
-
-    // The bins first..peak are on the rising line, peak + 1..last on the falling one. Either may be without bins.
-    const double t = (value - m_fLow) * m_fBinsPerUnit - 0.5;
-    const double reach = spread * m_fBinsPerUnit;
-    const double left = std::max(t - reach, 0.0), right = std::min(t + reach, m_iBins - 1.0);
-    std::int32_t first = static_cast<std::int32_t>(left);
-    first += first < left;
-    std::int32_t peak = static_cast<std::int32_t>(t);
-    peak -= t < 0.0;
-    std::int32_t last = static_cast<std::int32_t>(right);
-    last -= right < 0.0;
-
-    // Heights of the triangle of slope 1 at the outer bins, and the sum of its heights at all bins.
-    double atFirst = std::max(reach - (t - first), 0.0), atLast = std::max(reach - (last - t), 0.0);
-    const double rising = peak - first + 1, falling = last - peak;
-    double sum = rising * (atFirst + 0.5 * (rising - 1.0)) + falling * (atLast + 0.5 * (falling - 1.0));
-    if (!(sum > 0.0)) {  // no centre within the kernel: one bin, on a rising line of that bin alone
-        first = peak = last = std::min(static_cast<std::int32_t>(t + 0.5), m_iBins - 1);
-        atFirst = sum = 1.0;
-    }
-    const double unit = units / sum;
-    const std::uint64_t slope = Rounded(unit);
-    const Wide risingConstant = Wide{Rounded(unit * atFirst)} - Wide{slope} * static_cast<std::uint32_t>(first);
-    const Wide fallingConstant = Wide{Rounded(unit * atLast)} + Wide{slope} * static_cast<std::uint32_t>(last);
-
-    Line& start = differences[static_cast<std::size_t>(first)];
-    start.constant += risingConstant;
-    start.slope += slope;
-    Line& turn = differences[static_cast<std::size_t>(peak + 1)];
-    turn.constant += fallingConstant - risingConstant;
-    turn.slope -= Wide{slope} * 2;
-    Line& end = differences[static_cast<std::size_t>(last + 1)];
-    end.constant -= fallingConstant;
-    end.slope += slope;
-
+    const auto number = static_cast<int>(std::bit_cast<std::uint32_t>(weight) >> 23) / kExponentsPerGroup;
+    Group& group = m_groups[static_cast<std::size_t>(number)];
+    if (group.newest == kSamplesToSettle || group.differences.empty()) Settle(group);
+    const double units = weight * PowerOfTwo(kWeightBits + 127 - kExponentsPerGroup * (number + 1));
+    ++group.newest;
     AddToMoments(value, weight);
     m_bValuesAreOld = true;
+
+    // The bins first.. are on the rising line, turn.. on the falling one, up to end. Either line may have no bins. It
+    // does not matter where a centre counts that is at an end: at the outer ones it has a height of 0, and at the top
+    // it is on both lines.
+    const double position = (value - m_fLow) * m_fBinsPerUnit + m_fLowEdge;
+    const double reach = spread * m_fBinsPerUnit;
+    const double left = position - reach, right = position + reach;
+    const Centres first(std::max(left, m_fLowEdge)), turn(position), end(std::min(right, m_fHighEdge));
+
+    // Heights of the triangle of slope 1 at the outer bins, and twice the sum of its heights at all bins: for each line
+    // the number of bins times the sum of the heights at its ends.
+    const double atFirst = first.number + 1.0 - left, atLast = right - end.number;
+    const double twiceSum = (turn.number - first.number) * (turn.number + 1.0 + first.number - 2.0 * left) +
+                            (end.number - turn.number) * (2.0 * right - (turn.number + 1.0 + end.number));
+    Line* const differences = group.differences.data();
+    if (!(twiceSum > 0.0)) {  // no centre is within the kernel
+        const auto own = static_cast<std::int64_t>(std::min(position - 0.5, m_fHighEdge - 1.5));
+        const Line constant{Rounded(units), 0};
+        differences[own] += constant;
+        differences[own + 1] -= constant;
+        return;
+    }
+
+    // A line of no bins is subtracted where it is added, and the slope of a line of one bin does not matter: there the
+    // integers may be anything.
+    const double unit = 2.0 * units / twiceSum;
+    const std::uint64_t slope = Rounded(unit);
+    const Line rising{Rounded(unit * atFirst) - slope * static_cast<std::uint64_t>(first.index), slope};
+    const Line falling{Rounded(unit * atLast) + slope * static_cast<std::uint64_t>(end.index - 1), 0 - slope};
+    differences[first.index] += rising;
+    differences[turn.index] += falling - rising;
+    differences[end.index] -= falling;
+}
+
+/// Adds the differences to the sums, and makes room for them at the first time.
+void HeightHistogram::Settle(Group& group) const {
+    const auto bins = m_values.size();
+    group.sums.resize(bins);
+    group.differences.resize(bins + 1);
+    Line line{};
+    for (std::size_t bin = 0; bin < bins; ++bin) {
+        line += group.differences[bin];
+        group.sums[bin] += line[0] + line[1] * bin;
+    }
+    std::fill(group.differences.begin(), group.differences.end(), Line{});
+    group.newest = 0;
 }
 
 void HeightHistogram::AddToMoments(double value, double weight) {
@@ -87,7 +111,11 @@ void HeightHistogram::AddToMoments(double value, double weight) {
 }
 
 void HeightHistogram::Reset() {
-    for (Differences& differences : m_groups) std::fill(differences.begin(), differences.end(), Line{});
+    for (Group& group : m_groups) {
+        std::fill(group.differences.begin(), group.differences.end(), Line{});
+        std::fill(group.sums.begin(), group.sums.end(), Wide{0});
+        group.newest = 0;
+    }
     m_fWeight = m_fMoment1 = m_fMoment2 = 0.0;
     m_bValuesAreOld = true;
 }
@@ -104,26 +132,20 @@ std::optional<double> HeightHistogram::Variance() const {
 }
 
 std::span<const float> HeightHistogram::Values() {
-    if (m_bValuesAreOld) SumUp();
-    m_bValuesAreOld = false;
-    return m_values;
-}
-
-void HeightHistogram::SumUp() {
+    if (!m_bValuesAreOld) return m_values;
     std::vector<double> sums(m_values.size());
-    for (int group = 0; group < kGroupCount; ++group) {
-        const Differences& differences = m_groups[static_cast<std::size_t>(group)];
-        if (differences.empty()) continue;
-        const double weightOfUnit = PowerOfTwo(kExponentsPerGroup * (group + 1) - 127 - kWeightBits);
-        Line line;
-        for (std::size_t bin = 0; bin < sums.size(); ++bin) {
-            line.constant += differences[bin].constant;
-            line.slope += differences[bin].slope;
-            sums[bin] += static_cast<double>(line.constant + line.slope * bin) * weightOfUnit;
-        }
+    for (std::size_t number = 0; number < m_groups.size(); ++number) {
+        Group& group = m_groups[number];
+        if (group.differences.empty()) continue;
+        Settle(group);
+        const double weightOfUnit = PowerOfTwo(kExponentsPerGroup * (static_cast<int>(number) + 1) - 127 - kWeightBits);
+        for (std::size_t bin = 0; bin < sums.size(); ++bin)
+            sums[bin] += static_cast<double>(group.sums[bin]) * weightOfUnit;
     }
     constexpr double kMax = std::numeric_limits<float>::max();
     for (std::size_t bin = 0; bin < sums.size(); ++bin) m_values[bin] = static_cast<float>(std::min(sums[bin], kMax));
+    m_bValuesAreOld = false;
+    return m_values;
 }
 
 std::optional<std::int32_t> HighestBin(std::span<const float> values) {

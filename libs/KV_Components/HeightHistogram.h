@@ -16,7 +16,7 @@ namespace KvComponents {
 /// constant time, as a difference at both of its ends; Values() sums the differences up.
 class HeightHistogram {
 public:
-    static constexpr std::int32_t kMaxBins = 65536;
+    static constexpr std::int32_t kMaxBins = 4096;
 
     /// @param low, high  finite, low below high
     /// @param bins       1 to kMaxBins
@@ -30,8 +30,8 @@ public:
     /// Forgets the samples.
     void Reset();
 
-    [[nodiscard]] std::int32_t BinCount() const { return m_iBins; }
-    [[nodiscard]] double BinWidth() const { return (m_fHigh - m_fLow) / m_iBins; }
+    [[nodiscard]] std::int32_t BinCount() const { return static_cast<std::int32_t>(m_values.size()); }
+    [[nodiscard]] double BinWidth() const { return (m_fHigh - m_fLow) / BinCount(); }
     [[nodiscard]] double BinCenter(std::int32_t bin) const { return m_fLow + (bin + 0.5) * BinWidth(); }
 
     /// Weighted mean of the values inside the range. None without a weight above 0.
@@ -43,28 +43,28 @@ public:
     [[nodiscard]] std::span<const float> Values();
 
 private:
-    __extension__ using Wide = unsigned __int128;  ///< modulo 2^128: what is added is subtracted without a remainder
-    /// constant + slope * bin, of the bins from here on
-    struct Line {
-        Wide constant = 0;
-        Wide slope = 0;
-    };
-    /// Differences of the lines of samples of similar weight, one more than there are bins. Empty without samples.
-    using Differences = std::vector<Line>;
+    /// A constant and a slope: constant + slope * bin. Modulo 2^64: what is added is subtracted without a remainder.
+    using Line = std::uint64_t __attribute__((vector_size(16)));
+    __extension__ using Wide = unsigned __int128;
 
-    // Binary exponents of weights, in groups with an integer unit each: a light sample keeps its digits beside a heavy
-    // one.
-    static constexpr int kExponentsPerGroup = 4;
+    /// Samples of similar weight, in integers of one unit: a light sample keeps its digits beside a heavy one.
+    struct Group {
+        std::vector<Line> differences;  ///< of the newest samples, one more than there are bins; empty without samples
+        std::vector<Wide> sums;         ///< in each bin, of the samples before them
+        std::int32_t newest = 0;        ///< samples in the differences
+    };
+    static constexpr int kExponentsPerGroup = 2;  ///< binary exponents of weights
     static constexpr int kGroupCount = 256 / kExponentsPerGroup;
 
     void AddToMoments(double value, double weight);
-    void SumUp();
+    void Settle(Group& group) const;
 
     double m_fLow, m_fHigh;
+    /// Positions of low and high. Both are members: the compiler makes a branch of a limit that is constant.
+    double m_fLowEdge = 0.5, m_fHighEdge;
     double m_fBinsPerUnit;
-    std::int32_t m_iBins;
 
-    std::array<Differences, kGroupCount> m_groups;
+    std::array<Group, kGroupCount> m_groups;
     std::vector<float> m_values;  ///< of the bins, when they are not out of date
     bool m_bValuesAreOld = true;
 
