@@ -420,6 +420,19 @@ TEST_F(ScreenshotClippedAtTheData, WithoutAVertexIsTakenWithThePlaneAtTheDefault
     EXPECT_GT(ObjectPixels(ReadPng(m_options.picturePath), Half::Left), 50);
 }
 
+// No weight is above 0 then. The plane at -20 is below the rectangles and cuts nothing off.
+TEST_F(ScreenshotClippedAtTheData, OfSurfacesThatFaceDownShowsThemWhole) {
+    WriteText(m_folder / "a.ply", RectanglesPly({{10, 0, 0, 10, 1}, {20, 0, 10, 10, 4}}));
+    m_options.files = {m_folder / "a.ply"};
+    m_options.view = KV_ScenePane::ViewFromMinusZYUp;
+    m_options.clipAuto = false;
+    const Png whole = Taken();
+    m_options.clipAuto = true;
+    EXPECT_EQ(ErrorsOfFailure(), "scenepane: no clip height was found, the plane is at -20\n");
+    EXPECT_GT(ObjectPixels(whole, Half::Left), 1000);
+    EXPECT_EQ(ReadPng(m_options.picturePath).bytes, whole.bytes);
+}
+
 TEST_F(ScreenshotClippedAtTheData, OfVerticesAtOneHeightKeepsAnOlderPicture) {
     WriteText(m_options.picturePath, "older");
     EXPECT_EQ(ErrorsOfFailure(),
