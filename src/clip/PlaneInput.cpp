@@ -22,7 +22,7 @@ Double2 PlaneCenterOnScreen(CKV_ScenePaneCtrl& control) {
 }
 
 /// Direction of the plane's normal in window pixels; its length is that of one unit on the screen. Exactly 0 for a
-/// plane seen face-on, and without a context.
+/// plane seen face-on, in a scene without a finite size, and without a context.
 Double2 PlaneNormalOnScreen(CKV_ScenePaneCtrl& control) {
     if (!control.MakeContextCurrent()) return {};
     const Double3 center = control.m_clipPlane.GetCenter(), normal = control.m_clipPlane.GetNormal();
@@ -36,7 +36,8 @@ Double2 PlaneNormalOnScreen(CKV_ScenePaneCtrl& control) {
     const Double2 direction{to[0] - from[0], to[1] - from[1]};
     // The matrices of OpenGL are floats: their rounding must not become the direction of a plane seen face-on.
     const double unit = std::hypot(aside[0] - from[0], aside[1] - from[1]);
-    if (std::hypot(direction[0], direction[1]) < kFaceOnSine * unit) return {};
+    const double length = std::hypot(direction[0], direction[1]);
+    if (!std::isfinite(length) || length < kFaceOnSine * unit) return {};
     return direction;
 }
 

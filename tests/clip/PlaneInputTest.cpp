@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "render/SceneFixture.h"
 #include "view/InputHelp.h"
@@ -431,6 +432,29 @@ TEST_F(PlaneInput, EscapeOutsideAHandleDragDoesNotMoveThePlane) {
     Key(KV_ScenePane::kKeyEscape);
     EXPECT_EQ(plane.m_dMatrix, turned);
     EXPECT_EQ(Mode(), ModePlaneRotate);
+}
+
+// The window position of such a plane is not a number; a drag must not make it one for ever.
+TEST_F(PlaneInput, DragsInASceneWithoutAFiniteSizeLeaveThePlaneFinite) {
+    for (const float size : {0.0f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+        SCOPED_TRACE(size);
+        pane->m_fSceneSize = size;
+        pane->SetupViewMatrices();
+        for (const std::uint32_t button : {kLeft, kRight}) {
+            const bool isLeft = button == kLeft;
+            Mouse(isLeft ? Kind::LeftDown : Kind::RightDown, 300, 240, button | kCtrl);
+            Mouse(Kind::Move, 340, 200, button | kCtrl);
+            Mouse(isLeft ? Kind::LeftUp : Kind::RightUp, 340, 200, kCtrl);
+        }
+        for (const std::uint32_t handle : {0u, 1u, 2u}) {
+            plane.OnPicked(handle);
+            Mouse(Kind::LeftDown, 300, 240, kLeft);
+            ASSERT_EQ(Mode(), ModePlaneHandle);
+            Mouse(Kind::Move, 340, 200, kLeft);
+            Mouse(Kind::LeftUp, 340, 200);
+        }
+        for (const double value : plane.m_dMatrix) ASSERT_TRUE(std::isfinite(value));
+    }
 }
 
 TEST(PlaneInputWithoutAContext, DoesNotMoveThePlane) {
