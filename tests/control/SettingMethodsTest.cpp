@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <mutex>
+#include <stdexcept>
 #include <string_view>
 #include <thread>
 
@@ -140,6 +141,26 @@ const RepaintRow kRepaints[] = {
     {"SetViewMode", Repaint::Refresh, [](auto& c) { c.SetViewMode(2); }},
     {"CenterView", Repaint::Invalidate, [](auto& c) { c.CenterView(); }},
     {"SetViewParams", Repaint::InvalidateWithErase, [](auto& c) { c.SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0); }},
+    {"SetClipPlaneEnabledShown", Repaint::InvalidateWithErase,
+     [](auto& c) {
+         c.InitializeKVReg();  // for the placement at the data, which must have two heights
+         c.m_vpMeshes.at(0)->m_vVertices.at(2).z = 5;
+         c.SetClipPlaneEnabled(1);
+         c.FinalizeKVReg();
+     }},
+    {"SetClipPlaneEnabledHidden", Repaint::InvalidateWithErase, [](auto& c) { c.SetClipPlaneEnabled(0); }},
+    {"SetClipPlaneEnabledWithoutRegistry", Repaint::None,
+     [](auto& c) { EXPECT_THROW(c.SetClipPlaneEnabled(1), std::runtime_error); }},
+    {"SetClipPlaneDisabled", Repaint::InvalidateWithErase, [](auto& c) { c.SetClipPlaneDisabled(); }},
+    {"SetClipPlane", Repaint::Refresh, [](auto& c) { c.SetClipPlane(1, 2, 3, 0, 1, 0); }},
+    {"SetClipPlaneColor", Repaint::Refresh, [](auto& c) { c.SetClipPlaneColor(1, 2, 3); }},
+    {"GetClipPlane", Repaint::None,
+     [](auto& c) {
+         float f = 0;
+         c.GetClipPlane(&f, &f, &f, &f, &f, &f);
+     }},
+    {"DisplayClipPlanePartCloseToData", Repaint::InvalidateWithErase,
+     [](auto& c) { c.DisplayClipPlanePartCloseToData(); }},
     {"SetNeedlePickingModeOn", Repaint::None, [](auto& c) { c.SetNeedlePickingMode(-1); }},
     {"SetNeedlePickingModeOff", Repaint::InvalidateWithErase, [](auto& c) { c.SetNeedlePickingMode(0); }},
     {"SetNeedleDrawingMode", Repaint::None, [](auto& c) { c.SetNeedleDrawingMode(-1); }},

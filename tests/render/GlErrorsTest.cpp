@@ -50,6 +50,9 @@ UnkindCall Size(const char* name, std::int16_t width, std::int16_t height) {
 UnkindCall Scale(const char* name, double scale) {
     return {name, [scale](TestControl& pane) { pane->SetScale(scale); }};
 }
+UnkindCall ClipPlane(const char* name, float center, float normal) {
+    return {name, [=](TestControl& pane) { pane->SetClipPlane(center, 0, center, normal, 0, normal); }};
+}
 UnkindCall Center(const char* name, float at) {
     return {name, [at](TestControl& pane) { pane->SetViewParams(1, 0, 0, 0, 1, 0, at, at, at, 1, 0); }};
 }
@@ -105,6 +108,14 @@ const UnkindCall kUnkindCalls[] = {
     Center("CentreHuge", 3e38f),
     Center("CentreInfinite", kInfinity),
     Center("CentreNan", kNan),
+    ClipPlane("ClipPlaneWithoutNormal", 1, 0),
+    ClipPlane("ClipPlaneFarAway", 3e38f, 1),
+    ClipPlane("ClipPlaneOfTinyNormal", 0, 1e-42f),
+    ClipPlane("ClipPlaneOfHugeNormal", 0, 3e38f),
+    ClipPlane("ClipPlaneOfInfiniteNormal", 0, kInfinity),
+    ClipPlane("ClipPlaneOfNoNormal", 0, kNan),
+    ClipPlane("ClipPlaneInfinitelyFar", -kInfinity, 1),
+    ClipPlane("ClipPlaneNowhere", kNan, 1),
     {"ZoomOfViewZero", [](TestControl& pane) { pane->SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0); }},
     {"ZoomOfViewNan", [](TestControl& pane) { pane->SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, kNan, 0); }},
     {"ArrowAngle", [](TestControl& pane) { pane->SetArrowAngle(-32768); }},
