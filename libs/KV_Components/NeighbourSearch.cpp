@@ -124,7 +124,7 @@ NeighbourSearch::Box NeighbourSearch::BoxOf(const PointView& points) {
 }
 
 std::optional<NeighbourSearch::Neighbours> NeighbourSearch::Within(const Point3& place, float radius) {
-    if (!m_cloud) return std::nullopt;
+    if (!m_cloud || m_cloud->Points().size() == 0) return std::nullopt;
     if (std::isinf(radius * radius)) return Neighbours{true, {}};
     const PointView& points = m_cloud->Points();
     if (m_uGeneration != m_cloud->Generation()) Forget();

@@ -22,7 +22,7 @@ public:
     };
     /// The points at a distance of at most the radius, in double.
     /// @param radius  0 or more; one whose square is infinite as a float finds all points, at once
-    /// @return none without a cloud and where a coordinate of the cloud is not finite
+    /// @return none without a cloud with points and where a coordinate of the cloud is not finite
     [[nodiscard]] std::optional<Neighbours> Within(const Point3& place, float radius);
 
     /// null before Build() and after Finish()

@@ -103,6 +103,19 @@ const Kind kKinds[] = {
      "{672883FC-ECA9-46FC-8174-43E8428F1E92}",
      {8, 11, 17, 18, 24, 28, 29}},
     {"HpsCompressor", "{A3FEFC16-AE54-4897-8237-2CF46870A76E}", "{CC8052A0-62B2-4F02-BE8A-1150B11E23A4}", {8, 18}},
+    {"HeightHistogram",
+     "{9D7D1BCB-F55C-4D00-9793-96553FE8F32E}",
+     "{A488E12A-7826-4533-B915-E74C87221D49}",
+     {8, 9, 10, 14, 15, 17, 18, 19, 20, 23}},
+    {"PointCloud",
+     "{C80FC412-6A36-405F-B0EE-3455714BBD76}",
+     "{802B0301-F1E0-46BB-8361-DFE3BB454407}",
+     {4, 10, 14, 17, 28}},
+    {"NeighbourSearch", "{8B99E47F-1592-48DF-969E-112FADD993AB}", "{8DCA7665-4C2A-42D6-A65E-0BD82D4593B1}", {8, 10}},
+    {"NormalEstimator",
+     "{F9D07468-C253-40CC-9985-4424C52D1BC4}",
+     "{AFE1ED7C-0C63-4ADA-93D0-ED22CF75F839}",
+     {8, 16, 20}},
 };
 
 /// Calls every entry that is not at @p positions, and checks that those at @p positions are other functions.
