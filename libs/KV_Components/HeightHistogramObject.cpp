@@ -1,7 +1,7 @@
 // The histogram object. The sums are those of HeightHistogram.h.
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
-#include <utility>
 
 #include "HeightHistogram.h"
 #include "KV_Components/Geometry.h"
@@ -20,13 +20,11 @@ public:
 
 private:
     std::int32_t Initialize(float low, float high, std::int32_t bins) {
-        if (!std::isfinite(low) || !std::isfinite(high) || low >= high) return kInvalidArgument;
         if (bins < 1 || bins > HeightHistogram::kMaxBins) return kInvalidArgument;
-        // The caller can divide by the width of a bin.
-        HeightHistogram histogram(low, high, bins);
-        const auto width = static_cast<float>(histogram.BinWidth());
-        if (!(width > 0.0f && std::isfinite(width))) return kInvalidArgument;
-        m_histogram = std::move(histogram);
+        // As a float too, so that the caller can divide by it. NaN where an end of the range is no number.
+        const double width = (double{high} - double{low}) / bins;
+        if (!(width <= double{FLT_MAX} && static_cast<float>(width) > 0.0f)) return kInvalidArgument;
+        m_histogram.emplace(low, high, bins);
         return kSucceeded;
     }
 

@@ -31,7 +31,6 @@ std::int32_t PointCloud::SetCount(std::int32_t count) {
     if (!m_bHasFormat) return kFailed;
     m_iCount = count;
     m_points = {};
-    ++m_uGeneration;
     return kSucceeded;
 }
 

@@ -13,7 +13,7 @@ public:
     PointCloud();
 
     [[nodiscard]] const PointView& Points() const { return m_points; }
-    /// Changes when the points become others; what was computed from the former ones is out of date then.
+    /// Changes with each array of points: what was computed from a former one is out of date.
     [[nodiscard]] std::uint64_t Generation() const { return m_uGeneration; }
 
 private:

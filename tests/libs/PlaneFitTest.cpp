@@ -97,6 +97,22 @@ TEST(PlaneNormalOf, PointsUpAndWithoutAHeightAlongYOrX) {
     }
 }
 
+TEST(PlaneNormalOf, OfAnyWallPointsAlongYOrX) {
+    int walls = 0;
+    for (int x = -7; x <= 7; ++x)
+        for (int y = -7; y <= 7; ++y) {
+            if (x == 0 && y == 0) continue;
+            const auto u = static_cast<float>(x), v = static_cast<float>(y);
+            const std::vector<float> points{0, 0, 0, 4 * u, 4 * v, 0, 0, 0, 4, 4 * u, 4 * v, 4};
+            const Point3 normal = PlaneNormalOf(ViewOf(points)).value();
+            const double first = normal[2] != 0.0 ? normal[2] : normal[1] != 0.0 ? normal[1] : normal[0];
+            EXPECT_GT(first, 0.0) << x << " " << y;
+            EXPECT_NEAR(normal[0] * x + normal[1] * y, 0.0, 1e-12);
+            walls += normal[2] == 0.0;
+        }
+    EXPECT_GT(walls, 100) << "heights of exactly 0";
+}
+
 TEST(PlaneNormalOf, PointsOnALineHaveANormalAcrossIt) {
     Random random(3);
     for (int round = 0; round < 100; ++round) {
@@ -121,8 +137,8 @@ TEST(PlaneNormalOf, CoordinatesOfAllSizesGiveAUnitVector) {
 }
 
 TEST(PlaneNormalOf, UsesTheListedPointsOnly) {
-    const std::vector<float> points{0, 0, 0, 7, 1, 0, 0, 7, 0, 1, 0, 7, 5, 5, 5, 7};  // four floats per point
-    const std::vector<std::uint32_t> indices{0, 1, 2};
+    const std::vector<float> points{5, 5, 5, 7, 0, 1, 0, 7, 0, 0, 0, 7, 1, 0, 0, 7};  // four floats per point
+    const std::vector<std::uint32_t> indices{3, 1, 2};
     EXPECT_EQ(PlaneNormalOf(ViewOf(points, 4), indices), (Point3{0, 0, 1}));
     EXPECT_FALSE(PlaneNormalOf(ViewOf(points, 4), std::span(indices).first(2)));
     EXPECT_FALSE(PlaneNormalOf(ViewOf(points, 4), {}));
@@ -215,6 +231,24 @@ TEST_F(Neighbours, FollowThePointsOfTheCloud) {
     ASSERT_EQ(point_cloud::kSetPoints(cloud.get(), after.data(), 12, 1), kOk);
     EXPECT_TRUE(neighbours.Within({0, 0, 0}, 3.0f)->indices.empty());
     EXPECT_TRUE(neighbours.Within({0, 0, 0}, 7.0f)->isAll);
+}
+
+TEST_F(Neighbours, AreThoseOfTheLastCloud) {
+    const std::vector<float> before{0, 0, 0, 1, 0, 0, 2, 0, 0, 50, 0, 0}, after{40, 0, 0, 80, 0, 0};
+    const ObjectPointer search = SearchIn(CloudOf(before)), cloud = CloudOf(after);
+    EXPECT_EQ(SearchOf(search).Within({0, 0, 0}, 3.0f)->indices.size(), 3u);
+    Object* handed = Handed(cloud);
+    ASSERT_EQ(neighbour_search::kBuild(search.get(), &handed), kOk);
+    EXPECT_TRUE(SearchOf(search).Within({0, 0, 0}, 3.0f)->indices.empty());
+    EXPECT_EQ(SearchOf(search).Within({70, 0, 0}, 10.0f)->indices, std::vector<std::uint32_t>{1});
+}
+
+TEST_F(Neighbours, AnInfiniteSquareOfTheRadiusFindsPointsFartherThanTheRadius) {
+    const std::vector<float> points{-FLT_MAX, 0, 0, FLT_MAX, 0, 0};
+    const ObjectPointer cloud = CloudOf(points), search = SearchIn(cloud);
+    EXPECT_TRUE(SearchOf(search).Within({FLT_MAX, 0, 0}, FLT_MAX)->isAll);
+    EXPECT_TRUE(SearchOf(search).Within({FLT_MAX, 0, 0}, 1.9e19f)->isAll) << "the square is 3.6e38";
+    EXPECT_FALSE(SearchOf(search).Within({FLT_MAX, 0, 0}, 1.8e19f)->isAll);
 }
 
 TEST_F(Neighbours, PointsAtOnePlaceAreAllFound) {

@@ -250,11 +250,17 @@ TEST_F(NormalEstimatorObject, HoldsCloudAndSearchUntilItIsFinished) {
     EXPECT_EQ(normal_estimator::kFinish(estimator.object.get()), kOk) << "a second time";
 }
 
-TEST_F(NormalEstimatorObject, FailsWhenItsSearchWasFinished) {
+TEST_F(NormalEstimatorObject, FailsWhenItsSearchWasFinishedOrBuiltForAnotherCloud) {
     const std::vector<float> points = SquareAndAPoint();
     Estimator estimator(points);
     EXPECT_EQ(neighbour_search::kFinish(estimator.search.get()), kOk);
     EXPECT_EQ(estimator.Estimate({5, 5, 1}, FLT_MAX), kNo);
+    Object* other = CloudOf(points).release();
+    ASSERT_EQ(neighbour_search::kBuild(estimator.search.get(), &other), kOk);
+    EXPECT_EQ(estimator.Estimate({5, 5, 1}, FLT_MAX), kNo);
+    Object* own = Handed(estimator.cloud);
+    ASSERT_EQ(neighbour_search::kBuild(estimator.search.get(), &own), kOk);
+    EXPECT_EQ(estimator.Estimate({5, 5, 1}, FLT_MAX), kOk);
 }
 
 TEST_F(NormalEstimatorObject, ReleasesWhatItRefuses) {
