@@ -36,9 +36,14 @@ bool ReportPick(CKV_ScenePaneCtrl& control, std::int32_t object, const Float3& h
     return true;
 }
 
-/// Fits the view and applies the last view mode again; with Ctrl and a visible plane the plane is placed instead.
+/// Whether an input with these flags is for the plane in place of the view.
+bool IsForPlane(const CKV_ScenePaneCtrl& control, std::uint32_t flags) {
+    return control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0;
+}
+
+/// Fits the view and applies the last view mode again, or places the plane, for which the caller repaints.
 void CenterViewOrPlacePlane(CKV_ScenePaneCtrl& control, std::uint32_t flags) {
-    if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
+    if (IsForPlane(control, flags)) {
         control.PlaceClipPlaneAtData();
     } else {
         control.FitViewToScene();
@@ -77,7 +82,7 @@ void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_
     }
     control.BeginDrag(x, y, true);
     // With Ctrl the drag acts on a visible plane. A press that stays idle only highlights it.
-    if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
+    if (IsForPlane(control, flags)) {
         const std::int32_t mode = control.m_nInteractionMode == ModeRotate ? ModePlaneRotate
                                   : control.m_nInteractionMode == ModePan  ? ModePlaneMove
                                                                            : ModeIdle;
@@ -232,14 +237,16 @@ void CKV_ScenePaneCtrl::OnMiddleDown(std::uint32_t flags, std::int32_t x, std::i
     m_bAnimationRunning = 0;
     if (m_nInteractionMode != ModeIdle) return;
     if (m_nIgdRotation == 1) {
+        const bool placesPlane = IsForPlane(*this, flags);
         CenterViewOrPlacePlane(*this, flags);
+        if (placesPlane) RefreshControl();
         return;
     }
     m_nSavedInteractionMode = ModeIdle;
     m_pWindow->SetCapture();
     BeginDrag(x, y, true);
     m_nInteractionMode = ModeRotate;  // after BeginDrag(): a middle drag never rolls
-    if (m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) EnterPlaneDrag(x, y, ModePlaneRotate);
+    if (IsForPlane(*this, flags)) EnterPlaneDrag(x, y, ModePlaneRotate);
 }
 
 void CKV_ScenePaneCtrl::OnDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y) {

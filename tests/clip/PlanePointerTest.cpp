@@ -651,7 +651,11 @@ TEST_P(PlaneUnderThePointer, IsPlacedByAMiddleClickWithCtrlInTheDelayedScheme) {
     };
     user->MoveTo(320, 300);
     user->HoldCtrl(true);
+    Settle();
+    const auto before = ShownFrame();
     click();
+    EXPECT_EQ(viewer.window->swaps, 1);
+    EXPECT_FALSE(ShownFrame() == before) << "the placed plane is shown at once";
     ExpectPlane({0, 0, static_cast<double>(viewer->GetClipHeight().height)}, {0, 0, 1}, 1e-5);
     EXPECT_EQ(viewer->m_fViewCenter, (Float3{5, 6, 7}));
     user->HoldCtrl(false);
