@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "render/SceneFixture.h"
+#include "support/DriverTraits.h"
 #include "support/GlState.h"
 
 namespace {
@@ -141,6 +142,82 @@ TEST_F(PlanePicture, HasNoFaceFromItsBackSide) {
     plane.m_bCullBack = false;
     Frame();
     ExpectPixel(320, 200, OverBackground(Lit(plane.m_nColor), 0.5));
+}
+
+// The required result for a normal along -Z is a reflection. It keeps the winding of the face in its surface, so that
+// the face shows its front to the side that is cut away, dark, since its normal points away from the viewer.
+TEST_F(PlanePicture, OfANormalAlongMinusZShowsItsFaceFromAbove) {
+    ShowHandles(false);
+    plane.SetNormal({0, 0, -1});
+    Frame();
+    ExpectPixel(320, 200, OverBackground(Lit(plane.m_nColor, {0, 0, -1}), 0.5));
+    ExpectPixel(400, kTop, Lit(plane.m_nOutlineColor, {0, 0, -1}));
+    LookFrom({0, 0, -1}, {0, 1, 0});
+    Frame();
+    ExpectBackground(320, 200);
+    plane.SetNormal({1e-4, 0, -1});  // a rotation: front where its normal points
+    Frame();
+    ExpectPixel(320, 200, OverBackground(Lit(plane.m_nColor), 0.5));
+}
+
+// Every pixel of a plane across a slope that it cuts: the slope where it is nearer, else the face over it.
+TEST_F(PlanePicture, IsBlendedOverTheSlopeThatItCuts) {
+    ShowHandles(false);
+    plane.m_bOutlineVisible = false;
+    plane.SetCenter({0, 0, 0.5});
+    std::vector<Vertex> corners;
+    for (const auto& [x, y] : {std::pair{-4.5, -4.5}, {4.5, -4.5}, {4.5, 4.5}, {-4.5, 4.5}})
+        corners.push_back(MakeVertex({x, y, 0.4 * x - 0.2 * y}, {0, 0, 1}));
+    Mesh& slope = AddMesh(*pane, corners, {Triangle{{0, 1, 2}}, Triangle{{0, 2, 3}}});
+    std::fill_n(slope.m_fColor, 3, 0.6f);  // softpipe does not clamp what it blends with
+    LookFrom(lighting::Unit({0.3, -0.5, 0.9}), lighting::Unit({0, 0.9, 0.5}));
+    camera.axisX = lighting::Unit({1.06, 0.15, -0.27});
+    for (const auto& [mode, shadows] : {std::pair{KV_ScenePane::DrawModeGouraud, 0},
+                                        {KV_ScenePane::DrawModePerPixel, 0},
+                                        {KV_ScenePane::DrawModeFlat, 1}}) {
+        pane->m_nDrawMode = mode;
+        pane->m_bShadowEnabled = static_cast<std::uint8_t>(shadows);
+        pane->m_bClipPlaneVisible = 0;
+        Frame();
+        std::vector<Vec3> below;
+        for (int y = 0; y < 480; ++y)
+            for (int x = 0; x < 640; ++x) below.push_back(ColorAt(x, y));
+        pane->m_bClipPlaneVisible = 1;
+        Frame();
+        const Vec3 face = Lit(plane.m_nColor, camera.TurnToEye({0, 0, 1}));
+        int over = 0, behind = 0, wrong = 0;
+        for (int y = 0; y < 480; ++y)
+            for (int x = 0; x < 640; ++x) {
+                const Vec3 p = camera.PointAt(x, y, {0, 0, 0.5}, {0, 0, 1});
+                const Vec3 q = camera.PointAt(x, y, {0, 0, 0}, {-0.4, 0.2, 1});  // of the slope
+                const double inside = kEdge - std::max(std::abs(p[0]), std::abs(p[1]));
+                const double onSlope = 4.5 - std::max(std::abs(q[0]), std::abs(q[1]));
+                const double above = lighting::Dot(lighting::operator-(p, q), camera.axisZ);
+                if (std::min({std::abs(inside), std::abs(onSlope), std::abs(above)}) < 0.05) continue;
+                const Vec3& was = below.at(static_cast<std::size_t>(640 * y + x));
+                const bool shown = inside > 0 && (onSlope < 0 || above > 0);
+                (shown ? over : behind) += inside > 0 ? 1 : 0;
+                wrong += DistanceAt(x, y, shown ? 0.5 * face + 0.5 * was : was) > kTolerance ? 1 : 0;
+            }
+        EXPECT_EQ(wrong, 0) << mode;
+        EXPECT_GT(over, 20'000);
+        EXPECT_GT(behind, 20'000);
+    }
+}
+
+TEST_F(PlanePicture, IsDrawnWithSamples) {
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    if (AvailableSamples(4) == 0) GTEST_SKIP() << "the driver has no samples";
+    pane->RecreateOpenglContext(3, 3, 4);
+    Frame();
+    Look(640, 480);
+    plane.SetCenter({0, 0, 0});
+    plane.SetRadiusFromExtent(kEdge);
+    Frame();
+    ExpectPixel(320, 200, OverBackground(Lit(plane.m_nColor), 0.5));
+    ExpectPixel(400, kTop, Lit(plane.m_nOutlineColor));
+    ExpectBackground(400, kTop - 2);
+    ExpectPixel(320, kBottom, Lit(plane.m_nHandleColor), 12);  // the foremost point of a sphere of ten slices
 }
 
 TEST_F(PlanePicture, DrawsNothingWithAllPartsHidden) {

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numbers>
+#include <vector>
 
 namespace {
 
@@ -60,6 +62,100 @@ TEST(Plane, RotatesFromTheZAxisByTheShortestWay) {
     // about (-1, 1, 0) / sqrt 2 by the angle whose cosine is 1 / 3: c + (1 - c) / 2 = 2 / 3 on the diagonal
     plane.SetNormal({2, 2, 1});
     ExpectBlock(plane, {2.0 / 3, -1.0 / 3, 2.0 / 3, -1.0 / 3, 2.0 / 3, 2.0 / 3, -2.0 / 3, -2.0 / 3, 1.0 / 3});
+}
+
+// ---- the rotation from the Z axis, by another way
+
+/// 3 x 3, row by row.
+using Block = std::array<std::array<long double, 3>, 3>;
+
+/// The rotation that takes Z to the unit vector of @p n by the shortest way: the product of two reflections, first at
+/// the plane across Z + n, then at the one across n. No angle and no axis.
+Block FromZByReflections(const Double3& n) {
+    const long double x = n[0], y = n[1], z = n[2], length = std::sqrt(x * x + y * y + z * z);
+    const std::array<long double, 3> unit{x / length, y / length, z / length};
+    // Across the sum of both: twice its dyad over its square, less 1. Near -Z the sum is small: 1 + z by x and y there.
+    const long double across = unit[0] * unit[0] + unit[1] * unit[1];
+    const long double rest = unit[2] < 0 ? across / (1 - unit[2]) : 1 + unit[2];  // 1 + z
+    const std::array<long double, 3> sum{unit[0], unit[1], rest};
+    Block block{};
+    for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t j = 0; j < 3; ++j) {
+            // A half turn about the sum takes Z to n. Before it a half turn about Z: together the shortest way.
+            const long double halfTurn = sum[i] * sum[j] / rest - (i == j ? 1 : 0);  // |sum|^2 = 2 (1 + z)
+            block[i][j] = j == 2 ? halfTurn : -halfTurn;
+        }
+    return block;
+}
+
+/// What the arc cosine leaves of an angle: a rounding of its argument changes it by that over its sine. Within 3e-8 of
+/// either pole the angle is lost.
+double AngleRounding(double sine) { return std::min(3e-8, 1e-15 + 5e-16 / sine); }
+
+TEST(Plane, RotatesFromTheZAxisAsTwoReflectionsDo) {
+    constexpr double kPi = std::numbers::pi;
+    std::vector<double> fromZ;
+    for (double angle = 1e-11; angle < 0.1; angle *= 1.7) fromZ.push_back(angle);
+    for (int degrees = 6; degrees <= 90; degrees += 6) fromZ.push_back(degrees * kPi / 180);
+    int compared = 0;
+    for (const double theta : fromZ)
+        for (const bool down : {false, true})
+            for (int step = 0; step < 24; ++step)
+                for (const double length : {1.0, 1e-4, 3e10}) {
+                    const double phi = (step + 0.5) * kPi / 12, up = down ? -1 : 1;
+                    const Double3 n{length * std::sin(theta) * std::cos(phi), length * std::sin(theta) * std::sin(phi),
+                                    up * length * std::cos(theta)};
+                    Plane plane;
+                    plane.SetCenter({1, 2, 3});
+                    plane.SetNormal(n);
+                    const Block expected = FromZByReflections(n);
+                    for (std::size_t row = 0; row < 3; ++row)
+                        for (std::size_t column = 0; column < 3; ++column) {
+                            ASSERT_NEAR(plane.m_dMatrix[column * 4 + row], static_cast<double>(expected[row][column]),
+                                        AngleRounding(std::sin(theta)))
+                                << theta << (down ? " from -Z, " : " from Z, ") << phi << ": " << row << ',' << column;
+                            ++compared;
+                        }
+                    ASSERT_EQ(plane.GetCenter(), (Double3{1, 2, 3}));
+                }
+    EXPECT_GT(compared, 50'000);
+}
+
+TEST(Plane, KeepsTheDirectionOfATiltThatTheAngleLoses) {
+    for (const double up : {1.0, -1.0})
+        for (const double tilt : {1e-10, 1e-11, 2e-12}) {
+            Plane plane;
+            plane.SetNormal({0, tilt, up});  // acos gives 0 or pi; the axis is (-1, 0, 0)
+            ExpectBlock(plane, {1, 0, 0, 0, up, 0, 0, 0, up});
+        }
+}
+
+TEST(Plane, CountsAsAlongZByTheSmallerOfOneAndTheLengthOfTheNormal) {
+    const auto isIdentity = [](const Double3& n) {
+        Plane plane;
+        plane.SetNormal({1, 1, 1});
+        plane.SetNormal(n);
+        return plane.m_dMatrix == Plane().m_dMatrix;
+    };
+    EXPECT_TRUE(isIdentity({0, 0, 1}));
+    EXPECT_TRUE(isIdentity({0.99e-12, 0, 1}));
+    EXPECT_TRUE(isIdentity({0, 0, 2})) << "an angle of 0";
+    EXPECT_TRUE(isIdentity({0, 0, 1e-150}));
+    EXPECT_FALSE(isIdentity({1e-7, 0, 1}));
+    EXPECT_FALSE(isIdentity({0, 0, -1}));
+}
+
+TEST(Plane, KeepsNumbersThatAreNotFiniteAsTheyCome) {
+    for (const double odd : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+        Plane plane;
+        plane.SetNormal({odd, 0, 1});
+        plane.SetCenter({0, odd, 0});
+        EXPECT_FALSE(std::isfinite(plane.GetEquation()[3]));
+        plane.SetNormal({0, 1, 0});
+        plane.SetCenter({1, 2, 3});
+        ExpectBlock(plane, {1, 0, 0, 0, 0, 1, 0, -1, 0});  // nothing of it is left
+        ExpectNear(plane.GetCenter(), {1, 2, 3});
+    }
 }
 
 TEST(Plane, IgnoresTheLengthOfTheNormal) {

@@ -127,9 +127,12 @@ TEST(DoubleClick, ActsInEveryInteractionMode) {
 TEST(DoubleClick, WithCtrlAndAVisiblePlaneDoesNotCenterTheView) {
     PlateControl c({.plane = true});
     const ExpectedView view = ExpectedView::Of(*c);
+    c->InitializeKVReg();  // the plane is placed at the data instead
     c->OnDoubleClick(kLeft | kCtrl, kBesideX, kBesideY);
+    c->FinalizeKVReg();
     ExpectView(*c, view);
     EXPECT_EQ(c.window->refreshes, 2);
+    EXPECT_TRUE(c->m_clipHeight.found);
     c->m_bClipPlaneVisible = 0;
     const ExpectedView centered = c.Centered();
     c->OnDoubleClick(kLeft | kCtrl, kBesideX, kBesideY);
