@@ -1,4 +1,4 @@
-// Eleven pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per driver:
+// Twelve pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per driver:
 // first on llvmpipe with KV_PICTURES_WRITE=1, which writes the references into the folder $KV_PICTURES, then on the
 // others. $KV_DRIVER is what GL_RENDERER must name. A wrong picture and its wrong pixels are written beside the
 // reference.
@@ -212,6 +212,21 @@ TEST_F(DriverPictures, PerPixel) {
     AddMeshes();
     pane->m_nDrawMode = KV_ScenePane::DrawModePerPixel;
     Check("PerPixel", 0.35);
+}
+
+// The programs are cut by GL_CLIP_PLANE0 (docs/decisions/clip-plane-per-pixel.md). The plane itself with a picked
+// sphere: translucent over the hills, with axis and circle.
+TEST_F(DriverPictures, PerPixelAndClipPlane) {
+    AddMeshes();
+    pane->m_nDrawMode = KV_ScenePane::DrawModePerPixel;
+    pane->SetClipPlaneColor(static_cast<std::int32_t>(HostColor(220, 160, 60)),
+                            static_cast<std::int32_t>(HostColor(40, 200, 220)),
+                            static_cast<std::int32_t>(HostColor(200, 230, 120)));
+    pane->m_clipPlane.SetRadiusFromExtent(3.2);
+    pane->m_clipPlane.OnPicked(1);
+    pane->m_bClipPlaneActive = pane->m_bClipPlaneVisible = 1;
+    pane->SetClipPlane(-0.4f, 0.3f, -0.35f, 0.25f, -0.2f, 0.9f);
+    Check("PerPixelAndClipPlane", 0.35);
 }
 
 /// In a window, of odd size.
