@@ -24,7 +24,7 @@ private:
         // As a float too, so that the caller can divide by it. NaN where an end of the range is no number.
         const double width = (double{high} - double{low}) / bins;
         if (!(width <= double{FLT_MAX} && static_cast<float>(width) > 0.0f)) return kInvalidArgument;
-        m_histogram.emplace(low, high, bins);
+        m_histogram = HeightHistogram(low, high, bins);
         return kSucceeded;
     }
 
