@@ -59,6 +59,15 @@ void Renderer::CastRays() {
     if (!m_hits[0].empty()) return;
     const int width = m_scene.camera.width, height = m_scene.camera.height;
     m_triangles = ProjectTriangles(m_scene, CameraView(m_scene.camera), WindowOf(m_scene.camera, width, height));
+    if (m_scene.clip)
+        for (WindowTriangle& triangle : m_triangles) {
+            const Object& object = m_scene.objects[static_cast<std::size_t>(triangle.object)];
+            const auto& corners = object.triangles[static_cast<std::size_t>(triangle.index)];
+            const auto distance = [&](std::size_t i) {
+                return m_scene.clip->DistanceOf(object.positions[static_cast<std::size_t>(corners[i])]);
+            };
+            triangle.kept = Vec{distance(0), distance(1), distance(2)};
+        }
     for (std::size_t s = 0; s < m_samples.size(); ++s)
         m_hits[s] = CastAll(m_triangles, width, height, m_samples[s][0], m_samples[s][1]);
 }

@@ -3,6 +3,7 @@
 #pragma once
 #include <array>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace reference {
@@ -84,11 +85,18 @@ struct Lighting {
     double shadowTilt = 20.0;  ///< degrees between the viewing direction and the light of the shadows
 };
 
+/// What a clip plane keeps of the objects.
+struct HalfSpace {
+    Vec point, normal;  ///< world frame; the normal of any length points to what is kept
+    [[nodiscard]] double DistanceOf(const Vec& p) const { return Dot(p - point, Unit(normal)); }
+};
+
 struct Scene {
     std::vector<Object> objects;
     Camera camera;
     Background background;
     Lighting lighting;
+    std::optional<HalfSpace> clip;  ///< cuts the picture, not the shadow map
 };
 
 /// What is drawn at a place: the colour of every sample, 0 to 255 and not rounded, and whether a driver has a choice.

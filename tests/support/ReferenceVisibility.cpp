@@ -46,6 +46,8 @@ std::vector<Hit> CastAll(const std::vector<WindowTriangle>& triangles, int width
     std::vector<Hit> hits(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     for (std::size_t t = 0; t < triangles.size(); ++t)
         ForEachSample(triangles[t], width, height, dx, dy, [&](int column, int row, double depth) {
+            const auto& kept = triangles[t].kept;
+            if (kept && Dot(SharesAt(triangles[t], column + dx, row + dy), *kept) < 0.0) return;
             Hit& hit = hits[static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
                             static_cast<std::size_t>(column)];
             if (depth < hit.depth) {

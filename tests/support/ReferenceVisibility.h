@@ -12,6 +12,7 @@ struct WindowTriangle {
     std::array<Vec, 3> corners;  ///< x, y upward, depth
     int object = 0, index = 0;
     bool front = true;
+    std::optional<Vec> kept;  ///< distances of the corners from a clip plane, negative where it cuts
 };
 
 /// The triangles of the visible objects that cover an area.
