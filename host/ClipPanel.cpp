@@ -260,12 +260,11 @@ void ClipPanel::FollowViewer() {
                   std::abs(before.center[0]), std::abs(before.center[1]), std::abs(before.center[2])});
     const bool isSameSurface = now.normal == before.normal && std::abs(offset) <= static_cast<double>(largest) * 1e-6;
     TakePosition(now);
-    if (isPlaced) {
-        m_bExpectsPlacement = false;
+    if (isPlaced)
         DescribePlacement();
-    } else if (!isSameSurface) {
+    else if (!isSameSurface)
         m_settings.moved = true;
-    }
+    if (!isSameSurface) m_bExpectsPlacement = false;
     ShowChange();
 }
 

@@ -79,7 +79,7 @@ QLayout* ClipPanel::MakeNumbers() {
         "the fields or press Return.");
     auto* const grid = new QGridLayout;
     grid->addWidget(new QLabel(tr("Centre")), 0, 1);
-    grid->addWidget(new QLabel(tr("Normal")), 0, 2);
+    grid->addWidget(new QLabel(tr("Normal, to the side that is kept")), 0, 2);
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const QString name = kAxes[axis];
         const int row = static_cast<int>(axis) + 1;

@@ -257,6 +257,9 @@ TEST_F(MainWindowClip, FollowsWhatIsTypedAndKeepsTheTextMeanwhile) {
     m_window->Clip().FollowViewer();
     EXPECT_EQ(Number("clipNormalX").text(), "2") << "not the unit vector while the user types";
     EXPECT_EQ(Number("clipNormalZ").text(), "1");
+    Trigger("Centre");
+    ASSERT_TRUE(WaitUntil([&] { return Fields()[0] != -12.5; }));
+    EXPECT_EQ(Number("clipNormalX").text(), "2") << "the centre alone has moved";
     typeInto("clipNormalY", "2");
     ASSERT_TRUE(WaitUntil([&] { return std::abs(Normal()[1] - 2 / 3.0f) < 1e-6f; }));
     EXPECT_EQ(Number("clipNormalX").text(), "2") << "the three are typed one after the other";

@@ -201,7 +201,7 @@ TEST_F(MainWindowControls, MarkNoLetterTwiceAmongTheMenuBarAndThePanes) {
 TEST_F(MainWindowControls, NameEveryButtonThatShowsAColourOnly) {
     WriteXdt(m_folder / "a.xdt", 2, 2);
     Import({m_folder / "a.xdt"});
-    EXPECT_EQ(m_window->findChildren<ColorButton*>().size(), 8);
+    EXPECT_EQ(m_window->findChildren<ColorButton*>().size(), 11);
     for (const auto* const button : m_window->findChildren<ColorButton*>()) {
         EXPECT_FALSE(button->accessibleName().isEmpty()) << button->objectName().toStdString();
         EXPECT_FALSE(button->toolTip().isEmpty()) << button->objectName().toStdString();
