@@ -450,7 +450,8 @@ Table Histogram() {
     Enter(
         table, height_histogram::kFindMainPeak,
         +[](Object* o, std::int32_t width, std::int32_t reserved, std::int32_t* index) {
-            return ReportNumber(Call(o, "mainPeak", Words(width, reserved)), 0, g_library->mainPeak, index);
+            *index = g_library->mainPeak;  // also when it fails: the caller must look at the status
+            return Call(o, "mainPeak", Words(width, reserved));
         });
     Enter(
         table, height_histogram::kFindPeaks, +[](Object* o, std::int32_t width, height_histogram::PeakList* list) {
