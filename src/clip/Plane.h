@@ -46,7 +46,7 @@ public:
     /// Makes the polygon's inscribed circle as large as @p extent, in world units.
     void SetRadiusFromExtent(double extent);
     /// Clips with GL_CLIP_PLANE0 in the current context. The view matrix must be in force, without an object's
-    /// transform: OpenGL takes the plane to eye coordinates at this call.
+    /// transform: OpenGL takes the plane to eye coordinates at this call. Programs must write gl_ClipVertex.
     void EnableClipping() const;
     static void DisableClipping();
 

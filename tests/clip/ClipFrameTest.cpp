@@ -242,6 +242,22 @@ TEST_P(ClipFrames, CutATransformedObjectAtTheSamePlaneOfTheWorld) {
     }
 }
 
+// Unlike the boxes of the selection.
+TEST_P(ClipFrames, CutTheBoundingBoxesThatStandForObjects) {
+    Add({.center = {0, 0, 0}, .half = 2}).ComputeBoundingBox();  // columns 112 to 208, rows 72 to 168
+    for (const bool shadows : {false, true}) {
+        SetMode({.name = "", .mode = KV_ScenePane::DrawModeBoundingBoxes, .shadows = shadows});
+        pane->m_bClipPlaneActive = 0;
+        Frame();
+        EXPECT_GT(DrawnPixelsIn(110, 80, 115, 160), 70);
+        Clip({{-1, 0, 0}, {1, 0, 0}});  // column 136
+        Frame();
+        EXPECT_EQ(DrawnPixelsIn(100, 60, 134, 180), 0);
+        EXPECT_GT(DrawnPixelsIn(140, 70, 206, 75), 60);
+        EXPECT_GT(DrawnPixelsIn(206, 80, 211, 160), 70);
+    }
+}
+
 TEST_P(ClipFrames, CutObjectsAndNothingElse) {
     pane->m_vpMeshes.push_back(Plate(true));
     pane->m_vpMeshes.back()->ComputeBoundingBox();

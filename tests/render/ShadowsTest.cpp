@@ -203,7 +203,7 @@ TEST_P(Shadows, StopAtTheClipPlaneWithTheObjects) {
     Frame();
     ExpectPixel(182, 120, Shadow(camera, square.At(camera, 182, 120, kReceiverColor), {}));
     ExpectBackground(186, 120);
-    // During a drag of the plane the clip plane of OpenGL is disabled; the shadow program discards nevertheless.
+    // A drag of the plane shows the objects whole without shadows only: the shadow program discards nevertheless.
     pane->m_nInteractionMode = ModePlaneMove;
     Frame();
     ExpectBackground(186, 120);
