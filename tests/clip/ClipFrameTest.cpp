@@ -243,7 +243,7 @@ TEST_P(ClipFrames, CutATransformedObjectAtTheSamePlaneOfTheWorld) {
 }
 
 // Unlike the boxes of the selection.
-TEST_P(ClipFrames, CutTheBoundingBoxesThatStandForObjects) {
+TEST_P(ClipFrames, CutTheBoxesOfTheBoundingBoxMode) {
     Add({.center = {0, 0, 0}, .half = 2}).ComputeBoundingBox();  // columns 112 to 208, rows 72 to 168
     for (const bool shadows : {false, true}) {
         SetMode({.name = "", .mode = KV_ScenePane::DrawModeBoundingBoxes, .shadows = shadows});

@@ -182,7 +182,7 @@ TEST_F(ClipMethods, CutThePictureBeforeTheyReturn) {
     EXPECT_FALSE(IsSeenAt(-0.9));
 }
 
-TEST_F(ClipMethods, TakeTheDirectionOfANormalOfAnyLength) {
+TEST_F(ClipMethods, UseTheDirectionOfANormalOfAnyLength) {
     pane->SetClipPlane(1, 2, 3, 0.6f, 0, 0.8f);
     const auto unit = plane.m_dMatrix;
     for (const float length : {2.0f, 1e-3f, 1e-30f, 1e30f}) {
@@ -193,7 +193,7 @@ TEST_F(ClipMethods, TakeTheDirectionOfANormalOfAnyLength) {
     ExpectPlane(*pane, {1, 2, 3}, {0, 0, 1}, 0);
 }
 
-TEST_F(ClipMethods, TakeAZeroNormalForTheZAxis) {
+TEST_F(ClipMethods, ReadAZeroNormalAsTheZAxis) {
     pane->SetClipPlaneEnabled(0);
     pane->SetClipPlane(1, 2, 3, 0, 0, 0);
     // A quarter turn about no axis: its cosine, 6e-17, is all that is left, and is normalised to (0, 0, 1).

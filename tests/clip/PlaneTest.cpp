@@ -153,7 +153,7 @@ TEST(Plane, KeepsNumbersThatAreNotFiniteAsTheyCome) {
         EXPECT_FALSE(std::isfinite(plane.GetEquation()[3]));
         plane.SetNormal({0, 1, 0});
         plane.SetCenter({1, 2, 3});
-        ExpectBlock(plane, {1, 0, 0, 0, 0, 1, 0, -1, 0});  // nothing of it is left
+        ExpectBlock(plane, {1, 0, 0, 0, 0, 1, 0, -1, 0});  // the former one has no influence
         ExpectNear(plane.GetCenter(), {1, 2, 3});
     }
 }
