@@ -6,6 +6,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 #include "KV_Components/Geometry.h"
@@ -23,6 +24,7 @@ using KV_ScenePane::ClipHeightKind;
 using KvComponents::Object;
 
 constexpr std::int64_t kMaxSamples = 3703490;
+constexpr std::size_t kMaxSpanCount = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kBinCount = 500;
 constexpr float kSpotRadius = 1.0f, kNeighbourhoodRadius = 12.0f, kEverywhere = FLT_MAX;
 constexpr std::int32_t kMinSpotPoints = 10;
@@ -58,7 +60,6 @@ struct SampleContext {
     std::size_t step = 1;
     float spread = 0.0f;  ///< of a sample in the histogram
     Box box;
-    std::vector<Float3> collected{};
 };
 
 /// Calls visit(position, normal) for each sampled vertex within @p radius of the spot, measured in x and y: the middle
@@ -97,12 +98,14 @@ std::int32_t Sample(const SampleContext& context, float radius, Weighting weight
     return count;
 }
 
-/// Keeps the points of a Sample() that returned @p count: a vector that grew would need up to three times the memory.
-void Collect(SampleContext& context, float radius, std::int32_t count) {
-    context.collected.reserve(static_cast<std::size_t>(count));
+/// The points of a Sample() that returned @p count: a vector that grew would need up to three times the memory.
+std::vector<Float3> Collect(const SampleContext& context, float radius, std::int32_t count) {
+    std::vector<Float3> points;
+    points.reserve(static_cast<std::size_t>(count));
     VisitNearSpot(context, radius, [&](const float* position, const float*) {
-        context.collected.push_back({position[0], position[1], position[2]});
+        points.push_back({position[0], position[1], position[2]});
     });
+    return points;
 }
 
 // ---- the plane fit
@@ -175,7 +178,7 @@ ClipHeightKind KindOfSpot(const std::vector<Float3>& points) {
 }
 
 /// Fills the histogram; returns the rule that holds for it.
-ClipHeightKind SampleSpot(SampleContext& context) {
+ClipHeightKind SampleSpot(const SampleContext& context) {
     if (Sample(context, kSpotRadius, Weighting::FacingUp) < kMinSpotPoints) {
         height_histogram::kReset(context.histogram);
         Sample(context, kEverywhere, Weighting::FacingUp);
@@ -184,8 +187,7 @@ ClipHeightKind SampleSpot(SampleContext& context) {
     }
     // What lies within the spot counts twice.
     const std::int32_t count = Sample(context, kNeighbourhoodRadius, Weighting::FacingUp);
-    Collect(context, kNeighbourhoodRadius, count);
-    return KindOfSpot(context.collected);
+    return KindOfSpot(Collect(context, kNeighbourhoodRadius, count));
 }
 
 // ---- the rules
@@ -198,7 +200,7 @@ struct Profile {
     std::size_t peak = 0;
 };
 
-/// The next peak above the main one that is clearly lower; without one, a standard deviation above it.
+/// The next level above the main one that has clearly fewer points, or else a standard deviation above the main level.
 float HeightOfFlatSpot(const Profile& profile) {
     height_histogram::PeakList peaks{};
     RequireSuccess(height_histogram::kFindPeaks(profile.histogram, profile.window, &peaks));
@@ -230,7 +232,8 @@ float HeightByKind(const Profile& profile, ClipHeightKind kind) {
     return mean;
 }
 
-/// In whole bins; limited, as very thin data has bins far below the smallest spread.
+/// In whole bins, in single precision: a spread of five bins may divide to just above 5, which gives 30 in place of 25.
+/// Limited, as very thin data has bins far below the smallest spread.
 std::int32_t PeakWindow(float spread, float binWidth) {
     return static_cast<std::int32_t>(std::min(5.0f * std::ceil(spread / binWidth), 1e9f));
 }
@@ -244,7 +247,7 @@ std::vector<PointSpan> SpansOf(std::span<const std::shared_ptr<Mesh>> meshes) {
         if (mesh->m_vVertices.empty()) continue;
         const Vertex& first = mesh->m_vVertices.front();
         PointSpan span;
-        span.count = static_cast<std::int32_t>(mesh->m_vVertices.size());
+        span.count = static_cast<std::int32_t>(std::min(mesh->m_vVertices.size(), kMaxSpanCount));
         span.positions = &first.x;
         span.normals = &first.nx;
         spans.push_back(span);

@@ -18,7 +18,8 @@ struct PointSpan {
     const float* normals = nullptr;
 };
 
-/// One span per mesh with vertices, also of hidden ones; valid as long as the vertices are not moved.
+/// One span per mesh with vertices, also of hidden ones; valid as long as the vertices are not moved. Of a mesh with
+/// more than 2^31 - 1 vertices the first ones.
 [[nodiscard]] std::vector<PointSpan> SpansOf(std::span<const std::shared_ptr<Mesh>> meshes);
 
 /// Every how many vertices of each object one is sampled, so that a pass never adds many more than 3.7 million samples.

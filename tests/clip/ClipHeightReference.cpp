@@ -74,8 +74,11 @@ double RmsOfBestPlane(const std::vector<Point>& points) {
     return std::sqrt(std::max(smallest, 0.0));
 }
 
-/// In bins. Five bins are not six because of the last digit.
-int WindowOf(double spread, double width) { return static_cast<int>(5 * std::ceil(spread / width - 1e-6)); }
+/// In bins. In single precision, by which a spread of five bins may be six.
+int WindowOf(float width) {
+    const float spread = std::max(0.1f, 5.0f * width);
+    return static_cast<int>(5.0f * std::ceil(spread / width));
+}
 
 double FlatHeight(const Histogram& histogram, int peak, int window, bool* secondLevel) {
     const double top = histogram.values[static_cast<std::size_t>(peak)];
@@ -140,7 +143,7 @@ ReferenceClipHeight ReferenceEstimate(std::span<const std::shared_ptr<Mesh>> mes
     const auto highest = std::ranges::max_element(histogram.values);
     if (*highest <= 0) return result;
     const auto peak = static_cast<int>(highest - histogram.values.begin());
-    const int window = WindowOf(histogram.spread, histogram.width);
+    const int window = WindowOf(static_cast<float>(histogram.width));
     result.found = true;
     result.kind = kind;
     if (kind == KV_ScenePane::HeightFlatSpot)

@@ -23,13 +23,14 @@ struct Width {
 
 TEST(ClipHeightWindow, IsFiveTimesTheSpreadInWholeBins) {
     const Width rows[] = {
-        {1, 5, 25},                  // five bins, five times
-        {0.03125f, 0.15625f, 25},    //
-        {0.015625f, 0.1f, 35},       // 6.4 bins
-        {0.0625f, 0.3125f, 25},      //
-        {0.0078125f, 0.1f, 65},      // 12.8 bins
-        {0.125f, 0.625f, 25},        //
-        {1e-12f, 0.1f, 1000000000},  // would be beyond an int
+        {1, 5, 25},                               // five bins, five times
+        {0.03125f, 0.15625f, 25},                 //
+        {0.015625f, 0.1f, 35},                    // 6.4 bins
+        {0.0625f, 0.3125f, 25},                   //
+        {0.0078125f, 0.1f, 65},                   // 12.8 bins
+        {0.125f, 0.625f, 25},                     //
+        {0.905302763f, 5.0f * 0.905302763f, 30},  // five bins, which divide to just above 5
+        {1e-12f, 0.1f, 1000000000},               // would be beyond an int
     };
     for (const Width& row : rows) {
         ScriptedLibrary library;
