@@ -59,6 +59,10 @@ void RotatePlane(CKV_ScenePaneCtrl& control, std::int32_t dx, std::int32_t dy) {
 
 }  // namespace
 
+bool CKV_ScenePaneCtrl::IsForPlane(std::uint32_t flags) const {
+    return m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0;
+}
+
 void CKV_ScenePaneCtrl::ShowPlaneHandles(PlaneHandles handles) {
     m_clipPlane.m_bMoveHandleVisible = handles != PlaneHandles::Rotate;
     m_clipPlane.m_bRotateHandlesVisible = handles != PlaneHandles::Move;
@@ -119,7 +123,7 @@ bool CKV_ScenePaneCtrl::DragPlane(std::uint32_t flags, std::int32_t x, std::int3
     }
     const bool rotates = m_nInteractionMode == ModePlaneRotate;
     // Without Ctrl the drag of the view goes on with the next move.
-    if (m_bClipPlaneVisible == 0 || (flags & kMouseCtrl) == 0) {
+    if (!IsForPlane(flags)) {
         EndPlaneDrag(false);
         m_nInteractionMode = rotates ? ModeRotate : ModePan;
         return false;

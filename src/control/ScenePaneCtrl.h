@@ -449,6 +449,8 @@ public:
     void OnRightUp(std::uint32_t flags, std::int32_t x, std::int32_t y);
 
     // ---- clip/PlaneInput.cpp: the clip plane under the mouse
+    /// Whether a mouse input with these flags is for the plane in place of the view: with Ctrl, while it is shown.
+    [[nodiscard]] bool IsForPlane(std::uint32_t flags) const;
     /// Starts a drag of the whole plane and sets the mode; the handles that it does not use are hidden.
     /// @param mode  ModePlaneRotate or ModePlaneMove; ModeIdle only highlights the plane
     void EnterPlaneDrag(std::int32_t x, std::int32_t y, std::int32_t mode);

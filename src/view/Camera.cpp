@@ -127,8 +127,7 @@ void CKV_ScenePaneCtrl::FitViewToScene() {
         m_clipPlane.SetCenter(m_clipPlane.ProjectOntoPlane(ToDouble3(m_fViewCenter)));
     m_clipPlane.SetRadiusFromExtent(0.5 * std::max({extents[0], extents[1], extents[2]}));
     m_clipPlane.m_bHighlighted = false;
-    m_clipPlane.m_bMoveHandleVisible = true;
-    m_clipPlane.m_bRotateHandlesVisible = true;
+    ShowPlaneHandles(PlaneHandles::Both);
 
     SetupViewMatrices();
     InvalidateControl(false);

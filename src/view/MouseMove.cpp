@@ -19,7 +19,7 @@ namespace {
 bool DragView(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
     const bool rotates = control.m_nInteractionMode == ModeRotate;
     // Ctrl pressed during a drag: from here on the travel moves the plane.
-    if (control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0) {
+    if (control.IsForPlane(flags)) {
         control.EnterPlaneDrag(x, y, rotates ? ModePlaneRotate : ModePlaneMove);
         return false;
     }

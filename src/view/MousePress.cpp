@@ -36,14 +36,9 @@ bool ReportPick(CKV_ScenePaneCtrl& control, std::int32_t object, const Float3& h
     return true;
 }
 
-/// Whether an input with these flags is for the plane in place of the view.
-bool IsForPlane(const CKV_ScenePaneCtrl& control, std::uint32_t flags) {
-    return control.m_bClipPlaneVisible != 0 && (flags & kMouseCtrl) != 0;
-}
-
 /// Fits the view and applies the last view mode again, or places the plane, for which the caller repaints.
 void CenterViewOrPlacePlane(CKV_ScenePaneCtrl& control, std::uint32_t flags) {
-    if (IsForPlane(control, flags)) {
+    if (control.IsForPlane(flags)) {
         control.PlaceClipPlaneAtData();
     } else {
         control.FitViewToScene();
@@ -82,7 +77,7 @@ void LeftDownInIdle(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_
     }
     control.BeginDrag(x, y, true);
     // With Ctrl the drag acts on a visible plane. A press that stays idle only highlights it.
-    if (IsForPlane(control, flags)) {
+    if (control.IsForPlane(flags)) {
         const std::int32_t mode = control.m_nInteractionMode == ModeRotate ? ModePlaneRotate
                                   : control.m_nInteractionMode == ModePan  ? ModePlaneMove
                                                                            : ModeIdle;
@@ -237,7 +232,7 @@ void CKV_ScenePaneCtrl::OnMiddleDown(std::uint32_t flags, std::int32_t x, std::i
     m_bAnimationRunning = 0;
     if (m_nInteractionMode != ModeIdle) return;
     if (m_nIgdRotation == 1) {
-        const bool placesPlane = IsForPlane(*this, flags);
+        const bool placesPlane = IsForPlane(flags);
         CenterViewOrPlacePlane(*this, flags);
         if (placesPlane) RefreshControl();
         return;
@@ -246,7 +241,7 @@ void CKV_ScenePaneCtrl::OnMiddleDown(std::uint32_t flags, std::int32_t x, std::i
     m_pWindow->SetCapture();
     BeginDrag(x, y, true);
     m_nInteractionMode = ModeRotate;  // after BeginDrag(): a middle drag never rolls
-    if (IsForPlane(*this, flags)) EnterPlaneDrag(x, y, ModePlaneRotate);
+    if (IsForPlane(flags)) EnterPlaneDrag(x, y, ModePlaneRotate);
 }
 
 void CKV_ScenePaneCtrl::OnDoubleClick(std::uint32_t flags, std::int32_t x, std::int32_t y) {
