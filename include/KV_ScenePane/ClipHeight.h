@@ -6,10 +6,16 @@ namespace KV_ScenePane {
 
 /// The rule that gave the height.
 enum ClipHeightKind : std::int32_t {
-    HeightNotDecided = 0,     ///< no height was found
-    HeightFromAllPoints = 1,  ///< mean height of all points, as too few lie near the spot that is looked at
-    HeightFlatSpot = 2,       ///< the spot is flat: a lower level above its main level, or just above the main level
-    HeightCurvedSpot = 3      ///< the spot is curved: the foot of its main level
+    /// No height was found.
+    HeightNotDecided = 0,
+    /// Too few points lie near the spot that is looked at: the mean height of all points, weighted by how much their
+    /// surfaces face up or sideways. A vertex that faces straight down does not count.
+    HeightFromAllPoints = 1,
+    /// The spot is flat: the next level above the main one that has clearly fewer points, or else a standard deviation
+    /// above the main level.
+    HeightFlatSpot = 2,
+    /// The spot is curved: the foot of its main level.
+    HeightCurvedSpot = 3
 };
 
 struct ClipHeight {

@@ -54,21 +54,20 @@ enum RotationMode : std::int16_t {
 
 /// What a double click does: SetPickMode(). A viewer starts with PickModeOff. In the modes that fire SelectObjCoords a
 /// single left click does the same after SetIGDRotation(1). With FlipMouseButtons() a double click does nothing of
-/// this, and after SetNeedlePickingMode(kVariantTrue) it centres no view.
+/// this, and after SetNeedlePickingMode(kVariantTrue) it neither centres the view nor places the plane.
 enum PickMode : std::int16_t {
-    /// It centres the view.
+    /// It centres the view; with Ctrl, while the clip plane is shown, it places the plane at the data instead.
     PickModeOff = 0,
     /// The same, and the centre cross is drawn.
     PickModeCross = 1,
-    /// On an object it fires SelectObjCoords; beside the objects it centres the view.
+    /// On an object it fires SelectObjCoords; beside the objects it does as PickModeOff.
     PickModeObjects = 2,
     /// As PickModeObjects.
     PickModeObjectsSecond = 3,
     /// As PickModeOff.
     PickModeOffSecond = 4,
     /// On an object it fires SelectObjCoords; beside the objects it does nothing. Pick-point spheres are drawn after
-    /// the
-    /// first pick that has hit.
+    /// the first pick that has hit.
     PickModePoints = 5,
 };
 

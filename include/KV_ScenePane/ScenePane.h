@@ -99,6 +99,9 @@ struct SurfacePoint {
 ///
 /// What a handler or hook throws reaches the caller of the method, ProcessEvents(), SendMouse() or SendKey() in which
 /// it ran. The viewer goes on working; events and repaints that were waiting are handled by the next ProcessEvents().
+/// The same holds for a placement of the shown clip plane by the mouse, which throws as SetClipPlaneEnabled() does: a
+/// double click with Ctrl throws out of ProcessEvents() or SendMouse(), a middle click with Ctrl in the delayed scheme
+/// out of ProcessEvents(). No key places the plane.
 class ScenePane {
 public:
     virtual ~ScenePane() = default;
@@ -114,6 +117,8 @@ public:
     /// g_unix_fd_add(). It stays the same for the life of the viewer and must not be read or closed by the host.
     [[nodiscard]] virtual int EventDescriptor() const = 0;
     /// Handles pending window messages, posted messages, timers and, last, queued repaints. Never blocks.
+    /// @throws std::runtime_error when the mouse places the clip plane and its estimate fails; what handlers and hooks
+    ///         throw
     virtual void ProcessEvents() = 0;
 
     /// False once the window is gone: the host destroyed it or, of an OffScreen viewer, terminated its EGL display, or
@@ -128,8 +133,9 @@ public:
 
     /// Handles one mouse event before it returns, as if the window had received it: the only input of an off-screen
     /// viewer, and for hosts whose toolkit does not pass events on to child windows.
+    /// @throws what ProcessEvents() throws; for a placement only on a double click
     virtual void SendMouse(const MouseInput& input) = 0;
-    /// The same for one key event.
+    /// The same for one key event. Throws only what handlers and hooks throw.
     virtual void SendKey(const KeyInput& input) = 0;
 
     /// Sees every mouse input, of the window and of SendMouse(), before the viewer handles it, also in the delayed
@@ -174,8 +180,7 @@ public:
 /// Creates a viewer.
 /// @param request  read during the call; showMessage is kept
 /// @param reason   receives, as a sentence for the user, why there is none: no display, not an X11 window, no OpenGL.
-/// May
-///                 be null
+///                 May be null
 /// @return null when the window or its context was refused
 /// @throws std::bad_alloc, and what showMessage or the sink of the debugger output throws
 [[nodiscard]] __attribute__((visibility("default"))) std::unique_ptr<ScenePane> CreateScenePane(

@@ -226,7 +226,8 @@ public:
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
     /// Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons pressed together and a click
     /// without movement differ from a drag. Right rotates, right with left or Shift pans, left picks, middle
-    /// centres the view, the wheel is reversed. 0: the direct scheme; a press that waits is dropped.
+    /// centres the view (with Ctrl, while the clip plane is shown, it places the plane at the data), the wheel is
+    /// reversed. 0: the direct scheme; a press that waits is dropped.
     virtual void SetIGDRotation(std::int16_t on) = 0;
     /// Specular reflection of all objects; refreshes.
     /// @param brightness  specular colour and alpha
@@ -371,7 +372,7 @@ public:
     virtual void SetClipPlaneEnabled(std::int32_t displayClipPlane) = 0;
     /// Ends clipping and hides the plane; invalidates with erase.
     virtual void SetClipPlaneDisabled() = 0;
-    /// Places the clip plane and refreshes; what the normal points to is kept.
+    /// Places the clip plane and refreshes; what the normal points to is kept. Does not switch clipping on.
     /// @param centerX, centerY, centerZ  point of the plane, world frame
     /// @param normalX, normalY, normalZ  normal of any length above 0, world frame
     virtual void SetClipPlane(float centerX, float centerY, float centerZ, float normalX, float normalY,

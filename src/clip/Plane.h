@@ -37,7 +37,8 @@ public:
     [[nodiscard]] Double3 GetNormal() const;
     /// Rotates the plane from the Z axis by the shortest way (Rodrigues' formula); a twist about the normal is lost.
     /// The length of @p n does not matter. n = (0, 0, -1) has no shortest way and gives the reflection with -1 on the
-    /// diagonal; n = 0 gives a quarter turn about no axis, a zero block.
+    /// diagonal. n = 0 gives a quarter turn about no axis: a block of the cosine, about 6e-17, on the diagonal, so that
+    /// the normal stays along Z.
     void SetNormal(const Double3& n);
     /// (n, d) with n dot p + d at least 0 on the side that is kept, world frame.
     [[nodiscard]] std::array<double, 4> GetEquation() const;
@@ -68,8 +69,7 @@ public:
     void MoveAlongNormal(double distance);
     /// Starts a drag of the handle that was picked.
     /// @param normalOnScreen  direction of the normal there, of any length; zero when the plane is seen face-on, and
-    /// then
-    ///                        the arrow does not react
+    ///                        the arrow does not react then
     void BeginHandleDrag(std::int32_t x, std::int32_t y, const Double2& centerOnScreen, const Double2& normalOnScreen,
                          const PlaneHandle& pick);
     /// Starts a drag of the plane as a whole.
