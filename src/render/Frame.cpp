@@ -42,9 +42,9 @@ void DrawFrozenImage(const std::uint8_t* pixels, std::int32_t width, std::int32_
 
 // ---- the objects, by draw mode
 
-/// Whether the objects are clipped by GL_CLIP_PLANE0. It is undefined for a vertex shader that does not write
-/// gl_ClipVertex: Mesa then tests positions in clip coordinates against the plane in eye coordinates, and shows all or
-/// nothing. So it is off for the shadow program, which discards instead, and for the passes of the shadow map.
+/// Whether the objects are clipped by GL_CLIP_PLANE0. For a vertex shader that does not write gl_ClipVertex that is
+/// undefined by OpenGL; drivers test gl_Position, in clip coordinates, against the plane in eye coordinates, and show
+/// all or nothing. So it is off for the shadow program, which discards instead, and for the passes of the shadow map.
 bool ClipsByOpenGl(const CKV_ScenePaneCtrl& control) {
     if (control.m_bClipPlaneActive == 0) return false;
     if (control.m_bShadowEnabled != 0 || control.m_nDrawMode == KV_ScenePane::DrawModeShadowMap) return false;

@@ -47,7 +47,8 @@ float highlight() {
 )";
 
 // Mode per pixel: the colour of a fragment is the vertex colour or the texture, times the light colour that carries the
-// tint of the object. gl_ClipVertex is what GL_CLIP_PLANE0 clips: without it the result is undefined.
+// tint of the object. gl_ClipVertex is what GL_CLIP_PLANE0 clips: without it the result is undefined
+// by OpenGL; drivers test gl_Position.
 const std::string kPerPixelVertexMain = R"(
 out vec4 mesh_color;
 
@@ -109,7 +110,8 @@ out float clipDistance0;
 void clip_vertex() { clipDistance0 = dot(clipPlaneEquation0, gl_Vertex); }
 )";
 
-// The programs discard what is clipped: they write no gl_ClipVertex, without which GL_CLIP_PLANE0 is undefined.
+// The programs discard what is clipped: they write no gl_ClipVertex, without which GL_CLIP_PLANE0 is undefined by
+// OpenGL; drivers test gl_Position.
 const std::string kClipFragment = R"(
 uniform int clipPlane0Enabled = 0;
 in float clipDistance0;
