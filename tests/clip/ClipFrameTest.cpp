@@ -211,6 +211,11 @@ TEST_P(ClippedFrames, AreWholeWhileThePlaneIsDraggedExceptWithShadows) {
         else
             EXPECT_EQ(picture.pixels, whole.pixels);
     }
+    for (const InteractionMode mode : {ModeRotate, ModePan}) {  // of the view
+        pane->m_nInteractionMode = mode;
+        Frame();
+        ExpectCut(kHalves[1], whole);
+    }
 }
 
 // ---- cases of their own

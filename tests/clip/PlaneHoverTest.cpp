@@ -231,6 +231,20 @@ TEST_P(PlaneHover, FindsHandlesAllOverALargeWindow) {
     }
 }
 
+// The lower edges of window and frame are one until the next frame: rows count from there.
+TEST_P(PlaneHover, CountsRowsFromTheLowerEdgeOfAWindowThatHasGrownSinceItsFrame) {
+    pane->BlockPaintEvents(KV_ScenePane::kVariantTrue);
+    Resize(320, 300);
+    ASSERT_EQ(pane->m_nHeight, 240);
+    MoveTo(160, 216);
+    EXPECT_FALSE(plane.IsPicked());
+    MoveTo(160, 216 + 60);
+    EXPECT_EQ(plane.GetPick(), kBall0);
+    MoveTo(256, 216 + 60);
+    EXPECT_EQ(plane.GetPick(), kArrow);
+    EXPECT_EQ(pane.window->swaps, 0);
+}
+
 TEST_P(PlaneHover, FindsHandlesOnAScreenOfAnotherScale) {
     const Shown before = ReadShown();
     for (const double scale : {2.0, 0.5}) {

@@ -1,4 +1,6 @@
 // What a press does to the clip plane: a drag of the plane with Ctrl, a drag of the handle under the mouse.
+#include <cmath>
+
 #include "view/InputHelp.h"
 
 namespace {
@@ -73,6 +75,26 @@ TEST(PressOnAHandle, StartsItsDragWithoutACaptureOrADragOfTheView) {
             EXPECT_EQ(c->m_clipPlane.m_drag.pick, pick);
             EXPECT_EQ(c.RepaintRequests(), 0);
         }
+    }
+}
+
+// The view is oblique: centre and normal have both coordinates.
+TEST(PressOnAHandle, RecordsTheCentreAndTheDirectionOfTheNormalInPixels) {
+    InputControl c({.plane = true});
+    const Double3 center{3, -2, 1};
+    c->m_clipPlane.SetNormal({0, 0.6, 0.8});
+    c->m_clipPlane.SetCenter(center);
+    c->m_clipPlane.m_pick = PlaneHandle{0, PlaneHandle::kArrow};
+    c->OnLeftDown(kLeft, kX, kY);
+    Double2 at{}, tip{};
+    c->ProjectPointDouble(center[0], center[1], center[2], &at[0], &at[1]);
+    c->ProjectPointDouble(center[0], center[1] + 0.6, center[2] + 0.8, &tip[0], &tip[1]);
+    const double length = std::hypot(tip[0] - at[0], tip[1] - at[1]);
+    ASSERT_GT(length, 0.1);
+    const Plane::DragRecord& drag = c->m_clipPlane.m_drag;
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_NEAR(drag.centerOnScreen[i], at[i], 1e-6) << i;
+        EXPECT_NEAR(drag.normalOnScreen[i], (tip[i] - at[i]) / length, 1e-6) << i;
     }
 }
 

@@ -69,19 +69,19 @@ TEST(Plane, RotatesFromTheZAxisByTheShortestWay) {
 /// 3 x 3, row by row.
 using Block = std::array<std::array<long double, 3>, 3>;
 
-/// The rotation that takes Z to the unit vector of @p n by the shortest way: the product of two reflections, first at
-/// the plane across Z + n, then at the one across n. No angle and no axis.
-Block FromZByReflections(const Double3& n) {
+/// The rotation that takes Z to the unit vector of @p n by the shortest way: the product of two half turns, first about
+/// Z, then about Z + n. No angle, and no axis from a vector product.
+Block FromZByHalfTurns(const Double3& n) {
     const long double x = n[0], y = n[1], z = n[2], length = std::sqrt(x * x + y * y + z * z);
     const std::array<long double, 3> unit{x / length, y / length, z / length};
-    // Across the sum of both: twice its dyad over its square, less 1. Near -Z the sum is small: 1 + z by x and y there.
+    // About the sum of both: twice its dyad over its square, less 1. Near -Z the sum is small: 1 + z by x and y there.
     const long double across = unit[0] * unit[0] + unit[1] * unit[1];
     const long double rest = unit[2] < 0 ? across / (1 - unit[2]) : 1 + unit[2];  // 1 + z
     const std::array<long double, 3> sum{unit[0], unit[1], rest};
     Block block{};
     for (std::size_t i = 0; i < 3; ++i)
         for (std::size_t j = 0; j < 3; ++j) {
-            // A half turn about the sum takes Z to n. Before it a half turn about Z: together the shortest way.
+            // The half turn about the sum takes Z to n. The one about Z before it changes the sign of columns 0 and 1.
             const long double halfTurn = sum[i] * sum[j] / rest - (i == j ? 1 : 0);  // |sum|^2 = 2 (1 + z)
             block[i][j] = j == 2 ? halfTurn : -halfTurn;
         }
@@ -92,7 +92,7 @@ Block FromZByReflections(const Double3& n) {
 /// either pole the angle is lost.
 double AngleRounding(double sine) { return std::min(3e-8, 1e-15 + 5e-16 / sine); }
 
-TEST(Plane, RotatesFromTheZAxisAsTwoReflectionsDo) {
+TEST(Plane, RotatesFromTheZAxisAsTwoHalfTurnsDo) {
     constexpr double kPi = std::numbers::pi;
     std::vector<double> fromZ;
     for (double angle = 1e-11; angle < 0.1; angle *= 1.7) fromZ.push_back(angle);
@@ -108,7 +108,7 @@ TEST(Plane, RotatesFromTheZAxisAsTwoReflectionsDo) {
                     Plane plane;
                     plane.SetCenter({1, 2, 3});
                     plane.SetNormal(n);
-                    const Block expected = FromZByReflections(n);
+                    const Block expected = FromZByHalfTurns(n);
                     for (std::size_t row = 0; row < 3; ++row)
                         for (std::size_t column = 0; column < 3; ++column) {
                             ASSERT_NEAR(plane.m_dMatrix[column * 4 + row], static_cast<double>(expected[row][column]),
@@ -130,7 +130,7 @@ TEST(Plane, KeepsTheDirectionOfATiltThatTheAngleLoses) {
         }
 }
 
-TEST(Plane, CountsAsAlongZByTheSmallerOfOneAndTheLengthOfTheNormal) {
+TEST(Plane, BecomesTheIdentityForNormalsAlongZOfAnyLength) {
     const auto isIdentity = [](const Double3& n) {
         Plane plane;
         plane.SetNormal({1, 1, 1});
@@ -189,6 +189,7 @@ TEST(Plane, TreatsAZeroNormalAsAQuarterTurnAboutNoAxis) {
     Plane plane;
     plane.SetNormal({0, 0, 0});  // acos 0 about a zero axis: only the cosine remains, on the diagonal
     ExpectBlock(plane, {0, 0, 0, 0, 0, 0, 0, 0, 0});
+    ExpectNear(plane.GetNormal(), {0, 0, 1});  // that cosine is about 6e-17, not 0
 }
 
 TEST(Plane, LosesATwistWhenItsOwnNormalIsSetAgain) {

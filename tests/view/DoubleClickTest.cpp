@@ -139,6 +139,25 @@ TEST(DoubleClick, WithCtrlAndAVisiblePlaneDoesNotCenterTheView) {
     ExpectView(*c, centered);
 }
 
+TEST(DoubleClick, WithCtrlPlacesAVisiblePlaneInEveryPickModeExceptThatOfPoints) {
+    PlateControl c;
+    c->InitializeKVReg();
+    for (int pickMode = -1; pickMode <= 6; ++pickMode) {
+        SCOPED_TRACE(pickMode);
+        c.SetAll({.plane = true});
+        SetPickMode(c, pickMode);
+        c->m_clipHeight = {};
+        c->m_clipPlane.SetCenter({100, 200, 300});
+        const ExpectedView view = ExpectedView::Of(*c);
+        c->OnDoubleClick(kLeft | kCtrl, kBesideX, kBesideY);
+        ExpectView(*c, view);
+        const bool places = pickMode != KV_ScenePane::PickModePoints;
+        EXPECT_EQ(c->m_clipHeight.found, places);
+        EXPECT_EQ(c->m_clipPlane.GetCenter() == (Double3{100, 200, 300}), !places);
+    }
+    c->FinalizeKVReg();
+}
+
 TEST(DoubleClick, InNeedlePickingModeDoesNotCenterTheView) {
     PlateControl c;
     c->m_bNeedlePickingMode = 1;
