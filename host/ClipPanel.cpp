@@ -26,8 +26,10 @@ double Shown(float value) {
     return std::round(exact * scale) / scale + 0.0;
 }
 
-void ShowNumbers(const std::vector<NumberBox*>& boxes, const std::array<float, 3>& values) {
+void ShowNumbers(const std::vector<NumberBox*>& boxes, const std::array<float, 3>& values,
+                 const NumberBox* edited = nullptr) {
     for (std::size_t axis = 0; axis < boxes.size(); ++axis) {
+        if (boxes[axis] == edited) continue;
         const QSignalBlocker quiet(boxes[axis]);
         boxes[axis]->setValue(Shown(values[axis]));
     }
@@ -38,6 +40,21 @@ double Along(const std::array<float, 3>& normal, const std::array<float, 3>& poi
     double sum = 0.0;
     for (std::size_t i = 0; i < 3; ++i) sum += static_cast<double>(normal[i]) * static_cast<double>(point[i]);
     return sum;
+}
+
+/// Whether both centres are in one surface with this normal, up to rounding: each number has half a unit in the last
+/// place of a float, and the viewer has calculated with doubles.
+bool AreInOneSurface(const std::array<float, 3>& normal, const std::array<float, 3>& a, const std::array<float, 3>& b) {
+    constexpr double kFloat = 0x1p-24, kDouble = 1e-12;
+    double offset = 0.0, limit = 0.0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double n = static_cast<double>(normal[i]);
+        const double difference = static_cast<double>(a[i]) - static_cast<double>(b[i]);
+        const double size = std::abs(static_cast<double>(a[i])) + std::abs(static_cast<double>(b[i]));
+        offset += n * difference;
+        limit += std::abs(n) * kFloat * (size + std::abs(difference)) + kDouble * size;
+    }
+    return std::abs(offset) <= limit;
 }
 
 bool IsFinite(const std::array<float, 3>& point) {
@@ -63,13 +80,18 @@ QString CutAwayText() {
         "The clip plane cuts away all objects: flip it, place it at the data, or switch clipping off.");
 }
 
+QString NoObjectsText() {
+    return ClipPanel::tr("There are no objects: the clip plane is placed at the first ones that are opened.");
+}
+
 }  // namespace
 
 void ClipPanel::SetViewer(KV_ScenePane::ScenePane* viewer) {
     m_pViewer = viewer;
     setEnabled(viewer != nullptr);
     m_bExpectsPlacement = false;
-    m_placement.clear();
+    m_outcome = Outcome::None;
+    m_unmoved.reset();
     m_vBoxes.clear();
     m_bHasObjects = false;
     if (viewer != nullptr) {
@@ -89,7 +111,10 @@ void ClipPanel::SwitchClipping(bool on) {
         Place();
     else
         ApplyPlane();
-    if (on) WarnIfAllIsCutAway(true);
+    if (on)
+        WarnIfAllIsCutAway();
+    else
+        ForgetFailedPlacement();
     ShowChange();
 }
 
@@ -128,15 +153,15 @@ void ClipPanel::Flip() {
 void ClipPanel::Reset() {
     if (m_pViewer == nullptr) return;
     m_settings = {};
-    m_placement.clear();
+    m_outcome = Outcome::None;
     ApplyAll();
     ShowChange();
 }
 
 void ClipPanel::EditCenter(std::size_t axis, double value) {
     if (m_pViewer == nullptr) return;
-    FollowViewer();
-    Position wanted{m_settings.center, m_settings.normal};
+    StorePosition(ReadPosition(), m_vCenter.at(axis));  // it may have changed since the last frame
+    Position wanted = InSettings();
     wanted.center.at(axis) = static_cast<float>(value);
     Move(wanted);
 }
@@ -144,10 +169,13 @@ void ClipPanel::EditCenter(std::size_t axis, double value) {
 void ClipPanel::EditNormal() {
     if (m_pViewer == nullptr) return;
     const Point typed = TypedNormal();
-    if (typed == Point{})
+    if (typed == Point{}) {
         ShowText();  // no direction: the plane stays
-    else
-        Move({m_settings.center, typed});
+        return;
+    }
+    const Point center = ReadPosition().center;
+    if (center != m_settings.center) ShowNumbers(m_vCenter, center);
+    Move({center, typed});
 }
 
 void ClipPanel::EndNormalEdit() {
@@ -171,6 +199,9 @@ void ClipPanel::Move(const Position& wanted) {
     m_settings.center = now.center;
     m_settings.normal = now.normal;
     m_settings.moved = true;
+    m_unmoved.reset();
+    m_bExpectsPlacement = false;
+    ForgetFailedPlacement();
     ShowChange();
 }
 
@@ -201,7 +232,8 @@ void ClipPanel::ApplyPlane() {
     const auto& [x, y, z] = m_settings.center;
     const auto& [normalX, normalY, normalZ] = m_settings.normal;
     methods.SetClipPlane(x, y, z, normalX, normalY, normalZ);
-    TakePosition(ReadPosition());
+    StorePosition(ReadPosition());
+    if (!m_settings.moved) m_unmoved = InSettings();
 }
 
 void ClipPanel::Place() {
@@ -215,12 +247,14 @@ void ClipPanel::Place() {
     m_settings.on = true;
     if (!m_settings.shown) methods.SetClipPlaneEnabled(0);  // a hidden plane is not placed
     methods.PerformInvalidate();                            // an exception leaves no repaint
-    TakePosition(ReadPosition());
+    StorePosition(ReadPosition());
     if (failure.isEmpty()) {
-        DescribePlacement();
+        StorePlacement();
     } else {
-        m_placement = tr("Not placed at the data: %1").arg(failure);
-        emit Report(tr("Clipping is on with the plane as it was, it was not placed at the data: %1").arg(failure));
+        m_outcome = Outcome::Failed;
+        m_failure = failure;
+        emit Report(tr("The clip plane was not placed at the data: %1. Clipping is on, and the plane is where it was.")
+                        .arg(failure));
     }
 }
 
@@ -232,47 +266,52 @@ ClipPanel::Position ClipPanel::ReadPosition() const {
     return p;
 }
 
-void ClipPanel::DescribePlacement() {
-    const KV_ScenePane::ClipHeight height = m_pViewer->GetClipHeight();
-    const QString number = QString::fromStdString(NumberText(height.height));
+bool ClipPanel::IsAtFoundHeight(const Position& position) const {
+    return position.normal == Point{0, 0, 1} && position.center[2] == m_pViewer->GetClipHeight().height;
+}
+
+void ClipPanel::StorePlacement() {
     m_settings.moved = false;
-    m_placement = tr("Height found in the data: %1 (%2)").arg(number, RuleText(height.kind));
-    if (height.found) return;
-    m_placement = m_pViewer->Methods().GetNumObjects() > 0
-                      ? tr("No height was found in the data: the clip plane is at z = %1.").arg(number)
-                      : tr("There are no objects: the clip plane is placed at the first ones that are opened.");
-    emit Report(m_placement);
+    m_unmoved = InSettings();
+    const bool hasObjects = m_pViewer->Methods().GetNumObjects() > 0;
+    m_outcome = !hasObjects ? Outcome::None : m_pViewer->GetClipHeight().found ? Outcome::Found : Outcome::NotFound;
+    if (m_outcome != Outcome::Found) emit Report(hasObjects ? PlacementText() : NoObjectsText());
+}
+
+void ClipPanel::ForgetFailedPlacement() {
+    if (m_outcome != Outcome::Found) m_outcome = Outcome::None;
 }
 
 // ---- what happened in the viewer
 
 void ClipPanel::FollowViewer() {
     if (m_pViewer == nullptr) return;
-    const Position now = ReadPosition();
-    const Position before{m_settings.center, m_settings.normal};
-    if (now == before) return;
-    const KV_ScenePane::ClipHeight height = m_pViewer->GetClipHeight();
-    const bool isPlaced = m_bExpectsPlacement && now.normal == Point{0, 0, 1} && now.center[2] == height.height;
-    // A view that is fitted slides the plane within its own surface, by no more than floats can tell.
-    const double offset = Along(now.normal, now.center) - Along(now.normal, before.center);
-    const float largest =
-        std::max({1.0f, std::abs(now.center[0]), std::abs(now.center[1]), std::abs(now.center[2]),
-                  std::abs(before.center[0]), std::abs(before.center[1]), std::abs(before.center[2])});
-    const bool isSameSurface = now.normal == before.normal && std::abs(offset) <= static_cast<double>(largest) * 1e-6;
-    TakePosition(now);
-    if (isPlaced)
-        DescribePlacement();
-    else if (!isSameSurface)
-        m_settings.moved = true;
-    if (!isSameSurface) m_bExpectsPlacement = false;
+    const Position now = ReadPosition(), before = InSettings();
+    const bool isPlaced = m_bExpectsPlacement && IsAtFoundHeight(now);
+    // A placement may leave the plane where it is.
+    const bool isNews = isPlaced && (m_settings.moved || m_outcome == Outcome::None);
+    if (now == before && !isNews) return;
+    // A view that is fitted slides the plane within its own surface.
+    const auto isSameSurface = [&](const Position& other) {
+        return now.normal == other.normal && AreInOneSurface(now.normal, now.center, other.center);
+    };
+    StorePosition(now);
+    if (isPlaced) {
+        StorePlacement();
+    } else if (m_unmoved) {  // not only since the last frame: a slow drag moves it by little from frame to frame
+        m_settings.moved = !isSameSurface(*m_unmoved);
+        if (m_settings.moved) ForgetFailedPlacement();
+    }
+    // Not with a plane that has stayed: a press of the mouse may be delayed.
+    if (!isSameSurface(before)) m_bExpectsPlacement = false;
     ShowChange();
 }
 
-void ClipPanel::TakePosition(const Position& position) {
+void ClipPanel::StorePosition(const Position& position, const NumberBox* edited) {
     const bool hasTurned = position.normal != m_settings.normal;
     m_settings.center = position.center;
     m_settings.normal = position.normal;
-    ShowNumbers(m_vCenter, m_settings.center);
+    ShowNumbers(m_vCenter, m_settings.center, edited);
     if (hasTurned) ShowNumbers(m_vNormal, m_settings.normal);
 }
 
@@ -281,11 +320,11 @@ void ClipPanel::FollowScene() {
     FollowViewer();
     const bool hadObjects = m_bHasObjects;
     ReadBoxes();
-    if (!m_bHasObjects) m_placement.clear();
+    if (!m_bHasObjects) m_outcome = Outcome::None;
     // Nobody has chosen the place of the plane yet, or the place was one in a scene that is gone.
     const bool isFirst = !hadObjects && m_bHasObjects;
     if (m_settings.on && isFirst && !m_settings.moved) Place();
-    WarnIfAllIsCutAway(isFirst);
+    WarnIfAllIsCutAway();
     ShowChange();
 }
 
@@ -296,6 +335,7 @@ void ClipPanel::ReadBoxes() {
     m_bHasObjects = count > 0;
     m_vBoxes.reserve(static_cast<std::size_t>(count));
     for (std::int16_t i = 0; i < count; ++i) {
+        if (m_isHidden(i)) continue;
         Box box;
         methods.GetObjectBoundingBox(i, &box.low[0], &box.high[0], &box.low[1], &box.high[1], &box.low[2],
                                      &box.high[2]);
@@ -313,13 +353,24 @@ bool ClipPanel::CutsAwayAll() const {
     });
 }
 
-void ClipPanel::WarnIfAllIsCutAway(bool always) {
-    if (!IsClipping() || !CutsAwayAll() || (m_bCutAwayReported && !always)) return;
+void ClipPanel::WarnIfAllIsCutAway() {
+    if (m_bCutAwayReported || !IsClipping() || !CutsAwayAll()) return;
     m_bCutAwayReported = true;
     emit Report(CutAwayText());
 }
 
 // ---- what is shown
+
+QString ClipPanel::PlacementText() const {
+    if (m_outcome == Outcome::Failed) return tr("Not placed at the data: %1").arg(m_failure);
+    if (m_outcome == Outcome::None)
+        return IsClipping() && !m_bHasObjects && !m_settings.moved ? NoObjectsText() : QString();
+    const KV_ScenePane::ClipHeight height = m_pViewer->GetClipHeight();
+    const QString number = QString::fromStdString(NumberText(height.height));
+    if (m_outcome == Outcome::NotFound)
+        return tr("No height was found in the data: the clip plane is at z = %1.").arg(number);
+    return tr("Height found in the data: %1 (%2)").arg(number, RuleText(height.kind));
+}
 
 void ClipPanel::ShowSwitches() {
     const QSignalBlocker quietOn(m_pOn), quietShown(m_pShown);
@@ -343,7 +394,7 @@ void ClipPanel::ShowText() {
     QFont font = m_pText->font();
     font.setBold(!texts.isEmpty());
     m_pText->setFont(font);
-    if (!m_placement.isEmpty()) texts << m_placement;
+    if (const QString placement = PlacementText(); !placement.isEmpty()) texts << placement;
     m_pText->setText(texts.join('\n'));
     if (m_bNormalMarked == isZero) return;
     m_bNormalMarked = isZero;

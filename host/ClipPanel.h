@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -26,8 +28,10 @@ public:
     explicit ClipPanel(const ClipSettings& settings, QWidget* parent = nullptr);
     /// @param viewer  must outlive the panel or be replaced by null; null disables the panel, which keeps its settings
     void SetViewer(KV_ScenePane::ScenePane* viewer);
+    /// @param isHidden  whether the user has hidden the object with this index; without it no object is hidden
+    void SetHiddenObjects(std::function<bool(int index)> isHidden) { m_isHidden = std::move(isHidden); }
 
-    /// As they are now, of the viewer if there is one.
+    /// The present ones. With a viewer they are what the viewer shows, as of the last FollowViewer().
     [[nodiscard]] const ClipSettings& Settings() const { return m_settings; }
     /// With a viewer.
     [[nodiscard]] bool IsClipping() const { return m_pViewer != nullptr && m_settings.on; }
@@ -49,7 +53,7 @@ public:
     void ExpectPlacement() { m_bExpectsPlacement = true; }
     /// It has handled input and drawn frames. No event reports that the plane was moved.
     void FollowViewer();
-    /// Objects were added or removed.
+    /// Objects were added, removed, hidden or shown.
     void FollowScene();
 
 signals:
@@ -67,6 +71,8 @@ private:
         Point center{}, normal{};
         friend bool operator==(const Position&, const Position&) = default;
     };
+    /// What the last placement at the data found. Failed: it threw.
+    enum class Outcome { None, Found, NotFound, Failed };
 
     void MakeSwitches();
     QLayout* MakeNumbers();
@@ -90,17 +96,25 @@ private:
     void ApplyPlane();
     /// Clips and lets the viewer place the plane. Reports an exception, and a height that was not found.
     void Place();
+    [[nodiscard]] Position InSettings() const { return {m_settings.center, m_settings.normal}; }
     /// Of the viewer; of the settings when a coordinate is not finite.
     [[nodiscard]] Position ReadPosition() const;
-    /// A position of the viewer becomes that of the settings; the fields show what differs.
-    void TakePosition(const Position& position);
-    /// Sets and reports the text about the placement that the viewer has just made.
-    void DescribePlacement();
-    /// Reads the boxes of all objects.
+    /// Stores a position of the viewer in the settings; the fields show what differs.
+    /// @param edited  a field that is not written, because the user is typing in it
+    void StorePosition(const Position& position, const NumberBox* edited = nullptr);
+    /// Whether a horizontal plane is at the height of the last placement at the data.
+    [[nodiscard]] bool IsAtFoundHeight(const Position& position) const;
+    /// Stores the outcome of the placement that the viewer has just made; reports a height that was not found.
+    void StorePlacement();
+    /// The plane is no longer where a placement left it that found nothing or threw.
+    void ForgetFailedPlacement();
+    /// The height of the last placement or why there is none; empty before.
+    [[nodiscard]] QString PlacementText() const;
+    /// Reads the boxes of the objects that are not hidden.
     void ReadBoxes();
     [[nodiscard]] bool CutsAwayAll() const;
-    /// @param always  also when it was reported for this plane already
-    void WarnIfAllIsCutAway(bool always);
+    /// Reports it, once until the plane or the scene is another one.
+    void WarnIfAllIsCutAway();
 
     void ShowSwitches();
     /// Switches and numbers.
@@ -116,8 +130,13 @@ private:
     bool m_bHasObjects = false;  // as FollowScene() found it
     bool m_bCutAwayReported = false;
     bool m_bNormalMarked = false;
-    std::vector<Box> m_vBoxes;  // of the objects that have one
-    QString m_placement;        // about the last placement; empty before
+    std::function<bool(int index)> m_isHidden = [](int) { return false; };
+    std::vector<Box> m_vBoxes;  // of the shown objects that have one
+    Outcome m_outcome = Outcome::None;
+    QString m_failure;  // of Outcome::Failed: why
+    /// Where nobody has moved the plane; a drag that leads back there does not count. Empty when fields, buttons or an
+    /// earlier start have set the plane.
+    std::optional<Position> m_unmoved;
     QCheckBox *m_pOn, *m_pShown;
     std::vector<NumberBox*> m_vCenter, m_vNormal;
     std::vector<std::pair<ColorButton*, std::int32_t ClipSettings::*>> m_vColors;

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <algorithm>
+#include <limits>
 
 #include "ClipPanel.h"
 #include "ColorButton.h"
@@ -15,8 +16,9 @@
 namespace {
 
 constexpr int kDecimals = 6;
-constexpr double kMaxNormal = 1e6;  // of any length: only the direction counts
-constexpr int kMinFieldWidth = 90;  // pixels, about ten digits
+constexpr double kMaxCenter = std::numeric_limits<float>::max();  // every position of the viewer
+constexpr double kMaxNormal = 1e6;                                // of any length: only the direction counts
+constexpr int kMinFieldWidth = 90;                                // pixels, about ten digits
 
 constexpr const char* kAxes[] = {"X", "Y", "Z"};
 
@@ -58,7 +60,8 @@ ClipPanel::ClipPanel(const ClipSettings& settings, QWidget* parent)
 void ClipPanel::MakeSwitches() {
     m_pOn->setObjectName("clipOn");
     m_pOn->setToolTip(
-        tr("Objects are cut off behind the plane. A plane that you have not moved is placed at the data; one that you "
+        tr("What lies on the side away from the normal is cut off. A plane that you have not moved is placed at the "
+           "data; one that you "
            "have moved stays where it is, also at the next start."));
     connect(m_pOn, &QCheckBox::toggled, this, &ClipPanel::SwitchClipping);
     m_pShown->setObjectName("clipShown");
@@ -83,8 +86,7 @@ QLayout* ClipPanel::MakeNumbers() {
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const QString name = kAxes[axis];
         const int row = static_cast<int>(axis) + 1;
-        auto* const center = MakeNumber("clipCenter" + name, tr("Centre %1").arg(name), centerTip,
-                                        static_cast<double>(kMaxClipCoordinate), 1.0);
+        auto* const center = MakeNumber("clipCenter" + name, tr("Centre %1").arg(name), centerTip, kMaxCenter, 1.0);
         connect(center, &NumberBox::valueChanged, this, [this, axis](double value) { EditCenter(axis, value); });
         auto* const normal = MakeNumber("clipNormal" + name, tr("Normal %1").arg(name), normalTip, kMaxNormal, 0.1);
         connect(normal, &NumberBox::valueChanged, this, &ClipPanel::EditNormal);
@@ -161,15 +163,15 @@ void ClipPanel::Arrange() {
     auto* const buttons = new QHBoxLayout;
     buttons->addWidget(place);
     buttons->addWidget(reset);
-    auto* const hint = new QLabel(
-        tr("In the viewer: drag the arrow to move the plane, a ball to tilt it, anything with Ctrl to turn or push it; "
-           "Escape takes a handle's drag back. Up, Down: by 1. Ctrl + double click: place at data."));
+    auto* const hint = new QLabel(tr(
+        "In the viewer: drag the arrow to move the plane, a ball to tilt it; Ctrl with a rotating or moving drag turns "
+        "or pushes it. Escape takes a handle's drag back. Up, Down: by 1. Ctrl + double click: place at data."));
     hint->setObjectName("clipHint");
     hint->setWordWrap(true);
     hint->setToolTip(tr(
         "While the plane is shown. Ctrl with a drag that rotates the view turns the plane, with one that moves the "
-        "view "
-        "pushes it along its normal.\nUp and Down move it by 1 scene unit while the viewer has the keyboard, that is "
+        "view pushes it along its normal.\nUp and Down move it by 1 scene unit while the viewer has the keyboard, that "
+        "is "
         "after a click in it.\nWith delayed mouse buttons, Ctrl + middle click places the plane at the data as well; "
         "with flipped ones a double click does nothing."));
     auto* const column = new QVBoxLayout(this);

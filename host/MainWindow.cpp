@@ -204,7 +204,9 @@ bool MainWindow::SaveScreenShot(const std::string& path) {
 }
 
 void MainWindow::ShowObject(int index, bool visible) {
-    if (Pane() != nullptr) Pane()->Methods().SetObjectVisibility(static_cast<std::int16_t>(index), visible ? 1 : 0);
+    if (Pane() == nullptr) return;
+    Pane()->Methods().SetObjectVisibility(static_cast<std::int16_t>(index), visible ? 1 : 0);
+    m_pClip->FollowScene();
 }
 
 void MainWindow::ColorObject(int index, std::int32_t packed) {

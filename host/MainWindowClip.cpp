@@ -7,6 +7,7 @@
 #include "ClipPanel.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
+#include "ObjectList.h"
 #include "Settings.h"
 #include "ViewerWidget.h"
 
@@ -17,6 +18,7 @@ constexpr int kStorageDelayMs = 1000;  // a drag changes the plane with each fra
 void MainWindow::MakeClipPanel() {
     m_storedClip = StoredClip();
     m_pClip = new ClipPanel(m_storedClip);
+    m_pClip->SetHiddenObjects([this](int index) { return m_pObjects->IsHidden(index); });
     m_pClipStorage = new QTimer(this);
     m_pClipStorage->setSingleShot(true);
     m_pClipStorage->setInterval(kStorageDelayMs);
@@ -50,7 +52,7 @@ void MainWindow::MakeClipMenu(QMenu& menu) {
 }
 
 void MainWindow::FollowClip() {
-    // These ask for what the panel has already, so nothing comes back.
+    // No recursion: the panel ignores a switch that asks for its present state.
     m_pClipOn->setChecked(m_pClip->Settings().on);
     m_pClipShown->setChecked(m_pClip->Settings().shown);
     m_pClipState->setVisible(m_pClip->IsClipping());

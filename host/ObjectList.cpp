@@ -70,6 +70,11 @@ void ObjectList::ShowColor(int index, std::int32_t packed) {
     static_cast<ColorButton*>(itemWidget(topLevelItem(index), kColor))->SetPacked(packed);
 }
 
+bool ObjectList::IsHidden(int index) const {
+    const QTreeWidgetItem* const item = topLevelItem(index);
+    return item != nullptr && item->checkState(kName) != Qt::Checked;
+}
+
 void ObjectList::DeleteSelected() {
     if (QTreeWidgetItem* const item = currentItem()) emit DeletionWanted(indexOfTopLevelItem(item));
 }

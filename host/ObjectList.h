@@ -20,6 +20,8 @@ public:
     void RemoveObject(int index);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
+    /// Whether the row exists and has no check mark.
+    [[nodiscard]] bool IsHidden(int index) const;
     /// For the first layout only; the user can resize the pane.
     /// Wide enough for all columns but the boxes.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }

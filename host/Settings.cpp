@@ -35,7 +35,7 @@ std::int32_t ReadColor(const QSettings& stored, const char* key, std::int32_t ot
     return isNumber && color >= 0 && color <= 0xFFFFFF ? color : otherwise;
 }
 
-/// Centre, then normal; nothing unless all six numbers are a plane that the pane can show.
+/// Centre, then normal; nothing unless all six numbers are finite and the normal has a direction.
 std::optional<std::array<float, 6>> ReadPlane(const QSettings& stored) {
     const QStringList texts = stored.value(kClipPlane).toStringList();
     std::array<float, 6> plane{};
@@ -43,7 +43,7 @@ std::optional<std::array<float, 6>> ReadPlane(const QSettings& stored) {
     for (std::size_t i = 0; i < plane.size(); ++i) {
         bool isNumber = false;
         plane[i] = texts[static_cast<qsizetype>(i)].toFloat(&isNumber);  // out of the range of a float: no number
-        if (!isNumber || !(std::abs(plane[i]) <= kMaxClipCoordinate)) return std::nullopt;
+        if (!isNumber || !std::isfinite(plane[i])) return std::nullopt;
     }
     const bool hasDirection = std::any_of(plane.begin() + 3, plane.end(), [](float part) { return part != 0.0f; });
     return hasDirection ? std::optional(plane) : std::nullopt;
@@ -58,12 +58,12 @@ void SetSmoothEdges(bool on) { Stored().setValue(kSmoothEdges, on); }
 ClipSettings StoredClip() {
     const QSettings stored = Stored();
     ClipSettings clip;
-    clip.on = ReadBool(stored, kClipOn, clip.on);
     clip.shown = ReadBool(stored, kClipShown, clip.shown);
     if (const auto plane = ReadPlane(stored)) {
         std::copy_n(plane->begin(), 3, clip.center.begin());
         std::copy_n(plane->begin() + 3, 3, clip.normal.begin());
         clip.moved = ReadBool(stored, kClipMoved, clip.moved);
+        clip.on = ReadBool(stored, kClipOn, clip.on);
     }
     clip.color = ReadColor(stored, kClipColor, clip.color);
     clip.handleColor = ReadColor(stored, kClipHandleColor, clip.handleColor);

@@ -28,9 +28,7 @@ struct ClipSettings {
     friend bool operator==(const ClipSettings&, const ClipSettings&) = default;
 };
 
-/// Greatest coordinate of a plane, in both directions: what its fields can show.
-inline constexpr float kMaxClipCoordinate = 1e7f;
-
-/// What was stored last. Values that are missing or not valid are those of a first start; a plane is valid as a whole.
+/// What was stored last. Values that are missing or not valid are those of a first start. A plane is valid as a whole,
+/// and without a valid one nothing is clipped.
 [[nodiscard]] ClipSettings StoredClip();
 void StoreClip(const ClipSettings& clip);

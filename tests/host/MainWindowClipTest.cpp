@@ -50,7 +50,7 @@ TEST_F(MainWindowClip, KeepsThePlaneThatTheUserMovedWhenItIsSwitchedOffAndOn) {
     EXPECT_EQ(Normal(), (Point{1, 0, 0}));
     Shown().click();
     Shown().click();
-    EXPECT_EQ(Center(), (Point{50, 50, 3.25f})) << "the viewer places a plane that it is told to show";
+    EXPECT_EQ(Center(), (Point{50, 50, 3.25f})) << "the viewer places a plane that is to be shown";
     EXPECT_EQ(Normal(), (Point{1, 0, 0}));
 }
 
@@ -121,6 +121,27 @@ TEST_F(MainWindowClip, FollowsWhatIsTypedAndKeepsTheTextMeanwhile) {
     EXPECT_LT(Number("clipNormalZ").value(), 1.0) << "the keyboard has left the normal";
     ExpectFieldsOfTheViewer();
     EXPECT_TRUE(On().isChecked()) << "typed letters and digits are no shortcuts";
+}
+
+TEST_F(MainWindowClip, KeepsWhatIsTypedWhenTheViewerHasMovedThePlaneJustBefore) {
+    On().click();
+    Number("clipCenterX").setValue(3);
+    Trigger("Centre");  // the plane goes to x = 50, and no frame follows yet
+    Number("clipCenterX").setValue(7);
+    EXPECT_EQ(Center(), (Point{7, 50, 10}));
+    EXPECT_EQ(Fields()[0], 7);
+    Trigger("Centre");
+    Number("clipNormalX").setValue(1);
+    EXPECT_EQ(Center(), (Point{50, 50, 10}));
+    EXPECT_EQ(Fields()[0], 50);
+}
+
+TEST_F(MainWindowClip, KeepsItsNumbersWhileThePlaneOfTheViewerHasNone) {
+    On().click();
+    Methods().SetClipPlane(NAN, 1, 2, 0, 0, 1);
+    m_window->Clip().FollowViewer();
+    EXPECT_EQ(Fields(), (std::array<double, 6>{50, 50, 10, 0, 0, 1}));
+    EXPECT_EQ(Settings().center, (Point{50, 50, 10}));
 }
 
 TEST_F(MainWindowClip, KeepsThePlaneAndMarksANormalWithoutDirection) {
@@ -196,6 +217,20 @@ TEST_F(MainWindowClip, FollowsADragThatEscapeTakesBack) {
     Xdotool("mouseup 1");
 }
 
+TEST_F(MainWindowClip, HasNotBeenMovedByADragThatEscapeTakesBack) {
+    On().click();
+    m_window->ShowView(KV_ScenePane::ViewFromMinusYZUp);
+    const QPoint arrow = OnArrow();
+    Xdotool("mousemove " + At(arrow) + " mousedown 1 mousemove " + At(arrow + QPoint(0, -20)));
+    ASSERT_TRUE(WaitUntil([&] { return Fields()[2] == 12; })) << Fields()[2];
+    EXPECT_TRUE(Settings().moved);
+    WaitForViewerFocus();
+    Xdotool("key Escape");
+    EXPECT_TRUE(WaitUntil([&] { return Fields()[2] == 10; })) << Fields()[2];
+    Xdotool("mouseup 1");
+    EXPECT_FALSE(Settings().moved) << "the next scene is to place it";
+}
+
 TEST_F(MainWindowClip, FollowsADragWithCtrlThatTiltsIt) {
     LookFromTheSideAtHeight15();
     Xdotool("mousemove " + At(Middle()) + " keydown ctrl mousedown 1 mousemove " + At(Middle() + QPoint(0, 40)) +
@@ -226,6 +261,27 @@ TEST_F(MainWindowClip, IsPlacedAtTheDataByADoubleClickWithCtrl) {
     EXPECT_EQ(Text(), "Height found in the data: 10 (mean of all points)");
 }
 
+TEST_F(MainWindowClip, IsPlacedByADoubleClickWithCtrlWhereItIs) {
+    LookFromTheSideAtHeight15();
+    CtrlDoubleClick();
+    Number("clipCenterZ").setValue(9);
+    Number("clipCenterZ").setValue(10);
+    EXPECT_TRUE(Settings().moved);
+    CtrlDoubleClick();
+    EXPECT_FALSE(Settings().moved) << "the plane does not change, and is placed at the data";
+    EXPECT_EQ(Text(), "Height found in the data: 10 (mean of all points)");
+}
+
+TEST_F(MainWindowClip, IsPlacedByAMiddleClickWithCtrlInTheDelayedScheme) {
+    LookFromTheSideAtHeight15();
+    Trigger("Delayed: right turns, both move, left picks");
+    Xdotool("mousemove " + At(Middle()) + " keydown ctrl mousedown 2");
+    EXPECT_TRUE(WaitUntil([&] { return Fields()[2] == 10; })) << Fields()[2];
+    Xdotool("mouseup 2 keyup ctrl");
+    EXPECT_FALSE(Settings().moved);
+    EXPECT_EQ(Text(), "Height found in the data: 10 (mean of all points)");
+}
+
 // ---- placement
 
 TEST_F(MainWindowClip, IsPlacedAtTheDataByItsButton) {
@@ -249,9 +305,8 @@ TEST_F(MainWindowClip, IsPlacedAtTheDataWhileItIsHidden) {
 
 TEST_F(MainWindowClip, SaysThatNoHeightWasFound) {
     // Nothing but surfaces that face down: neither of the two weights counts them.
-    std::string text = PlyHeader(4, 2);
-    WriteText(m_folder / "down.ply", text + "0 0 0\n0 100 0\n100 100 3\n100 0 3\n3 0 1 2\n3 0 2 3\n");
-    text = PlyHeader(8, 4) + "0 0 0\n0 100 0\n40 100 0\n40 0 0\n60 0 20\n60 100 20\n100 100 20\n100 0 20\n";
+    const std::string text =
+        PlyHeader(8, 4) + "0 0 0\n0 100 0\n40 100 0\n40 0 0\n60 0 20\n60 100 20\n100 100 20\n100 0 20\n";
     WriteText(m_folder / "down.ply", text + "3 0 1 2\n3 0 2 3\n3 4 5 6\n3 4 6 7\n");
     m_window->ClearScene();
     Import({m_folder / "down.ply"});
@@ -260,6 +315,23 @@ TEST_F(MainWindowClip, SaysThatNoHeightWasFound) {
     for (const std::string& said : {Text(), StatusText(), Messages()})
         EXPECT_NE(said.find("No height was found in the data: the clip plane is at z = -20."), std::string::npos)
             << said;
+    Number("clipCenterZ").setValue(5);
+    EXPECT_EQ(Text(), "") << "the plane is somewhere else";
+    Press("clipPlace");
+    EXPECT_NE(Text(), "");
+    On().click();
+    EXPECT_EQ(Text(), "");
+    On().click();
+    m_window->ShowView(KV_ScenePane::ViewFromMinusYZUp);
+    m_window->Messages().clear();
+    CtrlDoubleClick();
+    TypeInViewer("Up");
+    EXPECT_EQ(Fields()[2], -19);
+    EXPECT_EQ(Text(), "");
+    TypeInViewer("Down");
+    EXPECT_EQ(Fields()[2], -20);
+    EXPECT_EQ(Text(), "") << "this was no placement";
+    EXPECT_EQ(Messages(), "") << "of the placement where the plane was, and of the keys";
 }
 
 TEST_F(MainWindowClip, SaysWhyItCannotBePlacedAndClipsWhereItIs) {
@@ -273,6 +345,7 @@ TEST_F(MainWindowClip, SaysWhyItCannotBePlacedAndClipsWhereItIs) {
     for (const std::string& said : {Text(), StatusText(), Messages()}) {
         EXPECT_NE(said.find("laced at the data: " + reason), std::string::npos) << said;
     }
+    EXPECT_NE(StatusText().find(reason + ". Clipping is on, and the plane is where it was."), std::string::npos);
     EXPECT_GT(reason.size(), 5u) << reason;
     Shown().click();
     EXPECT_EQ(ObjectPixels().left + ObjectPixels().right, 0) << "the plane is above the square and keeps what is above";

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
+#include <QStringList>
 #include <QVBoxLayout>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "host/QtUnderXvfb.h"
@@ -80,6 +83,38 @@ TEST(ViewerWidget, MovesIntoAnotherWindowWithItsViewer) {
     KV_ScenePane::Picture picture;
     ASSERT_EQ(shown.widget->Pane(), pane) << "the same viewer, not a new and empty one";
     EXPECT_TRUE(shown.widget->Pane()->CapturePicture(&picture));
+}
+
+TEST(ViewerWidget, ReportsAnExceptionThatEachCallThrowsOnce) {
+    Shown shown;
+    ASSERT_NE(shown.widget->Pane(), nullptr) << shown.reason.toStdString();
+    shown.first.resize(300, 200);
+    ASSERT_TRUE(
+        WaitUntil([&] { return AttributesOf(shown.widget->Pane()->NativeWindow()).width == shown.widget->width(); }));
+    QStringList reports;
+    QObject::connect(shown.widget, &ViewerWidget::Failed, shown.widget, [&](auto text) { reports << text; });
+    std::string reason = "no";
+    int calls = 0;
+    shown.widget->Pane()->SetMouseFilter([&](const KV_ScenePane::MouseInput&) -> bool {
+        ++calls;
+        throw std::runtime_error(reason);
+    });
+    const auto display = OwnConnection();
+    const auto moveOften = [&](int x) {
+        const QPoint at = shown.widget->mapToGlobal(QPoint(x, 50));
+        const int before = calls;
+        for (int i = 0; i < 4; ++i) {
+            XTestFakeMotionEvent(display.get(), -1, at.x() + i, at.y(), CurrentTime);
+            XSync(display.get(), False);
+            ASSERT_TRUE(WaitUntil([&] { return calls > before + i; }));
+        }
+    };
+    moveOften(50);
+    EXPECT_EQ(reports, QStringList{"no"});
+    reason = "never";
+    moveOften(60);
+    EXPECT_EQ(reports, (QStringList{"no", "never"}));
+    shown.widget->Pane()->SetMouseFilter({});
 }
 
 TEST(ViewerWidget, ReportsThatTheViewersWindowWasDestroyed) {
