@@ -96,7 +96,8 @@ bool ReadColor(std::string_view text, HostOptions& options) {
     return true;
 }
 
-/// A finite number. One that is too small for a float is 0.
+/// A finite number. One that is too small for a float is 0; one that is too small for a double is refused, as
+/// std::from_chars does not report on which side a number is out of range.
 std::optional<float> FiniteNumber(std::string_view text) {
     const auto number = WholeNumber<float>(text);
     if (number) return std::isfinite(*number) ? number : std::nullopt;
@@ -430,9 +431,8 @@ std::string HelpText() {
            "\n"
            "Clipping of objects, with --screenshot; free points, lines and needles are shown whole:\n"
            "  --clip CX,CY,CZ,NX,NY,NZ\n"
-           "                        cut off what is behind the plane through the point C with the normal N, in the "
-           "units\n"
-           "                        and axes of --info; the plane itself is not drawn\n"
+           "                        cut off what lies on the side away from the normal N of the plane through the\n"
+           "                        point C, in the units and axes of --info; the plane itself is not drawn\n"
            "  --clip-auto           the same by a horizontal plane at a height that is estimated from all files: what "
            "is\n"
            "                        above it is shown; with --info print the plane and the rule that gave its height\n"

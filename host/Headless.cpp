@@ -162,7 +162,7 @@ bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     return true;
 }
 
-/// What is said of a placement that threw.
+/// The text for a placement that threw.
 std::string NoPlacement(const std::exception& error) { return std::string("no clip height: ") + error.what(); }
 
 /// Imports the files, fits the view to them and writes the picture that is then taken.

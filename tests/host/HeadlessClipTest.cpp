@@ -26,25 +26,10 @@ constexpr float kLeftOfPoints = 5.25f;      // between two columns of the grid, 
 /// A half of the picture of the grid below.
 enum class Half { Left, Right };
 
-// The flat 11 x 11 grid from (0, 0) to (10, 10) spans the pixels 29.3 to 170.7 of a picture of 200 x 200, 14.14 pixels
-// per unit: the plane x = 5.25 is at 103.5.
-class ClippedScreenshot : public testing::Test {
+class ClippedScreenshot : public GridPictures {
 protected:
-    static constexpr int kPlanePixel = 103;
+    static constexpr int kPlanePixel = 103;  // the plane x = 5.25 is at 103.5
 
-    void SetUp() override {
-        unsetenv("DISPLAY");
-        WriteXdt(m_folder / "a.xdt", 11, 11);
-        m_options.picturePath = m_folder / "a.png";
-        m_options.width = m_options.height = 200;
-        m_options.files = {m_folder / "a.xdt"};
-    }
-    [[nodiscard]] Png Taken() const {
-        const Printed err;
-        EXPECT_EQ(RunScreenshot(m_options, err), kExitGood);
-        EXPECT_EQ(err.Text(), "");
-        return ReadPng(m_options.picturePath);
-    }
     /// Where pixels of the two pictures differ in one half, without the two columns on each side of the plane.
     [[nodiscard]] static int Differences(const Png& a, const Png& b, Half half) {
         int differences = 0;
@@ -64,9 +49,6 @@ protected:
         }
         return Differences(png, empty, half);
     }
-
-    ScratchFolder m_folder;
-    HostOptions m_options;
 };
 
 struct DrawnWith {

@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "Headless.h"
+#include "host/ScanFiles.h"
+
 /// A stream that records what is printed to it.
 class Printed {
 public:
@@ -55,3 +58,25 @@ inline Png ReadPng(const std::string& path) {
     png_image_finish_read(&image, nullptr, png.bytes.data(), 0, nullptr);
     return png;
 }
+
+/// Pictures of 200 x 200 pixels of the flat 11 x 11 grid from (0, 0) to (10, 10). Its diagonal, 14.14, fills a side of
+/// the picture: at zoom 1 it spans the pixels 29.3 to 170.7 in both directions, 14.14 pixels per unit.
+class GridPictures : public testing::Test {
+protected:
+    void SetUp() override {
+        unsetenv("DISPLAY");
+        WriteXdt(m_folder / "a.xdt", 11, 11);
+        m_options.picturePath = m_folder / "a.png";
+        m_options.width = m_options.height = 200;
+        m_options.files = {m_folder / "a.xdt"};
+    }
+    [[nodiscard]] Png Taken() const {
+        const Printed err;
+        EXPECT_EQ(RunScreenshot(m_options, err), kExitGood);
+        EXPECT_EQ(err.Text(), "");
+        return ReadPng(m_options.picturePath);
+    }
+
+    ScratchFolder m_folder;
+    HostOptions m_options;
+};

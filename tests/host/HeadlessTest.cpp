@@ -138,27 +138,9 @@ TEST(Info, FailsWhenStandardOutputIsFull) {
     EXPECT_EQ(err.Text(), "scenepane: standard output: No space left on device\n");
 }
 
-// ---- --screenshot. The flat 11 x 11 grid is 10 wide; its diagonal, 14.14, fills the shorter side of the picture.
+// ---- --screenshot
 
-class Screenshot : public testing::Test {
-protected:
-    void SetUp() override {
-        unsetenv("DISPLAY");
-        WriteXdt(m_folder / "a.xdt", 11, 11);
-        m_options.picturePath = m_folder / "a.png";
-        m_options.width = m_options.height = 200;
-        m_options.files = {m_folder / "a.xdt"};
-    }
-    /// At zoom 1 the object spans the pixels 29.3 to 170.7 in both directions.
-    [[nodiscard]] Png Taken() const {
-        const Printed err;
-        EXPECT_EQ(RunScreenshot(m_options, err), kExitGood) << err.Text();
-        return ReadPng(m_options.picturePath);
-    }
-
-    ScratchFolder m_folder;
-    HostOptions m_options;
-};
+class Screenshot : public GridPictures {};
 
 TEST_F(Screenshot, ShowsTheFittedSceneOnTheBackground) {
     const Png png = Taken();
