@@ -7,39 +7,46 @@
 #include <deque>
 #include <limits>
 
+#include "DefaultFloats.h"
+
 namespace KvComponents {
 
 namespace {
 
-/// A weight is below 2^46 in the unit of its group. The differences are summed up after 2^16 samples, before a bin can
-/// have 2^63 units.
+/// A weight is below 2^46 units of its group, and rounding adds less than 2^13 units to its share in a bin. After 2^16
+/// samples a bin has less than 2^63 units; its sum modulo 2^64 is then the sum.
 constexpr int kWeightBits = 46;
 constexpr std::int32_t kSamplesToSettle = 1 << 16;
 
 /// 2^exponent, for exponents of normal numbers.
 double PowerOfTwo(int exponent) { return std::bit_cast<double>(static_cast<std::uint64_t>(1023 + exponent) << 52); }
 
-// Doubles from 2^52 to 2^53 are integers: adding 1.5 * 2^52 rounds to the nearest integer, which is then in the last
-// bits. This is faster than a conversion, and defined for every number.
+// Doubles from 2^52 to 2^53 are integers: adding 1.5 * 2^52 rounds to an integer, which is then in the last bits. This
+// is faster than a conversion, and there is a result for every number.
 constexpr double kRounding = 0x1.8p52;
 
-/// The nearest integer, for -2^51 to 2^51; any number for others.
+/// The nearest integer, for -2^51 to 2^51; any number for others. In other rounding modes a neighbouring integer.
 std::uint64_t Rounded(double number) {
     return std::bit_cast<std::uint64_t>(number + kRounding) - std::bit_cast<std::uint64_t>(kRounding);
 }
 
-/// The number of bin centres up to a position that is not negative. A centre that is at the position counts or not.
+/// The number of bin centres up to a position from 0.5 to bins + 0.5: 0 to bins in every rounding mode, since a
+/// conversion to an integer truncates.
 struct Centres {
     explicit Centres(double position)
-        : number(position - 0.5 + kRounding - kRounding), index(static_cast<std::int64_t>(Rounded(position - 0.5))) {}
-    double number;
+        : index(static_cast<std::int64_t>(position)), number(static_cast<double>(index)) {}
     std::int64_t index;  ///< of the bin after them
+    double number;
 };
 
 }  // namespace
 
-HeightHistogram::HeightHistogram(float low, float high, std::int32_t bins)
-    : m_fLow(low), m_fHigh(high), m_fHighEdge(bins + 0.5), m_fBinsPerUnit(bins / (double{high} - double{low})) {
+HeightHistogram::HeightHistogram(float low, float high, std::int32_t bins) {
+    const DefaultFloats standard;
+    m_fLow = low;
+    m_fHigh = high;
+    m_fHighEdge = bins + 0.5;
+    m_fBinsPerUnit = bins / (m_fHigh - m_fLow);
     m_values.resize(static_cast<std::size_t>(bins));
 }
 
@@ -54,22 +61,26 @@ void HeightHistogram::Add(float value, float spread, float weight) {
     ++group.newest;
     AddToMoments(value, weight);
     m_bValuesAreOld = true;
+    AddTriangle((value - m_fLow) * m_fBinsPerUnit + m_fLowEdge, spread * m_fBinsPerUnit, units, group.differences);
+}
 
-    // The bins first.. are on the rising line, turn.. on the falling one, up to end. Either line may have no bins. It
-    // does not matter where a centre counts that is at an end: at the outer ones it has a height of 0, and at the top
-    // it is on both lines.
-    const double position = (value - m_fLow) * m_fBinsPerUnit + m_fLowEdge;
-    const double reach = spread * m_fBinsPerUnit;
+/// Adds a triangle to the differences: its share of @p units to each bin whose centre is in it.
+/// @param position, reach  of its middle, and from there to both ends, in bins
+inline void HeightHistogram::AddTriangle(double position, double reach, double units, std::vector<Line>& differences) {
+    // Bins in [first, turn) are on the rising line, bins in [turn, end) on the falling one; either range may be empty.
+    // All three are 0 to bins: the errors of several roundings, in any direction, do not make bins + 1 of a position at
+    // the upper edge.
+    // The height is 0 at both ends of the triangle and the same on both lines at its top, so a centre that is exactly
+    // there may count on either side.
     const double left = position - reach, right = position + reach;
     const Centres first(std::max(left, m_fLowEdge)), turn(position), end(std::min(right, m_fHighEdge));
 
-    // Heights of the triangle of slope 1 at the outer bins, and twice the sum of its heights at all bins: for each line
-    // the number of bins times the sum of the heights at its ends.
+    // Heights at the outermost bins, of a triangle with slope 1, and twice the sum of its heights at all bins: for each
+    // line the number of bins times the sum of the heights at its first and last bin.
     const double atFirst = first.number + 1.0 - left, atLast = right - end.number;
     const double twiceSum = (turn.number - first.number) * (turn.number + 1.0 + first.number - 2.0 * left) +
                             (end.number - turn.number) * (2.0 * right - (turn.number + 1.0 + end.number));
-    Line* const differences = group.differences.data();
-    if (!(twiceSum > 0.0)) {  // no centre is within the kernel
+    if (!(twiceSum > 0.0)) {  // no centre is within the triangle
         const auto own = static_cast<std::int64_t>(std::min(position - 0.5, m_fHighEdge - 1.5));
         const Line constant{Rounded(units), 0};
         differences[own] += constant;
@@ -88,7 +99,7 @@ void HeightHistogram::Add(float value, float spread, float weight) {
     differences[end.index] -= falling;
 }
 
-/// Adds the differences to the sums, and makes room for them at the first time.
+/// Adds the differences to the sums. Allocates both for the first sample of a group.
 void HeightHistogram::Settle(Group& group) const {
     const auto bins = m_values.size();
     group.sums.resize(bins);

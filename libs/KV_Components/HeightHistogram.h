@@ -57,12 +57,13 @@ private:
     static constexpr int kGroupCount = 256 / kExponentsPerGroup;
 
     void AddToMoments(double value, double weight);
+    void AddTriangle(double position, double reach, double units, std::vector<Line>& differences);
     void Settle(Group& group) const;
 
-    double m_fLow, m_fHigh;
+    double m_fLow = 0.0, m_fHigh = 0.0;
     /// Positions of low and high. Both are members: the compiler makes a branch of a limit that is constant.
-    double m_fLowEdge = 0.5, m_fHighEdge;
-    double m_fBinsPerUnit;
+    double m_fLowEdge = 0.5, m_fHighEdge = 0.5;
+    double m_fBinsPerUnit = 0.0;
 
     std::array<Group, kGroupCount> m_groups;
     std::vector<float> m_values;  ///< of the bins, when they are not out of date

@@ -3,6 +3,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "DefaultFloats.h"
 #include "HeightHistogram.h"
 #include "KV_Components/Geometry.h"
 #include "ObjectRegistry.h"
@@ -20,6 +21,7 @@ public:
 
 private:
     std::int32_t Initialize(float low, float high, std::int32_t bins) {
+        const DefaultFloats standard;
         if (bins < 1 || bins > HeightHistogram::kMaxBins) return kInvalidArgument;
         // As a float too, so that the caller can divide by it. NaN where an end of the range is no number.
         const double width = (double{high} - double{low}) / bins;
@@ -29,11 +31,13 @@ private:
     }
 
     std::int32_t GetMean(float* mean) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         return Give(m_histogram->Mean(), mean);
     }
 
     std::int32_t GetVariance(float* variance) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         return Give(m_histogram->Variance(), variance);
     }
@@ -53,11 +57,13 @@ private:
     }
 
     std::int32_t GetBinWidth(float* width) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         return Give(m_histogram->BinWidth(), width);
     }
 
     std::int32_t GetBinCenters(std::int32_t count, float* centers) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         if (centers == nullptr || count != m_histogram->BinCount()) return kInvalidArgument;
         for (std::int32_t bin = 0; bin < count; ++bin) centers[bin] = static_cast<float>(m_histogram->BinCenter(bin));
@@ -65,6 +71,7 @@ private:
     }
 
     std::int32_t GetBinValues(std::int32_t count, float* values) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         if (values == nullptr || count != m_histogram->BinCount()) return kInvalidArgument;
         std::ranges::copy(m_histogram->Values(), values);
@@ -72,6 +79,7 @@ private:
     }
 
     std::int32_t FindMainPeak(std::int32_t width, std::int32_t reserved, std::int32_t* index) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         if (index == nullptr || width < 1 || reserved != 1) return kInvalidArgument;
         const std::optional<std::int32_t> highest = HighestBin(m_histogram->Values());
@@ -81,6 +89,7 @@ private:
     }
 
     std::int32_t FindPeaks(std::int32_t width, height_histogram::PeakList* peaks) {
+        const DefaultFloats standard;
         if (!m_histogram) return kFailed;
         if (peaks == nullptr || width < 1) return kInvalidArgument;
         m_vPeaks = PeaksOf(m_histogram->Values(), width / 2);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ComponentReference.h"
+#include "DefaultFloats.h"
 #include "KV_Components/Geometry.h"
 #include "NeighbourSearch.h"
 #include "ObjectRegistry.h"
@@ -33,6 +34,7 @@ private:
     }
 
     std::int32_t EstimateNormal(const float* point, float radius, float* normal) {
+        const DefaultFloats standard;
         if (point == nullptr || normal == nullptr) return kInvalidArgument;
         if (!std::isfinite(point[0]) || !std::isfinite(point[1]) || !std::isfinite(point[2])) return kInvalidArgument;
         if (!std::isfinite(radius) || radius < 0.0f) return kInvalidArgument;

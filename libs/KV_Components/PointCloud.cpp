@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "DefaultFloats.h"
 #include "KV_Components/Geometry.h"
 #include "ObjectRegistry.h"
 
@@ -45,6 +46,7 @@ std::int32_t PointCloud::SetPoints(const float* points, std::int32_t stride, std
 }
 
 std::int32_t PointCloud::GetCentroid(float* centroid) {
+    const DefaultFloats standard;
     if (centroid == nullptr) return kInvalidArgument;
     const std::optional<Point3> mean = MeanOf(m_points);
     if (!mean) return kFailed;

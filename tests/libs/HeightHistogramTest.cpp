@@ -210,6 +210,22 @@ TEST(HeightHistogram, CountsManySamplesWithoutARoundingError) {
     EXPECT_EQ(histogram.Variance(), 0.0);
 }
 
+TEST(HeightHistogram, ABinDoesNotOverflowWithManySamplesOfTheHeaviestWeightInAGroup) {
+    // Weights of 2 up to 8 have one unit. With a slope at the last bins too: its product with their index wraps.
+    constexpr int kSamples = 10 * 65'536;
+    const float weight = std::nextafter(8.0f, 0.0f);
+    const float ofAll = static_cast<float>(kSamples * double{weight});
+    HeightHistogram one(0, 4, 4), last(0, 4096, 4096);
+    for (int i = 0; i < kSamples; ++i) {
+        one.Add(3.5f, 0.0f, weight);
+        last.Add(4095.5f, 1.5f, weight);  // heights 1.5 and 0.5 of 2
+    }
+    EXPECT_EQ(one.Values()[3], ofAll);
+    EXPECT_FLOAT_EQ(last.Values()[4095], 0.75f * ofAll);
+    EXPECT_FLOAT_EQ(last.Values()[4094], 0.25f * ofAll);
+    EXPECT_EQ(last.Values()[4093], 0.0f);
+}
+
 TEST(HeightHistogram, CanBeReadBetweenSamples) {
     HeightHistogram histogram(0, 8, 8);
     PlainHistogram plain(0, 8, 8);
