@@ -72,6 +72,19 @@ TEST_F(MainWindowClipScenes, HasBeenMovedBySmallStepsFarFromTheOrigin) {
     EXPECT_TRUE(Settings().moved);
 }
 
+TEST_F(MainWindowClipScenes, HasBeenMovedByStepsThatAreEachLostInRounding) {
+    On().click();
+    float z = 10;
+    for (int i = 0; i < 8; ++i) {
+        z = std::nextafter(z, 20.0f);
+        Methods().SetClipPlane(50, 50, z, 0, 0, 1);
+        m_window->Clip().FollowViewer();
+        if (i > 0) continue;
+        EXPECT_FALSE(Settings().moved) << "a fit may round the height so";
+    }
+    EXPECT_TRUE(Settings().moved);
+}
+
 TEST_F(MainWindowClipScenes, HasNotBeenMovedByAFitFarFromTheOrigin) {
     m_window->ClearScene();
     WriteTwoLevels(m_folder / "far.ply", 500'000, 5'000'000);

@@ -1,4 +1,6 @@
 // The pane of the clip plane and the viewer: each follows what the user does in the other.
+#include <QScreen>
+
 #include "host/ClipFixture.h"
 
 namespace {
@@ -351,6 +353,20 @@ TEST_F(MainWindowClip, SaysWhyItCannotBePlacedAndClipsWhereItIs) {
     EXPECT_EQ(ObjectPixels().left + ObjectPixels().right, 0) << "the plane is above the square and keeps what is above";
     Number("clipCenterZ").setValue(3);
     EXPECT_GT(ObjectPixels().left, 1000);
+}
+
+TEST_F(MainWindowClip, IsShownOnTheScreenWhenItCannotBePlaced) {
+    m_window->ClearScene();
+    Import({m_folder / "level.ply"});
+    Number("clipCenterZ").setValue(7);
+    const auto onScreen = [&] {
+        const QPoint at = Middle();
+        return m_viewer->screen()->grabWindow(0, at.x(), at.y(), 1, 1).toImage().pixel(0, 0) & 0xFFFFFF;
+    };
+    ASSERT_TRUE(WaitUntil([&] { return onScreen() != kBackground; }));
+    const QRgb square = onScreen();
+    Press("clipPlace");
+    EXPECT_TRUE(WaitUntil([&] { return onScreen() != square; })) << "the plane is between the eye and the square";
 }
 
 TEST_F(MainWindowClip, SurvivesAnExceptionOfTheViewerAndShowsIt) {
