@@ -5,52 +5,31 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <initializer_list>
-#include <sstream>
+#include <iterator>
+#include <map>
 #include <utility>
 
 #include "KV_Components/Geometry.h"
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
 #include "KV_ScenePane/PathText.h"
+#include "support/FakeObject.h"
 
 using namespace KvComponents;
+using namespace FakeObjects;
 
-namespace {
+FakeComponents* FakeObjects::g_library = nullptr;
 
-FakeComponents* g_library = nullptr;
-
-std::string Bytes(std::size_t size) { return std::to_string(size) + " bytes"; }
-
-using Table = std::array<Object::Entry, kTableSize>;
-
-}  // namespace
-
-class FakeObject : public Object {
-public:
-    FakeObject(const Table& table, std::string kind) : Object{table.data()}, m_sKind(std::move(kind)) {}
-    std::string m_sKind;
-    int m_iReferences = 1;
-    std::vector<FakeObject*> m_held;  ///< objects handed over to this one
-};
-
-namespace {
-
-FakeObject& Self(Object* object) { return *static_cast<FakeObject*>(object); }
-
-/// Puts a plain function at the position of the operation in the table.
-template <class Result, class... Arguments>
-void Enter(Table& table, const Operation<Result(Arguments...)>& operation, Result (*function)(Object*, Arguments...)) {
-    table[operation.m_uPosition] = reinterpret_cast<Object::Entry>(function);
-}
-
-std::int32_t Call(Object* object, const char* operation, const std::string& arguments = "") {
+std::int32_t FakeObjects::Call(Object* object, const char* operation, const std::string& arguments) {
     const FakeObject& self = Self(object);
     EXPECT_EQ(self.m_iReferences, 1) << self.m_sKind << "." << operation;
     return g_library->Call(self.m_sKind + "." + operation, arguments);
 }
+
+namespace {
+
+std::string Bytes(std::size_t size) { return std::to_string(size) + " bytes"; }
 
 /// Returns a new object of that kind, unless the operation has another status.
 std::int32_t ReturnObject(Object* object, const char* operation, const char* kind, Object** out) {
@@ -58,15 +37,6 @@ std::int32_t ReturnObject(Object* object, const char* operation, const char* kin
     const bool null = status != kSucceeded || g_library->nulls.contains(Self(object).m_sKind + "." + operation);
     *out = null ? nullptr : g_library->Make(kind);
     return status;
-}
-
-/// Fills the caller's buffer when it has the size of the content.
-template <class T>
-std::int32_t Fill(std::int32_t status, const std::vector<T>& from, void* buffer, std::size_t size) {
-    if (status != kSucceeded) return status;
-    if (size != from.size() * sizeof(T)) return kInvalidArgument;
-    if (size != 0) std::memcpy(buffer, from.data(), size);
-    return kSucceeded;
 }
 
 /// Stores the caller's buffer.
@@ -126,10 +96,6 @@ std::int32_t Query(Object* object, const char* guid, Object** out) {
     return kNoInterface;
 }
 
-void AddReference(Object* object) { ++Self(object).m_iReferences; }
-
-void ReleaseHeld(FakeObject& self);
-
 void Release(Object* object) {
     FakeObject& self = Self(object);
     EXPECT_GT(self.m_iReferences, 0) << self.m_sKind << " is released too often";
@@ -138,16 +104,20 @@ void Release(Object* object) {
     ReleaseHeld(self);
 }
 
-void ReleaseHeld(FakeObject& self) {
-    for (FakeObject* held : std::exchange(self.m_held, {})) Release(held);
-}
-
 std::int32_t NotImplemented(Object* object) {
     ADD_FAILURE() << Self(object).m_sKind << " has no such operation";
     return kNotImplemented;
 }
 
-Table EveryObject() {
+}  // namespace
+
+void FakeObjects::AddReference(Object* object) { ++Self(object).m_iReferences; }
+
+void FakeObjects::ReleaseHeld(FakeObject& self) {
+    for (FakeObject* held : std::exchange(self.m_held, {})) Release(held);
+}
+
+Table FakeObjects::EveryObject() {
     Table table;
     table.fill(reinterpret_cast<Object::Entry>(&NotImplemented));
     Enter(table, kQuery, &Query);
@@ -156,7 +126,9 @@ Table EveryObject() {
     return table;
 }
 
-// ---- one table per kind of object
+// ---- one table per kind of object; those of point statistics are in FakePointStatistics.cpp
+
+namespace {
 
 Table Reader() {
     Table table = EveryObject();
@@ -367,151 +339,6 @@ Table Compressor() {
         table, hps_compressor::kBind, +[](Object* o, Object* mesh) { return Call(o, "bind", Self(mesh).m_sKind); });
     Enter(
         table, hps_compressor::kUnbind, +[](Object* o) { return Call(o, "unbind"); });
-    return table;
-}
-
-// ---- point statistics
-
-/// The arguments with blanks between them, in the shortest form.
-template <class... Values>
-std::string Words(Values... values) {
-    std::ostringstream text;
-    const char* separator = "";
-    ((text << separator << values, separator = " "), ...);
-    return text.str();
-}
-
-/// Keeps the references that the caller has added.
-std::int32_t Hold(Object* object, const char* operation, std::initializer_list<Object**> given) {
-    FakeObject& self = Self(object);
-    std::string kinds;
-    for (Object** one : given) {
-        EXPECT_GT(Self(*one).m_iReferences, 1) << "no reference was added to the " << Self(*one).m_sKind;
-        self.m_held.push_back(&Self(*one));
-        kinds += (kinds.empty() ? "" : " ") + Self(*one).m_sKind;
-    }
-    return Call(object, operation, kinds);
-}
-
-std::int32_t Finish(Object* object) {
-    const std::int32_t status = Call(object, "finish");
-    ReleaseHeld(Self(object));
-    return status;
-}
-
-/// Adds a reference, which is among the calls.
-void AddRecordedReference(Object* object) {
-    g_library->calls.push_back(Self(object).m_sKind + ".addReference");
-    AddReference(object);
-}
-
-std::int32_t ReportFloat(Object* object, const char* operation, float from, float* out) {
-    const std::int32_t status = Call(object, operation);
-    if (status == kSucceeded) *out = from;
-    return status;
-}
-
-std::int32_t FillBins(Object* object, const char* operation, const std::vector<float>& from, std::int32_t count,
-                      float* to) {
-    return Fill(Call(object, operation, Words(count)), from, to, static_cast<std::size_t>(count) * sizeof(float));
-}
-
-Table Histogram() {
-    Table table = EveryObject();
-    Enter(
-        table, height_histogram::kInitialize, +[](Object* o, float low, float high, std::int32_t bins) {
-            return Call(o, "initialize", Words(low, high, bins));
-        });
-    Enter(
-        table, height_histogram::kGetMean,
-        +[](Object* o, float* mean) { return ReportFloat(o, "mean", g_library->mean, mean); });
-    Enter(
-        table, height_histogram::kGetVariance,
-        +[](Object* o, float* variance) { return ReportFloat(o, "variance", g_library->variance, variance); });
-    Enter(
-        table, height_histogram::kReset, +[](Object* o) { return Call(o, "reset", Words(g_library->samples.size())); });
-    Enter(
-        table, height_histogram::kAddSample, +[](Object*, float value, float spread, float weight) {
-            g_library->samples.push_back({value, spread, weight});
-            const auto answer = g_library->answers.find("histogram.addSample");
-            return answer == g_library->answers.end() ? kSucceeded : answer->second;
-        });
-    Enter(
-        table, height_histogram::kGetBinWidth,
-        +[](Object* o, float* width) { return ReportFloat(o, "binWidth", g_library->binWidth, width); });
-    Enter(
-        table, height_histogram::kGetBinCenters, +[](Object* o, std::int32_t count, float* centers) {
-            return FillBins(o, "binCenters", g_library->binCenters, count, centers);
-        });
-    Enter(
-        table, height_histogram::kGetBinValues, +[](Object* o, std::int32_t count, float* values) {
-            return FillBins(o, "binValues", g_library->binValues, count, values);
-        });
-    Enter(
-        table, height_histogram::kFindMainPeak,
-        +[](Object* o, std::int32_t width, std::int32_t reserved, std::int32_t* index) {
-            *index = g_library->mainPeak;  // also when it fails: the caller must look at the status
-            return Call(o, "mainPeak", Words(width, reserved));
-        });
-    Enter(
-        table, height_histogram::kFindPeaks, +[](Object* o, std::int32_t width, height_histogram::PeakList* list) {
-            const std::int32_t status = Call(o, "peaks", Words(width));
-            const std::vector<std::int32_t>& peaks = g_library->peaks;
-            if (status == kSucceeded)
-                *list = {g_library->peakCount.value_or(static_cast<std::int32_t>(peaks.size())),
-                         peaks.empty() ? nullptr : peaks.data()};
-            return status;
-        });
-    return table;
-}
-
-Table Cloud() {
-    Table table = EveryObject();
-    Enter(table, point_cloud::kAddReference, &AddRecordedReference);
-    Enter(
-        table, point_cloud::kSetFormat, +[](Object* o, const wchar_t* format) {
-            return Call(o, "format", std::wstring(format) == L"P" ? "P" : "other");
-        });
-    Enter(
-        table, point_cloud::kSetCount, +[](Object* o, std::int32_t count) { return Call(o, "count", Words(count)); });
-    Enter(
-        table, point_cloud::kSetPoints, +[](Object* o, const float* points, std::int32_t stride, std::int32_t count) {
-            EXPECT_EQ(stride, 12);
-            g_library->cloudPoints.resize(static_cast<std::size_t>(count));
-            std::memcpy(g_library->cloudPoints.data(), points, g_library->cloudPoints.size() * 12);
-            return Call(o, "points", Words(stride, count));
-        });
-    Enter(
-        table, point_cloud::kGetCentroid, +[](Object* o, float* centroid) {
-            const std::int32_t status = Call(o, "centroid");
-            if (status == kSucceeded) std::ranges::copy(g_library->centroid, centroid);
-            return status;
-        });
-    return table;
-}
-
-Table Search() {
-    Table table = EveryObject();
-    Enter(table, kAddReference, &AddRecordedReference);
-    Enter(
-        table, neighbour_search::kBuild, +[](Object* o, Object** cloud) { return Hold(o, "build", {cloud}); });
-    Enter(table, neighbour_search::kFinish, &Finish);
-    return table;
-}
-
-Table Estimator() {
-    Table table = EveryObject();
-    Enter(
-        table, normal_estimator::kInitialize, +[](Object* o, Object** cloud, Object** search) {
-            return Hold(o, "initialize", {cloud, search});
-        });
-    Enter(
-        table, normal_estimator::kEstimateNormal, +[](Object* o, const float* point, float radius, float* normal) {
-            const std::int32_t status = Call(o, "normal", Words(point[0], point[1], point[2], radius));
-            if (status == kSucceeded) std::ranges::copy(g_library->normal, normal);
-            return status;
-        });
-    Enter(table, normal_estimator::kFinish, &Finish);
     return table;
 }
 

@@ -1,5 +1,6 @@
 // A component library for tests: its objects behave as the test configures, and record their calls. A program that has
-// FakeComponents.cpp among its sources gets every object from here, also those of the control.
+// FakeComponents.cpp and FakePointStatistics.cpp among its sources gets every object from here, also those of the
+// control.
 #pragma once
 #include <array>
 #include <cstdint>
