@@ -4,8 +4,9 @@
 
 namespace KvComponents {
 
-/// For its lifetime, on this thread: rounding to nearest, denormal numbers not flushed to zero. The decoder must
-/// compute the same predictions as the encoder, which may have been another process with other settings.
+/// For its lifetime, on this thread: rounding to nearest, denormal numbers not flushed to zero. Results must not depend
+/// on the host; an hps decoder must compute the same predictions as the encoder, which may have been another process
+/// with other settings.
 class DefaultFloats {
 public:
     DefaultFloats() {

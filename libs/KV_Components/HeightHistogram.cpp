@@ -1,5 +1,6 @@
-// Sums of weighted samples in bins. A position counts bins from half a bin below the range: the centre of bin j is at
-// j + 1, so that the integer part of a position is the number of centres up to it.
+// Sums of weighted samples in bins. Positions are in bins, from half a bin below the range: the centre of bin j is at
+// j + 1, so that the integer part of a position is the number of centres up to it. docs/decisions/height-histogram.md
+// derives the sums.
 #include "HeightHistogram.h"
 
 #include <algorithm>
@@ -169,8 +170,9 @@ std::vector<std::int32_t> PeaksOf(std::span<const float> values, std::int32_t re
     std::vector<std::int32_t> peaks;
     const auto count = static_cast<std::int64_t>(values.size());
     const auto at = [&](std::int64_t bin) { return values[static_cast<std::size_t>(bin)]; };
-    std::deque<std::int64_t> highest;  // of the window: each bin that no later one exceeds, falling
-    std::int64_t next = 0;             // first bin right of the window
+    // The bins of the window that no later bin in it exceeds: their values descend, and the first is the highest.
+    std::deque<std::int64_t> highest;
+    std::int64_t next = 0;  // first bin right of the window
     bool wasMaximal = false;
     for (std::int64_t bin = 0; bin < count; ++bin) {
         for (; next < count && next - bin <= reach; ++next) {

@@ -14,6 +14,8 @@ namespace KvComponents {
 ///
 /// A sample is a triangle over the bins, that is, two straight lines. Each line is added to the bins it covers in
 /// constant time, as a difference at both of its ends; Values() sums the differences up.
+///
+/// Samples may be added in every rounding mode. Results are read in the default floating-point environment.
 class HeightHistogram {
 public:
     static constexpr std::int32_t kMaxBins = 4096;
@@ -43,14 +45,14 @@ public:
     [[nodiscard]] std::span<const float> Values();
 
 private:
-    /// A constant and a slope: constant + slope * bin. Modulo 2^64: what is added is subtracted without a remainder.
+    /// A constant and a slope: constant + slope * bin, all modulo 2^64. Integers cancel exactly.
     using Line = std::uint64_t __attribute__((vector_size(16)));
     __extension__ using Wide = unsigned __int128;
 
-    /// Samples of similar weight, in integers of one unit: a light sample keeps its digits beside a heavy one.
+    /// Samples of similar weight, as multiples of one unit: a light sample keeps its digits beside a heavy one.
     struct Group {
-        std::vector<Line> differences;  ///< of the newest samples, one more than there are bins; empty without samples
-        std::vector<Wide> sums;         ///< in each bin, of the samples before them
+        std::vector<Line> differences;  ///< of the latest samples, bins + 1 of them; empty before the first sample
+        std::vector<Wide> sums;         ///< in each bin, of the samples before those
         std::int32_t newest = 0;        ///< samples in the differences
     };
     static constexpr int kExponentsPerGroup = 2;  ///< binary exponents of weights
@@ -66,7 +68,7 @@ private:
     double m_fBinsPerUnit = 0.0;
 
     std::array<Group, kGroupCount> m_groups;
-    std::vector<float> m_values;  ///< of the bins, when they are not out of date
+    std::vector<float> m_values;  ///< the weight in each bin; out of date when m_bValuesAreOld
     bool m_bValuesAreOld = true;
 
     // Moments about the first value: equal values have no variance, and narrow peaks keep their digits.

@@ -23,7 +23,7 @@ private:
     std::int32_t Initialize(float low, float high, std::int32_t bins) {
         const DefaultFloats standard;
         if (bins < 1 || bins > HeightHistogram::kMaxBins) return kInvalidArgument;
-        // As a float too, so that the caller can divide by it. NaN where an end of the range is no number.
+        // Above 0 as a float too, since callers divide by it. NaN where low or high is NaN, and then refused.
         const double width = (double{high} - double{low}) / bins;
         if (!(width <= double{FLT_MAX} && static_cast<float>(width) > 0.0f)) return kInvalidArgument;
         m_histogram = HeightHistogram(low, high, bins);

@@ -13,7 +13,7 @@ namespace KvComponents {
 
 namespace {
 
-/// The points as nanoflann asks for them.
+/// The points through the functions that nanoflann calls.
 struct TreePoints {
     PointView points;
 
@@ -34,7 +34,8 @@ public:
         if (squaredDistance <= m_fSquaredRadius) m_indices.push_back(index);
         return true;
     }
-    /// Larger by more than the rounding of the distances of boxes and points, which must be below it.
+    /// The tree skips boxes and points beyond this squared distance. It is larger than the radius by more than the
+    /// rounding errors of these distances, so that a point at the radius is not skipped.
     [[nodiscard]] double worstDist() const {
         return m_fSquaredRadius * (1.0 + 1e-9) + std::numeric_limits<double>::min();
     }
@@ -46,7 +47,7 @@ private:
     std::vector<std::uint32_t>& m_indices;
 };
 
-/// The square of the distance to the farthest corner.
+/// The square of the distance from the place to the farthest corner of the box.
 double SquaredDistanceToCorner(const Point3& place, const Point3& min, const Point3& max) {
     double sum = 0.0;
     for (std::size_t axis = 0; axis < place.size(); ++axis) {

@@ -21,7 +21,7 @@ public:
 
 private:
     std::int32_t Initialize(Object** cloud, Object** search) {
-        // Both references are owned from here on, whatever is wrong with the other one.
+        // Both references are owned from here on and released, also when the other argument is invalid.
         const ObjectPointer receivedCloud(cloud != nullptr ? *cloud : nullptr);
         const ObjectPointer receivedSearch(search != nullptr ? *search : nullptr);
         if (!receivedCloud || !receivedSearch) return kInvalidArgument;
@@ -65,7 +65,7 @@ private:
     }
 
     ComponentReference<PointCloud> m_cloud;        ///< none before Initialize() and after Finish()
-    ComponentReference<NeighbourSearch> m_search;  ///< built for the cloud when it was handed over
+    ComponentReference<NeighbourSearch> m_search;  ///< was built for the cloud; may be finished or built anew since
 };
 
 }  // namespace

@@ -28,7 +28,7 @@ std::optional<Point3> Mean(std::size_t count, const PointAt& pointAt) {
     return mean;
 }
 
-/// The products of the differences from the mean, summed up.
+/// The covariance matrix, not divided by the number of points: its eigenvectors are the same.
 template <class PointAt>
 Eigen::Matrix3d Covariance(std::size_t count, const PointAt& pointAt, const Point3& mean) {
     double xx = 0.0, xy = 0.0, xz = 0.0, yy = 0.0, yz = 0.0, zz = 0.0;

@@ -10,7 +10,7 @@ namespace KvComponents {
 
 using Point3 = std::array<double, 3>;
 
-/// Points in an array of somebody else: x, y, z as floats, at a distance that is a multiple of a float's size.
+/// Points in an array that the view does not own: x, y, z as floats, then possibly further floats of the same point.
 class PointView {
 public:
     PointView() = default;
@@ -33,7 +33,7 @@ private:
 /// y, x that is not 0 is positive. Where several planes fit equally well, as for points on a line, it is one of them.
 /// @return none with fewer than 3 points and where a coordinate is not finite
 [[nodiscard]] std::optional<Point3> PlaneNormalOf(const PointView& points);
-/// The same of some of the points.
+/// The same for some of the points.
 /// @param indices  into @p points
 [[nodiscard]] std::optional<Point3> PlaneNormalOf(const PointView& points, std::span<const std::uint32_t> indices);
 

@@ -13,7 +13,7 @@ public:
     PointCloud();
 
     [[nodiscard]] const PointView& Points() const { return m_points; }
-    /// Changes with each array of points: what was computed from a former one is out of date.
+    /// Changes with each SetPoints(): results computed from former points are then out of date.
     [[nodiscard]] std::uint64_t Generation() const { return m_uGeneration; }
 
 private:
@@ -25,7 +25,7 @@ private:
     static const Object::Entry* Operations();
 
     bool m_bHasFormat = false;
-    std::int32_t m_iCount = 0;  ///< of SetCount(); the points are those of SetPoints()
+    std::int32_t m_iCount = 0;  ///< of SetCount(); m_points is empty until SetPoints()
     PointView m_points;
     std::uint64_t m_uGeneration = 0;
 };

@@ -38,6 +38,8 @@ TEST_F(HeightHistogramObject, FailsBeforeItIsInitialized) {
     EXPECT_EQ(hh::kGetBinValues(object, 2, array), kNo);
     EXPECT_EQ(hh::kFindMainPeak(object, 1, 1, &index), kNo);
     EXPECT_EQ(hh::kFindPeaks(object, 1, &peaks), kNo);
+    EXPECT_EQ(hh::kGetMean(object, nullptr), kNo) << "whatever its arguments are";
+    EXPECT_EQ(hh::kAddSample(object, NAN, 1, 1), kNo) << "whatever its arguments are";
     EXPECT_EQ(number, 7.0f);
     EXPECT_EQ(array[0], 7.0f);
     EXPECT_EQ(index, 7);

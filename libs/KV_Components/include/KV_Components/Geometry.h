@@ -2,7 +2,11 @@
 // normals of a cloud.
 //
 // Arrays belong to the caller. A null pointer, a count that does not fit or a number that is not finite gives
-// kInvalidArgument and changes nothing.
+// kInvalidArgument and changes nothing. Where an operation needs another one first and returns kFailed without it, it
+// may do so before it checks its arguments.
+//
+// The caller may have set another rounding mode, or denormal numbers flushed to 0: all operations but kAddSample
+// compute with the default settings and restore those of the caller.
 //
 // Where an operation receives the address of an object reference, the caller adds a reference first; the operation
 // owns that reference from then on, also when it fails. One thread at a time per object.
@@ -11,7 +15,8 @@
 
 namespace KvComponents {
 
-/// A weighted histogram of values with equal bins over a range. Before kInitialize all other operations return kFailed.
+/// A weighted histogram of values with equal bins over a range. Before kInitialize all other operations return kFailed,
+/// whatever their arguments are.
 namespace height_histogram {
 inline constexpr const char* kFactory = "{9D7D1BCB-F55C-4D00-9793-96553FE8F32E}";
 inline constexpr const char* kInterface = "{A488E12A-7826-4533-B915-E74C87221D49}";
@@ -37,7 +42,8 @@ inline constexpr Operation<std::int32_t(float* variance)> kGetVariance{10};
 inline constexpr Operation<std::int32_t()> kReset{14};
 /// Adds a value to the bins around it, in all by its weight. The share of a bin falls linearly with the distance of the
 /// bin's centre from the value; a value with no centre that near goes to its own bin. A value outside the range is
-/// ignored. Each sample costs the same; the operations that read values cost a pass over the bins.
+/// ignored. Each sample costs the same; the operations that read values cost a pass over the bins. Computes with the
+/// settings of the caller: the accuracy below includes all rounding modes, and denormal numbers flushed to 0 are 0.
 /// @param spread  distance at which the share is 0, in the unit of the values, 0 or more
 /// @param weight  0 or more
 inline constexpr Operation<std::int32_t(float value, float spread, float weight)> kAddSample{15};
@@ -45,7 +51,7 @@ inline constexpr Operation<std::int32_t(float* width)> kGetBinWidth{17};
 /// Copies the middle of each bin. @param count  exactly the number of bins
 inline constexpr Operation<std::int32_t(std::int32_t count, float* centers)> kGetBinCenters{18};
 /// Copies the weight in each bin. @param count  exactly the number of bins
-/// @param values  accurate to the rounding of a float and 2e-10 of the weight of the samples that have a share in the
+/// @param values  accurate to the rounding of a float and 3e-10 of the weight of the samples that have a share in the
 ///                bin; 0 where none has
 inline constexpr Operation<std::int32_t(std::int32_t count, float* values)> kGetBinValues{19};
 /// The highest bin; of several the first.

@@ -4,7 +4,7 @@
 // On systems where libraries export by ordinal these functions have no names; here each name contains its ordinal.
 //
 // Use: KV_Components_Ordinal1() once; KV_Components_Ordinal2(guid) for each object; kQuery for another of its
-// interfaces; the operations of Hps.h and Image.h; kRelease for each object and interface received;
+// interfaces; the operations of Geometry.h, Hps.h and Image.h; kRelease for each object and interface received;
 // KV_Components_Ordinal3() once.
 #pragma once
 #include <cstddef>
