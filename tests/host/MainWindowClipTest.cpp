@@ -274,6 +274,16 @@ TEST_F(MainWindowClip, IsPlacedByADoubleClickWithCtrlWhereItIs) {
     EXPECT_EQ(Text(), "Height found in the data: 10 (mean of all points)");
 }
 
+TEST_F(MainWindowClip, HasBeenMovedWhenTheHeightOfTheDataIsTyped) {
+    On().click();
+    Trigger("Flipped: left moves, right turns");
+    CtrlDoubleClick();  // places nothing with flipped buttons
+    Number("clipCenterZ").setValue(9);
+    Number("clipCenterZ").setValue(10);
+    m_window->Clip().FollowViewer();
+    EXPECT_TRUE(Settings().moved);
+}
+
 TEST_F(MainWindowClip, IsPlacedByAMiddleClickWithCtrlInTheDelayedScheme) {
     LookFromTheSideAtHeight15();
     Trigger("Delayed: right turns, both move, left picks");
