@@ -10,6 +10,7 @@
 #include <cmath>
 
 #include "CaughtError.h"
+#include "ClipCut.h"
 #include "ColorButton.h"
 #include "NumberBox.h"
 #include "PaintBlock.h"
@@ -33,13 +34,6 @@ void ShowNumbers(const std::vector<NumberBox*>& boxes, const std::array<float, 3
         const QSignalBlocker quiet(boxes[axis]);
         boxes[axis]->setValue(Shown(values[axis]));
     }
-}
-
-/// Length of the point along a direction.
-double Along(const std::array<float, 3>& normal, const std::array<float, 3>& point) {
-    double sum = 0.0;
-    for (std::size_t i = 0; i < 3; ++i) sum += static_cast<double>(normal[i]) * static_cast<double>(point[i]);
-    return sum;
 }
 
 /// Whether both centres are in one surface with this normal, up to rounding: each number has half a unit in the last
@@ -75,9 +69,12 @@ QString RuleText(KV_ScenePane::ClipHeightKind kind) {
     return ClipPanel::tr("unknown rule");
 }
 
-QString CutAwayText() {
-    return ClipPanel::tr(
-        "The clip plane cuts away all objects: flip it, place it at the data, or switch clipping off.");
+/// @param isPlaced  the plane is where the data has placed it: placing it again would not help
+QString CutAwayText(bool isPlaced) {
+    return isPlaced ? ClipPanel::tr("The clip plane cuts away all objects: move it, flip it, or switch clipping off.")
+                    : ClipPanel::tr(
+                          "The clip plane cuts away all objects: flip it, place it at the data, or switch "
+                          "clipping off.");
 }
 
 QString NoObjectsText() {
@@ -258,6 +255,8 @@ void ClipPanel::Place() {
     }
 }
 
+bool ClipPanel::IsWherePlaced() const { return m_outcome == Outcome::Found && !m_settings.moved; }
+
 ClipPanel::Position ClipPanel::ReadPosition() const {
     Position p;
     m_pViewer->Methods().GetClipPlane(&p.center[0], &p.center[1], &p.center[2], &p.normal[0], &p.normal[1],
@@ -344,19 +343,15 @@ void ClipPanel::ReadBoxes() {
 }
 
 bool ClipPanel::CutsAwayAll() const {
-    const Point& normal = m_settings.normal;
-    const double offset = Along(normal, m_settings.center);
-    return !m_vBoxes.empty() && std::all_of(m_vBoxes.begin(), m_vBoxes.end(), [&](const Box& box) {
-        Point farthest{};  // corner along the normal
-        for (std::size_t i = 0; i < 3; ++i) farthest[i] = normal[i] > 0 ? box.high[i] : box.low[i];
-        return Along(normal, farthest) < offset;
+    return !m_vBoxes.empty() && std::all_of(m_vBoxes.begin(), m_vBoxes.end(), [this](const Box& box) {
+        return IsCutAway(box.low, box.high, m_settings.center, m_settings.normal);
     });
 }
 
 void ClipPanel::WarnIfAllIsCutAway() {
     if (m_bCutAwayReported || !IsClipping() || !CutsAwayAll()) return;
     m_bCutAwayReported = true;
-    emit Report(CutAwayText());
+    emit Report(CutAwayText(IsWherePlaced()));
 }
 
 // ---- what is shown
@@ -390,7 +385,7 @@ void ClipPanel::ShowText() {
     if (isZero)
         texts << tr("A normal of 0, 0, 0 has no direction: the plane stays as it is.");
     else if (IsClipping() && CutsAwayAll())
-        texts << CutAwayText();
+        texts << CutAwayText(IsWherePlaced());
     QFont font = m_pText->font();
     font.setBold(!texts.isEmpty());
     m_pText->setFont(font);

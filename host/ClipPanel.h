@@ -113,6 +113,8 @@ private:
     /// Reads the boxes of the objects that are not hidden.
     void ReadBoxes();
     [[nodiscard]] bool CutsAwayAll() const;
+    /// Whether the plane is where a height that was found has placed it.
+    [[nodiscard]] bool IsWherePlaced() const;
     /// Reports it, once until the plane or the scene is another one.
     void WarnIfAllIsCutAway();
 

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "ClipCut.h"
 #include "DebugCapture.h"
 #include "FileExport.h"
 #include "FileImport.h"
@@ -162,6 +163,17 @@ bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     return true;
 }
 
+/// Prints a line when the picture will show none of the objects.
+void WarnIfAllIsCutAway(ScenePane& pane, const std::vector<ObjectReport>& objects, std::FILE* err) {
+    const ClipReport clip = ReportClip(pane);
+    const auto isCutAway = [&](const ObjectReport& object) {
+        const auto& [minX, maxX, minY, maxY, minZ, maxZ] = object.box;
+        return IsCutAway({minX, minY, minZ}, {maxX, maxY, maxZ}, clip.center, clip.normal);
+    };
+    if (!objects.empty() && std::ranges::all_of(objects, isCutAway))
+        PrintError(err, "the clip plane cuts away all objects");
+}
+
 /// The text for a placement that threw.
 std::string NoPlacement(const std::exception& error) { return std::string("no clip height: ") + error.what(); }
 
@@ -194,6 +206,7 @@ int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
     } catch (const std::exception& error) {
         return refuse("not written, " + NoPlacement(error));
     }
+    if (options.clipAuto || options.clip) WarnIfAllIsCutAway(*pane, report.objects, err);
     const KV_ScenePane::Picture picture = capture(*pane);
     if (picture.width == 0) return refuse("not written, the viewer gave no picture");
     std::string reason;

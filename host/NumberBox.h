@@ -2,10 +2,15 @@
 #pragma once
 #include <QDoubleSpinBox>
 
-/// Shows a number with as many digits as it has, not with all decimals.
+/// Shows a number with as many digits as it has, not with all decimals. Refuses separators of thousands: a comma that
+/// was meant as a decimal point must not be dropped.
 class NumberBox : public QDoubleSpinBox {
 public:
-    using QDoubleSpinBox::QDoubleSpinBox;
+    explicit NumberBox(QWidget* parent = nullptr) : QDoubleSpinBox(parent) {
+        QLocale plain = locale();
+        plain.setNumberOptions(plain.numberOptions() | QLocale::RejectGroupSeparator);
+        setLocale(plain);
+    }
     [[nodiscard]] QString textFromValue(double value) const override {
         return locale().toString(value, 'f', QLocale::FloatingPointShortest).remove(locale().groupSeparator());
     }

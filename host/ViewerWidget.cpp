@@ -2,6 +2,8 @@
 // the viewer, and the size of the widget passed on.
 #include "ViewerWidget.h"
 
+#include <poll.h>
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -22,6 +24,11 @@ using KV_ScenePane::MouseInput;
 bool AsksForClipPlacement(const MouseInput& input) {
     const bool isItsButton = input.kind == MouseInput::Kind::DoubleClick || input.kind == MouseInput::Kind::MiddleDown;
     return isItsButton && (input.flags & KV_ScenePane::kMouseCtrl) != 0;
+}
+
+bool IsReadable(int descriptor) {
+    pollfd entry{descriptor, POLLIN, 0};
+    return poll(&entry, 1, 0) > 0;
 }
 
 }  // namespace
@@ -155,8 +162,10 @@ void ViewerWidget::HandleEvents() {
     if (std::exchange(m_strFailure, failure) != failure && !failure.empty())
         emit Failed(QString::fromStdString(failure));
     if (!m_pPane) return;  // closed inside the call
-    // The query costs a round trip to the X server: only when a modifier is remembered.
-    if (m_held.AreRemembered()) m_held.Settle(QGuiApplication::queryKeyboardModifiers());
+    // Input that arrived while a frame was drawn is pending: its modifiers may be released by now. The query costs a
+    // round trip to the X server: only when a modifier is remembered.
+    if (m_held.AreRemembered() && !IsReadable(m_pPane->EventDescriptor()))
+        m_held.Settle(QGuiApplication::queryKeyboardModifiers());
     // Another client, or the end of the parent, may have destroyed the viewer's window.
     if (m_pPane->HasWindow()) {
         emit Handled();

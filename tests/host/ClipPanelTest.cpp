@@ -9,6 +9,7 @@
 #include <QSettings>
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ColorButton.h"
@@ -57,6 +58,15 @@ TEST(ClipPanel, ShowsTheSettingsItStartsWith) {
     EXPECT_EQ(text("clipNormalX"), "0");
     EXPECT_EQ(text("clipNormalY"), "-1");
     EXPECT_FALSE(panel.IsClipping()) << "there is no viewer yet";
+}
+
+TEST(NumberBox, RefusesACommaInsteadOfDroppingIt) {
+    const NumberBox box;
+    for (const auto& [text, isNumber] : {std::pair("3.5", true), std::pair("3,5", false), std::pair("1,000", false)}) {
+        QString typed(text);
+        int position = 0;
+        EXPECT_EQ(box.validate(typed, position) == QValidator::Acceptable, isNumber) << text;
+    }
 }
 
 TEST(ClipPanel, NamesItsControls) {

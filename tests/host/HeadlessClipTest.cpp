@@ -21,7 +21,8 @@
 namespace {
 
 constexpr unsigned kBackground = 0x191932;  // 0xRRGGBB
-constexpr float kLeftOfPoints = 5.25f;      // between two columns of the grid, world x
+const std::string kAllIsCutAway = "scenepane: the clip plane cuts away all objects\n";
+constexpr float kLeftOfPoints = 5.25f;  // between two columns of the grid, world x
 
 /// A half of the picture of the grid below.
 enum class Half { Left, Right };
@@ -108,8 +109,15 @@ TEST_F(ClippedScreenshot, IsFramedAsWithoutThePlane) {
     m_options.clip = ClipPlane{{0, 0, -1}, {0, 0, 1}};
     EXPECT_EQ(Taken().bytes, whole.bytes) << "all of the object is on the side of the normal, and no plane is drawn";
     m_options.clip = ClipPlane{{0, 0, 1}, {0, 0, 1}};
-    const Png empty = Taken();
+    const Png empty = Taken(kAllIsCutAway);
     for (const Half half : {Half::Left, Half::Right}) EXPECT_EQ(ObjectPixels(empty, half), 0);
+}
+
+TEST_F(ClippedScreenshot, IsWrittenWithAWarningWhenThePlaneCutsAwayAllObjects) {
+    m_options.clip = ClipPlane{{11, 0, 0}, {1, 0, 0}};
+    EXPECT_EQ(ObjectPixels(Taken(kAllIsCutAway), Half::Right), 0);
+    m_options.clip = ClipPlane{{9, 0, 0}, {1, 0, 0}};
+    EXPECT_GT(ObjectPixels(Taken(), Half::Right), 10);
 }
 
 TEST_F(ClippedScreenshot, ShowsMarkersOnBothSidesOfThePlane) {
@@ -124,7 +132,7 @@ TEST_F(ClippedScreenshot, ShowsMarkersOnBothSidesOfThePlane) {
     m_options.clip = ClipPlane{{kLeftOfPoints, 0, 0}, {1, 0, 0}};
     const Png clipped = Taken();
     m_options.clip = ClipPlane{{0, 0, 99}, {0, 0, 1}};
-    const Png markersAlone = Taken();
+    const Png markersAlone = Taken(kAllIsCutAway);
     EXPECT_GT(ObjectPixels(markersAlone, Half::Left), 50);
     EXPECT_GT(ObjectPixels(markersAlone, Half::Right), 50);
     EXPECT_EQ(Differences(clipped, markersAlone, Half::Left), 0) << "left of the plane only the markers are left";

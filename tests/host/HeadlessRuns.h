@@ -70,10 +70,11 @@ protected:
         m_options.width = m_options.height = 200;
         m_options.files = {m_folder / "a.xdt"};
     }
-    [[nodiscard]] Png Taken() const {
+    /// @param warnings  what is printed although the picture is written
+    [[nodiscard]] Png Taken(const std::string& warnings = "") const {
         const Printed err;
         EXPECT_EQ(RunScreenshot(m_options, err), kExitGood);
-        EXPECT_EQ(err.Text(), "");
+        EXPECT_EQ(err.Text(), warnings);
         return ReadPng(m_options.picturePath);
     }
 

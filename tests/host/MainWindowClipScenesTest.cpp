@@ -165,6 +165,16 @@ TEST_F(MainWindowClipScenes, WarnsWhenTheObjectsThatItLeavesAreHiddenOrDeleted) 
     EXPECT_EQ(count(), before + 1);
 }
 
+TEST_F(MainWindowClipScenes, WarnsWithoutAdvisingThePlacementThatHasCutAwayAll) {
+    WriteText(m_folder / "lower.ply", PlyHeader(4, 2) + "0 0 4\n9 0 4\n9 9 5\n0 9 5\n3 0 1 2\n3 0 2 3\n");
+    On().click();
+    Import({m_folder / "lower.ply"});
+    m_window->Objects().topLevelItem(0)->setCheckState(ObjectList::kName, Qt::Unchecked);
+    EXPECT_NE(Text().find("cuts away all objects: move it, flip it"), std::string::npos) << Text();
+    Number("clipCenterZ").setValue(11);
+    EXPECT_NE(Text().find("cuts away all objects: flip it, place it at the data"), std::string::npos) << Text();
+}
+
 // ---- what is kept
 
 TEST_F(MainWindowClipScenes, IsKeptForTheNextStart) {

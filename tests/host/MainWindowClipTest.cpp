@@ -1,5 +1,8 @@
 // The pane of the clip plane and the viewer: each follows what the user does in the other.
 #include <QScreen>
+#include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "host/ClipFixture.h"
 
@@ -252,6 +255,32 @@ TEST_F(MainWindowClip, FollowsTheArrowKeysOfTheViewer) {
     TypeInViewer("Down");
     TypeInViewer("Down");
     EXPECT_EQ(Fields()[2], 14);
+}
+
+// The press of Ctrl draws the highlighted plane; the letter and the release of Ctrl arrive during that frame.
+TEST_F(MainWindowClip, ShownLeavesShortcutsWithCtrlThatAreTypedFast) {
+    constexpr std::int32_t kSide = 500;
+    std::vector<float> vertices;
+    std::vector<std::int32_t> triangles;
+    vertices.reserve(std::size_t{3} * kSide * kSide);
+    triangles.reserve(std::size_t{6} * kSide * kSide);
+    for (std::int32_t i = 0; i < kSide * kSide; ++i) {
+        const auto x = static_cast<float>(i % kSide), y = static_cast<float>(i / kSide);
+        vertices.insert(vertices.end(), {x, y, 16});
+        if (i % kSide + 1 == kSide || i / kSide + 1 == kSide) continue;
+        triangles.insert(triangles.end(), {i, i + 1, i + kSide + 1, i, i + kSide + 1, i + kSide});
+    }
+    Methods().ImportMeshFromMemory(static_cast<std::int32_t>(vertices.size() / 3),
+                                   static_cast<std::int32_t>(triangles.size() / 3), vertices.data(), triangles.data());
+    LookFromTheSideAtHeight15();
+    m_window->ShowView(KV_ScenePane::ViewFromPlusZYUp);
+    Xdotool("mousemove " + At(Middle()) + " click 1");
+    WaitForInput();
+    for (const int mode : {1, 2, 3, 1, 2}) {
+        // In the background: the window must be handling events when the keys arrive.
+        ASSERT_EQ(std::system(("xdotool key ctrl+" + std::to_string(mode) + " &").c_str()), 0);
+        EXPECT_TRUE(WaitUntil([&] { return Methods().GetDrawMode() == mode; })) << mode;
+    }
 }
 
 TEST_F(MainWindowClip, IsPlacedAtTheDataByADoubleClickWithCtrl) {
