@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <utility>
 
 #include "KV_Components/Geometry.h"
 #include "geometry/Box.h"
@@ -110,23 +109,6 @@ std::vector<Float3> Collect(const SampleContext& context, float radius, std::int
 
 // ---- the plane fit
 
-/// Ends the use of an object, which then releases what it holds; at the latest when an exception ends the fit.
-class Use {
-public:
-    Use(Object* object, KvComponents::Operation<std::int32_t()> finish) : m_pObject(object), m_finish(finish) {}
-    ~Use() {
-        if (m_pObject != nullptr) m_finish(m_pObject);
-    }
-    Use(const Use&) = delete;
-    Use& operator=(const Use&) = delete;
-
-    void Finish() { RequireSuccess(m_finish(std::exchange(m_pObject, nullptr))); }
-
-private:
-    Object* m_pObject;
-    KvComponents::Operation<std::int32_t()> m_finish;
-};
-
 /// References for an operation that releases them itself.
 Object* AddCloudReference(const ComponentPtr& cloud) {
     point_cloud::kAddReference(cloud.get());
@@ -161,14 +143,13 @@ ClipHeightKind KindOfSpot(const std::vector<Float3>& points) {
 
     const ComponentPtr search = RequireComponent(neighbour_search::kFactory, neighbour_search::kInterface);
     Object* given = AddCloudReference(cloud);
-    RequireSuccess(neighbour_search::kBuild(search.get(), &given));
-    Use searchUse(search.get(), neighbour_search::kFinish);
+    ComponentUse searchUse(neighbour_search::kBuild(search.get(), &given), search.get(), neighbour_search::kFinish);
 
     const ComponentPtr estimator = RequireComponent(normal_estimator::kFactory, normal_estimator::kInterface);
     given = AddCloudReference(cloud);
     Object* givenSearch = AddSearchReference(search);
-    RequireSuccess(normal_estimator::kInitialize(estimator.get(), &given, &givenSearch));
-    Use estimatorUse(estimator.get(), normal_estimator::kFinish);
+    ComponentUse estimatorUse(normal_estimator::kInitialize(estimator.get(), &given, &givenSearch), estimator.get(),
+                              normal_estimator::kFinish);
 
     RequireSuccess(normal_estimator::kEstimateNormal(estimator.get(), center.data(), kEverywhere, normal.data()));
     const double rms = RmsDistance(points, center, normal);

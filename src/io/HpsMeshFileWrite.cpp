@@ -6,7 +6,6 @@
 #include <limits>
 #include <memory>
 #include <stdexcept>
-#include <utility>
 
 #include "KV_Components/Hps.h"
 #include "base/HugePages.h"
@@ -78,27 +77,6 @@ ComponentPtr CloneMesh(Object* mesh) {
     return clone;
 }
 
-/// Two objects of which one works on the other, until Unbind() or the destructor separates them.
-class Binding {
-public:
-    using UnbindOperation = KvComponents::Operation<std::int32_t()>;
-    /// @param status  of the operation that bound them
-    Binding(std::int32_t status, Object* object, const UnbindOperation& unbind) : m_pObject(object), m_unbind(unbind) {
-        RequireSuccess(status);
-    }
-    ~Binding() {
-        if (m_pObject != nullptr) m_unbind(m_pObject);
-    }
-    Binding(const Binding&) = delete;
-    Binding& operator=(const Binding&) = delete;
-
-    void Unbind() { RequireSuccess(m_unbind(std::exchange(m_pObject, nullptr))); }
-
-private:
-    Object* m_pObject;
-    UnbindOperation m_unbind;
-};
-
 }  // namespace
 
 void WriteHpsFile(const HpsContent& content, const wchar_t* path) {
@@ -112,10 +90,10 @@ void WriteHpsFile(const HpsContent& content, const wchar_t* path) {
     // ---- clone to compressor, compressor to writer
     const ComponentPtr writer = RequireComponent(hps_file_writer::kFactory, hps_file_writer::kInterface);
     const ComponentPtr compressor = RequireComponent(hps_compressor::kFactory, hps_compressor::kInterface);
-    Binding meshBinding(hps_compressor::kBind(compressor.get(), clone.get()), compressor.get(),
-                        hps_compressor::kUnbind);
-    Binding compressorBinding(hps_file_writer::kBind(writer.get(), compressor.get()), writer.get(),
-                              hps_file_writer::kUnbind);
+    ComponentUse meshBinding(hps_compressor::kBind(compressor.get(), clone.get()), compressor.get(),
+                             hps_compressor::kUnbind);
+    ComponentUse compressorBinding(hps_file_writer::kBind(writer.get(), compressor.get()), writer.get(),
+                                   hps_file_writer::kUnbind);
     // ---- texture
     if (!content.texCoords.empty()) {
         const std::size_t pairCount = 3 * static_cast<std::size_t>(std::max(triangleCount, 0));
@@ -136,6 +114,6 @@ void WriteHpsFile(const HpsContent& content, const wchar_t* path) {
                                                        content.sourceVersion.c_str()));
     RequireSuccess(hps_file_writer::kSave(writer.get(), path));
     // in the opposite order; here a failure counts, in the destructors it does not
-    compressorBinding.Unbind();
-    meshBinding.Unbind();
+    compressorBinding.Finish();
+    meshBinding.Finish();
 }

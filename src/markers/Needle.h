@@ -1,4 +1,5 @@
-// A needle: a straight pin from a point on the surface to a round head; the number of the needle is drawn next to it.
+// A needle: a straight pin from a point on the surface to a spherical head; the number of the needle is drawn next to
+// it.
 #pragma once
 #include <cstdint>
 #include <vector>

@@ -47,8 +47,8 @@ float highlight() {
 )";
 
 // Mode per pixel: the colour of a fragment is the vertex colour or the texture, times the light colour that carries the
-// tint of the object. gl_ClipVertex is what GL_CLIP_PLANE0 clips: without it the result is undefined
-// by OpenGL; drivers test gl_Position.
+// tint of the object. gl_ClipVertex is what GL_CLIP_PLANE0 clips: without it the result is undefined by OpenGL; drivers
+// test gl_Position.
 const std::string kPerPixelVertexMain = R"(
 out vec4 mesh_color;
 

@@ -232,9 +232,8 @@ void CKV_ScenePaneCtrl::OnMiddleDown(std::uint32_t flags, std::int32_t x, std::i
     m_bAnimationRunning = 0;
     if (m_nInteractionMode != ModeIdle) return;
     if (m_nIgdRotation == 1) {
-        const bool placesPlane = IsForPlane(flags);
         CenterViewOrPlacePlane(*this, flags);
-        if (placesPlane) RefreshControl();
+        if (IsForPlane(flags)) RefreshControl();
         return;
     }
     m_nSavedInteractionMode = ModeIdle;

@@ -91,7 +91,7 @@ const RealScan kScans[] = {
      KV_ScenePane::HeightFromAllPoints,
      1.0,
      4.0},
-    // A room with furniture 20 units high; the floor is rough, its points are from -2 to 2.
+    // Furniture 20 units high on a rough floor, whose points are from -2 to 2.
     {"grids/PointCloudLibrary+data/tutorials/pairwise/capture0001.pcd",
      {-42.4270, 0, 13.2384, -18.6203, 0.158826, 44.4412, 0.509010, 21.3565, -13.2375, 0.533214, -42.4240, 108.486},
      KV_ScenePane::HeightFlatSpot,

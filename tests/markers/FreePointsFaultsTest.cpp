@@ -1,4 +1,4 @@
-// Free points and the driver: uploads that fail, and the calls of a frame. The driver stand-in counts the calls and
+// Free points: uploads that fail in the driver, and the calls of a frame. DriverStandIn.h counts the calls and
 // makes uploads fail.
 #include "render/SceneFixture.h"
 #include "support/DriverStandIn.h"

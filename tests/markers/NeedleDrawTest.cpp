@@ -95,7 +95,7 @@ TEST_P(PinsAlong, EveryDirectionTaperToAFifthAtTheSurface) {
             first = std::min(first, x);
             last = x;
         }
-        // A 20-sided pin is up to 1.2 % narrower than a round one, and widths are whole pixels.
+        // A pin of 20 sides is up to 1.2 % narrower than a cylinder, and widths are whole pixels.
         EXPECT_LE(last - first + 1, width + 1.01) << "row " << row;
         EXPECT_GE(last - first + 1, 0.987 * width - 1.01) << "row " << row;
         EXPECT_NEAR((first + last + 1) / 2.0, 160, 0.76) << "row " << row;

@@ -1,5 +1,5 @@
 // Needles whose frame reports short graphics memory: the reader of that line belongs to the host and may call any
-// method, before the method fires its event. The driver stand-in makes the upload fail.
+// method, before the method fires its event. DriverStandIn.h makes the upload fail.
 #include "markers/NeedleHelp.h"
 #include "support/DriverStandIn.h"
 
