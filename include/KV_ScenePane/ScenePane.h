@@ -3,10 +3,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "KV_ScenePane/ClipHeight.h"
+#include "KV_ScenePane/Cutting.h"
 #include "KV_ScenePane/Input.h"
 #include "KV_ScenePane/_DKV_ScenePane.h"
 #include "KV_ScenePane/_DKV_ScenePaneEvents.h"
@@ -175,6 +177,20 @@ public:
     /// What the last placement of the clip plane at the data found, by SetClipPlaneEnabled() or by the mouse; a default
     /// ClipHeight before the first one. A placement that threw does not count.
     [[nodiscard]] virtual ClipHeight GetClipHeight() const = 0;
+
+    /// Cuts all visible objects by a lasso with these corners, as if an operator had drawn it: fires the same events
+    /// and makes the same undo step. A session that runs is cancelled before. A frame is drawn first when the drawing
+    /// area was resized since the last one.
+    /// @param points  of a polygon the corners in their order, at least two, closed by the viewer; of a freehand lasso
+    ///                the start and the points of its line. Corners that are not finite are outside the window
+    /// @return whether an object has changed; false for a NoPicture viewer and without a window
+    virtual bool CutWithLasso(SegmentationMode mode, std::span<const LassoPoint> points) = 0;
+    /// Number of cuts that PerformUndo() can take back.
+    [[nodiscard]] virtual int GetUndoStepCount() const = 0;
+    /// What SaveCuttingToPcms() would do now, one entry per object in the order of the list. Reads and writes no file.
+    [[nodiscard]] virtual std::vector<CutSaveEntry> PlanCutSave() const = 0;
+    /// What the last SaveCuttingToPcms() did, one entry per object of that moment; empty before the first one.
+    [[nodiscard]] virtual std::vector<CutSaveEntry> GetCutSaveResults() const = 0;
 };
 
 /// Creates a viewer.

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 namespace ACAD {
-class CutMask;  // the record of one finished cut, passed by address
+class CutMask;  // the record of one finished cut (CutMask.h), passed by address
 }
 
 namespace KV_ScenePane {

@@ -11,7 +11,7 @@ namespace KV_ScenePane {
 /// Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are in the
 /// world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only and stay the
 /// caller's; output pointers must not be null and must have room for what is written.
-/// Methods marked [declared only] have no effect in this version: they write one line to the debugger output and return
+/// Methods marked have no effect in this version: they write one line to the debugger output and return
 /// 0. Unless a method says otherwise it reports no error, asks for no repaint and throws nothing but std::bad_alloc.
 class _DKV_ScenePane {
 public:
@@ -40,11 +40,11 @@ public:
     /// it; invalidates. Needles, pick-point spheres, free points and overlays stay. The selection and the variable
     /// objects keep their entries, which have no effect any more.
     virtual void ClearData() = 0;
-    /// Drops all undo steps. [declared only]
+    /// Drops all undo steps.
     virtual void ClearUndoStack() = 0;
     /// Tint of the pixels inside and outside a freehand lasso.
     /// @param inside, outside  0x00BBGGRR
-    /// @param insideOpacity, outsideOpacity  0 invisible to 1 opaque [declared only]
+    /// @param insideOpacity, outsideOpacity  0 invisible to 1 opaque
     virtual void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                        float outsideOpacity) = 0;
     /// Slides the clip plane within its own surface to the centre of the data, so that its handles are on screen;
@@ -106,7 +106,7 @@ public:
     virtual void SetObjectColor(std::int16_t idx, std::int32_t color) = 0;
     /// Starts a cut by lasso; EndSegmentation() cancels it, SegmentationDone reports its end.
     /// @param mode  0, 1, 2 polygon: remove what is outside, what is inside, what is inside and visible; 3, 4, 5 the
-    ///              same with a freehand lasso [declared only]
+    ///              same with a freehand lasso
     virtual void StartSegmentation(std::int16_t mode) = 0;
     /// Numbers of vertices and triangles of an object. The index must be valid: it is not checked.
     virtual void GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) = 0;
@@ -115,7 +115,7 @@ public:
     /// Sets the centre of a sphere, world frame; the colour stays. Refreshes. The id must be valid: it is not checked.
     virtual void MovePickPointSphere(std::int32_t id, float x, float y, float z) = 0;
     /// Restores the object list as it was before the last cut; objects added since vanish. Fires no event.
-    /// @return number of undo steps that are left [declared only]
+    /// @return number of undo steps that are left
     virtual std::int32_t PerformUndo() = 0;
     /// Reads a mesh file, chosen by its extension: ply, stl, ois, msh or hps; adds one object. On the calling thread.
     /// What is refused adds nothing, and one line of the debugger output has its path and the reason; a ply file throws
@@ -222,7 +222,7 @@ public:
     /// Mouse moves and the wheel act only while the value is exactly 1. Presses and keys always act.
     virtual void AllowMouseInteraction(std::int16_t on) = 0;
     /// Writes the cuts and the clip plane back to the pcm files that the objects came from.
-    /// @return 1 when at least one file was written, else 0 [declared only]
+    /// @return 1 when at least one file was written, else 0
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
     /// Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons pressed together and a click
     /// without movement differ from a drag. Right rotates, right with left or Shift pans, left picks, middle
@@ -436,9 +436,9 @@ public:
     /// The distinct cut masks of all objects.
     /// @param count        with null cutMaskPtrs receives their number; else the number to copy
     /// @param cutMaskPtrs  room for that many pointers, or null; the masks belong to the control
-    /// @return false when more are requested than exist [declared only]
+    /// @return false when more are requested than exist
     virtual VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) = 0;
-    /// Removes the cut masks of all objects. [declared only]
+    /// Removes the cut masks of all objects.
     virtual void ClearCutMasks() = 0;
     /// Starts the component registry, which textures and hps files need. Calls are counted.
     virtual void InitializeKVReg() = 0;

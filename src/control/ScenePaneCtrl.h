@@ -15,6 +15,7 @@
 #include "align/AlignState.h"
 #include "clip/ClipState.h"
 #include "control/SceneState.h"
+#include "cut/CutSource.h"
 #include "cut/CutState.h"
 #include "geometry/Box.h"
 #include "geometry/Mesh.h"
@@ -276,23 +277,40 @@ public:
     void FinishInteraction() override;
 
     // ---- control/MethodsToCome.cpp: one line to the debugger output each: methods that this version only declares
-    void ClearUndoStack() override;
-    void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
-                               float outsideOpacity) override;
-    void StartSegmentation(std::int16_t mode) override;
-    std::int32_t PerformUndo() override;
-    void ImportMesh(BSTR path) override;
-    void ExportMesh(std::int16_t objIdx, BSTR path) override;
     void AlignInteractive() override;
     void AlignPickPoints() override;
-    VARIANT_BOOL SaveCuttingToPcms() override;
+    void AboutBox() override;
+
+    // ---- cut/CutMethods.cpp: sessions
+    void StartSegmentation(std::int16_t mode) override;
     void EndSegmentation() override;
+    void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
+                               float outsideOpacity) override;
+    /// ScenePane::CutWithLasso().
+    bool CutWithLasso(KV_ScenePane::SegmentationMode mode, std::span<const KV_ScenePane::LassoPoint> points);
+
+    // ---- cut/UndoStack.cpp
+    std::int32_t PerformUndo() override;
+    void ClearUndoStack() override;
+    [[nodiscard]] int GetUndoStepCount() const { return static_cast<int>(m_vUndoStack.size()); }
+
+    // ---- cut/CutMaskList.cpp
     VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) override;
     void ClearCutMasks() override;
+
+    // ---- cut/CutSave.cpp
+    VARIANT_BOOL SaveCuttingToPcms() override;
+    /// ScenePane::PlanCutSave().
+    [[nodiscard]] std::vector<KV_ScenePane::CutSaveEntry> PlanCutSave() const;
+
+    // ---- io/MeshImportExport.cpp
+    void ImportMesh(BSTR path) override;
+    void ExportMesh(std::int16_t objIdx, BSTR path) override;
+
+    // ---- control/ComponentMethods.cpp
     void InitializeKVReg() override;
     void FinalizeKVReg() override;
     void SetHpsSourceApp(BSTR appName, BSTR appVersion) override;
-    void AboutBox() override;
 
     // ---- control/SceneMethods.cpp
     /// The object at a host's index, or null when it is negative or past the end.
@@ -383,11 +401,23 @@ public:
     /// @throws what EstimateClipHeight() throws: the plane and m_clipHeight are then as before
     void PlaceClipPlaneAtData();
 
-    // ---- the input's calls to cuts; in this version no method enters their modes
-    void FinishSegmentation(bool cancel);           // cut/CutFrame.cpp
-    void AddCutSessionPoint(float x, float y);      // cut/CutFrame.cpp
-    void PreviewCutSessionPoint(float x, float y);  // cut/CutFrame.cpp
-    void StartCutSession(float x, float y);         // cut/CutFrame.cpp
+    // ---- cut/CutFinish.cpp
+    /// Ends the session: cuts all visible objects unless @p cancel. The order of events and changes is part of the
+    /// surface. Throws only what handlers and hooks throw: a failure of the cut is passed to ShowModalMessage().
+    /// @return whether an object has changed
+    bool FinishSegmentation(bool cancel);
+    /// The mask of a region in the drawing area, with the camera of the last frame; the context is made current first.
+    std::shared_ptr<const ACAD::CutMask> CreateCutMask(std::uint32_t kind, const CutSource& source);
+
+    // ---- cut/CutInput.cpp: the freehand lasso under the mouse; x and y are fractions of the drawing area
+    /// Makes the session from the waiting textures; without them nothing happens.
+    void StartCutSession(float x, float y);
+    void AddCutSessionPoint(float x, float y);
+    void PreviewCutSessionPoint(float x, float y);
+
+    // ---- cut/CutTextures.cpp
+    /// The OpenGL objects of a freehand session, with the silhouette of the visible objects; null without a context.
+    std::unique_ptr<CutMaskTextures> CreateCutMaskTextures();
 
     // ---- view/Camera.cpp
     /// Rebuilds projection, modelview, shadow camera and light from the frame; makes the context current.

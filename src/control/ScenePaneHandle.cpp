@@ -309,6 +309,17 @@ public:
 
     [[nodiscard]] KV_ScenePane::ClipHeight GetClipHeight() const override { return m_pControl->GetClipHeight(); }
 
+    bool CutWithLasso(KV_ScenePane::SegmentationMode mode, std::span<const KV_ScenePane::LassoPoint> points) override {
+        return Held()->CutWithLasso(mode, points);
+    }
+    [[nodiscard]] int GetUndoStepCount() const override { return m_pControl->GetUndoStepCount(); }
+    [[nodiscard]] std::vector<KV_ScenePane::CutSaveEntry> PlanCutSave() const override {
+        return m_pControl->PlanCutSave();
+    }
+    [[nodiscard]] std::vector<KV_ScenePane::CutSaveEntry> GetCutSaveResults() const override {
+        return m_pControl->m_vCutSaveResults;
+    }
+
     Control& TheControl() { return *m_pControl; }
 
 private:

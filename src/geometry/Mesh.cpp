@@ -232,6 +232,7 @@ std::shared_ptr<Mesh> Mesh::CloneWithoutVertices(std::span<const std::uint32_t> 
         clone->ComputeBoundingBox();
     }
     clone->m_Trafo = m_Trafo;
+    clone->m_optImportTrafo = m_optImportTrafo;
     clone->m_bBuffersDirty = true;
     clone->SetColorRef(GetColorRef());
     clone->m_pTexture = m_pTexture;

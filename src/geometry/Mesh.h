@@ -94,7 +94,7 @@ public:
     [[nodiscard]] std::size_t GetVertexCount() const { return m_vVertices.size(); }
     [[nodiscard]] std::size_t GetTriangleCount() const { return m_vTriangles.size(); }
 
-    std::vector<std::shared_ptr<ACAD::CutMask>> m_vpCutMasks;  ///< cuts recorded on this object
+    std::vector<std::shared_ptr<const ACAD::CutMask>> m_vpCutMasks;  ///< cuts of this object, oldest first
     std::vector<Triangle> m_vTriangles;
     std::vector<TexCoord> m_vTexCoords;  ///< three per triangle in corner order when textured, else empty
     std::vector<Vertex> m_vVertices;
@@ -109,6 +109,8 @@ public:
     float m_fPointSize = 2.0f;                         ///< pixels
     std::shared_ptr<Texture> m_pTexture;               ///< null when there is none; shared with clones
     std::optional<std::array<float, 4>> m_optCutView;  ///< clip plane last written into this object's file
+    /// m_Trafo as it was at the import from a measurement file; empty for other objects. Clones keep it.
+    std::optional<CACADQTrafo> m_optImportTrafo;
     bool m_bGrayColors = false;        ///< the vertex colours are all grey: the object colour tints them
     bool m_bBlendObjectColor = false;  ///< mix 15 % of the vertex colours with 85 % of the object colour
 };

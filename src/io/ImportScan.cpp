@@ -112,6 +112,7 @@ bool CKV_ScenePaneCtrl::SetScanData(const MeasurementData& data, const Measureme
         DebugOutput(std::string(origin.m_pMeshedBy) + "(): CreateInternalMesh() returned nullptr\n");
         return false;
     }
+    mesh->m_optImportTrafo = mesh->m_Trafo;
     AddMeshToScene(std::move(mesh), origin.m_iIndex);
     ReportNotFinite(origin.m_sName, data.m_uNotFinite);
     return true;

@@ -14,13 +14,8 @@
 
 namespace {
 
-// clang-format off
 /// Methods that are declared only.
-const char* const kMethodsToCome[] = {
-    "ClearUndoStack", "SetLassoCuttingColors", "StartSegmentation", "PerformUndo", "AlignInteractive", "AlignPickPoints",
-    "SaveCuttingToPcms", "EndSegmentation", "GetCutMasks", "ClearCutMasks", "AboutBox",
-};
-// clang-format on
+const char* const kMethodsToCome[] = {"AlignInteractive", "AlignPickPoints", "AboutBox"};
 
 const AutomationMethod& Method(std::string_view name) {
     for (const AutomationMethod& method : AutomationMethods())
@@ -236,13 +231,6 @@ TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodWritesThatItHasNoOperation) {
         EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << name << ": " << line;
         EXPECT_TRUE(line.ends_with('\n')) << name << ": " << line;
     }
-}
-
-TEST_F(AutomationOfTheControl, ADeclaredOnlyMethodReturnsZero) {
-    std::vector<std::uint8_t> memory(64);
-    for (const char* name : {"SaveCuttingToPcms", "GetCutMasks"})
-        EXPECT_EQ(Invoke(Method(name).id, HarmlessArguments(Method(name), memory)), AutomationValue(std::int16_t{0}))
-            << name;
 }
 
 TEST_F(AutomationOfTheControl, ImplementedMethodsWriteNoSuchLine) {

@@ -8,6 +8,7 @@
 
 #include "support/ControlFixture.h"
 #include "support/GlNow.h"
+#include "support/TestCutSession.h"
 
 namespace {
 
@@ -417,7 +418,7 @@ TEST(ClearData, EmptiesMeshesThenUndoStepsThenLinesThenResetsTheView) {
     })});
     c.m_vLines3D.push_back({7, {{0, 0, 0}, {1, 1, 1}}});
     c.m_pCutMask = std::make_unique<CutMaskTextures>();
-    c.m_pCutSession = std::make_unique<CutSession>();
+    c.m_pCutSession = MakeTestCutSession();
     c.m_fAxisX = {0, 0, 1}, c.m_fAxisY = {1, 0, 0}, c.m_fAxisZ = {0, 1, 0};
     c.m_fZoom = 3, c.m_fDefaultZoom = 1.5f;
     c.ClearData();

@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "support/TestCutSession.h"
 #include "view/CameraHelp.h"
 
 namespace {
@@ -259,7 +260,7 @@ TEST(ClearData, RemovesObjectsUndoStepsLinesAndTheCut) {
     AddBox(*c, {0, 0, 0}, {1, 1, 1});
     c->m_vUndoStack.push_back({c->m_vpMeshes[0]});
     c->m_vLines3D.push_back({.id = 1, .points = {{0, 0, 0}, {1, 1, 1}}});
-    c->m_pCutSession = std::make_unique<CutSession>();
+    c->m_pCutSession = MakeTestCutSession();
     c->m_pCutMask = std::make_unique<CutMaskTextures>();
     c->ClearData();
     EXPECT_TRUE(c->m_vpMeshes.empty());

@@ -1,5 +1,6 @@
 // What a move does in each interaction mode: which travel rotates or pans the view, what the dialog receives, whether
 // the point becomes the last one, what is repainted. And the wheel.
+#include "support/TestCutSession.h"
 #include "view/ExpectedView.h"
 #include "view/InputHelp.h"
 
@@ -189,7 +190,7 @@ TEST(MaskLassoMove, RepaintsDuringASession) {
     InputControl c;
     for (const std::uint32_t flags : {0u, kLeft}) {
         c.Set({.mode = ModeMaskLasso});
-        c->m_pCutSession = std::make_unique<CutSession>();
+        c->m_pCutSession = MakeTestCutSession();
         c->OnMouseMoved(flags, 160, 360);
         EXPECT_EQ(c.window->eraseInvalidates, 1);
         EXPECT_EQ(c.RepaintRequests(), 1);

@@ -1,5 +1,6 @@
 // What a press of each button does in each interaction mode: the mode that it leads to, the mode that a release will
 // return to, the capture, the start of a drag, the repaints. And lasso points, and where a press begins a roll.
+#include "support/TestCutSession.h"
 #include "view/InputHelp.h"
 
 namespace {
@@ -287,7 +288,7 @@ TEST(MaskLassoPress, StartsASessionWithoutARepaintOrACapture) {
 
 TEST(MaskLassoPress, DuringASessionRepaintsWithErase) {
     InputControl c({.mode = ModeMaskLasso});
-    c->m_pCutSession = std::make_unique<CutSession>();
+    c->m_pCutSession = MakeTestCutSession();
     c->OnLeftDown(kLeft, 160, 120);
     EXPECT_EQ(c.window->eraseInvalidates, 1);
     EXPECT_EQ(c.RepaintRequests(), 1);

@@ -1,0 +1,58 @@
+// Cuts by lasso and their way back into the measurement files.
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace KV_ScenePane {
+
+/// The ways to cut: StartSegmentation(). A polygon is drawn by clicks; a freehand lasso by drags and clicks.
+enum SegmentationMode : std::int16_t {
+    /// Removes what lies outside the lasso.
+    PolygonOutside = 0,
+    /// Removes what lies inside the lasso, also what is hidden there.
+    PolygonInside = 1,
+    /// Removes what is visible inside the lasso.
+    PolygonVisible = 2,
+    FreehandOutside = 3,
+    FreehandInside = 4,
+    FreehandVisible = 5
+};
+
+/// A corner of a lasso: fractions of the drawing area, 0 to 1, y downward.
+struct LassoPoint {
+    double x = 0.0, y = 0.0;
+};
+
+/// What SaveCuttingToPcms() did with an object, or would do.
+enum CutSaveOutcome : std::int32_t {
+    /// Its file is written by the next save.
+    CutToBeWritten = 0,
+    /// Its file has the cuts.
+    CutWritten = 1,
+    /// It has no cut, and no plane clips, or its file has the cut by this plane already.
+    CutNothingToSave = 2,
+    /// It has cuts, or a plane clips, but it is not from a pcm file.
+    CutNotFromPcm = 3,
+    /// Its file could not be read: nothing was written.
+    CutFileNotRead = 4,
+    /// Its file could not be written and is as before.
+    CutFileNotWritten = 5
+};
+
+/// One object in a save of cuts.
+struct CutSaveEntry {
+    /// Index of the object when the entry was made.
+    std::int16_t object = -1;
+    CutSaveOutcome outcome = CutNothingToSave;
+    /// The file that it came from, encoded as WidePath() (PathText.h) does.
+    std::wstring file;
+    /// Why the file was not read or not written, as a sentence without its subject; else empty.
+    std::string reason;
+    /// Cuts that are not in the file.
+    int numberOfCuts = 0;
+    /// The object has another transform than at its import: pixels of the file would be removed that are not those that
+    /// the lasso enclosed.
+    bool isMoved = false;
+};
+
+}  // namespace KV_ScenePane
