@@ -33,7 +33,7 @@ struct PackedBits {
 
 /// A region of the window with the camera that it was drawn in. Never changed after a viewer has made it, so that any
 /// thread may read it. Order and width of the fields are fixed: hosts read them by the address of the mask.
-class CutMask {
+class __attribute__((visibility("default"))) CutMask {
 public:
     using Rectangle = std::array<std::int32_t, 4>;  ///< min x, min y, max x, max y, all inclusive
     /// The rectangle of no pixel.

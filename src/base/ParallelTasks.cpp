@@ -1,14 +1,33 @@
 // Tasks for all cores of the machine.
 #include "base/ParallelTasks.h"
 
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <thread>
+
 std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::function<void(std::size_t)>& task) {
     std::vector<std::exception_ptr> exceptions(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        try {
-            task(i);
-        } catch (...) {
-            exceptions[i] = std::current_exception();
+    std::atomic<std::size_t> next = 0;
+    const auto work = [&] {
+        for (std::size_t i = next++; i < count; i = next++) {
+            try {
+                task(i);
+            } catch (...) {
+                exceptions[i] = std::current_exception();
+            }
         }
+    };
+
+    const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
+    std::vector<std::jthread> helpers;  // joined at the end, after the calling thread has found no task any more
+    helpers.reserve(std::min(cores, count));
+    try {
+        while (helpers.size() + 1 < std::min(cores, count)) helpers.emplace_back(work);
+    } catch (const std::system_error&) {
+        // The system refuses another thread: those that exist do all the work.
     }
+    work();
+    helpers.clear();
     return exceptions;
 }

@@ -1,11 +1,30 @@
 // A finished cut applied to objects.
 #include "cut/ApplyCut.h"
 
-std::shared_ptr<Mesh> CutMesh(const std::shared_ptr<Mesh>& mesh, const std::shared_ptr<const ACAD::CutMask>& /*mask*/) {
-    return mesh;
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "base/ParallelTasks.h"
+
+std::shared_ptr<Mesh> CutMesh(const std::shared_ptr<Mesh>& mesh, const std::shared_ptr<const ACAD::CutMask>& mask) {
+    if (mesh->m_iVisible == 0) return mesh;
+    std::vector<std::uint32_t> removed((mesh->m_vVertices.size() + 31) / 32);
+    if (!mask->MarkVertices(mesh->m_vVertices, removed)) return mesh;
+    auto clone = mesh->CloneWithoutVertices(removed);
+    clone->m_vpCutMasks.reserve(mesh->m_vpCutMasks.size() + 1);
+    clone->m_vpCutMasks = mesh->m_vpCutMasks;
+    clone->m_vpCutMasks.push_back(mask);
+    return clone;
 }
 
-std::vector<std::shared_ptr<Mesh>> ApplyCutMask(std::span<const std::shared_ptr<Mesh>> /*meshes*/,
-                                                const std::shared_ptr<const ACAD::CutMask>& /*mask*/) {
-    return {};
+std::vector<std::shared_ptr<Mesh>> ApplyCutMask(std::span<const std::shared_ptr<Mesh>> meshes,
+                                                const std::shared_ptr<const ACAD::CutMask>& mask) {
+    std::vector<std::shared_ptr<Mesh>> result(meshes.size());
+    const auto exceptions =
+        RunParallelTasks(meshes.size(), [&](std::size_t i) { result[i] = CutMesh(meshes[i], mask); });
+    for (const std::exception_ptr& exception : exceptions)
+        if (exception) std::rethrow_exception(exception);
+    if (std::equal(result.begin(), result.end(), meshes.begin(), meshes.end())) result.clear();
+    return result;
 }

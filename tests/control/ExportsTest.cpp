@@ -21,11 +21,12 @@ std::string OutputOf(const std::string& command) {
     return text;
 }
 
-TEST(TheLibrary, ExportsOnlyTheFactoryTheDebugOutputSinkAndTheReaderOfPoints) {
+TEST(TheLibrary, ExportsOnlyTheFactoryTheDebugOutputSinkTheReaderOfPointsAndTheTestsOfCutMasks) {
     std::istringstream lines(OutputOf("nm -D -C --defined-only --format=just-symbols '" KV_LIBRARY_FILE "'"));
     std::set<std::string> functions;
     for (std::string line; std::getline(lines, line);) functions.insert(line.substr(0, line.find('(')));
-    EXPECT_EQ(functions, (std::set<std::string>{"KV_ScenePane::CreateScenePane", "KV_ScenePane::ReadPointFile",
+    EXPECT_EQ(functions, (std::set<std::string>{"ACAD::CutMask::InvalidateVertices", "ACAD::CutMask::MarkVertices",
+                                                "KV_ScenePane::CreateScenePane", "KV_ScenePane::ReadPointFile",
                                                 "KV_ScenePane::SetDebugOutputSink"}));
 }
 
