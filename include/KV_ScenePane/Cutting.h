@@ -29,7 +29,7 @@ enum CutSaveOutcome : std::int32_t {
     CutToBeWritten = 0,
     /// Its file has the cuts.
     CutWritten = 1,
-    /// It has no cut, and no plane clips, or its file has the cut by this plane already.
+    /// It has no cut, and no plane clips or its file has the cut by this plane already.
     CutNothingToSave = 2,
     /// It has cuts, or a plane clips, but it is not from a pcm file.
     CutNotFromPcm = 3,
@@ -48,10 +48,11 @@ struct CutSaveEntry {
     std::wstring file;
     /// Why the file was not read or not written, as a sentence without its subject; else empty.
     std::string reason;
-    /// Cuts that are not in the file.
+    /// Cuts by lasso that the object had before the save; a plane does not count. Afterwards it has none, also when its
+    /// file was not read or not written, unless there was not enough memory.
     int numberOfCuts = 0;
-    /// The object has another transform than at its import: pixels of the file would be removed that are not those that
-    /// the lasso enclosed.
+    /// The object has another transform than at its import, by more than the rounding of GetTrafoOfScan() and
+    /// SetTrafoOfScan(): pixels of the file would be removed that are not those that the lasso enclosed.
     bool isMoved = false;
 };
 

@@ -221,8 +221,15 @@ public:
     virtual std::int32_t AddPickPointSphere(float x, float y, float z, std::int32_t color) = 0;
     /// Mouse moves and the wheel act only while the value is exactly 1. Presses and keys always act.
     virtual void AllowMouseInteraction(std::int16_t on) = 0;
-    /// Writes the cuts and the clip plane back to the pcm files that the objects came from.
-    /// @return 1 when at least one file was written, else 0
+    /// Writes the cuts of all objects, and the clip plane while it is enabled, hidden or not, into the pcm files that
+    /// the objects came from: valid pixels that they or the confidence filter remove get the class 250. All else in the
+    /// files stays. An object without cuts is written only when the plane differs from the one that its file was
+    /// written with last. Cuts are tested with the transform of the file, not with that of SetTrafoOfScan(). Each file
+    /// is replaced as a whole or not at all. Objects lose their cuts, also where the file could not be read or written:
+    /// ScenePane::GetCutSaveResults() lists those, with lines in the debugger output.
+    /// @return 1 when there was at least one file to write, else 0. A file that could not be read or written counts
+    /// @throws std::bad_alloc when there is not enough memory for an object and none before it was written; all other
+    ///         files are written then, too
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
     /// Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons pressed together and a click
     /// without movement differ from a drag. Right rotates, right with left or Shift pans, left picks, middle

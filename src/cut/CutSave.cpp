@@ -1,6 +1,43 @@
-// The method that writes cuts into the measurement files.
+// The method that writes cuts into the measurement files. What is written is decided in cut/SaveCut.h.
 #include "control/ScenePaneCtrl.h"
+#include "cut/SaveCut.h"
+#include "io/FileMessage.h"
+#include "platform/WaitCursor.h"
 
-KV_ScenePane::VARIANT_BOOL CKV_ScenePaneCtrl::SaveCuttingToPcms() { return 0; }
+using KV_ScenePane::CutSaveEntry;
 
-std::vector<KV_ScenePane::CutSaveEntry> CKV_ScenePaneCtrl::PlanCutSave() const { return {}; }
+namespace {
+
+Float3 RoundedToFloat(const Double3& a) {
+    return {static_cast<float>(a[0]), static_cast<float>(a[1]), static_cast<float>(a[2])};
+}
+
+/// The plane that clips, also when it is hidden. In single precision from its normal and its centre on.
+std::optional<CutPlane> ActivePlane(const CKV_ScenePaneCtrl& control) {
+    if (control.m_bClipPlaneActive == 0) return std::nullopt;
+    const Float3 normal = RoundedToFloat(control.m_clipPlane.GetNormal());
+    const Float3 center = RoundedToFloat(control.m_clipPlane.GetCenter());
+    return CutPlane{normal[0], normal[1], normal[2], -Dot(normal, center)};
+}
+
+/// One line per object whose file was not read or not written.
+void ReportFailures(const std::vector<CutSaveEntry>& entries) {
+    for (const CutSaveEntry& entry : entries)
+        if (!entry.reason.empty()) ReportFileError("SaveCuttingToPcms", entry.file, entry.reason);
+}
+
+}  // namespace
+
+KV_ScenePane::VARIANT_BOOL CKV_ScenePaneCtrl::SaveCuttingToPcms() {
+    const WaitCursor wait(*m_pWindow);
+    const CutSaveRun run = SaveMeshCuttings(m_vpMeshes, m_fConfidenceFilter, ActivePlane(*this));
+    m_vCutSaveResults = run.entries;
+    // Last: the sink of the debugger output may call any method.
+    ReportFailures(run.entries);
+    if (run.exception) std::rethrow_exception(run.exception);
+    return run.isWritten ? 1 : 0;
+}
+
+std::vector<CutSaveEntry> CKV_ScenePaneCtrl::PlanCutSave() const {
+    return PlanMeshCuttings(m_vpMeshes, ActivePlane(*this));
+}

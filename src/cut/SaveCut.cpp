@@ -1,11 +1,157 @@
-// The cuts of objects written into their pcm files.
+// Which objects have a cut to save, and the order of the saves.
 #include "cut/SaveCut.h"
 
-KV_ScenePane::CutSaveEntry PlanMeshCutting(const Mesh& /*mesh*/, const std::optional<CutPlane>& /*plane*/) {
-    return {};
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <exception>
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "KV_ScenePane/PathText.h"
+#include "base/ParallelTasks.h"
+#include "io/FileExtension.h"
+#include "io/FileMessage.h"
+
+using KV_ScenePane::CutSaveEntry;
+
+namespace {
+
+float SquareOf(const CutPlane& v) { return v[0] * v[0] + v[1] * v[1] + v[2] * v[2] + v[3] * v[3]; }
+
+/// Whether two planes are the same but for rounding. In single precision, as the planes are.
+bool IsSamePlane(const CutPlane& p, const CutPlane& q) {
+    const CutPlane difference = {q[0] - p[0], q[1] - p[1], q[2] - p[2], q[3] - p[3]};
+    return SquareOf(difference) <= 1e-10f * std::min(SquareOf(p), SquareOf(q));
 }
 
-bool SaveMeshCutting(Mesh& /*mesh*/, float /*confidenceLimit*/, const std::optional<CutPlane>& /*plane*/,
-                     KV_ScenePane::CutSaveEntry& /*entry*/) {
-    return false;
+/// By the text after the last point, also when that is in the name of a folder: such a name is no pcm file.
+bool IsPcmName(std::wstring_view name) {
+    return name.find(L'.') != std::wstring_view::npos && LowerCaseExtension(name) == L"pcm";
+}
+
+bool HasNothingToSave(const Mesh& mesh, const std::optional<CutPlane>& plane) {
+    if (!mesh.m_vpCutMasks.empty()) return false;
+    return !plane || (mesh.m_optCutView && IsSamePlane(*mesh.m_optCutView, *plane));
+}
+
+/// Equal, or both not a number.
+bool IsSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+/// Whether the object has another transform than at its import. A transform that a host read and set again has gone
+/// through floats, so that its rotation may differ in the last bits.
+bool IsMoved(const Mesh& mesh) {
+    constexpr double kMaxRounding = 1e-6;
+    const CACADQTrafo& now = mesh.m_Trafo;
+    const CACADQTrafo before = mesh.m_optImportTrafo.value_or(CACADQTrafo{});
+    const bool isSameRotation = std::ranges::equal(now.m_dRotation, before.m_dRotation, [](double a, double b) {
+        return IsSame(a, b) || std::abs(a - b) <= kMaxRounding;
+    });
+    const bool isSameTranslation =
+        std::ranges::equal(now.m_dTranslation, before.m_dTranslation,
+                           [](double a, double b) { return IsSame(static_cast<float>(a), static_cast<float>(b)); });
+    return !isSameRotation || !isSameTranslation;
+}
+
+/// The file behind a path with all links followed; a path without a file differs from all others.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    std::string missing;  ///< the path when there is no file
+
+    auto operator<=>(const FileIdentity&) const = default;
+};
+
+FileIdentity IdentityOf(const std::wstring& file) {
+    const std::string path = KV_ScenePane::PathBytes(file);
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return {.missing = path};
+    return {.device = info.st_dev, .inode = info.st_ino, .missing = {}};
+}
+
+/// Indices of the objects that have something to save, one list per file.
+std::vector<std::vector<std::size_t>> GroupByFile(std::span<const CutSaveEntry> entries) {
+    std::vector<std::vector<std::size_t>> groups;
+    std::map<FileIdentity, std::size_t> groupOf;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (entries[i].outcome != KV_ScenePane::CutToBeWritten) continue;
+        const auto [group, isNew] = groupOf.try_emplace(IdentityOf(entries[i].file), groups.size());
+        if (isNew) groups.emplace_back();
+        groups[group->second].push_back(i);
+    }
+    return groups;
+}
+
+}  // namespace
+
+CutSaveEntry PlanMeshCutting(const Mesh& mesh, const std::optional<CutPlane>& plane) {
+    CutSaveEntry entry;
+    entry.outcome = HasNothingToSave(mesh, plane) ? KV_ScenePane::CutNothingToSave
+                    : IsPcmName(mesh.m_sName)     ? KV_ScenePane::CutToBeWritten
+                                                  : KV_ScenePane::CutNotFromPcm;
+    entry.file = mesh.m_sName;
+    entry.numberOfCuts = static_cast<int>(mesh.m_vpCutMasks.size());
+    entry.isMoved = IsMoved(mesh);
+    return entry;
+}
+
+bool SaveMeshCutting(Mesh& mesh, float confidenceLimit, const std::optional<CutPlane>& plane, CutSaveEntry& entry) {
+    const std::int16_t object = entry.object;
+    entry = PlanMeshCutting(mesh, plane);
+    entry.object = object;
+    if (entry.outcome != KV_ScenePane::CutToBeWritten) return false;
+    try {
+        MsrCutResult result = WriteCutToMsr(mesh, confidenceLimit, plane);
+        entry.outcome = result.outcome;
+        entry.reason = std::move(result.reason);
+    } catch (...) {
+        entry.outcome = KV_ScenePane::CutFileNotWritten;
+        entry.reason = TextOfCaughtError();
+        throw;
+    }
+    // The cuts are in the file and must not count twice.
+    mesh.m_vpCutMasks.clear();
+    if (plane) mesh.m_optCutView = plane;
+    return true;
+}
+
+std::vector<CutSaveEntry> PlanMeshCuttings(std::span<const std::shared_ptr<Mesh>> meshes,
+                                           const std::optional<CutPlane>& plane) {
+    std::vector<CutSaveEntry> entries;
+    entries.reserve(meshes.size());
+    for (const auto& mesh : meshes) {
+        entries.push_back(PlanMeshCutting(*mesh, plane));
+        entries.back().object = static_cast<std::int16_t>(entries.size() - 1);
+    }
+    return entries;
+}
+
+CutSaveRun SaveMeshCuttings(std::span<const std::shared_ptr<Mesh>> meshes, float confidenceLimit,
+                            const std::optional<CutPlane>& plane) {
+    CutSaveRun run;
+    run.entries = PlanMeshCuttings(meshes, plane);
+    const std::vector<std::vector<std::size_t>> groups = GroupByFile(run.entries);
+    struct Result {
+        bool isWritten = false;
+        std::exception_ptr exception;
+    };
+    std::vector<Result> results(meshes.size());
+    RunParallelTasks(groups.size(), [&](std::size_t group) {
+        for (const std::size_t i : groups[group]) {
+            try {
+                results[i].isWritten = SaveMeshCutting(*meshes[i], confidenceLimit, plane, run.entries[i]);
+            } catch (...) {
+                results[i].exception = std::current_exception();
+            }
+        }
+    });
+    // An exception after the first written object is not passed on: the entry says why the object was not written.
+    for (std::size_t i = 0; i < results.size() && !run.isWritten && !run.exception; ++i) {
+        run.isWritten = results[i].isWritten;
+        run.exception = results[i].exception;
+    }
+    return run;
 }

@@ -20,6 +20,8 @@ std::string OpenRefusal(std::wstring_view file) {
     }
 }
 
+}  // namespace
+
 std::string TextOfCaughtError() {
     try {
         throw;  // the exception that the caller is handling
@@ -31,8 +33,6 @@ std::string TextOfCaughtError() {
         return "an unknown error";
     }
 }
-
-}  // namespace
 
 std::string FileLabel(std::wstring_view file) { return file.empty() ? "(no file)" : KV_ScenePane::PathBytes(file); }
 

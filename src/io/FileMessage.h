@@ -15,6 +15,10 @@
 /// Writes one line to the debugger output: "OPERATION(): FILE: REASON". Any thread.
 void ReportFileError(const char* operation, std::wstring_view file, std::string_view reason);
 
+/// Why the exception that is being handled was thrown, as a sentence without its subject; never empty. Must be called
+/// inside a catch block.
+[[nodiscard]] std::string TextOfCaughtError();
+
 /// ReportFileError() with the text of the exception that is being handled. Must be called inside a catch block.
 void ReportCaughtError(const char* operation, std::wstring_view name);
 /// The same for the import of a file: where the file cannot be opened, that is the reason.
