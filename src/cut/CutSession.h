@@ -1,24 +1,21 @@
 // A freehand lasso while it is drawn, and the OpenGL objects that it draws with.
 #pragma once
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "cut/CutImage.h"
 #include "cut/MaskBits.h"
 
 /// Colour and opacity of one part of the tint.
 struct LassoTint {
     std::uint32_t color = 0;  ///< 0x00BBGGRR
-    float opacity = 0.0f;     ///< 0 invisible to 1 opaque
+    float opacity = 0.0f;     ///< 0 invisible to 1 opaque; what is beyond is clamped, and not a number counts as 0
 };
 
-/// A pixel of the images of a session, y downward.
-struct LassoPixel {
-    std::int32_t x = 0, y = 0;
-    bool operator==(const LassoPixel&) const = default;
-};
+/// Fewer pixels in a row or column leave no place for a freehand lasso: it keeps off the outermost pixels.
+inline constexpr std::int32_t kMinLassoSide = 3;
 
 /// OpenGL objects of one freehand session. The rendering context must be current when they are destroyed.
 struct CutMaskTextures {
@@ -36,9 +33,14 @@ struct CutMaskTextures {
 };
 
 /// A running freehand lasso. Points are queued by the input and drawn into the images by the next Draw(). Images are
-/// m_nWidth x m_nHeight words, top row first, with the bytes r, g, b, a from the lowest; 0 is empty.
+/// m_nWidth x m_nHeight words, top row first, with the bytes r, g, b, a from the lowest; 0 is empty, and 255 marks
+/// what a flood fill has reached.
+///
+/// Invariants: all points lie inside the outermost pixels of the image, so that a ring of empty pixels encloses the
+/// lasso. m_vLines is empty outside m_rcBounds, and m_vComposite outside m_rcShown.
 class CutSession {
 public:
+    /// @param textures    at least kMinLassoSide pixels in both directions; owned from here on, also when this throws
     /// @param startPixel  moved away from the outermost pixels
     /// @param fill, outside  tints of what is inside and outside the lasso
     /// @param program     "use mask"
@@ -49,9 +51,10 @@ public:
     /// Adds a point. @param fx, fy  fractions of the drawing area; points outside it or on its outermost pixels are
     /// ignored, also those that are not finite
     void AddPoint(float fx, float fy);
-    /// Moves the rubber band.
+    /// Moves the rubber band; the same points are ignored.
     void SetPreviewPoint(float fx, float fy);
-    /// Updates images and textures and draws the session over the frame. The context must be current.
+    /// Updates images and textures and draws the session over the frame, whose OpenGL state it restores. The context
+    /// must be current. Without OpenGL objects nothing happens.
     void Draw(bool withFill);
     /// Closes the lasso in a copy and returns what it encloses, its lines included, in a window of this size.
     [[nodiscard]] MaskBits CreateMaskBits(std::int32_t outWidth, std::int32_t outHeight) const;
@@ -59,7 +62,7 @@ public:
     [[nodiscard]] std::optional<LassoPixel> GetLastPoint() const { return m_optLastPoint; }
 
     using Image = std::vector<std::uint32_t>;
-    using Rectangle = std::array<std::int32_t, 4>;  ///< min x, min y, max x, max y, inclusive
+    using Rectangle = PixelRectangle;
 
     std::unique_ptr<CutMaskTextures> m_pTextures;
     std::int32_t m_nWidth, m_nHeight;
@@ -75,4 +78,20 @@ public:
     Image m_vComposite;                     ///< committed lines and rubber band
     Rectangle m_rcShown;                    ///< last touched by the rubber band
     std::vector<LassoPixel> m_vFloodStack;  ///< reserved once, so that a fill does not allocate
+
+private:
+    [[nodiscard]] std::optional<LassoPixel> FindNewPixel(float fx, float fy) const;
+    [[nodiscard]] std::uint32_t TintOf(std::uint32_t pixel) const;
+    void CommitLines();
+    void UpdateLines();
+    void FillLasso(const Rectangle& box);
+    void UpdateFill();
+    void DrawTint() const;
+    void DrawLines() const;
+
+    Image m_vFill;  ///< the filled box of the lasso, without the rest of the rows
+    // What the textures show. They lag behind the images when a buffer could not be mapped.
+    std::optional<Rectangle> m_optLinesToUpload;  ///< where the line texture differs from m_vComposite
+    Rectangle m_rcFillShown;                      ///< beyond it the fill texture has m_uOutsideColor
+    bool m_bFillIsStale = true;                   ///< m_vComposite has changed since the last fill
 };

@@ -23,6 +23,12 @@ public:
     /// Copies the resolved colours to the back buffer of the window, which has no samples.
     void CopyToWindow() const;
 
+    /// Deletes the buffers; the window's framebuffer is bound when one of them was.
+    void Release() {
+        Delete(m_drawn);
+        Delete(m_resolved);
+        Forget();
+    }
     /// The buffers were deleted with their context.
     void Forget() { *this = {}; }
 

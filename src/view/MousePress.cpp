@@ -111,16 +111,15 @@ void LeftDownWhilePickingPoints(CKV_ScenePaneCtrl& control, std::uint32_t flags,
     control.BeginDrag(x, y, moving);
 }
 
-/// The first point starts the session, without a repaint here.
+/// The first point starts the session, if it can be started.
 void LeftDownInMaskLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     const WindowSize size = control.m_pWindow->ClientSize();
     const auto [relativeX, relativeY] = WindowFraction<float>(x, y, size.width, size.height);
-    if (control.m_pCutSession == nullptr) {
+    if (control.m_pCutSession == nullptr)
         control.StartCutSession(relativeX, relativeY);
-        return;
-    }
-    control.AddCutSessionPoint(relativeX, relativeY);
-    control.InvalidateControl(true);
+    else
+        control.AddCutSessionPoint(relativeX, relativeY);
+    if (control.m_pCutSession != nullptr) control.InvalidateControl(true);
 }
 
 // ---- right

@@ -276,13 +276,29 @@ TEST(LassoPress, AddsAPointInFractionsOfTheWindow) {
     EXPECT_EQ(c->m_bAnimationRunning, 0);
 }
 
-TEST(MaskLassoPress, StartsASessionWithoutARepaintOrACapture) {
+TEST(MaskLassoPress, StartsASessionAndRepaintsWithEraseWithoutACapture) {
     InputControl c({.mode = ModeMaskLasso});
+    c->m_pCutMask = std::make_unique<CutMaskTextures>();
+    c->m_pCutMask->m_nWidth = 640;
+    c->m_pCutMask->m_nHeight = 480;
     c->OnLeftDown(kLeft, 160, 120);
-    EXPECT_EQ(c.RepaintRequests(), 0);
+    ASSERT_NE(c->m_pCutSession, nullptr);
+    EXPECT_EQ(c->m_pCutMask, nullptr);
+    EXPECT_EQ(c->m_pCutSession->m_ptStart, (LassoPixel{160, 120}));
+    EXPECT_EQ(c.window->eraseInvalidates, 1);
+    EXPECT_EQ(c.RepaintRequests(), 1);
     EXPECT_TRUE(c->m_vLassoPoints.empty()) << "points of the other lasso";
     EXPECT_EQ(c->m_nInteractionMode, ModeMaskLasso);
     EXPECT_FALSE(c.window->HasCapture());
+    EXPECT_TRUE(c.LastPointUnchanged());
+}
+
+TEST(MaskLassoPress, WithoutTexturesDoesNothing) {
+    InputControl c({.mode = ModeMaskLasso});
+    c->OnLeftDown(kLeft, 160, 120);
+    EXPECT_EQ(c->m_pCutSession, nullptr);
+    EXPECT_EQ(c.RepaintRequests(), 0);
+    EXPECT_EQ(c->m_nInteractionMode, ModeMaskLasso);
     EXPECT_TRUE(c.LastPointUnchanged());
 }
 
