@@ -288,6 +288,8 @@ public:
                                float outsideOpacity) override;
     /// ScenePane::CutWithLasso().
     bool CutWithLasso(KV_ScenePane::SegmentationMode mode, std::span<const KV_ScenePane::LassoPoint> points);
+    /// Keeps m_bLassoCursor and the cursor of the window equal.
+    void ShowLassoCursor(bool show);
 
     // ---- cut/UndoStack.cpp
     std::int32_t PerformUndo() override;
@@ -358,6 +360,12 @@ public:
     void OnPaint() override;
     /// Keeps the pixels of the last frame as the frozen image, which later frames show in place of the scene.
     void FreezeFrame();
+    /// Stores a changed size of the window and sets up viewport and matrices for it. The context is current.
+    /// @return whether the size has changed
+    bool StoreWindowSize();
+    /// Makes the depths of m_frameTarget those of the objects in the live view, see m_bObjectDepths. The colours stay,
+    /// except after a change of the size. The context is current.
+    void DrawObjectDepths();
 
     // ---- render/Shadows.cpp
     /// Builds the programs and both off-screen framebuffers in the current context; ends the process on a failure.

@@ -8,16 +8,19 @@
 #include "cut/CutSession.h"
 #include "geometry/Mesh.h"
 
-/// Written by cut/; the mouse handlers of view/ move the rubber band. ClearData() empties all of it.
+/// Written by cut/; the mouse handlers of view/ move the rubber band. ClearData() deletes the undo steps, the textures
+/// and the freehand session; the interaction mode stays.
 ///
-/// Invariants: m_vLassoPoints is empty unless a lasso runs. A step of m_vUndoStack is a whole object list; the objects
-/// are shared with m_vpMeshes and never edited. At most one of m_pCutMask and m_pCutSession owns the mask textures.
+/// Invariants: a step of m_vUndoStack is a whole object list; the objects are shared with m_vpMeshes and never edited.
+/// The points of a polygon stay until the next session is started, and so do textures that wait in m_pCutMask; a
+/// freehand session may be left over when another one was started before its end.
 struct CutState {
     using LassoPoint = KV_ScenePane::LassoPoint;
     std::int32_t m_nSegmentationKind = 0;  ///< 0, 1 or 2
     std::vector<LassoPoint> m_vLassoPoints;
     LassoPoint m_lassoCursor;         ///< end of the rubber band
     std::uint8_t m_bLassoCursor = 0;  ///< the window shows the lasso cursor
+    bool m_bSessionEnds = false;      ///< the session of the mode is past its cut: it cannot end once more
     LassoTint m_lassoInside{0xFF, 0.5f};
     LassoTint m_lassoOutside{0, 0.0f};
     std::unique_ptr<CutMaskTextures> m_pCutMask;  ///< of a freehand session that waits for its first click

@@ -127,22 +127,19 @@ void DrawObjectsPerPixel(CKV_ScenePaneCtrl& control, bool reduced) {
 
 // ---- the steps of a frame
 
-/// Stores a changed size of the window and sets up viewport and matrices for it. The context is current.
-/// @return whether the size has changed
-bool StoreWindowSize(CKV_ScenePaneCtrl& control) {
-    const WindowSize size = control.m_pWindow->ClientSize();
-    if (size.width == control.m_nWidth && size.height == control.m_nHeight) return false;
-    control.m_nWidth = size.width;
-    control.m_nHeight = size.height;
-    control.UpdateViewport();
-    return true;
+/// Whether the clip plane is part of the scene: not while a lasso is drawn.
+bool ShowsClipPlane(const CKV_ScenePaneCtrl& control) {
+    const std::int32_t interaction = control.m_nInteractionMode;
+    return control.m_bClipPlaneVisible != 0 && interaction != ModeLasso && interaction != ModeMaskLasso;
 }
 
-/// Background, objects, clip plane, pick points, selection.
-void DrawScene(CKV_ScenePaneCtrl& control) {
+bool ShowsPickPointSpheres(const CKV_ScenePaneCtrl& control) {
+    return control.m_bPickPointValid != 0 && control.m_nPickMode == KV_ScenePane::PickModePoints;
+}
+
+/// The visible objects in the draw mode of the control. GL_COLOR_MATERIAL is left enabled.
+void DrawObjects(CKV_ScenePaneCtrl& control) {
     const bool reduced = control.m_bMoveReduced == 1 && control.m_bMoving != 0;
-    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // they are packed: clearing one reads the other
-    control.DrawBackground();
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
     if (ClipsByOpenGl(control)) control.m_clipPlane.EnableClipping();
@@ -158,10 +155,14 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
     else
         DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
     Plane::DisableClipping();
+}
 
-    const std::int32_t interaction = control.m_nInteractionMode;
-    const bool lassoIsDrawn = interaction == ModeLasso || interaction == ModeMaskLasso;
-    if (control.m_bClipPlaneVisible != 0 && !lassoIsDrawn) {
+/// Background, objects, clip plane, pick points, selection.
+void DrawScene(CKV_ScenePaneCtrl& control) {
+    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // they are packed: clearing one reads the other
+    control.DrawBackground();
+    DrawObjects(control);
+    if (ShowsClipPlane(control)) {
         glPushAttrib(GL_DEPTH_BUFFER_BIT);
         glEnable(GL_DEPTH_TEST);
         control.DrawClipPlane();
@@ -171,8 +172,7 @@ void DrawScene(CKV_ScenePaneCtrl& control) {
     glEnable(GL_LIGHTING);
     glEnable(GL_LIGHT0);
     glColor3f(0.8f, 0.0f, 1.0f);
-    if (control.m_bPickPointValid != 0 && control.m_nPickMode == KV_ScenePane::PickModePoints)
-        control.DrawPickPointSpheres();
+    if (ShowsPickPointSpheres(control)) control.DrawPickPointSpheres();
     glDisable(GL_LIGHTING);
     glDisable(GL_LIGHT0);
     // The boxes of the selection, also of hidden objects. Without depth test: they are visible through the objects.
@@ -206,6 +206,14 @@ void DrawOverScene(CKV_ScenePaneCtrl& control) {
     control.DrawFreePoints();
 }
 
+/// Whether a frame has anything beside the objects that writes depth.
+bool WritesOtherDepths(const CKV_ScenePaneCtrl& control) {
+    return ShowsClipPlane(control) || ShowsPickPointSpheres(control) || control.m_pInteractionDlg != nullptr ||
+           control.m_nShowAxes == 1 || !control.m_mapFreePoints.empty() ||
+           (control.m_bLine3DDrawingMode != 0 && !control.m_vLines3D.empty()) ||
+           (control.m_bNeedleDrawingMode != 0 && !control.m_vNeedles.empty());
+}
+
 // No guard object: when a step runs out of memory the lock stays held and the flag set, so that no later frame draws
 // from a broken state.
 void DrawFrame(CKV_ScenePaneCtrl& control) {
@@ -216,11 +224,14 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
     }
     control.m_bInDraw = 1;
     if (control.MakeContextCurrent()) {
-        const bool sizeChanged = StoreWindowSize(control);
+        const bool sizeChanged = control.StoreWindowSize();
         control.m_frameTarget.SetSize(control.m_nWidth, control.m_nHeight, control.m_nGlSamples);
         control.m_frameTarget.Bind();
         if (control.m_bAnimationRunning != 0) control.AnimationStep();
         DrawSceneOrFrozenImage(control, sizeChanged);
+        // The depths of the window's own framebuffer may be lost at the swap.
+        control.m_bObjectDepths =
+            control.m_pFrozenImage == nullptr && control.m_frameTarget.Name() != 0 && !WritesOtherDepths(control);
         DrawOverScene(control);
         if (control.m_pCapture != nullptr) {
             control.m_frameTarget.Resolve();
@@ -256,4 +267,28 @@ void CKV_ScenePaneCtrl::FreezeFrame() {
         std::make_unique<std::uint8_t[]>(FrozenRowBytes(m_nFrozenWidth) * static_cast<std::size_t>(m_nFrozenHeight));
     m_frameTarget.Resolve();  // inside a frame too: what it has drawn so far
     glReadPixels(0, 0, m_nFrozenWidth, m_nFrozenHeight, GL_BGR, GL_UNSIGNED_BYTE, m_pFrozenImage.get());
+}
+
+bool CKV_ScenePaneCtrl::StoreWindowSize() {
+    const WindowSize size = m_pWindow->ClientSize();
+    if (size.width == m_nWidth && size.height == m_nHeight) return false;
+    m_nWidth = size.width;
+    m_nHeight = size.height;
+    UpdateViewport();
+    return true;
+}
+
+// What lies over the objects has written its own depth, and a changed view moves all of them.
+void CKV_ScenePaneCtrl::DrawObjectDepths() {
+    const std::lock_guard lock(*g_drawLock);
+    StoreWindowSize();
+    m_frameTarget.SetSize(m_nWidth, m_nHeight, m_nGlSamples);
+    m_frameTarget.Bind();
+    glPushAttrib(GL_COLOR_BUFFER_BIT);
+    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
+    glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
+    DrawObjects(*this);
+    glDisable(GL_COLOR_MATERIAL);
+    glPopAttrib();
+    m_bObjectDepths = m_frameTarget.Name() != 0;
 }

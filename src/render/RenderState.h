@@ -59,6 +59,8 @@ struct RenderState {
     std::int32_t m_nWidth = -1, m_nHeight = -1;  ///< drawing area, pixels; -1 makes the first frame store the real size
     std::uint8_t m_bInDraw = 0;                  ///< a frame of this control is being drawn
     std::uint8_t m_bBlockPaint = 0;              ///< paint requests stay pending
+    /// The depths of m_frameTarget are those of the objects alone in the live view: nothing else has written any since.
+    bool m_bObjectDepths = false;
     std::unique_ptr<std::uint8_t[]> m_pFrozenImage;        ///< BGR, rows padded to 4 bytes; null while frames are live
     std::int32_t m_nFrozenWidth = 0, m_nFrozenHeight = 0;  ///< pixels
     KV_ScenePane::Picture* m_pCapture = nullptr;           ///< receives the next frame before it is shown; not owned

@@ -52,6 +52,7 @@ void CKV_ScenePaneCtrl::SetLiveFrame(const ViewFrame& frame) {
 
 void CKV_ScenePaneCtrl::SetupViewMatrices() {
     const bool hasContext = MakeContextCurrent();
+    m_bObjectDepths = false;
     // The members first: they hold without a context as well.
     ViewFrame frame = LiveFrame();
     SnapFrame(frame);

@@ -11,12 +11,6 @@ bool IsDragMode(std::int32_t mode) {
            mode == ModePlaneRotate || mode == ModePlaneMove;
 }
 
-/// Keeps m_bLassoCursor and the cursor of the window equal.
-void ShowCursor(CKV_ScenePaneCtrl& control, PaneCursor cursor) {
-    control.m_bLassoCursor = cursor == PaneCursor::Lasso;
-    control.m_pWindow->SetCursor(cursor);
-}
-
 /// The capture and the dialog: before the end of a plane drag.
 void ReleaseDrag(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     control.m_pWindow->ReleaseCapture();
@@ -32,7 +26,7 @@ void LeaveDragMode(CKV_ScenePaneCtrl& control) {
     control.RefreshControl();
     if (control.m_bRollRotation == 0) return;
     control.m_bRollRotation = 0;
-    ShowCursor(control, PaneCursor::Default);
+    control.ShowLassoCursor(false);
 }
 
 void EndDrag(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x, std::int32_t y) {
