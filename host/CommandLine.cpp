@@ -10,9 +10,9 @@
 #include <optional>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "FileTypes.h"
-#include "ProgramName.h"
 #include "SceneFile.h"
 
 namespace {
@@ -159,6 +159,25 @@ bool SetFlag(std::string_view, HostOptions& options) {
 
 bool SelectRun(std::string_view, HostOptions&) { return true; }
 
+bool ReadCut(std::string_view text, HostOptions& options) {
+    auto lasso = ParseLasso(text);
+    auto* const cut = std::get_if<LassoCut>(&lasso);
+    if (cut != nullptr) options.cuts.push_back(std::move(*cut));
+    return cut != nullptr;
+}
+
+/// What is wrong with an invalid value of --cut, which may be too long to be quoted.
+std::string CutError(std::string_view text) {
+    const auto lasso = ParseLasso(text);
+    const auto* const error = std::get_if<LassoError>(&lasso);
+    return error == nullptr ? std::string() : error->text;
+}
+
+bool ReadExportPath(std::string_view text, HostOptions& options) {
+    options.exportPath = text;
+    return !text.empty();
+}
+
 /// The runs as bits, for the sets of runs that an option applies to.
 enum Run : unsigned {
     kWindow = 1,
@@ -168,9 +187,13 @@ enum Run : unsigned {
     kInfo = 16,
     kConvert = 32,
     kVersion = 64,
+    kSaveCuts = 128,
+    kExport = 256,
+    /// Beside the bit of a run that --cut goes with: it has a view, which it may not have without lassos.
+    kCutting = 512,
     kNoRun = 0,
     kPictures = kWindow | kScreenshot | kCapture,
-    kImports = kPictures | kPick | kInfo | kConvert,
+    kImports = kPictures | kPick | kInfo | kConvert | kSaveCuts | kExport,
     kAllRuns = kImports | kVersion
 };
 
@@ -186,12 +209,16 @@ struct Option {
     bool (*read)(std::string_view text, HostOptions& options);
     /// The runs of an option that does not apply to the window, as part of a sentence.
     std::string_view goesWith = {};
+    /// What is wrong with an invalid value; null: the value is quoted.
+    std::string (*explain)(std::string_view text) = nullptr;
 };
 
 // --help is read before all others. Of two options that select a run, a conflict names the upper one first.
 constexpr Option kOptions[] = {
     {"--pick", "X,Y, two whole numbers from 0 to 16383", kPick, kAllRuns, ReadPick},
     {"--convert", "", kConvert, kAllRuns, SelectRun},
+    {"--save-cuts", "", kSaveCuts, kAllRuns, SelectRun},
+    {"--export", "a file name", kExport, kAllRuns, ReadExportPath},
     {"--info", "", kInfo, kAllRuns, SelectRun},
     {"--screenshot", "a file name", kScreenshot, kAllRuns, ReadPicturePath},
     {"--capture", "a file name", kCapture, kAllRuns, ReadPicturePath},
@@ -199,15 +226,21 @@ constexpr Option kOptions[] = {
     {"--json", "", kNoRun, kInfo | kPick, SetFlag<&HostOptions::json>, "--info and --pick"},
     {"--verbose", "", kNoRun, kVersion, SetFlag<&HostOptions::verbose>, "--version"},
     {"--gpu", "the number of a graphics device from 0 to 31, or software", kNoRun,
-     kScreenshot | kCapture | kPick | kVersion, ReadGpu, "--screenshot, --capture, --pick and --version --verbose"},
-    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", kNoRun, kWindow | kScreenshot | kPick, ReadSize},
-    {"--view", "a whole number from 0 to 7", kNoRun, kPictures | kPick, ReadView},
+     kScreenshot | kCapture | kPick | kVersion | kCutting, ReadGpu,
+     "--screenshot, --capture, --pick, --cut and --version --verbose"},
+    {"--size", "WIDTHxHEIGHT, each from 1 to 16384", kNoRun, kWindow | kScreenshot | kPick | kCutting, ReadSize},
+    {"--view", "a whole number from 0 to 7", kNoRun, kPictures | kPick | kCutting, ReadView},
     {"--draw-mode", "a whole number from 0 to 7", kNoRun, kWindow | kScreenshot, ReadDrawMode},
-    {"--zoom", "a number from 0.1 to 10", kNoRun, kPictures | kPick, ReadZoom},
+    {"--zoom", "a number from 0.1 to 10", kNoRun, kPictures | kPick | kCutting, ReadZoom},
     {"--shadows", "", kNoRun, kWindow | kScreenshot, SetFlag<&HostOptions::shadows>},
-    {"--clip", "CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0", kNoRun, kScreenshot, ReadClip,
-     "--screenshot"},
-    {"--clip-auto", "", kNoRun, kScreenshot | kInfo, SetFlag<&HostOptions::clipAuto>, "--screenshot and --info"},
+    {"--cut",
+     "MODE:X,Y;X,Y;... with the mode inside, outside, visible, freehand-inside, freehand-outside or freehand-visible",
+     kNoRun, kScreenshot | kInfo | kSaveCuts | kExport, ReadCut, "--screenshot, --info, --save-cuts and --export",
+     CutError},
+    {"--clip", "CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0", kNoRun,
+     kScreenshot | kSaveCuts | kCutting, ReadClip, "--screenshot, --save-cuts and --cut"},
+    {"--clip-auto", "", kNoRun, kScreenshot | kInfo | kSaveCuts | kCutting, SetFlag<&HostOptions::clipAuto>,
+     "--screenshot, --info, --save-cuts and --cut"},
     {"--points", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::pointFiles>},
     {"--lines", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::lineFiles>},
     {"--needles", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::needleFiles>},
@@ -236,10 +269,12 @@ GivenOptions SelectingOptions(const GivenOptions& given) {
 
 /// The message about an option that does not apply to the run; empty when all of them do.
 /// @param selecting  the option that selects the run; null for the window
-std::string MisplacedOption(const GivenOptions& given, const Option* selecting) {
+/// @param isCutting  with at least one lasso
+std::string MisplacedOption(const GivenOptions& given, const Option* selecting, bool isCutting) {
     const Run run = selecting == nullptr ? kWindow : selecting->selects;
+    const unsigned runs = isCutting ? run | kCutting : run;
     for (const Option* const option : given) {
-        if ((option->runs & run) != 0) continue;
+        if ((option->runs & runs) != 0) continue;
         if (run == kVersion) return "--version --verbose goes with --gpu only";
         const std::string name(option->name);
         if (selecting == nullptr || !option->goesWith.empty())
@@ -259,7 +294,13 @@ std::string WrongFiles(const HostOptions& options, Run run) {
         const std::string reason = ExportRefusal(options.files.back());
         return reason.empty() ? "" : options.files.back() + ": " + reason;
     }
+    if (run == kExport && options.files.size() != 1) return "--export writes one object and needs one file to read";
+    if (run == kExport) {
+        const std::string reason = ExportRefusal(options.exportPath);
+        return reason.empty() ? "" : options.exportPath + ": " + reason;
+    }
     if (!options.files.empty()) return {};
+    if (run == kSaveCuts) return "--save-cuts needs at least one file";
     if (run == kInfo) return "--info needs at least one file";
     if (run == kPick) return "--pick needs at least one file";
     if (run == kScreenshot && !hasMarks && options.pointFiles.empty()) return "--screenshot needs at least one file";
@@ -287,9 +328,13 @@ std::string Conflict(const HostOptions& options, const GivenOptions& given) {
     if (selecting.size() > 1 && isVersion) return "--version --verbose goes with --gpu only";
     if (selecting.size() > 1)
         return std::string(first->name).append(" and ").append(selecting[1]->name).append(" do not go together");
-    if (std::string text = MisplacedOption(given, first); !text.empty()) return text;
+    if (std::string text = MisplacedOption(given, first, !options.cuts.empty()); !text.empty()) return text;
     if (options.clip && options.clipAuto) return "--clip and --clip-auto do not go together";
-    if (std::string text = WrongFiles(options, first == nullptr ? kWindow : first->selects); !text.empty()) return text;
+    const Run run = first == nullptr ? kWindow : first->selects;
+    if (run == kSaveCuts && options.cuts.empty() && !options.clip && !options.clipAuto)
+        return "--save-cuts needs --cut, --clip or --clip-auto";
+    if (run == kExport && options.cuts.empty()) return "--export needs --cut; --convert writes a file without cuts";
+    if (std::string text = WrongFiles(options, run); !text.empty()) return text;
     return PixelOutside(options);
 }
 
@@ -307,6 +352,10 @@ HostAction ActionOf(const GivenOptions& given) {
             return HostAction::Info;
         case kConvert:
             return HostAction::Convert;
+        case kSaveCuts:
+            return HostAction::SaveCuts;
+        case kExport:
+            return HostAction::Export;
         case kVersion:
             return HostAction::Version;
         default:
@@ -334,8 +383,9 @@ std::optional<UsageError> ReadOption(const std::vector<std::string>& arguments, 
         value = arguments[++i];
     }
     if (!option->read(value, options)) {
-        return UsageError{std::string(name) + " takes " + std::string(option->expected) + ", not \"" +
-                          std::string(value) + "\""};
+        const std::string wrong =
+            option->explain != nullptr ? ": " + option->explain(value) : ", not \"" + std::string(value) + "\"";
+        return UsageError{std::string(name) + " takes " + std::string(option->expected) + wrong};
     }
     given.push_back(option);
     return std::nullopt;
@@ -382,74 +432,3 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     }
     return options;
 }
-
-std::string HelpText() {
-    const std::string scans = ExtensionList(IsImportedScan, "and"), meshes = ExtensionList(IsImportedMesh, "and");
-    const std::string written = ExtensionList(IsExported, "or");
-    return "Usage: scenepane [options] FILE...\n"
-           "       scenepane --screenshot OUT.png [options] FILE...\n"
-           "       scenepane --capture OUT.png [options] FILE...\n"
-           "       scenepane --pick X,Y [--json] [options] FILE...\n"
-           "       scenepane --info [--json] [options] FILE...\n"
-           "       scenepane --convert [options] IN OUT\n"
-           "Shows optical scans (" +
-           scans + " files) and meshes (" + meshes +
-           " files) in a window,\n"
-           "as a picture, or as numbers.\n"
-           "\n"
-           "Without a display:\n"
-           "  --screenshot OUT.png  render the scene, fitted to the picture, into a PNG file\n"
-           "  --capture OUT.png     render the whole scene at 2048x2048, smooth shaded, whatever the window's\n"
-           "                        size; --size, --draw-mode and --shadows have no meaning with it\n"
-           "  --pick X,Y            print the surface point under a pixel of the picture that --screenshot takes, y\n"
-           "                        downward: object, triangle, point and distance; may be repeated\n"
-           "  --info                print what each file holds; needs no OpenGL either\n"
-           "  --json                with --info and --pick: print one JSON object\n"
-           "  --convert IN OUT      write what IN holds, a scan or a mesh, as the " +
-           written +
-           " file OUT; needs no\n"
-           "                        OpenGL either\n"
-           "\n"
-           "Imports of scans:\n"
-           "  --skip N              thin the grid: one point for N x N, 1 to 32767 (1)\n"
-           "  --confidence F        leave out points of a lower confidence (0)\n"
-           "  --color RRGGBB        colour of scans and free points that have none of their own (DCD4C8)\n"
-           "\n"
-           "Markers, in the window and in the file; each may be repeated:\n"
-           "  --points FILE         free points; --capture fits them into the picture, but draws none\n"
-           "  --lines FILE          3D lines\n"
-           "  --needles FILE        needles that the window has saved\n"
-           "\n"
-           "Pictures, in the window and in the file; --size, --view and --zoom also for --pick:\n"
-           "  --size WxH            size in pixels (1024x768)\n"
-           "  --view 0..7           0 from +Y, 1 from -Y, 2 from +X, 3 from -X, 6 oblique: Z up;\n"
-           "                        4 from +Z, 7 from -Z: Y up; 5 from -Z: Y down (4)\n"
-           "  --draw-mode 0..7      0 points, 1 wireframe, 2 flat, 3 smooth, 4 boxes, 5 per pixel, 6 nothing,\n"
-           "                        7 shadow map (3)\n"
-           "  --zoom Z              magnification, 0.1 to 10: 2 shows half as much (1)\n"
-           "  --shadows             cast shadows (draw modes 5 and 6 show no object then)\n"
-           "\n"
-           "Clipping of objects, with --screenshot; free points, lines and needles are shown whole:\n"
-           "  --clip CX,CY,CZ,NX,NY,NZ\n"
-           "                        cut off what lies on the side away from the normal N of the plane through the\n"
-           "                        point C, in the units and axes of --info; the plane itself is not drawn\n"
-           "  --clip-auto           the same by a horizontal plane at a height that is estimated from all files: what "
-           "is\n"
-           "                        above it is shown; with --info print the plane and the rule that gave its height\n"
-           "\n"
-           "Without a window:\n"
-           "  --gpu N|software      draw with graphics device N, from 0 in the order of EGL, or with the processor; "
-           "else\n"
-           "                        with the first device that can, and with the processor where none can\n"
-           "\n"
-           "  --help                print this text\n"
-           "  --version             print the version\n"
-           "  --version --verbose   print the version, and the device, driver and OpenGL version that draw without a\n"
-           "                        window\n"
-           "  --                    what follows are file names\n"
-           "\n"
-           "Exit status: 0 when every file added what it holds and all that was asked for was written, 1 when not, or\n"
-           "when no --pick hit a surface or --clip-auto found no height, 2 for wrong usage.\n";
-}
-
-std::string VersionText() { return std::string(kProgramName) + ' ' + kProgramVersion + '\n'; }

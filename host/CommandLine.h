@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "CutOption.h"
 #include "FileImport.h"
 #include "KV_ScenePane/Modes.h"
 #include "KV_ScenePane/ScenePane.h"
@@ -24,6 +25,10 @@ enum class HostAction {
     Info,
     /// Writes the content of one file in another format.
     Convert,
+    /// Writes the cuts and the clip plane into the pcm files.
+    SaveCuts,
+    /// Cuts the object of one file and writes it in another format.
+    Export,
     Help,
     Version
 };
@@ -54,24 +59,25 @@ struct HostOptions {
     float zoom = 1.0f;
     ImportSettings import;
     bool shadows = false;
-    /// Clips the objects of Screenshot by this plane.
+    /// Clips the objects of Screenshot, of SaveCuts and of a run with lassos by this plane.
     std::optional<ClipPlane> clip;
-    /// Screenshot clips by a plane that the viewer places at the data; Info prints that plane. Never together with
-    /// clip.
+    /// The same by a plane that the viewer places at the data; Info prints that plane. Never together with clip.
     bool clipAuto = false;
+    /// Lassos that cut the objects of Screenshot, Info, SaveCuts and Export, in this order; Export has at least one.
+    std::vector<LassoCut> cuts;
     /// The pixels of Pick, inside the drawing area, in the order that their results are printed in.
     std::vector<PickPixel> picks;
     /// Files of markers that the window, Screenshot and Capture add to the scene; bytes, as typed, in their order.
     std::vector<std::string> pointFiles, lineFiles, needleFiles;
     /// Info and Pick print JSON.
     bool json = false;
-    /// What draws Screenshot, Capture, Pick and the verbose Version: as WindowRequest::gpu.
+    /// What draws Screenshot, Capture, Pick, lassos and the verbose Version: as WindowRequest::gpu.
     int gpu = KV_ScenePane::WindowRequest::kAnyGpu;
     /// Version also names what draws.
     bool verbose = false;
     /// The files to open; bytes, as typed, in their order.
     std::vector<std::string> files;
-    /// The file that Convert writes, of a type that can be written; bytes, as typed.
+    /// The file that Convert and Export write, of a type that can be written; bytes, as typed.
     std::string exportPath;
 };
 

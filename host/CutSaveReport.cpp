@@ -39,7 +39,10 @@ std::string OutcomeText(const CutSaveEntry& entry) {
 
 }  // namespace
 
-std::string CutSaveLine(const CutSaveEntry& entry) { return NameOf(entry) + ": " + OutcomeText(entry); }
+std::string CutSaveLine(const CutSaveEntry& entry, const std::string& refusal) {
+    const bool isRefused = entry.outcome == KV_ScenePane::CutToBeWritten && !refusal.empty();
+    return NameOf(entry).append(": ").append(isRefused ? "skipped, " + refusal : OutcomeText(entry));
+}
 
 bool HasFailed(const CutSaveEntry& entry) {
     return entry.outcome == KV_ScenePane::CutFileNotRead || entry.outcome == KV_ScenePane::CutFileNotWritten;

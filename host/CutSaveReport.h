@@ -8,7 +8,8 @@
 
 /// One line about one object without a line feed: "FILE: written", "FILE: skipped, REASON" or "FILE: failed, REASON";
 /// of a plan also "FILE: to be written". An object that is from no file is named by its index.
-[[nodiscard]] std::string CutSaveLine(const KV_ScenePane::CutSaveEntry& entry);
+/// @param refusal  why a plan is not carried out: its files are then skipped for this reason
+[[nodiscard]] std::string CutSaveLine(const KV_ScenePane::CutSaveEntry& entry, const std::string& refusal = {});
 
 /// The file could not be read or not be written.
 [[nodiscard]] bool HasFailed(const KV_ScenePane::CutSaveEntry& entry);

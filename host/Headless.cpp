@@ -11,16 +11,15 @@
 #include <string_view>
 #include <utility>
 
-#include "ClipCut.h"
 #include "DebugCapture.h"
 #include "FileExport.h"
 #include "FileImport.h"
+#include "HeadlessScene.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "MarkBox.h"
 #include "MarkerFiles.h"
 #include "PngFile.h"
 #include "RegistryStart.h"
-#include "SceneReport.h"
 #include "ScreenShot.h"
 
 namespace {
@@ -31,53 +30,6 @@ using KV_ScenePane::WindowRequest;
 /// Writes all of @p text and flushes; false with errno when a part of it was not written.
 bool WriteText(std::FILE* out, const std::string& text) {
     return std::fwrite(text.data(), 1, text.size(), out) == text.size() && std::fflush(out) == 0;
-}
-
-/// For the debugger output that belongs to no import or export: one line per text.
-std::function<void(std::string_view)> PrintOtherOutput(std::FILE* err) {
-    return [err](std::string_view text) {
-        if (const std::string line = JoinLines(text); !line.empty()) PrintError(err, line);
-    };
-}
-
-/// @param kind  OffScreen where a picture is wanted; NoPicture needs no OpenGL
-/// @return null without a viewer; the reason is printed then
-std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions& options, std::FILE* err) {
-    WindowRequest request;
-    request.kind = kind;
-    request.width = options.width;
-    request.height = options.height;
-    request.gpu = options.gpu;
-    const auto message = std::make_shared<std::string>();  // lives as long as the viewer may show one
-    request.showMessage = [message](const std::string& text) { *message = JoinLines(text); };
-    std::string reason;
-    std::unique_ptr<ScenePane> pane = CreateScenePane(request, &reason);
-    if (!pane) PrintError(err, "there is no viewer: " + (reason.empty() ? *message : JoinLines(reason)));
-    return pane;
-}
-
-/// What the user can do about a file that was not added; empty when there is nothing to say.
-std::string HintAbout(const ImportResult& result) {
-    // The viewer's words about a ply file of vertices only.
-    return result.text == "holds no faces" ? "; without a window --points adds its vertices" : "";
-}
-
-/// Imports the files in their order and prints a line for each that failed, or that the viewer had a message about.
-SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* err) {
-    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
-    ApplySettings(methods, options.import);
-    SceneReport report;
-    for (const std::string& file : options.files) {
-        const ImportResult result = ImportFile(methods, file, options.import.color);
-        if (result.state == ImportResult::State::Added) {
-            const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
-            report.objects.push_back(ReportObject(pane, index, file));
-        } else {
-            report.failed.push_back({file, result.text});
-        }
-        if (!result.text.empty()) PrintError(err, file + ": " + result.text + HintAbout(result));
-    }
-    return report;
 }
 
 /// What the marker files of a run added.
@@ -124,12 +76,6 @@ MarkerReport AddMarkers(ScenePane& pane, const HostOptions& options, bool showsP
     return report;
 }
 
-/// The direction of the view, then the fit, which depends on it.
-void ShowView(ScenePane& pane, const HostOptions& options) {
-    pane.Methods().SetViewMode(static_cast<std::int16_t>(options.view));
-    FitView(pane.Methods(), options.zoom);
-}
-
 /// The same for a scene of lines and needles alone. The viewer fits to objects and free points: the corners of the box
 /// are free points for the moment of the fit.
 void ShowViewOfMarks(ScenePane& pane, const MarkBox& box, const HostOptions& options) {
@@ -137,45 +83,6 @@ void ShowViewOfMarks(ScenePane& pane, const MarkBox& box, const HostOptions& opt
     ShowView(pane, options);
     pane.Methods().DeletePoints(id);
 }
-
-/// Places the clip plane at the data; it clips there, and is not drawn. Prints a line when no height was found.
-/// @throws what SetClipPlaneEnabled() throws
-ClipReport PlaceClipPlane(ScenePane& pane, std::FILE* err) {
-    pane.Methods().SetClipPlaneEnabled(1);
-    pane.Methods().SetClipPlaneEnabled(0);
-    ClipReport clip = ReportClip(pane);
-    if (!clip.height.found)
-        PrintError(err, "no clip height was found, the plane is at " + NumberText(clip.height.height));
-    return clip;
-}
-
-/// Clips by the plane of the options. After the fit of the view, which moves the plane within its surface.
-/// @return false when no height was found
-/// @throws what SetClipPlaneEnabled() throws
-bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
-    if (options.clipAuto) return PlaceClipPlane(pane, err).height.found;
-    if (options.clip) {
-        const auto& [x, y, z] = options.clip->center;
-        const auto& [normalX, normalY, normalZ] = options.clip->normal;
-        pane.Methods().SetClipPlane(x, y, z, normalX, normalY, normalZ);
-        pane.Methods().SetClipPlaneEnabled(0);
-    }
-    return true;
-}
-
-/// Prints a line when the picture will show none of the objects.
-void WarnIfAllIsCutAway(ScenePane& pane, const std::vector<ObjectReport>& objects, std::FILE* err) {
-    const ClipReport clip = ReportClip(pane);
-    const auto isCutAway = [&](const ObjectReport& object) {
-        const auto& [minX, maxX, minY, maxY, minZ, maxZ] = object.box;
-        return IsCutAway({minX, minY, minZ}, {maxX, maxY, maxZ}, clip.center, clip.normal);
-    };
-    if (!objects.empty() && std::ranges::all_of(objects, isCutAway))
-        PrintError(err, "the clip plane cuts away all objects");
-}
-
-/// The text for a placement that threw.
-std::string NoPlacement(const std::exception& error) { return std::string("no clip height: ") + error.what(); }
 
 /// Imports the files, fits the view to them and writes the picture that is then taken.
 /// @param showsPoints  the picture shows free points
@@ -243,12 +150,15 @@ int PrintResult(const std::string& text, std::FILE* out, std::FILE* err) {
 }
 
 int RunScreenshot(const HostOptions& options, std::FILE* err) {
-    return RunPicture(options, err, true, [&](ScenePane& pane) {
+    std::vector<CutReport> cuts;
+    const int status = RunPicture(options, err, true, [&](ScenePane& pane) {
         pane.Methods().SetDrawMode(static_cast<std::int16_t>(options.drawMode));
         pane.Methods().SetShadowMode(options.shadows ? 1 : 0);
+        cuts = CutObjects(pane, options, err);
         KV_ScenePane::Picture picture;
         return pane.CapturePicture(&picture) ? picture : KV_ScenePane::Picture{};
     });
+    return HasCutOrNoLasso(cuts) ? status : kExitFailure;
 }
 
 int RunCapture(const HostOptions& options, std::FILE* err) {
@@ -286,23 +196,31 @@ int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err) {
                        out, err);
 }
 
+// Lassos need a view, which needs OpenGL.
 int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const DebugRouter router(PrintOtherOutput(err));
-    const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
+    const bool isCut = !options.cuts.empty();
+    const auto kind = isCut ? WindowRequest::Kind::OffScreen : WindowRequest::Kind::NoPicture;
+    const std::unique_ptr<ScenePane> pane = OpenPane(kind, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
     SceneReport report = ImportFiles(*pane, options, err);
-    if (options.clipAuto) {
-        try {
-            report.clip = PlaceClipPlane(*pane, err);
-        } catch (const std::exception& error) {
-            PrintError(err, NoPlacement(error));
-        }
+    if (isCut) ShowView(*pane, options);
+    bool isPlaced = false;
+    try {
+        isPlaced = ClipObjects(*pane, options, err);
+        if (options.clipAuto) report.clip = ReportClip(*pane);
+    } catch (const std::exception& error) {
+        PrintError(err, NoPlacement(error));
     }
-    const bool isPlaced = !options.clipAuto || (report.clip && report.clip->height.found);
+    report.cuts = CutObjects(*pane, options, err);
+    if (isCut) {
+        for (ObjectReport& object : report.objects)
+            object = ReportObject(*pane, static_cast<std::int16_t>(object.index), object.file);
+    }
     const int printed = PrintResult(options.json ? ReportJson(report) : ReportText(report), out, err);
     if (printed != kExitGood) return printed;
-    return report.failed.empty() && isPlaced ? kExitGood : kExitFailure;
+    return report.failed.empty() && isPlaced && HasCutOrNoLasso(report.cuts) ? kExitGood : kExitFailure;
 }
 
 int RunConvert(const HostOptions& options, std::FILE* err) {

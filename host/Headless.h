@@ -8,14 +8,16 @@
 
 /// Exit status of a run.
 inline constexpr int kExitGood = 0;  ///< every file added what it holds and all results were written
-/// A file added nothing, a result could not be written, no pick hit, or no clip height was found.
+/// A file added nothing, a result could not be written, no pick hit, no clip height was found, or no lasso has changed
+/// an object.
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 
 // All runs return an exit status and write one line for each failure to err: "scenepane: FILE: REASON".
 
 /// Renders the files and markers into options.picturePath, as a window of that size shows them, clipped by the plane of
-/// the options. Without an object and without a marker no picture is written, nor when the plane could not be placed.
+/// the options and cut by its lassos. Without an object and without a marker no picture is written, nor when the plane
+/// could not be placed.
 [[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
 
 /// Renders the files, lines and needles into options.picturePath, as the viewer's screenshot of a fixed size. Without
@@ -25,11 +27,20 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 /// Prints to @p out what is under the pixels options.picks of the picture that RunScreenshot() takes.
 [[nodiscard]] int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err);
 
-/// Prints the content of the files to @p out, and with options.clipAuto the clip plane that fits them.
+/// Prints the content of the files to @p out, after the lassos of the options, and with options.clipAuto the clip plane
+/// that fits them.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);
 
 /// Imports the one file of the options and writes its object to options.exportPath.
 [[nodiscard]] int RunConvert(const HostOptions& options, std::FILE* err);
+
+/// Writes the clip plane and the lassos of the options into the pcm files, and prints one line per file to @p out.
+/// Nothing is saved when there are lassos and none has changed an object, nor when the plane could not be placed.
+[[nodiscard]] int RunSaveCuts(const HostOptions& options, std::FILE* out, std::FILE* err);
+
+/// Imports the one file of the options, cuts its object by the lassos and writes what is left to options.exportPath.
+/// Nothing is written when no lasso has changed it.
+[[nodiscard]] int RunExport(const HostOptions& options, std::FILE* err);
 
 /// Prints the version to @p out, and with options.verbose what draws pictures without a window.
 [[nodiscard]] int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err);

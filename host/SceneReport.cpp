@@ -2,11 +2,13 @@
 // locale.
 #include "SceneReport.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <span>
 #include <utility>
 
+#include "CutOption.h"
 #include "KV_ScenePane/PathText.h"
 
 namespace {
@@ -132,6 +134,26 @@ std::string JsonClip(const ClipReport& clip) {
     return json + '}';
 }
 
+std::string TextCuts(const std::vector<CutReport>& cuts) {
+    std::string text = "cuts\n";
+    for (const CutReport& cut : cuts) {
+        std::string name(LassoModeName(cut.mode));
+        name.resize(std::max<std::size_t>(name.size(), 16), ' ');
+        text += "  " + name + (cut.hasChanged ? " changed an object\n" : " changed nothing\n");
+    }
+    return text;
+}
+
+// Without blanks, as a pick.
+std::string JsonCuts(const std::vector<CutReport>& cuts) {
+    std::string json = "[";
+    for (const CutReport& cut : cuts) {
+        json += json.size() > 1 ? ",{\"mode\":\"" : "{\"mode\":\"";
+        json.append(LassoModeName(cut.mode)).append(cut.hasChanged ? "\",\"changed\":true}" : "\",\"changed\":false}");
+    }
+    return json + ']';
+}
+
 // Without blanks: one line for a script, however many picks.
 std::string JsonPick(const PickReport& pick) {
     std::string json = "{\"x\":" + std::to_string(pick.x) + ",\"y\":" + std::to_string(pick.y) + ",\"object\":";
@@ -179,6 +201,7 @@ std::string ReportText(const SceneReport& report) {
     for (const ObjectReport& object : report.objects) text += TextObject(object);
     for (const FailedFile& failed : report.failed) text += failed.file + "\n  nothing added: " + failed.reason + '\n';
     if (report.clip) text += TextClip(*report.clip);
+    if (!report.cuts.empty()) text += TextCuts(report.cuts);
     return text;
 }
 
@@ -188,7 +211,8 @@ std::string ReportJson(const SceneReport& report) {
     };
     return "{\"objects\": " + JsonLines(report.objects, JsonObject) +
            ",\n\"failed\": " + JsonLines(report.failed, failure) +
-           (report.clip ? ",\n\"clip\":" + JsonClip(*report.clip) : "") + "}\n";
+           (report.clip ? ",\n\"clip\":" + JsonClip(*report.clip) : "") +
+           (report.cuts.empty() ? "" : ",\n\"cuts\":" + JsonCuts(report.cuts)) + "}\n";
 }
 
 std::string PickText(const std::vector<PickReport>& picks) {

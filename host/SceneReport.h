@@ -43,12 +43,20 @@ struct ClipReport {
     std::array<float, 3> normal{};
 };
 
+/// What a lasso did.
+struct CutReport {
+    KV_ScenePane::SegmentationMode mode = KV_ScenePane::PolygonInside;
+    bool hasChanged = false;  ///< at least one object
+};
+
 /// The result of one --info run. Every file is in one of the two lists, in the order of the command line.
 struct SceneReport {
     std::vector<ObjectReport> objects;
     std::vector<FailedFile> failed;
     /// Empty when the run did not place the plane.
     std::optional<ClipReport> clip = {};
+    /// In the order in which they were applied; the objects are those after them.
+    std::vector<CutReport> cuts = {};
 };
 
 /// The result for one pixel.
@@ -71,7 +79,8 @@ struct PickReport {
 [[nodiscard]] std::string ReportText(const SceneReport& report);
 /// One JSON object in UTF-8, ends with a line feed. Numbers have the digits that are needed to read back the same
 /// float; NaN and infinity are null. Bytes of names that are not UTF-8 become lone surrogates \udc80 to \udcff.
-/// The member "clip" exists only with report.clip, its member "rule" only for a height that was found.
+/// The member "clip" exists only with report.clip, its member "rule" only for a height that was found; the member
+/// "cuts" only with a lasso.
 [[nodiscard]] std::string ReportJson(const SceneReport& report);
 
 /// Text for a reader, in the order of the picks; ends with a line feed.

@@ -36,6 +36,10 @@ int Run(int argc, char** argv) {
             return RunInfo(options, stdout, stderr);
         case HostAction::Convert:
             return RunConvert(options, stderr);
+        case HostAction::SaveCuts:
+            return RunSaveCuts(options, stdout, stderr);
+        case HostAction::Export:
+            return RunExport(options, stderr);
         case HostAction::Window:
             break;
     }

@@ -5,23 +5,9 @@
 #include <ostream>
 
 #include "host/CommaLocale.h"
+#include "host/ParsedCommandLine.h"
 
 namespace {
-
-HostOptions Parsed(const std::vector<std::string>& arguments) {
-    const auto result = ParseCommandLine(arguments);
-    if (const auto* error = std::get_if<UsageError>(&result)) {
-        ADD_FAILURE() << error->text;
-        return {};
-    }
-    return std::get<HostOptions>(result);
-}
-
-std::string UsageErrorOf(const std::vector<std::string>& arguments) {
-    const auto result = ParseCommandLine(arguments);
-    const auto* const error = std::get_if<UsageError>(&result);
-    return error == nullptr ? "accepted" : error->text;
-}
 
 TEST(CommandLine, WithoutArgumentsOpensAnEmptyWindow) {
     const HostOptions options = Parsed({});
@@ -249,9 +235,10 @@ TEST(CommandLine, ReadsAPlaneWithDecimalPointsInAnyLocale) {
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
     for (const char* const option :
-         {"--screenshot", "--capture", "--size",   "--view",  "--draw-mode", "--zoom",  "--skip",      "--confidence",
-          "--color",      "--shadows", "--info",   "--json",  "--convert",   "--gpu",   "--help",      "--version",
-          "--verbose",    "--pick",    "--points", "--lines", "--needles",   "--clip ", "--clip-auto "})
+         {"--screenshot", "--capture",    "--size",    "--view",       "--draw-mode", "--zoom",    "--skip",
+          "--confidence", "--color",      "--shadows", "--info",       "--json",      "--convert", "--gpu",
+          "--help",       "--version",    "--verbose", "--pick",       "--points",    "--lines",   "--needles",
+          "--clip ",      "--clip-auto ", "--cut ",    "--save-cuts ", "--export "})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
 
@@ -360,10 +347,10 @@ const WrongUsage kWrongUsages[] = {
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},
     {"GpuOfTheWindow",
      {"--gpu", "0", "a.pcm"},
-     "--gpu goes with --screenshot, --capture, --pick and --version --verbose only"},
+     "--gpu goes with --screenshot, --capture, --pick, --cut and --version --verbose only"},
     {"GpuWithInfo",
      {"--gpu", "0", "--info", "a.pcm"},
-     "--gpu goes with --screenshot, --capture, --pick and --version --verbose only"},
+     "--gpu goes with --screenshot, --capture, --pick, --cut and --version --verbose only"},
     {"VerboseWithoutVersion", {"--verbose", "a.pcm"}, "--verbose goes with --version only"},
     {"VerboseVersionWithAFile", {"--version", "--verbose", "a.pcm"}, "--version --verbose goes with --gpu only"},
     {"VerboseVersionWithARun",
@@ -388,23 +375,35 @@ const WrongUsage kWrongUsages[] = {
     {"PickWithVersion",
      {"--version", "--verbose", "--pick", "1,1", "a.ply"},
      "--version --verbose goes with --gpu only"},
-    {"ClipInTheWindow", {"--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
-    {"ClipOfACapture", {"--capture=a.png", "--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
-    {"ClipOfAPick", {"--pick=1,1", "--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
-    {"ClipWithInfo", {"--info", "--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot only"},
-    {"ClipOfAConversion", {"--convert", "--clip=0,0,0,0,0,1", "a.ply", "b.ply"}, "--clip goes with --screenshot only"},
+    {"ClipInTheWindow", {"--clip=0,0,0,0,0,1", "a.ply"}, "--clip goes with --screenshot, --save-cuts and --cut only"},
+    {"ClipOfACapture",
+     {"--capture=a.png", "--clip=0,0,0,0,0,1", "a.ply"},
+     "--clip goes with --screenshot, --save-cuts and --cut only"},
+    {"ClipOfAPick",
+     {"--pick=1,1", "--clip=0,0,0,0,0,1", "a.ply"},
+     "--clip goes with --screenshot, --save-cuts and --cut only"},
+    {"ClipWithInfo",
+     {"--info", "--clip=0,0,0,0,0,1", "a.ply"},
+     "--clip goes with --screenshot, --save-cuts and --cut only"},
+    {"ClipOfAConversion",
+     {"--convert", "--clip=0,0,0,0,0,1", "a.ply", "b.ply"},
+     "--clip goes with --screenshot, --save-cuts and --cut only"},
     {"ClipWithVersion", {"--version", "--verbose", "--clip=0,0,0,0,0,1"}, "--version --verbose goes with --gpu only"},
     {"ClipAtTheEnd",
      {"--screenshot=a.png", "a.ply", "--clip"},
      "--clip needs a value: CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0"},
-    {"ClipAutoInTheWindow", {"--clip-auto", "a.ply"}, "--clip-auto goes with --screenshot and --info only"},
+    {"ClipAutoInTheWindow",
+     {"--clip-auto", "a.ply"},
+     "--clip-auto goes with --screenshot, --info, --save-cuts and --cut only"},
     {"ClipAutoOfACapture",
      {"--capture=a.png", "--clip-auto", "a.ply"},
-     "--clip-auto goes with --screenshot and --info only"},
-    {"ClipAutoOfAPick", {"--pick=1,1", "--clip-auto", "a.ply"}, "--clip-auto goes with --screenshot and --info only"},
+     "--clip-auto goes with --screenshot, --info, --save-cuts and --cut only"},
+    {"ClipAutoOfAPick",
+     {"--pick=1,1", "--clip-auto", "a.ply"},
+     "--clip-auto goes with --screenshot, --info, --save-cuts and --cut only"},
     {"ClipAutoOfAConversion",
      {"--convert", "--clip-auto", "a.ply", "b.ply"},
-     "--clip-auto goes with --screenshot and --info only"},
+     "--clip-auto goes with --screenshot, --info, --save-cuts and --cut only"},
     {"ClipAutoWithAValue", {"--screenshot=a.png", "--clip-auto=1", "a.ply"}, "--clip-auto takes no value"},
     {"ClipAndClipAuto",
      {"--screenshot=a.png", "--clip-auto", "--clip=0,0,0,0,0,1", "a.ply"},

@@ -49,7 +49,7 @@ $(cat out.txt)"
 done
 expect 0 '' --version --verbose --gpu software
 holds 'device   software device'
-expect 2 'scenepane: --gpu goes with --screenshot, --capture, --pick and --version --verbose only (see scenepane --help)' --gpu 0
+expect 2 'scenepane: --gpu goes with --screenshot, --capture, --pick, --cut and --version --verbose only (see scenepane --help)' --gpu 0
 "$scenepane" --version --verbose --gpu 31 >out.txt 2>err.txt && fail 'a device that is not there was accepted'
 [ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'no version without a device'
 grep -q '^scenepane: there is no viewer: There is no graphics device 31: EGL lists ' err.txt ||
@@ -161,8 +161,8 @@ expect 1 "scenepane: kept.png: not written, $refusal" --screenshot kept.png --cl
 [ "$(cat kept.png)" = older ] || fail 'a picture without the plane replaced an older one'
 expect 2 'scenepane: --clip takes CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0, not "0,0,1e39,0,0,1" (see scenepane --help)' \
     --screenshot clipped.png --clip 0,0,1e39,0,0,1 steps.ply
-expect 2 'scenepane: --clip goes with --screenshot only (see scenepane --help)' --capture a.png --clip 0,0,1,0,0,1 steps.ply
-expect 2 'scenepane: --clip-auto goes with --screenshot and --info only (see scenepane --help)' --clip-auto steps.ply
+expect 2 'scenepane: --clip goes with --screenshot, --save-cuts and --cut only (see scenepane --help)' --capture a.png --clip 0,0,1,0,0,1 steps.ply
+expect 2 'scenepane: --clip-auto goes with --screenshot, --info, --save-cuts and --cut only (see scenepane --help)' --clip-auto steps.ply
 expect 2 'scenepane: --clip and --clip-auto do not go together (see scenepane --help)' \
     --screenshot a.png --clip 0,0,1,0,0,1 --clip-auto steps.ply
 for to in stl hps ply; do

@@ -1,0 +1,116 @@
+// The steps of a run without a window before its result.
+#include "HeadlessScene.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <utility>
+
+#include "ClipCut.h"
+#include "DebugCapture.h"
+#include "FileImport.h"
+#include "Headless.h"
+
+namespace {
+
+using KV_ScenePane::ScenePane;
+using KV_ScenePane::WindowRequest;
+
+/// What the user can do about a file that was not added; empty when there is nothing to say.
+std::string HintAbout(const ImportResult& result) {
+    // The viewer's words about a ply file of vertices only.
+    return result.text == "holds no faces" ? "; without a window --points adds its vertices" : "";
+}
+
+/// Places the clip plane at the data. Prints a line when no height was found.
+bool IsPlacedAtData(ScenePane& pane, std::FILE* err) {
+    pane.Methods().SetClipPlaneEnabled(1);
+    pane.Methods().SetClipPlaneEnabled(0);
+    const KV_ScenePane::ClipHeight height = pane.GetClipHeight();
+    if (!height.found) PrintError(err, "no clip height was found, the plane is at " + NumberText(height.height));
+    return height.found;
+}
+
+}  // namespace
+
+std::function<void(std::string_view)> PrintOtherOutput(std::FILE* err) {
+    return [err](std::string_view text) {
+        if (const std::string line = JoinLines(text); !line.empty()) PrintError(err, line);
+    };
+}
+
+std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions& options, std::FILE* err) {
+    WindowRequest request;
+    request.kind = kind;
+    request.width = options.width;
+    request.height = options.height;
+    request.gpu = options.gpu;
+    const auto message = std::make_shared<std::string>();  // lives as long as the viewer may show one
+    request.showMessage = [message](const std::string& text) { *message = JoinLines(text); };
+    std::string reason;
+    std::unique_ptr<ScenePane> pane = CreateScenePane(request, &reason);
+    if (!pane) PrintError(err, "there is no viewer: " + (reason.empty() ? *message : JoinLines(reason)));
+    return pane;
+}
+
+SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
+    ApplySettings(methods, options.import);
+    SceneReport report;
+    for (const std::string& file : options.files) {
+        const ImportResult result = ImportFile(methods, file, options.import.color);
+        if (result.state == ImportResult::State::Added) {
+            const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
+            report.objects.push_back(ReportObject(pane, index, file));
+        } else {
+            report.failed.push_back({file, result.text});
+        }
+        if (!result.text.empty()) PrintError(err, file + ": " + result.text + HintAbout(result));
+    }
+    return report;
+}
+
+void ShowView(ScenePane& pane, const HostOptions& options) {
+    pane.Methods().SetViewMode(static_cast<std::int16_t>(options.view));
+    FitView(pane.Methods(), options.zoom);
+}
+
+bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+    if (options.clipAuto) return IsPlacedAtData(pane, err);
+    if (options.clip) {
+        const auto& [x, y, z] = options.clip->center;
+        const auto& [normalX, normalY, normalZ] = options.clip->normal;
+        pane.Methods().SetClipPlane(x, y, z, normalX, normalY, normalZ);
+        pane.Methods().SetClipPlaneEnabled(0);
+    }
+    return true;
+}
+
+void WarnIfAllIsCutAway(ScenePane& pane, const std::vector<ObjectReport>& objects, std::FILE* err) {
+    const ClipReport clip = ReportClip(pane);
+    const auto isCutAway = [&](const ObjectReport& object) {
+        const auto& [minX, maxX, minY, maxY, minZ, maxZ] = object.box;
+        return IsCutAway({minX, minY, minZ}, {maxX, maxY, maxZ}, clip.center, clip.normal);
+    };
+    if (!objects.empty() && std::ranges::all_of(objects, isCutAway))
+        PrintError(err, "the clip plane cuts away all objects");
+}
+
+std::string NoPlacement(const std::exception& error) { return std::string("no clip height: ") + error.what(); }
+
+std::vector<CutReport> CutObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+    std::vector<CutReport> cuts;
+    cuts.reserve(options.cuts.size());
+    for (const LassoCut& lasso : options.cuts) {
+        // A lasso is applied in the camera of the last frame, and a visible one also by its depths.
+        KV_ScenePane::Picture frame;
+        if (!pane.CapturePicture(&frame)) PrintError(err, "the viewer drew no frame to cut in");
+        cuts.push_back({lasso.mode, pane.CutWithLasso(lasso.mode, lasso.points)});
+    }
+    if (!HasCutOrNoLasso(cuts)) PrintError(err, "no lasso has changed an object");
+    return cuts;
+}
+
+bool HasCutOrNoLasso(std::span<const CutReport> cuts) {
+    return cuts.empty() || std::ranges::any_of(cuts, &CutReport::hasChanged);
+}

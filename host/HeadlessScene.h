@@ -1,0 +1,48 @@
+// What the runs without a window have in common: a viewer, its files, its view, its clip plane and its cuts.
+#pragma once
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CommandLine.h"
+#include "KV_ScenePane/ScenePane.h"
+#include "SceneReport.h"
+
+/// For the debugger output that belongs to no import or export: one line per text.
+[[nodiscard]] std::function<void(std::string_view text)> PrintOtherOutput(std::FILE* err);
+
+/// @param kind  OffScreen where something is drawn; NoPicture needs no OpenGL
+/// @return null without a viewer; the reason is printed then
+[[nodiscard]] std::unique_ptr<KV_ScenePane::ScenePane> OpenPane(KV_ScenePane::WindowRequest::Kind kind,
+                                                                const HostOptions& options, std::FILE* err);
+
+/// Imports the files in their order and prints a line for each that failed, or that the viewer had a message about.
+[[nodiscard]] SceneReport ImportFiles(KV_ScenePane::ScenePane& pane, const HostOptions& options, std::FILE* err);
+
+/// The direction of the view, then the fit, which depends on it.
+void ShowView(KV_ScenePane::ScenePane& pane, const HostOptions& options);
+
+/// Clips by the plane of the options, which is not drawn. After the fit of the view, which moves the plane within its
+/// surface. Prints a line when no height was found.
+/// @return false when no height was found
+/// @throws what SetClipPlaneEnabled() throws
+[[nodiscard]] bool ClipObjects(KV_ScenePane::ScenePane& pane, const HostOptions& options, std::FILE* err);
+
+/// Prints a line when the clip plane hides all of the objects.
+void WarnIfAllIsCutAway(KV_ScenePane::ScenePane& pane, const std::vector<ObjectReport>& objects, std::FILE* err);
+
+/// The text for a placement of the clip plane that threw.
+[[nodiscard]] std::string NoPlacement(const std::exception& error);
+
+/// Cuts the objects by the lassos of the options, one after the other, each in a frame that shows the cuts before it.
+/// Prints a line when none has changed anything.
+/// @return one entry per lasso
+[[nodiscard]] std::vector<CutReport> CutObjects(KV_ScenePane::ScenePane& pane, const HostOptions& options,
+                                                std::FILE* err);
+
+/// @return false when there were lassos and none has changed anything
+[[nodiscard]] bool HasCutOrNoLasso(std::span<const CutReport> cuts);

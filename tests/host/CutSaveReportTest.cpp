@@ -1,0 +1,76 @@
+#include "CutSaveReport.h"
+
+#include <gtest/gtest.h>
+
+#include "KV_ScenePane/PathText.h"
+
+namespace {
+
+using KV_ScenePane::CutSaveEntry;
+
+CutSaveEntry Entry(const std::string& file, KV_ScenePane::CutSaveOutcome outcome, const std::string& reason = "",
+                   bool isMoved = false) {
+    return {3, outcome, KV_ScenePane::WidePath(file), reason, 1, isMoved};
+}
+
+TEST(CutSaveReport, HasALineForEachOutcome) {
+    using namespace KV_ScenePane;
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutToBeWritten)), "a.pcm: to be written");
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutWritten)), "a.pcm: written");
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutNothingToSave)), "a.pcm: skipped, it has no cut that is not in the file");
+    EXPECT_EQ(CutSaveLine(Entry("a.stl", CutNotFromPcm)), "a.stl: skipped, only pcm files can hold cuts");
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutFileNotRead, "No such file or directory")),
+              "a.pcm: failed, the file could not be read: No such file or directory");
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutFileNotWritten, "No space left on device")),
+              "a.pcm: failed, the file could not be written and is as before: No space left on device");
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutFileNotRead)), "a.pcm: failed, the file could not be read");
+}
+
+TEST(CutSaveReport, NamesAFileByItsBytesAndAnObjectWithoutOneByItsIndex) {
+    EXPECT_EQ(CutSaveLine(Entry("d\xff\xc3\xa4.pcm", KV_ScenePane::CutWritten)), "d\xff\xc3\xa4.pcm: written");
+    EXPECT_EQ(CutSaveLine(Entry("", KV_ScenePane::CutNotFromPcm)), "object 3: skipped, only pcm files can hold cuts");
+}
+
+TEST(CutSaveReport, SkipsForARefusalOnlyWhatWouldBeWritten) {
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", KV_ScenePane::CutToBeWritten), "no way"), "a.pcm: skipped, no way");
+    EXPECT_EQ(CutSaveLine(Entry("a.ply", KV_ScenePane::CutNotFromPcm), "no way"),
+              "a.ply: skipped, only pcm files can hold cuts");
+}
+
+TEST(CutSaveReport, OnlyFilesThatCouldNotBeReadOrWrittenHaveFailed) {
+    for (int outcome = KV_ScenePane::CutToBeWritten; outcome <= KV_ScenePane::CutFileNotWritten; ++outcome)
+        EXPECT_EQ(HasFailed(Entry("a", static_cast<KV_ScenePane::CutSaveOutcome>(outcome))),
+                  outcome >= KV_ScenePane::CutFileNotRead)
+            << outcome;
+}
+
+TEST(CutSaveReport, ListsFilesToWriteOnceInTheOrderOfTheObjects) {
+    using namespace KV_ScenePane;
+    const CutSaveEntry plan[] = {Entry("b.pcm", CutToBeWritten), Entry("c.ply", CutNotFromPcm),
+                                 Entry("a.pcm", CutToBeWritten), Entry("b.pcm", CutToBeWritten),
+                                 Entry("d.pcm", CutNothingToSave)};
+    EXPECT_EQ(FilesToWrite(plan), (std::vector<std::string>{"b.pcm", "a.pcm"}));
+    EXPECT_TRUE(FilesToWrite({}).empty());
+}
+
+TEST(CutSaveReport, NamesMovedObjectsThatWouldBeWritten) {
+    using namespace KV_ScenePane;
+    const CutSaveEntry plan[] = {Entry("a.pcm", CutToBeWritten), Entry("b.pcm", CutToBeWritten, "", true),
+                                 Entry("c.pcm", CutNothingToSave, "", true), Entry("d.ply", CutNotFromPcm, "", true)};
+    EXPECT_EQ(MovedObjectLines(plan),
+              std::vector<std::string>{"b.pcm: moved since its import, take back the alignment first"});
+    EXPECT_TRUE(MovedObjectLines(std::span(plan).first(1)).empty());
+}
+
+TEST(CutSaveReport, SaysWhatIsRemovedBesideTheCuts) {
+    EXPECT_TRUE(OtherRemovals(false, 0.0f).empty());
+    EXPECT_TRUE(OtherRemovals(false, -1.0f).empty());
+    EXPECT_EQ(OtherRemovals(true, 0.0f),
+              std::vector<std::string>{"the clip plane is active: what it clips is removed from every pcm file"});
+    EXPECT_EQ(
+        OtherRemovals(false, 0.5f),
+        std::vector<std::string>{"the confidence filter is above 0: points below it are removed from the files, too"});
+    EXPECT_EQ(OtherRemovals(true, 0.5f).size(), 2u);
+}
+
+}  // namespace
