@@ -36,9 +36,7 @@ AnimationPanel::AnimationPanel(QWidget* parent)
     form->addRow(m_pStart);
     connect(m_pStart, &QPushButton::clicked, this, &AnimationPanel::StartOrStop);
     connect(m_pSpeed, &QDoubleSpinBox::valueChanged, this, &AnimationPanel::SetSpeed);
-    connect(m_pSpacebar, &QCheckBox::toggled, this, [this](bool on) {
-        if (m_pMethods != nullptr) m_pMethods->ToggleAnimationOnSpacebar(on ? 1 : 0);
-    });
+    connect(m_pSpacebar, &QCheckBox::toggled, this, &AnimationPanel::ApplySpacebar);
     connect(m_pDriver, &AnimationDriver::RunningChanged, this, &AnimationPanel::ShowRunning);
     ShowRunning(false);
     setEnabled(false);
@@ -51,6 +49,10 @@ void AnimationPanel::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
 }
 
 void AnimationPanel::Check() { m_pDriver->Check(); }
+
+void AnimationPanel::ApplySpacebar() {
+    if (m_pMethods != nullptr) m_pMethods->ToggleAnimationOnSpacebar(m_pSpacebar->isChecked() ? 1 : 0);
+}
 
 void AnimationPanel::StartOrStop() {
     if (m_pMethods == nullptr) return;

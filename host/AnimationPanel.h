@@ -18,6 +18,8 @@ public:
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
     /// Starts drawing frames when a key in the viewer has started the animation, and stops when it has ended.
     void Check();
+    /// Sets in the viewer what the space bar does: the end of a lasso has switched it on.
+    void ApplySpacebar();
     [[nodiscard]] const AnimationDriver& Driver() const { return *m_pDriver; }
 
 private:

@@ -12,6 +12,7 @@
 
 #include "AnimationPanel.h"
 #include "ClipPanel.h"
+#include "CutCommands.h"
 #include "DecorationPanel.h"
 #include "ImportJob.h"
 #include "LogoPanel.h"
@@ -30,11 +31,12 @@ constexpr std::int32_t kBackground = 0x321919;  // 0x00BBGGRR, what the viewer s
 
 MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindow(parent), m_options(options) {
     m_nBackground.fill(kBackground);
-    setWindowTitle(tr("scenepane"));
+    setWindowTitle(tr("scenepane") + "[*]");  // the mark of cuts that are not saved
     setAcceptDrops(true);
     // In this order: the docks connect to the viewer widget, and a menu lists the docks.
     MakeCentre();
     MakeDocks();
+    MakeCuts();
     MakeMenus();
     ReservePlainKeysForInputs();
     OpenFiles(options.files);  // they wait for the viewer
@@ -55,6 +57,7 @@ MainWindow::~MainWindow() {
     m_pLogo->SetViewer(nullptr);
     m_pNeedles->SetViewer(nullptr);
     m_pClip->SetViewer(nullptr);
+    m_pCuts->SetViewer(nullptr);
     StoreClipIfChanged();
     delete m_pViewer;  // now: what it writes while it closes still goes to the message pane
     m_pRouter.reset();
@@ -119,21 +122,25 @@ void MainWindow::StopImport() {
 
 void MainWindow::EnableActions() {
     const bool viewer = Pane() != nullptr;
-    for (QAction* const action : m_vViewerActions) action->setEnabled(viewer);
-    for (QAction* const action : m_vIdleActions) action->setEnabled(viewer && !IsImporting());
+    const bool usable = viewer && !IsLassoRunning();  // most of them would move the scene below the lasso
+    for (QAction* const action : m_vViewerActions) action->setEnabled(usable);
+    for (QAction* const action : m_vIdleActions) action->setEnabled(usable && !IsImporting());
     m_pObjects->setEnabled(viewer && !IsImporting());
     m_pMarkers->setEnabled(viewer);
+    FollowCuts();
 }
 
 void MainWindow::ClearScene() {
     if (Pane() == nullptr || IsImporting()) return;
     KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    m_pCuts->Cancel();
     // The viewer keeps plain pointers to selected objects; they must not outlive the objects.
     methods.ResetSelection();
     methods.ResetVariableObjects();
     DeleteAllPoints();  // before the view is fitted to what is left: ClearData() keeps free points, an operator expects
     methods.ClearData();  // an empty scene. The lines go with it
     m_pObjects->clear();
+    m_pCuts->OnSceneCleared();
     m_pMarkers->Clear();
     ClearPickPoints();
     ForgetPicks();
@@ -217,16 +224,18 @@ void MainWindow::ColorObject(int index, std::int32_t packed) {
 
 void MainWindow::DeleteObject(int index) {
     if (Pane() == nullptr || IsImporting()) return;
+    m_pCuts->Cancel();
     // The method requests no repaint. Removing the row moves the later rows up, as the viewer moves its objects.
     Pane()->Methods().DeleteObject(static_cast<std::int16_t>(index));
     Pane()->Methods().PerformInvalidate();
     m_pObjects->RemoveObject(index);
     FollowDeletedObject(index);
     m_pClip->FollowScene();
+    FollowCuts();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!AskAboutNeedles()) {
+    if (!AskAboutNeedles() || !m_pCuts->AskAboutUnsaved(tr("Close the window"))) {
         event->ignore();
         return;
     }

@@ -18,6 +18,8 @@
 
 class AnimationPanel;
 class ClipPanel;
+class CutCommands;
+class CutToolBar;
 class DecorationPanel;
 class EventPane;
 class ImportJob;
@@ -51,8 +53,8 @@ public:
     explicit MainWindow(const HostOptions& options, QWidget* parent = nullptr);
     ~MainWindow() override;
 
-    /// Imports the files (paths in bytes) in order. They wait while there is no viewer yet or another import runs. For
-    /// point files among them a dialog asks how to show their points, once for all.
+    /// Imports the files (paths in bytes) in order. They wait while there is no viewer yet, another import runs or a
+    /// lasso is drawn. For point files among them a dialog asks how to show their points, once for all.
     void OpenFiles(const std::vector<std::string>& files);
     /// Adds each file (paths in bytes) as a set of free points. They wait like those of OpenFiles().
     void ImportPointFiles(const std::vector<std::string>& files, const PointsLook& look);
@@ -76,6 +78,7 @@ public:
     [[nodiscard]] NeedlePanel& Needles() const { return *m_pNeedles; }
     [[nodiscard]] MarkerPanel& Markers() const { return *m_pMarkers; }
     [[nodiscard]] ClipPanel& Clip() const { return *m_pClip; }
+    [[nodiscard]] CutCommands& Cuts() const { return *m_pCuts; }
 
 signals:
     /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
@@ -200,6 +203,24 @@ private:
     /// The viewer threw: an input was not finished, and its repaint may be missing.
     void ReportViewerFailure(const QString& reason);
 
+    // ---- MainWindowCut.cpp
+    /// The tools of cuts, what they do, and their connections.
+    void MakeCuts();
+    void MakeCutMenu();
+    /// Tools, title, status bar and what can be used follow the lasso and the cuts.
+    void FollowCuts();
+    /// A lasso was started or has ended: it is the only use of the mouse while it runs.
+    void FollowLasso();
+    /// Picks and clip plane follow the objects of a cut or an undo.
+    /// @param newIndex  of each object of before; -1 when it is gone
+    void FollowReplacedObjects(const std::vector<int>& newIndex);
+    /// Messages, of which the last line is shown in the status bar.
+    void ReportCut(const QString& text);
+    [[nodiscard]] bool IsLassoRunning() const;
+    // For the user: these ask about unsaved cuts before.
+    void AskToClear();
+    void AskToDelete(int index);
+
     // ---- MainWindowInput.cpp
     /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
     void MakeInputMenus(QMenu& menu);
@@ -225,6 +246,8 @@ private:
     void FollowPickPoints();
     /// The objects after a deleted one have other indices. @param object  its index
     void FollowDeletedObject(int object);
+    /// @param newIndex  of an object of before; -1 when it is gone
+    void RenumberPicks(const std::function<int(int object)>& newIndex);
     /// Opens the menu of the pick-point sphere that is nearest to the pixel, if picks place points.
     void ShowPickMenu(QPoint pixel);
     /// Names the objects that were picked before they were in the list, and fits the radius.
@@ -330,6 +353,11 @@ private:
     PickPanel* m_pPicks = nullptr;
     ClipPanel* m_pClip = nullptr;
     QAction *m_pClipOn = nullptr, *m_pClipShown = nullptr;
+    CutCommands* m_pCuts = nullptr;
+    CutToolBar* m_pCutTools = nullptr;
+    QLabel* m_pLassoHint = nullptr;          // in the status bar while a lasso is drawn
+    bool m_bLassoRuns = false;               // as FollowLasso() has seen it
+    bool m_bNeedlesOfMouse = false;          // of the viewer, before the lasso
     QLabel* m_pClipState = nullptr;          // in the status bar while objects are clipped
     ClipSettings m_storedClip;               // what the settings hold
     QTimer* m_pClipStorage = nullptr;        // runs while they are older than the panel

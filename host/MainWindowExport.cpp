@@ -4,6 +4,7 @@
 #include <QStatusBar>
 #include <vector>
 
+#include "CutCommands.h"
 #include "FileExport.h"
 #include "FileTypes.h"
 #include "MainWindow.h"
@@ -91,5 +92,6 @@ bool MainWindow::ExportObjectTo(int index, const std::string& path) {
     }
     m_pMessages->AddText(text);  // the next menu that opens clears the status bar
     statusBar()->showMessage(text);
+    if (result.written) m_pCuts->OnExported(index);
     return result.written;
 }

@@ -7,6 +7,7 @@
 #include <QUrl>
 #include <utility>
 
+#include "CutCommands.h"
 #include "FileTypes.h"
 #include "ImportJob.h"
 #include "MainWindow.h"
@@ -52,7 +53,7 @@ void MainWindow::OpenFiles(const std::vector<std::string>& files) {
 }
 
 void MainWindow::OpenWaitingFiles() {
-    if (Pane() == nullptr || IsImporting() || m_vWaitingFiles.empty()) return;
+    if (Pane() == nullptr || IsImporting() || IsLassoRunning() || m_vWaitingFiles.empty()) return;
     // All files that wait become one job, so that consecutive pcm files are read in parallel.
     std::vector<std::string> files;
     files.swap(m_vWaitingFiles);
@@ -107,6 +108,7 @@ void MainWindow::StartImport(const std::vector<std::string>& files) {
     connect(m_pJob, &ImportJob::Finished, this, &MainWindow::OnImportFinished);
     m_pProgress->setValue(0);  // starts the time after which Qt shows the dialog: short imports show none
     EnableActions();
+    m_pCuts->SetConfidence(m_options.import.confidence);
     m_pJob->Start();
 }
 

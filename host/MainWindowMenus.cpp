@@ -9,6 +9,7 @@
 
 #include "BackgroundDialog.h"
 #include "ColorButton.h"
+#include "CutToolBar.h"
 #include "FileTypes.h"
 #include "ImportJob.h"
 #include "MainWindow.h"
@@ -42,6 +43,7 @@ constexpr const char* kScreenShotSummary = QT_TRANSLATE_NOOP(
 void MainWindow::MakeMenus() {
     MakeFileMenu();
     MakeViewMenu();
+    MakeCutMenu();
     MakeImportMenu();
 }
 
@@ -50,7 +52,7 @@ void MainWindow::MakeFileMenu() {
     m_vViewerActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
     MakeMarkerActions(*menu);
     m_vIdleActions.push_back(
-        menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::ClearScene));
+        menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::AskToClear));
     menu->addSeparator();
     QAction* const exports = menu->addAction(tr("&Export selected object..."), QKeySequence(Qt::CTRL | Qt::Key_E), this,
                                              &MainWindow::AskForExport);
@@ -105,6 +107,7 @@ void MainWindow::MakeViewMenu() {
     QMenu* const panes = menu->addMenu(tr("Pa&nes"));
     // The docks exist already: the menus are made last.
     for (QDockWidget* const dock : findChildren<QDockWidget*>()) panes->addAction(dock->toggleViewAction());
+    panes->addAction(m_pCutTools->toggleViewAction());
 }
 
 QList<QAction*> MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,

@@ -4,6 +4,7 @@
 
 #include "AnimationPanel.h"
 #include "ClipPanel.h"
+#include "CutCommands.h"
 #include "DecorationPanel.h"
 #include "EventPane.h"
 #include "LogoPanel.h"
@@ -28,7 +29,7 @@ void MainWindow::MakeDocks() {
     m_pObjects = new ObjectList;
     connect(m_pObjects, &ObjectList::VisibilityWanted, this, &MainWindow::ShowObject);
     connect(m_pObjects, &ObjectList::ColorWanted, this, &MainWindow::ColorObject);
-    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::DeleteObject);
+    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::AskToDelete);
     m_pMessages = new MessagePane;
     m_pEvents = new EventPane;
     connect(m_pViewer, &ViewerWidget::EventFired, m_pEvents, &EventPane::AddLine);
@@ -74,6 +75,7 @@ void MainWindow::PassViewerToPanels() {
     m_pAnimation->SetViewer(methods);
     m_pNeedles->SetViewer(methods);
     m_pClip->SetViewer(Pane());
+    m_pCuts->SetViewer(Pane());
     m_pEvents->setEnabled(methods != nullptr);
     m_pPicks->setEnabled(methods != nullptr);
     if (methods == nullptr) ForgetPicks();

@@ -167,10 +167,13 @@ void MainWindow::FollowPickPoints() {
 }
 
 void MainWindow::FollowDeletedObject(int object) {
+    RenumberPicks([object](int index) { return index == object ? -1 : index > object ? index - 1 : index; });
+}
+
+void MainWindow::RenumberPicks(const std::function<int(int object)>& newIndex) {
     for (std::vector<PickedPoint>* const picks : {&m_vPickPoints, &m_vLastPicks}) {
         for (PickedPoint& pick : *picks) {
-            if (pick.object == object) pick.object = -1;
-            if (pick.object > object) --pick.object;
+            if (pick.object >= 0) pick.object = newIndex(pick.object);
         }
     }
     FollowPickPoints();

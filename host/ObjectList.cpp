@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QHeaderView>
 #include <QKeySequence>
+#include <QScrollBar>
 
 #include "ColorButton.h"
 #include "KV_ScenePane/PathText.h"
@@ -15,6 +16,9 @@ QString FileNameOf(const std::wstring& path) {
     const std::string bytes = KV_ScenePane::PathBytes(path);
     return QString::fromStdString(bytes.substr(bytes.rfind('/') + 1));
 }
+
+// What a row holds beside its texts, in the column of the name.
+constexpr int kIdRole = Qt::UserRole, kFileRole = Qt::UserRole + 1, kVerticesRole = Qt::UserRole + 2;
 
 /// Ranges of x, y and z, with four digits: enough to find the object, and short enough for the list.
 QString BoxText(const std::array<float, 6>& box) {
@@ -46,15 +50,22 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
 
 void ObjectList::AddObject(const ObjectReport& object) {
     const QSignalBlocker quiet(this);
+    AddRow({.id = m_nNextId++, .file = object.file}, object);
+}
+
+QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& object) {
     // The viewer gives objects of some mesh formats no name.
-    const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(object.file) : object.name;
+    const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(row.file) : object.name;
     auto* const item = new QTreeWidgetItem(this);
     item->setText(kName, FileNameOf(path));
     item->setToolTip(kName, PlainToolTip(QString::fromStdString(KV_ScenePane::PathBytes(path))));
-    item->setCheckState(kName, Qt::Checked);
+    item->setCheckState(kName, row.isVisible ? Qt::Checked : Qt::Unchecked);
+    item->setData(kName, kIdRole, row.id);
+    item->setData(kName, kFileRole, QByteArray::fromStdString(row.file));
+    item->setData(kName, kVerticesRole, object.vertices);
     item->setText(kVertices, QString::number(object.vertices));
     item->setText(kTriangles, QString::number(object.triangles));
-    item->setText(kBox, BoxText(object.box));
+    item->setText(kBox, object.vertices > 0 ? BoxText(object.box) : QString());
     auto* const button = new ColorButton(object.color);
     button->SetName(tr("Colour of %1").arg(item->text(kName)));
     if (object.hasVertexColors) button->setToolTip(tr("The scan has its own colours, which are shown instead"));
@@ -62,6 +73,32 @@ void ObjectList::AddObject(const ObjectReport& object) {
     connect(button, &ColorButton::ColorChosen, this,
             [this, item](std::int32_t packed) { emit ColorWanted(indexOfTopLevelItem(item), packed); });
     setItemWidget(item, kColor, button);
+    return item;
+}
+
+std::vector<ObjectRow> ObjectList::Rows() const {
+    std::vector<ObjectRow> rows;
+    rows.reserve(static_cast<std::size_t>(topLevelItemCount()));
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        const QTreeWidgetItem& item = *topLevelItem(i);
+        rows.push_back({.id = item.data(kName, kIdRole).toInt(),
+                        .file = item.data(kName, kFileRole).toByteArray().toStdString(),
+                        .isVisible = item.checkState(kName) == Qt::Checked,
+                        .vertices = item.data(kName, kVerticesRole).toInt()});
+    }
+    return rows;
+}
+
+void ObjectList::ShowRows(const std::vector<ObjectRow>& rows, const std::vector<ObjectReport>& objects) {
+    const QSignalBlocker quiet(this);
+    const int current = currentItem() != nullptr ? currentItem()->data(kName, kIdRole).toInt() : -1;
+    const int scrolled = verticalScrollBar()->value();
+    clear();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        QTreeWidgetItem* const item = AddRow(rows[i], objects[i]);
+        if (rows[i].id == current) setCurrentItem(item);
+    }
+    verticalScrollBar()->setValue(scrolled);
 }
 
 void ObjectList::RemoveObject(int index) { delete topLevelItem(index); }

@@ -2,8 +2,18 @@
 #pragma once
 #include <QTreeWidget>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "SceneReport.h"
+
+/// What a row holds that the viewer does not return.
+struct ObjectRow {
+    int id = -1;       ///< of the object and of what cuts leave of it, as long as the list lives
+    std::string file;  ///< that it came from; bytes
+    bool isVisible = true;
+    std::int32_t vertices = 0;
+};
 
 /// Check mark (visibility), name, colour button, counts and bounding box per object; the Delete key deletes the current
 /// one.
@@ -20,6 +30,10 @@ public:
     void RemoveObject(int index);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
+    [[nodiscard]] std::vector<ObjectRow> Rows() const;
+    /// Replaces all rows; the object of the current row stays current. Emits nothing.
+    /// @param objects  as many as rows
+    void ShowRows(const std::vector<ObjectRow>& rows, const std::vector<ObjectReport>& objects);
     /// Whether the row exists and has no check mark.
     [[nodiscard]] bool IsHidden(int index) const;
     /// For the first layout only; the user can resize the pane.
@@ -34,5 +48,8 @@ signals:
     void DeletionWanted(int index);
 
 private:
+    QTreeWidgetItem* AddRow(const ObjectRow& row, const ObjectReport& object);
     void DeleteSelected();
+
+    int m_nNextId = 0;
 };

@@ -20,6 +20,11 @@ constexpr const char* kClipColor = "clip/color";
 constexpr const char* kClipHandleColor = "clip/handleColor";
 constexpr const char* kClipOutlineColor = "clip/outlineColor";
 
+constexpr const char* kLassoInsideColor = "lasso/insideColor";
+constexpr const char* kLassoInsideOpacity = "lasso/insideOpacity";
+constexpr const char* kLassoOutsideColor = "lasso/outsideColor";
+constexpr const char* kLassoOutsideOpacity = "lasso/outsideOpacity";
+
 QSettings Stored() { return QSettings("scenepane", "scenepane"); }
 
 /// Qt itself reads every text but a few as true.
@@ -29,10 +34,19 @@ bool ReadBool(const QSettings& stored, const char* key, bool otherwise) {
     return text == "false" ? false : otherwise;
 }
 
-std::int32_t ReadColor(const QSettings& stored, const char* key, std::int32_t otherwise) {
+/// @param highest  of the valid numbers; the lowest one is 0
+int ReadNumber(const QSettings& stored, const char* key, int highest, int otherwise) {
     bool isNumber = false;
-    const int color = stored.value(key).toInt(&isNumber);
-    return isNumber && color >= 0 && color <= 0xFFFFFF ? color : otherwise;
+    const int number = stored.value(key).toInt(&isNumber);
+    return isNumber && number >= 0 && number <= highest ? number : otherwise;
+}
+
+std::int32_t ReadColor(const QSettings& stored, const char* key, std::int32_t otherwise) {
+    return ReadNumber(stored, key, 0xFFFFFF, otherwise);
+}
+
+int ReadPercent(const QSettings& stored, const char* key, int otherwise) {
+    return ReadNumber(stored, key, 100, otherwise);
 }
 
 /// Centre, then normal; nothing unless all six numbers are finite and the normal has a direction.
@@ -84,4 +98,22 @@ void StoreClip(const ClipSettings& clip) {
     stored.setValue(kClipColor, clip.color);
     stored.setValue(kClipHandleColor, clip.handleColor);
     stored.setValue(kClipOutlineColor, clip.outlineColor);
+}
+
+LassoSettings StoredLasso() {
+    const QSettings stored = Stored();
+    LassoSettings lasso;
+    lasso.insideColor = ReadColor(stored, kLassoInsideColor, lasso.insideColor);
+    lasso.insideOpacity = ReadPercent(stored, kLassoInsideOpacity, lasso.insideOpacity);
+    lasso.outsideColor = ReadColor(stored, kLassoOutsideColor, lasso.outsideColor);
+    lasso.outsideOpacity = ReadPercent(stored, kLassoOutsideOpacity, lasso.outsideOpacity);
+    return lasso;
+}
+
+void StoreLasso(const LassoSettings& lasso) {
+    QSettings stored = Stored();
+    stored.setValue(kLassoInsideColor, lasso.insideColor);
+    stored.setValue(kLassoInsideOpacity, lasso.insideOpacity);
+    stored.setValue(kLassoOutsideColor, lasso.outsideColor);
+    stored.setValue(kLassoOutsideOpacity, lasso.outsideOpacity);
 }

@@ -32,3 +32,15 @@ struct ClipSettings {
 /// and without a valid one nothing is clipped.
 [[nodiscard]] ClipSettings StoredClip();
 void StoreClip(const ClipSettings& clip);
+
+/// The tints of a freehand lasso. The first values are those of the viewer.
+struct LassoSettings {
+    std::int32_t insideColor = 0x0000FF, outsideColor = 0x000000;  // 0x00BBGGRR
+    int insideOpacity = 50, outsideOpacity = 0;                    // percent
+
+    friend bool operator==(const LassoSettings&, const LassoSettings&) = default;
+};
+
+/// What was stored last. Values that are missing or not valid are those of a first start.
+[[nodiscard]] LassoSettings StoredLasso();
+void StoreLasso(const LassoSettings& lasso);

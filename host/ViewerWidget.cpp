@@ -103,6 +103,16 @@ void ViewerWidget::PickPointCountChanged(std::int32_t newCount) {
     emit PickPointsChanged();
 }
 
+void ViewerWidget::SegmentationDone(std::int16_t numObj) {
+    EventFormatter::SegmentationDone(numObj);
+    emit LassoEnded(numObj);
+}
+
+void ViewerWidget::CutMaskApplied(std::int64_t addr) {
+    EventFormatter::CutMaskApplied(addr);
+    emit CutAboutToApply();
+}
+
 void ViewerWidget::ReportLine(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
 
 void ViewerWidget::Open() {
@@ -122,20 +132,34 @@ void ViewerWidget::Open() {
         return;
     }
     m_pPane->Connect(this);
-    m_pPane->SetMouseFilter([this](const MouseInput& input) {
-        constexpr double kClickSlack = 3.0;  // pixels of a screen of plain density
-        if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
-            emit RightClicked(*pixel);
-        // A double click comes as another kind of input, and may come before the pick of a press that is delayed.
-        if (input.kind == MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
-        if (AsksForClipPlacement(input)) emit ClipPlacementAsked();
-        return false;  // it only watches: the right button drags the view
-    });
+    m_pPane->SetMouseFilter([this](const MouseInput& input) { return FilterMouse(input); });
     m_pRegistry = std::make_unique<RegistryStart>(m_pPane->Methods());
     m_pNotifier = std::make_unique<QSocketNotifier>(m_pPane->EventDescriptor(), QSocketNotifier::Read);
     connect(m_pNotifier.get(), &QSocketNotifier::activated, this, &ViewerWidget::HandleEvents);
     WatchScreen();
     emit Ready();
+}
+
+bool ViewerWidget::FilterMouse(const MouseInput& input) {
+    if (m_bLassoRuns) {
+        if (input.kind != MouseInput::Kind::DoubleClick) return false;
+        MouseInput press = input;
+        press.kind = MouseInput::Kind::LeftDown;
+        m_pPane->SendMouse(press);
+        return true;
+    }
+    constexpr double kClickSlack = 3.0;  // pixels of a screen of plain density
+    if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
+        emit RightClicked(*pixel);
+    // A double click comes as another kind of input, and may come before the pick of a press that is delayed.
+    if (input.kind == MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
+    if (AsksForClipPlacement(input)) emit ClipPlacementAsked();
+    return false;  // it only watches: the right button drags the view
+}
+
+void ViewerWidget::SetLassoRuns(bool runs) {
+    m_bLassoRuns = runs;
+    m_rightClicks = {};  // the release of the press that cuts must not complete a click
 }
 
 void ViewerWidget::Close() {

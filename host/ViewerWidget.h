@@ -23,6 +23,9 @@ public:
 
     /// Null before the widget is shown for the first time, and when the viewer was refused or lost its window.
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const { return m_pPane.get(); }
+    /// While a lasso is drawn all presses are its corners: the second press of a double click, too, which the viewer
+    /// would use to fit the view, pick or create a needle, and a right click opens no menu.
+    void SetLassoRuns(bool runs);
 
     [[nodiscard]] QSize sizeHint() const override;
     /// None: the window of the viewer covers the widget, so that Qt has nothing to paint.
@@ -53,6 +56,10 @@ signals:
     /// The right button was clicked: pressed and released at one place. Emitted before the viewer handles the release,
     /// so a menu must be shown later. @param pixel  of the drawing area of the viewer
     void RightClicked(QPoint pixel);
+    /// A cut will be applied; the viewer still has the objects of before.
+    void CutAboutToApply();
+    /// A lasso has ended. @param objects  in the list of the viewer; -1 when nothing was cut
+    void LassoEnded(int objects);
     /// An input by which the viewer places a visible clip plane at the data: a double click with Ctrl, or with Ctrl a
     /// press of the middle button. Emitted before the viewer handles it, which may be in a later call.
     void ClipPlacementAsked();
@@ -72,11 +79,15 @@ private:
                          std::int32_t mouseX, std::int32_t mouseY) override;
     void CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
     void PickPointCountChanged(std::int32_t newCount) override;
+    void SegmentationDone(std::int16_t numObj) override;
+    void CutMaskApplied(std::int64_t addr) override;
     void NeedleCreated(std::int32_t id) override;
     void NeedleDeleted(std::int32_t id) override;
     void NeedleSelected(std::int32_t id) override;
     void NeedleDeselected(std::int32_t id) override;
     void ReportLine(const std::string& line) override;
+    /// Sees the input before the viewer. @return whether the viewer must ignore it
+    bool FilterMouse(const KV_ScenePane::MouseInput& input);
     /// Creates the viewer. Emits Ready() or Refused().
     void Open();
     void Close();
@@ -96,6 +107,7 @@ private:
     const QSize m_wantedSize;
     const int m_nSamples;
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
+    bool m_bLassoRuns = false;
     HeldModifiers m_held;
     RightClickWatch m_rightClicks;
     std::string m_strFailure;        // of the last ProcessEvents(); empty when it threw nothing

@@ -1,0 +1,110 @@
+// What the tools of cuts do: a lasso from its start to its end, undo, and the save with its questions.
+#pragma once
+#include <QObject>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "CutLedger.h"
+#include "KV_ScenePane/ScenePane.h"
+#include "ObjectList.h"
+#include "Settings.h"
+
+/// Calls the viewer; the list of objects follows each cut and each undo. Cuts of an object are unsaved until they are
+/// in its pcm file, taken back, or the object is deleted; those of an object from another file until it is exported.
+class CutCommands : public QObject {
+    Q_OBJECT
+public:
+    using Way = KV_ScenePane::SegmentationMode;
+
+    /// @param objects  of the viewer, row by row
+    /// @param window   parent of the questions; owns this
+    CutCommands(ObjectList& objects, const LassoSettings& lasso, QWidget* window);
+    /// @param viewer  must outlive this or be replaced by null
+    void SetViewer(KV_ScenePane::ScenePane* viewer);
+    /// @param confidence  of the last import: the viewer's confidence filter
+    void SetConfidence(float confidence) { m_fConfidence = confidence; }
+    void SetClipping(std::function<bool()> isClipping) { m_isClipping = std::move(isClipping); }
+    /// For the lassos that follow.
+    void SetColors(const LassoSettings& lasso);
+
+    /// Of the lasso that is drawn.
+    [[nodiscard]] std::optional<Way> RunningWay() const { return m_way; }
+    [[nodiscard]] int UndoSteps() const;
+    [[nodiscard]] bool HaveUnsaved() const;
+    /// @param index  of an object in the list
+    [[nodiscard]] bool IsUnsaved(int index) const;
+
+    // What the user does. Nothing happens without a viewer.
+    /// Another lasso that runs is cancelled before.
+    void Start(Way way);
+    void Cancel();
+    void Undo();
+    /// Asks, writes the files and shows what was done. A lasso that runs is cancelled before.
+    /// @return whether all cuts that a file can hold are in their files
+    bool Save();
+    /// Asks about the unsaved cuts of all objects, or of one, before they are lost.
+    /// @param title  what the user wants to do
+    /// @param index  -1 for all objects
+    /// @return whether it can be done
+    bool AskAboutUnsaved(const QString& title, int index = -1);
+
+    // What happened.
+    /// A cut will be applied; the viewer still has the objects of before.
+    void OnCutAboutToApply();
+    /// @param objects  -1: nothing was cut
+    void OnLassoEnded(int objects);
+    void OnExported(int index);
+    void OnSceneCleared();
+
+signals:
+    /// A lasso was started or has ended, or the cuts, the undo steps or what is saved have changed.
+    void Changed();
+    /// The list shows the objects after a cut or an undo.
+    /// @param newIndex  of each object of before; -1 when it is gone
+    void ObjectsReplaced(const std::vector<int>& newIndex);
+    /// What the user must know, one or several lines. The last one is a summary.
+    void Report(const QString& text);
+
+private:
+    using Entries = std::vector<KV_ScenePane::CutSaveEntry>;
+
+    /// The plan of a save; files of objects without a name are those of the list.
+    [[nodiscard]] Entries Plan() const;
+    void NameFiles(Entries& entries) const;
+    /// The objects of the list, as the plan describes them.
+    [[nodiscard]] std::vector<CutObject> Objects(const Entries& plan) const;
+    /// @param index  -1 for all objects
+    /// @param canSave  receives whether a save writes one of them
+    [[nodiscard]] QStringList UnsavedLines(const Entries& plan, int index, bool* canSave) const;
+    /// What a save removes beside the cuts and cannot be taken back, as sentences.
+    [[nodiscard]] QString SaveNote() const;
+    /// Asks, unless nothing can be written.
+    [[nodiscard]] bool AskToWrite(const Entries& plan);
+    /// Says so and returns true when an object was moved.
+    bool RefuseMoved(const Entries& plan);
+    /// Without a question.
+    bool Write();
+    /// Reports the results and keeps what failed. @param plan  of before
+    bool ReportSave(const Entries& plan, const Entries& results);
+
+    /// Shows these rows with what the viewer has now.
+    void ShowObjects(std::vector<ObjectRow> rows);
+    /// After an undo: what became of the objects. @param before  the rows before it
+    [[nodiscard]] QString UndoText(const std::vector<ObjectRow>& before, bool wasSaved) const;
+    /// Rows of the viewer's newest undo step, with the visibility that each object has now.
+    [[nodiscard]] std::vector<ObjectRow> TakeStep();
+    void ApplyColors();
+
+    ObjectList& m_objects;
+    QWidget* const m_pWindow;
+    KV_ScenePane::ScenePane* m_pViewer = nullptr;
+    LassoSettings m_lasso;
+    float m_fConfidence = 0.0f;
+    std::function<bool()> m_isClipping = [] { return false; };
+    std::optional<Way> m_way;
+    std::vector<std::vector<ObjectRow>> m_vSteps;  // the rows of each undo step of the viewer
+    std::vector<int> m_vWrittenIds;                // objects whose files were written
+    int m_nSavedSteps = 0;                         // undo steps at the last save: their cuts are in files
+    CutLedger m_ledger;
+};

@@ -1,0 +1,232 @@
+// Cuts that are saved or not: the questions, the save and its summary. The lines about single objects are in
+// CutSaveReport.h.
+#include <QGuiApplication>
+#include <algorithm>
+
+#include "CaughtError.h"
+#include "CutCommands.h"
+#include "CutSaveReport.h"
+#include "FileListDialog.h"
+#include "KV_ScenePane/PathText.h"
+
+namespace {
+
+using KV_ScenePane::CutSaveEntry;
+
+QString Sentence(const std::string& text) {
+    QString sentence = QString::fromStdString(text);
+    if (!sentence.isEmpty()) sentence[0] = sentence[0].toUpper();
+    return sentence + '.';
+}
+
+/// "1 file", "2 files".
+QString FileCount(std::size_t count) {
+    return count == 1 ? CutCommands::tr("1 file") : CutCommands::tr("%1 files").arg(count);
+}
+
+/// The files that a save writes. One that has no cut is written for the clip plane.
+QStringList FileLines(const std::vector<CutSaveEntry>& plan) {
+    QStringList lines;
+    for (const std::string& file : FilesToWrite(plan)) {
+        const bool hasCuts = std::ranges::any_of(plan, [&](const CutSaveEntry& entry) {
+            return entry.numberOfCuts > 0 && entry.outcome == KV_ScenePane::CutToBeWritten &&
+                   KV_ScenePane::PathBytes(entry.file) == file;
+        });
+        const QString name = QString::fromStdString(file);
+        lines << (hasCuts ? name : CutCommands::tr("%1 (clip plane only)").arg(name));
+    }
+    return lines;
+}
+
+bool IsToBeWritten(const CutSaveEntry& entry) { return entry.outcome == KV_ScenePane::CutToBeWritten; }
+
+}  // namespace
+
+// ---- what is unsaved
+
+CutCommands::Entries CutCommands::Plan() const {
+    if (m_pViewer == nullptr) return {};
+    Entries plan = m_pViewer->PlanCutSave();
+    NameFiles(plan);
+    return plan;
+}
+
+void CutCommands::NameFiles(Entries& entries) const {
+    const std::vector<ObjectRow> rows = m_objects.Rows();
+    for (CutSaveEntry& entry : entries) {
+        const auto row = static_cast<std::size_t>(entry.object);
+        if (entry.file.empty() && row < rows.size()) entry.file = KV_ScenePane::WidePath(rows[row].file);
+    }
+}
+
+std::vector<CutObject> CutCommands::Objects(const Entries& plan) const {
+    const std::vector<ObjectRow> rows = m_objects.Rows();
+    std::vector<CutObject> objects;
+    objects.reserve(plan.size());
+    for (std::size_t i = 0; i < plan.size() && i < rows.size(); ++i)
+        objects.push_back({.id = rows[i].id,
+                           .cuts = plan[i].numberOfCuts,
+                           .isFromPcm = plan[i].outcome != KV_ScenePane::CutNotFromPcm,
+                           .vertices = rows[i].vertices});
+    return objects;
+}
+
+bool CutCommands::HaveUnsaved() const {
+    return std::ranges::any_of(Objects(Plan()), [this](const CutObject& object) { return m_ledger.IsUnsaved(object); });
+}
+
+bool CutCommands::IsUnsaved(int index) const {
+    const std::vector<CutObject> objects = Objects(Plan());
+    const auto i = static_cast<std::size_t>(index);
+    return i < objects.size() && m_ledger.IsUnsaved(objects[i]);
+}
+
+QStringList CutCommands::UnsavedLines(const Entries& plan, int index, bool* canSave) const {
+    const std::vector<CutObject> objects = Objects(plan);
+    QStringList lines;
+    *canSave = false;
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        if ((index >= 0 && static_cast<std::size_t>(index) != i) || !m_ledger.IsUnsaved(objects[i])) continue;
+        const QString file = QString::fromStdString(KV_ScenePane::PathBytes(plan[i].file));
+        if (m_ledger.HasLostCuts(objects[i].id))
+            lines << tr("%1: a save has failed; undo the cut and draw it again").arg(file);
+        else if (!objects[i].isFromPcm)
+            lines << tr("%1: only pcm files can hold cuts; export the object to keep them").arg(file);
+        else
+            lines << file;
+        *canSave = *canSave || IsToBeWritten(plan[i]);
+    }
+    return lines;
+}
+
+bool CutCommands::AskAboutUnsaved(const QString& title, int index) {
+    // Once more after a save: cuts that it could not write are named, and can only be discarded.
+    while (m_pViewer != nullptr) {
+        const Entries plan = Plan();
+        bool canSave = false;
+        const QStringList lines = UnsavedLines(plan, index, &canSave);
+        if (lines.isEmpty()) return true;
+        FileListDialog::Texts texts{title, tr("There are cuts that are not saved:"), lines, {}};
+        QDialogButtonBox::StandardButtons buttons = QDialogButtonBox::Discard | QDialogButtonBox::Cancel;
+        if (canSave) {
+            buttons |= QDialogButtonBox::Save;
+            texts.lines << QString() << tr("Save rewrites %1:").arg(FileCount(FilesToWrite(plan).size()))
+                        << FileLines(plan);
+            texts.note = SaveNote();
+        }
+        const auto answer =
+            FileListDialog(texts, buttons, canSave ? QDialogButtonBox::Save : QDialogButtonBox::Cancel, m_pWindow)
+                .Ask();
+        if (answer == QDialogButtonBox::Discard) return true;
+        if (answer != QDialogButtonBox::Save) return false;
+        Cancel();
+        if (RefuseMoved(Plan()) || !Write()) return false;
+    }
+    return true;  // the cuts are gone with the viewer
+}
+
+void CutCommands::OnExported(int index) {
+    const std::vector<CutObject> objects = Objects(Plan());
+    const auto i = static_cast<std::size_t>(index);
+    if (i < objects.size()) m_ledger.OnExported(objects[i]);
+    emit Changed();
+}
+
+// ---- the save
+
+QString CutCommands::SaveNote() const {
+    QStringList sentences;
+    for (const std::string& text : OtherRemovals(m_isClipping(), m_fConfidence)) sentences << Sentence(text);
+    sentences << tr("What is removed from a file loses its class there, and undo does not bring files back.");
+    return sentences.join('\n');
+}
+
+bool CutCommands::Save() {
+    if (m_pViewer == nullptr) return false;
+    Cancel();
+    const Entries plan = Plan();
+    if (std::ranges::none_of(plan, IsToBeWritten)) {
+        QStringList lines;
+        for (const CutSaveEntry& entry : plan) {
+            if (entry.outcome == KV_ScenePane::CutNotFromPcm && entry.numberOfCuts > 0)
+                lines << QString::fromStdString(CutSaveLine(entry));
+        }
+        lines << tr("Nothing was saved: no pcm file has cuts that it does not hold yet.");
+        emit Report(lines.join('\n'));
+        return false;
+    }
+    return !RefuseMoved(plan) && AskToWrite(plan) && Write();
+}
+
+bool CutCommands::RefuseMoved(const Entries& plan) {
+    QStringList lines;
+    for (const std::string& line : MovedObjectLines(plan)) lines << QString::fromStdString(line);
+    if (lines.isEmpty()) return false;
+    emit Report(lines.join('\n') + '\n' + tr("No cuts were saved."));
+    const FileListDialog::Texts texts{
+        tr("Save cuts"), tr("No cuts are saved. Take back the alignment first of:"), lines,
+        tr("The file of an object that was moved would lose other points than the lasso enclosed.")};
+    (void)FileListDialog(texts, QDialogButtonBox::Close, QDialogButtonBox::Close, m_pWindow).Ask();
+    return true;
+}
+
+bool CutCommands::AskToWrite(const Entries& plan) {
+    const QStringList files = FileLines(plan);
+    const FileListDialog::Texts texts{tr("Save cuts"),
+                                      tr("Save cuts into %1?").arg(FileCount(static_cast<std::size_t>(files.size()))),
+                                      files, SaveNote()};
+    FileListDialog dialog(texts, QDialogButtonBox::Save | QDialogButtonBox::Cancel, QDialogButtonBox::Save, m_pWindow);
+    return dialog.Ask() == QDialogButtonBox::Save && m_pViewer != nullptr;  // it may be lost meanwhile
+}
+
+bool CutCommands::Write() {
+    if (m_pViewer == nullptr) return false;
+    const Entries plan = Plan();
+    QString failure;
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    try {
+        (void)m_pViewer->Methods().SaveCuttingToPcms();
+    } catch (...) {  // no exception may pass through Qt
+        failure = QString::fromStdString(TextOfCaughtError());
+    }
+    QGuiApplication::restoreOverrideCursor();
+    Entries results = m_pViewer->GetCutSaveResults();
+    NameFiles(results);
+    const bool good = ReportSave(plan, results) && failure.isEmpty();
+    if (!failure.isEmpty()) emit Report(tr("The cuts were not saved: %1").arg(failure));
+    return good;
+}
+
+bool CutCommands::ReportSave(const Entries& plan, const Entries& results) {
+    const std::vector<CutObject> objects = Objects(plan);
+    QStringList lines;
+    std::size_t written = 0, skipped = 0, failed = 0;
+    for (std::size_t i = 0; i < results.size() && i < objects.size(); ++i) {
+        const CutSaveEntry& result = results[i];
+        if (result.outcome == KV_ScenePane::CutNothingToSave) continue;
+        lines << QString::fromStdString(CutSaveLine(result));
+        if (HasFailed(result)) {
+            ++failed;
+            if (objects[i].cuts > 0) m_ledger.OnSaveFailed(objects[i]);
+        } else if (result.outcome == KV_ScenePane::CutWritten) {
+            ++written;
+            m_vWrittenIds.push_back(objects[i].id);
+        } else {
+            ++skipped;
+        }
+    }
+    m_nSavedSteps = UndoSteps();
+    emit Changed();
+    // Objects are counted: two of them may be from one file.
+    QString summary = tr("Cuts saved: %1 written").arg(written);
+    if (skipped > 0) summary += tr(", %1 skipped").arg(skipped);
+    if (failed > 0) summary += tr(", %1 failed").arg(failed);
+    emit Report(lines.join('\n') + '\n' + summary);
+    if (skipped + failed == 0) return true;
+    const QString note =
+        failed > 0 ? tr("The viewer keeps no cuts of a file that failed: undo these cuts and draw them again.") : "";
+    (void)FileListDialog({tr("Save cuts"), summary + ':', lines, note}, QDialogButtonBox::Close,
+                         QDialogButtonBox::Close, m_pWindow)
+        .Ask();
+    return failed == 0;
+}

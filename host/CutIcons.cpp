@@ -1,0 +1,135 @@
+// All icons are drawn on a square of 24 x 24 units, at two sizes for screens of two densities.
+#include "CutIcons.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+#include <functional>
+
+namespace {
+
+constexpr double kSide = 24.0;
+const QColor kSheet(0xC8, 0xCC, 0xD2), kEdge(0x50, 0x56, 0x60), kRemoved(0xF0, 0x90, 0x88), kCross(0xB0, 0x10, 0x10),
+    kLine(0x00, 0x60, 0x90);
+
+QIcon DrawIcon(const std::function<void(QPainter&)>& draw) {
+    QIcon icon;
+    for (const int pixels : {24, 48}) {
+        QPixmap picture(pixels, pixels);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(pixels / kSide, pixels / kSide);
+        draw(painter);
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
+}
+
+bool IsFreehand(KV_ScenePane::SegmentationMode way) { return way >= KV_ScenePane::FreehandOutside; }
+
+bool IsOneOf(KV_ScenePane::SegmentationMode way, KV_ScenePane::SegmentationMode a, KV_ScenePane::SegmentationMode b) {
+    return way == a || way == b;
+}
+
+/// Corners with straight lines, or a line without corners.
+QPainterPath Lasso(bool isFreehand) {
+    QPainterPath path(QPointF(5.5, 10));
+    if (isFreehand) {
+        path.cubicTo(5, 4, 12, 7, 14, 5.5);
+        path.cubicTo(20, 3.5, 19, 11, 17, 13);
+        path.cubicTo(15, 19, 10, 15.5, 8, 16.5);
+        path.cubicTo(5, 17, 6.5, 13, 5.5, 10);
+    } else {
+        for (const QPointF corner : {QPointF(12, 5), QPointF(18.5, 8.5), QPointF(15.5, 16), QPointF(8, 16.5)})
+            path.lineTo(corner);
+    }
+    path.closeSubpath();
+    return path;
+}
+
+/// Red with lines across.
+void FillRemoved(QPainter& painter, const QPainterPath& area) {
+    painter.save();
+    painter.setClipPath(area);
+    painter.fillRect(QRectF(0, 0, kSide, kSide), kRemoved);
+    painter.setPen(QPen(kCross, 0.9));
+    for (double x = -kSide; x < kSide; x += 3.5) painter.drawLine(QPointF(x, kSide), QPointF(x + kSide, 0));
+    painter.restore();
+}
+
+void DrawSheet(QPainter& painter, const QRectF& place) {
+    painter.setPen(QPen(kEdge, 1));
+    painter.setBrush(kSheet);
+    painter.drawRect(place);
+}
+
+void DrawWay(QPainter& painter, KV_ScenePane::SegmentationMode way) {
+    using namespace KV_ScenePane;
+    const QRectF sheet(1.5, 2.5, 21, 17);
+    const QPainterPath lasso = Lasso(IsFreehand(way));
+    if (IsOneOf(way, PolygonVisible, FreehandVisible)) {
+        // The front sheet has a hole, in which the one behind it shows.
+        DrawSheet(painter, sheet.adjusted(0, 0, -2.5, -2));
+        DrawSheet(painter, QRectF(4, 18, 18.5, 4));
+        painter.fillPath(lasso, QColor(0x88, 0x90, 0x9A));
+        painter.save();
+        painter.setClipPath(lasso);
+        FillRemoved(painter, lasso.translated(-3.5, -3.5).intersected(lasso));
+        painter.restore();
+    } else if (IsOneOf(way, PolygonInside, FreehandInside)) {
+        DrawSheet(painter, sheet);
+        FillRemoved(painter, lasso);
+    } else {
+        QPainterPath outside;
+        outside.addRect(sheet);
+        FillRemoved(painter, outside);
+        painter.setBrush(kSheet);
+        painter.setPen(Qt::NoPen);
+        painter.drawPath(lasso);
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(kLine, 1.6));
+    painter.drawPath(lasso);
+    if (IsFreehand(way)) return;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kLine);
+    for (int i = 0; i + 1 < lasso.elementCount(); ++i) painter.drawEllipse(QPointF(lasso.elementAt(i)), 1.7, 1.7);
+}
+
+}  // namespace
+
+QIcon CutWayIcon(KV_ScenePane::SegmentationMode way) {
+    return DrawIcon([way](QPainter& painter) { DrawWay(painter, way); });
+}
+
+QIcon CutCancelIcon() {
+    return DrawIcon([](QPainter& painter) {
+        painter.setPen(QPen(kCross, 3, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(6, 6), QPointF(18, 18));
+        painter.drawLine(QPointF(18, 6), QPointF(6, 18));
+    });
+}
+
+QIcon CutUndoIcon() {
+    return DrawIcon([](QPainter& painter) {
+        painter.setPen(QPen(kLine, 2.5, Qt::SolidLine, Qt::FlatCap));
+        painter.drawArc(QRectF(6, 7, 13, 12), -80 * 16, 260 * 16);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(kLine);
+        painter.drawPolygon(QPolygonF({QPointF(2, 12.5), QPointF(10, 12.5), QPointF(6, 18)}));
+    });
+}
+
+QIcon CutSaveIcon() {
+    return DrawIcon([](QPainter& painter) {
+        DrawSheet(painter, QRectF(3.5, 3.5, 17, 17));
+        painter.setBrush(kEdge);
+        painter.drawRect(QRectF(7, 3.5, 10, 5.5));
+        painter.setBrush(Qt::white);
+        painter.drawRect(QRectF(6.5, 12, 11, 8.5));
+        painter.setPen(QPen(kCross, 1.4, Qt::DashLine));
+        painter.drawLine(QPointF(6.5, 20), QPointF(17.5, 12.5));
+    });
+}
