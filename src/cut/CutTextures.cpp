@@ -13,16 +13,6 @@ namespace {
 
 using Pixels = std::vector<std::uint8_t>;  ///< bytes r, g, b, a
 
-/// A window that changed its size since the last frame: its camera follows now, so that the silhouette has the shape
-/// that the next frame shows.
-void AdoptWindowSize(CKV_ScenePaneCtrl& control) {
-    const WindowSize size = control.m_pWindow->ClientSize();
-    if (size.width == control.m_nWidth && size.height == control.m_nHeight) return;
-    control.m_nWidth = size.width;
-    control.m_nHeight = size.height;
-    control.UpdateViewport();
-}
-
 void DrawSilhouette(CKV_ScenePaneCtrl& control) {
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -94,7 +84,8 @@ std::unique_ptr<CutMaskTextures> CKV_ScenePaneCtrl::CreateCutMaskTextures() {
     const WaitCursor waitCursor(*m_pWindow);
     const std::lock_guard lock(*g_drawLock);
     if (!MakeContextCurrent()) return nullptr;
-    AdoptWindowSize(*this);
+    // So that the silhouette has the shape that the next frame shows. What the last one has left is of the old size.
+    if (StoreWindowSize()) m_bObjectDepths = false;
     if (!FitsIntoATexture(*this)) return nullptr;
     const Pixels silhouette = ReadSilhouette(*this);
     const Pixels zeros(silhouette.size());
