@@ -42,6 +42,8 @@ public:
     std::vector<std::byte> m_vBytes;
 };
 
+constexpr std::size_t kPointSize = 3 * sizeof(float);
+
 /// The values of one section, one per pixel.
 struct Channel {
     std::uint32_t id;
@@ -50,10 +52,26 @@ struct Channel {
     std::size_t valueSize;
 
     [[nodiscard]] const std::byte* At(std::uint64_t pixel) const { return values + pixel * valueSize; }
-    [[nodiscard]] bool Same(std::uint64_t a, std::uint64_t b) const {
-        return std::memcmp(At(a), At(b), valueSize) == 0;
-    }
 };
+
+/// The values of a channel whose size the compiler knows: a comparison or a copy is then two or three instructions.
+template <std::size_t kSize>
+struct SizedChannel {
+    const std::byte* values;
+
+    [[nodiscard]] const std::byte* At(std::uint64_t pixel) const { return values + pixel * kSize; }
+    [[nodiscard]] bool Same(std::uint64_t a, std::uint64_t b) const { return std::memcmp(At(a), At(b), kSize) == 0; }
+};
+
+using PointChannel = SizedChannel<kPointSize>;
+
+/// Calls a function with the SizedChannel of a channel.
+template <class Function>
+auto WithSize(const Channel& channel, const Function& function) {
+    if (channel.valueSize == kPointSize) return function(SizedChannel<kPointSize>{channel.values});
+    if (channel.valueSize == sizeof(float)) return function(SizedChannel<sizeof(float)>{channel.values});
+    return function(SizedChannel<sizeof(std::uint8_t)>{channel.values});
+}
 
 /// The pixels that do not have the point of the holes; the words are empty when that point is too rare to save space.
 struct Holes {
@@ -61,15 +79,21 @@ struct Holes {
     std::uint64_t covered = 0;         ///< number of bits that are set
     std::uint64_t firstHole = 0;       ///< a pixel with the point of the holes
 
-    /// Whether the pixel keeps its own value.
-    [[nodiscard]] bool Covers(std::uint64_t pixel) const { return (words[pixel / 64] >> (pixel % 64)) & 1; }
+    struct PixelRange {
+        std::uint64_t first, count;  ///< bit i of the word is pixel first + i; 64, or fewer in the last word
+    };
+    /// @param word    index into words
+    /// @param pixels  of the grid
+    [[nodiscard]] static PixelRange PixelsOf(std::size_t word, std::uint64_t pixels) {
+        const std::uint64_t first = word * 64;
+        return {first, std::min<std::uint64_t>(64, pixels - first)};
+    }
 };
 
 /// @return a pixel with the point of the holes: the majority among the pixels that are equal to their left neighbour,
-/// by
-///         the vote of Boyer and Moore. Measured neighbours are never equal to the bit, so that these are holes in
+///         by the vote of Boyer and Moore. Measured neighbours are never equal to the bit, so that these are holes in
 ///         practice; a wrong result costs space, never a value
-std::uint64_t VoteForHole(const Channel& points, std::uint64_t pixels) {
+std::uint64_t VoteForHole(const PointChannel& points, std::uint64_t pixels) {
     std::uint64_t candidate = 0, votes = 0;
     for (std::uint64_t i = 1; i < pixels; ++i) {
         if (!points.Same(i, i - 1)) continue;
@@ -80,33 +104,49 @@ std::uint64_t VoteForHole(const Channel& points, std::uint64_t pixels) {
 }
 
 /// Marks the pixels that do not have the point of the holes.
-Holes FindHoles(const Channel& points, std::uint64_t pixels) {
+Holes FindHoles(const PointChannel& points, std::uint64_t pixels) {
     Holes holes;
     const std::uint64_t hole = VoteForHole(points, pixels);
     holes.words.resize((pixels + 63) / 64);
     holes.firstHole = pixels;
-    for (std::uint64_t i = 0; i < pixels; ++i) {
-        if (points.Same(i, hole)) {
-            holes.firstHole = std::min(holes.firstHole, i);
-        } else {
-            holes.words[i / 64] |= std::uint64_t{1} << (i % 64);
-            ++holes.covered;
-        }
+    for (std::size_t word = 0; word < holes.words.size(); ++word) {
+        const auto [first, count] = Holes::PixelsOf(word, pixels);
+        std::uint64_t bits = 0;
+        for (std::uint64_t i = 0; i < count; ++i) bits |= std::uint64_t{!points.Same(first + i, hole)} << i;
+        holes.words[word] = bits;
+        const auto covered = static_cast<unsigned>(std::popcount(bits));
+        holes.covered += covered;
+        if (covered < count && holes.firstHole == pixels)
+            holes.firstHole = first + static_cast<unsigned>(std::countr_one(bits));
     }
-    const std::uint64_t saved = (pixels - holes.covered - 1) * points.valueSize;
+    const std::uint64_t saved = (pixels - holes.covered - 1) * kPointSize;
     // The coverage itself costs a table entry and one bit per pixel.
     if (saved <= FileStorage::kEntrySize + (pixels + 7) / 8) holes.words.clear();
     return holes;
 }
 
+/// Whether all pixels that are not covered have the value of the first of them. The points have it: they define the
+/// holes.
+template <class Sized>
+bool HaveHolesOneValue(const Sized& channel, std::uint64_t pixels, const Holes& holes) {
+    for (std::size_t word = 0; word < holes.words.size(); ++word) {
+        const auto [first, count] = Holes::PixelsOf(word, pixels);
+        const std::uint64_t bits = holes.words[word];
+        for (std::uint64_t i = static_cast<unsigned>(std::countr_one(bits)); i < count; ++i)
+            if (((bits >> i) & 1) == 0 && !channel.Same(first + i, holes.firstHole)) return false;
+    }
+    return true;
+}
+
 /// The smallest encoding that can store the channel.
 Encoding ChooseEncoding(const Channel& channel, std::uint64_t pixels, const Holes& holes) {
-    bool constant = true, sparse = !holes.words.empty();
-    for (std::uint64_t i = 0; i < pixels && (constant || sparse); ++i) {
-        constant = constant && channel.Same(i, 0);
-        sparse = sparse && (holes.Covers(i) || channel.Same(i, holes.firstHole));
-    }
-    return constant ? kConstant : sparse ? kSparse : kDense;
+    return WithSize(channel, [&](const auto& sized) {
+        std::uint64_t equal = 1;
+        while (equal < pixels && sized.Same(equal, 0)) ++equal;
+        if (equal == pixels) return kConstant;
+        if (holes.words.empty()) return kDense;
+        return channel.id == kPoints || HaveHolesOneValue(sized, pixels, holes) ? kSparse : kDense;
+    });
 }
 
 /// Writes one section in pieces, and counts what its table entry needs: size and checksum.
@@ -133,18 +173,54 @@ private:
     FileStorage::RunningChecksum m_checksum;
 };
 
-/// Writes the values of the covered pixels in order.
-void AddCoveredValues(SectionWriter& writer, const Channel& channel, std::uint64_t pixels, const Holes& holes) {
-    std::vector<std::byte> block;
-    block.reserve(kBlockSize);
-    for (std::uint64_t i = 0; i < pixels; ++i) {
-        if (!holes.Covers(i)) continue;
-        block.insert(block.end(), channel.At(i), channel.At(i) + channel.valueSize);
-        if (block.size() + channel.valueSize <= kBlockSize) continue;
-        writer.Add(block.data(), block.size());
-        block.clear();
+/// Collects values and writes them in full blocks.
+class BlockWriter {
+public:
+    explicit BlockWriter(SectionWriter& writer) : m_writer(writer) {}
+    void Add(const std::byte* values, std::size_t size) {
+        while (size > 0) {
+            const std::size_t part = std::min(size, kBlockSize - m_uUsed);
+            std::memcpy(&m_vBlock[m_uUsed], values, part);
+            m_uUsed += part;
+            values += part;
+            size -= part;
+            if (m_uUsed == kBlockSize) Flush();
+        }
     }
-    writer.Add(block.data(), block.size());
+    void Flush() {
+        m_writer.Add(m_vBlock.data(), m_uUsed);
+        m_uUsed = 0;
+    }
+
+private:
+    SectionWriter& m_writer;
+    std::vector<std::byte> m_vBlock = std::vector<std::byte>(kBlockSize);
+    std::size_t m_uUsed = 0;
+};
+
+/// Writes the values of the covered pixels in order, run by run.
+void AddCoveredValues(SectionWriter& writer, const Channel& channel, const Holes& holes) {
+    BlockWriter block(writer);
+    std::uint64_t runBegin = 0, runEnd = 0;  // a run goes on across words
+    const auto addRun = [&] { block.Add(channel.At(runBegin), (runEnd - runBegin) * channel.valueSize); };
+    for (std::size_t word = 0; word < holes.words.size(); ++word) {
+        std::uint64_t at = word * 64, bits = holes.words[word];
+        while (bits != 0) {
+            const auto gap = static_cast<unsigned>(std::countr_zero(bits));
+            bits >>= gap;
+            at += gap;
+            const auto length = static_cast<unsigned>(std::countr_one(bits));
+            if (at != runEnd) {
+                addRun();
+                runBegin = at;
+            }
+            at += length;
+            runEnd = at;
+            bits = length == 64 ? 0 : bits >> length;
+        }
+    }
+    addRun();
+    block.Flush();
 }
 
 /// Writes one section. @return its table entry
@@ -157,7 +233,7 @@ SectionEntry WriteChannel(Sink& sink, std::uint64_t offset, const Channel& chann
         writer.Add(channel.values, channel.valueSize);
     } else {
         writer.Add(channel.At(holes.firstHole), channel.valueSize);
-        AddCoveredValues(writer, channel, pixels, holes);
+        AddCoveredValues(writer, channel, holes);
     }
     return writer.Finish(channel.id, encoding, channel.flags);
 }
@@ -203,7 +279,7 @@ struct Plan {
 /// Finds the holes and chooses the encodings.
 Plan MakePlan(const std::vector<Channel>& channels, std::uint64_t pixels) {
     Plan plan;
-    plan.holes = FindHoles(channels.front(), pixels);
+    plan.holes = FindHoles(PointChannel{channels.front().values}, pixels);
     std::uint64_t size = 0;
     for (const Channel& channel : channels) {
         const Encoding encoding = ChooseEncoding(channel, pixels, plan.holes);
