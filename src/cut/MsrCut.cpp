@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
+#include <memory>
 #include <utility>
 
 #include "KV_ScenePane/CutMask.h"
@@ -26,18 +26,99 @@ void RemoveBelowPlane(std::vector<Vertex>& vertices, const CutPlane& plane) {
         if (!IsRemoved(vertex) && a * vertex.x + b * vertex.y + c * vertex.z + d < 0) vertex.gridIndex = kRemoved;
 }
 
-/// Gives kCutClass to every valid pixel without a vertex.
-void ReclassifyPixels(std::uint8_t* classes, const MeasurementData& data, const std::vector<Vertex>& vertices) {
-    const std::size_t pixels = data.m_vMask.size();
-    const std::vector<std::uint8_t> before(classes, classes + pixels);
-    for (std::size_t i = 0; i < pixels; ++i)
+/// The vertices of some rows of a measurement, of which the first is row @p firstRow of the whole one.
+void AppendVertices(const MeasurementData& rows, std::uint32_t firstRow, std::vector<Vertex>& vertices) {
+    const std::array<float, 16>& m = rows.m_fTrafo;
+    const float* p = rows.Points();
+    const std::uint16_t* mask = rows.m_vMask.data();
+    const auto width = static_cast<std::uint32_t>(rows.m_iWidth), height = static_cast<std::uint32_t>(rows.m_iHeight);
+    vertices.reserve(vertices.size() + rows.m_vMask.size() - static_cast<std::size_t>(rows.m_iMasked));
+    for (std::uint32_t y = 0; y < height; ++y) {
+        for (std::uint32_t x = 0; x < width; ++x, ++mask, p += 3) {
+            if (*mask != 0) continue;
+            // The order of the sums is that of the import (TransformRow()).
+            vertices.push_back({.x = p[0] * m[0] + p[1] * m[1] + p[2] * m[2] + m[3],
+                                .y = p[0] * m[4] + p[1] * m[5] + p[2] * m[6] + m[7],
+                                .z = p[0] * m[8] + p[1] * m[9] + p[2] * m[10] + m[11],
+                                .gridIndex = ((firstRow + y) << 16) | x});
+        }
+    }
+}
+
+using MaskList = std::vector<std::shared_ptr<const ACAD::CutMask>>;
+
+/// What removes pixels of a measurement.
+struct PixelRemoval {
+    float confidenceLimit;
+    const std::optional<CutPlane>& plane;
+    const MaskList& masks;
+};
+
+/// Rows of a measurement from first to before last.
+struct RowRange {
+    std::size_t first, last;
+};
+
+/// Gives kCutClass to the valid pixels of some rows that are removed.
+/// @param vertices  memory that is used again for the next rows
+void ReclassifyRows(const MeasurementArrays& grid, const RowRange& rows, const PixelRemoval& removal,
+                    std::uint8_t* classes, std::vector<Vertex>& vertices) {
+    const auto width = static_cast<std::size_t>(grid.m_iWidth);
+    const std::size_t first = rows.first * width, pixels = (rows.last - rows.first) * width;
+    const MeasurementData data =
+        MakeMeasurementData({.m_iWidth = grid.m_iWidth,
+                             .m_iHeight = static_cast<std::int32_t>(rows.last - rows.first),
+                             .m_pPoints = grid.m_pPoints + 3 * first,
+                             .m_pConfidence = grid.m_pConfidence + first,
+                             .m_pClassification = grid.m_pClassification + first,
+                             .m_pTrafo = grid.m_pTrafo},
+                            {.m_eScale = GridScale::Thousandths, .m_fConfidenceLimit = removal.confidenceLimit});
+    vertices.clear();
+    AppendVertices(data, static_cast<std::uint32_t>(rows.first), vertices);
+    if (removal.plane) RemoveBelowPlane(vertices, *removal.plane);
+    for (const auto& mask : removal.masks) mask->InvalidateVertices(vertices);
+
+    // A pixel keeps its class only when it has a vertex that is left.
+    const std::vector<std::uint8_t> before(classes + first, classes + first + pixels);
+    for (std::size_t i = first; i < first + pixels; ++i)
         if (classes[i] < kFirstInvalidClass) classes[i] = kCutClass;
     for (const Vertex& vertex : vertices) {
         if (IsRemoved(vertex)) continue;
-        const std::size_t x = vertex.gridIndex & 0xFFFF, y = vertex.gridIndex >> 16;
-        const std::size_t pixel = y * static_cast<std::size_t>(data.m_iWidth) + x;
-        classes[pixel] = before[pixel];
+        const std::size_t pixel = (vertex.gridIndex >> 16) * width + (vertex.gridIndex & 0xFFFF);
+        classes[pixel] = before[pixel - first];
     }
+}
+
+/// Whether every point has a projection. Otherwise the result for a point depends on the one before it.
+bool ProjectsEveryPoint(const ACAD::CutMask& mask) {
+    const auto isConstant = [](const std::array<double, 16>& m) { return m[3] == 0 && m[7] == 0 && m[11] == 0; };
+    const float viewW = static_cast<float>(mask.m_dModelView[15]);
+    return isConstant(mask.m_dModelView) && isConstant(mask.m_dProjection) &&
+           static_cast<float>(mask.m_dProjection[15] * static_cast<double>(viewW)) != 0.0f;
+}
+
+/// In blocks of rows, so that the vertices of a block stay in the second-level cache; with the masks of other cameras
+/// than those of the viewer all rows at once.
+void ReclassifyPixels(MsrStorage::MSR& measurement, const PixelRemoval& removal) {
+    constexpr std::size_t kBlockPixels = 1 << 13;
+    const MeasurementArrays grid = ArraysOf(measurement);
+    const auto width = static_cast<std::size_t>(grid.m_iWidth), height = static_cast<std::size_t>(grid.m_iHeight);
+    const bool hasBlocks =
+        std::ranges::all_of(removal.masks, [](const auto& mask) { return ProjectsEveryPoint(*mask); });
+    const std::size_t step = hasBlocks ? std::max<std::size_t>(1, kBlockPixels / width) : height;
+    std::vector<Vertex> vertices;
+    for (std::size_t first = 0; first < height; first += step) {
+        const RowRange rows = {first, std::min(height, first + step)};
+        ReclassifyRows(grid, rows, removal, measurement.GetPixelClassification(), vertices);
+    }
+}
+
+/// Loads the file of an object. @return why it cannot be cut; empty when it can
+std::string LoadFile(const std::wstring& file, MsrStorage::MSR& measurement) {
+    if (std::string refusal = LoadMeasurement(file.c_str(), measurement); !refusal.empty()) return refusal;
+    const int width = measurement.GetWidth(), height = measurement.GetHeight();
+    if (width == 0 || height == 0) return "its grid has no pixel";
+    return GridRefusal(width, height, 1);
 }
 
 /// The reason of the failed save that this thread has just made.
@@ -49,36 +130,16 @@ std::string SaveReason() {
 }  // namespace
 
 std::vector<Vertex> BuildMeasurementVertices(const MeasurementData& measurement) {
-    const std::array<float, 16>& m = measurement.m_fTrafo;
-    const float* p = measurement.Points();
     std::vector<Vertex> vertices;
-    vertices.reserve(measurement.m_vMask.size() - static_cast<std::size_t>(measurement.m_iMasked));
-    std::size_t pixel = 0;
-    for (std::uint32_t y = 0; y < static_cast<std::uint32_t>(measurement.m_iHeight); ++y) {
-        for (std::uint32_t x = 0; x < static_cast<std::uint32_t>(measurement.m_iWidth); ++x, ++pixel, p += 3) {
-            if (measurement.m_vMask[pixel] != 0) continue;
-            // The order of the sums is that of the import (TransformRow()).
-            vertices.push_back({.x = p[0] * m[0] + p[1] * m[1] + p[2] * m[2] + m[3],
-                                .y = p[0] * m[4] + p[1] * m[5] + p[2] * m[6] + m[7],
-                                .z = p[0] * m[8] + p[1] * m[9] + p[2] * m[10] + m[11],
-                                .gridIndex = (y << 16) | x});
-        }
-    }
+    AppendVertices(measurement, 0, vertices);
     return vertices;
 }
 
 MsrCutResult WriteCutToMsr(const Mesh& mesh, float confidenceLimit, const std::optional<CutPlane>& plane) {
     MsrStorage::MSR measurement;
-    const MeasurementData data = LoadMeasurementFile(mesh.m_sName.c_str(), confidenceLimit, &measurement);
-    if (!data.m_sRefusal.empty() || data.m_vMask.empty()) {
-        const std::string refusal =
-            data.m_sRefusal.empty() ? GridRefusal(data.m_iWidth, data.m_iHeight, 1) : data.m_sRefusal;
-        return {KV_ScenePane::CutFileNotRead, refusal.empty() ? "its grid has no pixel" : refusal};
-    }
-    std::vector<Vertex> vertices = BuildMeasurementVertices(data);
-    if (plane) RemoveBelowPlane(vertices, *plane);
-    for (const auto& mask : mesh.m_vpCutMasks) mask->InvalidateVertices(vertices);
-    ReclassifyPixels(measurement.GetPixelClassification(), data, vertices);
+    if (std::string refusal = LoadFile(mesh.m_sName, measurement); !refusal.empty())
+        return {KV_ScenePane::CutFileNotRead, std::move(refusal)};
+    ReclassifyPixels(measurement, {confidenceLimit, plane, mesh.m_vpCutMasks});
     // The flags choose what libraries of other sites write; ours ignores them.
     if (!measurement.Save(mesh.m_sName.c_str(), true, true)) return {KV_ScenePane::CutFileNotWritten, SaveReason()};
     return {};

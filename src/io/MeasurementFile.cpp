@@ -27,18 +27,15 @@ void CopyColors(MeasurementData& data) {
     data.m_vColors.assign(colors, colors + pixels);
 }
 
+/// Whether there are all arrays that every measurement has: one that was never loaded has none.
+bool IsLoaded(const MeasurementArrays& arrays) {
+    return arrays.m_pPoints && arrays.m_pConfidence && arrays.m_pClassification && arrays.m_pTrafo;
+}
+
 /// The arrays of the library in scene units.
 MeasurementData ReadMeasurement(MsrStorage::MSR& msr, float confidenceLimit) {
-    const MeasurementArrays arrays = {.m_iWidth = msr.GetWidth(),
-                                      .m_iHeight = msr.GetHeight(),
-                                      .m_pPoints = msr.GetXYZ(),
-                                      .m_pConfidence = msr.GetConfidence(),
-                                      .m_pClassification = msr.GetPixelClassification(),
-                                      .m_pTrafo = msr.GetTrafo(),
-                                      .m_pColors = msr.GetColorData()};
-    // A measurement that was never loaded has no arrays.
-    if (!arrays.m_pPoints || !arrays.m_pConfidence || !arrays.m_pClassification || !arrays.m_pTrafo)
-        return Refused(kNoMeasurementReason);
+    const MeasurementArrays arrays = ArraysOf(msr);
+    if (!IsLoaded(arrays)) return Refused(kNoMeasurementReason);
     MeasurementData data =
         MakeMeasurementData(arrays, {.m_eScale = GridScale::Thousandths, .m_fConfidenceLimit = confidenceLimit});
     CopyColors(data);
@@ -47,10 +44,26 @@ MeasurementData ReadMeasurement(MsrStorage::MSR& msr, float confidenceLimit) {
 
 }  // namespace
 
+MeasurementArrays ArraysOf(MsrStorage::MSR& measurement) {
+    return {.m_iWidth = measurement.GetWidth(),
+            .m_iHeight = measurement.GetHeight(),
+            .m_pPoints = measurement.GetXYZ(),
+            .m_pConfidence = measurement.GetConfidence(),
+            .m_pClassification = measurement.GetPixelClassification(),
+            .m_pTrafo = measurement.GetTrafo(),
+            .m_pColors = measurement.GetColorData()};
+}
+
+std::string LoadMeasurement(const wchar_t* path, MsrStorage::MSR& measurement) {
+    // The three flags choose parts of the file in libraries of other sites; ours ignores them.
+    if (!measurement.Load(path, false, true, false)) return LastMeasurementReason();
+    return IsLoaded(ArraysOf(measurement)) ? "" : kNoMeasurementReason;
+}
+
 MeasurementData LoadMeasurementFile(const wchar_t* path, float confidenceLimit, MsrStorage::MSR* measurement) {
     std::optional<MsrStorage::MSR> local;
     MsrStorage::MSR& msr = measurement ? *measurement : local.emplace();
-    // The three flags choose parts of the file in libraries of other sites; ours ignores them.
-    if (path != nullptr && !msr.Load(path, false, true, false)) return Refused(LastMeasurementReason());
+    if (path != nullptr)
+        if (std::string refusal = LoadMeasurement(path, msr); !refusal.empty()) return Refused(std::move(refusal));
     return ReadMeasurement(msr, confidenceLimit);
 }

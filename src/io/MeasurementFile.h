@@ -1,10 +1,19 @@
 // Loads a pcm file through the measurement library, as a measurement in scene units.
 #pragma once
+#include <string>
+
 #include "io/MeasurementData.h"
 
 namespace MsrStorage {
 class MSR;
 }
+
+/// Loads a file into a measurement of the library.
+/// @return why it could not be read; empty when it was, and then it has all arrays that every measurement has
+[[nodiscard]] std::string LoadMeasurement(const wchar_t* path, MsrStorage::MSR& measurement);
+
+/// The arrays of a measurement, in the units of the file. They belong to the measurement.
+[[nodiscard]] MeasurementArrays ArraysOf(MsrStorage::MSR& measurement);
 
 /// Costs one pass over each array; the library's arrays and the result are in memory at the same time.
 /// @param path             file to load, or null: @p measurement is loaded already
