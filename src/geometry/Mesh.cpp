@@ -1,5 +1,5 @@
-// The triangle mesh: building, box, centre, transform, normals, clone. Its intersection with a line is in
-// MeshIntersect.cpp, its drawing in render/MeshDraw.cpp.
+// The triangle mesh: building, box, centre, transform, normals. Its clone is in MeshClone.cpp, its intersection with a
+// line in MeshIntersect.cpp, its drawing in render/MeshDraw.cpp.
 #include "geometry/Mesh.h"
 
 #include <algorithm>
@@ -191,52 +191,6 @@ void Mesh::GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz)
 void Mesh::ShrinkToFit() {
     m_vTriangles.shrink_to_fit();
     m_vVertices.shrink_to_fit();
-}
-
-std::shared_ptr<Mesh> Mesh::CloneWithoutVertices(std::span<const std::uint32_t> bits) const {
-    assert(bits.size() >= (m_vVertices.size() + 31) / 32);
-    // The triangles that stay: those without a removed corner.
-    const auto isRemoved = [bits](std::int32_t vertex) {
-        const auto i = static_cast<std::uint32_t>(vertex);
-        return ((bits[i / 32] >> (i % 32)) & 1) != 0;
-    };
-    std::vector<std::size_t> kept;
-    for (std::size_t i = 0; i < m_vTriangles.size(); ++i)
-        if (std::none_of(m_vTriangles[i].v, m_vTriangles[i].v + 3, isRemoved)) kept.push_back(i);
-
-    auto clone = std::make_shared<Mesh>(m_sName, m_bHasVertexColors);
-    clone->m_bGrayColors = m_bGrayColors;
-    // Their vertices, renumbered in order of first use. A closed surface has about half as many vertices as triangles.
-    clone->m_vVertices.reserve(static_cast<std::size_t>(0.6 * static_cast<double>(kept.size())));
-    clone->m_vTriangles.reserve(kept.size());
-    std::vector<std::int32_t> newIndex(m_vVertices.size(), -1);
-    for (const std::size_t i : kept) {
-        Triangle& triangle = clone->m_vTriangles.emplace_back(m_vTriangles[i]);
-        for (std::int32_t& vertex : triangle.v) {
-            std::int32_t& mapped = newIndex[static_cast<std::size_t>(vertex)];
-            if (mapped < 0) {
-                mapped = static_cast<std::int32_t>(clone->m_vVertices.size());
-                clone->m_vVertices.push_back(m_vVertices[static_cast<std::size_t>(vertex)]);
-            }
-            vertex = mapped;
-        }
-    }
-    // Everything else as it is here; the texture is shared.
-    if (!m_vTexCoords.empty()) {
-        clone->m_vTexCoords.reserve(3 * kept.size());
-        for (const std::size_t i : kept)
-            clone->m_vTexCoords.insert(clone->m_vTexCoords.end(), &m_vTexCoords[3 * i], &m_vTexCoords[3 * i] + 3);
-    }
-    if (!kept.empty()) {
-        clone->m_vVertices.shrink_to_fit();
-        clone->ComputeBoundingBox();
-    }
-    clone->m_Trafo = m_Trafo;
-    clone->m_optImportTrafo = m_optImportTrafo;
-    clone->m_bBuffersDirty = true;
-    clone->SetColorRef(GetColorRef());
-    clone->m_pTexture = m_pTexture;
-    return clone;
 }
 
 void Mesh::SetBlendColors(bool blend) {

@@ -1,0 +1,177 @@
+// Tasks on several threads: each runs once, on no more threads than the machine has cores.
+#include "base/ParallelTasks.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// The threads that tasks ran on.
+class ThreadList {
+public:
+    void Add() {
+        const std::lock_guard lock(m_mutex);
+        m_ids.insert(std::this_thread::get_id());
+    }
+    [[nodiscard]] std::size_t Count() const { return m_ids.size(); }
+    [[nodiscard]] bool HasThis() const { return m_ids.contains(std::this_thread::get_id()); }
+
+private:
+    std::mutex m_mutex;
+    std::set<std::thread::id> m_ids;
+};
+
+std::size_t Cores() { return std::max(1u, std::thread::hardware_concurrency()); }
+
+/// Threads of this process.
+std::ptrdiff_t ThreadsNow() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
+}
+
+/// While it exists the system cannot make a thread: no address space has room for its stack.
+class NoFurtherThreads {
+public:
+    NoFurtherThreads() {
+        pthread_getattr_default_np(&m_before);
+        pthread_attr_t huge;
+        pthread_getattr_default_np(&huge);
+        pthread_attr_setstacksize(&huge, std::size_t{1} << 47);
+        pthread_setattr_default_np(&huge);
+        pthread_attr_destroy(&huge);
+    }
+    ~NoFurtherThreads() {
+        pthread_setattr_default_np(&m_before);
+        pthread_attr_destroy(&m_before);
+    }
+    NoFurtherThreads(const NoFurtherThreads&) = delete;
+    NoFurtherThreads& operator=(const NoFurtherThreads&) = delete;
+
+private:
+    pthread_attr_t m_before{};
+};
+
+TEST(RunParallelTasks, RunsEachTaskOnce) {
+    for (const std::size_t count : {0, 1, 2, 3, 100, 10000}) {
+        std::vector<std::atomic<int>> runs(count);
+        const auto exceptions = RunParallelTasks(count, [&](std::size_t i) { ++runs[i]; });
+        EXPECT_EQ(exceptions.size(), count);
+        EXPECT_TRUE(std::all_of(exceptions.begin(), exceptions.end(), [](const auto& one) { return one == nullptr; }));
+        EXPECT_TRUE(std::all_of(runs.begin(), runs.end(), [](const auto& run) { return run == 1; })) << count;
+    }
+}
+
+TEST(RunParallelTasks, HasEndedAllTasksAndThreadsWhenItReturns) {
+    const auto before = ThreadsNow();
+    std::atomic<int> ended = 0;
+    (void)RunParallelTasks(50, [&](std::size_t) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ++ended;
+    });
+    EXPECT_EQ(ended, 50);
+    EXPECT_EQ(ThreadsNow(), before);
+}
+
+TEST(RunParallelTasks, WorksOnAsManyThreadsAsTheMachineHasCores) {
+    // Each task waits until all threads are at work: with a thread less this would not end.
+    std::atomic<std::size_t> atWork = 0;
+    ThreadList threads;
+    (void)RunParallelTasks(1000, [&](std::size_t i) {
+        threads.Add();
+        if (i >= Cores()) return;
+        ++atWork;
+        while (atWork < Cores()) std::this_thread::yield();
+    });
+    EXPECT_EQ(threads.Count(), Cores());
+    EXPECT_TRUE(threads.HasThis()) << "the thread that waits works, too";
+}
+
+TEST(RunParallelTasks, RunsOneTaskAtATimePerThread) {
+    std::mutex mutex;
+    std::map<std::thread::id, int> running;
+    int most = 0;
+    (void)RunParallelTasks(500, [&](std::size_t) {
+        {
+            const std::lock_guard lock(mutex);
+            most = std::max(most, ++running[std::this_thread::get_id()]);
+        }
+        std::this_thread::yield();
+        const std::lock_guard lock(mutex);
+        --running[std::this_thread::get_id()];
+    });
+    EXPECT_EQ(most, 1);
+}
+
+TEST(RunParallelTasks, MakesNoThreadForOneTask) {
+    const auto before = ThreadsNow();
+    ThreadList threads;
+    std::ptrdiff_t during = 0;
+    (void)RunParallelTasks(1, [&](std::size_t) {
+        threads.Add();
+        during = ThreadsNow();
+    });
+    EXPECT_EQ(threads.Count(), 1u);
+    EXPECT_TRUE(threads.HasThis());
+    EXPECT_EQ(during, before);
+}
+
+TEST(RunParallelTasks, StartsTasksInTheirOrder) {
+    std::mutex mutex;
+    std::map<std::thread::id, std::vector<std::size_t>> tasks;
+    (void)RunParallelTasks(1000, [&](std::size_t i) {
+        const std::lock_guard lock(mutex);
+        tasks[std::this_thread::get_id()].push_back(i);
+    });
+    for (const auto& [thread, indices] : tasks) EXPECT_TRUE(std::is_sorted(indices.begin(), indices.end()));
+}
+
+TEST(RunParallelTasks, ReturnsTheExceptionOfEachTaskAndRunsTheOthers) {
+    std::atomic<int> ended = 0;
+    const auto exceptions = RunParallelTasks(100, [&](std::size_t i) {
+        if (i % 10 == 3) throw std::runtime_error(std::to_string(i));
+        if (i == 50) throw 50;  // NOLINT(hicpp-exception-baseclass): anything may be thrown
+        ++ended;
+    });
+    EXPECT_EQ(ended, 89);
+    for (std::size_t i = 0; i < exceptions.size(); ++i) {
+        if (i % 10 == 3) {
+            ASSERT_NE(exceptions[i], nullptr);
+            try {
+                std::rethrow_exception(exceptions[i]);
+            } catch (const std::runtime_error& error) {
+                EXPECT_EQ(error.what(), std::to_string(i));
+            }
+        } else {
+            EXPECT_EQ(exceptions[i] != nullptr, i == 50) << i;
+        }
+    }
+}
+
+TEST(RunParallelTasks, DoesAllWorkOnTheCallingThreadWhenTheSystemRefusesAnother) {
+    ThreadList threads;
+    std::atomic<int> ended = 0;
+    {
+        const NoFurtherThreads refuse;
+        EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+        (void)RunParallelTasks(100, [&](std::size_t) {
+            threads.Add();
+            ++ended;
+        });
+    }
+    EXPECT_EQ(ended, 100);
+    EXPECT_EQ(threads.Count(), 1u);
+    EXPECT_TRUE(threads.HasThis());
+}
+
+}  // namespace
