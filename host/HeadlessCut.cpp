@@ -11,6 +11,7 @@
 #include "FileExport.h"
 #include "Headless.h"
 #include "HeadlessScene.h"
+#include "KV_ScenePane/PathText.h"
 #include "RegistryStart.h"
 
 namespace {
@@ -67,9 +68,14 @@ std::vector<CutSaveEntry> SaveCuts(ScenePane& pane, const HostOptions& options, 
 }
 
 /// One line per file, the ones that were not imported last.
-std::string SaveText(const std::vector<CutSaveEntry>& entries, const std::string& refusal, const SceneReport& report) {
+std::string SaveText(std::vector<CutSaveEntry> entries, const std::string& refusal, const SceneReport& report) {
     std::string text;
-    for (const CutSaveEntry& entry : entries) text += CutSaveLine(entry, refusal) + '\n';
+    for (CutSaveEntry& entry : entries) {
+        // The viewer has no name of a mesh.
+        const auto object = std::ranges::lower_bound(report.objects, entry.object, {}, &ObjectReport::index);
+        if (entry.file.empty() && object != report.objects.end()) entry.file = KV_ScenePane::WidePath(object->file);
+        text += CutSaveLine(entry, refusal) + '\n';
+    }
     for (const FailedFile& failed : report.failed)
         text += failed.file + ": failed, not imported: " + failed.reason + '\n';
     return text;

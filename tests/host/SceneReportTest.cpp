@@ -86,6 +86,32 @@ TEST(SceneReportText, EndsWithThePlane) {
               "  normal         0 0 1\n");
 }
 
+TEST(SceneReportJson, HasTheLassosInTheirOrderAfterThePlane) {
+    SceneReport report;
+    report.cuts = {{KV_ScenePane::PolygonInside, true}};
+    EXPECT_EQ(ReportJson(report),
+              "{\"objects\": [],\n\"failed\": [],\n\"cuts\":[{\"mode\":\"inside\",\"changed\":true}]}\n");
+    report = WithPlane(false, -20, KV_ScenePane::HeightNotDecided);
+    report.cuts = {{KV_ScenePane::FreehandVisible, false}, {KV_ScenePane::PolygonOutside, true}};
+    EXPECT_EQ(
+        ReportJson(report),
+        "{\"objects\": [],\n\"failed\": [],\n"
+        "\"clip\":{\"found\":false,\"height\":-20,\"center\":[0.5,-0.1,-20],\"normal\":[0,0,1]},\n"
+        "\"cuts\":[{\"mode\":\"freehand-visible\",\"changed\":false},{\"mode\":\"outside\",\"changed\":true}]}\n");
+}
+
+TEST(SceneReportText, EndsWithTheLassos) {
+    SceneReport report;
+    report.failed = {{"b.pax", "cut short"}};
+    report.cuts = {{KV_ScenePane::FreehandOutside, false}, {KV_ScenePane::PolygonVisible, true}};
+    EXPECT_EQ(ReportText(report),
+              "b.pax\n"
+              "  nothing added: cut short\n"
+              "cuts\n"
+              "  freehand-outside changed nothing\n"
+              "  visible          changed an object\n");
+}
+
 TEST(SceneReportJson, WritesNanAndInfinityAsNull) {
     ObjectReport object = Sample();
     constexpr float inf = std::numeric_limits<float>::infinity();

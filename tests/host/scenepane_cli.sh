@@ -165,6 +165,47 @@ expect 2 'scenepane: --clip goes with --screenshot, --save-cuts and --cut only (
 expect 2 'scenepane: --clip-auto goes with --screenshot, --info, --save-cuts and --cut only (see scenepane --help)' --clip-auto steps.ply
 expect 2 'scenepane: --clip and --clip-auto do not go together (see scenepane --help)' \
     --screenshot a.png --clip 0,0,1,0,0,1 --clip-auto steps.ply
+# Lassos over the same picture: the rectangle at the height 3 is at 450,250 to 650,450, the one at 0 at 50,250 to 650,450.
+left='visible:0.05,0.05;0.5,0.05;0.5,0.95;0.05,0.95'
+right='inside:0.6,0.05;0.95,0.05;0.95,0.95;0.6,0.95'
+beside='freehand-inside:0.05,0.05;0.9,0.05;0.9,0.2'
+expect 0 '' --info --json --size 700x700 --cut "$left" steps.ply
+holds '"vertices": 4, "triangles": 2, "box": [4, 6, 0, 2, 2.99, 3.01]'
+holds '"cuts":[{"mode":"visible","changed":true}]'
+expect 0 '' --info --cut="$beside" --size 700x700 --view 4 steps.ply --cut "$right"
+[ "$(tail -n 3 out.txt)" = 'cuts
+  freehand-inside  changed nothing
+  inside           changed an object' ] || fail "the text does not end with the lassos:
+$(cat out.txt)"
+no_cut='scenepane: no lasso has changed an object'
+expect 1 "$no_cut" --info --json --size 700x700 --cut "$beside" steps.ply
+holds '"vertices": 8, '
+holds '"cuts":[{"mode":"freehand-inside","changed":false}]'
+expect 0 '' --screenshot cut.png --size 40x30 --cut "$left" steps.ply
+cmp -s whole.png cut.png && fail 'the lasso cut nothing'
+expect 1 "$no_cut" --screenshot uncut.png --size 40x30 --cut "$beside" steps.ply
+cmp -s whole.png uncut.png || fail 'a lasso beside the mesh changed the picture'
+for to in stl hps ply; do
+    expect 0 '' --export "part.$to" --size 700x700 --cut "$left" steps.ply
+    expect 0 '' --info --json "part.$to"
+    holds '"triangles": 2, "box": [4, 6, 0, 2, '
+done
+expect 1 "$no_cut
+scenepane: never.stl: not written, no lasso has changed an object" --export never.stl --cut "$beside" steps.ply
+[ -e never.stl ] && fail 'an export without a cut was written'
+expect 1 '' --save-cuts --size 700x700 --cut "$left" steps.ply
+[ "$(cat out.txt)" = 'steps.ply: skipped, only pcm files can hold cuts' ] || fail "wrong line: $(cat out.txt)"
+expect 2 'scenepane: --cut goes with --screenshot, --info, --save-cuts and --export only (see scenepane --help)' \
+    --cut "$left" steps.ply
+modes='MODE:X,Y;X,Y;... with the mode inside, outside, visible, freehand-inside, freehand-outside or freehand-visible'
+# What a shell leaves of an argument that is not quoted.
+expect 2 "scenepane: --cut takes $modes: a polygon needs at least two points (see scenepane --help)" \
+    --info steps.ply --cut inside:0.2,0.2
+expect 2 "scenepane: --cut takes $modes: point 2 is \"0.8\" and not X,Y, two finite numbers (see scenepane --help)" \
+    --info steps.ply --cut 'inside:0.2,0.2;0.8;0.2'
+expect 2 'scenepane: --save-cuts needs --cut, --clip or --clip-auto (see scenepane --help)' --save-cuts steps.ply
+expect 2 'scenepane: --export writes one object and needs one file to read (see scenepane --help)' \
+    --export a.stl --cut "$left" steps.ply mesh.ply
 for to in stl hps ply; do
     expect 0 '' --convert mesh.ply "out.$to"
     expect 0 '' --info --json "out.$to"
@@ -202,6 +243,8 @@ full --version --verbose
 full --info square.xdt
 full --info --json square.xdt
 full --info --clip-auto steps.ply
+full --info --size 700x700 --cut "$left" steps.ply
+full --save-cuts --size 700x700 --cut "$left" steps.ply
 full --pick 250,350 --size 700x700 steps.ply
 full --pick 250,350 --size 700x700 --json steps.ply
 "$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
