@@ -1,5 +1,6 @@
-// Shows a mesh made in memory on an off-screen viewer, reads a file of points and calls the measurement library; exit
-// status 0 when all is well.
+// Shows a mesh made in memory on an off-screen viewer, tests points against a cut mask, reads a file of points and
+// calls the measurement library; exit status 0 when all is well.
+#include <KV_ScenePane/CutMask.h>
 #include <KV_ScenePane/PointFiles.h>
 #include <KV_ScenePane/ScenePane.h>
 #include <MSRDLL/Msr.h>
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -49,6 +51,13 @@ int main() {
     KV_ScenePane::Picture picture;
     if (!pane->CapturePicture(&picture)) return Fail("no picture");
     if (picture.width != 200 || picture.height != 100) return Fail("the picture has another size");
+
+    ACAD::CutMask mask;
+    mask.m_nKind = ACAD::CutKindOutside;  // without a pixel: removes everything
+    std::uint32_t removed[1] = {0};
+    if (!mask.MarkVertices(square.m_vVertices, removed) || removed[0] != 0xF) return Fail("the mask removes others");
+    std::vector<KV_ScenePane::Vertex> points = square.m_vVertices;
+    if (!mask.InvalidateVertices(points) || points[3].gridIndex != 0xFFFFFFFF) return Fail("a point has its pixel");
 
     KV_ScenePane::PointCloud cloud;
     if (KV_ScenePane::ReadPointFile("/nowhere.xyz", &cloud, &reason, {})) return Fail("points that are not there");
