@@ -20,6 +20,17 @@ constexpr SessionKind kSessionKinds[] = {
 
 bool IsSegmentationMode(std::int32_t mode) { return mode >= 0 && mode < static_cast<int>(std::size(kSessionKinds)); }
 
+/// As an operator does by clicks. A message about colours that a session refuses runs code of the host.
+void DrawFreehandLasso(CKV_ScenePaneCtrl& control, std::span<const KV_ScenePane::LassoPoint> points) {
+    for (const KV_ScenePane::LassoPoint& point : points) {
+        const auto x = static_cast<float>(point.x), y = static_cast<float>(point.y);
+        if (control.m_pCutSession == nullptr)
+            control.StartCutSession(x, y);
+        else
+            control.AddCutSessionPoint(x, y);
+    }
+}
+
 bool HasSession(const CKV_ScenePaneCtrl& control) {
     return control.m_nInteractionMode == ModeLasso || control.m_nInteractionMode == ModeMaskLasso;
 }
@@ -75,13 +86,12 @@ bool CKV_ScenePaneCtrl::CutWithLasso(KV_ScenePane::SegmentationMode mode,
     if (m_nInteractionMode == ModeLasso) {
         m_vLassoPoints = std::move(corners);
     } else {
-        for (const LassoPoint& corner : corners) {
-            const auto x = static_cast<float>(corner.x), y = static_cast<float>(corner.y);
-            if (m_pCutSession == nullptr)
-                StartCutSession(x, y);
-            else
-                AddCutSessionPoint(x, y);
+        try {
+            DrawFreehandLasso(*this, corners);
+        } catch (...) {
+            EndSegmentation();
+            throw;
         }
     }
-    return FinishSegmentation(false);
+    return HasSession(*this) && FinishSegmentation(false);
 }
