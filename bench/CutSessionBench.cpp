@@ -2,7 +2,9 @@
 // box of this share of the window.
 //   Redraw          a moved rubber band until the driver has what to draw: CPU time without the driver. Pixel buffers
 //                   are plain memory and uploads do nothing
-//   RedrawDriver    the same with the driver, until it has drawn the lasso into the frame
+//   RedrawDiagonal  the same for a lasso across the window without area: its fill reaches all pixels
+//   RedrawUnchanged a frame in which the lasso is as before, with the driver
+//   RedrawDriver    a moved rubber band with the driver, until it has drawn the lasso into the frame
 //   Mask            the final raster
 //   Start           silhouette of an empty scene and textures
 #include <GL/glew.h>
@@ -109,6 +111,25 @@ void Redraw(benchmark::State& state) {
     }
 }
 BENCHMARK(Redraw)->ArgName("percent")->Arg(10)->Arg(25)->Arg(50)->Arg(100)->Unit(benchmark::kMillisecond);
+
+/// The most pixels that a fill can reach: a lasso without area across the window.
+void RedrawDiagonal(benchmark::State& state) {
+    const auto control = MakePane();
+    CutSession session(control->CreateCutMaskTextures(), {1, 1}, {0xFFFF00, 1.0f}, {255, 0.5f}, {0, 0.0f},
+                       control->m_progUseMask);
+    session.AddPoint(0.999f, 0.998f);
+    session.Draw(true);
+    glFinish();
+    glViewport(0, 0, 1, 1);
+    const NoUploads noUploads;
+    bool isUp = false;
+    for (auto _ : state) {
+        isUp = !isUp;
+        session.SetPreviewPoint(0.99f, isUp ? 0.99f : 0.98f);
+        session.Draw(true);
+    }
+}
+BENCHMARK(RedrawDiagonal)->Unit(benchmark::kMillisecond);
 
 void RedrawUnchanged(benchmark::State& state) {
     const auto control = MakePane();

@@ -2,20 +2,32 @@
 #include "cut/CutImage.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstdlib>
 #include <utility>
 
 namespace {
 
-/// Pushes the first pixel of every run of @p target among the pixels @p left to @p right of a row.
-void PushRuns(std::span<const std::uint32_t> row, std::int32_t y, std::int32_t left, std::int32_t right,
-              std::uint32_t target, std::vector<LassoPixel>& stack) {
-    bool isInRun = false;
-    for (std::int32_t x = left; x <= right; ++x) {
-        const bool isTarget = row[static_cast<std::size_t>(x)] == target;
-        if (isTarget && !isInRun) stack.push_back({x, y});
-        isInRun = isTarget;
+/// The first pixel from @p x to before @p end that is empty, or that is not; @p end without one. In blocks, which the
+/// compiler turns into vector instructions.
+template <bool kEmpty>
+std::size_t FindPixel(std::span<const std::uint8_t> row, std::size_t x, std::size_t end) {
+    constexpr std::size_t kBlock = 32;
+    for (; end - x >= kBlock; x += kBlock) {
+        std::uint8_t found = 0;
+        for (std::size_t i = 0; i < kBlock; ++i)
+            found = static_cast<std::uint8_t>(found | ((row[x + i] == kEmptyPixel) == kEmpty ? 1 : 0));
+        if (found != 0) break;
+    }
+    while (x < end && (row[x] == kEmptyPixel) != kEmpty) ++x;
+    return x;
+}
+
+/// Pushes the first pixel of every run of empty pixels from @p left to before @p end of a row.
+void PushRuns(std::span<const std::uint8_t> row, std::int32_t y, std::size_t left, std::size_t end,
+              std::vector<LassoPixel>& stack) {
+    for (std::size_t x = FindPixel<true>(row, left, end); x < end; x = FindPixel<true>(row, x, end)) {
+        stack.push_back({static_cast<std::int32_t>(x), y});
+        x = FindPixel<false>(row, x, end);
     }
 }
 
@@ -65,24 +77,23 @@ void DrawLine(LassoPixel from, LassoPixel to, std::size_t stride, std::span<std:
 
 // By horizontal spans: each pixel is written once, and the result does not depend on the order. Two spans of adjacent
 // rows push at most one entry between them, which bounds the stack.
-void FloodFill(LassoPixel start, std::int32_t width, std::int32_t height, std::span<std::uint32_t> image,
-               std::vector<LassoPixel>& stack, std::uint32_t target, std::uint32_t replacement) {
-    assert(target != replacement);
+void FloodFill(LassoPixel start, std::int32_t width, std::int32_t height, std::span<std::uint8_t> markers,
+               std::vector<LassoPixel>& stack) {
     const auto rowAt = [&](std::int32_t y) {
         const auto stride = static_cast<std::size_t>(width);
-        return image.subspan(static_cast<std::size_t>(y) * stride, stride);
+        return markers.subspan(static_cast<std::size_t>(y) * stride, stride);
     };
     stack.assign(1, start);
     while (!stack.empty()) {
         const auto [x, y] = stack.back();
         stack.pop_back();
-        const std::span<std::uint32_t> row = rowAt(y);
-        if (row[static_cast<std::size_t>(x)] != target) continue;
-        std::int32_t left = x, right = x;
-        while (left > 0 && row[static_cast<std::size_t>(left) - 1] == target) --left;
-        while (right + 1 < width && row[static_cast<std::size_t>(right) + 1] == target) ++right;
-        std::fill(row.begin() + left, row.begin() + right + 1, replacement);
-        if (y > 0) PushRuns(rowAt(y - 1), y - 1, left, right, target, stack);
-        if (y + 1 < height) PushRuns(rowAt(y + 1), y + 1, left, right, target, stack);
+        const std::span<std::uint8_t> row = rowAt(y);
+        auto left = static_cast<std::size_t>(x);
+        if (row[left] != kEmptyPixel) continue;
+        const std::size_t end = FindPixel<false>(row, left, row.size());
+        while (left > 0 && row[left - 1] == kEmptyPixel) --left;
+        std::ranges::fill(row.subspan(left, end - left), kReachedPixel);
+        if (y > 0) PushRuns(rowAt(y - 1), y - 1, left, end, stack);
+        if (y + 1 < height) PushRuns(rowAt(y + 1), y + 1, left, end, stack);
     }
 }

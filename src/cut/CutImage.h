@@ -26,10 +26,12 @@ using PixelRectangle = std::array<std::int32_t, 4>;
 /// @param stride  pixels per row of @p image; both ends lie in the image
 void DrawLine(LassoPixel from, LassoPixel to, std::size_t stride, std::span<std::uint32_t> image, std::uint32_t color);
 
-/// Recolours the pixels of one colour that are connected with @p start by their sides.
-/// @param start   in the image; nothing happens when it has another colour
-/// @param image   width x height pixels
-/// @param stack   working memory, empty afterwards; it never needs more than width x height entries
-/// @param target, replacement  must differ
-void FloodFill(LassoPixel start, std::int32_t width, std::int32_t height, std::span<std::uint32_t> image,
-               std::vector<LassoPixel>& stack, std::uint32_t target, std::uint32_t replacement);
+/// What a pixel is for a flood fill: its marker in bytes, which are quicker to search than colours.
+enum LassoMarker : std::uint8_t { kEmptyPixel = 0, kLinePixel = 1, kReachedPixel = 255 };
+
+/// Marks the empty pixels that are connected with @p start by their sides as reached.
+/// @param start    in the image; nothing happens when it is not empty
+/// @param markers  width x height LassoMarkers
+/// @param stack    working memory, empty afterwards; it never needs more than width x height entries
+void FloodFill(LassoPixel start, std::int32_t width, std::int32_t height, std::span<std::uint8_t> markers,
+               std::vector<LassoPixel>& stack);

@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr std::uint32_t kEmpty = 0, kReached = 255;
+constexpr std::uint32_t kEmpty = 0;          // pixel of the images without a line
+constexpr std::uint32_t kMarkerColor = 255;  // no pixel of the images has it
 
 /// A colour as a pixel of the images.
 std::uint32_t PackTint(LassoTint tint) {
@@ -17,15 +18,44 @@ std::uint32_t PackTint(LassoTint tint) {
     return a << 24 | (tint.color & 0xFFFFFF);
 }
 
-/// The source pixel of every output pixel along one axis.
-std::vector<std::int32_t> SourcePixels(std::int32_t size, std::int32_t outSize) {
-    std::vector<std::int32_t> pixels(static_cast<std::size_t>(outSize));
-    for (std::int32_t i = 0; i < outSize; ++i) {
-        // Single precision decides where rows and columns of a mask lie.
-        const float at = static_cast<float>(size) * static_cast<float>(i) / static_cast<float>(outSize);
-        pixels[static_cast<std::size_t>(i)] = std::min(static_cast<std::int32_t>(at), size - 1);
+/// The source pixels of the output pixels along one axis, of those that have one in a range.
+class SourcePixels {
+public:
+    /// @param first, last  the range; what the operator returns counts from its first
+    SourcePixels(std::int32_t size, std::int32_t outSize, std::int32_t first, std::int32_t last) {
+        m_vPixels.reserve(static_cast<std::size_t>(outSize));
+        for (std::int32_t i = 0; i < outSize; ++i) {
+            // Single precision decides where rows and columns of a mask lie.
+            const float at = static_cast<float>(size) * static_cast<float>(i) / static_cast<float>(outSize);
+            const std::int32_t pixel = std::min(static_cast<std::int32_t>(at), size - 1);
+            if (pixel < first) begin = i + 1;
+            if (pixel <= last) end = i + 1;
+            m_vPixels.push_back(static_cast<std::size_t>(std::clamp(pixel, first, last) - first));
+        }
     }
-    return pixels;
+    [[nodiscard]] std::size_t operator[](std::int32_t i) const { return m_vPixels[static_cast<std::size_t>(i)]; }
+
+    std::int32_t begin = 0, end = 0;  ///< output pixels
+
+private:
+    std::vector<std::size_t> m_vPixels;
+};
+
+/// The markers of a box of an image, without the rest of the rows.
+void MarkBox(const CutSession::Image& image, std::size_t stride, const PixelRectangle& box,
+             std::vector<std::uint8_t>& markers) {
+    const std::size_t width = WidthOf(box), height = HeightOf(box);
+    markers.resize(width * height);
+    for (std::size_t row = 0; row < height; ++row) {
+        const std::size_t first = (static_cast<std::size_t>(box[1]) + row) * stride + static_cast<std::size_t>(box[0]);
+        std::transform(&image[first], &image[first] + width, &markers[row * width],
+                       [](std::uint32_t pixel) { return pixel == kEmpty ? kEmptyPixel : kLinePixel; });
+    }
+}
+
+void FillFromCorner(const PixelRectangle& box, std::vector<std::uint8_t>& markers, std::vector<LassoPixel>& stack) {
+    FloodFill({0, 0}, static_cast<std::int32_t>(WidthOf(box)), static_cast<std::int32_t>(HeightOf(box)), markers,
+              stack);
 }
 
 }  // namespace
@@ -42,16 +72,16 @@ CutSession::CutSession(std::unique_ptr<CutMaskTextures> textures, LassoPixel sta
       m_uProgram(program),
       m_rcFillShown{0, 0, m_nWidth - 1, m_nHeight - 1} {
     for (const std::uint32_t color : {m_uLineColor, m_uFillColor, m_uOutsideColor, m_uPreviewColor})
-        if (color == kReached) throw std::invalid_argument("Cannot use internal marker color");
+        if (color == kMarkerColor) throw std::invalid_argument("Cannot use internal marker color");
     // The outside may have the colour of the lines.
     if (m_uFillColor == m_uLineColor) throw std::invalid_argument("Fill and lasso color must be different");
     assert(m_nWidth >= kMinLassoSide && m_nHeight >= kMinLassoSide);
     m_ptStart = {std::clamp(startPixel.x, 1, m_nWidth - 2), std::clamp(startPixel.y, 1, m_nHeight - 2)};
     m_ptLast = m_ptStart;
-    m_rcBounds = m_rcShown = BoxOf(m_ptStart);
+    m_rcBounds = m_rcShown = m_rcBand = BoxOf(m_ptStart);
     const std::size_t pixels = static_cast<std::size_t>(m_nWidth) * static_cast<std::size_t>(m_nHeight);
     m_vFloodStack.reserve(pixels);
-    m_vFill.reserve(pixels);
+    m_vMarkers.reserve(pixels);
     m_vLines.resize(pixels);
     m_vComposite.resize(pixels);
 }
@@ -79,9 +109,17 @@ void CutSession::SetPreviewPoint(float fx, float fy) {
     m_optPreview = m_optLastPoint = pixel;
 }
 
-/// Draws the pending points into m_vLines, and the rubber band, or the closing edge without one, into a fresh
-/// m_vComposite.
-void CutSession::CommitLines() {
+/// Where the next CommitLines() changes m_vComposite: the lines of the pending points, and the former and the next
+/// rubber band or closing edge.
+CutSession::Rectangle CutSession::FindChangedLines() const {
+    Rectangle changed = Union(m_rcBand, Union(BoxOf(m_ptStart), BoxOf(m_ptLast)));
+    for (const LassoPixel point : m_vPending) changed = Union(changed, BoxOf(point));
+    return m_optPreview ? Union(changed, BoxOf(*m_optPreview)) : changed;
+}
+
+/// Draws the pending points into m_vLines, and these with the rubber band, or the closing edge without one, into
+/// m_vComposite. @param changed  FindChangedLines()
+void CutSession::CommitLines(const Rectangle& changed) {
     const auto stride = static_cast<std::size_t>(m_nWidth);
     for (const LassoPixel point : m_vPending) {
         m_rcBounds = Union(m_rcBounds, BoxOf(point));
@@ -89,16 +127,17 @@ void CutSession::CommitLines() {
         m_ptLast = point;
     }
     m_vPending.clear();
-    const Rectangle wiped = Union(m_rcBounds, m_rcShown);
-    for (std::int32_t y = wiped[1]; y <= wiped[3]; ++y) {
-        const std::size_t first = static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(wiped[0]);
-        std::copy_n(&m_vLines[first], WidthOf(wiped), &m_vComposite[first]);
+    for (std::int32_t y = changed[1]; y <= changed[3]; ++y) {
+        const std::size_t first = static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(changed[0]);
+        std::copy_n(&m_vLines[first], WidthOf(changed), &m_vComposite[first]);
     }
     m_rcShown = m_rcBounds;
+    m_rcBand = Union(BoxOf(m_ptStart), BoxOf(m_ptLast));
     if (m_optPreview) {
         DrawLine(*m_optPreview, m_ptStart, stride, m_vComposite, m_uPreviewColor);
         DrawLine(*m_optPreview, m_ptLast, stride, m_vComposite, m_uPreviewColor);
         m_rcShown = Union(m_rcShown, BoxOf(*m_optPreview));
+        m_rcBand = Union(m_rcBand, BoxOf(*m_optPreview));
         m_optPreview.reset();
     } else {
         DrawLine(m_ptLast, m_ptStart, stride, m_vComposite, m_uPreviewColor);
@@ -107,33 +146,18 @@ void CutSession::CommitLines() {
 }
 
 /// The tint of a pixel after the flood fill from outside the lasso.
-std::uint32_t CutSession::TintOf(std::uint32_t pixel) const {
-    return pixel == kEmpty ? m_uFillColor : pixel == kReached ? m_uOutsideColor : pixel;
+std::uint32_t CutSession::TintOf(std::uint8_t marker) const {
+    return marker == kEmptyPixel ? m_uFillColor : marker == kReachedPixel ? m_uOutsideColor : m_uLineColor;
 }
 
-/// Copies a box of m_vComposite to m_vFill and marks what is outside the lasso. The corners of the box are outside.
+/// Marks what is outside the lasso in a box of m_vComposite. The corners of the box are outside.
 void CutSession::FillLasso(const Rectangle& box) {
-    const std::size_t width = WidthOf(box), height = HeightOf(box);
-    m_vFill.resize(width * height);
-    for (std::size_t row = 0; row < height; ++row) {
-        const std::size_t y = static_cast<std::size_t>(box[1]) + row;
-        const std::size_t first = y * static_cast<std::size_t>(m_nWidth) + static_cast<std::size_t>(box[0]);
-        std::copy_n(&m_vComposite[first], width, &m_vFill[row * width]);
-    }
-    FloodFill({0, 0}, static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), m_vFill, m_vFloodStack,
-              kEmpty, kReached);
+    MarkBox(m_vComposite, static_cast<std::size_t>(m_nWidth), box, m_vMarkers);
+    FillFromCorner(box, m_vMarkers, m_vFloodStack);
 }
 
-// Only the box of the lasso is looked at: all beyond it is outside.
-MaskBits CutSession::CreateMaskBits(std::int32_t outWidth, std::int32_t outHeight) const {
-    MaskBits mask;
-    if (outWidth < 1 || outHeight < 1) return mask;
-    mask.m_vBits.m_uCount = static_cast<std::uint64_t>(outWidth) * static_cast<std::uint64_t>(outHeight);
-    mask.m_vBits.m_vWords.resize((mask.m_vBits.m_uCount + 31) / 32);
-
-    Rectangle box = m_rcBounds;
-    for (const LassoPixel point : m_vPending) box = Union(box, BoxOf(point));
-    box = Widened(box);
+/// The markers of the closed lasso in a box whose corners are outside.
+std::vector<std::uint8_t> CutSession::CloseLasso(const Rectangle& box) const {
     const std::size_t width = WidthOf(box), height = HeightOf(box);
     Image image(width * height);
     for (std::size_t row = 0; row < height; ++row) {
@@ -148,26 +172,37 @@ MaskBits CutSession::CreateMaskBits(std::int32_t outWidth, std::int32_t outHeigh
         last = point;
     }
     DrawLine(inBox(last), inBox(m_ptStart), width, image, m_uPreviewColor);
+    std::vector<std::uint8_t> markers;
+    MarkBox(image, width, {0, 0, box[2] - box[0], box[3] - box[1]}, markers);
     std::vector<LassoPixel> stack;
-    FloodFill({0, 0}, static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), image, stack, kEmpty,
-              kReached);
+    FillFromCorner(box, markers, stack);
+    return markers;
+}
 
-    const std::vector<std::int32_t> columns = SourcePixels(m_nWidth, outWidth),
-                                    rows = SourcePixels(m_nHeight, outHeight);
-    for (std::int32_t y = 0; y < outHeight; ++y) {
-        const std::int32_t row = rows[static_cast<std::size_t>(y)];
-        if (row < box[1] || row > box[3]) continue;
-        for (std::int32_t x = 0; x < outWidth; ++x) {
-            const std::int32_t column = columns[static_cast<std::size_t>(x)];
-            if (column < box[0] || column > box[2]) continue;
-            const LassoPixel at = inBox({column, row});
-            const std::uint32_t pixel = image[static_cast<std::size_t>(at.y) * width + static_cast<std::size_t>(at.x)];
-            if (TintOf(pixel) == m_uOutsideColor) continue;
-            const std::size_t bit =
-                static_cast<std::size_t>(y) * static_cast<std::size_t>(outWidth) + static_cast<std::size_t>(x);
-            mask.m_vBits.m_vWords[bit / 32] |= 1u << bit % 32;
-            mask.m_rcBounds = Union(mask.m_rcBounds, BoxOf({x, y}));
+// Only the box of the lasso is looked at: all beyond it is outside.
+MaskBits CutSession::CreateMaskBits(std::int32_t outWidth, std::int32_t outHeight) const {
+    MaskBits mask;
+    if (outWidth < 1 || outHeight < 1) return mask;
+    mask.m_vBits.m_uCount = static_cast<std::uint64_t>(outWidth) * static_cast<std::uint64_t>(outHeight);
+    mask.m_vBits.m_vWords.resize((mask.m_vBits.m_uCount + 31) / 32);
+
+    Rectangle box = m_rcBounds;
+    for (const LassoPixel point : m_vPending) box = Union(box, BoxOf(point));
+    box = Widened(box);
+    const std::vector<std::uint8_t> markers = CloseLasso(box);
+    const SourcePixels columns(m_nWidth, outWidth, box[0], box[2]), rows(m_nHeight, outHeight, box[1], box[3]);
+    for (std::int32_t y = rows.begin; y < rows.end; ++y) {
+        const std::uint8_t* const row = &markers[rows[y] * WidthOf(box)];
+        const std::size_t firstBit = static_cast<std::size_t>(y) * static_cast<std::size_t>(outWidth);
+        std::int32_t left = columns.end, right = -1;
+        for (std::int32_t x = columns.begin; x < columns.end; ++x) {
+            const bool isSet = TintOf(row[columns[x]]) != m_uOutsideColor;
+            const std::size_t bit = firstBit + static_cast<std::size_t>(x);
+            mask.m_vBits.m_vWords[bit / 32] |= (isSet ? 1u : 0u) << bit % 32;
+            left = isSet ? std::min(left, x) : left;
+            right = isSet ? x : right;
         }
+        if (right >= 0) mask.m_rcBounds = Union(mask.m_rcBounds, {left, y, right, y});
     }
     return mask;
 }

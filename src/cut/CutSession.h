@@ -81,15 +81,19 @@ public:
 
 private:
     [[nodiscard]] std::optional<LassoPixel> FindNewPixel(float fx, float fy) const;
-    [[nodiscard]] std::uint32_t TintOf(std::uint32_t pixel) const;
-    void CommitLines();
+    [[nodiscard]] std::uint32_t TintOf(std::uint8_t marker) const;
+    [[nodiscard]] Rectangle FindChangedLines() const;
+    void CommitLines(const Rectangle& changed);
     void UpdateLines();
     void FillLasso(const Rectangle& box);
+    [[nodiscard]] std::vector<std::uint8_t> CloseLasso(const Rectangle& box) const;
     void UpdateFill();
+    void LimitTo(const Rectangle& box) const;
     void DrawTint() const;
     void DrawLines() const;
 
-    Image m_vFill;  ///< the filled box of the lasso, without the rest of the rows
+    std::vector<std::uint8_t> m_vMarkers;  ///< LassoMarkers of the filled box of the lasso
+    Rectangle m_rcBand;  ///< where m_vComposite has lines that m_vLines has not: rubber band or closing edge
     // What the textures show. They lag behind the images when a buffer could not be mapped.
     std::optional<Rectangle> m_optLinesToUpload;  ///< where the line texture differs from m_vComposite
     Rectangle m_rcFillShown;                      ///< beyond it the fill texture has m_uOutsideColor

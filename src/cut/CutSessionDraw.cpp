@@ -2,6 +2,7 @@
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "cut/CutSession.h"
 #include "render/FlatView.h"
@@ -65,14 +66,12 @@ CutMaskTextures::~CutMaskTextures() {
 
 /// Shows new points. When the buffer cannot be mapped they wait for the next frame.
 void CutSession::UpdateLines() {
-    Rectangle changed = Union(m_rcBounds, m_rcShown);
-    for (const LassoPixel point : m_vPending) changed = Union(changed, BoxOf(point));
-    if (m_optPreview) changed = Union(changed, BoxOf(*m_optPreview));
-    if (m_optLinesToUpload) changed = Union(changed, *m_optLinesToUpload);
+    const Rectangle lines = FindChangedLines();
+    const Rectangle changed = m_optLinesToUpload ? Union(lines, *m_optLinesToUpload) : lines;
     const TextureUpload upload(m_pTextures->m_uLineBuffer, changed);
     if (!upload.IsMapped()) return;
 
-    if (!m_vPending.empty() || m_optPreview) CommitLines();
+    if (!m_vPending.empty() || m_optPreview) CommitLines(lines);
     for (std::int32_t y = changed[1]; y <= changed[3]; ++y) {
         const std::size_t row = static_cast<std::size_t>(y) * static_cast<std::size_t>(m_nWidth);
         std::copy_n(&m_vComposite[row + static_cast<std::size_t>(changed[0])], WidthOf(changed), upload.Row(y));
@@ -97,15 +96,31 @@ void CutSession::UpdateFill() {
             std::fill_n(row, WidthOf(changed), m_uOutsideColor);
             continue;
         }
-        const std::uint32_t* const filled = &m_vFill[static_cast<std::size_t>(y - box[1]) * width];
+        const std::uint8_t* const markers = &m_vMarkers[static_cast<std::size_t>(y - box[1]) * width];
         std::fill_n(row, left, m_uOutsideColor);
-        std::transform(filled, filled + width, row + left, [this](std::uint32_t pixel) { return TintOf(pixel); });
+        std::transform(markers, markers + width, row + left, [this](std::uint8_t marker) { return TintOf(marker); });
         std::fill(row + left + width, row + WidthOf(changed), m_uOutsideColor);
     }
     m_rcFillShown = changed;
     if (!upload.Send(m_pTextures->m_uFillTexture)) return;
     m_rcFillShown = box;
     m_bFillIsStale = false;
+}
+
+/// Restricts drawing to what shows a box of the images: drivers without a graphics card draw each pixel of the window
+/// that the quads cover. The images cover the viewport, whatever its size is by now.
+void CutSession::LimitTo(const Rectangle& box) const {
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    const double scaleX = static_cast<double>(viewport[2]) / m_nWidth,
+                 scaleY = static_cast<double>(viewport[3]) / m_nHeight;
+    // One pixel more on every side, for what is rounded here and in the driver.
+    const auto left = static_cast<GLint>(std::floor(box[0] * scaleX)) - 1;
+    const auto right = static_cast<GLint>(std::ceil((box[2] + 1) * scaleX)) + 1;
+    const auto top = static_cast<GLint>(std::floor(box[1] * scaleY)) - 1;
+    const auto bottom = static_cast<GLint>(std::ceil((box[3] + 1) * scaleY)) + 1;
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(viewport[0] + left, viewport[1] + viewport[3] - bottom, right - left, bottom - top);
 }
 
 /// Multiplies silhouette and tint: objects are tinted, the background is not.
@@ -161,7 +176,10 @@ void CutSession::Draw(bool withFill) {
         // The alpha of the frame stays as it is.
         glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ZERO, GL_ONE);
         glBlendEquation(GL_FUNC_ADD);
+        // Beyond their boxes the tint, if it is invisible there, and the lines change no pixel.
+        if (m_uOutsideColor >> 24 == 0) LimitTo(Union(m_rcFillShown, m_rcShown));
         DrawTint();
+        LimitTo(m_optLinesToUpload ? Union(m_rcShown, *m_optLinesToUpload) : m_rcShown);
         DrawLines();
     }
     glPopAttrib();

@@ -73,85 +73,98 @@ TEST(DrawLine, HasThePixelsOfThePlainMethodOverALargeWindow) {
     EXPECT_EQ(image, expected);
 }
 
-TEST(FloodFill, DoesNotPassDiagonally) {
-    Image image = Picture({"..#..",  //
-                           ".#.#.",  //
-                           "..#.."});
+using Markers = std::vector<std::uint8_t>;
+
+/// Rows of text: '#' is a line, 'o' reached, everything else empty.
+Markers MarkerPicture(std::initializer_list<const char*> rows) {
+    Markers markers;
+    for (const char* row : rows)
+        for (; *row != 0; ++row)
+            markers.push_back(*row == '#' ? kLinePixel : *row == 'o' ? kReachedPixel : kEmptyPixel);
+    return markers;
+}
+
+/// The fill pixel by pixel, with the reserved stack of a session.
+void ExpectPlainFill(const Markers& before, LassoPixel start, int width, int height) {
+    Image expected(before.begin(), before.end());
+    cut_reference::FloodFill({start.x, start.y}, width, height, expected, kEmptyPixel, kReachedPixel);
+    Markers markers = before;
     std::vector<LassoPixel> stack;
-    FloodFill({0, 0}, 5, 3, image, stack, 0, 9);
-    EXPECT_EQ(image, (Image{9, 9, 1, 0, 0,  //
-                            9, 1, 0, 1, 0,  //
-                            9, 9, 1, 0, 0}));
+    stack.reserve(markers.size());
+    const std::size_t reserved = stack.capacity();
+    FloodFill(start, width, height, markers, stack);
+    EXPECT_EQ(markers, Markers(expected.begin(), expected.end())) << width << " x " << height;
+    EXPECT_EQ(stack.capacity(), reserved) << "the fill has allocated";
     EXPECT_TRUE(stack.empty());
 }
 
-TEST(FloodFill, OfAnotherColourChangesNothing) {
-    Image image = Picture({"##", ".."});
-    const Image before = image;
+TEST(FloodFill, DoesNotPassDiagonally) {
+    Markers markers = MarkerPicture({"..#..",  //
+                                     ".#.#.",  //
+                                     "..#.."});
     std::vector<LassoPixel> stack;
-    FloodFill({0, 0}, 2, 2, image, stack, 0, 9);
-    EXPECT_EQ(image, before);
+    FloodFill({0, 0}, 5, 3, markers, stack);
+    EXPECT_EQ(markers, MarkerPicture({"oo#..",  //
+                                      "o#.#.",  //
+                                      "oo#.."}));
+}
+
+TEST(FloodFill, FromALineChangesNothing) {
+    Markers markers = MarkerPicture({"##", ".."});
+    const Markers before = markers;
+    std::vector<LassoPixel> stack;
+    FloodFill({0, 0}, 2, 2, markers, stack);
+    EXPECT_EQ(markers, before);
 }
 
 TEST(FloodFill, FindsItsWayThroughASpiral) {
-    const Image spiral = Picture({"........",  //
-                                  "#######.",  //
-                                  "......#.",  //
-                                  ".####.#.",  //
-                                  ".#..#.#.",  //
-                                  ".#.##.#.",  //
-                                  ".#....#.",  //
-                                  ".######.",  //
-                                  "........"});
-    Image image = spiral, expected = spiral;
+    Markers markers = MarkerPicture({"........",  //
+                                     "#######.",  //
+                                     "......#.",  //
+                                     ".####.#.",  //
+                                     ".#..#.#.",  //
+                                     ".#.##.#.",  //
+                                     ".#....#.",  //
+                                     ".######.",  //
+                                     "........"});
+    Markers expected = markers;
+    std::ranges::replace(expected, kEmptyPixel, kReachedPixel);  // all of it is connected
     std::vector<LassoPixel> stack;
-    FloodFill({3, 4}, 8, 9, image, stack, 0, 9);
-    std::ranges::replace(expected, 0u, 9u);  // all of it is connected
-    EXPECT_EQ(image, expected);
+    FloodFill({3, 4}, 8, 9, markers, stack);
+    EXPECT_EQ(markers, expected);
 }
 
-TEST(FloodFill, RecoloursWhatThePixelByPixelFillDoesWithinTheReservedStack) {
+TEST(FloodFill, ReachesWhatThePixelByPixelFillReachesWithinTheReservedStack) {
     std::mt19937 random(2);
-    for (int round = 0; round < 3000; ++round) {
-        const int width = std::uniform_int_distribution<int>(1, 24)(random),
+    for (int round = 0; round < 3000 && !testing::Test::HasFailure(); ++round) {
+        const int width = std::uniform_int_distribution<int>(1, 90)(random),
                   height = std::uniform_int_distribution<int>(1, 24)(random);
         const int share = std::uniform_int_distribution<int>(0, 60)(random);
-        Image image(static_cast<std::size_t>(width * height));
-        for (std::uint32_t& pixel : image) pixel = std::uniform_int_distribution<int>(0, 99)(random) < share ? 1 : 0;
-        const cut_reference::Point start{std::uniform_int_distribution<int>(0, width - 1)(random),
-                                         std::uniform_int_distribution<int>(0, height - 1)(random)};
-        Image expected = image;
-        std::vector<LassoPixel> stack;
-        stack.reserve(image.size());
-        const std::size_t reserved = stack.capacity();
-        FloodFill({start.first, start.second}, width, height, image, stack, 0, 255);
-        cut_reference::FloodFill(start, width, height, expected, 0, 255);
-        ASSERT_EQ(image, expected);
-        ASSERT_EQ(stack.capacity(), reserved) << "the fill has allocated";
+        Markers markers(static_cast<std::size_t>(width * height));
+        for (std::uint8_t& marker : markers)
+            marker = std::uniform_int_distribution<int>(0, 99)(random) < share ? kLinePixel : kEmptyPixel;
+        ExpectPlainFill(markers,
+                        {std::uniform_int_distribution<int>(0, width - 1)(random),
+                         std::uniform_int_distribution<int>(0, height - 1)(random)},
+                        width, height);
     }
 }
 
 // Combs and checkered rows have the most spans.
 TEST(FloodFill, OfCombsStaysWithinTheReservedStack) {
-    for (const int side : {5, 16, 33}) {
+    for (const int side : {5, 16, 33, 65}) {
         for (int pattern = 0; pattern < 4; ++pattern) {
-            Image image(static_cast<std::size_t>(side * side));
+            Markers markers;
             for (int y = 0; y < side; ++y)
                 for (int x = 0; x < side; ++x) {
                     const bool isTooth = pattern == 0   ? x % 2 == 1 && y > 0
                                          : pattern == 1 ? x % 2 == 1 && y % 4 != 0
                                          : pattern == 2 ? y % 2 == 1 && x != (y % 4 == 1 ? 0 : side - 1)
                                                         : x % 2 == 1 && y % 2 == 1;
-                    image[static_cast<std::size_t>(y * side + x)] = isTooth ? 1 : 0;
+                    markers.push_back(isTooth ? kLinePixel : kEmptyPixel);
                 }
-            Image expected = image;
-            std::vector<LassoPixel> stack;
-            stack.reserve(image.size());
-            const std::size_t reserved = stack.capacity();
-            FloodFill({0, 0}, side, side, image, stack, 0, 255);
-            cut_reference::FloodFill({0, 0}, side, side, expected, 0, 255);
-            EXPECT_EQ(image, expected) << pattern;
-            EXPECT_EQ(stack.capacity(), reserved) << pattern;
+            for (const LassoPixel start : {LassoPixel{0, 0}, {side / 2, 0}, {0, side - 1}})
+                ExpectPlainFill(markers, start, side, side);
         }
     }
 }
