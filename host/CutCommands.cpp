@@ -110,7 +110,7 @@ void CutCommands::Undo() {
     }
     m_pViewer->Methods().PerformInvalidate();
     m_nSavedSteps = std::min(m_nSavedSteps, UndoSteps());
-    m_ledger.OnUndone(Objects(Plan()));
+    m_ledger.OnUndone(Objects(Plan()), wasSaved ? m_vWrittenIds : std::vector<int>{});
     emit Changed();
     emit Report(UndoText(before, wasSaved));
 }
@@ -141,7 +141,8 @@ QString CutCommands::UndoText(const std::vector<ObjectRow>& before, bool wasSave
     QString text = UndoSteps() == 0 ? tr("The cut was taken back.")
                                     : tr("The cut was taken back; %1 can be taken back, too.").arg(UndoSteps());
     if (!gone.isEmpty()) text += tr(" Removed, because opened after the cut: %1.").arg(gone.join(", "));
-    if (!saved.isEmpty()) text += tr(" Undo does not bring files back, this one stays cut: %1.").arg(saved.join(", "));
+    if (saved.size() == 1) text += tr(" The file stays cut: %1.").arg(saved.front());
+    if (saved.size() > 1) text += tr(" The files stay cut: %1.").arg(saved.join(", "));
     return text;
 }
 

@@ -172,9 +172,9 @@ bool CutCommands::RefuseMoved(const Entries& plan) {
 
 bool CutCommands::AskToWrite(const Entries& plan) {
     const QStringList files = FileLines(plan);
-    const FileListDialog::Texts texts{tr("Save cuts"),
-                                      tr("Save cuts into %1?").arg(FileCount(static_cast<std::size_t>(files.size()))),
-                                      files, SaveNote()};
+    const FileListDialog::Texts texts{
+        tr("Save cuts"), tr("Save cuts? This rewrites %1:").arg(FileCount(static_cast<std::size_t>(files.size()))),
+        files, SaveNote()};
     FileListDialog dialog(texts, QDialogButtonBox::Save | QDialogButtonBox::Cancel, QDialogButtonBox::Save, m_pWindow);
     return dialog.Ask() == QDialogButtonBox::Save && m_pViewer != nullptr;  // it may be lost meanwhile
 }

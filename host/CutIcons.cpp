@@ -35,14 +35,15 @@ bool IsOneOf(KV_ScenePane::SegmentationMode way, KV_ScenePane::SegmentationMode 
 
 /// Corners with straight lines, or a line without corners.
 QPainterPath Lasso(bool isFreehand) {
-    QPainterPath path(QPointF(5.5, 10));
+    QPainterPath path(QPointF(4.5, 9));
     if (isFreehand) {
-        path.cubicTo(5, 4, 12, 7, 14, 5.5);
-        path.cubicTo(20, 3.5, 19, 11, 17, 13);
-        path.cubicTo(15, 19, 10, 15.5, 8, 16.5);
-        path.cubicTo(5, 17, 6.5, 13, 5.5, 10);
+        // A kidney: no corner, and one side curved inward.
+        path.cubicTo(4.5, 3, 11, 4.5, 12, 8);
+        path.cubicTo(13, 4, 20, 4, 19.5, 9.5);
+        path.cubicTo(19, 15, 15, 17.5, 11.5, 16.5);
+        path.cubicTo(6, 17, 4.5, 13, 4.5, 9);
     } else {
-        for (const QPointF corner : {QPointF(12, 5), QPointF(18.5, 8.5), QPointF(15.5, 16), QPointF(8, 16.5)})
+        for (const QPointF corner : {QPointF(14, 5), QPointF(19.5, 10), QPointF(15, 16.5), QPointF(7, 16)})
             path.lineTo(corner);
     }
     path.closeSubpath();
@@ -70,14 +71,13 @@ void DrawWay(QPainter& painter, KV_ScenePane::SegmentationMode way) {
     const QRectF sheet(1.5, 2.5, 21, 17);
     const QPainterPath lasso = Lasso(IsFreehand(way));
     if (IsOneOf(way, PolygonVisible, FreehandVisible)) {
-        // The front sheet has a hole, in which the one behind it shows.
-        DrawSheet(painter, sheet.adjusted(0, 0, -2.5, -2));
-        DrawSheet(painter, QRectF(4, 18, 18.5, 4));
-        painter.fillPath(lasso, QColor(0x88, 0x90, 0x9A));
-        painter.save();
-        painter.setClipPath(lasso);
-        FillRemoved(painter, lasso.translated(-3.5, -3.5).intersected(lasso));
-        painter.restore();
+        // The front sheet is cut, the one behind it is not.
+        DrawSheet(painter, QRectF(6.5, 7, 16, 15));
+        painter.setOpacity(0.75);
+        DrawSheet(painter, sheet.adjusted(0, 0, -2.5, 0));
+        painter.setOpacity(0.6);
+        FillRemoved(painter, lasso);
+        painter.setOpacity(1);
     } else if (IsOneOf(way, PolygonInside, FreehandInside)) {
         DrawSheet(painter, sheet);
         FillRemoved(painter, lasso);

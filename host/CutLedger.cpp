@@ -1,8 +1,10 @@
 // An undo restores an older generation of an object: one with fewer cuts, and with more vertices.
 #include "CutLedger.h"
 
+#include <algorithm>
+
 void CutLedger::OnExported(const CutObject& object) {
-    if (!object.isFromPcm && object.cuts > 0) m_exported[object.id] = object.cuts;
+    if (!object.isFromPcm && object.cuts > 0) m_kept[object.id] = object.cuts;
 }
 
 void CutLedger::OnSaveFailed(const CutObject& object) {
@@ -10,23 +12,24 @@ void CutLedger::OnSaveFailed(const CutObject& object) {
     m_vertices.try_emplace(object.id, object.vertices);
 }
 
-void CutLedger::OnUndone(std::span<const CutObject> objects) {
+void CutLedger::OnUndone(std::span<const CutObject> objects, std::span<const int> inFiles) {
     for (const CutObject& object : objects) {
-        const auto exported = m_exported.find(object.id);
-        if (exported != m_exported.end() && object.cuts < exported->second) m_exported.erase(exported);
+        const auto kept = m_kept.find(object.id);
+        if (kept != m_kept.end() && object.cuts < kept->second) m_kept.erase(kept);
+        if (object.cuts > 0 && std::ranges::find(inFiles, object.id) != inFiles.end()) m_kept[object.id] = object.cuts;
         const auto failed = m_vertices.find(object.id);
         if (failed != m_vertices.end() && object.vertices > failed->second) m_vertices.erase(failed);
     }
 }
 
 void CutLedger::Clear() {
-    m_exported.clear();
+    m_kept.clear();
     m_vertices.clear();
 }
 
 bool CutLedger::IsUnsaved(const CutObject& object) const {
     if (HasLostCuts(object.id)) return true;
     if (object.cuts == 0) return false;
-    const auto exported = m_exported.find(object.id);
-    return object.isFromPcm || exported == m_exported.end() || exported->second != object.cuts;
+    const auto kept = m_kept.find(object.id);
+    return kept == m_kept.end() || kept->second != object.cuts;
 }

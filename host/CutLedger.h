@@ -20,8 +20,10 @@ public:
     void OnExported(const CutObject& object);
     /// The viewer has dropped the cuts of the object although its file does not have them.
     void OnSaveFailed(const CutObject& object);
-    /// Cuts were taken back. @param objects  the present ones
-    void OnUndone(std::span<const CutObject> objects);
+    /// Cuts were taken back.
+    /// @param objects  the present ones
+    /// @param inFiles  ids of those whose cuts are all in their files: their saves were later than these cuts
+    void OnUndone(std::span<const CutObject> objects, std::span<const int> inFiles = {});
     void Clear();
 
     /// Whether the object has lost vertices that no file has lost.
@@ -30,6 +32,6 @@ public:
     [[nodiscard]] bool HasLostCuts(int id) const { return m_vertices.contains(id); }
 
 private:
-    std::map<int, int> m_exported;           // cuts at the export, by id
+    std::map<int, int> m_kept;               // cuts that are in a file, by id; those of an object with more are not
     std::map<int, std::int32_t> m_vertices;  // at the failed save, by id
 };

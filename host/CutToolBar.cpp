@@ -50,6 +50,10 @@ QAction* MakeAction(CutToolBar* parent, const char* name, const QIcon& icon, con
     return action;
 }
 
+QString UndoText(int steps) {
+    return steps > 0 ? CutToolBar::tr("Un&do cut (%1)").arg(steps) : CutToolBar::tr("Un&do cut");
+}
+
 }  // namespace
 
 CutToolBar::CutToolBar(const LassoSettings& settings, QWidget* parent) : QToolBar(parent), m_settings(settings) {
@@ -59,6 +63,7 @@ CutToolBar::CutToolBar(const LassoSettings& settings, QWidget* parent) : QToolBa
     MakeWays();
     MakeCommands();
     addSeparator();
+    addWidget(new QLabel(tr("Freehand tint:")));
     // Not "inside" and "outside": the viewer exchanges the two tints for the ways that cut outside.
     MakeTint("Inside", tr("Removed"), tr("what the cut will remove"), &LassoSettings::insideColor,
              &LassoSettings::insideOpacity);
@@ -91,15 +96,18 @@ void CutToolBar::MakeCommands() {
     m_pCancel = MakeAction(this, "cutCancel", CutCancelIcon(), tr("&Cancel the lasso"), Qt::Key_Escape,
                            tr("ends the lasso without a cut"));
     connect(m_pCancel, &QAction::triggered, this, &CutToolBar::CancelWanted);
-    m_pUndo = MakeAction(this, "cutUndo", CutUndoIcon(), tr("Un&do cut"), Qt::CTRL | Qt::Key_Z,
+    m_pUndo = MakeAction(this, "cutUndo", CutUndoIcon(), UndoText(0), Qt::CTRL | Qt::Key_Z,
                          tr("takes the last cut back; files that were saved stay cut"));
     connect(m_pUndo, &QAction::triggered, this, &CutToolBar::UndoWanted);
     m_pSave = MakeAction(this, "cutSave", CutSaveIcon(), tr("Sav&e cuts..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
                          tr("writes all cuts and the clip plane into the pcm files of the objects"));
     connect(m_pSave, &QAction::triggered, this, &CutToolBar::SaveWanted);
     addActions({m_pCancel, m_pUndo, m_pSave});
-    // The number of steps is in the text.
-    static_cast<QToolButton*>(widgetForAction(m_pUndo))->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    // The number of steps is in the text. What is beside it stays where it is while the number grows.
+    auto* const undo = static_cast<QToolButton*>(widgetForAction(m_pUndo));
+    undo->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_pUndo->setText(UndoText(99));
+    undo->setMinimumWidth(undo->sizeHint().width());
 }
 
 void CutToolBar::MakeTint(const QString& name, const QString& title, const QString& part,
@@ -145,6 +153,6 @@ void CutToolBar::Show(const CutToolState& state) {
     const bool isIdle = state.canCut && !state.way;
     m_pCancel->setEnabled(state.way.has_value());
     m_pUndo->setEnabled(isIdle && state.undoSteps > 0);
-    m_pUndo->setText(state.undoSteps > 0 ? tr("Un&do cut (%1)").arg(state.undoSteps) : tr("Un&do cut"));
+    m_pUndo->setText(UndoText(state.undoSteps));
     m_pSave->setEnabled(isIdle);
 }

@@ -13,8 +13,8 @@ class QMenu;
 
 /// What the tools show.
 struct CutToolState {
-    bool canCut = false;                                ///< there is a viewer, and no import runs
-    std::optional<KV_ScenePane::SegmentationMode> way;  ///< of the lasso that is drawn
+    bool canCut = false;                                     ///< there is a viewer, and no import runs
+    std::optional<KV_ScenePane::SegmentationMode> way = {};  ///< of the lasso that is drawn
     int undoSteps = 0;
 };
 

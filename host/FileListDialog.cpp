@@ -32,11 +32,12 @@ FileListDialog::FileListDialog(const Texts& texts, QDialogButtonBox::StandardBut
     const auto shown = std::clamp(static_cast<int>(texts.lines.size()), 1, kMaxShownLines);
     // One line more, which a horizontal scroll bar covers.
     list->setMinimumHeight((shown + 1) * list->fontMetrics().lineSpacing() + 2 * list->frameWidth());
-    constexpr int kWidth = 560;  // pixels, for most paths
+    list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);  // starts with this height, and grows
+    constexpr int kWidth = 560;                                         // pixels, for most paths
     list->setMinimumWidth(kWidth);
     auto* const column = new QVBoxLayout(this);
     column->addWidget(MakeLabel(texts.heading));
-    column->addWidget(list);
+    column->addWidget(list, 1);
     if (!texts.note.isEmpty()) column->addWidget(MakeLabel(texts.note));
     column->addWidget(m_pButtons);
     m_pButtons->button(preset)->setDefault(true);

@@ -1,0 +1,340 @@
+// Cuts and files in the host's window: the question before a save, its summary, and what is asked before cuts are lost.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "ClipPanel.h"
+#include "host/CutFixture.h"
+#include "host/MeshFiles.h"
+
+namespace {
+
+using KV_ScenePane::CutSaveEntry;
+
+class MainWindowCutSave : public CutFixture {
+protected:
+    [[nodiscard]] std::string Front() const { return m_folder / "front.pcm"; }
+    [[nodiscard]] std::string Back() const { return m_folder / "back.pcm"; }
+    static std::string Bytes(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    /// Presses the tool and answers its question. @return what the question said
+    [[nodiscard]] std::string Save(Button answer = QDialogButtonBox::Save) const {
+        std::string text;
+        const auto dialog = Answer(answer, &text);
+        Tool("cutSave").trigger();
+        EXPECT_TRUE(dialog.WasShown()) << Messages();
+        return text;
+    }
+    /// A visible cut by the outline of the middle, which leaves back.pcm alone.
+    void CutFront() const { ASSERT_TRUE(CutByCall(KV_ScenePane::PolygonVisible)); }
+    /// @param x  along X from the place of the import
+    void MoveFront(float x) const { (void)Methods().SetTrafoOfScan(0, 1, 0, 0, x, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1); }
+    [[nodiscard]] bool Close() const { return m_window->close(); }
+};
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+TEST_F(MainWindowCutSave, AsksBeforeItRewritesTheFilesAndNamesThem) {
+    const std::string before = Bytes(Front());
+    CutFront();
+    const std::string question = Save(QDialogButtonBox::Cancel);
+    EXPECT_TRUE(Has(question, "Save cuts? This rewrites 1 file:")) << question;
+    EXPECT_TRUE(Has(question, Front())) << question;
+    EXPECT_FALSE(Has(question, Back())) << "it has no cut: " << question;
+    EXPECT_TRUE(Has(question, "undo does not bring files back")) << question;
+    EXPECT_FALSE(Has(question, "clip plane")) << question;
+    EXPECT_FALSE(Has(question, "confidence")) << question;
+    EXPECT_EQ(Bytes(Front()), before);
+    EXPECT_TRUE(m_window->isWindowModified());
+}
+
+TEST_F(MainWindowCutSave, WritesTheFilesAndSaysSo) {
+    const std::string front = Bytes(Front()), back = Bytes(Back());
+    CutFront();
+    (void)Save();
+    EXPECT_NE(Bytes(Front()), front);
+    EXPECT_EQ(Bytes(Back()), back);
+    EXPECT_EQ(StatusText(), "Cuts saved: 1 written");
+    EXPECT_TRUE(Has(Messages(), Front() + ": written")) << Messages();
+    EXPECT_FALSE(m_window->isWindowModified());
+    EXPECT_EQ(UndoText(), "Undo cut (1)");
+    // The file has what the window shows.
+    const int shown = Vertices(0);
+    m_window->ClearScene();
+    Import({Front()});
+    EXPECT_EQ(Vertices(0), shown);
+}
+
+TEST_F(MainWindowCutSave, IsReachedByItsKeys) {
+    CutFront();
+    std::string text;
+    const auto dialog = Answer(QDialogButtonBox::Cancel, &text);
+    Xdotool("key ctrl+shift+s");
+    EXPECT_TRUE(WaitUntil([&] { return dialog.WasShown(); }));
+    EXPECT_TRUE(Has(text, Front())) << text;
+}
+
+TEST_F(MainWindowCutSave, SaysThatUndoLeavesTheFileCut) {
+    CutFront();
+    (void)Save();
+    const std::string saved = Bytes(Front());
+    ASSERT_TRUE(CutByCall(KV_ScenePane::PolygonVisible, {{0.45, 0.3}, {0.55, 0.3}, {0.5, 0.4}}));
+    Tool("cutUndo").trigger();
+    EXPECT_FALSE(Has(StatusText(), "stays cut")) << "this cut was not saved: " << StatusText();
+    EXPECT_FALSE(m_window->isWindowModified());
+    Tool("cutUndo").trigger();
+    EXPECT_TRUE(Has(StatusText(), "The file stays cut: front.pcm.")) << StatusText();
+    EXPECT_EQ(Bytes(Front()), saved);
+    EXPECT_FALSE(m_window->isWindowModified()) << "nothing is left to save";
+}
+
+TEST_F(MainWindowCutSave, HasNothingUnsavedWhenOneOfTwoSavedCutsIsTakenBack) {
+    CutFront();
+    ASSERT_TRUE(CutByCall(KV_ScenePane::PolygonVisible, {{0.45, 0.3}, {0.55, 0.3}, {0.5, 0.4}}));
+    (void)Save();
+    Tool("cutUndo").trigger();
+    EXPECT_FALSE(m_window->isWindowModified()) << "the file has the cut that is left";
+    ASSERT_TRUE(CutByCall(KV_ScenePane::PolygonVisible, {{0.45, 0.6}, {0.55, 0.6}, {0.5, 0.7}}));
+    EXPECT_TRUE(m_window->isWindowModified());
+}
+
+TEST_F(MainWindowCutSave, NamesEveryFileThatTheClipPlaneConcernsAndTheFilter) {
+    m_window->Clip().SwitchClipping(true);
+    m_window->Clip().SwitchPlane(false);  // a hidden one clips as well
+    CutFront();
+    const std::string question = Save(QDialogButtonBox::Cancel);
+    EXPECT_TRUE(Has(question, "Save cuts? This rewrites 2 files:")) << question;
+    EXPECT_TRUE(Has(question, Front())) << question;
+    EXPECT_TRUE(Has(question, Back() + " (clip plane only)")) << question;
+    EXPECT_TRUE(Has(question, "The clip plane is active")) << question;
+    m_window->Clip().Reset();
+    ImportSettings filtered;
+    filtered.confidence = 0.5f;
+    m_window->SetImportSettings(filtered);
+    Import(ManyPcms(1));
+    const std::string second = Save(QDialogButtonBox::Cancel);
+    EXPECT_TRUE(Has(second, "The confidence filter is above 0")) << second;
+    EXPECT_FALSE(Has(second, "plane")) << second;
+}
+
+TEST_F(MainWindowCutSave, HasNothingToDoWithoutACut) {
+    const auto dialog = Answer(QDialogButtonBox::Cancel);
+    Tool("cutSave").trigger();
+    EXPECT_FALSE(dialog.WasShown());
+    EXPECT_EQ(StatusText(), "Nothing was saved: no pcm file has cuts that it does not hold yet.");
+}
+
+TEST_F(MainWindowCutSave, RefusesWhileAnObjectThatItWouldWriteIsMoved) {
+    const std::string before = Bytes(Front());
+    MoveFront(5);
+    CutFront();
+    const std::string refusal = Save(QDialogButtonBox::Close);
+    EXPECT_TRUE(Has(refusal, Front() + ": moved since its import, take back the alignment first")) << refusal;
+    EXPECT_TRUE(Has(Messages(), "take back the alignment first")) << Messages();
+    EXPECT_EQ(Bytes(Front()), before);
+    EXPECT_TRUE(m_window->isWindowModified());
+    // At the place of its import again it is saved.
+    MoveFront(0);
+    (void)Save();
+    EXPECT_NE(Bytes(Front()), before);
+}
+
+TEST_F(MainWindowCutSave, ReportsAFileThatFailsAndKeepsTheMark) {
+    CutFront();
+    const std::string elsewhere = m_folder / "elsewhere.pcm";
+    std::filesystem::rename(Front(), elsewhere);
+    std::string question, summary;
+    int answered = 0;
+    {
+        // The question, then the summary.
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            auto* const dialog = qobject_cast<FileListDialog*>(QApplication::activeModalWidget());
+            if (dialog == nullptr) return;
+            (answered++ == 0 ? question : summary) = dialog->Text().toStdString();
+            dialog->Press(answered == 1 ? QDialogButtonBox::Save : QDialogButtonBox::Close);
+        });
+        timer.start(10);
+        Tool("cutSave").trigger();
+    }
+    EXPECT_EQ(answered, 2);
+    EXPECT_TRUE(Has(summary, Front() + ": failed, ")) << summary;
+    EXPECT_TRUE(Has(summary, "Cuts saved: 0 written, 1 failed")) << summary;
+    EXPECT_TRUE(Has(Messages(), Front() + ": failed, ")) << Messages();
+    EXPECT_TRUE(m_window->isWindowModified()) << "the viewer has dropped the cut, the file does not have it";
+    // No further save writes it, so the window offers none.
+    std::string closing;
+    {
+        const auto dialog = Answer(QDialogButtonBox::Cancel, &closing);
+        EXPECT_FALSE(Close());
+    }
+    EXPECT_TRUE(Has(closing, Front() + ": a save has failed; undo the cut and draw it again")) << closing;
+    EXPECT_FALSE(Has(closing, "Save rewrites")) << closing;
+    // Taken back, cut again, and saved.
+    std::filesystem::rename(elsewhere, Front());
+    Tool("cutUndo").trigger();
+    EXPECT_FALSE(m_window->isWindowModified());
+    CutFront();
+    (void)Save();
+    EXPECT_FALSE(m_window->isWindowModified());
+    EXPECT_TRUE(Close());
+}
+
+TEST_F(MainWindowCutSave, SaysWhatItSkips) {
+    WriteStl(m_folder / "part.stl");
+    Import({m_folder / "part.stl"});
+    ASSERT_TRUE(CutByCall(KV_ScenePane::PolygonOutside, {{0.99, 0.99}, {0.98, 0.99}, {0.99, 0.98}}));  // all of it
+    std::string question, summary;
+    int answered = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        auto* const dialog = qobject_cast<FileListDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr) return;
+        (answered++ == 0 ? question : summary) = dialog->Text().toStdString();
+        dialog->Press(answered == 1 ? QDialogButtonBox::Save : QDialogButtonBox::Close);
+    });
+    timer.start(10);
+    Tool("cutSave").trigger();
+    EXPECT_EQ(answered, 2);
+    EXPECT_TRUE(Has(summary, "Cuts saved: 2 written, 1 skipped")) << summary;
+    EXPECT_TRUE(Has(summary, (m_folder / "part.stl") + ": skipped, only pcm files can hold cuts")) << summary;
+    EXPECT_TRUE(m_window->isWindowModified()) << "the mesh";
+    timer.stop();
+    // An export keeps its cuts.
+    EXPECT_TRUE(m_window->ExportObjectTo(2, m_folder / "cut.ply"));
+    EXPECT_FALSE(m_window->isWindowModified());
+    EXPECT_TRUE(Close());
+}
+
+// ---- before cuts are lost
+
+TEST_F(MainWindowCutSave, ClosesWithoutAQuestionWhenNothingIsUnsaved) {
+    const auto dialog = Answer(QDialogButtonBox::Cancel);
+    EXPECT_TRUE(Close());
+    EXPECT_FALSE(dialog.WasShown());
+}
+
+TEST_F(MainWindowCutSave, KeepsTheWindowOpenUntilCutsAreDiscarded) {
+    CutFront();
+    const std::string before = Bytes(Front());
+    std::string question;
+    {
+        const auto dialog = Answer(QDialogButtonBox::Cancel, &question);
+        EXPECT_FALSE(Close());
+    }
+    EXPECT_TRUE(m_window->isVisible());
+    EXPECT_TRUE(Has(question, "There are cuts that are not saved:")) << question;
+    EXPECT_TRUE(Has(question, "Save rewrites 1 file:\n" + Front())) << question;
+    {
+        const auto dialog = Answer(QDialogButtonBox::Cancel);
+        Trigger("Quit");
+        EXPECT_TRUE(dialog.WasShown());
+    }
+    EXPECT_TRUE(m_window->isVisible());
+    {
+        const auto dialog = Answer(QDialogButtonBox::Discard);
+        EXPECT_TRUE(Close());
+    }
+    EXPECT_FALSE(m_window->isVisible());
+    EXPECT_EQ(Bytes(Front()), before);
+}
+
+TEST_F(MainWindowCutSave, ClosesAfterASave) {
+    CutFront();
+    const std::string before = Bytes(Front());
+    const auto dialog = Answer(QDialogButtonBox::Save);
+    EXPECT_TRUE(Close());
+    EXPECT_TRUE(dialog.WasShown());
+    EXPECT_NE(Bytes(Front()), before);
+}
+
+TEST_F(MainWindowCutSave, KeepsTheWindowOpenWhenTheSaveFails) {
+    CutFront();
+    std::filesystem::remove(Front());
+    int answered = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        auto* const dialog = qobject_cast<FileListDialog*>(QApplication::activeModalWidget());
+        if (dialog != nullptr) dialog->Press(answered++ == 0 ? QDialogButtonBox::Save : QDialogButtonBox::Close);
+    });
+    timer.start(10);
+    EXPECT_FALSE(Close());
+    EXPECT_EQ(answered, 2) << "the question and the summary";
+    EXPECT_TRUE(m_window->isVisible());
+    EXPECT_TRUE(m_window->isWindowModified());
+}
+
+TEST_F(MainWindowCutSave, AsksBeforeTheSceneIsCleared) {
+    CutFront();
+    {
+        const auto dialog = Answer(QDialogButtonBox::Cancel);
+        Trigger("Clear");
+        EXPECT_TRUE(dialog.WasShown());
+    }
+    EXPECT_EQ(ObjectsInViewer(), 2);
+    {
+        const auto dialog = Answer(QDialogButtonBox::Discard);
+        Trigger("Clear");
+    }
+    EXPECT_EQ(ObjectsInViewer(), 0);
+    EXPECT_FALSE(m_window->isWindowModified());
+    EXPECT_EQ(UndoText(), "Undo cut");
+    EXPECT_TRUE(Close()) << "nothing is left to save";
+}
+
+TEST_F(MainWindowCutSave, AsksBeforeAnObjectWithCutsIsDeleted) {
+    CutFront();
+    ObjectList& list = m_window->Objects();
+    {
+        const auto dialog = Answer(QDialogButtonBox::Cancel);
+        emit list.DeletionWanted(1);
+        EXPECT_FALSE(dialog.WasShown()) << "back.pcm has no cut";
+    }
+    ASSERT_EQ(ObjectsInViewer(), 1);
+    std::string question;
+    {
+        const auto dialog = Answer(QDialogButtonBox::Cancel, &question);
+        emit list.DeletionWanted(0);
+    }
+    EXPECT_TRUE(Has(question, Front())) << question;
+    EXPECT_EQ(ObjectsInViewer(), 1);
+    {
+        const auto dialog = Answer(QDialogButtonBox::Discard);
+        emit list.DeletionWanted(0);
+    }
+    EXPECT_EQ(ObjectsInViewer(), 0);
+    EXPECT_FALSE(m_window->isWindowModified());
+}
+
+TEST_F(MainWindowCutSave, OffersNoSaveForObjectsThatAreFromNoPcmFile) {
+    m_window->ClearScene();
+    WriteStl(m_folder / "part.stl");
+    Import({m_folder / "part.stl"});
+    ASSERT_TRUE(CutByCall(KV_ScenePane::PolygonOutside, {{0.99, 0.99}, {0.98, 0.99}, {0.99, 0.98}}));
+    EXPECT_TRUE(m_window->isWindowModified());
+    Tool("cutSave").trigger();
+    EXPECT_TRUE(Has(Messages(), (m_folder / "part.stl") + ": skipped, only pcm files can hold cuts")) << Messages();
+    std::string question;
+    {
+        const auto dialog = Answer(QDialogButtonBox::Discard, &question);
+        EXPECT_TRUE(Close());
+    }
+    EXPECT_TRUE(Has(question, "part.stl: only pcm files can hold cuts; export the object to keep them")) << question;
+    EXPECT_FALSE(Has(question, "Save rewrites")) << question;
+}
+
+TEST_F(MainWindowCutSave, AsksNothingWhenTheViewerIsLost) {
+    CutFront();
+    DestroyXWindow(m_window->Pane()->NativeWindow());
+    ASSERT_TRUE(WaitUntil([&] { return m_window->Pane() == nullptr; }));
+    EXPECT_FALSE(m_window->isWindowModified());
+    EXPECT_FALSE(Tool("cutUndo").isEnabled());
+    EXPECT_FALSE(Tool("cutSave").isEnabled());
+    EXPECT_TRUE(Close());
+}
+
+}  // namespace
