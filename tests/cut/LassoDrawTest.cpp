@@ -35,6 +35,19 @@ protected:
         return count;
     }
 
+    /// Whether a pixel is not cyan where the nearest texel is a line, or cyan where it is none. Between two texels
+    /// either is right.
+    [[nodiscard]] bool IsWrong(int x, int y) const {
+        const CutSession& session = *pane->m_pCutSession;
+        const double s = (x + 0.5) * session.m_nWidth / picture.width,
+                     t = (y + 0.5) * session.m_nHeight / picture.height;
+        const auto isBetween = [](double at) { return std::abs(at - std::round(at)) < 1e-3; };
+        if (isBetween(s) || isBetween(t)) return false;
+        const std::uint32_t texel = session.m_vComposite.at(
+            static_cast<std::size_t>(t) * static_cast<std::size_t>(session.m_nWidth) + static_cast<std::size_t>(s));
+        return (texel != 0) != (DistanceAt(x, y, kCyan) <= 1);
+    }
+
     Vec3 plateColor{};
 };
 
@@ -208,6 +221,28 @@ TEST_P(LassoDraw, FreehandStretchesWithTheWindow) {
     const MaskBits mask = pane->m_pCutSession->CreateMaskBits(pane->m_nWidth, pane->m_nHeight);
     EXPECT_EQ(mask.m_vBits.m_uCount, 640u * 480u);
     EXPECT_TRUE(mask.m_vBits.IsSet(640 * 240 + 320));
+}
+
+// Every pixel of the frame, in windows that have another size than the images: each shows the nearest texel, and what
+// is left out around the box of the lasso was invisible.
+TEST_P(LassoDraw, FreehandShowsTheNearestTexelInEverySizeOfTheWindow) {
+    Add({.half = 20});  // the whole window
+    for (const auto& corner : {std::array{5, 5}, {250, 5}, {5, 180}, {250, 180}, {120, 90}}) {
+        Resize(321, 241);
+        pane->StartSegmentation(KV_ScenePane::FreehandInside);
+        pane->OnLeftDown(kMouseLeft, corner[0], corner[1]);
+        Drag({{corner[0] + 50, corner[1] + 10}, {corner[0] + 30, corner[1] + 50}, {corner[0] + 2, corner[1] + 7}});
+        for (const auto& [width, height] : {std::pair{321, 241}, {400, 500}, {101, 90}, {643, 60}, {33, 481}}) {
+            Resize(width, height);
+            Frame();
+            int wrong = 0;
+            for (int y = 0; y < height; ++y)
+                for (int x = 0; x < width; ++x) wrong += IsWrong(x, y) ? 1 : 0;
+            EXPECT_EQ(wrong, 0) << width << " x " << height << " from " << corner[0] << " " << corner[1];
+            EXPECT_GT(PixelsOf(kCyan), 10);
+        }
+        pane->EndSegmentation();
+    }
 }
 
 TEST_P(LassoDraw, FreehandIsGoneAfterTheSession) {

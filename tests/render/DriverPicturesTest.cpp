@@ -1,6 +1,6 @@
-// Twelve pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per driver:
-// first on llvmpipe with KV_PICTURES_WRITE=1, which writes the references into the folder $KV_PICTURES, then on the
-// others. $KV_DRIVER is what GL_RENDERER must name. A wrong picture and its wrong pixels are written beside the
+// Fourteen pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per
+// driver: first on llvmpipe with KV_PICTURES_WRITE=1, which writes the references into the folder $KV_PICTURES, then on
+// the others. $KV_DRIVER is what GL_RENDERER must name. A wrong picture and its wrong pixels are written beside the
 // reference.
 #include <cmath>
 #include <filesystem>
@@ -322,6 +322,36 @@ TEST_F(DriverPicturesInAWindow, Markers) {
     pane->CreateNeedle(27, -2.6f, -1.2f, 0.7f, -3.4f, -2.6f, 2.0f);
     pane->SelectNeedle(27);
     Check("Markers", 0.35);
+}
+
+// Both tints over hills and square, lines over everything, and the background around them as it was.
+TEST_F(DriverPictures, FreehandLasso) {
+    AddMeshes();
+    pane->m_vpMeshes.back()->m_iVisible = 0;  // the square leaves no background
+    pane->SetLassoCuttingColors(static_cast<std::int32_t>(HostColor(230, 40, 40)), 0.6f,
+                                static_cast<std::int32_t>(HostColor(40, 80, 230)), 0.3f);
+    pane->StartSegmentation(KV_ScenePane::FreehandInside);
+    const auto send = [&](KV_ScenePane::MouseInput::Kind kind, std::uint32_t flags, int x, int y) {
+        pane->SendMouse({kind, flags, x, y, 0});
+    };
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    send(Kind::LeftDown, KV_ScenePane::kMouseLeft, 250, 110);
+    for (int i = 1; i <= 80; ++i)
+        send(Kind::Move, KV_ScenePane::kMouseLeft, 160 + static_cast<int>(90 * std::cos(0.06 * i)),
+             110 + static_cast<int>(70 * std::sin(0.06 * i)));
+    send(Kind::LeftUp, 0, 160, 60);
+    send(Kind::Move, 0, 200, 20);  // the rubber band
+    Check("FreehandLasso", 0.35);
+}
+
+TEST_F(DriverPicturesInAWindow, PolygonLasso) {
+    AddMeshes();
+    pane->StartSegmentation(KV_ScenePane::PolygonInside);
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    for (const auto& [x, y] : {std::pair{30, 40}, {290, 60}, {250, 240}, {140, 100}})
+        pane->SendMouse({Kind::LeftDown, KV_ScenePane::kMouseLeft, x, y, 0});
+    pane->SendMouse({Kind::Move, 0, 60, 230, 0});
+    Check("PolygonLasso", 0.35);
 }
 
 TEST_F(DriverPictures, ShadowMap) {
