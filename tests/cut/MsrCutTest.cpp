@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <random>
 
 #include "cut/CutScan.h"
 #include "geometry/GridTriangulation.h"
@@ -160,10 +161,17 @@ TEST_F(WriteCut, RemovesPixelsBelowTheConfidenceLimitThoughNoCutTouchesThem) {
               ClassesAfterCut(scan, [](int x, int y) { return IsInMiddle(x, y) || (x == 0 && y == 0); }));
 }
 
-TEST_F(WriteCut, RemovesWhatIsBelowThePlaneAndKeepsWhatIsOnIt) {
-    // World y of row r is 3.5 - r: rows 0 to 4 are at 3.5 to -0.5. The plane is at the height of row 2.
-    EXPECT_EQ(Write({}, CutPlane{0, 1, 0, -1.5f}).outcome, CutWritten);
+TEST_F(WriteCut, RemovesWhatIsBelowThePlane) {
+    // World y of row r is 3.5 - r: rows 0 to 4 are at 3.5 to -0.5.
+    EXPECT_EQ(Write({}, CutPlane{0, 1, 0, -1.25f}).outcome, CutWritten);
     EXPECT_EQ(ClassesIn(file), ClassesAfterCut(scan, [](int, int y) { return y > 2; }));
+}
+
+TEST_F(WriteCut, KeepsWhatIsInThePlane) {
+    EXPECT_EQ(Write({}, CutPlane{0, 0, 1, 0}).outcome, CutWritten);
+    EXPECT_EQ(ClassesIn(file), scan.classification);
+    EXPECT_EQ(Write({}, CutPlane{0, 0, 1, -1e-30f}).outcome, CutWritten);
+    EXPECT_EQ(ClassesIn(file), ClassesAfterCut(scan, [](int, int) { return true; }));
 }
 
 TEST_F(WriteCut, AddsUpThePlaneAndAllMasks) {
@@ -225,6 +233,79 @@ TEST_F(WriteCut, KeepsPixelsWhosePositionIsNotANumber) {
     EXPECT_EQ(Write({middle}, CutPlane{0, 1, 0, 0}).outcome, CutWritten);
     EXPECT_EQ(ClassesIn(file),
               ClassesAfterCut(scan, [](int x, int y) { return (IsInMiddle(x, y) || y == 4) && !(x == 3 && y == 2); }));
+}
+
+// ---- blocks of rows
+
+namespace {
+
+/// The classes after a cut, by all vertices of the grid at once.
+std::vector<std::uint8_t> PlainClasses(const std::string& file, const Mesh& mesh, float limit,
+                                       const std::optional<CutPlane>& plane) {
+    const MeasurementData data = LoadMeasurementFile(WidePath(file).c_str(), limit, nullptr);
+    std::vector<Vertex> vertices = BuildMeasurementVertices(data);
+    for (Vertex& vertex : vertices) {
+        const CutPlane p = plane.value_or(CutPlane{});
+        if (p[0] * vertex.x + p[1] * vertex.y + p[2] * vertex.z + p[3] < 0) vertex.gridIndex = 0xFFFFFFFF;
+    }
+    for (const auto& mask : mesh.m_vpCutMasks) mask->InvalidateVertices(vertices);
+    const std::vector<std::uint8_t> before = ClassesIn(file);
+    std::vector<std::uint8_t> after = before;
+    for (std::uint8_t& value : after) value = value < 240 ? 250 : value;
+    for (const Vertex& vertex : vertices) {
+        if (vertex.gridIndex == 0xFFFFFFFF) continue;
+        const std::size_t pixel =
+            static_cast<std::size_t>(vertex.gridIndex >> 16) * static_cast<std::size_t>(data.m_iWidth) +
+            (vertex.gridIndex & 0xFFFF);
+        after[pixel] = before[pixel];
+    }
+    return after;
+}
+
+/// Points of a few coordinates, 0 among them, in the region of a mask of 40 x 30 pixels and around it.
+ScanSample RandomScan(std::mt19937& random, int width, int height) {
+    ScanSample scan(width, height, 1000.0f);
+    for (float& value : scan.points) value = static_cast<float>(random() % 60) * 1000.0f - 10000.0f;
+    for (std::size_t i = 2; i < scan.points.size(); i += 3)
+        scan.points[i] = random() % 2 == 0 ? 0.0f : static_cast<float>(random() % 3) * 1000.0f;
+    for (std::uint8_t& value : scan.classification) value = static_cast<std::uint8_t>(random() % 4 == 0 ? 245 : 7);
+    for (float& value : scan.confidence) value = static_cast<float>(random() % 10) * 0.1f;
+    return scan;
+}
+
+}  // namespace
+
+// Also with a camera in which a point has no projection, so that the one before it counts: here where z is 0, or 1.
+TEST_F(WriteCut, GivesTheClassesOfAllVerticesAtOnce) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 12; ++round) {
+        scan = RandomScan(random, 90 + round * 37, 240 - round * 11);
+        std::vector<std::shared_ptr<const ACAD::CutMask>> masks;
+        for (std::uint32_t kind = 0; kind < 3; ++kind) {
+            auto mask = MaskOf(kind, 40, 30, [&](int, int) { return random() % 8 == 0; });
+            if (kind == ACAD::CutKindVisibleInside) mask->m_vDepth.assign(40 * 30, 0.75f);
+            if (kind == ACAD::CutKindOutside) mask = MaskOf(kind, 40, 30, [](int, int) { return true; });
+            if (round % 3 == 1 && kind == 0) {  // w = z
+                mask->m_dProjection[11] = 1.0;
+                mask->m_dProjection[15] = 0.0;
+            }
+            if (round % 3 == 2 && kind == 1) {  // w = z - 1
+                mask->m_dModelView[11] = 1.0;
+                mask->m_dModelView[15] = -1.0;
+            }
+            masks.push_back(mask);
+        }
+        const float limit = round % 2 == 0 ? 0.0f : 0.25f;
+        const std::optional<CutPlane> plane =
+            round % 4 == 0 ? std::optional(CutPlane{0.6f, 0.8f, 0, -3}) : std::nullopt;
+        scan.WritePcm(file);
+        const auto mesh = ObjectOf(file, masks);
+        const std::vector<std::uint8_t> expected = PlainClasses(file, *mesh, limit, plane);
+        EXPECT_GT(std::ranges::count(expected, 250), 100);
+        EXPECT_GT(std::ranges::count(expected, 7), 100);
+        EXPECT_EQ(WriteCutToMsr(*mesh, limit, plane).outcome, CutWritten);
+        EXPECT_EQ(ClassesIn(file), expected) << "round " << round;
+    }
 }
 
 // ---- files that changed between import and save

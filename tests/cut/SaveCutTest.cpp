@@ -120,7 +120,7 @@ TEST_F(SaveCut, WritesThePlaneOnceMoreForTheCloneThatACutMade) {
 
 // ---- which planes are the same: |q - p|^2 <= 1e-10 min(|p|^2, |q|^2) in single precision
 
-TEST_F(SaveCut, ComparesPlanesByTheirDifferenceToTheShorterOne) {
+TEST_F(SaveCut, ComparesPlanesByTheirDifference) {
     struct Row {
         CutPlane stored, now;
         bool isSame;
@@ -135,7 +135,6 @@ TEST_F(SaveCut, ComparesPlanesByTheirDifferenceToTheShorterOne) {
         // Farther from the origin the limit grows with |d|: here the squares are about 10001.
         {{0, 0, 1, 100}, {0, 0, 1, 100.0009f}, true},
         {{0, 0, 1, 100}, {0, 0, 1, 100.0011f}, false},
-        // The shorter one counts: 2e-10 of |p|^2 = 1 would be within the limit of |q|^2 = 5.
         {{0, 0, 1, 0}, {0, 0, 1, 2}, false},
         {{0, 0, 1, std::numeric_limits<float>::quiet_NaN()}, {0, 0, 1, std::numeric_limits<float>::quiet_NaN()}, false},
     };
