@@ -101,12 +101,9 @@ std::string NoPlacement(const std::exception& error) { return std::string("no cl
 std::vector<CutReport> CutObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     std::vector<CutReport> cuts;
     cuts.reserve(options.cuts.size());
-    for (const LassoCut& lasso : options.cuts) {
-        // A lasso is applied in the camera of the last frame, and a visible one also by its depths.
-        KV_ScenePane::Picture frame;
-        if (!pane.CapturePicture(&frame)) PrintError(err, "the viewer drew no frame to cut in");
+    // The start of each session draws a frame, whose camera and depths the lasso is applied with.
+    for (const LassoCut& lasso : options.cuts)
         cuts.push_back({lasso.mode, pane.CutWithLasso(lasso.mode, lasso.points)});
-    }
     if (!HasCutOrNoLasso(cuts)) PrintError(err, "no lasso has changed an object");
     return cuts;
 }

@@ -186,6 +186,21 @@ TEST_F(HeadlessCutSave, WithoutAHeightForThePlaneWritesNothing) {
     }
 }
 
+// No vertex faces up. The plane would be placed at -20, where nobody asked for it.
+TEST_F(HeadlessCutSave, WithThePlaneAtTheDefaultHeightWritesNothing) {
+    const std::vector<std::byte> before = Bytes();
+    WriteCutGrid(m_folder / "b.pcm", {.columns = 2, .rows = 2, .z = -30});
+    m_options.files.push_back(m_folder / "b.pcm");
+    m_options.clipAuto = true;
+    SetCuts({"inside" + kLeftHalf});
+    const SaveRun run = Save();
+    EXPECT_EQ(run.status, kExitFailure);
+    EXPECT_EQ(run.out,
+              Line("a.pcm", "skipped, no clip height was found") + Line("b.pcm", "skipped, no clip height was found"));
+    EXPECT_EQ(run.err, "scenepane: no clip height was found, the plane is at -20\n");
+    EXPECT_EQ(Bytes(), before);
+}
+
 TEST_F(HeadlessCutSave, WarnsThatTheConfidenceFilterRemovesPoints) {
     WriteCutGrid(m_folder / "b.pcm", {.columns = 3, .confidence = 0.25f});
     m_options.files.push_back(m_folder / "b.pcm");
@@ -200,6 +215,28 @@ TEST_F(HeadlessCutSave, WarnsThatTheConfidenceFilterRemovesPoints) {
     EXPECT_EQ(ClassesOf(m_folder / "a.pcm"), WithoutColumns(0, 5));
     m_options.import.confidence = 0;
     EXPECT_EQ(Save().err, "");
+}
+
+TEST_F(HeadlessCutSave, ThatFailsForOneFileIsAFailureAndWritesTheOthers) {
+    std::filesystem::create_directory(m_folder / "locked");
+    WriteCutGrid(m_folder / "locked/b.pcm", {});
+    m_options.files.insert(m_options.files.begin(), m_folder / "locked/b.pcm");
+    SetCuts({"inside" + kLeftHalf});
+    std::filesystem::permissions(m_folder.Path(), std::filesystem::perms(0777));
+    std::filesystem::permissions(m_folder / "a.pcm", std::filesystem::perms(0666));
+    std::filesystem::permissions(m_folder / "locked", std::filesystem::perms(0555));
+    SaveRun run;
+    {
+        const UnprivilegedUser user;
+        if (!user.HasEffect()) GTEST_SKIP() << "root may write everywhere";
+        run = Save();
+    }
+    std::filesystem::permissions(m_folder / "locked", std::filesystem::perms(0755));
+    EXPECT_EQ(run.status, kExitFailure);
+    EXPECT_NE(run.out.find("locked/b.pcm: failed, "), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find(Line("a.pcm", "written")), std::string::npos) << run.out;
+    EXPECT_EQ(ClassesOf(m_folder / "a.pcm"), WithoutColumns(0, 5));
+    EXPECT_EQ(ClassesOf(m_folder / "locked/b.pcm"), WithoutColumns(11, 11));
 }
 
 TEST_F(HeadlessCutSave, OfAFolderThatMayNotBeWrittenFailsAndKeepsTheFile) {

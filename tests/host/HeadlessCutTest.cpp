@@ -206,6 +206,7 @@ TEST_F(HeadlessCut, OfAFileThatIsMissingReportsItAndCutsTheOthers) {
     m_options.exportPath = m_folder / "o.ply";
     const Printed err;
     EXPECT_EQ(RunExport(m_options, err), kExitFailure);
+    EXPECT_EQ(err.Text(), run.err);
     EXPECT_FALSE(std::filesystem::exists(m_options.exportPath));
 }
 
