@@ -40,9 +40,8 @@ struct RowBits {
 std::int32_t ColumnsUpTo(const RowBits& bits, float x) {
     const double estimate = static_cast<double>(x) - bits.left + 0.5;
     auto count = static_cast<std::int32_t>(std::clamp(estimate, 0.0, static_cast<double>(bits.columns)));
-    // The centres are rounded to float in very wide windows, the estimate is not.
+    // The centres are rounded to float, which in very wide windows places some on x that are right of it.
     while (count < bits.columns && bits.CenterX(count) <= x) ++count;
-    while (count > 0 && bits.CenterX(count - 1) > x) --count;
     return count;
 }
 
@@ -52,7 +51,6 @@ void AddEdge(RowBits& bits, const Corner& a, const Corner& b) {
     if (!(low < high)) return;  // horizontal, or not a number
     const double estimate = static_cast<double>(low) - bits.top - 1.0;
     auto row = static_cast<std::int32_t>(std::clamp(estimate, 0.0, static_cast<double>(bits.rows)));
-    while (row > 0 && bits.CenterY(row - 1) > low) --row;
     while (row < bits.rows && !(bits.CenterY(row) > low)) ++row;
     const float right = std::max(a.x, b.x);
     for (; row < bits.rows && bits.CenterY(row) <= high; ++row) {

@@ -102,6 +102,8 @@ TEST(CutMask, ADepthThatIsNoNumberHidesNothing) {
     mask.m_dModelView[10] = 1;
     EXPECT_EQ(Marks(mask, {At(-0.375f, 0.5f, 1e30f), At(-0.375f, 0.5f, -1e30f)}), (std::vector<int>{0, 1}))
         << "infinitely far and infinitely near";
+    mask.m_vDepth.assign(48, kInfinity);
+    EXPECT_EQ(Marks(mask, {At(-0.375f, 0.5f, 1e30f)}), (std::vector<int>{1})) << "at the same depth";
 }
 
 TEST(CutMask, ReadsTheDepthsFromTheBottomUpInWindowsOfOddSizes) {
@@ -158,6 +160,38 @@ TEST(CutMask, APointWithoutAProjectionIsWhereTheOneBeforeItWas) {
     const Vertex inside = At(-0.375f, 0.5f, -1), outside = At(0.9f, 0.9f, -1), none = At(7, 7, 0);
     EXPECT_EQ(Marks(mask, {none, inside, none, none, outside, none, inside, none}),
               (std::vector<int>{0, 1, 1, 1, 0, 0, 1, 1}));
+}
+
+TEST(CutMask, APointWithoutAProjectionIsWhereTheOneBeforeItWasAtAnyPlace) {
+    CutMask mask = SmallMask(ACAD::CutKindInside);
+    mask.m_dProjection[11] = -1;  // w = -z
+    mask.m_dProjection[15] = 0;
+    SetPixel(mask, 2, 0);
+    const Vertex inside = At(-0.375f, 0.5f, -1), outside = At(0.9f, 0.9f, -1), none = At(7, 7, 0);
+    for (std::size_t place = 2; place < 140; ++place) {
+        std::vector<Vertex> vertices(140, outside);
+        vertices[place - 2] = inside;
+        vertices[place] = none;
+        std::vector<int> expected(140, 0);
+        expected[place - 2] = 1;
+        EXPECT_EQ(Marks(mask, vertices), expected) << place;
+        vertices[place - 1] = inside;
+        expected[place - 1] = expected[place] = 1;
+        EXPECT_EQ(Marks(mask, vertices), expected) << place;
+        // A vertex that is not tested because it has no pixel is not the one before.
+        vertices[place - 1] = outside;
+        vertices[place - 1].gridIndex = 0xFFFFFFFF;
+        EXPECT_TRUE(mask.InvalidateVertices(vertices));
+        EXPECT_EQ(vertices[place].gridIndex, 0xFFFFFFFF) << place;
+    }
+}
+
+TEST(CutMask, SumsTheProductsInTheOrderOfTheCoordinates) {
+    CutMask mask = SmallMask(ACAD::CutKindInside);
+    mask.m_dModelView[0] = 1e20, mask.m_dModelView[4] = -1e20, mask.m_dModelView[8] = 1;
+    mask.m_dModelView[5] = 0.5;
+    SetPixel(mask, 2, 0);
+    EXPECT_EQ(Marks(mask, std::vector<Vertex>(33, At(1, 1, -0.375f))), std::vector<int>(33, 1));
 }
 
 TEST(CutMask, TheFirstPointWithoutAProjectionIsAtTheBottomLeftPixel) {
@@ -217,6 +251,9 @@ TEST(CutMask, ReadsNoBitsBeyondThoseThatItHas) {
     std::vector<Vertex> vertices;
     for (int i = 0; i < 64; ++i) vertices.push_back(At(static_cast<float>(i) / 32 - 1, -0.5f));
     EXPECT_EQ(Marks(mask, vertices), std::vector<int>(64, 0));
+    // The word goes on behind the last bit.
+    mask.m_vBits.m_vWords[1] = 0xFFFF0000;
+    EXPECT_EQ(Marks(mask, {At(-0.899f, 0.997f)}), (std::vector<int>{0})) << "column 50 of row 0";
 }
 
 TEST(CutMask, LeavesTheBitsOfOtherVerticesAsTheyAre) {
@@ -320,6 +357,9 @@ CutMask RandomMask(Random& random) {
         for (int y = top; y <= bottom; ++y)
             for (int x = left; x <= right; ++x)
                 if (!random.OneIn(4)) SetPixel(mask, x, y);
+    // A rectangle with set pixels around it: what is outside the rectangle is not looked up.
+    if (random.OneIn(3) && mask.m_rcBounds != CutMask::kNoPixel)
+        mask.m_rcBounds[0] += 1, mask.m_rcBounds[1] += 1, mask.m_rcBounds[2] -= 1, mask.m_rcBounds[3] -= 1;
     for (int i = 0; i < 16; ++i) {
         const auto at = static_cast<std::size_t>(i);
         mask.m_dModelView[at] = kIdentity[at] + random.Uniform(-0.3, 0.3);

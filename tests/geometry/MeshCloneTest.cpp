@@ -81,6 +81,7 @@ TEST(CloneWithoutVertices, HasTheResultOfAPlainLoop) {
         ASSERT_TRUE(SameBytes(clone->m_vTexCoords, expected.texCoords)) << "round " << round;
         EXPECT_EQ(clone->m_vVertices.capacity(), clone->m_vVertices.size());
         EXPECT_EQ(clone->m_vTriangles.capacity(), clone->m_vTriangles.size());
+        EXPECT_EQ(clone->m_vTexCoords.capacity(), clone->m_vTexCoords.size());
         kept += clone->m_vTriangles.size();
         if (clone->m_vTriangles.empty()) continue;
         const Mesh whole(std::move(expected.vertices), {}, L"", false);
