@@ -36,6 +36,8 @@ public:
     void CustomKeyDown(std::int32_t, std::int32_t, std::int32_t) override { Run(); }
     void PickPointCountChanged(std::int32_t) override { Run(); }
     void AlignmentDone() override { Run(); }
+    void SegmentationDone(std::int16_t) override { Run(); }
+    void CutMaskApplied(std::int64_t) override { Run(); }
 
 private:
     void Run() {
@@ -280,6 +282,76 @@ private:
 TEST_P(DestroyedInHandler, OfADialogThatEndsWithTheWindow) {
     new EndingDialog(ControlOf(*pane));
     ExpectEndOf("RecreateOpenglContext", [](ScenePane& p) { p.Methods().RecreateOpenglContext(3, 3, 0); });
+}
+
+// ---- cuts by lasso
+
+const KV_ScenePane::LassoPoint kWholeWindow[] = {{0.02, 0.02}, {0.02, 0.97}, {0.97, 0.97}, {0.97, 0.02}};
+const KV_ScenePane::LassoPoint kCornerOfTheWindow[] = {{0.02, 0.02}, {0.02, 0.05}, {0.04, 0.05}};
+
+TEST_P(DestroyedInHandler, OfACut) {
+    ExpectEndOf("CutWithLasso",
+                [](ScenePane& p) { EXPECT_TRUE(p.CutWithLasso(KV_ScenePane::FreehandInside, kWholeWindow)); });
+}
+
+TEST_P(DestroyedInHandler, OfACutByTheMouse) {
+    pane->Methods().StartSegmentation(KV_ScenePane::FreehandVisible);
+    for (const auto& [x, y] : {std::pair{2, 2}, {2, 77}, {97, 77}})
+        pane->SendMouse({.kind = MouseInput::Kind::LeftDown, .flags = KV_ScenePane::kMouseLeft, .x = x, .y = y});
+    ExpectEndOf("right press", [](ScenePane& p) {
+        p.SendMouse({.kind = MouseInput::Kind::RightDown, .flags = KV_ScenePane::kMouseRight, .x = 97, .y = 2});
+    });
+}
+
+TEST_P(DestroyedInHandler, OfTheEndOfACut) {
+    events.inside = [&] {
+        if (events.fired == 2) pane.reset();
+        EXPECT_FALSE(notes.isDead);
+    };
+    EXPECT_TRUE(pane->CutWithLasso(KV_ScenePane::PolygonInside, kWholeWindow));
+    EXPECT_EQ(pane, nullptr);
+    EXPECT_TRUE(notes.isDead);
+}
+
+TEST_P(DestroyedInHandler, OfACutThatHitsNothing) {
+    ExpectEndOf("CutWithLasso",
+                [](ScenePane& p) { EXPECT_FALSE(p.CutWithLasso(KV_ScenePane::FreehandVisible, kCornerOfTheWindow)); });
+}
+
+TEST_P(DestroyedInHandler, OfACancelledSession) {
+    pane->Methods().StartSegmentation(KV_ScenePane::FreehandInside);
+    Click(*pane, MouseInput::Kind::LeftDown);
+    ExpectEndOf("EndSegmentation", [](ScenePane& p) { p.Methods().EndSegmentation(); });
+}
+
+TEST_P(DestroyedInHandler, OfASessionThatACutOfTheHostCancels) {
+    pane->Methods().StartSegmentation(KV_ScenePane::PolygonInside);
+    ExpectEndOf("CutWithLasso",
+                [](ScenePane& p) { EXPECT_FALSE(p.CutWithLasso(KV_ScenePane::PolygonInside, kWholeWindow)); });
+}
+
+TEST_P(DestroyedInHandler, OfTheFrameOfASession) {
+    notes.writesInFrames = true;
+    ExpectEndOf("StartSegmentation", [](ScenePane& p) { p.Methods().StartSegmentation(KV_ScenePane::FreehandInside); });
+}
+
+TEST_P(DestroyedInHandler, OfTheFrameOfACut) {
+    notes.writesInFrames = true;
+    ExpectEndOf("CutWithLasso",
+                [](ScenePane& p) { EXPECT_FALSE(p.CutWithLasso(KV_ScenePane::FreehandInside, kWholeWindow)); });
+}
+
+TEST_P(DestroyedInHandler, OfTheMessageOfColoursThatASessionRefuses) {
+    pane->Methods().SetLassoCuttingColors(255, 0.0f, 0, 0.5f);
+    ExpectEndOf("CutWithLasso",
+                [](ScenePane& p) { EXPECT_FALSE(p.CutWithLasso(KV_ScenePane::FreehandInside, kWholeWindow)); });
+}
+
+TEST_P(DestroyedInHandler, OfTheFrameAfterAnUndo) {
+    ASSERT_TRUE(pane->CutWithLasso(KV_ScenePane::PolygonInside, kWholeWindow));
+    events.fired = 0;
+    notes.writesInFrames = true;
+    ExpectEndOf("PerformUndo", [](ScenePane& p) { EXPECT_EQ(p.Methods().PerformUndo(), 0); });
 }
 
 // The sink runs after the frame: the destruction does not take the context from under it.

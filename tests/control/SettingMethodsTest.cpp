@@ -161,6 +161,33 @@ const RepaintRow kRepaints[] = {
      }},
     {"DisplayClipPlanePartCloseToData", Repaint::InvalidateWithErase,
      [](auto& c) { c.DisplayClipPlanePartCloseToData(); }},
+    {"StartSegmentation", Repaint::Refresh, [](auto& c) { c.StartSegmentation(KV_ScenePane::PolygonInside); }},
+    {"StartSegmentationOfAnUnknownNumber", Repaint::Refresh, [](auto& c) { c.StartSegmentation(6); }},
+    {"EndSegmentation", Repaint::Refresh,
+     [](auto& c) {
+         c.m_nInteractionMode = ModeLasso;
+         c.EndSegmentation();
+     }},
+    {"EndSegmentationWithoutASession", Repaint::None, [](auto& c) { c.EndSegmentation(); }},
+    {"SetLassoCuttingColors", Repaint::None, [](auto& c) { c.SetLassoCuttingColors(1, 0.5f, 2, 0.5f); }},
+    {"PerformUndo", Repaint::Refresh,
+     [](auto& c) {
+         c.m_vUndoStack.push_back(c.m_vpMeshes);
+         c.PerformUndo();
+     }},
+    {"PerformUndoWithoutAStep", Repaint::None, [](auto& c) { c.PerformUndo(); }},
+    {"ClearUndoStack", Repaint::None,
+     [](auto& c) {
+         c.m_vUndoStack.push_back(c.m_vpMeshes);
+         c.ClearUndoStack();
+     }},
+    {"GetCutMasks", Repaint::None,
+     [](auto& c) {
+         std::int32_t count = 0;
+         (void)c.GetCutMasks(&count, nullptr);
+     }},
+    {"ClearCutMasks", Repaint::None, [](auto& c) { c.ClearCutMasks(); }},
+    {"SaveCuttingToPcms", Repaint::None, [](auto& c) { (void)c.SaveCuttingToPcms(); }},
     {"SetNeedlePickingModeOn", Repaint::None, [](auto& c) { c.SetNeedlePickingMode(-1); }},
     {"SetNeedlePickingModeOff", Repaint::InvalidateWithErase, [](auto& c) { c.SetNeedlePickingMode(0); }},
     {"SetNeedleDrawingMode", Repaint::None, [](auto& c) { c.SetNeedleDrawingMode(-1); }},

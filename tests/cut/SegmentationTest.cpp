@@ -317,6 +317,42 @@ TEST(Segmentation, IgnoresWheelMiddleButtonAndReleases) {
     }
 }
 
+// ---- contexts that are gone
+
+TEST(Segmentation, WhoseContextIsMadeAgainIsAbandonedByTheNextRightClick) {
+    for (const SegmentationMode way : {KV_ScenePane::PolygonInside, KV_ScenePane::FreehandInside}) {
+        CutControl c;
+        c->StartSegmentation(way);
+        LeftClick(*c, {100, 100});
+        LeftClick(*c, {100, 300});
+        c->RecreateOpenglContext(3, 3, 0);
+        EXPECT_EQ(c->m_pCutSession, nullptr);
+        EXPECT_EQ(c->m_pCutMask, nullptr);
+        EXPECT_NE(c->m_nInteractionMode, ModeIdle);
+        EXPECT_TRUE(c.host.Take().empty());
+        LeftClick(*c, {120, 100});
+        c->PerformRefresh();
+        RightClick(*c, {200, 200});
+        EXPECT_EQ(c.host.Take(), EventNames{"done -1"});
+        EXPECT_EQ(GlErrorOf(*c), GLenum{GL_NO_ERROR});
+    }
+}
+
+TEST(Segmentation, WhoseWindowIsGoneEndsWithoutACut) {
+    for (const SegmentationMode way : kAllWays) {
+        CutControl c;
+        c->StartSegmentation(way);
+        for (std::size_t i = 0; i < 3; ++i) LeftClick(*c, kMiddleBlock[i]);
+        const auto objects = c->m_vpMeshes;
+        c.window->Destroy();
+        c->m_vpMeshes = objects;
+        EXPECT_FALSE(c->FinishSegmentation(false));
+        EXPECT_EQ(c.host.Take(), EventNames{"done -1"});
+        EXPECT_EQ(c->m_vpMeshes, objects);
+        EXPECT_EQ(c->GetUndoStepCount(), 0);
+    }
+}
+
 // ---- without OpenGL
 
 TEST(Segmentation, WithoutAPictureRunsAndHitsNothing) {

@@ -205,6 +205,28 @@ TEST_P(GlErrors, AreNotLeftByAScreenshot) {
     ExpectCleanFrame();
 }
 
+TEST_P(GlErrors, AreNotLeftByLassosAndTheirCuts) {
+    GetParam().call(pane);
+    (void)TakeErrors();
+    const KV_ScenePane::LassoPoint points[] = {{0.1, 0.1}, {0.1, 0.9}, {0.9, 0.9}, {0.9, 0.1}};
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    for (std::int16_t way = 0; way < 6; ++way) {
+        SCOPED_TRACE(way);
+        pane->StartSegmentation(way);
+        pane->SendMouse({.kind = Kind::LeftDown, .flags = KV_ScenePane::kMouseLeft, .x = 10, .y = 10});
+        pane->SendMouse({.kind = Kind::Move, .flags = KV_ScenePane::kMouseLeft, .x = 40, .y = 12});
+        pane->SendMouse({.kind = Kind::Move, .x = 30, .y = 40});
+        ExpectCleanFrame();
+        pane->EndSegmentation();
+        EXPECT_EQ(TakeErrors(), std::vector<GLenum>());
+        (void)pane->CutWithLasso(static_cast<KV_ScenePane::SegmentationMode>(way), points);
+        EXPECT_EQ(TakeErrors(), std::vector<GLenum>());
+        ExpectCleanFrame();
+        pane->PerformUndo();
+        EXPECT_EQ(TakeErrors(), std::vector<GLenum>());
+    }
+}
+
 TEST(GlErrorsOfAWindow, OfNegativeSizeAreNotLeftByItsFirstFrameNorByOneAfterARecreation) {
     for (const auto& [width, height] : {std::pair{-5, 100}, {100, -5}, {-5, -5}}) {
         OffscreenControl pane(width, height);
