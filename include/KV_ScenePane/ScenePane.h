@@ -183,7 +183,9 @@ public:
     /// area was resized since the last one.
     /// @param points  of a polygon the corners in their order, at least two, closed by the viewer; of a freehand lasso
     ///                the start and the points of its line. Corners that are not finite are outside the window
-    /// @return whether an object has changed; false for a NoPicture viewer and without a window
+    /// @return whether an object has changed. False without an event for a mode that is none, for a NoPicture viewer and
+    ///         without a window; false with SegmentationDone(-1) when nothing was hit
+    /// @throws what handlers and hooks throw: the session is over then, with its cut
     virtual bool CutWithLasso(SegmentationMode mode, std::span<const LassoPoint> points) = 0;
     /// Number of cuts that PerformUndo() can take back.
     [[nodiscard]] virtual int GetUndoStepCount() const = 0;

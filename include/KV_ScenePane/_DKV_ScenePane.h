@@ -11,7 +11,7 @@ namespace KV_ScenePane {
 /// Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are in the
 /// world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only and stay the
 /// caller's; output pointers must not be null and must have room for what is written.
-/// Methods marked have no effect in this version: they write one line to the debugger output and return
+/// Methods marked [declared only] have no effect in this version: they write one line to the debugger output and return
 /// 0. Unless a method says otherwise it reports no error, asks for no repaint and throws nothing but std::bad_alloc.
 class _DKV_ScenePane {
 public:
@@ -40,10 +40,12 @@ public:
     /// it; invalidates. Needles, pick-point spheres, free points and overlays stay. The selection and the variable
     /// objects keep their entries, which have no effect any more.
     virtual void ClearData() = 0;
-    /// Drops all undo steps.
+    /// Drops all undo steps; the objects of the scene stay. Asks for no repaint.
     virtual void ClearUndoStack() = 0;
-    /// Tint of the pixels inside and outside a freehand lasso.
-    /// @param inside, outside  0x00BBGGRR
+    /// Tint of the objects under a freehand lasso, from the next session on. With opacity 0 the colour 255 is refused,
+    /// and for what is removed the opaque 0xFFFF00 of the line: the first click of a session then shows a message, and
+    /// the session has no lasso.
+    /// @param inside, outside  0x00BBGGRR; inside for what the cut removes
     /// @param insideOpacity, outsideOpacity  0 invisible to 1 opaque
     virtual void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                        float outsideOpacity) = 0;
@@ -104,9 +106,12 @@ public:
     /// Sets the colour of an object; invalidates. A bad index or the present colour does nothing.
     /// @param color  0x00BBGGRR
     virtual void SetObjectColor(std::int16_t idx, std::int32_t color) = 0;
-    /// Starts a cut by lasso; EndSegmentation() cancels it, SegmentationDone reports its end.
-    /// @param mode  0, 1, 2 polygon: remove what is outside, what is inside, what is inside and visible; 3, 4, 5 the
-    ///              same with a freehand lasso
+    /// Starts a session in which the operator cuts all visible objects by a lasso; SegmentationDone reports its end.
+    /// Left clicks add corners, and drags the way of a freehand lasso; a right click adds the last one and cuts; Escape
+    /// and EndSegmentation() cancel. A session that runs is replaced without an event. Refreshes. Until the end the
+    /// window shows the lasso cursor, and the space bar starts no animation. What a freehand lasso tints is where the
+    /// objects were at the start: do not change the view or the objects before the end.
+    /// @param mode  a SegmentationMode (Cutting.h); another value starts no session and has the other effects
     virtual void StartSegmentation(std::int16_t mode) = 0;
     /// Numbers of vertices and triangles of an object. The index must be valid: it is not checked.
     virtual void GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) = 0;
@@ -114,8 +119,10 @@ public:
     virtual void ClearPickPointSpheres() = 0;
     /// Sets the centre of a sphere, world frame; the colour stays. Refreshes. The id must be valid: it is not checked.
     virtual void MovePickPointSphere(std::int32_t id, float x, float y, float z) = 0;
-    /// Restores the object list as it was before the last cut; objects added since vanish. Fires no event.
-    /// @return number of undo steps that are left
+    /// Restores the object list as it was before the last cut and refreshes: objects added since vanish, deleted ones
+    /// return, indices may change. Fires no event; a session goes on. Colour, visibility and transform of objects that
+    /// the cut did not replace stay as they are.
+    /// @return number of undo steps that are left; also 0 when there was none
     virtual std::int32_t PerformUndo() = 0;
     /// Reads a mesh file, chosen by its extension: ply, stl, ois, msh or hps; adds one object. On the calling thread.
     /// What is refused adds nothing, and one line of the debugger output has its path and the reason; a ply file throws
@@ -250,7 +257,8 @@ public:
     /// SetViewParams() accepts them.
     virtual void GetViewParams(float* wx1, float* wx2, float* wx3, float* wy1, float* wy2, float* wy3, float* cx,
                                float* cy, float* cz, float* zoom) = 0;
-    /// Cancels the running cut. [declared only]
+    /// Cancels the running session of StartSegmentation(), fires SegmentationDone with -1 and refreshes. Does nothing
+    /// without one.
     virtual void EndSegmentation() = 0;
     /// 1 switches shadows on, any other value off. They show in draw modes 0 to 4; modes 5 and 6 draw no objects then.
     /// Asks for no repaint.
@@ -440,12 +448,14 @@ public:
     /// @param triangles  3 indices per triangle; not checked
     virtual void ImportMeshFromMemory(std::int32_t numberOfVertices, std::int32_t numberOfTriangles,
                                       const float* vertices, const std::int32_t* triangles) = 0;
-    /// The distinct cut masks of all objects.
+    /// The distinct cut masks of all objects of the scene, ascending by address.
     /// @param count        with null cutMaskPtrs receives their number; else the number to copy
-    /// @param cutMaskPtrs  room for that many pointers, or null; the masks belong to the control
-    /// @return false when more are requested than exist
+    /// @param cutMaskPtrs  room for that many pointers, or null. A mask lives while an object of the scene or of an undo
+    ///                     step has it
+    /// @return false, with nothing written, when more are requested than exist, a negative number, or with null count
     virtual VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) = 0;
-    /// Removes the cut masks of all objects.
+    /// Removes the cut masks of all objects of the scene, which keep their shape: SaveCuttingToPcms() does not write
+    /// these cuts. Asks for no repaint, makes no undo step; objects of undo steps alone keep theirs.
     virtual void ClearCutMasks() = 0;
     /// Starts the component registry, which textures and hps files need. Calls are counted.
     virtual void InitializeKVReg() = 0;

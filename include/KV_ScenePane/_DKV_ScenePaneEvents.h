@@ -24,7 +24,8 @@ public:
     /// @param mouseX, mouseY  pixels of the drawing area, y downward
     virtual void SelectObjCoords(std::int16_t /*idx*/, float /*px*/, float /*py*/, float /*pz*/,
                                  std::int32_t /*shiftModifiers*/, std::int32_t /*mouseX*/, std::int32_t /*mouseY*/) {}
-    /// A cut by lasso ended.
+    /// A session of a cut ended, by a cut or cancelled: once per session. A session that a handler of CutMaskApplied
+    /// started and did not end has ended with it.
     /// @param numObj  objects in the list afterwards; -1 when nothing was changed
     virtual void SegmentationDone(std::int16_t /*numObj*/) {}
     /// The view moved or was set, after TracingMode(1); once per step of a drag. The unit direction to the viewer
@@ -48,7 +49,9 @@ public:
     /// A pick-point sphere was added or removed, or the list was emptied, also one that was empty before.
     /// @param newCount  number of spheres afterwards; 0 after SetPickMode() and ClearPickPointSpheres()
     virtual void PickPointCountChanged(std::int32_t /*newCount*/) {}
-    /// A cut was applied. @param addr  address of its ACAD::CutMask, owned by the viewer
+    /// A cut has its result: the list of objects is still the former one and is replaced afterwards, also when the
+    /// handler throws. What the handler changes in the list goes on the undo step of the cut and is replaced, too.
+    /// @param addr  address of the ACAD::CutMask (CutMask.h), owned by the viewer
     virtual void CutMaskApplied(std::int64_t /*addr*/) {}
 
 protected:
