@@ -183,8 +183,8 @@ public:
     /// area was resized since the last one.
     /// @param points  of a polygon the corners in their order, at least two, closed by the viewer; of a freehand lasso
     ///                the start and the points of its line. Corners that are not finite are outside the window
-    /// @return whether an object has changed. False without an event for a mode that is none, for a NoPicture viewer and
-    ///         without a window; false with SegmentationDone(-1) when nothing was hit
+    /// @return whether an object has changed. False with SegmentationDone(-1) when nothing was hit; false without an
+    ///         event for a number that is no mode, for a NoPicture viewer and without a window
     /// @throws what handlers and hooks throw: the session is over then, with its cut
     virtual bool CutWithLasso(SegmentationMode mode, std::span<const LassoPoint> points) = 0;
     /// Number of cuts that PerformUndo() can take back.
