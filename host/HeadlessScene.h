@@ -1,6 +1,7 @@
 // What the runs without a window have in common: a viewer, its files, its view, its clip plane and its cuts.
 #pragma once
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <span>
