@@ -48,18 +48,15 @@ void DeleteCutSession(CKV_ScenePaneCtrl& control) {
     control.m_pCutSession.reset();
 }
 
-/// The session that a handler has started during the events of another one is over with that.
-void EndSessionOfHandler(CKV_ScenePaneCtrl& control) {
-    control.ShowLassoCursor(false);
-    control.m_bToggleAnimationOnSpacebar = 1;
-    DeleteCutSession(control);
-}
-
-/// Back to idle.
+/// Back to idle. A session that a handler has started during the events of this one is over with it.
 void LeaveLassoMode(CKV_ScenePaneCtrl& control) {
     const bool startedByHandler = !std::exchange(control.m_bSessionEnds, false);
     const std::int32_t mode = std::exchange(control.m_nInteractionMode, ModeIdle);
-    if (startedByHandler && (mode == ModeLasso || mode == ModeMaskLasso)) EndSessionOfHandler(control);
+    if (mode == ModeMaskLasso) DeleteCutSession(control);  // clicks of a handler may have made one
+    if (!startedByHandler || (mode != ModeLasso && mode != ModeMaskLasso)) return;
+    control.ShowLassoCursor(false);
+    control.m_bToggleAnimationOnSpacebar = 1;
+    DeleteCutSession(control);
 }
 
 /// The cut of the running session. No code of the host runs in it: texts wait until the session is deleted.

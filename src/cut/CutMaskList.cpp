@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "control/ScenePaneCtrl.h"
@@ -14,8 +16,7 @@ std::vector<const ACAD::CutMask*> DistinctMasks(std::span<const std::shared_ptr<
     for (const auto& mesh : meshes)
         for (const auto& mask : mesh->m_vpCutMasks) masks.push_back(mask.get());
     std::ranges::sort(masks, std::less<>());
-    const auto repeated = std::ranges::unique(masks);
-    masks.erase(repeated.begin(), repeated.end());
+    masks.erase(std::unique(masks.begin(), masks.end()), masks.end());
     return masks;
 }
 

@@ -15,14 +15,15 @@ std::atomic<int> g_refusedBlock{0};  // counts down to 1, which is refused; 0: n
 constexpr std::size_t kLargeBlock = 1000;
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: gcc would take their malloc() and free() for a mismatch with new and delete.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     if (size >= kLargeBlock && g_refusedBlock > 0 && g_refusedBlock-- == 1) throw std::bad_alloc();
     void* const memory = std::malloc(std::max<std::size_t>(1, size));
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -187,6 +188,18 @@ TEST(CutMaskApplied, OfAStartWithAnUnknownNumberLeavesItsCursor) {
     EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
 }
 
+TEST(CutMaskApplied, OfAHostWhoseClicksFindWaitingTexturesLeavesNoLasso) {
+    CutControl c;
+    c->StartSegmentation(KV_ScenePane::FreehandInside);
+    LeftClick(*c, kMiddleBlock[0]);
+    c->StartSegmentation(KV_ScenePane::FreehandInside);  // the session goes on, further textures wait
+    c.host.onMask = [&](const ACAD::CutMask&) { LeftClick(*c, {100, 100}); };
+    DrawLasso(*c, kMiddleBlock);
+    EXPECT_EQ(c.host.Take(), (EventNames{"mask", "done 2"}));
+    EXPECT_EQ(c->m_pCutSession, nullptr);
+    EXPECT_EQ(VertexCounts(*c), kCut);
+}
+
 TEST(CutMaskApplied, OfAHostThatStartsAndEndsASessionReportsThatEnd) {
     for (const SegmentationMode way : kPolygonAndFreehand) {
         CutControl c;
@@ -287,6 +300,19 @@ TEST(CutEvents, ThatBothThrowPassTheFirstExceptionOn) {
     c.host.onDone = [](int) { throw std::logic_error("done"); };
     EXPECT_THROW(Cut(c), std::runtime_error);
     EXPECT_EQ(c.host.Take(), (EventNames{"mask", "done 2"}));
+}
+
+TEST(AMessageAboutColours, WhoseReaderThrowsLeavesNoSession) {
+    CutControl c;
+    c->SetLassoCuttingColors(255, 0.0f, 0, 0.5f);
+    KV_ScenePane::SetDebugOutputSink([](std::string_view) { throw std::runtime_error("sink"); });
+    EXPECT_THROW(Cut(c, KV_ScenePane::FreehandInside), std::runtime_error);
+    KV_ScenePane::SetDebugOutputSink({});
+    EXPECT_EQ(c.host.Take(), EventNames{"done -1"});
+    EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
+    EXPECT_EQ(c->m_bLassoCursor, 0);
+    c->SetLassoCuttingColors(255, 0.5f, 0, 0.0f);
+    EXPECT_TRUE(Cut(c, KV_ScenePane::FreehandInside));
 }
 
 // ---- failures of the cut itself
