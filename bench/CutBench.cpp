@@ -2,7 +2,7 @@
 // of the processor: the polygon's pixels, the test of all vertices and the clone of what is left.
 //   Cut               kind 0 (inside), 1 (outside), 2 (visible inside; without the read of the depths); corners of the
 //                     polygon; tenths of the object that it encloses. All of it in two sizes of window
-//   RasterOfPolygon   the pixels alone
+//   RasterOfPolygon   the pixels alone; RasterOfZigzag: with all edges in all rows
 //   CopyOfTheObject   the yardstick: vertices and triangles into fresh memory
 //   FiftyCuts         of one object among 20: resident memory of the undo stack in MiB, and how many MiB the clones
 //   have
@@ -115,6 +115,18 @@ BENCHMARK(RasterOfPolygon)
     ->ArgNames({"large", "corners"})
     ->ArgsProduct({{0, 1}, {8, 64, 400, 4000}})
     ->Unit(benchmark::kMillisecond);
+
+/// Every edge crosses every row: as many edges as can be in one row.
+void RasterOfZigzag(benchmark::State& state) {
+    const WindowSize window = kWindows[1];
+    std::vector<LassoPoint> points;
+    points.reserve(static_cast<std::size_t>(state.range(0)) + 1);
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        points.push_back({static_cast<double>(i) / static_cast<double>(state.range(0)), i % 2 == 0 ? 0.0 : 0.9999});
+    points.push_back(points.front());
+    for (auto _ : state) benchmark::DoNotOptimize(CreateMaskBits(window.width, window.height, points));
+}
+BENCHMARK(RasterOfZigzag)->ArgName("corners")->Arg(8)->Arg(64)->Arg(400)->Unit(benchmark::kMillisecond);
 
 void CopyOfTheObject(benchmark::State& state) {
     const auto& mesh = MillionVertices();
