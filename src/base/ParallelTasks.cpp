@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <system_error>
 #include <thread>
 
 std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::function<void(std::size_t)>& task) {
@@ -24,8 +23,8 @@ std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::f
     helpers.reserve(std::min(cores, count));
     try {
         while (helpers.size() + 1 < std::min(cores, count)) helpers.emplace_back(work);
-    } catch (const std::system_error&) {
-        // The system refuses another thread: those that exist do all the work.
+    } catch (const std::exception&) {
+        // The system refuses another thread or its memory: those that exist do all the work.
     }
     work();
     helpers.clear();
