@@ -203,16 +203,36 @@ TEST_F(CutSessionDraw, CatchesUpAfterAnyMappingThatFailed) {
 
 TEST_F(CutSessionDraw, SendsPixelsAgainThatTheDriverHasLost) {
     LassoPair pair = Pair(40, 30, 10, 5, AllTints()[1]);
-    pair.Add(20, 5);
-    pair.Add(20, 15);
+    pair.Add(14, 5);
+    pair.Add(14, 9);
+    Draw(pair);
+    const Pixels lines = pair.reference.lineTexture;
     {
         const MappedBuffers mapped;
         MappedBuffers::losesPixels = true;
+        pair.Preview(30, 25);
         Draw(pair);
-        EXPECT_EQ(TextureImage(pair.session.m_pTextures->m_uLineTexture, 40, 30), Pixels(1200, 0));
+        EXPECT_EQ(TextureImage(pair.session.m_pTextures->m_uLineTexture, 40, 30), lines);
     }
     Draw(pair);
     ExpectSameImages(pair);
+}
+
+// Nothing can be said of what the texture shows of them.
+TEST_F(CutSessionDraw, SendsTheWholeLostRectangleAgain) {
+    LassoPair pair = Pair(40, 30, 10, 5, AllTints()[1]);
+    pair.Add(14, 5);
+    Draw(pair);
+    const MappedBuffers mapped;
+    MappedBuffers::losesPixels = true;
+    pair.Preview(30, 25);
+    Draw(pair);
+    MappedBuffers::losesPixels = false;
+    MappedBuffers::lengths.clear();
+    pair.Preview(12, 8);
+    Draw(pair);
+    ExpectSameImages(pair);
+    EXPECT_EQ(MappedBuffers::lengths, (std::vector<GLsizeiptr>{4 * 21 * 21, 4 * 23 * 23}));
 }
 
 TEST_F(CutSessionDraw, LeavesTheStateOfOpenGlAsItWas) {

@@ -313,12 +313,14 @@ TEST(CutSessionMask, IsThatOfThePixelByPixelMethod) {
     }
 }
 
-// The products of such sizes do not fit a float: truncation then picks the column before.
+// 4101 x 4093 has more digits than a float: column 4093 shows pixel 4092.
 TEST(CutSessionMask, RoundsTheColumnsOfLargeWindowsAsFloats) {
-    LassoPair pair(TexturesOfSize(5003, 3), 1, 1, {}, 0);
-    pair.Add(5001, 1);
-    ExpectSameMask(pair, 5003, 3);
-    ExpectSameMask(pair, 4999, 5);
+    LassoPair pair(TexturesOfSize(4101, 3), 4093, 1, {}, 0);
+    pair.Add(4097, 1);
+    EXPECT_FALSE(pair.session.CreateMaskBits(4101, 3).m_vBits.IsSet(4101 + 4093));
+    EXPECT_TRUE(pair.session.CreateMaskBits(4101, 3).m_vBits.IsSet(4101 + 4095));
+    ExpectSameMask(pair, 4101, 3);
+    ExpectSameMask(pair, 4111, 5);
     ExpectSameMask(pair, 16001, 2);
 }
 
