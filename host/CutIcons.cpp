@@ -37,11 +37,10 @@ bool IsOneOf(KV_ScenePane::SegmentationMode way, KV_ScenePane::SegmentationMode 
 QPainterPath Lasso(bool isFreehand) {
     QPainterPath path(QPointF(4.5, 9));
     if (isFreehand) {
-        // A kidney: no corner, and one side curved inward.
-        path.cubicTo(4.5, 3, 11, 4.5, 12, 8);
-        path.cubicTo(13, 4, 20, 4, 19.5, 9.5);
-        path.cubicTo(19, 15, 15, 17.5, 11.5, 16.5);
-        path.cubicTo(6, 17, 4.5, 13, 4.5, 9);
+        path.cubicTo(4, 3, 10, 3.5, 13, 5.5);
+        path.cubicTo(17, 8, 20.5, 5, 19.5, 10);
+        path.cubicTo(18.5, 16, 14, 13, 11.5, 16);
+        path.cubicTo(8, 19, 5, 15, 4.5, 9);
     } else {
         for (const QPointF corner : {QPointF(14, 5), QPointF(19.5, 10), QPointF(15, 16.5), QPointF(7, 16)})
             path.lineTo(corner);

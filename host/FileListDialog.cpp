@@ -30,8 +30,8 @@ FileListDialog::FileListDialog(const Texts& texts, QDialogButtonBox::StandardBut
     list->setLineWrapMode(QPlainTextEdit::NoWrap);
     list->setTabChangesFocus(true);
     const auto shown = std::clamp(static_cast<int>(texts.lines.size()), 1, kMaxShownLines);
-    // One line more, which a horizontal scroll bar covers.
-    list->setMinimumHeight((shown + 1) * list->fontMetrics().lineSpacing() + 2 * list->frameWidth());
+    // Two lines more: one for the margins, one that a horizontal scroll bar covers.
+    list->setMinimumHeight((shown + 2) * list->fontMetrics().lineSpacing() + 2 * list->frameWidth());
     list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);  // starts with this height, and grows
     constexpr int kWidth = 560;                                         // pixels, for most paths
     list->setMinimumWidth(kWidth);

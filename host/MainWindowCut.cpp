@@ -43,7 +43,7 @@ void MainWindow::MakeCuts() {
     m_pLassoHint->hide();
 }
 
-void MainWindow::MakeCutMenu() { m_pCutTools->FillMenu(*menuBar()->addMenu(tr("&Cut"))); }
+void MainWindow::MakeCutMenu() { m_pCutTools->FillMenu(*menuBar()->addMenu(tr("&Edit"))); }
 
 bool MainWindow::IsLassoRunning() const { return m_pCuts->RunningWay().has_value(); }
 

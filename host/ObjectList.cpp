@@ -76,6 +76,11 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
     return item;
 }
 
+QSize ObjectList::minimumSizeHint() const {
+    const int rows = 2 * fontMetrics().lineSpacing();
+    return {QTreeWidget::minimumSizeHint().width(), header()->sizeHint().height() + rows + 2 * frameWidth()};
+}
+
 std::vector<ObjectRow> ObjectList::Rows() const {
     std::vector<ObjectRow> rows;
     rows.reserve(static_cast<std::size_t>(topLevelItemCount()));

@@ -39,6 +39,8 @@ public:
     /// For the first layout only; the user can resize the pane.
     /// Wide enough for all columns but the boxes.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
+    /// Two rows, on a screen that has no more space.
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 signals:
     // What the user asked for. The list itself changes nothing but the check mark.

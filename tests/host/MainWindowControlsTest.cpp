@@ -189,7 +189,7 @@ TEST_F(MainWindowControls, MarkNoLetterTwiceAmongTheMenuBarAndThePanes) {
             EXPECT_TRUE(isNew) << text.toStdString() << " and " << other->second.toStdString();
         };
         for (const QAction* const menu : m_window->menuBar()->actions()) add(menu->text());
-        EXPECT_EQ(owners.size(), 3u);
+        EXPECT_EQ(owners.size(), 4u);
         for (const auto* const button : m_window->findChildren<QAbstractButton*>()) add(button->text());
         for (const auto* const label : m_window->findChildren<QLabel*>()) {
             if (label->buddy() != nullptr) add(label->text());
@@ -201,7 +201,7 @@ TEST_F(MainWindowControls, MarkNoLetterTwiceAmongTheMenuBarAndThePanes) {
 TEST_F(MainWindowControls, NameEveryButtonThatShowsAColourOnly) {
     WriteXdt(m_folder / "a.xdt", 2, 2);
     Import({m_folder / "a.xdt"});
-    EXPECT_EQ(m_window->findChildren<ColorButton*>().size(), 11);
+    EXPECT_EQ(m_window->findChildren<ColorButton*>().size(), 13);
     for (const auto* const button : m_window->findChildren<ColorButton*>()) {
         EXPECT_FALSE(button->accessibleName().isEmpty()) << button->objectName().toStdString();
         EXPECT_FALSE(button->toolTip().isEmpty()) << button->objectName().toStdString();
