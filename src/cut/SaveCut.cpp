@@ -8,7 +8,9 @@
 #include <cstddef>
 #include <exception>
 #include <map>
+#include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "KV_ScenePane/PathText.h"
@@ -56,20 +58,14 @@ bool IsMoved(const Mesh& mesh) {
     return !isSameRotation || !isSameTranslation;
 }
 
-/// The file behind a path with all links followed; a path without a file differs from all others.
-struct FileIdentity {
-    dev_t device = 0;
-    ino_t inode = 0;
-    std::string missing;  ///< the path when there is no file
-
-    auto operator<=>(const FileIdentity&) const = default;
-};
+/// Device and inode of the file behind a path with all links followed; the path itself when there is no file.
+using FileIdentity = std::tuple<dev_t, ino_t, std::string>;
 
 FileIdentity IdentityOf(const std::wstring& file) {
     const std::string path = KV_ScenePane::PathBytes(file);
     struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) return {.missing = path};
-    return {.device = info.st_dev, .inode = info.st_ino, .missing = {}};
+    if (::stat(path.c_str(), &info) != 0) return {0, 0, path};
+    return {info.st_dev, info.st_ino, {}};
 }
 
 /// Indices of the objects that have something to save, one list per file.
