@@ -30,8 +30,12 @@ TEST(KeyPress, IsReportedToTheHostAndTheDialogInEveryMode) {
             SCOPED_TRACE(testing::Message() << "mode " << mode << ", key " << key);
             c.Set({.mode = mode, .plane = true, .dialog = true});
             c->OnKeyPressed(key, 3, 0x4001);
-            ASSERT_EQ(c.events.events.size(), 1u);
+            const bool cancels = key == kKeyEscape && (mode == ModeLasso || mode == ModeMaskLasso);
+            ASSERT_EQ(c.events.events.size(), cancels ? 2u : 1u);
             EXPECT_EQ(c.events.events[0], KeyEvent(key, 3, 0x4001));
+            if (cancels) {
+                EXPECT_EQ(c.events.events[1], (EventsRecorder::Event{"SegmentationDone", {-1}}));
+            }
             EXPECT_EQ(c.dialog.calls, (Calls{"OnInteractionKey " + std::to_string(key) + " 3 16385"}));
             EXPECT_EQ(c->m_bAnimationRunning, 0) << "every key stops it";
             EXPECT_TRUE(c.LastPointUnchanged());

@@ -311,15 +311,18 @@ TEST(MaskLassoPress, DuringASessionRepaintsWithErase) {
     EXPECT_FALSE(c.window->HasCapture());
 }
 
-TEST(LassoPress, OfTheRightButtonAddsTheLastPoint) {
+TEST(LassoPress, OfTheRightButtonAddsTheLastPointAndClosesTheLasso) {
     InputControl c({.mode = ModeLasso});
-    c->m_vLassoPoints = {{0.5, 0.5}};
+    c->m_vLassoPoints = {{0.5, 0.25}};
     c->OnRightDown(kRight, 480, 360);
-    ASSERT_EQ(c->m_vLassoPoints.size(), 2u);
+    ASSERT_EQ(c->m_vLassoPoints.size(), 3u);
     EXPECT_DOUBLE_EQ(c->m_vLassoPoints[1].x, 0.75);
     EXPECT_DOUBLE_EQ(c->m_vLassoPoints[1].y, 0.75);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[2].x, 0.5);
+    EXPECT_DOUBLE_EQ(c->m_vLassoPoints[2].y, 0.25);
     EXPECT_DOUBLE_EQ(c->m_lassoCursor.x, 0.75);
-    EXPECT_EQ(c.window->eraseInvalidates, 1);
+    EXPECT_EQ(c.window->eraseInvalidates, 2) << "of the point, and of the cut that hit nothing";
+    EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
     EXPECT_FALSE(c.window->HasCapture());
     EXPECT_EQ(c->m_nSavedInteractionMode, kNoMode);
     EXPECT_EQ(c->m_bRightButtonPressed, 1);
