@@ -109,6 +109,18 @@ TEST_P(CutSessionStartRefuses, AndPassesTheReasonToTheMessageChannel) {
 INSTANTIATE_TEST_SUITE_P(Tints, CutSessionStartRefuses, testing::ValuesIn(kRefusedTints),
                          [](const auto& row) { return row.param.name; });
 
+TEST(CutSessionStart, ThatFailsDeletesTheTexturesOfItsOwnContext) {
+    WaitingControl c, other;
+    const std::uint32_t texture = c->m_pCutMask->m_uFillTexture, others = other->m_pCutMask->m_uFillTexture;
+    c->SetLassoCuttingColors(255, 0, 0, 0);
+    ASSERT_TRUE(other->MakeContextCurrent());
+    c->OnLeftDown(kLeft, 160, 120);
+    ASSERT_TRUE(c->MakeContextCurrent());
+    EXPECT_EQ(glIsTexture(texture), GL_FALSE);
+    ASSERT_TRUE(other->MakeContextCurrent());
+    EXPECT_EQ(glIsTexture(others), GL_TRUE);
+}
+
 TEST(CutSessionStart, AllowsAnOutsideLikeTheLine) {
     WaitingControl c;
     c->SetLassoCuttingColors(255, 0.5f, 0xFFFF00, 1);

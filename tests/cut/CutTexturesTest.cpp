@@ -179,24 +179,28 @@ bool IsDrawLockFree() {
         .get();
 }
 
-int s_bindings = 0, s_unlockedBindings = 0;
+int s_unlockedBindings = 0;
+std::vector<GLuint> s_boundFramebuffers;
 PFNGLBINDFRAMEBUFFERPROC s_bindFramebuffer = nullptr;
 void GLAPIENTRY BindUnderTheLock(GLenum target, GLuint framebuffer) {
-    ++s_bindings;
+    s_boundFramebuffers.push_back(framebuffer);
     if (IsDrawLockFree()) ++s_unlockedBindings;
     s_bindFramebuffer(target, framebuffer);
 }
 
-TEST_P(CutTextures, AreMadeUnderTheLockOfDrawing) {
+TEST_P(CutTextures, AreMadeUnderTheLockOfDrawingAndLeaveNoFramebuffer) {
     Frame();
-    s_bindings = s_unlockedBindings = 0;
+    s_boundFramebuffers.clear();
+    s_unlockedBindings = 0;
     s_bindFramebuffer = __glewBindFramebuffer;
     __glewBindFramebuffer = &BindUnderTheLock;
     const auto textures = pane->CreateCutMaskTextures();
     __glewBindFramebuffer = s_bindFramebuffer;
-    EXPECT_GE(s_bindings, 2);
+    EXPECT_GE(s_boundFramebuffers.size(), 2u);
     EXPECT_EQ(s_unlockedBindings, 0);
     EXPECT_TRUE(IsDrawLockFree());
+    for (const GLuint name : s_boundFramebuffers)
+        EXPECT_EQ(glIsFramebuffer(name) == GL_TRUE, name == pane->m_frameTarget.Name()) << name;
 }
 
 TEST_P(CutTextures, AreMadeInTheContextOfTheirControl) {
