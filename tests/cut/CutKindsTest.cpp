@@ -245,7 +245,7 @@ const CoverRow kCovers[] = {
      [](auto& c) {
          c.SetPickMode(KV_ScenePane::PickModePoints);
          c.m_bPickPointValid = 1;
-         c.m_fSceneSize = 10;
+         c.SetPickRadius(1);
          c.AddPickPointSphere(0, 0, 6, 0xFF0000);
      }},
     {"Lines",
