@@ -3,6 +3,7 @@
 #include "cut/MsrCut.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <utility>
@@ -59,6 +60,56 @@ struct RowRange {
     std::size_t first, last;
 };
 
+/// Whether every point has a projection. Otherwise the result for a point depends on the one before it.
+bool ProjectsEveryPoint(const ACAD::CutMask& mask) {
+    const auto isConstant = [](const std::array<double, 16>& m) { return m[3] == 0 && m[7] == 0 && m[11] == 0; };
+    const auto viewW = static_cast<float>(mask.m_dModelView[15]);
+    return isConstant(mask.m_dModelView) && isConstant(mask.m_dProjection) &&
+           static_cast<float>(mask.m_dProjection[15] * static_cast<double>(viewW)) != 0.0f;
+}
+
+/// A box around points, along x, y and z.
+struct PointBox {
+    double min[3] = {INFINITY, INFINITY, INFINITY}, max[3] = {-INFINITY, -INFINITY, -INFINITY};
+
+    void Add(const Vertex& vertex) {
+        const float point[3] = {vertex.x, vertex.y, vertex.z};
+        for (int i = 0; i < 3; ++i) {
+            min[i] = std::min<double>(min[i], point[i]);  // what is not a number is in no region
+            max[i] = std::max<double>(max[i], point[i]);
+        }
+    }
+};
+
+/// Whether all points of a box are beside the rectangle of the set pixels, by interval arithmetic in double with a
+/// margin for the single precision of the test itself. Only for a camera without perspective.
+bool IsBesideRectangle(const ACAD::CutMask& mask, const PointBox& box) {
+    const auto& view = mask.m_dModelView;
+    const auto& projection = mask.m_dProjection;
+    const double w = projection[15] * view[15];
+    for (std::size_t axis = 0; axis < 2; ++axis) {
+        double middle = projection[12 + axis] * view[15], radius = 0, size = std::abs(middle);
+        for (std::size_t k = 0; k < 3; ++k) {
+            const double p = projection[4 * k + axis];
+            middle += p * view[12 + k];
+            size += std::abs(p * view[12 + k]);
+            for (std::size_t i = 0; i < 3; ++i) {
+                const double q = p * view[4 * i + k];
+                middle += q * (box.min[i] + box.max[i]) / 2;
+                radius += std::abs(q) * (box.max[i] - box.min[i]) / 2;
+                size += std::abs(q) * std::max(std::abs(box.min[i]), std::abs(box.max[i]));
+            }
+        }
+        const double pixels = mask.m_nViewport[2 + axis], origin = mask.m_nViewport[axis];
+        const double center = (middle / w + 1) / 2 * pixels + origin;
+        const double reach =
+            radius / std::abs(w) / 2 * pixels + 2 + 1e-5 * ((size / std::abs(w) + 1) * pixels + std::abs(origin));
+        const double at = axis == 0 ? center : pixels - center - 1;
+        if (at + reach < mask.m_rcBounds[axis] || at - reach > mask.m_rcBounds[2 + axis]) return true;
+    }
+    return false;
+}
+
 /// Gives kCutClass to the valid pixels of some rows that are removed.
 /// @param vertices  memory that is used again for the next rows
 void ReclassifyRows(const MeasurementArrays& grid, const RowRange& rows, const PixelRemoval& removal,
@@ -76,7 +127,14 @@ void ReclassifyRows(const MeasurementArrays& grid, const RowRange& rows, const P
     vertices.clear();
     AppendVertices(data, static_cast<std::uint32_t>(rows.first), vertices);
     if (removal.plane) RemoveBelowPlane(vertices, *removal.plane);
-    for (const auto& mask : removal.masks) mask->InvalidateVertices(vertices);
+    PointBox box;
+    for (const Vertex& vertex : vertices) box.Add(vertex);
+    for (const auto& mask : removal.masks) {
+        // Most rows of a scan are beside a lasso.
+        const bool isBeside =
+            mask->m_nKind != ACAD::CutKindOutside && ProjectsEveryPoint(*mask) && IsBesideRectangle(*mask, box);
+        if (!isBeside) mask->InvalidateVertices(vertices);
+    }
 
     // A pixel keeps its class only when it has a vertex that is left.
     const std::vector<std::uint8_t> before(classes + first, classes + first + pixels);
@@ -87,14 +145,6 @@ void ReclassifyRows(const MeasurementArrays& grid, const RowRange& rows, const P
         const std::size_t pixel = (vertex.gridIndex >> 16) * width + (vertex.gridIndex & 0xFFFF);
         classes[pixel] = before[pixel - first];
     }
-}
-
-/// Whether every point has a projection. Otherwise the result for a point depends on the one before it.
-bool ProjectsEveryPoint(const ACAD::CutMask& mask) {
-    const auto isConstant = [](const std::array<double, 16>& m) { return m[3] == 0 && m[7] == 0 && m[11] == 0; };
-    const float viewW = static_cast<float>(mask.m_dModelView[15]);
-    return isConstant(mask.m_dModelView) && isConstant(mask.m_dProjection) &&
-           static_cast<float>(mask.m_dProjection[15] * static_cast<double>(viewW)) != 0.0f;
 }
 
 /// In blocks of rows, so that the vertices of a block stay in the second-level cache; with the masks of other cameras

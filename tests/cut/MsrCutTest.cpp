@@ -308,6 +308,38 @@ TEST_F(WriteCut, GivesTheClassesOfAllVerticesAtOnce) {
     }
 }
 
+// A scan from rows far above to rows far below the masks: blocks beside a mask are not tested, those at its border are.
+TEST_F(WriteCut, GivesTheClassesOfAllVerticesAtOnceAroundSmallMasks) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 30; ++round) {
+        const int width = 900 + round, height = 60;  // nine rows per block
+        scan = FlatCutScan(width, height);
+        std::vector<std::shared_ptr<const ACAD::CutMask>> masks;
+        for (const std::uint32_t kind : {0u, 2u, 0u}) {
+            const int left = static_cast<int>(random() % 800), top = static_cast<int>(random() % 60);
+            auto mask = MaskOf(kind, width, height,
+                               [&](int x, int y) { return x >= left && x < left + 40 && y >= top && y < top + 5; });
+            // Seen from the side, from above, and with a window that does not start at 0.
+            if (round % 3 == 1)
+                std::swap(mask->m_dModelView[0], mask->m_dModelView[4]), mask->m_dModelView[1] = 1.0,
+                                                                         mask->m_dModelView[5] = 0.0;
+            if (round % 5 == 2) mask->m_dProjection[5] *= -1.0, mask->m_dProjection[13] *= -1.0;
+            if (round % 7 == 3) mask->m_nViewport[0] = 11, mask->m_nViewport[1] = -7;
+            if (round % 4 == 3) mask->m_dProjection[15] = -2.0;
+            if (kind == ACAD::CutKindVisibleInside)
+                mask->m_vDepth.assign(static_cast<std::size_t>(width * height), 0.75f);
+            masks.push_back(mask);
+        }
+        scan.SetPoint(static_cast<std::size_t>(random()) % scan.confidence.size(), {kNaN, 0, 0});
+        if (round == 9) scan.SetPoint(777, {std::numeric_limits<float>::infinity(), 0, 0});
+        scan.WritePcm(file);
+        const auto mesh = ObjectOf(file, masks);
+        const std::vector<std::uint8_t> expected = PlainClasses(file, *mesh, 0.0f, {});
+        EXPECT_EQ(WriteCutToMsr(*mesh, 0.0f, {}).outcome, CutWritten);
+        EXPECT_EQ(ClassesIn(file), expected) << "round " << round;
+    }
+}
+
 // ---- files that changed between import and save
 
 TEST_F(WriteCut, UsesTheSizeThatTheGridHasNow) {
