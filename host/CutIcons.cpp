@@ -55,7 +55,11 @@ void FillRemoved(QPainter& painter, const QPainterPath& area) {
     painter.setClipPath(area);
     painter.fillRect(QRectF(0, 0, kSide, kSide), kRemoved);
     painter.setPen(QPen(kCross, 0.9));
-    for (double x = -kSide; x < kSide; x += 3.5) painter.drawLine(QPointF(x, kSide), QPointF(x + kSide, 0));
+    constexpr int kLines = 14;
+    for (int i = 0; i < kLines; ++i) {
+        const double x = -kSide + 3.5 * i;
+        painter.drawLine(QPointF(x, kSide), QPointF(x + kSide, 0));
+    }
     painter.restore();
 }
 
