@@ -54,6 +54,10 @@ struct CutSaveEntry {
     /// The object has another transform than at its import, by more than the rounding of GetTrafoOfScan() and
     /// SetTrafoOfScan(): pixels of the file would be removed that are not those that the lasso enclosed.
     bool isMoved = false;
+    /// One of the cuts that are not in the file was drawn while the object had another transform than at its import,
+    /// also when the move was taken back since: pixels of the file would be removed that are not those that the lasso
+    /// enclosed.
+    bool isCutWhileMoved = false;
 };
 
 }  // namespace KV_ScenePane

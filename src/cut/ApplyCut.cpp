@@ -2,10 +2,31 @@
 #include "cut/ApplyCut.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <utility>
 
 #include "base/ParallelTasks.h"
+
+namespace {
+
+/// Equal, or both not a number.
+bool IsSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+}  // namespace
+
+bool IsMoved(const Mesh& mesh) {
+    constexpr double kMaxRounding = 1e-6;
+    const CACADQTrafo& now = mesh.m_Trafo;
+    const CACADQTrafo before = mesh.m_optImportTrafo.value_or(CACADQTrafo{});
+    const bool isSameRotation = std::ranges::equal(now.m_dRotation, before.m_dRotation, [](double a, double b) {
+        return IsSame(a, b) || std::abs(a - b) <= kMaxRounding;
+    });
+    const bool isSameTranslation =
+        std::ranges::equal(now.m_dTranslation, before.m_dTranslation,
+                           [](double a, double b) { return IsSame(static_cast<float>(a), static_cast<float>(b)); });
+    return !isSameRotation || !isSameTranslation;
+}
 
 std::shared_ptr<Mesh> CutMesh(const std::shared_ptr<Mesh>& mesh, const std::shared_ptr<const ACAD::CutMask>& mask) {
     if (mesh->m_iVisible == 0) return mesh;
@@ -15,6 +36,7 @@ std::shared_ptr<Mesh> CutMesh(const std::shared_ptr<Mesh>& mesh, const std::shar
     clone->m_vpCutMasks.reserve(mesh->m_vpCutMasks.size() + 1);
     clone->m_vpCutMasks = mesh->m_vpCutMasks;
     clone->m_vpCutMasks.push_back(mask);
+    clone->m_bCutWhileMoved = mesh->m_bCutWhileMoved || IsMoved(*mesh);
     return clone;
 }
 

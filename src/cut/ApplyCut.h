@@ -7,6 +7,10 @@
 #include "KV_ScenePane/CutMask.h"
 #include "geometry/Mesh.h"
 
+/// Whether the object has another transform than at its import; the identity for other objects. A transform that a host
+/// read and set again has gone through floats, so that its rotation may differ in the last bits.
+[[nodiscard]] bool IsMoved(const Mesh& mesh);
+
 /// The object that takes the place of @p mesh: the same one when it is hidden or loses no vertex, else a clone without
 /// the triangles that use a removed vertex, whose list of masks has the new one at its end. Any thread.
 [[nodiscard]] std::shared_ptr<Mesh> CutMesh(const std::shared_ptr<Mesh>& mesh,

@@ -38,5 +38,8 @@ KV_ScenePane::VARIANT_BOOL CKV_ScenePaneCtrl::GetCutMasks(std::int32_t* count, c
 
 // Objects of undo steps keep theirs, unless the scene shows them, too.
 void CKV_ScenePaneCtrl::ClearCutMasks() {
-    for (const auto& mesh : m_vpMeshes) mesh->m_vpCutMasks.clear();
+    for (const auto& mesh : m_vpMeshes) {
+        mesh->m_vpCutMasks.clear();
+        mesh->m_bCutWhileMoved = false;
+    }
 }

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <exception>
 #include <map>
@@ -15,6 +14,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "base/ParallelTasks.h"
+#include "cut/ApplyCut.h"
 #include "io/FileExtension.h"
 #include "io/FileMessage.h"
 
@@ -38,24 +38,6 @@ bool IsPcmName(std::wstring_view name) {
 bool HasNothingToSave(const Mesh& mesh, const std::optional<CutPlane>& plane) {
     if (!mesh.m_vpCutMasks.empty()) return false;
     return !plane || (mesh.m_optCutView && IsSamePlane(*mesh.m_optCutView, *plane));
-}
-
-/// Equal, or both not a number.
-bool IsSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
-
-/// Whether the object has another transform than at its import. A transform that a host read and set again has gone
-/// through floats, so that its rotation may differ in the last bits.
-bool IsMoved(const Mesh& mesh) {
-    constexpr double kMaxRounding = 1e-6;
-    const CACADQTrafo& now = mesh.m_Trafo;
-    const CACADQTrafo before = mesh.m_optImportTrafo.value_or(CACADQTrafo{});
-    const bool isSameRotation = std::ranges::equal(now.m_dRotation, before.m_dRotation, [](double a, double b) {
-        return IsSame(a, b) || std::abs(a - b) <= kMaxRounding;
-    });
-    const bool isSameTranslation =
-        std::ranges::equal(now.m_dTranslation, before.m_dTranslation,
-                           [](double a, double b) { return IsSame(static_cast<float>(a), static_cast<float>(b)); });
-    return !isSameRotation || !isSameTranslation;
 }
 
 /// Device and inode of the file behind a path with all links followed; the path itself when there is no file.
@@ -91,6 +73,7 @@ CutSaveEntry PlanMeshCutting(const Mesh& mesh, const std::optional<CutPlane>& pl
     entry.file = mesh.m_sName;
     entry.numberOfCuts = static_cast<int>(mesh.m_vpCutMasks.size());
     entry.isMoved = IsMoved(mesh);
+    entry.isCutWhileMoved = mesh.m_bCutWhileMoved;
     return entry;
 }
 
@@ -110,6 +93,7 @@ bool SaveMeshCutting(Mesh& mesh, float confidenceLimit, const std::optional<CutP
     }
     // The cuts are in the file and must not count twice.
     mesh.m_vpCutMasks.clear();
+    mesh.m_bCutWhileMoved = false;
     if (plane) mesh.m_optCutView = plane;
     return true;
 }

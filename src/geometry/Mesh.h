@@ -111,6 +111,7 @@ public:
     std::optional<std::array<float, 4>> m_optCutView;  ///< clip plane last written into this object's file
     /// m_Trafo as it was at the import from a measurement file; empty for other objects. Clones keep it.
     std::optional<CACADQTrafo> m_optImportTrafo;
+    bool m_bCutWhileMoved = false;     ///< one of the cuts was drawn while m_Trafo was not that of the import
     bool m_bGrayColors = false;        ///< the vertex colours are all grey: the object colour tints them
     bool m_bBlendObjectColor = false;  ///< mix 15 % of the vertex colours with 85 % of the object colour
 };
