@@ -29,7 +29,7 @@ enum CutSaveOutcome : std::int32_t {
     CutToBeWritten = 0,
     /// Its file has the cuts.
     CutWritten = 1,
-    /// It has no cut, and no plane clips or its file has the cut by this plane already.
+    /// It has no cut, and no plane clips or a save with this plane has been tried.
     CutNothingToSave = 2,
     /// It has cuts, or a plane clips, but it is not from a pcm file.
     CutNotFromPcm = 3,
@@ -41,7 +41,7 @@ enum CutSaveOutcome : std::int32_t {
 
 /// One object in a save of cuts.
 struct CutSaveEntry {
-    /// Index of the object when the entry was made.
+    /// Index of the object when the entry was made. Above 32,767 it wraps: entries are in the order of the objects.
     std::int16_t object = -1;
     CutSaveOutcome outcome = CutNothingToSave;
     /// The file that it came from, encoded as WidePath() (PathText.h) does.
@@ -49,7 +49,7 @@ struct CutSaveEntry {
     /// Why the file was not read or not written, as a sentence without its subject; else empty.
     std::string reason;
     /// Cuts by lasso that the object had before the save; a plane does not count. Afterwards it has none, also when its
-    /// file was not read or not written, unless there was not enough memory.
+    /// file was not read or not written; it keeps them when memory was short between the read and the write.
     int numberOfCuts = 0;
     /// The object has another transform than at its import, by more than the rounding of GetTrafoOfScan() and
     /// SetTrafoOfScan(): pixels of the file would be removed that are not those that the lasso enclosed.

@@ -235,8 +235,9 @@ public:
     /// is replaced as a whole or not at all. Objects lose their cuts, also where the file could not be read or written:
     /// ScenePane::GetCutSaveResults() lists those, with lines in the debugger output.
     /// @return 1 when there was at least one file to write, else 0. A file that could not be read or written counts
-    /// @throws std::bad_alloc when there is not enough memory for an object and none before it was written; all other
-    ///         files are written then, too
+    /// @throws std::bad_alloc when memory is short between the read and the write of a file and no object before was
+    ///         written; that object keeps its cuts, and all other files are written. In a read or a write the file
+    ///         fails
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
     /// Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons pressed together and a click
     /// without movement differ from a drag. Right rotates, right with left or Shift pans, left picks, middle

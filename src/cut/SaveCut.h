@@ -17,7 +17,8 @@
 /// object and its file belong to the call until it returns.
 /// @param entry  receives what was done; its object stays
 /// @return whether the file counts as written: also one that could not be read or written
-/// @throws when memory is short, for example: the object and its file are then as before, and @p entry says why
+/// @throws when memory is short between the read and the write of the file, for example: the object and its file are
+///         then as before, and @p entry says why. In the read or the write it is a failure of the file
 bool SaveMeshCutting(Mesh& mesh, float confidenceLimit, const std::optional<CutPlane>& plane,
                      KV_ScenePane::CutSaveEntry& entry);
 
