@@ -1,4 +1,6 @@
 // The method that writes cuts into the measurement files. What is written is decided in cut/SaveCut.h.
+#include <exception>
+
 #include "control/ScenePaneCtrl.h"
 #include "cut/SaveCut.h"
 #include "io/FileMessage.h"
@@ -20,10 +22,20 @@ std::optional<CutPlane> ActivePlane(const CKV_ScenePaneCtrl& control) {
     return CutPlane{normal[0], normal[1], normal[2], -Dot(normal, center)};
 }
 
-/// One line per object whose file was not read or not written.
-void ReportFailures(const std::vector<CutSaveEntry>& entries) {
-    for (const CutSaveEntry& entry : entries)
-        if (!entry.reason.empty()) ReportFileError("SaveCuttingToPcms", entry.file, entry.reason);
+/// One line per object whose file was not read or not written. A sink of the debugger output that throws hides no other
+/// line.
+/// @return the first exception of the sink
+std::exception_ptr ReportFailures(const std::vector<CutSaveEntry>& entries) {
+    std::exception_ptr exception;
+    for (const CutSaveEntry& entry : entries) {
+        if (entry.reason.empty()) continue;
+        try {
+            ReportFileError("SaveCuttingToPcms", entry.file, entry.reason);
+        } catch (...) {
+            if (!exception) exception = std::current_exception();
+        }
+    }
+    return exception;
 }
 
 }  // namespace
@@ -33,8 +45,9 @@ KV_ScenePane::VARIANT_BOOL CKV_ScenePaneCtrl::SaveCuttingToPcms() {
     const CutSaveRun run = SaveMeshCuttings(m_vpMeshes, m_fConfidenceFilter, ActivePlane(*this));
     m_vCutSaveResults = run.entries;
     // Last: the sink of the debugger output may call any method.
-    ReportFailures(run.entries);
+    const std::exception_ptr sinkException = ReportFailures(run.entries);
     if (run.exception) std::rethrow_exception(run.exception);
+    if (sinkException) std::rethrow_exception(sinkException);
     return run.isWritten ? 1 : 0;
 }
 

@@ -230,6 +230,25 @@ TEST_F(CutSave, PassesOnWhatTheSinkThrowsAndEndsTheWaitCursor) {
     EXPECT_EQ(c.window->waitCursorsEnded, 1);
 }
 
+TEST_F(CutSave, WritesEveryLineWhenTheSinkThrowsAndPassesOnItsFirstException) {
+    for (const char* name : {"second.pcm", "third.pcm"}) Import(scan, name);
+    for (const auto& mesh : c->m_vpMeshes) mesh->m_vpCutMasks = {left};
+    for (const char* name : {"scan.pcm", "second.pcm", "third.pcm"}) fs::remove(folder / name);
+    std::vector<std::string> lines;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view line) {
+        lines.emplace_back(line);
+        if (lines.size() < 3) throw std::runtime_error(std::to_string(lines.size()));
+    });
+    try {
+        c->SaveCuttingToPcms();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "1");
+    }
+    EXPECT_THAT(lines, testing::ElementsAre(testing::HasSubstr("scan.pcm: "), testing::HasSubstr("second.pcm: "),
+                                            testing::HasSubstr("third.pcm: ")));
+}
+
 // ---- moved objects
 
 TEST_F(CutSave, PlansAMovedObjectAsMoved) {

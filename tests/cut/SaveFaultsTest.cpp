@@ -269,6 +269,40 @@ TEST_F(SaveWithFaults, PassesOnWhatTheFirstObjectThrowsAndSavesTheOthers) {
     EXPECT_EQ(ClassesIn(folder / "large.pcm"), ClassesAfterCut(large, IsLeft));
 }
 
+// The sink of the debugger output cannot hide what the save threw.
+TEST_F(SaveWithFaults, PassesOnWhatTheSaveThrowsBeforeWhatTheSinkThrows) {
+    constexpr int kSide = 100;
+    const ScanSample large = FlatCutScan(kSide, kSide);
+    large.WritePcm(folder / "large.pcm");
+    c->m_vpMeshes = {ObjectOf(folder / "large.pcm", {MaskOf(large, IsLeft)})};
+    int lines = 0;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view) {
+        ++lines;
+        throw std::runtime_error("sink");
+    });
+    g_failingAllocation = 200'000;
+    EXPECT_THROW(c->SaveCuttingToPcms(), std::bad_alloc);
+    g_failingAllocation = std::numeric_limits<std::size_t>::max();
+    EXPECT_EQ(lines, 1);
+}
+
+// Memory that is short while the file is read is a failure of the file: its cuts are dropped, and nothing is thrown.
+TEST_F(SaveWithFaults, CountsAFileWhoseArraysHaveNoMemoryAsWritten) {
+    constexpr int kSide = 100;
+    const ScanSample large = FlatCutScan(kSide, kSide);
+    large.WritePcm(folder / "large.pcm");
+    c->m_vpMeshes = {ObjectOf(folder / "large.pcm", {MaskOf(large, IsLeft)})};
+    g_failingAllocation = 100'000;  // below the points of the file, 12 bytes per pixel
+    std::int32_t result = 0;
+    EXPECT_NO_THROW(result = c->SaveCuttingToPcms());
+    g_failingAllocation = std::numeric_limits<std::size_t>::max();
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(c->m_vCutSaveResults[0].outcome, CutFileNotRead);
+    EXPECT_EQ(c->m_vCutSaveResults[0].reason, "not enough memory");
+    EXPECT_TRUE(c->m_vpMeshes[0]->m_vpCutMasks.empty());
+    EXPECT_EQ(ClassesIn(folder / "large.pcm"), large.classification);
+}
+
 TEST_F(SaveWithFaults, KeepsToItselfWhatAnObjectAfterAWrittenOneThrows) {
     constexpr int kSide = 100;
     const ScanSample large = FlatCutScan(kSide, kSide);

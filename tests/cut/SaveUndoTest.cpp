@@ -29,6 +29,18 @@ ObjectBytes BytesOf(const Mesh& mesh) {
     return {bytes(mesh.m_vVertices), bytes(mesh.m_vTriangles), mesh.m_vpCutMasks.size()};
 }
 
+struct MovedFlags {
+    bool isMoved = false, isCutWhileMoved = false;
+    bool operator==(const MovedFlags&) const = default;
+};
+
+/// The pixels of the file that an object has a vertex of.
+std::set<std::uint32_t> PixelsOf(const Mesh& mesh) {
+    std::set<std::uint32_t> pixels;
+    for (const Vertex& vertex : mesh.m_vVertices) pixels.insert(vertex.gridIndex);
+    return pixels;
+}
+
 /// A scan of 40 x 40 pixels, 5 units wide, in the middle of the window.
 class SaveAndUndo : public testing::TestWithParam<int> {
 protected:
@@ -45,6 +57,21 @@ protected:
         const int left = 320 + 48 * unit;
         const bool isCut = c->CutWithLasso(Mode(), FractionsOf(RectangleOf(left, 60, left + 24, 420), 640, 480));
         return isCut;
+    }
+    /// Moves the object along x: half a unit is four pixels of the scan.
+    void MoveBy(float x) {
+        ASSERT_EQ(c->SetTrafoOfScan(0, 1, 0, 0, -2.4375f + x, 0, 1, 0, -2.4375f, 0, 0, 1, 0, 0, 0, 0, 1), 0);
+    }
+    /// What a host is asked to refuse before a save.
+    [[nodiscard]] MovedFlags Flags() const {
+        const auto plan = c->PlanCutSave();
+        return {plan.at(0).isMoved, plan.at(0).isCutWhileMoved};
+    }
+    /// Whether an import of the saved file has the pixels that the object has.
+    [[nodiscard]] bool HasFileThePixelsOfTheObject() {
+        EXPECT_EQ(c->SaveCuttingToPcms(), 1);
+        c->ImportScan(KV_ScenePane::WidePath(file).c_str(), 0xFFFFFF);
+        return PixelsOf(*c->m_vpMeshes.back()) == PixelsOf(Object());
     }
     [[nodiscard]] static SegmentationMode Mode() { return kAllWays[GetParam()]; }
     [[nodiscard]] Mesh& Object() const { return *c->m_vpMeshes.at(0); }
@@ -141,30 +168,91 @@ TEST_P(SaveAndUndo, LeaveInTheFileWhatTheObjectHas) {
     ASSERT_TRUE(Cut(0));
     ASSERT_EQ(c->SaveCuttingToPcms(), 1);
     c->ImportScan(KV_ScenePane::WidePath(file).c_str(), 0xFFFFFF);
-    const auto pixelsOf = [](const Mesh& mesh) {
-        std::set<std::uint32_t> pixels;
-        for (const Vertex& vertex : mesh.m_vVertices) pixels.insert(vertex.gridIndex);
-        return pixels;
-    };
-    EXPECT_FALSE(pixelsOf(Object()).empty());
-    EXPECT_EQ(pixelsOf(*c->m_vpMeshes[1]), pixelsOf(Object()));
+    EXPECT_FALSE(PixelsOf(Object()).empty());
+    EXPECT_EQ(PixelsOf(*c->m_vpMeshes[1]), PixelsOf(Object()));
 }
 
 // An alignment, a cut, a plan: the host refuses the save, for the mask is of the moved object.
 TEST_P(SaveAndUndo, NameAnObjectThatWasAlignedBeforeItsCut) {
     Import();
-    ASSERT_EQ(c->SetTrafoOfScan(0, 1, 0, 0, -1.9375f, 0, 1, 0, -2.4375f, 0, 0, 1, 0, 0, 0, 0, 1), 0);
+    MoveBy(0.5f);
     ASSERT_TRUE(Cut(0));
     const auto plan = c->PlanCutSave();
     ASSERT_EQ(plan.size(), 1u);
     EXPECT_EQ(plan[0].outcome, KV_ScenePane::CutToBeWritten);
     EXPECT_TRUE(plan[0].isMoved);
+    EXPECT_TRUE(plan[0].isCutWhileMoved);
     EXPECT_EQ(plan[0].numberOfCuts, 1);
     // The viewer itself writes, by the transform of the file: half a unit or four pixels beside what was enclosed.
     const auto masks = Object().m_vpCutMasks;
     EXPECT_EQ(c->SaveCuttingToPcms(), 1);
     EXPECT_EQ(ClassesIn(file), ExpectedClasses(masks));
     EXPECT_TRUE(c->m_vCutSaveResults[0].isMoved);
+    EXPECT_TRUE(c->m_vCutSaveResults[0].isCutWhileMoved);
+}
+
+// The move is taken back, and the mask is still that of the moved object: the file would lose other pixels.
+TEST_P(SaveAndUndo, NameACutOfAMovedObjectAlsoAfterTheMoveWasTakenBack) {
+    MoveBy(0.5f);
+    ASSERT_TRUE(Cut(0));
+    MoveBy(0.0f);
+    EXPECT_EQ(Flags(), MovedFlags(false, true));
+    EXPECT_FALSE(HasFileThePixelsOfTheObject());
+    EXPECT_TRUE(c->m_vCutSaveResults[0].isCutWhileMoved);
+    EXPECT_EQ(Flags(), MovedFlags()) << "no cut is left";
+}
+
+TEST_P(SaveAndUndo, WriteWhatWasEnclosedAfterTheCutAndTheMoveWereTakenBack) {
+    MoveBy(0.5f);
+    ASSERT_TRUE(Cut(0));
+    c->PerformUndo();
+    MoveBy(0.0f);
+    ASSERT_TRUE(Cut(0));
+    EXPECT_EQ(Flags(), MovedFlags());
+    EXPECT_TRUE(HasFileThePixelsOfTheObject());
+}
+
+TEST_P(SaveAndUndo, WriteWhatWasEnclosedWhenTheObjectWasMovedAfterTheCut) {
+    ASSERT_TRUE(Cut(0));
+    MoveBy(0.5f);
+    EXPECT_EQ(Flags(), MovedFlags(true, false));
+    EXPECT_TRUE(HasFileThePixelsOfTheObject()) << "the mask is of the object where the file has it";
+}
+
+// The flag is of the masks of an object: a later cut keeps it, and what drops the masks drops it.
+TEST_P(SaveAndUndo, NameTheCutsOfEachUndoStep) {
+    ASSERT_TRUE(Cut(-1));
+    MoveBy(0.125f);
+    EXPECT_EQ(Flags(), MovedFlags(true, false));
+    ASSERT_TRUE(Cut(-1));  // one more column of pixels
+    EXPECT_EQ(Flags(), MovedFlags(true, true));
+    MoveBy(0.0f);
+    ASSERT_TRUE(Cut(0));
+    EXPECT_EQ(Flags(), MovedFlags(false, true)) << "the cut before the last one";
+    c->PerformUndo();
+    EXPECT_EQ(Flags(), MovedFlags(false, true));
+    c->PerformUndo();
+    EXPECT_EQ(Flags(), MovedFlags(true, false));
+}
+
+TEST_P(SaveAndUndo, NameNoCutAfterTheHostDroppedTheMasks) {
+    MoveBy(0.5f);
+    ASSERT_TRUE(Cut(0));
+    MoveBy(0.0f);
+    c->ClearCutMasks();
+    EXPECT_EQ(Flags(), MovedFlags());
+    ASSERT_TRUE(Cut(1));
+    EXPECT_EQ(Flags(), MovedFlags()) << "the cut after them";
+}
+
+TEST_P(SaveAndUndo, NameNoCutAfterASaveDroppedTheMasks) {
+    MoveBy(0.5f);
+    ASSERT_TRUE(Cut(0));
+    MoveBy(0.0f);
+    EXPECT_EQ(c->SaveCuttingToPcms(), 1);
+    EXPECT_EQ(Flags(), MovedFlags());
+    ASSERT_TRUE(Cut(1));
+    EXPECT_EQ(Flags(), MovedFlags()) << "the cut after them";
 }
 
 INSTANTIATE_TEST_SUITE_P(AllWays, SaveAndUndo, testing::Range(0, 6),
