@@ -20,8 +20,8 @@ std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::f
 
     const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
     std::vector<std::jthread> helpers;  // joined at the end, after the calling thread has found no task any more
-    helpers.reserve(std::min(cores, count));
     try {
+        helpers.reserve(std::min(cores, count));
         while (helpers.size() + 1 < std::min(cores, count)) helpers.emplace_back(work);
     } catch (const std::exception&) {
         // The system refuses another thread or its memory: those that exist do all the work.

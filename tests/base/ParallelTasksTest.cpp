@@ -5,16 +5,41 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <mutex>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
+
+namespace {
+
+constexpr int kNoLimit = std::numeric_limits<int>::max();
+// Allocations of this thread that succeed before one fails.
+thread_local int t_allocationsLeft = kNoLimit;
+
+}  // namespace
+
+// Not inlined: the compiler would report a pair of new and free().
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    if (t_allocationsLeft != kNoLimit && t_allocationsLeft-- == 0) {
+        t_allocationsLeft = kNoLimit;
+        throw std::bad_alloc();
+    }
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -155,6 +180,20 @@ TEST(RunParallelTasks, ReturnsTheExceptionOfEachTaskAndRunsTheOthers) {
         } else {
             EXPECT_EQ(exceptions[i] != nullptr, i == 50) << i;
         }
+    }
+}
+
+// The list of exceptions is the first allocation; the others are of threads.
+TEST(RunParallelTasks, DoesAllWorkWhenThereIsNoMemoryForAnotherThread) {
+    std::array<std::atomic<int>, 100> runs{};
+    const std::function<void(std::size_t)> task = [&](std::size_t i) { ++runs[i]; };
+    t_allocationsLeft = 0;
+    EXPECT_THROW((void)RunParallelTasks(runs.size(), task), std::bad_alloc);
+    for (int allocations = 1; allocations < 10; ++allocations) {
+        t_allocationsLeft = allocations;
+        EXPECT_NO_THROW((void)RunParallelTasks(runs.size(), task)) << allocations;
+        t_allocationsLeft = kNoLimit;
+        EXPECT_TRUE(std::ranges::all_of(runs, [&](const auto& run) { return run == allocations; })) << allocations;
     }
 }
 
