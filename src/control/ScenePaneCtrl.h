@@ -417,10 +417,15 @@ public:
     /// The mask of a region in the drawing area, with the camera of the last frame; the context is made current first.
     std::shared_ptr<const ACAD::CutMask> CreateCutMask(std::uint32_t kind, const CutSource& source);
 
-    // ---- cut/CutInput.cpp: the freehand lasso under the mouse; x and y are fractions of the drawing area
+    // ---- cut/CutInput.cpp: the lasso under the mouse
+    /// Adds a corner of the polygon. @param x, y  pixel of the drawing area
+    /// @return false without memory for it: the message about it has been shown, in which the host may do anything
+    bool AddLassoPoint(std::int32_t x, std::int32_t y);
+    // Of the freehand lasso; x and y are fractions of the drawing area.
     /// Makes the session from the waiting textures; without them nothing happens.
     void StartCutSession(float x, float y);
-    void AddCutSessionPoint(float x, float y);
+    /// @return as AddLassoPoint()
+    bool AddCutSessionPoint(float x, float y);
     void PreviewCutSessionPoint(float x, float y);
 
     // ---- cut/CutTextures.cpp

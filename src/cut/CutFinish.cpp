@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/DebugOutput.h"
+#include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 #include "cut/ApplyCut.h"
 #include "cut/PolygonRaster.h"
@@ -66,6 +67,9 @@ CutResult Cut(CKV_ScenePaneCtrl& control) {
     CutResult result;
     try {
         const WaitCursor wait(*control.m_pWindow);
+        const ScopeExit sessionOver([&] {
+            if (freehand) DeleteCutSession(control);
+        });
         CutSource source = control.m_pCutSession.get();
         if (!freehand) {
             control.m_vLassoPoints.push_back(control.m_vLassoPoints.front());
@@ -76,7 +80,6 @@ CutResult Cut(CKV_ScenePaneCtrl& control) {
     } catch (const std::exception& error) {
         result.failure = error.what();
     }
-    if (freehand) DeleteCutSession(control);
     return result;
 }
 
@@ -118,7 +121,10 @@ std::string TakeResult(CKV_ScenePaneCtrl& control, CutResult& result) {
 bool EndChanged(CKV_ScenePaneCtrl& control, CutResult result) {
     HostCalls host;
     const auto address = static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(result.mask.get()));
+    PendingCut pending{result.meshes, control.m_pPendingCut};
+    control.m_pPendingCut = &pending;
     host.Run([&] { control.Fire(&_DKV_ScenePaneEvents::CutMaskApplied, address); });
+    control.m_pPendingCut = pending.m_pOuter;
     if (const std::string failure = TakeResult(control, result); !failure.empty()) {
         host.Run([&] { EndUnchanged(control, failure); });
         host.Rethrow();

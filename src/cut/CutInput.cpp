@@ -1,10 +1,11 @@
-// The freehand lasso under the mouse.
+// The lasso under the mouse.
 #include <algorithm>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include "control/ScenePaneCtrl.h"
+#include "view/WindowFraction.h"
 
 namespace {
 
@@ -17,23 +18,54 @@ std::int32_t PixelAt(float fraction, std::int32_t size) {
     return at < static_cast<float>(size) ? static_cast<std::int32_t>(at) : size - 1;
 }
 
-}  // namespace
-
-void CKV_ScenePaneCtrl::StartCutSession(float x, float y) {
-    if (m_pCutMask == nullptr) return;
-    const WindowSize window = m_pWindow->ClientSize();
-    const std::int32_t width = m_pCutMask->m_nWidth, height = m_pCutMask->m_nHeight;
+/// @throws what CutSession() throws: the textures are gone then
+void MakeCutSession(CKV_ScenePaneCtrl& control, float x, float y) {
+    const WindowSize window = control.m_pWindow->ClientSize();
+    const std::int32_t width = control.m_pCutMask->m_nWidth, height = control.m_pCutMask->m_nHeight;
     if (std::min({window.width, window.height, width, height}) < kMinLassoSide) return;
     // What is to be cut has the tint of the inside, also where that is outside the lasso.
-    const bool isOutsideCut = m_nSegmentationKind == ACAD::CutKindOutside;
-    const LassoTint& fill = isOutsideCut ? m_lassoOutside : m_lassoInside;
-    const LassoTint& outside = isOutsideCut ? m_lassoInside : m_lassoOutside;
-    MakeContextCurrent();  // a session that cannot be made deletes the textures
+    const bool isOutsideCut = control.m_nSegmentationKind == ACAD::CutKindOutside;
+    const LassoTint& fill = isOutsideCut ? control.m_lassoOutside : control.m_lassoInside;
+    const LassoTint& outside = isOutsideCut ? control.m_lassoInside : control.m_lassoOutside;
+    control.m_pCutSession = std::make_unique<CutSession>(std::exchange(control.m_pCutMask, nullptr),
+                                                         LassoPixel{PixelAt(x, width), PixelAt(y, height)}, kLineTint,
+                                                         fill, outside, control.m_progUseMask);
+}
+
+/// Without memory for a point its lasso goes on without it, and the user can end the session. Last in its caller: the
+/// host may do anything in the message.
+template <typename Add>
+bool AddOrShowWhy(PaneWindow& window, Add add) {
+    try {
+        add();
+        return true;
+    } catch (const std::bad_alloc&) {
+    }
+    window.ShowModalMessage("Not enough memory for a further point of the lasso");
+    return false;
+}
+
+}  // namespace
+
+// Fractions, so that the points survive a change of the window's size.
+bool CKV_ScenePaneCtrl::AddLassoPoint(std::int32_t x, std::int32_t y) {
+    if (m_nWidth < 0 && MakeContextCurrent()) StoreWindowSize();  // no frame since the context was made
+    return AddOrShowWhy(*m_pWindow, [&] {
+        const auto [relativeX, relativeY] = WindowFraction<double>(x, y, m_nWidth, m_nHeight);
+        m_vLassoPoints.push_back({relativeX, relativeY});
+        m_lassoCursor = m_vLassoPoints.back();
+        InvalidateControl(true);
+    });
+}
+
+void CKV_ScenePaneCtrl::StartCutSession(float x, float y) {
+    MakeContextCurrent();  // textures that go are deleted in it
     std::string failure;
     try {
-        m_pCutSession = std::make_unique<CutSession>(std::exchange(m_pCutMask, nullptr),
-                                                     LassoPixel{PixelAt(x, width), PixelAt(y, height)}, kLineTint, fill,
-                                                     outside, m_progUseMask);
+        // A turntable that ran on has turned the view until this click.
+        if (m_pCutMask != nullptr && m_pCutMask->m_dModelView != m_viewMatrices.ModelView())
+            m_pCutMask = CreateCutMaskTextures();
+        if (m_pCutMask != nullptr) MakeCutSession(*this, x, y);
     } catch (const std::invalid_argument& error) {
         failure = error.what();
     } catch (const std::bad_alloc&) {
@@ -43,8 +75,9 @@ void CKV_ScenePaneCtrl::StartCutSession(float x, float y) {
     if (!failure.empty()) m_pWindow->ShowModalMessage(failure);
 }
 
-void CKV_ScenePaneCtrl::AddCutSessionPoint(float x, float y) {
-    if (m_pCutSession != nullptr) m_pCutSession->AddPoint(x, y);
+bool CKV_ScenePaneCtrl::AddCutSessionPoint(float x, float y) {
+    if (m_pCutSession == nullptr) return true;
+    return AddOrShowWhy(*m_pWindow, [&] { m_pCutSession->AddPoint(x, y); });
 }
 
 void CKV_ScenePaneCtrl::PreviewCutSessionPoint(float x, float y) {

@@ -75,7 +75,6 @@ bool IsSet(const CutMask& mask, const Pixel& pixel) {
 bool IsHidden(const CutMask& mask, const Pixel& pixel, float depth) {
     const auto index =
         static_cast<std::uint64_t>((mask.m_nViewport[3] - pixel.row - 1) * mask.m_nViewport[2] + pixel.column);
-    assert(index < mask.m_vDepth.size());
     if (index >= mask.m_vDepth.size()) return true;
     // The offset keeps the shown surface from hiding itself. A depth that is not a number hides nothing.
     return static_cast<double>(depth) - 0.001 > mask.m_vDepth[index];

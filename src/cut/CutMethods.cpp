@@ -1,4 +1,5 @@
 // The methods that start and cancel a cut.
+#include <algorithm>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -27,12 +28,36 @@ void DrawFreehandLasso(CKV_ScenePaneCtrl& control, std::span<const KV_ScenePane:
         if (control.m_pCutSession == nullptr)
             control.StartCutSession(x, y);
         else
-            control.AddCutSessionPoint(x, y);
+            control.m_pCutSession->AddPoint(x, y);  // without memory for it nothing is cut
     }
 }
 
 bool HasSession(const CKV_ScenePaneCtrl& control) {
     return control.m_nInteractionMode == ModeLasso || control.m_nInteractionMode == ModeMaskLasso;
+}
+
+/// @return false when the window has more pixels in a row or column than a texture
+bool BeginSession(CKV_ScenePaneCtrl& control, const SessionKind& session) {
+    control.m_nInteractionMode = session.interaction;
+    control.m_nSegmentationKind = static_cast<std::int32_t>(session.kind);
+    control.m_bSessionEnds = false;
+    if (!control.MakeContextCurrent()) return true;
+    // Points are fractions of a size, which no frame has stored yet while the host blocks painting.
+    if (control.m_nWidth < 0) control.StoreWindowSize();
+    if (session.interaction != ModeMaskLasso) return true;
+    control.m_pCutMask.reset();  // of a session without a click
+    control.m_pCutMask = control.CreateCutMaskTextures();
+    return control.m_pCutMask != nullptr || std::min(control.m_nWidth, control.m_nHeight) < 1;
+}
+
+/// A session that could not be started, as after its end. Without an event: the host receives the exception.
+void DropSession(CKV_ScenePaneCtrl& control) {
+    control.m_nInteractionMode = ModeIdle;
+    control.ShowLassoCursor(false);
+    control.m_bToggleAnimationOnSpacebar = 1;
+    control.MakeContextCurrent();  // in which the textures are deleted
+    control.m_pCutSession.reset();
+    control.m_pCutMask.reset();
 }
 
 }  // namespace
@@ -44,21 +69,18 @@ void CKV_ScenePaneCtrl::ShowLassoCursor(bool show) {
 
 // A mode outside the list starts no session, and has the other effects all the same.
 void CKV_ScenePaneCtrl::StartSegmentation(std::int16_t mode) {
+    const bool starts = IsSegmentationMode(mode);
     m_bToggleAnimationOnSpacebar = 0;
-    if (IsSegmentationMode(mode)) {
-        const SessionKind& session = kSessionKinds[mode];
-        m_nInteractionMode = session.interaction;
-        m_nSegmentationKind = static_cast<std::int32_t>(session.kind);
-        m_bSessionEnds = false;
-        if (session.interaction == ModeMaskLasso) {
-            MakeContextCurrent();  // textures of a session without a click are deleted
-            m_pCutMask.reset();
-            m_pCutMask = CreateCutMaskTextures();
-        }
+    try {
+        const bool fits = !starts || BeginSession(*this, kSessionKinds[mode]);
+        ShowLassoCursor(true);
+        m_vLassoPoints.clear();
+        RefreshControl();
+        if (!fits) m_pWindow->ShowModalMessage("The window is too large for a freehand lasso");
+    } catch (...) {
+        if (starts) DropSession(*this);
+        throw;
     }
-    ShowLassoCursor(true);
-    m_vLassoPoints.clear();
-    RefreshControl();
 }
 
 void CKV_ScenePaneCtrl::EndSegmentation() {

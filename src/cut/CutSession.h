@@ -1,5 +1,6 @@
 // A freehand lasso while it is drawn, and the OpenGL objects that it draws with.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -30,6 +31,7 @@ struct CutMaskTextures {
     std::uint32_t m_uFillBuffer = 0;           ///< pixel-unpack buffer of the fill texture
     std::uint32_t m_uFillTexture = 0;          ///< the tinted regions
     std::uint32_t m_uSilhouetteTexture = 0;    ///< where the scene has objects
+    std::array<double, 16> m_dModelView{};     ///< of the camera of the silhouette
 };
 
 /// A running freehand lasso. Points are queued by the input and drawn into the images by the next Draw(). Images are

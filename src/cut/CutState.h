@@ -8,6 +8,13 @@
 #include "cut/CutSession.h"
 #include "geometry/Mesh.h"
 
+/// The objects after a cut while CutMaskApplied runs: they are in no list yet, and its handler may recreate the
+/// context.
+struct PendingCut {
+    std::vector<std::shared_ptr<Mesh>>& m_vpMeshes;
+    PendingCut* m_pOuter;  ///< a handler may cut again
+};
+
 /// Written by cut/; the mouse handlers of view/ move the rubber band. ClearData() deletes the undo steps, the textures
 /// and the freehand session; the interaction mode stays.
 ///
@@ -27,5 +34,6 @@ struct CutState {
     std::unique_ptr<CutSession> m_pCutSession;    ///< running freehand session
 
     std::vector<std::vector<std::shared_ptr<Mesh>>> m_vUndoStack;
+    PendingCut* m_pPendingCut = nullptr;                        ///< of the innermost event; not owned
     std::vector<KV_ScenePane::CutSaveEntry> m_vCutSaveResults;  ///< of the last SaveCuttingToPcms()
 };

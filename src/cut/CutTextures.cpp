@@ -13,6 +13,7 @@ namespace {
 
 using Pixels = std::vector<std::uint8_t>;  ///< bytes r, g, b, a
 
+/// The program stays bound.
 void DrawSilhouette(CKV_ScenePaneCtrl& control) {
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -24,12 +25,9 @@ void DrawSilhouette(CKV_ScenePaneCtrl& control) {
     const std::array<double, 4> plane = control.m_clipPlane.GetEquation();
     glUniform4f(glGetUniformLocation(program, "clipPlaneEquation0"), static_cast<float>(plane[0]),
                 static_cast<float>(plane[1]), static_cast<float>(plane[2]), static_cast<float>(plane[3]));
-    {
-        MeshBatch batch;
-        for (const auto& mesh : control.m_vpMeshes)
-            if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
-    }
-    glUseProgram(0);
+    MeshBatch batch;
+    for (const auto& mesh : control.m_vpMeshes)
+        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
 }
 
 /// White where the drawing area shows objects, else 0; top row first. White throughout when the driver cannot make a
@@ -40,6 +38,7 @@ Pixels ReadSilhouette(CKV_ScenePaneCtrl& control) {
     FrameTarget target;
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     const ScopeExit restore([&] {
+        glUseProgram(0);
         target.Release();
         control.m_frameTarget.Bind();  // before the attributes, which hold the draw buffer of the frame
         glPopAttrib();
@@ -94,6 +93,7 @@ std::unique_ptr<CutMaskTextures> CKV_ScenePaneCtrl::CreateCutMaskTextures() {
     auto textures = std::make_unique<CutMaskTextures>();
     textures->m_nWidth = m_nWidth;
     textures->m_nHeight = m_nHeight;
+    textures->m_dModelView = m_viewMatrices.ModelView();
     MakeTexture(&textures->m_uLineTexture, *textures, zeros);
     MakeTexture(&textures->m_uFillTexture, *textures, zeros);
     MakeTexture(&textures->m_uSilhouetteTexture, *textures, silhouette);

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "base/DebugOutput.h"
 #include "control/ScenePaneCtrl.h"
@@ -121,7 +122,19 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     control.ApplyScale();
     SetInitialGlState();
     control.UploadOverlays();
+    for (const TexturePixels& pixels : std::exchange(control.m_vTexturesWithoutContext, {})) PutIntoContext(pixels);
     return true;
+}
+
+/// The objects of cuts whose event runs have no list that ClearData() empties: they outlive the context.
+void TakePendingCutsOutOfContext(CKV_ScenePaneCtrl& control) {
+    if (!control.MakeContextCurrent()) return;
+    for (const PendingCut* cut = control.m_pPendingCut; cut != nullptr; cut = cut->m_pOuter)
+        for (const auto& mesh : cut->m_vpMeshes) {
+            mesh->ReleaseBuffers();
+            mesh->MarkBuffersDirty();
+            if (mesh->m_pTexture != nullptr) TakeOutOfContext(mesh->m_pTexture, control.m_vTexturesWithoutContext);
+        }
 }
 
 /// Drops what belonged to a context that is gone. Its names may be those of other objects in the next context.
@@ -167,6 +180,7 @@ void CKV_ScenePaneCtrl::OnDestroy() {
     } catch (...) {
         failure = std::current_exception();
     }
+    TakePendingCutsOutOfContext(*this);
     ClearData();
     m_pWindow->DeleteContext();
     ForgetContext(*this);

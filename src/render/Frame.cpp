@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/DebugOutput.h"
+#include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
 #include "render/MeshBuffers.h"
@@ -55,6 +56,10 @@ bool ClipsByOpenGl(const CKV_ScenePaneCtrl& control) {
 
 /// Fills the window with the depths of the shadow map as shades of grey, for diagnosis.
 void DrawShadowMapView(CKV_ScenePaneCtrl& control) {
+    const ScopeExit restore([] {
+        glUseProgram(0);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    });
     float projection[16], modelView[16];  // not needed: the quad is in clip coordinates
     control.RenderShadowMap(projection, modelView);
     glActiveTexture(GL_TEXTURE0);
@@ -69,20 +74,24 @@ void DrawShadowMapView(CKV_ScenePaneCtrl& control) {
     glVertex3f(1, -1, 0);
     glVertex3f(1, 1, 0);
     glEnd();
-    glUseProgram(0);
-    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 /// Depth pass, then the objects in their draw mode with the shadow program. Modes that a mesh does not draw itself,
 /// such as per pixel, show no objects.
 void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
-    float projection[16], modelView[16];
-    control.RenderShadowMap(projection, modelView);
     // Texture unit of the shadow map. A textured mesh binds its image to unit 0 and unbinds it after its draw, so with
     // such a mesh in the scene the map must be on unit 1.
     const bool anyTexture =
         std::ranges::any_of(control.m_vpMeshes, [](const auto& mesh) { return mesh->m_pTexture != nullptr; });
     const int mapUnit = anyTexture ? 1 : 0;
+    const ScopeExit restore([mapUnit] {
+        glUseProgram(0);
+        glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
+        glBindTexture(GL_TEXTURE_2D, 0);
+        glActiveTexture(GL_TEXTURE0);
+    });
+    float projection[16], modelView[16];
+    control.RenderShadowMap(projection, modelView);
     glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
     glBindTexture(GL_TEXTURE_2D, control.m_nShadowTexture);
     glActiveTexture(GL_TEXTURE0);
@@ -98,31 +107,24 @@ void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
     glUniform4f(uniform("clipPlaneEquation0"), static_cast<float>(plane[0]), static_cast<float>(plane[1]),
                 static_cast<float>(plane[2]), static_cast<float>(plane[3]));
     DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
-
-    glUseProgram(0);
-    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(mapUnit));
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glActiveTexture(GL_TEXTURE0);
 }
 
 /// Each object with the program that fits it: with or without a texture.
 void DrawObjectsPerPixel(CKV_ScenePaneCtrl& control, bool reduced) {
     const GLint texture = glGetUniformLocation(control.m_progTexPerPixel, "tex");
-    {
-        MeshBatch batch;
-        std::uint32_t inUse = 0;
-        for (const auto& mesh : control.m_vpMeshes) {
-            if (mesh->m_iVisible == 0) continue;
-            const std::uint32_t program = mesh->m_pTexture ? control.m_progTexPerPixel : control.m_progPerPixel;
-            if (program != inUse) {
-                glUseProgram(program);
-                if (mesh->m_pTexture) glUniform1i(texture, 0);
-                inUse = program;
-            }
-            mesh->Draw(KV_ScenePane::DrawModeFlat, reduced);
+    const ScopeExit restore([] { glUseProgram(0); });
+    MeshBatch batch;
+    std::uint32_t inUse = 0;
+    for (const auto& mesh : control.m_vpMeshes) {
+        if (mesh->m_iVisible == 0) continue;
+        const std::uint32_t program = mesh->m_pTexture ? control.m_progTexPerPixel : control.m_progPerPixel;
+        if (program != inUse) {
+            glUseProgram(program);
+            if (mesh->m_pTexture) glUniform1i(texture, 0);
+            inUse = program;
         }
+        mesh->Draw(KV_ScenePane::DrawModeFlat, reduced);
     }
-    glUseProgram(0);
 }
 
 // ---- the steps of a frame
@@ -137,11 +139,14 @@ bool ShowsPickPointSpheres(const CKV_ScenePaneCtrl& control) {
     return control.m_bPickPointValid != 0 && control.m_nPickMode == KV_ScenePane::PickModePoints;
 }
 
+/// Whether frames show the objects by a part of their points.
+bool ShowsReduced(const CKV_ScenePaneCtrl& control) { return control.m_bMoveReduced == 1 && control.m_bMoving != 0; }
+
 /// The visible objects in the draw mode of the control. GL_COLOR_MATERIAL is left enabled.
-void DrawObjects(CKV_ScenePaneCtrl& control) {
-    const bool reduced = control.m_bMoveReduced == 1 && control.m_bMoving != 0;
+void DrawObjects(CKV_ScenePaneCtrl& control, bool reduced) {
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
+    const ScopeExit restore([] { Plane::DisableClipping(); });
     if (ClipsByOpenGl(control)) control.m_clipPlane.EnableClipping();
 
     for (const auto& mesh : control.m_vpMeshes) mesh->SetPointSize(control.m_fPointCloudSize * control.m_fScale);
@@ -154,14 +159,13 @@ void DrawObjects(CKV_ScenePaneCtrl& control) {
         DrawObjectsPerPixel(control, reduced);
     else
         DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
-    Plane::DisableClipping();
 }
 
 /// Background, objects, clip plane, pick points, selection.
 void DrawScene(CKV_ScenePaneCtrl& control) {
     glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);  // they are packed: clearing one reads the other
     control.DrawBackground();
-    DrawObjects(control);
+    DrawObjects(control, ShowsReduced(control));
     if (ShowsClipPlane(control)) {
         glPushAttrib(GL_DEPTH_BUFFER_BIT);
         glEnable(GL_DEPTH_TEST);
@@ -230,8 +234,8 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
         if (control.m_bAnimationRunning != 0) control.AnimationStep();
         DrawSceneOrFrozenImage(control, sizeChanged);
         // The depths of the window's own framebuffer may be lost at the swap.
-        control.m_bObjectDepths =
-            control.m_pFrozenImage == nullptr && control.m_frameTarget.Name() != 0 && !WritesOtherDepths(control);
+        control.m_bObjectDepths = control.m_pFrozenImage == nullptr && control.m_frameTarget.Name() != 0 &&
+                                  !ShowsReduced(control) && !WritesOtherDepths(control);
         DrawOverScene(control);
         if (control.m_pCapture != nullptr) {
             control.m_frameTarget.Resolve();
@@ -284,11 +288,15 @@ void CKV_ScenePaneCtrl::DrawObjectDepths() {
     StoreWindowSize();
     m_frameTarget.SetSize(m_nWidth, m_nHeight, m_nGlSamples);
     m_frameTarget.Bind();
+    m_bObjectDepths = false;
     glPushAttrib(GL_COLOR_BUFFER_BIT);
+    // Also without memory for the buffers of a mesh: a frame relies on what it finds.
+    const ScopeExit restore([] {
+        glDisable(GL_COLOR_MATERIAL);
+        glPopAttrib();
+    });
     glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
     glClear(GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
-    DrawObjects(*this);
-    glDisable(GL_COLOR_MATERIAL);
-    glPopAttrib();
+    DrawObjects(*this, false);
     m_bObjectDepths = m_frameTarget.Name() != 0;
 }

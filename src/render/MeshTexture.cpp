@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cassert>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "KV_Components/Image.h"
@@ -74,6 +75,17 @@ void UploadPicture(std::int32_t width, std::int32_t height, const std::uint8_t* 
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
 }
 
+/// The texture must have no name. Its name is generated last: when an allocation fails before, nothing is on the GPU.
+void MakeOnGpu(Mesh::Texture& texture, std::int32_t width, std::int32_t height, const std::uint8_t* rgba) {
+    glGenTextures(1, &texture.m_uName);
+    glBindTexture(GL_TEXTURE_2D, texture.m_uName);
+    UploadPicture(width, height, rgba);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
 /// Checks a picture that was given as pixels with the limits of the component library.
 /// @throws std::runtime_error when it rejects the size
 void RequirePicture(const std::uint32_t* rgbaPixels, std::uint32_t width, std::uint32_t height) {
@@ -117,17 +129,33 @@ std::shared_ptr<Mesh> MakeHpsMesh(std::vector<Vertex> vertices, std::span<const 
 
 void CreateTexture(Mesh& mesh, std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
                    std::span<const std::uint8_t> imageBytes) {
-    // The name of the texture is generated last: when an allocation fails before that, nothing remains on the GPU.
     auto texture = std::make_shared<Mesh::Texture>(0, CurrentContext(),
                                                    std::vector<std::uint8_t>(imageBytes.begin(), imageBytes.end()));
-    if (texture->m_hContext != nullptr) {
-        glGenTextures(1, &texture->m_uName);
-        glBindTexture(GL_TEXTURE_2D, texture->m_uName);
-        UploadPicture(width, height, rgbaPixels);
-        glGenerateMipmap(GL_TEXTURE_2D);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
-        glBindTexture(GL_TEXTURE_2D, 0);
-    }
+    if (texture->m_hContext != nullptr) MakeOnGpu(*texture, width, height, rgbaPixels);
     mesh.m_pTexture = std::move(texture);
+}
+
+void TakeOutOfContext(const std::shared_ptr<Mesh::Texture>& texture, std::vector<TexturePixels>& list) {
+    if (texture->m_uName == 0) return;
+    glBindTexture(GL_TEXTURE_2D, texture->m_uName);
+    try {
+        TexturePixels pixels{texture, 0, 0, {}};
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &pixels.width);
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_HEIGHT, &pixels.height);
+        pixels.rgba.resize(std::size_t{4} * static_cast<std::size_t>(pixels.width) *
+                           static_cast<std::size_t>(pixels.height));
+        glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels.rgba.data());
+        list.push_back(std::move(pixels));
+    } catch (const std::bad_alloc&) {
+        // no picture, but no name of a context that is gone either
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glDeleteTextures(1, &texture->m_uName);
+    texture->m_uName = 0;
+    texture->m_hContext = nullptr;
+}
+
+void PutIntoContext(const TexturePixels& pixels) {
+    pixels.texture->m_hContext = CurrentContext();
+    MakeOnGpu(*pixels.texture, pixels.width, pixels.height, pixels.rgba.data());
 }

@@ -30,3 +30,15 @@
 /// @param rgbaPixels  4 bytes per pixel, the first row at v = 0
 void CreateTexture(Mesh& mesh, std::int32_t width, std::int32_t height, const std::uint8_t* rgbaPixels,
                    std::span<const std::uint8_t> imageBytes);
+
+/// A texture that outlives its context, and what it showed.
+struct TexturePixels {
+    std::shared_ptr<Mesh::Texture> texture;
+    std::int32_t width = 0, height = 0;
+    std::vector<std::uint8_t> rgba;
+};
+/// Deletes the texture on the GPU, for all meshes that share it, and adds it with its pixels to the list. Not without
+/// memory for them: the meshes are drawn without a picture then. The context of the texture must be current.
+void TakeOutOfContext(const std::shared_ptr<Mesh::Texture>& texture, std::vector<TexturePixels>& list);
+/// Makes a texture of the list again, in the current context.
+void PutIntoContext(const TexturePixels& pixels);

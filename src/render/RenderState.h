@@ -8,6 +8,7 @@
 #include "geometry/Vector3.h"
 #include "platform/PaneWindow.h"
 #include "render/FrameTarget.h"
+#include "render/MeshTexture.h"
 #include "render/Overlay.h"
 #include "render/TextDraw.h"
 
@@ -38,6 +39,7 @@ struct RenderState {
     std::int32_t m_nGlMajorVersion = 3, m_nGlMinorVersion = 3;  ///< requested
     std::int32_t m_nGlSamples = 0;                              ///< requested samples per pixel
     bool m_bSamplesOptional = false;  ///< of the first context: 0 samples where the driver has no such format
+    std::vector<TexturePixels> m_vTexturesWithoutContext;  ///< for the next context
     COpenGLTextDraw m_textDraw;
     float m_fScale = 1.0f;  ///< of fonts, line widths and point sizes; 2 for twice the pixels per inch
 

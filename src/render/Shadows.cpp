@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 #include "log/Log.h"
 #include "render/MeshDraw.h"
@@ -109,25 +110,23 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     glBindFramebuffer(GL_FRAMEBUFFER, m_nShadowFbo);
     // Restores the viewport, and the depth test: the selection is drawn without it.
     glPushAttrib(GL_DEPTH_BUFFER_BIT | GL_VIEWPORT_BIT);
+    const ScopeExit restore([this] {
+        glPopAttrib();
+        m_frameTarget.Bind();
+        glMatrixMode(GL_MODELVIEW);
+        glPopMatrix();
+        // An unmatched pop on purpose: it raises GL_STACK_UNDERFLOW and changes nothing. Hosts that query OpenGL errors
+        // recognise a shadow pass by it.
+        glMatrixMode(GL_PROJECTION);
+        glPopMatrix();
+        glMatrixMode(GL_MODELVIEW);
+    });
     glViewport(0, 0, m_nShadowMapWidth, m_nShadowMapHeight);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
     glUseProgram(m_progDepth);
-    {
-        MeshBatch batch;
-        for (const auto& mesh : m_vpMeshes)
-            if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags
-    }
-    glPopAttrib();
-    m_frameTarget.Bind();
-
-    // Restore the state of the caller.
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
-    // An unmatched pop on purpose: it raises GL_STACK_UNDERFLOW and changes nothing. Hosts that query OpenGL errors
-    // recognise a shadow pass by it.
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
     // m_progDepth stays bound: the caller binds its own program next.
+    MeshBatch batch;
+    for (const auto& mesh : m_vpMeshes)
+        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags
 }

@@ -46,14 +46,6 @@ void CenterViewOrPlacePlane(CKV_ScenePaneCtrl& control, std::uint32_t flags) {
     }
 }
 
-/// Points are fractions of the window, so that they survive a change of its size.
-void AddLassoPoint(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
-    const auto [relativeX, relativeY] = WindowFraction<double>(x, y, control.m_nWidth, control.m_nHeight);
-    control.m_lassoCursor = {relativeX, relativeY};
-    control.m_vLassoPoints.push_back(control.m_lassoCursor);
-    control.InvalidateControl(true);
-}
-
 // ---- left
 
 /// Directly, or delayed by the dispatcher: then a plain press picks, and only Shift or the chord drags.
@@ -155,7 +147,7 @@ void RightDownInAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::
 void RightDownInMaskLasso(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     if (control.m_pCutSession != nullptr) {
         const auto [relativeX, relativeY] = WindowFraction<float>(x, y, control.m_nWidth, control.m_nHeight);
-        control.AddCutSessionPoint(relativeX, relativeY);
+        if (!control.AddCutSessionPoint(relativeX, relativeY)) return;  // not what the operator has drawn
     }
     control.FinishSegmentation(false);
 }
@@ -184,7 +176,7 @@ void CKV_ScenePaneCtrl::OnLeftDown(std::uint32_t flags, std::int32_t x, std::int
             if (m_nIgdRotation == 1) m_nInteractionMode = ModePan;  // the second button of the chord
             break;
         case ModeLasso:
-            AddLassoPoint(*this, x, y);
+            AddLassoPoint(x, y);
             break;
         case ModeAlignInteractive:
             LeftDownInAlignment(*this, flags, x, y);
@@ -211,8 +203,7 @@ void CKV_ScenePaneCtrl::OnRightDown(std::uint32_t flags, std::int32_t x, std::in
             RightDownInIdle(*this, flags, x, y);
             break;
         case ModeLasso:
-            AddLassoPoint(*this, x, y);
-            FinishSegmentation(false);
+            if (AddLassoPoint(x, y)) FinishSegmentation(false);
             break;
         case ModeAlignInteractive:
         case ModeAlignPickPoints:

@@ -1,5 +1,6 @@
 // A window that passes every call on to a real one and records what the control called, and the input that it received.
 #pragma once
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,6 +19,7 @@ public:
     int waitCursorsBegun = 0, waitCursorsEnded = 0;
     std::vector<std::uint32_t> stoppedTimers;
     std::vector<std::string> modalMessages;
+    std::function<void()> onEndWaitCursor = [] {};  ///< called before the end
 
     // ---- input of the control, from its start
     std::vector<KV_ScenePane::MouseInput> mouseHeard;
@@ -32,7 +34,10 @@ public:
     void Refresh() override { ++refreshes, m_window->Refresh(); }
     void Invalidate(bool erase) override { ++(erase ? eraseInvalidates : invalidates), m_window->Invalidate(erase); }
     void BeginWaitCursor() override { ++waitCursorsBegun, m_window->BeginWaitCursor(); }
-    void EndWaitCursor() override { ++waitCursorsEnded, m_window->EndWaitCursor(); }
+    void EndWaitCursor() override {
+        onEndWaitCursor();
+        ++waitCursorsEnded, m_window->EndWaitCursor();
+    }
     void ShowModalMessage(const std::string& text) override {
         modalMessages.push_back(text);
         m_window->ShowModalMessage(text);
