@@ -52,7 +52,7 @@ struct CutSaveEntry {
     /// file was not read or not written; it keeps them when memory was short between the read and the write.
     int numberOfCuts = 0;
     /// The object has another transform than at its import, by more than the rounding of GetTrafoOfScan() and
-    /// SetTrafoOfScan(): pixels of the file would be removed that are not those that the lasso enclosed.
+    /// SetTrafoOfScan(): a plane, and cuts drawn since, would remove other pixels of the file than the window shows.
     bool isMoved = false;
     /// One of the cuts that are not in the file was drawn while the object had another transform than at its import,
     /// also when the move was taken back since: pixels of the file would be removed that are not those that the lasso
