@@ -30,13 +30,18 @@ std::atomic<std::size_t> g_failingAllocation{std::numeric_limits<std::size_t>::m
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: the compiler would report a pair of new and free().
+[[gnu::noinline]] void* operator new(std::size_t size) {
     void* const memory = size < g_failingAllocation ? std::malloc(size == 0 ? 1 : size) : nullptr;
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+// Those of a sanitizer do not call the ones above.
+[[gnu::noinline]] void* operator new[](std::size_t size) { return operator new(size); }
+[[gnu::noinline]] void operator delete[](void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
