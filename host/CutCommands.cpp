@@ -83,6 +83,8 @@ void CutCommands::OnCutAboutToApply() { m_vSteps.push_back(m_objects.Rows()); }
 void CutCommands::OnLassoEnded(int objects) {
     m_way.reset();
     if (objects < 0 || m_pViewer == nullptr) {
+        // The viewer may have failed after it announced a cut.
+        if (const auto steps = static_cast<std::size_t>(UndoSteps()); m_vSteps.size() > steps) m_vSteps.resize(steps);
         emit Changed();
         emit Report(tr("Nothing was cut."));
         return;
@@ -99,7 +101,6 @@ void CutCommands::OnLassoEnded(int objects) {
 void CutCommands::Undo() {
     if (m_pViewer == nullptr || m_way || UndoSteps() == 0) return;
     const std::vector<ObjectRow> before = m_objects.Rows();
-    const bool wasSaved = UndoSteps() <= m_nSavedSteps;
     {
         const PaintBlock block(m_pViewer->Methods());  // one frame, with the visibility that the list shows
         (void)m_pViewer->Methods().PerformUndo();
@@ -109,10 +110,10 @@ void CutCommands::Undo() {
         ShowObjects(rows);
     }
     m_pViewer->Methods().PerformInvalidate();
-    m_nSavedSteps = std::min(m_nSavedSteps, UndoSteps());
-    m_ledger.OnUndone(Objects(Plan()), wasSaved ? m_vWrittenIds : std::vector<int>{});
+    const QString text = UndoText(before);
+    m_ledger.OnUndone(Objects(Plan()), UndoSteps());
     emit Changed();
-    emit Report(UndoText(before, wasSaved));
+    emit Report(text);
 }
 
 std::vector<ObjectRow> CutCommands::TakeStep() {
@@ -126,7 +127,7 @@ std::vector<ObjectRow> CutCommands::TakeStep() {
     return rows;
 }
 
-QString CutCommands::UndoText(const std::vector<ObjectRow>& before, bool wasSaved) const {
+QString CutCommands::UndoText(const std::vector<ObjectRow>& before) const {
     const std::vector<ObjectRow> after = m_objects.Rows();
     QStringList gone, saved;
     for (const ObjectRow& row : before) {
@@ -135,8 +136,7 @@ QString CutCommands::UndoText(const std::vector<ObjectRow>& before, bool wasSave
     for (const ObjectRow& row : after) {
         const ObjectRow* const former = RowOf(before, row.id);
         const bool hasChanged = former == nullptr || former->vertices != row.vertices;
-        if (wasSaved && hasChanged && std::ranges::find(m_vWrittenIds, row.id) != m_vWrittenIds.end())
-            saved << NameOf(row);
+        if (hasChanged && m_ledger.IsInFile(row.id, UndoSteps() + 1)) saved << NameOf(row);
     }
     QString text = UndoSteps() == 0 ? tr("The cut was taken back.")
                                     : tr("The cut was taken back; %1 can be taken back, too.").arg(UndoSteps());
@@ -169,8 +169,6 @@ void CutCommands::ShowObjects(std::vector<ObjectRow> rows) {
 
 void CutCommands::OnSceneCleared() {
     m_vSteps.clear();
-    m_vWrittenIds.clear();
-    m_nSavedSteps = 0;
     m_ledger.Clear();
     emit Changed();
 }

@@ -81,17 +81,21 @@ private:
     [[nodiscard]] QString SaveNote() const;
     /// Asks, unless nothing can be written.
     [[nodiscard]] bool AskToWrite(const Entries& plan);
-    /// Says so and returns true when an object was moved.
+    /// Says so and returns true when an object is moved or was cut while it was.
     bool RefuseMoved(const Entries& plan);
     /// Without a question.
     bool Write();
-    /// Reports the results and keeps what failed. @param plan  of before
+    /// Keeps what was written and what the viewer has lost. @param plan  of before @return advice about what failed
+    QStringList KeepResults(const Entries& plan, const Entries& results);
+    /// @param plan  of before
     bool ReportSave(const Entries& plan, const Entries& results);
+    /// What can be done about an earlier save that has failed and is not repeated; empty when there is none.
+    [[nodiscard]] QString FailedBefore(const CutObject& object) const;
 
     /// Shows these rows with what the viewer has now.
     void ShowObjects(std::vector<ObjectRow> rows);
-    /// After an undo: what became of the objects. @param before  the rows before it
-    [[nodiscard]] QString UndoText(const std::vector<ObjectRow>& before, bool wasSaved) const;
+    /// After an undo and before the ledger follows it: what became of the objects. @param before  the rows before it
+    [[nodiscard]] QString UndoText(const std::vector<ObjectRow>& before) const;
     /// Rows of the viewer's newest undo step, with the visibility that each object has now.
     [[nodiscard]] std::vector<ObjectRow> TakeStep();
     void ApplyColors();
@@ -104,7 +108,5 @@ private:
     std::function<bool()> m_isClipping = [] { return false; };
     std::optional<Way> m_way;
     std::vector<std::vector<ObjectRow>> m_vSteps;  // the rows of each undo step of the viewer
-    std::vector<int> m_vWrittenIds;                // objects whose files were written
-    int m_nSavedSteps = 0;                         // undo steps at the last save: their cuts are in files
     CutLedger m_ledger;
 };

@@ -24,16 +24,14 @@ QString FileCount(std::size_t count) {
     return count == 1 ? CutCommands::tr("1 file") : CutCommands::tr("%1 files").arg(count);
 }
 
-/// The files that a save writes. One that has no cut is written for the clip plane.
+/// The files that a save writes, one line each with all of its names.
 QStringList FileLines(const std::vector<CutSaveEntry>& plan) {
     QStringList lines;
-    for (const std::string& file : FilesToWrite(plan)) {
-        const bool hasCuts = std::ranges::any_of(plan, [&](const CutSaveEntry& entry) {
-            return entry.numberOfCuts > 0 && entry.outcome == KV_ScenePane::CutToBeWritten &&
-                   KV_ScenePane::PathBytes(entry.file) == file;
-        });
-        const QString name = QString::fromStdString(file);
-        lines << (hasCuts ? name : CutCommands::tr("%1 (clip plane only)").arg(name));
+    for (const FileToWrite& file : FilesToWrite(plan)) {
+        QString line = QString::fromStdString(file.names.front());
+        for (std::size_t i = 1; i < file.names.size(); ++i)
+            line += CutCommands::tr(", which is also %1").arg(QString::fromStdString(file.names[i]));
+        lines << (file.hasCuts ? line : CutCommands::tr("%1 (clip plane only)").arg(line));
     }
     return lines;
 }
@@ -89,7 +87,7 @@ QStringList CutCommands::UnsavedLines(const Entries& plan, int index, bool* canS
         if ((index >= 0 && static_cast<std::size_t>(index) != i) || !m_ledger.IsUnsaved(objects[i])) continue;
         const QString file = QString::fromStdString(KV_ScenePane::PathBytes(plan[i].file));
         if (m_ledger.HasLostCuts(objects[i].id))
-            lines << tr("%1: a save has failed; undo the cut and draw it again").arg(file);
+            lines << file + ": " + FailedBefore(objects[i]);
         else if (!objects[i].isFromPcm)
             lines << tr("%1: only pcm files can hold cuts; export the object to keep them").arg(file);
         else
@@ -145,17 +143,29 @@ bool CutCommands::Save() {
     if (m_pViewer == nullptr) return false;
     Cancel();
     const Entries plan = Plan();
-    if (std::ranges::none_of(plan, IsToBeWritten)) {
-        QStringList lines;
-        for (const CutSaveEntry& entry : plan) {
-            if (entry.outcome == KV_ScenePane::CutNotFromPcm && entry.numberOfCuts > 0)
-                lines << QString::fromStdString(CutSaveLine(entry));
+    if (std::ranges::any_of(plan, IsToBeWritten)) return !RefuseMoved(plan) && AskToWrite(plan) && Write();
+    const std::vector<CutObject> objects = Objects(plan);
+    QStringList lines;
+    bool hasFailures = false;
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        if (const QString text = FailedBefore(objects[i]); !text.isEmpty()) {
+            hasFailures = true;
+            lines << QString::fromStdString(KV_ScenePane::PathBytes(plan[i].file)) + ": " + text;
+        } else if (plan[i].outcome == KV_ScenePane::CutNotFromPcm && plan[i].numberOfCuts > 0) {
+            lines << QString::fromStdString(CutSaveLine(plan[i]));
         }
-        lines << tr("Nothing was saved: no pcm file has cuts that it does not hold yet.");
-        emit Report(lines.join('\n'));
-        return false;
     }
-    return !RefuseMoved(plan) && AskToWrite(plan) && Write();
+    lines << (hasFailures ? tr("Nothing was saved: what has failed is not written again.")
+                          : tr("Nothing was saved: no pcm file has cuts that it does not hold yet."));
+    emit Report(lines.join('\n'));
+    return false;
+}
+
+QString CutCommands::FailedBefore(const CutObject& object) const {
+    if (m_ledger.HasLostCuts(object.id)) return tr("a save has failed; undo the cut and draw it again");
+    if (m_ledger.HasLostPlane(object.id) && m_isClipping())
+        return tr("a save of the clip plane has failed; move the plane a little, or open the file again");
+    return {};
 }
 
 bool CutCommands::RefuseMoved(const Entries& plan) {
@@ -164,7 +174,7 @@ bool CutCommands::RefuseMoved(const Entries& plan) {
     if (lines.isEmpty()) return false;
     emit Report(lines.join('\n') + '\n' + tr("No cuts were saved."));
     const FileListDialog::Texts texts{
-        tr("Save cuts"), tr("No cuts are saved. Take back the alignment first of:"), lines,
+        tr("Save cuts"), tr("No cuts are saved:"), lines,
         tr("The file of an object that was moved would lose other points than the lasso enclosed.")};
     (void)FileListDialog(texts, QDialogButtonBox::Close, QDialogButtonBox::Close, m_pWindow).Ask();
     return true;
@@ -197,35 +207,58 @@ bool CutCommands::Write() {
     return good;
 }
 
-bool CutCommands::ReportSave(const Entries& plan, const Entries& results) {
+QStringList CutCommands::KeepResults(const Entries& plan, const Entries& results) {
     const std::vector<CutObject> objects = Objects(plan);
-    QStringList lines;
-    std::size_t written = 0, skipped = 0, failed = 0;
-    for (std::size_t i = 0; i < results.size() && i < objects.size(); ++i) {
-        const CutSaveEntry& result = results[i];
-        if (result.outcome == KV_ScenePane::CutNothingToSave) continue;
-        lines << QString::fromStdString(CutSaveLine(result));
-        if (HasFailed(result)) {
-            ++failed;
-            if (objects[i].cuts > 0) m_ledger.OnSaveFailed(objects[i]);
-        } else if (result.outcome == KV_ScenePane::CutWritten) {
-            ++written;
-            m_vWrittenIds.push_back(objects[i].id);
-        } else {
-            ++skipped;
+    const Entries after = Plan();
+    bool isKept = false, hasLostCuts = false, hasLostPlane = false;
+    for (std::size_t i = 0; i < results.size() && i < objects.size() && i < after.size(); ++i) {
+        const CutObject& object = objects[i];
+        const bool isLeft = IsToBeWritten(after[i]);
+        if (HasFailed(results[i])) {
+            if (!isLeft && object.cuts > 0) m_ledger.OnSaveFailed(object, UndoSteps());
+            if (!isLeft && object.cuts == 0) m_ledger.OnPlaneFailed(object.id);
+            isKept = isKept || isLeft;
+            hasLostCuts = hasLostCuts || m_ledger.HasLostCuts(object.id);
+            hasLostPlane = hasLostPlane || (!isLeft && object.cuts == 0);
+        } else if (results[i].outcome == KV_ScenePane::CutWritten && !isLeft) {
+            m_ledger.OnSaved(object.id, UndoSteps());
         }
     }
-    m_nSavedSteps = UndoSteps();
+    QStringList advice;
+    if (hasLostCuts)
+        advice << tr("The viewer keeps no cuts of a file that failed: undo these cuts and draw them again.");
+    if (hasLostPlane)
+        advice << tr("A clip plane that failed is not written again: move it a little, or open the file again.");
+    if (isKept) advice << tr("The viewer still has cuts that were not written, as memory was short: save them again.");
+    return advice;
+}
+
+bool CutCommands::ReportSave(const Entries& plan, const Entries& results) {
+    const QStringList advice = KeepResults(plan, results);
+    const std::vector<CutObject> objects = Objects(plan);
+    QStringList lines;
+    std::size_t written = 0, skipped = 0, failed = 0, failedBefore = 0;
+    for (std::size_t i = 0; i < results.size() && i < objects.size(); ++i) {
+        const CutSaveEntry& result = results[i];
+        if (result.outcome == KV_ScenePane::CutNothingToSave) {
+            const QString text = FailedBefore(objects[i]);
+            if (text.isEmpty()) continue;
+            ++failedBefore;
+            lines << QString::fromStdString(KV_ScenePane::PathBytes(result.file)) + ": " + text;
+            continue;
+        }
+        lines << QString::fromStdString(CutSaveLine(result));
+        ++(HasFailed(result) ? failed : result.outcome == KV_ScenePane::CutWritten ? written : skipped);
+    }
     emit Changed();
     // Objects are counted: two of them may be from one file.
     QString summary = tr("Cuts saved: %1 written").arg(written);
     if (skipped > 0) summary += tr(", %1 skipped").arg(skipped);
     if (failed > 0) summary += tr(", %1 failed").arg(failed);
+    if (failedBefore > 0) summary += tr(", %1 failed before").arg(failedBefore);
     emit Report(lines.join('\n') + '\n' + summary);
-    if (skipped + failed == 0) return true;
-    const QString note =
-        failed > 0 ? tr("The viewer keeps no cuts of a file that failed: undo these cuts and draw them again.") : "";
-    (void)FileListDialog({tr("Save cuts"), summary + ':', lines, note}, QDialogButtonBox::Close,
+    if (skipped + failed + failedBefore == 0) return true;
+    (void)FileListDialog({tr("Save cuts"), summary + ':', lines, advice.join('\n')}, QDialogButtonBox::Close,
                          QDialogButtonBox::Close, m_pWindow)
         .Ask();
     return failed == 0;

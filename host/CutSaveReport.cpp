@@ -2,6 +2,9 @@
 #include "CutSaveReport.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <map>
+#include <system_error>
 #include <utility>
 
 #include "KV_ScenePane/PathText.h"
@@ -12,6 +15,13 @@ using KV_ScenePane::CutSaveEntry;
 
 std::string NameOf(const CutSaveEntry& entry) {
     return entry.file.empty() ? "object " + std::to_string(entry.object) : KV_ScenePane::PathBytes(entry.file);
+}
+
+/// The name itself when there is no such file.
+std::filesystem::path WithoutLinks(const std::string& name) {
+    std::error_code error;
+    std::filesystem::path path = std::filesystem::canonical(name, error);
+    return error ? std::filesystem::path(name) : path;
 }
 
 /// @param reason  empty when none is known
@@ -48,12 +58,17 @@ bool HasFailed(const CutSaveEntry& entry) {
     return entry.outcome == KV_ScenePane::CutFileNotRead || entry.outcome == KV_ScenePane::CutFileNotWritten;
 }
 
-std::vector<std::string> FilesToWrite(std::span<const CutSaveEntry> plan) {
-    std::vector<std::string> files;
+std::vector<FileToWrite> FilesToWrite(std::span<const CutSaveEntry> plan) {
+    std::vector<FileToWrite> files;
+    std::map<std::filesystem::path, std::size_t> indexOf;
     for (const CutSaveEntry& entry : plan) {
         if (entry.outcome != KV_ScenePane::CutToBeWritten) continue;
-        std::string file = KV_ScenePane::PathBytes(entry.file);
-        if (std::ranges::find(files, file) == files.end()) files.push_back(std::move(file));
+        std::string name = KV_ScenePane::PathBytes(entry.file);
+        const auto [index, isNew] = indexOf.try_emplace(WithoutLinks(name), files.size());
+        if (isNew) files.emplace_back();
+        FileToWrite& file = files[index->second];
+        file.hasCuts = file.hasCuts || entry.numberOfCuts > 0;
+        if (std::ranges::find(file.names, name) == file.names.end()) file.names.push_back(std::move(name));
     }
     return files;
 }
@@ -61,7 +76,12 @@ std::vector<std::string> FilesToWrite(std::span<const CutSaveEntry> plan) {
 std::vector<std::string> MovedObjectLines(std::span<const CutSaveEntry> plan) {
     std::vector<std::string> lines;
     for (const CutSaveEntry& entry : plan) {
-        if (entry.outcome == KV_ScenePane::CutToBeWritten && entry.isMoved)
+        if (entry.outcome != KV_ScenePane::CutToBeWritten) continue;
+        if (entry.isCutWhileMoved)  // also an object that is still moved: the undo brings the move back
+            lines.push_back(
+                NameOf(entry) +
+                ": was cut while it was moved; undo these cuts, take back the alignment first, and cut again");
+        else if (entry.isMoved)
             lines.push_back(NameOf(entry) + ": moved since its import, take back the alignment first");
     }
     return lines;

@@ -14,11 +14,18 @@
 /// The file could not be read or not be written.
 [[nodiscard]] bool HasFailed(const KV_ScenePane::CutSaveEntry& entry);
 
-/// The files that a plan writes, as bytes, each once, in the order of the objects.
-[[nodiscard]] std::vector<std::string> FilesToWrite(std::span<const KV_ScenePane::CutSaveEntry> plan);
+/// A file that a plan writes.
+struct FileToWrite {
+    std::vector<std::string> names;  ///< as bytes; several when objects are from links to it
+    bool hasCuts = false;            ///< else only the clip plane is written
+};
 
-/// Why a plan must not be carried out: one line without a line feed for each object that would be written and was moved
-/// since its import, as its cuts would remove other pixels of the file than the lasso enclosed. Usually none.
+/// Each file once, in the order of the objects. Two hard links are two files: a save replaces each by a file of its
+/// own.
+[[nodiscard]] std::vector<FileToWrite> FilesToWrite(std::span<const KV_ScenePane::CutSaveEntry> plan);
+
+/// Why a plan must not be carried out: one line without a line feed for each object that would be written and is moved,
+/// or was when it was cut, as other pixels of the file would be removed than the lasso enclosed. Usually none.
 [[nodiscard]] std::vector<std::string> MovedObjectLines(std::span<const KV_ScenePane::CutSaveEntry> plan);
 
 /// What a save also removes beside the cuts, as sentences without a full stop or a line feed; usually none.

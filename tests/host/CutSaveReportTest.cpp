@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "KV_ScenePane/PathText.h"
+#include "host/MeshFiles.h"
+#include "support/ScratchFolder.h"
 
 namespace {
 
@@ -44,13 +48,39 @@ TEST(CutSaveReport, OnlyFilesThatCouldNotBeReadOrWrittenHaveFailed) {
             << outcome;
 }
 
+/// The names of each file, "NAME = NAME" for one with two.
+std::vector<std::string> Names(std::span<const CutSaveEntry> plan) {
+    std::vector<std::string> names;
+    for (const FileToWrite& file : FilesToWrite(plan)) {
+        names.push_back(file.names.front());
+        for (std::size_t i = 1; i < file.names.size(); ++i) names.back() += " = " + file.names[i];
+    }
+    return names;
+}
+
 TEST(CutSaveReport, ListsFilesToWriteOnceInTheOrderOfTheObjects) {
     using namespace KV_ScenePane;
-    const CutSaveEntry plan[] = {Entry("b.pcm", CutToBeWritten), Entry("c.ply", CutNotFromPcm),
-                                 Entry("a.pcm", CutToBeWritten), Entry("b.pcm", CutToBeWritten),
-                                 Entry("d.pcm", CutNothingToSave)};
-    EXPECT_EQ(FilesToWrite(plan), (std::vector<std::string>{"b.pcm", "a.pcm"}));
+    CutSaveEntry plan[] = {Entry("b.pcm", CutToBeWritten), Entry("c.ply", CutNotFromPcm),
+                           Entry("a.pcm", CutToBeWritten), Entry("b.pcm", CutToBeWritten),
+                           Entry("d.pcm", CutNothingToSave)};
+    plan[0].numberOfCuts = plan[2].numberOfCuts = 0;
+    EXPECT_EQ(Names(plan), (std::vector<std::string>{"b.pcm", "a.pcm"}));
+    EXPECT_TRUE(FilesToWrite(plan).at(0).hasCuts) << "those of the second object";
+    EXPECT_FALSE(FilesToWrite(plan).at(1).hasCuts);
     EXPECT_TRUE(FilesToWrite({}).empty());
+}
+
+TEST(CutSaveReport, ListsAFileOnceWithTheNamesOfItsLinks) {
+    using namespace KV_ScenePane;
+    const ScratchFolder folder;
+    const std::string file = folder / "a.pcm", link = folder / "link.pcm", hard = folder / "hard.pcm";
+    WriteText(file, "a");
+    std::filesystem::create_symlink("a.pcm", link);
+    std::filesystem::create_hard_link(file, hard);
+    const CutSaveEntry plan[] = {Entry(link, CutToBeWritten), Entry(file, CutToBeWritten), Entry(link, CutToBeWritten),
+                                 Entry(hard, CutToBeWritten)};
+    EXPECT_EQ(Names(plan), (std::vector<std::string>{link + " = " + file, hard}))
+        << "a save makes the hard link a file of its own";
 }
 
 TEST(CutSaveReport, NamesMovedObjectsThatWouldBeWritten) {
@@ -60,6 +90,16 @@ TEST(CutSaveReport, NamesMovedObjectsThatWouldBeWritten) {
     EXPECT_EQ(MovedObjectLines(plan),
               std::vector<std::string>{"b.pcm: moved since its import, take back the alignment first"});
     EXPECT_TRUE(MovedObjectLines(std::span(plan).first(1)).empty());
+}
+
+TEST(CutSaveReport, NamesObjectsThatWereCutWhileTheyWereMoved) {
+    using namespace KV_ScenePane;
+    CutSaveEntry plan[] = {Entry("a.pcm", CutToBeWritten), Entry("b.pcm", CutToBeWritten, "", true),
+                           Entry("c.pcm", CutNothingToSave)};
+    for (CutSaveEntry& entry : plan) entry.isCutWhileMoved = true;
+    const std::string text =
+        ": was cut while it was moved; undo these cuts, take back the alignment first, and cut again";
+    EXPECT_EQ(MovedObjectLines(plan), (std::vector<std::string>{"a.pcm" + text, "b.pcm" + text}));
 }
 
 TEST(CutSaveReport, SaysWhatIsRemovedBesideTheCuts) {

@@ -348,6 +348,17 @@ TEST_F(MainWindowCut, RestoresTheListWithTheObjectsOfTheCut) {
                   Methods().GetObjectColor(static_cast<std::int16_t>(i)));
 }
 
+// The viewer announces a cut before it makes an undo step, which may fail.
+TEST_F(MainWindowCut, RestoresTheListAlsoAfterAnAnnouncedCutThatFailed) {
+    ASSERT_TRUE(CutByCall());
+    m_window->DeleteObject(1);
+    m_window->Cuts().OnCutAboutToApply();
+    m_window->Cuts().OnLassoEnded(-1);
+    Tool("cutUndo").trigger();
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"front.pcm", "back.pcm"}));
+    ExpectListOfTheViewer();
+}
+
 TEST_F(MainWindowCut, ShowsEachObjectAsTheListSaysAfterAnUndo) {
     ASSERT_TRUE(CutByCall());
     const auto hide = [&](int row) {

@@ -9,29 +9,12 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <cstdlib>
 #include <fstream>
-#include <new>
 
 #include "NeedleFile.h"
 #include "host/MainWindowFixture.h"
 #include "host/ModalDialogs.h"
-
-// The address sanitizer replaces the same operators.
-#ifndef __SANITIZE_ADDRESS__
-namespace {
-// Allocations of at least this many bytes fail.
-std::size_t g_refusedBytes = SIZE_MAX;
-}  // namespace
-
-void* operator new(std::size_t size) {
-    void* const memory = size >= g_refusedBytes ? nullptr : std::malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-#endif
+#include "host/RefusedMemory.h"
 
 namespace {
 

@@ -224,10 +224,10 @@ expect 2 'scenepane: --convert needs two files, the one to read and the one to w
     --convert mesh.ply
 "$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there was not reported'
 grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong message: $(cat err.txt)"
-expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info and --convert need none' square.xdt
+expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export and --convert need none' square.xdt
 expect 1 'scenepane: none.ply: No such file or directory
 scenepane: none.txt: No such file or directory
-scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info and --convert need none' \
+scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export and --convert need none' \
     points.xyz none.ply --points points.xyz --lines none.txt
 # Every result that is printed: a full disk is exit status 1 and a reason.
 full() {
