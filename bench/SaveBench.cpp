@@ -27,11 +27,19 @@ namespace fs = std::filesystem;
 
 constexpr int kWidth = 2048, kHeight = 1536;
 
-/// The scan from above in a window of 1920 x 1080; the region is its middle third in both directions.
-std::shared_ptr<const ACAD::CutMask> MakeMask(std::uint32_t kind) {
+enum Lasso : std::int64_t {
+    kMiddle,        ///< removes the middle third in both directions
+    kWhole,         ///< around the whole scan, removes what is outside: every point is tested, and none removed
+    kWholeVisible,  ///< around the whole scan, which is hidden: the same, and every point is looked up in the depths
+};
+
+/// The scan from above in a window of 1920 x 1080.
+std::shared_ptr<const ACAD::CutMask> MakeMask(Lasso lasso) {
     constexpr int kWindowWidth = 1920, kWindowHeight = 1080;
     auto mask = std::make_shared<ACAD::CutMask>();
-    mask->m_nKind = kind;
+    mask->m_nKind = lasso == kMiddle  ? ACAD::CutKindInside
+                    : lasso == kWhole ? ACAD::CutKindOutside
+                                      : ACAD::CutKindVisibleInside;
     // The scan is about 82 x 61 scene units, moved by (1, 2, 3).
     for (const std::size_t i : {0, 5, 10, 15}) mask->m_dModelView[i] = mask->m_dProjection[i] = 1.0;
     mask->m_dModelView[12] = -1.0 - 41.0;
@@ -43,7 +51,10 @@ std::shared_ptr<const ACAD::CutMask> MakeMask(std::uint32_t kind) {
     constexpr std::size_t kPixels = std::size_t{kWindowWidth} * kWindowHeight;
     mask->m_vBits.m_vWords.resize((kPixels + 31) / 32);
     mask->m_vBits.m_uCount = kPixels;
-    mask->m_rcBounds = {kWindowWidth / 3, kWindowHeight / 3, 2 * kWindowWidth / 3, 2 * kWindowHeight / 3};
+    mask->m_rcBounds = {0, 0, kWindowWidth - 1, kWindowHeight - 1};
+    if (lasso == kMiddle)
+        mask->m_rcBounds = {kWindowWidth / 3, kWindowHeight / 3, 2 * kWindowWidth / 3, 2 * kWindowHeight / 3};
+    if (lasso == kWholeVisible) mask->m_vDepth.resize(kPixels, 0.0f);
     for (int y = mask->m_rcBounds[1]; y <= mask->m_rcBounds[3]; ++y) {
         for (int x = mask->m_rcBounds[0]; x <= mask->m_rcBounds[2]; ++x) {
             const auto bit = static_cast<std::size_t>(y) * kWindowWidth + static_cast<std::size_t>(x);
@@ -127,11 +138,11 @@ double MedianOf(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// @param state  range 0: number of scans; range 1: masks per object
+/// @param state  range 0: number of scans; range 1: masks per object; range 2: Lasso
 void SaveCutsBesideACopy(benchmark::State& state) {
     const Scans scans(static_cast<int>(state.range(0)));
     std::vector<std::shared_ptr<const ACAD::CutMask>> masks;
-    for (std::int64_t i = 0; i < state.range(1); ++i) masks.push_back(MakeMask(ACAD::CutKindInside));
+    for (std::int64_t i = 0; i < state.range(1); ++i) masks.push_back(MakeMask(Lasso{state.range(2)}));
     std::vector<std::shared_ptr<Mesh>> meshes;
     for (const std::string& path : scans.paths)
         meshes.push_back(std::make_shared<Mesh>(KV_ScenePane::WidePath(path), false));
@@ -154,15 +165,20 @@ void SaveCutsBesideACopy(benchmark::State& state) {
     state.counters["copy_ms"] = 1000 * MedianOf(copies);
     state.counters["save_ms"] = 1000 * MedianOf(saves);
     state.counters["ratio"] = MedianOf(ratios);
+    // On a machine that others use the fastest of each says more than the medians.
+    state.counters["best_ratio"] = std::ranges::min(saves) / std::ranges::min(copies);
     state.counters["MB"] = static_cast<double>(scans.paths.size() * fs::file_size(scans.paths[0])) * 1e-6;
 }
 
 BENCHMARK(SaveCutsBesideACopy)
-    ->Args({1, 1})
-    ->Args({16, 1})
-    ->Args({16, 4})
+    ->Args({1, 1, kMiddle})
+    ->Args({1, 1, kWhole})
+    ->Args({16, 1, kMiddle})
+    ->Args({16, 1, kWhole})
+    ->Args({16, 1, kWholeVisible})
+    ->Args({16, 4, kMiddle})
     ->UseManualTime()
-    ->Iterations(5)
+    ->Iterations(9)
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace
