@@ -350,12 +350,14 @@ TEST_F(MainWindowCut, RestoresTheListWithTheObjectsOfTheCut) {
 
 // The viewer announces a cut before it makes an undo step, which may fail.
 TEST_F(MainWindowCut, RestoresTheListAlsoAfterAnAnnouncedCutThatFailed) {
+    WriteStl(m_folder / "part.stl");
+    Import({m_folder / "part.stl"});  // only the list has its name
     ASSERT_TRUE(CutByCall());
-    m_window->DeleteObject(1);
+    m_window->DeleteObject(2);
     m_window->Cuts().OnCutAboutToApply();
     m_window->Cuts().OnLassoEnded(-1);
     Tool("cutUndo").trigger();
-    EXPECT_EQ(Rows(), (std::vector<std::string>{"front.pcm", "back.pcm"}));
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"front.pcm", "back.pcm", "part.stl"}));
     ExpectListOfTheViewer();
 }
 
