@@ -179,13 +179,14 @@ public:
     [[nodiscard]] virtual ClipHeight GetClipHeight() const = 0;
 
     /// Cuts all visible objects by a lasso with these corners, as if an operator had drawn it: fires the same events
-    /// and makes the same undo step. A session that runs is cancelled before. A frame is drawn first when the drawing
-    /// area was resized since the last one.
+    /// and makes the same undo step. A session that runs is cancelled before. Unless painting is blocked a frame
+    /// is drawn first, in the present size of the drawing area.
     /// @param points  of a polygon the corners in their order, at least two, closed by the viewer; of a freehand lasso
     ///                the start and the points of its line. Corners that are not finite are outside the window
     /// @return whether an object has changed. False with SegmentationDone(-1) when nothing was hit; false without an
     ///         event for a number that is no mode, for a NoPicture viewer and without a window
     /// @throws what handlers and hooks throw: the session is over then, with its cut
+    /// @throws std::bad_alloc  for the lasso itself: the session is over then, without a cut
     virtual bool CutWithLasso(SegmentationMode mode, std::span<const LassoPoint> points) = 0;
     /// Number of cuts that PerformUndo() can take back.
     [[nodiscard]] virtual int GetUndoStepCount() const = 0;

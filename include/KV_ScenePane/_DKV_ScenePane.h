@@ -111,7 +111,9 @@ public:
     /// and EndSegmentation() cancel. A session that runs is replaced without an event. Refreshes. Until the end the
     /// window shows the lasso cursor, and the space bar starts no animation. What a freehand lasso tints is where the
     /// objects were at the start: do not change the view or the objects before the end.
+    /// A freehand lasso cannot be drawn in a window wider or higher than the largest texture: a message says so.
     /// @param mode  a SegmentationMode (Cutting.h); another value starts no session and has the other effects
+    /// @throws std::bad_alloc, and what handlers and hooks throw: no session runs then, and no event reports that
     virtual void StartSegmentation(std::int16_t mode) = 0;
     /// Numbers of vertices and triangles of an object. The index must be valid: it is not checked.
     virtual void GetMeshDataSize(std::int16_t objIdx, std::int32_t* numP, std::int32_t* numT) = 0;

@@ -1,40 +1,15 @@
 // The order of the steps at the end of a session, and hosts that do everything in its events.
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <stdexcept>
 
+#include "KV_ScenePane/PathText.h"
 #include "cut/CutScene.h"
+#include "io/ScanSample.h"
+#include "render/MeshTexture.h"
 #include "support/GlNow.h"
-
-// ---- the memory of this program
-
-namespace {
-std::atomic<int> g_refusedBlock{0};  // counts down to 1, which is refused; 0: none is
-constexpr std::size_t kLargeBlock = 1000;
-}  // namespace
-
-// Not inlined: gcc would take their malloc() and free() for a mismatch with new and delete.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    if (size >= kLargeBlock && g_refusedBlock > 0 && g_refusedBlock-- == 1) throw std::bad_alloc();
-    void* const memory = std::malloc(std::max<std::size_t>(1, size));
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "support/ScratchFolder.h"
 
 namespace {
-
-/// The n-th allocation of a large block, counted from 1, is refused while this exists.
-class RefusedBlock {
-public:
-    explicit RefusedBlock(int n) { g_refusedBlock = n; }
-    ~RefusedBlock() { g_refusedBlock = 0; }
-    RefusedBlock(const RefusedBlock&) = delete;
-    RefusedBlock& operator=(const RefusedBlock&) = delete;
-};
 
 bool Cut(CutControl& c, SegmentationMode way = KV_ScenePane::PolygonInside,
          const LassoCorners& corners = kMiddleBlock) {
@@ -53,6 +28,7 @@ TEST(CutEvents, ComeBeforeAndAfterTheChangeOfTheList) {
         CutControl c;
         const auto original = c->m_vpMeshes;
         int refreshesBefore = 0;
+        c.window->onEndWaitCursor = [&] { EXPECT_EQ(c->m_pCutSession, nullptr) << "deleted under the wait cursor"; };
         c.host.onMask = [&](const ACAD::CutMask& mask) {
             EXPECT_EQ(c->m_vpMeshes, original);
             EXPECT_EQ(c->GetUndoStepCount(), 0);
@@ -137,6 +113,16 @@ const CallBack kCallBacks[] = {
          EXPECT_EQ(count, 0) << "the list is still the old one";
      },
      kUncut},
+    {"ImportScan",
+     [](auto& c) {
+         const ScratchFolder folder;
+         const std::string file = folder / "scan.pcm";
+         ScanSample(4, 3, 100.0f).WritePcm(file);
+         c->ImportScan(KV_ScenePane::WidePath(file).c_str(), 0xFFFFFF);
+         EXPECT_EQ(c->GetNumObjects(), 3);
+         LookDown(*c);
+     },
+     {kFrontCount, kBackCount, 12}},
     {"RecreateOpenglContext",
      [](auto& c) {
          c->RecreateOpenglContext(3, 3, 0);
@@ -212,6 +198,100 @@ TEST(CutMaskApplied, OfAHostThatStartsAndEndsASessionReportsThatEnd) {
         EXPECT_EQ(c.host.Take(), (EventNames{"mask", "done -1", "done 2"}));
         EXPECT_EQ(VertexCounts(*c), kCut);
         EXPECT_EQ(c->m_bLassoCursor, 0);
+    }
+}
+
+/// An object at the left with a part to cut, one at the right without, and of each another one with a texture below.
+struct FourObjects : CutControl {
+    FourObjects() {
+        control->m_vpMeshes.clear();
+        Add(-2.5f, 2, false), Add(2.5f, 2, false), Add(-2.5f, -2, true), Add(2.5f, -2, true);
+        LookDown(*control);
+        control->PerformRefresh();
+    }
+    void Add(float x, float y, bool textured) {
+        const auto mesh = MakePlate(21, 1.5, 0);
+        for (Vertex& v : mesh->m_vVertices) v.x += x, v.y += y;
+        mesh->ComputeBoundingBox();
+        mesh->m_fColor[0] = 0.2f;
+        control->m_vpMeshes.push_back(mesh);
+        if (!textured) return;
+        for (const Triangle& triangle : mesh->m_vTriangles)
+            for (const std::int32_t i : triangle.v) {
+                const Vertex& v = mesh->m_vVertices[static_cast<std::size_t>(i)];
+                mesh->m_vTexCoords.push_back({v.x - x, v.y - y});
+            }
+        const std::uint32_t texels[] = {0xFF0000FF, 0xFF00FF00, 0xFFFF0000, 0xFF00FFFF, 0xFFFF00FF, 0xFFFFFF00};
+        ASSERT_TRUE(control->MakeContextCurrent());
+        CreateTexture(*mesh, 3, 2, reinterpret_cast<const std::uint8_t*>(texels), {});
+    }
+    bool Cut() {
+        return control->CutWithLasso(KV_ScenePane::PolygonInside,
+                                     FractionsOf(RectangleOf(180, 120, 220, 360), 640, 480));
+    }
+    std::vector<std::uint32_t> Pixels() {
+        KV_ScenePane::Picture picture;
+        EXPECT_TRUE(control->CapturePicture(&picture));
+        return picture.pixels;
+    }
+};
+
+TEST(CutMaskApplied, OfAHostThatMakesTheContextAgainLeavesNoNameOfTheFormerOne) {
+    FourObjects plain;
+    ASSERT_TRUE(plain.Cut());
+    const auto expected = plain.Pixels();
+    for (const bool nested : {false, true}) {
+        SCOPED_TRACE(nested);
+        FourObjects c;
+        const auto untouched = c->m_vpMeshes;
+        int calls = 0;
+        c.host.onMask = [&](const ACAD::CutMask&) {
+            if (nested && ++calls == 1) {
+                EXPECT_TRUE(c.Cut());
+                return;
+            }
+            c->RecreateOpenglContext(3, 3, 0);
+            // Names of the new context that are those of the former one, of objects that are no longer used.
+            GLuint buffers[40], textures[10];
+            ASSERT_TRUE(c->MakeContextCurrent());
+            glGenBuffers(40, buffers), glGenTextures(10, textures);
+            for (const GLuint name : buffers) glBindBuffer(GL_ARRAY_BUFFER, name);
+            glBindBuffer(GL_ARRAY_BUFFER, 0);
+            LookDown(*c);
+        };
+        ASSERT_TRUE(c.Cut());
+        ASSERT_EQ(c->m_vpMeshes.size(), 4u);
+        EXPECT_NE(c->m_vpMeshes[0], untouched[0]);
+        EXPECT_EQ(c->m_vpMeshes[1], untouched[1]);
+        EXPECT_EQ(c->m_vpMeshes[3], untouched[3]);
+        EXPECT_TRUE(c.Pixels() == expected);
+        EXPECT_EQ(c->m_pPendingCut, nullptr);
+        EXPECT_TRUE(c->m_vTexturesWithoutContext.empty());
+        ASSERT_TRUE(c->MakeContextCurrent());
+        for (const auto& mesh : c->m_vpMeshes) {
+            EXPECT_TRUE(glIsBuffer(mesh->m_uVertexBuffer));
+            if (mesh->m_pTexture == nullptr) continue;
+            EXPECT_TRUE(glIsTexture(mesh->m_pTexture->m_uName));
+            EXPECT_EQ(mesh->m_pTexture->m_hContext, c->m_hRC);
+        }
+        // The end of one object leaves the buffers of the others.
+        c->ClearUndoStack();
+        c->DeleteObject(1);
+        for (const auto& mesh : c->m_vpMeshes) EXPECT_TRUE(glIsBuffer(mesh->m_uVertexBuffer));
+        EXPECT_EQ(GlErrorOf(*c), GLenum{GL_NO_ERROR});
+    }
+}
+
+TEST(CutMaskApplied, OfAHostThatClosesTheWindowLeavesNoName) {
+    FourObjects c;
+    c.host.onMask = [&](const ACAD::CutMask&) { c.window->Destroy(); };
+    (void)c.Cut();
+    ASSERT_EQ(c->m_vpMeshes.size(), 4u);
+    for (const auto& mesh : c->m_vpMeshes) {
+        EXPECT_EQ(mesh->m_uVertexBuffer, 0u);
+        if (mesh->m_pTexture != nullptr) {
+            EXPECT_EQ(mesh->m_pTexture->m_uName, 0u);
+        }
     }
 }
 
@@ -313,94 +393,6 @@ TEST(AMessageAboutColours, WhoseReaderThrowsLeavesNoSession) {
     EXPECT_EQ(c->m_bLassoCursor, 0);
     c->SetLassoCuttingColors(255, 0.5f, 0, 0.0f);
     EXPECT_TRUE(Cut(c, KV_ScenePane::FreehandInside));
-}
-
-// ---- failures of the cut itself
-
-/// 3,000 further objects, so that each copy of the list is a large block.
-void AddManyHiddenObjects(CutControl& c) {
-    const auto hidden = MakePlate(2, 1, 0);
-    hidden->m_iVisible = 0;
-    c->m_vpMeshes.insert(c->m_vpMeshes.end(), 3000, hidden);
-}
-
-TEST(ACutWithoutMemory, EndsLikeOneThatHitNothingAndShowsWhy) {
-    for (const SegmentationMode way : {KV_ScenePane::PolygonInside, KV_ScenePane::FreehandVisible}) {
-        SCOPED_TRACE(kNamesOfWays[way]);
-        int failures = 0, failuresAfterTheEvent = 0;
-        CutControl c;
-        AddManyHiddenObjects(c);
-        const auto original = c->m_vpMeshes;
-        bool changed = false;
-        for (int n = 1; !changed && n < 100; ++n) {
-            SCOPED_TRACE(n);
-            c->StartSegmentation(way);
-            for (std::size_t i = 0; i < 4; ++i) LeftClick(*c, kMiddleBlock[i]);
-            c->ProcessEvents();
-            c.window->Forget();
-            {
-                c->BlockPaintEvents(1);  // the frame at the end needs memory, too
-                const RefusedBlock refused(n);
-                EXPECT_NO_THROW(changed = c->FinishSegmentation(false));
-            }
-            c->BlockPaintEvents(0);
-            EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
-            EXPECT_EQ(c->m_pCutSession, nullptr);
-            EXPECT_EQ(c->m_bLassoCursor, 0);
-            EXPECT_EQ(c.window->waitCursorsBegun, 1);
-            EXPECT_EQ(c.window->waitCursorsEnded, 1);
-            const EventNames events = c.host.Take();
-            if (changed) continue;
-            ++failures;
-            failuresAfterTheEvent += events.size() == 2;
-            EXPECT_EQ(events.back(), "done -1");
-            EXPECT_TRUE(c->m_vpMeshes == original);
-            EXPECT_EQ(c->GetUndoStepCount(), 0);
-            EXPECT_EQ(c.window->modalMessages, std::vector<std::string>{"The cut has failed: std::bad_alloc"});
-            EXPECT_EQ(c.window->eraseInvalidates, 1);
-            EXPECT_EQ(c.window->refreshes, 0);
-        }
-        EXPECT_TRUE(changed) << "with enough memory";
-        EXPECT_GE(failures, 4);
-        EXPECT_GE(failuresAfterTheEvent, 1) << "for the undo step";
-    }
-}
-
-TEST(ACutWithoutMemory, ReportsItsEndBeforeItsMessageAndLeavesNoInput) {
-    CutControl c;
-    bool doneFirst = false;
-    c.host.onDone = [&](int) { doneFirst = c.window->modalMessages.empty(); };
-    c->StartSegmentation(KV_ScenePane::FreehandInside);
-    for (std::size_t i = 0; i < 4; ++i) LeftClick(*c, kMiddleBlock[i]);
-    {
-        const RefusedBlock refused(1);
-        EXPECT_NO_THROW(RightClick(*c, kMiddleBlock[0]));
-    }
-    EXPECT_TRUE(doneFirst);
-    EXPECT_EQ(c.window->modalMessages.size(), 1u);
-}
-
-TEST(ACutWithoutMemory, ShowsItsMessageAlsoWhenTheHandlerThrows) {
-    CutControl c;
-    c.host.onDone = [](int) { throw std::runtime_error("done"); };
-    c->StartSegmentation(KV_ScenePane::PolygonInside);
-    for (std::size_t i = 0; i < 4; ++i) LeftClick(*c, kMiddleBlock[i]);
-    {
-        const RefusedBlock refused(1);
-        EXPECT_THROW(c->FinishSegmentation(false), std::runtime_error);
-    }
-    EXPECT_EQ(c.window->modalMessages.size(), 1u);
-    EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
-}
-
-TEST(AnUndoWithoutMemory, NeedsNone) {
-    CutControl c;
-    AddManyHiddenObjects(c);
-    ASSERT_TRUE(Cut(c));
-    c->BlockPaintEvents(1);  // the frame needs some
-    const RefusedBlock refused(1);
-    EXPECT_EQ(c->PerformUndo(), 0);
-    EXPECT_EQ(c->m_vpMeshes[0]->GetVertexCount(), kFrontCount);
 }
 
 }  // namespace

@@ -343,7 +343,7 @@ TEST_P(CutKinds, VisibleSeesObjectsThatWereImportedWhilePaintingIsBlocked) {
     EXPECT_EQ(Object(0).GetVertexCount(), kPlateCount - kBlockCount);
 }
 
-TEST_P(CutKinds, VisibleWorksInEveryDrawMode) {
+TEST_P(CutKinds, VisibleRemovesWhatIsSeenInTheDrawModesOfSurfaces) {
     for (const bool shadows : {false, true})
         for (const std::int16_t mode :
              {KV_ScenePane::DrawModeFlat, KV_ScenePane::DrawModeGouraud, KV_ScenePane::DrawModePerPixel}) {
@@ -360,6 +360,72 @@ TEST_P(CutKinds, VisibleWorksInEveryDrawMode) {
             EXPECT_EQ(pane->m_vpMeshes.at(1), behind);
             EXPECT_EQ(Object(0).GetVertexCount(), kPlateCount - kBlockCount);
             glGetError();  // of the shadow pass
+        }
+}
+
+TEST_P(CutKinds, VisibleReachesWhatIsSeenBetweenPointsAndLines) {
+    for (const std::int16_t mode : {KV_ScenePane::DrawModePoints, KV_ScenePane::DrawModeWireframe}) {
+        SCOPED_TRACE(mode);
+        pane->m_vpMeshes.clear();
+        pane->SetDrawMode(mode);
+        AddPlate(2);
+        const auto behind = AddPlate(-2);
+        for (Vertex& v : behind->m_vVertices) v.x += 0.05f, v.y += 0.1f;  // 1 and 2 pixels of the 5 between vertices
+        ASSERT_TRUE(Cut(KV_ScenePane::PolygonVisible, kBlock));
+        EXPECT_EQ(Object(0).GetVertexCount(), kPlateCount - kBlockCount);
+        EXPECT_LT(Object(1).GetVertexCount(), kPlateCount);
+    }
+}
+
+TEST_P(CutKinds, VisibleIsLikeInsideInDrawModesThatLeaveNoDepth) {
+    const std::pair<std::int16_t, bool> rows[] = {{KV_ScenePane::DrawModeBoundingBoxes, false},
+                                                  {KV_ScenePane::DrawModeNothing, false},
+                                                  {KV_ScenePane::DrawModeShadowMap, false},
+                                                  {KV_ScenePane::DrawModePerPixel, true}};
+    for (const auto& [mode, shadows] : rows) {
+        SCOPED_TRACE(testing::Message() << mode << " " << shadows);
+        pane->m_vpMeshes.clear();
+        pane->SetDrawMode(mode);
+        pane->SetShadowMode(shadows ? 1 : 0);
+        AddPlate(2);
+        AddPlate(-2);
+        ASSERT_TRUE(Cut(KV_ScenePane::PolygonVisible, kBlock));
+        EXPECT_EQ(Object(0).GetVertexCount(), kPlateCount - kBlockCount);
+        EXPECT_EQ(Object(1).GetVertexCount(), kPlateCount - kBlockCount);
+        glGetError();  // of the shadow pass
+    }
+}
+
+TEST_P(CutKinds, VisibleHasTheDepthsOfTheLiveSceneUnderAFrozenImage) {
+    AddPlate(2);
+    const auto behind = AddPlate(-2);
+    pane->StartSegmentation(KV_ScenePane::PolygonVisible);
+    for (std::size_t i = 0; i < 3; ++i) LeftClick(*pane, kBlock[i]);
+    pane->PerformRefresh();
+    pane->FreezeFrame();
+    pane->PerformRefresh();
+    ASSERT_NE(pane->m_pFrozenImage, nullptr);
+    RightClick(*pane, kBlock[3]);
+    EXPECT_EQ(pane->m_vpMeshes.at(1), behind);
+    EXPECT_EQ(Object(0).GetVertexCount(), kPlateCount - kBlockCount);
+}
+
+// A plain click in the delayed scheme leaves the mark of a drag: frames then show a part of the points.
+TEST_P(CutKinds, VisibleHasTheDepthsOfWholeObjectsAlsoWhileFramesShowAPartOfThem) {
+    for (const SegmentationMode way : {KV_ScenePane::PolygonVisible, KV_ScenePane::FreehandVisible})
+        for (const bool axes : {false, true}) {  // which make it draw the objects again
+            pane->m_vpMeshes.clear();
+            AddPlate(2);
+            const auto behind = AddPlate(-2);
+            pane->SetMoveReduced(-1);
+            pane->SetIGDRotation(1);
+            pane->OnLeftDown(KV_ScenePane::kMouseLeft, 5, 5);
+            pane->OnLeftUp(0, 5, 5);
+            pane->ShowAxes(axes ? 1 : 0);
+            ASSERT_NE(pane->m_bMoving, 0);
+            ASSERT_TRUE(Cut(way, kBlock));
+            EXPECT_EQ(pane->m_vpMeshes.at(1), behind);
+            EXPECT_EQ(Object(0).GetVertexCount(), kPlateCount - kBlockCount);
         }
 }
 

@@ -140,6 +140,27 @@ TEST_P(CutTextures, FollowAWindowThatHasChangedItsSizeSinceTheLastFrame) {
     EXPECT_EQ(PixelsThatAreNotBackground(), 1600);
 }
 
+TEST_P(CutTextures, AreMadeAgainAtTheFirstClickWhenTheViewHasTurnedSinceTheStart) {
+    Add({.center = {-1, 2, 0}, .half = 1});
+    Frame();
+    pane->StartSegmentation(KV_ScenePane::FreehandInside);
+    const auto* const unturned = pane->m_pCutMask.get();
+    pane->OnLeftDown(KV_ScenePane::kMouseLeft, 20, 20);
+    ASSERT_NE(pane->m_pCutSession, nullptr);
+    EXPECT_EQ(pane->m_pCutSession->m_pTextures.get(), unturned);
+    pane->EndSegmentation();
+    pane->StartSegmentation(KV_ScenePane::FreehandInside);
+    pane->SetViewParams(0, 1, 0, -1, 0, 0, 0, 0, 0, 1, 1);  // a quarter turn, as a turntable does in its frames
+    pane->OnLeftDown(KV_ScenePane::kMouseLeft, 20, 20);
+    ASSERT_NE(pane->m_pCutSession, nullptr);
+    Frame();
+    const CutMaskTextures& textures = *pane->m_pCutSession->m_pTextures;
+    const std::array<int, 4> box = WhiteBox(Image(textures.m_uSilhouetteTexture, 320, 240), 320);
+    EXPECT_EQ(box, SilhouetteBox());
+    EXPECT_NE(box, (std::array{112, 48, 159, 95})) << "where it was at the start";
+    EXPECT_NE(box, kNone);
+}
+
 TEST_P(CutTextures, LeaveColourAndDepthOfTheFrameAlone) {
     Add({}, {0.2, 0.9, 0.4});
     Frame();

@@ -317,6 +317,79 @@ TEST(Segmentation, IgnoresWheelMiddleButtonAndReleases) {
     }
 }
 
+TEST(Segmentation, LeavesADoubleClickItsMeaningBesideThatOfItsPresses) {
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    const auto doubleClick = [](CutControl& c) {
+        c->m_fViewCenter = {1, 2, 0};
+        c->m_fSceneSize = 33;
+        c->SetupViewMatrices();
+        LeftClick(*c, {20, 20});
+        Click(*c, Kind::DoubleClick, {20, 20});
+        Click(*c, Kind::LeftUp, {20, 20});
+    };
+    CutControl idle;
+    doubleClick(idle);
+    ASSERT_NEAR(idle->m_fViewCenter[0], 0, 1e-4) << "the view is centred";
+    for (const SegmentationMode way : {KV_ScenePane::PolygonInside, KV_ScenePane::FreehandInside}) {
+        SCOPED_TRACE(kNamesOfWays[way]);
+        CutControl c;
+        c->StartSegmentation(way);
+        doubleClick(c);
+        EXPECT_EQ(c->m_fViewCenter, idle->m_fViewCenter);
+        EXPECT_EQ(c->m_fSceneSize, idle->m_fSceneSize);
+        EXPECT_EQ(c->m_fAxisX, idle->m_fAxisX);
+        EXPECT_EQ(c->m_nInteractionMode, IsFreehand(way) ? ModeMaskLasso : ModeLasso);
+        EXPECT_EQ(c->m_vLassoPoints.size(), IsFreehand(way) ? 0u : 1u);
+        EXPECT_EQ(c->m_pCutSession != nullptr, IsFreehand(way));
+        EXPECT_TRUE(c.host.Take().empty());
+    }
+}
+
+// ---- windows whose size no frame has stored, and too large ones
+
+TEST(Segmentation, KnowsTheSizeOfTheWindowAlsoBeforeTheFirstFrame) {
+    for (const bool startedBefore : {false, true})
+        for (const SegmentationMode way : kAllWays) {
+            if (startedBefore && IsFreehand(way)) continue;  // its textures are gone with the context
+            SCOPED_TRACE(testing::Message() << kNamesOfWays[way] << " " << startedBefore);
+            CutControl c, expected;
+            const auto meshes = c->m_vpMeshes;
+            c->BlockPaintEvents(1);
+            if (startedBefore) c->StartSegmentation(way);
+            ASSERT_TRUE(c->MakeContextCurrent());
+            for (const auto& mesh : meshes) mesh->ReleaseBuffers(), mesh->MarkBuffersDirty();
+            c->RecreateOpenglContext(3, 3, 0);
+            ASSERT_EQ(c->m_nWidth, -1);
+            c->m_vpMeshes = meshes;
+            LookDown(*c);
+            if (!startedBefore) c->StartSegmentation(way);
+            DrawLasso(*c, kMiddleBlock);
+            CutByOperator(*expected, way, kMiddleBlock);
+            EXPECT_EQ(VertexCounts(*c), VertexCounts(*expected));
+            ASSERT_EQ(c->m_vpMeshes[0]->m_vpCutMasks.size(), 1u);
+            ExpectSameMask(*c->m_vpMeshes[0]->m_vpCutMasks[0], *expected->m_vpMeshes[0]->m_vpCutMasks[0]);
+        }
+}
+
+TEST(StartSegmentation, OfAFreehandLassoInAWindowLargerThanATextureShowsWhyNothingCanBeDrawn) {
+    CutControl c;
+    c->BlockPaintEvents(1);
+    c.window->claimedSize = {1 << 20, 4};
+    c->StartSegmentation(KV_ScenePane::FreehandInside);
+    EXPECT_EQ(c.window->modalMessages, std::vector<std::string>{"The window is too large for a freehand lasso"});
+    EXPECT_EQ(c->m_nInteractionMode, ModeMaskLasso);
+    EXPECT_EQ(c->m_bLassoCursor, 1);
+    EXPECT_EQ(c->m_pCutMask, nullptr);
+    c->EndSegmentation();
+    c.window->claimedSize = {0, 0};
+    c->StartSegmentation(KV_ScenePane::FreehandInside);
+    EXPECT_EQ(c.window->modalMessages.size(), 1u) << "a minimised window";
+    c->EndSegmentation();
+    c.window->claimedSize = {1 << 20, 4};
+    c->StartSegmentation(KV_ScenePane::PolygonInside);
+    EXPECT_EQ(c.window->modalMessages.size(), 1u) << "a polygon needs no texture";
+}
+
 // ---- contexts that are gone
 
 TEST(Segmentation, WhoseContextIsMadeAgainIsAbandonedByTheNextRightClick) {

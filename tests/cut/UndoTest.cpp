@@ -163,6 +163,12 @@ struct DestroyRow {
     const char* name;
     std::function<void(CutControl&)> prepare, call;
 };
+/// An undo step and a freehand lasso.
+void CutAndDrawAgain(CutControl& c) {
+    CutMiddle(c);
+    c->StartSegmentation(KV_ScenePane::FreehandInside);
+    for (std::size_t i = 0; i < 3; ++i) LeftClick(*c, kMiddleBlock[i]);
+}
 const DestroyRow kDestroyers[] = {
     {"PerformUndo", [](auto& c) { CutMiddle(c); }, [](auto& c) { c->PerformUndo(); }},
     {"ClearUndoStack", [](auto& c) { CutMiddle(c); }, [](auto& c) { c->ClearUndoStack(); }},
@@ -182,6 +188,19 @@ const DestroyRow kDestroyers[] = {
      [](auto& c) { c->FinishSegmentation(false); }},
     {"StartSegmentation", [](auto& c) { c->StartSegmentation(KV_ScenePane::FreehandInside); },
      [](auto& c) { c->StartSegmentation(KV_ScenePane::PolygonInside), c->StartSegmentation(4); }},
+    {"RecreateOpenglContext", &CutAndDrawAgain, [](auto& c) { c->RecreateOpenglContext(3, 3, 0); }},
+    {"RecreateOpenglContextInAHandler", [](auto&) {},
+     [](auto& c) {
+         CutControl third;  // whose context is current when the handler returns
+         c.host.onMask = [&](const ACAD::CutMask&) {
+             c->RecreateOpenglContext(3, 3, 0);
+             third->PerformRefresh();
+         };
+         CutMiddle(c, KV_ScenePane::FreehandInside);
+         c->ClearData();
+     }},
+    {"Destroy", &CutAndDrawAgain, [](auto& c) { c.window->Destroy(); }},
+    {"Destruction", &CutAndDrawAgain, [](auto& c) { c.control.reset(); }},
 };
 
 TEST(ObjectsOfTwoViewers, AreDestroyedInTheContextOfTheirOwn) {
@@ -200,6 +219,7 @@ TEST(ObjectsOfTwoViewers, AreDestroyedInTheContextOfTheirOwn) {
         ASSERT_TRUE(other->MakeContextCurrent());
         EXPECT_EQ(Buffers(), othersBefore);
         EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
+        if (c.control == nullptr || !c->HasWindow()) continue;
         ASSERT_TRUE(c->MakeContextCurrent());
         if (std::string_view(row.name) != "StartSegmentation" &&
             std::string_view(row.name) != "FinishSegmentation") {  // which make others

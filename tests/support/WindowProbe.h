@@ -2,6 +2,7 @@
 #pragma once
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ public:
     std::vector<std::uint32_t> stoppedTimers;
     std::vector<std::string> modalMessages;
     std::function<void()> onEndWaitCursor = [] {};  ///< called before the end
+    std::optional<WindowSize> claimedSize;          ///< in place of the real one, when it has a value
 
     // ---- input of the control, from its start
     std::vector<KV_ScenePane::MouseInput> mouseHeard;
@@ -55,7 +57,7 @@ public:
     bool Reparent(std::uintptr_t parent, std::int32_t x, std::int32_t y) override {
         return m_window->Reparent(parent, x, y);
     }
-    [[nodiscard]] WindowSize ClientSize() const override { return m_window->ClientSize(); }
+    [[nodiscard]] WindowSize ClientSize() const override { return claimedSize.value_or(m_window->ClientSize()); }
     void Resize(std::int32_t width, std::int32_t height) override { m_window->Resize(width, height); }
     bool BeginPaint() override { return m_window->BeginPaint(); }
     void EndPaint() override { m_window->EndPaint(); }
