@@ -29,7 +29,8 @@ constexpr NamedMode kModes[] = {{"inside", KV_ScenePane::PolygonInside, 2},
 /// In quotes, on one line, and short: a lasso may have thousands of points.
 std::string Quoted(std::string_view text) {
     constexpr std::size_t kLongest = 40;
-    std::string quoted = "\"" + std::string(text.substr(0, kLongest)) + (text.size() > kLongest ? "...\"" : "\"");
+    std::string quoted = "\"";
+    quoted.append(text.substr(0, kLongest)).append(text.size() > kLongest ? "...\"" : "\"");
     std::ranges::replace_if(
         quoted, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
     return quoted;
