@@ -65,7 +65,8 @@ TEST(LassoOption, NeedsTwoPointsOfAPolygonAndOneOfAFreehandLasso) {
 TEST(LassoOption, HasNoLimitOfItsPoints) {
     std::string text = "freehand-inside:";
     constexpr int kPoints = 100'000;
-    for (int i = 0; i < kPoints; ++i) text += (i == 0 ? "" : ";") + std::to_string(i) + ",-" + std::to_string(i);
+    for (int i = 0; i < kPoints; ++i)
+        text.append(i == 0 ? "" : ";").append(std::to_string(i)).append(",-").append(std::to_string(i));
     const LassoCut cut = Read(text);
     ASSERT_EQ(cut.points.size(), std::size_t{kPoints});
     for (int i = 0; i < kPoints; ++i) {
