@@ -130,14 +130,7 @@ void CutSession::DrawTint() const {
     glUseProgram(m_uProgram);
     glUniform1i(glGetUniformLocation(m_uProgram, "mask"), 0);
     glUniform1i(glGetUniformLocation(m_uProgram, "tex"), 1);
-    glBegin(GL_TRIANGLES);
-    glVertex3f(-1, -1, 0);
-    glVertex3f(1, -1, 0);
-    glVertex3f(-1, 1, 0);
-    glVertex3f(-1, 1, 0);
-    glVertex3f(1, -1, 0);
-    glVertex3f(1, 1, 0);
-    glEnd();
+    DrawWholeWindow();
     glUseProgram(0);
     BindTexture(GL_TEXTURE1, 0);
     glActiveTexture(GL_TEXTURE0);

@@ -9,6 +9,18 @@ inline void MultiplyOrtho(double left, double right, double bottom, double top, 
     glOrtho(left, right, bottom, top, near, far);
 }
 
+/// Two triangles over the whole window in clip coordinates, for a program that reads neither matrix.
+inline void DrawWholeWindow() {
+    glBegin(GL_TRIANGLES);
+    glVertex3f(-1, -1, 0);
+    glVertex3f(1, -1, 0);
+    glVertex3f(-1, 1, 0);
+    glVertex3f(-1, 1, 0);
+    glVertex3f(1, -1, 0);
+    glVertex3f(1, 1, 0);
+    glEnd();
+}
+
 /// Replaces projection and modelview matrix during its lifetime; the destructor restores both and selects the modelview
 /// stack. The current context must be the same in both.
 class FlatView {

@@ -66,14 +66,7 @@ void DrawShadowMapView(CKV_ScenePaneCtrl& control) {
     glBindTexture(GL_TEXTURE_2D, control.m_nShadowTexture);
     glUseProgram(control.m_progQuad);
     glUniform1i(glGetUniformLocation(control.m_progQuad, "tex"), 0);
-    glBegin(GL_TRIANGLES);
-    glVertex3f(-1, -1, 0);
-    glVertex3f(1, -1, 0);
-    glVertex3f(-1, 1, 0);
-    glVertex3f(-1, 1, 0);
-    glVertex3f(1, -1, 0);
-    glVertex3f(1, 1, 0);
-    glEnd();
+    DrawWholeWindow();
 }
 
 /// Depth pass, then the objects in their draw mode with the shadow program. Modes that a mesh does not draw itself,
