@@ -156,7 +156,7 @@ bool CutCommands::Save() {
         }
     }
     lines << (hasFailures ? tr("Nothing was saved: what has failed is not written again.")
-                          : tr("Nothing was saved: no pcm file has cuts that it does not hold yet."));
+                          : tr("Nothing was saved: no new cut concerns a pcm file."));
     emit Report(lines.join('\n'));
     return false;
 }

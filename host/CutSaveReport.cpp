@@ -36,7 +36,7 @@ std::string OutcomeText(const CutSaveEntry& entry) {
         case KV_ScenePane::CutWritten:
             return "written";
         case KV_ScenePane::CutNothingToSave:
-            return "skipped, it has no cut that is not in the file";
+            return "skipped, nothing new was cut from it";
         case KV_ScenePane::CutNotFromPcm:
             return "skipped, only pcm files can hold cuts";
         case KV_ScenePane::CutFileNotRead:

@@ -21,7 +21,7 @@ TEST(CutSaveReport, HasALineForEachOutcome) {
     using namespace KV_ScenePane;
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutToBeWritten)), "a.pcm: to be written");
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutWritten)), "a.pcm: written");
-    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutNothingToSave)), "a.pcm: skipped, it has no cut that is not in the file");
+    EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutNothingToSave)), "a.pcm: skipped, nothing new was cut from it");
     EXPECT_EQ(CutSaveLine(Entry("a.stl", CutNotFromPcm)), "a.stl: skipped, only pcm files can hold cuts");
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutFileNotRead, "No such file or directory")),
               "a.pcm: failed, the file could not be read: No such file or directory");

@@ -103,7 +103,7 @@ TEST_F(HeadlessCutSave, PrintsALineForEachFile) {
     EXPECT_EQ(run.status, kExitFailure) << "of the missing file";
     EXPECT_EQ(run.out, Line("a.pcm", "written") + Line("b.pcm", "written") +
                            Line("c.ply", "skipped, only pcm files can hold cuts") +
-                           Line("d.PCM", "skipped, it has no cut that is not in the file") +
+                           Line("d.PCM", "skipped, nothing new was cut from it") +
                            Line("none.pcm", "failed, not imported: No such file or directory"));
     EXPECT_EQ(run.err, "scenepane: " + Line("none.pcm", "No such file or directory"));
     EXPECT_EQ(ReadBytes(m_folder / "d.PCM"), untouched);
@@ -115,7 +115,7 @@ TEST_F(HeadlessCutSave, OfALassoThatHitsNothingWritesNothing) {
     SetCuts({"inside" + kBesideTheGrid});
     const SaveRun run = Save();
     EXPECT_EQ(run.status, kExitFailure);
-    EXPECT_EQ(run.out, Line("a.pcm", "skipped, it has no cut that is not in the file"));
+    EXPECT_EQ(run.out, Line("a.pcm", "skipped, nothing new was cut from it"));
     EXPECT_EQ(run.err, "scenepane: no lasso has changed an object\n");
     EXPECT_EQ(Bytes(), before);
     // Nor is the plane written then.

@@ -164,7 +164,7 @@ TEST_F(MainWindowCutFailures, SaysHowAClipPlaneThatFailedIsWritten) {
     EXPECT_EQ(StatusText(), "Cuts saved: 2 written");
     EXPECT_NE(Bytes(Front()), before);
     Tool("cutSave").trigger();
-    EXPECT_EQ(StatusText(), "Nothing was saved: no pcm file has cuts that it does not hold yet.");
+    EXPECT_EQ(StatusText(), "Nothing was saved: no new cut concerns a pcm file.");
     m_window->Clip().Reset();  // the window stores its settings
 }
 

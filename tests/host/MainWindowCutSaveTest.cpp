@@ -98,7 +98,7 @@ TEST_F(MainWindowCutSave, HasNothingToDoWithoutACut) {
     const auto dialog = Answer(QDialogButtonBox::Cancel);
     Tool("cutSave").trigger();
     EXPECT_FALSE(dialog.WasShown());
-    EXPECT_EQ(StatusText(), "Nothing was saved: no pcm file has cuts that it does not hold yet.");
+    EXPECT_EQ(StatusText(), "Nothing was saved: no new cut concerns a pcm file.");
 }
 
 TEST_F(MainWindowCutSave, NamesAFileAndALinkToItInOneLine) {
