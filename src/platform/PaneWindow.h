@@ -20,8 +20,11 @@ public:
     virtual void OnPrivateMessage(std::uint32_t message) = 0;
     /// The mouse moved, or a button or the wheel was used. Moves and releases keep arriving from outside the window
     /// while a button is held. A release that the window system cannot deliver, because the window was hidden, is
-    /// reported together with the next mouse event. Queued moves with the same buttons are coalesced into the last.
+    /// reported together with the next mouse event. Queued moves with the same buttons are coalesced into the last,
+    /// unless WantsEveryMove().
     virtual void OnMouse(const KV_ScenePane::MouseInput& /*input*/) {}
+    /// Whether the way of the mouse matters, and not only where it is.
+    [[nodiscard]] virtual bool WantsEveryMove() const { return false; }
     /// A key of the focused window. Queued presses of one repeating key are coalesced into one press with their count.
     virtual void OnKey(const KV_ScenePane::KeyInput& /*input*/) {}
 

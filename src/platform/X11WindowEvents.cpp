@@ -54,7 +54,9 @@ void X11Window::HandleSystemEvents() {
         XEvent event{};
         XNextEvent(display, &event);
         int repeatCount = 1;
-        for (; count > 1 && CanCoalesceWithNext(display, event); --count, ++repeatCount) XNextEvent(display, &event);
+        if (event.type != MotionNotify || !m_pClient->WantsEveryMove())
+            for (; count > 1 && CanCoalesceWithNext(display, event); --count, ++repeatCount)
+                XNextEvent(display, &event);
         HandleEvent(event, repeatCount);
     }
 }

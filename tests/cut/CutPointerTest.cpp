@@ -5,6 +5,7 @@
 
 // After the others: their macros would replace names in those.
 #include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
 #include <X11/extensions/Xfixes.h>
 
 namespace {
@@ -145,6 +146,38 @@ TEST_P(LassoUnderThePointer, ThatWasDrawnOverTheEdgeOfTheWindow) {
 
 INSTANTIATE_TEST_SUITE_P(Ways, LassoUnderThePointer, testing::ValuesIn(kAllWays),
                          [](const auto& row) { return std::string(kNamesOfWays[row.param]); });
+
+// ---- a hand that is faster than the frames
+
+/// Moves the pointer to a pixel of a window while the viewer does not look.
+void MoveUnseen(Display* display, std::uintptr_t window, int x, int y) {
+    Window child = None;
+    int left = 0, top = 0;
+    XTranslateCoordinates(display, window, DefaultRootWindow(display), 0, 0, &left, &top, &child);
+    XTestFakeMotionEvent(display, -1, left + x, top + y, CurrentTime);
+    XSync(display, False);
+}
+
+TEST(FreehandLasso, HasAllPointsOfADragThatIsFasterThanTheFrames) {
+    Operator who(MakePointerInput());
+    Display* const display = XOpenDisplay(nullptr);
+    ASSERT_NE(display, nullptr);
+    who.viewer->StartSegmentation(KV_ScenePane::FreehandInside);
+    who.user->MoveTo(200, 100);
+    who.user->Press(L);
+    ASSERT_NE(who.viewer->m_pCutSession, nullptr);
+    const std::vector<LassoPixel>& points = who.viewer->m_pCutSession->m_vPending;
+    who.viewer->PerformRefresh();
+    ASSERT_TRUE(points.empty());
+    for (int i = 1; i <= 20; ++i) MoveUnseen(display, who.viewer->m_pWindow->NativeHandle(), 200 + 5 * i, 100 + 10 * i);
+    // No frame is drawn before all moves are handled, so that the points wait.
+    who.viewer->BlockPaintEvents(KV_ScenePane::kVariantTrue);
+    PumpUntil(*who.viewer, "the last move", [&] { return !points.empty() && points.back() == LassoPixel{300, 300}; });
+    who.viewer->BlockPaintEvents(KV_ScenePane::kVariantFalse);
+    EXPECT_EQ(points.size(), 20u);
+    who.user->Release(L);
+    XCloseDisplay(display);
+}
 
 // ---- the cursor on the screen
 

@@ -91,6 +91,7 @@ private:
     void OnDestroy() override { m_client->OnDestroy(); }
     void OnPaint() override { m_client->OnPaint(); }
     void OnPrivateMessage(std::uint32_t message) override { m_client->OnPrivateMessage(message); }
+    [[nodiscard]] bool WantsEveryMove() const override { return m_client->WantsEveryMove(); }
     void OnMouse(const KV_ScenePane::MouseInput& input) override {
         mouseHeard.push_back(input);
         m_client->OnMouse(input);
