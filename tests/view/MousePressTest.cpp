@@ -281,6 +281,8 @@ TEST(MaskLassoPress, StartsASessionAndRepaintsWithEraseWithoutACapture) {
     c->m_pCutMask = std::make_unique<CutMaskTextures>();
     c->m_pCutMask->m_nWidth = 640;
     c->m_pCutMask->m_nHeight = 480;
+    ASSERT_TRUE(c->MakeContextCurrent());
+    c->m_pCutMask->m_dModelView = c->m_viewMatrices.ModelView();  // the view has not turned since the start
     c->OnLeftDown(kLeft, 160, 120);
     ASSERT_NE(c->m_pCutSession, nullptr);
     EXPECT_EQ(c->m_pCutMask, nullptr);
