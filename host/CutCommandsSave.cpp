@@ -135,7 +135,7 @@ void CutCommands::OnExported(int index) {
 QString CutCommands::SaveNote() const {
     QStringList sentences;
     for (const std::string& text : OtherRemovals(m_isClipping(), m_fConfidence)) sentences << Sentence(text);
-    sentences << tr("What is removed from a file loses its class there, and undo does not bring files back.");
+    sentences << tr("What is removed from a file cannot be restored: undo does not bring files back.");
     return sentences.join('\n');
 }
 

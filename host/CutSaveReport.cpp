@@ -34,7 +34,7 @@ std::string OutcomeText(const CutSaveEntry& entry) {
         case KV_ScenePane::CutToBeWritten:
             return "to be written";
         case KV_ScenePane::CutWritten:
-            return "written";
+            return entry.isNothingLeft ? "written, no point is left in it" : "written";
         case KV_ScenePane::CutNothingToSave:
             return "skipped, nothing new was cut from it";
         case KV_ScenePane::CutNotFromPcm:

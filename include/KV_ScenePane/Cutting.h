@@ -58,6 +58,8 @@ struct CutSaveEntry {
     /// also when the move was taken back since: pixels of the file would be removed that are not those that the lasso
     /// enclosed.
     bool isCutWhileMoved = false;
+    /// The file was written and has no valid pixel any more: it cannot be opened as an object.
+    bool isNothingLeft = false;
 };
 
 }  // namespace KV_ScenePane

@@ -171,6 +171,12 @@ std::string LoadFile(const std::wstring& file, MsrStorage::MSR& measurement) {
     return GridRefusal(width, height, 1);
 }
 
+bool HasValidPixel(MsrStorage::MSR& measurement) {
+    const auto pixels = static_cast<std::ptrdiff_t>(measurement.GetWidth()) * measurement.GetHeight();
+    const std::uint8_t* const classes = measurement.GetPixelClassification();
+    return std::any_of(classes, classes + pixels, [](std::uint8_t c) { return c < kFirstInvalidClass; });
+}
+
 /// The reason of the failed save that this thread has just made.
 std::string SaveReason() {
     std::string reason = LastMeasurementReason();
@@ -188,9 +194,10 @@ std::vector<Vertex> BuildMeasurementVertices(const MeasurementData& measurement)
 MsrCutResult WriteCutToMsr(const Mesh& mesh, float confidenceLimit, const std::optional<CutPlane>& plane) {
     MsrStorage::MSR measurement;
     if (std::string refusal = LoadFile(mesh.m_sName, measurement); !refusal.empty())
-        return {KV_ScenePane::CutFileNotRead, std::move(refusal)};
+        return {.outcome = KV_ScenePane::CutFileNotRead, .reason = std::move(refusal)};
     ReclassifyPixels(measurement, {confidenceLimit, plane, mesh.m_vpCutMasks});
     // The flags choose what libraries of other sites write; ours ignores them.
-    if (!measurement.Save(mesh.m_sName.c_str(), true, true)) return {KV_ScenePane::CutFileNotWritten, SaveReason()};
-    return {};
+    if (!measurement.Save(mesh.m_sName.c_str(), true, true))
+        return {.outcome = KV_ScenePane::CutFileNotWritten, .reason = SaveReason()};
+    return {.reason = {}, .isNothingLeft = !HasValidPixel(measurement)};
 }

@@ -22,7 +22,8 @@ inline constexpr std::uint8_t kCutClass = 250;
 
 struct MsrCutResult {
     KV_ScenePane::CutSaveOutcome outcome = KV_ScenePane::CutWritten;  ///< written, not read, or not written
-    std::string reason;  ///< why it was not read or not written, see CutSaveEntry; else empty
+    std::string reason;          ///< why it was not read or not written, see CutSaveEntry; else empty
+    bool isNothingLeft = false;  ///< written without a valid pixel
 };
 
 /// Writes the masks of an object and the plane into its file, which is replaced as a whole or not at all. A valid pixel

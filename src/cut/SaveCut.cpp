@@ -86,6 +86,7 @@ bool SaveMeshCutting(Mesh& mesh, float confidenceLimit, const std::optional<CutP
         MsrCutResult result = WriteCutToMsr(mesh, confidenceLimit, plane);
         entry.outcome = result.outcome;
         entry.reason = std::move(result.reason);
+        entry.isNothingLeft = result.isNothingLeft;
     } catch (...) {
         entry.outcome = KV_ScenePane::CutFileNotWritten;
         entry.reason = TextOfCaughtError();

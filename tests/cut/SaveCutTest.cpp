@@ -77,6 +77,16 @@ TEST_F(SaveCut, WritesTheMasksAndDropsThem) {
     EXPECT_FALSE(Save(*mesh)) << "nothing is left to save";
 }
 
+TEST_F(SaveCut, SaysWhenNoPixelOfAFileIsLeft) {
+    const auto mesh = ObjectOf(file, {left, MaskOf(scan, [](int x, int) { return x > 1; })});
+    EXPECT_TRUE(Save(*mesh));
+    EXPECT_FALSE(entry.isNothingLeft);
+    mesh->m_vpCutMasks = {MaskOf(scan, [](int x, int) { return x == 1; })};
+    EXPECT_TRUE(Save(*mesh));
+    EXPECT_TRUE(entry.isNothingLeft);
+    EXPECT_EQ(ClassesIn(file), After([](int, int) { return true; }));
+}
+
 TEST_F(SaveCut, WritesAPlaneOnceForAnObjectWithoutMasks) {
     const auto mesh = ObjectOf(file);
     EXPECT_TRUE(Save(*mesh, kPlane));

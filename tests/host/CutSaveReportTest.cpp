@@ -21,6 +21,9 @@ TEST(CutSaveReport, HasALineForEachOutcome) {
     using namespace KV_ScenePane;
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutToBeWritten)), "a.pcm: to be written");
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutWritten)), "a.pcm: written");
+    CutSaveEntry empty = Entry("a.pcm", CutWritten);
+    empty.isNothingLeft = true;
+    EXPECT_EQ(CutSaveLine(empty), "a.pcm: written, no point is left in it");
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutNothingToSave)), "a.pcm: skipped, nothing new was cut from it");
     EXPECT_EQ(CutSaveLine(Entry("a.stl", CutNotFromPcm)), "a.stl: skipped, only pcm files can hold cuts");
     EXPECT_EQ(CutSaveLine(Entry("a.pcm", CutFileNotRead, "No such file or directory")),

@@ -101,7 +101,7 @@ TEST_F(HeadlessCutSave, PrintsALineForEachFile) {
     const std::vector<std::byte> untouched = ReadBytes(m_folder / "d.PCM");
     const SaveRun run = Save();
     EXPECT_EQ(run.status, kExitFailure) << "of the missing file";
-    EXPECT_EQ(run.out, Line("a.pcm", "written") + Line("b.pcm", "written") +
+    EXPECT_EQ(run.out, Line("a.pcm", "written") + Line("b.pcm", "written, no point is left in it") +
                            Line("c.ply", "skipped, only pcm files can hold cuts") +
                            Line("d.PCM", "skipped, nothing new was cut from it") +
                            Line("none.pcm", "failed, not imported: No such file or directory"));
@@ -165,8 +165,8 @@ TEST_F(HeadlessCutSave, ByAPlaneAtTheDataRemovesWhatIsBelowIt) {
     const SaveRun run = Save();
     EXPECT_EQ(run.status, kExitGood);
     EXPECT_EQ(run.err, "");
-    EXPECT_EQ(run.out, Line("a.pcm", "written") + Line("levels.ply", "skipped, only pcm files can hold cuts") +
-                           Line("b.pcm", "written"))
+    EXPECT_EQ(run.out, Line("a.pcm", "written, no point is left in it") +
+                           Line("levels.ply", "skipped, only pcm files can hold cuts") + Line("b.pcm", "written"))
         << "the plane is written into every pcm file";
     EXPECT_EQ(ClassesOf(m_folder / "a.pcm"), WithoutColumns(0, 10));
     EXPECT_EQ(ClassesOf(m_folder / "b.pcm"), std::vector(4, kKept));
