@@ -155,8 +155,8 @@ public:
     /// @return false for a NoPicture viewer and without a window: @p info is then untouched
     virtual bool GetGraphicsInfo(GraphicsInfo* info) = 0;
 
-    /// Sets the factor by which the fonts, the width of all lines and the size of the points of objects grow, and
-    /// queues a repaint. Sizes in scene units, positions in pixels and overlay images stay.
+    /// Sets the factor by which the fonts, the width of all lines but a freehand lasso, and the size of the points of
+    /// objects grow, and queues a repaint. Sizes in scene units, positions in pixels and overlay images stay.
     /// @param scale  limited to 0.25 to 8; counts as 1 when it is not finite or not above 0
     virtual void SetScale(double scale) = 0;
 
