@@ -70,7 +70,7 @@ void AddEdge(RowBits& bits, const Corner& a, const Corner& b) {
 
 /// Replaces each bit by the parity of the bits from its place to the end of the row.
 void FillRow(Word* row, std::size_t words) {
-    Word carry = 0;  // all bits: the parity of the words behind
+    Word carry = 0;  // all bits: the parity of the words after this one
     for (std::size_t i = words; i-- > 0;) {
         Word word = row[i];
         for (unsigned step = 1; step < kWordBits; step *= 2) word ^= word >> step;
@@ -85,7 +85,7 @@ void CopyRow(const Word* row, std::size_t words, std::vector<std::uint32_t>& ima
     const unsigned shift = firstBit % 32;
     for (std::size_t i = 0; i < words; ++i) {
         if (row[i] == 0) continue;
-        // Three words of 32 hold 64 bits at any place. Bits behind the row are 0, so nothing is stored behind the
+        // Three words of 32 hold 64 bits at any place. Bits after the row are 0, so nothing is stored after the
         // image.
         const std::size_t at = firstBit / 32 + 2 * i;
         const Word low = row[i] << shift, high = shift == 0 ? 0 : row[i] >> (kWordBits - shift);
