@@ -38,6 +38,13 @@ void* Allocate(std::size_t size, const void* caller) {
 // Not inlined: gcc would take their malloc() and free() for a mismatch with new and delete.
 [[gnu::noinline]] void* operator new(std::size_t size) { return Allocate(size, __builtin_return_address(0)); }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return Allocate(size, __builtin_return_address(0)); }
+// Those of a sanitizer do not call the ones above, and the driver pairs them with these operators delete.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(std::max<std::size_t>(1, size));
+}
+[[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(std::max<std::size_t>(1, size));
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete[](void* memory) noexcept { std::free(memory); }
