@@ -453,8 +453,9 @@ public:
                                       const float* vertices, const std::int32_t* triangles) = 0;
     /// The distinct cut masks of all objects of the scene, ascending by address.
     /// @param count        with null cutMaskPtrs receives their number; else the number to copy
-    /// @param cutMaskPtrs  room for that many pointers, or null. A mask lives while an object of the scene or of an
-    ///                     undo step has it
+    /// @param cutMaskPtrs  array of at least that many pointers, or null. A mask lives while an object of the scene or
+    /// of
+    ///                     an undo step has it
     /// @return false, with nothing written, when more are requested than exist, a negative number, or with null count
     virtual VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) = 0;
     /// Removes the cut masks of all objects of the scene, which keep their shape: SaveCuttingToPcms() does not write

@@ -96,7 +96,7 @@ private:
 
     std::vector<std::uint8_t> m_vMarkers;  ///< LassoMarkers of the filled box of the lasso
     Rectangle m_rcBand;  ///< where m_vComposite has lines that m_vLines has not: rubber band or closing edge
-    // What the textures show. They lag behind the images when a buffer could not be mapped.
+    // What the textures show. Older than the images when a buffer could not be mapped.
     std::optional<Rectangle> m_optLinesToUpload;  ///< where the line texture differs from m_vComposite
     Rectangle m_rcFillShown;                      ///< beyond it the fill texture has m_uOutsideColor
     bool m_bFillIsStale = true;                   ///< m_vComposite has changed since the last fill

@@ -65,7 +65,7 @@ std::ptrdiff_t ThreadsNow() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
 }
 
-/// While it exists the system cannot make a thread: no address space has room for its stack.
+/// While it exists the system cannot make a thread: no address space is large enough for its stack.
 class NoFurtherThreads {
 public:
     NoFurtherThreads() {

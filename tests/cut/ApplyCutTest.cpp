@@ -105,7 +105,7 @@ std::shared_ptr<Mesh> Grid(int side, float z = 0.0f) {
     return std::make_shared<Mesh>(std::move(vertices), std::move(triangles), L"grid", false);
 }
 
-/// Both grids, one behind the other, as one object.
+/// Both grids, the second farther from the camera, as one object.
 std::shared_ptr<Mesh> TwoSheets() {
     const auto front = Grid(10, -0.5f), back = Grid(10, 0.5f);
     std::vector<Vertex> vertices = front->m_vVertices;

@@ -251,7 +251,7 @@ TEST(CutMask, ReadsNoBitsBeyondThoseThatItHas) {
     std::vector<Vertex> vertices;
     for (int i = 0; i < 64; ++i) vertices.push_back(At(static_cast<float>(i) / 32 - 1, -0.5f));
     EXPECT_EQ(Marks(mask, vertices), std::vector<int>(64, 0));
-    // The word goes on behind the last bit.
+    // The last word has bits after the last pixel.
     mask.m_vBits.m_vWords[1] = 0xFFFF0000;
     EXPECT_EQ(Marks(mask, {At(-0.899f, 0.997f)}), (std::vector<int>{0})) << "column 50 of row 0";
 }

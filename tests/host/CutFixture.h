@@ -1,4 +1,4 @@
-// A host window with two sheets, one behind the other, and lassos drawn on them by the pointer.
+// A host window with two sheets, one in front of the other, and lassos drawn on them by the pointer.
 #pragma once
 #include <gtest/gtest.h>
 
