@@ -52,6 +52,13 @@ Double3 Plane::ProjectOntoPlane(const Double3& point) const {
 // The inscribed circle of a regular polygon has the corner radius times the cosine of half a corner's angle.
 void Plane::SetRadiusFromExtent(double extent) { m_dRadius = extent / std::cos(std::numbers::pi / m_nCorners); }
 
+void Plane::SetClipUniforms(std::uint32_t program, bool clips) const {
+    glUniform1i(glGetUniformLocation(program, "clipPlane0Enabled"), clips ? 1 : 0);
+    const auto [a, b, c, d] = GetEquation();
+    glUniform4f(glGetUniformLocation(program, "clipPlaneEquation0"), static_cast<float>(a), static_cast<float>(b),
+                static_cast<float>(c), static_cast<float>(d));
+}
+
 void Plane::EnableClipping() const {
     glClipPlane(GL_CLIP_PLANE0, GetEquation().data());
     glEnable(GL_CLIP_PLANE0);

@@ -49,6 +49,9 @@ public:
     /// Clips with GL_CLIP_PLANE0 in the current context. The view matrix must be in force, without an object's
     /// transform: OpenGL takes the plane to eye coordinates at this call. Programs must write gl_ClipVertex.
     void EnableClipping() const;
+    /// For a program that discards what the plane cuts off. It must be in use.
+    /// @param clips  whether the plane cuts off anything
+    void SetClipUniforms(std::uint32_t program, bool clips) const;
     static void DisableClipping();
 
     // ---- clip/PlaneDraw.cpp

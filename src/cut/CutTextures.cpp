@@ -19,15 +19,9 @@ void DrawSilhouette(CKV_ScenePaneCtrl& control) {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glColorMaterial(GL_FRONT, GL_DIFFUSE);
     glEnable(GL_COLOR_MATERIAL);
-    const std::uint32_t program = control.m_progCreateMask;
-    glUseProgram(program);
-    glUniform1i(glGetUniformLocation(program, "clipPlane0Enabled"), control.m_bClipPlaneActive != 0 ? 1 : 0);
-    const std::array<double, 4> plane = control.m_clipPlane.GetEquation();
-    glUniform4f(glGetUniformLocation(program, "clipPlaneEquation0"), static_cast<float>(plane[0]),
-                static_cast<float>(plane[1]), static_cast<float>(plane[2]), static_cast<float>(plane[3]));
-    MeshBatch batch;
-    for (const auto& mesh : control.m_vpMeshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeGouraud, false);
+    glUseProgram(control.m_progCreateMask);
+    control.m_clipPlane.SetClipUniforms(control.m_progCreateMask, control.m_bClipPlaneActive != 0);
+    DrawVisible(control.m_vpMeshes, KV_ScenePane::DrawModeGouraud, false);
 }
 
 /// White where the drawing area shows objects, else 0; top row first. White throughout when the driver cannot make a

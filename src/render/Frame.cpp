@@ -18,13 +18,6 @@ namespace {
 constexpr float kWindowLineWidth = 3.0f;  // of 3D lines, pixels
 constexpr int kWindowNeedleFont = 1;      // bold, 24 pixels
 
-/// @param mode  draw mode, any value of the host
-void DrawVisible(const std::vector<std::shared_ptr<Mesh>>& meshes, std::int32_t mode, bool reduced) {
-    MeshBatch batch;
-    for (const auto& mesh : meshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(mode, reduced);
-}
-
 // ---- the frozen image
 
 /// Bytes per row of BGR pixels: 3 per pixel, rounded up to the default pack and unpack alignment of 4.
@@ -95,10 +88,7 @@ void DrawObjectsWithShadows(CKV_ScenePaneCtrl& control, bool reduced) {
     glUniformMatrix4fv(uniform("shadowProjection"), 1, GL_FALSE, projection);
     glUniformMatrix4fv(uniform("shadowModelView"), 1, GL_FALSE, modelView);
     glUniform3fv(uniform("shadowColor"), 1, control.m_fShadowColor.data());
-    glUniform1i(uniform("clipPlane0Enabled"), control.m_bClipPlaneActive != 0 ? 1 : 0);
-    const std::array<double, 4> plane = control.m_clipPlane.GetEquation();
-    glUniform4f(uniform("clipPlaneEquation0"), static_cast<float>(plane[0]), static_cast<float>(plane[1]),
-                static_cast<float>(plane[2]), static_cast<float>(plane[3]));
+    control.m_clipPlane.SetClipUniforms(control.m_progShadow, control.m_bClipPlaneActive != 0);
     DrawVisible(control.m_vpMeshes, control.m_nDrawMode, reduced);
 }
 

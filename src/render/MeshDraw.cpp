@@ -195,3 +195,9 @@ void InstallMeshDrawing() {
         .draw = MeshBatch::DrawMesh, .releaseBuffers = ReleaseBuffers, .deleteTexture = DeleteTexture};
     InstallMeshGraphics(&kOpenGl);
 }
+
+void DrawVisible(std::span<const std::shared_ptr<Mesh>> meshes, std::int32_t mode, bool reduced) {
+    MeshBatch batch;
+    for (const auto& mesh : meshes)
+        if (mesh->m_iVisible != 0) mesh->Draw(mode, reduced);
+}

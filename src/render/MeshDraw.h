@@ -3,6 +3,8 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <memory>
+#include <span>
 
 class Mesh;
 
@@ -52,3 +54,7 @@ private:
     bool m_isColored = false;  ///< the client array of colours is enabled
     bool m_isWhite = false;    ///< the current colour is white
 };
+
+/// Draws the visible meshes in one batch.
+/// @param mode  draw mode, any value of the host
+void DrawVisible(std::span<const std::shared_ptr<Mesh>> meshes, std::int32_t mode, bool reduced);

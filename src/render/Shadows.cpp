@@ -126,7 +126,5 @@ void CKV_ScenePaneCtrl::RenderShadowMap(float* projection, float* modelView) {
     glEnable(GL_DEPTH_TEST);
     glUseProgram(m_progDepth);
     // m_progDepth stays bound: the caller binds its own program next.
-    MeshBatch batch;
-    for (const auto& mesh : m_vpMeshes)
-        if (mesh->m_iVisible != 0) mesh->Draw(KV_ScenePane::DrawModeFlat, false);  // in full detail during drags
+    DrawVisible(m_vpMeshes, KV_ScenePane::DrawModeFlat, false);  // in full detail during drags
 }
