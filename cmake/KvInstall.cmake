@@ -12,10 +12,13 @@ install(TARGETS simulate-scans RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_Components/include/KV_Components" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
         FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_UtilsLantern/include/KV_UtilsLantern" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
+        FILES_MATCHING PATTERN "*.h")
 set_target_properties(kv_msrdll PROPERTIES EXPORT_NAME MSRDLL)
 set_target_properties(kv_components PROPERTIES EXPORT_NAME KV_Components)
+set_target_properties(kv_utils_lantern PROPERTIES EXPORT_NAME KV_UtilsLantern)
 target_compile_features(KV_ScenePane INTERFACE cxx_std_20)
-install(TARGETS KV_ScenePane kv_msrdll kv_components EXPORT KV_ScenePaneTargets
+install(TARGETS KV_ScenePane kv_msrdll kv_components kv_utils_lantern EXPORT KV_ScenePaneTargets
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
         INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT KV_ScenePaneTargets NAMESPACE KV_ScenePane:: DESTINATION "${KV_PACKAGE_DIR}")

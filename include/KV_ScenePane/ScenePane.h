@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "KV_ScenePane/Alignment.h"
 #include "KV_ScenePane/ClipHeight.h"
 #include "KV_ScenePane/Cutting.h"
 #include "KV_ScenePane/Input.h"
@@ -194,6 +195,18 @@ public:
     [[nodiscard]] virtual std::vector<CutSaveEntry> PlanCutSave() const = 0;
     /// What the last SaveCuttingToPcms() did, one entry per object of that moment; empty before the first one.
     [[nodiscard]] virtual std::vector<CutSaveEntry> GetCutSaveResults() const = 0;
+
+    /// What the running alignment waits for, and the points that were picked so far.
+    [[nodiscard]] virtual AlignmentPicks GetAlignmentPicks() const = 0;
+    /// Moves the variable objects (AddVariableObject()) so that the moving points come to the fixed points, as at the
+    /// end of AlignPickPoints(): a single pair turns the moving normal into the fixed one, too; of two and more only
+    /// the points count. Needs no OpenGL. A running alignment goes on. Fires nothing.
+    /// @param pairs  world frame; normals of any length
+    /// @return whether a transform was found: the points of each side must not all be the same, and all must be finite.
+    ///         GetAlignmentResult() has it, and the residual of each pair; without a transform nothing moves
+    virtual bool AlignByPairs(std::span<const AlignmentPair> pairs) = 0;
+    /// What the last alignment by points found, by AlignByPairs() or by the operator; a default one before the first.
+    [[nodiscard]] virtual AlignmentResult GetAlignmentResult() const = 0;
 };
 
 /// Creates a viewer.

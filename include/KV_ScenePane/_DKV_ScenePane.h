@@ -166,9 +166,12 @@ public:
     virtual void ResetVariableObjects() = 0;
     /// Appends an object to those that an alignment may move. A bad index does nothing.
     virtual void AddVariableObject(std::int16_t idx) = 0;
-    /// Starts the alignment by hand: drags move the variable objects. [declared only]
+    /// Starts the alignment by hand: drags turn and move the variable objects as they would turn and move the view; the
+    /// other objects are dimmed. AlignmentDone is fired at the end, which takes no movement back.
     virtual void AlignInteractive() = 0;
-    /// Starts the alignment by pairs of picked points. [declared only]
+    /// Starts the alignment by pairs of picked points: clicks pick on the variable objects, after Space on the others;
+    /// with as many points there the variable objects move and the alignment ends. AlignmentDone is fired at the end,
+    /// also when nothing has moved. Delete drops the last point, Escape ends.
     virtual void AlignPickPoints() = 0;
     /// Draws a frame before it returns.
     virtual void PerformRefresh() = 0;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "KV_ScenePane/Alignment.h"
 #include "align/CInteractionDlg.h"
 #include "geometry/Mesh.h"
 
@@ -10,7 +11,10 @@
 ///
 /// Invariant: m_pInteractionDlg is set exactly while an alignment runs; the dialog resets it when it ends.
 struct AlignState {
-    CInteractionDlg* m_pInteractionDlg = nullptr;      ///< not owned: the dialog deletes itself
+    CInteractionDlg* m_pInteractionDlg = nullptr;  ///< the one that receives input; owned by m_vInteractionDlgs
+    /// Every dialog whose window exists, oldest first. One that was opened over another one leaves that without input.
+    std::vector<std::unique_ptr<CInteractionDlg>> m_vInteractionDlgs;
     std::vector<Mesh*> m_vpVariableObjects;            ///< not owned, may dangle: read it by LiveVariableObjects()
     std::vector<std::weak_ptr<Mesh>> m_vVariableRefs;  ///< of the entry of m_vpVariableObjects at the same index
+    KV_ScenePane::AlignmentResult m_lastAlignment;     ///< of the last alignment by points
 };

@@ -11,6 +11,4 @@ void NotYet(const char* method) {
 }
 }  // namespace
 
-void CKV_ScenePaneCtrl::AlignInteractive() { NotYet("AlignInteractive"); }
-void CKV_ScenePaneCtrl::AlignPickPoints() { NotYet("AlignPickPoints"); }
 void CKV_ScenePaneCtrl::AboutBox() { NotYet("AboutBox"); }

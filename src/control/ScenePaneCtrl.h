@@ -273,12 +273,16 @@ public:
     /// ScenePane::GetClipHeight().
     [[nodiscard]] KV_ScenePane::ClipHeight GetClipHeight() const { return m_clipHeight; }
 
-    // ---- align/Interaction.cpp
-    void FinishInteraction() override;
-
-    // ---- control/MethodsToCome.cpp: one line to the debugger output each: methods that this version only declares
+    // ---- align/AlignMethods.cpp
     void AlignInteractive() override;
     void AlignPickPoints() override;
+    void FinishInteraction() override;
+    /// ScenePane::GetAlignmentPicks().
+    [[nodiscard]] KV_ScenePane::AlignmentPicks GetAlignmentPicks() const;
+    /// ScenePane::AlignByPairs().
+    bool AlignByPairs(std::span<const KV_ScenePane::AlignmentPair> pairs);
+
+    // ---- control/MethodsToCome.cpp: one line to the debugger output: methods that this version only declares
     void AboutBox() override;
 
     // ---- cut/CutMethods.cpp: sessions

@@ -320,6 +320,16 @@ public:
         return m_pControl->m_vCutSaveResults;
     }
 
+    [[nodiscard]] KV_ScenePane::AlignmentPicks GetAlignmentPicks() const override {
+        return m_pControl->GetAlignmentPicks();
+    }
+    bool AlignByPairs(std::span<const KV_ScenePane::AlignmentPair> pairs) override {
+        return Held()->AlignByPairs(pairs);
+    }
+    [[nodiscard]] KV_ScenePane::AlignmentResult GetAlignmentResult() const override {
+        return m_pControl->m_lastAlignment;
+    }
+
     Control& TheControl() { return *m_pControl; }
 
 private:

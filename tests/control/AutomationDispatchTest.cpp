@@ -15,7 +15,7 @@
 namespace {
 
 /// Methods that are declared only.
-const char* const kMethodsToCome[] = {"AlignInteractive", "AlignPickPoints", "AboutBox"};
+const char* const kMethodsToCome[] = {"AboutBox"};
 
 const AutomationMethod& Method(std::string_view name) {
     for (const AutomationMethod& method : AutomationMethods())

@@ -1,0 +1,29 @@
+// Alignment by picked points: first on the variable objects, then as many on the other ones.
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "align/CInteractionDlg.h"
+#include "align/DimmedColors.h"
+#include "geometry/Vertex.h"
+
+class CAlignPickPointsDlg : public CInteractionDlg {
+public:
+    void OnInteractionKey(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) override;
+    bool PreTranslateKey(std::int32_t nChar) override;
+    void DrawInteraction() override;
+    void OnObjectPicked(const std::shared_ptr<Mesh>& mesh, std::int32_t triangleIndex, const Float3& hitPoint,
+                        std::uint32_t flags) override;
+    [[nodiscard]] KV_ScenePane::AlignmentPicks GetPicks() const override;
+
+    std::int32_t m_nPhase = 0;  ///< 0 inactive, 1 on the variable objects, 2 on the fixed ones
+    std::vector<Vertex> m_vSourcePoints, m_vTargetPoints;  ///< picks of phase 1 and of phase 2, with unit normals
+
+protected:
+    void OnInitDialog() override;
+    void PostNcDestroy() override;
+
+private:
+    std::vector<std::weak_ptr<Mesh>> m_vpFixedObjects;  ///< in list order
+    DimmedColors m_savedColors;                         ///< of the side that is not picked on
+};
