@@ -1,0 +1,86 @@
+// Transforms of scans as a JSON file: docs/formats/transforms.md.
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KV_ScenePane/_DKV_ScenePane.h"
+
+/// 4 x 4, row by row, sensor to world frame, scene units; last row 0, 0, 0, 1. As GetTrafoOfScan() returns it.
+using Matrix4 = std::array<float, 16>;
+
+/// The transform of one object.
+struct StoredTransform {
+    /// In bytes. Read from a file: as written there, absolute or relative to the folder of that file. To be written:
+    /// the path that the object was opened with.
+    std::string file;
+    Matrix4 matrix{};
+    bool operator==(const StoredTransform&) const = default;
+};
+
+/// A file with more is neither read nor written: a viewer counts its objects with 16 bits.
+inline constexpr std::size_t kMaxTransformsInFile = 32'767;
+/// Bytes. A larger file is refused before it is read.
+inline constexpr std::size_t kMaxTransformFileSize = 16 * 1024 * 1024;
+/// Largest difference of any element of R transposed times R from the identity, R being the rotation that is read.
+inline constexpr double kRotationTolerance = 1e-5;
+/// Largest amount of a translation along an axis that is read, scene units.
+inline constexpr float kMaxTranslation = 1e9f;
+
+/// Reads the content of a file of transforms. Transforms are as in the file: the viewer's own rounding of a rotation
+/// comes later.
+/// @throws std::runtime_error with one line of text: the line of a text that is not JSON, otherwise the entry (from 1)
+///         and the key
+[[nodiscard]] std::vector<StoredTransform> ParseTransforms(std::string_view text);
+
+/// Reads a whole file of transforms, which may have been damaged or written by anybody.
+/// @param path        in bytes
+/// @param transforms  receives the entries in the order of the file; unchanged after a failure
+/// @param reason      receives why it was refused, one line in English without the file's name; unchanged after a
+///                    success
+[[nodiscard]] bool ReadTransformFile(const std::string& path, std::vector<StoredTransform>* transforms,
+                                     std::string* reason);
+
+/// Replaces a file as a whole or not at all. Names are written relative to its folder; numbers are read back as the
+/// same floats. What was written can be read again.
+/// @param path    in bytes
+/// @param reason  receives why nothing was written, in English; unchanged after a success. One reason is a transform
+///                that would not be read again
+[[nodiscard]] bool WriteTransformFile(const std::string& path, const std::vector<StoredTransform>& transforms,
+                                      std::string* reason);
+
+/// Which entry belongs to which object.
+struct TransformMatch {
+    /// Per object the position of its entry; empty for an object without one.
+    std::vector<std::optional<std::size_t>> entryOfObject;
+    /// Positions of the entries without an object, rising.
+    std::vector<std::size_t> unusedEntries;
+
+    /// Whether any object has an entry.
+    [[nodiscard]] bool HasAny() const;
+};
+
+/// Finds the entry of each object. An entry belongs to the object that was opened from the same path. Where no object
+/// has the path of an entry, its file name alone decides, if neither two entries nor two objects that are left have
+/// that name in different folders. Of a file that was opened several times the first object gets the first entry of
+/// that file, and so on. Paths are compared as text, after "." and ".." are taken out of them; no file is looked at.
+/// @param transformFile  path of the file that the entries were read from
+/// @param objectFiles    per object the path that it was opened with; empty for an object without a file
+[[nodiscard]] TransformMatch MatchTransforms(const std::string& transformFile, std::span<const StoredTransform> entries,
+                                             std::span<const std::string> objectFiles);
+
+/// One line for each entry without an object and for each object without an entry, in this order; without the name of
+/// the file of transforms.
+[[nodiscard]] std::vector<std::string> UnmatchedLines(const TransformMatch& match,
+                                                      std::span<const StoredTransform> entries,
+                                                      std::span<const std::string> objectFiles);
+
+/// GetTrafoOfScan(). @return empty for a bad index
+[[nodiscard]] std::optional<Matrix4> TransformOf(KV_ScenePane::_DKV_ScenePane& methods, std::int16_t object);
+/// SetTrafoOfScan(), which replaces the present transform and draws a frame: block painting for several of them.
+void SetTransformOf(KV_ScenePane::_DKV_ScenePane& methods, std::int16_t object, const Matrix4& matrix);
