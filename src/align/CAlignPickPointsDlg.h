@@ -24,6 +24,15 @@ protected:
     void PostNcDestroy() override;
 
 private:
-    std::vector<std::weak_ptr<Mesh>> m_vpFixedObjects;  ///< in list order
-    DimmedColors m_savedColors;                         ///< of the side that is not picked on
+    /// The list that the present phase fills; null outside both.
+    [[nodiscard]] std::vector<Vertex>* PicksOfPhase();
+    /// From the variable objects to the fixed ones, once there is a point to find a partner for.
+    void NextPhase();
+    void DropLastPick();
+    /// Moves the variable objects and stores the result.
+    void ComputeAlignment();
+
+    std::vector<std::weak_ptr<Mesh>> m_vpFixedObjects;                    ///< in list order
+    DimmedColors m_savedColors;                                           ///< of the side that is not picked on
+    std::shared_ptr<const char> m_life = std::make_shared<const char>();  ///< expires with the object
 };

@@ -1,14 +1,45 @@
 // What both alignments share: clicks, Escape, the end.
 #include "align/CInteractionDlg.h"
 
+#include <algorithm>
+#include <span>
+#include <utility>
+
 #include "KV_ScenePane/Input.h"
 #include "control/ScenePaneCtrl.h"
+#include "geometry/ObjectPick.h"
+
+namespace {
+
+constexpr float kPickDepth = 0.1f;  // window depth of the line's origin, in front of the scene
+
+/// Those that still exist and are in the list: a cut keeps the object that it replaces for an undo.
+std::vector<std::shared_ptr<Mesh>> ObjectsInScene(std::span<const std::weak_ptr<Mesh>> objects,
+                                                  std::span<const std::shared_ptr<Mesh>> scene) {
+    std::vector<std::shared_ptr<Mesh>> found;
+    found.reserve(objects.size());
+    for (const auto& object : objects) {
+        auto mesh = object.lock();
+        if (mesh != nullptr && std::ranges::find(scene, mesh) != scene.end()) found.push_back(std::move(mesh));
+    }
+    return found;
+}
+
+}  // namespace
 
 void CInteractionDlg::OnInteractionKey(std::int32_t nChar, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {
     if (nChar == KV_ScenePane::kKeyEscape) DestroyWindow();
 }
 
-void CInteractionDlg::OnClick(std::int32_t /*x*/, std::int32_t /*y*/, std::uint32_t /*flags*/) {}
+void CInteractionDlg::OnClick(std::int32_t x, std::int32_t y, std::uint32_t flags) {
+    CKV_ScenePaneCtrl& control = *m_pControl;
+    const auto objects = ObjectsInScene(m_vpPickableObjects, control.m_vpMeshes);
+    if (objects.empty()) return;
+    Float3 origin{};
+    if (control.UnprojectPoint(x, y, kPickDepth, &origin[0], &origin[1], &origin[2]) == 0) return;
+    const auto hit = FindNearestObject(objects, origin, control.m_fAxisZ);
+    if (hit) OnObjectPicked(objects[hit->object], hit->triangle, hit->point, flags);
+}
 
 void CInteractionDlg::OnInteractionClosed() {
     CKV_ScenePaneCtrl& control = *m_pControl;

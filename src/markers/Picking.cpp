@@ -1,5 +1,5 @@
 // What is under a pixel: objects of the scene by a line through their triangles, helper objects by drawing their parts
-// in colours that are numbers. The line against the triangles is geometry/MeshIntersect.cpp.
+// in colours that are numbers. The line against the objects is geometry/ObjectPick.cpp.
 #include <GL/glew.h>
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 
 #include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
+#include "geometry/ObjectPick.h"
 #include "geometry/PixelDifference.h"
 
 namespace {
@@ -34,29 +35,12 @@ std::uint32_t ReadId() {
     return pixel[0] + 256u * pixel[1] + 65536u * pixel[2];
 }
 
-struct SurfaceHit {
-    std::int32_t object = 0, triangle = 0;
-    Float3 point{};
-    float distance = 0.0f;
-};
-
-/// The nearest point of the visible objects on the line through a pixel; of two at the same distance the first one in
-/// list order.
-std::optional<SurfaceHit> FindNearestHit(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+/// The nearest point of the visible objects on the line through a pixel.
+std::optional<ObjectHit> FindNearestHit(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
     // An unbounded line along the viewing axis: the projection is orthographic.
     Float3 origin{};
     if (control.UnprojectPoint(x, y, kPickDepth, &origin[0], &origin[1], &origin[2]) == 0) return std::nullopt;
-    std::optional<SurfaceHit> nearest;
-    for (std::size_t i = 0; i < control.m_vpMeshes.size(); ++i) {
-        const Mesh& mesh = *control.m_vpMeshes[i];
-        if (mesh.m_iVisible == 0) continue;
-        SurfaceHit hit{.object = static_cast<std::int32_t>(i)};
-        hit.distance = mesh.IntersectLine(origin.data(), control.m_fAxisZ.data(), &hit.triangle, hit.point.data());
-        // The negated comparisons reject a distance that is not a number.
-        if (!(hit.distance >= 0.0f) || (nearest && !(hit.distance < nearest->distance))) continue;
-        nearest = hit;
-    }
-    return nearest;
+    return FindNearestObject(control.m_vpMeshes, origin, control.m_fAxisZ);
 }
 
 struct Part {
@@ -81,7 +65,7 @@ std::int32_t CKV_ScenePaneCtrl::PickObjectAt(std::int32_t x, std::int32_t y, Flo
     if (!nearest) return -1;
     *hit = m_fPickPoint = nearest->point;
     m_bPickPointValid = 1;
-    return nearest->object;
+    return static_cast<std::int32_t>(nearest->object);
 }
 
 bool CKV_ScenePaneCtrl::PickSurface(std::int32_t x, std::int32_t y, KV_ScenePane::SurfacePoint* hit) {

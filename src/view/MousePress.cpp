@@ -96,9 +96,11 @@ void LeftDownWhilePickingPoints(CKV_ScenePaneCtrl& control, std::uint32_t flags,
     bool moving = true;
     if ((flags & kMouseCtrl) != 0 && control.m_nIgdRotation != 1) {
         control.m_nInteractionMode = LeftDragMode(control);
-    } else if (control.m_pInteractionDlg != nullptr) {
-        control.m_pInteractionDlg->OnClick(x, y, flags);
-        moving = control.m_pInteractionDlg != nullptr;  // the last point closes the dialog
+    } else if (CInteractionDlg* const dialog = control.m_pInteractionDlg; dialog != nullptr) {
+        dialog->OnClick(x, y, flags);
+        moving = control.m_pInteractionDlg == dialog;  // the last point closes the dialog
+        // A handler of its end may have started the next alignment, to which the release returns.
+        if (!moving) control.m_nSavedInteractionMode = control.m_nInteractionMode;
     }
     control.BeginDrag(x, y, moving);
 }
