@@ -3,7 +3,6 @@
 
 #include "align/CAlignInteractiveDlg.h"
 #include "align/CAlignPickPointsDlg.h"
-#include "align/RigidMotion.h"
 #include "control/ScenePaneCtrl.h"
 
 namespace {
@@ -36,5 +35,3 @@ void CKV_ScenePaneCtrl::FinishInteraction() {
 KV_ScenePane::AlignmentPicks CKV_ScenePaneCtrl::GetAlignmentPicks() const {
     return m_pInteractionDlg == nullptr ? KV_ScenePane::AlignmentPicks{} : m_pInteractionDlg->GetPicks();
 }
-
-bool CKV_ScenePaneCtrl::AlignByPairs(std::span<const KV_ScenePane::AlignmentPair> /*pairs*/) { return false; }

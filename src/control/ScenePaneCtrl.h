@@ -279,6 +279,8 @@ public:
     void FinishInteraction() override;
     /// ScenePane::GetAlignmentPicks().
     [[nodiscard]] KV_ScenePane::AlignmentPicks GetAlignmentPicks() const;
+
+    // ---- align/AlignPairs.cpp
     /// ScenePane::AlignByPairs().
     bool AlignByPairs(std::span<const KV_ScenePane::AlignmentPair> pairs);
 
