@@ -7,6 +7,7 @@
 #include <cassert>
 #include <cmath>
 #include <initializer_list>
+#include <span>
 #include <utility>
 
 #include "geometry/FaceNormal.h"
@@ -57,6 +58,39 @@ bool AreFinite(std::initializer_list<float> values) {
     return std::all_of(values.begin(), values.end(), [](float value) { return std::isfinite(value); });
 }
 
+// The extremes of all positions. Starts with the first vertex: a NaN after it loses every comparison, any other
+// coordinate that is not finite shows in the result.
+struct Extremes {
+    float minX, minY, minZ, maxX, maxY, maxZ;
+
+    explicit Extremes(const Vertex& first)
+        : minX(first.x), minY(first.y), minZ(first.z), maxX(first.x), maxY(first.y), maxZ(first.z) {}
+    void Add(const Vertex& vertex) {
+        minX = std::min(minX, vertex.x);
+        maxX = std::max(maxX, vertex.x);
+        minY = std::min(minY, vertex.y);
+        maxY = std::max(maxY, vertex.y);
+        minZ = std::min(minZ, vertex.z);
+        maxZ = std::max(maxZ, vertex.z);
+    }
+};
+
+// Calls move(vertex) for every vertex and computes the box of the result, in one pass over the memory.
+template <class Move>
+void MoveAndBound(Mesh& mesh, Move move) {
+    if (mesh.m_vVertices.empty()) return mesh.SetBoundingBox(1, -1, 1, -1, 1, -1);
+    move(mesh.m_vVertices.front());
+    Extremes e(mesh.m_vVertices.front());
+    for (Vertex& vertex : std::span(mesh.m_vVertices).subspan(1)) {
+        move(vertex);
+        e.Add(vertex);
+    }
+    if (AreFinite({e.minX, e.maxX, e.minY, e.maxY, e.minZ, e.maxZ}))
+        return mesh.SetBoundingBox(e.minX, e.maxX, e.minY, e.maxY, e.minZ, e.maxZ);
+    const auto [x, y, z] = FiniteOnly<FiniteRange>(mesh.m_vVertices);
+    mesh.SetBoundingBox(x.low, x.high, y.low, y.high, z.low, z.high);
+}
+
 }  // namespace
 
 Mesh::Mesh(std::wstring name, bool hasColors) : m_sName(std::move(name)), m_bHasVertexColors(hasColors) {}
@@ -92,29 +126,7 @@ int Mesh::ComputeCenter() {
 }
 
 void Mesh::ComputeBoundingBox() {
-    if (m_vVertices.empty()) {
-        SetBoundingBox(1, -1, 1, -1, 1, -1);
-        return;
-    }
-    // Starts with the first vertex. A NaN after it loses every comparison; any other coordinate that is not finite
-    // shows in the result.
-    const Vertex& first = m_vVertices.front();
-    float minX = first.x, minY = first.y, minZ = first.z;
-    float maxX = first.x, maxY = first.y, maxZ = first.z;
-    for (const Vertex& vertex : m_vVertices) {
-        minX = std::min(minX, vertex.x);
-        maxX = std::max(maxX, vertex.x);
-        minY = std::min(minY, vertex.y);
-        maxY = std::max(maxY, vertex.y);
-        minZ = std::min(minZ, vertex.z);
-        maxZ = std::max(maxZ, vertex.z);
-    }
-    if (AreFinite({minX, maxX, minY, maxY, minZ, maxZ})) {
-        SetBoundingBox(minX, maxX, minY, maxY, minZ, maxZ);
-        return;
-    }
-    const auto [rangeX, rangeY, rangeZ] = FiniteOnly<FiniteRange>(m_vVertices);
-    SetBoundingBox(rangeX.low, rangeX.high, rangeY.low, rangeY.high, rangeZ.low, rangeZ.high);
+    MoveAndBound(*this, [](const Vertex&) {});
 }
 
 bool Mesh::HasPosition() const {
@@ -129,7 +141,9 @@ void Mesh::ApplyTrafo(const CACADQTrafo& trafo) {
     const auto tx = static_cast<float>(trafo.m_dTranslation[0]);
     const auto ty = static_cast<float>(trafo.m_dTranslation[1]);
     const auto tz = static_cast<float>(trafo.m_dTranslation[2]);
-    for (Vertex& v : m_vVertices) {
+    MarkVerticesDirty();
+    m_bCenterValid = false;
+    MoveAndBound(*this, [&](Vertex& v) {
         const double x = v.x, y = v.y, z = v.z;
         v.x = static_cast<float>(x * r[0] + y * r[3] + z * r[6]) + tx;
         v.y = static_cast<float>(x * r[1] + y * r[4] + z * r[7]) + ty;
@@ -138,10 +152,7 @@ void Mesh::ApplyTrafo(const CACADQTrafo& trafo) {
         v.nx = static_cast<float>(nx * r[0] + ny * r[3] + nz * r[6]);
         v.ny = static_cast<float>(nx * r[1] + ny * r[4] + nz * r[7]);
         v.nz = static_cast<float>(nx * r[2] + ny * r[5] + nz * r[8]);
-    }
-    m_bBuffersDirty = true;
-    m_bCenterValid = false;
-    ComputeBoundingBox();
+    });
 }
 
 // The transpose of the rotation is its inverse.
@@ -150,7 +161,8 @@ void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
     const auto tx = static_cast<float>(trafo.m_dTranslation[0]);
     const auto ty = static_cast<float>(trafo.m_dTranslation[1]);
     const auto tz = static_cast<float>(trafo.m_dTranslation[2]);
-    for (Vertex& v : m_vVertices) {
+    m_bCenterValid = false;
+    MoveAndBound(*this, [&](Vertex& v) {
         const double x = v.x - tx, y = v.y - ty, z = v.z - tz;
         v.x = static_cast<float>(x * r[0] + y * r[1] + z * r[2]);
         v.y = static_cast<float>(x * r[3] + y * r[4] + z * r[5]);
@@ -159,9 +171,7 @@ void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
         v.nx = static_cast<float>(nx * r[0] + ny * r[1] + nz * r[2]);
         v.ny = static_cast<float>(nx * r[3] + ny * r[4] + nz * r[5]);
         v.nz = static_cast<float>(nx * r[6] + ny * r[7] + nz * r[8]);
-    }
-    m_bCenterValid = false;
-    ComputeBoundingBox();
+    });
 }
 
 void Mesh::ComputeVertexNormals() {
@@ -196,5 +206,5 @@ void Mesh::ShrinkToFit() {
 void Mesh::SetBlendColors(bool blend) {
     if (m_bBlendObjectColor == blend) return;
     m_bBlendObjectColor = blend;
-    MarkBuffersDirty();
+    MarkVerticesDirty();
 }

@@ -19,8 +19,8 @@ class CutMask;
 }
 
 /// Invariants: every index of a triangle is valid; a textured mesh has three texture coordinates per triangle. Code
-/// that changes vertices, triangles or colours must call MarkBuffersDirty(), and ComputeBoundingBox() when positions
-/// change.
+/// that changes triangles must call MarkBuffersDirty(), code that changes vertices or colours alone MarkVerticesDirty()
+/// at least, and ComputeBoundingBox() when positions change.
 class Mesh : public CACADObject {
 public:
     /// An OpenGL texture together with the encoded image that it came from; may be shared by several meshes.
@@ -57,7 +57,7 @@ public:
     /// False when no vertex has a finite coordinate along some axis: nothing of the mesh can be shown or picked then,
     /// and its box is inverted. True for a mesh without vertices.
     [[nodiscard]] bool HasPosition() const;
-    /// Rotates and moves the vertices and rotates the normals; m_Trafo is unchanged.
+    /// Rotates and moves the vertices, rotates the normals and computes the box; m_Trafo is unchanged.
     void ApplyTrafo(const CACADQTrafo& trafo) override;
     /// Applies the inverse of @p trafo to the vertices. Does not mark the buffers dirty: ApplyTrafo() always follows.
     void RevertTrafo(const CACADQTrafo& trafo);
@@ -85,7 +85,10 @@ public:
 
     /// Deletes the OpenGL buffers that exist, in the current context.
     void ReleaseBuffers();
-    void MarkBuffersDirty() { m_bBuffersDirty = true; }
+    /// The next draw uploads vertices and indices.
+    void MarkBuffersDirty() { m_bBuffersDirty = m_bIndicesDirty = true; }
+    /// The next draw uploads the vertices, and the indices only when graphics memory does not hold them.
+    void MarkVerticesDirty() { m_bBuffersDirty = true; }
     /// A change marks the buffers dirty: the mix of colours is made at upload.
     void SetBlendColors(bool blend);
     /// Pixels, from the next draw on.
@@ -100,6 +103,7 @@ public:
     std::vector<Vertex> m_vVertices;
     std::wstring m_sName;             ///< path that the object came from, or empty
     bool m_bBuffersDirty = true;      ///< the GPU buffers must be rebuilt before the next draw
+    bool m_bIndicesDirty = true;      ///< the rebuild must upload the indices, too
     bool m_bBuffersFailed = false;    ///< graphics memory was short at the last build: drawn as its bounding box
     bool m_bFailureReported = false;  ///< the debugger output has the line about it
     bool m_bHasVertexColors = false;

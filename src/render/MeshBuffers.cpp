@@ -90,6 +90,13 @@ void UploadIndices(Mesh& mesh) {
     UploadFirstCorners(triangles, 1);
     BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uReducedBuffer);
     UploadFirstCorners(triangles, static_cast<std::size_t>(mesh.m_iReducedStep));
+    mesh.m_bIndicesDirty = false;
+}
+
+/// Not when an object was moved or coloured: its indices are more bytes than its vertices.
+bool NeedsIndices(const Mesh& mesh) {
+    if (mesh.m_pTexture) return false;  // its corners are not shared
+    return mesh.m_bIndicesDirty || mesh.m_uTriangleBuffer == 0;
 }
 
 }  // namespace
@@ -98,7 +105,7 @@ void BuildBuffers(Mesh& mesh) {
     if (!mesh.m_vTriangles.empty()) {
         const MemoryCheck memory;
         UploadVertices(mesh);
-        if (!mesh.m_pTexture) UploadIndices(mesh);  // the corners of a textured mesh are not shared
+        if (NeedsIndices(mesh)) UploadIndices(mesh);
         mesh.m_bBuffersFailed = MemoryCheck::HasFailed();
         if (mesh.m_bBuffersFailed)
             ReleaseBuffers(mesh);  // what was uploaded is of no use without the rest
