@@ -16,7 +16,8 @@ void OpenDialog(CKV_ScenePaneCtrl& control, InteractionMode mode) {
     control.m_vInteractionDlgs.push_back(std::move(dialog));
     control.m_pInteractionDlg = &opened;
     control.m_nInteractionMode = mode;
-    opened.Create();  // last: a handler of the host may end it already
+    control.m_nSavedInteractionMode = mode;  // for the release of a button that is held
+    opened.Create();                         // last: the sink of the debugger output may end it already
 }
 
 }  // namespace
@@ -26,12 +27,15 @@ void CKV_ScenePaneCtrl::AlignInteractive() { OpenDialog<CAlignInteractiveDlg>(*t
 void CKV_ScenePaneCtrl::AlignPickPoints() { OpenDialog<CAlignPickPointsDlg>(*this, ModeAlignPickPoints); }
 
 void CKV_ScenePaneCtrl::FinishInteraction() {
-    if (m_pInteractionDlg == nullptr) return;
+    const CInteractionDlg* const dialog = m_pInteractionDlg;
+    if (dialog == nullptr) return;
     m_pInteractionDlg->Finish();
-    // A handler of AlignmentDone may have started the next alignment.
-    if (m_pInteractionDlg == nullptr) m_nInteractionMode = ModeIdle;
+    // The handler of AlignmentDone may have started the next alignment.
+    if (m_pInteractionDlg == nullptr || m_pInteractionDlg == dialog) LeaveAlignmentMode(*this);
 }
 
 KV_ScenePane::AlignmentPicks CKV_ScenePaneCtrl::GetAlignmentPicks() const {
-    return m_pInteractionDlg == nullptr ? KV_ScenePane::AlignmentPicks{} : m_pInteractionDlg->GetPicks();
+    // In the handler of AlignmentDone the alignment is over.
+    const bool runs = m_pInteractionDlg != nullptr && m_pInteractionDlg->HasWindow();
+    return runs ? m_pInteractionDlg->GetPicks() : KV_ScenePane::AlignmentPicks{};
 }

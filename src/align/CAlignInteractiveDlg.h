@@ -1,29 +1,41 @@
 // Alignment by hand: drags of the mouse turn and move the variable objects as they would turn and move the view.
 #pragma once
+#include <optional>
+
 #include "align/CInteractionDlg.h"
-#include "align/DimmedColors.h"
 #include "geometry/CACADQTrafo.h"
 
+/// Every mouse step is baked into the vertices at once, so that the transforms of the objects are final at each moment.
+/// No member is used after a repaint: the sink of the debugger output may end the alignment in it.
 class CAlignInteractiveDlg : public CInteractionDlg {
 public:
-    void OnRotateDrag(std::int32_t x, std::int32_t y) override;
-    void OnMoveDrag(std::int32_t x, std::int32_t y) override;
-    void OnRotateEnd(std::int32_t x, std::int32_t y) override;
-    void OnMoveEnd(std::int32_t x, std::int32_t y) override;
+    // The first call of a drag moves nothing. A drag takes steps of the other kind, too, and its end is that of its
+    // kind.
+    void OnRotateDrag(std::int32_t x, std::int32_t y) override { Drag(kRotateDrag, x, y); }
+    void OnMoveDrag(std::int32_t x, std::int32_t y) override { Drag(kMoveDrag, x, y); }
+    void OnRotateEnd(std::int32_t x, std::int32_t y) override { EndDrag(kRotateDrag, x, y); }
+    void OnMoveEnd(std::int32_t x, std::int32_t y) override { EndDrag(kMoveDrag, x, y); }
     void OnViewDrag(std::int32_t x, std::int32_t y) override;
     [[nodiscard]] KV_ScenePane::AlignmentPicks GetPicks() const override {
         return {KV_ScenePane::AlignmentPhase::ByHand, {}, {}};
     }
 
-    std::int32_t m_nDragState = 0;            ///< 0 none, 1 move drag, 2 rotate drag
+    static constexpr std::int32_t kNoDrag = 0, kMoveDrag = 1, kRotateDrag = 2;
+    std::int32_t m_nDragState = kNoDrag;
     std::int32_t m_nLastX = 0, m_nLastY = 0;  ///< last pixel handled in the drag
-    Float3 m_fPivot{};                        ///< centre of rotation: mean of the centres of the variable objects
-    CACADQTrafo m_Delta;                      ///< of the current mouse step
+    Float3 m_fPivot{};    ///< centre of rotation: mean of the centres of the variable objects, NaN without any
+    CACADQTrafo m_Delta;  ///< of the last mouse step
 
 protected:
     void OnInitDialog() override;
     void PostNcDestroy() override;
 
 private:
-    DimmedColors m_savedColors;  ///< of the fixed objects
+    void Drag(std::int32_t kind, std::int32_t x, std::int32_t y);
+    void EndDrag(std::int32_t kind, std::int32_t x, std::int32_t y);
+    /// From the last pixel to this one, which becomes the last.
+    void Step(std::int32_t kind, std::int32_t x, std::int32_t y);
+    // The motion of a step under the present camera; empty when there is none.
+    [[nodiscard]] std::optional<CACADQTrafo> RotationTo(std::int32_t x, std::int32_t y) const;
+    [[nodiscard]] std::optional<CACADQTrafo> TranslationTo(std::int32_t x, std::int32_t y) const;
 };

@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr std::int32_t kFixedTag = -1, kVariableTag = 0;
 constexpr std::int32_t kPickMovingPhase = 1, kPickFixedPhase = 2;
 constexpr std::int32_t kFlagWord = 0xFFFF, kIgnoredFlags = 0xBFFF;  // all bits but bit 14
 
@@ -114,16 +113,15 @@ KV_ScenePane::AlignmentPicks CAlignPickPointsDlg::GetPicks() const {
 
 void CAlignPickPointsDlg::OnInitDialog() {
     CKV_ScenePaneCtrl& control = *m_pControl;
-    for (const auto& mesh : control.m_vpMeshes) mesh->m_iObjectTag = kFixedTag;
-    for (const auto& mesh : control.LiveVariableObjects()) {
-        mesh->m_iObjectTag = kVariableTag;
-        m_vpPickableObjects.push_back(mesh);  // an object that is listed twice costs a second look at each click
-    }
+    const auto moving = MovingObjects();
+    MarkObjects(moving);
+    m_vpPickableObjects.assign(moving.begin(), moving.end());  // one that is listed twice costs a second look per click
     for (const auto& mesh : control.m_vpMeshes) {
         if (mesh->m_iObjectTag == kVariableTag) continue;
         m_savedColors.Dim(mesh);
         m_vpFixedObjects.push_back(mesh);
     }
+    control.m_lastAlignment = {};  // the host sees at the end whether anything was matched
     control.ShowLassoCursor(true);
     m_nPhase = kPickMovingPhase;
     control.RefreshControl();  // last: a sink of the debugger output may end the alignment
@@ -134,6 +132,7 @@ void CAlignPickPointsDlg::OnInitDialog() {
 void CAlignPickPointsDlg::PostNcDestroy() {
     CKV_ScenePaneCtrl& control = *m_pControl;
     const ScopeExit close([this] { OnInteractionClosed(); });
+    AbandonMouseDrag();
     m_savedColors.Restore();
     control.ShowLassoCursor(false);
     m_nPhase = 0;
@@ -151,7 +150,7 @@ void CAlignPickPointsDlg::NextPhase() {
     if (m_nPhase != kPickMovingPhase || m_vSourcePoints.empty()) return;
     m_vpPickableObjects = m_vpFixedObjects;
     m_savedColors.Restore();
-    for (const auto& mesh : m_pControl->LiveVariableObjects()) m_savedColors.Dim(mesh);
+    for (const auto& mesh : MovingObjects()) m_savedColors.Dim(mesh);
     m_nPhase = kPickFixedPhase;
     m_pControl->RefreshControl();
 }
@@ -168,6 +167,6 @@ void CAlignPickPointsDlg::ComputeAlignment() {
     const WaitCursor wait(*control.m_pWindow);
     const auto trafo = MatchPoints(m_vSourcePoints, m_vTargetPoints);
     if (trafo)
-        for (const auto& mesh : control.LiveVariableObjects()) MoveObject(*mesh, *trafo);
+        for (const auto& mesh : MovingObjects()) MoveObject(*mesh, *trafo);
     control.m_lastAlignment = DescribeAlignment(m_vSourcePoints, m_vTargetPoints, trafo);
 }

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "align/CInteractionDlg.h"
-#include "align/DimmedColors.h"
 #include "geometry/Vertex.h"
 
 class CAlignPickPointsDlg : public CInteractionDlg {
@@ -33,6 +32,5 @@ private:
     void ComputeAlignment();
 
     std::vector<std::weak_ptr<Mesh>> m_vpFixedObjects;                    ///< in list order
-    DimmedColors m_savedColors;                                           ///< of the side that is not picked on
     std::shared_ptr<const char> m_life = std::make_shared<const char>();  ///< expires with the object
 };

@@ -27,6 +27,13 @@ std::vector<std::shared_ptr<Mesh>> ObjectsInScene(std::span<const std::weak_ptr<
 
 }  // namespace
 
+// The release of a button that is held must not return to a mode that has no dialog.
+void LeaveAlignmentMode(CKV_ScenePaneCtrl& control) {
+    control.m_nSavedInteractionMode = ModeIdle;
+    if (control.m_nInteractionMode == ModeLasso || control.m_nInteractionMode == ModeMaskLasso) return;
+    control.m_nInteractionMode = ModeIdle;
+}
+
 void CInteractionDlg::OnInteractionKey(std::int32_t nChar, std::int32_t /*nRepCnt*/, std::int32_t /*nFlags*/) {
     if (nChar == KV_ScenePane::kKeyEscape) DestroyWindow();
 }
@@ -41,11 +48,36 @@ void CInteractionDlg::OnClick(std::int32_t x, std::int32_t y, std::uint32_t flag
     if (hit) OnObjectPicked(objects[hit->object], hit->triangle, hit->point, flags);
 }
 
+std::vector<std::shared_ptr<Mesh>> CInteractionDlg::MovingObjects() const {
+    const auto& scene = m_pControl->m_vpMeshes;
+    auto objects = m_pControl->LiveVariableObjects();
+    std::erase_if(objects, [&](const auto& mesh) { return std::ranges::find(scene, mesh) == scene.end(); });
+    return objects;
+}
+
+void CInteractionDlg::MarkObjects(const std::vector<std::shared_ptr<Mesh>>& moving) {
+    for (const auto& mesh : m_pControl->m_vpMeshes) mesh->m_iObjectTag = kFixedTag;
+    for (const auto& mesh : moving) mesh->m_iObjectTag = kVariableTag;
+}
+
+// The release of the button finds the viewer idle, where it ends no drag.
+void CInteractionDlg::AbandonMouseDrag() {
+    CKV_ScenePaneCtrl& control = *m_pControl;
+    if (control.m_pInteractionDlg != this) return;
+    control.m_pWindow->ReleaseCapture();
+    control.m_bMoving = 0;
+    control.m_bRollRotation = 0;
+}
+
 void CInteractionDlg::OnInteractionClosed() {
     CKV_ScenePaneCtrl& control = *m_pControl;
     if (control.m_pInteractionDlg == this) {
         control.m_pInteractionDlg = nullptr;
-        control.m_nInteractionMode = ModeIdle;
+        LeaveAlignmentMode(control);
     }
-    std::erase_if(control.m_vInteractionDlgs, [this](const auto& dialog) { return dialog.get() == this; });
+    auto& dialogs = control.m_vInteractionDlgs;
+    const auto own = std::ranges::find(dialogs, this, &std::unique_ptr<CInteractionDlg>::get);
+    if (own == dialogs.end()) return;  // its owner deletes it
+    const auto last = std::move(*own);
+    dialogs.erase(own);
 }

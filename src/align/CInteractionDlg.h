@@ -5,11 +5,15 @@
 #include <vector>
 
 #include "KV_ScenePane/Alignment.h"
+#include "align/DimmedColors.h"
 #include "geometry/Vector3.h"
 #include "platform/Dialog.h"
 
 class CKV_ScenePaneCtrl;
 class Mesh;
+
+/// Back to idle at the end of an alignment. A lasso that was started meanwhile goes on.
+void LeaveAlignmentMode(CKV_ScenePaneCtrl& control);
 
 /// The end of the window is the end of the alignment: FinishInteraction(), Escape and a closing of the window all
 /// destroy it, and none of them takes a movement back.
@@ -29,18 +33,32 @@ public:
     /// A click has hit an object. @param triangleIndex  negative for none. @param hitPoint  three floats, world frame
     virtual void OnObjectPicked(const std::shared_ptr<Mesh>& /*mesh*/, std::int32_t /*triangleIndex*/,
                                 const Float3& /*hitPoint*/, std::uint32_t /*flags*/) {}
-    /// The running drag has moved the view up to this pixel, in place of the objects: the next step starts here.
+    /// The mouse has moved the view or the clip plane up to this pixel: the next step of the objects starts here.
     virtual void OnViewDrag(std::int32_t /*x*/, std::int32_t /*y*/) {}
     [[nodiscard]] virtual KV_ScenePane::AlignmentPicks GetPicks() const { return {}; }
 
     /// A click of the left button: passes the nearest hit of m_vpPickableObjects to OnObjectPicked().
     void OnClick(std::int32_t x, std::int32_t y, std::uint32_t flags);
 
+    /// A cut replaces a dimmed object by @p copy, which has the dimmed colour.
+    void OnObjectCut(const Mesh& original, const std::shared_ptr<Mesh>& copy) { m_savedColors.AddCopy(original, copy); }
+
     CKV_ScenePaneCtrl* m_pControl = nullptr;               ///< not owned; set before Create()
     std::vector<std::weak_ptr<Mesh>> m_vpPickableObjects;  ///< objects that clicks may hit
 
 protected:
+    static constexpr int kFixedTag = -1, kVariableTag = 0;  ///< of Mesh::m_iObjectTag
+
+    /// The variable objects that are in the scene, in the order of their list; one that is listed twice is there twice.
+    /// One that only an undo step holds stays as it was at the cut.
+    [[nodiscard]] std::vector<std::shared_ptr<Mesh>> MovingObjects() const;
+    /// Tags all objects of the scene as fixed, then these as variable.
+    void MarkObjects(const std::vector<std::shared_ptr<Mesh>>& moving);
+    /// First step of PostNcDestroy(): a button that is held drags nothing any more.
+    void AbandonMouseDrag();
     /// The last step of PostNcDestroy(): the control forgets the dialog, which is deleted. When the control has another
     /// dialog open by now, that one and its mode stay.
     void OnInteractionClosed();
+
+    DimmedColors m_savedColors;  ///< of the objects that cannot be moved or picked at the moment
 };

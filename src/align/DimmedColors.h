@@ -13,6 +13,9 @@ public:
     /// Divides each channel of the object colour by 3 and keeps the former colour. An object that is dimmed already
     /// stays as it is.
     void Dim(const std::shared_ptr<Mesh>& mesh);
+    /// A copy of a dimmed object, such as what a cut leaves of it, gets the colour of its original back. Without effect
+    /// for a copy of another object.
+    void AddCopy(const Mesh& original, const std::shared_ptr<Mesh>& copy);
     /// Gives all of them their colours back and forgets them.
     void Restore();
     [[nodiscard]] bool IsEmpty() const { return m_vSavedColors.empty(); }
@@ -22,5 +25,8 @@ private:
         std::weak_ptr<Mesh> mesh;
         std::uint32_t color = 0;  ///< 0x00BBGGRR
     };
+    /// Null for an object that is not dimmed.
+    [[nodiscard]] const SavedColor* Find(const Mesh& mesh) const;
+
     std::vector<SavedColor> m_vSavedColors;
 };

@@ -60,6 +60,13 @@ void LeaveLassoMode(CKV_ScenePaneCtrl& control) {
     DeleteCutSession(control);
 }
 
+/// What a cut leaves of an object that an alignment has dimmed is copied with the dimmed colour.
+void PassCopiesToAlignments(CKV_ScenePaneCtrl& control, const std::vector<std::shared_ptr<Mesh>>& cut) {
+    for (const auto& dialog : control.m_vInteractionDlgs)
+        for (std::size_t i = 0; i < cut.size(); ++i)
+            if (cut[i] != control.m_vpMeshes[i]) dialog->OnObjectCut(*control.m_vpMeshes[i], cut[i]);
+}
+
 /// The cut of the running session. No code of the host runs in it: texts wait until the session is deleted.
 CutResult Cut(CKV_ScenePaneCtrl& control) {
     const DelayedDebugOutput delayed;
@@ -77,6 +84,7 @@ CutResult Cut(CKV_ScenePaneCtrl& control) {
         }
         result.mask = control.CreateCutMask(static_cast<std::uint32_t>(control.m_nSegmentationKind), source);
         if (result.mask != nullptr) result.meshes = ApplyCutMask(control.m_vpMeshes, result.mask);
+        PassCopiesToAlignments(control, result.meshes);
     } catch (const std::exception& error) {
         result.failure = error.what();
     }

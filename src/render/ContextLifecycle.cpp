@@ -126,6 +126,24 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     return true;
 }
 
+/// Ends every alignment, the last one first, so that each gives back the colours that it found. One that a handler
+/// starts meanwhile stays open.
+/// @return what the first handler has thrown
+std::exception_ptr EndAlignments(CKV_ScenePaneCtrl& control) {
+    std::exception_ptr failure;  // the others end all the same
+    const auto finish = [&](CInteractionDlg& dialog) {
+        try {
+            dialog.Finish();
+        } catch (...) {
+            if (failure == nullptr) failure = std::current_exception();
+        }
+    };
+    const auto open = std::exchange(control.m_vInteractionDlgs, {});  // none is deleted before all have ended
+    if (control.m_pInteractionDlg != nullptr) finish(*control.m_pInteractionDlg);
+    for (auto dialog = open.rbegin(); dialog != open.rend(); ++dialog) finish(**dialog);
+    return failure;
+}
+
 /// The objects of cuts whose event runs have no list that ClearData() empties: they outlive the context.
 void TakePendingCutsOutOfContext(CKV_ScenePaneCtrl& control) {
     if (!control.MakeContextCurrent()) return;
@@ -174,12 +192,7 @@ int CKV_ScenePaneCtrl::OnCreate() {
 }
 
 void CKV_ScenePaneCtrl::OnDestroy() {
-    std::exception_ptr failure;  // of the host's handler: the rest is done all the same
-    try {
-        if (m_pInteractionDlg != nullptr) m_pInteractionDlg->Finish();
-    } catch (...) {
-        failure = std::current_exception();
-    }
+    const std::exception_ptr failure = EndAlignments(*this);  // the rest is done all the same
     TakePendingCutsOutOfContext(*this);
     ClearData();
     m_pWindow->DeleteContext();

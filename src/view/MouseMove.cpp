@@ -13,6 +13,11 @@ using KV_ScenePane::kMouseShift;
 
 namespace {
 
+/// The travel to this point was not for the objects of an alignment whose drag is under way.
+void PassViewDrag(CKV_ScenePaneCtrl& control, std::int32_t x, std::int32_t y) {
+    if (control.m_pInteractionDlg != nullptr) control.m_pInteractionDlg->OnViewDrag(x, y);
+}
+
 // Each of these returns whether the point becomes the last one, which the next travel counts from.
 
 /// Rotates or pans by the travel since the last point.
@@ -64,6 +69,7 @@ void DragAlignmentDelayed(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::
             control.PanView(dx, dy);
         else
             control.RotateView(dx, dy);
+        PassViewDrag(control, x, y);
     } else if (moves) {
         control.m_pInteractionDlg->OnMoveDrag(x, y);
     } else {
@@ -81,7 +87,9 @@ bool DragAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t
     // Both buttons held rotate and move at once.
     const bool flipped = control.m_nFlipMouseButtons != 0;
     if ((flags & (flipped ? kMouseRight : kMouseLeft)) != 0) control.m_pInteractionDlg->OnRotateDrag(x, y);
-    if ((flags & (flipped ? kMouseLeft : kMouseRight)) != 0) control.m_pInteractionDlg->OnMoveDrag(x, y);
+    // Tested twice: the first call may close the dialog.
+    if (control.m_pInteractionDlg != nullptr && (flags & (flipped ? kMouseLeft : kMouseRight)) != 0)
+        control.m_pInteractionDlg->OnMoveDrag(x, y);
     return true;
 }
 
@@ -91,16 +99,22 @@ bool MoveInMode(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t x,
             control.HoverOverPlane(flags, x, y);
             return false;
         case ModeRotate:
-        case ModePan:
-            return DragView(control, flags, x, y);
+        case ModePan: {
+            const bool becomesLast = DragView(control, flags, x, y);
+            PassViewDrag(control, x, y);
+            return becomesLast;
+        }
         case ModeLasso:
             return MoveInLasso(control, x, y);
         case ModeAlignInteractive:
             return DragAlignment(control, flags, x, y);
         case ModePlaneHandle:
         case ModePlaneRotate:
-        case ModePlaneMove:
-            return control.DragPlane(flags, x, y);
+        case ModePlaneMove: {
+            const bool becomesLast = control.DragPlane(flags, x, y);
+            PassViewDrag(control, x, y);
+            return becomesLast;
+        }
         case ModeMaskLasso:
             return MoveInMaskLasso(control, flags, x, y);
         default:
