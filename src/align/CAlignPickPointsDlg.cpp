@@ -132,11 +132,10 @@ void CAlignPickPointsDlg::OnInitDialog() {
 void CAlignPickPointsDlg::PostNcDestroy() {
     CKV_ScenePaneCtrl& control = *m_pControl;
     const ScopeExit close([this] { OnInteractionClosed(); });
-    AbandonMouseDrag();
     m_savedColors.Restore();
     control.ShowLassoCursor(false);
     m_nPhase = 0;
-    control.m_pWindow->ReleaseCapture();
+    AbandonMouseDrag();
     control.Fire(&KV_ScenePane::_DKV_ScenePaneEvents::AlignmentDone);
     control.RefreshControl();
 }
