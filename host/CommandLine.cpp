@@ -128,8 +128,10 @@ bool ReadGpu(std::string_view text, HostOptions& options) {
     return true;
 }
 
-bool ReadPicturePath(std::string_view text, HostOptions& options) {
-    options.picturePath = text;
+/// The name of a file; the last one counts.
+template <std::string HostOptions::*file>
+bool ReadFileName(std::string_view text, HostOptions& options) {
+    options.*file = text;
     return !text.empty();
 }
 
@@ -143,9 +145,11 @@ bool ReadPick(std::string_view text, HostOptions& options) {
     return true;
 }
 
-/// Appends to one of the lists of marker files.
-template <std::vector<std::string> HostOptions::*list>
-bool ReadMarkerFile(std::string_view text, HostOptions& options) {
+using FileList = std::vector<std::string> HostOptions::*;
+
+/// Appends to one of the lists of files.
+template <FileList list>
+bool AddFileName(std::string_view text, HostOptions& options) {
     if (text.empty()) return false;
     (options.*list).emplace_back(text);
     return true;
@@ -157,7 +161,7 @@ bool SetFlag(std::string_view, HostOptions& options) {
     return true;
 }
 
-bool SelectRun(std::string_view, HostOptions&) { return true; }
+bool AcceptSwitch(std::string_view, HostOptions&) { return true; }
 
 bool ReadCut(std::string_view text, HostOptions& options) {
     auto lasso = ParseLasso(text);
@@ -173,11 +177,6 @@ std::string CutError(std::string_view text) {
     return error == nullptr ? std::string() : error->text;
 }
 
-bool ReadExportPath(std::string_view text, HostOptions& options) {
-    options.exportPath = text;
-    return !text.empty();
-}
-
 /// The runs as bits, for the sets of runs that an option applies to.
 enum Run : unsigned {
     kWindow = 1,
@@ -189,11 +188,12 @@ enum Run : unsigned {
     kVersion = 64,
     kSaveCuts = 128,
     kExport = 256,
+    kAlign = 512,
     /// Beside the bit of a run that --cut goes with: it has a view, which it may not have without lassos.
-    kCutting = 512,
+    kCutting = 1024,
     kNoRun = 0,
     kPictures = kWindow | kScreenshot | kCapture,
-    kImports = kPictures | kPick | kInfo | kConvert | kSaveCuts | kExport,
+    kImports = kPictures | kPick | kInfo | kConvert | kSaveCuts | kExport | kAlign,
     kAllRuns = kImports | kVersion
 };
 
@@ -211,19 +211,22 @@ struct Option {
     std::string_view goesWith = {};
     /// What is wrong with an invalid value; null: the value is quoted.
     std::string (*explain)(std::string_view text) = nullptr;
+    /// Of an option without a value: the list that the file names after it belong to, up to the next option.
+    FileList files = nullptr;
 };
 
 // --help is read before all others. Of two options that select a run, a conflict names the upper one first.
 constexpr Option kOptions[] = {
     {"--pick", "X,Y, two whole numbers from 0 to 16383", kPick, kAllRuns, ReadPick},
-    {"--convert", "", kConvert, kAllRuns, SelectRun},
-    {"--save-cuts", "", kSaveCuts, kAllRuns, SelectRun},
-    {"--export", "a file name", kExport, kAllRuns, ReadExportPath},
-    {"--info", "", kInfo, kAllRuns, SelectRun},
-    {"--screenshot", "a file name", kScreenshot, kAllRuns, ReadPicturePath},
-    {"--capture", "a file name", kCapture, kAllRuns, ReadPicturePath},
-    {"--version", "", kVersion, kAllRuns, SelectRun},
-    {"--json", "", kNoRun, kInfo | kPick, SetFlag<&HostOptions::json>, "--info and --pick"},
+    {"--align", "a file name", kAlign, kAllRuns, ReadFileName<&HostOptions::pairFile>},
+    {"--convert", "", kConvert, kAllRuns, AcceptSwitch},
+    {"--save-cuts", "", kSaveCuts, kAllRuns, AcceptSwitch},
+    {"--export", "a file name", kExport, kAllRuns, ReadFileName<&HostOptions::exportPath>},
+    {"--info", "", kInfo, kAllRuns, AcceptSwitch},
+    {"--screenshot", "a file name", kScreenshot, kAllRuns, ReadFileName<&HostOptions::picturePath>},
+    {"--capture", "a file name", kCapture, kAllRuns, ReadFileName<&HostOptions::picturePath>},
+    {"--version", "", kVersion, kAllRuns, AcceptSwitch},
+    {"--json", "", kNoRun, kInfo | kPick | kAlign, SetFlag<&HostOptions::json>, "--info, --pick and --align"},
     {"--verbose", "", kNoRun, kVersion, SetFlag<&HostOptions::verbose>, "--version"},
     {"--gpu", "the number of a graphics device from 0 to 31, or software", kNoRun,
      kScreenshot | kCapture | kPick | kVersion | kCutting, ReadGpu,
@@ -241,9 +244,14 @@ constexpr Option kOptions[] = {
      kScreenshot | kSaveCuts | kCutting, ReadClip, "--screenshot, --save-cuts and --cut"},
     {"--clip-auto", "", kNoRun, kScreenshot | kInfo | kSaveCuts | kCutting, SetFlag<&HostOptions::clipAuto>,
      "--screenshot, --info, --save-cuts and --cut"},
-    {"--points", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::pointFiles>},
-    {"--lines", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::lineFiles>},
-    {"--needles", "a file name", kNoRun, kPictures, ReadMarkerFile<&HostOptions::needleFiles>},
+    {"--points", "a file name", kNoRun, kPictures, AddFileName<&HostOptions::pointFiles>},
+    {"--lines", "a file name", kNoRun, kPictures, AddFileName<&HostOptions::lineFiles>},
+    {"--needles", "a file name", kNoRun, kPictures, AddFileName<&HostOptions::needleFiles>},
+    {"--moving", "", kNoRun, kAlign, AcceptSwitch, "--align", nullptr, &HostOptions::movingFiles},
+    {"--fixed", "", kNoRun, kAlign, AcceptSwitch, "--align", nullptr, &HostOptions::fixedFiles},
+    {"--transforms", "a file name", kNoRun, kImports & ~kWindow, ReadFileName<&HostOptions::transformFile>,
+     "--screenshot, --capture, --pick, --info, --convert, --save-cuts, --export and --align"},
+    {"--save-transforms", "a file name", kNoRun, kAlign, ReadFileName<&HostOptions::savedTransforms>, "--align"},
     {"--skip", "a whole number from 1 to 32767", kNoRun, kImports, ReadSkip},
     {"--confidence", "a number", kNoRun, kImports, ReadConfidence},
     {"--color", "six hexadecimal digits RRGGBB", kNoRun, kImports, ReadColor},
@@ -284,6 +292,17 @@ std::string MisplacedOption(const GivenOptions& given, const Option* selecting, 
     return {};
 }
 
+/// The message about the files of --align; empty when there are some of both kinds and no others.
+std::string WrongAlignFiles(const HostOptions& options) {
+    if (!options.files.empty()) return options.files.front() + ": --align needs every file after --moving or --fixed";
+    if (options.movingFiles.empty()) return "--align needs at least one file after --moving";
+    if (options.fixedFiles.empty()) return "--align needs at least one file after --fixed";
+    for (const std::string& file : options.movingFiles)
+        if (std::ranges::find(options.fixedFiles, file) != options.fixedFiles.end())
+            return file + " is after --moving and after --fixed";
+    return {};
+}
+
 /// The message about a number of files that the run cannot work with; empty for a good one.
 std::string WrongFiles(const HostOptions& options, Run run) {
     const bool hasMarks = !options.lineFiles.empty() || !options.needleFiles.empty();
@@ -299,6 +318,7 @@ std::string WrongFiles(const HostOptions& options, Run run) {
         const std::string reason = ExportRefusal(options.exportPath);
         return reason.empty() ? "" : options.exportPath + ": " + reason;
     }
+    if (run == kAlign) return WrongAlignFiles(options);
     if (!options.files.empty()) return {};
     if (run == kSaveCuts) return "--save-cuts needs at least one file";
     if (run == kInfo) return "--info needs at least one file";
@@ -356,6 +376,8 @@ HostAction ActionOf(const GivenOptions& given) {
             return HostAction::SaveCuts;
         case kExport:
             return HostAction::Export;
+        case kAlign:
+            return HostAction::Align;
         case kVersion:
             return HostAction::Version;
         default:
@@ -402,13 +424,14 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
     HostOptions options;
     GivenOptions given;
     bool optionsEnded = false;
+    FileList files = &HostOptions::files;
     const bool verbose = HasSwitch(arguments, "--verbose");
     // Options and files may be mixed; "--" ends the options.
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string_view argument = arguments[i];
         if (optionsEnded || argument.empty() || argument.front() != '-') {
             if (argument.empty()) return UsageError{"a file name is empty"};
-            options.files.emplace_back(argument);
+            (options.*files).emplace_back(argument);
             continue;
         }
         if (argument == "--") {
@@ -422,6 +445,7 @@ std::variant<HostOptions, UsageError> ParseCommandLine(const std::vector<std::st
             return options;
         }
         if (auto error = ReadOption(arguments, i, options, given)) return *error;
+        files = given.back()->files != nullptr ? given.back()->files : &HostOptions::files;
     }
     // All options are known now: their combination is checked, and the run follows from them.
     if (const std::string text = Conflict(options, given); !text.empty()) return UsageError{text};

@@ -29,6 +29,8 @@ enum class HostAction {
     SaveCuts,
     /// Cuts the object of one file and writes it in another format.
     Export,
+    /// Moves files onto others by pairs of points, and prints the transform.
+    Align,
     Help,
     Version
 };
@@ -69,7 +71,15 @@ struct HostOptions {
     std::vector<PickPixel> picks;
     /// Files of markers that the window, Screenshot and Capture add to the scene; bytes, as typed, in their order.
     std::vector<std::string> pointFiles, lineFiles, needleFiles;
-    /// Info and Pick print JSON.
+    /// The pairs of points of Align, the files that they move and the files that stay; bytes, as typed. Only Align has
+    /// them, and it has at least one of each, and no others in files.
+    std::string pairFile;
+    std::vector<std::string> movingFiles, fixedFiles;
+    /// Transforms that replace those of the files after their import, or empty; bytes, as typed.
+    std::string transformFile;
+    /// Where Align writes the transforms of all its files, or empty; bytes, as typed.
+    std::string savedTransforms;
+    /// Info, Pick and Align print JSON.
     bool json = false;
     /// What draws Screenshot, Capture, Pick, lassos and the verbose Version: as WindowRequest::gpu.
     int gpu = KV_ScenePane::WindowRequest::kAnyGpu;

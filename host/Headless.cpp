@@ -8,6 +8,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -93,7 +94,9 @@ int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const SceneReport report = ImportFiles(*pane, options, err);
+    const std::optional<SceneReport> imported = ImportScene(*pane, options, err);
+    if (!imported) return kExitFailure;
+    const SceneReport& report = *imported;
     const MarkerReport markers = AddMarkers(*pane, options, showsPoints, err);
     // An older picture at that path stays when there is nothing to replace it by.
     const auto refuse = [&](const std::string& reason) {
@@ -170,13 +173,14 @@ int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const SceneReport report = ImportFiles(*pane, options, err);
+    const std::optional<SceneReport> report = ImportScene(*pane, options, err);
+    if (!report) return kExitFailure;
     ShowView(*pane, options);
-    const std::vector<PickReport> picks = Pick(*pane, options, report.objects);
+    const std::vector<PickReport> picks = Pick(*pane, options, report->objects);
     const int printed = PrintResult(options.json ? PickJson(picks) : PickText(picks), out, err);
     if (printed != kExitGood) return printed;
     const bool hasHit = std::ranges::any_of(picks, [](const PickReport& pick) { return pick.hit.has_value(); });
-    return hasHit && report.failed.empty() ? kExitGood : kExitFailure;
+    return hasHit && report->failed.empty() ? kExitGood : kExitFailure;
 }
 
 // The version first: it is printed also where nothing can draw.
@@ -204,7 +208,9 @@ int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(kind, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    SceneReport report = ImportFiles(*pane, options, err);
+    std::optional<SceneReport> imported = ImportScene(*pane, options, err);
+    if (!imported) return kExitFailure;
+    SceneReport& report = *imported;
     if (isCut) ShowView(*pane, options);
     bool isPlaced = false;
     try {
@@ -228,9 +234,9 @@ int RunConvert(const HostOptions& options, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const SceneReport report = ImportFiles(*pane, options, err);
-    if (report.objects.empty()) return kExitFailure;
-    const ExportResult result = ExportObject(pane->Methods(), report.objects.front().index, options.exportPath);
+    const std::optional<SceneReport> report = ImportScene(*pane, options, err);
+    if (!report || report->objects.empty()) return kExitFailure;
+    const ExportResult result = ExportObject(pane->Methods(), report->objects.front().index, options.exportPath);
     if (!result.text.empty())
         PrintError(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
     return result.written ? kExitGood : kExitFailure;

@@ -8,12 +8,14 @@
 
 /// Exit status of a run.
 inline constexpr int kExitGood = 0;  ///< every file added what it holds and all results were written
-/// A file added nothing, a result could not be written, no pick hit, no clip height was found, or no lasso has changed
-/// an object.
+/// A file added nothing, a result could not be written, no pick hit, no clip height was found, no lasso has changed an
+/// object, stored transforms could not be read or belong to no file, or pairs of points gave no transform.
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 
-// All runs return an exit status and write one line for each failure to err: "scenepane: FILE: REASON".
+// All runs return an exit status and write one line for each failure to err: "scenepane: FILE: REASON". Runs that
+// import files apply the transforms of options.transformFile to them first; when these cannot be read, or belong to
+// none of the files, the run ends without a result.
 
 /// Renders the files and markers into options.picturePath, as a window of that size shows them, clipped by the plane of
 /// the options and cut by its lassos. Without an object and without a marker no picture is written, nor when the plane
@@ -41,6 +43,12 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 /// Imports the one file of the options, cuts its object by the lassos and writes what is left to options.exportPath.
 /// Nothing is written when no lasso has changed it.
 [[nodiscard]] int RunExport(const HostOptions& options, std::FILE* err);
+
+/// Moves the moving files of the options onto the fixed ones by the pairs of options.pairFile, and prints the transform
+/// and the residuals to @p out. Needs no OpenGL. With options.savedTransforms the transforms of all files after that
+/// are written; not when a file could not be imported. Without a transform, and without an object that it moves,
+/// nothing is printed or written.
+[[nodiscard]] int RunAlign(const HostOptions& options, std::FILE* out, std::FILE* err);
 
 /// Prints the version to @p out, and with options.verbose what draws pictures without a window.
 [[nodiscard]] int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err);

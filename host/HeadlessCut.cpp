@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -88,7 +89,9 @@ int RunSaveCuts(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(PaneKind(options), options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const SceneReport report = ImportFiles(*pane, options, err);
+    const std::optional<SceneReport> imported = ImportScene(*pane, options, err);
+    if (!imported) return kExitFailure;
+    const SceneReport& report = *imported;
     std::string refusal = CutScene(*pane, options, report, err);
     std::vector<CutSaveEntry> entries = pane->PlanCutSave();
     if (refusal.empty()) refusal = MovedRefusal(entries, err);
@@ -105,14 +108,14 @@ int RunExport(const HostOptions& options, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(PaneKind(options), options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const SceneReport report = ImportFiles(*pane, options, err);
-    if (report.objects.empty()) return kExitFailure;
-    const std::string refusal = CutScene(*pane, options, report, err);
+    const std::optional<SceneReport> report = ImportScene(*pane, options, err);
+    if (!report || report->objects.empty()) return kExitFailure;
+    const std::string refusal = CutScene(*pane, options, *report, err);
     if (!refusal.empty()) {
         PrintError(err, options.exportPath + ": not written, " + refusal);
         return kExitFailure;
     }
-    const ExportResult result = ExportObject(pane->Methods(), report.objects.front().index, options.exportPath);
+    const ExportResult result = ExportObject(pane->Methods(), report->objects.front().index, options.exportPath);
     if (!result.text.empty())
         PrintError(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
     return result.written ? kExitGood : kExitFailure;

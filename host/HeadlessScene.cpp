@@ -10,6 +10,8 @@
 #include "DebugCapture.h"
 #include "FileImport.h"
 #include "Headless.h"
+#include "PaintBlock.h"
+#include "TransformFile.h"
 
 namespace {
 
@@ -53,12 +55,12 @@ std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions&
     return pane;
 }
 
-SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const ImportSettings& settings,
+                 SceneReport& report, std::FILE* err) {
     KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
-    ApplySettings(methods, options.import);
-    SceneReport report;
-    for (const std::string& file : options.files) {
-        const ImportResult result = ImportFile(methods, file, options.import.color);
+    ApplySettings(methods, settings);
+    for (const std::string& file : files) {
+        const ImportResult result = ImportFile(methods, file, settings.color);
         if (result.state == ImportResult::State::Added) {
             const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
             report.objects.push_back(ReportObject(pane, index, file));
@@ -67,7 +69,40 @@ SceneReport ImportFiles(ScenePane& pane, const HostOptions& options, std::FILE* 
         }
         if (!result.text.empty()) PrintError(err, file + ": " + result.text + HintAbout(result));
     }
-    return report;
+}
+
+bool ApplyTransforms(ScenePane& pane, const HostOptions& options, SceneReport& report, std::FILE* err) {
+    const std::string& path = options.transformFile;
+    if (path.empty()) return true;
+    std::vector<StoredTransform> entries;
+    std::string reason;
+    if (!ReadTransformFile(path, &entries, &reason)) {
+        PrintError(err, path + ": " + reason);
+        return false;
+    }
+    std::vector<std::string> files(report.objects.size());
+    std::ranges::transform(report.objects, files.begin(), &ObjectReport::file);
+    const TransformMatch match = MatchTransforms(path, entries, files);
+    if (!match.HasAny()) {
+        PrintError(err, path + ": holds no transform for any of the files");
+        return false;
+    }
+    for (const std::string& line : UnmatchedLines(match, entries, files)) PrintError(err, path + ": " + line);
+    const PaintBlock block(pane.Methods());
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (!match.entryOfObject[i]) continue;
+        ObjectReport& object = report.objects[i];
+        const auto index = static_cast<std::int16_t>(object.index);
+        SetTransformOf(pane.Methods(), index, entries[*match.entryOfObject[i]].matrix);
+        object = ReportObject(pane, index, object.file);
+    }
+    return true;
+}
+
+std::optional<SceneReport> ImportScene(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+    SceneReport report;
+    ImportFiles(pane, options.files, options.import, report, err);
+    return ApplyTransforms(pane, options, report, err) ? std::optional(std::move(report)) : std::nullopt;
 }
 
 void ShowView(ScenePane& pane, const HostOptions& options) {

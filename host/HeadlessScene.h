@@ -4,6 +4,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,7 +23,19 @@
                                                                 const HostOptions& options, std::FILE* err);
 
 /// Imports the files in their order and prints a line for each that failed, or that the viewer had a message about.
-[[nodiscard]] SceneReport ImportFiles(KV_ScenePane::ScenePane& pane, const HostOptions& options, std::FILE* err);
+/// Adds what came of them to @p report.
+void ImportFiles(KV_ScenePane::ScenePane& pane, const std::vector<std::string>& files, const ImportSettings& settings,
+                 SceneReport& report, std::FILE* err);
+
+/// Replaces the transforms of the imported objects by those of options.transformFile, if the options have one, and
+/// updates their reports. Prints a line about entries and objects that do not belong together.
+/// @return false when the file cannot be read, or when no object has an entry; a line says so
+[[nodiscard]] bool ApplyTransforms(KV_ScenePane::ScenePane& pane, const HostOptions& options, SceneReport& report,
+                                   std::FILE* err);
+
+/// ImportFiles() of all files of the options, then ApplyTransforms(). @return empty when that returned false
+[[nodiscard]] std::optional<SceneReport> ImportScene(KV_ScenePane::ScenePane& pane, const HostOptions& options,
+                                                     std::FILE* err);
 
 /// The direction of the view, then the fit, which depends on it.
 void ShowView(KV_ScenePane::ScenePane& pane, const HostOptions& options);

@@ -1,26 +1,20 @@
 // Reader and writer of needle files, and the way of their needles into a viewer.
 #include "NeedleFile.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <stdexcept>
-#include <system_error>
 
+#include "JsonFile.h"
 #include "PaintBlock.h"
-#include "SceneFile.h"
 #include "SceneReport.h"
-#include "files/AtomicFile.h"
-#include "files/RegularFile.h"
 
 namespace {
 
 constexpr std::string_view kFormat = "scenepane needles";
+constexpr const char* kKind = "needles";
 constexpr int kVersion = 1;
 
 /// Where a key of an entry is stored; exactly one of the pointers is set.
@@ -45,37 +39,6 @@ constexpr Field kFields[] = {
     {"hitPointColor", nullptr, nullptr, &NeedleLook::hitPointColor},
     {"headSelectionColor", nullptr, nullptr, &NeedleLook::headSelectionColor},
 };
-
-/// Calls @p work; the reasons of its failures begin with the place.
-template <class Work>
-void At(const std::string& place, const Work& work) {
-    try {
-        work();
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(place + ": " + error.what());
-    }
-}
-
-double ToNumber(const QJsonValue& value) {
-    if (!value.isDouble()) throw std::runtime_error("not a number");
-    return value.toDouble();
-}
-
-std::string ToText(const QJsonValue& value) {
-    if (!value.isString()) throw std::runtime_error("not a text");
-    return value.toString().toStdString();
-}
-
-QJsonArray ToArray(const QJsonValue& value) {
-    if (!value.isArray()) throw std::runtime_error("not an array");
-    return value.toArray();
-}
-
-float ToFloat(const QJsonValue& value) {
-    const auto number = static_cast<float>(ToNumber(value));
-    if (!std::isfinite(number)) throw std::runtime_error("the number is out of range");
-    return number;
-}
 
 float CheckedSize(const Field& field, float size) {
     if (size < 0 && !field.canBeNegative) throw std::runtime_error("the size is negative");
@@ -109,18 +72,6 @@ std::int32_t ToColor(const QJsonValue& value) {
     return static_cast<std::int32_t>((rgb >> 16) | (rgb & 0xFF00) | ((rgb & 0xFF) << 16));
 }
 
-/// Calls @p read with the value of a key, or not at all when the key is neither there nor needed.
-template <class Read>
-void ReadKey(const QJsonObject& object, const char* key, bool isNeeded, const Read& read) {
-    At(std::string("key \"").append(key).append("\""), [&] {
-        const QJsonValue value = object[QLatin1String(key)];
-        if (!value.isUndefined())
-            read(value);
-        else if (isNeeded)
-            throw std::runtime_error("is missing");
-    });
-}
-
 NeedleMark ReadEntry(const QJsonValue& entry) {
     if (!entry.isObject()) throw std::runtime_error("not an object");
     const QJsonObject object = entry.toObject();
@@ -144,42 +95,22 @@ void CheckIds(const std::vector<NeedleMark>& marks) {
     if (twice != ids.end()) throw std::runtime_error("two needles have the id " + std::to_string(*twice));
 }
 
-/// @throws std::runtime_error that names the line, if the text is not JSON
-QJsonObject ParseObject(const QByteArray& text) {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
-    if (error.error != QJsonParseError::NoError) {
-        const auto line = 1 + text.first(std::min<qsizetype>(error.offset, text.size())).count('\n');
-        throw std::runtime_error("line " + std::to_string(line) + ": " + error.errorString().toStdString());
-    }
-    if (!document.isObject()) throw std::runtime_error("not a file of needles");
-    return document.object();
-}
-
-/// The shortest text of the number as a double: other readers of JSON read doubles, and their floats are these bits.
-std::string JsonNumber(float value) {
-    if (!std::isfinite(value)) throw std::runtime_error("a number is not finite");
-    std::array<char, 32> text{};
-    char* const end = std::to_chars(text.begin(), text.end(), static_cast<double>(value)).ptr;
-    return {text.data(), end};
-}
-
 std::string JsonNeedle(const NeedleMark& mark) {
     std::string json = "{\"id\": " + std::to_string(mark.id);
     for (const Field& field : kFields) {
         json.append(", \"").append(field.key).append("\": ");
         if (field.position != nullptr) {
             const auto& [x, y, z] = mark.*field.position;
-            json += '[' + JsonNumber(x) + ", " + JsonNumber(y) + ", " + JsonNumber(z) + ']';
+            json += '[' + JsonDouble(x) + ", " + JsonDouble(y) + ", " + JsonDouble(z) + ']';
         }
-        if (field.size != nullptr) json += JsonNumber(CheckedSize(field, mark.look.*field.size));
+        if (field.size != nullptr) json += JsonDouble(CheckedSize(field, mark.look.*field.size));
         if (field.color != nullptr) json += "\"#" + ColorText(mark.look.*field.color) + '"';
     }
     return json + '}';
 }
 
 /// @throws std::runtime_error that names the needle that cannot be written
-std::string JsonFile(const std::vector<NeedleMark>& marks) {
+std::string JsonOf(const std::vector<NeedleMark>& marks) {
     if (marks.size() > kMaxNeedlesInFile) throw std::runtime_error("there are too many needles");
     std::string json = "{\"format\": \"";
     json.append(kFormat).append("\", \"version\": ").append(std::to_string(kVersion)).append(", \"needles\": [");
@@ -190,13 +121,6 @@ std::string JsonFile(const std::vector<NeedleMark>& marks) {
     return json + "\n]}\n";
 }
 
-std::string ReadWholeFile(const std::string& path) {
-    const FileStorage::RegularFile file(path);
-    if (file.Size() > kMaxNeedleFileSize) throw std::runtime_error("the file is too large for a file of needles");
-    const std::vector<std::byte> bytes = file.ReadWhole();
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 bool HasNeedle(KV_ScenePane::_DKV_ScenePane& methods, std::int32_t id) {
     std::array<float, 6> p{};
     return methods.GetNeedle(id, &p[0], &p[1], &p[2], &p[3], &p[4], &p[5]) != KV_ScenePane::kVariantFalse;
@@ -205,7 +129,7 @@ bool HasNeedle(KV_ScenePane::_DKV_ScenePane& methods, std::int32_t id) {
 }  // namespace
 
 std::vector<NeedleMark> ParseNeedles(std::string_view text) {
-    const QJsonObject file = ParseObject(QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size())));
+    const QJsonObject file = ParseJsonObject(text, kKind);
     ReadKey(file, "format", true, [](const QJsonValue& value) {
         if (ToText(value) != kFormat) throw std::runtime_error("not a file of needles");
     });
@@ -225,7 +149,7 @@ std::vector<NeedleMark> ParseNeedles(std::string_view text) {
 
 bool ReadNeedleFile(const std::string& path, std::vector<NeedleMark>* marks, std::string* reason) {
     try {
-        *marks = ParseNeedles(ReadWholeFile(path));
+        *marks = ParseNeedles(ReadJsonFile(path, kMaxNeedleFileSize, kKind));
         return true;
     } catch (const std::runtime_error& error) {
         *reason = error.what();
@@ -234,20 +158,8 @@ bool ReadNeedleFile(const std::string& path, std::vector<NeedleMark>* marks, std
 }
 
 bool WriteNeedleFile(const std::string& path, const std::vector<NeedleMark>& marks, std::string* reason) {
-    try {
-        const std::string json = JsonFile(marks);
-        FileStorage::AtomicFile file(path);
-        file.WriteAt(0, json.data(), json.size());
-        file.Commit();
-        return true;
-    } catch (const std::system_error& error) {
-        // Folder or file: the error number alone does not say which of them is the cause.
-        const std::string refusal = WriteRefusal(path);
-        *reason = refusal.empty() ? strerrordesc_np(error.code().value()) : refusal;
-    } catch (const std::runtime_error& error) {
-        *reason = error.what();
-    }
-    return false;
+    return WriteJsonFile(
+        path, [&] { return JsonOf(marks); }, reason);
 }
 
 void SetNeedleLook(KV_ScenePane::_DKV_ScenePane& methods, const NeedleLook& look) {

@@ -1,5 +1,5 @@
-// Text and JSON of a scene and of picks. Numbers are written by std::to_chars, whose result does not depend on the
-// locale.
+// Text and JSON of a scene, of picks and of an alignment. Numbers are written by std::to_chars, whose result does not
+// depend on the locale.
 #include "SceneReport.h"
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "CutOption.h"
+#include "JsonText.h"
 #include "KV_ScenePane/PathText.h"
 
 namespace {
@@ -19,27 +20,6 @@ std::string HexText(std::uint32_t value, int digits) {
     for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += "0123456789abcdef"[(value >> shift) & 0xF];
     return text;
 }
-
-/// A JSON string of UTF-8. A byte of a name that is not UTF-8 is a lone surrogate in the wide text (PathText.h).
-std::string JsonString(std::wstring_view text) {
-    std::string json = "\"";
-    for (const wchar_t character : text) {
-        const auto c = static_cast<std::uint32_t>(character);
-        if (c == '"' || c == '\\') {
-            json += '\\';
-            json += static_cast<char>(c);
-        } else if (c == '\n') {
-            json += "\\n";
-        } else if (c < 0x20 || c == 0x7F || (c >= 0xD800 && c <= 0xDFFF)) {
-            json += "\\u" + HexText(c, 4);
-        } else {
-            json += KV_ScenePane::PathBytes({&character, 1});
-        }
-    }
-    return json + '"';
-}
-
-std::string JsonString(std::string_view bytes) { return JsonString(KV_ScenePane::WidePath(bytes)); }
 
 /// JSON has no NaN and no infinity.
 std::string JsonNumber(float value) { return std::isfinite(value) ? NumberText(value) : "null"; }
@@ -236,6 +216,32 @@ std::string PickJson(const std::vector<PickReport>& picks) {
     std::string json = "{\"picks\":[";
     for (const PickReport& pick : picks) json.append(&pick == picks.data() ? "" : ",").append(JsonPick(pick));
     return json + "]}\n";
+}
+
+std::string AlignmentText(const KV_ScenePane::AlignmentResult& result) {
+    const auto number = [](double value) { return JsonDouble(value); };
+    std::string text;
+    for (std::size_t row = 0; row < 4; ++row) {
+        text += row == 0 ? "transform     " : "              ";
+        for (std::size_t column = 0; column < 4; ++column) text += ' ' + number(result.transform[4 * row + column]);
+        text += '\n';
+    }
+    for (std::size_t i = 0; i < result.residuals.size(); ++i) {
+        std::string label = "residual " + std::to_string(i + 1);
+        label.resize(std::max<std::size_t>(label.size() + 1, 15), ' ');
+        text += label + number(result.residuals[i]) + '\n';
+    }
+    return text + "rms            " + number(result.rms) + '\n';
+}
+
+std::string AlignmentJson(const KV_ScenePane::AlignmentResult& result) {
+    const auto array = [](std::span<const double> values) {
+        std::string json = "[";
+        for (const double value : values) json.append(json.size() > 1 ? "," : "").append(JsonDouble(value));
+        return json + ']';
+    };
+    return "{\"transform\":" + array(result.transform) + ",\"residuals\":" + array(result.residuals) +
+           ",\"rms\":" + JsonDouble(result.rms) + "}\n";
 }
 
 std::string ColorText(std::int32_t color) {

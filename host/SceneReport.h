@@ -1,4 +1,5 @@
-// The output of --info and --pick: the objects of a scene, and surface points of them, as text and as JSON.
+// The output of --info, --pick and --align: the objects of a scene, surface points of them, and what moves objects onto
+// others, as text and as JSON.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -88,6 +89,11 @@ struct PickReport {
 /// One JSON object on one line, in UTF-8; numbers and names as in ReportJson(). A pick without a hit has the object -1
 /// and neither file, triangle, point nor distance.
 [[nodiscard]] std::string PickJson(const std::vector<PickReport>& picks);
+
+/// The transform by rows, then the residual of each pair, then their root mean square; ends with a line feed.
+[[nodiscard]] std::string AlignmentText(const KV_ScenePane::AlignmentResult& result);
+/// One JSON object on one line. Numbers have the digits that are needed to read back the same double.
+[[nodiscard]] std::string AlignmentJson(const KV_ScenePane::AlignmentResult& result);
 
 /// A packed colour 0x00BBGGRR as RRGGBB.
 [[nodiscard]] std::string ColorText(std::int32_t color);

@@ -32,8 +32,8 @@ inline constexpr double kRotationTolerance = 1e-5;
 /// Largest amount of a translation along an axis that is read, scene units.
 inline constexpr float kMaxTranslation = 1e9f;
 
-/// Reads the content of a file of transforms. Transforms are as in the file: the viewer's own rounding of a rotation
-/// comes later.
+/// Reads the content of a file of transforms. Only rigid motions are accepted, because the viewer would replace
+/// anything else by one without a message.
 /// @throws std::runtime_error with one line of text: the line of a text that is not JSON, otherwise the entry (from 1)
 ///         and the key
 [[nodiscard]] std::vector<StoredTransform> ParseTransforms(std::string_view text);
@@ -54,6 +54,11 @@ inline constexpr float kMaxTranslation = 1e9f;
 [[nodiscard]] bool WriteTransformFile(const std::string& path, const std::vector<StoredTransform>& transforms,
                                       std::string* reason);
 
+/// The absolute path of an entry.
+/// @param transformFile  path of the file that the entry was read from
+/// @param file           StoredTransform::file of the entry
+[[nodiscard]] std::string StoredPath(const std::string& transformFile, const std::string& file);
+
 /// Which entry belongs to which object.
 struct TransformMatch {
     /// Per object the position of its entry; empty for an object without one.
@@ -66,16 +71,15 @@ struct TransformMatch {
 };
 
 /// Finds the entry of each object. An entry belongs to the object that was opened from the same path. Where no object
-/// has the path of an entry, its file name alone decides, if neither two entries nor two objects that are left have
-/// that name in different folders. Of a file that was opened several times the first object gets the first entry of
+/// has the path of an entry, its file name alone decides, unless entries or objects that are left have that name in
+/// different folders. Of a file that was opened several times the first object gets the first entry of
 /// that file, and so on. Paths are compared as text, after "." and ".." are taken out of them; no file is looked at.
 /// @param transformFile  path of the file that the entries were read from
 /// @param objectFiles    per object the path that it was opened with; empty for an object without a file
 [[nodiscard]] TransformMatch MatchTransforms(const std::string& transformFile, std::span<const StoredTransform> entries,
                                              std::span<const std::string> objectFiles);
 
-/// One line for each entry without an object and for each object without an entry, in this order; without the name of
-/// the file of transforms.
+/// At most two lines: the entries without an object, and the objects without an entry. Of each the first names.
 [[nodiscard]] std::vector<std::string> UnmatchedLines(const TransformMatch& match,
                                                       std::span<const StoredTransform> entries,
                                                       std::span<const std::string> objectFiles);

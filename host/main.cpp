@@ -40,6 +40,8 @@ int Run(int argc, char** argv) {
             return RunSaveCuts(options, stdout, stderr);
         case HostAction::Export:
             return RunExport(options, stderr);
+        case HostAction::Align:
+            return RunAlign(options, stdout, stderr);
         case HostAction::Window:
             break;
     }
