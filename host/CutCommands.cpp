@@ -78,7 +78,10 @@ void CutCommands::Cancel() {
     if (m_way) OnLassoEnded(-1);  // the viewer had ended it before
 }
 
-void CutCommands::OnCutAboutToApply() { m_vSteps.push_back(m_objects.Rows()); }
+void CutCommands::OnCutAboutToApply() {
+    m_vSteps.push_back(m_objects.Rows());
+    emit AboutToReplaceObjects();
+}
 
 void CutCommands::OnLassoEnded(int objects) {
     m_way.reset();
@@ -101,6 +104,7 @@ void CutCommands::OnLassoEnded(int objects) {
 void CutCommands::Undo() {
     if (m_pViewer == nullptr || m_way || UndoSteps() == 0) return;
     const std::vector<ObjectRow> before = m_objects.Rows();
+    emit AboutToReplaceObjects();
     {
         const PaintBlock block(m_pViewer->Methods());  // one frame, with the visibility that the list shows
         (void)m_pViewer->Methods().PerformUndo();
@@ -122,7 +126,10 @@ std::vector<ObjectRow> CutCommands::TakeStep() {
     m_vSteps.pop_back();
     const std::vector<ObjectRow> now = m_objects.Rows();
     for (ObjectRow& row : rows) {
-        if (const ObjectRow* const present = RowOf(now, row.id)) row.isVisible = present->isVisible;
+        const ObjectRow* const present = RowOf(now, row.id);
+        if (present == nullptr) continue;
+        row.isVisible = present->isVisible;
+        row.mayMove = present->mayMove;
     }
     return rows;
 }

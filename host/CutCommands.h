@@ -60,7 +60,9 @@ public:
 signals:
     /// A lasso was started or has ended, or the cuts, the undo steps or what is saved have changed.
     void Changed();
-    /// The list shows the objects after a cut or an undo.
+    /// A cut or an undo will replace objects; the viewer still has those of before.
+    void AboutToReplaceObjects();
+    /// The list shows the objects after a cut or an undo. Painting is blocked during an undo.
     /// @param newIndex  of each object of before; -1 when it is gone
     void ObjectsReplaced(const std::vector<int>& newIndex);
     /// What the user must know, one or several lines. The last one is a summary.
@@ -96,7 +98,7 @@ private:
     void ShowObjects(std::vector<ObjectRow> rows);
     /// After an undo and before the ledger follows it: what became of the objects. @param before  the rows before it
     [[nodiscard]] QString UndoText(const std::vector<ObjectRow>& before) const;
-    /// Rows of the viewer's newest undo step, with the visibility that each object has now.
+    /// Rows of the viewer's newest undo step, with the check marks that each object has now.
     [[nodiscard]] std::vector<ObjectRow> TakeStep();
     void ApplyColors();
 

@@ -1,10 +1,11 @@
-// One row per object: check mark and name, colour button, counts, bounding box.
+// One row per object: check mark and name, whether it may move, colour button, counts, bounding box.
 #include "ObjectList.h"
 
 #include <QAction>
 #include <QHeaderView>
 #include <QKeySequence>
 #include <QScrollBar>
+#include <algorithm>
 
 #include "ColorButton.h"
 #include "KV_ScenePane/PathText.h"
@@ -32,20 +33,45 @@ QString BoxText(const std::array<float, 6>& box) {
 
 ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setColumnCount(kColumnCount);
-    setHeaderLabels({tr("Object"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
+    setHeaderLabels({tr("Object"), tr("May move"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
+    headerItem()->setToolTip(kMayMove,
+                             tr("Whether alignments move the object. \"moved\": it is not where it was imported"));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    // Fires for every column of a row; the check mark is in the column of the name.
+    // Fires for every column of a row; two of them have check marks.
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
         if (column == kName) emit VisibilityWanted(indexOfTopLevelItem(item), item->checkState(kName) == Qt::Checked);
+        if (column == kMayMove) emit MayMoveChanged();
     });
+    MakeActions();
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void ObjectList::MakeActions() {
     auto* remove = new QAction(tr("&Delete"), this);
     remove->setShortcut(QKeySequence::Delete);
     remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);  // Delete is a key of the viewer too
     connect(remove, &QAction::triggered, this, &ObjectList::DeleteSelected);
     addAction(remove);
-    setContextMenuPolicy(Qt::ActionsContextMenu);
+    auto* const separator = new QAction(this);
+    separator->setSeparator(true);
+    addAction(separator);
+    // In terms of the current row: the objects that move are often all but one, or only one.
+    const auto add = [this](const QString& text, const char* name, bool current, bool others) {
+        auto* const action = new QAction(text, this);
+        action->setObjectName(name);
+        connect(action, &QAction::triggered, this, [this, current, others] {
+            std::vector<bool> mayMove(static_cast<std::size_t>(topLevelItemCount()), others);
+            const int row = indexOfTopLevelItem(currentItem());
+            if (row >= 0) mayMove[static_cast<std::size_t>(row)] = current;
+            SetMayMove(mayMove);
+        });
+        addAction(action);
+    };
+    add(tr("&Only this object may move"), "onlyThisMayMove", true, false);
+    add(tr("All &others may move"), "allOthersMayMove", false, true);
+    add(tr("&No object may move"), "noneMayMove", false, false);
 }
 
 void ObjectList::AddObject(const ObjectReport& object) {
@@ -60,6 +86,7 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
     item->setText(kName, FileNameOf(path));
     item->setToolTip(kName, PlainToolTip(QString::fromStdString(KV_ScenePane::PathBytes(path))));
     item->setCheckState(kName, row.isVisible ? Qt::Checked : Qt::Unchecked);
+    item->setCheckState(kMayMove, row.mayMove ? Qt::Checked : Qt::Unchecked);
     item->setData(kName, kIdRole, row.id);
     item->setData(kName, kFileRole, QByteArray::fromStdString(row.file));
     item->setData(kName, kVerticesRole, object.vertices);
@@ -89,7 +116,8 @@ std::vector<ObjectRow> ObjectList::Rows() const {
         rows.push_back({.id = item.data(kName, kIdRole).toInt(),
                         .file = item.data(kName, kFileRole).toByteArray().toStdString(),
                         .isVisible = item.checkState(kName) == Qt::Checked,
-                        .vertices = item.data(kName, kVerticesRole).toInt()});
+                        .vertices = item.data(kName, kVerticesRole).toInt(),
+                        .mayMove = item.checkState(kMayMove) == Qt::Checked});
     }
     return rows;
 }
@@ -115,6 +143,42 @@ void ObjectList::ShowColor(int index, std::int32_t packed) {
 bool ObjectList::IsHidden(int index) const {
     const QTreeWidgetItem* const item = topLevelItem(index);
     return item != nullptr && item->checkState(kName) != Qt::Checked;
+}
+
+std::vector<int> ObjectList::MovingRows() const {
+    std::vector<int> rows;
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        if (topLevelItem(i)->checkState(kMayMove) == Qt::Checked) rows.push_back(i);
+    }
+    return rows;
+}
+
+void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
+    bool hasChanged = false;
+    {
+        const QSignalBlocker quiet(this);
+        for (int i = 0; i < topLevelItemCount(); ++i) {
+            const Qt::CheckState state = mayMove.at(static_cast<std::size_t>(i)) ? Qt::Checked : Qt::Unchecked;
+            hasChanged = hasChanged || topLevelItem(i)->checkState(kMayMove) != state;
+            topLevelItem(i)->setCheckState(kMayMove, state);
+        }
+    }
+    if (hasChanged) emit MayMoveChanged();
+}
+
+void ObjectList::ShowPlace(int index, const std::array<float, 6>& box, bool isMoved) {
+    const QSignalBlocker quiet(this);
+    QTreeWidgetItem& item = *topLevelItem(index);
+    item.setText(kMayMove, isMoved ? tr("moved") : QString());
+    item.setText(kBox, item.data(kName, kVerticesRole).toInt() > 0 ? BoxText(box) : QString());
+}
+
+QModelIndex ObjectList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    // Where whole rows are selected Qt scrolls instead, and the check marks beside the first are for the mouse only.
+    const int step = action == MoveLeft ? -1 : action == MoveRight ? 1 : 0;
+    const QModelIndex current = currentIndex();
+    if (step == 0 || !current.isValid()) return QTreeWidget::moveCursor(action, modifiers);
+    return current.siblingAtColumn(std::clamp(current.column() + step, 0, kColumnCount - 1));
 }
 
 void ObjectList::DeleteSelected() {

@@ -1,6 +1,7 @@
 // The objects of the scene as a list. The position of a row is the index of its object in the viewer.
 #pragma once
 #include <QTreeWidget>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -13,14 +14,15 @@ struct ObjectRow {
     std::string file;  ///< that it came from; bytes
     bool isVisible = true;
     std::int32_t vertices = 0;
+    bool mayMove = false;  ///< in an alignment
 };
 
-/// Check mark (visibility), name, colour button, counts and bounding box per object; the Delete key deletes the current
-/// one.
+/// Check mark (visibility), name, whether an alignment may move it, colour button, counts and bounding box per object.
+/// The Delete key deletes the current one; the left and right arrow keys change the column, Space its check mark.
 class ObjectList : public QTreeWidget {
     Q_OBJECT
 public:
-    enum Column { kName, kColor, kVertices, kTriangles, kBox, kColumnCount };
+    enum Column { kName, kMayMove, kColor, kVertices, kTriangles, kBox, kColumnCount };
 
     explicit ObjectList(QWidget* parent = nullptr);
 
@@ -36,6 +38,14 @@ public:
     void ShowRows(const std::vector<ObjectRow>& rows, const std::vector<ObjectReport>& objects);
     /// Whether the row exists and has no check mark.
     [[nodiscard]] bool IsHidden(int index) const;
+    /// The objects that an alignment may move, in ascending order.
+    [[nodiscard]] std::vector<int> MovingRows() const;
+    /// Changes these rows and emits MayMoveChanged() once, if one was different.
+    /// @param mayMove  per row
+    void SetMayMove(const std::vector<bool>& mayMove);
+    /// Shows where the object is now. Emits nothing.
+    /// @param isMoved  it has another transform than at its import
+    void ShowPlace(int index, const std::array<float, 6>& box, bool isMoved);
     /// For the first layout only; the user can resize the pane.
     /// Wide enough for all columns but the boxes.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
@@ -48,8 +58,14 @@ signals:
     void VisibilityWanted(int index, bool visible);
     void ColorWanted(int index, std::int32_t packed);
     void DeletionWanted(int index);
+    /// The user changed which objects may move: MovingRows().
+    void MayMoveChanged();
+
+protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
+    void MakeActions();
     QTreeWidgetItem* AddRow(const ObjectRow& row, const ObjectReport& object);
     void DeleteSelected();
 

@@ -1,0 +1,84 @@
+// Changes of transforms, by object.
+#include "TransformLedger.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+/// The objects of @p before that are elsewhere in @p now.
+TransformsById MovedSince(const TransformsById& before, const TransformsById& now) {
+    TransformsById moved;
+    for (const auto& [id, transform] : before) {
+        const auto present = now.find(id);
+        if (present != now.end() && !IsSameTransform(transform, present->second)) moved.emplace(id, transform);
+    }
+    return moved;
+}
+
+}  // namespace
+
+bool IsSameTransform(const Matrix4& a, const Matrix4& b) {
+    // A rotation is stored as a quaternion: what is read after it was set differs in the last digits.
+    constexpr float kMaxRounding = 1e-6f;
+    const auto isSame = [](float x, float y) { return x == y || (std::isnan(x) && std::isnan(y)); };
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const bool isTranslation = i % 4 == 3;
+        if (!isSame(a[i], b[i]) && (isTranslation || !(std::abs(a[i] - b[i]) <= kMaxRounding))) return false;
+    }
+    return true;
+}
+
+void TransformLedger::Begin(std::string name, const TransformsById& now) {
+    (void)End(now);
+    m_open = {std::move(name), now};
+    m_isOpen = true;
+    Note(now);
+}
+
+int TransformLedger::End(const TransformsById& now) {
+    if (!m_isOpen) return 0;
+    m_isOpen = false;
+    Note(now);
+    Level level = std::exchange(m_open, {});
+    level.before = MovedSince(level.before, m_last);
+    const auto count = static_cast<int>(level.before.size());
+    if (count > 0) m_levels.push_back(std::move(level));
+    return count;
+}
+
+void TransformLedger::Note(const TransformsById& now) {
+    for (const auto& [id, transform] : now) m_last.insert_or_assign(id, transform);
+}
+
+int TransformLedger::NewestCount(const TransformsById& present) const {
+    if (m_levels.empty()) return 0;
+    return static_cast<int>(std::ranges::count_if(m_levels.back().before,
+                                                  [&](const auto& entry) { return present.contains(entry.first); }));
+}
+
+std::string TransformLedger::NewestName() const { return m_levels.empty() ? std::string() : m_levels.back().name; }
+
+TransformsById TransformLedger::TakeBack() {
+    if (m_levels.empty()) return {};
+    TransformsById before = std::move(m_levels.back().before);
+    m_levels.pop_back();
+    Note(before);
+    return before;
+}
+
+TransformsById TransformLedger::Misplaced(const TransformsById& restored) const {
+    TransformsById misplaced = MovedSince(restored, m_last);
+    for (auto& [id, transform] : misplaced) transform = m_last.at(id);
+    return misplaced;
+}
+
+void TransformLedger::OnFiled(const TransformsById& filed) {
+    for (const auto& [id, transform] : filed) m_filed.insert_or_assign(id, transform);
+}
+
+bool TransformLedger::IsFiled(int id, const Matrix4& now) const {
+    const auto filed = m_filed.find(id);
+    return filed != m_filed.end() && IsSameTransform(filed->second, now);
+}

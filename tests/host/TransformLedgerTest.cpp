@@ -1,0 +1,131 @@
+// Which changes of transforms can be taken back, and what that does to objects that come and go.
+#include "TransformLedger.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// Moved along X.
+Matrix4 At(float x) { return {1, 0, 0, x, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; }
+
+TEST(TransformLedger, StartsWithNothingToTakeBack) {
+    TransformLedger ledger;
+    EXPECT_EQ(ledger.Levels(), 0);
+    EXPECT_EQ(ledger.NewestName(), "");
+    EXPECT_EQ(ledger.NewestCount({{0, At(0)}}), 0);
+    EXPECT_TRUE(ledger.TakeBack().empty());
+    EXPECT_FALSE(ledger.IsFiled(0, At(0)));
+}
+
+TEST(TransformLedger, TakesBackTheNewestChangeFirst) {
+    TransformLedger ledger;
+    ledger.Begin("first", {{4, At(0)}, {9, At(0)}});
+    EXPECT_TRUE(ledger.IsOpen());
+    EXPECT_EQ(ledger.End({{4, At(1)}, {9, At(0)}}), 1);
+    EXPECT_FALSE(ledger.IsOpen());
+    ledger.Begin("second", {{4, At(1)}, {9, At(0)}});
+    EXPECT_EQ(ledger.End({{4, At(2)}, {9, At(5)}}), 2);
+    EXPECT_EQ(ledger.Levels(), 2);
+    EXPECT_EQ(ledger.NewestName(), "second");
+    EXPECT_EQ(ledger.NewestCount({{4, At(2)}, {9, At(5)}}), 2);
+    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{4, At(1)}, {9, At(0)}}));
+    EXPECT_EQ(ledger.NewestName(), "first");
+    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{4, At(0)}})) << "only what it has moved";
+    EXPECT_EQ(ledger.Levels(), 0);
+}
+
+TEST(TransformLedger, KeepsNoChangeThatMovedNothing) {
+    TransformLedger ledger;
+    ledger.Begin("nothing", {{0, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(0)}}), 0);
+    EXPECT_EQ(ledger.End({{0, At(3)}}), 0) << "it is over already";
+    EXPECT_EQ(ledger.Levels(), 0);
+}
+
+TEST(TransformLedger, EndsAnOpenChangeBeforeTheNext) {
+    TransformLedger ledger;
+    ledger.Begin("first", {{0, At(0)}});
+    ledger.Begin("second", {{0, At(1)}});
+    EXPECT_EQ(ledger.Levels(), 1);
+    EXPECT_EQ(ledger.End({{0, At(2)}}), 1);
+    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{0, At(1)}}));
+    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{0, At(0)}}));
+}
+
+TEST(TransformLedger, LeavesOutObjectsThatWereImportedDuringAChange) {
+    TransformLedger ledger;
+    ledger.Begin("a", {{0, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(7)}}), 1);
+    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{0, At(0)}}));
+}
+
+TEST(TransformLedger, CountsTheObjectsThatAreStillThere) {
+    TransformLedger ledger;
+    ledger.Begin("a", {{0, At(0)}, {1, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(1)}}), 2);
+    EXPECT_EQ(ledger.NewestCount({{1, At(1)}, {2, At(0)}}), 1);
+    EXPECT_EQ(ledger.NewestCount({{2, At(0)}}), 0);
+}
+
+// A cut at 0, an alignment to 1, and the undo of the cut.
+TEST(TransformLedger, PlacesARestoredObjectWhereItWasLast) {
+    TransformLedger ledger;
+    ledger.Begin("a", {{0, At(0)}, {1, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(0)}}), 1);
+    EXPECT_EQ(ledger.Misplaced({{0, At(0)}, {1, At(0)}, {2, At(9)}}), (TransformsById{{0, At(1)}}))
+        << "1 is in its place, and nothing is known of 2";
+}
+
+// The same with the object deleted in between, and the alignment taken back while it was.
+TEST(TransformLedger, TakesBackAlsoForADeletedObjectThatComesBack) {
+    TransformLedger ledger;
+    ledger.Begin("a", {{0, At(0)}, {1, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(1)}}), 2);
+    EXPECT_EQ(ledger.Misplaced({{0, At(0)}}), (TransformsById{{0, At(1)}}));
+    EXPECT_EQ(ledger.TakeBack().size(), 2u);
+    ledger.Note({{1, At(0)}});
+    EXPECT_EQ(ledger.Misplaced({{0, At(1)}}), (TransformsById{{0, At(0)}}));
+    EXPECT_TRUE(ledger.Misplaced({{0, At(0)}}).empty());
+}
+
+TEST(TransformLedger, KnowsWhichTransformsAFileHas) {
+    TransformLedger ledger;
+    ledger.OnFiled({{0, At(1)}});
+    EXPECT_TRUE(ledger.IsFiled(0, At(1)));
+    EXPECT_FALSE(ledger.IsFiled(0, At(2)));
+    EXPECT_FALSE(ledger.IsFiled(1, At(1)));
+    ledger.OnFiled({{0, At(2)}});
+    EXPECT_TRUE(ledger.IsFiled(0, At(2)));
+    EXPECT_FALSE(ledger.IsFiled(0, At(1))) << "the newest file counts";
+}
+
+TEST(TransformLedger, ForgetsAllWithTheScene) {
+    TransformLedger ledger;
+    ledger.Begin("a", {{0, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(1)}}), 1);
+    ledger.OnFiled({{0, At(1)}});
+    ledger.Begin("b", {{0, At(1)}});
+    ledger.Clear();
+    EXPECT_EQ(ledger.Levels(), 0);
+    EXPECT_FALSE(ledger.IsOpen());
+    EXPECT_FALSE(ledger.IsFiled(0, At(1)));
+    EXPECT_TRUE(ledger.Misplaced({{0, At(5)}}).empty());
+}
+
+TEST(IsSameTransform, AllowsTheRoundingOfARotationOnly) {
+    EXPECT_TRUE(IsSameTransform(At(1e6f), At(1e6f)));
+    EXPECT_FALSE(IsSameTransform(At(1e6f), At(std::nextafter(1e6f, 2e6f))));
+    Matrix4 turned = At(0);
+    turned[1] = 5e-7f;
+    EXPECT_TRUE(IsSameTransform(At(0), turned));
+    turned[1] = 2e-6f;
+    EXPECT_FALSE(IsSameTransform(At(0), turned));
+    turned[1] = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_FALSE(IsSameTransform(At(0), turned));
+    EXPECT_TRUE(IsSameTransform(turned, turned)) << "or it would never be saved";
+}
+
+}  // namespace
