@@ -6,6 +6,7 @@
 #include <QKeySequence>
 #include <QScrollBar>
 #include <algorithm>
+#include <cmath>
 
 #include "ColorButton.h"
 #include "KV_ScenePane/PathText.h"
@@ -23,9 +24,13 @@ constexpr int kIdRole = Qt::UserRole, kFileRole = Qt::UserRole + 1, kVerticesRol
 
 /// Ranges of x, y and z, with four digits: enough to find the object, and short enough for the list.
 QString BoxText(const std::array<float, 6>& box) {
-    const auto range = [&](std::size_t i) {
-        return QString("%1 … %2").arg(QString::number(box[i], 'g', 4), QString::number(box[i + 1], 'g', 4));
+    float largest = 0.0f;
+    for (const float value : box) largest = std::max(largest, std::abs(value));
+    // What an alignment leaves of a zero is below the digits of the vertices.
+    const auto number = [&](float value) {
+        return QString::number(std::abs(value) < 1e-6f * largest ? 0.0f : value, 'g', 4);
     };
+    const auto range = [&](std::size_t i) { return QString("%1 … %2").arg(number(box[i]), number(box[i + 1])); };
     return QString("x %1, y %2, z %3").arg(range(0), range(2), range(4));
 }
 

@@ -20,7 +20,7 @@ TransformCommands::TransformCommands(ObjectList& objects, QObject* parent) : QOb
 
 void TransformCommands::SetViewer(KV_ScenePane::ScenePane* viewer) {
     m_pViewer = viewer;
-    OnSceneCleared();  // another viewer has other objects
+    m_ledger.Clear();  // another viewer has other objects
 }
 
 // ---- changes
@@ -35,6 +35,7 @@ int TransformCommands::End() {
     if (m_pViewer == nullptr) return 0;
     const int moved = m_ledger.End(Now());
     Follow();
+    if (moved > 0) emit ObjectsMoved();
     return moved;
 }
 
@@ -58,6 +59,7 @@ void TransformCommands::TakeBack() {
         Set(m_ledger.TakeBack());
     }
     Follow();
+    emit ObjectsMoved();
     emit Report(text);
 }
 

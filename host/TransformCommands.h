@@ -17,7 +17,7 @@ class TransformCommands : public QObject {
 public:
     /// @param objects  of the viewer, row by row
     TransformCommands(ObjectList& objects, QObject* parent);
-    /// @param viewer  must outlive this or be replaced by null
+    /// Emits nothing. @param viewer  must outlive this or be replaced by null
     void SetViewer(KV_ScenePane::ScenePane* viewer);
 
     // Around an alignment.
@@ -63,6 +63,8 @@ public:
 signals:
     /// Transforms, the levels, or what is saved have changed.
     void Changed();
+    /// Objects are elsewhere since the last change.
+    void ObjectsMoved();
     /// What the user must know: one line.
     void Report(const QString& text);
 

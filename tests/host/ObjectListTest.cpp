@@ -114,6 +114,8 @@ TEST_F(ObjectListTest, ShowsWhereAnObjectIsWithoutAReport) {
     EXPECT_EQ(Row(1).text(ObjectList::kMayMove), "");
     EXPECT_EQ(Row(1).text(ObjectList::kBox), "x 0 … 1, y 2 … 3, z 4 … 6");
     EXPECT_EQ(m_nChanges + m_nVisibilities, 0);
+    m_list.ShowPlace(0, {-2e-15f, 59, -0.01f, 0.01f, 1e-6f, 5e-4f}, true);
+    EXPECT_EQ(Row(0).text(ObjectList::kBox), "x 0 … 59, y -0.01 … 0.01, z 0 … 0.0005");
 }
 
 }  // namespace
