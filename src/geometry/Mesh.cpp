@@ -206,5 +206,5 @@ void Mesh::ShrinkToFit() {
 void Mesh::SetBlendColors(bool blend) {
     if (m_bBlendObjectColor == blend) return;
     m_bBlendObjectColor = blend;
-    MarkVerticesDirty();
+    MarkBuffersDirty();
 }

@@ -19,8 +19,8 @@ class CutMask;
 }
 
 /// Invariants: every index of a triangle is valid; a textured mesh has three texture coordinates per triangle. Code
-/// that changes triangles must call MarkBuffersDirty(), code that changes vertices or colours alone MarkVerticesDirty()
-/// at least, and ComputeBoundingBox() when positions change.
+/// that changes vertices, triangles or colours must call MarkBuffersDirty(), or MarkVerticesDirty() when the triangles
+/// are as before, and ComputeBoundingBox() when positions change.
 class Mesh : public CACADObject {
 public:
     /// An OpenGL texture together with the encoded image that it came from; may be shared by several meshes.
@@ -86,8 +86,8 @@ public:
     /// Deletes the OpenGL buffers that exist, in the current context.
     void ReleaseBuffers();
     /// The next draw uploads vertices and indices.
-    void MarkBuffersDirty() { m_bBuffersDirty = m_bIndicesDirty = true; }
-    /// The next draw uploads the vertices, and the indices only when graphics memory does not hold them.
+    void MarkBuffersDirty() { m_bBuffersDirty = m_bTrianglesDirty = true; }
+    /// The next draw uploads the vertices into the buffer that exists, and the indices only when they are not there.
     void MarkVerticesDirty() { m_bBuffersDirty = true; }
     /// A change marks the buffers dirty: the mix of colours is made at upload.
     void SetBlendColors(bool blend);
@@ -103,12 +103,13 @@ public:
     std::vector<Vertex> m_vVertices;
     std::wstring m_sName;             ///< path that the object came from, or empty
     bool m_bBuffersDirty = true;      ///< the GPU buffers must be rebuilt before the next draw
-    bool m_bIndicesDirty = true;      ///< the rebuild must upload the indices, too
+    bool m_bTrianglesDirty = true;    ///< false when the rebuild is for moved vertices alone
     bool m_bBuffersFailed = false;    ///< graphics memory was short at the last build: drawn as its bounding box
     bool m_bFailureReported = false;  ///< the debugger output has the line about it
     bool m_bHasVertexColors = false;
     /// Names of the OpenGL buffers, 0 when there is none; written by the drawing code alone.
     std::uint32_t m_uVertexBuffer = 0, m_uTriangleBuffer = 0, m_uPointBuffer = 0, m_uReducedBuffer = 0;
+    std::size_t m_uVertexBytes = 0;                    ///< size of the vertex buffer
     int m_iReducedStep = 10;                           ///< the reduced drawing shows the first of this many triangles
     float m_fPointSize = 2.0f;                         ///< pixels
     std::shared_ptr<Texture> m_pTexture;               ///< null when there is none; shared with clones

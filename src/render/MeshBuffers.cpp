@@ -26,24 +26,28 @@ void BindGenerated(GLenum target, std::uint32_t& name) {
 }
 
 /// Fills the bound buffer with @p count records of @p stride bytes.
-/// @param pack  called as pack(first, count, out) for each piece in order; writes count records to out
+/// @param bytesThere  size of the buffer: one of another size is allocated
+/// @param pack        called as pack(first, count, out) for each piece in order; writes count records to out
+/// @return size of the buffer afterwards
 template <typename Pack>
-void UploadInPieces(GLenum target, std::size_t count, std::size_t stride, Pack pack) {
+std::size_t UploadInPieces(GLenum target, std::size_t bytesThere, std::size_t count, std::size_t stride, Pack pack) {
     const std::size_t pieceCount = std::min(count, kUploadPiece / stride);
     const auto piece = std::make_unique_for_overwrite<std::byte[]>(pieceCount * stride);
-    glBufferData(target, static_cast<GLsizeiptr>(count * stride), nullptr, GL_STATIC_DRAW);
+    if (bytesThere != count * stride)
+        glBufferData(target, static_cast<GLsizeiptr>(count * stride), nullptr, GL_STATIC_DRAW);
     for (std::size_t first = 0; first < count; first += pieceCount) {
         const std::size_t pieceEnd = std::min(count, first + pieceCount);
         pack(first, pieceEnd - first, piece.get());
         glBufferSubData(target, static_cast<GLintptr>(first * stride),
                         static_cast<GLsizeiptr>((pieceEnd - first) * stride), piece.get());
     }
+    return count * stride;
 }
 
 /// Fills the bound index buffer with corner 0 of every @p step-th triangle.
 void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
     const std::size_t count = (triangles.size() + step - 1) / step;
-    UploadInPieces(GL_ELEMENT_ARRAY_BUFFER, count, sizeof(std::uint32_t),
+    UploadInPieces(GL_ELEMENT_ARRAY_BUFFER, 0, count, sizeof(std::uint32_t),
                    [&](std::size_t first, std::size_t pieceCount, std::byte* out) {
                        const std::size_t firstTriangle = first * step;
                        const std::size_t rest = triangles.size() - firstTriangle;
@@ -52,30 +56,33 @@ void UploadFirstCorners(std::span<const Triangle> triangles, std::size_t step) {
                    });
 }
 
-/// The vertices in the textured, coloured or plain layout.
+/// The vertices in the textured, coloured or plain layout. Those of a moved object go into the memory that the buffer
+/// has: a software driver that allocates it again clears all its pages, which takes longer than to fill them.
 void UploadVertices(Mesh& mesh) {
+    const std::size_t bytesThere = mesh.m_bTrianglesDirty ? 0 : mesh.m_uVertexBytes;
+    std::size_t& bytes = mesh.m_uVertexBytes;
     const std::span<const Vertex> vertices(mesh.m_vVertices);
     const std::span<const Triangle> triangles(mesh.m_vTriangles);
     BindGenerated(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer);
     if (mesh.m_pTexture) {
         const std::span<const TexCoord> texCoords(mesh.m_vTexCoords);
         assert(texCoords.size() == 3 * triangles.size());
-        UploadInPieces(GL_ARRAY_BUFFER, triangles.size(), 3 * kTexturedStride,
-                       [&](std::size_t first, std::size_t count, std::byte* out) {
-                           PackTextured(vertices, triangles.subspan(first, count),
-                                        texCoords.subspan(3 * first, 3 * count), out);
-                       });
+        bytes = UploadInPieces(GL_ARRAY_BUFFER, bytesThere, triangles.size(), 3 * kTexturedStride,
+                               [&](std::size_t first, std::size_t count, std::byte* out) {
+                                   PackTextured(vertices, triangles.subspan(first, count),
+                                                texCoords.subspan(3 * first, 3 * count), out);
+                               });
     } else if (mesh.m_bHasVertexColors) {
         const VertexColorTable table = MakeVertexColorTable(mesh.m_fColor, mesh.m_bBlendObjectColor);
-        UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kColoredStride,
-                       [&](std::size_t first, std::size_t count, std::byte* out) {
-                           PackColored(vertices.subspan(first, count), table, out);
-                       });
+        bytes = UploadInPieces(GL_ARRAY_BUFFER, bytesThere, vertices.size(), kColoredStride,
+                               [&](std::size_t first, std::size_t count, std::byte* out) {
+                                   PackColored(vertices.subspan(first, count), table, out);
+                               });
     } else {
-        UploadInPieces(GL_ARRAY_BUFFER, vertices.size(), kPlainStride,
-                       [&](std::size_t first, std::size_t count, std::byte* out) {
-                           PackPlain(vertices.subspan(first, count), out);
-                       });
+        bytes = UploadInPieces(GL_ARRAY_BUFFER, bytesThere, vertices.size(), kPlainStride,
+                               [&](std::size_t first, std::size_t count, std::byte* out) {
+                                   PackPlain(vertices.subspan(first, count), out);
+                               });
     }
 }
 
@@ -90,13 +97,12 @@ void UploadIndices(Mesh& mesh) {
     UploadFirstCorners(triangles, 1);
     BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uReducedBuffer);
     UploadFirstCorners(triangles, static_cast<std::size_t>(mesh.m_iReducedStep));
-    mesh.m_bIndicesDirty = false;
 }
 
-/// Not when an object was moved or coloured: its indices are more bytes than its vertices.
+/// Not for a moved object: indices are more bytes than vertices.
 bool NeedsIndices(const Mesh& mesh) {
     if (mesh.m_pTexture) return false;  // its corners are not shared
-    return mesh.m_bIndicesDirty || mesh.m_uTriangleBuffer == 0;
+    return mesh.m_bTrianglesDirty || mesh.m_uTriangleBuffer == 0;
 }
 
 }  // namespace
@@ -110,7 +116,7 @@ void BuildBuffers(Mesh& mesh) {
         if (mesh.m_bBuffersFailed)
             ReleaseBuffers(mesh);  // what was uploaded is of no use without the rest
         else
-            mesh.m_bFailureReported = false;
+            mesh.m_bFailureReported = mesh.m_bTrianglesDirty = false;
     }
     mesh.m_bBuffersDirty = false;
 }
@@ -122,6 +128,7 @@ void ReleaseBuffers(Mesh& mesh) {
         glDeleteBuffers(1, name);
         *name = 0;
     }
+    mesh.m_uVertexBytes = 0;
 }
 
 void ReportFailedBuffers(const std::vector<std::shared_ptr<Mesh>>& meshes) {

@@ -91,6 +91,24 @@ TEST_P(FailedUpload, IsForgottenWhenALaterBuildSucceeds) {
     EXPECT_EQ(pane.debugOutput.Take(), kLine);
 }
 
+TEST_P(FailedUpload, IsForgottenWhenTheObjectMoves) {
+    {
+        const ScopedDriverFaults faults({.failUpload = GetParam()});
+        Frame();
+    }
+    Mesh& mesh = *pane->m_vpMeshes[1];
+    ASSERT_TRUE(mesh.m_bBuffersFailed);
+    const ScopedDriverFaults none({});
+    CACADQTrafo upward;
+    upward.m_dTranslation[1] = 2.5;  // 60 pixels
+    mesh.ApplyTrafo(upward);
+    Frame();
+    EXPECT_EQ(ReadDriverCounters().uploads, 4) << "vertices, triangles, points, reduced points";
+    EXPECT_FALSE(mesh.m_bBuffersFailed);
+    EXPECT_GT(ColorAt(180, 60)[0], 0.5);
+    ExpectBackground(180, 120);
+}
+
 TEST_P(FailedUpload, IsFoundWhereAnOlderErrorIsPending) {
     glEnable(GL_NONE);  // OpenGL keeps the first error only, here GL_INVALID_ENUM
     {
@@ -144,6 +162,23 @@ TEST_F(Uploads, OfAChangedColourRunOncePerFrame) {
         pane->SetObjectColor(0, pane->GetObjectColor(0));
         Frame();
         EXPECT_EQ(ReadDriverCounters().uploads, 4) << "nothing has changed";
+    }
+}
+
+// The stand-in counts the calls that allocate a buffer. Vertices that replace others need none.
+TEST_F(Uploads, OfAMovedObjectAllocateNothing) {
+    for (const double x : {-2.5, 2.5}) Add({.center = {x, 0, 0}, .half = 0.5});
+    Frame();
+    const ScopedDriverFaults none({});
+    CACADQTrafo upward;
+    upward.m_dTranslation[1] = 1.25;  // 30 pixels
+    for (int step = 1; step <= 3; ++step) {
+        pane->m_vpMeshes[1]->ApplyTrafo(upward);
+        Frame();
+        EXPECT_EQ(ReadDriverCounters().uploads, 0);
+        EXPECT_GT(ColorAt(220, 120 - 30 * step)[0], 0.5) << step;
+        ExpectBackground(220, 150 - 30 * step);
+        EXPECT_GT(ColorAt(100, 120)[0], 0.5) << "the other one has not moved";
     }
 }
 

@@ -185,6 +185,129 @@ TEST_F(MeshBuffersOnTheGpu, AreBuiltAgainAfterARelease) {
     mesh->ReleaseBuffers();
 }
 
+// ---- buffers of an object that moves
+
+CACADQTrafo QuarterAboutZ() {
+    CACADQTrafo trafo;
+    trafo.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);
+    return trafo;
+}
+
+class MeshBuffersOfAMovedObject : public MeshBuffersOnTheGpu {
+protected:
+    /// Each corner with a texture coordinate of its own.
+    void MakeTextured(Mesh& mesh) {
+        for (std::size_t i = 0; i < 3 * mesh.GetTriangleCount(); ++i)
+            mesh.m_vTexCoords.push_back({static_cast<float>(i), 0.5f});
+        ASSERT_TRUE(pane->MakeContextCurrent());
+        const std::vector<std::uint8_t> pixel{1, 2, 3, 4};
+        CreateTexture(mesh, 1, 1, pixel.data(), {});
+    }
+    /// Whether the buffers hold what a mesh with the same vertices and triangles uploads at its first draw.
+    void ExpectBuffersOfANewMesh(const Mesh& mesh) {
+        Mesh fresh(std::vector<Vertex>(mesh.m_vVertices), std::vector<Triangle>(mesh.m_vTriangles), L"",
+                   mesh.m_bHasVertexColors);
+        fresh.m_vTexCoords = mesh.m_vTexCoords;
+        fresh.m_pTexture = mesh.m_pTexture;
+        DrawNow(fresh);
+        EXPECT_TRUE(Content(GL_ARRAY_BUFFER, mesh.m_uVertexBuffer) == Content(GL_ARRAY_BUFFER, fresh.m_uVertexBuffer));
+        if (mesh.m_pTexture) return;
+        EXPECT_TRUE(Indices(mesh.m_uTriangleBuffer) == Indices(fresh.m_uTriangleBuffer));
+        EXPECT_TRUE(Indices(mesh.m_uPointBuffer) == Indices(fresh.m_uPointBuffer));
+        EXPECT_TRUE(Indices(mesh.m_uReducedBuffer) == Indices(fresh.m_uReducedBuffer));
+    }
+};
+
+TEST_F(MeshBuffersOfAMovedObject, HoldItsNewVerticesInEveryLayout) {
+    for (const char* const layout : {"plain", "coloured", "textured"}) {
+        SCOPED_TRACE(layout);
+        const auto mesh = Fan(20'000, *layout == 'c');  // several pieces
+        if (*layout == 't') MakeTextured(*mesh);
+        DrawNow(*mesh);
+        const auto before = Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer);
+        for (int step = 0; step < 3; ++step) {
+            mesh->ApplyTrafo(QuarterAboutZ());
+            DrawNow(*mesh);
+            EXPECT_FALSE(mesh->m_bBuffersDirty);
+            ExpectBuffersOfANewMesh(*mesh);
+        }
+        EXPECT_FALSE(Content(GL_ARRAY_BUFFER, mesh->m_uVertexBuffer) == before);
+    }
+}
+
+TEST_F(MeshBuffersOfAMovedObject, KeepTheirIndices) {
+    const auto mesh = Fan(25, false);
+    DrawNow(*mesh);
+    const auto corners = Indices(mesh->m_uTriangleBuffer), points = Indices(mesh->m_uPointBuffer);
+    for (Triangle& triangle : mesh->m_vTriangles) std::swap(triangle.v[0], triangle.v[1]);  // not marked dirty
+    mesh->ApplyTrafo(QuarterAboutZ());
+    DrawNow(*mesh);
+    EXPECT_EQ(Indices(mesh->m_uTriangleBuffer), corners);
+    EXPECT_EQ(Indices(mesh->m_uPointBuffer), points);
+    mesh->MarkBuffersDirty();
+    mesh->ApplyTrafo(QuarterAboutZ());
+    DrawNow(*mesh);
+    ExpectBuffersOfANewMesh(*mesh);
+    EXPECT_NE(Indices(mesh->m_uPointBuffer), points);
+}
+
+TEST_F(MeshBuffersOfAMovedObject, AreAllBuiltWhenItMovedBeforeItsFirstDrawOrAfterARelease) {
+    const auto mesh = Fan(25, false);
+    for (int round = 0; round < 2; ++round) {
+        mesh->ApplyTrafo(QuarterAboutZ());
+        DrawNow(*mesh);
+        ExpectBuffersOfANewMesh(*mesh);
+        mesh->ReleaseBuffers();
+    }
+}
+
+TEST_F(MeshBuffersOfAMovedObject, AreAllBuiltInANewContext) {
+    const auto mesh = Fan(25, true);
+    DrawNow(*mesh);
+    mesh->ReleaseBuffers();
+    pane->RecreateOpenglContext(3, 3, 0);
+    mesh->ApplyTrafo(QuarterAboutZ());
+    DrawNow(*mesh);
+    ExpectBuffersOfANewMesh(*mesh);
+    mesh->ReleaseBuffers();
+}
+
+TEST_F(MeshBuffersOfAMovedObject, FollowTheNumberAndTheLayoutOfTheVertices) {
+    const auto mesh = Fan(25, false);
+    DrawNow(*mesh);
+    mesh->m_vVertices.resize(200);
+    mesh->ApplyTrafo(QuarterAboutZ());
+    DrawNow(*mesh);
+    ExpectBuffersOfANewMesh(*mesh);
+    mesh->m_bHasVertexColors = true;
+    mesh->MarkVerticesDirty();
+    DrawNow(*mesh);
+    ExpectBuffersOfANewMesh(*mesh);
+    MakeTextured(*mesh);
+    mesh->MarkVerticesDirty();
+    DrawNow(*mesh);
+    ExpectBuffersOfANewMesh(*mesh);
+}
+
+TEST_F(MeshBuffersOfAMovedObject, AreNotThoseOfItsCutClone) {
+    const auto mesh = Fan(25, false);
+    DrawNow(*mesh);
+    const std::uint32_t removed[4] = {0xFF};
+    const auto clone = mesh->CloneWithoutVertices(removed);
+    ASSERT_LT(clone->GetTriangleCount(), mesh->GetTriangleCount());
+    for (int step = 0; step < 2; ++step) {
+        clone->ApplyTrafo(QuarterAboutZ());
+        DrawNow(*clone);
+        ExpectBuffersOfANewMesh(*clone);
+        ExpectBuffersOfANewMesh(*mesh);
+        mesh->ApplyTrafo(QuarterAboutZ());
+        DrawNow(*mesh);
+    }
+    EXPECT_NE(clone->m_uVertexBuffer, mesh->m_uVertexBuffer);
+}
+
+// ---- state and layouts
+
 // Without the current colour: Mesa 22.3 does not restore it at the second of two sequences of glPushAttrib(), glColor()
 // and glPopAttrib().
 TEST_F(MeshBuffersOnTheGpu, AreDrawnWithoutChangingTheOpenGlState) {
