@@ -12,6 +12,7 @@ template <typename Dialog>
 void OpenDialog(CKV_ScenePaneCtrl& control, InteractionMode mode) {
     auto dialog = std::make_unique<Dialog>();
     dialog->m_pControl = &control;
+    dialog->m_nMode = mode;
     Dialog& opened = *dialog;
     control.m_vInteractionDlgs.push_back(std::move(dialog));
     control.m_pInteractionDlg = &opened;

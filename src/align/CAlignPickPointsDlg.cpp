@@ -3,6 +3,7 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <string>
 
 #include "KV_ScenePane/Input.h"
@@ -34,6 +35,15 @@ std::vector<KV_ScenePane::AlignmentPoint> ToPublic(const std::vector<Vertex>& pi
 std::u16string NumberText(std::size_t index) {
     const std::string digits = std::to_string(index + 1);
     return {digits.begin(), digits.end()};
+}
+
+/// Moves what is drawn next towards the viewer by the size of a point. The surface that a point was picked on hides no
+/// part of it then, up to 63 degrees from the view; in the orthographic view its place in the window stays.
+void RaiseFromSurfaces(const CKV_ScenePaneCtrl& control) {
+    const auto side = static_cast<float>(std::max(std::min(control.m_nWidth, control.m_nHeight), 1));
+    const float pixel = control.m_fSceneSize * control.m_fZoom / side;
+    const Float3 offset = kPointSize * control.m_fScale * pixel * control.m_fAxisZ;
+    glTranslatef(offset[0], offset[1], offset[2]);
 }
 
 /// Points, needles along the normals, and a number at the tip of each needle.
@@ -84,8 +94,11 @@ void CAlignPickPointsDlg::DrawInteraction() {
     for (const GLenum name : {GL_LIGHTING, GL_TEXTURE_2D, GL_BLEND}) glDisable(name);
     glPointSize(kPointSize * scale);
     glLineWidth(kLineWidth * scale);
+    glPushMatrix();
+    RaiseFromSurfaces(*m_pControl);
     DrawPicks(m_vSourcePoints, {1, 0, 0}, {0.75f, 0, 0}, m_pControl->m_textDraw);
     DrawPicks(m_vTargetPoints, {0, 0, 1}, {0, 0, 0.75f}, m_pControl->m_textDraw);
+    glPopMatrix();
     glPopAttrib();
 }
 

@@ -27,6 +27,10 @@ std::vector<std::shared_ptr<Mesh>> ObjectsInScene(std::span<const std::weak_ptr<
 
 }  // namespace
 
+std::int32_t RestingMode(const CKV_ScenePaneCtrl& control) {
+    return control.m_pInteractionDlg == nullptr ? ModeIdle : control.m_pInteractionDlg->m_nMode;
+}
+
 // The release of a button that is held must not return to a mode that has no dialog.
 void LeaveAlignmentMode(CKV_ScenePaneCtrl& control) {
     control.m_nSavedInteractionMode = ModeIdle;

@@ -12,6 +12,8 @@
 class CKV_ScenePaneCtrl;
 class Mesh;
 
+/// The mode without a drag and a lasso: that of the running alignment, else idle.
+[[nodiscard]] std::int32_t RestingMode(const CKV_ScenePaneCtrl& control);
 /// Back to idle at the end of an alignment. A lasso that was started meanwhile goes on.
 void LeaveAlignmentMode(CKV_ScenePaneCtrl& control);
 
@@ -44,6 +46,7 @@ public:
     void OnObjectCut(const Mesh& original, const std::shared_ptr<Mesh>& copy) { m_savedColors.AddCopy(original, copy); }
 
     CKV_ScenePaneCtrl* m_pControl = nullptr;               ///< not owned; set before Create()
+    std::int32_t m_nMode = 0;                              ///< InteractionMode while it runs
     std::vector<std::weak_ptr<Mesh>> m_vpPickableObjects;  ///< objects that clicks may hit
 
 protected:

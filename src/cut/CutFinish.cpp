@@ -49,10 +49,11 @@ void DeleteCutSession(CKV_ScenePaneCtrl& control) {
     control.m_pCutSession.reset();
 }
 
-/// Back to idle. A session that a handler has started during the events of this one is over with it.
+/// Back to the mode before the session. A session that a handler has started during the events of this one is over with
+/// it.
 void LeaveLassoMode(CKV_ScenePaneCtrl& control) {
     const bool startedByHandler = !std::exchange(control.m_bSessionEnds, false);
-    const std::int32_t mode = std::exchange(control.m_nInteractionMode, ModeIdle);
+    const std::int32_t mode = std::exchange(control.m_nInteractionMode, RestingMode(control));
     if (mode == ModeMaskLasso) DeleteCutSession(control);  // clicks of a handler may have made one
     if (!startedByHandler || (mode != ModeLasso && mode != ModeMaskLasso)) return;
     control.ShowLassoCursor(false);

@@ -52,7 +52,7 @@ bool BeginSession(CKV_ScenePaneCtrl& control, const SessionKind& session) {
 
 /// A session that could not be started, as after its end. Without an event: the host receives the exception.
 void DropSession(CKV_ScenePaneCtrl& control) {
-    control.m_nInteractionMode = ModeIdle;
+    control.m_nInteractionMode = RestingMode(control);
     control.ShowLassoCursor(false);
     control.m_bToggleAnimationOnSpacebar = 1;
     control.MakeContextCurrent();  // in which the textures are deleted
