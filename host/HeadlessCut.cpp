@@ -40,10 +40,13 @@ std::string CutScene(ScenePane& pane, const HostOptions& options, const SceneRep
     return HasCutOrNoLasso(CutObjects(pane, options, err)) ? "" : "no lasso has changed an object";
 }
 
-/// Prints a line for each object that was moved. @return why nothing must be written; empty otherwise
+/// Prints a line for each object that was moved, which only --transforms does here.
+/// @return why nothing must be written; empty otherwise
 std::string MovedRefusal(const std::vector<CutSaveEntry>& plan, std::FILE* err) {
     const std::vector<std::string> lines = MovedObjectLines(plan);
     for (const std::string& line : lines) PrintError(err, line);
+    if (!lines.empty())
+        PrintError(err, "--save-cuts writes into files where they were imported: leave out --transforms");
     return lines.empty() ? "" : "an object was moved since its import";
 }
 

@@ -14,6 +14,8 @@ std::string HelpText() {
            "       scenepane --convert [options] IN OUT\n"
            "       scenepane --cut MODE:X,Y;X,Y;... [options]\n"
            "                 [--save-cuts | --export OUT | --screenshot OUT.png | --info [--json]] FILE...\n"
+           "       scenepane --align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
+           "                 --moving FILE... --fixed FILE...\n"
            "Shows optical scans (" +
            scans + " files) and meshes (" + meshes +
            " files) in a window,\n"
@@ -26,7 +28,7 @@ std::string HelpText() {
            "  --pick X,Y            print the surface point under a pixel of the picture that --screenshot takes, y\n"
            "                        downward: object, triangle, point and distance; may be repeated\n"
            "  --info                print what each file holds; without --cut needs no OpenGL either\n"
-           "  --json                with --info and --pick: print one JSON object\n"
+           "  --json                with --info, --pick and --align: print one JSON object\n"
            "  --convert IN OUT      write what IN holds, a scan or a mesh, as the " +
            written +
            " file OUT; needs no\n"
@@ -79,7 +81,25 @@ std::string HelpText() {
            written +
            " file OUT\n"
            "\n"
+           "Alignment of files, without a window and without OpenGL:\n"
+           "  --align PAIRS.txt     print the rigid transform that moves points of the moving files onto points of "
+           "the\n"
+           "                        fixed ones, and the residual of each pair. A pair is a line of six numbers: "
+           "moving\n"
+           "                        point, fixed point, in the units and axes of --info. A single pair needs twelve:\n"
+           "                        moving point, its normal, fixed point, its normal. '#' begins a comment\n"
+           "  --moving FILE...      the files that move: all names up to the next option\n"
+           "  --fixed FILE...       the files that stay, likewise\n"
+           "  --save-transforms OUT.json\n"
+           "                        write where all these files are after the alignment; entries of --transforms for\n"
+           "                        other files are kept. For a picture, a conversion or the window, apply OUT.json\n"
+           "                        there\n"
+           "\n"
            "Without a window:\n"
+           "  --transforms FILE     place the files as a JSON file says, before anything else is done with them: as\n"
+           "                        --save-transforms, the window and simulate-scans write it. Each transform "
+           "replaces\n"
+           "                        that of the file; files without an entry stay where they are\n"
            "  --gpu N|software      draw with graphics device N, from 0 in the order of EGL, or with the processor; "
            "else\n"
            "                        with the first device that can, and with the processor where none can\n"
@@ -93,7 +113,8 @@ std::string HelpText() {
            "Exit status: 0 when every file added what it holds and all that was asked for was written, 1 when not, or\n"
            "when no --pick hit a surface, --clip-auto found no height, no --cut changed an object (nothing is saved "
            "or\n"
-           "exported then) or --save-cuts wrote no file, 2 for wrong usage.\n";
+           "exported then), --save-cuts wrote no file, --align found no transform or --transforms has none for any of\n"
+           "the files (nothing is printed or written then), 2 for wrong usage.\n";
 }
 
 std::string VersionText() { return std::string(kProgramName) + ' ' + kProgramVersion + '\n'; }

@@ -9,6 +9,6 @@
 [[nodiscard]] std::string JsonString(std::string_view bytes);
 
 /// The shortest text that reads back as the same double. Other readers of JSON read doubles: a float that is widened
-/// here is read back as the same float.
+/// here is read back as the same float, except that Qt's reader makes 0 of -0.
 /// @throws std::runtime_error for NaN and infinity, which JSON cannot hold
 [[nodiscard]] std::string JsonDouble(double value);

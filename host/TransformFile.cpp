@@ -75,27 +75,14 @@ std::filesystem::path FolderOf(const std::string& transformFile) { return Absolu
 
 /// @throws std::runtime_error
 std::string JsonEntry(const StoredTransform& transform, const std::filesystem::path& folder) {
-    const std::filesystem::path path = Absolute(CheckedName(transform.file));
+    if (transform.file.empty()) throw std::runtime_error("the file name is empty");
+    const std::filesystem::path path = Absolute(transform.file);
     const std::filesystem::path relative = path.lexically_relative(folder);
     CheckMatrix(transform.matrix);
     std::string json = "{\"file\": ";
     json += JsonString(CheckedName((relative.empty() ? path : relative).string())) + ", \"transform\": [";
     for (const float value : transform.matrix) json.append(json.back() == '[' ? "" : ", ").append(JsonDouble(value));
     return json + "]}";
-}
-
-/// @throws std::runtime_error that names the entry that cannot be written
-std::string JsonOf(const std::string& path, const std::vector<StoredTransform>& transforms) {
-    if (transforms.size() > kMaxTransformsInFile) throw std::runtime_error("there are too many transforms");
-    const std::filesystem::path folder = FolderOf(path);
-    std::string json = "{\"version\": " + std::to_string(kVersion) + ", \"scans\": [";
-    for (const StoredTransform& transform : transforms) {
-        json += &transform == transforms.data() ? "\n  " : ",\n  ";
-        At(transform.file, [&] { json += JsonEntry(transform, folder); });
-    }
-    json += "\n]}\n";
-    if (json.size() > kMaxTransformFileSize) throw std::runtime_error("the file would be too large");
-    return json;
 }
 
 /// Positions in a list of the files of one path, rising.
@@ -168,6 +155,19 @@ std::vector<StoredTransform> ParseTransforms(std::string_view text) {
     return transforms;
 }
 
+std::string TransformText(const std::string& path, const std::vector<StoredTransform>& transforms) {
+    if (transforms.size() > kMaxTransformsInFile) throw std::runtime_error("there are too many transforms");
+    const std::filesystem::path folder = FolderOf(path);
+    std::string json = "{\"version\": " + std::to_string(kVersion) + ", \"scans\": [";
+    for (const StoredTransform& transform : transforms) {
+        json += &transform == transforms.data() ? "\n  " : ",\n  ";
+        At(transform.file, [&] { json += JsonEntry(transform, folder); });
+    }
+    json += "\n]}\n";
+    if (json.size() > kMaxTransformFileSize) throw std::runtime_error("the file would be too large");
+    return json;
+}
+
 bool ReadTransformFile(const std::string& path, std::vector<StoredTransform>* transforms, std::string* reason) {
     try {
         *transforms = ParseTransforms(ReadJsonFile(path, kMaxTransformFileSize, kKind));
@@ -180,7 +180,7 @@ bool ReadTransformFile(const std::string& path, std::vector<StoredTransform>* tr
 
 bool WriteTransformFile(const std::string& path, const std::vector<StoredTransform>& transforms, std::string* reason) {
     return WriteJsonFile(
-        path, [&] { return JsonOf(path, transforms); }, reason);
+        path, [&] { return TransformText(path, transforms); }, reason);
 }
 
 std::string StoredPath(const std::string& transformFile, const std::string& file) {

@@ -51,8 +51,10 @@ int RunWindow(const HostOptions& options, char* program) {
                 if (!refusal.empty()) printFailure(file, refusal);
             }
         }
-        PrintError(stderr,
-                   reason + "; --screenshot, --capture, --pick, --info, --save-cuts, --export and --convert need none");
+        PrintError(
+            stderr,
+            reason +
+                "; --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none");
         return kExitFailure;
     }
     // The options of the command line are not passed on: Qt would act on those that it knows.

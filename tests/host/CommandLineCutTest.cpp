@@ -91,7 +91,7 @@ const WrongUsage kWrongUsages[] = {
     {"SaveCutsWithAViewAndNoCut",
      {"--save-cuts", "--clip-auto", "--view=1", "a.pcm"},
      "--view has no meaning with --save-cuts"},
-    {"SaveCutsWithJson", {"--save-cuts", "--clip-auto", "--json", "a.pcm"}, "--json goes with --info and --pick only"},
+    {"SaveCutsWithJson", {"--save-cuts", "--clip-auto", "--json", "a.pcm"}, "--json goes with --info, --pick and --align only"},
     {"SaveCutsAndInfo",
      {"--info", "--save-cuts", "--cut=inside:0,0;1,1", "a.pcm"},
      "--save-cuts and --info do not go together"},

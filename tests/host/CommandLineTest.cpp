@@ -235,10 +235,12 @@ TEST(CommandLine, ReadsAPlaneWithDecimalPointsInAnyLocale) {
 
 TEST(CommandLine, ListsEveryOptionInTheHelp) {
     for (const char* const option :
-         {"--screenshot", "--capture",    "--size",    "--view",       "--draw-mode", "--zoom",    "--skip",
-          "--confidence", "--color",      "--shadows", "--info",       "--json",      "--convert", "--gpu",
-          "--help",       "--version",    "--verbose", "--pick",       "--points",    "--lines",   "--needles",
-          "--clip ",      "--clip-auto ", "--cut ",    "--save-cuts ", "--export "})
+         {"--screenshot", "--capture",    "--size",    "--view",    "--draw-mode",  "--zoom",
+          "--skip",       "--confidence", "--color",   "--shadows", "--info",       "--json",
+          "--convert",    "--gpu",        "--help",    "--version", "--verbose",    "--pick",
+          "--points",     "--lines",      "--needles", "--clip ",   "--clip-auto ", "--cut ",
+          "--save-cuts ", "--export ",    "--align ",  "--moving ", "--fixed ",     "--save-transforms ",
+          "--transforms "})
         EXPECT_NE(HelpText().find(option), std::string::npos) << option;
 }
 
@@ -309,7 +311,7 @@ const WrongUsage kWrongUsages[] = {
     {"ScreenshotWithoutFile", {"--screenshot", "a.png"}, "--screenshot needs at least one file"},
     {"ScreenshotWithoutName", {"--screenshot=", "a.pcm"}, "--screenshot takes a file name, not \"\""},
     {"InfoWithoutFile", {"--info"}, "--info needs at least one file"},
-    {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info and --pick only"},
+    {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info, --pick and --align only"},
     {"InfoAndScreenshot", {"--info", "--screenshot", "a.png", "a.pcm"}, "--info and --screenshot do not go together"},
     {"CaptureWithoutFile", {"--capture", "a.png"}, "--capture needs at least one file"},
     {"CaptureWithoutName", {"--capture=", "a.pcm"}, "--capture takes a file name, not \"\""},
@@ -318,7 +320,7 @@ const WrongUsage kWrongUsages[] = {
      {"--capture", "a.png", "--screenshot", "b.png", "a.pcm"},
      "--screenshot and --capture do not go together"},
     {"CaptureAndInfo", {"--info", "--capture", "a.png", "a.pcm"}, "--info and --capture do not go together"},
-    {"CaptureWithJson", {"--capture", "a.png", "--json", "a.pcm"}, "--json goes with --info and --pick only"},
+    {"CaptureWithJson", {"--capture", "a.png", "--json", "a.pcm"}, "--json goes with --info, --pick and --align only"},
     {"CaptureWithASize", {"--capture", "a.png", "--size", "9x9", "a.pcm"}, "--size has no meaning with --capture"},
     {"CaptureWithADrawMode",
      {"--draw-mode=1", "--capture", "a.png", "--zoom", "2", "a.pcm"},
@@ -341,7 +343,7 @@ const WrongUsage kWrongUsages[] = {
     {"ConvertAndCapture",
      {"--convert", "--capture", "a.png", "a.ply", "b.ply"},
      "--convert and --capture do not go together"},
-    {"ConvertWithJson", {"--convert", "--json", "a.ply", "b.ply"}, "--json goes with --info and --pick only"},
+    {"ConvertWithJson", {"--convert", "--json", "a.ply", "b.ply"}, "--json goes with --info, --pick and --align only"},
     {"ConvertWithAView", {"--convert", "--view", "1", "a.ply", "b.ply"}, "--view has no meaning with --convert"},
     {"PictureOptionWithInfo", {"--info", "--zoom", "2", "a.pcm"}, "--zoom has no meaning with --info"},
     {"ShadowsWithInfo", {"--info", "--shadows", "a.pcm"}, "--shadows has no meaning with --info"},

@@ -206,6 +206,42 @@ expect 2 "scenepane: --cut takes $modes: point 2 is \"0.8\" and not X,Y, two fin
 expect 2 'scenepane: --save-cuts needs --cut, --clip or --clip-auto (see scenepane --help)' --save-cuts steps.ply
 expect 2 'scenepane: --export writes one object and needs one file to read (see scenepane --help)' \
     --export a.stl --cut "$left" steps.ply mesh.ply
+cp square.xdt other.xdt
+# Alignment of four points by a shift, and where the files are after it.
+printf '0 0 0 1 2 3\n1 0 0 2 2 3 # a corner\n\n0 1 0 1 3 3\n1 1 0 2 3 3\n' >pairs.txt
+expect 0 '' --align pairs.txt --json --moving square.xdt --fixed mesh.ply steps.ply --save-transforms poses.json
+grep -qE '^\{"transform":\[[^] ]*\],"residuals":\[[^] ]*\],"rms":[^] ]*\}$' out.txt || fail "wrong JSON: $(cat out.txt)"
+expect 0 '' --info --json --transforms poses.json square.xdt mesh.ply steps.ply
+holds '"box": [1, 2, 2, 3, 2.99, 3.01]'
+holds '"transform": [1, 0, 0, 1, 0, 1, 0, 2, 0, 0, 1, 3, 0, 0, 0, 1]'
+expect 0 '' --align pairs.txt --fixed mesh.ply --moving square.xdt
+[ "$(cut -d' ' -f1 out.txt | tr -s '\n' ' ')" = 'transform residual residual residual residual rms ' ] ||
+    fail "wrong text: $(cat out.txt)"
+expect 0 'scenepane: poses.json: transforms that belong to no open file: mesh.ply, steps.ply' \
+    --convert --transforms poses.json square.xdt moved.stl
+expect 0 '' --info --json moved.stl
+holds '"box": [1, 2, 2, 3, 2.99, 3.01]'
+expect 0 'scenepane: poses.json: transforms that belong to no open file: square.xdt, mesh.ply
+scenepane: poses.json: no transform for other.xdt' --screenshot placed.png --size 40x30 --transforms poses.json steps.ply other.xdt
+printf '0 0 0 1 2 3\n0 0 0 2 2 3\n' >same.txt
+echo older >kept.json
+expect 1 'scenepane: same.txt: no transform was found; the points of each side must not be all the same' \
+    --align same.txt --save-transforms kept.json --moving square.xdt --fixed mesh.ply
+[ -s out.txt ] && fail 'a failed alignment printed a result'
+[ "$(cat kept.json)" = older ] || fail 'a failed alignment replaced an older file'
+printf '0 0 0 1 2 3\n' >single.txt
+expect 1 'scenepane: single.txt: a single pair needs twelve numbers: moving point, its normal, fixed point, its normal' \
+    --align single.txt --moving square.xdt --fixed mesh.ply
+printf '0 0 0 1 2 3\n0 0 0 1 2 x\n' >word.txt
+expect 1 'scenepane: word.txt: line 2: "x" is not a number' --align word.txt --moving square.xdt --fixed mesh.ply
+expect 1 'scenepane: none.txt: cannot be opened: No such file or directory' --align none.txt --moving square.xdt --fixed mesh.ply
+expect 1 'scenepane: poses.json: holds no transform for any of the files' --info --transforms poses.json other.xdt
+[ -s out.txt ] && fail 'files that were not placed were reported'
+printf '{"scans": [{"file": "square.xdt", "transform": [2]}]}' >bad.json
+expect 1 'scenepane: bad.json: entry 1: key "transform": not 16 numbers' --screenshot never.png --transforms bad.json square.xdt
+[ -e never.png ] && fail 'a picture without the transforms was written'
+expect 2 'scenepane: --align needs at least one file after --fixed (see scenepane --help)' --align pairs.txt --moving square.xdt mesh.ply
+expect 2 'scenepane: --moving goes with --align only (see scenepane --help)' --info --moving square.xdt
 for to in stl hps ply; do
     expect 0 '' --convert mesh.ply "out.$to"
     expect 0 '' --info --json "out.$to"
@@ -224,10 +260,10 @@ expect 2 'scenepane: --convert needs two files, the one to read and the one to w
     --convert mesh.ply
 "$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there was not reported'
 grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong message: $(cat err.txt)"
-expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export and --convert need none' square.xdt
+expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' square.xdt
 expect 1 'scenepane: none.ply: No such file or directory
 scenepane: none.txt: No such file or directory
-scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export and --convert need none' \
+scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' \
     points.xyz none.ply --points points.xyz --lines none.txt
 # Every result that is printed: a full disk is exit status 1 and a reason.
 full() {
@@ -247,6 +283,8 @@ full --info --size 700x700 --cut "$left" steps.ply
 full --save-cuts --size 700x700 --cut "$left" steps.ply
 full --pick 250,350 --size 700x700 steps.ply
 full --pick 250,350 --size 700x700 --json steps.ply
+full --align pairs.txt --moving square.xdt --fixed mesh.ply
+full --align pairs.txt --json --moving square.xdt --fixed mesh.ply
 "$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
 grep -qx 'scenepane: standard output: Bad file descriptor' err.txt || fail "wrong reason: $(cat err.txt)"
 

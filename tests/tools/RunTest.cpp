@@ -65,6 +65,7 @@ TEST(Run, TheDescriptionHasShapeSeedSettingsAndTheTransformsOfTheFiles) {
               "--seed=18446744073709551615", "--noise=0.125", "--dropout=0", "--prefix=t-1"});
     ASSERT_EQ(outcome.status, 0) << outcome.errors;
     const auto json = nlohmann::json::parse(ContentOf(folder.Path() / "t-1.json"));
+    EXPECT_EQ(json.at("version"), 1);
     EXPECT_EQ(json.at("shape"), "torus");
     EXPECT_EQ(json.at("seed").get<std::uint64_t>(), UINT64_MAX);
     EXPECT_EQ(json.at("format"), "pax");

@@ -22,6 +22,7 @@ std::string DescribeScan(const WrittenScan& scan) {
 std::string DescribeScans(const Options& options, const std::vector<WrittenScan>& scans) {
     const ScannerSettings& scanner = options.scanner;
     std::string text = "{\n";
+    text += "  \"version\": 1,\n";  // of "scans", which the viewer's host reads: docs/formats/transforms.md
     text += R"(  "shape": ")" + options.shape + "\",\n";
     text += R"(  "seed": )" + NumberText(scanner.seed) + ",\n";
     text += R"(  "format": ")" + std::string(NameOf(options.format)) + "\",\n";
