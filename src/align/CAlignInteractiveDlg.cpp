@@ -88,6 +88,7 @@ bool HasReleasePixel(const CKV_ScenePaneCtrl& control) {
 }  // namespace
 
 void CAlignInteractiveDlg::OnViewDrag(std::int32_t x, std::int32_t y) {
+    m_bAwaitsDrag = false;
     m_nLastX = x;
     m_nLastY = y;
 }
@@ -125,12 +126,14 @@ void CAlignInteractiveDlg::Drag(std::int32_t kind, std::int32_t x, std::int32_t 
         Step(kind, x, y);
         return;
     }
+    m_bAwaitsDrag = false;
     m_nDragState = kind;
     m_nLastX = x;
     m_nLastY = y;
 }
 
 void CAlignInteractiveDlg::EndDrag(std::int32_t kind, std::int32_t x, std::int32_t y) {
+    m_bAwaitsDrag = true;
     if (m_nDragState != kind) return;
     m_nDragState = kNoDrag;
     if (HasWindow() && HasReleasePixel(*m_pControl)) Step(kind, x, y);

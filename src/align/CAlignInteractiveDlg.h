@@ -16,6 +16,7 @@ public:
     void OnRotateEnd(std::int32_t x, std::int32_t y) override { EndDrag(kRotateDrag, x, y); }
     void OnMoveEnd(std::int32_t x, std::int32_t y) override { EndDrag(kMoveDrag, x, y); }
     void OnViewDrag(std::int32_t x, std::int32_t y) override;
+    [[nodiscard]] bool AwaitsDrag() const override { return m_bAwaitsDrag; }
     [[nodiscard]] KV_ScenePane::AlignmentPicks GetPicks() const override {
         return {KV_ScenePane::AlignmentPhase::ByHand, {}, {}};
     }
@@ -31,6 +32,8 @@ protected:
     void PostNcDestroy() override;
 
 private:
+    bool m_bAwaitsDrag = true;  ///< no drag of the objects or the view since the last release
+
     void Drag(std::int32_t kind, std::int32_t x, std::int32_t y);
     void EndDrag(std::int32_t kind, std::int32_t x, std::int32_t y);
     /// From the last pixel to this one, which becomes the last.

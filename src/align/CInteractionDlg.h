@@ -37,6 +37,8 @@ public:
                                 const Float3& /*hitPoint*/, std::uint32_t /*flags*/) {}
     /// The mouse has moved the view or the clip plane up to this pixel: the next step of the objects starts here.
     virtual void OnViewDrag(std::int32_t /*x*/, std::int32_t /*y*/) {}
+    /// Whether the next move of the mouse may begin a drag.
+    [[nodiscard]] virtual bool AwaitsDrag() const { return false; }
     [[nodiscard]] virtual KV_ScenePane::AlignmentPicks GetPicks() const { return {}; }
 
     /// A click of the left button: passes the nearest hit of m_vpPickableObjects to OnObjectPicked().

@@ -476,8 +476,7 @@ public:
     /// ScenePane::SetMouseFilter().
     void SetMouseFilter(std::function<bool(const KV_ScenePane::MouseInput&)> filter);
     void OnMouse(const KV_ScenePane::MouseInput& input) override;
-    /// A freehand lasso is the way of the mouse, also where frames are slower than the hand.
-    [[nodiscard]] bool WantsEveryMove() const override { return m_nInteractionMode == ModeMaskLasso; }
+    [[nodiscard]] bool WantsEveryMove() const override;
     void OnPrivateMessage(std::uint32_t message) override;
     /// For a press that waits while the window is made again.
     void RestartDispatchTimer();

@@ -34,6 +34,14 @@ void CKV_ScenePaneCtrl::SetMouseFilter(std::function<bool(const KV_ScenePane::Mo
     m_pMouseFilter.swap(next);
 }
 
+// A freehand lasso is the way of the mouse, also where frames are slower than the hand. The first move of a drag of
+// objects only says where it starts: merged with the later ones, their travel would be lost.
+bool CKV_ScenePaneCtrl::WantsEveryMove() const {
+    if (m_nInteractionMode == ModeMaskLasso) return true;
+    return m_nInteractionMode == ModeAlignInteractive && m_pInteractionDlg != nullptr &&
+           m_pInteractionDlg->AwaitsDrag();
+}
+
 // Double clicks and moves pass the delay by; presses and releases may wait in it.
 void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
     if (const auto filter = m_pMouseFilter; filter != nullptr && (*filter)(input)) return;
