@@ -23,10 +23,11 @@ struct StoredTransform {
     bool operator==(const StoredTransform&) const = default;
 };
 
-/// A file with more is neither read nor written: a viewer counts its objects with 16 bits.
-inline constexpr std::size_t kMaxTransformsInFile = 32'767;
-/// Bytes. A larger file is refused before it is read.
-inline constexpr std::size_t kMaxTransformFileSize = 16 * 1024 * 1024;
+/// A file with more is neither read nor written.
+inline constexpr std::size_t kMaxTransformsInFile = 10'000;
+/// Bytes. A larger file is refused before it is read, and not written: the tree of a parsed text can be 80 times
+/// larger.
+inline constexpr std::size_t kMaxTransformFileSize = 8 * 1024 * 1024;
 /// Largest difference of any element of R transposed times R from the identity, R being the rotation that is read.
 inline constexpr double kRotationTolerance = 1e-5;
 /// Largest amount of a translation along an axis that is read, scene units.

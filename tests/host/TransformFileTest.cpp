@@ -258,7 +258,7 @@ TEST_F(TransformFile, HasALimitOfEntries) {
             text.append(i == 0 ? "" : ",").append(R"({"file":"a","transform":[1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1]})");
         return text + "]}";
     };
-    EXPECT_EQ(ReasonOf(file(kMaxTransformsInFile)), "accepted with 32767 transforms");
+    EXPECT_EQ(ReasonOf(file(kMaxTransformsInFile)), "accepted with 10000 transforms");
     EXPECT_EQ(ReasonOf(file(kMaxTransformsInFile + 1)), "there are too many transforms");
     EXPECT_EQ(WriteRefusalOf(std::vector<StoredTransform>(kMaxTransformsInFile + 1, {"a", kTurned})),
               "there are too many transforms");
@@ -275,6 +275,13 @@ TEST_F(TransformFile, IsReadFromRegularFilesOfALimitedSizeOnly) {
 }
 
 // ---- writing
+
+TEST_F(TransformFile, IsNotWrittenBeyondTheLimitOfItsSize) {
+    const std::string name = m_folder / std::string(4000, 'x');
+    EXPECT_EQ(WriteRefusalOf(std::vector<StoredTransform>(2100, {name, kTurned})), "the file would be too large");
+    Write(std::vector<StoredTransform>(2000, {name, kTurned}));
+    EXPECT_EQ(Read().size(), 2000u);
+}
 
 TEST_F(TransformFile, IsNotWrittenWithATransformThatWouldNotBeReadAgain) {
     Write({{m_folder / "a.pcm", kTurned}});
