@@ -1,4 +1,5 @@
 // Alignment by pairs of points, from the host or from picks. The transform is MatchPoints() in align/RigidMotion.h.
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <span>
@@ -40,7 +41,9 @@ bool CKV_ScenePaneCtrl::AlignByPairs(std::span<const AlignmentPair> pairs) {
     const std::optional<CACADQTrafo> trafo = MatchPoints(source, target);
     m_lastAlignment = DescribeAlignment(source, target, trafo);
     if (!trafo) return false;
-    for (const std::shared_ptr<Mesh>& mesh : LiveVariableObjects()) MoveObject(*mesh, *trafo);
+    // An object that only the undo stack holds comes back as it was.
+    for (const std::shared_ptr<Mesh>& mesh : LiveVariableObjects())
+        if (std::ranges::find(m_vpMeshes, mesh) != m_vpMeshes.end()) MoveObject(*mesh, *trafo);
     InvalidateControl(false);
     return true;
 }
