@@ -115,7 +115,7 @@ TEST_F(PicksWhileTheSceneChanges, DoNotHitWhatACutHasRemovedUntilItIsUndone) {
     v.PickMoving(kQuarterTurn);
     v.Type(kKeySpace);
     CutAround(464, 240);  // the fixed plate, and the moving one and that at the back are not cut: no vertex is inside
-    v->m_nInteractionMode = ModeAlignPickPoints;
+    EXPECT_EQ(v->m_nInteractionMode, ModeAlignPickPoints);
     const auto fixedPlate = v->m_vUndoStack.back().at(kFixedPlate);
     EXPECT_NE(fixedPlate, v->m_vpMeshes.at(kFixedPlate));
     v.Click(464, 240);

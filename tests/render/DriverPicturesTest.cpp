@@ -1,4 +1,4 @@
-// Fourteen pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per
+// Fifteen pictures of what drivers differ in, compared with those of llvmpipe. ctest runs this program once per
 // driver: first on llvmpipe with KV_PICTURES_WRITE=1, which writes the references into the folder $KV_PICTURES, then on
 // the others. $KV_DRIVER is what GL_RENDERER must name. A wrong picture and its wrong pixels are written beside the
 // reference.
@@ -322,6 +322,29 @@ TEST_F(DriverPicturesInAWindow, Markers) {
     pane->CreateNeedle(27, -2.6f, -1.2f, 0.7f, -3.4f, -2.6f, 2.0f);
     pane->SelectNeedle(27);
     Check("Markers", 0.35);
+}
+
+// Points of both sides of an alignment, with needles and numbers.
+TEST_F(DriverPictures, PickedPoints) {
+    AddMeshes();
+    pane->ResetVariableObjects();
+    pane->AddVariableObject(0);
+    pane->AlignPickPoints();
+    const auto pick = [&](float x, float y, float z) {
+        std::int32_t windowX = 0, windowY = 0;
+        ASSERT_TRUE(pane->ProjectPoint(x, y, z, &windowX, &windowY));
+        using Kind = KV_ScenePane::MouseInput::Kind;
+        pane->SendMouse({Kind::LeftDown, KV_ScenePane::kMouseLeft, windowX, windowY, 0});
+        pane->SendMouse({Kind::LeftUp, 0, windowX, windowY, 0});
+    };
+    for (const auto& [x, y] : {std::pair{-2.2f, -1.4f}, {-3.4f, -0.8f}, {-2.5f, 0.1f}}) pick(x, y, 0.3f);
+    pane->SendKey({true, KV_ScenePane::kKeySpace});
+    pick(2.1f, -1.3f, 0.5f);
+    pick(0.2f, 2.6f, 0.4f);
+    const auto picks = pane->GetAlignmentPicks();
+    ASSERT_EQ(picks.moving.size(), 3u);
+    ASSERT_EQ(picks.fixed.size(), 2u);
+    Check("PickedPoints", 0.35);
 }
 
 // Both tints over hills and square, lines over everything, and the background around them as it was.
