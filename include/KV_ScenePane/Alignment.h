@@ -7,8 +7,8 @@ namespace KV_ScenePane {
 
 /// What an alignment waits for.
 enum class AlignmentPhase : std::int32_t {
-    /// No alignment is running.
-    None = 0,
+    /// No alignment is running. (Xlib defines None as a macro.)
+    Idle = 0,
     /// The mouse turns and moves the variable objects: AlignInteractive().
     ByHand = 1,
     /// Points are picked on the variable objects: AlignPickPoints().
@@ -34,7 +34,7 @@ struct AlignmentPair {
 
 /// The state of a running alignment.
 struct AlignmentPicks {
-    AlignmentPhase phase = AlignmentPhase::None;
+    AlignmentPhase phase = AlignmentPhase::Idle;
     /// The points so far, in the order of the picks; point i of both lists is a pair.
     std::vector<AlignmentPoint> moving, fixed;
 };

@@ -29,7 +29,7 @@ const std::vector<std::uint32_t> kColorsByHand = {0x000055, HandScene::kColors[1
 
 TEST(AlignInteractive, StartsWithADialogAndItsMode) {
     HandScene scene;
-    EXPECT_EQ(scene.pane.GetAlignmentPicks().phase, AlignmentPhase::None);
+    EXPECT_EQ(scene.pane.GetAlignmentPicks().phase, AlignmentPhase::Idle);
     scene.pane.AlignInteractive();
     ASSERT_NE(scene.Dialog(), nullptr);
     EXPECT_TRUE(scene.Dialog()->HasWindow());
@@ -234,7 +234,7 @@ TEST(AlignInteractive, EndsByFinishInteractionWithOneEvent) {
     EXPECT_EQ(scene.pane.m_pInteractionDlg, nullptr);
     EXPECT_TRUE(scene.pane.m_vInteractionDlgs.empty());
     EXPECT_EQ(scene.pane.m_nInteractionMode, ModeIdle);
-    EXPECT_EQ(scene.pane.GetAlignmentPicks().phase, AlignmentPhase::None);
+    EXPECT_EQ(scene.pane.GetAlignmentPicks().phase, AlignmentPhase::Idle);
     EXPECT_EQ(CountDone(scene.control), 1u);
     scene.pane.FinishInteraction();
     EXPECT_EQ(CountDone(scene.control), 1u);
@@ -294,7 +294,7 @@ TEST(AlignInteractive, GivesTheColorsBackThenFiresThenDraws) {
     scene.pane.FinishInteraction();
     EXPECT_EQ(host.done, 1);
     EXPECT_EQ(host.colors, kOwnColors);
-    EXPECT_EQ(host.phase, AlignmentPhase::None) << "the alignment is over";
+    EXPECT_EQ(host.phase, AlignmentPhase::Idle) << "the alignment is over";
     EXPECT_EQ(host.swapsBefore, 0);
     EXPECT_EQ(scene.control.window->swaps, 1);
 }

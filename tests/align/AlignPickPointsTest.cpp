@@ -36,7 +36,7 @@ protected:
         EXPECT_EQ(v->m_bLassoCursor, 0);
         EXPECT_FALSE(v.window->HasCapture());
         EXPECT_EQ(v.Colors(), colors);
-        EXPECT_EQ(v->GetAlignmentPicks().phase, AlignmentPhase::None);
+        EXPECT_EQ(v->GetAlignmentPicks().phase, AlignmentPhase::Idle);
     }
     void ExpectNothingMoved() {
         for (const std::int16_t object : {kMovingPlate, kFixedPlate, kBackPlate})
@@ -452,7 +452,7 @@ TEST_F(PickPoints, HaveEndedInTheHandlerOfTheHost) {
         EXPECT_EQ(v.Colors(), colors);
         EXPECT_EQ(v->m_bLassoCursor, 0);
         EXPECT_FALSE(v.window->HasCapture());
-        EXPECT_EQ(v->GetAlignmentPicks().phase, AlignmentPhase::None);
+        EXPECT_EQ(v->GetAlignmentPicks().phase, AlignmentPhase::Idle);
         EXPECT_TRUE(v->m_lastAlignment.isFound);
         ExpectTrafo(v.Trafo(kMovingPlate), kQuarterTurnTrafo);
         v.window->Forget();

@@ -1,0 +1,151 @@
+// The texts of the hint, by the phase of the alignment and the scheme of the mouse.
+#include "AlignHint.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+using KV_ScenePane::AlignmentPhase;
+
+QString Tr(const char* text) { return AlignHint::tr(text); }
+
+QString HandTask(MouseScheme scheme) {
+    switch (scheme) {
+        case MouseScheme::Flipped:
+            return Tr("Align by hand: the right button turns the bright objects, the left button moves them.");
+        case MouseScheme::Delayed:
+            return Tr(
+                "Align by hand: the right button turns the bright objects; with the left button or Shift it "
+                "moves them.");
+        case MouseScheme::Normal:
+            break;
+    }
+    return Tr("Align by hand: the left button turns the bright objects, the right button moves them.");
+}
+
+QString MovingTask(int points) {
+    const QString task = Tr("Align by points: click points on the bright objects, which will move");
+    if (points == 0) return task + '.';
+    return task + (points == 1 ? Tr(": 1 point.") : Tr(": %1 points.").arg(points));
+}
+
+QString FixedTask(int points, int wanted) {
+    const QString task = Tr("Align by points: click the same points in the same order on the bright objects, which "
+                            "stay: point %1 of %2.")
+                             .arg(points + 1)
+                             .arg(wanted);
+    return points + 1 == wanted ? task + Tr(" It ends the alignment.") : task;
+}
+
+QString TaskOf(const AlignHintState& state) {
+    switch (state.progress.phase) {
+        case AlignmentPhase::ByHand:
+            return HandTask(state.scheme);
+        case AlignmentPhase::PickMoving:
+            return MovingTask(state.progress.moving);
+        case AlignmentPhase::PickFixed:
+            return FixedTask(state.progress.fixed, state.progress.moving);
+        case AlignmentPhase::Idle:
+            break;
+    }
+    return {};
+}
+
+QString CtrlKey(const AlignHintState& state) {
+    if (state.isPlaneShown) return Tr("Ctrl and drag: the clip plane (hide it to drag the view)");
+    return state.scheme == MouseScheme::Delayed ? Tr("Ctrl and drag with the right button: the view")
+                                                : Tr("Ctrl and drag: the view");
+}
+
+QStringList KeysOf(const AlignHintState& state) {
+    const AlignProgress& progress = state.progress;
+    QStringList keys;
+    switch (progress.phase) {
+        case AlignmentPhase::Idle:
+            return {};
+        case AlignmentPhase::ByHand:
+            keys << Tr("Esc: finish");
+            break;
+        case AlignmentPhase::PickMoving:
+            if (progress.moving > 0)
+                keys << Tr("Space: continue on the objects that stay") << Tr("Delete: drop the last point");
+            keys << Tr("Esc: end without moving");
+            break;
+        case AlignmentPhase::PickFixed:
+            if (progress.fixed > 0) keys << Tr("Delete: drop the last point");
+            keys << Tr("Esc: end without moving");
+            break;
+    }
+    keys << CtrlKey(state);
+    return keys;
+}
+
+constexpr int kMaxHeight = 1000;  // pixels: no limit to the lines of a text
+
+/// One state per phase of the same alignment, with as long a text as it can have.
+std::vector<AlignHintState> LongestHints(const AlignHintState& state) {
+    if (state.progress.phase == AlignmentPhase::Idle || state.progress.phase == AlignmentPhase::ByHand) return {state};
+    constexpr int kPoints = 99;
+    AlignHintState moving = state, fixed = state;
+    moving.progress = {AlignmentPhase::PickMoving, kPoints, 0};
+    fixed.progress = {AlignmentPhase::PickFixed, kPoints, kPoints - 1};
+    return {moving, fixed};
+}
+
+}  // namespace
+
+AlignHintText HintOf(const AlignHintState& state) { return {TaskOf(state), KeysOf(state).join("   ·   ")}; }
+
+AlignHint::AlignHint(QWidget* parent) : QFrame(parent), m_pTask(new QLabel), m_pKeys(new QLabel) {
+    setObjectName("alignHint");
+    setFrameShape(QFrame::StyledPanel);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::ToolTipBase);
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(8, 3, 8, 3);
+    column->setSpacing(1);
+    for (QLabel* const label : {m_pTask, m_pKeys}) {
+        label->setWordWrap(true);
+        label->setForegroundRole(QPalette::ToolTipText);
+        column->addWidget(label);
+    }
+    m_pTask->setObjectName("alignTask");
+    m_pKeys->setObjectName("alignKeys");
+    QFont font = m_pTask->font();
+    font.setBold(true);
+    m_pTask->setFont(font);
+    hide();
+}
+
+void AlignHint::Show(const AlignHintState& state) {
+    m_state = state;
+    const AlignHintText text = HintOf(state);
+    m_pTask->setText(text.task);
+    m_pKeys->setText(text.keys);
+    FitHeight();
+    setVisible(!text.task.isEmpty());
+}
+
+void AlignHint::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    FitHeight();
+}
+
+void AlignHint::FitHeight() {
+    const QMargins margins = layout()->contentsMargins();
+    const int width = contentsRect().width() - margins.left() - margins.right();
+    const auto heightOf = [width](const QLabel& label, const QString& text) {
+        return label.fontMetrics().boundingRect(QRect(0, 0, width, kMaxHeight), Qt::TextWordWrap, text).height();
+    };
+    int task = 0, keys = 0;
+    for (const AlignHintState& state : LongestHints(m_state)) {
+        const AlignHintText text = HintOf(state);
+        task = std::max(task, heightOf(*m_pTask, text.task));
+        keys = std::max(keys, heightOf(*m_pKeys, text.keys));
+    }
+    m_pTask->setMinimumHeight(task);
+    m_pKeys->setMinimumHeight(keys);
+}
