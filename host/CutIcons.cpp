@@ -1,31 +1,16 @@
-// All icons are drawn on a square of 24 x 24 units, at two sizes for screens of two densities.
+// What the icons of the cutting tools show.
 #include "CutIcons.h"
 
 #include <QPainter>
 #include <QPainterPath>
-#include <QPixmap>
-#include <functional>
+
+#include "ToolAction.h"
 
 namespace {
 
-constexpr double kSide = 24.0;
+constexpr double kSide = kToolIconSide;
 const QColor kSheet(0xC8, 0xCC, 0xD2), kEdge(0x50, 0x56, 0x60), kRemoved(0xF0, 0x90, 0x88), kCross(0xB0, 0x10, 0x10),
     kLine(0x00, 0x60, 0x90);
-
-QIcon DrawIcon(const std::function<void(QPainter&)>& draw) {
-    QIcon icon;
-    for (const int pixels : {24, 48}) {
-        QPixmap picture(pixels, pixels);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.scale(pixels / kSide, pixels / kSide);
-        draw(painter);
-        painter.end();
-        icon.addPixmap(picture);
-    }
-    return icon;
-}
 
 bool IsFreehand(KV_ScenePane::SegmentationMode way) { return way >= KV_ScenePane::FreehandOutside; }
 
@@ -104,11 +89,11 @@ void DrawWay(QPainter& painter, KV_ScenePane::SegmentationMode way) {
 }  // namespace
 
 QIcon CutWayIcon(KV_ScenePane::SegmentationMode way) {
-    return DrawIcon([way](QPainter& painter) { DrawWay(painter, way); });
+    return DrawToolIcon([way](QPainter& painter) { DrawWay(painter, way); });
 }
 
 QIcon CutCancelIcon() {
-    return DrawIcon([](QPainter& painter) {
+    return DrawToolIcon([](QPainter& painter) {
         painter.setPen(QPen(kCross, 3, Qt::SolidLine, Qt::RoundCap));
         painter.drawLine(QPointF(6, 6), QPointF(18, 18));
         painter.drawLine(QPointF(18, 6), QPointF(6, 18));
@@ -116,7 +101,7 @@ QIcon CutCancelIcon() {
 }
 
 QIcon CutUndoIcon() {
-    return DrawIcon([](QPainter& painter) {
+    return DrawToolIcon([](QPainter& painter) {
         painter.setPen(QPen(kLine, 2.5, Qt::SolidLine, Qt::FlatCap));
         painter.drawArc(QRectF(6, 7, 13, 12), -80 * 16, 260 * 16);
         painter.setPen(Qt::NoPen);
@@ -126,7 +111,7 @@ QIcon CutUndoIcon() {
 }
 
 QIcon CutSaveIcon() {
-    return DrawIcon([](QPainter& painter) {
+    return DrawToolIcon([](QPainter& painter) {
         DrawSheet(painter, QRectF(3.5, 3.5, 17, 17));
         painter.setBrush(kEdge);
         painter.drawRect(QRectF(7, 3.5, 10, 5.5));

@@ -10,6 +10,7 @@
 
 #include "ColorButton.h"
 #include "CutIcons.h"
+#include "ToolAction.h"
 
 namespace {
 
@@ -37,19 +38,6 @@ const Way kWays[] = {
      QT_TRANSLATE_NOOP("CutToolBar", "removes only the front surface inside a line that you draw")},
 };
 
-constexpr int kIconSide = 24;  // pixels of a screen of plain density
-
-QAction* MakeAction(CutToolBar* parent, const char* name, const QIcon& icon, const QString& text,
-                    const QKeySequence& keys, const QString& tip) {
-    auto* const action = new QAction(icon, text, parent);
-    action->setObjectName(name);
-    action->setShortcut(keys);
-    const QString plain = QString(text).remove('&');
-    action->setToolTip(QString("%1 (%2): %3").arg(plain, keys.toString(QKeySequence::NativeText), tip));
-    action->setStatusTip(action->toolTip());
-    return action;
-}
-
 QString UndoText(int steps) {
     return steps > 0 ? CutToolBar::tr("Un&do cut (%1)").arg(steps) : CutToolBar::tr("Un&do cut");
 }
@@ -59,7 +47,7 @@ QString UndoText(int steps) {
 CutToolBar::CutToolBar(const LassoSettings& settings, QWidget* parent) : QToolBar(parent), m_settings(settings) {
     setObjectName("cuts");
     setWindowTitle(tr("Cut tools"));
-    setIconSize({kIconSide, kIconSide});
+    setIconSize({kToolIconSide, kToolIconSide});
     MakeWays();
     MakeCommands();
     addSeparator();
@@ -76,7 +64,7 @@ void CutToolBar::MakeWays() {
     for (int i = 0; i < static_cast<int>(std::size(kWays)); ++i) {
         const auto way = static_cast<KV_ScenePane::SegmentationMode>(i);
         const Way& row = kWays[i];
-        QAction* const action = MakeAction(this, row.name, CutWayIcon(way), tr(row.text), row.keys, tr(row.tip));
+        QAction* const action = MakeToolAction(this, row.name, CutWayIcon(way), tr(row.text), row.keys, tr(row.tip));
         action->setCheckable(true);
         // The check mark follows the viewer in Show(). A second click on the way that runs cancels it.
         connect(action, &QAction::triggered, this, [this, way](bool checked) {
@@ -93,14 +81,14 @@ void CutToolBar::MakeWays() {
 }
 
 void CutToolBar::MakeCommands() {
-    m_pCancel = MakeAction(this, "cutCancel", CutCancelIcon(), tr("&Cancel the lasso"), Qt::Key_Escape,
-                           tr("ends the lasso without a cut"));
+    m_pCancel = MakeToolAction(this, "cutCancel", CutCancelIcon(), tr("&Cancel the lasso"), Qt::Key_Escape,
+                               tr("ends the lasso without a cut"));
     connect(m_pCancel, &QAction::triggered, this, &CutToolBar::CancelWanted);
-    m_pUndo = MakeAction(this, "cutUndo", CutUndoIcon(), UndoText(0), Qt::CTRL | Qt::Key_Z,
-                         tr("takes the last cut back; files that were saved stay cut"));
+    m_pUndo = MakeToolAction(this, "cutUndo", CutUndoIcon(), UndoText(0), Qt::CTRL | Qt::Key_Z,
+                             tr("takes the last cut back; files that were saved stay cut"));
     connect(m_pUndo, &QAction::triggered, this, &CutToolBar::UndoWanted);
-    m_pSave = MakeAction(this, "cutSave", CutSaveIcon(), tr("Sav&e cuts..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
-                         tr("writes all cuts and the clip plane into the pcm files of the objects"));
+    m_pSave = MakeToolAction(this, "cutSave", CutSaveIcon(), tr("Sav&e cuts..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
+                             tr("writes all cuts and the clip plane into the pcm files of the objects"));
     connect(m_pSave, &QAction::triggered, this, &CutToolBar::SaveWanted);
     addActions({m_pCancel, m_pUndo, m_pSave});
     // The number of steps is in the text. What is beside it stays where it is while the number grows.

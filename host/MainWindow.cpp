@@ -8,8 +8,11 @@
 #include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QVBoxLayout>
 #include <new>
 
+#include "AlignCommands.h"
+#include "AlignHint.h"
 #include "AnimationPanel.h"
 #include "ClipPanel.h"
 #include "CutCommands.h"
@@ -21,8 +24,10 @@
 #include "NeedlePanel.h"
 #include "ObjectList.h"
 #include "PngFile.h"
+#include "ResidualPanel.h"
 #include "ScreenShot.h"
 #include "Settings.h"
+#include "TransformCommands.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -31,12 +36,14 @@ constexpr std::int32_t kBackground = 0x321919;  // 0x00BBGGRR, what the viewer s
 
 MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindow(parent), m_options(options) {
     m_nBackground.fill(kBackground);
-    setWindowTitle(tr("scenepane") + "[*]");  // the mark of cuts that are not saved
+    setWindowTitle(tr("scenepane") + "[*]");  // the mark of cuts and transforms that are not saved
     setAcceptDrops(true);
     // In this order: the docks connect to the viewer widget, and a menu lists the docks.
     MakeCentre();
     MakeDocks();
     MakeCuts();
+    MakeTransforms();
+    MakeAligns();
     MakeMenus();
     ReservePlainKeysForInputs();
     OpenFiles(options.files);  // they wait for the viewer
@@ -58,6 +65,8 @@ MainWindow::~MainWindow() {
     m_pNeedles->SetViewer(nullptr);
     m_pClip->SetViewer(nullptr);
     m_pCuts->SetViewer(nullptr);
+    m_pAligns->SetViewer(nullptr);
+    m_pTransforms->SetViewer(nullptr);
     StoreClipIfChanged();
     delete m_pViewer;  // now: what it writes while it closes still goes to the message pane
     m_pRouter.reset();
@@ -79,7 +88,14 @@ void MainWindow::MakeCentre() {
     m_pCentre = new QStackedWidget;
     m_pCentre->addWidget(m_pViewer);
     m_pCentre->addWidget(m_pRefusal);
-    setCentralWidget(m_pCentre);
+    m_pAlignHint = new AlignHint;
+    auto* const centre = new QWidget;
+    auto* const column = new QVBoxLayout(centre);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_pAlignHint);
+    column->addWidget(m_pCentre, 1);
+    setCentralWidget(centre);
     // Queued: the viewer is made while Qt is still showing the window for the first time.
     connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::OnViewerReady, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
@@ -123,17 +139,22 @@ void MainWindow::StopImport() {
 void MainWindow::EnableActions() {
     const bool viewer = Pane() != nullptr;
     const bool usable = viewer && !IsLassoRunning();  // most of them would move the scene below the lasso
+    const bool isFree = viewer && IsMouseFree();
     for (QAction* const action : m_vViewerActions) action->setEnabled(usable);
-    for (QAction* const action : m_vIdleActions) action->setEnabled(usable && !IsImporting());
+    for (QAction* const action : m_pickActions) action->setEnabled(isFree);
+    for (QAction* const action : m_vFileActions) action->setEnabled(isFree);
+    for (QAction* const action : m_vIdleActions) action->setEnabled(isFree && !IsImporting());
     m_pObjects->setEnabled(viewer && !IsImporting());
     m_pMarkers->setEnabled(viewer);
     FollowCuts();
+    FollowAlign();
 }
 
 void MainWindow::ClearScene() {
     if (Pane() == nullptr || IsImporting()) return;
     KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
     m_pCuts->Cancel();
+    m_pAligns->Finish();
     // The viewer keeps plain pointers to selected objects; they must not outlive the objects.
     methods.ResetSelection();
     methods.ResetVariableObjects();
@@ -141,6 +162,8 @@ void MainWindow::ClearScene() {
     methods.ClearData();  // an empty scene. The lines go with it
     m_pObjects->clear();
     m_pCuts->OnSceneCleared();
+    m_pTransforms->OnSceneCleared();
+    m_pResiduals->Clear();
     m_pMarkers->Clear();
     ClearPickPoints();
     ForgetPicks();
@@ -225,6 +248,7 @@ void MainWindow::ColorObject(int index, std::int32_t packed) {
 void MainWindow::DeleteObject(int index) {
     if (Pane() == nullptr || IsImporting()) return;
     m_pCuts->Cancel();
+    m_pAligns->Finish();
     // The method requests no repaint. Removing the row moves the later rows up, as the viewer moves its objects.
     Pane()->Methods().DeleteObject(static_cast<std::int16_t>(index));
     Pane()->Methods().PerformInvalidate();
@@ -235,7 +259,9 @@ void MainWindow::DeleteObject(int index) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!AskAboutNeedles() || !m_pCuts->AskAboutUnsaved(tr("Close the window"))) {
+    m_pAligns->Finish();  // what it has moved is asked about
+    const QString title = tr("Close the window");
+    if (!AskAboutNeedles() || !m_pCuts->AskAboutUnsaved(title) || !AskAboutTransforms(title)) {
         event->ignore();
         return;
     }

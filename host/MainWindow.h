@@ -12,10 +12,14 @@
 #include "CommandLine.h"
 #include "DebugCapture.h"
 #include "KV_ScenePane/ScenePane.h"
+#include "MouseScheme.h"
 #include "PickPanel.h"
 #include "PointsJob.h"
 #include "Settings.h"
 
+class AlignCommands;
+class AlignHint;
+class AlignToolBar;
 class AnimationPanel;
 class ClipPanel;
 class CutCommands;
@@ -35,15 +39,12 @@ class QMenu;
 class QProgressDialog;
 class QStackedWidget;
 class QTimer;
+class ResidualPanel;
+class TransformCommands;
+class TransformPanel;
 class ViewerWidget;
+struct AlignOutcome;
 struct NeedleMark;
-
-/// What a drag of each mouse button does.
-enum class MouseScheme {
-    Normal,   ///< left turns, right moves
-    Flipped,  ///< left moves, right turns
-    Delayed   ///< right turns, right with left moves; the left one picks. A press waits 0.1 s for the second button
-};
 
 /// Owns the viewer, through its widget, and the import that runs. On the thread of Qt only.
 class MainWindow : public QMainWindow {
@@ -79,6 +80,8 @@ public:
     [[nodiscard]] MarkerPanel& Markers() const { return *m_pMarkers; }
     [[nodiscard]] ClipPanel& Clip() const { return *m_pClip; }
     [[nodiscard]] CutCommands& Cuts() const { return *m_pCuts; }
+    [[nodiscard]] AlignCommands& Alignments() const { return *m_pAligns; }
+    [[nodiscard]] TransformCommands& Transforms() const { return *m_pTransforms; }
 
 signals:
     /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
@@ -143,6 +146,17 @@ public slots:
     /// @param failure  receives why the file, or a part of it, was not added: one line, empty when all of it was
     /// @return whether the file has needles and was read, also when the ids of some were in use
     bool LoadNeedles(const std::string& path, std::string* failure = nullptr);
+    /// Writes the transforms of all objects as a file and adds a message about it. What the file had of scans that are
+    /// not open stays in it.
+    /// @param path  in bytes
+    /// @return whether it was written
+    bool SaveTransforms(const std::string& path);
+    /// Sets the transforms of a file, as one change that can be taken back, and adds messages about it. Not during an
+    /// import or an alignment.
+    /// @param path     in bytes
+    /// @param failure  receives why no object has got one, unless it is null
+    /// @return whether an object has got a transform
+    bool LoadTransforms(const std::string& path, std::string* failure = nullptr);
     /// For the imports that follow.
     void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
 
@@ -154,6 +168,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// What the mouse is used for in the viewer.
+    enum class MouseUse { View, Lasso, Alignment };
+
     // ---- MainWindow.cpp
     /// The viewer widget, and the label that replaces it when the viewer is refused.
     void MakeCentre();
@@ -209,8 +226,6 @@ private:
     void MakeCutMenu();
     /// Tools, title, status bar and what can be used follow the lasso and the cuts.
     void FollowCuts();
-    /// A lasso was started or has ended: it is the only use of the mouse while it runs.
-    void FollowLasso();
     /// Picks and clip plane follow the objects of a cut or an undo.
     /// @param newIndex  of each object of before; -1 when it is gone
     void FollowReplacedObjects(const std::vector<int>& newIndex);
@@ -220,6 +235,49 @@ private:
     // For the user: these ask about unsaved cuts before.
     void AskToClear();
     void AskToDelete(int index);
+
+    // ---- MainWindowAlign.cpp
+    /// The tools of alignments, what they do, the hint above the viewer, the pane of residuals, and their connections.
+    void MakeAligns();
+    void MakeAlignMenu();
+    /// Tools and hint follow the alignment.
+    void FollowAlign();
+    /// An alignment has ended, with or without a movement.
+    void OnAlignmentEnded(const AlignOutcome& outcome);
+    /// A message, also in the status bar.
+    void ReportAlign(const QString& text);
+    [[nodiscard]] bool IsAligning() const;
+
+    // ---- MainWindowInput.cpp
+    /// A lasso or an alignment was started or has ended: it is the only use of the mouse while it runs.
+    void FollowMouseUse();
+    /// The viewer's other uses of the mouse end or begin again.
+    void SuspendMouseUses();
+    void ResumeMouseUses(MouseUse before);
+    /// Neither a lasso nor an alignment runs: the scene may change.
+    [[nodiscard]] bool IsMouseFree() const { return !IsLassoRunning() && !IsAligning(); }
+
+    // ---- MainWindowTransforms.cpp
+    /// What takes alignments back, the pane of the transform, and their connections.
+    void MakeTransforms();
+    /// Adds save and load of transforms to the file menu. m_pTakeBack can be added to any menu.
+    void MakeTransformActions(QMenu& menu);
+    /// Menu, title and pane follow the transforms.
+    void FollowTransforms();
+    /// The pane follows the current object.
+    void ShowTransform();
+    /// The title has a mark while something is not saved.
+    void MarkUnsaved();
+    /// Places the objects of the first import as the command line asked for.
+    void LoadTransformsOfOptions();
+    // Each of these shows a dialog for the file.
+    /// @return whether the transforms were saved
+    bool AskForTransformFileToSave();
+    void AskForTransformFileToLoad();
+    /// Asks about alignments that are not saved. @param title  what the user wants to do @return whether it can be done
+    bool AskAboutTransforms(const QString& title);
+    /// One message per line; the last line is shown in the status bar.
+    void ReportTransforms(const QString& text);
 
     // ---- MainWindowInput.cpp
     /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
@@ -355,9 +413,16 @@ private:
     QAction *m_pClipOn = nullptr, *m_pClipShown = nullptr;
     CutCommands* m_pCuts = nullptr;
     CutToolBar* m_pCutTools = nullptr;
+    TransformCommands* m_pTransforms = nullptr;
+    TransformPanel* m_pTransform = nullptr;
+    QAction *m_pTakeBack = nullptr, *m_pSaveTransforms = nullptr, *m_pLoadTransforms = nullptr;
+    AlignCommands* m_pAligns = nullptr;
+    AlignToolBar* m_pAlignTools = nullptr;
+    AlignHint* m_pAlignHint = nullptr;  // above the viewer during an alignment
+    ResidualPanel* m_pResiduals = nullptr;
     QLabel* m_pLassoHint = nullptr;          // in the status bar while a lasso is drawn
-    bool m_bLassoRuns = false;               // as FollowLasso() has seen it
-    bool m_bNeedlesOfMouse = false;          // of the viewer, before the lasso
+    MouseUse m_mouseUse = MouseUse::View;    // as FollowMouseUse() has seen it
+    bool m_bNeedlesOfMouse = false;          // of the viewer, before the lasso or the alignment
     QLabel* m_pClipState = nullptr;          // in the status bar while objects are clipped
     ClipSettings m_storedClip;               // what the settings hold
     QTimer* m_pClipStorage = nullptr;        // runs while they are older than the panel
@@ -370,8 +435,9 @@ private:
     bool m_bRemovesPickPoints = false;       // in RemovePickPoints()
     int m_nPointToMove = -1;                 // by the next pick; -1 for none
     MouseScheme m_mouseScheme = MouseScheme::Normal;
-    std::vector<QAction*> m_vViewerActions;  // enabled with a viewer
-    std::vector<QAction*> m_vIdleActions;    // enabled with a viewer and while no import runs
+    std::vector<QAction*> m_vViewerActions;  // enabled with a viewer and without a lasso
+    std::vector<QAction*> m_vFileActions;    // enabled with a viewer, without a lasso or an alignment
+    std::vector<QAction*> m_vIdleActions;    // the same, and while no import runs
     QList<QAction*> m_pickActions;           // in the order of KV_ScenePane::PickMode
     bool m_bRefused = false;                 // there will be no viewer any more
     ImportJob* m_pJob = nullptr;             // the import that runs; null without one

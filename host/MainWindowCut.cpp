@@ -1,17 +1,16 @@
 // Cuts in the window: the tools, and what follows a lasso, a cut and an undo. What the tools do is in CutCommands.h.
-#include <QDockWidget>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
 
-#include "AnimationPanel.h"
 #include "ClipPanel.h"
 #include "CutCommands.h"
 #include "CutToolBar.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "TransformCommands.h"
 #include "ViewerWidget.h"
 
 void MainWindow::MakeCuts() {
@@ -48,46 +47,11 @@ void MainWindow::MakeCutMenu() { m_pCutTools->FillMenu(*menuBar()->addMenu(tr("&
 bool MainWindow::IsLassoRunning() const { return m_pCuts->RunningWay().has_value(); }
 
 void MainWindow::FollowCuts() {
-    m_pCutTools->Show({.canCut = Pane() != nullptr && !IsImporting(),
+    m_pCutTools->Show({.canCut = Pane() != nullptr && !IsImporting() && !IsAligning(),
                        .way = m_pCuts->RunningWay(),
                        .undoSteps = m_pCuts->UndoSteps()});
-    setWindowModified(m_pCuts->HaveUnsaved());
-    if (m_bLassoRuns == IsLassoRunning()) return;
-    m_bLassoRuns = IsLassoRunning();
-    FollowLasso();
-}
-
-void MainWindow::FollowLasso() {
-    m_pViewer->SetLassoRuns(m_bLassoRuns);
-    m_pLassoHint->setVisible(m_bLassoRuns);
-    if (m_bLassoRuns) statusBar()->clearMessage();
-    EnableActions();
-    // A dock and not its contents, which know by themselves when they can be used.
-    for (QDockWidget* const dock : findChildren<QDockWidget*>()) {
-        if (dock->widget() != m_pMessages && dock->objectName() != "events") dock->setEnabled(!m_bLassoRuns);
-    }
-    if (Pane() == nullptr) return;
-    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
-    if (m_bLassoRuns) {
-        MovePickPoint(-1);  // Escape would cancel both
-        // The drag of a needle's head has precedence over a lasso, and a delayed press would lose its corner.
-        m_bNeedlesOfMouse = methods.GetNeedlePickingMode() != 0;
-        if (m_bNeedlesOfMouse) methods.SetNeedlePickingMode(KV_ScenePane::kVariantFalse);
-        if (m_mouseScheme == MouseScheme::Delayed) methods.SetIGDRotation(0);
-        return;
-    }
-    if (m_bNeedlesOfMouse) methods.SetNeedlePickingMode(KV_ScenePane::kVariantTrue);
-    if (m_mouseScheme == MouseScheme::Delayed) methods.SetIGDRotation(1);
-    m_pAnimation->ApplySpacebar();
-    // What was opened meanwhile. Queued: this may be a call from inside the viewer.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            OpenWaitingFiles();
-            OpenWaitingPoints();
-            AskForPointsLook();
-        },
-        Qt::QueuedConnection);
+    m_pTransforms->Follow();
+    FollowMouseUse();
 }
 
 void MainWindow::FollowReplacedObjects(const std::vector<int>& newIndex) {
@@ -95,6 +59,7 @@ void MainWindow::FollowReplacedObjects(const std::vector<int>& newIndex) {
         const auto i = static_cast<std::size_t>(object);
         return i < newIndex.size() ? newIndex[i] : -1;
     });
+    m_pTransforms->OnObjectsReplaced();
     m_pClip->FollowScene();
 }
 
@@ -104,7 +69,8 @@ void MainWindow::ReportCut(const QString& text) {
 }
 
 void MainWindow::AskToClear() {
-    if (Pane() != nullptr && m_pCuts->AskAboutUnsaved(tr("Clear the scene"))) ClearScene();
+    const QString title = tr("Clear the scene");
+    if (Pane() != nullptr && m_pCuts->AskAboutUnsaved(title) && AskAboutTransforms(title)) ClearScene();
 }
 
 void MainWindow::AskToDelete(int index) {

@@ -53,7 +53,7 @@ void MainWindow::OpenFiles(const std::vector<std::string>& files) {
 }
 
 void MainWindow::OpenWaitingFiles() {
-    if (Pane() == nullptr || IsImporting() || IsLassoRunning() || m_vWaitingFiles.empty()) return;
+    if (Pane() == nullptr || IsImporting() || !IsMouseFree() || m_vWaitingFiles.empty()) return;
     // All files that wait become one job, so that consecutive pcm files are read in parallel.
     std::vector<std::string> files;
     files.swap(m_vWaitingFiles);
@@ -128,6 +128,7 @@ void MainWindow::OnImportFinished() {
     m_pJob = nullptr;
     m_pProgress.release()->deleteLater();  // not at once: this may be a call from its own signal
     if (Pane() != nullptr) {
+        LoadTransformsOfOptions();
         if (wasEmpty) FitView(Pane()->Methods(), m_options.zoom);
         Pane()->Methods().PerformRefresh();
     }

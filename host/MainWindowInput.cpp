@@ -1,14 +1,21 @@
-// What mouse and keys do: the menus for it, the window's shortcuts while the viewer has the keyboard, and the keys that
-// stay in an input.
+// What mouse and keys do: the menus for it, the one use of the mouse while a lasso or an alignment runs, the window's
+// shortcuts while the viewer has the keyboard, and the keys that stay in an input.
 #include <QAbstractItemView>
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
+#include <QDockWidget>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QStatusBar>
+#include <algorithm>
 #include <iterator>
+#include <utility>
 
+#include "AlignCommands.h"
+#include "AnimationPanel.h"
 #include "DecorationPanel.h"
 #include "KeyShortcut.h"
 #include "MainWindow.h"
@@ -48,6 +55,12 @@ bool IsInput(const QObject* widget) {
            qobject_cast<const QAbstractItemView*>(widget) != nullptr;
 }
 
+/// Whether a pane stays usable. Messages and events only report; an alignment is looked at through the clip plane.
+bool IsUsableDuring(bool alignment, const QString& dock) {
+    if (dock == "messages" || dock == "events") return true;
+    return alignment && (dock == "clip" || dock == "alignment" || dock == "transform");
+}
+
 /// A character without Ctrl, Alt or Meta; Escape and the function keys are none.
 bool IsPlainKey(int key, Qt::KeyboardModifiers modifiers) {
     return key >= Qt::Key_Space && key < Qt::Key_Escape &&
@@ -81,6 +94,7 @@ void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
     // Two settings of the viewer that exclude each other here.
     Pane()->Methods().SetIGDRotation(scheme == MouseScheme::Delayed ? 1 : 0);
     Pane()->Methods().FlipMouseButtons(scheme == MouseScheme::Flipped ? 1 : 0);
+    FollowAlign();
 }
 
 void MainWindow::AllowMouse(bool on) {
@@ -90,6 +104,54 @@ void MainWindow::AllowMouse(bool on) {
 void MainWindow::ReduceWhileMoving(bool on) {
     if (Pane() == nullptr) return;
     Pane()->Methods().SetMoveReduced(on ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse);
+}
+
+void MainWindow::FollowMouseUse() {
+    const MouseUse use = IsLassoRunning() ? MouseUse::Lasso : IsAligning() ? MouseUse::Alignment : MouseUse::View;
+    if (use == m_mouseUse) return;
+    const MouseUse before = std::exchange(m_mouseUse, use);
+    const bool isFree = use == MouseUse::View;
+    m_pViewer->SetTakesPresses(!isFree);
+    m_pLassoHint->setVisible(use == MouseUse::Lasso);
+    if (!isFree) statusBar()->clearMessage();
+    EnableActions();
+    // A dock and not its contents, which know by themselves when they can be used.
+    for (QDockWidget* const dock : findChildren<QDockWidget*>())
+        dock->setEnabled(isFree || IsUsableDuring(use == MouseUse::Alignment, dock->objectName()));
+    if (Pane() == nullptr) return;
+    if (isFree)
+        ResumeMouseUses(before);
+    else
+        SuspendMouseUses();
+}
+
+void MainWindow::SuspendMouseUses() {
+    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    MovePickPoint(-1);  // Escape would cancel both
+    // The drag of a needle's head has precedence over a lasso and an alignment.
+    m_bNeedlesOfMouse = methods.GetNeedlePickingMode() != 0;
+    if (m_bNeedlesOfMouse) methods.SetNeedlePickingMode(KV_ScenePane::kVariantFalse);
+    // A delayed press would lose its corner.
+    if (m_mouseUse == MouseUse::Lasso && m_mouseScheme == MouseScheme::Delayed) methods.SetIGDRotation(0);
+    // Space continues an alignment by points.
+    methods.StopAnimation();
+    methods.ToggleAnimationOnSpacebar(0);
+}
+
+void MainWindow::ResumeMouseUses(MouseUse before) {
+    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    if (m_bNeedlesOfMouse) methods.SetNeedlePickingMode(KV_ScenePane::kVariantTrue);
+    if (before == MouseUse::Lasso && m_mouseScheme == MouseScheme::Delayed) methods.SetIGDRotation(1);
+    m_pAnimation->ApplySpacebar();
+    // What was opened meanwhile. Queued: this may be a call from inside the viewer.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            OpenWaitingFiles();
+            OpenWaitingPoints();
+            AskForPointsLook();
+        },
+        Qt::QueuedConnection);
 }
 
 void MainWindow::ReservePlainKeysForInputs() {
@@ -115,6 +177,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 void MainWindow::RunShortcut(int key, Qt::KeyboardModifiers modifiers) {
     // Qt would run no shortcut then either.
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
+    if (m_pAligns->ActsOnKey(key)) return;  // the viewer has done what the tool with this key would do
     if (QAction* const action = ActionOfKey(findChildren<QAction*>(), key, modifiers)) {
         action->trigger();
     } else if (QAction* const menu = MenuOfKey(menuBar()->actions(), key, modifiers)) {

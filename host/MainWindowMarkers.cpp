@@ -53,7 +53,7 @@ void MainWindow::MakeMarkerActions(QMenu& menu) {
                              .arg(QString::fromStdString(ExtensionList(IsPoints, "and"))));
     QAction* const lines = menu.addAction(tr("Import &lines..."), this, &MainWindow::AskForLineFiles);
     lines->setStatusTip(tr("Import polylines from text files"));
-    m_vViewerActions.insert(m_vViewerActions.end(), {points, lines});
+    m_vFileActions.insert(m_vFileActions.end(), {points, lines});
     m_pointsLook.color = m_options.import.color;
 }
 
@@ -71,7 +71,7 @@ void MainWindow::AskForPointFiles() {
 }
 
 void MainWindow::AskForPointsLook() {
-    if (Pane() == nullptr || m_bAsksForPoints || IsLassoRunning() || m_unaskedPoints.files.empty()) return;
+    if (Pane() == nullptr || m_bAsksForPoints || !IsMouseFree() || m_unaskedPoints.files.empty()) return;
     m_bAsksForPoints = true;
     const PointsRequest request = std::exchange(m_unaskedPoints, {});
     auto* const dialog = new PointsDialog(NamesOf(request.files), m_pointsLook, this);
@@ -109,7 +109,7 @@ void MainWindow::ImportPointFiles(const std::vector<std::string>& files, const P
 // ---- points: the import
 
 void MainWindow::OpenWaitingPoints() {
-    if (Pane() == nullptr || IsImporting() || IsLassoRunning() || m_vWaitingPoints.empty()) return;
+    if (Pane() == nullptr || IsImporting() || !IsMouseFree() || m_vWaitingPoints.empty()) return;
     PointsRequest request = std::move(m_vWaitingPoints.front());
     m_vWaitingPoints.erase(m_vWaitingPoints.begin());
     m_pPointsJob = new PointsJob(Pane()->Methods(), std::move(request), this);

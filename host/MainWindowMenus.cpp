@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <iterator>
 
+#include "AlignToolBar.h"
 #include "BackgroundDialog.h"
 #include "ColorButton.h"
 #include "CutToolBar.h"
@@ -44,12 +45,13 @@ void MainWindow::MakeMenus() {
     MakeFileMenu();
     MakeViewMenu();
     MakeCutMenu();
+    MakeAlignMenu();
     MakeImportMenu();
 }
 
 void MainWindow::MakeFileMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&File"));
-    m_vViewerActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
+    m_vFileActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
     MakeMarkerActions(*menu);
     m_vIdleActions.push_back(
         menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::AskToClear));
@@ -59,10 +61,11 @@ void MainWindow::MakeFileMenu() {
     exports->setStatusTip(tr("Export the object of the list's current row as a %1 file")
                               .arg(QString::fromStdString(ExtensionList(IsExported, "or"))));
     m_vIdleActions.push_back(exports);
+    MakeTransformActions(*menu);
     QAction* const shot = menu->addAction(tr("&Save screenshot..."), QKeySequence(Qt::CTRL | Qt::Key_S), this,
                                           &MainWindow::AskForScreenShot);
     shot->setStatusTip(tr(kScreenShotSummary));
-    m_vViewerActions.push_back(shot);
+    m_vFileActions.push_back(shot);
     menu->addSeparator();
     menu->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 }
@@ -108,6 +111,7 @@ void MainWindow::MakeViewMenu() {
     // The docks exist already: the menus are made last.
     for (QDockWidget* const dock : findChildren<QDockWidget*>()) panes->addAction(dock->toggleViewAction());
     panes->addAction(m_pCutTools->toggleViewAction());
+    panes->addAction(m_pAlignTools->toggleViewAction());
 }
 
 QList<QAction*> MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,

@@ -2,6 +2,7 @@
 #include <QDockWidget>
 #include <QMenu>
 
+#include "AlignCommands.h"
 #include "AnimationPanel.h"
 #include "ClipPanel.h"
 #include "CutCommands.h"
@@ -13,6 +14,9 @@
 #include "MessagePane.h"
 #include "NeedlePanel.h"
 #include "ObjectList.h"
+#include "ResidualPanel.h"
+#include "TransformCommands.h"
+#include "TransformPanel.h"
 #include "ViewerWidget.h"
 
 QDockWidget* MainWindow::AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area) {
@@ -53,6 +57,8 @@ void MainWindow::MakeDocks() {
 
     MakePickPanel();
     MakeClipPanel();
+    m_pTransform = new TransformPanel;
+    m_pResiduals = new ResidualPanel;
 
     AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
     QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
@@ -65,17 +71,23 @@ void MainWindow::MakeDocks() {
     tabifyDockWidget(decorations, AddDock(tr("Clip plane"), "clip", m_pClip, Qt::RightDockWidgetArea));
     decorations->raise();
     AddDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
-    AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
+    QDockWidget* const events = AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
+    // Not beside the others: more tabs there would make the viewer narrower.
+    tabifyDockWidget(events, AddDock(tr("Transform"), "transform", m_pTransform, Qt::BottomDockWidgetArea));
+    tabifyDockWidget(events, AddDock(tr("Alignment"), "alignment", m_pResiduals, Qt::BottomDockWidgetArea));
+    events->raise();
 }
 
 void MainWindow::PassViewerToPanels() {
     KV_ScenePane::_DKV_ScenePane* const methods = Pane() != nullptr ? &Pane()->Methods() : nullptr;
+    m_pTransforms->SetViewer(Pane());  // first: it follows what the others change
     m_pDecorations->SetViewer(methods);
     m_pLogo->SetViewer(methods);
     m_pAnimation->SetViewer(methods);
     m_pNeedles->SetViewer(methods);
     m_pClip->SetViewer(Pane());
     m_pCuts->SetViewer(Pane());
+    m_pAligns->SetViewer(Pane());
     m_pEvents->setEnabled(methods != nullptr);
     m_pPicks->setEnabled(methods != nullptr);
     if (methods == nullptr) ForgetPicks();

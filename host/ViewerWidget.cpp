@@ -3,6 +3,7 @@
 #include "ViewerWidget.h"
 
 #include <poll.h>
+#include <xcb/xcb.h>
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -108,6 +109,11 @@ void ViewerWidget::SegmentationDone(std::int16_t numObj) {
     emit LassoEnded(numObj);
 }
 
+void ViewerWidget::AlignmentDone() {
+    EventFormatter::AlignmentDone();
+    emit AlignmentEnded();
+}
+
 void ViewerWidget::CutMaskApplied(std::int64_t addr) {
     EventFormatter::CutMaskApplied(addr);
     emit CutAboutToApply();
@@ -141,7 +147,7 @@ void ViewerWidget::Open() {
 }
 
 bool ViewerWidget::FilterMouse(const MouseInput& input) {
-    if (m_bLassoRuns) {
+    if (m_bTakesPresses) {
         if (input.kind != MouseInput::Kind::DoubleClick) return false;
         MouseInput press = input;
         press.kind = MouseInput::Kind::LeftDown;
@@ -157,9 +163,19 @@ bool ViewerWidget::FilterMouse(const MouseInput& input) {
     return false;  // it only watches: the right button drags the view
 }
 
-void ViewerWidget::SetLassoRuns(bool runs) {
-    m_bLassoRuns = runs;
+void ViewerWidget::SetTakesPresses(bool on) {
+    m_bTakesPresses = on;
     m_rightClicks = {};  // the release of the press that cuts must not complete a click
+}
+
+// Not by Xlib, whose handler of errors ends the process when the window is not on the screen.
+void ViewerWidget::TakeKeyboard() {
+    setFocus();
+    auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (!m_pPane || x11 == nullptr) return;
+    xcb_set_input_focus(x11->connection(), XCB_INPUT_FOCUS_PARENT, static_cast<xcb_window_t>(m_pPane->NativeWindow()),
+                        XCB_CURRENT_TIME);
+    xcb_flush(x11->connection());
 }
 
 void ViewerWidget::Close() {

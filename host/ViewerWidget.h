@@ -23,9 +23,11 @@ public:
 
     /// Null before the widget is shown for the first time, and when the viewer was refused or lost its window.
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const { return m_pPane.get(); }
-    /// While a lasso is drawn all presses are its corners: the second press of a double click, too, which the viewer
-    /// would use to fit the view, pick or create a needle, and a right click opens no menu.
-    void SetLassoRuns(bool runs);
+    /// While a lasso or an alignment runs all presses belong to it: the second press of a double click, too, which the
+    /// viewer would use to fit the view, pick or create a needle, and a right click opens no menu.
+    void SetTakesPresses(bool on);
+    /// Gives the viewer the keyboard, as a press of the mouse in it does.
+    void TakeKeyboard();
 
     [[nodiscard]] QSize sizeHint() const override;
     /// None: the window of the viewer covers the widget, so that Qt has nothing to paint.
@@ -58,6 +60,8 @@ signals:
     void RightClicked(QPoint pixel);
     /// A cut will be applied; the viewer still has the objects of before.
     void CutAboutToApply();
+    /// An alignment has ended.
+    void AlignmentEnded();
     /// A lasso has ended. @param objects  in the list of the viewer; -1 when nothing was cut
     void LassoEnded(int objects);
     /// An input by which the viewer places a visible clip plane at the data: a double click with Ctrl, or with Ctrl a
@@ -81,6 +85,7 @@ private:
     void PickPointCountChanged(std::int32_t newCount) override;
     void SegmentationDone(std::int16_t numObj) override;
     void CutMaskApplied(std::int64_t addr) override;
+    void AlignmentDone() override;
     void NeedleCreated(std::int32_t id) override;
     void NeedleDeleted(std::int32_t id) override;
     void NeedleSelected(std::int32_t id) override;
@@ -107,7 +112,7 @@ private:
     const QSize m_wantedSize;
     const int m_nSamples;
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
-    bool m_bLassoRuns = false;
+    bool m_bTakesPresses = false;
     HeldModifiers m_held;
     RightClickWatch m_rightClicks;
     std::string m_strFailure;        // of the last ProcessEvents(); empty when it threw nothing

@@ -1,0 +1,75 @@
+// Alignments in the window: the tools, the hint above the viewer, and what follows the end of one. What the tools do is
+// in AlignCommands.h, what takes an alignment back in TransformCommands.h.
+#include <QDockWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+
+#include "AlignCommands.h"
+#include "AlignHint.h"
+#include "AlignToolBar.h"
+#include "ClipPanel.h"
+#include "CutCommands.h"
+#include "MainWindow.h"
+#include "MessagePane.h"
+#include "ObjectList.h"
+#include "ResidualPanel.h"
+#include "TransformCommands.h"
+#include "ViewerWidget.h"
+
+void MainWindow::MakeAligns() {
+    m_pAlignTools = new AlignToolBar;
+    addToolBar(m_pAlignTools);
+    m_pAligns = new AlignCommands([this] { return m_pObjects->MovingRows(); }, this);
+    connect(m_pAlignTools, &AlignToolBar::WayWanted, this, [this](AlignWay way) {
+        m_pCuts->Cancel();
+        m_pAligns->Start(way);
+        if (IsAligning()) m_pViewer->TakeKeyboard();
+    });
+    connect(m_pAlignTools, &AlignToolBar::ContinueWanted, m_pAligns, &AlignCommands::Continue);
+    connect(m_pAlignTools, &AlignToolBar::DropWanted, m_pAligns, &AlignCommands::DropPoint);
+    connect(m_pAlignTools, &AlignToolBar::FinishWanted, m_pAligns, &AlignCommands::Finish);
+    connect(m_pAligns, &AlignCommands::AboutToStart, this, [this](AlignWay way) {
+        m_pTransforms->Begin(way == AlignWay::ByHand ? tr("alignment by hand") : tr("alignment by points"));
+    });
+    connect(m_pAligns, &AlignCommands::Changed, this, &MainWindow::FollowAlign);
+    connect(m_pAligns, &AlignCommands::Ended, this, &MainWindow::OnAlignmentEnded);
+    connect(m_pAligns, &AlignCommands::Report, this, &MainWindow::ReportAlign);
+    // At once: what can be used is right whenever the user can use it.
+    connect(m_pViewer, &ViewerWidget::AlignmentEnded, m_pAligns, &AlignCommands::OnAlignmentDone);
+    connect(m_pViewer, &ViewerWidget::Handled, m_pAligns, &AlignCommands::FollowViewer);
+    connect(m_pClip, &ClipPanel::Changed, this, &MainWindow::FollowAlign);
+}
+
+void MainWindow::MakeAlignMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&Align"));
+    m_pAlignTools->FillMenu(*menu);
+    menu->addSeparator();
+    menu->addAction(m_pTakeBack);
+}
+
+bool MainWindow::IsAligning() const { return m_pAligns->IsRunning(); }
+
+void MainWindow::FollowAlign() {
+    m_pAlignTools->Show({.canAlign = Pane() != nullptr && !IsImporting() && !IsLassoRunning(),
+                         .way = m_pAligns->RunningWay(),
+                         .progress = m_pAligns->Progress()});
+    m_pAlignHint->Show({.progress = m_pAligns->Progress(),
+                        .scheme = m_mouseScheme,
+                        .isPlaneShown = m_pClip->IsClipping() && m_pClip->Settings().shown});
+    FollowMouseUse();
+}
+
+void MainWindow::OnAlignmentEnded(const AlignOutcome& outcome) {
+    (void)m_pTransforms->End();
+    const QString text = SummaryOf(outcome);
+    ReportAlign(text);
+    if (outcome.result.pairs.empty()) return;
+    m_pResiduals->Show(outcome.result, text);
+    if (auto* const dock = qobject_cast<QDockWidget*>(m_pResiduals->parentWidget())) dock->raise();
+}
+
+void MainWindow::ReportAlign(const QString& text) {
+    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
+    statusBar()->showMessage(text);
+}
