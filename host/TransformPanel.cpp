@@ -35,11 +35,10 @@ QString TransformText(const Matrix4& transform) {
 }
 
 TransformPanel::TransformPanel(QWidget* parent)
-    : QWidget(parent), m_pName(new QLabel), m_pState(new QLabel), m_pCopy(new QPushButton(tr("Co&py"))) {
+    : QWidget(parent), m_pName(new QLabel), m_pState(new QLabel), m_pCopy(new QPushButton(tr("Copy"))) {
     m_pName->setObjectName("transformName");
     m_pName->setTextFormat(Qt::PlainText);
     m_pState->setObjectName("transformState");
-    m_pState->setWordWrap(true);
     auto* const grid = new QGridLayout;
     for (std::size_t i = 0; i < m_pNumbers.size(); ++i) {
         auto* const number = new QLabel;
@@ -53,14 +52,22 @@ TransformPanel::TransformPanel(QWidget* parent)
     m_pCopy->setObjectName("transformCopy");
     m_pCopy->setToolTip(tr("Copy 4 lines of 4 numbers, with tabs between them and all digits"));
     connect(m_pCopy, &QPushButton::clicked, this, &TransformPanel::Copy);
-    auto* const buttons = new QHBoxLayout;
-    buttons->addWidget(m_pState, 1);
-    buttons->addWidget(m_pCopy);
-    auto* const column = new QVBoxLayout(this);
+    grid->setVerticalSpacing(0);
+    grid->setHorizontalSpacing(fontMetrics().averageCharWidth());
+    // Beside each other: a low window has little space for panes.
+    auto* const column = new QVBoxLayout;
     column->addWidget(m_pName);
-    column->addLayout(grid);
-    column->addLayout(buttons);
-    column->addStretch(1);
+    column->addWidget(m_pState);
+    column->addWidget(m_pCopy, 0, Qt::AlignLeft);
+    auto* const row = new QHBoxLayout;
+    row->addLayout(grid);
+    row->addSpacing(fontMetrics().averageCharWidth());
+    row->addLayout(column);
+    row->addStretch(1);
+    auto* const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(4, 2, 4, 2);
+    whole->addLayout(row);
+    whole->addStretch(1);
     Show(nullptr);
 }
 

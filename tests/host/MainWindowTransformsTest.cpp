@@ -421,6 +421,21 @@ TEST_F(MainWindowTransforms, KeepsTheFileOfBeforeWhenItCannotBeWritten) {
     (void)Methods().SetTrafoOfScan(1, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1);
 }
 
+// The name that is offered is the same for all scans of a folder.
+TEST_F(MainWindowTransforms, KeepsWhatAFileHasOfScansThatAreNotOpen) {
+    Align({0, 1}, kMotion);
+    const Matrix4 aligned = TransformOfObject(1);
+    ASSERT_TRUE(m_window->SaveTransforms(TransformFile()));
+    m_window->ClearScene();
+    Import({Front()});
+    ASSERT_TRUE(m_window->SaveTransforms(TransformFile()));
+    EXPECT_EQ(StatusText(), TransformFile() + ": 1 transform saved; 1 transform of scans that are not open kept");
+    Import({Back()});
+    ASSERT_TRUE(m_window->LoadTransforms(TransformFile()));
+    ExpectAt(0, kHome);
+    ExpectAt(1, aligned);
+}
+
 TEST_F(MainWindowTransforms, OffersTheFolderOfTheScans) {
     std::string name, folder;
     const DialogAnswer<QFileDialog> dialog([&](QFileDialog& files) {
