@@ -1,4 +1,4 @@
-# What `cmake --install` installs: public headers, the two libraries, the programs, and the package KV_ScenePane. Included
+# What `cmake --install` installs: public headers, the libraries, the programs, and the package KV_ScenePane. Included
 # last, after all targets.
 include(CMakePackageConfigHelpers)
 

@@ -19,7 +19,8 @@ endfunction()
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
 step("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
-expect_file(include/KV_ScenePane/ScenePane.h include/MSRDLL/Msr.h include/MSRDLL/MsrLastReason.h ${LIBDIR}/libKV_ScenePane.so ${LIBDIR}/libMSRDLL.so
+expect_file(include/KV_ScenePane/ScenePane.h include/MSRDLL/Msr.h include/MSRDLL/MsrLastReason.h
+            include/KV_UtilsLantern/KV_UtilsLantern.h ${LIBDIR}/libKV_ScenePane.so ${LIBDIR}/libMSRDLL.so ${LIBDIR}/libKV_UtilsLantern.so
             ${LIBDIR}/cmake/KV_ScenePane/KV_ScenePaneConfig.cmake bin/simulate-scans)
 
 # Moved, so that no path of the first place can have been kept.

@@ -1,10 +1,12 @@
-// Shows a mesh made in memory on an off-screen viewer, tests points against a cut mask, reads a file of points and
-// calls the measurement library; exit status 0 when all is well.
+// Shows a mesh made in memory on an off-screen viewer, aligns it by pairs of points, tests points against a cut mask,
+// reads a file of points and calls the libraries beside the viewer; exit status 0 when all is well.
 #include <KV_ScenePane/CutMask.h>
 #include <KV_ScenePane/PointFiles.h>
 #include <KV_ScenePane/ScenePane.h>
+#include <KV_UtilsLantern/KV_UtilsLantern.h>
 #include <MSRDLL/Msr.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -51,6 +53,17 @@ int main() {
     KV_ScenePane::Picture picture;
     if (!pane->CapturePicture(&picture)) return Fail("no picture");
     if (picture.width != 200 || picture.height != 100) return Fail("the picture has another size");
+
+    // Up by 5: the library behind the viewer is found in the installed tree.
+    const KV_ScenePane::AlignmentPair pairs[] = {
+        {{{0, 0, 0}, {}}, {{0, 0, 5}, {}}}, {{{9, 0, 0}, {}}, {{9, 0, 5}, {}}}, {{{0, 9, 0}, {}}, {{0, 9, 5}, {}}}};
+    pane->Methods().AddVariableObject(0);
+    if (!pane->AlignByPairs(pairs)) return Fail("no alignment");
+    if (std::abs(pane->GetAlignmentResult().transform[11] - 5) > 1e-5) return Fail("another transform");
+    const float from[] = {0, 0, 0, 9, 0, 0}, to[] = {0, 0, 5, 9, 0, 5};
+    float motion[12];
+    if (LANDLL_PickPointMatching(2, from, to, motion) != 0) return Fail("no match of two pairs");
+    if (std::abs(motion[11] - 5) > 1e-5f) return Fail("another match");
 
     ACAD::CutMask mask;
     mask.m_nKind = ACAD::CutKindOutside;  // without a pixel: removes everything
