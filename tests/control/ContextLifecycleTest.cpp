@@ -322,7 +322,13 @@ TEST_P(ContextOf, AfterAFailedRecreationEveryMethodCanBeCalled) {
         if (method.name == "ImportMeshedMeasurement") continue;  // its pointer is to a mesh, not to bytes
         if (method.name == "GetMeshDataSize" && control.GetNumObjects() == 0) continue;  // needs a valid index
         EXPECT_EQ(InvokeMethod(control, method.id, arguments, nullptr), AutomationStatus::Done) << method.name;
+        const std::int32_t mode = method.name == "AlignInteractive"    ? ModeAlignInteractive
+                                  : method.name == "AlignPickPoints"   ? ModeAlignPickPoints
+                                  : method.name == "FinishInteraction" ? ModeIdle
+                                                                       : control.m_nInteractionMode;
+        EXPECT_EQ(control.m_nInteractionMode, mode) << method.name;
     }
+    EXPECT_EQ(control.m_vInteractionDlgs.size(), 1u) << "the one that another one was opened over";
     KV_ScenePane::Picture picture;
     EXPECT_FALSE(pane->CapturePicture(&picture));
     pane->ProcessEvents();

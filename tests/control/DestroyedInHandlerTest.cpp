@@ -264,24 +264,44 @@ TEST_P(DestroyedInHandler, OfTheMessageOfARefusedContext) {
     ExpectEndOf("RecreateOpenglContext", [](ScenePane& p) { p.Methods().RecreateOpenglContext(9, 9, 0); });
 }
 
-/// Ends as the dialog of an alignment does: with an event.
-class EndingDialog final : public CInteractionDlg {
-public:
-    explicit EndingDialog(CKV_ScenePaneCtrl& control) : m_control(control) { control.m_pInteractionDlg = this; }
-    void Finish() override {
-        CKV_ScenePaneCtrl& control = m_control;
-        control.m_pInteractionDlg = nullptr;
-        delete this;
-        control.Fire(&KV_ScenePane::_DKV_ScenePaneEvents::AlignmentDone);
-    }
+// ---- alignments
 
-private:
-    CKV_ScenePaneCtrl& m_control;
-};
-
-TEST_P(DestroyedInHandler, OfADialogThatEndsWithTheWindow) {
-    new EndingDialog(ControlOf(*pane));
+TEST_P(DestroyedInHandler, OfAnAlignmentThatEndsWithTheWindow) {
+    pane->Methods().AddVariableObject(0);
+    for (int i = 0; i < 2; ++i) pane->Methods().AlignInteractive();
     ExpectEndOf("RecreateOpenglContext", [](ScenePane& p) { p.Methods().RecreateOpenglContext(3, 3, 0); });
+}
+
+TEST_P(DestroyedInHandler, OfAnAlignmentByHand) {
+    pane->Methods().AddVariableObject(0);
+    pane->Methods().AlignInteractive();
+    ExpectEndOf("FinishInteraction", [](ScenePane& p) { p.Methods().FinishInteraction(); });
+}
+
+TEST_P(DestroyedInHandler, OfAnAlignmentByHandThatEscapeEnds) {
+    pane->Methods().AddVariableObject(0);
+    pane->Methods().AlignInteractive();
+    events.inside = [&] {
+        if (events.fired == 2) pane.reset();  // after the event of the key
+        EXPECT_FALSE(notes.isDead);
+    };
+    pane->SendKey({.nChar = KV_ScenePane::kKeyEscape});
+    EXPECT_EQ(pane, nullptr);
+    EXPECT_TRUE(notes.isDead);
+    EXPECT_EQ(events.fired, 2);
+}
+
+TEST_P(DestroyedInHandler, OfAnAlignmentByPointsThatItsLastPickEnds) {
+    pane->Methods().SetPickMode(KV_ScenePane::PickModeOff);
+    pane->Methods().AddVariableObject(1);  // the upper triangle
+    pane->Methods().SetViewMode(KV_ScenePane::ViewFromPlusZYUp);
+    pane->Methods().AlignPickPoints();
+    Click(*pane, MouseInput::Kind::LeftDown);
+    Click(*pane, MouseInput::Kind::LeftUp);
+    pane->SendKey({.nChar = KV_ScenePane::kKeySpace});
+    ASSERT_EQ(pane->GetAlignmentPicks().phase, KV_ScenePane::AlignmentPhase::PickFixed);
+    events.fired = 0;
+    ExpectEndOf("the click", [](ScenePane& p) { Click(p, MouseInput::Kind::LeftDown); });
 }
 
 // ---- cuts by lasso
@@ -450,6 +470,7 @@ TEST(ScenePaneHandle, PassesEveryMethodOn) {
         EXPECT_EQ(call(pane->Methods(), memory), expected) << method.name;
         EXPECT_EQ(output.Take(), expectedOutput) << method.name;
         EXPECT_EQ(memory, directMemory) << method.name;
+        EXPECT_EQ(ControlOf(*pane).m_nInteractionMode, direct.m_nInteractionMode) << method.name;
     }
 }
 

@@ -198,6 +198,8 @@ TEST(TheLibrary, PrintsNothingWhenTheHostHasASink) {
         methods.ImportScan(L"/no/such/file.pax", 0);
         methods.ImportScan(L"/no/such/file.xdt", 0);
         methods.AlignInteractive();
+        methods.AlignPickPoints();
+        methods.FinishInteraction();
         methods.AboutBox();
         float f = 0;
         methods.GetObjectBoundingBox(5, &f, &f, &f, &f, &f, &f);

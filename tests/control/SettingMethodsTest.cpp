@@ -62,6 +62,15 @@ const RepaintRow kRepaints[] = {
     {"AddSelection", Repaint::None, [](auto& c) { c.AddSelection(0); }},
     {"ResetVariableObjects", Repaint::None, [](auto& c) { c.ResetVariableObjects(); }},
     {"AddVariableObject", Repaint::None, [](auto& c) { c.AddVariableObject(0); }},
+    {"AlignInteractive", Repaint::Refresh, [](auto& c) { c.AlignInteractive(); }},
+    {"AlignPickPoints", Repaint::Refresh, [](auto& c) { c.AlignPickPoints(); }},
+    {"FinishInteraction", Repaint::Refresh,
+     [](auto& c) {
+         c.AlignInteractive();
+         dynamic_cast<WindowProbe&>(*c.m_pWindow).Forget();
+         c.FinishInteraction();
+     }},
+    {"FinishInteractionOfNone", Repaint::None, [](auto& c) { c.FinishInteraction(); }},
     {"SetReflection", Repaint::Refresh, [](auto& c) { c.SetReflection(0.5f, 0.5f); }},
     {"SetBackgroundColors", Repaint::Refresh, [](auto& c) { c.SetBackgroundColors(1, 2); }},
     {"SetBackgroundColorsFourCorners", Repaint::Refresh, [](auto& c) { c.SetBackgroundColorsFourCorners(1, 2, 3, 4); }},

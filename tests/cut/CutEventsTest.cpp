@@ -105,6 +105,18 @@ const CallBack kCallBacks[] = {
          EXPECT_NE(c->m_pCutSession, nullptr);
      },
      kUncut},
+    {"AlignInteractiveAndItsEnd",
+     [](auto& c) {
+         c->AlignInteractive();
+         c->FinishInteraction();
+     },
+     kUncut},
+    {"AlignPickPointsAndItsEnd",
+     [](auto& c) {
+         c->AlignPickPoints();
+         PressEscape(*c);
+     },
+     kUncut},
     {"SaveCuttingToPcms", [](auto& c) { EXPECT_EQ(c->SaveCuttingToPcms(), 0); }, kUncut},
     {"GetCutMasks",
      [](auto& c) {
@@ -163,6 +175,16 @@ TEST(CutMaskApplied, MayCallEveryMethodAndTheResultOfTheCutIsTakenAfterwards) {
             c->PerformRefresh();
             EXPECT_EQ(GlErrorOf(*c), GLenum{GL_NO_ERROR});
         }
+}
+
+TEST(CutMaskApplied, MayStartAnAlignmentThatGoesOnAfterTheCut) {
+    CutControl c;
+    c.host.onMask = [&](const ACAD::CutMask&) { c->AlignInteractive(); };
+    ASSERT_TRUE(Cut(c));
+    EXPECT_EQ(c->m_nInteractionMode, ModeAlignInteractive);
+    EXPECT_EQ(c->m_bLassoCursor, 0);
+    c->FinishInteraction();
+    EXPECT_EQ(c->m_nInteractionMode, ModeIdle);
 }
 
 TEST(CutMaskApplied, OfAStartWithAnUnknownNumberLeavesItsCursor) {

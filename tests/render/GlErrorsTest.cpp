@@ -227,6 +227,34 @@ TEST_P(GlErrors, AreNotLeftByLassosAndTheirCuts) {
     }
 }
 
+TEST_P(GlErrors, AreNotLeftByAlignments) {
+    GetParam().call(pane);
+    (void)TakeErrors();
+    using Kind = KV_ScenePane::MouseInput::Kind;
+    pane->AddVariableObject(0);
+    pane->AlignInteractive();
+    for (const bool isLeft : {true, false}) {
+        const std::uint32_t button = isLeft ? KV_ScenePane::kMouseLeft : KV_ScenePane::kMouseRight;
+        pane->SendMouse({.kind = isLeft ? Kind::LeftDown : Kind::RightDown, .flags = button, .x = 32, .y = 24});
+        for (const int x : {32, 40}) pane->SendMouse({.kind = Kind::Move, .flags = button, .x = x, .y = 20});
+        pane->SendMouse({.kind = isLeft ? Kind::LeftUp : Kind::RightUp, .x = 41, .y = 20});
+    }
+    EXPECT_EQ(TakeErrors(), std::vector<GLenum>());
+    ExpectCleanFrame();
+    pane->AlignPickPoints();  // over the open one
+    for (const int key : {0, KV_ScenePane::kKeySpace}) {
+        if (key != 0) pane->SendKey({.nChar = key});
+        pane->SendMouse({.kind = Kind::LeftDown, .flags = KV_ScenePane::kMouseLeft, .x = 32, .y = 24});
+        pane->SendMouse({.kind = Kind::LeftUp, .x = 32, .y = 24});
+        EXPECT_EQ(TakeErrors(), std::vector<GLenum>());
+        ExpectCleanFrame();
+    }
+    pane->FinishInteraction();
+    EXPECT_EQ(pane->m_pInteractionDlg, nullptr);
+    EXPECT_EQ(TakeErrors(), std::vector<GLenum>());
+    ExpectCleanFrame();
+}
+
 TEST(GlErrorsOfAWindow, OfNegativeSizeAreNotLeftByItsFirstFrameNorByOneAfterARecreation) {
     for (const auto& [width, height] : {std::pair{-5, 100}, {100, -5}, {-5, -5}}) {
         OffscreenControl pane(width, height);
