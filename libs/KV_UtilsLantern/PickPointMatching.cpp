@@ -38,7 +38,7 @@ struct PointSet {
 };
 
 PointSet Describe(int count, const float* xyz) {
-    PointSet set{};
+    PointSet set{Vector3d::Zero(), Vector3d::Zero(), 0, 0, 0};  // Eigen's vectors start without values
     double squares = 0;
     for (int i = 0; i < count; ++i) {
         set.centroid += PointAt(xyz, i);
