@@ -75,7 +75,8 @@ struct HostOptions {
     /// them, and it has at least one of each, and no others in files.
     std::string pairFile;
     std::vector<std::string> movingFiles, fixedFiles;
-    /// Transforms that replace those of the files after their import, or empty; bytes, as typed.
+    /// Transforms that replace those of the files after their import, in the window of its first files; or empty.
+    /// Bytes, as typed.
     std::string transformFile;
     /// Where Align writes the transforms of all its files, or empty; bytes, as typed.
     std::string savedTransforms;

@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QStatusBar>
 #include <algorithm>
+#include <utility>
 
 #include "CaughtError.h"
 #include "ClipPanel.h"
@@ -38,6 +39,21 @@ std::vector<std::string> FilesOf(const std::vector<ObjectRow>& rows) {
     return files;
 }
 
+/// What a file that will be replaced holds of scans that are not open; nothing of a file that cannot be read.
+std::vector<StoredTransform> OtherEntries(const std::string& path, const std::vector<std::string>& files) {
+    std::vector<StoredTransform> entries, others;
+    std::string reason;
+    if (!ReadTransformFile(path, &entries, &reason)) return others;
+    for (const std::size_t i : MatchTransforms(path, entries, files).unusedEntries)
+        others.push_back({StoredPath(path, entries[i].file), entries[i].matrix});
+    return others;
+}
+
+/// "1 transform", "2 transforms".
+QString CountText(std::size_t count) {
+    return count == 1 ? MainWindow::tr("1 transform") : MainWindow::tr("%1 transforms").arg(count);
+}
+
 }  // namespace
 
 void MainWindow::MakeTransforms() {
@@ -61,7 +77,7 @@ void MainWindow::MakeTransforms() {
 void MainWindow::MakeTransformActions(QMenu& menu) {
     m_pSaveTransforms = menu.addAction(tr("Save &transforms..."), this, &MainWindow::AskForTransformFileToSave);
     m_pSaveTransforms->setStatusTip(tr("Write the transform of each object, as it is now, into a json file"));
-    m_pLoadTransforms = menu.addAction(tr("L&oad transforms..."), this, &MainWindow::AskForTransformFileToLoad);
+    m_pLoadTransforms = menu.addAction(tr("Loa&d transforms..."), this, &MainWindow::AskForTransformFileToLoad);
     m_pLoadTransforms->setStatusTip(tr("Give the objects the transforms that a json file has for them"));
 }
 
@@ -126,10 +142,14 @@ bool MainWindow::SaveTransforms(const std::string& path) {
             if (const auto matrix = m_pTransforms->TransformOfRow(static_cast<int>(i)))
                 transforms.push_back({rows[i].file, *matrix});
         }
-        if (!transforms.empty() && WriteTransformFile(path, transforms, &reason)) {
+        const std::size_t count = transforms.size();
+        const std::vector<StoredTransform> others = OtherEntries(path, FilesOf(rows));
+        transforms.insert(transforms.end(), others.begin(), others.end());
+        if (count > 0 && WriteTransformFile(path, transforms, &reason)) {
             m_pTransforms->OnSaved();
-            ReportTransforms(transforms.size() == 1 ? tr("%1: 1 transform saved").arg(file)
-                                                    : tr("%1: %2 transforms saved").arg(file).arg(transforms.size()));
+            QString text = tr("%1: %2 saved").arg(file, CountText(count));
+            if (!others.empty()) text += tr("; %1 of scans that are not open kept").arg(CountText(others.size()));
+            ReportTransforms(text);
             return true;
         }
     } catch (...) {  // no exception may pass through Qt
@@ -139,7 +159,16 @@ bool MainWindow::SaveTransforms(const std::string& path) {
     return false;
 }
 
-bool MainWindow::LoadTransforms(const std::string& path) {
+void MainWindow::LoadTransformsOfOptions() {
+    // Once: objects of later imports stay where they are.
+    const std::string file = std::exchange(m_options.transformFile, {});
+    std::string failure;
+    if (file.empty() || LoadTransforms(file, &failure)) return;
+    ++m_nFilesNotAdded;
+    emit FileFailed(file, failure);
+}
+
+bool MainWindow::LoadTransforms(const std::string& path, std::string* failure) {
     if (Pane() == nullptr || IsImporting() || m_pTransforms->IsOpen()) return false;
     const QString file = QString::fromStdString(path);
     std::string reason;
@@ -163,12 +192,14 @@ bool MainWindow::LoadTransforms(const std::string& path) {
                          .arg(files.size())
                          .arg(moved);
             ReportTransforms(lines.join('\n'));
+            if (byRow.empty() && failure != nullptr) *failure = "holds no transform for any of the files";
             return !byRow.empty();
         }
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
     ReportTransforms(tr("%1: no transforms loaded: %2").arg(file, QString::fromStdString(reason)));
+    if (failure != nullptr) *failure = reason;
     return false;
 }
 

@@ -155,7 +155,7 @@ std::vector<StoredTransform> ParseTransforms(std::string_view text) {
     return transforms;
 }
 
-std::string TransformText(const std::string& path, const std::vector<StoredTransform>& transforms) {
+std::string TransformFileText(const std::string& path, const std::vector<StoredTransform>& transforms) {
     if (transforms.size() > kMaxTransformsInFile) throw std::runtime_error("there are too many transforms");
     const std::filesystem::path folder = FolderOf(path);
     std::string json = "{\"version\": " + std::to_string(kVersion) + ", \"scans\": [";
@@ -180,7 +180,7 @@ bool ReadTransformFile(const std::string& path, std::vector<StoredTransform>* tr
 
 bool WriteTransformFile(const std::string& path, const std::vector<StoredTransform>& transforms, std::string* reason) {
     return WriteJsonFile(
-        path, [&] { return TransformText(path, transforms); }, reason);
+        path, [&] { return TransformFileText(path, transforms); }, reason);
 }
 
 std::string StoredPath(const std::string& transformFile, const std::string& file) {

@@ -50,9 +50,9 @@ inline constexpr float kMaxTranslation = 1e9f;
 /// The content of a file of transforms. Names are relative to its folder; numbers are read back as the same floats.
 /// @param path  of the file, in bytes
 /// @throws std::runtime_error with one line of text for what would not be read again
-[[nodiscard]] std::string TransformText(const std::string& path, const std::vector<StoredTransform>& transforms);
+[[nodiscard]] std::string TransformFileText(const std::string& path, const std::vector<StoredTransform>& transforms);
 
-/// Replaces a file by TransformText(), as a whole or not at all.
+/// Replaces a file by TransformFileText(), as a whole or not at all.
 /// @param path    in bytes
 /// @param reason  receives why nothing was written, in English; unchanged after a success. One reason is a transform
 ///                that would not be read again

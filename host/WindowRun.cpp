@@ -51,6 +51,8 @@ int RunWindow(const HostOptions& options, char* program) {
                 if (!refusal.empty()) printFailure(file, refusal);
             }
         }
+        const std::string refusal = options.transformFile.empty() ? "" : ReadRefusal(options.transformFile);
+        if (!refusal.empty()) printFailure(options.transformFile, refusal);
         PrintError(
             stderr,
             reason +

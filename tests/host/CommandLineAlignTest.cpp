@@ -40,11 +40,11 @@ TEST(CommandLineOfAlignments, GivesNamesThatBeginWithAMinusToTheLastList) {
     EXPECT_EQ(options.fixedFiles, (Files{"-b.pcm", "--json"}));
 }
 
-TEST(CommandLineOfAlignments, ReadsStoredTransformsForEveryRunWithoutAWindow) {
+TEST(CommandLineOfAlignments, ReadsStoredTransformsForEveryRunWithFiles) {
     for (const Files& run :
-         {Files{"--screenshot=o.png", "a.pcm"}, Files{"--capture=o.png", "a.pcm"}, Files{"--pick=1,1", "a.pcm"},
-          Files{"--info", "a.pcm"}, Files{"--convert", "a.pcm", "b.ply"}, Files{"--save-cuts", "--clip-auto", "a.pcm"},
-          Files{"--export=o.ply", "--cut=inside:0,0;1,1", "a.pcm"}}) {
+         {Files{"a.pcm"}, Files{"--screenshot=o.png", "a.pcm"}, Files{"--capture=o.png", "a.pcm"},
+          Files{"--pick=1,1", "a.pcm"}, Files{"--info", "a.pcm"}, Files{"--convert", "a.pcm", "b.ply"},
+          Files{"--save-cuts", "--clip-auto", "a.pcm"}, Files{"--export=o.ply", "--cut=inside:0,0;1,1", "a.pcm"}}) {
         Files arguments = run;
         arguments.insert(arguments.begin(), {"--transforms", "first.json", "--transforms=dir/t.json"});
         EXPECT_EQ(Parsed(arguments).transformFile, "dir/t.json") << run.front() << ": the last one counts";
@@ -95,10 +95,6 @@ const WrongUsage kWrongUsages[] = {
     {"AlignWithLines",
      {"--align=p.txt", "--lines=l.txt", "--moving", "a.pcm", "--fixed", "b.ply"},
      "--lines has no meaning with --align"},
-    {"TransformsOfTheWindow",
-     {"--transforms=t.json", "a.pcm"},
-     "--transforms goes with --screenshot, --capture, --pick, --info, --convert, --save-cuts, --export and --align "
-     "only"},
     {"TransformsWithoutName", {"--info", "a.pcm", "--transforms="}, "--transforms takes a file name, not \"\""},
     {"TransformsWithVersion",
      {"--version", "--verbose", "--transforms=t.json"},

@@ -263,8 +263,9 @@ grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong message: $
 expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' square.xdt
 expect 1 'scenepane: none.ply: No such file or directory
 scenepane: none.txt: No such file or directory
+scenepane: none.json: No such file or directory
 scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' \
-    points.xyz none.ply --points points.xyz --lines none.txt
+    points.xyz none.ply --points points.xyz --lines none.txt --transforms none.json
 # Every result that is printed: a full disk is exit status 1 and a reason.
 full() {
     "$scenepane" "$@" >/dev/full 2>err.txt
