@@ -99,10 +99,11 @@ struct Error {
     double farthest = 0;  ///< of the farthest measured point, millimetres
 };
 
-Point MeanOfMoving(const std::vector<Place>& places) {
-    Point sum{};
-    for (const Place& place : places) sum = sum + place.moving;
-    return (1.0 / static_cast<double>(places.size())) * sum;
+std::vector<Point> MovingSide(const std::vector<Place>& places) {
+    std::vector<Point> points;
+    points.reserve(places.size());
+    for (const Place& place : places) points.push_back(place.moving);
+    return points;
 }
 
 /// Aligns by these places, and compares the pose with the truth.
@@ -114,7 +115,7 @@ Error Align(CKV_ScenePaneCtrl& control, const Scan& scan, const std::vector<Plac
     const Motion pose = PoseOf(control);
     Error error;
     error.angle = reference::AngleBetween(pose, scan.pose);
-    const Point mean = scan.pose.TurnBack(MeanOfMoving(places) - scan.pose.t);
+    const Point mean = scan.pose.TurnBack(reference::Mean(MovingSide(places)) - scan.pose.t);
     error.centroid = Length(pose(mean) - scan.pose(mean));
     for (std::size_t i = 0; i < scan.confidence.size(); ++i)
         if (scan.IsMeasured(i))
@@ -126,25 +127,21 @@ Error Align(CKV_ScenePaneCtrl& control, const Scan& scan, const std::vector<Plac
 /// distances d of the places is at most |d| over the smallest singular value of that map, which is the root of the two
 /// smaller scatters. The mean moves by the mean distance.
 Error LargestError(const std::vector<Place>& places) {
-    std::vector<Point> moving;
     Point sum{};
     double squares = 0;
     for (const Place& place : places) {
         const Point d = place.fixed - place.moving;
-        moving.push_back(place.moving);
         sum = sum + d;
         squares += Dot(d, d);
     }
-    const auto scatter = reference::PrincipalScatter(moving);
+    const auto scatter = reference::PrincipalScatter(MovingSide(places));
     return {std::sqrt(squares / (scatter[0] + scatter[1])), Length(sum) / static_cast<double>(places.size()), 0};
 }
 
 /// Of the floats on the way: points and transforms of up to 2000 millimetres.
 constexpr double kRoundingLength = 8 * 0x1p-24 * 2000;
 double RoundingAngle(const std::vector<Place>& places) {
-    std::vector<Point> moving;
-    for (const Place& place : places) moving.push_back(place.moving);
-    const auto scatter = reference::PrincipalScatter(moving);
+    const auto scatter = reference::PrincipalScatter(MovingSide(places));
     return 8 * 0x1p-24 + kRoundingLength * std::sqrt(static_cast<double>(places.size()) / (scatter[0] + scatter[1]));
 }
 
@@ -366,9 +363,7 @@ SimulatedPair Simulate(const std::string& shape) {
 /// What independent noise gives on average: the variance about each principal axis is that of a coordinate over the
 /// scatter across the axis. @param sigma  of the distance of a place, per coordinate
 double ExpectedSquaredAngle(const std::vector<Place>& places, double sigma) {
-    std::vector<Point> points;
-    for (const Place& place : places) points.push_back(place.moving);
-    const auto s = reference::PrincipalScatter(points);
+    const auto s = reference::PrincipalScatter(MovingSide(places));
     return sigma * sigma * (1 / (s[0] + s[1]) + 1 / (s[0] + s[2]) + 1 / (s[1] + s[2]));
 }
 

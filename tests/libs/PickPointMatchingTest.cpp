@@ -438,7 +438,7 @@ TEST(PickPointMatching, ThePairsMayComeInAnyOrder) {
     Points from, to;
     for (const std::size_t i : order) from.push_back(source[i]), to.push_back(target[i]);
     ExpectMotion(Matched(from, to), fit, source, 2 * kHalfUlp);
-    std::ranges::rotate(to, to.begin() + 1);
+    std::rotate(to.begin(), to.begin() + 1, to.end());
     EXPECT_GT(reference::AngleBetween(Matched(from, to), fit), 0.1) << "other pairs are another motion";
 }
 
