@@ -433,6 +433,18 @@ TEST_F(PickPoints, EndByEscapeInBothPhasesWithoutMovingAnything) {
     }
 }
 
+TEST_F(PickPoints, ForgetTheResultOfTheAlignmentBeforeAtTheirStart) {
+    v.AlignBy(kQuarterTurn);
+    ASSERT_TRUE(v->m_lastAlignment.isFound);
+    v->AlignInteractive();
+    v->FinishInteraction();
+    EXPECT_TRUE(v->m_lastAlignment.isFound) << "that by hand has none";
+    v->AlignPickPoints();
+    v.Type(kKeyEscape);
+    EXPECT_FALSE(v->m_lastAlignment.isFound);
+    EXPECT_TRUE(v->m_lastAlignment.pairs.empty());
+}
+
 TEST_F(PickPoints, EndByTheHostInBothPhasesWithoutMovingAnything) {
     for (const bool second : {false, true}) {
         v.host.done = 0;
