@@ -42,7 +42,7 @@ void MainWindow::MakeAligns() {
 }
 
 void MainWindow::MakeAlignMenu() {
-    QMenu* const menu = menuBar()->addMenu(tr("&Align"));
+    QMenu* const menu = menuBar()->addMenu(tr("Ali&gn"));
     m_pAlignTools->FillMenu(*menu);
     menu->addSeparator();
     menu->addAction(m_pTakeBack);

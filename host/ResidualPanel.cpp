@@ -45,17 +45,26 @@ ResidualPanel::ResidualPanel(QWidget* parent)
     m_pList->setHeaderLabels({tr("Pair"), tr("Residual (mm)"), tr("Moving point"), tr("Fixed point")});
     m_pList->setRootIsDecorated(false);
     m_pList->setUniformRowHeights(true);
-    m_pList->setMinimumHeight(80);
+    m_pList->setMinimumHeight(m_pList->header()->sizeHint().height() + fontMetrics().lineSpacing());
     m_pList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_pCopy->setObjectName("copyResiduals");
     m_pCopy->setToolTip(tr("Copy all pairs with their residuals and points"));
     connect(m_pCopy, &QPushButton::clicked, this,
             [this] { QGuiApplication::clipboard()->setText(ResidualText(m_result)); });
+    // Beside each other: a low window has little space for panes.
+    auto* const row = new QHBoxLayout;
+    row->addWidget(m_pSummary, 1);
+    row->addWidget(m_pCopy);
     auto* const column = new QVBoxLayout(this);
-    column->addWidget(m_pSummary);
+    column->setContentsMargins(4, 2, 4, 2);
     column->addWidget(m_pList, 1);
-    column->addWidget(m_pCopy, 0, Qt::AlignLeft);
+    column->addLayout(row);
     Clear();
+}
+
+QSize ResidualPanel::sizeHint() const {
+    constexpr int kPreferredRows = 4;
+    return {QWidget::sizeHint().width(), minimumSizeHint().height() + kPreferredRows * fontMetrics().lineSpacing()};
 }
 
 void ResidualPanel::Show(const KV_ScenePane::AlignmentResult& result, const QString& summary) {

@@ -23,6 +23,8 @@ public:
     void Show(const KV_ScenePane::AlignmentResult& result, const QString& summary);
     /// The objects of the result are gone or somewhere else.
     void Clear();
+    /// Low: the list of objects beside the viewer needs the height. The user can resize the pane.
+    [[nodiscard]] QSize sizeHint() const override;
 
 private:
     KV_ScenePane::AlignmentResult m_result;

@@ -97,7 +97,7 @@ protected:
         EXPECT_FALSE(IsAligning());
         EXPECT_EQ(Task(), "");
         EXPECT_EQ(ColorsOfViewer(), m_colors);
-        EXPECT_EQ(m_window->Pane()->GetAlignmentPicks().phase, Phase::None);
+        EXPECT_EQ(m_window->Pane()->GetAlignmentPicks().phase, Phase::Idle);
         EXPECT_TRUE(m_window->Objects().isEnabled());
     }
 
