@@ -205,7 +205,8 @@ public:
     /// @return whether a transform was found: the points of each side must not all be the same, and all must be finite.
     ///         GetAlignmentResult() has it, and the residual of each pair; without a transform nothing moves
     virtual bool AlignByPairs(std::span<const AlignmentPair> pairs) = 0;
-    /// What the last alignment by points found, by AlignByPairs() or by the operator; a default one before the first.
+    /// What the last alignment by points found, by AlignByPairs() or by the operator; a default one before the first,
+    /// and of one that has ended, or goes on, without as many points on both sides.
     [[nodiscard]] virtual AlignmentResult GetAlignmentResult() const = 0;
 };
 
