@@ -116,7 +116,10 @@ TEST_F(MainWindowAlign, KeepsTheSwitchOfTheSpaceBar) {
     const auto turns = [&] { return m_window->findChild<AnimationPanel*>()->Driver().IsDriving(); };
     Find<QCheckBox>("animationSpacebar").click();
     StartAlign("alignByPoints");
-    Press("space");
+    const auto presses = [&] { return m_window->Events().Text().count("CustomKeyDown(nChar = 32,"); };
+    const auto before = presses();
+    Xdotool("key space");  // and no other key after it, which would stop the turntable
+    ASSERT_TRUE(WaitUntil([&] { return presses() > before; }));
     EXPECT_FALSE(turns()) << "during an alignment";
     Press("Escape");
     Xdotool("key space");
