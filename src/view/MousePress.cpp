@@ -98,9 +98,7 @@ void LeftDownWhilePickingPoints(CKV_ScenePaneCtrl& control, std::uint32_t flags,
         control.m_nInteractionMode = LeftDragMode(control);
     } else if (CInteractionDlg* const dialog = control.m_pInteractionDlg; dialog != nullptr) {
         dialog->OnClick(x, y, flags);
-        moving = control.m_pInteractionDlg == dialog;  // the last point closes the dialog
-        // A handler of its end may have started the next alignment, to which the release returns.
-        if (!moving) control.m_nSavedInteractionMode = control.m_nInteractionMode;
+        moving = control.m_pInteractionDlg == dialog;  // the last point closes it; a handler may open the next one
     }
     control.BeginDrag(x, y, moving);
 }

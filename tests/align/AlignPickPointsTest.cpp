@@ -228,7 +228,9 @@ TEST_F(PickPoints, IgnoreSpaceInTheSecondPhase) {
     v.PickMoving(kQuarterTurn);
     v.Type(kKeySpace);
     v.Click(kQuarterTurn[0].fixedX, kQuarterTurn[0].fixedY);
+    v.window->Forget();
     v.Type(kKeySpace);
+    EXPECT_EQ(v.window->refreshes, 0);
     ExpectPicks(3, 1);
     EXPECT_EQ(v.Dialog().m_nPhase, 2);
     EXPECT_EQ(v.Color(0), DimmedColor(colors[0]));
@@ -315,6 +317,7 @@ TEST_F(PickPoints, SeeTwoKeysFirstWhenTheirWindowHasTheFocus) {
 // ---- the motion
 
 TEST_F(PickPoints, MoveTheObjectsOverTheirPoints) {
+    v.window->onEndWaitCursor = [&] { EXPECT_EQ(v.Colors(), colors) << "before the motion"; };
     v.AlignBy(kQuarterTurn);
     ExpectEnded();
     ExpectTrafo(v.Trafo(kMovingPlate), kQuarterTurnTrafo);

@@ -263,14 +263,25 @@ TEST_F(PickPointsDraw, RestoreTheStateOfOpenGl) {
     Click({420, 190});
     Frame();
     ASSERT_TRUE(pane->MakeContextCurrent());
+    // Lit, translucent and without depth test: the points are as usual.
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    for (const GLenum name : {GL_LIGHTING, GL_LIGHT0, GL_BLEND}) glEnable(name);
+    glDisable(GL_DEPTH_TEST);
+    glBlendFunc(GL_ONE, GL_ONE);
     glColor3f(0.25f, 0.5f, 0.75f);
     glPointSize(7);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     const GlState before = ReadGlState();
     pane->m_pInteractionDlg->DrawInteraction();
     ExpectGlStateIs(before);
     EXPECT_EQ(Get(GL_POINT_SIZE), 7);
+    glPopAttrib();
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    glPointSize(1);
+    std::array<std::uint8_t, 4> pixel{};
+    glReadPixels(150, 480 - 1 - 170, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
+    EXPECT_EQ(pixel, (std::array<std::uint8_t, 4>{255, 0, 0, 255}));
+    glReadPixels(420, 480 - 1 - 190, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel.data());
+    EXPECT_EQ(pixel, (std::array<std::uint8_t, 4>{0, 0, 255, 255}));
 }
 
 TEST_F(PickPointsDraw, AreInNoScreenshot) {
