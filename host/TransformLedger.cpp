@@ -20,12 +20,15 @@ TransformsById MovedSince(const TransformsById& before, const TransformsById& no
 }  // namespace
 
 bool IsSameTransform(const Matrix4& a, const Matrix4& b) {
-    // A rotation is stored as a quaternion: what is read after it was set differs in the last digits.
-    constexpr float kMaxRounding = 1e-6f;
+    // As the viewer compares a transform with the one of the import. A rotation is stored as a quaternion, and a file
+    // writes the translation in a unit of its own: what is read after it was set differs in the last digits.
+    constexpr float kMaxRounding = 1e-6f, kMaxTranslationRounding = 0x1p-22f;
     const auto isSame = [](float x, float y) { return x == y || (std::isnan(x) && std::isnan(y)); };
     for (std::size_t i = 0; i < a.size(); ++i) {
         const bool isTranslation = i % 4 == 3;
-        if (!isSame(a[i], b[i]) && (isTranslation || !(std::abs(a[i] - b[i]) <= kMaxRounding))) return false;
+        const float allowed =
+            isTranslation ? kMaxTranslationRounding * std::max(std::abs(a[i]), std::abs(b[i])) : kMaxRounding;
+        if (!isSame(a[i], b[i]) && !(std::abs(a[i] - b[i]) < allowed)) return false;
     }
     return true;
 }

@@ -51,7 +51,7 @@ struct CutSaveEntry {
     /// Cuts by lasso that the object had before the save; a plane does not count. Afterwards it has none, also when its
     /// file was not read or not written; it keeps them when memory was short between the read and the write.
     int numberOfCuts = 0;
-    /// The object has another transform than at its import, by more than the rounding of GetTrafoOfScan() and
+    /// The object has another transform than at its import, by more than the rounding of files, GetTrafoOfScan() and
     /// SetTrafoOfScan(): a plane, and cuts drawn since, would remove other pixels of the file than the window shows.
     bool isMoved = false;
     /// One of the cuts that are not in the file was drawn while the object had another transform than at its import,

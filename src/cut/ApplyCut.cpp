@@ -17,14 +17,17 @@ bool IsSame(double a, double b) { return a == b || (std::isnan(a) && std::isnan(
 
 bool IsMoved(const Mesh& mesh) {
     constexpr double kMaxRounding = 1e-6;
+    // Two to four steps of a float: files and hosts write the same translation in units of their own.
+    constexpr double kMaxTranslationRounding = 0x1p-22;
     const CACADQTrafo& now = mesh.m_Trafo;
     const CACADQTrafo before = mesh.m_optImportTrafo.value_or(CACADQTrafo{});
     const bool isSameRotation = std::ranges::equal(now.m_dRotation, before.m_dRotation, [](double a, double b) {
         return IsSame(a, b) || std::abs(a - b) <= kMaxRounding;
     });
     const bool isSameTranslation =
-        std::ranges::equal(now.m_dTranslation, before.m_dTranslation,
-                           [](double a, double b) { return IsSame(static_cast<float>(a), static_cast<float>(b)); });
+        std::ranges::equal(now.m_dTranslation, before.m_dTranslation, [](double a, double b) {
+            return IsSame(a, b) || std::abs(a - b) < kMaxTranslationRounding * std::max(std::abs(a), std::abs(b));
+        });
     return !isSameRotation || !isSameTranslation;
 }
 

@@ -274,6 +274,10 @@ TEST_F(SaveCut, NamesAnObjectMovedWhenItsTransformIsNotThatOfTheImport) {
     mesh->m_Trafo.Set(0, 1, 0, -1, 0, 0, 0, 0, 1, 10, 20, 30);
     mesh->m_optImportTrafo = mesh->m_Trafo;
     EXPECT_FALSE(PlanMeshCutting(*mesh, {}).isMoved);
+    mesh->m_Trafo.m_dTranslation[2] = std::nextafter(30.0f, 31.0f);  // as a file in another unit has it
+    EXPECT_FALSE(PlanMeshCutting(*mesh, {}).isMoved);
+    mesh->m_Trafo.m_dTranslation[2] = 30.0001;
+    EXPECT_TRUE(PlanMeshCutting(*mesh, {}).isMoved);
     mesh->m_Trafo.m_dTranslation[2] = 30.001;
     EXPECT_TRUE(PlanMeshCutting(*mesh, {}).isMoved);
     mesh->m_Trafo = *mesh->m_optImportTrafo;
