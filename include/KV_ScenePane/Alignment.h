@@ -20,7 +20,7 @@ enum class AlignmentPhase : std::int32_t {
 /// A point of a surface, world frame, scene units.
 struct AlignmentPoint {
     float point[3] = {};
-    /// Of length 1, or 0 where it is unknown.
+    /// Of length 1, or 0 where it is unknown. A single pair needs both of its normals: see ScenePane::AlignByPairs().
     float normal[3] = {};
 };
 

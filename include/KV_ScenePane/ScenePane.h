@@ -200,13 +200,16 @@ public:
     [[nodiscard]] virtual AlignmentPicks GetAlignmentPicks() const = 0;
     /// Moves the variable objects (AddVariableObject()) so that the moving points come to the fixed points, as at the
     /// end of AlignPickPoints(): a single pair turns the moving normal into the fixed one, too; of two and more only
-    /// the points count. Needs no OpenGL. A running alignment goes on. Fires nothing.
-    /// @param pairs  world frame; normals of any length
+    /// the points count. Two pairs, and points on a line, leave the rotation about the line open: the objects turn by
+    /// the shortest way. Only objects that are in the scene move; one that is listed twice moves twice. Needs no
+    /// OpenGL. A running alignment goes on. Fires nothing.
+    /// @param pairs  world frame; normals of any length. A single pair needs both normals: with a normal of 0, and with
+    ///               opposite normals, the objects turn by half a turn about the x axis of the world
     /// @return whether a transform was found: the points of each side must not all be the same, and all must be finite.
     ///         GetAlignmentResult() has it, and the residual of each pair; without a transform nothing moves
     virtual bool AlignByPairs(std::span<const AlignmentPair> pairs) = 0;
-    /// What the last alignment by points found, by AlignByPairs() or by the operator; a default one before the first,
-    /// and of one that has ended, or goes on, without as many points on both sides.
+    /// What the last alignment by points found, by AlignByPairs() or by the operator. A default result before the first
+    /// one, from AlignPickPoints() until the last point is picked, and after an alignment that ended before that.
     [[nodiscard]] virtual AlignmentResult GetAlignmentResult() const = 0;
 };
 

@@ -30,7 +30,8 @@ public:
     virtual void SegmentationDone(std::int16_t /*numObj*/) {}
     /// The view moved or was set, after TracingMode(1); once per step of a drag. The unit direction to the viewer
     virtual void ViewDirectionChanged(float /*vx*/, float /*vy*/, float /*vz*/) {}
-    /// An alignment has ended and its dialog is destroyed
+    /// An alignment has ended, whether anything has moved or not: once per alignment. The handler may start the next
+    /// one. The end of the viewer fires nothing
     virtual void AlignmentDone() {}
     /// A needle was created by CreateNeedle(), CreateNeedles() or the mouse. -1 after a double click while the
     /// list is full: no needle was created, and the double click has its other effects

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A dialog that is open already stays open without input.
+/// A dialog that is open already goes on without input: mouse and keys go to the new one.
 template <typename Dialog>
 void OpenDialog(CKV_ScenePaneCtrl& control, InteractionMode mode) {
     auto dialog = std::make_unique<Dialog>();

@@ -38,12 +38,21 @@ bool CKV_ScenePaneCtrl::AlignByPairs(std::span<const AlignmentPair> pairs) {
     const WaitCursor wait(*m_pWindow);
     const std::vector<Vertex> source = SideOf(pairs, &AlignmentPair::moving);
     const std::vector<Vertex> target = SideOf(pairs, &AlignmentPair::fixed);
+    if (!MoveByPoints(source, target)) return false;
+    InvalidateControl(false);
+    return true;
+}
+
+bool CKV_ScenePaneCtrl::MoveByPoints(std::span<const Vertex> source, std::span<const Vertex> target) {
     const std::optional<CACADQTrafo> trafo = MatchPoints(source, target);
     m_lastAlignment = DescribeAlignment(source, target, trafo);
     if (!trafo) return false;
-    // An object that only the undo stack holds comes back as it was.
-    for (const std::shared_ptr<Mesh>& mesh : LiveVariableObjects())
-        if (std::ranges::find(m_vpMeshes, mesh) != m_vpMeshes.end()) MoveObject(*mesh, *trafo);
-    InvalidateControl(false);
+    for (const auto& mesh : MovingObjects()) MoveObject(*mesh, *trafo);
     return true;
+}
+
+std::vector<std::shared_ptr<Mesh>> CKV_ScenePaneCtrl::MovingObjects() const {
+    auto objects = LiveVariableObjects();
+    std::erase_if(objects, [&](const auto& mesh) { return std::ranges::find(m_vpMeshes, mesh) == m_vpMeshes.end(); });
+    return objects;
 }

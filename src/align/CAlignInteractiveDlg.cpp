@@ -87,6 +87,11 @@ bool HasReleasePixel(const CKV_ScenePaneCtrl& control) {
 
 }  // namespace
 
+void CAlignInteractiveDlg::ForgetDrag() {
+    m_nDragState = kNoDrag;
+    m_bAwaitsDrag = true;
+}
+
 void CAlignInteractiveDlg::OnViewDrag(std::int32_t x, std::int32_t y) {
     m_bAwaitsDrag = false;
     m_nLastX = x;
@@ -95,7 +100,7 @@ void CAlignInteractiveDlg::OnViewDrag(std::int32_t x, std::int32_t y) {
 
 void CAlignInteractiveDlg::OnInitDialog() {
     CKV_ScenePaneCtrl& control = *m_pControl;
-    const auto moving = MovingObjects();
+    const auto moving = control.MovingObjects();
     MarkObjects(moving);
     m_fPivot = {};
     for (const auto& mesh : moving) {
@@ -146,7 +151,7 @@ void CAlignInteractiveDlg::Step(std::int32_t kind, std::int32_t x, std::int32_t 
     m_nLastY = y;
     if (!delta || !IsFinite(*delta)) return;
     m_Delta = *delta;
-    for (const auto& mesh : MovingObjects()) MoveObject(*mesh, m_Delta);
+    for (const auto& mesh : m_pControl->MovingObjects()) MoveObject(*mesh, m_Delta);
     if (kind == kMoveDrag)
         for (std::size_t i = 0; i < 3; ++i) m_fPivot[i] += static_cast<float>(m_Delta.m_dTranslation[i]);
     m_pControl->RefreshControl();

@@ -9,12 +9,13 @@
 /// No member is used after a repaint: the sink of the debugger output may end the alignment in it.
 class CAlignInteractiveDlg : public CInteractionDlg {
 public:
-    // The first call of a drag moves nothing. A drag takes steps of the other kind, too, and its end is that of its
-    // kind.
+    // The first call of a drag moves nothing, and fixes its kind. The calls of the other kind are steps of the same
+    // drag; only the end of its own kind ends it.
     void OnRotateDrag(std::int32_t x, std::int32_t y) override { Drag(kRotateDrag, x, y); }
     void OnMoveDrag(std::int32_t x, std::int32_t y) override { Drag(kMoveDrag, x, y); }
     void OnRotateEnd(std::int32_t x, std::int32_t y) override { EndDrag(kRotateDrag, x, y); }
     void OnMoveEnd(std::int32_t x, std::int32_t y) override { EndDrag(kMoveDrag, x, y); }
+    void ForgetDrag() override;
     void OnViewDrag(std::int32_t x, std::int32_t y) override;
     [[nodiscard]] bool AwaitsDrag() const override { return m_bAwaitsDrag; }
     [[nodiscard]] KV_ScenePane::AlignmentPicks GetPicks() const override {

@@ -21,13 +21,12 @@ constexpr float kPointSize = 5.0f, kLineWidth = 2.0f;  // pixels at scale 1
 constexpr float kNeedleLength = 3.0f;                  // scene units
 constexpr std::int32_t kNumberFont = 1;                // bold, 24 pixels
 
-Float3 PointOf(const Vertex& pick) { return {pick.x, pick.y, pick.z}; }
 Float3 NeedleTip(const Vertex& pick) { return PointOf(pick) + kNeedleLength * Float3{pick.nx, pick.ny, pick.nz}; }
 
 std::vector<KV_ScenePane::AlignmentPoint> ToPublic(const std::vector<Vertex>& picks) {
     std::vector<KV_ScenePane::AlignmentPoint> points;
     points.reserve(picks.size());
-    for (const Vertex& pick : picks) points.push_back({{pick.x, pick.y, pick.z}, {pick.nx, pick.ny, pick.nz}});
+    for (const Vertex& pick : picks) points.push_back(AlignmentPointOf(pick));
     return points;
 }
 
@@ -37,8 +36,9 @@ std::u16string NumberText(std::size_t index) {
     return {digits.begin(), digits.end()};
 }
 
-/// Moves what is drawn next towards the viewer by the size of a point. The surface that a point was picked on hides no
-/// part of it then, up to 63 degrees from the view; in the orthographic view its place in the window stays.
+/// Moves what is drawn next towards the viewer by the size s of a point. Its corners are s / sqrt(2) from its centre,
+/// so the surface that it was picked on hides no part of it up to a tilt of 54 degrees, whose tangent is sqrt(2). In
+/// the orthographic view its place in the window stays.
 void RaiseFromSurfaces(const CKV_ScenePaneCtrl& control) {
     const auto side = static_cast<float>(std::max(std::min(control.m_nWidth, control.m_nHeight), 1));
     const float pixel = control.m_fSceneSize * control.m_fZoom / side;
@@ -126,7 +126,7 @@ KV_ScenePane::AlignmentPicks CAlignPickPointsDlg::GetPicks() const {
 
 void CAlignPickPointsDlg::OnInitDialog() {
     CKV_ScenePaneCtrl& control = *m_pControl;
-    const auto moving = MovingObjects();
+    const auto moving = control.MovingObjects();
     MarkObjects(moving);
     m_vpPickableObjects.assign(moving.begin(), moving.end());  // one that is listed twice costs a second look per click
     for (const auto& mesh : control.m_vpMeshes) {
@@ -162,23 +162,20 @@ void CAlignPickPointsDlg::NextPhase() {
     if (m_nPhase != kPickMovingPhase || m_vSourcePoints.empty()) return;
     m_vpPickableObjects = m_vpFixedObjects;
     m_savedColors.Restore();
-    for (const auto& mesh : MovingObjects()) m_savedColors.Dim(mesh);
+    for (const auto& mesh : m_pControl->MovingObjects()) m_savedColors.Dim(mesh);
     m_nPhase = kPickFixedPhase;
     m_pControl->RefreshControl();
 }
 
 void CAlignPickPointsDlg::DropLastPick() {
     std::vector<Vertex>* const picks = PicksOfPhase();
-    if (picks == nullptr) return;
-    if (!picks->empty()) picks->pop_back();
+    if (picks == nullptr || picks->empty()) return;
+    picks->pop_back();
     m_pControl->RefreshControl();
 }
 
 void CAlignPickPointsDlg::ComputeAlignment() {
     CKV_ScenePaneCtrl& control = *m_pControl;
     const WaitCursor wait(*control.m_pWindow);
-    const auto trafo = MatchPoints(m_vSourcePoints, m_vTargetPoints);
-    if (trafo)
-        for (const auto& mesh : MovingObjects()) MoveObject(*mesh, *trafo);
-    control.m_lastAlignment = DescribeAlignment(m_vSourcePoints, m_vTargetPoints, trafo);
+    control.MoveByPoints(m_vSourcePoints, m_vTargetPoints);
 }

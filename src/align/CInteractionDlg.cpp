@@ -31,6 +31,12 @@ std::int32_t RestingMode(const CKV_ScenePaneCtrl& control) {
     return control.m_pInteractionDlg == nullptr ? ModeIdle : control.m_pInteractionDlg->m_nMode;
 }
 
+// In the handler of AlignmentDone the picking is over.
+bool HasLassoCursorAtRest(const CKV_ScenePaneCtrl& control) {
+    const CInteractionDlg* const dialog = control.m_pInteractionDlg;
+    return dialog != nullptr && dialog->HasWindow() && dialog->m_nMode == ModeAlignPickPoints;
+}
+
 // The release of a button that is held must not return to a mode that has no dialog.
 void LeaveAlignmentMode(CKV_ScenePaneCtrl& control) {
     control.m_nSavedInteractionMode = ModeIdle;
@@ -43,7 +49,6 @@ void CInteractionDlg::OnInteractionKey(std::int32_t nChar, std::int32_t /*nRepCn
 }
 
 void CInteractionDlg::OnClick(std::int32_t x, std::int32_t y, std::uint32_t flags) {
-    if (m_vpPickableObjects.empty()) return;
     CKV_ScenePaneCtrl& control = *m_pControl;
     const auto objects = ObjectsInScene(m_vpPickableObjects, control.m_vpMeshes);
     if (objects.empty()) return;
@@ -53,21 +58,14 @@ void CInteractionDlg::OnClick(std::int32_t x, std::int32_t y, std::uint32_t flag
     if (hit) OnObjectPicked(objects[hit->object], hit->triangle, hit->point, flags);
 }
 
-std::vector<std::shared_ptr<Mesh>> CInteractionDlg::MovingObjects() const {
-    const auto& scene = m_pControl->m_vpMeshes;
-    auto objects = m_pControl->LiveVariableObjects();
-    std::erase_if(objects, [&](const auto& mesh) { return std::ranges::find(scene, mesh) == scene.end(); });
-    return objects;
-}
-
 void CInteractionDlg::MarkObjects(const std::vector<std::shared_ptr<Mesh>>& moving) {
     for (const auto& mesh : m_pControl->m_vpMeshes) mesh->m_iObjectTag = kFixedTag;
     for (const auto& mesh : moving) mesh->m_iObjectTag = kVariableTag;
 }
 
-// The release of the button finds the viewer idle, where it ends no drag.
 void CInteractionDlg::AbandonMouseDrag() {
     CKV_ScenePaneCtrl& control = *m_pControl;
+    ForgetDrag();
     if (control.m_pInteractionDlg != this) return;
     control.m_pWindow->ReleaseCapture();
     control.m_bMoving = 0;

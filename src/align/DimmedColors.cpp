@@ -1,4 +1,4 @@
-// The buffers are marked dirty with each change: colours of vertices that are tinted are mixed at the upload.
+// The vertices are uploaded again after each change: colours of vertices that are tinted are mixed at the upload.
 #include "align/DimmedColors.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ std::uint32_t Dimmed(std::uint32_t color) {
 
 void SetColor(Mesh& mesh, std::uint32_t color) {
     mesh.SetColorRef(color);
-    mesh.MarkBuffersDirty();
+    mesh.MarkVerticesDirty();
 }
 
 }  // namespace

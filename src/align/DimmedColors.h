@@ -18,7 +18,6 @@ public:
     void AddCopy(const Mesh& original, const std::shared_ptr<Mesh>& copy);
     /// Gives all of them their colours back and forgets them.
     void Restore();
-    [[nodiscard]] bool IsEmpty() const { return m_vSavedColors.empty(); }
 
 private:
     struct SavedColor {

@@ -12,8 +12,6 @@
 
 namespace {
 
-Float3 PointOf(const Vertex& vertex) { return {vertex.x, vertex.y, vertex.z}; }
-
 Double3 TranslationOf(const CACADQTrafo& trafo) {
     return {trafo.m_dTranslation[0], trafo.m_dTranslation[1], trafo.m_dTranslation[2]};
 }
@@ -55,10 +53,6 @@ std::optional<CACADQTrafo> MatchSeveralPoints(std::span<const Vertex> source, st
     return trafo;
 }
 
-KV_ScenePane::AlignmentPoint AlignmentPointOf(const Vertex& vertex) {
-    return {{vertex.x, vertex.y, vertex.z}, {vertex.nx, vertex.ny, vertex.nz}};
-}
-
 // Of the transformed source point from the target point.
 double DistanceAfter(const CACADQTrafo& trafo, const Vertex& source, const Vertex& target) {
     const Double3 moved = Rotated(trafo, ToDouble3(PointOf(source))) + TranslationOf(trafo);
@@ -66,6 +60,10 @@ double DistanceAfter(const CACADQTrafo& trafo, const Vertex& source, const Verte
 }
 
 }  // namespace
+
+KV_ScenePane::AlignmentPoint AlignmentPointOf(const Vertex& pick) {
+    return {{pick.x, pick.y, pick.z}, {pick.nx, pick.ny, pick.nz}};
+}
 
 CACADQTrafo RotationAbout(const Double3& axis, double angle, const Double3& pivot) {
     const double c = std::cos(angle), s = std::sin(angle);
@@ -111,7 +109,8 @@ void MoveObject(Mesh& mesh, const CACADQTrafo& trafo) {
     mesh.m_Trafo = Compose(trafo, mesh.m_Trafo);
 }
 
-// In single precision up to axis and angle: the points of parallel normals must not turn by rounding of a product.
+// In single precision up to axis and angle: the cross product of equal normals is then 0 to the bit, and they give a
+// translation without any rotation.
 CACADQTrafo AlignSinglePair(const Vertex& source, const Vertex& target) {
     const Float3 a = UnitNormalOf(source), b = UnitNormalOf(target);
     const Float3 axis = Normalized(Cross(a, b));

@@ -8,6 +8,10 @@
 #include "geometry/Mesh.h"
 #include "geometry/Vector3.h"
 
+[[nodiscard]] inline Float3 PointOf(const Vertex& vertex) { return {vertex.x, vertex.y, vertex.z}; }
+/// As a host gets to know a pick.
+[[nodiscard]] KV_ScenePane::AlignmentPoint AlignmentPointOf(const Vertex& pick);
+
 /// Right-handed about @p axis through @p pivot, in double.
 /// @param axis   of length 1; another length gives the rotation that CACADQTrafo::Set() makes of the matrix
 /// @param angle  radians
@@ -21,7 +25,9 @@
 void MoveObject(Mesh& mesh, const CACADQTrafo& trafo);
 
 /// Turns the source normal into the target normal by the shortest way and moves the source point to the target point.
-/// Opposite normals give half a turn about the x axis of the world, a zero normal on either side too.
+/// Opposite normals have no shortest way, and a normal of 0 has no direction: half a turn about the x axis of the world
+/// then, whatever the normals are. Opposite normals along x are therefore not brought together: that turn leaves the
+/// source normal as it is.
 [[nodiscard]] CACADQTrafo AlignSinglePair(const Vertex& source, const Vertex& target);
 /// The transform of source points to target points: of one pair by AlignSinglePair(), of more by
 /// LANDLL_PickPointMatching().

@@ -283,6 +283,13 @@ public:
     // ---- align/AlignPairs.cpp
     /// ScenePane::AlignByPairs().
     bool AlignByPairs(std::span<const KV_ScenePane::AlignmentPair> pairs);
+    /// The variable objects that are in the scene, in the order of their list; one that is listed twice is there twice.
+    /// One that only an undo step holds stays as it was at the cut.
+    [[nodiscard]] std::vector<std::shared_ptr<Mesh>> MovingObjects() const;
+    /// Moves these objects by MatchPoints() and stores the result of the alignment. Asks for no repaint.
+    /// @param target  as many as @p source
+    /// @return whether there is a transform
+    bool MoveByPoints(std::span<const Vertex> source, std::span<const Vertex> target);
 
     // ---- control/MethodsToCome.cpp: one line to the debugger output: methods that this version only declares
     void AboutBox() override;

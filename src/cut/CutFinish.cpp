@@ -54,9 +54,11 @@ void DeleteCutSession(CKV_ScenePaneCtrl& control) {
 void LeaveLassoMode(CKV_ScenePaneCtrl& control) {
     const bool startedByHandler = !std::exchange(control.m_bSessionEnds, false);
     const std::int32_t mode = std::exchange(control.m_nInteractionMode, RestingMode(control));
+    const bool lassoCursor = HasLassoCursorAtRest(control);
+    if (lassoCursor) control.ShowLassoCursor(true);
     if (mode == ModeMaskLasso) DeleteCutSession(control);  // clicks of a handler may have made one
     if (!startedByHandler || (mode != ModeLasso && mode != ModeMaskLasso)) return;
-    control.ShowLassoCursor(false);
+    control.ShowLassoCursor(lassoCursor);
     control.m_bToggleAnimationOnSpacebar = 1;
     DeleteCutSession(control);
 }

@@ -38,6 +38,8 @@ bool HasSession(const CKV_ScenePaneCtrl& control) {
 
 /// @return false when the window has more pixels in a row or column than a texture
 bool BeginSession(CKV_ScenePaneCtrl& control, const SessionKind& session) {
+    // The lasso receives the release of a button that is held.
+    if (control.m_pInteractionDlg != nullptr) control.m_pInteractionDlg->AbandonMouseDrag();
     control.m_nInteractionMode = session.interaction;
     control.m_nSegmentationKind = static_cast<std::int32_t>(session.kind);
     control.m_bSessionEnds = false;
@@ -53,7 +55,7 @@ bool BeginSession(CKV_ScenePaneCtrl& control, const SessionKind& session) {
 /// A session that could not be started, as after its end. Without an event: the host receives the exception.
 void DropSession(CKV_ScenePaneCtrl& control) {
     control.m_nInteractionMode = RestingMode(control);
-    control.ShowLassoCursor(false);
+    control.ShowLassoCursor(HasLassoCursorAtRest(control));
     control.m_bToggleAnimationOnSpacebar = 1;
     control.MakeContextCurrent();  // in which the textures are deleted
     control.m_pCutSession.reset();

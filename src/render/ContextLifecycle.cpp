@@ -2,6 +2,7 @@
 // destruction. The log lines are the same for every window system and requested version: support searches for them.
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <exception>
 #include <string>
 #include <utility>
@@ -126,21 +127,29 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     return true;
 }
 
+/// The last alignment that the end of the window has still to end; null when all have ended. One whose AlignmentDone is
+/// firing has no window any more: it removes itself after its handler.
+CInteractionDlg* NextToEnd(const CKV_ScenePaneCtrl& control) {
+    const auto& dialogs = control.m_vInteractionDlgs;
+    const auto last = std::find_if(dialogs.rbegin(), dialogs.rend(),
+                                   [](const auto& dialog) { return dialog->m_bEndsWithWindow && dialog->HasWindow(); });
+    return last == dialogs.rend() ? nullptr : last->get();
+}
+
 /// Ends every alignment, the last one first, so that each gives back the colours that it found. One that a handler
-/// starts meanwhile stays open.
+/// starts meanwhile stays open: this would not end for a handler that starts one each time.
 /// @return what the first handler has thrown
 std::exception_ptr EndAlignments(CKV_ScenePaneCtrl& control) {
     std::exception_ptr failure;  // the others end all the same
-    const auto finish = [&](CInteractionDlg& dialog) {
+    for (const auto& dialog : control.m_vInteractionDlgs) dialog->m_bEndsWithWindow = true;
+    // Looked up again each time: handlers may end other alignments, which deletes them.
+    while (CInteractionDlg* const dialog = NextToEnd(control)) {
         try {
-            dialog.Finish();
+            dialog->Finish();
         } catch (...) {
             if (failure == nullptr) failure = std::current_exception();
         }
-    };
-    const auto open = std::exchange(control.m_vInteractionDlgs, {});  // none is deleted before all have ended
-    if (control.m_pInteractionDlg != nullptr) finish(*control.m_pInteractionDlg);
-    for (auto dialog = open.rbegin(); dialog != open.rend(); ++dialog) finish(**dialog);
+    }
     return failure;
 }
 

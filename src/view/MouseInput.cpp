@@ -12,6 +12,16 @@ void CallHandler(CKV_ScenePaneCtrl* owner, std::uint32_t flags, std::int32_t x, 
     (owner->*Handler)(flags, x, y);
 }
 
+/// A press while no other button is held begins a drag. One of objects that is still under way has lost its release, to
+/// a filter of the host or to another window. At the press, not when the dispatcher passes it on: moves may be before
+/// that.
+void ForgetLostDrag(CKV_ScenePaneCtrl& control, std::int32_t button, std::uint32_t flags) {
+    using KV_ScenePane::kMouseLeft, KV_ScenePane::kMouseRight;
+    const std::uint32_t own = button == kLeftButton ? kMouseLeft : button == kRightButton ? kMouseRight : 0;
+    const bool othersHeld = (flags & (kMouseLeft | kMouseRight) & ~own) != 0;
+    if (!othersHeld && control.m_pInteractionDlg != nullptr) control.m_pInteractionDlg->ForgetDrag();
+}
+
 }  // namespace
 
 void CKV_ScenePaneCtrl::ConnectMouseHandlers() {
@@ -49,6 +59,7 @@ void CKV_ScenePaneCtrl::OnMouse(const KV_ScenePane::MouseInput& input) {
     using Kind = KV_ScenePane::MouseInput::Kind;
     const MousePoint point{input.x, input.y};
     const auto press = [&](std::int32_t button) {
+        ForgetLostDrag(*this, button, input.flags);
         DispatchPress(m_mouseDispatch, button, input.flags, point,
                       [this](std::uint32_t milliseconds) { return m_pWindow->StartTimer(milliseconds); });
     };

@@ -84,7 +84,8 @@ bool DragAlignment(CKV_ScenePaneCtrl& control, std::uint32_t flags, std::int32_t
         DragAlignmentDelayed(control, flags, x, y);
         return true;
     }
-    // Both buttons held rotate and move at once.
+    // With both buttons held both calls are made. The first one takes the step to this pixel, so that the second one
+    // finds no travel left.
     const bool flipped = control.m_nFlipMouseButtons != 0;
     if ((flags & (flipped ? kMouseRight : kMouseLeft)) != 0) control.m_pInteractionDlg->OnRotateDrag(x, y);
     // Tested twice: the first call may close the dialog.

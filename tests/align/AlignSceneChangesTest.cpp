@@ -134,4 +134,114 @@ TEST_F(ChangedScene, CountsATransformThatTheHostSetsMeanwhile) {
     scene.Check();
 }
 
+// ---- a release that the dialog does not receive
+
+using LoseRelease = void (*)(HandScene&);
+struct LostRow {
+    const char* name;
+    LoseRelease lose;  ///< the right button has moved the objects to (320, 210) and is held
+};
+void PrintTo(const LostRow& row, std::ostream* out) { *out << row.name; }
+
+void RunLasso(HandScene& scene, bool isReleased) {
+    scene.pane.StartSegmentation(KV_ScenePane::PolygonInside);
+    if (isReleased) scene.Release(kMouseRight, 400, 300);
+    scene.pane.EndSegmentation();
+}
+
+const LostRow kLostRows[] = {
+    {"ReleasedInALasso", [](HandScene& s) { RunLasso(s, true); }},
+    {"HeldUntilAfterALasso", [](HandScene& s) { RunLasso(s, false), s.Release(kMouseRight, 400, 300); }},
+    {"ReleasedInACutByTheHost",
+     [](HandScene& s) {
+         s.pane.StartSegmentation(KV_ScenePane::FreehandInside);
+         s.Release(kMouseRight, 400, 300);
+         s.pane.EndSegmentation();
+     }},
+    {"SwallowedByTheFilterOfTheHost",
+     [](HandScene& s) {
+         s.pane.SetMouseFilter([](const KV_ScenePane::MouseInput&) { return true; });
+         s.Release(kMouseRight, 400, 300);
+         s.pane.SetMouseFilter({});
+     }},
+    {"NeverSent", [](HandScene&) {}},
+    {"DroppedByTheEndOfTheDelay",
+     [](HandScene& s) {
+         s.Release(kMouseRight, 320, 210);
+         s.pane.SetIGDRotation(1);
+         s.Press(kMouseRight, 320, 210);  // pending; the moves pass it by
+         for (const int x : {320, 321}) s.Move(kMouseRight, x, 210);
+         s.Release(kMouseRight, 321, 210);
+         s.pane.SetIGDRotation(0);
+         s.expected[1] = PoseOfScan(s.pane, 1);  // turned by one pixel
+         s.expected[2] = PoseOfScan(s.pane, 2);
+     }},
+};
+
+class LostRelease : public testing::TestWithParam<LostRow> {};
+
+/// The travel from the last pixel before to the first one of the next drag is not for the objects.
+TEST_P(LostRelease, MovesNothingAtTheStartOfTheNextDrag) {
+    for (const std::uint32_t button : {kMouseLeft, kMouseRight}) {
+        SCOPED_TRACE(button);
+        HandScene scene;
+        scene.Begin();
+        scene.Press(kMouseRight, 300, 200);
+        scene.Move(kMouseRight, 300, 200);
+        scene.Move(kMouseRight, 320, 210);
+        scene.ExpectShift(20, 10);
+        scene.Check();
+        GetParam().lose(scene);
+        EXPECT_EQ(scene.pane.m_nInteractionMode, ModeAlignInteractive);
+        scene.Check(2e-3);
+        scene.Press(button, 100, 100);
+        EXPECT_TRUE(scene.pane.WantsEveryMove()) << "the first move of the drag is not merged with later ones";
+        scene.Move(button, 100, 100);
+        scene.Check(2e-3);
+        scene.Move(button, 130, 90);
+        EXPECT_GT(Difference(PoseOfScan(scene.pane, 1), scene.expected[1]), 0.1) << "the drag goes on";
+        scene.Release(button, 130, 90);
+        EXPECT_EQ(scene.Dialog()->m_nDragState, CAlignInteractiveDlg::kNoDrag);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(All, LostRelease, testing::ValuesIn(kLostRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(DragInWhichALassoStarts, IsOverAlsoWhenTheButtonIsStillHeld) {
+    HandScene scene;
+    scene.Begin();
+    scene.Press(kMouseRight, 600, 40);  // a rotation would roll there
+    scene.Move(kMouseRight, 600, 40);
+    scene.Move(kMouseRight, 620, 50);
+    scene.ExpectShift(20, 10);
+    scene.pane.StartSegmentation(KV_ScenePane::PolygonInside);
+    EXPECT_FALSE(scene.control.window->HasCapture());
+    EXPECT_EQ(scene.pane.m_bMoving, 0) << "the objects are drawn whole again";
+    EXPECT_EQ(scene.pane.m_bRollRotation, 0);
+    scene.Move(kMouseRight, 400, 300);
+    scene.pane.EndSegmentation();
+    scene.Move(kMouseRight, 300, 200);  // the first one of a drag
+    scene.Check();
+    scene.Move(kMouseRight, 330, 220);
+    scene.ExpectShift(30, 20);
+    scene.Check();
+    scene.Release(kMouseRight, 330, 220);
+    EXPECT_EQ(scene.pane.m_nInteractionMode, ModeAlignInteractive);
+    scene.Check();
+}
+
+TEST(SecondButton, ThatIsPressedInADragLeavesItGoingOn) {
+    HandScene scene;
+    scene.Begin();
+    scene.Press(kMouseRight, 300, 200);
+    scene.Move(kMouseRight, 300, 200);
+    scene.Move(kMouseRight, 310, 200);
+    scene.Press(kMouseLeft, 330, 200, kMouseRight);
+    scene.Release(kMouseLeft, 330, 200, kMouseRight);
+    scene.Release(kMouseRight, 330, 200);
+    scene.ExpectShift(10, 0);
+    scene.ExpectShift(20, 0);
+    scene.Check();
+}
+
 }  // namespace

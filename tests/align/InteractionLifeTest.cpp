@@ -9,6 +9,8 @@
 #include "base/DebugOutput.h"
 #include "control/ScenePaneHandle.h"
 #include "support/XvfbServer.h"
+//
+#include <X11/Xlib.h>
 
 namespace {
 
@@ -97,6 +99,13 @@ public:
     CKV_ScenePaneCtrl* control = nullptr;
 };
 
+/// As another program does.
+void DestroyXWindow(std::uintptr_t window) {
+    Display* const display = XOpenDisplay(XvfbServer::Shared().Name().c_str());
+    XDestroyWindow(display, window);
+    XCloseDisplay(display);  // after the server has done it
+}
+
 // ---- every end with every action of the host
 
 struct Start {
@@ -108,10 +117,30 @@ void PrintTo(const Start& row, std::ostream* out) { *out << row.name; }
 const Start kStarts[] = {{"ByHand", ModeAlignInteractive, &KV_ScenePane::_DKV_ScenePane::AlignInteractive},
                          {"ByPoints", ModeAlignPickPoints, &KV_ScenePane::_DKV_ScenePane::AlignPickPoints}};
 
+/// One point on each side, by clicks on the same pixel: the scans are at the same place, so nothing moves.
+void AlignByOnePair(LifeHost& host) {
+    using Kind = MouseInput::Kind;
+    const Mesh& scan = *host.meshes[0];
+    Float3 center{};
+    for (const std::int32_t corner : scan.m_vTriangles[0].v) {
+        const Vertex& v = scan.m_vVertices[static_cast<std::size_t>(corner)];
+        center = center + (1.0f / 3) * Float3{v.x, v.y, v.z};
+    }
+    std::int32_t x = 0, y = 0;
+    ASSERT_TRUE(host.control->ProjectPoint(center[0], center[1], center[2], &x, &y));
+    host.pane->SendMouse({.kind = Kind::LeftDown, .flags = kMouseLeft, .x = x, .y = y});
+    host.pane->SendMouse({.kind = Kind::LeftUp, .flags = 0, .x = x, .y = y});
+    host.pane->SendKey({.nChar = KV_ScenePane::kKeySpace});
+    host.pane->SendMouse({.kind = Kind::LeftDown, .flags = kMouseLeft, .x = x, .y = y});
+    if (host.pane != nullptr) host.pane->SendMouse({.kind = Kind::LeftUp, .flags = 0, .x = x, .y = y});
+}
+
 struct End {
     const char* name;
     std::function<void(LifeHost&)> run;
     bool endsWindow = false;
+    int lastFrame = 1;  ///< that of the end of the alignment, counted from the first one that the end draws
+    bool onlyByPoints = false;
 };
 void PrintTo(const End& row, std::ostream* out) { *out << row.name; }
 const End kEnds[] = {
@@ -123,9 +152,10 @@ const End kEnds[] = {
          held->m_pInteractionDlg->OnOK();
      }},
     {"NewContext", [](LifeHost& h) { h.Methods().RecreateOpenglContext(3, 3, 0); }, true},
+    {"LastPoint", AlignByOnePair, false, 5, true},
 };
 
-enum class Result { Idle, NextRuns, ViewerGone, Throws };
+enum class Result { Idle, NextRuns, NextEndsToo, ViewerGone, Throws };
 struct Action {
     const char* name;
     std::function<void(LifeHost&)> run;
@@ -145,6 +175,11 @@ const Action kActions[] = {
      [](LifeHost& h) {
          for (const std::uint32_t button : {kMouseLeft, kMouseRight}) h.Drag(button, {{80, 60}, {100, 70}, {90, 50}});
      }},
+    {"NewContext", [](LifeHost& h) { h.Methods().RecreateOpenglContext(3, 3, 0); }},
+    {"EndOfTheWindow", [](LifeHost& h) { h.control->m_pWindow->Destroy(); }},
+    {"AlignInteractiveAndNewContext",
+     [](LifeHost& h) { h.Methods().AlignInteractive(), h.Methods().RecreateOpenglContext(3, 3, 0); },
+     Result::NextEndsToo},
     {"DestroyTheViewer", [](LifeHost& h) { h.pane.reset(); }, Result::ViewerGone},
     {"Throw", [](LifeHost&) { throw std::runtime_error("host"); }, Result::Throws},
     {"StartAndThrow",
@@ -172,7 +207,7 @@ TEST_P(EndOfAlignment, LeavesNothingBehind) {
     };
     if (inSink) {
         host.inSink = once;
-        host.framesToSink = 1;
+        host.framesToSink = end.lastFrame;
     } else {
         host.inHandler = once;
     }
@@ -180,8 +215,11 @@ TEST_P(EndOfAlignment, LeavesNothingBehind) {
         EXPECT_THROW(end.run(host), std::runtime_error);
     else
         end.run(host);
-    EXPECT_EQ(runs, 1);
-    EXPECT_EQ(host.done, 1);
+    // While a window ends it cannot be recreated: what the handler opens then stays open.
+    const bool nextEndsToo = action.result == Result::NextEndsToo && !end.endsWindow;
+    EXPECT_EQ(runs, nextEndsToo && !inSink ? 2 : 1);
+    const int done = nextEndsToo ? 2 : 1;
+    EXPECT_EQ(host.done, done);
     for (std::size_t i = 0; i < before.m_vVertices.size(); ++i)
         EXPECT_EQ(host.meshes[1]->m_vVertices[i].x, before.m_vVertices[i].x) << "moved after the end";
     if (action.result == Result::ViewerGone) {
@@ -191,7 +229,8 @@ TEST_P(EndOfAlignment, LeavesNothingBehind) {
         return;
     }
     CKV_ScenePaneCtrl& control = *host.control;
-    const bool nextRuns = action.result == Result::NextRuns || std::string(action.name) == "StartAndThrow";
+    const bool nextRuns = !nextEndsToo && (action.result == Result::NextRuns || action.result == Result::NextEndsToo ||
+                                           std::string(action.name) == "StartAndThrow");
     EXPECT_EQ(control.m_vInteractionDlgs.size(), nextRuns ? 1u : 0u);
     EXPECT_EQ(control.m_pInteractionDlg != nullptr, nextRuns);
     const bool nextByPoints = std::string(action.name) == "AlignPickPoints";
@@ -199,12 +238,12 @@ TEST_P(EndOfAlignment, LeavesNothingBehind) {
               !nextRuns ? ModeIdle : (nextByPoints ? ModeAlignPickPoints : ModeAlignInteractive));
     if (nextRuns) {
         host.Methods().FinishInteraction();
-        EXPECT_EQ(host.done, 2);
+        EXPECT_EQ(host.done, done + 1);
     }
     host.ExpectOwnColors();
     (host.Methods().*start.run)();  // and the next one works
     host.Methods().FinishInteraction();
-    EXPECT_EQ(host.done, nextRuns ? 3 : 2);
+    EXPECT_EQ(host.done, done + (nextRuns ? 2 : 1));
     host.ExpectOwnColors();
 }
 
@@ -213,9 +252,11 @@ std::vector<Case> EveryCase() {
     for (const Start& start : kStarts)
         for (const End& end : kEnds)
             for (const Action& action : kActions)
-                for (const bool inSink : {false, true})
-                    if (!inSink || !end.endsWindow)  // no frame is drawn any more then
-                        cases.emplace_back(start, end, action, inSink);
+                for (const bool inSink : {false, true}) {
+                    if (inSink && end.endsWindow) continue;  // no frame is drawn any more then
+                    if (end.onlyByPoints && start.mode != ModeAlignPickPoints) continue;
+                    cases.emplace_back(start, end, action, inSink);
+                }
     return cases;
 }
 INSTANTIATE_TEST_SUITE_P(All, EndOfAlignment, testing::ValuesIn(EveryCase()), [](const auto& row) {
@@ -326,6 +367,55 @@ TEST(OpenedOverAnother, EndWithTheWindowEachOnceNewestFirst) {
     }
 }
 
+/// Another program, or the parent, destroys the window: the event loop of a message box notices it.
+TEST(WindowThatIsLost, InTheHandlerEndsTheOtherAlignmentOnce) {
+    for (const Start& start : kStarts)
+        for (const bool byEscape : {false, true}) {
+            SCOPED_TRACE(testing::Message() << start.name << (byEscape ? ", by Escape" : ""));
+            LifeHost host(WindowRequest::Kind::TopLevel);
+            for (int i = 0; i < 2; ++i) (host.Methods().*start.run)();
+            std::vector<int> order;
+            host.inHandler = [&] {
+                const int number = host.done;
+                if (number == 1) {
+                    DestroyXWindow(host.pane->NativeWindow());
+                    host.pane->ProcessEvents();
+                    EXPECT_FALSE(host.pane->HasWindow());
+                    EXPECT_EQ(host.done, 2);
+                }
+                order.push_back(number);
+            };
+            if (byEscape)
+                host.pane->SendKey({.nChar = KV_ScenePane::kKeyEscape});
+            else
+                host.Methods().FinishInteraction();
+            EXPECT_EQ(order, (std::vector{2, 1}));
+            EXPECT_TRUE(host.control->m_vInteractionDlgs.empty());
+            EXPECT_EQ(host.control->m_nInteractionMode, ModeIdle);
+            host.ExpectOwnColors();
+        }
+}
+
+TEST(OpenedOverAnother, EndWithTheWindowOnceWhenAHandlerThrowsInARecreationInAHandler) {
+    LifeHost host;
+    for (int i = 0; i < 3; ++i) host.Methods().AlignInteractive();
+    host.inHandler = [&] {
+        const int number = host.done;
+        if (number == 1) host.Methods().RecreateOpenglContext(3, 3, 0);
+        throw std::runtime_error(std::to_string(number));
+    };
+    try {
+        host.Methods().FinishInteraction();
+        ADD_FAILURE() << "the exception was lost";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "2") << "the first of the recreation, which passes through the handler";
+    }
+    EXPECT_EQ(host.done, 3);
+    EXPECT_TRUE(host.control->m_vInteractionDlgs.empty());
+    EXPECT_EQ(host.control->m_pInteractionDlg, nullptr);
+    host.ExpectOwnColors();
+}
+
 TEST(OpenedOverAnother, EndWithTheWindowAlsoWhenEveryHandlerOpensOneMore) {
     LifeHost host;
     host.inHandler = [&] { host.Methods().AlignInteractive(); };
@@ -340,6 +430,21 @@ TEST(OpenedOverAnother, EndWithTheWindowAlsoWhenEveryHandlerOpensOneMore) {
     const int before = host.done;
     host.pane.reset();
     EXPECT_EQ(host.done, before) << "the end of the control fires nothing";
+}
+
+TEST(OpenedInEveryHandler, IsLeftOpenOnceWhenTheHandlerMakesANewContextEachTimeToo) {
+    LifeHost host;
+    host.Methods().AlignInteractive();
+    host.inHandler = [&] { host.Methods().AlignInteractive(), host.Methods().RecreateOpenglContext(3, 3, 0); };
+    host.Methods().FinishInteraction();
+    EXPECT_EQ(host.done, 2) << "inside the end of a window there is no other one";
+    ASSERT_EQ(host.control->m_vInteractionDlgs.size(), 1u);
+    EXPECT_EQ(host.control->m_pInteractionDlg, host.control->m_vInteractionDlgs[0].get());
+    EXPECT_EQ(host.control->m_nInteractionMode, ModeAlignInteractive);
+    host.inHandler = [] {};
+    host.Methods().FinishInteraction();
+    EXPECT_EQ(host.done, 3);
+    host.ExpectOwnColors();
 }
 
 TEST(OpenedOverAnother, EndAllWhenAHandlerThrowsAndTheFirstExceptionPasses) {

@@ -132,6 +132,31 @@ TEST_F(PicksWhileTheSceneChanges, DoNotHitWhatACutHasRemovedUntilItIsUndone) {
 
 // ---- the host ends more than the alignment
 
+TEST_F(PicksWhileTheSceneChanges, ShowTheirCursorAgainAfterALasso) {
+    for (const bool isCut : {false, true}) {
+        SCOPED_TRACE(isCut);
+        v.host.done = 0;
+        v->AlignPickPoints();
+        v->StartSegmentation(KV_ScenePane::FreehandInside);
+        if (isCut)
+            CutAround(464, 240);
+        else
+            v->EndSegmentation();
+        EXPECT_EQ(v->m_nInteractionMode, ModeAlignPickPoints);
+        EXPECT_NE(v->m_bLassoCursor, 0);
+        v->FinishInteraction();
+        ExpectEnded();
+    }
+}
+
+// In the handler the picking is over, whatever the mode.
+TEST_F(PicksWhileTheSceneChanges, LeaveTheDefaultCursorAfterALassoInTheHandler) {
+    v->AlignPickPoints();
+    v.host.onDone = [&] { CutAround(464, 240); };
+    v->FinishInteraction();
+    ExpectEnded();
+}
+
 TEST_F(PicksWhileTheSceneChanges, MayBeClearedInTheHandler) {
     v.host.onDone = [&] { v->ClearData(); };
     PickUntilTheLast();
