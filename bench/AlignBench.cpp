@@ -5,9 +5,8 @@
 //   CopyOfTheVertices the yardstick: the same bytes, into memory that is mapped already
 //   Pack              vertices into the layout of the buffer, in the pieces of an upload
 //   Upload            the same bytes, packed in advance, in the same pieces: the driver's share
-//   BuildAfterAMove   both together, as a frame after a step does them; all 1: with a new vertex buffer and the
-//   indices,
-//                     as for a changed object
+//   BuildAfterAMove   both together, as a frame after a step does them. With all = 1 the vertex buffer is new and the
+//                     indices are uploaded, too, as for a changed object
 //   DragStep          a step by the mouse with its frame, in a window of 1024 x 768 pixels. Frame: the same frame of
 //                     objects that have not moved. CPU time of the process, since the driver draws on all cores
 //   MatchPairs        the fit of picked points

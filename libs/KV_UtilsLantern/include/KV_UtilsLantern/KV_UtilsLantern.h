@@ -8,8 +8,12 @@ extern "C" {
 /// IEEE PAMI 9(5), 1987; the sign that excludes a reflection: S. Umeyama, IEEE PAMI 13(4), 1991). Computed in double.
 ///
 /// Two pairs, and points of either side on a line, leave the rotation about that line open. The result is then the
-/// shortest rotation that takes the source line to the target line, its direction as the pairs are ordered. Opposite
-/// directions give half a turn about the x axis as far as it is perpendicular to the line, about y for a line along x.
+/// shortest rotation that takes the direction of the source to that of the target; the centroids come together.
+/// Opposite directions give half a turn about the x axis as far as it is perpendicular to the line, about y for a line
+/// along x. With one side on a line of direction d, the direction of the other side is the least-squares one by the
+/// pairs: of the sum of its points times the positions of their partners along d, both from their centroids. For two
+/// lines that is the line itself, its sign by the pairs. Where the sum vanishes the pairs say nothing about the
+/// direction: it is that of the largest extent of the other side, with the sign that is nearer to d.
 ///
 /// Points count as points on a line when their root of summed squared distances from it is at most
 ///     2^-24 times the root of the summed squared coordinates, the rounding of coordinates to float, plus
