@@ -115,6 +115,9 @@ Matrix3d FindRotation(const Matrix3d& correlation, const PointSet& source, const
     return NearestRotation(correlation);
 }
 
+/// Not inlined: g++ 12 at -O3 drops the rounding where it sees that the result becomes a double again.
+[[gnu::noinline]] Eigen::Matrix3f RoundToFloat(const Matrix3d& matrix) { return matrix.cast<float>(); }
+
 }  // namespace
 
 int LANDLL_PickPointMatching(int count, const float* sourceXYZ, const float* targetXYZ, float* result) noexcept {
@@ -123,7 +126,7 @@ int LANDLL_PickPointMatching(int count, const float* sourceXYZ, const float* tar
     if (!std::isfinite(source.norm) || !std::isfinite(target.norm)) return NotFinite;
     if (source.IsOnePoint() || target.IsOnePoint()) return SamePoints;
     const Matrix3d correlation = Correlate(count, sourceXYZ, source.centroid, targetXYZ, target.centroid);
-    const Eigen::Matrix3f rotation = FindRotation(correlation, source, target).cast<float>();
+    const Eigen::Matrix3f rotation = RoundToFloat(FindRotation(correlation, source, target));
     // By the rounded rotation: so the centroids meet also far from the origin.
     const Vector3d translation = target.centroid - rotation.cast<double>() * source.centroid;
     if (!(translation.cwiseAbs().maxCoeff() <= std::numeric_limits<float>::max()) || !rotation.allFinite())
