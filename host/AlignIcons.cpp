@@ -9,7 +9,7 @@ namespace {
 
 // Points have the colours that the viewer gives to the picks of both sides.
 const QColor kBright(0xE4, 0xE8, 0xEE), kDim(0x70, 0x76, 0x80), kEdge(0x50, 0x56, 0x60), kMoving(0xD0, 0x10, 0x10),
-    kFixed(0x10, 0x10, 0xD0), kDone(0x10, 0x80, 0x30);
+    kFixed(0x10, 0x10, 0xD0), kDone(0x10, 0x80, 0x30), kDropped(0xC0, 0x20, 0x20);
 
 void DrawSheet(QPainter& painter, const QColor& color, const QPointF& centre, double degrees) {
     painter.save();
@@ -80,5 +80,13 @@ QIcon AlignFinishIcon() {
     return DrawToolIcon([](QPainter& painter) {
         painter.setPen(QPen(kDone, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPolyline(QPolygonF({QPointF(5, 13), QPointF(10, 18), QPointF(19, 6)}));
+    });
+}
+
+QIcon AlignEndIcon() {
+    return DrawToolIcon([](QPainter& painter) {
+        painter.setPen(QPen(kDropped, 3, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(QPointF(6, 6), QPointF(18, 18));
+        painter.drawLine(QPointF(18, 6), QPointF(6, 18));
     });
 }

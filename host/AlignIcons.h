@@ -12,3 +12,5 @@
 [[nodiscard]] QIcon AlignDropIcon();
 /// A check mark.
 [[nodiscard]] QIcon AlignFinishIcon();
+/// A cross.
+[[nodiscard]] QIcon AlignEndIcon();

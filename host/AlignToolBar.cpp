@@ -7,7 +7,8 @@
 #include "AlignIcons.h"
 #include "ToolAction.h"
 
-AlignToolBar::AlignToolBar(QWidget* parent) : QToolBar(parent) {
+AlignToolBar::AlignToolBar(QWidget* parent)
+    : QToolBar(parent), m_finishIcon(AlignFinishIcon()), m_endIcon(AlignEndIcon()) {
     setObjectName("alignments");
     setWindowTitle(tr("Alignment tools"));
     setIconSize({kToolIconSide, kToolIconSide});
@@ -21,8 +22,7 @@ AlignToolBar::AlignToolBar(QWidget* parent) : QToolBar(parent) {
     m_pDrop = MakeToolAction(this, "alignDrop", AlignDropIcon(), tr("&Drop the last point"), Qt::Key_Delete,
                              tr("removes the point that was picked last"));
     connect(m_pDrop, &QAction::triggered, this, &AlignToolBar::DropWanted);
-    m_pFinish = MakeToolAction(this, "alignFinish", AlignFinishIcon(), tr("&Finish the alignment"), Qt::Key_Escape,
-                               tr("by hand the objects stay where they are; by points nothing is moved"));
+    m_pFinish = MakeToolAction(this, "alignFinish", m_finishIcon, {}, Qt::Key_Escape, {});
     connect(m_pFinish, &QAction::triggered, this, &AlignToolBar::FinishWanted);
     addActions({m_pByHand, m_pByPoints, m_pContinue, m_pDrop, m_pFinish});
     Show({});
@@ -60,4 +60,11 @@ void AlignToolBar::Show(const AlignToolState& state) {
     m_pContinue->setEnabled(picksMoving && progress.moving > 0);
     m_pDrop->setEnabled((picksMoving && progress.moving > 0) || (picksFixed && progress.fixed > 0));
     m_pFinish->setEnabled(state.way.has_value());
+    ShowEnd(state.way == AlignWay::ByPoints);
+}
+
+void AlignToolBar::ShowEnd(bool discards) {
+    m_pFinish->setIcon(discards ? m_endIcon : m_finishIcon);
+    m_pFinish->setText(discards ? tr("&End without moving") : tr("&Finish the alignment"));
+    SetToolTips(*m_pFinish, discards ? tr("drops the points") : tr("the objects stay where they are"));
 }

@@ -1,5 +1,6 @@
 // The tools that align: by hand, by points, the keys of the latter, and finish.
 #pragma once
+#include <QIcon>
 #include <QToolBar>
 #include <optional>
 
@@ -33,5 +34,9 @@ signals:
 private:
     QAction* MakeWay(AlignWay way, const char* name, const QString& text, const QKeySequence& keys, const QString& tip);
 
+    /// The tool that ends says what becomes of the alignment.
+    void ShowEnd(bool discards);
+
+    const QIcon m_finishIcon, m_endIcon;
     QAction *m_pByHand, *m_pByPoints, *m_pContinue, *m_pDrop, *m_pFinish;
 };

@@ -26,8 +26,12 @@ QAction* MakeToolAction(QToolBar* bar, const char* name, const QIcon& icon, cons
     auto* const action = new QAction(icon, text, bar);
     action->setObjectName(name);
     action->setShortcut(keys);
-    const QString plain = QString(text).remove('&');
-    action->setToolTip(QString("%1 (%2): %3").arg(plain, keys.toString(QKeySequence::NativeText), tip));
-    action->setStatusTip(action->toolTip());
+    SetToolTips(*action, tip);
     return action;
+}
+
+void SetToolTips(QAction& action, const QString& tip) {
+    const QString plain = action.text().remove('&');
+    action.setToolTip(QString("%1 (%2): %3").arg(plain, action.shortcut().toString(QKeySequence::NativeText), tip));
+    action.setStatusTip(action.toolTip());
 }

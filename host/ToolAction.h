@@ -20,3 +20,5 @@ inline constexpr int kToolIconSide = 24;
 /// @param tip   what it does, as the end of a sentence
 [[nodiscard]] QAction* MakeToolAction(QToolBar* bar, const char* name, const QIcon& icon, const QString& text,
                                       const QKeySequence& keys, const QString& tip);
+/// Tips that name the action, its key and what it does.
+void SetToolTips(QAction& action, const QString& tip);

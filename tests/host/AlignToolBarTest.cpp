@@ -79,6 +79,20 @@ TEST_F(AlignToolBarTest, FinishesTheAlignmentByASecondClickOnItsWay) {
     EXPECT_EQ(started, 0);
 }
 
+TEST_F(AlignToolBarTest, SaysWhatBecomesOfTheAlignmentAtItsEnd) {
+    const auto text = [&] { return Tool("alignFinish").text().remove('&').toStdString(); };
+    const auto icon = [&] { return Tool("alignFinish").icon().pixmap(QSize(24, 24), 1.0).toImage(); };
+    m_bar.Show({.canAlign = true, .way = AlignWay::ByHand, .progress = {Phase::ByHand, 0, 0}});
+    EXPECT_EQ(text(), "Finish the alignment");
+    const QImage finish = icon();
+    for (const AlignProgress& progress : {AlignProgress{Phase::PickMoving, 1, 0}, {Phase::PickFixed, 2, 1}}) {
+        m_bar.Show({.canAlign = true, .way = AlignWay::ByPoints, .progress = progress});
+        EXPECT_EQ(text(), "End without moving");
+        EXPECT_NE(icon(), finish);
+        EXPECT_EQ(Tool("alignFinish").toolTip().toStdString(), "End without moving (Esc): drops the points");
+    }
+}
+
 TEST_F(AlignToolBarTest, NamesTheKeyOfEachToolInItsTipAndSharesNoneWithTheCuts) {
     QMenu menu;
     m_bar.FillMenu(menu);
@@ -98,7 +112,7 @@ TEST_F(AlignToolBarTest, NamesTheKeyOfEachToolInItsTipAndSharesNoneWithTheCuts) 
 TEST_F(AlignToolBarTest, HasAnIconOfItsOwnForEachTool) {
     QList<QImage> pictures;
     for (const QIcon& icon : {AlignWayIcon(AlignWay::ByHand), AlignWayIcon(AlignWay::ByPoints), AlignContinueIcon(),
-                              AlignDropIcon(), AlignFinishIcon()})
+                              AlignDropIcon(), AlignFinishIcon(), AlignEndIcon()})
         pictures << icon.pixmap(QSize(24, 24), 1.0).toImage();
     for (int i = 0; i < pictures.size(); ++i) {
         EXPECT_FALSE(pictures[i].isNull());
