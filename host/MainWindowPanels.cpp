@@ -60,6 +60,8 @@ void MainWindow::MakeDocks() {
     m_pTransform = new TransformPanel;
     m_pResiduals = new ResidualPanel;
 
+    // The panes on the right have the whole height: the list of objects would have a row or two beside the others.
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
     QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
     // Several docks share one place, as tabs.

@@ -38,9 +38,10 @@ QString BoxText(const std::array<float, 6>& box) {
 
 ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setColumnCount(kColumnCount);
-    setHeaderLabels({tr("Object"), tr("May move"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
-    headerItem()->setToolTip(kMayMove,
-                             tr("Whether alignments move the object. \"moved\": it is not where it was imported"));
+    setHeaderLabels(
+        {tr("Object"), tr("May move"), tr("Place"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
+    headerItem()->setToolTip(kMayMove, tr("Whether alignments move the object"));
+    headerItem()->setToolTip(kMoved, tr("\"moved\": the object is not where it was imported"));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -109,7 +110,8 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
 }
 
 QSize ObjectList::minimumSizeHint() const {
-    const int rows = 2 * fontMetrics().lineSpacing();
+    constexpr int kRows = 5, kButtonMargin = 8;  // pixels: the colour button is higher than the text
+    const int rows = kRows * (fontMetrics().lineSpacing() + kButtonMargin);
     return {QTreeWidget::minimumSizeHint().width(), header()->sizeHint().height() + rows + 2 * frameWidth()};
 }
 
@@ -174,7 +176,7 @@ void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
 void ObjectList::ShowPlace(int index, const std::array<float, 6>& box, bool isMoved) {
     const QSignalBlocker quiet(this);
     QTreeWidgetItem& item = *topLevelItem(index);
-    item.setText(kMayMove, isMoved ? tr("moved") : QString());
+    item.setText(kMoved, isMoved ? tr("moved") : QString());
     item.setText(kBox, item.data(kName, kVerticesRole).toInt() > 0 ? BoxText(box) : QString());
 }
 

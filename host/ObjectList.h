@@ -22,7 +22,7 @@ struct ObjectRow {
 class ObjectList : public QTreeWidget {
     Q_OBJECT
 public:
-    enum Column { kName, kMayMove, kColor, kVertices, kTriangles, kBox, kColumnCount };
+    enum Column { kName, kMayMove, kMoved, kColor, kVertices, kTriangles, kBox, kColumnCount };
 
     explicit ObjectList(QWidget* parent = nullptr);
 
@@ -49,7 +49,7 @@ public:
     /// For the first layout only; the user can resize the pane.
     /// Wide enough for all columns but the boxes.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
-    /// Two rows, on a screen that has no more space.
+    /// Five rows, on a screen that has no more space.
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 signals:
@@ -63,6 +63,8 @@ signals:
 
 protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    /// Nothing: letters are shortcuts of the window.
+    void keyboardSearch(const QString& /*text*/) override {}
 
 private:
     void MakeActions();

@@ -56,6 +56,19 @@ TEST_F(MainWindowTest, FitsOnASmallScreenWhateverPaneIsShown) {
     EXPECT_GE(panes, 9);
 }
 
+TEST_F(MainWindowTest, ShowsSeveralObjectsAtTheFirstStart) {
+    Show();
+    m_window->resize(1280, 900);
+    ASSERT_TRUE(WaitUntil([&] { return m_window->height() == 900; }));
+    Import(ManyPcms(6));
+    QApplication::processEvents();
+    const QTreeWidget& list = m_window->Objects();
+    const QRect row = list.visualItemRect(list.topLevelItem(4));
+    EXPECT_TRUE(list.viewport()->rect().contains(QRect(1, row.top(), 1, row.height())))
+        << list.viewport()->height() << " pixels for rows of " << row.height();
+    EXPECT_LE(m_window->minimumSizeHint().width(), 1280);
+}
+
 TEST_F(MainWindowTest, OpensFilesOfAllKindsInTheirOrder) {
     Show();
     WritePcm(m_folder / "a.pcm", 40, 40);

@@ -107,11 +107,11 @@ TEST_F(ObjectListTest, ChoosesManyObjectsAtOnceByTheMenuOfTheCurrentOne) {
 
 TEST_F(ObjectListTest, ShowsWhereAnObjectIsWithoutAReport) {
     m_list.ShowPlace(1, {0, 1, 2, 3, 4, 5}, true);
-    EXPECT_EQ(Row(1).text(ObjectList::kMayMove), "moved");
+    EXPECT_EQ(Row(1).text(ObjectList::kMoved), "moved");
     EXPECT_EQ(Row(1).text(ObjectList::kBox), "x 0 … 1, y 2 … 3, z 4 … 5");
-    EXPECT_EQ(Row(0).text(ObjectList::kMayMove), "");
+    EXPECT_EQ(Row(0).text(ObjectList::kMoved), "");
     m_list.ShowPlace(1, {0, 1, 2, 3, 4, 6}, false);
-    EXPECT_EQ(Row(1).text(ObjectList::kMayMove), "");
+    EXPECT_EQ(Row(1).text(ObjectList::kMoved), "");
     EXPECT_EQ(Row(1).text(ObjectList::kBox), "x 0 … 1, y 2 … 3, z 4 … 6");
     EXPECT_EQ(m_nChanges + m_nVisibilities, 0);
     m_list.ShowPlace(0, {-2e-15f, 59, -0.01f, 0.01f, 1e-6f, 5e-4f}, true);
