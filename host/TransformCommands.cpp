@@ -10,7 +10,6 @@ namespace {
 
 /// "1 scan", "3 scans".
 QString CountText(int count) {
-    if (count == 0) return TransformCommands::tr("deleted scans");
     return count == 1 ? TransformCommands::tr("1 scan") : TransformCommands::tr("%1 scans").arg(count);
 }
 
@@ -40,23 +39,25 @@ int TransformCommands::End() {
 }
 
 bool TransformCommands::CanTakeBack() const {
-    return m_pViewer != nullptr && m_ledger.Levels() > 0 && !m_ledger.IsOpen();
+    return m_pViewer != nullptr && !m_ledger.IsOpen() && m_ledger.NewestCount(Now()) > 0;
 }
 
 QString TransformCommands::TakeBackText() const {
-    if (m_ledger.Levels() == 0) return tr("Take back alignment");
-    return tr("Take back %1 (%2)")
-        .arg(QString::fromStdString(m_ledger.NewestName()), CountText(m_ledger.NewestCount(Now())));
+    const TransformsById now = Now();
+    const int count = m_ledger.NewestCount(now);
+    if (count == 0) return tr("Take back alignment");
+    return tr("Take back %1 (%2)").arg(QString::fromStdString(m_ledger.NewestName(now)), CountText(count));
 }
 
 void TransformCommands::TakeBack() {
     if (!CanTakeBack()) return;
+    const TransformsById now = Now();
     const QString text =
         tr("Taken back: %1 (%2)")
-            .arg(QString::fromStdString(m_ledger.NewestName()), CountText(m_ledger.NewestCount(Now())));
+            .arg(QString::fromStdString(m_ledger.NewestName(now)), CountText(m_ledger.NewestCount(now)));
     {
         const PaintBlock block(m_pViewer->Methods());
-        Set(m_ledger.TakeBack());
+        Set(m_ledger.TakeBack(now));
     }
     Follow();
     emit ObjectsMoved();

@@ -17,6 +17,12 @@ TransformsById MovedSince(const TransformsById& before, const TransformsById& no
     return moved;
 }
 
+/// Objects that are in both.
+int CountOf(const TransformsById& objects, const TransformsById& present) {
+    return static_cast<int>(
+        std::ranges::count_if(objects, [&](const auto& entry) { return present.contains(entry.first); }));
+}
+
 }  // namespace
 
 bool IsSameTransform(const Matrix4& a, const Matrix4& b) {
@@ -55,19 +61,31 @@ void TransformLedger::Note(const TransformsById& now) {
     for (const auto& [id, transform] : now) m_last.insert_or_assign(id, transform);
 }
 
-int TransformLedger::NewestCount(const TransformsById& present) const {
-    if (m_levels.empty()) return 0;
-    return static_cast<int>(std::ranges::count_if(m_levels.back().before,
-                                                  [&](const auto& entry) { return present.contains(entry.first); }));
+const TransformLedger::Level* TransformLedger::Newest(const TransformsById& present) const {
+    for (auto level = m_levels.rbegin(); level != m_levels.rend(); ++level) {
+        if (CountOf(level->before, present) > 0) return &*level;
+    }
+    return nullptr;
 }
 
-std::string TransformLedger::NewestName() const { return m_levels.empty() ? std::string() : m_levels.back().name; }
+int TransformLedger::NewestCount(const TransformsById& present) const {
+    const Level* const level = Newest(present);
+    return level != nullptr ? CountOf(level->before, present) : 0;
+}
 
-TransformsById TransformLedger::TakeBack() {
-    if (m_levels.empty()) return {};
-    TransformsById before = std::move(m_levels.back().before);
-    m_levels.pop_back();
-    Note(before);
+std::string TransformLedger::NewestName(const TransformsById& present) const {
+    const Level* const level = Newest(present);
+    return level != nullptr ? level->name : std::string();
+}
+
+TransformsById TransformLedger::TakeBack(const TransformsById& present) {
+    if (Newest(present) == nullptr) return {};
+    TransformsById before;
+    do {
+        before = std::move(m_levels.back().before);
+        m_levels.pop_back();
+        Note(before);  // also of deleted objects: the undo of a cut may bring them back
+    } while (CountOf(before, present) == 0);
     return before;
 }
 

@@ -26,13 +26,15 @@ public:
     /// Where the objects are now.
     void Note(const TransformsById& now);
 
-    /// Of the newest level; 0 without one. @param present  the objects that can move now
+    // The next level to take back is the newest one that has one of the present objects.
+    /// Of its objects; 0 without one. @param present  the objects that can move now
     [[nodiscard]] int NewestCount(const TransformsById& present) const;
-    /// Empty without a level.
-    [[nodiscard]] std::string NewestName() const;
+    /// Empty without one.
+    [[nodiscard]] std::string NewestName(const TransformsById& present) const;
     [[nodiscard]] int Levels() const { return static_cast<int>(m_levels.size()); }
-    /// Removes the newest level. @return where its objects were before it, deleted ones too
-    TransformsById TakeBack();
+    /// Removes it, and the newer ones, whose objects are all deleted.
+    /// @return where its objects were before it, deleted ones too
+    TransformsById TakeBack(const TransformsById& present);
 
     /// The objects among @p restored whose last transform is another one: an undone cut brings an object back as it was
     /// at the cut, which may be before an alignment. @return the last transform of each
@@ -49,6 +51,9 @@ private:
         std::string name;
         TransformsById before;  // of the objects that moved
     };
+
+    /// Null without one.
+    [[nodiscard]] const Level* Newest(const TransformsById& present) const;
 
     bool m_isOpen = false;
     Level m_open;  // before: of all objects

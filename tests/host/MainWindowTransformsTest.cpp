@@ -66,7 +66,7 @@ protected:
             << TransformText(expected).toStdString();
     }
     [[nodiscard]] QString Mark(int row) const {
-        return m_window->Objects().topLevelItem(row)->text(ObjectList::kMayMove);
+        return m_window->Objects().topLevelItem(row)->text(ObjectList::kMoved);
     }
     [[nodiscard]] std::string Box(int row) const {
         return m_window->Objects().topLevelItem(row)->text(ObjectList::kBox).toStdString();
@@ -216,6 +216,20 @@ TEST_F(MainWindowTransforms, TakesBackWithDeletionsAndImportsInBetween) {
     TakeBackAction().trigger();
     ExpectAt(0, kHome);
     ExpectAt(1, kHome);
+}
+
+TEST_F(MainWindowTransforms, TakesBackNoAlignmentOfDeletedObjectsOnly) {
+    Align({1}, kMotion);
+    Align({0}, kMotion, "alignment by hand");
+    m_window->DeleteObject(0);
+    EXPECT_EQ(TakeBackText(), "Take back alignment by points (1 scan)") << "the one before";
+    TakeBackAction().trigger();
+    ExpectAt(0, kHome);
+    EXPECT_FALSE(TakeBackAction().isEnabled());
+    Align({0}, kMotion);
+    m_window->DeleteObject(0);
+    EXPECT_EQ(TakeBackText(), "Take back alignment");
+    EXPECT_FALSE(TakeBackAction().isEnabled());
 }
 
 TEST_F(MainWindowTransforms, ForgetsAlignmentsWithTheScene) {

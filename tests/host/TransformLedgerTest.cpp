@@ -11,12 +11,15 @@ namespace {
 /// Moved along X.
 Matrix4 At(float x) { return {1, 0, 0, x, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; }
 
+/// All objects of these tests are present.
+const TransformsById kAll{{0, At(0)}, {1, At(0)}, {4, At(0)}, {9, At(0)}};
+
 TEST(TransformLedger, StartsWithNothingToTakeBack) {
     TransformLedger ledger;
     EXPECT_EQ(ledger.Levels(), 0);
-    EXPECT_EQ(ledger.NewestName(), "");
+    EXPECT_EQ(ledger.NewestName(kAll), "");
     EXPECT_EQ(ledger.NewestCount({{0, At(0)}}), 0);
-    EXPECT_TRUE(ledger.TakeBack().empty());
+    EXPECT_TRUE(ledger.TakeBack(kAll).empty());
     EXPECT_FALSE(ledger.IsFiled(0, At(0)));
 }
 
@@ -29,11 +32,11 @@ TEST(TransformLedger, TakesBackTheNewestChangeFirst) {
     ledger.Begin("second", {{4, At(1)}, {9, At(0)}});
     EXPECT_EQ(ledger.End({{4, At(2)}, {9, At(5)}}), 2);
     EXPECT_EQ(ledger.Levels(), 2);
-    EXPECT_EQ(ledger.NewestName(), "second");
+    EXPECT_EQ(ledger.NewestName(kAll), "second");
     EXPECT_EQ(ledger.NewestCount({{4, At(2)}, {9, At(5)}}), 2);
-    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{4, At(1)}, {9, At(0)}}));
-    EXPECT_EQ(ledger.NewestName(), "first");
-    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{4, At(0)}})) << "only what it has moved";
+    EXPECT_EQ(ledger.TakeBack(kAll), (TransformsById{{4, At(1)}, {9, At(0)}}));
+    EXPECT_EQ(ledger.NewestName(kAll), "first");
+    EXPECT_EQ(ledger.TakeBack(kAll), (TransformsById{{4, At(0)}})) << "only what it has moved";
     EXPECT_EQ(ledger.Levels(), 0);
 }
 
@@ -51,15 +54,15 @@ TEST(TransformLedger, EndsAnOpenChangeBeforeTheNext) {
     ledger.Begin("second", {{0, At(1)}});
     EXPECT_EQ(ledger.Levels(), 1);
     EXPECT_EQ(ledger.End({{0, At(2)}}), 1);
-    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{0, At(1)}}));
-    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{0, At(0)}}));
+    EXPECT_EQ(ledger.TakeBack(kAll), (TransformsById{{0, At(1)}}));
+    EXPECT_EQ(ledger.TakeBack(kAll), (TransformsById{{0, At(0)}}));
 }
 
 TEST(TransformLedger, LeavesOutObjectsThatWereImportedDuringAChange) {
     TransformLedger ledger;
     ledger.Begin("a", {{0, At(0)}});
     EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(7)}}), 1);
-    EXPECT_EQ(ledger.TakeBack(), (TransformsById{{0, At(0)}}));
+    EXPECT_EQ(ledger.TakeBack(kAll), (TransformsById{{0, At(0)}}));
 }
 
 TEST(TransformLedger, CountsTheObjectsThatAreStillThere) {
@@ -68,6 +71,23 @@ TEST(TransformLedger, CountsTheObjectsThatAreStillThere) {
     EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(1)}}), 2);
     EXPECT_EQ(ledger.NewestCount({{1, At(1)}, {2, At(0)}}), 1);
     EXPECT_EQ(ledger.NewestCount({{2, At(0)}}), 0);
+}
+
+TEST(TransformLedger, TakesBackTheNewestChangeOfAnObjectThatIsStillThere) {
+    TransformLedger ledger;
+    ledger.Begin("both", {{0, At(0)}, {1, At(0)}});
+    EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(1)}}), 2);
+    ledger.Begin("deleted", {{0, At(1)}, {1, At(1)}});
+    EXPECT_EQ(ledger.End({{0, At(2)}, {1, At(1)}}), 1);
+    const TransformsById present{{1, At(1)}};
+    EXPECT_EQ(ledger.NewestName(present), "both");
+    EXPECT_EQ(ledger.NewestName(kAll), "deleted") << "an undo may bring it back";
+    EXPECT_EQ(ledger.NewestName({{2, At(0)}}), "");
+    EXPECT_TRUE(ledger.TakeBack({{2, At(0)}}).empty());
+    EXPECT_EQ(ledger.Levels(), 2);
+    EXPECT_EQ(ledger.TakeBack(present).at(1), At(0));
+    EXPECT_EQ(ledger.Levels(), 0);
+    EXPECT_EQ(ledger.Misplaced({{0, At(2)}}), (TransformsById{{0, At(0)}})) << "where it was before both";
 }
 
 // A cut at 0, an alignment to 1, and the undo of the cut.
@@ -85,7 +105,7 @@ TEST(TransformLedger, TakesBackAlsoForADeletedObjectThatComesBack) {
     ledger.Begin("a", {{0, At(0)}, {1, At(0)}});
     EXPECT_EQ(ledger.End({{0, At(1)}, {1, At(1)}}), 2);
     EXPECT_EQ(ledger.Misplaced({{0, At(0)}}), (TransformsById{{0, At(1)}}));
-    EXPECT_EQ(ledger.TakeBack().size(), 2u);
+    EXPECT_EQ(ledger.TakeBack(kAll).size(), 2u);
     ledger.Note({{1, At(0)}});
     EXPECT_EQ(ledger.Misplaced({{0, At(1)}}), (TransformsById{{0, At(0)}}));
     EXPECT_TRUE(ledger.Misplaced({{0, At(0)}}).empty());
