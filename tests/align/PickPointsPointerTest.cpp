@@ -8,8 +8,7 @@
 #include "view/UserInput.h"
 
 // After the others: their macros would replace names in those.
-#include <X11/Xlib.h>
-#include <X11/extensions/Xfixes.h>
+#include "support/ShownCursor.h"
 
 using KV_ScenePane::kKeyDelete;
 using KV_ScenePane::kKeyEscape;
@@ -192,17 +191,6 @@ TEST_F(PickPointsUnderThePointer, AreOneByADoubleClick) {
         who.viewer->FinishInteraction();
     });
     EXPECT_EQ(pointer.viewer->m_fSceneSize, calls.viewer->m_fSceneSize);
-}
-
-/// What the X server shows under the pointer, as a number.
-unsigned long ShownCursor(Display* display) {
-    XSync(display, False);
-    XFixesCursorImage* const image = XFixesGetCursorImage(display);
-    if (image == nullptr) throw std::runtime_error("no cursor on the screen");
-    unsigned long sum = 0;
-    for (int i = 0; i < image->width * image->height; ++i) sum = sum * 31 + image->pixels[i];
-    XFree(image);
-    return sum;
 }
 
 TEST(PickPointsCursor, IsOnTheScreenUntilTheEnd) {

@@ -4,9 +4,9 @@
 #include "view/UserInput.h"
 
 // After the others: their macros would replace names in those.
-#include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
-#include <X11/extensions/Xfixes.h>
+
+#include "support/ShownCursor.h"
 
 namespace {
 
@@ -180,17 +180,6 @@ TEST(FreehandLasso, HasAllPointsOfADragThatIsFasterThanTheFrames) {
 }
 
 // ---- the cursor on the screen
-
-/// What the X server shows under the pointer, as a number.
-unsigned long ShownCursor(Display* display) {
-    XSync(display, False);
-    XFixesCursorImage* const image = XFixesGetCursorImage(display);
-    if (image == nullptr) throw std::runtime_error("no cursor on the screen");
-    unsigned long sum = 0;
-    for (int i = 0; i < image->width * image->height; ++i) sum = sum * 31 + image->pixels[i];
-    XFree(image);
-    return sum;
-}
 
 TEST(LassoCursor, IsOnTheScreenDuringASession) {
     Operator who(MakePointerInput());
