@@ -1,6 +1,8 @@
 // Line by line; the first line with numbers decides whether the pairs have normals.
 #include "PairFile.h"
 
+#include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "NumberLines.h"
@@ -38,6 +40,12 @@ public:
         return {};
     }
 
+    /// Whether a normal of a single pair has no direction.
+    [[nodiscard]] bool LacksNormal() const {
+        const auto isZero = [](const float(&normal)[3]) { return std::ranges::all_of(normal, std::logical_not()); };
+        return m_pairs.size() == 1 && (isZero(m_pairs.front().moving.normal) || isZero(m_pairs.front().fixed.normal));
+    }
+
     [[nodiscard]] std::vector<AlignmentPair>& Pairs() { return m_pairs; }
 
 private:
@@ -57,6 +65,11 @@ private:
     std::vector<AlignmentPair> m_pairs;
 };
 
+/// Refuses the first line with numbers.
+void RefuseNormals(std::string_view line) {
+    if (!WithoutBlanks(line).empty()) throw LineError("a single pair needs both normals, and one has the length 0");
+}
+
 }  // namespace
 
 bool ParsePairs(std::string_view text, std::vector<AlignmentPair>* pairs, std::string* reason) {
@@ -69,6 +82,10 @@ bool ParsePairs(std::string_view text, std::vector<AlignmentPair>* pairs, std::s
         *reason = std::move(lack);
         return false;
     }
+    // Only the whole text shows that a pair is the only one: its line is looked for again.
+    if (collector.LacksNormal())
+        return ForEachLine(
+            text, RefuseNormals, [] {}, reason);
     *pairs = std::move(collector.Pairs());
     return true;
 }

@@ -11,7 +11,8 @@
 inline constexpr std::size_t kMaxPairFileSize = 16 * 1024 * 1024;
 
 /// Reads pairs from text: one per line, of six numbers (moving point, fixed point) or twelve (moving point, its normal,
-/// fixed point, its normal), the same count on all lines. A single pair needs twelve. Any thread.
+/// fixed point, its normal), the same count on all lines. A single pair needs twelve, with normals other than 0. Any
+/// thread.
 /// @param pairs   receives those of the file, at least one; unchanged on failure
 /// @param reason  receives one line that names the line of the file and the cause; unchanged on success
 /// @throws std::bad_alloc; memory is bounded by the length of the text

@@ -51,6 +51,8 @@ TEST(PairFile, ReadsAMovingAndAFixedPointPerLine) {
 TEST(PairFile, ReadsPointsWithNormals) {
     EXPECT_EQ(Parsed("1 2 3 0 0 1 4 5 6 1 0 0"), kOneWithNormals);
     EXPECT_EQ(Parsed("1 2 3 0 0 1 4 5 6 1 0 0\n1 2 3 0 0 1 4 5 6 1 0 0").size(), 24u) << "also of several pairs";
+    EXPECT_EQ(Parsed("1 2 3 0 0 0 4 5 6 1 0 0\n7 2 3 0 0 1 9 5 6 0 0 0").size(), 24u) << "several need no normals";
+    EXPECT_EQ(Parsed("1 2 3 0 0 1e-38 4 5 6 -1e-38 0 0").size(), 12u) << "of any other length";
 }
 
 TEST(PairFile, AcceptsBlanksTabsAndCommasBetweenNumbers) {
@@ -84,6 +86,10 @@ const Refused kRefused[] = {
     {"CommentsOnly", "# nothing\n\n", "no pairs of points"},
     {"OnePairWithoutNormals", "# one\n1 2 3 4 5 6\n",
      "a single pair needs twelve numbers: moving point, its normal, fixed point, its normal"},
+    {"OnePairWithoutAMovingNormal", "# one\n\n1 2 3 0 -0 0 4 5 6 1 0 0\n\n# end\n",
+     "line 3: a single pair needs both normals, and one has the length 0"},
+    {"OnePairWithoutAFixedNormal", "1 2 3 0 0 1 4 5 6 0 0 0",
+     "line 1: a single pair needs both normals, and one has the length 0"},
     {"FiveNumbers", "1 2 3 4 5 6\n1 2 3 4 5\n", "line 2: 5 numbers, not six or twelve for a pair of points"},
     {"OneNumber", "\n\n7\n", "line 3: 1 number, not six or twelve for a pair of points"},
     {"ThirteenNumbers", "1 2 3 4 5 6 7 8 9 10 11 12 13", "line 1: 13 numbers, not six or twelve for a pair of points"},
