@@ -213,12 +213,15 @@ struct Option {
     std::string (*explain)(std::string_view text) = nullptr;
     /// Of an option without a value: the list that the file names after it belong to, up to the next option.
     FileList files = nullptr;
+    /// Of most options that are given several times the last one counts. Several of this one are a mistake: they look
+    /// as if all of them counted.
+    bool isOnce = false;
 };
 
 // --help is read before all others. Of two options that select a run, a conflict names the upper one first.
 constexpr Option kOptions[] = {
     {"--pick", "X,Y, two whole numbers from 0 to 16383", kPick, kAllRuns, ReadPick},
-    {"--align", "a file name", kAlign, kAllRuns, ReadFileName<&HostOptions::pairFile>},
+    {"--align", "a file name", kAlign, kAllRuns, ReadFileName<&HostOptions::pairFile>, "", nullptr, nullptr, true},
     {"--convert", "", kConvert, kAllRuns, AcceptSwitch},
     {"--save-cuts", "", kSaveCuts, kAllRuns, AcceptSwitch},
     {"--export", "a file name", kExport, kAllRuns, ReadFileName<&HostOptions::exportPath>},
@@ -249,8 +252,10 @@ constexpr Option kOptions[] = {
     {"--needles", "a file name", kNoRun, kPictures, AddFileName<&HostOptions::needleFiles>},
     {"--moving", "", kNoRun, kAlign, AcceptSwitch, "--align", nullptr, &HostOptions::movingFiles},
     {"--fixed", "", kNoRun, kAlign, AcceptSwitch, "--align", nullptr, &HostOptions::fixedFiles},
-    {"--transforms", "a file name", kNoRun, kImports, ReadFileName<&HostOptions::transformFile>},
-    {"--save-transforms", "a file name", kNoRun, kAlign, ReadFileName<&HostOptions::savedTransforms>, "--align"},
+    {"--transforms", "a file name", kNoRun, kImports, ReadFileName<&HostOptions::transformFile>, "", nullptr, nullptr,
+     true},
+    {"--save-transforms", "a file name", kNoRun, kAlign, ReadFileName<&HostOptions::savedTransforms>, "--align",
+     nullptr, nullptr, true},
     {"--skip", "a whole number from 1 to 32767", kNoRun, kImports, ReadSkip},
     {"--confidence", "a number", kNoRun, kImports, ReadConfidence},
     {"--color", "six hexadecimal digits RRGGBB", kNoRun, kImports, ReadColor},
@@ -408,6 +413,8 @@ std::optional<UsageError> ReadOption(const std::vector<std::string>& arguments, 
             option->explain != nullptr ? ": " + option->explain(value) : ", not \"" + std::string(value) + "\"";
         return UsageError{std::string(name) + " takes " + std::string(option->expected) + wrong};
     }
+    if (option->isOnce && std::ranges::find(given, option) != given.end())
+        return UsageError{std::string(name) + " may be given only once"};
     given.push_back(option);
     return std::nullopt;
 }

@@ -46,8 +46,8 @@ TEST(CommandLineOfAlignments, ReadsStoredTransformsForEveryRunWithFiles) {
           Files{"--pick=1,1", "a.pcm"}, Files{"--info", "a.pcm"}, Files{"--convert", "a.pcm", "b.ply"},
           Files{"--save-cuts", "--clip-auto", "a.pcm"}, Files{"--export=o.ply", "--cut=inside:0,0;1,1", "a.pcm"}}) {
         Files arguments = run;
-        arguments.insert(arguments.begin(), {"--transforms", "first.json", "--transforms=dir/t.json"});
-        EXPECT_EQ(Parsed(arguments).transformFile, "dir/t.json") << run.front() << ": the last one counts";
+        arguments.insert(arguments.begin(), "--transforms=dir/t.json");
+        EXPECT_EQ(Parsed(arguments).transformFile, "dir/t.json") << run.front();
         EXPECT_EQ(Parsed(run).transformFile, "") << run.front();
     }
 }
@@ -65,6 +65,13 @@ const WrongUsage kWrongUsages[] = {
     {"AlignWithAnEmptyName",
      {"--align=", "--moving", "a.pcm", "--fixed", "b.pcm"},
      "--align takes a file name, not \"\""},
+    {"AlignTwice",
+     {"--align=p.txt", "--moving", "a.pcm", "--fixed", "b.pcm", "--align", "q.txt"},
+     "--align may be given only once"},
+    {"TransformsTwice", {"--transforms=t.json", "a.pcm", "--transforms=t.json"}, "--transforms may be given only once"},
+    {"SaveTransformsTwice",
+     {"--align=p.txt", "--save-transforms=a.json", "--save-transforms=b.json", "--moving", "a.pcm", "--fixed", "b.pcm"},
+     "--save-transforms may be given only once"},
     {"AlignWithoutMoving", {"--align=p.txt", "--fixed", "a.pcm"}, "--align needs at least one file after --moving"},
     {"AlignWithAnEmptyList",
      {"--align=p.txt", "--moving", "--fixed", "a.pcm"},
