@@ -26,6 +26,9 @@ WindowRequest::Kind PaneKind(const HostOptions& options) {
     return options.cuts.empty() ? WindowRequest::Kind::NoPicture : WindowRequest::Kind::OffScreen;
 }
 
+constexpr const char* kOtherMoved = "another file was moved by --transforms";
+constexpr const char* kMoved = "was moved by --transforms: leave that out to save cuts";
+
 /// Clips and cuts the objects as the options say.
 /// @return why nothing must be written; empty otherwise. Standard error has a line about it, too
 std::string CutScene(ScenePane& pane, const HostOptions& options, const SceneReport& report, std::FILE* err) {
@@ -40,14 +43,16 @@ std::string CutScene(ScenePane& pane, const HostOptions& options, const SceneRep
     return HasCutOrNoLasso(CutObjects(pane, options, err)) ? "" : "no lasso has changed an object";
 }
 
-/// Prints a line for each object that was moved, which only --transforms does here.
-/// @return why nothing must be written; empty otherwise
+/// Whether the file would lose other points than the cuts removed. Only --transforms moves objects here.
+bool IsMoved(const CutSaveEntry& entry) {
+    return entry.outcome == KV_ScenePane::CutToBeWritten && (entry.isMoved || entry.isCutWhileMoved);
+}
+
+/// Why nothing must be written because --transforms has moved a file; empty otherwise. Prints a line about it.
 std::string MovedRefusal(const std::vector<CutSaveEntry>& plan, std::FILE* err) {
-    const std::vector<std::string> lines = MovedObjectLines(plan);
-    for (const std::string& line : lines) PrintError(err, line);
-    if (!lines.empty())
-        PrintError(err, "--save-cuts writes into files where they were imported: leave out --transforms");
-    return lines.empty() ? "" : "an object was moved since its import";
+    if (std::ranges::none_of(plan, IsMoved)) return {};
+    PrintError(err, "no cuts are saved: --transforms moved a file; leave it out to save cuts");
+    return kOtherMoved;
 }
 
 /// Saves, and prints a line for each file that failed.
@@ -78,7 +83,8 @@ std::string SaveText(std::vector<CutSaveEntry> entries, const std::string& refus
         // The viewer has no name of a mesh.
         const auto object = std::ranges::lower_bound(report.objects, entry.object, {}, &ObjectReport::index);
         if (entry.file.empty() && object != report.objects.end()) entry.file = KV_ScenePane::WidePath(object->file);
-        text += CutSaveLine(entry, refusal) + '\n';
+        const bool isRefusedItself = refusal == kOtherMoved && IsMoved(entry);
+        text += CutSaveLine(entry, isRefusedItself ? kMoved : refusal) + '\n';
     }
     for (const FailedFile& failed : report.failed)
         text += failed.file + ": failed, not imported: " + failed.reason + '\n';
