@@ -87,7 +87,9 @@ bool ApplyTransforms(ScenePane& pane, const HostOptions& options, SceneReport& r
         PrintError(err, path + ": holds no transform for any of the files");
         return false;
     }
-    for (const std::string& line : UnmatchedLines(match, entries, files)) PrintError(err, path + ": " + line);
+    // Entries for other files are normal when all files of the run have theirs.
+    if (const std::string line = MissingTransformsLine(match, entries, files); !line.empty())
+        PrintError(err, path + ": " + line);
     const PaintBlock block(pane.Methods());
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (!match.entryOfObject[i]) continue;

@@ -137,6 +137,20 @@ std::string NameList(const std::vector<std::string>& names) {
     return text;
 }
 
+std::vector<std::string> UnusedNames(const TransformMatch& match, std::span<const StoredTransform> entries) {
+    std::vector<std::string> names;
+    names.reserve(match.unusedEntries.size());
+    for (const std::size_t i : match.unusedEntries) names.push_back(entries[i].file);
+    return names;
+}
+
+std::vector<std::string> ObjectsWithout(const TransformMatch& match, std::span<const std::string> objectFiles) {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < objectFiles.size(); ++i)
+        if (!match.entryOfObject[i]) names.push_back(objectFiles[i]);
+    return names;
+}
+
 }  // namespace
 
 std::vector<StoredTransform> ParseTransforms(std::string_view text) {
@@ -212,13 +226,19 @@ TransformMatch MatchTransforms(const std::string& transformFile, std::span<const
 
 std::vector<std::string> UnmatchedLines(const TransformMatch& match, std::span<const StoredTransform> entries,
                                         std::span<const std::string> objectFiles) {
-    std::vector<std::string> unused, without, lines;
-    for (const std::size_t i : match.unusedEntries) unused.push_back(entries[i].file);
-    for (std::size_t i = 0; i < objectFiles.size(); ++i)
-        if (!match.entryOfObject[i]) without.push_back(objectFiles[i]);
+    const std::vector<std::string> unused = UnusedNames(match, entries), without = ObjectsWithout(match, objectFiles);
+    std::vector<std::string> lines;
     if (!unused.empty()) lines.push_back("transforms that belong to no open file: " + NameList(unused));
     if (!without.empty()) lines.push_back("no transform for " + NameList(without));
     return lines;
+}
+
+std::string MissingTransformsLine(const TransformMatch& match, std::span<const StoredTransform> entries,
+                                  std::span<const std::string> objectFiles) {
+    const std::vector<std::string> without = ObjectsWithout(match, objectFiles);
+    if (without.empty()) return {};
+    const std::vector<std::string> unused = UnusedNames(match, entries);
+    return "no transform for " + NameList(without) + (unused.empty() ? "" : "; not used: " + NameList(unused));
 }
 
 std::optional<Matrix4> TransformOf(KV_ScenePane::_DKV_ScenePane& methods, std::int16_t object) {

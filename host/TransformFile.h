@@ -89,6 +89,11 @@ struct TransformMatch {
                                                       std::span<const StoredTransform> entries,
                                                       std::span<const std::string> objectFiles);
 
+/// One line about the objects without an entry: their first names, and those of the entries without an object, one of
+/// which may be meant. Empty when each object has an entry.
+[[nodiscard]] std::string MissingTransformsLine(const TransformMatch& match, std::span<const StoredTransform> entries,
+                                                std::span<const std::string> objectFiles);
+
 /// GetTrafoOfScan(). @return empty for a bad index
 [[nodiscard]] std::optional<Matrix4> TransformOf(KV_ScenePane::_DKV_ScenePane& methods, std::int16_t object);
 /// SetTrafoOfScan(), which replaces the present transform and draws a frame: block painting for several of them.

@@ -372,4 +372,17 @@ TEST(TransformMatching, ReportsWhatIsLeftInOneLineEach) {
                                                "no transform for x, y, z"}));
 }
 
+TEST(TransformMatching, NamesObjectsWithoutATransformInOneLine) {
+    const auto line = [](const std::vector<std::string>& entries, const std::vector<std::string>& files) {
+        std::vector<StoredTransform> stored;
+        stored.reserve(entries.size());
+        for (const std::string& entry : entries) stored.push_back({entry, kIdentity});
+        return MissingTransformsLine(MatchTransforms("/data/t.json", stored, files), stored, files);
+    };
+    EXPECT_EQ(line({"a.pcm", "b.pcm"}, {"/data/a.pcm"}), "") << "an entry for another file is normal";
+    EXPECT_EQ(line({"a.pcm"}, {"/data/a.pcm", "/data/c.pcm"}), "no transform for /data/c.pcm");
+    EXPECT_EQ(line({"a.pcm", "d.pcm"}, {"/data/a.pcm", "/data/c.pcm"}),
+              "no transform for /data/c.pcm; not used: d.pcm");
+}
+
 }  // namespace
