@@ -10,6 +10,7 @@
 #include "Headless.h"
 #include "HeadlessScene.h"
 #include "PairFile.h"
+#include "PairShape.h"
 #include "RegistryStart.h"
 #include "TransformFile.h"
 
@@ -76,6 +77,10 @@ int RunAlign(const HostOptions& options, std::FILE* out, std::FILE* err) {
                    options.pairFile + ": no transform was found; the points of each side must not be all the same");
         return kExitFailure;
     }
+    if (AreOnALine(pairs))
+        PrintError(err, options.pairFile +
+                            ": the points are on one line, or nearly: the turn about it is arbitrary; add a pair away "
+                            "from the line");
     const KV_ScenePane::AlignmentResult result = pane->GetAlignmentResult();
     const int printed = PrintResult(options.json ? AlignmentJson(result) : AlignmentText(result), out, err);
     if (printed != kExitGood) return printed;

@@ -151,6 +151,31 @@ TEST_F(Alignment, TurnsTheNormalOfASinglePair) {
     EXPECT_EQ(NumbersOf(json["residuals"]).size(), 1u);
 }
 
+TEST_F(Alignment, WarnsOfPointsOnALine) {
+    const std::string warning = "scenepane: " + m_options.pairFile +
+                                ": the points are on one line, or nearly: the turn about it is arbitrary; add a pair "
+                                "away from the line\n";
+    Pairs("0 0 0 1 2 3\n100 0 0 101 2 3\n");
+    EXPECT_NE(Align(kExitGood, warning), "");
+    Pairs("0 0 0 1 2 3\n100 0 0 101 2 3\n40 0.9 0 41 2.9 3\n");
+    EXPECT_NE(Align(kExitGood, warning), "");
+    Pairs("0 0 0 1 2 3\n100 0 0 101 2 3\n40 5 0 41 7 3\n");
+    EXPECT_NE(Align(), "");
+}
+
+TEST_F(Alignment, PrintsAndSavesNoMinusZero) {
+    // Half a turn about Z: -1 beside zeros of both signs.
+    Pairs("0 0 0 0 0 0\n100 0 0 -100 0 0\n0 50 0 0 -50 0\n0 0 30 0 0 30\n");
+    m_options.savedTransforms = m_folder / "out.json";
+    std::string text = Align() + '\n';
+    m_options.json = false;
+    text += Align();
+    const std::vector<std::byte> bytes = ReadBytes(m_options.savedTransforms);
+    text.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    for (const char* const end : {" ", ",", "]", "\n"})
+        EXPECT_EQ(text.find("-0" + std::string(end)), std::string::npos) << text;
+}
+
 // ---- what is written
 
 TEST_F(Alignment, SavesWhereAllFilesAreAfterwards) {
@@ -171,8 +196,7 @@ TEST_F(Alignment, SavesWhereAllFilesAreAfterwards) {
 TEST_F(Alignment, MovesOnFromStoredTransformsAndKeepsThoseOfOtherFiles) {
     Store({{m_folder / "a.xdt", kTurned}, {m_folder / "sub/other.xdt", kUp}, {m_folder / "b.xdt", kUp}});
     m_options.savedTransforms = m_folder / "out.json";
-    (void)Align(kExitGood,
-                "scenepane: " + m_options.transformFile + ": transforms that belong to no open file: sub/other.xdt\n");
+    (void)Align();
     const std::vector<StoredTransform> saved = Saved();
     ASSERT_EQ(saved.size(), 3u);
     const Matrix4 applied = {1, 0, 0, 1, 0, 1, 0, 2, 0, 0, 1, 3, 0, 0, 0, 1};
@@ -327,15 +351,19 @@ TEST_F(StoredTransforms, OfScansThatMovedAreRefusedByASaveOfCuts) {
     const std::vector<std::byte> before = ReadBytes(file);
     std::string reason;
     ASSERT_TRUE(WriteTransformFile(m_options.transformFile, {{file, kUp}}, &reason)) << reason;
-    m_options.files = {file};
+    const std::string other = m_folder / "b.pcm";
+    WritePcm(other, 11, 11);
+    m_options.files = {file, other};
     m_options.clip = ClipPlane{{5, 5, 5}, {1, 0, 0}};
     const Printed out, err;
     EXPECT_EQ(RunSaveCuts(m_options, out, err), kExitFailure);
-    EXPECT_EQ(out.Text(), file + ": skipped, an object was moved since its import\n");
-    EXPECT_EQ(err.Text(), "scenepane: " + file +
-                              ": moved since its import, take back the alignment first\nscenepane: --save-cuts writes "
-                              "into files where they were imported: leave out --transforms\n");
+    EXPECT_EQ(out.Text(), file + ": skipped, was moved by --transforms: leave that out to save cuts\n" + other +
+                              ": skipped, another file was moved by --transforms\n");
+    EXPECT_EQ(err.Text(), "scenepane: " + m_options.transformFile + ": no transform for " + other +
+                              "\nscenepane: no cuts are saved: --transforms moved a file; leave it out to save cuts\n");
     EXPECT_EQ(ReadBytes(file), before);
+    EXPECT_EQ(ReadBytes(other), before);
+    m_options.files = {file};
     // The transform that the file has moves nothing.
     ASSERT_TRUE(WriteTransformFile(m_options.transformFile, {{file, kIdentity}}, &reason)) << reason;
     EXPECT_EQ(RunSaveCuts(m_options, out, err), kExitGood) << err.Text();
@@ -435,6 +463,19 @@ TEST_F(SimulatedScans, HaveTheTransformsOfTheirDescription) {
         EXPECT_LT(Difference(own.at(i), m_truth[i].matrix), 1e-4) << "the translation is rounded: micrometres in a pcm";
         EXPECT_LT(Difference(stored.at(i), m_truth[i].matrix), 2e-5) << "half a float step at 280 mm, as decimals";
     }
+}
+
+TEST_F(SimulatedScans, AreNotMovedByTheirOwnTransformsWhenCutsAreSaved) {
+    HostOptions options;
+    options.files = {File(0), File(1), File(2)};
+    options.transformFile = m_folder / "s.json";
+    options.cuts = {{KV_ScenePane::PolygonInside, {{0.1, 0.1}, {0.9, 0.1}, {0.9, 0.5}, {0.1, 0.5}}}};
+    const std::vector<std::byte> before = ReadBytes(File(0));
+    const Printed out, err;
+    EXPECT_EQ(RunSaveCuts(options, out, err), kExitGood) << out.Text();
+    EXPECT_EQ(err.Text(), "");
+    EXPECT_EQ(out.Text(), File(0) + ": written\n" + File(1) + ": written\n" + File(2) + ": written\n");
+    EXPECT_NE(ReadBytes(File(0)), before);
 }
 
 TEST_F(SimulatedScans, ComeBackToTheTruthFromAnotherPlaceByPairsOfTruePoints) {
