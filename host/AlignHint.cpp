@@ -12,29 +12,35 @@ using KV_ScenePane::AlignmentPhase;
 
 QString Tr(const char* text) { return AlignHint::tr(text); }
 
-QString HandTask(MouseScheme scheme) {
-    switch (scheme) {
+/// The objects of a phase, with the mark by which the viewer shows them.
+QString Marked(const AlignHintState& state, const QString& objects) {
+    return state.hasColors ? objects : Tr("%1 (bright)").arg(objects);
+}
+
+QString HandTask(const AlignHintState& state) {
+    const QString moving = Marked(state, state.moving);
+    switch (state.scheme) {
         case MouseScheme::Flipped:
-            return Tr("Align by hand: the right button turns the bright objects, the left button moves them.");
+            return Tr("Align by hand: the right button turns, the left button moves %1.").arg(moving);
         case MouseScheme::Delayed:
-            return Tr(
-                "Align by hand: the right button turns the bright objects; with the left button or Shift it "
-                "moves them.");
+            return Tr("Align by hand: the right button turns, with the left button or Shift it moves %1.").arg(moving);
         case MouseScheme::Normal:
             break;
     }
-    return Tr("Align by hand: the left button turns the bright objects, the right button moves them.");
+    return Tr("Align by hand: the left button turns, the right button moves %1.").arg(moving);
 }
 
-QString MovingTask(int points) {
-    const QString task = Tr("Align by points: click points on the bright objects, which will move");
+QString MovingTask(const AlignHintState& state) {
+    const int points = state.progress.moving;
+    const QString task = Tr("Align by points: click points on what will move, %1").arg(Marked(state, state.moving));
     if (points == 0) return task + '.';
     return task + (points == 1 ? Tr(": 1 point.") : Tr(": %1 points.").arg(points));
 }
 
-QString FixedTask(int points, int wanted) {
-    const QString task = Tr("Align by points: click the same points in the same order on the bright objects, which "
-                            "stay: point %1 of %2.")
+QString FixedTask(const AlignHintState& state) {
+    const int points = state.progress.fixed, wanted = state.progress.moving;
+    const QString task = Tr("Align by points: click the same points in the same order on %1: point %2 of %3.")
+                             .arg(Marked(state, Tr("the objects that stay")))
                              .arg(points + 1)
                              .arg(wanted);
     return points + 1 == wanted ? task + Tr(" It ends the alignment.") : task;
@@ -43,11 +49,11 @@ QString FixedTask(int points, int wanted) {
 QString TaskOf(const AlignHintState& state) {
     switch (state.progress.phase) {
         case AlignmentPhase::ByHand:
-            return HandTask(state.scheme);
+            return HandTask(state);
         case AlignmentPhase::PickMoving:
-            return MovingTask(state.progress.moving);
+            return MovingTask(state);
         case AlignmentPhase::PickFixed:
-            return FixedTask(state.progress.fixed, state.progress.moving);
+            return FixedTask(state);
         case AlignmentPhase::Idle:
             break;
     }
@@ -97,6 +103,17 @@ std::vector<AlignHintState> LongestHints(const AlignHintState& state) {
 
 }  // namespace
 
+QString ObjectNames(const QStringList& names) {
+    constexpr int kShown = 3;
+    constexpr qsizetype kStart = 14, kEnd = 10;  // characters of a long name
+    QStringList shown;
+    for (const QString& name : names.first(std::min<qsizetype>(names.size(), kShown)))
+        shown << (name.size() > kStart + kEnd + 1 ? name.left(kStart) + QChar(0x2026) + name.right(kEnd) : name);
+    const qsizetype more = names.size() - shown.size();
+    const QString text = shown.join(", ");
+    return more > 0 ? Tr("%1 and %2 more").arg(text).arg(more) : text;
+}
+
 AlignHintText HintOf(const AlignHintState& state) { return {TaskOf(state), KeysOf(state).join("   ·   ")}; }
 
 AlignHint::AlignHint(QWidget* parent) : QFrame(parent), m_pTask(new QLabel), m_pKeys(new QLabel) {
@@ -109,6 +126,7 @@ AlignHint::AlignHint(QWidget* parent) : QFrame(parent), m_pTask(new QLabel), m_p
     column->setSpacing(1);
     for (QLabel* const label : {m_pTask, m_pKeys}) {
         label->setWordWrap(true);
+        label->setTextFormat(Qt::PlainText);  // it has names of files
         label->setForegroundRole(QPalette::ToolTipText);
         column->addWidget(label);
     }

@@ -2,6 +2,7 @@
 #pragma once
 #include <QFrame>
 #include <QString>
+#include <QStringList>
 
 #include "AlignProgress.h"
 #include "MouseScheme.h"
@@ -13,6 +14,8 @@ struct AlignHintState {
     AlignProgress progress;
     MouseScheme scheme = MouseScheme::Normal;
     bool isPlaneShown = false;  ///< Ctrl then drags the clip plane
+    QString moving = {};        ///< ObjectNames() of those that move
+    bool hasColors = false;     ///< an object has colours of its own, which are not dimmed
     bool operator==(const AlignHintState&) const = default;
 };
 
@@ -22,6 +25,9 @@ struct AlignHintText {
     QString keys;
 };
 [[nodiscard]] AlignHintText HintOf(const AlignHintState& state);
+
+/// Three names at most, long ones shortened, and how many more there are.
+[[nodiscard]] QString ObjectNames(const QStringList& names);
 
 /// Hidden without an alignment. Its height is the same for the whole of one: the viewer below must not change its size
 /// between two clicks.

@@ -12,7 +12,7 @@ namespace {
 using Phase = KV_ScenePane::AlignmentPhase;
 
 AlignHintState State(AlignProgress progress, MouseScheme scheme = MouseScheme::Normal, bool isPlaneShown = false) {
-    return {progress, scheme, isPlaneShown};
+    return {progress, scheme, isPlaneShown, "front.pcm"};
 }
 
 TEST(AlignHintText, IsEmptyWithoutAnAlignment) {
@@ -32,14 +32,32 @@ TEST(AlignHintText, NamesTheButtonsOfEachScheme) {
 
 TEST(AlignHintText, CountsThePoints) {
     const auto task = [](AlignProgress progress) { return HintOf(State(progress)).task.toStdString(); };
-    EXPECT_EQ(task({Phase::PickMoving, 0, 0}), "Align by points: click points on the bright objects, which will move.");
+    EXPECT_EQ(task({Phase::PickMoving, 0, 0}), "Align by points: click points on what will move, front.pcm (bright).");
     EXPECT_EQ(task({Phase::PickMoving, 1, 0}),
-              "Align by points: click points on the bright objects, which will move: 1 point.");
+              "Align by points: click points on what will move, front.pcm (bright): 1 point.");
     EXPECT_EQ(task({Phase::PickMoving, 3, 0}),
-              "Align by points: click points on the bright objects, which will move: 3 points.");
+              "Align by points: click points on what will move, front.pcm (bright): 3 points.");
     EXPECT_NE(task({Phase::PickFixed, 3, 1}).find("point 2 of 3."), std::string::npos);
     EXPECT_EQ(task({Phase::PickFixed, 3, 1}).find("ends the alignment"), std::string::npos);
     EXPECT_NE(task({Phase::PickFixed, 3, 2}).find("point 3 of 3. It ends the alignment."), std::string::npos);
+}
+
+TEST(AlignHintText, NamesThreeObjectsAtMostAndShortensLongNames) {
+    EXPECT_EQ(ObjectNames({}).toStdString(), "");
+    EXPECT_EQ(ObjectNames({"a.pcm"}).toStdString(), "a.pcm");
+    EXPECT_EQ(ObjectNames({"a", "b", "c"}).toStdString(), "a, b, c");
+    EXPECT_EQ(ObjectNames({"a", "b", "c", "d", "e"}).toStdString(), "a, b, c and 2 more");
+    EXPECT_EQ(ObjectNames({"a_measurement_with_a_long_name_007.pcm"}).toStdString(), "a_measurement_…me_007.pcm");
+}
+
+TEST(AlignHintText, NamesNoBrightnessOfObjectsWithColoursOfTheirOwn) {
+    for (const AlignProgress& progress :
+         {AlignProgress{Phase::ByHand, 0, 0}, {Phase::PickMoving, 1, 0}, {Phase::PickFixed, 2, 1}}) {
+        AlignHintState state = State(progress);
+        EXPECT_TRUE(HintOf(state).task.contains("(bright)"));
+        state.hasColors = true;
+        EXPECT_FALSE(HintOf(state).task.contains("bright"));
+    }
 }
 
 TEST(AlignHintText, NamesOnlyTheKeysThatDoSomething) {
