@@ -149,6 +149,8 @@ void ViewerWidget::Open() {
 bool ViewerWidget::FilterMouse(const MouseInput& input) {
     if (m_bTakesPresses) {
         if (input.kind != MouseInput::Kind::DoubleClick) return false;
+        const bool picks = (input.flags & KV_ScenePane::kMouseCtrl) == 0;  // Ctrl drags the view
+        if (m_bIgnoresDoubles && picks) return true;
         MouseInput press = input;
         press.kind = MouseInput::Kind::LeftDown;
         m_pPane->SendMouse(press);
@@ -163,8 +165,9 @@ bool ViewerWidget::FilterMouse(const MouseInput& input) {
     return false;  // it only watches: the right button drags the view
 }
 
-void ViewerWidget::SetTakesPresses(bool on) {
+void ViewerWidget::SetTakesPresses(bool on, bool ignoresDoubles) {
     m_bTakesPresses = on;
+    m_bIgnoresDoubles = ignoresDoubles;
     m_rightClicks = {};  // the release of the press that cuts must not complete a click
 }
 

@@ -25,7 +25,8 @@ public:
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const { return m_pPane.get(); }
     /// While a lasso or an alignment runs all presses belong to it: the second press of a double click, too, which the
     /// viewer would use to fit the view, pick or create a needle, and a right click opens no menu.
-    void SetTakesPresses(bool on);
+    /// @param ignoresDoubles  the second press of a double click does nothing: no point is picked twice
+    void SetTakesPresses(bool on, bool ignoresDoubles = false);
     /// Gives the viewer the keyboard, as a press of the mouse in it does.
     void TakeKeyboard();
 
@@ -113,6 +114,7 @@ private:
     const int m_nSamples;
     bool m_bOpened = false;  // one attempt only: the reason of a refusal does not go away by itself
     bool m_bTakesPresses = false;
+    bool m_bIgnoresDoubles = false;
     HeldModifiers m_held;
     RightClickWatch m_rightClicks;
     std::string m_strFailure;        // of the last ProcessEvents(); empty when it threw nothing
