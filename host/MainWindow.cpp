@@ -141,6 +141,7 @@ void MainWindow::EnableActions() {
     const bool usable = viewer && !IsLassoRunning();  // most of them would move the scene below the lasso
     const bool isFree = viewer && IsMouseFree();
     for (QAction* const action : m_vViewerActions) action->setEnabled(usable);
+    m_pMouseMoves->setEnabled(usable && m_pAligns->RunningWay() != AlignWay::ByHand);  // which needs it
     for (QAction* const action : m_pickActions) action->setEnabled(isFree);
     for (QAction* const action : m_vFileActions) action->setEnabled(isFree);
     for (QAction* const action : m_vIdleActions) action->setEnabled(isFree && !IsImporting());

@@ -43,6 +43,7 @@ class ResidualPanel;
 class TransformCommands;
 class TransformPanel;
 class ViewerWidget;
+enum class AlignWay;
 struct AlignOutcome;
 struct NeedleMark;
 
@@ -240,6 +241,12 @@ private:
     /// The tools of alignments, what they do, the hint above the viewer, the pane of residuals, and their connections.
     void MakeAligns();
     void MakeAlignMenu();
+    /// What the operator must change in the window before an alignment can start; empty when it can.
+    [[nodiscard]] QString ObstacleTo(AlignWay way) const;
+    /// The hint and the pane of residuals are for another alignment.
+    void PrepareAlign(AlignWay way);
+    /// The space bar was pressed during an alignment: the status bar says what is missing before it continues.
+    void SayWhySpaceDoesNothing();
     /// Tools and hint follow the alignment.
     void FollowAlign();
     /// An alignment has ended, with or without a movement.
@@ -419,7 +426,10 @@ private:
     AlignCommands* m_pAligns = nullptr;
     AlignToolBar* m_pAlignTools = nullptr;
     AlignHint* m_pAlignHint = nullptr;  // above the viewer during an alignment
+    QString m_alignedObjects;           // names for the hint
+    bool m_bAlignsColored = false;      // an object of the scene has colours of its own
     ResidualPanel* m_pResiduals = nullptr;
+    QAction* m_pMouseMoves = nullptr;        // "Mouse moves the scene"
     QLabel* m_pLassoHint = nullptr;          // in the status bar while a lasso is drawn
     MouseUse m_mouseUse = MouseUse::View;    // as FollowMouseUse() has seen it
     bool m_bNeedlesOfMouse = false;          // of the viewer, before the lasso or the alignment

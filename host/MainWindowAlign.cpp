@@ -23,15 +23,18 @@ void MainWindow::MakeAligns() {
     m_pAligns = new AlignCommands([this] { return m_pObjects->MovingRows(); }, this);
     connect(m_pAlignTools, &AlignToolBar::WayWanted, this, [this](AlignWay way) {
         m_pCuts->Cancel();
+        if (const QString obstacle = ObstacleTo(way); !obstacle.isEmpty()) {
+            ReportAlign(obstacle);
+            FollowAlign();  // the tool that was pressed is released again
+            return;
+        }
         m_pAligns->Start(way);
         if (IsAligning()) m_pViewer->TakeKeyboard();
     });
     connect(m_pAlignTools, &AlignToolBar::ContinueWanted, m_pAligns, &AlignCommands::Continue);
     connect(m_pAlignTools, &AlignToolBar::DropWanted, m_pAligns, &AlignCommands::DropPoint);
     connect(m_pAlignTools, &AlignToolBar::FinishWanted, m_pAligns, &AlignCommands::Finish);
-    connect(m_pAligns, &AlignCommands::AboutToStart, this, [this](AlignWay way) {
-        m_pTransforms->Begin(way == AlignWay::ByHand ? tr("alignment by hand") : tr("alignment by points"));
-    });
+    connect(m_pAligns, &AlignCommands::AboutToStart, this, &MainWindow::PrepareAlign);
     connect(m_pAligns, &AlignCommands::Changed, this, &MainWindow::FollowAlign);
     connect(m_pAligns, &AlignCommands::Ended, this, &MainWindow::OnAlignmentEnded);
     connect(m_pAligns, &AlignCommands::Report, this, &MainWindow::ReportAlign);
@@ -50,13 +53,45 @@ void MainWindow::MakeAlignMenu() {
 
 bool MainWindow::IsAligning() const { return m_pAligns->IsRunning(); }
 
+QString MainWindow::ObstacleTo(AlignWay way) const {
+    if (way == AlignWay::ByHand && !m_pMouseMoves->isChecked())
+        return tr("The mouse moves nothing: switch \"Mouse moves the scene\" on in the View menu.");
+    for (const int row : m_pObjects->MovingRows()) {
+        if (m_pObjects->IsHidden(row))
+            return tr("%1 is hidden and would move unseen: show it, or uncheck \"May move\".")
+                .arg(m_pObjects->topLevelItem(row)->text(ObjectList::kName));
+    }
+    return {};
+}
+
+void MainWindow::PrepareAlign(AlignWay way) {
+    QStringList names;
+    for (const int row : m_pObjects->MovingRows()) names << m_pObjects->topLevelItem(row)->text(ObjectList::kName);
+    m_alignedObjects = ObjectNames(names);
+    m_bAlignsColored = false;
+    for (int row = 0; row < m_pObjects->topLevelItemCount(); ++row) {
+        KV_ScenePane::ObjectInfo info;
+        if (Pane()->GetObjectInfo(static_cast<std::int16_t>(row), &info) && info.hasVertexColors)
+            m_bAlignsColored = true;
+    }
+    m_pResiduals->Clear();
+    m_pTransforms->Begin(way == AlignWay::ByHand ? tr("alignment by hand") : tr("alignment by points"));
+}
+
+void MainWindow::SayWhySpaceDoesNothing() {
+    if (m_pAligns->Progress() == AlignProgress{KV_ScenePane::AlignmentPhase::PickMoving, 0, 0})
+        statusBar()->showMessage(tr("Space continues after the first point: click one on the objects that move."));
+}
+
 void MainWindow::FollowAlign() {
     m_pAlignTools->Show({.canAlign = Pane() != nullptr && !IsImporting() && !IsLassoRunning(),
                          .way = m_pAligns->RunningWay(),
                          .progress = m_pAligns->Progress()});
     m_pAlignHint->Show({.progress = m_pAligns->Progress(),
                         .scheme = m_mouseScheme,
-                        .isPlaneShown = m_pClip->IsClipping() && m_pClip->Settings().shown});
+                        .isPlaneShown = m_pClip->IsClipping() && m_pClip->Settings().shown,
+                        .moving = m_alignedObjects,
+                        .hasColors = m_bAlignsColored});
     FollowMouseUse();
 }
 

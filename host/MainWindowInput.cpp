@@ -17,8 +17,10 @@
 #include "AlignCommands.h"
 #include "AnimationPanel.h"
 #include "DecorationPanel.h"
+#include "KV_ScenePane/Input.h"
 #include "KeyShortcut.h"
 #include "MainWindow.h"
+#include "ObjectList.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -79,7 +81,7 @@ void MainWindow::MakeInputMenus(QMenu& menu) {
     m_pickActions = AddModeActions(*picking, kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
                                    [this](int mode) { AskForPickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
     MakePickActions(*picking);
-    AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
+    m_pMouseMoves = AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
     AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
 }
 
@@ -111,7 +113,7 @@ void MainWindow::FollowMouseUse() {
     if (use == m_mouseUse) return;
     const MouseUse before = std::exchange(m_mouseUse, use);
     const bool isFree = use == MouseUse::View;
-    m_pViewer->SetTakesPresses(!isFree);
+    m_pViewer->SetTakesPresses(!isFree, m_pAligns->RunningWay() == AlignWay::ByPoints);
     m_pLassoHint->setVisible(use == MouseUse::Lasso);
     if (!isFree) statusBar()->clearMessage();
     EnableActions();
@@ -166,7 +168,9 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     // Qt asks the widget that has the keyboard before it looks for a shortcut.
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* const press = static_cast<QKeyEvent*>(event);
-        if (IsPlainKey(press->key(), press->modifiers())) {
+        // The list of objects has no search, and uses Space only.
+        const bool isUsed = watched != m_pObjects || press->key() == Qt::Key_Space;
+        if (isUsed && IsPlainKey(press->key(), press->modifiers())) {
             event->accept();  // the press then goes to the input and triggers no shortcut
             return true;
         }
@@ -177,7 +181,10 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 void MainWindow::RunShortcut(int key, Qt::KeyboardModifiers modifiers) {
     // Qt would run no shortcut then either.
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
-    if (m_pAligns->ActsOnKey(key)) return;  // the viewer has done what the tool with this key would do
+    if (m_pAligns->ActsOnKey(key)) {  // the viewer has done what the tool with this key would do
+        if (key == KV_ScenePane::kKeySpace) SayWhySpaceDoesNothing();
+        return;
+    }
     if (QAction* const action = ActionOfKey(findChildren<QAction*>(), key, modifiers)) {
         action->trigger();
     } else if (QAction* const menu = MenuOfKey(menuBar()->actions(), key, modifiers)) {

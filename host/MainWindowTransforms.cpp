@@ -15,6 +15,7 @@
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "ResidualPanel.h"
 #include "TransformCommands.h"
 #include "TransformFile.h"
 #include "TransformPanel.h"
@@ -63,6 +64,7 @@ void MainWindow::MakeTransforms() {
     m_pTakeBack->setShortcut(Qt::CTRL | Qt::ALT | Qt::Key_Z);
     m_pTakeBack->setStatusTip(tr("Set the transforms of before the last alignment, or before the last load, again"));
     connect(m_pTakeBack, &QAction::triggered, m_pTransforms, &TransformCommands::TakeBack);
+    connect(m_pTakeBack, &QAction::triggered, m_pResiduals, &ResidualPanel::Clear);  // they hold no more
     connect(m_pTransforms, &TransformCommands::Changed, this, &MainWindow::FollowTransforms);
     connect(m_pTransforms, &TransformCommands::ObjectsMoved, m_pClip, &ClipPanel::FollowScene);
     connect(m_pTransforms, &TransformCommands::Report, this, &MainWindow::ReportTransforms);

@@ -87,4 +87,4 @@ void ResidualPanel::Show(const KV_ScenePane::AlignmentResult& result, const QStr
     m_pCopy->setEnabled(!result.pairs.empty());
 }
 
-void ResidualPanel::Clear() { Show({}, tr("No alignment by points yet.")); }
+void ResidualPanel::Clear() { Show({}, tr("No result of an alignment by points.")); }

@@ -53,21 +53,25 @@ TEST_F(MainWindowAlign, IsTakenBack) {
     EXPECT_FALSE(Tool("takeBackAlignment").isEnabled());
 }
 
-TEST_F(MainWindowAlign, PicksTwoPointsByTwoQuickPresses) {
+TEST_F(MainWindowAlign, PicksOnePointByADoubleClickAndTwoByQuickClicksAtTwoPlaces) {
     Find<QCheckBox>("needleCreate").click();
     StartAlign("alignByPoints");
     const auto view = View();
     Xdotool("mousemove " + Pixel(kThree[0]) + " click --repeat 2 --delay 10 1");
     WaitForInput();
-    EXPECT_EQ(Progress().moving, 2);
+    EXPECT_EQ(Progress().moving, 1);
     EXPECT_EQ(View(), view) << "a double click fits the view";
+    Xdotool("mousemove " + Pixel(kThree[1]) + " click 1 mousemove " + Pixel(kThree[2]) + " click 1");
+    WaitForInput();
+    EXPECT_EQ(Progress().moving, 3);
     EXPECT_EQ(Methods().GetNumberOfNeedles(), 0) << "a double click creates a needle";
     Press("Escape");
     EXPECT_NE(Methods().GetNeedlePickingMode(), 0) << "as before the alignment";
 }
 
 TEST_F(MainWindowAlign, SaysWhyPointsGiveNoTransform) {
-    AlignByPoints({kThree[0], kThree[0]}, {kThree[1], kThree[2]});
+    const QPointF besideAll{0.02, 0.5};  // a press there: the next one is no double click
+    AlignByPoints({kThree[0], besideAll, kThree[0]}, {kThree[1], kThree[2]});
     EXPECT_EQ(StatusText(),
               "No transform was found: the points on the moving scans are all at one place. Nothing was moved.");
     EXPECT_EQ(Transform(0), kIdentity);
@@ -242,6 +246,62 @@ TEST_F(MainWindowAlign, SaysWhatToChangeWhenTheObjectsDoNotAllowIt) {
     Tool("alignFinish").trigger();
     m_window->ClearScene();
     EXPECT_EQ(trigger("alignByHand"), "There is no object to align.");
+}
+
+TEST_F(MainWindowAlign, ByHandNeedsAMouseThatMovesTheScene) {
+    QAction& mouse = MenuAction("Mouse moves the scene");
+    mouse.setChecked(false);
+    Tool("alignByHand").trigger();
+    EXPECT_FALSE(IsAligning());
+    EXPECT_FALSE(Tool("alignByHand").isChecked());
+    EXPECT_EQ(StatusText(), "The mouse moves nothing: switch \"Mouse moves the scene\" on in the View menu.");
+    mouse.setChecked(true);
+    StartAlign("alignByHand");
+    EXPECT_FALSE(mouse.isEnabled()) << "it is needed meanwhile";
+    Press("Escape");
+    EXPECT_TRUE(mouse.isEnabled());
+}
+
+TEST_F(MainWindowAlign, MovesNoHiddenObject) {
+    QTreeWidgetItem& front = *m_window->Objects().topLevelItem(0);
+    front.setCheckState(ObjectList::kName, Qt::Unchecked);
+    for (const char* const tool : {"alignByHand", "alignByPoints"}) {
+        Tool(tool).trigger();
+        EXPECT_FALSE(IsAligning()) << tool;
+        EXPECT_FALSE(Tool(tool).isChecked()) << tool;
+        EXPECT_EQ(StatusText(), "front.pcm is hidden and would move unseen: show it, or uncheck \"May move\".");
+    }
+    front.setCheckState(ObjectList::kName, Qt::Checked);
+    m_window->Objects().topLevelItem(1)->setCheckState(ObjectList::kName, Qt::Unchecked);
+    StartAlign("alignByHand");
+    Press("Escape");
+}
+
+TEST_F(MainWindowAlign, ShowsNoNumbersOfAnotherAlignment) {
+    const auto pairs = [&] { return Find<QTreeWidget>("residuals").topLevelItemCount(); };
+    AlignByPoints(kThree, kThree);
+    ASSERT_EQ(pairs(), 3);
+    Tool("takeBackAlignment").trigger();
+    EXPECT_EQ(pairs(), 0);
+    AlignByPoints(kThree, kThree);
+    ASSERT_EQ(pairs(), 3);
+    StartAlign("alignByPoints");
+    EXPECT_EQ(pairs(), 0);
+    Press("Escape");
+    EXPECT_EQ(pairs(), 0);
+}
+
+TEST_F(MainWindowAlign, SaysWhatSpaceWaitsFor) {
+    StartAlign("alignByPoints");
+    Press("space");
+    EXPECT_TRUE(WaitUntil([&] { return StatusText().starts_with("Space continues after the first point"); }));
+    Press("Escape");
+}
+
+TEST_F(MainWindowAlign, NamesTheObjectsThatMove) {
+    StartAlign("alignByHand");
+    EXPECT_NE(Task().find("front.pcm (bright)"), std::string::npos) << Task();
+    Press("Escape");
 }
 
 TEST_F(MainWindowAlign, FinishesOneBeforeAnother) {

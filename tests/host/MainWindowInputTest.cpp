@@ -7,6 +7,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "AlignCommands.h"
 #include "host/PointerFixture.h"
 
 namespace {
@@ -138,11 +139,20 @@ TEST_F(MainWindowTyping, ChangesNoViewWhileAFieldHasTheKeyboard) {
     EXPECT_NE(field.value(), 0) << "the digit came into the field";
 }
 
-TEST_F(MainWindowTyping, ChangesNoViewWhileTheListHasTheKeyboard) {
+TEST_F(MainWindowTyping, RunsShortcutsWhileTheListHasTheKeyboard) {
     WriteXdt(m_folder / "a.xdt", 2, 2);
-    Import({m_folder / "a.xdt"});
-    Methods().SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0);
-    TypeInto(m_window->Objects(), OverNothing());
+    WriteXdt(m_folder / "s.xdt", 2, 2);
+    Import({m_folder / "a.xdt", m_folder / "s.xdt"});
+    ObjectList& list = m_window->Objects();
+    list.setCurrentItem(list.topLevelItem(0), ObjectList::kMayMove);
+    list.setFocus();
+    ASSERT_TRUE(WaitUntil([&] { return list.hasFocus(); }));
+    Xdotool("mousemove " + At(OverNothing()) + " key s key u key space");
+    EXPECT_TRUE(WaitUntil([&] { return list.MovingRows() == std::vector<int>{0}; })) << "a letter changed the row";
+    EXPECT_EQ(Methods().GetShadowMode(), 1);
+    Xdotool("key h");
+    EXPECT_TRUE(WaitUntil([&] { return m_window->Alignments().IsRunning(); })) << Messages();
+    m_window->Alignments().Finish();
 }
 
 TEST_F(MainWindowTyping, ChangesNoViewWhileThePointerIsOverTheViewer) {
