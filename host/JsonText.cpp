@@ -42,6 +42,6 @@ std::string JsonString(std::string_view bytes) { return JsonString(KV_ScenePane:
 std::string JsonDouble(double value) {
     if (!std::isfinite(value)) throw std::runtime_error("a number is not finite");
     std::array<char, 32> text{};
-    char* const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    char* const end = std::to_chars(text.data(), text.data() + text.size(), value + 0.0).ptr;  // -0 + 0 is 0
     return {text.data(), end};
 }

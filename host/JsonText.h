@@ -8,7 +8,7 @@
 [[nodiscard]] std::string JsonString(std::wstring_view text);
 [[nodiscard]] std::string JsonString(std::string_view bytes);
 
-/// The shortest text that reads back as the same double. Other readers of JSON read doubles: a float that is widened
-/// here is read back as the same float, except that Qt's reader makes 0 of -0.
+/// The shortest text that reads back as the same double; 0 for -0. Other readers of JSON read doubles: a float that is
+/// widened here is read back as the same float.
 /// @throws std::runtime_error for NaN and infinity, which JSON cannot hold
 [[nodiscard]] std::string JsonDouble(double value);
