@@ -304,11 +304,11 @@ TEST_P(PlaneHover, PicksNothingInARecreatedContextBeforeItsFirstFrame) {
     EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
 }
 
-/// Moves the mouse while its viewer ends the alignment, as a host may in its handler of that event.
-class HoveringDialog final : public CInteractionDlg {
+/// Moves the mouse while its viewer ends the alignment.
+class HoveringHost final : public KV_ScenePane::_DKV_ScenePaneEvents {
 public:
-    explicit HoveringDialog(CKV_ScenePaneCtrl& control) : m_control(control) {}
-    void Finish() override {
+    explicit HoveringHost(CKV_ScenePaneCtrl& control) : m_control(control) {}
+    void AlignmentDone() override {
         m_control.SendMouse({Kind::Move, 0, 256, 216, 0});
         ++finished;
     }
@@ -319,11 +319,12 @@ private:
 };
 
 TEST_P(PlaneHover, DoesNoHarmWhileTheContextIsRecreated) {
-    HoveringDialog dialog(*pane);
-    pane->m_pInteractionDlg = &dialog;
+    HoveringHost host(*pane);
+    pane->Connect(&host);
+    pane->AlignInteractive();
     pane->RecreateOpenglContext(3, 3, 0);
-    pane->m_pInteractionDlg = nullptr;
-    EXPECT_EQ(dialog.finished, 1);
+    pane->Connect(nullptr);
+    EXPECT_EQ(host.finished, 1);
     PlaceAndDraw();
     MoveTo(10, 10);
     EXPECT_FALSE(plane.IsPicked());
