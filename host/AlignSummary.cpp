@@ -6,6 +6,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "PairShape.h"
+
 namespace {
 
 using KV_ScenePane::AlignmentPair;
@@ -48,9 +50,13 @@ QString PointsSummary(const AlignOutcome& outcome) {
     const QString moved = ObjectsText(outcome.movedObjects);
     if (result.pairs.size() == 1) return Tr("Aligned by one point and the surface normals there: %1 moved.").arg(moved);
     const int largest = LargestResidual(result);
-    return Tr("Aligned by %1 points: %2 moved; residual %3 mm (RMS), at most %4 mm at pair %5.")
-        .arg(QString::number(result.pairs.size()), moved, LengthText(result.rms),
-             LengthText(result.residuals[static_cast<std::size_t>(largest)]), QString::number(largest + 1));
+    const QString summary =
+        Tr("Aligned by %1 points: %2 moved; residual %3 mm (RMS), at most %4 mm at pair %5.")
+            .arg(QString::number(result.pairs.size()), moved, LengthText(result.rms),
+                 LengthText(result.residuals[static_cast<std::size_t>(largest)]), QString::number(largest + 1));
+    // Small residuals do not show it.
+    return AreOnALine(result.pairs) ? summary + Tr(" The points are on one line: they do not fix the turn about it.")
+                                    : summary;
 }
 
 }  // namespace

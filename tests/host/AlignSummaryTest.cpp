@@ -77,8 +77,12 @@ TEST(AlignSummary, DescribesTheEndsOfPoints) {
     EXPECT_EQ(Text(AlignWay::ByPoints, 0, {}), "Alignment by points: ended, nothing was moved.");
     EXPECT_EQ(Text(AlignWay::ByPoints, 2, Found({Pair(0, 1)}, {0}, 0)),
               "Aligned by one point and the surface normals there: 2 objects moved.");
+    const AlignmentPair beside{{{1, 2, 0}, {}}, {{2, 2, 0}, {}}};
+    const std::string three =
+        "Aligned by 3 points: 1 object moved; residual 0.0216 mm (RMS), at most 0.0300 mm at pair 2.";
+    EXPECT_EQ(Text(AlignWay::ByPoints, 1, Found({Pair(0, 1), beside, Pair(2, 3)}, {0.01, 0.03, 0.02}, 0.0216)), three);
     EXPECT_EQ(Text(AlignWay::ByPoints, 1, Found({Pair(0, 1), Pair(1, 2), Pair(2, 3)}, {0.01, 0.03, 0.02}, 0.0216)),
-              "Aligned by 3 points: 1 object moved; residual 0.0216 mm (RMS), at most 0.0300 mm at pair 2.");
+              three + " The points are on one line: they do not fix the turn about it.");
 }
 
 TEST(AlignSummary, NamesTheReasonOfAFailure) {
