@@ -49,6 +49,7 @@ void CInteractionDlg::OnInteractionKey(std::int32_t nChar, std::int32_t /*nRepCn
 }
 
 void CInteractionDlg::OnClick(std::int32_t x, std::int32_t y, std::uint32_t flags) {
+    if (m_vpPickableObjects.empty()) return;
     CKV_ScenePaneCtrl& control = *m_pControl;
     const auto objects = ObjectsInScene(m_vpPickableObjects, control.m_vpMeshes);
     if (objects.empty()) return;

@@ -587,8 +587,13 @@ TEST(PixelFormat, IsRequestedWithTheSamplesOfTheControl) {
 // ---- destruction
 
 struct NotingDialog : CInteractionDlg {
-    explicit NotingDialog(std::function<void()> note) : m_note(std::move(note)) {}
-    void Finish() override { m_note(); }
+    NotingDialog(CKV_ScenePaneCtrl& control, std::function<void()> note) : m_note(std::move(note)) {
+        m_pControl = &control;
+    }
+    void PostNcDestroy() override {
+        m_note();
+        OnInteractionClosed();
+    }
     std::function<void()> m_note;
 };
 
@@ -611,12 +616,12 @@ TEST(WindowDestruction, ClosesTheDialogThenClearsTheDataInItsContextThenDeletesT
         EXPECT_TRUE(glIsTexture(marker)) << "not in the control's own context";
         order.emplace_back("mesh");
     }));
-    NotingDialog dialog([&] {
+    c->m_vInteractionDlgs.push_back(std::make_unique<NotingDialog>(*c.control, [&] {
         EXPECT_EQ(c.window->ContextHandle(), ofC);
         order.emplace_back("dialog");
-        c->m_pInteractionDlg = nullptr;
-    });
-    c->m_pInteractionDlg = &dialog;
+    }));
+    c->m_pInteractionDlg = c->m_vInteractionDlgs.back().get();
+    c->m_pInteractionDlg->Create();
     ASSERT_TRUE(other->MakeContextCurrent());
     c.window->Destroy();
     EXPECT_EQ(order, (std::vector<std::string>{"dialog", "mesh"}));
