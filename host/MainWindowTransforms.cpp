@@ -27,7 +27,7 @@ constexpr const char* kFilter = QT_TRANSLATE_NOOP("MainWindow", "Transforms (*.j
 
 /// Beside the first scan; in the working folder without one.
 QString FirstTransformFile(const std::vector<ObjectRow>& rows) {
-    const QString name = "transforms.json";
+    QString name = "transforms.json";
     if (rows.empty()) return name;
     return QFileInfo(QFile::decodeName(QByteArray::fromStdString(rows.front().file))).dir().filePath(name);
 }
