@@ -118,7 +118,8 @@ TEST_F(PickPoints, HitOnlyMovingObjectsInTheFirstPhase) {
 }
 
 TEST_F(PickPoints, PassThroughDimmedObjects) {
-    v->m_vpMeshes[0] = MakeSlopedPlate({.x = 3, .z = -2});  // behind the fixed plate, in front of that at the back
+    v->m_vpMeshes[0] =
+        MakeSlopedPlate({.x = 3, .z = -2});  // farther away than the fixed plate, nearer than the plate at the back
     v->ResetVariableObjects();
     v->AddVariableObject(kMovingPlate);
     v->AlignPickPoints();

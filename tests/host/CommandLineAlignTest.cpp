@@ -1,8 +1,6 @@
 // The options of alignments and of stored transforms.
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "host/ParsedCommandLine.h"
 
 namespace {
@@ -51,13 +49,6 @@ TEST(CommandLineOfAlignments, ReadsStoredTransformsForEveryRunWithFiles) {
         EXPECT_EQ(Parsed(run).transformFile, "") << run.front();
     }
 }
-
-struct WrongUsage {
-    const char* name;
-    std::vector<std::string> arguments;
-    const char* message;
-};
-void PrintTo(const WrongUsage& row, std::ostream* out) { *out << row.name; }
 
 const WrongUsage kWrongUsages[] = {
     {"AlignAlone", {"--align", "p.txt"}, "--align needs at least one file after --moving"},

@@ -1,7 +1,6 @@
 // The options of cuts: --cut, --save-cuts and --export.
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <utility>
 
 #include "host/ParsedCommandLine.h"
@@ -43,13 +42,6 @@ TEST(CommandLineOfCuts, ReadsAPlaneForARunWithLassosAndForASaveWithoutThem) {
     EXPECT_TRUE(Parsed({"--save-cuts", "--clip=0,0,0,0,0,1", "a.pcm", "b.pcm"}).clip);
     EXPECT_TRUE(Parsed({"--save-cuts", "--clip-auto", "a.pcm"}).clipAuto);
 }
-
-struct WrongUsage {
-    const char* name;
-    std::vector<std::string> arguments;
-    const char* message;
-};
-void PrintTo(const WrongUsage& row, std::ostream* out) { *out << row.name; }
 
 const WrongUsage kWrongUsages[] = {
     {"CutWithoutARun",

@@ -291,13 +291,6 @@ TEST(CommandLine, RejectsWhatIsNeitherANumberOfADeviceNorSoftware) {
                   "--gpu takes the number of a graphics device from 0 to 31, or software, not \"" + value + "\"");
 }
 
-struct WrongUsage {
-    const char* name;
-    std::vector<std::string> arguments;
-    const char* message;
-};
-void PrintTo(const WrongUsage& row, std::ostream* out) { *out << row.name; }
-
 const WrongUsage kWrongUsages[] = {
     {"UnknownOption", {"--skipp", "3"}, "unknown option --skipp"},
     {"UnknownOptionWithValue", {"--skipp=3"}, "unknown option --skipp=3"},

@@ -2,6 +2,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <variant>
 #include <vector>
@@ -22,3 +23,11 @@ inline std::string UsageErrorOf(const std::vector<std::string>& arguments) {
     const auto* const error = std::get_if<UsageError>(&result);
     return error == nullptr ? "accepted" : error->text;
 }
+
+/// A command line that is refused.
+struct WrongUsage {
+    const char* name;  ///< of the test case
+    std::vector<std::string> arguments;
+    const char* message;
+};
+inline void PrintTo(const WrongUsage& row, std::ostream* out) { *out << row.name; }

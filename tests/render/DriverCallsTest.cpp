@@ -165,7 +165,7 @@ TEST_F(Uploads, OfAChangedColourRunOncePerFrame) {
     }
 }
 
-// The stand-in counts the calls that allocate a buffer. Vertices that replace others need none.
+// The replaced driver functions count the calls that allocate a buffer. Vertices that replace others need none.
 TEST_F(Uploads, OfAMovedObjectAllocateNothing) {
     for (const double x : {-2.5, 2.5}) Add({.center = {x, 0, 0}, .half = 0.5});
     Frame();

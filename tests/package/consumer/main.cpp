@@ -54,7 +54,7 @@ int main() {
     if (!pane->CapturePicture(&picture)) return Fail("no picture");
     if (picture.width != 200 || picture.height != 100) return Fail("the picture has another size");
 
-    // Up by 5: the library behind the viewer is found in the installed tree.
+    // Up by 5: the viewer finds the library for pairs of points in the installed tree.
     const KV_ScenePane::AlignmentPair pairs[] = {
         {{{0, 0, 0}, {}}, {{0, 0, 5}, {}}}, {{{9, 0, 0}, {}}, {{9, 0, 5}, {}}}, {{{0, 9, 0}, {}}, {{0, 9, 5}, {}}}};
     pane->Methods().AddVariableObject(0);
