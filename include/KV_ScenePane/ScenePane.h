@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "KV_ScenePane/Alignment.h"
@@ -15,6 +16,17 @@
 #include "KV_ScenePane/_DKV_ScenePaneEvents.h"
 
 namespace KV_ScenePane {
+
+/// The about dialog: a modal window with this title, one line of text and an "OK" button.
+struct AboutText {
+    std::string title, line;
+};
+
+/// How a store of the persisted properties is written.
+enum class PropertyFormat : std::int32_t {
+    Text = 0,   ///< lines that a person can read and change
+    Binary = 1  ///< a few bytes with a checksum
+};
 
 /// Where and how a viewer is shown.
 struct WindowRequest {
@@ -52,6 +64,9 @@ struct WindowRequest {
     /// Shows a message that the user must see, such as a refused OpenGL version, and returns when it was read. Called
     /// on the viewer's thread; it may run an event loop. Empty: such messages go to the debugger output.
     std::function<void(const std::string& text)> showMessage;
+    /// Shows the about dialog of AboutBox() and returns when it is closed; called as showMessage is. Empty: the line
+    /// goes to the debugger output, and AboutBox() returns at once.
+    std::function<void(const AboutText& text)> showAbout;
 };
 
 /// Properties of an object that the automation surface does not return.
@@ -211,6 +226,19 @@ public:
     /// What the last alignment by points found, by AlignByPairs() or by the operator. A default result before the first
     /// one, from AlignPickPoints() until the last point is picked, and after an alignment that ended before that.
     [[nodiscard]] virtual AlignmentResult GetAlignmentResult() const = 0;
+
+    /// Writes the persisted properties DrawMosaic, DrawMode and MoveReduced, for LoadProperties(). IsModified() is
+    /// false afterwards.
+    [[nodiscard]] virtual std::string SaveProperties(PropertyFormat format) = 0;
+    /// Reads a store that SaveProperties() wrote, of either format, and sets the properties, which repaints as setting
+    /// them does. A damaged store, and one of a newer major version, leaves the properties at their defaults.
+    /// IsModified() is false afterwards.
+    /// @param store   the bytes of the store; untrusted
+    /// @param reason  receives why the store was refused, as a sentence for the user; may be null
+    /// @return whether the store was read
+    virtual bool LoadProperties(std::string_view store, std::string* reason) = 0;
+    /// Whether a persisted property was changed since it was last saved or loaded.
+    [[nodiscard]] virtual bool IsModified() const = 0;
 };
 
 /// Creates a viewer.

@@ -39,6 +39,28 @@ constexpr bool IsOutput() {
     return std::is_pointer_v<T> && !std::is_const_v<std::remove_pointer_t<T>>;
 }
 
+// Type of what a pointer leads to, as AutomationArgument::element names it; empty for a value.
+template <typename T>
+constexpr std::string_view ElementName() {
+    using Element = std::remove_cv_t<std::remove_pointer_t<T>>;
+    if constexpr (!std::is_pointer_v<T> || std::is_same_v<T, const wchar_t*>)
+        return "";
+    else if constexpr (std::is_same_v<Element, std::int32_t>)
+        return "int32";
+    else if constexpr (std::is_same_v<Element, float>)
+        return "float32";
+    else if constexpr (std::is_same_v<Element, std::uint8_t>)
+        return "uint8";
+    else if constexpr (std::is_same_v<Element, std::uint32_t>)
+        return "uint32";
+    else if constexpr (std::is_same_v<Element, KV_ScenePane::MeshBuffers>)
+        return "mesh";
+    else {
+        static_assert(std::is_pointer_v<Element>);
+        return "pointer";
+    }
+}
+
 // Pointers are stored untyped, every other value with its type.
 template <typename T>
 T Unpack(const AutomationValue& value) {
@@ -56,6 +78,7 @@ struct MethodTraits<Method> {
     static constexpr std::array<char, sizeof...(Arguments) + 1> kSignature{TypeCode<Result>(),
                                                                            TypeCode<Arguments>()...};
     static constexpr std::array<bool, sizeof...(Arguments)> kOutputs{IsOutput<Arguments>()...};
+    static constexpr std::array<std::string_view, sizeof...(Arguments)> kElements{ElementName<Arguments>()...};
 
     static AutomationValue Invoke(Surface& target, std::span<const AutomationValue> arguments) {
         return Call(target, arguments, std::index_sequence_for<Arguments...>());
@@ -99,11 +122,45 @@ Declaration Parse(std::string_view text) {
     return declaration;
 }
 
+struct ArrayShape {
+    std::string_view method, argument, shape;
+};
+
+// The arrays that pointers in VARIANT* arguments lead to.
+constexpr ArrayShape kArrayShapes[] = {{"CreateNeedles", "id", "number"},
+                                       {"CreateNeedles", "pinPosXYZ", "number x 3"},
+                                       {"CreateNeedles", "headPosXYZ", "number x 3"},
+                                       {"GetNeedles", "id", "GetNumberOfNeedles"},
+                                       {"GetNeedles", "pinPosXYZ", "GetNumberOfNeedles x 3"},
+                                       {"GetNeedles", "headPosXYZ", "GetNumberOfNeedles x 3"},
+                                       {"CreateLine3D", "XYZs", "numberOfXYZs x 3"},
+                                       {"ImportPoints", "xyz", "numPoints x 3"},
+                                       {"ImportPoints", "colors", "numPoints x 3"},
+                                       {"ImportMeasurementFromMemory", "points", "height x width x 3"},
+                                       {"ImportMeasurementFromMemory", "confidence", "height x width"},
+                                       {"ImportMeasurementFromMemory", "trafo", "4 x 4"},
+                                       {"ImportMeshFromMemory", "vertices", "numberOfVertices x 3"},
+                                       {"ImportMeshFromMemory", "triangles", "numberOfTriangles x 3"},
+                                       {"CaptureScreenShot", "buffer", "2048 x 2048"},
+                                       {"AddOverlayData", "argbU8DataPtrHack", "height x width x 4"},
+                                       {"GetCutMasks", "cutMaskPtrs", "count"}};
+
+std::string_view ShapeOf(std::string_view method, std::string_view argument) {
+    for (const ArrayShape& array : kArrayShapes)
+        if (array.method == method && array.argument == argument) return array.shape;
+    return {};
+}
+
 template <auto Method>
 AutomationMethod Row(std::int32_t id, std::string_view text) {
     using Traits = MethodTraits<Method>;
     Declaration declaration = Parse(text);
-    for (std::size_t i = 0; i < Traits::kOutputs.size(); ++i) declaration.arguments[i].output = Traits::kOutputs[i];
+    for (std::size_t i = 0; i < Traits::kOutputs.size(); ++i) {
+        AutomationArgument& argument = declaration.arguments[i];
+        argument.output = Traits::kOutputs[i];
+        argument.element = Traits::kElements[i];
+        argument.shape = ShapeOf(declaration.name, argument.name);
+    }
     return {id,
             declaration.result,
             declaration.name,

@@ -17,6 +17,11 @@ struct AutomationArgument {
         type;  ///< short, long, int, float, VARIANT_BOOL, BSTR, VARIANT*, or an output: float*, long*, int*
     std::string_view name;
     bool output;  ///< the method writes through it
+    /// Type of an element of an array or of an output, deduced from the method: int32, float32, uint8, uint32, pointer,
+    /// mesh; else empty.
+    std::string_view element = {};
+    /// Number of elements per dimension of an array, slowest first, in arguments and numbers: "number x 3"; else empty.
+    std::string_view shape = {};
 };
 
 /// One row of the method table.

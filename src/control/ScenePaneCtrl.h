@@ -97,6 +97,10 @@ public:
     bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info);
     bool GetGraphicsInfo(KV_ScenePane::GraphicsInfo* info);
     bool CapturePicture(KV_ScenePane::Picture* picture);
+    // ---- control/PersistedProperties.cpp
+    [[nodiscard]] std::string SaveProperties(KV_ScenePane::PropertyFormat format);
+    bool LoadProperties(std::string_view store, std::string* reason);
+
     /// The host has destroyed the handle, perhaps inside a call of it: from here on nothing is fired, shown or drawn,
     /// and input is ignored.
     void CloseForHost();

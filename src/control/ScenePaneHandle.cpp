@@ -330,6 +330,14 @@ public:
         return m_pControl->m_lastAlignment;
     }
 
+    [[nodiscard]] std::string SaveProperties(KV_ScenePane::PropertyFormat format) override {
+        return Held()->SaveProperties(format);
+    }
+    bool LoadProperties(std::string_view store, std::string* reason) override {
+        return Held()->LoadProperties(store, reason);
+    }
+    [[nodiscard]] bool IsModified() const override { return m_pControl->m_bModified; }
+
     Control& TheControl() { return *m_pControl; }
 
 private:
