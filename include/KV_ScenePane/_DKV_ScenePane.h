@@ -11,8 +11,7 @@ namespace KV_ScenePane {
 /// Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are in the
 /// world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only and stay the
 /// caller's; output pointers must not be null and must have room for what is written.
-/// Methods marked [declared only] have no effect in this version: they write one line to the debugger output and return
-/// 0. Unless a method says otherwise it reports no error, asks for no repaint and throws nothing but std::bad_alloc.
+/// Unless a method says otherwise it reports no error, asks for no repaint and throws nothing but std::bad_alloc.
 class _DKV_ScenePane {
 public:
     // ---- properties
@@ -28,7 +27,8 @@ public:
     virtual VARIANT_BOOL GetMoveReduced() = 0;
     /// A change invalidates with erase and marks the control as modified.
     virtual void SetMoveReduced(VARIANT_BOOL value) = 0;
-    /// Always 4: complete.
+    /// 4 (complete) while the viewer has its window, or of a NoPicture viewer what replaces it; 0 (uninitialised) before
+    /// and after. The same as ScenePane::HasWindow(); ReadyStateChange follows a change.
     virtual std::int32_t GetReadyState() = 0;
 
     // ---- methods, in the order of their ids
@@ -457,8 +457,7 @@ public:
     /// The distinct cut masks of all objects of the scene, ascending by address.
     /// @param count        with null cutMaskPtrs receives their number; else the number to copy
     /// @param cutMaskPtrs  array of at least that many pointers, or null. A mask lives while an object of the scene or
-    /// of
-    ///                     an undo step has it
+    ///                     of an undo step has it
     /// @return false, with nothing written, when more are requested than exist, a negative number, or with null count
     virtual VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) = 0;
     /// Removes the cut masks of all objects of the scene, which keep their shape: SaveCuttingToPcms() does not write
@@ -470,7 +469,8 @@ public:
     virtual void FinalizeKVReg() = 0;
     /// Name and version of the host program, written into hps files.
     virtual void SetHpsSourceApp(BSTR appName, BSTR appVersion) = 0;
-    /// Shows the about dialog and returns when it is closed. [declared only]
+    /// Shows the about dialog by WindowRequest::showAbout and returns when it is closed. Without that hook its line of
+    /// text goes to the debugger output, and the method returns at once. Throws what the hook throws.
     virtual void AboutBox() = 0;
 
 protected:

@@ -11,7 +11,9 @@ namespace KV_ScenePane {
 /// methods of the viewer and destroy it. Points and directions are in the world frame. Bodies are empty by default.
 class _DKV_ScenePaneEvents {
 public:
-    /// Fired by a platform that loads controls asynchronously; not fired here
+    /// The property ReadyState has changed: to 0 in the ProcessEvents() after the host destroyed the window or terminated
+    /// its display, or when RecreateOpenglContext() has failed; to 4 when a later one succeeds. A recreation of a window
+    /// that is there fires nothing when it succeeds, and the end of the viewer fires nothing
     virtual void ReadyStateChange() {}
     /// A view direction was picked in pick mode 1: the surface point on the view axis and the unit direction to the
     /// viewer. No input of this version fires it

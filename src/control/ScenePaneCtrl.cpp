@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/ScopeExit.h"
+#include "io/PropExchange.h"
 #include "render/MeshDraw.h"
 
 std::recursive_mutex* g_drawLock = nullptr;
@@ -28,6 +29,8 @@ CKV_ScenePaneCtrl::CKV_ScenePaneCtrl(std::unique_ptr<PaneWindow> window) {
     m_pWindow = std::move(window);
     m_nCreatorThreadId = static_cast<std::uint32_t>(gettid());
     ConnectMouseHandlers();
+    StartValueExchange startValues;
+    DoPropExchange(startValues);
     m_clipPlane.SetCenter({0.0, 0.0, 10.0});
     m_pQuadric = gluNewQuadric();
     m_pQuadric2 = gluNewQuadric();
@@ -44,7 +47,11 @@ CKV_ScenePaneCtrl::~CKV_ScenePaneCtrl() {
     // Programs, framebuffers, textures and free points were deleted with the context of the window.
 }
 
-bool CKV_ScenePaneCtrl::CreateControlWindow(std::string* reason) { return m_pWindow->Create(*this, reason); }
+bool CKV_ScenePaneCtrl::CreateControlWindow(std::string* reason) {
+    const bool created = m_pWindow->Create(*this, reason);
+    m_nReadyState = GetReadyState();  // no event: a host connects to a viewer that is there
+    return created;
+}
 
 bool CKV_ScenePaneCtrl::MakeContextCurrent() { return m_pWindow->MakeCurrent(); }
 
@@ -56,7 +63,17 @@ void CKV_ScenePaneCtrl::Connect(KV_ScenePane::_DKV_ScenePaneEvents* events) { m_
 
 int CKV_ScenePaneCtrl::EventDescriptor() const { return m_pWindow->EventDescriptor(); }
 
-void CKV_ScenePaneCtrl::ProcessEvents() { m_pWindow->ProcessEvents(); }
+// A handler that throws leaves the report to the next call, for which the window stays readable.
+void CKV_ScenePaneCtrl::ProcessEvents() {
+    m_pWindow->ProcessEvents();
+    ReportReadyState();
+}
+
+void CKV_ScenePaneCtrl::ReportReadyState() {
+    if (m_bRecreating || GetReadyState() == m_nReadyState) return;
+    m_nReadyState = GetReadyState();
+    Fire(&KV_ScenePane::_DKV_ScenePaneEvents::ReadyStateChange);
+}
 
 bool CKV_ScenePaneCtrl::HasWindow() const { return m_pWindow->Exists(); }
 

@@ -29,6 +29,7 @@
 #include "view/InputState.h"
 #include "view/ViewFrame.h"
 
+class PropExchange;
 struct MeasurementData;
 
 /// One critical section for the whole process, held across a frame so that two controls never draw at the same time.
@@ -89,6 +90,9 @@ public:
     void Connect(KV_ScenePane::_DKV_ScenePaneEvents* events);
     [[nodiscard]] int EventDescriptor() const;
     void ProcessEvents();
+    /// Fires ReadyStateChange when the ready state is another one than the host knows; not while the context is being
+    /// made again, which may succeed.
+    void ReportReadyState();
     [[nodiscard]] bool HasWindow() const;
     [[nodiscard]] std::uintptr_t NativeWindow() const;
     bool Reparent(std::uintptr_t parent, int x, int y);
@@ -97,7 +101,11 @@ public:
     bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info);
     bool GetGraphicsInfo(KV_ScenePane::GraphicsInfo* info);
     bool CapturePicture(KV_ScenePane::Picture* picture);
+
     // ---- control/PersistedProperties.cpp
+    /// Exchanges the version, then the persisted properties in their order. Repaints nothing and leaves m_bModified.
+    /// @throws PropertyStoreError for a store that cannot be read: the properties are then as before
+    void DoPropExchange(PropExchange& exchange);
     [[nodiscard]] std::string SaveProperties(KV_ScenePane::PropertyFormat format);
     bool LoadProperties(std::string_view store, std::string* reason);
 
@@ -295,7 +303,7 @@ public:
     /// @return whether there is a transform
     bool MoveByPoints(std::span<const Vertex> source, std::span<const Vertex> target);
 
-    // ---- control/MethodsToCome.cpp: one line to the debugger output: methods that this version only declares
+    // ---- control/AboutBox.cpp
     void AboutBox() override;
 
     // ---- cut/CutMethods.cpp: sessions

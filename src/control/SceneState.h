@@ -18,6 +18,7 @@ struct SceneState {
     std::unique_ptr<PaneWindow> m_pWindow;
     KV_ScenePane::_DKV_ScenePaneEvents* m_pEvents = nullptr;  ///< the host's, or null; not owned
     bool m_bClosed = false;                                   ///< the host has destroyed its handle
+    std::int32_t m_nReadyState = 0;  ///< that the host knows: of creation or the last ReadyStateChange
 
     std::vector<std::shared_ptr<Mesh>> m_vpMeshes;      ///< shared with the steps of m_vUndoStack
     std::vector<Mesh*> m_vpSelection;                   ///< not owned, may dangle: read it by LiveSelection()

@@ -29,8 +29,8 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::GetMoveReduced() { return ToV
 void CKV_ScenePaneCtrl::SetMoveReduced(VARIANT_BOOL value) { WriteProperty(*this, m_bMoveReduced, value != 0); }
 
 std::int32_t CKV_ScenePaneCtrl::GetReadyState() {
-    constexpr std::int32_t kComplete = 4;
-    return kComplete;
+    constexpr std::int32_t kUninitialised = 0, kComplete = 4;
+    return HasWindow() ? kComplete : kUninitialised;
 }
 
 void CKV_ScenePaneCtrl::SetAllowEmptyObjects(VARIANT_BOOL allow) { m_bAllowEmptyObjects = allow != 0; }

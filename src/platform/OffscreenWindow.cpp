@@ -154,6 +154,7 @@ bool OffscreenWindow::CreateContext(const ContextAttributes& attributes) {
 // remains current, and would still draw until another one is made current.
 bool OffscreenWindow::MakeCurrent() {
     if (m_pContext == nullptr || !Exists()) {
+        if (m_pContext != nullptr) m_messages.Wake();  // the next ProcessEvents() runs OnDestroy()
         ReleaseCurrentGlx();
         ReleaseCurrentEgl();
         return false;

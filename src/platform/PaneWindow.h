@@ -5,6 +5,10 @@
 
 #include "KV_ScenePane/Input.h"
 
+namespace KV_ScenePane {
+struct AboutText;
+}
+
 /// What a window reports to its owner, always on the thread that drives the window. Every call may close the window
 /// with Destroy() or replace it with Recreate(), and may call ProcessEvents(); none may delete the window object.
 class WindowClient {
@@ -163,6 +167,8 @@ public:
     virtual void PostPrivateMessage(std::uint32_t message) = 0;
     /// Shows a message to the user and returns when it was read. See ShowUserMessage() for a host without a hook.
     virtual void ShowModalMessage(const std::string& text) = 0;
+    /// Shows the about dialog and returns when it is closed. See ShowAboutText() for a host without a hook.
+    virtual void ShowAboutBox(const KV_ScenePane::AboutText& text) = 0;
     /// Readable when ProcessEvents() has work.
     [[nodiscard]] virtual int EventDescriptor() const = 0;
     /// Handles the queued events of the window system, then messages and timers, then repaints. Never blocks. What is

@@ -6,7 +6,7 @@
 #include "platform/UserMessage.h"
 
 QueuedWindow::QueuedWindow(const KV_ScenePane::WindowRequest& request)
-    : m_size{request.width, request.height}, m_showMessage(request.showMessage) {}
+    : m_size{request.width, request.height}, m_showMessage(request.showMessage), m_showAbout(request.showAbout) {}
 
 // ---- life
 
@@ -98,6 +98,8 @@ std::uint32_t QueuedWindow::StartTimer(std::uint32_t milliseconds) {
 }
 
 void QueuedWindow::ShowModalMessage(const std::string& text) { ShowUserMessage(m_showMessage, text); }
+
+void QueuedWindow::ShowAboutBox(const KV_ScenePane::AboutText& text) { ShowAboutText(m_showAbout, text); }
 
 // An exception of the client ends the call and passes through to the host. What is left then, also a repaint that was
 // not requested by Invalidate() and has no wake of its own, is for the next call.

@@ -1,5 +1,5 @@
 // What all windows share: the order of creation and destruction, the queue of paints, messages and timers, and the
-// message to the user.
+// messages to the user.
 #pragma once
 #include <functional>
 #include <utility>
@@ -30,6 +30,7 @@ public:
     void StopTimer(std::uint32_t id) override { m_messages.StopTimer(id); }
     void PostPrivateMessage(std::uint32_t message) override { m_messages.Post(message); }
     void ShowModalMessage(const std::string& text) override;
+    void ShowAboutBox(const KV_ScenePane::AboutText& text) override;
     [[nodiscard]] int EventDescriptor() const override { return m_messages.Descriptor(); }
     void ProcessEvents() override;
 
@@ -74,5 +75,6 @@ private:
 
     Life m_life = Life::None;
     SwapWait m_nextSwap = SwapWait::Never;
-    std::function<void(const std::string& text)> m_showMessage;  ///< the host's hook; may be empty
+    std::function<void(const std::string& text)> m_showMessage;            ///< the host's hook; may be empty
+    std::function<void(const KV_ScenePane::AboutText& text)> m_showAbout;  ///< the same
 };

@@ -9,3 +9,11 @@ void ShowUserMessage(const std::function<void(const std::string& text)>& hook, c
     else
         DebugOutput(text + "\n");
 }
+
+void ShowAboutText(const std::function<void(const KV_ScenePane::AboutText& text)>& hook,
+                   const KV_ScenePane::AboutText& text) {
+    if (hook)
+        hook(text);
+    else
+        DebugOutput(text.line + "\n");
+}

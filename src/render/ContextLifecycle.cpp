@@ -217,6 +217,16 @@ CKV_ScenePaneCtrl::VARIANT_BOOL CKV_ScenePaneCtrl::RecreateOpenglContext(std::in
     m_nGlMinorVersion = minorVersion;
     m_nGlSamples = numberOfSamples;
     m_bSamplesOptional = false;
-    if (m_pWindow->Recreate()) RestartDispatchTimer();
+    if (m_bRecreating) return KV_ScenePane::kVariantTrue;  // the running one ends with the values that it finds
+    m_bRecreating = true;
+    try {
+        if (m_pWindow->Recreate()) RestartDispatchTimer();
+    } catch (...) {
+        m_bRecreating = false;
+        ReportReadyState();
+        throw;
+    }
+    m_bRecreating = false;
+    ReportReadyState();
     return KV_ScenePane::kVariantTrue;
 }

@@ -29,8 +29,8 @@ inline constexpr std::int32_t kBoldListCount = 96;  ///< of the lists from m_nFo
 /// holds m_nFrozenHeight rows of m_nFrozenWidth pixels.
 struct RenderState {
     // Properties of the host surface, persisted.
-    std::int16_t m_nDrawMode = KV_ScenePane::DrawModeGouraud;  ///< any value of the host
-    std::int32_t m_bMoveReduced = 0;                           ///< draw objects reduced while m_bMoving is set
+    std::int16_t m_nDrawMode = 0;     ///< any value of the host; DoPropExchange() sets the start value
+    std::int32_t m_bMoveReduced = 0;  ///< draw objects reduced while m_bMoving is set
 
     // Context.
     void* m_hRC = nullptr;                                      ///< rendering context
@@ -38,6 +38,7 @@ struct RenderState {
     std::uint32_t m_nFontListBase = 0;                          ///< first of kBoldListCount lists
     std::int32_t m_nGlMajorVersion = 3, m_nGlMinorVersion = 3;  ///< requested
     std::int32_t m_nGlSamples = 0;                              ///< requested samples per pixel
+    bool m_bRecreating = false;                                 ///< inside RecreateOpenglContext()
     bool m_bSamplesOptional = false;  ///< of the first context: 0 samples where the driver has no such format
     std::vector<TexturePixels> m_vTexturesWithoutContext;  ///< for the next context
     COpenGLTextDraw m_textDraw;

@@ -75,6 +75,7 @@ public:
     void StopTimer(std::uint32_t) override {}
     void PostPrivateMessage(std::uint32_t) override {}
     void ShowModalMessage(const std::string& text) override { messages.push_back(text); }
+    void ShowAboutBox(const KV_ScenePane::AboutText&) override {}
     [[nodiscard]] int EventDescriptor() const override { return -1; }
     void ProcessEvents() override {}
 };

@@ -44,6 +44,7 @@ public:
         modalMessages.push_back(text);
         m_window->ShowModalMessage(text);
     }
+    void ShowAboutBox(const KV_ScenePane::AboutText& text) override { m_window->ShowAboutBox(text); }
 
     // ---- passed on
     bool Create(WindowClient& client, std::string* reason) override {
