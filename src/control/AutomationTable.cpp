@@ -8,11 +8,13 @@
 #include <string>
 #include <tuple>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
 
 namespace {
 
 using Surface = KV_ScenePane::_DKV_ScenePane;
+using Events = KV_ScenePane::_DKV_ScenePaneEvents;
 
 // One letter per C++ type, as AutomationMethod::signature lists them.
 template <typename T>
@@ -27,6 +29,8 @@ constexpr char TypeCode() {
         return 'f';
     else if constexpr (std::is_same_v<T, const wchar_t*>)
         return 'w';
+    else if constexpr (std::is_same_v<T, std::int64_t>)
+        return 'l';
     else {
         static_assert(std::is_pointer_v<T>);
         return 'p';
@@ -70,23 +74,24 @@ T Unpack(const AutomationValue& value) {
         return std::get<T>(value);
 }
 
-// Signature, output arguments and call of one method, deduced from its pointer to member.
+// Signature, output arguments and call of one method or event, deduced from its pointer to member.
 template <auto Method>
 struct MethodTraits;
-template <typename Result, typename... Arguments, Result (Surface::*Method)(Arguments...)>
+template <typename Target, typename Result, typename... Arguments, Result (Target::*Method)(Arguments...)>
 struct MethodTraits<Method> {
     static constexpr std::array<char, sizeof...(Arguments) + 1> kSignature{TypeCode<Result>(),
                                                                            TypeCode<Arguments>()...};
+    static constexpr std::string_view kSignatureText{kSignature.data(), kSignature.size()};
     static constexpr std::array<bool, sizeof...(Arguments)> kOutputs{IsOutput<Arguments>()...};
     static constexpr std::array<std::string_view, sizeof...(Arguments)> kElements{ElementName<Arguments>()...};
 
-    static AutomationValue Invoke(Surface& target, std::span<const AutomationValue> arguments) {
+    static AutomationValue Invoke(Target& target, std::span<const AutomationValue> arguments) {
         return Call(target, arguments, std::index_sequence_for<Arguments...>());
     }
 
 private:
     template <std::size_t... I>
-    static AutomationValue Call(Surface& target, [[maybe_unused]] std::span<const AutomationValue> arguments,
+    static AutomationValue Call(Target& target, [[maybe_unused]] std::span<const AutomationValue> arguments,
                                 std::index_sequence<I...>) {
         if constexpr (std::is_void_v<Result>) {
             (target.*Method)(Unpack<Arguments>(arguments[I])...);
@@ -95,6 +100,56 @@ private:
             return (target.*Method)(Unpack<Arguments>(arguments[I])...);
         }
     }
+};
+
+// A property from the method that reads it and the one that writes it; without the latter it is read only.
+template <auto Get, auto Put = nullptr>
+AutomationProperty Property(std::int32_t id, std::string_view type, std::string_view name) {
+    AutomationProperty property{id, type, name, false, MethodTraits<Get>::kSignature[0], [](Surface& target) {
+                                    return MethodTraits<Get>::Invoke(target, {});
+                                }};
+    if constexpr (Put != nullptr) {
+        static_assert(MethodTraits<Put>::kSignature[1] == MethodTraits<Get>::kSignature[0]);
+        property.writable = true;
+        property.put = [](Surface& target, const AutomationValue& value) {
+            MethodTraits<Put>::Invoke(target, {&value, 1});
+        };
+    }
+    return property;
+}
+
+// Finds rows of a table. Ids from 0 are places in a list; there is at most one negative id per table.
+template <typename Row>
+class RowIndex {
+public:
+    explicit RowIndex(std::span<const Row> rows) {
+        for (const Row& row : rows) {
+            m_byName.emplace(row.name, &row);
+            if (row.id < 0) {
+                assert(m_pNegative == nullptr);
+                m_pNegative = &row;
+                continue;
+            }
+            const auto place = static_cast<std::size_t>(row.id);
+            if (place >= m_byId.size()) m_byId.resize(place + 1, nullptr);
+            m_byId[place] = &row;
+        }
+    }
+
+    [[nodiscard]] const Row* Find(std::int32_t id) const {
+        if (id < 0) return m_pNegative != nullptr && m_pNegative->id == id ? m_pNegative : nullptr;
+        const auto place = static_cast<std::size_t>(id);
+        return place < m_byId.size() ? m_byId[place] : nullptr;
+    }
+    [[nodiscard]] const Row* Find(std::string_view name) const {
+        const auto found = m_byName.find(name);
+        return found == m_byName.end() ? nullptr : found->second;
+    }
+
+private:
+    std::vector<const Row*> m_byId;
+    const Row* m_pNegative = nullptr;
+    std::unordered_map<std::string_view, const Row*> m_byName;
 };
 
 struct Declaration {
@@ -165,13 +220,15 @@ AutomationMethod Row(std::int32_t id, std::string_view text) {
             declaration.result,
             declaration.name,
             std::move(declaration.arguments),
-            std::string_view(Traits::kSignature.data(), Traits::kSignature.size()),
+            Traits::kSignatureText,
             &Traits::Invoke};
 }
 
+template <auto Handler>
 AutomationEvent Event(std::int32_t id, std::string_view text) {
+    using Traits = MethodTraits<Handler>;
     Declaration declaration = Parse(text);
-    return {id, declaration.name, std::move(declaration.arguments)};
+    return {id, declaration.name, std::move(declaration.arguments), Traits::kSignatureText, &Traits::Invoke};
 }
 
 // clang-format off
@@ -304,7 +361,7 @@ const std::vector<AutomationMethod>& Methods() {
 
 // Letter of the alternative that is held, in the order of AutomationValue.
 char CodeOf(const AutomationValue& value) {
-    constexpr std::string_view kCodes = "vsifwp";
+    constexpr std::string_view kCodes = "vsifwpl";
     return kCodes[value.index()];
 }
 
@@ -313,38 +370,61 @@ char CodeOf(const AutomationValue& value) {
 std::span<const AutomationMethod> AutomationMethods() { return Methods(); }
 
 std::span<const AutomationProperty> AutomationProperties() {
-    static constexpr std::array<AutomationProperty, 4> kProperties{{{1, "VARIANT_BOOL", "DrawMosaic", true},
-                                                                    {2, "short", "DrawMode", true},
-                                                                    {3, "VARIANT_BOOL", "MoveReduced", true},
-                                                                    {-525, "long", "ReadyState", false}}};
-    return kProperties;
+    static const std::array<AutomationProperty, 4> properties{
+        Property<&Surface::GetDrawMosaic, &Surface::SetDrawMosaic>(1, "VARIANT_BOOL", "DrawMosaic"),
+        Property<&Surface::GetDrawMode, &Surface::SetDrawMode>(2, "short", "DrawMode"),
+        Property<&Surface::GetMoveReduced, &Surface::SetMoveReduced>(3, "VARIANT_BOOL", "MoveReduced"),
+        Property<&Surface::GetReadyState>(-525, "long", "ReadyState")};
+    return properties;
 }
 
 std::span<const AutomationEvent> AutomationEvents() {
     // clang-format off
     static const std::vector<AutomationEvent> events{
-        Event(-609, "void ReadyStateChange()"),
-        Event(1, "void SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz)"),
-        Event(2, "void SelectObjCoords(short idx, float px, float py, float pz, int shiftModifiers, int mouseX, int mouseY)"),
-        Event(3, "void SegmentationDone(short numObj)"),
-        Event(4, "void ViewDirectionChanged(float vx, float vy, float vz)"),
-        Event(5, "void AlignmentDone()"),
-        Event(6, "void NeedleCreated(int id)"),
-        Event(7, "void NeedleSelected(int id)"),
-        Event(8, "void NeedleDeleted(int id)"),
-        Event(9, "void NeedleDeselected(int id)"),
-        Event(10, "void CustomKeyDown(long nChar, long nRepCnt, long nFlags)"),
-        Event(11, "void PickPointCountChanged(int newCount)"),
-        Event(12, "void CutMaskApplied(int64 addr)"),
+        Event<&Events::ReadyStateChange>(-609, "void ReadyStateChange()"),
+        Event<&Events::SelectViewDirection>(1, "void SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz)"),
+        Event<&Events::SelectObjCoords>(2, "void SelectObjCoords(short idx, float px, float py, float pz, int shiftModifiers, int mouseX, int mouseY)"),
+        Event<&Events::SegmentationDone>(3, "void SegmentationDone(short numObj)"),
+        Event<&Events::ViewDirectionChanged>(4, "void ViewDirectionChanged(float vx, float vy, float vz)"),
+        Event<&Events::AlignmentDone>(5, "void AlignmentDone()"),
+        Event<&Events::NeedleCreated>(6, "void NeedleCreated(int id)"),
+        Event<&Events::NeedleSelected>(7, "void NeedleSelected(int id)"),
+        Event<&Events::NeedleDeleted>(8, "void NeedleDeleted(int id)"),
+        Event<&Events::NeedleDeselected>(9, "void NeedleDeselected(int id)"),
+        Event<&Events::CustomKeyDown>(10, "void CustomKeyDown(long nChar, long nRepCnt, long nFlags)"),
+        Event<&Events::PickPointCountChanged>(11, "void PickPointCountChanged(int newCount)"),
+        Event<&Events::CutMaskApplied>(12, "void CutMaskApplied(int64 addr)"),
     };
     // clang-format on
     return events;
 }
 
+namespace {
+const RowIndex<AutomationMethod>& MethodIndex() {
+    static const RowIndex<AutomationMethod> index(AutomationMethods());
+    return index;
+}
+const RowIndex<AutomationProperty>& PropertyIndex() {
+    static const RowIndex<AutomationProperty> index(AutomationProperties());
+    return index;
+}
+const RowIndex<AutomationEvent>& EventIndex() {
+    static const RowIndex<AutomationEvent> index(AutomationEvents());
+    return index;
+}
+}  // namespace
+
+const AutomationMethod* FindMethod(std::int32_t id) { return MethodIndex().Find(id); }
+const AutomationMethod* FindMethod(std::string_view name) { return MethodIndex().Find(name); }
+const AutomationProperty* FindProperty(std::int32_t id) { return PropertyIndex().Find(id); }
+const AutomationProperty* FindProperty(std::string_view name) { return PropertyIndex().Find(name); }
+const AutomationEvent* FindEvent(std::int32_t id) { return EventIndex().Find(id); }
+const AutomationEvent* FindEvent(std::string_view name) { return EventIndex().Find(name); }
+
 AutomationStatus InvokeMethod(Surface& target, std::int32_t id, std::span<const AutomationValue> arguments,
                               AutomationValue* result) {
-    const auto method = std::ranges::find(Methods(), id, &AutomationMethod::id);
-    if (method == Methods().end()) return AutomationStatus::UnknownId;
+    const AutomationMethod* method = FindMethod(id);
+    if (method == nullptr) return AutomationStatus::UnknownId;
     const std::string_view expected = method->signature.substr(1);
     if (!std::ranges::equal(arguments, expected, {}, CodeOf)) return AutomationStatus::BadArguments;
     const AutomationValue value = method->invoke(target, arguments);

@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "KV_ScenePane/_DKV_ScenePane.h"
+#include "KV_ScenePane/_DKV_ScenePaneEvents.h"
 
 /// One argument or result of a dispatched call. Pointers are untyped; std::monostate is no value.
-using AutomationValue = std::variant<std::monostate, std::int16_t, std::int32_t, float, const wchar_t*, void*>;
+using AutomationValue =
+    std::variant<std::monostate, std::int16_t, std::int32_t, float, const wchar_t*, void*, std::int64_t>;
 
 /// One argument as it is declared.
 struct AutomationArgument {
@@ -43,6 +45,11 @@ struct AutomationProperty {
     std::string_view type;
     std::string_view name;
     bool writable;
+    /// The C++ type behind it, a letter as in a signature.
+    char code = 'v';
+    AutomationValue (*get)(KV_ScenePane::_DKV_ScenePane& target) = nullptr;
+    /// Null for a property that cannot be written; the value must have the type of the property.
+    void (*put)(KV_ScenePane::_DKV_ScenePane& target, const AutomationValue& value) = nullptr;
 };
 
 /// One row of the event table.
@@ -50,6 +57,10 @@ struct AutomationEvent {
     std::int32_t id;
     std::string_view name;
     std::vector<AutomationArgument> arguments;
+    /// The C++ types as in AutomationMethod::signature, with l for 64-bit; the result is always v.
+    std::string_view signature;
+    /// Calls the handler; the arguments must have the types of the signature.
+    AutomationValue (*fire)(KV_ScenePane::_DKV_ScenePaneEvents& target, std::span<const AutomationValue> arguments);
 };
 
 /// All 120 methods in the order of their ids, AboutBox last. Made at the first call; valid to the end of the process.
@@ -57,6 +68,14 @@ struct AutomationEvent {
 [[nodiscard]] std::span<const AutomationProperty> AutomationProperties();
 /// All 13 events, ReadyStateChange first.
 [[nodiscard]] std::span<const AutomationEvent> AutomationEvents();
+
+/// The row with an id or a name; null when there is none. The time does not depend on the size of the table.
+[[nodiscard]] const AutomationMethod* FindMethod(std::int32_t id);
+[[nodiscard]] const AutomationMethod* FindMethod(std::string_view name);
+[[nodiscard]] const AutomationProperty* FindProperty(std::int32_t id);
+[[nodiscard]] const AutomationProperty* FindProperty(std::string_view name);
+[[nodiscard]] const AutomationEvent* FindEvent(std::int32_t id);
+[[nodiscard]] const AutomationEvent* FindEvent(std::string_view name);
 
 /// Outcome of a call by id; only Done has called the method.
 enum class AutomationStatus { Done, UnknownId, BadArguments };
