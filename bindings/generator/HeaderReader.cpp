@@ -105,6 +105,9 @@ private:
         if (!target.empty()) Fail(m_place, number, "a second " + tag);
         m_target = &target;
         *m_target = rest;
+        // "TYPE  text": the type of an exception is set off by two blanks.
+        const std::size_t gap = m_target->find("  ");
+        if (gap != std::string::npos) m_target->replace(gap, m_target->find_first_not_of(' ', gap) - gap, ": ");
     }
 
     // "name, name  text": the names are separated by commas.
