@@ -19,6 +19,7 @@ endif()
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
+  set(CMAKE_C_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
   if(KV_PRECOMPILED_HEADERS)
     # ccache needs the sloppiness for them. Reading the compiler's own list of dependencies saves a run of the
@@ -39,6 +40,12 @@ target_compile_options(
 if(KV_WERROR)
   target_compile_options(kv_compiler INTERFACE -Werror)
 endif()
+
+# kv_c89(TARGET): the target is plain C, as a host may be that knows nothing newer.
+function(kv_c89 TARGET)
+  set_target_properties(${TARGET} PROPERTIES C_STANDARD 90 C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
+  target_compile_options(${TARGET} PRIVATE -pedantic -Wall -Wextra $<$<BOOL:${KV_WERROR}>:-Werror>)
+endfunction()
 
 set(KV_SANITIZE "" CACHE STRING "Sanitizers, the argument of -fsanitize=")
 if(KV_SANITIZE)

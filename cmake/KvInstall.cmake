@@ -17,7 +17,6 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_UtilsLantern/include/KV_UtilsLa
 set_target_properties(kv_msrdll PROPERTIES EXPORT_NAME MSRDLL)
 set_target_properties(kv_components PROPERTIES EXPORT_NAME KV_Components)
 set_target_properties(kv_utils_lantern PROPERTIES EXPORT_NAME KV_UtilsLantern)
-target_compile_features(KV_ScenePane INTERFACE cxx_std_20)
 # All four lie in one folder: in the build folder, where they are installed, and in the Python package, which copies them.
 set_target_properties(KV_ScenePane kv_msrdll kv_components kv_utils_lantern
                       PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
@@ -32,12 +31,22 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/KV_ScenePaneConfigVersio
 install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePaneConfig.cmake" "${PROJECT_BINARY_DIR}/KV_ScenePaneConfigVersion.cmake"
         DESTINATION "${KV_PACKAGE_DIR}")
 
+# pkg-config, for hosts that are not built by CMake. A library folder outside the prefix cannot be moved with it.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  message(STATUS "KV_ScenePane.pc: not installed, CMAKE_INSTALL_LIBDIR is absolute")
+else()
+  file(RELATIVE_PATH KV_PREFIX_FROM_PKGCONFIG "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/KV_ScenePane.pc.in" "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endif()
+
 # Not under a sanitizer: what is installed is the same, and the programs of the outside project would need its runtime.
 if(KV_BUILD_TESTS AND NOT KV_SANITIZE)
   add_test(NAME Package.AnOutsideProjectBuildsAndRunsAgainstTheInstalledTree
            COMMAND "${CMAKE_COMMAND}" "-DBUILD_DIR=${PROJECT_BINARY_DIR}" "-DSOURCE_DIR=${PROJECT_SOURCE_DIR}"
                    "-DWORK_DIR=${PROJECT_BINARY_DIR}/package-test" "-DCONFIG=${CMAKE_BUILD_TYPE}"
                    "-DCXX_COMPILER=${CMAKE_CXX_COMPILER}" "-DCXX_FLAGS=${CMAKE_CXX_FLAGS}" "-DLIBDIR=${CMAKE_INSTALL_LIBDIR}"
+                   "-DC_COMPILER=${CMAKE_C_COMPILER}" "-DPKG_CONFIG=${PKG_CONFIG_EXECUTABLE}" "-DVERSION=${PROJECT_VERSION}"
                    -P "${PROJECT_SOURCE_DIR}/tests/package/package_test.cmake")
   set_tests_properties(Package.AnOutsideProjectBuildsAndRunsAgainstTheInstalledTree PROPERTIES LABELS package TIMEOUT 300)
 endif()

@@ -141,14 +141,13 @@ void kv_window_request_init(kv_window_request* request) {
     // A program that was compiled with this header has room for these bytes only: a longer struct of a later version
     // needs another function to fill it.
     static_assert(kRequestSize == 104);
-    const WindowRequest defaults;
     *request = kv_window_request{};
     request->size = kRequestSize;
     request->kind = KV_OFF_SCREEN;
-    request->width = defaults.width, request->height = defaults.height;
-    request->gl_major = defaults.glMajor, request->gl_minor = defaults.glMinor;
-    request->gpu = defaults.gpu;
-    request->scale = defaults.scale;
+    request->width = 640, request->height = 480;
+    request->gl_major = 3, request->gl_minor = 3;
+    request->gpu = KV_ANY_GPU;
+    request->scale = 1;
 }
 
 kv_pane* kv_create(const kv_window_request* request) {

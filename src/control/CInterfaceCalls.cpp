@@ -124,9 +124,12 @@ kv_status RefuseId(const char* kind, std::int32_t id) {
 // ---- calls and properties
 
 kv_status kv_invoke(kv_pane* pane, int32_t id, const kv_value* arguments, size_t count, kv_value* result) {
-    const AutomationMethod* method = FindMethod(id);
-    return CallViewer(pane, method == nullptr ? "kv_invoke" : method->name, [&](KV_ScenePane::ScenePane& viewer) {
-        return method == nullptr ? RefuseId("method", id) : Invoke(viewer, *method, arguments, count, result);
+    std::string_view function = "kv_invoke";
+    return CallViewer(pane, function, [&](KV_ScenePane::ScenePane& viewer) {
+        const AutomationMethod* method = FindMethod(id);
+        if (method == nullptr) return RefuseId("method", id);
+        function = method->name;  // what the method throws is reported under its name
+        return Invoke(viewer, *method, arguments, count, result);
     });
 }
 
@@ -171,26 +174,28 @@ void CEventReceiver::Send(std::int32_t id, Arguments... arguments) {
     if (answer != 0) CheckAnswer(answer, "the callback of the event " + std::string(FindEvent(id)->name));
 }
 
-void CEventReceiver::ReadyStateChange() { Send(-609); }
+void CEventReceiver::ReadyStateChange() { Send(KV_EVENT_ReadyStateChange); }
 void CEventReceiver::SelectViewDirection(float px, float py, float pz, float vx, float vy, float vz) {
-    Send(1, px, py, pz, vx, vy, vz);
+    Send(KV_EVENT_SelectViewDirection, px, py, pz, vx, vy, vz);
 }
 void CEventReceiver::SelectObjCoords(std::int16_t idx, float px, float py, float pz, std::int32_t shiftModifiers,
                                      std::int32_t mouseX, std::int32_t mouseY) {
-    Send(2, idx, px, py, pz, shiftModifiers, mouseX, mouseY);
+    Send(KV_EVENT_SelectObjCoords, idx, px, py, pz, shiftModifiers, mouseX, mouseY);
 }
-void CEventReceiver::SegmentationDone(std::int16_t numObj) { Send(3, numObj); }
-void CEventReceiver::ViewDirectionChanged(float vx, float vy, float vz) { Send(4, vx, vy, vz); }
-void CEventReceiver::AlignmentDone() { Send(5); }
-void CEventReceiver::NeedleCreated(std::int32_t id) { Send(6, id); }
-void CEventReceiver::NeedleSelected(std::int32_t id) { Send(7, id); }
-void CEventReceiver::NeedleDeleted(std::int32_t id) { Send(8, id); }
-void CEventReceiver::NeedleDeselected(std::int32_t id) { Send(9, id); }
+void CEventReceiver::SegmentationDone(std::int16_t numObj) { Send(KV_EVENT_SegmentationDone, numObj); }
+void CEventReceiver::ViewDirectionChanged(float vx, float vy, float vz) {
+    Send(KV_EVENT_ViewDirectionChanged, vx, vy, vz);
+}
+void CEventReceiver::AlignmentDone() { Send(KV_EVENT_AlignmentDone); }
+void CEventReceiver::NeedleCreated(std::int32_t id) { Send(KV_EVENT_NeedleCreated, id); }
+void CEventReceiver::NeedleSelected(std::int32_t id) { Send(KV_EVENT_NeedleSelected, id); }
+void CEventReceiver::NeedleDeleted(std::int32_t id) { Send(KV_EVENT_NeedleDeleted, id); }
+void CEventReceiver::NeedleDeselected(std::int32_t id) { Send(KV_EVENT_NeedleDeselected, id); }
 void CEventReceiver::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::int32_t nFlags) {
-    Send(10, nChar, nRepCnt, nFlags);
+    Send(KV_EVENT_CustomKeyDown, nChar, nRepCnt, nFlags);
 }
-void CEventReceiver::PickPointCountChanged(std::int32_t newCount) { Send(11, newCount); }
-void CEventReceiver::CutMaskApplied(std::int64_t addr) { Send(12, addr); }
+void CEventReceiver::PickPointCountChanged(std::int32_t newCount) { Send(KV_EVENT_PickPointCountChanged, newCount); }
+void CEventReceiver::CutMaskApplied(std::int64_t addr) { Send(KV_EVENT_CutMaskApplied, addr); }
 
 kv_status kv_connect(kv_pane* pane, kv_event_function function, void* user) {
     return CallViewer(pane, "kv_connect", [&](KV_ScenePane::ScenePane& viewer) {

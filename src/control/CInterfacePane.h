@@ -86,10 +86,10 @@ private:
 
 /// Runs one function of the interface on a viewer. The viewer may be gone when a method of it has returned: @p body
 /// must not use it again afterwards.
-/// @param function  its name, for kv_last_error()
+/// @param function  its name, for kv_last_error(); read when the body has thrown
 /// @param body      called with the viewer; returns a kv_status
 template <typename Body>
-kv_status CallViewer(kv_pane* pane, std::string_view function, Body&& body) noexcept {
+kv_status CallViewer(kv_pane* pane, const std::string_view& function, Body&& body) noexcept {
     if (!IsUsable(pane, function)) return KV_BAD_ARGUMENTS;
     const CallScope scope(*pane);
     try {
