@@ -80,10 +80,10 @@ private:
 
 class TextReader final : public PropExchange {
 public:
-    explicit TextReader(std::string_view store) : m_rest(store) {}
+    explicit TextReader(std::string_view store) : m_rest(store.substr(kTextStart.size())) {}
 
     void ExchangeVersion(PropVersion current) override {
-        const std::string_view text = TakeLine().substr(kTextStart.size());
+        const std::string_view text = TakeLine();
         const std::size_t dot = text.find('.');
         PropVersion stored;
         if (dot == std::string_view::npos || !ParseNumber(text.substr(0, dot), &stored.major) ||
