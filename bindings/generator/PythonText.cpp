@@ -1,0 +1,244 @@
+// Types and docstrings of the Python package.
+#include "PythonText.h"
+
+#include <algorithm>
+#include <array>
+#include <ranges>
+
+namespace bindings {
+namespace {
+
+constexpr std::size_t kLineLength = 99;
+
+struct TypeRow {
+    std::string_view type, code;
+    int tag;
+    std::string_view python;
+};
+
+// Types as declared; the tags are those of kv_value.
+constexpr std::array<TypeRow, 12> kTypes{{{"void", "v", 0, "None"},
+                                          {"short", "s", 1, "int"},
+                                          {"VARIANT_BOOL", "b", 1, "bool"},
+                                          {"long", "i", 2, "int"},
+                                          {"int", "i", 2, "int"},
+                                          {"float", "f", 3, "float"},
+                                          {"BSTR", "w", 5, "str"},
+                                          {"VARIANT*", "p", 6, "NDArray"},
+                                          {"float*", "p", 6, "float"},
+                                          {"long*", "p", 6, "int"},
+                                          {"int*", "p", 6, "int"},
+                                          {"int64", "l", 7, "int"}}};
+
+const TypeRow& RowOf(std::string_view type) {
+    const auto row = std::ranges::find(kTypes, type, &TypeRow::type);
+    if (row == kTypes.end()) throw SourceError("the Python package has no type for " + std::string(type));
+    return *row;
+}
+
+// How a phrase of C++ reads in Python.
+struct Phrase {
+    std::string_view from, to;
+};
+
+constexpr Phrase kPhrases[] = {
+    {"Null is", "None is"},
+    {"may be null only without", "may be None only without"},
+    {"may be null", "may be None"},
+    {"null", "None"},
+    {"std::runtime_error", "kv.Error"},
+    {"std::exception", "kv.Error"},
+    {"std::bad_alloc", "kv.Error"},
+    {"ScenePane::GetCutSaveResults()", "cut_save_entries()"},
+    {"HasWindow()", "has_window"},
+    {"ProcessEvents()", "process_events()"},
+    {"showMessage", "on_message"},
+    {" (Modes.h)", ""},
+    {" (Cutting.h)", ""},
+    {"mouse flags of Input.h", "what was held: kv.MOUSE_LEFT and so on"},
+    {"as in KeyInput (Input.h)", "as in send_key()"},
+    {"owned by the viewer", "for kv.CutMask.at()"},
+    {"The id must be valid: it is not checked.", "IndexError for an id that no sphere has."},
+    {"The index must be valid: it is not checked.", "IndexError for an index outside the list."},
+    {"valid index; it is not checked", "IndexError outside the list"},
+    {"The index must be one that AddOverlayData() returned.",
+     "IndexError for any other index than those that "
+     "AddOverlayData() returned."},
+    {"3 indices per triangle; not checked", "3 indices per triangle; IndexError for one that no vertex has"},
+};
+
+std::string InPython(std::string text) {
+    for (const Phrase& phrase : kPhrases)
+        for (std::size_t at = text.find(phrase.from); at != std::string::npos; at = text.find(phrase.from, at)) {
+            text.replace(at, phrase.from.size(), phrase.to);
+            at += phrase.to.size();
+        }
+    return text;
+}
+
+/// Wraps one paragraph.
+/// @param first, rest  what the first line and the others start with
+std::string Wrapped(std::string_view paragraph, std::string_view first, std::string_view rest) {
+    std::string lines, line(first);
+    bool isEmpty = true;
+    for (const auto word : std::views::split(paragraph, ' ')) {
+        const std::string_view letters(word.begin(), word.end());
+        if (!isEmpty && line.size() + 1 + letters.size() > kLineLength) {
+            lines.append(line).append("\n");
+            line = rest;
+            isEmpty = true;
+        }
+        line.append(isEmpty ? "" : " ").append(letters);
+        isEmpty = false;
+    }
+    return lines.append(line).append("\n");
+}
+
+std::string Paragraphs(const std::string& text, std::string_view indent) {
+    std::string lines;
+    for (const auto part : std::views::split(text, std::string_view("\n\n"))) {
+        if (!lines.empty()) lines.append("\n");
+        lines.append(Wrapped(std::string_view(part.begin(), part.end()), indent, indent));
+    }
+    return lines;
+}
+
+// A docstring ends with its quotes on a line of their own unless it has one line only.
+std::string Quoted(std::string text, std::string_view indent) {
+    if (text.find('\\') != std::string::npos || text.find("\"\"\"") != std::string::npos)
+        throw SourceError("a docstring of Python cannot hold this text as it is: " + text);
+    text.insert(indent.size(), "\"\"\"");
+    text.pop_back();
+    const std::size_t lastLine = text.rfind('\n');
+    const bool isOneLine = lastLine == std::string::npos;
+    if (isOneLine && text.size() + 3 <= kLineLength) return text.append("\"\"\"\n");
+    return text.append("\n").append(indent).append("\"\"\"\n");
+}
+
+std::string ShapeText(const Argument& argument) {
+    if (argument.element == "mesh") return "a kv.Mesh";
+    if (argument.shape.empty()) return {};
+    return argument.element + " array, " + argument.shape;
+}
+
+constexpr std::string_view kIndent = "        ";
+
+// The arguments that share a text are one entry.
+std::string ArgumentTexts(const Member& method, bool outputs) {
+    std::string lines;
+    for (std::size_t i = 0; i < method.arguments.size(); ++i) {
+        const Argument& argument = method.arguments[i];
+        if (argument.output != outputs) continue;
+        std::string names = argument.name;
+        while (!argument.text.empty() && i + 1 < method.arguments.size() &&
+               method.arguments[i + 1].text == argument.text && method.arguments[i + 1].output == outputs &&
+               method.arguments[i + 1].shape == argument.shape)
+            names.append(", ").append(method.arguments[++i].name);
+        std::string text = ShapeText(argument);
+        if (!argument.text.empty()) text.append(text.empty() ? "" : ": ").append(InPython(argument.text));
+        if (IsLength(method, argument.name))
+            text.append(text.empty() ? "" : "; ").append("follows from the array when it is left out");
+        if (text.empty()) continue;
+        std::string first(kIndent);
+        first.append("    ").append(names).append(": ");
+        lines.append(Wrapped(text, first, std::string(kIndent).append("        ")));
+    }
+    return lines;
+}
+
+std::string Section(std::string_view title, const std::string& lines) {
+    if (lines.empty()) return {};
+    std::string text = "\n";
+    return text.append(kIndent).append(title).append(":\n").append(lines);
+}
+
+std::string ReturnsText(const Member& method) {
+    const std::string indent = std::string(kIndent).append("    ");
+    if (method.name == "GetCutMasks") return Wrapped("a list of kv.CutMask", indent, indent);
+    if (method.name == "CaptureScreenShot")
+        return Wrapped("uint8 array, 2048 x 2048 x 4: r, g, b, a, top row first. All zero without OpenGL", indent,
+                       indent);
+    std::string lines;
+    if (!method.returns.empty()) lines = Wrapped(InPython(method.returns), indent, indent);
+    return lines.append(ArgumentTexts(method, true));
+}
+
+}  // namespace
+
+std::string ValueCode(std::string_view type) { return std::string(RowOf(type).code); }
+
+int ValueTag(std::string_view type) { return RowOf(type).tag; }
+
+std::string PythonType(std::string_view type) { return std::string(RowOf(type).python); }
+
+std::string PythonType(const Argument& argument) {
+    if (argument.element == "mesh") return "Mesh";
+    if (argument.element == "pointer") return "int";
+    if (!argument.shape.empty()) {
+        const bool isOptional =
+            argument.text.find("null") != std::string::npos || argument.text.find("Null") != std::string::npos;
+        return "NDArray[np." + argument.element + "]" + (isOptional && !argument.output ? " | None" : "");
+    }
+    const bool isPath = argument.name == "path" || argument.name == "filename";
+    if (argument.type == "BSTR" && isPath) return "PathLike";
+    return PythonType(argument.type);
+}
+
+bool IsLength(const Member& method, std::string_view name) {
+    const auto counts = [name](const Argument& argument) {
+        for (const auto part : std::views::split(argument.shape, std::string_view(" x ")))
+            if (std::string_view(part.begin(), part.end()) == name) return true;
+        return false;
+    };
+    return std::ranges::any_of(method.arguments, counts);
+}
+
+std::string MethodDocString(const Member& method) {
+    std::string text = Paragraphs(InPython(method.text), kIndent);
+    text.append(Section("Arguments", ArgumentTexts(method, false)));
+    text.append(Section("Returns", ReturnsText(method)));
+    if (!method.throws.empty()) {
+        const std::string indent = std::string(kIndent).append("    ");
+        text.append(Section("Raises", Wrapped(InPython(method.throws), indent, indent)));
+    }
+    return Quoted(std::move(text), kIndent);
+}
+
+std::string PropertyDocString(const Member& property) {
+    std::string text = property.text;
+    if (!property.setterText.empty()) text.append("\n\n").append(property.setterText);
+    return Quoted(Paragraphs(InPython(std::move(text)), kIndent), kIndent);
+}
+
+std::string ClassDocString(const Surface& surface) {
+    (void)surface;
+    constexpr std::string_view kText =
+        "The automation surface of a viewer.\n\n"
+        "Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are "
+        "in the world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only, "
+        "without a copy. Unless a method says otherwise it reports no error and asks for no repaint.";
+    return Quoted(Paragraphs(std::string(kText), "    "), "    ");
+}
+
+std::string ModeDocString(const ModeList& mode) {
+    std::string text = Paragraphs(InPython(mode.text), "    ");
+    std::string values;
+    for (const Constant& constant : mode.constants)
+        if (!constant.text.empty())
+            values.append(Wrapped(InPython(constant.text), "    " + constant.name + ": ", "        "));
+    if (!values.empty()) text.append("\n").append(values);
+    return Quoted(std::move(text), "    ");
+}
+
+std::string EventDocString(const Member& event) {
+    std::string text = Paragraphs(InPython(event.text), "");
+    std::string lines;
+    for (const Argument& argument : event.arguments)
+        if (!argument.text.empty()) lines.append(Wrapped(InPython(argument.text), argument.name + ": ", "    "));
+    if (!lines.empty()) text.append("\n").append(lines);
+    text = Quoted(std::move(text), "");
+    text.pop_back();
+    return text;
+}
+
+}  // namespace bindings

@@ -1,0 +1,204 @@
+"""Calls of the automation surface by id: arguments are packed in one step, which checks their types and ranges.
+
+The generated methods of Surface pass on their arguments, each after the tag of its type.
+"""
+from __future__ import annotations
+
+import ctypes
+import struct
+from typing import Any, Callable, Optional
+
+from ._arrays import pack_all
+from ._debug import Capture
+from ._errors import Error, ImportFailed
+from ._library import HANDLER_FAILED, LongValue, ShortValue, last_error, library
+from ._values import FORMATS, REQUIRED, TAGS, flag, refusal
+
+__all__ = ["Calls", "Method", "Property", "REQUIRED", "flag"]
+
+_invoke = library.kv_invoke
+_address = ctypes.addressof
+_RESULTS = {"s": ShortValue, "b": ShortValue, "i": LongValue}
+
+
+class Method:
+    """One method of the surface as data.
+
+    inputs, outputs: (name, code), arrays (name, code, element, shape)
+    check: called with the pane and the packed values, for what the viewer itself does not check
+    """
+
+    __slots__ = (
+        "id", "name", "result", "inputs", "outputs", "tuple", "count", "pack", "unpack", "result_type",
+        "read_outputs", "output_type", "output_tags", "check", "check_arrays", "after", "is_import", "call",
+    )
+
+    def __init__(self, number: int, name: str, result: str, inputs: tuple, outputs: tuple,
+                 result_class: Optional[type] = None) -> None:
+        self.id = number
+        self.name = name
+        self.result = result
+        self.inputs = inputs
+        self.outputs = outputs
+        self.tuple = result_class
+        self.count = len(inputs) + len(outputs)
+        layout = struct.Struct("=" + "".join(FORMATS[argument[1]] for argument in inputs + outputs))
+        self.pack = layout.pack
+        self.unpack = layout.unpack
+        self.result_type = _RESULTS.get(result)
+        codes = "".join("f" if argument[2] == "float32" else "i" for argument in outputs if len(argument) == 3)
+        self.read_outputs = struct.Struct("=" + codes).unpack
+        self.output_type = ctypes.c_char * (4 * len(codes))
+        self.output_tags = range(0, 4 * len(codes), 4)
+        self.check: Optional[Callable] = None
+        self.check_arrays: Optional[Callable] = None
+        self.after: Optional[Callable] = None
+        self.is_import = False
+        self.call: Optional[Callable] = None
+
+    def refusal(self, values: tuple) -> Exception:
+        """The reason why values, each after its tag, cannot be packed."""
+        for argument, value in zip(self.inputs, values[1::2]):
+            error = refusal(self.name, argument[0], argument[1], value)
+            if error is not None:
+                return error
+        return TypeError(f"{self.name}(): an argument changed while it was read")
+
+    def __repr__(self) -> str:
+        return f"<method {self.id} {self.name}>"
+
+
+class Property:
+    """One property of the surface as data."""
+
+    __slots__ = ("id", "name", "code", "pack", "result_type")
+
+    def __init__(self, number: int, name: str, code: str) -> None:
+        self.id = number
+        self.name = name
+        self.code = code
+        self.pack = struct.Struct("=" + FORMATS[code]).pack
+        self.result_type = _RESULTS[code]
+
+
+class Calls:
+    """Calls on the viewer of a pane. _handle is None once it is closed."""
+
+    __slots__ = ("_handle", "_owner", "_pending", "__weakref__")
+
+    def _live(self) -> int:
+        """The handle; RuntimeError on another thread and for a closed pane."""
+        raise NotImplementedError
+
+    def _call(self, method: Method, *values: Any) -> Any:
+        """Calls a method of plain values."""
+        self._live()
+        try:
+            arguments = method.pack(*values)
+        except (struct.error, OverflowError, TypeError):
+            raise method.refusal(values) from None
+        return self._invoke(method, arguments)
+
+    def _read(self, method: Method, *values: Any) -> Any:
+        """Calls a method of plain values that has outputs."""
+        self._live()
+        outputs = method.output_type()
+        start = _address(outputs)
+        pointers = []
+        for offset in method.output_tags:
+            pointers += (6, start + offset)
+        try:
+            arguments = method.pack(*values, *pointers)
+        except (struct.error, OverflowError, TypeError):
+            raise method.refusal(values) from None
+        result = self._invoke(method, arguments)
+        values = method.read_outputs(outputs)
+        if method.tuple is None:
+            return values[0]
+        return method.tuple(*values) if method.result_type is None else method.tuple(result, *values)
+
+    def _invoke(self, method: Method, arguments: bytes) -> Any:
+        if method.check is not None:
+            method.check(self, *method.unpack(arguments)[1::2])
+        # Read again: what was converted to a number or checked can have closed the pane.
+        handle = self._handle
+        if handle is None:
+            handle = self._live()
+        result_type = method.result_type
+        if result_type is None:
+            if status := _invoke(handle, method.id, arguments, method.count, None):
+                self._fail(status, method.name)
+            return None
+        result = result_type()
+        if status := _invoke(handle, method.id, arguments, method.count, _address(result)):
+            self._fail(status, method.name)
+        return result.value if method.result != "b" else result.value != 0
+
+    def _fail(self, status: int, name: str) -> None:
+        """Raises what ended a call: the exception of a callback, or the reason of the viewer."""
+        if status == HANDLER_FAILED and self._pending:
+            raise self._pending.pop()
+        raise Error(last_error(), name)
+
+    def _import(self, method: Method, arguments: bytes) -> None:
+        """Calls a method that adds one object, or reports in the debugger output why it does not."""
+        before = self._object_count()
+        with Capture() as capture:
+            try:
+                self._invoke(method, arguments)
+            except Error as error:
+                raise ImportFailed(capture.text() or error.reason, method.name) from None
+            except BaseException:
+                capture.pass_on()
+                raise
+            failed = self._handle is not None and not self._is_staging() and self._object_count() == before
+        if failed:
+            raise ImportFailed(capture.text(), method.name)
+        capture.pass_on()
+
+    def _is_staging(self) -> bool:
+        """Whether imports wait for EndParallelImport()."""
+        raise NotImplementedError
+
+    def _object_count(self) -> int:
+        result = ShortValue()
+        handle = self._handle
+        if handle is None:
+            handle = self._live()
+        _invoke(handle, 23, None, 0, _address(result))
+        return result.value
+
+    def _pass(self, method: Method, *values: Any) -> Any:
+        """Calls a method of arrays or texts."""
+        self._live()
+        keep: dict[str, Any] = {}
+        packed = pack_all(method, values, keep)
+        if method.check_arrays is not None:
+            method.check_arrays(keep)
+        if method.is_import:
+            return self._import(method, packed)
+        result = self._invoke(method, packed)
+        if method.after is not None:
+            method.after(self, result)
+        return result
+
+    def _call_by_name(self, method: Method, *values: Any) -> Any:
+        """Calls a method whose outputs are arrays or addresses."""
+        self._live()
+        return method.call(self, method, *values)
+
+    def _get(self, prop: Property) -> Any:
+        handle = self._live()
+        value = prop.result_type()
+        if status := library.kv_get_property(handle, prop.id, _address(value)):
+            self._fail(status, prop.name)
+        return value.value != 0 if prop.code == "b" else value.value
+
+    def _put(self, prop: Property, value: Any) -> None:
+        self._live()
+        try:
+            data = prop.pack(TAGS[prop.code], flag(value) if prop.code == "b" else value)
+        except (struct.error, OverflowError, TypeError):
+            raise refusal(prop.name, "the value", prop.code, value) from None
+        if status := library.kv_put_property(self._live(), prop.id, data):
+            self._fail(status, prop.name)

@@ -1,0 +1,86 @@
+"""The debugger output: text for a function of the user, for an exception, or for standard error."""
+from __future__ import annotations
+
+import atexit
+import ctypes
+import sys
+import threading
+from typing import Callable, Optional
+
+from ._library import DebugFunction, library
+
+_function: Optional[Callable[[str], object]] = None
+
+
+class _Thread(threading.local):
+    # Texts of the imports that run on this thread, innermost last.
+    def __init__(self) -> None:
+        self.captures: list[list[str]] = []
+
+
+_thread = _Thread()
+
+
+def on_debug_output(function: Optional[Callable[[str], object]]) -> None:
+    """Redirects the debugger output of the whole process: reasons and warnings of all viewers.
+
+    function receives one piece of text, usually whole lines. It may be called on any thread that
+    imports; what it raises goes to sys.unraisablehook. None writes to sys.stderr again. Without a
+    function, the text of an import that fails is the text of its exception only.
+    """
+    global _function
+    if function is not None and not callable(function):
+        raise TypeError(f"on_debug_output(): function must be callable, not {type(function).__name__}")
+    _function = function
+
+
+def _write(text: str) -> None:
+    stream = sys.stderr
+    if stream is not None:
+        stream.write(text)
+        stream.flush()
+
+
+@DebugFunction
+def _receive(_user, text, size):
+    words = ctypes.string_at(text, size).decode("utf-8", "replace") if size else ""
+    captures = _thread.captures
+    if captures:
+        captures[-1].append(words)
+    function = _function
+    if function is not None:
+        function(words)
+    elif not captures:
+        _write(words)
+
+
+class Capture:
+    """Collects the debugger output of this thread while it is entered."""
+
+    __slots__ = ("_texts",)
+
+    def __enter__(self) -> "Capture":
+        self._texts: list[str] = []
+        _thread.captures.append(self._texts)
+        return self
+
+    def __exit__(self, *_exception) -> None:
+        _thread.captures.pop()
+
+    def text(self) -> str:
+        """What was written, without the line break at its end."""
+        return "".join(self._texts).rstrip("\n")
+
+    def pass_on(self) -> None:
+        """Writes what no exception has, unless a function of the user has it."""
+        if self._texts and _function is None:
+            _write("".join(self._texts))
+
+
+def _restore() -> None:
+    library.kv_set_debug_output(DebugFunction(), None)
+
+
+library.kv_set_debug_output(_receive, None)
+# After the end of the interpreter no text may reach it.
+atexit.register(_restore)

@@ -1,0 +1,69 @@
+"""Pictures: from the words of the library to r, g, b, a, and PNG files."""
+from __future__ import annotations
+
+import os
+import struct
+import zlib
+from typing import Any
+
+import numpy as np
+
+from ._values import PathLike
+
+
+def rgba(words: np.ndarray) -> np.ndarray:
+    """Turns 0xAARRGGBB words into r, g, b, a bytes, in place.
+
+    words: uint32, height x width, C-contiguous
+    """
+    picture = words.view(np.uint8).reshape(*words.shape, 4)
+    if struct.pack("=I", 1)[0] == 1:  # the bytes are b, g, r, a
+        blue = picture[..., 0].copy()
+        picture[..., 0] = picture[..., 2]
+        picture[..., 2] = blue
+    else:  # a, r, g, b
+        picture[...] = np.roll(picture, -1, axis=-1)
+    return picture
+
+
+def _chunk(kind: bytes, data: bytes) -> bytes:
+    return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+
+def png(picture: Any, level: int = 6) -> bytes:
+    """A PNG file of a picture: uint8, height x width x 4 (r, g, b, a), x 3, or height x width."""
+    pixels = np.asarray(picture)
+    if pixels.dtype != np.uint8:
+        raise TypeError(f"png(): a picture holds uint8, not {pixels.dtype}")
+    if pixels.ndim == 2:
+        pixels = pixels[:, :, None]
+    if pixels.ndim != 3 or pixels.shape[2] not in (1, 3, 4) or 0 in pixels.shape:
+        raise ValueError(f"png(): a picture of the shape {np.shape(picture)} is not height x width x 4")
+    height, width, channels = pixels.shape
+    rows = np.zeros((height, 1 + width * channels), np.uint8)  # the first byte of a row: no filter
+    rows[:, 1:] = pixels.reshape(height, width * channels)
+    kind = {1: 0, 3: 2, 4: 6}[channels]
+    header = struct.pack(">IIBBBBB", width, height, 8, kind, 0, 0, 0)
+    return (
+        b"\x89PNG\r\n\x1a\n"
+        + _chunk(b"IHDR", header)
+        + _chunk(b"IDAT", zlib.compress(rows.tobytes(), level))
+        + _chunk(b"IEND", b"")
+    )
+
+
+def save_png(path: PathLike, picture: Any) -> None:
+    """Writes a picture as a PNG file. An existing file is replaced as a whole, or stays as it is."""
+    data = png(picture)
+    name = os.fsencode(path)
+    beside = name + f".{os.getpid()}-{os.urandom(4).hex()}.tmp".encode()
+    try:
+        with open(beside, "xb") as stream:
+            stream.write(data)
+            stream.flush()
+            os.fsync(stream.fileno())
+        os.replace(beside, name)
+    except BaseException:
+        if os.path.exists(beside):
+            os.unlink(beside)
+        raise
