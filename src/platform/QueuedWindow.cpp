@@ -68,14 +68,20 @@ void QueuedWindow::EndIfWindowLost() {
 
 // ---- painting
 
+bool QueuedWindow::ExistsOrWakes() {
+    if (Exists()) return true;
+    if (m_life == Life::Alive) m_messages.Wake();  // the next ProcessEvents() runs OnDestroy()
+    return false;
+}
+
 void QueuedWindow::Refresh() {
-    if (!Exists() || m_life == Life::Ending) return;
+    if (!ExistsOrWakes() || m_life == Life::Ending) return;
     m_paintQueue.Request(false);
     m_pClient->OnPaint();
 }
 
 void QueuedWindow::Invalidate(bool erase) {
-    if (!Exists()) return;
+    if (!ExistsOrWakes()) return;
     m_paintQueue.Request(erase);
     m_messages.Wake();
 }

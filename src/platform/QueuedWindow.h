@@ -63,6 +63,8 @@ protected:
 private:
     enum class Life { None, Creating, Alive, Ending };
 
+    /// For calls of the client. Nothing else would tell the host of a window that was lost without an event.
+    bool ExistsOrWakes();
     bool Begin(std::string* reason);
     void End();
     /// The last step of every end: nothing of the window is left.

@@ -7,6 +7,7 @@
 
 #include "KV_ScenePane/ScenePane.h"
 #include "platform/EglDisplay.h"
+#include "support/Wait.h"
 
 // Last: it includes Xlib, which defines common words.
 #include <EGL/egl.h>
@@ -87,6 +88,45 @@ TEST(TerminatedDisplay, AViewerOfThatMomentLeavesLaterOnesAlone) {
     EXPECT_TRUE(ShowsSomething(*later));
     lost.reset();
     EXPECT_TRUE(ShowsSomething(*later));
+}
+
+class ReadyStateCount final : public KV_ScenePane::_DKV_ScenePaneEvents {
+public:
+    int changes = 0;
+    void ReadyStateChange() override { ++changes; }
+};
+
+TEST(TerminatedDisplay, IsReportedAsAReadyStateByTheNextProcessEventsAndSoIsARecreation) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr);
+    ReadyStateCount events;
+    pane->Connect(&events);
+    while (IsReadable(*pane)) pane->ProcessEvents();
+    TerminateAsHost();
+    EXPECT_EQ(pane->Methods().GetReadyState(), 0);
+    EXPECT_EQ(events.changes, 0);
+    pane->Methods().PerformRefresh();
+    EXPECT_TRUE(IsReadable(*pane)) << "a host that waits for its descriptor would not learn of the loss";
+    pane->ProcessEvents();
+    EXPECT_EQ(events.changes, 1);
+    pane->ProcessEvents();
+    EXPECT_FALSE(IsReadable(*pane));
+    EXPECT_EQ(events.changes, 1);
+    pane->Methods().RecreateOpenglContext(3, 3, 0);
+    EXPECT_EQ(events.changes, 2);
+    EXPECT_EQ(pane->Methods().GetReadyState(), 4);
+}
+
+TEST(TerminatedDisplay, ThatARecreationRepairsFirstChangesNoReadyState) {
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr);
+    ReadyStateCount events;
+    pane->Connect(&events);
+    TerminateAsHost();
+    pane->Methods().RecreateOpenglContext(3, 3, 0);
+    pane->ProcessEvents();
+    EXPECT_EQ(pane->Methods().GetReadyState(), 4);
+    EXPECT_EQ(events.changes, 0) << "the host was told of no loss";
 }
 
 TEST(TerminatedDisplay, ARecreationGivesTheViewerAContextAgain) {

@@ -27,4 +27,17 @@ TEST_F(ShowUserMessageTest, WritesALineToTheDebuggerOutputWithoutAHook) {
     EXPECT_EQ(output, "first\nsecond\n");
 }
 
+TEST_F(ShowUserMessageTest, PassesTheAboutTextToItsHookAlone) {
+    std::string shown;
+    const auto hook = [&](const KV_ScenePane::AboutText& text) { shown += text.title + "/" + text.line; };
+    ShowAboutText(hook, {"title", "line"});
+    EXPECT_EQ(shown, "title/line");
+    EXPECT_EQ(output, "");
+}
+
+TEST_F(ShowUserMessageTest, WritesTheLineOfTheAboutTextToTheDebuggerOutputWithoutAHook) {
+    ShowAboutText({}, {"title", "line"});
+    EXPECT_EQ(output, "line\n");
+}
+
 }  // namespace
