@@ -56,7 +56,8 @@ struct HostOptions {
     /// Drawing area in device pixels. Capture has a size of its own.
     int width = 1024, height = 768;
     KV_ScenePane::ViewMode view = KV_ScenePane::ViewFromPlusZYUp;
-    KV_ScenePane::DrawMode drawMode = KV_ScenePane::DrawModeGouraud;
+    /// Without one the window has the mode that was used last, and the other runs draw DrawModeGouraud.
+    std::optional<KV_ScenePane::DrawMode> drawMode;
     /// Magnification of the fitted view, 0.1 to 10; with 2 the view spans half the size.
     float zoom = 1.0f;
     ImportSettings import;

@@ -155,7 +155,7 @@ int PrintResult(const std::string& text, std::FILE* out, std::FILE* err) {
 int RunScreenshot(const HostOptions& options, std::FILE* err) {
     std::vector<CutReport> cuts;
     const int status = RunPicture(options, err, true, [&](ScenePane& pane) {
-        pane.Methods().SetDrawMode(static_cast<std::int16_t>(options.drawMode));
+        pane.Methods().SetDrawMode(static_cast<std::int16_t>(options.drawMode.value_or(KV_ScenePane::DrawModeGouraud)));
         pane.Methods().SetShadowMode(options.shadows ? 1 : 0);
         cuts = CutObjects(pane, options, err);
         KV_ScenePane::Picture picture;

@@ -56,7 +56,7 @@ std::string HelpText() {
            "  --view 0..7           0 from +Y, 1 from -Y, 2 from +X, 3 from -X, 6 oblique: Z up;\n"
            "                        4 from +Z, 7 from -Z: Y up; 5 from -Z: Y down (4)\n"
            "  --draw-mode 0..7      0 points, 1 wireframe, 2 flat, 3 smooth, 4 boxes, 5 per pixel, 6 nothing,\n"
-           "                        7 shadow map (3)\n"
+           "                        7 shadow map (3; in the window the one that was used last)\n"
            "  --zoom Z              magnification, 0.1 to 10: 2 shows half as much (1)\n"
            "  --shadows             cast shadows (draw modes 5 and 6 show no object then)\n"
            "\n"

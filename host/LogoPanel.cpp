@@ -38,7 +38,7 @@ LogoPanel::LogoPanel(QWidget* parent)
       m_pFile(new QLabel(tr("no image"))),
       m_pAnchors(new QButtonGroup(this)),
       m_pMargin(new QSpinBox),
-      m_pVisible(new QCheckBox(tr("S&how"))) {
+      m_pVisible(new QCheckBox(tr("Sho&w"))) {
     auto* const open = new QPushButton(tr("&Open image..."));
     connect(open, &QPushButton::clicked, this, &LogoPanel::AskForImage);
     m_pMargin->setObjectName("logoMargin");

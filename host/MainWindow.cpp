@@ -24,6 +24,7 @@
 #include "NeedlePanel.h"
 #include "ObjectList.h"
 #include "PngFile.h"
+#include "PropertyDialog.h"
 #include "ResidualPanel.h"
 #include "ScreenShot.h"
 #include "Settings.h"
@@ -67,6 +68,8 @@ MainWindow::~MainWindow() {
     m_pCuts->SetViewer(nullptr);
     m_pAligns->SetViewer(nullptr);
     m_pTransforms->SetViewer(nullptr);
+    if (m_pProperties != nullptr) m_pProperties->SetViewer(nullptr);
+    StorePropertiesIfChanged();
     StoreClipIfChanged();
     delete m_pViewer;  // now: what it writes while it closes still goes to the message pane
     m_pRouter.reset();
@@ -101,6 +104,9 @@ void MainWindow::MakeCentre() {
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::OnViewerRefused, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::KeyPressed, this, &MainWindow::RunShortcut, Qt::QueuedConnection);
     connect(m_pViewer, &ViewerWidget::Failed, this, &MainWindow::ReportViewerFailure);
+    // At once: before the viewer draws its first frame.
+    connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::LoadProperties);
+    connect(m_pViewer, &ViewerWidget::Handled, this, &MainWindow::FollowProperties);
     // At once: neither an import nor a panel may call a viewer that is gone.
     connect(m_pViewer, &ViewerWidget::AboutToClose, this, &MainWindow::StopImport);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::PassViewerToPanels);
@@ -111,7 +117,6 @@ void MainWindow::OnViewerReady() {
     PassViewerToPanels();
     // The viewer starts with modes of its own: the ones that were chosen before are applied now.
     ShowView(m_options.view);
-    ShowDrawMode(m_options.drawMode);
     ShowShadows(m_options.shadows);
     EnableActions();
     OpenWaitingFiles();
@@ -147,6 +152,7 @@ void MainWindow::EnableActions() {
     for (QAction* const action : m_vIdleActions) action->setEnabled(isFree && !IsImporting());
     m_pObjects->setEnabled(viewer && !IsImporting());
     m_pMarkers->setEnabled(viewer);
+    if (m_pProperties != nullptr) m_pProperties->SetUsable(usable);
     FollowCuts();
     FollowAlign();
 }
@@ -177,12 +183,6 @@ void MainWindow::ShowView(KV_ScenePane::ViewMode mode) {
     if (Pane() != nullptr) Pane()->Methods().SetViewMode(mode);
 }
 
-void MainWindow::ShowDrawMode(KV_ScenePane::DrawMode mode) {
-    m_options.drawMode = mode;
-    if (Pane() != nullptr) Pane()->Methods().SetDrawMode(mode);
-    ShowShadowHint();
-}
-
 void MainWindow::ShowShadows(bool on) {
     m_options.shadows = on;
     ShowShadowHint();
@@ -192,8 +192,9 @@ void MainWindow::ShowShadows(bool on) {
 }
 
 void MainWindow::ShowShadowHint() {
-    const bool showsNoObject =
-        m_options.drawMode == KV_ScenePane::DrawModePerPixel || m_options.drawMode == KV_ScenePane::DrawModeNothing;
+    if (Pane() == nullptr) return;
+    const std::int16_t mode = Pane()->Methods().GetDrawMode();
+    const bool showsNoObject = mode == KV_ScenePane::DrawModePerPixel || mode == KV_ScenePane::DrawModeNothing;
     const QString hint = tr("This render mode shows no objects while shadows are on.");
     if (m_options.shadows && showsNoObject)
         statusBar()->showMessage(hint);
@@ -268,5 +269,6 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     }
     m_nFilesNotAdded += TakeWaitingFiles().size();
     StopImport();
+    if (m_pProperties != nullptr) m_pProperties->reject();
     event->accept();
 }

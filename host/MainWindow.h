@@ -32,6 +32,7 @@ class MarkerPanel;
 class MessagePane;
 class NeedlePanel;
 class ObjectList;
+class PropertyDialog;
 class QActionGroup;
 class QDockWidget;
 class QLabel;
@@ -93,12 +94,13 @@ signals:
     void FileFailed(const std::string& file, const std::string& reason);
 
 public slots:
-    // All of these do nothing without a viewer. What is set by ShowView(), ShowDrawMode() and ShowShadows() before
-    // there is one is applied to it later.
+    // All of these but ShowAbout() do nothing without a viewer. What is set by ShowView(), ShowDrawMode() and
+    // ShowShadows() before there is one is applied to it later.
 
     /// Removes all objects, free points and lines, not during an import. The chosen view is kept.
     void ClearScene();
     void ShowView(KV_ScenePane::ViewMode mode);
+    /// With a viewer the mode is stored for the next start; one that is set before counts for this window only.
     void ShowDrawMode(KV_ScenePane::DrawMode mode);
     void ShowShadows(bool on);
     /// @param colors  0x00BBGGRR: top left, top right, bottom left, bottom right
@@ -158,6 +160,10 @@ public slots:
     /// @param failure  receives why no object has got one, unless it is null
     /// @return whether an object has got a transform
     bool LoadTransforms(const std::string& path, std::string* failure = nullptr);
+    /// Opens the property page, which does not block the window.
+    void ShowProperties();
+    /// Shows the about box of the viewer, and returns when it was closed. It has one without a viewer, too.
+    void ShowAbout();
     /// For the imports that follow.
     void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
 
@@ -285,6 +291,14 @@ private:
     bool AskAboutTransforms(const QString& title);
     /// One message per line; the last line is shown in the status bar.
     void ReportTransforms(const QString& text);
+
+    // ---- MainWindowProperties.cpp
+    /// Sets the properties that the settings hold, then the render mode of the command line.
+    void LoadProperties();
+    /// Menus, dialog and settings follow the properties of the viewer, whatever has changed them.
+    void FollowProperties();
+    void StorePropertiesIfChanged();
+    void MakeHelpMenu();
 
     // ---- MainWindowInput.cpp
     /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
@@ -429,6 +443,11 @@ private:
     QString m_alignedObjects;           // names for the hint
     bool m_bAlignsColored = false;      // an object of the scene has colours of its own
     ResidualPanel* m_pResiduals = nullptr;
+    PropertyDialog* m_pProperties = nullptr;
+    QList<QAction*> m_drawModeActions;       // in the order of KV_ScenePane::DrawMode
+    QAction* m_pReduced = nullptr;           // "Reduced while moving"
+    std::int16_t m_nFollowedDrawMode = -1;   // as FollowProperties() has seen it; -1 before
+    std::int16_t m_nStoredDrawMode = 0;      // of the settings, while m_options.drawMode replaces it
     QAction* m_pMouseMoves = nullptr;        // "Mouse moves the scene"
     QLabel* m_pLassoHint = nullptr;          // in the status bar while a lasso is drawn
     MouseUse m_mouseUse = MouseUse::View;    // as FollowMouseUse() has seen it

@@ -82,7 +82,7 @@ void MainWindow::MakeInputMenus(QMenu& menu) {
                                    [this](int mode) { AskForPickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
     MakePickActions(*picking);
     m_pMouseMoves = AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
-    AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
+    m_pReduced = AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
 }
 
 void MainWindow::ChooseRotation(KV_ScenePane::RotationMode mode) {
@@ -101,11 +101,6 @@ void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
 
 void MainWindow::AllowMouse(bool on) {
     if (Pane() != nullptr) Pane()->Methods().AllowMouseInteraction(on ? 1 : 0);
-}
-
-void MainWindow::ReduceWhileMoving(bool on) {
-    if (Pane() == nullptr) return;
-    Pane()->Methods().SetMoveReduced(on ? KV_ScenePane::kVariantTrue : KV_ScenePane::kVariantFalse);
 }
 
 void MainWindow::FollowMouseUse() {

@@ -47,6 +47,7 @@ void MainWindow::MakeMenus() {
     MakeCutMenu();
     MakeAlignMenu();
     MakeImportMenu();
+    MakeHelpMenu();
 }
 
 void MainWindow::MakeFileMenu() {
@@ -87,11 +88,11 @@ void MainWindow::MakeViewMenu() {
     menu->addSeparator();
     add(tr("&Centre"), QKeySequence(Qt::Key_C), [this] { FitView(Pane()->Methods(), 1.0f); });
     menu->addSeparator();
-    const QList<QAction*> modes = AddModeActions(
-        *menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames), m_options.drawMode,
-        [this](int mode) { ShowDrawMode(static_cast<KV_ScenePane::DrawMode>(mode)); });
-    for (int mode = 0; mode < modes.size(); ++mode)
-        modes[mode]->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + mode)));
+    m_drawModeActions = AddModeActions(*menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames),
+                                       m_options.drawMode.value_or(KV_ScenePane::DrawModeGouraud),
+                                       [this](int mode) { ShowDrawMode(static_cast<KV_ScenePane::DrawMode>(mode)); });
+    for (int mode = 0; mode < m_drawModeActions.size(); ++mode)
+        m_drawModeActions[mode]->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + mode)));
     AddSwitch(*menu, tr("&Shadows"), m_options.shadows, [this](bool on) {
         ShowShadows(on);
     })->setShortcut(QKeySequence(Qt::Key_S));
@@ -106,6 +107,7 @@ void MainWindow::MakeViewMenu() {
     smooth->setChecked(HasSmoothEdges());
     smooth->setStatusTip(tr("Draw with %1 samples per pixel where the driver has them").arg(kSmoothSamples));
     connect(smooth, &QAction::toggled, this, &SetSmoothEdges);
+    add(tr("Proper&ties..."), QKeySequence(Qt::ALT | Qt::Key_Return), [this] { ShowProperties(); });
     menu->addSeparator();
     QMenu* const panes = menu->addMenu(tr("Pa&nes"));
     // The docks exist already: the menus are made last.

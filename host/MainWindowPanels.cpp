@@ -14,6 +14,7 @@
 #include "MessagePane.h"
 #include "NeedlePanel.h"
 #include "ObjectList.h"
+#include "PropertyDialog.h"
 #include "ResidualPanel.h"
 #include "TransformCommands.h"
 #include "TransformPanel.h"
@@ -90,6 +91,7 @@ void MainWindow::PassViewerToPanels() {
     m_pClip->SetViewer(Pane());
     m_pCuts->SetViewer(Pane());
     m_pAligns->SetViewer(Pane());
+    if (m_pProperties != nullptr) m_pProperties->SetViewer(methods);
     m_pEvents->setEnabled(methods != nullptr);
     m_pPicks->setEnabled(methods != nullptr);
     if (methods == nullptr) ForgetPicks();

@@ -25,6 +25,8 @@ constexpr const char* kLassoInsideOpacity = "lasso/insideOpacity";
 constexpr const char* kLassoOutsideColor = "lasso/outsideColor";
 constexpr const char* kLassoOutsideOpacity = "lasso/outsideOpacity";
 
+constexpr const char* kProperties = "viewer/properties";
+
 QSettings Stored() { return QSettings("scenepane", "scenepane"); }
 
 /// Qt itself reads every text but a few as true.
@@ -117,3 +119,12 @@ void StoreLasso(const LassoSettings& lasso) {
     stored.setValue(kLassoOutsideColor, lasso.outsideColor);
     stored.setValue(kLassoOutsideOpacity, lasso.outsideOpacity);
 }
+
+std::optional<std::string> StoredProperties() {
+    const QSettings stored = Stored();
+    if (!stored.contains(kProperties)) return std::nullopt;
+    // A text that was changed by hand may read as a list.
+    return stored.value(kProperties).toStringList().join(',').toStdString();
+}
+
+void StoreProperties(const std::string& store) { Stored().setValue(kProperties, QString::fromStdString(store)); }

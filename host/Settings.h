@@ -2,6 +2,8 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <string>
 
 /// Samples per pixel of a window with smooth edges.
 inline constexpr int kSmoothSamples = 4;
@@ -44,3 +46,9 @@ struct LassoSettings {
 /// What was stored last. Values that are missing or not valid are those of a first start.
 [[nodiscard]] LassoSettings StoredLasso();
 void StoreLasso(const LassoSettings& lasso);
+
+/// The store of the viewer's properties that was written last, for ScenePane::LoadProperties(); nothing before the
+/// first one. Its text is as untrusted as any file.
+[[nodiscard]] std::optional<std::string> StoredProperties();
+/// @param store  of ScenePane::SaveProperties() in the text format
+void StoreProperties(const std::string& store);

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <utility>
 
+#include "AboutDialog.h"
 #include "CaughtError.h"
 
 namespace {
@@ -131,6 +132,7 @@ void ViewerWidget::Open() {
     request.scale = devicePixelRatioF();
     request.samples = m_nSamples;
     request.showMessage = [this](const std::string& text) { ShowMessage(text); };
+    request.showAbout = [this](const KV_ScenePane::AboutText& text) { ShowAboutDialog(text, window()); };
     std::string reason;
     m_pPane = CreateScenePane(request, &reason);
     if (!m_pPane) {

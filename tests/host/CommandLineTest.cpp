@@ -16,7 +16,7 @@ TEST(CommandLine, WithoutArgumentsOpensAnEmptyWindow) {
     EXPECT_EQ(options.import.skip, 1);
     EXPECT_EQ(options.import.confidence, 0.0f);
     EXPECT_EQ(options.zoom, 1.0f);
-    EXPECT_EQ(options.drawMode, 3);
+    EXPECT_EQ(options.drawMode, std::nullopt);
     EXPECT_FALSE(options.shadows);
 }
 

@@ -189,7 +189,7 @@ TEST_F(MainWindowControls, MarkNoLetterTwiceAmongTheMenuBarAndThePanes) {
             EXPECT_TRUE(isNew) << text.toStdString() << " and " << other->second.toStdString();
         };
         for (const QAction* const menu : m_window->menuBar()->actions()) add(menu->text());
-        EXPECT_EQ(owners.size(), 5u);
+        EXPECT_EQ(owners.size(), 6u);
         for (const auto* const button : m_window->findChildren<QAbstractButton*>()) add(button->text());
         for (const auto* const label : m_window->findChildren<QLabel*>()) {
             if (label->buddy() != nullptr) add(label->text());

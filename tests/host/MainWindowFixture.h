@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QSettings>
 #include <QWindow>
 #include <array>
 #include <memory>
@@ -22,6 +23,9 @@ inline constexpr std::uint32_t kBackground = 0x191932;  // of the viewer, 0xRRGG
 
 class MainWindowFixture : public testing::Test {
 protected:
+    /// Without the properties that other tests have stored: every window starts with those of a new viewer.
+    MainWindowFixture() { QSettings("scenepane", "scenepane").remove("viewer/properties"); }
+
     // Throwing and not ASSERT_TRUE(): an assertion in a helper ends the helper only, and the test would go on with a
     // window that has no viewer.
 
