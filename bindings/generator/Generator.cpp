@@ -4,7 +4,6 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <ostream>
 
@@ -53,16 +52,9 @@ std::optional<Options> ParseCommandLine(std::span<const std::string_view> argume
     return options;
 }
 
-/// The whole file; nothing when it cannot be read.
-std::optional<std::string> Contents(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
 // A file that is current is left alone, so that nothing that depends on it is built again.
 void WriteFile(const std::filesystem::path& file, const std::string& text, std::ostream& output) {
-    if (Contents(file) == text) return;
+    if (FileText(file) == text) return;
     std::ofstream stream(file, std::ios::binary);
     stream << text;
     stream.close();
@@ -74,7 +66,7 @@ void WriteFile(const std::filesystem::path& file, const std::string& text, std::
 int CheckFiles(const Surface& surface, const std::filesystem::path& root, std::ostream& errors) {
     int failures = 0;
     for (const CheckedInFile& file : CheckedInFiles()) {
-        if (Contents(root / file.path) == file.text(surface)) continue;
+        if (FileText(root / file.path) == file.text(surface)) continue;
         errors << file.path << ": not current; run generate-bindings --source . --write\n";
         ++failures;
     }

@@ -224,8 +224,9 @@ ModeList ParseMode(std::string_view text, std::string_view name, const std::stri
     std::size_t i = 0;
     while (i < lines.size() && !lines[i].text.starts_with(head)) ++i;
     if (i == lines.size()) Fail(place, 1, std::string("there is no enum ").append(name));
+    const int headLine = lines[i].number;
     ModeList mode{std::string(name), header.DocBefore(i).text, {}};
-    if (mode.text.empty()) Fail(place, lines[i].number, mode.name + " has no docstring");
+    if (mode.text.empty()) Fail(place, headLine, mode.name + " has no docstring");
     for (++i; i < lines.size() && lines[i].text != "};"; ++i) {
         const std::string words = Trimmed(lines[i].text);
         if (words.empty() || words.starts_with("//")) continue;
@@ -234,7 +235,7 @@ ModeList ParseMode(std::string_view text, std::string_view name, const std::stri
             Fail(place, lines[i].number, "the value is not understood: \"" + words + "\"");
         mode.constants.push_back({match[1], std::stoi(match[2]), header.DocBefore(i).text});
     }
-    if (mode.constants.empty()) Fail(place, 1, mode.name + " has no values");
+    if (mode.constants.empty()) Fail(place, headLine, mode.name + " has no values");
     return mode;
 }
 

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <span>
 #include <string_view>
+#include <system_error>
 
 #include "control/AutomationTable.h"
 
@@ -22,10 +22,9 @@ constexpr const char* kCuttingFile = "include/KV_ScenePane/Cutting.h";
 }
 
 std::string ReadText(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(stream), {});
-    if (!stream || text.empty()) throw SourceError(file.string() + ": cannot be read");
-    return text;
+    const std::optional<std::string> text = FileText(file);
+    if (!text) throw SourceError(file.string() + ": cannot be read");
+    return *text;
 }
 
 // The functions of a header in order: each row of the table must have the next one.
@@ -125,6 +124,16 @@ Member JoinEvent(const AutomationEvent& row, FunctionList& functions) {
 }
 
 }  // namespace
+
+std::optional<std::string> FileText(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);  // an error for a folder, too
+    if (error) return std::nullopt;
+    std::string text(size, '\0');
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream.read(text.data(), static_cast<std::streamsize>(size))) return std::nullopt;
+    return text;
+}
 
 HeaderTexts ReadHeaders(const std::filesystem::path& root) {
     return {ReadText(root / kMethodsFile), ReadText(root / kEventsFile), ReadText(root / kModesFile),

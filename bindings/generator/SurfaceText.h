@@ -3,6 +3,7 @@
 #pragma once
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,9 @@ struct HeaderTexts {
     std::string modes;    ///< Modes.h
     std::string cutting;  ///< Cutting.h
 };
+
+/// The bytes of a file; nothing when it cannot be read.
+[[nodiscard]] std::optional<std::string> FileText(const std::filesystem::path& file);
 
 /// Reads the headers below @p root/include/KV_ScenePane.
 /// @throws SourceError
