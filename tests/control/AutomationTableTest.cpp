@@ -3,11 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <regex>
-#include <set>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -159,10 +160,46 @@ const Declaration kEvents[] = {
 
 // clang-format on
 
-/// Of the arguments that point to arrays of the host, those that the method writes.
-const std::set<std::string> kArraysThatComeOut = {
-    "GetNeedles.id",           "GetNeedles.pinPosXYZ",       "GetNeedles.headPosXYZ",   "CaptureScreenShot.buffer",
-    "GetCutMasks.cutMaskPtrs", "BeginParallelImport.p_this", "BeginParallelImport.p_fn"};
+/// Pointer arguments: where they lead to.
+struct Pointers {
+    const char* method;
+    const char* arguments;  // names with blanks between them
+    bool output;
+    const char* element;
+    const char* shape;
+};
+
+// clang-format off
+const Pointers kPointers[] = {
+    {"GetPickPointSphereCoords", "x y z", true, "float32", ""},
+    {"GetViewDirection", "px py pz vx vy vz", true, "float32", ""},
+    {"GetMeshDataSize", "numP numT", true, "int32", ""},
+    {"GetTrafoOfScan", "v0 v1 v2 v3 v4 v5 v6 v7 v8 v9 v10 v11 v12 v13 v14 v15", true, "float32", ""},
+    {"CreateNeedles", "id", false, "int32", "number"},
+    {"CreateNeedles", "pinPosXYZ headPosXYZ", false, "float32", "number x 3"},
+    {"GetObjectCenter", "x y z", true, "float32", ""},
+    {"GetViewParams", "wx1 wx2 wx3 wy1 wy2 wy3 cx cy cz zoom", true, "float32", ""},
+    {"GetObjectBoundingBox", "x_min x_max y_min y_max z_min z_max", true, "float32", ""},
+    {"BeginParallelImport", "p_this p_fn", true, "pointer", ""},
+    {"CreateLine3D", "XYZs", false, "float32", "numberOfXYZs x 3"},
+    {"ImportPoints", "xyz colors", false, "float32", "numPoints x 3"},
+    {"ImportMeshedMeasurement", "mesh", false, "mesh", ""},
+    {"CaptureScreenShot", "buffer", true, "uint32", "2048 x 2048"},
+    {"GetScreenShotResolution", "width height", true, "int32", ""},
+    {"AddOverlayData", "argbU8DataPtrHack", false, "uint8", "height x width x 4"},
+    {"GetClipPlane", "centerX centerY centerZ normalX normalY normalZ", true, "float32", ""},
+    {"GetNeedle", "pinPosX pinPosY pinPosZ headPosX headPosY headPosZ", true, "float32", ""},
+    {"GetNeedles", "id", true, "int32", "GetNumberOfNeedles"},
+    {"GetNeedles", "pinPosXYZ headPosXYZ", true, "float32", "GetNumberOfNeedles x 3"},
+    {"ImportMeasurementFromMemory", "points", false, "float32", "height x width x 3"},
+    {"ImportMeasurementFromMemory", "confidence", false, "float32", "height x width"},
+    {"ImportMeasurementFromMemory", "trafo", false, "float32", "4 x 4"},
+    {"ImportMeshFromMemory", "vertices", false, "float32", "numberOfVertices x 3"},
+    {"ImportMeshFromMemory", "triangles", false, "int32", "numberOfTriangles x 3"},
+    {"GetCutMasks", "count", true, "int32", ""},
+    {"GetCutMasks", "cutMaskPtrs", true, "pointer", "count"},
+};
+// clang-format on
 
 std::string Text(std::string_view result, std::string_view name, const std::vector<AutomationArgument>& arguments) {
     std::string text = std::string(result) + " " + std::string(name) + "(";
@@ -207,29 +244,85 @@ TEST(AutomationTable, HasThe13EventsAsDeclared) {
     for (std::size_t i = 0; i < events.size(); ++i) {
         EXPECT_EQ(events[i].id, kEvents[i].id) << kEvents[i].text;
         EXPECT_EQ(Text("void", events[i].name, events[i].arguments), kEvents[i].text);
-        for (const AutomationArgument& argument : events[i].arguments) EXPECT_FALSE(argument.output) << kEvents[i].text;
     }
 }
 
-TEST(AutomationTable, MarksOutputArguments) {
+/// "out float32 number x 3" by "Method.argument".
+using PointerMap = std::map<std::string, std::string>;
+
+std::string PointerText(bool output, std::string_view element, std::string_view shape) {
+    return std::string(output ? "out " : "in ").append(element).append(" ").append(shape);
+}
+
+TEST(AutomationTable, HasDirectionElementAndShapeOfEveryPointer) {
+    PointerMap expected, found;
+    for (const Pointers& row : kPointers) {
+        std::istringstream names(row.arguments);
+        for (std::string name; names >> name;)
+            expected[std::string(row.method) + "." + name] = PointerText(row.output, row.element, row.shape);
+    }
+    ASSERT_EQ(expected.size(), 81u);
+    for (const AutomationMethod& method : AutomationMethods())
+        for (const AutomationArgument& argument : method.arguments)
+            if (argument.type.ends_with('*'))
+                found[std::string(method.name) + "." + std::string(argument.name)] =
+                    PointerText(argument.output, argument.element, argument.shape);
+    EXPECT_EQ(found, expected);
+}
+
+void ExpectNoPointer(const AutomationArgument& argument, std::string_view member) {
+    EXPECT_FALSE(argument.output) << member << "." << argument.name;
+    EXPECT_EQ(argument.element, "") << member << "." << argument.name;
+    EXPECT_EQ(argument.shape, "") << member << "." << argument.name;
+}
+
+TEST(AutomationTable, HasNoElementOrShapeOfAValue) {
+    for (const AutomationMethod& method : AutomationMethods())
+        for (const AutomationArgument& argument : method.arguments)
+            if (!argument.type.ends_with('*')) ExpectNoPointer(argument, method.name);
+    for (const AutomationEvent& event : AutomationEvents())
+        for (const AutomationArgument& argument : event.arguments) ExpectNoPointer(argument, event.name);
+}
+
+TEST(AutomationTable, NamesInShapesAreArgumentsOrMethods) {
     for (const AutomationMethod& method : AutomationMethods())
         for (const AutomationArgument& argument : method.arguments) {
-            const std::string place = std::string(method.name) + "." + std::string(argument.name);
-            const bool comesOut =
-                argument.type == "VARIANT*" ? kArraysThatComeOut.contains(place) : argument.type.ends_with('*');
-            EXPECT_EQ(argument.output, comesOut) << place;
+            std::istringstream words{std::string(argument.shape)};
+            for (std::string word; words >> word;) {
+                const bool isNumber = word.find_first_not_of("0123456789") == std::string::npos;
+                const bool isArgument =
+                    std::ranges::find(method.arguments, word, &AutomationArgument::name) != method.arguments.end();
+                const bool isMethod =
+                    std::ranges::find(AutomationMethods(), word, &AutomationMethod::name) != AutomationMethods().end();
+                EXPECT_TRUE(isNumber || isArgument || isMethod || word == "x") << method.name << ": " << word;
+            }
         }
 }
 
-TEST(AutomationTable, HasSignaturesThatAgreeWithItsTypes) {
+/// Letter of a declared type in a signature.
+char LetterOf(std::string_view type) {
     const std::map<std::string_view, char> letters = {{"void", 'v'}, {"short", 's'}, {"VARIANT_BOOL", 's'},
                                                       {"long", 'i'}, {"int", 'i'},   {"float", 'f'},
-                                                      {"BSTR", 'w'}};
-    const auto letter = [&](std::string_view type) { return type.ends_with('*') ? 'p' : letters.at(type); };
-    for (const AutomationMethod& method : AutomationMethods()) {
-        std::string signature(1, letter(method.result));
-        for (const AutomationArgument& argument : method.arguments) signature += letter(argument.type);
-        EXPECT_EQ(method.signature, signature) << method.name;
+                                                      {"BSTR", 'w'}, {"int64", 'l'}};
+    return type.ends_with('*') ? 'p' : letters.at(type);
+}
+
+template <class Row>
+std::string SignatureOf(std::string_view result, const Row& row) {
+    std::string signature(1, LetterOf(result));
+    for (const AutomationArgument& argument : row.arguments) signature += LetterOf(argument.type);
+    return signature;
+}
+
+TEST(AutomationTable, HasSignaturesThatAgreeWithItsTypes) {
+    for (const AutomationMethod& method : AutomationMethods())
+        EXPECT_EQ(method.signature, SignatureOf(method.result, method)) << method.name;
+    for (const AutomationEvent& event : AutomationEvents())
+        EXPECT_EQ(event.signature, SignatureOf("void", event)) << event.name;
+    for (const AutomationProperty& property : AutomationProperties()) {
+        EXPECT_EQ(property.code, LetterOf(property.type)) << property.name;
+        EXPECT_NE(property.get, nullptr) << property.name;
+        EXPECT_EQ(property.put != nullptr, property.writable) << property.name;
     }
 }
 
