@@ -8,10 +8,10 @@ import ctypes
 import struct
 from typing import Any, Callable, Optional
 
-from ._arrays import pack_all
+from ._arrays import Packer
 from ._debug import Capture
 from ._errors import Error, ImportFailed
-from ._library import HANDLER_FAILED, LongValue, ShortValue, last_error, library
+from ._library import FAILED, HANDLER_FAILED, LongValue, ShortValue, last_error, library
 from ._values import FORMATS, REQUIRED, TAGS, flag, refusal
 
 __all__ = ["Calls", "Method", "Property", "REQUIRED", "flag"]
@@ -25,12 +25,14 @@ class Method:
     """One method of the surface as data.
 
     inputs, outputs: (name, code), arrays (name, code, element, shape)
+    is_import: it adds an object, or fails; can_add_nothing: it reports only in the debugger output that it failed
     check: called with the pane and the packed values, for what the viewer itself does not check
     """
 
     __slots__ = (
         "id", "name", "result", "inputs", "outputs", "tuple", "count", "pack", "unpack", "result_type",
-        "read_outputs", "output_type", "output_tags", "check", "check_arrays", "after", "is_import", "call",
+        "read_outputs", "output_type", "output_tags", "check", "check_arrays", "after",
+        "is_import", "can_add_nothing", "call", "pack_all",
     )
 
     def __init__(self, number: int, name: str, result: str, inputs: tuple, outputs: tuple,
@@ -54,7 +56,10 @@ class Method:
         self.check_arrays: Optional[Callable] = None
         self.after: Optional[Callable] = None
         self.is_import = False
+        self.can_add_nothing = False
         self.call: Optional[Callable] = None
+        has_arrays = any(argument[1] in "wp" for argument in inputs)
+        self.pack_all = Packer(self).pack if has_arrays else None
 
     def refusal(self, values: tuple) -> Exception:
         """The reason why values, each after its tag, cannot be packed."""
@@ -84,7 +89,7 @@ class Property:
 class Calls:
     """Calls on the viewer of a pane. _handle is None once it is closed."""
 
-    __slots__ = ("_handle", "_owner", "_pending", "__weakref__")
+    __slots__ = ("_handle", "_owner", "_pending", "_count", "__weakref__")
 
     def _live(self) -> int:
         """The handle; RuntimeError on another thread and for a closed pane."""
@@ -142,37 +147,36 @@ class Calls:
 
     def _import(self, method: Method, arguments: bytes) -> None:
         """Calls a method that adds one object, or reports in the debugger output why it does not."""
-        before = self._object_count()
+        if method.check is not None:
+            method.check(self, *method.unpack(arguments)[1::2])
+        handle = self._live()  # what was converted to a number can have closed the pane
+        is_counted = method.can_add_nothing and not self._is_staging()
+        before = self._object_count() if is_counted else 0
         with Capture() as capture:
-            try:
-                self._invoke(method, arguments)
-            except Error as error:
-                raise ImportFailed(capture.text() or error.reason, method.name) from None
-            except BaseException:
-                capture.pass_on()
-                raise
-            failed = self._handle is not None and not self._is_staging() and self._object_count() == before
-        if failed:
+            status = _invoke(handle, method.id, arguments, method.count, None)
+        if status == FAILED:
+            raise ImportFailed(capture.text() or last_error(), method.name)
+        if is_counted and not status and self._handle is not None and self._object_count() == before:
             raise ImportFailed(capture.text(), method.name)
         capture.pass_on()
+        if status:
+            self._fail(status, method.name)
 
     def _is_staging(self) -> bool:
         """Whether imports wait for EndParallelImport()."""
         raise NotImplementedError
 
     def _object_count(self) -> int:
-        result = ShortValue()
-        handle = self._handle
-        if handle is None:
-            handle = self._live()
-        _invoke(handle, 23, None, 0, _address(result))
-        return result.value
+        # GetNumObjects without its checks; it fires no event, so that one place for the result is enough.
+        count = self._count
+        _invoke(self._handle, 23, None, 0, _address(count))
+        return count.value
 
     def _pass(self, method: Method, *values: Any) -> Any:
         """Calls a method of arrays or texts."""
         self._live()
         keep: dict[str, Any] = {}
-        packed = pack_all(method, values, keep)
+        packed = method.pack_all(values, keep)
         if method.check_arrays is not None:
             method.check_arrays(keep)
         if method.is_import:

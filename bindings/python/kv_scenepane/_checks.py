@@ -12,6 +12,7 @@ from ._picture import rgba
 from ._records import read_cut_mask
 
 _METHODS = {method.name: method for method in _surface.METHODS}
+_UINT32 = np.dtype(np.uint32)
 _SIDE = 2048  # of CaptureScreenShot()
 
 
@@ -69,7 +70,8 @@ def _import_setting(name: str):
 def _triangle_indices(arrays: dict[str, np.ndarray]) -> None:
     triangles, count = arrays["triangles"], len(arrays["vertices"])
     # As unsigned numbers those below zero are the largest.
-    if triangles.size and np.maximum.reduce(triangles.view(np.uint32), axis=None) >= count:
+    words = triangles.view(_UINT32)
+    if triangles.size and words.item(words.argmax()) >= count:
         bad = triangles[(triangles < 0) | (triangles >= count)][0]
         raise IndexError(f"ImportMeshFromMemory(): triangles hold the index {bad}, but there are {count} vertices")
 
@@ -140,8 +142,9 @@ def _install() -> None:
     _METHODS["CaptureScreenShot"].call = _capture_screen_shot
     _METHODS["BeginParallelImport"].call = _begin_parallel_import
     _METHODS["GetCutMasks"].call = _get_cut_masks
-    for name in ("ImportMesh", "ImportScan", "ImportMeasurementFromMemory", "ImportMeshFromMemory",
-                 "ImportMeshedMeasurement"):
+    for name in ("ImportMesh", "ImportScan", "ImportMeasurementFromMemory"):
+        _METHODS[name].is_import = _METHODS[name].can_add_nothing = True
+    for name in ("ImportMeshFromMemory", "ImportMeshedMeasurement"):
         _METHODS[name].is_import = True
 
 

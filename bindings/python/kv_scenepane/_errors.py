@@ -9,7 +9,9 @@ class Error(RuntimeError):
     """
 
     def __init__(self, reason: str, method: str = "") -> None:
-        super().__init__(f"{method}(): {reason}" if method else reason)
+        # The reasons of the viewer often start with the name of the method themselves.
+        has_name = not method or reason.startswith(f"{method}()")
+        super().__init__(reason if has_name else f"{method}(): {reason}")
         self.reason = reason
         self.method = method
 

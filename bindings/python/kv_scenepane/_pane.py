@@ -53,6 +53,7 @@ class ScenePane(Surface):
                 raise TypeError(f"{name} must be callable, not {type(hook).__name__}")
         self._handle = None
         self._pending: list[BaseException] = []
+        self._count = _library.ShortValue()
         self._receivers = _events.Receivers()
         self._overlay_count = 0
         self._parallel = None
