@@ -12,18 +12,22 @@ Layers of src/, lowest first; an include goes to its own layer or downward:
   2 blocks      view, markers, clip, cut, render, align: without the control
   3 control     the headers of src/control
   4 operations  source files that a module's CMakeLists.txt lists as OPERATIONS, and the sources of src/control
+
+Of src/, programs see src/base (tools) and the automation table (bindings).
 """
 import argparse
 import collections
 import html
 import pathlib
+import posixpath
 import re
 import subprocess
 import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = ("src", "libs", "host", "include", "tools")
+FOLDERS = ("src", "libs", "host", "include", "tools", "bindings")
+PROGRAMS = ("host", "bindings", "tools")
 SOURCES = (".h", ".cpp")
 FOUNDATION = ("log", "geometry", "platform", "io")
 LAYER_NAMES = ("base", "foundation", "building blocks", "control header", "operations")
@@ -47,7 +51,7 @@ def read_includes():
 def resolve(file, name, known, roots):
     """The project's file that an include names, or None for a header of another library."""
     for folder in [str(pathlib.PurePosixPath(file).parent), *roots]:
-        candidate = str(pathlib.PurePosixPath(folder) / name)
+        candidate = posixpath.normpath(f"{folder}/{name}")
         if candidate in known:
             return candidate
     return None
@@ -55,7 +59,7 @@ def resolve(file, name, known, roots):
 
 def file_edges(includes):
     """List of (including file, line, included file), within the project."""
-    roots = ["src", "include", "libs", "host", "tools"]
+    roots = list(FOLDERS)
     roots += sorted(str(path.relative_to(ROOT)) for path in ROOT.glob("libs/*/include"))
     edges = []
     for file, lines in includes.items():
@@ -120,6 +124,10 @@ def may_include(file, target, operations):
     if area == "host":
         allowed = other in ("host", "include") or is_public_library_header(target)
         return "" if allowed else f"host includes {other}, which is not public"
+    if area == "bindings":
+        # The table needs the abstract classes only, so that the generator is built without the control.
+        allowed = other in ("bindings", "include") or target == "src/control/AutomationTable.h"
+        return "" if allowed else f"bindings include {target}"
     # src/base needs neither OpenGL nor a window system, so that tools may use it.
     allowed = other in ("tools", "include", "libs") or target.startswith("src/base/")
     return "" if allowed else f"tools include {other}"
@@ -206,7 +214,7 @@ LINES = ("#777777", "#4a7c3a", "#2f6ca8", "#a8820a", "#b5592a", "#6f4e9b", "#b03
 def box_of(file, operations):
     """The (row, box) of the picture that a file belongs to; rows are counted from the top."""
     parts = file.split("/")
-    if parts[0] in ("host", "tools"):
+    if parts[0] in PROGRAMS:
         return 0, parts[0]
     layer = layer_of(file, operations)
     if layer == 4:
