@@ -35,7 +35,7 @@ install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePaneConfig.cmake" "${PROJECT_BINARY
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
   message(STATUS "KV_ScenePane.pc: not installed, CMAKE_INSTALL_LIBDIR is absolute")
 else()
-  file(RELATIVE_PATH KV_PREFIX_FROM_PKGCONFIG "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  file(RELATIVE_PATH KV_PREFIX_FROM_PKGCONFIG "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/KV_ScenePane.pc.in" "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 endif()

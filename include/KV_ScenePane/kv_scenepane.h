@@ -80,7 +80,9 @@ typedef int32_t (*kv_about_function)(void* user, const char* title, const char* 
 #define KV_SOFTWARE (-2) /* the processor draws */
 
 typedef struct kv_window_request {
-    size_t size;                      /* sizeof(kv_window_request) */
+    /* sizeof(kv_window_request). Members beyond a smaller size have their defaults; those beyond the struct of the
+       library must be 0. */
+    size_t size;
     int32_t kind;                     /* KV_CHILD to KV_NO_PICTURE */
     int32_t x, y;                     /* position in the parent, pixels */
     int32_t width, height;            /* of the drawing area, pixels */
@@ -148,7 +150,7 @@ KV_API kv_status kv_send_key(kv_pane* pane, int32_t is_down, int32_t code, int32
 
 /* ---- the automation surface: ids in kv_scenepane_ids.h, what the methods do in docs/automation.md */
 
-/* Calls a method. Types and number of the arguments must be those of the method.
+/* Calls a method. Types and number of the arguments must be those of the method; kv_last_error() says what is wrong.
    result  receives the result, KV_VOID for a method without one; may be null. Unchanged unless KV_DONE */
 KV_API kv_status kv_invoke(kv_pane* pane, int32_t id, const kv_value* arguments, size_t count, kv_value* result);
 KV_API kv_status kv_get_property(kv_pane* pane, int32_t id, kv_value* value);
@@ -223,7 +225,8 @@ KV_API size_t kv_graphics_info(kv_pane* pane, char* buffer, size_t capacity);
 
 /* Cuts all visible objects by a lasso.
    mode  as for StartSegmentation, 0 to 5
-   points  count x 2 numbers: fractions 0 to 1 of the drawing area, y downward
+   points  count x 2 numbers: fractions of the drawing area, from 0 to below 1, y downward. The region does not reach
+           beyond the corners that are in the drawing area
    changed  receives 1 when an object has changed, else 0; may be null */
 KV_API kv_status kv_cut_with_lasso(kv_pane* pane, int32_t mode, const double* points, size_t count, int32_t* changed);
 /* Number of cuts that PerformUndo can take back. */

@@ -1,6 +1,10 @@
 // The viewer for programs in C: its life, its window, input, and the debugger output. The calls by id are in
 // CInterfaceCalls.cpp, pictures, cuts and alignments in CInterfaceScene.cpp.
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <new>
+#include <stdexcept>
 
 #include "KV_ScenePane/DebugOutput.h"
 #include "KV_ScenePane/PathText.h"
@@ -21,7 +25,7 @@ LastError& TheLastError() {
 }
 
 constexpr std::size_t kRequestSize = sizeof(kv_window_request);
-constexpr std::size_t kSmallestRequest = offsetof(kv_window_request, width);
+constexpr std::size_t kSmallestRequest = offsetof(kv_window_request, x);
 
 /// Copies the members that the caller's struct has; the others keep their defaults.
 /// @return false with kv_last_error() when the struct is of a later version and asks for something unknown
@@ -111,6 +115,8 @@ kv_status ReportException(std::string_view function) noexcept {
         SetLastError(failure.what());
         return KV_HANDLER_FAILED;
     } catch (const std::bad_alloc&) {
+        SetLastError("out of memory");
+    } catch (const std::length_error&) {  // of a container that is asked for more than any memory holds
         SetLastError("out of memory");
     } catch (const std::exception& error) {
         try {

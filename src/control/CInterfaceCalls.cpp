@@ -91,6 +91,11 @@ kv_status RefuseCount(const AutomationMethod& method, std::size_t count) {
     return KV_BAD_ARGUMENTS;
 }
 
+kv_status RefuseNull(std::string_view name, const char* what) {
+    SetLastError(std::string(name) + ": " + what);
+    return KV_BAD_ARGUMENTS;
+}
+
 kv_status RefuseType(const AutomationMethod& method, std::size_t place, const kv_value& given) {
     SetLastError(std::string(method.name) + ": argument " + std::to_string(place + 1) + ", " +
                  std::string(method.arguments[place].name) + ", must be " +
@@ -101,6 +106,7 @@ kv_status RefuseType(const AutomationMethod& method, std::size_t place, const kv
 kv_status Invoke(KV_ScenePane::ScenePane& viewer, const AutomationMethod& method, const kv_value* arguments,
                  std::size_t count, kv_value* result) {
     if (count != method.arguments.size()) return RefuseCount(method, count);
+    if (arguments == nullptr && count > 0) return RefuseNull(method.name, "the arguments are null");
     assert(count <= kMostArguments);
     std::array<AutomationValue, kMostArguments> values;
     std::vector<std::wstring> texts;  // for the time of the call
@@ -137,6 +143,7 @@ kv_status kv_get_property(kv_pane* pane, int32_t id, kv_value* value) {
     return CallViewer(pane, "kv_get_property", [&](KV_ScenePane::ScenePane& viewer) {
         const AutomationProperty* property = FindProperty(id);
         if (property == nullptr) return RefuseId("property", id);
+        if (value == nullptr) return RefuseNull(property->name, "the value is null");
         *value = Value(property->get(viewer.Methods()));
         return KV_DONE;
     });
@@ -151,6 +158,7 @@ kv_status kv_put_property(kv_pane* pane, int32_t id, const kv_value* value) {
             SetLastError(name + " can only be read");
             return KV_BAD_ARGUMENTS;
         }
+        if (value == nullptr) return RefuseNull(name, "the value is null");
         AutomationValue given;
         std::vector<std::wstring> texts;
         if (!Read(*value, property->code, &given, &texts)) {

@@ -302,7 +302,10 @@ size_t kv_save_properties(kv_pane* pane, int32_t format, char* buffer, size_t ca
                          std::to_string(format));
             return std::size_t{0};
         }
-        return CopyText(viewer.SaveProperties(static_cast<KV_ScenePane::PropertyFormat>(format)), buffer, capacity);
+        const bool wasModified = viewer.IsModified();
+        const std::string store = viewer.SaveProperties(static_cast<KV_ScenePane::PropertyFormat>(format));
+        if (wasModified && store.size() >= capacity) ControlOf(viewer).m_bModified = true;  // the host has no store yet
+        return CopyText(store, buffer, capacity);
     });
 }
 

@@ -1,9 +1,12 @@
 // The dispatch of automation methods by id: to a recording replacement, and to the real control.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "control/AutomationTable.h"
 #include "control/RecordingPane.h"
@@ -114,6 +117,78 @@ TEST(InvokeMethod, RefusesAWrongTypeInEveryPosition) {
                     << method.name << ", argument " << i << " as " << letter;
                 EXPECT_TRUE(pane.calls.empty()) << method.name;
             }
+}
+
+// ---- rows by id and by name
+
+template <typename Row>
+void ExpectFound(std::span<const Row> rows, const Row* (*byId)(std::int32_t), const Row* (*byName)(std::string_view)) {
+    for (const Row& row : rows) {
+        EXPECT_EQ(byId(row.id), &row) << row.name;
+        EXPECT_EQ(byName(row.name), &row) << row.name;
+        // A part of another text, without a zero at its end.
+        EXPECT_EQ(byName(std::string(row.name).append("x").substr(0, row.name.size())), &row) << row.name;
+        EXPECT_EQ(byName(row.name.substr(1)), nullptr) << row.name;
+    }
+    for (const std::int32_t id : {0, 123, -1, -551, INT32_MAX, INT32_MIN}) EXPECT_EQ(byId(id), nullptr) << id;
+    for (const std::string_view name : {"", "setsize", "Set", "SetSize "}) EXPECT_EQ(byName(name), nullptr) << name;
+}
+
+TEST(AutomationRows, AreFoundByIdAndByName) {
+    ExpectFound<AutomationMethod>(AutomationMethods(), &FindMethod, &FindMethod);
+    ExpectFound<AutomationProperty>(AutomationProperties(), &FindProperty, &FindProperty);
+    ExpectFound<AutomationEvent>(AutomationEvents(), &FindEvent, &FindEvent);
+    EXPECT_EQ(FindMethod(2), nullptr) << "a property";
+    EXPECT_EQ(FindProperty(4), nullptr) << "a method";
+    EXPECT_EQ(FindEvent(-552), nullptr) << "a method";
+}
+
+// ---- properties and events by the table
+
+TEST(AutomationProperties, AreReadAndWrittenByTheirRows) {
+    for (const AutomationProperty& property : AutomationProperties()) {
+        RecordingPane pane;
+        const bool isLong = property.id == -525;
+        EXPECT_EQ(property.code, isLong ? 'i' : 's') << property.name;
+        EXPECT_EQ(property.get(pane), isLong ? AutomationValue(kRecordedLong) : AutomationValue(kRecordedShort));
+        EXPECT_EQ(pane.calls.back().name, "Get" + std::string(property.name));
+        EXPECT_EQ(property.put == nullptr, isLong) << property.name;
+        if (isLong) continue;
+        property.put(pane, std::int16_t{7});
+        EXPECT_EQ(pane.calls.back().name, "Set" + std::string(property.name));
+        EXPECT_EQ(pane.calls.back().arguments, std::vector<AutomationValue>{std::int16_t{7}}) << property.name;
+    }
+}
+
+/// The numbers of arguments, as EventsRecorder keeps them.
+std::vector<double> Numbers(const std::vector<AutomationValue>& values) {
+    std::vector<double> numbers;
+    for (const AutomationValue& value : values)
+        std::visit(
+            [&](auto number) {
+                if constexpr (std::is_arithmetic_v<decltype(number)>) numbers.push_back(static_cast<double>(number));
+            },
+            value);
+    return numbers;
+}
+
+TEST(AutomationEvents, AreFiredByTheirRows) {
+    for (const AutomationEvent& event : AutomationEvents()) {
+        EventsRecorder recorder;
+        std::vector<AutomationValue> arguments;
+        for (std::size_t i = 1; i < event.signature.size(); ++i) {
+            const auto n = static_cast<std::int32_t>(i);
+            const std::map<char, AutomationValue> values = {{'s', static_cast<std::int16_t>(-n)},
+                                                            {'i', 1000000 + n},
+                                                            {'f', 0.5f + static_cast<float>(n)},
+                                                            {'l', std::int64_t{1} << 40}};
+            arguments.push_back(values.at(event.signature[i]));
+        }
+        event.fire(recorder, arguments);
+        ASSERT_EQ(recorder.events.size(), 1u) << event.name;
+        EXPECT_EQ(recorder.events[0].name, event.name);
+        EXPECT_EQ(recorder.events[0].arguments, Numbers(arguments)) << event.name;
+    }
 }
 
 // ---- the dispatch on the real control

@@ -1,0 +1,518 @@
+// The life of a viewer, its window, its callbacks and the debugger output, for programs in C.
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <functional>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "KV_ScenePane/DebugOutput.h"
+#include "KV_ScenePane/kv_scenepane.h"
+#include "control/RecordingViewer.h"
+#include "control/ScenePaneCtrl.h"
+#include "control/ScenePaneHandle.h"
+#include "platform/HostWindow.h"
+#include "support/Wait.h"
+#include "support/XvfbServer.h"
+
+namespace {
+
+kv_window_request Request(std::int32_t kind) {
+    kv_window_request request;
+    kv_window_request_init(&request);
+    request.kind = kind;
+    request.width = 100, request.height = 80;
+    return request;
+}
+
+/// A viewer that ends with its scope, unless the test has destroyed it.
+class Pane {
+public:
+    explicit Pane(const kv_window_request& request) : m_pane(kv_create(&request)) {
+        if (m_pane == nullptr) throw std::runtime_error(kv_last_error());
+    }
+    explicit Pane(std::int32_t kind) : Pane(Request(kind)) {}
+    ~Pane() { kv_destroy(m_pane); }
+    Pane(const Pane&) = delete;
+    Pane& operator=(const Pane&) = delete;
+
+    operator kv_pane*() const { return m_pane; }
+    void Destroy() { kv_destroy(std::exchange(m_pane, nullptr)); }
+
+private:
+    kv_pane* m_pane;
+};
+
+kv_status SetPickMode(kv_pane* pane) {  // fires PickPointCountChanged
+    const kv_value mode{.type = KV_SHORT, .as = {.i16 = 5}};
+    return kv_invoke(pane, KV_SetPickMode, &mode, 1, nullptr);
+}
+
+/// Passes every event to a function, which returns what the callback returns.
+using Handler = std::function<std::int32_t(std::int32_t id)>;
+void ConnectHandler(kv_pane* pane, Handler& handler) {
+    kv_connect(
+        pane,
+        [](void* user, std::int32_t id, const kv_value*, std::size_t) { return (*static_cast<Handler*>(user))(id); },
+        &handler);
+}
+
+// ---- the request
+
+TEST(KvWindowRequest, StartsWithTheDefaultsOfTheRequestInCpp) {
+    kv_window_request request;
+    std::memset(&request, 0x5A, sizeof request);
+    kv_window_request_init(&request);
+    const KV_ScenePane::WindowRequest defaults;
+    EXPECT_EQ(request.size, sizeof request);
+    EXPECT_EQ(request.kind, static_cast<std::int32_t>(defaults.kind));
+    EXPECT_EQ(request.x, defaults.x);
+    EXPECT_EQ(request.y, defaults.y);
+    EXPECT_EQ(request.width, defaults.width);
+    EXPECT_EQ(request.height, defaults.height);
+    EXPECT_EQ(request.gl_major, defaults.glMajor);
+    EXPECT_EQ(request.gl_minor, defaults.glMinor);
+    EXPECT_EQ(request.samples, defaults.samples);
+    EXPECT_EQ(request.gpu, defaults.gpu);
+    EXPECT_EQ(request.parent, defaults.parent);
+    EXPECT_EQ(request.display, nullptr);
+    EXPECT_EQ(request.title, nullptr);
+    EXPECT_EQ(request.scale, defaults.scale);
+    EXPECT_EQ(request.show_message, nullptr);
+    EXPECT_EQ(request.show_about, nullptr);
+    EXPECT_EQ(request.user, nullptr);
+}
+
+TEST(KvWindowRequest, IsRefusedWithTheReason) {
+    struct Row {
+        std::function<void(kv_window_request&)> change;
+        const char* reason;
+    };
+    const Row rows[] = {
+        {[](auto& r) { r.size = 0; }, "kv_create: the member size must be sizeof(kv_window_request), not 0"},
+        {[](auto& r) { r.size = 8; }, "kv_create: the member size must be sizeof(kv_window_request), not 8"},
+        {[](auto& r) { r.size = 103; }, "kv_create: the member size must be sizeof(kv_window_request), not 103"},
+        {[](auto& r) { r.kind = 4; }, "kv_create: kind must be KV_CHILD to KV_NO_PICTURE, 0 to 3, not 4"},
+        {[](auto& r) { r.kind = -1; }, "kv_create: kind must be KV_CHILD to KV_NO_PICTURE, 0 to 3, not -1"}};
+    for (const Row& row : rows) {
+        kv_window_request request = Request(KV_NO_PICTURE);
+        row.change(request);
+        EXPECT_EQ(kv_create(&request), nullptr) << row.reason;
+        EXPECT_STREQ(kv_last_error(), row.reason);
+    }
+    EXPECT_EQ(kv_create(nullptr), nullptr);
+    EXPECT_STREQ(kv_last_error(), "kv_create: the request is null");
+}
+
+std::int32_t NeverCalled(void*, const char*, const char*) {
+    ADD_FAILURE() << "called";
+    return 1;
+}
+
+TEST(KvWindowRequest, OfAnOlderVersionLeavesTheLaterMembersAtTheirDefaults) {
+    kv_window_request request = Request(KV_NO_PICTURE);
+    request.show_about = &NeverCalled;
+    request.size = offsetof(kv_window_request, show_about);
+    const Pane pane(request);
+    std::string output;
+    KV_ScenePane::SetDebugOutputSink([&](std::string_view text) { output += text; });
+    EXPECT_EQ(kv_invoke(pane, KV_AboutBox, nullptr, 0, nullptr), KV_DONE);
+    KV_ScenePane::SetDebugOutputSink({});
+    EXPECT_NE(output.find("Version 5.5"), std::string::npos) << output;
+}
+
+TEST(KvWindowRequest, OfALaterVersionIsAcceptedWhileItsUnknownMembersAreZero) {
+    struct Later {
+        kv_window_request known;
+        std::int64_t unknown[2];
+    } later{Request(KV_NO_PICTURE), {0, 0}};
+    later.known.size = sizeof later;
+    kv_pane* pane = kv_create(&later.known);
+    EXPECT_NE(pane, nullptr) << kv_last_error();
+    kv_destroy(pane);
+    later.unknown[1] = 1;
+    EXPECT_EQ(kv_create(&later.known), nullptr);
+    EXPECT_STREQ(kv_last_error(),
+                 "kv_create: the request is of a later version: its size is 120, this library knows 104 bytes");
+}
+
+TEST(KvCreate, SaysWhyThereIsNoViewer) {
+    kv_window_request request = Request(KV_CHILD);
+    request.display = ":987654";
+    EXPECT_EQ(kv_create(&request), nullptr);
+    EXPECT_NE(std::string(kv_last_error()).find(":987654"), std::string::npos) << kv_last_error();
+}
+
+TEST(KvCreate, ShowsAMessageAndReportsTheFailureOfTheCallback) {
+    struct Shown {
+        std::string text;
+        std::int32_t answer = 0;
+    } shown;
+    kv_window_request request = Request(KV_OFF_SCREEN);
+    request.gl_major = 9;
+    request.user = &shown;
+    request.show_message = [](void* user, const char* text) {
+        static_cast<Shown*>(user)->text = text;
+        return static_cast<Shown*>(user)->answer;
+    };
+    EXPECT_EQ(kv_create(&request), nullptr);
+    EXPECT_NE(shown.text, "");
+    EXPECT_EQ(kv_last_error(), shown.text);
+    shown.answer = 6;
+    EXPECT_EQ(kv_create(&request), nullptr);
+    EXPECT_STREQ(kv_last_error(), "show_message returned 6");
+}
+
+// ---- errors
+
+TEST(KvLastError, IsEmptyBeforeTheFirstFailureAndBelongsToItsThread) {
+    EXPECT_EQ(kv_create(nullptr), nullptr);
+    std::string ofTheThread = "not read";
+    std::thread([&] { ofTheThread = kv_last_error(); }).join();
+    EXPECT_EQ(ofTheThread, "");
+    EXPECT_STREQ(kv_last_error(), "kv_create: the request is null");
+}
+
+TEST(KvLastError, StaysWhileCallsSucceed) {
+    const Pane pane(KV_NO_PICTURE);
+    EXPECT_EQ(kv_invoke(pane, 3, nullptr, 0, nullptr), KV_UNKNOWN_ID);
+    EXPECT_EQ(kv_invoke(pane, KV_ClearData, nullptr, 0, nullptr), KV_DONE);
+    EXPECT_STREQ(kv_last_error(), "no method has the id 3");
+}
+
+TEST(KvCalls, TurnExceptionsIntoAStatusAndAText) {
+    RecordedPane recorded;
+    struct Row {
+        std::function<void()> inside;
+        const char* text;
+    };
+    const Row rows[] = {{[] { throw std::runtime_error("the disk is full"); }, "kv_process_events: the disk is full"},
+                        {[] { throw std::bad_alloc(); }, "out of memory"},
+                        {[] { throw 5; }, "an exception of an unknown type"}};
+    for (const Row& row : rows) {
+        recorded.viewer->process = row.inside;
+        EXPECT_EQ(kv_process_events(recorded.pane), KV_FAILED) << row.text;
+        EXPECT_STREQ(kv_last_error(), row.text);
+    }
+    recorded.viewer->process = [] {};
+    EXPECT_EQ(kv_process_events(recorded.pane), KV_DONE);
+}
+
+/// All functions that return a status.
+std::vector<std::pair<const char*, std::function<kv_status(kv_pane*)>>> StatusFunctions() {
+    static kv_value value;
+    value = {.type = KV_SHORT, .as = {.i16 = 1}};
+    static kv_surface_point hit;
+    static kv_clip_height height;
+    return {{"kv_process_events", [](kv_pane* p) { return kv_process_events(p); }},
+            {"kv_reparent", [](kv_pane* p) { return kv_reparent(p, 1, 0, 0); }},
+            {"kv_set_scale", [](kv_pane* p) { return kv_set_scale(p, 1); }},
+            {"kv_send_mouse", [](kv_pane* p) { return kv_send_mouse(p, KV_MOUSE_MOVE, 0, 1, 1, 0); }},
+            {"kv_send_key", [](kv_pane* p) { return kv_send_key(p, 1, 65, 1, 0); }},
+            {"kv_invoke", [](kv_pane* p) { return kv_invoke(p, KV_ClearData, nullptr, 0, nullptr); }},
+            {"kv_get_property", [](kv_pane* p) { return kv_get_property(p, KV_PROPERTY_DrawMode, &value); }},
+            {"kv_put_property", [](kv_pane* p) { return kv_put_property(p, KV_PROPERTY_DrawMode, &value); }},
+            {"kv_connect", [](kv_pane* p) { return kv_connect(p, nullptr, nullptr); }},
+            {"kv_capture_picture", [](kv_pane* p) { return kv_capture_picture(p, nullptr, 0, nullptr, nullptr); }},
+            {"kv_pick_surface", [](kv_pane* p) { return kv_pick_surface(p, 0, 0, &hit); }},
+            {"kv_cut_with_lasso", [](kv_pane* p) { return kv_cut_with_lasso(p, 0, nullptr, 0, nullptr); }},
+            {"kv_align_by_pairs", [](kv_pane* p) { return kv_align_by_pairs(p, nullptr, 0, nullptr); }},
+            {"kv_alignment_result", [](kv_pane* p) { return kv_alignment_result(p, nullptr, nullptr, nullptr, 0); }},
+            {"kv_clip_height_result", [](kv_pane* p) { return kv_clip_height_result(p, &height); }},
+            {"kv_load_properties", [](kv_pane* p) { return kv_load_properties(p, "", 0); }}};
+}
+
+void ExpectUnusable(kv_pane* pane, const std::string& why) {
+    for (const auto& [name, call] : StatusFunctions()) {
+        EXPECT_EQ(call(pane), KV_BAD_ARGUMENTS) << name;
+        EXPECT_EQ(kv_last_error(), name + why);
+    }
+    char text[4] = "abc";
+    EXPECT_EQ(kv_event_descriptor(pane), -1);
+    EXPECT_EQ(kv_has_window(pane), 0);
+    EXPECT_EQ(kv_native_window(pane), 0u);
+    EXPECT_EQ(kv_object_name(pane, 0, text, sizeof text), 0u);
+    EXPECT_STREQ(text, "");
+    EXPECT_EQ(kv_graphics_info(pane, nullptr, 0), 0u);
+    EXPECT_EQ(kv_object_has_colors(pane, 0), 0);
+    EXPECT_EQ(kv_undo_step_count(pane), 0);
+    EXPECT_EQ(kv_cut_save_entries(pane, 1, nullptr, 0), 0u);
+    EXPECT_EQ(kv_save_properties(pane, KV_PROPERTIES_TEXT, nullptr, 0), 0u);
+    EXPECT_EQ(kv_is_modified(pane), 0);
+    EXPECT_EQ(kv_last_error(), "kv_is_modified" + why);
+}
+
+TEST(KvCalls, WithoutAViewerAreRefused) { ExpectUnusable(nullptr, ": the viewer is null"); }
+
+// ---- callbacks
+
+TEST(KvCallbacks, MayDestroyTheirViewerInsideItsCalls) {
+    Pane pane(KV_NO_PICTURE);
+    int events = 0;
+    Handler handler = [&](std::int32_t) {
+        ++events;
+        kv_pane* const destroyed = pane;
+        pane.Destroy();
+        ExpectUnusable(destroyed, ": the viewer is destroyed");
+        kv_destroy(destroyed);  // once more, while its call has not returned
+        return 0;
+    };
+    ConnectHandler(pane, handler);
+    EXPECT_EQ(SetPickMode(pane), KV_DONE);
+    EXPECT_EQ(events, 1);
+}
+
+TEST(KvCallbacks, MayDestroyTheirViewerInsideACallThatACallbackMade) {
+    for (const std::int32_t answer : {0, 1}) {
+        Pane pane(KV_NO_PICTURE);
+        int depth = 0;
+        kv_status inner = -1;
+        Handler handler = [&](std::int32_t) {
+            if (++depth == 1)
+                inner = SetPickMode(pane);
+            else
+                pane.Destroy();
+            return depth-- == 2 ? answer : 0;
+        };
+        ConnectHandler(pane, handler);
+        EXPECT_EQ(SetPickMode(pane), KV_DONE) << answer;
+        EXPECT_EQ(inner, answer == 0 ? KV_DONE : KV_HANDLER_FAILED);
+    }
+}
+
+TEST(KvCallbacks, EndTheCallThatCausedThemWhenTheyFailAndTheViewerGoesOnWorking) {
+    const Pane pane(KV_NO_PICTURE);
+    std::int32_t answer = 7;
+    Handler handler = [&](std::int32_t) { return answer; };
+    ConnectHandler(pane, handler);
+    kv_value result{.type = KV_FLOAT, .as = {.f32 = 4}};
+    kv_value sphere[] = {{.type = KV_FLOAT, .as = {.f32 = 1}},
+                         {.type = KV_FLOAT, .as = {.f32 = 2}},
+                         {.type = KV_FLOAT, .as = {.f32 = 3}},
+                         {.type = KV_LONG, .as = {.i32 = 0}}};
+    EXPECT_EQ(kv_invoke(pane, KV_AddPickPointSphere, sphere, 4, &result), KV_HANDLER_FAILED);
+    EXPECT_STREQ(kv_last_error(), "the callback of the event PickPointCountChanged returned 7");
+    EXPECT_EQ(result.type, KV_FLOAT) << "unchanged";
+    answer = 0;
+    EXPECT_EQ(kv_invoke(pane, KV_AddPickPointSphere, sphere, 4, &result), KV_DONE);
+    EXPECT_EQ(result.type, KV_LONG);
+    EXPECT_EQ(result.as.i32, 1) << "the sphere of the failed call is there";
+}
+
+TEST(KvCallbacks, ThatFailInACallOfAnotherCallbackEndThatCallOnly) {
+    const Pane pane(KV_NO_PICTURE);
+    int depth = 0;
+    kv_status inner = KV_DONE;
+    Handler handler = [&](std::int32_t) {
+        if (depth == 1) return 2;
+        ++depth;
+        inner = SetPickMode(pane);
+        return 0;
+    };
+    ConnectHandler(pane, handler);
+    EXPECT_EQ(SetPickMode(pane), KV_DONE);
+    EXPECT_EQ(inner, KV_HANDLER_FAILED);
+}
+
+TEST(KvCallbacks, OfOneViewerMayDestroyAnother) {
+    Pane first(KV_NO_PICTURE), second(KV_NO_PICTURE);
+    Handler handler = [&](std::int32_t) {
+        second.Destroy();
+        return 0;
+    };
+    ConnectHandler(first, handler);
+    EXPECT_EQ(SetPickMode(first), KV_DONE);
+    EXPECT_EQ(SetPickMode(second), KV_BAD_ARGUMENTS);
+    EXPECT_EQ(SetPickMode(first), KV_DONE);
+}
+
+TEST(KvCallbacks, ShowTheAboutDialog) {
+    struct Shown {
+        std::string title, line;
+        std::int32_t answer = 0;
+    } shown;
+    kv_window_request request = Request(KV_NO_PICTURE);
+    request.user = &shown;
+    request.show_about = [](void* user, const char* title, const char* line) {
+        auto& me = *static_cast<Shown*>(user);
+        me.title = title, me.line = line;
+        return me.answer;
+    };
+    const Pane pane(request);
+    EXPECT_EQ(kv_invoke(pane, KV_AboutBox, nullptr, 0, nullptr), KV_DONE);
+    EXPECT_EQ(shown.title, "About KV_ScenePane Control");
+    EXPECT_EQ(shown.line, "KV_ScenePane Control, Version 5.5");
+    shown.answer = 3;
+    EXPECT_EQ(kv_invoke(pane, KV_AboutBox, nullptr, 0, nullptr), KV_HANDLER_FAILED);
+    EXPECT_STREQ(kv_last_error(), "show_about returned 3");
+}
+
+TEST(KvDestroy, AcceptsNull) { kv_destroy(nullptr); }
+
+TEST(KvDestroy, CallsNoCallbackAnyMore) {
+    Pane pane(KV_NO_PICTURE);
+    ASSERT_EQ(SetPickMode(pane), KV_DONE);
+    int events = 0;
+    Handler handler = [&](std::int32_t) { return ++events; };
+    ConnectHandler(pane, handler);
+    pane.Destroy();
+    EXPECT_EQ(events, 0);
+}
+
+// ---- the window
+
+TEST(KvWindow, IsReportedAsItIs) {
+    RecordedPane recorded;
+    EXPECT_EQ(kv_event_descriptor(recorded.pane), 17);
+    EXPECT_EQ(kv_has_window(recorded.pane), 1);
+    EXPECT_EQ(kv_native_window(recorded.pane), 0x1234567u);
+    EXPECT_EQ(kv_set_scale(recorded.pane, 2.5), KV_DONE);
+    EXPECT_EQ(recorded.viewer->scale, 2.5);
+    EXPECT_EQ(kv_reparent(recorded.pane, 8, -1, 2), KV_DONE);
+    EXPECT_EQ(kv_reparent(recorded.pane, 9, -1, 2), KV_FAILED);
+    EXPECT_STREQ(kv_last_error(), "kv_reparent: 9 is not a window that this viewer can move into");
+}
+
+TEST(KvWindow, OffScreenHasNoNativeWindowAndWorkAfterAnInvalidation) {
+    const Pane pane(KV_OFF_SCREEN);
+    EXPECT_EQ(kv_has_window(pane), 1);
+    EXPECT_EQ(kv_native_window(pane), 0u);
+    const auto isReadable = [&] { return IsReadable(kv_event_descriptor(pane)); };
+    while (isReadable()) ASSERT_EQ(kv_process_events(pane), KV_DONE);
+    EXPECT_EQ(kv_invoke(pane, KV_PerformInvalidate, nullptr, 0, nullptr), KV_DONE);
+    EXPECT_TRUE(isReadable());
+    EXPECT_EQ(kv_process_events(pane), KV_DONE);
+    EXPECT_FALSE(isReadable());
+}
+
+TEST(KvWindow, WithoutAPictureIsNone) {
+    const Pane pane(KV_NO_PICTURE);
+    EXPECT_EQ(kv_native_window(pane), 0u);
+    EXPECT_EQ(kv_process_events(pane), KV_DONE);
+}
+
+TEST(KvWindow, IsAChildOfAWindowOfTheHostAndMovesToAnother) {
+    XvfbServer::Shared();
+    HostWindow host, other;
+    kv_window_request request = Request(KV_CHILD);
+    request.parent = host.Id();
+    request.x = 30, request.y = 40;
+    const Pane pane(request);
+    WindowPlace place = host.PlaceOf(kv_native_window(pane));
+    EXPECT_EQ(place.parent, host.Id());
+    EXPECT_EQ(place.x, 30);
+    EXPECT_EQ(place.y, 40);
+    EXPECT_EQ(place.width, 100);
+    EXPECT_EQ(place.height, 80);
+    EXPECT_EQ(kv_reparent(pane, other.Id(), 5, 6), KV_DONE) << kv_last_error();
+    place = other.PlaceOf(kv_native_window(pane));
+    EXPECT_EQ(place.parent, other.Id());
+    EXPECT_EQ(place.x, 5);
+    EXPECT_EQ(kv_reparent(pane, 0, 0, 0), KV_FAILED);
+}
+
+TEST(KvWindow, AtTheTopHasItsTitle) {
+    XvfbServer::Shared();
+    HostWindow host;
+    kv_window_request request = Request(KV_TOP_LEVEL);
+    request.title = "sc\xC3\xA4n of C";
+    const Pane pane(request);
+    EXPECT_EQ(host.TextProperty(kv_native_window(pane), "_NET_WM_NAME"), "sc\xC3\xA4n of C");
+}
+
+TEST(KvInput, IsPassedOnAsItIs) {
+    RecordedPane recorded;
+    for (std::int32_t kind = KV_MOUSE_MOVE; kind <= KV_MOUSE_WHEEL; ++kind)
+        EXPECT_EQ(kv_send_mouse(recorded.pane, kind, KV_MOUSE_LEFT | KV_MOUSE_CTRL, -3, 4, -120), KV_DONE);
+    ASSERT_EQ(recorded.viewer->mouse.size(), 9u);
+    EXPECT_EQ(recorded.viewer->mouse[8].kind, KV_ScenePane::MouseInput::Kind::Wheel);
+    EXPECT_EQ(recorded.viewer->mouse[8].flags, 0x09u);
+    EXPECT_EQ(recorded.viewer->mouse[8].x, -3);
+    EXPECT_EQ(recorded.viewer->mouse[8].y, 4);
+    EXPECT_EQ(recorded.viewer->mouse[8].delta, -120);
+    EXPECT_EQ(kv_send_key(recorded.pane, 0, 65, 2, 0x4000), KV_DONE);
+    ASSERT_EQ(recorded.viewer->keys.size(), 1u);
+    EXPECT_FALSE(recorded.viewer->keys[0].isDown);
+    EXPECT_EQ(recorded.viewer->keys[0].nChar, 65);
+    EXPECT_EQ(recorded.viewer->keys[0].nRepCnt, 2);
+    EXPECT_EQ(recorded.viewer->keys[0].nFlags, 0x4000);
+}
+
+TEST(KvInput, OfAnUnknownKindIsRefused) {
+    RecordedPane recorded;
+    for (const std::int32_t kind : {-1, 9, INT32_MAX}) {
+        EXPECT_EQ(kv_send_mouse(recorded.pane, kind, 0, 0, 0, 0), KV_BAD_ARGUMENTS);
+        EXPECT_EQ(kv_last_error(),
+                  "kv_send_mouse: kind must be KV_MOUSE_MOVE to KV_MOUSE_WHEEL, 0 to 8, not " + std::to_string(kind));
+    }
+    EXPECT_TRUE(recorded.viewer->mouse.empty());
+}
+
+TEST(KvInput, OfAKeyFiresTheEvent) {
+    const Pane pane(KV_OFF_SCREEN);
+    std::vector<std::int32_t> ids;
+    Handler handler = [&](std::int32_t id) {
+        ids.push_back(id);
+        return 0;
+    };
+    ConnectHandler(pane, handler);
+    EXPECT_EQ(kv_send_key(pane, 1, 65, 1, 0), KV_DONE);
+    EXPECT_EQ(kv_send_key(pane, 0, 65, 1, 0), KV_DONE);
+    EXPECT_EQ(ids, std::vector<std::int32_t>{KV_EVENT_CustomKeyDown}) << "of the press";
+}
+
+// ---- texts of methods
+
+TEST(KvTextArguments, InUtf8ReachTheControlSeveralInOneCall) {
+    const Pane pane(KV_NO_PICTURE);
+    const kv_value texts[] = {{.type = KV_UTF8, .as = {.utf8 = "Sc\xC3\xA4nner"}},
+                              {.type = KV_UTF8, .as = {.utf8 = "a version whose text is longer than a short one"}}};
+    EXPECT_EQ(kv_invoke(pane, KV_SetHpsSourceApp, texts, 2, nullptr), KV_DONE);
+    const CKV_ScenePaneCtrl& control = ControlOf(*static_cast<kv_pane*>(pane)->m_pViewer);
+    EXPECT_EQ(control.m_hpsSourceApp, "Sc\xE4nner") << "as these files store it";
+    EXPECT_EQ(control.m_hpsSourceVersion, "a version whose text is longer than a short one");
+}
+
+// ---- the debugger output and the version
+
+TEST(KvDebugOutput, GoesToTheCallbackUntilItIsReplaced) {
+    const Pane pane(KV_NO_PICTURE);
+    std::string output;
+    kv_set_debug_output(
+        [](void* user, const char* text, std::size_t size) { static_cast<std::string*>(user)->append(text, size); },
+        &output);
+    const kv_value path{.type = KV_UTF8, .as = {.utf8 = "/nowhere.stl"}};
+    EXPECT_EQ(kv_invoke(pane, KV_ImportMesh, &path, 1, nullptr), KV_DONE);
+    EXPECT_NE(output.find("/nowhere.stl"), std::string::npos) << output;
+    output.clear();
+    kv_set_debug_output(nullptr, nullptr);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(kv_invoke(pane, KV_ImportMesh, &path, 1, nullptr), KV_DONE);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("/nowhere.stl"), std::string::npos);
+    EXPECT_EQ(output, "");
+}
+
+TEST(KvDebugOutput, MayDestroyTheViewerThatWrites) {
+    static kv_pane* pane;
+    kv_window_request request = Request(KV_NO_PICTURE);
+    pane = kv_create(&request);
+    ASSERT_NE(pane, nullptr);
+    kv_set_debug_output([](void*, const char*, std::size_t) { kv_destroy(std::exchange(pane, nullptr)); }, nullptr);
+    const kv_value path{.type = KV_UTF8, .as = {.utf8 = "/nowhere.stl"}};
+    EXPECT_EQ(kv_invoke(pane, KV_ImportMesh, &path, 1, nullptr), KV_DONE);
+    EXPECT_EQ(pane, nullptr);
+    kv_set_debug_output(nullptr, nullptr);
+}
+
+TEST(KvVersion, IsThatOfTheLibrary) {
+    std::string onAThread;
+    std::thread([&] { onAThread = kv_version(); }).join();
+    EXPECT_EQ(onAThread, KV_EXPECTED_VERSION);
+}
+
+}  // namespace
