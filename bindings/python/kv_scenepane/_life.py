@@ -10,7 +10,9 @@ import atexit
 import ctypes
 import itertools
 import os
+import sys
 import threading
+import time
 import warnings
 import weakref
 from collections import deque
@@ -84,6 +86,8 @@ def start(pane: Any, request: Any) -> None:
         raise Error(last_error())
     pane._handle = handle
     pane._finalizer = weakref.finalize(pane, _destroy, handle, pane._number, pane._owner, os.getpid())
+    # _end() closes what is open then: a destructor that runs later must find the pane closed.
+    pane._finalizer.atexit = False
     library.kv_connect(handle, _events.on_event, pane._number)
 
 
@@ -93,6 +97,8 @@ def handle_of(pane: Any) -> int:
         raise RuntimeError("a pane belongs to the thread that made it, and this is another one")
     handle = pane._handle
     if handle is None:
+        if _is_ending and threading.current_thread() is not threading.main_thread():
+            raise SystemExit  # which ends a thread without a word
         raise RuntimeError("the pane is closed")
     return handle
 
@@ -137,7 +143,41 @@ _is_ending = False
 def _end() -> None:
     global _is_ending
     _is_ending = True
+    panes = [reference() for reference in list(_events._panes.values())]
+    for pane in panes:
+        if pane is None:
+            continue
+        if pane._owner is _here.token:
+            close(pane)
+        else:
+            pane._handle = None  # a thread that goes on ends at its next call
     close_orphans()
+    _wait_for_calls()
+
+
+def _wait_for_calls() -> None:
+    """Waits until no thread is inside a call. The interpreter ends threads that go on where they enter Python next;
+    in a callback, below functions of the library, that would end the process with a crash."""
+    limit = time.monotonic() + 2
+    while any(map(_is_in_call, _other_frames())) and time.monotonic() < limit:
+        time.sleep(0.001)
+
+
+def _other_frames() -> list[Any]:
+    return [frame for thread, frame in sys._current_frames().items() if thread != threading.get_ident()]
+
+
+def _is_in_call(frame: Any) -> bool:
+    if frame.f_code is _events.EventIterator.__next__.__code__:
+        return False  # it waits for a descriptor
+    while frame is not None:
+        if frame.f_code.co_filename.startswith(_FOLDER):
+            return True
+        frame = frame.f_back
+    return False
+
+
+_FOLDER = os.path.dirname(__file__) + os.sep
 
 
 def _after_fork() -> None:

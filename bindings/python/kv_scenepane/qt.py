@@ -180,11 +180,10 @@ class ScenePaneWidget(QWidget):
 
     def _follow_window(self) -> None:
         """Qt may have made another native window for the widget: the viewer moves into it."""
-        window = int(self.internalWinId() or 0)
-        if self._pane is None or self._pane.closed or window == 0:
+        if self._pane is None or self._pane.closed or self.windowHandle() is None:
             return
         try:
-            self._pane.reparent(window, 0, 0)
+            self._pane.reparent(int(self.winId()))
         except RuntimeError:
             self._end()
             return
