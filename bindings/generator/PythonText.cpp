@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <ranges>
 
 namespace bindings {
@@ -42,10 +43,6 @@ struct Phrase {
 };
 
 constexpr Phrase kPhrases[] = {
-    {"Null is", "None is"},
-    {"may be null only without", "may be None only without"},
-    {"may be null", "may be None"},
-    {"null", "None"},
     {"std::runtime_error", "kv.Error"},
     {"std::exception", "kv.Error"},
     {"std::bad_alloc", "kv.Error"},
@@ -57,7 +54,18 @@ constexpr Phrase kPhrases[] = {
     {" (Cutting.h)", ""},
     {"mouse flags of Input.h", "what was held: kv.MOUSE_LEFT and so on"},
     {"as in KeyInput (Input.h)", "as in send_key()"},
-    {"owned by the viewer", "for kv.CutMask.at()"},
+    {"address of the ACAD::CutMask (CutMask.h), owned by the viewer",
+     "for ScenePane.cut_mask() while the handler runs"},
+    {"kVariantTrue", "True"},
+    {"SetDrawMode()", "the property DrawMode"},
+    {"receives the ", "the "},
+    {"receives one", "one"},
+    {"receive 3 floats", "3 floats"},
+    {"kv.Error  ", "kv.Error: "},
+    {"the outputs are then untouched", "the numbers are then 0"},
+    {"of the host", "of the program"},
+    {"the host", "the program"},
+    {"see ImportMeasurementEntry", "parallel_import() is easier to use"},
     {"The id must be valid: it is not checked.", "IndexError for an id that no sphere has."},
     {"The index must be valid: it is not checked.", "IndexError for an index outside the list."},
     {"valid index; it is not checked", "IndexError outside the list"},
@@ -67,12 +75,24 @@ constexpr Phrase kPhrases[] = {
     {"3 indices per triangle; not checked", "3 indices per triangle; IndexError for one that no vertex has"},
 };
 
+// Whole words that are written otherwise in Python.
+constexpr Phrase kWords[] = {{"null", "None"}, {"Null", "None"}, {"true", "True"}, {"false", "False"}};
+
+bool IsLetter(const std::string& text, std::size_t at) {
+    return at < text.size() && std::isalnum(static_cast<unsigned char>(text[at])) != 0;
+}
+
+void Replace(std::string& text, const Phrase& phrase, bool isWord) {
+    for (std::size_t at = text.find(phrase.from); at != std::string::npos; at = text.find(phrase.from, at)) {
+        const bool isPart = (at > 0 && IsLetter(text, at - 1)) || IsLetter(text, at + phrase.from.size());
+        if (!isWord || !isPart) text.replace(at, phrase.from.size(), phrase.to);
+        at += phrase.to.size();
+    }
+}
+
 std::string InPython(std::string text) {
-    for (const Phrase& phrase : kPhrases)
-        for (std::size_t at = text.find(phrase.from); at != std::string::npos; at = text.find(phrase.from, at)) {
-            text.replace(at, phrase.from.size(), phrase.to);
-            at += phrase.to.size();
-        }
+    for (const Phrase& phrase : kPhrases) Replace(text, phrase, false);
+    for (const Phrase& word : kWords) Replace(text, word, true);
     return text;
 }
 
@@ -124,24 +144,39 @@ std::string ShapeText(const Argument& argument) {
 constexpr std::string_view kIndent = "        ";
 
 // The arguments that share a text are one entry.
-std::string ArgumentTexts(const Member& method, bool outputs) {
+std::string SharedNames(const std::vector<Argument>& arguments, const Argument& first) {
+    std::string names;
+    for (const Argument& argument : arguments)
+        if (argument.text == first.text && argument.output == first.output && argument.shape == first.shape)
+            names.append(names.empty() ? "" : ", ").append(argument.name);
+    return names;
+}
+
+/// Whether an argument before this one has the same text and has it in its entry.
+bool IsInFormerEntry(const std::vector<Argument>& arguments, std::size_t index) {
+    const Argument& own = arguments[index];
+    return std::any_of(
+        arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(index), [&own](const Argument& argument) {
+            return argument.text == own.text && argument.output == own.output && argument.shape == own.shape;
+        });
+}
+
+std::string TextOf(const Member& member, const Argument& argument) {
+    std::string text = ShapeText(argument);
+    if (!argument.text.empty()) text.append(text.empty() ? "" : ": ").append(InPython(argument.text));
+    if (IsLength(member, argument.name))
+        text.append(text.empty() ? "" : "; ").append("follows from the array when it is left out");
+    return text;
+}
+
+std::string ArgumentTexts(const Member& member, bool outputs, const std::string& indent) {
     std::string lines;
-    for (std::size_t i = 0; i < method.arguments.size(); ++i) {
-        const Argument& argument = method.arguments[i];
-        if (argument.output != outputs) continue;
-        std::string names = argument.name;
-        while (!argument.text.empty() && i + 1 < method.arguments.size() &&
-               method.arguments[i + 1].text == argument.text && method.arguments[i + 1].output == outputs &&
-               method.arguments[i + 1].shape == argument.shape)
-            names.append(", ").append(method.arguments[++i].name);
-        std::string text = ShapeText(argument);
-        if (!argument.text.empty()) text.append(text.empty() ? "" : ": ").append(InPython(argument.text));
-        if (IsLength(method, argument.name))
-            text.append(text.empty() ? "" : "; ").append("follows from the array when it is left out");
-        if (text.empty()) continue;
-        std::string first(kIndent);
-        first.append("    ").append(names).append(": ");
-        lines.append(Wrapped(text, first, std::string(kIndent).append("        ")));
+    for (std::size_t i = 0; i < member.arguments.size(); ++i) {
+        const Argument& argument = member.arguments[i];
+        const std::string text = TextOf(member, argument);
+        if (argument.output != outputs || text.empty() || IsInFormerEntry(member.arguments, i)) continue;
+        const std::string names = argument.text.empty() ? argument.name : SharedNames(member.arguments, argument);
+        lines.append(Wrapped(text, std::string(indent).append(names).append(": "), std::string(indent).append("    ")));
     }
     return lines;
 }
@@ -152,15 +187,28 @@ std::string Section(std::string_view title, const std::string& lines) {
     return text.append(kIndent).append(title).append(":\n").append(lines);
 }
 
+// Outputs without a text of their own are listed by name, so that the fields of the result can be read here.
+std::string OutputNames(const Member& method) {
+    std::string names;
+    for (const Argument& argument : method.arguments)
+        if (argument.output) names.append(names.empty() ? "" : ", ").append(argument.name);
+    return names;
+}
+
 std::string ReturnsText(const Member& method) {
     const std::string indent = std::string(kIndent).append("    ");
-    if (method.name == "GetCutMasks") return Wrapped("a list of kv.CutMask", indent, indent);
+    if (method.name == "GetCutMasks") return Wrapped("a list of kv.CutMask, copies", indent, indent);
     if (method.name == "CaptureScreenShot")
         return Wrapped("uint8 array, 2048 x 2048 x 4: r, g, b, a, top row first. All zero without OpenGL", indent,
                        indent);
+    const std::string outputs = OutputNames(method);
+    if (outputs.empty()) return method.returns.empty() ? "" : Wrapped(InPython(method.returns), indent, indent);
     std::string lines;
-    if (!method.returns.empty()) lines = Wrapped(InPython(method.returns), indent, indent);
-    return lines.append(ArgumentTexts(method, true));
+    if (method.type != "void")
+        lines = Wrapped(method.returns.empty() ? PythonType(method.type) : InPython(method.returns),
+                        std::string(indent).append("result: "), std::string(indent).append("    "));
+    const std::string texts = ArgumentTexts(method, true, indent);
+    return lines.append(texts.empty() ? Wrapped(outputs, indent, indent) : texts);
 }
 
 }  // namespace
@@ -195,7 +243,7 @@ bool IsLength(const Member& method, std::string_view name) {
 
 std::string MethodDocString(const Member& method) {
     std::string text = Paragraphs(InPython(method.text), kIndent);
-    text.append(Section("Arguments", ArgumentTexts(method, false)));
+    text.append(Section("Arguments", ArgumentTexts(method, false, std::string(kIndent).append("    "))));
     text.append(Section("Returns", ReturnsText(method)));
     if (!method.throws.empty()) {
         const std::string indent = std::string(kIndent).append("    ");
@@ -232,9 +280,7 @@ std::string ModeDocString(const ModeList& mode) {
 
 std::string EventDocString(const Member& event) {
     std::string text = Paragraphs(InPython(event.text), "");
-    std::string lines;
-    for (const Argument& argument : event.arguments)
-        if (!argument.text.empty()) lines.append(Wrapped(InPython(argument.text), argument.name + ": ", "    "));
+    const std::string lines = ArgumentTexts(event, false, "");
     if (!lines.empty()) text.append("\n").append(lines);
     text = Quoted(std::move(text), "");
     text.pop_back();

@@ -13,8 +13,7 @@ from __future__ import annotations
 
 import enum
 
-from . import _checks
-from ._checks import Needles, ParallelEntry
+from . import _checks  # noqa: F401  (completes the methods)
 from ._debug import on_debug_output
 from ._errors import Error, ImportFailed
 from ._events import Connection, EventIterator

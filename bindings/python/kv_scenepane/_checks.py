@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import ctypes
-from typing import Any, NamedTuple
+from typing import Any
 
 import numpy as np
 
@@ -14,21 +14,6 @@ from ._records import read_cut_mask
 _METHODS = {method.name: method for method in _surface.METHODS}
 _UINT32 = np.dtype(np.uint32)
 _SIDE = 2048  # of CaptureScreenShot()
-
-
-class ParallelEntry(NamedTuple):
-    """What BeginParallelImport returns: the first argument and the address of the entry for threads."""
-
-    p_this: int
-    p_fn: int
-
-
-class Needles(NamedTuple):
-    """What GetNeedles returns: int32 n; float32 n x 3 and n x 3."""
-
-    id: np.ndarray
-    pinPosXYZ: np.ndarray
-    headPosXYZ: np.ndarray
 
 
 def _object_index(name: str):
@@ -76,11 +61,18 @@ def _triangle_indices(arrays: dict[str, np.ndarray]) -> None:
         raise IndexError(f"ImportMeshFromMemory(): triangles hold the index {bad}, but there are {count} vertices")
 
 
-def _negative_count(method: Any, argument: str):
+def _points_count(method: Any, argument: str):
+    names = [record[0] for record in method.inputs]
+    number_at = names.index(argument)
+    arrays_at = [place for place, record in enumerate(method.inputs) if record[1] == "p"]
+
     def check(_pane: Any, *values: Any) -> None:
-        number = values[[record[0] for record in method.inputs].index(argument)]
+        number = values[number_at]
         if number < 0:
             raise ValueError(f"{method.name}(): {argument} is {number}")
+        for place in arrays_at:
+            if number and not values[place]:
+                raise ValueError(f"{method.name}(): {names[place]} is None, but {argument} is {number}")
 
     return check
 
@@ -91,11 +83,11 @@ def _end_parallel_import(pane: Any) -> None:
     pane._end_staging()
 
 
-def _get_needles(pane: Any, method: Any) -> Needles:
+def _get_needles(pane: Any, method: Any) -> tuple:
     count = pane.GetNumberOfNeedles()
-    needles = Needles(np.zeros(count, np.int32), np.zeros((count, 3), np.float32), np.zeros((count, 3), np.float32))
-    pane._invoke(method, method.pack(*(word for array in needles for word in (6, address(array)))))
-    return needles
+    arrays = np.zeros(count, np.int32), np.zeros((count, 3), np.float32), np.zeros((count, 3), np.float32)
+    pane._invoke(method, method.pack(*(word for array in arrays for word in (6, address(array)))))
+    return method.tuple(*arrays)
 
 
 def _capture_screen_shot(pane: Any, method: Any) -> np.ndarray:
@@ -104,12 +96,12 @@ def _capture_screen_shot(pane: Any, method: Any) -> np.ndarray:
     return rgba(words)
 
 
-def _begin_parallel_import(pane: Any, method: Any) -> ParallelEntry:
+def _begin_parallel_import(pane: Any, method: Any) -> tuple:
     slots = (ctypes.c_size_t * 2)()
     start = ctypes.addressof(slots)
     pane._begin_staging()
     pane._invoke(method, method.pack(6, start, 6, start + ctypes.sizeof(ctypes.c_size_t)))
-    return ParallelEntry(*slots)
+    return method.tuple(*slots)
 
 
 def _get_cut_masks(pane: Any, method: Any) -> list:
@@ -132,7 +124,7 @@ def _install() -> None:
     for name in ("SetConfidenceFilter", "SetScanSkipVal", "SetAllowEmptyObjects"):
         _METHODS[name].check = _import_setting(name)
     for name, argument in (("CreateLine3D", "numberOfXYZs"), ("ImportPoints", "numPoints")):
-        _METHODS[name].check = _negative_count(_METHODS[name], argument)
+        _METHODS[name].check = _points_count(_METHODS[name], argument)
     _METHODS["SetOverlayVisibility"].check = _overlay_index
     _METHODS["ImportMeasurementFromMemory"].check = _grid_size
     _METHODS["EndParallelImport"].check = _end_parallel_import

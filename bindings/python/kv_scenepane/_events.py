@@ -22,6 +22,7 @@ def _reader(event: EventType) -> Callable[[bytes], tuple]:
 
 
 _BY_ID = {event.id: (event, _reader(event)) for event in EVENTS}
+_CUT_MASK_APPLIED = 12
 _BY_NAME = {event.name: event for event in EVENTS}
 
 # The panes that can get events, by the number that the library passes to the callbacks. Weak, so that an open pane
@@ -118,6 +119,8 @@ class Receivers:
     def __init__(self) -> None:
         self._connections: dict[int, list[Connection]] = {}
         self._iterators: weakref.WeakSet[EventIterator] = weakref.WeakSet()
+        # Addresses of the masks whose CutMaskApplied is handled now.
+        self.masks: list[int] = []
 
     def connections(self, event: EventType) -> list[Connection]:
         return self._connections.get(event.id, [])
@@ -139,6 +142,15 @@ class Receivers:
 
     def send(self, event: EventType, values: tuple) -> None:
         """Passes an event on, in the order of the connections. The first exception ends it."""
+        if event.id != _CUT_MASK_APPLIED:
+            return self._send(event, values)
+        self.masks.append(values[0])
+        try:
+            return self._send(event, values)
+        finally:
+            self.masks.pop()
+
+    def _send(self, event: EventType, values: tuple) -> None:
         for iterator in tuple(self._iterators):
             iterator.put(Event(event, values))
         connections = self.connections(event)

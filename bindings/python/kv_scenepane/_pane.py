@@ -14,7 +14,7 @@ from ._events import Connection, EventIterator
 from ._library import last_error, library
 from ._picture import png, rgba
 from ._records import (
-    Alignment, AlignmentPair, ClipHeight, CutOutcome, CutSaveEntry, SurfacePoint,
+    Alignment, AlignmentPair, ClipHeight, CutMask, CutOutcome, CutSaveEntry, SurfacePoint, read_cut_mask,
 )
 from ._surface import METHODS, Surface
 from ._values import check_int
@@ -319,6 +319,17 @@ class ScenePane(Surface):
         status = library.kv_cut_with_lasso(self._live(), number, address(corners), len(corners), ctypes.byref(changed))
         self._check(status, "cut")
         return changed.value != 0
+
+    def cut_mask(self, address: int) -> CutMask:
+        """A copy of a mask: the one of the CutMaskApplied that is handled now, or one of GetCutMasks()."""
+        number = check_int("cut_mask", "address", address, "l")
+        self._live()
+        if number not in self._receivers.masks:
+            for mask in self.GetCutMasks():
+                if mask.address == number:
+                    return mask
+            raise ValueError(f"cut_mask(): no cut mask is at {number:#x}")
+        return read_cut_mask(number)
 
     @property
     def undo_steps(self) -> int:

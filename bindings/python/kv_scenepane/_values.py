@@ -23,8 +23,8 @@ REQUIRED: Any = _Required()
 # Format of a kv_value in struct, with its type first, by the letter of an argument.
 FORMATS = {"s": "i4xh6x", "b": "i4xh6x", "i": "i4xi4x", "f": "i4xf4x", "w": "i4xQ", "p": "i4xQ"}
 TAGS = {"v": 0, "s": 1, "b": 1, "i": 2, "f": 3, "w": 5, "p": 6}
-_RANGES = {"s": (-0x8000, 0x7FFF), "i": (-0x80000000, 0x7FFFFFFF)}
-_NAMES = {"s": "a short", "i": "a 32-bit integer"}
+_RANGES = {"s": (-0x8000, 0x7FFF), "i": (-0x80000000, 0x7FFFFFFF), "l": (-(1 << 63), (1 << 63) - 1)}
+_NAMES = {"s": "a short", "i": "a 32-bit integer", "l": "a 64-bit integer"}
 
 
 def flag(value: Any) -> Any:
