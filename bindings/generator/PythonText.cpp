@@ -50,6 +50,7 @@ constexpr Phrase kPhrases[] = {
     {"HasWindow()", "has_window"},
     {"ProcessEvents()", "process_events()"},
     {"showMessage", "on_message"},
+    {"showAbout of the window request", "on_about"},
     {" (Modes.h)", ""},
     {" (Cutting.h)", ""},
     {"mouse flags of Input.h", "what was held: kv.MOUSE_LEFT and so on"},

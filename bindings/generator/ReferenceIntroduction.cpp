@@ -75,14 +75,9 @@ C++ and C do not find: the process can crash. Python checks types, sizes and ind
 )";
 
 const std::string_view kReferenceBeforeEvents = R"(
-A colour is 0x00BBGGRR: red is in the lowest byte, so that 0x0000FF is red and 0xFF0000 is blue.
+More about the three strengths of repainting is in [hosting.md](hosting.md#three-strengths-of-repainting).
 
-Texts name one of three strengths of repainting. A method that *refreshes* draws a frame before it returns. One that
-*invalidates* queues a repaint for the next time that events are processed, so that many calls cost one frame.
-*Invalidates with erase* is the same with a mark on the request. [hosting.md](hosting.md#three-strengths-of-repainting)
-has the details.
-
-All calls are made on the thread that created the viewer. In Python a call on another one raises `RuntimeError`.
+All calls are made on the thread that created the viewer. In Python a call on another thread raises `RuntimeError`.
 
 Of the events:
 )";
@@ -91,6 +86,23 @@ const std::string_view kReferenceEnd = R"(
 In C and Python a handler may do the same. A handler in C that returns another value than 0 ends the call that caused
 the event with `KV_HANDLER_FAILED`; an exception of a handler in Python reaches the caller of the method. The viewer
 goes on working in both cases.
+
+The texts are those of the headers of C++. What they name outside of the table has these names in C and Python:
+
+| In the texts | C | Python |
+|---|---|---|
+| `ProcessEvents()` | `kv_process_events()` | `pane.process_events()` |
+| `HasWindow()` | `kv_has_window()` | `pane.has_window` |
+| `ScenePane::Connect()` | `kv_connect()` | `pane.on()`, `pane.events()` |
+| `ScenePane::GetCutSaveResults()` | `kv_cut_save_entries()` | `pane.cut_save_entries()` |
+| `showMessage`, `showAbout` | `show_message`, `show_about` of `kv_window_request` | `on_message`, `on_about` of the functions that create a pane |
+| the debugger output | `kv_set_debug_output()` | `kv.on_debug_output()` |
+| a mesh of the host | `kv_mesh_create()` | `kv.Mesh` |
+| `ACAD::CutMask` | `kv_cut_mask_read()` | `kv.CutMask` |
+| mouse flags, `KeyInput` (Input.h) | `kv_send_mouse()`, `kv_send_key()` | `pane.send_mouse()`, `pane.send_key()` |
+| `DrawModePoints` and the other values of modes | `KV_DrawModePoints` | `kv.DrawMode.DrawModePoints` |
+| null | `NULL` | `None` |
+| `std::exception` and other exceptions | `KV_FAILED` | `kv.Error` |
 )";
 
 }  // namespace bindings

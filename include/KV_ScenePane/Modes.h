@@ -5,7 +5,7 @@
 
 namespace KV_ScenePane {
 
-/// How objects are drawn: SetDrawMode(). A viewer starts with DrawModeGouraud.
+/// How objects are drawn: the property DrawMode. A viewer starts with DrawModeGouraud.
 enum DrawMode : std::int16_t {
     /// One point per vertex.
     DrawModePoints = 0,
@@ -54,11 +54,11 @@ enum RotationMode : std::int16_t {
 
 /// What a double click does: SetPickMode(). A viewer starts with PickModeOff. In the modes that fire SelectObjCoords a
 /// single left click does the same after SetIGDRotation(1). With FlipMouseButtons() a double click does nothing of
-/// this, and after SetNeedlePickingMode(kVariantTrue) it neither centres the view nor places the plane.
+/// this, and while SetNeedlePickingMode() is on it neither centres the view nor places the plane.
 enum PickMode : std::int16_t {
     /// It centres the view; with Ctrl, while the clip plane is shown, it places the plane at the data instead.
     PickModeOff = 0,
-    /// The same, and the centre cross is drawn.
+    /// As PickModeOff, and the centre cross is drawn.
     PickModeCross = 1,
     /// On an object it fires SelectObjCoords; beside the objects it does as PickModeOff.
     PickModeObjects = 2,

@@ -8,27 +8,32 @@
 namespace KV_ScenePane {
 
 /// The automation surface of a viewer: 4 properties and 120 methods.
-/// Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are in the
-/// world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only and stay the
-/// caller's; output pointers must not be null and must have room for what is written.
-/// Unless a method says otherwise it reports no error, asks for no repaint and throws nothing but std::bad_alloc.
+///
+/// Colours are 0x00BBGGRR: red is in the lowest byte. An object index is a position in the object list, from 0; a bad
+/// index is one outside the list. Points and directions are in the world frame, lengths in scene units, angles in
+/// degrees. Input arrays are read during the call only and stay the caller's; output pointers must not be null and must
+/// have room for what is written.
+///
+/// A method that refreshes draws a frame before it returns; one that invalidates queues a repaint, and to invalidate
+/// with erase marks that repaint as erasing. Unless a method says otherwise it asks for no repaint, reports no error
+/// and throws nothing but std::bad_alloc.
 class _DKV_ScenePane {
 public:
     // ---- properties
-    /// Persisted with the control's properties and reported; has no effect on the picture.
+    /// Persisted and returned, false at first; has no effect on the picture.
     virtual VARIANT_BOOL GetDrawMosaic() = 0;
     /// A change invalidates with erase and marks the control as modified.
     virtual void SetDrawMosaic(VARIANT_BOOL value) = 0;
     /// How objects are drawn, a DrawMode (Modes.h). Persisted; DrawModeGouraud at first.
     virtual std::int16_t GetDrawMode() = 0;
-    /// Another value is stored and draws no objects. A change invalidates with erase and marks the control as modified.
+    /// With a value that is no DrawMode no objects are drawn. A change invalidates with erase and marks the control as
+    /// modified.
     virtual void SetDrawMode(std::int16_t value) = 0;
     /// Whether draw mode 0 shows a tenth of the points while a drag moves the view. Persisted; false at first.
     virtual VARIANT_BOOL GetMoveReduced() = 0;
     /// A change invalidates with erase and marks the control as modified.
     virtual void SetMoveReduced(VARIANT_BOOL value) = 0;
-    /// 4 (complete) while the viewer has its window, or of a NoPicture viewer what replaces it; 0 (uninitialised) before
-    /// and after. The same as ScenePane::HasWindow(); ReadyStateChange follows a change.
+    /// 4 (complete) while HasWindow() is true, else 0 (uninitialised). After a change ReadyStateChange is fired.
     virtual std::int32_t GetReadyState() = 0;
 
     // ---- methods, in the order of their ids
@@ -42,10 +47,11 @@ public:
     virtual void ClearData() = 0;
     /// Drops all undo steps; the objects of the scene stay. Asks for no repaint.
     virtual void ClearUndoStack() = 0;
-    /// Tint of the objects under a freehand lasso, from the next session on. With opacity 0 the colour 255 is refused,
-    /// and for what is removed the opaque 0xFFFF00 of the line: the first click of a session then shows a message, and
-    /// the session has no lasso.
-    /// @param inside, outside  0x00BBGGRR; inside for what the cut removes
+    /// Tint of the objects under a freehand lasso, from the next session on; half-transparent red inside and none
+    /// outside at first. Two tints are refused: colour 255 with opacity 0, and inside the tint of the line, 0xFFFF00
+    /// with opacity 1. The first click of a session then shows a message, and the session has no lasso.
+    /// @param inside                         of what the cut removes, 0x00BBGGRR
+    /// @param outside                        of the rest, 0x00BBGGRR
     /// @param insideOpacity, outsideOpacity  0 invisible to 1 opaque
     virtual void SetLassoCuttingColors(std::int32_t inside, float insideOpacity, std::int32_t outside,
                                        float outsideOpacity) = 0;
@@ -55,8 +61,8 @@ public:
     /// Finds the pick-point sphere whose centre is nearest to a point of the window, in whole pixels: depth and radius
     /// do not count, nor whether it is drawn. Of several at the same distance it is the one with the lowest id.
     /// @param sx, sy  pixels of the drawing area, y downward
-    /// @return its id; -1 without OpenGL, and when no sphere has a pixel whose squared distance is below 2147483647:
-    ///         one that is not finite or outside 32 bits is no pixel
+    /// @return its id; -1 without OpenGL and when no sphere counts: one does not whose pixel is not finite, outside 32
+    ///         bits, or at a squared distance of 2147483647 or more
     virtual std::int32_t FindNearestPickPointSphere(std::int32_t sx, std::int32_t sy) = 0;
     /// Removes a sphere; the ids after it move down by one. Fires PickPointCountChanged, then refreshes. The id must be
     /// valid: it is not checked.
@@ -79,7 +85,7 @@ public:
     virtual void SelectNeedle(std::int32_t id) = 0;
     /// Makes the window again with another OpenGL context. Objects, undo steps and lines are lost; overlays, needles
     /// and pick-point spheres stay. Free point sets keep id and box but are never drawn again. What showMessage throws
-    /// for a refused context passes through to the caller; there is no window then, as after any refusal.
+    /// for a refused context reaches the caller; there is no window then, as after any refusal.
     /// @param majorVersion, minorVersion  requested version, compatibility profile
     /// @param numberOfSamples  samples per pixel, exactly; 0 for none
     /// @return always true: a failure is reported by the message and the log, and HasWindow() is then false
@@ -96,10 +102,10 @@ public:
     /// Colour of the centre cross, 0x00BBGGRR.
     virtual std::int32_t GetCrossColor() = 0;
     /// The surface point on the axis through the middle of the window, found by its vertices, and the unit direction to
-    /// the viewer; world frame.
+    /// the viewer; both in the world frame.
     /// @return false when no vertex faces the viewer: the outputs are then untouched
     virtual VARIANT_BOOL GetViewDirection(float* px, float* py, float* pz, float* vx, float* vy, float* vz) = 0;
-    /// Length of the object list.
+    /// Number of objects, which is the length of the object list.
     virtual std::int16_t GetNumObjects() = 0;
     /// Colour of an object, 0x00BBGGRR, each channel rounded down; -1 for a bad index.
     virtual std::int32_t GetObjectColor(std::int16_t idx) = 0;
@@ -126,9 +132,10 @@ public:
     /// the cut did not replace stay as they are.
     /// @return number of undo steps that are left; also 0 when there was none
     virtual std::int32_t PerformUndo() = 0;
-    /// Reads a mesh file, chosen by its extension: ply, stl, ois, msh or hps; adds one object. On the calling thread.
-    /// What is refused adds nothing, and one line of the debugger output has its path and the reason; a ply file throws
-    /// the reason as well. Textures and hps files need InitializeKVReg() before.
+    /// Reads a mesh file, chosen by its extension: ply, stl, ois, msh or hps; adds one object. Reads on the calling
+    /// thread. What is refused adds nothing, and one line of the debugger output has its path and the reason; a ply
+    /// file throws the reason as well. Textures and hps files need InitializeKVReg() before.
+    ///
     /// Of all imports: coordinates that are infinite or NaN count in no bounding box and no fit of the view; the object
     /// is added, and the line "FILE: N coordinates are not finite" says how many there were, of measurements in the
     /// pixels that are not masked.
@@ -179,11 +186,11 @@ public:
     virtual void SetArrowAngle(std::int16_t angle) = 0;
     /// Fits the view to the visible objects without turning it; invalidates.
     virtual void CenterView() = 0;
-    /// Thinning of later imports: cells of N x N pixels are averaged to one point. 1 keeps all pixels; imports with a
-    /// value below 1 add nothing.
+    /// Thinning of later imports of measurements: cells of N x N pixels are averaged to one point. 1 keeps all pixels;
+    /// imports with a value below 1 add nothing.
     virtual void SetScanSkipVal(std::int16_t skipVal) = 0;
-    /// The transform that is baked into the vertices of an object: 4 x 4, sensor to world, row by row, last row 0 0 0
-    /// 1.
+    /// The transform that is baked into the vertices of an object: 4 x 4, sensor to world, row by row; the last row
+    /// is 0 0 0 1.
     /// @return 0, or -1 for a bad index: the outputs are then untouched
     virtual std::int16_t GetTrafoOfScan(std::int16_t idx, float* v0, float* v1, float* v2, float* v3, float* v4,
                                         float* v5, float* v6, float* v7, float* v8, float* v9, float* v10, float* v11,
@@ -193,7 +200,7 @@ public:
     /// 1 shows the axes, any other value hides them; refreshes. While they show, each frame sets view mode 4: a double
     /// click that centres the view then returns to the view from +Z.
     virtual void ShowAxes(std::int16_t show) = 0;
-    /// Later imports skip pixels of a lower confidence.
+    /// Later imports of measurements skip pixels of a lower confidence; 0 at first.
     virtual void SetConfidenceFilter(float confFilter) = 0;
     /// Ends a running alignment; AlignmentDone is fired. Nothing happens without one.
     virtual void FinishInteraction() = 0;
@@ -205,8 +212,8 @@ public:
     /// CreateNeedle() for each entry, in their order. When an id exists, or there are more entries than
     /// SetMaxNumberOfNeedles() allows in all, no needle is created. Entries beyond the limit, and the
     /// later ones of an id that the array holds twice, are skipped.
-    /// @param number  of entries, not negative
-    /// @param id      one word per needle
+    /// @param number  number of needles, not negative
+    /// @param id      one id per needle
     /// @param pinPosXYZ, headPosXYZ  3 floats per needle, as in CreateNeedle(); read during the call only
     /// @return false when nothing was tried; true also when entries were skipped
     virtual VARIANT_BOOL CreateNeedles(std::int32_t number, const std::int32_t* id, const float* pinPosXYZ,
@@ -241,16 +248,16 @@ public:
     /// ScenePane::GetCutSaveResults() lists those, with lines in the debugger output.
     /// @return 1 when there was at least one file to write, else 0. A file that could not be read or written counts
     /// @throws std::bad_alloc when memory is short between the read and the write of a file and no object before was
-    ///         written; that object keeps its cuts, and all other files are written. In a read or a write the file
-    ///         fails
+    ///         written; that object keeps its cuts, and all other files are written. When memory is short during a
+    ///         read or a write, only that file fails
     virtual VARIANT_BOOL SaveCuttingToPcms() = 0;
-    /// Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons pressed together and a click
-    /// without movement differ from a drag. Right rotates, right with left or Shift pans, left picks, middle
-    /// centres the view (with Ctrl, while the clip plane is shown, it places the plane at the data), the wheel is
-    /// reversed. 0: the direct scheme; a press that waits is dropped.
+    /// Selects what the mouse does. Not 0: the delayed scheme. A press waits a tenth of a second, so that two buttons
+    /// pressed together and a click without movement differ from a drag. Right rotates, right with left or Shift pans,
+    /// left picks, middle centres the view (with Ctrl, while the clip plane is shown, it places the plane at the data),
+    /// the wheel is reversed. 0: the direct scheme; a press that waits is dropped.
     virtual void SetIGDRotation(std::int16_t on) = 0;
     /// Specular reflection of all objects; refreshes.
-    /// @param brightness  specular colour and alpha
+    /// @param brightness  grey level of the reflection, 0 none to 1 full
     /// @param shining     1 for a wide highlight to 0 for the narrowest
     virtual void SetReflection(float brightness, float shining) = 0;
     /// Replaces the transform that is baked into the vertices of an object; refreshes. 4 x 4, sensor to world, row by
@@ -294,7 +301,7 @@ public:
     /// Starts an import on threads of the host.
     /// @param p_this  receives the first argument of the entry
     /// @param p_fn    receives the entry that worker threads call; see ImportMeasurementEntry
-    /// Settings of imports must not change until EndParallelImport().
+    /// Until EndParallelImport() no setting of imports may change.
     virtual void BeginParallelImport(void** p_this, ImportMeasurementEntry* p_fn) = 0;
     /// Ends a parallel import: the finished objects join the list in the order of their indices. All worker threads
     /// must have returned. Asks for no repaint.
@@ -341,8 +348,9 @@ public:
     /// Colour of the shadows, each channel 0 to 1. Asks for no repaint.
     virtual void SetShadowColor(float red, float green, float blue) = 0;
     /// Adds a copy of a mesh of the host as an object; its normals are kept.
+    /// @param mesh      vertices and triangles
     /// @param filename  name of the object; may be null
-    /// @param color     0x00BBGGRR, for a mesh without colours
+    /// @param color     0x00BBGGRR, for a mesh without colours of its own
     virtual void ImportMeshedMeasurement(const MeshBuffers* mesh, BSTR filename, std::int32_t color) = 0;
     /// Turns the scene once about the world's Z axis. The scene turns in the frames that are drawn, and no frame is
     /// requested: the host refreshes while IsAnimationRunning(). A press or a key stops it. While an animation runs
@@ -388,8 +396,8 @@ public:
     /// scene box, at a height estimated from the vertices, for which the registry must be started (InitializeKVReg()).
     /// A plane that was set before is thereby lost: call SetClipPlane() afterwards. When the byte is 0, the plane clips
     /// where it is and is hidden.
-    /// @throws std::runtime_error when the component library has no object for the estimate, or with the text of the
-    ///         status that one returned: clipping is then on with the plane as it was, and no repaint is asked for
+    /// @throws std::runtime_error when the component library cannot create a part of the estimate, or with the text of
+    ///         the status that one returned: clipping is then on with the plane as it was, and no repaint is asked for
     virtual void SetClipPlaneEnabled(std::int32_t displayClipPlane) = 0;
     /// Ends clipping and hides the plane; invalidates with erase.
     virtual void SetClipPlaneDisabled() = 0;
@@ -403,12 +411,14 @@ public:
     /// Centre and unit normal of the clip plane, world frame, as the last method, placement, key or drag left it.
     virtual void GetClipPlane(float* centerX, float* centerY, float* centerZ, float* normalX, float* normalY,
                               float* normalZ) = 0;
-    /// Whether mouse and keys act on needles. A double click on the surface creates one, which points to the viewer
-    /// (with no vertex that faces the viewer on the view axis: along (1, 1, 1)), with the smallest id that is free
-    /// above the lowest one in use; it selects it and centres no view; a left press on a head selects it, one elsewhere
-    /// deselects all; a move with the left button held drags the head of the selected needle parallel to the screen,
-    /// and no event is fired; Escape deselects all, Delete deletes the selected one. False at first. Switching it off
-    /// deselects all needles and invalidates with erase.
+    /// Whether mouse and keys act on needles; false at first. Switching it off deselects all needles and invalidates
+    /// with erase.
+    ///
+    /// A double click on the surface creates a needle and selects it; it does not centre the view. The needle points to
+    /// the viewer, or along (1, 1, 1) when no vertex on the view axis faces the viewer, and has the smallest id that is
+    /// free above the lowest one in use. A left press on a head selects its needle, one elsewhere deselects all. A move
+    /// with the left button held drags the head of the selected needle parallel to the screen and fires no event.
+    /// Escape deselects all, Delete deletes the selected one.
     virtual void SetNeedlePickingMode(VARIANT_BOOL enable) = 0;
     /// Whether needles are drawn, in frames and in CaptureScreenShot(); false at first. The mouse acts on needles that
     /// are not drawn as well. Asks for no repaint.
@@ -441,7 +451,7 @@ public:
     /// @param id                     receives one id per needle, GetNumberOfNeedles() in all
     /// @param pinPosXYZ, headPosXYZ  receive 3 floats per needle each, world frame
     virtual void GetNeedles(std::int32_t* id, float* pinPosXYZ, float* headPosXYZ) = 0;
-    /// Adds a measured grid of the host as an object; invalidates with erase.
+    /// Adds a measured grid from arrays of the host as an object; invalidates with erase.
     /// @param width, height  1 to 32767 each
     /// @param points         3 floats per pixel, row by row, sensor frame, scene units: nothing is scaled
     /// @param confidence     one float per pixel
@@ -449,15 +459,15 @@ public:
     /// @param color          0x00BBGGRR
     virtual void ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
                                              const float* confidence, const float* trafo, std::int32_t color) = 0;
-    /// Adds arrays of the host as an object with computed normals.
+    /// Adds a mesh from arrays of the host as an object; its normals are computed.
     /// @param vertices   3 floats per vertex, world frame
     /// @param triangles  3 indices per triangle; not checked
     virtual void ImportMeshFromMemory(std::int32_t numberOfVertices, std::int32_t numberOfTriangles,
                                       const float* vertices, const std::int32_t* triangles) = 0;
     /// The distinct cut masks of all objects of the scene, ascending by address.
-    /// @param count        with null cutMaskPtrs receives their number; else the number to copy
-    /// @param cutMaskPtrs  array of at least that many pointers, or null. A mask lives while an object of the scene or
-    ///                     of an undo step has it
+    /// @param count        when cutMaskPtrs is null, receives their number; else it is the number to copy
+    /// @param cutMaskPtrs  an array that receives so many addresses of ACAD::CutMask (CutMask.h), or null. A mask lives
+    ///                     while an object of the scene or of an undo step has it
     /// @return false, with nothing written, when more are requested than exist, a negative number, or with null count
     virtual VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) = 0;
     /// Removes the cut masks of all objects of the scene, which keep their shape: SaveCuttingToPcms() does not write
@@ -469,8 +479,9 @@ public:
     virtual void FinalizeKVReg() = 0;
     /// Name and version of the host program, written into hps files.
     virtual void SetHpsSourceApp(BSTR appName, BSTR appVersion) = 0;
-    /// Shows the about dialog by WindowRequest::showAbout and returns when it is closed. Without that hook its line of
-    /// text goes to the debugger output, and the method returns at once. Throws what the hook throws.
+    /// Shows the about dialog by showAbout of the window request and returns when it is closed. Without that hook its
+    /// line of text goes to the debugger output, and the method returns at once.
+    /// @throws what the hook throws
     virtual void AboutBox() = 0;
 
 protected:

@@ -154,7 +154,7 @@
 
 /* ---- values of modes */
 
-/* How objects are drawn: SetDrawMode(). A viewer starts with DrawModeGouraud. */
+/* How objects are drawn: the property DrawMode. A viewer starts with DrawModeGouraud. */
 #define KV_DrawModePoints 0 /* One point per vertex. */
 #define KV_DrawModeWireframe 1 /* The edges of the triangles. */
 #define KV_DrawModeFlat 2 /* Lit, one normal per triangle. */
@@ -183,10 +183,10 @@
 
 /* What a double click does: SetPickMode(). A viewer starts with PickModeOff. In the modes that fire SelectObjCoords
    a single left click does the same after SetIGDRotation(1). With FlipMouseButtons() a double click does nothing of
-   this, and after SetNeedlePickingMode(kVariantTrue) it neither centres the view nor places the plane. */
+   this, and while SetNeedlePickingMode() is on it neither centres the view nor places the plane. */
 /* It centres the view; with Ctrl, while the clip plane is shown, it places the plane at the data instead. */
 #define KV_PickModeOff 0
-#define KV_PickModeCross 1 /* The same, and the centre cross is drawn. */
+#define KV_PickModeCross 1 /* As PickModeOff, and the centre cross is drawn. */
 #define KV_PickModeObjects 2 /* On an object it fires SelectObjCoords; beside the objects it does as PickModeOff. */
 #define KV_PickModeObjectsSecond 3 /* As PickModeObjects. */
 #define KV_PickModeOffSecond 4 /* As PickModeOff. */
