@@ -26,12 +26,12 @@ constexpr struct {
     const char* tip;
 } kTips[] = {
     {"DrawMode", QT_TRANSLATE_NOOP("PropertyDialog",
-                                   "How objects are drawn. Nothing is chosen while the window has one of the render "
-                                   "modes that only the View menu offers.")},
+                                   "How objects are drawn.\nNothing is chosen while the window has a render mode "
+                                   "that only the View menu offers.")},
     {"DrawMosaic",
      QT_TRANSLATE_NOOP("PropertyDialog", "Kept and reported to programs only: it changes nothing in the picture.")},
     {"MoveReduced", QT_TRANSLATE_NOOP("PropertyDialog",
-                                      "While a drag moves the view, each object is drawn as a tenth of its points. "
+                                      "While a drag moves the view, objects are drawn as a tenth of their points.\n"
                                       "Bounding boxes stay.")},
 };
 

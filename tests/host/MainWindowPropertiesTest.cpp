@@ -303,6 +303,19 @@ TEST_F(MainWindowProperties, GiveWayToTheModeOfTheCommandLineForOneWindow) {
     EXPECT_EQ(StoredProperties(), StoreWith("1.0", 1, false));
 }
 
+TEST_F(MainWindowProperties, AreNotStoredForAModeOfTheCommandLine) {
+    HostOptions options;
+    options.drawMode = KV_ScenePane::DrawModePoints;
+    Show(options);
+    m_window.reset();
+    EXPECT_EQ(StoredProperties(), std::nullopt);
+    StoreProperties("damaged");
+    Show(options);
+    EXPECT_EQ(Methods().GetDrawMode(), KV_ScenePane::DrawModePoints);
+    m_window.reset();
+    EXPECT_EQ(StoredProperties(), "damaged");
+}
+
 TEST_F(MainWindowProperties, HaveTheModeOfTheCommandLineOnceTheUserChoosesIt) {
     HostOptions options;
     options.drawMode = KV_ScenePane::DrawModePoints;
@@ -413,6 +426,14 @@ TEST_F(MainWindowProperties, TheViewerCanBeLostBehindTheAboutBox) {
     Trigger("About KV_ScenePane");
     EXPECT_TRUE(answer.WasShown());
     EXPECT_NE(Messages().find("There is no viewer: The viewer has lost its window."), std::string::npos) << Messages();
+}
+
+TEST_F(MainWindowProperties, TheWindowCanBeDestroyedBehindTheAboutBox) {
+    Show();
+    const DialogAnswer<QMessageBox> answer([&](QMessageBox&) { m_window.reset(); });
+    Trigger("About KV_ScenePane");
+    EXPECT_TRUE(answer.WasShown());
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 TEST_F(MainWindowProperties, TheLossOfTheViewerIsInTheListOfEvents) {

@@ -81,7 +81,7 @@ TEST_F(PropertyDialogTest, HasThePageWithItsLabelsKindsAndItems) {
 TEST_F(PropertyDialogTest, SaysWhatThePropertiesDo) {
     EXPECT_TRUE(Mode().toolTip().contains("How objects are drawn"));
     EXPECT_TRUE(Mosaic().toolTip().contains("changes nothing in the picture"));
-    EXPECT_TRUE(Reduced().toolTip().contains("a tenth of its points"));
+    EXPECT_TRUE(Reduced().toolTip().contains("a tenth of their points"));
     for (const QWidget* const widget : {static_cast<QWidget*>(&Mode()), static_cast<QWidget*>(&Mosaic())}) {
         auto* const form = widget->parentWidget()->findChild<QFormLayout*>();
         EXPECT_EQ(form->labelForField(const_cast<QWidget*>(widget))->toolTip(), widget->toolTip());

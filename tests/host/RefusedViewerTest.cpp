@@ -3,10 +3,13 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <cstdlib>
 
 #include "MainWindow.h"
 #include "MessagePane.h"
+#include "PropertyDialog.h"
+#include "host/ModalDialogs.h"
 #include "host/ScanFiles.h"
 #include "host/WaitUntil.h"
 
@@ -49,6 +52,16 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesThatItCannotOpen) {
     window.MovePickPoint(0);
     window.CopyPickDistance();
     EXPECT_FALSE(window.IsImporting());
+    window.ShowDrawMode(KV_ScenePane::DrawModePoints);
+    window.ReduceWhileMoving(true);
+    window.ShowProperties();
+    EXPECT_EQ(window.findChild<PropertyDialog*>(), nullptr);
+    const DialogAnswer<QMessageBox> answer([](QMessageBox& box) {
+        EXPECT_EQ(box.windowTitle(), "About KV_ScenePane Control");
+        box.accept();
+    });
+    window.ShowAbout();
+    EXPECT_TRUE(answer.WasShown());
 }
 
 }  // namespace
