@@ -137,8 +137,10 @@ private:
         Heading("### ", property.name);
         m_text.append("\n").append(Code(property.type + " " + property.name)).append(", id ");
         m_text.append(std::to_string(property.id)).append(property.writable ? ", read and write\n" : ", read only\n");
-        Paragraph(property.text, property.name);
-        if (property.writable) Paragraph(property.setterText, property.name);
+        // The name of a mode means its values, also in the text of the property.
+        const std::string self = IsMode(property.name) ? "" : property.name;
+        Paragraph(property.text, self);
+        if (property.writable) Paragraph(property.setterText, self);
     }
 
     void WriteMode(const ModeList& mode) {
