@@ -20,8 +20,8 @@ function(kv_find_python VARIABLE)
   set(${VARIABLE} "${found}" PARENT_SCOPE)
 endfunction()
 
-# kv_python_test(FILE [SANITIZED] [TIMEOUT seconds] [ENVIRONMENT name=value...] [ARGUMENTS...]): a file of unittest, as
-# one test python/NAME. Under the address sanitizer only those with SANITIZED are run: Python is slow there, and most
+# kv_python_test(FILE [SANITIZED] [TIMEOUT seconds] [ENVIRONMENT name=value...]): a file of unittest, test_NAME.py, as one
+# test python/NAME. Under the address sanitizer only those with SANITIZED are run: Python is slow there, and most
 # files would only run the same code of the library again.
 function(kv_python_test FILE)
   cmake_parse_arguments(TEST "SANITIZED" "TIMEOUT" "ENVIRONMENT" ${ARGN})
@@ -31,10 +31,12 @@ function(kv_python_test FILE)
   if(NOT TEST_TIMEOUT)
     set(TEST_TIMEOUT 300)
   endif()
+  cmake_path(ABSOLUTE_PATH FILE)
   cmake_path(GET FILE STEM name)
   string(REGEX REPLACE "^test_" "" name "${name}")
   set(environment "PYTHONPATH=${PROJECT_BINARY_DIR}/python" PYTHONDONTWRITEBYTECODE=1 PYTHONFAULTHANDLER=1
-                  "KV_BUILD_DIR=${PROJECT_BINARY_DIR}" "KV_SOURCE_DIR=${PROJECT_SOURCE_DIR}" ${TEST_ENVIRONMENT})
+                  "KV_BUILD_DIR=${PROJECT_BINARY_DIR}" "KV_SOURCE_DIR=${PROJECT_SOURCE_DIR}"
+                  "KV_SAMPLES_DIR=${KV_SAMPLES_DIR}" ${TEST_ENVIRONMENT})
   if(KV_SANITIZE)
     # In every allocation of Python the sanitizer sees its own blocks. What Python leaves behind at its end is no leak of
     # ours; the rest is as in cmake/UnderAddressSanitizer.cpp.

@@ -21,14 +21,20 @@ from . import ScenePane
 
 try:
     from PyQt6.QtCore import QEvent, QSize, QSocketNotifier, Qt, pyqtSignal as Signal
-    from PyQt6.QtGui import QGuiApplication, QKeyEvent, QPaintEngine, QResizeEvent
+    from PyQt6.QtGui import (
+        QGuiApplication, QKeyEvent, QPaintEngine, QPlatformSurfaceEvent, QResizeEvent, QWindow,
+    )
     from PyQt6.QtWidgets import QApplication, QMessageBox, QSizePolicy, QWidget
 except ImportError:
     from PySide6.QtCore import QEvent, QSize, QSocketNotifier, Qt, Signal
-    from PySide6.QtGui import QGuiApplication, QKeyEvent, QPaintEngine, QResizeEvent
+    from PySide6.QtGui import (
+        QGuiApplication, QKeyEvent, QPaintEngine, QPlatformSurfaceEvent, QResizeEvent, QWindow,
+    )
     from PySide6.QtWidgets import QApplication, QMessageBox, QSizePolicy, QWidget
 
 __all__ = ["ScenePaneWidget"]
+
+_ABOUT_TO_BE_DESTROYED = QPlatformSurfaceEvent.SurfaceEventType.SurfaceAboutToBeDestroyed
 
 # Codes of the viewer that differ from the number of the key in Qt. For digits and letters both are
 # the same.
@@ -74,7 +80,9 @@ def _reported() -> Iterator[None]:
     """Passes exceptions to sys.excepthook: PyQt6 ends the process for one that reaches Qt."""
     try:
         yield
-    except Exception:  # pylint: disable=broad-except
+    except SystemExit:
+        raise  # ends the process in the ordinary way
+    except BaseException:
         sys.excepthook(*sys.exc_info())
 
 
@@ -99,6 +107,7 @@ class ScenePaneWidget(QWidget):
 
     lost = Signal()
     _pane: Optional[ScenePane] = None  # events arrive before the constructor has come to it
+    _refuge: Optional[QWindow] = None
 
     def __init__(self, parent: Optional[QWidget] = None, *, samples: int = 4) -> None:
         """Creates the viewer at once.
@@ -178,16 +187,30 @@ class ScenePaneWidget(QWidget):
         _close(self._pane, self._notifier)
         self.lost.emit()
 
+    def _leave_window(self) -> None:
+        """Qt destroys the native window of a window that is closed, and all windows in it: the viewer
+        waits in another one until there is a next."""
+        if self._pane is None or self._pane.closed:
+            return
+        if self._refuge is None:
+            self._refuge = QWindow()
+            self._refuge.create()
+        self._move(int(self._refuge.winId()))
+
     def _follow_window(self) -> None:
         """Qt may have made another native window for the widget: the viewer moves into it."""
-        if self._pane is None or self._pane.closed or self.windowHandle() is None:
+        if self._pane is None or self._pane.closed:
             return
+        window = int(self.effectiveWinId() or 0)
+        if window != 0:
+            self._move(window)
+            self._follow_size()
+
+    def _move(self, window: int) -> None:
         try:
-            self._pane.reparent(int(self.winId()))
+            self._pane.reparent(window)
         except RuntimeError:
             self._end()
-            return
-        self._follow_size()
 
     def _follow_size(self) -> None:
         if self._pane is None or self._pane.closed:
@@ -217,7 +240,10 @@ class ScenePaneWidget(QWidget):
     # ---- what Qt calls
 
     def event(self, event: QEvent) -> bool:
-        if event.type() in (QEvent.Type.WinIdChange, QEvent.Type.ParentChange):
+        if event.type() == QEvent.Type.PlatformSurface:
+            if event.surfaceEventType() == _ABOUT_TO_BE_DESTROYED:
+                self._leave_window()
+        elif event.type() in (QEvent.Type.WinIdChange, QEvent.Type.ParentChange):
             self._follow_window()
         return super().event(event)
 
