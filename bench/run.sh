@@ -6,7 +6,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/setup.sh"
 
 folder="${1:-$KV_ROOT/build/bench}"
-benchmarks=(align_bench clip_height_bench cut_bench cut_session_bench geometry_objects_bench grid_triangulation_bench hps_bench import_bench mouse_bench pcm_bench pick_bench plane_bench point_files_bench ply_bench points_bench render_bench save_bench screenshot_bench stl_bench)
+benchmarks=(align_bench call_bench clip_height_bench cut_bench cut_session_bench geometry_objects_bench grid_triangulation_bench hps_bench import_bench mouse_bench pcm_bench pick_bench plane_bench point_files_bench ply_bench points_bench render_bench save_bench screenshot_bench stl_bench)
 install_missing "${KV_BUILD_PACKAGES[@]}" "${KV_TEST_PACKAGES[@]}"  # mouse_bench needs an X server
 configure_preset release
 build_preset release "${benchmarks[@]}" import_memory points_memory
