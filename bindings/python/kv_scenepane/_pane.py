@@ -188,7 +188,7 @@ class ScenePane(Surface):
 
     @property
     def has_window(self) -> bool:
-        """False once the window is gone, and for no_picture()."""
+        """False once the window is gone: the program destroyed it, or a new context was refused."""
         return library.kv_has_window(self._live()) != 0
 
     @property
