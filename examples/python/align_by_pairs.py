@@ -101,7 +101,7 @@ def main() -> None:
         places = [list(pane.GetTrafoOfScan(index))[1:] for index in range(len(files))]
 
     print("transform, moving to fixed")
-    for row in found.transform:
+    for row in found.transform + 0.0:  # 0 for -0
         print("  " + " ".join(f"{value:14.8f}" for value in row))
     for number, residual in enumerate(found.residuals, start=1):
         print(f"residual of pair {number:3}  {residual:.6f}")

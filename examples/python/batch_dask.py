@@ -13,8 +13,9 @@ from __future__ import annotations
 import contextlib
 import sys
 import tempfile
+from itertools import islice
 
-from distributed import Client, LocalCluster, as_completed
+from distributed import Client, Future, LocalCluster, as_completed
 
 import interrupts
 import scene
@@ -42,12 +43,21 @@ def run_on_cluster(task: Task, jobs: list[Job], workers: int, progress: Progress
         with interrupts.blocked():
             cluster = stack.enter_context(local_cluster(workers, folder))
         client = stack.enter_context(Client(cluster))
-        # Not pure: a job writes a picture, so two equal ones are two jobs. A job whose worker was
-        # lost is given to another worker; after the fourth loss its future has the reason instead.
-        futures = client.map(task, jobs, pure=False)
-        job_of = dict(zip(futures, jobs))
-        for future in as_completed(futures):
+        # One scan per worker at a time, so that a scan that ends its worker takes no other with it.
+        # Not pure: a job writes a picture, so two equal ones are two jobs.
+        job_of, waiting = {}, iter(jobs)
+
+        def submit(count: int) -> list[Future]:
+            """Hands out some of the jobs that wait."""
+            futures = {client.submit(task, job, pure=False): job for job in islice(waiting, count)}
+            job_of.update(futures)
+            return list(futures)
+
+        done = as_completed(submit(workers))
+        for future in done:
+            # A job whose worker was lost is done by another one; after some losses it has failed.
             progress.step(row_of(job_of[future], future))
+            done.update(submit(1))
         return [row_of(job, future) for future, job in job_of.items()]
 
 

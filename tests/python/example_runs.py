@@ -1,4 +1,4 @@
-"""What the tests of the examples share: runs of the programs, measured files, pictures and grids as arrays."""
+"""What the tests of the examples share: runs of the programs, pictures and grids as arrays."""
 
 from __future__ import annotations
 
@@ -40,7 +40,7 @@ class Run:
 
 def run(*command: object) -> Run:
     """Runs a program to its end."""
-    words = [os.fsencode(word if isinstance(word, (bytes, Path)) else str(word)) for word in command]
+    words = [os.fsencode(str(word)) for word in command]
     done = subprocess.run(words, capture_output=True, stdin=subprocess.DEVNULL, timeout=TIMEOUT)
     return Run(done.returncode, done.stdout, done.stderr)
 
@@ -82,9 +82,10 @@ class ExampleCase(unittest.TestCase):
         self.folder = Path(tempfile.mkdtemp(prefix="case ", dir=self.shared))
 
     def copies(self, *names: str) -> list[Path]:
-        """Copies of the simulated scans in the folder of the test, under these names or their own."""
+        """Copies of the simulated scans, in the folder of the test, under these or their names."""
         chosen = names or [scan.name for scan in self.scans]
-        return [Path(shutil.copy(scan, self.folder / name)) for scan, name in zip(self.scans, chosen)]
+        paths = [self.folder / name for name in chosen]
+        return [Path(shutil.copy(scan, path)) for scan, path in zip(self.scans, paths)]
 
     def write(self, name: str, content: str | bytes) -> Path:
         """A file in the folder of the test."""
