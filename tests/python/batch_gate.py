@@ -1,8 +1,8 @@
 """A batch that can be stopped at one scan: the task of the examples, with a gate before it.
 
 In the folder KV_GATE, each process leaves NAME.PID for each scan that it has done. The first one
-that reaches the scan KV_GATE_SCAN leaves its id in "reached" and waits until there is a file "open";
-a second one goes through. With KV_GATE_CRASH each process ends itself there.
+that reaches the scan KV_GATE_SCAN leaves its id in "reached" and waits until there is a file
+"open"; a second one goes through. With KV_GATE_CRASH each process ends itself there.
 """
 
 from __future__ import annotations
