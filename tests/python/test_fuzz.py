@@ -18,7 +18,7 @@ import numpy as np
 import kv_scenepane as kv
 
 faulthandler.enable()
-ROUNDS = int(os.environ.get("KV_FUZZ_ROUNDS", "200"))
+ROUNDS = int(os.environ.get("KV_FUZZ_ROUNDS", "40"))
 SEED = int(os.environ.get("KV_FUZZ_SEED", "1"))
 # What a call may raise. MemoryError: a length that no memory has room for.
 ALLOWED = (TypeError, ValueError, IndexError, OverflowError, RuntimeError, MemoryError, OSError)

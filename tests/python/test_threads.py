@@ -145,8 +145,10 @@ class DroppedPanes(unittest.TestCase):
     def setUp(self) -> None:
         self.closed = []
         real = _life.library.kv_destroy
-        self.enterContext(unittest.mock.patch.object(
-            _life.library, "kv_destroy", lambda handle: (self.closed.append(handle), real(handle))))
+        patch = unittest.mock.patch.object(
+            _life.library, "kv_destroy", lambda handle: (self.closed.append(handle), real(handle)))
+        patch.start()
+        self.addCleanup(patch.stop)
 
     def test_AreClosedAtOnce(self) -> None:
         gc.disable()
