@@ -203,6 +203,14 @@ TEST(KvCalls, TurnExceptionsIntoAStatusAndAText) {
     EXPECT_EQ(kv_process_events(recorded.pane), KV_DONE);
 }
 
+TEST(KvCalls, ReportWhatAMethodThrowsUnderItsName) {
+    const Pane pane(KV_NO_PICTURE);
+    const kv_value path{.type = KV_UTF8, .as = {.utf8 = "/nowhere.ply"}};
+    EXPECT_EQ(kv_invoke(pane, KV_ImportMesh, &path, 1, nullptr), KV_FAILED);
+    EXPECT_STREQ(kv_last_error(), "ImportMesh: Magic number in PLY header not found.");
+    EXPECT_EQ(kv_invoke(pane, KV_ClearData, nullptr, 0, nullptr), KV_DONE) << "the viewer goes on working";
+}
+
 /// All functions that return a status.
 std::vector<std::pair<const char*, std::function<kv_status(kv_pane*)>>> StatusFunctions() {
     static kv_value value;
