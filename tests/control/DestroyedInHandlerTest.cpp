@@ -32,6 +32,7 @@ public:
     void SelectObjCoords(std::int16_t, float, float, float, std::int32_t, std::int32_t, std::int32_t) override {
         Run();
     }
+    void ReadyStateChange() override { Run(); }
     void ViewDirectionChanged(float, float, float) override { Run(); }
     void CustomKeyDown(std::int32_t, std::int32_t, std::int32_t) override { Run(); }
     void PickPointCountChanged(std::int32_t) override { Run(); }
@@ -82,6 +83,10 @@ protected:
         request.width = 100, request.height = 80;
         request.showMessage = [this](const std::string&) {
             ++messages;
+            if (messagesDestroy) events.inside();
+        };
+        request.showAbout = [this](const KV_ScenePane::AboutText&) {
+            ++messages;
             events.inside();
         };
         if (GetParam() == WindowRequest::Kind::TopLevel) XvfbServer::Shared();
@@ -128,6 +133,7 @@ protected:
 
     WindowNotes notes;
     int swapsAtEnd = 0, messages = 0;
+    bool messagesDestroy = true;
     HostEvents events;
     std::unique_ptr<ScenePane> pane;
 };
@@ -262,6 +268,26 @@ TEST_P(DestroyedInHandler, OfTheDebuggerOutput) {
 
 TEST_P(DestroyedInHandler, OfTheMessageOfARefusedContext) {
     ExpectEndOf("RecreateOpenglContext", [](ScenePane& p) { p.Methods().RecreateOpenglContext(9, 9, 0); });
+}
+
+TEST_P(DestroyedInHandler, OfTheReadyStateAfterARefusedContext) {
+    messagesDestroy = false;
+    DestroyInside();
+    pane->Methods().RecreateOpenglContext(9, 9, 0);
+    EXPECT_EQ(pane, nullptr);
+    EXPECT_TRUE(notes.isDead);
+    EXPECT_EQ(messages, 1);
+    EXPECT_EQ(events.fired, 1);
+}
+
+TEST_P(DestroyedInHandler, OfTheAboutBox) {
+    ExpectEndOf("AboutBox", [](ScenePane& p) { p.Methods().AboutBox(); });
+}
+
+TEST_P(DestroyedInHandler, OfTheReasonOfARefusedStoreOfProperties) {
+    std::string reason;
+    ExpectEndOf("LoadProperties", [&](ScenePane& p) { EXPECT_FALSE(p.LoadProperties("damaged", &reason)); });
+    EXPECT_NE(reason, "");
 }
 
 // ---- alignments

@@ -31,6 +31,13 @@ void PrintTo(const RepaintRow& row, std::ostream* out) { *out << row.name; }
 const RepaintRow kRepaints[] = {
     {"SetSize", Repaint::None, [](auto& c) { c.SetSize(320, 200); }},
     {"ClearData", Repaint::Invalidate, [](auto& c) { c.ClearData(); }},
+    {"GetReadyState", Repaint::None, [](auto& c) { (void)c.GetReadyState(); }},
+    {"SaveProperties", Repaint::None, [](auto& c) { (void)c.SaveProperties(KV_ScenePane::PropertyFormat::Text); }},
+    {"LoadProperties", Repaint::InvalidateWithErase,
+     [](auto& c) { EXPECT_TRUE(c.LoadProperties("KV_ScenePane properties 1.0\nMoveReduced=1\n", nullptr)); }},
+    {"LoadPropertiesUnchanged", Repaint::None,
+     [](auto& c) { EXPECT_TRUE(c.LoadProperties("KV_ScenePane properties 1.0\n", nullptr)); }},
+    {"AboutBox", Repaint::None, [](auto& c) { c.AboutBox(); }},
     {"GetNumObjects", Repaint::None, [](auto& c) { (void)c.GetNumObjects(); }},
     {"GetObjectColor", Repaint::None, [](auto& c) { (void)c.GetObjectColor(0); }},
     {"SetObjectColor", Repaint::Invalidate, [](auto& c) { c.SetObjectColor(0, 0x123456); }},

@@ -119,6 +119,10 @@ const UnkindCall kUnkindCalls[] = {
     {"ZoomOfViewZero", [](TestControl& pane) { pane->SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0); }},
     {"ZoomOfViewNan", [](TestControl& pane) { pane->SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, kNan, 0); }},
     {"ArrowAngle", [](TestControl& pane) { pane->SetArrowAngle(-32768); }},
+    {"DrawModeOfAStore",
+     [](TestControl& pane) {
+         EXPECT_TRUE(pane->LoadProperties("KV_ScenePane properties 1.0\nDrawMode=-32768\n", nullptr));
+     }},
     {"Colours", [](TestControl& pane) { pane->SetBackgroundColorsFourCorners(-1, 0x7FFFFFFF, 0, -2); }},
     {"ShadowColour", [](TestControl& pane) { pane->SetShadowColor(kNan, kInfinity, -kInfinity); }},
     {"OverlayOfSizeZero", [](TestControl& pane) { AddImage(pane, 0, 0, 0); }},
