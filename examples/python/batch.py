@@ -129,7 +129,7 @@ def run_in_pool(task: Task, jobs: list[Job], processes: int, progress: Progress)
         return [row_of(job, future) for future, job in job_of.items()]
     finally:
         progress.end()
-        # After Ctrl+C, scans that were not started are dropped, and those under way are finished.
+        # After Ctrl+C, the scans that no process has been given are dropped; the others are done.
         pool.shutdown(wait=True, cancel_futures=True)
 
 

@@ -166,7 +166,16 @@ class Batch(BatchCase):
     def test_an_interrupted_batch_ends_cleanly(self) -> None:
         batch = self.start_gated(self.scans[1].name, "--jobs", "2")
         self.process_at_gate()
+        others = [scan.name for scan in self.scans if scan != self.scans[1]]
+        self.wait_until(lambda: all(map(self.done_by, others)), "the other scans")
+        self.assert_interrupted(batch)  # one process works, and one waits for work
+
+    def test_an_interrupted_batch_leaves_out_the_scans_that_wait(self) -> None:
+        batch = self.start_gated(self.scans[0].name, "--jobs", "1")
+        self.process_at_gate()
         self.assert_interrupted(batch)
+        self.assertTrue(self.done_by(self.scans[0].name))
+        self.assertEqual(self.done_by(self.scans[-1].name), [])
 
     def test_a_lost_process_is_reported_and_ends_the_batch(self) -> None:
         batch = self.start_gated(self.scans[1].name, "--jobs", "2")
