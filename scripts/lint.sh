@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over the sources of the programs and libraries (src, libs, host, tools).
+# Runs clang-tidy over the sources of the programs and libraries (src, libs, host, tools, bindings).
 #   scripts/lint.sh [--all] [--seconds N]
 # Without --all: what was changed since the last landed state, that is $KV_LINT_BASE when it is set, else the newest
 # commit that is at least four hours older than HEAD, and in the working tree. A changed header is checked through a
@@ -39,7 +39,7 @@ landed_commit() {
     git rev-list -1 --before=$(($(git log -1 --format=%ct) - LANDED_AGE)) HEAD
 }
 
-all_sources() { git ls-files -- 'src/*.cpp' 'libs/*.cpp' 'host/*.cpp' 'tools/*.cpp'; }
+all_sources() { git ls-files -- 'src/*.cpp' 'libs/*.cpp' 'host/*.cpp' 'tools/*.cpp' 'bindings/*.cpp'; }
 
 # source_of HEADER: the source file of the same name, else the first that includes the header
 source_of() {
@@ -55,7 +55,7 @@ source_of() {
 changed_sources() {
     local file
     { git diff --name-only --diff-filter=d "$1" && git ls-files --others --exclude-standard; } |
-        { grep -E '^(src|libs|host|tools|include)/.*\.(h|cpp)$' || true; } |
+        { grep -E '^(src|libs|host|tools|bindings|include)/.*\.(h|cpp)$' || true; } |
         while read -r file; do
             if [[ "$file" == *.h ]]; then source_of "$file"; else echo "$file"; fi
         done | awk '!seen[$0]++'

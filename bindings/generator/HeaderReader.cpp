@@ -111,7 +111,7 @@ private:
     }
 
     // "name, name  text": the names are separated by commas.
-    void StartParameter(std::string rest, int number) {
+    void StartParameter(const std::string& rest, int number) {
         static const std::regex head(R"(^(\w+(?:, *\w+)*)(?: +(.*))?$)");
         std::smatch match;
         if (!std::regex_match(rest, match, head))

@@ -1,9 +1,9 @@
 // Texts of docstrings as Markdown.
 #include "Markdown.h"
 
-#include <algorithm>
 #include <cctype>
-#include <ranges>
+
+#include "TextParts.h"
 
 namespace bindings {
 namespace {
@@ -20,11 +20,10 @@ bool IsMarkupAtLineStart(std::string_view word) {
     return digits != 0 && digits == word.size() - 1 && (word.back() == '.' || word.back() == ')');
 }
 
-std::string WrappedParagraph(std::string_view text, std::string_view indent, std::size_t width, std::size_t used) {
+std::string WrappedParagraph(std::string_view text, std::string_view indent, std::size_t width) {
     std::string lines;
-    std::size_t column = used;
-    for (const auto part : std::views::split(text, ' ')) {
-        const std::string_view word(part.begin(), part.end());
+    std::size_t column = indent.size();
+    for (const std::string_view word : TextParts(text, " ")) {
         if (word.empty()) continue;
         if (!lines.empty() && column + 1 + word.size() > width && !IsMarkupAtLineStart(word)) {
             lines.append("\n").append(indent);
@@ -71,11 +70,9 @@ std::string Prose(std::string_view text, const std::set<std::string>& names) {
 
 std::string Wrapped(std::string_view text, std::string_view indent, std::size_t width) {
     std::string lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find("\n\n"), text.size());
+    for (const std::string_view paragraph : TextParts(text, "\n\n")) {
         if (!lines.empty()) lines.append("\n\n").append(indent);
-        lines.append(WrappedParagraph(text.substr(0, end), indent, width, indent.size()));
-        text.remove_prefix(std::min(end + 2, text.size()));
+        lines.append(WrappedParagraph(paragraph, indent, width));
     }
     return lines;
 }

@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <ranges>
+
+#include "TextParts.h"
 
 namespace bindings {
 namespace {
@@ -102,14 +103,13 @@ std::string InPython(std::string text) {
 std::string Wrapped(std::string_view paragraph, std::string_view first, std::string_view rest) {
     std::string lines, line(first);
     bool isEmpty = true;
-    for (const auto word : std::views::split(paragraph, ' ')) {
-        const std::string_view letters(word.begin(), word.end());
-        if (!isEmpty && line.size() + 1 + letters.size() > kLineLength) {
+    for (const std::string_view word : TextParts(paragraph, " ")) {
+        if (!isEmpty && line.size() + 1 + word.size() > kLineLength) {
             lines.append(line).append("\n");
             line = rest;
             isEmpty = true;
         }
-        line.append(isEmpty ? "" : " ").append(letters);
+        line.append(isEmpty ? "" : " ").append(word);
         isEmpty = false;
     }
     return lines.append(line).append("\n");
@@ -117,9 +117,9 @@ std::string Wrapped(std::string_view paragraph, std::string_view first, std::str
 
 std::string Paragraphs(const std::string& text, std::string_view indent) {
     std::string lines;
-    for (const auto part : std::views::split(text, std::string_view("\n\n"))) {
+    for (const std::string_view part : TextParts(text, "\n\n")) {
         if (!lines.empty()) lines.append("\n");
-        lines.append(Wrapped(std::string_view(part.begin(), part.end()), indent, indent));
+        lines.append(Wrapped(part, indent, indent));
     }
     return lines;
 }
@@ -235,9 +235,7 @@ std::string PythonType(const Argument& argument) {
 
 bool IsLength(const Member& method, std::string_view name) {
     const auto counts = [name](const Argument& argument) {
-        for (const auto part : std::views::split(argument.shape, std::string_view(" x ")))
-            if (std::string_view(part.begin(), part.end()) == name) return true;
-        return false;
+        return std::ranges::count(TextParts(argument.shape, " x "), name) > 0;
     };
     return std::ranges::any_of(method.arguments, counts);
 }

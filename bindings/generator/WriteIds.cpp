@@ -1,9 +1,10 @@
 // kv_scenepane_ids.h: macros for C89, in the order of the table.
 #include "WriteIds.h"
 
-#include <ranges>
 #include <span>
 #include <string_view>
+
+#include "TextParts.h"
 
 namespace bindings {
 namespace {
@@ -32,13 +33,12 @@ std::string Comment(std::string_view text) {
     if (text.find("*/") != std::string_view::npos)
         throw SourceError("kv_scenepane_ids.h: \"*/\" ends a comment of C: \"" + std::string(text) + "\"");
     std::string lines, line = "/*";
-    for (const auto word : std::views::split(text, ' ')) {
-        const std::string_view letters(word.begin(), word.end());
-        if (line.size() + 1 + letters.size() > kWidth - 3) {  // room for the end of the comment
+    for (const std::string_view word : TextParts(text, " ")) {
+        if (line.size() + 1 + word.size() > kWidth - 3) {  // room for the end of the comment
             lines.append(line).append("\n");
             line = "  ";
         }
-        line.append(" ").append(letters);
+        line.append(" ").append(word);
     }
     return lines.append(line).append(" */");
 }

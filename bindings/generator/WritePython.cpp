@@ -56,7 +56,7 @@ bool HasResultClass(const Member& method) {
 }
 
 std::string ResultType(const Member& method, std::string_view prefix) {
-    if (const std::string own = OwnResult(method.name, prefix); !own.empty()) return own;
+    if (std::string own = OwnResult(method.name, prefix); !own.empty()) return own;
     if (HasResultClass(method)) return ResultClass(method);
     const auto outputs = Outputs(method);
     return outputs.empty() ? PythonType(method.type) : PythonType(outputs.front());

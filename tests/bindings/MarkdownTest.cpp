@@ -5,9 +5,21 @@
 
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "generator/TextParts.h"
 
 namespace bindings {
 namespace {
+
+TEST(TextParts, AreWhatIsBetweenTheSeparators) {
+    using Parts = std::vector<std::string_view>;
+    EXPECT_EQ(TextParts("a x b x c", " x "), (Parts{"a", "b", "c"}));
+    EXPECT_EQ(TextParts("a  b", " "), (Parts{"a", "", "b"}));
+    EXPECT_EQ(TextParts("a", "\n\n"), Parts{"a"});
+    EXPECT_EQ(TextParts("", " "), Parts{});
+}
 
 const std::set<std::string> kNames = {"SetSize", "DrawMode"};
 
