@@ -47,18 +47,32 @@ class ArraysAsArguments(unittest.TestCase):
         constant = FACES.copy()
         constant.flags.writeable = False
         for faces in (FACES, constant):
-            seen = self.addresses_of(117, lambda: self.pane.ImportMeshFromMemory(vertices=CORNERS, triangles=faces))
+            seen = self.addresses_of(
+                117, lambda: self.pane.ImportMeshFromMemory(vertices=CORNERS, triangles=faces)
+            )
             self.assertEqual(seen, [CORNERS.ctypes.data, faces.ctypes.data])
         points, colors = np.ones((5, 3), np.float32), np.ones((5, 3), np.float32)
-        seen = self.addresses_of(86, lambda: self.pane.ImportPoints(xyz=points, colors=colors, alpha=1))
+        seen = self.addresses_of(
+            86, lambda: self.pane.ImportPoints(xyz=points, colors=colors, alpha=1)
+        )
         self.assertEqual(seen, [points.ctypes.data, colors.ctypes.data])
-        grid, confidence, trafo = np.zeros((2, 2, 3), np.float32), np.ones((2, 2), np.float32), np.eye(4, dtype=np.float32)
+        grid, confidence, trafo = (
+            np.zeros((2, 2, 3), np.float32),
+            np.ones((2, 2), np.float32),
+            np.eye(4, dtype=np.float32),
+        )
         grid[..., 0], grid[..., 1] = np.meshgrid((0, 1), (0, 1))
         seen = self.addresses_of(
-            116, lambda: self.pane.ImportMeasurementFromMemory(points=grid, confidence=confidence, trafo=trafo, color=0))
+            116,
+            lambda: self.pane.ImportMeasurementFromMemory(
+                points=grid, confidence=confidence, trafo=trafo, color=0
+            ),
+        )
         self.assertEqual(seen, [grid.ctypes.data, confidence.ctypes.data, trafo.ctypes.data])
         image = np.zeros((2, 3, 4), np.uint8)
-        seen = self.addresses_of(99, lambda: self.pane.AddOverlayData(image, 3, 2, 0, 0, 0, 0, 0, 0))
+        seen = self.addresses_of(
+            99, lambda: self.pane.AddOverlayData(image, 3, 2, 0, 0, 0, 0, 0, 0)
+        )
         self.assertEqual(seen, [image.ctypes.data])
 
     def test_WrongTypesShapesAndLayouts(self) -> None:
@@ -70,13 +84,23 @@ class ArraysAsArguments(unittest.TestCase):
             (TypeError, "vertices must hold float32, not >f4", CORNERS.astype(">f4")),
             (TypeError, "vertices must hold float32, not int32", CORNERS.astype(np.int32)),
             (ValueError, "vertices must have 2 dimensions, not 1", CORNERS.ravel()),
-            (ValueError, r"vertices has the shape \(3, 2\), but must have 3 x 3", np.zeros((3, 2), np.float32)),
+            (
+                ValueError,
+                r"vertices has the shape \(3, 2\), but must have 3 x 3",
+                np.zeros((3, 2), np.float32),
+            ),
             (ValueError, "vertices must be C-contiguous", wide[:, ::2]),
-            (ValueError, "vertices must be C-contiguous", np.asfortranarray(np.zeros((4, 3), np.float32))),
+            (
+                ValueError,
+                "vertices must be C-contiguous",
+                np.asfortranarray(np.zeros((4, 3), np.float32)),
+            ),
             (ValueError, "aligned", shifted(CORNERS)),
         ]
         for kind, text, vertices in rows:
-            with self.subTest(text=text), self.assertRaisesRegex(kind, "ImportMeshFromMemory.*" + text):
+            with self.subTest(text=text), self.assertRaisesRegex(
+                kind, "ImportMeshFromMemory.*" + text
+            ):
                 self.pane.ImportMeshFromMemory(vertices=vertices, triangles=FACES)
         self.assertEqual(self.pane.GetNumObjects(), 0)
 
@@ -91,8 +115,11 @@ class ArraysAsArguments(unittest.TestCase):
         with self.assertRaisesRegex(TypeError, "numberOfVertices must be an int"):
             self.pane.ImportMeshFromMemory(3.0, 1, CORNERS, FACES)
         with self.assertRaisesRegex(ValueError, "headPosXYZ has the shape"):
-            self.pane.CreateNeedles(id=np.arange(2, dtype=np.int32), pinPosXYZ=np.zeros((2, 3), np.float32),
-                                    headPosXYZ=np.zeros((3, 3), np.float32))
+            self.pane.CreateNeedles(
+                id=np.arange(2, dtype=np.int32),
+                pinPosXYZ=np.zeros((2, 3), np.float32),
+                headPosXYZ=np.zeros((3, 3), np.float32),
+            )
 
     def test_TriangleIndicesAreThoseOfVertices(self) -> None:
         for bad in (-1, 3, 2**31 - 1, -(2**31)):
@@ -129,7 +156,9 @@ class ArraysAsArguments(unittest.TestCase):
                 return (1000, 3)
 
         with self.assertRaises(IndexError):
-            self.pane.ImportMeshFromMemory(vertices=CORNERS.view(Lies), triangles=np.array([[0, 1, 999]], np.int32))
+            self.pane.ImportMeshFromMemory(
+                vertices=CORNERS.view(Lies), triangles=np.array([[0, 1, 999]], np.int32)
+            )
         self.pane.ImportMeshFromMemory(vertices=CORNERS.view(Lies), triangles=FACES)
         self.assertEqual(self.pane.GetMeshDataSize(0), (3, 1))
 
@@ -137,12 +166,18 @@ class ArraysAsArguments(unittest.TestCase):
         wide = 32768
         with self.assertRaisesRegex(ValueError, "32767"):
             self.pane.ImportMeasurementFromMemory(
-                points=np.zeros((1, wide, 3), np.float32), confidence=np.zeros((1, wide), np.float32),
-                trafo=np.eye(4, dtype=np.float32), color=0)
+                points=np.zeros((1, wide, 3), np.float32),
+                confidence=np.zeros((1, wide), np.float32),
+                trafo=np.eye(4, dtype=np.float32),
+                color=0,
+            )
         with self.assertRaisesRegex(ValueError, "trafo has the shape"):
             self.pane.ImportMeasurementFromMemory(
-                points=np.zeros((2, 2, 3), np.float32), confidence=np.zeros((2, 2), np.float32),
-                trafo=np.eye(3, 3, dtype=np.float32), color=0)
+                points=np.zeros((2, 2, 3), np.float32),
+                confidence=np.zeros((2, 2), np.float32),
+                trafo=np.eye(3, 3, dtype=np.float32),
+                color=0,
+            )
 
     def test_NeedlesComeBackAsNewArrays(self) -> None:
         ids = np.array([7, 3], np.int32)
@@ -207,7 +242,9 @@ class Pictures(unittest.TestCase):
     def test_AnOverlayIsInTheOrderBlueGreenRed(self) -> None:
         image = np.zeros((4, 6, 4), np.uint8)
         image[...] = (250, 100, 50, 255)
-        self.pane.AddOverlayData(image, relPosX=0, relPosY=0, relOffsetX=0, relOffsetY=0, absOffsetX=0, absOffsetY=0)
+        self.pane.AddOverlayData(
+            image, relPosX=0, relPosY=0, relOffsetX=0, relOffsetY=0, absOffsetX=0, absOffsetY=0
+        )
         self.assertEqual(self.pane.picture()[2, 3].tolist(), [50, 100, 250, 255])
 
     def test_ResizeChangesThePicture(self) -> None:
@@ -245,7 +282,9 @@ def decode(data: bytes) -> np.ndarray:
     width, height, depth, kind = struct.unpack_from(">IIBB", chunks[b"IHDR"])
     channels = {0: 1, 2: 3, 6: 4}[kind]
     assert depth == 8
-    rows = np.frombuffer(zlib.decompress(chunks[b"IDAT"]), np.uint8).reshape(height, 1 + width * channels)
+    rows = np.frombuffer(zlib.decompress(chunks[b"IDAT"]), np.uint8).reshape(
+        height, 1 + width * channels
+    )
     assert not rows[:, 0].any()
     return rows[:, 1:].reshape(height, width, channels)
 
@@ -261,7 +300,11 @@ class PngFiles(unittest.TestCase):
         np.testing.assert_array_equal(decode(kv.png(picture[::-1])), picture[::-1])
 
     def test_OtherArraysAreRefused(self) -> None:
-        for bad in (np.zeros((3, 3, 2), np.uint8), np.zeros(3, np.uint8), np.zeros((0, 4, 4), np.uint8)):
+        for bad in (
+            np.zeros((3, 3, 2), np.uint8),
+            np.zeros(3, np.uint8),
+            np.zeros((0, 4, 4), np.uint8),
+        ):
             with self.assertRaises(ValueError):
                 kv.png(bad)
         with self.assertRaises(TypeError):

@@ -50,7 +50,10 @@ def table(kind: int) -> list:
     for place in range(library.kv_member_count(kind)):
         member = library.kv_member_at(kind, place).contents
         arguments = member.arguments[: member.argument_count]
-        names = [[a.name.decode() for a in arguments if bool(a.output) is output] for output in (False, True)]
+        names = [
+            [a.name.decode() for a in arguments if bool(a.output) is output]
+            for output in (False, True)
+        ]
         rows.append((member.id, member.name.decode(), names[0], names[1]))
     return rows
 
@@ -71,8 +74,12 @@ class TheSurface(unittest.TestCase):
         self.assertEqual([m.id for m in kv.METHODS], [row[0] for row in rows])
 
     def test_HasThePropertiesAndEventsOfTheLibrary(self) -> None:
-        self.assertEqual([(p.id, p.name) for p in kv.PROPERTIES], [row[:2] for row in table(PROPERTY)])
-        self.assertEqual([(e.id, e.name, list(e.fields)) for e in kv.EVENTS], [row[:3] for row in table(EVENT)])
+        self.assertEqual(
+            [(p.id, p.name) for p in kv.PROPERTIES], [row[:2] for row in table(PROPERTY)]
+        )
+        self.assertEqual(
+            [(e.id, e.name, list(e.fields)) for e in kv.EVENTS], [row[:3] for row in table(EVENT)]
+        )
         self.assertEqual(len(kv.EVENTS), 13)
 
     def test_EveryMethodHasATextThatNamesNothingOfCpp(self) -> None:
@@ -88,9 +95,14 @@ class TheSurface(unittest.TestCase):
 
         def members(file: str) -> dict:
             tree = ast.parse((folder / file).read_text())
-            surface = next(n for n in tree.body if isinstance(n, ast.ClassDef) and n.name == "Surface")
+            surface = next(
+                n for n in tree.body if isinstance(n, ast.ClassDef) and n.name == "Surface"
+            )
             return {
-                (n.name, len(n.decorator_list)): ([a.arg for a in n.args.args], ast.unparse(n.returns))
+                (n.name, len(n.decorator_list)): (
+                    [a.arg for a in n.args.args],
+                    ast.unparse(n.returns),
+                )
                 for n in surface.body
                 if isinstance(n, ast.FunctionDef)
             }
@@ -101,8 +113,19 @@ class TheSurface(unittest.TestCase):
 
     def test_ModesAreNumbers(self) -> None:
         self.assertEqual(kv.DrawMode.DrawModeGouraud, 3)
-        self.assertEqual([len(m) for m in (kv.DrawMode, kv.ViewMode, kv.RotationMode, kv.PickMode, kv.SegmentationMode)],
-                         [8, 8, 4, 6, 6])
+        self.assertEqual(
+            [
+                len(m)
+                for m in (
+                    kv.DrawMode,
+                    kv.ViewMode,
+                    kv.RotationMode,
+                    kv.PickMode,
+                    kv.SegmentationMode,
+                )
+            ],
+            [8, 8, 4, 6, 6],
+        )
 
 
 class Calls(unittest.TestCase):
@@ -127,7 +150,9 @@ class Calls(unittest.TestCase):
         self.assertEqual(self.pane.GetMeshDataSize(0), (3, 1))
         self.assertEqual(self.pane.GetMeshDataSize(0)._fields, ("numP", "numT"))
         trafo = self.pane.GetTrafoOfScan(0)
-        self.assertEqual((trafo.result, trafo[1:]), (0, (1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1)))
+        self.assertEqual(
+            (trafo.result, trafo[1:]), (0, (1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1))
+        )
         self.assertEqual(self.pane.GetScreenShotResolution(), (2048, 2048))
 
     def test_ABadIndexThatTheViewerAnswersIsAnAnswer(self) -> None:
@@ -153,7 +178,16 @@ class Calls(unittest.TestCase):
         self.assertIs(self.pane.GetLine3DDrawingMode(), False)
 
     def test_NumbersOfAllKindsAreNumbers(self) -> None:
-        for value in (2, 2.0, np.float32(2), np.float64(2), np.int8(2), fractions.Fraction(2), decimal.Decimal(2), True + 1):
+        for value in (
+            2,
+            2.0,
+            np.float32(2),
+            np.float64(2),
+            np.int8(2),
+            fractions.Fraction(2),
+            decimal.Decimal(2),
+            True + 1,
+        ):
             self.pane.SetViewParams(1, 0, 0, 0, 1, 0, 0, 0, 0, value, 0)
             self.assertEqual(self.pane.GetViewParams().zoom, 2)
         for value in (7, np.int16(7), np.uint64(7)):
@@ -167,7 +201,9 @@ class Calls(unittest.TestCase):
         self.assertEqual(needle.pinPosY, math.inf)
 
     def test_Properties(self) -> None:
-        self.assertEqual((self.pane.DrawMode, self.pane.DrawMosaic, self.pane.MoveReduced), (3, False, False))
+        self.assertEqual(
+            (self.pane.DrawMode, self.pane.DrawMosaic, self.pane.MoveReduced), (3, False, False)
+        )
         self.pane.DrawMode = kv.DrawMode.DrawModeFlat
         self.pane.MoveReduced = True
         self.assertEqual(self.pane.DrawMode, 2)
@@ -203,14 +239,30 @@ class Calls(unittest.TestCase):
             (TypeError, "SetArrowAngle.*angle.*float", lambda: self.pane.SetArrowAngle(30.0)),
             (TypeError, "SetArrowAngle.*angle.*None", lambda: self.pane.SetArrowAngle(None)),
             (OverflowError, "SetArrowAngle.*angle.*32768", lambda: self.pane.SetArrowAngle(32768)),
-            (OverflowError, "SetCrossColor.*color.*2147483648", lambda: self.pane.SetCrossColor(2**31)),
+            (
+                OverflowError,
+                "SetCrossColor.*color.*2147483648",
+                lambda: self.pane.SetCrossColor(2**31),
+            ),
             (OverflowError, "SetPickRadius.*r ", lambda: self.pane.SetPickRadius(1e39)),
             (OverflowError, "SetPickRadius.*r ", lambda: self.pane.SetPickRadius(10**400)),
             (TypeError, "SetPickRadius.*r .*str", lambda: self.pane.SetPickRadius("1")),
             (TypeError, "SetPickRadius.*r .*complex", lambda: self.pane.SetPickRadius(1j)),
-            (TypeError, "SetLine3DDrawingMode.*enable.*bool", lambda: self.pane.SetLine3DDrawingMode("yes")),
-            (TypeError, "SetLine3DDrawingMode.*enable.*bool", lambda: self.pane.SetLine3DDrawingMode(1.0)),
-            (TypeError, "SetViewParams.*cx", lambda: self.pane.SetViewParams(1, 0, 0, 0, 1, 0, [], 0, 0, 1, 0)),
+            (
+                TypeError,
+                "SetLine3DDrawingMode.*enable.*bool",
+                lambda: self.pane.SetLine3DDrawingMode("yes"),
+            ),
+            (
+                TypeError,
+                "SetLine3DDrawingMode.*enable.*bool",
+                lambda: self.pane.SetLine3DDrawingMode(1.0),
+            ),
+            (
+                TypeError,
+                "SetViewParams.*cx",
+                lambda: self.pane.SetViewParams(1, 0, 0, 0, 1, 0, [], 0, 0, 1, 0),
+            ),
             (TypeError, "ImportMesh.*path.*int", lambda: self.pane.ImportMesh(5)),
             (ValueError, "ImportMesh.*path.*zero", lambda: self.pane.ImportMesh("a\0b.stl")),
             (TypeError, "SetHpsSourceApp.*appName", lambda: self.pane.SetHpsSourceApp(b"x", "1")),
@@ -227,7 +279,9 @@ class Calls(unittest.TestCase):
     def test_IndicesThatTheViewerLeavesUncheckedRaiseIndexError(self) -> None:
         self.add_triangle()
         self.pane.AddPickPointSphere(1, 2, 3, 0)
-        overlay = self.pane.AddOverlayData(np.zeros((2, 3, 4), np.uint8), None, None, 0, 0, 0, 0, 0, 0)
+        overlay = self.pane.AddOverlayData(
+            np.zeros((2, 3, 4), np.uint8), None, None, 0, 0, 0, 0, 0, 0
+        )
         self.assertEqual(overlay, 0)
         for bad in (-1, 1, 32767):
             for call in (

@@ -91,7 +91,9 @@ class Callbacks(WithPane):
 
         @self.pane.on("NeedleCreated")
         def created(number: int) -> None:
-            got.append((number, self.pane.GetNumberOfNeedles(), self.pane.GetNeedle(number).headPosX))
+            got.append(
+                (number, self.pane.GetNumberOfNeedles(), self.pane.GetNeedle(number).headPosX)
+            )
             if number < 3:
                 self.pane.CreateNeedle(number + 1, 0, 0, 0, number + 1, 0, 0)
 
@@ -187,7 +189,8 @@ class WhatCallbacksRaise(WithPane):
             with self.assertRaises(Refused):
                 pane.send_mouse(kv.MouseKind.DOUBLE_CLICK, 30, 20, kv.MOUSE_LEFT)
             pane.send_mouse(kv.MouseKind.LEFT_UP, 30, 20)
-            # In the delayed scheme a click is handled by process_events(), after a tenth of a second.
+            # In the delayed scheme a click is handled by process_events(), after a tenth of a
+            # second.
             pane.SetIGDRotation(1)
             pane.send_mouse(kv.MouseKind.LEFT_DOWN, 30, 20, kv.MOUSE_LEFT)
             pane.send_mouse(kv.MouseKind.LEFT_UP, 30, 20)
@@ -250,7 +253,9 @@ class WhatCallbacksRaise(WithPane):
 class Hooks(unittest.TestCase):
     def test_TheAboutHookGetsTitleAndLine(self) -> None:
         got = []
-        with kv.ScenePane.offscreen(30, 20, on_about=lambda title, line: got.append((title, line))) as pane:
+        with kv.ScenePane.offscreen(
+            30, 20, on_about=lambda title, line: got.append((title, line))
+        ) as pane:
             pane.AboutBox()
         self.assertEqual(got, [("About KV_ScenePane Control", "KV_ScenePane Control, Version 5.5")])
 
@@ -287,8 +292,10 @@ class TheIterator(WithPane):
         self.needle(2)
         self.pane.AddPickPointSphere(0, 0, 0, 0)
         got = list(events)
-        self.assertEqual([(e.name, e.event_id, e.arguments) for e in got],
-                         [("NeedleCreated", 6, (2,)), ("PickPointCountChanged", 11, (1,))])
+        self.assertEqual(
+            [(e.name, e.event_id, e.arguments) for e in got],
+            [("NeedleCreated", 6, (2,)), ("PickPointCountChanged", 11, (1,))],
+        )
         self.assertEqual(got[0].id, 2)  # the argument id of the event
         self.assertEqual((got[1].newCount, got[1].id), (1, 11))
         self.assertEqual(repr(got[0]), "Event(NeedleCreated: id=2)")
@@ -347,10 +354,17 @@ class Cuts(WithPane):
         return kv.ScenePane.offscreen(200, 160)
 
     def test_AMaskCanBeReadInItsEventAndAfterwards(self) -> None:
-        points = np.stack(np.meshgrid(np.linspace(-1, 1, 21), np.linspace(-1, 1, 21)), -1).reshape(-1, 2)
+        points = np.stack(np.meshgrid(np.linspace(-1, 1, 21), np.linspace(-1, 1, 21)), -1).reshape(
+            -1, 2
+        )
         vertices = np.c_[points, np.zeros(len(points))].astype(np.float32)
         corner = (np.arange(20)[:, None] * 21 + np.arange(20)).ravel()
-        faces = np.concatenate([np.stack([corner, corner + 1, corner + 22], 1), np.stack([corner, corner + 22, corner + 21], 1)])
+        faces = np.concatenate(
+            [
+                np.stack([corner, corner + 1, corner + 22], 1),
+                np.stack([corner, corner + 22, corner + 21], 1),
+            ]
+        )
         self.pane.ImportMeshFromMemory(vertices=vertices, triangles=faces.astype(np.int32))
         self.pane.CenterView()
         seen = []
@@ -361,7 +375,9 @@ class Cuts(WithPane):
         self.assertEqual([event.name for event in done], ["CutMaskApplied", "SegmentationDone"])
         self.assertEqual((self.pane.undo_steps, len(seen)), (1, 1))
         mask = seen[0]
-        self.assertEqual((mask.kind, mask.mask.shape, mask.viewport[2:]), (0, (160, 200), (200, 160)))
+        self.assertEqual(
+            (mask.kind, mask.mask.shape, mask.viewport[2:]), (0, (160, 200), (200, 160))
+        )
         self.assertTrue(mask.mask[80, 40])
         self.assertFalse(mask.mask[80, 160])
         self.assertIsNone(mask.depth)
@@ -382,7 +398,8 @@ class Cuts(WithPane):
         self.pane.on("CutMaskApplied", lambda address: masks.append(self.pane.cut_mask(address)))
         self.pane.cut(2, [(0, 0), (0.99, 0), (0.99, 0.99), (0, 0.99)])
         self.assertEqual(masks[0].depth.shape, (160, 200))
-        # The triangle is wide at the bottom: its depth is there and the background's at the upper corners.
+        # The triangle is wide at the bottom: its depth is there and the background's at the upper
+        # corners.
         self.assertLess(masks[0].depth[80, 100], 1)
         self.assertEqual(masks[0].depth[0, 0], 1)
 

@@ -1,4 +1,5 @@
-"""No call with any arguments of any type ends the process: every method and function with random arguments.
+"""No call with any arguments of any type ends the process: every method and function with random
+arguments.
 
 KV_FUZZ_ROUNDS sets the number of calls per method, KV_FUZZ_SEED the first seed.
 """
@@ -60,17 +61,69 @@ class Lies(np.ndarray):
 
 def make_value(rng: random.Random, folder: str):
     """One value of any type."""
-    numbers = (0, 1, -1, 2, 3, 5, 255, 2048, 32767, 32768, -32769, 2**31 - 1, -(2**31), 2**31, 2**64, 10**40)
+    numbers = (
+        0,
+        1,
+        -1,
+        2,
+        3,
+        5,
+        255,
+        2048,
+        32767,
+        32768,
+        -32769,
+        2**31 - 1,
+        -(2**31),
+        2**31,
+        2**64,
+        10**40,
+    )
     makers = (
         lambda: rng.choice(numbers),
         lambda: rng.randint(-10, 10),
-        lambda: rng.choice((0.0, 1.5, -1e-30, 3e38, 1e300, float("inf"), float("-inf"), float("nan"))),
+        lambda: rng.choice(
+            (0.0, 1.5, -1e-30, 3e38, 1e300, float("inf"), float("-inf"), float("nan"))
+        ),
         lambda: rng.uniform(-5, 5),
-        lambda: rng.choice((None, True, False, "", "name", b"bytes", b"\xff\xfe", "\udcff", "\ud800", "a\0b", 1j)),
-        lambda: rng.choice((os.path.join(folder, "x.stl"), os.path.join(folder, "x.ply"), folder, "/", b"/dev/null.stl")),
-        lambda: rng.choice((decimal.Decimal("2"), fractions.Fraction(1, 3), np.float32(2), np.int16(3), np.bool_(True),
-                            np.uint64(2**63), np.float64("nan"), Index(), Raises(), object(), (), [], {}, {1}, lambda: 1,
-                            kv, kv.ScenePane, Ellipsis, slice(3), range(4), bytearray(b"12345"), memoryview(b"abc"))),
+        lambda: rng.choice(
+            (None, True, False, "", "name", b"bytes", b"\xff\xfe", "\udcff", "\ud800", "a\0b", 1j)
+        ),
+        lambda: rng.choice(
+            (
+                os.path.join(folder, "x.stl"),
+                os.path.join(folder, "x.ply"),
+                folder,
+                "/",
+                b"/dev/null.stl",
+            )
+        ),
+        lambda: rng.choice(
+            (
+                decimal.Decimal("2"),
+                fractions.Fraction(1, 3),
+                np.float32(2),
+                np.int16(3),
+                np.bool_(True),
+                np.uint64(2**63),
+                np.float64("nan"),
+                Index(),
+                Raises(),
+                object(),
+                (),
+                [],
+                {},
+                {1},
+                lambda: 1,
+                kv,
+                kv.ScenePane,
+                Ellipsis,
+                slice(3),
+                range(4),
+                bytearray(b"12345"),
+                memoryview(b"abc"),
+            )
+        ),
         lambda: make_array(rng),
         lambda: make_array(rng),
         lambda: make_array(rng).view(Lies),
@@ -83,8 +136,37 @@ def make_value(rng: random.Random, folder: str):
 
 def make_array(rng: random.Random) -> np.ndarray:
     """An array of any type, shape and layout."""
-    kind = rng.choice((np.float32, np.float32, np.int32, np.int32, np.uint8, np.uint32, np.float64, ">f4", bool, "U3", object))
-    shape = rng.choice(((), (0,), (3,), (0, 3), (1, 3), (3, 3), (4, 4), (5, 3), (4, 2), (2, 3, 3), (2, 3), (2, 3, 4)))
+    kind = rng.choice(
+        (
+            np.float32,
+            np.float32,
+            np.int32,
+            np.int32,
+            np.uint8,
+            np.uint32,
+            np.float64,
+            ">f4",
+            bool,
+            "U3",
+            object,
+        )
+    )
+    shape = rng.choice(
+        (
+            (),
+            (0,),
+            (3,),
+            (0, 3),
+            (1, 3),
+            (3, 3),
+            (4, 4),
+            (5, 3),
+            (4, 2),
+            (2, 3, 3),
+            (2, 3),
+            (2, 3, 4),
+        )
+    )
     array = np.zeros(shape, kind)
     if array.dtype.kind in "fiu" and array.size:
         array[...] = np.asarray(rng.choices((0, 1, 2, 3, 100), k=array.size)).reshape(shape)
@@ -113,10 +195,17 @@ def near_arguments(rng: random.Random, method, folder: str) -> dict:
     for record in method.inputs:
         if len(record) == 4:
             parts = record[3].split(" x ")
-            shape = [int(part) if part.isdigit() else sizes.setdefault(part, rng.randint(0, 4)) for part in parts]
+            shape = [
+                int(part) if part.isdigit() else sizes.setdefault(part, rng.randint(0, 4))
+                for part in parts
+            ]
             array = np.zeros(shape, record[2])
             if array.size:
-                array[...] = np.asarray(rng.choices((-1, 0, 1, 2, 3), k=array.size)).reshape(shape).astype(array.dtype)
+                array[...] = (
+                    np.asarray(rng.choices((-1, 0, 1, 2, 3), k=array.size))
+                    .reshape(shape)
+                    .astype(array.dtype)
+                )
             arguments[record[0]] = array
     for record in method.inputs:
         name, code = record[:2]
@@ -127,11 +216,15 @@ def near_arguments(rng: random.Random, method, folder: str) -> dict:
         elif len(record) == 3:
             arguments[name] = kv.Mesh(np.zeros((3, 3), np.float32))
         elif code == "w":
-            arguments[name] = os.path.join(folder, rng.choice(("a.stl", "a.ply", "a.hps", "a.pcm", "a", "", "b/a.stl")))
+            arguments[name] = os.path.join(
+                folder, rng.choice(("a.stl", "a.ply", "a.hps", "a.pcm", "a", "", "b/a.stl"))
+            )
         elif code == "b":
             arguments[name] = rng.random() < 0.5
         elif code == "f":
-            arguments[name] = rng.choice((0, 1.0, -1.0, rng.uniform(-100, 100), float("nan"), float("inf"), 1e-40, 3e38))
+            arguments[name] = rng.choice(
+                (0, 1.0, -1.0, rng.uniform(-100, 100), float("nan"), float("inf"), 1e-40, 3e38)
+            )
         else:
             low, high = (-0x8000, 0x7FFF) if code == "s" else (-(2**31), 2**31 - 1)
             arguments[name] = rng.choice((0, 0, 1, 2, 3, -1, rng.randint(low, high), low, high))
@@ -152,7 +245,11 @@ class AnyArguments(unittest.TestCase):
         self.addCleanup(os.chdir, home)
 
     def make_pane(self, kind: str) -> kv.ScenePane:
-        pane = kv.ScenePane.offscreen(64, 48, gpu=kv.SOFTWARE) if kind == "offscreen" else kv.ScenePane.no_picture()
+        pane = (
+            kv.ScenePane.offscreen(64, 48, gpu=kv.SOFTWARE)
+            if kind == "offscreen"
+            else kv.ScenePane.no_picture()
+        )
         self.addCleanup(pane.close)
         self.fill(pane)
         return pane
@@ -175,7 +272,10 @@ class AnyArguments(unittest.TestCase):
                 random.seed(SEED * 1000 + place)
                 pane = self.make_pane(kind)
                 rounds = ROUNDS
-                if method.name in ("RecreateOpenglContext", "CaptureScreenShot") and kind == "offscreen":
+                if (
+                    method.name in ("RecreateOpenglContext", "CaptureScreenShot")
+                    and kind == "offscreen"
+                ):
                     rounds = min(ROUNDS, 20)
                 for _ in range(rounds):
                     positional, words = make_arguments(rng, method)
@@ -214,7 +314,9 @@ class AnyArguments(unittest.TestCase):
         rng = random.Random(SEED)
         random.seed(SEED)
         pane = self.make_pane("offscreen")
-        methods = [m for m in kv.METHODS if m.name not in ("RecreateOpenglContext", "CaptureScreenShot")]
+        methods = [
+            m for m in kv.METHODS if m.name not in ("RecreateOpenglContext", "CaptureScreenShot")
+        ]
         done = 0
         for _ in range(20 * ROUNDS):
             method = rng.choice(methods)
@@ -233,7 +335,9 @@ class AnyArguments(unittest.TestCase):
         names = [
             name
             for name, member in inspect.getmembers(kv.ScenePane)
-            if not name.startswith("_") and name not in LEFT_OUT and name not in {m.name for m in kv.METHODS}
+            if not name.startswith("_")
+            and name not in LEFT_OUT
+            and name not in {m.name for m in kv.METHODS}
         ]
         self.assertIn("cut", names)
         for place, name in enumerate(names):
@@ -258,7 +362,13 @@ class AnyArguments(unittest.TestCase):
         for name in ("png", "save_png", "Mesh", "AlignmentPair", "on_debug_output", "ScenePane"):
             for _ in range(ROUNDS):
                 arguments = [make_value(rng, self.folder) for _ in range(rng.randint(0, 4))]
-                words = rng.choice(({}, {"normals": make_array(rng)}, {"colors": make_array(rng), "grid": make_array(rng)}))
+                words = rng.choice(
+                    (
+                        {},
+                        {"normals": make_array(rng)},
+                        {"colors": make_array(rng), "grid": make_array(rng)},
+                    )
+                )
                 with contextlib.suppress(*ALLOWED):
                     getattr(kv, name)(*arguments, **(words if name == "Mesh" else {}))
         kv.on_debug_output(None)
@@ -269,8 +379,14 @@ class AnyArguments(unittest.TestCase):
         for name in ("offscreen", "child", "top_level"):
             for _ in range(min(ROUNDS, 100)):
                 arguments = [make_value(rng, self.folder) for _ in range(rng.randint(1, 4))]
-                words = rng.choice(({}, {"samples": make_value(rng, self.folder)}, {"scale": make_value(rng, self.folder)},
-                                    {"on_message": make_value(rng, self.folder)}))
+                words = rng.choice(
+                    (
+                        {},
+                        {"samples": make_value(rng, self.folder)},
+                        {"scale": make_value(rng, self.folder)},
+                        {"on_message": make_value(rng, self.folder)},
+                    )
+                )
                 with contextlib.suppress(*ALLOWED):
                     getattr(kv.ScenePane, name)(*arguments, **words).close()
 

@@ -1,4 +1,4 @@
-"""Imports: the reason when nothing is added, the debugger output, paths, and imports on several threads."""
+"""Imports: why nothing is added, the debugger output, paths, and imports on threads."""
 
 import contextlib
 import io
@@ -94,23 +94,31 @@ class ImportsThatAddNothing(WithFolder):
         confidence[...] = 0
         self.pane.SetConfidenceFilter(0.5)
         with self.assertRaisesRegex(kv.ImportFailed, "ImportMeasurementFromMemory"):
-            self.pane.ImportMeasurementFromMemory(points=points, confidence=confidence, trafo=trafo, color=0)
+            self.pane.ImportMeasurementFromMemory(
+                points=points, confidence=confidence, trafo=trafo, color=0
+            )
         self.pane.SetAllowEmptyObjects(True)
-        self.pane.ImportMeasurementFromMemory(points=points, confidence=confidence, trafo=trafo, color=0)
+        self.pane.ImportMeasurementFromMemory(
+            points=points, confidence=confidence, trafo=trafo, color=0
+        )
         self.assertEqual(self.pane.GetNumObjects(), 1)
 
     def test_CanBePassedToAnotherProcess(self) -> None:
         with self.assertRaises(kv.ImportFailed) as caught:
             self.pane.ImportMesh(os.path.join(self.folder, "none.stl"))
         copy = pickle.loads(pickle.dumps(caught.exception))
-        self.assertEqual((str(copy), copy.reason, copy.method),
-                         (str(caught.exception), caught.exception.reason, "ImportMesh"))
+        self.assertEqual(
+            (str(copy), copy.reason, copy.method),
+            (str(caught.exception), caught.exception.reason, "ImportMesh"),
+        )
 
     def test_OfAParallelImportAreNoFailure(self) -> None:
         path = self.write("a.stl", stl_bytes())
         with self.pane.parallel_import():
             points, confidence, trafo = grid()
-            self.pane.ImportMeasurementFromMemory(points=points, confidence=confidence, trafo=trafo, color=0)
+            self.pane.ImportMeasurementFromMemory(
+                points=points, confidence=confidence, trafo=trafo, color=0
+            )
             self.pane.ImportMesh(path)
         self.assertEqual(self.pane.GetNumObjects(), 2)
 
@@ -120,7 +128,12 @@ class Paths(WithFolder):
         from pathlib import Path
 
         folder = os.fsencode(self.folder)
-        for name in (b"plain.ply", "\u00fcn\u00efcode \u4e2d.ply".encode(), b"not-utf8-\xff\xfe.ply", b"\xed\xa0\x80.ply"):
+        for name in (
+            b"plain.ply",
+            "\u00fcn\u00efcode \u4e2d.ply".encode(),
+            b"not-utf8-\xff\xfe.ply",
+            b"\xed\xa0\x80.ply",
+        ):
             path = os.path.join(folder, name)
             with open(path, "wb") as stream:
                 stream.write(PLY)
@@ -197,27 +210,43 @@ class OnSeveralThreads(WithFolder):
         sizes = [4, 7, 5, 9, 3, 8, 6, 10] * 4
         with ThreadPoolExecutor(4) as pool, self.pane.parallel_import() as importer:
             futures = [
-                pool.submit(importer.add, index, *grid(size), name=f"scan {index}") for index, size in enumerate(sizes)
+                pool.submit(importer.add, index, *grid(size), name=f"scan {index}")
+                for index, size in enumerate(sizes)
             ]
             for future in futures:
                 future.result()
             self.assertEqual(self.pane.GetNumObjects(), 0)
-        self.assertEqual([self.pane.GetMeshDataSize(i).numP for i in range(len(sizes))], [s * s for s in sizes])
+        self.assertEqual(
+            [self.pane.GetMeshDataSize(i).numP for i in range(len(sizes))], [s * s for s in sizes]
+        )
         self.assertEqual(self.pane.object_name(3), "scan 3")
 
     def test_CoordinatesAreMicrometres(self) -> None:
         points, confidence, trafo = grid()
         with self.pane.parallel_import() as importer:
-            importer.add(0, points * np.float32(1000), confidence, trafo, classification=np.zeros((4, 4), np.uint8),
-                         colors=np.full((4, 4), 0xFF102030, np.uint32))
+            importer.add(
+                0,
+                points * np.float32(1000),
+                confidence,
+                trafo,
+                classification=np.zeros((4, 4), np.uint8),
+                colors=np.full((4, 4), 0xFF102030, np.uint32),
+            )
         self.assertAlmostEqual(self.pane.GetObjectBoundingBox(0).x_max, 0.03, places=6)
         self.assertTrue(self.pane.object_has_colors(0))
 
     def test_ARefusedGridRaisesItsReasonOnItsThread(self) -> None:
         points, confidence, trafo = grid()
         with ThreadPoolExecutor(2) as pool, self.pane.parallel_import() as importer:
-            bad = pool.submit(importer.add, 0, points, confidence, trafo,
-                              classification=np.full((4, 4), 255, np.uint8), name="all masked")
+            bad = pool.submit(
+                importer.add,
+                0,
+                points,
+                confidence,
+                trafo,
+                classification=np.full((4, 4), 255, np.uint8),
+                name="all masked",
+            )
             good = pool.submit(importer.add, 1, points, confidence, trafo)
             with self.assertRaisesRegex(kv.ImportFailed, "add"):
                 bad.result()

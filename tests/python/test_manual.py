@@ -38,7 +38,11 @@ class TheManual(unittest.TestCase):
 
     def test_ExamplesRunInOrder(self) -> None:
         # Those of widgets need a display; test_qt.py has their like.
-        blocks = [b for b in re.findall(r"```python\n(.*?)```", self.text, re.S) if "Qt" not in b and "child(" not in b]
+        blocks = [
+            b
+            for b in re.findall(r"```python\n(.*?)```", self.text, re.S)
+            if "Qt" not in b and "child(" not in b
+        ]
         self.assertGreaterEqual(len(blocks), 8)
         names: dict = {}
         output = io.StringIO()

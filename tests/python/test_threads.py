@@ -31,9 +31,19 @@ def on_another_thread(function):
 
 # Every method and function of a pane, with arguments that would be right.
 CALLS = {
-    "cut": (0, [(0, 0), (0.5, 0), (0.5, 0.5)]), "align": ([],), "pick": (0, 0), "on": ("NeedleCreated", print),
-    "send_mouse": (0, 0, 0), "send_key": (65,), "set_scale": (1,), "reparent": (1,), "resize": (5, 5),
-    "object_name": (0,), "object_has_colors": (0,), "cut_mask": (5,), "invoke": ("GetPickMode",),
+    "cut": (0, [(0, 0), (0.5, 0), (0.5, 0.5)]),
+    "align": ([],),
+    "pick": (0, 0),
+    "on": ("NeedleCreated", print),
+    "send_mouse": (0, 0, 0),
+    "send_key": (65,),
+    "set_scale": (1,),
+    "reparent": (1,),
+    "resize": (5, 5),
+    "object_name": (0,),
+    "object_has_colors": (0,),
+    "cut_mask": (5,),
+    "invoke": ("GetPickMode",),
     "load_properties": (b"",),
 }
 NOT_CALLS = {"offscreen", "no_picture", "child", "top_level", "closed", "parallel_import", "close"}
@@ -68,7 +78,9 @@ class OnOtherThreads(unittest.TestCase):
                 self.assertIsInstance(outcome, RuntimeError, name)
                 self.assertRegex(str(outcome), "thread", name)
             for prop in ("DrawMode", "DrawMosaic"):
-                self.assertIsInstance(on_another_thread(lambda: setattr(pane, prop, 0)), RuntimeError)
+                self.assertIsInstance(
+                    on_another_thread(lambda: setattr(pane, prop, 0)), RuntimeError
+                )
             self.assertIsInstance(on_another_thread(pane.close), RuntimeError)
             self.assertFalse(pane.closed)
             self.assertEqual(pane.GetNumObjects(), 0)
@@ -89,7 +101,9 @@ class OnOtherThreads(unittest.TestCase):
 
         first = on_another_thread(make)
         for _ in range(50):  # numbers of threads are used again, often at once
-            number, outcome = on_another_thread(lambda: (threading.get_ident(), self.refusal(kept[0])))
+            number, outcome = on_another_thread(
+                lambda: (threading.get_ident(), self.refusal(kept[0]))
+            )
             self.assertIn("thread", outcome)
             if number == first:
                 break
@@ -146,7 +160,8 @@ class DroppedPanes(unittest.TestCase):
         self.closed = []
         real = _life.library.kv_destroy
         patch = unittest.mock.patch.object(
-            _life.library, "kv_destroy", lambda handle: (self.closed.append(handle), real(handle)))
+            _life.library, "kv_destroy", lambda handle: (self.closed.append(handle), real(handle))
+        )
         patch.start()
         self.addCleanup(patch.stop)
 

@@ -19,14 +19,30 @@ from ._errors import Error, ImportFailed
 from ._events import Connection, EventIterator
 from ._library import library as _functions
 from ._mesh import Mesh
-from ._pane import ANY_GPU, SOFTWARE, GraphicsInfo, ScenePane
+from ._pane import ANY_GPU, SOFTWARE, ScenePane
 from ._parallel import ParallelImport
 from ._picture import png, save_png
 from ._records import (
-    Alignment, AlignmentPair, ClipHeight, CutMask, CutOutcome, CutSaveEntry, Event, EventType, SurfacePoint,
+    Alignment,
+    AlignmentPair,
+    ClipHeight,
+    CutMask,
+    CutOutcome,
+    CutSaveEntry,
+    Event,
+    EventType,
+    SurfacePoint,
 )
+from ._scene import GraphicsInfo
 from ._surface import (
-    EVENTS, METHODS, PROPERTIES, DrawMode, PickMode, RotationMode, SegmentationMode, ViewMode,
+    EVENTS,
+    METHODS,
+    PROPERTIES,
+    DrawMode,
+    PickMode,
+    RotationMode,
+    SegmentationMode,
+    ViewMode,
 )
 
 __version__: str = _functions.kv_version().decode()

@@ -1,4 +1,6 @@
-"""Arrays and texts as arguments: checks of type, shape and layout, and their addresses. No array is copied."""
+"""Arrays and texts as arguments: checks of type, shape and layout, and their addresses. No array is
+copied.
+"""
 from __future__ import annotations
 
 import ctypes
@@ -29,7 +31,9 @@ def address(array: np.ndarray) -> int:
     return array.__array_interface__["data"][0]
 
 
-def checked_array(method: str, argument: str, value: Any, element: str, dimensions: int) -> np.ndarray:
+def checked_array(
+    method: str, argument: str, value: Any, element: str, dimensions: int
+) -> np.ndarray:
     """The array itself, after checks of its type, number of dimensions and layout."""
     if not isinstance(value, np.ndarray):
         raise TypeError(f"{method}(): {argument} must be a numpy array, not {type(value).__name__}")
@@ -38,10 +42,14 @@ def checked_array(method: str, argument: str, value: Any, element: str, dimensio
     if array.dtype != _DTYPES[element]:
         raise TypeError(f"{method}(): {argument} must hold {element}, not {array.dtype}")
     if array.ndim != dimensions:
-        raise ValueError(f"{method}(): {argument} must have {dimensions} dimensions, not {array.ndim}")
+        raise ValueError(
+            f"{method}(): {argument} must have {dimensions} dimensions, not {array.ndim}"
+        )
     if array.flags.num & _C_CONTIGUOUS_AND_ALIGNED != _C_CONTIGUOUS_AND_ALIGNED:
         raise ValueError(
-            f"{method}(): {argument} must be C-contiguous and aligned; numpy.ascontiguousarray() makes a copy that is")
+            f"{method}(): {argument} must be C-contiguous and aligned; "
+            "numpy.ascontiguousarray() makes a copy that is"
+        )
     return array
 
 
@@ -53,7 +61,9 @@ class _Array:
     def __init__(self, method: str, place: int, record: tuple) -> None:
         self.place = place
         self.name, _, self.element, self.shape = record
-        self.dimensions = tuple(int(part) if part.isdigit() else part for part in self.shape.split(" x "))
+        self.dimensions = tuple(
+            int(part) if part.isdigit() else part for part in self.shape.split(" x ")
+        )
         self.dtype = _DTYPES[self.element]
         self.rank = len(self.dimensions)
         self.is_optional = (method, self.name) in _OPTIONAL
@@ -68,8 +78,12 @@ class Packer:
         self._pack = method.pack
         self._template = [word for record in method.inputs for word in (TAGS[record[1]], None)]
         records = list(enumerate(method.inputs))
-        self._arrays = [_Array(method.name, place, record) for place, record in records if len(record) == 4]
-        names = {part for array in self._arrays for part in array.dimensions if isinstance(part, str)}
+        self._arrays = [
+            _Array(method.name, place, record) for place, record in records if len(record) == 4
+        ]
+        names = {
+            part for array in self._arrays for part in array.dimensions if isinstance(part, str)
+        }
         self._lengths = [(place, record[0]) for place, record in records if record[0] in names]
         self._others = [
             (place, record[0], "mesh" if record[1] == "p" else record[1])
@@ -104,8 +118,12 @@ class Packer:
 
     def _array(self, array: _Array, value: Any, sizes: dict[str, int], keep: dict[str, Any]) -> int:
         # What is nearly always so is asked first, and without a call.
-        if (type(value) is not _ndarray or value.dtype is not array.dtype or len(value.shape) != array.rank
-                or value.flags.num & _C_CONTIGUOUS_AND_ALIGNED != _C_CONTIGUOUS_AND_ALIGNED):
+        if (
+            type(value) is not _ndarray
+            or value.dtype is not array.dtype
+            or len(value.shape) != array.rank
+            or value.flags.num & _C_CONTIGUOUS_AND_ALIGNED != _C_CONTIGUOUS_AND_ALIGNED
+        ):
             if value is None and array.is_optional:
                 return 0
             if value is REQUIRED:
@@ -116,7 +134,8 @@ class Packer:
                 raise self._shape_error(array, value, sizes)
         keep[array.name] = value
         try:
-            # Several times as fast as address(), but only for arrays that can be written and are not empty.
+            # Several times as fast as address(), but only for arrays that can be written and are
+            # not empty.
             buffer = keep[array.place] = _from_buffer(value)
             return _addressof(buffer)
         except (TypeError, ValueError):
@@ -144,7 +163,9 @@ class Packer:
     def _shape_error(self, array: _Array, value: np.ndarray, sizes: dict[str, int]) -> ValueError:
         expected = " x ".join(str(sizes.get(part, part)) for part in array.dimensions)
         return ValueError(
-            f"{self._method}(): {array.name} has the shape {value.shape}, but must have {expected} ({array.shape})")
+            f"{self._method}(): {array.name} has the shape {value.shape}, "
+            f"but must have {expected} ({array.shape})"
+        )
 
     def _refusal(self, values: list) -> Exception:
         for record, value in zip(self._inputs, values):

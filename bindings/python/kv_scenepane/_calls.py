@@ -1,4 +1,5 @@
-"""Calls of the automation surface by id: arguments are packed in one step, which checks their types and ranges.
+"""Calls of the automation surface by id: arguments are packed in one step, which checks their types
+and ranges.
 
 The generated methods of Surface pass on their arguments, each after the tag of its type.
 """
@@ -25,18 +26,43 @@ class Method:
     """One method of the surface as data.
 
     inputs, outputs: (name, code), arrays (name, code, element, shape)
-    is_import: it adds an object, or fails; can_add_nothing: it reports only in the debugger output that it failed
+    is_import: it adds an object, or fails; can_add_nothing: it reports only in the debugger output
+    that it failed
     check: called with the pane and the packed values, for what the viewer itself does not check
     """
 
     __slots__ = (
-        "id", "name", "result", "inputs", "outputs", "tuple", "count", "pack", "unpack", "result_type",
-        "read_outputs", "output_type", "output_tags", "check", "check_arrays", "after",
-        "is_import", "can_add_nothing", "call", "pack_all",
+        "id",
+        "name",
+        "result",
+        "inputs",
+        "outputs",
+        "tuple",
+        "count",
+        "pack",
+        "unpack",
+        "result_type",
+        "read_outputs",
+        "output_type",
+        "output_tags",
+        "check",
+        "check_arrays",
+        "after",
+        "is_import",
+        "can_add_nothing",
+        "call",
+        "pack_all",
     )
 
-    def __init__(self, number: int, name: str, result: str, inputs: tuple, outputs: tuple,
-                 result_class: Optional[type] = None) -> None:
+    def __init__(
+        self,
+        number: int,
+        name: str,
+        result: str,
+        inputs: tuple,
+        outputs: tuple,
+        result_class: Optional[type] = None,
+    ) -> None:
         self.id = number
         self.name = name
         self.result = result
@@ -48,7 +74,9 @@ class Method:
         self.pack = layout.pack
         self.unpack = layout.unpack
         self.result_type = _RESULTS.get(result)
-        codes = "".join("f" if argument[2] == "float32" else "i" for argument in outputs if len(argument) == 3)
+        codes = "".join(
+            "f" if argument[2] == "float32" else "i" for argument in outputs if len(argument) == 3
+        )
         self.read_outputs = struct.Struct("=" + codes).unpack
         self.output_type = ctypes.c_char * (4 * len(codes))
         self.output_tags = range(0, 4 * len(codes), 4)
@@ -120,7 +148,9 @@ class Calls:
         values = method.read_outputs(outputs)
         if method.tuple is None:
             return values[0]
-        return method.tuple(*values) if method.result_type is None else method.tuple(result, *values)
+        return (
+            method.tuple(*values) if method.result_type is None else method.tuple(result, *values)
+        )
 
     def _invoke(self, method: Method, arguments: bytes) -> Any:
         if method.check is not None:
@@ -146,7 +176,7 @@ class Calls:
         raise Error(last_error(), name)
 
     def _import(self, method: Method, arguments: bytes) -> None:
-        """Calls a method that adds one object, or reports in the debugger output why it does not."""
+        """Calls a method that adds one object, or reports in the debugger output why not."""
         if method.check is not None:
             method.check(self, *method.unpack(arguments)[1::2])
         handle = self._live()  # what was converted to a number can have closed the pane
@@ -156,7 +186,12 @@ class Calls:
             status = _invoke(handle, method.id, arguments, method.count, None)
         if status == FAILED:
             raise ImportFailed(capture.text() or last_error(), method.name)
-        if is_counted and not status and self._handle is not None and self._object_count() == before:
+        if (
+            is_counted
+            and not status
+            and self._handle is not None
+            and self._object_count() == before
+        ):
             raise ImportFailed(capture.text(), method.name)
         capture.pass_on()
         if status:
@@ -167,7 +202,8 @@ class Calls:
         raise NotImplementedError
 
     def _object_count(self) -> int:
-        # GetNumObjects without its checks; it fires no event, so that one place for the result is enough.
+        # GetNumObjects without its checks; it fires no event, so that one place for the result is
+        # enough.
         count = self._count
         _invoke(self._handle, 23, None, 0, _address(count))
         return count.value

@@ -1,4 +1,6 @@
-"""What the viewer leaves to its callers: indices, sizes and orders of calls, and the methods that return arrays."""
+"""What the viewer leaves to its callers: indices, sizes and orders of calls, and the methods that
+return arrays.
+"""
 from __future__ import annotations
 
 import ctypes
@@ -41,13 +43,17 @@ def _overlay_index(pane: Any, index: int, _enable: int) -> None:
 
 def _grid_size(_pane: Any, width: int, height: int, *_rest: Any) -> None:
     if not (1 <= width <= 32767 and 1 <= height <= 32767):
-        raise ValueError(f"ImportMeasurementFromMemory(): a grid of {width} x {height} is not 1 to 32767 each")
+        raise ValueError(
+            f"ImportMeasurementFromMemory(): a grid of {width} x {height} is not 1 to 32767 each"
+        )
 
 
 def _import_setting(name: str):
     def check(pane: Any, *_values: Any) -> None:
         if pane._is_staging():
-            raise RuntimeError(f"{name}(): settings of imports must not change before EndParallelImport()")
+            raise RuntimeError(
+                f"{name}(): settings of imports must not change before EndParallelImport()"
+            )
 
     return check
 
@@ -58,7 +64,10 @@ def _triangle_indices(arrays: dict[str, np.ndarray]) -> None:
     words = triangles.view(_UINT32)
     if triangles.size and words.item(words.argmax()) >= count:
         bad = triangles[(triangles < 0) | (triangles >= count)][0]
-        raise IndexError(f"ImportMeshFromMemory(): triangles hold the index {bad}, but there are {count} vertices")
+        raise IndexError(
+            f"ImportMeshFromMemory(): triangles hold the index {bad}, "
+            f"but there are {count} vertices"
+        )
 
 
 def _points_count(method: Any, argument: str):
@@ -72,7 +81,9 @@ def _points_count(method: Any, argument: str):
             raise ValueError(f"{method.name}(): {argument} is {number}")
         for place in arrays_at:
             if number and not values[place]:
-                raise ValueError(f"{method.name}(): {names[place]} is None, but {argument} is {number}")
+                raise ValueError(
+                    f"{method.name}(): {names[place]} is None, but {argument} is {number}"
+                )
 
     return check
 
@@ -85,7 +96,11 @@ def _end_parallel_import(pane: Any) -> None:
 
 def _get_needles(pane: Any, method: Any) -> tuple:
     count = pane.GetNumberOfNeedles()
-    arrays = np.zeros(count, np.int32), np.zeros((count, 3), np.float32), np.zeros((count, 3), np.float32)
+    arrays = (
+        np.zeros(count, np.int32),
+        np.zeros((count, 3), np.float32),
+        np.zeros((count, 3), np.float32),
+    )
     pane._invoke(method, method.pack(*(word for array in arrays for word in (6, address(array)))))
     return method.tuple(*arrays)
 

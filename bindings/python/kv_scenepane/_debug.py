@@ -30,7 +30,9 @@ def on_debug_output(function: Optional[Callable[[str], object]]) -> None:
     """
     global _function
     if function is not None and not callable(function):
-        raise TypeError(f"on_debug_output(): function must be callable, not {type(function).__name__}")
+        raise TypeError(
+            f"on_debug_output(): function must be callable, not {type(function).__name__}"
+        )
     _function = function
 
 

@@ -18,15 +18,17 @@ _FORMATS = {"s": "i4xh6x", "i": "i4xi4x", "f": "i4xf4x", "l": "i4xq"}
 
 
 def _reader(event: EventType) -> Callable[[bytes], tuple]:
-    return struct.Struct("=" + "".join(_FORMATS[argument[1]] for argument in event.arguments)).unpack
+    return struct.Struct(
+        "=" + "".join(_FORMATS[argument[1]] for argument in event.arguments)
+    ).unpack
 
 
 _BY_ID = {event.id: (event, _reader(event)) for event in EVENTS}
 _CUT_MASK_APPLIED = 12
 _BY_NAME = {event.name: event for event in EVENTS}
 
-# The panes that can get events, by the number that the library passes to the callbacks. Weak, so that an open pane
-# without any other reference is closed.
+# The panes that can get events, by the number that the library passes to the callbacks. Weak, so
+# that an open pane without any other reference is closed.
 _panes: dict[int, weakref.ref] = {}
 
 
@@ -103,7 +105,7 @@ class Connection:
         return self in self._receivers.connections(self.event)
 
     def disconnect(self) -> None:
-        """The function gets no more events. May be called at any time, also in the function itself."""
+        """The function gets no more events. May be called in the function itself."""
         self._receivers.remove(self)
 
     def __call__(self, *arguments: Any, **words: Any) -> Any:
@@ -164,7 +166,7 @@ class Receivers:
 
 
 class EventIterator(Iterator[Event]):
-    """The events of a pane from the moment of pane.events(). Handles window input while it waits."""
+    """The events of a pane since pane.events(). Handles window input while it waits."""
 
     def __init__(self, pane: Any, timeout: Optional[float]) -> None:
         self._pane = pane

@@ -40,13 +40,23 @@ class WindowRequest(c.Structure):
 class ShortValue(c.Structure):
     """A kv_value that holds KV_SHORT."""
 
-    _fields_ = [("type", c.c_int32), ("_pad", c.c_int32), ("value", c.c_int16), ("_rest", c.c_int16 * 3)]
+    _fields_ = [
+        ("type", c.c_int32),
+        ("_pad", c.c_int32),
+        ("value", c.c_int16),
+        ("_rest", c.c_int16 * 3),
+    ]
 
 
 class LongValue(c.Structure):
     """A kv_value that holds KV_LONG."""
 
-    _fields_ = [("type", c.c_int32), ("_pad", c.c_int32), ("value", c.c_int32), ("_rest", c.c_int32)]
+    _fields_ = [
+        ("type", c.c_int32),
+        ("_pad", c.c_int32),
+        ("value", c.c_int32),
+        ("_rest", c.c_int32),
+    ]
 
 
 class SurfacePoint(c.Structure):
@@ -150,7 +160,10 @@ _FUNCTIONS = {
     "kv_cut_save_entries": (_SIZE, [_POINTER, _INT, c.POINTER(CutSaveEntry), _SIZE]),
     "kv_cut_mask_read": (None, [_POINTER, c.POINTER(CutMask)]),
     "kv_align_by_pairs": (_INT, [_POINTER, c.POINTER(AlignmentPair), _SIZE, c.POINTER(Alignment)]),
-    "kv_alignment_result": (_INT, [_POINTER, c.POINTER(Alignment), c.POINTER(AlignmentPair), _POINTER, _SIZE]),
+    "kv_alignment_result": (
+        _INT,
+        [_POINTER, c.POINTER(Alignment), c.POINTER(AlignmentPair), _POINTER, _SIZE],
+    ),
     "kv_clip_height_result": (_INT, [_POINTER, c.POINTER(ClipHeight)]),
     "kv_mesh_create": (_POINTER, [_POINTER, _SIZE, _POINTER, _SIZE, _INT]),
     "kv_mesh_destroy": (None, [_POINTER]),
@@ -166,7 +179,9 @@ def _load() -> c.CDLL:
     folder = Path(__file__).parent
     files = sorted(folder.glob("libKV_ScenePane.so*"))
     if not files:
-        raise ImportError(f"{folder} has no libKV_ScenePane.so: it is made by the build of the project")
+        raise ImportError(
+            f"{folder} has no libKV_ScenePane.so: it is made by the build of the project"
+        )
     library = c.CDLL(str(files[0]))
     for name, (result, arguments) in _FUNCTIONS.items():
         function = getattr(library, name)

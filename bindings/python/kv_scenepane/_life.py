@@ -1,8 +1,9 @@
 """The life of panes: each belongs to one thread, and is closed there.
 
-A pane that nothing refers to any more is closed at once when that happens on its own thread. On another thread it
-cannot be closed; its thread closes it when it makes a pane, closes one or processes events, and a ResourceWarning says
-so. At the end of the interpreter the panes of the main thread are closed.
+A pane that nothing refers to any more is closed at once when that happens on its own thread. On
+another thread it cannot be closed; its thread closes it when it makes a pane, closes one or
+processes events, and a ResourceWarning says so. At the end of the interpreter the panes of the main
+thread are closed.
 """
 from __future__ import annotations
 
@@ -85,7 +86,9 @@ def start(pane: Any, request: Any) -> None:
             raise pane._pending.pop()
         raise Error(last_error())
     pane._handle = handle
-    pane._finalizer = weakref.finalize(pane, _destroy, handle, pane._number, pane._owner, os.getpid())
+    pane._finalizer = weakref.finalize(
+        pane, _destroy, handle, pane._number, pane._owner, os.getpid()
+    )
     # _end() closes what is open then: a destructor that runs later must find the pane closed.
     pane._finalizer.atexit = False
     library.kv_connect(handle, _events.on_event, pane._number)
@@ -133,8 +136,11 @@ def _destroy(handle: int, number: int, owner: _Token, process: int) -> None:
         return
     owner.orphans.append(handle)
     if not _is_ending:
-        warnings.warn("a pane was dropped on another thread than its own, which closes it later",
-                      ResourceWarning, stacklevel=2)
+        warnings.warn(
+            "a pane was dropped on another thread than its own, which closes it later",
+            ResourceWarning,
+            stacklevel=2,
+        )
 
 
 _is_ending = False
@@ -156,15 +162,19 @@ def _end() -> None:
 
 
 def _wait_for_calls() -> None:
-    """Waits until no thread is inside a call. The interpreter ends threads that go on where they enter Python next;
-    in a callback, below functions of the library, that would end the process with a crash."""
+    """Waits until no thread is inside a call. The interpreter ends threads that go on where they
+    enter Python next; in a callback, below functions of the library, that would end the process
+    with a crash.
+    """
     limit = time.monotonic() + 2
     while any(map(_is_in_call, _other_frames())) and time.monotonic() < limit:
         time.sleep(0.001)
 
 
 def _other_frames() -> list[Any]:
-    return [frame for thread, frame in sys._current_frames().items() if thread != threading.get_ident()]
+    return [
+        frame for thread, frame in sys._current_frames().items() if thread != threading.get_ident()
+    ]
 
 
 def _is_in_call(frame: Any) -> bool:

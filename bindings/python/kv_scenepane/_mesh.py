@@ -25,11 +25,22 @@ class Mesh:
 
     __slots__ = ("_handle", "_close", "vertex_count", "triangle_count", "__weakref__")
 
-    def __init__(self, vertices: np.ndarray, triangles: Optional[np.ndarray] = None, *,
-                 normals: Optional[np.ndarray] = None, colors: Optional[np.ndarray] = None,
-                 grid: Optional[np.ndarray] = None) -> None:
+    def __init__(
+        self,
+        vertices: np.ndarray,
+        triangles: Optional[np.ndarray] = None,
+        *,
+        normals: Optional[np.ndarray] = None,
+        colors: Optional[np.ndarray] = None,
+        grid: Optional[np.ndarray] = None,
+    ) -> None:
         points = _rows("vertices", vertices, "float32", (3,))
-        faces = _rows("triangles", np.empty((0, 3), np.int32) if triangles is None else triangles, "int32", (3,))
+        faces = _rows(
+            "triangles",
+            np.empty((0, 3), np.int32) if triangles is None else triangles,
+            "int32",
+            (3,),
+        )
         records = np.zeros(len(points), _VERTEX)
         records["position"] = points
         if normals is not None:
@@ -39,7 +50,9 @@ class Mesh:
         if grid is not None:
             words = checked_array("Mesh", "grid", grid, "uint32", 1)
             if len(words) != len(points):
-                raise ValueError(f"Mesh(): grid has {len(words)} entries for {len(points)} vertices")
+                raise ValueError(
+                    f"Mesh(): grid has {len(words)} entries for {len(points)} vertices"
+                )
             records["grid"] = words
         faces = faces.copy()  # checked and read here, whatever another thread writes meanwhile
         if faces.size and (faces.min() < 0 or faces.max() >= len(points)):
@@ -57,15 +70,24 @@ class Mesh:
         return f"<kv.Mesh of {self.vertex_count} vertices and {self.triangle_count} triangles>"
 
 
-def _rows(name: str, value: Any, element: str, widths: tuple, count: Optional[int] = None) -> np.ndarray:
+def _rows(
+    name: str, value: Any, element: str, widths: tuple, count: Optional[int] = None
+) -> np.ndarray:
     array = checked_array("Mesh", name, value, element, 2)
     if array.shape[1] not in widths or (count is not None and len(array) != count):
         rows = "n" if count is None else count
-        raise ValueError(f"Mesh(): {name} has the shape {array.shape}, but must have {rows} x {widths[0]}")
+        raise ValueError(
+            f"Mesh(): {name} has the shape {array.shape}, but must have {rows} x {widths[0]}"
+        )
     return array
 
 
 def _color_words(colors: np.ndarray) -> np.ndarray:
     words = colors.astype(np.uint32)
     alpha = words[:, 3] if colors.shape[1] == 4 else np.uint32(255)
-    return alpha << np.uint32(24) | words[:, 0] << np.uint32(16) | words[:, 1] << np.uint32(8) | words[:, 2]
+    return (
+        alpha << np.uint32(24)
+        | words[:, 0] << np.uint32(16)
+        | words[:, 1] << np.uint32(8)
+        | words[:, 2]
+    )

@@ -12,16 +12,27 @@ from ._errors import ImportFailed
 from ._values import check_int
 
 _Entry = c.CFUNCTYPE(
-    c.c_bool, c.c_void_p, c.c_wchar_p, c.c_int32, c.c_int32, c.c_void_p, c.c_void_p, c.c_void_p, c.c_void_p, c.c_void_p,
-    c.c_uint32, c.c_int32)
+    c.c_bool,
+    c.c_void_p,
+    c.c_wchar_p,
+    c.c_int32,
+    c.c_int32,
+    c.c_void_p,
+    c.c_void_p,
+    c.c_void_p,
+    c.c_void_p,
+    c.c_void_p,
+    c.c_uint32,
+    c.c_int32,
+)
 
 
 class ParallelImport:
     """Adds measurements from several threads; the objects join the list at the end, by their index.
 
-        with pane.parallel_import() as importer, ThreadPoolExecutor() as pool:
-            for index, scan in enumerate(scans):
-                pool.submit(importer.add, index, scan.points, scan.confidence, scan.trafo)
+    with pane.parallel_import() as importer, ThreadPoolExecutor() as pool:
+        for index, scan in enumerate(scans):
+            pool.submit(importer.add, index, scan.points, scan.confidence, scan.trafo)
     """
 
     def __init__(self, pane: Any) -> None:
@@ -42,9 +53,18 @@ class ParallelImport:
         if self._pane._parallel is self._running and not self._pane.closed:
             self._pane.EndParallelImport()
 
-    def add(self, index: int, points: np.ndarray, confidence: np.ndarray, trafo: np.ndarray, *,
-            classification: Optional[np.ndarray] = None, colors: Optional[np.ndarray] = None, color: int = 0xFFFFFF,
-            name: str = "") -> None:
+    def add(
+        self,
+        index: int,
+        points: np.ndarray,
+        confidence: np.ndarray,
+        trafo: np.ndarray,
+        *,
+        classification: Optional[np.ndarray] = None,
+        colors: Optional[np.ndarray] = None,
+        color: int = 0xFFFFFF,
+        name: str = "",
+    ) -> None:
         """Makes an object of one measured grid. Any thread; ImportFailed when the grid is refused.
 
         index: place of the object among those of this import, from 0
@@ -66,7 +86,10 @@ class ParallelImport:
         grid = checked_array("add", "points", points, "float32", 3)
         height, width, _ = grid.shape
         if grid.shape[2] != 3 or not (1 <= width <= 32767 and 1 <= height <= 32767):
-            raise ValueError(f"add(): points has the shape {grid.shape}, but must have 1 to 32767 x 1 to 32767 x 3")
+            raise ValueError(
+                f"add(): points has the shape {grid.shape}, "
+                "but must have 1 to 32767 x 1 to 32767 x 3"
+            )
         if classification is None:
             classification = np.zeros((height, width), np.uint8)
         arrays = [
@@ -76,8 +99,17 @@ class ParallelImport:
         ]
         words = None if colors is None else _like("colors", colors, "uint32", (height, width))
         with self._running, Capture() as capture:
-            made = self._entry(self._control, name, width, height, address(grid), *map(address, arrays),
-                               None if words is None else address(words), tint & 0xFFFFFFFF, place)
+            made = self._entry(
+                self._control,
+                name,
+                width,
+                height,
+                address(grid),
+                *map(address, arrays),
+                None if words is None else address(words),
+                tint & 0xFFFFFFFF,
+                place,
+            )
         if not made:
             raise ImportFailed(capture.text(), "add")
         capture.pass_on()

@@ -38,7 +38,9 @@ def png(picture: Any, level: int = 6) -> bytes:
     if pixels.ndim == 2:
         pixels = pixels[:, :, None]
     if pixels.ndim != 3 or pixels.shape[2] not in (1, 3, 4) or 0 in pixels.shape:
-        raise ValueError(f"png(): a picture of the shape {np.shape(picture)} is not height x width x 4")
+        raise ValueError(
+            f"png(): a picture of the shape {np.shape(picture)} is not height x width x 4"
+        )
     height, width, channels = pixels.shape
     rows = np.zeros((height, 1 + width * channels), np.uint8)  # the first byte of a row: no filter
     rows[:, 1:] = pixels.reshape(height, width * channels)
@@ -53,7 +55,7 @@ def png(picture: Any, level: int = 6) -> bytes:
 
 
 def save_png(path: PathLike, picture: Any) -> None:
-    """Writes a picture as a PNG file. An existing file is replaced as a whole, or stays as it is."""
+    """Writes a PNG file. An existing one is replaced as a whole, or stays as it is."""
     data = png(picture)
     name = os.fsencode(path)
     beside = name + f".{os.getpid()}-{os.urandom(4).hex()}.tmp".encode()

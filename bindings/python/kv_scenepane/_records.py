@@ -64,7 +64,9 @@ class Event:
         return ["name", "event_id", "id", "arguments", *self._type.fields]
 
     def __repr__(self) -> str:
-        words = ", ".join(f"{field}={value}" for field, value in zip(self._type.fields, self.arguments))
+        words = ", ".join(
+            f"{field}={value}" for field, value in zip(self._type.fields, self.arguments)
+        )
         return f"Event({self.name}: {words})" if words else f"Event({self.name})"
 
 
@@ -177,6 +179,10 @@ def read_cut_mask(address: int) -> CutMask:
         model_view=np.array(raw.model_view).reshape(4, 4).T.copy(),
         viewport=tuple(raw.viewport),
         bounds=tuple(raw.bounds),
-        mask=bits.astype(bool).reshape(height, width) if bits.size == width * height else bits.astype(bool),
-        depth=depth.reshape(height, width)[::-1].copy() if depth.size and depth.size == width * height else None,
+        mask=bits.astype(bool).reshape(height, width)
+        if bits.size == width * height
+        else bits.astype(bool),
+        depth=depth.reshape(height, width)[::-1].copy()
+        if depth.size and depth.size == width * height
+        else None,
     )

@@ -10,7 +10,6 @@ import numpy as np
 PathLike = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
 
-
 class _Required:
     """Marks an argument that has no default but follows one that has."""
 
@@ -28,7 +27,9 @@ _NAMES = {"s": "a short", "i": "a 32-bit integer", "l": "a 64-bit integer"}
 
 
 def flag(value: Any) -> Any:
-    """0 or -1 for a bool or an integer; anything else is returned as it is, and refused when it is packed."""
+    """0 or -1 for a bool or an integer; anything else is returned as it is, and refused when it is
+    packed.
+    """
     if value is True:
         return -1
     if value is False:

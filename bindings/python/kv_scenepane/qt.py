@@ -188,8 +188,8 @@ class ScenePaneWidget(QWidget):
         self.lost.emit()
 
     def _leave_window(self) -> None:
-        """Qt destroys the native window of a window that is closed, and all windows in it: the viewer
-        waits in another one until there is a next."""
+        """Moves the viewer into another window before Qt destroys that of the widget, such as when a
+        window is closed: it would be destroyed as well."""
         if self._pane is None or self._pane.closed:
             return
         if self._refuge is None:

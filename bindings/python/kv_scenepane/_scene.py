@@ -1,0 +1,244 @@
+"""What the automation surface does not return: pictures, picks, objects, cuts, alignments."""
+from __future__ import annotations
+
+import ctypes
+import os
+from typing import Any, Callable, NamedTuple, Optional, Sequence
+
+import numpy as np
+
+from . import _library
+from ._arrays import address
+from ._errors import Error
+from ._library import last_error, library
+from ._picture import png, rgba
+from ._records import (
+    Alignment,
+    AlignmentPair,
+    ClipHeight,
+    CutMask,
+    CutOutcome,
+    CutSaveEntry,
+    SurfacePoint,
+    read_cut_mask,
+)
+from ._surface import Surface
+from ._values import check_int
+
+
+class GraphicsInfo(NamedTuple):
+    """What draws a viewer."""
+
+    device: str
+    renderer: str
+    vendor: str
+    version: str
+
+
+class Scene(Surface):
+    """The scene of a pane."""
+
+    __slots__ = ()
+
+    def _check(self, status: int, name: str) -> None:
+        if status:
+            self._fail(status, name)
+
+    # ---- pictures
+
+    def picture(self) -> np.ndarray:
+        """Draws a frame: uint8, height x width x 4 (r, g, b, a), top row first.
+
+        Error without a window, for no_picture() and while painting is blocked.
+        """
+        handle = self._live()
+        width, height = ctypes.c_int32(), ctypes.c_int32()
+        sizes = ctypes.byref(width), ctypes.byref(height)
+        self._check(library.kv_capture_picture(handle, None, 0, *sizes), "picture")
+        words = np.empty((height.value, width.value), np.uint32)
+        self._check(
+            library.kv_capture_picture(handle, address(words), words.size, *sizes), "picture"
+        )
+        return rgba(words)
+
+    def _repr_png_(self) -> Optional[bytes]:
+        # A notebook shows the pane; one that cannot be drawn shows as text.
+        try:
+            return png(self.picture())
+        except RuntimeError:
+            return None
+
+    def pick(self, x: int, y: int) -> Optional[SurfacePoint]:
+        """The nearest surface of the visible objects under a pixel, or None."""
+        column, row = check_int("pick", "x", x), check_int("pick", "y", y)
+        hit = _library.SurfacePoint()
+        self._check(library.kv_pick_surface(self._live(), column, row, ctypes.byref(hit)), "pick")
+        if hit.object < 0:
+            return None
+        return SurfacePoint(hit.object, hit.triangle, tuple(hit.point), hit.distance)
+
+    def graphics_info(self) -> GraphicsInfo:
+        """What draws the pane. Error without a window."""
+        text = text_of(lambda *buffer: library.kv_graphics_info(self._live(), *buffer))
+        if not text:
+            raise Error(last_error(), "graphics_info")
+        lines = text.decode("utf-8", "replace").split("\n")
+        return GraphicsInfo(*(lines + [""] * 4)[:4])
+
+    # ---- objects
+
+    def object_name(self, index: int) -> str:
+        """Path or name of an object, as os.fsdecode() makes it."""
+        number = self._object_index("object_name", index)
+        return os.fsdecode(
+            text_of(lambda *buffer: library.kv_object_name(self._live(), number, *buffer))
+        )
+
+    def object_has_colors(self, index: int) -> bool:
+        """Whether the vertices of an object have colours."""
+        number = self._object_index("object_has_colors", index)
+        return library.kv_object_has_colors(self._live(), number) != 0
+
+    def _object_index(self, name: str, index: Any) -> int:
+        number, count = check_int(name, "index", index), self.GetNumObjects()
+        if not 0 <= number < count:
+            raise IndexError(f"{name}(): object {number} of {count}")
+        return number
+
+    # ---- cuts
+
+    def cut(self, mode: int, points: Any) -> bool:
+        """Cuts all visible objects by a lasso, as if an operator had drawn it.
+
+        mode: a SegmentationMode
+        points: n x 2 numbers, at least two points: fractions 0 to 1 of the drawing area, y downward
+        Returns whether an object has changed.
+        """
+        number = check_int("cut", "mode", mode)
+        if not 0 <= number <= 5:
+            raise ValueError(f"cut(): mode is {number}, not 0 to 5")
+        corners = np.array(points, np.float64, order="C")
+        if corners.ndim != 2 or corners.shape[1] != 2 or len(corners) < 2:
+            raise ValueError(
+                f"cut(): points has the shape {corners.shape}, but must have n x 2, n of at least 2"
+            )
+        changed = ctypes.c_int32()
+        status = library.kv_cut_with_lasso(
+            self._live(), number, address(corners), len(corners), ctypes.byref(changed)
+        )
+        self._check(status, "cut")
+        return changed.value != 0
+
+    def cut_mask(self, address: int) -> CutMask:
+        """A copy of a mask: the one of the CutMaskApplied that is handled now, or one of
+        GetCutMasks().
+        """
+        number = check_int("cut_mask", "address", address, "l")
+        self._live()
+        if number not in self._receivers.masks:
+            for mask in self.GetCutMasks():
+                if mask.address == number:
+                    return mask
+            raise ValueError(f"cut_mask(): no cut mask is at {number:#x}")
+        return read_cut_mask(number)
+
+    @property
+    def undo_steps(self) -> int:
+        """Number of cuts that PerformUndo() can take back."""
+        return library.kv_undo_step_count(self._live())
+
+    def cut_save_entries(self, planned: bool = False) -> list[CutSaveEntry]:
+        """One entry per object: what the last SaveCuttingToPcms() did, or with planned what it
+        would do.
+        """
+        flag = int(bool(planned))
+        count = library.kv_cut_save_entries(self._live(), flag, None, 0)
+        raw = (_library.CutSaveEntry * count)()
+        count = min(count, library.kv_cut_save_entries(self._live(), flag, raw, count))
+        return [_cut_save_entry(entry) for entry in raw[:count]]
+
+    # ---- alignment and the clip plane
+
+    def align(self, pairs: Sequence[Any]) -> Alignment:
+        """Moves the variable objects so that the moving points come to the fixed points.
+
+        pairs: AlignmentPair, or (moving, fixed) of three numbers each, world frame. A single pair
+        needs both normals. is_found of the result is False when nothing was moved.
+        """
+        made = [_alignment_pair(place, pair) for place, pair in enumerate(pairs)]
+        raw = (_library.AlignmentPair * len(made))(*made)
+        self._check(library.kv_align_by_pairs(self._live(), raw, len(made), None), "align")
+        return self.alignment
+
+    @property
+    def alignment(self) -> Alignment:
+        """What the last alignment by points found, by align() or by the operator."""
+        raw = _library.Alignment()
+        self._check(
+            library.kv_alignment_result(self._live(), ctypes.byref(raw), None, None, 0), "alignment"
+        )
+        pairs = (_library.AlignmentPair * raw.pair_count)()
+        residuals = np.zeros(raw.pair_count, np.float64)
+        status = library.kv_alignment_result(
+            self._live(), ctypes.byref(raw), pairs, address(residuals), raw.pair_count
+        )
+        self._check(status, "alignment")
+        made = [
+            AlignmentPair(
+                tuple(p.moving), tuple(p.fixed), tuple(p.moving_normal), tuple(p.fixed_normal)
+            )
+            for p in pairs
+        ]
+        transform = np.array(raw.transform).reshape(4, 4)
+        return Alignment(
+            raw.is_found != 0,
+            transform,
+            raw.rms,
+            made,
+            residuals if raw.is_found else residuals[:0],
+        )
+
+    @property
+    def clip_height(self) -> ClipHeight:
+        """What the last placement of the clip plane at the data found."""
+        raw = _library.ClipHeight()
+        self._check(library.kv_clip_height_result(self._live(), ctypes.byref(raw)), "clip_height")
+        return ClipHeight(raw.found != 0, raw.height, raw.kind)
+
+
+def text_of(function: Callable) -> bytes:
+    """The whole text of a text function, whatever its length."""
+    capacity = 512
+    while True:
+        buffer = ctypes.create_string_buffer(capacity)
+        size = function(buffer, capacity)
+        if size < capacity:
+            return buffer.raw[:size]
+        capacity = size + 1
+
+
+def _cut_save_entry(raw: _library.CutSaveEntry) -> CutSaveEntry:
+    return CutSaveEntry(
+        raw.object,
+        CutOutcome(raw.outcome),
+        os.fsdecode(raw.file or b""),
+        (raw.reason or b"").decode("utf-8", "replace"),
+        raw.cut_count,
+        raw.is_moved != 0,
+        raw.is_cut_while_moved != 0,
+        raw.is_nothing_left != 0,
+    )
+
+
+def _alignment_pair(place: int, pair: Any) -> _library.AlignmentPair:
+    made = pair if isinstance(pair, AlignmentPair) else AlignmentPair(*pair)
+    raw = _library.AlignmentPair()
+    for name in AlignmentPair._fields:
+        values = np.array(getattr(made, name), np.float64)
+        if values.shape != (3,):
+            raise ValueError(
+                f"align(): {name} of pair {place} has the shape {values.shape}, "
+                "but must have three numbers"
+            )
+        setattr(raw, name, tuple(values))
+    return raw
