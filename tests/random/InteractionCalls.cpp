@@ -180,7 +180,8 @@ void RecreateOpenglContext(RandomRun& run) {
     Model& model = run.model;
     while (!model.dialogs.empty()) model.CloseDialog();
     model.ClearData();
-    const bool refused = run.random.Chance(0.02);
+    const bool refused = run.random.Chance(0.15);  // ends the run
+    if (refused && model.hasPicture) model.Fire("ReadyStateChange");
     const std::int32_t version = refused ? 99 : 3;
     run.Call("RecreateOpenglContext", {version, 3, run.random.OneOf<std::int32_t>({0, 4})},
              {.result = std::int16_t{-1}});

@@ -3,6 +3,7 @@
 #pragma once
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <deque>
 #include <limits>
@@ -126,7 +127,8 @@ struct Model {
     /// A frame of a turntable with a speed that is no number, infinite or negative may end it, or turn the view by what
     /// is no number.
     [[nodiscard]] bool TurnsAnyhow() const {
-        return animation != Known::No && !(animationSpeed >= 0 && animationSpeed <= std::numeric_limits<float>::max());
+        const bool isSteady = !std::signbit(animationSpeed) && std::isfinite(animationSpeed);
+        return animation != Known::No && !isSteady;
     }
 
     // ---- interaction
