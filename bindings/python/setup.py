@@ -45,8 +45,8 @@ def check_staged() -> None:
     missing = [name for name in ("__init__.py", *LIBRARIES) if not (PACKAGE / name).is_file()]
     if missing:
         raise SystemExit(
-            f"{PACKAGE} is not complete, there is no {missing[0]}: build the project first (cmake --build --preset "
-            "release), or name another build folder by KV_BUILD_DIR"
+            f"{PACKAGE} is not complete, there is no {missing[0]}: build the project first "
+            "(cmake --build --preset release), or name another build folder by KV_BUILD_DIR"
         )
 
 

@@ -3,7 +3,8 @@
 import os
 import sys
 
-os.environ.setdefault("QT_QPA_PLATFORM", "xcb")  # the viewer needs X11 windows, also on a Wayland desktop
+# The viewer needs windows of X11, also on a Wayland desktop.
+os.environ.setdefault("QT_QPA_PLATFORM", "xcb")
 
 from PyQt6.QtWidgets import QApplication, QMainWindow  # pylint: disable=wrong-import-position
 

@@ -1,7 +1,7 @@
 """The viewer in a window of another program: x11_host.py WINDOW_ID FILE...
 
-WINDOW_ID is that of any window of X11, such as a toolkit returns or xwininfo prints; 0x... is accepted. The viewer
-fills it until it is closed.
+WINDOW_ID is that of any window of X11, such as a toolkit returns or xwininfo prints; 0x... is
+accepted. The viewer fills it until it is closed.
 """
 
 import select

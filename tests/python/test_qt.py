@@ -1,4 +1,4 @@
-"""The viewer as a widget of PyQt6, on an X server of the test, with the pointer and the keys of that server."""
+"""The viewer as a widget of PyQt6, on an X server of the test, with real pointer and keys."""
 
 import gc
 import os
@@ -40,7 +40,10 @@ def setUpModule() -> None:
     folder = tempfile.TemporaryDirectory(prefix="kv_qt_")
     unittest.addModuleCleanup(folder.cleanup)
     os.environ.update(
-        DISPLAY=server.name, QT_QPA_PLATFORM="xcb", QT_LOGGING_RULES="qt.qpa.*=false", XDG_RUNTIME_DIR=folder.name
+        DISPLAY=server.name,
+        QT_QPA_PLATFORM="xcb",
+        QT_LOGGING_RULES="qt.qpa.*=false",
+        XDG_RUNTIME_DIR=folder.name,
     )
     app = QApplication(["test_qt"])
     app.setQuitOnLastWindowClosed(False)
@@ -77,7 +80,8 @@ def shows(widget: QWidget, x: int, y: int, color: tuple) -> bool:
 def add_square(pane: kv.ScenePane, half: float = 1) -> None:
     """A square across the viewing direction of the view from +Z."""
     corners = np.array([[-1, -1, 0], [1, -1, 0], [1, 1, 0], [-1, 1, 0]], dtype=np.float32) * half
-    pane.ImportMeshFromMemory(vertices=corners, triangles=np.array([[0, 1, 2], [0, 2, 3]], dtype=np.int32))
+    triangles = np.array([[0, 1, 2], [0, 2, 3]], dtype=np.int32)
+    pane.ImportMeshFromMemory(vertices=corners, triangles=triangles)
 
 
 def make_widget(parent=None, background: tuple = BLUE, **options) -> "ScenePaneWidget":
@@ -284,7 +288,7 @@ class Input(WidgetTest):
         self.assertTrue(becomes_true(lambda: widget.pane.GetViewParams()[:6] != before[:6]))
         self.assertEqual(self.hook_calls, [])
 
-    def test_keys_come_from_the_viewer_after_a_click_and_from_the_widget_with_its_focus(self) -> None:
+    def test_keys_reach_the_viewer_after_a_click_and_with_the_focus_of_the_widget(self) -> None:
         widget = self.make()
         keys = []
         widget.pane.on("CustomKeyDown", lambda code, count, flags: keys.append(code))
@@ -312,8 +316,8 @@ class Input(WidgetTest):
         connection = widget.pane.on("ViewDirectionChanged", fail)
         show(widget)
         self.assertTrue(shows(widget, 5, 5, BLUE))
-        server.xdotool("mousemove", 200, 150, "mousedown", 1, "mousemove", 230, 150, "mousemove", 260, 150)
-        server.xdotool("mouseup", 1)
+        server.xdotool("mousemove", 200, 150, "mousedown", 1)
+        server.xdotool("mousemove", 230, 150, "mousemove", 260, 150, "mouseup", 1)
         self.assertTrue(becomes_true(lambda: self.hook_calls))
         kind, value, traceback = self.hook_calls[0]
         self.assertIs(kind, ValueError)
@@ -358,7 +362,8 @@ class Boxes(WidgetTest):
         timer.start(20)
         widget.pane.AboutBox()
         timer.stop()
-        self.assertEqual(seen, [("About KV_ScenePane Control", "KV_ScenePane Control, Version 5.5")])
+        texts = "About KV_ScenePane Control", "KV_ScenePane Control, Version 5.5"
+        self.assertEqual(seen, [texts])
 
 
 class Scripts(unittest.TestCase):

@@ -1,7 +1,8 @@
 """How processes and viewers end: reference cycles, open viewers at the exit, forks, threads.
 
-Every case runs in a process of its own and must end with its exit status, its output and nothing else on standard
-error. Under the address sanitizer the process is the sanitizer's, with the allocator of Python switched off.
+Every case runs in a process of its own and must end with its exit status, its output and nothing
+else on standard error. Under the address sanitizer the process is the sanitizer's, with the
+allocator of Python switched off.
 """
 
 import os
@@ -27,7 +28,11 @@ class EndsCleanly(unittest.TestCase):
     maxDiff = None
 
     def check(
-        self, script: str, output: str = "", status: int = 0, errors: str = "", options: tuple = ("-X", "dev", "-W", "error")
+        self,
+        script: str,
+        output: str = "",
+        status: int = 0,
+        options: tuple = ("-X", "dev", "-W", "error"),
     ) -> None:
         outcome = subprocess.run(
             [sys.executable, *options, "-c", HEAD + script],
@@ -36,14 +41,17 @@ class EndsCleanly(unittest.TestCase):
             timeout=120,
             check=False,
         )
-        self.assertEqual(
-            (outcome.returncode, outcome.stdout, outcome.stderr), (status, output, errors), f"of this script:{script}"
-        )
+        seen = outcome.returncode, outcome.stdout, outcome.stderr
+        self.assertEqual(seen, (status, output, ""), f"of this script:{script}")
 
     def check_error(self, script: str, status: int, *parts: str, output: str = "") -> None:
         """A case whose last words are a traceback."""
         outcome = subprocess.run(
-            [sys.executable, "-X", "dev", "-c", HEAD + script], capture_output=True, text=True, timeout=120, check=False
+            [sys.executable, "-X", "dev", "-c", HEAD + script],
+            capture_output=True,
+            text=True,
+            timeout=120,
+            check=False,
         )
         self.assertEqual((outcome.returncode, outcome.stdout), (status, output), outcome.stderr)
         for part in parts:
@@ -152,7 +160,8 @@ for _ in range(60):
     use()
     gc.collect()
 # A mesh has some 10 MB: half of the leaks would already be 300.
-print(len(os.listdir("/proc/self/fd")) - descriptors, resident() - start < 100_000_000 or resident() - start)
+grown = resident() - start
+print(len(os.listdir("/proc/self/fd")) - descriptors, grown < 100_000_000 or grown)
 """
             if "LD_PRELOAD" not in os.environ  # the sanitizer keeps freed memory back
             else "print('0 True')\n",

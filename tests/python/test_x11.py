@@ -87,7 +87,8 @@ class ChildOfAWindow(unittest.TestCase):
     def test_input_comes_from_the_pointer_and_wakes_the_iterator(self) -> None:
         pane = self.child()
         triangle = np.array([[-1, -1, 0], [1, -1, 0], [0, 1, 0]], dtype=np.float32)
-        pane.ImportMeshFromMemory(vertices=triangle, triangles=np.array([[0, 1, 2]], dtype=np.int32))
+        indices = np.array([[0, 1, 2]], dtype=np.int32)
+        pane.ImportMeshFromMemory(vertices=triangle, triangles=indices)
         pane.SetPickMode(5)
         pane.CenterView()
         pane.process_events()

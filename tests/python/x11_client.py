@@ -17,7 +17,8 @@ _open = _declare("XOpenDisplay", _Display, ctypes.c_char_p)
 _close = _declare("XCloseDisplay", _int, _Display)
 _root = _declare("XDefaultRootWindow", _Window, _Display)
 _create = _declare(
-    "XCreateSimpleWindow", _Window, _Display, _Window, _int, _int, _unsigned, _unsigned, _unsigned, _ulong, _ulong
+    *("XCreateSimpleWindow", _Window, _Display, _Window, _int, _int, _unsigned, _unsigned),
+    *(_unsigned, _ulong, _ulong),
 )
 _map = _declare("XMapWindow", _int, _Display, _Window)
 _destroy = _declare("XDestroyWindow", _int, _Display, _Window)
@@ -25,7 +26,8 @@ _resize = _declare("XResizeWindow", _int, _Display, _Window, _unsigned, _unsigne
 _sync = _declare("XSync", _int, _Display, _int)
 _free = _declare("XFree", _int, ctypes.c_void_p)
 _get_image = _declare(
-    "XGetImage", ctypes.c_void_p, _Display, ctypes.c_ulong, _int, _int, _unsigned, _unsigned, _ulong, _int
+    *("XGetImage", ctypes.c_void_p, _Display, ctypes.c_ulong, _int, _int, _unsigned, _unsigned),
+    *(_ulong, _int),
 )
 _get_pixel = _declare("XGetPixel", _ulong, ctypes.c_void_p, _int, _int)
 _destroy_image = _declare("XDestroyImage", _int, ctypes.c_void_p)

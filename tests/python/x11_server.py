@@ -23,7 +23,7 @@ def plain_environment() -> dict:
 
 
 class X11Server:
-    """Starts Xvfb on a free display; name is in the form of $DISPLAY. Use it in a with statement."""
+    """Starts Xvfb on a free display; name is in the form of $DISPLAY."""
 
     def __init__(self, size: str = "1280x1024") -> None:
         reader, writer = os.pipe()

@@ -188,8 +188,8 @@ class ScenePaneWidget(QWidget):
         self.lost.emit()
 
     def _leave_window(self) -> None:
-        """Moves the viewer into another window before Qt destroys that of the widget, such as when a
-        window is closed: it would be destroyed as well."""
+        """Moves the viewer out of the window of the widget before Qt destroys that: both would go.
+        Qt does so when the window is closed."""
         if self._pane is None or self._pane.closed:
             return
         if self._refuge is None:
