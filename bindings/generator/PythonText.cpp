@@ -11,6 +11,7 @@ namespace bindings {
 namespace {
 
 constexpr std::size_t kLineLength = 99;
+constexpr std::string_view kQuotes = "\"\"\"";
 
 struct TypeRow {
     std::string_view type, code;
@@ -115,25 +116,26 @@ std::string Wrapped(std::string_view paragraph, std::string_view first, std::str
     return lines.append(line).append("\n");
 }
 
+/// The text of a docstring from its quotes on.
 std::string Paragraphs(const std::string& text, std::string_view indent) {
-    std::string lines;
-    for (const std::string_view part : TextParts(text, "\n\n")) {
+    std::string lines, first(indent);
+    first.append(kQuotes);
+    for (const auto part : std::views::split(text, std::string_view("\n\n"))) {
         if (!lines.empty()) lines.append("\n");
-        lines.append(Wrapped(part, indent, indent));
+        lines.append(Wrapped(std::string_view(part.begin(), part.end()), lines.empty() ? first : indent, indent));
     }
     return lines;
 }
 
-// A docstring ends with its quotes on a line of their own unless it has one line only.
+/// Ends a docstring: on its line when it has only one, else on a line of its own.
 std::string Quoted(std::string text, std::string_view indent) {
-    if (text.find('\\') != std::string::npos || text.find("\"\"\"") != std::string::npos)
+    const bool hasQuotes = text.find(kQuotes, indent.size() + kQuotes.size()) != std::string::npos;
+    if (text.find('\\') != std::string::npos || hasQuotes)
         throw SourceError("a docstring of Python cannot hold this text as it is: " + text);
-    text.insert(indent.size(), "\"\"\"");
     text.pop_back();
-    const std::size_t lastLine = text.rfind('\n');
-    const bool isOneLine = lastLine == std::string::npos;
-    if (isOneLine && text.size() + 3 <= kLineLength) return text.append("\"\"\"\n");
-    return text.append("\n").append(indent).append("\"\"\"\n");
+    const bool isOneLine = text.find('\n') == std::string::npos;
+    if (!isOneLine || text.size() + kQuotes.size() > kLineLength) text.append("\n").append(indent);
+    return text.append(kQuotes).append("\n");
 }
 
 std::string ShapeText(const Argument& argument) {

@@ -14,6 +14,29 @@ namespace {
 constexpr std::string_view kHead =
     "# Made by generate-bindings from the automation table and the public headers of C++: do not edit.\n";
 
+constexpr std::size_t kLineLength = 99;
+
+/// Breaks a line that is too long after its opening parenthesis and after ", ", of which no string in it has one.
+std::string Broken(const std::string& line, std::size_t indent) {
+    if (line.size() <= kLineLength) return line + "\n";
+    const std::size_t open = line.find('(') + 1;
+    const std::string rest = line.substr(open);
+    std::string text = line.substr(0, open) + "\n", part(indent + 4, ' ');
+    for (std::size_t begin = 0; begin < rest.size();) {
+        const std::size_t comma = rest.find(", ", begin);
+        const std::size_t end = comma == std::string::npos ? rest.size() : comma + 2;
+        std::string word = rest.substr(begin, end - begin);
+        if (part.size() + word.size() > kLineLength + 1 && part.size() > indent + 4) {
+            part.pop_back();  // the blank after the comma
+            text.append(part).append("\n");
+            part.assign(indent + 4, ' ');
+        }
+        part.append(word);
+        begin = end;
+    }
+    return text.append(part).append("\n");
+}
+
 std::vector<Argument> Inputs(const Member& method) {
     std::vector<Argument> inputs;
     std::ranges::remove_copy_if(method.arguments, std::back_inserter(inputs), &Argument::output);
@@ -105,11 +128,12 @@ std::string Values(const Member& method) {
 std::string Body(const Member& method) {
     constexpr std::string_view kCalls[] = {"_call", "_read", "_pass", "_call_by_name"};
     std::string text = "        return self.";
-    return text.append(kCalls[static_cast<std::size_t>(WayOf(method))])
+    text.append(kCalls[static_cast<std::size_t>(WayOf(method))])
         .append("(_")
         .append(method.name)
         .append(Values(method))
-        .append(")\n");
+        .append(")");
+    return Broken(text, 8);
 }
 
 std::string ArgumentRecord(const Argument& argument) {
@@ -138,13 +162,14 @@ std::string ResultClassText(const Member& method, bool isStub) {
     return text;
 }
 
-// One row of the table of methods; long ones are wrapped by the caller's line length.
+// One row of the table of methods.
 std::string MethodRecord(const Member& method) {
     std::string text = "_";
     text.append(method.name).append(" = Method(").append(std::to_string(method.id)).append(", \"");
     text.append(method.name).append("\", \"").append(ValueCode(method.type)).append("\", ");
     text.append(RecordTuple(Inputs(method))).append(", ").append(RecordTuple(Outputs(method)));
-    return text.append(HasResultClass(method) ? ", " + ResultClass(method) : "").append(")\n");
+    if (HasResultClass(method)) text.append(", ").append(ResultClass(method));
+    return Broken(text.append(")"), 0);
 }
 
 std::string PropertyText(const Member& property, bool isStub) {
@@ -182,8 +207,8 @@ std::string PropertyRecord(const Member& property) {
 std::string EventRecord(const Member& event) {
     std::string text = "    EventType(";
     text.append(std::to_string(event.id)).append(", \"").append(event.name).append("\", ");
-    text.append(RecordTuple(event.arguments)).append(",\n").append(EventDocString(event)).append("),\n");
-    return text;
+    text.append(RecordTuple(event.arguments)).append(",");
+    return Broken(text, 4).append(EventDocString(event)).append("),\n");
 }
 
 std::string EventNames(const Surface& surface) {
@@ -210,7 +235,6 @@ std::string SurfaceModule(const Surface& surface) {
     std::string text(kHead);
     text.append(
         "\"\"\"The methods, properties, events and modes of the viewer with their texts.\"\"\"\n"
-        "# ruff: noqa\n"
         "from __future__ import annotations\n\n"
         "import enum\n"
         "from typing import Literal, NamedTuple\n\n"
@@ -233,8 +257,7 @@ std::string SurfaceModule(const Surface& surface) {
     for (const Member& property : surface.properties) text.append(PropertyText(property, false));
     for (const Member& method : surface.methods)
         text.append("\n")
-            .append(Definition(method, false))
-            .append("\n")
+            .append(Broken(Definition(method, false), 8))
             .append(MethodDocString(method))
             .append(Body(method));
     text.append("\n\nMETHODS = (\n");
@@ -247,7 +270,6 @@ std::string SurfaceModule(const Surface& surface) {
 std::string SurfaceStub(const Surface& surface) {
     std::string text(kHead);
     text.append(
-        "# ruff: noqa\n"
         "import enum\n"
         "from typing import Literal, NamedTuple\n\n"
         "import numpy as np\n"
@@ -264,7 +286,7 @@ std::string SurfaceStub(const Surface& surface) {
     text.append("\n\nclass Surface(Calls):\n    __slots__ = ()\n");
     for (const Member& property : surface.properties) text.append(PropertyText(property, true));
     text.append("\n");
-    for (const Member& method : surface.methods) text.append(Definition(method, true)).append(" ...\n");
+    for (const Member& method : surface.methods) text.append(Broken(Definition(method, true).append(" ..."), 4));
     return text;
 }
 

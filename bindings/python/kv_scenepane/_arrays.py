@@ -91,7 +91,7 @@ class Packer:
             if len(record) < 4 and record[1] in "wbp"
         ]
 
-    def pack(self, values: tuple, keep: dict[str, Any]) -> bytes:
+    def pack(self, values: tuple, keep: dict[Any, Any]) -> bytes:
         """The packed arguments.
 
         keep: receives by name what must live until the call returns
@@ -116,7 +116,7 @@ class Packer:
         except (struct.error, OverflowError, TypeError):
             raise self._refusal(packed[1::2]) from None
 
-    def _array(self, array: _Array, value: Any, sizes: dict[str, int], keep: dict[str, Any]) -> int:
+    def _array(self, array: _Array, value: Any, sizes: dict[str, int], keep: dict[Any, Any]) -> int:
         # What is nearly always so is asked first, and without a call.
         if (
             type(value) is not _ndarray
@@ -141,7 +141,7 @@ class Packer:
         except (TypeError, ValueError):
             return address(value)
 
-    def _other(self, name: str, code: str, value: Any, keep: dict[str, Any]) -> Any:
+    def _other(self, name: str, code: str, value: Any, keep: dict[Any, Any]) -> Any:
         if value is REQUIRED:
             raise self._missing(name)
         if code == "b":

@@ -73,7 +73,7 @@ class Method:
         layout = struct.Struct("=" + "".join(FORMATS[argument[1]] for argument in inputs + outputs))
         self.pack = layout.pack
         self.unpack = layout.unpack
-        self.result_type = _RESULTS.get(result)
+        self.result_type: Any = _RESULTS.get(result)
         codes = "".join(
             "f" if argument[2] == "float32" else "i" for argument in outputs if len(argument) == 3
         )
@@ -85,9 +85,9 @@ class Method:
         self.after: Optional[Callable] = None
         self.is_import = False
         self.can_add_nothing = False
-        self.call: Optional[Callable] = None
+        self.call: Any = None
         has_arrays = any(argument[1] in "wp" for argument in inputs)
-        self.pack_all = Packer(self).pack if has_arrays else None
+        self.pack_all: Any = Packer(self).pack if has_arrays else None
 
     def refusal(self, values: tuple) -> Exception:
         """The reason why values, each after its tag, cannot be packed."""
@@ -111,13 +111,17 @@ class Property:
         self.name = name
         self.code = code
         self.pack = struct.Struct("=" + FORMATS[code]).pack
-        self.result_type = _RESULTS[code]
+        self.result_type: Any = _RESULTS[code]
 
 
 class Calls:
     """Calls on the viewer of a pane. _handle is None once it is closed."""
 
     __slots__ = ("_handle", "_owner", "_pending", "_count", "__weakref__")
+    _handle: Optional[int]
+    _owner: Any  # its thread
+    _pending: list[BaseException]  # what callbacks raised and no call has raised again yet
+    _count: ShortValue
 
     def _live(self) -> int:
         """The handle; RuntimeError on another thread and for a closed pane."""
@@ -137,7 +141,7 @@ class Calls:
         self._live()
         outputs = method.output_type()
         start = _address(outputs)
-        pointers = []
+        pointers: list[int] = []
         for offset in method.output_tags:
             pointers += (6, start + offset)
         try:
@@ -211,7 +215,7 @@ class Calls:
     def _pass(self, method: Method, *values: Any) -> Any:
         """Calls a method of arrays or texts."""
         self._live()
-        keep: dict[str, Any] = {}
+        keep: dict[Any, Any] = {}
         packed = method.pack_all(values, keep)
         if method.check_arrays is not None:
             method.check_arrays(keep)
@@ -239,6 +243,7 @@ class Calls:
         try:
             data = prop.pack(TAGS[prop.code], flag(value) if prop.code == "b" else value)
         except (struct.error, OverflowError, TypeError):
-            raise refusal(prop.name, "the value", prop.code, value) from None
+            error = refusal(prop.name, "the value", prop.code, value)
+            raise error or TypeError(f"{prop.name}: the value changed while it was read") from None
         if status := library.kv_put_property(self._live(), prop.id, data):
             self._fail(status, prop.name)

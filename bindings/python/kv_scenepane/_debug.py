@@ -80,7 +80,7 @@ class Capture:
 
 
 def _restore() -> None:
-    library.kv_set_debug_output(DebugFunction(), None)
+    library.kv_set_debug_output(DebugFunction(0), None)
 
 
 library.kv_set_debug_output(_receive, None)

@@ -83,8 +83,8 @@ def _rows(
 
 
 def _color_words(colors: np.ndarray) -> np.ndarray:
-    words = colors.astype(np.uint32)
-    alpha = words[:, 3] if colors.shape[1] == 4 else np.uint32(255)
+    words: Any = colors.astype(np.uint32)
+    alpha: Any = words[:, 3] if colors.shape[1] == 4 else np.uint32(255)
     return (
         alpha << np.uint32(24)
         | words[:, 0] << np.uint32(16)

@@ -41,6 +41,12 @@ class ScenePane(Scene):
         "_about",
     )
 
+    _number: int
+    _finalizer: Any
+    _receivers: _events.Receivers
+    _overlay_count: int
+    _parallel: Optional[_life.Running]
+
     def __init__(
         self,
         request: _library.WindowRequest,

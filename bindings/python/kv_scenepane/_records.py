@@ -177,8 +177,8 @@ def read_cut_mask(address: int) -> CutMask:
         kind=raw.kind,
         projection=np.array(raw.projection).reshape(4, 4).T.copy(),
         model_view=np.array(raw.model_view).reshape(4, 4).T.copy(),
-        viewport=tuple(raw.viewport),
-        bounds=tuple(raw.bounds),
+        viewport=(raw.viewport[0], raw.viewport[1], width, height),
+        bounds=(raw.bounds[0], raw.bounds[1], raw.bounds[2], raw.bounds[3]),
         mask=bits.astype(bool).reshape(height, width)
         if bits.size == width * height
         else bits.astype(bool),

@@ -39,6 +39,7 @@ class Scene(Surface):
     """The scene of a pane."""
 
     __slots__ = ()
+    _receivers: Any
 
     def _check(self, status: int, name: str) -> None:
         if status:
@@ -75,7 +76,7 @@ class Scene(Surface):
         self._check(library.kv_pick_surface(self._live(), column, row, ctypes.byref(hit)), "pick")
         if hit.object < 0:
             return None
-        return SurfacePoint(hit.object, hit.triangle, tuple(hit.point), hit.distance)
+        return SurfacePoint(hit.object, hit.triangle, (hit.point[0], hit.point[1], hit.point[2]), hit.distance)
 
     def graphics_info(self) -> GraphicsInfo:
         """What draws the pane. Error without a window."""
