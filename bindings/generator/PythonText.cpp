@@ -120,9 +120,9 @@ std::string Wrapped(std::string_view paragraph, std::string_view first, std::str
 std::string Paragraphs(const std::string& text, std::string_view indent) {
     std::string lines, first(indent);
     first.append(kQuotes);
-    for (const auto part : std::views::split(text, std::string_view("\n\n"))) {
+    for (const std::string_view part : TextParts(text, "\n\n")) {
         if (!lines.empty()) lines.append("\n");
-        lines.append(Wrapped(std::string_view(part.begin(), part.end()), lines.empty() ? first : indent, indent));
+        lines.append(Wrapped(part, lines.empty() ? std::string_view(first) : indent, indent));
     }
     return lines;
 }
