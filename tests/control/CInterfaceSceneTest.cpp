@@ -312,7 +312,7 @@ using KvAlignment = SceneOfC;
 TEST_F(KvAlignment, ByPairsMovesTheVariableObjects) {
     Invoke(KV_AddVariableObject, {Short(0)});
     const kv_alignment_pair pairs[] = {{{0, 0, 0}, {0, 0, 1}, {0, 0, 5}, {0, 0, 1}},
-                                       {{9, 0, 0}, {0, 0, 1}, {9, 0, 5}, {0, 0, 1}},
+                                       {{9, 0, 0}, {0, 1, 0}, {9, 0, 5}, {1, 0, 0}},
                                        {{0, 9, 0}, {0, 0, 1}, {0, 9, 5}, {0, 0, 1}}};
     kv_alignment found{};
     EXPECT_EQ(kv_align_by_pairs(pane, pairs, 3, &found), KV_DONE);
@@ -334,7 +334,8 @@ TEST_F(KvAlignment, ByPairsMovesTheVariableObjects) {
     EXPECT_EQ(again.pair_count, 3u);
     EXPECT_EQ(used[1].moving[0], 9);
     EXPECT_EQ(used[1].fixed[2], 5);
-    EXPECT_EQ(used[1].fixed_normal[2], 1);
+    EXPECT_EQ(used[1].moving_normal[1], 1);
+    EXPECT_EQ(used[1].fixed_normal[0], 1);
     EXPECT_NEAR(residuals[1], 0, 1e-6);
     EXPECT_EQ(residuals[2], -1) << "past the capacity";
     EXPECT_EQ(kv_alignment_result(pane, nullptr, nullptr, nullptr, 0), KV_DONE);

@@ -478,11 +478,12 @@ TEST(KvInput, OfAKeyFiresTheEvent) {
 
 TEST(KvTextArguments, InUtf8ReachTheControlSeveralInOneCall) {
     const Pane pane(KV_NO_PICTURE);
-    const kv_value texts[] = {{.type = KV_UTF8, .as = {.utf8 = "Sc\xC3\xA4nner"}},
-                              {.type = KV_UTF8, .as = {.utf8 = "a version whose text is longer than a short one"}}};
+    const kv_value texts[] = {
+        {.type = KV_UTF8, .as = {.utf8 = "\xC3\xA4"}},  // so short that the string holds it itself
+        {.type = KV_UTF8, .as = {.utf8 = "a version whose text is longer than a short one"}}};
     EXPECT_EQ(kv_invoke(pane, KV_SetHpsSourceApp, texts, 2, nullptr), KV_DONE);
     const CKV_ScenePaneCtrl& control = ControlOf(*static_cast<kv_pane*>(pane)->m_pViewer);
-    EXPECT_EQ(control.m_hpsSourceApp, "Sc\xE4nner") << "as these files store it";
+    EXPECT_EQ(control.m_hpsSourceApp, "\xE4") << "as these files store it";
     EXPECT_EQ(control.m_hpsSourceVersion, "a version whose text is longer than a short one");
 }
 
