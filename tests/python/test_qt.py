@@ -8,10 +8,12 @@ import tempfile
 import time
 import unittest
 import weakref
+from pathlib import Path
 from unittest import mock
 
 import numpy as np
-from x11_server import X11Server
+from x11_client import X11Client
+from x11_server import X11Server, wait_until
 
 try:
     from PyQt6.QtCore import QEventLoop, QPoint, Qt, QTimer
@@ -433,6 +435,23 @@ print("end")
     def test_an_exit_in_a_callback_in_the_loop_ends_the_process(self) -> None:
         outcome = self.run_script(self.KEY_HANDLER.format(error="SystemExit(3)"))
         self.assertEqual((outcome.returncode, outcome.stdout, outcome.stderr), (3, "", ""))
+
+    def test_the_example_shows_a_viewer_until_its_window_is_closed(self) -> None:
+        example = Path(os.environ["KV_SOURCE_DIR"]) / "examples/python/qt_host.py"
+        with X11Server() as own, X11Client(own.name) as client:
+            program = subprocess.Popen(
+                [sys.executable, str(example)],
+                env={**os.environ, "DISPLAY": own.name},
+                stderr=subprocess.PIPE,
+                text=True,
+            )
+            self.addCleanup(program.kill)
+            # The start value of the background.
+            self.assertTrue(wait_until(lambda: client.screen_color(50, 50) == (0x19, 0x19, 0x32)))
+            window = own.xdotool("search", "--onlyvisible", "--name", "^qt_host$").split()[0]
+            client.ask_to_close(int(window))
+            _, errors = program.communicate(timeout=60)
+        self.assertEqual((program.returncode, errors), (0, ""))
 
     def test_the_process_ends_cleanly_with_a_widget_that_is_shown(self) -> None:
         script = (

@@ -1,6 +1,7 @@
 """The few functions of Xlib that a test of windows needs, through ctypes."""
 
 import ctypes
+import struct
 
 _x11 = ctypes.CDLL("libX11.so.6")
 _Display, _Window = ctypes.c_void_p, ctypes.c_ulong
@@ -35,6 +36,8 @@ _query_tree = _declare(
     "XQueryTree", _int, _Display, _Window, ctypes.POINTER(_Window), ctypes.POINTER(_Window),
     ctypes.POINTER(ctypes.POINTER(_Window)), ctypes.POINTER(_unsigned),
 )
+_intern = _declare("XInternAtom", _ulong, _Display, ctypes.c_char_p, _int)
+_send = _declare("XSendEvent", _int, _Display, _Window, _int, ctypes.c_long, ctypes.c_char_p)
 
 
 class X11Client:
@@ -64,6 +67,18 @@ class X11Client:
 
     def resize_window(self, window: int, width: int, height: int) -> None:
         _resize(self._display, window, width, height)
+        _sync(self._display, 0)
+
+    def ask_to_close(self, window: int) -> None:
+        """As the close button of a window manager does."""
+        client_message = 33
+        protocols, close = (
+            _intern(self._display, name, 0) for name in (b"WM_PROTOCOLS", b"WM_DELETE_WINDOW")
+        )
+        # An XClientMessageEvent in the place of an XEvent.
+        head = client_message, 0, 1, self._display, window, protocols, 32
+        event = struct.pack("iLiPLLi5l192x", *head, close, 0, 0, 0, 0)
+        _send(self._display, window, 0, 0, event)
         _sync(self._display, 0)
 
     def children(self, window: int) -> list:

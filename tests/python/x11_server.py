@@ -69,11 +69,12 @@ class X11Server:
                 pass  # closed in the meantime
         return count
 
-    def xdotool(self, *words: object) -> None:
-        """Moves the pointer, presses buttons and keys, as a user does."""
-        subprocess.run(
+    def xdotool(self, *words: object) -> str:
+        """Moves the pointer, presses buttons and keys, as a user does; returns what it prints."""
+        return subprocess.run(
             ["xdotool", *map(str, words)],
             check=True,
             env={**plain_environment(), "DISPLAY": self.name},
-            stdout=subprocess.DEVNULL,
-        )
+            stdout=subprocess.PIPE,
+            text=True,
+        ).stdout
