@@ -2,6 +2,7 @@
 // for the next start, and the about box. Their only place is the viewer; everything here follows it.
 #include <QMenu>
 #include <QMenuBar>
+#include <QStatusBar>
 #include <utility>
 
 #include "AboutDialog.h"
@@ -15,10 +16,13 @@ void MainWindow::LoadProperties() {
     if (const std::optional<std::string> store = StoredProperties()) {
         const DebugCapture sameReason;  // the message has it, with what it means for the user
         std::string reason;
-        if (!pane.LoadProperties(*store, &reason))
-            m_pMessages->AddText(tr("%1. The properties of the viewer have their default values; what is stored stays "
+        if (!pane.LoadProperties(*store, &reason)) {
+            const QString text = tr("%1. The properties of the viewer have their default values; what is stored stays "
                                     "until one of them is changed.")
-                                     .arg(QString::fromStdString(reason)));
+                                     .arg(QString::fromStdString(reason));
+            m_pMessages->AddText(text);
+            statusBar()->showMessage(text);
+        }
     }
     m_nStoredDrawMode = pane.Methods().GetDrawMode();
     if (m_options.drawMode) pane.Methods().SetDrawMode(static_cast<std::int16_t>(*m_options.drawMode));
@@ -81,7 +85,7 @@ void MainWindow::ShowProperties() {
         connect(m_pProperties, &PropertyDialog::Applied, this, &MainWindow::FollowProperties);
         EnableActions();
     }
-    m_pProperties->Open();
+    m_pProperties->ShowPage();
 }
 
 void MainWindow::MakeHelpMenu() {

@@ -118,7 +118,7 @@ void PropertyDialog::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
     if (methods == nullptr) reject();
 }
 
-void PropertyDialog::Open() {
+void PropertyDialog::ShowPage() {
     if (m_pMethods == nullptr) return;
     if (!isVisible()) {
         m_viewerPage.Load(*m_pMethods);

@@ -18,7 +18,7 @@ public:
     /// @param methods  of the viewer, which must outlive the dialog or be replaced by null; null closes the dialog
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
     /// Shows the properties of the viewer, or brings the dialog to the front if it is open. Not without a viewer.
-    void Open();
+    void ShowPage();
     /// Reads the viewer, while the dialog is open.
     void Follow();
     /// While false the dialog can only be cancelled.

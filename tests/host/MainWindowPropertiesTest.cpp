@@ -276,14 +276,14 @@ TEST_F(MainWindowProperties, StayWhenTheContextIsMadeAgain) {
 
 TEST_F(MainWindowProperties, OfTheWindowThatWasChangedLastAreStored) {
     Show();
-    HostOptions options;
-    MainWindow other(options);
-    other.show();
-    ASSERT_TRUE(WaitUntil([&] { return other.Pane() != nullptr; }));
     Trigger("Wireframe");
-    other.ShowDrawMode(KV_ScenePane::DrawModeFlat);
-    m_window.reset();  // it has changed nothing since
-    EXPECT_EQ(StoredProperties(), StoreWith("1.0", 2, false));
+    StoreProperties(StoreWith("1.0", 2, true));  // as a second program does meanwhile
+    m_window.reset();
+    EXPECT_EQ(StoredProperties(), StoreWith("1.0", 2, true)) << "this window had changed nothing since";
+    Show();
+    StoreProperties(StoreWith("1.0", 0, false));
+    Trigger("Reduced while moving");
+    EXPECT_EQ(StoredProperties(), StoreWith("1.0", 2, false)) << "with all properties of the window";
 }
 
 // ---- the command line
@@ -358,6 +358,7 @@ TEST_P(MainWindowBadStore, IsReportedInOneLineAndKeptUntilAPropertyIsChanged) {
               std::string::npos)
         << messages;
     EXPECT_EQ(messages.find('\n'), std::string::npos) << messages;
+    EXPECT_EQ(m_window->statusBar()->currentMessage().toStdString(), messages);
     m_window.reset();
     EXPECT_EQ(StoredProperties(), GetParam().store);
     Show();

@@ -98,7 +98,7 @@ TEST_F(PropertyDialogTest, StartsAsThePageDoesBeforeItHasReadAViewer) {
 TEST_F(PropertyDialogTest, OpensWithThePropertiesOfTheViewer) {
     Methods().SetDrawMode(1);
     Methods().SetDrawMosaic(KV_ScenePane::kVariantTrue);
-    m_dialog.Open();
+    m_dialog.ShowPage();
     EXPECT_TRUE(m_dialog.isVisible());
     EXPECT_FALSE(m_dialog.isModal());
     EXPECT_EQ(InDialog(), (Properties{1, 1, 0}));
@@ -107,7 +107,7 @@ TEST_F(PropertyDialogTest, OpensWithThePropertiesOfTheViewer) {
 
 TEST_F(PropertyDialogTest, DoesNotOpenWithoutAViewer) {
     PropertyDialog dialog;
-    dialog.Open();
+    dialog.ShowPage();
     EXPECT_FALSE(dialog.isVisible());
 }
 
@@ -116,7 +116,7 @@ TEST_F(PropertyDialogTest, SetsEachPropertyByItsOwnControl) {
         Methods().SetDrawMode(3);
         Methods().SetDrawMosaic(KV_ScenePane::kVariantFalse);
         Methods().SetMoveReduced(KV_ScenePane::kVariantFalse);
-        m_dialog.Open();
+        m_dialog.ShowPage();
         Properties expected{3, 0, 0};
         expected.at(static_cast<std::size_t>(changed)) = changed == 0 ? 0 : 1;
         if (changed == 0) Mode().setCurrentIndex(0);
@@ -132,7 +132,7 @@ TEST_F(PropertyDialogTest, SetsEachPropertyByItsOwnControl) {
 
 TEST_F(PropertyDialogTest, SetsAllFourModes) {
     for (const int mode : {0, 1, 2, 3}) {
-        m_dialog.Open();
+        m_dialog.ShowPage();
         Mode().setCurrentIndex(mode);
         Click(kOk);
         EXPECT_EQ(Methods().GetDrawMode(), mode);
@@ -140,7 +140,7 @@ TEST_F(PropertyDialogTest, SetsAllFourModes) {
 }
 
 TEST_F(PropertyDialogTest, CanBeAppliedOnlyWhileItDiffersFromTheViewer) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     EXPECT_FALSE(CanApply());
     Mosaic().click();
     EXPECT_TRUE(CanApply());
@@ -155,7 +155,7 @@ TEST_F(PropertyDialogTest, CanBeAppliedOnlyWhileItDiffersFromTheViewer) {
 }
 
 TEST_F(PropertyDialogTest, CancelDropsWhatWasNotAppliedOnly) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Mode().setCurrentIndex(1);
     Click(kApply);
     Mode().setCurrentIndex(0);
@@ -163,13 +163,13 @@ TEST_F(PropertyDialogTest, CancelDropsWhatWasNotAppliedOnly) {
     Click(kCancel);
     EXPECT_FALSE(m_dialog.isVisible());
     EXPECT_EQ(InViewer(), (Properties{1, 0, 0}));
-    m_dialog.Open();
+    m_dialog.ShowPage();
     EXPECT_EQ(InDialog(), (Properties{1, 0, 0})) << "it opens without the changes that were dropped";
 }
 
 TEST_F(PropertyDialogTest, OkWithoutAChangeModifiesNothing) {
     (void)m_pane->SaveProperties(KV_ScenePane::PropertyFormat::Text);
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Click(kOk);
     EXPECT_FALSE(m_dialog.isVisible());
     EXPECT_FALSE(m_pane->IsModified());
@@ -180,7 +180,7 @@ TEST_F(PropertyDialogTest, ShowsNoModeForThoseThatItDoesNotHaveAndKeepsThem) {
     for (const int mode : {4, 5, 6, 7}) {
         Methods().SetDrawMode(static_cast<std::int16_t>(mode));
         Methods().SetDrawMosaic(KV_ScenePane::kVariantFalse);
-        m_dialog.Open();
+        m_dialog.ShowPage();
         EXPECT_EQ(Mode().currentIndex(), -1);
         EXPECT_EQ(Mode().currentText(), "");
         Mosaic().setChecked(true);
@@ -189,14 +189,14 @@ TEST_F(PropertyDialogTest, ShowsNoModeForThoseThatItDoesNotHaveAndKeepsThem) {
         m_dialog.reject();
     }
     Methods().SetDrawMode(5);
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Mode().setCurrentIndex(3);
     Click(kApply);
     EXPECT_EQ(Methods().GetDrawMode(), 3);
 }
 
 TEST_F(PropertyDialogTest, FollowsTheViewerButKeepsWhatTheUserChanged) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Reduced().setChecked(true);
     Methods().SetDrawMode(1);
     m_dialog.Follow();
@@ -214,7 +214,7 @@ TEST_F(PropertyDialogTest, FollowsTheViewerButKeepsWhatTheUserChanged) {
 }
 
 TEST_F(PropertyDialogTest, AppliesAChangeOverALaterOneOfTheViewer) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Mode().setCurrentIndex(0);
     Methods().SetDrawMode(2);
     m_dialog.Follow();
@@ -224,15 +224,15 @@ TEST_F(PropertyDialogTest, AppliesAChangeOverALaterOneOfTheViewer) {
 }
 
 TEST_F(PropertyDialogTest, KeepsItsChangesWhenItIsOpenedAgain) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Mode().setCurrentIndex(0);
-    m_dialog.Open();
+    m_dialog.ShowPage();
     EXPECT_EQ(Mode().currentIndex(), 0);
     EXPECT_TRUE(CanApply());
 }
 
 TEST_F(PropertyDialogTest, CanOnlyBeCancelledWhileItIsNotUsable) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Mosaic().setChecked(true);
     m_dialog.SetUsable(false);
     EXPECT_FALSE(Mosaic().isEnabled());
@@ -245,7 +245,7 @@ TEST_F(PropertyDialogTest, CanOnlyBeCancelledWhileItIsNotUsable) {
 }
 
 TEST_F(PropertyDialogTest, ClosesWithoutAChangeWhenTheViewerIsGone) {
-    m_dialog.Open();
+    m_dialog.ShowPage();
     Mosaic().setChecked(true);
     m_dialog.SetViewer(nullptr);
     EXPECT_FALSE(m_dialog.isVisible());
@@ -258,7 +258,7 @@ class PropertyDialogKeys : public PropertyDialogTest {
 protected:
     void SetUp() override {
         PropertyDialogTest::SetUp();
-        m_dialog.Open();
+        m_dialog.ShowPage();
         ASSERT_TRUE(WaitUntil([&] { return m_dialog.isActiveWindow() && Mode().hasFocus(); }));
     }
     static void Keys(const std::string& keys) { ASSERT_EQ(std::system(("xdotool key " + keys).c_str()), 0); }
