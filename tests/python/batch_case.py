@@ -15,7 +15,7 @@ from example_runs import ExampleCase, Run, example
 
 LASSO = {"mode": "inside", "points": [[0.35, 0.3], [0.65, 0.35], [0.5, 0.75]], "view": 4}
 SIZE = ("--size", "160x120")
-LIMIT = 60  # seconds that a test waits for a condition
+LIMIT = 120  # seconds that a test waits for a condition
 
 
 class BatchCase(ExampleCase):

@@ -20,7 +20,7 @@ import batch_dask  # noqa: E402
 import batch_task  # noqa: E402
 import scene  # noqa: E402
 
-LIMIT = 60  # seconds until a process gives up waiting
+LIMIT = 120  # seconds until a process gives up waiting
 
 
 def wait_for(path: Path) -> None:

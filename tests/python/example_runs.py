@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import json
 import os
+import re
 import shutil
 import struct
 import subprocess
@@ -27,12 +28,16 @@ NO_VALID_CLASS = 240  # classes from here on are pixels without a point
 CUT_CLASS = 250
 
 
+# Warnings of graphics drivers, which say nothing about the program.
+DRIVER_WARNING = re.compile(r"^(libEGL|MESA|WARNING: Some incorrect rendering).*\n", re.MULTILINE)
+
+
 class Run:
     """A program that has ended: exit status and texts, with the bytes of file names kept."""
 
     def __init__(self, status: int, out: bytes, err: bytes) -> None:
         self.status = status
-        self.out, self.err = os.fsdecode(out), os.fsdecode(err)
+        self.out, self.err = os.fsdecode(out), DRIVER_WARNING.sub("", os.fsdecode(err))
 
     def __repr__(self) -> str:
         return f"status {self.status}\n{self.out}\n{self.err}"
