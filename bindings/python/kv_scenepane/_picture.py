@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import os
 import struct
+import sys
 import zlib
 from typing import Any
 
@@ -11,19 +12,26 @@ import numpy as np
 from ._values import PathLike
 
 
+_BLOCK = 32768  # words that stay in the cache while they are worked on
+_ALPHA_AND_GREEN, _RED_AND_BLUE, _HALF = np.uint32(0xFF00FF00), np.uint32(0x00FF00FF), np.uint32(16)
+
+
 def rgba(words: np.ndarray) -> np.ndarray:
     """Turns 0xAARRGGBB words into r, g, b, a bytes, in place.
 
     words: uint32, height x width, C-contiguous
     """
-    picture = words.view(np.uint8).reshape(*words.shape, 4)
-    if struct.pack("=I", 1)[0] == 1:  # the bytes are b, g, r, a
-        blue = picture[..., 0].copy()
-        picture[..., 0] = picture[..., 2]
-        picture[..., 2] = blue
-    else:  # a, r, g, b
-        picture[...] = np.roll(picture, -1, axis=-1)
-    return picture
+    flat = words.reshape(-1)
+    for first in range(0, flat.size, _BLOCK):
+        part = flat[first : first + _BLOCK]
+        swapped = part & _RED_AND_BLUE
+        part &= _ALPHA_AND_GREEN
+        part |= swapped << _HALF
+        swapped >>= _HALF
+        part |= swapped
+    if sys.byteorder == "big":
+        words.byteswap(inplace=True)
+    return words.view(np.uint8).reshape(*words.shape, 4)
 
 
 def _chunk(kind: bytes, data: bytes) -> bytes:
