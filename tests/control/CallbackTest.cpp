@@ -294,6 +294,7 @@ TEST_P(CallsInsideEveryEvent, OfOneMethodAtATimeLeaveTheViewerWhole) {
 
 TEST_P(CallsInsideEveryEvent, OfAllMethodsAfterEachOtherLeaveTheViewerWhole) {
     std::vector<const AutomationMethod*> methods;
+    methods.reserve(AutomationMethods().size());
     for (const AutomationMethod& method : AutomationMethods()) methods.push_back(&method);
     for (int pass = 0; pass < 2; ++pass) {
         ImportTriangle(*pane);
