@@ -17,6 +17,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_UtilsLantern/include/KV_UtilsLa
 set_target_properties(kv_msrdll PROPERTIES EXPORT_NAME MSRDLL)
 set_target_properties(kv_components PROPERTIES EXPORT_NAME KV_Components)
 set_target_properties(kv_utils_lantern PROPERTIES EXPORT_NAME KV_UtilsLantern)
+target_compile_features(KV_ScenePane INTERFACE cxx_std_20)  # of its C++ headers; projects in plain C have no use for it
 # All four lie in one folder: in the build folder, where they are installed, and in the Python package, which copies them.
 set_target_properties(KV_ScenePane kv_msrdll kv_components kv_utils_lantern
                       PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
