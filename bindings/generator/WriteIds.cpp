@@ -65,7 +65,8 @@ std::string IdsHeader(const Surface& surface) {
         "/* Ids of the automation surface and the values of its modes. Made by generate-bindings from the automation\n"
         "   table and the public headers of C++: do not edit. What the members do is in docs/automation.md. */\n"
         "#ifndef KV_SCENEPANE_IDS_H\n"
-        "#define KV_SCENEPANE_IDS_H\n";
+        "#define KV_SCENEPANE_IDS_H\n"
+        "/* clang-format off */\n";
     text.append(Section("methods", "", "METHOD_COUNT", surface.methods));
     text.append(Section("properties", "PROPERTY_", "PROPERTY_COUNT", surface.properties));
     text.append(Section("events", "EVENT_", "EVENT_COUNT", surface.events));

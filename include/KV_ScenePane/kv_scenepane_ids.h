@@ -2,6 +2,7 @@
    table and the public headers of C++: do not edit. What the members do is in docs/automation.md. */
 #ifndef KV_SCENEPANE_IDS_H
 #define KV_SCENEPANE_IDS_H
+/* clang-format off */
 
 /* ---- methods */
 
