@@ -182,6 +182,7 @@ void RecreateOpenglContext(RandomRun& run) {
     model.ClearData();
     const bool refused = run.random.Chance(0.15);  // ends the run
     if (refused && model.hasPicture) model.Fire("ReadyStateChange");
+    if (model.blocked) model.view.sizeKnown = false;  // the next frame stores the size
     const std::int32_t version = refused ? 99 : 3;
     run.Call("RecreateOpenglContext", {version, 3, run.random.OneOf<std::int32_t>({0, 4})},
              {.result = std::int16_t{-1}});

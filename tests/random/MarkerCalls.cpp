@@ -106,7 +106,9 @@ void FindNearestPickPointSphere(RandomRun& run) {
     run.Require(id >= 0, "no sphere was found");
     const double found = PixelDistance(run.model.spheres[static_cast<std::size_t>(id)], view, x, y);
     // Each coordinate may be rounded to another pixel.
-    run.Require(std::sqrt(found) <= std::sqrt(nearest) + 3, "a sphere that is not the nearest one");
+    run.Require(std::sqrt(found) <= std::sqrt(nearest) + 3,
+                "sphere " + std::to_string(id) + " is at " + std::to_string(std::sqrt(found)) +
+                    " pixels, the nearest one at " + std::to_string(std::sqrt(nearest)));
 }
 
 // ---- needles
