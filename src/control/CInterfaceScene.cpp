@@ -18,8 +18,7 @@ namespace {
 /// @return what a text function returns
 std::size_t CopyText(std::string_view text, char* buffer, std::size_t capacity) {
     if (capacity > 0) {
-        const std::size_t copied = std::min(text.size(), capacity - 1);
-        std::memcpy(buffer, text.data(), copied);
+        const std::size_t copied = text.copy(buffer, capacity - 1);  // a text without characters may have no address
         buffer[copied] = '\0';
     }
     return text.size();
