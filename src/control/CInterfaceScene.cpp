@@ -2,7 +2,6 @@
 // of properties.
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <limits>
 
 #include "KV_ScenePane/CutMask.h"
