@@ -29,7 +29,8 @@ public:
     /// With a value that is no DrawMode no objects are drawn. A change invalidates with erase and marks the control as
     /// modified.
     virtual void SetDrawMode(std::int16_t value) = 0;
-    /// Whether draw mode 0 shows a tenth of the points while a drag moves the view. Persisted; false at first.
+    /// Whether objects are drawn as points, one for every tenth triangle, while a drag moves the view: in every draw mode
+    /// but boxes. Persisted; false at first.
     virtual VARIANT_BOOL GetMoveReduced() = 0;
     /// A change invalidates with erase and marks the control as modified.
     virtual void SetMoveReduced(VARIANT_BOOL value) = 0;

@@ -216,7 +216,8 @@ KV_API kv_status kv_pick_surface(kv_pane* pane, int32_t x, int32_t y, kv_surface
 /* Text functions write at most capacity bytes with the zero at the end, and return the length without it. A return
    value of capacity or more means that the text was cut off. buffer may be null with capacity 0. */
 
-/* Path or name of an object; 0 with kv_last_error() set for a bad index. */
+/* The path of the scan that an object was read from, or the host's name for it; empty for objects of mesh files. 0 with
+   kv_last_error() set for a bad index. */
 KV_API size_t kv_object_name(kv_pane* pane, int32_t index, char* buffer, size_t capacity);
 /* 1 when the vertices of the object have colours, else 0; also 0 for a bad index. */
 KV_API int32_t kv_object_has_colors(kv_pane* pane, int32_t index);

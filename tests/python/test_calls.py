@@ -309,6 +309,7 @@ class Calls(unittest.TestCase):
             lambda: self.pane.cut(-1, [(0, 0), (1, 0), (1, 1)]),
             lambda: self.pane.cut(0, [(0, 0)]),
             lambda: self.pane.cut(0, [0, 1, 2]),
+            lambda: self.pane.cut(kv.SegmentationMode.FreehandInside, np.zeros((0, 2))),
             lambda: self.pane.align([((0, 0), (1, 1, 1))]),
             lambda: kv.ScenePane.offscreen(0, 10),
             lambda: kv.ScenePane.offscreen(10, 32768),
@@ -316,6 +317,18 @@ class Calls(unittest.TestCase):
         ):
             with self.assertRaises(ValueError):
                 call()
+
+    def test_AFreehandLassoOfOnePointCutsWhatIsUnderIt(self) -> None:
+        # The pane of the other tests has no picture: there a lasso changes nothing.
+        with kv.ScenePane.offscreen(64, 48, gpu=kv.SOFTWARE) as pane:
+            vertices = np.array([[0, 0, 0], [10, 0, 0], [5, 10, 0]], np.float32)
+            pane.ImportMeshFromMemory(vertices=vertices, triangles=np.array([[0, 1, 2]], np.int32))
+            pane.CenterView()
+            modes = kv.SegmentationMode
+            with self.assertRaises(ValueError):
+                pane.cut(modes.PolygonInside, [(0.5, 0.5)])
+            self.assertIs(pane.cut(modes.FreehandOutside, [(0.5, 0.5)]), True)
+            self.assertEqual(pane.GetMeshDataSize(0), (0, 0))
 
     def test_WhatChangesWhileItIsReadCannotLeadBeyondTheList(self) -> None:
         class Index:

@@ -22,7 +22,7 @@ from ._records import (
     SurfacePoint,
     read_cut_mask,
 )
-from ._surface import Surface
+from ._surface import SegmentationMode, Surface
 from ._values import check_int
 
 
@@ -76,7 +76,8 @@ class Scene(Surface):
         self._check(library.kv_pick_surface(self._live(), column, row, ctypes.byref(hit)), "pick")
         if hit.object < 0:
             return None
-        return SurfacePoint(hit.object, hit.triangle, (hit.point[0], hit.point[1], hit.point[2]), hit.distance)
+        point = (hit.point[0], hit.point[1], hit.point[2])
+        return SurfacePoint(hit.object, hit.triangle, point, hit.distance)
 
     def graphics_info(self) -> GraphicsInfo:
         """What draws the pane. Error without a window."""
@@ -112,16 +113,19 @@ class Scene(Surface):
         """Cuts all visible objects by a lasso, as if an operator had drawn it.
 
         mode: a SegmentationMode
-        points: n x 2 numbers, at least two points: fractions 0 to 1 of the drawing area, y downward
+        points: n x 2 numbers, fractions of the drawing area from 0 to below 1, y downward; at least
+        two of a polygon, at least one of a freehand lasso
         Returns whether an object has changed.
         """
         number = check_int("cut", "mode", mode)
         if not 0 <= number <= 5:
             raise ValueError(f"cut(): mode is {number}, not 0 to 5")
         corners = np.array(points, np.float64, order="C")
-        if corners.ndim != 2 or corners.shape[1] != 2 or len(corners) < 2:
+        least = 1 if number >= SegmentationMode.FreehandOutside else 2
+        if corners.ndim != 2 or corners.shape[1] != 2 or len(corners) < least:
             raise ValueError(
-                f"cut(): points has the shape {corners.shape}, but must have n x 2, n of at least 2"
+                f"cut(): points has the shape {corners.shape}, "
+                f"but must have n x 2, n of at least {least}"
             )
         changed = ctypes.c_int32()
         status = library.kv_cut_with_lasso(
