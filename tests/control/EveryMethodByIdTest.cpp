@@ -1,9 +1,11 @@
 // Every method of the surface by its id on a real viewer, from C++ and from C: with right arguments it has its effect,
 // with missing, too many or wrongly typed ones there is a clear refusal and nothing happens.
+#include <GL/glew.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <set>
@@ -17,6 +19,7 @@
 #include "control/CInterfacePane.h"
 #include "control/ScenePaneHandle.h"
 #include "control/ViewerSnapshot.h"
+#include "platform/ComponentRegistry.h"
 #include "support/ControlFixture.h"
 #include "support/ScratchFolder.h"
 #include "support/TestFolder.h"
@@ -32,6 +35,14 @@ int32_t CountEvent(void* user, int32_t, const kv_value*, size_t) {
     return 0;
 }
 
+int32_t CountAbout(void* user, const char*, const char*) {
+    ++*static_cast<int*>(user);
+    return 0;
+}
+
+constexpr std::size_t kSlotWords = 64;  ///< of m_buffer, per argument
+constexpr std::uint32_t kNotWritten = 0x5A5A5A5A;
+
 /// A viewer with one of everything that an id or an index names, all with the number 0.
 class TestSurface {
 public:
@@ -41,6 +52,8 @@ public:
         request.width = 60;
         request.height = 40;
         request.gpu = KV_SOFTWARE;
+        request.show_about = CountAbout;
+        request.user = &m_events;
         m_pane = kv_create(&request);
         if (m_pane == nullptr) throw std::runtime_error(kv_last_error());
         KV_ScenePane::_DKV_ScenePane& methods = Methods();
@@ -60,6 +73,10 @@ public:
         m_buffer.resize(std::size_t{2048} * 2048);
         for (std::size_t i = 0; i < 3; ++i) m_mesh.m_vVertices.push_back({corners[3 * i], corners[3 * i + 1], 0});
         m_mesh.m_vTriangles.push_back({{0, 1, 2}});
+        std::ofstream(m_folder / "triangle.ply") << "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
+                                                    "property float y\nproperty float z\nelement face 1\n"
+                                                    "property list uchar int vertex_indices\nend_header\n"
+                                                    "0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n";
     }
     ~TestSurface() { kv_destroy(m_pane); }
     TestSurface(const TestSurface&) = delete;
@@ -67,7 +84,16 @@ public:
 
     KV_ScenePane::_DKV_ScenePane& Methods() { return m_pane->m_pViewer->Methods(); }
     CKV_ScenePaneCtrl& Control() { return ControlOf(*m_pane->m_pViewer); }
-    std::string Snapshot() { return ViewerSnapshot(Control()).Text(); }
+    /// The viewer, the material of its context, the files that it may have written, and the registry of the process.
+    std::string Snapshot() {
+        CKV_ScenePaneCtrl& control = Control();
+        std::array<float, 4> specular{};
+        if (control.MakeContextCurrent()) glGetMaterialfv(GL_FRONT, GL_SPECULAR, specular.data());
+        const ComponentPtr component(KV_Components_Ordinal2("{312F34D3-886E-4DEB-8B33-D8F9B923D637}"));
+        return ViewerSnapshot(control).Text() + "specular " + std::to_string(specular[0]) + "\nfiles " +
+               std::to_string(m_folder.FileCount()) + (component == nullptr ? "\n" : "\nregistry\n");
+    }
+    [[nodiscard]] bool IsPaintPending() { return Control().m_pWindow->IsPaintPending(); }
     std::vector<std::uint32_t> Pixels() {
         KV_ScenePane::Picture picture;
         EXPECT_TRUE(m_pane->m_pViewer->CapturePicture(&picture));
@@ -89,13 +115,22 @@ public:
                 return m_path.c_str();
             default:
                 if (name == "mesh") return static_cast<void*>(&m_mesh);
-                return static_cast<void*>(m_buffer.data());
+                return static_cast<void*>(Slot(place));
         }
     }
     Arguments RightArguments(const AutomationMethod& method) {
         std::ranges::fill(m_buffer, 0u);  // an output of another method is no input
         Arguments arguments;
-        for (std::size_t i = 0; i < method.arguments.size(); ++i) arguments.push_back(RightArgument(method, i));
+        for (std::size_t i = 0; i < method.arguments.size(); ++i) {
+            arguments.push_back(RightArgument(method, i));
+            if (method.arguments[i].output) std::fill_n(Slot(i), kSlotWords, kNotWritten);
+        }
+        if (method.name == "ImportMesh") arguments[0] = m_meshFile.c_str();
+        if (method.name == "ExportMesh") arguments[1] = m_exportFile.c_str();
+        if (method.name == "ImportMeasurementFromMemory")
+            arguments = {
+                3,   3, static_cast<void*>(m_points), static_cast<void*>(m_confidence), static_cast<void*>(m_trafo),
+                0xFF};
         if (method.name == "RecreateOpenglContext") arguments = {3, 3, 0};
         if (method.name == "SetViewParams")
             std::ranges::copy(std::array{0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 1.0f}, arguments.begin());
@@ -109,6 +144,15 @@ public:
         if (method.name == "SetScanSkipVal") arguments[0] = std::int16_t{2};
         if (method.name == "GetCutMasks") arguments[1] = static_cast<void*>(nullptr);
         return arguments;
+    }
+
+    /// Whether a method has written one of its outputs.
+    [[nodiscard]] bool HasWritten(const AutomationMethod& method) {
+        for (std::size_t i = 0; i < method.arguments.size(); ++i)
+            if (method.arguments[i].output &&
+                std::any_of(Slot(i), Slot(i) + kSlotWords, [](std::uint32_t word) { return word != kNotWritten; }))
+                return true;
+        return false;
     }
 
     static kv_value ToC(const AutomationValue& value) {
@@ -142,10 +186,17 @@ public:
         EXPECT_EQ(Snapshot(), before);
     }
 
+    std::uint32_t* Slot(std::size_t place) { return m_buffer.data() + kSlotWords * place; }
+
     CapturedDebugOutput m_debugOutput;
     ScratchFolder m_folder;
     std::wstring m_path = KV_ScenePane::WidePath(m_folder / "missing.stl");
-    std::vector<std::uint32_t> m_buffer;
+    std::wstring m_meshFile = KV_ScenePane::WidePath(m_folder / "triangle.ply");
+    std::wstring m_exportFile = KV_ScenePane::WidePath(m_folder / "exported.stl");
+    float m_points[27] = {0, 0, 0, 1, 0, 0, 2, 0, 0, 0, 1, 0, 1, 1, 0, 2, 1, 0, 0, 2, 0, 1, 2, 0, 2, 2, 0};
+    float m_confidence[9] = {1, 1, 1, 1, 1, 1, 1, 1, 1};
+    float m_trafo[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    std::vector<std::uint32_t> m_buffer;  // a slot per argument; of a screenshot all of it
     std::int32_t m_freeId[1] = {9};
     KV_ScenePane::MeshBuffers m_mesh{false};
     kv_pane* m_pane = nullptr;
@@ -160,21 +211,57 @@ const std::pair<char, AutomationValue> kOneOfEachType[] = {{'v', std::monostate(
                                                            {'w', static_cast<const wchar_t*>(nullptr)},
                                                            {'p', static_cast<void*>(nullptr)}};
 
-/// Methods that change nothing which a snapshot has, or not with these arguments: what they return, a frame, or what
-/// was so already.
-const std::set<std::string_view> kWithoutChange = {
-    "FindNearestPickPointSphere", "GetPickPointSphereCoords", "GetNumberOfPickPointSpheres", "GetPickMode",
-    "GetCrossColor", "GetViewDirection", "GetNumObjects", "GetObjectColor", "GetMeshDataSize", "PerformRefresh",
-    "GetTrafoOfScan", "GetObjectCenter", "GetViewParams", "GetShadowMode", "PerformInvalidate", "GetObjectBoundingBox",
-    "GetLine3DDrawingMode", "GetScanSkipVal", "IsAnimationRunning", "CaptureScreenShot", "GetScreenShotResolution",
-    "GetClipPlane", "GetNeedlePickingMode", "GetNeedleDrawingMode", "GetNumberOfNeedles", "GetNeedle", "GetNeedles",
-    "GetCutMasks", "SetMeshFilename_Removed", "AboutBox", "InitializeKVReg", "FinalizeKVReg", "SetReflection",
-    // nothing is there to clear, to end or to take back
-    "ClearUndoStack", "PerformUndo", "ResetSelection", "ResetVariableObjects", "EndSegmentation", "FinishInteraction",
-    "EndParallelImport", "StopAnimation", "ClearCutMasks", "SetClipPlaneDisabled", "CenterView",
-    "DisplayClipPlanePartCloseToData",
-    // a missing file, a flag that is not what is exported, a grid of one pixel
-    "ImportMesh", "ExportMesh", "ImportMeasurementFromMemory"};
+/// Methods whose only effect is their result.
+const std::set<std::string_view> kReturnOnly = {"FindNearestPickPointSphere",
+                                                "GetNumberOfPickPointSpheres",
+                                                "GetPickMode",
+                                                "GetCrossColor",
+                                                "GetNumObjects",
+                                                "GetObjectColor",
+                                                "GetShadowMode",
+                                                "GetLine3DDrawingMode",
+                                                "GetScanSkipVal",
+                                                "IsAnimationRunning",
+                                                "GetNeedlePickingMode",
+                                                "GetNeedleDrawingMode",
+                                                "GetNumberOfNeedles"};
+
+void Cut(TestSurface& surface) {
+    constexpr KV_ScenePane::LassoPoint kLeftPart[] = {{0.02, 0.02}, {0.02, 0.97}, {0.5, 0.97}, {0.5, 0.02}};
+    EXPECT_TRUE(surface.m_pane->m_pViewer->CutWithLasso(KV_ScenePane::PolygonInside, kLeftPart));
+}
+
+/// What must be there for a method to clear, to end, to take back or to return.
+const std::map<std::string_view, void (*)(TestSurface&)> kPreparations = {
+    {"FindNearestPickPointSphere", [](TestSurface& s) { s.Methods().ClearPickPointSpheres(); }},  // returns -1
+    {"GetPickMode", [](TestSurface& s) { s.Methods().SetPickMode(2); }},
+    {"GetCrossColor", [](TestSurface& s) { s.Methods().SetCrossColor(5); }},
+    {"GetObjectColor", [](TestSurface& s) { s.Methods().SetObjectColor(0, 5); }},
+    {"GetShadowMode", [](TestSurface& s) { s.Methods().SetShadowMode(1); }},
+    {"GetLine3DDrawingMode", [](TestSurface& s) { s.Methods().SetLine3DDrawingMode(-1); }},
+    {"GetScanSkipVal", [](TestSurface& s) { s.Methods().SetScanSkipVal(3); }},
+    {"IsAnimationRunning", [](TestSurface& s) { s.Methods().StartAnimation(1); }},
+    {"GetNeedlePickingMode", [](TestSurface& s) { s.Methods().SetNeedlePickingMode(-1); }},
+    {"GetNeedleDrawingMode", [](TestSurface& s) { s.Methods().SetNeedleDrawingMode(-1); }},
+    {"PerformRefresh", [](TestSurface& s) { s.Methods().PerformInvalidate(); }},
+    {"ClearUndoStack", Cut},
+    {"PerformUndo", Cut},
+    {"ClearCutMasks", Cut},
+    {"ResetSelection", [](TestSurface& s) { s.Methods().AddSelection(0); }},
+    {"ResetVariableObjects", [](TestSurface& s) { s.Methods().AddVariableObject(0); }},
+    {"EndSegmentation", [](TestSurface& s) { s.Methods().StartSegmentation(0); }},
+    {"FinishInteraction", [](TestSurface& s) { s.Methods().AlignInteractive(); }},
+    {"EndParallelImport",
+     [](TestSurface& s) {
+         void* control = nullptr;
+         KV_ScenePane::ImportMeasurementEntry entry = nullptr;
+         s.Methods().BeginParallelImport(&control, &entry);
+     }},
+    {"StopAnimation", [](TestSurface& s) { s.Methods().StartAnimation(1); }},
+    {"SetClipPlaneDisabled", [](TestSurface& s) { s.Methods().SetClipPlaneEnabled(0); }},
+    {"CenterView", [](TestSurface& s) { s.Methods().SetViewParams(1, 0, 0, 0, 1, 0, 70, 80, 90, 2, 0); }},
+    {"DisplayClipPlanePartCloseToData", [](TestSurface& s) { s.Methods().SetClipPlane(70, 80, 5, 0, 0, 1); }},
+    {"FinalizeKVReg", [](TestSurface& s) { s.Methods().InitializeKVReg(); }}};
 
 }  // namespace
 
@@ -243,28 +330,33 @@ class EveryMethodByIdWith : public testing::TestWithParam<bool> {};
 }  // namespace
 
 TEST_P(EveryMethodByIdWith, RightArgumentsHasItsEffect) {
-    std::unique_ptr<TestSurface> viewer;  // another one after each effect
     for (const AutomationMethod& method : AutomationMethods()) {
         SCOPED_TRACE(method.name);
-        if (viewer == nullptr) viewer = std::make_unique<TestSurface>();
-        TestSurface& surface = *viewer;
+        TestSurface surface;
+        if (const auto found = kPreparations.find(method.name); found != kPreparations.end()) found->second(surface);
         const std::string before = surface.Snapshot();
+        const bool wasPending = surface.IsPaintPending();
         surface.m_events = 0;
         const Arguments arguments = surface.RightArguments(method);
-        bool hasResult = false;
+        kv_value result{};
         if (GetParam()) {
-            kv_value result{KV_INT64, {.i64 = 77}};
+            result = {KV_INT64, {.i64 = 77}};
             EXPECT_EQ(surface.InvokeInC(method.id, arguments, &result), KV_DONE) << kv_last_error();
-            hasResult = result.type != KV_VOID;
         } else {
-            AutomationValue result;
-            EXPECT_EQ(InvokeMethod(surface.Methods(), method.id, arguments, &result), AutomationStatus::Done);
-            hasResult = !std::holds_alternative<std::monostate>(result);
+            AutomationValue value;
+            EXPECT_EQ(InvokeMethod(surface.Methods(), method.id, arguments, &value), AutomationStatus::Done);
+            result = TestSurface::ToC(value);
         }
-        EXPECT_EQ(hasResult, method.result != "void");
-        const bool hasEffect = surface.Snapshot() != before || surface.m_events > 0;
-        EXPECT_EQ(hasEffect, !kWithoutChange.contains(method.name));
-        if (hasEffect) viewer.reset();
+        EXPECT_EQ(result.type != KV_VOID, method.result != "void");
+        bool hasEffect = surface.Snapshot() != before || surface.m_events > 0 || surface.HasWritten(method);
+        if (kReturnOnly.contains(method.name)) {
+            EXPECT_FALSE(hasEffect);
+            hasEffect = result.type == KV_SHORT ? result.as.i16 != 0 : result.as.i32 != 0;
+        }
+        if (method.name == "PerformRefresh" || method.name == "PerformInvalidate")
+            hasEffect = surface.IsPaintPending() != wasPending;
+        EXPECT_EQ(hasEffect, method.name != "SetMeshFilename_Removed");
+        if (method.name == "InitializeKVReg") surface.Methods().FinalizeKVReg();  // they are counted
     }
 }
 INSTANTIATE_TEST_SUITE_P(Interfaces, EveryMethodByIdWith, testing::Bool(),
