@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <iterator>
+#include <utility>
+#include <vector>
 
 #include "TextParts.h"
 
@@ -46,12 +49,20 @@ struct Phrase {
 
 constexpr Phrase kPhrases[] = {
     {"std::runtime_error", "kv.Error"},
-    {"std::exception", "kv.Error"},
     {"std::bad_alloc", "kv.Error"},
     {"ScenePane::GetCutSaveResults()", "cut_save_entries()"},
     {"HasWindow()", "has_window"},
     {"ProcessEvents()", "process_events()"},
-    {"showMessage", "on_message"},
+    {", and one line of the debugger output has its path and the reason; a ply file throws the reason as well",
+     ", and the reason is an exception"},
+    {"A file that adds nothing is reported in the debugger output.", "A file that adds nothing is an exception."},
+    {"what the hook throws", "what on_about raises"},
+    {"Without that hook", "Without on_about"},
+    {"What showMessage throws", "What on_message raises"},
+    {"kv.Error, and what handlers and hooks throw",
+     "kv.Error when memory is short, and what handlers and on_message raise"},
+    {"when the handler throws", "when the handler raises"},
+    {"1 when there was at least one file to write, else 0.", "True when there was at least one file to write."},
     {"showAbout of the window request", "on_about"},
     {" (Modes.h)", ""},
     {" (Cutting.h)", ""},
@@ -59,12 +70,9 @@ constexpr Phrase kPhrases[] = {
     {"as in KeyInput (Input.h)", "as in send_key()"},
     {"address of the ACAD::CutMask (CutMask.h), owned by the viewer",
      "for ScenePane.cut_mask() while the handler runs"},
-    {"kVariantTrue", "True"},
-    {"SetDrawMode()", "the property DrawMode"},
     {"receives the ", "the "},
     {"receives one", "one"},
     {"receive 3 floats", "3 floats"},
-    {"kv.Error  ", "kv.Error: "},
     {"the outputs are then untouched", "the numbers are then 0"},
     {"of the host", "of the program"},
     {"the host", "the program"},
@@ -75,8 +83,38 @@ constexpr Phrase kPhrases[] = {
     {"The index must be one that AddOverlayData() returned.",
      "IndexError for any other index than those that "
      "AddOverlayData() returned."},
-    {"3 indices per triangle; not checked", "3 indices per triangle; IndexError for one that no vertex has"},
+    {"3 indices per triangle; not checked",
+     "3 indices per triangle; IndexError for one that no vertex has. No other thread may write to the arrays during "
+     "the call"},
 };
+
+// What Python itself raises, in place of what the text of C++ says of exceptions.
+struct RaisesRow {
+    std::string_view method, text;
+};
+
+constexpr RaisesRow kRaises[] = {
+    {"ImportMesh",
+     "kv.ImportFailed: no object was added; its reason is the line of the debugger output, which is not written then. "
+     "Between BeginParallelImport() and EndParallelImport() some files are refused by that line alone"},
+    {"ImportScan",
+     "kv.ImportFailed: no object was added; its reason is the line of the debugger output, which is not written then. "
+     "Between BeginParallelImport() and EndParallelImport() there is the line alone"},
+    {"ExportMesh", "kv.Error: no file was written, with the reason. IndexError: there is no such object"},
+    {"ImportMeshedMeasurement", "kv.ImportFailed: memory is short, nothing was added"},
+    {"ImportMeasurementFromMemory",
+     "kv.ImportFailed: nothing was added, with the reason, such as a grid without a triangle while "
+     "SetAllowEmptyObjects() is off. Between BeginParallelImport() and EndParallelImport() only when memory is short"},
+    {"ImportMeshFromMemory",
+     "kv.ImportFailed: memory is short, nothing was added. IndexError: triangles hold an index that no vertex has"},
+};
+
+// Arguments that may be None.
+constexpr std::pair<std::string_view, std::string_view> kOptional[] = {{"AddOverlayData", "argbU8DataPtrHack"},
+                                                                       {"CreateLine3D", "XYZs"},
+                                                                       {"ImportPoints", "xyz"},
+                                                                       {"ImportPoints", "colors"},
+                                                                       {"ImportMeshedMeasurement", "filename"}};
 
 // Whole words that are written otherwise in Python.
 constexpr Phrase kWords[] = {{"null", "None"}, {"Null", "None"}, {"true", "True"}, {"false", "False"}};
@@ -91,6 +129,12 @@ void Replace(std::string& text, const Phrase& phrase, bool isWord) {
         if (!isWord || !isPart) text.replace(at, phrase.from.size(), phrase.to);
         at += phrase.to.size();
     }
+}
+
+/// What the docstring says of exceptions, still in the words of C++ unless Python has its own.
+std::string_view RaisesOf(const Member& member) {
+    const RaisesRow* row = std::ranges::find(kRaises, std::string_view(member.name), &RaisesRow::method);
+    return row == std::end(kRaises) ? std::string_view(member.throws) : row->text;
 }
 
 std::string InPython(std::string text) {
@@ -146,41 +190,29 @@ std::string ShapeText(const Argument& argument) {
 
 constexpr std::string_view kIndent = "        ";
 
-// The arguments that share a text are one entry.
-std::string SharedNames(const std::vector<Argument>& arguments, const Argument& first) {
-    std::string names;
-    for (const Argument& argument : arguments)
-        if (argument.text == first.text && argument.output == first.output && argument.shape == first.shape)
-            names.append(names.empty() ? "" : ", ").append(argument.name);
-    return names;
-}
-
-/// Whether an argument before this one has the same text and has it in its entry.
-bool IsInFormerEntry(const std::vector<Argument>& arguments, std::size_t index) {
-    const Argument& own = arguments[index];
-    return std::any_of(
-        arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(index), [&own](const Argument& argument) {
-            return argument.text == own.text && argument.output == own.output && argument.shape == own.shape;
-        });
-}
-
 std::string TextOf(const Member& member, const Argument& argument) {
     std::string text = ShapeText(argument);
     if (!argument.text.empty()) text.append(text.empty() ? "" : ": ").append(InPython(argument.text));
     if (IsLength(member, argument.name))
-        text.append(text.empty() ? "" : "; ").append("follows from the array when it is left out");
+        text.append(text.empty() ? "" : "; ").append("taken from the array when left out");
     return text;
 }
 
+// Arguments that share a text are one entry.
 std::string ArgumentTexts(const Member& member, bool outputs, const std::string& indent) {
-    std::string lines;
-    for (std::size_t i = 0; i < member.arguments.size(); ++i) {
-        const Argument& argument = member.arguments[i];
-        const std::string text = TextOf(member, argument);
-        if (argument.output != outputs || text.empty() || IsInFormerEntry(member.arguments, i)) continue;
-        const std::string names = argument.text.empty() ? argument.name : SharedNames(member.arguments, argument);
-        lines.append(Wrapped(text, std::string(indent).append(names).append(": "), std::string(indent).append("    ")));
+    std::vector<std::pair<std::string, std::string>> entries;  // names and text
+    for (const Argument& argument : member.arguments) {
+        std::string text = TextOf(member, argument);
+        if (argument.output != outputs || text.empty()) continue;
+        const auto entry = std::ranges::find(entries, text, &std::pair<std::string, std::string>::second);
+        if (entry == entries.end())
+            entries.emplace_back(argument.name, std::move(text));
+        else
+            entry->first.append(", ").append(argument.name);
     }
+    std::string lines;
+    for (const auto& [names, text] : entries)
+        lines.append(Wrapped(text, std::string(indent).append(names).append(": "), std::string(indent).append("    ")));
     return lines;
 }
 
@@ -214,7 +246,52 @@ std::string ReturnsText(const Member& method) {
     return lines.append(texts.empty() ? Wrapped(outputs, indent, indent) : texts);
 }
 
+// All texts that become docstrings, as they are in the headers, one per line.
+std::string AllTexts(const Surface& surface) {
+    std::string all;
+    const auto add = [&all](std::string_view text) { all.append(text).append("\n"); };
+    for (const auto* members : {&surface.methods, &surface.properties, &surface.events}) {
+        for (const Member& member : *members) {
+            for (const std::string_view text : {std::string_view(member.text), std::string_view(member.setterText),
+                                                std::string_view(member.returns), RaisesOf(member)})
+                add(text);
+            for (const Argument& argument : member.arguments) add(argument.text);
+        }
+    }
+    for (const ModeList& mode : surface.modes) {
+        add(mode.text);
+        for (const Constant& constant : mode.constants) add(constant.text);
+    }
+    return all;
+}
+
+[[noreturn]] void RefuseUnused(std::string_view text) {
+    throw SourceError(
+        std::string("bindings/generator/PythonText.cpp: no text has \"").append(text).append("\" any more"));
+}
+
+void CheckArgument(const Surface& surface, std::string_view name, std::string_view argument) {
+    const auto method = std::ranges::find(surface.methods, name, &Member::name);
+    const bool hasIt = method != surface.methods.end() &&
+                       (argument.empty() || std::ranges::count(method->arguments, argument, &Argument::name) == 1);
+    if (!hasIt)
+        throw SourceError(std::string("bindings/generator/PythonText.cpp: there is no ")
+                              .append(name)
+                              .append(argument.empty() ? "" : ".")
+                              .append(argument));
+}
+
 }  // namespace
+
+void CheckPhrases(const Surface& surface) {
+    std::string all = AllTexts(surface);
+    for (const Phrase& phrase : kPhrases) {
+        if (all.find(phrase.from) == std::string::npos) RefuseUnused(phrase.from);
+        Replace(all, phrase, false);
+    }
+    for (const RaisesRow& row : kRaises) CheckArgument(surface, row.method, "");
+    for (const auto& [method, argument] : kOptional) CheckArgument(surface, method, argument);
+}
 
 std::string ValueCode(std::string_view type) { return std::string(RowOf(type).code); }
 
@@ -225,14 +302,16 @@ std::string PythonType(std::string_view type) { return std::string(RowOf(type).p
 std::string PythonType(const Argument& argument) {
     if (argument.element == "mesh") return "Mesh";
     if (argument.element == "pointer") return "int";
-    if (!argument.shape.empty()) {
-        const bool isOptional =
-            argument.text.find("null") != std::string::npos || argument.text.find("Null") != std::string::npos;
-        return "NDArray[np." + argument.element + "]" + (isOptional && !argument.output ? " | None" : "");
-    }
+    if (!argument.shape.empty()) return "NDArray[np." + argument.element + "]";
     const bool isPath = argument.name == "path" || argument.name == "filename";
     if (argument.type == "BSTR" && isPath) return "PathLike";
     return PythonType(argument.type);
+}
+
+std::string PythonInputType(const Member& method, const Argument& argument) {
+    const std::pair<std::string_view, std::string_view> key(method.name, argument.name);
+    const bool isOptional = std::ranges::find(kOptional, key) != std::end(kOptional);
+    return PythonType(argument).append(isOptional ? " | None" : "");
 }
 
 bool IsLength(const Member& method, std::string_view name) {
@@ -246,9 +325,9 @@ std::string MethodDocString(const Member& method) {
     std::string text = Paragraphs(InPython(method.text), kIndent);
     text.append(Section("Arguments", ArgumentTexts(method, false, std::string(kIndent).append("    "))));
     text.append(Section("Returns", ReturnsText(method)));
-    if (!method.throws.empty()) {
+    if (const std::string_view raises = RaisesOf(method); !raises.empty()) {
         const std::string indent = std::string(kIndent).append("    ");
-        text.append(Section("Raises", Wrapped(InPython(method.throws), indent, indent)));
+        text.append(Section("Raises", Wrapped(InPython(std::string(raises)), indent, indent)));
     }
     return Quoted(std::move(text), kIndent);
 }
@@ -265,7 +344,8 @@ std::string ClassDocString(const Surface& surface) {
         "The automation surface of a viewer.\n\n"
         "Colours are 0x00BBGGRR. An object index is a position in the object list, from 0. Points and directions are "
         "in the world frame, lengths in scene units, angles in degrees. Input arrays are read during the call only, "
-        "without a copy. Unless a method says otherwise it reports no error and asks for no repaint.";
+        "without a copy, and no other thread may write to them meanwhile. Unless a method says otherwise it reports no "
+        "error and asks for no repaint.";
     return Quoted(Paragraphs(std::string(kText), "    "), "    ");
 }
 

@@ -18,9 +18,16 @@ namespace bindings {
 [[nodiscard]] std::string PythonType(std::string_view type);
 /// Annotation of an argument; of an output that of the value that is returned.
 [[nodiscard]] std::string PythonType(const Argument& argument);
+/// Annotation of an input, which may be None for some.
+[[nodiscard]] std::string PythonInputType(const Member& method, const Argument& argument);
 
 /// Whether an argument only gives the length of an array among the arguments.
 [[nodiscard]] bool IsLength(const Member& method, std::string_view name);
+
+/// Refuses a surface that has lost a text, a method or an argument that Python words otherwise, so that these stay
+/// together.
+/// @throws SourceError
+void CheckPhrases(const Surface& surface);
 
 // Docstrings with their quotes, indented as where they belong, ended by a line feed.
 

@@ -85,31 +85,49 @@ std::string ResultType(const Member& method, std::string_view prefix) {
     return outputs.empty() ? PythonType(method.type) : PythonType(outputs.front());
 }
 
-/// "self, idx: int, color: int"; arguments that only give the length of an array may be left out, and so, for the
-/// language, may those after them.
-std::string Parameters(const Member& method, bool isStub) {
+// How the parameters of a method are written. Arguments that only give the length of an array may be left out, and so,
+// for the language, may those after them: the code has a mark as their default, and the stub says by two overloads that
+// they are needed, after the lengths by position or without them by keyword.
+enum class Form { Code, Positional, Keyword };
+
+/// "self, idx: int, color: int".
+std::string Parameters(const Member& method, Form form) {
     std::string text = "self";
-    bool hasDefault = false;
+    bool isAfterLength = false, hasStar = false;
     for (const Argument& argument : Inputs(method)) {
-        text.append(", ").append(argument.name).append(": ").append(PythonType(argument));
-        if (IsLength(method, argument.name)) {
-            text.append(isStub ? " | None = ..." : " | None = None");
-            hasDefault = true;
-        } else if (hasDefault) {
-            text.append(isStub ? " = ..." : " = REQUIRED");
+        const bool isLength = IsLength(method, argument.name);
+        if (form == Form::Keyword && isAfterLength && !isLength && !hasStar) {
+            text.append(", *");
+            hasStar = true;
         }
+        text.append(", ").append(argument.name).append(": ").append(PythonInputType(method, argument));
+        if (isLength)
+            text.append(form == Form::Code ? " | None = None" : form == Form::Keyword ? " | None = ..." : " | None");
+        if (!isLength && isAfterLength && form == Form::Code) text.append(" = REQUIRED");
+        isAfterLength = isAfterLength || isLength;
     }
     return text;
 }
 
-std::string Definition(const Member& method, bool isStub) {
+std::string Definition(const Member& method, Form form) {
     std::string text = "    def ";
     return text.append(method.name)
         .append("(")
-        .append(Parameters(method, isStub))
+        .append(Parameters(method, form))
         .append(") -> ")
         .append(ResultType(method, ""))
         .append(":");
+}
+
+bool HasLength(const Member& method) {
+    return std::ranges::any_of(Inputs(method), [&method](const Argument& a) { return IsLength(method, a.name); });
+}
+
+std::string StubOf(const Member& method) {
+    const std::string positional = Broken(Definition(method, Form::Positional).append(" ..."), 4);
+    if (!HasLength(method)) return positional;
+    const std::string keyword = Broken(Definition(method, Form::Keyword).append(" ..."), 4);
+    return std::string("    @overload\n").append(positional).append("    @overload\n").append(keyword);
 }
 
 // The words after the name of a method in its call: tags and values, or values alone.
@@ -257,7 +275,7 @@ std::string SurfaceModule(const Surface& surface) {
     for (const Member& property : surface.properties) text.append(PropertyText(property, false));
     for (const Member& method : surface.methods)
         text.append("\n")
-            .append(Broken(Definition(method, false), 8))
+            .append(Broken(Definition(method, Form::Code), 8))
             .append(MethodDocString(method))
             .append(Body(method));
     text.append("\n\nMETHODS = (\n");
@@ -271,7 +289,7 @@ std::string SurfaceStub(const Surface& surface) {
     std::string text(kHead);
     text.append(
         "import enum\n"
-        "from typing import Literal, NamedTuple\n\n"
+        "from typing import Literal, NamedTuple, overload\n\n"
         "import numpy as np\n"
         "from numpy.typing import NDArray\n\n"
         "from ._calls import Calls, Method, Property\n"
@@ -286,13 +304,14 @@ std::string SurfaceStub(const Surface& surface) {
     text.append("\n\nclass Surface(Calls):\n    __slots__ = ()\n");
     for (const Member& property : surface.properties) text.append(PropertyText(property, true));
     text.append("\n");
-    for (const Member& method : surface.methods) text.append(Broken(Definition(method, true).append(" ..."), 4));
+    for (const Member& method : surface.methods) text.append(StubOf(method));
     return text;
 }
 
 }  // namespace
 
 std::map<std::string, std::string> PythonFiles(const Surface& surface) {
+    CheckPhrases(surface);
     return {{"_surface.py", SurfaceModule(surface)}, {"_surface.pyi", SurfaceStub(surface)}};
 }
 

@@ -1,6 +1,8 @@
 """The introduction of docs/automation.md: its examples run, and what it names exists."""
 
+import ast
 import contextlib
+import inspect
 import io
 import os
 import re
@@ -11,6 +13,7 @@ import unittest
 from pathlib import Path
 
 import kv_scenepane as kv
+from kv_scenepane import _arrays
 
 SOURCE = Path(os.environ["KV_SOURCE_DIR"])
 TEXT = (SOURCE / "docs" / "automation.md").read_text(encoding="utf-8")
@@ -103,6 +106,26 @@ class Names(unittest.TestCase):
                        for h in re.findall(r"^#+ (.*)$", text, re.MULTILINE)]
             if anchor:
                 self.assertIn(anchor, anchors)
+
+
+class Stubs(unittest.TestCase):
+    def test_arrays_may_be_none_where_the_package_accepts_it(self) -> None:
+        text = Path(kv.__file__).with_name("_surface.pyi").read_text(encoding="utf-8")
+        optional = {
+            (method.name, argument.arg)
+            for method in ast.walk(ast.parse(text))
+            if isinstance(method, ast.FunctionDef)
+            for argument in method.args.args + method.args.kwonlyargs
+            if argument.annotation and re.match("NDArray.* None", ast.unparse(argument.annotation))
+        }
+        self.assertEqual(optional, _arrays._OPTIONAL)
+
+    def test_help_marks_what_is_required(self) -> None:
+        signature = str(inspect.signature(kv.ScenePane.ImportMeshFromMemory))
+        self.assertIn("= <required>", signature)
+        with kv.ScenePane.no_picture() as pane:
+            with self.assertRaisesRegex(TypeError, "missing a required argument: 'vertices'"):
+                pane.ImportMeshFromMemory()
 
 
 if __name__ == "__main__":

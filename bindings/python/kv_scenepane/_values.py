@@ -14,7 +14,7 @@ class _Required:
     """Marks an argument that has no default but follows one that has."""
 
     def __repr__(self) -> str:
-        return "REQUIRED"
+        return "<required>"
 
 
 REQUIRED: Any = _Required()
