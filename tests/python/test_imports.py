@@ -123,6 +123,57 @@ class ImportsThatAddNothing(WithFolder):
         self.assertEqual(self.pane.GetNumObjects(), 2)
 
 
+class ExportsThatWriteNothing(WithFolder):
+    def setUp(self) -> None:
+        super().setUp()
+        self.pane.ImportMeshFromMemory(vertices=CORNERS, triangles=FACES)
+
+    def refused(self, path: object, text: str) -> None:
+        errors = io.StringIO()
+        with contextlib.redirect_stderr(errors):
+            with self.assertRaisesRegex(kv.Error, text) as caught:
+                self.pane.ExportMesh(0, path)
+        self.assertEqual(caught.exception.method, "ExportMesh")
+        self.assertNotIsInstance(caught.exception, kv.ImportFailed)
+        self.assertEqual(errors.getvalue(), "")  # the text is in the exception
+
+    def test_RaiseTheReason(self) -> None:
+        rows = [
+            ("nowhere/a.ply", r"a\.ply: cannot open the folder: No such file"),
+            ("nowhere/a.stl", r"a\.stl: cannot open the folder: No such file"),
+            ("no-registry.hps", "InitializeKVReg"),
+            ("a.xyz", r"no file was written: '.*a\.xyz' has no extension of a mesh file"),
+            ("a", "no file was written"),
+            ("", "no file was written"),
+        ]
+        for name, text in rows:
+            with self.subTest(name=name):
+                self.refused(os.path.join(self.folder, name) if name else name, text)
+        self.assertEqual(os.listdir(self.folder), [])
+
+    def test_LeaveWhatIsThere(self) -> None:
+        folder = os.path.join(self.folder, "folder.stl")
+        os.mkdir(folder)
+        self.refused(folder, "folder.stl")
+        kept = self.write("kept.xyz", b"1 2 3")
+        self.refused(kept, "no file was written")
+        with open(kept, "rb") as stream:
+            self.assertEqual(stream.read(), b"1 2 3")
+
+    def test_AreNotThoseThatReplaceAFileByTheSameBytes(self) -> None:
+        for name in ("same.ply", "same.stl"):
+            path = os.path.join(self.folder, name)
+            for form in (path, os.fsencode(path)) * 50:
+                self.pane.ExportMesh(0, form)
+            self.assertGreater(os.path.getsize(path), 80)
+
+    def test_ReachTheFunctionOfTheUserToo(self) -> None:
+        texts: list = []
+        kv.on_debug_output(texts.append)
+        self.refused(os.path.join(self.folder, "nowhere", "a.stl"), "No such file")
+        self.assertIn("No such file", "".join(texts))
+
+
 class Paths(WithFolder):
     def test_AreStrBytesOrPathLikeWithAnyBytes(self) -> None:
         from pathlib import Path

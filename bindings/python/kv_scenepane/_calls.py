@@ -6,6 +6,7 @@ The generated methods of Surface pass on their arguments, each after the tag of 
 from __future__ import annotations
 
 import ctypes
+import os
 import struct
 from typing import Any, Callable, Optional
 
@@ -28,6 +29,7 @@ class Method:
     inputs, outputs: (name, code), arrays (name, code, element, shape)
     is_import: it adds an object, or fails; can_add_nothing: it reports only in the debugger output
     that it failed
+    is_export: it writes a file, or reports only in the debugger output that it failed
     check: called with the pane and the packed values, for what the viewer itself does not check
     """
 
@@ -50,6 +52,7 @@ class Method:
         "after",
         "is_import",
         "can_add_nothing",
+        "is_export",
         "call",
         "pack_all",
     )
@@ -85,6 +88,7 @@ class Method:
         self.after: Optional[Callable] = None
         self.is_import = False
         self.can_add_nothing = False
+        self.is_export = False
         self.call: Any = None
         has_arrays = any(argument[1] in "wp" for argument in inputs)
         self.pack_all: Any = Packer(self).pack if has_arrays else None
@@ -99,6 +103,15 @@ class Method:
 
     def __repr__(self) -> str:
         return f"<method {self.id} {self.name}>"
+
+
+def _file_state(path: bytes) -> Optional[tuple]:
+    """What changes when a file is replaced; None when there is none."""
+    try:
+        state = os.stat(path)
+    except OSError:
+        return None
+    return state.st_dev, state.st_ino, state.st_size, state.st_mtime_ns, state.st_ctime_ns
 
 
 class Property:
@@ -201,6 +214,26 @@ class Calls:
         if status:
             self._fail(status, method.name)
 
+    def _export(self, method: Method, arguments: bytes, path: bytes) -> None:
+        """Calls a method that replaces a file by a new one: that the file on disk is another one
+        is what says that it worked.
+        """
+        if method.check is not None:
+            method.check(self, *method.unpack(arguments)[1::2])
+        handle = self._live()  # what was converted to a number can have closed the pane
+        before = _file_state(path)
+        with Capture() as capture:
+            status = _invoke(handle, method.id, arguments, method.count, None)
+        if not status and _file_state(path) in (None, before):
+            name = os.fsdecode(path)
+            raise Error(
+                capture.text() or f"no file was written: '{name}' has no extension of a mesh file",
+                method.name,
+            )
+        capture.pass_on()
+        if status:
+            self._fail(status, method.name)
+
     def _is_staging(self) -> bool:
         """Whether imports wait for EndParallelImport()."""
         raise NotImplementedError
@@ -221,6 +254,8 @@ class Calls:
             method.check_arrays(keep)
         if method.is_import:
             return self._import(method, packed)
+        if method.is_export:
+            return self._export(method, packed, keep["path"].value)
         result = self._invoke(method, packed)
         if method.after is not None:
             method.after(self, result)

@@ -153,6 +153,7 @@ def _install() -> None:
         _METHODS[name].is_import = _METHODS[name].can_add_nothing = True
     for name in ("ImportMeshFromMemory", "ImportMeshedMeasurement"):
         _METHODS[name].is_import = True
+    _METHODS["ExportMesh"].is_export = True
 
 
 _install()
