@@ -321,11 +321,15 @@ void Wheel(RandomRun& run) {
         run.random.Chance(0.8) ? run.random.OneOf<std::int32_t>({120, -120, 240, 1}) : run.random.WildInt();
     if (model.allowMouse == 1 && !model.HasLasso()) {
         const double travel = static_cast<double>(delta / 2) * (model.igd != 0 ? 1 : -1);
+        // At a limit the rounding decides whether a step is made.
+        const auto isAtLimit = [&] {
+            return std::abs(model.view.zoom - 0.1) < 1e-3 || std::abs(model.view.zoom - 10) < 1e-3;
+        };
+        bool atLimit = isAtLimit();
         double factor = std::abs(travel) / 500 + 1;
         if (-travel > 0) factor = 1 / factor;
         if ((factor >= 1 && model.view.zoom > 0.1) || (factor < 1 && model.view.zoom < 10)) model.view.zoom /= factor;
-        // At a limit the rounding decides whether a step is made.
-        const bool atLimit = std::abs(model.view.zoom - 0.1) < 1e-3 || std::abs(model.view.zoom - 10) < 1e-3;
+        atLimit = atLimit || isAtLimit();
         model.view.zoomKnown = model.view.zoomKnown && !atLimit && model.view.zoom > 1e-3 && model.view.zoom < 1e3;
     }
     Send(run, MouseInput::Kind::Wheel, 10, 10, 0, delta);
