@@ -28,7 +28,7 @@ def import_file(pane: kv.ScenePane, path: str) -> int:
     """Imports a scan or a mesh, chosen by the extension, and returns its index.
 
     Raises kv.ImportFailed with the reason when the file adds nothing, OSError when it cannot be
-    opened, and ValueError for an unknown extension, which the viewer ignores without a message.
+    opened, and ValueError for an unknown extension, before the viewer sees the file.
     """
     with open(path, "rb"):  # for a file that is missing, the reason of the system
         pass
