@@ -20,8 +20,13 @@ extern "C" {
 
 /* Every function belongs to the thread that created the viewer, unless it says otherwise. No C++ exception leaves a
    function: what one would throw is KV_FAILED, and kv_last_error() has its text. Text is UTF-8; a path may hold any
-   bytes. Pointers that are passed in are read or written during the call only, unless a function says otherwise. A
-   struct with a member "size" starts with sizeof of that struct, so that later versions can add members. */
+   bytes. Pointers that are passed in are read or written during the call only, unless a function says otherwise. They
+   must not be null unless a function says otherwise; a null one is refused, an array of 0 elements may be null.
+   Pointers inside the arguments of kv_invoke() are not checked.
+
+   Programs run with every later library of the same major version. Functions, constants, and members of
+   kv_window_request, which starts with its size, are only added; all other structs stay as they are. The libraries that
+   this one needs, such as libMSRDLL.so, have no version in their names: a site may replace them by its own. */
 
 /* One viewer. */
 typedef struct kv_pane kv_pane;
@@ -30,7 +35,7 @@ typedef struct kv_pane kv_pane;
 typedef int32_t kv_status;
 #define KV_DONE 0
 #define KV_UNKNOWN_ID 1     /* no method or property has this id; nothing happened */
-#define KV_BAD_ARGUMENTS 2  /* number or type of the arguments is wrong; nothing happened */
+#define KV_BAD_ARGUMENTS 2  /* an argument is wrong, or the viewer is null or destroyed; nothing happened */
 #define KV_FAILED 3         /* the call failed; see kv_last_error() */
 #define KV_HANDLER_FAILED 4 /* a callback of the host returned a value other than 0 during the call */
 
@@ -99,7 +104,7 @@ typedef struct kv_window_request {
 } kv_window_request;
 
 /* Sets all members to their defaults: an off-screen viewer of 640 x 480 pixels, OpenGL 3.3, no samples, any GPU,
-   scale 1. */
+   scale 1. Any thread. */
 KV_API void kv_window_request_init(kv_window_request* request);
 /* Creates a viewer; kv_destroy() ends it. Null when it was refused: kv_last_error() has the reason. */
 KV_API kv_pane* kv_create(const kv_window_request* request);
@@ -108,13 +113,15 @@ KV_API kv_pane* kv_create(const kv_window_request* request);
 KV_API void kv_destroy(kv_pane* pane);
 /* Version of the library, such as "5.5.0". Any thread. */
 KV_API const char* kv_version(void);
-/* Why the last call on this thread that did not return KV_DONE, or returned null, failed; empty before the first one.
-   Valid until the next call that fails on this thread. */
+/* Why the last call that failed on this thread did; empty before the first one. A call that succeeds leaves the text
+   as it is: read it when a call has not returned KV_DONE, or has returned null, -1 or KV_NO_TEXT. Valid until the next
+   call that fails on this thread. */
 KV_API const char* kv_last_error(void);
 
 /* ---- the window */
 
-/* A descriptor that is readable when kv_process_events() has work. It stays the same for the life of the viewer. */
+/* A descriptor that is readable when kv_process_events() has work. It stays the same for the life of the viewer. -1
+   when the viewer is null or destroyed. */
 KV_API int kv_event_descriptor(const kv_pane* pane);
 /* Handles pending input, messages, timers and queued repaints. Never blocks. */
 KV_API kv_status kv_process_events(kv_pane* pane);
@@ -124,7 +131,7 @@ KV_API int32_t kv_has_window(const kv_pane* pane);
 KV_API uintptr_t kv_native_window(const kv_pane* pane);
 /* Moves a KV_CHILD into another X11 window, to x, y in its pixels. KV_FAILED when that is none. */
 KV_API kv_status kv_reparent(kv_pane* pane, uintptr_t parent, int32_t x, int32_t y);
-/* Factor of text, lines and points, 0.25 to 8; queues a repaint. */
+/* Factor of text, lines and points, limited to 0.25 to 8; 1 for one that is not a number above 0. Queues a repaint. */
 KV_API kv_status kv_set_scale(kv_pane* pane, double scale);
 
 /* Kinds of mouse input. */
@@ -201,8 +208,9 @@ KV_API const kv_member_info* kv_member_by_id(int32_t kind, int32_t id);
 /* Draws a frame and copies it: width x height words 0xAARRGGBB, row by row, top row first.
    pixels    receives the words; null reads the size only, without a frame
    capacity  words that fit; KV_BAD_ARGUMENTS when there are more
-   width, height  receive the size in pixels
-   KV_FAILED without a window, for KV_NO_PICTURE and while painting is blocked. */
+   width, height  receive the size in pixels, also when the picture does not fit; each may be null
+   KV_FAILED without a window, for KV_NO_PICTURE, without pixels (a width or height below 1) and, unless only the size
+   is read, while painting is blocked. */
 KV_API kv_status kv_capture_picture(kv_pane* pane, uint32_t* pixels, size_t capacity, int32_t* width, int32_t* height);
 
 typedef struct kv_surface_point {
@@ -214,14 +222,16 @@ typedef struct kv_surface_point {
 KV_API kv_status kv_pick_surface(kv_pane* pane, int32_t x, int32_t y, kv_surface_point* hit);
 
 /* Text functions write at most capacity bytes with the zero at the end, and return the length without it. A return
-   value of capacity or more means that the text was cut off. buffer may be null with capacity 0. */
+   value of capacity or more means that the text was cut off. buffer may be null with capacity 0. On failure they return
+   KV_NO_TEXT, and the buffer has the empty text. */
+#define KV_NO_TEXT SIZE_MAX
 
-/* The path of the scan that an object was read from, or the host's name for it; empty for objects of mesh files. 0 with
-   kv_last_error() set for a bad index. */
+/* The path of the scan that an object was read from, or the host's name for it; empty for objects of mesh files.
+   KV_NO_TEXT for a bad index. */
 KV_API size_t kv_object_name(kv_pane* pane, int32_t index, char* buffer, size_t capacity);
 /* 1 when the vertices of the object have colours, else 0; also 0 for a bad index. */
 KV_API int32_t kv_object_has_colors(kv_pane* pane, int32_t index);
-/* Device, renderer, vendor and version of the driver, one per line; 0 with kv_last_error() set without a window. */
+/* Device, renderer, vendor and version of the driver, one per line; KV_NO_TEXT without a window. */
 KV_API size_t kv_graphics_info(kv_pane* pane, char* buffer, size_t capacity);
 
 /* Cuts all visible objects by a lasso.
@@ -245,8 +255,8 @@ typedef struct kv_cut_save_entry {
     const char* reason;
 } kv_cut_save_entry;
 /* One entry per object: with planned 1 what SaveCuttingToPcms would do now, else what the last one did.
-   entries  receives at most capacity entries; may be null with capacity 0
-   Returns the number of entries that there are. */
+   entries  receives at most capacity entries; null reads their number only
+   Returns the number of entries that there are; 0 when the call failed. */
 KV_API size_t kv_cut_save_entries(kv_pane* pane, int32_t planned, kv_cut_save_entry* entries, size_t capacity);
 
 typedef struct kv_cut_mask {
@@ -260,7 +270,8 @@ typedef struct kv_cut_mask {
     const float* depth; /* of kind 2 width x height window depths, bottom row first; else null */
     size_t depth_count;
 } kv_cut_mask;
-/* Reads a cut mask by its address, from CutMaskApplied or GetCutMasks. The arrays live as long as the mask. */
+/* Reads a cut mask by its address, from CutMaskApplied or GetCutMasks. The arrays live as long as the mask. A null
+   address gives a mask without bits. Any thread, while the mask lives. */
 KV_API void kv_cut_mask_read(const void* address, kv_cut_mask* mask);
 
 typedef struct kv_alignment_pair {
@@ -301,6 +312,7 @@ typedef struct kv_mesh kv_mesh;
    has_colors  0: the colours of the vertices are not used */
 KV_API kv_mesh* kv_mesh_create(const kv_vertex* vertices, size_t vertex_count, const int32_t* triangles,
                                size_t triangle_count, int32_t has_colors);
+/* Null is allowed. Any thread. */
 KV_API void kv_mesh_destroy(kv_mesh* mesh);
 
 /* ---- persisted properties: DrawMosaic, DrawMode and MoveReduced */
@@ -308,7 +320,8 @@ KV_API void kv_mesh_destroy(kv_mesh* mesh);
 #define KV_PROPERTIES_TEXT 0
 #define KV_PROPERTIES_BINARY 1
 /* Writes a store of the persisted properties; the viewer is not marked as modified afterwards, unless the store was cut
-   off. The return value is that of a text function; a binary store may hold zero bytes. */
+   off. The return value is that of a text function; a binary store may hold zero bytes. KV_NO_TEXT for another format.
+ */
 KV_API size_t kv_save_properties(kv_pane* pane, int32_t format, char* buffer, size_t capacity);
 /* Reads a store of either format. KV_FAILED for one that is damaged or of a newer major version: the properties then
    have their defaults. */

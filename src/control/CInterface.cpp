@@ -104,6 +104,11 @@ void SetLastError(std::string_view text) noexcept {
     }
 }
 
+kv_status RefuseNull(std::string_view name, std::string_view what) {
+    SetLastError(std::string(name).append(": ").append(what));
+    return KV_BAD_ARGUMENTS;
+}
+
 void CheckAnswer(std::int32_t answer, std::string_view callback) {
     if (answer != 0) throw HandlerFailure(std::string(callback) + " returned " + std::to_string(answer));
 }
@@ -147,6 +152,7 @@ void kv_window_request_init(kv_window_request* request) {
     // A program that was compiled with this header has room for these bytes only: a longer struct of a later version
     // needs another function to fill it.
     static_assert(kRequestSize == 104);
+    if (request == nullptr) return SetLastError("kv_window_request_init: the request is null");
     *request = kv_window_request{};
     request->size = kRequestSize;
     request->kind = KV_OFF_SCREEN;

@@ -91,11 +91,6 @@ kv_status RefuseCount(const AutomationMethod& method, std::size_t count) {
     return KV_BAD_ARGUMENTS;
 }
 
-kv_status RefuseNull(std::string_view name, const char* what) {
-    SetLastError(std::string(name) + ": " + what);
-    return KV_BAD_ARGUMENTS;
-}
-
 kv_status RefuseType(const AutomationMethod& method, std::size_t place, const kv_value& given) {
     SetLastError(std::string(method.name) + ": argument " + std::to_string(place + 1) + ", " +
                  std::string(method.arguments[place].name) + ", must be " +

@@ -15,6 +15,11 @@
 /// Sets the text of kv_last_error() on this thread.
 void SetLastError(std::string_view text) noexcept;
 
+/// Sets kv_last_error() to "NAME: WHAT".
+/// @param what  such as "the value is null"
+/// @return KV_BAD_ARGUMENTS
+kv_status RefuseNull(std::string_view name, std::string_view what);
+
 /// Leaves the viewer when a callback of the host has returned another value than 0.
 class HandlerFailure final : public std::exception {
 public:

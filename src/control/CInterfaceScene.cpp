@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
+#include <string>
 
 #include "KV_ScenePane/CutMask.h"
 #include "KV_ScenePane/PathText.h"
@@ -34,6 +36,20 @@ Result ResultOf(kv_pane* pane, std::string_view function, Result failed, Body&& 
     return status == KV_DONE ? result : failed;
 }
 
+/// Runs a text function.
+/// @param body  called with the viewer; returns the text, or nothing with kv_last_error() set
+template <typename Body>
+std::size_t TextOf(kv_pane* pane, std::string_view function, char* buffer, std::size_t capacity, Body&& body) {
+    std::size_t size = KV_NO_TEXT;
+    (void)CallViewer(pane, function, [&](ScenePane& viewer) {
+        if (buffer == nullptr && capacity > 0) return RefuseNull(function, "the buffer is null");
+        if (const std::optional<std::string> text = body(viewer)) size = CopyText(*text, buffer, capacity);
+        return KV_DONE;
+    });
+    if (size == KV_NO_TEXT && buffer != nullptr) CopyText({}, buffer, capacity);
+    return size;
+}
+
 kv_status RefuseCapacity(int width, int height, std::size_t capacity) {
     SetLastError("kv_capture_picture: the picture has " + std::to_string(width) + " x " + std::to_string(height) +
                  " pixels, there is room for " + std::to_string(capacity));
@@ -44,6 +60,12 @@ std::size_t PixelCount(int width, int height) {
     return static_cast<std::size_t>(std::max(width, 0)) * static_cast<std::size_t>(std::max(height, 0));
 }
 
+kv_status RefuseEmptyArea(const WindowSize& size) {
+    SetLastError("kv_capture_picture: the drawing area of " + std::to_string(size.width) + " x " +
+                 std::to_string(size.height) + " pixels has none");
+    return KV_FAILED;
+}
+
 kv_status CapturePicture(ScenePane& viewer, std::uint32_t* pixels, std::size_t capacity, std::int32_t* width,
                          std::int32_t* height) {
     CKV_ScenePaneCtrl& control = ControlOf(viewer);
@@ -51,20 +73,25 @@ kv_status CapturePicture(ScenePane& viewer, std::uint32_t* pixels, std::size_t c
         SetLastError("kv_capture_picture: there is no window, or the viewer has no picture");
         return KV_FAILED;
     }
+    const auto reportSize = [&](int columns, int rows) {
+        if (width != nullptr) *width = columns;
+        if (height != nullptr) *height = rows;
+    };
     const WindowSize size = control.m_pWindow->ClientSize();
-    KV_ScenePane::Picture picture{size.width, size.height, {}};
-    if (pixels != nullptr) {
-        if (PixelCount(size.width, size.height) > capacity) return RefuseCapacity(size.width, size.height, capacity);
-        if (!viewer.CapturePicture(&picture)) {
-            SetLastError("kv_capture_picture: no frame was drawn, painting is blocked or the window is gone");
-            return KV_FAILED;
-        }
-        // A callback inside the frame may have changed the size.
-        if (picture.pixels.size() > capacity) return RefuseCapacity(picture.width, picture.height, capacity);
-        std::ranges::copy(picture.pixels, pixels);
+    if (PixelCount(size.width, size.height) == 0) return RefuseEmptyArea(size);
+    if (pixels == nullptr || PixelCount(size.width, size.height) > capacity) {
+        reportSize(size.width, size.height);
+        return pixels == nullptr ? KV_DONE : RefuseCapacity(size.width, size.height, capacity);
     }
-    if (width != nullptr) *width = picture.width;
-    if (height != nullptr) *height = picture.height;
+    KV_ScenePane::Picture picture;
+    if (!viewer.CapturePicture(&picture)) {
+        SetLastError("kv_capture_picture: no frame was drawn, painting is blocked or the window is gone");
+        return KV_FAILED;
+    }
+    reportSize(picture.width, picture.height);
+    // A callback inside the frame may have changed the size.
+    if (picture.pixels.size() > capacity) return RefuseCapacity(picture.width, picture.height, capacity);
+    std::ranges::copy(picture.pixels, pixels);
     return KV_DONE;
 }
 
@@ -158,6 +185,7 @@ kv_status kv_capture_picture(kv_pane* pane, uint32_t* pixels, size_t capacity, i
 
 kv_status kv_pick_surface(kv_pane* pane, int32_t x, int32_t y, kv_surface_point* hit) {
     return CallViewer(pane, "kv_pick_surface", [&](ScenePane& viewer) {
+        if (hit == nullptr) return RefuseNull("kv_pick_surface", "the hit is null");
         KV_ScenePane::SurfacePoint found;  // stays at object -1 without a hit
         viewer.PickSurface(x, y, &found);
         *hit = {found.object, found.triangle, {found.point[0], found.point[1], found.point[2]}, found.distance};
@@ -168,10 +196,10 @@ kv_status kv_pick_surface(kv_pane* pane, int32_t x, int32_t y, kv_surface_point*
 // ---- texts
 
 size_t kv_object_name(kv_pane* pane, int32_t index, char* buffer, size_t capacity) {
-    return ResultOf<std::size_t>(pane, "kv_object_name", CopyText({}, buffer, capacity), [&](ScenePane& viewer) {
+    return TextOf(pane, "kv_object_name", buffer, capacity, [&](ScenePane& viewer) -> std::optional<std::string> {
         KV_ScenePane::ObjectInfo info;
-        if (!ReadObjectInfo(viewer, index, "kv_object_name", &info)) return std::size_t{0};
-        return CopyText(KV_ScenePane::PathBytes(info.name), buffer, capacity);
+        if (!ReadObjectInfo(viewer, index, "kv_object_name", &info)) return std::nullopt;
+        return KV_ScenePane::PathBytes(info.name);
     });
 }
 
@@ -183,13 +211,12 @@ int32_t kv_object_has_colors(kv_pane* pane, int32_t index) {
 }
 
 size_t kv_graphics_info(kv_pane* pane, char* buffer, size_t capacity) {
-    return ResultOf<std::size_t>(pane, "kv_graphics_info", CopyText({}, buffer, capacity), [&](ScenePane& viewer) {
+    return TextOf(pane, "kv_graphics_info", buffer, capacity, [](ScenePane& viewer) -> std::optional<std::string> {
         KV_ScenePane::GraphicsInfo info;
         if (viewer.GetGraphicsInfo(&info))
-            return CopyText(info.device + "\n" + info.renderer + "\n" + info.vendor + "\n" + info.version, buffer,
-                            capacity);
+            return info.device + "\n" + info.renderer + "\n" + info.vendor + "\n" + info.version;
         SetLastError("kv_graphics_info: there is no window, or the viewer has no picture");
-        return std::size_t{0};
+        return std::nullopt;
     });
 }
 
@@ -201,6 +228,7 @@ kv_status kv_cut_with_lasso(kv_pane* pane, int32_t mode, const double* points, s
             SetLastError("kv_cut_with_lasso: mode must be 0 to 5, not " + std::to_string(mode));
             return KV_BAD_ARGUMENTS;
         }
+        if (points == nullptr && count > 0) return RefuseNull("kv_cut_with_lasso", "the points are null");
         std::vector<KV_ScenePane::LassoPoint> corners(count);
         for (std::size_t i = 0; i < count; ++i) corners[i] = {points[2 * i], points[2 * i + 1]};
         const bool hasChanged = viewer.CutWithLasso(static_cast<KV_ScenePane::SegmentationMode>(mode), corners);
@@ -214,6 +242,7 @@ int32_t kv_undo_step_count(const kv_pane* pane) {
 }
 
 size_t kv_cut_save_entries(kv_pane* pane, int32_t planned, kv_cut_save_entry* entries, size_t capacity) {
+    if (entries == nullptr) capacity = 0;
     return ResultOf<std::size_t>(pane, "kv_cut_save_entries", 0, [&](ScenePane& viewer) {
         std::vector<KV_ScenePane::CutSaveEntry> found =
             planned != 0 ? viewer.PlanCutSave() : viewer.GetCutSaveResults();
@@ -230,6 +259,9 @@ size_t kv_cut_save_entries(kv_pane* pane, int32_t planned, kv_cut_save_entry* en
 }
 
 void kv_cut_mask_read(const void* address, kv_cut_mask* mask) {
+    if (mask == nullptr) return SetLastError("kv_cut_mask_read: the mask is null");
+    *mask = {};
+    if (address == nullptr) return SetLastError("kv_cut_mask_read: the address is null");
     const auto& read = *static_cast<const ACAD::CutMask*>(address);
     mask->kind = read.m_nKind;
     std::ranges::copy(read.m_dProjection, mask->projection);
@@ -246,6 +278,7 @@ void kv_cut_mask_read(const void* address, kv_cut_mask* mask) {
 
 kv_status kv_align_by_pairs(kv_pane* pane, const kv_alignment_pair* pairs, size_t count, kv_alignment* result) {
     return CallViewer(pane, "kv_align_by_pairs", [&](ScenePane& viewer) {
+        if (pairs == nullptr && count > 0) return RefuseNull("kv_align_by_pairs", "the pairs are null");
         std::vector<KV_ScenePane::AlignmentPair> given(count);
         std::transform(pairs, pairs + count, given.begin(), ToPair);
         viewer.AlignByPairs(given);
@@ -270,6 +303,7 @@ kv_status kv_alignment_result(kv_pane* pane, kv_alignment* result, kv_alignment_
 
 kv_status kv_clip_height_result(kv_pane* pane, kv_clip_height* height) {
     return CallViewer(pane, "kv_clip_height_result", [&](ScenePane& viewer) {
+        if (height == nullptr) return RefuseNull("kv_clip_height_result", "the height is null");
         const KV_ScenePane::ClipHeight found = viewer.GetClipHeight();
         *height = {found.found ? 1 : 0, found.height, found.kind};
         return KV_DONE;
@@ -281,6 +315,11 @@ kv_status kv_clip_height_result(kv_pane* pane, kv_clip_height* height) {
 kv_mesh* kv_mesh_create(const kv_vertex* vertices, size_t vertex_count, const int32_t* triangles, size_t triangle_count,
                         int32_t has_colors) {
     try {
+        if ((vertices == nullptr && vertex_count > 0) || (triangles == nullptr && triangle_count > 0)) {
+            RefuseNull("kv_mesh_create",
+                       vertices == nullptr && vertex_count > 0 ? "the vertices are null" : "the triangles are null");
+            return nullptr;
+        }
         auto mesh = MakeMesh(vertices, vertex_count, triangles, triangle_count, has_colors != 0);
         return reinterpret_cast<kv_mesh*>(mesh.release());
     } catch (...) {
@@ -294,21 +333,22 @@ void kv_mesh_destroy(kv_mesh* mesh) { delete ToBuffers(mesh); }
 // ---- persisted properties
 
 size_t kv_save_properties(kv_pane* pane, int32_t format, char* buffer, size_t capacity) {
-    return ResultOf<std::size_t>(pane, "kv_save_properties", CopyText({}, buffer, capacity), [&](ScenePane& viewer) {
+    return TextOf(pane, "kv_save_properties", buffer, capacity, [&](ScenePane& viewer) -> std::optional<std::string> {
         if (format != KV_PROPERTIES_TEXT && format != KV_PROPERTIES_BINARY) {
             SetLastError("kv_save_properties: format must be KV_PROPERTIES_TEXT or KV_PROPERTIES_BINARY, not " +
                          std::to_string(format));
-            return std::size_t{0};
+            return std::nullopt;
         }
         const bool wasModified = viewer.IsModified();
-        const std::string store = viewer.SaveProperties(static_cast<KV_ScenePane::PropertyFormat>(format));
+        std::string store = viewer.SaveProperties(static_cast<KV_ScenePane::PropertyFormat>(format));
         if (wasModified && store.size() >= capacity) ControlOf(viewer).m_bModified = true;  // the host has no store yet
-        return CopyText(store, buffer, capacity);
+        return store;
     });
 }
 
 kv_status kv_load_properties(kv_pane* pane, const char* store, size_t size) {
     return CallViewer(pane, "kv_load_properties", [&](ScenePane& viewer) {
+        if (store == nullptr && size > 0) return RefuseNull("kv_load_properties", "the store is null");
         std::string reason;
         if (viewer.LoadProperties({store, size}, &reason)) return KV_DONE;
         SetLastError(reason);

@@ -41,6 +41,7 @@ TEST(KvConstants, KeepTheirValues) {
               (std::vector{1u, 2u, 4u, 8u, 16u}));
     EXPECT_EQ((std::vector{KV_METHOD, KV_PROPERTY, KV_EVENT}), (std::vector{0, 1, 2}));
     EXPECT_EQ((std::vector{KV_PROPERTIES_TEXT, KV_PROPERTIES_BINARY}), (std::vector{0, 1}));
+    EXPECT_EQ(KV_NO_TEXT, SIZE_MAX);
 }
 
 }  // namespace

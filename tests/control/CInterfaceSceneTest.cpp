@@ -103,7 +103,8 @@ TEST_F(KvCapturePicture, RefusesAnArrayThatIsTooSmall) {
                   "kv_capture_picture: the picture has 64 x 48 pixels, there is room for " + std::to_string(capacity));
     }
     EXPECT_EQ(pixels[0], 0x12345678u);
-    EXPECT_EQ(width, -5);
+    EXPECT_EQ(width, kWidth) << "what is needed";
+    EXPECT_EQ(height, kHeight);
 }
 
 TEST_F(KvCapturePicture, FailsWhilePaintingIsBlocked) {
@@ -125,7 +126,7 @@ TEST(KvCapturePictureWithoutAPicture, Fails) {
     EXPECT_EQ(kv_capture_picture(pane, nullptr, 0, &width, nullptr), KV_FAILED);
     EXPECT_STREQ(kv_last_error(), "kv_capture_picture: there is no window, or the viewer has no picture");
     EXPECT_EQ(width, -5);
-    EXPECT_EQ(kv_graphics_info(pane, nullptr, 0), 0u);
+    EXPECT_EQ(kv_graphics_info(pane, nullptr, 0), KV_NO_TEXT);
     EXPECT_STREQ(kv_last_error(), "kv_graphics_info: there is no window, or the viewer has no picture");
     kv_destroy(pane);
 }
@@ -163,10 +164,21 @@ TEST_F(KvTextFunctions, FillBuffersOfAnyCapacityUpToTheZero) {
     EXPECT_EQ(kv_object_name(pane, 0, nullptr, 0), name.size());
 }
 
-TEST_F(KvTextFunctions, AreEmptyForAnObjectThatIsNotThere) {
+TEST_F(KvTextFunctions, DistinguishAnEmptyNameFromABadIndex) {
+    float corners[] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
+    std::int32_t triangle[] = {0, 1, 2};
+    Invoke(KV_ImportMeshFromMemory, {{.type = KV_LONG, .as = {.i32 = 3}},
+                                     {.type = KV_LONG, .as = {.i32 = 1}},
+                                     {.type = KV_POINTER, .as = {.pointer = corners}},
+                                     {.type = KV_POINTER, .as = {.pointer = triangle}}});
+    EXPECT_EQ(kv_object_name(pane, 2, nullptr, 0), KV_NO_TEXT);
+    EXPECT_EQ(kv_object_name(pane, 1, nullptr, 0), 0u) << "although the error of the last call is still there";
+}
+
+TEST_F(KvTextFunctions, FailForAnObjectThatIsNotThere) {
     for (const std::int32_t index : {-1, 1, 32767, 32768, 65536, INT32_MIN, INT32_MAX}) {
         char buffer[4] = "abc";
-        EXPECT_EQ(kv_object_name(pane, index, buffer, sizeof buffer), 0u) << index;
+        EXPECT_EQ(kv_object_name(pane, index, buffer, sizeof buffer), KV_NO_TEXT) << index;
         EXPECT_EQ(kv_last_error(), "kv_object_name: there is no object " + std::to_string(index));
         EXPECT_STREQ(buffer, "") << index;
         EXPECT_EQ(kv_object_has_colors(pane, index), 0) << index;
@@ -423,7 +435,7 @@ TEST(KvSaveProperties, WritesTheStoreLikeAText) {
     EXPECT_EQ(std::string(buffer, 3), std::string("a\0\0", 3));
     EXPECT_EQ(kv_save_properties(recorded.pane, KV_PROPERTIES_BINARY, nullptr, 0), 3u);
     for (const std::int32_t format : {-1, 2}) {
-        EXPECT_EQ(kv_save_properties(recorded.pane, format, buffer, sizeof buffer), 0u);
+        EXPECT_EQ(kv_save_properties(recorded.pane, format, buffer, sizeof buffer), KV_NO_TEXT);
         EXPECT_EQ(kv_last_error(),
                   "kv_save_properties: format must be KV_PROPERTIES_TEXT or KV_PROPERTIES_BINARY, "
                   "not " +

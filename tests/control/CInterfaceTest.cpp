@@ -207,13 +207,13 @@ void ExpectUnusable(kv_pane* pane, const std::string& why) {
     EXPECT_EQ(kv_event_descriptor(pane), -1);
     EXPECT_EQ(kv_has_window(pane), 0);
     EXPECT_EQ(kv_native_window(pane), 0u);
-    EXPECT_EQ(kv_object_name(pane, 0, text, sizeof text), 0u);
+    EXPECT_EQ(kv_object_name(pane, 0, text, sizeof text), KV_NO_TEXT);
     EXPECT_STREQ(text, "");
-    EXPECT_EQ(kv_graphics_info(pane, nullptr, 0), 0u);
+    EXPECT_EQ(kv_graphics_info(pane, nullptr, 0), KV_NO_TEXT);
     EXPECT_EQ(kv_object_has_colors(pane, 0), 0);
     EXPECT_EQ(kv_undo_step_count(pane), 0);
     EXPECT_EQ(kv_cut_save_entries(pane, 1, nullptr, 0), 0u);
-    EXPECT_EQ(kv_save_properties(pane, KV_PROPERTIES_TEXT, nullptr, 0), 0u);
+    EXPECT_EQ(kv_save_properties(pane, KV_PROPERTIES_TEXT, nullptr, 0), KV_NO_TEXT);
     EXPECT_EQ(kv_is_modified(pane), 0);
     EXPECT_EQ(kv_last_error(), "kv_is_modified" + why);
 }

@@ -5,6 +5,7 @@ import ctypes as c
 from pathlib import Path
 
 DONE, UNKNOWN_ID, BAD_ARGUMENTS, FAILED, HANDLER_FAILED = range(5)
+NO_TEXT = c.c_size_t(-1).value
 CHILD, TOP_LEVEL, OFF_SCREEN, NO_PICTURE = range(4)
 
 EventFunction = c.CFUNCTYPE(c.c_int32, c.c_void_p, c.c_int32, c.c_void_p, c.c_size_t)

@@ -294,7 +294,10 @@ class ScenePane(Scene):
     def save_properties(self, binary: bool = False) -> bytes:
         """A store of DrawMosaic, DrawMode and MoveReduced; modified is False afterwards."""
         form = int(bool(binary))
-        return text_of(lambda *buffer: library.kv_save_properties(self._live(), form, *buffer))
+        return text_of(
+            "save_properties",
+            lambda *buffer: library.kv_save_properties(self._live(), form, *buffer),
+        )
 
     def load_properties(self, store: Union[bytes, bytearray, memoryview, str]) -> None:
         """Sets the properties from a store; after an Error they have their defaults."""

@@ -81,9 +81,9 @@ class Scene(Surface):
 
     def graphics_info(self) -> GraphicsInfo:
         """What draws the pane. Error without a window."""
-        text = text_of(lambda *buffer: library.kv_graphics_info(self._live(), *buffer))
-        if not text:
-            raise Error(last_error(), "graphics_info")
+        text = text_of(
+            "graphics_info", lambda *buffer: library.kv_graphics_info(self._live(), *buffer)
+        )
         lines = text.decode("utf-8", "replace").split("\n")
         return GraphicsInfo(*(lines + [""] * 4)[:4])
 
@@ -93,7 +93,10 @@ class Scene(Surface):
         """Path or name of an object, as os.fsdecode() makes it."""
         number = self._object_index("object_name", index)
         return os.fsdecode(
-            text_of(lambda *buffer: library.kv_object_name(self._live(), number, *buffer))
+            text_of(
+                "object_name",
+                lambda *buffer: library.kv_object_name(self._live(), number, *buffer),
+            )
         )
 
     def object_has_colors(self, index: int) -> bool:
@@ -211,12 +214,14 @@ class Scene(Surface):
         return ClipHeight(raw.found != 0, raw.height, raw.kind)
 
 
-def text_of(function: Callable) -> bytes:
-    """The whole text of a text function, whatever its length."""
+def text_of(name: str, function: Callable) -> bytes:
+    """The whole text of a text function, whatever its length. Error of the method name."""
     capacity = 512
     while True:
         buffer = ctypes.create_string_buffer(capacity)
         size = function(buffer, capacity)
+        if size == _library.NO_TEXT:
+            raise Error(last_error(), name)
         if size < capacity:
             return buffer.raw[:size]
         capacity = size + 1
