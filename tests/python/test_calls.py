@@ -98,14 +98,16 @@ class TheSurface(unittest.TestCase):
             surface = next(
                 n for n in tree.body if isinstance(n, ast.ClassDef) and n.name == "Surface"
             )
-            return {
-                (n.name, len(n.decorator_list)): (
-                    [a.arg for a in n.args.args],
-                    ast.unparse(n.returns),
-                )
-                for n in surface.body
-                if isinstance(n, ast.FunctionDef)
-            }
+            forms: dict = {}
+            for n in surface.body:
+                if isinstance(n, ast.FunctionDef):
+                    kinds = {ast.unparse(d) for d in n.decorator_list} - {"overload"}
+                    key = (n.name, *kinds)
+                    names = [a.arg for a in n.args.args + n.args.kwonlyargs]
+                    forms.setdefault(key, []).append((names, ast.unparse(n.returns)))
+            for name, (first, *others) in forms.items():
+                self.assertTrue(all(other == first for other in others), name)
+            return {name: first for name, (first, *_) in forms.items()}
 
         stub = members("_surface.pyi")
         self.assertEqual(stub, members("_surface.py"))
