@@ -124,7 +124,7 @@ bool HasLength(const Member& method) {
 }
 
 std::string StubOf(const Member& method) {
-    const std::string positional = Broken(Definition(method, Form::Positional).append(" ..."), 4);
+    std::string positional = Broken(Definition(method, Form::Positional).append(" ..."), 4);
     if (!HasLength(method)) return positional;
     const std::string keyword = Broken(Definition(method, Form::Keyword).append(" ..."), 4);
     return std::string("    @overload\n").append(positional).append("    @overload\n").append(keyword);
