@@ -19,7 +19,7 @@ struct EventRow {
 };
 void PrintTo(const EventRow& row, std::ostream* out) { *out << row.name; }
 
-// SelectViewDirection is fired by no call and no input.
+// SelectViewDirection is fired by no call and no input: CInterfaceRefusalsTest.cpp has it.
 const EventRow kEvents[] = {{"ReadyStateChange", KV_EVENT_ReadyStateChange},
                             {"SelectObjCoords", KV_EVENT_SelectObjCoords},
                             {"SegmentationDone", KV_EVENT_SegmentationDone},

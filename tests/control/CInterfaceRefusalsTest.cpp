@@ -4,7 +4,9 @@
 
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "KV_ScenePane/kv_scenepane.h"
@@ -13,6 +15,7 @@
 #include "control/RecordingViewer.h"
 #include "control/ScenePaneCtrl.h"
 #include "control/ScenePaneHandle.h"
+#include "support/XvfbServer.h"
 
 namespace {
 
@@ -110,16 +113,19 @@ void ExpectNoPicture(kv_pane* pane) {
     EXPECT_EQ(h, 5);
 }
 
-TEST(KvCapturePictureOfAnAreaWithoutPixels, FailsWithThatReason) { ExpectNoPicture(Pane(KV_OFF_SCREEN)); }
+TEST(KvCapturePictureOfAnAreaWithoutPixels, FailsWithThatReason) {
+    ExpectNoPicture(Pane(KV_OFF_SCREEN));
+    XvfbServer::Shared();
+    ExpectNoPicture(Pane(KV_TOP_LEVEL));
+}
 
 // ---- SelectViewDirection, which no input fires: the control does inside another event
 
-/// A square across the axis of the view, at z = 3.
+/// A square around (4, 5, 3) with a vertex there, seen along an axis through that point that has no coordinate 0.
 void AddSquare(kv_pane* pane) {
     std::vector<kv_vertex> vertices;
-    for (const auto& [x, y] : {std::pair{-9.0f, -9.0f}, {9.0f, -9.0f}, {-9.0f, 9.0f}, {9.0f, 9.0f}})
-        vertices.push_back({x, y, 3, 0, 0, 1, 0, 0});
-    vertices.push_back({0, 0, 3, 0, 0, 1, 0, 0});
+    for (const auto& [x, y] : {std::pair{-9.0f, -9.0f}, {9.0f, -9.0f}, {-9.0f, 9.0f}, {9.0f, 9.0f}, {0.0f, 0.0f}})
+        vertices.push_back({4 + x, 5 + y, 3, 0, 0, 1, 0, 0});
     const std::int32_t triangles[] = {0, 1, 4, 1, 3, 4, 3, 2, 4, 2, 0, 4};
     kv_mesh* mesh = kv_mesh_create(vertices.data(), vertices.size(), triangles, 4, 0);
     const kv_value arguments[] = {{.type = KV_POINTER, .as = {.pointer = mesh}},
@@ -128,6 +134,11 @@ void AddSquare(kv_pane* pane) {
     EXPECT_EQ(kv_invoke(pane, KV_ImportMeshedMeasurement, arguments, 3, nullptr), KV_DONE) << kv_last_error();
     kv_mesh_destroy(mesh);
     EXPECT_EQ(kv_invoke(pane, KV_CenterView, nullptr, 0, nullptr), KV_DONE);
+    std::vector<kv_value> view;  // axes to the right and up, centre, zoom
+    for (const float number : {2.0f / 3, -2.0f / 3, 1.0f / 3, 1.0f / 3, 2.0f / 3, 2.0f / 3, 4.0f, 5.0f, 3.0f, 1.0f})
+        view.push_back({.type = KV_FLOAT, .as = {.f32 = number}});
+    view.push_back({.type = KV_SHORT, .as = {.i16 = 0}});
+    EXPECT_EQ(kv_invoke(pane, KV_SetViewParams, view.data(), view.size(), nullptr), KV_DONE) << kv_last_error();
 }
 
 /// Receives the events of a viewer, and fires SelectViewDirection inside PickPointCountChanged.
@@ -168,7 +179,7 @@ TEST(KvSelectViewDirection, HasThePointAndTheDirectionAsSixFloats) {
     ViewDirectionHost host;
     EXPECT_EQ(host.Fire(), KV_DONE) << kv_last_error();
     EXPECT_EQ(host.events, 1);
-    const float expected[] = {0, 0, 3, 0, 0, 1};
+    const float expected[] = {4, 5, 3, -2.0f / 3, -1.0f / 3, 2.0f / 3};
     ASSERT_EQ(host.numbers.size(), 6u);
     for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(host.numbers[i], expected[i], 1e-4) << i;
 }
