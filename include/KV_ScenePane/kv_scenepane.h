@@ -115,7 +115,7 @@ KV_API void kv_destroy(kv_pane* pane);
 KV_API const char* kv_version(void);
 /* Why the last call that failed on this thread did; empty before the first one. A call that succeeds leaves the text
    as it is: read it when a call has not returned KV_DONE, or has returned null, -1 or KV_NO_TEXT. Valid until the next
-   call that fails on this thread. */
+   call that fails on this thread. The kv_member functions set none when they find nothing. */
 KV_API const char* kv_last_error(void);
 
 /* ---- the window */
@@ -288,6 +288,7 @@ typedef struct kv_alignment {
    result  receives what was found; may be null */
 KV_API kv_status kv_align_by_pairs(kv_pane* pane, const kv_alignment_pair* pairs, size_t count, kv_alignment* result);
 /* What the last alignment by points found.
+   result  may be null
    pairs, residuals  receive at most capacity entries; each may be null */
 KV_API kv_status kv_alignment_result(kv_pane* pane, kv_alignment* result, kv_alignment_pair* pairs, double* residuals,
                                      size_t capacity);
