@@ -234,16 +234,28 @@ class TheDebuggerOutput(WithFolder):
         self.assertEqual(texts, [])
         self.assertIn("not finite", errors.getvalue())
 
-    def test_WhatTheFunctionRaisesIsReportedAndHasNoOtherEffect(self) -> None:
+    def test_WhatTheFunctionRaisesReachesTheCallerOnceTheCallIsDone(self) -> None:
+        error = KeyError("refused")
+
         def refuse(_text: str) -> None:
-            raise KeyError("refused")
+            raise error
 
         kv.on_debug_output(refuse)
         reported = []
         with mock.patch.object(sys, "unraisablehook", reported.append):
-            self.not_finite()
-        self.assertEqual(self.pane.GetNumObjects(), 1)
-        self.assertEqual([type(report.exc_value) for report in reported], [KeyError])
+            for count in (1, 2):
+                with self.assertRaises(KeyError) as caught:
+                    self.not_finite()
+                self.assertIs(caught.exception, error)
+                self.assertEqual(self.pane.GetNumObjects(), count)
+            for call in (
+                lambda: self.pane.GetObjectBoundingBox(5),
+                lambda: self.pane.ImportMesh(os.path.join(self.folder, "none.stl")),
+                lambda: self.pane.load_properties(b"\0damaged"),
+            ):
+                with self.assertRaises(KeyError):
+                    call()
+        self.assertEqual(reported, [])
 
     def test_TheFunctionMayCallThePane(self) -> None:
         counts = []

@@ -169,14 +169,14 @@ class DroppedPanes(unittest.TestCase):
         gc.disable()
         self.addCleanup(gc.enable)
         pane = kv.ScenePane.no_picture()
-        handle = pane._handle
+        handle = pane._handle.value
         pane.on("NeedleCreated", print)
         del pane
         self.assertEqual(self.closed, [handle])
 
     def test_InACycleAreClosedByTheCollector(self) -> None:
         pane = kv.ScenePane.no_picture()
-        handle, reference = pane._handle, weakref.ref(pane)
+        handle, reference = pane._handle.value, weakref.ref(pane)
         pane.on("NeedleCreated", lambda number: pane.GetNeedle(number))
         pane = None
         gc.collect()
@@ -185,7 +185,7 @@ class DroppedPanes(unittest.TestCase):
 
     def test_OnAnotherThreadAreClosedByTheirOwnLater(self) -> None:
         holder = [kv.ScenePane.no_picture()]
-        handle = holder[0]._handle
+        handle = holder[0]._handle.value
         caught = []
 
         def drop() -> None:
@@ -199,7 +199,7 @@ class DroppedPanes(unittest.TestCase):
         self.assertEqual(self.closed, [])
         with kv.ScenePane.no_picture() as other:
             self.assertEqual(self.closed, [handle])
-            last = other._handle  # may have the same address
+            last = other._handle.value  # may have the same address
         self.assertEqual(self.closed, [handle, last])
 
     def test_AForkedProcessDoesNotTouchThem(self) -> None:

@@ -12,13 +12,22 @@ from typing import Any, Callable, Optional
 
 from ._arrays import Packer
 from ._debug import Capture
-from ._errors import Error, ImportFailed
-from ._library import FAILED, HANDLER_FAILED, LongValue, ShortValue, last_error, library
+from ._errors import Error, ImportFailed, raised, take_raised
+from ._library import (
+    BAD_ARGUMENTS,
+    FAILED,
+    HANDLER_FAILED,
+    LongValue,
+    ShortValue,
+    last_error,
+    library,
+)
 from ._values import FORMATS, REQUIRED, TAGS, flag, refusal
 
 __all__ = ["Calls", "Method", "Property", "REQUIRED", "flag"]
 
 _invoke = library.kv_invoke
+_get_property, _put_property = library.kv_get_property, library.kv_put_property
 _address = ctypes.addressof
 _RESULTS = {"s": ShortValue, "b": ShortValue, "i": LongValue}
 
@@ -127,17 +136,47 @@ class Property:
         self.result_type: Any = _RESULTS[code]
 
 
-class Calls:
-    """Calls on the viewer of a pane. _handle is None once it is closed."""
+class Still:
+    """Lets no call of Python in while it is entered, such as one of a destructor or a signal
+    handler: what was counted or listed stays as it is. No event may be fired meanwhile.
+    """
 
-    __slots__ = ("_handle", "_owner", "_pending", "_count", "__weakref__")
-    _handle: Optional[int]
-    _owner: Any  # its thread
-    _pending: list[BaseException]  # what callbacks raised and no call has raised again yet
+    __slots__ = ("_pane", "_owner")
+
+    def __init__(self, pane: "Calls") -> None:
+        self._pane = pane
+        self._owner = pane._owner
+
+    def __enter__(self) -> None:
+        self._pane._owner = None
+
+    def __exit__(self, *_exception: Any) -> None:
+        self._pane._owner = self._owner
+
+
+def _need_frames(count: int) -> None:
+    # Near the limit of recursion a callback cannot even begin, and so this raises RecursionError.
+    if count:
+        _need_frames(count - 1)
+
+
+class Calls:
+    """Calls on the viewer of a pane.
+
+    Between any two steps of Python a destructor or a signal handler may run and close the pane.
+    Then _handle becomes null, which the library refuses; a viewer whose call was about to begin is
+    freed later (_life.close). For the same reason no pointer into a viewer outlasts the call that
+    returned it, except inside Still().
+    """
+
+    __slots__ = ("_handle", "_number", "_owner", "_count", "__weakref__")
+    _handle: ctypes.c_void_p
+    _number: int  # by which callbacks find the pane
+    _owner: Any  # its thread; None while Still() is entered
     _count: ShortValue
 
-    def _live(self) -> int:
-        """The handle; RuntimeError on another thread and for a closed pane."""
+    def _live(self) -> None:
+        """RuntimeError on another thread and for a closed pane."""
         raise NotImplementedError
 
     def _call(self, method: Method, *values: Any) -> Any:
@@ -170,45 +209,71 @@ class Calls:
         )
 
     def _invoke(self, method: Method, arguments: bytes) -> Any:
-        if method.check is not None:
-            method.check(self, *method.unpack(arguments)[1::2])
-        # Read again: what was converted to a number or checked can have closed the pane.
-        handle = self._handle
-        if handle is None:
-            handle = self._live()
         result_type = method.result_type
         if result_type is None:
-            if status := _invoke(handle, method.id, arguments, method.count, None):
+            if method.check is not None:
+                self._check_values(method, arguments)
+            if (
+                status := _invoke(self._handle, method.id, arguments, method.count, None)
+            ) or raised:
                 self._fail(status, method.name)
             return None
         result = result_type()
-        if status := _invoke(handle, method.id, arguments, method.count, _address(result)):
+        place = _address(result)
+        if method.check is not None:
+            self._check_values(method, arguments)
+        if (status := _invoke(self._handle, method.id, arguments, method.count, place)) or raised:
             self._fail(status, method.name)
         return result.value if method.result != "b" else result.value != 0
 
+    def _check_values(self, method: Method, arguments: bytes) -> None:
+        values = method.unpack(arguments)[1::2]
+        with Still(self):
+            method.check(self, *values)
+
     def _fail(self, status: int, name: str) -> None:
-        """Raises what ended a call: the exception of a callback, or the reason of the viewer."""
-        if status == HANDLER_FAILED and self._pending:
-            raise self._pending.pop()
-        raise Error(last_error(), name)
+        """Raises what a callback of a call has raised, or why the call failed."""
+        error = take_raised(self._number)
+        if error is not None:
+            raise error
+        if status == BAD_ARGUMENTS and not self._handle:
+            self._live()
+        if status == HANDLER_FAILED:
+            _need_frames(20)
+            raise Error("an exception ended a callback where it could not be kept", name)
+        if status:
+            raise Error(last_error(), name)
+
+    def _ask(self, function: Callable, *arguments: Any) -> Any:
+        """Calls a function of the library whose result is no status."""
+        self._live()
+        value = function(self._handle, *arguments)
+        if raised:
+            self._fail(0, function.__name__)
+        if not self._handle:
+            self._live()
+        return value
+
+    def _long_from(self, method_id: int) -> int:
+        """The long result of a method without arguments that fires no event. For Still()."""
+        result = LongValue()
+        _invoke(self._handle, method_id, None, 0, _address(result))
+        return result.value
 
     def _import(self, method: Method, arguments: bytes) -> None:
         """Calls a method that adds one object, or reports in the debugger output why not."""
         if method.check is not None:
-            method.check(self, *method.unpack(arguments)[1::2])
-        handle = self._live()  # what was converted to a number can have closed the pane
+            self._check_values(method, arguments)
         is_counted = method.can_add_nothing and not self._is_staging()
         before = self._object_count() if is_counted else 0
         with Capture() as capture:
-            status = _invoke(handle, method.id, arguments, method.count, None)
+            status = _invoke(self._handle, method.id, arguments, method.count, None)
+        if raised or status == HANDLER_FAILED:
+            capture.pass_on()
+            self._fail(status, method.name)
         if status == FAILED:
             raise ImportFailed(capture.text() or last_error(), method.name)
-        if (
-            is_counted
-            and not status
-            and self._handle is not None
-            and self._object_count() == before
-        ):
+        if is_counted and not status and self._handle and self._object_count() == before:
             raise ImportFailed(capture.text(), method.name)
         capture.pass_on()
         if status:
@@ -218,21 +283,22 @@ class Calls:
         """Calls a method that replaces a file by a new one: that the file on disk is another one
         is what says that it worked.
         """
-        if method.check is not None:
-            method.check(self, *method.unpack(arguments)[1::2])
-        handle = self._live()  # what was converted to a number can have closed the pane
         before = _file_state(path)
         with Capture() as capture:
-            status = _invoke(handle, method.id, arguments, method.count, None)
-        if not status and _file_state(path) in (None, before):
+            if method.check is not None:
+                self._check_values(method, arguments)
+            status = _invoke(self._handle, method.id, arguments, method.count, None)
+        is_missing = not status and _file_state(path) in (None, before)
+        if not is_missing:
+            capture.pass_on()
+        if status or raised:
+            self._fail(status, method.name)
+        if is_missing:
             name = os.fsdecode(path)
             raise Error(
                 capture.text() or f"no file was written: '{name}' has no extension of a mesh file",
                 method.name,
             )
-        capture.pass_on()
-        if status:
-            self._fail(status, method.name)
 
     def _is_staging(self) -> bool:
         """Whether imports wait for EndParallelImport()."""
@@ -267,9 +333,10 @@ class Calls:
         return method.call(self, method, *values)
 
     def _get(self, prop: Property) -> Any:
-        handle = self._live()
+        self._live()
         value = prop.result_type()
-        if status := library.kv_get_property(handle, prop.id, _address(value)):
+        place = _address(value)
+        if (status := _get_property(self._handle, prop.id, place)) or raised:
             self._fail(status, prop.name)
         return value.value != 0 if prop.code == "b" else value.value
 
@@ -278,7 +345,7 @@ class Calls:
         try:
             data = prop.pack(TAGS[prop.code], flag(value) if prop.code == "b" else value)
         except (struct.error, OverflowError, TypeError):
-            error = refusal(prop.name, "the value", prop.code, value)
+            error = refusal(prop.name, "", prop.code, value)
             raise error or TypeError(f"{prop.name}: the value changed while it was read") from None
-        if status := library.kv_put_property(self._live(), prop.id, data):
+        if (status := _put_property(self._handle, prop.id, data)) or raised:
             self._fail(status, prop.name)

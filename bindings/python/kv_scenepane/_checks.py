@@ -10,6 +10,7 @@ import numpy as np
 
 from . import _surface
 from ._arrays import address
+from ._calls import Still
 from ._picture import rgba
 from ._records import read_cut_mask
 
@@ -20,7 +21,7 @@ _SIDE = 2048  # of CaptureScreenShot()
 
 def _object_index(name: str):
     def check(pane: Any, index: int, *_rest: Any) -> None:
-        count = pane.GetNumObjects()
+        count = pane._object_count()
         if not 0 <= index < count:
             raise IndexError(f"{name}(): object {index} of {count}")
 
@@ -29,7 +30,7 @@ def _object_index(name: str):
 
 def _sphere_id(name: str):
     def check(pane: Any, number: int, *_rest: Any) -> None:
-        count = pane.GetNumberOfPickPointSpheres()
+        count = pane._long_from(12)  # GetNumberOfPickPointSpheres
         if not 0 <= number < count:
             raise IndexError(f"{name}(): pick-point sphere {number} of {count}")
 
@@ -95,14 +96,13 @@ def _end_parallel_import(pane: Any) -> None:
 
 
 def _get_needles(pane: Any, method: Any) -> tuple:
-    count = pane.GetNumberOfNeedles()
-    arrays = (
-        np.zeros(count, np.int32),
-        np.zeros((count, 3), np.float32),
-        np.zeros((count, 3), np.float32),
-    )
-    pane._invoke(method, method.pack(*(word for array in arrays for word in (6, address(array)))))
-    return method.tuple(*arrays)
+    with Still(pane):  # the viewer writes as many as there are
+        count = pane._long_from(113)  # GetNumberOfNeedles
+        numbers = np.empty(count, np.int32)
+        pins, heads = np.empty((count, 3), np.float32), np.empty((count, 3), np.float32)
+        places = method.pack(6, address(numbers), 6, address(pins), 6, address(heads))
+        pane._invoke(method, places)
+    return method.tuple(numbers, pins, heads)
 
 
 def _capture_screen_shot(pane: Any, method: Any) -> np.ndarray:
@@ -120,11 +120,12 @@ def _begin_parallel_import(pane: Any, method: Any) -> tuple:
 
 
 def _get_cut_masks(pane: Any, method: Any) -> list:
-    count = ctypes.c_int32()
-    pane._invoke(method, method.pack(6, ctypes.addressof(count), 6, 0))
-    slots = (ctypes.c_size_t * count.value)()
-    pane._invoke(method, method.pack(6, ctypes.addressof(count), 6, ctypes.addressof(slots)))
-    return [read_cut_mask(slot) for slot in slots]
+    with Still(pane):  # the masks are those of the viewer
+        count = ctypes.c_int32()
+        pane._invoke(method, method.pack(6, ctypes.addressof(count), 6, 0))
+        slots = (ctypes.c_size_t * count.value)()
+        pane._invoke(method, method.pack(6, ctypes.addressof(count), 6, ctypes.addressof(slots)))
+        return [read_cut_mask(slot) for slot in slots]
 
 
 def _note_overlay(pane: Any, index: int) -> None:

@@ -5,17 +5,20 @@ import atexit
 import ctypes
 import sys
 import threading
+from threading import get_ident
 from typing import Callable, Optional
 
+from ._errors import raised
 from ._library import DebugFunction, library
 
 _function: Optional[Callable[[str], object]] = None
 
 
 class _Thread(threading.local):
-    # Texts of the imports that run on this thread, innermost last.
     def __init__(self) -> None:
+        # Texts of the imports that run on this thread, innermost last.
         self.captures: list[list[str]] = []
+        self.receiving = 0  # how many texts are being received, one inside a call of the other
 
 
 _thread = _Thread()
@@ -25,8 +28,9 @@ def on_debug_output(function: Optional[Callable[[str], object]]) -> None:
     """Redirects the debugger output of the whole process: reasons and warnings of all viewers.
 
     function receives one piece of text, usually whole lines. It may be called on any thread that
-    imports; what it raises goes to sys.unraisablehook. None writes to sys.stderr again. Without a
-    function, the text of an import that fails is the text of its exception only.
+    imports; what it raises is raised by the call that wrote the text, once that is done. None
+    writes to sys.stderr again. Without a function, the text of an import that fails is the text of
+    its exception only.
     """
     global _function
     if function is not None and not callable(function):
@@ -43,9 +47,21 @@ def _write(text: str) -> None:
         stream.flush()
 
 
-@DebugFunction
-def _receive(_user, text, size):
-    words = ctypes.string_at(text, size).decode("utf-8", "replace") if size else ""
+def receive(_user, text, size):
+    """kv_debug_function. What is raised is kept, and raised by the call that is running."""
+    here = None
+    try:
+        here = -get_ident()
+        _thread.receiving += 1
+        try:
+            _receive(ctypes.string_at(text, size).decode("utf-8", "replace") if size else "")
+        finally:
+            _thread.receiving -= 1
+    except BaseException as error:
+        raised[here] = error
+
+
+def _receive(words: str) -> None:
     captures = _thread.captures
     if captures:
         captures[-1].append(words)
@@ -54,6 +70,14 @@ def _receive(_user, text, size):
         function(words)
     elif not captures:
         _write(words)
+
+
+def is_receiving() -> bool:
+    """Whether this thread is inside the debugger output."""
+    return _thread.receiving > 0
+
+
+_callback = DebugFunction(receive)
 
 
 class Capture:
@@ -83,6 +107,6 @@ def _restore() -> None:
     library.kv_set_debug_output(DebugFunction(0), None)
 
 
-library.kv_set_debug_output(_receive, None)
+library.kv_set_debug_output(_callback, None)
 # After the end of the interpreter no text may reach it.
 atexit.register(_restore)

@@ -1,15 +1,21 @@
 """Events: the callback of the library, connections to functions, and the iterator."""
 from __future__ import annotations
 
+import atexit
 import ctypes
 import functools
+import math
 import select
 import struct
+import sys
 import time
 import weakref
 from collections import deque
-from typing import Any, Callable, Iterator, Optional
+from threading import get_ident
+from typing import Any, Callable, Generic, Iterator, Optional, TypeVar
 
+from . import _debug
+from ._errors import raised
 from ._library import AboutFunction, EventFunction, MessageFunction
 from ._records import Event, EventType
 from ._surface import EVENTS
@@ -55,45 +61,90 @@ def unregister(number: int) -> None:
     _panes.pop(number, None)
 
 
-def _run(user: Optional[int], action: Callable[[Any], None]) -> int:
-    # What action raises is kept, and raised again by the call that caused it.
+def _pane_of(user: Optional[int]) -> Any:
     reference = _panes.get(user or 0)
-    pane = reference() if reference is not None else None
-    if pane is None:
-        return 0
+    return reference() if reference is not None else None
+
+
+# In the three callbacks all is inside try: what leaves a callback is lost, and its result is then
+# any number. What is raised is kept, and raised again by the call that caused it.
+
+
+def _event(user, number, arguments, count):
+    """kv_event_function of all panes."""
     try:
-        action(pane)
+        pane = _pane_of(user)
+        if pane is not None:
+            event, read = _BY_ID[number]
+            values = read(ctypes.string_at(arguments, 16 * count) if count else b"")[1::2]
+            pane._receivers.send(event, values)
         return 0
     except BaseException as error:
-        pane._pending.append(error)
+        raised[user] = error
         return 1
 
 
-@EventFunction
-def on_event(user, number, arguments, count):
-    """kv_event_function of all panes."""
-    event, read = _BY_ID[number]
-    values = read(ctypes.string_at(arguments, 16 * count) if count else b"")[1::2]
-    return _run(user, lambda pane: pane._receivers.send(event, values))
-
-
-@MessageFunction
-def on_message(user, text):
+def _message(user, text):
     """kv_message_function of all panes."""
-    return _run(user, lambda pane: pane._on_message(text.decode("utf-8", "replace")))
+    try:
+        pane = _pane_of(user)
+        if pane is not None:
+            pane._on_message(text.decode("utf-8", "replace"))
+        return 0
+    except BaseException as error:
+        raised[user] = error
+        return 1
 
 
-@AboutFunction
-def on_about(user, title, line):
+def _about(user, title, line):
     """kv_about_function of all panes."""
-    words = title.decode("utf-8", "replace"), line.decode("utf-8", "replace")
-    return _run(user, lambda pane: pane._on_about(*words))
+    try:
+        pane = _pane_of(user)
+        if pane is not None:
+            pane._on_about(title.decode("utf-8", "replace"), line.decode("utf-8", "replace"))
+        return 0
+    except BaseException as error:
+        raised[user] = error
+        return 1
 
 
-class Connection:
-    """A function that gets the events of one type. Calling the connection calls the function."""
+on_event, on_message, on_about = EventFunction(_event), MessageFunction(_message), AboutFunction(_about)
 
-    def __init__(self, receivers: "Receivers", event: EventType, function: Callable) -> None:
+# A signal that arrived inside the library is handled where a callback begins, before its try. What
+# its handler raises there, such as KeyboardInterrupt, ctypes passes to sys.unraisablehook only.
+_CALLBACKS = (_event, _message, _about, _debug.receive)
+CALLBACK_CODES = {callback.__code__ for callback in _CALLBACKS}
+_next_hook = sys.unraisablehook
+
+
+def _keep_unraisable(unraisable: Any) -> None:
+    text = unraisable.err_msg or ""
+    for callback in _CALLBACKS:
+        # Since Python 3.13 the function is only in the text.
+        if unraisable.object is callback or repr(callback) in text:
+            raised[-get_ident()] = unraisable.exc_value
+            return
+    _next_hook(unraisable)
+
+
+def _restore_hook() -> None:
+    if sys.unraisablehook is _keep_unraisable:
+        sys.unraisablehook = _next_hook
+
+
+sys.unraisablehook = _keep_unraisable
+atexit.register(_restore_hook)
+
+
+Function = TypeVar("Function", bound=Callable[..., Any])
+
+
+class Connection(Generic[Function]):
+    """A function that gets the events of one type. Calling the connection calls the function. A
+    context manager disconnects it at the end.
+    """
+
+    def __init__(self, receivers: "Receivers", event: EventType, function: Function) -> None:
         self._receivers = receivers
         self.event = event
         self.function = function
@@ -107,6 +158,12 @@ class Connection:
     def disconnect(self) -> None:
         """The function gets no more events. May be called in the function itself."""
         self._receivers.remove(self)
+
+    def __enter__(self) -> "Connection[Function]":
+        return self
+
+    def __exit__(self, *_exception: Any) -> None:
+        self.disconnect()
 
     def __call__(self, *arguments: Any, **words: Any) -> Any:
         return self.function(*arguments, **words)
@@ -169,8 +226,10 @@ class EventIterator(Iterator[Event]):
     """The events of a pane since pane.events(). Handles window input while it waits."""
 
     def __init__(self, pane: Any, timeout: Optional[float]) -> None:
+        if timeout is not None and math.isnan(timeout):
+            raise ValueError("events(): timeout is not a number")
         self._pane = pane
-        self._timeout = timeout
+        self._timeout = None if timeout is None else max(0.0, timeout)
         self._queue: deque[Event] = deque()
 
     def put(self, event: Event) -> None:
@@ -197,7 +256,8 @@ class EventIterator(Iterator[Event]):
                 break
             if self._pane.closed:
                 break
-            poll.poll(None if remaining is None else remaining * 1000)
+            # poll() has no room for more than 24 days.
+            poll.poll(None if remaining is None else min(remaining, 1e6) * 1000)
         if self._queue:
             return self._queue.popleft()
         raise StopIteration

@@ -1,7 +1,6 @@
 """A mesh of numpy arrays for ImportMeshedMeasurement."""
 from __future__ import annotations
 
-import weakref
 from typing import Any, Optional
 
 import numpy as np
@@ -14,7 +13,7 @@ _VERTEX = np.dtype([("position", "f4", 3), ("normal", "f4", 3), ("color", "u4"),
 
 
 class Mesh:
-    """A mesh: a copy of the arrays. Any thread.
+    """A mesh: a copy of the arrays. Any thread; can be copied and pickled.
 
     vertices: float32, n x 3, world frame
     triangles: int32, m x 3, counterclockwise seen from outside; may be left out for a point cloud
@@ -23,7 +22,7 @@ class Mesh:
     grid: uint32, n: (row << 16) | column of the measurement
     """
 
-    __slots__ = ("_handle", "_close", "vertex_count", "triangle_count", "__weakref__")
+    __slots__ = ("_records", "_faces", "_has_colors", "__weakref__")
 
     def __init__(
         self,
@@ -57,17 +56,39 @@ class Mesh:
         faces = faces.copy()  # checked and read here, whatever another thread writes meanwhile
         if faces.size and (faces.min() < 0 or faces.max() >= len(points)):
             raise IndexError(f"Mesh(): triangles must hold indices from 0 to {len(points) - 1}")
-        self.vertex_count = len(points)
-        self.triangle_count = len(faces)
-        self._handle: Any = library.kv_mesh_create(
-            address(records), len(records), address(faces), len(faces), int(colors is not None)
-        )
-        if not self._handle:
-            raise MemoryError(f"Mesh(): {last_error()}")
-        self._close = weakref.finalize(self, library.kv_mesh_destroy, self._handle)
+        self._records = records
+        self._faces = faces
+        self._has_colors = colors is not None
+
+    @property
+    def vertex_count(self) -> int:
+        """Number of vertices."""
+        return len(self._records)
+
+    @property
+    def triangle_count(self) -> int:
+        """Number of triangles."""
+        return len(self._faces)
 
     def __repr__(self) -> str:
         return f"<kv.Mesh of {self.vertex_count} vertices and {self.triangle_count} triangles>"
+
+
+class MeshHandle:
+    """A mesh of the library, for one call."""
+
+    __slots__ = ("value",)
+
+    def __init__(self, mesh: Mesh) -> None:
+        records, faces = mesh._records, mesh._faces
+        self.value: Optional[int] = library.kv_mesh_create(
+            address(records), len(records), address(faces), len(faces), int(mesh._has_colors)
+        )
+        if not self.value:
+            raise MemoryError(f"Mesh: {last_error()}")
+
+    def __del__(self) -> None:
+        library.kv_mesh_destroy(self.value)
 
 
 def _rows(

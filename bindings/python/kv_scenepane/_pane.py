@@ -3,16 +3,18 @@ return.
 """
 from __future__ import annotations
 
-from typing import Any, Callable, Optional, Union
+import inspect
+import types
+from typing import Any, Callable, Optional, Union, overload
 
 import numpy as np
 
 from . import _events, _library, _life
 from ._debug import Capture
-from ._events import EventIterator
+from ._events import Connection, EventIterator, Function
 from ._library import library
 from ._parallel import ParallelImport
-from ._request import make_request, number_of, optional_text, window_number
+from ._request import make_request, number_of, optional_text, scale_of, window_number
 from ._scene import Scene, text_of
 from ._surface import METHODS, Surface
 from ._values import check_int
@@ -25,14 +27,15 @@ _BY_ID = {method.id: method for method in METHODS}
 
 
 class ScenePane(Scene):
-    """A viewer of scans and meshes.
+    """A viewer of scans and meshes, made by ScenePane.offscreen(), no_picture(), child() or
+    top_level().
 
-    Made by offscreen(), no_picture(), child() or top_level(); all calls on the thread that made it.
-    A context manager closes it at the end.
+    All calls on the thread that made it. A context manager closes it at the end.
     """
 
+    __signature__ = inspect.Signature()  # what __init__() gets is made by the methods above
+
     __slots__ = (
-        "_number",
         "_finalizer",
         "_receivers",
         "_overlay_count",
@@ -41,7 +44,6 @@ class ScenePane(Scene):
         "_about",
     )
 
-    _number: int
     _finalizer: Any
     _receivers: _events.Receivers
     _overlay_count: int
@@ -49,18 +51,18 @@ class ScenePane(Scene):
 
     def __init__(
         self,
-        request: _library.WindowRequest,
+        request: Optional[_library.WindowRequest] = None,
         *,
         on_message: Optional[Callable[[str], object]] = None,
         on_about: Optional[Callable[[str, str], object]] = None,
     ) -> None:
         if not isinstance(request, _library.WindowRequest):
-            raise TypeError("a pane is made by offscreen(), no_picture(), child() or top_level()")
+            raise TypeError(
+                "a pane is made by ScenePane.offscreen(), no_picture(), child() or top_level()"
+            )
         for name, hook in (("on_message", on_message), ("on_about", on_about)):
             if hook is not None and not callable(hook):
                 raise TypeError(f"{name} must be callable, not {type(hook).__name__}")
-        self._handle = None
-        self._pending: list[BaseException] = []
         self._count = _library.ShortValue()
         self._receivers = _events.Receivers()
         self._overlay_count = 0
@@ -88,9 +90,10 @@ class ScenePane(Scene):
         """A viewer without a display.
 
         width, height: of its pictures, pixels, 1 to 32767
-        samples: per pixel, that smooth the edges; 0 for none
+        samples: per pixel, that smooth the edges; 0 for none. A driver that does not offer exactly
+            this number draws with none
         gpu: ANY_GPU, SOFTWARE, or the number of a graphics device from 0
-        scale: factor of text, lines and points
+        scale: factor of text, lines and points, above 0; limited to 0.25 to 8
         on_message: gets a text that the user must read
         on_about: gets title and line of AboutBox()
         """
@@ -155,7 +158,7 @@ class ScenePane(Scene):
     @property
     def closed(self) -> bool:
         """Whether the pane was closed."""
-        return self._handle is None
+        return not self._handle
 
     def close(self) -> None:
         """Closes the pane. May be called twice, and in a callback."""
@@ -168,8 +171,10 @@ class ScenePane(Scene):
     def __exit__(self, *_exception: Any) -> None:
         self.close()
 
-    def _live(self) -> int:
-        return _life.handle_of(self)
+    def __reduce_ex__(self, _protocol: Any) -> Any:
+        raise TypeError("a pane cannot be copied or pickled: it is a window, not a value")
+
+    _live = _life.check_usable
 
     def __repr__(self) -> str:
         return "<kv.ScenePane, closed>" if self.closed else f"<kv.ScenePane {self._number}>"
@@ -187,7 +192,13 @@ class ScenePane(Scene):
 
     # ---- events and the window
 
-    def on(self, event: Union[str, int], function: Optional[Callable] = None) -> Any:
+    @overload
+    def on(self, event: Union[str, int]) -> Callable[[Function], Connection[Function]]: ...
+
+    @overload
+    def on(self, event: Union[str, int], function: Function) -> Connection[Function]: ...
+
+    def on(self, event: Union[str, int], function: Any = None) -> Any:
         """Connects a function to an event, by the name or the number of the event.
 
         The function gets the arguments of the event by position. It may call every method,
@@ -206,31 +217,33 @@ class ScenePane(Scene):
         timeout: seconds without an event after which it ends; None waits until the pane is closed
         """
         self._live()
-        iterator = EventIterator(self, None if timeout is None else max(0.0, float(timeout)))
+        iterator = EventIterator(
+            self, None if timeout is None else number_of("events", "timeout", timeout)
+        )
         self._receivers.add_iterator(iterator)
         return iterator
 
     def process_events(self) -> None:
         """Handles pending input, timers and repaints. Never blocks."""
-        handle = self._live()
+        self._live()
         _life.close_orphans()
-        self._check(library.kv_process_events(handle), "process_events")
+        self._check(library.kv_process_events(self._handle), "process_events")
 
     def fileno(self) -> int:
         """A descriptor that is readable when process_events() has work. It must not be read or
         closed.
         """
-        return library.kv_event_descriptor(self._live())
+        return self._ask(library.kv_event_descriptor)
 
     @property
     def has_window(self) -> bool:
         """False once the window is gone: the program destroyed it, or a new context was refused."""
-        return library.kv_has_window(self._live()) != 0
+        return self._ask(library.kv_has_window) != 0
 
     @property
     def native_window(self) -> int:
         """The X11 window id; 0 without one."""
-        return library.kv_native_window(self._live())
+        return self._ask(library.kv_native_window)
 
     def reparent(self, window_id: int, x: int = 0, y: int = 0) -> None:
         """Moves a child() into another X11 window, to x, y in its pixels."""
@@ -239,16 +252,21 @@ class ScenePane(Scene):
             check_int("reparent", "x", x),
             check_int("reparent", "y", y),
         )
-        self._check(library.kv_reparent(self._live(), window, left, top), "reparent")
+        self._live()
+        self._check(library.kv_reparent(self._handle, window, left, top), "reparent")
 
     def resize(self, width: int, height: int) -> None:
         """SetSize under another name."""
         self.SetSize(width, height)
 
     def set_scale(self, scale: float) -> None:
-        """Sets the factor of text, lines and points, 0.25 to 8, and queues a repaint."""
-        factor = number_of("set_scale", "scale", scale)
-        self._check(library.kv_set_scale(self._live(), factor), "set_scale")
+        """Sets the factor of text, lines and points, and queues a repaint.
+
+        scale: above 0; limited to 0.25 to 8
+        """
+        factor = scale_of("set_scale", scale)
+        self._live()
+        self._check(library.kv_set_scale(self._handle, factor), "set_scale")
 
     def send_mouse(self, kind: int, x: int, y: int, flags: int = 0, delta: int = 0) -> None:
         """Handles one mouse event as if the window had received it.
@@ -270,7 +288,8 @@ class ScenePane(Scene):
             raise ValueError(f"send_mouse(): kind is {numbers[0]}, not 0 to 8")
         if numbers[1] < 0:
             raise ValueError(f"send_mouse(): flags is {numbers[1]}")
-        self._check(library.kv_send_mouse(self._live(), *numbers), "send_mouse")
+        self._live()
+        self._check(library.kv_send_mouse(self._handle, *numbers), "send_mouse")
 
     def send_key(self, code: int, is_down: bool = True, count: int = 1, flags: int = 0) -> None:
         """Handles one key event; letters have the codes of their upper-case characters."""
@@ -279,7 +298,8 @@ class ScenePane(Scene):
             for name, value in (("code", code), ("count", count), ("flags", flags))
         ]
         down = int(bool(is_down))
-        self._check(library.kv_send_key(self._live(), down, *numbers), "send_key")
+        self._live()
+        self._check(library.kv_send_key(self._handle, down, *numbers), "send_key")
 
     def _on_message(self, text: str) -> None:
         if self._message is not None:
@@ -296,7 +316,7 @@ class ScenePane(Scene):
         form = int(bool(binary))
         return text_of(
             "save_properties",
-            lambda *buffer: library.kv_save_properties(self._live(), form, *buffer),
+            lambda *buffer: self._ask(library.kv_save_properties, form, *buffer),
         )
 
     def load_properties(self, store: Union[bytes, bytearray, memoryview, str]) -> None:
@@ -304,8 +324,9 @@ class ScenePane(Scene):
         if not isinstance(store, (bytes, bytearray, memoryview, str)):
             raise TypeError(f"load_properties(): store must be bytes, not {type(store).__name__}")
         data = store.encode("utf-8", "surrogateescape") if isinstance(store, str) else bytes(store)
+        self._live()
         with Capture() as capture:
-            status = library.kv_load_properties(self._live(), data, len(data))
+            status = library.kv_load_properties(self._handle, data, len(data))
         if not status:  # else the text is the reason of the exception
             capture.pass_on()
         self._check(status, "load_properties")
@@ -313,7 +334,7 @@ class ScenePane(Scene):
     @property
     def modified(self) -> bool:
         """Whether a persisted property was changed since it was last saved or loaded."""
-        return library.kv_is_modified(self._live()) != 0
+        return self._ask(library.kv_is_modified) != 0
 
     # ---- parallel import
 
@@ -329,6 +350,14 @@ class ScenePane(Scene):
             self._parallel = _life.Running()
 
     def _end_staging(self) -> None:
-        running, self._parallel = self._parallel, None
+        running = self._parallel
         if running is not None:
             running.end()
+            self._parallel = None
+
+
+# Python's own texts about missing and surplus arguments name the class that programs know.
+for _function in vars(Surface).values():
+    if isinstance(_function, types.FunctionType):
+        _function.__qualname__ = f"ScenePane.{_function.__name__}"
+del _function

@@ -8,7 +8,7 @@ import numpy as np
 
 from ._arrays import address, checked_array
 from ._debug import Capture
-from ._errors import ImportFailed
+from ._errors import ImportFailed, raised, take_raised
 from ._values import check_int
 
 _Entry = c.CFUNCTYPE(
@@ -33,6 +33,10 @@ class ParallelImport:
     with pane.parallel_import() as importer, ThreadPoolExecutor() as pool:
         for index, scan in enumerate(scans):
             pool.submit(importer.add, index, scan.points, scan.confidence, scan.trafo)
+
+    Objects with the same index follow one another in any order. ImportScan() and
+    ImportMeasurementFromMemory() of the pane meanwhile work as add() with an index before all
+    others; other imports add their object at once.
     """
 
     def __init__(self, pane: Any) -> None:
@@ -110,6 +114,9 @@ class ParallelImport:
                 tint & 0xFFFFFFFF,
                 place,
             )
+        error = take_raised() if raised else None
+        if error is not None:
+            raise error
         if not made:
             raise ImportFailed(capture.text(), "add")
         capture.pass_on()

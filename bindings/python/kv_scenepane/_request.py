@@ -2,11 +2,12 @@
 from __future__ import annotations
 
 import ctypes
+import math
 from typing import Any, Optional
 
 from . import _library
 from ._library import library
-from ._values import check_int
+from ._values import check_int, encoded
 
 
 def make_request(
@@ -20,8 +21,16 @@ def make_request(
     request.samples = check_int("ScenePane", "samples", samples)
     if request.samples < 0:
         raise ValueError(f"ScenePane: samples is {request.samples}")
-    request.scale = number_of("ScenePane", "scale", scale)
+    request.scale = scale_of("ScenePane", scale)
     return request
+
+
+def scale_of(method: str, value: Any) -> float:
+    """A factor of text, lines and points. The viewer limits it to 0.25 to 8."""
+    scale = number_of(method, "scale", value)
+    if not 0 < scale < math.inf:
+        raise ValueError(f"{method}(): scale is {scale}, but must be finite and above 0")
+    return scale
 
 
 def _side(name: str, value: Any) -> int:
@@ -53,10 +62,4 @@ def window_number(method: str, value: Any) -> int:
 
 
 def optional_text(method: str, name: str, value: Any) -> Optional[bytes]:
-    if value is None:
-        return None
-    if not isinstance(value, str):
-        raise TypeError(f"{method}(): {name} must be a str, not {type(value).__name__}")
-    if "\0" in value:
-        raise ValueError(f"{method}(): {name} holds a zero character")
-    return value.encode("utf-8", "surrogateescape")
+    return None if value is None else encoded(method, name, value)

@@ -6,10 +6,12 @@ import os
 from typing import Any, Callable, NamedTuple, Optional, Sequence
 
 import numpy as np
+from numpy.typing import NDArray
 
 from . import _library
 from ._arrays import address
-from ._errors import Error
+from ._calls import Still
+from ._errors import Error, raised
 from ._library import last_error, library
 from ._picture import png, rgba
 from ._records import (
@@ -42,24 +44,29 @@ class Scene(Surface):
     _receivers: Any
 
     def _check(self, status: int, name: str) -> None:
-        if status:
+        if status or raised:
             self._fail(status, name)
 
     # ---- pictures
 
-    def picture(self) -> np.ndarray:
+    def picture(self) -> NDArray[np.uint8]:
         """Draws a frame: uint8, height x width x 4 (r, g, b, a), top row first.
 
         Error without a window, for no_picture() and while painting is blocked.
         """
-        handle = self._live()
+        self._live()
         width, height = ctypes.c_int32(), ctypes.c_int32()
         sizes = ctypes.byref(width), ctypes.byref(height)
-        self._check(library.kv_capture_picture(handle, None, 0, *sizes), "picture")
-        words = np.empty((height.value, width.value), np.uint32)
-        self._check(
-            library.kv_capture_picture(handle, address(words), words.size, *sizes), "picture"
-        )
+        self._check(library.kv_capture_picture(self._handle, None, 0, *sizes), "picture")
+        shape = height.value, width.value
+        if min(shape) <= 0:
+            raise Error(f"the drawing area has {shape[1]} x {shape[0]} pixels", "picture")
+        words = np.empty(shape, np.uint32)
+        place = address(words)
+        status = library.kv_capture_picture(self._handle, place, words.size, *sizes)
+        self._check(status, "picture")
+        if shape != (height.value, width.value):
+            raise Error("the size of the drawing area changed meanwhile", "picture")
         return rgba(words)
 
     def _repr_png_(self) -> Optional[bytes]:
@@ -73,7 +80,9 @@ class Scene(Surface):
         """The nearest surface of the visible objects under a pixel, or None."""
         column, row = check_int("pick", "x", x), check_int("pick", "y", y)
         hit = _library.SurfacePoint()
-        self._check(library.kv_pick_surface(self._live(), column, row, ctypes.byref(hit)), "pick")
+        self._live()
+        place = ctypes.byref(hit)
+        self._check(library.kv_pick_surface(self._handle, column, row, place), "pick")
         if hit.object < 0:
             return None
         point = (hit.point[0], hit.point[1], hit.point[2])
@@ -82,7 +91,7 @@ class Scene(Surface):
     def graphics_info(self) -> GraphicsInfo:
         """What draws the pane. Error without a window."""
         text = text_of(
-            "graphics_info", lambda *buffer: library.kv_graphics_info(self._live(), *buffer)
+            "graphics_info", lambda *buffer: self._ask(library.kv_graphics_info, *buffer)
         )
         lines = text.decode("utf-8", "replace").split("\n")
         return GraphicsInfo(*(lines + [""] * 4)[:4])
@@ -95,14 +104,14 @@ class Scene(Surface):
         return os.fsdecode(
             text_of(
                 "object_name",
-                lambda *buffer: library.kv_object_name(self._live(), number, *buffer),
+                lambda *buffer: self._ask(library.kv_object_name, number, *buffer),
             )
         )
 
     def object_has_colors(self, index: int) -> bool:
         """Whether the vertices of an object have colours."""
         number = self._object_index("object_has_colors", index)
-        return library.kv_object_has_colors(self._live(), number) != 0
+        return self._ask(library.kv_object_has_colors, number) != 0
 
     def _object_index(self, name: str, index: Any) -> int:
         number, count = check_int(name, "index", index), self.GetNumObjects()
@@ -118,8 +127,11 @@ class Scene(Surface):
         mode: a SegmentationMode
         points: n x 2 numbers, fractions of the drawing area from 0 to below 1, y downward; at least
         two of a polygon, at least one of a freehand lasso
-        Returns whether an object has changed.
+        Returns whether an object has changed. ValueError for points that are not finite, or that
+        are all outside of the drawing area.
         """
+        if not hasattr(mode, "__index__"):
+            raise TypeError(f"cut(): mode must be a kv.SegmentationMode, not {type(mode).__name__}")
         number = check_int("cut", "mode", mode)
         if not 0 <= number <= 5:
             raise ValueError(f"cut(): mode is {number}, not 0 to 5")
@@ -130,9 +142,11 @@ class Scene(Surface):
                 f"cut(): points has the shape {corners.shape}, "
                 f"but must have n x 2, n of at least {least}"
             )
+        _check_lasso(corners)
         changed = ctypes.c_int32()
+        self._live()
         status = library.kv_cut_with_lasso(
-            self._live(), number, address(corners), len(corners), ctypes.byref(changed)
+            self._handle, number, address(corners), len(corners), ctypes.byref(changed)
         )
         self._check(status, "cut")
         return changed.value != 0
@@ -143,27 +157,29 @@ class Scene(Surface):
         """
         number = check_int("cut_mask", "address", address, "l")
         self._live()
-        if number not in self._receivers.masks:
-            for mask in self.GetCutMasks():
-                if mask.address == number:
-                    return mask
-            raise ValueError(f"cut_mask(): no cut mask is at {number:#x}")
-        return read_cut_mask(number)
+        # That the event is handled keeps its mask alive, whatever happens to the pane meanwhile.
+        if number in self._receivers.masks:
+            return read_cut_mask(number)
+        for mask in self.GetCutMasks():
+            if mask.address == number:
+                return mask
+        raise ValueError(f"cut_mask(): no cut mask is at {number:#x}")
 
     @property
     def undo_steps(self) -> int:
         """Number of cuts that PerformUndo() can take back."""
-        return library.kv_undo_step_count(self._live())
+        return self._ask(library.kv_undo_step_count)
 
     def cut_save_entries(self, planned: bool = False) -> list[CutSaveEntry]:
         """One entry per object: what the last SaveCuttingToPcms() did, or with planned what it
         would do.
         """
         flag = int(bool(planned))
-        count = library.kv_cut_save_entries(self._live(), flag, None, 0)
+        count = self._ask(library.kv_cut_save_entries, flag, None, 0)
         raw = (_library.CutSaveEntry * count)()
-        count = min(count, library.kv_cut_save_entries(self._live(), flag, raw, count))
-        return [_cut_save_entry(entry) for entry in raw[:count]]
+        with Still(self):  # the texts are those of the viewer
+            count = min(count, library.kv_cut_save_entries(self._handle, flag, raw, count))
+            return [_cut_save_entry(entry) for entry in raw[:count]]
 
     # ---- alignment and the clip plane
 
@@ -171,24 +187,33 @@ class Scene(Surface):
         """Moves the variable objects so that the moving points come to the fixed points.
 
         pairs: AlignmentPair, or (moving, fixed) of three numbers each, world frame. A single pair
-        needs both normals. is_found of the result is False when nothing was moved.
+        needs both normals, else ValueError. is_found of the result is False when nothing was moved.
         """
         made = [_alignment_pair(place, pair) for place, pair in enumerate(pairs)]
+        # The viewer would turn the objects by half a turn about any axis.
+        if len(made) == 1 and not (any(made[0].moving_normal) and any(made[0].fixed_normal)):
+            raise ValueError(
+                "align(): a single pair needs moving_normal and fixed_normal, which decide the "
+                "rotation"
+            )
         raw = (_library.AlignmentPair * len(made))(*made)
-        self._check(library.kv_align_by_pairs(self._live(), raw, len(made), None), "align")
+        self._live()
+        self._check(library.kv_align_by_pairs(self._handle, raw, len(made), None), "align")
         return self.alignment
 
     @property
     def alignment(self) -> Alignment:
         """What the last alignment by points found, by align() or by the operator."""
+        self._live()
         raw = _library.Alignment()
+        place = ctypes.byref(raw)
         self._check(
-            library.kv_alignment_result(self._live(), ctypes.byref(raw), None, None, 0), "alignment"
+            library.kv_alignment_result(self._handle, place, None, None, 0), "alignment"
         )
         pairs = (_library.AlignmentPair * raw.pair_count)()
         residuals = np.zeros(raw.pair_count, np.float64)
         status = library.kv_alignment_result(
-            self._live(), ctypes.byref(raw), pairs, address(residuals), raw.pair_count
+            self._handle, place, pairs, address(residuals), len(residuals)
         )
         self._check(status, "alignment")
         made = [
@@ -209,8 +234,10 @@ class Scene(Surface):
     @property
     def clip_height(self) -> ClipHeight:
         """What the last placement of the clip plane at the data found."""
+        self._live()
         raw = _library.ClipHeight()
-        self._check(library.kv_clip_height_result(self._live(), ctypes.byref(raw)), "clip_height")
+        status = library.kv_clip_height_result(self._handle, ctypes.byref(raw))
+        self._check(status, "clip_height")
         return ClipHeight(raw.found != 0, raw.height, raw.kind)
 
 
@@ -240,8 +267,24 @@ def _cut_save_entry(raw: _library.CutSaveEntry) -> CutSaveEntry:
     )
 
 
+def _check_lasso(corners: np.ndarray) -> None:
+    if not np.isfinite(corners).all():
+        raise ValueError("cut(): points must be finite")
+    if not ((corners >= 0) & (corners < 1)).all(axis=1).any():
+        raise ValueError(
+            "cut(): points are fractions of the drawing area from 0 to below 1, "
+            "but all of these are outside of it"
+        )
+
+
 def _alignment_pair(place: int, pair: Any) -> _library.AlignmentPair:
-    made = pair if isinstance(pair, AlignmentPair) else AlignmentPair(*pair)
+    try:
+        made = pair if isinstance(pair, AlignmentPair) else AlignmentPair(*pair)
+    except TypeError:
+        raise TypeError(
+            f"align(): pair {place} must be an AlignmentPair or (moving, fixed) of three numbers "
+            f"each, not {pair!r:.60}"
+        ) from None
     raw = _library.AlignmentPair()
     for name in AlignmentPair._fields:
         values = np.array(getattr(made, name), np.float64)
@@ -250,5 +293,7 @@ def _alignment_pair(place: int, pair: Any) -> _library.AlignmentPair:
                 f"align(): {name} of pair {place} has the shape {values.shape}, "
                 "but must have three numbers"
             )
+        if not np.isfinite(values).all():
+            raise ValueError(f"align(): {name} of pair {place} must be finite")
         setattr(raw, name, tuple(values))
     return raw

@@ -41,9 +41,18 @@ def flag(value: Any) -> Any:
 
 def text_bytes(method: str, argument: str, text: Any) -> bytes:
     """UTF-8 of a text, with the zero that ends it."""
+    return encoded(method, argument, text) + b"\0"
+
+
+def encoded(method: str, argument: str, text: Any) -> bytes:
+    """UTF-8 of a text without zeros."""
     if not isinstance(text, str):
         raise TypeError(f"{method}(): {argument} must be a str, not {type(text).__name__}")
-    return _ended(method, argument, text.encode("utf-8", "surrogateescape"))
+    try:
+        data = text.encode("utf-8", "surrogateescape")
+    except UnicodeEncodeError as error:
+        raise _surrogate(method, argument, error) from None
+    return _without_zero(method, argument, data)
 
 
 def path_bytes(method: str, argument: str, path: Any) -> bytes:
@@ -54,43 +63,50 @@ def path_bytes(method: str, argument: str, path: Any) -> bytes:
         raise TypeError(
             f"{method}(): {argument} must be str, bytes or os.PathLike, not {type(path).__name__}"
         ) from None
-    return _ended(method, argument, bytes(data))
+    except UnicodeEncodeError as error:
+        raise _surrogate(method, argument, error) from None
+    return _without_zero(method, argument, bytes(data)) + b"\0"
 
 
-def _ended(method: str, argument: str, data: bytes) -> bytes:
+def _surrogate(method: str, argument: str, error: UnicodeEncodeError) -> ValueError:
+    return ValueError(f"{method}(): {argument} cannot be encoded at {error.start}: {error.reason}")
+
+
+def _without_zero(method: str, argument: str, data: bytes) -> bytes:
     if 0 in data:
         raise ValueError(f"{method}(): {argument} holds a zero character")
-    return data + b"\0"
+    return data
 
 
 def refusal(method: str, argument: str, code: str, value: Any) -> Exception | None:
-    """Why a value cannot be packed; None when it can."""
+    """Why a value cannot be packed; None when it can. A property has no argument."""
+    what = f"{method}(): {argument}" if argument else f"{method}: the value"
     if code == "f":
-        return _float_refusal(method, argument, value)
+        return _float_refusal(what, value)
     kind = "a bool" if code == "b" else "an int"
     try:
         number = operator.index(value)
     except TypeError:
-        return TypeError(f"{method}(): {argument} must be {kind}, not {type(value).__name__}")
+        return TypeError(f"{what} must be {kind}, not {type(value).__name__}")
     if code == "b":
         return None
     low, high = _RANGES[code]
     if low <= number <= high:
         return None
-    return OverflowError(f"{method}(): {argument} is {number}, which is not {_NAMES[code]}")
+    return OverflowError(f"{what} is {number}, which is not {_NAMES[code]}")
 
 
-def _float_refusal(method: str, argument: str, value: Any) -> Exception | None:
+def _float_refusal(what: str, value: Any) -> Exception | None:
     try:
         number = float(value) if not isinstance(value, (str, bytes, bytearray)) else None
     except OverflowError:
-        return OverflowError(f"{method}(): {argument} does not fit in 32 bits")
+        return OverflowError(f"{what} does not fit in 32 bits")
     except (TypeError, ValueError):
         number = None
     if number is None:
-        return TypeError(f"{method}(): {argument} must be a float, not {type(value).__name__}")
+        return TypeError(f"{what} must be a float, not {type(value).__name__}")
     if np.isfinite(number) and abs(number) > 3.4028235e38:
-        return OverflowError(f"{method}(): {argument} is {number}, which does not fit in 32 bits")
+        return OverflowError(f"{what} is {number}, which does not fit in 32 bits")
     return None
 
 
