@@ -29,8 +29,8 @@ public:
     /// With a value that is no DrawMode no objects are drawn. A change invalidates with erase and marks the control as
     /// modified.
     virtual void SetDrawMode(std::int16_t value) = 0;
-    /// Whether objects are drawn as points, one for every tenth triangle, while a drag moves the view: in every draw mode
-    /// but boxes. Persisted; false at first.
+    /// Whether objects are drawn as points, one for every tenth triangle, while a drag moves the view: in every draw
+    /// mode but boxes. Persisted; false at first.
     virtual VARIANT_BOOL GetMoveReduced() = 0;
     /// A change invalidates with erase and marks the control as modified.
     virtual void SetMoveReduced(VARIANT_BOOL value) = 0;
@@ -398,7 +398,8 @@ public:
     /// A plane that was set before is thereby lost: call SetClipPlane() afterwards. When the byte is 0, the plane clips
     /// where it is and is hidden.
     /// @throws std::runtime_error when the component library cannot create a part of the estimate, or with the text of
-    ///         the status that one returned: clipping is then on with the plane as it was, and no repaint is asked for
+    ///         the status that one returned, for vertices that all have the same height "an invalid argument was passed
+    ///         to an interface method": clipping is then on with the plane as it was, and no repaint is asked for
     virtual void SetClipPlaneEnabled(std::int32_t displayClipPlane) = 0;
     /// Ends clipping and hides the plane; invalidates with erase.
     virtual void SetClipPlaneDisabled() = 0;
