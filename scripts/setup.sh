@@ -16,7 +16,7 @@ KV_BUILD_PACKAGES=(
 KV_TEST_PACKAGES=(
     xvfb xdotool locales binutils mesa-vulkan-drivers virgl-server
     python3 python3-numpy python3-pyqt6 python3-pip python3-setuptools python3-wheel python3-venv
-    python3-dask python3-distributed python3-nbclient python3-nbformat python3-ipykernel
+    python3-dask python3-distributed python3-nbclient python3-nbformat python3-ipykernel mypy
 )
 # Needed for the fuzz harnesses, the format and lint checks and the include graph.
 KV_DEVELOPMENT_PACKAGES=(clang libclang-rt-dev clang-format clang-tidy git python3)

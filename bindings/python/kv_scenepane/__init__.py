@@ -9,9 +9,7 @@
 
 docs/python.md is the manual; help(kv.ScenePane) lists all methods.
 """
-from __future__ import annotations
-
-import enum
+from enum import IntEnum as _IntEnum
 
 from . import _checks  # noqa: F401  (completes the methods)
 from ._debug import on_debug_output
@@ -86,7 +84,7 @@ __all__ = [
 __version__: str = _functions.kv_version().decode()
 
 
-class MouseKind(enum.IntEnum):
+class MouseKind(_IntEnum):
     """Kinds of mouse input of send_mouse()."""
 
     MOVE = 0
@@ -105,3 +103,9 @@ MOUSE_RIGHT = 0x02
 MOUSE_SHIFT = 0x04
 MOUSE_CTRL = 0x08
 MOUSE_MIDDLE = 0x10
+
+# In tracebacks and texts the names are those that a program writes.
+for _name in __all__:
+    if getattr(globals()[_name], "__module__", "").startswith(f"{__name__}."):
+        globals()[_name].__module__ = __name__
+del _name

@@ -89,7 +89,8 @@ class ScenePane(Scene):
     ) -> "ScenePane":
         """A viewer without a display.
 
-        width, height: of its pictures, pixels, 1 to 32767
+        width, height: of its pictures, pixels, 1 to 16384, and 2 ** 27 pixels in all. SetSize()
+            beyond leaves the pictures as they are
         samples: per pixel, that smooth the edges; 0 for none. A driver that does not offer exactly
             this number draws with none
         gpu: ANY_GPU, SOFTWARE, or the number of a graphics device from 0

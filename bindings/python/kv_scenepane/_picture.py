@@ -73,7 +73,9 @@ def save_png(path: PathLike, picture: Any) -> None:
             stream.flush()
             os.fsync(stream.fileno())
         os.replace(beside, name)
-    except BaseException:
+    except BaseException as error:
         if os.path.exists(beside):
             os.unlink(beside)
+        if isinstance(error, OSError):  # with the name that the caller knows
+            raise OSError(error.errno, error.strerror, os.fspath(path)) from None
         raise

@@ -7,6 +7,7 @@ from dataclasses import dataclass
 from typing import Any, NamedTuple, Optional, Sequence
 
 import numpy as np
+from numpy.typing import NDArray
 
 from . import _library
 from ._library import library
@@ -26,6 +27,14 @@ class EventType:
         self.arguments = arguments
         self.fields = tuple(argument[0] for argument in arguments)
         self.text = text
+
+    def __eq__(self, other: Any) -> bool:
+        if not isinstance(other, EventType):
+            return NotImplemented
+        return (self.id, self.name) == (other.id, other.name)
+
+    def __hash__(self) -> int:
+        return hash((self.id, self.name))
 
     def __repr__(self) -> str:
         return f"<event {self.id} {self.name}({', '.join(self.fields)})>"
@@ -61,7 +70,15 @@ class Event:
         raise AttributeError(f"the event {self.name} has no {name}")
 
     def __dir__(self) -> list[str]:
-        return ["name", "event_id", "id", "arguments", *self._type.fields]
+        return sorted({"name", "event_id", "id", "arguments", *self._type.fields})
+
+    def __eq__(self, other: Any) -> bool:
+        if not isinstance(other, Event):
+            return NotImplemented
+        return (self._type, self.arguments) == (other._type, other.arguments)
+
+    def __hash__(self) -> int:
+        return hash((self._type, self.arguments))
 
     def __repr__(self) -> str:
         words = ", ".join(
@@ -120,10 +137,10 @@ class Alignment(NamedTuple):
     """
 
     is_found: bool
-    transform: np.ndarray
+    transform: NDArray[np.float64]
     rms: float
     pairs: list[AlignmentPair]
-    residuals: np.ndarray
+    residuals: NDArray[np.float64]
 
 
 class ClipHeight(NamedTuple):
@@ -150,12 +167,12 @@ class CutMask:
 
     address: int
     kind: int
-    projection: np.ndarray
-    model_view: np.ndarray
+    projection: NDArray[np.float64]
+    model_view: NDArray[np.float64]
     viewport: tuple[int, int, int, int]
     bounds: tuple[int, int, int, int]
-    mask: np.ndarray
-    depth: Optional[np.ndarray]
+    mask: NDArray[np.bool_]
+    depth: Optional[NDArray[np.float32]]
 
 
 def _words(pointer: Optional[int], count: int, kind: Any) -> Any:
