@@ -284,6 +284,23 @@ class OnSeveralThreads(WithFolder):
         )
         self.assertEqual(self.pane.object_name(3), "scan 3")
 
+    def test_ImportsOfThePaneMeanwhileAddAtOnceOrBeforeAllOthers(self) -> None:
+        points, confidence, trafo = grid(3)
+        with self.pane.parallel_import() as importer:
+            for size in (5, 5):
+                importer.add(0, *grid(size))
+            self.pane.ImportMeasurementFromMemory(
+                points=points, confidence=confidence, trafo=trafo, color=0
+            )
+            with contextlib.redirect_stderr(io.StringIO()) as errors:
+                self.pane.ImportScan(os.path.join(self.folder, "none.pcm"), 0)
+            self.assertIn("none.pcm: cannot be opened", errors.getvalue())
+            self.assertEqual(self.pane.GetNumObjects(), 0)
+            self.pane.ImportMeshFromMemory(vertices=CORNERS, triangles=FACES)
+            self.assertEqual(self.pane.GetNumObjects(), 1)
+        sizes = [self.pane.GetMeshDataSize(i).numP for i in range(self.pane.GetNumObjects())]
+        self.assertEqual(sizes, [3, 9, 25, 25])
+
     def test_CoordinatesAreMicrometres(self) -> None:
         points, confidence, trafo = grid()
         with self.pane.parallel_import() as importer:

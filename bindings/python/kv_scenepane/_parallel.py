@@ -34,9 +34,10 @@ class ParallelImport:
         for index, scan in enumerate(scans):
             pool.submit(importer.add, index, scan.points, scan.confidence, scan.trafo)
 
-    Objects with the same index follow one another in any order. ImportScan() and
-    ImportMeasurementFromMemory() of the pane meanwhile work as add() with an index before all
-    others; other imports add their object at once.
+    Objects with the same index follow one another in any order. Objects of ImportScan(),
+    ImportMeasurementFromMemory() and ImportMeshedMeasurement() of the pane meanwhile also wait for
+    the end, and join before those of add(); ImportScan() then raises no ImportFailed. Other imports
+    add their object at once.
     """
 
     def __init__(self, pane: Any) -> None:
