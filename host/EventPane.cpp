@@ -15,6 +15,8 @@ constexpr int kMaxLines = 1000;
 EventPane::EventPane(QWidget* parent) : QWidget(parent), m_pLines(new MessagePane) {
     // Fewer than the messages: with the view events a drag adds hundreds of lines.
     m_pLines->setMaximumBlockCount(kMaxLines);
+    // One line per event, also in a narrow pane.
+    m_pLines->setLineWrapMode(QPlainTextEdit::NoWrap);
     // On a low window: the pane shares its place with others, below their tabs.
     m_pLines->setMinimumHeight(2 * m_pLines->fontMetrics().lineSpacing() + 2 * m_pLines->frameWidth());
     auto* const tracing = new QCheckBox(tr("With changes of the view"));

@@ -17,8 +17,8 @@ void MainWindow::LoadProperties() {
         const DebugCapture sameReason;  // the message has it, with what it means for the user
         std::string reason;
         if (!pane.LoadProperties(*store, &reason)) {
-            const QString text = tr("%1. The properties of the viewer have their default values; what is stored stays "
-                                    "until one of them is changed.")
+            const QString text = tr("%1. The properties of the viewer have their default values. What is stored stays; "
+                                    "change a property in View > Properties to replace it.")
                                      .arg(QString::fromStdString(reason));
             m_pMessages->AddText(text);
             statusBar()->showMessage(text);

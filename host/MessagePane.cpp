@@ -8,17 +8,19 @@
 namespace {
 constexpr int kMaxLines = 10000;    // the oldest are dropped
 constexpr int kPreferredLines = 8;  // height that the pane asks for
+constexpr int kMinLetters = 30;     // width
 }  // namespace
 
 MessagePane::MessagePane(QWidget* parent) : QPlainTextEdit(parent) {
     setReadOnly(true);
     setMaximumBlockCount(kMaxLines);
-    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setMinimumWidth(kMinLetters * fontMetrics().averageCharWidth());
     // Whether to follow the end is decided by where the last scrolling ended.
     const QScrollBar* const bar = verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_bFollows = value >= bar->maximum(); });
-    // The end can move out of sight without a new line: a line that is wider than the pane adds a horizontal scroll
-    // bar, which covers one line, and the user can make the pane smaller.
+    // The end can move out of sight without a new line: another width wraps the lines elsewhere, without wrapping a
+    // line that is wider than the pane adds a horizontal scroll bar, which covers one line, and the user can make the
+    // pane smaller.
     connect(bar, &QScrollBar::rangeChanged, this, [this] {
         if (m_bFollows) ShowEnd();
     });

@@ -97,6 +97,8 @@ void PropertyDialog::AddControl(QFormLayout& form, const PropertyPageControl& de
     if (description.kind == PropertyPageControl::Kind::DropDown) {
         auto* const list = new QComboBox;
         for (const std::string_view item : description.items) list->addItem(Text(item));
+        // The one drop-down is that of the render modes.
+        list->setPlaceholderText(tr("(another mode, see View > Render mode)"));
         connect(list, &QComboBox::currentIndexChanged, this, &PropertyDialog::EnableButtons);
         widget = list;
     } else {

@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <optional>
 
@@ -83,6 +84,7 @@ TEST_F(MainWindowProperties, TheOpenPageFollowsTheMenus) {
     EXPECT_EQ(Mode().currentIndex(), 0);
     Trigger("Lit per pixel");
     EXPECT_EQ(Mode().currentIndex(), -1);
+    EXPECT_EQ(Mode().placeholderText(), "(another mode, see View > Render mode)");
     Trigger("Reduced while moving");
     EXPECT_TRUE(Reduced().isChecked());
     EXPECT_FALSE(m_window->findChild<QDialogButtonBox*>()->button(kApply)->isEnabled());
@@ -353,8 +355,8 @@ TEST_P(MainWindowBadStore, IsReportedInOneLineAndKeptUntilAPropertyIsChanged) {
     EXPECT_EQ(CheckedMode(), "Gouraud shaded");
     const std::string messages = Messages();
     EXPECT_EQ(messages.find(GetParam().reason), 0u) << messages;
-    EXPECT_NE(messages.find(". The properties of the viewer have their default values; what is stored stays until one "
-                            "of them is changed."),
+    EXPECT_NE(messages.find(". The properties of the viewer have their default values. What is stored stays; change a "
+                            "property in View > Properties to replace it."),
               std::string::npos)
         << messages;
     EXPECT_EQ(messages.find('\n'), std::string::npos) << messages;
@@ -370,6 +372,33 @@ TEST_P(MainWindowBadStore, IsReportedInOneLineAndKeptUntilAPropertyIsChanged) {
 
 INSTANTIATE_TEST_SUITE_P(Stores, MainWindowBadStore, testing::ValuesIn(kBadStores),
                          [](const auto& row) { return row.param.name; });
+
+struct WindowSize {
+    int width, height;
+};
+void PrintTo(const WindowSize& size, std::ostream* out) { *out << size.width << " x " << size.height; }
+class MainWindowOfASize : public MainWindowFixture, public testing::WithParamInterface<WindowSize> {};
+
+TEST_P(MainWindowOfASize, ShowsTheReasonOfABadStoreWhole) {
+    StoreProperties("KV_ScenePane properties 1.0\nDrawMode=abc\n");
+    Show();
+    m_window->resize(GetParam().width, GetParam().height);
+    MessagePane& pane = m_window->Messages();
+    const auto isWhole = [&] {
+        QTextCursor cursor(pane.document());
+        const QRect start = pane.cursorRect(cursor);
+        cursor.movePosition(QTextCursor::End);
+        const QRect end = pane.cursorRect(cursor);
+        return start.top() >= 0 && end.bottom() <= pane.viewport()->height() && end.top() > start.top();
+    };
+    EXPECT_TRUE(WaitUntil(isWhole)) << pane.viewport()->width() << " x " << pane.viewport()->height();
+    EXPECT_FALSE(pane.horizontalScrollBar()->isVisible());
+    EXPECT_GE(pane.viewport()->width(), 25 * pane.fontMetrics().averageCharWidth());
+    EXPECT_EQ(m_window->width(), GetParam().width) << "the panes leave the window as narrow as it was";
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, MainWindowOfASize, testing::Values(WindowSize{1280, 800}, WindowSize{1024, 768}),
+                         [](const auto& size) { return "Width" + std::to_string(size.param.width); });
 
 TEST_F(MainWindowProperties, AreReadFromAListThatTheSettingsFileMadeOfTheText) {
     QSettings("scenepane", "scenepane").setValue("viewer/properties", QStringList{"a", "b"});

@@ -10,9 +10,11 @@
 
 namespace {
 
-class MessagePaneTest : public testing::Test {
+/// With lines that are wrapped, as messages are, and with lines that are not, as events are.
+class MessagePaneTest : public testing::TestWithParam<QPlainTextEdit::LineWrapMode> {
 protected:
     void SetUp() override {
+        m_pane.setLineWrapMode(GetParam());
         m_pane.resize(200, 120);
         m_pane.show();
         ASSERT_TRUE(WaitUntil([&] { return m_pane.windowHandle()->isExposed() && m_pane.viewport()->height() > 0; }));
@@ -26,7 +28,8 @@ protected:
     }
     void AddWideLine() {
         m_pane.AddText(QString(400, 'x'));
-        ASSERT_TRUE(WaitUntil([&] { return m_pane.horizontalScrollBar()->isVisible(); }));
+        const bool isWrapped = GetParam() == QPlainTextEdit::WidgetWidth;
+        ASSERT_TRUE(WaitUntil([&] { return m_pane.horizontalScrollBar()->isVisible() != isWrapped; }));
     }
     [[nodiscard]] bool ShowsItsLastLine() {
         QCoreApplication::processEvents();
@@ -40,12 +43,12 @@ protected:
     MessagePane m_pane;
 };
 
-TEST_F(MessagePaneTest, FollowsItsLines) {
+TEST_P(MessagePaneTest, FollowsItsLines) {
     AddLines(30);
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsALineWiderThanThePaneAndTheLinesAfterIt) {
+TEST_P(MessagePaneTest, FollowsALineWiderThanThePaneAndTheLinesAfterIt) {
     AddLines(30);
     AddWideLine();
     EXPECT_TRUE(ShowsItsLastLine()) << "the horizontal bar covers no line";
@@ -55,7 +58,7 @@ TEST_F(MessagePaneTest, FollowsALineWiderThanThePaneAndTheLinesAfterIt) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsAWideLineAlsoWhenThePaneHeightIsNoMultipleOfALine) {
+TEST_P(MessagePaneTest, FollowsAWideLineAlsoWhenThePaneHeightIsNoMultipleOfALine) {
     for (int height = 80; height < 80 + m_pane.fontMetrics().lineSpacing(); ++height) {
         m_pane.clear();
         m_pane.resize(200, height);
@@ -67,18 +70,18 @@ TEST_F(MessagePaneTest, FollowsAWideLineAlsoWhenThePaneHeightIsNoMultipleOfALine
     }
 }
 
-TEST_F(MessagePaneTest, FollowsLinesWhenTheFirstOneIsWide) {
+TEST_P(MessagePaneTest, FollowsLinesWhenTheFirstOneIsWide) {
     AddWideLine();
     AddLines(30);
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsManyLinesOfOneText) {
+TEST_P(MessagePaneTest, FollowsManyLinesOfOneText) {
     m_pane.AddText(QString("a\n").repeated(50) + QString(400, 'x') + QString("\nb").repeated(3));
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, ShowsItsEndWhenItIsMadeSmallerOrLarger) {
+TEST_P(MessagePaneTest, ShowsItsEndWhenItIsMadeSmallerOrLarger) {
     AddLines(30);
     m_pane.resize(200, 70);
     EXPECT_TRUE(ShowsItsLastLine());
@@ -87,7 +90,7 @@ TEST_F(MessagePaneTest, ShowsItsEndWhenItIsMadeSmallerOrLarger) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, ShowsTheEndOfLinesThatWereAddedWhileItWasHidden) {
+TEST_P(MessagePaneTest, ShowsTheEndOfLinesThatWereAddedWhileItWasHidden) {
     m_pane.hide();
     AddLines(30);
     m_pane.AddText(QString(400, 'x'));
@@ -96,7 +99,7 @@ TEST_F(MessagePaneTest, ShowsTheEndOfLinesThatWereAddedWhileItWasHidden) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, KeepsThePositionOfAReaderWhoScrolledUp) {
+TEST_P(MessagePaneTest, KeepsThePositionOfAReaderWhoScrolledUp) {
     AddLines(30);
     m_pane.verticalScrollBar()->setValue(4);
     ASSERT_EQ(FirstLineInSight(), "4");
@@ -109,7 +112,7 @@ TEST_F(MessagePaneTest, KeepsThePositionOfAReaderWhoScrolledUp) {
     EXPECT_FALSE(ShowsItsLastLine()) << "just above the end is not the end";
 }
 
-TEST_F(MessagePaneTest, FollowsAgainWhenTheReaderHasScrolledToTheEnd) {
+TEST_P(MessagePaneTest, FollowsAgainWhenTheReaderHasScrolledToTheEnd) {
     AddLines(30);
     m_pane.verticalScrollBar()->setValue(4);
     AddWideLine();
@@ -118,12 +121,30 @@ TEST_F(MessagePaneTest, FollowsAgainWhenTheReaderHasScrolledToTheEnd) {
     EXPECT_TRUE(ShowsItsLastLine());
 }
 
-TEST_F(MessagePaneTest, FollowsAgainAfterItWasCleared) {
+TEST_P(MessagePaneTest, FollowsAgainAfterItWasCleared) {
     AddLines(30);
     m_pane.verticalScrollBar()->setValue(4);
     m_pane.clear();
     AddLines(30);
     EXPECT_TRUE(ShowsItsLastLine());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, MessagePaneTest, testing::Values(QPlainTextEdit::WidgetWidth, QPlainTextEdit::NoWrap),
+                         [](const auto& mode) {
+                             return mode.param == QPlainTextEdit::WidgetWidth ? "Wrapped" : "NotWrapped";
+                         });
+
+TEST(MessagePane, WrapsALineThatIsWiderThanIt) {
+    MessagePane pane;
+    pane.resize(200, 200);
+    pane.show();
+    pane.AddText(QString("word ").repeated(20) + QString(100, 'x'));
+    ASSERT_TRUE(WaitUntil([&] { return pane.windowHandle()->isExposed(); }));
+    QTextCursor end(pane.document());
+    end.movePosition(QTextCursor::End);
+    EXPECT_TRUE(WaitUntil([&] { return pane.cursorRect(end).top() > 3 * pane.fontMetrics().lineSpacing(); }));
+    EXPECT_EQ(pane.horizontalScrollBar()->maximum(), 0);
+    EXPECT_LE(pane.cursorRect(end).right(), pane.viewport()->width());
 }
 
 }  // namespace

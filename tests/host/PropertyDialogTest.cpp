@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QWindow>
 #include <array>
 #include <cstdlib>
 #include <string>
@@ -183,6 +184,7 @@ TEST_F(PropertyDialogTest, ShowsNoModeForThoseThatItDoesNotHaveAndKeepsThem) {
         m_dialog.ShowPage();
         EXPECT_EQ(Mode().currentIndex(), -1);
         EXPECT_EQ(Mode().currentText(), "");
+        EXPECT_EQ(Mode().placeholderText(), "(another mode, see View > Render mode)");
         Mosaic().setChecked(true);
         Click(mode % 2 == 0 ? kApply : kOk);
         EXPECT_EQ(InViewer(), (Properties{mode, 1, 0}));
@@ -193,6 +195,18 @@ TEST_F(PropertyDialogTest, ShowsNoModeForThoseThatItDoesNotHaveAndKeepsThem) {
     Mode().setCurrentIndex(3);
     Click(kApply);
     EXPECT_EQ(Methods().GetDrawMode(), 3);
+}
+
+TEST_F(PropertyDialogTest, ShowsWhereAnotherModeIsChosen) {
+    Methods().SetDrawMode(5);
+    m_dialog.ShowPage();
+    ASSERT_TRUE(WaitUntil([&] { return m_dialog.windowHandle()->isExposed(); }));
+    const int text = Mode().fontMetrics().horizontalAdvance(Mode().placeholderText());
+    EXPECT_GT(text, 0);
+    EXPECT_GT(Mode().width(), text) << "it is elided";
+    const QImage withText = Mode().grab().toImage();
+    Mode().setPlaceholderText({});
+    EXPECT_NE(Mode().grab().toImage(), withText);
 }
 
 TEST_F(PropertyDialogTest, FollowsTheViewerButKeepsWhatTheUserChanged) {
