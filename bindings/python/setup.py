@@ -7,6 +7,7 @@ KV_BUILD_DIR names the build folder, build/release by default. Nothing is writte
 
 import atexit
 import os
+import runpy
 import shutil
 import sysconfig
 import tempfile
@@ -19,12 +20,11 @@ ROOT = Path(__file__).resolve().parents[2]
 STAGED = Path(os.environ.get("KV_BUILD_DIR", ROOT / "build" / "release")).resolve() / "python"
 PACKAGE = STAGED / "kv_scenepane"
 
-LIBRARIES = (
-    "libKV_Components.so",
-    "libKV_ScenePane.so.5",
-    "libKV_UtilsLantern.so",
-    "libMSRDLL.so",
-)
+SONAME = PACKAGE / "_soname.py"  # names the library of this version
+
+LIBRARIES = ["libKV_Components.so", "libKV_UtilsLantern.so", "libMSRDLL.so"]
+if SONAME.is_file():
+    LIBRARIES.append(runpy.run_path(str(SONAME))["LIBRARY"])
 
 
 class PlatformWheel(bdist_wheel):
@@ -42,7 +42,8 @@ class PackageWithLibraries(Distribution):
 
 
 def check_staged() -> None:
-    missing = [name for name in ("__init__.py", *LIBRARIES) if not (PACKAGE / name).is_file()]
+    files = ("__init__.py", SONAME.name, *LIBRARIES)
+    missing = [name for name in files if not (PACKAGE / name).is_file()]
     if missing:
         raise SystemExit(
             f"{PACKAGE} is not complete, there is no {missing[0]}: build the project first "

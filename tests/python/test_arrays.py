@@ -1,7 +1,11 @@
 """Arrays: what is accepted, that nothing is copied, and what comes back; pictures and PNG files."""
 
+import copy
 import os
+import pickle
 import struct
+import subprocess
+import sys
 import tempfile
 import unittest
 import zlib
@@ -193,6 +197,17 @@ class ArraysAsArguments(unittest.TestCase):
         self.pane.DeleteNeedles()
         self.assertEqual(self.pane.GetNeedles().headPosXYZ.shape, (0, 3))
 
+    def test_AMeshCanBePassedToAnotherProcess(self) -> None:
+        code = (
+            "import pickle, sys, kv_scenepane as kv\n"
+            "with kv.ScenePane.no_picture() as pane:\n"
+            "    pane.ImportMeshedMeasurement(pickle.load(sys.stdin.buffer), 'x', 0)\n"
+            "    print(tuple(pane.GetMeshDataSize(0)))\n"
+        )
+        data = pickle.dumps(kv.Mesh(CORNERS, FACES))
+        done = subprocess.run([sys.executable, "-c", code], input=data, capture_output=True)
+        self.assertEqual((done.stdout, done.returncode), (b"(3, 1)\n", 0), done.stderr)
+
     def test_MeshesOfArrays(self) -> None:
         colors = np.array([[255, 0, 0], [0, 255, 0], [0, 0, 255]], np.uint8)
         normals = np.tile(np.array([0, 0, 1], np.float32), (3, 1))
@@ -206,6 +221,11 @@ class ArraysAsArguments(unittest.TestCase):
         for bad in (None, CORNERS, kv.Mesh.__new__(kv.Mesh), 5):
             with self.assertRaisesRegex(TypeError, "kv.Mesh"):
                 self.pane.ImportMeshedMeasurement(bad, "x", 0)
+        for same in (copy.copy(mesh), copy.deepcopy(mesh), pickle.loads(pickle.dumps(mesh))):
+            self.pane.ImportMeshedMeasurement(same, "copy", 0)
+            self.assertEqual((same.vertex_count, same.triangle_count), (3, 1))
+            self.assertEqual(repr(same), repr(mesh))
+            self.assertTrue(self.pane.object_has_colors(self.pane.GetNumObjects() - 1))
         with self.assertRaisesRegex(ValueError, "normals"):
             kv.Mesh(CORNERS, FACES, normals=np.zeros((2, 3), np.float32))
         with self.assertRaisesRegex(ValueError, "colors"):
@@ -250,6 +270,17 @@ class Pictures(unittest.TestCase):
     def test_ResizeChangesThePicture(self) -> None:
         self.pane.resize(50, 20)
         self.assertEqual(self.pane.picture().shape, (20, 50, 4))
+
+    def test_ADrawingAreaWithoutPixelsHasNone(self) -> None:
+        for size in ((-1, 5), (0, 10), (10, 0)):
+            self.pane.SetSize(*size)
+            with self.assertRaisesRegex(kv.Error, f"{size[0]} x {size[1]} pixels"):
+                self.pane.picture()
+            self.assertIsNone(self.pane._repr_png_())
+        self.pane.SetSize(20, 10)
+        self.assertEqual(self.pane.picture().shape, (10, 20, 4))
+        self.pane.close()
+        self.assertIsNone(self.pane._repr_png_())
 
     def test_ANotebookShowsThePane(self) -> None:
         self.assertEqual(decode(self.pane._repr_png_()).tolist(), self.pane.picture().tolist())

@@ -1,6 +1,8 @@
 """Events: callbacks, what they raise, what they may call, and the iterator."""
 
 import gc
+import math
+import signal
 import time
 import traceback
 import unittest
@@ -86,7 +88,7 @@ class Callbacks(WithPane):
         self.needle(2)
         self.assertEqual(got, [("once", 1)])
 
-    def test_MayCallEveryMethodAlsoTheSame(self) -> None:
+    def test_MayCauseTheSameEvent(self) -> None:
         got = []
 
         @self.pane.on("NeedleCreated")
@@ -306,6 +308,33 @@ class TheIterator(WithPane):
         start = time.monotonic()
         self.assertEqual(list(self.pane.events(timeout=0.2)), [])
         self.assertGreaterEqual(time.monotonic() - start, 0.19)
+
+    def test_MayWaitLongerThanAnyTimer(self) -> None:
+        for timeout in (math.inf, 1e9, 1e300):
+            with kv.ScenePane.no_picture() as pane:
+                # Another thread makes the pane's descriptor no more ready: the alarm ends the wait.
+                self.assertEqual(self.interrupted(pane.events(timeout=timeout)), "woken")
+        self.assertEqual(list(self.pane.events(timeout=-1)), [])
+        with self.assertRaisesRegex(ValueError, "timeout is not a number"):
+            self.pane.events(timeout=math.nan)
+        with self.assertRaisesRegex(TypeError, "timeout must be a float"):
+            self.pane.events(timeout="1")
+
+    def interrupted(self, events: kv.EventIterator) -> str:
+        """What a wait that a signal ends has raised."""
+
+        def wake(*_arguments: object) -> None:
+            raise Refused("woken")
+
+        former = signal.signal(signal.SIGALRM, wake)
+        signal.setitimer(signal.ITIMER_REAL, 0.1)
+        try:
+            next(events)
+        except Refused as error:
+            return str(error)
+        finally:
+            signal.signal(signal.SIGALRM, former)
+        return "an event"
 
     def test_HandlesInputWhileItWaits(self) -> None:
         self.pane.ImportMeshFromMemory(vertices=CORNERS, triangles=FACES)

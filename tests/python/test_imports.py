@@ -373,6 +373,19 @@ class OnSeveralThreads(WithFolder):
         with self.assertRaisesRegex(RuntimeError, "begun"):
             self.pane.parallel_import().add(0, *grid())
 
+    def test_NoneEndsInsideItself(self) -> None:
+        points, confidence, trafo = grid()
+        points[...] = np.nan
+        for end in (self.pane.close, self.pane.EndParallelImport):
+            kv.on_debug_output(lambda text, end=end: end())
+            with self.pane.parallel_import() as importer:
+                with self.assertRaisesRegex(RuntimeError, "inside add"):
+                    importer.add(0, points, confidence, trafo)
+                kv.on_debug_output(None)
+                importer.add(1, *grid())
+            self.assertEqual(self.pane.GetNumObjects(), 2)
+            self.pane.ClearData()
+
     def test_ClosingThePaneWaitsForTheThreads(self) -> None:
         points, confidence, trafo = grid(1000)
         outcomes = []

@@ -1,13 +1,17 @@
 """Panes belong to the thread that made them; where they may be dropped, and closed ones."""
 
+import copy
 import gc
 import inspect
 import os
+import pickle
 import threading
 import unittest
 import unittest.mock
 import warnings
 import weakref
+
+import numpy as np
 
 import kv_scenepane as kv
 from kv_scenepane import _life
@@ -153,6 +157,42 @@ class ClosedPanes(unittest.TestCase):
             kv.ScenePane()
         with self.assertRaises(TypeError):
             kv.ScenePane("offscreen")
+
+
+class Copies(unittest.TestCase):
+    def test_AreRefused(self) -> None:
+        with kv.ScenePane.no_picture() as pane:
+            for make in (copy.copy, copy.deepcopy, pickle.dumps):
+                with self.assertRaisesRegex(TypeError, "cannot be copied or pickled"):
+                    make(pane)
+
+
+class Leaks(unittest.TestCase):
+    def test_ManyPanesLeaveNeitherMemoryNorDescriptors(self) -> None:
+        ids = np.arange(100, dtype=np.int32)
+        points = np.zeros((100, 3), np.float32)
+
+        def use() -> None:
+            pane = kv.ScenePane.no_picture()
+            pane.on("NeedleCreated", lambda number: pane.GetNeedle(number))
+            pane.CreateNeedles(id=ids, pinPosXYZ=points, headPosXYZ=points)
+            pane.GetNeedles()
+            pane.ImportMeshedMeasurement(kv.Mesh(points), "cloud", 0)
+            pane.close()
+
+        def resident() -> int:
+            with open("/proc/self/statm", encoding="ascii") as stream:
+                return int(stream.read().split()[1]) * os.sysconf("SC_PAGESIZE")
+
+        for _ in range(200):
+            use()
+        gc.collect()
+        descriptors, start = len(os.listdir("/proc/self/fd")), resident()
+        for _ in range(2000):
+            use()
+        gc.collect()
+        self.assertEqual(len(os.listdir("/proc/self/fd")), descriptors)
+        self.assertLess(resident() - start, 8_000_000)  # 4 KB per pane
 
 
 class DroppedPanes(unittest.TestCase):

@@ -100,8 +100,9 @@ def _get_needles(pane: Any, method: Any) -> tuple:
         count = pane._long_from(113)  # GetNumberOfNeedles
         numbers = np.empty(count, np.int32)
         pins, heads = np.empty((count, 3), np.float32), np.empty((count, 3), np.float32)
-        places = method.pack(6, address(numbers), 6, address(pins), 6, address(heads))
-        pane._invoke(method, places)
+        if count:
+            places = method.pack(6, address(numbers), 6, address(pins), 6, address(heads))
+            pane._invoke(method, places)
     return method.tuple(numbers, pins, heads)
 
 

@@ -108,7 +108,9 @@ def _about(user, title, line):
         return 1
 
 
-on_event, on_message, on_about = EventFunction(_event), MessageFunction(_message), AboutFunction(_about)
+on_event = EventFunction(_event)
+on_message = MessageFunction(_message)
+on_about = AboutFunction(_about)
 
 # A signal that arrived inside the library is handled where a callback begins, before its try. What
 # its handler raises there, such as KeyboardInterrupt, ctypes passes to sys.unraisablehook only.

@@ -4,6 +4,8 @@ from __future__ import annotations
 import ctypes as c
 from pathlib import Path
 
+from ._soname import LIBRARY
+
 DONE, UNKNOWN_ID, BAD_ARGUMENTS, FAILED, HANDLER_FAILED = range(5)
 NO_TEXT = c.c_size_t(-1).value
 CHILD, TOP_LEVEL, OFF_SCREEN, NO_PICTURE = range(4)
@@ -176,14 +178,10 @@ _FUNCTIONS = {
 
 
 def _load() -> c.CDLL:
-    # The name under which the library is installed ends with the number of its major version.
-    folder = Path(__file__).parent
-    files = sorted(folder.glob("libKV_ScenePane.so*"))
-    if not files:
-        raise ImportError(
-            f"{folder} has no libKV_ScenePane.so: it is made by the build of the project"
-        )
-    library = c.CDLL(str(files[0]))
+    file = Path(__file__).parent / LIBRARY
+    if not file.exists():
+        raise ImportError(f"there is no {file}: it is made by the build of the project")
+    library = c.CDLL(str(file))
     for name, (result, arguments) in _FUNCTIONS.items():
         function = getattr(library, name)
         function.restype = result

@@ -59,8 +59,6 @@ class Scene(Surface):
         sizes = ctypes.byref(width), ctypes.byref(height)
         self._check(library.kv_capture_picture(self._handle, None, 0, *sizes), "picture")
         shape = height.value, width.value
-        if min(shape) <= 0:
-            raise Error(f"the drawing area has {shape[1]} x {shape[0]} pixels", "picture")
         words = np.empty(shape, np.uint32)
         place = address(words)
         status = library.kv_capture_picture(self._handle, place, words.size, *sizes)
