@@ -164,7 +164,7 @@ def _is_starting_call() -> bool:
         if (
             code.co_filename.startswith(_FOLDER)
             and code.co_name not in ("close", "__exit__", "__init__")
-            and hasattr(frame.f_locals.get("self"), "_live")
+            and hasattr(type(frame.f_locals.get("self")), "_live")  # a deleted widget itself raises
         ):
             return True
         frame = frame.f_back
