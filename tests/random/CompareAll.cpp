@@ -1,4 +1,5 @@
 // What getters return, compared with the model: objects, undo steps, markers, settings, view.
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -127,8 +128,11 @@ void RandomRun::AdoptObject(std::size_t index) {
     std::vector<AutomationValue> arguments{at};
     for (float& number : box) arguments.emplace_back(static_cast<void*>(&number));
     Ask("GetObjectBoundingBox", std::move(arguments));
+    // A rotation carries the rounding of the largest coordinate to the other axes.
+    double largest = 0;
+    for (const float number : box) largest = std::max(largest, std::abs(static_cast<double>(number)));
+    const double margin = object.pointsExact ? 0 : 0.03 + 1e-4 * largest;
     for (std::size_t axis = 0; object.boxKnown && axis < 3; ++axis) {
-        const double margin = object.pointsExact ? 0 : 0.03 + 1e-4 * std::abs(static_cast<double>(box[2 * axis]));
         RequireNear(static_cast<double>(object.box.min[axis]), static_cast<double>(box[2 * axis]), margin, "the box");
         RequireNear(static_cast<double>(object.box.max[axis]), static_cast<double>(box[2 * axis + 1]), margin,
                     "the box");
