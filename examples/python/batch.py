@@ -57,25 +57,22 @@ class Progress:
             self.stream.write("\n")
 
 
-def batch_parser(text: str, workers: str, default: int) -> argparse.ArgumentParser:
-    """The arguments of a batch, with the name of the number of worker processes."""
+def batch_options(
+    arguments: list[str] | None, text: str, workers: str, default: int
+) -> argparse.Namespace:
+    """The options of a batch. The number of worker processes has another name in each program."""
     parser = scene.parser(text)
     parser.add_argument("folder", help="the folder of the scans")
     parser.add_argument("--lasso", required=True, metavar="JSON", help="the cut")
     parser.add_argument("--out", required=True, metavar="FOLDER", help="for table and pictures")
     parser.add_argument("--size", type=scene.size, default=(640, 480), metavar="WxH",
                         help="pixels of the picture in which the lasso lies (640x480)")
-    parser.add_argument(workers, dest="workers", type=worker_count, default=default, metavar="N",
+    parser.add_argument(workers, dest="workers", type=int, default=default, metavar="N",
                         help=f"number of worker processes ({default})")
-    return parser
-
-
-def worker_count(text: str) -> int:
-    """A number from 1, for argparse."""
-    count = int(text)
-    if count < 1:
-        raise ValueError
-    return count
+    options = parser.parse_args(arguments)
+    if options.workers < 1:
+        parser.error(f"{workers} must be at least 1")
+    return options
 
 
 def plan(options: argparse.Namespace) -> list[Job]:
@@ -135,8 +132,7 @@ def run_in_pool(task: Task, jobs: list[Job], processes: int, progress: Progress)
 
 def main(arguments: list[str] | None = None, task: Task = process_scan) -> int:
     """The program; a test passes a task of its own."""
-    parser = batch_parser(__doc__, "--jobs", len(os.sched_getaffinity(0)))
-    options = parser.parse_args(arguments)
+    options = batch_options(arguments, __doc__, "--jobs", len(os.sched_getaffinity(0)))
     jobs = plan(options)
     progress = Progress(len(jobs), sys.stderr)
     return finish(run_in_pool(task, jobs, options.workers, progress), options.out)

@@ -19,7 +19,7 @@ from distributed import Client, Future, LocalCluster, as_completed
 
 import interrupts
 import scene
-from batch import Progress, Row, Task, batch_parser, finish, plan, row_of
+from batch import Progress, Row, Task, batch_options, finish, plan, row_of
 from batch_task import Job, process_scan
 
 
@@ -63,7 +63,7 @@ def run_on_cluster(task: Task, jobs: list[Job], workers: int, progress: Progress
 
 def main(arguments: list[str] | None = None, task: Task = process_scan) -> int:
     """The program; a test passes a task of its own."""
-    options = batch_parser(__doc__, "--workers", 2).parse_args(arguments)
+    options = batch_options(arguments, __doc__, "--workers", 2)
     jobs = plan(options)
     progress = Progress(len(jobs), sys.stderr)
     return finish(run_on_cluster(task, jobs, options.workers, progress), options.out)

@@ -130,7 +130,11 @@ class Batch(BatchCase):
         self.assert_refused(self.run_batch(), "no folder: No such file")
         self.input.mkdir()
         self.assert_refused(self.run_batch(), "no folder: no scans (.pcm, .pax, .xdt)")
-        self.assert_refused(self.run_batch("--jobs", "0"), "--jobs", status=2)
+        for jobs in ("0", "-1"):
+            self.assert_refused(self.run_batch(f"--jobs={jobs}"), "error: --jobs must be at least 1",
+                                status=2)
+        self.assert_refused(self.run_batch("--jobs=two"), "argument --jobs: invalid int value",
+                            status=2)
         self.assertFalse(self.out.exists())
 
     def test_a_log_has_one_line_per_scan(self) -> None:

@@ -96,7 +96,8 @@ class BatchOnDask(BatchCase):
 
     def test_wrong_arguments_are_refused(self) -> None:
         self.assertEqual(example(self.program, "--help").status, 0)
-        self.assert_refused(self.run_batch("--workers", "0"), "--workers", status=2)
+        self.assert_refused(self.run_batch("--workers", "0"),
+                            "error: --workers must be at least 1", status=2)
         self.input = self.folder / "none"
         self.assert_refused(self.run_batch(), "none: No such file")
 

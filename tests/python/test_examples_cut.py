@@ -106,6 +106,12 @@ class CutByLasso(ExampleCase):
         self.assert_refused(self.cut(*files, lasso="0,0;0.02,0;0,0.02"), "has hit nothing")
         self.assertEqual(self.scans[0].read_bytes(), files[0].read_bytes())
 
+    def test_a_lasso_in_pixels_is_explained(self) -> None:
+        files = self.copies()
+        self.assert_refused(self.cut(*files, lasso="200,200;800,200;500,700"),
+                            "points are fractions of the drawing area from 0 to below 1")
+        self.assertEqual(self.scans[0].read_bytes(), files[0].read_bytes())
+
     def test_nothing_is_written_when_one_of_the_files_cannot_be_read(self) -> None:
         (good, *_), bad = self.copies(), self.write("bad.pcm", b"no scan")
         for other, reason in ((bad, "header is cut short"), (self.folder / "none.pcm", "No such")):

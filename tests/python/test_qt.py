@@ -351,12 +351,14 @@ class Boxes(WidgetTest):
     def test_the_about_box_is_one_of_qt(self) -> None:
         widget = self.make()
         show(widget)
-        seen = []
+        seen, room = [], []
 
         def close_box() -> None:
             box = app.activeModalWidget()
             if isinstance(box, QMessageBox):
-                seen.append((box.windowTitle(), box.text()))
+                seen.append((box.windowTitle(), box.text(), box.icon()))
+                title = box.fontMetrics().horizontalAdvance(box.windowTitle())
+                room.append(box.width() - title)
                 box.accept()
 
         timer = QTimer()
@@ -365,7 +367,27 @@ class Boxes(WidgetTest):
         widget.pane.AboutBox()
         timer.stop()
         texts = "About KV_ScenePane Control", "KV_ScenePane Control, Version 5.5"
-        self.assertEqual(seen, [texts])
+        self.assertEqual(seen, [(*texts, QMessageBox.Icon.Information)])
+        self.assertGreater(room[0], 120, "the buttons of the title bar would cover the title")
+
+    def test_a_widget_can_be_deleted_behind_the_about_box(self) -> None:
+        widget = self.make()
+        self.widgets.remove(widget)
+        show(widget)
+        seen = []
+
+        def delete_widget() -> None:
+            if isinstance(app.activeModalWidget(), QMessageBox):
+                timer.stop()
+                seen.append(True)
+                delete(widget)
+
+        timer = QTimer()
+        timer.timeout.connect(delete_widget)
+        timer.start(20)
+        widget.pane.AboutBox()
+        self.assertEqual(seen, [True])
+        self.assertIsNone(app.activeModalWidget())
 
 
 class Scripts(unittest.TestCase):

@@ -24,17 +24,19 @@ try:
     from PyQt6.QtGui import (
         QGuiApplication, QKeyEvent, QPaintEngine, QPlatformSurfaceEvent, QResizeEvent, QWindow,
     )
-    from PyQt6.QtWidgets import QApplication, QMessageBox, QSizePolicy, QWidget
+    from PyQt6.QtWidgets import QApplication, QMessageBox, QSizePolicy, QSpacerItem, QWidget
 except ImportError:
     from PySide6.QtCore import QEvent, QSize, QSocketNotifier, Qt, Signal
     from PySide6.QtGui import (
         QGuiApplication, QKeyEvent, QPaintEngine, QPlatformSurfaceEvent, QResizeEvent, QWindow,
     )
-    from PySide6.QtWidgets import QApplication, QMessageBox, QSizePolicy, QWidget
+    from PySide6.QtWidgets import QApplication, QMessageBox, QSizePolicy, QSpacerItem, QWidget
 
 __all__ = ["ScenePaneWidget"]
 
 _ABOUT_TO_BE_DESTROYED = QPlatformSurfaceEvent.SurfaceEventType.SurfaceAboutToBeDestroyed
+
+_TITLE_BAR_BUTTONS = 160  # pixels: icon, three or four buttons and the margins of a title bar
 
 # Codes of the viewer that differ from the number of the key in Qt. For digits and letters both are
 # the same.
@@ -84,6 +86,22 @@ def _reported() -> Iterator[None]:
         raise  # ends the process in the ordinary way
     except BaseException:
         sys.excepthook(*sys.exc_info())
+
+
+def _show_about(parent: QWidget, title: str, line: str) -> None:
+    box = QMessageBox(parent)
+    box.setAttribute(Qt.WidgetAttribute.WA_DeleteOnClose)  # also where the parent goes first
+    box.setWindowTitle(title)
+    box.setTextFormat(Qt.TextFormat.PlainText)
+    box.setText(line)
+    box.setIcon(QMessageBox.Icon.Information)
+    box.setStandardButtons(QMessageBox.StandardButton.Ok)
+    # A box of messages has the width of its text, and computes it anew when it is shown. A row as
+    # wide as the title and the buttons of the title bar keeps the title whole.
+    width = box.fontMetrics().horizontalAdvance(title) + _TITLE_BAR_BUTTONS
+    grid = box.layout()
+    grid.addItem(QSpacerItem(width, 0), grid.rowCount(), 0, 1, grid.columnCount())
+    box.exec()
 
 
 def _close(pane: ScenePane, notifier: QSocketNotifier) -> None:
@@ -161,7 +179,7 @@ class ScenePaneWidget(QWidget):
         def show_about(title: str, line: str) -> None:
             target = widget()
             if target is not None:
-                QMessageBox.about(target, title, line)
+                _show_about(target, title, line)
 
         size = self._device_size()
         return ScenePane.child(
