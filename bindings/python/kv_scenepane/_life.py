@@ -174,8 +174,9 @@ def _is_starting_call() -> bool:
 def _end_later(pointer: ctypes.c_void_p, number: int, owner: _Token) -> None:
     _events.unregister(number)
     raised.pop(number, None)
-    owner.orphans.append(pointer.value)
-    pointer.value = None
+    handle, pointer.value = pointer.value, None
+    if handle is not None:
+        owner.orphans.append(handle)
 
 
 def close_orphans() -> None:

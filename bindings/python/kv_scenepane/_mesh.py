@@ -81,7 +81,7 @@ class MeshHandle:
 
     def __init__(self, mesh: Mesh) -> None:
         records, faces = mesh._records, mesh._faces
-        self.value: Optional[int] = library.kv_mesh_create(
+        self.value: Any = library.kv_mesh_create(
             address(records), len(records), address(faces), len(faces), int(mesh._has_colors)
         )
         if not self.value:
