@@ -57,7 +57,9 @@ void TakeCut(RandomRun& run, CutForecast forecast) {
             run.Require(cuts[i] == former || cuts[i] == former + 1, "an object has lost its cuts");
             after = cuts[i] == former ? before[i] : CutObject(*before[i], {}, model.cutCount);
         }
-        run.Require(cuts[i] == static_cast<int>(after->masks.size()), "the cut has hit another object");
+        run.Require(cuts[i] == static_cast<int>(after->masks.size()),
+                    "object " + std::to_string(i) + " of " + std::to_string(before[i]->points.size()) + " points has " +
+                        std::to_string(cuts[i]) + " cuts in place of " + std::to_string(after->masks.size()));
         if (after != before[i]) PassColors(model, before[i], after);
     }
     model.undo.push_back(before);
@@ -93,7 +95,7 @@ void CompareCut(RandomRun& run, const ModelLasso& lasso) {
     if (changed) TakeCut(run, std::move(forecast));
 }
 
-ModelLasso PolygonOf(const Model& model) { return {model.cutKind, false, true, model.corners}; }
+ModelLasso PolygonOf(const Model& model) { return {model.cutKind, false, model.plainCorners, model.corners}; }
 
 /// A corner in the middle of no pixel, away from the edges of the window.
 Corner SomeCorner(RandomRun& run) {

@@ -142,6 +142,7 @@ void Model::StartLasso(std::int16_t segmentationMode) {
     constexpr std::uint32_t kKinds[] = {1, 0, 2};
     spaceStarts = false;
     corners.clear();
+    plainCorners = true;
     if (segmentationMode < 0 || segmentationMode > 5) return;
     cutKind = kKinds[segmentationMode % 3];
     mode = segmentationMode < 3 ? 4 : 10;

@@ -81,12 +81,13 @@ struct Model {
     bool lassoTextures = false;
     std::optional<ModelLasso> session;  ///< a freehand lasso with its points so far
     std::vector<std::array<double, 2>> corners;
+    bool plainCorners = true;  ///< no change of the size has moved them
     bool plainColors = true;
     std::deque<ModelDialog> dialogs;
     bool currentDialog = false;  ///< the last one has the input
     Known animation = Known::No;
     float animationSpeed = 0.2f;
-    double turned = 0;  ///< seconds since the start of the turntable; its clock stands still but for some steps
+    double turned = 0;  ///< seconds since the start of the turntable; its clock runs in some steps only
     bool spaceStarts = false;
 
     // ---- settings

@@ -18,6 +18,9 @@ void SetSize(RandomRun& run) {
     ModelView& view = run.model.view;
     view.sizeKnown = modest && run.model.hasPicture;
     view.width = width, view.height = height;
+    // Corners of a lasso are fractions of the window: where they are now is not predicted.
+    if (!run.model.corners.empty()) run.model.plainCorners = false;
+    if (run.model.session) run.model.session->plain = false;
     run.Call("SetSize", {width, height});
 }
 

@@ -205,7 +205,7 @@ void DisplayClipPlanePartCloseToData(RandomRun& run) {
     run.Call("DisplayClipPlanePartCloseToData", {});
 }
 
-// ---- turntable. The clock stands still but for the steps below.
+// ---- turntable. The clock runs in the steps below only.
 
 float SomeSpeed(Random& random) { return random.Chance(0.8) ? random.Float(0.1f, 2.0f) : random.WildFloat(); }
 
