@@ -234,7 +234,8 @@ Known SaveOf(ModelObject& object, const Model& model) {
     Known known = Known::Yes;
     if (object.masks.empty()) {
         if (!model.planeActive) return Known::No;
-        if (object.savedPlane == model.planeVersion) return Known::No;
+        // A plane that is not finite differs from itself.
+        if (object.savedPlane == model.planeVersion && model.planeKnown) return Known::No;
         if (object.savedPlane) known = Known::Open;
     }
     if (!object.IsPcm()) return Known::No;
