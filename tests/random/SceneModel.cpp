@@ -187,7 +187,7 @@ Fate FateOf(const ModelObject& object, const ModelLasso& lasso, const ModelView&
     return fate;
 }
 
-// Vertices stand in the order of their first use by a triangle that is left.
+// Vertices are in the order of their first use by a triangle that is left.
 ObjectPtr CutObject(const ModelObject& object, const std::vector<Fate>& marks, std::uint64_t mask) {
     auto result = std::make_shared<ModelObject>(object);
     result->masks.push_back(mask);

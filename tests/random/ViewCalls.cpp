@@ -159,6 +159,14 @@ void GetClipPlane(RandomRun& run) {
     }
 }
 
+/// Whether an object surely has a vertex that counts for the height: one that is not finite does not.
+bool HasFinitePoint(const ObjectPtr& object) {
+    if (object->triangleCount > 0 && object->boxKnown) return true;
+    return object->pointsKnown && std::ranges::any_of(object->points, [](const Point& point) {
+               return std::isfinite(point[0]) && std::isfinite(point[1]) && std::isfinite(point[2]);
+           });
+}
+
 // Without the registry there is no estimate of the height.
 void SetClipPlaneEnabled(RandomRun& run) {
     const std::int32_t display = run.random.Chance(0.6) ? run.random.Int(0, 1) : run.random.WildInt();
@@ -170,8 +178,7 @@ void SetClipPlaneEnabled(RandomRun& run) {
         run.Call("SetClipPlaneEnabled", {display});
         return;
     }
-    const auto hasVertices = [](const ObjectPtr& object) { return object->vertexCount != 0; };
-    if (run.registryStarts == 0 && std::ranges::any_of(model.objects, hasVertices)) {
+    if (run.registryStarts == 0 && std::ranges::any_of(model.objects, HasFinitePoint)) {
         run.Call("SetClipPlaneEnabled", {display}, {.failure = Expected::Always});
         return;
     }
