@@ -34,7 +34,7 @@ std::string Comment(std::string_view text) {
         throw SourceError("kv_scenepane_ids.h: \"*/\" ends a comment of C: \"" + std::string(text) + "\"");
     std::string lines, line = "/*";
     for (const std::string_view word : TextParts(text, " ")) {
-        if (line.size() + 1 + word.size() > kWidth - 3) {  // room for the end of the comment
+        if (line.size() + 1 + word.size() > kWidth - 3) {  // the end of the comment needs the rest
             lines.append(line).append("\n");
             line = "  ";
         }

@@ -11,8 +11,8 @@ namespace KV_ScenePane {
 ///
 /// Colours are 0x00BBGGRR: red is in the lowest byte. An object index is a position in the object list, from 0; a bad
 /// index is one outside the list. Points and directions are in the world frame, lengths in scene units, angles in
-/// degrees. Input arrays are read during the call only and stay the caller's; output pointers must not be null and must
-/// have room for what is written.
+/// degrees. Input arrays are read during the call only and stay the caller's; output pointers must not be null, and
+/// their memory must be large enough for what is written.
 ///
 /// A method that refreshes draws a frame before it returns; one that invalidates queues a repaint, and to invalidate
 /// with erase marks that repaint as erasing. Unless a method says otherwise it asks for no repaint, reports no error

@@ -149,7 +149,7 @@ bool IsUsable(const kv_pane* pane, std::string_view function) noexcept {
 // ---- life of a viewer
 
 void kv_window_request_init(kv_window_request* request) {
-    // A program that was compiled with this header has room for these bytes only: a longer struct of a later version
+    // A program that was compiled with this header allocates these bytes only: a longer struct of a later version
     // needs another function to fill it.
     static_assert(kRequestSize == 104);
     if (request == nullptr) return SetLastError("kv_window_request_init: the request is null");

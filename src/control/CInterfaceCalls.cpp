@@ -50,7 +50,7 @@ kv_value Value(const AutomationValue& value) {
 }
 
 /// Reads a value of the host as the type of a letter.
-/// @param texts  keeps converted texts for the call; must have room for this one
+/// @param texts  keeps converted texts for the call; its capacity must suffice for this one
 /// @return false when it has another type
 bool Read(const kv_value& given, char code, AutomationValue* value, std::vector<std::wstring>* texts) {
     if (code == 'w' && given.type == KV_UTF8) {

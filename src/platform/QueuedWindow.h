@@ -63,7 +63,7 @@ protected:
 private:
     enum class Life { None, Creating, Alive, Ending };
 
-    /// For calls of the client. Nothing else would tell the host of a window that was lost without an event.
+    /// For calls of the client. The loss of a window without an event is reported to the host by nothing else.
     bool ExistsOrWakes();
     bool Begin(std::string* reason);
     void End();
