@@ -77,7 +77,7 @@ MainWindow::~MainWindow() {
 
 KV_ScenePane::ScenePane* MainWindow::Pane() const { return m_pViewer->Pane(); }
 
-bool MainWindow::HaveObjects() const { return m_pObjects->topLevelItemCount() > 0; }
+bool MainWindow::HaveObjects() const { return m_pObjects->ObjectCount() > 0; }
 
 void MainWindow::MakeCentre() {
     m_pViewer = new ViewerWidget({m_options.width, m_options.height}, HasSmoothEdges() ? kSmoothSamples : 0);

@@ -59,17 +59,17 @@ QString MainWindow::ObstacleTo(AlignWay way) const {
     for (const int row : m_pObjects->MovingRows()) {
         if (m_pObjects->IsHidden(row))
             return tr("%1 is hidden and would move unseen: show it, or uncheck \"May move\".")
-                .arg(m_pObjects->topLevelItem(row)->text(ObjectList::kName));
+                .arg(m_pObjects->NameOf(row));
     }
     return {};
 }
 
 void MainWindow::PrepareAlign(AlignWay way) {
     QStringList names;
-    for (const int row : m_pObjects->MovingRows()) names << m_pObjects->topLevelItem(row)->text(ObjectList::kName);
+    for (const int row : m_pObjects->MovingRows()) names << m_pObjects->NameOf(row);
     m_alignedObjects = ObjectNames(names);
     m_bAlignsColored = false;
-    for (int row = 0; row < m_pObjects->topLevelItemCount(); ++row) {
+    for (int row = 0; row < m_pObjects->ObjectCount(); ++row) {
         KV_ScenePane::ObjectInfo info;
         if (Pane()->GetObjectInfo(static_cast<std::int16_t>(row), &info) && info.hasVertexColors)
             m_bAlignsColored = true;

@@ -54,8 +54,8 @@ void OfferFormats(QFileDialog& dialog, const QString& objectName) {
 }  // namespace
 
 int MainWindow::SelectedObject() const {
-    const int row = m_pObjects->indexOfTopLevelItem(m_pObjects->currentItem());
-    return row < 0 && m_pObjects->topLevelItemCount() == 1 ? 0 : row;
+    const int row = m_pObjects->CurrentObject();
+    return row < 0 && m_pObjects->ObjectCount() == 1 ? 0 : row;
 }
 
 void MainWindow::AskForExport() {
@@ -67,7 +67,7 @@ void MainWindow::AskForExport() {
         statusBar()->showMessage(text);
         return;
     }
-    const QString name = m_pObjects->topLevelItem(index)->text(ObjectList::kName);
+    const QString name = m_pObjects->NameOf(index);
     // The dialog asks before it overwrites a file.
     QFileDialog dialog(this, tr("Export %1").arg(name));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
@@ -86,7 +86,7 @@ bool MainWindow::ExportObjectTo(int index, const std::string& path) {
     if (!result.written) {
         text = tr("%1: not written: %2").arg(file, text);
     } else {
-        const QString name = m_pObjects->topLevelItem(index)->text(ObjectList::kName);
+        const QString name = m_pObjects->NameOf(index);
         const QString done = tr("%1: export of %2").arg(file, name);
         text = text.isEmpty() ? done : done + ": " + text;
     }

@@ -165,7 +165,7 @@ void MainWindow::ReportResults() {
 
 void MainWindow::ListNewObjects() {
     // The list has a row for each object that the viewer had before this import.
-    int index = m_pObjects->topLevelItemCount();
+    int index = m_pObjects->ObjectCount();
     const int count = Pane()->Methods().GetNumObjects();
     // The viewer's new objects have the order of the files that added them.
     for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {

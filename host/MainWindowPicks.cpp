@@ -315,6 +315,5 @@ QString MainWindow::PickDistanceText() const {
 }
 
 QString MainWindow::NameOfObject(int object) const {
-    const QTreeWidgetItem* const row = m_pObjects->topLevelItem(object);
-    return row != nullptr ? row->text(ObjectList::kName) : QString();
+    return m_pObjects->NameOf(object);
 }

@@ -102,7 +102,7 @@ void MainWindow::ShowTransform() {
         m_pTransform->Show(nullptr);
         return;
     }
-    TransformPanel::Shown shown{m_pObjects->topLevelItem(row)->text(ObjectList::kName), tr("As imported"), *transform};
+    TransformPanel::Shown shown{m_pObjects->NameOf(row), tr("As imported"), *transform};
     if (std::ranges::binary_search(m_pTransforms->UnsavedRows(), row))
         shown.state = tr("Moved, not saved");
     else if (std::ranges::binary_search(m_pTransforms->MovedRows(), row))
@@ -209,7 +209,7 @@ bool MainWindow::AskAboutTransforms(const QString& title) {
     const std::vector<int> unsaved = m_pTransforms->UnsavedRows();
     if (unsaved.empty()) return true;
     FileListDialog::Texts texts{title, tr("There are objects whose transforms are not saved:"), {}, {}};
-    for (const int row : unsaved) texts.lines << m_pObjects->topLevelItem(row)->text(ObjectList::kName);
+    for (const int row : unsaved) texts.lines << m_pObjects->NameOf(row);
     texts.note = tr("Save writes the transforms of all objects into one file, which can be loaded again.");
     constexpr auto kButtons = QDialogButtonBox::Save | QDialogButtonBox::Discard | QDialogButtonBox::Cancel;
     const auto answer = FileListDialog(texts, kButtons, QDialogButtonBox::Save, this).Ask();

@@ -115,6 +115,11 @@ QSize ObjectList::minimumSizeHint() const {
     return {QTreeWidget::minimumSizeHint().width(), header()->sizeHint().height() + rows + 2 * frameWidth()};
 }
 
+QString ObjectList::NameOf(int index) const {
+    const QTreeWidgetItem* const row = Row(index);
+    return row != nullptr ? row->text(kName) : QString();
+}
+
 std::vector<ObjectRow> ObjectList::Rows() const {
     std::vector<ObjectRow> rows;
     rows.reserve(static_cast<std::size_t>(topLevelItemCount()));

@@ -1,4 +1,4 @@
-// The objects of the scene as a list. The position of a row is the index of its object in the viewer.
+// The objects of the scene as a list.
 #pragma once
 #include <QTreeWidget>
 #include <array>
@@ -32,6 +32,14 @@ public:
     void RemoveObject(int index);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
+    /// Objects of the viewer, in its order; an index is theirs.
+    [[nodiscard]] int ObjectCount() const { return topLevelItemCount(); }
+    /// As the row shows it; empty for an index outside the list.
+    [[nodiscard]] QString NameOf(int index) const;
+    /// The object of the current row; -1 without one.
+    [[nodiscard]] int CurrentObject() const { return indexOfTopLevelItem(currentItem()); }
+    /// The row of an object; null for an index outside the list.
+    [[nodiscard]] QTreeWidgetItem* Row(int index) const { return topLevelItem(index); }
     [[nodiscard]] std::vector<ObjectRow> Rows() const;
     /// Replaces all rows; the object of the current row stays current. Emits nothing.
     /// @param objects  as many as rows

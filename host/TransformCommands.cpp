@@ -103,14 +103,14 @@ TransformsById TransformCommands::Now() const {
 }
 
 std::optional<Matrix4> TransformCommands::TransformOfRow(int row) const {
-    if (m_pViewer == nullptr || row < 0 || row >= m_objects.topLevelItemCount()) return {};
+    if (m_pViewer == nullptr || row < 0 || row >= m_objects.ObjectCount()) return {};
     return TransformOf(m_pViewer->Methods(), static_cast<std::int16_t>(row));
 }
 
 std::vector<int> TransformCommands::MovedRows() const {
     std::vector<int> moved;
     if (m_pViewer == nullptr) return moved;
-    const auto count = static_cast<std::size_t>(m_objects.topLevelItemCount());
+    const auto count = static_cast<std::size_t>(m_objects.ObjectCount());
     const std::vector<KV_ScenePane::CutSaveEntry> plan = m_pViewer->PlanCutSave();
     for (std::size_t i = 0; i < plan.size() && i < count; ++i) {
         if (plan[i].isMoved) moved.push_back(static_cast<int>(i));
@@ -157,7 +157,7 @@ void TransformCommands::OnSceneCleared() {
 void TransformCommands::ShowInList() {
     if (m_pViewer == nullptr) return;
     const std::vector<int> moved = MovedRows();
-    for (int row = 0; row < m_objects.topLevelItemCount(); ++row) {
+    for (int row = 0; row < m_objects.ObjectCount(); ++row) {
         std::array<float, 6> box{};
         m_pViewer->Methods().GetObjectBoundingBox(static_cast<std::int16_t>(row), &box[0], &box[1], &box[2], &box[3],
                                                   &box[4], &box[5]);
