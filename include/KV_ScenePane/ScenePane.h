@@ -93,6 +93,17 @@ struct Picture {
     std::vector<std::uint32_t> pixels;
 };
 
+/// The frames of a viewer since it was created, for a display of the frame time and for hosts that draw less while
+/// frames are slow.
+struct FrameStatistics {
+    /// Frames that were drawn and passed to the window system, also those of CapturePicture(). Not the pictures of
+    /// CaptureScreenShot(), which are no frames of the window, and not paints that were refused.
+    std::uint64_t count = 0;
+    /// Of the last one, from its start until it was passed to the window system. A graphics card may still be drawing
+    /// then; software has finished.
+    double seconds = 0;
+};
+
 /// The nearest surface point of a visible object under a pixel.
 struct SurfacePoint {
     /// Index of the object.
@@ -239,6 +250,10 @@ public:
     virtual bool LoadProperties(std::string_view store, std::string* reason) = 0;
     /// Whether a persisted property was changed since it was last saved or loaded.
     [[nodiscard]] virtual bool IsModified() const = 0;
+
+    /// Number of frames so far, and the duration of the last one. Both 0 before the first frame and for a NoPicture
+    /// viewer. A new window or context continues the count.
+    [[nodiscard]] virtual FrameStatistics GetFrameStatistics() const = 0;
 };
 
 /// Creates a viewer.

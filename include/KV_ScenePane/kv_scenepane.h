@@ -213,6 +213,13 @@ KV_API const kv_member_info* kv_member_by_id(int32_t kind, int32_t id);
    is read, while painting is blocked. */
 KV_API kv_status kv_capture_picture(kv_pane* pane, uint32_t* pixels, size_t capacity, int32_t* width, int32_t* height);
 
+typedef struct kv_frame_statistics {
+    uint64_t count; /* frames that were drawn, also those of kv_capture_picture(), not those of CaptureScreenShot */
+    double seconds; /* of the last one, from its start until it was passed to the window system */
+} kv_frame_statistics;
+/* Number of frames so far, and the duration of the last one; both 0 before the first frame. */
+KV_API kv_status kv_frame_statistics_result(kv_pane* pane, kv_frame_statistics* statistics);
+
 typedef struct kv_surface_point {
     int32_t object, triangle; /* indices from 0; object is -1 when nothing was hit */
     float point[3];           /* world frame, scene units */

@@ -220,6 +220,15 @@ size_t kv_graphics_info(kv_pane* pane, char* buffer, size_t capacity) {
     });
 }
 
+kv_status kv_frame_statistics_result(kv_pane* pane, kv_frame_statistics* statistics) {
+    return CallViewer(pane, "kv_frame_statistics_result", [&](ScenePane& viewer) {
+        if (statistics == nullptr) return RefuseNull("kv_frame_statistics_result", "the statistics are null");
+        const KV_ScenePane::FrameStatistics found = viewer.GetFrameStatistics();
+        *statistics = {found.count, found.seconds};
+        return KV_DONE;
+    });
+}
+
 // ---- cuts
 
 kv_status kv_cut_with_lasso(kv_pane* pane, int32_t mode, const double* points, size_t count, int32_t* changed) {

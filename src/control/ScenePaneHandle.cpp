@@ -337,6 +337,9 @@ public:
         return Held()->LoadProperties(store, reason);
     }
     [[nodiscard]] bool IsModified() const override { return m_pControl->m_bModified; }
+    [[nodiscard]] KV_ScenePane::FrameStatistics GetFrameStatistics() const override {
+        return {m_pControl->m_nFrameCount, m_pControl->m_fFrameSeconds};
+    }
 
     Control& TheControl() { return *m_pControl; }
 

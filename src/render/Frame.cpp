@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "base/DebugOutput.h"
+#include "base/PerformanceCounter.h"
 #include "base/ScopeExit.h"
 #include "control/ScenePaneCtrl.h"
 #include "render/FlatView.h"
@@ -201,6 +202,10 @@ bool WritesOtherDepths(const CKV_ScenePaneCtrl& control) {
            (control.m_bNeedleDrawingMode != 0 && !control.m_vNeedles.empty());
 }
 
+double SecondsSince(std::int64_t start) {
+    return static_cast<double>(PerformanceCounter() - start) / static_cast<double>(PerformanceFrequency());
+}
+
 // No guard object: when a step runs out of memory the lock stays held and the flag set, so that no later frame draws
 // from a broken state.
 void DrawFrame(CKV_ScenePaneCtrl& control) {
@@ -211,6 +216,7 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
     }
     control.m_bInDraw = 1;
     if (control.MakeContextCurrent()) {
+        const std::int64_t start = PerformanceCounter();
         const bool sizeChanged = control.StoreWindowSize();
         control.m_frameTarget.SetSize(control.m_nWidth, control.m_nHeight, control.m_nGlSamples);
         control.m_frameTarget.Bind();
@@ -227,6 +233,8 @@ void DrawFrame(CKV_ScenePaneCtrl& control) {
         // The surface of an off-screen window is shown to nobody: the copy would be for nothing.
         if (control.m_pWindow->NativeHandle() != 0) control.m_frameTarget.CopyToWindow();
         control.m_pWindow->SwapBuffers();
+        ++control.m_nFrameCount;
+        control.m_fFrameSeconds = SecondsSince(start);
     }
     control.m_bInDraw = 0;
     g_drawLock->unlock();

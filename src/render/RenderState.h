@@ -67,6 +67,8 @@ struct RenderState {
     std::unique_ptr<std::uint8_t[]> m_pFrozenImage;        ///< BGR, rows padded to 4 bytes; null while frames are live
     std::int32_t m_nFrozenWidth = 0, m_nFrozenHeight = 0;  ///< pixels
     KV_ScenePane::Picture* m_pCapture = nullptr;           ///< receives the next frame before it is shown; not owned
+    std::uint64_t m_nFrameCount = 0;                       ///< frames that were passed to the window
+    double m_fFrameSeconds = 0;                            ///< duration of the last of them
 
     // Decorations.
     std::uint32_t m_nBackgroundColors[4] = {0x321919, 0x321919, 0x321919, 0x321919};  ///< tl, tr, bl, br

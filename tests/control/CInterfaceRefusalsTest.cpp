@@ -32,6 +32,8 @@ TEST(KvNullPointers, AreRefusedWithTheReason) {
         {[&] { return kv_cut_with_lasso(pane, 0, nullptr, 3, nullptr); }, "kv_cut_with_lasso: the points are null"},
         {[&] { return kv_align_by_pairs(pane, nullptr, 3, nullptr); }, "kv_align_by_pairs: the pairs are null"},
         {[&] { return kv_clip_height_result(pane, nullptr); }, "kv_clip_height_result: the height is null"},
+        {[&] { return kv_frame_statistics_result(pane, nullptr); },
+         "kv_frame_statistics_result: the statistics are null"},
         {[&] { return kv_load_properties(pane, nullptr, 1); }, "kv_load_properties: the store is null"},
         {[&] { return kv_get_property(pane, KV_PROPERTY_DrawMode, nullptr); }, "DrawMode: the value is null"},
         {[&] { return kv_put_property(pane, KV_PROPERTY_DrawMode, nullptr); }, "DrawMode: the value is null"},

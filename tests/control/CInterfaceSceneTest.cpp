@@ -131,6 +131,15 @@ TEST(KvCapturePictureWithoutAPicture, Fails) {
     kv_destroy(pane);
 }
 
+TEST(KvFrameStatistics, AreThoseOfTheViewer) {
+    RecordedPane recorded;
+    recorded.viewer->frames = {0x123456789AULL, 0.25};
+    kv_frame_statistics frames{};
+    EXPECT_EQ(kv_frame_statistics_result(recorded.pane, &frames), KV_DONE);
+    EXPECT_EQ(frames.count, 0x123456789AULL);
+    EXPECT_EQ(frames.seconds, 0.25);
+}
+
 // ---- picks and texts
 
 using KvPickSurface = SceneOfC;

@@ -180,6 +180,7 @@ std::vector<std::pair<const char*, std::function<kv_status(kv_pane*)>>> StatusFu
     value = {.type = KV_SHORT, .as = {.i16 = 1}};
     static kv_surface_point hit;
     static kv_clip_height height;
+    static kv_frame_statistics frames;
     return {{"kv_process_events", [](kv_pane* p) { return kv_process_events(p); }},
             {"kv_reparent", [](kv_pane* p) { return kv_reparent(p, 1, 0, 0); }},
             {"kv_set_scale", [](kv_pane* p) { return kv_set_scale(p, 1); }},
@@ -195,6 +196,7 @@ std::vector<std::pair<const char*, std::function<kv_status(kv_pane*)>>> StatusFu
             {"kv_align_by_pairs", [](kv_pane* p) { return kv_align_by_pairs(p, nullptr, 0, nullptr); }},
             {"kv_alignment_result", [](kv_pane* p) { return kv_alignment_result(p, nullptr, nullptr, nullptr, 0); }},
             {"kv_clip_height_result", [](kv_pane* p) { return kv_clip_height_result(p, &height); }},
+            {"kv_frame_statistics_result", [](kv_pane* p) { return kv_frame_statistics_result(p, &frames); }},
             {"kv_load_properties", [](kv_pane* p) { return kv_load_properties(p, "", 0); }}};
 }
 

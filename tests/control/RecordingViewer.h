@@ -22,6 +22,7 @@ public:
     KV_ScenePane::ClipHeight clipHeight;
     std::vector<KV_ScenePane::CutSaveEntry> planned, saved;
     bool modified = false;
+    KV_ScenePane::FrameStatistics frames;
     std::string store;  ///< what SaveProperties() returns
 
     KV_ScenePane::_DKV_ScenePane& Methods() override { return methods; }
@@ -62,6 +63,7 @@ public:
         return false;
     }
     [[nodiscard]] bool IsModified() const override { return modified; }
+    [[nodiscard]] KV_ScenePane::FrameStatistics GetFrameStatistics() const override { return frames; }
 };
 
 /// A viewer of the C interface over a RecordingViewer.

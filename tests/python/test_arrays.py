@@ -293,6 +293,13 @@ class Pictures(unittest.TestCase):
         np.testing.assert_allclose(hit.point, (0, 0, 0), atol=0.1)
         self.assertIsNone(self.pane.pick(0, 0))
 
+    def test_FramesAreCountedAndTimed(self) -> None:
+        before = self.pane.frame_statistics.count
+        self.pane.picture()
+        after = self.pane.frame_statistics
+        self.assertEqual(after.count, before + 1)
+        self.assertGreater(after.seconds, 0)
+
     def test_TheRendererIsNamed(self) -> None:
         info = self.pane.graphics_info()
         self.assertGreater(len(info.renderer), 3)

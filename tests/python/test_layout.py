@@ -29,6 +29,7 @@ STRUCTS = {
     "kv_alignment_pair": _library.AlignmentPair,
     "kv_alignment": _library.Alignment,
     "kv_clip_height": _library.ClipHeight,
+    "kv_frame_statistics": _library.FrameStatistics,
 }
 
 

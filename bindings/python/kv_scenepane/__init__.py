@@ -31,7 +31,7 @@ from ._records import (
     EventType,
     SurfacePoint,
 )
-from ._scene import GraphicsInfo
+from ._scene import FrameStatistics, GraphicsInfo
 from ._surface import (
     EVENTS,
     METHODS,
@@ -66,6 +66,7 @@ __all__ = [
     "Event",
     "EventIterator",
     "EventType",
+    "FrameStatistics",
     "GraphicsInfo",
     "ImportFailed",
     "Mesh",

@@ -132,6 +132,12 @@ class ClipHeight(c.Structure):
     _fields_ = [("found", c.c_int32), ("height", c.c_float), ("kind", c.c_int32)]
 
 
+class FrameStatistics(c.Structure):
+    """kv_frame_statistics."""
+
+    _fields_ = [("count", c.c_uint64), ("seconds", c.c_double)]
+
+
 _POINTER, _SIZE, _INT = c.c_void_p, c.c_size_t, c.c_int32
 
 # Result and arguments of each function.
@@ -168,6 +174,7 @@ _FUNCTIONS = {
         [_POINTER, c.POINTER(Alignment), c.POINTER(AlignmentPair), _POINTER, _SIZE],
     ),
     "kv_clip_height_result": (_INT, [_POINTER, c.POINTER(ClipHeight)]),
+    "kv_frame_statistics_result": (_INT, [_POINTER, c.POINTER(FrameStatistics)]),
     "kv_mesh_create": (_POINTER, [_POINTER, _SIZE, _POINTER, _SIZE, _INT]),
     "kv_mesh_destroy": (None, [_POINTER]),
     "kv_save_properties": (_SIZE, [_POINTER, _INT, _POINTER, _SIZE]),

@@ -37,6 +37,17 @@ class GraphicsInfo(NamedTuple):
     version: str
 
 
+class FrameStatistics(NamedTuple):
+    """The frames of a viewer.
+
+    count: frames so far, without the pictures of CaptureScreenShot()
+    seconds: duration of the last one, until it was passed to the window system
+    """
+
+    count: int
+    seconds: float
+
+
 class Scene(Surface):
     """The scene of a pane."""
 
@@ -93,6 +104,15 @@ class Scene(Surface):
         )
         lines = text.decode("utf-8", "replace").split("\n")
         return GraphicsInfo(*(lines + [""] * 4)[:4])
+
+    @property
+    def frame_statistics(self) -> FrameStatistics:
+        """How many frames were drawn, also by picture(), and how long the last one took."""
+        self._live()
+        raw = _library.FrameStatistics()
+        status = library.kv_frame_statistics_result(self._handle, ctypes.byref(raw))
+        self._check(status, "frame_statistics")
+        return FrameStatistics(raw.count, raw.seconds)
 
     # ---- objects
 
