@@ -12,9 +12,15 @@ namespace {
 using namespace KV_ScenePane;
 using Clock = std::chrono::steady_clock;
 
+std::unique_ptr<ScenePane> MakePane(WindowRequest::Kind kind) {
+    WindowRequest request;
+    request.kind = kind;
+    return CreateScenePane(request, nullptr);
+}
+
 class TheFrameStatistics : public testing::Test {
 protected:
-    std::unique_ptr<ScenePane> pane = CreateScenePane(WindowRequest{.kind = WindowRequest::Kind::OffScreen}, nullptr);
+    std::unique_ptr<ScenePane> pane = MakePane(WindowRequest::Kind::OffScreen);
 
     void SetUp() override { ASSERT_NE(pane, nullptr); }
 
@@ -76,7 +82,7 @@ TEST_F(TheFrameStatistics, AreContinuedByANewContext) {
 }
 
 TEST(TheFrameStatisticsWithoutAPicture, StayZero) {
-    const auto pane = CreateScenePane(WindowRequest{.kind = WindowRequest::Kind::NoPicture}, nullptr);
+    const auto pane = MakePane(WindowRequest::Kind::NoPicture);
     ASSERT_NE(pane, nullptr);
     pane->Methods().PerformRefresh();
     pane->ProcessEvents();
