@@ -16,7 +16,7 @@
 
 namespace {
 
-[[noreturn]] void RunServer(int numberPipe, pid_t parent) {
+[[noreturn]] void RunServer(int numberPipe, pid_t parent, const std::string& screen) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(1);  // the parent ended before the line above
     const int null = open("/dev/null", O_RDWR);
@@ -26,7 +26,7 @@ namespace {
     for (const char* const name : {"GALLIUM_DRIVER", "LD_PRELOAD", "MESA_LOADER_DRIVER_OVERRIDE"}) unsetenv(name);
     fcntl(numberPipe, F_SETFD, 0);
     const std::string number = std::to_string(numberPipe);
-    execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1280x1024x24", "+extension", "GLX",
+    execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", screen.c_str(), "+extension", "GLX",
            "-nolisten", "tcp", "-noreset", static_cast<char*>(nullptr));
     _exit(127);
 }
@@ -46,12 +46,12 @@ std::string ReadNumber(int pipe) {
 
 }  // namespace
 
-XvfbServer::XvfbServer() {
+XvfbServer::XvfbServer(const std::string& screen) {
     std::array<int, 2> numberPipe{};
     if (pipe2(numberPipe.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe for Xvfb");
     const pid_t parent = getpid();
     m_nProcess = fork();
-    if (m_nProcess == 0) RunServer(numberPipe[1], parent);
+    if (m_nProcess == 0) RunServer(numberPipe[1], parent, screen + "x24");
     close(numberPipe[1]);
     const std::string number = m_nProcess < 0 ? "" : ReadNumber(numberPipe[0]);
     close(numberPipe[0]);

@@ -7,9 +7,10 @@
 /// Starts Xvfb on a free display and sets $DISPLAY to it. Ends the server with itself.
 class XvfbServer {
 public:
+    /// @param screen  its size, "WIDTHxHEIGHT" in pixels
     /// @throws std::runtime_error when Xvfb is not installed or does not start: window tests fail then, they do not
     /// skip
-    XvfbServer();
+    explicit XvfbServer(const std::string& screen = "1280x1024");
     ~XvfbServer();
     XvfbServer(const XvfbServer&) = delete;
     XvfbServer& operator=(const XvfbServer&) = delete;
