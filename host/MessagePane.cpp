@@ -43,8 +43,13 @@ void MessagePane::ShowEnd() {
     m_bFollows = true;
 }
 
-void MessagePane::AddTextLater(std::string_view utf8) {
+void MessagePane::AddProblem(const QString& text) {
+    AddText(text);
+    emit ProblemAdded();
+}
+
+void MessagePane::AddProblemLater(std::string_view utf8) {
     const QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
     QMetaObject::invokeMethod(
-        this, [this, text] { AddText(text); }, Qt::QueuedConnection);
+        this, [this, text] { AddProblem(text); }, Qt::QueuedConnection);
 }

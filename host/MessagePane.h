@@ -10,10 +10,16 @@ public:
     explicit MessagePane(QWidget* parent = nullptr);
     /// Appends one line or several; empty lines are left out. On the thread of the window only.
     void AddText(const QString& text);
-    /// Queues an AddText() for the thread of the window. Any thread.
-    void AddTextLater(std::string_view utf8);
+    /// The same for a text that the user should see: a failure, or a warning.
+    void AddProblem(const QString& text);
+    /// Queues an AddProblem() for the thread of the window. Any thread.
+    void AddProblemLater(std::string_view utf8);
     /// Eight lines high; the user can resize the pane.
     [[nodiscard]] QSize sizeHint() const override;
+
+signals:
+    /// The lines of AddProblem() were added.
+    void ProblemAdded();
 
 private:
     /// Scrolls to the last line, which is followed from here on.

@@ -1,10 +1,10 @@
 // The keys of the settings file and their start values.
 #include "Settings.h"
 
-#include <QSettings>
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace {
@@ -27,7 +27,14 @@ constexpr const char* kLassoOutsideOpacity = "lasso/outsideOpacity";
 
 constexpr const char* kProperties = "viewer/properties";
 
-QSettings Stored() { return QSettings("scenepane", "scenepane"); }
+constexpr const char* kMouseScheme = "view/mouseScheme";
+constexpr const char* kRotation = "view/rotation";
+constexpr const char* kBackground = "view/background";  // four colours
+constexpr const char* kPointSize = "view/pointSize";
+
+constexpr const char* kSkip = "import/skip";
+constexpr const char* kConfidence = "import/confidence";
+constexpr const char* kScanColor = "import/color";
 
 /// Qt itself reads every text but a few as true.
 bool ReadBool(const QSettings& stored, const char* key, bool otherwise) {
@@ -65,14 +72,38 @@ std::optional<std::array<float, 6>> ReadPlane(const QSettings& stored) {
     return hasDirection ? std::optional(plane) : std::nullopt;
 }
 
+/// @param otherwise  for a text that is no finite number
+float ReadFloat(const QSettings& stored, const char* key, float otherwise) {
+    bool isNumber = false;
+    const float number = stored.value(key).toFloat(&isNumber);
+    return isNumber && std::isfinite(number) ? number : otherwise;
+}
+
+/// Nothing unless all four are colours.
+std::optional<std::array<std::int32_t, 4>> ReadBackground(const QSettings& stored) {
+    const QStringList texts = stored.value(kBackground).toStringList();
+    std::array<std::int32_t, 4> colors{};
+    if (texts.size() != static_cast<qsizetype>(colors.size())) return std::nullopt;
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        bool isNumber = false;
+        colors[i] = texts[static_cast<qsizetype>(i)].toInt(&isNumber);
+        if (!isNumber || colors[i] < 0 || colors[i] > 0xFFFFFF) return std::nullopt;
+    }
+    return colors;
+}
+
 }  // namespace
 
-bool HasSmoothEdges() { return Stored().value(kSmoothEdges, true).toBool(); }
+QSettings OpenSettings() { return QSettings("scenepane", "scenepane"); }
 
-void SetSmoothEdges(bool on) { Stored().setValue(kSmoothEdges, on); }
+void ForgetSettings() { OpenSettings().clear(); }
+
+bool HasSmoothEdges() { return OpenSettings().value(kSmoothEdges, true).toBool(); }
+
+void SetSmoothEdges(bool on) { OpenSettings().setValue(kSmoothEdges, on); }
 
 ClipSettings StoredClip() {
-    const QSettings stored = Stored();
+    const QSettings stored = OpenSettings();
     ClipSettings clip;
     clip.shown = ReadBool(stored, kClipShown, clip.shown);
     if (const auto plane = ReadPlane(stored)) {
@@ -88,7 +119,7 @@ ClipSettings StoredClip() {
 }
 
 void StoreClip(const ClipSettings& clip) {
-    QSettings stored = Stored();
+    QSettings stored = OpenSettings();
     stored.setValue(kClipOn, clip.on);
     stored.setValue(kClipShown, clip.shown);
     stored.setValue(kClipMoved, clip.moved);
@@ -103,7 +134,7 @@ void StoreClip(const ClipSettings& clip) {
 }
 
 LassoSettings StoredLasso() {
-    const QSettings stored = Stored();
+    const QSettings stored = OpenSettings();
     LassoSettings lasso;
     lasso.insideColor = ReadColor(stored, kLassoInsideColor, lasso.insideColor);
     lasso.insideOpacity = ReadPercent(stored, kLassoInsideOpacity, lasso.insideOpacity);
@@ -113,7 +144,7 @@ LassoSettings StoredLasso() {
 }
 
 void StoreLasso(const LassoSettings& lasso) {
-    QSettings stored = Stored();
+    QSettings stored = OpenSettings();
     stored.setValue(kLassoInsideColor, lasso.insideColor);
     stored.setValue(kLassoInsideOpacity, lasso.insideOpacity);
     stored.setValue(kLassoOutsideColor, lasso.outsideColor);
@@ -121,10 +152,51 @@ void StoreLasso(const LassoSettings& lasso) {
 }
 
 std::optional<std::string> StoredProperties() {
-    const QSettings stored = Stored();
+    const QSettings stored = OpenSettings();
     if (!stored.contains(kProperties)) return std::nullopt;
     // A text that was changed by hand may read as a list.
     return stored.value(kProperties).toStringList().join(',').toStdString();
 }
 
-void StoreProperties(const std::string& store) { Stored().setValue(kProperties, QString::fromStdString(store)); }
+void StoreProperties(const std::string& store) { OpenSettings().setValue(kProperties, QString::fromStdString(store)); }
+
+ViewSettings StoredView() {
+    const QSettings stored = OpenSettings();
+    ViewSettings view;
+    constexpr int kLastScheme = static_cast<int>(MouseScheme::Delayed);
+    view.mouse = static_cast<MouseScheme>(ReadNumber(stored, kMouseScheme, kLastScheme, static_cast<int>(view.mouse)));
+    view.rotation =
+        static_cast<KV_ScenePane::RotationMode>(ReadNumber(stored, kRotation, KV_ScenePane::RotateFree, view.rotation));
+    view.background = ReadBackground(stored).value_or(view.background);
+    const float size = ReadFloat(stored, kPointSize, view.pointSize);
+    if (size >= kMinPointSize && size <= kMaxPointSize) view.pointSize = size;
+    return view;
+}
+
+void StoreMouseScheme(MouseScheme scheme) { OpenSettings().setValue(kMouseScheme, static_cast<int>(scheme)); }
+
+void StoreRotation(KV_ScenePane::RotationMode mode) { OpenSettings().setValue(kRotation, static_cast<int>(mode)); }
+
+void StoreBackground(const std::array<std::int32_t, 4>& colors) {
+    QStringList texts;
+    for (const std::int32_t color : colors) texts << QString::number(color);
+    OpenSettings().setValue(kBackground, texts);
+}
+
+void StorePointSize(float pixels) { OpenSettings().setValue(kPointSize, QString::number(pixels, 'g', 9)); }
+
+ImportSettings StoredImport() {
+    const QSettings stored = OpenSettings();
+    ImportSettings settings;
+    const int skip = ReadNumber(stored, kSkip, std::numeric_limits<std::int16_t>::max(), settings.skip);
+    if (skip > 0) settings.skip = static_cast<std::int16_t>(skip);
+    settings.confidence = ReadFloat(stored, kConfidence, settings.confidence);
+    settings.color = ReadColor(stored, kScanColor, settings.color);
+    return settings;
+}
+
+void StoreSkip(std::int16_t skip) { OpenSettings().setValue(kSkip, skip); }
+
+void StoreConfidence(float limit) { OpenSettings().setValue(kConfidence, QString::number(limit, 'g', 9)); }
+
+void StoreScanColor(std::int32_t color) { OpenSettings().setValue(kScanColor, color); }

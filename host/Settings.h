@@ -1,9 +1,19 @@
 // What the window remembers from one start to the next, in the user's configuration folder.
 #pragma once
+#include <QSettings>
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+#include "FileImport.h"
+#include "KV_ScenePane/Modes.h"
+#include "MouseScheme.h"
+
+/// The file of the settings. Its values are untrusted.
+[[nodiscard]] QSettings OpenSettings();
+/// Everything that is remembered is forgotten.
+void ForgetSettings();
 
 /// Samples per pixel of a window with smooth edges.
 inline constexpr int kSmoothSamples = 4;
@@ -52,3 +62,31 @@ void StoreLasso(const LassoSettings& lasso);
 [[nodiscard]] std::optional<std::string> StoredProperties();
 /// @param store  of ScenePane::SaveProperties() in the text format
 void StoreProperties(const std::string& store);
+
+/// How the view looks and answers to the mouse. The first values are those of the viewer.
+struct ViewSettings {
+    MouseScheme mouse = MouseScheme::Normal;
+    KV_ScenePane::RotationMode rotation = KV_ScenePane::RotateFree;
+    /// 0x00BBGGRR: top left, top right, bottom left, bottom right.
+    std::array<std::int32_t, 4> background{0x321919, 0x321919, 0x321919, 0x321919};
+    /// Pixels, kMinPointSize to kMaxPointSize.
+    float pointSize = 2.0f;
+
+    friend bool operator==(const ViewSettings&, const ViewSettings&) = default;
+};
+inline constexpr float kMinPointSize = 0.01f, kMaxPointSize = 64.0f;
+
+/// What was stored last. Values that are missing or not valid are those of a first start.
+[[nodiscard]] ViewSettings StoredView();
+// One by one: another window may have stored the others.
+void StoreMouseScheme(MouseScheme scheme);
+void StoreRotation(KV_ScenePane::RotationMode mode);
+void StoreBackground(const std::array<std::int32_t, 4>& colors);
+void StorePointSize(float pixels);
+
+/// What was stored last. Values that are missing or not valid are those of a first start.
+[[nodiscard]] ImportSettings StoredImport();
+// One by one: a value of the command line is for one window, and is not stored with another one that the user chose.
+void StoreSkip(std::int16_t skip);
+void StoreConfidence(float limit);
+void StoreScanColor(std::int32_t color);
