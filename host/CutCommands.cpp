@@ -130,6 +130,7 @@ std::vector<ObjectRow> CutCommands::TakeStep() {
         if (present == nullptr) continue;
         row.isVisible = present->isVisible;
         row.mayMove = present->mayMove;
+        row.isRemoved = present->isRemoved;
     }
     return rows;
 }

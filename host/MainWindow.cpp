@@ -77,7 +77,7 @@ MainWindow::~MainWindow() {
 
 KV_ScenePane::ScenePane* MainWindow::Pane() const { return m_pViewer->Pane(); }
 
-bool MainWindow::HaveObjects() const { return m_pObjects->ObjectCount() > 0; }
+bool MainWindow::HaveObjects() const { return !m_pObjects->PresentObjects().empty(); }
 
 void MainWindow::MakeCentre() {
     m_pViewer = new ViewerWidget({m_options.width, m_options.height}, HasSmoothEdges() ? kSmoothSamples : 0);
@@ -130,7 +130,7 @@ void MainWindow::OnViewerRefused(const QString& reason) {
     m_pRefusal->setText(tr("There is no viewer: %1").arg(reason));
     m_pCentre->setCurrentWidget(m_pRefusal);
     m_pMessages->AddText(m_pRefusal->text());
-    m_pObjects->clear();
+    m_pObjects->RemoveAll();
     m_pMarkers->Clear();
     EnableActions();
     DropWaitingFiles();
@@ -167,7 +167,7 @@ void MainWindow::ClearScene() {
     methods.ResetVariableObjects();
     DeleteAllPoints();  // before the view is fitted to what is left: ClearData() keeps free points, an operator expects
     methods.ClearData();  // an empty scene. The lines go with it
-    m_pObjects->clear();
+    m_pObjects->RemoveAll();
     m_pCuts->OnSceneCleared();
     m_pTransforms->OnSceneCleared();
     m_pResiduals->Clear();

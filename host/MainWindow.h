@@ -241,7 +241,8 @@ private:
     [[nodiscard]] bool IsLassoRunning() const;
     // For the user: these ask about unsaved cuts before.
     void AskToClear();
-    void AskToDelete(int index);
+    /// @param indices  of objects, in ascending order
+    void AskToDelete(const std::vector<int>& indices);
 
     // ---- MainWindowAlign.cpp
     /// The tools of alignments, what they do, the hint above the viewer, the pane of residuals, and their connections.

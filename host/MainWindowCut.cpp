@@ -73,6 +73,11 @@ void MainWindow::AskToClear() {
     if (Pane() != nullptr && m_pCuts->AskAboutUnsaved(title) && AskAboutTransforms(title)) ClearScene();
 }
 
-void MainWindow::AskToDelete(int index) {
-    if (Pane() != nullptr && m_pCuts->AskAboutUnsaved(tr("Delete the object"), index)) DeleteObject(index);
+void MainWindow::AskToDelete(const std::vector<int>& indices) {
+    if (Pane() == nullptr) return;
+    for (const int index : indices) {
+        if (!m_pCuts->AskAboutUnsaved(tr("Delete the object"), index)) return;
+    }
+    // From the end: later objects then have an index less.
+    for (auto index = indices.rbegin(); index != indices.rend(); ++index) DeleteObject(*index);
 }

@@ -10,6 +10,7 @@
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "TranslatedText.h"
 
 namespace {
 
@@ -54,8 +55,10 @@ void OfferFormats(QFileDialog& dialog, const QString& objectName) {
 }  // namespace
 
 int MainWindow::SelectedObject() const {
-    const int row = m_pObjects->CurrentObject();
-    return row < 0 && m_pObjects->ObjectCount() == 1 ? 0 : row;
+    const int current = m_pObjects->CurrentObject();
+    if (current >= 0) return current;
+    const std::vector<int> present = m_pObjects->PresentObjects();
+    return present.size() == 1 ? present.front() : -1;
 }
 
 void MainWindow::AskForExport() {
@@ -82,7 +85,7 @@ bool MainWindow::ExportObjectTo(int index, const std::string& path) {
     const QString file = QString::fromStdString(path);
     const ExportResult result = ExportObject(Pane()->Methods(), index, path);
     // The message starts with the file in all cases.
-    QString text = QString::fromStdString(result.text);
+    QString text = TranslatedText(result.text);
     if (!result.written) {
         text = tr("%1: not written: %2").arg(file, text);
     } else {

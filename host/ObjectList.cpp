@@ -43,11 +43,12 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     headerItem()->setToolTip(kMayMove, tr("Whether alignments move the object"));
     headerItem()->setToolTip(kMoved, tr("\"moved\": the object is not where it was imported"));
     setRootIsDecorated(false);
+    setSelectionMode(ExtendedSelection);
     setUniformRowHeights(true);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     // Fires for every column of a row; two of them have check marks.
     connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
-        if (column == kName) emit VisibilityWanted(indexOfTopLevelItem(item), item->checkState(kName) == Qt::Checked);
+        if (column == kName) emit VisibilityWanted(IndexOf(item), item->checkState(kName) == Qt::Checked);
         if (column == kMayMove) emit MayMoveChanged();
     });
     MakeActions();
@@ -68,9 +69,9 @@ void ObjectList::MakeActions() {
         auto* const action = new QAction(text, this);
         action->setObjectName(name);
         connect(action, &QAction::triggered, this, [this, current, others] {
-            std::vector<bool> mayMove(static_cast<std::size_t>(topLevelItemCount()), others);
-            const int row = indexOfTopLevelItem(currentItem());
-            if (row >= 0) mayMove[static_cast<std::size_t>(row)] = current;
+            std::vector<bool> mayMove(m_vItems.size(), others);
+            const int object = CurrentObject();
+            if (object >= 0) mayMove[static_cast<std::size_t>(object)] = current;
             SetMayMove(mayMove);
         });
         addAction(action);
@@ -89,6 +90,7 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
     // The viewer gives objects of some mesh formats no name.
     const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(row.file) : object.name;
     auto* const item = new QTreeWidgetItem(this);
+    m_vItems.push_back(item);
     item->setText(kName, FileNameOf(path));
     item->setToolTip(kName, PlainToolTip(QString::fromStdString(KV_ScenePane::PathBytes(path))));
     item->setCheckState(kName, row.isVisible ? Qt::Checked : Qt::Unchecked);
@@ -104,8 +106,9 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
     if (object.hasVertexColors) button->setToolTip(tr("The scan has its own colours, which are shown instead"));
     // By the item and not by its position, which changes when rows above are removed.
     connect(button, &ColorButton::ColorChosen, this,
-            [this, item](std::int32_t packed) { emit ColorWanted(indexOfTopLevelItem(item), packed); });
+            [this, item](std::int32_t packed) { emit ColorWanted(IndexOf(item), packed); });
     setItemWidget(item, kColor, button);
+    item->setHidden(row.isRemoved);
     return item;
 }
 
@@ -115,64 +118,121 @@ QSize ObjectList::minimumSizeHint() const {
     return {QTreeWidget::minimumSizeHint().width(), header()->sizeHint().height() + rows + 2 * frameWidth()};
 }
 
+// ---- objects and rows
+
+int ObjectList::IndexOf(const QTreeWidgetItem* item) const {
+    const auto found = std::ranges::find(m_vItems, item);
+    return found != m_vItems.end() ? static_cast<int>(found - m_vItems.begin()) : -1;
+}
+
+QTreeWidgetItem* ObjectList::Row(int index) const {
+    return index >= 0 && index < ObjectCount() ? m_vItems[static_cast<std::size_t>(index)] : nullptr;
+}
+
 QString ObjectList::NameOf(int index) const {
     const QTreeWidgetItem* const row = Row(index);
     return row != nullptr ? row->text(kName) : QString();
 }
 
+int ObjectList::CurrentObject() const {
+    const int index = IndexOf(currentItem());
+    return IsRemoved(index) ? -1 : index;
+}
+
+std::vector<int> ObjectList::PresentObjects() const {
+    std::vector<int> objects;
+    for (int i = 0; i < ObjectCount(); ++i) {
+        if (!IsRemoved(i)) objects.push_back(i);
+    }
+    return objects;
+}
+
+std::vector<int> ObjectList::SelectedObjects() const {
+    std::vector<int> objects = PresentObjects();
+    std::erase_if(objects, [this](int index) { return !Row(index)->isSelected(); });
+    return objects;
+}
+
 std::vector<ObjectRow> ObjectList::Rows() const {
     std::vector<ObjectRow> rows;
-    rows.reserve(static_cast<std::size_t>(topLevelItemCount()));
-    for (int i = 0; i < topLevelItemCount(); ++i) {
-        const QTreeWidgetItem& item = *topLevelItem(i);
-        rows.push_back({.id = item.data(kName, kIdRole).toInt(),
-                        .file = item.data(kName, kFileRole).toByteArray().toStdString(),
-                        .isVisible = item.checkState(kName) == Qt::Checked,
-                        .vertices = item.data(kName, kVerticesRole).toInt(),
-                        .mayMove = item.checkState(kMayMove) == Qt::Checked});
+    rows.reserve(m_vItems.size());
+    for (const QTreeWidgetItem* const item : m_vItems) {
+        rows.push_back({.id = item->data(kName, kIdRole).toInt(),
+                        .file = item->data(kName, kFileRole).toByteArray().toStdString(),
+                        .isVisible = item->checkState(kName) == Qt::Checked,
+                        .vertices = item->data(kName, kVerticesRole).toInt(),
+                        .mayMove = item->checkState(kMayMove) == Qt::Checked,
+                        .isRemoved = item->isHidden()});
     }
     return rows;
 }
 
 void ObjectList::ShowRows(const std::vector<ObjectRow>& rows, const std::vector<ObjectReport>& objects) {
     const QSignalBlocker quiet(this);
-    const int current = currentItem() != nullptr ? currentItem()->data(kName, kIdRole).toInt() : -1;
+    const auto idOf = [](const QTreeWidgetItem* item) { return item->data(kName, kIdRole).toInt(); };
+    const int current = currentItem() != nullptr ? idOf(currentItem()) : -1;
+    std::vector<int> selected;
+    for (const QTreeWidgetItem* const item : selectedItems()) selected.push_back(idOf(item));
     const int scrolled = verticalScrollBar()->value();
-    clear();
+    RemoveAll();
     for (std::size_t i = 0; i < rows.size(); ++i) {
         QTreeWidgetItem* const item = AddRow(rows[i], objects[i]);
-        if (rows[i].id == current) setCurrentItem(item);
+        if (rows[i].isRemoved) continue;
+        if (rows[i].id == current) setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
+        item->setSelected(std::ranges::find(selected, rows[i].id) != selected.end());
     }
     verticalScrollBar()->setValue(scrolled);
 }
 
-void ObjectList::RemoveObject(int index) { delete topLevelItem(index); }
+void ObjectList::RemoveObject(int index) {
+    QTreeWidgetItem* const item = Row(index);
+    if (item == nullptr) return;
+    m_vItems.erase(m_vItems.begin() + index);  // before the signals of the deletion
+    delete item;
+}
+
+void ObjectList::RemoveAll() {
+    m_vItems.clear();
+    QTreeWidget::clear();
+}
+
+bool ObjectList::IsRemoved(int index) const {
+    const QTreeWidgetItem* const item = Row(index);
+    return item != nullptr && item->isHidden();
+}
+
+void ObjectList::SetRemoved(int index, bool removed) {
+    QTreeWidgetItem* const item = Row(index);
+    if (item == nullptr || item->isHidden() == removed) return;
+    item->setHidden(removed);
+    if (!removed) return;
+    item->setSelected(false);
+    if (currentItem() == item) setCurrentItem(nullptr);
+}
 
 void ObjectList::ShowColor(int index, std::int32_t packed) {
-    static_cast<ColorButton*>(itemWidget(topLevelItem(index), kColor))->SetPacked(packed);
+    static_cast<ColorButton*>(itemWidget(Row(index), kColor))->SetPacked(packed);
 }
 
 bool ObjectList::IsHidden(int index) const {
-    const QTreeWidgetItem* const item = topLevelItem(index);
-    return item != nullptr && item->checkState(kName) != Qt::Checked;
+    const QTreeWidgetItem* const item = Row(index);
+    return item != nullptr && (item->isHidden() || item->checkState(kName) != Qt::Checked);
 }
 
 std::vector<int> ObjectList::MovingRows() const {
-    std::vector<int> rows;
-    for (int i = 0; i < topLevelItemCount(); ++i) {
-        if (topLevelItem(i)->checkState(kMayMove) == Qt::Checked) rows.push_back(i);
-    }
-    return rows;
+    std::vector<int> objects = PresentObjects();
+    std::erase_if(objects, [this](int index) { return Row(index)->checkState(kMayMove) != Qt::Checked; });
+    return objects;
 }
 
 void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
     bool hasChanged = false;
     {
         const QSignalBlocker quiet(this);
-        for (int i = 0; i < topLevelItemCount(); ++i) {
+        for (const int i : PresentObjects()) {
             const Qt::CheckState state = mayMove.at(static_cast<std::size_t>(i)) ? Qt::Checked : Qt::Unchecked;
-            hasChanged = hasChanged || topLevelItem(i)->checkState(kMayMove) != state;
-            topLevelItem(i)->setCheckState(kMayMove, state);
+            hasChanged = hasChanged || Row(i)->checkState(kMayMove) != state;
+            Row(i)->setCheckState(kMayMove, state);
         }
     }
     if (hasChanged) emit MayMoveChanged();
@@ -180,7 +240,7 @@ void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
 
 void ObjectList::ShowPlace(int index, const std::array<float, 6>& box, bool isMoved) {
     const QSignalBlocker quiet(this);
-    QTreeWidgetItem& item = *topLevelItem(index);
+    QTreeWidgetItem& item = *Row(index);
     item.setText(kMoved, isMoved ? tr("moved") : QString());
     item.setText(kBox, item.data(kName, kVerticesRole).toInt() > 0 ? BoxText(box) : QString());
 }
@@ -194,5 +254,5 @@ QModelIndex ObjectList::moveCursor(CursorAction action, Qt::KeyboardModifiers mo
 }
 
 void ObjectList::DeleteSelected() {
-    if (QTreeWidgetItem* const item = currentItem()) emit DeletionWanted(indexOfTopLevelItem(item));
+    if (const std::vector<int> selected = SelectedObjects(); !selected.empty()) emit DeletionWanted(selected);
 }

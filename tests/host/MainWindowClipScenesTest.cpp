@@ -160,7 +160,7 @@ TEST_F(MainWindowClipScenes, WarnsWhenTheObjectsThatItLeavesAreHiddenOrDeleted) 
     check(1, Qt::Checked);
     EXPECT_EQ(Text().find("cuts away all objects"), std::string::npos) << Text();
     const int before = static_cast<int>(count());
-    emit m_window->Objects().DeletionWanted(1);
+    emit m_window->Objects().DeletionWanted({1});
     EXPECT_NE(Text().find("cuts away all objects"), std::string::npos) << Text();
     EXPECT_EQ(count(), before + 1);
 }

@@ -205,20 +205,20 @@ TEST_F(MainWindowCutSave, AsksBeforeAnObjectWithCutsIsDeleted) {
     ObjectList& list = m_window->Objects();
     {
         const auto dialog = Answer(QDialogButtonBox::Cancel);
-        emit list.DeletionWanted(1);
+        emit list.DeletionWanted({1});
         EXPECT_FALSE(dialog.WasShown()) << "back.pcm has no cut";
     }
     ASSERT_EQ(ObjectsInViewer(), 1);
     std::string question;
     {
         const auto dialog = Answer(QDialogButtonBox::Cancel, &question);
-        emit list.DeletionWanted(0);
+        emit list.DeletionWanted({0});
     }
     EXPECT_TRUE(Has(question, Front())) << question;
     EXPECT_EQ(ObjectsInViewer(), 1);
     {
         const auto dialog = Answer(QDialogButtonBox::Discard);
-        emit list.DeletionWanted(0);
+        emit list.DeletionWanted({0});
     }
     EXPECT_EQ(ObjectsInViewer(), 0);
     EXPECT_FALSE(m_window->isWindowModified());

@@ -174,7 +174,7 @@ TEST_F(MainWindowTest, ColoursAndDeletesObjects) {
     m_window->ColorObject(1, 0x00FF00);
     EXPECT_EQ(m_window->Pane()->Methods().GetObjectColor(1), 0x00FF00);
     EXPECT_NE(m_window->Pane()->Methods().GetObjectColor(0), 0x00FF00);
-    emit m_window->Objects().DeletionWanted(0);
+    emit m_window->Objects().DeletionWanted({0});
     EXPECT_EQ(Rows(), std::vector<std::string>{"b.xdt"});
     ASSERT_EQ(ObjectsInViewer(), 1);
     EXPECT_EQ(m_window->Pane()->Methods().GetObjectColor(0), 0x00FF00);
