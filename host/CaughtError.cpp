@@ -4,16 +4,16 @@
 #include <exception>
 #include <new>
 
-#include "DebugCapture.h"
+#include "MessageTable.h"
 
 std::string TextOfCaughtError() {
     try {
         throw;  // the exception that the caller is handling
     } catch (const std::bad_alloc&) {
         // In place of its own text, which is the name of the class.
-        return "there is not enough memory";
+        return PlainWords("there is not enough memory");
     } catch (const std::exception& error) {
-        const std::string text = JoinLines(error.what());
+        const std::string text = PlainLines(error.what());
         return text.empty() ? "an error without a text" : text;
     } catch (...) {
         return "an unknown error";

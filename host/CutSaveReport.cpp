@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "KV_ScenePane/PathText.h"
+#include "MessageTable.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ std::filesystem::path WithoutLinks(const std::string& name) {
 
 /// @param reason  empty when none is known
 std::string WithReason(const char* text, const std::string& reason) {
-    return reason.empty() ? text : std::string(text).append(": ").append(reason);
+    return reason.empty() ? text : std::string(text).append(": ").append(PlainWords(reason));
 }
 
 std::string OutcomeText(const CutSaveEntry& entry) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "KV_ScenePane/DebugOutput.h"
+#include "MessageTable.h"
 
 namespace {
 
@@ -38,6 +39,16 @@ std::string Join(const std::vector<std::string_view>& lines) {
     return joined;
 }
 
+/// The sentences of the messages, each once: several texts may have the same one.
+std::string JoinWords(const std::vector<std::string_view>& messages) {
+    std::vector<std::string> sentences;
+    for (const std::string_view message : messages) {
+        std::string sentence = PlainWords(message);
+        if (std::ranges::find(sentences, sentence) == sentences.end()) sentences.push_back(std::move(sentence));
+    }
+    return Join({sentences.begin(), sentences.end()});
+}
+
 /// Makes a line safe to print. Reasons quote the file, which anybody may have written: no control sequences for a
 /// terminal, and no line as long as the file.
 std::string SanitizeForTerminal(std::string line) {
@@ -62,16 +73,6 @@ std::string SanitizeForTerminal(std::string line) {
         }
     }
     return line;
-}
-
-/// @p line without the name of the function that wrote it: "ImportPly(): " or "CPLYFile::Read(): ".
-std::string_view WithoutFunctionName(std::string_view line) {
-    const std::size_t end = line.find("(): ");
-    if (end == 0 || end == std::string_view::npos) return line;
-    const auto isNameCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == ':';
-    };
-    return std::ranges::all_of(line.substr(0, end), isNameCharacter) ? line.substr(end + 4) : line;
 }
 
 /// @p text without any occurrence of @p part.
@@ -103,6 +104,15 @@ std::string DebugCapture::OneLine() const { return JoinLines(m_strText); }
 
 std::string JoinLines(std::string_view text) { return Join(Lines(text)); }
 
+std::string_view WithoutFunctionName(std::string_view line) {
+    const std::size_t end = line.find("(): ");
+    if (end == 0 || end == std::string_view::npos) return line;
+    const auto isNameCharacter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == ':';
+    };
+    return std::ranges::all_of(line.substr(0, end), isNameCharacter) ? line.substr(end + 4) : line;
+}
+
 std::string FileMessage(std::string_view file, std::string_view written, std::string_view thrown) {
     // The path first: it may contain line feeds.
     const std::string path = std::string(file) + ": ";
@@ -110,9 +120,9 @@ std::string FileMessage(std::string_view file, std::string_view written, std::st
     std::vector<std::string_view> messages;
     for (const std::string_view line : Lines(output)) {
         const std::string_view message = WithoutFunctionName(line);
-        if (!message.empty() && message != kNoMesh && std::ranges::find(messages, message) == messages.end())
-            messages.push_back(message);
+        if (!message.empty() && std::ranges::find(messages, message) == messages.end()) messages.push_back(message);
     }
+    if (messages.size() > 1) std::erase(messages, kNoMesh);
     // Where the viewer wrote a line about the file, that is the reason, and the exception is its other form. It may
     // have written the text of the exception as part of another line, too.
     const std::string_view exception = WithoutFunctionName(error);
@@ -122,7 +132,7 @@ std::string FileMessage(std::string_view file, std::string_view written, std::st
     const bool hasReason = output.size() < written.size() && !messages.empty();
     if (!exception.empty() && !hasReason && std::ranges::none_of(messages, containsException))
         messages.push_back(exception);
-    return SanitizeForTerminal(Join(messages));
+    return SanitizeForTerminal(JoinWords(messages));
 }
 
 std::string FailureReason(std::string_view file, std::string_view written, std::string_view thrown) {

@@ -37,10 +37,14 @@ private:
 /// Joins the lines of a text to one line with "; " between them. Empty lines are left out.
 [[nodiscard]] std::string JoinLines(std::string_view text);
 
-/// The messages of the viewer about a file as one line for the user: first the debugger output, then the exception.
+/// @p line without the name of the function that wrote it: "ImportPly(): " or "CPLYFile::Read(): ".
+[[nodiscard]] std::string_view WithoutFunctionName(std::string_view line);
+
+/// The messages of the viewer about a file as one line for the user: first the debugger output, then the exception,
+/// each in the words of PlainWords().
 /// Removed are what the user does not need, or sees beside the message: the name of the function at the start of a line
-/// ("ImportPly(): "), the path of the file ("path: "), repetitions, an exception beside a line with the path, and the
-/// fixed line about a grid without an object. Control characters become question marks, and a
+/// ("ImportPly(): "), the path of the file ("path: "), repetitions, an exception beside a line with the path, and,
+/// beside another line, the fixed line about a grid without an object. Control characters become question marks, and a
 /// message of more than a thousand bytes is cut and ends with "...".
 /// @param file     path in bytes, as it was passed to the viewer
 /// @param written  the debugger output of the import or export

@@ -8,16 +8,23 @@
 #include "CaughtError.h"
 #include "DebugCapture.h"
 #include "FileTypes.h"
+#include "GridCause.h"
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
+#include "MessageTable.h"
 #include "PcmReason.h"
 #include "SceneFile.h"
 
 namespace {
 
+/// The viewer's text about a scan of which no triangle is left: the host finds out why.
+constexpr const char* kNoTriangle = "its valid points form no triangle";
+
 /// What every import has around it: the check of the file, the capture of the viewer's output and the exceptions.
 /// @param import  returns whether an object was added; may throw
-ImportResult RunImport(const std::string& file, const std::function<bool(const wchar_t* path)>& import) {
+/// @param cause   why no triangle is left of the scan; empty when it does not know
+ImportResult RunImport(const std::string& file, const std::function<bool(const wchar_t* path)>& import,
+                       const std::function<std::string(const wchar_t* path)>& cause) {
     if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
     const std::wstring path = KV_ScenePane::WidePath(file);
     const DebugCapture capture;
@@ -28,14 +35,19 @@ ImportResult RunImport(const std::string& file, const std::function<bool(const w
     } catch (...) {  // exhausted memory for one file must not end the import of the others
         thrown = TextOfCaughtError();
     }
-    if (!added) return {ImportResult::State::Failed, FailureReason(file, capture.Text(), thrown)};
+    if (!added) {
+        std::string reason = FailureReason(file, capture.Text(), thrown);
+        if (reason == PlainWords(kNoTriangle)) {
+            if (const std::string known = cause(path.c_str()); !known.empty()) reason = known;
+        }
+        return {ImportResult::State::Failed, reason};
+    }
     return {ImportResult::State::Added, FileMessage(file, capture.Text(), thrown)};
 }
 
 /// @return what the entry returned: whether the grid gives an object
 /// @throws std::runtime_error with the reason when the file cannot be read
-bool PassGrid(const GridEntry& entry, const wchar_t* path, std::int32_t index) {
-    MsrStorage::MSR scan;
+bool PassGrid(MsrStorage::MSR& scan, const GridEntry& entry, const wchar_t* path, std::int32_t index) {
     // The three flags select parts of other libraries' files; the pcm format has no such parts.
     if (!scan.Load(path, false, true, false)) throw std::runtime_error(LastPcmReason());
     if (scan.GetXYZ() == nullptr) throw std::runtime_error(kNoPcmReason);
@@ -43,18 +55,66 @@ bool PassGrid(const GridEntry& entry, const wchar_t* path, std::int32_t index) {
                        scan.GetTrafo(), scan.GetPixelClassification(), scan.GetColorData(), entry.color, index);
 }
 
+/// Why no triangle is left of a scan that PassGrid() has passed.
+std::string CauseOf(MsrStorage::MSR& scan, const GridEntry& entry) {
+    return CauseOfNoTriangle({.width = scan.GetWidth(),
+                              .height = scan.GetHeight(),
+                              .points = scan.GetXYZ(),
+                              .confidence = scan.GetConfidence(),
+                              .classification = scan.GetPixelClassification()},
+                             entry.skip, entry.confidence);
+}
+
 /// One file as a parallel import of its own, on this thread.
-bool PassGridAlone(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path, std::int32_t color) {
-    GridEntry entry{.color = static_cast<std::uint32_t>(color)};
+bool PassGridAlone(KV_ScenePane::_DKV_ScenePane& methods, MsrStorage::MSR& scan, GridEntry entry, const wchar_t* path) {
     methods.BeginParallelImport(&entry.control, &entry.entry);
     try {
-        const bool added = PassGrid(entry, path, 0);
+        const bool added = PassGrid(scan, entry, path, 0);
         methods.EndParallelImport();
         return added;
     } catch (...) {
         methods.EndParallelImport();
         throw;
     }
+}
+
+/// Vertices and triangles of a scan that is imported for this question and removed again.
+struct MeshSize {
+    std::int32_t vertices = 0, triangles = 0;
+};
+
+/// @param skip  for this import
+MeshSize TriedSize(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path, std::int16_t skip) {
+    const std::int16_t before = methods.GetNumObjects(), oldSkip = methods.GetScanSkipVal();
+    methods.SetScanSkipVal(skip);
+    methods.SetAllowEmptyObjects(KV_ScenePane::kVariantTrue);
+    MeshSize size;
+    try {
+        methods.ImportScan(path, 0);
+    } catch (...) {
+        size = {};  // too little memory: nothing is known
+    }
+    if (methods.GetNumObjects() > before) {
+        methods.GetMeshDataSize(before, &size.vertices, &size.triangles);
+        methods.DeleteObject(before);
+    }
+    methods.SetAllowEmptyObjects(KV_ScenePane::kVariantFalse);
+    methods.SetScanSkipVal(oldSkip);
+    return size;
+}
+
+/// Why no triangle is left of a scan that only the viewer reads: it is imported again, with vertices without triangles
+/// allowed and with all points. Corners of rejected triangles are vertices all the same.
+std::string CauseByTrial(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path) {
+    const std::int16_t skip = methods.GetScanSkipVal();
+    if (skip > 1) {
+        const MeshSize whole = TriedSize(methods, path, 1);
+        const std::string parts[] = {std::to_string(skip), std::to_string(whole.triangles)};
+        if (whole.triangles > 0) return FilledSentence(kOnlySkipRemoves, parts);
+    }
+    const std::string angles[] = {kLeastAngle, kLargestAngle};
+    const MeshSize tried = TriedSize(methods, path, skip);
+    return tried.vertices > 0 && tried.triangles == 0 ? FilledSentence(kAllSlivers, angles) : std::string();
 }
 
 }  // namespace
@@ -64,25 +124,40 @@ void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& 
     methods.SetConfidenceFilter(settings.confidence);
 }
 
-ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file, std::int32_t color) {
+ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                        const ImportSettings& settings) {
     const std::int16_t before = methods.GetNumObjects();
     const auto hasGrown = [&] { return methods.GetNumObjects() != before; };
-    ImportResult result = RunImport(file, [&](const wchar_t* path) {
-        const FileType& type = *FindFileType(file);  // ImportRefusal() has refused unknown types
-        if (type.readByHost) return PassGridAlone(methods, path, color);
-        if (type.kind == FileKind::Mesh)
+    const FileType* const type = FindFileType(file);  // not null in the functions: ImportRefusal() comes first
+    const GridEntry entry = EntryFor(settings);
+    MsrStorage::MSR scan;
+    const auto import = [&](const wchar_t* path) {
+        if (type->readByHost) return PassGridAlone(methods, scan, entry, path);
+        if (type->kind == FileKind::Mesh)
             methods.ImportMesh(path);
         else
-            methods.ImportScan(path, color);
+            methods.ImportScan(path, settings.color);
         return hasGrown();
-    });
+    };
+    const auto cause = [&](const wchar_t* path) {
+        return type->readByHost ? CauseOf(scan, entry) : CauseByTrial(methods, path);
+    };
+    ImportResult result = RunImport(file, import, cause);
     // Also when an exception came after the object: the host's list must match the viewer's.
     if (hasGrown()) result.state = ImportResult::State::Added;
     return result;
 }
 
+GridEntry EntryFor(const ImportSettings& settings) {
+    return {
+        .color = static_cast<std::uint32_t>(settings.color), .skip = settings.skip, .confidence = settings.confidence};
+}
+
 ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std::int32_t index) {
-    return RunImport(file, [&](const wchar_t* path) { return PassGrid(entry, path, index); });
+    MsrStorage::MSR scan;
+    return RunImport(
+        file, [&](const wchar_t* path) { return PassGrid(scan, entry, path, index); },
+        [&](const wchar_t*) { return CauseOf(scan, entry); });
 }
 
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom) {

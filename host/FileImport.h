@@ -37,17 +37,23 @@ struct GridEntry {
     KV_ScenePane::ImportMeasurementEntry entry = nullptr;
     /// 0x00BBGGRR, for scans without colours.
     std::uint32_t color = 0;
+    /// Of the import, for the reason of a scan of which no triangle is left.
+    std::int16_t skip = 1;
+    float confidence = 0.0f;
 };
+
+/// An entry without its control: with the colour and the limits of @p settings.
+[[nodiscard]] GridEntry EntryFor(const ImportSettings& settings);
 
 /// Sets the viewer's skip value and confidence limit for the imports that follow.
 void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings);
 
 /// Imports one file of any type, on the thread of the viewer. Needs a DebugRouter for the reason of a failure, and the
 /// component registry for hps files and textures. Throws nothing that the import throws: that is a reason too.
-/// @param file   path in bytes
-/// @param color  0x00BBGGRR, for scans without colours
+/// @param file      path in bytes
+/// @param settings  ApplySettings() has set them
 [[nodiscard]] ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
-                                      std::int32_t color);
+                                      const ImportSettings& settings);
 
 /// Reads a file that the host reads itself (FileType::readByHost) and passes its grid to the entry. Any thread; the
 /// same reasons and the same conditions as ImportFile().

@@ -10,6 +10,7 @@
 #include "DebugCapture.h"
 #include "FileImport.h"
 #include "Headless.h"
+#include "MessageTable.h"
 #include "PaintBlock.h"
 #include "TransformFile.h"
 
@@ -17,12 +18,6 @@ namespace {
 
 using KV_ScenePane::ScenePane;
 using KV_ScenePane::WindowRequest;
-
-/// What the user can do about a file that was not added; empty when there is nothing to say.
-std::string HintAbout(const ImportResult& result) {
-    // The viewer's words about a ply file of vertices only.
-    return result.text == "holds no faces" ? "; without a window --points adds its vertices" : "";
-}
 
 /// Places the clip plane at the data. Prints a line when no height was found.
 bool IsPlacedAtData(ScenePane& pane, std::FILE* err) {
@@ -37,7 +32,7 @@ bool IsPlacedAtData(ScenePane& pane, std::FILE* err) {
 
 std::function<void(std::string_view)> PrintOtherOutput(std::FILE* err) {
     return [err](std::string_view text) {
-        if (const std::string line = JoinLines(text); !line.empty()) PrintError(err, line);
+        if (const std::string line = PlainLines(text); !line.empty()) PrintError(err, line);
     };
 }
 
@@ -48,10 +43,10 @@ std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions&
     request.height = options.height;
     request.gpu = options.gpu;
     const auto message = std::make_shared<std::string>();  // lives as long as the viewer may show one
-    request.showMessage = [message](const std::string& text) { *message = JoinLines(text); };
+    request.showMessage = [message](const std::string& text) { *message = PlainLines(text); };
     std::string reason;
     std::unique_ptr<ScenePane> pane = CreateScenePane(request, &reason);
-    if (!pane) PrintError(err, "there is no viewer: " + (reason.empty() ? *message : JoinLines(reason)));
+    if (!pane) PrintError(err, "there is no viewer: " + (reason.empty() ? *message : PlainLines(reason)));
     return pane;
 }
 
@@ -60,14 +55,14 @@ void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const I
     KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
     ApplySettings(methods, settings);
     for (const std::string& file : files) {
-        const ImportResult result = ImportFile(methods, file, settings.color);
+        const ImportResult result = ImportFile(methods, file, settings);
         if (result.state == ImportResult::State::Added) {
             const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
             report.objects.push_back(ReportObject(pane, index, file));
         } else {
             report.failed.push_back({file, result.text});
         }
-        if (!result.text.empty()) PrintError(err, file + ": " + result.text + HintAbout(result));
+        if (!result.text.empty()) PrintError(err, file + ": " + result.text);
     }
 }
 
@@ -133,7 +128,7 @@ void WarnIfAllIsCutAway(ScenePane& pane, const std::vector<ObjectReport>& object
         PrintError(err, "the clip plane cuts away all objects");
 }
 
-std::string NoPlacement(const std::exception& error) { return std::string("no clip height: ") + error.what(); }
+std::string NoPlacement(const std::exception& error) { return "no clip height: " + PlainLines(error.what()); }
 
 std::vector<CutReport> CutObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     std::vector<CutReport> cuts;

@@ -10,6 +10,7 @@
 
 #include "CaughtError.h"
 #include "DebugCapture.h"
+#include "MessageTable.h"
 #include "PaintBlock.h"
 #include "SceneFile.h"
 
@@ -100,7 +101,7 @@ std::string AddPointFile(KV_ScenePane::_DKV_ScenePane& methods, const std::strin
     return RunImport(file, [&] {
         PointCloud cloud;
         std::string reason;
-        if (!KV_ScenePane::ReadPointFile(file, &cloud, &reason, {})) return reason;
+        if (!KV_ScenePane::ReadPointFile(file, &cloud, &reason, {})) return PlainWords(reason);
         AddDrawnPoints(methods, std::move(cloud), color, alpha);
         return reason;
     });

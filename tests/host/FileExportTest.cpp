@@ -65,7 +65,7 @@ TEST_F(WatchedWrite, ThatThrowsAfterAPartOfTheFileFails) {
         throw std::bad_alloc();
     });
     EXPECT_FALSE(result.written);
-    EXPECT_EQ(result.text, "there is not enough memory");
+    EXPECT_EQ(result.text, "there is not enough memory: close other programs or remove objects");
 }
 
 std::string TextOf(const std::function<void()>& thrower) {
@@ -80,7 +80,8 @@ std::string TextOf(const std::function<void()>& thrower) {
 TEST(TextOfCaughtError, IsOneLineForAnyException) {
     EXPECT_EQ(TextOf([] { throw std::runtime_error("a\nb\n"); }), "a; b");
     EXPECT_EQ(TextOf([] { throw std::runtime_error(""); }), "an error without a text");
-    EXPECT_EQ(TextOf([] { throw std::bad_alloc(); }), "there is not enough memory");
+    EXPECT_EQ(TextOf([] { throw std::bad_alloc(); }),
+              "there is not enough memory: close other programs or remove objects");
     EXPECT_EQ(TextOf([] { throw 7; }), "an unknown error");
 }
 

@@ -219,7 +219,10 @@ TEST_F(MarkerPictures, HintAtThePointsOfAPlyFileWithoutFaces) {
              "element face 0\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 1 1\n");
     m_options.files = {ply};
     m_options.pointFiles = {ply};
-    (void)Taken(kExitFailure, "scenepane: " + ply + ": holds no faces; without a window --points adds its vertices\n");
+    (void)Taken(kExitFailure, "scenepane: " + ply +
+                                  ": "
+                                  "the file has points but no triangles: import it as free points (File > Import free "
+                                  "points, or --points)\n");
 }
 
 TEST_F(MarkerPictures, OfACaptureShowNeedlesAlone) {

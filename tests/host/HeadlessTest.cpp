@@ -59,7 +59,10 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     EXPECT_NE(json.find("none.pcm\", \"reason\": \"No such file or directory\"}"), std::string::npos) << json;
     EXPECT_NE(json.find("a.obj\", \"reason\": \"unknown file type\"}"), std::string::npos) << json;
     EXPECT_NE(json.find("short.pax\", \"reason\": \"ends before the size of its grid\"}"), std::string::npos) << json;
-    EXPECT_NE(json.find("damaged.pcm\", \"reason\": \"header is cut short at byte 1\"}"), std::string::npos) << json;
+    EXPECT_NE(json.find("damaged.pcm\", \"reason\": \"the file is cut short after 1 bytes: copy or export it again "
+                        "from its source\"}"),
+              std::string::npos)
+        << json;
     EXPECT_EQ(json.find("()"), std::string::npos) << "no names of functions\n" << json;
     EXPECT_NE(json.find("good.xdt\", \"index\": 0,"), std::string::npos) << json;
     const std::string lines = err.Text();
@@ -95,7 +98,8 @@ TEST(Info, AppliesSkipValueAndConfidenceLimit) {
         << out.Text();
     options.import.confidence = 0.50001f;
     EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "all.pcm") + ": no pixel passes the confidence limit 0.50001\n");
+    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "all.pcm") +
+                              ": no point is left: none has the confidence 0.50001: lower the limit of the import\n");
 }
 
 TEST(Info, GivesADifferentReasonForEachDamageOfAPcmFile) {

@@ -89,8 +89,11 @@ inline std::vector<DamagedPcm> WriteDamagedPcms(const ScratchFolder& folder) {
     // In the points, by far the longest section.
     std::vector<std::byte> changed = whole;
     changed.at(changed.size() / 2) ^= std::byte{1};
-    return {write("cut100.pcm", {whole.begin(), whole.begin() + 100}, "header is cut short at byte 100"),
+    return {write("cut100.pcm", {whole.begin(), whole.begin() + 100},
+                  "the file is cut short after 100 bytes: copy or export it again from its source"),
             write("cut2000.pcm", {whole.begin(), whole.begin() + 2000},
-                  "file has another length than it should (2000 bytes, not " + std::to_string(whole.size()) + ")"),
-            write("changed.pcm", changed, "a section is damaged (XYZ at byte 200)")};
+                  "the file is cut short: copy or export it again from its source (2000 bytes, not " +
+                      std::to_string(whole.size()) + ")"),
+            write("changed.pcm", changed,
+                  "the file is damaged: copy or export it again from its source (XYZ at byte 200)")};
 }

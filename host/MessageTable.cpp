@@ -1,0 +1,346 @@
+// The rows are grouped by who writes the text. Matching is by the literal parts between the places; the tables are
+// short, and messages are few.
+#include "MessageTable.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <vector>
+
+#include "DebugCapture.h"
+
+// Sentences that contain "; " could not be found again by TranslatedWords().
+const char kTooFarApart[] = QT_TRANSLATE_NOOP(
+    "Messages", "no triangle is left: with skip %1 neighbouring points are more than %2 mm apart: import with skip 1");
+const char kTooFarApartAtAnySkip[] =
+    QT_TRANSLATE_NOOP("Messages", "no triangle is left: with skip %1 neighbouring points are more than %2 mm apart");
+const char kTooFewPerCell[] = QT_TRANSLATE_NOOP(
+    "Messages",
+    "no triangle is left: with skip %1 too few neighbouring cells have %2 valid points: import with a smaller skip");
+const char kAllSlivers[] =
+    QT_TRANSLATE_NOOP("Messages",
+                      "no triangle is left: each has an angle below %1 or above %2 degrees: measure the surface less "
+                      "obliquely");
+const char kNoNeighbours[] = QT_TRANSLATE_NOOP(
+    "Messages",
+    "no triangle is left: nowhere are three neighbouring points valid: lower the confidence limit or measure again");
+const char kOneRow[] =
+    QT_TRANSLATE_NOOP("Messages", "no triangle is left: a grid of %1 x %2 points has no neighbours in one direction");
+const char kOnlySkipRemoves[] =
+    QT_TRANSLATE_NOOP("Messages", "no triangle is left with skip %1, but %2 with skip 1: import with skip 1");
+
+const char kNoFiniteCoordinate[] = QT_TRANSLATE_NOOP(
+    "Messages", "no coordinate is finite, nothing of it can be shown: export the file again from its source");
+
+namespace {
+
+constexpr const char* kDamaged =
+    QT_TRANSLATE_NOOP("Messages", "the file is damaged: copy or export it again from its source");
+constexpr const char* kCutShort =
+    QT_TRANSLATE_NOOP("Messages", "the file is cut short: copy or export it again from its source");
+constexpr const char* kNewerFile =
+    QT_TRANSLATE_NOOP("Messages", "the file is of a version that is not known here: a newer scenepane may read it");
+constexpr const char* kBadHeader =
+    QT_TRANSLATE_NOOP("Messages", "the header of the ply file is not valid: %1: export it again from its source");
+constexpr const char* kNoPly = QT_TRANSLATE_NOOP("Messages", "this is no ply file, whatever its name says");
+constexpr const char* kDiskFull =
+    QT_TRANSLATE_NOOP("Messages", "the disk is full: free some space or choose another folder");
+constexpr const char* kNotSaved =
+    QT_TRANSLATE_NOOP("Messages", "the file could not be replaced: %1: check the folder and its permissions");
+constexpr const char* kDriver = QT_TRANSLATE_NOOP(
+    "Messages",
+    "install the current driver of the graphics card, or set LIBGL_ALWAYS_SOFTWARE=1 to draw with the processor");
+constexpr const char* kNoWindowlessDriver =
+    QT_TRANSLATE_NOOP("Messages",
+                      "no driver draws OpenGL without a window: install the driver of the graphics card or the "
+                      "software renderer of Mesa");
+constexpr const char* kTooLarge =
+    QT_TRANSLATE_NOOP("Messages", "an area of %1 x %2 pixels is larger than the driver can draw: choose a smaller one");
+constexpr const char* kSourceArrays =
+    QT_TRANSLATE_NOOP("Messages", "the file has no points or no confidence values: export it again from its source");
+constexpr const char* kLogo =
+    QT_TRANSLATE_NOOP("Messages", "the picture is larger than the driver can draw: choose a smaller one");
+
+constexpr MessageRow kRows[] = {
+    // ---- memory
+    {"there is not enough memory",
+     QT_TRANSLATE_NOOP("Messages", "there is not enough memory: close other programs or remove objects")},
+    {"Not enough memory for the data of the file.",
+     QT_TRANSLATE_NOOP("Messages", "there is not enough memory for this file: close other programs or remove objects")},
+    {"not enough graphics memory for object %1",
+     QT_TRANSLATE_NOOP("Messages",
+                       "there is not enough graphics memory for object %1: remove objects or import with a larger "
+                       "skip")},
+    {"not enough graphics memory for point set %1",
+     QT_TRANSLATE_NOOP("Messages", "there is not enough graphics memory for free points %1: remove other objects")},
+
+    // ---- scans
+    {"CreateInternalMesh() returned nullptr",
+     QT_TRANSLATE_NOOP("Messages",
+                       "no triangle is left of the scan: import with a smaller skip or a lower confidence "
+                       "limit")},
+    {"its valid points form no triangle",
+     QT_TRANSLATE_NOOP("Messages", "no triangle is left: the valid points form none with these import settings")},
+    {"its grid has no pixel", QT_TRANSLATE_NOOP("Messages", "the scan is empty: its grid has no points")},
+    {"no pixel was measured", QT_TRANSLATE_NOOP("Messages", "the scan is empty: the sensor measured no point")},
+    {"all pixels are classified as invalid",
+     QT_TRANSLATE_NOOP("Messages", "no point is left: the scanner marked all as invalid")},
+    {"no pixel passes the confidence limit %1",
+     QT_TRANSLATE_NOOP("Messages", "no point is left: none has the confidence %1: lower the limit of the import")},
+    {"not a readable pcm file, or damaged", kDamaged},
+    {"holds less than a quarter of the grid that it announces", kCutShort},
+    {"ends before the size of its grid", kCutShort},
+    {"ends before the end of its transform", kCutShort},
+    {"announces a grid of negative size", kDamaged},
+    {"a grid of %1 x %2 is not possible",
+     QT_TRANSLATE_NOOP("Messages", "a grid of %1 x %2 points is not possible: the file is damaged")},
+    {"the skip value %1 is below 1", QT_TRANSLATE_NOOP("Messages", "the skip value is %1: choose 1 or more")},
+    {"there is no array of points", kSourceArrays},
+    {"there is no array of confidence values", kSourceArrays},
+    {"unknown file type, not one of %1",
+     QT_TRANSLATE_NOOP("Messages", "the type of the file is not known: it is none of %1")},
+    {"the path is empty", QT_TRANSLATE_NOOP("Messages", "no file is named")},
+
+    // ---- pcm files
+    {"file is cut short%1", kCutShort},
+    {"file is cut short", kCutShort},
+    {"header is cut short at byte %1",
+     QT_TRANSLATE_NOOP("Messages", "the file is cut short after %1 bytes: copy or export it again from its source")},
+    {"header is cut short", kCutShort},
+    {"header is damaged", kDamaged},
+    {"a section is damaged", kDamaged},
+    {"a section has a wrong length", kDamaged},
+    {"a section is longer than the file", kCutShort},
+    {"a needed section is missing", kDamaged},
+    {"a section stands twice", kDamaged},
+    {"bytes that belong to no section", kDamaged},
+    {"impossible number of sections", kDamaged},
+    {"impossible grid size", kDamaged},
+    {"coverage has a wrong length", kDamaged},
+    {"coverage of no pixel", kDamaged},
+    {"grid is out of proportion to the file", kDamaged},
+    {"file has another length than it should", kCutShort},
+    {"of a version that is not known here", kNewerFile},
+    {"needs a section that this version does not know", kNewerFile},
+    {"a section has flags that this version does not know", kNewerFile},
+    {"nothing to write", QT_TRANSLATE_NOOP("Messages", "nothing is left that could be written")},
+    {"a foreign section that readers refuse", kNewerFile},
+    {"too many sections", kDamaged},
+
+    // ---- meshes
+    {"%1 coordinates are not finite",
+     QT_TRANSLATE_NOOP("Messages",
+                       "%1 coordinates are not finite: their triangles are not shown: export the file again from its "
+                       "source")},
+    {"holds no faces",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the file has points but no triangles: import it as free points (File > Import free points, or "
+                       "--points)")},
+    {"holds no triangle; it starts with \"solid\": stl as text is not read",
+     QT_TRANSLATE_NOOP("Messages", "the file is stl as text, which is not read: save it as binary stl")},
+    {"%1; it starts with \"solid\": stl as text is not read",
+     QT_TRANSLATE_NOOP("Messages", "the file is stl as text, which is not read: save it as binary stl")},
+    {"holds no triangle", QT_TRANSLATE_NOOP("Messages", "the file has no triangle")},
+    {"has more triangles than can be counted",
+     QT_TRANSLATE_NOOP("Messages", "the file has more triangles than can be imported: split it")},
+    {"more triangles than an stl file can count",
+     QT_TRANSLATE_NOOP("Messages", "the object has more triangles than an stl file can hold: export it as ply")},
+    {"more vertices than an index can count",
+     QT_TRANSLATE_NOOP("Messages", "the file has more points than can be imported: split it")},
+    {"triangle %1 refers to vertex %2 of %3", kDamaged},
+    {"Triangle %1 refers to vertex %2 of %3", kDamaged},
+    {"holds less than half of the mesh that it announces", kCutShort},
+    {"ends before its counts", kCutShort},
+    {"announces a negative count", kDamaged},
+    {"the file became shorter while it was read",
+     QT_TRANSLATE_NOOP("Messages", "the file was changed while it was read: open it again when it is complete")},
+    {"Magic number in PLY header not found.", kNoPly},
+    {"Unknown file format.", kNoPly},
+    {"Unsupported PLY file version: %1",
+     QT_TRANSLATE_NOOP("Messages", "ply of version %1 is not read: export it as version 1.0")},
+    {"Big-endian binary format not yet supported.",
+     QT_TRANSLATE_NOOP("Messages", "big-endian ply is not read: export it as text or as little-endian ply")},
+    {"Non-triangle faces not supported.",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the file has faces with more than three corners: triangulate it and export it again")},
+    {"Expected 6 UV coordinates per face.",
+     QT_TRANSLATE_NOOP("Messages", "the texture coordinates of the file are not six per triangle: export it again")},
+    {"Unexpected end of data.", kCutShort},
+    {"Error in grammar at token %1: %2", kBadHeader},
+    {"Integer expected, but found this: %1",
+     QT_TRANSLATE_NOOP("Messages", "the file is damaged: there is \"%1\" in place of a whole number")},
+    {"Floating-point number expected, but found this: %1",
+     QT_TRANSLATE_NOOP("Messages", "the file is damaged: there is \"%1\" in place of a number")},
+    {"No such property: %1",
+     QT_TRANSLATE_NOOP("Messages", "the ply file has no property \"%1\": export it again with it")},
+    {"No such element: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has no \"%1\": export it again with it")},
+    {"No array-style access to elements that contain list properties.",
+     QT_TRANSLATE_NOOP("Messages", "the points of the ply file have lists, which are not read")},
+    {"not an integer: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has %1 where a whole number must be")},
+    {"not a floating-point: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has %1 where a decimal number must be")},
+    {"not a list: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has no list \"%1\"")},
+
+    // ---- hps files
+    {"File not found.", QT_TRANSLATE_NOOP("Messages", "there is no such file")},
+    {"Can't read file.", QT_TRANSLATE_NOOP("Messages", "the file cannot be read: check its permissions")},
+    {"Can't decode HPS mesh file.", kDamaged},
+    {"Invalid file.", QT_TRANSLATE_NOOP("Messages", "this is no hps file, or it is damaged")},
+    {"Invalid vertex data.", kDamaged},
+    {"Invalid facet data. %1", kDamaged},
+    {"Invalid facet data.", kDamaged},
+    {"Invalid UV data.", kDamaged},
+    {"Invalid texture data.", QT_TRANSLATE_NOOP("Messages", "the picture on the surface is damaged or no picture")},
+    {"Failed to extract UV coordinates.", kDamaged},
+    {"Inconsistent vertex count.", kDamaged},
+    {"the component library gives no object %1",
+     QT_TRANSLATE_NOOP("Messages", "libKV_Components.so is of another version (no %1): install scenepane again")},
+    {"requested interface not supported",
+     QT_TRANSLATE_NOOP("Messages", "libKV_Components.so is of another version: install scenepane again")},
+
+    // ---- files that are written
+    {"%1: No space left on device", kDiskFull},
+    {"%1: Disk quota exceeded", kDiskFull},
+    {"cannot rename: %1", kNotSaved},
+    {"cannot write: %1", kNotSaved},
+    {"cannot flush: %1", kNotSaved},
+    {"cannot close: %1", kNotSaved},
+    {"cannot create a file beside the target: %1", kNotSaved},
+    {"cannot open the folder: %1", kNotSaved},
+    {"cannot set the mode: %1", kNotSaved},
+    {"cannot be written: %1",
+     QT_TRANSLATE_NOOP("Messages", "the file must not be written: %1: change its permissions or choose another name")},
+
+    // ---- drivers, windows and embedding
+    {"OpenGL context could not be created. Requested version: %1",
+     QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL %1")},
+    {"OpenGL context could not be created. ",
+     QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL")},
+    {"OpenGL context could not be created.", QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL")},
+    {"The 3D viewer could not be initialized.%1", kDriver},
+    {"EGL offers no display that draws OpenGL without a window", kNoWindowlessDriver},
+    {"EGL offers no OpenGL that is drawn by the processor",
+     QT_TRANSLATE_NOOP("Messages", "the processor cannot draw: install the software renderer of Mesa")},
+    {"A window of %1 x %2 pixels is too large", kTooLarge},
+    {"An off-screen surface of %1 x %2 pixels is too large", kTooLarge},
+    {"No X display: $DISPLAY is not set",
+     QT_TRANSLATE_NOOP("Messages", "there is no X display: start it in a desktop session or set DISPLAY")},
+    {"No X display: $DISPLAY is %1, which cannot be opened",
+     QT_TRANSLATE_NOOP("Messages", "the X display %1 cannot be opened: check DISPLAY and the permissions (xhost)")},
+    {"No X display: %1 cannot be opened",
+     QT_TRANSLATE_NOOP("Messages", "the X display %1 cannot be opened: check its name and the permissions (xhost)")},
+    {"The parent %1 is not a window of the X display %2",
+     QT_TRANSLATE_NOOP("Messages", "the window system is not X11: start with QT_QPA_PLATFORM=xcb")},
+    {"The parent %1 is a window for input only",
+     QT_TRANSLATE_NOOP("Messages", "the window system is not X11: start with QT_QPA_PLATFORM=xcb")},
+    {"No file descriptor is left for the events of the window",
+     QT_TRANSLATE_NOOP("Messages", "too many files are open: close other programs or raise the limit (ulimit -n)")},
+    {"the image is larger than the driver's textures", kLogo},
+    {"OpenGL did not take the image",
+     QT_TRANSLATE_NOOP("Messages", "the driver did not accept the picture: there may be too little graphics memory")},
+
+    // ---- sentences that the program makes itself, in other words only when they are translated
+    {kTooFarApart, kTooFarApart},
+    {kTooFarApartAtAnySkip, kTooFarApartAtAnySkip},
+    {kTooFewPerCell, kTooFewPerCell},
+    {kAllSlivers, kAllSlivers},
+    {kNoNeighbours, kNoNeighbours},
+    {kOneRow, kOneRow},
+    {kOnlySkipRemoves, kOnlySkipRemoves},
+    {kNoFiniteCoordinate, kNoFiniteCoordinate},
+};
+
+/// The texts in the places %1 to %9.
+using Places = std::array<std::string, 9>;
+
+bool IsPlace(std::string_view text) { return text.size() >= 2 && text[0] == '%' && text[1] >= '1' && text[1] <= '9'; }
+
+/// Matches from the front: a place gets as little as the rest of the pattern allows.
+bool Matches(std::string_view text, std::string_view pattern, Places& places) {
+    const std::size_t place = pattern.find('%');
+    const std::string_view literal = pattern.substr(0, place);
+    if (!text.starts_with(literal)) return false;
+    text.remove_prefix(literal.size());
+    if (place == std::string_view::npos) return text.empty();
+    pattern.remove_prefix(place);
+    if (!IsPlace(pattern)) return false;
+    std::string& part = places[static_cast<std::size_t>(pattern[1] - '1')];
+    pattern.remove_prefix(2);
+    for (std::size_t length = 1; length <= text.size(); ++length) {
+        if (!Matches(text.substr(length), pattern, places)) continue;
+        part = text.substr(0, length);
+        return true;
+    }
+    return false;
+}
+
+/// The first row whose pattern matches, with its places filled into @p sentenceOf(row).
+template <class Pattern, class Sentence>
+std::optional<std::string> Filled(std::string_view text, Pattern patternOf, Sentence sentenceOf) {
+    for (const MessageRow& row : kRows) {
+        Places places;
+        if (Matches(text, patternOf(row), places)) return FilledSentence(sentenceOf(row), places);
+    }
+    return std::nullopt;
+}
+
+/// The same for a text that may end with a position in parentheses, which is kept.
+template <class Pattern, class Sentence>
+std::string Replaced(std::string_view text, Pattern patternOf, Sentence sentenceOf) {
+    if (const auto whole = Filled(text, patternOf, sentenceOf)) return *whole;
+    const std::size_t detail = text.ends_with(')') ? text.rfind(" (") : std::string_view::npos;
+    if (detail == std::string_view::npos) return std::string(text);
+    const auto sentence = Filled(text.substr(0, detail), patternOf, sentenceOf);
+    return sentence ? *sentence + std::string(text.substr(detail)) : std::string(text);
+}
+
+const char* TextOf(const MessageRow& row) { return row.text; }
+const char* SentenceOf(const MessageRow& row) { return row.sentence; }
+
+/// @p text by its parts between "; ", each through @p change.
+template <class Change>
+std::string EachPart(std::string_view text, std::string_view separator, Change change) {
+    std::string changed;
+    for (;;) {
+        const std::size_t end = text.find(separator);
+        changed += change(text.substr(0, end));
+        if (end == std::string_view::npos) return changed;
+        changed += separator;
+        text.remove_prefix(end + separator.size());
+    }
+}
+
+}  // namespace
+
+std::span<const MessageRow> MessageRows() { return kRows; }
+
+std::string FilledSentence(std::string_view sentence, std::span<const std::string> parts) {
+    std::string filled;
+    for (std::size_t i = 0; i < sentence.size(); ++i) {
+        const bool isPlace = IsPlace(sentence.substr(i));
+        const std::size_t part = isPlace ? static_cast<std::size_t>(sentence[i + 1] - '1') : parts.size();
+        if (part < parts.size()) {
+            filled += parts[part];
+            ++i;
+        } else {
+            filled += sentence[i];
+        }
+    }
+    return filled;
+}
+
+std::string PlainWords(std::string_view line) { return Replaced(WithoutFunctionName(line), TextOf, SentenceOf); }
+
+std::string PlainLines(std::string_view text) {
+    std::string lines = EachPart(text, "\n", PlainWords);
+    return JoinLines(lines);
+}
+
+std::string TranslatedWords(std::string_view line) {
+    return EachPart(line, "; ", [](std::string_view part) {
+        std::string translated;
+        return Replaced(part, SentenceOf, [&translated](const MessageRow& row) -> const std::string& {
+            return translated = QCoreApplication::translate("Messages", row.sentence).toStdString();
+        });
+    });
+}
