@@ -1,7 +1,9 @@
 // What the icons of the alignment tools show.
 #include "AlignIcons.h"
 
+#include <QGuiApplication>
 #include <QPainter>
+#include <QPalette>
 
 #include "ToolAction.h"
 
@@ -9,7 +11,7 @@ namespace {
 
 // Points have the colours that the viewer gives to the picks of both sides.
 const QColor kBright(0xE4, 0xE8, 0xEE), kDim(0x70, 0x76, 0x80), kEdge(0x50, 0x56, 0x60), kMoving(0xD0, 0x10, 0x10),
-    kFixed(0x10, 0x10, 0xD0), kDone(0x10, 0x80, 0x30), kDropped(0xC0, 0x20, 0x20);
+    kFixed(0x10, 0x10, 0xD0);
 
 void DrawSheet(QPainter& painter, const QColor& color, const QPointF& centre, double degrees) {
     painter.save();
@@ -22,16 +24,16 @@ void DrawSheet(QPainter& painter, const QColor& color, const QPointF& centre, do
 }
 
 void DrawPoint(QPainter& painter, const QColor& color, const QPointF& at) {
-    painter.setPen(Qt::NoPen);
+    painter.setPen(IsDark(QGuiApplication::palette()) ? QPen(kBright, 0.8) : QPen(Qt::NoPen));
     painter.setBrush(color);
     painter.drawEllipse(at, 2.2, 2.2);
 }
 
 void DrawArrow(QPainter& painter, const QPointF& from, const QPointF& to) {
-    painter.setPen(QPen(kEdge, 2));
+    painter.setPen(QPen(Ink().line, 2));
     painter.drawLine(from, to);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(kEdge);
+    painter.setBrush(Ink().line);
     painter.drawPolygon(QPolygonF({to + QPointF(0, -4), to + QPointF(5, 0), to + QPointF(0, 4)}));
 }
 
@@ -44,7 +46,7 @@ QIcon AlignWayIcon(AlignWay way) {
         if (way == AlignWay::ByPoints) {
             const QPointF moving[] = {{6, 7.5}, {10.5, 11}}, fixed[] = {{13, 17.5}, {19.5, 16}};
             for (int i = 0; i < 2; ++i) {
-                painter.setPen(QPen(kEdge, 1, Qt::DashLine));
+                painter.setPen(QPen(Ink().line, 1, Qt::DashLine));
                 painter.drawLine(moving[i], fixed[i]);
                 DrawPoint(painter, kMoving, moving[i]);
                 DrawPoint(painter, kFixed, fixed[i]);
@@ -71,21 +73,21 @@ QIcon AlignContinueIcon() {
 QIcon AlignDropIcon() {
     return DrawToolIcon([](QPainter& painter) {
         DrawPoint(painter, kMoving, {7, 15});
-        painter.setPen(QPen(kEdge, 2.5));
+        painter.setPen(QPen(Ink().line, 2.5));
         painter.drawLine(QPointF(12, 9), QPointF(20, 9));
     });
 }
 
 QIcon AlignFinishIcon() {
     return DrawToolIcon([](QPainter& painter) {
-        painter.setPen(QPen(kDone, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(Ink().green, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPolyline(QPolygonF({QPointF(5, 13), QPointF(10, 18), QPointF(19, 6)}));
     });
 }
 
 QIcon AlignEndIcon() {
     return DrawToolIcon([](QPainter& painter) {
-        painter.setPen(QPen(kDropped, 3, Qt::SolidLine, Qt::RoundCap));
+        painter.setPen(QPen(Ink().red, 3, Qt::SolidLine, Qt::RoundCap));
         painter.drawLine(QPointF(6, 6), QPointF(18, 18));
         painter.drawLine(QPointF(18, 6), QPointF(6, 18));
     });

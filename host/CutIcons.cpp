@@ -94,7 +94,7 @@ QIcon CutWayIcon(KV_ScenePane::SegmentationMode way) {
 
 QIcon CutCancelIcon() {
     return DrawToolIcon([](QPainter& painter) {
-        painter.setPen(QPen(kCross, 3, Qt::SolidLine, Qt::RoundCap));
+        painter.setPen(QPen(Ink().red, 3, Qt::SolidLine, Qt::RoundCap));
         painter.drawLine(QPointF(6, 6), QPointF(18, 18));
         painter.drawLine(QPointF(18, 6), QPointF(6, 18));
     });
@@ -102,10 +102,10 @@ QIcon CutCancelIcon() {
 
 QIcon CutUndoIcon() {
     return DrawToolIcon([](QPainter& painter) {
-        painter.setPen(QPen(kLine, 2.5, Qt::SolidLine, Qt::FlatCap));
+        painter.setPen(QPen(Ink().blue, 2.5, Qt::SolidLine, Qt::FlatCap));
         painter.drawArc(QRectF(6, 7, 13, 12), -80 * 16, 260 * 16);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(kLine);
+        painter.setBrush(Ink().blue);
         painter.drawPolygon(QPolygonF({QPointF(2, 12.5), QPointF(10, 12.5), QPointF(6, 18)}));
     });
 }

@@ -1,5 +1,6 @@
 // What the tool bars share: an action with its key in the tip, and icons that are drawn by code.
 #pragma once
+#include <QColor>
 #include <QIcon>
 #include <QKeySequence>
 #include <QString>
@@ -7,18 +8,29 @@
 
 class QAction;
 class QPainter;
+class QPalette;
 class QToolBar;
 
 /// Of the icons in tool bars, pixels of a screen of plain density.
 inline constexpr int kToolIconSide = 24;
 
-/// Draws at two sizes, for screens of two densities. @param draw  on a square of kToolIconSide units
-[[nodiscard]] QIcon DrawToolIcon(const std::function<void(QPainter&)>& draw);
+/// Colours for lines of icons. Each has a contrast of 3 to 1 at least to the window that it is drawn on.
+struct ToolInk {
+    QColor line, red, green, blue;
+};
+[[nodiscard]] bool IsDark(const QPalette& palette);
+[[nodiscard]] ToolInk InkOn(const QPalette& palette);
+/// For the palette of the application, which the user can change at any time: draw with it, keep no copy.
+[[nodiscard]] ToolInk Ink();
+
+/// An icon that is drawn when it is shown: sharp on screens of any density, and in the colours of the present theme.
+/// @param draw  on a square of kToolIconSide units
+[[nodiscard]] QIcon DrawToolIcon(std::function<void(QPainter&)> draw);
 
 /// An action of the bar, with its key in the tip. It is not added to the bar.
 /// @param name  the object name; not shown
 /// @param tip   what it does, as the end of a sentence
 [[nodiscard]] QAction* MakeToolAction(QToolBar* bar, const char* name, const QIcon& icon, const QString& text,
                                       const QKeySequence& keys, const QString& tip);
-/// Tips that name the action, its key and what it does.
+/// Tips that name the action, its keys and what it does. @param tip  may be empty
 void SetToolTips(QAction& action, const QString& tip);
