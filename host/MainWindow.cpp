@@ -22,6 +22,7 @@
 #include "MarkerPanel.h"
 #include "MessagePane.h"
 #include "NeedlePanel.h"
+#include "ObjectColors.h"
 #include "ObjectList.h"
 #include "PngFile.h"
 #include "PropertyDialog.h"
@@ -64,6 +65,7 @@ MainWindow::~MainWindow() {
     m_pDecorations->SetViewer(nullptr);
     m_pLogo->SetViewer(nullptr);
     m_pNeedles->SetViewer(nullptr);
+    m_pColors->SetViewer(nullptr);
     m_pClip->SetViewer(nullptr);
     m_pCuts->SetViewer(nullptr);
     m_pAligns->SetViewer(nullptr);
@@ -168,6 +170,7 @@ void MainWindow::ClearScene() {
     DeleteAllPoints();  // before the view is fitted to what is left: ClearData() keeps free points, an operator expects
     methods.ClearData();  // an empty scene. The lines go with it
     m_pObjects->RemoveAll();
+    m_pColors->OnSceneCleared();
     m_pCuts->OnSceneCleared();
     m_pTransforms->OnSceneCleared();
     m_pResiduals->Clear();

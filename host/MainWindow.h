@@ -31,6 +31,7 @@ class LogoPanel;
 class MarkerPanel;
 class MessagePane;
 class NeedlePanel;
+class ObjectColors;
 class ObjectList;
 class PropertyDialog;
 class QActionGroup;
@@ -387,6 +388,14 @@ private:
     void ReportFileFailure(const std::string& file, const std::string& reason);
     [[nodiscard]] bool IsSceneEmpty() const;
 
+    // ---- MainWindowObjects.cpp
+    /// @return the widget of the dock
+    QWidget* MakeObjectPane();
+    /// "Colour by object" and "One colour".
+    void MakeColorActions(QMenu& menu);
+    /// An import of these files gives each scan without colours a colour of the palette.
+    [[nodiscard]] bool TellsScansApart(const std::vector<std::string>& files) const;
+
     // ---- MainWindowExport.cpp
     /// Shows the export dialog for the selected object, or a message when none is selected.
     void AskForExport();
@@ -423,6 +432,8 @@ private:
     ViewerWidget* m_pViewer = nullptr;
     QLabel* m_pRefusal = nullptr;
     ObjectList* m_pObjects = nullptr;
+    ObjectColors* m_pColors = nullptr;
+    QAction *m_pColorByObject = nullptr, *m_pColorAsImported = nullptr;
     MessagePane* m_pMessages = nullptr;
     EventPane* m_pEvents = nullptr;
     DecorationPanel* m_pDecorations = nullptr;

@@ -12,6 +12,7 @@
 #include "ImportJob.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
+#include "ObjectColors.h"
 #include "ObjectList.h"
 #include "SceneReport.h"
 #include "ViewerWidget.h"
@@ -170,7 +171,8 @@ void MainWindow::ListNewObjects() {
     // The viewer's new objects have the order of the files that added them.
     for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {
         if (m_pJob->Results()[i].state == ImportResult::State::Added)
-            m_pObjects->AddObject(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]));
+            m_pColors->AddImported(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]),
+                                   TellsScansApart(m_pJob->Files()));
     }
 }
 

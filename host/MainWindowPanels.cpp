@@ -13,6 +13,7 @@
 #include "MarkerPanel.h"
 #include "MessagePane.h"
 #include "NeedlePanel.h"
+#include "ObjectColors.h"
 #include "ObjectList.h"
 #include "PropertyDialog.h"
 #include "ResidualPanel.h"
@@ -31,9 +32,7 @@ QDockWidget* MainWindow::AddDock(const QString& title, const QString& name, QWid
 void MainWindow::MakeDocks() {
     // The panes only report what the user asked for; the window changes the viewer. Decorations, logo and animation
     // call the viewer themselves: nothing outside of them depends on it.
-    m_pObjects = new ObjectList;
-    connect(m_pObjects, &ObjectList::VisibilityWanted, this, &MainWindow::ShowObject);
-    connect(m_pObjects, &ObjectList::ColorWanted, this, &MainWindow::ColorObject);
+    QWidget* const objects = MakeObjectPane();
     connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::AskToDelete);
     m_pMessages = new MessagePane;
     m_pEvents = new EventPane;
@@ -63,7 +62,7 @@ void MainWindow::MakeDocks() {
 
     // The panes on the right have the whole height: the list of objects would have a row or two beside the others.
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-    AddDock(tr("Objects"), "objects", m_pObjects, Qt::RightDockWidgetArea);
+    AddDock(tr("Objects"), "objects", objects, Qt::RightDockWidgetArea);
     QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
     // Several docks share one place, as tabs.
     tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", m_pLogo, Qt::RightDockWidgetArea));
@@ -88,6 +87,7 @@ void MainWindow::PassViewerToPanels() {
     m_pLogo->SetViewer(methods);
     m_pAnimation->SetViewer(methods);
     m_pNeedles->SetViewer(methods);
+    m_pColors->SetViewer(Pane());
     m_pClip->SetViewer(Pane());
     m_pCuts->SetViewer(Pane());
     m_pAligns->SetViewer(Pane());

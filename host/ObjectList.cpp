@@ -20,7 +20,8 @@ QString FileNameOf(const std::wstring& path) {
 }
 
 // What a row holds beside its texts, in the column of the name.
-constexpr int kIdRole = Qt::UserRole, kFileRole = Qt::UserRole + 1, kVerticesRole = Qt::UserRole + 2;
+constexpr int kIdRole = Qt::UserRole, kFileRole = Qt::UserRole + 1, kVerticesRole = Qt::UserRole + 2,
+              kColoredRole = Qt::UserRole + 3;
 
 /// Ranges of x, y and z, with four digits: enough to find the object, and short enough for the list.
 QString BoxText(const std::array<float, 6>& box) {
@@ -98,6 +99,7 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
     item->setData(kName, kIdRole, row.id);
     item->setData(kName, kFileRole, QByteArray::fromStdString(row.file));
     item->setData(kName, kVerticesRole, object.vertices);
+    item->setData(kName, kColoredRole, object.hasVertexColors);
     item->setText(kVertices, QString::number(object.vertices));
     item->setText(kTriangles, QString::number(object.triangles));
     item->setText(kBox, object.vertices > 0 ? BoxText(object.box) : QString());
@@ -132,6 +134,20 @@ QTreeWidgetItem* ObjectList::Row(int index) const {
 QString ObjectList::NameOf(int index) const {
     const QTreeWidgetItem* const row = Row(index);
     return row != nullptr ? row->text(kName) : QString();
+}
+
+int ObjectList::IdOf(int index) const {
+    const QTreeWidgetItem* const row = Row(index);
+    return row != nullptr ? row->data(kName, kIdRole).toInt() : -1;
+}
+
+std::int32_t ObjectList::ColorOf(int index) const {
+    return static_cast<const ColorButton*>(itemWidget(Row(index), kColor))->Packed();
+}
+
+bool ObjectList::HasVertexColors(int index) const {
+    const QTreeWidgetItem* const row = Row(index);
+    return row != nullptr && row->data(kName, kColoredRole).toBool();
 }
 
 int ObjectList::CurrentObject() const {
@@ -208,6 +224,11 @@ void ObjectList::SetRemoved(int index, bool removed) {
     if (!removed) return;
     item->setSelected(false);
     if (currentItem() == item) setCurrentItem(nullptr);
+}
+
+void ObjectList::ShowVisible(int index, bool visible) {
+    const QSignalBlocker quiet(this);
+    if (QTreeWidgetItem* const row = Row(index)) row->setCheckState(kName, visible ? Qt::Checked : Qt::Unchecked);
 }
 
 void ObjectList::ShowColor(int index, std::int32_t packed) {

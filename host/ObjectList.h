@@ -40,6 +40,8 @@ public:
     /// the changes of the selection and of the current row.
     void SetRemoved(int index, bool removed);
     [[nodiscard]] bool IsRemoved(int index) const;
+    /// Shows the check mark of the row as the viewer's object is; emits nothing.
+    void ShowVisible(int index, bool visible);
     /// Shows another colour in the row; emits nothing.
     void ShowColor(int index, std::int32_t packed);
     /// Objects of the viewer, with the removed ones.
@@ -48,6 +50,11 @@ public:
     [[nodiscard]] std::vector<int> PresentObjects() const;
     /// The objects of the selected rows, in ascending order.
     [[nodiscard]] std::vector<int> SelectedObjects() const;
+    /// Of ObjectRow; -1 for an index outside the list.
+    [[nodiscard]] int IdOf(int index) const;
+    /// As the row shows it, 0x00BBGGRR. @param index  of an object of the list
+    [[nodiscard]] std::int32_t ColorOf(int index) const;
+    [[nodiscard]] bool HasVertexColors(int index) const;
     /// As the row shows it; empty for an index outside the list.
     [[nodiscard]] QString NameOf(int index) const;
     /// The object of the current row; -1 without one.
