@@ -76,6 +76,7 @@ bool ReadZoom(std::string_view text, HostOptions& options) {
 bool ReadSkip(std::string_view text, HostOptions& options) {
     const auto skip = IntegerIn(text, 1, kMaxSkip);
     if (skip) options.import.skip = static_cast<std::int16_t>(*skip);
+    options.given.skip = skip.has_value();
     return skip.has_value();
 }
 
@@ -83,6 +84,7 @@ bool ReadConfidence(std::string_view text, HostOptions& options) {
     const auto confidence = WholeNumber<float>(text);
     if (!confidence || !std::isfinite(*confidence)) return false;
     options.import.confidence = *confidence;
+    options.given.confidence = true;
     return true;
 }
 
@@ -93,6 +95,7 @@ bool ReadColor(std::string_view text, HostOptions& options) {
     if (!rgb) return false;
     // RRGGBB to 0x00BBGGRR.
     options.import.color = ((*rgb & 0xFF) << 16) | (*rgb & 0xFF00) | (*rgb >> 16);
+    options.given.color = true;
     return true;
 }
 
@@ -259,6 +262,7 @@ constexpr Option kOptions[] = {
     {"--skip", "a whole number from 1 to 32767", kNoRun, kImports, ReadSkip},
     {"--confidence", "a number", kNoRun, kImports, ReadConfidence},
     {"--color", "six hexadecimal digits RRGGBB", kNoRun, kImports, ReadColor},
+    {"--reset-settings", "", kNoRun, kWindow, SetFlag<&HostOptions::resetsSettings>},
 };
 
 /// Null for an unknown option.

@@ -61,6 +61,12 @@ struct HostOptions {
     /// Magnification of the fitted view, 0.1 to 10; with 2 the view spans half the size.
     float zoom = 1.0f;
     ImportSettings import;
+    /// Which of them were given: for the others the window has those that were used last.
+    struct {
+        bool skip = false, confidence = false, color = false;
+    } given;
+    /// The window forgets what it remembers, before it is made.
+    bool resetsSettings = false;
     bool shadows = false;
     /// Clips the objects of Screenshot, of SaveCuts and of a run with lassos by this plane.
     std::optional<ClipPlane> clip;

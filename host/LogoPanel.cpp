@@ -12,6 +12,8 @@
 #include <QSpinBox>
 #include <QToolButton>
 
+#include "RecentFiles.h"
+
 namespace {
 
 constexpr int kStartMargin = 10;  // pixels
@@ -103,8 +105,12 @@ bool LogoPanel::OpenImage(const QString& path) {
 }
 
 void LogoPanel::AskForImage() {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Open image"), {}, LogoFileFilter());
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Open image"), StoredFolder(FolderUse::Logo), LogoFileFilter());
+    StoreFolderOf(FolderUse::Logo, path);
     if (!path.isEmpty()) (void)OpenImage(path);
 }
 
 void LogoPanel::Place() { m_logo.SetPlace(static_cast<LogoAnchor>(m_pAnchors->checkedId()), m_pMargin->value()); }
+
+void LogoPanel::HideInViewer(bool isHidden) { m_logo.SetVisible(!isHidden && m_pVisible->isChecked()); }

@@ -1,12 +1,15 @@
 // The panes around the viewer, and which of them call it.
 #include <QDockWidget>
+#include <QHBoxLayout>
 #include <QMenu>
+#include <QPushButton>
 
 #include "AlignCommands.h"
 #include "AnimationPanel.h"
 #include "ClipPanel.h"
 #include "CutCommands.h"
 #include "DecorationPanel.h"
+#include "DeletionCommands.h"
 #include "EventPane.h"
 #include "LogoPanel.h"
 #include "MainWindow.h"
@@ -20,6 +23,24 @@
 #include "TransformCommands.h"
 #include "TransformPanel.h"
 #include "ViewerWidget.h"
+#include "WindowShell.h"
+
+namespace {
+
+/// The messages, and at their right, where it costs no line, a button that clears them.
+QWidget* WithClearButton(MessagePane* messages) {
+    auto* const pane = new QWidget;
+    auto* const clear = new QPushButton(MainWindow::tr("Clear"));
+    clear->setObjectName("clearMessages");
+    QObject::connect(clear, &QPushButton::clicked, messages, &QPlainTextEdit::clear);
+    auto* const row = new QHBoxLayout(pane);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(messages, 1);
+    row->addWidget(clear, 0, Qt::AlignBottom);
+    return pane;
+}
+
+}  // namespace
 
 QDockWidget* MainWindow::AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area) {
     auto* const dock = new QDockWidget(title, this);
@@ -33,7 +54,7 @@ void MainWindow::MakeDocks() {
     // The panes only report what the user asked for; the window changes the viewer. Decorations, logo and animation
     // call the viewer themselves: nothing outside of them depends on it.
     QWidget* const objects = MakeObjectPane();
-    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::AskToDelete);
+    connect(m_pObjects, &ObjectList::DeletionWanted, this, &MainWindow::RemoveObjects);
     m_pMessages = new MessagePane;
     m_pEvents = new EventPane;
     connect(m_pViewer, &ViewerWidget::EventFired, m_pEvents, &EventPane::AddLine);
@@ -45,7 +66,7 @@ void MainWindow::MakeDocks() {
     connect(m_pDecorations, &DecorationPanel::CrossWanted, this,
             [this](bool on) { AskForPickMode(on ? KV_ScenePane::PickModeCross : KV_ScenePane::PickModeOff); });
     m_pLogo = new LogoPanel;
-    connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddText);
+    connect(m_pLogo, &LogoPanel::Failed, m_pMessages, &MessagePane::AddProblem);
     m_pMarkers = new MarkerPanel;
     connect(m_pMarkers, &MarkerPanel::PointsVisibilityWanted, this, &MainWindow::ShowPoints);
     connect(m_pMarkers, &MarkerPanel::PointsDeletionWanted, this, &MainWindow::DeletePoints);
@@ -72,12 +93,17 @@ void MainWindow::MakeDocks() {
     tabifyDockWidget(decorations, AddDock(tr("Needles"), "needles", m_pNeedles, Qt::RightDockWidgetArea));
     tabifyDockWidget(decorations, AddDock(tr("Clip plane"), "clip", m_pClip, Qt::RightDockWidgetArea));
     decorations->raise();
-    AddDock(tr("Messages"), "messages", m_pMessages, Qt::BottomDockWidgetArea);
+    QDockWidget* const messages =
+        AddDock(tr("Messages"), "messages", WithClearButton(m_pMessages), Qt::BottomDockWidgetArea);
     QDockWidget* const events = AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);
     // Not beside the others: more tabs there would make the viewer narrower.
     tabifyDockWidget(events, AddDock(tr("Transform"), "transform", m_pTransform, Qt::BottomDockWidgetArea));
     tabifyDockWidget(events, AddDock(tr("Alignment"), "alignment", m_pResiduals, Qt::BottomDockWidgetArea));
     events->raise();
+    // At the first start the viewer has their height. Messages and the alignment open when there is something to read.
+    for (QDockWidget* const dock : findChildren<QDockWidget*>())
+        if (dockWidgetArea(dock) == Qt::BottomDockWidgetArea) dock->hide();
+    connect(m_pMessages, &MessagePane::ProblemAdded, this, [this, messages] { m_pShell->OpenPane(*messages); });
 }
 
 void MainWindow::PassViewerToPanels() {
@@ -91,6 +117,7 @@ void MainWindow::PassViewerToPanels() {
     m_pClip->SetViewer(Pane());
     m_pCuts->SetViewer(Pane());
     m_pAligns->SetViewer(Pane());
+    m_pDeletions->SetViewer(Pane());
     if (m_pProperties != nullptr) m_pProperties->SetViewer(methods);
     m_pEvents->setEnabled(methods != nullptr);
     m_pPicks->setEnabled(methods != nullptr);

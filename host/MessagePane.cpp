@@ -45,7 +45,7 @@ void MessagePane::ShowEnd() {
 
 void MessagePane::AddProblem(const QString& text) {
     AddText(text);
-    emit ProblemAdded();
+    PointOut();
 }
 
 void MessagePane::AddProblemLater(std::string_view utf8) {

@@ -12,13 +12,15 @@ public:
     void AddText(const QString& text);
     /// The same for a text that the user should see: a failure, or a warning.
     void AddProblem(const QString& text);
+    /// What was added last is a problem.
+    void PointOut() { emit ProblemAdded(); }
     /// Queues an AddProblem() for the thread of the window. Any thread.
     void AddProblemLater(std::string_view utf8);
     /// Eight lines high; the user can resize the pane.
     [[nodiscard]] QSize sizeHint() const override;
 
 signals:
-    /// The lines of AddProblem() were added.
+    /// The last lines are a problem.
     void ProblemAdded();
 
 private:

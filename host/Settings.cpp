@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr const char* kSmoothEdges = "view/smoothEdges";
+constexpr const char* kSmoothEdges = "view/smoothEdges";  // of older versions, which had 0 or 4 samples
+constexpr const char* kSamples = "view/samples";
 
 // The numbers of a plane are one value: a part of another plane would be a plane that nobody has set.
 constexpr const char* kClipOn = "clip/on";
@@ -98,9 +99,18 @@ QSettings OpenSettings() { return QSettings("scenepane", "scenepane"); }
 
 void ForgetSettings() { OpenSettings().clear(); }
 
-bool HasSmoothEdges() { return OpenSettings().value(kSmoothEdges, true).toBool(); }
+int StoredSamples() {
+    const QSettings stored = OpenSettings();
+    const int otherwise = ReadBool(stored, kSmoothEdges, true) ? kSmoothSamples : 0;
+    const int samples = ReadNumber(stored, kSamples, 8, otherwise);
+    return samples == 0 || samples == 2 || samples == 4 || samples == 8 ? samples : otherwise;
+}
 
-void SetSmoothEdges(bool on) { OpenSettings().setValue(kSmoothEdges, on); }
+void StoreSamples(int samples) { OpenSettings().setValue(kSamples, samples); }
+
+bool HasSmoothEdges() { return StoredSamples() > 0; }
+
+void SetSmoothEdges(bool on) { StoreSamples(on ? kSmoothSamples : 0); }
 
 ClipSettings StoredClip() {
     const QSettings stored = OpenSettings();

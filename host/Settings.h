@@ -15,8 +15,13 @@
 /// Everything that is remembered is forgotten.
 void ForgetSettings();
 
-/// Samples per pixel of a window with smooth edges.
+/// Samples per pixel of a window with smooth edges, until the user chose another number.
 inline constexpr int kSmoothSamples = 4;
+
+/// Samples per pixel that the user wants, 0 for none; kSmoothSamples until the user chose otherwise.
+[[nodiscard]] int StoredSamples();
+/// For the windows of later starts. @param samples  0, 2, 4 or 8
+void StoreSamples(int samples);
 
 /// Whether the window smooths the edges of objects; true until the user chose otherwise.
 [[nodiscard]] bool HasSmoothEdges();

@@ -1,6 +1,7 @@
 // The four parts of an embedding: a native widget, the viewer as a child of its window, a notifier on the descriptor of
 // the viewer, and the size of the widget passed on.
 #include "ViewerWidget.h"
+#include "TranslatedText.h"
 
 #include <poll.h>
 #include <xcb/xcb.h>
@@ -123,7 +124,11 @@ void ViewerWidget::CutMaskApplied(std::int64_t addr) {
 void ViewerWidget::ReportLine(const std::string& line) { emit EventFired(QString::fromStdString(line)); }
 
 void ViewerWidget::Open() {
-    m_bOpened = true;  // also when the viewer is refused
+    m_bOpened = true;                                // also when the viewer is refused
+    if (QGuiApplication::platformName() != "xcb") {  // the number of a window of another platform is none of X11
+        emit Refused(tr("the viewer needs X11, and Qt runs on \"%1\"").arg(QGuiApplication::platformName()));
+        return;
+    }
     KV_ScenePane::WindowRequest request;
     request.kind = KV_ScenePane::WindowRequest::Kind::Child;
     request.parent = winId();
@@ -136,7 +141,7 @@ void ViewerWidget::Open() {
     std::string reason;
     m_pPane = CreateScenePane(request, &reason);
     if (!m_pPane) {
-        emit Refused(QString::fromStdString(reason.empty() ? m_strMessages : reason));
+        emit Refused(TranslatedText(PlainLines(reason.empty() ? m_strMessages : reason)));
         return;
     }
     m_pPane->Connect(this);
@@ -204,8 +209,7 @@ void ViewerWidget::HandleEvents() {
         failure = TextOfCaughtError();
     }
     // Once: the viewer stays readable after an exception, and a frame that fails would fail in each call.
-    if (std::exchange(m_strFailure, failure) != failure && !failure.empty())
-        emit Failed(QString::fromStdString(failure));
+    if (std::exchange(m_strFailure, failure) != failure && !failure.empty()) emit Failed(TranslatedText(failure));
     if (!m_pPane) return;  // closed inside the call
     // Input that arrived while a frame was drawn is pending: its modifiers may be released by now. The query costs a
     // round trip to the X server: only when a modifier is remembered.
@@ -249,7 +253,7 @@ void ViewerWidget::WatchScreen() {
 
 void ViewerWidget::ShowMessage(const std::string& text) {
     if (m_pPane) {
-        QMessageBox::warning(this, tr("KV_ScenePane"), QString::fromStdString(text));
+        QMessageBox::warning(this, tr("KV_ScenePane"), TranslatedText(PlainLines(text)));
     } else {
         m_strMessages += text;  // while the viewer is being created: shown with the refusal
     }

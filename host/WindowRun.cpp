@@ -3,31 +3,19 @@
 
 #include <QApplication>
 #include <cstdio>
-#include <cstdlib>
+#include <filesystem>
 #include <string>
 
-#include "DisplayProbe.h"
+#include "Appearance.h"
 #include "FileTypes.h"
 #include "Headless.h"
 #include "MainWindow.h"
+#include "PlatformChoice.h"
 #include "SceneFile.h"
+#include "Settings.h"
+#include "WindowIcon.h"
 
 namespace {
-
-bool IsSet(const char* variable) {
-    const char* const value = std::getenv(variable);
-    return value != nullptr && *value != '\0';
-}
-
-/// Makes Qt use X11, which the embedding of the viewer needs, also in a Wayland session that offers both.
-/// @return why Qt cannot start; empty when it can
-std::string ChoosePlatform() {
-    if (IsSet("QT_QPA_PLATFORM")) return {};
-    if (!IsSet("DISPLAY")) return IsSet("WAYLAND_DISPLAY") ? "" : "there is no display (DISPLAY is not set)";
-    if (!CanOpenDisplay()) return std::string("the display ") + std::getenv("DISPLAY") + " cannot be opened";
-    setenv("QT_QPA_PLATFORM", "xcb", 0);
-    return {};
-}
 
 /// The window opens files of free points like those of objects.
 bool HoldsPoints(const std::string& file) {
@@ -46,6 +34,7 @@ int RunWindow(const HostOptions& options, char* program) {
         for (const auto* const files :
              {&options.files, &options.pointFiles, &options.lineFiles, &options.needleFiles}) {
             for (const std::string& file : *files) {
+                if (files == &options.files && std::filesystem::is_directory(file)) continue;  // the window opens it
                 const bool isObject = files == &options.files && !HoldsPoints(file);
                 const std::string refusal = isObject ? ImportRefusal(file) : ReadRefusal(file);
                 if (!refusal.empty()) printFailure(file, refusal);
@@ -63,6 +52,10 @@ int RunWindow(const HostOptions& options, char* program) {
     int argumentCount = 1;  // the options are ours, none is Qt's
     char* arguments[] = {program, nullptr};
     const QApplication application(argumentCount, arguments);
+    QGuiApplication::setDesktopFileName("scenepane");  // groups the windows of the program in a task bar
+    QGuiApplication::setWindowIcon(WindowIcon());
+    if (options.resetsSettings) ForgetSettings();
+    ShowAppearance(StoredAppearance());
     MainWindow window(options);
     // The message pane has the same reasons: standard error is for a script that started the window.
     QObject::connect(&window, &MainWindow::FileFailed, printFailure);

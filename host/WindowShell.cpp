@@ -11,6 +11,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QScreen>
+#include <QTimer>
 #include <QToolBar>
 #include <QWindow>
 #include <utility>
@@ -64,7 +65,17 @@ void WindowShell::MakeRecentMenu(QMenu& menu) {
     connect(&menu, &QMenu::aboutToShow, this, [this, &menu] { FillRecentMenu(menu); });
 }
 
+void WindowShell::NoteOpened(const std::vector<std::string>& files) {
+    // Later: at the start the first picture must not wait for the disk.
+    constexpr int kDelayMs = 1000;
+    if (m_vOpened.empty()) QTimer::singleShot(kDelayMs, this, &WindowShell::StoreOpened);
+    m_vOpened.insert(m_vOpened.begin(), files.begin(), files.end());
+}
+
+void WindowShell::StoreOpened() { AddRecentFiles(std::exchange(m_vOpened, {})); }
+
 void WindowShell::FillRecentMenu(QMenu& menu) {
+    StoreOpened();
     menu.clear();
     int number = 0;
     for (const std::string& file : StoredRecentFiles()) {
@@ -117,6 +128,7 @@ void WindowShell::Place(const std::optional<WindowPlace>& last) {
 }
 
 void WindowShell::Store() {
+    StoreOpened();
     WindowState state;
     const QPoint margin = m_window.geometry().topLeft() - m_window.frameGeometry().topLeft();
     const bool isNormal = !m_window.isMaximized() && !m_window.isFullScreen();

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QAction;
 class QDockWidget;
@@ -34,6 +35,8 @@ public:
     void Store();
     /// Place and panes as at a first start, at once.
     void Reset();
+    /// Puts paths that were opened into the menu of recent files. @param files  in bytes
+    void NoteOpened(const std::vector<std::string>& files);
     /// Opens a pane without moving the keyboard focus. While all panes are hidden it waits for their return.
     void OpenPane(QDockWidget& pane);
 
@@ -46,6 +49,7 @@ protected:
 
 private:
     void FillRecentMenu(QMenu& menu);
+    void StoreOpened();
     void HidePanes(bool hide);
     void ShowFullScreen(bool on);
     /// Escape leaves full screen unless something else uses the key.
@@ -64,6 +68,7 @@ private:
     QByteArray m_firstPanes;                // of a first start
     QByteArray m_panesBefore;               // while all panes are hidden: the state to return to
     QList<QPointer<QDockWidget>> m_toOpen;  // then
+    std::vector<std::string> m_vOpened;     // not stored yet
     bool m_bPlaced = false;                 // the frame was looked at
     bool m_bNarrowsPanes = true;            // their widths are not those that the user chose in a window of this size
 };

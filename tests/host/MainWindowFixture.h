@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
-#include <QSettings>
 #include <QWindow>
 #include <array>
 #include <memory>
@@ -16,6 +15,7 @@
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "Settings.h"
 #include "host/QtUnderXvfb.h"
 #include "host/ScanFiles.h"
 
@@ -23,8 +23,8 @@ inline constexpr std::uint32_t kBackground = 0x191932;  // of the viewer, 0xRRGG
 
 class MainWindowFixture : public testing::Test {
 protected:
-    /// Without the properties that other tests have stored: every window starts with those of a new viewer.
-    MainWindowFixture() { QSettings("scenepane", "scenepane").remove("viewer/properties"); }
+    /// Without what other tests have stored: the first window of a test is one of a first start.
+    MainWindowFixture() { ForgetSettings(); }
 
     // Throwing and not ASSERT_TRUE(): an assertion in a helper ends the helper only, and the test would go on with a
     // window that has no viewer.
