@@ -21,7 +21,7 @@ AnimationPanel::AnimationPanel(QWidget* parent)
       m_pSpeed(new QDoubleSpinBox),
       m_pSpacebar(new QCheckBox(tr("Sta&rt and stop with the space bar"))) {
     m_pStart->setObjectName("animationStart");
-    m_pStart->setToolTip(tr("Turns the scene once around the Z axis. A click or a key in the viewer stops it."));
+    m_pStart->setToolTip(tr("Turns the scene once around the Z axis. A click or a key in the view stops it."));
     m_pSpeed->setObjectName("animationSpeed");
     m_pSpeed->setRange(kMinSpeed, kMaxSpeed);
     m_pSpeed->setDecimals(2);
@@ -29,7 +29,7 @@ AnimationPanel::AnimationPanel(QWidget* parent)
     m_pSpeed->setSuffix(tr(" turns/s"));
     m_pSpeed->setValue(kStartSpeed);
     m_pSpacebar->setObjectName("animationSpacebar");
-    m_pSpacebar->setToolTip(tr("Works while the viewer has the keyboard, that is after a click in it."));
+    m_pSpacebar->setToolTip(tr("Works after a click in the view."));
     auto* const form = new QFormLayout(this);
     form->addRow(tr("S&peed:"), m_pSpeed);
     form->addRow(m_pSpacebar);

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] const ClipSettings& Settings() const { return m_settings; }
     /// With a viewer.
     [[nodiscard]] bool IsClipping() const { return m_pViewer != nullptr && m_settings.on; }
+    /// The plane removes, or would remove, every object that is not hidden, and there is one.
+    [[nodiscard]] bool CutsAwayAll() const;
 
     // What the user does; nothing happens without a viewer.
     void SwitchClipping(bool on);
@@ -47,6 +49,8 @@ public:
     void Flip();
     /// The settings of a first start.
     void Reset();
+    /// Hides the plane in the viewer, or shows it again if it was shown. It stays where it is, and so do the settings.
+    void HideInViewer(bool isHidden);
 
     // What happened in the viewer.
     /// An input arrived by which it may place the plane at the data.
@@ -112,7 +116,6 @@ private:
     [[nodiscard]] QString PlacementText() const;
     /// Reads the boxes of the objects that are not hidden.
     void ReadBoxes();
-    [[nodiscard]] bool CutsAwayAll() const;
     /// Whether the plane is where a height that was found has placed it.
     [[nodiscard]] bool IsWherePlaced() const;
     /// Reports it, once until the plane or the scene is another one.

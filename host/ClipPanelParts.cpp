@@ -77,9 +77,9 @@ void ClipPanel::MakeSwitches() {
 
 QLayout* ClipPanel::MakeNumbers() {
     const QString centerTip = tr("A point of the plane, scene units. The plane moves while you type.");
-    const QString normalTip = tr(
-        "Objects are kept on the side that it points to. Any length: the numbers become a unit vector when you leave "
-        "the fields or press Return.");
+    const QString normalTip =
+        tr("Objects are kept on the side that it points to. Any length: it is scaled to 1 when you leave the fields or "
+           "press Return.");
     auto* const grid = new QGridLayout;
     grid->addWidget(new QLabel(tr("Centre")), 0, 1);
     grid->addWidget(new QLabel(tr("Normal, to the side that is kept")), 0, 2);
@@ -164,16 +164,15 @@ void ClipPanel::Arrange() {
     buttons->addWidget(place);
     buttons->addWidget(reset);
     auto* const hint = new QLabel(tr(
-        "In the viewer: drag the arrow to move the plane, a ball to tilt it; Ctrl with a rotating or moving drag turns "
+        "In the view: drag the arrow to move the plane, a ball to tilt it; Ctrl with a rotating or moving drag turns "
         "or pushes it. Escape takes a handle's drag back. Up, Down: by 1. Ctrl + double click: place at data."));
     hint->setObjectName("clipHint");
     hint->setWordWrap(true);
-    hint->setToolTip(tr(
-        "While the plane is shown. Ctrl with a drag that rotates the view turns the plane, with one that moves the "
-        "view pushes it along its normal.\nUp and Down move it by 1 scene unit while the viewer has the keyboard, that "
-        "is "
-        "after a click in it.\nWith delayed mouse buttons, Ctrl + middle click places the plane at the data as well; "
-        "with flipped ones a double click does nothing."));
+    hint->setToolTip(
+        tr("While the plane is shown. Ctrl with a drag that rotates the view turns the plane, with one that moves the "
+           "view pushes it along its normal.\nUp and Down move it by 1 scene unit after a click in the view.\nWith "
+           "delayed mouse buttons, Ctrl + middle click places the plane at the data as well; "
+           "with flipped ones a double click does nothing."));
     auto* const column = new QVBoxLayout(this);
     column->addLayout(switches);
     column->addLayout(MakeNumbers());

@@ -38,7 +38,8 @@ const Way kWays[] = {
      QT_TRANSLATE_NOOP("CutToolBar", "removes only the front surface inside a line that you draw")},
 };
 
-QString UndoText(int steps) {
+QString UndoText(int steps, int deletedObjects) {
+    if (deletedObjects > 0) return CutToolBar::tr("Un&do deletion (%1)").arg(deletedObjects);
     return steps > 0 ? CutToolBar::tr("Un&do cut (%1)").arg(steps) : CutToolBar::tr("Un&do cut");
 }
 
@@ -84,8 +85,8 @@ void CutToolBar::MakeCommands() {
     m_pCancel = MakeToolAction(this, "cutCancel", CutCancelIcon(), tr("&Cancel the lasso"), Qt::Key_Escape,
                                tr("ends the lasso without a cut"));
     connect(m_pCancel, &QAction::triggered, this, &CutToolBar::CancelWanted);
-    m_pUndo = MakeToolAction(this, "cutUndo", CutUndoIcon(), UndoText(0), Qt::CTRL | Qt::Key_Z,
-                             tr("takes the last cut back; files that were saved stay cut"));
+    m_pUndo = MakeToolAction(this, "cutUndo", CutUndoIcon(), UndoText(0, 0), Qt::CTRL | Qt::Key_Z,
+                             tr("takes the last cut or the last deletion back; files that were saved stay cut"));
     connect(m_pUndo, &QAction::triggered, this, &CutToolBar::UndoWanted);
     m_pSave = MakeToolAction(this, "cutSave", CutSaveIcon(), tr("Sav&e cuts..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
                              tr("writes all cuts and the clip plane into the pcm files of the objects"));
@@ -94,7 +95,7 @@ void CutToolBar::MakeCommands() {
     // The number of steps is in the text. What is beside it stays where it is while the number grows.
     auto* const undo = static_cast<QToolButton*>(widgetForAction(m_pUndo));
     undo->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_pUndo->setText(UndoText(99));
+    m_pUndo->setText(UndoText(0, 99));
     undo->setMinimumWidth(undo->sizeHint().width());
 }
 
@@ -130,8 +131,12 @@ void CutToolBar::FillMenu(QMenu& menu) const {
     menu.addSeparator();
     menu.addActions(m_ways.mid(3));
     menu.addSeparator();
-    menu.addActions({m_pCancel, m_pUndo, m_pSave});
+    menu.addAction(m_pCancel);
 }
+
+void CutToolBar::FillEditMenu(QMenu& menu) const { menu.addAction(m_pUndo); }
+
+void CutToolBar::FillFileMenu(QMenu& menu) const { menu.addAction(m_pSave); }
 
 void CutToolBar::Show(const CutToolState& state) {
     for (int i = 0; i < m_ways.size(); ++i) {
@@ -140,7 +145,7 @@ void CutToolBar::Show(const CutToolState& state) {
     }
     const bool isIdle = state.canCut && !state.way;
     m_pCancel->setEnabled(state.way.has_value());
-    m_pUndo->setEnabled(isIdle && state.undoSteps > 0);
-    m_pUndo->setText(UndoText(state.undoSteps));
+    m_pUndo->setEnabled(isIdle && state.undoSteps + state.deletedObjects > 0);
+    m_pUndo->setText(UndoText(state.undoSteps, state.deletedObjects));
     m_pSave->setEnabled(isIdle);
 }

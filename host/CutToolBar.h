@@ -16,6 +16,7 @@ struct CutToolState {
     bool canCut = false;                                     ///< there is a viewer, and no import runs
     std::optional<KV_ScenePane::SegmentationMode> way = {};  ///< of the lasso that is drawn
     int undoSteps = 0;
+    int deletedObjects = 0;  ///< that undo restores; 0: it takes a cut back
 };
 
 /// Reports what the user asked for; it calls no viewer.
@@ -27,8 +28,13 @@ public:
     [[nodiscard]] const LassoSettings& Settings() const { return m_settings; }
     /// In the order of SegmentationMode.
     [[nodiscard]] const QList<QAction*>& Ways() const { return m_ways; }
-    /// Adds all tools to a menu, with their keys.
+    // Each tool is in one of three menus, with its keys.
+    /// Adds the ways, and the end of a lasso.
     void FillMenu(QMenu& menu) const;
+    /// Adds undo.
+    void FillEditMenu(QMenu& menu) const;
+    /// Adds save.
+    void FillFileMenu(QMenu& menu) const;
     void Show(const CutToolState& state);
 
 signals:

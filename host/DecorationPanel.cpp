@@ -9,6 +9,7 @@
 #include <QSpinBox>
 
 #include "ColorButton.h"
+#include "KV_ScenePane/Modes.h"
 
 namespace {
 // Colours that the viewer starts with, 0x00BBGGRR.
@@ -34,7 +35,7 @@ DecorationPanel::DecorationPanel(QWidget* parent)
 
 void DecorationPanel::MakeParts() {
     m_pAxes->setObjectName("axes");
-    m_pAxes->setToolTip(tr("While the axes are shown, a double click in the viewer returns to the view from +Z."));
+    m_pAxes->setToolTip(tr("While the axes are shown, a double click in the view returns to the view from +Z."));
     connect(m_pAxes, &QCheckBox::toggled, this,
             [this](bool on) { Apply([on](auto& methods) { methods.ShowAxes(on ? 1 : 0); }); });
     m_pArrow->setObjectName("arrow");
@@ -45,7 +46,7 @@ void DecorationPanel::MakeParts() {
     connect(m_pArrowColor, &ColorButton::ColorChosen, this,
             [this](std::int32_t packed) { Apply([packed](auto& methods) { methods.SetArrowColor(packed); }); });
     m_pCross->setObjectName("cross");
-    m_pCross->setToolTip(tr("The same as View, Picking, Centre cross: no point is picked while the cross is shown."));
+    m_pCross->setToolTip(tr("The same as Tools, Picking, Centre cross: no point is picked while the cross is shown."));
     connect(m_pCross, &QCheckBox::toggled, this, &DecorationPanel::CrossWanted);
     m_pCrossColor->setObjectName("crossColor");
     m_pCrossColor->SetName(tr("Colour of the centre cross"));
@@ -106,6 +107,16 @@ void DecorationPanel::SetViewer(KV_ScenePane::_DKV_ScenePane* methods) {
 void DecorationPanel::ShowCross(bool on) {
     const QSignalBlocker quiet(m_pCross);  // the caller has set the mode already
     m_pCross->setChecked(on);
+}
+
+void DecorationPanel::HideInViewer(bool isHidden) {
+    Apply([&](auto& methods) {
+        if (m_pAxes->isChecked()) methods.ShowAxes(isHidden ? 0 : 1);
+        if (m_pArrow->isChecked()) methods.ShowLightingArrow(isHidden ? 0 : 1);
+        // The cross is a pick mode; neither of these two picks or keeps anything.
+        if (m_pCross->isChecked())
+            methods.SetPickMode(isHidden ? KV_ScenePane::PickModeOff : KV_ScenePane::PickModeCross);
+    });
 }
 
 void DecorationPanel::Apply(const std::function<void(KV_ScenePane::_DKV_ScenePane&)>& change) const {

@@ -4,8 +4,6 @@
 
 #include <QCloseEvent>
 #include <QLabel>
-#include <QProgressDialog>
-#include <QScreen>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -17,45 +15,49 @@
 #include "ClipPanel.h"
 #include "CutCommands.h"
 #include "DecorationPanel.h"
+#include "DeletionCommands.h"
 #include "ImportJob.h"
 #include "LogoPanel.h"
 #include "MarkerPanel.h"
 #include "MessagePane.h"
+#include "MessageTable.h"
 #include "NeedlePanel.h"
 #include "ObjectColors.h"
 #include "ObjectList.h"
 #include "PngFile.h"
 #include "PropertyDialog.h"
 #include "ResidualPanel.h"
+#include "ScenePreparation.h"
 #include "ScreenShot.h"
 #include "Settings.h"
 #include "TransformCommands.h"
 #include "ViewerWidget.h"
-
-namespace {
-constexpr std::int32_t kBackground = 0x321919;  // 0x00BBGGRR, what the viewer starts with
-}  // namespace
+#include "WindowShell.h"
 
 MainWindow::MainWindow(const HostOptions& options, QWidget* parent) : QMainWindow(parent), m_options(options) {
-    m_nBackground.fill(kBackground);
-    setWindowTitle(tr("scenepane") + "[*]");  // the mark of cuts and transforms that are not saved
+    ReadStoredView();
     setAcceptDrops(true);
-    // In this order: the docks connect to the viewer widget, and a menu lists the docks.
+    m_pShell = new WindowShell(*this);
+    // In this order: all parts use the status bar, the docks connect to the viewer widget, and a menu lists the docks.
+    MakeStatus();
+    MakeImportProgress();
     MakeCentre();
     MakeDocks();
+    MakePictures();
     MakeCuts();
     MakeTransforms();
     MakeAligns();
+    MakeDeletions();
+    MakeViewNote();
     MakeMenus();
     ReservePlainKeysForInputs();
     OpenFiles(options.files);  // they wait for the viewer
-    statusBar()->showMessage(tr("Open scans and meshes with the File menu, or drop them here."));
     // Imports have captures of their own; this is for everything else that the viewer writes, from any thread.
     MessagePane* const messages = m_pMessages;
-    m_pRouter = std::make_unique<DebugRouter>([messages](std::string_view text) { messages->AddTextLater(text); });
+    m_pRouter = std::make_unique<DebugRouter>(
+        [messages](std::string_view text) { messages->AddProblemLater(TranslatedWords(PlainLines(text))); });
     EnableActions();
-    // The window manager adds a title bar and a frame, whose size is not known yet.
-    resize(sizeHint().boundedTo(screen()->availableSize() * 0.9));
+    MakeShell();
 }
 
 MainWindow::~MainWindow() {
@@ -70,6 +72,7 @@ MainWindow::~MainWindow() {
     m_pCuts->SetViewer(nullptr);
     m_pAligns->SetViewer(nullptr);
     m_pTransforms->SetViewer(nullptr);
+    m_pDeletions->SetViewer(nullptr);
     if (m_pProperties != nullptr) m_pProperties->SetViewer(nullptr);
     StorePropertiesIfChanged();
     StoreClipIfChanged();
@@ -82,7 +85,7 @@ KV_ScenePane::ScenePane* MainWindow::Pane() const { return m_pViewer->Pane(); }
 bool MainWindow::HaveObjects() const { return !m_pObjects->PresentObjects().empty(); }
 
 void MainWindow::MakeCentre() {
-    m_pViewer = new ViewerWidget({m_options.width, m_options.height}, HasSmoothEdges() ? kSmoothSamples : 0);
+    m_pViewer = new ViewerWidget({m_options.width, m_options.height}, m_viewerSamples);
     m_pRefusal = new QLabel;
     m_pRefusal->setAlignment(Qt::AlignCenter);
     m_pRefusal->setWordWrap(true);
@@ -108,7 +111,9 @@ void MainWindow::MakeCentre() {
     connect(m_pViewer, &ViewerWidget::Failed, this, &MainWindow::ReportViewerFailure);
     // At once: before the viewer draws its first frame.
     connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::LoadProperties);
+    connect(m_pViewer, &ViewerWidget::Ready, this, &MainWindow::RestoreView);
     connect(m_pViewer, &ViewerWidget::Handled, this, &MainWindow::FollowProperties);
+    connect(m_pViewer, &ViewerWidget::Handled, this, &MainWindow::FollowFrames);
     // At once: neither an import nor a panel may call a viewer that is gone.
     connect(m_pViewer, &ViewerWidget::AboutToClose, this, &MainWindow::StopImport);
     connect(m_pViewer, &ViewerWidget::Refused, this, &MainWindow::PassViewerToPanels);
@@ -131,7 +136,7 @@ void MainWindow::OnViewerRefused(const QString& reason) {
     m_bRefused = true;
     m_pRefusal->setText(tr("There is no viewer: %1").arg(reason));
     m_pCentre->setCurrentWidget(m_pRefusal);
-    m_pMessages->AddText(m_pRefusal->text());
+    m_pMessages->AddProblem(m_pRefusal->text());
     m_pObjects->RemoveAll();
     m_pMarkers->Clear();
     EnableActions();
@@ -139,6 +144,7 @@ void MainWindow::OnViewerRefused(const QString& reason) {
 }
 
 void MainWindow::StopImport() {
+    if (m_pPreparation != nullptr) m_pPreparation->Stop();
     if (m_pJob != nullptr) m_pJob->Stop();
     if (m_pPointsJob != nullptr) m_pPointsJob->Stop();
 }
@@ -148,6 +154,7 @@ void MainWindow::EnableActions() {
     const bool usable = viewer && !IsLassoRunning();  // most of them would move the scene below the lasso
     const bool isFree = viewer && IsMouseFree();
     for (QAction* const action : m_vViewerActions) action->setEnabled(usable);
+    FollowShadows();
     m_pMouseMoves->setEnabled(usable && m_pAligns->RunningWay() != AlignWay::ByHand);  // which needs it
     for (QAction* const action : m_pickActions) action->setEnabled(isFree);
     for (QAction* const action : m_vFileActions) action->setEnabled(isFree);
@@ -159,28 +166,6 @@ void MainWindow::EnableActions() {
     FollowAlign();
 }
 
-void MainWindow::ClearScene() {
-    if (Pane() == nullptr || IsImporting()) return;
-    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
-    m_pCuts->Cancel();
-    m_pAligns->Finish();
-    // The viewer keeps plain pointers to selected objects; they must not outlive the objects.
-    methods.ResetSelection();
-    methods.ResetVariableObjects();
-    DeleteAllPoints();  // before the view is fitted to what is left: ClearData() keeps free points, an operator expects
-    methods.ClearData();  // an empty scene. The lines go with it
-    m_pObjects->RemoveAll();
-    m_pColors->OnSceneCleared();
-    m_pCuts->OnSceneCleared();
-    m_pTransforms->OnSceneCleared();
-    m_pResiduals->Clear();
-    m_pMarkers->Clear();
-    ClearPickPoints();
-    ForgetPicks();
-    ShowView(m_options.view);  // ClearData() resets the view
-    m_pClip->FollowScene();
-}
-
 void MainWindow::ShowView(KV_ScenePane::ViewMode mode) {
     m_options.view = mode;
     if (Pane() != nullptr) Pane()->Methods().SetViewMode(mode);
@@ -188,31 +173,28 @@ void MainWindow::ShowView(KV_ScenePane::ViewMode mode) {
 
 void MainWindow::ShowShadows(bool on) {
     m_options.shadows = on;
-    ShowShadowHint();
     if (Pane() == nullptr) return;
+    m_bShadowsApplied = true;
     Pane()->Methods().SetShadowMode(on ? 1 : 0);
     Pane()->Methods().PerformInvalidate();
-}
-
-void MainWindow::ShowShadowHint() {
-    if (Pane() == nullptr) return;
-    const std::int16_t mode = Pane()->Methods().GetDrawMode();
-    const bool showsNoObject = mode == KV_ScenePane::DrawModePerPixel || mode == KV_ScenePane::DrawModeNothing;
-    const QString hint = tr("This render mode shows no objects while shadows are on.");
-    if (m_options.shadows && showsNoObject)
-        statusBar()->showMessage(hint);
-    else if (statusBar()->currentMessage() == hint)
-        statusBar()->clearMessage();
+    FollowShadows();
 }
 
 void MainWindow::ShowBackground(const std::array<std::int32_t, 4>& colors) {
     m_nBackground = colors;
+    StoreBackground(colors);
+    ShowBackgroundNow();
+}
+
+void MainWindow::ShowBackgroundNow() {
     if (Pane() == nullptr) return;
-    Pane()->Methods().SetBackgroundColorsFourCorners(colors[0], colors[1], colors[2], colors[3]);
+    const auto& [topLeft, topRight, bottomLeft, bottomRight] = m_nBackground;
+    Pane()->Methods().SetBackgroundColorsFourCorners(topLeft, topRight, bottomLeft, bottomRight);
 }
 
 void MainWindow::ShowPointSize(float pixels) {
     m_fPointSize = pixels;
+    StorePointSize(pixels);
     if (Pane() == nullptr) return;
     Pane()->Methods().SetPointCloudRenderPointSize(pixels);
     Pane()->Methods().PerformInvalidate();
@@ -242,25 +224,7 @@ void MainWindow::ShowObject(int index, bool visible) {
     if (Pane() == nullptr) return;
     Pane()->Methods().SetObjectVisibility(static_cast<std::int16_t>(index), visible ? 1 : 0);
     m_pClip->FollowScene();
-}
-
-void MainWindow::ColorObject(int index, std::int32_t packed) {
-    if (Pane() == nullptr) return;
-    Pane()->Methods().SetObjectColor(static_cast<std::int16_t>(index), packed);
-    m_pObjects->ShowColor(index, packed);
-}
-
-void MainWindow::DeleteObject(int index) {
-    if (Pane() == nullptr || IsImporting()) return;
-    m_pCuts->Cancel();
-    m_pAligns->Finish();
-    // The method requests no repaint. Removing the row moves the later rows up, as the viewer moves its objects.
-    Pane()->Methods().DeleteObject(static_cast<std::int16_t>(index));
-    Pane()->Methods().PerformInvalidate();
-    m_pObjects->RemoveObject(index);
-    FollowDeletedObject(index);
-    m_pClip->FollowScene();
-    FollowCuts();
+    ShowSceneCounts();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -273,5 +237,6 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     m_nFilesNotAdded += TakeWaitingFiles().size();
     StopImport();
     if (m_pProperties != nullptr) m_pProperties->reject();
+    m_pShell->Store();
     event->accept();
 }

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QPoint>
 #include <QPointer>
+#include <QTextCursor>
 #include <array>
 #include <functional>
 #include <memory>
@@ -25,29 +26,39 @@ class ClipPanel;
 class CutCommands;
 class CutToolBar;
 class DecorationPanel;
+class DeletionCommands;
 class EventPane;
 class ImportJob;
+class ImportProgress;
 class LogoPanel;
+class MainToolBar;
 class MarkerPanel;
 class MessagePane;
 class NeedlePanel;
 class ObjectColors;
 class ObjectList;
+class PictureCommands;
 class PropertyDialog;
 class QActionGroup;
 class QDockWidget;
 class QLabel;
 class QMenu;
-class QProgressDialog;
 class QStackedWidget;
 class QTimer;
+class ReducedDrawing;
 class ResidualPanel;
+class ScenePreparation;
+class StatusLine;
+class ShortcutDialog;
 class TransformCommands;
 class TransformPanel;
+class ViewNote;
 class ViewerWidget;
+class WindowShell;
 enum class AlignWay;
 struct AlignOutcome;
 struct NeedleMark;
+struct ViewNoteState;
 
 /// Owns the viewer, through its widget, and the import that runs. On the thread of Qt only.
 class MainWindow : public QMainWindow {
@@ -64,9 +75,11 @@ public:
     void ImportPointFiles(const std::vector<std::string>& files, const PointsLook& look);
     /// Adds the polylines of each file (paths in bytes) and shows all lines. They wait while there is no viewer yet.
     void ImportLineFiles(const std::vector<std::string>& files);
-    /// No further file is started; those in progress are finished and added.
+    /// While files are read: no further file is started, those in progress are finished and added. While new objects
+    /// are prepared for the picture: those that are not shown yet stay hidden.
     void CancelImport();
-    [[nodiscard]] bool IsImporting() const { return m_pJob != nullptr || m_pPointsJob != nullptr; }
+    /// From the start of an import until its last new object was shown.
+    [[nodiscard]] bool IsImporting() const { return IsReading() || m_pPreparation != nullptr; }
     /// Every file opened so far has added what it holds.
     [[nodiscard]] bool HaveAllFilesAdded() const {
         return m_nFilesNotAdded == 0 && m_vWaitingFiles.empty() && m_vWaitingPoints.empty() &&
@@ -84,7 +97,10 @@ public:
     [[nodiscard]] ClipPanel& Clip() const { return *m_pClip; }
     [[nodiscard]] CutCommands& Cuts() const { return *m_pCuts; }
     [[nodiscard]] AlignCommands& Alignments() const { return *m_pAligns; }
+    [[nodiscard]] PictureCommands& Pictures() const { return *m_pPictures; }
     [[nodiscard]] TransformCommands& Transforms() const { return *m_pTransforms; }
+    [[nodiscard]] DeletionCommands& Deletions() const { return *m_pDeletions; }
+    [[nodiscard]] ReducedDrawing& Reducing() const { return *m_pReducing; }
 
 signals:
     /// The objects are in the list and the messages in their pane. Files that waited are started afterwards.
@@ -113,8 +129,6 @@ public slots:
     void AllowMouse(bool on);
     /// Removes all pick points when it is another mode; a mode that picks switches the needles of the mouse off.
     void ChoosePickMode(KV_ScenePane::PickMode mode);
-    /// Whether objects are drawn with fewer points during a drag.
-    void ReduceWhileMoving(bool on);
     /// Writes the screenshot of the whole scene as a PNG file and adds a message about it.
     /// @param path  in bytes
     /// @return whether it was written
@@ -135,7 +149,15 @@ public slots:
     void CopyPickDistance();
     void ShowObject(int index, bool visible);
     void ColorObject(int index, std::int32_t packed);
+    /// Deletes objects in a way that Undo() takes back, until the next import or save. Not during an import.
+    /// @param indices  in ascending order
+    void RemoveObjects(const std::vector<int>& indices);
+    /// Takes the last cut back or the last deletion, whichever is newer.
+    void Undo();
+    /// The deletion is final. Not during an import.
     void DeleteObject(int index);
+    /// Copies x, y, z of the last pick with tabs between them, when there was one.
+    void CopyLastPick();
     /// @param id  of a set of free points
     void ShowPoints(int id, bool visible);
     /// The viewer keeps the graphics memory of the set until its window closes. @param id  of a set of free points
@@ -166,13 +188,15 @@ public slots:
     /// Shows the about box of the viewer, and returns when it was closed. It has one without a viewer, too.
     void ShowAbout();
     /// For the imports that follow.
-    void SetImportSettings(const ImportSettings& settings) { m_options.import = settings; }
+    void SetImportSettings(const ImportSettings& settings);
+    /// Forgets everything that is remembered for the next start. This window looks like one of a first start, but for
+    /// what only a start can change.
+    void ResetSettings();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -188,9 +212,8 @@ private:
     void StopImport();
     /// Enables what can be used now: with a viewer or without, during an import or not.
     void EnableActions();
-    /// Warns in the status bar about a draw mode that shows no object while shadows are on.
-    void ShowShadowHint();
     [[nodiscard]] bool HaveObjects() const;
+    void ShowBackgroundNow();
 
     // ---- MainWindowPanels.cpp
     void MakeDocks();
@@ -198,6 +221,22 @@ private:
     QDockWidget* AddDock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea area);
     /// Gives the panels, which call the viewer directly, the viewer, or null when there is none any more.
     void PassViewerToPanels();
+
+    // ---- MainWindowShell.cpp
+    /// What the last window has stored, before panes and menus are made.
+    void ReadStoredView();
+    /// After all others of these: it looks at panes, tool bars and actions.
+    void MakeShell();
+    /// Passes what was stored to the viewer.
+    void RestoreView();
+    /// The status bar says which points an import leaves out.
+    void ShowImportNote();
+    /// Asks, and names what is lost.
+    void AskToReset();
+    /// Each folder among the paths is replaced by the files in it. @param paths  in bytes
+    [[nodiscard]] std::vector<std::string> WithFilesOfFolders(const std::vector<std::string>& paths);
+    /// Opens the pane that holds the widget.
+    void OpenPaneOf(QWidget& content);
 
     // ---- MainWindowNeedles.cpp
     /// The panel and its connections to the viewer.
@@ -231,7 +270,6 @@ private:
     // ---- MainWindowCut.cpp
     /// The tools of cuts, what they do, and their connections.
     void MakeCuts();
-    void MakeCutMenu();
     /// Tools, title, status bar and what can be used follow the lasso and the cuts.
     void FollowCuts();
     /// Picks and clip plane follow the objects of a cut or an undo.
@@ -240,15 +278,39 @@ private:
     /// Messages, of which the last line is shown in the status bar.
     void ReportCut(const QString& text);
     [[nodiscard]] bool IsLassoRunning() const;
-    // For the user: these ask about unsaved cuts before.
+
+    // ---- MainWindowDelete.cpp
+    void MakeDeletions();
+    /// What a deletion loses that is in no file; empty when there is nothing.
+    [[nodiscard]] QString LossText(const std::vector<int>& indices) const;
+    /// Picks, clip plane, title, status bar and what can be used follow a deletion that can be undone, or its undo.
+    void FollowDeletions();
+    /// What is deleted cannot be restored any more: the viewer deletes it.
+    void FinishDeletions();
+    /// @param indices  in ascending order
+    void DeleteObjects(const std::vector<int>& indices);
+    /// What the scene has, and what of it is not saved, one line each.
+    [[nodiscard]] QStringList ClearingLines() const;
+    [[nodiscard]] QStringList UnsavedLines() const;
+    /// For the user: asks, unless the scene is empty.
     void AskToClear();
-    /// @param indices  of objects, in ascending order
-    void AskToDelete(const std::vector<int>& indices);
+
+    // ---- MainWindowStatus.cpp
+    /// Before all other parts: they add theirs to the status bar.
+    void MakeStatus();
+    /// The status bar follows the frames of the viewer.
+    void FollowFrames();
+    void ShowSceneCounts();
+    /// Title and status bar follow what is open.
+    void FollowFiles();
+    /// A file has failed; its message is in the pane.
+    void CountFailure(const std::string& file);
+    /// Shows the message about the first of the files that were counted; they are not counted any more.
+    void ShowFailures();
 
     // ---- MainWindowAlign.cpp
     /// The tools of alignments, what they do, the hint above the viewer, the pane of residuals, and their connections.
     void MakeAligns();
-    void MakeAlignMenu();
     /// What the operator must change in the window before an alignment can start; empty when it can.
     [[nodiscard]] QString ObstacleTo(AlignWay way) const;
     /// The hint and the pane of residuals are for another alignment.
@@ -269,6 +331,7 @@ private:
     /// The viewer's other uses of the mouse end or begin again.
     void SuspendMouseUses();
     void ResumeMouseUses(MouseUse before);
+    void ApplyMouseScheme();
     /// Neither a lasso nor an alignment runs: the scene may change.
     [[nodiscard]] bool IsMouseFree() const { return !IsLassoRunning() && !IsAligning(); }
 
@@ -300,16 +363,32 @@ private:
     /// Menus, dialog and settings follow the properties of the viewer, whatever has changed them.
     void FollowProperties();
     void StorePropertiesIfChanged();
+    void MakeReducedMenu(QMenu& menu);
+    /// An input, before the viewer handles it.
+    void ReduceDrag(const KV_ScenePane::MouseInput& input);
     void MakeHelpMenu();
 
     // ---- MainWindowInput.cpp
-    /// Adds rotation, mouse buttons, picking and the two switches of the mouse to the view menu.
+    /// Adds rotation, mouse buttons and the switch of the mouse to the view menu.
     void MakeInputMenus(QMenu& menu);
+    void MakePickMenu(QMenu& menu);
     /// Runs the action or opens the menu of a key that the viewer reported. @param key  a key code of the viewer's
     /// events
     void RunShortcut(int key, Qt::KeyboardModifiers modifiers);
     /// Keys without a modifier stay in the input that has the keyboard, also where they are shortcuts.
     void ReservePlainKeysForInputs();
+
+    // ---- MainWindowView.cpp
+    void MakeViewNote();
+    [[nodiscard]] ViewNoteState NoteState() const;
+    /// What shows no object together with shadows cannot be chosen. Follows the viewer, whoever has changed it.
+    void FollowShadows();
+    /// Opens the menu of a right click. @param pixel  of the drawing area of the viewer
+    void ShowMenuAt(QPoint pixel);
+    void FillViewMenu(QMenu& menu, QPoint pixel);
+    /// Adds what concerns the object under the pointer.
+    void AddObjectEntries(QMenu& menu, const KV_ScenePane::SurfacePoint& hit);
+    void ShowShortcuts();
 
     // ---- MainWindowPicks.cpp
     void MakePickPanel();
@@ -325,12 +404,13 @@ private:
     void OnPickPointsChanged();
     /// Makes the pane equal to the pick-point spheres of the viewer.
     void FollowPickPoints();
-    /// The objects after a deleted one have other indices. @param object  its index
-    void FollowDeletedObject(int object);
+    /// Picks on deleted objects are shown as such.
+    void MarkDeletedPicks();
     /// @param newIndex  of an object of before; -1 when it is gone
     void RenumberPicks(const std::function<int(int object)>& newIndex);
-    /// Opens the menu of the pick-point sphere that is nearest to the pixel, if picks place points.
-    void ShowPickMenu(QPoint pixel);
+    /// Adds what concerns the pick-point sphere that is nearest to the pixel.
+    /// @return whether picks place points, and there is one
+    bool AddPickEntries(QMenu& menu, QPoint pixel);
     /// Names the objects that were picked before they were in the list, and fits the radius.
     void FollowImport();
     /// Sets the radius of the spheres by the size of the scene.
@@ -357,11 +437,27 @@ private:
     void ReportNoViewerFor(const std::string& file);
     /// For a file that an import was stopped before, by the user or with the viewer.
     void ReportNotStarted(const std::string& file);
+    void MakeImportProgress();
     void StartImport(const std::vector<std::string>& files);
+    [[nodiscard]] bool IsReading() const { return m_pJob != nullptr || m_pPointsJob != nullptr; }
+    /// The status bar names the file. @param isBlocking  the window does not react while it is read
+    void ShowReading(int file, bool isBlocking);
+    /// Some files of the import are in the viewer.
+    void OnFilesArrived();
+    /// All files are in the viewer, or the import was cancelled: the picture is prepared from here on.
     void OnImportFinished();
+    /// Makes the preparation of the pictures for an import that starts.
+    void MakePreparation();
+    /// A new object is about to be shown for the first time: its look can be chosen here. Once per object, in the order
+    /// of the files; its row is in the list. @param index  in the viewer
+    void ObjectArrived(int index);
+    /// The picture is complete, or its preparation was given up.
+    void OnPicturePrepared();
+    /// Draws a frame; a failure is reported.
+    void DrawPicture();
     /// Adds the messages of the finished import, and emits FileFailed() for each file that added nothing.
     void ReportResults();
-    /// Adds a row for each object that the finished import has added to the viewer.
+    /// Adds a row for each object that the import has added to the viewer since the last call.
     void ListNewObjects();
 
     // ---- MainWindowMarkers.cpp
@@ -377,8 +473,8 @@ private:
     void OpenMarkersOfOptions();
     /// Starts the import of the waiting point files when it is possible now.
     void OpenWaitingPoints();
-    /// The progress dialog for the import of points, and its connections.
-    void MakePointsProgress();
+    /// Connects the progress of the import of points.
+    void FollowPointsProgress();
     void OnPointsImported();
     /// Adds the messages of the finished import of points, and a row for each new set.
     /// @return the number of new sets
@@ -396,6 +492,18 @@ private:
     /// An import of these files gives each scan without colours a colour of the palette.
     [[nodiscard]] bool TellsScansApart(const std::vector<std::string>& files) const;
 
+    // ---- MainWindowPictures.cpp
+    /// The commands of pictures and their connections; before the menus.
+    void MakePictures();
+    /// Adds save and copy of the view.
+    void MakePictureActions(QMenu& menu);
+    /// Fills the menu of the samples per pixel.
+    void MakeSamplesMenu(QMenu& menu);
+    /// What the driver draws with now, and when a choice counts.
+    [[nodiscard]] QString SamplesText() const;
+    /// Hides in the viewer what is drawn about the scene, or shows again what was shown. The panes stay.
+    void HideDecorations(bool isHidden);
+
     // ---- MainWindowExport.cpp
     /// Shows the export dialog for the selected object, or a message when none is selected.
     void AskForExport();
@@ -405,8 +513,12 @@ private:
     // ---- MainWindowMenus.cpp
     void MakeMenus();
     void MakeFileMenu();
+    void MakeEditMenu();
     void MakeViewMenu();
-    void MakeImportMenu();
+    void MakeRenderMenu();
+    void MakeToolsMenu();
+    void MakePaneMenu();
+    void MakeAppearanceMenu(QMenu& menu);
     /// A group of actions of which exactly one is checked.
     /// @param names   texts to be translated; the position of each is its mode
     /// @param choose  receives the mode of an action that was triggered
@@ -420,13 +532,11 @@ private:
     void AskForScreenShot();
     void AskForBackground();
     void AskForPointSize();
-    void AskForSkip();
-    void AskForConfidence();
-    void AskForScanColor();
+    void AskForImportSettings();
 
-    HostOptions m_options;                      // of the command line, then as the menus changed them
-    std::array<std::int32_t, 4> m_nBackground;  // 0x00BBGGRR: top left, top right, bottom left, bottom right
-    float m_fPointSize = 2.0f;                  // pixels
+    HostOptions m_options;                        // of the command line, then as the menus changed them
+    std::array<std::int32_t, 4> m_nBackground{};  // 0x00BBGGRR: top left, top right, bottom left, bottom right
+    float m_fPointSize = 2.0f;                    // pixels
     // Widgets belong to Qt: their parents delete them.
     QStackedWidget* m_pCentre = nullptr;
     ViewerWidget* m_pViewer = nullptr;
@@ -455,9 +565,26 @@ private:
     QString m_alignedObjects;           // names for the hint
     bool m_bAlignsColored = false;      // an object of the scene has colours of its own
     ResidualPanel* m_pResiduals = nullptr;
+    DeletionCommands* m_pDeletions = nullptr;
+    StatusLine* m_pStatus = nullptr;
+    QTimer* m_pFrameDelay = nullptr;  // runs while the status bar is older than the last frame
+    std::uint64_t m_nFramesSeen = 0;  // of the viewer
+    int m_nFailures = 0;              // files, since they were looked at
+    QTextCursor m_firstFailure;       // where the message pane has the first of them
+    PictureCommands* m_pPictures = nullptr;
+    bool m_bNeedlesOfView = false, m_bLinesOfView = false;  // shown before HideDecorations()
+    const int m_viewerSamples = StoredSamples();            // per pixel, as the viewer was asked for
     PropertyDialog* m_pProperties = nullptr;
-    QList<QAction*> m_drawModeActions;       // in the order of KV_ScenePane::DrawMode
-    QAction* m_pReduced = nullptr;           // "Reduced while moving"
+    MainToolBar* m_pMainTools = nullptr;
+    ViewNote* m_pNote = nullptr;
+    ShortcutDialog* m_pShortcuts = nullptr;  // null before it was opened
+    bool m_bShadowsApplied = false;          // the viewer has the shadows of the command line
+    QAction *m_pOpen = nullptr, *m_pSavePicture = nullptr, *m_pFit = nullptr, *m_pBackground = nullptr;
+    QAction* m_pShadows = nullptr;
+    QMenu* m_pPanes = nullptr;          // "Panes and tool bars"
+    QList<QAction*> m_viewActions;      // in the order of KV_ScenePane::ViewMode
+    QList<QAction*> m_drawModeActions;  // in the order of KV_ScenePane::DrawMode
+    ReducedDrawing* m_pReducing = nullptr;
     std::int16_t m_nFollowedDrawMode = -1;   // as FollowProperties() has seen it; -1 before
     std::int16_t m_nStoredDrawMode = 0;      // of the settings, while m_options.drawMode replaces it
     QAction* m_pMouseMoves = nullptr;        // "Mouse moves the scene"
@@ -467,7 +594,6 @@ private:
     QLabel* m_pClipState = nullptr;          // in the status bar while objects are clipped
     ClipSettings m_storedClip;               // what the settings hold
     QTimer* m_pClipStorage = nullptr;        // runs while they are older than the panel
-    QLabel* m_pLastPick = nullptr;           // in the status bar
     QPointer<QMenu> m_pPickMenu;             // the one that is open; null without one
     QAction* m_pCopyDistance = nullptr;      // enabled after two picks
     QAction* m_pCancelMove = nullptr;        // enabled while a point is to be moved
@@ -476,14 +602,21 @@ private:
     bool m_bRemovesPickPoints = false;       // in RemovePickPoints()
     int m_nPointToMove = -1;                 // by the next pick; -1 for none
     MouseScheme m_mouseScheme = MouseScheme::Normal;
-    std::vector<QAction*> m_vViewerActions;  // enabled with a viewer and without a lasso
-    std::vector<QAction*> m_vFileActions;    // enabled with a viewer, without a lasso or an alignment
-    std::vector<QAction*> m_vIdleActions;    // the same, and while no import runs
-    QList<QAction*> m_pickActions;           // in the order of KV_ScenePane::PickMode
-    bool m_bRefused = false;                 // there will be no viewer any more
-    ImportJob* m_pJob = nullptr;             // the import that runs; null without one
-    std::unique_ptr<QProgressDialog> m_pProgress;
-    std::vector<std::string> m_vWaitingFiles;  // paths in bytes
+    KV_ScenePane::RotationMode m_rotation = KV_ScenePane::RotateFree;
+    QList<QAction*> m_rotationActions;  // in the order of KV_ScenePane::RotationMode
+    QList<QAction*> m_schemeActions;    // in the order of MouseScheme
+    WindowShell* m_pShell = nullptr;
+    QLabel* m_pImportNote = nullptr;             // in the status bar while imports leave points out
+    std::vector<QAction*> m_vViewerActions;      // enabled with a viewer and without a lasso
+    std::vector<QAction*> m_vFileActions;        // enabled with a viewer, without a lasso or an alignment
+    std::vector<QAction*> m_vIdleActions;        // the same, and while no import runs
+    QList<QAction*> m_pickActions;               // off, points, centre cross
+    bool m_bRefused = false;                     // there will be no viewer any more
+    ImportJob* m_pJob = nullptr;                 // the import that runs; null without one
+    std::size_t m_nListedFiles = 0;              // of that import: their objects are in the list
+    ScenePreparation* m_pPreparation = nullptr;  // exists from the start of an import to its last frame
+    ImportProgress* m_pProgress = nullptr;       // in the status bar
+    std::vector<std::string> m_vWaitingFiles;    // paths in bytes
     // Point files. At most one import runs at a time, of points or of other files.
     PointsJob* m_pPointsJob = nullptr;            // the import that runs; null without one
     std::vector<PointsRequest> m_vWaitingPoints;  // in the order of their imports

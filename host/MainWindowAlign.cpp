@@ -21,6 +21,7 @@ void MainWindow::MakeAligns() {
     m_pAlignTools = new AlignToolBar;
     addToolBar(m_pAlignTools);
     m_pAligns = new AlignCommands([this] { return m_pObjects->MovingRows(); }, this);
+    m_pAligns->SetObjectCount([this] { return static_cast<int>(m_pObjects->PresentObjects().size()); });
     connect(m_pAlignTools, &AlignToolBar::WayWanted, this, [this](AlignWay way) {
         m_pCuts->Cancel();
         if (const QString obstacle = ObstacleTo(way); !obstacle.isEmpty()) {
@@ -42,13 +43,6 @@ void MainWindow::MakeAligns() {
     connect(m_pViewer, &ViewerWidget::AlignmentEnded, m_pAligns, &AlignCommands::OnAlignmentDone);
     connect(m_pViewer, &ViewerWidget::Handled, m_pAligns, &AlignCommands::FollowViewer);
     connect(m_pClip, &ClipPanel::Changed, this, &MainWindow::FollowAlign);
-}
-
-void MainWindow::MakeAlignMenu() {
-    QMenu* const menu = menuBar()->addMenu(tr("Ali&gn"));
-    m_pAlignTools->FillMenu(*menu);
-    menu->addSeparator();
-    menu->addAction(m_pTakeBack);
 }
 
 bool MainWindow::IsAligning() const { return m_pAligns->IsRunning(); }
@@ -101,7 +95,7 @@ void MainWindow::OnAlignmentEnded(const AlignOutcome& outcome) {
     ReportAlign(text);
     if (outcome.result.pairs.empty()) return;
     m_pResiduals->Show(outcome.result, text);
-    if (auto* const dock = qobject_cast<QDockWidget*>(m_pResiduals->parentWidget())) dock->raise();
+    OpenPaneOf(*m_pResiduals);
 }
 
 void MainWindow::ReportAlign(const QString& text) {

@@ -21,6 +21,7 @@
 #include "KeyShortcut.h"
 #include "MainWindow.h"
 #include "ObjectList.h"
+#include "Settings.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -40,14 +41,16 @@ constexpr const char* kSchemeNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "&Delayed: right turns, both move, left picks"),
 };
 
-// In the order of KV_ScenePane::PickMode.
-constexpr const char* kPickNames[] = {
-    QT_TRANSLATE_NOOP("MainWindow", "&Off"),
-    QT_TRANSLATE_NOOP("MainWindow", "&Centre cross"),
-    QT_TRANSLATE_NOOP("MainWindow", "&Points on objects"),
-    QT_TRANSLATE_NOOP("MainWindow", "Points on objects (mode &3)"),
-    QT_TRANSLATE_NOOP("MainWindow", "Off (mode &4)"),
-    QT_TRANSLATE_NOOP("MainWindow", "Points on objects, with pick-point sp&heres"),
+struct PickChoice {
+    const char* text;
+    KV_ScenePane::PickMode mode;
+};
+
+// The other modes of the viewer do the same for the user as one of these.
+constexpr PickChoice kPickChoices[] = {
+    {QT_TRANSLATE_NOOP("MainWindow", "&Off"), KV_ScenePane::PickModeOff},
+    {QT_TRANSLATE_NOOP("MainWindow", "&Points on objects"), KV_ScenePane::PickModePoints},
+    {QT_TRANSLATE_NOOP("MainWindow", "&Centre cross"), KV_ScenePane::PickModeCross},
 };
 
 /// Whether keys typed into the widget change a value or search a row.
@@ -72,31 +75,45 @@ bool IsPlainKey(int key, Qt::KeyboardModifiers modifiers) {
 }  // namespace
 
 void MainWindow::MakeInputMenus(QMenu& menu) {
-    AddModeActions(*menu.addMenu(tr("R&otation")), kRotationNames, std::size(kRotationNames),
-                   KV_ScenePane::RotateFree,  // what the viewer starts with
-                   [this](int mode) { ChooseRotation(static_cast<KV_ScenePane::RotationMode>(mode)); });
-    AddModeActions(*menu.addMenu(tr("Mouse b&uttons")), kSchemeNames, std::size(kSchemeNames), 0,
-                   [this](int scheme) { ChooseMouseScheme(static_cast<MouseScheme>(scheme)); });
-    QMenu* const picking = menu.addMenu(tr("P&icking"));
-    m_pickActions = AddModeActions(*picking, kPickNames, std::size(kPickNames), KV_ScenePane::PickModeOff,
-                                   [this](int mode) { AskForPickMode(static_cast<KV_ScenePane::PickMode>(mode)); });
-    MakePickActions(*picking);
+    m_rotationActions =
+        AddModeActions(*menu.addMenu(tr("R&otation")), kRotationNames, std::size(kRotationNames), m_rotation,
+                       [this](int mode) { ChooseRotation(static_cast<KV_ScenePane::RotationMode>(mode)); });
+    m_schemeActions = AddModeActions(*menu.addMenu(tr("Mouse b&uttons")), kSchemeNames, std::size(kSchemeNames),
+                                     static_cast<int>(m_mouseScheme),
+                                     [this](int scheme) { ChooseMouseScheme(static_cast<MouseScheme>(scheme)); });
     m_pMouseMoves = AddSwitch(menu, tr("&Mouse moves the scene"), true, [this](bool on) { AllowMouse(on); });
-    m_pReduced = AddSwitch(menu, tr("Re&duced while moving"), false, [this](bool on) { ReduceWhileMoving(on); });
+}
+
+void MainWindow::MakePickMenu(QMenu& menu) {
+    std::array<const char*, std::size(kPickChoices)> names{};
+    std::transform(std::begin(kPickChoices), std::end(kPickChoices), names.begin(),
+                   [](const PickChoice& choice) { return choice.text; });
+    m_pickActions = AddModeActions(menu, names.data(), static_cast<int>(names.size()), 0,
+                                   [this](int choice) { AskForPickMode(kPickChoices[choice].mode); });
+    MakePickActions(menu);
 }
 
 void MainWindow::ChooseRotation(KV_ScenePane::RotationMode mode) {
-    if (Pane() != nullptr) Pane()->Methods().SetRotationMode(mode);
+    if (Pane() == nullptr) return;
+    m_rotation = mode;
+    StoreRotation(mode);
+    Pane()->Methods().SetRotationMode(mode);
 }
 
 void MainWindow::ChooseMouseScheme(MouseScheme scheme) {
     if (Pane() == nullptr) return;
     m_mouseScheme = scheme;
+    StoreMouseScheme(scheme);
+    ApplyMouseScheme();
+    FollowAlign();
+}
+
+void MainWindow::ApplyMouseScheme() {
+    const MouseScheme scheme = m_mouseScheme;
     m_pPicks->ShowClicks(scheme == MouseScheme::Delayed ? 1 : scheme == MouseScheme::Flipped ? 0 : 2);
     // Two settings of the viewer that exclude each other here.
     Pane()->Methods().SetIGDRotation(scheme == MouseScheme::Delayed ? 1 : 0);
     Pane()->Methods().FlipMouseButtons(scheme == MouseScheme::Flipped ? 1 : 0);
-    FollowAlign();
 }
 
 void MainWindow::AllowMouse(bool on) {

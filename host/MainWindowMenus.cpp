@@ -1,6 +1,5 @@
 // The menus and the small dialogs that they open.
 #include <QActionGroup>
-#include <QColorDialog>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -8,14 +7,19 @@
 #include <iterator>
 
 #include "AlignToolBar.h"
+#include "Appearance.h"
 #include "BackgroundDialog.h"
-#include "ColorButton.h"
 #include "CutToolBar.h"
 #include "FileTypes.h"
 #include "ImportJob.h"
+#include "MainToolBar.h"
 #include "MainWindow.h"
+#include "RecentFiles.h"
+#include "ScanImportDialog.h"
 #include "Settings.h"
+#include "ToolAction.h"
 #include "ViewerWidget.h"
+#include "WindowShell.h"
 
 namespace {
 
@@ -35,85 +39,150 @@ constexpr const char* kDrawModeNames[] = {
     QT_TRANSLATE_NOOP("MainWindow", "Background only"), QT_TRANSLATE_NOOP("MainWindow", "Shadow map"),
 };
 
-// Status tip of the menu and title of the dialog: the picture is not what the window shows.
-constexpr const char* kScreenShotSummary = QT_TRANSLATE_NOOP(
-    "MainWindow", "Save screenshot: the whole scene, 2048 x 2048 pixels, shaded, without axes, cross, arrow and logo");
+// The picture is not what the window shows.
+constexpr const char* kScreenShotTip =
+    QT_TRANSLATE_NOOP("MainWindow", "The whole scene, 2048 x 2048 pixels, shaded, without axes, cross, arrow and logo");
+
+// In the order of Appearance.
+constexpr const char* kAppearanceNames[] = {
+    QT_TRANSLATE_NOOP("MainWindow", "As the &desktop"),
+    QT_TRANSLATE_NOOP("MainWindow", "&Light"),
+    QT_TRANSLATE_NOOP("MainWindow", "D&ark"),
+};
 
 }  // namespace
 
 void MainWindow::MakeMenus() {
     MakeFileMenu();
+    MakeEditMenu();
     MakeViewMenu();
-    MakeCutMenu();
-    MakeAlignMenu();
-    MakeImportMenu();
+    MakeRenderMenu();
+    MakeToolsMenu();
     MakeHelpMenu();
+    m_pMainTools = new MainToolBar({.open = m_pOpen,
+                                    .savePicture = m_pSavePicture,
+                                    .fit = m_pFit,
+                                    .shadows = m_pShadows,
+                                    .views = m_viewActions,
+                                    .drawModes = m_drawModeActions});
+    insertToolBar(m_pCutTools, m_pMainTools);
+    MakePaneMenu();
 }
 
 void MainWindow::MakeFileMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&File"));
-    m_vFileActions.push_back(menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles));
+    m_pOpen = menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::AskForFiles);
+    SetToolTips(*m_pOpen, tr("scans and meshes"));
+    m_vFileActions.push_back(m_pOpen);
+    m_pShell->MakeRecentMenu(*menu->addMenu(tr("Open &recent")));
     MakeMarkerActions(*menu);
-    m_vIdleActions.push_back(
-        menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::AskToClear));
+    menu->addAction(tr("Scan &import settings..."), this, &MainWindow::AskForImportSettings);
     menu->addSeparator();
+    m_pCutTools->FillFileMenu(*menu);
+    MakeTransformActions(*menu);
     QAction* const exports = menu->addAction(tr("&Export selected object..."), QKeySequence(Qt::CTRL | Qt::Key_E), this,
                                              &MainWindow::AskForExport);
     exports->setStatusTip(tr("Export the object of the list's current row as a %1 file")
                               .arg(QString::fromStdString(ExtensionList(IsExported, "or"))));
     m_vIdleActions.push_back(exports);
-    MakeTransformActions(*menu);
-    QAction* const shot = menu->addAction(tr("&Save screenshot..."), QKeySequence(Qt::CTRL | Qt::Key_S), this,
-                                          &MainWindow::AskForScreenShot);
-    shot->setStatusTip(tr(kScreenShotSummary));
+    menu->addSeparator();
+    MakePictureActions(*menu);
+    m_pSavePicture = menu->findChild<QAction*>("savePicture");
+    QAction* const shot = menu->addAction(tr("Save screens&hot..."), this, &MainWindow::AskForScreenShot);
+    shot->setStatusTip(tr(kScreenShotTip));
     m_vFileActions.push_back(shot);
+    menu->addSeparator();
+    m_vIdleActions.push_back(
+        menu->addAction(tr("&Clear"), QKeySequence(Qt::CTRL | Qt::Key_L), this, &MainWindow::AskToClear));
     menu->addSeparator();
     menu->addAction(tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close);
 }
 
-// The digits are the shortcuts of the views, Ctrl and a digit those of the render modes, by the position in their
-// tables.
+void MainWindow::MakeEditMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&Edit"));
+    m_pCutTools->FillEditMenu(*menu);
+    menu->addAction(m_pTakeBack);
+}
+
+// The digits are the shortcuts of the views, by their position in the table.
 void MainWindow::MakeViewMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&View"));
+    m_pFit = menu->addAction(tr("&Fit the view"), this, [this] { FitView(Pane()->Methods(), 1.0f); });
+    m_pFit->setShortcuts({QKeySequence(Qt::Key_C), QKeySequence(Qt::Key_Home)});
+    SetToolTips(*m_pFit, tr("all that is shown, as large as possible"));
+    m_vViewerActions.push_back(m_pFit);
+    menu->addSeparator();
     for (int mode = 0; mode < static_cast<int>(std::size(kViewNames)); ++mode) {
         QAction* const action = menu->addAction(tr(kViewNames[mode]), QKeySequence(Qt::Key_0 + mode), this,
                                                 [this, mode] { ShowView(static_cast<KV_ScenePane::ViewMode>(mode)); });
+        SetToolTips(*action, {});
+        m_viewActions.push_back(action);
         m_vViewerActions.push_back(action);
     }
-    const auto add = [&](const QString& text, const QKeySequence& keys, auto run) {
-        QAction* const action = menu->addAction(text, keys, this, run);
-        m_vViewerActions.push_back(action);
-        return action;
-    };
     menu->addSeparator();
-    add(tr("&Centre"), QKeySequence(Qt::Key_C), [this] { FitView(Pane()->Methods(), 1.0f); });
+    MakeInputMenus(*menu);
     menu->addSeparator();
-    m_drawModeActions = AddModeActions(*menu->addMenu(tr("&Render mode")), kDrawModeNames, std::size(kDrawModeNames),
+    m_pBackground = menu->addAction(tr("&Background colours..."), this, &MainWindow::AskForBackground);
+    m_vViewerActions.push_back(m_pBackground);
+    MakeAppearanceMenu(*menu->addMenu(tr("&Appearance")));
+    menu->addSeparator();
+    menu->addAction(m_pShell->FullScreenAction());
+    menu->addAction(m_pShell->HidePanesAction());
+    m_pPanes = menu->addMenu(tr("Pa&nes and tool bars"));
+    menu->addAction(tr("R&eset settings..."), this, &MainWindow::AskToReset);
+}
+
+// The docks and tool bars exist already: this is called last.
+void MainWindow::MakePaneMenu() {
+    for (QDockWidget* const dock : findChildren<QDockWidget*>()) m_pPanes->addAction(dock->toggleViewAction());
+    m_pPanes->addSeparator();
+    for (QToolBar* const bar : findChildren<QToolBar*>()) m_pPanes->addAction(bar->toggleViewAction());
+}
+
+void MainWindow::MakeAppearanceMenu(QMenu& menu) {
+    auto* const group = new QActionGroup(this);
+    const Appearance stored = StoredAppearance();
+    for (int i = 0; i < static_cast<int>(std::size(kAppearanceNames)); ++i) {
+        const auto appearance = static_cast<Appearance>(i);
+        QAction* const action = menu.addAction(tr(kAppearanceNames[i]), this, [appearance] {
+            StoreAppearance(appearance);
+            ShowAppearance(appearance);
+        });
+        action->setCheckable(true);
+        action->setChecked(appearance == stored);
+        group->addAction(action);
+    }
+}
+
+// Ctrl and a digit are the shortcuts of the render modes, by their position in the table.
+void MainWindow::MakeRenderMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&Render"));
+    menu->setToolTipsVisible(true);  // why a mode cannot be used now
+    m_drawModeActions = AddModeActions(*menu, kDrawModeNames, std::size(kDrawModeNames),
                                        m_options.drawMode.value_or(KV_ScenePane::DrawModeGouraud),
                                        [this](int mode) { ShowDrawMode(static_cast<KV_ScenePane::DrawMode>(mode)); });
     for (int mode = 0; mode < m_drawModeActions.size(); ++mode)
         m_drawModeActions[mode]->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + mode)));
-    AddSwitch(*menu, tr("&Shadows"), m_options.shadows, [this](bool on) {
-        ShowShadows(on);
-    })->setShortcut(QKeySequence(Qt::Key_S));
-    MakeClipMenu(*menu->addMenu(tr("C&lip plane")));
     menu->addSeparator();
-    MakeInputMenus(*menu);
+    m_pShadows = AddSwitch(*menu, tr("&Shadows"), m_options.shadows, [this](bool on) { ShowShadows(on); });
+    m_pShadows->setShortcut(QKeySequence(Qt::Key_S));
     menu->addSeparator();
-    add(tr("&Background colours..."), {}, [this] { AskForBackground(); });
-    add(tr("&Point size..."), {}, [this] { AskForPointSize(); });
-    QAction* const smooth = menu->addAction(tr("Smooth &edges (from the next start)"));
-    smooth->setCheckable(true);
-    smooth->setChecked(HasSmoothEdges());
-    smooth->setStatusTip(tr("Draw with %1 samples per pixel where the driver has them").arg(kSmoothSamples));
-    connect(smooth, &QAction::toggled, this, &SetSmoothEdges);
-    add(tr("Proper&ties..."), QKeySequence(Qt::ALT | Qt::Key_Return), [this] { ShowProperties(); });
+    MakeColorActions(*menu);
+    m_vViewerActions.push_back(menu->addAction(tr("&Point size..."), this, &MainWindow::AskForPointSize));
+    MakeSamplesMenu(*menu->addMenu(tr("Smooth &edges")));
+    MakeReducedMenu(*menu->addMenu(tr("Re&duced while moving")));
     menu->addSeparator();
-    QMenu* const panes = menu->addMenu(tr("Pa&nes"));
-    // The docks exist already: the menus are made last.
-    for (QDockWidget* const dock : findChildren<QDockWidget*>()) panes->addAction(dock->toggleViewAction());
-    panes->addAction(m_pCutTools->toggleViewAction());
-    panes->addAction(m_pAlignTools->toggleViewAction());
+    QAction* const page = menu->addAction(tr("Proper&ties..."), QKeySequence(Qt::ALT | Qt::Key_Return), this,
+                                          &MainWindow::ShowProperties);
+    m_vViewerActions.push_back(page);
+}
+
+void MainWindow::MakeToolsMenu() {
+    QMenu* const menu = menuBar()->addMenu(tr("&Tools"));
+    m_pCutTools->FillMenu(*menu->addMenu(tr("&Cut")));
+    m_pAlignTools->FillMenu(*menu->addMenu(tr("&Align")));
+    MakeClipMenu(*menu->addMenu(tr("Clip &plane")));
+    MakePickMenu(*menu->addMenu(tr("Pic&king")));
 }
 
 QList<QAction*> MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
@@ -139,20 +208,14 @@ QAction* MainWindow::AddSwitch(QMenu& menu, const QString& text, bool checked,
     return action;
 }
 
-void MainWindow::MakeImportMenu() {
-    QMenu* const menu = menuBar()->addMenu(tr("&Import"));
-    menu->addAction(tr("&Skip value..."), this, &MainWindow::AskForSkip);
-    menu->addAction(tr("&Confidence limit..."), this, &MainWindow::AskForConfidence);
-    menu->addAction(tr("Scan c&olour..."), this, &MainWindow::AskForScanColor);
-}
-
 void MainWindow::AskForFiles() {
     const QString all = QString::fromStdString(ExtensionPatterns(IsImported));
     const QString scans = QString::fromStdString(ExtensionPatterns(IsImportedScan));
     const QString meshes = QString::fromStdString(ExtensionPatterns(IsImportedMesh));
     const QStringList names = QFileDialog::getOpenFileNames(
-        this, tr("Open scans and meshes"), {},
+        this, tr("Open scans and meshes"), StoredFolder(FolderUse::Open),
         tr("Scans and meshes (%1);;Scans (%2);;Meshes (%3);;All files (*)").arg(all, scans, meshes));
+    StoreFolderOf(FolderUse::Open, names.value(0));
     std::vector<std::string> files;
     // encodeName() gives the bytes that the file has on disk.
     for (const QString& name : names) files.push_back(QFile::encodeName(name).toStdString());
@@ -161,7 +224,7 @@ void MainWindow::AskForFiles() {
 
 void MainWindow::AskForScreenShot() {
     // Not getSaveFileName(), which has no default suffix.
-    QFileDialog dialog(this, tr(kScreenShotSummary), {}, tr("PNG pictures (*.png);;All files (*)"));
+    QFileDialog dialog(this, tr("Save screenshot"), {}, tr("PNG pictures (*.png);;All files (*)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(
         "png");  // added by the dialog, so that it asks before it overwrites the file of the full name
@@ -183,22 +246,13 @@ void MainWindow::AskForPointSize() {
     if (accepted) ShowPointSize(static_cast<float>(size));
 }
 
-void MainWindow::AskForSkip() {
-    bool accepted = false;
-    const int skip = QInputDialog::getInt(this, tr("Skip value"), tr("One point for N x N grid points, N:"),
-                                          m_options.import.skip, 1, 32767, 1, &accepted);
-    if (accepted) m_options.import.skip = static_cast<std::int16_t>(skip);
-}
-
-void MainWindow::AskForConfidence() {
-    bool accepted = false;
-    const double limit =
-        QInputDialog::getDouble(this, tr("Confidence limit"), tr("Leave out points with a confidence below:"),
-                                static_cast<double>(m_options.import.confidence), -1e9, 1e9, 4, &accepted);
-    if (accepted) m_options.import.confidence = static_cast<float>(limit);
-}
-
-void MainWindow::AskForScanColor() {
-    const QColor color = QColorDialog::getColor(ColorFromPacked(m_options.import.color), this, tr("Scan colour"));
-    if (color.isValid()) m_options.import.color = PackedFromColor(color);
+void MainWindow::AskForImportSettings() {
+    ScanImportDialog dialog(m_options.import, this);
+    if (dialog.exec() != QDialog::Accepted) return;
+    const ImportSettings before = m_options.import, chosen = dialog.Settings();
+    SetImportSettings(chosen);
+    // One by one: a value of the command line is for this window only.
+    if (before.skip != chosen.skip) StoreSkip(chosen.skip);
+    if (before.confidence != chosen.confidence) StoreConfidence(chosen.confidence);
+    if (before.color != chosen.color) StoreScanColor(chosen.color);
 }

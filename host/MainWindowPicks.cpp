@@ -1,10 +1,8 @@
-// Points that the user picks on objects: in pick mode 5 each gets a sphere in the viewer and a row in the pane.
+// Points that the user picks on objects: each gets a sphere in the viewer and a row in the pane.
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
-#include <QResizeEvent>
 #include <QScopedValueRollback>
 #include <QStatusBar>
 #include <algorithm>
@@ -18,19 +16,20 @@
 #include "ObjectList.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
-#include "ToolTip.h"
+#include "StatusLine.h"
 #include "ViewerWidget.h"
 
 namespace {
 
-/// Length of the diagonal of the box around all objects; 0 without an object that has points.
-double SceneDiagonal(KV_ScenePane::_DKV_ScenePane& methods) {
+/// Length of the diagonal of the box around these objects; 0 without one that has points.
+double SceneDiagonal(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<int>& objects) {
     std::array<float, 3> low{}, high{};
     low.fill(std::numeric_limits<float>::infinity());
     high.fill(-std::numeric_limits<float>::infinity());
-    for (std::int16_t i = 0; i < methods.GetNumObjects(); ++i) {
+    for (const int object : objects) {
         std::array<float, 6> box{};
-        methods.GetObjectBoundingBox(i, &box[0], &box[1], &box[2], &box[3], &box[4], &box[5]);
+        methods.GetObjectBoundingBox(static_cast<std::int16_t>(object), &box[0], &box[1], &box[2], &box[3], &box[4],
+                                     &box[5]);
         if (!(box[0] <= box[1])) continue;  // an object without points
         for (std::size_t axis = 0; axis < 3; ++axis) {
             low[axis] = std::min(low[axis], box[2 * axis]);
@@ -67,15 +66,8 @@ void MainWindow::MakePickPanel() {
     connect(m_pViewer, &ViewerWidget::ObjectPicked, this, &MainWindow::OnObjectPicked);
     connect(m_pViewer, &ViewerWidget::PickPointsChanged, this, &MainWindow::OnPickPointsChanged);
     // Queued: the viewer ends the drag of the press first.
-    connect(m_pViewer, &ViewerWidget::RightClicked, this, &MainWindow::ShowPickMenu, Qt::QueuedConnection);
+    connect(m_pViewer, &ViewerWidget::RightClicked, this, &MainWindow::ShowMenuAt, Qt::QueuedConnection);
     connect(this, &MainWindow::ImportFinished, this, &MainWindow::FollowImport);
-    // Permanent: a message that is shown meanwhile does not hide it.
-    m_pLastPick = new QLabel;
-    m_pLastPick->setObjectName("lastPick");
-    m_pLastPick->setTextFormat(Qt::PlainText);  // it names files
-    m_pLastPick->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    statusBar()->addPermanentWidget(m_pLastPick);
-    m_pLastPick->hide();
 }
 
 void MainWindow::MakePickActions(QMenu& menu) {
@@ -121,7 +113,8 @@ bool MainWindow::AskAboutPickPoints() {
 void MainWindow::ShowPickMode() {
     if (Pane() == nullptr) return;
     const std::int16_t mode = Pane()->Methods().GetPickMode();
-    m_pickActions[mode]->setChecked(true);
+    const int choice = mode == KV_ScenePane::PickModeCross ? 2 : IsPicking(mode) ? 1 : 0;
+    m_pickActions[choice]->setChecked(true);
     m_pDecorations->ShowCross(mode == KV_ScenePane::PickModeCross);
     m_pPicks->ShowPlacing(mode == KV_ScenePane::PickModePoints);
 }
@@ -166,15 +159,18 @@ void MainWindow::FollowPickPoints() {
     m_pPicks->ShowPoints(m_vPickPoints);
 }
 
-void MainWindow::FollowDeletedObject(int object) {
-    RenumberPicks([object](int index) { return index == object ? -1 : index > object ? index - 1 : index; });
-}
-
 void MainWindow::RenumberPicks(const std::function<int(int object)>& newIndex) {
     for (std::vector<PickedPoint>* const picks : {&m_vPickPoints, &m_vLastPicks}) {
         for (PickedPoint& pick : *picks) {
             if (pick.object >= 0) pick.object = newIndex(pick.object);
         }
+    }
+    MarkDeletedPicks();
+}
+
+void MainWindow::MarkDeletedPicks() {
+    for (std::vector<PickedPoint>* const picks : {&m_vPickPoints, &m_vLastPicks}) {
+        for (PickedPoint& pick : *picks) pick.isDeleted = m_pObjects->IsRemoved(pick.object);
     }
     FollowPickPoints();
     ShowLastPick();
@@ -244,32 +240,28 @@ void MainWindow::CopyPickDistance() {
 
 // The viewer names the nearest sphere at any distance, also one behind an object: the menu names the point, and the
 // list shows it.
-void MainWindow::ShowPickMenu(QPoint pixel) {
-    if (Pane() == nullptr || Pane()->Methods().GetPickMode() != KV_ScenePane::PickModePoints) return;
+bool MainWindow::AddPickEntries(QMenu& menu, QPoint pixel) {
+    if (Pane()->Methods().GetPickMode() != KV_ScenePane::PickModePoints) return false;
     const int point = Pane()->Methods().FindNearestPickPointSphere(pixel.x(), pixel.y());
-    if (point < 0 || point >= static_cast<int>(m_vPickPoints.size())) return;
+    if (point < 0 || point >= static_cast<int>(m_vPickPoints.size())) return false;
     m_pPicks->SelectPoint(point);
     const PickedPoint& pick = m_vPickPoints[static_cast<std::size_t>(point)];
-    auto* const menu = new QMenu(this);
-    menu->setObjectName("pickMenu");
-    menu->setAttribute(Qt::WA_DeleteOnClose);
     const QString object = ObjectText(pick).replace('&', "&&");  // one alone marks a key
-    menu->addAction(tr("Point %1 on %2").arg(QString::number(point + 1), object))->setEnabled(false);
-    menu->addAction(tr("&Remove point %1").arg(point + 1), this, [this, point] { RemovePickPoints({point}); });
+    menu.addAction(tr("Point %1 on %2").arg(QString::number(point + 1), object))->setEnabled(false);
+    menu.addAction(tr("&Remove point %1").arg(point + 1), this, [this, point] { RemovePickPoints({point}); });
     if (m_nPointToMove >= 0)
-        menu->addAction(m_pCancelMove);
+        menu.addAction(m_pCancelMove);
     else
-        menu->addAction(tr("&Move point %1 to the next pick").arg(point + 1), this,
-                        [this, point] { MovePickPoint(point); });
-    menu->addAction(tr("&Copy coordinates"), this, [this, point] { CopyPickPoints({point}); });
-    menu->addAction(m_pCopyDistance);
-    m_pPickMenu = menu;
-    menu->popup(m_pViewer->mapToGlobal((QPointF(pixel) / m_pViewer->devicePixelRatioF()).toPoint()));
+        menu.addAction(tr("&Move point %1 to the next pick").arg(point + 1), this,
+                       [this, point] { MovePickPoint(point); });
+    menu.addAction(tr("&Copy coordinates"), this, [this, point] { CopyPickPoints({point}); });
+    menu.addAction(m_pCopyDistance);
+    return true;
 }
 
 void MainWindow::FitPickRadius() {
     if (Pane() == nullptr) return;
-    const double radius = SceneDiagonal(Pane()->Methods()) * m_pPicks->RadiusOfDiagonal();
+    const double radius = SceneDiagonal(Pane()->Methods(), m_pObjects->PresentObjects()) * m_pPicks->RadiusOfDiagonal();
     if (!(radius > 0.0)) return;  // no scene: nothing can be picked
     constexpr double kLargest = std::numeric_limits<float>::max();
     Pane()->Methods().SetPickRadius(static_cast<float>(std::min(radius, kLargest)));
@@ -280,22 +272,14 @@ void MainWindow::ShowLastPick() {
     const QString distance = PickDistanceText();
     m_pPicks->ShowDistance(distance);
     m_pCopyDistance->setEnabled(!distance.isEmpty());
-    m_pLastPick->setVisible(!m_vLastPicks.empty());
-    if (m_vLastPicks.empty()) return;
-    const PickedPoint& last = m_vLastPicks.back();
-    QString text = QString("%1   %2").arg(ObjectText(last), PointText(last, " "));
-    if (!distance.isEmpty()) text += tr("   distance %1").arg(distance);
-    // A message beside it keeps half of the bar. The start is left out: numbers are at the end.
-    constexpr int kMargin = 8;  // pixels, of the label
-    const int space = width() / 2;
-    m_pLastPick->setMaximumWidth(space);
-    m_pLastPick->setText(m_pLastPick->fontMetrics().elidedText(text, Qt::ElideLeft, space - kMargin));
-    m_pLastPick->setToolTip(PlainToolTip(text));  // readable where the window is too narrow
-}
-
-void MainWindow::resizeEvent(QResizeEvent* event) {
-    QMainWindow::resizeEvent(event);
-    ShowLastPick();
+    QString text;
+    if (!m_vLastPicks.empty()) {
+        const PickedPoint& last = m_vLastPicks.back();
+        const QString point = PointText(last, " ");
+        text = distance.isEmpty() ? tr("%1   %2 mm").arg(ObjectText(last), point)
+                                  : tr("%1   %2 mm   distance %3 mm").arg(ObjectText(last), point, distance);
+    }
+    m_pStatus->ShowPick(text, !distance.isEmpty());
 }
 
 void MainWindow::ForgetLastPicks() {
@@ -314,6 +298,4 @@ QString MainWindow::PickDistanceText() const {
     return QString::fromStdString(NumberText(static_cast<float>(Distance(m_vLastPicks[0], m_vLastPicks[1]))));
 }
 
-QString MainWindow::NameOfObject(int object) const {
-    return m_pObjects->NameOf(object);
-}
+QString MainWindow::NameOfObject(int object) const { return m_pObjects->NameOf(object); }

@@ -47,7 +47,7 @@ bool IsPicking(int mode) {
 }
 
 QString ObjectText(const PickedPoint& pick) {
-    if (pick.object < 0) return PickPanel::tr("%1 (deleted)").arg(pick.name);
+    if (pick.object < 0 || pick.isDeleted) return PickPanel::tr("%1 (deleted)").arg(pick.name);
     return QString("%1: %2").arg(QString::number(pick.object), pick.name);
 }
 
@@ -103,8 +103,7 @@ void PickPanel::MakeList() {
 QBoxLayout* PickPanel::MakeSettings() {
     m_pPlacing->setObjectName("placePoints");
     m_pPlacing->setToolTip(
-        tr("The same as View, Picking, \"Points on objects, with pick-point spheres\". Another pick mode removes all "
-           "points."));
+        tr("The same as Tools, Picking, Points on objects. Another choice there removes all points."));
     connect(m_pPlacing, &QCheckBox::toggled, this, &PickPanel::PlacingWanted);
     m_pColor->setObjectName("pointColor");
     m_pColor->SetName(tr("Colour of the points that are placed next"));

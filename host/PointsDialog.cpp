@@ -31,7 +31,7 @@ PointsDialog::PointsDialog(const QStringList& names, const PointsLook& look, QWi
     m_pColor = new ColorButton(look.color);
     m_pColor->setObjectName("pointColor");
     m_pColor->SetName(tr("Colour of points that have none in their file"));
-    form->addRow(tr("&Colour without rgb:"), m_pColor);
+    form->addRow(tr("&Colour of points without one:"), m_pColor);
     auto* const note = new QLabel(
         tr("The opacity of points cannot be changed after the import. To change it, delete them and import the file "
            "again: the graphics memory of deleted points is not free before the window is closed. From 99 % on, points "

@@ -27,7 +27,7 @@ constexpr struct {
 } kTips[] = {
     {"DrawMode", QT_TRANSLATE_NOOP("PropertyDialog",
                                    "How objects are drawn.\nNothing is chosen while the window has a render mode "
-                                   "that only the View menu offers.")},
+                                   "that only the Render menu offers.")},
     {"DrawMosaic",
      QT_TRANSLATE_NOOP("PropertyDialog", "Kept and reported to programs only: it changes nothing in the picture.")},
     {"MoveReduced", QT_TRANSLATE_NOOP("PropertyDialog",
@@ -98,7 +98,7 @@ void PropertyDialog::AddControl(QFormLayout& form, const PropertyPageControl& de
         auto* const list = new QComboBox;
         for (const std::string_view item : description.items) list->addItem(Text(item));
         // The one drop-down is that of the render modes.
-        list->setPlaceholderText(tr("(another mode, see View > Render mode)"));
+        list->setPlaceholderText(tr("(another mode, see the Render menu)"));
         connect(list, &QComboBox::currentIndexChanged, this, &PropertyDialog::EnableButtons);
         widget = list;
     } else {

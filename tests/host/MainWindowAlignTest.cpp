@@ -336,7 +336,7 @@ TEST_F(MainWindowAlign, AllowsTheViewToChangeButNotTheObjects) {
     ASSERT_TRUE(CutByCall());
     const QStringList scene{"Clear",        "Open...",        "Export selected object...", "Save screenshot...",
                             "Centre cross", "Import lines..."};
-    const QStringList view{"Centre", "From +Z, Y up", "Shadows", "Clip the scene"};
+    const QStringList view{"Fit the view", "From +Z, Y up", "Shadows", "Clip the scene"};
     for (const char* const tool : {"alignByHand", "alignByPoints"}) {
         StartAlign(tool);
         for (const QString& text : scene) EXPECT_FALSE(MenuAction(text).isEnabled()) << text.toStdString();

@@ -92,7 +92,7 @@ TEST_F(MainWindowClipScenes, HasNotBeenMovedByAFitFarFromTheOrigin) {
     On().click();
     Methods().SetClipPlane(0, 0, 10, 0, 0, 1);
     m_window->Clip().FollowViewer();
-    Trigger("Centre");
+    Trigger("Fit the view");
     EXPECT_TRUE(WaitUntil([&] { return Fields()[0] == 500'050; })) << Fields()[0];
     EXPECT_FALSE(Settings().moved);
 }

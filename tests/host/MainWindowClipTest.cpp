@@ -111,7 +111,7 @@ TEST_F(MainWindowClip, FollowsWhatIsTypedAndKeepsTheTextMeanwhile) {
     m_window->Clip().FollowViewer();
     EXPECT_EQ(Number("clipNormalX").text(), "2") << "not the unit vector while the user types";
     EXPECT_EQ(Number("clipNormalZ").text(), "1");
-    Trigger("Centre");
+    Trigger("Fit the view");
     ASSERT_TRUE(WaitUntil([&] { return Fields()[0] != -12.5; }));
     EXPECT_EQ(Number("clipNormalX").text(), "2") << "the centre alone has moved";
     typeInto("clipNormalY", "2");
@@ -131,11 +131,11 @@ TEST_F(MainWindowClip, FollowsWhatIsTypedAndKeepsTheTextMeanwhile) {
 TEST_F(MainWindowClip, KeepsWhatIsTypedWhenTheViewerHasMovedThePlaneJustBefore) {
     On().click();
     Number("clipCenterX").setValue(3);
-    Trigger("Centre");  // the plane goes to x = 50, and no frame follows yet
+    Trigger("Fit the view");  // the plane goes to x = 50, and no frame follows yet
     Number("clipCenterX").setValue(7);
     EXPECT_EQ(Center(), (Point{7, 50, 10}));
     EXPECT_EQ(Fields()[0], 7);
-    Trigger("Centre");
+    Trigger("Fit the view");
     Number("clipNormalX").setValue(1);
     EXPECT_EQ(Center(), (Point{50, 50, 10}));
     EXPECT_EQ(Fields()[0], 50);
@@ -190,7 +190,7 @@ TEST_F(MainWindowClip, TurnsAboutItsCentreByTheButtonsOfTheAxes) {
 TEST_F(MainWindowClip, FollowsAViewThatIsFitted) {
     On().click();
     Number("clipCenterX").setValue(3);
-    Trigger("Centre");
+    Trigger("Fit the view");
     ASSERT_TRUE(WaitUntil([&] { return Fields()[0] == 50; }));
     EXPECT_EQ(Center(), (Point{50, 50, 10}));
     EXPECT_TRUE(Settings().moved);

@@ -10,6 +10,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <map>
+#include <utility>
 
 #include "AnimationDriver.h"
 #include "AnimationPanel.h"
@@ -34,12 +35,13 @@ protected:
     }
 };
 
-TEST_F(MainWindowControls, ChoosesPickModesInTheirOrder) {
-    int expected = 0;
-    for (const char* const name : {"Off", "Centre cross", "Points on objects", "Points on objects (mode 3)",
-                                   "Off (mode 4)", "Points on objects, with pick-point spheres"}) {
+TEST_F(MainWindowControls, ChoosesPickModesByTheirNames) {
+    const std::pair<const char*, int> modes[] = {{"Points on objects", KV_ScenePane::PickModePoints},
+                                                 {"Centre cross", KV_ScenePane::PickModeCross},
+                                                 {"Off", KV_ScenePane::PickModeOff}};
+    for (const auto& [name, mode] : modes) {
         Trigger(name);
-        EXPECT_EQ(Methods().GetPickMode(), expected++) << name;
+        EXPECT_EQ(Methods().GetPickMode(), mode) << name;
     }
 }
 

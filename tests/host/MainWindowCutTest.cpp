@@ -194,7 +194,8 @@ TEST_F(MainWindowCut, EndsWithTheToolReleasedHoweverTheViewerEndsIt) {
 }
 
 TEST_F(MainWindowCut, KeepsAllOtherUsesOfTheSceneAwayFromALasso) {
-    const QStringList others{"Clear", "Open...", "Centre", "From +Z, Y up", "Export selected object...", "Shadows"};
+    const QStringList others{"Clear",  "Open...", "Fit the view", "From +Z, Y up", "Export selected object...",
+                             "Shadows"};
     for (const QString& other : others) EXPECT_TRUE(MenuAction(other).isEnabled()) << other.toStdString();
     Start("cutPolygonInside");
     for (const QString& other : others) EXPECT_FALSE(MenuAction(other).isEnabled()) << other.toStdString();

@@ -401,10 +401,10 @@ TEST_F(MainWindowMarkers, FitsTheViewToTheFirstPointsOnly) {
     WriteStl(m_folder / "mesh.stl");
     Import({m_folder / "mesh.stl"});
     EXPECT_EQ(View(), view) << "a mesh after the points does not move the view either";
-    Trigger("Centre");
+    Trigger("Fit the view");
     EXPECT_EQ(View()[6], 505.0f);
     Row(1).setCheckState(MarkerPanel::kName, Qt::Unchecked);
-    Trigger("Centre");
+    Trigger("Fit the view");
     EXPECT_EQ(View()[6], 5.0f) << "hidden points do not count";
 }
 
@@ -465,7 +465,10 @@ TEST_F(MainWindowMarkers, HintsAtThePointImportForAPlyFileWithoutFaces) {
               "property float z\nelement face 0\nproperty list uchar int vertex_indices\nend_header\n"
               "0 0 0\n1 1 1\n");
     Import({file});
-    EXPECT_EQ(Messages(), file + ": nothing added: holds no faces; File > Import free points shows its vertices");
+    EXPECT_EQ(Messages(),
+              file +
+                  ": nothing added: the file has points but no triangles: import it as free points (File > Import free "
+                  "points, or --points)");
     ImportPoints({file});
     EXPECT_EQ(PointRows(), std::vector<std::string>{"points.ply"});
 }

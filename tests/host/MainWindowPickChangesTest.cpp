@@ -38,7 +38,7 @@ TEST_F(MainWindowPickChanges, AreLostOnlyOnceTheUserAgrees) {
         EXPECT_EQ(Points().size(), 2u);
         EXPECT_EQ(Methods().GetPickMode(), KV_ScenePane::PickModePoints);
         EXPECT_TRUE(placing.isChecked());
-        EXPECT_TRUE(MenuAction("Points on objects, with pick-point spheres").isChecked());
+        EXPECT_TRUE(MenuAction("Points on objects").isChecked());
         EXPECT_FALSE(Find<QCheckBox>("cross").isChecked());
         EXPECT_FALSE(Find<QCheckBox>("needleCreate").isChecked());
         EXPECT_EQ(Methods().GetNeedlePickingMode(), KV_ScenePane::kVariantFalse);
@@ -95,10 +95,10 @@ TEST_F(MainWindowPickChanges, LeaveTheStatusBarWhenTheyAreClearedOrTheModeChange
         EXPECT_FALSE(Button("copyDistance").isEnabled());
         EXPECT_FALSE(MenuAction("Copy distance of the last two picks").isEnabled());
     };
-    pickTwice("Points on objects, with pick-point spheres");
+    pickTwice("Points on objects");
     Button("clearPoints").click();
     expectNothing();
-    for (const char* const next : {"Points on objects (mode 3)", "Off"}) {
+    for (const char* const next : {"Centre cross", "Off"}) {
         pickTwice("Points on objects");
         Trigger(next);
         expectNothing();
@@ -122,8 +122,7 @@ TEST_F(MainWindowPickChanges, LeaveHalfOfANarrowStatusBarToTheMessage) {
 
 TEST_F(MainWindowPickChanges, AndNeedlesAreNotMadeByTheSameClick) {
     auto& creation = Find<QCheckBox>("needleCreate");
-    for (const char* const mode :
-         {"Points on objects", "Points on objects (mode 3)", "Points on objects, with pick-point spheres"}) {
+    for (const char* const mode : {"Points on objects"}) {
         Trigger(mode);
         creation.click();
         EXPECT_EQ(Methods().GetPickMode(), KV_ScenePane::PickModeOff) << mode;

@@ -29,7 +29,7 @@ protected:
         PointerFixture::SetUp();
         WriteXdt(m_folder / "a.xdt", 40, 40);
         Import({m_folder / "a.xdt"});
-        Trigger("Points on objects, with pick-point spheres");
+        Trigger("Points on objects");
         QGuiApplication::clipboard()->setText("nothing");
     }
     void TearDown() override {
@@ -100,8 +100,9 @@ protected:
 TEST_F(MainWindowPickMenu, NamesTheNearestPoint) {
     PlacePoints({Beside(-0.2, 0), Beside(0.2, 0)});
     RightClick(Beside(0.15, 0.05));
-    EXPECT_EQ(Entries(), (std::vector<std::string>{"Remove point 2", "Move point 2 to the next pick",
-                                                   "Copy coordinates", "Copy distance of the last two picks"}));
+    EXPECT_EQ(Entries(),
+              (std::vector<std::string>{"Remove point 2", "Move point 2 to the next pick", "Copy coordinates",
+                                        "Copy distance of the last two picks", "", "View and object"}));
     ASSERT_EQ(List().selectedItems().size(), 1);
     EXPECT_EQ(List().indexOfTopLevelItem(List().selectedItems().front()), 1);
     Xdotool("key Escape");
@@ -215,15 +216,19 @@ TEST_F(MainWindowPickMenu, DoesNotOpenAfterADrag) {
     EXPECT_EQ(OpenMenu(), nullptr);
 }
 
-TEST_F(MainWindowPickMenu, DoesNotOpenWithoutPointsNorInOtherPickModes) {
+TEST_F(MainWindowPickMenu, IsThatOfTheViewWithoutPointsAndInOtherPickModes) {
     Xdotool("mousemove " + At(Middle()) + " click 3");
     WaitForClicks();
-    EXPECT_EQ(OpenMenu(), nullptr) << "no point";
-    Trigger("Points on objects");
+    ASSERT_NE(OpenMenu(), nullptr);
+    EXPECT_EQ(OpenMenu()->objectName(), "viewMenu") << "no point";
+    Xdotool("key Escape");
+    ASSERT_TRUE(WaitUntil([] { return OpenMenu() == nullptr; }));
+    Trigger("Centre cross");
     Methods().AddPickPointSphere(1, 1, 0, 0);
     Xdotool("mousemove " + At(Middle()) + " click 3");
     WaitForClicks();
-    EXPECT_EQ(OpenMenu(), nullptr) << "the mode draws no spheres";
+    ASSERT_NE(OpenMenu(), nullptr);
+    EXPECT_EQ(OpenMenu()->objectName(), "viewMenu") << "the mode draws no spheres";
 }
 
 TEST_F(MainWindowPickMenu, ClosesWhenThePointsChange) {

@@ -84,7 +84,7 @@ TEST_F(MainWindowProperties, TheOpenPageFollowsTheMenus) {
     EXPECT_EQ(Mode().currentIndex(), 0);
     Trigger("Lit per pixel");
     EXPECT_EQ(Mode().currentIndex(), -1);
-    EXPECT_EQ(Mode().placeholderText(), "(another mode, see View > Render mode)");
+    EXPECT_EQ(Mode().placeholderText(), "(another mode, see the Render menu)");
     Trigger("Reduced while moving");
     EXPECT_TRUE(Reduced().isChecked());
     EXPECT_FALSE(m_window->findChild<QDialogButtonBox*>()->button(kApply)->isEnabled());
@@ -102,24 +102,6 @@ TEST_F(MainWindowProperties, MenusAndPageFollowAChangeByAnotherCaller) {
     Methods().SetDrawMode(100);
     EXPECT_TRUE(WaitUntil([&] { return CheckedMode().empty(); })) << "the menu has no such mode";
     EXPECT_EQ(Mode().currentIndex(), -1);
-}
-
-TEST_F(MainWindowProperties, ThePageWarnsAboutAModeWithoutObjectsAsTheMenuDoes) {
-    Show();
-    Trigger("Shadows");
-    Trigger("Lit per pixel");
-    const QString hint = "This render mode shows no objects while shadows are on.";
-    EXPECT_EQ(m_window->statusBar()->currentMessage(), hint);
-    m_window->statusBar()->showMessage("something else");
-    Methods().PerformInvalidate();
-    QApplication::processEvents();
-    EXPECT_EQ(m_window->statusBar()->currentMessage(), "something else") << "the hint comes once";
-    Trigger("Background only");
-    EXPECT_EQ(m_window->statusBar()->currentMessage(), hint);
-    OpenPage();
-    Mode().setCurrentIndex(2);
-    Click(kOk);
-    EXPECT_EQ(m_window->statusBar()->currentMessage(), "");
 }
 
 TEST_F(MainWindowProperties, TheRenderModeCannotBeChangedUnderALasso) {
@@ -356,7 +338,7 @@ TEST_P(MainWindowBadStore, IsReportedInOneLineAndKeptUntilAPropertyIsChanged) {
     const std::string messages = Messages();
     EXPECT_EQ(messages.find(GetParam().reason), 0u) << messages;
     EXPECT_NE(messages.find(". The properties of the viewer have their default values. What is stored stays; change a "
-                            "property in View > Properties to replace it."),
+                            "property in Render > Properties to replace it."),
               std::string::npos)
         << messages;
     EXPECT_EQ(messages.find('\n'), std::string::npos) << messages;

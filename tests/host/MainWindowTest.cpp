@@ -123,7 +123,7 @@ TEST_F(MainWindowTest, ReportsEveryFileThatAddedNothing) {
     EXPECT_EQ(Rows(), std::vector<std::string>{"good.xdt"});
     const std::string messages = Messages();
     EXPECT_NE(messages.find("none.pcm: nothing added: No such file or directory"), std::string::npos) << messages;
-    EXPECT_NE(messages.find("damaged.pcm: nothing added: header is cut short at byte 1"), std::string::npos);
+    EXPECT_NE(messages.find("damaged.pcm: nothing added: the file is cut short after 1 bytes"), std::string::npos);
     EXPECT_NE(messages.find("short.pax: nothing added: ends before the size of its grid"), std::string::npos)
         << messages;
     EXPECT_NE(messages.find("foreign.obj: nothing added: unknown file type"), std::string::npos) << messages;
@@ -216,7 +216,7 @@ TEST_F(MainWindowTest, FollowsItsMenus) {
     EXPECT_EQ(right[0], -1.0f);
     methods.SetViewParams(1, 0, 0, 0, 1, 0, 500, 500, 0, 1, 0);
     EXPECT_EQ(MiddlePixel(), kBackground);
-    Trigger("Centre");
+    Trigger("Fit the view");
     EXPECT_NE(MiddlePixel(), kBackground);
     Trigger("Clear");
     EXPECT_TRUE(Rows().empty());

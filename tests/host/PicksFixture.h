@@ -60,7 +60,7 @@ protected:
         }
     }
     /// The pick mode in which a pick places a point.
-    void PlacePoints() const { Trigger("Points on objects, with pick-point spheres"); }
+    void PlacePoints() const { Trigger("Points on objects"); }
     /// "x<separator>y<separator>z" as the window writes them.
     [[nodiscard]] static std::string Text(const KV_ScenePane::SurfacePoint& hit, const std::string& separator) {
         return NumberText(hit.point[0]) + separator + NumberText(hit.point[1]) + separator + NumberText(hit.point[2]);

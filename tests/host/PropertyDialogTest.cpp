@@ -184,7 +184,7 @@ TEST_F(PropertyDialogTest, ShowsNoModeForThoseThatItDoesNotHaveAndKeepsThem) {
         m_dialog.ShowPage();
         EXPECT_EQ(Mode().currentIndex(), -1);
         EXPECT_EQ(Mode().currentText(), "");
-        EXPECT_EQ(Mode().placeholderText(), "(another mode, see View > Render mode)");
+        EXPECT_EQ(Mode().placeholderText(), "(another mode, see the Render menu)");
         Mosaic().setChecked(true);
         Click(mode % 2 == 0 ? kApply : kOk);
         EXPECT_EQ(InViewer(), (Properties{mode, 1, 0}));
