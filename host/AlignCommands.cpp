@@ -5,6 +5,7 @@
 
 #include "CaughtError.h"
 #include "KV_ScenePane/Input.h"
+#include "TranslatedText.h"
 
 AlignCommands::AlignCommands(std::function<std::vector<int>()> movingRows, QObject* parent)
     : QObject(parent), m_movingRows(std::move(movingRows)) {}
@@ -24,7 +25,8 @@ void AlignCommands::Start(AlignWay way) {
     Finish();
     KV_ScenePane::_DKV_ScenePane& methods = m_pViewer->Methods();
     const std::vector<int> rows = m_movingRows();
-    if (const QString hint = SetupHint(way, methods.GetNumObjects(), static_cast<int>(rows.size())); !hint.isEmpty()) {
+    const int count = m_objectCount ? m_objectCount() : methods.GetNumObjects();
+    if (const QString hint = SetupHint(way, count, static_cast<int>(rows.size())); !hint.isEmpty()) {
         emit Report(hint);
         emit Changed();  // a tool that was pressed is released again
         return;
@@ -42,7 +44,7 @@ void AlignCommands::Start(AlignWay way) {
             methods.AlignPickPoints();
         FollowViewer();
     } catch (...) {  // no exception may pass through Qt
-        const QString reason = QString::fromStdString(TextOfCaughtError());
+        const QString reason = TranslatedText(TextOfCaughtError());
         Finish();
         emit Report(tr("No alignment can be started: %1").arg(reason));
     }

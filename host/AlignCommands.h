@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "AlignProgress.h"
@@ -16,6 +17,8 @@ class AlignCommands : public QObject {
 public:
     /// @param movingRows  returns the indices of the objects that may move
     AlignCommands(std::function<std::vector<int>()> movingRows, QObject* parent);
+    /// @param count  returns the number of objects in the scene; without it those of the viewer are counted
+    void SetObjectCount(std::function<int()> count) { m_objectCount = std::move(count); }
     /// @param viewer  must outlive this or be replaced by null
     void SetViewer(KV_ScenePane::ScenePane* viewer);
 
@@ -63,6 +66,7 @@ private:
     void PressKey(std::int32_t key);
 
     const std::function<std::vector<int>()> m_movingRows;
+    std::function<int()> m_objectCount;
     KV_ScenePane::ScenePane* m_pViewer = nullptr;
     std::optional<AlignWay> m_way;
     AlignProgress m_progress;

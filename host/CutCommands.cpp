@@ -8,6 +8,7 @@
 #include "LassoTints.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
+#include "TranslatedText.h"
 
 namespace {
 
@@ -54,7 +55,7 @@ int CutCommands::UndoSteps() const { return m_pViewer != nullptr ? m_pViewer->Ge
 void CutCommands::Start(Way way) {
     if (m_pViewer == nullptr) return;
     Cancel();
-    if (m_pViewer->Methods().GetNumObjects() == 0) {
+    if (m_objects.PresentObjects().empty()) {
         emit Report(tr("There is no object to cut."));
         emit Changed();  // a tool that was pressed is released again
         return;
@@ -65,7 +66,7 @@ void CutCommands::Start(Way way) {
     try {
         m_pViewer->Methods().StartSegmentation(way);
     } catch (...) {  // no exception may pass through Qt
-        const QString reason = QString::fromStdString(TextOfCaughtError());
+        const QString reason = TranslatedText(TextOfCaughtError());
         m_way.reset();
         emit Changed();
         emit Report(tr("No lasso can be drawn: %1").arg(reason));
@@ -108,9 +109,11 @@ void CutCommands::Undo() {
     {
         const PaintBlock block(m_pViewer->Methods());  // one frame, with the visibility that the list shows
         (void)m_pViewer->Methods().PerformUndo();
-        const std::vector<ObjectRow> rows = TakeStep();
+        std::vector<ObjectRow> rows = TakeStep();
+        DropDeleted(&rows, before);
         for (std::size_t i = 0; i < rows.size(); ++i)
-            m_pViewer->Methods().SetObjectVisibility(static_cast<std::int16_t>(i), rows[i].isVisible ? 1 : 0);
+            m_pViewer->Methods().SetObjectVisibility(static_cast<std::int16_t>(i),
+                                                     rows[i].isVisible && !rows[i].isRemoved ? 1 : 0);
         ShowObjects(rows);
     }
     m_pViewer->Methods().PerformInvalidate();
@@ -135,20 +138,30 @@ std::vector<ObjectRow> CutCommands::TakeStep() {
     return rows;
 }
 
+void CutCommands::DropDeleted(std::vector<ObjectRow>* rows, const std::vector<ObjectRow>& before) {
+    for (std::size_t i = rows->size(); i-- > 0;) {
+        if (!(*rows)[i].isRemoved || RowOf(before, (*rows)[i].id) != nullptr) continue;
+        m_pViewer->Methods().DeleteObject(static_cast<std::int16_t>(i));
+        rows->erase(rows->begin() + static_cast<std::ptrdiff_t>(i));
+    }
+}
+
 QString CutCommands::UndoText(const std::vector<ObjectRow>& before) const {
     const std::vector<ObjectRow> after = m_objects.Rows();
-    QStringList gone, saved;
+    QStringList gone, restored, saved;
     for (const ObjectRow& row : before) {
         if (RowOf(after, row.id) == nullptr) gone << NameOf(row);
     }
     for (const ObjectRow& row : after) {
         const ObjectRow* const former = RowOf(before, row.id);
+        if (former == nullptr) restored << NameOf(row);
         const bool hasChanged = former == nullptr || former->vertices != row.vertices;
         if (hasChanged && m_ledger.IsInFile(row.id, UndoSteps() + 1)) saved << NameOf(row);
     }
     QString text = UndoSteps() == 0 ? tr("The cut was taken back.")
                                     : tr("The cut was taken back; %1 can be taken back, too.").arg(UndoSteps());
     if (!gone.isEmpty()) text += tr(" Removed, because opened after the cut: %1.").arg(gone.join(", "));
+    if (!restored.isEmpty()) text += tr(" Restored, because deleted after the cut: %1.").arg(restored.join(", "));
     if (saved.size() == 1) text += tr(" The file stays cut: %1.").arg(saved.front());
     if (saved.size() > 1) text += tr(" The files stay cut: %1.").arg(saved.join(", "));
     return text;

@@ -60,6 +60,8 @@ public:
 signals:
     /// A lasso was started or has ended, or the cuts, the undo steps or what is saved have changed.
     void Changed();
+    /// A save will write the cuts of the objects that are in the viewer then.
+    void AboutToWrite();
     /// A cut or an undo will replace objects; the viewer still has those of before.
     void AboutToReplaceObjects();
     /// The list shows the objects after a cut or an undo. Painting is blocked during an undo.
@@ -71,10 +73,10 @@ signals:
 private:
     using Entries = std::vector<KV_ScenePane::CutSaveEntry>;
 
-    /// The plan of a save; files of objects without a name are those of the list.
+    /// The plan of a save; files of objects without a name are those of the list. Of a deleted object it saves nothing.
     [[nodiscard]] Entries Plan() const;
     void NameFiles(Entries& entries) const;
-    /// The objects of the list, as the plan describes them.
+    /// The objects of the list, as the plan describes them. A deleted one has no id and nothing to save.
     [[nodiscard]] std::vector<CutObject> Objects(const Entries& plan) const;
     /// @param index  -1 for all objects
     /// @param canSave  receives whether a save writes one of them
@@ -100,6 +102,8 @@ private:
     [[nodiscard]] QString UndoText(const std::vector<ObjectRow>& before) const;
     /// Rows of the viewer's newest undo step, with the check marks that each object has now.
     [[nodiscard]] std::vector<ObjectRow> TakeStep();
+    /// Deletes what was deleted before the cut that was taken back, and for good since. @param before  the undo
+    void DropDeleted(std::vector<ObjectRow>* rows, const std::vector<ObjectRow>& before);
     void ApplyColors();
 
     ObjectList& m_objects;

@@ -8,6 +8,7 @@
 #include "CutSaveReport.h"
 #include "FileListDialog.h"
 #include "KV_ScenePane/PathText.h"
+#include "TranslatedText.h"
 
 namespace {
 
@@ -45,6 +46,14 @@ bool IsToBeWritten(const CutSaveEntry& entry) { return entry.outcome == KV_Scene
 CutCommands::Entries CutCommands::Plan() const {
     if (m_pViewer == nullptr) return {};
     Entries plan = m_pViewer->PlanCutSave();
+    // Deleted objects are in the viewer as long as they can be restored. A save comes after that.
+    for (std::size_t i = 0; i < plan.size(); ++i) {
+        if (!m_objects.IsRemoved(static_cast<int>(i))) continue;
+        CutSaveEntry nothing;
+        nothing.object = plan[i].object;
+        nothing.file = plan[i].file;
+        plan[i] = nothing;
+    }
     NameFiles(plan);
     return plan;
 }
@@ -62,7 +71,7 @@ std::vector<CutObject> CutCommands::Objects(const Entries& plan) const {
     std::vector<CutObject> objects;
     objects.reserve(plan.size());
     for (std::size_t i = 0; i < plan.size() && i < rows.size(); ++i)
-        objects.push_back({.id = rows[i].id,
+        objects.push_back({.id = rows[i].isRemoved ? -1 : rows[i].id,
                            .cuts = plan[i].numberOfCuts,
                            .isFromPcm = plan[i].outcome != KV_ScenePane::CutNotFromPcm,
                            .vertices = rows[i].vertices});
@@ -191,13 +200,14 @@ bool CutCommands::AskToWrite(const Entries& plan) {
 
 bool CutCommands::Write() {
     if (m_pViewer == nullptr) return false;
+    emit AboutToWrite();
     const Entries plan = Plan();
     QString failure;
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     try {
         (void)m_pViewer->Methods().SaveCuttingToPcms();
     } catch (...) {  // no exception may pass through Qt
-        failure = QString::fromStdString(TextOfCaughtError());
+        failure = TranslatedText(TextOfCaughtError());
     }
     QGuiApplication::restoreOverrideCursor();
     Entries results = m_pViewer->GetCutSaveResults();

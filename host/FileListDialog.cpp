@@ -53,6 +53,8 @@ FileListDialog::Button FileListDialog::Ask() {
     return exec() == QDialog::Accepted ? m_pressed : QDialogButtonBox::NoButton;
 }
 
+void FileListDialog::SetButtonText(Button button, const QString& text) { m_pButtons->button(button)->setText(text); }
+
 void FileListDialog::Press(Button button) { m_pButtons->button(button)->click(); }
 
 QString FileListDialog::Text() const {

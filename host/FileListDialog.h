@@ -20,6 +20,8 @@ public:
                    QWidget* parent = nullptr);
     /// Shows the dialog until it is answered. @return the button; NoButton when it was closed without one
     [[nodiscard]] Button Ask();
+    /// Instead of the usual text. @param button  one of the dialog's
+    void SetButtonText(Button button, const QString& text);
     /// For a program that answers. @param button  one of the dialog's
     void Press(Button button);
     /// Heading, lines and note.

@@ -7,9 +7,11 @@
 #include "ClipPanel.h"
 #include "CutCommands.h"
 #include "CutToolBar.h"
+#include "DeletionCommands.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "StatusLine.h"
 #include "TransformCommands.h"
 #include "ViewerWidget.h"
 
@@ -20,7 +22,6 @@ void MainWindow::MakeCuts() {
     m_pCuts->SetClipping([this] { return m_pClip->IsClipping(); });
     connect(m_pCutTools, &CutToolBar::WayWanted, m_pCuts, &CutCommands::Start);
     connect(m_pCutTools, &CutToolBar::CancelWanted, m_pCuts, &CutCommands::Cancel);
-    connect(m_pCutTools, &CutToolBar::UndoWanted, m_pCuts, &CutCommands::Undo);
     connect(m_pCutTools, &CutToolBar::SaveWanted, m_pCuts, &CutCommands::Save);
     connect(m_pCutTools, &CutToolBar::ColorsChanged, this, [this] {
         m_pCuts->SetColors(m_pCutTools->Settings());
@@ -42,14 +43,14 @@ void MainWindow::MakeCuts() {
     m_pLassoHint->hide();
 }
 
-void MainWindow::MakeCutMenu() { m_pCutTools->FillMenu(*menuBar()->addMenu(tr("&Edit"))); }
-
 bool MainWindow::IsLassoRunning() const { return m_pCuts->RunningWay().has_value(); }
 
 void MainWindow::FollowCuts() {
     m_pCutTools->Show({.canCut = Pane() != nullptr && !IsImporting() && !IsAligning(),
                        .way = m_pCuts->RunningWay(),
-                       .undoSteps = m_pCuts->UndoSteps()});
+                       .undoSteps = m_pCuts->UndoSteps(),
+                       .deletedObjects = m_pDeletions != nullptr ? m_pDeletions->UndoCount() : 0});
+    if (m_pDeletions != nullptr && !m_pDeletions->CanUndo()) m_pStatus->WithdrawUndo();
     m_pTransforms->Follow();
     FollowMouseUse();
 }
@@ -66,18 +67,4 @@ void MainWindow::FollowReplacedObjects(const std::vector<int>& newIndex) {
 void MainWindow::ReportCut(const QString& text) {
     m_pMessages->AddText(text);  // the next menu that opens clears the status bar
     statusBar()->showMessage(text.section('\n', -1));
-}
-
-void MainWindow::AskToClear() {
-    const QString title = tr("Clear the scene");
-    if (Pane() != nullptr && m_pCuts->AskAboutUnsaved(title) && AskAboutTransforms(title)) ClearScene();
-}
-
-void MainWindow::AskToDelete(const std::vector<int>& indices) {
-    if (Pane() == nullptr) return;
-    for (const int index : indices) {
-        if (!m_pCuts->AskAboutUnsaved(tr("Delete the object"), index)) return;
-    }
-    // From the end: later objects then have an index less.
-    for (auto index = indices.rbegin(); index != indices.rend(); ++index) DeleteObject(*index);
 }

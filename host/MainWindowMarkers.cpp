@@ -3,14 +3,13 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
-#include <QProgressBar>
-#include <QProgressDialog>
 #include <QStatusBar>
 #include <utility>
 
 #include "CaughtError.h"
 #include "FileImport.h"
 #include "FileTypes.h"
+#include "ImportProgress.h"
 #include "MainWindow.h"
 #include "MarkBox.h"
 #include "MarkerFiles.h"
@@ -18,10 +17,10 @@
 #include "MessagePane.h"
 #include "ObjectList.h"
 #include "PointsDialog.h"
+#include "RecentFiles.h"
+#include "TranslatedText.h"
 
 namespace {
-
-constexpr int kProgressDelayMs = 500;  // an import that takes longer shows its progress
 
 /// The bytes that the files have on disk.
 std::vector<std::string> PathsOf(const QStringList& names) {
@@ -61,9 +60,10 @@ void MainWindow::MakeMarkerActions(QMenu& menu) {
 
 void MainWindow::AskForPointFiles() {
     const QStringList names = QFileDialog::getOpenFileNames(
-        this, tr("Import free points"), {},
+        this, tr("Import free points"), StoredFolder(FolderUse::Open),
         tr("Points (%1 *.ply);;All files (*)").arg(QString::fromStdString(ExtensionPatterns(IsPoints))));
     if (names.isEmpty() || Pane() == nullptr) return;
+    StoreFolderOf(FolderUse::Open, names.constFirst());
     const std::vector<std::string> files = PathsOf(names);
     m_unaskedPoints.fitsView = m_unaskedPoints.fitsView || IsSceneEmpty();
     m_unaskedPoints.files.insert(m_unaskedPoints.files.end(), files.begin(), files.end());
@@ -113,39 +113,22 @@ void MainWindow::OpenWaitingPoints() {
     PointsRequest request = std::move(m_vWaitingPoints.front());
     m_vWaitingPoints.erase(m_vWaitingPoints.begin());
     m_pPointsJob = new PointsJob(Pane()->Methods(), std::move(request), this);
-    MakePointsProgress();
+    FollowPointsProgress();
     connect(m_pPointsJob, &PointsJob::Finished, this, &MainWindow::OnPointsImported);
-    m_pProgress->setValue(0);  // starts the time after which Qt shows the dialog
     EnableActions();
     m_pPointsJob->Start();
 }
 
-void MainWindow::MakePointsProgress() {
+void MainWindow::FollowPointsProgress() {
     const QStringList names = NamesOf(m_pPointsJob->Request().files);
-    const int steps = static_cast<int>(names.size()) * PointsJob::kStepsPerFile;
-    m_pProgress = std::make_unique<QProgressDialog>(QString(), tr("Cancel"), 0, steps, this);
-    QProgressDialog* const dialog = m_pProgress.get();
-    auto* const label = new QLabel(tr("Reading %1").arg(names.front()));
-    label->setTextFormat(Qt::PlainText);  // it names files
-    label->setAlignment(Qt::AlignCenter);
-    dialog->setLabel(label);
-    auto* const bar = new QProgressBar;
-    bar->setRange(0, steps);
-    dialog->setBar(bar);
-    m_pProgress->setWindowTitle(tr("scenepane"));
-    m_pProgress->setAutoReset(false);  // it is deleted at the end, whatever its value is then
-    m_pProgress->setModal(false);      // the window stays usable
-    m_pProgress->setMinimumDuration(kProgressDelayMs);
-    connect(m_pPointsJob, &PointsJob::Progress, dialog, &QProgressDialog::setValue);
-    connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
-    connect(m_pPointsJob, &PointsJob::Reading, dialog, [dialog, bar, names](int file) {
-        dialog->setLabelText(tr("Reading %1").arg(names[file]));
-        bar->setFormat("%p %");
-    });
-    connect(m_pPointsJob, &PointsJob::Adding, dialog, [dialog, bar, names](int file) {
-        dialog->setLabelText(names[file]);
-        bar->setFormat(tr("Adding to the scene"));
-        dialog->repaint();  // at once: the thread is blocked until the points are added
+    m_pProgress->Begin(static_cast<int>(names.size()) * PointsJob::kStepsPerFile);
+    m_pProgress->ShowText(tr("Reading %1").arg(names.front()));
+    connect(m_pPointsJob, &PointsJob::Progress, m_pProgress, &ImportProgress::SetValue);
+    connect(m_pPointsJob, &PointsJob::Reading, m_pProgress,
+            [this, names](int file) { m_pProgress->ShowText(tr("Reading %1").arg(names[file])); });
+    connect(m_pPointsJob, &PointsJob::Adding, m_pProgress, [this, names](int file) {
+        m_pProgress->ShowText(tr("Adding %1 to the scene").arg(names[file]));
+        m_pProgress->PaintNow();  // the thread is blocked until the points are added
     });
 }
 
@@ -154,11 +137,13 @@ void MainWindow::OnPointsImported() {
     const bool fitsView = m_pPointsJob->Request().fitsView;
     m_pPointsJob->deleteLater();
     m_pPointsJob = nullptr;
-    m_pProgress.release()->deleteLater();  // not at once: this may be a call from its own signal
     if (Pane() != nullptr && added) {
         if (fitsView) FitView(Pane()->Methods(), m_options.zoom);
-        Pane()->Methods().PerformRefresh();
+        m_pProgress->ShowText(tr("Preparing the picture"));
+        m_pProgress->PaintNow();
+        DrawPicture();
     }
+    m_pProgress->End();
     EnableActions();
     emit ImportFinished();
     OpenWaitingFiles();  // files that were added while this import ran
@@ -189,7 +174,7 @@ std::size_t MainWindow::ReportPoints() {
 
 void MainWindow::ReportFileFailure(const std::string& file, const std::string& reason) {
     ++m_nFilesNotAdded;
-    m_pMessages->AddText(tr("%1: nothing added: %2").arg(QString::fromStdString(file), QString::fromStdString(reason)));
+    m_pMessages->AddProblem(tr("%1: nothing added: %2").arg(QString::fromStdString(file), TranslatedText(reason)));
     emit FileFailed(file, reason);
 }
 
@@ -209,7 +194,10 @@ void MainWindow::OpenMarkersOfOptions() {
 // ---- lines
 
 void MainWindow::AskForLineFiles() {
-    ImportLineFiles(PathsOf(QFileDialog::getOpenFileNames(this, tr("Import lines"), {}, tr("All files (*)"))));
+    const QStringList names =
+        QFileDialog::getOpenFileNames(this, tr("Import lines"), StoredFolder(FolderUse::Open), tr("All files (*)"));
+    StoreFolderOf(FolderUse::Open, names.value(0));
+    ImportLineFiles(PathsOf(names));
 }
 
 void MainWindow::ImportLineFiles(const std::vector<std::string>& files) {
@@ -239,8 +227,8 @@ void MainWindow::ImportLineFiles(const std::vector<std::string>& files) {
     try {
         FitViewToLines(Pane()->Methods(), box, m_options.zoom);
     } catch (...) {  // no exception may pass through Qt
-        const QString reason = QString::fromStdString(TextOfCaughtError());
-        m_pMessages->AddText(tr("The view was not fitted to the lines: %1").arg(reason));
+        const QString reason = TranslatedText(TextOfCaughtError());
+        m_pMessages->AddProblem(tr("The view was not fitted to the lines: %1").arg(reason));
     }
 }
 
@@ -256,6 +244,7 @@ void MainWindow::DeletePoints(int id) {
     if (Pane() == nullptr) return;
     Pane()->Methods().DeletePoints(id);
     m_pMarkers->RemovePoints(id);
+    FollowFiles();
 }
 
 void MainWindow::DeleteAllPoints() {

@@ -18,6 +18,7 @@
 #include "NeedlePanel.h"
 #include "ObjectColors.h"
 #include "ObjectList.h"
+#include "PanelArea.h"
 #include "PropertyDialog.h"
 #include "ResidualPanel.h"
 #include "TransformCommands.h"
@@ -84,14 +85,18 @@ void MainWindow::MakeDocks() {
     // The panes on the right have the whole height: the list of objects would have a row or two beside the others.
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     AddDock(tr("Objects"), "objects", objects, Qt::RightDockWidgetArea);
-    QDockWidget* const decorations = AddDock(tr("Decorations"), "decorations", m_pDecorations, Qt::RightDockWidgetArea);
+    QDockWidget* const decorations =
+        AddDock(tr("Decorations"), "decorations", new PanelArea(m_pDecorations), Qt::RightDockWidgetArea);
     // Several docks share one place, as tabs.
-    tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", m_pLogo, Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Animation"), "animation", m_pAnimation, Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Points and lines"), "markers", m_pMarkers, Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Picks"), "picks", m_pPicks, Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Needles"), "needles", m_pNeedles, Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Clip plane"), "clip", m_pClip, Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", new PanelArea(m_pLogo), Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations,
+                     AddDock(tr("Animation"), "animation", new PanelArea(m_pAnimation), Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations,
+                     AddDock(tr("Points and lines"), "markers", new PanelArea(m_pMarkers), Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Picks"), "picks", new PanelArea(m_pPicks), Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations,
+                     AddDock(tr("Needles"), "needles", new PanelArea(m_pNeedles), Qt::RightDockWidgetArea));
+    tabifyDockWidget(decorations, AddDock(tr("Clip plane"), "clip", new PanelArea(m_pClip), Qt::RightDockWidgetArea));
     decorations->raise();
     QDockWidget* const messages =
         AddDock(tr("Messages"), "messages", WithClearButton(m_pMessages), Qt::BottomDockWidgetArea);

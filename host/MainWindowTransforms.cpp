@@ -19,6 +19,7 @@
 #include "TransformCommands.h"
 #include "TransformFile.h"
 #include "TransformPanel.h"
+#include "TranslatedText.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -26,17 +27,18 @@ namespace {
 constexpr const char* kFilter = QT_TRANSLATE_NOOP("MainWindow", "Transforms (*.json);;All files (*)");
 
 /// Beside the first scan; in the working folder without one.
-QString FirstTransformFile(const std::vector<ObjectRow>& rows) {
+QString FirstTransformFile(const std::vector<std::string>& files) {
     QString name = "transforms.json";
-    if (rows.empty()) return name;
-    return QFileInfo(QFile::decodeName(QByteArray::fromStdString(rows.front().file))).dir().filePath(name);
+    if (files.empty()) return name;
+    return QFileInfo(QFile::decodeName(QByteArray::fromStdString(files.front()))).dir().filePath(name);
 }
 
-/// The paths of the objects, row by row.
-std::vector<std::string> FilesOf(const std::vector<ObjectRow>& rows) {
+/// The paths of these objects.
+std::vector<std::string> FilesOf(const ObjectList& list, const std::vector<int>& objects) {
+    const std::vector<ObjectRow> rows = list.Rows();
     std::vector<std::string> files;
-    files.reserve(rows.size());
-    for (const ObjectRow& row : rows) files.push_back(row.file);
+    files.reserve(objects.size());
+    for (const int object : objects) files.push_back(rows[static_cast<std::size_t>(object)].file);
     return files;
 }
 
@@ -93,7 +95,10 @@ void MainWindow::FollowTransforms() {
     ShowTransform();
 }
 
-void MainWindow::MarkUnsaved() { setWindowModified(m_pCuts->HaveUnsaved() || m_pTransforms->HaveUnsaved()); }
+void MainWindow::MarkUnsaved() {
+    FollowFiles();
+    setWindowModified(m_pCuts->HaveUnsaved() || m_pTransforms->HaveUnsaved());
+}
 
 void MainWindow::ShowTransform() {
     const int row = SelectedObject();
@@ -114,7 +119,7 @@ void MainWindow::ShowTransform() {
 
 bool MainWindow::AskForTransformFileToSave() {
     // Not getSaveFileName(), which has no default suffix.
-    const QFileInfo first(FirstTransformFile(m_pObjects->Rows()));
+    const QFileInfo first(FirstTransformFile(FilesOf(*m_pObjects, m_pObjects->PresentObjects())));
     QFileDialog dialog(this, tr("Save transforms"), first.path(), tr(kFilter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("json");
@@ -124,7 +129,7 @@ bool MainWindow::AskForTransformFileToSave() {
 }
 
 void MainWindow::AskForTransformFileToLoad() {
-    const QFileInfo first(FirstTransformFile(m_pObjects->Rows()));
+    const QFileInfo first(FirstTransformFile(FilesOf(*m_pObjects, m_pObjects->PresentObjects())));
     QFileDialog dialog(this, tr("Load transforms"), first.path(), tr(kFilter));
     dialog.setFileMode(QFileDialog::ExistingFile);
     if (first.exists()) dialog.selectFile(first.fileName());
@@ -134,18 +139,20 @@ void MainWindow::AskForTransformFileToLoad() {
 
 bool MainWindow::SaveTransforms(const std::string& path) {
     if (Pane() == nullptr || IsImporting() || m_pTransforms->IsOpen()) return false;
+    FinishDeletions();
     const QString file = QString::fromStdString(path);
     std::string reason = "there is no object";
     try {
         std::vector<StoredTransform> transforms;
-        const std::vector<ObjectRow> rows = m_pObjects->Rows();
-        transforms.reserve(rows.size());
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            if (const auto matrix = m_pTransforms->TransformOfRow(static_cast<int>(i)))
-                transforms.push_back({rows[i].file, *matrix});
+        const std::vector<int> objects = m_pObjects->PresentObjects();
+        const std::vector<std::string> files = FilesOf(*m_pObjects, objects);
+        transforms.reserve(objects.size());
+        for (std::size_t i = 0; i < objects.size(); ++i) {
+            if (const auto matrix = m_pTransforms->TransformOfRow(objects[i]))
+                transforms.push_back({files[i], *matrix});
         }
         const std::size_t count = transforms.size();
-        const std::vector<StoredTransform> others = OtherEntries(path, FilesOf(rows));
+        const std::vector<StoredTransform> others = OtherEntries(path, files);
         transforms.insert(transforms.end(), others.begin(), others.end());
         if (count > 0 && WriteTransformFile(path, transforms, &reason)) {
             m_pTransforms->OnSaved();
@@ -157,7 +164,8 @@ bool MainWindow::SaveTransforms(const std::string& path) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportTransforms(tr("%1: not written: %2").arg(file, QString::fromStdString(reason)));
+    ReportTransforms(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
+    m_pMessages->PointOut();
     return false;
 }
 
@@ -171,21 +179,21 @@ void MainWindow::LoadTransformsOfOptions() {
 }
 
 bool MainWindow::LoadTransforms(const std::string& path, std::string* failure) {
-    if (Pane() == nullptr || IsImporting() || m_pTransforms->IsOpen()) return false;
+    if (Pane() == nullptr || IsReading() || m_pTransforms->IsOpen()) return false;
     const QString file = QString::fromStdString(path);
     std::string reason;
     try {
         std::vector<StoredTransform> entries;
         if (ReadTransformFile(path, &entries, &reason)) {
-            const std::vector<std::string> files = FilesOf(m_pObjects->Rows());
+            const std::vector<int> objects = m_pObjects->PresentObjects();
+            const std::vector<std::string> files = FilesOf(*m_pObjects, objects);
             const TransformMatch match = MatchTransforms(path, entries, files);
             QStringList lines;
             for (const std::string& line : UnmatchedLines(match, entries, files))
                 lines << file + ": " + QString::fromStdString(line);
             std::map<int, Matrix4> byRow;
             for (std::size_t i = 0; i < match.entryOfObject.size(); ++i) {
-                if (const auto entry = match.entryOfObject[i])
-                    byRow.emplace(static_cast<int>(i), entries[*entry].matrix);
+                if (const auto entry = match.entryOfObject[i]) byRow.emplace(objects[i], entries[*entry].matrix);
             }
             const int moved = m_pTransforms->Place(tr("load of transforms"), byRow);
             lines << tr("%1: transforms for %2 of %3 objects, %4 moved")
@@ -200,7 +208,8 @@ bool MainWindow::LoadTransforms(const std::string& path, std::string* failure) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportTransforms(tr("%1: no transforms loaded: %2").arg(file, QString::fromStdString(reason)));
+    ReportTransforms(tr("%1: no transforms loaded: %2").arg(file, TranslatedText(reason)));
+    m_pMessages->PointOut();
     if (failure != nullptr) *failure = reason;
     return false;
 }

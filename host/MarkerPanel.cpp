@@ -14,7 +14,7 @@
 #include "ToolTip.h"
 
 namespace {
-constexpr int kIdRole = Qt::UserRole;  // of the first column
+constexpr int kIdRole = Qt::UserRole, kFileRole = Qt::UserRole + 1;  // of the first column
 
 int IdOf(const QTreeWidgetItem& item) { return item.data(MarkerPanel::kName, kIdRole).toInt(); }
 }  // namespace
@@ -64,6 +64,7 @@ void MarkerPanel::AddPoints(int id, const std::string& file, int points, float a
     const QSignalBlocker quiet(m_pList);
     auto* const item = new QTreeWidgetItem(m_pList);
     item->setData(kName, kIdRole, id);
+    item->setData(kName, kFileRole, QByteArray::fromStdString(file));
     item->setText(kName, QString::fromStdString(file.substr(file.rfind('/') + 1)));
     item->setToolTip(kName, PlainToolTip(QString::fromStdString(file)));
     item->setCheckState(kName, Qt::Checked);
@@ -83,6 +84,13 @@ std::vector<int> MarkerPanel::PointIds() const {
     std::vector<int> ids(static_cast<std::size_t>(m_pList->topLevelItemCount()));
     for (std::size_t row = 0; row < ids.size(); ++row) ids[row] = IdOf(*m_pList->topLevelItem(static_cast<int>(row)));
     return ids;
+}
+
+std::vector<std::string> MarkerPanel::PointFiles() const {
+    std::vector<std::string> files(static_cast<std::size_t>(m_pList->topLevelItemCount()));
+    for (std::size_t row = 0; row < files.size(); ++row)
+        files[row] = m_pList->topLevelItem(static_cast<int>(row))->data(kName, kFileRole).toByteArray().toStdString();
+    return files;
 }
 
 void MarkerPanel::ShowLineCount(int count) {

@@ -24,6 +24,8 @@ public:
     void RemovePoints(int id);
     /// The ids of all rows, from the top.
     [[nodiscard]] std::vector<int> PointIds() const;
+    /// The files of all rows, from the top; paths in bytes.
+    [[nodiscard]] std::vector<std::string> PointFiles() const;
     /// @param count  of the scene
     void ShowLineCount(int count);
     [[nodiscard]] int LineCount() const { return m_nLines; }

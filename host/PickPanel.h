@@ -18,8 +18,9 @@ class QTreeWidget;
 /// A point that was picked on an object.
 struct PickedPoint {
     std::array<float, 3> point{};  ///< scene units, world frame
-    int object = -1;               ///< index of the object; -1 when it was deleted since
+    int object = -1;               ///< index of the object; -1 when it was deleted for good since
     QString name;                  ///< of the object's file, without its folders
+    bool isDeleted = false;        ///< the object, which can be restored
 };
 
 /// Whether clicks pick points on objects in this mode of the viewer.

@@ -96,6 +96,7 @@ TransformsById TransformCommands::Now() const {
     if (m_pViewer == nullptr) return now;
     const std::vector<ObjectRow> rows = m_objects.Rows();
     for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].isRemoved) continue;
         if (const auto transform = TransformOf(m_pViewer->Methods(), static_cast<std::int16_t>(i)))
             now.emplace(rows[i].id, *transform);
     }
@@ -113,7 +114,7 @@ std::vector<int> TransformCommands::MovedRows() const {
     const auto count = static_cast<std::size_t>(m_objects.ObjectCount());
     const std::vector<KV_ScenePane::CutSaveEntry> plan = m_pViewer->PlanCutSave();
     for (std::size_t i = 0; i < plan.size() && i < count; ++i) {
-        if (plan[i].isMoved) moved.push_back(static_cast<int>(i));
+        if (plan[i].isMoved && !m_objects.IsRemoved(static_cast<int>(i))) moved.push_back(static_cast<int>(i));
     }
     return moved;
 }

@@ -42,7 +42,7 @@ public:
 
     /// Of the object of a row; empty for a row that is not in the list.
     [[nodiscard]] std::optional<Matrix4> TransformOfRow(int row) const;
-    /// Rows whose object has another transform than at its import.
+    /// Rows whose object has another transform than at its import, without deleted ones.
     [[nodiscard]] std::vector<int> MovedRows() const;
     /// Those of them whose transform is in no file.
     [[nodiscard]] std::vector<int> UnsavedRows() const;
