@@ -3,6 +3,7 @@
 #include "FileImport.h"
 
 #include <functional>
+#include <optional>
 #include <stdexcept>
 
 #include "CaughtError.h"
@@ -84,18 +85,20 @@ struct MeshSize {
 };
 
 /// @param skip  for this import
-MeshSize TriedSize(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path, std::int16_t skip) {
+/// @return nothing when it added nothing, as without memory
+std::optional<MeshSize> TriedSize(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path, std::int16_t skip) {
     const std::int16_t before = methods.GetNumObjects(), oldSkip = methods.GetScanSkipVal();
     methods.SetScanSkipVal(skip);
     methods.SetAllowEmptyObjects(KV_ScenePane::kVariantTrue);
-    MeshSize size;
+    std::optional<MeshSize> size;
     try {
         methods.ImportScan(path, 0);
     } catch (...) {
-        size = {};  // too little memory: nothing is known
+        // Nothing is added, so nothing is known.
     }
     if (methods.GetNumObjects() > before) {
-        methods.GetMeshDataSize(before, &size.vertices, &size.triangles);
+        size.emplace();
+        methods.GetMeshDataSize(before, &size->vertices, &size->triangles);
         methods.DeleteObject(before);
     }
     methods.SetAllowEmptyObjects(KV_ScenePane::kVariantFalse);
@@ -108,13 +111,16 @@ MeshSize TriedSize(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path, s
 std::string CauseByTrial(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* path) {
     const std::int16_t skip = methods.GetScanSkipVal();
     if (skip > 1) {
-        const MeshSize whole = TriedSize(methods, path, 1);
-        const std::string parts[] = {std::to_string(skip), std::to_string(whole.triangles)};
-        if (whole.triangles > 0) return FilledSentence(kOnlySkipRemoves, parts);
+        const std::optional<MeshSize> whole = TriedSize(methods, path, 1);
+        if (!whole) return {};
+        const std::string parts[] = {std::to_string(skip), std::to_string(whole->triangles)};
+        if (whole->triangles > 0) return FilledSentence(kOnlySkipRemoves, parts);
     }
+    const std::optional<MeshSize> tried = TriedSize(methods, path, skip);
+    if (!tried || tried->triangles > 0) return {};
     const std::string angles[] = {kLeastAngle, kLargestAngle};
-    const MeshSize tried = TriedSize(methods, path, skip);
-    return tried.vertices > 0 && tried.triangles == 0 ? FilledSentence(kAllSlivers, angles) : std::string();
+    if (tried->vertices > 0) return FilledSentence(kAllSlivers, angles);
+    return skip == 1 ? kNoNeighbours : "";
 }
 
 }  // namespace

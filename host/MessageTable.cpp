@@ -31,7 +31,7 @@ const char kOnlySkipRemoves[] =
     QT_TRANSLATE_NOOP("Messages", "no triangle is left with skip %1, but %2 with skip 1: import with skip 1");
 
 const char kNoFiniteCoordinate[] = QT_TRANSLATE_NOOP(
-    "Messages", "no coordinate is finite, nothing of it can be shown: export the file again from its source");
+    "Messages", "no point has finite coordinates, nothing of it can be shown: export the file again from its source");
 
 namespace {
 
@@ -131,7 +131,7 @@ constexpr MessageRow kRows[] = {
     // ---- meshes
     {"%1 coordinates are not finite",
      QT_TRANSLATE_NOOP("Messages",
-                       "%1 coordinates are not finite: their triangles are not shown: export the file again from its "
+                       "%1 coordinates are not finite: triangles may be missing there: export the file again from its "
                        "source")},
     {"holds no faces",
      QT_TRANSLATE_NOOP("Messages",

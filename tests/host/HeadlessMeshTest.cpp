@@ -100,8 +100,7 @@ const BadMesh kBadMeshes[] = {
     {"PlyOfOtherText", "a.ply", "no mesh at all", ""},
     {"PlyCutShortInItsHeader", "a.ply", "ply\nformat ascii 1.0\nelement vertex 3\n", ""},
     {"PlyWithFewerPointsThanAnnounced", "a.ply", PlyHeader(3, 1) + "0 0 0\n1 0 0\n", ""},
-    {"PlyOfQuads", "a.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n",
-     "Non-triangle faces not supported."},
+    {"PlyOfQuads", "a.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n", "more than three corners"},
     {"PlyOfPointsAlone", "a.ply", PlyHeader(1, 0) + "0 0 0\n", ""},
     {"PlyWithAnIndexOutside", "a.ply", PlyHeader(3, 1) + "0 0 0\n1 0 0\n1 1 0\n3 0 1 3\n", ""},
     {"StlAsText", "a.stl", "solid cube\n facet normal 0 0 1\n  outer loop\n" + std::string(100, ' '), "text"},
@@ -278,7 +277,10 @@ TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
     options.files = {folder / "odd.stl"};
     const Printed out, err;
     EXPECT_EQ(RunInfo(options, out, err), kExitGood);
-    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "odd.stl") + ": 2 coordinates are not finite\n");
+    EXPECT_EQ(
+        err.Text(),
+        "scenepane: " + (folder / "odd.stl") +
+            ": 2 coordinates are not finite: triangles may be missing there: export the file again from its source\n");
     EXPECT_NE(out.Text().find("\"box\": [0, 2, -0.01, 0.01, 5, 6]"), std::string::npos) << out.Text();
     options.exportPath = folder / "out.ply";
     const Printed convertErr;
@@ -305,7 +307,8 @@ const Refused kRefused[] = {
      "no point is left: none has the confidence 5: lower the limit of the import"},
     {"low.pax", [](const std::string& path) { WritePax(path, 3, 3); },
      "no point is left: none has the confidence 5: lower the limit of the import"},
-    {"line.xdt", [](const std::string& path) { WriteXdt(path, 9, 1); }, "its valid points form no triangle"},
+    {"line.xdt", [](const std::string& path) { WriteXdt(path, 9, 1); },
+     "no triangle is left: nowhere are three neighbouring points valid: lower the confidence limit or measure again"},
     {"none.xdt", [](const std::string& path) { WriteText(path, std::string(4, '\0')); },
      "the scan is empty: its grid has no points"},
     {"short.pax",
@@ -313,7 +316,7 @@ const Refused kRefused[] = {
          WritePax(path, 3, 3);
          ASSERT_EQ(truncate(path.c_str(), 4 + 9 * 16 + 60), 0);
      },
-     "ends before the end of its transform"},
+     "the file is cut short: copy or export it again from its source"},
 };
 class RefusedFile : public testing::TestWithParam<Refused> {};
 
