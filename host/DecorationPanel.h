@@ -19,6 +19,8 @@ public:
     void SetViewer(KV_ScenePane::_DKV_ScenePane* methods);
     /// Checks or clears the box of the cross, which is a pick mode that the menu chooses too. Emits nothing.
     void ShowCross(bool on);
+    /// Hides axes, arrow and cross in the viewer, or shows those again whose boxes are checked. The boxes stay.
+    void HideInViewer(bool isHidden);
 
 signals:
     /// The button for the background colours was pressed.

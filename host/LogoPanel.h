@@ -20,6 +20,8 @@ public:
     /// Shows the image of a file. When it cannot be read, the current logo stays and Failed() is emitted.
     /// @return whether the image was read
     bool OpenImage(const QString& path);
+    /// Hides the logo in the viewer, or shows it again if its box is checked. The box stays.
+    void HideInViewer(bool isHidden);
 
 signals:
     /// @param text  one line with file and reason

@@ -23,6 +23,8 @@ public:
 
     /// Null before the widget is shown for the first time, and when the viewer was refused or lost its window.
     [[nodiscard]] KV_ScenePane::ScenePane* Pane() const { return m_pPane.get(); }
+    /// Size of the widget in device pixels, 1 to 32767 each.
+    [[nodiscard]] QSize DeviceSize() const;
     /// While a lasso or an alignment runs all presses belong to it: the second press of a double click, too, which the
     /// viewer would use to fit the view, pick or create a needle, and a right click opens no menu.
     /// @param ignoresDoubles  the second press of a double click does nothing: no point is picked twice
@@ -68,6 +70,8 @@ signals:
     /// An input by which the viewer places a visible clip plane at the data: a double click with Ctrl, or with Ctrl a
     /// press of the middle button. Emitted before the viewer handles it, which may be in a later call.
     void ClipPlacementAsked();
+    /// A mouse input, before the viewer handles or ignores it.
+    void InputArrived(const KV_ScenePane::MouseInput& input);
     /// The viewer threw an exception while it handled an input or drew a frame; the former was not finished.
     /// @param reason  one line
     void Failed(const QString& reason);
@@ -107,8 +111,6 @@ private:
     void WatchScreen();
     /// A message of the viewer that the user must see.
     void ShowMessage(const std::string& text);
-    /// Size of the widget in device pixels, 1 to 32767 each.
-    [[nodiscard]] QSize DeviceSize() const;
 
     const QSize m_wantedSize;
     const int m_nSamples;

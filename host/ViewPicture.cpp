@@ -1,0 +1,113 @@
+// The viewer draws into a framebuffer of the size that SetSize() sets, whatever its window shows: for the picture it
+// gets the size of the picture, behind a copy of what the screen shows (ViewerCover).
+#include "ViewPicture.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+#include "GraphicsLimits.h"
+#include "PaintBlock.h"
+#include "PictureAlpha.h"
+#include "ViewerCover.h"
+#include "ViewerWidget.h"
+
+namespace {
+
+QString Tr(const char* text) { return QCoreApplication::translate("ViewPicture", text); }
+
+void SetBackground(KV_ScenePane::_DKV_ScenePane& methods, const std::array<std::int32_t, 4>& colors) {
+    methods.SetBackgroundColorsFourCorners(colors[0], colors[1], colors[2], colors[3]);
+}
+
+void SetSize(KV_ScenePane::ScenePane& pane, QSize size, double scale) {
+    pane.SetScale(scale);
+    pane.Methods().SetSize(static_cast<std::int16_t>(size.width()), static_cast<std::int16_t>(size.height()));
+}
+
+/// The viewer as the picture needs it, for as long as this lives.
+class PictureState {
+public:
+    PictureState(ViewerWidget& viewer, const PictureLook& look, const PictureHooks& hooks)
+        : m_viewer(viewer), m_look(look), m_hooks(hooks) {}
+    /// Apart from the constructor: what fails here is restored, too.
+    void Enter() {
+        const PaintBlock block(Methods());
+        const QSize own = m_viewer.DeviceSize();
+        // By the shorter sides, which have the same extent of the scene.
+        const double growth = static_cast<double>(std::min(m_look.size.width(), m_look.size.height())) /
+                              std::min(own.width(), own.height());
+        if (m_look.size != own) SetSize(*m_viewer.Pane(), m_look.size, m_viewer.devicePixelRatioF() * growth);
+        if (!m_look.hasDecorations) m_hooks.hideDecorations(true);
+    }
+    ~PictureState() {
+        try {
+            Restore();
+            Methods().PerformRefresh();  // before the cover goes
+        } catch (...) {
+            Methods().PerformInvalidate();  // the frame has failed, not the state: another one follows
+        }
+    }
+    PictureState(const PictureState&) = delete;
+    PictureState& operator=(const PictureState&) = delete;
+
+    /// The frame on a background of one colour, or on the present one. @param color  0x00BBGGRR; -1 for the present one
+    [[nodiscard]] KV_ScenePane::Picture Capture(std::int32_t color = -1) {
+        if (color >= 0) {
+            const PaintBlock block(Methods());
+            SetBackground(Methods(), {color, color, color, color});
+        }
+        KV_ScenePane::Picture picture;
+        if (!m_viewer.Pane()->CapturePicture(&picture) || QSize(picture.width, picture.height) != m_look.size)
+            throw std::runtime_error(Tr("the viewer gave no picture of this size").toStdString());
+        return picture;
+    }
+
+private:
+    [[nodiscard]] KV_ScenePane::_DKV_ScenePane& Methods() const { return m_viewer.Pane()->Methods(); }
+    void Restore() {
+        const PaintBlock block(Methods());
+        if (!m_look.hasDecorations) m_hooks.hideDecorations(false);
+        if (m_look.isTransparent) SetBackground(Methods(), m_hooks.background());
+        if (m_look.size != m_viewer.DeviceSize())
+            SetSize(*m_viewer.Pane(), m_viewer.DeviceSize(), m_viewer.devicePixelRatioF());
+    }
+
+    ViewerWidget& m_viewer;
+    const PictureLook& m_look;
+    const PictureHooks& m_hooks;
+};
+
+}  // namespace
+
+int LargestPictureSide(KV_ScenePane::ScenePane& pane) {
+    constexpr int kLargestWindow = 32767, kEveryDriver = 2048;
+    const auto limits = GraphicsLimitsOf(pane);
+    return limits ? std::min(limits->largestSide, kLargestWindow) : kEveryDriver;
+}
+
+QString SizeRefusal(QSize size, int largestSide) {
+    if (std::max(size.width(), size.height()) > largestSide)
+        return Tr("a side is longer than the %1 pixels that the driver can draw").arg(largestSide);
+    const std::int64_t pixels = std::int64_t{size.width()} * size.height();
+    if (pixels > kMostPicturePixels)
+        return Tr("the picture has more than %1 million pixels").arg(kMostPicturePixels / 1'000'000);
+    return size.isEmpty() ? Tr("the picture has no pixel") : QString();
+}
+
+KV_ScenePane::Picture TakeViewPicture(ViewerWidget& viewer, const PictureLook& wanted, const PictureHooks& hooks) {
+    PictureLook look = wanted;
+    if (look.size.isEmpty()) look.size = viewer.DeviceSize();
+    if (const QString refusal = SizeRefusal(look.size, LargestPictureSide(*viewer.Pane())); !refusal.isEmpty())
+        throw std::runtime_error(refusal.toStdString());
+    if (look.isTransparent && viewer.Pane()->Methods().IsAnimationRunning() != 0)
+        throw std::runtime_error(Tr("a transparent picture needs a still scene: wait for the animation").toStdString());
+    const ViewerCover cover(viewer);
+    PictureState state(viewer, look, hooks);
+    state.Enter();
+    if (!look.isTransparent) return state.Capture();
+    KV_ScenePane::Picture picture = state.Capture(0x000000);
+    SetAlphaFrom(picture, state.Capture(0xFFFFFF));
+    return picture;
+}
