@@ -1,112 +1,107 @@
-// One row per object: check mark and name, whether it may move, colour button, counts, bounding box.
+// One row per object. What a row shows and how rows are ordered is in ObjectItem.h.
 #include "ObjectList.h"
 
 #include <QAction>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QScrollBar>
+#include <QStyle>
 #include <algorithm>
-#include <cmath>
 
 #include "ColorButton.h"
-#include "KV_ScenePane/PathText.h"
-#include "ToolTip.h"
 
 namespace {
-
-QString FileNameOf(const std::wstring& path) {
-    const std::string bytes = KV_ScenePane::PathBytes(path);
-    return QString::fromStdString(bytes.substr(bytes.rfind('/') + 1));
-}
-
-// What a row holds beside its texts, in the column of the name.
-constexpr int kIdRole = Qt::UserRole, kFileRole = Qt::UserRole + 1, kVerticesRole = Qt::UserRole + 2,
-              kColoredRole = Qt::UserRole + 3;
-
-/// Ranges of x, y and z, with four digits: enough to find the object, and short enough for the list.
-QString BoxText(const std::array<float, 6>& box) {
-    float largest = 0.0f;
-    for (const float value : box) largest = std::max(largest, std::abs(value));
-    // What an alignment leaves of a zero is below the digits of the vertices.
-    const auto number = [&](float value) {
-        return QString::number(std::abs(value) < 1e-6f * largest ? 0.0f : value, 'g', 4);
-    };
-    const auto range = [&](std::size_t i) { return QString("%1 … %2").arg(number(box[i]), number(box[i + 1])); };
-    return QString("x %1, y %2, z %3").arg(range(0), range(2), range(4));
-}
-
+constexpr int kUnsorted = -1;  // column of no sort
 }  // namespace
 
 ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setColumnCount(kColumnCount);
     setHeaderLabels(
-        {tr("Object"), tr("May move"), tr("Place"), tr("Colour"), tr("Vertices"), tr("Triangles"), tr("Box")});
+        {tr("Object"), tr("Colour"), tr("Triangles"), tr("Size (mm)"), tr("Vertices"), tr("May move"), tr("Place")});
+    headerItem()->setToolTip(kName, tr("Check mark: shown. Double click: centre. F2: rename."));
+    headerItem()->setToolTip(kColor, tr("Click a colour, or press Space there, to choose another one"));
+    headerItem()->setToolTip(kSize, tr("Length of the bounding box along x, y and z"));
     headerItem()->setToolTip(kMayMove, tr("Whether alignments move the object"));
     headerItem()->setToolTip(kMoved, tr("\"moved\": the object is not where it was imported"));
+    for (const int column : {kTriangles, kSize, kVertices})
+        headerItem()->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
     setRootIsDecorated(false);
-    setSelectionMode(ExtendedSelection);
     setUniformRowHeights(true);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);    // F2 is an action: a click must not open the input
+    setTextElideMode(Qt::ElideMiddle);  // names of scans often differ at their ends
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    // Fires for every column of a row; two of them have check marks.
-    connect(this, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
-        if (column == kName) emit VisibilityWanted(IndexOf(item), item->checkState(kName) == Qt::Checked);
-        if (column == kMayMove) emit MayMoveChanged();
+    header()->setSectionResizeMode(kName, QHeaderView::Interactive);
+    header()->setStretchLastSection(false);
+    header()->setSectionsClickable(true);
+    header()->setSortIndicatorShown(true);
+    header()->setSortIndicator(kUnsorted, Qt::AscendingOrder);
+    connect(header(), &QHeaderView::sectionClicked, this, &ObjectList::OnHeadClicked);
+    connect(header(), &QHeaderView::sectionResized, this, [this](int column) {
+        if (column != kName)
+            FitNameColumn();
+        else if (!m_bInFit)
+            m_bFitsNames = false;
     });
+    connect(this, &QTreeWidget::itemChanged, this, &ObjectList::OnItemChanged);
+    connect(this, &QTreeWidget::itemDoubleClicked, this, &ObjectList::OnDoubleClick);
     MakeActions();
     setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 void ObjectList::MakeActions() {
     auto* remove = new QAction(tr("&Delete"), this);
+    remove->setObjectName("deleteObjects");
     remove->setShortcut(QKeySequence::Delete);
     remove->setShortcutContext(Qt::WidgetWithChildrenShortcut);  // Delete is a key of the viewer too
     connect(remove, &QAction::triggered, this, &ObjectList::DeleteSelected);
     addAction(remove);
+    auto* const rename = new QAction(tr("&Rename"), this);
+    rename->setObjectName("renameObject");
+    rename->setShortcut(Qt::Key_F2);
+    rename->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(rename, &QAction::triggered, this, &ObjectList::EditName);
+    addAction(rename);
     auto* const separator = new QAction(this);
     separator->setSeparator(true);
     addAction(separator);
-    // In terms of the current row: the objects that move are often all but one, or only one.
-    const auto add = [this](const QString& text, const char* name, bool current, bool others) {
+    // In terms of the selection: the objects that move are often all but one, or only one.
+    const auto add = [this](const QString& text, const char* name, bool selected, bool others) {
         auto* const action = new QAction(text, this);
         action->setObjectName(name);
-        connect(action, &QAction::triggered, this, [this, current, others] {
+        connect(action, &QAction::triggered, this, [this, selected, others] {
             std::vector<bool> mayMove(m_vItems.size(), others);
-            const int object = CurrentObject();
-            if (object >= 0) mayMove[static_cast<std::size_t>(object)] = current;
+            for (const int object : SelectedObjects()) mayMove[static_cast<std::size_t>(object)] = selected;
             SetMayMove(mayMove);
         });
         addAction(action);
     };
-    add(tr("&Only this object may move"), "onlyThisMayMove", true, false);
+    add(tr("Only the &selected may move"), "onlyThisMayMove", true, false);
     add(tr("All &others may move"), "allOthersMayMove", false, true);
     add(tr("&No object may move"), "noneMayMove", false, false);
 }
 
+// ---- objects and rows
+
 void ObjectList::AddObject(const ObjectReport& object) {
-    const QSignalBlocker quiet(this);
-    AddRow({.id = m_nNextId++, .file = object.file}, object);
+    {
+        const QSignalBlocker quiet(this);
+        AddRow({.id = m_nNextId++, .file = object.file}, object);
+        SortAgain();
+    }
+    emit CountsChanged();
 }
 
-QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& object) {
-    // The viewer gives objects of some mesh formats no name.
-    const std::wstring path = object.name.empty() ? KV_ScenePane::WidePath(row.file) : object.name;
-    auto* const item = new QTreeWidgetItem(this);
+ObjectItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& object) {
+    auto* const item = new ObjectItem(this, row, object);
     m_vItems.push_back(item);
-    item->setText(kName, FileNameOf(path));
-    item->setToolTip(kName, PlainToolTip(QString::fromStdString(KV_ScenePane::PathBytes(path))));
-    item->setCheckState(kName, row.isVisible ? Qt::Checked : Qt::Unchecked);
-    item->setCheckState(kMayMove, row.mayMove ? Qt::Checked : Qt::Unchecked);
-    item->setData(kName, kIdRole, row.id);
-    item->setData(kName, kFileRole, QByteArray::fromStdString(row.file));
-    item->setData(kName, kVerticesRole, object.vertices);
-    item->setData(kName, kColoredRole, object.hasVertexColors);
-    item->setText(kVertices, QString::number(object.vertices));
-    item->setText(kTriangles, QString::number(object.triangles));
-    item->setText(kBox, object.vertices > 0 ? BoxText(object.box) : QString());
     auto* const button = new ColorButton(object.color);
     button->SetName(tr("Colour of %1").arg(item->text(kName)));
-    if (object.hasVertexColors) button->setToolTip(tr("The scan has its own colours, which are shown instead"));
-    // By the item and not by its position, which changes when rows above are removed.
+    button->setToolTip(object.hasVertexColors ? tr("The object has its own colours, which are shown instead")
+                                              : tr("Colour of %1: click to choose another one").arg(item->text(kName)));
+    button->setFocusPolicy(Qt::NoFocus);  // the keys stay in the list, where Space does the same
+    // By the item and not by its position, which changes when objects are removed.
     connect(button, &ColorButton::ColorChosen, this,
             [this, item](std::int32_t packed) { emit ColorWanted(IndexOf(item), packed); });
     setItemWidget(item, kColor, button);
@@ -114,45 +109,43 @@ QTreeWidgetItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& ob
     return item;
 }
 
-QSize ObjectList::minimumSizeHint() const {
-    constexpr int kRows = 5, kButtonMargin = 8;  // pixels: the colour button is higher than the text
-    const int rows = kRows * (fontMetrics().lineSpacing() + kButtonMargin);
-    return {QTreeWidget::minimumSizeHint().width(), header()->sizeHint().height() + rows + 2 * frameWidth()};
+void ObjectList::RemoveObject(int index) {
+    ObjectItem* const item = ItemOf(index);
+    if (item == nullptr) return;
+    m_vItems.erase(m_vItems.begin() + index);  // before the signals of the deletion
+    delete item;
+    emit CountsChanged();
 }
 
-// ---- objects and rows
+void ObjectList::RemoveAll() {
+    m_vItems.clear();
+    QTreeWidget::clear();
+    emit CountsChanged();
+}
+
+bool ObjectList::IsRemoved(int index) const {
+    const ObjectItem* const item = ItemOf(index);
+    return item != nullptr && item->isHidden();
+}
+
+void ObjectList::SetRemoved(int index, bool removed) {
+    ObjectItem* const item = ItemOf(index);
+    if (item == nullptr || item->isHidden() == removed) return;
+    item->setHidden(removed);
+    if (removed) {
+        item->setSelected(false);
+        if (currentItem() == item) setCurrentItem(nullptr);
+    }
+    emit CountsChanged();
+}
 
 int ObjectList::IndexOf(const QTreeWidgetItem* item) const {
     const auto found = std::ranges::find(m_vItems, item);
     return found != m_vItems.end() ? static_cast<int>(found - m_vItems.begin()) : -1;
 }
 
-QTreeWidgetItem* ObjectList::Row(int index) const {
+ObjectItem* ObjectList::ItemOf(int index) const {
     return index >= 0 && index < ObjectCount() ? m_vItems[static_cast<std::size_t>(index)] : nullptr;
-}
-
-QString ObjectList::NameOf(int index) const {
-    const QTreeWidgetItem* const row = Row(index);
-    return row != nullptr ? row->text(kName) : QString();
-}
-
-int ObjectList::IdOf(int index) const {
-    const QTreeWidgetItem* const row = Row(index);
-    return row != nullptr ? row->data(kName, kIdRole).toInt() : -1;
-}
-
-std::int32_t ObjectList::ColorOf(int index) const {
-    return static_cast<const ColorButton*>(itemWidget(Row(index), kColor))->Packed();
-}
-
-bool ObjectList::HasVertexColors(int index) const {
-    const QTreeWidgetItem* const row = Row(index);
-    return row != nullptr && row->data(kName, kColoredRole).toBool();
-}
-
-int ObjectList::CurrentObject() const {
-    const int index = IndexOf(currentItem());
-    return IsRemoved(index) ? -1 : index;
 }
 
 std::vector<int> ObjectList::PresentObjects() const {
@@ -165,84 +158,101 @@ std::vector<int> ObjectList::PresentObjects() const {
 
 std::vector<int> ObjectList::SelectedObjects() const {
     std::vector<int> objects = PresentObjects();
-    std::erase_if(objects, [this](int index) { return !Row(index)->isSelected(); });
+    std::erase_if(objects, [this](int index) { return !ItemOf(index)->isSelected(); });
     return objects;
+}
+
+void ObjectList::Select(const std::vector<int>& indices) {
+    {
+        const QSignalBlocker quiet(this);  // one report for all rows
+        clearSelection();
+        for (const int index : indices) {
+            if (!IsRemoved(index) && ItemOf(index) != nullptr) ItemOf(index)->setSelected(true);
+        }
+    }
+    const std::vector<int> selected = SelectedObjects();
+    ObjectItem* const first = selected.empty() ? nullptr : ItemOf(selected.front());
+    setCurrentItem(first, kName, QItemSelectionModel::NoUpdate);
+    if (first != nullptr) scrollToItem(first);
+    emit itemSelectionChanged();
+}
+
+int ObjectList::CurrentObject() const {
+    const int index = IndexOf(currentItem());
+    return IsRemoved(index) ? -1 : index;
 }
 
 std::vector<ObjectRow> ObjectList::Rows() const {
     std::vector<ObjectRow> rows;
     rows.reserve(m_vItems.size());
-    for (const QTreeWidgetItem* const item : m_vItems) {
-        rows.push_back({.id = item->data(kName, kIdRole).toInt(),
-                        .file = item->data(kName, kFileRole).toByteArray().toStdString(),
-                        .isVisible = item->checkState(kName) == Qt::Checked,
-                        .vertices = item->data(kName, kVerticesRole).toInt(),
-                        .mayMove = item->checkState(kMayMove) == Qt::Checked,
-                        .isRemoved = item->isHidden()});
-    }
+    for (const ObjectItem* const item : m_vItems) rows.push_back(item->State());
     return rows;
 }
 
 void ObjectList::ShowRows(const std::vector<ObjectRow>& rows, const std::vector<ObjectReport>& objects) {
-    const QSignalBlocker quiet(this);
-    const auto idOf = [](const QTreeWidgetItem* item) { return item->data(kName, kIdRole).toInt(); };
-    const int current = currentItem() != nullptr ? idOf(currentItem()) : -1;
-    std::vector<int> selected;
-    for (const QTreeWidgetItem* const item : selectedItems()) selected.push_back(idOf(item));
-    const int scrolled = verticalScrollBar()->value();
-    RemoveAll();
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        QTreeWidgetItem* const item = AddRow(rows[i], objects[i]);
-        if (rows[i].isRemoved) continue;
-        if (rows[i].id == current) setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
-        item->setSelected(std::ranges::find(selected, rows[i].id) != selected.end());
+    {
+        const QSignalBlocker quiet(this);
+        const int current = IdOf(CurrentObject());
+        std::vector<int> selected;
+        for (const int index : SelectedObjects()) selected.push_back(IdOf(index));
+        const int scrolled = verticalScrollBar()->value();
+        RemoveAll();
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            ObjectItem* const item = AddRow(rows[i], objects[i]);
+            if (rows[i].isRemoved) continue;
+            if (rows[i].id == current) setCurrentItem(item, kName, QItemSelectionModel::NoUpdate);
+            item->setSelected(std::ranges::find(selected, rows[i].id) != selected.end());
+        }
+        SortAgain();
+        verticalScrollBar()->setValue(scrolled);
     }
-    verticalScrollBar()->setValue(scrolled);
+    emit CountsChanged();
 }
 
-void ObjectList::RemoveObject(int index) {
-    QTreeWidgetItem* const item = Row(index);
-    if (item == nullptr) return;
-    m_vItems.erase(m_vItems.begin() + index);  // before the signals of the deletion
-    delete item;
+// ---- what a row shows
+
+int ObjectList::IdOf(int index) const {
+    const ObjectItem* const item = ItemOf(index);
+    return item != nullptr ? item->Id() : -1;
 }
 
-void ObjectList::RemoveAll() {
-    m_vItems.clear();
-    QTreeWidget::clear();
+QString ObjectList::NameOf(int index) const {
+    const ObjectItem* const item = ItemOf(index);
+    return item != nullptr ? item->text(kName) : QString();
 }
 
-bool ObjectList::IsRemoved(int index) const {
-    const QTreeWidgetItem* const item = Row(index);
-    return item != nullptr && item->isHidden();
-}
+std::int32_t ObjectList::ColorOf(int index) const { return ItemOf(index)->Color(); }
 
-void ObjectList::SetRemoved(int index, bool removed) {
-    QTreeWidgetItem* const item = Row(index);
-    if (item == nullptr || item->isHidden() == removed) return;
-    item->setHidden(removed);
-    if (!removed) return;
-    item->setSelected(false);
-    if (currentItem() == item) setCurrentItem(nullptr);
+bool ObjectList::HasVertexColors(int index) const { return ItemOf(index)->HasVertexColors(); }
+
+std::int32_t ObjectList::VerticesOf(int index) const { return ItemOf(index)->Vertices(); }
+
+std::int32_t ObjectList::TrianglesOf(int index) const { return ItemOf(index)->Triangles(); }
+
+bool ObjectList::IsHidden(int index) const {
+    const ObjectItem* const item = ItemOf(index);
+    return item != nullptr && (item->isHidden() || item->checkState(kName) != Qt::Checked);
 }
 
 void ObjectList::ShowVisible(int index, bool visible) {
     const QSignalBlocker quiet(this);
-    if (QTreeWidgetItem* const row = Row(index)) row->setCheckState(kName, visible ? Qt::Checked : Qt::Unchecked);
+    if (ObjectItem* const item = ItemOf(index)) item->SetVisible(visible);
 }
 
 void ObjectList::ShowColor(int index, std::int32_t packed) {
-    static_cast<ColorButton*>(itemWidget(Row(index), kColor))->SetPacked(packed);
+    ObjectItem* const item = ItemOf(index);
+    item->SetColor(packed);
+    static_cast<ColorButton*>(itemWidget(item, kColor))->SetPacked(packed);
 }
 
-bool ObjectList::IsHidden(int index) const {
-    const QTreeWidgetItem* const item = Row(index);
-    return item != nullptr && (item->isHidden() || item->checkState(kName) != Qt::Checked);
+void ObjectList::ShowPlace(int index, const std::array<float, 6>& box, bool isMoved) {
+    const QSignalBlocker quiet(this);
+    ItemOf(index)->ShowPlace(box, isMoved);
 }
 
 std::vector<int> ObjectList::MovingRows() const {
     std::vector<int> objects = PresentObjects();
-    std::erase_if(objects, [this](int index) { return Row(index)->checkState(kMayMove) != Qt::Checked; });
+    std::erase_if(objects, [this](int index) { return ItemOf(index)->checkState(kMayMove) != Qt::Checked; });
     return objects;
 }
 
@@ -252,18 +262,80 @@ void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
         const QSignalBlocker quiet(this);
         for (const int i : PresentObjects()) {
             const Qt::CheckState state = mayMove.at(static_cast<std::size_t>(i)) ? Qt::Checked : Qt::Unchecked;
-            hasChanged = hasChanged || Row(i)->checkState(kMayMove) != state;
-            Row(i)->setCheckState(kMayMove, state);
+            hasChanged = hasChanged || ItemOf(i)->checkState(kMayMove) != state;
+            ItemOf(i)->setCheckState(kMayMove, state);
         }
     }
     if (hasChanged) emit MayMoveChanged();
 }
 
-void ObjectList::ShowPlace(int index, const std::array<float, 6>& box, bool isMoved) {
-    const QSignalBlocker quiet(this);
-    QTreeWidgetItem& item = *Row(index);
-    item.setText(kMoved, isMoved ? tr("moved") : QString());
-    item.setText(kBox, item.data(kName, kVerticesRole).toInt() > 0 ? BoxText(box) : QString());
+// ---- the order of the rows
+
+void ObjectList::OnHeadClicked(int column) {
+    const bool isSame = header()->sortIndicatorSection() == column;
+    if (!isSame)
+        SortBy(column);
+    else if (header()->sortIndicatorOrder() == Qt::AscendingOrder)
+        SortBy(column, Qt::DescendingOrder);
+    else
+        SortBy(kUnsorted);
+}
+
+void ObjectList::SortBy(int column, Qt::SortOrder order) {
+    header()->setSortIndicator(column, order);
+    // Rows compare themselves by the column of the head; without one, by the order of the viewer.
+    model()->sort(std::max<int>(column, kName), order);
+}
+
+void ObjectList::SortAgain() {
+    const int column = header()->sortIndicatorSection();
+    if (column != kUnsorted) SortBy(column, header()->sortIndicatorOrder());
+}
+
+// ---- input
+
+void ObjectList::OnItemChanged(QTreeWidgetItem* item, int column) {
+    const int index = IndexOf(item);
+    if (index < 0) return;
+    if (column == kMayMove) emit MayMoveChanged();
+    if (column != kName) return;
+    ObjectItem& object = *ItemOf(index);
+    if (object.TakeVisibility()) {
+        emit VisibilityWanted(index, object.checkState(kName) == Qt::Checked);
+        return;
+    }
+    {
+        const QSignalBlocker quiet(this);
+        object.TakeName();
+    }
+    itemWidget(item, kColor)->setAccessibleName(tr("Colour of %1").arg(object.text(kName)));
+    emit Renamed(index);
+}
+
+void ObjectList::OnDoubleClick(QTreeWidgetItem* item, int column) {
+    const int x = viewport()->mapFromGlobal(QCursor::pos()).x() - visualItemRect(item).left();
+    const int mark =
+        style()->pixelMetric(QStyle::PM_IndicatorWidth) + 2 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin);
+    const bool isOnMark = column == kMayMove || (column == kName && x <= mark);
+    if (column != kColor && !isOnMark) emit CentringWanted(IndexOf(item));
+}
+
+void ObjectList::keyPressEvent(QKeyEvent* event) {
+    const int current = CurrentObject();
+    if (event->key() != Qt::Key_Space || event->modifiers() != Qt::NoModifier || current < 0) {
+        QTreeWidget::keyPressEvent(event);
+        return;
+    }
+    const int column = currentColumn();
+    if (column == kColor) {
+        static_cast<ColorButton*>(itemWidget(ItemOf(current), kColor))->click();
+    } else if (column == kName || column == kMayMove) {
+        const Qt::CheckState state = ItemOf(current)->checkState(column) == Qt::Checked ? Qt::Unchecked : Qt::Checked;
+        ItemOf(current)->setCheckState(column, state);
+        // All selected rows, if the current one is selected.
+        if (!ItemOf(current)->isSelected()) return;
+        for (const int index : SelectedObjects()) ItemOf(index)->setCheckState(column, state);
+    }
 }
 
 QModelIndex ObjectList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
@@ -274,6 +346,33 @@ QModelIndex ObjectList::moveCursor(CursorAction action, Qt::KeyboardModifiers mo
     return current.siblingAtColumn(std::clamp(current.column() + step, 0, kColumnCount - 1));
 }
 
+void ObjectList::EditName() {
+    if (CurrentObject() >= 0) editItem(currentItem(), kName);
+}
+
 void ObjectList::DeleteSelected() {
     if (const std::vector<int> selected = SelectedObjects(); !selected.empty()) emit DeletionWanted(selected);
+}
+
+// ---- the size
+
+QSize ObjectList::minimumSizeHint() const {
+    constexpr int kRows = 5, kButtonMargin = 8;  // pixels: the colour button is higher than the text
+    const int rows = kRows * (fontMetrics().lineSpacing() + kButtonMargin);
+    return {QTreeWidget::minimumSizeHint().width(), header()->sizeHint().height() + rows + 2 * frameWidth()};
+}
+
+void ObjectList::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    FitNameColumn();
+}
+
+void ObjectList::FitNameColumn() {
+    if (!m_bFitsNames || m_bInFit) return;
+    constexpr int kLetters = 16;  // of a name, at least
+    const int smallest = kLetters * fontMetrics().averageCharWidth() + style()->pixelMetric(QStyle::PM_IndicatorWidth);
+    const int others = header()->length() - header()->sectionSize(kName);
+    m_bInFit = true;
+    header()->resizeSection(kName, std::max(smallest, viewport()->width() - others));
+    m_bInFit = false;
 }

@@ -84,7 +84,7 @@ TEST_F(MainWindowTest, OpensFilesOfAllKindsInTheirOrder) {
     const QTreeWidgetItem& row = *m_window->Objects().topLevelItem(2);
     EXPECT_EQ(row.text(ObjectList::kVertices), "12");
     EXPECT_EQ(row.text(ObjectList::kTriangles), "12");  // 3 x 2 cells
-    EXPECT_EQ(row.text(ObjectList::kBox), "x 0 … 3, y 0 … 2, z -0.01 … 0.01");
+    EXPECT_EQ(row.text(ObjectList::kSize), "3.000 × 2.000 × 0.020");
 }
 
 TEST_F(MainWindowTest, OpensTheFilesOfItsOptionsWithTheirSettings) {

@@ -69,7 +69,8 @@ protected:
         return m_window->Objects().topLevelItem(row)->text(ObjectList::kMoved);
     }
     [[nodiscard]] std::string Box(int row) const {
-        return m_window->Objects().topLevelItem(row)->text(ObjectList::kBox).toStdString();
+        // Below the path.
+        return m_window->Objects().Row(row)->toolTip(ObjectList::kSize).section('\n', 1).replace('\n', ", ").toStdString();
     }
     [[nodiscard]] std::string Shown(const char* label) const { return Find<QLabel>(label).text().toStdString(); }
     void Select(int row) const { m_window->Objects().setCurrentItem(m_window->Objects().topLevelItem(row)); }

@@ -70,7 +70,7 @@ TEST_F(ObjectListTest, KeepsTheMarkOfAnObjectInOtherRows) {
 TEST_F(ObjectListTest, IsUsableByKeysInAllColumns) {
     m_list.setCurrentItem(&Row(0));
     m_list.show();
-    Press(Qt::Key_Right);
+    for (int i = 0; i < ObjectList::kMayMove; ++i) Press(Qt::Key_Right);
     EXPECT_EQ(m_list.currentColumn(), ObjectList::kMayMove);
     Press(Qt::Key_Down);
     Press(Qt::Key_Space);
@@ -78,7 +78,7 @@ TEST_F(ObjectListTest, IsUsableByKeysInAllColumns) {
     EXPECT_EQ(m_nVisibilities, 0);
     Press(Qt::Key_Space);
     EXPECT_EQ(m_list.MovingRows(), Indices{});
-    Press(Qt::Key_Left);
+    for (int i = 0; i < ObjectList::kMayMove; ++i) Press(Qt::Key_Left);
     EXPECT_EQ(m_list.currentColumn(), ObjectList::kName);
     Press(Qt::Key_Left);
     EXPECT_EQ(m_list.currentColumn(), ObjectList::kName) << "there is none to the left";
@@ -86,7 +86,7 @@ TEST_F(ObjectListTest, IsUsableByKeysInAllColumns) {
     EXPECT_TRUE(m_list.IsHidden(1));
     EXPECT_EQ(m_nVisibilities, 1);
     for (int i = 0; i < 20; ++i) Press(Qt::Key_Right);
-    EXPECT_EQ(m_list.currentColumn(), ObjectList::kBox);
+    EXPECT_EQ(m_list.currentColumn(), ObjectList::kColumnCount - 1);
     EXPECT_EQ(m_list.indexOfTopLevelItem(m_list.currentItem()), 1);
 }
 
@@ -106,16 +106,17 @@ TEST_F(ObjectListTest, ChoosesManyObjectsAtOnceByTheMenuOfTheCurrentOne) {
 }
 
 TEST_F(ObjectListTest, ShowsWhereAnObjectIsWithoutAReport) {
+    const auto tip = [this](int row) { return Row(row).toolTip(ObjectList::kSize); };
     m_list.ShowPlace(1, {0, 1, 2, 3, 4, 5}, true);
     EXPECT_EQ(Row(1).text(ObjectList::kMoved), "moved");
-    EXPECT_EQ(Row(1).text(ObjectList::kBox), "x 0 … 1, y 2 … 3, z 4 … 5");
+    EXPECT_EQ(tip(1), "/data/b.pcm\nx 0 … 1\ny 2 … 3\nz 4 … 5");
     EXPECT_EQ(Row(0).text(ObjectList::kMoved), "");
     m_list.ShowPlace(1, {0, 1, 2, 3, 4, 6}, false);
     EXPECT_EQ(Row(1).text(ObjectList::kMoved), "");
-    EXPECT_EQ(Row(1).text(ObjectList::kBox), "x 0 … 1, y 2 … 3, z 4 … 6");
+    EXPECT_EQ(tip(1), "/data/b.pcm\nx 0 … 1\ny 2 … 3\nz 4 … 6");
     EXPECT_EQ(m_nChanges + m_nVisibilities, 0);
     m_list.ShowPlace(0, {-2e-15f, 59, -0.01f, 0.01f, 1e-6f, 5e-4f}, true);
-    EXPECT_EQ(Row(0).text(ObjectList::kBox), "x 0 … 59, y -0.01 … 0.01, z 0 … 0.0005");
+    EXPECT_EQ(tip(0), "/data/a.pcm\nx 0 … 59\ny -0.01 … 0.01\nz 0 … 0.0005");
 }
 
 }  // namespace

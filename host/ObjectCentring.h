@@ -1,0 +1,14 @@
+// Moves the view to one object.
+#pragma once
+#include <QSize>
+#include <vector>
+
+#include "KV_ScenePane/_DKV_ScenePane.h"
+
+/// The middle of the object's box comes to the middle of the window. The directions of the view stay, and so does the
+/// magnification, unless the object would not fit: then it fills most of the window. The view is fitted to the scene
+/// before, so that its size is that of what is visible now.
+/// @param index    of an object of the viewer
+/// @param visible  all objects with triangles that the viewer shows
+/// @param window   size of the drawing area
+void CentreObject(KV_ScenePane::_DKV_ScenePane& methods, int index, const std::vector<int>& visible, QSize window);
