@@ -1,5 +1,5 @@
 // One import of many files while the window stays usable: worker threads read the files that the host reads itself, the
-// viewer imports the others between two rounds of the event loop.
+// viewer imports the others between two passes of the event loop.
 #pragma once
 #include <QObject>
 #include <memory>
@@ -34,9 +34,18 @@ public:
     /// One result per file, in their order; final once Finished() was emitted.
     [[nodiscard]] const std::vector<ImportResult>& Results() const { return m_vResults; }
 
+    /// The files of the runs that are over: the results before this position are final.
+    [[nodiscard]] std::size_t FinishedFiles() const { return m_nFinishedFiles; }
+
 signals:
+    /// A file is read from here on. The viewer reads the files of some types on this thread, which is then blocked.
+    /// @param file  position in the list
+    void Reading(int file, bool isBlocking);
     /// @param finishedFiles  of all files of the job, added or not
     void Progress(int finishedFiles);
+    /// A run is over and others follow: its objects are in the viewer, visible, and no frame has shown them. Emitted
+    /// when the next files are being read, if threads read them.
+    void Arrived();
     /// Emitted exactly once, also after Cancel() and Stop().
     void Finished();
 
@@ -44,6 +53,9 @@ private:
     /// Starts the next run, or finishes when none is left or the import was cancelled.
     void NextRun();
     void BeginParallelRun(const ImportRun& run);
+    /// After each run: starts the next one, or finishes.
+    void EndRun();
+    [[nodiscard]] bool IsLastRunOver() const { return m_bCancelled || m_nNextRun == m_vRuns.size(); }
     /// Reports the progress of the workers; ends their run when all of them are done.
     void CheckWorkers();
     /// Waits for the workers and lets the viewer add their objects.
@@ -54,10 +66,11 @@ private:
     KV_ScenePane::ScenePane& m_pane;
     const std::vector<std::string> m_vFiles;
     const ImportSettings m_settings;
+    const unsigned m_nThreads;  // that read files
     const std::vector<ImportRun> m_vRuns;
     std::vector<ImportResult> m_vResults;
-    std::size_t m_nNextRun = 0;  // position in m_vRuns
-    int m_nFinishedFiles = 0;    // of the runs that are over
+    std::size_t m_nNextRun = 0;        // position in m_vRuns
+    std::size_t m_nFinishedFiles = 0;  // of the runs that are over
     bool m_bCancelled = false, m_bOver = false;
     std::unique_ptr<PcmWorkers> m_pWorkers;  // set exactly between BeginParallelImport() and EndParallelImport()
 };

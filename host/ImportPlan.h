@@ -10,6 +10,9 @@ struct ImportRun {
     std::vector<std::size_t> files;  ///< positions in the list
 };
 
-/// Consecutive files that the host reads itself (FileType::readByHost) make one parallel run. Every other file is a run
-/// by itself, because the viewer appends its object to the list at once.
-[[nodiscard]] std::vector<ImportRun> PlanImport(const std::vector<std::string>& files);
+/// Consecutive files that the host reads itself (FileType::readByHost) make parallel runs. The viewer adds their
+/// objects at the end of a run: the first one has a file for each thread, so that the first objects come soon. Each
+/// further one has twice as many: at its end all threads wait for the last one, so there must be few runs. Every other
+/// file is a run by itself, because the viewer appends its object to the list at once.
+/// @param threads  that read files; 0 counts as 1
+[[nodiscard]] std::vector<ImportRun> PlanImport(const std::vector<std::string>& files, std::size_t threads);

@@ -1,21 +1,27 @@
-// Opening files: drops, the job with its progress dialog, and the messages and list rows at its end.
+// Opening files: drops, the job that reads them, list rows and first frames of what it adds, and its messages.
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QProgressDialog>
 #include <QStatusBar>
 #include <QUrl>
+#include <algorithm>
+#include <optional>
 #include <utility>
 
+#include "CaughtError.h"
 #include "CutCommands.h"
 #include "FileTypes.h"
 #include "ImportJob.h"
+#include "ImportProgress.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectColors.h"
 #include "ObjectList.h"
+#include "ScenePreparation.h"
 #include "SceneReport.h"
+#include "TranslatedText.h"
 #include "ViewerWidget.h"
+#include "WindowShell.h"
 
 namespace {
 
@@ -29,17 +35,11 @@ std::vector<std::string> LocalFiles(const QMimeData& data) {
     return files;
 }
 
-/// What the user can do about a file that was not added; empty when there is nothing to say.
-QString HintAbout(const ImportResult& result) {
-    // The viewer's words about a ply file of vertices only.
-    return result.text == "holds no faces" ? MainWindow::tr("; File > Import free points shows its vertices")
-                                           : QString();
-}
-
 }  // namespace
 
 void MainWindow::OpenFiles(const std::vector<std::string>& files) {
-    for (const std::string& file : files) {
+    m_pShell->NoteOpened(files);
+    for (const std::string& file : WithFilesOfFolders(files)) {
         const FileType* const type = FindFileType(file);
         if (type != nullptr && IsPoints(*type)) {
             m_unaskedPoints.files.push_back(file);
@@ -83,7 +83,7 @@ void MainWindow::DropWaitingFiles() {
 
 void MainWindow::ReportNoViewerFor(const std::string& file) {
     ++m_nFilesNotAdded;
-    m_pMessages->AddText(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
+    m_pMessages->AddProblem(tr("%1: not opened, there is no viewer").arg(QString::fromStdString(file)));
     emit FileFailed(file, "not opened, there is no viewer");
 }
 
@@ -96,83 +96,174 @@ void MainWindow::ReportNotStarted(const std::string& file) {
     m_pMessages->AddText(tr("%1: not opened, cancelled").arg(QString::fromStdString(file)));
 }
 
+// ---- the course of an import: files are read and their objects arrive, then the rest of the objects is shown
+
+void MainWindow::MakeImportProgress() {
+    m_pProgress = new ImportProgress;
+    statusBar()->insertPermanentWidget(0, m_pProgress);
+    m_pProgress->hide();
+    connect(m_pProgress, &ImportProgress::Cancelled, this, &MainWindow::CancelImport);
+}
+
 void MainWindow::StartImport(const std::vector<std::string>& files) {
+    FinishDeletions();
+    MakePreparation();
+    m_nListedFiles = 0;
     m_pJob = new ImportJob(*Pane(), files, m_options.import, this);
-    const auto count = static_cast<int>(files.size());
-    m_pProgress = std::make_unique<QProgressDialog>(tr("Importing files"), tr("Cancel"), 0, count, this);
-    m_pProgress->setWindowTitle(tr("scenepane"));
-    m_pProgress->setAutoReset(false);  // it is deleted at the end, whatever its value is then
-    // Not modal: with a modal dialog the window could not be closed during a long import.
-    m_pProgress->setModal(false);
-    connect(m_pJob, &ImportJob::Progress, m_pProgress.get(), &QProgressDialog::setValue);
-    connect(m_pProgress.get(), &QProgressDialog::canceled, this, &MainWindow::CancelImport);
+    connect(m_pJob, &ImportJob::Reading, this, &MainWindow::ShowReading);
+    connect(m_pJob, &ImportJob::Progress, m_pProgress, &ImportProgress::SetValue);
+    connect(m_pJob, &ImportJob::Arrived, this, &MainWindow::OnFilesArrived);
     connect(m_pJob, &ImportJob::Finished, this, &MainWindow::OnImportFinished);
-    m_pProgress->setValue(0);  // starts the time after which Qt shows the dialog: short imports show none
+    m_pProgress->Begin(static_cast<int>(files.size()));
+    ShowReading(0, false);
     EnableActions();
     m_pCuts->SetConfidence(m_options.import.confidence);
     m_pJob->Start();
 }
 
+void MainWindow::MakePreparation() {
+    KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
+    std::int64_t shownTriangles = 0;
+    for (const int index : m_pObjects->PresentObjects()) {
+        std::int32_t vertices = 0, triangles = 0;
+        methods.GetMeshDataSize(static_cast<std::int16_t>(index), &vertices, &triangles);
+        if (!m_pObjects->IsHidden(index)) shownTriangles += triangles;
+    }
+    // Only the first import fits the view: a later one must not move what the user looks at.
+    std::optional<ArrivalFit> fit;
+    if (IsSceneEmpty()) fit.emplace(m_options.zoom);
+    m_pPreparation = new ScenePreparation(*Pane(), shownTriangles, fit, this);
+    connect(m_pPreparation, &ScenePreparation::Waiting, m_pObjects,
+            [this](int index) { m_pObjects->ShowVisible(index, false); });
+    connect(m_pPreparation, &ScenePreparation::AboutToShow, this, &MainWindow::ObjectArrived);
+    connect(m_pPreparation, &ScenePreparation::Shown, m_pObjects,
+            [this](int index) { m_pObjects->ShowVisible(index, true); });
+    connect(m_pPreparation, &ScenePreparation::AboutToDraw, this, [this] {
+        if (IsReading()) return;  // which has a progress of its own
+        const int drawn = m_pPreparation->DrawnCount(), count = m_pPreparation->Count();
+        m_pProgress->ShowText(tr("Preparing the picture: %1 of %2 objects").arg(drawn).arg(count));
+        m_pProgress->SetValue(drawn);
+        m_pProgress->PaintNow();
+    });
+    connect(m_pPreparation, &ScenePreparation::Failed, this, &MainWindow::ReportViewerFailure);
+    connect(m_pPreparation, &ScenePreparation::Finished, this, &MainWindow::OnPicturePrepared);
+}
+
+void MainWindow::ObjectArrived(int /*index*/) {}
+
+void MainWindow::ShowReading(int file, bool isBlocking) {
+    const std::vector<std::string>& files = m_pJob->Files();
+    const std::string& path = files[static_cast<std::size_t>(file)];
+    const QString name = QString::fromStdString(path.substr(path.rfind('/') + 1));
+    m_pProgress->ShowText(tr("Reading %1 (%2 of %3)").arg(name).arg(file + 1).arg(files.size()));
+    if (isBlocking) m_pProgress->PaintNow();
+}
+
 void MainWindow::CancelImport() {
     if (m_pPointsJob != nullptr) m_pPointsJob->Cancel();
-    if (m_pJob == nullptr) return;
-    m_pJob->Cancel();
-    statusBar()->showMessage(tr("Cancelled; the files in progress are being finished."));
+    if (m_pJob != nullptr) {
+        m_pJob->Cancel();
+        statusBar()->showMessage(tr("Cancelled; the files in progress are being finished."));
+    } else if (m_pPreparation != nullptr) {
+        m_pPreparation->Cancel();
+    }
+}
+
+void MainWindow::OnFilesArrived() {
+    if (Pane() == nullptr) return;
+    ListNewObjects();
+    FollowImport();
+    // Objects that the command line places are shown where they will be, once all of them are there.
+    if (m_options.transformFile.empty())
+        m_pPreparation->ShowArrived();
+    else
+        m_pPreparation->Hide();
 }
 
 void MainWindow::OnImportFinished() {
     ReportResults();
-    // Only the first import fits the view: a later one must not move what the user looks at.
-    const bool wasEmpty = IsSceneEmpty();
     if (Pane() != nullptr) ListNewObjects();
     m_pJob->deleteLater();
     m_pJob = nullptr;
-    m_pProgress.release()->deleteLater();  // not at once: this may be a call from its own signal
     if (Pane() != nullptr) {
         LoadTransformsOfOptions();
-        if (wasEmpty) FitView(Pane()->Methods(), m_options.zoom);
-        Pane()->Methods().PerformRefresh();
+        FollowImport();
     }
+    m_pProgress->Begin(std::max(m_pPreparation->Count(), 1));
+    m_pPreparation->ShowRest();
+}
+
+void MainWindow::OnPicturePrepared() {
+    const int count = m_pPreparation->Count(), hidden = count - m_pPreparation->ShownCount();
+    if (m_pPreparation->IsCancelled() && hidden > 0) {
+        const QString text =
+            tr("Cancelled: %1 of %2 new objects are shown; the check marks in the list show the others")
+                .arg(count - hidden)
+                .arg(count);
+        m_pMessages->AddText(text);
+        statusBar()->showMessage(text);
+    }
+    m_pPreparation->deleteLater();  // not at once: this is a call from its own signal
+    m_pPreparation = nullptr;
+    m_pProgress->End();
     EnableActions();
     emit ImportFinished();
     OpenWaitingFiles();  // files that were added while this import ran
     OpenWaitingPoints();
 }
 
+void MainWindow::DrawPicture() {
+    try {
+        Pane()->Methods().PerformRefresh();
+    } catch (...) {  // no exception may pass through Qt
+        ReportViewerFailure(QString::fromStdString(TextOfCaughtError()));
+    }
+}
+
 void MainWindow::ReportResults() {
-    std::size_t added = 0;
+    std::size_t added = 0, notStarted = 0;
     const std::vector<ImportResult>& results = m_pJob->Results();
     for (std::size_t i = 0; i < results.size(); ++i) {
         const QString file = QString::fromStdString(m_pJob->Files()[i]);
-        const QString text = QString::fromStdString(results[i].text);
+        const QString text = TranslatedText(results[i].text);
         // A file that was added has a message only when the viewer wrote something about it.
         switch (results[i].state) {
             case ImportResult::State::Added:
                 ++added;
-                if (!text.isEmpty()) m_pMessages->AddText(file + ": " + text);
+                if (!text.isEmpty()) m_pMessages->AddProblem(file + ": " + text);
                 break;
             case ImportResult::State::Failed:
                 ++m_nFilesNotAdded;
-                m_pMessages->AddText(tr("%1: nothing added: %2").arg(file, text) + HintAbout(results[i]));
+                m_pMessages->AddProblem(tr("%1: nothing added: %2").arg(file, text));
                 emit FileFailed(m_pJob->Files()[i], results[i].text);
                 break;
             case ImportResult::State::NotStarted:
+                ++notStarted;
                 ReportNotStarted(m_pJob->Files()[i]);
                 break;
         }
     }
-    statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
+    if (notStarted == 0 || Pane() == nullptr) {
+        statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
+        return;
+    }
+    const QString kept =
+        tr("Import cancelled: %1 of %2 files kept; %3 were not opened").arg(added).arg(results.size()).arg(notStarted);
+    m_pMessages->AddText(kept);
+    statusBar()->showMessage(kept);
 }
 
 void MainWindow::ListNewObjects() {
-    // The list has a row for each object that the viewer had before this import.
+    // The list has a row for each object that the viewer had before.
     int index = m_pObjects->ObjectCount();
     const int count = Pane()->Methods().GetNumObjects();
     // The viewer's new objects have the order of the files that added them.
-    for (std::size_t i = 0; i < m_pJob->Results().size() && index < count; ++i) {
-        if (m_pJob->Results()[i].state == ImportResult::State::Added)
-            m_pColors->AddImported(ReportObject(*Pane(), static_cast<std::int16_t>(index++), m_pJob->Files()[i]),
-                                   TellsScansApart(m_pJob->Files()));
+    for (; m_nListedFiles < m_pJob->FinishedFiles() && index < count; ++m_nListedFiles) {
+        if (m_pJob->Results()[m_nListedFiles].state != ImportResult::State::Added) continue;
+        const auto object = static_cast<std::int16_t>(index);
+        const ObjectReport report = ReportObject(*Pane(), object, m_pJob->Files()[m_nListedFiles]);
+        m_pColors->AddImported(report, TellsScansApart(m_pJob->Files()));
+        m_pPreparation->Add(index++, report.triangles);
     }
 }
 

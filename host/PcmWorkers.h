@@ -1,5 +1,6 @@
 // Worker threads for the files that the host reads itself. They schedule; ImportGridFile() does the work on each file.
 #pragma once
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <string>
@@ -27,6 +28,8 @@ public:
     /// No further file is started; those in progress are finished. Any thread.
     void Cancel() { m_bCancelled = true; }
     [[nodiscard]] std::size_t FinishedFiles() const { return m_nFinished; }
+    /// Finished ones and those in progress.
+    [[nodiscard]] std::size_t StartedFiles() const { return std::min<std::size_t>(m_nNext, m_task.files.size()); }
     /// All threads have finished their work, so that Join() does not wait.
     [[nodiscard]] bool IsDone() const { return m_nRunningThreads == 0; }
     /// Waits for the threads. @return one result per file, in their order

@@ -68,7 +68,7 @@ TEST_F(FilePermissions, RefuseToWriteIntoAWriteProtectedFolder) {
 }
 
 TEST(PlanImport, JoinsConsecutivePcmFilesAndKeepsTheOrder) {
-    const auto runs = PlanImport({"a.pcm", "b.PCM", "c.pax", "d.pcm", "e.xdt", "f.xdt", "g.stl"});
+    const auto runs = PlanImport({"a.pcm", "b.PCM", "c.pax", "d.pcm", "e.xdt", "f.xdt", "g.stl"}, 2);
     ASSERT_EQ(runs.size(), 6u);
     EXPECT_TRUE(runs[0].parallel);
     EXPECT_EQ(runs[0].files, (std::vector<std::size_t>{0, 1}));
@@ -82,6 +82,28 @@ TEST(PlanImport, JoinsConsecutivePcmFilesAndKeepsTheOrder) {
     }
 }
 
-TEST(PlanImport, OfNothingIsNothing) { EXPECT_TRUE(PlanImport({}).empty()); }
+/// The numbers of files of the runs of @p count pcm files.
+std::vector<std::size_t> RunsOf(std::size_t count, std::size_t threads) {
+    std::vector<std::size_t> sizes;
+    std::size_t next = 0;
+    for (const ImportRun& run : PlanImport(std::vector<std::string>(count, "a.pcm"), threads)) {
+        EXPECT_TRUE(run.parallel);
+        for (const std::size_t file : run.files) EXPECT_EQ(file, next++);
+        sizes.push_back(run.files.size());
+    }
+    EXPECT_EQ(next, count);
+    return sizes;
+}
+
+TEST(PlanImport, BeginsWithAFileForEachThreadAndDoublesEachRun) {
+    using Sizes = std::vector<std::size_t>;
+    EXPECT_EQ(RunsOf(24, 2), (Sizes{2, 4, 8, 10}));
+    EXPECT_EQ(RunsOf(24, 16), (Sizes{16, 8}));
+    EXPECT_EQ(RunsOf(2, 2), Sizes{2});
+    EXPECT_EQ(RunsOf(3, 2), (Sizes{2, 1}));
+    EXPECT_EQ(RunsOf(3, 0), (Sizes{1, 2})) << "the number of cores is not known";
+}
+
+TEST(PlanImport, OfNothingIsNothing) { EXPECT_TRUE(PlanImport({}, 2).empty()); }
 
 }  // namespace
