@@ -48,7 +48,7 @@ inline constexpr std::int32_t kKeyDelete = 46;
 struct KeyInput {
     bool isDown = true;        ///< false for a release
     std::int32_t nChar = 0;    ///< key code
-    std::int32_t nRepCnt = 1;  ///< presses that are coalesced in this one: more than 1 while a held key repeats
+    std::int32_t nRepCnt = 1;  ///< number of presses; a window reports each repeat of a held key by itself, with 1
     /// Bits 0 to 7 scan code, 8 extended key, 13 Alt held, 14 the key was down before, 15 release.
     std::int32_t nFlags = 0;
 };

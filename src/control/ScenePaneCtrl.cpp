@@ -81,6 +81,17 @@ std::uintptr_t CKV_ScenePaneCtrl::NativeWindow() const { return m_pWindow->Nativ
 
 bool CKV_ScenePaneCtrl::Reparent(std::uintptr_t parent, int x, int y) { return m_pWindow->Reparent(parent, x, y); }
 
+// A handler of an input may send another one. The frame of the former is then drawn first, as for queued input.
+void CKV_ScenePaneCtrl::SendMouse(const KV_ScenePane::MouseInput& input) {
+    m_pWindow->DrawDeferredFrame();
+    OnMouse(input);
+}
+
+void CKV_ScenePaneCtrl::SendKey(const KV_ScenePane::KeyInput& input) {
+    m_pWindow->DrawDeferredFrame();
+    OnKey(input);
+}
+
 bool CKV_ScenePaneCtrl::GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info) {
     const Mesh* mesh = ObjectAt(idx);
     if (mesh == nullptr) return false;

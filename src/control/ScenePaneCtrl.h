@@ -96,8 +96,8 @@ public:
     [[nodiscard]] bool HasWindow() const;
     [[nodiscard]] std::uintptr_t NativeWindow() const;
     bool Reparent(std::uintptr_t parent, int x, int y);
-    void SendMouse(const KV_ScenePane::MouseInput& input) { OnMouse(input); }
-    void SendKey(const KV_ScenePane::KeyInput& input) { OnKey(input); }
+    void SendMouse(const KV_ScenePane::MouseInput& input);
+    void SendKey(const KV_ScenePane::KeyInput& input);
     bool GetObjectInfo(std::int16_t idx, KV_ScenePane::ObjectInfo* info);
     bool GetGraphicsInfo(KV_ScenePane::GraphicsInfo* info);
     bool CapturePicture(KV_ScenePane::Picture* picture);

@@ -14,6 +14,19 @@ using KV_ScenePane::BSTR;
 using KV_ScenePane::ImportMeasurementEntry;
 using KV_ScenePane::VARIANT_BOOL;
 
+/// One call of the host. Holds the control until the call returns, since a handler may destroy the handle meanwhile;
+/// and its frames are drawn before it returns, also when a handler of an input makes it whose own frame is deferred.
+class HostCall {
+public:
+    explicit HostCall(std::shared_ptr<Control> control)
+        : m_pControl(std::move(control)), m_atOnce(*m_pControl->m_pWindow, false) {}
+    Control* operator->() const { return m_pControl.get(); }
+
+private:
+    std::shared_ptr<Control> m_pControl;
+    DeferredFrames m_atOnce;
+};
+
 /// Passes each property and method on. One row per function: without it the class would be abstract.
 class HandleMethods final : public KV_ScenePane::_DKV_ScenePane {
 public:
@@ -271,8 +284,8 @@ public:
 private:
     template <typename Result, typename... Parameters, typename... Arguments>
     Result Call(Result (Control::*method)(Parameters...), Arguments... arguments) {
-        const std::shared_ptr<Control> control = m_pControl;  // this object may be gone when the method returns
-        return (control.get()->*method)(arguments...);
+        const HostCall call(m_pControl);  // this object may be gone when the method returns
+        return (call.operator->()->*method)(arguments...);
     }
 
     const std::shared_ptr<Control>& m_pControl;  ///< the handle's
@@ -344,8 +357,8 @@ public:
     Control& TheControl() { return *m_pControl; }
 
 private:
-    /// A temporary of the calling expression, which holds the control until the call has returned.
-    [[nodiscard]] std::shared_ptr<Control> Held() const { return m_pControl; }
+    /// A temporary of the calling expression, which ends when the call has returned.
+    [[nodiscard]] HostCall Held() const { return HostCall(m_pControl); }
 
     std::shared_ptr<Control> m_pControl;
     HandleMethods m_methods;

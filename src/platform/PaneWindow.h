@@ -29,7 +29,7 @@ public:
     virtual void OnMouse(const KV_ScenePane::MouseInput& /*input*/) {}
     /// Whether the way of the mouse matters, and not only where it is.
     [[nodiscard]] virtual bool WantsEveryMove() const { return false; }
-    /// A key of the focused window. Queued presses of one repeating key are coalesced into one press with their count.
+    /// A key of the focused window. Each repeat of a held key is a press of its own.
     virtual void OnKey(const KV_ScenePane::KeyInput& /*input*/) {}
 
 protected:
@@ -109,8 +109,15 @@ public:
     virtual void Resize(std::int32_t width, std::int32_t height) = 0;
 
     // ---- painting
-    /// Repaints before the return. While the client blocks painting the request stays pending.
+    /// Repaints before the return. While the client blocks painting the request stays pending. In the handler of a
+    /// wheel notch or of a key's repeat the frame is deferred while more of them wait: it is drawn once, with the last
+    /// one, and before any other event is handled.
     virtual void Refresh() = 0;
+    /// Whether Refresh() may defer its frame now. Set to false for calls of the host, which rely on a frame that was
+    /// drawn before they return. @return the former setting
+    virtual bool AllowDeferredFrames(bool /*allow*/) { return false; }
+    /// Draws a frame that was deferred, if there is one.
+    virtual void DrawDeferredFrame() {}
     /// Queues a repaint. Requests before the next paint are coalesced; it erases when one of them asked to.
     virtual void Invalidate(bool erase) = 0;
     /// Opens a paint and removes the pending request. Returns whether that asked to erase. From here to EndPaint()
@@ -174,4 +181,17 @@ public:
     /// Handles the queued events of the window system, then messages and timers, then repaints. Never blocks. What is
     /// queued meanwhile is for the next call.
     virtual void ProcessEvents() = 0;
+};
+
+/// Sets PaneWindow::AllowDeferredFrames() during its lifetime.
+class DeferredFrames {
+public:
+    DeferredFrames(PaneWindow& window, bool allow) : m_window(window), m_bFormer(window.AllowDeferredFrames(allow)) {}
+    ~DeferredFrames() { m_window.AllowDeferredFrames(m_bFormer); }
+    DeferredFrames(const DeferredFrames&) = delete;
+    DeferredFrames& operator=(const DeferredFrames&) = delete;
+
+private:
+    PaneWindow& m_window;
+    bool m_bFormer;
 };

@@ -40,6 +40,7 @@ bool QueuedWindow::Begin(std::string* reason) {
 void QueuedWindow::CloseAndForget() {
     Close();
     m_paintQueue.Clear();
+    m_bDeferred = false;
     m_life = Life::None;
 }
 
@@ -77,7 +78,25 @@ bool QueuedWindow::ExistsOrWakes() {
 void QueuedWindow::Refresh() {
     if (!ExistsOrWakes() || m_life == Life::Ending) return;
     m_paintQueue.Request(false);
+    if (m_bMayDefer) {
+        m_bDeferred = true;
+        m_messages.Wake();  // for a handler that runs an event loop, or throws, before the last input is delivered
+        return;
+    }
     m_pClient->OnPaint();
+}
+
+// Not inside a paint, as for queued requests. While the client blocks painting the request stays pending, as after a
+// Refresh().
+void QueuedWindow::DrawDeferredFrame() {
+    if (!std::exchange(m_bDeferred, false) || !ExistsOrWakes() || m_life == Life::Ending) return;
+    const DeferredFrames atOnce(*this, false);
+    if (m_paintQueue.IsDue()) m_pClient->OnPaint();
+}
+
+bool QueuedWindow::BeginPaint() {
+    m_bDeferred = false;
+    return m_paintQueue.Begin();
 }
 
 void QueuedWindow::Invalidate(bool erase) {
@@ -110,6 +129,7 @@ void QueuedWindow::ShowAboutBox(const KV_ScenePane::AboutText& text) { ShowAbout
 // An exception of the client ends the call and passes through to the host. What is left then, also a repaint that was
 // not requested by Invalidate() and has no wake of its own, is for the next call.
 void QueuedWindow::ProcessEvents() {
+    const DeferredFrames atOnce(*this, false);  // also in a call from a handler of an input that defers
     m_nextSwap = SwapWait::AsTheDriver;
     try {
         HandleAll();

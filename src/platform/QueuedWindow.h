@@ -20,8 +20,10 @@ public:
     [[nodiscard]] WindowSize ClientSize() const override { return m_size; }
 
     void Refresh() override;
+    bool AllowDeferredFrames(bool allow) override { return std::exchange(m_bMayDefer, allow); }
+    void DrawDeferredFrame() override;
     void Invalidate(bool erase) override;
-    bool BeginPaint() override { return m_paintQueue.Begin(); }
+    bool BeginPaint() override;
     void EndPaint() override;
     void RetryPaint() override;
     [[nodiscard]] bool IsPaintPending() const override { return m_paintQueue.IsPending(); }
@@ -52,6 +54,8 @@ protected:
     /// Whether events have arrived that were already read from the watched descriptor, which is not readable then.
     [[nodiscard]] virtual bool HasQueuedSystemEvents() const { return false; }
 
+    [[nodiscard]] bool IsFrameDeferred() const { return m_bDeferred; }
+
     /// For the frame that is shown now, see SwapBuffers().
     [[nodiscard]] SwapWait TakeSwapWait() { return std::exchange(m_nextSwap, SwapWait::Never); }
 
@@ -77,6 +81,8 @@ private:
 
     Life m_life = Life::None;
     SwapWait m_nextSwap = SwapWait::Never;
+    bool m_bMayDefer = false;  ///< see AllowDeferredFrames()
+    bool m_bDeferred = false;  ///< Refresh() has left its frame to a later input; its request is pending
     std::function<void(const std::string& text)> m_showMessage;            ///< the host's hook; may be empty
     std::function<void(const KV_ScenePane::AboutText& text)> m_showAbout;  ///< the same
 };

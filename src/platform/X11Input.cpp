@@ -54,12 +54,18 @@ bool IsWheel(unsigned number) { return number == Button4 || number == Button5; }
 
 }  // namespace
 
-// A release between two presses of one key is in the queue between them, so that these are not consecutive.
 bool X11Input::CanCoalesce(const _XEvent& event, const _XEvent& next) {
-    if (event.type != next.type || event.xany.window != next.xany.window) return false;
-    if (event.type == MotionNotify) return event.xmotion.state == next.xmotion.state;
-    if (event.type != KeyPress) return false;
-    return event.xkey.keycode == next.xkey.keycode && event.xkey.state == next.xkey.state;
+    return event.type == MotionNotify && next.type == MotionNotify && event.xany.window == next.xany.window &&
+           event.xmotion.state == next.xmotion.state;
+}
+
+bool X11Input::IsNotchOrRepeat(const _XEvent& event) const {
+    if (event.type == ButtonPress) return IsWheel(event.xbutton.button);
+    return event.type == KeyPress && m_keysDown[event.xkey.keycode % m_keysDown.size()].has_value();
+}
+
+bool X11Input::IsNotchRelease(const _XEvent& event) {
+    return event.type == ButtonRelease && IsWheel(event.xbutton.button);
 }
 
 std::vector<MouseInput> X11Input::FindLostReleases(const _XEvent& event) {
@@ -128,14 +134,13 @@ bool X11Input::CompletesDoubleClick(const Click& click) {
     return isSecond;
 }
 
-KeyInput X11Input::TranslateKey(const _XEvent& event, std::int32_t repeatCount, const X11Keyboard& keyboard) {
+KeyInput X11Input::TranslateKey(const _XEvent& event, const X11Keyboard& keyboard) {
     const XKeyEvent& press = event.xkey;
     std::optional<X11Key>& down = m_keysDown[press.keycode % m_keysDown.size()];
     const X11Key key = down ? *down : FindKey(keyboard, press.keycode, press.state);
     KeyInput input;
     input.isDown = event.type == KeyPress;
     input.nChar = key.code;
-    input.nRepCnt = input.isDown ? repeatCount : 1;
     input.nFlags = key.scanCode;
     if (key.isExtended) input.nFlags |= kExtendedBit;
     // The state mask of the Alt key's own events does not contain the key yet, or still does.

@@ -14,8 +14,7 @@ union _XEvent;
 /// events before it.
 class X11Input {
 public:
-    /// Whether two consecutive events become one input: moves with the same buttons and modifiers held, of which the
-    /// later is used, and presses of a key that repeats.
+    /// Whether two consecutive events become one input, the later one: moves with the same buttons and modifiers held.
     [[nodiscard]] static bool CanCoalesce(const _XEvent& event, const _XEvent& next);
 
     /// Releases that X never sent, because the window was not viewable or another program had grabbed the pointer: of
@@ -27,9 +26,13 @@ public:
     /// @param event  ButtonPress, ButtonRelease or MotionNotify
     /// @return nothing for a button that the viewer does not use, and for a release without a press
     std::optional<KV_ScenePane::MouseInput> TranslateMouse(const _XEvent& event);
-    /// @param event        KeyPress or KeyRelease
-    /// @param repeatCount  number of coalesced presses, at least 1; not used for a release
-    KV_ScenePane::KeyInput TranslateKey(const _XEvent& event, std::int32_t repeatCount, const X11Keyboard& keyboard);
+    /// @param event  KeyPress or KeyRelease
+    KV_ScenePane::KeyInput TranslateKey(const _XEvent& event, const X11Keyboard& keyboard);
+
+    /// Whether a press is a notch of the wheel or the repeat of a key that is held: input that comes in runs.
+    [[nodiscard]] bool IsNotchOrRepeat(const _XEvent& event) const;
+    /// Whether it is the release that X sends with each notch, which is no input.
+    [[nodiscard]] static bool IsNotchRelease(const _XEvent& event);
 
     /// For a window that lost the keyboard focus: the releases of its keys go to another window.
     void ForgetKeys() { m_keysDown = {}; }

@@ -93,12 +93,18 @@ private:
     [[nodiscard]] bool IsChild() const { return m_request.kind == KV_ScenePane::WindowRequest::Kind::Child; }
 
     // ---- X11WindowEvents.cpp
-    /// @param repeatCount  consecutive events that were coalesced into this one
-    void HandleEvent(const _XEvent& event, int repeatCount);
+    /// What follows an input among the events that wait.
+    enum class Waiting { Others, NotchOrRepeat };
+    /// Whether a notch of the wheel or the repeat of a key is next, but for the releases of notches.
+    /// @param count  events at the head of the queue that are looked at
+    [[nodiscard]] Waiting FindNext(int count);
+    /// Draws a deferred frame, unless the next event belongs to the run of notches and repeats that deferred it.
+    void DrawDeferredFrameAtEndOfRun(int count);
+    void HandleEvent(const _XEvent& event, Waiting next);
     void HandleConfiguration(const _XEvent& event);
     void ApplySize(const _XEvent& configureNotify);
-    void HandleMouse(const _XEvent& event);
-    void DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs);
+    void HandleMouse(const _XEvent& event, Waiting next);
+    void DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs, Waiting next);
     void HandleFocusChange(const _XEvent& event);
     [[nodiscard]] bool HasFocus();
     void RequestFocus();

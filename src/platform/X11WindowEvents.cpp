@@ -33,6 +33,25 @@ Bool VisitConfiguration(Display*, XEvent* event, XPointer argument) {
     return False;
 }
 
+/// What the first events of the queue are, looked at one by one.
+struct RunSearch {
+    const X11Input& input;
+    Window window;
+    int left;  ///< events that are still looked at
+    bool found = false;
+};
+
+/// A predicate for XCheckIfEvent() as VisitConfiguration(): ends its search at the first event that is no notch's
+/// release.
+Bool VisitRun(Display*, XEvent* event, XPointer argument) {
+    auto& search = *reinterpret_cast<RunSearch*>(argument);
+    if (search.left <= 0) return False;
+    const bool isOwn = event->xany.window == search.window;
+    search.found = isOwn && search.input.IsNotchOrRepeat(*event);
+    search.left = isOwn && X11Input::IsNotchRelease(*event) ? search.left - 1 : 0;
+    return False;
+}
+
 }  // namespace
 
 // ---- the queue
@@ -44,25 +63,39 @@ bool X11Window::HasQueuedSystemEvents() const {
 
 void X11Window::HandleSystemEvents() {
     const RequestScope scope(*this);
-    DispatchMouse({});  // what a handler that threw, or that called ProcessEvents(), has left of an event
+    // What a handler that threw, or that called ProcessEvents(), has left of an event.
+    DispatchMouse({}, Waiting::Others);
     // Only the events that are queued at the start: a server that sends without end must not keep the host's loop here.
     // A handler may close the window and the connection with it, recreate both, or call ProcessEvents() itself.
-    for (int count = Exists() ? XPending(m_pConnection->Get()) : 0; count > 0 && m_pConnection != nullptr && Exists();
-         --count) {
+    int count = Exists() ? XPending(m_pConnection->Get()) : 0;
+    DrawDeferredFrameAtEndOfRun(count);
+    for (; count > 0 && m_pConnection != nullptr && Exists(); DrawDeferredFrameAtEndOfRun(--count)) {
         Display* const display = m_pConnection->Get();
         if (XEventsQueued(display, QueuedAlready) == 0) return;
         XEvent event{};
         XNextEvent(display, &event);
-        int repeatCount = 1;
-        if (event.type != MotionNotify || !m_pClient->WantsEveryMove())
-            for (; count > 1 && CanCoalesceWithNext(display, event); --count, ++repeatCount)
-                XNextEvent(display, &event);
-        HandleEvent(event, repeatCount);
+        if (event.type == MotionNotify && !m_pClient->WantsEveryMove())
+            for (; count > 1 && CanCoalesceWithNext(display, event); --count) XNextEvent(display, &event);
+        HandleEvent(event, m_input.IsNotchOrRepeat(event) ? FindNext(count - 1) : Waiting::Others);
     }
 }
 
+X11Window::Waiting X11Window::FindNext(int count) {
+    RunSearch search{m_input, m_nWindow, count};
+    XEvent none{};
+    XCheckIfEvent(m_pConnection->Get(), &none, VisitRun, reinterpret_cast<XPointer>(&search));
+    return search.found ? Waiting::NotchOrRepeat : Waiting::Others;
+}
+
+// The event stays in the queue: a paint may throw or close the window, and finds there that the window is lost.
+void X11Window::DrawDeferredFrameAtEndOfRun(int count) {
+    if (!IsFrameDeferred()) return;
+    if (count > 0 && Exists() && FindNext(count) == Waiting::NotchOrRepeat) return;
+    DrawDeferredFrame();
+}
+
 // Each case calls the client last, because the client may close the window.
-void X11Window::HandleEvent(const _XEvent& event, int repeatCount) {
+void X11Window::HandleEvent(const _XEvent& event, Waiting next) {
     if (event.type == MappingNotify) {  // has no window
         XMappingEvent mapping = event.xmapping;
         XRefreshKeyboardMapping(&mapping);
@@ -86,7 +119,7 @@ void X11Window::HandleEvent(const _XEvent& event, int repeatCount) {
             m_request.y = event.xreparent.y;
             break;
         case UnmapNotify:
-            DispatchMouse(m_input.ReleaseButtons());
+            DispatchMouse(m_input.ReleaseButtons(), Waiting::Others);
             break;
         case DestroyNotify:
             m_nWindow = 0;
@@ -101,12 +134,14 @@ void X11Window::HandleEvent(const _XEvent& event, int repeatCount) {
         case ButtonPress:
         case ButtonRelease:
         case MotionNotify:
-            HandleMouse(event);
+            HandleMouse(event, next);
             break;
         case KeyPress:
-        case KeyRelease:
-            m_pClient->OnKey(m_input.TranslateKey(event, repeatCount, m_keyboard));
+        case KeyRelease: {
+            const DeferredFrames deferred(*this, next == Waiting::NotchOrRepeat);
+            m_pClient->OnKey(m_input.TranslateKey(event, m_keyboard));
             break;
+        }
         default:
             break;
     }
@@ -147,22 +182,28 @@ bool X11Window::BeginPaint() {
 
 // ---- pointer
 
-void X11Window::HandleMouse(const _XEvent& event) {
+void X11Window::HandleMouse(const _XEvent& event, Waiting next) {
     std::vector<KV_ScenePane::MouseInput> inputs = m_input.FindLostReleases(event);
     if (const std::optional<KV_ScenePane::MouseInput> input = m_input.TranslateMouse(event)) {
         if (event.type == ButtonPress && input->kind != KV_ScenePane::MouseInput::Kind::Wheel) RequestFocus();
         inputs.push_back(*input);
     }
-    DispatchMouse(inputs);
+    DispatchMouse(inputs, next);
 }
 
 // One event may become several inputs. They are queued in a member: a handler that closes the window drops the rest,
 // and one that calls ProcessEvents() gets the rest before the inputs of later events.
-void X11Window::DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs) {
+void X11Window::DispatchMouse(const std::vector<KV_ScenePane::MouseInput>& inputs, Waiting next) {
     m_pendingInputs.insert(m_pendingInputs.end(), inputs.begin(), inputs.end());
     while (!m_pendingInputs.empty()) {
         const KV_ScenePane::MouseInput input = m_pendingInputs.front();
+        const bool isNotch = input.kind == KV_ScenePane::MouseInput::Kind::Wheel;
+        if (!isNotch && IsFrameDeferred()) {  // a release that was lost before a notch
+            DrawDeferredFrame();              // may close the window, or handle the inputs in a nested call
+            continue;
+        }
         m_pendingInputs.pop_front();
+        const DeferredFrames deferred(*this, isNotch && next == Waiting::NotchOrRepeat);
         m_pClient->OnMouse(input);
     }
 }

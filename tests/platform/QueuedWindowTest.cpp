@@ -71,6 +71,58 @@ TEST_P(WindowQueue, RefreshServesTheInvalidatesBeforeIt) {
     EXPECT_EQ(Painted(), 1);
 }
 
+TEST_P(WindowQueue, DeferredFrameKeepsTheDescriptorReadableAndIsDrawnOnce) {
+    {
+        const DeferredFrames deferred(*window, true);
+        window->Refresh();
+        window->Refresh();
+        EXPECT_EQ(Painted(), 0);
+        EXPECT_TRUE(IsReadable(*window)) << "for a handler that waits for events";
+        window->DrawDeferredFrame();
+        EXPECT_EQ(Painted(), 1);
+        window->DrawDeferredFrame();
+        EXPECT_EQ(Painted(), 1) << "there is none any more";
+    }
+    window->Refresh();
+    EXPECT_EQ(Painted(), 2) << "at once again";
+    window->ProcessEvents();
+    EXPECT_EQ(Painted(), 2);
+    EXPECT_FALSE(IsReadable(*window));
+}
+
+TEST_P(WindowQueue, DeferredFrameIsDrawnByProcessEventsAtTheLatest) {
+    {
+        const DeferredFrames deferred(*window, true);
+        window->Refresh();
+    }
+    window->ProcessEvents();
+    EXPECT_EQ(Painted(), 1);
+    EXPECT_FALSE(window->IsPaintPending());
+}
+
+TEST_P(WindowQueue, AnyOtherFrameServesTheDeferredOne) {
+    const DeferredFrames deferred(*window, true);
+    window->Refresh();
+    {
+        const DeferredFrames atOnce(*window, false);
+        window->Refresh();
+        EXPECT_EQ(Painted(), 1);
+    }
+    window->DrawDeferredFrame();
+    EXPECT_EQ(Painted(), 1);
+}
+
+TEST_P(WindowQueue, DeferredFrameIsForgottenByADestruction) {
+    {
+        const DeferredFrames deferred(*window, true);
+        window->Refresh();
+    }
+    window->Destroy();
+    window->DrawDeferredFrame();
+    EXPECT_EQ(Painted(), 0);
+    EXPECT_FALSE(window->IsPaintPending());
+}
+
 TEST_P(WindowQueue, BlockedPaintIsTriedInEveryProcessEventsWithoutKeepingTheDescriptorReadable) {
     client->blockPaint = true;
     const int callsBefore = client->paintCalls;

@@ -300,12 +300,25 @@ TEST(X11InputCanCoalesce, MovesWithTheSameState) {
     EXPECT_FALSE(X11Input::CanCoalesce(MoveEvent(0), elsewhere));
 }
 
-TEST(X11InputCanCoalesce, PressesOfTheSameKey) {
-    EXPECT_TRUE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38)));
-    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 39)));
-    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38, ShiftMask)));
-    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyRelease, 38)));
-    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyRelease, 38), KeyEvent(KeyRelease, 38)));
+TEST(X11InputCanCoalesce, NeitherRepeatsOfAKeyNorNotchesOfTheWheel) {
+    EXPECT_FALSE(X11Input::CanCoalesce(KeyEvent(KeyPress, 38), KeyEvent(KeyPress, 38)));
+    EXPECT_FALSE(X11Input::CanCoalesce(ButtonEvent(ButtonPress, 4, 0), ButtonEvent(ButtonPress, 4, 0)));
+}
+
+// ---- runs
+
+TEST(X11InputRuns, AreMadeOfPressesOfTheWheel) {
+    const X11Input input;
+    EXPECT_TRUE(input.IsNotchOrRepeat(ButtonEvent(ButtonPress, 4, 0)));
+    EXPECT_TRUE(input.IsNotchOrRepeat(ButtonEvent(ButtonPress, 5, 0)));
+    for (const unsigned button : {1u, 2u, 3u, 6u, 7u, 8u}) {
+        EXPECT_FALSE(input.IsNotchOrRepeat(ButtonEvent(ButtonPress, button, 0))) << button;
+        EXPECT_FALSE(X11Input::IsNotchRelease(ButtonEvent(ButtonRelease, button, 0))) << button;
+    }
+    EXPECT_FALSE(input.IsNotchOrRepeat(ButtonEvent(ButtonRelease, 4, 0)));
+    EXPECT_TRUE(X11Input::IsNotchRelease(ButtonEvent(ButtonRelease, 4, 0)));
+    EXPECT_TRUE(X11Input::IsNotchRelease(ButtonEvent(ButtonRelease, 5, 0)));
+    EXPECT_FALSE(X11Input::IsNotchRelease(ButtonEvent(ButtonPress, 5, 0)));
 }
 
 // ---- keys
@@ -328,8 +341,8 @@ X11Keyboard Keyboard() {
 }
 
 struct KeyTest : testing::Test {
-    KeyInput Translate(int type, unsigned keycode, unsigned state = 0, std::int32_t repeatCount = 1) {
-        return input.TranslateKey(KeyEvent(type, keycode, state), repeatCount, keyboard);
+    KeyInput Translate(int type, unsigned keycode, unsigned state = 0) {
+        return input.TranslateKey(KeyEvent(type, keycode, state), keyboard);
     }
     X11Keyboard keyboard = Keyboard();
     X11Input input;
@@ -342,9 +355,9 @@ TEST_F(X11InputKey, RepeatHasTheWasDownBitAndReleaseTheReleaseBit) {
     EXPECT_EQ(press.nChar, 38);
     EXPECT_EQ(press.nRepCnt, 1);
     EXPECT_EQ(press.nFlags, 0x48 | kExtended);
-    const KeyInput repeat = Translate(KeyPress, kKeycodeUp, 0, 3);
+    const KeyInput repeat = Translate(KeyPress, kKeycodeUp);
     EXPECT_TRUE(repeat.isDown);
-    EXPECT_EQ(repeat.nRepCnt, 3);
+    EXPECT_EQ(repeat.nRepCnt, 1);
     EXPECT_EQ(repeat.nFlags, 0x48 | kExtended | kWasDown);
     const KeyInput release = Translate(KeyRelease, kKeycodeUp);
     EXPECT_FALSE(release.isDown);
@@ -352,6 +365,20 @@ TEST_F(X11InputKey, RepeatHasTheWasDownBitAndReleaseTheReleaseBit) {
     EXPECT_EQ(release.nRepCnt, 1);
     EXPECT_EQ(release.nFlags, 0x48 | kExtended | kWasDown | kReleased);
     EXPECT_EQ(Translate(KeyPress, kKeycodeUp).nFlags, 0x48 | kExtended) << "pressed again";
+}
+
+TEST_F(X11InputKey, IsARepeatFromItsPressToItsReleaseOrTheLossOfTheFocus) {
+    const XEvent press = KeyEvent(KeyPress, kKeycodeUp), release = KeyEvent(KeyRelease, kKeycodeUp);
+    EXPECT_FALSE(input.IsNotchOrRepeat(press)) << "the first press";
+    (void)Translate(KeyPress, kKeycodeUp);
+    EXPECT_TRUE(input.IsNotchOrRepeat(press));
+    EXPECT_FALSE(input.IsNotchOrRepeat(KeyEvent(KeyPress, kKeycodeA))) << "another key";
+    EXPECT_FALSE(input.IsNotchOrRepeat(release));
+    (void)Translate(KeyRelease, kKeycodeUp);
+    EXPECT_FALSE(input.IsNotchOrRepeat(press));
+    (void)Translate(KeyPress, kKeycodeUp);
+    input.ForgetKeys();
+    EXPECT_FALSE(input.IsNotchOrRepeat(press));
 }
 
 TEST_F(X11InputKey, EachKeyHasItsOwnState) {

@@ -54,7 +54,7 @@ TEST_F(X11WindowInputTest, FocusSetByTheHostBringsKeysAsAClickDoes) {
     EXPECT_EQ(KeyInputs(), (Keys{{true, 27, 1, 0x01}, {false, 27, 1, 0x01 | kWasDown | kReleased}}));
 }
 
-TEST_F(X11WindowInputTest, QueuedRepeatsOfAHeldKeyAreOnePressWithTheirCount) {
+TEST_F(X11WindowInputTest, EachQueuedRepeatOfAHeldKeyIsAPress) {
     ClickIntoPane();
     unsigned delay = 0, interval = 0;
     XkbGetAutoRepeatRate(host.Display(), XkbUseCoreKbd, &delay, &interval);
@@ -73,18 +73,18 @@ TEST_F(X11WindowInputTest, QueuedRepeatsOfAHeldKeyAreOnePressWithTheirCount) {
     (void)window.Reparent(0, 0, 0);  // a round trip: the window's connection has read them as well
     window.ProcessEvents();
     const Keys first = std::exchange(client.keys, {});
-    ASSERT_EQ(first.size(), 1u) << "the server's repeat sends no releases in between";
-    EXPECT_EQ(first[0].nChar, 38);
-    EXPECT_GE(first[0].nRepCnt, 4);
-    EXPECT_EQ(first[0].nFlags, 0x48 | kExtended);
-    EXPECT_TRUE(waitForPresses(first[0].nRepCnt + 3));
+    ASSERT_GE(first.size(), 4u);
+    EXPECT_EQ(first[0], (KeyInput{true, 38, 1, 0x48 | kExtended}));
+    for (std::size_t i = 1; i < first.size(); ++i)
+        EXPECT_EQ(first[i], (KeyInput{true, 38, 1, 0x48 | kExtended | kWasDown})) << "no release in between";
+    EXPECT_TRUE(waitForPresses(static_cast<int>(first.size()) + 3));
     user.ReleaseKey(XK_Up);
     const Keys second = KeyInputs();
     XkbSetAutoRepeatRate(host.Display(), XkbUseCoreKbd, delay, interval);
-    ASSERT_EQ(second.size(), 2u);
-    EXPECT_GE(second[0].nRepCnt, 3);
-    EXPECT_EQ(second[0].nFlags, 0x48 | kExtended | kWasDown);
-    EXPECT_EQ(second[1], (KeyInput{false, 38, 1, 0x48 | kExtended | kWasDown | kReleased}));
+    ASSERT_GE(second.size(), 4u);
+    for (std::size_t i = 0; i + 1 < second.size(); ++i)
+        EXPECT_EQ(second[i], (KeyInput{true, 38, 1, 0x48 | kExtended | kWasDown}));
+    EXPECT_EQ(second.back(), (KeyInput{false, 38, 1, 0x48 | kExtended | kWasDown | kReleased}));
     user.Type(XK_Up);
     EXPECT_EQ(KeyInputs(),
               (Keys{{true, 38, 1, 0x48 | kExtended}, {false, 38, 1, 0x48 | kExtended | kWasDown | kReleased}}))

@@ -62,6 +62,8 @@ public:
     void Resize(std::int32_t width, std::int32_t height) override { m_window->Resize(width, height); }
     bool BeginPaint() override { return m_window->BeginPaint(); }
     void EndPaint() override { m_window->EndPaint(); }
+    bool AllowDeferredFrames(bool allow) override { return m_window->AllowDeferredFrames(allow); }
+    void DrawDeferredFrame() override { m_window->DrawDeferredFrame(); }
     void RetryPaint() override { m_window->RetryPaint(); }
     [[nodiscard]] bool IsPaintPending() const override { return m_window->IsPaintPending(); }
     BootstrapReport BeginBootstrap(const ContextAttributes& wanted) override {
