@@ -12,6 +12,7 @@
 #include "KV_ScenePane/PropertyPage.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
+#include "ReducedDrawing.h"
 #include "SceneReport.h"
 #include "Settings.h"
 #include "WindowShell.h"
@@ -127,6 +128,7 @@ void MainWindow::ResetSettings() {
     m_schemeActions.value(static_cast<int>(start.mouse))->trigger();
     SetImportSettings({});
     m_options.drawMode.reset();
+    m_pReducing->Choose(ReducedChoice::Automatic);
     if (Pane() != nullptr) {
         KV_ScenePane::CKV_ScenePanePropPage().Apply(Pane()->Methods());
         FollowProperties();

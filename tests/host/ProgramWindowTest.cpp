@@ -94,6 +94,8 @@ const Place kPlaces[] = {
     {"LargeScreen", "1600x1000", ""},
     {"Laptop", "1366x768", ""},
     {"SmallScreen", "1024x768", ""},
+    {"LowScreen", "1280x720", ""},
+    {"LowestScreen", "1024x600", ""},
     {"OfALargerScreen", "1366x768", "[window]\nplace=200, 150, 2400, 1300\n"},
     {"OfAScreenThatIsGone", "1366x768", "[window]\nplace=2000, 100, 900, 600\n"},
     {"PartlyOutside", "1366x768", "[window]\nplace=700, 400, 900, 600\n"},

@@ -265,6 +265,29 @@ scenepane: none.txt: No such file or directory
 scenepane: none.json: No such file or directory
 scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' \
     points.xyz none.ply --points points.xyz --lines none.txt --transforms none.json
+# The window system that is there decides, not the one that a variable names.
+needs_none='; --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none'
+no_x='scenepane: there is no X display (DISPLAY is not set): under Wayland the window needs Xwayland'
+WAYLAND_DISPLAY=wayland-7 expect 1 "$no_x$needs_none" .
+WAYLAND_DISPLAY=wayland-7 QT_QPA_PLATFORM=wayland expect 1 "$no_x$needs_none" square.xdt
+QT_QPA_PLATFORM=xcb expect 1 "scenepane: there is no display (DISPLAY is not set)$needs_none" square.xdt
+DISPLAY=:4095 QT_QPA_PLATFORM='wayland;xcb' expect 1 "scenepane: the display :4095 cannot be opened$needs_none" square.xdt
+# Platforms that the user asks for on purpose: the window stays, and its files are not opened.
+for platform in offscreen minimal Offscreen 'minimal:enable_fonts'; do
+    QT_QPA_PLATFORM=$platform XDG_CONFIG_HOME=$folder "$scenepane" square.xdt >out.txt 2>err.txt &
+    program=$!
+    for _ in $(seq 600); do
+        grep -qx 'scenepane: square.xdt: not opened, there is no viewer' err.txt && break
+        kill -0 "$program" 2>kill.txt || break
+        sleep 0.1
+    done
+    kill "$program" 2>kill.txt
+    wait "$program" 2>kill.txt
+    got=$?
+    [ "$got" = 143 ] || fail "the window on $platform ended with status $got: $(cat err.txt)"
+    grep -qx 'scenepane: square.xdt: not opened, there is no viewer' err.txt || fail "wrong line: $(cat err.txt)"
+done
+expect 2 'scenepane: --reset-settings has no meaning with --info (see scenepane --help)' --info --reset-settings square.xdt
 # Every result that is printed: a full disk is exit status 1 and a reason.
 full() {
     "$scenepane" "$@" >/dev/full 2>err.txt
