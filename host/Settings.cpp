@@ -28,6 +28,8 @@ constexpr const char* kLassoOutsideOpacity = "lasso/outsideOpacity";
 
 constexpr const char* kProperties = "viewer/properties";
 
+constexpr const char* kReducedAutomatically = "view/reducedAutomatically";
+
 constexpr const char* kMouseScheme = "view/mouseScheme";
 constexpr const char* kRotation = "view/rotation";
 constexpr const char* kBackground = "view/background";  // four colours
@@ -169,6 +171,10 @@ std::optional<std::string> StoredProperties() {
 }
 
 void StoreProperties(const std::string& store) { OpenSettings().setValue(kProperties, QString::fromStdString(store)); }
+
+bool IsReducedAutomatically() { return ReadBool(OpenSettings(), kReducedAutomatically, true); }
+
+void StoreReducedAutomatically(bool on) { OpenSettings().setValue(kReducedAutomatically, on); }
 
 ViewSettings StoredView() {
     const QSettings stored = OpenSettings();

@@ -62,6 +62,11 @@ struct LassoSettings {
 [[nodiscard]] LassoSettings StoredLasso();
 void StoreLasso(const LassoSettings& lasso);
 
+/// Whether drags of slow scenes are drawn reduced although the property of the viewer is off; true until the user chose
+/// otherwise.
+[[nodiscard]] bool IsReducedAutomatically();
+void StoreReducedAutomatically(bool on);
+
 /// The store of the viewer's properties that was written last, for ScenePane::LoadProperties(); nothing before the
 /// first one. Its text is as untrusted as any file.
 [[nodiscard]] std::optional<std::string> StoredProperties();

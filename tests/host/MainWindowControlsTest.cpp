@@ -65,12 +65,15 @@ TEST_F(MainWindowControls, ChoosesThePickModeOfTheCrossByItsCheckBox) {
     EXPECT_TRUE(MenuAction("Off").isChecked());
 }
 
-TEST_F(MainWindowControls, ReducesTheSceneWhileMovingByItsSwitch) {
+TEST_F(MainWindowControls, ReducesTheSceneWhileMovingByItsMenu) {
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantFalse);
-    Trigger("Reduced while moving");
+    Trigger("Always");
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantTrue);
-    Trigger("Reduced while moving");
+    Trigger("Never");
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantFalse);
+    Trigger("Always");
+    Trigger("Automatically for slow scenes");
+    EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantFalse) << "no drag runs";
 }
 
 TEST_F(MainWindowControls, ReportsALogoThatCannotBeRead) {

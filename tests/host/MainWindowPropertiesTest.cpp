@@ -74,7 +74,7 @@ TEST_F(MainWindowProperties, ThePageSetsWhatTheMenusShow) {
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantTrue);
     EXPECT_EQ(Methods().GetDrawMosaic(), KV_ScenePane::kVariantTrue);
     EXPECT_EQ(CheckedMode(), "Wireframe");
-    EXPECT_TRUE(MenuAction("Reduced while moving").isChecked());
+    EXPECT_TRUE(MenuAction("Always").isChecked());
 }
 
 TEST_F(MainWindowProperties, TheOpenPageFollowsTheMenus) {
@@ -85,7 +85,7 @@ TEST_F(MainWindowProperties, TheOpenPageFollowsTheMenus) {
     Trigger("Lit per pixel");
     EXPECT_EQ(Mode().currentIndex(), -1);
     EXPECT_EQ(Mode().placeholderText(), "(another mode, see the Render menu)");
-    Trigger("Reduced while moving");
+    Trigger("Always");
     EXPECT_TRUE(Reduced().isChecked());
     EXPECT_FALSE(m_window->findChild<QDialogButtonBox*>()->button(kApply)->isEnabled());
 }
@@ -96,7 +96,7 @@ TEST_F(MainWindowProperties, MenusAndPageFollowAChangeByAnotherCaller) {
     Methods().SetDrawMode(KV_ScenePane::DrawModeFlat);
     Methods().SetMoveReduced(KV_ScenePane::kVariantTrue);
     EXPECT_TRUE(WaitUntil([&] { return CheckedMode() == "Flat shaded"; })) << CheckedMode();
-    EXPECT_TRUE(MenuAction("Reduced while moving").isChecked());
+    EXPECT_TRUE(MenuAction("Always").isChecked());
     EXPECT_EQ(Mode().currentIndex(), 2);
     EXPECT_TRUE(Reduced().isChecked());
     Methods().SetDrawMode(100);
@@ -203,7 +203,7 @@ TEST_F(MainWindowProperties, AreStoredWhenTheyAreChanged) {
     Show();
     Trigger("Wireframe");
     EXPECT_EQ(StoredProperties(), StoreWith("1.0", 1, false));
-    Trigger("Reduced while moving");
+    Trigger("Always");
     EXPECT_EQ(StoredProperties(), StoreWith("1.0", 1, true));
     OpenPage();
     Mode().setCurrentIndex(0);
@@ -236,7 +236,7 @@ TEST_F(MainWindowProperties, AreInTheNextWindowBeforeItsFirstFrame) {
     EXPECT_EQ(Methods().GetDrawMosaic(), KV_ScenePane::kVariantTrue);
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantTrue);
     EXPECT_EQ(CheckedMode(), "Wireframe");
-    EXPECT_TRUE(MenuAction("Reduced while moving").isChecked());
+    EXPECT_TRUE(MenuAction("Always").isChecked());
     EXPECT_EQ(Messages(), "");
 }
 
@@ -252,7 +252,7 @@ TEST_F(MainWindowProperties, StayForTheNextWindowWhenTheViewerIsLost) {
 TEST_F(MainWindowProperties, StayWhenTheContextIsMadeAgain) {
     Show();
     Trigger("Flat shaded");
-    Trigger("Reduced while moving");
+    Trigger("Always");
     Methods().RecreateOpenglContext(3, 3, 0);
     EXPECT_EQ(Methods().GetDrawMode(), KV_ScenePane::DrawModeFlat);
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantTrue);
@@ -266,7 +266,7 @@ TEST_F(MainWindowProperties, OfTheWindowThatWasChangedLastAreStored) {
     EXPECT_EQ(StoredProperties(), StoreWith("1.0", 2, true)) << "this window had changed nothing since";
     Show();
     StoreProperties(StoreWith("1.0", 0, false));
-    Trigger("Reduced while moving");
+    Trigger("Never");
     EXPECT_EQ(StoredProperties(), StoreWith("1.0", 2, false)) << "with all properties of the window";
 }
 
@@ -280,7 +280,7 @@ TEST_F(MainWindowProperties, GiveWayToTheModeOfTheCommandLineForOneWindow) {
     EXPECT_EQ(Methods().GetDrawMode(), KV_ScenePane::DrawModePoints);
     EXPECT_EQ(Methods().GetMoveReduced(), KV_ScenePane::kVariantTrue);
     EXPECT_EQ(CheckedMode(), "Points");
-    Trigger("Reduced while moving");
+    Trigger("Never");
     EXPECT_EQ(StoredProperties(), StoreWith("1.0", 1, false)) << "the mode was not the user's choice";
     EXPECT_EQ(Methods().GetDrawMode(), KV_ScenePane::DrawModePoints);
     m_window.reset();
