@@ -63,6 +63,8 @@ void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const I
             report.failed.push_back({file, result.text});
         }
         if (!result.text.empty()) PrintError(err, file + ": " + result.text);
+        if (result.state == ImportResult::State::Added && !HasPosition(report.objects.back()))
+            PrintError(err, file + ": " + kNoFiniteCoordinate);
     }
 }
 

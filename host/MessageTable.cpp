@@ -170,7 +170,7 @@ constexpr MessageRow kRows[] = {
     {"Error in grammar at token %1: %2", kBadHeader},
     {"Integer expected, but found this: %1",
      QT_TRANSLATE_NOOP("Messages", "the file is damaged: there is \"%1\" in place of a whole number")},
-    {"Floating-point number expected, but found this: %1",
+    {"Float expected, but found this: %1",
      QT_TRANSLATE_NOOP("Messages", "the file is damaged: there is \"%1\" in place of a number")},
     {"No such property: %1",
      QT_TRANSLATE_NOOP("Messages", "the ply file has no property \"%1\": export it again with it")},

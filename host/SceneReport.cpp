@@ -145,6 +145,11 @@ std::string JsonPick(const PickReport& pick) {
 
 }  // namespace
 
+bool HasPosition(const ObjectReport& object) {
+    const auto& [minX, maxX, minY, maxY, minZ, maxZ] = object.box;
+    return object.vertices == 0 || (minX <= maxX && minY <= maxY && minZ <= maxZ);
+}
+
 ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file) {
     // Name and vertex colours come from GetObjectInfo(): the automation interface has no methods for them.
     ObjectReport object;

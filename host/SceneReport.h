@@ -30,6 +30,9 @@ struct ObjectReport {
     std::array<float, 16> transform{};
 };
 
+/// Whether a point of the object has three finite coordinates, or it has no points: without it nothing can be shown.
+[[nodiscard]] bool HasPosition(const ObjectReport& object);
+
 /// A file that added no object.
 struct FailedFile {
     std::string file;    ///< as typed, bytes

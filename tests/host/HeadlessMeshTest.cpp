@@ -4,10 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <ostream>
 
 #include "Headless.h"
+#include "MessageTable.h"
 #include "PngFile.h"
 #include "host/HeadlessRuns.h"
 #include "host/MeshFiles.h"
@@ -262,16 +264,20 @@ TEST(MeshPicture, ShowsAMeshFile) {
 
 // ---- coordinates that are not finite, and files that add nothing
 
-TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
-    const ScratchFolder folder;
-    const float record[12] = {0, 0, 1, 0, 0, 5, 2, 0, 5, INFINITY, NAN, 6};  // a normal, then three corners
+/// A file with one triangle. @param numbers  a normal, then three corners
+void WriteStlTriangle(const std::string& path, const std::array<float, 12>& numbers) {
     std::vector<std::byte> bytes(80);
     const std::uint32_t count = 1;
     const std::uint16_t attribute = 0;
     AppendBytes(bytes, &count, sizeof count);
-    AppendBytes(bytes, record, sizeof record);
+    AppendBytes(bytes, numbers.data(), sizeof numbers);
     AppendBytes(bytes, &attribute, sizeof attribute);
-    WriteBytes(folder / "odd.stl", bytes);
+    WriteBytes(path, bytes);
+}
+
+TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
+    const ScratchFolder folder;
+    WriteStlTriangle(folder / "odd.stl", {0, 0, 1, 0, 0, 5, 2, 0, 5, INFINITY, NAN, 6});
     HostOptions options;
     options.json = true;
     options.files = {folder / "odd.stl"};
@@ -286,6 +292,21 @@ TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
     const Printed convertErr;
     EXPECT_EQ(RunConvert(options, convertErr), kExitGood);
     EXPECT_EQ(convertErr.Text(), err.Text());
+}
+
+TEST(Info, SaysThatAnObjectWithoutFinitePointsShowsNothing) {
+    const ScratchFolder folder;
+    WriteStlTriangle(folder / "odd.stl", {0, 0, 1, NAN, 0, 5, NAN, 0, 5, INFINITY, 1, 6});
+    HostOptions options;
+    options.json = true;
+    options.files = {folder / "odd.stl"};
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitGood);
+    const std::string start = "scenepane: " + (folder / "odd.stl") + ": ";
+    EXPECT_EQ(err.Text(), start +
+                              "3 coordinates are not finite: triangles may be missing there: export the file again "
+                              "from its source\n" +
+                              start + kNoFiniteCoordinate + "\n");
 }
 
 struct Refused {
