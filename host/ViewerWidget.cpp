@@ -166,6 +166,9 @@ bool ViewerWidget::FilterMouse(const MouseInput& input) {
     constexpr double kClickSlack = 3.0;  // pixels of a screen of plain density
     if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
         emit RightClicked(*pixel);
+    const bool isPlain = (input.flags & (KV_ScenePane::kMouseCtrl | KV_ScenePane::kMouseShift)) == 0;
+    if (const std::optional<QPoint> pixel = m_leftClicks.See(input, kClickSlack * devicePixelRatioF()); pixel && isPlain)
+        emit LeftClicked(*pixel);
     // A double click comes as another kind of input, and may come before the pick of a press that is delayed.
     if (input.kind == MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
     if (AsksForClipPlacement(input)) emit ClipPlacementAsked();
@@ -175,7 +178,8 @@ bool ViewerWidget::FilterMouse(const MouseInput& input) {
 void ViewerWidget::SetTakesPresses(bool on, bool ignoresDoubles) {
     m_bTakesPresses = on;
     m_bIgnoresDoubles = ignoresDoubles;
-    m_rightClicks = {};  // the release of the press that cuts must not complete a click
+    m_rightClicks.Reset();  // the release of the press that cuts must not complete a click
+    m_leftClicks.Reset();
 }
 
 // Not by Xlib, whose handler of errors ends the process when the window is not on the screen.

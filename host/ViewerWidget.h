@@ -4,11 +4,11 @@
 #include <memory>
 #include <string>
 
+#include "ClickWatch.h"
 #include "EventFormatter.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "KeyShortcut.h"
 #include "RegistryStart.h"
-#include "RightClick.h"
 
 class QSocketNotifier;
 
@@ -61,6 +61,8 @@ signals:
     /// The right button was clicked: pressed and released at one place. Emitted before the viewer handles the release,
     /// so a menu must be shown later. @param pixel  of the drawing area of the viewer
     void RightClicked(QPoint pixel);
+    /// The same for the left button, without Ctrl and Shift. A double click emits it once.
+    void LeftClicked(QPoint pixel);
     /// A cut will be applied; the viewer still has the objects of before.
     void CutAboutToApply();
     /// An alignment has ended.
@@ -118,7 +120,7 @@ private:
     bool m_bTakesPresses = false;
     bool m_bIgnoresDoubles = false;
     HeldModifiers m_held;
-    RightClickWatch m_rightClicks;
+    ClickWatch m_rightClicks{ClickWatch::Button::Right}, m_leftClicks{ClickWatch::Button::Left};
     std::string m_strFailure;        // of the last ProcessEvents(); empty when it threw nothing
     bool m_bPressHasPicked = false;  // the last press of the left button, or the double click that it began
     std::string m_strMessages;       // shown by the viewer while it was created: the reason of a refusal

@@ -1,5 +1,5 @@
-// What is a click of the right button, and what is a drag.
-#include "RightClick.h"
+// What is a click of a button, and what is a drag.
+#include "ClickWatch.h"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +29,7 @@ MouseInput Press(int x = 10, int y = 20, std::uint32_t others = 0) {
 MouseInput Move(int x, int y) { return At(Kind::Move, x, y, KV_ScenePane::kMouseRight); }
 MouseInput Release(int x = 10, int y = 20) { return At(Kind::RightUp, x, y); }
 
+// Of the right button; those of the left one are the same with the buttons exchanged.
 const InputsRow kRows[] = {
     {"PressAndReleaseAtOnePlace", {Press(), Release()}, 1},
     {"AMoveByTheSlack", {Press(), Move(10, 23), Release(10, 23)}, 1},
@@ -52,10 +53,32 @@ const InputsRow kRows[] = {
     {"ADoubleClick", {At(Kind::LeftDown, 10, 20), At(Kind::LeftUp, 10, 20), At(Kind::DoubleClick, 10, 20)}, 0},
 };
 
-class RightClicks : public testing::TestWithParam<InputsRow> {};
+MouseInput WithButtonsExchanged(MouseInput input) {
+    constexpr std::uint32_t kBoth = KV_ScenePane::kMouseLeft | KV_ScenePane::kMouseRight;
+    if ((input.flags & kBoth) != 0 && (input.flags & kBoth) != kBoth) input.flags ^= kBoth;
+    switch (input.kind) {
+        case Kind::LeftDown:
+            input.kind = Kind::RightDown;
+            break;
+        case Kind::RightDown:
+            input.kind = Kind::LeftDown;
+            break;
+        case Kind::LeftUp:
+            input.kind = Kind::RightUp;
+            break;
+        case Kind::RightUp:
+            input.kind = Kind::LeftUp;
+            break;
+        default:
+            break;
+    }
+    return input;
+}
 
-TEST_P(RightClicks, AreRecognised) {
-    RightClickWatch watch;
+class Clicks : public testing::TestWithParam<InputsRow> {};
+
+TEST_P(Clicks, OfTheRightButtonAreRecognised) {
+    ClickWatch watch(ClickWatch::Button::Right);
     int clicks = 0;
     for (const MouseInput& input : GetParam().inputs) {
         if (!watch.See(input, kSlack)) continue;
@@ -65,17 +88,39 @@ TEST_P(RightClicks, AreRecognised) {
     EXPECT_EQ(clicks, GetParam().clicks);
 }
 
-INSTANTIATE_TEST_SUITE_P(Inputs, RightClicks, testing::ValuesIn(kRows),
+TEST_P(Clicks, OfTheLeftButtonAreRecognised) {
+    ClickWatch watch(ClickWatch::Button::Left);
+    int clicks = 0;
+    for (const MouseInput& input : GetParam().inputs) clicks += watch.See(WithButtonsExchanged(input), kSlack) ? 1 : 0;
+    EXPECT_EQ(clicks, GetParam().clicks);
+}
+
+INSTANTIATE_TEST_SUITE_P(Inputs, Clicks, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(RightClick, LiesWhereTheButtonWasPressed) {
-    RightClickWatch watch;
+TEST(ClickWatch, CountsADoubleClickOfTheLeftButtonAsOneClick) {
+    ClickWatch watch(ClickWatch::Button::Left);
+    (void)watch.See(At(Kind::LeftDown, 10, 20, KV_ScenePane::kMouseLeft), kSlack);
+    EXPECT_NE(watch.See(At(Kind::LeftUp, 10, 20), kSlack), std::nullopt);
+    (void)watch.See(At(Kind::DoubleClick, 10, 20, KV_ScenePane::kMouseLeft), kSlack);
+    EXPECT_EQ(watch.See(At(Kind::LeftUp, 10, 20), kSlack), std::nullopt);
+}
+
+TEST(ClickWatch, ForgetsAPressWhenItIsReset) {
+    ClickWatch watch(ClickWatch::Button::Right);
+    (void)watch.See(Press(), kSlack);
+    watch.Reset();
+    EXPECT_EQ(watch.See(Release(), kSlack), std::nullopt);
+}
+
+TEST(ClickWatch, LiesWhereTheButtonWasPressed) {
+    ClickWatch watch(ClickWatch::Button::Right);
     EXPECT_EQ(watch.See(Press(10, 20), kSlack), std::nullopt);
     EXPECT_EQ(watch.See(Release(12, 19), kSlack), QPoint(10, 20));
 }
 
-TEST(RightClick, MayMoveFurtherOnADenseScreen) {
-    RightClickWatch watch;
+TEST(ClickWatch, MayMoveFurtherOnADenseScreen) {
+    ClickWatch watch(ClickWatch::Button::Right);
     (void)watch.See(Press(), 2 * kSlack);
     EXPECT_EQ(watch.See(Release(16, 20), 2 * kSlack), QPoint(10, 20));
 }
