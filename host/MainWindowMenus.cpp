@@ -224,12 +224,14 @@ void MainWindow::AskForFiles() {
 
 void MainWindow::AskForScreenShot() {
     // Not getSaveFileName(), which has no default suffix.
-    QFileDialog dialog(this, tr("Save screenshot"), {}, tr("PNG pictures (*.png);;All files (*)"));
+    QFileDialog dialog(this, tr("Save screenshot"), StoredFolder(FolderUse::Picture),
+                       tr("PNG pictures (*.png);;All files (*)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(
         "png");  // added by the dialog, so that it asks before it overwrites the file of the full name
     dialog.selectFile(tr("screenshot.png"));
     if (dialog.exec() != QDialog::Accepted) return;
+    StoreFolderOf(FolderUse::Picture, dialog.selectedFiles().constFirst());
     (void)SaveScreenShot(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
 }
 

@@ -120,10 +120,10 @@ void WindowShell::Place(const std::optional<WindowPlace>& last) {
     // A screen may be gone; the window manager then chooses the place.
     const QScreen* const before = last ? QGuiApplication::screenAt(QRect(last->corner, wanted).center()) : nullptr;
     if (before != nullptr) screen = before;
-    const QSize size = wanted.boundedTo(screen->availableSize() - kUsualFrame);
+    // The first time with space for a frame, so that the size need not change when the window is on the screen.
+    const QSize size = wanted.boundedTo(last ? screen->availableSize() : screen->availableSize() - kUsualFrame);
     m_window.resize(size);
-    if (before != nullptr)
-        m_window.move(MovedInside({last->corner, size + kUsualFrame}, screen->availableGeometry()).topLeft());
+    if (before != nullptr) m_window.move(MovedInside({last->corner, size}, screen->availableGeometry()).topLeft());
     m_bNarrowsPanes = !last || size != wanted;
 }
 
