@@ -23,6 +23,7 @@
 #include "MessageTable.h"
 #include "NeedlePanel.h"
 #include "ObjectColors.h"
+#include "ObjectCommands.h"
 #include "ObjectList.h"
 #include "PngFile.h"
 #include "PropertyDialog.h"
@@ -68,6 +69,7 @@ MainWindow::~MainWindow() {
     m_pLogo->SetViewer(nullptr);
     m_pNeedles->SetViewer(nullptr);
     m_pColors->SetViewer(nullptr);
+    m_pObjectCommands->SetViewer(nullptr);
     m_pClip->SetViewer(nullptr);
     m_pCuts->SetViewer(nullptr);
     m_pAligns->SetViewer(nullptr);
@@ -160,6 +162,7 @@ void MainWindow::EnableActions() {
     for (QAction* const action : m_vFileActions) action->setEnabled(isFree);
     for (QAction* const action : m_vIdleActions) action->setEnabled(isFree && !IsImporting());
     m_pObjects->setEnabled(viewer && !IsImporting());
+    EnableObjectActions();
     m_pMarkers->setEnabled(viewer);
     if (m_pProperties != nullptr) m_pProperties->SetUsable(usable);
     FollowCuts();

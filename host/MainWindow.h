@@ -36,6 +36,7 @@ class MarkerPanel;
 class MessagePane;
 class NeedlePanel;
 class ObjectColors;
+class ObjectCommands;
 class ObjectList;
 class PictureCommands;
 class PropertyDialog;
@@ -487,8 +488,17 @@ private:
     // ---- MainWindowObjects.cpp
     /// @return the widget of the dock
     QWidget* MakeObjectPane();
-    /// "Colour by object" and "One colour".
+    void MakeObjectCommands();
+    /// Adds all commands of the list, which act on the selected objects.
+    void MakeObjectActions(QMenu& menu);
+    /// "Colour by object" and "One colour", which are among those of MakeObjectActions(), too.
     void MakeColorActions(QMenu& menu);
+    void EnableObjectActions();
+    void CentreOnObject(int index);
+    /// The user has given the object another name.
+    void FollowName(int index);
+    /// A click with the left button, where nothing else is done with it. @param pixel  of the drawing area
+    void SelectByClick(QPoint pixel);
     /// An import of these files gives each scan without colours a colour of the palette.
     [[nodiscard]] bool TellsScansApart(const std::vector<std::string>& files) const;
 
@@ -543,7 +553,10 @@ private:
     QLabel* m_pRefusal = nullptr;
     ObjectList* m_pObjects = nullptr;
     ObjectColors* m_pColors = nullptr;
+    ObjectCommands* m_pObjectCommands = nullptr;
     QAction *m_pColorByObject = nullptr, *m_pColorAsImported = nullptr;
+    // Enabled while no import, lasso or alignment runs, and with a selected object or any object.
+    std::vector<QAction*> m_vSelectionActions, m_vObjectActions;
     MessagePane* m_pMessages = nullptr;
     EventPane* m_pEvents = nullptr;
     DecorationPanel* m_pDecorations = nullptr;

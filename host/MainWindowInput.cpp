@@ -20,6 +20,7 @@
 #include "KV_ScenePane/Input.h"
 #include "KeyShortcut.h"
 #include "MainWindow.h"
+#include "ObjectCommands.h"
 #include "ObjectList.h"
 #include "Settings.h"
 #include "ViewerWidget.h"
@@ -127,6 +128,7 @@ void MainWindow::FollowMouseUse() {
     const bool isFree = use == MouseUse::View;
     m_pViewer->SetTakesPresses(!isFree, m_pAligns->RunningWay() == AlignWay::ByPoints);
     m_pLassoHint->setVisible(use == MouseUse::Lasso);
+    m_pObjectCommands->SuspendOutline(!isFree);
     if (!isFree) statusBar()->clearMessage();
     EnableActions();
     // A dock and not its contents, which know by themselves when they can be used.

@@ -17,6 +17,7 @@
 #include "MessagePane.h"
 #include "NeedlePanel.h"
 #include "ObjectColors.h"
+#include "ObjectCommands.h"
 #include "ObjectList.h"
 #include "PanelArea.h"
 #include "PropertyDialog.h"
@@ -119,6 +120,7 @@ void MainWindow::PassViewerToPanels() {
     m_pAnimation->SetViewer(methods);
     m_pNeedles->SetViewer(methods);
     m_pColors->SetViewer(Pane());
+    m_pObjectCommands->SetViewer(Pane());
     m_pClip->SetViewer(Pane());
     m_pCuts->SetViewer(Pane());
     m_pAligns->SetViewer(Pane());
