@@ -87,12 +87,14 @@ void ImportJob::EndRun() {
         Finish();
         return;
     }
+    const bool hasArrived = m_vRuns[m_nNextRun - 1].parallel || m_nFinishedFiles >= m_nNextArrival;
+    if (hasArrived) m_nNextArrival = 2 * m_nFinishedFiles;
     // The first frame of new objects can take long: threads read the next files meanwhile.
     if (m_vRuns[m_nNextRun].parallel)
         NextRun();
     else
         QMetaObject::invokeMethod(this, &ImportJob::NextRun, Qt::QueuedConnection);
-    emit Arrived();
+    if (hasArrived) emit Arrived();
 }
 
 void ImportJob::EndParallelRun() {

@@ -43,8 +43,10 @@ signals:
     void Reading(int file, bool isBlocking);
     /// @param finishedFiles  of all files of the job, added or not
     void Progress(int finishedFiles);
-    /// A run is over and others follow: its objects are in the viewer, visible, and no frame has shown them. Emitted
-    /// when the next files are being read, if threads read them.
+    /// Objects of the files before FinishedFiles() have joined those in the viewer, visible; others will follow.
+    /// Emitted in the call that has added them, but for files that the viewer reads only after the first one and
+    /// whenever their number has doubled: it is the time for a frame. If threads read the next files they do so
+    /// already.
     void Arrived();
     /// Emitted exactly once, also after Cancel() and Stop().
     void Finished();
@@ -71,6 +73,7 @@ private:
     std::vector<ImportResult> m_vResults;
     std::size_t m_nNextRun = 0;        // position in m_vRuns
     std::size_t m_nFinishedFiles = 0;  // of the runs that are over
+    std::size_t m_nNextArrival = 1;    // Arrived() is due for files of the viewer
     bool m_bCancelled = false, m_bOver = false;
     std::unique_ptr<PcmWorkers> m_pWorkers;  // set exactly between BeginParallelImport() and EndParallelImport()
 };

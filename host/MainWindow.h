@@ -449,9 +449,6 @@ private:
     void OnImportFinished();
     /// Makes the preparation of the pictures for an import that starts.
     void MakePreparation();
-    /// A new object is about to be shown for the first time: its look can be chosen here. Once per object, in the order
-    /// of the files; its row is in the list. @param index  in the viewer
-    void ObjectArrived(int index);
     /// The picture is complete, or its preparation was given up.
     void OnPicturePrepared();
     /// Draws a frame; a failure is reported.

@@ -135,7 +135,6 @@ void MainWindow::MakePreparation() {
     m_pPreparation = new ScenePreparation(*Pane(), shownTriangles, fit, this);
     connect(m_pPreparation, &ScenePreparation::Waiting, m_pObjects,
             [this](int index) { m_pObjects->ShowVisible(index, false); });
-    connect(m_pPreparation, &ScenePreparation::AboutToShow, this, &MainWindow::ObjectArrived);
     connect(m_pPreparation, &ScenePreparation::Shown, m_pObjects,
             [this](int index) { m_pObjects->ShowVisible(index, true); });
     connect(m_pPreparation, &ScenePreparation::AboutToDraw, this, [this] {
@@ -148,8 +147,6 @@ void MainWindow::MakePreparation() {
     connect(m_pPreparation, &ScenePreparation::Failed, this, &MainWindow::ReportViewerFailure);
     connect(m_pPreparation, &ScenePreparation::Finished, this, &MainWindow::OnPicturePrepared);
 }
-
-void MainWindow::ObjectArrived(int /*index*/) {}
 
 void MainWindow::ShowReading(int file, bool isBlocking) {
     const std::vector<std::string>& files = m_pJob->Files();

@@ -58,8 +58,6 @@ void ScenePreparation::Stop() {
 
 void ScenePreparation::Pass() {
     m_bInPass = true;
-    for (Object& object : m_waiting)
-        if (!std::exchange(object.isDressed, true)) emit AboutToShow(object.index);
     if (std::exchange(m_bFits, false) && m_fit) FitToAll();
     ShowFirst(CountForPass());
     emit AboutToDraw();

@@ -47,8 +47,6 @@ public:
 
 signals:
     void Waiting(int index);
-    /// Before the first pass that finds the object: the time to choose its look.
-    void AboutToShow(int index);
     /// The object is visible from here on; its frame follows.
     void Shown(int index);
     /// A frame will be drawn, which blocks the thread.
@@ -63,7 +61,6 @@ private:
         int index = 0;
         std::int64_t triangles = 0;
         bool isHidden = false;
-        bool isDressed = false;  // AboutToShow() was emitted
     };
 
     void Pass();
