@@ -60,9 +60,7 @@ void DeletionCommands::Undo() {
         emit Restored(restored);
     }
     m_pViewer->Methods().PerformInvalidate();
-    m_objects.clearSelection();
-    for (const int index : restored) m_objects.Row(index)->setSelected(true);
-    if (!restored.empty()) m_objects.setCurrentItem(m_objects.Row(restored.front()), 0, QItemSelectionModel::NoUpdate);
+    m_objects.Select(restored);
     emit Changed();
 }
 

@@ -54,11 +54,8 @@ void MainWindow::FollowFrames() {
 
 void MainWindow::ShowSceneCounts() {
     StatusLine::Scene scene;
-    const int inViewer = Pane() != nullptr ? Pane()->Methods().GetNumObjects() : 0;
     for (const int index : m_pObjects->PresentObjects()) {
-        if (index >= inViewer) break;
-        std::int32_t vertices = 0, triangles = 0;
-        Pane()->Methods().GetMeshDataSize(static_cast<std::int16_t>(index), &vertices, &triangles);
+        const std::int32_t triangles = m_pObjects->TrianglesOf(index);
         ++scene.objects;
         scene.triangles += triangles;
         if (m_pObjects->IsHidden(index)) continue;

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "ClipPanel.h"
+#include "DeletionCommands.h"
 #include "host/CutSaveFixture.h"
 #include "host/MeshFiles.h"
 
@@ -191,8 +192,13 @@ TEST_F(MainWindowCutSave, AsksBeforeTheSceneIsCleared) {
     }
     EXPECT_EQ(ObjectsInViewer(), 2);
     {
-        const auto dialog = Answer(QDialogButtonBox::Discard);
+        std::string question;
+        const auto dialog = Answer(QDialogButtonBox::Yes, &question);
         Trigger("Clear");
+        EXPECT_TRUE(Has(question, "2 object")) << question;
+        EXPECT_TRUE(Has(question, "front.pcm: cuts")) << question;
+        EXPECT_FALSE(Has(question, "back.pcm")) << question;
+        EXPECT_TRUE(Has(question, "There is no undo")) << question;
     }
     EXPECT_EQ(ObjectsInViewer(), 0);
     EXPECT_FALSE(m_window->isWindowModified());
@@ -200,28 +206,38 @@ TEST_F(MainWindowCutSave, AsksBeforeTheSceneIsCleared) {
     EXPECT_TRUE(Close()) << "nothing is left to save";
 }
 
-TEST_F(MainWindowCutSave, AsksBeforeAnObjectWithCutsIsDeleted) {
+TEST_F(MainWindowCutSave, NamesTheCutsThatADeletionLosesAndRestoresThem) {
     CutFront();
-    ObjectList& list = m_window->Objects();
-    {
-        const auto dialog = Answer(QDialogButtonBox::Cancel);
-        emit list.DeletionWanted({1});
-        EXPECT_FALSE(dialog.WasShown()) << "back.pcm has no cut";
-    }
-    ASSERT_EQ(ObjectsInViewer(), 1);
+    const int vertices = Vertices(0);
+    const auto dialog = Answer(QDialogButtonBox::Cancel);
+    m_window->RemoveObjects({1});
+    EXPECT_FALSE(Has(Messages(), "cuts that are not saved")) << "back.pcm has no cut: " << Messages();
+    m_window->RemoveObjects({0});
+    EXPECT_TRUE(Has(Messages(), "Deleted with cuts that are not saved.")) << Messages();
+    EXPECT_FALSE(m_window->isWindowModified()) << "nothing is left to save";
+    m_window->Undo();
+    EXPECT_TRUE(m_window->isWindowModified());
+    EXPECT_EQ(Vertices(0), vertices);
+    EXPECT_FALSE(dialog.WasShown());
+}
+
+TEST_F(MainWindowCutSave, WritesNoCutsOfDeletedObjects) {
+    CutFront();
+    const std::string before = Bytes(Front());
+    m_window->RemoveObjects({0});
+    Tool("cutSave").trigger();
+    EXPECT_TRUE(Has(Messages(), "Nothing was saved")) << Messages();
+    EXPECT_EQ(Bytes(Front()), before);
+    m_window->Undo();
+    ASSERT_EQ(m_window->Objects().PresentObjects().size(), 2u) << "nothing was saved: the deletion is not final";
+    m_window->RemoveObjects({1});
     std::string question;
-    {
-        const auto dialog = Answer(QDialogButtonBox::Cancel, &question);
-        emit list.DeletionWanted({0});
-    }
+    const auto dialog = Answer(QDialogButtonBox::Save, &question);
+    Tool("cutSave").trigger();
     EXPECT_TRUE(Has(question, Front())) << question;
-    EXPECT_EQ(ObjectsInViewer(), 1);
-    {
-        const auto dialog = Answer(QDialogButtonBox::Discard);
-        emit list.DeletionWanted({0});
-    }
-    EXPECT_EQ(ObjectsInViewer(), 0);
-    EXPECT_FALSE(m_window->isWindowModified());
+    EXPECT_NE(Bytes(Front()), before);
+    EXPECT_EQ(ObjectsInViewer(), 1) << "a save makes the deletion final";
+    EXPECT_EQ(m_window->Deletions().UndoCount(), 0);
 }
 
 TEST_F(MainWindowCutSave, OffersNoSaveForObjectsThatAreFromNoPcmFile) {

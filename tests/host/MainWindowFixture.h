@@ -10,12 +10,14 @@
 #include <string>
 #include <vector>
 
+#include "FileListDialog.h"
 #include "KV_ScenePane/ScenePane.h"
 #include "LogoPanel.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
 #include "Settings.h"
+#include "host/ModalDialogs.h"
 #include "host/QtUnderXvfb.h"
 #include "host/ScanFiles.h"
 
@@ -94,6 +96,11 @@ protected:
         throw std::runtime_error("no menu has the action " + text.toStdString());
     }
     void Trigger(const QString& text) const { MenuAction(text).trigger(); }
+    /// Answers the question, if there is one.
+    void ClearByMenu() const {
+        const DialogAnswer<FileListDialog> answer([](FileListDialog& dialog) { dialog.Press(QDialogButtonBox::Yes); });
+        Trigger("Clear");
+    }
     /// The view: axes to the right and to the top of the screen, centre, magnification.
     [[nodiscard]] std::array<float, 10> View() const {
         std::array<float, 10> v{};

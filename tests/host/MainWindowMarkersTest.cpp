@@ -10,7 +10,6 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
@@ -310,14 +309,12 @@ TEST_F(MainWindowMarkers, ReportsAFileThatAddedNothingInOneLineAndKeepsTheScene)
     EXPECT_EQ(Methods().GetLine3DDrawingMode(), 0) << "there is no line to draw";
 }
 
-TEST_F(MainWindowMarkers, CancelledByItsDialogAddsNothingOfTheFileInProgress) {
+TEST_F(MainWindowMarkers, CancelledByItsButtonAddsNothingOfTheFileInProgress) {
     Show();
     const std::string large = WriteLarge(), later = Write("later.xyz", kNoColors);
     m_window->ImportPointFiles({large, later}, {});
-    auto* const progress = m_window->findChild<QProgressDialog*>();
-    ASSERT_NE(progress, nullptr);
-    QObject::connect(m_window->findChild<PointsJob*>(), &PointsJob::Progress, progress->findChild<QPushButton*>(),
-                     &QPushButton::click);
+    QObject::connect(m_window->findChild<PointsJob*>(), &PointsJob::Progress, &Find<QToolButton>("importCancel"),
+                     &QToolButton::click);
     WaitForImports();
     EXPECT_TRUE(PointRows().empty());
     EXPECT_EQ(NextId(), 0);
@@ -330,11 +327,11 @@ TEST_F(MainWindowMarkers, CancelledByItsDialogAddsNothingOfTheFileInProgress) {
 TEST_F(MainWindowMarkers, StaysUsableWhileAFileIsRead) {
     Show();
     m_window->ImportPointFiles({WriteLarge()}, {});
-    auto* const progress = m_window->findChild<QProgressDialog*>();
+    const auto& progress = Find<QProgressBar>("importBar");
     bool wasTurned = false;
     std::vector<int> values;
     QObject::connect(m_window->findChild<PointsJob*>(), &PointsJob::Progress, [&] {
-        values.push_back(progress->value());
+        values.push_back(progress.value());
         if (!wasTurned) m_window->ShowView(KV_ScenePane::ViewFromMinusZYUp);
         wasTurned = true;
         EXPECT_TRUE(m_window->IsImporting());
@@ -352,17 +349,16 @@ TEST_F(MainWindowMarkers, NamesTheFileInWorkAndSaysWhenItIsAdded) {
     const std::string small = Write("small.xyz", "0 0 0\n1 1 1\n");
     Show();
     m_window->ImportPointFiles({WriteLarge(), small}, {});
-    auto* const dialog = m_window->findChild<QProgressDialog*>();
-    auto* const bar = dialog->findChild<QProgressBar*>();
-    EXPECT_EQ(dialog->findChild<QLabel*>()->textFormat(), Qt::PlainText) << "a name may look like tags";
+    const auto& text = Find<QLabel>("importText");
+    EXPECT_EQ(text.textFormat(), Qt::PlainText) << "a name may look like tags";
     std::vector<std::string> texts;
     const auto* const job = m_window->findChild<PointsJob*>();
-    const auto add = [&] { texts.push_back((dialog->labelText() + " | " + bar->text()).toStdString()); };
-    QObject::connect(job, &PointsJob::Reading, add);  // after those of the dialog
+    const auto add = [&] { texts.push_back(text.text().toStdString()); };
+    QObject::connect(job, &PointsJob::Reading, add);  // after those of the progress
     QObject::connect(job, &PointsJob::Adding, add);
     WaitForImports();
-    EXPECT_EQ(texts, (std::vector<std::string>{"Reading large.xyz | 0 %", "large.xyz | Adding to the scene",
-                                               "Reading small.xyz | 50 %", "small.xyz | Adding to the scene"}));
+    EXPECT_EQ(texts, (std::vector<std::string>{"Reading large.xyz", "Adding large.xyz to the scene",
+                                               "Reading small.xyz", "Adding small.xyz to the scene"}));
 }
 
 TEST_F(MainWindowMarkers, ClosedOrDestroyedDuringAnImportEndsItFirst) {
@@ -418,13 +414,13 @@ TEST_F(MainWindowMarkers, FitsTheViewToTheFirstLinesOfAnEmptyScene) {
     const std::array<float, 10> view = View();
     m_window->ImportLineFiles({Write("b.lines", "0 0 0\n1 0 0\n")});
     EXPECT_EQ(View(), view);
-    Trigger("Clear");
+    ClearByMenu();
     const std::array<float, 10> cleared = View();
     m_window->ImportLineFiles({Write("point.lines", "7 7 7\n7 7 7\n")});
     EXPECT_EQ(View(), cleared) << "a line without extent gives no view";
     ImportPoints({Write("a.xyzrgb", kRedCross)});
     EXPECT_EQ(View()[6], 5.0f) << "lines do not count for points";
-    Trigger("Clear");
+    ClearByMenu();
     ImportPoints({m_folder / "a.xyzrgb"});
     const std::array<float, 10> points = View();
     m_window->ImportLineFiles({m_folder / "a.lines"});
@@ -437,7 +433,7 @@ TEST_F(MainWindowMarkers, ClearRemovesObjectsPointsAndLines) {
     Import({m_folder / "mesh.stl"});
     ImportPoints({Write("a.xyzrgb", kRedCross), Write("b.xyzrgb", kRedCross)});
     m_window->ImportLineFiles({Write("lines", "-100 5 0\n100 5 0\n")});
-    Trigger("Clear");
+    ClearByMenu();
     EXPECT_TRUE(PointRows().empty());
     EXPECT_EQ(NextId(), 0);
     EXPECT_EQ(Find<QCheckBox>("lines").text(), "Show lines (0)");

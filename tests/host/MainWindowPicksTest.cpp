@@ -41,7 +41,7 @@ TEST_P(MainWindowPickModes, ShowAPickInTheEventsAndTheStatusBar) {
               std::string::npos)
         << Events();
     EXPECT_NE(Events().find("object 1: b.xdt"), std::string::npos) << Events();
-    EXPECT_EQ(LastPick(), "1: b.xdt   " + Text(hit, " "));
+    EXPECT_EQ(LastPick(), "1: b.xdt   " + Text(hit, " ") + " mm");
     EXPECT_NE(Find<QLabel>("lastPick").textInteractionFlags() & Qt::TextSelectableByMouse, 0) << "to be copied";
     EXPECT_EQ(List().topLevelItemCount(), Methods().GetPickMode() == 5 ? 1 : 0);
 }
@@ -234,7 +234,7 @@ TEST_F(MainWindowPicks, ShowAndCopyTheDistanceOfTheLastTwo) {
     DoubleClick(second);
     std::string expected = distance(Surface(first), Surface(second));
     EXPECT_EQ(Find<QLabel>("distance").text().toStdString(), expected);
-    EXPECT_TRUE(LastPick().ends_with("distance " + expected)) << LastPick();
+    EXPECT_TRUE(LastPick().ends_with("distance " + expected + " mm")) << LastPick();
     copy.trigger();
     EXPECT_EQ(Clipboard(), expected);
     DoubleClick(third);

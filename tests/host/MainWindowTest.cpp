@@ -7,9 +7,9 @@
 #include <QDropEvent>
 #include <QLabel>
 #include <QMimeData>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QScreen>
+#include <QToolButton>
 #include <QUrl>
 #include <cstdlib>
 
@@ -174,7 +174,7 @@ TEST_F(MainWindowTest, ColoursAndDeletesObjects) {
     m_window->ColorObject(1, 0x00FF00);
     EXPECT_EQ(m_window->Pane()->Methods().GetObjectColor(1), 0x00FF00);
     EXPECT_NE(m_window->Pane()->Methods().GetObjectColor(0), 0x00FF00);
-    emit m_window->Objects().DeletionWanted({0});
+    m_window->DeleteObject(0);
     EXPECT_EQ(Rows(), std::vector<std::string>{"b.xdt"});
     ASSERT_EQ(ObjectsInViewer(), 1);
     EXPECT_EQ(m_window->Pane()->Methods().GetObjectColor(0), 0x00FF00);
@@ -218,7 +218,7 @@ TEST_F(MainWindowTest, FollowsItsMenus) {
     EXPECT_EQ(MiddlePixel(), kBackground);
     Trigger("Fit the view");
     EXPECT_NE(MiddlePixel(), kBackground);
-    Trigger("Clear");
+    ClearByMenu();
     EXPECT_TRUE(Rows().empty());
 }
 
@@ -262,7 +262,7 @@ TEST_F(MainWindowTest, OpensFilesThatWereAddedDuringAnImportAfterIt) {
     EXPECT_EQ(Rows().back(), "z.xdt");
 }
 
-TEST_F(MainWindowTest, CancelledByItsDialogStartsNoFurtherFile) {
+TEST_F(MainWindowTest, CancelledByItsButtonStartsNoFurtherFile) {
     Show();
     std::vector<std::string> files;
     for (const char* const name : {"a.pax", "b.pax", "c.pax"}) {
@@ -270,11 +270,8 @@ TEST_F(MainWindowTest, CancelledByItsDialogStartsNoFurtherFile) {
         WritePax(files.back(), 3, 3);
     }
     m_window->OpenFiles(files);
-    auto* const progress = m_window->findChild<QProgressDialog*>();
-    ASSERT_NE(progress, nullptr);
-    auto* const button = progress->findChild<QPushButton*>();
-    ASSERT_NE(button, nullptr);
-    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, button, &QPushButton::click);
+    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, &Find<QToolButton>("importCancel"),
+                     &QToolButton::click);
     WaitForImports();
     EXPECT_EQ(Rows(), std::vector<std::string>{"a.pax"});
     EXPECT_NE(Messages().find("b.pax: not opened, cancelled"), std::string::npos) << Messages();
