@@ -512,8 +512,12 @@ private:
     void HideDecorations(bool isHidden);
 
     // ---- MainWindowExport.cpp
-    /// Shows the export dialog for the selected object, or a message when none is selected.
+    /// Shows the export dialog for the selected objects, or a message when none is selected.
     void AskForExport();
+    /// For several objects: asks for a folder and a format, and before it overwrites files.
+    void AskForExports(const std::vector<int>& indices);
+    /// Adds a message per object. @param paths  as many as indices
+    void ExportObjectsTo(const std::vector<int>& indices, const std::vector<QString>& paths);
     /// The object of the current row, or the only one of the list; -1 without either.
     [[nodiscard]] int SelectedObject() const;
 

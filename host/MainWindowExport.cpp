@@ -1,15 +1,21 @@
-// Exporting one object: the choice of the object, the dialog for the file, and the message about the result.
+// Exports: the choice of the objects, the dialogs for the files, and the messages about the results.
+#include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QStatusBar>
 #include <vector>
 
 #include "CutCommands.h"
+#include "ExportDialog.h"
+#include "ExportNames.h"
 #include "FileExport.h"
+#include "FileListDialog.h"
 #include "FileTypes.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectList.h"
+#include "RecentFiles.h"
 #include "TranslatedText.h"
 
 namespace {
@@ -21,12 +27,6 @@ QString ToText(std::string_view ascii) {
 /// Shown by the export dialog, one per type: "PLY meshes (*.ply)".
 QString FilterOf(const FileType& type) {
     return QString("%1 (*.%2)").arg(MainWindow::tr(type.description), ToText(type.extension));
-}
-
-/// @p name with @p extension in place of the extension of a known type; other texts after a point belong to the name.
-QString WithExtension(const QString& name, std::string_view extension) {
-    const bool isKnown = name.contains('.') && FindFileType(QFile::encodeName(name).toStdString()) != nullptr;
-    return (isKnown ? name.left(name.lastIndexOf('.')) : name) + '.' + ToText(extension);
 }
 
 /// Offers one filter per type that can be written. A change of the filter changes the extension in the dialog's name
@@ -55,6 +55,8 @@ void OfferFormats(QFileDialog& dialog, const QString& objectName) {
 }  // namespace
 
 int MainWindow::SelectedObject() const {
+    const std::vector<int> selected = m_pObjects->SelectedObjects();
+    if (selected.size() == 1) return selected.front();
     const int current = m_pObjects->CurrentObject();
     if (current >= 0) return current;
     const std::vector<int> present = m_pObjects->PresentObjects();
@@ -62,6 +64,10 @@ int MainWindow::SelectedObject() const {
 }
 
 void MainWindow::AskForExport() {
+    if (const std::vector<int> selected = m_pObjects->SelectedObjects(); selected.size() > 1) {
+        AskForExports(selected);
+        return;
+    }
     const int index = SelectedObject();
     if (index < 0) {
         const QString text = HaveObjects() ? tr("Nothing exported: select an object in the list first.")
@@ -72,11 +78,44 @@ void MainWindow::AskForExport() {
     }
     const QString name = m_pObjects->NameOf(index);
     // The dialog asks before it overwrites a file.
-    QFileDialog dialog(this, tr("Export %1").arg(name));
+    QFileDialog dialog(this, tr("Export %1").arg(name), StoredFolder(FolderUse::Export));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     OfferFormats(dialog, name.isEmpty() ? tr("object") : name);
     if (dialog.exec() != QDialog::Accepted) return;
+    StoreFolderOf(FolderUse::Export, dialog.selectedFiles().constFirst());
     (void)ExportObjectTo(index, QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
+}
+
+void MainWindow::AskForExports(const std::vector<int>& indices) {
+    QStringList names;
+    for (const int index : indices) names << m_pObjects->NameOf(index);
+    ExportDialog dialog(names, StoredFolder(FolderUse::Export), this);
+    if (dialog.exec() != QDialog::Accepted) return;
+    const QDir folder(dialog.Folder());
+    std::vector<QString> paths;
+    QStringList existing;
+    for (const QString& file : dialog.Files()) {
+        paths.push_back(folder.filePath(file));
+        if (QFileInfo::exists(paths.back())) existing << paths.back();
+    }
+    if (!existing.isEmpty()) {
+        FileListDialog question({tr("Export"), tr("These files exist already. Overwrite them?"), existing, {}},
+                                QDialogButtonBox::Yes | QDialogButtonBox::Cancel, QDialogButtonBox::Cancel, this);
+        question.SetButtonText(QDialogButtonBox::Yes, tr("Overwrite"));
+        if (question.Ask() != QDialogButtonBox::Yes) return;
+    }
+    StoreFolderOf(FolderUse::Export, paths.front());
+    ExportObjectsTo(indices, paths);
+}
+
+void MainWindow::ExportObjectsTo(const std::vector<int>& indices, const std::vector<QString>& paths) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    int written = 0;
+    for (std::size_t i = 0; i < indices.size(); ++i)
+        written += ExportObjectTo(indices[i], QFile::encodeName(paths[i]).toStdString()) ? 1 : 0;
+    QApplication::restoreOverrideCursor();
+    statusBar()->showMessage(
+        tr("%1 of %2 objects exported").arg(QString::number(written), QString::number(indices.size())));
 }
 
 bool MainWindow::ExportObjectTo(int index, const std::string& path) {
@@ -95,6 +134,9 @@ bool MainWindow::ExportObjectTo(int index, const std::string& path) {
     }
     m_pMessages->AddText(text);  // the next menu that opens clears the status bar
     statusBar()->showMessage(text);
-    if (result.written) m_pCuts->OnExported(index);
+    if (result.written)
+        m_pCuts->OnExported(index);
+    else
+        m_pMessages->PointOut();
     return result.written;
 }
