@@ -97,6 +97,7 @@ int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
     const std::optional<SceneReport> imported = ImportScene(*pane, options, err);
     if (!imported) return kExitFailure;
     const SceneReport& report = *imported;
+    ShowColors(*pane, options, report);
     const MarkerReport markers = AddMarkers(*pane, options, showsPoints, err);
     // An older picture at that path stays when there is nothing to replace it by.
     const auto refuse = [&](const std::string& reason) {

@@ -11,6 +11,7 @@
 #include "FileImport.h"
 #include "Headless.h"
 #include "MessageTable.h"
+#include "ObjectPalette.h"
 #include "PaintBlock.h"
 #include "TransformFile.h"
 
@@ -102,6 +103,13 @@ std::optional<SceneReport> ImportScene(ScenePane& pane, const HostOptions& optio
     SceneReport report;
     ImportFiles(pane, options.files, options.import, report, err);
     return ApplyTransforms(pane, options, report, err) ? std::optional(std::move(report)) : std::nullopt;
+}
+
+void ShowColors(ScenePane& pane, const HostOptions& options, const SceneReport& report) {
+    const bool tellsApart = TellsScansApart(options.files, options.import.color, options.given.color);
+    const std::vector<std::int32_t> colors = ShownColors(report.objects, tellsApart);
+    for (std::size_t i = 0; i < colors.size(); ++i)
+        pane.Methods().SetObjectColor(static_cast<std::int16_t>(report.objects[i].index), colors[i]);
 }
 
 void ShowView(ScenePane& pane, const HostOptions& options) {

@@ -37,6 +37,10 @@ void ImportFiles(KV_ScenePane::ScenePane& pane, const std::vector<std::string>& 
 [[nodiscard]] std::optional<SceneReport> ImportScene(KV_ScenePane::ScenePane& pane, const HostOptions& options,
                                                      std::FILE* err);
 
+/// Gives objects without colours those that the window would show them in, for a picture. The reports keep the colours
+/// of the import.
+void ShowColors(KV_ScenePane::ScenePane& pane, const HostOptions& options, const SceneReport& report);
+
 /// The direction of the view, then the fit, which depends on it.
 void ShowView(KV_ScenePane::ScenePane& pane, const HostOptions& options);
 

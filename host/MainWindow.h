@@ -496,8 +496,6 @@ private:
     void FollowName(int index);
     /// A click with the left button, where nothing else is done with it. @param pixel  of the drawing area
     void SelectByClick(QPoint pixel);
-    /// An import of these files gives each scan without colours a colour of the palette.
-    [[nodiscard]] bool TellsScansApart(const std::vector<std::string>& files) const;
 
     // ---- MainWindowPictures.cpp
     /// The commands of pictures and their connections; before the menus.

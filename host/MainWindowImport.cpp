@@ -17,6 +17,7 @@
 #include "MessagePane.h"
 #include "ObjectColors.h"
 #include "ObjectList.h"
+#include "ObjectPalette.h"
 #include "ScenePreparation.h"
 #include "SceneReport.h"
 #include "TranslatedText.h"
@@ -259,7 +260,7 @@ void MainWindow::ListNewObjects() {
         if (m_pJob->Results()[m_nListedFiles].state != ImportResult::State::Added) continue;
         const auto object = static_cast<std::int16_t>(index);
         const ObjectReport report = ReportObject(*Pane(), object, m_pJob->Files()[m_nListedFiles]);
-        m_pColors->AddImported(report, TellsScansApart(m_pJob->Files()));
+        m_pColors->AddImported(report, TellsScansApart(m_pJob->Files(), m_options.import.color, m_options.given.color));
         m_pPreparation->Add(index++, report.triangles);
     }
 }

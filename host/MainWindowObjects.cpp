@@ -95,11 +95,6 @@ void MainWindow::EnableObjectActions() {
     for (QAction* const action : m_vSelectionActions) action->setEnabled(isIdle && hasSelection);
 }
 
-bool MainWindow::TellsScansApart(const std::vector<std::string>& files) const {
-    const bool isColorChosen = m_options.given.color || m_options.import.color != ImportSettings{}.color;
-    return !isColorChosen && CountScans(files) > 1;
-}
-
 void MainWindow::ColorObject(int index, std::int32_t packed) {
     if (Pane() != nullptr) m_pColors->Choose(index, packed);
 }

@@ -12,12 +12,10 @@ ObjectColors::ObjectColors(ObjectList& objects, QObject* parent) : QObject(paren
 
 void ObjectColors::AddImported(ObjectReport object, bool tellsApart) {
     if (m_pViewer == nullptr) return;
-    const auto index = static_cast<std::int16_t>(object.index);
-    std::int32_t own = object.color;
-    if (IsPlainMesh(object)) own = kMeshColor;
-    const bool isScanApart = tellsApart && IsPlainScan(object);
-    object.color = !object.hasVertexColors && (isScanApart || m_bByObject) ? FreeColor() : own;
-    m_pViewer->Methods().SetObjectColor(index, object.color);
+    const bool isScanApart = IsPlainScan(object) && (tellsApart || m_bByObject);
+    const std::int32_t own = IsPlainMesh(object) ? kMeshColor : object.color;
+    object.color = isScanApart ? FreeColor() : own;
+    m_pViewer->Methods().SetObjectColor(static_cast<std::int16_t>(object.index), object.color);
     m_objects.AddObject(object);
     m_own[m_objects.IdOf(object.index)] = own;
     if (isScanApart) SetByObject(true);

@@ -31,7 +31,7 @@ public:
     void ColorByObject();
     /// Takes the colours of the palette back: objects get those of their import, or what the user has chosen.
     void ColorAsImported();
-    /// Objects of later imports get colours of the palette, too.
+    /// Scans of later imports get colours of the palette, too.
     [[nodiscard]] bool IsByObject() const { return m_bByObject; }
     /// The list has no object any more.
     void OnSceneCleared();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "FileImport.h"
 #include "FileTypes.h"
 
 namespace {
@@ -19,9 +20,9 @@ bool IsOfKind(std::string_view file, FileKind kind) {
 
 std::int32_t PaletteColor(std::size_t position) { return kPalette[position % kPalette.size()]; }
 
-std::size_t CountScans(std::span<const std::string> files) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(files, [](const std::string& file) { return IsOfKind(file, FileKind::Scan); }));
+bool TellsScansApart(std::span<const std::string> files, std::int32_t scanColor, bool isColorGiven) {
+    const auto isScan = [](const std::string& file) { return IsOfKind(file, FileKind::Scan); };
+    return !isColorGiven && scanColor == ImportSettings{}.color && std::ranges::count_if(files, isScan) > 1;
 }
 
 bool IsPlainMesh(const ObjectReport& object) {
@@ -30,4 +31,16 @@ bool IsPlainMesh(const ObjectReport& object) {
 
 bool IsPlainScan(const ObjectReport& object) {
     return IsOfKind(object.file, FileKind::Scan) && !object.hasVertexColors;
+}
+
+std::vector<std::int32_t> ShownColors(std::span<const ObjectReport> objects, bool tellsApart) {
+    std::vector<std::int32_t> colors;
+    std::size_t scans = 0;
+    for (const ObjectReport& object : objects) {
+        std::int32_t color = object.color;
+        if (IsPlainMesh(object)) color = kMeshColor;
+        if (tellsApart && IsPlainScan(object)) color = PaletteColor(scans++);
+        colors.push_back(color);
+    }
+    return colors;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "SceneReport.h"
 
@@ -27,10 +28,17 @@ inline constexpr std::array<std::int32_t, kPaletteSize> kPalette = {
 /// @param position  of any size: the palette repeats
 [[nodiscard]] std::int32_t PaletteColor(std::size_t position);
 
-/// Files of scan formats among them.
-[[nodiscard]] std::size_t CountScans(std::span<const std::string> files);
+/// Scans among the files of one import get a colour of the palette each: they are several, and nobody has chosen a
+/// colour for scans.
+/// @param isColorGiven  on the command line
+[[nodiscard]] bool TellsScansApart(std::span<const std::string> files, std::int32_t scanColor, bool isColorGiven);
 
 /// The object is of a mesh format, and its file says nothing about colours.
 [[nodiscard]] bool IsPlainMesh(const ObjectReport& object);
 /// The object is of a scan format and has no colours of its own.
 [[nodiscard]] bool IsPlainScan(const ObjectReport& object);
+
+/// The colours in which objects are shown after their import into an empty scene, one per object: meshes that say
+/// nothing about colours are gray, scans without colours get one of the palette each.
+/// @param tellsApart  the scans are told apart; otherwise they keep the colour of the import
+[[nodiscard]] std::vector<std::int32_t> ShownColors(std::span<const ObjectReport> objects, bool tellsApart);
