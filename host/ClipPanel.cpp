@@ -15,6 +15,7 @@
 #include "NumberBox.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
+#include "TranslatedText.h"
 
 namespace {
 
@@ -233,13 +234,29 @@ void ClipPanel::ApplyPlane() {
     if (!m_settings.moved) m_unmoved = InSettings();
 }
 
+void ClipPanel::HideInViewer(bool isHidden) {
+    if (m_pViewer == nullptr || !m_settings.on || !m_settings.shown) return;
+    KV_ScenePane::_DKV_ScenePane& methods = m_pViewer->Methods();
+    const auto [center, normal] = ReadPosition();  // before the plane is placed at the data
+    if (isHidden) {
+        methods.SetClipPlaneEnabled(0);
+        return;
+    }
+    try {
+        methods.SetClipPlaneEnabled(1);
+    } catch (...) {
+        // The placement failed, which does not matter: the position follows.
+    }
+    methods.SetClipPlane(center[0], center[1], center[2], normal[0], normal[1], normal[2]);
+}
+
 void ClipPanel::Place() {
     KV_ScenePane::_DKV_ScenePane& methods = m_pViewer->Methods();
     QString failure;
     try {
         methods.SetClipPlaneEnabled(1);
     } catch (...) {  // no exception may pass through Qt
-        failure = QString::fromStdString(TextOfCaughtError());
+        failure = TranslatedText(TextOfCaughtError());
     }
     m_settings.on = true;
     if (!m_settings.shown) methods.SetClipPlaneEnabled(0);  // a hidden plane is not placed

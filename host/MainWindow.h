@@ -457,6 +457,8 @@ private:
     void ReportResults();
     /// Adds a row for each object that the import has added to the viewer since the last call.
     void ListNewObjects();
+    /// Nothing of the object can be shown: it is hidden, with a message. @param file  path in bytes
+    void HideWithoutPosition(int index, const std::string& file);
 
     // ---- MainWindowMarkers.cpp
     /// Adds the imports of points and lines to the file menu.

@@ -13,6 +13,7 @@
 #include "FileTypes.h"
 #include "ImportJob.h"
 #include "ImportProgress.h"
+#include "ImportStatus.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "ObjectColors.h"
@@ -242,7 +243,7 @@ void MainWindow::ReportResults() {
         }
     }
     if (notStarted == 0 || Pane() == nullptr) {
-        statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
+        statusBar()->showMessage(ImportStatus(m_pJob->Files(), results));
         return;
     }
     const QString kept =
@@ -261,8 +262,19 @@ void MainWindow::ListNewObjects() {
         const auto object = static_cast<std::int16_t>(index);
         const ObjectReport report = ReportObject(*Pane(), object, m_pJob->Files()[m_nListedFiles]);
         m_pColors->AddImported(report, TellsScansApart(m_pJob->Files(), m_options.import.color, m_options.given.color));
-        m_pPreparation->Add(index++, report.triangles);
+        if (HasPosition(report))
+            m_pPreparation->Add(index, report.triangles);
+        else
+            HideWithoutPosition(index, m_pJob->Files()[m_nListedFiles]);
+        ++index;
     }
+}
+
+void MainWindow::HideWithoutPosition(int index, const std::string& file) {
+    Pane()->Methods().SetObjectVisibility(static_cast<std::int16_t>(index), 0);
+    m_pObjects->ShowVisible(index, false);
+    const QString text = QString::fromStdString(file) + ": " + TranslatedText(kNoFiniteCoordinate);
+    m_pMessages->AddProblem(text);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

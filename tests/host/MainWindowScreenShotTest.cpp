@@ -69,7 +69,7 @@ TEST_F(MainWindowScreenShot, ReportsExhaustedMemory) {
     EXPECT_NO_THROW(saved = m_window->SaveScreenShot(path));
     g_refusedBytes = SIZE_MAX;
     EXPECT_FALSE(saved);
-    EXPECT_EQ(Messages(), path + ": not written: there is not enough memory");
+    EXPECT_EQ(Messages(), path + ": not written: there is not enough memory: close other programs or remove objects");
     EXPECT_TRUE(m_window->SaveScreenShot(path)) << "the next one works as usual";
 }
 

@@ -28,14 +28,13 @@ TEST_F(MainWindowSettings, SmoothEdgesAreChosenForTheNextStart) {
     EXPECT_TRUE(HasSmoothEdges()) << "before the user has chosen";
     Show();
     EXPECT_GT(CountColors(), 2u);
-    QAction& action = MenuAction("Smooth edges (from the next start)");
-    EXPECT_TRUE(action.isChecked());
-    action.trigger();
+    EXPECT_TRUE(Find<QAction>("samples4").isChecked());
+    Find<QAction>("samples0").trigger();
     EXPECT_GT(CountColors(), 2u) << "not in this window";
     EXPECT_EQ(ObjectsInViewer(), 1) << "the scene stays";
     Show();
     EXPECT_EQ(CountColors(), 2u) << "the triangle and the background";
-    EXPECT_FALSE(MenuAction("Smooth edges (from the next start)").isChecked());
+    EXPECT_TRUE(Find<QAction>("samples0").isChecked());
 }
 
 }  // namespace
