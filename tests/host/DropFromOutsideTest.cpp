@@ -1,0 +1,83 @@
+// Files that are dragged with the pointer from a window of another process.
+#include "host/OperatorFixture.h"
+
+namespace {
+
+const testing::Environment* const g_qt = testing::AddGlobalTestEnvironment(new QtForTexts);
+
+class DropFromOutside : public OnDesktops {
+protected:
+    /// Drags these files from the window of another program to a point, and waits until they were dropped there.
+    void DropAt(const std::vector<std::string>& files, ScreenPoint to) {
+        std::vector<std::string> arguments{KV_DRAG_SOURCE};
+        arguments.insert(arguments.end(), files.begin(), files.end());
+        m_source = m_operator->StartOther(arguments);
+        const ScreenPoint from = m_operator->WaitForWindow("drag source").client.Middle();
+        Screen().MoveTo(from);
+        Screen().Press();
+        const auto waitFor = [&](const char* state) {
+            m_operator->WaitFor(std::string("the state of the drag: ") + state,
+                                [&] { return Screen().FindWindow(state).has_value(); });
+        };
+        Screen().MoveTo({from.x + 20, from.y});  // the drag begins at a distance
+        waitFor("dragging");
+        Screen().MoveTo({from.x + 21, from.y});
+        waitFor("moved");
+        Screen().MoveTo(to);
+        waitFor("accepted");
+        Screen().Release();
+        waitFor("dropped");
+    }
+    std::unique_ptr<ChildProcess> m_source;  // it still sends the files after the drop
+};
+
+TEST_P(DropFromOutside, OnTheViewerOpensTheFiles) {
+    m_operator->Start();
+    DropAt({Scan("first.pcm"), Scan("second.pcm", 5)}, m_operator->InViewer(0.5, 0.5));
+    m_operator->WaitForText("first.pcm");
+    m_operator->WaitForText("second.pcm");
+    m_operator->WaitFor("the scans in the viewer", [&] { return m_operator->ObjectPixels() > 1000; });
+}
+
+TEST_P(DropFromOutside, OnTheListOfObjectsOpensTheFile) {
+    m_operator->Start({Scan("there.pcm")});
+    const ScreenPoint row = m_operator->WaitForText("there.pcm").Middle();
+    DropAt({Scan("dropped.pcm", 5)}, row);
+    m_operator->WaitForText("dropped.pcm");
+}
+
+TEST_P(DropFromOutside, OfAFolderOpensTheFilesInIt) {
+    std::filesystem::create_directory(File("scans"));
+    WritePcm(File("scans/one.pcm"), 60, 60);
+    WritePcm(File("scans/two.pcm"), 60, 60);
+    m_operator->Start();
+    DropAt({File("scans")}, m_operator->InViewer(0.5, 0.5));
+    m_operator->WaitForText("one.pcm");
+    m_operator->WaitForText("two.pcm");
+}
+
+TEST_P(DropFromOutside, DuringAnImportAddsTheFilesAfterIt) {
+    std::vector<std::string> many;
+    for (int i = 0; i < 12; ++i) {
+        many.push_back(File("many" + std::to_string(i) + ".pcm"));
+        WritePcm(many.back(), 700, 700, static_cast<float>(i));
+    }
+    m_operator->Start(many);
+    DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.9));
+    m_operator->WaitForText("late.pcm");
+    m_operator->WaitForText("many11.pcm");
+}
+
+TEST_P(DropFromOutside, DuringAnAlignmentWaitsForItsEnd) {
+    m_operator->Start({Scan("back.pcm"), Scan("front.pcm", 10)});
+    m_operator->ClickText("front.pcm");
+    m_operator->Choose({"Align", "Align by hand"});
+    DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.5));
+    EXPECT_FALSE(m_operator->Shows("late.pcm"));
+    Screen().Key("Escape");
+    m_operator->WaitForText("late.pcm");
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, DropFromOutside, testing::ValuesIn(kDesktops), NameOfDesktop);
+
+}  // namespace

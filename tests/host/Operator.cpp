@@ -1,0 +1,155 @@
+#include "host/Operator.h"
+
+#include <QImage>
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+#include "support/Wait.h"
+
+namespace {
+
+constexpr std::uint32_t kBackground = 0x191932;
+
+std::map<std::string, std::string> EnvironmentOf(const DesktopKind& kind, const ScratchFolder& settings,
+                                                 std::map<std::string, std::string> more) {
+    // Of the test, not of the user's desktop.
+    more.insert({{"XDG_CONFIG_HOME", settings.Path().string()},
+                 {"HOME", settings.Path().string()},
+                 {"QT_SCALE_FACTOR", kind.scale == 1 ? "" : std::to_string(kind.scale)},
+                 {"QT_QPA_PLATFORM", ""},
+                 {"QT_QPA_PLATFORMTHEME", ""},
+                 {"QT_STYLE_OVERRIDE", ""},
+                 {"WAYLAND_DISPLAY", ""},
+                 {"LANGUAGE", ""},
+                 {"LC_ALL", "C.UTF-8"}});
+    return more;
+}
+
+}  // namespace
+
+Operator::Operator(const DesktopKind& kind, std::map<std::string, std::string> environment)
+    : m_kind(kind),
+      m_environment(EnvironmentOf(kind, m_settings, std::move(environment))),
+      m_server(kind.screen),
+      m_manager(m_server.Name()),
+      m_desktop(m_server.Name()) {}
+
+void Operator::Start(const std::vector<std::string>& arguments) {
+    std::vector<std::string> all{KV_SCENEPANE};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    m_pProgram = StartOther(all);
+    WaitFor("the window", [&] {
+        if (!m_pProgram->IsRunning()) throw std::runtime_error("scenepane has ended");
+        const auto window = m_desktop.FindWindow("scenepane");
+        return window && m_desktop.ViewerIn(*window);
+    });
+}
+
+std::unique_ptr<ChildProcess> Operator::StartOther(const std::vector<std::string>& arguments) const {
+    std::map<std::string, std::string> environment = m_environment;
+    environment["DISPLAY"] = m_server.Name();
+    return std::make_unique<ChildProcess>(arguments, environment);
+}
+
+void Operator::WaitFor(const std::string& what, const std::function<bool()>& condition) const {
+    if (WaitUntil(condition, [] { std::this_thread::sleep_for(std::chrono::milliseconds(10)); })) return;
+    SavePicture("failed");
+    throw std::runtime_error("waited for " + what + " in vain; see failed.png in " KV_PICTURE_FOLDER);
+}
+
+DesktopWindow Operator::WaitForWindow(const std::string& title) const {
+    std::optional<DesktopWindow> window;
+    WaitFor("a window \"" + title + "\" with the keyboard", [&] {
+        window = m_desktop.FindWindow(title);
+        return window && m_desktop.HasKeyboard(*window);
+    });
+    return *window;
+}
+
+void Operator::WaitForNoWindow(const std::string& title) const {
+    WaitFor("the end of the window \"" + title + "\"", [&] { return !m_desktop.FindWindow(title); });
+}
+
+DesktopWindow Operator::MainWindow() const {
+    for (const DesktopWindow& window : m_desktop.Windows()) {
+        if (m_desktop.ViewerIn(window)) return window;
+    }
+    throw std::runtime_error("there is no main window");
+}
+
+ScreenArea Operator::Viewer() const { return *m_desktop.ViewerIn(MainWindow()); }
+
+ScreenPoint Operator::InViewer(double x, double y) const {
+    const ScreenArea area = Viewer();
+    return {area.x + static_cast<int>(x * (area.width - 1)), area.y + static_cast<int>(y * (area.height - 1))};
+}
+
+bool Operator::Shows(const QString& text, TextMatch match) const {
+    return FindText(m_desktop.Show(), text, m_kind.scale, match).has_value();
+}
+
+ScreenArea Operator::WaitForText(const QString& text, TextMatch match) const {
+    std::optional<ScreenArea> place;
+    WaitFor("the text \"" + text.toStdString() + "\"", [&] {
+        place = FindText(m_desktop.Show(), text, m_kind.scale, match);
+        return place.has_value();
+    });
+    return *place;
+}
+
+void Operator::WaitForNoText(const QString& text, TextMatch match) const {
+    WaitFor("the end of the text \"" + text.toStdString() + "\"", [&] { return !Shows(text, match); });
+}
+
+void Operator::ClickText(const QString& text) const { m_desktop.Click(WaitForText(text).Middle()); }
+
+void Operator::Choose(const std::vector<QString>& entries) const {
+    for (const QString& entry : entries) ClickText(entry);
+}
+
+void Operator::AnswerFileDialog(const std::string& title, const std::string& path) const {
+    (void)WaitForWindow(title);
+    m_desktop.Key("ctrl+a");
+    m_desktop.Type(path);
+    m_desktop.Key("Return");
+    WaitForNoWindow(title);
+}
+
+int Operator::ObjectPixels() const {
+    const ScreenShown shown = ViewerPixels();
+    const int side = std::min(shown.width, shown.height);
+    int count = 0;
+    // The square in the middle: axes, logo and texts are in the corners.
+    for (int y = (shown.height - side / 2) / 2; y < (shown.height + side / 2) / 2; ++y) {
+        for (int x = (shown.width - side / 2) / 2; x < (shown.width + side / 2) / 2; ++x)
+            count += shown.At(x, y) != kBackground ? 1 : 0;
+    }
+    return count;
+}
+
+ScreenShown Operator::WaitForOtherPicture(const ScreenShown& before) const {
+    WaitFor("another picture in the viewer", [&] { return ViewerPixels() != before; });
+    return WaitForStillPicture();
+}
+
+ScreenShown Operator::WaitForStillPicture() const {
+    ScreenShown last = ViewerPixels();
+    int same = 0;
+    WaitFor("a picture that stays", [&] {
+        ScreenShown now = ViewerPixels();
+        same = now == last ? same + 1 : 0;
+        last = std::move(now);
+        return same == 10;
+    });
+    return last;
+}
+
+void Operator::SavePicture(const ScreenShown& shown, const std::string& name) const {
+    std::filesystem::create_directories(KV_PICTURE_FOLDER);
+    const QImage image(reinterpret_cast<const uchar*>(shown.pixels.data()), shown.width, shown.height,
+                       QImage::Format_RGB32);
+    (void)image.save(QString(KV_PICTURE_FOLDER "/%1.png").arg(QString::fromStdString(name)));
+}
