@@ -27,12 +27,11 @@ void ScenePreparation::Hide() {
 }
 
 void ScenePreparation::ShowArrived() {
-    if (m_bGivenUp) {
+    if (m_bInPass || m_waiting.empty()) return;
+    if (m_bGivenUp || m_nWaitingTriangles < m_nShownTriangles)
         Hide();
-        return;
-    }
-    if (m_bInPass || m_waiting.empty() || m_nWaitingTriangles < m_nShownTriangles) return;
-    Pass();
+    else
+        Pass();
 }
 
 void ScenePreparation::ShowRest() {
@@ -60,10 +59,10 @@ void ScenePreparation::Pass() {
     m_bInPass = true;
     if (std::exchange(m_bFits, false) && m_fit) FitToAll();
     ShowFirst(CountForPass());
-    emit AboutToDraw();
     // A message box inside the frame runs the event loop, where the viewer and this can be destroyed.
     const QPointer<ScenePreparation> self(this);
-    const bool drawn = Draw();
+    emit AboutToDraw();
+    const bool drawn = self && !m_bGivenUp && Draw();
     if (!self || m_bOver || m_bStopped) return;
     m_bInPass = false;
     m_nDrawn = ShownCount();

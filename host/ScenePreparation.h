@@ -25,12 +25,13 @@ public:
     ScenePreparation(KV_ScenePane::ScenePane& pane, std::int64_t shownTriangles, std::optional<ArrivalFit> fit,
                      QObject* parent = nullptr);
 
-    /// An object that the viewer has and that no frame has shown yet. It waits, visible until the next pass: to hide it
-    /// costs a frame. Emits Waiting().
+    /// An object that the viewer has and that no frame has shown yet. It waits, visible until the next call of another
+    /// method, which must come before a frame. Emits Waiting().
     void Add(int index, std::int64_t triangles);
     /// Hides all objects that wait.
     void Hide();
-    /// Shows objects if there are enough for a frame, at least as many triangles as are visible; more come later.
+    /// Shows objects if there are enough for a frame, at least as many triangles as are visible; else hides them. More
+    /// come later.
     void ShowArrived();
     /// No object is added any more: shows all that wait, in this pass and in later ones.
     void ShowRest();
