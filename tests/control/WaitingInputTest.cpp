@@ -55,6 +55,8 @@ protected:
         (void)pane->Reparent(0, 0, 0);  // a round trip on the connection of the viewer
         pane->ProcessEvents();
     }
+    /// Presses of a held key, as the server repeats them.
+    void Hold(KeySym symbol, int presses) { host.SendKeyPresses(pane->NativeWindow(), symbol, presses); }
     [[nodiscard]] std::uint64_t Frames() const { return pane->GetFrameStatistics().count; }
     /// Calls a function inside the mouse filter of one of the notches that wait, counted from 1.
     void InNotch(int number, const std::function<void()>& function) {
@@ -109,10 +111,10 @@ TEST_F(WaitingInput, OfAHeldArrowKeyMovesThePlaneByOneUnitForEachRepeat) {
     ASSERT_TRUE(HandleAllEvents(host, *pane));
     std::vector<std::int32_t> counts;
     keys.onKey = [&](std::int32_t repeats) { counts.push_back(repeats); };
-    user.HoldKey(XK_Up, 0);
+    Hold(XK_Up, 1);
     ProcessOnce();
     const std::uint64_t frames = Frames();
-    user.HoldKey(XK_Up, 6);
+    Hold(XK_Up, 7);
     ProcessOnce();
     EXPECT_EQ(Frames(), frames + 1);
     EXPECT_EQ(counts, std::vector<std::int32_t>(8, 1));
@@ -149,7 +151,7 @@ TEST_F(WaitingInput, HasThePictureOfTheHostDrawn) {
 
 TEST_F(WaitingInput, HasARefreshOfAKeyHandlerDrawnBeforeItReturns) {
     pane->Methods().SetClipPlaneEnabled(kPlaneOn);
-    user.HoldKey(XK_Up, 0);
+    Hold(XK_Up, 1);
     ASSERT_TRUE(HandleAllEvents(host, *pane));
     const std::uint64_t frames = Frames();
     std::vector<std::uint64_t> inside;
@@ -157,7 +159,7 @@ TEST_F(WaitingInput, HasARefreshOfAKeyHandlerDrawnBeforeItReturns) {
         pane->Methods().SetBackgroundColors(0x102030, 0x405060);
         inside.push_back(Frames() - frames);
     };
-    user.HoldKey(XK_Up, 2);
+    Hold(XK_Up, 3);
     ProcessOnce();
     EXPECT_EQ(inside, (std::vector<std::uint64_t>{1, 2, 3}));
     EXPECT_EQ(Frames(), frames + 4) << "the last repeat draws its own";

@@ -133,6 +133,21 @@ void HostWindow::SendClick(unsigned long window, unsigned button, int x, int y, 
     XSync(m_pDisplay, False);
 }
 
+void HostWindow::SendKeyPresses(unsigned long window, unsigned long symbol, int count) {
+    for (int i = 0; i < count; ++i) SendKey(window, symbol, true);
+}
+
+void HostWindow::SendKeyRelease(unsigned long window, unsigned long symbol) { SendKey(window, symbol, false); }
+
+void HostWindow::SendKey(unsigned long window, unsigned long symbol, bool isDown) {
+    XEvent event{};
+    event.xkey.type = isDown ? KeyPress : KeyRelease;
+    event.xkey.window = window;
+    event.xkey.keycode = XKeysymToKeycode(m_pDisplay, symbol);
+    XSendEvent(m_pDisplay, window, False, isDown ? KeyPressMask : KeyReleaseMask, &event);
+    XSync(m_pDisplay, False);
+}
+
 bool HostWindow::CanGrabPointer() {
     const bool grabbed = XGrabPointer(m_pDisplay, m_nWindow, False, ButtonPressMask, GrabModeAsync, GrabModeAsync, None,
                                       None, CurrentTime) == GrabSuccess;

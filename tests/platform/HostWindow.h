@@ -38,6 +38,10 @@ public:
     /// Sends events as the server would for the pointer. @p time  in milliseconds of the server
     void SendMove(unsigned long window, int x, int y);
     void SendClick(unsigned long window, unsigned button, int x, int y, unsigned long time);
+    /// Presses of a key without a release: the first is one, or a repeat of a key that is held.
+    /// @param symbol  a key symbol of X
+    void SendKeyPresses(unsigned long window, unsigned long symbol, int count);
+    void SendKeyRelease(unsigned long window, unsigned long symbol);
     bool CanGrabPointer();
     void PointAt(unsigned long window);
     /// A hash of the cursor that the screen shows.
@@ -49,6 +53,8 @@ public:
     void Forget();
 
 private:
+    void SendKey(unsigned long window, unsigned long symbol, bool isDown);
+
     _XDisplay* m_pDisplay;
     unsigned long m_nWindow = 0;
 };

@@ -68,12 +68,6 @@ public:
         XTestFakeKeyEvent(m_pDisplay, m_vKeys.back(), True, CurrentTime);
         XSync(m_pDisplay, False);
     }
-    /// The first press and repeats of it, without a release. Over XTest a press of a key that is down is a repeat.
-    void HoldKey(KeySym symbol, int repeats) {
-        m_vKeys.push_back(XKeysymToKeycode(m_pDisplay, symbol));
-        for (int i = 0; i <= repeats; ++i) XTestFakeKeyEvent(m_pDisplay, m_vKeys.back(), True, CurrentTime);
-        XSync(m_pDisplay, False);
-    }
     void ReleaseKey(KeySym symbol) {
         const unsigned key = XKeysymToKeycode(m_pDisplay, symbol);
         std::erase(m_vKeys, key);
