@@ -95,7 +95,7 @@ void ReducedDrawing::See(const MouseInput& input, bool canDrag) {
 
 bool ReducedDrawing::IsSceneSlow() {
     const KV_ScenePane::FrameStatistics frames = m_pViewer->GetFrameStatistics();
-    if (frames.count != m_nFramesAtEnd) m_bSlow = frames.seconds > kSlowFrame;
+    if (frames.count != m_nFramesAtEnd) m_bSlow = frames.seconds > m_fSlowFrame;
     return m_bSlow;
 }
 

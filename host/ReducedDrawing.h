@@ -29,6 +29,9 @@ public:
     void Choose(ReducedChoice choice);
     [[nodiscard]] ReducedChoice Choice() const;
 
+    /// @param seconds  in place of kSlowFrame; 0 makes every scene a slow one
+    void SetSlowFrame(double seconds) { m_fSlowFrame = seconds; }
+
     /// An input, before the viewer handles it.
     /// @param canDrag  false where a move with a button held moves nothing
     void See(const KV_ScenePane::MouseInput& input, bool canDrag);
@@ -54,8 +57,9 @@ private:
 
     KV_ScenePane::ScenePane* m_pViewer = nullptr;
     QList<QAction*> m_actions;  // in the order of ReducedChoice
-    bool m_bAutomatic;          // with the property off: "Automatic" and not "Never"
-    bool m_bAlways = false;     // the property, as Follow() has seen it
+    double m_fSlowFrame = kSlowFrame;
+    bool m_bAutomatic;       // with the property off: "Automatic" and not "Never"
+    bool m_bAlways = false;  // the property, as Follow() has seen it
     bool m_bOn = false;
     bool m_bSlow = false;              // the scene, when it was last drawn fully
     std::uint64_t m_nFramesAtEnd = 0;  // of the viewer, when the last reduced drag ended
