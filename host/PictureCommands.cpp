@@ -52,6 +52,10 @@ bool WritePicture(const std::string& path, const KV_ScenePane::Picture& picture,
                           reason);
 }
 
+/// The dialog has gone from the screen and the viewer has drawn what it covered: the screen's content is shown while
+/// the picture is taken.
+void WaitForScreen() { QGuiApplication::sync(); }
+
 }  // namespace
 
 PictureCommands::PictureCommands(ViewerWidget& viewer, PictureHooks hooks, QWidget& window)
@@ -64,10 +68,12 @@ void PictureCommands::AskForPicture() {
     PictureDialog dialog(m_viewer.DeviceSize(), first, LargestPictureSide(*m_viewer.Pane()), &m_window);
     if (dialog.exec() != QDialog::Accepted) return;
     m_look = dialog.Look();
-    if (dialog.ChosenUse() == PictureDialog::Use::Copy)
-        (void)CopyPicture(m_look);
-    else
+    if (dialog.ChosenUse() == PictureDialog::Use::Save) {
         AskForFile(m_look);
+        return;
+    }
+    WaitForScreen();
+    (void)CopyPicture(m_look);
 }
 
 void PictureCommands::AskForFile(const PictureLook& look) {
@@ -87,6 +93,7 @@ void PictureCommands::AskForFile(const PictureLook& look) {
     if (dialog.exec() != QDialog::Accepted) return;
     const QString file = dialog.selectedFiles().constFirst();
     StoreFolderOf(FolderUse::Picture, file);
+    WaitForScreen();
     (void)SavePicture(QFile::encodeName(file).toStdString(), look);
 }
 
