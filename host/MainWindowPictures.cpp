@@ -10,6 +10,7 @@
 #include "LogoPanel.h"
 #include "MainWindow.h"
 #include "MessagePane.h"
+#include "ObjectCommands.h"
 #include "PictureCommands.h"
 #include "Settings.h"
 #include "ToolAction.h"
@@ -86,6 +87,7 @@ void MainWindow::HideDecorations(bool isHidden) {
     m_pDecorations->HideInViewer(isHidden);
     m_pLogo->HideInViewer(isHidden);
     m_pClip->HideInViewer(isHidden);
+    m_pObjectCommands->SuspendOutline(isHidden);
     if (isHidden) {
         m_bNeedlesOfView = methods.GetNeedleDrawingMode() != kVariantFalse;
         m_bLinesOfView = methods.GetLine3DDrawingMode() != kVariantFalse;

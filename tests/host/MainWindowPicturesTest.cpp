@@ -76,6 +76,7 @@ protected:
         Methods().SetNeedleDrawingMode(KV_ScenePane::kVariantTrue);
         Methods().SetLine3DDrawingMode(KV_ScenePane::kVariantTrue);
         m_window->Clip().SwitchClipping(true);
+        m_window->Objects().Select({0});
     }
 };
 
