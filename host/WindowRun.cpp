@@ -9,6 +9,7 @@
 #include "Appearance.h"
 #include "FileTypes.h"
 #include "Headless.h"
+#include "Language.h"
 #include "MainWindow.h"
 #include "PlatformChoice.h"
 #include "SceneFile.h"
@@ -52,6 +53,7 @@ int RunWindow(const HostOptions& options, char* program) {
     int argumentCount = 1;  // the options are ours, none is Qt's
     char* arguments[] = {program, nullptr};
     const QApplication application(argumentCount, arguments);
+    TranslateWindow();
     QGuiApplication::setDesktopFileName("scenepane");  // groups the windows of the program in a task bar
     QGuiApplication::setWindowIcon(WindowIcon());
     if (options.resetsSettings) ForgetSettings();

@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+"""The translations of the window, host/translations/scenepane_LANGUAGE.ts.
+
+Without an option: adds new texts of the sources to the files, removes those that are gone, writes the English plurals,
+and lists what is still to be translated. With --check: changes nothing, and fails when a text is missing, unfinished or
+no longer in the sources, or when a translation has other placeholders than its source, or a mnemonic where the source
+has none. lupdate is that of the Debian package qt6-l10n-tools.
+"""
+import argparse
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+FOLDER = ROOT / "host" / "translations"
+LANGUAGES = {"de": [], "en": ["-pluralonly"]}  # English texts are in the sources, but for their plurals
+
+
+def lupdate():
+    for name in ("/usr/lib/qt6/bin/lupdate", "lupdate6", "lupdate"):
+        if path := shutil.which(name):
+            return path
+    sys.exit("translations.py: lupdate is missing; install qt6-l10n-tools")
+
+
+def update(file, language):
+    """Brings a file to the texts of the sources; what is gone from them is removed."""
+    command = [lupdate(), "-silent", "-locations", "none", "-no-obsolete", "-source-language", "en",
+               "-target-language", language, *LANGUAGES[language], str(ROOT / "host"), "-ts", str(file)]
+    subprocess.run(command, check=True)
+
+
+def forms(message):
+    """The translation, or its plural forms."""
+    translation = message.find("translation")
+    numerus = translation.findall("numerusform")
+    return [form.text or "" for form in numerus] if numerus else [translation.text or ""]
+
+
+def messages(file):
+    for context in ElementTree.parse(file).getroot().findall("context"):
+        for message in context.findall("message"):
+            yield context.findtext("name"), message
+
+
+def keys(file):
+    return {(context, message.findtext("source"), message.findtext("comment"), message.get("numerus"))
+            for context, message in messages(file)}
+
+
+def placeholders(text):
+    return set(re.findall(r"%L?\d+|%L?n", text))
+
+
+def has_mnemonic(text):
+    return re.search(r"&[^&\s]", text.replace("&&", "")) is not None
+
+
+def faults(file):
+    """What is wrong with the translations of a file, one line each."""
+    for context, message in messages(file):
+        source = message.findtext("source")
+        if message.find("translation").get("type") is not None or not all(forms(message)):
+            yield f"{context}: not translated: {source!r}"
+            continue
+        for form in forms(message):
+            missing, more = placeholders(source) - placeholders(form), placeholders(form) - placeholders(source)
+            # "one object" needs no number.
+            if more or (missing and not (message.get("numerus") and missing <= {"%n", "%Ln"})):
+                yield f"{context}: other placeholders: {source!r}: {form!r}"
+            if has_mnemonic(source) != has_mnemonic(form):
+                yield f"{context}: a mnemonic in one of the two only: {source!r}: {form!r}"
+            if source.endswith("...") != form.endswith("..."):
+                yield f"{context}: '...' at the end of one of the two only: {source!r}: {form!r}"
+
+
+def write_english_plurals(file):
+    """"%n object(s)" becomes "%n object" and "%n objects"; a text without "(s)" is the same in both."""
+    text = file.read_text(encoding="utf-8")
+
+    def fill(match):
+        source = match.group(1)
+        one, many = source.replace("(s)", ""), source.replace("(s)", "s")
+        return (f"<source>{source}</source>\n        <translation>\n            <numerusform>{one}</numerusform>\n"
+                f"            <numerusform>{many}</numerusform>\n        </translation>")
+
+    pattern = r"<source>([^<]*)</source>\s*<translation type=\"unfinished\">.*?</translation>"
+    file.write_text(re.sub(pattern, fill, text, flags=re.DOTALL), encoding="utf-8")
+
+
+def check():
+    found = []
+    with tempfile.TemporaryDirectory() as folder:
+        for language in LANGUAGES:
+            file = FOLDER / f"scenepane_{language}.ts"
+            now = Path(folder) / file.name
+            shutil.copy(file, now)
+            update(now, language)
+            for context, source, *_ in sorted(keys(file) - keys(now), key=str):
+                found.append(f"{file.name}: {context}: no longer in the sources: {source!r}")
+            found += [f"{file.name}: {fault}" for fault in faults(now)]
+            if not keys(now):
+                found.append(f"{file.name}: no texts were found in the sources")
+    return found
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--check", action="store_true", help="change nothing; fail when a translation is not current")
+    if parser.parse_args().check:
+        found = check()
+        print(*found, sep="\n")
+        if found:
+            sys.exit(f"{len(found)} faults; scripts/translations.py brings the files to the texts of the sources")
+        return
+    for language in LANGUAGES:
+        file = FOLDER / f"scenepane_{language}.ts"
+        update(file, language)
+        if language == "en":
+            write_english_plurals(file)
+        print(*(f"{file.name}: {fault}" for fault in faults(file)), sep="\n")
+
+
+if __name__ == "__main__":
+    main()
