@@ -75,7 +75,7 @@ void MainWindow::MakeObjectCommands() {
     m_vObjectActions.push_back(m_pColorAsImported);
     m_vObjectActions.push_back(add(tr("Order of &opening"), "sortAsOpened",
                                    tr("Sort the rows in the order in which the objects were opened"),
-                                   [this] { m_pObjects->SortBy(-1); }));
+                                   [this] { m_pObjects->SortBy(ObjectList::kUnsorted); }));
     separate();
     m_vSelectionActions.push_back(add(tr("&Export..."), "exportObjects", tr("Write the selected objects into files"),
                                       [this] { AskForExport(); }));

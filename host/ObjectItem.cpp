@@ -7,6 +7,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "NaturalOrder.h"
+#include "ObjectList.h"
 #include "ToolTip.h"
 
 namespace {
@@ -150,6 +151,6 @@ int ObjectItem::Compare(const ObjectItem& other, int column) const {
 
 bool ObjectItem::operator<(const QTreeWidgetItem& other) const {
     const auto& object = static_cast<const ObjectItem&>(other);
-    const int order = Compare(object, treeWidget()->sortColumn());
+    const int order = Compare(object, static_cast<const ObjectList*>(treeWidget())->SortColumn());
     return order != 0 ? order < 0 : m_row.id < object.m_row.id;
 }

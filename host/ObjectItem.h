@@ -24,6 +24,7 @@ class ObjectItem : public QTreeWidgetItem {
 public:
     enum Column { kName, kColor, kTriangles, kSize, kVertices, kMayMove, kMoved, kColumnCount };
 
+    /// @param list  an ObjectList
     ObjectItem(QTreeWidget* list, const ObjectRow& row, const ObjectReport& object);
 
     /// As it is now: with the check marks and the name of the user.

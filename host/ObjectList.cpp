@@ -11,10 +11,6 @@
 
 #include "ColorButton.h"
 
-namespace {
-constexpr int kUnsorted = -1;  // column of no sort
-}  // namespace
-
 ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setColumnCount(kColumnCount);
     setHeaderLabels(
@@ -134,7 +130,7 @@ void ObjectList::SetRemoved(int index, bool removed) {
     item->setHidden(removed);
     if (removed) {
         item->setSelected(false);
-        if (currentItem() == item) setCurrentItem(nullptr);
+        if (currentItem() == item) setCurrentItem(nullptr, kName, QItemSelectionModel::NoUpdate);
     }
     emit CountsChanged();
 }
@@ -272,24 +268,24 @@ void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
 // ---- the order of the rows
 
 void ObjectList::OnHeadClicked(int column) {
-    const bool isSame = header()->sortIndicatorSection() == column;
-    if (!isSame)
+    // The head has changed its own mark already.
+    if (m_nSortColumn != column)
         SortBy(column);
-    else if (header()->sortIndicatorOrder() == Qt::AscendingOrder)
+    else if (m_sortOrder == Qt::AscendingOrder)
         SortBy(column, Qt::DescendingOrder);
     else
         SortBy(kUnsorted);
 }
 
 void ObjectList::SortBy(int column, Qt::SortOrder order) {
+    m_nSortColumn = column;
+    m_sortOrder = order;
     header()->setSortIndicator(column, order);
-    // Rows compare themselves by the column of the head; without one, by the order of the viewer.
-    model()->sort(std::max<int>(column, kName), order);
+    model()->sort(std::max<int>(column, kName), order);  // rows ask for SortColumn()
 }
 
 void ObjectList::SortAgain() {
-    const int column = header()->sortIndicatorSection();
-    if (column != kUnsorted) SortBy(column, header()->sortIndicatorOrder());
+    if (m_nSortColumn != kUnsorted) SortBy(m_nSortColumn, m_sortOrder);
 }
 
 // ---- input

@@ -82,8 +82,10 @@ public:
     // ---- for the user
     /// Opens the input for the name of the current row.
     void EditName();
-    /// @param column  -1: in the order of the viewer
+    /// @param column  kUnsorted: in the order of the viewer
     void SortBy(int column, Qt::SortOrder order = Qt::AscendingOrder);
+    static constexpr int kUnsorted = -1;
+    [[nodiscard]] int SortColumn() const { return m_nSortColumn; }
 
     /// For the first layout only; the user can resize the pane.
     [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
@@ -131,5 +133,7 @@ private:
 
     std::vector<ObjectItem*> m_vItems;  // of each object, by its index; the widget owns them
     int m_nNextId = 0;
+    int m_nSortColumn = kUnsorted;
+    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
     bool m_bFitsNames = true, m_bInFit = false;
 };
