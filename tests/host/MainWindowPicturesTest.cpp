@@ -46,10 +46,9 @@ protected:
         ShowSquare();
     }
     /// A square that covers the middle of the view and leaves its corners free.
-    void ShowSquare() const {
-        const float corners[] = {0, 0, 0, 100, 0, 0, 100, 100, 0, 0, 100, 0};
-        const std::int32_t triangles[] = {0, 1, 2, 0, 2, 3};
-        Methods().ImportMeshFromMemory(4, 2, corners, triangles);
+    void ShowSquare() {
+        WritePcm(m_folder / "square.pcm", 41, 41);
+        Import({m_folder / "square.pcm"});
         Methods().SetViewMode(4);  // from +Z
         Methods().CenterView();
         Methods().PerformRefresh();
