@@ -27,6 +27,7 @@ QLabel* NamedLabel(const char* name) {
     auto* const label = new QLabel;
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);  // file names may hold what looks like tags
+    label->setMinimumWidth(1);            // the window can become narrower: the text follows
     return label;
 }
 
@@ -181,7 +182,7 @@ void StatusLine::Arrange() {
     const int letter = fontMetrics().averageCharWidth(), least = kLeastLetters * letter;
     int left = width() - FixedWidth() - kMessageLetters * letter;
     // At most so much of the pick and of the offer, whatever else is shown: the message keeps its part.
-    const int most = std::max(width() / 3, least);
+    const int most = std::max(width() * 2 / 5, least);
     const auto elide = [&](QLabel& label, const QString& text, Qt::TextElideMode mode, int space) {
         const int given = std::clamp(space, least, most);
         label.setMaximumWidth(given);
