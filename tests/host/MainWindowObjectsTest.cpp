@@ -404,4 +404,16 @@ TEST_F(ExportsOfObjects, AskBeforeTheyOverwrite) {
     EXPECT_EQ(Content("middle.ply").substr(0, 3), "ply");
 }
 
+TEST_F(ExportsOfObjects, DoNotDependOnTheColoursOfThePalette) {
+    ImportSquares();
+    const auto exported = [&](const std::string& name) {
+        EXPECT_TRUE(m_window->ExportObjectTo(0, m_folder / name)) << Messages();
+        return ReadBytes(m_folder / name);
+    };
+    const std::vector<std::byte> before = exported("a.ply");
+    Command("colorByObject");
+    ASSERT_NE(Colors().front(), kMeshColor);
+    EXPECT_EQ(exported("b.ply"), before);
+}
+
 }  // namespace
