@@ -19,7 +19,7 @@ AnimationPanel::AnimationPanel(QWidget* parent)
       m_pDriver(new AnimationDriver(this)),
       m_pStart(new QPushButton),
       m_pSpeed(new QDoubleSpinBox),
-      m_pSpacebar(new QCheckBox(tr("Sta&rt and stop with the space bar"))) {
+      m_pSpacebar(new QCheckBox(tr("Start and stop w&ith the space bar"))) {
     m_pStart->setObjectName("animationStart");
     m_pStart->setToolTip(tr("Turns the scene once around the Z axis. A click or a key in the view stops it."));
     m_pSpeed->setObjectName("animationSpeed");
@@ -68,4 +68,4 @@ void AnimationPanel::SetSpeed(double revolutionsPerSecond) {
     if (m_pMethods != nullptr) m_pMethods->SetAnimationSpeed(static_cast<float>(revolutionsPerSecond));
 }
 
-void AnimationPanel::ShowRunning(bool running) { m_pStart->setText(running ? tr("&Stop") : tr("&Turn once")); }
+void AnimationPanel::ShowRunning(bool running) { m_pStart->setText(running ? tr("&Stop") : tr("Turn o&nce")); }

@@ -102,6 +102,8 @@ void MainWindow::MakeEditMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&Edit"));
     m_pCutTools->FillEditMenu(*menu);
     menu->addAction(m_pTakeBack);
+    menu->addSeparator();
+    MakeObjectActions(*menu->addMenu(tr("&Objects")));
 }
 
 // The digits are the shortcuts of the views, by their position in the table.

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QPalette>
 #include <algorithm>
 #include <cmath>
 #include <utility>
