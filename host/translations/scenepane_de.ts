@@ -66,10 +66,6 @@
 <context>
     <name>AnimationPanel</name>
     <message>
-        <source>Sta&amp;rt and stop with the space bar</source>
-        <translation>Mit der Leertaste sta&amp;rten und anhalten</translation>
-    </message>
-    <message>
         <source>Turns the scene once around the Z axis. A click or a key in the view stops it.</source>
         <translation>Dreht die Szene einmal um die Z-Achse. Ein Klick oder eine Taste in der Ansicht hält sie an.</translation>
     </message>
@@ -90,7 +86,11 @@
         <translation>&amp;Anhalten</translation>
     </message>
     <message>
-        <source>&amp;Turn once</source>
+        <source>Start and stop w&amp;ith the space bar</source>
+        <translation>Mit der &amp;Leertaste starten und anhalten</translation>
+    </message>
+    <message>
+        <source>Turn o&amp;nce</source>
         <translation>&amp;Einmal drehen</translation>
     </message>
 </context>
@@ -1789,6 +1789,10 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
     <message>
         <source>Copied: %1</source>
         <translation>Kopiert: %1</translation>
+    </message>
+    <message>
+        <source>&amp;Objects</source>
+        <translation>&amp;Objekte</translation>
     </message>
 </context>
 <context>

@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int kContrast = 60;  // between letters and what is around them, at least, of 255
+constexpr int kEdge = 24;      // between a letter and what is at its left: only there places are compared
 // Of the sum of the squares. Letters begin at fractions of a pixel, of which four are tried.
 constexpr double kErrorOfText = 0.14;
 constexpr double kErrorOfLetter = 0.3;  // another letter differs by about twice the letter itself
@@ -28,6 +29,7 @@ struct Template {
     int left = 0, right = 0, top = 0, bottom = 0;  // of the letters
     int bandWidth = 1;                             // about that of a letter
     std::vector<Pixel> pixels;                     // those of the letters first: most places differ there
+    std::size_t edge = 0;                          // the first pixel that differs much from the one at its left
 };
 
 int Brightness(std::uint32_t pixel) {
@@ -65,12 +67,36 @@ Template DrawTemplate(const QString& text, double scale, TextMatch match, double
     // Above and below the letters there may be a frame.
     std::erase_if(drawn.pixels, [&](const Pixel& p) { return p.y < drawn.top || p.y > drawn.bottom; });
     std::ranges::stable_sort(drawn.pixels, std::greater(), &Pixel::ink);
+    const auto isEdge = [&](const Pixel& p) {
+        return p.x > 0 && p.ink - (255 - Brightness(image.pixel(p.x - 1, p.y))) > kEdge * 255 / kContrast;
+    };
+    drawn.edge = static_cast<std::size_t>(std::ranges::find_if(drawn.pixels, isEdge) - drawn.pixels.begin());
     return drawn;
 }
 
-std::optional<ScreenArea> FindTemplate(const ScreenShown& shown, const std::vector<std::uint8_t>& bright,
-                                       const Template& wanted) {
-    if (wanted.pixels.empty() || wanted.pixels.front().ink < 100) return std::nullopt;
+/// The screen in one colour, and where it has vertical edges.
+struct GrayScreen {
+    int width = 0, height = 0;
+    std::vector<std::uint8_t> bright;
+    std::vector<Pixel> edges;  // from the top
+};
+
+GrayScreen InGray(const ScreenShown& shown) {
+    GrayScreen gray{shown.width, shown.height, {}, {}};
+    gray.bright.resize(shown.pixels.size());
+    std::ranges::transform(shown.pixels, gray.bright.begin(),
+                           [](std::uint32_t pixel) { return static_cast<std::uint8_t>(Brightness(pixel)); });
+    const std::uint8_t* at = gray.bright.data();
+    for (int y = 0; y < shown.height; ++y) {
+        for (int x = 0; x < shown.width; ++x, ++at) {
+            if (x > 0 && std::abs(at[0] - at[-1]) >= kEdge) gray.edges.push_back({x, y, 0});
+        }
+    }
+    return gray;
+}
+
+std::optional<ScreenArea> FindTemplate(const GrayScreen& shown, const Template& wanted) {
+    if (wanted.edge >= wanted.pixels.size() || wanted.pixels.front().ink < 100) return std::nullopt;
     const auto width = static_cast<std::ptrdiff_t>(shown.width);
     const auto offset = [&](const Pixel& p) { return p.y * width + p.x; };
     const Pixel &inked = wanted.pixels.front(), &empty = wanted.pixels.back();
@@ -94,12 +120,14 @@ std::optional<ScreenArea> FindTemplate(const ScreenShown& shown, const std::vect
         return std::ranges::all_of(errors, [&](double error) { return error < kErrorOfLetter * letter; });
     };
     const int rightmost = std::ranges::max(wanted.pixels, {}, &Pixel::x).x;
-    for (int y = -wanted.top; y + wanted.bottom < shown.height; ++y) {
-        for (int x = 0; x + rightmost < shown.width; ++x) {
-            if (!matches(bright.data() + y * width + x)) continue;
-            return ScreenArea{x + wanted.left, y + wanted.top, wanted.right - wanted.left + 1,
-                              wanted.bottom - wanted.top + 1};
-        }
+    const Pixel& edge = wanted.pixels[wanted.edge];
+    for (const Pixel& place : shown.edges) {
+        const int x = place.x - edge.x, y = place.y - edge.y;
+        const bool isInside =
+            x >= 0 && x + rightmost < shown.width && y + wanted.top >= 0 && y + wanted.bottom < shown.height;
+        if (!isInside || !matches(shown.bright.data() + y * width + x)) continue;
+        return ScreenArea{x + wanted.left, y + wanted.top, wanted.right - wanted.left + 1,
+                          wanted.bottom - wanted.top + 1};
     }
     return std::nullopt;
 }
@@ -107,9 +135,7 @@ std::optional<ScreenArea> FindTemplate(const ScreenShown& shown, const std::vect
 }  // namespace
 
 std::optional<ScreenArea> FindText(const ScreenShown& shown, const QString& text, double scale, TextMatch match) {
-    std::vector<std::uint8_t> bright(shown.pixels.size());
-    std::ranges::transform(shown.pixels, bright.begin(),
-                           [](std::uint32_t pixel) { return static_cast<std::uint8_t>(Brightness(pixel)); });
+    const GrayScreen gray = InGray(shown);
     QStringList forms{QString(text).replace('&', "&&")};
     // With each letter as the mnemonic.
     for (qsizetype i = 0; match == TextMatch::Whole && i < text.size(); ++i) {
@@ -117,7 +143,7 @@ std::optional<ScreenArea> FindText(const ScreenShown& shown, const QString& text
     }
     for (const QString& form : forms) {
         for (const double shift : {0.0, 0.5, 0.25, 0.75}) {
-            if (const auto place = FindTemplate(shown, bright, DrawTemplate(form, scale, match, shift))) return place;
+            if (const auto place = FindTemplate(gray, DrawTemplate(form, scale, match, shift))) return place;
         }
     }
     return std::nullopt;
