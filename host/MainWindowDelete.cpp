@@ -14,6 +14,7 @@
 #include "MessagePane.h"
 #include "NeedlePanel.h"
 #include "ObjectColors.h"
+#include "ObjectCommands.h"
 #include "ObjectList.h"
 #include "ResidualPanel.h"
 #include "StatusLine.h"
@@ -108,6 +109,7 @@ void MainWindow::DeleteObjects(const std::vector<int>& indices) {
         methods.DeleteObject(static_cast<std::int16_t>(*index));
         m_pObjects->RemoveObject(*index);
     }
+    m_pObjectCommands->FollowSelection();
     methods.PerformInvalidate();  // the method requests no repaint
     RenumberPicks([&newIndex](int object) { return newIndex.at(static_cast<std::size_t>(object)); });
     m_pClip->FollowScene();
