@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "CaughtError.h"
@@ -28,7 +29,7 @@ void ScenePreparation::Hide() {
 
 void ScenePreparation::ShowArrived() {
     if (m_bInPass || m_waiting.empty()) return;
-    if (m_bGivenUp || m_nWaitingTriangles < m_nShownTriangles)
+    if (m_bGivenUp || static_cast<double>(m_nWaitingTriangles) < kGrowth * static_cast<double>(m_nShownTriangles))
         Hide();
     else
         Pass();
@@ -79,13 +80,23 @@ void ScenePreparation::FitToAll() {
     m_fit->Fit(m_pane.Methods());
 }
 
+double ScenePreparation::TrianglesForPass() const {
+    const auto shown = static_cast<double>(m_nShownTriangles);
+    if (!m_bComplete || m_nShownTriangles == 0) return kGrowth * shown;
+    // Equal ratios from here to the whole scene: a last frame for a small rest would cost as much as all before.
+    const double ratio = (shown + static_cast<double>(m_nWaitingTriangles)) / shown;
+    const double passes = std::max(1.0, std::ceil(std::log(ratio) / std::log(1.0 + kGrowth) - 1e-9));
+    return (std::pow(ratio, 1.0 / passes) - 1.0) * shown;
+}
+
 std::size_t ScenePreparation::CountForPass() const {
-    const double limit = kGrowth * static_cast<double>(m_nShownTriangles);
+    const double wanted = TrianglesForPass();
     std::size_t count = 0;
-    std::int64_t triangles = 0;
+    double triangles = 0;
     for (const Object& object : m_waiting) {
-        triangles += object.triangles;
-        if (count > 0 && static_cast<double>(triangles) > limit) break;
+        const auto size = static_cast<double>(object.triangles);
+        if (count > 0 && triangles + 0.5 * size > wanted) break;  // the nearest number of objects
+        triangles += size;
         ++count;
     }
     return count;

@@ -12,12 +12,12 @@
 
 /// Objects wait in the order in which they were added. A pass shows some of them and draws one frame, whose cost grows
 /// with all that is visible. Each frame therefore shows up to kGrowth times the triangles that are visible already (or
-/// one object): the frames are few, and together they cost less than two frames of the whole scene. Used on the thread
-/// of the viewer.
+/// one object): the frames are few, and together they cost about one and a half frames of the whole scene. Used on the
+/// thread of the viewer.
 class ScenePreparation : public QObject {
     Q_OBJECT
 public:
-    static constexpr double kGrowth = 1.5;
+    static constexpr double kGrowth = 2.0;
 
     /// @param pane            outlives the preparation, or Stop() is called before it ends
     /// @param shownTriangles  visible in the scene so far
@@ -30,8 +30,8 @@ public:
     void Add(int index, std::int64_t triangles);
     /// Hides all objects that wait.
     void Hide();
-    /// Shows objects if there are enough for a frame, at least as many triangles as are visible; else hides them. More
-    /// come later.
+    /// Shows objects if there are enough for a frame, kGrowth times the triangles that are visible; else hides them.
+    /// More come later.
     void ShowArrived();
     /// No object is added any more: shows all that wait, in this pass and in later ones.
     void ShowRest();
@@ -69,6 +69,8 @@ private:
     void FitToAll();
     /// How many of the objects that wait the next frame shows.
     [[nodiscard]] std::size_t CountForPass() const;
+    /// How many triangles it should show for the first time.
+    [[nodiscard]] double TrianglesForPass() const;
     void ShowFirst(std::size_t count);
     /// @return whether it was drawn
     bool Draw();
