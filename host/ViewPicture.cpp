@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -24,6 +25,15 @@ void SetBackground(KV_ScenePane::_DKV_ScenePane& methods, const std::array<std::
 void SetSize(KV_ScenePane::ScenePane& pane, QSize size, double scale) {
     pane.SetScale(scale);
     pane.Methods().SetSize(static_cast<std::int16_t>(size.width()), static_cast<std::int16_t>(size.height()));
+}
+
+/// Throws std::bad_alloc unless the viewer will have memory for a picture: once it runs out of it inside a frame, it
+/// draws nothing any more. Two blocks of the size of the picture are enough, one to read into and the result.
+void RequireMemoryFor(QSize size) {
+    const auto pixels = static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height());
+    const auto block = std::make_unique_for_overwrite<std::uint32_t[]>(2 * pixels);
+    // A compiler may remove an allocation that nothing uses.
+    static_cast<volatile std::uint32_t*>(block.get())[0] = 0;
 }
 
 /// The viewer as the picture needs it, for as long as this lives.
@@ -58,6 +68,7 @@ public:
             const PaintBlock block(Methods());
             SetBackground(Methods(), {color, color, color, color});
         }
+        RequireMemoryFor(m_look.size);
         KV_ScenePane::Picture picture;
         if (!m_viewer.Pane()->CapturePicture(&picture) || QSize(picture.width, picture.height) != m_look.size)
             throw std::runtime_error(Tr("the viewer gave no picture of this size").toStdString());
