@@ -73,7 +73,7 @@ void MainWindow::MakeObjectCommands() {
                              [this] { m_pColors->ColorAsImported(); });
     m_vObjectActions.push_back(m_pColorByObject);
     m_vObjectActions.push_back(m_pColorAsImported);
-    m_vObjectActions.push_back(add(tr("Order of &opening"), "sortAsOpened",
+    m_vObjectActions.push_back(add(tr("Order o&f opening"), "sortAsOpened",
                                    tr("Sort the rows in the order in which the objects were opened"),
                                    [this] { m_pObjects->SortBy(ObjectList::kUnsorted); }));
     separate();

@@ -30,13 +30,14 @@ float DiagonalOf(const std::array<float, 6>& box) {
     return std::isfinite(diagonal) ? diagonal : -1.0f;  // an order needs numbers
 }
 
-/// The three lengths with the same number of decimals: four digits for the longest.
+/// The three lengths with the same number of decimals: one, or, of small objects, so many that the longest has four
+/// digits.
 QString SizeText(const std::array<float, 6>& box) {
     const std::array<float, 3> extents = ExtentsOf(box);
     const float longest = std::max({extents[0], extents[1], extents[2]});
     if (!std::isfinite(longest)) return {};
     const int digits = longest > 0.0f ? static_cast<int>(std::floor(std::log10(longest))) + 1 : 1;
-    const auto number = [locale = NumberLocale(), decimals = std::clamp(4 - digits, 0, 6)](float value) {
+    const auto number = [locale = NumberLocale(), decimals = digits >= 2 ? 1 : std::min(4 - digits, 6)](float value) {
         return locale.toString(static_cast<double>(value), 'f', decimals);
     };
     return QString("%1 × %2 × %3").arg(number(extents[0]), number(extents[1]), number(extents[2]));

@@ -22,7 +22,7 @@ struct ObjectRow {
 class ObjectItem : public QTreeWidgetItem {
     Q_DECLARE_TR_FUNCTIONS(ObjectItem)
 public:
-    enum Column { kName, kColor, kTriangles, kSize, kVertices, kMayMove, kMoved, kColumnCount };
+    enum Column { kName, kColor, kMayMove, kTriangles, kSize, kVertices, kMoved, kColumnCount };
 
     /// @param list  an ObjectList
     ObjectItem(QTreeWidget* list, const ObjectRow& row, const ObjectReport& object);

@@ -14,7 +14,7 @@
 ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setColumnCount(kColumnCount);
     setHeaderLabels(
-        {tr("Object"), tr("Colour"), tr("Triangles"), tr("Size (mm)"), tr("Vertices"), tr("May move"), tr("Place")});
+        {tr("Object"), tr("Colour"), tr("May move"), tr("Triangles"), tr("Size (mm)"), tr("Vertices"), tr("Place")});
     headerItem()->setToolTip(kName, tr("Check mark: shown. Double click: centre. F2: rename."));
     headerItem()->setToolTip(kColor, tr("Click a colour, or press Space there, to choose another one"));
     headerItem()->setToolTip(kSize, tr("Length of the bounding box along x, y and z"));
@@ -73,8 +73,8 @@ void ObjectList::MakeActions() {
         });
         addAction(action);
     };
-    add(tr("Only the &selected may move"), "onlyThisMayMove", true, false);
-    add(tr("All &others may move"), "allOthersMayMove", false, true);
+    add(tr("Only the selected &may move"), "onlyThisMayMove", true, false);
+    add(tr("All o&thers may move"), "allOthersMayMove", false, true);
     add(tr("&No object may move"), "noneMayMove", false, false);
 }
 
@@ -96,6 +96,7 @@ ObjectItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& object)
     button->SetName(tr("Colour of %1").arg(item->text(kName)));
     button->setToolTip(object.hasVertexColors ? tr("The object has its own colours, which are shown instead")
                                               : tr("Colour of %1: click to choose another one").arg(item->text(kName)));
+    button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);  // the keys stay in the list, where Space does the same
     // By the item and not by its position, which changes when objects are removed.
     connect(button, &ColorButton::ColorChosen, this,
@@ -365,7 +366,7 @@ void ObjectList::resizeEvent(QResizeEvent* event) {
 
 void ObjectList::FitNameColumn() {
     if (!m_bFitsNames || m_bInFit) return;
-    constexpr int kLetters = 16;  // of a name, at least
+    constexpr int kLetters = 20;  // of a name, at least
     const int smallest = kLetters * fontMetrics().averageCharWidth() + style()->pixelMetric(QStyle::PM_IndicatorWidth);
     const int others = header()->length() - header()->sectionSize(kName);
     m_bInFit = true;

@@ -269,17 +269,17 @@ TEST_F(ObjectListTest, KeepsTheSelectionWhenRowsAreReplaced) {
 // ---- what a row shows
 
 TEST_F(ObjectListTest, AlignsNumbersToTheRightWithSeparators) {
-    Add("/x/large.pcm", 1234567, {0, 12.25f, 0, 3.5f, 0, 0.126f});
+    Add("/x/large.pcm", 1234567, {0, 12.26f, 0, 3.5f, 0, 0.126f});
     const QLocale before;
     const QTreeWidgetItem& row = *m_list.Row(3);
     EXPECT_EQ(row.text(ObjectList::kVertices), "1,234,567");
     EXPECT_EQ(row.text(ObjectList::kTriangles), "2,469,134");
-    EXPECT_EQ(row.text(ObjectList::kSize), "12.25 × 3.50 × 0.13");
+    EXPECT_EQ(row.text(ObjectList::kSize), "12.3 × 3.5 × 0.1");
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    Add("/x/german.pcm", 1234567, {0, 12.25f, 0, 3.5f, 0, 0.126f});
+    Add("/x/german.pcm", 1234567, {0, 12.26f, 0, 3.5f, 0, 0.126f});
     QLocale::setDefault(before);
     EXPECT_EQ(m_list.Row(4)->text(ObjectList::kVertices), "1.234.567");
-    EXPECT_EQ(m_list.Row(4)->text(ObjectList::kSize), "12,25 × 3,50 × 0,13");
+    EXPECT_EQ(m_list.Row(4)->text(ObjectList::kSize), "12,3 × 3,5 × 0,1");
     for (const int column : {ObjectList::kVertices, ObjectList::kTriangles, ObjectList::kSize})
         EXPECT_TRUE(Qt::Alignment(row.textAlignment(column)).testFlag(Qt::AlignRight)) << column;
 }
