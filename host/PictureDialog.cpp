@@ -81,7 +81,7 @@ void PictureDialog::Arrange() {
     sides->addWidget(m_pHeight, 1);
     m_pWidth->setAccessibleName(tr("Width"));
     m_pHeight->setAccessibleName(tr("Height"));
-    form->addRow(tr("&Width and height:"), sides);
+    form->addRow(tr("Width and height:"), sides);
     form->addRow(m_pKeepsShape);
     form->addRow(m_pDecorations);
     form->addRow(m_pTransparent);
