@@ -1456,10 +1456,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
         <translation>Nimmt die Farben der Palette zurück; Farben, die Sie gewählt haben, bleiben</translation>
     </message>
     <message>
-        <source>Order of &amp;opening</source>
-        <translation>&amp;Reihenfolge des Öffnens</translation>
-    </message>
-    <message>
         <source>Sort the rows in the order in which the objects were opened</source>
         <translation>Sortiert die Zeilen in der Reihenfolge, in der die Objekte geöffnet wurden</translation>
     </message>
@@ -1793,6 +1789,10 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
     <message>
         <source>&amp;Objects</source>
         <translation>&amp;Objekte</translation>
+    </message>
+    <message>
+        <source>Order o&amp;f opening</source>
+        <translation>&amp;Reihenfolge des Öffnens</translation>
     </message>
 </context>
 <context>
@@ -2360,14 +2360,6 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
         <translation>&amp;Umbenennen</translation>
     </message>
     <message>
-        <source>Only the &amp;selected may move</source>
-        <translation>Nur &amp;Ausgewählte beweglich</translation>
-    </message>
-    <message>
-        <source>All &amp;others may move</source>
-        <translation>Alle &amp;anderen beweglich</translation>
-    </message>
-    <message>
         <source>&amp;No object may move</source>
         <translation>&amp;Kein Objekt beweglich</translation>
     </message>
@@ -2382,6 +2374,14 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
     <message>
         <source>Colour of %1: click to choose another one</source>
         <translation>Farbe von %1: klicken, um eine andere zu wählen</translation>
+    </message>
+    <message>
+        <source>Only the selected &amp;may move</source>
+        <translation>Nur Ausgewählte &amp;beweglich</translation>
+    </message>
+    <message>
+        <source>All o&amp;thers may move</source>
+        <translation>Alle &amp;anderen beweglich</translation>
     </message>
 </context>
 <context>
@@ -2612,10 +2612,6 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
         <translation>Höhe</translation>
     </message>
     <message>
-        <source>&amp;Width and height:</source>
-        <translation>&amp;Breite und Höhe:</translation>
-    </message>
-    <message>
         <source>&amp;Save...</source>
         <translation>&amp;Speichern...</translation>
     </message>
@@ -2626,6 +2622,10 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
     <message>
         <source>Too large: %1.</source>
         <translation>Zu groß: %1.</translation>
+    </message>
+    <message>
+        <source>Width and height:</source>
+        <translation>Breite und Höhe:</translation>
     </message>
 </context>
 <context>

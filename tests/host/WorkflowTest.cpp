@@ -1,0 +1,148 @@
+// Whole workflows of an operator, with pointer and keys, from the start of the program to what it leaves.
+#include <QImage>
+#include <QString>
+#include <QStringList>
+#include <filesystem>
+
+#include "host/OperatorFixture.h"
+
+namespace {
+
+class Workflow : public OnDesktops {
+protected:
+    /// A flat scan that fills the middle of the viewer, opened by an argument.
+    void StartWithScan(const std::string& name = "flat.pcm") {
+        m_operator->Start({Scan(name)});
+        (void)m_operator->WaitForText(QString::fromStdString(name));
+        m_operator->WaitFor("the scan in the viewer", [&] { return Middle() != kBackground; });
+        m_first = m_operator->WaitForStillPicture();
+    }
+    /// The colour in the middle of the viewer.
+    [[nodiscard]] std::uint32_t Middle() const {
+        const ScreenPoint middle = m_operator->InViewer(0.5, 0.5);
+        return Screen().Show({middle.x, middle.y, 1, 1}).At(0, 0);
+    }
+    /// Keys go to the viewer after a click on it.
+    void GiveKeyboardToViewer() const { Screen().Click(m_operator->InViewer(0.02, 0.5)); }
+    void WaitForFirstPicture() const {
+        m_operator->WaitFor("the first picture again", [&] { return m_operator->ViewerPixels() == m_first; });
+    }
+    /// Cuts a square out of the middle of the scan.
+    void CutMiddle() const {
+        GiveKeyboardToViewer();
+        Screen().Key("i");
+        (void)m_operator->WaitForText("click to add, right click to cut, Esc to cancel", TextMatch::Part);
+        for (const auto& [x, y] :
+             {std::pair(0.45, 0.45), std::pair(0.55, 0.45), std::pair(0.55, 0.55), std::pair(0.45, 0.55)})
+            Screen().Click(m_operator->InViewer(x, y));
+        Screen().Click(m_operator->InViewer(0.5, 0.5), 3);
+        m_operator->WaitFor("the hole of the cut", [&] { return Middle() == kBackground; });
+    }
+    static constexpr std::uint32_t kBackground = 0x191932;
+    ScreenShown m_first;  // of the viewer, after the start
+};
+
+TEST_P(Workflow, FilesAreOpenedByArgumentsAndByTheDialog) {
+    StartWithScan("given.pcm");
+    EXPECT_TRUE(Screen().FindWindow("given.pcm")) << "the title names the file";
+    Screen().Key("ctrl+o");
+    m_operator->AnswerFileDialog("Open scans and meshes", Scan("chosen.pcm", 5));
+    (void)m_operator->WaitForText("chosen.pcm");
+}
+
+TEST_P(Workflow, WheelAndDragsMoveTheViewAndHomeFitsIt) {
+    StartWithScan();
+    Screen().MoveTo(m_operator->InViewer(0.5, 0.5));
+    for (int notch = 0; notch < 3; ++notch) Screen().Press(4), Screen().Release(4);
+    (void)m_operator->WaitForOtherPicture(m_first);
+    Screen().Key("Home");
+    WaitForFirstPicture();
+    Screen().Drag({m_operator->InViewer(0.5, 0.5), m_operator->InViewer(0.55, 0.5), m_operator->InViewer(0.6, 0.55)},
+                  3);
+    (void)m_operator->WaitForOtherPicture(m_first);
+    Screen().Key("Home");
+    WaitForFirstPicture();
+}
+
+TEST_P(Workflow, DigitsChooseViews) {
+    StartWithScan();
+    GiveKeyboardToViewer();
+    Screen().Key("6");  // oblique
+    (void)m_operator->WaitForOtherPicture(m_first);
+    Screen().Key("4");  // from above
+    (void)m_operator->WaitForStillPicture();
+    Screen().Key("Home");
+    m_operator->WaitFor("the scan from above", [&] { return Middle() != kBackground; });
+}
+
+TEST_P(Workflow, ACutIsTakenBackSavedAndThereWhenTheFileIsOpenedAgain) {
+    StartWithScan();
+    CutMiddle();
+    Screen().Key("ctrl+z");
+    WaitForFirstPicture();
+    CutMiddle();
+    Screen().Key("ctrl+shift+s");
+    (void)m_operator->WaitForWindow("Save cuts");
+    m_operator->ClickText("Save");
+    m_operator->WaitForNoWindow("Save cuts");
+    Screen().Key("ctrl+q");
+    EXPECT_EQ(m_operator->Program().WaitForEnd(), 0);
+    m_operator->Start({File("flat.pcm")});
+    (void)m_operator->WaitForText("flat.pcm");
+    (void)m_operator->WaitForStillPicture();
+    EXPECT_EQ(Middle(), kBackground);
+    EXPECT_GT(m_operator->ObjectPixels(), 100);
+}
+
+TEST_P(Workflow, QuittingWithAnUnsavedCutAsks) {
+    StartWithScan();
+    CutMiddle();
+    Screen().Close(m_operator->MainWindow());
+    (void)m_operator->WaitForWindow("Close the window");
+    Screen().Key("Escape");
+    m_operator->WaitForNoWindow("Close the window");
+    EXPECT_TRUE(m_operator->Program().IsRunning());
+    EXPECT_EQ(Middle(), kBackground) << "the cut is still there";
+}
+
+TEST_P(Workflow, TheClipPlaneIsSwitchedByItsKey) {
+    m_operator->Start({Scan("low.pcm"), Scan("high.pcm", 20)});
+    (void)m_operator->WaitForText("high.pcm");
+    GiveKeyboardToViewer();
+    Screen().Key("2");  // from the side: both scans are lines
+    const ScreenShown both = m_operator->WaitForStillPicture();
+    Screen().Key("p");
+    (void)m_operator->WaitForOtherPicture(both);
+    Screen().Key("p");
+    m_operator->WaitFor("both scans again", [&] { return m_operator->ViewerPixels() == both; });
+}
+
+TEST_P(Workflow, ADeletedObjectComesBackByUndo) {
+    StartWithScan();
+    Screen().Click(m_operator->WaitForText("flat.pcm").Middle(), 3);
+    m_operator->ClickText("Delete");
+    (void)m_operator->WaitForText("flat.pcm deleted");
+    m_operator->WaitFor("the empty viewer", [&] { return Middle() == kBackground; });
+    Screen().Key("ctrl+z");
+    m_operator->WaitFor("the scan in the viewer", [&] { return Middle() != kBackground; });
+}
+
+TEST_P(Workflow, ThePictureOfTheViewIsSaved) {
+    StartWithScan();
+    Screen().Key("ctrl+s");
+    (void)m_operator->WaitForWindow("Save view as picture");
+    m_operator->ClickText("Save...");
+    const std::string path = File("view.png");
+    m_operator->WaitFor("the dialog for the file", [&] { return Screen().Windows().size() >= 3; });
+    Screen().Key("ctrl+a");
+    Screen().Type(path);
+    Screen().Key("Return");
+    QImage picture;
+    m_operator->WaitFor("the picture", [&] { return picture.load(QString::fromStdString(path)); });
+    EXPECT_EQ(picture.size(), QSize(m_first.width, m_first.height));
+    EXPECT_NE(picture.pixel(picture.rect().center()) & 0xFFFFFF, kBackground);
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, Workflow, testing::ValuesIn(kDesktops), NameOfDesktop);
+
+}  // namespace
