@@ -537,10 +537,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <translation>nimmt den letzten Schnitt oder das letzte Löschen zurück; gespeicherte Dateien bleiben geschnitten</translation>
     </message>
     <message>
-        <source>Sav&amp;e cuts...</source>
-        <translation>Schnitte &amp;speichern...</translation>
-    </message>
-    <message>
         <source>writes all cuts and the clip plane into the pcm files of the objects</source>
         <translation>schreibt alle Schnitte und die Schnittebene in die pcm-Dateien der Objekte</translation>
     </message>
@@ -555,6 +551,10 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     <message>
         <source>Freehand lasso: opacity of %1, from 0 invisible to 100 opaque. From the next lasso on</source>
         <translation>Freihand-Lasso: Deckkraft dessen, %1, von 0 unsichtbar bis 100 deckend. Ab dem nächsten Lasso</translation>
+    </message>
+    <message>
+        <source>Save c&amp;uts...</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -1242,10 +1242,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <translation>&amp;Ansicht</translation>
     </message>
     <message>
-        <source>&amp;Fit the view</source>
-        <translation>Ansicht &amp;einpassen</translation>
-    </message>
-    <message>
         <source>all that is shown, as large as possible</source>
         <translation>alles, was gezeigt wird, so groß wie möglich</translation>
     </message>
@@ -1417,7 +1413,7 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     </message>
     <message>
         <source>&amp;Centre in the view</source>
-        <translation>In der Ansicht &amp;zentrieren</translation>
+        <translation>In der Ansicht zentr&amp;ieren</translation>
     </message>
     <message>
         <source>Move the view to the object of the current row</source>
@@ -1446,10 +1442,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     <message>
         <source>Give each object a colour of a palette, to tell the objects apart</source>
         <translation>Gibt jedem Objekt eine Farbe einer Palette, um die Objekte zu unterscheiden</translation>
-    </message>
-    <message>
-        <source>&amp;One colour</source>
-        <translation>&amp;Eine Farbe</translation>
     </message>
     <message>
         <source>Take the colours of the palette back; colours that you have chosen stay</source>
@@ -1517,7 +1509,7 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     </message>
     <message>
         <source>Copy &amp;distance of the last two picks</source>
-        <translation>&amp;Abstand der letzten beiden Punkte kopieren</translation>
+        <translation>Abstan&amp;d der letzten beiden Punkte kopieren</translation>
     </message>
     <message>
         <source>Ca&amp;ncel the move of a point</source>
@@ -1553,7 +1545,7 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     </message>
     <message>
         <source>&amp;Remove point %1</source>
-        <translation>Punkt %1 &amp;entfernen</translation>
+        <translation>Punkt %1 ent&amp;fernen</translation>
     </message>
     <message>
         <source>&amp;Move point %1 to the next pick</source>
@@ -1793,6 +1785,14 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
     <message>
         <source>Order o&amp;f opening</source>
         <translation>&amp;Reihenfolge des Öffnens</translation>
+    </message>
+    <message>
+        <source>Fi&amp;t the view</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>One colo&amp;ur</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -2357,7 +2357,7 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
     </message>
     <message>
         <source>&amp;Rename</source>
-        <translation>&amp;Umbenennen</translation>
+        <translation>U&amp;mbenennen</translation>
     </message>
     <message>
         <source>&amp;No object may move</source>
@@ -2381,7 +2381,7 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
     </message>
     <message>
         <source>All o&amp;thers may move</source>
-        <translation>Alle &amp;anderen beweglich</translation>
+        <translation>Alle an&amp;deren beweglich</translation>
     </message>
 </context>
 <context>
