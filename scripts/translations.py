@@ -7,6 +7,7 @@ no longer in the sources, or when a translation has other placeholders than its 
 has none. lupdate is that of the Debian package qt6-l10n-tools.
 """
 import argparse
+import html
 import re
 import shutil
 import subprocess
@@ -92,6 +93,29 @@ def write_english_plurals(file):
     file.write_text(re.sub(pattern, fill, text, flags=re.DOTALL), encoding="utf-8")
 
 
+def without_mnemonic(text):
+    return html.unescape(text).replace("&", "")
+
+
+ENTRY = re.compile(r"<source>([^<]*)</source>((?:\s*<comment>[^<]*</comment>)?)\s*(<translation.*?</translation>)", re.DOTALL)
+
+
+def keep_where_a_mnemonic_moved(file, before):
+    """Gives a text of which only the mnemonic changed the translation that it had, with that one's mnemonic."""
+    had = {without_mnemonic(source): translation for source, _, translation in ENTRY.findall(before)
+           if "unfinished" not in translation and "vanished" not in translation}
+
+    def fill(match):
+        source, comment, translation = match.groups()
+        kept = had.get(without_mnemonic(source), "")
+        is_same_kind = has_mnemonic(html.unescape(source)) == has_mnemonic(html.unescape(kept))
+        if "unfinished" not in translation or not kept or not is_same_kind:
+            return match.group(0)
+        return f"<source>{source}</source>{comment}\n        {kept}"
+
+    file.write_text(ENTRY.sub(fill, file.read_text(encoding="utf-8")), encoding="utf-8")
+
+
 def check():
     found = []
     with tempfile.TemporaryDirectory() as folder:
@@ -119,7 +143,9 @@ def main():
         return
     for language in LANGUAGES:
         file = FOLDER / f"scenepane_{language}.ts"
+        before = file.read_text(encoding="utf-8") if file.exists() else ""
         update(file, language)
+        keep_where_a_mnemonic_moved(file, before)
         if language == "en":
             write_english_plurals(file)
         print(*(f"{file.name}: {fault}" for fault in faults(file)), sep="\n")
