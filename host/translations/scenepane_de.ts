@@ -554,7 +554,7 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     </message>
     <message>
         <source>Save c&amp;uts...</source>
-        <translation type="unfinished"></translation>
+        <translation>Sc&amp;hnitte speichern...</translation>
     </message>
 </context>
 <context>
@@ -1788,11 +1788,11 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
     </message>
     <message>
         <source>Fi&amp;t the view</source>
-        <translation type="unfinished"></translation>
+        <translation>Ansicht &amp;einpassen</translation>
     </message>
     <message>
         <source>One colo&amp;ur</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Eine Farbe</translation>
     </message>
 </context>
 <context>
