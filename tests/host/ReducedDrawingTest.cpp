@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QMenu>
 #include <memory>
+#include <vector>
 
 #include "Settings.h"
 #include "host/QtUnderXvfb.h"
@@ -113,6 +114,27 @@ TEST_F(ReducedDrawingTest, KnowsASlowSceneByItsLastFullFrame) {
     Draw();
     StartDrag();
     EXPECT_FALSE(Property()) << "the last full frame was quick";
+}
+
+TEST_F(ReducedDrawingTest, EachStepOfTheDragAndItsReleaseDrawOneFrame) {
+    reducing->SetSlowFrame(kEvery);
+    std::vector<bool> reduced;  // when the viewer handles the input
+    pane->SetMouseFilter([&](const MouseInput& input) {
+        reducing->See(input, true);
+        reduced.push_back(Property());
+        return false;
+    });
+    const auto framesOf = [&](const MouseInput& input) {
+        const std::uint64_t before = pane->GetFrameStatistics().count;
+        pane->SendMouse(input);
+        pane->ProcessEvents();
+        return pane->GetFrameStatistics().count - before;
+    };
+    pane->ProcessEvents();
+    EXPECT_EQ(framesOf(kPress), 0u);
+    EXPECT_EQ(framesOf(kMove), 1u);
+    EXPECT_EQ(framesOf(kRelease), 1u);
+    EXPECT_EQ(reduced, (std::vector{false, true, false})) << "the frame of the release is a full one";
 }
 
 // ---- what others see of it
