@@ -88,7 +88,7 @@ void CutToolBar::MakeCommands() {
     m_pUndo = MakeToolAction(this, "cutUndo", CutUndoIcon(), UndoText(0, 0), Qt::CTRL | Qt::Key_Z,
                              tr("takes the last cut or the last deletion back; files that were saved stay cut"));
     connect(m_pUndo, &QAction::triggered, this, &CutToolBar::UndoWanted);
-    m_pSave = MakeToolAction(this, "cutSave", CutSaveIcon(), tr("Sav&e cuts..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
+    m_pSave = MakeToolAction(this, "cutSave", CutSaveIcon(), tr("Save c&uts..."), Qt::CTRL | Qt::SHIFT | Qt::Key_S,
                              tr("writes all cuts and the clip plane into the pcm files of the objects"));
     connect(m_pSave, &QAction::triggered, this, &CutToolBar::SaveWanted);
     addActions({m_pCancel, m_pUndo, m_pSave});

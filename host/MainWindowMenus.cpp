@@ -65,7 +65,9 @@ void MainWindow::MakeMenus() {
                                     .shadows = m_pShadows,
                                     .views = m_viewActions,
                                     .drawModes = m_drawModeActions});
-    insertToolBar(m_pCutTools, m_pMainTools);
+    // The tints of the lasso, at the end of the cut tools, are used least: a narrow window hides the end.
+    insertToolBar(m_pCutTools, m_pAlignTools);
+    insertToolBar(m_pAlignTools, m_pMainTools);
     MakePaneMenu();
 }
 
@@ -109,7 +111,7 @@ void MainWindow::MakeEditMenu() {
 // The digits are the shortcuts of the views, by their position in the table.
 void MainWindow::MakeViewMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&View"));
-    m_pFit = menu->addAction(tr("&Fit the view"), this, [this] { FitView(Pane()->Methods(), 1.0f); });
+    m_pFit = menu->addAction(tr("Fi&t the view"), this, [this] { FitView(Pane()->Methods(), 1.0f); });
     m_pFit->setShortcuts({QKeySequence(Qt::Key_C), QKeySequence(Qt::Key_Home)});
     SetToolTips(*m_pFit, tr("all that is shown, as large as possible"));
     m_vViewerActions.push_back(m_pFit);

@@ -68,7 +68,7 @@ void MainWindow::MakeObjectCommands() {
     m_pColorByObject = add(tr("Colour &by object"), "colorByObject",
                            tr("Give each object a colour of a palette, to tell the objects apart"),
                            [this] { m_pColors->ColorByObject(); });
-    m_pColorAsImported = add(tr("&One colour"), "oneColor",
+    m_pColorAsImported = add(tr("One colo&ur"), "oneColor",
                              tr("Take the colours of the palette back; colours that you have chosen stay"),
                              [this] { m_pColors->ColorAsImported(); });
     m_vObjectActions.push_back(m_pColorByObject);

@@ -104,7 +104,7 @@ std::vector<ShortcutRow> ActionShortcuts(const QMainWindow& window) {
     }
     std::vector<ShortcutRow> others;
     for (const QAction* const action : window.findChildren<QAction*>()) {
-        if (action->shortcuts().isEmpty() || seen.contains(action)) continue;
+        if (action->shortcuts().isEmpty() || action->text().isEmpty() || seen.contains(action)) continue;
         others.push_back({PlaceOf(*action), QKeySequence::listToString(action->shortcuts(), QKeySequence::NativeText),
                           PlainText(action->text())});
     }

@@ -53,16 +53,17 @@ TEST_F(AppearanceTest, ChangesAnOpenWindowAndStaysForTheNextOne) {
     const QPalette desktop = m_window->palette();
     EXPECT_TRUE(MenuAction("As the desktop").isChecked());
     Trigger("Dark");
-    EXPECT_TRUE(IsDark(m_window->palette()));
+    EXPECT_TRUE(WaitUntil([&] { return IsDark(m_window->palette()); }));
     for (const QDockWidget* const dock : m_window->findChildren<QDockWidget*>())
         EXPECT_TRUE(IsDark(dock->widget()->palette())) << dock->objectName().toStdString();
     EXPECT_EQ(StoredAppearance(), Appearance::Dark);
     Show();
     EXPECT_TRUE(MenuAction("Dark").isChecked());
     Trigger("Light");
-    EXPECT_FALSE(IsDark(m_window->palette()));
+    EXPECT_TRUE(WaitUntil([&] { return !IsDark(m_window->palette()); }));
     Trigger("As the desktop");
-    EXPECT_EQ(m_window->palette().color(QPalette::Window), desktop.color(QPalette::Window));
+    EXPECT_TRUE(
+        WaitUntil([&] { return m_window->palette().color(QPalette::Window) == desktop.color(QPalette::Window); }));
     EXPECT_EQ(m_window->palette().color(QPalette::Text), desktop.color(QPalette::Text));
     EXPECT_EQ(StoredAppearance(), Appearance::Desktop);
 }

@@ -122,10 +122,18 @@ TEST_F(MainWindowMenus, MainToolsHaveTipsThatNameTheirKeys) {
 }
 
 TEST_F(MainWindowMenus, ToolBarsFitBesideEachOtherOnASmallScreen) {
-    int width = 0;
-    for (const QToolBar* const bar : m_window->findChildren<QToolBar*>()) width += bar->sizeHint().width();
-    EXPECT_LE(width, 1366);
-    EXPECT_LE(Find<QToolBar>("mainTools").sizeHint().width(), 480);
+    m_window->resize(1350, 700);
+    const auto hidden = [&] {
+        QStringList names;
+        for (const QToolBar* const bar : m_window->findChildren<QToolBar*>()) {
+            for (QAction* const action : bar->actions()) {
+                // The tints of the lasso are no actions with a text.
+                if (!action->text().isEmpty() && !bar->widgetForAction(action)->isVisible()) names << action->text();
+            }
+        }
+        return names.join(", ").toStdString();
+    };
+    EXPECT_TRUE(WaitUntil([&] { return m_window->width() == 1350 && hidden().empty(); })) << hidden();
 }
 
 TEST_F(MainWindowMenus, TheModeButtonShowsTheModeOfTheViewer) {
@@ -154,7 +162,7 @@ TEST_F(MainWindowMenus, MainToolsCanBeHidden) {
 TEST_F(MainWindowMenus, TheTableOfKeysHasEveryActionOfTheWindow) {
     std::multiset<std::string> expected, listed;
     for (const QAction* const action : m_window->findChildren<QAction*>()) {
-        if (action->shortcuts().isEmpty()) continue;
+        if (action->shortcuts().isEmpty() || action->text().isEmpty()) continue;
         QString text = QString(action->text()).remove('&');
         if (text.endsWith("...")) text.chop(3);
         expected.insert(

@@ -67,7 +67,7 @@ TEST_F(ViewMenu, HasTheViewWhereNothingIsUnderThePointer) {
 TEST_F(ViewMenu, ChoosesAViewInItsSecondMenu) {
     RightClick(Corner());
     const std::array<float, 10> before = View();
-    Xdotool("key v key Down key Return");
+    Xdotool("key i key Down key Return");
     EXPECT_TRUE(WaitUntil([&] { return View() != before; }));
 }
 
