@@ -94,7 +94,9 @@ def write_english_plurals(file):
 
 
 def without_mnemonic(text):
-    return html.unescape(text).replace("&", "")
+    """The text, and whether it has a mnemonic: a label and a menu may have the same words."""
+    text = html.unescape(text)
+    return text.replace("&", ""), has_mnemonic(text)
 
 
 ENTRY = re.compile(r"<source>([^<]*)</source>((?:\s*<comment>[^<]*</comment>)?)\s*(<translation.*?</translation>)", re.DOTALL)
@@ -107,9 +109,8 @@ def keep_where_a_mnemonic_moved(file, before):
 
     def fill(match):
         source, comment, translation = match.groups()
-        kept = had.get(without_mnemonic(source), "")
-        is_same_kind = has_mnemonic(html.unescape(source)) == has_mnemonic(html.unescape(kept))
-        if "unfinished" not in translation or not kept or not is_same_kind:
+        kept = had.get(without_mnemonic(source))
+        if "unfinished" not in translation or kept is None:
             return match.group(0)
         return f"<source>{source}</source>{comment}\n        {kept}"
 

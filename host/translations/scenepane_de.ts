@@ -1787,12 +1787,12 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
         <translation>&amp;Reihenfolge des Öffnens</translation>
     </message>
     <message>
-        <source>Fi&amp;t the view</source>
-        <translation>Ansicht &amp;einpassen</translation>
-    </message>
-    <message>
         <source>One colo&amp;ur</source>
         <translation>&amp;Eine Farbe</translation>
+    </message>
+    <message>
+        <source>Fi&amp;t the view</source>
+        <translation>Ansicht &amp;einpassen</translation>
     </message>
 </context>
 <context>
