@@ -2,7 +2,7 @@
 """Times of the window of scenepane on an X server without a window manager: from the start of the program to the first
 picture of a scan, until a burst of wheel notches has settled, and the processor time of an idle window.
 
-    bench/window_times.py start PROGRAM FILE...   # needs Xvfb; wheel and move also xdotool
+    bench/window_times.py start PROGRAM FILE...   # needs Xvfb; wheel also xdotool
     bench/window_times.py wheel PROGRAM FILE...
     bench/window_times.py idle PROGRAM FILE...
 
@@ -83,6 +83,10 @@ def main() -> None:
         fields = open(f"/proc/{process.pid}/stat", encoding="ascii").read().rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
+    def context_switches(process: subprocess.Popen) -> int:
+        with open(f"/proc/{process.pid}/status", encoding="ascii") as lines:
+            return sum(int(line.split()[1]) for line in lines if "ctxt_switches" in line)
+
     def xdotool(*words: str) -> None:
         subprocess.run(["xdotool", *words], env=environment, check=True)
 
@@ -114,12 +118,10 @@ def main() -> None:
                   f"{processor_seconds(process) - used:.1f} s of processor time")
         elif what == "idle":
             used = processor_seconds(process)
-            switches = lambda: sum(int(line.split()[1]) for line in open(f"/proc/{process.pid}/status", encoding="ascii")
-                                   if "ctxt_switches" in line)
-            before = switches()
+            before = context_switches(process)
             time.sleep(10)
             print(f"10 s without input: {processor_seconds(process) - used:.2f} s of processor time, "
-                  f"{switches() - before} context switches of the main thread")
+                  f"{context_switches(process) - before} context switches of the main thread")
     finally:
         process.kill()
         screen.server.kill()
