@@ -64,7 +64,7 @@ TEST_F(AppearanceTest, ChangesAnOpenWindowAndStaysForTheNextOne) {
     Trigger("As the desktop");
     EXPECT_TRUE(
         WaitUntil([&] { return m_window->palette().color(QPalette::Window) == desktop.color(QPalette::Window); }));
-    EXPECT_EQ(m_window->palette().color(QPalette::Text), desktop.color(QPalette::Text));
+    EXPECT_EQ(m_window->palette().color(QPalette::Text).name(), desktop.color(QPalette::Text).name());
     EXPECT_EQ(StoredAppearance(), Appearance::Desktop);
 }
 
