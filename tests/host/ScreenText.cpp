@@ -38,8 +38,8 @@ int Brightness(std::uint32_t pixel) {
 }
 
 // @param shift  of the letters to the right, part of a pixel: centred texts begin between two pixels
-Template DrawTemplate(const QString& text, double scale, TextMatch match, double shift) {
-    QFont font("Sans Serif", 9);
+Template DrawTemplate(const QString& text, double scale, TextMatch match, double shift, QFont::Weight weight) {
+    QFont font("Sans Serif", 9, weight);
     const QFontMetrics metrics(font);
     const int margin = match == TextMatch::Whole ? 5 : 0;  // a space is narrower
     const QSizeF size(metrics.boundingRect(QRect(), Qt::TextShowMnemonic, text).width() + 2 * margin + 2,
@@ -141,9 +141,12 @@ std::optional<ScreenArea> FindText(const ScreenShown& shown, const QString& text
     for (qsizetype i = 0; match == TextMatch::Whole && i < text.size(); ++i) {
         if (text[i].isLetterOrNumber()) forms << QString(forms.front()).insert(i, '&');
     }
-    for (const QString& form : forms) {
-        for (const double shift : {0.0, 0.5, 0.25, 0.75}) {
-            if (const auto place = FindTemplate(gray, DrawTemplate(form, scale, match, shift))) return place;
+    for (const QFont::Weight weight : {QFont::Normal, QFont::Bold}) {
+        for (const QString& form : forms) {
+            for (const double shift : {0.0, 0.5, 0.25, 0.75}) {
+                const Template wanted = DrawTemplate(form, scale, match, shift, weight);
+                if (const auto place = FindTemplate(gray, wanted)) return place;
+            }
         }
     }
     return std::nullopt;
