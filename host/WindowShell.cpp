@@ -106,11 +106,13 @@ void WindowShell::Restore() {
     }
     m_firstPanes = m_window.saveState(kPanesVersion);
     const WindowState stored = StoredWindow();
-    if (!stored.panes.isEmpty() && m_window.restoreState(stored.panes, kPanesVersion)) {
+    const bool hasPanes = !stored.panes.isEmpty() && m_window.restoreState(stored.panes, kPanesVersion);
+    if (hasPanes) {
         for (QDockWidget* const pane : Panes())
             if (stored.openedByWindow.contains(pane->objectName())) pane->hide();
     }
     Place(stored.place);
+    m_bNarrowsPanes = m_bNarrowsPanes || !hasPanes;
     if (stored.maximized) m_window.setWindowState(Qt::WindowMaximized);
 }
 

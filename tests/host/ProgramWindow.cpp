@@ -5,10 +5,12 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 
 #include "support/Wait.h"
 
@@ -145,7 +147,7 @@ ScreenRect ProgramWindow::WorkArea() const {
 }
 
 int ProgramWindow::Close() {
-    {
+    const auto ask = [&] {
         const Connection connection = Open(m_display);
         Display* const display = connection.get();
         XEvent event{};
@@ -156,6 +158,10 @@ int ProgramWindow::Close() {
         event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
         event.xclient.data.l[1] = CurrentTime;
         XSendEvent(display, m_window, False, NoEventMask, &event);
-    }
+        XSync(display, False);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    };
+    // Again and again: a window that is just being shown drops the first message.
+    if (!WaitUntil([&] { return !m_process.IsRunning(); }, ask)) return -1;
     return m_process.WaitForEnd().value_or(-1);
 }
