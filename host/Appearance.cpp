@@ -62,6 +62,8 @@ const Shades& DarkShades() {
     return shades;
 }
 
+const QColor kDarkOutline(0xB0, 0xB4, 0xBA);
+
 /// The style that the program was started with.
 const QString& StyleOfDesktop() {
     static const QString name = QApplication::style()->name();
@@ -80,7 +82,14 @@ void ShowAppearance(Appearance appearance) {
     const QPalette palette = appearance == Appearance::Desktop ? QPalette()  // Qt then has that of the desktop
                              : appearance == Appearance::Dark  ? PaletteOf(DarkShades())
                                                                : PaletteOf(LightShades());
-    QApplication::setPalette(palette);
+    QApplication::setPalette(palette);  // also for the classes below
+    if (appearance == Appearance::Dark) {
+        // The style outlines check marks in a darker shade of the window, which nobody sees on a dark ground.
+        QPalette outlined = palette;
+        outlined.setColor(QPalette::Window, kDarkOutline);
+        for (const char* const name : {"QCheckBox", "QRadioButton", "QTreeView"})
+            QApplication::setPalette(outlined, name);
+    }
     // Tips have a palette of their own.
     QToolTip::setPalette(appearance == Appearance::Desktop ? QPalette() : palette);
 }
