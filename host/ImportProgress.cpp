@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kTextCharacters = 36, kBarWidth = 120;  // the latter in pixels
+constexpr int kTextCharacters = 48, kBarWidth = 120;  // the latter in pixels
 
 /// One width for all texts: a text that is painted at once must not wait for another layout. It can be squeezed.
 class ProgressText : public QLabel {
