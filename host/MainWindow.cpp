@@ -71,10 +71,10 @@ MainWindow::~MainWindow() {
     m_pColors->SetViewer(nullptr);
     m_pObjectCommands->SetViewer(nullptr);
     m_pClip->SetViewer(nullptr);
+    m_pDeletions->SetViewer(nullptr);
     m_pCuts->SetViewer(nullptr);
     m_pAligns->SetViewer(nullptr);
     m_pTransforms->SetViewer(nullptr);
-    m_pDeletions->SetViewer(nullptr);
     if (m_pProperties != nullptr) m_pProperties->SetViewer(nullptr);
     StorePropertiesIfChanged();
     StoreClipIfChanged();

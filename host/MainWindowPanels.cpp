@@ -114,6 +114,7 @@ void MainWindow::MakeDocks() {
 
 void MainWindow::PassViewerToPanels() {
     KV_ScenePane::_DKV_ScenePane* const methods = Pane() != nullptr ? &Pane()->Methods() : nullptr;
+    m_pDeletions->SetViewer(Pane());   // before the cuts, whose end asks it what undo does
     m_pTransforms->SetViewer(Pane());  // first: it follows what the others change
     m_pDecorations->SetViewer(methods);
     m_pLogo->SetViewer(methods);
@@ -124,7 +125,6 @@ void MainWindow::PassViewerToPanels() {
     m_pClip->SetViewer(Pane());
     m_pCuts->SetViewer(Pane());
     m_pAligns->SetViewer(Pane());
-    m_pDeletions->SetViewer(Pane());
     if (m_pProperties != nullptr) m_pProperties->SetViewer(methods);
     m_pEvents->setEnabled(methods != nullptr);
     m_pPicks->setEnabled(methods != nullptr);

@@ -45,16 +45,14 @@ protected:
     [[nodiscard]] std::string StatusText() const { return m_window->statusBar()->currentMessage().toStdString(); }
     [[nodiscard]] std::string UndoText() const { return Tool("cutUndo").text().remove('&').toStdString(); }
     [[nodiscard]] int Steps() const { return m_window->Pane()->GetUndoStepCount(); }
-    [[nodiscard]] int Vertices(int row) const {
-        return m_window->Objects().topLevelItem(row)->text(ObjectList::kVertices).toInt();
-    }
+    [[nodiscard]] int Vertices(int object) const { return m_window->Objects().VerticesOf(object); }
     /// The list has the numbers of the viewer.
     void ExpectListOfTheViewer() const {
         ASSERT_EQ(m_window->Objects().topLevelItemCount(), ObjectsInViewer());
         for (std::int16_t i = 0; i < ObjectsInViewer(); ++i) {
             const ObjectReport report = ReportObject(*m_window->Pane(), i, "");
             EXPECT_EQ(Vertices(i), report.vertices) << i;
-            EXPECT_EQ(m_window->Objects().topLevelItem(i)->text(ObjectList::kTriangles).toInt(), report.triangles) << i;
+            EXPECT_EQ(m_window->Objects().TrianglesOf(i), report.triangles) << i;
         }
     }
 
