@@ -1,7 +1,6 @@
 // The four parts of an embedding: a native widget, the viewer as a child of its window, a notifier on the descriptor of
 // the viewer, and the size of the widget passed on.
 #include "ViewerWidget.h"
-#include "TranslatedText.h"
 
 #include <poll.h>
 #include <xcb/xcb.h>
@@ -18,6 +17,7 @@
 
 #include "AboutDialog.h"
 #include "CaughtError.h"
+#include "TranslatedText.h"
 
 namespace {
 
@@ -154,6 +154,7 @@ void ViewerWidget::Open() {
 }
 
 bool ViewerWidget::FilterMouse(const MouseInput& input) {
+    emit InputArrived(input);
     if (m_bTakesPresses) {
         if (input.kind != MouseInput::Kind::DoubleClick) return false;
         const bool picks = (input.flags & KV_ScenePane::kMouseCtrl) == 0;  // Ctrl drags the view
@@ -167,7 +168,8 @@ bool ViewerWidget::FilterMouse(const MouseInput& input) {
     if (const std::optional<QPoint> pixel = m_rightClicks.See(input, kClickSlack * devicePixelRatioF()))
         emit RightClicked(*pixel);
     const bool isPlain = (input.flags & (KV_ScenePane::kMouseCtrl | KV_ScenePane::kMouseShift)) == 0;
-    if (const std::optional<QPoint> pixel = m_leftClicks.See(input, kClickSlack * devicePixelRatioF()); pixel && isPlain)
+    if (const std::optional<QPoint> pixel = m_leftClicks.See(input, kClickSlack * devicePixelRatioF());
+        pixel && isPlain)
         emit LeftClicked(*pixel);
     // A double click comes as another kind of input, and may come before the pick of a press that is delayed.
     if (input.kind == MouseInput::Kind::LeftDown) m_bPressHasPicked = false;
