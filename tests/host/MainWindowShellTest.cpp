@@ -97,8 +97,9 @@ TEST_F(MainWindowShell, PanesThatTheWindowHasOpenedStartClosedAndThoseOfTheUserO
 TEST_F(MainWindowShell, HidingAllPanesAndBackRestoresThemAtTheirSizes) {
     Show();
     Dock("events").toggleViewAction()->trigger();
-    m_window->resizeDocks({&Dock("objects")}, {333}, Qt::Horizontal);
-    ASSERT_TRUE(WaitUntil([&] { return Dock("objects").width() == 333; }));
+    const int wide = Dock("objects").width() + 50;
+    m_window->resizeDocks({&Dock("objects")}, {wide}, Qt::Horizontal);
+    ASSERT_TRUE(WaitUntil([&] { return Dock("objects").width() == wide; }));
     const std::vector<std::string> open = OpenDocks();
     const int viewer = m_window->centralWidget()->width();
     Switch("hidePanes");
@@ -110,7 +111,7 @@ TEST_F(MainWindowShell, HidingAllPanesAndBackRestoresThemAtTheirSizes) {
     EXPECT_FALSE(Dock("messages").isHidden());
     Dock("messages").close();
     EXPECT_EQ(OpenDocks(), open);
-    EXPECT_TRUE(WaitUntil([&] { return Dock("objects").width() == 333; }));
+    EXPECT_TRUE(WaitUntil([&] { return Dock("objects").width() == wide; }));
     EXPECT_TRUE(WaitUntil([&] { return m_window->centralWidget()->width() == viewer; }));
 }
 
