@@ -55,7 +55,7 @@ LogoPanel::LogoPanel(QWidget* parent)
     auto* const form = new QFormLayout(this);
     form->addRow(open, m_pFile);
     form->addRow(tr("Place:"), MakeAnchors());
-    form->addRow(tr("&Margin:"), m_pMargin);
+    form->addRow(tr("Mar&gin:"), m_pMargin);
     form->addRow(m_pVisible);
     Place();
     setEnabled(false);

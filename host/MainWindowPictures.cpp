@@ -56,7 +56,8 @@ void MainWindow::MakePictureActions(QMenu& menu) {
 void MainWindow::MakeSamplesMenu(QMenu& menu) {
     auto* const group = new QActionGroup(this);
     for (const int samples : kSampleCounts) {
-        QAction* const action = menu.addAction(samples == 0 ? tr("Off") : tr("%1 samples per pixel").arg(samples));
+        QAction* const action =
+            menu.addAction(samples == 0 ? tr("No smoothing") : tr("%1 samples per pixel").arg(samples));
         action->setObjectName(QStringLiteral("samples%1").arg(samples));
         action->setCheckable(true);
         action->setChecked(samples == StoredSamples());
