@@ -105,10 +105,12 @@ Desktop::Desktop(const std::string& display) : m_pX(std::make_unique<Connection>
 
 Desktop::~Desktop() { XCloseDisplay(m_pX->display); }
 
-ScreenShown Desktop::Show() const {
+ScreenArea Desktop::WholeScreen() const {
     Display* const d = m_pX->display;
-    return Show({0, 0, DisplayWidth(d, DefaultScreen(d)), DisplayHeight(d, DefaultScreen(d))});
+    return {0, 0, DisplayWidth(d, DefaultScreen(d)), DisplayHeight(d, DefaultScreen(d))};
 }
+
+ScreenShown Desktop::Show() const { return Show(WholeScreen()); }
 
 ScreenShown Desktop::Show(const ScreenArea& area) const {
     XImage* const image = XGetImage(m_pX->display, m_pX->root, area.x, area.y, static_cast<unsigned>(area.width),

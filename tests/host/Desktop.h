@@ -51,6 +51,7 @@ public:
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
+    [[nodiscard]] ScreenArea WholeScreen() const;
     [[nodiscard]] ScreenShown Show() const;
     [[nodiscard]] ScreenShown Show(const ScreenArea& area) const;
 

@@ -80,7 +80,12 @@ DesktopWindow Operator::MainWindow() const {
     throw std::runtime_error("there is no main window");
 }
 
-ScreenArea Operator::Viewer() const { return *m_desktop.ViewerIn(MainWindow()); }
+ScreenArea Operator::Viewer() const {
+    const ScreenArea area = *m_desktop.ViewerIn(MainWindow()), screen = m_desktop.WholeScreen();
+    const int left = std::max(area.x, 0), right = std::min(area.x + area.width, screen.width);
+    const int top = std::max(area.y, 0), bottom = std::min(area.y + area.height, screen.height);
+    return {left, top, right - left, bottom - top};
+}
 
 ScreenPoint Operator::InViewer(double x, double y) const {
     const ScreenArea area = Viewer();

@@ -41,6 +41,7 @@ public:
     DesktopWindow WaitForWindow(const std::string& title) const;
     void WaitForNoWindow(const std::string& title) const;
     [[nodiscard]] DesktopWindow MainWindow() const;
+    /// The part of the viewer that is on the screen.
     [[nodiscard]] ScreenArea Viewer() const;
     /// A point of the viewer: 0, 0 is its upper left corner, 1, 1 its lower right one.
     [[nodiscard]] ScreenPoint InViewer(double x, double y) const;

@@ -38,8 +38,11 @@ void ClickViewer(const Operator& user) { user.Screen().Click(user.InViewer(0.02,
 void DrawLasso(Operator& user) {
     ClickViewer(user);
     user.Screen().Key("i");
-    for (const auto& [x, y] : {std::pair(0.4, 0.35), std::pair(0.55, 0.3), std::pair(0.65, 0.45), std::pair(0.5, 0.6)})
+    for (const auto& [x, y] :
+         {std::pair(0.4, 0.35), std::pair(0.55, 0.3), std::pair(0.65, 0.45), std::pair(0.5, 0.6)}) {
         user.Screen().Click(user.InViewer(x, y));
+        (void)user.WaitForStillPicture();  // the corner is drawn
+    }
 }
 
 void PickTwoPoints(Operator& user) {
