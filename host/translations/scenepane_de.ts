@@ -738,10 +738,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <translation>Platz:</translation>
     </message>
     <message>
-        <source>&amp;Margin:</source>
-        <translation>&amp;Rand:</translation>
-    </message>
-    <message>
         <source>%1: no logo: %2</source>
         <translation>%1: kein Logo: %2</translation>
     </message>
@@ -752,6 +748,10 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     <message>
         <source>Open image</source>
         <translation>Bild öffnen</translation>
+    </message>
+    <message>
+        <source>Mar&amp;gin:</source>
+        <translation>&amp;Rand:</translation>
     </message>
 </context>
 <context>
@@ -1580,10 +1580,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
         <translation>was das Fenster zeigt, wie zuletzt unter Ansicht als Bild speichern gewählt</translation>
     </message>
     <message>
-        <source>Off</source>
-        <translation>Aus</translation>
-    </message>
-    <message>
         <source>%1 samples per pixel</source>
         <translation>%1 Abtastungen je Pixel</translation>
     </message>
@@ -1793,6 +1789,10 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
     <message>
         <source>Fi&amp;t the view</source>
         <translation>Ansicht &amp;einpassen</translation>
+    </message>
+    <message>
+        <source>No smoothing</source>
+        <translation>Keine Glättung</translation>
     </message>
 </context>
 <context>
