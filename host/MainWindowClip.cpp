@@ -73,5 +73,6 @@ void MainWindow::ReportClip(const QString& text) {
 
 void MainWindow::ReportViewerFailure(const QString& reason) {
     ReportClip(tr("The viewer could not finish what was asked for: %1").arg(reason));
+    m_pMessages->PointOut();
     if (Pane() != nullptr) Pane()->Methods().PerformInvalidate();
 }

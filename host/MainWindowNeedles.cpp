@@ -8,6 +8,8 @@
 #include "MessagePane.h"
 #include "NeedleFile.h"
 #include "NeedlePanel.h"
+#include "RecentFiles.h"
+#include "TranslatedText.h"
 #include "ViewerWidget.h"
 
 namespace {
@@ -72,16 +74,19 @@ bool MainWindow::AskAboutNeedles() {
 
 bool MainWindow::AskForNeedleFileToSave() {
     // Not getSaveFileName(), which has no default suffix.
-    QFileDialog dialog(this, tr("Save needles"), {}, tr(kFilter));
+    QFileDialog dialog(this, tr("Save needles"), StoredFolder(FolderUse::Needles), tr(kFilter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix("json");
     dialog.selectFile(tr("needles.json"));
     if (dialog.exec() != QDialog::Accepted) return false;
+    StoreFolderOf(FolderUse::Needles, dialog.selectedFiles().constFirst());
     return SaveNeedles(QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString());
 }
 
 void MainWindow::AskForNeedleFileToLoad() {
-    const QString file = QFileDialog::getOpenFileName(this, tr("Load needles"), {}, tr(kFilter));
+    const QString file =
+        QFileDialog::getOpenFileName(this, tr("Load needles"), StoredFolder(FolderUse::Needles), tr(kFilter));
+    StoreFolderOf(FolderUse::Needles, file);
     if (!file.isEmpty()) (void)LoadNeedles(QFile::encodeName(file).toStdString());
 }
 
@@ -99,7 +104,8 @@ bool MainWindow::SaveNeedles(const std::string& path) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportNeedles(tr("%1: not written: %2").arg(file, QString::fromStdString(reason)));
+    ReportNeedles(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
+    m_pMessages->PointOut();
     return false;
 }
 
@@ -120,7 +126,8 @@ bool MainWindow::LoadNeedles(const std::string& path, std::string* failure) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportNeedles(tr("%1: no needles added: %2").arg(file, QString::fromStdString(reason)));
+    ReportNeedles(tr("%1: no needles added: %2").arg(file, TranslatedText(reason)));
+    m_pMessages->PointOut();
     if (failure != nullptr) *failure = reason;
     return false;
 }
