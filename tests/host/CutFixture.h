@@ -2,6 +2,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <QDockWidget>
 #include <QLabel>
 #include <QSettings>
 #include <QStatusBar>
@@ -60,8 +61,13 @@ protected:
         return At(
             m_viewer->mapToGlobal(QPointF(corner.x() * m_viewer->width(), corner.y() * m_viewer->height()).toPoint()));
     }
-    /// Gives the keyboard to a widget of the window by a click near its left edge.
+    /// Gives the keyboard to a widget of the window by a click near its left edge. Its pane is opened before.
     void ClickOn(QWidget& widget) const {
+        for (QWidget* above = &widget; above != nullptr; above = above->parentWidget()) {
+            auto* const pane = qobject_cast<QDockWidget*>(above);
+            if (pane != nullptr && pane->isHidden()) pane->toggleViewAction()->trigger();
+        }
+        ASSERT_TRUE(WaitUntil([&] { return !widget.visibleRegion().isEmpty(); }));
         Xdotool("mousemove " + At(widget.mapToGlobal(QPoint(15, widget.height() / 2))) + " click 1");
         ASSERT_TRUE(WaitUntil([&] { return FocusedWindow() != m_window->Pane()->NativeWindow(); }));
     }

@@ -4,6 +4,7 @@
 
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
+#include "MessageTable.h"
 #include "host/ScanFiles.h"
 
 namespace {
@@ -13,7 +14,7 @@ TEST(LastPcmReason, IsThatOfTheLastLoadOnThisThread) {
     MsrStorage::MSR scan;
     for (const DamagedPcm& file : WriteDamagedPcms(folder)) {
         EXPECT_FALSE(scan.Load(KV_ScenePane::WidePath(file.path).c_str(), false, true, false));
-        EXPECT_EQ(LastPcmReason(), file.reason);
+        EXPECT_EQ(PlainWords(LastPcmReason()), file.reason);
     }
 }
 

@@ -30,8 +30,8 @@ const Case kCases[] = {
     {"Opaque", 0xFF123456, 0xFF123456, 0xFF123456},
     {"OpaqueBlack", 0xFF000000, 0xFF000000, 0xFF000000},
     {"OpaqueWhite", 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF},
-    // 128 of 255 is added by the white: a = 127 / 255; black / a.
-    {"HalfOfOrange", 0xFF7F4020, 0xFFFFC0A0, 0x7FFF8040},
+    // 128 of 255 is added by the white: a = 127 / 255; black / a: 64 / a is 128.5039.
+    {"HalfOfOrange", 0xFF7F4020, 0xFFFFC0A0, 0x7FFF8140},
     {"HalfOfBlack", 0xFF000000, 0xFF808080, 0x7F000000},
     {"ALittle", 0xFF010101, 0xFFFFFFFF, 0x01FFFFFF},
     // Roundings of one step in single channels.
