@@ -73,8 +73,8 @@ public:
 
 private:
     const DesktopKind m_kind;
-    const std::map<std::string, std::string> m_environment;
     const ScratchFolder m_folder, m_settings;
+    const std::map<std::string, std::string> m_environment;
     const XvfbServer m_server;
     const WindowManager m_manager;
     const Desktop m_desktop;
