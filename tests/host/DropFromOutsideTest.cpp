@@ -60,7 +60,7 @@ TEST_P(DropFromOutside, DuringAnImportAddsTheFilesAfterIt) {
     std::vector<std::string> many;
     for (int i = 0; i < 4; ++i) {
         many.push_back(File("many" + std::to_string(i) + ".pcm"));
-        WritePcm(many.back(), 1200, 1200, static_cast<float>(i));
+        WritePcm(many.back(), 600, 600, static_cast<float>(i));
     }
     m_operator->Start(many);
     DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.9));
@@ -71,7 +71,7 @@ TEST_P(DropFromOutside, DuringAnImportAddsTheFilesAfterIt) {
 TEST_P(DropFromOutside, DuringAnAlignmentWaitsForItsEnd) {
     m_operator->Start({Scan("back.pcm"), Scan("front.pcm", 10)});
     m_operator->ClickText("front.pcm");
-    m_operator->Choose({"Align", "Align by hand"});
+    m_operator->Choose({"Tools", "Align", "Align by hand"});
     DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.5));
     EXPECT_FALSE(m_operator->Shows("late.pcm"));
     Screen().Key("Escape");

@@ -6,7 +6,9 @@ namespace {
 TEST(WindowLanguage, IsGermanWhereTheUserIs) {
     for (const auto& [name, value] :
          {std::pair("LANG", "de_DE.UTF-8"), std::pair("LANG", "de_AT.UTF-8"), std::pair("LANGUAGE", "de")}) {
-        Operator user(kDesktops[0], {{"LC_ALL", ""}, {"LANG", "en_US.UTF-8"}, {name, value}});
+        std::map<std::string, std::string> environment{{"LC_ALL", ""}, {"LANG", "en_US.UTF-8"}};
+        environment[name] = value;
+        Operator user(kDesktops[0], environment);
         user.Start();
         for (const char* const menu : {"Datei", "Bearbeiten", "Ansicht", "Werkzeuge", "Hilfe"})
             (void)user.WaitForText(menu);
