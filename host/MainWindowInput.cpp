@@ -174,6 +174,9 @@ void MainWindow::ReservePlainKeysForInputs() {
     for (QWidget* const widget : findChildren<QWidget*>()) {
         if (IsInput(widget)) widget->installEventFilter(this);
     }
+    // A held key: each repeat would draw a frame, also those that waited for a slow one. Neither Qt nor the viewer's
+    // widget passes them to an action.
+    for (QAction* const action : findChildren<QAction*>()) action->setAutoRepeat(false);
     // At the start the keys go to the viewer. Qt would choose the first input in the tab order.
     m_pViewer->setFocus();
 }

@@ -23,6 +23,8 @@ namespace {
 
 using KV_ScenePane::MouseInput;
 
+constexpr std::int32_t kKeyWasDown = 1 << 14;  // of CustomKeyDown's flags: the press is a repeat of a held key
+
 /// Whether the viewer may place its clip plane at the data by this.
 bool AsksForClipPlacement(const MouseInput& input) {
     const bool isItsButton = input.kind == MouseInput::Kind::DoubleClick || input.kind == MouseInput::Kind::MiddleDown;
@@ -72,6 +74,7 @@ void ViewerWidget::CustomKeyDown(std::int32_t nChar, std::int32_t nRepCnt, std::
     EventFormatter::CustomKeyDown(nChar, nRepCnt, nFlags);
     // The event comes some time after the press: modifiers may have been released since.
     m_held.Press(nChar);
+    if ((nFlags & kKeyWasDown) != 0) return;
     emit KeyPressed(nChar, m_held.With(QGuiApplication::queryKeyboardModifiers()));
 }
 

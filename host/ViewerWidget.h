@@ -46,7 +46,8 @@ signals:
     void AboutToClose();
     /// An event of the viewer, as one line; emitted during the call or the input that caused it.
     void EventFired(const QString& line);
-    /// A key went down while the viewer had the keyboard. @param key  a key code of the viewer's events
+    /// A key went down while the viewer had the keyboard; not for its repeats while it is held. @param key  a key code
+    /// of the viewer's events
     void KeyPressed(int key, Qt::KeyboardModifiers modifiers);
     // The events about needles, during the call or the input that caused them, after their line.
     void NeedleWasCreated(int id);

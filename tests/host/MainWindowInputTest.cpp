@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QSlider>
 #include <QSpinBox>
 #include <cmath>
@@ -178,6 +180,56 @@ TEST_F(MainWindowTyping, ChangesTheViewOnceTheViewerWasClickedInstead) {
 TEST_F(MainWindowTyping, ChangesTheViewRightAfterTheStart) {
     Xdotool("mousemove " + At(OverNothing()) + " key 3");
     ExpectView({0, -1, 0, 0, 0, 1, 0, 0, 0});
+}
+
+// ---- held keys
+
+TEST_F(MainWindowInput, RunsAShortcutOnceWhileItsKeyIsHeld) {
+    constexpr std::int32_t kWasDown = 1 << 14;
+    int toggled = 0;
+    const QAction* shadow = nullptr;
+    for (const QAction* const action : m_window->findChildren<QAction*>()) {
+        if (action->shortcut() == QKeySequence("S")) shadow = action;
+    }
+    ASSERT_NE(shadow, nullptr);
+    QObject::connect(shadow, &QAction::triggered, m_window.get(), [&] { ++toggled; });
+    for (int press = 0; press < 20; ++press)
+        m_window->Pane()->SendKey({.nChar = 'S', .nFlags = press == 0 ? 0 : kWasDown});
+    m_window->Pane()->SendKey({.isDown = false, .nChar = 'S', .nFlags = kWasDown});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(toggled, 1);
+    m_window->Pane()->SendKey({.nChar = 'S'});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(toggled, 2) << "pressed again";
+    EXPECT_FALSE(shadow->autoRepeat()) << "nor by Qt, while another widget has the keyboard";
+}
+
+// ---- nothing to do
+
+/// Counts the timers that fire.
+class TimerCount : public QObject {
+public:
+    TimerCount() { QCoreApplication::instance()->installEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Timer) fired << watched->metaObject()->className();
+        return false;
+    }
+    QStringList fired;
+};
+
+TEST_F(MainWindowInput, IsIdleWhenNothingHappens) {
+    Import(ManyPcms(1));
+    const auto run = [](int ms) {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+    };
+    run(500);  // what follows an import
+    const std::uint64_t frames = m_window->Pane()->GetFrameStatistics().count;
+    const TimerCount timers;
+    run(500);
+    EXPECT_EQ(m_window->Pane()->GetFrameStatistics().count, frames);
+    EXPECT_EQ(timers.fired.join(' ').toStdString(), "");
 }
 
 }  // namespace
