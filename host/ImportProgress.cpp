@@ -55,6 +55,18 @@ void ImportProgress::Begin(int steps) {
 }
 
 void ImportProgress::ShowText(const QString& text) {
+    m_strText = text;
+    ShowShortened(text);
+}
+
+void ImportProgress::Interrupt(const QString& text) {
+    ShowShortened(text);
+    PaintNow();
+}
+
+void ImportProgress::Resume() { ShowShortened(m_strText); }
+
+void ImportProgress::ShowShortened(const QString& text) {
     const QString shown = m_pText->fontMetrics().elidedText(text, Qt::ElideMiddle, m_pText->sizeHint().width());
     m_pText->setText(shown);
     m_pText->setToolTip(shown == text ? QString() : PlainToolTip(text));

@@ -17,6 +17,10 @@ public:
     /// @param text  shortened in the middle when it is long
     void ShowText(const QString& text);
     void SetValue(int value);
+    /// Shows and paints another text for work that blocks the thread, until Resume() or the next ShowText().
+    void Interrupt(const QString& text);
+    /// Shows the text before Interrupt() again.
+    void Resume();
     /// Paints what was changed, for work that blocks the thread.
     void PaintNow();
     /// Hides itself.
@@ -27,6 +31,9 @@ signals:
     void Cancelled();
 
 private:
+    void ShowShortened(const QString& text);
+
+    QString m_strText;
     QLabel* m_pText = nullptr;
     QProgressBar* m_pBar = nullptr;
 };

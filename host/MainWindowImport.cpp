@@ -140,11 +140,17 @@ void MainWindow::MakePreparation() {
     connect(m_pPreparation, &ScenePreparation::Shown, m_pObjects,
             [this](int index) { m_pObjects->ShowVisible(index, true); });
     connect(m_pPreparation, &ScenePreparation::AboutToDraw, this, [this] {
-        if (IsReading()) return;  // which has a progress of its own
+        if (IsReading()) {  // the bar counts files
+            m_pProgress->Interrupt(tr("Preparing the picture"));
+            return;
+        }
         const int drawn = m_pPreparation->DrawnCount(), count = m_pPreparation->Count();
         m_pProgress->ShowText(tr("Preparing the picture: %1 of %2 objects").arg(drawn).arg(count));
         m_pProgress->SetValue(drawn);
         m_pProgress->PaintNow();
+    });
+    connect(m_pPreparation, &ScenePreparation::Drawn, this, [this] {
+        if (IsReading()) m_pProgress->Resume();
     });
     connect(m_pPreparation, &ScenePreparation::Failed, this, &MainWindow::ReportViewerFailure);
     connect(m_pPreparation, &ScenePreparation::Finished, this, &MainWindow::OnPicturePrepared);

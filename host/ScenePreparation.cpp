@@ -69,6 +69,7 @@ void ScenePreparation::Pass() {
     m_nDrawn = ShownCount();
     if (m_fit) m_fit->Remember(m_pane.Methods());
     m_bGivenUp = m_bGivenUp || !drawn;
+    emit Drawn();
     if (m_bComplete && (m_bGivenUp || m_waiting.empty()))
         Finish();
     else

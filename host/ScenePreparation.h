@@ -52,6 +52,8 @@ signals:
     void Shown(int index);
     /// A frame will be drawn, which blocks the thread.
     void AboutToDraw();
+    /// The frame was drawn, or has failed.
+    void Drawn();
     /// A frame was not drawn. What waits stays hidden. @param reason  one line
     void Failed(const QString& reason);
     /// After ShowRest() and the last frame, or the end by a failure, Cancel() or Stop(). Emitted exactly once.

@@ -42,7 +42,7 @@ protected:
             const QString text = Find<QLabel>("importText").text();
             Frame frame{.visibleObjects = preparation->ShownCount(),
                         .drawnBefore = preparation->DrawnCount(),
-                        .isReading = text.startsWith("Reading "),
+                        .isReading = text == "Preparing the picture",  // the rest is counted
                         .text = text,
                         .value = bar.value(),
                         .steps = bar.maximum()};
@@ -121,8 +121,19 @@ TEST_F(MainWindowImport, ShowsTheFirstObjectWhileOtherFilesAreRead) {
     Start(ManyPcms(40));
     WaitForImports();
     EXPECT_TRUE(m_frames.front().isReading);
-    EXPECT_EQ(m_frames.front().text.left(8), "Reading ");
     EXPECT_FALSE(m_frames.back().isReading);
+}
+
+TEST_F(MainWindowImport, NamesTheFilesAgainAfterAFrameWhileTheyAreRead) {
+    std::vector<QString> texts;
+    Start(ManyPcms(40));
+    const auto* const preparation = m_window->findChild<ScenePreparation*>();
+    QObject::connect(preparation, &ScenePreparation::Drawn, m_window.get(),
+                     [&] { texts.push_back(Find<QLabel>("importText").text()); });
+    WaitForImports();
+    ASSERT_FALSE(texts.empty());
+    EXPECT_EQ(m_frames.front().text, "Preparing the picture");
+    EXPECT_EQ(texts.front().left(8), "Reading ") << texts.front().toStdString();
 }
 
 TEST_F(MainWindowImport, NeverShowsAFullBarDuringAFrame) {
