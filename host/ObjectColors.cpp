@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "ObjectList.h"
 #include "ObjectPalette.h"
@@ -18,7 +17,7 @@ void ObjectColors::AddImported(ObjectReport object, bool tellsApart) {
     m_pViewer->Methods().SetObjectColor(static_cast<std::int16_t>(object.index), object.color);
     m_objects.AddObject(object);
     m_own[m_objects.IdOf(object.index)] = own;
-    if (isScanApart) SetByObject(true);
+    if (isScanApart) m_bByObject = true;
 }
 
 void ObjectColors::Choose(int index, std::int32_t packed) {
@@ -31,7 +30,7 @@ void ObjectColors::ColorByObject() {
     for (const int index : m_objects.PresentObjects()) {
         if (!m_objects.HasVertexColors(index)) Show(index, PaletteColor(position++));
     }
-    SetByObject(true);
+    m_bByObject = true;
 }
 
 void ObjectColors::ColorAsImported() {
@@ -39,22 +38,18 @@ void ObjectColors::ColorAsImported() {
         const auto own = m_own.find(m_objects.IdOf(index));
         if (own != m_own.end()) Show(index, own->second);
     }
-    SetByObject(false);
+    m_bByObject = false;
 }
 
 void ObjectColors::OnSceneCleared() {
     m_own.clear();
-    SetByObject(false);
+    m_bByObject = false;
 }
 
 void ObjectColors::Show(int index, std::int32_t packed) {
     if (m_pViewer == nullptr) return;
     m_pViewer->Methods().SetObjectColor(static_cast<std::int16_t>(index), packed);
     m_objects.ShowColor(index, packed);
-}
-
-void ObjectColors::SetByObject(bool on) {
-    if (std::exchange(m_bByObject, on) != on) emit Changed();
 }
 
 std::int32_t ObjectColors::FreeColor() const {

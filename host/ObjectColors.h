@@ -27,27 +27,20 @@ public:
 
     /// The user has chosen a colour.
     void Choose(int index, std::int32_t packed);
-    /// Gives each object another colour of the palette.
+    /// Gives each object another colour of the palette, and scans of later imports, too.
     void ColorByObject();
     /// Takes the colours of the palette back: objects get those of their import, or what the user has chosen.
     void ColorAsImported();
-    /// Scans of later imports get colours of the palette, too.
-    [[nodiscard]] bool IsByObject() const { return m_bByObject; }
     /// The list has no object any more.
     void OnSceneCleared();
 
-signals:
-    /// IsByObject() is another one.
-    void Changed();
-
 private:
     void Show(int index, std::int32_t packed);
-    void SetByObject(bool on);
     /// The colour of the palette that the fewest objects have, the first of them.
     [[nodiscard]] std::int32_t FreeColor() const;
 
     ObjectList& m_objects;
     KV_ScenePane::ScenePane* m_pViewer = nullptr;
     std::map<int, std::int32_t> m_own;  // by the id of the row: the colour without the palette
-    bool m_bByObject = false;
+    bool m_bByObject = false;           // scans of later imports get colours of the palette, too
 };

@@ -110,10 +110,6 @@ int StoredSamples() {
 
 void StoreSamples(int samples) { OpenSettings().setValue(kSamples, samples); }
 
-bool HasSmoothEdges() { return StoredSamples() > 0; }
-
-void SetSmoothEdges(bool on) { StoreSamples(on ? kSmoothSamples : 0); }
-
 ClipSettings StoredClip() {
     const QSettings stored = OpenSettings();
     ClipSettings clip;

@@ -20,13 +20,8 @@ inline constexpr int kSmoothSamples = 4;
 
 /// Samples per pixel that the user wants, 0 for none; kSmoothSamples until the user chose otherwise.
 [[nodiscard]] int StoredSamples();
-/// For the windows of later starts. @param samples  0, 2, 4 or 8
+/// For the windows of later starts: the samples of a viewer are fixed when it is made. @param samples  0, 2, 4 or 8
 void StoreSamples(int samples);
-
-/// Whether the window smooths the edges of objects; true until the user chose otherwise.
-[[nodiscard]] bool HasSmoothEdges();
-/// For the windows of later starts: the samples of a viewer are fixed when it is made.
-void SetSmoothEdges(bool on);
 
 /// The clip plane of the window. The first values are those of a first start.
 struct ClipSettings {

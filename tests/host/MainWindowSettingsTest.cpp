@@ -11,7 +11,7 @@ namespace {
 
 class MainWindowSettings : public MainWindowFixture {
 protected:
-    void TearDown() override { SetSmoothEdges(true); }
+    void TearDown() override { ForgetSettings(); }
     /// How many colours a frame has that shows one triangle with slanted edges, of one colour.
     [[nodiscard]] std::size_t CountColors() const {
         const float corners[] = {0, 0, 0, 100, 10, 0, 30, 90, 0};
@@ -25,7 +25,7 @@ protected:
 };
 
 TEST_F(MainWindowSettings, SmoothEdgesAreChosenForTheNextStart) {
-    EXPECT_TRUE(HasSmoothEdges()) << "before the user has chosen";
+    EXPECT_EQ(StoredSamples(), kSmoothSamples) << "before the user has chosen";
     Show();
     EXPECT_GT(CountColors(), 2u);
     EXPECT_TRUE(Find<QAction>("samples4").isChecked());
