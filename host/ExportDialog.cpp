@@ -14,7 +14,6 @@
 
 #include "ExportNames.h"
 #include "FileTypes.h"
-#include "MainWindow.h"
 
 ExportDialog::ExportDialog(const QStringList& names, const QString& folder, QWidget* parent)
     : QDialog(parent),
@@ -27,22 +26,19 @@ ExportDialog::ExportDialog(const QStringList& names, const QString& folder, QWid
     m_pFormat->setObjectName("exportFormat");
     for (const FileType& type : kFileTypes) {
         if (!type.canExport) continue;
-        const QString extension =
-            QString::fromLatin1(type.extension.data(), static_cast<qsizetype>(type.extension.size()));
-        m_pFormat->addItem(QString("%1 (*.%2)").arg(MainWindow::tr(type.description), extension));
-        m_pFormat->setItemData(m_pFormat->count() - 1, static_cast<int>(&type - kFileTypes));
+        m_pFormat->addItem(FilterOf(type), static_cast<int>(&type - kFileTypes));
     }
     m_pFiles->setTextFormat(Qt::PlainText);
     m_pFiles->setWordWrap(true);
     constexpr int kWidth = 420;  // pixels, for most paths
     m_pFolder->setMinimumWidth(kWidth);
     auto* const browse = new QPushButton(tr("&Browse..."));
+    browse->setAutoDefault(false);  // Enter exports
     auto* const folderRow = new QHBoxLayout;
     folderRow->addWidget(m_pFolder, 1);
     folderRow->addWidget(browse);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     m_pExport = buttons->addButton(tr("&Export"), QDialogButtonBox::AcceptRole);
-    m_pExport->setDefault(true);
     auto* const form = new QFormLayout(this);
     auto* const folderLabel = new QLabel(tr("&Folder:"));
     folderLabel->setBuddy(m_pFolder);
@@ -50,6 +46,7 @@ ExportDialog::ExportDialog(const QStringList& names, const QString& folder, QWid
     form->addRow(tr("F&ormat:"), m_pFormat);
     form->addRow(tr("Files:"), m_pFiles);
     form->addRow(buttons);
+    m_pExport->setDefault(true);  // once it belongs to the dialog, which chooses another one otherwise
     connect(browse, &QPushButton::clicked, this, &ExportDialog::AskForFolder);
     connect(m_pFolder, &QLineEdit::textChanged, this, &ExportDialog::Follow);
     connect(m_pFormat, &QComboBox::currentIndexChanged, this, &ExportDialog::Follow);

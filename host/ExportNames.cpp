@@ -9,10 +9,6 @@
 
 namespace {
 
-QString ToText(std::string_view ascii) {
-    return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
-}
-
 /// Without folders, and not hidden.
 QString BaseName(QString name) {
     for (QChar& c : name) {
@@ -23,6 +19,15 @@ QString BaseName(QString name) {
 }
 
 }  // namespace
+
+QString ToText(std::string_view ascii) {
+    return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
+}
+
+QString FilterOf(const FileType& type) {
+    return QString("%1 (*.%2)")
+        .arg(QCoreApplication::translate("MainWindow", type.description), ToText(type.extension));
+}
 
 QString WithExtension(const QString& name, std::string_view extension) {
     const bool isKnown = name.contains('.') && FindFileType(QFile::encodeName(name).toStdString()) != nullptr;

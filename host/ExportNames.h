@@ -1,8 +1,15 @@
-// Names of files for objects that are exported together.
+// Names of files for objects that are exported, and of their formats.
 #pragma once
 #include <QString>
 #include <QStringList>
 #include <string_view>
+
+struct FileType;
+
+[[nodiscard]] QString ToText(std::string_view ascii);
+
+/// Shown by the dialogs of an export, one per type: "PLY meshes (*.ply)".
+[[nodiscard]] QString FilterOf(const FileType& type);
 
 /// @p name with @p extension in place of the extension of a known type; other texts after a point belong to the name.
 [[nodiscard]] QString WithExtension(const QString& name, std::string_view extension);

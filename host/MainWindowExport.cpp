@@ -20,15 +20,6 @@
 
 namespace {
 
-QString ToText(std::string_view ascii) {
-    return QString::fromLatin1(ascii.data(), static_cast<qsizetype>(ascii.size()));
-}
-
-/// Shown by the export dialog, one per type: "PLY meshes (*.ply)".
-QString FilterOf(const FileType& type) {
-    return QString("%1 (*.%2)").arg(MainWindow::tr(type.description), ToText(type.extension));
-}
-
 /// Offers one filter per type that can be written. A change of the filter changes the extension in the dialog's name
 /// field, so that the dialog shows, and asks about, the file that will be written.
 void OfferFormats(QFileDialog& dialog, const QString& objectName) {

@@ -13,6 +13,7 @@
 #include "EventPane.h"
 #include "MainWindow.h"
 #include "NeedlePanel.h"
+#include "ObjectCentring.h"
 #include "ObjectList.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
@@ -20,28 +21,6 @@
 #include "ViewerWidget.h"
 
 namespace {
-
-/// Length of the diagonal of the box around these objects; 0 without one that has points.
-double SceneDiagonal(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<int>& objects) {
-    std::array<float, 3> low{}, high{};
-    low.fill(std::numeric_limits<float>::infinity());
-    high.fill(-std::numeric_limits<float>::infinity());
-    for (const int object : objects) {
-        std::array<float, 6> box{};
-        methods.GetObjectBoundingBox(static_cast<std::int16_t>(object), &box[0], &box[1], &box[2], &box[3], &box[4],
-                                     &box[5]);
-        if (!(box[0] <= box[1])) continue;  // an object without points
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            low[axis] = std::min(low[axis], box[2 * axis]);
-            high[axis] = std::max(high[axis], box[2 * axis + 1]);
-        }
-    }
-    if (!(low[0] <= high[0])) return 0.0;
-    const auto side = [&](std::size_t axis) {
-        return static_cast<double>(high[axis]) - static_cast<double>(low[axis]);
-    };
-    return std::hypot(side(0), side(1), side(2));
-}
 
 double Distance(const PickedPoint& a, const PickedPoint& b) {
     const auto side = [&](std::size_t axis) {
@@ -246,7 +225,7 @@ bool MainWindow::AddPickEntries(QMenu& menu, QPoint pixel) {
     if (point < 0 || point >= static_cast<int>(m_vPickPoints.size())) return false;
     m_pPicks->SelectPoint(point);
     const PickedPoint& pick = m_vPickPoints[static_cast<std::size_t>(point)];
-    const QString object = ObjectText(pick).replace('&', "&&");  // one alone marks a key
+    const QString object = ShownObject(pick).replace('&', "&&");  // one alone marks a key
     menu.addAction(tr("Point %1 on %2").arg(QString::number(point + 1), object))->setEnabled(false);
     menu.addAction(tr("&Remove point %1").arg(point + 1), this, [this, point] { RemovePickPoints({point}); });
     if (m_nPointToMove >= 0)
@@ -275,9 +254,11 @@ void MainWindow::ShowLastPick() {
     QString text;
     if (!m_vLastPicks.empty()) {
         const PickedPoint& last = m_vLastPicks.back();
-        const QString point = PointText(last, " ");
-        text = distance.isEmpty() ? tr("%1   %2 mm").arg(ObjectText(last), point)
-                                  : tr("%1   %2 mm   distance %3 mm").arg(ObjectText(last), point, distance);
+        const QString object = ShownObject(last), point = ShownPoint(last.point);
+        text = distance.isEmpty()
+                   ? tr("%1: %2 mm").arg(object, point)
+                   : tr("%1: %2 mm, distance %3 mm")
+                         .arg(object, point, ShownLength(Distance(m_vLastPicks.front(), m_vLastPicks.back())));
     }
     m_pStatus->ShowPick(text, !distance.isEmpty());
 }

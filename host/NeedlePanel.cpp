@@ -18,10 +18,12 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <numeric>
 #include <utility>
 
 #include "ColorButton.h"
 #include "NumberBox.h"
+#include "ObjectCentring.h"
 #include "PaintBlock.h"
 
 namespace {
@@ -261,23 +263,9 @@ void NeedlePanel::ChangeLimit(int limit) {
 
 double NeedlePanel::SceneDiagonal() const {
     if (m_pMethods == nullptr) return 0;
-    std::array<float, 3> low{}, high{};
-    bool hasBox = false;
-    const std::int16_t count = m_pMethods->GetNumObjects();
-    for (std::int16_t i = 0; i < count; ++i) {
-        std::array<float, 3> min{}, max{};
-        m_pMethods->GetObjectBoundingBox(i, &min[0], &max[0], &min[1], &max[1], &min[2], &max[2]);
-        if (!(min[0] <= max[0])) continue;  // an object without vertices has no box
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            low[axis] = hasBox ? std::min(low[axis], min[axis]) : min[axis];
-            high[axis] = hasBox ? std::max(high[axis], max[axis]) : max[axis];
-        }
-        hasBox = true;
-    }
-    const auto side = [&](std::size_t axis) {
-        return static_cast<double>(high[axis]) - static_cast<double>(low[axis]);
-    };
-    return std::hypot(side(0), side(1), side(2));
+    std::vector<int> objects(static_cast<std::size_t>(std::max<int>(m_pMethods->GetNumObjects(), 0)));
+    std::iota(objects.begin(), objects.end(), 0);
+    return ::SceneDiagonal(*m_pMethods, objects);
 }
 
 void NeedlePanel::FitSizes(double diagonal) {

@@ -40,21 +40,6 @@ Box BoxOf(KV_ScenePane::_DKV_ScenePane& methods, int index) {
     return box;
 }
 
-/// Of the box around all boxes; 0 without one.
-float DiagonalOf(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<int>& objects) {
-    std::optional<Box> all;
-    for (const int index : objects) {
-        const Box box = BoxOf(methods, index);
-        if (!IsUsable(box)) continue;
-        if (!all) all = box;
-        for (std::size_t i = 0; i < box.size(); i += 2) {
-            (*all)[i] = std::min((*all)[i], box[i]);
-            (*all)[i + 1] = std::max((*all)[i + 1], box[i + 1]);
-        }
-    }
-    return all ? std::hypot((*all)[1] - (*all)[0], (*all)[3] - (*all)[2], (*all)[5] - (*all)[4]) : 0.0f;
-}
-
 /// Length of the box along a direction.
 float ExtentAlong(const Axis& direction, const Box& box) {
     float extent = 0.0f;
@@ -79,6 +64,24 @@ std::optional<float> FillingZoom(const View& view, const Box& box, float sceneSi
 
 }  // namespace
 
+double SceneDiagonal(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<int>& objects) {
+    std::optional<Box> all;
+    for (const int index : objects) {
+        const Box box = BoxOf(methods, index);
+        if (!IsUsable(box)) continue;
+        if (!all) all = box;
+        for (std::size_t i = 0; i < box.size(); i += 2) {
+            (*all)[i] = std::min((*all)[i], box[i]);
+            (*all)[i + 1] = std::max((*all)[i + 1], box[i + 1]);
+        }
+    }
+    if (!all) return 0.0;
+    const auto side = [&all](std::size_t axis) {
+        return static_cast<double>((*all)[2 * axis + 1]) - static_cast<double>((*all)[2 * axis]);
+    };
+    return std::hypot(side(0), side(1), side(2));
+}
+
 void CentreObject(KV_ScenePane::_DKV_ScenePane& methods, int index, const std::vector<int>& visible, QSize window) {
     const Box box = BoxOf(methods, index);
     if (!IsUsable(box) || window.isEmpty()) return;
@@ -87,7 +90,7 @@ void CentreObject(KV_ScenePane::_DKV_ScenePane& methods, int index, const std::v
     methods.CenterView();  // now the size of the scene is known
     const float fitted = ViewOf(methods).zoom;
     float zoom = before.zoom;
-    if (const float sceneSize = DiagonalOf(methods, visible); sceneSize > 0.0f)
+    if (const auto sceneSize = static_cast<float>(SceneDiagonal(methods, visible)); sceneSize > 0.0f)
         zoom = std::min(zoom, FillingZoom(before, box, sceneSize, window).value_or(zoom));
     const auto middle = [&box](std::size_t axis) { return 0.5f * (box[2 * axis] + box[2 * axis + 1]); };
     // The method expects the magnification as a multiple of that of a fitted view.

@@ -1,9 +1,12 @@
-// Moves the view to one object.
+// Sizes of objects, and the move of the view to one of them.
 #pragma once
 #include <QSize>
 #include <vector>
 
 #include "KV_ScenePane/_DKV_ScenePane.h"
+
+/// Length of the diagonal of the box around these objects; 0 without one that has points.
+[[nodiscard]] double SceneDiagonal(KV_ScenePane::_DKV_ScenePane& methods, const std::vector<int>& objects);
 
 /// The middle of the object's box comes to the middle of the window. The directions of the view stay, and so does the
 /// magnification, unless the object would not fit: then it fills most of the window. The view is fitted to the scene
