@@ -65,9 +65,9 @@ void MainWindow::MakeObjectCommands() {
                             [=] { commands->InvertVisibility(); }),
                         add(tr("Show &all"), "showAllObjects", tr("Show all objects"), [=] { commands->ShowAll(); })};
     separate();
-    m_pColorByObject = add(tr("Colour &by object"), "colorByObject",
-                           tr("Give each object a colour of a palette, to tell the objects apart"),
-                           [this] { m_pColors->ColorByObject(); });
+    m_pColorByObject =
+        add(tr("Colour &by object"), "colorByObject", tr("Give each object a colour of a palette, to distinguish them"),
+            [this] { m_pColors->ColorByObject(); });
     m_pColorAsImported = add(tr("One colo&ur"), "oneColor",
                              tr("Take the colours of the palette back; colours that you have chosen stay"),
                              [this] { m_pColors->ColorAsImported(); });

@@ -32,6 +32,9 @@ const char kOnlySkipRemoves[] =
 
 const char kNoFiniteCoordinate[] = QT_TRANSLATE_NOOP(
     "Messages", "no point has finite coordinates, nothing of it can be shown: export the file again from its source");
+const char kNoSuchFile[] = QT_TRANSLATE_NOOP("Messages", "there is no such file: check its name and its folder");
+const char kIsFolder[] = QT_TRANSLATE_NOOP("Messages", "this is a folder: name its files, or open it in the window");
+const char kUnknownType[] = QT_TRANSLATE_NOOP("Messages", "the type of the file is not known: it is none of %1");
 
 namespace {
 
@@ -42,7 +45,11 @@ constexpr const char* kCutShort =
 constexpr const char* kNewerFile =
     QT_TRANSLATE_NOOP("Messages", "the file is of a version that is not known here: a newer scenepane may read it");
 constexpr const char* kBadHeader =
-    QT_TRANSLATE_NOOP("Messages", "the header of the ply file is not valid: %1: export it again from its source");
+    QT_TRANSLATE_NOOP("Messages", "the header of the ply file is not valid: %2: export it again from its source");
+constexpr const char* kListType = QT_TRANSLATE_NOOP(
+    "Messages", "the ply file has a list of a type that is not read: export it again with lists of whole numbers");
+constexpr const char* kNotFinite = QT_TRANSLATE_NOOP(
+    "Messages", "a number in the ply file is not finite: export it again without such vertices, or as binary ply");
 constexpr const char* kNoPly = QT_TRANSLATE_NOOP("Messages", "this is no ply file, whatever its name says");
 constexpr const char* kDiskFull =
     QT_TRANSLATE_NOOP("Messages", "the disk is full: free some space or choose another folder");
@@ -98,8 +105,7 @@ constexpr MessageRow kRows[] = {
     {"the skip value %1 is below 1", QT_TRANSLATE_NOOP("Messages", "the skip value is %1: choose 1 or more")},
     {"there is no array of points", kSourceArrays},
     {"there is no array of confidence values", kSourceArrays},
-    {"unknown file type, not one of %1",
-     QT_TRANSLATE_NOOP("Messages", "the type of the file is not known: it is none of %1")},
+    {"unknown file type, not one of %1", kUnknownType},
     {"the path is empty", QT_TRANSLATE_NOOP("Messages", "no file is named")},
 
     // ---- pcm files
@@ -129,6 +135,10 @@ constexpr MessageRow kRows[] = {
     {"too many sections", kDamaged},
 
     // ---- meshes
+    {"1 coordinates are not finite",
+     QT_TRANSLATE_NOOP("Messages",
+                       "one coordinate is not finite: triangles may be missing there: export the file again from its "
+                       "source")},
     {"%1 coordinates are not finite",
      QT_TRANSLATE_NOOP("Messages",
                        "%1 coordinates are not finite: triangles may be missing there: export the file again from its "
@@ -167,7 +177,28 @@ constexpr MessageRow kRows[] = {
     {"Expected 6 UV coordinates per face.",
      QT_TRANSLATE_NOOP("Messages", "the texture coordinates of the file are not six per triangle: export it again")},
     {"Unexpected end of data.", kCutShort},
+    {"Error in grammar at token %1: \"element\" expected.",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the header of the ply file has a line that is not read, as one with obj_info: export it again "
+                       "without such lines")},
+    {"Error in grammar at token %1: invalid property type \"%2\"",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the ply file has values of the type %2, which is not read: export it again with float "
+                       "coordinates")},
+    {"Error in grammar at token %1: invalid count type in list none", kListType},
+    {"Error in grammar at token %1: invalid element type in list none", kListType},
+    {"Error in grammar at token %1: element count expected (integer)",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the header of the ply file does not say how many points or faces follow: export it again from "
+                       "its source")},
+    {"Error in grammar at token %1: expected %2 more tokens",
+     QT_TRANSLATE_NOOP("Messages", "the header of the ply file is cut short: copy or export it again from its source")},
     {"Error in grammar at token %1: %2", kBadHeader},
+    {"Float expected, but found this: nan", kNotFinite},
+    {"Float expected, but found this: -nan", kNotFinite},
+    {"Float expected, but found this: NaN", kNotFinite},
+    {"Float expected, but found this: inf", kNotFinite},
+    {"Float expected, but found this: -inf", kNotFinite},
     {"Integer expected, but found this: %1",
      QT_TRANSLATE_NOOP("Messages", "the file is damaged: there is \"%1\" in place of a whole number")},
     {"Float expected, but found this: %1",
@@ -248,6 +279,9 @@ constexpr MessageRow kRows[] = {
     {kOneRow, kOneRow},
     {kOnlySkipRemoves, kOnlySkipRemoves},
     {kNoFiniteCoordinate, kNoFiniteCoordinate},
+    {kNoSuchFile, kNoSuchFile},
+    {kIsFolder, kIsFolder},
+    {kUnknownType, kUnknownType},
 };
 
 /// The texts in the places %1 to %9.
@@ -297,7 +331,7 @@ std::string Replaced(std::string_view text, Pattern patternOf, Sentence sentence
 const char* TextOf(const MessageRow& row) { return row.text; }
 const char* SentenceOf(const MessageRow& row) { return row.sentence; }
 
-/// @p text by its parts between "; ", each through @p change.
+/// @p text by its parts between separators, each through @p change.
 template <class Change>
 std::string EachPart(std::string_view text, std::string_view separator, Change change) {
     std::string changed;

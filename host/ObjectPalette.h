@@ -40,5 +40,5 @@ inline constexpr std::array<std::int32_t, kPaletteSize> kPalette = {
 
 /// The colours in which objects are shown after their import into an empty scene, one per object: meshes that say
 /// nothing about colours are gray, scans without colours get one of the palette each.
-/// @param tellsApart  the scans are told apart; otherwise they keep the colour of the import
+/// @param tellsApart  each scan gets its own colour; otherwise they keep the colour of the import
 [[nodiscard]] std::vector<std::int32_t> ShownColors(std::span<const ObjectReport> objects, bool tellsApart);

@@ -1,4 +1,4 @@
-// How well a colour can be told from another one: the contrast ratio of the W3C's accessibility guidelines (WCAG 2).
+// How well two colours can be distinguished: the contrast ratio of the W3C's accessibility guidelines (WCAG 2).
 #pragma once
 #include <QColor>
 #include <algorithm>

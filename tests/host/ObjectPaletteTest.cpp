@@ -1,4 +1,4 @@
-// How well the colours of objects can be told apart, and which objects get them.
+// How well the colours of objects can be distinguished, and which objects get them.
 #include "ObjectPalette.h"
 
 #include <gtest/gtest.h>

@@ -40,7 +40,7 @@ struct X11WindowRunsTest : X11WindowInputTest {
         window.ProcessEvents();
         return std::exchange(log, {});
     }
-    /// Presses of a held key, as the server repeats them. Not with XTest: a server takes a second press for none.
+    /// Presses of a held key, as the server repeats them. Not with XTest: a server ignores a second press.
     void Hold(KeySym symbol, int presses) { host.SendKeyPresses(window.NativeHandle(), symbol, presses); }
     [[nodiscard]] int Painted() const { return static_cast<int>(std::ranges::count(log, std::string("paint"))); }
 
