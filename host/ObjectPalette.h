@@ -35,7 +35,7 @@ inline constexpr std::array<std::int32_t, kPaletteSize> kPalette = {
 
 /// The object is of a mesh format, and its file says nothing about colours.
 [[nodiscard]] bool IsPlainMesh(const ObjectReport& object);
-/// The object is of a scan format and has no colours of its own.
+/// The object is of a scan format and its points have no colours.
 [[nodiscard]] bool IsPlainScan(const ObjectReport& object);
 
 /// The colours in which objects are shown after their import into an empty scene, one per object: meshes that say

@@ -15,7 +15,7 @@ inline constexpr std::size_t kMaxRecentFiles = 10;
 void AddRecentFiles(const std::vector<std::string>& files);
 void ClearRecentFiles();
 
-/// The kinds of file dialogs, each of which opens in a folder of its own.
+/// The kinds of file dialogs, each of which opens in its last folder.
 enum class FolderUse { Open, Export, Picture, Needles, Transforms, Logo };
 
 /// The folder of the last file that a dialog of this kind has returned, or else one of Open; empty, which is the

@@ -1,4 +1,4 @@
-// Parts of a status bar that share its width: each has a text of its own, and Arrange() decides how much of it is
+// Parts of a status bar that share its width: each has its text, and Arrange() decides how much of it is
 // shown.
 #include "StatusLine.h"
 
