@@ -39,3 +39,8 @@ extern const char kNoNeighbours[];          ///< no place
 extern const char kOneRow[];                ///< columns, rows
 extern const char kOnlySkipRemoves[];       ///< skip value, triangles without it
 extern const char kNoFiniteCoordinate[];    ///< no place
+
+// Sentences about a file that is not opened at all; see host/SceneFile.h.
+extern const char kNoSuchFile[];   ///< no place
+extern const char kIsFolder[];     ///< no place
+extern const char kUnknownType[];  ///< the types that are known

@@ -98,13 +98,13 @@ void ObjectItem::ShowPlace(const std::array<float, 6>& box, bool isMoved) {
     m_box = box;
     m_bMoved = isMoved;
     setText(kMoved, isMoved ? tr("moved") : QString());
-    setText(kSize, m_row.vertices > 0 ? SizeText(box) : QString());
+    setText(kSize, m_row.vertices > 0 && IsBox(box) ? SizeText(box) : QString());
     ShowTips();
 }
 
 void ObjectItem::ShowTips() {
     QString tip = m_path;
-    if (m_row.vertices > 0) tip += '\n' + BoxText(m_box);
+    if (m_row.vertices > 0) tip += '\n' + (IsBox(m_box) ? BoxText(m_box) : tr("no finite coordinates"));
     for (int column = 0; column < kColumnCount; ++column) setToolTip(column, PlainToolTip(tip));
 }
 

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "FileTypes.h"
+#include "MessageTable.h"
 
 namespace {
 
@@ -18,8 +19,8 @@ std::string SystemMessage(int error) { return strerrordesc_np(error); }
 
 std::string ReadRefusal(const std::string& path) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0) return SystemMessage(errno);
-    if (S_ISDIR(status.st_mode)) return SystemMessage(EISDIR);
+    if (stat(path.c_str(), &status) != 0) return errno == ENOENT ? kNoSuchFile : SystemMessage(errno);
+    if (S_ISDIR(status.st_mode)) return kIsFolder;
     return access(path.c_str(), R_OK) == 0 ? "" : SystemMessage(errno);
 }
 
@@ -28,7 +29,9 @@ std::string ImportRefusal(const std::string& path) {
     const FileType* const type = FindFileType(path);
     if (type != nullptr && type->kind == FileKind::Points)
         return "free points are no object; without a window --points adds them";
-    return type != nullptr && type->canImport ? "" : "unknown file type";
+    if (type != nullptr && type->canImport) return {};
+    const std::string types = ExtensionList(IsImported, "and");
+    return FilledSentence(kUnknownType, {&types, 1});
 }
 
 std::string ExportRefusal(std::string_view path) {

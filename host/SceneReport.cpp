@@ -32,11 +32,13 @@ std::string JsonNumbers(std::span<const float> values, const char* comma = ", ")
 }
 
 std::string JsonObject(const ObjectReport& object) {
+    const bool hasPosition = HasPosition(object);
     return "{\"file\": " + JsonString(object.file) + ", \"index\": " + std::to_string(object.index) +
            ", \"name\": " + JsonString(object.name) + ", \"vertices\": " + std::to_string(object.vertices) +
-           ", \"triangles\": " + std::to_string(object.triangles) + ", \"box\": " + JsonNumbers(object.box) +
-           ", \"center\": " + JsonNumbers(object.center) + ", \"color\": \"" + ColorText(object.color) +
-           "\", \"hasVertexColors\": " + (object.hasVertexColors ? "true" : "false") +
+           ", \"triangles\": " + std::to_string(object.triangles) +
+           ", \"box\": " + (hasPosition ? JsonNumbers(object.box) : "null") +
+           ", \"center\": " + (hasPosition ? JsonNumbers(object.center) : "null") + ", \"color\": \"" +
+           ColorText(object.color) + "\", \"hasVertexColors\": " + (object.hasVertexColors ? "true" : "false") +
            ", \"transform\": " + JsonNumbers(object.transform) + '}';
 }
 
@@ -62,11 +64,15 @@ std::string TextObject(const ObjectReport& object) {
     text += "  name           " + KV_ScenePane::PathBytes(object.name) + '\n';
     text += "  vertices       " + std::to_string(object.vertices) + '\n';
     text += "  triangles      " + std::to_string(object.triangles) + '\n';
-    const std::span box(object.box);
-    text += "  box         x " + TextNumbers(box.subspan(0, 2)) + '\n';
-    text += "              y " + TextNumbers(box.subspan(2, 2)) + '\n';
-    text += "              z " + TextNumbers(box.subspan(4, 2)) + '\n';
-    text += "  center        " + TextNumbers(object.center) + '\n';
+    if (HasPosition(object)) {
+        const std::span box(object.box);
+        text += "  box         x " + TextNumbers(box.subspan(0, 2)) + '\n';
+        text += "              y " + TextNumbers(box.subspan(2, 2)) + '\n';
+        text += "              z " + TextNumbers(box.subspan(4, 2)) + '\n';
+        text += "  center        " + TextNumbers(object.center) + '\n';
+    } else {
+        text += "  box            none: no finite coordinates\n";
+    }
     text += "  color          " + ColorText(object.color) + '\n';
     text += std::string("  vertex colors  ") + (object.hasVertexColors ? "yes" : "no") + '\n';
     // The first of the four rows has the label.
@@ -145,10 +151,9 @@ std::string JsonPick(const PickReport& pick) {
 
 }  // namespace
 
-bool HasPosition(const ObjectReport& object) {
-    const auto& [minX, maxX, minY, maxY, minZ, maxZ] = object.box;
-    return object.vertices == 0 || (minX <= maxX && minY <= maxY && minZ <= maxZ);
-}
+bool IsBox(const std::array<float, 6>& box) { return box[0] <= box[1] && box[2] <= box[3] && box[4] <= box[5]; }
+
+bool HasPosition(const ObjectReport& object) { return object.vertices == 0 || IsBox(object.box); }
 
 ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file) {
     // Name and vertex colours come from GetObjectInfo(): the automation interface has no methods for them.

@@ -30,6 +30,8 @@ struct ObjectReport {
     std::array<float, 16> transform{};
 };
 
+/// Whether min is max at most along each axis. It is not for a box of no point.
+[[nodiscard]] bool IsBox(const std::array<float, 6>& box);
 /// Whether a point of the object has three finite coordinates, or it has no points: without it nothing can be shown.
 [[nodiscard]] bool HasPosition(const ObjectReport& object);
 
@@ -82,9 +84,9 @@ struct PickReport {
 /// Text for a reader; ends with a line feed unless it is empty.
 [[nodiscard]] std::string ReportText(const SceneReport& report);
 /// One JSON object in UTF-8, ends with a line feed. Numbers have the digits that are needed to read back the same
-/// float; NaN and infinity are null. Bytes of names that are not UTF-8 become lone surrogates \udc80 to \udcff.
-/// The member "clip" exists only with report.clip, its member "rule" only for a height that was found; the member
-/// "cuts" only with a lasso.
+/// float; NaN and infinity are null, and so are box and center of an object without a finite point. Bytes of names that
+/// are not UTF-8 become lone surrogates \udc80 to \udcff. The member "clip" exists only with report.clip, its member
+/// "rule" only for a height that was found; the member "cuts" only with a lasso.
 [[nodiscard]] std::string ReportJson(const SceneReport& report);
 
 /// Text for a reader, in the order of the picks; ends with a line feed.

@@ -9,6 +9,152 @@
     </message>
 </context>
 <context>
+    <name>AlignHint</name>
+    <message>
+        <source>%1 (bright)</source>
+        <translation>%1 (hell)</translation>
+    </message>
+    <message>
+        <source>Align by hand: the right button turns, the left button moves %1.</source>
+        <translation>Von Hand ausrichten: Die rechte Taste dreht, die linke verschiebt %1.</translation>
+    </message>
+    <message>
+        <source>Align by hand: the right button turns, with the left button or Shift it moves %1.</source>
+        <translation>Von Hand ausrichten: Die rechte Taste dreht, mit der linken oder mit Umschalt verschiebt sie %1.</translation>
+    </message>
+    <message>
+        <source>Align by hand: the left button turns, the right button moves %1.</source>
+        <translation>Von Hand ausrichten: Die linke Taste dreht, die rechte verschiebt %1.</translation>
+    </message>
+    <message>
+        <source>Align by points: click points on what will move, %1</source>
+        <translation>Mit Punkten ausrichten: Punkte auf dem anklicken, was bewegt wird, %1</translation>
+    </message>
+    <message>
+        <source>: 1 point.</source>
+        <translation>: 1 Punkt.</translation>
+    </message>
+    <message>
+        <source>: %1 points.</source>
+        <translation>: %1 Punkte.</translation>
+    </message>
+    <message>
+        <source>Align by points: click the same points in the same order on %1: point %2 of %3.</source>
+        <translation>Mit Punkten ausrichten: dieselben Punkte in derselben Reihenfolge auf %1 anklicken: Punkt %2 von %3.</translation>
+    </message>
+    <message>
+        <source>the objects that stay</source>
+        <translation>den festen Objekten</translation>
+    </message>
+    <message>
+        <source> It ends the alignment.</source>
+        <translation> Er beendet das Ausrichten.</translation>
+    </message>
+    <message>
+        <source>Ctrl and drag: the clip plane (hide it to drag the view)</source>
+        <translation>Strg und ziehen: die Schnittebene (ausblenden, um die Ansicht zu ziehen)</translation>
+    </message>
+    <message>
+        <source>Ctrl and drag with the right button: the view</source>
+        <translation>Strg und ziehen mit der rechten Taste: die Ansicht</translation>
+    </message>
+    <message>
+        <source>Ctrl and drag: the view</source>
+        <translation>Strg und ziehen: die Ansicht</translation>
+    </message>
+    <message>
+        <source>Esc: finish</source>
+        <translation>Esc: beenden</translation>
+    </message>
+    <message>
+        <source>Space: continue on the objects that stay</source>
+        <translation>Leertaste: weiter auf den festen Objekten</translation>
+    </message>
+    <message>
+        <source>Delete: drop the last point</source>
+        <translation>Entf: letzten Punkt verwerfen</translation>
+    </message>
+    <message>
+        <source>Esc: end without moving</source>
+        <translation>Esc: ohne Bewegung beenden</translation>
+    </message>
+    <message>
+        <source>%1 and %2 more</source>
+        <translation>%1 und %2 weitere</translation>
+    </message>
+</context>
+<context>
+    <name>AlignSummary</name>
+    <message>
+        <source>1 object</source>
+        <translation>1 Objekt</translation>
+    </message>
+    <message>
+        <source>%1 objects</source>
+        <translation>%1 Objekte</translation>
+    </message>
+    <message>
+        <source>Alignment by hand: nothing was moved.</source>
+        <translation>Ausrichten von Hand: Nichts wurde bewegt.</translation>
+    </message>
+    <message>
+        <source>Aligned by hand: %1 turned by %2°, its centre moved by %3 mm.</source>
+        <translation>Von Hand ausgerichtet: %1, um %2° gedreht, Mittelpunkt um %3 mm verschoben.</translation>
+    </message>
+    <message>
+        <source>Aligned by hand: %1 turned by %2°, the centre of the first moved by %3 mm.</source>
+        <translation>Von Hand ausgerichtet: %1, um %2° gedreht, Mittelpunkt des ersten um %3 mm verschoben.</translation>
+    </message>
+    <message>
+        <source>Alignment by points: ended, nothing was moved.</source>
+        <translation>Ausrichten mit Punkten: beendet, nichts wurde bewegt.</translation>
+    </message>
+    <message>
+        <source>No transform was found: %1. Nothing was moved.</source>
+        <translation>Keine Transformation wurde gefunden: %1. Nichts wurde bewegt.</translation>
+    </message>
+    <message>
+        <source>Aligned by one point and the surface normals there: %1 moved.</source>
+        <translation>Mit einem Punkt und den Flächennormalen dort ausgerichtet: %1 bewegt.</translation>
+    </message>
+    <message>
+        <source>Aligned by %1 points: %2 moved; residual %3 mm (RMS), at most %4 mm at pair %5.</source>
+        <translation>Mit %1 Punkten ausgerichtet: %2 bewegt; Restfehler %3 mm (RMS), höchstens %4 mm bei Paar %5.</translation>
+    </message>
+    <message>
+        <source> The points are on one line: they do not fix the turn about it.</source>
+        <translation> Die Punkte liegen auf einer Geraden: Die Drehung um sie bleibt offen.</translation>
+    </message>
+    <message>
+        <source>a point has no finite coordinates</source>
+        <translation>ein Punkt hat keine endlichen Koordinaten</translation>
+    </message>
+    <message>
+        <source>the points on the moving scans are all at one place</source>
+        <translation>die Punkte auf den bewegten Scans liegen alle an einer Stelle</translation>
+    </message>
+    <message>
+        <source>the points on the fixed scans are all at one place</source>
+        <translation>die Punkte auf den festen Scans liegen alle an einer Stelle</translation>
+    </message>
+    <message>
+        <source>There is no object to align.</source>
+        <translation>Es gibt kein Objekt zum Ausrichten.</translation>
+    </message>
+    <message>
+        <source>Nothing may move: check &quot;May move&quot; in the list of objects for each scan that the alignment moves.</source>
+        <translation>Nichts ist beweglich: In der Objektliste bei jedem Scan, den das Ausrichten bewegt, „Beweglich“ ankreuzen.</translation>
+    </message>
+    <message>
+        <source>Points need a second scan that stays: open it first.</source>
+        <translation>Punkte brauchen einen zweiten, festen Scan: zuerst öffnen.</translation>
+    </message>
+    <message>
+        <source>All objects may move: uncheck &quot;May move&quot; in the list of objects for at least one that stays.</source>
+        <translation>Alle Objekte sind beweglich: In der Objektliste „Beweglich“ bei mindestens einem ausschalten, das fest bleibt.</translation>
+    </message>
+</context>
+<context>
     <name>AlignToolBar</name>
     <message>
         <source>Alignment tools</source>
@@ -497,10 +643,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <translation>Schnitt &amp;rückgängig (%1)</translation>
     </message>
     <message>
-        <source>Un&amp;do cut</source>
-        <translation>Schnitt &amp;rückgängig</translation>
-    </message>
-    <message>
         <source>Cut tools</source>
         <translation>Werkzeuge zum Schneiden</translation>
     </message>
@@ -555,6 +697,10 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     <message>
         <source>Save c&amp;uts...</source>
         <translation>Sc&amp;hnitte speichern...</translation>
+    </message>
+    <message>
+        <source>Un&amp;do</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -677,6 +823,31 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>ImportStatus</name>
+    <message>
+        <source>%1 of %2 files opened</source>
+        <translation>%1 von %2 Dateien geöffnet</translation>
+    </message>
+    <message>
+        <source>%1; %2: %3</source>
+        <translation>%1; %2: %3</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1; %n file(s): %2</source>
+        <translation>
+            <numerusform>%1; %n Datei: %2</numerusform>
+            <numerusform>%1; %n Dateien: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1; messages about %n file(s)</source>
+        <translation>
+            <numerusform>%1; Meldungen zu %n Datei</numerusform>
+            <numerusform>%1; Meldungen zu %n Dateien</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -1222,10 +1393,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <translation>Das Objekt der aktuellen Zeile der Liste als %1-Datei exportieren</translation>
     </message>
     <message>
-        <source>Save screens&amp;hot...</source>
-        <translation>Bildschirm&amp;foto speichern...</translation>
-    </message>
-    <message>
         <source>&amp;Clear</source>
         <translation>Szene lee&amp;ren</translation>
     </message>
@@ -1440,10 +1607,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
         <translation>&amp;Farbe je Objekt</translation>
     </message>
     <message>
-        <source>Give each object a colour of a palette, to tell the objects apart</source>
-        <translation>Gibt jedem Objekt eine Farbe einer Palette, um die Objekte zu unterscheiden</translation>
-    </message>
-    <message>
         <source>Take the colours of the palette back; colours that you have chosen stay</source>
         <translation>Nimmt die Farben der Palette zurück; Farben, die Sie gewählt haben, bleiben</translation>
     </message>
@@ -1556,14 +1719,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
         <translation>&amp;Koordinaten kopieren</translation>
     </message>
     <message>
-        <source>%1   %2 mm</source>
-        <translation>%1   %2 mm</translation>
-    </message>
-    <message>
-        <source>%1   %2 mm   distance %3 mm</source>
-        <translation>%1   %2 mm   Abstand %3 mm</translation>
-    </message>
-    <message>
         <source>Save &amp;view as picture...</source>
         <translation>&amp;Ansicht als Bild speichern...</translation>
     </message>
@@ -1645,14 +1800,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     <message>
         <source>Forget everything that was set up?</source>
         <translation>Alles vergessen, was eingestellt wurde?</translation>
-    </message>
-    <message>
-        <source>Lost are: place and panes of the window, mouse buttons, rotation, background, point size, render mode and other properties, import settings, clip plane, tints of the lasso, recent files and folders.
-
-Files and what is open stay. Clip plane, tints and smooth edges change at the next start.</source>
-        <translation>Verloren gehen: Platz und Bereiche des Fensters, Maustasten, Drehung, Hintergrund, Punktgröße, Darstellungsart und andere Eigenschaften, Import-Einstellungen, Schnittebene, Tönungen des Lassos, zuletzt benutzte Dateien und Ordner.
-
-Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten ändern sich beim nächsten Start.</translation>
     </message>
     <message>
         <source>Reset</source>
@@ -1794,6 +1941,30 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
         <source>No smoothing</source>
         <translation>Keine Glättung</translation>
     </message>
+    <message>
+        <source>Give each object a colour of a palette, to distinguish them</source>
+        <translation>Jedem Objekt eine Farbe aus einer Palette geben, um sie zu unterscheiden</translation>
+    </message>
+    <message>
+        <source>Lost are: place and panes of the window, appearance, mouse buttons, rotation, background, point size, render mode and other properties, reduced drawing, smooth edges, import settings, clip plane, tints of the lasso, recent files and folders.
+
+Files and what is open stay. Clip plane, tints and smooth edges change at the next start.</source>
+        <translation>Verloren gehen: Platz und Bereiche des Fensters, Erscheinungsbild, Maustasten, Drehung, Hintergrund, Punktgröße, Darstellung und andere Eigenschaften, reduziertes Zeichnen, Kantenglättung, Importeinstellungen, Schnittebene, Tönungen des Lassos, zuletzt benutzte Dateien und Ordner.
+
+Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung ändern sich beim nächsten Start.</translation>
+    </message>
+    <message>
+        <source>Save screens&amp;hot of the whole scene (2048 x 2048)...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2 mm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2 mm, distance %3 mm</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>MarkerPanel</name>
@@ -1891,10 +2062,6 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
     <message>
         <source>the file is of a version that is not known here: a newer scenepane may read it</source>
         <translation>die Version der Datei ist hier nicht bekannt: ein neueres scenepane liest sie vielleicht</translation>
-    </message>
-    <message>
-        <source>the header of the ply file is not valid: %1: export it again from its source</source>
-        <translation>der Kopf der ply-Datei ist ungültig: %1: aus ihrer Quelle neu exportieren</translation>
     </message>
     <message>
         <source>this is no ply file, whatever its name says</source>
@@ -2136,6 +2303,46 @@ Dateien und was geöffnet ist bleiben. Schnittebene, Tönungen und glatte Kanten
         <source>the driver did not accept the picture: there may be too little graphics memory</source>
         <translation>der Treiber hat das Bild nicht angenommen: vielleicht reicht der Grafikspeicher nicht</translation>
     </message>
+    <message>
+        <source>there is no such file: check its name and its folder</source>
+        <translation>die Datei gibt es nicht: ihren Namen und Ordner prüfen</translation>
+    </message>
+    <message>
+        <source>this is a folder: name its files, or open it in the window</source>
+        <translation>dies ist ein Ordner: seine Dateien nennen oder ihn im Fenster öffnen</translation>
+    </message>
+    <message>
+        <source>the header of the ply file is not valid: %2: export it again from its source</source>
+        <translation>der Kopf der ply-Datei ist ungültig: %2: aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>the ply file has a list of a type that is not read: export it again with lists of whole numbers</source>
+        <translation>die ply-Datei hat eine Liste eines Typs, der nicht gelesen wird: mit Listen ganzer Zahlen neu exportieren</translation>
+    </message>
+    <message>
+        <source>a number in the ply file is not finite: export it again without such vertices, or as binary ply</source>
+        <translation>eine Zahl der ply-Datei ist nicht endlich: ohne solche Punkte oder als binäre ply-Datei neu exportieren</translation>
+    </message>
+    <message>
+        <source>one coordinate is not finite: triangles may be missing there: export the file again from its source</source>
+        <translation>eine Koordinate ist nicht endlich: dort können Dreiecke fehlen: die Datei aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>the header of the ply file has a line that is not read, as one with obj_info: export it again without such lines</source>
+        <translation>der Kopf der ply-Datei hat eine Zeile, die nicht gelesen wird, etwa mit obj_info: ohne solche Zeilen neu exportieren</translation>
+    </message>
+    <message>
+        <source>the ply file has values of the type %2, which is not read: export it again with float coordinates</source>
+        <translation>die ply-Datei hat Werte des Typs %2, der nicht gelesen wird: mit Koordinaten vom Typ float neu exportieren</translation>
+    </message>
+    <message>
+        <source>the header of the ply file does not say how many points or faces follow: export it again from its source</source>
+        <translation>der Kopf der ply-Datei sagt nicht, wie viele Punkte oder Flächen folgen: aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>the header of the ply file is cut short: copy or export it again from its source</source>
+        <translation>der Kopf der ply-Datei ist abgeschnitten: neu kopieren oder aus ihrer Quelle neu exportieren</translation>
+    </message>
 </context>
 <context>
     <name>NeedlePanel</name>
@@ -2299,6 +2506,10 @@ Entf: entfernen. Esc: Auswahl aufheben. Ein Doppelklick zentriert die Ansicht so
     <message>
         <source>moved</source>
         <translation>bewegt</translation>
+    </message>
+    <message>
+        <source>no finite coordinates</source>
+        <translation>keine endlichen Koordinaten</translation>
     </message>
 </context>
 <context>
@@ -2931,6 +3142,22 @@ Hüllquader bleiben.</translation>
         <source>Where</source>
         <translation>Wo</translation>
     </message>
+    <message>
+        <source>Pane %1</source>
+        <translation>Bereich %1</translation>
+    </message>
+    <message>
+        <source>Window</source>
+        <translation>Fenster</translation>
+    </message>
+    <message>
+        <source>Mouse in the view</source>
+        <translation>Maus in der Ansicht</translation>
+    </message>
+    <message>
+        <source>Keys in the view</source>
+        <translation>Tasten in der Ansicht</translation>
+    </message>
 </context>
 <context>
     <name>StatusLine</name>
@@ -3057,6 +3284,45 @@ Hüllquader bleiben.</translation>
             <numerusform>%n Objekt, verborgen. Haken Sie im Bereich Objekte an, was gezeigt werden soll.</numerusform>
             <numerusform>%n Objekte, alle verborgen. Haken Sie im Bereich Objekte an, was gezeigt werden soll.</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>Open scans and meshes with Ctrl+O, or drop them here.</source>
+        <translation>Scans und Netze mit Strg+O öffnen oder hierher ziehen.</translation>
+    </message>
+    <message>
+        <source>The render mode &quot;Background only&quot; shows no objects. Ctrl+3 shows them shaded.</source>
+        <translation>Die Darstellung „Nur Hintergrund“ zeigt keine Objekte. Strg+3 zeigt sie schattiert.</translation>
+    </message>
+    <message>
+        <source>The render mode &quot;Lit per pixel&quot; shows no objects while shadows are on. S switches shadows off.</source>
+        <translation>Die Darstellung „Pixelweise beleuchtet“ zeigt keine Objekte, solange Schatten eingeschaltet sind. S schaltet sie aus.</translation>
+    </message>
+    <message>
+        <source>The clip plane cuts everything away. P switches it off.</source>
+        <translation>Die Schnittebene schneidet alles weg. P schaltet sie aus.</translation>
+    </message>
+</context>
+<context>
+    <name>ViewPicture</name>
+    <message>
+        <source>the viewer gave no picture of this size</source>
+        <translation>die Ansicht lieferte kein Bild dieser Größe</translation>
+    </message>
+    <message>
+        <source>a side is longer than the %1 pixels that the driver can draw</source>
+        <translation>eine Seite ist länger als die %1 Pixel, die der Treiber zeichnen kann</translation>
+    </message>
+    <message>
+        <source>the picture has more than %1 million pixels</source>
+        <translation>das Bild hat mehr als %1 Millionen Pixel</translation>
+    </message>
+    <message>
+        <source>the picture has no pixel</source>
+        <translation>das Bild hat kein Pixel</translation>
+    </message>
+    <message>
+        <source>a transparent picture needs a still scene: wait for the animation</source>
+        <translation>ein durchsichtiges Bild braucht eine ruhende Szene: die Animation abwarten</translation>
     </message>
 </context>
 <context>

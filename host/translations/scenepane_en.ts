@@ -19,6 +19,23 @@
     </message>
 </context>
 <context>
+    <name>ImportStatus</name>
+    <message numerus="yes">
+        <source>%1; %n file(s): %2</source>
+        <translation>
+            <numerusform>%1; %n file: %2</numerusform>
+            <numerusform>%1; %n files: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1; messages about %n file(s)</source>
+        <translation>
+            <numerusform>%1; messages about %n file</numerusform>
+            <numerusform>%1; messages about %n files</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message numerus="yes">
         <source>%Ln object(s) deleted</source>

@@ -72,7 +72,8 @@ TEST_F(Capture, ShowsTheGoodFilesAndFailsWhenOneIsBad) {
     m_options.files.push_back(m_folder / "none.pax");
     const Printed err;
     EXPECT_EQ(RunCapture(m_options, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "none.pax") + ": No such file or directory\n");
+    EXPECT_EQ(err.Text(),
+              "scenepane: " + (m_folder / "none.pax") + ": there is no such file: check its name and its folder\n");
     EXPECT_NE(ReadPng(m_options.picturePath).At(kSide / 2, kSide / 2), kBackground);
 }
 

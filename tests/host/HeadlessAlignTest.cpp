@@ -209,7 +209,8 @@ TEST_F(Alignment, SavesNothingWhenAFileIsMissing) {
     m_options.fixedFiles.push_back(m_folder / "none.pcm");
     m_options.savedTransforms = m_folder / "out.json";
     const std::string text =
-        Align(kExitFailure, "scenepane: " + (m_folder / "none.pcm") + ": No such file or directory\nscenepane: " +
+        Align(kExitFailure, "scenepane: " + (m_folder / "none.pcm") +
+                                ": there is no such file: check its name and its folder\nscenepane: " +
                                 m_options.savedTransforms + ": not written: not every file was imported\n");
     EXPECT_NE(text, "") << "the pairs alone give the transform";
     EXPECT_FALSE(std::filesystem::exists(m_options.savedTransforms));
@@ -249,7 +250,9 @@ TEST_F(Alignment, NamesTheLineOfABadPair) {
 
 TEST_F(Alignment, PrintsNothingWithoutAFileThatMoves) {
     m_options.movingFiles = {m_folder / "none.pcm"};
-    EXPECT_EQ(Align(kExitFailure, "scenepane: " + (m_folder / "none.pcm") + ": No such file or directory\n"), "");
+    EXPECT_EQ(Align(kExitFailure, "scenepane: " + (m_folder / "none.pcm") +
+                                      ": there is no such file: check its name and its folder\n"),
+              "");
 }
 
 TEST_F(Alignment, PrintsNothingWithTransformsThatCannotBeApplied) {

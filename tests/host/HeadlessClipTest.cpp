@@ -250,7 +250,7 @@ TEST(ClipInfo, WithoutAVertexHasTheDefaultHeightAndNoRule) {
     const InfoRun run = RunClipInfo({folder / "none.ply"}, true);
     EXPECT_EQ(run.status, kExitFailure);
     EXPECT_EQ(run.err, "scenepane: " + (folder / "none.ply") +
-                           ": No such file or directory\n"
+                           ": there is no such file: check its name and its folder\n"
                            "scenepane: no clip height was found, the plane is at -20\n");
     const QJsonObject clip = JsonOf(run.out).value("clip").toObject();
     EXPECT_EQ(clip.keys(), (QStringList{"center", "found", "height", "normal"}));

@@ -101,11 +101,12 @@ TEST_F(HeadlessCutSave, PrintsALineForEachFile) {
     const std::vector<std::byte> untouched = ReadBytes(m_folder / "d.PCM");
     const SaveRun run = Save();
     EXPECT_EQ(run.status, kExitFailure) << "of the missing file";
-    EXPECT_EQ(run.out, Line("a.pcm", "written") + Line("b.pcm", "written, no point is left in it") +
-                           Line("c.ply", "skipped, only pcm files can hold cuts") +
-                           Line("d.PCM", "skipped, nothing new was cut from it") +
-                           Line("none.pcm", "failed, not imported: No such file or directory"));
-    EXPECT_EQ(run.err, "scenepane: " + Line("none.pcm", "No such file or directory"));
+    EXPECT_EQ(run.out,
+              Line("a.pcm", "written") + Line("b.pcm", "written, no point is left in it") +
+                  Line("c.ply", "skipped, only pcm files can hold cuts") +
+                  Line("d.PCM", "skipped, nothing new was cut from it") +
+                  Line("none.pcm", "failed, not imported: there is no such file: check its name and its folder"));
+    EXPECT_EQ(run.err, "scenepane: " + Line("none.pcm", "there is no such file: check its name and its folder"));
     EXPECT_EQ(ReadBytes(m_folder / "d.PCM"), untouched);
     EXPECT_EQ(std::ranges::count(ClassesOf(m_folder / "b.pcm"), kRemoved), 44);
 }

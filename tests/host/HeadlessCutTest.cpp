@@ -200,7 +200,8 @@ TEST_F(HeadlessCut, OfAFileThatIsMissingReportsItAndCutsTheOthers) {
     SetCuts({"inside" + kLeftHalf});
     const CutInfoRun run = Info();
     EXPECT_EQ(run.status, kExitFailure);
-    EXPECT_EQ(run.err, "scenepane: " + (m_folder / "none.pcm") + ": No such file or directory\n");
+    EXPECT_EQ(run.err,
+              "scenepane: " + (m_folder / "none.pcm") + ": there is no such file: check its name and its folder\n");
     EXPECT_EQ(run.vertices, std::vector{55});
     m_options.files.pop_back();
     m_options.exportPath = m_folder / "o.ply";

@@ -255,8 +255,9 @@ TEST_F(MarkerPictures, AreWrittenWithTheGoodFilesAndFailWhenOneIsBad) {
     const std::string lines = err.Text();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 5) << lines;
     for (const char* const line :
-         {"none.xyz: No such file or directory\n", "bad.xyz: line 1", "bad.json: line 1",
-          "bad.txt: line 2: 2 numbers, not x y z as in the lines before\n", ": Is a directory\n"})
+         {"none.xyz: there is no such file: check its name and its folder\n", "bad.xyz: line 1", "bad.json: line 1",
+          "bad.txt: line 2: 2 numbers, not x y z as in the lines before\n",
+          ": this is a folder: name its files, or open it in the window\n"})
         EXPECT_NE(lines.find(line), std::string::npos) << line << lines;
 }
 
@@ -265,7 +266,8 @@ TEST_F(MarkerPictures, AreNotWrittenWithoutAnythingToShow) {
     m_options.lineFiles = {m_folder / "none.txt"};
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + m_options.lineFiles[0] + ": No such file or directory\nscenepane: " +
+    EXPECT_EQ(err.Text(), "scenepane: " + m_options.lineFiles[0] +
+                              ": there is no such file: check its name and its folder\nscenepane: " +
                               m_options.picturePath + ": not written, there is nothing to show\n");
     EXPECT_EQ(ReadBytes(m_options.picturePath).size(), 3u) << "the older picture stays";
 }
@@ -404,7 +406,8 @@ TEST_F(Pick, NamesTheFileOfTheHitObjectAndFailsWhenAnotherFileIsBad) {
     m_options.picks = {{350, 350}, {350 - 200, 350}, {350 + 200, 350}};
     const Printed out, err;
     EXPECT_EQ(RunPick(m_options, out, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + m_options.files[0] + ": No such file or directory\n");
+    EXPECT_EQ(err.Text(),
+              "scenepane: " + m_options.files[0] + ": there is no such file: check its name and its folder\n");
     const std::string json = out.Text();
     EXPECT_NE(json.find("{\"x\":350,\"y\":350,\"object\":-1}"), std::string::npos) << json;
     EXPECT_NE(json.find("\"x\":150,\"y\":350,\"object\":0,\"file\":\"" + m_options.files[1] + '"'), std::string::npos)

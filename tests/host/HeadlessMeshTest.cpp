@@ -112,7 +112,7 @@ const BadMesh kBadMeshes[] = {
     {"MshThatEndsInItsCounts", "a.msh", "\1", ""},
     {"HpsOfOtherText", "a.hps", "no mesh at all", "this is no hps file, or it is damaged"},
     {"HpsWithoutBytes", "a.hps", "", ""},
-    {"UnknownType", "a.obj", "v 0 0 0\n", "unknown file type"},
+    {"UnknownType", "a.obj", "v 0 0 0\n", "the type of the file is not known: it is none of pcm"},
 };
 class MeshIsRefused : public testing::TestWithParam<BadMesh> {};
 
@@ -219,7 +219,8 @@ TEST(Convert, WritesNothingWhenTheImportFails) {
     options.exportPath = folder / "out.ply";
     const Printed err;
     EXPECT_EQ(RunConvert(options, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + (folder / "none.stl") + ": No such file or directory\n");
+    EXPECT_EQ(err.Text(),
+              "scenepane: " + (folder / "none.stl") + ": there is no such file: check its name and its folder\n");
     EXPECT_EQ(ReadBytes(folder / "out.ply").size(), 3u);
 }
 
@@ -317,8 +318,9 @@ struct Refused {
 void PrintTo(const Refused& row, std::ostream* out) { *out << row.name; }
 
 const Refused kRefused[] = {
-    {"missing.ply", [](const std::string&) {}, "No such file or directory"},
-    {"unknown.obj", [](const std::string& path) { WriteText(path, "any"); }, "unknown file type"},
+    {"missing.ply", [](const std::string&) {}, "there is no such file: check its name and its folder"},
+    {"unknown.obj", [](const std::string& path) { WriteText(path, "any"); },
+     "the type of the file is not known: it is none of pcm"},
     {"pipe.ply", [](const std::string& path) { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }, "is not a regular file"},
     {"text.ply", [](const std::string& path) { WriteText(path, "any"); },
      "this is no ply file, whatever its name says"},

@@ -56,8 +56,13 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     const Printed out, err;
     EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
     const std::string json = out.Text();
-    EXPECT_NE(json.find("none.pcm\", \"reason\": \"No such file or directory\"}"), std::string::npos) << json;
-    EXPECT_NE(json.find("a.obj\", \"reason\": \"unknown file type\"}"), std::string::npos) << json;
+    EXPECT_NE(json.find("none.pcm\", \"reason\": \"there is no such file: check its name and its folder\"}"),
+              std::string::npos)
+        << json;
+    EXPECT_NE(json.find("a.obj\", \"reason\": \"the type of the file is not known: it is none of pcm, pax, xdt, ply, "
+                        "stl, hps, ois and msh\"}"),
+              std::string::npos)
+        << json;
     EXPECT_NE(json.find("short.pax\", \"reason\": \"the file is cut short: copy or export it again from its source\"}"),
               std::string::npos)
         << json;
@@ -69,7 +74,9 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     EXPECT_NE(json.find("good.xdt\", \"index\": 0,"), std::string::npos) << json;
     const std::string lines = err.Text();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 4) << lines;
-    EXPECT_NE(lines.find("scenepane: " + (folder / "none.pcm") + ": No such file or directory\n"), std::string::npos);
+    EXPECT_NE(
+        lines.find("scenepane: " + (folder / "none.pcm") + ": there is no such file: check its name and its folder\n"),
+        std::string::npos);
 }
 
 TEST(Info, OpensFilesWhoseNamesAreNotUtf8) {
@@ -217,7 +224,8 @@ TEST_F(Screenshot, ShowsTheGoodFilesAndFailsWhenOneIsBad) {
     m_options.files.push_back(m_folder / "none.pax");
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "none.pax") + ": No such file or directory\n");
+    EXPECT_EQ(err.Text(),
+              "scenepane: " + (m_folder / "none.pax") + ": there is no such file: check its name and its folder\n");
     EXPECT_NE(ReadPng(m_options.picturePath).At(100, 100), kBackground);
 }
 

@@ -122,11 +122,16 @@ TEST_F(MainWindowTest, ReportsEveryFileThatAddedNothing) {
             m_folder / "good.xdt"});
     EXPECT_EQ(Rows(), std::vector<std::string>{"good.xdt"});
     const std::string messages = Messages();
-    EXPECT_NE(messages.find("none.pcm: nothing added: No such file or directory"), std::string::npos) << messages;
+    EXPECT_NE(messages.find("none.pcm: nothing added: there is no such file: check its name and its folder"),
+              std::string::npos)
+        << messages;
     EXPECT_NE(messages.find("damaged.pcm: nothing added: the file is cut short after 1 bytes"), std::string::npos);
     EXPECT_NE(messages.find("short.pax: nothing added: ends before the size of its grid"), std::string::npos)
         << messages;
-    EXPECT_NE(messages.find("foreign.obj: nothing added: unknown file type"), std::string::npos) << messages;
+    EXPECT_NE(messages.find("foreign.obj: nothing added: the type of the file is not known: it is none of pcm, pax, "
+                            "xdt, ply, stl, hps, ois and msh"),
+              std::string::npos)
+        << messages;
     EXPECT_FALSE(m_window->HaveAllFilesAdded());
 }
 

@@ -132,8 +132,10 @@ TEST_F(MarkerFiles, AddNothingOfABadFile) {
               "line 2: 2 numbers, not x y z as in the lines before");
     EXPECT_NE(AddPointFile(Methods(), m_folder / "p.xyz", 0, 1.0f), "");
     EXPECT_NE(AddNeedleFile(Methods(), m_folder / "n.json", {}, &limit, &marks), "");
-    EXPECT_EQ(AddPointFile(Methods(), m_folder / "none", 0, 1.0f), "No such file or directory");
-    EXPECT_EQ(AddNeedleFile(Methods(), m_folder.Path().string(), {}, &limit, &marks), "Is a directory");
+    EXPECT_EQ(AddPointFile(Methods(), m_folder / "none", 0, 1.0f),
+              "there is no such file: check its name and its folder");
+    EXPECT_EQ(AddNeedleFile(Methods(), m_folder.Path().string(), {}, &limit, &marks),
+              "this is a folder: name its files, or open it in the window");
     EXPECT_TRUE(polylines.empty() && marks.empty());
     EXPECT_FALSE(HasLine(0));
     EXPECT_FALSE(Methods().GetLine3DDrawingMode());

@@ -18,6 +18,7 @@
 #include "ColorButton.h"
 #include "ObjectPane.h"
 #include "host/QtUnderXvfb.h"
+#include "host/WaitUntil.h"
 
 namespace {
 
@@ -90,6 +91,15 @@ TEST_F(ObjectListTest, KeepsTheMarkOfAnObjectInOtherRows) {
     EXPECT_EQ(m_nChanges, 0);
 }
 
+TEST_F(ObjectListTest, ShowsTheColumnsUpToTheSizeWithoutScrolling) {
+    Add("/data/bust_0001.pcm", 1234567, {0, 300, 0, 400, 0, 200});
+    m_list.resize(m_list.sizeHint());
+    m_list.show();
+    ASSERT_TRUE(WaitUntil([&] { return m_list.viewport()->width() < m_list.header()->length(); }));
+    const int end = m_list.columnViewportPosition(ObjectList::kSize) + m_list.columnWidth(ObjectList::kSize);
+    EXPECT_LE(end, m_list.viewport()->width());
+}
+
 TEST_F(ObjectListTest, IsUsableByKeysInAllColumns) {
     m_list.setCurrentItem(&Row(0));
     m_list.show();
@@ -137,6 +147,9 @@ TEST_F(ObjectListTest, ShowsWhereAnObjectIsWithoutAReport) {
     m_list.ShowPlace(1, {0, 1, 2, 3, 4, 6}, false);
     EXPECT_EQ(Row(1).text(ObjectList::kMoved), "");
     EXPECT_EQ(tip(1), "/data/b.pcm\nx 0 … 1\ny 2 … 3\nz 4 … 6");
+    m_list.ShowPlace(1, {0.99f, -0.99f, 0.99f, -0.99f, 0.99f, -0.99f}, false);
+    EXPECT_EQ(tip(1), "/data/b.pcm\nno finite coordinates");
+    EXPECT_EQ(Row(1).text(ObjectList::kSize), "");
     EXPECT_EQ(m_nChanges + m_nVisibilities, 0);
     m_list.ShowPlace(0, {-2e-15f, 59, -0.01f, 0.01f, 1e-6f, 5e-4f}, true);
     EXPECT_EQ(tip(0), "/data/a.pcm\nx 0 … 59\ny -0.01 … 0.01\nz 0 … 0.0005");

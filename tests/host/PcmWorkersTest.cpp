@@ -89,7 +89,7 @@ TEST(PcmWorkers, ReportMissingDamagedAndRefusedFiles) {
     const auto& results = workers.Join();
     EXPECT_EQ(results[0].state, ImportResult::State::Added);
     EXPECT_EQ(results[1].state, ImportResult::State::Failed);
-    EXPECT_EQ(results[1].text, "No such file or directory");
+    EXPECT_EQ(results[1].text, "there is no such file: check its name and its folder");
     EXPECT_EQ(results[2].state, ImportResult::State::Failed);
     EXPECT_EQ(results[2].text, damaged.reason);
     EXPECT_EQ(results[3].state, ImportResult::State::Failed);

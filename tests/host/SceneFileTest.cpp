@@ -26,9 +26,10 @@ TEST(ImportRefusal, NamesMissingFilesFoldersAndUnknownTypes) {
         EXPECT_EQ(ImportRefusal(folder / name), "") << name;
     }
     EXPECT_EQ(ImportRefusal(folder / "a.pcm"), "");
-    EXPECT_EQ(ImportRefusal(folder / "b.pcm"), "No such file or directory");
-    EXPECT_EQ(ImportRefusal(folder / "f.pax"), "Is a directory");
-    EXPECT_EQ(ImportRefusal(folder / "a.obj"), "unknown file type");
+    EXPECT_EQ(ImportRefusal(folder / "b.pcm"), "there is no such file: check its name and its folder");
+    EXPECT_EQ(ImportRefusal(folder / "f.pax"), "this is a folder: name its files, or open it in the window");
+    EXPECT_EQ(ImportRefusal(folder / "a.obj"),
+              "the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois and msh");
 }
 
 /// A folder that any user may search, with one file.

@@ -117,6 +117,10 @@ TEST(SceneReportJson, WritesNanAndInfinityAsNull) {
     constexpr float inf = std::numeric_limits<float>::infinity();
     object.center = {std::numeric_limits<float>::quiet_NaN(), inf, -inf};
     EXPECT_NE(ReportJson({{object}, {}}).find("\"center\": [null, null, null]"), std::string::npos);
+    object.box = {0.99f, -0.99f, 0.99f, -0.99f, 0.99f, -0.99f};  // of no finite point
+    EXPECT_NE(ReportJson({{object}, {}}).find("\"box\": null, \"center\": null,"), std::string::npos);
+    const std::string text = ReportText({{object}, {}});
+    EXPECT_NE(text.find("  box            none: no finite coordinates\n  color"), std::string::npos) << text;
 }
 
 TEST(SceneReportJson, EscapesCharactersThatJsonRequiresToBeEscaped) {

@@ -59,15 +59,15 @@ holds 'Usage: scenepane [options] FILE...'
 expect 2 'scenepane: unknown option --what (see scenepane --help)' --what
 expect 2 'scenepane: --view takes a whole number from 0 to 7, not "8" (see scenepane --help)' --view 8
 expect 2 'scenepane: --info needs at least one file (see scenepane --help)' --info
-expect 1 'scenepane: none.pcm: No such file or directory
-scenepane: .: Is a directory' --info none.pcm .
+expect 1 'scenepane: none.pcm: there is no such file: check its name and its folder
+scenepane: .: this is a folder: name its files, or open it in the window' --info none.pcm .
 expect 0 '' --info square.xdt
 holds '  triangles      2'
 expect 0 '' --info --json square.xdt
 holds '"box": [0, 1, 0, 1, -0.01, 0.01]'
 expect 0 '' --info --json -- "$odd"
 holds '"file": "-odd\udcff.xdt"'
-expect 1 'scenepane: square.obj: unknown file type' --info --json --color ff0000 square.xdt square.obj
+expect 1 'scenepane: square.obj: the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois and msh' --info --json --color ff0000 square.xdt square.obj
 holds '"color": "FF0000"'
 expect 0 '' --screenshot square.png --size 40x30 square.xdt
 [ "$(head -c 4 square.png | tail -c 3)" = PNG ] || fail 'no PNG file'
@@ -76,10 +76,10 @@ expect 0 '' --capture capture.png square.xdt
 # Width and height in the file's first chunk: 2048 is 00 00 08 00.
 [ "$(od -An -tx1 -j16 -N8 capture.png | tr -d ' ')" = 0000080000000800 ] || fail 'the capture has another size'
 expect 1 'scenepane: no/a.png: No such file or directory' --capture no/a.png square.xdt
-expect 1 'scenepane: none.pcm: No such file or directory
+expect 1 'scenepane: none.pcm: there is no such file: check its name and its folder
 scenepane: kept.png: not written, there is nothing to show' --capture kept.png none.pcm
 [ -e kept.png ] && fail 'a capture of nothing was written'
-expect 1 'scenepane: none.pcm: No such file or directory' --capture both.png square.xdt none.pcm
+expect 1 'scenepane: none.pcm: there is no such file: check its name and its folder' --capture both.png square.xdt none.pcm
 [ -s both.png ] || fail 'the capture of the good file is missing'
 expect 2 'scenepane: --capture needs at least one file (see scenepane --help)' --capture a.png
 expect 2 'scenepane: --size has no meaning with --capture (see scenepane --help)' --capture a.png --size 9x9 square.xdt
@@ -100,7 +100,7 @@ expect 0 '' --pick 350,100 --size 700x700 --json --pick 250,350 steps.ply --gpu 
 holds '{"picks":[{"x":350,"y":100,"object":-1},{"x":250,"y":350,"object":0,"file":"steps.ply","triangle":1,"point":['
 expect 1 '' --pick 350,100 --size 700x700 --json steps.ply
 holds '{"picks":[{"x":350,"y":100,"object":-1}]}'
-expect 1 'scenepane: none.ply: No such file or directory' --pick 250,350 --size 700x700 none.ply steps.ply
+expect 1 'scenepane: none.ply: there is no such file: check its name and its folder' --pick 250,350 --size 700x700 none.ply steps.ply
 holds '  object         0'
 expect 2 'scenepane: --pick 700,0 is outside of the 700x700 pixels (see scenepane --help)' \
     --pick 700,0 --size 700x700 steps.ply
@@ -125,7 +125,7 @@ expect 0 'scenepane: points.xyz: the capture is fitted to these free points, but
     --capture markers.png --points points.xyz steps.ply
 expect 1 'scenepane: points.xyz: free points are no object; without a window --points adds them' --info points.xyz
 printf '0 0 0\n6 0\n' >bad.txt
-expect 1 'scenepane: none.xyz: No such file or directory
+expect 1 'scenepane: none.xyz: there is no such file: check its name and its folder
 scenepane: bad.txt: line 2: 2 numbers, not x y z as in the lines before' \
     --screenshot markers.png --size 40x30 --points none.xyz --lines bad.txt --lines lines.txt
 [ -s markers.png ] || fail 'the picture of the good file is missing'
@@ -146,7 +146,7 @@ expect 0 '' --info --clip-auto steps.ply
   normal         0 0 1' ] || fail "the text does not end with the plane:
 $(cat out.txt)"
 no_height='scenepane: no clip height was found, the plane is at -20'
-expect 1 "scenepane: none.ply: No such file or directory
+expect 1 "scenepane: none.ply: there is no such file: check its name and its folder
 $no_height" --info --clip-auto --json none.ply
 holds '"clip":{"found":false,"height":-20,"center":[0,0,-20],"normal":[0,0,1]}}'
 rm -f lines.png
@@ -249,7 +249,7 @@ done
 expect 0 '' --convert square.xdt scan.stl
 [ "$(od -An -tu4 -j80 -N4 scan.stl | tr -d ' ')" = 2 ] || fail 'the converted scan has not two triangles'
 expect 0 '' --screenshot mesh.png out.hps
-expect 1 'scenepane: none.ply: No such file or directory' --convert none.ply never.stl
+expect 1 'scenepane: none.ply: there is no such file: check its name and its folder' --convert none.ply never.stl
 printf 'ply\nformat ascii 1.0\n' >short.ply
 expect 1 "$("$scenepane" --info short.ply 2>&1 >out.txt)" --convert short.ply never.stl
 grep -qF 'scenepane: short.ply: ' err.txt || fail 'the short file is not named'
@@ -260,9 +260,9 @@ expect 2 'scenepane: --convert needs two files, the one to read and the one to w
 "$scenepane" --convert mesh.ply no/a.ply 2>err.txt && fail 'a conversion into a folder that is not there was not reported'
 grep -q '^scenepane: no/a.ply: not written: .' err.txt || fail "wrong message: $(cat err.txt)"
 expect 1 'scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' square.xdt
-expect 1 'scenepane: none.ply: No such file or directory
-scenepane: none.txt: No such file or directory
-scenepane: none.json: No such file or directory
+expect 1 'scenepane: none.ply: there is no such file: check its name and its folder
+scenepane: none.txt: there is no such file: check its name and its folder
+scenepane: none.json: there is no such file: check its name and its folder
 scenepane: there is no display (DISPLAY is not set); --screenshot, --capture, --pick, --info, --save-cuts, --export, --align and --convert need none' \
     points.xyz none.ply --points points.xyz --lines none.txt --transforms none.json
 # The window system that is there decides, not the one that a variable names.
