@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "CaughtError.h"
+#include "FileListDialog.h"
 #include "LassoTints.h"
 #include "PaintBlock.h"
 #include "SceneReport.h"
@@ -103,7 +104,7 @@ void CutCommands::OnLassoEnded(int objects) {
 // ---- undo
 
 void CutCommands::Undo() {
-    if (m_pViewer == nullptr || m_way || UndoSteps() == 0) return;
+    if (m_pViewer == nullptr || m_way || UndoSteps() == 0 || !AskToUndo()) return;
     const std::vector<ObjectRow> before = m_objects.Rows();
     emit AboutToReplaceObjects();
     {
@@ -121,6 +122,22 @@ void CutCommands::Undo() {
     m_ledger.OnUndone(Objects(Plan()), UndoSteps());
     emit Changed();
     emit Report(text);
+}
+
+bool CutCommands::AskToUndo() {
+    if (m_vSteps.empty()) return true;
+    QStringList opened;
+    for (const ObjectRow& row : m_objects.Rows()) {
+        if (!row.isRemoved && RowOf(m_vSteps.back(), row.id) == nullptr) opened << NameOf(row);
+    }
+    if (opened.isEmpty()) return true;
+    const int steps = UndoSteps();
+    FileListDialog dialog({tr("Take back the cut"), tr("Taking this cut back also removes what was opened after it:"),
+                           opened, tr("Their files stay as they are and can be opened again.")},
+                          QDialogButtonBox::Yes | QDialogButtonBox::Cancel, QDialogButtonBox::Cancel, m_pWindow);
+    dialog.SetButtonText(QDialogButtonBox::Yes, tr("Take back"));
+    // The viewer can be lost while the dialog is open.
+    return dialog.Ask() == QDialogButtonBox::Yes && m_pViewer != nullptr && UndoSteps() == steps;
 }
 
 std::vector<ObjectRow> CutCommands::TakeStep() {

@@ -100,6 +100,8 @@ private:
     void ShowObjects(std::vector<ObjectRow> rows);
     /// After an undo and before the ledger follows it: what became of the objects. @param before  the rows before it
     [[nodiscard]] QString UndoText(const std::vector<ObjectRow>& before) const;
+    /// Asks, if objects were opened after the newest cut: taking it back removes them. @return whether it can be done
+    [[nodiscard]] bool AskToUndo();
     /// Rows of the viewer's newest undo step, with the check marks that each object has now.
     [[nodiscard]] std::vector<ObjectRow> TakeStep();
     /// Deletes what was deleted before the cut that was taken back, and for good since. @param before  the undo

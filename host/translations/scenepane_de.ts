@@ -583,6 +583,22 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <source>, %1 failed before</source>
         <translation>, %1 schon früher fehlgeschlagen</translation>
     </message>
+    <message>
+        <source>Take back the cut</source>
+        <translation>Schnitt zurücknehmen</translation>
+    </message>
+    <message>
+        <source>Taking this cut back also removes what was opened after it:</source>
+        <translation>Wird dieser Schnitt zurückgenommen, entfällt auch, was danach geöffnet wurde:</translation>
+    </message>
+    <message>
+        <source>Their files stay as they are and can be opened again.</source>
+        <translation>Ihre Dateien bleiben, wie sie sind, und können wieder geöffnet werden.</translation>
+    </message>
+    <message>
+        <source>Take back</source>
+        <translation>Zurücknehmen</translation>
+    </message>
 </context>
 <context>
     <name>CutToolBar</name>

@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QMenu>
 #include <QSpinBox>
+#include <QToolBar>
 
 #include "AnimationDriver.h"
 #include "AnimationPanel.h"
@@ -131,6 +132,7 @@ TEST_F(MainWindowCut, IsCancelledByEscapeInTheViewerAndElsewhere) {
     ASSERT_TRUE(WaitUntil([&] { return !IsRunning(); }));
     Start("cutFreehandInside");
     Click({kMiddle[0], kMiddle[1], kMiddle[2]});
+    Find<QToolBar>("mainTools").hide();                // the others have space for all of their tools
     auto& box = Find<QSpinBox>("lassoOpacityInside");  // an input of the window has the keyboard
     ClickOn(box);
     ASSERT_TRUE(WaitUntil([&] { return box.hasFocus(); }));
@@ -160,7 +162,7 @@ TEST_F(MainWindowCut, ChangesTheWayOfALassoThatRuns) {
 TEST_F(MainWindowCut, SaysThatNothingWasCut) {
     Cut("cutPolygonInside", {{0.01, 0.01}, {0.05, 0.01}, {0.05, 0.05}});
     EXPECT_EQ(StatusText(), "Nothing was cut.");
-    EXPECT_EQ(UndoText(), "Undo cut");
+    EXPECT_EQ(UndoText(), "Undo");
     EXPECT_FALSE(m_window->isWindowModified());
 }
 
@@ -315,7 +317,7 @@ TEST_F(MainWindowCut, IsTakenBackStepByStep) {
     EXPECT_EQ(StatusText(), "The cut was taken back; 1 can be taken back, too.");
     ClickOn(m_window->Messages());
     Xdotool("key ctrl+z");
-    ASSERT_TRUE(WaitUntil([&] { return UndoText() == "Undo cut"; }));
+    ASSERT_TRUE(WaitUntil([&] { return UndoText() == "Undo"; }));
     EXPECT_EQ(Vertices(0), 3600);
     EXPECT_TRUE(IsObjectAt(kCentre));
     EXPECT_FALSE(m_window->isWindowModified());
@@ -334,7 +336,20 @@ TEST_F(MainWindowCut, RestoresTheListWithTheObjectsOfTheCut) {
     m_window->DeleteObject(0);
     Import(ManyPcms(1));
     ASSERT_EQ(Rows(), (std::vector<std::string>{"back.pcm", "part.stl", "0.pcm"}));
+    {
+        const DialogAnswer<FileListDialog> answer([](FileListDialog& dialog) {
+            EXPECT_NE(dialog.Text().indexOf("also removes what was opened after it:\n0.pcm"), -1)
+                << dialog.Text().toStdString();
+            dialog.Press(QDialogButtonBox::Cancel);
+        });
+        Tool("cutUndo").trigger();
+        EXPECT_TRUE(answer.WasShown());
+        EXPECT_EQ(Rows().size(), 3u) << "cancelled";
+        EXPECT_EQ(Steps(), 1);
+    }
+    const DialogAnswer<FileListDialog> answer([](FileListDialog& dialog) { dialog.Press(QDialogButtonBox::Yes); });
     Tool("cutUndo").trigger();
+    EXPECT_TRUE(answer.WasShown());
     EXPECT_EQ(Rows(), (std::vector<std::string>{"front.pcm", "back.pcm", "part.stl"}));
     ExpectListOfTheViewer();
     EXPECT_EQ(Vertices(0), 3600);
@@ -342,6 +357,7 @@ TEST_F(MainWindowCut, RestoresTheListWithTheObjectsOfTheCut) {
     EXPECT_TRUE(m_window->Objects().IsHidden(1));
     EXPECT_FALSE(m_window->Objects().IsHidden(0));
     EXPECT_NE(StatusText().find("Removed, because opened after the cut: 0.pcm"), std::string::npos) << StatusText();
+    EXPECT_NE(Messages().find("Removed, because opened after the cut: 0.pcm"), std::string::npos) << Messages();
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(static_cast<ColorButton*>(
                       m_window->Objects().itemWidget(m_window->Objects().topLevelItem(i), ObjectList::kColor))

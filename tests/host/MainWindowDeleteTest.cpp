@@ -74,7 +74,7 @@ TEST_F(MainWindowDelete, RestoresWhatTheDeleteKeyRemovedByCtrlZ) {
     EXPECT_EQ(List().SelectedObjects(), (Indices{0, 1}));
     List().clearSelection();  // and with it the boxes
     EXPECT_EQ(DrawFrame().pixels, before.pixels);
-    EXPECT_EQ(UndoText(), "Undo cut");
+    EXPECT_EQ(UndoText(), "Undo");
     EXPECT_FALSE(Tool("cutUndo").isEnabled());
 }
 
@@ -291,6 +291,7 @@ TEST_F(MainWindowDelete, IsNamedWhenACutIsTakenBackThatIsOlder) {
     m_window->RemoveObjects({1});
     Import({m_folder / "part.stl"});
     ASSERT_EQ(ObjectsInViewer(), 2) << "front.pcm and part.stl";
+    const DialogAnswer<FileListDialog> answer([](FileListDialog& dialog) { dialog.Press(QDialogButtonBox::Yes); });
     m_window->Undo();
     EXPECT_EQ(Rows(), (std::vector<std::string>{"front.pcm", "back.pcm"}));
     EXPECT_TRUE(Has(StatusText(), "Removed, because opened after the cut: part.stl.")) << StatusText();
