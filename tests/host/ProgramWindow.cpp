@@ -5,12 +5,9 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-#include <chrono>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
-#include <thread>
 
 #include "support/Wait.h"
 
@@ -49,19 +46,21 @@ ScreenRect RectOf(Display* display, Window window) {
     return {x, y, static_cast<int>(width), static_cast<int>(height)};
 }
 
-bool IsMainWindow(Display* display, Window window) {
+bool IsOfProgram(Display* display, Window window) {
     XClassHint hint{};
     if (XGetClassHint(display, window, &hint) == 0) return false;
     const bool isProgram = hint.res_class != nullptr && std::string_view(hint.res_class) == "scenepane";
     XFree(hint.res_name);
     XFree(hint.res_class);
-    return isProgram && IsVisible(display, window);
+    return isProgram;
 }
 
-Window Find(Display* display, Window window, const std::function<bool(Window)>& isWanted) {
-    if (isWanted(window)) return window;
+/// The outermost window of the program that is visible. Native windows inside it have the class of the program as well,
+/// and can become visible between the questions about the main window and about them.
+Window FindMainWindow(Display* display, Window window) {
+    if (IsOfProgram(display, window)) return IsVisible(display, window) ? window : None;
     for (const Window child : Children(display, window))
-        if (const Window found = Find(display, child, isWanted); found != None) return found;
+        if (const Window found = FindMainWindow(display, child); found != None) return found;
     return None;
 }
 
@@ -102,8 +101,7 @@ bool ProgramWindow::IsShown() {
                if (!m_process.IsRunning()) return true;
                const Connection connection = Open(m_display);
                Display* const display = connection.get();
-               m_window = Find(display, DefaultRootWindow(display),
-                               [display](Window window) { return IsMainWindow(display, window); });
+               m_window = FindMainWindow(display, DefaultRootWindow(display));
                return m_window != None && ViewerIn(display, m_window) != None;
            }) &&
            m_process.IsRunning();
@@ -147,21 +145,16 @@ ScreenRect ProgramWindow::WorkArea() const {
 }
 
 int ProgramWindow::Close() {
-    const auto ask = [&] {
-        const Connection connection = Open(m_display);
-        Display* const display = connection.get();
-        XEvent event{};
-        event.xclient.type = ClientMessage;
-        event.xclient.window = m_window;
-        event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
-        event.xclient.format = 32;
-        event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
-        event.xclient.data.l[1] = CurrentTime;
-        XSendEvent(display, m_window, False, NoEventMask, &event);
-        XSync(display, False);
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    };
-    // Again and again: a window that is just being shown drops the first message.
-    if (!WaitUntil([&] { return !m_process.IsRunning(); }, ask)) return -1;
+    const Connection connection = Open(m_display);
+    Display* const display = connection.get();
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = m_window;
+    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(display, m_window, False, NoEventMask, &event);
+    XSync(display, False);
     return m_process.WaitForEnd().value_or(-1);
 }
