@@ -40,7 +40,7 @@ const Way kWays[] = {
 
 QString UndoText(int steps, int deletedObjects) {
     if (deletedObjects > 0) return CutToolBar::tr("Un&do deletion (%1)").arg(deletedObjects);
-    return steps > 0 ? CutToolBar::tr("Un&do cut (%1)").arg(steps) : CutToolBar::tr("Un&do cut");
+    return steps > 0 ? CutToolBar::tr("Un&do cut (%1)").arg(steps) : CutToolBar::tr("Un&do");
 }
 
 }  // namespace

@@ -9,9 +9,9 @@
 
 namespace {
 
-QString Tr(const char* text, int count = -1) {
-    return QCoreApplication::translate("ImportStatus", text, nullptr, count);
-}
+struct ImportStatus {
+    Q_DECLARE_TR_FUNCTIONS(ImportStatus)
+};
 
 QString NameOf(const std::string& path) { return QString::fromStdString(path.substr(path.rfind('/') + 1)); }
 
@@ -25,12 +25,13 @@ QString ImportStatus(std::span<const std::string> files, std::span<const ImportR
         ++added;
         if (!results[i].text.empty()) noted.push_back(i);
     }
-    const QString opened = Tr("%1 of %2 files opened").arg(added).arg(results.size());
+    const QString opened = ImportStatus::tr("%1 of %2 files opened").arg(added).arg(results.size());
     if (noted.empty()) return opened;
     const std::string& text = results[noted.front()].text;
-    if (noted.size() == 1) return Tr("%1; %2: %3").arg(opened, NameOf(files[noted.front()]), TranslatedText(text));
+    if (noted.size() == 1)
+        return ImportStatus::tr("%1; %2: %3").arg(opened, NameOf(files[noted.front()]), TranslatedText(text));
     const bool isSame = std::ranges::all_of(noted, [&](std::size_t i) { return results[i].text == text; });
     const auto count = static_cast<int>(noted.size());
-    return isSame ? Tr("%1; %n file(s): %2", count).arg(opened, TranslatedText(text))
-                  : Tr("%1; messages about %n file(s)", count).arg(opened);
+    return isSame ? ImportStatus::tr("%1; %n file(s): %2", nullptr, count).arg(opened, TranslatedText(text))
+                  : ImportStatus::tr("%1; messages about %n file(s)", nullptr, count).arg(opened);
 }

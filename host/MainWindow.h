@@ -617,8 +617,9 @@ private:
     int m_nPointToMove = -1;                 // by the next pick; -1 for none
     MouseScheme m_mouseScheme = MouseScheme::Normal;
     KV_ScenePane::RotationMode m_rotation = KV_ScenePane::RotateFree;
-    QList<QAction*> m_rotationActions;  // in the order of KV_ScenePane::RotationMode
-    QList<QAction*> m_schemeActions;    // in the order of MouseScheme
+    QList<QAction*> m_rotationActions;    // in the order of KV_ScenePane::RotationMode
+    QList<QAction*> m_schemeActions;      // in the order of MouseScheme
+    QList<QAction*> m_appearanceActions;  // in the order of Appearance
     WindowShell* m_pShell = nullptr;
     QLabel* m_pImportNote = nullptr;             // in the status bar while imports leave points out
     std::vector<QAction*> m_vViewerActions;      // enabled with a viewer and without a lasso

@@ -90,7 +90,8 @@ void MainWindow::MakeFileMenu() {
     menu->addSeparator();
     MakePictureActions(*menu);
     m_pSavePicture = menu->findChild<QAction*>("savePicture");
-    QAction* const shot = menu->addAction(tr("Save screens&hot..."), this, &MainWindow::AskForScreenShot);
+    QAction* const shot = menu->addAction(tr("Save screens&hot of the whole scene (2048 x 2048)..."), this,
+                                          &MainWindow::AskForScreenShot);
     shot->setStatusTip(tr(kScreenShotTip));
     m_vFileActions.push_back(shot);
     menu->addSeparator();
@@ -156,6 +157,7 @@ void MainWindow::MakeAppearanceMenu(QMenu& menu) {
         action->setChecked(appearance == stored);
         group->addAction(action);
     }
+    m_appearanceActions = group->actions();
 }
 
 // Ctrl and a digit are the shortcuts of the render modes, by their position in the table.

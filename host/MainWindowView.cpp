@@ -11,6 +11,7 @@
 #include "MarkerPanel.h"
 #include "NeedlePanel.h"
 #include "ObjectList.h"
+#include "PickPanel.h"
 #include "SceneReport.h"
 #include "ShortcutDialog.h"
 #include "ToolAction.h"
@@ -122,7 +123,7 @@ void MainWindow::AddObjectEntries(QMenu& menu, const KV_ScenePane::SurfacePoint&
     remove->setEnabled(!IsImporting());
     QStringList numbers;
     for (const float part : hit.point) numbers << QString::fromStdString(NumberText(part));
-    menu.addAction(tr("&Copy the point %1").arg(numbers.join(' ')), this, [this, numbers] {
+    menu.addAction(tr("&Copy the point %1").arg(ShownPoint(hit.point)), this, [this, numbers] {
         QGuiApplication::clipboard()->setText(numbers.join('\t'));
         statusBar()->showMessage(tr("Copied: %1").arg(numbers.join(' ')));
     });

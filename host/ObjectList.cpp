@@ -31,8 +31,7 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     header()->setSectionResizeMode(kName, QHeaderView::Interactive);
     header()->setStretchLastSection(false);
     header()->setSectionsClickable(true);
-    header()->setSortIndicatorShown(true);
-    header()->setSortIndicator(kUnsorted, Qt::AscendingOrder);
+    header()->setSortIndicator(kUnsorted, Qt::AscendingOrder);  // shown in SortBy(): it has space in each column
     connect(header(), &QHeaderView::sectionClicked, this, &ObjectList::OnHeadClicked);
     connect(header(), &QHeaderView::sectionResized, this, [this](int column) {
         if (column != kName)
@@ -281,6 +280,7 @@ void ObjectList::OnHeadClicked(int column) {
 void ObjectList::SortBy(int column, Qt::SortOrder order) {
     m_nSortColumn = column;
     m_sortOrder = order;
+    header()->setSortIndicatorShown(column != kUnsorted);
     header()->setSortIndicator(column, order);
     model()->sort(std::max<int>(column, kName), order);  // rows ask for SortColumn()
 }
@@ -366,10 +366,15 @@ void ObjectList::resizeEvent(QResizeEvent* event) {
 
 void ObjectList::FitNameColumn() {
     if (!m_bFitsNames || m_bInFit) return;
-    constexpr int kLetters = 20;  // of a name, at least
-    const int smallest = kLetters * fontMetrics().averageCharWidth() + style()->pixelMetric(QStyle::PM_IndicatorWidth);
-    const int others = header()->length() - header()->sectionSize(kName);
+    constexpr int kLetters = 20, kLeastLetters = 12;  // of a name
+    const auto widthOf = [this](int letters) {
+        return letters * fontMetrics().averageCharWidth() + style()->pixelMetric(QStyle::PM_IndicatorWidth);
+    };
+    const int space = viewport()->width(), all = header()->length() - header()->sectionSize(kName);
+    // A narrow list shows the columns up to the size; the others are reached by the scroll bar.
+    const int others = all - header()->sectionSize(kVertices) - header()->sectionSize(kMoved);
+    const int width = space - all >= widthOf(kLetters) ? space - all : space - others;
     m_bInFit = true;
-    header()->resizeSection(kName, std::max(smallest, viewport()->width() - others));
+    header()->resizeSection(kName, std::max(widthOf(kLeastLetters), width));
     m_bInFit = false;
 }

@@ -88,7 +88,7 @@ public:
     [[nodiscard]] int SortColumn() const { return m_nSortColumn; }
 
     /// For the first layout only; the user can resize the pane.
-    [[nodiscard]] QSize sizeHint() const override { return {420, 300}; }
+    [[nodiscard]] QSize sizeHint() const override { return {440, 300}; }
     /// Five rows, on a screen that has no more space.
     [[nodiscard]] QSize minimumSizeHint() const override;
 

@@ -4,7 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
-#include <QToolButton>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "ObjectList.h"
@@ -14,12 +14,12 @@ ObjectPane::ObjectPane(ObjectList* list, QWidget* parent)
     m_pTotals->setObjectName("objectTotals");
     // A narrow pane cuts the text off; it must not keep the pane from being narrow.
     m_pTotals->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    auto* const button = new QToolButton;
+    auto* const button = new QPushButton;  // a tool button draws the arrow over its corner
     button->setObjectName("objectCommands");
     button->setText(tr("Co&mmands"));
     button->setToolTip(tr("What can be done with the selected objects"));
     button->setMenu(m_pCommands);
-    button->setPopupMode(QToolButton::InstantPopup);
+    button->setFocusPolicy(Qt::TabFocus);  // a click leaves the keyboard where it is
     auto* const row = new QHBoxLayout;
     row->setContentsMargins(4, 0, 0, 0);
     row->addWidget(m_pTotals, 1);

@@ -57,6 +57,18 @@ QString PointText(const PickedPoint& pick, const QString& separator) {
     return numbers.join(separator);
 }
 
+QString ShownObject(const PickedPoint& pick) {
+    return pick.object < 0 || pick.isDeleted ? ObjectText(pick) : pick.name;
+}
+
+QString ShownPoint(std::span<const float, 3> point) {
+    QStringList numbers;
+    for (const float value : point) numbers << ShownLength(static_cast<double>(value));
+    return numbers.join(", ");
+}
+
+QString ShownLength(double length) { return QString::number(length, 'f', 3); }
+
 PickPanel::PickPanel(QWidget* parent)
     : QWidget(parent),
       m_pPlacing(new QCheckBox(tr("A &double click places a point"))),

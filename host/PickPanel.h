@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 class ColorButton;
@@ -29,6 +30,13 @@ struct PickedPoint {
 [[nodiscard]] QString ObjectText(const PickedPoint& pick);
 /// x, y and z as NumberText(), whatever the locale.
 [[nodiscard]] QString PointText(const PickedPoint& pick, const QString& separator);
+
+// ---- rounded to 3 decimals, to be read
+/// "scan.pcm".
+[[nodiscard]] QString ShownObject(const PickedPoint& pick);
+/// "7.288, -33.502, 1.126".
+[[nodiscard]] QString ShownPoint(std::span<const float, 3> point);
+[[nodiscard]] QString ShownLength(double length);
 
 /// Shows what the window passes to it and reports what the user asked for; it calls no viewer. Points count from 0 here
 /// and from 1 for the user.

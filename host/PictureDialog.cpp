@@ -97,9 +97,9 @@ void PictureDialog::Arrange() {
     };
     m_pSave = add(tr("&Save..."), Use::Save);
     m_pCopy = add(tr("&Copy"), Use::Copy);
-    m_pSave->setDefault(true);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     form->addRow(buttons);
+    m_pSave->setDefault(true);  // once it belongs to the dialog, which chooses another one otherwise
 }
 
 PictureLook PictureDialog::Look() const {

@@ -9,15 +9,16 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
+#include <QScrollBar>
 #include <QSet>
+#include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <iterator>
 
 namespace {
-
-QString Tr(const char* text) { return ShortcutDialog::tr(text); }
 
 /// Without the mark of a mnemonic and the dots of a dialog.
 QString PlainText(QString text) {
@@ -44,9 +45,9 @@ QString PlaceOf(const QAction& action) {
     for (const QObject* place = action.parent(); place != nullptr; place = place->parent()) {
         const auto* const widget = qobject_cast<const QWidget*>(place);
         if (widget == nullptr || qobject_cast<const QMainWindow*>(widget) != nullptr) continue;
-        if (!widget->windowTitle().isEmpty()) return Tr("Pane %1").arg(widget->windowTitle());
+        if (!widget->windowTitle().isEmpty()) return ShortcutDialog::tr("Pane %1").arg(widget->windowTitle());
     }
-    return Tr("Window");
+    return ShortcutDialog::tr("Window");
 }
 
 /// What the buttons do in a scheme, in the order of MouseScheme.
@@ -119,11 +120,12 @@ std::vector<ShortcutRow> ViewerInputs(MouseScheme scheme) {
     const auto column = static_cast<std::size_t>(scheme);
     for (const MouseRow& row : kMouseRows) {
         if (row.inputs[column] != nullptr)
-            rows.push_back({Tr("Mouse in the view"), Tr(row.inputs[column]), Tr(row.text)});
+            rows.push_back({ShortcutDialog::tr("Mouse in the view"), ShortcutDialog::tr(row.inputs[column]),
+                            ShortcutDialog::tr(row.text)});
     }
     for (const ViewerKey& row : kViewerKeys)
-        rows.push_back(
-            {Tr("Keys in the view"), QKeySequence(row.key).toString(QKeySequence::NativeText), Tr(row.text)});
+        rows.push_back({ShortcutDialog::tr("Keys in the view"),
+                        QKeySequence(row.key).toString(QKeySequence::NativeText), ShortcutDialog::tr(row.text)});
     return rows;
 }
 
@@ -150,7 +152,14 @@ ShortcutDialog::ShortcutDialog(QWidget* parent) : QDialog(parent), m_pSearch(new
 void ShortcutDialog::ShowRows(const std::vector<ShortcutRow>& rows) {
     m_pTable->clear();
     for (const ShortcutRow& row : rows) m_pTable->addTopLevelItem(new QTreeWidgetItem({row.keys, row.text, row.group}));
+    QHeaderView& head = *m_pTable->header();
+    head.setStretchLastSection(false);
     for (int column = 0; column < m_pTable->columnCount(); ++column) m_pTable->resizeColumnToContents(column);
+    const int bar = m_pTable->verticalScrollBar()->sizeHint().width();
+    const int width =
+        head.length() + bar + 2 * m_pTable->frameWidth() + style()->pixelMetric(QStyle::PM_ScrollView_ScrollBarSpacing);
+    m_pTable->setMinimumWidth(std::min(width, screen()->availableSize().width() * 9 / 10));
+    head.setStretchLastSection(true);
     Filter();
     m_pSearch->setFocus();
 }

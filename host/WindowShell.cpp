@@ -11,9 +11,11 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QScreen>
+#include <QTabBar>
 #include <QTimer>
 #include <QToolBar>
 #include <QWindow>
+#include <algorithm>
 #include <utility>
 
 #include "RecentFiles.h"
@@ -202,6 +204,13 @@ bool WindowShell::eventFilter(QObject* watched, QEvent* event) {
         m_bPlaced = true;
         QMetaObject::invokeMethod(this, &WindowShell::KeepInside, Qt::QueuedConnection);
     }
+    // The window makes the tab bars of its panes when it needs them.
+    if (watched == &m_window && event->type() == QEvent::ChildPolished) {
+        if (auto* const tabs = qobject_cast<QTabBar*>(static_cast<QChildEvent*>(event)->child())) {
+            tabs->setElideMode(Qt::ElideNone);
+            tabs->setUsesScrollButtons(true);
+        }
+    }
     return QObject::eventFilter(watched, event);
 }
 
@@ -218,7 +227,8 @@ void WindowShell::KeepInside() {
 
 void WindowShell::NarrowPanes() {
     const QWidget* const centre = m_window.centralWidget();
-    if (!m_bNarrowsPanes || centre == nullptr || 2 * centre->width() >= m_window.width()) return;
+    if (!m_bNarrowsPanes || centre == nullptr) return;
+    if (2 * centre->width() >= m_window.width()) return WidenPanes(centre->width() - m_window.width() / 2);
     for (const Qt::DockWidgetArea area : {Qt::LeftDockWidgetArea, Qt::RightDockWidgetArea}) {
         for (QDockWidget* const pane : Panes()) {
             if (m_window.dockWidgetArea(pane) != area || pane->isHidden() || pane->isFloating()) continue;
@@ -226,4 +236,16 @@ void WindowShell::NarrowPanes() {
             break;  // the others of the area have the same width
         }
     }
+}
+
+void WindowShell::WidenPanes(int space) {
+    QDockWidget* widest = nullptr;
+    for (QDockWidget* const pane : Panes()) {
+        if (m_window.dockWidgetArea(pane) != Qt::RightDockWidgetArea || pane->isHidden() || pane->isFloating())
+            continue;
+        if (widest == nullptr || pane->sizeHint().width() > widest->sizeHint().width()) widest = pane;
+    }
+    if (widest == nullptr || widest->sizeHint().width() <= widest->width()) return;
+    const int width = std::min(widest->sizeHint().width(), widest->width() + space);
+    m_window.resizeDocks({widest}, {width}, Qt::Horizontal);
 }

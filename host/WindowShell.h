@@ -60,6 +60,9 @@ private:
     void KeepInside();
     /// The viewer keeps half of the width.
     void NarrowPanes();
+    /// Panes at the right get the width that their contents need, from what the viewer has beyond its half.
+    /// @param space  that the viewer can give, pixels
+    void WidenPanes(int space);
     [[nodiscard]] QList<QDockWidget*> Panes() const;
 
     QMainWindow& m_window;

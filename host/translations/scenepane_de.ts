@@ -716,7 +716,7 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     </message>
     <message>
         <source>Un&amp;do</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Rückgängig</translation>
     </message>
 </context>
 <context>
@@ -1971,15 +1971,15 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
     </message>
     <message>
         <source>Save screens&amp;hot of the whole scene (2048 x 2048)...</source>
-        <translation type="unfinished"></translation>
+        <translation>Bildschirm&amp;foto der ganzen Szene speichern (2048 x 2048)...</translation>
     </message>
     <message>
         <source>%1: %2 mm</source>
-        <translation type="unfinished"></translation>
+        <translation>%1: %2 mm</translation>
     </message>
     <message>
         <source>%1: %2 mm, distance %3 mm</source>
-        <translation type="unfinished"></translation>
+        <translation>%1: %2 mm, Abstand %3 mm</translation>
     </message>
 </context>
 <context>

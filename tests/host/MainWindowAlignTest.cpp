@@ -334,8 +334,12 @@ TEST_F(MainWindowAlign, RunsWithoutALassoOnly) {
 
 TEST_F(MainWindowAlign, AllowsTheViewToChangeButNotTheObjects) {
     ASSERT_TRUE(CutByCall());
-    const QStringList scene{"Clear",        "Open...",        "Export selected object...", "Save screenshot...",
-                            "Centre cross", "Import lines..."};
+    const QStringList scene{"Clear",
+                            "Open...",
+                            "Export selected object...",
+                            "Save screenshot of the whole scene (2048 x 2048)...",
+                            "Centre cross",
+                            "Import lines..."};
     const QStringList view{"Fit the view", "From +Z, Y up", "Shadows", "Clip the scene"};
     for (const char* const tool : {"alignByHand", "alignByPoints"}) {
         StartAlign(tool);

@@ -202,7 +202,7 @@ TEST_F(MainWindowCutSave, AsksBeforeTheSceneIsCleared) {
     }
     EXPECT_EQ(ObjectsInViewer(), 0);
     EXPECT_FALSE(m_window->isWindowModified());
-    EXPECT_EQ(UndoText(), "Undo cut");
+    EXPECT_EQ(UndoText(), "Undo");
     EXPECT_TRUE(Close()) << "nothing is left to save";
 }
 

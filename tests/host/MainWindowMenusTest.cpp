@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSpinBox>
 #include <QToolBar>
 #include <QToolButton>
@@ -217,6 +218,7 @@ TEST_F(MainWindowShortcutKey, OpensTheTableAndTheSearchFindsAKey) {
         return rows;
     };
     EXPECT_GT(shown().size(), 50u);
+    EXPECT_EQ(table.horizontalScrollBar()->maximum(), 0) << "all columns are visible";
     Xdotool("type 'ctrl+o'");
     EXPECT_TRUE(WaitUntil([&] { return shown() == std::vector<std::string>{"Open"}; }));
     Find<QLineEdit>("shortcutSearch").setText("clip plane along");

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTimer>
 #include <cmath>
 #include <filesystem>
@@ -359,6 +360,8 @@ protected:
         QTimer::singleShot(0, m_window.get(), [this, format, answer] {
             auto* const dialog = qobject_cast<ExportDialog*>(QApplication::activeModalWidget());
             if (dialog == nullptr) return;
+            for (const auto* const button : dialog->findChildren<QPushButton*>())
+                EXPECT_EQ(button->isDefault(), button->text() == "&Export") << button->text().toStdString();
             dialog->findChild<QLineEdit*>("exportFolder")->setText(QString::fromStdString(m_folder / "out"));
             auto* const formats = dialog->findChild<QComboBox*>("exportFormat");
             formats->setCurrentIndex(formats->findText(format, Qt::MatchStartsWith));

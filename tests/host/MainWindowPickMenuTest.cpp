@@ -116,7 +116,7 @@ TEST_F(MainWindowPickMenu, ShowsTheAmpersandOfAFileName) {
     Import({m_folder / "a&b.xdt"});
     PlacePoints({Beside(-0.2, 0)});
     RightClick(Beside(-0.2, 0));
-    EXPECT_EQ(OpenMenu()->actions().front()->text().toStdString(), "Point 1 on 1: a&&b.xdt");
+    EXPECT_EQ(OpenMenu()->actions().front()->text().toStdString(), "Point 1 on a&&b.xdt");
 }
 
 TEST_F(MainWindowPickMenu, RemovesThePoint) {

@@ -338,6 +338,15 @@ TEST(PictureDialog, KeepsTheShapeOfTheView) {
     EXPECT_EQ(dialog.Look().size, QSize(700, 1000));
 }
 
+TEST(PictureDialog, SavesOnEnter) {
+    PictureDialog dialog({1200, 800}, {}, 16384);
+    dialog.show();
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(&dialog, &enter);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.ChosenUse(), PictureDialog::Use::Save);
+}
+
 TEST(PictureDialog, RefusesASizeThatCannotBeDrawn) {
     PictureDialog dialog({1200, 800}, {}, 16384);
     const auto hasButtons = [&] {

@@ -1,11 +1,13 @@
 // Place, panes, full screen, recent files and folders of the window, and what it remembers for the next one.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDockWidget>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTabBar>
 #include <filesystem>
 
 #include "EventPane.h"
@@ -46,6 +48,20 @@ protected:
 };
 
 // ---- panes
+
+TEST_F(MainWindowShell, NamesOfPanesThatShareAPlaceAreWhole) {
+    Show();
+    const auto isOfPanes = [](const QTabBar* bar) { return bar->isVisible() && bar->count() > 1; };
+    int bars = 0;
+    for (const auto* const bar : m_window->findChildren<QTabBar*>(Qt::FindDirectChildrenOnly)) {
+        if (!isOfPanes(bar)) continue;
+        ++bars;
+        for (int tab = 0; tab < bar->count(); ++tab)
+            EXPECT_GT(bar->tabRect(tab).width(), bar->fontMetrics().horizontalAdvance(bar->tabText(tab)))
+                << bar->tabText(tab).toStdString();
+    }
+    EXPECT_GT(bars, 0);
+}
 
 TEST_F(MainWindowShell, TheFirstStartShowsNeitherMessagesNorEvents) {
     Show();
@@ -205,6 +221,9 @@ TEST_F(MainWindowShell, RememberedImportSettingsAreShownAndThoseOfTheCommandLine
 TEST_F(MainWindowShell, AResetAsksAndMakesThisWindowAndTheNextOneLikeAFirstStart) {
     Show();
     const std::vector<std::string> open = OpenDocks();
+    const QColor ofDesktop = QApplication::palette().color(QPalette::Window);
+    Trigger("Dark");
+    ASSERT_NE(QApplication::palette().color(QPalette::Window), ofDesktop);
     Trigger("Flipped: left moves, right turns");
     m_window->ShowBackground({0xFF0000, 0xFF0000, 0xFF0000, 0xFF0000});
     Dock("objects").toggleViewAction()->trigger();
@@ -218,7 +237,8 @@ TEST_F(MainWindowShell, AResetAsksAndMakesThisWindowAndTheNextOneLikeAFirstStart
     EXPECT_EQ(StoredRecentFiles().size(), 1u);
     {
         const DialogAnswer<QMessageBox> yes([](QMessageBox& box) {
-            EXPECT_TRUE(box.informativeText().contains("recent files")) << "names what is lost";
+            for (const char* const lost : {"recent files", "appearance", "reduced drawing"})
+                EXPECT_TRUE(box.informativeText().contains(lost)) << lost;
             for (QAbstractButton* const button : box.buttons())
                 if (box.buttonRole(button) == QMessageBox::DestructiveRole) return button->click();
             box.reject();
@@ -227,6 +247,8 @@ TEST_F(MainWindowShell, AResetAsksAndMakesThisWindowAndTheNextOneLikeAFirstStart
         EXPECT_TRUE(yes.WasShown());
     }
     EXPECT_TRUE(StoredRecentFiles().empty());
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), ofDesktop);
+    EXPECT_TRUE(MenuAction("As the desktop").isChecked());
     for (int start = 0; start < 2; ++start) {
         EXPECT_TRUE(MenuAction("Normal: left turns, right moves").isChecked()) << start;
         EXPECT_EQ(MiddlePixel(), kBackground) << start;

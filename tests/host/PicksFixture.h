@@ -65,6 +65,12 @@ protected:
     [[nodiscard]] static std::string Text(const KV_ScenePane::SurfacePoint& hit, const std::string& separator) {
         return NumberText(hit.point[0]) + separator + NumberText(hit.point[1]) + separator + NumberText(hit.point[2]);
     }
+    /// "x, y, z" with 3 decimals, as the status bar shows them.
+    [[nodiscard]] static std::string ShownText(const KV_ScenePane::SurfacePoint& hit) {
+        QStringList numbers;
+        for (const float value : hit.point) numbers << QString::number(static_cast<double>(value), 'f', 3);
+        return numbers.join(", ").toStdString();
+    }
     /// The rows of the list: number, object, x, y, z.
     [[nodiscard]] std::vector<std::string> Points() const {
         std::vector<std::string> rows;

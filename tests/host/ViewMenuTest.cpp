@@ -7,6 +7,7 @@
 #include <QTreeWidget>
 
 #include "CutCommands.h"
+#include "PickPanel.h"
 #include "SceneReport.h"
 #include "host/PointerFixture.h"
 
@@ -85,6 +86,7 @@ TEST_F(ViewMenu, CopiesThePointUnderThePointer) {
     const QPoint pixel = m_viewer->rect().center();
     ASSERT_TRUE(m_window->Pane()->PickSurface(pixel.x(), pixel.y(), &hit));
     RightClick(Middle());
+    EXPECT_TRUE(Entries(*OpenMenu()).contains("Copy the point " + ShownPoint(hit.point)));
     Choose("Copy the point");
     ASSERT_TRUE(WaitUntil([] { return QGuiApplication::clipboard()->text() != "nothing"; }));
     EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(),
