@@ -249,8 +249,9 @@ void MainWindow::AskForBackground() {
 void MainWindow::AskForPointSize() {
     bool accepted = false;
     const QString label = tr("Pixels per point of an object;\nhalf the side of a free point in scene units:");
-    const double size = QInputDialog::getDouble(this, tr("Point size"), label, static_cast<double>(m_fPointSize), 0.01,
-                                                64.0, 2, &accepted);
+    constexpr double kLowest = kMinPointSize, kHighest = kMaxPointSize;
+    const double size = QInputDialog::getDouble(this, tr("Point size"), label, static_cast<double>(m_fPointSize),
+                                                kLowest, kHighest, 2, &accepted);
     if (accepted) ShowPointSize(static_cast<float>(size));
 }
 
