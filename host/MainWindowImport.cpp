@@ -40,7 +40,6 @@ std::vector<std::string> LocalFiles(const QMimeData& data) {
 }  // namespace
 
 void MainWindow::OpenFiles(const std::vector<std::string>& files) {
-    m_pShell->NoteOpened(files);
     for (const std::string& file : WithFilesOfFolders(files)) {
         const FileType* const type = FindFileType(file);
         if (type != nullptr && IsPoints(*type)) {
@@ -226,7 +225,8 @@ void MainWindow::DrawPicture() {
 }
 
 void MainWindow::ReportResults() {
-    std::size_t added = 0, notStarted = 0;
+    std::vector<std::string> added;
+    std::size_t notStarted = 0;
     const std::vector<ImportResult>& results = m_pJob->Results();
     for (std::size_t i = 0; i < results.size(); ++i) {
         const QString file = QString::fromStdString(m_pJob->Files()[i]);
@@ -234,7 +234,7 @@ void MainWindow::ReportResults() {
         // A file that was added has a message only when the viewer wrote something about it.
         switch (results[i].state) {
             case ImportResult::State::Added:
-                ++added;
+                added.push_back(m_pJob->Files()[i]);
                 if (!text.isEmpty()) m_pMessages->AddProblem(file + ": " + text);
                 break;
             case ImportResult::State::Failed:
@@ -248,12 +248,15 @@ void MainWindow::ReportResults() {
                 break;
         }
     }
+    m_pShell->NoteAdded(added);
     if (notStarted == 0 || Pane() == nullptr) {
         statusBar()->showMessage(ImportStatus(m_pJob->Files(), results));
         return;
     }
-    const QString kept =
-        tr("Import cancelled: %1 of %2 files kept; %3 were not opened").arg(added).arg(results.size()).arg(notStarted);
+    const QString kept = tr("Import cancelled: %1 of %2 files kept; %3 were not opened")
+                             .arg(added.size())
+                             .arg(results.size())
+                             .arg(notStarted);
     m_pMessages->AddText(kept);
     statusBar()->showMessage(kept);
 }
@@ -274,6 +277,7 @@ void MainWindow::ListNewObjects() {
             HideWithoutPosition(index, m_pJob->Files()[m_nListedFiles]);
         ++index;
     }
+    ShowSceneCounts();
 }
 
 void MainWindow::HideWithoutPosition(int index, const std::string& file) {

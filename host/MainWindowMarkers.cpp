@@ -19,6 +19,7 @@
 #include "PointsDialog.h"
 #include "RecentFiles.h"
 #include "TranslatedText.h"
+#include "WindowShell.h"
 
 namespace {
 
@@ -151,13 +152,13 @@ void MainWindow::OnPointsImported() {
 }
 
 std::size_t MainWindow::ReportPoints() {
-    std::size_t added = 0;
+    std::vector<std::string> added;
     const std::vector<PointsResult>& results = m_pPointsJob->Results();
     for (std::size_t i = 0; i < results.size(); ++i) {
         const std::string& file = m_pPointsJob->Request().files[i];
         switch (results[i].state) {
             case PointsResult::State::Added:
-                ++added;
+                added.push_back(file);
                 m_pMarkers->AddPoints(results[i].id, file, results[i].points, m_pPointsJob->Request().look.alpha);
                 break;
             case PointsResult::State::Failed:
@@ -168,8 +169,9 @@ std::size_t MainWindow::ReportPoints() {
                 break;
         }
     }
-    statusBar()->showMessage(tr("%1 of %2 files opened").arg(added).arg(results.size()));
-    return added;
+    m_pShell->NoteAdded(added);
+    statusBar()->showMessage(tr("%1 of %2 files opened").arg(added.size()).arg(results.size()));
+    return added.size();
 }
 
 void MainWindow::ReportFileFailure(const std::string& file, const std::string& reason) {

@@ -8,6 +8,7 @@
 #include <QStatusBar>
 #include <filesystem>
 
+#include "Appearance.h"
 #include "FolderFiles.h"
 #include "KV_ScenePane/PropertyPage.h"
 #include "MainWindow.h"
@@ -65,11 +66,13 @@ std::vector<std::string> MainWindow::WithFilesOfFolders(const std::vector<std::s
     for (const std::string& path : paths) {
         std::error_code error;
         if (!std::filesystem::is_directory(path, error)) {
+            m_pShell->NoteWanted(path);
             files.push_back(path);
             continue;
         }
         const FolderFiles found = FilesInFolder(path);
         files.insert(files.end(), found.files.begin(), found.files.end());
+        if (!found.files.empty()) m_pShell->NoteOpened({path});
         // Queued: at the start nothing follows the failures of the window yet.
         const auto report = [this, path](const char* reason) {
             QMetaObject::invokeMethod(
@@ -111,8 +114,9 @@ void MainWindow::AskToReset() {
     QMessageBox box(QMessageBox::Warning, tr("Reset settings"), tr("Forget everything that was set up?"),
                     QMessageBox::Cancel, this);
     box.setInformativeText(
-        tr("Lost are: place and panes of the window, mouse buttons, rotation, background, point size, render mode and "
-           "other properties, import settings, clip plane, tints of the lasso, recent files and folders.\n\n"
+        tr("Lost are: place and panes of the window, appearance, mouse buttons, rotation, background, point size, "
+           "render mode and other properties, reduced drawing, smooth edges, import settings, clip plane, tints of the "
+           "lasso, recent files and folders.\n\n"
            "Files and what is open stay. Clip plane, tints and smooth edges change at the next start."));
     QPushButton* const reset = box.addButton(tr("Reset"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
@@ -126,6 +130,7 @@ void MainWindow::ResetSettings() {
     ShowPointSize(start.pointSize);
     m_rotationActions.value(start.rotation)->trigger();
     m_schemeActions.value(static_cast<int>(start.mouse))->trigger();
+    m_appearanceActions.value(static_cast<int>(Appearance::Desktop))->trigger();
     SetImportSettings({});
     m_options.drawMode.reset();
     m_pReducing->Choose(ReducedChoice::Automatic);

@@ -67,6 +67,14 @@ void WindowShell::MakeRecentMenu(QMenu& menu) {
     connect(&menu, &QMenu::aboutToShow, this, [this, &menu] { FillRecentMenu(menu); });
 }
 
+void WindowShell::NoteAdded(const std::vector<std::string>& files) {
+    std::vector<std::string> opened;
+    for (const std::string& file : files) {
+        if (m_vWanted.erase(file) > 0) opened.push_back(file);
+    }
+    if (!opened.empty()) NoteOpened(opened);
+}
+
 void WindowShell::NoteOpened(const std::vector<std::string>& files) {
     // Later: at the start the first picture must not wait for the disk.
     constexpr int kDelayMs = 1000;

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QStringList>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,10 @@ public:
     void Store();
     /// Place and panes as at a first start, at once.
     void Reset();
+    /// The user opens this file by its name, not with a folder. @param file  path in bytes
+    void NoteWanted(const std::string& file) { m_vWanted.insert(file); }
+    /// Puts the files of NoteWanted() among these into the menu of recent files. @param files  that added something
+    void NoteAdded(const std::vector<std::string>& files);
     /// Puts paths that were opened into the menu of recent files. @param files  in bytes
     void NoteOpened(const std::vector<std::string>& files);
     /// Opens a pane without moving the keyboard focus. While all panes are hidden it waits for their return.
@@ -72,6 +77,7 @@ private:
     QByteArray m_panesBefore;               // while all panes are hidden: the state to return to
     QList<QPointer<QDockWidget>> m_toOpen;  // then
     std::vector<std::string> m_vOpened;     // not stored yet
+    std::set<std::string> m_vWanted;        // by name, and not added yet
     bool m_bPlaced = false;                 // the frame was looked at
     bool m_bNarrowsPanes = true;            // their widths are not those that the user chose in a window of this size
 };

@@ -216,6 +216,18 @@ TEST_F(MainWindowImport, OfLaterFilesDoesNotMoveTheView) {
 
 // ---- cancel
 
+TEST_F(MainWindowImport, StatusBarCountsTheObjectsOfTheListWhileItRuns) {
+    int frames = 0;
+    Start(ManyPcms(40), [&](const Frame&) {
+        ++frames;
+        const QString counts = Find<QLabel>("sceneCounts").toolTip();
+        EXPECT_TRUE(counts.contains(QString("%1 object").arg(m_window->Objects().ObjectCount())))
+            << counts.toStdString();
+    });
+    WaitForImports();
+    EXPECT_GT(frames, 0);
+}
+
 TEST_F(MainWindowImport, CancelledWhileFilesAreReadSaysWhatWasKept) {
     m_window->OpenFiles(ManyPcms(100));
     QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, &Find<QToolButton>("importCancel"),

@@ -16,6 +16,7 @@
 #include "ViewerWidget.h"
 #include "WindowIcon.h"
 #include "host/MainWindowFixture.h"
+#include "host/MeshFiles.h"
 #include "host/ModalDialogs.h"
 
 namespace {
@@ -262,7 +263,8 @@ TEST_F(MainWindowShell, AResetAsksAndMakesThisWindowAndTheNextOneLikeAFirstStart
 TEST_F(MainWindowShell, WhatWasOpenedIsInTheListAndOpensAgain) {
     WritePcm(m_folder / "a & b.pcm", 60, 60);
     Show();
-    Import({m_folder / "a & b.pcm", m_folder / "none.pcm"});
+    WriteText(m_folder / "damaged.pcm", "any");
+    Import({m_folder / "a & b.pcm", m_folder / "none.pcm", m_folder / "damaged.pcm"});
     QList<QAction*> entries = RecentFiles();
     ASSERT_EQ(entries.size(), 3) << "the file, a separator and the command";
     EXPECT_TRUE(entries[0]->text().startsWith("&1  a && b.pcm")) << entries[0]->text().toStdString();
