@@ -1,6 +1,7 @@
 // Label, bar and button in one row.
 #include "ImportProgress.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -38,8 +39,15 @@ ImportProgress::ImportProgress(QWidget* parent) : QWidget(parent) {
     auto* const cancel = new QToolButton;
     cancel->setObjectName("importCancel");
     cancel->setText(tr("Cancel"));
+    cancel->setToolTip(tr("Cancel the import (Esc)"));
     cancel->setFocusPolicy(Qt::TabFocus);  // a click must not take the keyboard from the viewer
     connect(cancel, &QToolButton::clicked, this, &ImportProgress::Cancelled);
+    m_pEscape = new QAction(this);
+    m_pEscape->setObjectName("importEscape");
+    m_pEscape->setShortcut(Qt::Key_Escape);
+    addAction(m_pEscape);
+    connect(m_pEscape, &QAction::triggered, this, &ImportProgress::Cancelled);
+    EnableEscape();
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_pText);
@@ -51,6 +59,8 @@ ImportProgress::ImportProgress(QWidget* parent) : QWidget(parent) {
 void ImportProgress::Begin(int steps) {
     m_pBar->setRange(0, steps);
     m_pBar->setValue(0);
+    m_bRunning = true;
+    EnableEscape();
     show();
 }
 
@@ -76,4 +86,15 @@ void ImportProgress::SetValue(int value) { m_pBar->setValue(value); }
 
 void ImportProgress::PaintNow() { repaint(); }
 
-void ImportProgress::End() { hide(); }
+void ImportProgress::End() {
+    m_bRunning = false;
+    EnableEscape();
+    hide();
+}
+
+void ImportProgress::LeaveEscape(bool isUsed) {
+    m_bEscapeUsed = isUsed;
+    EnableEscape();
+}
+
+void ImportProgress::EnableEscape() { m_pEscape->setEnabled(m_bRunning && !m_bEscapeUsed); }

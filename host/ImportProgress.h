@@ -2,6 +2,7 @@
 #pragma once
 #include <QWidget>
 
+class QAction;
 class QLabel;
 class QProgressBar;
 
@@ -25,6 +26,8 @@ public:
     void PaintNow();
     /// Hides itself.
     void End();
+    /// Escape cancels unless something else uses it.
+    void LeaveEscape(bool isUsed);
 
 signals:
     /// By the user.
@@ -32,8 +35,11 @@ signals:
 
 private:
     void ShowShortened(const QString& text);
+    void EnableEscape();
 
+    bool m_bRunning = false, m_bEscapeUsed = false;
     QString m_strText;
     QLabel* m_pText = nullptr;
     QProgressBar* m_pBar = nullptr;
+    QAction* m_pEscape = nullptr;
 };

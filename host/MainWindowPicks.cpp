@@ -11,6 +11,7 @@
 
 #include "DecorationPanel.h"
 #include "EventPane.h"
+#include "ImportProgress.h"
 #include "MainWindow.h"
 #include "NeedlePanel.h"
 #include "ObjectCentring.h"
@@ -195,6 +196,7 @@ void MainWindow::MovePickPoint(int point) {
     m_nPointToMove = point;
     m_pPicks->ShowMoving(point);
     m_pCancelMove->setEnabled(point >= 0);
+    m_pProgress->LeaveEscape(point >= 0);
     if (ends) statusBar()->clearMessage();
     if (point >= 0)
         statusBar()->showMessage((m_mouseScheme == MouseScheme::Delayed

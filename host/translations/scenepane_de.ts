@@ -840,6 +840,10 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <source>Cancel</source>
         <translation>Abbrechen</translation>
     </message>
+    <message>
+        <source>Cancel the import (Esc)</source>
+        <translation>Import abbrechen (Esc)</translation>
+    </message>
 </context>
 <context>
     <name>ImportStatus</name>

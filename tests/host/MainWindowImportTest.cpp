@@ -1,6 +1,7 @@
 // Imports in the window: objects are shown as they arrive, a few per frame, with progress and Cancel at each stage.
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QLabel>
 #include <QProgressBar>
 #include <QScreen>
@@ -241,6 +242,17 @@ TEST_F(MainWindowImport, CancelledWhileFilesAreReadSaysWhatWasKept) {
     EXPECT_TRUE(m_window->Messages().toPlainText().endsWith(text)) << Messages();
     EXPECT_EQ(CheckMarks(), std::vector<bool>(static_cast<std::size_t>(kept), true)) << "what was kept is shown";
     EXPECT_EQ(View(), FittedView());
+}
+
+TEST_F(MainWindowImport, EscapeCancelsItAndNothingWithoutOne) {
+    const auto& escape = Find<QAction>("importEscape");
+    EXPECT_FALSE(escape.isEnabled());
+    m_window->OpenFiles(ManyPcms(100));
+    EXPECT_TRUE(escape.isEnabled());
+    QObject::connect(m_window->findChild<ImportJob*>(), &ImportJob::Progress, &escape, &QAction::trigger);
+    WaitForImports();
+    EXPECT_FALSE(escape.isEnabled());
+    EXPECT_NE(Messages().find("Import cancelled: "), std::string::npos) << Messages();
 }
 
 TEST_F(MainWindowImport, CancelledDuringThePreparationKeepsTheRestHidden) {
