@@ -629,6 +629,7 @@ private:
     bool m_bRefused = false;                     // there will be no viewer any more
     ImportJob* m_pJob = nullptr;                 // the import that runs; null without one
     std::size_t m_nListedFiles = 0;              // of that import: their objects are in the list
+    QString m_notShown;                          // message about its last object that cannot be shown
     ScenePreparation* m_pPreparation = nullptr;  // exists from the start of an import to its last frame
     ImportProgress* m_pProgress = nullptr;       // in the status bar
     std::vector<std::string> m_vWaitingFiles;    // paths in bytes

@@ -110,6 +110,7 @@ void MainWindow::StartImport(const std::vector<std::string>& files) {
     FinishDeletions();
     MakePreparation();
     m_nListedFiles = 0;
+    m_notShown.clear();
     m_pJob = new ImportJob(*Pane(), files, m_options.import, this);
     connect(m_pJob, &ImportJob::Reading, this, &MainWindow::ShowReading);
     connect(m_pJob, &ImportJob::Progress, m_pProgress, &ImportProgress::SetValue);
@@ -187,6 +188,7 @@ void MainWindow::OnFilesArrived() {
 void MainWindow::OnImportFinished() {
     ReportResults();
     if (Pane() != nullptr) ListNewObjects();
+    if (m_pPreparation->Count() == 0 && !m_notShown.isEmpty()) statusBar()->showMessage(m_notShown);
     m_pJob->deleteLater();
     m_pJob = nullptr;
     if (Pane() != nullptr) {
@@ -285,6 +287,7 @@ void MainWindow::HideWithoutPosition(int index, const std::string& file) {
     m_pObjects->ShowVisible(index, false);
     const QString text = QString::fromStdString(file) + ": " + TranslatedText(kNoFiniteCoordinate);
     m_pMessages->AddProblem(text);
+    m_notShown = text.mid(static_cast<int>(QString::fromStdString(file.substr(0, file.rfind('/') + 1)).size()));
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -80,6 +80,8 @@ TEST_F(MainWindowMessages, SayThatAnObjectWithoutFinitePointsIsNotShown) {
     EXPECT_TRUE(IsVisible(1)) << "the other one";
     EXPECT_NE(MiddlePixel(), kBackground) << "which the view is fitted to";
     EXPECT_NE(Status().find("messages about 2 file(s)"), std::string::npos) << Status();
+    Import({m_folder / "none.stl"});
+    EXPECT_EQ(Status(), std::string("none.stl: ") + kNoFiniteCoordinate) << "nothing of the import is shown";
 }
 
 TEST_F(MainWindowMessages, GiveTheLimitThatLeavesNoTriangleOfAScan) {
