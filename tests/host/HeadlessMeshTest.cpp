@@ -320,7 +320,7 @@ void PrintTo(const Refused& row, std::ostream* out) { *out << row.name; }
 const Refused kRefused[] = {
     {"missing.ply", [](const std::string&) {}, "there is no such file: check its name and its folder"},
     {"unknown.obj", [](const std::string& path) { WriteText(path, "any"); },
-     "the type of the file is not known: it is none of pcm"},
+     "the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois and msh"},
     {"pipe.ply", [](const std::string& path) { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }, "is not a regular file"},
     {"text.ply", [](const std::string& path) { WriteText(path, "any"); },
      "this is no ply file, whatever its name says"},
