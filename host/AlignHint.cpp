@@ -10,40 +10,41 @@ namespace {
 
 using KV_ScenePane::AlignmentPhase;
 
-QString Tr(const char* text) { return AlignHint::tr(text); }
-
 /// The objects of a phase, with the mark by which the viewer shows them.
 QString Marked(const AlignHintState& state, const QString& objects) {
-    return state.hasColors ? objects : Tr("%1 (bright)").arg(objects);
+    return state.hasColors ? objects : AlignHint::tr("%1 (bright)").arg(objects);
 }
 
 QString HandTask(const AlignHintState& state) {
     const QString moving = Marked(state, state.moving);
     switch (state.scheme) {
         case MouseScheme::Flipped:
-            return Tr("Align by hand: the right button turns, the left button moves %1.").arg(moving);
+            return AlignHint::tr("Align by hand: the right button turns, the left button moves %1.").arg(moving);
         case MouseScheme::Delayed:
-            return Tr("Align by hand: the right button turns, with the left button or Shift it moves %1.").arg(moving);
+            return AlignHint::tr("Align by hand: the right button turns, with the left button or Shift it moves %1.")
+                .arg(moving);
         case MouseScheme::Normal:
             break;
     }
-    return Tr("Align by hand: the left button turns, the right button moves %1.").arg(moving);
+    return AlignHint::tr("Align by hand: the left button turns, the right button moves %1.").arg(moving);
 }
 
 QString MovingTask(const AlignHintState& state) {
     const int points = state.progress.moving;
-    const QString task = Tr("Align by points: click points on what will move, %1").arg(Marked(state, state.moving));
+    const QString task =
+        AlignHint::tr("Align by points: click points on what will move, %1").arg(Marked(state, state.moving));
     if (points == 0) return task + '.';
-    return task + (points == 1 ? Tr(": 1 point.") : Tr(": %1 points.").arg(points));
+    return task + (points == 1 ? AlignHint::tr(": 1 point.") : AlignHint::tr(": %1 points.").arg(points));
 }
 
 QString FixedTask(const AlignHintState& state) {
     const int points = state.progress.fixed, wanted = state.progress.moving;
-    const QString task = Tr("Align by points: click the same points in the same order on %1: point %2 of %3.")
-                             .arg(Marked(state, Tr("the objects that stay")))
-                             .arg(points + 1)
-                             .arg(wanted);
-    return points + 1 == wanted ? task + Tr(" It ends the alignment.") : task;
+    const QString task =
+        AlignHint::tr("Align by points: click the same points in the same order on %1: point %2 of %3.")
+            .arg(Marked(state, AlignHint::tr("the objects that stay")))
+            .arg(points + 1)
+            .arg(wanted);
+    return points + 1 == wanted ? task + AlignHint::tr(" It ends the alignment.") : task;
 }
 
 QString TaskOf(const AlignHintState& state) {
@@ -61,9 +62,9 @@ QString TaskOf(const AlignHintState& state) {
 }
 
 QString CtrlKey(const AlignHintState& state) {
-    if (state.isPlaneShown) return Tr("Ctrl and drag: the clip plane (hide it to drag the view)");
-    return state.scheme == MouseScheme::Delayed ? Tr("Ctrl and drag with the right button: the view")
-                                                : Tr("Ctrl and drag: the view");
+    if (state.isPlaneShown) return AlignHint::tr("Ctrl and drag: the clip plane (hide it to drag the view)");
+    return state.scheme == MouseScheme::Delayed ? AlignHint::tr("Ctrl and drag with the right button: the view")
+                                                : AlignHint::tr("Ctrl and drag: the view");
 }
 
 QStringList KeysOf(const AlignHintState& state) {
@@ -73,16 +74,17 @@ QStringList KeysOf(const AlignHintState& state) {
         case AlignmentPhase::Idle:
             return {};
         case AlignmentPhase::ByHand:
-            keys << Tr("Esc: finish");
+            keys << AlignHint::tr("Esc: finish");
             break;
         case AlignmentPhase::PickMoving:
             if (progress.moving > 0)
-                keys << Tr("Space: continue on the objects that stay") << Tr("Delete: drop the last point");
-            keys << Tr("Esc: end without moving");
+                keys << AlignHint::tr("Space: continue on the objects that stay")
+                     << AlignHint::tr("Delete: drop the last point");
+            keys << AlignHint::tr("Esc: end without moving");
             break;
         case AlignmentPhase::PickFixed:
-            if (progress.fixed > 0) keys << Tr("Delete: drop the last point");
-            keys << Tr("Esc: end without moving");
+            if (progress.fixed > 0) keys << AlignHint::tr("Delete: drop the last point");
+            keys << AlignHint::tr("Esc: end without moving");
             break;
     }
     keys << CtrlKey(state);
@@ -111,7 +113,7 @@ QString ObjectNames(const QStringList& names) {
         shown << (name.size() > kStart + kEnd + 1 ? name.left(kStart) + QChar(0x2026) + name.right(kEnd) : name);
     const qsizetype more = names.size() - shown.size();
     const QString text = shown.join(", ");
-    return more > 0 ? Tr("%1 and %2 more").arg(text).arg(more) : text;
+    return more > 0 ? AlignHint::tr("%1 and %2 more").arg(text).arg(more) : text;
 }
 
 AlignHintText HintOf(const AlignHintState& state) { return {TaskOf(state), KeysOf(state).join("   ·   ")}; }

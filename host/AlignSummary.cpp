@@ -14,9 +14,13 @@ using KV_ScenePane::AlignmentPair;
 using KV_ScenePane::AlignmentPoint;
 using KV_ScenePane::AlignmentResult;
 
-QString Tr(const char* text) { return QCoreApplication::translate("AlignSummary", text); }
+struct AlignSummary {
+    Q_DECLARE_TR_FUNCTIONS(AlignSummary)
+};
 
-QString ObjectsText(int count) { return count == 1 ? Tr("1 object") : Tr("%1 objects").arg(count); }
+QString ObjectsText(int count) {
+    return count == 1 ? AlignSummary::tr("1 object") : AlignSummary::tr("%1 objects").arg(count);
+}
 
 bool IsFinite(const AlignmentPoint& point) {
     return std::ranges::all_of(point.point, [](float value) { return std::isfinite(value); });
@@ -35,28 +39,32 @@ double Spread(const AlignmentResult& result, AlignmentPoint AlignmentPair::*side
 }
 
 QString HandSummary(const AlignOutcome& outcome) {
-    if (outcome.movedObjects == 0) return Tr("Alignment by hand: nothing was moved.");
-    const QString text = outcome.movedObjects == 1
-                             ? Tr("Aligned by hand: %1 turned by %2°, its centre moved by %3 mm.")
-                             : Tr("Aligned by hand: %1 turned by %2°, the centre of the first moved by %3 mm.");
+    if (outcome.movedObjects == 0) return AlignSummary::tr("Alignment by hand: nothing was moved.");
+    const QString text =
+        outcome.movedObjects == 1
+            ? AlignSummary::tr("Aligned by hand: %1 turned by %2°, its centre moved by %3 mm.")
+            : AlignSummary::tr("Aligned by hand: %1 turned by %2°, the centre of the first moved by %3 mm.");
     return text.arg(ObjectsText(outcome.movedObjects), QString::number(outcome.displacement.degrees, 'f', 2),
                     QString::number(outcome.displacement.distance, 'f', 2));
 }
 
 QString PointsSummary(const AlignOutcome& outcome) {
     const AlignmentResult& result = outcome.result;
-    if (result.pairs.empty()) return Tr("Alignment by points: ended, nothing was moved.");
-    if (!result.isFound) return Tr("No transform was found: %1. Nothing was moved.").arg(FailureReason(result));
+    if (result.pairs.empty()) return AlignSummary::tr("Alignment by points: ended, nothing was moved.");
+    if (!result.isFound)
+        return AlignSummary::tr("No transform was found: %1. Nothing was moved.").arg(FailureReason(result));
     const QString moved = ObjectsText(outcome.movedObjects);
-    if (result.pairs.size() == 1) return Tr("Aligned by one point and the surface normals there: %1 moved.").arg(moved);
+    if (result.pairs.size() == 1)
+        return AlignSummary::tr("Aligned by one point and the surface normals there: %1 moved.").arg(moved);
     const int largest = LargestResidual(result);
     const QString summary =
-        Tr("Aligned by %1 points: %2 moved; residual %3 mm (RMS), at most %4 mm at pair %5.")
+        AlignSummary::tr("Aligned by %1 points: %2 moved; residual %3 mm (RMS), at most %4 mm at pair %5.")
             .arg(QString::number(result.pairs.size()), moved, LengthText(result.rms),
                  LengthText(result.residuals[static_cast<std::size_t>(largest)]), QString::number(largest + 1));
     // Small residuals do not show it.
-    return AreOnALine(result.pairs) ? summary + Tr(" The points are on one line: they do not fix the turn about it.")
-                                    : summary;
+    return AreOnALine(result.pairs)
+               ? summary + AlignSummary::tr(" The points are on one line: they do not fix the turn about it.")
+               : summary;
 }
 
 }  // namespace
@@ -91,11 +99,11 @@ QString SummaryOf(const AlignOutcome& outcome) {
 QString FailureReason(const AlignmentResult& result) {
     const bool areFinite = std::ranges::all_of(
         result.pairs, [](const AlignmentPair& pair) { return IsFinite(pair.moving) && IsFinite(pair.fixed); });
-    if (!areFinite) return Tr("a point has no finite coordinates");
+    if (!areFinite) return AlignSummary::tr("a point has no finite coordinates");
     // The only other reason: the points of a side do not differ.
     return Spread(result, &AlignmentPair::moving) <= Spread(result, &AlignmentPair::fixed)
-               ? Tr("the points on the moving scans are all at one place")
-               : Tr("the points on the fixed scans are all at one place");
+               ? AlignSummary::tr("the points on the moving scans are all at one place")
+               : AlignSummary::tr("the points on the fixed scans are all at one place");
 }
 
 int LargestResidual(const AlignmentResult& result) {
@@ -106,13 +114,14 @@ int LargestResidual(const AlignmentResult& result) {
 QString LengthText(double length) { return QString::number(length, 'f', 4); }
 
 QString SetupHint(AlignWay way, int objects, int moving) {
-    if (objects == 0) return Tr("There is no object to align.");
+    if (objects == 0) return AlignSummary::tr("There is no object to align.");
     if (moving == 0)
-        return Tr(
+        return AlignSummary::tr(
             "Nothing may move: check \"May move\" in the list of objects for each scan that the alignment moves.");
     if (way == AlignWay::ByPoints && moving == objects)
-        return objects == 1 ? Tr("Points need a second scan that stays: open it first.")
-                            : Tr("All objects may move: uncheck \"May move\" in the list of objects for at least one "
-                                 "that stays.");
+        return objects == 1 ? AlignSummary::tr("Points need a second scan that stays: open it first.")
+                            : AlignSummary::tr(
+                                  "All objects may move: uncheck \"May move\" in the list of objects for at least one "
+                                  "that stays.");
     return {};
 }

@@ -7,26 +7,21 @@
 
 #include "KV_ScenePane/Modes.h"
 
-namespace {
-
-QString Tr(const char* text) { return ViewNote::tr(text); }
-
-}  // namespace
-
 bool IsBlankWithShadows(int drawMode) { return drawMode == KV_ScenePane::DrawModePerPixel; }
 
 QString NoteOf(const ViewNoteState& state) {
     if (!state.hasViewer || state.isBusy) return {};
     if (state.objects == 0)
-        return state.hasMarks ? QString() : Tr("Open scans and meshes with Ctrl+O, or drop them here.");
+        return state.hasMarks ? QString() : ViewNote::tr("Open scans and meshes with Ctrl+O, or drop them here.");
     if (state.drawMode == KV_ScenePane::DrawModeNothing)
-        return Tr("The render mode \"Background only\" shows no objects. Ctrl+3 shows them shaded.");
+        return ViewNote::tr("The render mode \"Background only\" shows no objects. Ctrl+3 shows them shaded.");
     if (state.shadows && IsBlankWithShadows(state.drawMode))
-        return Tr("The render mode \"Lit per pixel\" shows no objects while shadows are on. S switches shadows off.");
+        return ViewNote::tr(
+            "The render mode \"Lit per pixel\" shows no objects while shadows are on. S switches shadows off.");
     if (state.visibleObjects == 0)
         return ViewNote::tr("%n object(s), all hidden. Check those to show in the Objects pane.", nullptr,
                             state.objects);
-    if (state.isAllClipped) return Tr("The clip plane cuts everything away. P switches it off.");
+    if (state.isAllClipped) return ViewNote::tr("The clip plane cuts everything away. P switches it off.");
     return {};
 }
 

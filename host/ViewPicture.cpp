@@ -16,7 +16,9 @@
 
 namespace {
 
-QString Tr(const char* text) { return QCoreApplication::translate("ViewPicture", text); }
+struct ViewPicture {
+    Q_DECLARE_TR_FUNCTIONS(ViewPicture)
+};
 
 void SetBackground(KV_ScenePane::_DKV_ScenePane& methods, const std::array<std::int32_t, 4>& colors) {
     methods.SetBackgroundColorsFourCorners(colors[0], colors[1], colors[2], colors[3]);
@@ -71,7 +73,7 @@ public:
         RequireMemoryFor(m_look.size);
         KV_ScenePane::Picture picture;
         if (!m_viewer.Pane()->CapturePicture(&picture) || QSize(picture.width, picture.height) != m_look.size)
-            throw std::runtime_error(Tr("the viewer gave no picture of this size").toStdString());
+            throw std::runtime_error(ViewPicture::tr("the viewer gave no picture of this size").toStdString());
         return picture;
     }
 
@@ -100,11 +102,11 @@ int LargestPictureSide(KV_ScenePane::ScenePane& pane) {
 
 QString SizeRefusal(QSize size, int largestSide) {
     if (std::max(size.width(), size.height()) > largestSide)
-        return Tr("a side is longer than the %1 pixels that the driver can draw").arg(largestSide);
+        return ViewPicture::tr("a side is longer than the %1 pixels that the driver can draw").arg(largestSide);
     const std::int64_t pixels = std::int64_t{size.width()} * size.height();
     if (pixels > kMostPicturePixels)
-        return Tr("the picture has more than %1 million pixels").arg(kMostPicturePixels / 1'000'000);
-    return size.isEmpty() ? Tr("the picture has no pixel") : QString();
+        return ViewPicture::tr("the picture has more than %1 million pixels").arg(kMostPicturePixels / 1'000'000);
+    return size.isEmpty() ? ViewPicture::tr("the picture has no pixel") : QString();
 }
 
 KV_ScenePane::Picture TakeViewPicture(ViewerWidget& viewer, const PictureLook& wanted, const PictureHooks& hooks) {
@@ -113,7 +115,8 @@ KV_ScenePane::Picture TakeViewPicture(ViewerWidget& viewer, const PictureLook& w
     if (const QString refusal = SizeRefusal(look.size, LargestPictureSide(*viewer.Pane())); !refusal.isEmpty())
         throw std::runtime_error(refusal.toStdString());
     if (look.isTransparent && viewer.Pane()->Methods().IsAnimationRunning() != 0)
-        throw std::runtime_error(Tr("a transparent picture needs a still scene: wait for the animation").toStdString());
+        throw std::runtime_error(
+            ViewPicture::tr("a transparent picture needs a still scene: wait for the animation").toStdString());
     const ViewerCover cover(viewer);
     PictureState state(viewer, look, hooks);
     state.Enter();

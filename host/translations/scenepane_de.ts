@@ -3315,7 +3315,7 @@ Hüllquader bleiben.</translation>
     </message>
     <message>
         <source>The render mode &quot;Lit per pixel&quot; shows no objects while shadows are on. S switches shadows off.</source>
-        <translation>Die Darstellung „Pixelweise beleuchtet“ zeigt keine Objekte, solange Schatten eingeschaltet sind. S schaltet sie aus.</translation>
+        <translation>Die Darstellung „Je Pixel beleuchtet“ zeigt keine Objekte, solange Schatten eingeschaltet sind. S schaltet sie aus.</translation>
     </message>
     <message>
         <source>The clip plane cuts everything away. P switches it off.</source>
