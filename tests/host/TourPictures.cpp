@@ -36,8 +36,8 @@ struct TourPicture {
 void ClickViewer(const Operator& user) { user.Screen().Click(user.InViewer(0.02, 0.97)); }
 
 void DrawLasso(Operator& user) {
-    ClickViewer(user);
     user.Screen().Key("i");
+    (void)user.WaitForText("click to add, right click to cut, Esc to cancel", TextMatch::Part);
     for (const auto& [x, y] :
          {std::pair(0.4, 0.35), std::pair(0.55, 0.3), std::pair(0.65, 0.45), std::pair(0.5, 0.6)}) {
         user.Screen().Click(user.InViewer(x, y));
@@ -69,7 +69,7 @@ const TourPicture kPictures[] = {
      {}},
     {"render-modes",
      [](Operator& user) {
-         user.Choose({"Render", "Render mode"});
+         user.ClickText("Render");
          (void)user.WaitForText("Wireframe");
      },
      {}},
@@ -124,7 +124,7 @@ ScreenShown WaitForStillScreen(const Operator& user) {
         ScreenShown now = user.Screen().Show();
         same = now == last ? same + 1 : 0;
         last = std::move(now);
-        return same == 20;
+        return same == 40;
     });
     return last;
 }
@@ -132,7 +132,7 @@ ScreenShown WaitForStillScreen(const Operator& user) {
 QImage Make(const TourPicture& picture) {
     Operator user(kDesktop, picture.environment);
     const std::string folder = user.Folder() / "scans";
-    if (user.StartOther({KV_SIMULATE_SCANS, "--out", folder, "--scans", "4", "--size", "480x360"})->WaitForEnd() != 0)
+    if (user.StartOther({KV_SIMULATE_SCANS, "--out", folder, "--scans", "4", "--size", "240x180"})->WaitForEnd() != 0)
         throw std::runtime_error("simulate-scans has failed");
     std::vector<std::string> scans;
     for (int i = 1; i <= 4; ++i) scans.push_back(folder + "/bust_00" + std::to_string(i) + ".pcm");
