@@ -3,8 +3,8 @@
 
 Without an option: adds new texts of the sources to the files, removes those that are gone, writes the English plurals,
 and lists what is still to be translated. With --check: changes nothing, and fails when a text is missing, unfinished or
-no longer in the sources, or when a translation has other placeholders than its source, or a mnemonic where the source
-has none. lupdate is that of the Debian package qt6-l10n-tools.
+no longer in the sources, when a translation has other placeholders than its source, or a mnemonic where the source
+has none, or when the sources have a text that lupdate does not find. lupdate is that of the Debian package qt6-l10n-tools.
 """
 import argparse
 import html
@@ -29,10 +29,33 @@ def lupdate():
 
 
 def update(file, language):
-    """Brings a file to the texts of the sources; what is gone from them is removed."""
+    """Brings a file to the texts of the sources; what is gone from them is removed.
+
+    Returns what lupdate complains about, for example a tr() without a class.
+    """
     command = [lupdate(), "-silent", "-locations", "none", "-no-obsolete", "-source-language", "en",
                "-target-language", language, *LANGUAGES[language], str(ROOT / "host"), "-ts", str(file)]
-    subprocess.run(command, check=True)
+    return subprocess.run(command, check=True, stderr=subprocess.PIPE, text=True).stderr.splitlines()
+
+
+# A function or lambda with a text among its parameters: name, parameter, statements up to the first brace.
+FUNCTION = re.compile(
+    r"(\w+)\s*(?:=\s*\[[^\]]*\]\s*)?\([^(){};]*\bconst char\s*\*\s*(?:const\s+)?(\w+)[^(){};]*\)[^(){};]*\{([^{}]*)")
+
+
+def hidden_texts(source):
+    """Literals that a function of the source passes on to tr(): lupdate finds those in a direct call only."""
+    for name, parameter, body in FUNCTION.findall(source):
+        if not re.search(rf"\b(?:tr|translate|TranslatedText)\s*\([^;]*\b{parameter}\b", body):
+            continue
+        for call in re.finditer(rf"(?<!::)\b{name}\(\s*\"", source):
+            yield source.count("\n", 0, call.start()) + 1, name
+
+
+def faults_of_sources():
+    for file in sorted([*(ROOT / "host").glob("*.cpp"), *(ROOT / "host").glob("*.h")]):
+        for line, name in hidden_texts(file.read_text(encoding="utf-8")):
+            yield f"{file.name}:{line}: lupdate does not find the text in {name}(): call tr() of a class with it"
 
 
 def forms(message):
@@ -118,13 +141,14 @@ def keep_where_a_mnemonic_moved(file, before):
 
 
 def check():
-    found = []
+    found = list(faults_of_sources())
     with tempfile.TemporaryDirectory() as folder:
         for language in LANGUAGES:
             file = FOLDER / f"scenepane_{language}.ts"
             now = Path(folder) / file.name
             shutil.copy(file, now)
-            update(now, language)
+            complaints = update(now, language)
+            found += [line for line in complaints if "cannot be called without context" in line and line not in found]
             for context, source, *_ in sorted(keys(file) - keys(now), key=str):
                 found.append(f"{file.name}: {context}: no longer in the sources: {source!r}")
             found += [f"{file.name}: {fault}" for fault in faults(now)]
@@ -145,11 +169,12 @@ def main():
     for language in LANGUAGES:
         file = FOLDER / f"scenepane_{language}.ts"
         before = file.read_text(encoding="utf-8") if file.exists() else ""
-        update(file, language)
+        print(*update(file, language), sep="\n")
         keep_where_a_mnemonic_moved(file, before)
         if language == "en":
             write_english_plurals(file)
         print(*(f"{file.name}: {fault}" for fault in faults(file)), sep="\n")
+    print(*faults_of_sources(), sep="\n")
 
 
 if __name__ == "__main__":
