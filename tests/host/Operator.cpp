@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -26,6 +28,22 @@ std::map<std::string, std::string> EnvironmentOf(const DesktopKind& kind, const 
                  {"LANGUAGE", ""},
                  {"LC_ALL", "C.UTF-8"}});
     return more;
+}
+
+/// How often the threads of a process went to sleep so far; none while one of them runs or wants to.
+std::optional<long> SleepsOf(pid_t process) {
+    long sleeps = 0;
+    std::error_code error;
+    const std::filesystem::path threads = "/proc/" + std::to_string(process) + "/task";
+    for (const auto& thread : std::filesystem::directory_iterator(threads, error)) {
+        std::ifstream status(thread.path() / "status");
+        for (std::string word; status >> word;) {
+            if (word == "State:" && status >> word && word != "S") return std::nullopt;
+            long count = 0;
+            if (word == "voluntary_ctxt_switches:" && status >> count) sleeps += count;
+        }
+    }
+    return sleeps;
 }
 
 }  // namespace
@@ -141,15 +159,29 @@ ScreenShown Operator::WaitForOtherPicture(const ScreenShown& before) const {
 }
 
 ScreenShown Operator::WaitForStillPicture() const {
+    constexpr std::chrono::milliseconds kStill{150};
     ScreenShown last = ViewerPixels();
-    int same = 0;
+    std::optional<long> sleeps;
+    auto since = std::chrono::steady_clock::now();
     WaitFor("a picture that stays", [&] {
+        const std::optional<long> sleepsNow = SleepsOf(m_pProgram->Id());
         ScreenShown now = ViewerPixels();
-        same = now == last ? same + 1 : 0;
+        const bool isStill = sleepsNow && sleepsNow == sleeps && now == last;
+        if (!isStill) since = std::chrono::steady_clock::now();
+        sleeps = sleepsNow;
         last = std::move(now);
-        return same == 10;
+        return isStill && std::chrono::steady_clock::now() - since >= kStill;
     });
     return last;
+}
+
+void Operator::WaitForPicture(const ScreenShown& wanted) const {
+    try {
+        WaitFor("the picture in wanted.png", [&] { return ViewerPixels() == wanted; });
+    } catch (...) {
+        SavePicture(wanted, "wanted");
+        throw;
+    }
 }
 
 void Operator::SavePicture(const ScreenShown& shown, const std::string& name) const {

@@ -59,9 +59,11 @@ public:
     /// Pixels of the viewer that show neither the background nor what is drawn over the scene in its corners.
     [[nodiscard]] int ObjectPixels() const;
     [[nodiscard]] ScreenShown ViewerPixels() const { return m_desktop.Show(Viewer()); }
-    /// Waits until the viewer shows another picture than this one, and no longer changes.
+    /// Waits until the viewer shows another picture than this one, and then as WaitForStillPicture().
     ScreenShown WaitForOtherPicture(const ScreenShown& before) const;
-    /// Waits until two looks at the viewer, some frames apart, show the same. @return what it shows
+    /// Waits until the viewer shows this picture, which is saved as wanted.png when it does not.
+    void WaitForPicture(const ScreenShown& wanted) const;
+    /// Waits until the program has done nothing for a while, and the viewer shows the same. @return what it shows
     ScreenShown WaitForStillPicture() const;
 
     /// A PNG file in the folder of pictures of the tests.
