@@ -367,9 +367,10 @@ void ObjectList::resizeEvent(QResizeEvent* event) {
 void ObjectList::FitNameColumn() {
     if (!m_bFitsNames || m_bInFit) return;
     constexpr int kLetters = 20, kLeastLetters = 12;  // of a name
-    const auto widthOf = [this](int letters) {
-        return letters * fontMetrics().averageCharWidth() + style()->pixelMetric(QStyle::PM_IndicatorWidth);
-    };
+    // A check mark and a text have a margin at both sides.
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const int beside = style()->pixelMetric(QStyle::PM_IndicatorWidth) + 4 * margin;
+    const auto widthOf = [&](int letters) { return letters * fontMetrics().averageCharWidth() + beside; };
     const int space = viewport()->width(), all = header()->length() - header()->sectionSize(kName);
     // A narrow list shows the columns up to the size; the others are reached by the scroll bar.
     const int others = all - header()->sectionSize(kVertices) - header()->sectionSize(kMoved);
