@@ -63,6 +63,11 @@ Window ParentOf(Display* display, Window window) {
     return parent;
 }
 
+bool IsShown(Display* display, Window window) {
+    XWindowAttributes attributes;
+    return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable;
+}
+
 std::optional<ScreenArea> AreaOf(Display* display, Window window) {
     XWindowAttributes attributes;
     if (XGetWindowAttributes(display, window, &attributes) == 0) return std::nullopt;
@@ -162,6 +167,7 @@ std::optional<ScreenArea> Desktop::ViewerIn(const DesktopWindow& window) const {
     std::optional<ScreenArea> largest;
     for (const Window child : Children(m_pX->display, window.id)) {
         for (const Window inner : Children(m_pX->display, child)) {
+            if (!IsShown(m_pX->display, inner)) continue;
             const std::optional<ScreenArea> area = AreaOf(m_pX->display, inner);
             if (area && (!largest || area->width * area->height > largest->width * largest->height)) largest = area;
         }

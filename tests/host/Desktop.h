@@ -59,7 +59,7 @@ public:
     [[nodiscard]] std::vector<DesktopWindow> Windows() const;
     /// The newest window whose title contains this text.
     [[nodiscard]] std::optional<DesktopWindow> FindWindow(const std::string& title) const;
-    /// The largest window that lies two levels inside another one: the viewer in a window of the host.
+    /// The largest window that is shown two levels inside another one: the viewer in a window of the host.
     [[nodiscard]] std::optional<ScreenArea> ViewerIn(const DesktopWindow& window) const;
     /// Whether the keyboard goes to this window or to one inside it.
     [[nodiscard]] bool HasKeyboard(const DesktopWindow& window) const;
