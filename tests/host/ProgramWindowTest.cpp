@@ -80,11 +80,11 @@ TEST_P(WindowWithItsFrame, IsInsideTheScreenAndHalfOfItIsTheViewer) {
     std::ofstream(settings.Path() / "scenepane/scenepane.conf") << GetParam().settings;
     ProgramWindow window(server.Name(), settings.Path());
     ASSERT_TRUE(window.IsShown());
+    EXPECT_TRUE(WaitUntil([&] { return window.Frame().height > window.Inner().height; })) << "openbox adds a title bar";
     // The window is corrected when it is on the screen with its frame.
     EXPECT_TRUE(WaitUntil([&] { return window.WorkArea().Contains(window.Frame()); }))
         << "frame " << window.Frame().x << ' ' << window.Frame().y << ' ' << window.Frame().width << ' '
         << window.Frame().height;
-    EXPECT_GT(window.Frame().height, window.Inner().height) << "openbox has added a title bar";
     EXPECT_TRUE(WaitUntil([&] { return 2 * window.Viewer().width >= window.Inner().width; }))
         << window.Viewer().width << " of " << window.Inner().width;
     EXPECT_EQ(window.Close(), 0);
