@@ -1,7 +1,7 @@
 # Test programs: kv_test() builds one against GoogleTest and registers its suites with ctest.
 
 # Precompiled headers of the tests: parsing these costs more than most test files' own code. One set for tests of building
-# blocks, one that adds the control.
+# blocks, one that adds the control, and in host/ one that adds Qt.
 set(KV_TEST_HEADERS
     <gmock/gmock.h> <gtest/gtest.h>
     <algorithm> <array> <atomic> <bit> <chrono> <cmath> <condition_variable> <cstddef> <cstdint> <cstdio> <cstdlib> <cstring>
@@ -42,6 +42,8 @@ function(kv_test_program NAME)
   if(KV_PRECOMPILED_HEADERS)
     if("kv::control" IN_LIST TEST_USES)
       target_precompile_headers(${NAME} REUSE_FROM kv_control_test_headers)
+    elseif("kv::host_window" IN_LIST TEST_USES)
+      target_precompile_headers(${NAME} REUSE_FROM kv_host_test_headers)
     else()
       target_precompile_headers(${NAME} REUSE_FROM kv_test_headers)
     endif()
