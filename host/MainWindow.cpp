@@ -32,6 +32,7 @@
 #include "ScreenShot.h"
 #include "Settings.h"
 #include "TransformCommands.h"
+#include "TranslatedText.h"
 #include "ViewerWidget.h"
 #include "WindowShell.h"
 
@@ -217,7 +218,7 @@ bool MainWindow::SaveScreenShot(const std::string& path) {
         reason = "there is not enough memory";
     }
     const bool saved = !text.isEmpty();
-    if (!saved) text = tr("%1: not written: %2").arg(file, QString::fromStdString(reason));
+    if (!saved) text = tr("%1: not written: %2").arg(file, TranslatedText(PlainWords(reason)));
     m_pMessages->AddText(text);  // the next menu that opens clears the status bar
     statusBar()->showMessage(text);
     return saved;
