@@ -42,8 +42,8 @@ TEST_P(DropFromOutside, OnTheViewerOpensTheFiles) {
 TEST_P(DropFromOutside, OnTheListOfObjectsOpensTheFile) {
     m_operator->Start({Scan("there.pcm")});
     const ScreenPoint row = m_operator->WaitForText("there.pcm").Middle();
-    DropAt({Scan("dropped.pcm", 5)}, row);
-    m_operator->WaitForText("dropped.pcm");
+    DropAt({Scan("new.pcm", 5)}, row);
+    m_operator->WaitForText("new.pcm");
 }
 
 TEST_P(DropFromOutside, OfAFolderOpensTheFilesInIt) {
