@@ -156,7 +156,8 @@ void TransformCommands::OnSceneCleared() {
 }
 
 void TransformCommands::ShowInList() {
-    if (m_pViewer == nullptr) return;
+    // A viewer that closes has lost its objects, and the list still has their rows.
+    if (m_pViewer == nullptr || m_pViewer->Methods().GetNumObjects() < m_objects.ObjectCount()) return;
     const std::vector<int> moved = MovedRows();
     for (int row = 0; row < m_objects.ObjectCount(); ++row) {
         std::array<float, 6> box{};

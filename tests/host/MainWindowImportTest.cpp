@@ -305,11 +305,15 @@ TEST_F(MainWindowImport, EndsWithAViewerThatIsLostDuringThePreparation) {
     bool destroyed = false;
     const std::vector<std::string> files = ManyPcms(40);
     ShowForPreparation(files);
+    testing::internal::CaptureStderr();  // of the viewer, when it is asked for objects that are gone
     Start(files, [&](const Frame&) {
         if (!std::exchange(destroyed, true)) DestroyXWindow(m_window->Pane()->NativeWindow());
     });
-    ASSERT_TRUE(WaitUntil([&] { return Messages().find("There is no viewer:") != std::string::npos; }));
+    const bool isLost = WaitUntil([&] { return Messages().find("There is no viewer:") != std::string::npos; });
     for (int i = 0; i < 20; ++i) QCoreApplication::processEvents();
+    const std::string output = testing::internal::GetCapturedStderr();
+    ASSERT_TRUE(isLost);
+    EXPECT_EQ(output.find("out of range"), std::string::npos) << output;
     EXPECT_FALSE(m_window->IsImporting());
     EXPECT_TRUE(Rows().empty());
     EXPECT_EQ(m_window->findChild<ScenePreparation*>(), nullptr);
