@@ -30,7 +30,12 @@ private:
 };
 
 inline const DesktopKind kDesktops[] = {
-    {"Of1600x1000", "1600x1000", 1}, {"Of1366x768", "1366x768", 1}, {"OfScale2", "1600x1000", 2}};
+    {"Of1366x768", "1366x768", 1},
+#ifndef KV_ONE_DESKTOP
+    {"Of1600x1000", "1600x1000", 1},
+    {"OfScale2", "1600x1000", 2},
+#endif
+};
 
 inline void PrintTo(const DesktopKind& kind, std::ostream* out) { *out << kind.name; }
 
