@@ -59,8 +59,35 @@ void DrawLasso(Operator& user) {
     }
 }
 
+bool IsSameButForCursor(const ScreenShown& a, const ScreenShown& b) {
+    int different = 0;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i) different += a.pixels[i] != b.pixels[i] ? 1 : 0;
+    return different <= kCursorPixels;
+}
+
+/// Waits until the whole screen stays as it is, for longer than a frame lasts on a busy machine.
+ScreenShown WaitForStillScreen(const Operator& user) {
+    using Clock = std::chrono::steady_clock;
+    constexpr int kLooks = 10;
+    ScreenShown first = user.Screen().Show();
+    Clock::time_point since = Clock::now();
+    int same = 0;
+    user.WaitFor("a screen that stays", [&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ScreenShown now = user.Screen().Show();
+        if (IsSameButForCursor(now, first))
+            return ++same >= kLooks && Clock::now() - since >= std::chrono::milliseconds(1500);
+        first = std::move(now);
+        since = Clock::now();
+        same = 0;
+        return false;
+    });
+    return first;
+}
+
 void PickTwoPoints(Operator& user) {
     user.Choose({"Tools", "Picking", "Points on objects"});
+    (void)WaitForStillScreen(user);  // the menu is gone
     user.Screen().DoubleClick(user.InViewer(0.44, 0.42));
     (void)user.WaitForText("Copy");
     user.Screen().DoubleClick(user.InViewer(0.56, 0.55));
@@ -70,8 +97,9 @@ void PickTwoPoints(Operator& user) {
 }
 
 void PickForAlignment(Operator& user) {
-    const ScreenArea column = user.WaitForText("May move"), row = user.WaitForText("bust_002.pcm");
-    user.Screen().Click({column.x + 8, row.Middle().y});  // its check box
+    user.Screen().Click(user.WaitForText("bust_002.pcm").Middle(), 3);
+    user.ClickText("Only the selected may move");
+    (void)WaitForStillScreen(user);  // the menu is gone
     ClickViewer(user);
     user.Screen().Key("a");
     (void)user.WaitForText("Align by points: click points on what will move", TextMatch::Part);
@@ -143,32 +171,6 @@ const TourPicture kPictures[] = {
      {}},
     {"german", [](Operator& user) { (void)user.WaitForText("Werkzeuge"); }, {{"LC_ALL", ""}, {"LANG", "de_DE.UTF-8"}}},
 };
-
-bool IsSameButForCursor(const ScreenShown& a, const ScreenShown& b) {
-    int different = 0;
-    for (std::size_t i = 0; i < a.pixels.size(); ++i) different += a.pixels[i] != b.pixels[i] ? 1 : 0;
-    return different <= kCursorPixels;
-}
-
-/// Waits until the whole screen stays as it is, for longer than a frame lasts on a busy machine.
-ScreenShown WaitForStillScreen(const Operator& user) {
-    using Clock = std::chrono::steady_clock;
-    constexpr int kLooks = 10;
-    ScreenShown first = user.Screen().Show();
-    Clock::time_point since = Clock::now();
-    int same = 0;
-    user.WaitFor("a screen that stays", [&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        ScreenShown now = user.Screen().Show();
-        if (IsSameButForCursor(now, first))
-            return ++same >= kLooks && Clock::now() - since >= std::chrono::milliseconds(1500);
-        first = std::move(now);
-        since = Clock::now();
-        same = 0;
-        return false;
-    });
-    return first;
-}
 
 /// With a palette of the most frequent colours: a quarter of the file's size.
 QImage InFewColors(const QImage& image) {
