@@ -172,9 +172,25 @@ const TourPicture kPictures[] = {
     {"german", [](Operator& user) { (void)user.WaitForText("Werkzeuge"); }, {{"LC_ALL", ""}, {"LANG", "de_DE.UTF-8"}}},
 };
 
+QRgb LeastLike(const QList<QRgb>& palette, const std::vector<std::pair<int, QRgb>>& colors) {
+    QRgb found = 0;
+    int largest = -1;
+    for (const auto& [pixels, color] : colors) {
+        int nearest = 3 * 256;
+        for (const QRgb other : palette) {
+            nearest = std::min(nearest, std::abs(qRed(color) - qRed(other)) + std::abs(qGreen(color) - qGreen(other)) +
+                                            std::abs(qBlue(color) - qBlue(other)));
+        }
+        if (nearest <= largest) continue;
+        largest = nearest;
+        found = color;
+    }
+    return found;
+}
+
 /// With a palette of the most frequent colours: a quarter of the file's size.
 QImage InFewColors(const QImage& image) {
-    constexpr int kColors = 256;
+    constexpr int kColors = 256, kFrequent = 160;
     constexpr QRgb kCell = 0xFFF0F0F0;
     QHash<QRgb, QHash<QRgb, int>> cells;  // pixels by colour, in cells of similar colours
     for (int y = 0; y < image.height(); ++y) {
@@ -195,9 +211,9 @@ QImage InFewColors(const QImage& image) {
     }
     std::ranges::sort(ranked, std::greater());
     QList<QRgb> palette;
-    for (const auto& [pixels, color] : ranked) {
-        if (palette.size() < kColors) palette.push_back(color);
-    }
+    for (std::size_t i = 0; i < ranked.size() && palette.size() < kFrequent; ++i) palette.push_back(ranked[i].second);
+    // The others are those least like any before: markers and icons have few pixels.
+    while (palette.size() < kColors) palette.push_back(LeastLike(palette, ranked));
     return image.convertToFormat(QImage::Format_Indexed8, palette, Qt::ThresholdDither | Qt::AvoidDither);
 }
 
