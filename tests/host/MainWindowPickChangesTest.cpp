@@ -100,7 +100,9 @@ TEST_F(MainWindowPickChanges, LeaveTheStatusBarWhenTheyAreClearedOrTheModeChange
     expectNothing();
     for (const char* const next : {"Centre cross", "Off"}) {
         pickTwice("Points on objects");
+        const DialogAnswer<QMessageBox> yes([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
         Trigger(next);
+        EXPECT_TRUE(yes.WasShown()) << "two points would be lost";
         expectNothing();
     }
 }

@@ -9,6 +9,7 @@
 #include "MainWindow.h"
 #include "MessagePane.h"
 #include "PropertyDialog.h"
+#include "ReducedDrawing.h"
 #include "host/ModalDialogs.h"
 #include "host/ScanFiles.h"
 #include "host/WaitUntil.h"
@@ -53,7 +54,7 @@ TEST(MainWindowWithoutAViewer, ShowsTheReasonAndNamesTheFilesThatItCannotOpen) {
     window.CopyPickDistance();
     EXPECT_FALSE(window.IsImporting());
     window.ShowDrawMode(KV_ScenePane::DrawModePoints);
-    window.ReduceWhileMoving(true);
+    window.Reducing().Choose(ReducedChoice::Always);
     window.ShowProperties();
     EXPECT_EQ(window.findChild<PropertyDialog*>(), nullptr);
     const DialogAnswer<QMessageBox> answer([](QMessageBox& box) {
