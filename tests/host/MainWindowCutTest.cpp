@@ -392,7 +392,7 @@ TEST_F(MainWindowCut, ShowsEachObjectAsTheListSaysAfterAnUndo) {
     EXPECT_FALSE(IsObjectAt(kBeside)) << "the restored objects were visible when they were cut";
 }
 
-TEST_F(MainWindowCut, KeepsTheNumbersOfPickedObjects) {
+TEST_F(MainWindowCut, KeepsTheNamesOfPickedObjects) {
     ASSERT_TRUE(CutByCall());
     m_window->ChoosePickMode(KV_ScenePane::PickModePoints);
     const KV_ScenePane::Picture frame = DrawFrame();
@@ -402,10 +402,10 @@ TEST_F(MainWindowCut, KeepsTheNumbersOfPickedObjects) {
                                  .y = static_cast<int>(frame.height * 0.35)});
     ASSERT_EQ(Methods().GetNumberOfPickPointSpheres(), 1);
     const auto object = [&] { return Find<QLabel>("lastPick").text().toStdString(); };
-    EXPECT_EQ(object().substr(0, 2), "0:") << object();
+    EXPECT_EQ(object().substr(0, 10), "front.pcm:") << object();
     m_window->DeleteObject(1);
     Tool("cutUndo").trigger();
-    EXPECT_EQ(object().substr(0, 2), "0:") << object();
+    EXPECT_EQ(object().substr(0, 10), "front.pcm:") << object();
     m_window->ChoosePickMode(KV_ScenePane::PickModeOff);
 }
 
