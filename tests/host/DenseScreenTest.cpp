@@ -22,6 +22,7 @@ protected:
         options.width = 600, options.height = 400;
         Show(options);
         m_viewer = m_window->findChild<ViewerWidget*>();
+        for (int i = 0; i < 20; ++i) QCoreApplication::processEvents();  // the window is placed and its panes narrowed
         ASSERT_EQ(m_viewer->devicePixelRatioF(), 2.0);
     }
     ViewerWidget* m_viewer = nullptr;
