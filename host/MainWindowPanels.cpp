@@ -86,19 +86,18 @@ void MainWindow::MakeDocks() {
     // The panes on the right have the whole height: the list of objects would have a row or two beside the others.
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     AddDock(tr("Objects"), "objects", objects, Qt::RightDockWidgetArea);
-    QDockWidget* const decorations =
-        AddDock(tr("Decorations"), "decorations", new PanelArea(m_pDecorations), Qt::RightDockWidgetArea);
-    // Several docks share one place, as tabs.
-    tabifyDockWidget(decorations, AddDock(tr("Logo"), "logo", new PanelArea(m_pLogo), Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations,
-                     AddDock(tr("Animation"), "animation", new PanelArea(m_pAnimation), Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations,
-                     AddDock(tr("Points and lines"), "markers", new PanelArea(m_pMarkers), Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Picks"), "picks", new PanelArea(m_pPicks), Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations,
-                     AddDock(tr("Needles"), "needles", new PanelArea(m_pNeedles), Qt::RightDockWidgetArea));
-    tabifyDockWidget(decorations, AddDock(tr("Clip plane"), "clip", new PanelArea(m_pClip), Qt::RightDockWidgetArea));
-    decorations->raise();
+    // The others share one place, as tabs. Those that are used most come first: where there is no space for all tabs,
+    // the last ones are beyond an arrow.
+    const auto tab = [this](const QString& title, const char* name, QWidget* panel) {
+        return AddDock(title, name, new PanelArea(panel), Qt::RightDockWidgetArea);
+    };
+    QDockWidget* const picks = tab(tr("Picks"), "picks", m_pPicks);
+    for (QDockWidget* const dock :
+         {tab(tr("Clip plane"), "clip", m_pClip), tab(tr("Needles"), "needles", m_pNeedles),
+          tab(tr("Points and lines"), "markers", m_pMarkers), tab(tr("Animation"), "animation", m_pAnimation),
+          tab(tr("Decorations"), "decorations", m_pDecorations), tab(tr("Logo"), "logo", m_pLogo)})
+        tabifyDockWidget(picks, dock);
+    picks->raise();
     QDockWidget* const messages =
         AddDock(tr("Messages"), "messages", WithClearButton(m_pMessages), Qt::BottomDockWidgetArea);
     QDockWidget* const events = AddDock(tr("Events"), "events", m_pEvents, Qt::BottomDockWidgetArea);

@@ -87,8 +87,8 @@ public:
     static constexpr int kUnsorted = -1;
     [[nodiscard]] int SortColumn() const { return m_nSortColumn; }
 
-    /// For the first layout only; the user can resize the pane.
-    [[nodiscard]] QSize sizeHint() const override { return {440, 300}; }
+    /// For the first layout only, with the columns up to the size; the user can resize the pane.
+    [[nodiscard]] QSize sizeHint() const override { return {480, 300}; }
     /// Five rows, on a screen that has no more space.
     [[nodiscard]] QSize minimumSizeHint() const override;
 

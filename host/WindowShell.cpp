@@ -122,7 +122,7 @@ void WindowShell::Restore() {
             if (stored.openedByWindow.contains(pane->objectName())) pane->hide();
     }
     Place(stored.place);
-    m_bNarrowsPanes = m_bNarrowsPanes || !hasPanes;
+    m_bFitsPanes = m_bFitsPanes || !hasPanes;
     if (stored.maximized) m_window.setWindowState(Qt::WindowMaximized);
 }
 
@@ -136,7 +136,7 @@ void WindowShell::Place(const std::optional<WindowPlace>& last) {
     const QSize size = wanted.boundedTo(last ? screen->availableSize() : screen->availableSize() - kUsualFrame);
     m_window.resize(size);
     if (before != nullptr) m_window.move(MovedInside({last->corner, size}, screen->availableGeometry()).topLeft());
-    m_bNarrowsPanes = !last || size != wanted;
+    m_bFitsPanes = !last || size != wanted;
 }
 
 void WindowShell::Store() {
@@ -223,37 +223,26 @@ bool WindowShell::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void WindowShell::KeepInside() {
-    if (m_window.isMaximized() || m_window.isFullScreen()) return NarrowPanes();
+    if (m_window.isMaximized() || m_window.isFullScreen()) return FitPanes();
     const QRect available = m_window.screen()->availableGeometry(), frame = m_window.frameGeometry();
     if (!available.contains(frame)) {
         const QSize margins = frame.size() - m_window.size();
         m_window.resize(m_window.size().boundedTo(available.size() - margins));
         m_window.move(MovedInside({frame.topLeft(), m_window.size() + margins}, available).topLeft());
     }
-    NarrowPanes();
+    FitPanes();
 }
 
-void WindowShell::NarrowPanes() {
-    const QWidget* const centre = m_window.centralWidget();
-    if (!m_bNarrowsPanes || centre == nullptr) return;
-    if (2 * centre->width() >= m_window.width()) return WidenPanes(centre->width() - m_window.width() / 2);
+void WindowShell::FitPanes() {
+    if (!m_bFitsPanes) return;
     for (const Qt::DockWidgetArea area : {Qt::LeftDockWidgetArea, Qt::RightDockWidgetArea}) {
+        QDockWidget* widest = nullptr;
         for (QDockWidget* const pane : Panes()) {
             if (m_window.dockWidgetArea(pane) != area || pane->isHidden() || pane->isFloating()) continue;
-            m_window.resizeDocks({pane}, {m_window.width() / 4}, Qt::Horizontal);
-            break;  // the others of the area have the same width
+            if (widest == nullptr || pane->sizeHint().width() > widest->sizeHint().width()) widest = pane;
         }
+        if (widest == nullptr) continue;
+        const int width = std::min(widest->sizeHint().width(), m_window.width() * 2 / 5);
+        m_window.resizeDocks({widest}, {width}, Qt::Horizontal);  // the others of the area follow
     }
-}
-
-void WindowShell::WidenPanes(int space) {
-    QDockWidget* widest = nullptr;
-    for (QDockWidget* const pane : Panes()) {
-        if (m_window.dockWidgetArea(pane) != Qt::RightDockWidgetArea || pane->isHidden() || pane->isFloating())
-            continue;
-        if (widest == nullptr || pane->sizeHint().width() > widest->sizeHint().width()) widest = pane;
-    }
-    if (widest == nullptr || widest->sizeHint().width() <= widest->width()) return;
-    const int width = std::min(widest->sizeHint().width(), widest->width() + space);
-    m_window.resizeDocks({widest}, {width}, Qt::Horizontal);
 }

@@ -63,11 +63,8 @@ private:
     void Place(const std::optional<WindowPlace>& last);
     /// The frame is known once the window is on the screen: the whole of it moves into the available area.
     void KeepInside();
-    /// The viewer keeps half of the width.
-    void NarrowPanes();
-    /// Panes at the right get the width that their contents need, from what the viewer has beyond its half.
-    /// @param space  that the viewer can give, pixels
-    void WidenPanes(int space);
+    /// Panes get the width that their contents need, and at most two fifths of the window's on each side.
+    void FitPanes();
     [[nodiscard]] QList<QDockWidget*> Panes() const;
 
     QMainWindow& m_window;
@@ -79,5 +76,5 @@ private:
     std::vector<std::string> m_vOpened;     // not stored yet
     std::set<std::string> m_vWanted;        // by name, and not added yet
     bool m_bPlaced = false;                 // the frame was looked at
-    bool m_bNarrowsPanes = true;            // their widths are not those that the user chose in a window of this size
+    bool m_bFitsPanes = true;               // their widths are not those that the user chose in a window of this size
 };
