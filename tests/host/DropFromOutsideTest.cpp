@@ -70,9 +70,12 @@ TEST_P(DropFromOutside, DuringAnImportAddsTheFilesAfterIt) {
 
 TEST_P(DropFromOutside, DuringAnAlignmentWaitsForItsEnd) {
     m_operator->Start({Scan("back.pcm"), Scan("front.pcm", 10)});
+    (void)m_operator->WaitForText("front.pcm");
+    (void)m_operator->WaitForStillPicture();
     m_operator->ClickText("front.pcm");
     m_operator->Choose({"Tools", "Align", "Align by hand"});
     DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.5));
+    (void)m_operator->WaitForStillPicture();  // an import would have ended
     EXPECT_FALSE(m_operator->Shows("late.pcm"));
     Screen().Key("Escape");
     m_operator->WaitForText("late.pcm");

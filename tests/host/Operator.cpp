@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr std::uint32_t kBackground = 0x191932;
-
 std::map<std::string, std::string> EnvironmentOf(const DesktopKind& kind, const ScratchFolder& settings,
                                                  std::map<std::string, std::string> more) {
     // Of the test, not of the user's desktop.

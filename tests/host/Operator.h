@@ -24,6 +24,8 @@ struct DesktopKind {
 /// Every function that waits throws std::runtime_error with what it waited for; a picture of the screen is saved then.
 class Operator {
 public:
+    static constexpr std::uint32_t kBackground = 0x191932;  ///< of the viewer at the first start, 0xRRGGBB
+
     /// @param environment  of the programs that are started, beside that of the test; a value that is empty removes
     explicit Operator(const DesktopKind& kind, std::map<std::string, std::string> environment = {});
 

@@ -43,7 +43,7 @@ protected:
         Screen().Click(m_operator->InViewer(0.5, 0.5), 3);
         m_operator->WaitFor("the hole of the cut", [&] { return Middle() == kBackground; });
     }
-    static constexpr std::uint32_t kBackground = 0x191932;
+    static constexpr std::uint32_t kBackground = Operator::kBackground;
     ScreenShown m_first;  // of the viewer, after the start
 };
 
@@ -73,11 +73,11 @@ TEST_P(Workflow, DigitsChooseViews) {
     StartWithScan();
     GiveKeyboardToViewer();
     Screen().Key("6");  // oblique
-    (void)m_operator->WaitForOtherPicture(m_first);
-    Screen().Key("4");  // from above
-    (void)m_operator->WaitForStillPicture();
+    const ScreenShown oblique = m_operator->WaitForOtherPicture(m_first);
+    Screen().Key("4");  // from above, as at the start
+    (void)m_operator->WaitForOtherPicture(oblique);
     Screen().Key("Home");
-    m_operator->WaitFor("the scan from above", [&] { return Middle() != kBackground; });
+    m_operator->WaitForPicture(m_first);
 }
 
 TEST_P(Workflow, ACutIsTakenBackSavedAndThereWhenTheFileIsOpenedAgain) {
