@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "Appearance.h"
 #include "FileTypes.h"
@@ -35,7 +36,8 @@ int RunWindow(const HostOptions& options, char* program) {
         for (const auto* const files :
              {&options.files, &options.pointFiles, &options.lineFiles, &options.needleFiles}) {
             for (const std::string& file : *files) {
-                if (files == &options.files && std::filesystem::is_directory(file)) continue;  // the window opens it
+                std::error_code error;  // a name can be too long to be looked up
+                if (files == &options.files && std::filesystem::is_directory(file, error)) continue;  // for the window
                 const bool isObject = files == &options.files && !HoldsPoints(file);
                 const std::string refusal = isObject ? ImportRefusal(file) : ReadRefusal(file);
                 if (!refusal.empty()) printFailure(file, refusal);

@@ -271,6 +271,9 @@ no_x='scenepane: there is no X display (DISPLAY is not set): under Wayland the w
 WAYLAND_DISPLAY=wayland-7 expect 1 "$no_x$needs_none" .
 WAYLAND_DISPLAY=wayland-7 QT_QPA_PLATFORM=wayland expect 1 "$no_x$needs_none" square.xdt
 QT_QPA_PLATFORM=xcb expect 1 "scenepane: there is no display (DISPLAY is not set)$needs_none" square.xdt
+long_name=$(printf 'a%.0s' $(seq 300)).pcm
+expect 1 "scenepane: $long_name: File name too long
+scenepane: there is no display (DISPLAY is not set)$needs_none" "$long_name"
 DISPLAY=:4095 QT_QPA_PLATFORM='wayland;xcb' expect 1 "scenepane: the display :4095 cannot be opened$needs_none" square.xdt
 # Platforms that the user asks for on purpose: the window stays, and its files are not opened.
 for platform in offscreen minimal Offscreen 'minimal:enable_fonts'; do
