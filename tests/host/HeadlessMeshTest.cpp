@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <ostream>
 
@@ -265,20 +264,9 @@ TEST(MeshPicture, ShowsAMeshFile) {
 
 // ---- coordinates that are not finite, and files that add nothing
 
-/// A file with one triangle. @param numbers  a normal, then three corners
-void WriteStlTriangle(const std::string& path, const std::array<float, 12>& numbers) {
-    std::vector<std::byte> bytes(80);
-    const std::uint32_t count = 1;
-    const std::uint16_t attribute = 0;
-    AppendBytes(bytes, &count, sizeof count);
-    AppendBytes(bytes, numbers.data(), sizeof numbers);
-    AppendBytes(bytes, &attribute, sizeof attribute);
-    WriteBytes(path, bytes);
-}
-
 TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
     const ScratchFolder folder;
-    WriteStlTriangle(folder / "odd.stl", {0, 0, 1, 0, 0, 5, 2, 0, 5, INFINITY, NAN, 6});
+    WriteStl(folder / "odd.stl", {{{{0, 0, 5}, {2, 0, 5}, {INFINITY, NAN, 6}}}});
     HostOptions options;
     options.json = true;
     options.files = {folder / "odd.stl"};
@@ -297,7 +285,7 @@ TEST(Info, PrintsTheNumberOfCoordinatesThatAreNotFiniteAndAddsTheFile) {
 
 TEST(Info, SaysThatAnObjectWithoutFinitePointsShowsNothing) {
     const ScratchFolder folder;
-    WriteStlTriangle(folder / "odd.stl", {0, 0, 1, NAN, 0, 5, NAN, 0, 5, INFINITY, 1, 6});
+    WriteStl(folder / "odd.stl", {{{{NAN, 0, 5}, {NAN, 0, 5}, {INFINITY, 1, 6}}}});
     HostOptions options;
     options.json = true;
     options.files = {folder / "odd.stl"};

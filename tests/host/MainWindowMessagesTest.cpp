@@ -2,34 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <QStatusBar>
-#include <array>
 #include <cmath>
 
 #include "ImportStatus.h"
 #include "MessageTable.h"
 #include "host/MainWindowFixture.h"
+#include "host/MeshFiles.h"
 
 namespace {
 
-/// A corner of a triangle.
-using Corner = std::array<float, 3>;
-
-void WriteStl(const std::string& path, const std::vector<std::array<Corner, 3>>& triangles) {
-    std::vector<std::byte> bytes(80);
-    const auto count = static_cast<std::uint32_t>(triangles.size());
-    AppendBytes(bytes, &count, sizeof count);
-    for (const auto& triangle : triangles) {
-        const float normal[3] = {0, 0, 1};
-        const std::uint16_t attribute = 0;
-        AppendBytes(bytes, normal, sizeof normal);
-        AppendBytes(bytes, triangle.data(), sizeof triangle);
-        AppendBytes(bytes, &attribute, sizeof attribute);
-    }
-    WriteBytes(path, bytes);
-}
-
 /// A square of 100 mm, and a triangle of which a corner has two coordinates that are not finite.
-std::vector<std::array<Corner, 3>> OddSquare() {
+std::vector<StlTriangle> OddSquare() {
     return {{{{0, 0, 0}, {100, 0, 0}, {100, 100, 0}}},
             {{{0, 0, 0}, {100, 100, 0}, {0, 100, 0}}},
             {{{0, 0, 0}, {100, 0, 0}, {NAN, INFINITY, 0}}}};
@@ -86,26 +69,14 @@ TEST_F(MainWindowMessages, SayThatAnObjectWithoutFinitePointsIsNotShown) {
 
 TEST_F(MainWindowMessages, GiveTheLimitThatLeavesNoTriangleOfAScan) {
     const std::string file = m_folder / "far.pcm";
-    std::vector<float> points;
-    for (int i = 0; i < 64; ++i)
-        points.insert(points.end(), {static_cast<float>(i % 8) * 3000, static_cast<float>(i / 8) * 3000, 0});
-    const std::vector<float> confidence(64, 1);
-    const std::vector<std::uint8_t> classes(64, 0);
-    const float trafo[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    MsrStorage::PcmView view;
-    view.m_iWidth = view.m_iHeight = 8;
-    view.m_pPoints = points.data();
-    view.m_pConfidence = confidence.data();
-    view.m_pClassification = classes.data();
-    view.m_pTrafo = trafo;
-    MsrStorage::WritePcmFile(file, view);
+    WritePcm(file, 21, 21);  // 1 mm apart
     ImportSettings settings;
-    settings.skip = 2;
+    settings.skip = 7;
     m_window->SetImportSettings(settings);
     Import({file});
     EXPECT_EQ(Messages(), file +
-                              ": nothing added: no triangle is left: with skip 2 neighbouring points are more than "
-                              "5 mm apart: import with skip 1");
+                              ": nothing added: no triangle is left: with skip 7 neighbouring points are more than "
+                              "6.5 mm apart: import with skip 1");
 }
 
 struct Status {

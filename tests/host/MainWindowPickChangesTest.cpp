@@ -124,20 +124,18 @@ TEST_F(MainWindowPickChanges, LeaveHalfOfANarrowStatusBarToTheMessage) {
 
 TEST_F(MainWindowPickChanges, AndNeedlesAreNotMadeByTheSameClick) {
     auto& creation = Find<QCheckBox>("needleCreate");
-    for (const char* const mode : {"Points on objects"}) {
-        Trigger(mode);
-        creation.click();
-        EXPECT_EQ(Methods().GetPickMode(), KV_ScenePane::PickModeOff) << mode;
-        EXPECT_TRUE(MenuAction("Off").isChecked());
-        EXPECT_FALSE(Find<QCheckBox>("placePoints").isChecked());
-        EXPECT_NE(Methods().GetNeedlePickingMode(), KV_ScenePane::kVariantFalse);
-        EXPECT_TRUE(m_window->statusBar()->currentMessage().contains("creates needles now")) << mode;
-        Trigger(mode);
-        EXPECT_FALSE(creation.isChecked());
-        EXPECT_EQ(Methods().GetNeedlePickingMode(), KV_ScenePane::kVariantFalse);
-        EXPECT_NE(Methods().GetNeedleDrawingMode(), KV_ScenePane::kVariantFalse) << "needles stay";
-        EXPECT_TRUE(m_window->statusBar()->currentMessage().contains("picks points now")) << mode;
-    }
+    Trigger("Points on objects");
+    creation.click();
+    EXPECT_EQ(Methods().GetPickMode(), KV_ScenePane::PickModeOff);
+    EXPECT_TRUE(MenuAction("Off").isChecked());
+    EXPECT_FALSE(Find<QCheckBox>("placePoints").isChecked());
+    EXPECT_NE(Methods().GetNeedlePickingMode(), KV_ScenePane::kVariantFalse);
+    EXPECT_TRUE(m_window->statusBar()->currentMessage().contains("creates needles now"));
+    Trigger("Points on objects");
+    EXPECT_FALSE(creation.isChecked());
+    EXPECT_EQ(Methods().GetNeedlePickingMode(), KV_ScenePane::kVariantFalse);
+    EXPECT_NE(Methods().GetNeedleDrawingMode(), KV_ScenePane::kVariantFalse) << "needles stay";
+    EXPECT_TRUE(m_window->statusBar()->currentMessage().contains("picks points now"));
     Trigger("Centre cross");
     creation.click();
     EXPECT_EQ(Methods().GetPickMode(), KV_ScenePane::PickModeCross) << "it picks nothing";

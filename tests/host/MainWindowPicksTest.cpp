@@ -27,10 +27,8 @@ class MainWindowPicks : public PicksFixture {};
 
 // ---- what is shown of a pick
 
-class MainWindowPickModes : public MainWindowPicks, public testing::WithParamInterface<const char*> {};
-
-TEST_P(MainWindowPickModes, ShowAPickInTheEventsAndTheStatusBar) {
-    Trigger(GetParam());
+TEST_F(MainWindowPicks, AreShownInTheEventsAndTheStatusBar) {
+    Trigger("Points on objects");
     const QPoint pixel = OnB();
     const SurfacePoint hit = Surface(pixel);
     ASSERT_EQ(hit.object, 1);
@@ -43,9 +41,8 @@ TEST_P(MainWindowPickModes, ShowAPickInTheEventsAndTheStatusBar) {
     EXPECT_NE(Events().find("object 1: b.xdt"), std::string::npos) << Events();
     EXPECT_EQ(LastPick(), "b.xdt: " + ShownText(hit) + " mm");
     EXPECT_NE(Find<QLabel>("lastPick").textInteractionFlags() & Qt::TextSelectableByMouse, 0) << "to be copied";
-    EXPECT_EQ(List().topLevelItemCount(), Methods().GetPickMode() == 5 ? 1 : 0);
+    EXPECT_EQ(List().topLevelItemCount(), 1);
 }
-INSTANTIATE_TEST_SUITE_P(Picking, MainWindowPickModes, testing::Values("Points on objects"));
 
 TEST_F(MainWindowPicks, ShowNothingInTheModesWithoutPicks) {
     for (const char* const mode : {"Off", "Centre cross"}) {

@@ -45,17 +45,28 @@ inline std::string TetraPlyText() {
     return text;
 }
 
-inline void WriteStl(const std::string& path) {
+using StlTriangle = std::array<std::array<float, 3>, 3>;  // its corners
+
+inline void WriteStl(const std::string& path, const std::vector<StlTriangle>& triangles) {
     std::vector<std::byte> bytes(80);
-    const auto count = static_cast<std::uint32_t>(kTetraTriangles.size());
+    const auto count = static_cast<std::uint32_t>(triangles.size());
     AppendBytes(bytes, &count, sizeof count);
-    for (const auto& triangle : kTetraTriangles) {
+    for (const StlTriangle& triangle : triangles) {
         bytes.resize(bytes.size() + 12);  // the normal, which readers ignore
-        for (const std::int32_t index : triangle)
-            AppendBytes(bytes, kTetraPoints[static_cast<std::size_t>(index)].data(), 12);
+        AppendBytes(bytes, triangle.data(), sizeof triangle);
         bytes.resize(bytes.size() + 2);
     }
     WriteBytes(path, bytes);
+}
+
+inline void WriteStl(const std::string& path) {
+    std::vector<StlTriangle> triangles;
+    for (const auto& triangle : kTetraTriangles) {
+        StlTriangle& corners = triangles.emplace_back();
+        for (std::size_t i = 0; i < corners.size(); ++i)
+            corners[i] = kTetraPoints[static_cast<std::size_t>(triangle[i])];
+    }
+    WriteStl(path, triangles);
 }
 
 namespace detail {
