@@ -41,9 +41,8 @@ QString FixedTask(const AlignHintState& state) {
     const int points = state.progress.fixed, wanted = state.progress.moving;
     const QString task =
         AlignHint::tr("Align by points: click the same points in the same order on %1: point %2 of %3.")
-            .arg(Marked(state, AlignHint::tr("the objects that stay")))
-            .arg(points + 1)
-            .arg(wanted);
+            .arg(Marked(state, AlignHint::tr("the objects that stay")), QString::number(points + 1),
+                 QString::number(wanted));
     return points + 1 == wanted ? task + AlignHint::tr(" It ends the alignment.") : task;
 }
 
@@ -113,7 +112,7 @@ QString ObjectNames(const QStringList& names) {
         shown << (name.size() > kStart + kEnd + 1 ? name.left(kStart) + QChar(0x2026) + name.right(kEnd) : name);
     const qsizetype more = names.size() - shown.size();
     const QString text = shown.join(", ");
-    return more > 0 ? AlignHint::tr("%1 and %2 more").arg(text).arg(more) : text;
+    return more > 0 ? AlignHint::tr("%1 and %2 more").arg(text, QString::number(more)) : text;
 }
 
 AlignHintText HintOf(const AlignHintState& state) { return {TaskOf(state), KeysOf(state).join("   ·   ")}; }

@@ -160,7 +160,8 @@ void MainWindow::ShowReading(int file, bool isBlocking) {
     const std::vector<std::string>& files = m_pJob->Files();
     const std::string& path = files[static_cast<std::size_t>(file)];
     const QString name = QString::fromStdString(path.substr(path.rfind('/') + 1));
-    m_pProgress->ShowText(tr("Reading %1 (%2 of %3)").arg(name).arg(file + 1).arg(files.size()));
+    m_pProgress->ShowText(
+        tr("Reading %1 (%2 of %3)").arg(name, QString::number(file + 1), QString::number(files.size())));
     if (isBlocking) m_pProgress->PaintNow();
 }
 

@@ -197,10 +197,8 @@ bool MainWindow::LoadTransforms(const std::string& path, std::string* failure) {
             }
             const int moved = m_pTransforms->Place(tr("load of transforms"), byRow);
             lines << tr("%1: transforms for %2 of %3 objects, %4 moved")
-                         .arg(file)
-                         .arg(byRow.size())
-                         .arg(files.size())
-                         .arg(moved);
+                         .arg(file, QString::number(byRow.size()), QString::number(files.size()),
+                              QString::number(moved));
             ReportTransforms(lines.join('\n'));
             if (byRow.empty() && failure != nullptr) *failure = "holds no transform for any of the files";
             return !byRow.empty();

@@ -106,7 +106,8 @@ bool PictureCommands::SavePicture(const std::string& path, const PictureLook& lo
             throw std::runtime_error(tr("JPEG files have no transparency: choose PNG").toStdString());
         const KV_ScenePane::Picture picture = TakeViewPicture(m_viewer, look, m_hooks);
         if (WritePicture(path, picture, look.isTransparent, &reason)) {
-            emit Reported(tr("%1: picture of %2 x %3 pixels").arg(file).arg(picture.width).arg(picture.height));
+            emit Reported(tr("%1: picture of %2 x %3 pixels")
+                              .arg(file, QString::number(picture.width), QString::number(picture.height)));
             return true;
         }
     } catch (...) {

@@ -47,6 +47,7 @@ TEST(AlignHintText, NamesThreeObjectsAtMostAndShortensLongNames) {
     EXPECT_EQ(ObjectNames({"a.pcm"}).toStdString(), "a.pcm");
     EXPECT_EQ(ObjectNames({"a", "b", "c"}).toStdString(), "a, b, c");
     EXPECT_EQ(ObjectNames({"a", "b", "c", "d", "e"}).toStdString(), "a, b, c and 2 more");
+    EXPECT_EQ(ObjectNames({"a%2", "b", "c", "d"}).toStdString(), "a%2, b, c and 1 more") << "a place in a name stays";
     EXPECT_EQ(ObjectNames({"a_measurement_with_a_long_name_007.pcm"}).toStdString(), "a_measurement_…me_007.pcm");
 }
 
