@@ -41,6 +41,7 @@ LogoPanel::LogoPanel(QWidget* parent)
       m_pAnchors(new QButtonGroup(this)),
       m_pMargin(new QSpinBox),
       m_pVisible(new QCheckBox(tr("Sho&w"))) {
+    m_pFile->setTextFormat(Qt::PlainText);  // it names a file
     auto* const open = new QPushButton(tr("&Open image..."));
     connect(open, &QPushButton::clicked, this, &LogoPanel::AskForImage);
     m_pMargin->setObjectName("logoMargin");

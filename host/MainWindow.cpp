@@ -90,6 +90,7 @@ bool MainWindow::HaveObjects() const { return !m_pObjects->PresentObjects().empt
 void MainWindow::MakeCentre() {
     m_pViewer = new ViewerWidget({m_options.width, m_options.height}, m_viewerSamples);
     m_pRefusal = new QLabel;
+    m_pRefusal->setTextFormat(Qt::PlainText);
     m_pRefusal->setAlignment(Qt::AlignCenter);
     m_pRefusal->setWordWrap(true);
     m_pRefusal->setTextInteractionFlags(Qt::TextSelectableByMouse);
