@@ -15,7 +15,7 @@ TEST(ExportNames, AreUniqueWhateverTheCaseOfTheirLetters) {
               (QStringList{"a.stl", "A (2).stl", "a (3).stl", "a (2) (2).stl"}));
 }
 
-TEST(ExportNames, LeaveTheFolder) {
+TEST(ExportNames, LeadToNoOtherFolder) {
     EXPECT_EQ(ExportNames({"../a", "/etc/b", "..", ".hidden", "", "c\nd"}, "ply"),
               (QStringList{"_._a.ply", "_etc_b.ply", "_..ply", "_hidden.ply", "object.ply", "c_d.ply"}));
 }

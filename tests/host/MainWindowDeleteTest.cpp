@@ -203,7 +203,7 @@ TEST_F(MainWindowDelete, RestoresVisibilityColourNameAndOrder) {
     EXPECT_EQ(DrawFrame().pixels, frame.pixels);
 }
 
-TEST_F(MainWindowDelete, RestoresAnObjectWhereTheAlignmentsOfMeanwhileLeaveIt) {
+TEST_F(MainWindowDelete, RestoresAnObjectWithoutAnAlignmentThatWasTakenBack) {
     Move(0, kMotion);
     m_window->RemoveObjects({0});
     m_window->Undo();
@@ -262,7 +262,7 @@ TEST_F(MainWindowDelete, AndCutsAreTakenBackInTheReverseOrder) {
     EXPECT_FALSE(m_window->isWindowModified());
 }
 
-TEST_F(MainWindowDelete, KeepsTheCutsOfBefore) {
+TEST_F(MainWindowDelete, KeepsEarlierCuts) {
     Cut("cutPolygonInside");
     const int vertices = Vertices(0);
     m_window->RemoveObjects({0});

@@ -35,10 +35,6 @@
 
 namespace {
 
-constexpr int kAlphaShift = 24;
-
-int AlphaOf(std::uint32_t pixel) { return static_cast<int>(pixel >> kAlphaShift); }
-
 class MainWindowPictures : public MainWindowFixture {
 protected:
     void SetUp() override {
@@ -290,7 +286,7 @@ TEST_F(MainWindowPictures, AreCopiedWithTheirAlpha) {
     const QImage image = qvariant_cast<QImage>(QApplication::clipboard()->mimeData()->imageData());
     ASSERT_TRUE(image.hasAlphaChannel());
     EXPECT_EQ(image.pixel(1, 1), 0u);
-    EXPECT_EQ(AlphaOf(image.pixel(image.width() / 2, image.height() / 2)), 255);
+    EXPECT_EQ(qAlpha(image.pixel(image.width() / 2, image.height() / 2)), 255);
 }
 
 // ---- the dialog

@@ -129,7 +129,7 @@ TEST_F(ViewMenu, DoesNotOpenAfterADragOfTheRightButton) {
     EXPECT_EQ(OpenMenu(), nullptr);
 }
 
-TEST_F(ViewMenu, DoesNotOpenDuringALassoOrAnAlignment) {
+TEST_F(ViewMenu, DoesNotOpenDuringALasso) {
     m_window->Cuts().Start(KV_ScenePane::PolygonInside);
     Xdotool("mousemove " + At(Corner()) + " click 1 mousemove " + At(Corner() + QPoint(20, 5)) + " click 3");
     WaitForClicks();
@@ -137,7 +137,7 @@ TEST_F(ViewMenu, DoesNotOpenDuringALassoOrAnAlignment) {
     EXPECT_FALSE(m_window->Cuts().RunningWay().has_value()) << "the right click cuts";
 }
 
-TEST_F(ViewMenu, LeavesAViewThatDoesNotFollowThePointer) {
+TEST_F(ViewMenu, EndsTheDragThatItsClickBegan) {
     RightClick(Corner());
     Xdotool("key Escape");
     ASSERT_TRUE(WaitUntil([] { return OpenMenu() == nullptr; }));

@@ -148,7 +148,7 @@ TEST_F(ViewNoteInWindow, NamesHiddenObjects) {
     EXPECT_TRUE(IsHidden());
 }
 
-TEST_F(ViewNoteInWindow, StaysWhileShadowsHideTheObjectsHoweverItCameAbout) {
+TEST_F(ViewNoteInWindow, StaysWhileShadowsHideTheObjects) {
     ImportOne();
     Methods().SetShadowMode(1);
     Methods().SetDrawMode(KV_ScenePane::DrawModePerPixel);
@@ -166,7 +166,7 @@ TEST_F(ViewNoteInWindow, StaysWhileShadowsHideTheObjectsHoweverItCameAbout) {
     EXPECT_EQ(Methods().GetShadowMode(), 0);
 }
 
-TEST_F(ViewNoteInWindow, IsNotReachedByMenusOfShadowsAndModes) {
+TEST_F(ViewNoteInWindow, IsNeverCausedByTheMenusOfShadowsAndModes) {
     ImportOne();
     Trigger("Shadows");
     EXPECT_FALSE(MenuAction("Lit per pixel").isEnabled());
