@@ -52,8 +52,8 @@ bool WritePicture(const std::string& path, const KV_ScenePane::Picture& picture,
                           reason);
 }
 
-/// The dialog has gone from the screen and the viewer has drawn what it covered: the screen's content is shown while
-/// the picture is taken.
+/// Until the dialog is gone from the screen and the viewer has drawn what it covered: while the picture is taken, the
+/// screen shows a copy of its present content.
 void WaitForScreen() { QGuiApplication::sync(); }
 
 }  // namespace

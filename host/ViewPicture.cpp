@@ -1,5 +1,5 @@
 // The viewer draws into a framebuffer of the size that SetSize() sets, whatever its window shows: for the picture it
-// gets the size of the picture, behind a copy of what the screen shows (ViewerCover).
+// gets the size of the picture, while a copy of what the screen shows covers it (ViewerCover).
 #include "ViewPicture.h"
 
 #include <QCoreApplication>
@@ -54,11 +54,13 @@ public:
         if (!m_look.hasDecorations) m_hooks.hideDecorations(true);
     }
     ~PictureState() {
+        if (m_viewer.Pane() == nullptr) return;
         try {
             Restore();
             Methods().PerformRefresh();  // before the cover goes
         } catch (...) {
-            Methods().PerformInvalidate();  // the frame has failed, not the state: another one follows
+            // The frame has failed, not the state: another one follows.
+            if (m_viewer.Pane() != nullptr) Methods().PerformInvalidate();
         }
     }
     PictureState(const PictureState&) = delete;
@@ -72,7 +74,9 @@ public:
         }
         RequireMemoryFor(m_look.size);
         KV_ScenePane::Picture picture;
-        if (!m_viewer.Pane()->CapturePicture(&picture) || QSize(picture.width, picture.height) != m_look.size)
+        const bool isTaken = m_viewer.Pane()->CapturePicture(&picture);
+        // A message box of the viewer runs the event loop, where the viewer can be lost.
+        if (m_viewer.Pane() == nullptr || !isTaken || QSize(picture.width, picture.height) != m_look.size)
             throw std::runtime_error(ViewPicture::tr("the viewer gave no picture of this size").toStdString());
         return picture;
     }
