@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <numbers>
+#include <utility>
 
 #include "EventPane.h"
 #include "ViewerWidget.h"
@@ -22,7 +23,13 @@ protected:
         options.width = 600, options.height = 400;
         Show(options);
         m_viewer = m_window->findChild<ViewerWidget*>();
-        for (int i = 0; i < 20; ++i) QCoreApplication::processEvents();  // the window is placed and its panes narrowed
+        // The window is placed and its panes narrowed after it was shown.
+        QSize last;
+        int same = 0;
+        ASSERT_TRUE(WaitUntil([&] {
+            same = std::exchange(last, m_viewer->size()) == m_viewer->size() ? same + 1 : 0;
+            return same >= 20;
+        }));
         ASSERT_EQ(m_viewer->devicePixelRatioF(), 2.0);
     }
     ViewerWidget* m_viewer = nullptr;
