@@ -113,6 +113,7 @@ void MainWindow::OpenWaitingPoints() {
     if (Pane() == nullptr || IsImporting() || !IsMouseFree() || m_vWaitingPoints.empty()) return;
     PointsRequest request = std::move(m_vWaitingPoints.front());
     m_vWaitingPoints.erase(m_vWaitingPoints.begin());
+    FinishDeletions();
     m_pPointsJob = new PointsJob(Pane()->Methods(), std::move(request), this);
     FollowPointsProgress();
     connect(m_pPointsJob, &PointsJob::Finished, this, &MainWindow::OnPointsImported);

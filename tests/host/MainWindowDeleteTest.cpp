@@ -312,6 +312,16 @@ TEST_F(MainWindowDelete, IsFinalFromTheNextImportOn) {
     EXPECT_EQ(Present(), (Indices{0, 1}));
 }
 
+TEST_F(MainWindowDelete, IsFinalFromTheNextImportOfPointsOn) {
+    WriteText(m_folder / "a.xyz", "0 0 0\n1 1 1\n");
+    m_window->RemoveObjects({0});
+    m_window->ImportPointFiles({m_folder / "a.xyz"}, {});
+    WaitForImports();
+    EXPECT_EQ(ObjectsInViewer(), 1) << "back.pcm";
+    EXPECT_FALSE(Tool("cutUndo").isEnabled());
+    EXPECT_FALSE(OfferIsShown());
+}
+
 TEST_F(MainWindowDelete, IsForgottenWithTheScene) {
     m_window->RemoveObjects({0});
     m_window->ClearScene();
