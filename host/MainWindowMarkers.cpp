@@ -225,7 +225,7 @@ void MainWindow::ImportLineFiles(const std::vector<std::string>& files) {
                                m_vWaitingPoints.empty() && m_unaskedPoints.files.empty() && !m_bAsksForPoints;
     m_pMarkers->ShowLineCount(m_pMarkers->LineCount() + static_cast<int>(lines));
     if (lines > 0) ShowLines(true);
-    statusBar()->showMessage(tr("%1 lines added").arg(lines));
+    statusBar()->showMessage(tr("%Ln line(s) added", nullptr, static_cast<int>(lines)));
     if (!isOnlyContent) return;
     try {
         FitViewToLines(Pane()->Methods(), box, m_options.zoom);

@@ -84,8 +84,8 @@ void MainWindow::MakeFileMenu() {
     MakeTransformActions(*menu);
     QAction* const exports = menu->addAction(tr("&Export selected object..."), QKeySequence(Qt::CTRL | Qt::Key_E), this,
                                              &MainWindow::AskForExport);
-    exports->setStatusTip(tr("Export the object of the list's current row as a %1 file")
-                              .arg(QString::fromStdString(ExtensionList(IsExported, "or"))));
+    exports->setStatusTip(
+        tr("Write the selected objects as %1 files").arg(QString::fromStdString(ExtensionList(IsExported, "or"))));
     m_vIdleActions.push_back(exports);
     menu->addSeparator();
     MakePictureActions(*menu);

@@ -1297,10 +1297,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
         <translation>Alle Dateien (*)</translation>
     </message>
     <message>
-        <source>%1 lines added</source>
-        <translation>%1 Linien hinzugefügt</translation>
-    </message>
-    <message>
         <source>The view was not fitted to the lines: %1</source>
         <translation>Die Ansicht wurde nicht an die Linien angepasst: %1</translation>
     </message>
@@ -1407,10 +1403,6 @@ Bei verzögerten Maustasten setzt auch Strg + mittlere Taste die Ebene an die Da
     <message>
         <source>&amp;Export selected object...</source>
         <translation>Ausgewähltes Objekt e&amp;xportieren...</translation>
-    </message>
-    <message>
-        <source>Export the object of the list&apos;s current row as a %1 file</source>
-        <translation>Das Objekt der aktuellen Zeile der Liste als %1-Datei exportieren</translation>
     </message>
     <message>
         <source>&amp;Clear</source>
@@ -1984,6 +1976,17 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
     <message>
         <source>%1: %2 mm, distance %3 mm</source>
         <translation>%1: %2 mm, Abstand %3 mm</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln line(s) added</source>
+        <translation>
+            <numerusform>%Ln Linie hinzugefügt</numerusform>
+            <numerusform>%Ln Linien hinzugefügt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Write the selected objects as %1 files</source>
+        <translation>Die ausgewählten Objekte als %1-Dateien schreiben</translation>
     </message>
 </context>
 <context>

@@ -86,6 +86,13 @@
             <numerusform>Now: %n samples</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%Ln line(s) added</source>
+        <translation>
+            <numerusform>%Ln line added</numerusform>
+            <numerusform>%Ln lines added</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>StatusLine</name>
