@@ -2,12 +2,10 @@
 // of the X server.
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QClipboard>
 #include <QDockWidget>
 #include <QEventLoop>
 #include <QLabel>
-#include <QMenu>
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
@@ -16,14 +14,14 @@
 
 #include "PickPanel.h"
 #include "SceneReport.h"
-#include "host/PointerFixture.h"
+#include "host/MenuFixture.h"
 
 namespace {
 
 using KV_ScenePane::SurfacePoint;
 
 /// A flat scan seen from +Z, picks place points. Pixels are those of the viewer; on this screen they are Qt's.
-class MainWindowPickMenu : public PointerFixture {
+class MainWindowPickMenu : public MenuFixture {
 protected:
     void SetUp() override {
         PointerFixture::SetUp();
@@ -31,10 +29,6 @@ protected:
         Import({m_folder / "a.xdt"});
         Trigger("Points on objects");
         QGuiApplication::clipboard()->setText("nothing");
-    }
-    void TearDown() override {
-        if (QWidget* const popup = QApplication::activePopupWidget()) popup->close();
-        Xdotool("mouseup 1 mouseup 3");
     }
     [[nodiscard]] QPoint Global(const QPoint& pixel) const { return m_viewer->mapToGlobal(pixel); }
     /// Beside the middle of the viewer, by parts of its shorter side.
@@ -52,23 +46,7 @@ protected:
         for (const QPoint& pixel : pixels) DoubleClick(pixel);
         ASSERT_EQ(List().topLevelItemCount(), static_cast<int>(pixels.size()));
     }
-    [[nodiscard]] static QMenu* OpenMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
-    void RightClick(const QPoint& pixel) const {
-        Xdotool("mousemove " + At(Global(pixel)) + " click 3");
-        ASSERT_TRUE(WaitUntil([] { return OpenMenu() != nullptr && OpenMenu()->windowHandle()->isExposed(); }));
-    }
-    /// Clicks the entry of the open menu that starts so. @throws std::runtime_error when it has none
-    void ChooseEntry(const QString& start) const {
-        for (QAction* const action : OpenMenu()->actions()) {
-            if (!action->text().remove('&').startsWith(start)) continue;
-            Xdotool("mousemove " + At(OpenMenu()->mapToGlobal(OpenMenu()->actionGeometry(action).center())) +
-                    " click 1");
-            if (!WaitUntil([] { return OpenMenu() == nullptr; })) throw std::runtime_error("the menu stays open");
-            QCoreApplication::processEvents();
-            return;
-        }
-        throw std::runtime_error("the menu has no entry " + start.toStdString());
-    }
+    void RightClick(const QPoint& pixel) const { OpenMenuAt(Global(pixel)); }
     [[nodiscard]] static std::vector<std::string> Entries() {
         std::vector<std::string> texts;
         for (const QAction* const action : OpenMenu()->actions()) {
@@ -90,11 +68,6 @@ protected:
         return NumberText(hit.point[0]) + " " + NumberText(hit.point[1]) + " " + NumberText(hit.point[2]);
     }
     [[nodiscard]] static std::string Clipboard() { return QGuiApplication::clipboard()->text().toStdString(); }
-    /// Waits until everything that the clicks so far lead to has happened, menus included.
-    void WaitForClicks() const {
-        WaitForInput();
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-    }
 };
 
 TEST_F(MainWindowPickMenu, NamesTheNearestPoint) {
@@ -105,8 +78,7 @@ TEST_F(MainWindowPickMenu, NamesTheNearestPoint) {
                                         "Copy distance of the last two picks", "", "View and object"}));
     ASSERT_EQ(List().selectedItems().size(), 1);
     EXPECT_EQ(List().indexOfTopLevelItem(List().selectedItems().front()), 1);
-    Xdotool("key Escape");
-    ASSERT_TRUE(WaitUntil([] { return OpenMenu() == nullptr; }));
+    CloseMenuByEscape();
     RightClick(Beside(-0.15, 0.05));
     EXPECT_EQ(Entries().front(), "Remove point 1");
 }
@@ -123,7 +95,7 @@ TEST_F(MainWindowPickMenu, RemovesThePoint) {
     PlacePoints({Beside(-0.2, 0), Beside(0.2, 0)});
     const std::string second = Point(1);
     RightClick(Beside(-0.2, 0));
-    ChooseEntry("Remove point 1");
+    Choose("Remove point 1");
     ASSERT_TRUE(WaitUntil([&] { return List().topLevelItemCount() == 1; }));
     EXPECT_EQ(Point(0), second);
     EXPECT_EQ(Methods().GetNumberOfPickPointSpheres(), 1);
@@ -132,7 +104,7 @@ TEST_F(MainWindowPickMenu, RemovesThePoint) {
 TEST_F(MainWindowPickMenu, CopiesTheCoordinates) {
     PlacePoints({Beside(-0.2, 0), Beside(0.2, 0)});
     RightClick(Beside(0.2, 0));
-    ChooseEntry("Copy coordinates");
+    Choose("Copy coordinates");
     ASSERT_TRUE(WaitUntil([&] { return Clipboard() != "nothing"; }));
     EXPECT_EQ(Clipboard(), Point(1, "\t") + "\n");
 }
@@ -141,7 +113,7 @@ TEST_F(MainWindowPickMenu, MovesThePointToTheNextPick) {
     PlacePoints({Beside(-0.2, 0), Beside(0.2, 0)});
     const std::string second = Point(1);
     RightClick(Beside(-0.2, 0));
-    ChooseEntry("Move point 1");
+    Choose("Move point 1");
     ASSERT_TRUE(WaitUntil([&] { return Find<QPushButton>("movePoint").isChecked(); }));
     const QPoint target = Beside(0, 0.2);
     DoubleClick(target);
@@ -154,7 +126,7 @@ TEST_F(MainWindowPickMenu, MovesNothingAfterEscapeInTheViewer) {
     PlacePoints({Beside(-0.2, 0)});
     const std::string first = Point(0);
     RightClick(Beside(-0.2, 0));
-    ChooseEntry("Move point 1");
+    Choose("Move point 1");
     ASSERT_TRUE(WaitUntil([&] { return Find<QPushButton>("movePoint").isChecked(); }));
     WaitForViewerFocus();
     Xdotool("key Escape");
@@ -168,7 +140,7 @@ TEST_F(MainWindowPickMenu, CancelsAMove) {
     PlacePoints({Beside(-0.2, 0)});
     m_window->MovePickPoint(0);
     RightClick(Beside(-0.2, 0));
-    ChooseEntry("Cancel the move");
+    Choose("Cancel the move");
     ASSERT_TRUE(WaitUntil([&] { return !Find<QPushButton>("movePoint").isChecked(); }));
     DoubleClick(Beside(0, 0.2));
     EXPECT_EQ(List().topLevelItemCount(), 2);
@@ -193,8 +165,7 @@ TEST_F(MainWindowPickMenu, OpensInTheDelayedSchemeToo) {
     ASSERT_TRUE(WaitUntil([&] { return List().topLevelItemCount() == 1; }));
     const std::array<float, 10> view = View();
     RightClick(pixel);
-    Xdotool("key Escape");
-    ASSERT_TRUE(WaitUntil([] { return OpenMenu() == nullptr; }));
+    CloseMenuByEscape();
     WaitForDelayedPress();
     Xdotool("mousemove " + At(Global(Beside(0.2, 0.2))));
     WaitForClicks();
@@ -203,31 +174,16 @@ TEST_F(MainWindowPickMenu, OpensInTheDelayedSchemeToo) {
 
 TEST_F(MainWindowPickMenu, DoesNotOpenAfterADrag) {
     PlacePoints({Beside(-0.2, 0)});
-    const std::array<float, 10> view = View();
-    Drag("3", {40, 0});
-    WaitForClicks();
-    EXPECT_EQ(OpenMenu(), nullptr);
-    EXPECT_NE(View(), view) << "the drag did not pan";
-    // There and back.
-    Xdotool("mousemove " + At(Middle()) + " mousedown 3 mousemove " + At(Middle() + QPoint(30, 0)));
-    WaitForInput();
-    Xdotool("mousemove " + At(Middle()) + " mouseup 3");
-    WaitForClicks();
-    EXPECT_EQ(OpenMenu(), nullptr);
+    ExpectNoMenuAfterDrags();
 }
 
 TEST_F(MainWindowPickMenu, IsThatOfTheViewWithoutPointsAndInOtherPickModes) {
-    Xdotool("mousemove " + At(Middle()) + " click 3");
-    WaitForClicks();
-    ASSERT_NE(OpenMenu(), nullptr);
+    OpenMenuAt(Middle());
     EXPECT_EQ(OpenMenu()->objectName(), "viewMenu") << "no point";
-    Xdotool("key Escape");
-    ASSERT_TRUE(WaitUntil([] { return OpenMenu() == nullptr; }));
+    CloseMenuByEscape();
     Trigger("Centre cross");
     Methods().AddPickPointSphere(1, 1, 0, 0);
-    Xdotool("mousemove " + At(Middle()) + " click 3");
-    WaitForClicks();
-    ASSERT_NE(OpenMenu(), nullptr);
+    OpenMenuAt(Middle());
     EXPECT_EQ(OpenMenu()->objectName(), "viewMenu") << "the mode draws no spheres";
 }
 

@@ -1,20 +1,18 @@
 // The menu of a right click in the view, by the pointer of the X server.
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QClipboard>
-#include <QMenu>
 #include <QTreeWidget>
 
 #include "CutCommands.h"
 #include "PickPanel.h"
 #include "SceneReport.h"
-#include "host/PointerFixture.h"
+#include "host/MenuFixture.h"
 
 namespace {
 
 /// A flat scan in the middle of the view, seen from +Z.
-class ViewMenu : public PointerFixture {
+class ViewMenu : public MenuFixture {
 protected:
     void SetUp() override {
         PointerFixture::SetUp();
@@ -22,16 +20,7 @@ protected:
         Import({m_folder / "a&b.xdt"});
         QGuiApplication::clipboard()->setText("nothing");
     }
-    void TearDown() override {
-        while (QWidget* const popup = QApplication::activePopupWidget()) popup->close();
-        Xdotool("mouseup 1 mouseup 3");
-    }
-    [[nodiscard]] static QMenu* OpenMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
     [[nodiscard]] QPoint Corner() const { return m_viewer->mapToGlobal(QPoint(8, 8)); }
-    void RightClick(const QPoint& global) const {
-        Xdotool("mousemove " + At(global) + " click 3");
-        ASSERT_TRUE(WaitUntil([] { return OpenMenu() != nullptr && OpenMenu()->windowHandle()->isExposed(); }));
-    }
     [[nodiscard]] static QStringList Entries(const QMenu& menu) {
         QStringList texts;
         for (const QAction* const action : menu.actions()) {
@@ -39,41 +28,25 @@ protected:
         }
         return texts;
     }
-    /// Clicks the entry of the open menu that starts so.
-    void Choose(const QString& start) const {
-        for (QAction* const action : OpenMenu()->actions()) {
-            if (!QString(action->text()).remove('&').startsWith(start)) continue;
-            Xdotool("mousemove " + At(OpenMenu()->mapToGlobal(OpenMenu()->actionGeometry(action).center())) +
-                    " click 1");
-            if (!WaitUntil([] { return OpenMenu() == nullptr; })) throw std::runtime_error("the menu stays open");
-            QCoreApplication::processEvents();
-            return;
-        }
-        throw std::runtime_error("the menu has no entry " + start.toStdString());
-    }
-    void WaitForClicks() const {
-        WaitForInput();
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-    }
     const QStringList m_ofView{"Fit the view", "Views", "Render mode", "Shadows", "Background colours..."};
 };
 
 TEST_F(ViewMenu, HasTheViewWhereNothingIsUnderThePointer) {
-    RightClick(Corner());
+    OpenMenuAt(Corner());
     EXPECT_EQ(OpenMenu()->objectName(), "viewMenu");
     EXPECT_EQ(Entries(*OpenMenu()).first(5), m_ofView);
     Choose("Fit the view");
 }
 
 TEST_F(ViewMenu, ChoosesAViewInItsSecondMenu) {
-    RightClick(Corner());
+    OpenMenuAt(Corner());
     const std::array<float, 10> before = View();
     Xdotool("key i key Down key Return");
     EXPECT_TRUE(WaitUntil([&] { return View() != before; }));
 }
 
 TEST_F(ViewMenu, NamesTheObjectUnderThePointer) {
-    RightClick(Middle());
+    OpenMenuAt(Middle());
     const QStringList entries = Entries(*OpenMenu());
     EXPECT_EQ(OpenMenu()->actions().front()->text(), "a&&b.xdt");
     EXPECT_FALSE(OpenMenu()->actions().front()->isEnabled());
@@ -85,7 +58,7 @@ TEST_F(ViewMenu, CopiesThePointUnderThePointer) {
     KV_ScenePane::SurfacePoint hit;
     const QPoint pixel = m_viewer->rect().center();
     ASSERT_TRUE(m_window->Pane()->PickSurface(pixel.x(), pixel.y(), &hit));
-    RightClick(Middle());
+    OpenMenuAt(Middle());
     EXPECT_TRUE(Entries(*OpenMenu()).contains("Copy the point " + ShownPoint(hit.point)));
     Choose("Copy the point");
     ASSERT_TRUE(WaitUntil([] { return QGuiApplication::clipboard()->text() != "nothing"; }));
@@ -94,7 +67,7 @@ TEST_F(ViewMenu, CopiesThePointUnderThePointer) {
 }
 
 TEST_F(ViewMenu, HidesTheObjectAsItsCheckMarkDoes) {
-    RightClick(Middle());
+    OpenMenuAt(Middle());
     Choose("Hide");
     EXPECT_TRUE(WaitUntil([&] { return m_window->Objects().IsHidden(0); }));
     EXPECT_EQ(MiddlePixel(), kBackground);
@@ -102,32 +75,20 @@ TEST_F(ViewMenu, HidesTheObjectAsItsCheckMarkDoes) {
 
 TEST_F(ViewMenu, SelectsTheRowOfTheObject) {
     m_window->Objects().setCurrentItem(nullptr);
-    RightClick(Middle());
+    OpenMenuAt(Middle());
     Choose("Select");
     EXPECT_TRUE(WaitUntil([&] { return m_window->Objects().CurrentObject() == 0; }));
 }
 
 TEST_F(ViewMenu, DeletesTheObjectAndUndoBringsItBack) {
-    RightClick(Middle());
+    OpenMenuAt(Middle());
     Choose("Delete");
     ASSERT_TRUE(WaitUntil([&] { return m_window->Objects().PresentObjects().empty(); }));
     m_window->Undo();
     EXPECT_EQ(m_window->Objects().PresentObjects().size(), 1u);
 }
 
-TEST_F(ViewMenu, DoesNotOpenAfterADragOfTheRightButton) {
-    const std::array<float, 10> view = View();
-    Drag("3", {40, 0});
-    WaitForClicks();
-    EXPECT_EQ(OpenMenu(), nullptr);
-    EXPECT_NE(View(), view) << "the drag did not pan";
-    // There and back.
-    Xdotool("mousemove " + At(Middle()) + " mousedown 3 mousemove " + At(Middle() + QPoint(30, 0)));
-    WaitForInput();
-    Xdotool("mousemove " + At(Middle()) + " mouseup 3");
-    WaitForClicks();
-    EXPECT_EQ(OpenMenu(), nullptr);
-}
+TEST_F(ViewMenu, DoesNotOpenAfterADragOfTheRightButton) { ExpectNoMenuAfterDrags(); }
 
 TEST_F(ViewMenu, DoesNotOpenDuringALasso) {
     m_window->Cuts().Start(KV_ScenePane::PolygonInside);
@@ -138,9 +99,8 @@ TEST_F(ViewMenu, DoesNotOpenDuringALasso) {
 }
 
 TEST_F(ViewMenu, EndsTheDragThatItsClickBegan) {
-    RightClick(Corner());
-    Xdotool("key Escape");
-    ASSERT_TRUE(WaitUntil([] { return OpenMenu() == nullptr; }));
+    OpenMenuAt(Corner());
+    CloseMenuByEscape();
     const std::array<float, 10> view = View();
     Xdotool("mousemove " + At(Middle()) + " mousemove " + At(Middle() + QPoint(50, 20)));
     WaitForClicks();
