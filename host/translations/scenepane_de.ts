@@ -1943,7 +1943,7 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     </message>
     <message>
         <source>One colo&amp;ur</source>
-        <translation>&amp;Eine Farbe</translation>
+        <translation>Ei&amp;ne Farbe</translation>
     </message>
     <message>
         <source>Fi&amp;t the view</source>
