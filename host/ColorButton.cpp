@@ -3,6 +3,7 @@
 
 #include <QColorDialog>
 #include <QPixmap>
+#include <QPointer>
 
 QColor ColorFromPacked(std::int32_t packed) { return {packed & 0xFF, (packed >> 8) & 0xFF, (packed >> 16) & 0xFF}; }
 
@@ -26,8 +27,10 @@ void ColorButton::SetPacked(std::int32_t packed) {
 }
 
 void ColorButton::Choose() {
-    const QColor color = QColorDialog::getColor(ColorFromPacked(m_nPacked), this, tr("Colour"));
-    if (!color.isValid()) return;  // the dialog was cancelled
+    // The row of an object, and this button with it, can be removed while the dialog is open.
+    const QPointer<ColorButton> self(this);
+    const QColor color = QColorDialog::getColor(ColorFromPacked(m_nPacked), window(), tr("Colour"));
+    if (!self || !color.isValid()) return;  // not valid: the dialog was cancelled
     SetPacked(PackedFromColor(color));
     emit ColorChosen(m_nPacked);
 }

@@ -10,6 +10,20 @@
 #include <algorithm>
 
 #include "ColorButton.h"
+#include "ToolTip.h"
+
+namespace {
+
+/// Of the colour of the object.
+void NameButton(QWidget& button, const ObjectItem& object) {
+    const QString name = object.text(ObjectItem::kName);
+    button.setAccessibleName(ObjectList::tr("Colour of %1").arg(name));
+    button.setToolTip(object.HasVertexColors()
+                          ? ObjectList::tr("The object has its own colours, which are shown instead")
+                          : PlainToolTip(ObjectList::tr("Colour of %1: click to choose another one").arg(name)));
+}
+
+}  // namespace
 
 ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     setColumnCount(kColumnCount);
@@ -92,9 +106,7 @@ ObjectItem* ObjectList::AddRow(const ObjectRow& row, const ObjectReport& object)
     auto* const item = new ObjectItem(this, row, object);
     m_vItems.push_back(item);
     auto* const button = new ColorButton(object.color);
-    button->SetName(tr("Colour of %1").arg(item->text(kName)));
-    button->setToolTip(object.hasVertexColors ? tr("The object has its own colours, which are shown instead")
-                                              : tr("Colour of %1: click to choose another one").arg(item->text(kName)));
+    NameButton(*button, *item);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);  // the keys stay in the list, where Space does the same
     // By the item and not by its position, which changes when objects are removed.
@@ -305,7 +317,7 @@ void ObjectList::OnItemChanged(QTreeWidgetItem* item, int column) {
         const QSignalBlocker quiet(this);
         object.TakeName();
     }
-    itemWidget(item, kColor)->setAccessibleName(tr("Colour of %1").arg(object.text(kName)));
+    NameButton(*itemWidget(item, kColor), object);
     emit Renamed(index);
 }
 

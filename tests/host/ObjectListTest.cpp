@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QTimer>
 #include <string>
 #include <vector>
@@ -356,6 +357,31 @@ TEST_F(ObjectListTest, OpensTheDialogOfTheColourBySpace) {
     Press(Qt::Key_Space);
     EXPECT_EQ(index, 1);
     EXPECT_EQ(chosen, 0x030201);
+}
+
+TEST_F(ObjectListTest, CanLoseAnObjectWhileItsColourIsChosen) {
+    m_list.setCurrentItem(&Row(1), ObjectList::kColor);
+    bool wasAsked = false, wasAnswered = false;
+    QObject::connect(&m_list, &ObjectList::ColorWanted, [&] { wasAnswered = true; });
+    QTimer::singleShot(0, [&] {
+        const QPointer<QColorDialog> dialog(qobject_cast<QColorDialog*>(QApplication::activeModalWidget()));
+        wasAsked = dialog != nullptr;
+        m_list.RemoveAll();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_NE(dialog, nullptr) << "it must not end with the row";
+        if (dialog != nullptr) dialog->accept();
+    });
+    Press(Qt::Key_Space);
+    EXPECT_TRUE(wasAsked);
+    EXPECT_FALSE(wasAnswered);
+}
+
+TEST_F(ObjectListTest, NamesTheObjectInTheTipOfItsColourAsTheRowDoes) {
+    const QWidget& button = *m_list.itemWidget(&Row(1), ObjectList::kColor);
+    EXPECT_EQ(button.toolTip().toStdString(), "Colour of b.pcm: click to choose another one");
+    Row(1).setText(ObjectList::kName, "<b>lid</b>");
+    EXPECT_EQ(button.accessibleName().toStdString(), "Colour of <b>lid</b>");
+    EXPECT_TRUE(button.toolTip().contains("&lt;b&gt;lid")) << button.toolTip().toStdString();
 }
 
 // ---- the pane
