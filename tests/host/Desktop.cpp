@@ -2,8 +2,6 @@
 #include "host/Desktop.h"
 
 #include <X11/XKBlib.h>
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -13,69 +11,10 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "host/XWindows.h"
 #include "support/Wait.h"
 
 namespace {
-
-// A window may be destroyed between two requests about it: such a request has no answer, and the test goes on.
-int IgnoreError(Display*, XErrorEvent*) { return 0; }
-
-struct Property {
-    Atom type = None;
-    int format = 0;
-    std::vector<unsigned long> words;  // format 32
-    std::string bytes;                 // format 8
-};
-
-Property ReadProperty(Display* display, Window window, const char* name) {
-    Property property;
-    unsigned long count = 0, left = 0;
-    unsigned char* value = nullptr;
-    if (XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, 1 << 20, False, AnyPropertyType,
-                           &property.type, &property.format, &count, &left, &value) != Success ||
-        value == nullptr)
-        return property;
-    if (property.format == 8) property.bytes.assign(reinterpret_cast<char*>(value), count);
-    if (property.format == 32) {
-        property.words.resize(count);
-        std::memcpy(property.words.data(), value, count * sizeof(unsigned long));  // longs, whatever their length
-    }
-    XFree(value);
-    return property;
-}
-
-std::vector<Window> Children(Display* display, Window window) {
-    Window root = None, parent = None;
-    Window* list = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return {};
-    std::vector<Window> children(list, list + count);
-    if (list != nullptr) XFree(list);
-    return children;
-}
-
-Window ParentOf(Display* display, Window window) {
-    Window root = None, parent = None;
-    Window* list = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(display, window, &root, &parent, &list, &count) == 0) return None;
-    if (list != nullptr) XFree(list);
-    return parent;
-}
-
-bool IsShown(Display* display, Window window) {
-    XWindowAttributes attributes;
-    return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable;
-}
-
-std::optional<ScreenArea> AreaOf(Display* display, Window window) {
-    XWindowAttributes attributes;
-    if (XGetWindowAttributes(display, window, &attributes) == 0) return std::nullopt;
-    ScreenArea area{0, 0, attributes.width, attributes.height};
-    Window child = None;
-    XTranslateCoordinates(display, window, attributes.root, 0, 0, &area.x, &area.y, &child);
-    return area;
-}
 
 KeySym SymbolOf(const std::string& name) {
     if (name == "ctrl") return XK_Control_L;
@@ -89,8 +28,11 @@ KeySym SymbolOf(const std::string& name) {
 }  // namespace
 
 struct Desktop::Connection {
-    Display* display = nullptr;
-    Window root = None;
+    explicit Connection(const std::string& name) : owned(OpenXConnection(name)) {}
+
+    const XConnection owned;
+    Display* const display = owned.get();
+    const Window root = DefaultRootWindow(display);
 
     void Sync() const { XSync(display, False); }
     void FakeKey(KeySym symbol, bool down) const {
@@ -101,14 +43,9 @@ struct Desktop::Connection {
     }
 };
 
-Desktop::Desktop(const std::string& display) : m_pX(std::make_unique<Connection>()) {
-    XSetErrorHandler(IgnoreError);
-    m_pX->display = XOpenDisplay(display.c_str());
-    if (m_pX->display == nullptr) throw std::runtime_error("the X display " + display + " cannot be opened");
-    m_pX->root = DefaultRootWindow(m_pX->display);
-}
+Desktop::Desktop(const std::string& display) : m_pX(std::make_unique<Connection>(display)) {}
 
-Desktop::~Desktop() { XCloseDisplay(m_pX->display); }
+Desktop::~Desktop() = default;
 
 ScreenArea Desktop::WholeScreen() const {
     Display* const d = m_pX->display;
@@ -142,13 +79,13 @@ std::vector<DesktopWindow> Desktop::Windows() const {
         const std::optional<ScreenArea> area = AreaOf(d, id);
         if (!area) continue;
         DesktopWindow window{id, ReadProperty(d, id, "_NET_WM_NAME").bytes, *area, *area, 0};
-        const Property frame = ReadProperty(d, id, "_NET_FRAME_EXTENTS");  // left, right, top, bottom
+        const XProperty frame = ReadProperty(d, id, "_NET_FRAME_EXTENTS");  // left, right, top, bottom
         if (frame.words.size() == 4) {
             std::array<int, 4> n{};
             std::ranges::transform(frame.words, n.begin(), [](unsigned long w) { return static_cast<int>(w); });
             window.frame = {area->x - n[0], area->y - n[2], area->width + n[0] + n[1], area->height + n[2] + n[3]};
         }
-        const Property process = ReadProperty(d, id, "_NET_WM_PID");
+        const XProperty process = ReadProperty(d, id, "_NET_WM_PID");
         if (!process.words.empty()) window.process = static_cast<long>(process.words[0]);
         windows.push_back(window);
     }
@@ -164,15 +101,7 @@ std::optional<DesktopWindow> Desktop::FindWindow(const std::string& title) const
 }
 
 std::optional<ScreenArea> Desktop::ViewerIn(const DesktopWindow& window) const {
-    std::optional<ScreenArea> largest;
-    for (const Window child : Children(m_pX->display, window.id)) {
-        for (const Window inner : Children(m_pX->display, child)) {
-            if (!IsShown(m_pX->display, inner)) continue;
-            const std::optional<ScreenArea> area = AreaOf(m_pX->display, inner);
-            if (area && (!largest || area->width * area->height > largest->width * largest->height)) largest = area;
-        }
-    }
-    return largest;
+    return ::ViewerIn(m_pX->display, window.id);
 }
 
 bool Desktop::HasKeyboard(const DesktopWindow& window) const {
@@ -181,16 +110,15 @@ bool Desktop::HasKeyboard(const DesktopWindow& window) const {
     XGetInputFocus(m_pX->display, &focus, &revert);
     while (focus != None && focus != PointerRoot && focus != m_pX->root) {
         if (focus == window.id) return true;
-        focus = ParentOf(m_pX->display, focus);
+        focus = FamilyOf(m_pX->display, focus).parent;
     }
     return false;
 }
 
 ScreenArea Desktop::WorkingArea() const {
-    const std::vector<unsigned long> words = ReadProperty(m_pX->display, m_pX->root, "_NET_WORKAREA").words;
-    if (words.size() < 4) throw std::runtime_error("the window manager has no working area");
-    const auto number = [&](std::size_t i) { return static_cast<int>(words[i]); };
-    return {number(0), number(1), number(2), number(3)};
+    const std::optional<ScreenArea> area = WorkingAreaOf(m_pX->display);
+    if (!area) throw std::runtime_error("the window manager has no working area");
+    return *area;
 }
 
 void Desktop::MoveTo(ScreenPoint point) const {

@@ -1,50 +1,15 @@
 // In a file without Qt. By a connection that is opened for each question: it sees what all others have done before.
 #include "host/ProgramWindow.h"
 
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-#include <memory>
-#include <stdexcept>
 #include <string_view>
+#include <utility>
 
+#include "host/XWindows.h"
 #include "support/Wait.h"
 
 namespace {
-
-using Connection = std::unique_ptr<Display, int (*)(Display*)>;
-
-Connection Open(const std::string& display) {
-    XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });  // a window may be gone at any time
-    Connection connection(XOpenDisplay(display.c_str()), XCloseDisplay);
-    if (!connection) throw std::runtime_error("the X display " + display + " cannot be opened");
-    return connection;
-}
-
-std::vector<Window> Children(Display* display, Window window, Window* parent = nullptr) {
-    Window root = None, above = None, *list = nullptr;
-    unsigned count = 0;
-    if (XQueryTree(display, window, &root, &above, &list, &count) == 0) return {};
-    std::vector<Window> children(list, list + count);
-    if (list != nullptr) XFree(list);
-    if (parent != nullptr) *parent = above;
-    return children;
-}
-
-bool IsVisible(Display* display, Window window) {
-    XWindowAttributes attributes{};
-    return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable;
-}
-
-ScreenRect RectOf(Display* display, Window window) {
-    Window root = None, child = None;
-    int x = 0, y = 0;
-    unsigned width = 0, height = 0, border = 0, depth = 0;
-    if (XGetGeometry(display, window, &root, &x, &y, &width, &height, &border, &depth) == 0) return {};
-    XTranslateCoordinates(display, window, root, 0, 0, &x, &y, &child);
-    return {x, y, static_cast<int>(width), static_cast<int>(height)};
-}
 
 bool IsOfProgram(Display* display, Window window) {
     XClassHint hint{};
@@ -58,21 +23,10 @@ bool IsOfProgram(Display* display, Window window) {
 /// The outermost window of the program that is visible. Native windows inside it have the class of the program as well,
 /// and can become visible between the questions about the main window and about them.
 Window FindMainWindow(Display* display, Window window) {
-    if (IsOfProgram(display, window)) return IsVisible(display, window) ? window : None;
-    for (const Window child : Children(display, window))
+    if (IsOfProgram(display, window)) return IsShown(display, window) ? window : None;
+    for (const Window child : FamilyOf(display, window).children)
         if (const Window found = FindMainWindow(display, child); found != None) return found;
     return None;
-}
-
-/// The innermost of the nested native windows: that of the widget holds that of the viewer.
-Window ViewerIn(Display* display, Window window) {
-    Window inner = None;
-    for (const Window child : Children(display, window)) {
-        if (!IsVisible(display, child)) continue;
-        for (const Window below : Children(display, child))
-            if (IsVisible(display, below)) inner = below;
-    }
-    return inner;
 }
 
 std::map<std::string, std::string> WithDefaults(const std::string& display, const std::string& settings,
@@ -99,53 +53,38 @@ ProgramWindow::ProgramWindow(const std::string& display, const std::string& sett
 bool ProgramWindow::IsShown() {
     return WaitUntil([&] {
                if (!m_process.IsRunning()) return true;
-               const Connection connection = Open(m_display);
+               const XConnection connection = OpenXConnection(m_display);
                Display* const display = connection.get();
                m_window = FindMainWindow(display, DefaultRootWindow(display));
-               return m_window != None && ViewerIn(display, m_window) != None;
+               return m_window != None && ViewerIn(display, m_window);
            }) &&
            m_process.IsRunning();
 }
 
-ScreenRect ProgramWindow::Frame() const {
-    const Connection connection = Open(m_display);
+ScreenArea ProgramWindow::Frame() const {
+    const XConnection connection = OpenXConnection(m_display);
     Window window = m_window;
-    for (Window parent = window; parent != DefaultRootWindow(connection.get()) && parent != None;) {
-        window = parent;
-        Children(connection.get(), window, &parent);
-    }
-    return RectOf(connection.get(), window);
+    for (Window parent = window; parent != DefaultRootWindow(connection.get()) && parent != None;)
+        window = std::exchange(parent, FamilyOf(connection.get(), parent).parent);
+    return AreaOf(connection.get(), window).value_or(ScreenArea());
 }
 
-ScreenRect ProgramWindow::Inner() const {
-    const Connection connection = Open(m_display);
-    return RectOf(connection.get(), m_window);
+ScreenArea ProgramWindow::Inner() const {
+    return AreaOf(OpenXConnection(m_display).get(), m_window).value_or(ScreenArea());
 }
 
-ScreenRect ProgramWindow::Viewer() const {
-    const Connection connection = Open(m_display);
-    return RectOf(connection.get(), ViewerIn(connection.get(), m_window));
+ScreenArea ProgramWindow::Viewer() const {
+    return ViewerIn(OpenXConnection(m_display).get(), m_window).value_or(ScreenArea());
 }
 
-ScreenRect ProgramWindow::WorkArea() const {
-    const Connection connection = Open(m_display);
-    Display* const display = connection.get();
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0, left = 0;
-    unsigned char* value = nullptr;
-    XGetWindowProperty(display, DefaultRootWindow(display), XInternAtom(display, "_NET_WORKAREA", False), 0, 4, False,
-                       XA_CARDINAL, &type, &format, &count, &left, &value);
-    if (value == nullptr || count < 4) return RectOf(display, DefaultRootWindow(display));
-    const auto* const numbers = reinterpret_cast<const unsigned long*>(value);
-    const ScreenRect area{static_cast<int>(numbers[0]), static_cast<int>(numbers[1]), static_cast<int>(numbers[2]),
-                          static_cast<int>(numbers[3])};
-    XFree(value);
-    return area;
+ScreenArea ProgramWindow::WorkingArea() const {
+    const XConnection connection = OpenXConnection(m_display);
+    if (const std::optional<ScreenArea> area = WorkingAreaOf(connection.get())) return *area;
+    return AreaOf(connection.get(), DefaultRootWindow(connection.get())).value();
 }
 
 int ProgramWindow::Close() {
-    const Connection connection = Open(m_display);
+    const XConnection connection = OpenXConnection(m_display);
     Display* const display = connection.get();
     XEvent event{};
     event.xclient.type = ClientMessage;

@@ -82,7 +82,7 @@ TEST_P(WindowWithItsFrame, IsInsideTheScreenAndHalfOfItIsTheViewer) {
     ASSERT_TRUE(window.IsShown());
     EXPECT_TRUE(WaitUntil([&] { return window.Frame().height > window.Inner().height; })) << "openbox adds a title bar";
     // The window is corrected when it is on the screen with its frame.
-    EXPECT_TRUE(WaitUntil([&] { return window.WorkArea().Contains(window.Frame()); }))
+    EXPECT_TRUE(WaitUntil([&] { return window.WorkingArea().Holds(window.Frame()); }))
         << "frame " << window.Frame().x << ' ' << window.Frame().y << ' ' << window.Frame().width << ' '
         << window.Frame().height;
     EXPECT_TRUE(WaitUntil([&] { return 2 * window.Viewer().width >= window.Inner().width; }))
