@@ -26,14 +26,14 @@ namespace {
 const DesktopKind kDesktop{"tour", "1240x800", 1};
 
 // Means over blocks of pixels are compared, per channel, of 255: the smoothing of edges and letters differs between
-// machines. The limit for the whole picture finds a change of all of it; that for a region finds a missing menu, pane
-// or object, because no region that shows one is like that below.
+// machines. The limit for the whole picture finds a change of all of it, such as another theme; that for a region finds
+// a menu, pane or object that is missing. Check() makes sure that both find what each picture is about.
 constexpr int kBlock = 8;
 constexpr int kBlocksPerRegion = 5;
 constexpr double kMeanDifference = 3, kRegionDifference = 16;
 
-// Of the window, from below. It has the time of the last frame, and messages that go after some seconds; those that a
-// picture is about are waited for.
+// At the lower edge of the window. Not compared: it has the time of the last frame, and messages that disappear after
+// some seconds.
 constexpr int kStatusBarHeight = 40;
 
 // The cursor of a text field blinks.
@@ -312,10 +312,10 @@ std::string Check(const TourPicture& picture, const QString& docs, bool writes) 
     if (writes) return made.save(file) ? "" : "cannot be written";
     (void)made.save(QString(KV_PICTURE_FOLDER "/tour-%1.png").arg(picture.name));
     if (std::string fault = Compare(made, QImage(file)); !fault.empty()) return fault;
-    // Without its menu, pane or dialog it would look as the first picture does: the comparison must see that.
+    // Without its menu, pane or dialog it would look like the first picture: the comparison must find that.
     const bool isFirst = &picture == std::begin(kPictures);
-    const bool isSeen = isFirst || !Compare(made, QImage(docs + "/tour/window.png")).empty();
-    return isSeen ? "" : "is like the first picture";
+    const bool isFound = isFirst || !Compare(made, QImage(docs + "/tour/window.png")).empty();
+    return isFound ? "" : "is like the first picture";
 }
 
 }  // namespace
@@ -332,6 +332,10 @@ int main(int argc, char** argv) {
     const QString docs = arguments.takeFirst();
     const QStringList names = arguments;
     std::vector<std::string> faults = FaultsOfPage(docs);
+    for (const QString& name : names) {
+        if (std::ranges::none_of(kPictures, [&](const TourPicture& picture) { return name == picture.name; }))
+            faults.push_back(name.toStdString() + ": there is no such picture");
+    }
     std::filesystem::create_directories(KV_PICTURE_FOLDER);
     if (writes) std::filesystem::create_directories((docs + "/tour").toStdString());
     for (const TourPicture& picture : kPictures) {
