@@ -370,20 +370,6 @@ TEST_F(MainWindowPictures, SamplesAreChosenForTheNextStartAndThePresentOnesAreSh
     EXPECT_EQ(ObjectsInViewer(), 1) << "the scene stays";
 }
 
-TEST_F(MainWindowPictures, SamplesThatTheDriverDoesNotHaveAreNamed) {
-    StoreSamples(2);
-    Show();
-    (void)DrawFrame();
-    QAction& present = Find<QAction>("presentSamples");
-    auto* const menu = qobject_cast<QMenu*>(present.associatedObjects().value(0));
-    ASSERT_NE(menu, nullptr);
-    emit menu->aboutToShow();
-    const std::string text = present.text().toStdString();
-    EXPECT_TRUE(text == "Now: 2 sample(s); a choice counts from the next start" ||
-                text == "Now: off, the driver does not have 2; a choice counts from the next start")
-        << text;
-}
-
 TEST(StoredSamples, FollowTheSwitchOfOlderVersions) {
     ForgetSettings();
     EXPECT_EQ(StoredSamples(), 4);

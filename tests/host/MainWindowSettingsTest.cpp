@@ -1,6 +1,7 @@
 // What the window remembers for the next start.
 #include <gtest/gtest.h>
 
+#include <QMenu>
 #include <algorithm>
 #include <set>
 
@@ -35,6 +36,23 @@ TEST_F(MainWindowSettings, SmoothEdgesAreChosenForTheNextStart) {
     Show();
     EXPECT_EQ(CountColors(), 2u) << "the triangle and the background";
     EXPECT_TRUE(Find<QAction>("samples0").isChecked());
+}
+
+TEST_F(MainWindowSettings, TheMenuNamesTheSamplesThatTheDriverGave) {
+    for (const int wanted : {0, 2, 4}) {
+        StoreSamples(wanted);
+        Show();
+        const bool isSmooth = CountColors() > 2;
+        const QAction& present = Find<QAction>("presentSamples");
+        auto* const menu = qobject_cast<QMenu*>(present.associatedObjects().value(0));
+        ASSERT_NE(menu, nullptr);
+        emit menu->aboutToShow();
+        const QString text = present.text();
+        EXPECT_EQ(text.startsWith("Now: off"), !isSmooth) << wanted << ": " << text.toStdString();
+        const QString asWanted = wanted == 0 ? QString("Now: off") : QString("Now: %1 sample(s)").arg(wanted);
+        EXPECT_NE(text.startsWith(asWanted), text.contains(QString("the driver does not have %1").arg(wanted)))
+            << text.toStdString();
+    }
 }
 
 }  // namespace
