@@ -40,7 +40,6 @@ class ObjectCommands;
 class ObjectList;
 class PictureCommands;
 class PropertyDialog;
-class QActionGroup;
 class QDockWidget;
 class QLabel;
 class QMenu;

@@ -1,5 +1,4 @@
 // The menus and the small dialogs that they open.
-#include <QActionGroup>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -145,19 +144,13 @@ void MainWindow::MakePaneMenu() {
 }
 
 void MainWindow::MakeAppearanceMenu(QMenu& menu) {
-    auto* const group = new QActionGroup(this);
-    const Appearance stored = StoredAppearance();
-    for (int i = 0; i < static_cast<int>(std::size(kAppearanceNames)); ++i) {
-        const auto appearance = static_cast<Appearance>(i);
-        QAction* const action = menu.addAction(tr(kAppearanceNames[i]), this, [appearance] {
-            StoreAppearance(appearance);
-            ShowAppearance(appearance);
-        });
-        action->setCheckable(true);
-        action->setChecked(appearance == stored);
-        group->addAction(action);
-    }
-    m_appearanceActions = group->actions();
+    QStringList texts;
+    for (const char* const name : kAppearanceNames) texts << tr(name);
+    m_appearanceActions = AddChoices(menu, texts, static_cast<int>(StoredAppearance()), [](int chosen) {
+        const auto appearance = static_cast<Appearance>(chosen);
+        StoreAppearance(appearance);
+        ShowAppearance(appearance);
+    });
 }
 
 // Ctrl and a digit are the shortcuts of the render modes, by their position in the table.
@@ -193,15 +186,11 @@ void MainWindow::MakeToolsMenu() {
 
 QList<QAction*> MainWindow::AddModeActions(QMenu& menu, const char* const* names, int count, int checked,
                                            const std::function<void(int)>& choose) {
-    auto* const group = new QActionGroup(this);  // exclusive: checking one action clears the others
-    for (int mode = 0; mode < count; ++mode) {
-        QAction* const action = menu.addAction(tr(names[mode]), this, [choose, mode] { choose(mode); });
-        action->setCheckable(true);
-        action->setChecked(mode == checked);
-        group->addAction(action);
-        m_vViewerActions.push_back(action);
-    }
-    return group->actions();
+    QStringList texts;
+    for (int mode = 0; mode < count; ++mode) texts << tr(names[mode]);
+    QList<QAction*> actions = AddChoices(menu, texts, checked, choose);
+    m_vViewerActions.insert(m_vViewerActions.end(), actions.begin(), actions.end());
+    return actions;
 }
 
 QAction* MainWindow::AddSwitch(QMenu& menu, const QString& text, bool checked,

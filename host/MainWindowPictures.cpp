@@ -1,7 +1,7 @@
 // Pictures of the view: their commands, and what is hidden for a picture without decorations.
-#include <QActionGroup>
 #include <QMenu>
 #include <QStatusBar>
+#include <algorithm>
 #include <array>
 
 #include "ClipPanel.h"
@@ -23,6 +23,11 @@ using KV_ScenePane::kVariantTrue;
 
 /// What drivers have at most, as a rule.
 constexpr std::array kSampleCounts = {0, 2, 4, 8};
+
+/// @param samples  one of kSampleCounts
+int PositionOf(int samples) {
+    return static_cast<int>(std::ranges::find(kSampleCounts, samples) - kSampleCounts.begin());
+}
 
 }  // namespace
 
@@ -54,22 +59,23 @@ void MainWindow::MakePictureActions(QMenu& menu) {
 }
 
 void MainWindow::MakeSamplesMenu(QMenu& menu) {
-    auto* const group = new QActionGroup(this);
-    for (const int samples : kSampleCounts) {
-        QAction* const action =
-            menu.addAction(samples == 0 ? tr("No smoothing") : tr("%1 samples per pixel").arg(samples));
-        action->setObjectName(QStringLiteral("samples%1").arg(samples));
-        action->setCheckable(true);
-        action->setChecked(samples == StoredSamples());
-        group->addAction(action);
-        connect(action, &QAction::triggered, this, [samples] { StoreSamples(samples); });
-    }
+    QStringList texts;
+    for (const int samples : kSampleCounts)
+        texts << (samples == 0 ? tr("No smoothing") : tr("%1 samples per pixel").arg(samples));
+    const QList<QAction*> actions = AddChoices(menu, texts, PositionOf(StoredSamples()), [](int choice) {
+        StoreSamples(kSampleCounts.at(static_cast<std::size_t>(choice)));
+    });
+    for (std::size_t i = 0; i < kSampleCounts.size(); ++i)
+        actions[static_cast<qsizetype>(i)]->setObjectName(QStringLiteral("samples%1").arg(kSampleCounts.at(i)));
     menu.addSeparator();
     // No command: what is drawn now is known when the menu opens.
     QAction* const present = menu.addAction(QString());
     present->setObjectName("presentSamples");
     present->setEnabled(false);
-    connect(&menu, &QMenu::aboutToShow, present, [this, present] { present->setText(SamplesText()); });
+    connect(&menu, &QMenu::aboutToShow, present, [this, actions, present] {
+        actions.at(PositionOf(StoredSamples()))->setChecked(true);  // a reset has changed it
+        present->setText(SamplesText());
+    });
 }
 
 QString MainWindow::SamplesText() const {

@@ -128,8 +128,11 @@ void MainWindow::ResetSettings() {
     const ViewSettings start;
     ShowBackground(start.background);
     ShowPointSize(start.pointSize);
-    m_rotationActions.value(start.rotation)->trigger();
-    m_schemeActions.value(static_cast<int>(start.mouse))->trigger();
+    // Not by trigger(), which does nothing while a lasso is drawn: the actions are disabled then.
+    m_rotationActions.value(start.rotation)->setChecked(true);
+    ChooseRotation(start.rotation);
+    m_schemeActions.value(static_cast<int>(start.mouse))->setChecked(true);
+    ChooseMouseScheme(start.mouse);
     m_appearanceActions.value(static_cast<int>(Appearance::Desktop))->trigger();
     SetImportSettings({});
     m_options.drawMode.reset();

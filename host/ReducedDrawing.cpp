@@ -3,11 +3,11 @@
 #include "ReducedDrawing.h"
 
 #include <QAction>
-#include <QActionGroup>
 #include <QMenu>
 #include <utility>
 
 #include "Settings.h"
+#include "ToolAction.h"
 
 using KV_ScenePane::MouseInput;
 
@@ -36,16 +36,11 @@ void ReducedDrawing::SetViewer(KV_ScenePane::ScenePane* viewer) {
 // ---- the user's choice
 
 QList<QAction*> ReducedDrawing::FillMenu(QMenu& menu) {
-    auto* const group = new QActionGroup(this);  // exclusive: checking one action clears the others
-    for (int i = 0; i < static_cast<int>(std::size(kChoiceNames)); ++i) {
-        QAction* const action =
-            menu.addAction(tr(kChoiceNames[i]), this, [this, i] { Choose(static_cast<ReducedChoice>(i)); });
-        action->setCheckable(true);
-        action->setStatusTip(tr("Draw objects with fewer points during a drag"));
-        group->addAction(action);
-    }
-    m_actions = group->actions();
-    ShowChoice();
+    QStringList texts;
+    for (const char* const name : kChoiceNames) texts << tr(name);
+    m_actions = AddChoices(menu, texts, static_cast<int>(Choice()),
+                           [this](int choice) { Choose(static_cast<ReducedChoice>(choice)); });
+    for (QAction* const action : m_actions) action->setStatusTip(tr("Draw objects with fewer points during a drag"));
     return m_actions;
 }
 

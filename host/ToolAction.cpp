@@ -1,10 +1,12 @@
-// Tips and icons of tools.
+// Tips, choices and icons.
 #include "ToolAction.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QGuiApplication>
 #include <QIconEngine>
+#include <QMenu>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
@@ -81,4 +83,15 @@ void SetToolTips(QAction& action, const QString& tip) {
     if (!keys.isEmpty()) text = QString("%1 (%2)").arg(text, keys);
     action.setToolTip(tip.isEmpty() ? text : QString("%1: %2").arg(text, tip));
     action.setStatusTip(action.toolTip());
+}
+
+QList<QAction*> AddChoices(QMenu& menu, const QStringList& texts, int checked, const std::function<void(int)>& choose) {
+    auto* const group = new QActionGroup(&menu);  // exclusive: checking one action clears the others
+    for (int i = 0; i < texts.size(); ++i) {
+        QAction* const action = menu.addAction(texts[i], &menu, [choose, i] { choose(i); });
+        action->setCheckable(true);
+        action->setChecked(i == checked);
+        group->addAction(action);
+    }
+    return group->actions();
 }

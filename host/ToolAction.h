@@ -1,12 +1,16 @@
-// What the tool bars share: an action with its key in the tip, and icons that are drawn by code.
+// What menus and tool bars share: actions with their keys in the tip, choices of which one is checked, and icons that
+// are drawn by code.
 #pragma once
 #include <QColor>
 #include <QIcon>
 #include <QKeySequence>
+#include <QList>
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 class QAction;
+class QMenu;
 class QPainter;
 class QPalette;
 class QToolBar;
@@ -34,3 +38,9 @@ struct ToolInk {
                                       const QKeySequence& keys, const QString& tip);
 /// Tips that name the action, its keys and what it does. @param tip  may be empty
 void SetToolTips(QAction& action, const QString& tip);
+
+/// Adds actions of which one is checked.
+/// @param checked  position of the first one that is; -1 for none
+/// @param choose   receives the position of an action that the user triggers
+/// @return the actions in the order of their texts
+QList<QAction*> AddChoices(QMenu& menu, const QStringList& texts, int checked, const std::function<void(int)>& choose);

@@ -258,6 +258,29 @@ TEST_F(MainWindowShell, AResetAsksAndMakesThisWindowAndTheNextOneLikeAFirstStart
     }
 }
 
+TEST_F(MainWindowShell, AResetDuringALassoReachesTheMouseButtons) {
+    WritePcm(m_folder / "a.pcm", 60, 60);
+    Show();
+    Import({m_folder / "a.pcm"});
+    Trigger("Flipped: left moves, right turns");
+    Trigger("About the vertical axis");
+    Find<QAction>("cutPolygonInside").trigger();
+    ASSERT_TRUE(WaitUntil([&] { return Find<QAction>("cutCancel").isEnabled(); }));
+    m_window->ResetSettings();
+    EXPECT_TRUE(MenuAction("Normal: left turns, right moves").isChecked());
+    EXPECT_TRUE(MenuAction("Free").isChecked());
+}
+
+TEST_F(MainWindowShell, AResetShowsTheSamplesOfAFirstStartInTheirMenu) {
+    Show();
+    Find<QAction>("samples0").trigger();
+    m_window->ResetSettings();
+    auto* const menu = qobject_cast<QMenu*>(Find<QAction>("samples0").associatedObjects().value(0));
+    ASSERT_NE(menu, nullptr);
+    emit menu->aboutToShow();
+    EXPECT_TRUE(Find<QAction>("samples4").isChecked());
+}
+
 // ---- recent files and folders
 
 TEST_F(MainWindowShell, WhatWasOpenedIsInTheListAndOpensAgain) {
