@@ -81,7 +81,7 @@ std::uintptr_t CKV_ScenePaneCtrl::NativeWindow() const { return m_pWindow->Nativ
 
 bool CKV_ScenePaneCtrl::Reparent(std::uintptr_t parent, int x, int y) { return m_pWindow->Reparent(parent, x, y); }
 
-// A handler of an input may send another one. The frame of the former is then drawn first, as for queued input.
+// A handler of an input may send another input: a frame that is deferred is drawn before that, as for queued input.
 void CKV_ScenePaneCtrl::SendMouse(const KV_ScenePane::MouseInput& input) {
     m_pWindow->DrawDeferredFrame();
     OnMouse(input);

@@ -14,13 +14,14 @@ using KV_ScenePane::BSTR;
 using KV_ScenePane::ImportMeasurementEntry;
 using KV_ScenePane::VARIANT_BOOL;
 
-/// One call of the host. Holds the control until the call returns, since a handler may destroy the handle meanwhile;
-/// and its frames are drawn before it returns, also when a handler of an input makes it whose own frame is deferred.
+/// One call of the host. Holds the control until the call returns, because a handler may destroy the handle meanwhile.
+/// Frames of the call are drawn before it returns, also in a handler of an input whose own frame is deferred.
 class HostCall {
 public:
     explicit HostCall(std::shared_ptr<Control> control)
         : m_pControl(std::move(control)), m_atOnce(*m_pControl->m_pWindow, false) {}
     Control* operator->() const { return m_pControl.get(); }
+    Control& operator*() const { return *m_pControl; }
 
 private:
     std::shared_ptr<Control> m_pControl;
@@ -285,7 +286,7 @@ private:
     template <typename Result, typename... Parameters, typename... Arguments>
     Result Call(Result (Control::*method)(Parameters...), Arguments... arguments) {
         const HostCall call(m_pControl);  // this object may be gone when the method returns
-        return (call.operator->()->*method)(arguments...);
+        return ((*call).*method)(arguments...);
     }
 
     const std::shared_ptr<Control>& m_pControl;  ///< the handle's

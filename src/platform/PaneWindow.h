@@ -29,7 +29,7 @@ public:
     virtual void OnMouse(const KV_ScenePane::MouseInput& /*input*/) {}
     /// Whether the way of the mouse matters, and not only where it is.
     [[nodiscard]] virtual bool WantsEveryMove() const { return false; }
-    /// A key of the focused window. Each repeat of a held key is a press of its own.
+    /// A key of the focused window. Each repeat of a held key is a separate press.
     virtual void OnKey(const KV_ScenePane::KeyInput& /*input*/) {}
 
 protected:
