@@ -84,13 +84,13 @@ void ShowAppearance(Appearance appearance) {
                                                                : PaletteOf(LightShades());
     QApplication::setPalette(palette);  // also for the classes below
     if (appearance == Appearance::Dark) {
-        // The style outlines check marks in a darker shade of the window, which nobody sees on a dark ground.
+        // The style outlines check marks in a darker shade of the window, which cannot be seen on a dark background.
         QPalette outlined = palette;
         outlined.setColor(QPalette::Window, kDarkOutline);
         for (const char* const name : {"QCheckBox", "QRadioButton", "QTreeView"})
             QApplication::setPalette(outlined, name);
     }
-    // Tips have a palette of their own.
+    // Tool tips do not follow the palette of the application.
     QToolTip::setPalette(appearance == Appearance::Desktop ? QPalette() : palette);
 }
 

@@ -23,7 +23,7 @@ constexpr const char* kNoTriangle = "its valid points form no triangle";
 
 /// What every import has around it: the check of the file, the capture of the viewer's output and the exceptions.
 /// @param import  returns whether an object was added; may throw
-/// @param cause   why no triangle is left of the scan; empty when it does not know
+/// @param cause   returns why no triangle is left of the scan; an empty text when it finds no reason
 ImportResult RunImport(const std::string& file, const std::function<bool(const wchar_t* path)>& import,
                        const std::function<std::string(const wchar_t* path)>& cause) {
     if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
@@ -79,7 +79,7 @@ bool PassGridAlone(KV_ScenePane::_DKV_ScenePane& methods, MsrStorage::MSR& scan,
     }
 }
 
-/// Vertices and triangles of a scan that is imported for this question and removed again.
+/// Vertices and triangles of a scan that is imported only to count them, and removed again.
 struct MeshSize {
     std::int32_t vertices = 0, triangles = 0;
 };

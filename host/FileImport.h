@@ -42,7 +42,7 @@ struct GridEntry {
     float confidence = 0.0f;
 };
 
-/// An entry without its control: with the colour and the limits of @p settings.
+/// An entry with the colour and the limits of @p settings, and without a control.
 [[nodiscard]] GridEntry EntryFor(const ImportSettings& settings);
 
 /// Sets the viewer's skip value and confidence limit for the imports that follow.

@@ -1,4 +1,4 @@
-// What the driver of a viewer gives.
+// Limits of the graphics driver of a viewer.
 #pragma once
 #include <optional>
 

@@ -140,7 +140,7 @@ std::string CauseOf(const ScanGrid& grid, int skip, float confidenceLimit) {
     if (skip > 1) {
         const float limit = LargestGap(skip);
         if (Judge(cells, Connected(cells, filled, limit)).hasTriangle) return {};
-        // What skip 1 gives is only promised when it was tried.
+        // Skip 1 is recommended only where it leaves a triangle.
         const bool helpsToSkipNothing = [&] {
             const Cells all = Thinned(grid, 1, confidenceLimit);
             return Judge(all, Filled(all, 1)).hasTriangle;

@@ -1,4 +1,4 @@
-// Failed files have a counter of their own in the status bar.
+// Failed files are left out: the status bar counts them separately.
 #include "ImportStatus.h"
 
 #include <QCoreApplication>

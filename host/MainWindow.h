@@ -225,7 +225,7 @@ private:
     // ---- MainWindowShell.cpp
     /// What the last window has stored, before panes and menus are made.
     void ReadStoredView();
-    /// After all others of these: it looks at panes, tool bars and actions.
+    /// Called last: it reads all panes, tool bars and actions.
     void MakeShell();
     /// Passes what was stored to the viewer.
     void RestoreView();

@@ -126,8 +126,9 @@ void MainWindow::ClearScene() {
     // The viewer keeps plain pointers to selected objects; they must not outlive the objects.
     methods.ResetSelection();
     methods.ResetVariableObjects();
-    DeleteAllPoints();  // before the view is fitted to what is left: ClearData() keeps free points, an operator expects
-    methods.ClearData();  // an empty scene. The lines go with it
+    // ClearData() keeps free points and fits the view to them; it removes lines.
+    DeleteAllPoints();
+    methods.ClearData();
     m_pObjects->RemoveAll();
     m_pColors->OnSceneCleared();
     m_pCuts->OnSceneCleared();

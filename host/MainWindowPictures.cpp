@@ -21,7 +21,7 @@ namespace {
 using KV_ScenePane::kVariantFalse;
 using KV_ScenePane::kVariantTrue;
 
-/// What drivers have at most, as a rule.
+/// Most drivers have no more than the last one.
 constexpr std::array kSampleCounts = {0, 2, 4, 8};
 
 /// @param samples  one of kSampleCounts
@@ -90,6 +90,7 @@ QString MainWindow::SamplesText() const {
 }
 
 void MainWindow::HideDecorations(bool isHidden) {
+    if (Pane() == nullptr) return;
     KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();
     m_pDecorations->HideInViewer(isHidden);
     m_pLogo->HideInViewer(isHidden);

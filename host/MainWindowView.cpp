@@ -54,7 +54,7 @@ ViewNoteState MainWindow::NoteState() const {
 
 // ---- shadows
 
-// Of a mode without objects and shadows, the one that is on can be left, and the other one cannot be added.
+// Shadows exclude the modes that show nothing with them, and such a mode excludes shadows. What is on can be left.
 void MainWindow::FollowShadows() {
     if (Pane() == nullptr) return;
     KV_ScenePane::_DKV_ScenePane& methods = Pane()->Methods();

@@ -270,7 +270,7 @@ constexpr MessageRow kRows[] = {
     {"OpenGL did not take the image",
      QT_TRANSLATE_NOOP("Messages", "the driver did not accept the picture: there may be too little graphics memory")},
 
-    // ---- sentences that the program makes itself, in other words only when they are translated
+    // ---- sentences that the program makes itself: they are here to be translated
     {kTooFarApart, kTooFarApart},
     {kTooFarApartAtAnySkip, kTooFarApartAtAnySkip},
     {kTooFewPerCell, kTooFewPerCell},

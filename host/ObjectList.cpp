@@ -280,7 +280,7 @@ void ObjectList::SetMayMove(const std::vector<bool>& mayMove) {
 // ---- the order of the rows
 
 void ObjectList::OnHeadClicked(int column) {
-    // The head has changed its own mark already.
+    // The header has changed its sort indicator already.
     if (m_nSortColumn != column)
         SortBy(column);
     else if (m_sortOrder == Qt::AscendingOrder)

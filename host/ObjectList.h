@@ -10,7 +10,7 @@
 
 /// Check mark (visibility) and name, colour button, counts, size, and whether an alignment may move it, per object.
 /// The Delete key deletes the selected ones; the left and right arrow keys change the column, Space its check mark or
-/// its colour, F2 the name. A click on the head of a column sorts by it, ascending, then descending, then no more.
+/// its colour, F2 the name. A click on the header of a column sorts by it, ascending, then descending, then no more.
 /// An index is always that of the object in the viewer; the rows may have another order.
 class ObjectList : public QTreeWidget {
     Q_OBJECT

@@ -1,4 +1,4 @@
-// Which objects have no colours of their own: by the type of their file and what the viewer reports.
+// Which objects have no colours: by the type of their file and what the viewer reports.
 #include "ObjectPalette.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The colours that the host gives to objects without colours of their own.
+// The colours that the host gives to objects whose files have none.
 #pragma once
 #include <array>
 #include <cstddef>

@@ -62,7 +62,7 @@ void ReducedDrawing::Choose(ReducedChoice choice) {
     emit Chosen();
 }
 
-// Who switches the property off on its page does not expect it in the next drag.
+// A user who switches the property off on its page does not expect it in the next drag.
 void ReducedDrawing::Follow() {
     if (m_pViewer == nullptr || m_bOn) return;
     const bool always = m_pViewer->Methods().GetMoveReduced() != KV_ScenePane::kVariantFalse;

@@ -30,7 +30,7 @@ struct ObjectReport {
     std::array<float, 16> transform{};
 };
 
-/// Whether min is max at most along each axis. It is not for a box of no point.
+/// Whether min is at most max along each axis. That is false for the box of an object without finite points.
 [[nodiscard]] bool IsBox(const std::array<float, 6>& box);
 /// Whether a point of the object has three finite coordinates, or it has no points: without it nothing can be shown.
 [[nodiscard]] bool HasPosition(const ObjectReport& object);

@@ -107,7 +107,7 @@ void DrawDots(QPainter& painter) {
     constexpr double kStep = 4.2;
     for (int row = -2; row <= 2; ++row) {
         for (int column = -2; column <= 2; ++column) {
-            if (std::abs(row) + std::abs(column) > 3) continue;  // round
+            if (std::abs(row) + std::abs(column) > 3) continue;  // no corners
             painter.drawEllipse(kCentre + QPointF(kStep * column, kStep * row), 1.3, 1.3);
         }
     }

@@ -1,4 +1,4 @@
-// The viewer covers its widget with a window of its own: the note is a native window above it.
+// The window of the viewer covers its widget: the note is a native window above that.
 #include "ViewNote.h"
 
 #include <QEvent>

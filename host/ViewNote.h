@@ -20,10 +20,10 @@ struct ViewNoteState {
 /// Empty while the picture shows something.
 [[nodiscard]] QString NoteOf(const ViewNoteState& state);
 
-/// Whether the render mode draws no object while shadows are on, and does without.
+/// Whether the render mode draws objects without shadows and none while shadows are on.
 [[nodiscard]] bool IsBlankWithShadows(int drawMode);
 
-/// A small window over another native one. It has no part in the pictures of the viewer, and the mouse does not see it:
+/// A small window over another native one. It is not in the pictures of the viewer and gets no input of the mouse:
 /// clicks and drags go to the viewer below.
 class ViewNote : public QLabel {
     Q_OBJECT
@@ -31,7 +31,7 @@ public:
     /// @param view    the widget that the note is centred over; a sibling
     /// @param state   returns the present state
     ViewNote(QWidget& view, std::function<ViewNoteState()> state, QWidget* parent);
-    /// Follows the present state once all that happens now has happened: cheap to call again.
+    /// Checks the state when control is back in the event loop; further calls before that cost nothing.
     void CheckLater();
 
 protected:

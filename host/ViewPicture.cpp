@@ -57,7 +57,7 @@ public:
         if (m_viewer.Pane() == nullptr) return;
         try {
             Restore();
-            Methods().PerformRefresh();  // before the cover goes
+            Methods().PerformRefresh();  // before the cover is removed
         } catch (...) {
             // The frame has failed, not the state: another one follows.
             if (m_viewer.Pane() != nullptr) Methods().PerformInvalidate();

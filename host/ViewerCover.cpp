@@ -1,5 +1,5 @@
-// Requests of one connection are carried out in their order: the copy is made before the viewer, which has a connection
-// of its own, draws anything else, because the constructor waits for the server.
+// The viewer draws through another connection than Qt's: the constructor waits for the server, so that the copy is made
+// before the viewer draws anything else.
 #include "ViewerCover.h"
 
 #include <xcb/xcb.h>
