@@ -111,7 +111,9 @@ void MainWindow::MakeEditMenu() {
 // The digits are the shortcuts of the views, by their position in the table.
 void MainWindow::MakeViewMenu() {
     QMenu* const menu = menuBar()->addMenu(tr("&View"));
-    m_pFit = menu->addAction(tr("Fi&t the view"), this, [this] { FitView(Pane()->Methods(), 1.0f); });
+    m_pFit = menu->addAction(tr("Fi&t the view"), this, [this] {
+        if (Pane() != nullptr) FitView(Pane()->Methods(), 1.0f);
+    });
     m_pFit->setShortcuts({QKeySequence(Qt::Key_C), QKeySequence(Qt::Key_Home)});
     SetToolTips(*m_pFit, tr("all that is shown, as large as possible"));
     m_vViewerActions.push_back(m_pFit);
