@@ -113,8 +113,8 @@ public:
     /// wheel notch or of a key's repeat the frame is deferred while more of them wait: it is drawn once, with the last
     /// one, and before any other event is handled.
     virtual void Refresh() = 0;
-    /// Whether Refresh() may defer its frame now. Set to false for calls of the host, which rely on a frame that was
-    /// drawn before they return. @return the former setting
+    /// Sets whether Refresh() may defer its frame. Calls of the host set false: they rely on a frame that is drawn
+    /// before they return. @return the former setting
     virtual bool AllowDeferredFrames(bool /*allow*/) { return false; }
     /// Draws a frame that was deferred, if there is one.
     virtual void DrawDeferredFrame() {}

@@ -95,8 +95,8 @@ private:
     // ---- X11WindowEvents.cpp
     /// What follows an input among the events that wait.
     enum class Waiting { Others, NotchOrRepeat };
-    /// Whether a notch of the wheel or the repeat of a key is next, but for the releases of notches.
-    /// @param count  events at the head of the queue that are looked at
+    /// What the queue goes on with; the releases of notches are passed over.
+    /// @param count  events at the head of the queue that may be looked at
     [[nodiscard]] Waiting FindNext(int count);
     /// Draws a deferred frame, unless the next event belongs to the run of notches and repeats that deferred it.
     void DrawDeferredFrameAtEndOfRun(int count);

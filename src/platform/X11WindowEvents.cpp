@@ -33,16 +33,16 @@ Bool VisitConfiguration(Display*, XEvent* event, XPointer argument) {
     return False;
 }
 
-/// What the first events of the queue are, looked at one by one.
+/// Whether the queue goes on with a notch or a repeat.
 struct RunSearch {
     const X11Input& input;
     Window window;
-    int left;  ///< events that are still looked at
+    int left;  ///< events that may still be looked at
     bool found = false;
 };
 
-/// A predicate for XCheckIfEvent() as VisitConfiguration(): ends its search at the first event that is no notch's
-/// release.
+/// A predicate for XCheckIfEvent() that removes no event. It looks no further than the first event that is not the
+/// release of a notch.
 Bool VisitRun(Display*, XEvent* event, XPointer argument) {
     auto& search = *reinterpret_cast<RunSearch*>(argument);
     if (search.left <= 0) return False;
@@ -63,7 +63,7 @@ bool X11Window::HasQueuedSystemEvents() const {
 
 void X11Window::HandleSystemEvents() {
     const RequestScope scope(*this);
-    // What a handler that threw, or that called ProcessEvents(), has left of an event.
+    // What is left of an event whose handler threw or called ProcessEvents().
     DispatchMouse({}, Waiting::Others);
     // Only the events that are queued at the start: a server that sends without end must not keep the host's loop here.
     // A handler may close the window and the connection with it, recreate both, or call ProcessEvents() itself.
