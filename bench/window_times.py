@@ -69,6 +69,8 @@ class Screen:
 
 
 def main() -> None:
+    if len(sys.argv) < 4 or sys.argv[1] not in ("start", "wheel", "idle"):
+        sys.exit(__doc__)
     what, program, files = sys.argv[1], sys.argv[2], sys.argv[3:]
     place = (340, 300)  # in the viewer
     screen = Screen(int(os.environ.get("KV_DISPLAY", "71")))
@@ -116,7 +118,7 @@ def main() -> None:
             _, since = screen.settled(place, 6)
             print(f"20 notches in {sent:.2f} s, settled after {since - began:.2f} s, "
                   f"{processor_seconds(process) - used:.1f} s of processor time")
-        elif what == "idle":
+        else:
             used = processor_seconds(process)
             before = context_switches(process)
             time.sleep(10)

@@ -202,7 +202,7 @@ const Look kLooks[] = {
 INSTANTIATE_TEST_SUITE_P(Pictures, MainWindowAfterAPicture, testing::ValuesIn(kLooks),
                          [](const auto& row) { return row.param.name; });
 
-TEST_F(MainWindowPictures, AreDrawnBehindWhatTheScreenShows) {
+TEST_F(MainWindowPictures, AreDrawnWithoutAChangeOnTheScreen) {
     const auto grab = [&] {
         return m_window->screen()->grabWindow(Viewer().winId()).toImage().convertToFormat(QImage::Format_RGB32);
     };

@@ -198,7 +198,7 @@ TEST_F(ObjectListTest, SortsNumbersAsNumbersAndNamesByTheirNumbers) {
     EXPECT_EQ(Names(), (QStringList{"scan10.pcm", "scan9.pcm", "Scan1.pcm", "scan2.pcm"})) << "as opened";
 }
 
-TEST_F(ObjectListTest, IsSortedByAClickOnAHeadAndNoMoreByTheThird) {
+TEST_F(ObjectListTest, SortsByAClickOnAHeaderAndRestoresTheOrderByTheThird) {
     m_list.resize(900, 300);
     m_list.show();
     const QHeaderView& head = *m_list.header();

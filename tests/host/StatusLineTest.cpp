@@ -156,7 +156,7 @@ TEST_F(StatusLineTest, CutsNothingOffWithEveryPartAtOnce) {
     EXPECT_EQ(m_bar->toolTip().size(), 500);
 }
 
-/// Columns of the bar with ink of the message, which is left of all parts.
+// The message is at the left of all parts. Columns with dark pixels show where it is.
 TEST_F(StatusLineTest, EndsALongMessageBeforeTheFirstPart) {
     m_bar->ShowScene({1, 1, 10, 10});
     m_bar->showMessage(QString(500, 'm'));
