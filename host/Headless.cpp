@@ -19,6 +19,7 @@
 #include "KV_ScenePane/ScenePane.h"
 #include "MarkBox.h"
 #include "MarkerFiles.h"
+#include "MessageTable.h"
 #include "PngFile.h"
 #include "RegistryStart.h"
 #include "ScreenShot.h"
@@ -67,7 +68,7 @@ MarkerReport AddMarkers(ScenePane& pane, const HostOptions& options, bool showsP
     for (const std::string& file : options.needleFiles) {
         std::vector<NeedleMark> marks;
         const bool failed = hasFailed(file, AddNeedleFile(methods, file, NeedleLook{}, &limit, &marks));
-        if (!failed && marks.empty()) hasFailed(file, "the file holds no needles");
+        if (!failed && marks.empty()) hasFailed(file, kNoNeedles);
         report.markFiles += marks.empty() ? 0 : 1;
         for (const NeedleMark& mark : marks) {
             report.box.Merge(mark.pin.data());

@@ -208,7 +208,7 @@ void MainWindow::ShowPointSize(float pixels) {
 bool MainWindow::SaveScreenShot(const std::string& path) {
     if (Pane() == nullptr) return false;
     const QString file = QString::fromStdString(path);
-    std::string reason = "the viewer gave no picture";  // unless the writing of the file fails for another one
+    std::string reason = tr("the viewer gave no picture").toStdString();  // or that of WritePng()
     QString text;
     try {
         const KV_ScenePane::Picture picture = TakeScreenShot(Pane()->Methods());

@@ -116,7 +116,7 @@ bool MainWindow::LoadNeedles(const std::string& path, std::string* failure) {
     const QString file = QString::fromStdString(path);
     try {
         std::vector<NeedleMark> marks;
-        if (ReadNeedleFile(path, &marks, &reason)) reason = marks.empty() ? "the file holds no needles" : "";
+        if (ReadNeedleFile(path, &marks, &reason)) reason = marks.empty() ? kNoNeedles : "";
         if (reason.empty()) {
             const QString inUse = PlaceNeedlesOf(file, marks);
             if (failure != nullptr)

@@ -12,7 +12,7 @@
 #include "FolderFiles.h"
 #include "KV_ScenePane/PropertyPage.h"
 #include "MainWindow.h"
-#include "MessagePane.h"
+#include "MessageTable.h"
 #include "ReducedDrawing.h"
 #include "SceneReport.h"
 #include "Settings.h"
@@ -79,9 +79,9 @@ std::vector<std::string> MainWindow::WithFilesOfFolders(const std::vector<std::s
                 this, [this, path, reason] { ReportFileFailure(path, reason); }, Qt::QueuedConnection);
         };
         if (found.files.empty())
-            report(QT_TRANSLATE_NOOP("Messages", "the folder holds no file that can be opened"));
+            report(kEmptyFolder);
         else if (found.isCut)
-            report(QT_TRANSLATE_NOOP("Messages", "the folder holds too many files, not all of them are opened"));
+            report(kFullFolder);
     }
     return files;
 }

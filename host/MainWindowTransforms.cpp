@@ -141,7 +141,7 @@ bool MainWindow::SaveTransforms(const std::string& path) {
     if (Pane() == nullptr || IsImporting() || m_pTransforms->IsOpen()) return false;
     FinishDeletions();
     const QString file = QString::fromStdString(path);
-    std::string reason = "there is no object";
+    std::string reason = tr("there is no object").toStdString();
     try {
         std::vector<StoredTransform> transforms;
         const std::vector<int> objects = m_pObjects->PresentObjects();

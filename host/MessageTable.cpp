@@ -35,6 +35,9 @@ const char kNoFiniteCoordinate[] = QT_TRANSLATE_NOOP(
 const char kNoSuchFile[] = QT_TRANSLATE_NOOP("Messages", "there is no such file: check its name and its folder");
 const char kIsFolder[] = QT_TRANSLATE_NOOP("Messages", "this is a folder: name its files, or open it in the window");
 const char kUnknownType[] = QT_TRANSLATE_NOOP("Messages", "the type of the file is not known: it is none of %1");
+const char kEmptyFolder[] = QT_TRANSLATE_NOOP("Messages", "the folder holds no file that can be opened");
+const char kFullFolder[] = QT_TRANSLATE_NOOP("Messages", "the folder holds too many files, not all of them are opened");
+const char kNoNeedles[] = QT_TRANSLATE_NOOP("Messages", "the file holds no needles");
 
 namespace {
 
@@ -282,6 +285,9 @@ constexpr MessageRow kRows[] = {
     {kNoSuchFile, kNoSuchFile},
     {kIsFolder, kIsFolder},
     {kUnknownType, kUnknownType},
+    {kEmptyFolder, kEmptyFolder},
+    {kFullFolder, kFullFolder},
+    {kNoNeedles, kNoNeedles},
 };
 
 /// The texts in the places %1 to %9.

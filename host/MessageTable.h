@@ -44,3 +44,8 @@ extern const char kNoFiniteCoordinate[];    ///< no place
 extern const char kNoSuchFile[];   ///< no place
 extern const char kIsFolder[];     ///< no place
 extern const char kUnknownType[];  ///< the types that are known
+
+// Sentences about what the window opens, no place.
+extern const char kEmptyFolder[];
+extern const char kFullFolder[];
+extern const char kNoNeedles[];

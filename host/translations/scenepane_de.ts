@@ -1988,6 +1988,14 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <source>Write the selected objects as %1 files</source>
         <translation>Die ausgewählten Objekte als %1-Dateien schreiben</translation>
     </message>
+    <message>
+        <source>the viewer gave no picture</source>
+        <translation>die Ansicht lieferte kein Bild</translation>
+    </message>
+    <message>
+        <source>there is no object</source>
+        <translation>es gibt kein Objekt</translation>
+    </message>
 </context>
 <context>
     <name>MarkerPanel</name>
@@ -2365,6 +2373,10 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
     <message>
         <source>the header of the ply file is cut short: copy or export it again from its source</source>
         <translation>der Kopf der ply-Datei ist abgeschnitten: neu kopieren oder aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>the file holds no needles</source>
+        <translation>die Datei enthält keine Nadeln</translation>
     </message>
 </context>
 <context>

@@ -118,6 +118,11 @@ TEST_F(TranslatedMessages, AreEachSentenceOfALineWithItsParts) {
     EXPECT_EQ(TranslatedWords("flux capacitor"), "flux capacitor");
 }
 
+TEST_F(TranslatedMessages, AreThoseOfTheProgramItself) {
+    for (const char* const sentence : {kNoSuchFile, kIsFolder, kEmptyFolder, kFullFolder, kNoNeedles})
+        EXPECT_EQ(TranslatedWords(sentence), QString(sentence).toUpper().toStdString());
+}
+
 TEST_F(TranslatedMessages, AreThoseOfEveryRow) {
     for (const MessageRow& row : MessageRows()) {
         const std::vector<std::string> parts(9, "7");
