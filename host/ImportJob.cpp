@@ -94,7 +94,7 @@ void ImportJob::EndRun() {
         NextRun();
     else
         QMetaObject::invokeMethod(this, &ImportJob::NextRun, Qt::QueuedConnection);
-    if (hasArrived) emit Arrived();
+    if (hasArrived && !m_bOver) emit Arrived();
 }
 
 void ImportJob::EndParallelRun() {
