@@ -17,6 +17,7 @@
 #include "MessagePane.h"
 #include "ObjectList.h"
 #include "Settings.h"
+#include "WindowShell.h"
 #include "host/ModalDialogs.h"
 #include "host/QtUnderXvfb.h"
 #include "host/ScanFiles.h"
@@ -31,7 +32,8 @@ protected:
     // Throwing and not ASSERT_TRUE(): an assertion in a helper ends the helper only, and the test would go on with a
     // window that has no viewer.
 
-    /// Shows a new window and waits until it has a viewer, its panels know the viewer, and the window is on the screen.
+    /// Shows a new window and waits until it has a viewer, its panels know the viewer, and the window is on the screen
+    /// in its final place.
     /// @throws std::runtime_error with what the window says instead
     void Show(const HostOptions& options = {}) {
         m_window = std::make_unique<MainWindow>(options);
@@ -41,6 +43,10 @@ protected:
             return m_window->Pane() != nullptr && m_window->Logo().isEnabled() && m_window->windowHandle()->isExposed();
         };
         if (!WaitUntil(isReady)) throw std::runtime_error("the window has no viewer: " + Messages());
+        // The window is placed and its panes are narrowed by a call that was queued when it came on the screen: a test
+        // that clicks needs the layout after that.
+        QCoreApplication::sendPostedEvents(m_window->findChild<WindowShell*>(), QEvent::MetaCall);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
     /// @throws std::runtime_error
     void WaitForImports() {
