@@ -41,6 +41,8 @@ TEST_P(DropFromOutside, OnTheViewerOpensTheFiles) {
 
 TEST_P(DropFromOutside, OnTheListOfObjectsOpensTheFile) {
     m_operator->Start({Scan("there.pcm")});
+    (void)m_operator->WaitForText("there.pcm");
+    (void)m_operator->WaitForStillPicture();  // the layout of the window, too
     const ScreenPoint row = m_operator->WaitForText("there.pcm").Middle();
     DropAt({Scan("new.pcm", 5)}, row);
     m_operator->WaitForText("new.pcm");
@@ -65,7 +67,8 @@ TEST_P(DropFromOutside, DuringAnImportAddsTheFilesAfterIt) {
     m_operator->Start(many);
     DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.9));
     m_operator->WaitForText("late.pcm");
-    m_operator->WaitForText("many2.pcm");
+    const ScreenArea last = m_operator->WaitForText("many2.pcm");
+    EXPECT_GT(m_operator->WaitForText("late.pcm").y, last.y);
 }
 
 TEST_P(DropFromOutside, DuringAnAlignmentWaitsForItsEnd) {
