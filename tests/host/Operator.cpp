@@ -60,7 +60,7 @@ void Operator::Start(const std::vector<std::string>& arguments) {
     WaitFor("the window", [&] {
         if (!m_pProgram->IsRunning()) throw std::runtime_error("scenepane has ended");
         const auto window = m_desktop.FindWindow("scenepane");
-        return window && m_desktop.ViewerIn(*window);
+        return window && m_desktop.ViewerIn(*window) && m_desktop.HasKeyboard(*window);
     });
 }
 

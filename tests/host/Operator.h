@@ -29,7 +29,7 @@ public:
     /// @param environment  of the programs that are started, beside that of the test; a value that is empty removes
     explicit Operator(const DesktopKind& kind, std::map<std::string, std::string> environment = {});
 
-    /// Starts scenepane and waits for its window and its viewer.
+    /// Starts scenepane and waits until its window has a viewer and the keyboard.
     void Start(const std::vector<std::string>& arguments = {});
     /// Starts another program on the desktop.
     [[nodiscard]] std::unique_ptr<ChildProcess> StartOther(const std::vector<std::string>& arguments) const;
