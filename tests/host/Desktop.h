@@ -1,5 +1,5 @@
-// What an operator has in front of him: the screen of an X server, its windows, the pointer, the keyboard and the
-// clipboard. Nothing here knows the programs whose windows are shown.
+// What an operator works with: the screen of an X server, its windows, the pointer, the keyboard and the clipboard.
+// Nothing here depends on the programs whose windows are shown.
 #pragma once
 #include <cstdint>
 #include <memory>
