@@ -87,6 +87,11 @@ KV_ScenePane::ScenePane* MainWindow::Pane() const { return m_pViewer->Pane(); }
 
 bool MainWindow::HaveObjects() const { return !m_pObjects->PresentObjects().empty(); }
 
+void MainWindow::Report(const QString& text) {
+    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
+    statusBar()->showMessage(text.section('\n', -1));
+}
+
 void MainWindow::MakeCentre() {
     m_pViewer = new ViewerWidget({m_options.width, m_options.height}, m_viewerSamples);
     m_pRefusal = new QLabel;
@@ -220,8 +225,7 @@ bool MainWindow::SaveScreenShot(const std::string& path) {
     }
     const bool saved = !text.isEmpty();
     if (!saved) text = tr("%1: not written: %2").arg(file, TranslatedText(PlainWords(reason)));
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text);
+    Report(text);
     return saved;
 }
 

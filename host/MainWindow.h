@@ -213,6 +213,8 @@ private:
     /// Enables what can be used now: with a viewer or without, during an import or not.
     void EnableActions();
     [[nodiscard]] bool HaveObjects() const;
+    /// Adds one message per line; the last line is shown in the status bar, too.
+    void Report(const QString& text);
     void ShowBackgroundNow();
 
     // ---- MainWindowPanels.cpp
@@ -247,8 +249,6 @@ private:
     void AskForNeedleFileToLoad();
     /// Adds the needles that were read from a file, with a message. @return the numbers that were in use, as a text
     QString PlaceNeedlesOf(const QString& file, const std::vector<NeedleMark>& marks);
-    /// Adds a message, and shows it in the status bar.
-    void ReportNeedles(const QString& text);
     /// Picks and needles would both act on a double click: the needles of the mouse switch picks off.
     void ChooseNeedleCreation(bool on);
     /// Asks about needles that are not saved. @return whether the window can be closed
@@ -262,8 +262,6 @@ private:
     void FollowClip();
     /// Writes the clip plane to the settings, if it has changed.
     void StoreClipIfChanged();
-    /// A message, also in the status bar.
-    void ReportClip(const QString& text);
     /// The viewer threw: an input was not finished, and its repaint may be missing.
     void ReportViewerFailure(const QString& reason);
 
@@ -275,8 +273,6 @@ private:
     /// Picks and clip plane follow the objects of a cut or an undo.
     /// @param newIndex  of each object of before; -1 when it is gone
     void FollowReplacedObjects(const std::vector<int>& newIndex);
-    /// Messages, of which the last line is shown in the status bar.
-    void ReportCut(const QString& text);
     [[nodiscard]] bool IsLassoRunning() const;
 
     // ---- MainWindowDelete.cpp
@@ -321,8 +317,6 @@ private:
     void FollowAlign();
     /// An alignment has ended, with or without a movement.
     void OnAlignmentEnded(const AlignOutcome& outcome);
-    /// A message, also in the status bar.
-    void ReportAlign(const QString& text);
     [[nodiscard]] bool IsAligning() const;
 
     // ---- MainWindowInput.cpp
@@ -354,8 +348,6 @@ private:
     void AskForTransformFileToLoad();
     /// Asks about alignments that are not saved. @param title  what the user wants to do @return whether it can be done
     bool AskAboutTransforms(const QString& title);
-    /// One message per line; the last line is shown in the status bar.
-    void ReportTransforms(const QString& text);
 
     // ---- MainWindowProperties.cpp
     /// Sets the properties that the settings hold, then the render mode of the command line.

@@ -11,7 +11,6 @@
 #include "ClipPanel.h"
 #include "CutCommands.h"
 #include "MainWindow.h"
-#include "MessagePane.h"
 #include "ObjectList.h"
 #include "ResidualPanel.h"
 #include "TransformCommands.h"
@@ -25,7 +24,7 @@ void MainWindow::MakeAligns() {
     connect(m_pAlignTools, &AlignToolBar::WayWanted, this, [this](AlignWay way) {
         m_pCuts->Cancel();
         if (const QString obstacle = ObstacleTo(way); !obstacle.isEmpty()) {
-            ReportAlign(obstacle);
+            Report(obstacle);
             FollowAlign();  // the tool that was pressed is released again
             return;
         }
@@ -38,7 +37,7 @@ void MainWindow::MakeAligns() {
     connect(m_pAligns, &AlignCommands::AboutToStart, this, &MainWindow::PrepareAlign);
     connect(m_pAligns, &AlignCommands::Changed, this, &MainWindow::FollowAlign);
     connect(m_pAligns, &AlignCommands::Ended, this, &MainWindow::OnAlignmentEnded);
-    connect(m_pAligns, &AlignCommands::Report, this, &MainWindow::ReportAlign);
+    connect(m_pAligns, &AlignCommands::Report, this, &MainWindow::Report);
     // At once: what can be used is right whenever the user can use it.
     connect(m_pViewer, &ViewerWidget::AlignmentEnded, m_pAligns, &AlignCommands::OnAlignmentDone);
     connect(m_pViewer, &ViewerWidget::Handled, m_pAligns, &AlignCommands::FollowViewer);
@@ -92,13 +91,8 @@ void MainWindow::FollowAlign() {
 void MainWindow::OnAlignmentEnded(const AlignOutcome& outcome) {
     (void)m_pTransforms->End();
     const QString text = SummaryOf(outcome);
-    ReportAlign(text);
+    Report(text);
     if (outcome.result.pairs.empty()) return;
     m_pResiduals->Show(outcome.result, text);
     OpenPaneOf(*m_pResiduals);
-}
-
-void MainWindow::ReportAlign(const QString& text) {
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text);
 }

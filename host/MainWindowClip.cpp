@@ -29,7 +29,7 @@ void MainWindow::MakeClipPanel() {
     statusBar()->addPermanentWidget(m_pClipState);
     m_pClipState->hide();
     connect(m_pClip, &ClipPanel::Changed, this, &MainWindow::FollowClip);
-    connect(m_pClip, &ClipPanel::Report, this, &MainWindow::ReportClip);
+    connect(m_pClip, &ClipPanel::Report, this, &MainWindow::Report);
     connect(m_pViewer, &ViewerWidget::ClipPlacementAsked, m_pClip, &ClipPanel::ExpectPlacement);
     connect(m_pViewer, &ViewerWidget::Handled, m_pClip, &ClipPanel::FollowViewer);
     connect(this, &MainWindow::ImportFinished, m_pClip, &ClipPanel::FollowScene);
@@ -66,13 +66,8 @@ void MainWindow::StoreClipIfChanged() {
     StoreClip(m_storedClip);
 }
 
-void MainWindow::ReportClip(const QString& text) {
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text);
-}
-
 void MainWindow::ReportViewerFailure(const QString& reason) {
-    ReportClip(tr("The viewer could not finish what was asked for: %1").arg(reason));
+    Report(tr("The viewer could not finish what was asked for: %1").arg(reason));
     m_pMessages->PointOut();
     if (Pane() != nullptr) Pane()->Methods().PerformInvalidate();
 }

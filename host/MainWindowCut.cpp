@@ -9,7 +9,6 @@
 #include "CutToolBar.h"
 #include "DeletionCommands.h"
 #include "MainWindow.h"
-#include "MessagePane.h"
 #include "ObjectList.h"
 #include "StatusLine.h"
 #include "TransformCommands.h"
@@ -32,7 +31,7 @@ void MainWindow::MakeCuts() {
     connect(m_pViewer, &ViewerWidget::LassoEnded, m_pCuts, &CutCommands::OnLassoEnded);
     connect(m_pCuts, &CutCommands::Changed, this, &MainWindow::FollowCuts);
     connect(m_pCuts, &CutCommands::ObjectsReplaced, this, &MainWindow::FollowReplacedObjects);
-    connect(m_pCuts, &CutCommands::Report, this, &MainWindow::ReportCut);
+    connect(m_pCuts, &CutCommands::Report, this, &MainWindow::Report);
     // Permanent: no message hides it while it holds.
     m_pLassoHint = new QLabel(tr("click to add, right click to cut, Esc to cancel"));
     m_pLassoHint->setObjectName("lassoHint");
@@ -62,9 +61,4 @@ void MainWindow::FollowReplacedObjects(const std::vector<int>& newIndex) {
     });
     m_pTransforms->OnObjectsReplaced();
     m_pClip->FollowScene();
-}
-
-void MainWindow::ReportCut(const QString& text) {
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text.section('\n', -1));
 }

@@ -70,8 +70,7 @@ void MainWindow::Undo() {
     const int count = m_pDeletions->UndoCount();
     m_pDeletions->Undo();
     const QString text = tr("%Ln object(s) restored", nullptr, count);
-    m_pMessages->AddText(text);
-    statusBar()->showMessage(text);
+    Report(text);
 }
 
 void MainWindow::FollowDeletions() {

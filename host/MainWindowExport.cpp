@@ -63,8 +63,7 @@ void MainWindow::AskForExport() {
     if (index < 0) {
         const QString text = HaveObjects() ? tr("Nothing exported: select an object in the list first.")
                                            : tr("Nothing exported: there is no object.");
-        m_pMessages->AddText(text);
-        statusBar()->showMessage(text);
+        Report(text);
         return;
     }
     const QString name = m_pObjects->NameOf(index);
@@ -123,8 +122,7 @@ bool MainWindow::ExportObjectTo(int index, const std::string& path) {
         const QString done = tr("%1: export of %2").arg(file, name);
         text = text.isEmpty() ? done : done + ": " + text;
     }
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text);
+    Report(text);
     if (result.written)
         m_pCuts->OnExported(index);
     else

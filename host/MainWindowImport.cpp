@@ -207,8 +207,7 @@ void MainWindow::OnPicturePrepared() {
             tr("Cancelled: %1 of %2 new objects are shown; the check marks in the list show the others")
                 .arg(count - hidden)
                 .arg(count);
-        m_pMessages->AddText(text);
-        statusBar()->showMessage(text);
+        Report(text);
     }
     m_pPreparation->deleteLater();  // not at once: this is a call from its own signal
     m_pPreparation = nullptr;
@@ -260,8 +259,7 @@ void MainWindow::ReportResults() {
                              .arg(added.size())
                              .arg(results.size())
                              .arg(notStarted);
-    m_pMessages->AddText(kept);
-    statusBar()->showMessage(kept);
+    Report(kept);
 }
 
 void MainWindow::ListNewObjects() {

@@ -98,13 +98,13 @@ bool MainWindow::SaveNeedles(const std::string& path) {
         const std::vector<NeedleMark> marks = m_pNeedles->Marks();
         if (WriteNeedleFile(path, marks, &reason)) {
             m_pNeedles->SetSaved();
-            ReportNeedles(tr("%1: %2 saved").arg(file, CountText(marks.size())));
+            Report(tr("%1: %2 saved").arg(file, CountText(marks.size())));
             return true;
         }
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportNeedles(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
+    Report(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
     m_pMessages->PointOut();
     return false;
 }
@@ -126,7 +126,7 @@ bool MainWindow::LoadNeedles(const std::string& path, std::string* failure) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportNeedles(tr("%1: no needles added: %2").arg(file, TranslatedText(reason)));
+    Report(tr("%1: no needles added: %2").arg(file, TranslatedText(reason)));
     m_pMessages->PointOut();
     if (failure != nullptr) *failure = reason;
     return false;
@@ -138,11 +138,6 @@ QString MainWindow::PlaceNeedlesOf(const QString& file, const std::vector<Needle
     if (!hadUnsaved) m_pNeedles->SetSaved();
     QString text = tr("%1: %2 added").arg(file, CountText(marks.size() - inUse.size()));
     if (!inUse.empty()) text += tr("; not added, because there are needles with their numbers: %1").arg(IdList(inUse));
-    ReportNeedles(text);
+    Report(text);
     return IdList(inUse);
-}
-
-void MainWindow::ReportNeedles(const QString& text) {
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text);
 }

@@ -1,6 +1,5 @@
 // Pictures of the view: their commands, and what is hidden for a picture without decorations.
 #include <QMenu>
-#include <QStatusBar>
 #include <algorithm>
 #include <array>
 
@@ -9,7 +8,6 @@
 #include "GraphicsLimits.h"
 #include "LogoPanel.h"
 #include "MainWindow.h"
-#include "MessagePane.h"
 #include "ObjectCommands.h"
 #include "PictureCommands.h"
 #include "Settings.h"
@@ -36,10 +34,7 @@ void MainWindow::MakePictures() {
     hooks.background = [this] { return m_nBackground; };
     hooks.hideDecorations = [this](bool isHidden) { HideDecorations(isHidden); };
     m_pPictures = new PictureCommands(*m_pViewer, std::move(hooks), *this);
-    connect(m_pPictures, &PictureCommands::Reported, this, [this](const QString& text) {
-        m_pMessages->AddText(text);
-        statusBar()->showMessage(text);
-    });
+    connect(m_pPictures, &PictureCommands::Reported, this, &MainWindow::Report);
 }
 
 void MainWindow::MakePictureActions(QMenu& menu) {

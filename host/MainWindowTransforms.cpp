@@ -4,7 +4,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
-#include <QStatusBar>
 #include <algorithm>
 #include <utility>
 
@@ -69,7 +68,7 @@ void MainWindow::MakeTransforms() {
     connect(m_pTakeBack, &QAction::triggered, m_pResiduals, &ResidualPanel::Clear);  // they hold no more
     connect(m_pTransforms, &TransformCommands::Changed, this, &MainWindow::FollowTransforms);
     connect(m_pTransforms, &TransformCommands::ObjectsMoved, m_pClip, &ClipPanel::FollowScene);
-    connect(m_pTransforms, &TransformCommands::Report, this, &MainWindow::ReportTransforms);
+    connect(m_pTransforms, &TransformCommands::Report, this, &MainWindow::Report);
     connect(m_pCuts, &CutCommands::AboutToReplaceObjects, m_pTransforms, &TransformCommands::Note);
     connect(m_pObjects, &ObjectList::currentItemChanged, this, &MainWindow::ShowTransform);
     // During an alignment by the mouse.
@@ -158,13 +157,13 @@ bool MainWindow::SaveTransforms(const std::string& path) {
             m_pTransforms->OnSaved();
             QString text = tr("%1: %2 saved").arg(file, CountText(count));
             if (!others.empty()) text += tr("; %1 of scans that are not open kept").arg(CountText(others.size()));
-            ReportTransforms(text);
+            Report(text);
             return true;
         }
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportTransforms(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
+    Report(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
     m_pMessages->PointOut();
     return false;
 }
@@ -199,14 +198,14 @@ bool MainWindow::LoadTransforms(const std::string& path, std::string* failure) {
             lines << tr("%1: transforms for %2 of %3 objects, %4 moved")
                          .arg(file, QString::number(byRow.size()), QString::number(files.size()),
                               QString::number(moved));
-            ReportTransforms(lines.join('\n'));
+            Report(lines.join('\n'));
             if (byRow.empty() && failure != nullptr) *failure = "holds no transform for any of the files";
             return !byRow.empty();
         }
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    ReportTransforms(tr("%1: no transforms loaded: %2").arg(file, TranslatedText(reason)));
+    Report(tr("%1: no transforms loaded: %2").arg(file, TranslatedText(reason)));
     m_pMessages->PointOut();
     if (failure != nullptr) *failure = reason;
     return false;
@@ -222,9 +221,4 @@ bool MainWindow::AskAboutTransforms(const QString& title) {
     const auto answer = FileListDialog(texts, kButtons, QDialogButtonBox::Save, this).Ask();
     if (answer == QDialogButtonBox::Save) return AskForTransformFileToSave();
     return answer == QDialogButtonBox::Discard;
-}
-
-void MainWindow::ReportTransforms(const QString& text) {
-    m_pMessages->AddText(text);  // the next menu that opens clears the status bar
-    statusBar()->showMessage(text.section('\n', -1));
 }
