@@ -103,7 +103,9 @@ const Nonsense kNonsense[] = {
     {"files/openFolder", "relative"},
     {"files/openFolder", "/no/such/folder"},
 };
-INSTANTIATE_TEST_SUITE_P(Settings, SettingsWithNonsense, testing::ValuesIn(kNonsense));
+INSTANTIATE_TEST_SUITE_P(Settings, SettingsWithNonsense, testing::ValuesIn(kNonsense), [](const auto& row) {
+    return QString(row.param.key).replace('/', '_').toStdString() + '_' + std::to_string(row.index);
+});
 
 // ---- recent files
 
