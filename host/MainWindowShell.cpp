@@ -111,10 +111,10 @@ void MainWindow::SetImportSettings(const ImportSettings& settings) {
 }
 
 void MainWindow::AskToReset() {
-    QMessageBox box(QMessageBox::Warning, tr("Reset settings"), tr("Forget everything that was set up?"),
+    QMessageBox box(QMessageBox::Warning, tr("Reset settings"), tr("Forget all settings of the window?"),
                     QMessageBox::Cancel, this);
     box.setInformativeText(
-        tr("Lost are: place and panes of the window, appearance, mouse buttons, rotation, background, point size, "
+        tr("These are: place and panes of the window, appearance, mouse buttons, rotation, background, point size, "
            "render mode and other properties, reduced drawing, smooth edges, import settings, clip plane, tints of the "
            "lasso, recent files and folders.\n\n"
            "Files and what is open stay. Clip plane, tints and smooth edges change at the next start."));

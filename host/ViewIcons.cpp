@@ -18,7 +18,7 @@ const QColor kBody(0xDC, 0xD4, 0xC8), kLit(0xF6, 0xF2, 0xEA), kDark(0x78, 0x70, 
 constexpr QPointF kCentre(12, 12);
 constexpr double kRadius = 8.5;
 
-/// What an icon of a fixed view says: the axis, its sign, and whether the other end of the picture's axis is up.
+/// What an icon of a fixed view shows: the axis, its sign, and whether the other end of the picture's axis is up.
 struct ViewSign {
     char axis;
     char sign;
@@ -37,7 +37,7 @@ QColor ColorOfAxis(char axis) {
     return axis == 'X' ? ink.red : axis == 'Y' ? ink.green : ink.blue;
 }
 
-/// The corners of a hexagon with a horizontal upper corner: the outline of a cube.
+/// The corners of a hexagon, the first one at the top: the outline of a cube.
 QPolygonF Hexagon(double radius) {
     QPolygonF corners;
     for (int i = 0; i < 6; ++i) {
@@ -76,7 +76,7 @@ void DrawView(QPainter& painter, KV_ScenePane::ViewMode mode) {
     painter.drawPolygon(QPolygonF({QPointF(8, base), QPointF(16, base), QPointF(12, tip)}));
 }
 
-/// A ball: lit from the upper left. @param edges  of the band around the light; 0 to 1
+/// A ball, lit from the upper left. @param shine  size of the lit part; 0 to 1
 void DrawBall(QPainter& painter, const QColor& light, const QColor& middle, const QColor& dark, double shine) {
     QRadialGradient shade(kCentre - QPointF(3.5, 3.5), 1.5 * kRadius);
     shade.setColorAt(0, light);

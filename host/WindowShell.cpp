@@ -53,7 +53,7 @@ WindowShell::WindowShell(QMainWindow& window)
     m_pLeave->setShortcut(Qt::Key_Escape);
     m_pLeave->setEnabled(false);
     m_pFullScreen->setStatusTip(tr("Cover the whole screen; F11 or Escape returns to the window"));
-    m_pHidePanes->setStatusTip(tr("Leave the width to the scene; F9 opens the same panes again"));
+    m_pHidePanes->setStatusTip(tr("Give the scene the whole width; F9 opens the same panes again"));
     window.addActions({m_pFullScreen, m_pLeave, m_pHidePanes});
     connect(m_pFullScreen, &QAction::toggled, this, &WindowShell::ShowFullScreen);
     connect(m_pLeave, &QAction::triggered, m_pFullScreen, [this] { m_pFullScreen->setChecked(false); });

@@ -1810,10 +1810,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
         <translation>Einstellungen zurücksetzen</translation>
     </message>
     <message>
-        <source>Forget everything that was set up?</source>
-        <translation>Alles vergessen, was eingestellt wurde?</translation>
-    </message>
-    <message>
         <source>Reset</source>
         <translation>Zurücksetzen</translation>
     </message>
@@ -1958,14 +1954,6 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
         <translation>Jedem Objekt eine Farbe aus einer Palette geben, um sie zu unterscheiden</translation>
     </message>
     <message>
-        <source>Lost are: place and panes of the window, appearance, mouse buttons, rotation, background, point size, render mode and other properties, reduced drawing, smooth edges, import settings, clip plane, tints of the lasso, recent files and folders.
-
-Files and what is open stay. Clip plane, tints and smooth edges change at the next start.</source>
-        <translation>Verloren gehen: Platz und Bereiche des Fensters, Erscheinungsbild, Maustasten, Drehung, Hintergrund, Punktgröße, Darstellung und andere Eigenschaften, reduziertes Zeichnen, Kantenglättung, Importeinstellungen, Schnittebene, Tönungen des Lassos, zuletzt benutzte Dateien und Ordner.
-
-Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung ändern sich beim nächsten Start.</translation>
-    </message>
-    <message>
         <source>Save screens&amp;hot of the whole scene (2048 x 2048)...</source>
         <translation>Bildschirm&amp;foto der ganzen Szene speichern (2048 x 2048)...</translation>
     </message>
@@ -1995,6 +1983,18 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
     <message>
         <source>there is no object</source>
         <translation>es gibt kein Objekt</translation>
+    </message>
+    <message>
+        <source>Forget all settings of the window?</source>
+        <translation>Alle Einstellungen des Fensters vergessen?</translation>
+    </message>
+    <message>
+        <source>These are: place and panes of the window, appearance, mouse buttons, rotation, background, point size, render mode and other properties, reduced drawing, smooth edges, import settings, clip plane, tints of the lasso, recent files and folders.
+
+Files and what is open stay. Clip plane, tints and smooth edges change at the next start.</source>
+        <translation>Das sind: Platz und Bereiche des Fensters, Erscheinungsbild, Maustasten, Drehung, Hintergrund, Punktgröße, Darstellung und andere Eigenschaften, reduziertes Zeichnen, Kantenglättung, Importeinstellungen, Schnittebene, Tönungen des Lassos, zuletzt benutzte Dateien und Ordner.
+
+Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung ändern sich beim nächsten Start.</translation>
     </message>
 </context>
 <context>
@@ -3394,10 +3394,6 @@ Hüllquader bleiben.</translation>
         <translation>Den ganzen Bildschirm ausfüllen; F11 oder Esc kehrt zum Fenster zurück</translation>
     </message>
     <message>
-        <source>Leave the width to the scene; F9 opens the same panes again</source>
-        <translation>Die Breite der Szene überlassen; F9 öffnet dieselben Bereiche wieder</translation>
-    </message>
-    <message>
         <source>%1: not found</source>
         <translation>%1: nicht gefunden</translation>
     </message>
@@ -3408,6 +3404,10 @@ Hüllquader bleiben.</translation>
     <message>
         <source>&amp;Clear list</source>
         <translation>&amp;Liste leeren</translation>
+    </message>
+    <message>
+        <source>Give the scene the whole width; F9 opens the same panes again</source>
+        <translation>Der Szene die ganze Breite geben; F9 öffnet dieselben Bereiche wieder</translation>
     </message>
 </context>
 <context>
