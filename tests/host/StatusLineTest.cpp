@@ -26,7 +26,7 @@ protected:
         Resize(1366);
         m_window.show();
     }
-    ~StatusLineTest() override { QLocale::setDefault(QLocale::c()); }
+    ~StatusLineTest() override { QLocale::setDefault(m_before); }
     void Resize(int width) {
         m_window.resize(width, 200);
         QCoreApplication::processEvents();
@@ -63,6 +63,7 @@ protected:
         }
     }
 
+    const QLocale m_before;
     QMainWindow m_window;
     StatusLine* const m_bar = new StatusLine;
 };
