@@ -398,8 +398,8 @@ private:
     void FollowPickPoints();
     /// Picks on deleted objects are shown as such.
     void MarkDeletedPicks();
-    /// @param newIndex  of an object of before; -1 when it is gone
-    void RenumberPicks(const std::function<int(int object)>& newIndex);
+    /// @param newIndex  of each object of before; -1 when it is gone
+    void RenumberPicks(const std::vector<int>& newIndex);
     /// Adds what concerns the pick-point sphere that is nearest to the pixel.
     /// @return whether picks place points, and there is one
     bool AddPickEntries(QMenu& menu, QPoint pixel);

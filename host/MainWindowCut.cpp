@@ -55,10 +55,7 @@ void MainWindow::FollowCuts() {
 }
 
 void MainWindow::FollowReplacedObjects(const std::vector<int>& newIndex) {
-    RenumberPicks([&newIndex](int object) {
-        const auto i = static_cast<std::size_t>(object);
-        return i < newIndex.size() ? newIndex[i] : -1;
-    });
+    RenumberPicks(newIndex);
     m_pTransforms->OnObjectsReplaced();
     m_pClip->FollowScene();
 }

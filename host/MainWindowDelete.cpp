@@ -110,7 +110,7 @@ void MainWindow::DeleteObjects(const std::vector<int>& indices) {
     }
     m_pObjectCommands->FollowSelection();
     methods.PerformInvalidate();  // the method requests no repaint
-    RenumberPicks([&newIndex](int object) { return newIndex.at(static_cast<std::size_t>(object)); });
+    RenumberPicks(newIndex);
     m_pClip->FollowScene();
     FollowCuts();
 }

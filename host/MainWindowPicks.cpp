@@ -139,10 +139,12 @@ void MainWindow::FollowPickPoints() {
     m_pPicks->ShowPoints(m_vPickPoints);
 }
 
-void MainWindow::RenumberPicks(const std::function<int(int object)>& newIndex) {
+void MainWindow::RenumberPicks(const std::vector<int>& newIndex) {
     for (std::vector<PickedPoint>* const picks : {&m_vPickPoints, &m_vLastPicks}) {
         for (PickedPoint& pick : *picks) {
-            if (pick.object >= 0) pick.object = newIndex(pick.object);
+            if (pick.object < 0) continue;
+            const auto object = static_cast<std::size_t>(pick.object);
+            pick.object = object < newIndex.size() ? newIndex[object] : -1;
         }
     }
     MarkDeletedPicks();
