@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QToolButton>
 #include <algorithm>
 
@@ -84,6 +85,7 @@ TEST_F(MainWindowDelete, OffersUndoInTheStatusBar) {
     EXPECT_EQ(Find<QLabel>("undoOfferText").text().toStdString(), "back.pcm deleted");
     EXPECT_EQ(Present(), Indices{0});
     QToolButton& undo = Find<QToolButton>("undoOfferButton");
+    QCoreApplication::processEvents();  // the button gets its place
     Xdotool("mousemove " + At(undo.mapToGlobal(undo.rect().center())) + " click 1");
     ASSERT_TRUE(WaitUntil([&] { return Present() == Indices{0, 1}; }));
     EXPECT_FALSE(OfferIsShown());

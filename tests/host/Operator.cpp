@@ -112,17 +112,28 @@ bool Operator::Shows(const QString& text, TextMatch match) const {
     return FindText(m_desktop.Show(), text, m_kind.scale, match).has_value();
 }
 
+void Operator::WaitForScreen(const std::string& what, const std::function<bool(const ScreenShown&)>& condition) const {
+    ScreenShown last;
+    WaitFor(what, [&] {
+        ScreenShown now = m_desktop.Show();
+        if (now == last) return false;  // a search for text takes much longer than a look
+        last = std::move(now);
+        return condition(last);
+    });
+}
+
 ScreenArea Operator::WaitForText(const QString& text, TextMatch match) const {
     std::optional<ScreenArea> place;
-    WaitFor("the text \"" + text.toStdString() + "\"", [&] {
-        place = FindText(m_desktop.Show(), text, m_kind.scale, match);
+    WaitForScreen("the text \"" + text.toStdString() + "\"", [&](const ScreenShown& shown) {
+        place = FindText(shown, text, m_kind.scale, match);
         return place.has_value();
     });
     return *place;
 }
 
 void Operator::WaitForNoText(const QString& text, TextMatch match) const {
-    WaitFor("the end of the text \"" + text.toStdString() + "\"", [&] { return !Shows(text, match); });
+    WaitForScreen("the end of the text \"" + text.toStdString() + "\"",
+                  [&](const ScreenShown& shown) { return !FindText(shown, text, m_kind.scale, match); });
 }
 
 void Operator::ClickText(const QString& text) const { m_desktop.Click(WaitForText(text).Middle()); }

@@ -76,6 +76,9 @@ public:
     [[nodiscard]] const ScratchFolder& Folder() const { return m_folder; }
 
 private:
+    /// Looks at each screen that differs from the one before. @param what  as of WaitFor()
+    void WaitForScreen(const std::string& what, const std::function<bool(const ScreenShown&)>& condition) const;
+
     const DesktopKind m_kind;
     const ScratchFolder m_folder, m_settings;
     const std::map<std::string, std::string> m_environment;

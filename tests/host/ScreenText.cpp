@@ -110,13 +110,15 @@ std::optional<ScreenArea> FindTemplate(const GrayScreen& shown, const Template& 
         const int none = at[offset(empty)];
         const int contrast = (at[offset(inked)] - none) * 255 / inked.ink;  // of a pixel that the letters fill
         if (std::abs(contrast) < kContrast) return false;
-        std::ranges::fill(errors, 0.0);
-        double sum = 0;
-        for (const Pixel& p : wanted.pixels) {
+        const auto squaredError = [&](const Pixel& p) {
             const int error = (at[offset(p)] - none) * 255 / contrast - p.ink;
-            errors[band(p)] += error * error;
-            if ((sum += error * error) > kErrorOfText * all) return false;
-        }
+            return error * error;
+        };
+        double sum = 0;
+        for (const Pixel& p : wanted.pixels)
+            if ((sum += squaredError(p)) > kErrorOfText * all) return false;
+        std::ranges::fill(errors, 0.0);
+        for (const Pixel& p : wanted.pixels) errors[band(p)] += squaredError(p);
         return std::ranges::all_of(errors, [&](double error) { return error < kErrorOfLetter * letter; });
     };
     const int rightmost = std::ranges::max(wanted.pixels, {}, &Pixel::x).x;
