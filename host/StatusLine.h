@@ -17,7 +17,6 @@ public:
     struct Scene {
         int shownObjects = 0, objects = 0;
         std::int64_t shownTriangles = 0, triangles = 0;
-        friend bool operator==(const Scene&, const Scene&) = default;
     };
 
     explicit StatusLine(QWidget* parent = nullptr);

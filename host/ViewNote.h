@@ -14,7 +14,6 @@ struct ViewNoteState {
     int drawMode = 3;       ///< of KV_ScenePane::DrawMode, or another number
     bool shadows = false;
     bool isAllClipped = false;  ///< the clip plane cuts every visible object away
-    bool operator==(const ViewNoteState&) const = default;
 };
 
 /// Empty while the picture shows something.
