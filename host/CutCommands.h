@@ -43,11 +43,10 @@ public:
     /// Asks, writes the files and shows what was done. A lasso that runs is cancelled before.
     /// @return whether all cuts that a file can hold are in their files
     bool Save();
-    /// Asks about the unsaved cuts of all objects, or of one, before they are lost.
+    /// Asks about unsaved cuts before they are lost.
     /// @param title  what the user wants to do
-    /// @param index  -1 for all objects
     /// @return whether it can be done
-    bool AskAboutUnsaved(const QString& title, int index = -1);
+    bool AskAboutUnsaved(const QString& title);
 
     // What happened.
     /// A cut will be applied; the viewer still has the objects of before.
@@ -78,9 +77,8 @@ private:
     void NameFiles(Entries& entries) const;
     /// The objects of the list, as the plan describes them. A deleted one has no id and nothing to save.
     [[nodiscard]] std::vector<CutObject> Objects(const Entries& plan) const;
-    /// @param index  -1 for all objects
     /// @param canSave  receives whether a save writes one of them
-    [[nodiscard]] QStringList UnsavedLines(const Entries& plan, int index, bool* canSave) const;
+    [[nodiscard]] QStringList UnsavedLines(const Entries& plan, bool* canSave) const;
     /// What a save removes beside the cuts and cannot be taken back, as sentences.
     [[nodiscard]] QString SaveNote() const;
     /// Asks, unless nothing can be written.

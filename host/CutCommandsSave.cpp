@@ -88,12 +88,12 @@ bool CutCommands::IsUnsaved(int index) const {
     return i < objects.size() && m_ledger.IsUnsaved(objects[i]);
 }
 
-QStringList CutCommands::UnsavedLines(const Entries& plan, int index, bool* canSave) const {
+QStringList CutCommands::UnsavedLines(const Entries& plan, bool* canSave) const {
     const std::vector<CutObject> objects = Objects(plan);
     QStringList lines;
     *canSave = false;
     for (std::size_t i = 0; i < objects.size(); ++i) {
-        if ((index >= 0 && static_cast<std::size_t>(index) != i) || !m_ledger.IsUnsaved(objects[i])) continue;
+        if (!m_ledger.IsUnsaved(objects[i])) continue;
         const QString file = QString::fromStdString(KV_ScenePane::PathBytes(plan[i].file));
         if (m_ledger.HasLostCuts(objects[i].id))
             lines << file + ": " + FailedBefore(objects[i]);
@@ -106,12 +106,12 @@ QStringList CutCommands::UnsavedLines(const Entries& plan, int index, bool* canS
     return lines;
 }
 
-bool CutCommands::AskAboutUnsaved(const QString& title, int index) {
+bool CutCommands::AskAboutUnsaved(const QString& title) {
     // Once more after a save: cuts that it could not write are named, and can only be discarded.
     while (m_pViewer != nullptr) {
         const Entries plan = Plan();
         bool canSave = false;
-        const QStringList lines = UnsavedLines(plan, index, &canSave);
+        const QStringList lines = UnsavedLines(plan, &canSave);
         if (lines.isEmpty()) return true;
         FileListDialog::Texts texts{title, tr("There are cuts that are not saved:"), lines, {}};
         QDialogButtonBox::StandardButtons buttons = QDialogButtonBox::Discard | QDialogButtonBox::Cancel;
