@@ -18,7 +18,8 @@ SMALL = 60_000  # bytes: the meshes of which a sample is opened
 
 def screenshot(path: Path, *arguments: object) -> np.ndarray:
     """The same picture by the C++ program."""
-    done = run(SCENEPANE, "--screenshot", path, *arguments)
+    # Of several scans each would have a colour that tells it from the others.
+    done = run(SCENEPANE, "--screenshot", path, "--color", "DCD4C8", *arguments)
     if done.status != 0:
         raise AssertionError(f"scenepane has failed: {done}")
     return read_png(path)
