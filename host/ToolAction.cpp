@@ -31,7 +31,7 @@ public:
         const int side = std::min(size.width(), size.height());
         QPainter painter(&picture);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.translate((size.width() - side) / 2, (size.height() - side) / 2);
+        painter.translate(QPoint((size.width() - side) / 2, (size.height() - side) / 2));
         painter.scale(static_cast<double>(side) / kToolIconSide, static_cast<double>(side) / kToolIconSide);
         m_draw(painter);
         painter.end();
