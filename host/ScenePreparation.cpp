@@ -116,12 +116,13 @@ void ScenePreparation::ShowFirst(std::size_t count) {
 }
 
 bool ScenePreparation::Draw() {
+    const QPointer<ScenePreparation> self(this);  // as in Pass()
     try {
         m_pane.Methods().PerformRefresh();
         return true;
     } catch (...) {  // no exception may pass through Qt
         const QString reason = QString::fromStdString(TextOfCaughtError());
-        emit Failed(reason);
+        if (self) emit Failed(reason);
         return false;
     }
 }
