@@ -11,6 +11,10 @@ set(KV_TEST_HEADERS
 
 # Tests spend little time in their own code: in optimised builds theirs is compiled for a short build time instead.
 set(KV_TEST_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-Og>)
+if(KV_SANITIZE MATCHES "undefined")
+  # What is tested is checked for undefined behaviour; the same checks in the tests are a third of their compile time.
+  list(APPEND KV_TEST_OPTIONS -fno-sanitize=undefined)
+endif()
 if(KV_PRECOMPILED_HEADERS)
   # Precompiled headers are accepted only under the same options, and programs have -fPIE, those with Qt -fPIC.
   list(APPEND KV_TEST_OPTIONS -fPIC)
