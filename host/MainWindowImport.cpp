@@ -222,7 +222,7 @@ void MainWindow::DrawPicture() {
     try {
         Pane()->Methods().PerformRefresh();
     } catch (...) {  // no exception may pass through Qt
-        ReportViewerFailure(QString::fromStdString(TextOfCaughtError()));
+        ReportViewerFailure(TranslatedText(TextOfCaughtError()));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "CaughtError.h"
+#include "TranslatedText.h"
 
 ScenePreparation::ScenePreparation(KV_ScenePane::ScenePane& pane, std::int64_t shownTriangles,
                                    std::optional<ArrivalFit> fit, QObject* parent)
@@ -121,7 +122,7 @@ bool ScenePreparation::Draw() {
         m_pane.Methods().PerformRefresh();
         return true;
     } catch (...) {  // no exception may pass through Qt
-        const QString reason = QString::fromStdString(TextOfCaughtError());
+        const QString reason = TranslatedText(TextOfCaughtError());
         if (self) emit Failed(reason);
         return false;
     }
