@@ -18,6 +18,7 @@ std::map<std::string, std::string> EnvironmentOf(const DesktopKind& kind, const 
     // Of the test, not of the user's desktop.
     more.insert({{"XDG_CONFIG_HOME", settings.Path().string()},
                  {"HOME", settings.Path().string()},
+                 {"MESA_SHADER_CACHE_DIR", KV_PICTURE_FOLDER "/shaders"},  // of all runs: compiling takes long
                  {"QT_SCALE_FACTOR", kind.scale == 1 ? "" : std::to_string(kind.scale)},
                  {"QT_QPA_PLATFORM", ""},
                  {"QT_QPA_PLATFORMTHEME", ""},
