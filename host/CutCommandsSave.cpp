@@ -15,7 +15,7 @@ namespace {
 using KV_ScenePane::CutSaveEntry;
 
 QString Sentence(const std::string& text) {
-    QString sentence = QString::fromStdString(text);
+    QString sentence = TranslatedText(text);
     if (!sentence.isEmpty()) sentence[0] = sentence[0].toUpper();
     return sentence + '.';
 }
@@ -161,7 +161,7 @@ bool CutCommands::Save() {
             hasFailures = true;
             lines << QString::fromStdString(KV_ScenePane::PathBytes(plan[i].file)) + ": " + text;
         } else if (plan[i].outcome == KV_ScenePane::CutNotFromPcm && plan[i].numberOfCuts > 0) {
-            lines << QString::fromStdString(CutSaveLine(plan[i]));
+            lines << TranslatedText(CutSaveLine(plan[i]));
         }
     }
     lines << (hasFailures ? tr("Nothing was saved: what has failed is not written again.")
@@ -179,7 +179,7 @@ QString CutCommands::FailedBefore(const CutObject& object) const {
 
 bool CutCommands::RefuseMoved(const Entries& plan) {
     QStringList lines;
-    for (const std::string& line : MovedObjectLines(plan)) lines << QString::fromStdString(line);
+    for (const std::string& line : MovedObjectLines(plan)) lines << TranslatedText(line);
     if (lines.isEmpty()) return false;
     emit Report(lines.join('\n') + '\n' + tr("No cuts were saved."));
     const FileListDialog::Texts texts{
@@ -257,7 +257,7 @@ bool CutCommands::ReportSave(const Entries& plan, const Entries& results) {
             lines << QString::fromStdString(KV_ScenePane::PathBytes(result.file)) + ": " + text;
             continue;
         }
-        lines << QString::fromStdString(CutSaveLine(result));
+        lines << TranslatedText(CutSaveLine(result));
         ++(HasFailed(result) ? failed : result.outcome == KV_ScenePane::CutWritten ? written : skipped);
     }
     emit Changed();

@@ -72,6 +72,27 @@ constexpr const char* kSourceArrays =
 constexpr const char* kLogo =
     QT_TRANSLATE_NOOP("Messages", "the picture is larger than the driver can draw: choose a smaller one");
 
+// Lines about cuts that are saved; CutSaveReport.h makes them.
+constexpr const char* kCutWritten = QT_TRANSLATE_NOOP("Messages", "%1: written");
+constexpr const char* kCutWrittenEmpty = QT_TRANSLATE_NOOP("Messages", "%1: written, no point is left in it");
+constexpr const char* kCutNothingNew = QT_TRANSLATE_NOOP("Messages", "%1: skipped, nothing new was cut from it");
+constexpr const char* kCutNotPcm = QT_TRANSLATE_NOOP("Messages", "%1: skipped, only pcm files can hold cuts");
+constexpr const char* kCutNotRead = QT_TRANSLATE_NOOP("Messages", "%1: failed, the file could not be read");
+constexpr const char* kCutNotReadReason = QT_TRANSLATE_NOOP("Messages", "%1: failed, the file could not be read: %2");
+constexpr const char* kCutNotWritten =
+    QT_TRANSLATE_NOOP("Messages", "%1: failed, the file could not be written and is as before");
+constexpr const char* kCutNotWrittenReason =
+    QT_TRANSLATE_NOOP("Messages", "%1: failed, the file could not be written and is as before: %2");
+constexpr const char* kCutMoved =
+    QT_TRANSLATE_NOOP("Messages", "%1: moved since its import, take back the alignment first");
+constexpr const char* kCutWhileMoved = QT_TRANSLATE_NOOP("Messages", "%1: was cut while it was moved");
+constexpr const char* kCutAgain =
+    QT_TRANSLATE_NOOP("Messages", "undo these cuts, take back the alignment first, and cut again");
+constexpr const char* kCutClips =
+    QT_TRANSLATE_NOOP("Messages", "the clip plane is active: what it clips is removed from every pcm file");
+constexpr const char* kCutFilters =
+    QT_TRANSLATE_NOOP("Messages", "the confidence filter is above 0: points below it are removed from the files, too");
+
 constexpr MessageRow kRows[] = {
     // ---- memory
     {"there is not enough memory",
@@ -288,6 +309,19 @@ constexpr MessageRow kRows[] = {
     {kEmptyFolder, kEmptyFolder},
     {kFullFolder, kFullFolder},
     {kNoNeedles, kNoNeedles},
+    {kCutWritten, kCutWritten},
+    {kCutWrittenEmpty, kCutWrittenEmpty},
+    {kCutNothingNew, kCutNothingNew},
+    {kCutNotPcm, kCutNotPcm},
+    {kCutNotRead, kCutNotRead},
+    {kCutNotReadReason, kCutNotReadReason},
+    {kCutNotWritten, kCutNotWritten},
+    {kCutNotWrittenReason, kCutNotWrittenReason},
+    {kCutMoved, kCutMoved},
+    {kCutWhileMoved, kCutWhileMoved},
+    {kCutAgain, kCutAgain},
+    {kCutClips, kCutClips},
+    {kCutFilters, kCutFilters},
 };
 
 /// The texts in the places %1 to %9.

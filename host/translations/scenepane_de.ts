@@ -2378,6 +2378,58 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <source>the file holds no needles</source>
         <translation>die Datei enthält keine Nadeln</translation>
     </message>
+    <message>
+        <source>%1: written</source>
+        <translation>%1: geschrieben</translation>
+    </message>
+    <message>
+        <source>%1: written, no point is left in it</source>
+        <translation>%1: geschrieben, kein Punkt ist darin übrig</translation>
+    </message>
+    <message>
+        <source>%1: skipped, nothing new was cut from it</source>
+        <translation>%1: übersprungen, nichts Neues wurde davon abgeschnitten</translation>
+    </message>
+    <message>
+        <source>%1: skipped, only pcm files can hold cuts</source>
+        <translation>%1: übersprungen, nur pcm-Dateien können Schnitte enthalten</translation>
+    </message>
+    <message>
+        <source>%1: failed, the file could not be read</source>
+        <translation>%1: misslungen, die Datei konnte nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>%1: failed, the file could not be read: %2</source>
+        <translation>%1: misslungen, die Datei konnte nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1: failed, the file could not be written and is as before</source>
+        <translation>%1: misslungen, die Datei konnte nicht geschrieben werden und ist wie zuvor</translation>
+    </message>
+    <message>
+        <source>%1: failed, the file could not be written and is as before: %2</source>
+        <translation>%1: misslungen, die Datei konnte nicht geschrieben werden und ist wie zuvor: %2</translation>
+    </message>
+    <message>
+        <source>%1: moved since its import, take back the alignment first</source>
+        <translation>%1: seit dem Import bewegt, zuerst die Ausrichtung zurücknehmen</translation>
+    </message>
+    <message>
+        <source>%1: was cut while it was moved</source>
+        <translation>%1: wurde geschnitten, während es bewegt war</translation>
+    </message>
+    <message>
+        <source>undo these cuts, take back the alignment first, and cut again</source>
+        <translation>diese Schnitte zurücknehmen, zuerst die Ausrichtung zurücknehmen und dann neu schneiden</translation>
+    </message>
+    <message>
+        <source>the clip plane is active: what it clips is removed from every pcm file</source>
+        <translation>die Schnittebene ist aktiv: was sie wegschneidet, wird aus jeder pcm-Datei entfernt</translation>
+    </message>
+    <message>
+        <source>the confidence filter is above 0: points below it are removed from the files, too</source>
+        <translation>der Konfidenzfilter ist über 0: Punkte darunter werden ebenfalls aus den Dateien entfernt</translation>
+    </message>
 </context>
 <context>
     <name>NeedlePanel</name>

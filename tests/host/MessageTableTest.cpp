@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "CutSaveReport.h"
+
 namespace {
 
 struct Words {
@@ -121,6 +123,43 @@ TEST_F(TranslatedMessages, AreEachSentenceOfALineWithItsParts) {
 TEST_F(TranslatedMessages, AreThoseOfTheProgramItself) {
     for (const char* const sentence : {kNoSuchFile, kIsFolder, kEmptyFolder, kFullFolder, kNoNeedles})
         EXPECT_EQ(TranslatedWords(sentence), QString(sentence).toUpper().toStdString());
+}
+
+TEST_F(TranslatedMessages, AreThoseOfCutsThatAreSaved) {
+    using namespace KV_ScenePane;
+    struct Line {
+        CutSaveOutcome outcome;
+        const char* reason;
+        bool isNothingLeft;
+        const char* expected;
+    };
+    const Line lines[] = {
+        {CutWritten, "", false, "a.pcm: WRITTEN"},
+        {CutWritten, "", true, "a.pcm: WRITTEN, NO POINT IS LEFT IN IT"},
+        {CutNothingToSave, "", false, "a.pcm: SKIPPED, NOTHING NEW WAS CUT FROM IT"},
+        {CutNotFromPcm, "", false, "a.pcm: SKIPPED, ONLY PCM FILES CAN HOLD CUTS"},
+        {CutFileNotRead, "", false, "a.pcm: FAILED, THE FILE COULD NOT BE READ"},
+        {CutFileNotRead, "flux", false, "a.pcm: FAILED, THE FILE COULD NOT BE READ: flux"},
+        {CutFileNotWritten, "", false, "a.pcm: FAILED, THE FILE COULD NOT BE WRITTEN AND IS AS BEFORE"},
+        {CutFileNotWritten, "flux", false, "a.pcm: FAILED, THE FILE COULD NOT BE WRITTEN AND IS AS BEFORE: flux"},
+    };
+    CutSaveEntry entry;
+    entry.file = L"a.pcm";
+    for (const Line& line : lines) {
+        entry.outcome = line.outcome;
+        entry.reason = line.reason;
+        entry.isNothingLeft = line.isNothingLeft;
+        EXPECT_EQ(TranslatedWords(CutSaveLine(entry)), line.expected);
+    }
+    entry.outcome = CutToBeWritten;
+    entry.isMoved = true;
+    EXPECT_EQ(TranslatedWords(MovedObjectLines({&entry, 1}).front()),
+              "a.pcm: MOVED SINCE ITS IMPORT, TAKE BACK THE ALIGNMENT FIRST");
+    entry.isCutWhileMoved = true;
+    EXPECT_EQ(TranslatedWords(MovedObjectLines({&entry, 1}).front()),
+              "a.pcm: WAS CUT WHILE IT WAS MOVED; UNDO THESE CUTS, TAKE BACK THE ALIGNMENT FIRST, AND CUT AGAIN");
+    for (const std::string& sentence : OtherRemovals(true, 0.5f))
+        EXPECT_EQ(TranslatedWords(sentence), QString::fromStdString(sentence).toUpper().toStdString());
 }
 
 TEST_F(TranslatedMessages, AreThoseOfEveryRow) {
