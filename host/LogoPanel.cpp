@@ -13,6 +13,7 @@
 #include <QToolButton>
 
 #include "RecentFiles.h"
+#include "ToolTip.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ bool LogoPanel::OpenImage(const QString& path) {
     m_pFile->setText(
         tr("%1, %2 x %3")
             .arg(QFileInfo(path).fileName(), QString::number(image->width), QString::number(image->height)));
-    m_pFile->setToolTip(path);
+    m_pFile->setToolTip(PlainToolTip(path));
     m_pVisible->setChecked(true);  // a hidden logo would look like a failure
     m_logo.SetImage(*std::move(image));
     return true;
