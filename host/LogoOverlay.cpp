@@ -49,6 +49,7 @@ void LogoOverlay::Update() {
         }
         wanted = entry->second;
     }
+    if (wanted < 0 && m_nShown < 0) return;
     if (wanted != m_nShown) {
         if (m_nShown >= 0) m_pMethods->SetOverlayVisibility(m_nShown, 0);
         if (wanted >= 0) m_pMethods->SetOverlayVisibility(wanted, 1);

@@ -25,6 +25,7 @@
 #include "ObjectColors.h"
 #include "ObjectCommands.h"
 #include "ObjectList.h"
+#include "PaintBlock.h"
 #include "PngFile.h"
 #include "PropertyDialog.h"
 #include "ResidualPanel.h"
@@ -130,10 +131,13 @@ void MainWindow::MakeCentre() {
 
 void MainWindow::OnViewerReady() {
     if (Pane() == nullptr) return;
-    PassViewerToPanels();
-    // The viewer starts with modes of its own: the ones that were chosen before are applied now.
-    ShowView(m_options.view);
-    ShowShadows(m_options.shadows);
+    {
+        const PaintBlock block(Pane()->Methods());  // until all is set
+        PassViewerToPanels();
+        // The viewer has its start values: what was chosen before is applied now.
+        ShowView(m_options.view);
+        ShowShadows(m_options.shadows);
+    }
     EnableActions();
     OpenWaitingFiles();
     OpenMarkersOfOptions();
