@@ -58,7 +58,7 @@ TEST_P(DropFromOutside, OfAFolderOpensTheFilesInIt) {
     m_operator->WaitForText("two.pcm");
 }
 
-TEST_P(DropFromOutside, DuringAnImportAddsTheFilesAfterIt) {
+TEST_P(DropFromOutside, SoonAfterTheStartAddsTheFilesAfterTheOthers) {
     std::vector<std::string> many;
     for (int i = 0; i < 3; ++i) {
         many.push_back(File("many" + std::to_string(i) + ".pcm"));
