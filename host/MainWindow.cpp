@@ -93,6 +93,11 @@ void MainWindow::Report(const QString& text) {
     statusBar()->showMessage(text.section('\n', -1));
 }
 
+void MainWindow::ReportFailure(const QString& text) {
+    Report(text);
+    m_pMessages->PointOut();
+}
+
 void MainWindow::MakeCentre() {
     m_pViewer = new ViewerWidget({m_options.width, m_options.height}, m_viewerSamples);
     m_pRefusal = new QLabel;
@@ -228,8 +233,10 @@ bool MainWindow::SaveScreenShot(const std::string& path) {
         reason = "there is not enough memory";
     }
     const bool saved = !text.isEmpty();
-    if (!saved) text = tr("%1: not written: %2").arg(file, TranslatedText(PlainWords(reason)));
-    Report(text);
+    if (saved)
+        Report(text);
+    else
+        ReportFailure(tr("%1: not written: %2").arg(file, TranslatedText(PlainWords(reason))));
     return saved;
 }
 

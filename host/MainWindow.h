@@ -215,6 +215,8 @@ private:
     [[nodiscard]] bool HaveObjects() const;
     /// Adds one message per line; the last line is shown in the status bar, too.
     void Report(const QString& text);
+    /// Opens the messages, too.
+    void ReportFailure(const QString& text);
     void ShowBackgroundNow();
 
     // ---- MainWindowPanels.cpp

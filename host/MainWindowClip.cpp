@@ -67,7 +67,6 @@ void MainWindow::StoreClipIfChanged() {
 }
 
 void MainWindow::ReportViewerFailure(const QString& reason) {
-    Report(tr("The viewer could not finish what was asked for: %1").arg(reason));
-    m_pMessages->PointOut();
+    ReportFailure(tr("The viewer could not finish what was asked for: %1").arg(reason));
     if (Pane() != nullptr) Pane()->Methods().PerformInvalidate();
 }

@@ -104,8 +104,7 @@ bool MainWindow::SaveNeedles(const std::string& path) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    Report(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
-    m_pMessages->PointOut();
+    ReportFailure(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
     return false;
 }
 
@@ -126,8 +125,7 @@ bool MainWindow::LoadNeedles(const std::string& path, std::string* failure) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    Report(tr("%1: no needles added: %2").arg(file, TranslatedText(reason)));
-    m_pMessages->PointOut();
+    ReportFailure(tr("%1: no needles added: %2").arg(file, TranslatedText(reason)));
     if (failure != nullptr) *failure = reason;
     return false;
 }

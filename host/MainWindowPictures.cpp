@@ -35,6 +35,7 @@ void MainWindow::MakePictures() {
     hooks.hideDecorations = [this](bool isHidden) { HideDecorations(isHidden); };
     m_pPictures = new PictureCommands(*m_pViewer, std::move(hooks), *this);
     connect(m_pPictures, &PictureCommands::Reported, this, &MainWindow::Report);
+    connect(m_pPictures, &PictureCommands::Failed, this, &MainWindow::ReportFailure);
 }
 
 void MainWindow::MakePictureActions(QMenu& menu) {

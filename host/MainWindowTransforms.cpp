@@ -163,8 +163,7 @@ bool MainWindow::SaveTransforms(const std::string& path) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    Report(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
-    m_pMessages->PointOut();
+    ReportFailure(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
     return false;
 }
 
@@ -205,8 +204,7 @@ bool MainWindow::LoadTransforms(const std::string& path, std::string* failure) {
     } catch (...) {  // no exception may pass through Qt
         reason = TextOfCaughtError();
     }
-    Report(tr("%1: no transforms loaded: %2").arg(file, TranslatedText(reason)));
-    m_pMessages->PointOut();
+    ReportFailure(tr("%1: no transforms loaded: %2").arg(file, TranslatedText(reason)));
     if (failure != nullptr) *failure = reason;
     return false;
 }

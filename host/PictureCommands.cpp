@@ -113,7 +113,7 @@ bool PictureCommands::SavePicture(const std::string& path, const PictureLook& lo
     } catch (...) {
         reason = TextOfCaughtError();
     }
-    emit Reported(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
+    emit Failed(tr("%1: not written: %2").arg(file, TranslatedText(reason)));
     return false;
 }
 
@@ -135,7 +135,7 @@ bool PictureCommands::CopyPicture(const PictureLook& look) {
         emit Reported(tr("Picture of %1 x %2 pixels copied").arg(picture.width).arg(picture.height));
         return true;
     } catch (...) {
-        emit Reported(tr("No picture copied: %1").arg(TranslatedText(TextOfCaughtError())));
+        emit Failed(tr("No picture copied: %1").arg(TranslatedText(TextOfCaughtError())));
         return false;
     }
 }

@@ -27,8 +27,10 @@ public:
     bool CopyPicture(const PictureLook& look);
 
 signals:
-    /// A message about a picture. @param text  one line
+    /// A picture was saved or copied. @param text  one line
     void Reported(const QString& text);
+    /// No picture was saved or copied. @param text  one line
+    void Failed(const QString& text);
 
 private:
     /// @param path  as the user chose it

@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QImage>
 #include <QImageReader>
@@ -244,6 +245,7 @@ TEST_F(MainWindowPictures, AreNoTransparentJpegFiles) {
 TEST_F(MainWindowPictures, ReportAFileThatCannotBeWritten) {
     EXPECT_FALSE(m_window->Pictures().SavePicture(m_folder / "no/a.png", {}));
     EXPECT_NE(Messages().find("no/a.png: not written: No such file or directory"), std::string::npos) << Messages();
+    EXPECT_TRUE(Find<QDockWidget>("messages").isVisible());
 }
 
 TEST_F(MainWindowPictures, ReportASizeThatIsTooLargeAndDrawNothing) {

@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QImage>
@@ -59,6 +60,7 @@ TEST_F(MainWindowScreenShot, AddsAMessageAlsoForANameWithAPercentSign) {
 TEST_F(MainWindowScreenShot, ReportsAFileThatCannotBeWritten) {
     EXPECT_FALSE(m_window->SaveScreenShot(m_folder / "no/shot.png"));
     EXPECT_NE(Messages().find("no/shot.png: not written: No such file or directory"), std::string::npos) << Messages();
+    EXPECT_TRUE(Find<QDockWidget>("messages").isVisible());
 }
 
 #ifndef __SANITIZE_ADDRESS__
