@@ -14,6 +14,7 @@
 #include "TransformFile.h"
 #include "TransformPanel.h"
 #include "host/CutSaveFixture.h"
+#include "host/PlacedScan.h"
 
 namespace {
 
@@ -32,21 +33,6 @@ KV_ScenePane::AlignmentPoint Applied(const Matrix4& m, const KV_ScenePane::Align
         result.point[row] = static_cast<float>(sum);
     }
     return result;
-}
-
-/// A pcm file whose scan has a pose.
-void WritePlacedPcm(const std::string& path, const Matrix4& pose) {
-    const std::vector<float> points = FlatGrid(60, 60, 0.0f, 1000.0f), confidences(3600, 1.0f);
-    const std::vector<std::uint8_t> classes(3600, 0);
-    Matrix4 stored = pose;
-    for (const std::size_t i : {3u, 7u, 11u}) stored[i] *= 1000.0f;
-    MsrStorage::PcmView view;
-    view.m_iWidth = view.m_iHeight = 60;
-    view.m_pPoints = points.data();
-    view.m_pConfidence = confidences.data();
-    view.m_pClassification = classes.data();
-    view.m_pTrafo = stored.data();
-    MsrStorage::WritePcmFile(path, view);
 }
 
 class MainWindowTransforms : public CutSaveFixture {
@@ -70,7 +56,12 @@ protected:
     }
     [[nodiscard]] std::string Box(int row) const {
         // Below the path.
-        return m_window->Objects().Row(row)->toolTip(ObjectList::kSize).section('\n', 1).replace('\n', ", ").toStdString();
+        return m_window->Objects()
+            .Row(row)
+            ->toolTip(ObjectList::kSize)
+            .section('\n', 1)
+            .replace('\n', ", ")
+            .toStdString();
     }
     [[nodiscard]] std::string Shown(const char* label) const { return Find<QLabel>(label).text().toStdString(); }
     void Select(int row) const { m_window->Objects().setCurrentItem(m_window->Objects().topLevelItem(row)); }
@@ -253,7 +244,7 @@ TEST_F(MainWindowTransforms, LetsCutsBeSavedAfterAnAlignmentWasTakenBack) {
     std::vector<std::string> files;
     for (const Matrix4& pose : poses) {
         files.push_back(m_folder / ("pose" + std::to_string(files.size()).append(".pcm")));
-        WritePlacedPcm(files.back(), pose);
+        WritePlacedPcm(files.back(), 60, 60, pose);
     }
     Import(files);
     ASSERT_EQ(ObjectsInViewer(), 3);

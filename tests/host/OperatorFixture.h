@@ -56,8 +56,29 @@ protected:
         WritePcm(File(name), 60, 60, height);
         return File(name);
     }
+    /// A flat scan that fills the middle of the viewer, opened by an argument.
+    void StartWithScan(const std::string& name = "flat.pcm") {
+        m_operator->Start({Scan(name)});
+        (void)m_operator->WaitForText(QString::fromStdString(name));
+        m_operator->WaitFor("the scan in the viewer", [&] { return Middle() != kBackground; });
+        m_first = m_operator->WaitForStillPicture();
+    }
+    [[nodiscard]] std::uint32_t ColorAt(ScreenPoint point) const {
+        return Screen().Show({point.x, point.y, 1, 1}).At(0, 0);
+    }
+    /// The colour at a point of the viewer, see Operator::InViewer().
+    [[nodiscard]] std::uint32_t ColorAt(double x, double y) const { return ColorAt(m_operator->InViewer(x, y)); }
+    [[nodiscard]] std::uint32_t Middle() const { return ColorAt(0.5, 0.5); }
+    /// Keys go to the viewer after a click on it. The click is handled when this returns: a key that follows at once
+    /// comes by another connection, and may be the first.
+    void GiveKeyboardToViewer() const {
+        Screen().Click(m_operator->InViewer(0.02, 0.5));
+        (void)m_operator->WaitForStillPicture();
+    }
+    static constexpr std::uint32_t kBackground = Operator::kBackground;
 
     std::unique_ptr<Operator> m_operator;
+    ScreenShown m_first;  ///< of the viewer, after the start with a scan
 };
 
 inline std::string NameOfDesktop(const testing::TestParamInfo<DesktopKind>& info) { return info.param.name; }

@@ -10,25 +10,6 @@ namespace {
 
 class Workflow : public OnDesktops {
 protected:
-    /// A flat scan that fills the middle of the viewer, opened by an argument.
-    void StartWithScan(const std::string& name = "flat.pcm") {
-        m_operator->Start({Scan(name)});
-        (void)m_operator->WaitForText(QString::fromStdString(name));
-        m_operator->WaitFor("the scan in the viewer", [&] { return Middle() != kBackground; });
-        m_first = m_operator->WaitForStillPicture();
-    }
-    /// The colour at a point of the viewer, see Operator::InViewer().
-    [[nodiscard]] std::uint32_t ColorAt(double x, double y) const {
-        const ScreenPoint point = m_operator->InViewer(x, y);
-        return Screen().Show({point.x, point.y, 1, 1}).At(0, 0);
-    }
-    [[nodiscard]] std::uint32_t Middle() const { return ColorAt(0.5, 0.5); }
-    /// Keys go to the viewer after a click on it. The click is handled when this returns: a key that follows at once
-    /// comes by another connection, and may be the first.
-    void GiveKeyboardToViewer() const {
-        Screen().Click(m_operator->InViewer(0.02, 0.5));
-        (void)m_operator->WaitForStillPicture();
-    }
     /// Cuts a square out of the middle of the scan.
     void CutMiddle() const {
         GiveKeyboardToViewer();
@@ -43,8 +24,6 @@ protected:
         Screen().Click(m_operator->InViewer(0.5, 0.5), 3);
         m_operator->WaitFor("the hole of the cut", [&] { return Middle() == kBackground; });
     }
-    static constexpr std::uint32_t kBackground = Operator::kBackground;
-    ScreenShown m_first;  // of the viewer, after the start
 };
 
 TEST_P(Workflow, FilesAreOpenedByArgumentsAndByTheDialog) {
@@ -65,17 +44,6 @@ TEST_P(Workflow, WheelAndDragsMoveTheViewAndHomeFitsIt) {
     Screen().Drag({m_operator->InViewer(0.5, 0.5), m_operator->InViewer(0.55, 0.5), m_operator->InViewer(0.6, 0.55)},
                   3);
     (void)m_operator->WaitForOtherPicture(m_first);
-    Screen().Key("Home");
-    m_operator->WaitForPicture(m_first);
-}
-
-TEST_P(Workflow, DigitsChooseViews) {
-    StartWithScan();
-    GiveKeyboardToViewer();
-    Screen().Key("6");  // oblique
-    const ScreenShown oblique = m_operator->WaitForOtherPicture(m_first);
-    Screen().Key("4");  // from above, as at the start
-    (void)m_operator->WaitForOtherPicture(oblique);
     Screen().Key("Home");
     m_operator->WaitForPicture(m_first);
 }
@@ -144,8 +112,13 @@ TEST_P(Workflow, ThePictureOfTheViewIsSaved) {
     m_operator->AnswerFileDialog("Save view as picture", path);
     QImage picture;
     m_operator->WaitFor("the picture", [&] { return picture.load(QString::fromStdString(path)); });
-    EXPECT_EQ(picture.size(), QSize(m_first.width, m_first.height));
-    EXPECT_NE(picture.pixel(picture.rect().center()) & 0xFFFFFF, kBackground);
+    ASSERT_EQ(picture.size(), QSize(m_first.width, m_first.height));
+    int different = 0;
+    for (int y = 0; y < m_first.height; ++y) {
+        for (int x = 0; x < m_first.width; ++x)
+            different += (picture.pixel(x, y) & 0xFFFFFF) != m_first.At(x, y) ? 1 : 0;
+    }
+    EXPECT_EQ(different, 0) << "pixels of the picture are not those of the view";
 }
 
 INSTANTIATE_TEST_SUITE_P(Desktops, Workflow, testing::ValuesIn(kDesktops), NameOfDesktop);
