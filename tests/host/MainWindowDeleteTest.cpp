@@ -377,6 +377,8 @@ TEST_F(MainWindowDelete, ClearingAsksByItsKeyAndCancelKeepsTheScene) {
     EXPECT_FALSE(Has(question, "Not saved")) << question;
     {
         const auto dialog = Answer(QDialogButtonBox::Yes);
+        ClickOn(m_window->Messages());  // without a window manager nothing else returns the keyboard to the window
+        ASSERT_TRUE(WaitUntil([&] { return m_window->isActiveWindow(); }));
         Xdotool("key ctrl+l");
         ASSERT_TRUE(WaitUntil([&] { return ObjectsInViewer() == 0; }));
     }
