@@ -1939,7 +1939,7 @@ halbe Seite eines freien Punkts in Einheiten der Szene:</translation>
     </message>
     <message>
         <source>One colo&amp;ur</source>
-        <translation>Eine Far&amp;be</translation>
+        <translation>Glei&amp;che Farbe</translation>
     </message>
     <message>
         <source>Fi&amp;t the view</source>
