@@ -66,6 +66,11 @@ protected:
     [[nodiscard]] std::uint32_t ColorAt(ScreenPoint point) const {
         return Screen().Show({point.x, point.y, 1, 1}).At(0, 0);
     }
+    /// Clicks the empty mark in the row of an object. Marks are at the left in their column.
+    void CheckMayMove(const QString& name) const {
+        const ScreenArea row = m_operator->WaitForText(name), header = m_operator->WaitForText("May move");
+        Screen().Click({header.x + 5 * m_operator->Scale(), row.Middle().y});
+    }
     /// The colour at a point of the viewer, see Operator::InViewer().
     [[nodiscard]] std::uint32_t ColorAt(double x, double y) const { return ColorAt(m_operator->InViewer(x, y)); }
     [[nodiscard]] std::uint32_t Middle() const { return ColorAt(0.5, 0.5); }

@@ -62,11 +62,6 @@ protected:
             (void)m_operator->WaitForStillPicture();  // the point is drawn
         }
     }
-    /// Clicks the empty mark in the row of an object. Marks are at the left in their column.
-    void CheckMayMove(const QString& name) const {
-        const ScreenArea row = m_operator->WaitForText(name), header = m_operator->WaitForText("May move");
-        Screen().Click({header.x + 5 * m_operator->Scale(), row.Middle().y});
-    }
     /// Clicks a button below this height of the screen, where others have the same text.
     void ClickTextBelow(int top, const QString& text) const {
         const ScreenArea screen = Screen().WholeScreen(), area{0, top, screen.width, screen.height - top};
@@ -169,9 +164,9 @@ TEST_P(ToolWorkflow, PickedPointsAreShownAndCopied) {
     Open({"flat.pcm"}, {{0, 0, 0}, {59, 59, 0}});
     m_operator->Choose({"Tools", "Picking", "Points on objects"});
     (void)m_operator->WaitForStillPicture();  // the menu is gone
-    const Point first = PickAndCopy({12.3, 40, 0}, "mm");
+    const Point first = PickAndCopy({12.3, 40, 0}, "0.000 mm");
     (void)m_operator->WaitForText("flat.pcm: " + Shown(first), TextMatch::Part);
-    const Point second = PickAndCopy({45, 20.6, 0}, "mm, distance");
+    const Point second = PickAndCopy({45, 20.6, 0}, "0.000 mm, distance");
     const double distance = std::hypot(second[0] - first[0], second[1] - first[1], second[2] - first[2]);
     // A narrow bar leaves out the start of the line.
     (void)m_operator->WaitForText(QString("mm, distance %1 mm").arg(distance, 0, 'f', 3), TextMatch::Part);
