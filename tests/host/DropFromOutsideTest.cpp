@@ -75,11 +75,16 @@ TEST_P(DropFromOutside, DuringAnAlignmentWaitsForItsEnd) {
     m_operator->Start({Scan("back.pcm"), Scan("front.pcm", 10)});
     (void)m_operator->WaitForText("front.pcm");
     (void)m_operator->WaitForStillPicture();
-    m_operator->ClickText("front.pcm");
+    CheckMayMove("front.pcm");
     m_operator->Choose({"Tools", "Align", "Align by hand"});
+    (void)m_operator->WaitForText("Align by hand: the left button", TextMatch::Part);
     DropAt({Scan("late.pcm", 20)}, m_operator->InViewer(0.5, 0.5));
     (void)m_operator->WaitForStillPicture();  // an import would have ended
     EXPECT_FALSE(m_operator->Shows("late.pcm"));
+    // The other program has the keyboard: a click on the title returns it.
+    const ScreenArea frame = m_operator->MainWindow().frame;
+    Screen().Click({frame.x + frame.width / 2, frame.y + 8 * m_operator->Scale()});
+    (void)m_operator->WaitForWindow("scenepane");
     Screen().Key("Escape");
     m_operator->WaitForText("late.pcm");
 }
