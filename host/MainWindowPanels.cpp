@@ -49,6 +49,9 @@ QDockWidget* MainWindow::AddDock(const QString& title, const QString& name, QWid
     dock->setObjectName(name);
     dock->setWidget(widget);
     addDockWidget(area, dock);
+    connect(dock->toggleViewAction(), &QAction::triggered, dock, [dock](bool on) {
+        if (on) dock->raise();  // in front of the panes that share its place
+    });
     return dock;
 }
 

@@ -48,8 +48,9 @@ ObjectList::ObjectList(QWidget* parent) : QTreeWidget(parent) {
     header()->setSortIndicator(kUnsorted, Qt::AscendingOrder);  // shown in SortBy(): it has space in each column
     connect(header(), &QHeaderView::sectionClicked, this, &ObjectList::OnHeadClicked);
     connect(header(), &QHeaderView::sectionResized, this, [this](int column) {
+        // Queued: the header resizes one column after the other, and would undo a change meanwhile.
         if (column != kName)
-            FitNameColumn();
+            QMetaObject::invokeMethod(this, &ObjectList::FitNameColumn, Qt::QueuedConnection);
         else if (!m_bInFit)
             m_bFitsNames = false;
     });

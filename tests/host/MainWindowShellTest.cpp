@@ -64,6 +64,15 @@ TEST_F(MainWindowShell, NamesOfPanesThatShareAPlaceAreWhole) {
     EXPECT_GT(bars, 0);
 }
 
+TEST_F(MainWindowShell, APaneThatItsMenuOpensIsInFrontOfThoseAtItsPlace) {
+    Show();
+    for (const char* const name : {"alignment", "transform", "events"}) {
+        Dock(name).toggleViewAction()->trigger();
+        EXPECT_TRUE(WaitUntil([&] { return !Dock(name).visibleRegion().isEmpty(); })) << name;
+    }
+    EXPECT_TRUE(Dock("transform").visibleRegion().isEmpty());
+}
+
 TEST_F(MainWindowShell, TheFirstStartShowsNeitherMessagesNorEvents) {
     Show();
     EXPECT_TRUE(Dock("messages").isHidden());
