@@ -147,8 +147,19 @@ void Operator::AnswerFileDialog(const std::string& title, const std::string& pat
     (void)WaitForWindow(title);
     m_desktop.Key("ctrl+a");
     m_desktop.Type(path);
+    using Clock = std::chrono::steady_clock;
     m_desktop.Key("Return");
-    WaitForNoWindow(title);
+    auto pressed = Clock::now();
+    WaitFor("the end of the window \"" + title + "\"", [&] {
+        const auto window = m_desktop.FindWindow(title);
+        if (!window) return true;
+        // A list of completions that opened meanwhile uses the key.
+        if (Clock::now() - pressed > std::chrono::seconds(2) && m_desktop.HasKeyboard(*window)) {
+            m_desktop.Key("Return");
+            pressed = Clock::now();
+        }
+        return false;
+    });
 }
 
 int Operator::ObjectPixels() const {
