@@ -14,7 +14,6 @@
 #include "TransformFile.h"
 #include "TransformPanel.h"
 #include "host/CutSaveFixture.h"
-#include "host/PlacedScan.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 // Small scan files for the tests of the host: flat grids with a distance of one scene unit between points, and damaged
 // ones.
 #pragma once
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -58,19 +59,25 @@ inline void WriteXdt(const std::string& path, int columns, int rows, float heigh
 
 /// @param height      of every point, scene units
 /// @param confidence  of every pixel
-inline void WritePcm(const std::string& path, int columns, int rows, float height = 0.0f, float confidence = 1.0f) {
+/// @param pose        of the sensor: the rows of a matrix, scene units
+inline void WritePcm(const std::string& path, int columns, int rows, float height = 0.0f, float confidence = 1.0f,
+                     std::array<float, 16> pose = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}) {
     const std::vector<float> points = FlatGrid(columns, rows, height, 1000.0f);
     const std::vector<float> confidences(points.size() / 3, confidence);
     const std::vector<std::uint8_t> classes(points.size() / 3, 0);
-    const float trafo[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    for (const std::size_t i : {3u, 7u, 11u}) pose[i] *= 1000.0f;
     MsrStorage::PcmView view;
     view.m_iWidth = columns;
     view.m_iHeight = rows;
     view.m_pPoints = points.data();
     view.m_pConfidence = confidences.data();
     view.m_pClassification = classes.data();
-    view.m_pTrafo = trafo;
+    view.m_pTrafo = pose.data();
     MsrStorage::WritePcmFile(path, view);
+}
+
+inline void WritePlacedPcm(const std::string& path, int columns, int rows, const std::array<float, 16>& pose) {
+    WritePcm(path, columns, rows, 0.0f, 1.0f, pose);
 }
 
 struct DamagedPcm {

@@ -11,7 +11,6 @@
 
 #include "host/MeshFiles.h"
 #include "host/OperatorFixture.h"
-#include "host/PlacedScan.h"
 
 namespace {
 
