@@ -132,6 +132,7 @@ TEST_F(MainWindowCutFailures, KeepsTheMarkOfACutThatAnUndoRestoresAndNoFileHas) 
 }
 
 TEST_F(MainWindowCutFailures, NamesWhatFailedBeforeInTheSummaryOfOtherFiles) {
+    OpenMessages();
     CutFront();
     TakeFrontAway();
     (void)SaveWithSummary();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QDockWidget>
 #include <QWindow>
 #include <array>
 #include <memory>
@@ -70,6 +71,13 @@ protected:
         KV_ScenePane::Picture picture;
         if (!m_window->Pane()->CapturePicture(&picture)) throw std::runtime_error("the viewer draws no frame");
         return picture;
+    }
+    /// For tests of failures, which open the messages: the viewer has its later size from the start.
+    void OpenMessages() const {
+        const std::int32_t height = DrawFrame().height;
+        Find<QDockWidget>("messages").show();
+        if (!WaitUntil([&] { return DrawFrame().height < height; }))
+            throw std::runtime_error("the messages have no space");
     }
     /// The colour in the middle of a frame that is drawn now, 0xRRGGBB.
     [[nodiscard]] std::uint32_t MiddlePixel() const {

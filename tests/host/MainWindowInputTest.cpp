@@ -107,7 +107,9 @@ TEST_F(MainWindowInput, RunsShortcutsWhileTheViewerHasTheKeyboard) {
 TEST_F(MainWindowInput, GivesTheKeyboardBackToAFieldThatIsClicked) {
     Xdotool("mousemove " + At(Middle()) + " click 1");
     WaitForViewerFocus();
+    Find<QDockWidget>("decorations").raise();
     auto* const field = m_window->findChild<QSpinBox*>("arrowAngleNumber");
+    ASSERT_TRUE(WaitUntil([&] { return !field->visibleRegion().isEmpty(); }));
     field->selectAll();
     Xdotool("mousemove " + At(field->mapToGlobal(QPoint(12, field->height() / 2))) + " click 1");
     EXPECT_TRUE(WaitUntil([&] { return field->hasFocus() && m_window->isActiveWindow(); }));

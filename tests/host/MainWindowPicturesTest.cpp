@@ -249,6 +249,7 @@ TEST_F(MainWindowPictures, ReportAFileThatCannotBeWritten) {
 }
 
 TEST_F(MainWindowPictures, ReportASizeThatIsTooLargeAndDrawNothing) {
+    OpenMessages();
     const auto before = DrawFrame();
     EXPECT_FALSE(m_window->Pictures().SavePicture(m_folder / "a.png", {{40000, 10}}));
     EXPECT_NE(Messages().find("a.png: not written: a side is longer than the "), std::string::npos) << Messages();
@@ -259,6 +260,7 @@ TEST_F(MainWindowPictures, ReportASizeThatIsTooLargeAndDrawNothing) {
 
 #ifndef __SANITIZE_ADDRESS__
 TEST_F(MainWindowPictures, ReportExhaustedMemoryAndLeaveTheWindowAsBefore) {
+    OpenMessages();
     const auto before = DrawFrame();
     bool saved = true;
     g_refusedBytes = 1200 * 1000 * 4;  // the pixels of the picture
