@@ -379,7 +379,7 @@ void ObjectList::resizeEvent(QResizeEvent* event) {
 
 void ObjectList::FitNameColumn() {
     if (!m_bFitsNames || m_bInFit) return;
-    constexpr int kLetters = 20, kLeastLetters = 12;  // of a name
+    constexpr int kLetters = 20, kLeastLetters = 16;  // of a name
     // A check mark and a text have a margin at both sides.
     const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
     const int beside = style()->pixelMetric(QStyle::PM_IndicatorWidth) + 4 * margin;
