@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds everything and runs all tests. Needs no display.
-#   ./test.sh [PRESET] [ctest options...]      PRESET: release (the default), debug, asan, tsan, coverage
+#   ./test.sh [PRESET] [ctest options...]      PRESET: release (the default), debug, asan, asan-viewer, tsan, coverage
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/scripts/setup.sh"
 
@@ -10,9 +10,9 @@ if (($# > 0)) && [[ "$1" != -* ]]; then
     shift
 fi
 case "$preset" in
-    release | debug | asan | tsan | coverage) ;;
+    release | debug | asan | asan-viewer | tsan | coverage) ;;
     *)
-        complain "there is no preset '$preset' to test: release, debug, asan, tsan, coverage"
+        complain "there is no preset '$preset' to test: release, debug, asan, asan-viewer, tsan, coverage"
         exit 2
         ;;
 esac
