@@ -25,7 +25,7 @@ QString ImportStatus(std::span<const std::string> files, std::span<const ImportR
         ++added;
         if (!results[i].text.empty()) noted.push_back(i);
     }
-    const QString opened = ImportStatus::tr("%1 of %2 files opened").arg(added).arg(results.size());
+    QString opened = ImportStatus::tr("%1 of %2 files opened").arg(added).arg(results.size());
     if (noted.empty()) return opened;
     const std::string& text = results[noted.front()].text;
     if (noted.size() == 1)
