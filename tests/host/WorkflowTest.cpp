@@ -58,6 +58,7 @@ TEST_P(Workflow, ACutIsTakenBackSavedAndThereWhenTheFileIsOpenedAgain) {
     (void)m_operator->WaitForWindow("Save cuts");
     Screen().Key("Return");  // the button that is preset: Save
     m_operator->WaitForNoWindow("Save cuts");
+    (void)m_operator->WaitForWindow("scenepane");  // it has the keyboard again
     Screen().Key("ctrl+q");
     EXPECT_EQ(m_operator->Program().WaitForEnd(), 0);
     m_operator->Start({File("flat.pcm")});
