@@ -25,7 +25,6 @@
 #include "ObjectColors.h"
 #include "ObjectCommands.h"
 #include "ObjectList.h"
-#include "PaintBlock.h"
 #include "PngFile.h"
 #include "PropertyDialog.h"
 #include "ResidualPanel.h"
@@ -136,13 +135,10 @@ void MainWindow::MakeCentre() {
 
 void MainWindow::OnViewerReady() {
     if (Pane() == nullptr) return;
-    {
-        const PaintBlock block(Pane()->Methods());  // until all is set
-        PassViewerToPanels();
-        // The viewer has its start values: what was chosen before is applied now.
-        ShowView(m_options.view);
-        ShowShadows(m_options.shadows);
-    }
+    PassViewerToPanels();
+    // The viewer has its start values: what was chosen before is applied now.
+    ShowView(m_options.view);
+    ShowShadows(m_options.shadows);
     EnableActions();
     OpenWaitingFiles();
     OpenMarkersOfOptions();
