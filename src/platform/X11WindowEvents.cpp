@@ -224,8 +224,10 @@ bool X11Window::HasFocus() {
 void X11Window::RequestFocus() {
     const RequestScope scope(*this);
     const X11Connection::ErrorTrap trap(*m_pConnection);
+    const bool wereSelected = m_bSelectsKeys;
+    SelectKeyEvents(true);  // before the focus changes: a key that comes in between would be lost
     XSetInputFocus(m_pConnection->Get(), m_nWindow, RevertToParent, CurrentTime);
-    if (trap.Succeeded()) SelectKeyEvents(true);
+    if (!trap.Succeeded()) SelectKeyEvents(wereSelected);
 }
 
 void X11Window::HandleFocusChange(const _XEvent& event) {

@@ -1,4 +1,7 @@
 // A window of an X server under a keyboard: which window has the focus, and what the keys become.
+#include <algorithm>
+#include <thread>
+
 #include "platform/X11WindowInput.h"
 
 // After the others, whose names their macros would replace.
@@ -44,6 +47,31 @@ TEST_F(X11WindowInputTest, KeysGoToTheFocusedHostWhileThePointerIsOverThePane) {
     user.Type(XK_a);
     EXPECT_EQ(KeyInputs(), Keys{}) << "also once the host has set the focus back";
     EXPECT_TRUE(hostGotKey());
+}
+
+TEST_F(X11WindowInputTest, NoKeyIsLostWhileAPressRequestsTheFocus) {
+    XSelectInput(host.Display(), host.Id(), KeyPressMask);
+    user.MoveTo(50, 50);
+    (void)MouseInputs();
+    int typed = 0;
+    std::jthread typist([&](const std::stop_token& stop) {
+        Display* const display = XOpenDisplay(server.Name().c_str());
+        for (XTestUser other(display); !stop.stop_requested(); ++typed) other.Type(XK_a);
+        XCloseDisplay(display);
+    });
+    for (int i = 0; i < 200; ++i) {
+        XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
+        user.Click(kMiddle);
+        ASSERT_TRUE(ProcessEventsUntil(window, [&] { return FocusedWindow() == window.NativeHandle(); }));
+    }
+    typist.request_stop();
+    typist.join();
+    const auto toPane = std::ranges::count_if(KeyInputs(), &KeyInput::isDown);
+    int toHost = 0;
+    for (XEvent event{}; XCheckTypedEvent(host.Display(), KeyPress, &event) == True;) ++toHost;
+    EXPECT_EQ(toPane + toHost, typed);
+    EXPECT_GT(toPane, 0);
+    EXPECT_GT(toHost, 0);
 }
 
 TEST_F(X11WindowInputTest, FocusSetByTheHostBringsKeysAsAClickDoes) {
