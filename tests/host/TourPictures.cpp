@@ -46,19 +46,6 @@ struct TourPicture {
     std::map<std::string, std::string> environment;
 };
 
-// Of the corner of the viewer, where no object is. The program has the keyboard there.
-void ClickViewer(const Operator& user) { user.Screen().Click(user.InViewer(0.02, 0.97)); }
-
-void DrawLasso(Operator& user) {
-    user.Screen().Key("i");
-    (void)user.WaitForText("click to add, right click to cut, Esc to cancel", TextMatch::Part);
-    for (const auto& [x, y] :
-         {std::pair(0.4, 0.35), std::pair(0.6, 0.35), std::pair(0.65, 0.45), std::pair(0.5, 0.6)}) {
-        user.Screen().Click(user.InViewer(x, y));
-        (void)user.WaitForStillPicture();  // the corner is drawn
-    }
-}
-
 bool IsSameButForCursor(const ScreenShown& a, const ScreenShown& b) {
     int different = 0;
     for (std::size_t i = 0; i < a.pixels.size(); ++i) different += a.pixels[i] != b.pixels[i] ? 1 : 0;
@@ -85,6 +72,23 @@ ScreenShown WaitForStillScreen(const Operator& user) {
     return first;
 }
 
+/// Into the corner of the viewer, where no object is: it deselects, and the viewer gets the keyboard. A key that came
+/// at once would go to the window, which may handle it before the viewer handles the click.
+void ClickViewer(const Operator& user) {
+    user.Screen().Click(user.InViewer(0.02, 0.97));
+    (void)WaitForStillScreen(user);
+}
+
+void DrawLasso(Operator& user) {
+    user.Screen().Key("i");
+    (void)user.WaitForText("click to add, right click to cut, Esc to cancel", TextMatch::Part);
+    for (const auto& [x, y] :
+         {std::pair(0.4, 0.35), std::pair(0.6, 0.35), std::pair(0.65, 0.45), std::pair(0.5, 0.6)}) {
+        user.Screen().Click(user.InViewer(x, y));
+        (void)user.WaitForStillPicture();  // the corner is drawn
+    }
+}
+
 void PickTwoPoints(Operator& user) {
     user.Choose({"Tools", "Picking", "Points on objects"});
     (void)WaitForStillScreen(user);  // the menu is gone
@@ -100,7 +104,6 @@ void PickForAlignment(Operator& user) {
     user.Screen().Click(user.WaitForText("bust_002.pcm").Middle(), 3);
     user.ClickText("Only the selected may move");
     (void)WaitForStillScreen(user);  // the menu is gone
-    ClickViewer(user);
     user.Screen().Key("a");
     (void)user.WaitForText("Align by points: click points on what will move", TextMatch::Part);
     user.Screen().Click(user.InViewer(0.58, 0.4));
