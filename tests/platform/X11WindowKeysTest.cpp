@@ -196,6 +196,10 @@ TEST_F(X11WindowInputTest, PressIsReportedWhenTheServerRefusesTheFocus) {
     XSync(host.Display(), False);
     EXPECT_EQ(MouseInputs().size(), 2u);
     EXPECT_TRUE(window.Exists());
+    XMapWindow(host.Display(), window.NativeHandle());
+    XSetInputFocus(host.Display(), host.Id(), RevertToParent, CurrentTime);
+    user.Type(XK_a);
+    EXPECT_EQ(KeyInputs(), Keys{}) << "keys for the host, which has the focus, while the pointer is over the pane";
 }
 
 TEST_F(X11WindowInputTest, RecreatedWindowKeepsTheFocusThatItHad) {
