@@ -1,4 +1,4 @@
-// Replaces a file as a whole or not at all: write beside the target, flush, rename.
+// Replaces a file as a whole or not at all: write a nameless file, or one beside the target, flush, rename.
 #pragma once
 #include <sys/types.h>
 
@@ -17,6 +17,8 @@ public:
     virtual ssize_t WriteAt(int fd, const void* bytes, std::size_t size, off_t offset);
     virtual int ChangeMode(int fd, mode_t mode);
     virtual int Sync(int fd);
+    /// Gives an open file without a name this one, by linkat().
+    virtual int Link(int fd, const char* path);
     virtual int Close(int fd);
     virtual int Rename(const char* from, const char* to);
     virtual int Unlink(const char* path);
@@ -26,7 +28,10 @@ public:
 };
 
 /// A temporary file in the target's folder that replaces the target in Commit(). Until then the target is unchanged,
-/// and without a Commit() the destructor removes the temporary file.
+/// and without a Commit() nothing remains of the temporary file.
+/// It has no name before Commit() where the file system can make such files, so that nothing remains when the process
+/// is killed either. Elsewhere a killed process leaves a file named .kv-*.tmp, unless it calls
+/// RemoveOpenTemporaryFiles() before its end; the next AtomicFile for the same target removes it.
 /// A symbolic link is followed: the file that it points to is replaced. An existing file keeps its mode, and where the
 /// process may set it its owner; other hard links to it keep the old content.
 /// Not for two threads at once. All members throw std::system_error: code() is the system's error number, what() the
@@ -48,13 +53,16 @@ public:
     void Commit();
 
 private:
-    void OpenBesideTarget(mode_t mode);
+    void OpenNameless(mode_t mode);
+    void OpenNamed(mode_t mode);
+    void KeepOwnerAndMode(uid_t user, gid_t group, mode_t mode);
+    void GiveName();
+    void CopyToNamedFile();
     void Discard() noexcept;
 
     FileCalls& m_calls;
     std::string m_sTarget;  ///< links followed
-    std::string m_sFolder;
-    std::string m_sTemp;  ///< path of the temporary file; empty when none exists
+    std::string m_sTemp;    ///< path of the temporary file; empty when none exists or it has no name
     int m_iFd = -1;
     int m_iFolderFd = -1;
 };

@@ -124,10 +124,11 @@ protected:
     }
     /// Kills the process at each call in turn, in the given way; the tests do so more than a thousand times.
     /// @return the number of kills
-    std::int64_t KillAtEveryCall(FileFaults::Kind kind) {
+    std::int64_t KillAtEveryCall(FileFaults::Kind kind, bool hasNameless = true) {
         for (std::int64_t call = 1;; ++call) {
             FileFaults faults;
             faults.kind = kind;
+            faults.hasNoNameless = !hasNameless;
             faults.call = call;
             const int status = Save(faults);
             ExpectWholeFiles(call);
@@ -140,6 +141,7 @@ protected:
             if (call % 10 == 0) {  // the next run works, whatever the killed one left
                 EXPECT_EQ(Save({}), 0);
                 ExpectNewFiles();
+                EXPECT_EQ(folder.FileCount(), paths.size()) << "what the killed run left remains";
             }
             RestoreFiles();
         }
@@ -166,6 +168,11 @@ TEST_F(SaveKilled, LeavesWholeFilesWhenItDiesBeforeEveryCall) {
 TEST_F(SaveKilled, LeavesWholeFilesWhenItDiesInTheMiddleOfEveryWrite) {
     MakeScene(20, 1);
     EXPECT_GE(KillAtEveryCall(FileFaults::KillHalf), 240);
+}
+
+TEST_F(SaveKilled, LeavesWholeFilesWhereTheFileSystemMakesNoFilesWithoutAName) {
+    MakeScene(6, 1);
+    EXPECT_GE(KillAtEveryCall(FileFaults::KillHalf, false), 60);
 }
 
 TEST_F(SaveKilled, LeavesWholeFilesWhenItDiesAfterEveryCall) {

@@ -88,7 +88,12 @@ ssize_t Write(int fd, const void* bytes, size_t size, off_t offset) {
 
 int Open(const char* path, int flags, mode_t mode) {
     static auto* const real = Next<int(const char*, int, ...)>("open");
-    if ((flags & O_CREAT) == 0) return real(path, flags, mode);
+    const bool isNameless = (flags & O_TMPFILE) == O_TMPFILE;
+    if (isNameless && g_faults.hasNoNameless) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    if ((flags & O_CREAT) == 0 && !isNameless) return real(path, flags, mode);
     return Make([&] { return real(path, flags, mode); });
 }
 
@@ -98,6 +103,7 @@ const bool g_bEnvironmentRead = [] {
     const char* const kind = std::getenv("KV_FILE_FAULT_KIND");
     if (call == nullptr || kind == nullptr) return false;
     g_faults.call = std::atoll(call);
+    g_faults.hasNoNameless = std::getenv("KV_FILE_FAULT_NAMED") != nullptr;
     const std::string_view name = kind;
     g_faults.kind = name == "half"    ? FileFaults::KillHalf
                     : name == "after" ? FileFaults::KillAfter
@@ -121,7 +127,8 @@ std::int64_t KvFileCalls() { return g_calls; }
 int open(const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
-    const auto mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
+    const auto mode =
+        (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
     va_end(arguments);
     return Open(path, flags, mode);
 }
@@ -129,7 +136,8 @@ int open(const char* path, int flags, ...) {
 int open64(const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
-    const auto mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
+    const auto mode =
+        (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
     va_end(arguments);
     return Open(path, flags, mode);
 }
@@ -145,6 +153,11 @@ int fchmod(int fd, mode_t mode) noexcept {
 int fsync(int fd) {
     static auto* const real = Next<int(int)>("fsync");
     return Make([&] { return g_faults.skipsSync ? 0 : real(fd); });
+}
+
+int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
+    static auto* const real = Next<int(int, const char*, int, const char*, int)>("linkat");
+    return Make([&] { return real(fromFolder, from, toFolder, to, flags); });
 }
 
 int rename(const char* from, const char* to) noexcept {

@@ -1,7 +1,9 @@
 // A temporary folder that is deleted with the test, and whole files in one call.
 #pragma once
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -28,6 +30,12 @@ public:
     [[nodiscard]] std::string operator/(const std::string& name) const { return (m_path / name).string(); }
     [[nodiscard]] std::size_t FileCount() const {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(m_path), {}));
+    }
+    /// Whether its file system makes files without a name.
+    [[nodiscard]] bool HasNamelessFiles() const {
+        const int fd = ::open(m_path.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+        if (fd >= 0) ::close(fd);
+        return fd >= 0;
     }
 
 private:
