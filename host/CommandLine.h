@@ -110,5 +110,9 @@ struct UsageError {
 
 /// The text of --help, ends with a line feed.
 [[nodiscard]] std::string HelpText();
+/// The man page, docs/scenepane.1.
+[[nodiscard]] std::string ManPage();
+/// The completion for bash, docs/completions/scenepane.
+[[nodiscard]] std::string BashCompletion();
 /// The text of --version, ends with a line feed.
 [[nodiscard]] std::string VersionText();

@@ -1,129 +1,77 @@
-// The texts of --help and --version.
+// The texts of --help, --version, the man page and the completion of the shell.
+#include <utility>
+
 #include "CommandLine.h"
 #include "FileTypes.h"
+#include "OptionTable.h"
 #include "ProgramName.h"
+#include "options/ProgramManual.h"
 
-std::string HelpText() {
-    const std::string scans = ExtensionList(IsImportedScan, "and"), meshes = ExtensionList(IsImportedMesh, "and");
-    const std::string written = ExtensionList(IsExported, "or");
-    return "Usage: scenepane [options] FILE...\n"
-           "       scenepane --screenshot OUT.png [options] FILE...\n"
-           "       scenepane --capture OUT.png [options] FILE...\n"
-           "       scenepane --pick X,Y [--json] [options] FILE...\n"
-           "       scenepane --info [--json] [options] FILE...\n"
-           "       scenepane --convert [options] IN OUT\n"
-           "       scenepane --cut MODE:X,Y;X,Y;... [options]\n"
-           "                 [--save-cuts | --export OUT | --screenshot OUT.png | --info [--json]] FILE...\n"
-           "       scenepane --align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
-           "                 --moving FILE... --fixed FILE...\n"
-           "Shows optical scans (" +
-           scans + " files) and meshes (" + meshes +
-           " files) in a window,\n"
-           "as a picture, or as numbers.\n"
-           "\n"
-           "Without a display:\n"
-           "  --screenshot OUT.png  render the scene, fitted to the picture, into a PNG file\n"
-           "  --capture OUT.png     render the whole scene at 2048x2048, smooth shaded, whatever the window's\n"
-           "                        size; --size, --draw-mode and --shadows have no meaning with it\n"
-           "  --pick X,Y            print the surface point under a pixel of the picture that --screenshot takes, y\n"
-           "                        downward: object, triangle, point and distance; may be repeated\n"
-           "  --info                print what each file holds; without --cut needs no OpenGL either\n"
-           "  --json                with --info, --pick and --align: print one JSON object\n"
-           "  --convert IN OUT      write what IN holds, a scan or a mesh, as the " +
-           written +
-           " file OUT; needs no\n"
-           "                        OpenGL either\n"
-           "\n"
-           "Imports of scans:\n"
-           "  --skip N              thin the grid: one point for N x N, 1 to 32767 (1)\n"
-           "  --confidence F        leave out points of a lower confidence (0)\n"
-           "  --color RRGGBB        colour of scans and free points that have none of their own (DCD4C8)\n"
-           "\n"
-           "Places of the files:\n"
-           "  --transforms FILE     place the files as a JSON file says, before anything else is done with them: as\n"
-           "                        --save-transforms, the window and simulate-scans write it. Each transform "
-           "replaces\n"
-           "                        that of the file; files without an entry are named and stay where they are.\n"
-           "                        --save-cuts writes nothing when a file was moved\n"
-           "\n"
-           "Markers, in the window and in the file; each may be repeated:\n"
-           "  --points FILE         free points; --capture fits them into the picture, but draws none\n"
-           "  --lines FILE          3D lines\n"
-           "  --needles FILE        needles that the window has saved\n"
-           "\n"
-           "Pictures, in the window and in the file; --size, --view and --zoom also for --pick and --cut:\n"
-           "  --size WxH            size in pixels (1024x768)\n"
-           "  --view 0..7           0 from +Y, 1 from -Y, 2 from +X, 3 from -X, 6 oblique: Z up;\n"
-           "                        4 from +Z, 7 from -Z: Y up; 5 from -Z: Y down (4)\n"
-           "  --draw-mode 0..7      0 points, 1 wireframe, 2 flat, 3 smooth, 4 boxes, 5 per pixel, 6 nothing,\n"
-           "                        7 shadow map (3; in the window the one that was used last)\n"
-           "  --zoom Z              magnification, 0.1 to 10: 2 shows half as much (1)\n"
-           "  --shadows             cast shadows (draw modes 5 and 6 show no object then)\n"
-           "\n"
-           "Clipping of objects, with --screenshot, --save-cuts and --cut; free points, lines and needles are shown\n"
-           "whole:\n"
-           "  --clip CX,CY,CZ,NX,NY,NZ\n"
-           "                        cut off what lies on the side away from the normal N of the plane through the\n"
-           "                        point C, in the units and axes of --info; the plane itself is not drawn\n"
-           "  --clip-auto           the same by a horizontal plane at a height that is estimated from all files: what "
-           "is\n"
-           "                        above it is shown; with --info print the plane and the rule that gave its height\n"
-           "\n"
-           "Cuts of objects, with --screenshot, --info, --save-cuts and --export:\n"
-           "  --cut 'MODE:X,Y;X,Y;...'\n"
-           "                        cut by a lasso in the picture that --screenshot takes; X and Y are fractions of "
-           "its\n"
-           "                        width and height, Y downward. The mode is inside or outside for what is removed, "
-           "or\n"
-           "                        visible for what is seen inside; freehand-inside, freehand-outside and\n"
-           "                        freehand-visible also count the lines of the lasso as inside. A polygon reaches "
-           "as\n"
-           "                        far as its corners in the picture: keep them below 1. May be repeated: the lassos\n"
-           "                        cut one after the other. Quote the argument: a shell ends a command at ';'\n"
-           "  --save-cuts           write the lassos, and the plane of --clip or --clip-auto, into the pcm files that\n"
-           "                        were read, and print a line about each file. What is removed is marked as removed\n"
-           "                        in the file; so is what --confidence leaves out. A file cannot be restored from\n"
-           "                        itself\n"
-           "  --export OUT          write what the lassos leave of the one file as the " +
-           written +
-           " file OUT\n"
-           "\n"
-           "Alignment of files, without a window and without OpenGL:\n"
-           "  --align PAIRS.txt     print the rigid transform that moves points of the moving files onto points of "
-           "the\n"
-           "                        fixed ones, and the residual of each pair. A pair is a line of six numbers: "
-           "moving\n"
-           "                        point, fixed point, in the units and axes of --info. A single pair needs twelve:\n"
-           "                        moving point, its normal, fixed point, its normal. '#' begins a comment. A warning "
-           "is\n"
-           "                        printed for points on one line, as two pairs are: the turn about it is arbitrary\n"
-           "  --moving FILE...      the files that move: all names up to the next option\n"
-           "  --fixed FILE...       the files that stay, likewise\n"
-           "  --save-transforms OUT.json\n"
-           "                        write where all these files are after the alignment; entries of --transforms for\n"
-           "                        other files are kept. For a picture, a conversion or the window, apply OUT.json\n"
-           "                        there\n"
-           "\n"
-           "In the window:\n"
-           "  --reset-settings      forget what the window remembers: its place and panes, colours, mouse buttons,\n"
-           "                        import settings, recent files and all else that was chosen in it\n"
-           "\n"
-           "Without a window:\n"
-           "  --gpu N|software      draw with graphics device N, from 0 in the order of EGL, or with the processor; "
-           "else\n"
-           "                        with the first device that can, and with the processor where none can\n"
-           "\n"
-           "  --help                print this text\n"
-           "  --version             print the version\n"
-           "  --version --verbose   print the version, and the device, driver and OpenGL version that draw without a\n"
-           "                        window\n"
-           "  --                    what follows are file names\n"
-           "\n"
-           "Exit status: 0 when every file added what it holds and all that was asked for was written, 1 when not, or\n"
-           "when no --pick hit a surface, --clip-auto found no height, no --cut changed an object (nothing is saved "
-           "or\n"
-           "exported then), --save-cuts wrote no file, --align found no transform or --transforms has none for any of\n"
-           "the files (nothing is printed or written then), 2 for wrong usage.\n";
+namespace {
+
+using ProgramOptions::Group;
+using ProgramOptions::Manual;
+
+constexpr std::pair<OptionGroup, const char*> kTitles[] = {
+    {OptionGroup::Results, "Without a display"},
+    {OptionGroup::Imports, "Imports of scans"},
+    {OptionGroup::Places, "Places of the files"},
+    {OptionGroup::Markers, "Markers, in the window and in the file; each may be repeated"},
+    {OptionGroup::Pictures,
+     "Pictures, in the window and in the file; --size, --view and --zoom also for --pick and --cut"},
+    {OptionGroup::Clipping,
+     "Clipping of objects, with --screenshot, --save-cuts and --cut; free points, lines and needles are shown whole"},
+    {OptionGroup::Cuts, "Cuts of objects, with --screenshot, --info, --save-cuts and --export"},
+    {OptionGroup::Alignment, "Alignment of files, without a window and without OpenGL"},
+    {OptionGroup::Window, "In the window"},
+    {OptionGroup::Drawing, "Without a window"},
+    {OptionGroup::General, ""},
+};
+
+/// No option: it ends them.
+constexpr ProgramOptions::Row kEnd = {.name = "--", .help = "what follows are file names"};
+
+Manual ManualOf() {
+    Manual manual{
+        .program = kProgramName,
+        .version = kProgramVersion,
+        .summary = "show optical scans and meshes in a window, as a picture, or as numbers",
+        .usage = {"[options] FILE...", "--screenshot OUT.png [options] FILE...", "--capture OUT.png [options] FILE...",
+                  "--pick X,Y [--json] [options] FILE...", "--info [--json] [options] FILE...",
+                  "--convert [options] IN OUT",
+                  "--cut MODE:X,Y;X,Y;... [options]\n"
+                  "[--save-cuts | --export OUT | --screenshot OUT.png | --info [--json]] FILE...",
+                  "--align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
+                  "--moving FILE... --fixed FILE..."},
+        .description =
+            "Shows optical scans ({scans} files) and meshes ({meshes} files) in a window, as a picture, or "
+            "as numbers.",
+        .groups = {},
+        .sections = {{"Exit status",
+                      "0 when every file added what it holds and all that was asked for was written, 1 when not, or "
+                      "when no --pick hit a surface, --clip-auto found no height, no --cut changed an object (nothing "
+                      "is saved or exported then), --save-cuts wrote no file, --align found no transform or "
+                      "--transforms has none for any of the files (nothing is printed or written then), 2 for wrong "
+                      "usage."}},
+        .replacements = {{"{scans}", ExtensionList(IsImportedScan, "and")},
+                         {"{meshes}", ExtensionList(IsImportedMesh, "and")},
+                         {"{written}", ExtensionList(IsExported, "or")}}};
+    for (const auto& [id, title] : kTitles) {
+        Group group{title, {}};
+        for (const Option& option : OptionTable())
+            if (option.group == id) group.rows.push_back(&option.row);
+        manual.groups.push_back(std::move(group));
+    }
+    manual.groups.back().rows.push_back(&kEnd);
+    return manual;
 }
+
+}  // namespace
+
+std::string HelpText() { return ProgramOptions::HelpText(ManualOf()); }
+
+std::string ManPage() { return ProgramOptions::ManPage(ManualOf()); }
+
+std::string BashCompletion() { return ProgramOptions::BashCompletion(ManualOf()); }
 
 std::string VersionText() { return std::string(kProgramName) + ' ' + kProgramVersion + '\n'; }

@@ -124,7 +124,10 @@ TEST(CommandLine, ReadsOptionsAfterFiles) {
 
 TEST(CommandLine, IgnoresTheRestAfterHelpOrVersion) {
     EXPECT_EQ(Parsed({"--help"}).action, HostAction::Help);
+    EXPECT_EQ(Parsed({"-h", "--zoom", "99"}).action, HostAction::Help);
     EXPECT_EQ(Parsed({"--version", "--unknown"}).action, HostAction::Version);
+    EXPECT_EQ(Parsed({"-V"}).action, HostAction::Version);
+    EXPECT_EQ(UsageErrorOf({"--zoom", "99", "--help"}), "--zoom takes a number from 0.1 to 10, not \"99\"");
     EXPECT_EQ(VersionText(), "scenepane 5.5.0\n");
 }
 

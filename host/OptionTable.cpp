@@ -1,0 +1,278 @@
+#include "OptionTable.h"
+
+#include "OptionValues.h"
+
+namespace {
+
+using ProgramOptions::Completion;
+
+/// The name of a file; the last one counts.
+template <std::string HostOptions::*file>
+bool ReadFileName(std::string_view text, HostOptions& options) {
+    options.*file = text;
+    return !text.empty();
+}
+
+/// Appends to one of the lists of files.
+template <FileList list>
+bool AddFileName(std::string_view text, HostOptions& options) {
+    if (text.empty()) return false;
+    (options.*list).emplace_back(text);
+    return true;
+}
+
+template <bool HostOptions::*flag>
+bool SetFlag(std::string_view, HostOptions& options) {
+    options.*flag = true;
+    return true;
+}
+
+bool AcceptSwitch(std::string_view, HostOptions&) { return true; }
+
+constexpr std::string_view kFileName = "a file name";
+
+constexpr Option kOptions[] = {
+    {.row = {.name = "--screenshot",
+             .value = "OUT.png",
+             .help = "render the scene, fitted to the picture, into a PNG file",
+             .completion = Completion::Files},
+     .group = OptionGroup::Results,
+     .expected = kFileName,
+     .selects = kScreenshot,
+     .read = ReadFileName<&HostOptions::picturePath>},
+    {.row = {.name = "--capture",
+             .value = "OUT.png",
+             .help = "render the whole scene at 2048x2048, smooth shaded, whatever the window's size; --size, "
+                     "--draw-mode and --shadows have no meaning with it",
+             .completion = Completion::Files},
+     .group = OptionGroup::Results,
+     .expected = kFileName,
+     .selects = kCapture,
+     .read = ReadFileName<&HostOptions::picturePath>},
+    {.row = {.name = "--pick",
+             .value = "X,Y",
+             .help = "print the surface point under a pixel of the picture that --screenshot takes, y downward: "
+                     "object, triangle, point and distance; may be repeated"},
+     .group = OptionGroup::Results,
+     .expected = "X,Y, two whole numbers from 0 to 16383",
+     .selects = kPick,
+     .read = ReadPick},
+    {.row = {.name = "--info", .help = "print what each file holds; without --cut needs no OpenGL either"},
+     .group = OptionGroup::Results,
+     .selects = kInfo,
+     .read = AcceptSwitch},
+    {.row = {.name = "--json", .help = "with --info, --pick and --align: print one JSON object"},
+     .group = OptionGroup::Results,
+     .runs = kInfo | kPick | kAlign,
+     .read = SetFlag<&HostOptions::json>,
+     .goesWith = "--info, --pick and --align"},
+    {.row = {.name = "--convert",
+             .help = "write what IN holds, a scan or a mesh, as the {written} file OUT; needs no OpenGL either",
+             .followedBy = "IN OUT"},
+     .group = OptionGroup::Results,
+     .selects = kConvert,
+     .read = AcceptSwitch},
+
+    {.row = {.name = "--skip", .value = "N", .help = "thin the grid: one point for N x N, 1 to 32767 (1)"},
+     .group = OptionGroup::Imports,
+     .expected = "a whole number from 1 to 32767",
+     .runs = kImports,
+     .read = ReadSkip},
+    {.row = {.name = "--confidence", .value = "F", .help = "leave out points of a lower confidence (0)"},
+     .group = OptionGroup::Imports,
+     .expected = "a number",
+     .runs = kImports,
+     .read = ReadConfidence},
+    {.row = {.name = "--color",
+             .value = "RRGGBB",
+             .help = "colour of scans and free points that have none of their own (DCD4C8)"},
+     .group = OptionGroup::Imports,
+     .expected = "six hexadecimal digits RRGGBB",
+     .runs = kImports,
+     .read = ReadColor},
+
+    {.row = {.name = "--transforms",
+             .value = "FILE",
+             .help = "place the files as a JSON file says, before anything else is done with them: as "
+                     "--save-transforms, the window and simulate-scans write it. Each transform replaces that of the "
+                     "file; files without an entry are named and stay where they are. --save-cuts writes nothing when "
+                     "a file was moved",
+             .completion = Completion::Files},
+     .group = OptionGroup::Places,
+     .expected = kFileName,
+     .runs = kImports,
+     .read = ReadFileName<&HostOptions::transformFile>,
+     .isOnce = true},
+
+    {.row = {.name = "--points",
+             .value = "FILE",
+             .help = "free points; --capture fits them into the picture, but draws none",
+             .completion = Completion::Files},
+     .group = OptionGroup::Markers,
+     .expected = kFileName,
+     .runs = kPictures,
+     .read = AddFileName<&HostOptions::pointFiles>},
+    {.row = {.name = "--lines", .value = "FILE", .help = "3D lines", .completion = Completion::Files},
+     .group = OptionGroup::Markers,
+     .expected = kFileName,
+     .runs = kPictures,
+     .read = AddFileName<&HostOptions::lineFiles>},
+    {.row = {.name = "--needles",
+             .value = "FILE",
+             .help = "needles that the window has saved",
+             .completion = Completion::Files},
+     .group = OptionGroup::Markers,
+     .expected = kFileName,
+     .runs = kPictures,
+     .read = AddFileName<&HostOptions::needleFiles>},
+
+    {.row = {.name = "--size", .value = "WxH", .help = "size in pixels (1024x768)"},
+     .group = OptionGroup::Pictures,
+     .expected = "WIDTHxHEIGHT, each from 1 to 16384",
+     .runs = kWindow | kScreenshot | kPick | kCutting,
+     .read = ReadSize},
+    {.row = {.name = "--view",
+             .value = "0..7",
+             .help = "0 from +Y, 1 from -Y, 2 from +X, 3 from -X, 6 oblique: Z up; 4 from +Z, 7 from -Z: Y up; 5 from "
+                     "-Z: Y down (4)"},
+     .group = OptionGroup::Pictures,
+     .expected = "a whole number from 0 to 7",
+     .runs = kPictures | kPick | kCutting,
+     .read = ReadView},
+    {.row = {.name = "--draw-mode",
+             .value = "0..7",
+             .help = "0 points, 1 wireframe, 2 flat, 3 smooth, 4 boxes, 5 per pixel, 6 nothing, 7 shadow map (3; in "
+                     "the window the one that was used last)"},
+     .group = OptionGroup::Pictures,
+     .expected = "a whole number from 0 to 7",
+     .runs = kWindow | kScreenshot,
+     .read = ReadDrawMode},
+    {.row = {.name = "--zoom", .value = "Z", .help = "magnification, 0.1 to 10: 2 shows half as much (1)"},
+     .group = OptionGroup::Pictures,
+     .expected = "a number from 0.1 to 10",
+     .runs = kPictures | kPick | kCutting,
+     .read = ReadZoom},
+    {.row = {.name = "--shadows", .help = "cast shadows (draw modes 5 and 6 show no object then)"},
+     .group = OptionGroup::Pictures,
+     .runs = kWindow | kScreenshot,
+     .read = SetFlag<&HostOptions::shadows>},
+
+    {.row = {.name = "--clip",
+             .value = "CX,CY,CZ,NX,NY,NZ",
+             .help = "cut off what lies on the side away from the normal N of the plane through the point C, in the "
+                     "units and axes of --info; the plane itself is not drawn"},
+     .group = OptionGroup::Clipping,
+     .expected = "CX,CY,CZ,NX,NY,NZ, six finite numbers with a normal other than 0,0,0",
+     .runs = kScreenshot | kSaveCuts | kCutting,
+     .read = ReadClip,
+     .goesWith = "--screenshot, --save-cuts and --cut"},
+    {.row = {.name = "--clip-auto",
+             .help = "the same by a horizontal plane at a height that is estimated from all files: what is above it "
+                     "is shown; with --info print the plane and the rule that gave its height"},
+     .group = OptionGroup::Clipping,
+     .runs = kScreenshot | kInfo | kSaveCuts | kCutting,
+     .read = SetFlag<&HostOptions::clipAuto>,
+     .goesWith = "--screenshot, --info, --save-cuts and --cut"},
+
+    {.row = {.name = "--cut",
+             .value = "'MODE:X,Y;X,Y;...'",
+             .help = "cut by a lasso in the picture that --screenshot takes; X and Y are fractions of its width and "
+                     "height, Y downward. The mode is inside or outside for what is removed, or visible for what is "
+                     "seen inside; freehand-inside, freehand-outside and freehand-visible also count the lines of the "
+                     "lasso as inside. A polygon reaches as far as its corners in the picture: keep them below 1. May "
+                     "be repeated: the lassos cut one after the other. Quote the argument: a shell ends a command at "
+                     "';'"},
+     .group = OptionGroup::Cuts,
+     .expected = "MODE:X,Y;X,Y;... with the mode inside, outside, visible, freehand-inside, freehand-outside or "
+                 "freehand-visible",
+     .runs = kScreenshot | kInfo | kSaveCuts | kExport,
+     .read = ReadCut,
+     .goesWith = "--screenshot, --info, --save-cuts and --export",
+     .explain = CutError},
+    {.row = {.name = "--save-cuts",
+             .help = "write the lassos, and the plane of --clip or --clip-auto, into the pcm files that were read, "
+                     "and print a line about each file. What is removed is marked as removed in the file; so is what "
+                     "--confidence leaves out. A file cannot be restored from itself"},
+     .group = OptionGroup::Cuts,
+     .selects = kSaveCuts,
+     .read = AcceptSwitch},
+    {.row = {.name = "--export",
+             .value = "OUT",
+             .help = "write what the lassos leave of the one file as the {written} file OUT",
+             .completion = Completion::Files},
+     .group = OptionGroup::Cuts,
+     .expected = kFileName,
+     .selects = kExport,
+     .read = ReadFileName<&HostOptions::exportPath>},
+
+    {.row = {.name = "--align",
+             .value = "PAIRS.txt",
+             .help = "print the rigid transform that moves points of the moving files onto points of the fixed ones, "
+                     "and the residual of each pair. A pair is a line of six numbers: moving point, fixed point, in "
+                     "the units and axes of --info. A single pair needs twelve: moving point, its normal, fixed "
+                     "point, its normal. '#' begins a comment. A warning is printed for points on one line, as two "
+                     "pairs are: the turn about it is arbitrary",
+             .completion = Completion::Files},
+     .group = OptionGroup::Alignment,
+     .expected = kFileName,
+     .selects = kAlign,
+     .read = ReadFileName<&HostOptions::pairFile>,
+     .isOnce = true},
+    {.row = {.name = "--moving",
+             .help = "the files that move: all names up to the next option",
+             .followedBy = "FILE..."},
+     .group = OptionGroup::Alignment,
+     .runs = kAlign,
+     .read = AcceptSwitch,
+     .goesWith = "--align",
+     .files = &HostOptions::movingFiles},
+    {.row = {.name = "--fixed", .help = "the files that stay, likewise", .followedBy = "FILE..."},
+     .group = OptionGroup::Alignment,
+     .runs = kAlign,
+     .read = AcceptSwitch,
+     .goesWith = "--align",
+     .files = &HostOptions::fixedFiles},
+    {.row = {.name = "--save-transforms",
+             .value = "OUT.json",
+             .help = "write where all these files are after the alignment; entries of --transforms for other files "
+                     "are kept. For a picture, a conversion or the window, apply OUT.json there",
+             .completion = Completion::Files},
+     .group = OptionGroup::Alignment,
+     .expected = kFileName,
+     .runs = kAlign,
+     .read = ReadFileName<&HostOptions::savedTransforms>,
+     .goesWith = "--align",
+     .isOnce = true},
+
+    {.row = {.name = "--reset-settings",
+             .help = "forget what the window remembers: its place and panes, colours, mouse buttons, import settings, "
+                     "recent files and all else that was chosen in it"},
+     .group = OptionGroup::Window,
+     .runs = kWindow,
+     .read = SetFlag<&HostOptions::resetsSettings>},
+
+    {.row = {.name = "--gpu",
+             .value = "N|software",
+             .help = "draw with graphics device N, from 0 in the order of EGL, or with the processor; else with the "
+                     "first device that can, and with the processor where none can",
+             .words = "software 0 1"},
+     .group = OptionGroup::Drawing,
+     .expected = "the number of a graphics device from 0 to 31, or software",
+     .runs = kScreenshot | kCapture | kPick | kVersion | kCutting,
+     .read = ReadGpu,
+     .goesWith = "--screenshot, --capture, --pick, --cut and --version --verbose"},
+
+    {.row = {.name = "--help", .shortName = "-h", .help = "print this text"}, .selects = kHelp, .read = AcceptSwitch},
+    {.row = {.name = "--version", .shortName = "-V", .help = "print the version"},
+     .selects = kVersion,
+     .read = AcceptSwitch},
+    {.row = {.name = "--verbose",
+             .help = "with --version: print also the device, driver and OpenGL version that draw without a window"},
+     .runs = kVersion,
+     .read = SetFlag<&HostOptions::verbose>,
+     .goesWith = "--version"},
+};
+
+}  // namespace
+
+std::span<const Option> OptionTable() { return kOptions; }
