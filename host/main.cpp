@@ -7,6 +7,7 @@
 
 #include "CommandLine.h"
 #include "Headless.h"
+#include "InterruptSignals.h"
 #include "WindowRun.h"
 
 namespace {
@@ -51,6 +52,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    HandleInterruptSignals();
     try {
         return Run(argc, argv);
     } catch (const std::exception& error) {  // such as exhausted memory
