@@ -1,0 +1,113 @@
+// The library flattens the scene and makes triangles; what is left here is to put its meshes together. Images are in
+// MeshImages.h.
+#include "LibraryScene.h"
+
+#include <assimp/config.h>
+#include <assimp/material.h>
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+
+#include <assimp/Importer.hpp>
+#include <cmath>
+#include <optional>
+#include <string_view>
+
+#include "LibraryFiles.h"
+#include "MeshImages.h"
+
+namespace {
+
+/// Materials of these formats have light intensities; pictures and vertex colours here are as on the screen.
+bool HasLinearColors(std::string_view file) {
+    const std::string_view extension = file.substr(file.rfind('.') + 1);
+    return extension.size() >= 3 && (extension[1] == 'l' || extension[1] == 'L') &&  // gltf, glb
+           (extension[0] == 'g' || extension[0] == 'G');
+}
+
+/// The curve of sRGB.
+double OnScreen(double linear) {
+    return linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1.0 / 2.4) - 0.055;
+}
+
+std::uint32_t WordOf(const aiColor4D& color, bool isLinear) {
+    const auto channel = [isLinear](float value) {
+        return ChannelOf(isLinear ? OnScreen(double{value}) : double{value});
+    };
+    return ColorWord(channel(color.r), channel(color.g), channel(color.b), ChannelOf(double{color.a}));
+}
+
+/// The colour of a material; nothing when it has none of interest: the viewer's own colour is better than plain white.
+std::optional<std::uint32_t> ColorOf(const aiMaterial& material, bool isLinear) {
+    aiColor4D color;
+    if (material.Get(AI_MATKEY_COLOR_DIFFUSE, color) != aiReturn_SUCCESS) return std::nullopt;
+    if (color.r == 1.0f && color.g == 1.0f && color.b == 1.0f) return std::nullopt;
+    // Formats without materials get one of this name from the library.
+    aiString name;
+    if (material.Get(AI_MATKEY_NAME, name) == aiReturn_SUCCESS &&
+        std::string_view(name.C_Str()) == AI_DEFAULT_MATERIAL_NAME)
+        return std::nullopt;
+    color.a = 1.0f;  // not the opacity: what is half transparent is shown whole
+    return WordOf(color, isLinear);
+}
+
+class Collector {
+public:
+    Collector(const aiScene& scene, const NamedFiles& files, bool isLinear)
+        : m_scene(scene), m_images(scene, files), m_bLinear(isLinear) {}
+
+    FoundMesh Collect() {
+        m_found.hasNormals = true;
+        for (unsigned i = 0; i < m_scene.mNumMeshes; ++i) AddMesh(*m_scene.mMeshes[i]);
+        m_images.Finish(m_found);
+        if (m_bHasLines) m_found.leftOut.emplace_back("its lines are not shown");
+        return std::move(m_found);
+    }
+
+private:
+    void AddMesh(const aiMesh& mesh) {
+        const aiMaterial& material = *m_scene.mMaterials[mesh.mMaterialIndex];
+        const std::size_t first = m_found.mesh.m_vVertices.size();
+        const std::optional<std::uint32_t> color = ColorOf(material, m_bLinear);
+        m_found.mesh.m_bHasColors = m_found.mesh.m_bHasColors || mesh.HasVertexColors(0) || color;
+        m_found.hasNormals = m_found.hasNormals && mesh.HasNormals();
+        for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
+            const aiVector3D& p = mesh.mVertices[i];
+            const aiVector3D n = mesh.HasNormals() ? mesh.mNormals[i] : aiVector3D(0.0f);
+            const std::uint32_t word = mesh.HasVertexColors(0) ? WordOf(mesh.mColors[0][i], m_bLinear)
+                                                               : color.value_or(ColorWord(255, 255, 255));
+            m_found.mesh.m_vVertices.push_back({p.x, p.y, p.z, n.x, n.y, n.z, word, 0});
+        }
+        const std::size_t firstTriangle = m_found.mesh.m_vTriangles.size();
+        for (unsigned i = 0; i < mesh.mNumFaces; ++i) AddFace(mesh.mFaces[i], first);
+        m_images.Add(mesh, material, {first, firstTriangle}, m_found);
+    }
+
+    void AddFace(const aiFace& face, std::size_t first) {
+        m_bHasLines = m_bHasLines || face.mNumIndices == 2;
+        if (face.mNumIndices != 3) return;  // a point or a line
+        Triangle triangle;
+        for (unsigned i = 0; i < 3; ++i) triangle.v[i] = static_cast<std::int32_t>(first + face.mIndices[i]);
+        m_found.mesh.m_vTriangles.push_back(triangle);
+    }
+
+    const aiScene& m_scene;
+    MeshImages m_images;
+    FoundMesh m_found;
+    bool m_bLinear;
+    bool m_bHasLines = false;
+};
+
+}  // namespace
+
+FoundMesh ReadByLibrary(const std::string& file, const NamedFiles& files) {
+    Assimp::Importer importer;
+    importer.SetIOHandler(new LibraryFiles(files));  // the importer owns it
+    importer.SetPropertyInteger(AI_CONFIG_PP_RVC_FLAGS, aiComponent_TANGENTS_AND_BITANGENTS | aiComponent_BONEWEIGHTS |
+                                                            aiComponent_ANIMATIONS | aiComponent_LIGHTS |
+                                                            aiComponent_CAMERAS);
+    constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_RemoveComponent | aiProcess_PreTransformVertices |
+                                aiProcess_JoinIdenticalVertices;
+    const aiScene* const scene = importer.ReadFile(file, kSteps);
+    if (scene == nullptr) throw UnreadableFile(importer.GetErrorString());
+    return Collector(*scene, files, HasLinearColors(file)).Collect();
+}

@@ -1,0 +1,34 @@
+// The words of a text between white space, with the numbers of their lines, for tolerant readers of text formats.
+#pragma once
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "FoundMesh.h"
+
+/// Lines end with a line feed, a carriage return, or both. From '#' to the end of a line is a comment.
+class NumberWords {
+public:
+    explicit NumberWords(std::string_view text) : m_sText(text) {}
+
+    /// Goes to the next word. @return false at the end of the text
+    bool Next();
+    /// Goes to the next word of the same line. @return false at its end
+    bool NextOfLine();
+    /// Goes to the end of the line of the current word.
+    void SkipLine();
+    [[nodiscard]] std::string_view Word() const { return m_sWord; }
+    /// Compares the current word without regard to the case of ASCII letters. @param lower  in lower case
+    [[nodiscard]] bool Is(std::string_view lower) const;
+    /// The current word as a number, whatever the locale; also "nan", "inf" and with a leading plus. A number that is
+    /// too large or too small for a double is infinite or 0.
+    /// @return false when it is none
+    [[nodiscard]] bool Number(double& value) const;
+    /// With the line of the current word and the word itself.
+    [[nodiscard]] UnreadableFile Error(const char* reason) const;
+
+private:
+    std::string_view m_sText;  // all of it
+    std::string_view m_sWord;
+    std::size_t m_uAt = 0;  // after the current word
+};
