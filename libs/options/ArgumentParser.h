@@ -21,7 +21,7 @@ struct Row {
     std::string_view value = {};
     std::string_view help = {};  ///< for --help and the man page; Manual fills in words in braces
     Completion completion = Completion::Nothing;
-    std::string_view words = {};  ///< values that a shell offers, separated by spaces
+    std::string_view words = {};  ///< values that a shell offers, separated by spaces or commas
     /// File names that follow an option without a value, such as "FILE...": for the help text only.
     std::string_view followedBy = {};
 };

@@ -118,7 +118,8 @@ std::string CompletionOf(Completion completion) {
     return ":";
 }
 
-std::string WordsCompletion(const std::string& words) {
+std::string WordsCompletion(std::string words) {
+    std::erase(words, ',');
     return "mapfile -t COMPREPLY < <(compgen -W '" + words + "' -- \"$current\")";
 }
 
@@ -172,7 +173,7 @@ std::string BashCompletion(const Manual& manual) {
             names += (names.empty() ? "" : " ") + std::string(row->name);
             if (row->value.empty()) continue;
             const std::string reply =
-                row->words.empty() ? CompletionOf(row->completion) : WordsCompletion(std::string(row->words));
+                row->words.empty() ? CompletionOf(row->completion) : WordsCompletion(Filled(std::string(row->words), manual));
             cases += "        " + Pattern(*row) + ")\n            " + reply + "\n            return ;;\n";
         }
     }

@@ -23,8 +23,7 @@ Words Read(const Words& arguments) {
         if (argument.row == nullptr)
             words.push_back("file " + argument.text);
         else
-            words.push_back(std::string(argument.row->name) +
-                            (argument.row->value.empty() ? "" : '=' + argument.text));
+            words.push_back(std::string(argument.row->name) + (argument.row->value.empty() ? "" : '=' + argument.text));
     }
     if (parsed.mistake) {
         const char* const kinds[] = {"unknown ", "needs a value: ", "has a value: "};

@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 const std::array kRows = {
     Row{.name = "--size", .shortName = "-s", .value = "WxH", .help = "a size of {types}; that's all"},
-    Row{.name = "--mode", .value = "M", .help = "a mode", .words = "flat smooth"},
+    Row{.name = "--mode", .value = "M", .help = "a mode", .words = "flat {smooth}"},
     Row{.name = "--in", .value = "FILE", .help = "a file", .completion = Completion::Files},
     Row{.name = "--to", .value = "DIR", .help = "a folder", .completion = Completion::Folders},
     Row{.name = "--with-a-long-name", .value = "SOMETHING", .help = "text"},
@@ -32,7 +32,7 @@ Manual Example() {
                   .description = "Looks at {types} files.",
                   .groups = {{"First", {&kRows[0], &kRows[1]}}, {"", {&kRows[2], &kRows[3], &kRows[4], &kRows[5]}}},
                   .sections = {{"Exit status", "0 or 1."}},
-                  .replacements = {{"{types}", "ply and stl"}}};
+                  .replacements = {{"{types}", "ply and stl"}, {"{smooth}", "round, smooth"}}};
     return manual;
 }
 
@@ -94,9 +94,9 @@ TEST(ManPageOfAManual, KeepsLettersThatManWouldReadAsCommands) {
 /// What bash offers for the last of the words.
 std::vector<std::string> Offered(const ScratchFolder& folder, const std::string& words) {
     std::ofstream(folder.Path() / "completion") << BashCompletion(Example());
-    const std::string command = "cd '" + folder.Path().string() +
-                                "' && bash -c '. ./completion; COMP_WORDS=(look-at " + words +
-                                "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _look_at; printf \"%s\\n\" \"${COMPREPLY[@]}\"'";
+    const std::string command =
+        "cd '" + folder.Path().string() + "' && bash -c '. ./completion; COMP_WORDS=(look-at " + words +
+        "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _look_at; printf \"%s\\n\" \"${COMPREPLY[@]}\"'";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::vector<std::string> offered;
     char line[256];
@@ -117,7 +117,7 @@ TEST(BashCompletionOfAManual, OffersOptionsValuesAndFiles) {
     EXPECT_THAT(Offered(folder, "x --wi"), ElementsAre("--with-a-long-name"));
     EXPECT_THAT(Offered(folder, "--mode s"), ElementsAre("smooth"));
     EXPECT_THAT(Offered(folder, "--mode = f"), ElementsAre("flat"));
-    EXPECT_THAT(Offered(folder, "--mode ="), ElementsAre("flat", "smooth"));
+    EXPECT_THAT(Offered(folder, "--mode ="), ElementsAre("flat", "round", "smooth"));
     EXPECT_THAT(Offered(folder, "--to a"), ElementsAre("a folder"));
     EXPECT_THAT(Offered(folder, "--in a"), testing::UnorderedElementsAre("a file.ply", "a folder"));
     EXPECT_THAT(Offered(folder, "--mode flat a"), testing::UnorderedElementsAre("a file.ply", "a folder"));

@@ -123,7 +123,9 @@ TEST(Run, PrintsHelpAndVersionWhateverTheOtherArguments) {
     for (const char* option : {"--shape", "--scans", "--size", "--format", "--noise", "--dropout", "--colors", "--seed",
                                "--threads", "--out", "--prefix", "bracket"})
         EXPECT_THAT(help.output, HasSubstr(option));
+    EXPECT_EQ(Call({"-h"}).output, help.output);
     const Outcome version = Call({"--version"});
+    EXPECT_EQ(Call({"-V"}).output, version.output);
     EXPECT_EQ(version.status, 0);
     EXPECT_THAT(version.output, testing::MatchesRegex("simulate-scans [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
@@ -135,6 +137,25 @@ TEST(Run, FailsWithOneLineWhenTheFolderCannotBeCreated) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, testing::MatchesRegex("simulate-scans: .+\n"));
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1);
+}
+
+TEST(Run, NamesTheFileThatCannotBeWritten) {
+    const ScratchFolder folder;
+    std::filesystem::create_directory(folder.Path() / "bust_002.pcm");  // no file can replace it
+    const Outcome outcome = Call({"--out", folder.Path().string(), "--scans", "3", "--size", "100x100"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.errors, testing::StartsWith("simulate-scans: " + (folder / "bust_002.pcm") + ": "));
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1);
+    EXPECT_FALSE(std::filesystem::exists(folder / "bust.json"));
+}
+
+TEST(Run, PrintsNoControlCharactersOfAFolder) {
+    const ScratchFolder folder;
+    const Outcome good = Call({"--out", folder / "a\033[2Jb", "--scans", "1", "--size", "100x100"});
+    EXPECT_EQ(good.status, 0) << good.errors;
+    EXPECT_THAT(good.output, HasSubstr("/a?[2Jb/bust_001.pcm: "));
+    EXPECT_THAT(good.output, testing::Not(HasSubstr("\033")));
+    EXPECT_THAT(Call({"--out=x", "\033[2J"}).errors, HasSubstr("unexpected argument '?[2J'"));
 }
 
 struct WrongCall {
@@ -149,6 +170,8 @@ const WrongCall kWrongCalls[] = {
     {"EmptyFolder", {"--out", ""}, "--out must be a folder"},
     {"UnknownOption", {"--out", "x", "--speed", "3"}, "unknown option '--speed'"},
     {"UnknownOptionAtTheEnd", {"--out", "x", "--speed"}, "unknown option '--speed'"},
+    {"UnknownShortOption", {"--out", "x", "-s"}, "unknown option '-s'"},
+    {"ValueForASwitch", {"--out", "x", "--colors=yes"}, "--colors takes no value"},
     {"ValueMissing", {"--out", "x", "--seed"}, "--seed needs a value"},
     {"StrayArgument", {"--out", "x", "file.pcm"}, "unexpected argument 'file.pcm'"},
     {"UnknownShape", {"--out", "x", "--shape", "teapot"}, "--shape must be one of bust, bracket"},

@@ -1,13 +1,16 @@
-// The options by name, each with its limits, and the help text.
+// The table of the options, each with its limits and its help text.
 #include "CommandLine.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "NumberText.h"
 #include "Shapes.h"
+#include "options/ProgramManual.h"
 
 namespace simulate {
 namespace {
@@ -75,54 +78,97 @@ std::string ParsePrefix(std::string_view text) {
     return std::string(text);
 }
 
-/// An option with a value.
-struct ValueOption {
-    std::string_view name;
+/// An option of the table.
+struct Option {
+    ProgramOptions::Row row;
     /// Checks the value and stores it. @throws UsageError
     void (*apply)(std::string_view name, std::string_view value, Options* options);
 };
 
-// Each entry checks its limits; the help text repeats them.
-constexpr auto kValueOptions = std::to_array<ValueOption>({
-    {"--shape", [](auto, auto value, Options* options) { options->shape = ParseShape(value); }},
-    {"--scans", [](auto name, auto value, Options* options) { options->scans = ParseNumber(name, value, 1, 999); }},
-    {"--size", [](auto, auto value, Options* options) { ParseSize(value, &options->scanner); }},
-    {"--format", [](auto, auto value, Options* options) { options->format = ParseFormat(value); }},
-    {"--noise",
-     [](auto name, auto value, Options* options) { options->scanner.noise = ParseNumber(name, value, 0.0f, 10.0f); }},
-    {"--dropout",
-     [](auto name, auto value, Options* options) { options->scanner.dropout = ParseNumber(name, value, 0.0f, 1.0f); }},
-    {"--max-angle", [](auto name, auto value,
-                       Options* options) { options->scanner.maxIncidenceDeg = ParseNumber(name, value, 0.0f, 89.0f); }},
-    {"--seed",
-     [](auto name, auto value, Options* options) {
-         options->scanner.seed = ParseNumber<std::uint64_t>(name, value, 0, UINT64_MAX);
-     }},
-    {"--threads", [](auto name, auto value, Options* options) { options->threads = ParseNumber(name, value, 1, 256); }},
-    {"--out",
+constexpr auto kFolder = ProgramOptions::Completion::Folders;
+
+// Each entry checks its limits; its help text repeats them.
+constexpr auto kOptions = std::to_array<Option>({
+    {{.name = "--out",
+      .value = "FOLDER",
+      .help = "folder for the files; it is created if it does not exist",
+      .completion = kFolder},
      [](auto name, auto value, Options* options) {
          if (value.empty()) Refuse(name, " must be a folder");
          options->folder = value;
      }},
-    {"--prefix", [](auto, auto value, Options* options) { options->prefix = ParsePrefix(value); }},
+    {{.name = "--shape", .value = "NAME", .help = "{shapes} (bust)", .words = "{shapes}"},
+     [](auto, auto value, Options* options) { options->shape = ParseShape(value); }},
+    {{.name = "--scans", .value = "N", .help = "number of poses, 1 to 999 (8)"},
+     [](auto name, auto value, Options* options) { options->scans = ParseNumber(name, value, 1, 999); }},
+    {{.name = "--size", .value = "WxH", .help = "pixels per scan, 100x100 to 4096x3072 (640x480)"},
+     [](auto, auto value, Options* options) { ParseSize(value, &options->scanner); }},
+    {{.name = "--format", .value = "FORMAT", .help = "pcm, pax or xdt (pcm)", .words = "pcm pax xdt"},
+     [](auto, auto value, Options* options) { options->format = ParseFormat(value); }},
+    {{.name = "--noise", .value = "MM", .help = "standard deviation along the ray in millimetres, 0 to 10 (0.02)"},
+     [](auto name, auto value, Options* options) { options->scanner.noise = ParseNumber(name, value, 0.0f, 10.0f); }},
+    {{.name = "--dropout", .value = "F", .help = "fraction of the measured pixels that are removed, 0 to 1 (0.01)"},
+     [](auto name, auto value, Options* options) { options->scanner.dropout = ParseNumber(name, value, 0.0f, 1.0f); }},
+    {{.name = "--max-angle",
+      .value = "DEG",
+      .help = "largest angle between ray and surface normal that is measured, 0 to 89 (75)"},
+     [](auto name, auto value, Options* options) {
+         options->scanner.maxIncidenceDeg = ParseNumber(name, value, 0.0f, 89.0f);
+     }},
+    {{.name = "--parallel", .help = "parallel rays instead of a pinhole camera"},
+     [](auto, auto, Options* options) { options->scanner.parallel = true; }},
+    {{.name = "--colors", .help = "write colours too; pcm only"},
+     [](auto, auto, Options* options) { options->scanner.colors = true; }},
+    {{.name = "--seed", .value = "S", .help = "seed of noise and dropouts (1); the same seed gives the same files"},
+     [](auto name, auto value, Options* options) {
+         options->scanner.seed = ParseNumber<std::uint64_t>(name, value, 0, UINT64_MAX);
+     }},
+    {{.name = "--threads", .value = "N", .help = "1 to 256 (one per processor); the files do not depend on it"},
+     [](auto name, auto value, Options* options) { options->threads = ParseNumber(name, value, 1, 256); }},
+    {{.name = "--prefix", .value = "NAME", .help = "start of the file names (the name of the shape)"},
+     [](auto, auto value, Options* options) { options->prefix = ParsePrefix(value); }},
+    {{.name = "--help", .shortName = "-h", .help = "print this text"},
+     [](auto, auto, Options* options) { options->help = true; }},
+    {{.name = "--version", .shortName = "-V", .help = "print the version"},
+     [](auto, auto, Options* options) { options->version = true; }},
 });
 
-/// Applies the argument at @p at, with the value that follows it where the option has one.
-/// @return the number of arguments that were used
-std::size_t ApplyArgument(std::span<const std::string_view> arguments, std::size_t at, Options* options) {
-    const std::string_view argument = arguments[at];
-    if (argument == "--colors") return options->scanner.colors = true, 1;
-    if (argument == "--parallel") return options->scanner.parallel = true, 1;
-    if (!argument.starts_with("--")) Refuse("unexpected argument '", argument, "'");
-    // Both "--name value" and "--name=value".
-    const std::size_t equals = argument.find('=');
-    const std::string_view name = argument.substr(0, equals);
-    const auto* option =
-        std::find_if(kValueOptions.begin(), kValueOptions.end(), [&](const auto& known) { return known.name == name; });
-    if (option == kValueOptions.end()) Refuse("unknown option '", name, "'");
-    if (equals != std::string_view::npos) return option->apply(name, argument.substr(equals + 1), options), 1;
-    if (at + 1 == arguments.size()) Refuse(name, " needs a value");
-    return option->apply(name, arguments[at + 1], options), 2;
+std::vector<const ProgramOptions::Row*> Rows() {
+    std::vector<const ProgramOptions::Row*> rows;
+    for (const Option& option : kOptions) rows.push_back(&option.row);
+    return rows;
+}
+
+ProgramOptions::Manual ManualOf() {
+    return {.program = "simulate-scans",
+            .version = KV_VERSION,
+            .summary = "simulate a structured-light scanner",
+            .usage = {"[options] --out FOLDER"},
+            .description =
+                "Simulates a structured-light scanner that measures an object from several poses around "
+                "it. Writes one file per pose, and PREFIX.json with the settings and the true transforms. "
+                "Default values are in parentheses.",
+            .groups = {{"", Rows()}},
+            .sections = {{"Exit status", "0 when all files were written, 1 when not, 2 for wrong usage."}},
+            .replacements = {{"{shapes}", JoinedShapeNames()}},
+            .files = ProgramOptions::Completion::Nothing};
+}
+
+/// @throws UsageError for the first mistake
+void ApplyArguments(const std::vector<std::string>& arguments, Options* options) {
+    const auto parsed = ProgramOptions::ParseArguments(Rows(), arguments);
+    for (const ProgramOptions::Argument& argument : parsed.arguments) {
+        if (argument.row == nullptr) Refuse("unexpected argument '", argument.text, "'");
+        const auto* const option =
+            std::ranges::find(kOptions, argument.row, [](const Option& known) { return &known.row; });
+        option->apply(argument.row->name, argument.text, options);
+    }
+    if (!parsed.mistake) return;
+    using Kind = ProgramOptions::ArgumentMistake::Kind;
+    const std::string& name = parsed.mistake->argument;
+    if (parsed.mistake->kind == Kind::NeedsValue) Refuse(name, " needs a value");
+    if (parsed.mistake->kind == Kind::HasValue) Refuse(name, " takes no value");
+    Refuse("unknown option '", name, "'");
 }
 
 }  // namespace
@@ -131,11 +177,11 @@ Options ParseCommandLine(std::span<const std::string_view> arguments) {
     Options options;
     // --help and --version win over everything else, mistakes included.
     for (const std::string_view argument : arguments) {
-        if (argument == "--help") options.help = true;
-        if (argument == "--version") options.version = true;
+        options.help = argument == "--help" || argument == "-h";
+        options.version = argument == "--version" || argument == "-V";
         if (options.help || options.version) return options;
     }
-    for (std::size_t at = 0; at < arguments.size();) at += ApplyArgument(arguments, at, &options);
+    ApplyArguments({arguments.begin(), arguments.end()}, &options);
     // Rules between options.
     if (options.folder.empty()) Refuse("--out FOLDER is missing");
     if (options.scanner.colors && options.format != FileFormat::Pcm) Refuse("--colors: only pcm can hold colours");
@@ -149,29 +195,10 @@ const char* NameOf(FileFormat format) {
     return "";
 }
 
-std::string HelpText() {
-    return "Usage: simulate-scans [options] --out FOLDER\n"
-           "Simulates a structured-light scanner that measures an object from several poses around it. Writes one "
-           "file\n"
-           "per pose, and PREFIX.json with the settings and the true transforms.\n"
-           "\n"
-           "  --out FOLDER       folder for the files; it is created if it does not exist\n"
-           "  --shape NAME       " +
-           JoinedShapeNames() +
-           " (bust)\n"
-           "  --scans N          number of poses, 1 to 999 (8)\n"
-           "  --size WxH         pixels per scan, 100x100 to 4096x3072 (640x480)\n"
-           "  --format FORMAT    pcm, pax or xdt (pcm)\n"
-           "  --noise MM         standard deviation along the ray in millimetres, 0 to 10 (0.02)\n"
-           "  --dropout F        fraction of the measured pixels that are removed, 0 to 1 (0.01)\n"
-           "  --max-angle DEG    largest angle between ray and surface normal that is measured, 0 to 89 (75)\n"
-           "  --parallel         parallel rays instead of a pinhole camera\n"
-           "  --colors           write colours too; pcm only\n"
-           "  --seed S           seed of noise and dropouts (1); the same seed gives the same files\n"
-           "  --threads N        1 to 256 (one per processor); the files do not depend on it\n"
-           "  --prefix NAME      start of the file names (the name of the shape)\n"
-           "  --help, --version  print this text, or the version\n"
-           "Default values are in parentheses.\n";
-}
+std::string HelpText() { return ProgramOptions::HelpText(ManualOf()); }
+
+std::string ManPage() { return ProgramOptions::ManPage(ManualOf()); }
+
+std::string BashCompletion() { return ProgramOptions::BashCompletion(ManualOf()); }
 
 }  // namespace simulate

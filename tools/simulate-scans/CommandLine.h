@@ -37,6 +37,10 @@ struct UsageError : std::runtime_error {
 
 /// The text of --help.
 [[nodiscard]] std::string HelpText();
+/// The man page, docs/simulate-scans.1.
+[[nodiscard]] std::string ManPage();
+/// The completion for bash, docs/completions/simulate-scans.
+[[nodiscard]] std::string BashCompletion();
 
 /// "pcm", "pax" or "xdt"
 [[nodiscard]] const char* NameOf(FileFormat format);

@@ -5,8 +5,10 @@
 #include <chrono>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <iomanip>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,6 +18,7 @@
 #include "RayCaster.h"
 #include "ScanFiles.h"
 #include "Shapes.h"
+#include "options/TerminalText.h"
 
 namespace simulate {
 namespace {
@@ -25,6 +28,15 @@ std::string FileName(const Options& options, int number) {
     std::string digits = std::to_string(number);
     digits.insert(0, 3 - std::min<std::size_t>(3, digits.size()), '0');
     return options.prefix + "_" + digits + "." + NameOf(options.format);
+}
+
+/// Calls @p write for a file. @throws std::runtime_error with the name of the file and the reason of the failure
+void WriteNamed(const std::filesystem::path& path, const std::function<void()>& write) {
+    try {
+        write();
+    } catch (const std::exception& error) {
+        throw std::runtime_error(path.string() + ": " + error.what());
+    }
 }
 
 /// Writes all scans, then the description, then prints the throughput.
@@ -48,14 +60,15 @@ void SimulateScans(Options options, std::ostream& output) {
         castTime += Clock::now() - start;
         written.push_back({FileName(options, number), pose, grid.MeasuredCount()});
         const std::filesystem::path path = options.folder / written.back().file;
-        WriteScan(path, options.format, std::move(grid));
-        output << path.string() << ": " << written.back().measured << " points" << std::endl;
+        WriteNamed(path, [&] { WriteScan(path, options.format, std::move(grid)); });
+        output << ProgramOptions::TerminalText(path.string()) << ": " << written.back().measured << " points"
+               << std::endl;
     }
     // Last, so that a description is there only when all its scans are.
     const std::filesystem::path description = options.folder / (options.prefix + ".json");
-    WriteText(description, DescribeScans(options, written));
+    WriteNamed(description, [&] { WriteText(description, DescribeScans(options, written)); });
     const double rays = 1e-6 * options.scans * scanner.width * scanner.height;
-    output << description.string() << "\n"
+    output << ProgramOptions::TerminalText(description.string()) << "\n"
            << std::fixed << std::setprecision(1) << rays << " Mray in " << std::setprecision(2) << castTime.count()
            << " s on " << threads << (threads == 1 ? " thread: " : " threads: ") << rays / castTime.count()
            << " Mray/s\n";
@@ -79,10 +92,10 @@ int Run(std::span<const std::string_view> arguments, std::ostream& output, std::
         errors << "simulate-scans: standard output cannot be written\n";
         return 1;
     } catch (const UsageError& error) {
-        errors << "simulate-scans: " << error.what() << " (see --help)\n";
+        errors << "simulate-scans: " << ProgramOptions::TerminalText(error.what()) << " (see --help)\n";
         return 2;
     } catch (const std::exception& error) {
-        errors << "simulate-scans: " << error.what() << "\n";
+        errors << "simulate-scans: " << ProgramOptions::TerminalText(error.what()) << "\n";
         return 1;
     }
 }
