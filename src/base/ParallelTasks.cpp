@@ -5,7 +5,10 @@
 #include <atomic>
 #include <thread>
 
-std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::function<void(std::size_t)>& task) {
+namespace {
+
+std::vector<std::exception_ptr> RunOn(std::size_t threads, std::size_t count,
+                                      const std::function<void(std::size_t)>& task) {
     std::vector<std::exception_ptr> exceptions(count);
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
@@ -18,15 +21,33 @@ std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::f
         }
     };
 
-    const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
     std::vector<std::jthread> helpers;  // joined at the end, after the calling thread has found no task any more
     try {
-        helpers.reserve(std::min(cores, count));
-        while (helpers.size() + 1 < std::min(cores, count)) helpers.emplace_back(work);
+        helpers.reserve(std::min(threads, count));
+        while (helpers.size() + 1 < std::min(threads, count)) helpers.emplace_back(work);
     } catch (const std::exception&) {
         // The system refuses another thread or its memory: those that exist do all the work.
     }
     work();
     helpers.clear();
     return exceptions;
+}
+
+}  // namespace
+
+std::vector<std::exception_ptr> RunParallelTasks(std::size_t count, const std::function<void(std::size_t)>& task) {
+    return RunOn(AllowedCores(), count, task);
+}
+
+void RunTasks(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& task) {
+    if (threads <= 1 || count <= 1) {
+        for (std::size_t i = 0; i < count; ++i) task(i);
+        return;
+    }
+    for (const std::exception_ptr& exception : RunOn(threads, count, task))
+        if (exception) std::rethrow_exception(exception);
+}
+
+unsigned ThreadsFor(std::size_t items, std::size_t itemsPerThread, unsigned threads) {
+    return static_cast<unsigned>(std::clamp<std::size_t>(items / itemsPerThread, 1, std::max(threads, 1u)));
 }

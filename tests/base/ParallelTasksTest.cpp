@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <array>
@@ -58,7 +59,31 @@ private:
     std::set<std::thread::id> m_ids;
 };
 
-std::size_t Cores() { return std::max(1u, std::thread::hardware_concurrency()); }
+/// While it exists this thread, and those that it starts, run on one core.
+class OneCore {
+public:
+    OneCore() {
+        sched_getaffinity(0, sizeof m_before, &m_before);
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        for (int core = 0; core < CPU_SETSIZE && CPU_COUNT(&one) == 0; ++core)
+            if (CPU_ISSET(core, &m_before)) CPU_SET(core, &one);
+        sched_setaffinity(0, sizeof one, &one);
+    }
+    ~OneCore() { sched_setaffinity(0, sizeof m_before, &m_before); }
+    OneCore(const OneCore&) = delete;
+    OneCore& operator=(const OneCore&) = delete;
+
+private:
+    cpu_set_t m_before{};
+};
+
+/// Cores that are allowed, counted in another way than by AllowedCores().
+std::size_t Cores() {
+    cpu_set_t allowed;
+    sched_getaffinity(0, sizeof allowed, &allowed);
+    return static_cast<std::size_t>(CPU_COUNT(&allowed));
+}
 
 /// Threads of this process.
 std::ptrdiff_t ThreadsNow() {
@@ -120,6 +145,14 @@ TEST(RunParallelTasks, WorksOnAsManyThreadsAsTheMachineHasCores) {
     });
     EXPECT_EQ(threads.Count(), Cores());
     EXPECT_TRUE(threads.HasThis()) << "the thread that waits works, too";
+}
+
+TEST(RunParallelTasks, MakesNoThreadWhereTheProcessHasOneCore) {
+    const OneCore core;
+    ThreadList threads;
+    (void)RunParallelTasks(100, [&](std::size_t) { threads.Add(); });
+    EXPECT_EQ(threads.Count(), 1u);
+    EXPECT_EQ(AllowedCores(), 1u);
 }
 
 TEST(RunParallelTasks, RunsOneTaskAtATimePerThread) {
@@ -211,6 +244,72 @@ TEST(RunParallelTasks, DoesAllWorkOnTheCallingThreadWhenTheSystemRefusesAnother)
     EXPECT_EQ(ended, 100);
     EXPECT_EQ(threads.Count(), 1u);
     EXPECT_TRUE(threads.HasThis());
+}
+
+// ---- with a given number of threads
+
+TEST(RunTasks, RunsEachTaskOnceOnTheGivenNumberOfThreads) {
+    for (const unsigned threads : {1u, 2u, 3u, 7u}) {
+        std::array<std::atomic<int>, 100> runs{};
+        ThreadList list;
+        std::atomic<unsigned> atWork = 0;
+        RunTasks(runs.size(), threads, [&](std::size_t i) {
+            list.Add();
+            ++runs[i];
+            if (i >= threads) return;
+            ++atWork;
+            while (atWork < threads) std::this_thread::yield();  // with a thread less this would not end
+        });
+        EXPECT_TRUE(std::ranges::all_of(runs, [](const auto& run) { return run == 1; })) << threads;
+        EXPECT_EQ(list.Count(), threads);
+        EXPECT_TRUE(list.HasThis()) << threads;
+    }
+}
+
+TEST(RunTasks, ThrowsTheExceptionOfTheLowestIndexAfterAllTasksHaveEnded) {
+    for (const unsigned threads : {2u, 7u}) {
+        std::atomic<int> ended = 0;
+        try {
+            RunTasks(50, threads, [&](std::size_t i) {
+                if (i == 20 || i == 40) throw std::runtime_error(std::to_string(i));
+                std::this_thread::yield();
+                ++ended;
+            });
+            FAIL() << "nothing was thrown";
+        } catch (const std::runtime_error& error) {
+            EXPECT_STREQ(error.what(), "20");
+        }
+        EXPECT_EQ(ended, 48) << threads;
+    }
+}
+
+TEST(RunTasks, EndsAtTheFirstExceptionOnOneThread) {
+    int ended = 0;
+    EXPECT_THROW(RunTasks(50, 1,
+                          [&](std::size_t i) {
+                              if (i == 20) throw std::runtime_error("");
+                              ++ended;
+                          }),
+                 std::runtime_error);
+    EXPECT_EQ(ended, 20);
+}
+
+TEST(RunTasks, DoesAllWorkOnTheCallingThreadWhenTheSystemRefusesAnother) {
+    ThreadList threads;
+    {
+        const NoFurtherThreads refuse;
+        RunTasks(100, 4, [&](std::size_t) { threads.Add(); });
+    }
+    EXPECT_EQ(threads.Count(), 1u);
+    EXPECT_TRUE(threads.HasThis());
+}
+
+TEST(ThreadsFor, GivesEachThreadEnoughItems) {
+    EXPECT_EQ(ThreadsFor(0, 10, 4), 1u);
+    EXPECT_EQ(ThreadsFor(19, 10, 4), 1u);
+    EXPECT_EQ(ThreadsFor(20, 10, 4), 2u);
+    EXPECT_EQ(ThreadsFor(1000, 10, 4), 4u);
+    EXPECT_EQ(ThreadsFor(1000, 10, 0), 1u);
 }
 
 }  // namespace
