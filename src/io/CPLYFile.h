@@ -191,6 +191,8 @@ public:
     /// @param countOut  number of records, all of which are in the data
     [[nodiscard]] bool GetFaceBlock(std::string_view element, const char*& indexOut, int& countOut);
     [[nodiscard]] const char* GetDataEnd() const { return m_sData.data() + m_sData.size(); }
+    /// Bytes after the last announced record; white space at the end of text is none.
+    [[nodiscard]] virtual std::int64_t BytesAfterEnd() = 0;
 
     /// The same values and errors as ForEachFloat() or ForEachInt() for one column after the other, but in one pass
     /// over the text where that is possible. The targets hold m_iCount values; values beyond these, which can occur
@@ -253,6 +255,7 @@ public:
     void GetUCharList(std::vector<unsigned char>& out) override;
     void GetIntList(std::vector<int>& out) override;
     void GetFloatList(std::vector<float>& out) override;
+    [[nodiscard]] std::int64_t BytesAfterEnd() override;
 
     std::vector<std::int64_t>
         m_vTokenStart;     // byte offset of every 64th token: a table of all would be larger than the mesh
@@ -294,6 +297,7 @@ public:
     void GetUCharList(std::vector<unsigned char>& out) override;
     void GetIntList(std::vector<int>& out) override;
     void GetFloatList(std::vector<float>& out) override;
+    [[nodiscard]] std::int64_t BytesAfterEnd() override;
 
     std::int64_t m_iReadOffset = 0;  // after the last value that was read
 

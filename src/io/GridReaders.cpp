@@ -13,11 +13,11 @@ namespace {
 
 /// Fills the array as far as the file has values; the rest stays zero, and so does a value of which the file has a
 /// part.
-/// @return whether the file has all values
-bool ReadFloats(ByteInput& input, std::span<float> values) {
+/// @return the number of values that the file has
+std::size_t ReadFloats(ByteInput& input, std::span<float> values) {
     const std::size_t got = input.Read(values.data(), values.size_bytes());
     if (const std::size_t rest = got % sizeof(float); rest != 0) values[got / sizeof(float)] = 0.0f;
-    return got == values.size_bytes();
+    return got / sizeof(float);
 }
 
 /// Reads and checks the size of the grid and allocates its arrays. They take at most four times the size of the file.
@@ -40,19 +40,23 @@ MeasurementGrid ReadHead(ByteInput& input, bool hasConfidence) {
     return grid;
 }
 
+void ReadPoints(ByteInput& input, MeasurementGrid& grid) {
+    grid.m_pixelShare = {ReadFloats(input, grid.m_vPoints) / 3, grid.m_vPoints.size() / 3};
+}
+
 /// Points, confidence and transform, in this order. A missing transform stays zero.
 MeasurementGrid ReadPaxFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, true);
-    ReadFloats(input, grid.m_vPoints);
-    ReadFloats(input, grid.m_vConfidence);
-    grid.m_bHasTrafo = ReadFloats(input, grid.m_fTrafo);
+    ReadPoints(input, grid);
+    (void)ReadFloats(input, grid.m_vConfidence);
+    grid.m_bHasTrafo = ReadFloats(input, grid.m_fTrafo) == grid.m_fTrafo.size();
     return grid;
 }
 
 /// Points alone.
 MeasurementGrid ReadXdtFrom(ByteInput&& input) {
     MeasurementGrid grid = ReadHead(input, false);
-    ReadFloats(input, grid.m_vPoints);
+    ReadPoints(input, grid);
     return grid;
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "io/ByteInput.h"
+#include "io/RecordShare.h"
 
 using MeasurementReadError = FileReadError;
 
@@ -47,6 +48,7 @@ struct MeasurementGrid {
     ZeroedFloats m_vConfidence;                ///< one per pixel; empty for xdt
     std::array<float, 16> m_fTrafo{};          ///< row-major 4 x 4, sensor to world; zero for xdt
     bool m_bHasTrafo = false;                  ///< the whole transform was in the file
+    RecordShare m_pixelShare;                  ///< by the points
 };
 
 /// From a file or from the bytes of one.

@@ -16,6 +16,7 @@
 #include "io/MeasurementData.h"
 #include "io/MeasurementFile.h"
 #include "io/MeasurementReason.h"
+#include "io/RecordShare.h"
 #include "platform/WaitCursor.h"
 
 // One function per format: read, bring to scene units, pass on.
@@ -54,7 +55,9 @@ void ImportXdt(CKV_ScenePaneCtrl& control, const wchar_t* path, const Measuremen
         ScaleXdtPoints(grid.m_vPoints);
         const MeasurementArrays arrays = {
             .m_iWidth = grid.m_iWidth, .m_iHeight = grid.m_iHeight, .m_pPoints = grid.m_vPoints.data()};
-        control.SetScanData(MakeMeasurementData(arrays, {.m_eMask = GridMask::EqualNegatives}), origin);
+        const bool isAdded =
+            control.SetScanData(MakeMeasurementData(arrays, {.m_eMask = GridMask::EqualNegatives}), origin);
+        if (isAdded) ReportMissingPixels(path, grid.m_pixelShare);
     } catch (const MeasurementReadError& error) {
         ReportFileError("ImportXdt", path, error.what());
     }

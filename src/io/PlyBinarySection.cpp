@@ -159,6 +159,10 @@ std::int64_t BinaryDataSection::CountForSkip(int type, std::int64_t offset) cons
     return std::max<std::int64_t>(count, 0);
 }
 
+std::int64_t BinaryDataSection::BytesAfterEnd() {
+    return std::max<std::int64_t>(0, static_cast<std::int64_t>(m_sData.size()) - m_iEnd);
+}
+
 void BinaryDataSection::SkipProperty(const Element& element, int item, std::int64_t& cursor) {
     const auto& subItem = ItemAt(element, item);
     if (subItem.m_eKind != Kind::kProperty) FailMixed(element);

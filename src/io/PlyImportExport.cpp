@@ -11,6 +11,7 @@
 #include "io/FiniteCoordinates.h"
 #include "io/PlyMesh.h"
 #include "io/PlyMeshWriter.h"
+#include "io/RecordShare.h"
 #include "render/MeshTexture.h"
 
 namespace {
@@ -42,6 +43,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
                              ? MakeTexturedMesh(std::move(buffers), data)
                              : std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles),
                                                       L"", data.m_bHasColors));
+    ReportBytesAfterEnd(path, data.m_uBytesAfterEnd);
     ReportNotFinite(path, data.m_uNotFinite);
     return 0;
 }

@@ -8,11 +8,13 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <span>
 #include <utility>
 
 #include "KV_ScenePane/PathText.h"
 #include "base/HugePages.h"
+#include "geometry/TriangleIndices.h"
 #include "io/CPLYFile.h"
 #include "io/FiniteCoordinates.h"
 
@@ -53,6 +55,7 @@ public:
         ReadColors();
         if (!m_isText && m_file.HasElement("texture")) ReadTexture();
         RequireValidIndices();
+        m_mesh.m_uBytesAfterEnd = static_cast<std::uint64_t>(m_data.BytesAfterEnd());
         return std::move(m_mesh);
     }
 
@@ -240,24 +243,10 @@ void Reader::ReadTexture() {
 
 // Last, over the triangles of all ways.
 void Reader::RequireValidIndices() {
-    constexpr std::uint32_t kSign = 0x80000000;
-    const auto last = static_cast<std::uint32_t>(Vertices().size()) - 1;
-    // The sign bit of i or of (last - i) is set for an index below 0 or above the last, also when there is no vertex.
-    // One OR over all triangles has no branch per index; only when it finds one are they searched for the first.
-    const auto outside = [last](std::int32_t index) {
-        const auto i = static_cast<std::uint32_t>(index);
-        return i | (last - i);
-    };
-    std::uint32_t any = 0;
-    for (const Triangle& t : Triangles()) any |= outside(t.v[0]) | outside(t.v[1]) | outside(t.v[2]);
-    if ((any & kSign) == 0) return;
-    for (std::size_t i = 0; i < Triangles().size(); ++i) {
-        for (const std::int32_t index : Triangles()[i].v) {
-            if ((outside(index) & kSign) == 0) continue;
-            throw CPLYFileError("Triangle " + std::to_string(i) + " refers to vertex " + std::to_string(index) +
-                                " of " + std::to_string(Vertices().size()) + ".");
-        }
-    }
+    const std::optional<BadIndex> bad = FindBadIndex(Triangles(), Vertices().size());
+    if (!bad) return;
+    throw CPLYFileError("Triangle " + std::to_string(bad->triangle) + " refers to vertex " +
+                        std::to_string(bad->index) + " of " + std::to_string(Vertices().size()) + ".");
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ struct PlyMeshData {
 
     std::unique_ptr<std::vector<Vertex>> m_pVertices = std::make_unique<std::vector<Vertex>>();
     std::unique_ptr<std::vector<Triangle>> m_pTriangles = std::make_unique<std::vector<Triangle>>();
+    std::uint64_t m_uBytesAfterEnd = 0;       ///< of the file, after the data that its header announces
     std::size_t m_uNotFinite = 0;             ///< coordinates of vertices that are infinite or NaN
     bool m_bHasColors = false;                ///< false: every vertex is white
     bool m_bHasTexture = false;               ///< image and texture coordinates were both found

@@ -108,6 +108,10 @@ void TextDataSection::FailToken(std::int64_t index, const char* complaint) {
     throw CPLYFileError(complaint + m_sToken, TokenStart(index));
 }
 
+std::int64_t TextDataSection::BytesAfterEnd() {
+    return m_iEnd < m_iLimit ? static_cast<std::int64_t>(m_sData.size()) - TokenStart(m_iEnd) : 0;
+}
+
 void TextDataSection::SkipProperty(const Element&, int, std::int64_t& cursor) { ++cursor; }
 
 // Every member of a list is one token, and so is its count.

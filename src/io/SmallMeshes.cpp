@@ -91,7 +91,9 @@ FileMesh ReadFrom(ByteInput&& input, const Layout& layout) {
         constexpr std::size_t kIndices = sizeof(Triangle);  // after the face normal, which is skipped
         std::memcpy(&mesh.m_vTriangles.emplace_back(), record + layout.triangleSize - kIndices, kIndices);
     };
-    ForEachRecord(input, layout.triangleSize, triangles, addTriangle, [] {});
+    const std::uint64_t bytes = ForEachRecord(input, layout.triangleSize, triangles, addTriangle, [] {});
+    mesh.m_vertexShare = {inFile / layout.vertexSize, vertices};
+    mesh.m_triangleShare = {bytes / layout.triangleSize, triangles};
     RequireVertices(mesh);
     return mesh;
 }

@@ -14,6 +14,7 @@
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
 #include "io/FiniteCoordinates.h"
+#include "io/RecordShare.h"
 #include "io/StlMesh.h"
 #include "platform/WaitCursor.h"
 
@@ -28,6 +29,7 @@ int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
         mesh->ComputeVertexNormals();
         mesh->ComputeBoundingBox();
         m_vpMeshes.push_back(std::move(mesh));  // what throws before it changes nothing
+        ReportMissing(path, buffers.m_vertexShare, buffers.m_triangleShare);
         ReportNotFinite(path, buffers.m_uNotFinite);
         return 0;
     } catch (const FileReadError& error) {

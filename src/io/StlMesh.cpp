@@ -149,7 +149,9 @@ FileMesh ReadStlFrom(ByteInput&& input) {
     RecordBlocks blocks(input, kRecordSize, start.count);
     for (auto records = blocks.Next(); !records.empty(); records = blocks.Next()) triangles.AppendRecords(records);
     if (blocks.Missing() > 0) triangles.AppendMissing(blocks.Tail(), blocks.Missing());
-    return triangles.Take();
+    FileMesh mesh = triangles.Take();
+    mesh.m_triangleShare = {start.count - blocks.Missing(), start.count};
+    return mesh;
 }
 
 void RequireVertices(const Triangle& triangle, std::size_t vertexCount) {
