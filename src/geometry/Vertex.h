@@ -16,6 +16,6 @@ struct TexCoord {
 /// One triangle of an hps file: its corners with their texture coordinates.
 struct HpsFace {
     std::int32_t v[3] = {0, 0, 0};  ///< indices into the vertices
-    TexCoord uv[3];                 ///< of the corners in order; zero when there is no texture
+    TexCoord uv[3];                 ///< of the corners in order
 };
 static_assert(sizeof(HpsFace) == 36);

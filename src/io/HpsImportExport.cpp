@@ -44,11 +44,17 @@ int CKV_ScenePaneCtrl::ImportHps(const wchar_t* path) {
         ReportFileError("ImportHps", path, *error.what() == '\0' ? "an error without a text" : error.what());
         return -1;
     }
-    // A file without a texture makes a mesh without texture coordinates.
-    const bool textured = !data.m_vPixels.empty();
-    auto mesh = MakeHpsMesh(std::move(data.m_vVertices), data.m_vFaces, path, data.m_vImageBytes,
-                            textured ? data.m_vPixels.data() : nullptr, data.m_uWidth, data.m_uHeight);
-    mesh->ComputeBoundingBox();
+    std::shared_ptr<Mesh> mesh;
+    if (data.m_vPixels.empty()) {
+        mesh = std::make_shared<Mesh>(path, false);
+        mesh->m_bGrayColors = true;
+        mesh->m_vVertices = std::move(data.m_vVertices);
+        mesh->m_vTriangles = std::move(data.m_vTriangles);
+        mesh->ComputeBoundingBox();
+    } else {
+        mesh = MakeHpsMesh(std::move(data.m_vVertices), data.m_vFaces, path, data.m_vImageBytes, data.m_vPixels.data(),
+                           data.m_uWidth, data.m_uHeight);
+    }
     m_vpMeshes.push_back(std::move(mesh));
     ReportNotFinite(path, data.m_uNotFinite);
     return 0;

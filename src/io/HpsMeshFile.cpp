@@ -10,6 +10,7 @@
 #include "KV_Components/Hps.h"
 #include "KV_Components/Image.h"
 #include "base/HugePages.h"
+#include "geometry/TriangleIndices.h"
 #include "io/FiniteCoordinates.h"
 #include "platform/ComponentRegistry.h"
 
@@ -60,25 +61,26 @@ MeshSize SizeOf(Object* mesh) {
     return size;
 }
 
-/// Three per triangle, not checked.
-std::unique_ptr<std::int32_t[]> ReadIndices(Object* mesh, std::size_t triangleCount) {
-    auto indices = MakeArrayInHugePages<std::int32_t>(3 * triangleCount);
-    RequireFileData(hps_mesh::kReadIndices(mesh, indices.get(), 3 * triangleCount * sizeof(std::int32_t)),
+/// Not checked.
+std::vector<Triangle> ReadTriangles(Object* mesh, std::size_t triangleCount) {
+    std::vector<Triangle> triangles;
+    ReserveInHugePages(triangles, triangleCount);
+    triangles.resize(triangleCount);
+    static_assert(sizeof(Triangle) == 3 * sizeof(std::int32_t));
+    RequireFileData(hps_mesh::kReadIndices(mesh, triangles.empty() ? nullptr : triangles.data()->v,
+                                           triangleCount * sizeof(Triangle)),
                     kInvalidFacetData);
-    return indices;
+    return triangles;
 }
 
-void RequireVertex(std::int32_t index, std::size_t vertexCount, std::size_t triangle) {
-    if (index >= 0 && static_cast<std::size_t>(index) < vertexCount) return;
-    Refuse(kInvalidFacetData, "Triangle " + std::to_string(triangle) + " refers to vertex " + std::to_string(index) +
-                                  " of " + std::to_string(vertexCount) + ".");
+[[noreturn]] void RefuseIndex(const BadIndex& bad, std::size_t vertexCount) {
+    Refuse(kInvalidFacetData, "Triangle " + std::to_string(bad.triangle) + " refers to vertex " +
+                                  std::to_string(bad.index) + " of " + std::to_string(vertexCount) + ".");
 }
 
 /// Throws with the first triangle that refers to a missing vertex, if there is one.
-void RequireVertices(Object* mesh) {
-    const MeshSize size = SizeOf(mesh);
-    const auto indices = ReadIndices(mesh, size.triangles);
-    for (std::size_t i = 0; i < 3 * size.triangles; ++i) RequireVertex(indices[i], size.vertices, i / 3);
+void RequireVertices(std::span<const Triangle> triangles, std::size_t vertexCount) {
+    if (const auto bad = FindBadIndex(triangles, vertexCount)) RefuseIndex(*bad, vertexCount);
 }
 
 // ---- the reader object
@@ -121,7 +123,10 @@ public:
 private:
     /// Some libraries return the mesh of a file that they refuse: then the reason can name the bad triangle.
     void NameBadTriangle() const {
-        if (const ComponentPtr mesh = Mesh()) RequireVertices(mesh.get());
+        const ComponentPtr mesh = Mesh();
+        if (!mesh) return;
+        const MeshSize size = SizeOf(mesh.get());
+        RequireVertices(ReadTriangles(mesh.get(), size.triangles), size.vertices);
     }
     [[nodiscard]] std::int32_t LastError() const {
         std::int32_t code = 0;
@@ -246,14 +251,12 @@ public:
     VertexAccess& operator=(const VertexAccess&) = delete;
 
     /// @param attribute  'P' positions, 'N' normals
-    /// @return three floats per vertex
-    [[nodiscard]] std::unique_ptr<float[]> Read(char attribute) const {
-        auto values = MakeArrayInHugePages<float>(3 * m_vertexCount);
+    /// @param values     receives three floats per vertex
+    void Read(char attribute, float* values) const {
         RequireFileData(
             hps_vertex_data::kReadAttribute(m_pData.get(), attribute, 0, static_cast<std::int32_t>(m_vertexCount),
-                                            values.get(), 3 * m_vertexCount * sizeof(float)),
+                                            values, 3 * m_vertexCount * sizeof(float)),
             kInvalidVertexData);
-        return values;
     }
 
 private:
@@ -261,41 +264,40 @@ private:
     std::size_t m_vertexCount;
 };
 
+// Positions and normals through the same array: fresh memory costs more than the copy.
 void ReadVertices(Object* mesh, std::size_t vertexCount, HpsData& data) {
-    std::unique_ptr<float[]> positions, normals;
-    {
-        // ends the access before the vertices are made
-        const VertexAccess access(mesh, vertexCount);
-        positions = access.Read('P');
-        normals = access.Read('N');
-    }
-    data.m_uNotFinite = CountNotFinite({positions.get(), 3 * vertexCount});
+    const VertexAccess access(mesh, vertexCount);
+    const auto values = MakeArrayInHugePages<float>(3 * vertexCount);
+    access.Read('P', values.get());
+    data.m_uNotFinite = CountNotFinite({values.get(), 3 * vertexCount});
     std::vector<Vertex>& vertices = data.m_vVertices;
     ReserveInHugePages(vertices, vertexCount);
-    for (std::size_t i = 0; i < vertexCount; ++i) {
-        const float* const p = &positions[3 * i];
-        const float* const n = &normals[3 * i];
-        vertices.push_back({p[0], p[1], p[2], n[0], n[1], n[2], 0xFFFFFFFF, 0});
+    for (const float* p = values.get(); vertices.size() < vertexCount; p += 3)
+        vertices.push_back({.x = p[0], .y = p[1], .z = p[2], .color = 0xFFFFFFFF});
+    access.Read('N', values.get());
+    const float* n = values.get();
+    for (Vertex& vertex : vertices) {
+        vertex.nx = n[0];
+        vertex.ny = n[1];
+        vertex.nz = n[2];
+        n += 3;
     }
 }
 
-/// @param indices  three per triangle
-/// @param pairs    null without a texture
-std::vector<HpsFace> MakeFaces(const std::int32_t* indices, const MeshSize& size, VertexPairs* pairs) {
+std::vector<HpsFace> MakeFaces(std::span<const Triangle> triangles, std::size_t vertexCount, VertexPairs& pairs) {
     std::vector<HpsFace> faces;
-    ReserveInHugePages(faces, size.triangles);
-    for (std::size_t i = 0; i < size.triangles; ++i) {
+    ReserveInHugePages(faces, triangles.size());
+    for (std::size_t i = 0; i < triangles.size(); ++i) {
         HpsFace& face = faces.emplace_back();
         for (std::size_t corner = 0; corner < 3; ++corner) {
-            const std::int32_t index = indices[3 * i + corner];
-            RequireVertex(index, size.vertices, i);
-            face.v[corner] = index;
-            if (pairs == nullptr) continue;
+            const std::int32_t index = triangles[i].v[corner];
             const auto vertex = static_cast<std::size_t>(index);
-            if (!pairs->Has(vertex))
+            if (index < 0 || vertex >= vertexCount) RefuseIndex({i, index}, vertexCount);
+            if (!pairs.Has(vertex))
                 Refuse(kInvalidUvData, "Triangle " + std::to_string(i) + " uses vertex " + std::to_string(index) +
                                            ", which has no texture coordinates.");
-            face.uv[corner] = pairs->Next(vertex);
+            face.v[corner] = index;
+            face.uv[corner] = pairs.Next(vertex);
         }
     }
     return faces;
@@ -331,7 +333,6 @@ HpsData ReadHpsFile(const wchar_t* path) {
     HpsData data;
     MeshSize size;
     VertexPairs pairs;
-    std::unique_ptr<std::int32_t[]> indices;
     {
         OpenReader reader(path);
         const std::vector<std::uint8_t> uvBlock = ReadTexture(reader, data);
@@ -341,9 +342,14 @@ HpsData ReadHpsFile(const wchar_t* path) {
         size = SizeOf(mesh.get());
         if (!uvBlock.empty()) pairs.Decode(decoder.get(), uvBlock, size.vertices);
         ReadVertices(mesh.get(), size.vertices, data);
-        indices = ReadIndices(mesh.get(), size.triangles);
+        data.m_vTriangles = ReadTriangles(mesh.get(), size.triangles);
         reader.Close();
     }  // frees the library's mesh and file before the faces, the largest array, are allocated
-    data.m_vFaces = MakeFaces(indices.get(), size, data.m_vPixels.empty() ? nullptr : &pairs);
+    if (data.m_vPixels.empty()) {
+        RequireVertices(data.m_vTriangles, size.vertices);
+        return data;
+    }
+    data.m_vFaces = MakeFaces(data.m_vTriangles, size.vertices, pairs);
+    data.m_vTriangles = {};
     return data;
 }

@@ -20,7 +20,8 @@ struct HpsReadError : std::runtime_error {
 struct HpsData {
     std::vector<Vertex> m_vVertices;            ///< colour 0xFFFFFFFF, gridIndex 0
     std::size_t m_uNotFinite = 0;               ///< coordinates of vertices that are infinite or NaN
-    std::vector<HpsFace> m_vFaces;              ///< all indices are valid
+    std::vector<Triangle> m_vTriangles;         ///< of a mesh without a texture; all indices are valid
+    std::vector<HpsFace> m_vFaces;              ///< of a mesh with a texture; all indices are valid
     std::uint32_t m_uWidth = 0, m_uHeight = 0;  ///< of the texture, pixels; 0 without one
     std::vector<std::uint32_t> m_vPixels;     ///< RGBA bytes of the texture, the row of v = 0 first; empty without one
     std::vector<std::uint8_t> m_vImageBytes;  ///< the texture file as it is stored

@@ -43,8 +43,11 @@ std::vector<std::array<float, 2>> PairsOf(const HpsData& data) {
     return pairs;
 }
 
+/// Of the triangles of a mesh without a texture, of the faces of one with a texture.
 std::vector<std::int32_t> IndicesOf(const HpsData& data) {
+    EXPECT_TRUE(data.m_vTriangles.empty() || data.m_vFaces.empty());
     std::vector<std::int32_t> indices;
+    for (const Triangle& triangle : data.m_vTriangles) indices.insert(indices.end(), triangle.v, triangle.v + 3);
     for (const HpsFace& face : data.m_vFaces) indices.insert(indices.end(), face.v, face.v + 3);
     return indices;
 }
@@ -112,13 +115,13 @@ TEST(ReadHpsFile, GivesWhiteVerticesWithPositionsAndNormals) {
     EXPECT_EQ(std::memcmp(data.m_vVertices.data(), expected, sizeof(expected)), 0);
 }
 
-TEST(ReadHpsFile, GivesIndicesWithZeroTextureCoordinatesWhereThereIsNoTexture) {
+TEST(ReadHpsFile, GivesTrianglesAndNoFacesWhereThereIsNoTexture) {
     FakeComponents library;
     EnterTriangle(library);
     library.indices = {2, 0, 1, 1, 1, 1};
     const HpsData data = ReadHpsFile(kPath);
     EXPECT_THAT(IndicesOf(data), ElementsAre(2, 0, 1, 1, 1, 1));
-    EXPECT_THAT(PairsOf(data), testing::Each(std::array<float, 2>{0, 0}));
+    EXPECT_THAT(data.m_vFaces, IsEmpty());
     EXPECT_EQ(data.m_uWidth, 0u);
     EXPECT_EQ(data.m_uHeight, 0u);
     EXPECT_THAT(data.m_vPixels, IsEmpty());
@@ -129,7 +132,7 @@ TEST(ReadHpsFile, ReadsAMeshWithoutVertices) {
     FakeComponents library;
     const HpsData data = ReadHpsFile(kPath);
     EXPECT_THAT(data.m_vVertices, IsEmpty());
-    EXPECT_THAT(data.m_vFaces, IsEmpty());
+    EXPECT_THAT(IndicesOf(data), IsEmpty());
 }
 
 TEST(ReadHpsFile, GivesTheTextureWithItsFile) {
