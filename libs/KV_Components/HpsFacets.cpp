@@ -74,6 +74,8 @@ public:
         Remember({corners[0], corners[2], corners[1]});
     }
 
+    [[nodiscard]] std::size_t IntroducedCount() const { return m_uIntroduced; }
+
     /// After the last triangle: the vertices that no triangle uses.
     void IntroduceRest() {
         for (std::uint32_t v = 0; v < m_uVertexCount; ++v) Introduce(v, m_uLatest, m_uLatest, m_uLatest);
@@ -234,7 +236,22 @@ ByteVector EncodeFacets(std::span<const std::int32_t> indices, std::uint32_t ver
     return encoder.Finish();
 }
 
-Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t triangleCount) {
+void IntroductionFeed::Publish(std::size_t count) {
+    m_uState.store(count, std::memory_order_release);
+    m_uState.notify_one();
+}
+
+void IntroductionFeed::End() {
+    m_uState.fetch_or(kEnd, std::memory_order_release);
+    m_uState.notify_one();
+}
+
+std::size_t IntroductionFeed::WaitForMore(std::size_t known) const {
+    m_uState.wait(known, std::memory_order_acquire);
+    return static_cast<std::size_t>(m_uState.load(std::memory_order_acquire) & ~kEnd);
+}
+
+void DecodeFacets(ByteSpan bytes, std::uint32_t triangleCount, Facets& facets, IntroductionFeed& feed) {
     // Entropy decoding: all codes, then all numbers.
     ByteReader from(bytes);
     const RawArray<std::byte> codes = ReadBlock(from, triangleCount);
@@ -243,25 +260,36 @@ Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t tri
     if (!from.Rest().empty()) throw DamagedData("bytes after the triangles");
 
     // Prediction: each triangle from the state after the previous one.
-    Facets facets;
+    const auto vertexCount = static_cast<std::uint32_t>(facets.introductions.size());
     facets.indices = RawArray<std::int32_t>(std::size_t{3} * triangleCount);
-    facets.introductions = RawArray<Introduction>(vertexCount);
     State state(vertexCount, facets.introductions);
     Decoder decoder(state, numbers);
-    for (std::size_t i = 0; i < triangleCount; ++i) {
-        std::uint32_t corners[3];
-        decoder.Decode(static_cast<std::uint8_t>(codes[i]), corners);
-        std::memcpy(&facets.indices[3 * i], corners, sizeof corners);
-        // A wrong index must not be used later; unsigned, so that negative ones are found too.
-        const std::uint32_t highest = std::max({corners[0], corners[1], corners[2]});
-        if (highest >= vertexCount && facets.firstBad == Facets::kNone) facets.firstBad = i;
+    constexpr std::size_t kBlock = 4096;  // triangles between two publications
+    for (std::size_t first = 0; first < triangleCount; first += kBlock) {
+        const std::size_t last = std::min<std::size_t>(triangleCount, first + kBlock);
+        for (std::size_t i = first; i < last; ++i) {
+            std::uint32_t corners[3];
+            decoder.Decode(static_cast<std::uint8_t>(codes[i]), corners);
+            std::memcpy(&facets.indices[3 * i], corners, sizeof corners);
+            // A wrong index must not be used later; unsigned, so that negative ones are found too.
+            const std::uint32_t highest = std::max({corners[0], corners[1], corners[2]});
+            if (highest >= vertexCount && facets.firstBad == Facets::kNone) facets.firstBad = i;
+        }
+        // After a bad triangle the parents of an introduction can be wrong indices as well.
+        if (facets.firstBad == Facets::kNone) feed.Publish(state.IntroducedCount());
     }
     numbers.ExpectEnd();
-    if (facets.firstBad == Facets::kNone) {
-        state.IntroduceRest();
-    } else {
-        facets.introductions = {};
-    }
+    if (facets.firstBad != Facets::kNone) return;
+    state.IntroduceRest();
+    feed.Publish(state.IntroducedCount());
+}
+
+Facets DecodeFacets(ByteSpan bytes, std::uint32_t vertexCount, std::uint32_t triangleCount) {
+    Facets facets;
+    facets.introductions = RawArray<Introduction>(vertexCount);
+    IntroductionFeed unread;
+    DecodeFacets(bytes, triangleCount, facets, unread);
+    if (facets.firstBad != Facets::kNone) facets.introductions = {};
     return facets;
 }
 

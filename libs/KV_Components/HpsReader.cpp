@@ -11,6 +11,7 @@
 #include "KV_Components/Image.h"
 #include "KV_ScenePane/PathText.h"
 #include "ObjectRegistry.h"
+#include "files/Cores.h"
 
 namespace KvComponents {
 
@@ -28,6 +29,18 @@ ObjectPointer DecodeImage(Hps::ByteSpan file) {
         throw Hps::FileError(ReadError::kTexture, "the texture is not a picture");
     return result;
 }
+
+/// Ends the feed when it is destroyed, so that the thread that reads it ends as well.
+class EndOfFeed {
+public:
+    explicit EndOfFeed(Hps::IntroductionFeed& feed) : m_feed(feed) {}
+    ~EndOfFeed() { m_feed.End(); }
+    EndOfFeed(const EndOfFeed&) = delete;
+    EndOfFeed& operator=(const EndOfFeed&) = delete;
+
+private:
+    Hps::IntroductionFeed& m_feed;
+};
 
 /// Reads one file at a time; see hps_reader in KV_Components/Hps.h for the operations.
 class HpsReader final : public SingleInterfaceComponent {
@@ -94,18 +107,26 @@ void HpsReader::Reset() {
     m_pImage.reset();
 }
 
+// The positions are decoded by the other thread while the triangles, whose order they follow, are decoded by this one.
 void HpsReader::UnpackMesh() {
-    const auto unpackPositions = [this] { return Hps::PackedPositions(m_content.positions, m_content.vertexCount); };
+    Hps::Facets facets;
+    facets.introductions = Hps::RawArray<Hps::Introduction>(m_content.vertexCount);
+    Hps::IntroductionFeed feed;
+    const auto unpackPositions = [&] {
+        Hps::PackedPositions packed(m_content.positions, m_content.vertexCount);
+        return packed.Decode(facets.introductions.Span(), feed);
+    };
     // In packed bytes. Below this the start of a thread costs more than it saves.
     constexpr std::size_t kMinSizeForThread = 100'000;
     // "deferred" too: on this thread when the system has no further one.
-    const auto policy = m_content.positions.size() >= kMinSizeForThread ? std::launch::async | std::launch::deferred
-                                                                        : std::launch::deferred;
-    auto packed = std::async(policy, unpackPositions);
+    const bool hasThread = m_content.positions.size() >= kMinSizeForThread && FileStorage::AllowedCores() > 1;
+    auto unpacked =
+        std::async(hasThread ? std::launch::async | std::launch::deferred : std::launch::deferred, unpackPositions);
+    const EndOfFeed endOfFeed(feed);  // before the other thread is waited for, which waits for the feed
     // The part that is being decoded, for the code of an error.
     ReadError section = ReadError::kFacets;
     try {
-        Hps::Facets facets = Hps::DecodeFacets(m_content.facets, m_content.vertexCount, m_content.triangleCount);
+        Hps::DecodeFacets(m_content.facets, m_content.triangleCount, facets, feed);
         if (facets.firstBad != Hps::Facets::kNone) {
             // The mesh keeps its triangles, so that a caller can report which one is wrong.
             Hps::RawArray<float> positions(3 * std::size_t{m_content.vertexCount});
@@ -114,7 +135,7 @@ void HpsReader::UnpackMesh() {
             throw Hps::FileError(ReadError::kFacets, "a triangle names no vertex");
         }
         section = ReadError::kVertices;
-        Hps::RawArray<float> positions = packed.get().Decode(facets.introductions.Span());
+        Hps::RawArray<float> positions = unpacked.get();
         SetMesh(std::move(positions), std::move(facets.indices), true);
     } catch (const Hps::DamagedData& damage) {
         throw Hps::FileError(section, damage.what());

@@ -4,10 +4,15 @@
 #include "HpsVertices.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
 #include <utility>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "DefaultFloats.h"
 
@@ -25,6 +30,15 @@ constexpr std::size_t kAxisCount = 3;
 constexpr std::uint32_t kGainUnit = 16;
 constexpr std::uint32_t kMaxGain = 32;
 constexpr std::uint32_t kGainsToTry[] = {5, 8, 12, 16, 20};
+
+/// @param mask  0 or -1 in each lane
+bool IsSetInAllLanes(Int4 mask) {
+#if defined(__SSE2__)
+    return _mm_movemask_epi8(std::bit_cast<__m128i>(mask)) == 0xFFFF;
+#else
+    return (mask[0] & mask[1] & mask[2] & mask[3]) != 0;
+#endif
+}
 
 /// Predicts from the vertices introduced so far. Coordinates that are not finite count as zero: they would spread over
 /// the rest of the mesh, and the payload of a computed NaN differs between processors.
@@ -44,14 +58,19 @@ public:
     }
 
 private:
+    // A branch, since the next vertex waits for the result: the processor goes on before it is known.
     static Float4 ZeroUnlessFinite(Float4 values) {
         // x - x is 0 for finite x and NaN otherwise.
         const Int4 isFinite = (values - values) == Float4{};
+        if (IsSetInAllLanes(isFinite)) return values;
         return std::bit_cast<Float4>(std::bit_cast<Int4>(values) & isFinite);
     }
     RawArray<Float4> m_smoothed;
     float m_fGain;
 };
+
+/// Keeps the compiler from making a conditional move of the branch that calls it.
+void KeepBranch() { __asm__ volatile(""); }
 
 /// x, y, z of a vertex; the fourth lane is 0.
 Float4 PositionOf(std::span<const float> positions, std::size_t vertex) {
@@ -121,19 +140,40 @@ PackedPositions::PackedPositions(ByteSpan bytes, std::uint32_t vertexCount) {
 }
 
 RawArray<float> PackedPositions::Decode(std::span<const Introduction> introductions) {
+    IntroductionFeed feed;
+    feed.Publish(introductions.size());
+    feed.End();
+    return Decode(introductions, feed);
+}
+
+RawArray<float> PackedPositions::Decode(std::span<const Introduction> introductions, const IntroductionFeed& feed) {
     const DefaultFloats standard;
     NumberReader numbers = std::move(m_numbers);  // a local object, whose state the compiler can keep in registers
     RawArray<float> positions(kAxisCount * introductions.size());
     Predictor predictor(introductions.size(), m_uGain);
-    for (const Introduction& introduction : introductions) {
-        // Prediction, residual per axis, exact position, filtered position.
-        const Float4 predicted = predictor.Predict(introduction);
-        const auto from = std::bit_cast<Bits4>(predicted);
-        const auto coded = numbers.ReadThree((from >> 23) & 0xFF);
-        const Bits4 residual = ZigzagDecode(Bits4{coded[0], coded[1], coded[2], 0});
-        const auto position = std::bit_cast<Float4>(FloatBits(OrderedBits(from) + residual));
-        std::memcpy(&positions[kAxisCount * introduction.vertex], &position, kAxisCount * sizeof(float));
-        predictor.Update(introduction.vertex, predicted, position);
+    std::size_t done = 0;
+    // The exponents of the last prediction. Those of the next one are the same almost always: by a branch on that, and
+    // not by a copy, the processor decodes the next residual while it still computes the prediction.
+    std::array<std::uint32_t, 4> scales{};
+    while (done < introductions.size()) {
+        const std::size_t ready = feed.WaitForMore(done);
+        if (ready == done) return {};
+        for (; done < ready; ++done) {
+            // Prediction, residual per axis, exact position, filtered position.
+            const Introduction introduction = introductions[done];
+            const Float4 predicted = predictor.Predict(introduction);
+            const auto from = std::bit_cast<Bits4>(predicted);
+            const Bits4 exponents = (from >> 23) & 0xFF;
+            if (!IsSetInAllLanes(exponents == std::bit_cast<Bits4>(scales))) [[unlikely]] {
+                scales = std::bit_cast<std::array<std::uint32_t, 4>>(exponents);
+                KeepBranch();
+            }
+            const auto coded = numbers.ReadThree(scales);
+            const Bits4 residual = ZigzagDecode(Bits4{coded[0], coded[1], coded[2], 0});
+            const auto position = std::bit_cast<Float4>(FloatBits(OrderedBits(from) + residual));
+            std::memcpy(&positions[kAxisCount * introduction.vertex], &position, kAxisCount * sizeof(float));
+            predictor.Update(introduction.vertex, predicted, position);
+        }
     }
     numbers.ExpectEnd();
     return positions;

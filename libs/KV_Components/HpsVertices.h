@@ -24,6 +24,10 @@ public:
     /// @return x, y, z of each vertex
     /// @throws DamagedData
     [[nodiscard]] RawArray<float> Decode(std::span<const Introduction> introductions);
+    /// The same while the introductions are still being made.
+    /// @param introductions  the array that they are made in
+    /// @return empty when the feed ended before all of them were there
+    [[nodiscard]] RawArray<float> Decode(std::span<const Introduction> introductions, const IntroductionFeed& feed);
 
 private:
     std::uint32_t m_uGain = 0;
