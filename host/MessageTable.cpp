@@ -167,6 +167,26 @@ constexpr MessageRow kRows[] = {
      QT_TRANSLATE_NOOP("Messages",
                        "%1 coordinates are not finite: triangles may be missing there: export the file again from its "
                        "source")},
+    {"%1 of %2 vertices and %3 of %4 triangles are in the file",
+     QT_TRANSLATE_NOOP("Messages",
+                       "%1 of %2 points and %3 of %4 triangles are in the file, the rest was cut off: copy or export it "
+                       "again from its source")},
+    {"%1 of %2 vertices are in the file",
+     QT_TRANSLATE_NOOP("Messages",
+                       "%1 of %2 points are in the file, the rest was cut off: copy or export it again from its "
+                       "source")},
+    {"%1 of %2 triangles are in the file",
+     QT_TRANSLATE_NOOP("Messages",
+                       "%1 of %2 triangles are in the file, the rest was cut off: copy or export it again from its "
+                       "source")},
+    {"%1 of %2 pixels are in the file",
+     QT_TRANSLATE_NOOP("Messages",
+                       "%1 of %2 points of the grid are in the file, the rest was cut off: copy or export it again from "
+                       "its source")},
+    {"%1 bytes follow the end of its data",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the file goes on for %1 bytes after the end of its data, they are ignored: check that it is "
+                       "the right file")},
     {"holds no faces",
      QT_TRANSLATE_NOOP("Messages",
                        "the file has points but no triangles: import it as free points (File > Import free points, or "

@@ -48,6 +48,8 @@ const Words kWords[] = {
      "one coordinate is not finite: triangles may be missing there: export the file again from its source"},
     {"TwoCoordinates", "2 coordinates are not finite",
      "2 coordinates are not finite: triangles may be missing there: export the file again from its source"},
+    {"AFileThatWasCutOff", "768 of 1280 triangles are in the file",
+     "768 of 1280 triangles are in the file, the rest was cut off: copy or export it again from its source"},
     {"AFullDisk", "cannot write: No space left on device",
      "the disk is full: free some space or choose another folder"},
     {"AnUnknownText", "flux capacitor at 88", "flux capacitor at 88"},
