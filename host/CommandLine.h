@@ -87,6 +87,8 @@ struct HostOptions {
     std::string transformFile;
     /// Where Align writes the transforms of all its files, or empty; bytes, as typed.
     std::string savedTransforms;
+    /// A warning about a file is a failure of a run without a window.
+    bool strict = false;
     /// Info, Pick and Align print JSON.
     bool json = false;
     /// What draws Screenshot, Capture, Pick, lassos and the verbose Version: as WindowRequest::gpu.

@@ -123,7 +123,7 @@ int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
     if (picture.width == 0) return refuse("not written, the viewer gave no picture");
     std::string reason;
     if (!WritePng(options.picturePath, picture, &reason)) return refuse(reason);
-    return report.failed.empty() && !markers.hasFailed && isPlaced ? kExitGood : kExitFailure;
+    return HasImportedAll(report, options) && !markers.hasFailed && isPlaced ? kExitGood : kExitFailure;
 }
 
 /// The surface points under the pixels of the options.
@@ -182,7 +182,7 @@ int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const int printed = PrintResult(options.json ? PickJson(picks) : PickText(picks), out, err);
     if (printed != kExitGood) return printed;
     const bool hasHit = std::ranges::any_of(picks, [](const PickReport& pick) { return pick.hit.has_value(); });
-    return hasHit && report->failed.empty() ? kExitGood : kExitFailure;
+    return hasHit && HasImportedAll(*report, options) ? kExitGood : kExitFailure;
 }
 
 // The version first: it is printed also where nothing can draw.
@@ -228,7 +228,7 @@ int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     }
     const int printed = PrintResult(options.json ? ReportJson(report) : ReportText(report), out, err);
     if (printed != kExitGood) return printed;
-    return report.failed.empty() && isPlaced && HasCutOrNoLasso(report.cuts) ? kExitGood : kExitFailure;
+    return HasImportedAll(report, options) && isPlaced && HasCutOrNoLasso(report.cuts) ? kExitGood : kExitFailure;
 }
 
 int RunConvert(const HostOptions& options, std::FILE* err) {
@@ -241,5 +241,5 @@ int RunConvert(const HostOptions& options, std::FILE* err) {
     const ExportResult result = ExportObject(pane->Methods(), report->objects.front().index, options.exportPath);
     if (!result.text.empty())
         PrintError(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
-    return result.written ? kExitGood : kExitFailure;
+    return result.written && HasImportedAll(*report, options) ? kExitGood : kExitFailure;
 }

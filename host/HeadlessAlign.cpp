@@ -88,5 +88,5 @@ int RunAlign(const HostOptions& options, std::FILE* out, std::FILE* err) {
         reason = report.failed.empty() ? SaveTransforms(*pane, options, report) : "not every file was imported";
         if (!reason.empty()) PrintError(err, options.savedTransforms + ": not written: " + reason);
     }
-    return report.failed.empty() && reason.empty() ? kExitGood : kExitFailure;
+    return HasImportedAll(report, options) && reason.empty() ? kExitGood : kExitFailure;
 }

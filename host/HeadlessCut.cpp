@@ -109,7 +109,7 @@ int RunSaveCuts(const HostOptions& options, std::FILE* out, std::FILE* err) {
     if (printed != kExitGood) return printed;
     const auto isWritten = [](const CutSaveEntry& entry) { return entry.outcome == KV_ScenePane::CutWritten; };
     const bool isGood = std::ranges::any_of(entries, isWritten) && std::ranges::none_of(entries, HasFailed);
-    return isGood && report.failed.empty() ? kExitGood : kExitFailure;
+    return isGood && HasImportedAll(report, options) ? kExitGood : kExitFailure;
 }
 
 int RunExport(const HostOptions& options, std::FILE* err) {

@@ -64,9 +64,16 @@ void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const I
             report.failed.push_back({file, result.text});
         }
         if (!result.text.empty()) PrintError(err, file + ": " + result.text);
-        if (result.state == ImportResult::State::Added && !HasPosition(report.objects.back()))
-            PrintError(err, file + ": " + kNoFiniteCoordinate);
+        if (result.state != ImportResult::State::Added) continue;
+        if (!result.text.empty()) report.warnings.push_back({file, result.text});
+        if (HasPosition(report.objects.back())) continue;
+        PrintError(err, file + ": " + kNoFiniteCoordinate);
+        report.warnings.push_back({file, kNoFiniteCoordinate});
     }
+}
+
+bool HasImportedAll(const SceneReport& report, const HostOptions& options) {
+    return report.failed.empty() && (!options.strict || report.warnings.empty());
 }
 
 bool ApplyTransforms(ScenePane& pane, const HostOptions& options, SceneReport& report, std::FILE* err) {

@@ -27,6 +27,9 @@
 void ImportFiles(KV_ScenePane::ScenePane& pane, const std::vector<std::string>& files, const ImportSettings& settings,
                  SceneReport& report, std::FILE* err);
 
+/// Whether every file added what it holds, and with options.strict without a warning: what the exit status needs.
+[[nodiscard]] bool HasImportedAll(const SceneReport& report, const HostOptions& options);
+
 /// Replaces the transforms of the imported objects by those of options.transformFile, if the options have one, and
 /// updates their reports. Prints a line about entries and objects that do not belong together.
 /// @return false when the file cannot be read, or when no object has an entry; a line says so

@@ -91,6 +91,14 @@ constexpr Option kOptions[] = {
      .runs = kImports,
      .read = ReadColor},
 
+    {.row = {.name = "--strict",
+             .help = "end with status 1 when there is a warning about a file, such as one that was cut off; it is "
+                     "imported all the same, and without this option the status stays 0"},
+     .group = OptionGroup::Imports,
+     .runs = kImports & ~kWindow,
+     .read = SetFlag<&HostOptions::strict>,
+     .goesWith = "the runs without a window"},
+
     {.row = {.name = "--transforms",
              .value = "FILE",
              .help = "place the files as a JSON file says, before anything else is done with them: as "

@@ -191,6 +191,7 @@ std::string ReportText(const SceneReport& report) {
     std::string text;
     for (const ObjectReport& object : report.objects) text += TextObject(object);
     for (const FailedFile& failed : report.failed) text += failed.file + "\n  nothing added: " + failed.reason + '\n';
+    for (const FileWarning& warning : report.warnings) text += warning.file + "\n  warning: " + warning.text + '\n';
     if (report.clip) text += TextClip(*report.clip);
     if (!report.cuts.empty()) text += TextCuts(report.cuts);
     return text;
@@ -200,8 +201,12 @@ std::string ReportJson(const SceneReport& report) {
     const auto failure = [](const FailedFile& failed) {
         return "{\"file\": " + JsonString(failed.file) + ", \"reason\": " + JsonString(failed.reason) + '}';
     };
+    const auto warned = [](const FileWarning& warning) {
+        return "{\"file\": " + JsonString(warning.file) + ", \"text\": " + JsonString(warning.text) + '}';
+    };
     return "{\"objects\": " + JsonLines(report.objects, JsonObject) +
            ",\n\"failed\": " + JsonLines(report.failed, failure) +
+           ",\n\"warnings\": " + JsonLines(report.warnings, warned) +
            (report.clip ? ",\n\"clip\":" + JsonClip(*report.clip) : "") +
            (report.cuts.empty() ? "" : ",\n\"cuts\":" + JsonCuts(report.cuts)) + "}\n";
 }

@@ -41,6 +41,12 @@ struct FailedFile {
     std::string reason;  ///< one line
 };
 
+/// What is wrong with a file that added an object all the same.
+struct FileWarning {
+    std::string file;  ///< as typed, bytes
+    std::string text;  ///< one line
+};
+
 /// The clip plane as the viewer placed it at the data.
 struct ClipReport {
     KV_ScenePane::ClipHeight height;
@@ -55,10 +61,11 @@ struct CutReport {
     bool hasChanged = false;  ///< at least one object
 };
 
-/// The result of one --info run. Every file is in one of the two lists, in the order of the command line.
+/// The result of one --info run. Every file is in one of the first two lists, in the order of the command line.
 struct SceneReport {
     std::vector<ObjectReport> objects;
     std::vector<FailedFile> failed;
+    std::vector<FileWarning> warnings = {};
     /// Empty when the run did not place the plane.
     std::optional<ClipReport> clip = {};
     /// In the order in which they were applied; the objects are those after them.

@@ -2195,6 +2195,26 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <translation>%1 Koordinaten sind nicht endlich: dort können Dreiecke fehlen: die Datei aus ihrer Quelle neu exportieren</translation>
     </message>
     <message>
+        <source>%1 of %2 points and %3 of %4 triangles are in the file, the rest was cut off: copy or export it again from its source</source>
+        <translation>%1 von %2 Punkten und %3 von %4 Dreiecken sind in der Datei, der Rest ist abgeschnitten: die Datei neu kopieren oder aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>%1 of %2 points are in the file, the rest was cut off: copy or export it again from its source</source>
+        <translation>%1 von %2 Punkten sind in der Datei, der Rest ist abgeschnitten: die Datei neu kopieren oder aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>%1 of %2 triangles are in the file, the rest was cut off: copy or export it again from its source</source>
+        <translation>%1 von %2 Dreiecken sind in der Datei, der Rest ist abgeschnitten: die Datei neu kopieren oder aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>%1 of %2 points of the grid are in the file, the rest was cut off: copy or export it again from its source</source>
+        <translation>%1 von %2 Punkten des Rasters sind in der Datei, der Rest ist abgeschnitten: die Datei neu kopieren oder aus ihrer Quelle neu exportieren</translation>
+    </message>
+    <message>
+        <source>the file goes on for %1 bytes after the end of its data, they are ignored: check that it is the right file</source>
+        <translation>nach dem Ende der Daten folgen in der Datei noch %1 Bytes, sie werden übergangen: prüfen, ob es die richtige Datei ist</translation>
+    </message>
+    <message>
         <source>the file has points but no triangles: import it as free points (File &gt; Import free points, or --points)</source>
         <translation>die Datei hat Punkte, aber keine Dreiecke: als freie Punkte importieren (Datei &gt; Freie Punkte importieren oder --points)</translation>
     </message>
