@@ -3,13 +3,17 @@
 #include "HpsNormals.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
+
+#include "HpsPacking.h"
 
 namespace KvComponents::Hps {
 
@@ -43,54 +47,97 @@ Vectors Normalized(const Vectors& v) {
     return {v.x / divisor, v.y / divisor, v.z / divisor};
 }
 
-/// The unit normals of up to four triangles. Lanes without a triangle are zero.
-Vectors FaceNormals(std::span<const float> positions, std::span<const std::int32_t> indices) {
-    Vectors a{}, b{};
-    for (std::size_t lane = 0; 3 * lane < indices.size(); ++lane) {
-        const auto at = [&](std::size_t corner) {
-            return &positions[3 * static_cast<std::size_t>(indices[3 * lane + corner])];
-        };
-        const float *p0 = at(0), *p1 = at(1), *p2 = at(2);
-        a.x[lane] = p1[0] - p0[0], a.y[lane] = p1[1] - p0[1], a.z[lane] = p1[2] - p0[2];
-        b.x[lane] = p2[0] - p0[0], b.y[lane] = p2[1] - p0[1], b.z[lane] = p2[2] - p0[2];
-    }
-    return Normalized({a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x});
+/// Turns four rows of four into their four columns.
+void Transpose(Float4& a, Float4& b, Float4& c, Float4& d) {
+    const Float4 ab01 = __builtin_shufflevector(a, b, 0, 4, 1, 5), ab23 = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+    const Float4 cd01 = __builtin_shufflevector(c, d, 0, 4, 1, 5), cd23 = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+    a = __builtin_shufflevector(ab01, cd01, 0, 1, 4, 5);
+    b = __builtin_shufflevector(ab01, cd01, 2, 3, 6, 7);
+    c = __builtin_shufflevector(ab23, cd23, 0, 1, 4, 5);
+    d = __builtin_shufflevector(ab23, cd23, 2, 3, 6, 7);
 }
 
-/// Adds each face normal to the three vertices of its triangle.
-void AddFaceNormals(const Vectors& faces, std::span<const std::int32_t> indices, std::span<float> normals) {
-    for (std::size_t i = 0; i < indices.size(); ++i) {
-        float* const normal = &normals[3 * static_cast<std::size_t>(indices[i])];
-        normal[0] += faces.x[i / 3];
-        normal[1] += faces.y[i / 3];
-        normal[2] += faces.z[i / 3];
+/// The vertices of a mesh as vectors of four, of which the last lane has any value.
+class Points {
+public:
+    explicit Points(std::span<const float> positions) : m_pFirst(positions.data()) {
+        if (positions.empty()) return;
+        m_uLast = positions.size() / 3 - 1;
+        std::copy_n(&positions[3 * m_uLast], 3, m_last.begin());
     }
+    /// Four numbers are read. After the last vertex there is no fourth one: it has a copy.
+    [[nodiscard]] Float4 At(std::int32_t index) const {
+        const auto vertex = static_cast<std::size_t>(index);
+        Float4 point;
+        std::memcpy(&point, vertex == m_uLast ? m_last.data() : m_pFirst + 3 * vertex, sizeof point);
+        return point;
+    }
+
+private:
+    const float* m_pFirst;
+    std::size_t m_uLast = 0;
+    std::array<float, 4> m_last{};
+};
+
+/// One corner of four triangles.
+/// @param indices  of twelve corners
+Vectors CornersOf(const std::int32_t* indices, std::size_t corner, const Points& points) {
+    Float4 rows[kLanes];
+    for (std::size_t lane = 0; lane < kLanes; ++lane) rows[lane] = points.At(indices[3 * lane + corner]);
+    Transpose(rows[0], rows[1], rows[2], rows[3]);
+    return {rows[0], rows[1], rows[2]};
 }
 
-/// @param normals  sums of up to four vertices, replaced by their directions
-void NormalizeSums(std::span<float> normals) {
-    Vectors sums{};
-    for (std::size_t lane = 0; 3 * lane < normals.size(); ++lane)
-        sums.x[lane] = normals[3 * lane], sums.y[lane] = normals[3 * lane + 1], sums.z[lane] = normals[3 * lane + 2];
-    const Vectors unit = Normalized(sums);
-    for (std::size_t lane = 0; 3 * lane < normals.size(); ++lane)
-        normals[3 * lane] = unit.x[lane], normals[3 * lane + 1] = unit.y[lane], normals[3 * lane + 2] = unit.z[lane];
+Vectors Minus(const Vectors& a, const Vectors& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+
+/// The unit normals of four triangles, one per row.
+std::array<Float4, kLanes> FaceNormals(const std::int32_t* indices, const Points& points) {
+    const Vectors p0 = CornersOf(indices, 0, points);
+    const Vectors a = Minus(CornersOf(indices, 1, points), p0), b = Minus(CornersOf(indices, 2, points), p0);
+    Vectors n = Normalized({a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x});
+    Float4 none{};
+    Transpose(n.x, n.y, n.z, none);
+    return {n.x, n.y, n.z, none};
+}
+
+/// The directions of four sums as twelve numbers.
+std::array<float, 3 * kLanes> DirectionsOf(const Float4* sums) {
+    Float4 x = sums[0], y = sums[1], z = sums[2], rest = sums[3];
+    Transpose(x, y, z, rest);
+    const Vectors unit = Normalized({x, y, z});
+    std::array<float, 3 * kLanes> directions;
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        directions[3 * lane] = unit.x[lane];
+        directions[3 * lane + 1] = unit.y[lane];
+        directions[3 * lane + 2] = unit.z[lane];
+    }
+    return directions;
 }
 
 }  // namespace
 
 void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals) {
-    std::fill(normals.begin(), normals.end(), 0.0f);
-    // Whole groups of four triangles, then the rest.
-    const std::size_t wholeIndices = indices.size() / (3 * kLanes) * (3 * kLanes);
-    for (std::size_t i = 0; i < wholeIndices; i += 3 * kLanes) {
-        const auto four = indices.subspan(i).first<3 * kLanes>();
-        AddFaceNormals(FaceNormals(positions, four), four, normals);
+    const Points points(positions);
+    const std::size_t vertices = positions.size() / 3;
+    RawArray<Float4> sums((vertices + kLanes - 1) / kLanes * kLanes);
+    std::fill_n(sums.data(), sums.size(), Float4{});
+    // Whole groups of four triangles, then the rest, filled up with its first triangle.
+    constexpr std::size_t kGroup = 3 * kLanes;
+    for (std::size_t first = 0; first < indices.size(); first += kGroup) {
+        const std::size_t count = std::min(kGroup, indices.size() - first);
+        std::array<std::int32_t, kGroup> four;
+        if (count == kGroup) {
+            std::copy_n(&indices[first], kGroup, four.begin());
+        } else {
+            for (std::size_t i = 0; i < kGroup; ++i) four[i] = indices[first + (i < count ? i : i % 3)];
+        }
+        const auto faces = FaceNormals(four.data(), points);
+        for (std::size_t i = 0; i < count; ++i) sums[static_cast<std::size_t>(four[i])] += faces[i / 3];
     }
-    const auto rest = indices.subspan(wholeIndices);
-    AddFaceNormals(FaceNormals(positions, rest), rest, normals);
-    for (std::size_t i = 0; i < normals.size(); i += 3 * kLanes)
-        NormalizeSums(normals.subspan(i, std::min(3 * kLanes, normals.size() - i)));
+    for (std::size_t first = 0; first < vertices; first += kLanes) {
+        const auto directions = DirectionsOf(&sums[first]);
+        std::copy_n(directions.begin(), 3 * std::min(kLanes, vertices - first), &normals[3 * first]);
+    }
 }
 
 }  // namespace KvComponents::Hps
