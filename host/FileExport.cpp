@@ -56,6 +56,9 @@ ExportResult WatchWrite(const std::string& file, const std::function<void()>& wr
     std::string text = FileMessage(file, capture.Text(), thrown);
     const std::optional<struct stat> now = StateOf(file);
     if (thrown.empty() && now && IsNewer(*now, before)) return {true, text};
-    if (text.empty()) text = WriteRefusal(file);
+    // An exception without a line about the file may be a status that is the same for every cause.
+    if (capture.Text().empty()) {
+        if (const std::string refusal = WriteRefusal(file); !refusal.empty()) text = refusal;
+    }
     return {false, text.empty() ? "the viewer wrote no file and gave no reason" : text};
 }

@@ -58,6 +58,8 @@ constexpr const char* kDiskFull =
     QT_TRANSLATE_NOOP("Messages", "the disk is full: free some space or choose another folder");
 constexpr const char* kNotSaved =
     QT_TRANSLATE_NOOP("Messages", "the file could not be replaced: %1: check the folder and its permissions");
+constexpr const char* kNoFile =
+    QT_TRANSLATE_NOOP("Messages", "this is a device or a pipe and no file: choose another name");
 constexpr const char* kDriver = QT_TRANSLATE_NOOP(
     "Messages",
     "install the current driver of the graphics card, or set LIBGL_ALWAYS_SOFTWARE=1 to draw with the processor");
@@ -276,6 +278,13 @@ constexpr MessageRow kRows[] = {
     // ---- files that are written
     {"%1: No space left on device", kDiskFull},
     {"%1: Disk quota exceeded", kDiskFull},
+    {"%1: Is a directory", QT_TRANSLATE_NOOP("Messages", "this is a folder: choose the name of a file")},
+    {"not a regular file: %1", kNoFile},
+    {"cannot be saved: Operation not supported", kNoFile},
+    {"cannot be saved: %1", kNotSaved},
+    {"the call failed",
+     QT_TRANSLATE_NOOP("Messages",
+                       "libKV_Components.so has failed and gives no reason: check the file and its folder")},
     {"cannot rename: %1", kNotSaved},
     {"cannot write: %1", kNotSaved},
     {"cannot flush: %1", kNotSaved},

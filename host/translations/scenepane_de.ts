@@ -2195,6 +2195,18 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <translation>%1 Koordinaten sind nicht endlich: dort können Dreiecke fehlen: die Datei aus ihrer Quelle neu exportieren</translation>
     </message>
     <message>
+        <source>this is a folder: choose the name of a file</source>
+        <translation>das ist ein Ordner: den Namen einer Datei wählen</translation>
+    </message>
+    <message>
+        <source>this is a device or a pipe and no file: choose another name</source>
+        <translation>das ist ein Gerät oder eine Pipe und keine Datei: einen anderen Namen wählen</translation>
+    </message>
+    <message>
+        <source>libKV_Components.so has failed and gives no reason: check the file and its folder</source>
+        <translation>libKV_Components.so ist gescheitert und nennt keinen Grund: die Datei und ihren Ordner prüfen</translation>
+    </message>
+    <message>
         <source>%1 of %2 points and %3 of %4 triangles are in the file, the rest was cut off: copy or export it again from its source</source>
         <translation>%1 von %2 Punkten und %3 von %4 Dreiecken sind in der Datei, der Rest ist abgeschnitten: die Datei neu kopieren oder aus ihrer Quelle neu exportieren</translation>
     </message>

@@ -1,4 +1,5 @@
 // Two objects: the compressor holds a mesh; the file writer packs it in Prepare() and writes the file in Save().
+#include <cerrno>
 #include <optional>
 #include <system_error>
 
@@ -168,7 +169,8 @@ std::int32_t HpsFileWriter::Save(const wchar_t* path) {
         FileStorage::AtomicFile file(KV_ScenePane::PathBytes(path));
         file.WriteAt(0, bytes.data(), bytes.size());
         file.Commit();
-    } catch (const std::system_error&) {
+    } catch (const std::system_error& error) {
+        errno = error.code().value();
         return kFailed;
     }
     return kSucceeded;

@@ -83,8 +83,8 @@ AtomicFile::AtomicFile(const std::string& target, FileCalls& calls) : m_calls(ca
     struct stat old {};
     const bool exists = ::stat(m_sTarget.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
-        errno = EINVAL;
-        Fail("not a regular file");
+        errno = S_ISDIR(old.st_mode) ? EISDIR : EOPNOTSUPP;
+        Fail(S_ISDIR(old.st_mode) ? "cannot be written" : "not a regular file");
     }
     // A rename needs write permission for the folder only, but a write-protected file must not be replaced.
     if (exists && ::access(m_sTarget.c_str(), W_OK) != 0) Fail("cannot be written");

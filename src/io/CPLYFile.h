@@ -2,6 +2,7 @@
 // Nothing here is about meshes: io/PlyMesh.h makes one of the elements. Sources: CPLYFile.cpp has the header's parser;
 // PlyDataSection.cpp what text and binary data have in common; PlyTextSection.cpp and PlyBinarySection.cpp the rest.
 #pragma once
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 #include <istream>
@@ -10,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 class CPLYFile;
@@ -20,7 +22,10 @@ public:
     /// @param position  byte offset: in the stream for an error of the header, in the data part for one of the data; -1
     ///                  when the error has no position
     explicit CPLYFileError(std::string message, std::int64_t position = -1)
-        : m_sMessage(std::move(message)), m_iPosition(position) {}
+        : m_sMessage(std::move(message)), m_iPosition(position) {
+        // A token of the file can hold zero bytes, which would end the text of what().
+        std::ranges::replace(m_sMessage, '\0', '?');
+    }
     [[nodiscard]] const char* what() const noexcept override { return m_sMessage.c_str(); }
     [[nodiscard]] std::int64_t GetPosition() const noexcept { return m_iPosition; }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "control/ScenePaneCtrl.h"
+#include "files/SystemMessage.h"
 #include "io/FileMessage.h"
 #include "io/FiniteCoordinates.h"
 #include "io/HpsMeshFile.h"
@@ -71,5 +72,12 @@ void CKV_ScenePaneCtrl::ExportHps(std::int16_t objIdx, const wchar_t* path) {
     if (mesh.m_pTexture) content.imageFile = mesh.m_pTexture->m_vImageBytes;
     content.sourceApplication = m_hpsSourceApp;
     content.sourceVersion = m_hpsSourceVersion;
-    WriteHpsFile(content, path);
+    try {
+        WriteHpsFile(content, path);
+    } catch (const HpsSaveError& error) {
+        // The status text alone is the same for every cause.
+        if (error.m_iError != 0)
+            ReportFileError("ExportHps", path, "cannot be saved: " + FileStorage::SystemMessage(error.m_iError));
+        throw;
+    }
 }

@@ -16,6 +16,13 @@ struct HpsReadError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// Why an hps file could not be saved: the status text of the library, and the system's error number where the library
+/// has left one in errno, as ours does; else 0.
+struct HpsSaveError : std::runtime_error {
+    HpsSaveError(const char* status, int error) : std::runtime_error(status), m_iError(error) {}
+    int m_iError;
+};
+
 /// The content of an hps file.
 struct HpsData {
     std::vector<Vertex> m_vVertices;            ///< colour 0xFFFFFFFF, gridIndex 0
@@ -47,6 +54,8 @@ struct HpsContent {
 
 // ---- io/HpsMeshFileWrite.cpp
 /// Normals, colours and grid indices of the mesh are not written.
-/// @throws std::runtime_error with the status text of the step that failed; whether an existing file at @p path is then
+/// @throws HpsSaveError when the library cannot save the file; std::runtime_error with the status text of any other
+/// step
+///         that failed. Whether an existing file at @p path is then
 ///         still the old one depends on the library
 void WriteHpsFile(const HpsContent& content, const wchar_t* path);

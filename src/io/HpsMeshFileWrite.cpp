@@ -2,6 +2,7 @@
 // and that to a file writer, add the texture, save. Declarations: io/HpsMeshFile.h.
 #include <algorithm>
 #include <cassert>
+#include <cerrno>
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -112,7 +113,9 @@ void WriteHpsFile(const HpsContent& content, const wchar_t* path) {
     RequireSuccess(hps_file_writer::kPrepare(writer.get()));
     RequireSuccess(hps_file_writer::kSourceApplication(writer.get(), content.sourceApplication.c_str(),
                                                        content.sourceVersion.c_str()));
-    RequireSuccess(hps_file_writer::kSave(writer.get(), path));
+    errno = 0;
+    const std::int32_t status = hps_file_writer::kSave(writer.get(), path);
+    if (status != KvComponents::kSucceeded) throw HpsSaveError(GetStatusText(status), errno);
     // in the opposite order; here a failure counts, in the destructors it does not
     compressorBinding.Finish();
     meshBinding.Finish();

@@ -1,6 +1,9 @@
 #include "FileExport.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -114,6 +117,43 @@ TEST_F(ExportedObject, IsRefusedAnyOtherExtensionWithAReason) {
         EXPECT_EQ(result.text, "only ply, stl and hps files can be written") << name;
     }
     EXPECT_EQ(m_folder.FileCount(), 0u);
+}
+
+// The same reason for every format, whichever library writes it.
+TEST_F(ExportedObject, ThatCannotBeWrittenHasTheReason) {
+    const RegistryStart registry(m_pane->Methods());
+    for (const std::string extension : {".ply", ".stl", ".hps"}) {
+        ASSERT_EQ(mkdir((m_folder / "folder" + extension).c_str(), 0700), 0);
+        ASSERT_EQ(mkfifo((m_folder / "pipe" + extension).c_str(), 0600), 0);
+        const auto reasonOf = [&](const std::string& name) {
+            const ExportResult result = ExportObject(m_pane->Methods(), 0, m_folder / name + extension);
+            EXPECT_FALSE(result.written) << name << extension;
+            return result.text;
+        };
+        EXPECT_EQ(reasonOf("missing/a"),
+                  "the file could not be replaced: No such file or directory: check the folder and its permissions")
+            << extension;
+        EXPECT_EQ(reasonOf("folder"), "this is a folder: choose the name of a file") << extension;
+        EXPECT_EQ(reasonOf("pipe"), "this is a device or a pipe and no file: choose another name") << extension;
+        // As on a full disk, a write fails after some bytes.
+        const auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+        rlimit old{};
+        ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+        const rlimit limit{10, old.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const std::string reason = reasonOf("large");
+        setrlimit(RLIMIT_FSIZE, &old);
+        signal(SIGXFSZ, oldHandler);
+        EXPECT_EQ(reason, "the file could not be replaced: File too large: check the folder and its permissions")
+            << extension;
+    }
+}
+
+TEST_F(WatchedWrite, ThatThrowsAStatusGetsTheReasonFromTheStateOnDisk) {
+    const auto fail = [] { throw std::runtime_error("the call failed"); };
+    EXPECT_EQ(WatchWrite(m_folder / "no/new.hps", fail).text, "No such file or directory");
+    EXPECT_EQ(WatchWrite(m_folder / "new.hps", fail).text,
+              "libKV_Components.so has failed and gives no reason: check the file and its folder");
 }
 
 TEST_F(ExportedObject, ReportsWhatTheViewerThrows) {

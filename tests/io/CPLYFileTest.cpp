@@ -231,6 +231,17 @@ TEST_P(PlyLineEnds, DecideWhereTheDataStarts) {
 INSTANTIATE_TEST_SUITE_P(Ply, PlyLineEnds, testing::ValuesIn(kLineEnds),
                          [](const auto& row) { return std::string(row.param.name); });
 
+TEST(PlyFileError, HasItsWholeTextAlsoWithAZeroByteOfTheFile) {
+    EXPECT_STREQ(CPLYFileError(std::string("found \0this\0", 12)).what(), "found ?this?");
+    CPLYFile file;
+    try {
+        Read(file, "ply\nformat ascii 1." + std::string(1, '\0') + "2\n");
+        FAIL() << "the file was accepted";
+    } catch (const CPLYFileError& error) {
+        EXPECT_STREQ(error.what(), "Unsupported PLY file version: 1.?2");
+    }
+}
+
 TEST(PlyHeader, IsReadFromTheStreamsPositionButItsLineEndsFromTheStart) {
     std::istringstream stream("abc\r\n" + kLines + "DATA");
     stream.seekg(5);

@@ -45,6 +45,18 @@ protected:
 using HpsRoundTrip = WithRegistry<NoPictureControl>;
 using TexturedHpsRoundTrip = WithRegistry<OffscreenControl>;
 
+TEST_F(HpsRoundTrip, AnExportThatFailsThrowsTheStatusAndWritesTheReason) {
+    AddMesh(*c, {{.x = 0}, {.x = 4}, {.y = 4}}, {{{0, 1, 2}}});
+    std::filesystem::create_directory(folder / "folder.hps");
+    const std::pair<const char*, const char*> rows[] = {{"missing/a.hps", "No such file or directory"},
+                                                        {"folder.hps", "Is a directory"}};
+    for (const auto& [name, reason] : rows) {
+        EXPECT_THAT([&] { Export(name); },
+                    testing::ThrowsMessage<std::runtime_error>(testing::StrEq("the call failed")));
+        EXPECT_EQ(c.debugOutput.Take(), "ExportHps(): " + (folder / name) + ": cannot be saved: " + reason + "\n");
+    }
+}
+
 /// A roof of two squares: every vertex is shared by triangles in several orders.
 Mesh& AddRoof(CKV_ScenePaneCtrl& control) {
     constexpr float kDenormal = std::numeric_limits<float>::denorm_min();

@@ -84,7 +84,7 @@ TEST(ExportPly, DoesNotReplaceDevicesAndOtherSpecialFiles) {
 
     std::filesystem::create_directory(folder / "folder.ply");
     c->ExportMesh(0, WidePath(folder / "folder.ply").c_str());
-    EXPECT_THAT(c.debugOutput.Take(), HasSubstr("not a regular file"));
+    EXPECT_THAT(c.debugOutput.Take(), HasSubstr("cannot be written: Is a directory\n"));
     EXPECT_EQ(folder.FileCount(), 2u);
 }
 

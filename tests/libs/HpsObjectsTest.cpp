@@ -317,7 +317,9 @@ TEST_F(HpsWriterObject, RefusesNullAndAWrongNumberOfPairs) {
 
 TEST_F(HpsWriterObject, KeepsTheOldFileWhenItCannotWrite) {
     EXPECT_EQ(Save(Tetrahedron(), m_folder / "missing/mesh.hps"), kNo);
-    EXPECT_EQ(Save(Tetrahedron(), m_folder.Path().string()), kNo) << "a folder";
+    EXPECT_EQ(errno, ENOENT) << "the reason for the caller";
+    EXPECT_EQ(Save(Tetrahedron(), m_folder.Path().string()), kNo);
+    EXPECT_EQ(errno, EISDIR);
     EXPECT_EQ(Save(Tetrahedron(), ""), kNo);
     EXPECT_EQ(m_folder.FileCount(), 0u);
 }

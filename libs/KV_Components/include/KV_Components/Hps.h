@@ -147,7 +147,7 @@ inline constexpr Operation<std::int32_t(const float* pairs, std::size_t pairCoun
 /// Name and version of the program that the mesh is from, in UTF-8.
 inline constexpr Operation<std::int32_t(const char* application, const char* version)> kSourceApplication{24};
 /// Writes the file beside its target, flushes it to the disk and renames it: on failure the old file is unchanged.
-/// @return kFailed before kPrepare and when the file cannot be written
+/// @return kFailed before kPrepare and when the file cannot be written; errno is then the reason
 inline constexpr Operation<std::int32_t(const wchar_t* path)> kSave{28};
 /// Releases the compressor and the packed mesh.
 inline constexpr Operation<std::int32_t()> kUnbind{29};
