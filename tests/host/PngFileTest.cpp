@@ -137,6 +137,34 @@ TEST(WritePng, ReportsAFolderThatIsWriteProtected) {
     EXPECT_EQ(ReadBytes(folder / "old.png").size(), 1u);
 }
 
+TEST(WritePng, RefusesAFileThatIsWriteProtected) {
+    const ScratchFolder folder;
+    std::string reason;
+    ASSERT_EQ(chmod(folder.Path().c_str(), 0777), 0);
+    WriteBytes(folder / "old.png", {std::byte{1}});
+    ASSERT_EQ(chmod((folder / "old.png").c_str(), 0444), 0);
+    const UnprivilegedUser user;
+    if (!user.HasEffect()) GTEST_SKIP() << "root that may not change its user";
+    EXPECT_FALSE(WritePng(folder / "old.png", ThreeByTwo(), &reason));
+    EXPECT_EQ(reason, "Permission denied");
+    EXPECT_EQ(ReadBytes(folder / "old.png").size(), 1u);
+    EXPECT_EQ(folder.FileCount(), 1u);
+}
+
+TEST(WritePng, KeepsTheOwnerOfAnOlderFile) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can keep another owner";
+    const ScratchFolder folder;
+    std::string reason;
+    WriteBytes(folder / "a.png", {std::byte{1}});
+    ASSERT_EQ(chown((folder / "a.png").c_str(), 12345, 54321), 0);
+    ASSERT_TRUE(WritePng(folder / "a.png", ThreeByTwo(), &reason)) << reason;
+    struct stat status {};
+    ASSERT_EQ(stat((folder / "a.png").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 12345u);
+    EXPECT_EQ(status.st_gid, 54321u);
+    EXPECT_TRUE(IsPng(folder / "a.png"));
+}
+
 TEST(WritePng, ReportsAMissingFolder) {
     const ScratchFolder folder;
     std::string reason;

@@ -1,8 +1,11 @@
 """Arrays: what is accepted, that nothing is copied, and what comes back; pictures and PNG files."""
 
 import copy
+import fcntl
 import os
 import pickle
+import signal
+import stat
 import struct
 import subprocess
 import sys
@@ -364,6 +367,68 @@ class PngFiles(unittest.TestCase):
             with open(path, "rb") as stream:
                 self.assertEqual(stream.read(), kv.png(picture))
             self.assertEqual(len(os.listdir(folder)), 3)
+
+    def test_AnExistingFileKeepsItsModeAndALinkToIt(self) -> None:
+        picture = np.full((3, 3, 4), 9, np.uint8)
+        with tempfile.TemporaryDirectory() as folder:
+            path, link = os.path.join(folder, "a.png"), os.path.join(folder, "link.png")
+            with open(path, "wb"):
+                pass
+            os.chmod(path, 0o640)
+            os.symlink("a.png", link)
+            kv.save_png(link, picture)
+            self.assertTrue(os.path.islink(link))
+            self.assertEqual(stat.S_IMODE(os.stat(path).st_mode), 0o640)
+            with open(path, "rb") as stream:
+                self.assertEqual(stream.read(), kv.png(picture))
+            os.unlink(path)
+            before = os.umask(0o027)
+            kv.save_png(path, picture)
+            os.umask(before)
+            self.assertEqual(stat.S_IMODE(os.stat(path).st_mode), 0o640)
+
+    def test_AWriteProtectedFileStays(self) -> None:
+        # root may write any file: the answer of the system is replaced.
+        with tempfile.TemporaryDirectory() as folder, mock.patch("os.access", return_value=False):
+            path = os.path.join(folder, "a.png")
+            with open(path, "wb") as stream:
+                stream.write(b"old")
+            with self.assertRaises(PermissionError):
+                kv.save_png(path, np.zeros((3, 3, 4), np.uint8))
+            with open(path, "rb") as stream:
+                self.assertEqual(stream.read(), b"old")
+            self.assertEqual(os.listdir(folder), ["a.png"])
+
+    def test_WhatAKilledWriteLeftIsRemovedByTheNextOne(self) -> None:
+        picture = np.zeros((3, 3, 4), np.uint8)
+        kill = (
+            "import os, signal, sys\n"
+            "from unittest import mock\n"
+            "import numpy as np\n"
+            "import kv_scenepane as kv\n"
+            "die = lambda *_: os.kill(os.getpid(), signal.SIGKILL)\n"
+            "real = os.open\n"
+            "def named(path, flags, *rest, **more):\n"
+            "    if flags & os.O_TMPFILE == os.O_TMPFILE:\n"
+            "        raise OSError(95, 'no such files')\n"
+            "    return real(path, flags, *rest, **more)\n"
+            "with mock.patch('os.replace', die), mock.patch('os.open', named):\n"
+            "    kv.save_png(sys.argv[1], np.zeros((3, 3, 4), np.uint8))\n"
+        )
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.png")
+            run = subprocess.run([sys.executable, "-c", kill, path])
+            self.assertEqual(run.returncode, -signal.SIGKILL)
+            left = os.listdir(folder)
+            self.assertEqual(len(left), 1)
+            kv.save_png(os.path.join(folder, "b.png"), picture)
+            self.assertIn(left[0], os.listdir(folder), "the file of another target")
+            with open(os.path.join(folder, left[0]), "rb+") as writer:
+                fcntl.flock(writer, fcntl.LOCK_EX)
+                kv.save_png(path, picture)
+                self.assertIn(left[0], os.listdir(folder), "a file that is being written")
+            kv.save_png(path, picture)
+            self.assertEqual(sorted(os.listdir(folder)), ["a.png", "b.png"])
 
 
 if __name__ == "__main__":

@@ -1,7 +1,6 @@
 """Pictures: from the words of the library to r, g, b, a, and PNG files."""
 from __future__ import annotations
 
-import os
 import struct
 import sys
 import zlib
@@ -10,6 +9,7 @@ from typing import Any
 import numpy as np
 
 from ._values import PathLike
+from ._whole_file import write_whole
 
 
 _BLOCK = 32768  # words that stay in the cache while they are worked on
@@ -63,19 +63,6 @@ def png(picture: Any, level: int = 6) -> bytes:
 
 
 def save_png(path: PathLike, picture: Any) -> None:
-    """Writes a PNG file. An existing one is replaced as a whole, or stays as it is."""
-    data = png(picture)
-    name = os.fsencode(path)
-    beside = name + f".{os.getpid()}-{os.urandom(4).hex()}.tmp".encode()
-    try:
-        with open(beside, "xb") as stream:
-            stream.write(data)
-            stream.flush()
-            os.fsync(stream.fileno())
-        os.replace(beside, name)
-    except BaseException as error:
-        if os.path.exists(beside):
-            os.unlink(beside)
-        if isinstance(error, OSError):  # with the name that the caller knows
-            raise OSError(error.errno, error.strerror, os.fspath(path)) from None
-        raise
+    """Writes a PNG file. An existing one is replaced as a whole, or stays as it is: it keeps its mode, a link is followed
+    and a write-protected file is refused."""
+    write_whole(path, png(picture))
