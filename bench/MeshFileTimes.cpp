@@ -82,8 +82,9 @@ private:
 /// A virtual machine returns free memory to its host after a while, and the next use of it is several times as slow. So
 /// the memory that the next measurement gets is used just before.
 void TouchMemory() {
-    constexpr std::size_t kSize = std::size_t{384} << 20;
+    constexpr std::size_t kSize = std::size_t{256} << 20;
     const FreshMemory memory(kSize);
+    ::madvise(memory.Data(), kSize, MADV_HUGEPAGE);
     std::memset(memory.Data(), 1, kSize);
 }
 

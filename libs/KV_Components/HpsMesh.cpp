@@ -8,6 +8,7 @@
 #include "ComponentReference.h"
 #include "HpsNormals.h"
 #include "ObjectRegistry.h"
+#include "files/Cores.h"
 
 namespace KvComponents {
 
@@ -219,7 +220,8 @@ std::int32_t HpsVertexData::ReadAttribute(char attribute, std::int32_t reserved,
     }
     // An open mesh is checked on each call, since its indices can still change.
     if (!m_mesh->m_bHasValidIndices && !m_mesh->AllIndicesAreVertices()) return kFailed;
-    Hps::ComputeNormals(m_mesh->Positions(), m_mesh->Indices(), {values, m_mesh->Positions().size()});
+    Hps::ComputeNormals(m_mesh->Positions(), m_mesh->Indices(), {values, m_mesh->Positions().size()},
+                        FileStorage::AllowedCores());
     return kSucceeded;
 }
 

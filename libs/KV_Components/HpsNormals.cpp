@@ -14,6 +14,7 @@
 #endif
 
 #include "HpsPacking.h"
+#include "files/ParallelTasks.h"
 
 namespace KvComponents::Hps {
 
@@ -114,30 +115,54 @@ std::array<float, 3 * kLanes> DirectionsOf(const Float4* sums) {
     return directions;
 }
 
-}  // namespace
-
-void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals) {
-    const Points points(positions);
-    const std::size_t vertices = positions.size() / 3;
-    RawArray<Float4> sums((vertices + kLanes - 1) / kLanes * kLanes);
+/// Computes the normals of the vertices from @p first to before @p last. Each thread has its own vertices, to which all
+/// triangles are added in their order: so the sums do not depend on the number of threads.
+void ComputeNormalsOf(std::size_t first, std::size_t last, const Points& points, std::span<const std::int32_t> indices,
+                      float* normals) {
+    const std::size_t count = last - first;
+    // One sum more, for the corners at other vertices: a branch per corner would be hard to predict.
+    RawArray<Float4> sums((count + 1 + kLanes - 1) / kLanes * kLanes);
     std::fill_n(sums.data(), sums.size(), Float4{});
+    const auto placeOf = [first, count](std::int32_t index) {
+        return std::min(static_cast<std::size_t>(index) - first, count);
+    };
     // Whole groups of four triangles, then the rest, filled up with its first triangle.
     constexpr std::size_t kGroup = 3 * kLanes;
-    for (std::size_t first = 0; first < indices.size(); first += kGroup) {
-        const std::size_t count = std::min(kGroup, indices.size() - first);
+    for (std::size_t begin = 0; begin < indices.size(); begin += kGroup) {
+        const std::size_t used = std::min(kGroup, indices.size() - begin);
         std::array<std::int32_t, kGroup> four;
-        if (count == kGroup) {
-            std::copy_n(&indices[first], kGroup, four.begin());
+        if (used == kGroup) {
+            std::copy_n(&indices[begin], kGroup, four.begin());
         } else {
-            for (std::size_t i = 0; i < kGroup; ++i) four[i] = indices[first + (i < count ? i : i % 3)];
+            for (std::size_t i = 0; i < kGroup; ++i) four[i] = indices[begin + (i < used ? i : i % 3)];
         }
+        std::array<std::size_t, kGroup> places;
+        std::size_t nearest = count;
+        for (std::size_t i = 0; i < kGroup; ++i) {
+            places[i] = placeOf(four[i]);
+            nearest = std::min(nearest, places[i]);
+        }
+        if (nearest == count) continue;
         const auto faces = FaceNormals(four.data(), points);
-        for (std::size_t i = 0; i < count; ++i) sums[static_cast<std::size_t>(four[i])] += faces[i / 3];
+        for (std::size_t i = 0; i < used; ++i) sums[places[i]] += faces[i / 3];
     }
-    for (std::size_t first = 0; first < vertices; first += kLanes) {
-        const auto directions = DirectionsOf(&sums[first]);
-        std::copy_n(directions.begin(), 3 * std::min(kLanes, vertices - first), &normals[3 * first]);
+    for (std::size_t begin = 0; begin < count; begin += kLanes) {
+        const auto directions = DirectionsOf(&sums[begin]);
+        std::copy_n(directions.begin(), 3 * std::min(kLanes, count - begin), normals + 3 * (first + begin));
     }
+}
+
+}  // namespace
+
+void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals,
+                    unsigned threads) {
+    constexpr std::size_t kMinTriangles = 50'000;  // per thread; below this its start costs more than it saves
+    const Points points(positions);
+    const std::size_t vertices = positions.size() / 3;
+    const std::size_t parts = FileStorage::ThreadsFor(indices.size() / 3, kMinTriangles, threads);
+    FileStorage::RunTasks(parts, threads, [&](std::size_t part) {
+        ComputeNormalsOf(vertices * part / parts, vertices * (part + 1) / parts, points, indices, normals.data());
+    });
 }
 
 }  // namespace KvComponents::Hps

@@ -11,6 +11,8 @@ namespace KvComponents::Hps {
 /// @param positions  x, y, z of each vertex
 /// @param indices    three per triangle, each a vertex
 /// @param normals    receives three values per vertex; must not overlap the positions
-void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals);
+/// @param threads    at most so many work on a large mesh; the result does not depend on them
+void ComputeNormals(std::span<const float> positions, std::span<const std::int32_t> indices, std::span<float> normals,
+                    unsigned threads = 1);
 
 }  // namespace KvComponents::Hps

@@ -80,6 +80,22 @@ TEST(HpsNormals, AreThoseOfAPlainLoopForOddCoordinates) {
     EXPECT_TRUE(std::equal(normals.begin(), normals.end(), expected.begin(), IsSame));
 }
 
+TEST(HpsNormals, DoNotDependOnTheNumberOfThreads) {
+    constexpr std::size_t kVertices = 10'007, kTriangles = 400'001;  // enough triangles for seven threads
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> coordinate(-100, 100);
+    std::vector<float> positions(3 * kVertices);
+    for (float& value : positions) value = coordinate(random);
+    std::vector<std::int32_t> indices(3 * kTriangles);
+    for (std::int32_t& index : indices) index = static_cast<std::int32_t>(random() % kVertices);
+    const std::vector<float> expected = PlainNormals(positions, indices);
+    for (const unsigned threads : {1u, 2u, 3u, 7u}) {
+        std::vector<float> normals(3 * kVertices, 7.0f);
+        KvComponents::Hps::ComputeNormals(positions, indices, normals, threads);
+        EXPECT_TRUE(std::equal(normals.begin(), normals.end(), expected.begin(), IsSame)) << threads << " threads";
+    }
+}
+
 TEST(HpsNormals, NoVertexNoNormal) { KvComponents::Hps::ComputeNormals({}, {}, {}); }
 
 }  // namespace

@@ -1,9 +1,11 @@
 // Tasks for all cores of the machine.
-#include "base/ParallelTasks.h"
+#include "files/ParallelTasks.h"
 
 #include <algorithm>
 #include <atomic>
 #include <thread>
+
+namespace FileStorage {
 
 namespace {
 
@@ -51,3 +53,5 @@ void RunTasks(std::size_t count, unsigned threads, const std::function<void(std:
 unsigned ThreadsFor(std::size_t items, std::size_t itemsPerThread, unsigned threads) {
     return static_cast<unsigned>(std::clamp<std::size_t>(items / itemsPerThread, 1, std::max(threads, 1u)));
 }
+
+}  // namespace FileStorage
