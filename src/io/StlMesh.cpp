@@ -35,12 +35,15 @@ struct Start {
     std::array<char, kHeaderSize> header{};
     std::uint32_t count = 0;  ///< zero when the file ends before it
 
-    /// Text stl starts with "solid"; some programs write white space before it, and some write the word into the header
-    /// of a binary file.
+    /// Text stl starts with "solid" in any case; some programs write white space before it, and some write the word
+    /// into the header of a binary file.
     [[nodiscard]] bool LooksLikeText() const {
         const std::string_view text(header.data(), header.size());
         const std::size_t word = text.find_first_not_of(" \t\r\n");
-        return word != std::string_view::npos && text.substr(word).starts_with("solid");
+        constexpr std::string_view kSolid = "solid";
+        // The bit that upper-case letters do not have; no other character becomes a letter of the word by it.
+        const auto isSame = [](char a, char b) { return (a | 0x20) == b; };
+        return word != std::string_view::npos && std::ranges::equal(text.substr(word, kSolid.size()), kSolid, isSame);
     }
 };
 

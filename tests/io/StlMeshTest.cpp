@@ -217,6 +217,8 @@ TEST(ReadStl, MentionsTextInTheReasonOfAFileThatStartsLikeText) {
     EXPECT_EQ(Refusal(Padded("solid", 5)), "holds no triangle; it starts with \"solid\": stl as text is not read");
     EXPECT_THAT(Refusal(StlHead(9, "solids")), HasSubstr("text is not read"));
     EXPECT_THAT(Refusal(StlHead(9, " \tsolid")), HasSubstr("text is not read"));
+    EXPECT_THAT(Refusal(StlHead(9, "SOLID PART")), HasSubstr("text is not read"));
+    EXPECT_THAT(Refusal(StlHead(9, "Solid")), HasSubstr("text is not read"));
     EXPECT_THAT(Refusal(StlHead(9, "a solid")), Not(HasSubstr("text")));
     EXPECT_THAT(Refusal(StlHead(9, std::string(76, ' ') + "soli")), Not(HasSubstr("text")))
         << "the count is not part of the text";
