@@ -5,10 +5,14 @@
 #include <functional>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "CaughtError.h"
 #include "DebugCapture.h"
+#include "FileLook.h"
 #include "FileTypes.h"
+#include "ForeignImport.h"
+#include "ForeignReader.h"
 #include "GridCause.h"
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
@@ -26,7 +30,6 @@ constexpr const char* kNoTriangle = "its valid points form no triangle";
 /// @param cause   returns why no triangle is left of the scan; an empty text when it finds no reason
 ImportResult RunImport(const std::string& file, const std::function<bool(const wchar_t* path)>& import,
                        const std::function<std::string(const wchar_t* path)>& cause) {
-    if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
     const std::wstring path = KV_ScenePane::WidePath(file);
     const DebugCapture capture;
     std::string thrown;
@@ -123,6 +126,26 @@ std::string CauseByTrial(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* p
     return skip == 1 ? kNoNeighbours : "";
 }
 
+ImportResult ReadByProcess(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file) {
+    try {
+        return AddReaderResult(methods, file, RunReader(file));
+    } catch (...) {
+        return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
+    }
+}
+
+ImportResult ReadPoints(const std::string& file) {
+    try {
+        auto cloud = std::make_shared<KV_ScenePane::PointCloud>();
+        std::string reason;
+        if (!ReadAnyPoints(file, cloud.get(), &reason, {}))
+            return {ImportResult::State::Failed, FailureReason(file, reason)};
+        return {ImportResult::State::Points, {}, std::move(cloud)};
+    } catch (...) {
+        return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
+    }
+}
+
 }  // namespace
 
 void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings) {
@@ -132,21 +155,34 @@ void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& 
 
 ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                         const ImportSettings& settings) {
+    if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
+    if (LookAt(file) == FileLook::Process) return ReadByProcess(methods, file);
+    ImportResult result = ImportByViewer(methods, file, settings);
+    if (result.state == ImportResult::State::Points) return ReadPoints(file);
+    if (result.state == ImportResult::State::Failed && HasSecondReader(file) && !ReaderProgram().empty())
+        return ReadByProcess(methods, file);
+    return result;
+}
+
+ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                            const ImportSettings& settings) {
+    if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
+    const FileLook look = LookAt(file);
+    if (look == FileLook::Points) return {ImportResult::State::Points, {}};
     const std::int16_t before = methods.GetNumObjects();
     const auto hasGrown = [&] { return methods.GetNumObjects() != before; };
-    const FileType* const type = FindFileType(file);  // not null in the functions: ImportRefusal() comes first
     const GridEntry entry = EntryFor(settings);
     MsrStorage::MSR scan;
     const auto import = [&](const wchar_t* path) {
-        if (type->readByHost) return PassGridAlone(methods, scan, entry, path);
-        if (type->kind == FileKind::Mesh)
+        if (look == FileLook::Grid) return PassGridAlone(methods, scan, entry, path);
+        if (FindFileType(file)->kind == FileKind::Mesh)  // not null: ImportRefusal() comes first
             methods.ImportMesh(path);
         else
             methods.ImportScan(path, settings.color);
         return hasGrown();
     };
     const auto cause = [&](const wchar_t* path) {
-        return type->readByHost ? CauseOf(scan, entry) : CauseByTrial(methods, path);
+        return look == FileLook::Grid ? CauseOf(scan, entry) : CauseByTrial(methods, path);
     };
     ImportResult result = RunImport(file, import, cause);
     // Also when an exception came after the object: the host's list must match the viewer's.
@@ -160,6 +196,7 @@ GridEntry EntryFor(const ImportSettings& settings) {
 }
 
 ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std::int32_t index) {
+    if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
     MsrStorage::MSR scan;
     return RunImport(
         file, [&](const wchar_t* path) { return PassGrid(scan, entry, path, index); },
@@ -168,8 +205,12 @@ ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std
 
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom) {
     methods.CenterView();
+    MagnifyView(methods, zoom);
+}
+
+void MagnifyView(KV_ScenePane::_DKV_ScenePane& methods, float zoom) {
     if (zoom == 1.0f) return;
-    // The frame that was just fitted, with another magnification.
+    // The present frame, with another magnification.
     float right[3], up[3], center[3], fitted = 0.0f;
     methods.GetViewParams(&right[0], &right[1], &right[2], &up[0], &up[1], &up[2], &center[0], &center[1], &center[2],
                           &fitted);

@@ -1,8 +1,10 @@
 // The import of one file, for the runs without a window, for the window and for its worker threads.
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <string>
 
+#include "KV_ScenePane/PointFiles.h"
 #include "KV_ScenePane/Types.h"
 #include "KV_ScenePane/_DKV_ScenePane.h"
 
@@ -21,12 +23,15 @@ struct ImportResult {
     enum class State {
         NotStarted,  ///< cancelled before its turn
         Added,
+        Points,  ///< the file holds free points, which are no object; nothing was added
         Failed
     };
     State state = State::NotStarted;
-    /// One line without the file's name: the reason of a failure, never empty; or the viewer's messages about a file
-    /// that was added, usually none.
+    /// One line without the file's name: the reason of a failure, never empty; or the messages about a file that was
+    /// read, usually none.
     std::string text;
+    /// Of a file of points that was read.
+    std::shared_ptr<KV_ScenePane::PointCloud> points = nullptr;
 };
 
 /// A parallel import of the viewer that has begun; any thread may pass grids to its entry.
@@ -48,17 +53,24 @@ struct GridEntry {
 /// Sets the viewer's skip value and confidence limit for the imports that follow.
 void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings);
 
-/// Imports one file of any type, on the thread of the viewer. Needs a DebugRouter for the reason of a failure, and the
-/// component registry for hps files and textures. Throws nothing that the import throws: that is a reason too.
+/// Imports one file of any type, on the thread of the viewer: the readers of the viewer first, then scenepane-read
+/// where these are not for the file or refuse it. Needs a DebugRouter for the reason of a failure, and the component
+/// registry for hps files and textures. Throws nothing that the import throws: that is a reason too.
 /// @param file      path in bytes
 /// @param settings  ApplySettings() has set them
 [[nodiscard]] ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                                       const ImportSettings& settings);
 
-/// Reads a file that the host reads itself (FileType::readByHost) and passes its grid to the entry. Any thread; the
-/// same reasons and the same conditions as ImportFile().
+/// The same without scenepane-read; of a file of points only the state.
+[[nodiscard]] ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                                          const ImportSettings& settings);
+
+/// Reads a grid that the host reads itself (FileLook::Grid) and passes it to the entry. Any thread; the same reasons
+/// and the same conditions as ImportFile().
 /// @param index  place of the object among those of the parallel import
 [[nodiscard]] ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std::int32_t index);
 
 /// Fits the view to the scene, then magnifies: with @p zoom 2 the view spans half the size.
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom);
+/// Magnifies the present view by @p zoom: with 2 it spans half the size.
+void MagnifyView(KV_ScenePane::_DKV_ScenePane& methods, float zoom);

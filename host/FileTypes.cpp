@@ -34,7 +34,10 @@ const FileType* FindFileType(std::string_view path) {
 }
 
 std::string ExtensionList(bool (*isSelected)(const FileType&), std::string_view conjunction) {
-    const std::vector<std::string_view> extensions = Extensions(isSelected);
+    std::vector<std::string_view> extensions = Extensions(isSelected);
+    const std::size_t all = extensions.size();
+    std::erase_if(extensions, [](std::string_view extension) { return !FindFileType(extension)->isListed; });
+    if (extensions.size() < all) extensions.emplace_back("others");
     std::string list;
     for (std::size_t i = 0; i < extensions.size(); ++i) {
         const bool isLast = i + 1 == extensions.size();

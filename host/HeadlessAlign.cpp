@@ -67,9 +67,9 @@ int RunAlign(const HostOptions& options, std::FILE* out, std::FILE* err) {
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
     SceneReport report;
-    ImportFiles(*pane, options.movingFiles, options.import, report, err);
+    ImportFiles(*pane, options.movingFiles, options, PointFiles::Refused, report, err);
     const std::size_t movingCount = report.objects.size();
-    ImportFiles(*pane, options.fixedFiles, options.import, report, err);
+    ImportFiles(*pane, options.fixedFiles, options, PointFiles::Refused, report, err);
     // Without a moving object each failed file has its line.
     if (movingCount == 0 || !ApplyTransforms(*pane, options, report, err)) return kExitFailure;
     if (!MoveFirstObjects(*pane, movingCount, pairs)) {
@@ -78,9 +78,10 @@ int RunAlign(const HostOptions& options, std::FILE* out, std::FILE* err) {
         return kExitFailure;
     }
     if (AreOnALine(pairs))
-        PrintError(err, options.pairFile +
-                            ": the points are on one line, or nearly: the turn about it is arbitrary; add a pair away "
-                            "from the line");
+        PrintWarning(options, err,
+                     options.pairFile +
+                         ": the points are on one line, or nearly: the turn about it is arbitrary; add a pair away "
+                         "from the line");
     const KV_ScenePane::AlignmentResult result = pane->GetAlignmentResult();
     const int printed = PrintResult(options.json ? AlignmentJson(result) : AlignmentText(result), out, err);
     if (printed != kExitGood) return printed;

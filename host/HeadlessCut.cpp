@@ -39,7 +39,7 @@ std::string CutScene(ScenePane& pane, const HostOptions& options, const SceneRep
         PrintError(err, NoPlacement(error));
         return "no clip height was found";
     }
-    if (options.clip || options.clipAuto) WarnIfAllIsCutAway(pane, report.objects, err);
+    if (options.clip || options.clipAuto) WarnIfAllIsCutAway(pane, options, report.objects, err);
     return HasCutOrNoLasso(CutObjects(pane, options, err)) ? "" : "no lasso has changed an object";
 }
 
@@ -98,7 +98,7 @@ int RunSaveCuts(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(PaneKind(options), options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const std::optional<SceneReport> imported = ImportScene(*pane, options, err);
+    const std::optional<SceneReport> imported = ImportScene(*pane, options, PointFiles::Refused, err);
     if (!imported) return kExitFailure;
     const SceneReport& report = *imported;
     std::string refusal = CutScene(*pane, options, report, err);
@@ -117,7 +117,7 @@ int RunExport(const HostOptions& options, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(PaneKind(options), options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const std::optional<SceneReport> report = ImportScene(*pane, options, err);
+    const std::optional<SceneReport> report = ImportScene(*pane, options, PointFiles::Refused, err);
     if (!report || report->objects.empty()) return kExitFailure;
     const std::string refusal = CutScene(*pane, options, *report, err);
     if (!refusal.empty()) {

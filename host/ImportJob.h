@@ -1,15 +1,17 @@
-// One import of many files while the window stays usable: worker threads read the files that the host reads itself, the
-// viewer imports the others between two passes of the event loop.
+// One import of many files while the window stays usable: worker threads read what is read beside the viewer, the
+// viewer imports the other files between two passes of the event loop.
 #pragma once
 #include <QObject>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "FileImport.h"
+#include "FileWorkers.h"
 #include "ImportPlan.h"
 #include "KV_ScenePane/ScenePane.h"
-#include "PcmWorkers.h"
+#include "ReaderResult.h"
 
 /// Files are imported in runs (ImportPlan.h), one after the other. Used on the thread of the viewer.
 class ImportJob : public QObject {
@@ -24,7 +26,8 @@ public:
 
     /// Returns at once; the first file is started by the event loop.
     void Start();
-    /// No further file is started; Finished() is emitted when those in progress are done.
+    /// No further file is started, and scenepane-read is ended; Finished() is emitted when the others in progress are
+    /// done.
     void Cancel();
     /// Cancels and waits for the files in progress. All that was finished is in the viewer then, and Finished() was
     /// emitted.
@@ -54,14 +57,19 @@ signals:
 private:
     /// Starts the next run, or finishes when none is left or the import was cancelled.
     void NextRun();
-    void BeginParallelRun(const ImportRun& run);
+    void ImportAlone(std::size_t file);
+    void BeginGridRun(const ImportRun& run);
+    /// @param files  positions in the list
+    void BeginProcessRun(const std::vector<std::size_t>& files);
+    void StartWorkers(std::vector<std::size_t> files, FileWorkers::Work work);
     /// After each run: starts the next one, or finishes.
     void EndRun();
     [[nodiscard]] bool IsLastRunOver() const { return m_bCancelled || m_nNextRun == m_vRuns.size(); }
     /// Reports the progress of the workers; ends their run when all of them are done.
     void CheckWorkers();
     /// Waits for the workers and lets the viewer add their objects.
-    void EndParallelRun();
+    void EndWorkers();
+    void AddReaderResults();
     /// Emits Finished(), once.
     void Finish();
 
@@ -74,6 +82,11 @@ private:
     std::size_t m_nNextRun = 0;        // position in m_vRuns
     std::size_t m_nFinishedFiles = 0;  // of the runs that are over
     std::size_t m_nNextArrival = 1;    // Arrived() is due for files of the viewer
-    bool m_bCancelled = false, m_bOver = false;
-    std::unique_ptr<PcmWorkers> m_pWorkers;  // set exactly between BeginParallelImport() and EndParallelImport()
+    std::atomic<bool> m_bCancelled = false;
+    bool m_bOver = false;
+    // The run of the workers. They write into the results of their files alone; these are read after they were joined.
+    std::vector<std::size_t> m_vRunFiles;     // positions in the list
+    std::vector<ImportResult> m_vRunResults;  // one per file
+    std::vector<ReaderResult> m_vFound;       // one per file of a run of processes, else empty
+    std::unique_ptr<FileWorkers> m_pWorkers;
 };

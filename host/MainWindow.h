@@ -421,6 +421,8 @@ private:
     [[nodiscard]] QString NameOfObject(int object) const;
 
     // ---- MainWindowImport.cpp
+    /// A file of points: the user is asked how they are shown.
+    void AddUnaskedPoints(const std::string& file);
     /// Starts the import of the waiting files when it is possible now.
     void OpenWaitingFiles();
     /// Removes all files that wait, of every kind. @return their paths in bytes

@@ -10,7 +10,7 @@
 
 #include "CaughtError.h"
 #include "CutCommands.h"
-#include "FileTypes.h"
+#include "FileLook.h"
 #include "ImportJob.h"
 #include "ImportProgress.h"
 #include "ImportStatus.h"
@@ -41,17 +41,19 @@ std::vector<std::string> LocalFiles(const QMimeData& data) {
 
 void MainWindow::OpenFiles(const std::vector<std::string>& files) {
     for (const std::string& file : WithFilesOfFolders(files)) {
-        const FileType* const type = FindFileType(file);
-        if (type != nullptr && IsPoints(*type)) {
-            m_unaskedPoints.files.push_back(file);
-            m_unaskedPoints.fitsView = m_unaskedPoints.fitsView || IsSceneEmpty();
-        } else {
+        if (LookAt(file) == FileLook::Points)
+            AddUnaskedPoints(file);
+        else
             m_vWaitingFiles.push_back(file);
-        }
     }
     OpenWaitingFiles();
     AskForPointsLook();
     DropWaitingFiles();
+}
+
+void MainWindow::AddUnaskedPoints(const std::string& file) {
+    m_unaskedPoints.files.push_back(file);
+    m_unaskedPoints.fitsView = m_unaskedPoints.fitsView || IsSceneEmpty();
 }
 
 void MainWindow::OpenWaitingFiles() {
@@ -216,6 +218,7 @@ void MainWindow::OnPicturePrepared() {
     emit ImportFinished();
     OpenWaitingFiles();  // files that were added while this import ran
     OpenWaitingPoints();
+    AskForPointsLook();  // of files that have turned out to hold points
 }
 
 void MainWindow::DrawPicture() {
@@ -243,6 +246,9 @@ void MainWindow::ReportResults() {
                 ++m_nFilesNotAdded;
                 m_pMessages->AddProblem(tr("%1: nothing added: %2").arg(file, text));
                 emit FileFailed(m_pJob->Files()[i], results[i].text);
+                break;
+            case ImportResult::State::Points:  // only reading it has shown that
+                AddUnaskedPoints(m_pJob->Files()[i]);
                 break;
             case ImportResult::State::NotStarted:
                 ++notStarted;

@@ -10,6 +10,7 @@
 
 #include "CaughtError.h"
 #include "DebugCapture.h"
+#include "ForeignImport.h"
 #include "MessageTable.h"
 #include "PaintBlock.h"
 #include "SceneFile.h"
@@ -101,7 +102,7 @@ std::string AddPointFile(KV_ScenePane::_DKV_ScenePane& methods, const std::strin
     return RunImport(file, [&] {
         PointCloud cloud;
         std::string reason;
-        if (!KV_ScenePane::ReadPointFile(file, &cloud, &reason, {})) return PlainWords(reason);
+        if (!ReadAnyPoints(file, &cloud, &reason, {})) return PlainWords(reason);
         AddDrawnPoints(methods, std::move(cloud), color, alpha);
         return reason;
     });

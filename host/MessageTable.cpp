@@ -35,6 +35,18 @@ const char kNoFiniteCoordinate[] = QT_TRANSLATE_NOOP(
 const char kNoSuchFile[] = QT_TRANSLATE_NOOP("Messages", "there is no such file: check its name and its folder");
 const char kIsFolder[] = QT_TRANSLATE_NOOP("Messages", "this is a folder: name its files, or open it in the window");
 const char kUnknownType[] = QT_TRANSLATE_NOOP("Messages", "the type of the file is not known: it is none of %1");
+const char kNoReader[] = QT_TRANSLATE_NOOP(
+    "Messages", "the program scenepane-read, which reads such files, is missing: install scenepane again");
+const char kReaderNotStarted[] = QT_TRANSLATE_NOOP(
+    "Messages", "the program scenepane-read, which reads such files, could not be started: %1: close other programs");
+const char kReaderTooSlow[] = QT_TRANSLATE_NOOP(
+    "Messages", "reading the file was given up after %1 seconds: it is damaged or too large for its format");
+const char kReaderCrashed[] =
+    QT_TRANSLATE_NOOP("Messages", "the file is damaged, or of a form that is not read: its reader ended with %1");
+const char kMeshWithImage[] =
+    QT_TRANSLATE_NOOP("Messages", "the file holds a mesh with an image: open it as a mesh, not as free points");
+const char kPointsAlone[] = QT_TRANSLATE_NOOP(
+    "Messages", "the file has points but no triangles: free points can be shown and counted, but are no object");
 const char kEmptyFolder[] = QT_TRANSLATE_NOOP("Messages", "the folder holds no file that can be opened");
 const char kFullFolder[] = QT_TRANSLATE_NOOP("Messages", "the folder holds too many files, not all of them are opened");
 const char kNoNeedles[] = QT_TRANSLATE_NOOP("Messages", "the file holds no needles");
@@ -170,9 +182,10 @@ constexpr MessageRow kRows[] = {
                        "%1 coordinates are not finite: triangles may be missing there: export the file again from its "
                        "source")},
     {"%1 of %2 vertices and %3 of %4 triangles are in the file",
-     QT_TRANSLATE_NOOP("Messages",
-                       "%1 of %2 points and %3 of %4 triangles are in the file, the rest was cut off: copy or export it "
-                       "again from its source")},
+     QT_TRANSLATE_NOOP(
+         "Messages",
+         "%1 of %2 points and %3 of %4 triangles are in the file, the rest was cut off: copy or export it "
+         "again from its source")},
     {"%1 of %2 vertices are in the file",
      QT_TRANSLATE_NOOP("Messages",
                        "%1 of %2 points are in the file, the rest was cut off: copy or export it again from its "
@@ -182,9 +195,10 @@ constexpr MessageRow kRows[] = {
                        "%1 of %2 triangles are in the file, the rest was cut off: copy or export it again from its "
                        "source")},
     {"%1 of %2 pixels are in the file",
-     QT_TRANSLATE_NOOP("Messages",
-                       "%1 of %2 points of the grid are in the file, the rest was cut off: copy or export it again from "
-                       "its source")},
+     QT_TRANSLATE_NOOP(
+         "Messages",
+         "%1 of %2 points of the grid are in the file, the rest was cut off: copy or export it again from "
+         "its source")},
     {"%1 bytes follow the end of its data",
      QT_TRANSLATE_NOOP("Messages",
                        "the file goes on for %1 bytes after the end of its data, they are ignored: check that it is "
@@ -257,6 +271,20 @@ constexpr MessageRow kRows[] = {
     {"not an integer: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has %1 where a whole number must be")},
     {"not a floating-point: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has %1 where a decimal number must be")},
     {"not a list: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has no list \"%1\"")},
+
+    // ---- files that scenepane-read reads
+    {"its image is not shown: there is no file %1",
+     QT_TRANSLATE_NOOP("Messages", "its image is not shown: there is no file %1 beside it")},
+    {"its image is not shown: it is no png or jpeg file, or damaged",
+     QT_TRANSLATE_NOOP("Messages", "its image is not shown: it is no png or jpeg file, or damaged")},
+    {"an image is not shown: it is no png or jpeg file, or damaged: %1",
+     QT_TRANSLATE_NOOP("Messages", "an image is not shown: it is no png or jpeg file, or damaged: %1")},
+    {"its images are not shown: it has more than one",
+     QT_TRANSLATE_NOOP("Messages", "its images are not shown: it has more than one")},
+    {"its lines are not shown", QT_TRANSLATE_NOOP("Messages", "its lines are not shown")},
+    {"the colours of its faces are not shown", QT_TRANSLATE_NOOP("Messages", "the colours of its faces are not shown")},
+    {"%1 points without finite coordinates are left out",
+     QT_TRANSLATE_NOOP("Messages", "%1 points without finite coordinates are left out")},
 
     // ---- hps files
     {"File not found.", QT_TRANSLATE_NOOP("Messages", "there is no such file")},
@@ -335,6 +363,12 @@ constexpr MessageRow kRows[] = {
     {kNoSuchFile, kNoSuchFile},
     {kIsFolder, kIsFolder},
     {kUnknownType, kUnknownType},
+    {kNoReader, kNoReader},
+    {kReaderNotStarted, kReaderNotStarted},
+    {kReaderTooSlow, kReaderTooSlow},
+    {kReaderCrashed, kReaderCrashed},
+    {kMeshWithImage, kMeshWithImage},
+    {kPointsAlone, kPointsAlone},
     {kEmptyFolder, kEmptyFolder},
     {kFullFolder, kFullFolder},
     {kNoNeedles, kNoNeedles},

@@ -45,6 +45,14 @@ extern const char kNoSuchFile[];   ///< no place
 extern const char kIsFolder[];     ///< no place
 extern const char kUnknownType[];  ///< the types that are known
 
+// Sentences about files that scenepane-read reads; see host/ForeignReader.h.
+extern const char kNoReader[];          ///< no place
+extern const char kReaderNotStarted[];  ///< the system's reason
+extern const char kReaderTooSlow[];     ///< seconds
+extern const char kReaderCrashed[];     ///< how the process ended
+extern const char kMeshWithImage[];     ///< no place
+extern const char kPointsAlone[];       ///< no place
+
 // Sentences about what the window opens, no place.
 extern const char kEmptyFolder[];
 extern const char kFullFolder[];

@@ -7,13 +7,14 @@
 #include <utility>
 
 #include "CaughtError.h"
+#include "ForeignImport.h"
 #include "MarkerFiles.h"
 
 PointsJob::PointsJob(KV_ScenePane::_DKV_ScenePane& methods, PointsRequest request, QObject* parent, Reader reader)
     : QObject(parent),
       m_methods(methods),
       m_request(std::move(request)),
-      m_reader(reader ? std::move(reader) : KV_ScenePane::ReadPointFile),
+      m_reader(reader ? std::move(reader) : ReadAnyPoints),
       m_vResults(m_request.files.size()) {}
 
 PointsJob::~PointsJob() { Stop(); }

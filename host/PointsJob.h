@@ -51,7 +51,7 @@ struct PointsResult {
 class PointsJob : public QObject {
     Q_OBJECT
 public:
-    /// As KV_ScenePane::ReadPointFile().
+    /// As ReadAnyPoints().
     using Reader = std::function<bool(const std::string& path, KV_ScenePane::PointCloud* cloud, std::string* reason,
                                       const std::function<bool(double)>& progress)>;
 
@@ -59,7 +59,7 @@ public:
     static constexpr int kStepsPerFile = 1000;
 
     /// @param methods  of the viewer; outlives the job
-    /// @param reader   called on the thread that reads; other than ReadPointFile() in tests
+    /// @param reader   called on the thread that reads; other than ReadAnyPoints() in tests
     PointsJob(KV_ScenePane::_DKV_ScenePane& methods, PointsRequest request, QObject* parent = nullptr,
               Reader reader = {});
     /// Stops.

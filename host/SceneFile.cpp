@@ -27,9 +27,7 @@ std::string ReadRefusal(const std::string& path) {
 std::string ImportRefusal(const std::string& path) {
     if (std::string refusal = ReadRefusal(path); !refusal.empty()) return refusal;
     const FileType* const type = FindFileType(path);
-    if (type != nullptr && type->kind == FileKind::Points)
-        return "free points are no object; without a window --points adds them";
-    if (type != nullptr && type->canImport) return {};
+    if (type != nullptr && (type->canImport || type->kind == FileKind::Points)) return {};
     const std::string types = ExtensionList(IsImported, "and");
     return FilledSentence(kUnknownType, {&types, 1});
 }

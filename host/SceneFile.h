@@ -7,8 +7,8 @@
 /// of these applies. In English, whatever the locale.
 [[nodiscard]] std::string ReadRefusal(const std::string& path);
 
-/// Why the file cannot be imported whatever its content is: missing, a folder, not readable, of an unknown type, or
-/// of a type that holds free points. Empty when none of these applies. In English, whatever the locale.
+/// Why the file cannot be imported whatever its content is: missing, a folder, not readable, or of an unknown type.
+/// Empty when none of these applies. In English, whatever the locale.
 [[nodiscard]] std::string ImportRefusal(const std::string& path);
 
 /// Why no object can be exported to a file of this name: the viewer does not write its type. Empty for a type that it

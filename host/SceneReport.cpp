@@ -42,6 +42,11 @@ std::string JsonObject(const ObjectReport& object) {
            ", \"transform\": " + JsonNumbers(object.transform) + '}';
 }
 
+std::string JsonPoints(const PointsReport& points) {
+    return "{\"file\": " + JsonString(points.file) + ", \"count\": " + std::to_string(points.count) +
+           ", \"box\": " + JsonNumbers(points.box) + ", \"hasColors\": " + (points.hasColors ? "true" : "false") + '}';
+}
+
 /// A JSON array with one element per line.
 template <class Element, class ToJson>
 std::string JsonLines(const std::vector<Element>& elements, ToJson toJson) {
@@ -57,6 +62,18 @@ std::string TextNumbers(std::span<const float> values) {
     return text;
 }
 
+/// The axes of a box, one line each.
+std::string TextBox(std::span<const float> box) {
+    std::string text = "  box         x " + TextNumbers(box.subspan(0, 2)) + '\n';
+    text += "              y " + TextNumbers(box.subspan(2, 2)) + '\n';
+    return text + "              z " + TextNumbers(box.subspan(4, 2)) + '\n';
+}
+
+std::string TextPoints(const PointsReport& points) {
+    return points.file + "\n  points         " + std::to_string(points.count) + '\n' + TextBox(points.box) +
+           "  colors         " + (points.hasColors ? "yes" : "no") + '\n';
+}
+
 /// One object for a reader: its file, then one indented line per property.
 std::string TextObject(const ObjectReport& object) {
     std::string text = object.file + '\n';
@@ -65,10 +82,7 @@ std::string TextObject(const ObjectReport& object) {
     text += "  vertices       " + std::to_string(object.vertices) + '\n';
     text += "  triangles      " + std::to_string(object.triangles) + '\n';
     if (HasPosition(object)) {
-        const std::span box(object.box);
-        text += "  box         x " + TextNumbers(box.subspan(0, 2)) + '\n';
-        text += "              y " + TextNumbers(box.subspan(2, 2)) + '\n';
-        text += "              z " + TextNumbers(box.subspan(4, 2)) + '\n';
+        text += TextBox(object.box);
         text += "  center        " + TextNumbers(object.center) + '\n';
     } else {
         text += "  box            none: no finite coordinates\n";
@@ -178,6 +192,18 @@ ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std
     return object;
 }
 
+PointsReport ReportPoints(const KV_ScenePane::PointCloud& cloud, std::string file) {
+    PointsReport report{std::move(file), cloud.xyz.size() / 3, !cloud.colors.empty(), {}};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        report.box[2 * axis] = report.box[2 * axis + 1] = cloud.xyz[axis];
+        for (std::size_t i = axis; i < cloud.xyz.size(); i += 3) {
+            report.box[2 * axis] = std::min(report.box[2 * axis], cloud.xyz[i]);
+            report.box[2 * axis + 1] = std::max(report.box[2 * axis + 1], cloud.xyz[i]);
+        }
+    }
+    return report;
+}
+
 ClipReport ReportClip(KV_ScenePane::ScenePane& pane) {
     ClipReport clip;
     clip.height = pane.GetClipHeight();
@@ -190,6 +216,7 @@ ClipReport ReportClip(KV_ScenePane::ScenePane& pane) {
 std::string ReportText(const SceneReport& report) {
     std::string text;
     for (const ObjectReport& object : report.objects) text += TextObject(object);
+    for (const PointsReport& points : report.points) text += TextPoints(points);
     for (const FailedFile& failed : report.failed) text += failed.file + "\n  nothing added: " + failed.reason + '\n';
     for (const FileWarning& warning : report.warnings) text += warning.file + "\n  warning: " + warning.text + '\n';
     if (report.clip) text += TextClip(*report.clip);
@@ -207,6 +234,7 @@ std::string ReportJson(const SceneReport& report) {
     return "{\"objects\": " + JsonLines(report.objects, JsonObject) +
            ",\n\"failed\": " + JsonLines(report.failed, failure) +
            ",\n\"warnings\": " + JsonLines(report.warnings, warned) +
+           ",\n\"points\": " + JsonLines(report.points, JsonPoints) +
            (report.clip ? ",\n\"clip\":" + JsonClip(*report.clip) : "") +
            (report.cuts.empty() ? "" : ",\n\"cuts\":" + JsonCuts(report.cuts)) + "}\n";
 }

@@ -2,12 +2,14 @@
 // others, as text and as JSON.
 #pragma once
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "KV_ScenePane/PointFiles.h"
 #include "KV_ScenePane/ScenePane.h"
 
 /// What the viewer reports about one object of the scene.
@@ -35,6 +37,15 @@ struct ObjectReport {
 /// Whether a point of the object has three finite coordinates, or it has no points: without it nothing can be shown.
 [[nodiscard]] bool HasPosition(const ObjectReport& object);
 
+/// A file of free points, which are no object.
+struct PointsReport {
+    std::string file;  ///< as typed, bytes
+    std::size_t count = 0;
+    bool hasColors = false;
+    /// As that of an object.
+    std::array<float, 6> box{};
+};
+
 /// A file that added no object.
 struct FailedFile {
     std::string file;    ///< as typed, bytes
@@ -61,11 +72,12 @@ struct CutReport {
     bool hasChanged = false;  ///< at least one object
 };
 
-/// The result of one --info run. Every file is in one of the first two lists, in the order of the command line.
+/// The result of one --info run. Every file is an object, points or failed, in the order of the command line.
 struct SceneReport {
     std::vector<ObjectReport> objects;
     std::vector<FailedFile> failed;
     std::vector<FileWarning> warnings = {};
+    std::vector<PointsReport> points = {};
     /// Empty when the run did not place the plane.
     std::optional<ClipReport> clip = {};
     /// In the order in which they were applied; the objects are those after them.
@@ -84,6 +96,8 @@ struct PickReport {
 
 /// Asks the viewer for one object. @param index  must be in its list
 [[nodiscard]] ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std::string file);
+
+[[nodiscard]] PointsReport ReportPoints(const KV_ScenePane::PointCloud& cloud, std::string file);
 
 /// Asks the viewer for its clip plane after a placement.
 [[nodiscard]] ClipReport ReportClip(KV_ScenePane::ScenePane& pane);

@@ -28,9 +28,11 @@ TEST(FindFileType, WithoutAPointUsesTheWholeName) {
 }
 
 TEST(FileTypes, AreScansAndMeshesInTheOrderOfTheHelp) {
-    EXPECT_EQ(ExtensionList(IsImported, "and"), "pcm, pax, xdt, ply, stl, hps, ois and msh");
+    EXPECT_EQ(ExtensionList(IsImported, "and"),
+              "pcm, pax, xdt, ply, stl, hps, ois, msh, obj, off, gltf, glb, 3mf, dae and others");
     EXPECT_EQ(ExtensionList(IsImportedScan, "and"), "pcm, pax and xdt");
-    EXPECT_EQ(ExtensionList(IsImportedMesh, "and"), "ply, stl, hps, ois and msh");
+    EXPECT_EQ(ExtensionList(IsImportedMesh, "and"),
+              "ply, stl, hps, ois, msh, obj, off, gltf, glb, 3mf, dae and others");
     EXPECT_EQ(ExtensionList(IsExported, "or"), "ply, stl or hps");
 }
 
@@ -38,7 +40,7 @@ TEST(FileTypes, OfPointsAreNoObjects) {
     EXPECT_EQ(ExtensionList(IsPoints, "and"), "xyz, xyzrgb, txt, asc, csv and pcd");
     for (const FileType& type : kFileTypes) {
         if (!IsPoints(type)) continue;
-        EXPECT_FALSE(type.canImport || type.canExport || type.readByHost) << type.extension;
+        EXPECT_FALSE(type.canImport || type.canExport) << type.extension;
     }
 }
 
@@ -53,7 +55,7 @@ TEST(FileTypes, HaveOneRowPerExtensionInLowerCase) {
 }
 
 TEST(ExtensionList, OfOneOrNoneHasNoConjunction) {
-    EXPECT_EQ(ExtensionList([](const FileType& type) { return type.readByHost; }, "and"), "pcm");
+    EXPECT_EQ(ExtensionList([](const FileType& type) { return type.extension == "pcm"; }, "and"), "pcm");
     EXPECT_EQ(ExtensionList([](const FileType&) { return false; }, "and"), "");
 }
 

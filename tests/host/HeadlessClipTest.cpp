@@ -225,7 +225,7 @@ TEST(ClipInfo, PrintsHeightRuleAndPlaneOfAllFilesTogether) {
     EXPECT_EQ(Three(clip.value("normal")), (std::array<double, 3>{0, 0, 1}));
     // The rest is as without the plane.
     const InfoRun run = RunClipInfo({folder / "low.ply", folder / "high.ply"}, true);
-    EXPECT_EQ(JsonOf(run.out).keys(), (QStringList{"clip", "failed", "objects", "warnings"}));
+    EXPECT_EQ(JsonOf(run.out).keys(), (QStringList{"clip", "failed", "objects", "points", "warnings"}));
     EXPECT_EQ(JsonOf(run.out).value("objects").toArray().size(), 2);
 }
 
@@ -267,7 +267,7 @@ TEST(ClipInfo, OfVerticesAtOneHeightPrintsTheFilesAndTheReasonOfTheLibrary) {
     const InfoRun run = RunClipInfo({folder / "a.ply"}, true);
     EXPECT_EQ(run.status, kExitFailure);
     EXPECT_EQ(run.err, "scenepane: no clip height: an invalid argument was passed to an interface method\n");
-    EXPECT_EQ(JsonOf(run.out).keys(), (QStringList{"failed", "objects", "warnings"}));
+    EXPECT_EQ(JsonOf(run.out).keys(), (QStringList{"failed", "objects", "points", "warnings"}));
     EXPECT_EQ(JsonOf(run.out).value("objects").toArray().size(), 1);
 }
 

@@ -40,7 +40,7 @@ TEST(Info, ReportsOfFlatGridsWhatFollowsFromTheirPoints) {
             "\", \"vertices\": 16, \"triangles\": 18, \"box\": [0, 3, 0, 3, -0.01, 0.01], \"center\": [1.5, 1.5, 0]" +
             same + ",\n  {\"file\": \"" + c + "\", \"index\": 2, \"name\": \"" + c +
             "\", \"vertices\": 4, \"triangles\": 2, \"box\": [0, 1, 0, 1, -0.01, 0.01], \"center\": [0.5, 0.5, 0]" +
-            same + "\n],\n\"failed\": [],\n\"warnings\": []}\n");
+            same + "\n],\n\"failed\": [],\n\"warnings\": [],\n\"points\": []}\n");
 }
 
 TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {

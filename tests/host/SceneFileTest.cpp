@@ -71,14 +71,14 @@ TEST_F(FilePermissions, RefuseToWriteIntoAWriteProtectedFolder) {
 TEST(PlanImport, JoinsConsecutivePcmFilesAndKeepsTheOrder) {
     const auto runs = PlanImport({"a.pcm", "b.PCM", "c.pax", "d.pcm", "e.xdt", "f.xdt", "g.stl"}, 2);
     ASSERT_EQ(runs.size(), 6u);
-    EXPECT_TRUE(runs[0].parallel);
+    EXPECT_EQ(runs[0].kind, ImportRun::Kind::Grids);
     EXPECT_EQ(runs[0].files, (std::vector<std::size_t>{0, 1}));
-    EXPECT_FALSE(runs[1].parallel);
+    EXPECT_EQ(runs[1].kind, ImportRun::Kind::Viewer);
     EXPECT_EQ(runs[1].files, (std::vector<std::size_t>{2}));
-    EXPECT_TRUE(runs[2].parallel);
+    EXPECT_EQ(runs[2].kind, ImportRun::Kind::Grids);
     EXPECT_EQ(runs[2].files, (std::vector<std::size_t>{3}));
     for (std::size_t i = 3; i < 6; ++i) {
-        EXPECT_FALSE(runs[i].parallel);
+        EXPECT_EQ(runs[i].kind, ImportRun::Kind::Viewer);
         EXPECT_EQ(runs[i].files, (std::vector<std::size_t>{i + 1}));
     }
 }
@@ -88,7 +88,7 @@ std::vector<std::size_t> RunsOf(std::size_t count, std::size_t threads) {
     std::vector<std::size_t> sizes;
     std::size_t next = 0;
     for (const ImportRun& run : PlanImport(std::vector<std::string>(count, "a.pcm"), threads)) {
-        EXPECT_TRUE(run.parallel);
+        EXPECT_EQ(run.kind, ImportRun::Kind::Grids);
         for (const std::size_t file : run.files) EXPECT_EQ(file, next++);
         sizes.push_back(run.files.size());
     }
@@ -103,6 +103,16 @@ TEST(PlanImport, BeginsWithAFileForEachThreadAndDoublesEachRun) {
     EXPECT_EQ(RunsOf(2, 2), Sizes{2});
     EXPECT_EQ(RunsOf(3, 2), (Sizes{2, 1}));
     EXPECT_EQ(RunsOf(3, 0), (Sizes{1, 2})) << "the number of cores is not known";
+}
+
+TEST(PlanImport, JoinsFilesForTheReaderProcessUpToTheNumberOfThreads) {
+    const auto runs = PlanImport({"a.obj", "b.glb", "c.off", "d.hps", "e.OBJ"}, 2);
+    ASSERT_EQ(runs.size(), 4u);
+    for (const std::size_t i : {0, 1, 3}) EXPECT_EQ(runs[i].kind, ImportRun::Kind::Process) << i;
+    EXPECT_EQ(runs[0].files, (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(runs[1].files, std::vector<std::size_t>{2});
+    EXPECT_EQ(runs[2].kind, ImportRun::Kind::Viewer);
+    EXPECT_EQ(runs[3].files, std::vector<std::size_t>{4});
 }
 
 TEST(PlanImport, OfNothingIsNothing) { EXPECT_TRUE(PlanImport({}, 2).empty()); }

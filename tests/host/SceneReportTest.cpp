@@ -36,7 +36,7 @@ TEST(SceneReportJson, HasExactlyTheFieldsThatScriptsRead) {
               "\"failed\": [\n"
               "  {\"file\": \"b.pax\", \"reason\": \"cut short\"}\n"
               "],\n"
-              "\"warnings\": []}\n");
+              "\"warnings\": [],\n\"points\": []}\n");
 }
 
 TEST(SceneReportJson, HasTheWarningsAboutFilesThatWereImported) {
@@ -50,7 +50,7 @@ TEST(SceneReportJson, HasTheWarningsAboutFilesThatWereImported) {
 }
 
 TEST(SceneReportJson, OfAnEmptySceneIsThreeEmptyLists) {
-    EXPECT_EQ(ReportJson({}), "{\"objects\": [],\n\"failed\": [],\n\"warnings\": []}\n");
+    EXPECT_EQ(ReportJson({}), "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n\"points\": []}\n");
 }
 
 SceneReport WithPlane(bool found, float height, KV_ScenePane::ClipHeightKind kind) {
@@ -65,7 +65,7 @@ TEST(SceneReportJson, HasThePlaneThatWasPlacedAndTheRuleThatGaveItsHeight) {
                                      {HeightFlatSpot, "flat spot"},
                                      {HeightCurvedSpot, "curved spot"}})
         EXPECT_EQ(ReportJson(WithPlane(true, 2.25f, kind)),
-                  std::string("{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n"
+                  std::string("{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n\"points\": [],\n"
                               "\"clip\":{\"found\":true,\"height\":2.25,\"rule\":\"") +
                       rule + "\",\"center\":[0.5,-0.1,2.25],\"normal\":[0,0,1]}}\n");
 }
@@ -74,7 +74,7 @@ TEST(SceneReportJson, HasNoRuleForAHeightThatWasNotFound) {
     using namespace KV_ScenePane;
     for (const ClipHeightKind kind : {HeightNotDecided, HeightFlatSpot})
         EXPECT_EQ(ReportJson(WithPlane(false, -20, kind)),
-                  "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n"
+                  "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n\"points\": [],\n"
                   "\"clip\":{\"found\":false,\"height\":-20,\"center\":[0.5,-0.1,-20],\"normal\":[0,0,1]}}\n");
 }
 
@@ -100,14 +100,14 @@ TEST(SceneReportText, EndsWithThePlane) {
 TEST(SceneReportJson, HasTheLassosInTheirOrderAfterThePlane) {
     SceneReport report;
     report.cuts = {{KV_ScenePane::PolygonInside, true}};
-    EXPECT_EQ(
-        ReportJson(report),
-        "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n\"cuts\":[{\"mode\":\"inside\",\"changed\":true}]}\n");
+    EXPECT_EQ(ReportJson(report),
+              "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n\"points\": "
+              "[],\n\"cuts\":[{\"mode\":\"inside\",\"changed\":true}]}\n");
     report = WithPlane(false, -20, KV_ScenePane::HeightNotDecided);
     report.cuts = {{KV_ScenePane::FreehandVisible, false}, {KV_ScenePane::PolygonOutside, true}};
     EXPECT_EQ(
         ReportJson(report),
-        "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n"
+        "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [],\n\"points\": [],\n"
         "\"clip\":{\"found\":false,\"height\":-20,\"center\":[0.5,-0.1,-20],\"normal\":[0,0,1]},\n"
         "\"cuts\":[{\"mode\":\"freehand-visible\",\"changed\":false},{\"mode\":\"outside\",\"changed\":true}]}\n");
 }
