@@ -5,6 +5,8 @@
 #include <limits>
 #include <utility>
 
+#include "base/ParallelTasks.h"
+
 namespace {
 
 // The comparison of IsSliver() in the same order of operations: the squared cosine at each corner against the squared
@@ -73,35 +75,54 @@ std::size_t CountBits(std::size_t size, const BitAt& bitAt) {
 
 }  // namespace
 
-GridQuads::GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes)
+GridQuads::GridQuads(const GridRows& rows, float sliverLimit, LaneCount lanes, unsigned threads)
     // The padding: up to eight bytes are read or written at once.
-    : m_uStride(kLeft + rows.Width() + PointRow::kPadding), m_vQuads(m_uStride * (rows.Height() + 1)) {
+    : m_uStride(kLeft + rows.Width() + PointRow::kPadding),
+      m_vQuads(m_uStride * (rows.Height() + 1)),
+      m_vVerticesBefore(std::max<std::size_t>(rows.Height(), 1)),
+      m_vTrianglesBefore(m_vVerticesBefore.size()) {
     const std::size_t width = rows.Width(), height = rows.Height();
     if (width < 2 || height < 2) return;
-    // Every quad from the points of two rows; a negative limit becomes infinity, which nothing exceeds.
+    // A negative limit becomes infinity, which nothing exceeds.
     const float limit = sliverLimit < 0 ? std::numeric_limits<float>::infinity() : sliverLimit;
-    const float squaredLimit = limit * limit;
+    const std::size_t quadRows = height - 1, bands = std::min<std::size_t>(threads, quadRows);
+    const auto firstOf = [quadRows, bands](std::size_t band) { return quadRows * band / bands; };
+    RunTasks(bands, threads,
+             [&](std::size_t band) { ClassifyBand(rows, firstOf(band), firstOf(band + 1), limit * limit, lanes); });
+    // The numbers of each row need the row of quads above it; then their sums.
+    RunTasks(bands, threads, [&](std::size_t band) { CountBand(firstOf(band), firstOf(band + 1), width); });
+    for (std::size_t y = 0; y < quadRows; ++y) {
+        m_vVerticesBefore[y + 1] += m_vVerticesBefore[y];
+        m_vTrianglesBefore[y + 1] += m_vTrianglesBefore[y];
+    }
+}
+
+/// Decides about the rows of quads from @p first to before @p last.
+/// @param rows  a copy of the caller's
+void GridQuads::ClassifyBand(GridRows rows, std::size_t first, std::size_t last, float squaredLimit, LaneCount lanes) {
+    const std::size_t width = rows.Width();
     PointRow upper(width), lower(width);
-    rows.Load(0, upper);
-    for (std::size_t y = 0; y + 1 < height; ++y) {
+    rows.Load(first, upper);
+    for (std::size_t y = first; y < last; ++y) {
         rows.Load(y + 1, lower);
-        std::uint8_t* const quads = RowToWrite(y);
-        ClassifyRowPair(lanes, upper, lower, width, squaredLimit, quads);
-        m_uTriangleCount += CountBits(
-            width, [quads](std::size_t x) { return ((quads[x] / kQuadFirst) & 1) + ((quads[x] / kQuadSecond) & 1); });
+        ClassifyRowPair(lanes, upper, lower, width, squaredLimit, RowToWrite(y));
         std::swap(upper, lower);
     }
-    CountVertices(width, height);
 }
 
 // A grid point becomes a vertex when one of the four quads around it has three valid corners and the point is one of
-// them: it is corner D and C of the quads above, B and A of the quads below.
-void GridQuads::CountVertices(std::size_t width, std::size_t height) {
-    for (std::size_t y = 0; y < height; ++y) {
-        const std::uint8_t* const below = RowToWrite(y);
-        const std::uint8_t* const above = below - m_uStride;
-        m_uVertexCount += CountBits(width, [above, below](std::size_t x) {
-            return ((above[x - 1] >> 3) | (above[x] >> 2) | (below[x - 1] >> 1) | below[x]) & 1;
+// them: it is corner D and C of the quads above, B and A of the quads below. A row of quads is the first to use the
+// points below it, and those above it that the row of quads before does not use.
+void GridQuads::CountBand(std::size_t first, std::size_t last, std::size_t width) {
+    for (std::size_t y = first; y < last; ++y) {
+        const std::uint8_t* const quads = RowToWrite(y);
+        const std::uint8_t* const above = quads - m_uStride;
+        m_vTrianglesBefore[y + 1] = CountBits(
+            width, [quads](std::size_t x) { return (quads[x] / kQuadFirst & 1) + (quads[x] / kQuadSecond & 1); });
+        m_vVerticesBefore[y + 1] = CountBits(width, [quads, above](std::size_t x) {
+            const int lower = (quads[x - 1] >> 3) | (quads[x] >> 2);
+            const int upper = (quads[x - 1] >> 1) | quads[x], used = (above[x - 1] >> 3) | (above[x] >> 2);
+            return (lower & 1) + (upper & ~used & 1);
         });
     }
 }
@@ -111,6 +132,18 @@ GridIndexer::GridIndexer(std::size_t width)
       m_vPrevRow(width + PointRow::kPadding, -1),
       m_vNextRow(width + PointRow::kPadding, -1),
       m_vTriangles(2 * width) {}
+
+// The order of the new vertices of a row of quads depends on which points above it have a number already, not on these
+// numbers: that row is numbered with zeros for them.
+void GridIndexer::StartAt(const GridQuads& quads, std::size_t y) {
+    std::fill(m_vPrevRow.begin(), m_vPrevRow.end(), -1);
+    std::fill(m_vNextRow.begin(), m_vNextRow.end(), -1);
+    m_iVertexCount = static_cast<std::int32_t>(quads.VerticesBefore(y));
+    if (y == 0) return;
+    const std::uint8_t* const above = quads.Row(y - 1);
+    for (std::size_t x = 0; x < m_uWidth; ++x)
+        if ((((above[x - 1] >> 3) | (above[x] >> 2)) & 1) != 0) m_vPrevRow[x] = 0;
+}
 
 void GridIndexer::TriangulateRowPair(const std::uint8_t* quads) {
     std::int32_t* const prev = m_vPrevRow.data();

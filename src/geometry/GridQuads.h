@@ -24,27 +24,35 @@ inline constexpr std::int32_t kQuadSecond = 32;   ///< the second triangle is ke
 /// The decisions about all quads of a grid: one byte per quad.
 class GridQuads {
 public:
-    /// Reads every row once and decides about every quad.
+    /// Reads every row and decides about every quad.
     /// @param sliverLimit  as for IsSliver()
-    GridQuads(GridRows& rows, float sliverLimit, LaneCount lanes = BestLaneCount());
+    /// @param threads      number of threads, each with a band of the rows; the result does not depend on it
+    GridQuads(const GridRows& rows, float sliverLimit, LaneCount lanes = BestLaneCount(), unsigned threads = 1);
 
     /// The quads between the rows y and y + 1, preceded and followed by a zero byte: [0] to [width - 2] are quads, [-1]
     /// and [width - 1] may be read.
     [[nodiscard]] const std::uint8_t* Row(std::size_t y) const { return &m_vQuads[(y + 1) * m_uStride + kLeft]; }
     /// Grid points that are a corner of a triangle, also of a rejected one: these become vertices.
-    [[nodiscard]] std::size_t VertexCount() const { return m_uVertexCount; }
+    [[nodiscard]] std::size_t VertexCount() const { return m_vVerticesBefore.back(); }
     /// Triangles that are kept.
-    [[nodiscard]] std::size_t TriangleCount() const { return m_uTriangleCount; }
+    [[nodiscard]] std::size_t TriangleCount() const { return m_vTrianglesBefore.back(); }
+    /// Vertices that the triangles of the rows of quads above row @p y use: the first number that row y gives. For y up
+    /// to the number of rows of quads.
+    [[nodiscard]] std::size_t VerticesBefore(std::size_t y) const { return m_vVerticesBefore[y]; }
+    /// Kept triangles of the rows of quads above row @p y.
+    [[nodiscard]] std::size_t TrianglesBefore(std::size_t y) const { return m_vTrianglesBefore[y]; }
 
 private:
     static constexpr std::size_t kLeft = 1;  ///< the zero byte before the first quad of a row
 
+    void ClassifyBand(GridRows rows, std::size_t first, std::size_t last, float squaredLimit, LaneCount lanes);
+    void CountBand(std::size_t first, std::size_t last, std::size_t width);
     std::uint8_t* RowToWrite(std::size_t y) { return &m_vQuads[(y + 1) * m_uStride + kLeft]; }
-    void CountVertices(std::size_t width, std::size_t height);
 
     std::size_t m_uStride;
     std::vector<std::uint8_t> m_vQuads;  ///< with a row of zeros before the first and after the last one
-    std::size_t m_uVertexCount = 0, m_uTriangleCount = 0;
+    std::vector<std::size_t> m_vVerticesBefore,
+        m_vTrianglesBefore;  ///< per row of quads, and the sums of all at the end
 };
 
 /// Numbers the grid points in the order in which the triangles use them first, row by row, and makes the triangles.
@@ -54,6 +62,9 @@ public:
     /// @param width  of the grid, points
     explicit GridIndexer(std::size_t width);
 
+    /// Continues as if all rows of quads above row @p y had been triangulated. The indices of the vertices above that
+    /// row are then not those of the mesh: they are valid from the row of grid points y + 1 on.
+    void StartAt(const GridQuads& quads, std::size_t y);
     /// Makes the triangles of one row of quads; they are valid until the next call. Corners of rejected triangles are
     /// numbered too.
     /// @param quads  GridQuads::Row()

@@ -123,9 +123,12 @@ void GridRows::LoadPixels(std::size_t y, PointRow& row) const {
 
 void GridRows::LoadCells(std::size_t y, PointRow& row) {
     // The list is in row order and has no entry for an empty cell.
-    if (y == 0) m_uNextCell = 0;
-    std::fill(row.m_vValid.begin(), row.m_vValid.end(), 0);
     const auto& cells = m_pCells->m_vVertices;
+    const auto rowOf = [](const Vertex& cell) { return std::size_t{cell.gridIndex >> 16}; };
+    if (y != m_uNextRow)
+        m_uNextCell = static_cast<std::size_t>(std::ranges::lower_bound(cells, y, {}, rowOf) - cells.begin());
+    m_uNextRow = y + 1;
+    std::fill(row.m_vValid.begin(), row.m_vValid.end(), 0);
     for (; m_uNextCell < cells.size() && cells[m_uNextCell].gridIndex >> 16 == y; ++m_uNextCell) {
         const Vertex& cell = cells[m_uNextCell];
         const std::size_t x = cell.gridIndex & 0xFFFF;

@@ -39,7 +39,7 @@ struct PointRow {
     std::vector<std::uint32_t> m_vColors;  ///< as Vertex::color
 };
 
-/// A view of a grid; the arrays that it was made from must outlive it.
+/// A view of a grid; the arrays that it was made from must outlive it. Not for two threads at once: each has a copy.
 class GridRows {
 public:
     /// A grid of pixels, with the arguments of BuildGridVertexList().
@@ -50,7 +50,7 @@ public:
 
     [[nodiscard]] std::size_t Width() const { return m_uWidth; }
     [[nodiscard]] std::size_t Height() const { return m_uHeight; }
-    /// Reads row @p y. Rows must be read from 0 upward without a gap; 0 starts again.
+    /// Reads row @p y. Fastest for rows in their order.
     void Load(std::size_t y, PointRow& row);
 
 private:
@@ -63,7 +63,8 @@ private:
     const std::uint16_t* m_pMask = nullptr;
     const std::uint32_t* m_pColors = nullptr;
     const GridVertexList* m_pCells = nullptr;
-    std::size_t m_uNextCell = 0;  ///< the first cell of the list that is not loaded yet
+    std::size_t m_uNextRow = 0;   ///< the row after the last one that was loaded
+    std::size_t m_uNextCell = 0;  ///< the first cell of that row or of a later one
 };
 
 /// Applies a transform to the valid points of a row; the others are undefined before and after.

@@ -9,10 +9,12 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <mutex>
 #include <optional>
 #include <utility>
 
 #include "base/HugePages.h"
+#include "base/ParallelTasks.h"
 #include "geometry/GridNormals.h"
 #include "geometry/GridQuads.h"
 #include "geometry/GridRows.h"
@@ -33,9 +35,12 @@ class GridBox {
 public:
     void Add(Int4 isVertex, const Vec3x4& p) {
         const Float4 excluded = AsFloat4(~isVertex);  // all bits set is not a number, which no comparison selects
-        AddAxis(Select(isVertex, p.x, excluded), m_low.x, m_high.x);
-        AddAxis(Select(isVertex, p.y, excluded), m_low.y, m_high.y);
-        AddAxis(Select(isVertex, p.z, excluded), m_low.z, m_high.z);
+        AddPoint({Select(isVertex, p.x, excluded), Select(isVertex, p.y, excluded), Select(isVertex, p.z, excluded)});
+    }
+    /// The extremes of the rows below as well.
+    void Add(const GridBox& below) {
+        AddPoint(below.m_low);
+        AddPoint(below.m_high);
     }
     void SetBoxOf(Mesh& mesh) const {
         if (mesh.m_vVertices.empty()) {
@@ -56,6 +61,11 @@ public:
     }
 
 private:
+    void AddPoint(const Vec3x4& p) {
+        AddAxis(p.x, m_low.x, m_high.x);
+        AddAxis(p.y, m_low.y, m_high.y);
+        AddAxis(p.z, m_low.z, m_high.z);
+    }
     // A coordinate that is not a number is neither less nor greater, so it changes nothing.
     static void AddAxis(Float4 value, Float4& low, Float4& high) {
         low = Select(value < low, value, low);
@@ -73,7 +83,7 @@ private:
 // Writes the vertices of one row of the grid, four at a time, to the places that their indices name. The indices are
 // padded with -1.
 void WriteVertexRow(const PointRow& row, const Vec3Row& normals, const std::vector<std::int32_t>& indices,
-                    std::size_t width, std::size_t y, std::vector<Vertex>& vertices, GridBox& box) {
+                    std::size_t width, std::size_t y, Vertex* vertices, GridBox& box) {
     const auto firstGridIndex = static_cast<std::int32_t>(y << 16);
     for (std::size_t x = 0; x < width; x += 4) {
         const Int4 isVertex = LoadLanes<Int4>(&indices[x]) >= 0;
@@ -117,72 +127,168 @@ void ReserveExactly(std::vector<T>& vector, std::size_t count) {
     ReserveInHugePages(vector, count);
 }
 
-// The capacity must suffice. Zeroing and copying bytes is faster than insert(), which copies element by element.
-void AppendBytes(std::vector<Triangle>& triangles, const Triangle* begin, const Triangle* end) {
-    if (begin == end) return;
-    const std::size_t size = triangles.size(), count = static_cast<std::size_t>(end - begin);
-    triangles.resize(size + count);
-    std::memcpy(&triangles[size], begin, count * sizeof(Triangle));
-}
-
 struct TriangulationOptions {
     float sliverLimit = kMaxEdgeCosine;
     const float* trafo = nullptr;  // applied to the vertices; the sliver test uses the points before the transform
     bool withNormals = false;
+    unsigned threads = 1;
 };
 
-GridBox TriangulateRows(GridRows& rows, const TriangulationOptions& options, std::vector<Vertex>& vertices,
-                        std::vector<Triangle>& triangles) {
-    // First pass: which triangles are kept, and how many. The arrays get their exact size before anything is written.
-    GridBox box;
-    const GridQuads quads(rows, options.sliverLimit);
-    ReserveExactly(vertices, quads.VertexCount());
-    ReserveExactly(triangles, quads.TriangleCount());
-    if (quads.VertexCount() == 0) return box;
+/// The mesh that is made. Its arrays have the memory for all vertices and triangles; they grow, which writes zeros,
+/// just before the vertices and triangles are written there, while the memory is in the cache.
+struct GridMesh {
+    std::vector<Vertex>& vertices;
+    std::vector<Triangle>& triangles;
 
-    // Second pass, row by row: points, triangles, normals. A row of vertices is written when the triangles below it are
-    // known.
-    const std::size_t width = rows.Width();
-    PointRow upper(width), lower(width);
-    GridIndexer indexer(width);
-    std::optional<GridNormals> normals;
-    if (options.withNormals) normals.emplace(width);
-    const Vec3Row noNormals(width + PointRow::kPadding);
-    const auto load = [&](std::size_t y, PointRow& row) {
-        rows.Load(y, row);
-        if (options.trafo != nullptr) TransformRow(options.trafo, width, row);
-    };
-    const auto writeUpperRow = [&](std::size_t y) {
-        WriteVertexRow(upper, normals ? normals->UpperRow() : noNormals, indexer.UpperRow(), width, y, vertices, box);
-    };
-    load(0, upper);
-    std::size_t y = 0;
-    for (; y + 1 < rows.Height(); ++y) {
-        load(y + 1, lower);
-        indexer.TriangulateRowPair(quads.Row(y));
-        AppendBytes(triangles, indexer.TrianglesBegin(), indexer.TrianglesEnd());
-        vertices.resize(indexer.VertexCount());  // within the capacity; written below while the zeros are in the cache
-        if (normals) normals->AddRowPair(upper, lower, quads.Row(y));
-        writeUpperRow(y);
-        std::swap(upper, lower);
-        indexer.Advance();
+    void GrowTo(const GridQuads& quads, std::size_t y) const {
+        vertices.resize(quads.VerticesBefore(y));
+        triangles.resize(quads.TrianglesBefore(y));
     }
-    if (normals) normals->FinishLowerRow();
-    writeUpperRow(y);
+};
+
+/// Rows of quads, from the first to before the last, and the grid points above them; below the last row of quads of the
+/// grid also the points below it.
+struct Band {
+    std::size_t first, last;
+};
+
+/// Writes the vertices and triangles of one band: points, triangles, normals row by row. A row of vertices is written
+/// when the triangles below it are known. The results of other bands are not needed: the row of quads above the band is
+/// computed here as well.
+class BandWriter {
+public:
+    /// @param rows  a copy of the caller's
+    BandWriter(GridRows rows, const TriangulationOptions& options, const GridQuads& quads, Vertex* vertices,
+               Triangle* triangles)
+        : m_rows(rows),
+          m_options(options),
+          m_quads(quads),
+          m_pVertices(vertices),
+          m_pTriangles(triangles),
+          m_uWidth(rows.Width()),
+          m_upper(m_uWidth),
+          m_lower(m_uWidth),
+          m_noNormals(m_uWidth + PointRow::kPadding),
+          m_indexer(m_uWidth) {
+        if (options.withNormals) m_normals.emplace(m_uWidth);
+    }
+
+    /// @param grow  called with each row of quads before its vertices and triangles are written
+    template <typename Grow>
+    GridBox Write(Band band, const Grow& grow) {
+        StartAt(band.first);
+        std::size_t y = band.first;
+        for (; y < band.last; ++y) {
+            AddRowPair(y);
+            assert(m_indexer.VertexCount() == m_quads.VerticesBefore(y + 1));
+            grow(y);
+            std::copy(m_indexer.TrianglesBegin(), m_indexer.TrianglesEnd(), m_pTriangles + m_quads.TrianglesBefore(y));
+            WriteUpperRow(y);
+            Advance();
+        }
+        if (y + 1 < m_rows.Height()) return m_box;
+        if (m_normals) m_normals->FinishLowerRow();
+        WriteUpperRow(y);
+        return m_box;
+    }
+
+private:
+    /// Loads the row of points @p y and what the row of quads above it adds to it.
+    void StartAt(std::size_t y) {
+        const std::size_t first = y == 0 ? 0 : y - 1;
+        m_indexer.StartAt(m_quads, first);
+        Load(first, m_upper);
+        if (y == 0) return;
+        AddRowPair(first);
+        Advance();
+    }
+    void Load(std::size_t y, PointRow& row) {
+        m_rows.Load(y, row);
+        if (m_options.trafo != nullptr) TransformRow(m_options.trafo, m_uWidth, row);
+    }
+    void AddRowPair(std::size_t y) {
+        Load(y + 1, m_lower);
+        m_indexer.TriangulateRowPair(m_quads.Row(y));
+        if (m_normals) m_normals->AddRowPair(m_upper, m_lower, m_quads.Row(y));
+    }
+    void Advance() {
+        std::swap(m_upper, m_lower);
+        m_indexer.Advance();
+    }
+    void WriteUpperRow(std::size_t y) {
+        WriteVertexRow(m_upper, m_normals ? m_normals->UpperRow() : m_noNormals, m_indexer.UpperRow(), m_uWidth, y,
+                       m_pVertices, m_box);
+    }
+
+    GridRows m_rows;
+    const TriangulationOptions& m_options;
+    const GridQuads& m_quads;
+    Vertex* m_pVertices;
+    Triangle* m_pTriangles;
+    std::size_t m_uWidth;
+    PointRow m_upper, m_lower;
+    const Vec3Row m_noNormals;
+    GridIndexer m_indexer;
+    std::optional<GridNormals> m_normals;
+    GridBox m_box;
+};
+
+/// The bands one after the other to the next free thread. They begin in their order, which is the order in which the
+/// arrays grow.
+GridBox WriteBands(const GridRows& rows, const TriangulationOptions& options, const GridQuads& quads,
+                   const GridMesh& mesh) {
+    // Few rows, so that the zeros of a band are in the cache still, but enough that the row of quads that each band
+    // computes in addition does not matter.
+    constexpr std::size_t kBandRows = 32;
+    const std::size_t quadRows = rows.Height() - 1, bands = (quadRows + kBandRows - 1) / kBandRows;
+    std::vector<GridBox> boxes(bands);
+    std::mutex mutex;
+    std::size_t begun = 0;
+    Vertex* const vertices = mesh.vertices.data();
+    Triangle* const triangles = mesh.triangles.data();
+    RunTasks(bands, options.threads, [&](std::size_t) {
+        BandWriter writer(rows, options, quads, vertices, triangles);
+        std::size_t band = 0;
+        {
+            const std::lock_guard lock(mutex);
+            band = begun++;
+            mesh.GrowTo(quads, std::min(quadRows, (band + 1) * kBandRows));
+        }
+        const Band range{band * kBandRows, std::min(quadRows, (band + 1) * kBandRows)};
+        boxes[band] = writer.Write(range, [](std::size_t) {});
+    });
+    GridBox box;
+    for (const GridBox& one : boxes) box.Add(one);
     return box;
 }
 
-GridBox TriangulateGridWith(const TriangulationOptions& options, std::int16_t width, std::int16_t height,
-                            const float* points, const std::uint16_t* mask, const std::uint32_t* colors,
-                            std::int32_t skip, std::vector<Vertex>& vertices, std::vector<Triangle>& triangles) {
+GridBox TriangulateRows(const GridRows& rows, const TriangulationOptions& options, std::vector<Vertex>& vertices,
+                        std::vector<Triangle>& triangles) {
+    // First pass: which triangles are kept, and how many. The arrays get their exact size before anything is written.
+    const GridQuads quads(rows, options.sliverLimit, BestLaneCount(), options.threads);
+    ReserveExactly(vertices, quads.VertexCount());
+    ReserveExactly(triangles, quads.TriangleCount());
+    if (quads.VertexCount() == 0) return {};
+    // Second pass: points, triangles, normals.
+    const GridMesh mesh{vertices, triangles};
+    if (options.threads > 1) return WriteBands(rows, options, quads, mesh);
+    BandWriter writer(rows, options, quads, vertices.data(), triangles.data());
+    return writer.Write({0, rows.Height() - 1}, [&](std::size_t y) { mesh.GrowTo(quads, y + 1); });
+}
+
+GridBox TriangulateGridWith(TriangulationOptions options, std::int16_t width, std::int16_t height, const float* points,
+                            const std::uint16_t* mask, const std::uint32_t* colors, std::int32_t skip,
+                            std::vector<Vertex>& vertices, std::vector<Triangle>& triangles) {
     assert(width >= 0 && height >= 0 && skip >= 1);
-    if (skip == 1) {  // directly from the pixels: a list of them would be as large as the mesh
-        GridRows pixels(width, height, points, mask, colors);
-        return TriangulateRows(pixels, options, vertices, triangles);
-    }
-    const GridVertexList list = BuildGridVertexList(width, height, points, mask, colors, skip);
-    GridRows cells(list);
-    return TriangulateRows(cells, options, vertices, triangles);
+    constexpr std::size_t kMinPixels = 50'000;  // per thread: below this its start costs more than it saves
+    const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    options.threads = ThreadsFor(pixels, kMinPixels, options.threads);
+    if (skip == 1)  // directly from the pixels: a list of them would be as large as the mesh
+        return TriangulateRows(GridRows(width, height, points, mask, colors), options, vertices, triangles);
+    const GridVertexList list = BuildGridVertexList(width, height, points, mask, colors, skip, options.threads);
+    const std::size_t cells = static_cast<std::size_t>(list.m_iWidth) * static_cast<std::size_t>(list.m_iHeight);
+    options.threads = ThreadsFor(cells, kMinPixels, options.threads);
+    return TriangulateRows(GridRows(list), options, vertices, triangles);
 }
 
 }  // namespace
@@ -214,10 +320,10 @@ void TriangulateGrid(std::int16_t width, std::int16_t height, const float* point
 std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t width, std::int16_t height,
                                          const float* points, const std::uint16_t* mask, const float* trafo,
                                          std::uint32_t color, const std::uint32_t* colors, bool allowEmpty,
-                                         std::int32_t skip) {
+                                         std::int32_t skip, unsigned threads) {
     auto mesh = std::make_unique<Mesh>(name, colors != nullptr);
-    const GridBox box = TriangulateGridWith({.trafo = trafo, .withNormals = true}, width, height, points, mask, colors,
-                                            skip, mesh->m_vVertices, mesh->m_vTriangles);
+    const GridBox box = TriangulateGridWith({.trafo = trafo, .withNormals = true, .threads = threads}, width, height,
+                                            points, mask, colors, skip, mesh->m_vVertices, mesh->m_vTriangles);
     if (!allowEmpty && (mesh->m_vVertices.empty() || mesh->m_vTriangles.empty())) return nullptr;
     if (trafo != nullptr) {  // row-major to the column order of Set()
         const float* m = trafo;

@@ -25,9 +25,10 @@ struct GridVertexList {
 /// @param mask    one word per pixel, 0 is valid
 /// @param colors  one word per pixel in the form of Vertex::color, or null
 /// @param skip    1 keeps every pixel, s averages cells of s x s pixels; at least 1
+/// @param threads  used for averages alone; the result does not depend on them
 [[nodiscard]] GridVertexList BuildGridVertexList(std::int16_t width, std::int16_t height, const float* points,
                                                  const std::uint16_t* mask, const std::uint32_t* colors,
-                                                 std::int32_t skip);
+                                                 std::int32_t skip, unsigned threads = 1);
 
 /// Connects neighbouring grid points to triangles, without normals. The grid is that of BuildGridVertexList(); the
 /// vertices are in the order in which the triangles use them first.
@@ -49,12 +50,13 @@ void TriangulateGrid(std::int16_t width, std::int16_t height, const float* point
 ///                    its rotation and translation
 /// @param color       object colour, 0x00BBGGRR, used when the grid has no colours of its own
 /// @param allowEmpty  also return an object when the grid produced nothing
+/// @param threads     at most so many work on a large grid; the result does not depend on them
 /// @return null when there is no vertex or no triangle and @p allowEmpty is false
 [[nodiscard]] std::unique_ptr<Mesh> CreateInternalMesh(const std::wstring& name, std::int16_t width,
                                                        std::int16_t height, const float* points,
                                                        const std::uint16_t* mask, const float* trafo,
                                                        std::uint32_t color, const std::uint32_t* colors,
-                                                       bool allowEmpty, std::int32_t skip);
+                                                       bool allowEmpty, std::int32_t skip, unsigned threads = 1);
 
 /// The same triangles as plain arrays: without a transform, with the normals of ComputeMeanNormals().
 [[nodiscard]] std::unique_ptr<MeshBuffers> CreateInternalMeshBuffers(std::int16_t width, std::int16_t height,

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <span>
 #include <utility>
+#include <vector>
 
+#include "base/ParallelTasks.h"
 #include "geometry/GridTriangulation.h"
 
 namespace {
@@ -94,41 +97,65 @@ void AddPixelRow(const Grid& grid, std::int32_t y, std::int32_t skip, std::vecto
     }
 }
 
-GridVertexList ListOfCells(const Grid& grid, std::int32_t skip) {
-    const auto cellsAlong = [skip](std::int32_t pixels) { return pixels / skip + (pixels % skip != 0); };
-    GridVertexList list{cellsAlong(grid.height), cellsAlong(grid.width), {}};
+/// The averages of the cells of one row; the last row and column of cells may be incomplete.
+void AverageRow(const Grid& grid, std::int32_t row, std::int32_t skip, std::vector<Cell>& cells) {
+    std::ranges::fill(cells, Cell{});
+    const std::int32_t firstY = row * skip;
+    const std::int32_t endY = firstY + std::min(skip, grid.height - firstY);
+    for (std::int32_t y = firstY; y < endY; ++y) AddPixelRow(grid, y, skip, cells);
+    for (Cell& cell : cells) cell.Average();
+}
+
+/// Appends the vertices of the rows of cells from @p first to before @p last.
+/// @param width  of the list, cells
+void AppendCells(const Grid& grid, std::int32_t skip, std::int32_t width, std::int32_t first, std::int32_t last,
+                 std::vector<Vertex>& vertices) {
     // A cell becomes a vertex when at least half of its pixels, rounded down, are valid.
     const std::int64_t minCount = std::int64_t{skip} * skip / 2;
     const float limit = DistanceLimit(skip);
     const float squaredLimit = limit * limit;
-    std::vector<Cell> above, cells;
-    for (std::int32_t row = 0; row < list.m_iHeight; ++row) {
-        cells.assign(static_cast<std::size_t>(list.m_iWidth), {});
-        const std::int32_t firstY = row * skip;
-        const std::int32_t endY = firstY + std::min(skip, grid.height - firstY);
-        // The averages of one row of cells; the last row and column of cells may be incomplete.
-        for (std::int32_t y = firstY; y < endY; ++y) AddPixelRow(grid, y, skip, cells);
-        for (Cell& cell : cells) cell.Average();
+    std::vector<Cell> above(static_cast<std::size_t>(width)), cells(static_cast<std::size_t>(width));
+    if (first > 0) AverageRow(grid, first - 1, skip, above);
+    for (std::int32_t row = first; row < last; ++row) {
+        AverageRow(grid, row, skip, cells);
         // The cells with enough pixels and without a step to the left or upward. The colour is that of the first pixel.
-        for (std::int32_t column = 0; column < list.m_iWidth; ++column) {
+        for (std::int32_t column = 0; column < width; ++column) {
             const auto i = static_cast<std::size_t>(column);
             const Cell& cell = cells[i];
             if (cell.count < minCount) continue;
             if (column > 0 && IsStep(cells[i - 1], cell, squaredLimit)) continue;
             if (row > 0 && IsStep(above[i], cell, squaredLimit)) continue;
-            const std::uint32_t color = grid.ColorAt(grid.IndexOf(column * skip, firstY));
-            list.m_vVertices.push_back({cell.x, cell.y, cell.z, 0, 0, 0, color, GridIndex(row, column)});
+            const std::uint32_t color = grid.ColorAt(grid.IndexOf(column * skip, row * skip));
+            vertices.push_back({cell.x, cell.y, cell.z, 0, 0, 0, color, GridIndex(row, column)});
         }
         std::swap(above, cells);
     }
+}
+
+GridVertexList ListOfCells(const Grid& grid, std::int32_t skip, unsigned threads) {
+    const auto cellsAlong = [skip](std::int32_t pixels) { return pixels / skip + (pixels % skip != 0); };
+    GridVertexList list{cellsAlong(grid.height), cellsAlong(grid.width), {}};
+    // Bands of rows, whose lists are joined.
+    const auto bands = static_cast<std::size_t>(std::clamp<std::int64_t>(list.m_iHeight, 1, std::max(threads, 1u)));
+    std::vector<std::vector<Vertex>> parts(bands);
+    const auto firstOf = [&](std::size_t band) {
+        return static_cast<std::int32_t>(static_cast<std::size_t>(list.m_iHeight) * band / bands);
+    };
+    RunTasks(bands, threads, [&](std::size_t band) {
+        AppendCells(grid, skip, list.m_iWidth, firstOf(band), firstOf(band + 1), parts[band]);
+    });
+    list.m_vVertices = std::move(parts[0]);
+    for (const auto& part : std::span(parts).subspan(1))
+        list.m_vVertices.insert(list.m_vVertices.end(), part.begin(), part.end());
     return list;
 }
 
 }  // namespace
 
 GridVertexList BuildGridVertexList(std::int16_t width, std::int16_t height, const float* points,
-                                   const std::uint16_t* mask, const std::uint32_t* colors, std::int32_t skip) {
+                                   const std::uint16_t* mask, const std::uint32_t* colors, std::int32_t skip,
+                                   unsigned threads) {
     assert(width >= 0 && height >= 0 && skip >= 1);
     const Grid grid{width, height, points, mask, colors};
-    return skip == 1 ? ListOfPixels(grid) : ListOfCells(grid, skip);
+    return skip == 1 ? ListOfPixels(grid) : ListOfCells(grid, skip, threads);
 }
