@@ -370,6 +370,9 @@ public:
     /// Any thread during a parallel import.
     /// @param index  order among the staged objects; unused outside a parallel import
     void AddMeshToScene(std::shared_ptr<Mesh> mesh, std::int32_t index);
+    /// Threads that an import by a method may use, the calling one included: all cores, or none but its own during a
+    /// parallel import, when the host's threads use them.
+    [[nodiscard]] unsigned ImportThreads() const;
 
     // ---- render/ContextLifecycle.cpp
     int OnCreate() override;

@@ -84,8 +84,10 @@ std::string NoMeshReason(const MeasurementData& data) {
 void CKV_ScenePaneCtrl::ImportScan(BSTR path, std::int32_t color) {
     m_strScanPath = TextOrEmpty(path);
     const WaitCursor wait(*m_pWindow);
-    const MeasurementOrigin origin = {
-        .m_sName = m_strScanPath, .m_uColor = static_cast<std::uint32_t>(color), .m_pRefusedBy = "ImportScan"};
+    const MeasurementOrigin origin = {.m_sName = m_strScanPath,
+                                      .m_uColor = static_cast<std::uint32_t>(color),
+                                      .m_pRefusedBy = "ImportScan",
+                                      .m_uThreads = ImportThreads()};
     try {
         ImportByExtension(*this, origin);
     } catch (...) {
@@ -106,10 +108,10 @@ bool CKV_ScenePaneCtrl::SetScanData(const MeasurementData& data, const Measureme
     else if (!refusal.empty())
         report(refusal);
     if (!refusal.empty()) return false;  // the triangulation must not run
-    std::shared_ptr<Mesh> mesh =
-        CreateInternalMesh(origin.m_sName, static_cast<std::int16_t>(data.m_iWidth),
-                           static_cast<std::int16_t>(data.m_iHeight), data.Points(), data.m_vMask.data(), data.Trafo(),
-                           origin.m_uColor, data.Colors(), m_bAllowEmptyObjects != 0, m_nScanSkipVal);
+    std::shared_ptr<Mesh> mesh = CreateInternalMesh(origin.m_sName, static_cast<std::int16_t>(data.m_iWidth),
+                                                    static_cast<std::int16_t>(data.m_iHeight), data.Points(),
+                                                    data.m_vMask.data(), data.Trafo(), origin.m_uColor, data.Colors(),
+                                                    m_bAllowEmptyObjects != 0, m_nScanSkipVal, origin.m_uThreads);
     if (!mesh) {
         if (data.m_sRefusal.empty()) report(NoMeshReason(data));
         DebugOutput(std::string(origin.m_pMeshedBy) + "(): CreateInternalMesh() returned nullptr\n");

@@ -16,6 +16,7 @@ struct MeasurementOrigin {
     std::int32_t m_iIndex = -1;                ///< order in a parallel import; the host's own indices start at 0
     const char* m_pRefusedBy = "SetScanData";  ///< in the line with the reason
     const char* m_pMeshedBy = "SetScanData";   ///< in the fixed line about a grid without triangles
+    unsigned m_uThreads = 1;                   ///< that may work on it, the calling one included
 };
 
 /// Written by the imports of io/ and by the setting methods of control/.

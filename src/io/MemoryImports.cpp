@@ -38,9 +38,11 @@ void CKV_ScenePaneCtrl::ImportMeasurementFromMemory(std::int32_t width, std::int
     // Points and translation are in scene units, and there are no classes.
     const MeasurementArrays arrays = {
         .m_iWidth = width, .m_iHeight = height, .m_pPoints = points, .m_pConfidence = confidence, .m_pTrafo = trafo};
-    SetScanData(
-        MakeMeasurementData(arrays, {.m_fConfidenceLimit = m_fConfidenceFilter}),
-        {.m_sName = m_strScanPath, .m_uColor = static_cast<std::uint32_t>(color), .m_pRefusedBy = kGridOperation});
+    SetScanData(MakeMeasurementData(arrays, {.m_fConfidenceLimit = m_fConfidenceFilter}),
+                {.m_sName = m_strScanPath,
+                 .m_uColor = static_cast<std::uint32_t>(color),
+                 .m_pRefusedBy = kGridOperation,
+                 .m_uThreads = ImportThreads()});
     InvalidateControl(true);
 } catch (...) {
     ReportCaughtError(kGridOperation, m_strScanPath);

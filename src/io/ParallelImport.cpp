@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "base/ParallelTasks.h"
 #include "control/ScenePaneCtrl.h"
 #include "io/FileMessage.h"
 #include "io/MeasurementData.h"
@@ -57,6 +58,8 @@ void CKV_ScenePaneCtrl::AddMeshToScene(std::shared_ptr<Mesh> mesh, std::int32_t 
     const std::lock_guard lock(*m_hImportMutex);
     m_vPendingImports.push_back({index, std::move(mesh)});
 }
+
+unsigned CKV_ScenePaneCtrl::ImportThreads() const { return m_hImportMutex ? 1 : AllowedCores(); }
 
 void CKV_ScenePaneCtrl::EndParallelImport() {
     // From here on objects are appended to the list directly.

@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/ParallelTasks.h"
 #include "io/ScanSample.h"
 #include "support/ControlFixture.h"
 
@@ -52,6 +53,14 @@ TEST_F(ParallelImport, ReturnsTheControlAndTheEntry) {
     c->EndParallelImport();
     EXPECT_EQ(c->m_hImportMutex, nullptr);
     EXPECT_EQ(c->GetNumObjects(), 0);
+}
+
+TEST_F(ParallelImport, LeavesTheOtherCoresToTheThreadsOfTheHost) {
+    EXPECT_EQ(c->ImportThreads(), AllowedCores());
+    Begin();
+    EXPECT_EQ(c->ImportThreads(), 1u);
+    c->EndParallelImport();
+    EXPECT_EQ(c->ImportThreads(), AllowedCores());
 }
 
 TEST_F(ParallelImport, PutsObjectsInTheOrderOfTheirIndices) {
