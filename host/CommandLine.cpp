@@ -63,6 +63,9 @@ std::string WrongFiles(const HostOptions& options, Run run) {
     if (run == kVersion && !options.files.empty()) return "--version --verbose goes with --gpu only";
     if (run == kConvert && options.files.size() != 2)
         return "--convert needs two files, the one to read and the one to write";
+    if (run == kConvert && options.files.back().starts_with('-'))
+        return options.files.back() + ": the name of a file to write must not begin with -; write ./" +
+               options.files.back();
     if (run == kConvert) {
         const std::string reason = ExportRefusal(options.files.back());
         return reason.empty() ? "" : options.files.back() + ": " + reason;
@@ -94,6 +97,16 @@ std::string PixelOutside(const HostOptions& options) {
     return {};
 }
 
+/// The message about the views of several pictures; empty when their files have different names.
+std::string WrongViews(const HostOptions& options, const GivenOptions& given) {
+    const bool hasPlace = options.picturePath.find(kViewPlace) != std::string::npos;
+    if (options.views.empty()) return hasPlace ? "{view} in the name of the picture goes with --views only" : "";
+    const auto isView = [](const Option* option) { return option->row.name == "--view"; };
+    if (std::ranges::any_of(given, isView)) return "--view and --views do not go together";
+    if (!options.cuts.empty()) return "--cut and --views do not go together";
+    return hasPlace ? "" : "--views needs {view} in the name of the picture, such as out-{view}.png";
+}
+
 /// The message about options and files that contradict each other; empty when none do.
 std::string Conflict(const HostOptions& options, const GivenOptions& given) {
     const GivenOptions selecting = SelectingOptions(given);
@@ -107,6 +120,8 @@ std::string Conflict(const HostOptions& options, const GivenOptions& given) {
             .append(" do not go together");
     if (std::string text = MisplacedOption(given, first, !options.cuts.empty()); !text.empty()) return text;
     if (options.clip && options.clipAuto) return "--clip and --clip-auto do not go together";
+    if (options.progress && options.quiet) return "--progress and --quiet do not go together";
+    if (std::string text = WrongViews(options, given); !text.empty()) return text;
     const Run run = first == nullptr ? kWindow : first->selects;
     if (run == kSaveCuts && options.cuts.empty() && !options.clip && !options.clipAuto)
         return "--save-cuts needs --cut, --clip or --clip-auto";

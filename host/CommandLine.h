@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -51,8 +52,10 @@ struct ClipPlane {
 /// The options of one command line. An option that was not given has the value below.
 struct HostOptions {
     HostAction action = HostAction::Window;
-    /// The PNG file of Screenshot and Capture; bytes, as typed.
+    /// The picture of Screenshot and Capture, "-" for standard output; with views it holds kViewPlace. Bytes, as typed.
     std::string picturePath;
+    /// The views of Screenshot and Capture, each a picture; empty for the one of @c view.
+    std::vector<KV_ScenePane::ViewMode> views;
     /// Drawing area in device pixels. Capture has a size of its own.
     int width = 1024, height = 768;
     KV_ScenePane::ViewMode view = KV_ScenePane::ViewFromPlusZYUp;
@@ -60,6 +63,15 @@ struct HostOptions {
     std::optional<KV_ScenePane::DrawMode> drawMode;
     /// Magnification of the fitted view, 0.1 to 10; with 2 the view spans half the size.
     float zoom = 1.0f;
+    /// The view is fitted to what is seen from its side, not to the box of the scene.
+    bool isTight = false;
+    /// Colours of a picture at its top and at its bottom, 0x00BBGGRR; without them the viewer's.
+    std::optional<std::array<std::int32_t, 2>> background;
+    bool axes = false;
+    /// Per pixel of Screenshot; 0 for none.
+    int samples = 0;
+    /// Of the draw mode of points and of free points; without it the viewer's.
+    std::optional<float> pointSize;
     ImportSettings import;
     /// Which of them were given: for the others the window has those that were used last.
     struct {
@@ -67,6 +79,8 @@ struct HostOptions {
     } given;
     /// The window forgets what it remembers, before it is made.
     bool resetsSettings = false;
+    /// Objects without colours get colours of the palette (ObjectPalette.h), each its own.
+    bool usesPalette = false;
     bool shadows = false;
     /// Clips the objects of Screenshot, of SaveCuts and of a run with lassos by this plane.
     std::optional<ClipPlane> clip;
@@ -95,11 +109,17 @@ struct HostOptions {
     int gpu = KV_ScenePane::WindowRequest::kAnyGpu;
     /// Version also names what draws.
     bool verbose = false;
-    /// The files to open; bytes, as typed, in their order.
+    /// Runs without a window show which file they read, also where standard error is no terminal; or print neither
+    /// that nor warnings.
+    bool progress = false, quiet = false;
+    /// The files to open, folders and "@LIST" among them (InputFiles.h); bytes, as typed, in their order.
     std::vector<std::string> files;
     /// The file that Convert and Export write, of a type that can be written; bytes, as typed.
     std::string exportPath;
 };
+
+/// In the name of a picture, for the name of its view.
+inline constexpr std::string_view kViewPlace = "{view}";
 
 /// What is wrong with a command line, as one line without the program's name.
 struct UsageError {

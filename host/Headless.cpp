@@ -20,14 +20,18 @@
 #include "MarkBox.h"
 #include "MarkerFiles.h"
 #include "MessageTable.h"
-#include "PngFile.h"
+#include "OutputGuard.h"
+#include "PictureFile.h"
 #include "RegistryStart.h"
 #include "ScreenShot.h"
+#include "options/TerminalText.h"
 
 namespace {
 
 using KV_ScenePane::ScenePane;
 using KV_ScenePane::WindowRequest;
+
+constexpr const char* kPointsNotDrawn = "the capture is fitted to these free points, but shows none";
 
 /// Writes all of @p text and flushes; false with errno when a part of it was not written.
 bool WriteText(std::FILE* out, const std::string& text) {
@@ -55,7 +59,7 @@ MarkerReport AddMarkers(ScenePane& pane, const HostOptions& options, bool showsP
     for (const std::string& file : options.pointFiles) {
         if (hasFailed(file, AddPointFile(methods, file, options.import.color, 1.0f))) continue;
         ++report.pointFiles;
-        if (!showsPoints) PrintError(err, file + ": the capture is fitted to these free points, but shows none");
+        if (!showsPoints) PrintWarning(options, err, file + ": " + kPointsNotDrawn);
     }
     for (const std::string& file : options.lineFiles) {
         std::vector<Polyline> polylines;
@@ -80,13 +84,26 @@ MarkerReport AddMarkers(ScenePane& pane, const HostOptions& options, bool showsP
 
 /// The same for a scene of lines and needles alone. The viewer fits to objects and free points: the corners of the box
 /// are free points for the moment of the fit.
-void ShowViewOfMarks(ScenePane& pane, const MarkBox& box, const HostOptions& options) {
+void ShowViewOfMarks(ScenePane& pane, const MarkBox& box, const HostOptions& options, KV_ScenePane::ViewMode view) {
     const std::int32_t id = AddPoints(pane.Methods(), {box.Corners(), {}}, 0, 1.0f);
-    ShowView(pane, options);
+    ShowView(pane, options, view);
     pane.Methods().DeletePoints(id);
 }
 
-/// Imports the files, fits the view to them and writes the picture that is then taken.
+std::vector<KV_ScenePane::ViewMode> ShownViews(const HostOptions& options) {
+    return options.views.empty() ? std::vector{options.view} : options.views;
+}
+
+/// Writes a picture; one line when that fails.
+bool WriteShown(const KV_ScenePane::Picture& picture, const std::string& path, std::FILE* err) {
+    std::string reason = "not written, the viewer gave no picture";
+    const bool isWritten = picture.width > 0 && WritePicture(path, picture, &reason);
+    const std::string name = path == kStandardOutput ? "standard output" : path;
+    if (!isWritten) PrintError(err, name + ": " + reason);
+    return isWritten;
+}
+
+/// Imports the files, and for each view of the options fits it to them and writes the picture that is then taken.
 /// @param showsPoints  the picture shows free points
 /// @param capture      returns the picture; of width 0 when there is none
 int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
@@ -95,35 +112,46 @@ int RunPicture(const HostOptions& options, std::FILE* err, bool showsPoints,
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const std::optional<SceneReport> imported = ImportScene(*pane, options, err);
+    const std::optional<SceneReport> imported = ImportScene(*pane, options, PointFiles::Shown, err);
     if (!imported) return kExitFailure;
     const SceneReport& report = *imported;
     ShowColors(*pane, options, report);
-    const MarkerReport markers = AddMarkers(*pane, options, showsPoints, err);
+    MarkerReport markers = AddMarkers(*pane, options, showsPoints, err);
+    for (const PointsReport& points : report.points) {
+        ++markers.pointFiles;
+        if (!showsPoints) PrintWarning(options, err, points.file + ": " + kPointsNotDrawn);
+    }
+    const bool isFitted = !report.objects.empty() || markers.pointFiles > 0 || markers.box.IsEmpty();
     // An older picture at that path stays when there is nothing to replace it by.
     const auto refuse = [&](const std::string& reason) {
-        PrintError(err, options.picturePath + ": " + reason);
+        PrintError(err, options.picturePath + ": not written, " + reason);
         return kExitFailure;
     };
-    const bool isFitted = !report.objects.empty() || markers.pointFiles > 0;
     if (report.objects.empty() && markers.markFiles == 0 && !(showsPoints && markers.pointFiles > 0))
-        return refuse("not written, there is nothing to show");
-    if (isFitted || markers.box.IsEmpty())
-        ShowView(*pane, options);
-    else
-        ShowViewOfMarks(*pane, markers.box, options);
+        return refuse("there is nothing to show");
+    const std::vector<KV_ScenePane::ViewMode> views = ShownViews(options);
+    const auto show = [&](KV_ScenePane::ViewMode view) {
+        if (isFitted)
+            ShowView(*pane, options, view);
+        else
+            ShowViewOfMarks(*pane, markers.box, options, view);
+    };
+    show(views.front());
     bool isPlaced = false;
     try {
         isPlaced = ClipObjects(*pane, options, err);
     } catch (const std::exception& error) {
-        return refuse("not written, " + NoPlacement(error));
+        return refuse(NoPlacement(error));
     }
-    if (options.clipAuto || options.clip) WarnIfAllIsCutAway(*pane, report.objects, err);
-    const KV_ScenePane::Picture picture = capture(*pane);
-    if (picture.width == 0) return refuse("not written, the viewer gave no picture");
-    std::string reason;
-    if (!WritePng(options.picturePath, picture, &reason)) return refuse(reason);
-    return HasImportedAll(report, options) && !markers.hasFailed && isPlaced ? kExitGood : kExitFailure;
+    if (options.clipAuto || options.clip) WarnIfAllIsCutAway(*pane, options, report.objects, err);
+    const std::vector<std::string> paths = PicturePaths(options);
+    bool isWritten = true;
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        if (i > 0) show(views[i]);
+        ShowLook(*pane, options);
+        isWritten = WriteShown(capture(*pane), paths[i], err) && isWritten;
+    }
+    return isWritten && HasImportedAll(report, options) && !markers.hasFailed && isPlaced ? kExitGood : kExitFailure;
 }
 
 /// The surface points under the pixels of the options.
@@ -144,9 +172,21 @@ std::vector<PickReport> Pick(ScenePane& pane, const HostOptions& options, const 
     return picks;
 }
 
+/// What the files hold, with one object in memory at a time.
+SceneReport ReportEach(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+    SceneReport report;
+    ImportFiles(pane, options.files, options, PointFiles::Counted, report, err, [&] {
+        pane.Methods().DeleteObject(0);
+        report.objects.back().index = static_cast<int>(report.objects.size()) - 1;
+    });
+    return report;
+}
+
 }  // namespace
 
-void PrintError(std::FILE* err, const std::string& line) { (void)WriteText(err, "scenepane: " + line + '\n'); }
+void PrintError(std::FILE* err, const std::string& line) {
+    (void)WriteText(err, "scenepane: " + ProgramOptions::TerminalText(line) + '\n');
+}
 
 int PrintResult(const std::string& text, std::FILE* out, std::FILE* err) {
     if (WriteText(out, text)) return kExitGood;
@@ -175,7 +215,7 @@ int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::OffScreen, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const std::optional<SceneReport> report = ImportScene(*pane, options, err);
+    const std::optional<SceneReport> report = ImportScene(*pane, options, PointFiles::Refused, err);
     if (!report) return kExitFailure;
     ShowView(*pane, options);
     const std::vector<PickReport> picks = Pick(*pane, options, report->objects);
@@ -202,7 +242,7 @@ int RunVersion(const HostOptions& options, std::FILE* out, std::FILE* err) {
                        out, err);
 }
 
-// Lassos need a view, which needs OpenGL.
+// Lassos need a view, which needs OpenGL. Without lassos, plane and transforms no object needs another one.
 int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const DebugRouter router(PrintOtherOutput(err));
     const bool isCut = !options.cuts.empty();
@@ -210,7 +250,9 @@ int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(kind, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    std::optional<SceneReport> imported = ImportScene(*pane, options, err);
+    const bool needsAll = isCut || options.clipAuto || !options.transformFile.empty();
+    std::optional<SceneReport> imported =
+        needsAll ? ImportScene(*pane, options, PointFiles::Counted, err) : ReportEach(*pane, options, err);
     if (!imported) return kExitFailure;
     SceneReport& report = *imported;
     if (isCut) ShowView(*pane, options);
@@ -236,7 +278,7 @@ int RunConvert(const HostOptions& options, std::FILE* err) {
     const std::unique_ptr<ScenePane> pane = OpenPane(WindowRequest::Kind::NoPicture, options, err);
     if (!pane) return kExitFailure;
     const RegistryStart registry(pane->Methods());
-    const std::optional<SceneReport> report = ImportScene(*pane, options, err);
+    const std::optional<SceneReport> report = ImportScene(*pane, options, PointFiles::Refused, err);
     if (!report || report->objects.empty()) return kExitFailure;
     const ExportResult result = ExportObject(pane->Methods(), report->objects.front().index, options.exportPath);
     if (!result.text.empty())

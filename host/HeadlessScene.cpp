@@ -6,16 +6,25 @@
 #include <exception>
 #include <utility>
 
+#include "CaughtError.h"
 #include "ClipCut.h"
 #include "DebugCapture.h"
 #include "FileImport.h"
+#include "GraphicsLimits.h"
 #include "Headless.h"
+#include "InputFiles.h"
+#include "MarkerFiles.h"
 #include "MessageTable.h"
 #include "ObjectPalette.h"
 #include "PaintBlock.h"
+#include "ProgressLine.h"
+#include "TightFit.h"
 #include "TransformFile.h"
+#include "ViewerStartNotice.h"
 
 namespace {
+
+constexpr std::int32_t kViewerBackground = 0x321919;  // the one that a viewer starts with, 0x00BBGGRR
 
 using KV_ScenePane::ScenePane;
 using KV_ScenePane::WindowRequest;
@@ -27,6 +36,48 @@ bool IsPlacedAtData(ScenePane& pane, std::FILE* err) {
     const KV_ScenePane::ClipHeight height = pane.GetClipHeight();
     if (!height.found) PrintError(err, "no clip height was found, the plane is at " + NumberText(height.height));
     return height.found;
+}
+
+/// What becomes of a file that holds free points. @return its result
+ImportResult WithPoints(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings, PointFiles points,
+                        const std::string& file, const ImportResult& read, SceneReport& report) {
+    if (points == PointFiles::Refused) return {ImportResult::State::Failed, kPointsAlone};
+    PointsReport counted = ReportPoints(*read.points, file);
+    if (points == PointFiles::Shown) {
+        try {
+            AddDrawnPoints(methods, std::move(*read.points), settings.color, 1.0f);
+        } catch (...) {
+            return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
+        }
+    }
+    report.points.push_back(std::move(counted));
+    return {ImportResult::State::Points, read.text};
+}
+
+/// The files of the arguments. A run that writes one object reads one file: a folder in its place is a failure.
+InputFiles InputOf(const std::vector<std::string>& files, const HostOptions& options) {
+    if (options.action != HostAction::Convert && options.action != HostAction::Export) return ExpandedFiles(files);
+    InputFiles input;
+    input.files = files;
+    return input;
+}
+
+/// The object that was added last, in the colour of the options when it is a mesh without any.
+ObjectReport ReportAdded(ScenePane& pane, const HostOptions& options, const std::string& file) {
+    const auto index = static_cast<std::int16_t>(pane.Methods().GetNumObjects() - 1);
+    ObjectReport object = ReportObject(pane, index, file);
+    if (!options.given.color || !IsPlainMesh(object)) return object;
+    pane.Methods().SetObjectColor(index, options.import.color);
+    object.color = options.import.color;
+    return object;
+}
+
+/// With --strict a warning about a file changes the exit status, and is printed in any case.
+void PrintFileWarning(const HostOptions& options, std::FILE* err, const std::string& line) {
+    if (options.strict)
+        PrintError(err, line);
+    else
+        PrintWarning(options, err, line);
 }
 
 }  // namespace
@@ -43,32 +94,63 @@ std::unique_ptr<ScenePane> OpenPane(WindowRequest::Kind kind, const HostOptions&
     request.width = options.width;
     request.height = options.height;
     request.gpu = options.gpu;
+    if (kind == WindowRequest::Kind::OffScreen) request.samples = options.samples;
     const auto message = std::make_shared<std::string>();  // lives as long as the viewer may show one
     request.showMessage = [message](const std::string& text) { *message = PlainLines(text); };
     std::string reason;
+    const ViewerStartNotice notice;
     std::unique_ptr<ScenePane> pane = CreateScenePane(request, &reason);
-    if (!pane) PrintError(err, "there is no viewer: " + (reason.empty() ? *message : PlainLines(reason)));
+    if (!pane) {
+        PrintError(err, "there is no viewer: " + (reason.empty() ? *message : PlainLines(reason)));
+        return pane;
+    }
+    if (request.samples > 0) {
+        pane->Methods().PerformRefresh();  // the limits are known after a frame
+        const std::optional<GraphicsLimits> limits = GraphicsLimitsOf(*pane);
+        if (!limits || limits->samples != request.samples) {
+            PrintError(err, "the driver draws no " + std::to_string(request.samples) + " samples per pixel");
+            return nullptr;
+        }
+    }
     return pane;
 }
 
-void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const ImportSettings& settings,
-                 SceneReport& report, std::FILE* err) {
+void PrintWarning(const HostOptions& options, std::FILE* err, const std::string& line) {
+    if (!options.quiet) PrintError(err, line);
+}
+
+void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const HostOptions& options, PointFiles points,
+                 SceneReport& report, std::FILE* err, const std::function<void()>& afterEach) {
     KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
-    ApplySettings(methods, settings);
-    for (const std::string& file : files) {
-        const ImportResult result = ImportFile(methods, file, settings);
-        if (result.state == ImportResult::State::Added) {
-            const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
-            report.objects.push_back(ReportObject(pane, index, file));
-        } else {
+    ApplySettings(methods, options.import);
+    const InputFiles input = InputOf(files, options);
+    for (const FailedFile& failed : input.failed) {
+        report.failed.push_back(failed);
+        PrintError(err, failed.file + ": " + failed.reason);
+    }
+    for (const std::string& line : input.warnings) PrintWarning(options, err, line);
+    ProgressLine progress(options, input.files.size(), err);
+    for (const std::string& file : input.files) {
+        progress.Show(file);
+        ImportResult result = ImportFile(methods, file, options.import);
+        if (result.state == ImportResult::State::Points)
+            result = WithPoints(methods, options.import, points, file, result, report);
+        if (result.state == ImportResult::State::Failed) {
+            progress.Erase();
             report.failed.push_back({file, result.text});
+            PrintError(err, file + ": " + result.text);
+            continue;
         }
-        if (!result.text.empty()) PrintError(err, file + ": " + result.text);
+        const auto warn = [&](const std::string& text) {
+            progress.Erase();
+            PrintFileWarning(options, err, file + ": " + text);
+            report.warnings.push_back({file, text});
+        };
+        if (!result.text.empty()) warn(result.text);
         if (result.state != ImportResult::State::Added) continue;
-        if (!result.text.empty()) report.warnings.push_back({file, result.text});
-        if (HasPosition(report.objects.back())) continue;
-        PrintError(err, file + ": " + kNoFiniteCoordinate);
-        report.warnings.push_back({file, kNoFiniteCoordinate});
+        report.objects.push_back(ReportAdded(pane, options, file));
+        if (!HasPosition(report.objects.back())) warn(kNoFiniteCoordinate);
+        if (afterEach) afterEach();
     }
 }
 
@@ -94,7 +176,7 @@ bool ApplyTransforms(ScenePane& pane, const HostOptions& options, SceneReport& r
     }
     // Entries for other files are normal when all files of the run have theirs.
     if (const std::string line = MissingTransformsLine(match, entries, files); !line.empty())
-        PrintError(err, path + ": " + line);
+        PrintWarning(options, err, path + ": " + line);
     const PaintBlock block(pane.Methods());
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (!match.entryOfObject[i]) continue;
@@ -106,22 +188,49 @@ bool ApplyTransforms(ScenePane& pane, const HostOptions& options, SceneReport& r
     return true;
 }
 
-std::optional<SceneReport> ImportScene(ScenePane& pane, const HostOptions& options, std::FILE* err) {
+std::optional<SceneReport> ImportScene(ScenePane& pane, const HostOptions& options, PointFiles points, std::FILE* err) {
     SceneReport report;
-    ImportFiles(pane, options.files, options.import, report, err);
+    ImportFiles(pane, options.files, options, points, report, err);
     return ApplyTransforms(pane, options, report, err) ? std::optional(std::move(report)) : std::nullopt;
 }
 
 void ShowColors(ScenePane& pane, const HostOptions& options, const SceneReport& report) {
-    const bool tellsApart = TellsScansApart(options.files, options.import.color, options.given.color);
-    const std::vector<std::int32_t> colors = ShownColors(report.objects, tellsApart);
-    for (std::size_t i = 0; i < colors.size(); ++i)
-        pane.Methods().SetObjectColor(static_cast<std::int16_t>(report.objects[i].index), colors[i]);
+    std::vector<std::string> files(report.objects.size());
+    std::ranges::transform(report.objects, files.begin(), &ObjectReport::file);
+    const bool tellsApart = TellsScansApart(files, options.import.color, options.given.color);
+    std::vector<std::int32_t> colors = ShownColors(report.objects, tellsApart);
+    std::size_t position = 0;
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        const ObjectReport& object = report.objects[i];
+        const bool isPlain = IsPlainMesh(object) || IsPlainScan(object);
+        if (options.usesPalette && isPlain) colors[i] = PaletteColor(position++);
+        if (options.given.color) colors[i] = object.color;
+        pane.Methods().SetObjectColor(static_cast<std::int16_t>(object.index), colors[i]);
+    }
 }
 
-void ShowView(ScenePane& pane, const HostOptions& options) {
-    pane.Methods().SetViewMode(static_cast<std::int16_t>(options.view));
-    FitView(pane.Methods(), options.zoom);
+void ShowView(ScenePane& pane, const HostOptions& options) { ShowView(pane, options, options.view); }
+
+void ShowView(ScenePane& pane, const HostOptions& options, KV_ScenePane::ViewMode view) {
+    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
+    methods.SetViewMode(static_cast<std::int16_t>(view));
+    if (!options.isTight) {
+        FitView(methods, options.zoom);
+        return;
+    }
+    methods.SetDefaultZoomFactor(1.0f);  // a tight fit changes it
+    methods.ShowAxes(0);
+    methods.CenterView();
+    FitTightly(pane);
+    methods.SetBackgroundColors(kViewerBackground, kViewerBackground);
+    MagnifyView(methods, options.zoom);
+}
+
+void ShowLook(ScenePane& pane, const HostOptions& options) {
+    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
+    if (options.background) methods.SetBackgroundColors((*options.background)[0], (*options.background)[1]);
+    if (options.pointSize) methods.SetPointCloudRenderPointSize(*options.pointSize);
+    if (options.axes) methods.ShowAxes(1);
 }
 
 bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
@@ -135,14 +244,15 @@ bool ClipObjects(ScenePane& pane, const HostOptions& options, std::FILE* err) {
     return true;
 }
 
-void WarnIfAllIsCutAway(ScenePane& pane, const std::vector<ObjectReport>& objects, std::FILE* err) {
+void WarnIfAllIsCutAway(ScenePane& pane, const HostOptions& options, const std::vector<ObjectReport>& objects,
+                        std::FILE* err) {
     const ClipReport clip = ReportClip(pane);
     const auto isCutAway = [&](const ObjectReport& object) {
         const auto& [minX, maxX, minY, maxY, minZ, maxZ] = object.box;
         return IsCutAway({minX, minY, minZ}, {maxX, maxY, maxZ}, clip.center, clip.normal);
     };
     if (!objects.empty() && std::ranges::all_of(objects, isCutAway))
-        PrintError(err, "the clip plane cuts away all objects");
+        PrintWarning(options, err, "the clip plane cuts away all objects");
 }
 
 std::string NoPlacement(const std::exception& error) { return "no clip height: " + PlainLines(error.what()); }

@@ -14,7 +14,7 @@ using ProgramOptions::Manual;
 
 constexpr std::pair<OptionGroup, const char*> kTitles[] = {
     {OptionGroup::Results, "Without a display"},
-    {OptionGroup::Imports, "Imports of scans"},
+    {OptionGroup::Imports, "Imports; --skip and --confidence of scans"},
     {OptionGroup::Places, "Places of the files"},
     {OptionGroup::Markers, "Markers, in the window and in the file; each may be repeated"},
     {OptionGroup::Pictures,
@@ -36,16 +36,17 @@ Manual ManualOf() {
         .program = kProgramName,
         .version = kProgramVersion,
         .summary = "show optical scans and meshes in a window, as a picture, or as numbers",
-        .usage = {"[options] FILE...", "--screenshot OUT.png [options] FILE...", "--capture OUT.png [options] FILE...",
+        .usage = {"[options] FILE...", "--screenshot OUT [options] FILE...", "--capture OUT [options] FILE...",
                   "--pick X,Y [--json] [options] FILE...", "--info [--json] [options] FILE...",
                   "--convert [options] IN OUT",
                   "--cut MODE:X,Y;X,Y;... [options]\n"
-                  "[--save-cuts | --export OUT | --screenshot OUT.png | --info [--json]] FILE...",
+                  "[--save-cuts | --export OUT | --screenshot OUT | --info [--json]] FILE...",
                   "--align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
                   "--moving FILE... --fixed FILE..."},
         .description =
             "Shows optical scans ({scans} files) and meshes ({meshes} files) in a window, as a picture, or "
-            "as numbers.",
+            "as numbers. A FILE may be a folder: its files of these types and those below it; or @LIST: the files and "
+            "folders that the text file LIST names, one a line.",
         .groups = {},
         .sections = {{"Exit status",
                       "0 when every file added what it holds and all that was asked for was written, 1 when not, or "

@@ -6,12 +6,22 @@
 #include <charconv>
 #include <cmath>
 #include <optional>
+#include <span>
 #include <type_traits>
 #include <utility>
+#include <vector>
+
+#include "FileTypes.h"
+#include "ModeNames.h"
+#include "PictureFile.h"
 
 namespace {
 
 constexpr int kMaxSide = 16384;  // the largest drawing area that common drivers accept, pixels
+/// Of a drawing area. Mesa's software drawing makes no larger one of two sides of at most 16384 (measured with llvmpipe
+/// of Mesa 22.3.6: 16384 x 8192 is drawn, 16384 x 8193 is refused).
+constexpr int kMaxPixels = 1 << 27;
+constexpr int kMaxSamples = 32;
 constexpr int kMaxSkip = 32767;  // the viewer's skip value has 16 bits
 constexpr int kMaxGpu = 31;
 
@@ -35,6 +45,22 @@ std::optional<int> IntegerIn(std::string_view text, int smallest, int largest) {
     return value && *value >= smallest && *value <= largest ? value : std::nullopt;
 }
 
+/// RRGGBB as 0x00BBGGRR.
+std::optional<std::int32_t> ColorIn(std::string_view text) {
+    // from_chars accepts a minus sign, which is no digit of a colour.
+    if (text.size() != 6 || text.front() == '-') return std::nullopt;
+    const auto rgb = WholeNumber<std::int32_t>(text, 16);
+    if (!rgb) return std::nullopt;
+    return ((*rgb & 0xFF) << 16) | (*rgb & 0xFF00) | (*rgb >> 16);
+}
+
+/// The position of a name, or a number that is one.
+std::optional<int> NumberOrName(std::string_view text, std::span<const std::string_view> names) {
+    const auto found = std::ranges::find(names, text);
+    if (found != names.end()) return static_cast<int>(found - names.begin());
+    return IntegerIn(text, 0, static_cast<int>(names.size()) - 1);
+}
+
 /// A finite number. One that is too small for a float is 0; one that is too small for a double is refused, as
 /// std::from_chars does not report on which side a number is out of range.
 std::optional<float> FiniteNumber(std::string_view text) {
@@ -46,27 +72,86 @@ std::optional<float> FiniteNumber(std::string_view text) {
 
 }  // namespace
 
+bool ReadPicturePath(std::string_view text, HostOptions& options) {
+    if (text != kStandardOutput && (text.starts_with('-') || !PictureFormatOf(text))) return false;
+    options.picturePath = text;
+    return true;
+}
+
+bool ReadExportPath(std::string_view text, HostOptions& options) {
+    if (text.empty() || text.starts_with('-')) return false;
+    options.exportPath = text;
+    return true;
+}
+
+bool ReadSavedTransforms(std::string_view text, HostOptions& options) {
+    if (text.starts_with('-') || ExtensionOf(text) != "json") return false;
+    options.savedTransforms = text;
+    return true;
+}
+
 bool ReadSize(std::string_view text, HostOptions& options) {
     const std::size_t cross = text.find('x');
     if (cross == std::string_view::npos) return false;
     const auto width = IntegerIn(text.substr(0, cross), 1, kMaxSide);
     const auto height = IntegerIn(text.substr(cross + 1), 1, kMaxSide);
-    if (!width || !height) return false;
+    if (!width || !height || *width > kMaxPixels / *height) return false;
     options.width = *width;
     options.height = *height;
     return true;
 }
 
 bool ReadView(std::string_view text, HostOptions& options) {
-    const auto view = IntegerIn(text, KV_ScenePane::ViewFromPlusYZUp, KV_ScenePane::ViewFromMinusZYUp);
+    const auto view = NumberOrName(text, kViewNames);
     if (view) options.view = static_cast<KV_ScenePane::ViewMode>(*view);
     return view.has_value();
 }
 
+bool ReadViews(std::string_view text, HostOptions& options) {
+    std::vector<KV_ScenePane::ViewMode> views;
+    if (text == "all") {
+        for (std::size_t i = 0; i < kViewNames.size(); ++i) views.push_back(static_cast<KV_ScenePane::ViewMode>(i));
+    } else {
+        // The last name ends with the text: one more comma is no part of a list.
+        for (std::size_t end = 0; end != std::string_view::npos;) {
+            end = text.find(',');
+            const auto view = NumberOrName(text.substr(0, end), kViewNames);
+            if (!view) return false;
+            views.push_back(static_cast<KV_ScenePane::ViewMode>(*view));
+            if (std::ranges::count(views, views.back()) > 1) return false;  // both pictures would have the same name
+            if (end != std::string_view::npos) text.remove_prefix(end + 1);
+        }
+    }
+    options.views = std::move(views);
+    return true;
+}
+
 bool ReadDrawMode(std::string_view text, HostOptions& options) {
-    const auto mode = IntegerIn(text, KV_ScenePane::DrawModePoints, KV_ScenePane::DrawModeShadowMap);
+    const auto mode = NumberOrName(text, kDrawModeNames);
     if (mode) options.drawMode = static_cast<KV_ScenePane::DrawMode>(*mode);
     return mode.has_value();
+}
+
+bool ReadBackground(std::string_view text, HostOptions& options) {
+    const std::size_t comma = text.find(',');
+    const auto top = ColorIn(text.substr(0, comma));
+    const auto bottom = comma == std::string_view::npos ? top : ColorIn(text.substr(comma + 1));
+    if (!top || !bottom) return false;
+    options.background = {*top, *bottom};
+    return true;
+}
+
+bool ReadSamples(std::string_view text, HostOptions& options) {
+    const auto samples = IntegerIn(text, 0, kMaxSamples);
+    if (samples) options.samples = *samples;
+    return samples.has_value();
+}
+
+bool ReadPointSize(std::string_view text, HostOptions& options) {
+    const auto size = WholeNumber<float>(text);
+    if (!size || !(*size > 0.0f && *size <= 1000.0f)) return false;
+    options.pointSize = size;
+    return true;
 }
 
 bool ReadZoom(std::string_view text, HostOptions& options) {
@@ -92,13 +177,12 @@ bool ReadConfidence(std::string_view text, HostOptions& options) {
 }
 
 bool ReadColor(std::string_view text, HostOptions& options) {
-    // from_chars accepts a minus sign, which is no digit of a colour.
-    if (text.size() != 6 || text.front() == '-') return false;
-    const auto rgb = WholeNumber<std::int32_t>(text, 16);
-    if (!rgb) return false;
-    // RRGGBB to 0x00BBGGRR.
-    options.import.color = ((*rgb & 0xFF) << 16) | (*rgb & 0xFF00) | (*rgb >> 16);
-    options.given.color = true;
+    const auto color = ColorIn(text);
+    if (!color && text != "auto") return false;
+    // Of several the last one counts.
+    options.import.color = color.value_or(ImportSettings{}.color);
+    options.usesPalette = !color;
+    options.given.color = color.has_value();
     return true;
 }
 

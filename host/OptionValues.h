@@ -5,10 +5,17 @@
 
 #include "CommandLine.h"
 
+[[nodiscard]] bool ReadPicturePath(std::string_view text, HostOptions& options);
+[[nodiscard]] bool ReadExportPath(std::string_view text, HostOptions& options);
+[[nodiscard]] bool ReadSavedTransforms(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadSize(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadView(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadDrawMode(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadZoom(std::string_view text, HostOptions& options);
+[[nodiscard]] bool ReadViews(std::string_view text, HostOptions& options);
+[[nodiscard]] bool ReadBackground(std::string_view text, HostOptions& options);
+[[nodiscard]] bool ReadSamples(std::string_view text, HostOptions& options);
+[[nodiscard]] bool ReadPointSize(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadSkip(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadConfidence(std::string_view text, HostOptions& options);
 [[nodiscard]] bool ReadColor(std::string_view text, HostOptions& options);

@@ -2,15 +2,27 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
+#include "CaughtError.h"
 #include "CommandLine.h"
 #include "Headless.h"
+#include "InputFiles.h"
 #include "InterruptSignals.h"
+#include "OutputGuard.h"
 #include "WindowRun.h"
 
 namespace {
+
+/// The options of a window with the names in the lists of files (InputFiles.h); those that name nothing are printed.
+HostOptions WithLists(HostOptions options) {
+    InputFiles input = ExpandedLists(options.files);
+    for (const FailedFile& failed : input.failed) PrintError(stderr, failed.file + ": " + failed.reason);
+    options.files = std::move(input.files);
+    return options;
+}
 
 /// @return an exit status (Headless.h)
 int Run(int argc, char** argv) {
@@ -22,6 +34,10 @@ int Run(int argc, char** argv) {
         return kExitWrongUsage;
     }
     const HostOptions& options = std::get<HostOptions>(parsed);
+    if (const std::string refusal = OutputRefusal(options); !refusal.empty()) {
+        PrintError(stderr, refusal + " (see scenepane --help)");
+        return kExitWrongUsage;
+    }
     switch (options.action) {
         case HostAction::Help:
             return PrintResult(HelpText(), stdout, stderr);
@@ -46,7 +62,7 @@ int Run(int argc, char** argv) {
         case HostAction::Window:
             break;
     }
-    return RunWindow(options, argv[0]);
+    return RunWindow(WithLists(options), argv[0]);
 }
 
 }  // namespace
@@ -55,8 +71,8 @@ int main(int argc, char** argv) {
     HandleInterruptSignals();
     try {
         return Run(argc, argv);
-    } catch (const std::exception& error) {  // such as exhausted memory
-        std::fprintf(stderr, "scenepane: %s\n", error.what());
+    } catch (...) {  // such as exhausted memory
+        PrintError(stderr, TextOfCaughtError());
         return kExitFailure;
     }
 }

@@ -7,7 +7,7 @@ KV_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 KV_BUILD_PACKAGES=(
     cmake ninja-build g++ ccache pkg-config
     libgl-dev libopengl-dev libglu1-mesa-dev libglew-dev libegl-dev libx11-dev libxtst-dev
-    libeigen3-dev libnanoflann-dev libpng-dev libjpeg62-turbo-dev libfreetype-dev libfontconfig-dev libzstd-dev libxxhash-dev libassimp-dev libseccomp-dev
+    libeigen3-dev libnanoflann-dev libpng-dev libjpeg62-turbo-dev libwebp-dev libfreetype-dev libfontconfig-dev libzstd-dev libxxhash-dev libassimp-dev libseccomp-dev
     qt6-base-dev qt6-l10n-tools qt6-translations-l10n nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev libbenchmark-dev
     libgl1-mesa-dri libglx-mesa0 libegl-mesa0
     fonts-liberation

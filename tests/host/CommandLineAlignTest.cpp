@@ -102,7 +102,7 @@ const WrongUsage kWrongUsages[] = {
      "--save-transforms goes with --align only"},
     {"SaveTransformsWithoutName",
      {"--align=p.txt", "--save-transforms=", "--moving", "a.pcm"},
-     "--save-transforms takes a file name, not \"\""},
+     "--save-transforms takes a file name that ends in .json and does not begin with -, not \"\""},
 };
 class CommandLineOfAlignmentsRejects : public testing::TestWithParam<WrongUsage> {};
 

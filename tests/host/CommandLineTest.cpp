@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ostream>
 
+#include "FileTypes.h"
 #include "host/CommaLocale.h"
 #include "host/ParsedCommandLine.h"
 
@@ -88,12 +90,12 @@ TEST(CommandLine, AScreenshotOfMarkersAloneNeedsNoOtherFile) {
 }
 
 TEST(CommandLine, ReadsTheTwoFilesOfAConversionAndItsImportOptions) {
-    const HostOptions options = Parsed({"--skip", "2", "in.pcm", "--convert", "--color=010203", "dir/out.STL"});
+    const HostOptions options = Parsed({"--skip", "2", "in.pcm", "--convert", "--confidence=0.5", "dir/out.STL"});
     EXPECT_EQ(options.action, HostAction::Convert);
     EXPECT_EQ(options.files, std::vector<std::string>{"in.pcm"});
     EXPECT_EQ(options.exportPath, "dir/out.STL");
     EXPECT_EQ(options.import.skip, 2);
-    EXPECT_EQ(Parsed({"--convert", "--", "-a.ply", "--b.hps"}).exportPath, "--b.hps");
+    EXPECT_EQ(Parsed({"--convert", "--", "-a.ply", "b.hps"}).files, std::vector<std::string>{"-a.ply"});
 }
 
 TEST(CommandLine, ConvertsColoursToRedInTheLowByte) {
@@ -162,11 +164,12 @@ TEST(CommandLine, ReadsNumbersWithADecimalPointInAnyLocale) {
     EXPECT_EQ(UsageErrorOf({"--zoom", "1,5"}), "--zoom takes a number from 0.1 to 10, not \"1,5\"");
 }
 
-TEST(CommandLine, NamesEveryFileTypeInTheHelp) {
-    const std::string help = HelpText();
-    EXPECT_NE(help.find("scans (pcm, pax and xdt files) and meshes (ply, stl, hps, ois and msh files)"),
-              std::string::npos);
-    EXPECT_NE(help.find("as the ply, stl or hps file OUT"), std::string::npos);
+TEST(CommandLine, NamesTheFileTypesInTheHelp) {
+    std::string help = HelpText();
+    std::ranges::replace(help, '\n', ' ');
+    for (const std::string& list : {ExtensionList(IsImportedScan, "and"), ExtensionList(IsImportedMesh, "and")})
+        EXPECT_NE(help.find('(' + list + " files)"), std::string::npos) << list;
+    EXPECT_NE(help.find("as the " + ExtensionList(IsExported, "or") + " file OUT"), std::string::npos);
 }
 
 TEST(CommandLine, ReadsThePlaneOfAScreenshot) {
@@ -256,16 +259,20 @@ void PrintTo(const Limit& row, std::ostream* out) { *out << row.name; }
 
 const Limit kLimits[] = {
     {"Size",
-     {"1x1", "16384x1", "1x16384"},
-     {"0x1", "1x0", "16385x1", "1x16385", "12", "1x", "x1", "1X1", "1x1x1", " 1x1", "-1x5", ""},
+     {"1x1", "16384x1", "1x16384", "16384x8192", "8192x16384"},
+     {"16384x8193", "11586x11585", "16384x16384", "0x1", "1x0", "16385x1", "1x16385", "12", "1x", "x1", "1X1", "1x1x1",
+      " 1x1", "-1x5", ""},
      "--size"},
-    {"View", {"0", "7"}, {"-1", "8", "1.0", "+1", "0x1", "", "7 "}, "--view"},
-    {"DrawMode", {"0", "7"}, {"-1", "8", "three"}, "--draw-mode"},
+    {"View",
+     {"0", "7", "back", "bottom-y-up"},
+     {"-1", "8", "1.0", "+1", "0x1", "", "7 ", "Front", "fron", "front "},
+     "--view"},
+    {"DrawMode", {"0", "7", "points", "shadow-map"}, {"-1", "8", "three", "", "Flat"}, "--draw-mode"},
     {"Zoom", {"0.1", "10", "1e0"}, {"0.0999", "10.001", "nan", "inf", "-1", "", "2x"}, "--zoom"},
     {"Skip", {"1", "32767"}, {"0", "-1", "32768", "99999999999999", "2.5"}, "--skip"},
     {"Confidence", {"0", "-5", "1e30", ".5"}, {"nan", "inf", "-inf", "1e99", "high", ""}, "--confidence"},
     {"Color",
-     {"000000", "ffffff", "FFFFFF"},
+     {"000000", "ffffff", "FFFFFF", "auto"},
      {"12345", "1234567", "00000g", "-12345", "+12345", "0x1234", "#12345", ""},
      "--color"},
     {"Pick",
@@ -305,13 +312,22 @@ const WrongUsage kWrongUsages[] = {
     {"EmptyFileName", {""}, "a file name is empty"},
     {"EmptyFileNameAfterTwoDashes", {"--", ""}, "a file name is empty"},
     {"ScreenshotWithoutFile", {"--screenshot", "a.png"}, "--screenshot needs at least one file"},
-    {"ScreenshotWithoutName", {"--screenshot=", "a.pcm"}, "--screenshot takes a file name, not \"\""},
+    {"ScreenshotWithoutName",
+     {"--screenshot=", "a.pcm"},
+     "--screenshot takes a file name that ends in .png, .jpg, .jpeg or .webp and does not begin with -, or - alone for "
+     "standard output, not \"\""},
     {"InfoWithoutFile", {"--info"}, "--info needs at least one file"},
     {"JsonWithoutInfo", {"--json", "a.pcm"}, "--json goes with --info, --pick and --align only"},
     {"InfoAndScreenshot", {"--info", "--screenshot", "a.png", "a.pcm"}, "--info and --screenshot do not go together"},
     {"CaptureWithoutFile", {"--capture", "a.png"}, "--capture needs at least one file"},
-    {"CaptureWithoutName", {"--capture=", "a.pcm"}, "--capture takes a file name, not \"\""},
-    {"CaptureAtTheEnd", {"a.pcm", "--capture"}, "--capture needs a value: a file name"},
+    {"CaptureWithoutName",
+     {"--capture=", "a.pcm"},
+     "--capture takes a file name that ends in .png, .jpg, .jpeg or .webp and does not begin with -, or - alone for "
+     "standard output, not \"\""},
+    {"CaptureAtTheEnd",
+     {"a.pcm", "--capture"},
+     "--capture needs a value: a file name that ends in .png, .jpg, .jpeg or .webp and does not begin with -, or - "
+     "alone for standard output"},
     {"CaptureAndScreenshot",
      {"--capture", "a.png", "--screenshot", "b.png", "a.pcm"},
      "--screenshot and --capture do not go together"},

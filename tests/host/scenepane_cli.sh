@@ -34,7 +34,7 @@ $(cat out.txt)"
 # 2 x 2 points in micrometres: (0, 0, 0), (1000, 0, 0), (0, 1000, 0), (1000, 1000, 0)
 zero='\0\0\0\0' thousand='\0\0\x7a\x44'
 printf "\2\0\2\0$zero$zero$zero$thousand$zero$zero$zero$thousand$zero$thousand$thousand$zero" >square.xdt
-cp square.xdt square.obj
+cp square.xdt square.abc
 odd=$(printf -- '-odd\377.xdt')
 cp square.xdt "./$odd"
 
@@ -54,20 +54,56 @@ expect 2 'scenepane: --gpu goes with --screenshot, --capture, --pick, --cut and 
 [ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'no version without a device'
 grep -q '^scenepane: there is no viewer: There is no graphics device 31: EGL lists ' err.txt ||
     fail "wrong reason: $(cat err.txt)"
+expect 0 '' -V
+[ "$(cat out.txt)" = 'scenepane 5.5.0' ] || fail 'wrong version'
+expect 0 '' -h
 expect 0 '' --help
 holds 'Usage: scenepane [options] FILE...'
 expect 2 'scenepane: unknown option --what (see scenepane --help)' --what
-expect 2 'scenepane: --view takes a whole number from 0 to 7, not "8" (see scenepane --help)' --view 8
+expect 2 'scenepane: --view takes back, front, right, left, top, bottom, oblique or bottom-y-up, or its number from 0 to 7, not "8" (see scenepane --help)' --view 8
 expect 2 'scenepane: --info needs at least one file (see scenepane --help)' --info
-expect 1 'scenepane: none.pcm: there is no such file: check its name and its folder
-scenepane: .: this is a folder: name its files, or open it in the window' --info none.pcm .
+mkdir none folder
+expect 1 'scenepane: none: the folder holds no file that can be opened
+scenepane: none.pcm: there is no such file: check its name and its folder' --info none.pcm none
+cp square.xdt folder/b10.xdt
+cp square.xdt folder/b9.xdt
+printf 'square.xdt\nfolder\n' >list.txt
+expect 0 '' --info @list.txt
+[ "$(grep -c triangles out.txt)" = 3 ] || fail "not the three files of the list: $(cat out.txt)"
+expect 1 'scenepane: folder: this is a folder: name its files, or open it in the window' --convert folder a.ply
+# What a run would destroy is wrong usage, and nothing is written.
+no_picture='a file name that ends in .png, .jpg, .jpeg or .webp and does not begin with -, or - alone for standard output'
+cp square.xdt kept.xdt
+expect 2 "scenepane: --screenshot takes $no_picture, not \"kept.xdt\" (see scenepane --help)" --screenshot kept.xdt square.xdt
+expect 2 "scenepane: --screenshot takes $no_picture, not \"--info\" (see scenepane --help)" --screenshot --info square.xdt
+expect 2 "scenepane: --capture takes $no_picture, not \"kept.xdt\" (see scenepane --help)" --capture kept.xdt square.xdt
+ln kept.xdt linked.png
+ln -s kept.xdt soft.jpg
+for picture in linked.png soft.jpg ./linked.png; do
+    expect 2 "scenepane: $picture: this file is also read: write another one (see scenepane --help)" --screenshot $picture kept.xdt
+done
+cmp -s square.xdt kept.xdt || fail 'an input was overwritten'
+[ -e ./--info ] && fail 'a file was named like an option'
+expect 0 '' --screenshot square.jpg --size 40x30 square.xdt
+[ "$(od -An -tx1 -N3 square.jpg | tr -d ' ')" = ffd8ff ] || fail 'no jpg file'
+expect 0 '' --screenshot square.webp --size 40x30 square.xdt
+[ "$(head -c 4 square.webp)" = RIFF ] || fail 'no webp file'
+expect 0 '' --screenshot - --size 40x30 square.xdt
+[ "$(head -c 4 out.txt | tail -c 3)" = PNG ] || fail 'no PNG on standard output'
+expect 0 '' --screenshot 'of-{view}.png' --views top,front --size 40x30 square.xdt
+[ -s of-top.png ] && [ -s of-front.png ] || fail 'the pictures of two views are missing'
+expect 2 'scenepane: --size takes WIDTHxHEIGHT, each from 1 to 16384, with at most 134217728 pixels together, not "16384x8193" (see scenepane --help)' \
+    --screenshot large.png --size 16384x8193 square.xdt
+expect 2 'scenepane: --color has no meaning with --convert (see scenepane --help)' --convert --color ff0000 square.xdt a.ply
+expect 0 'scenepane: 1 of 1: square.xdt' --info --progress square.xdt
+expect 1 'scenepane: a?[2J.ply: there is no such file: check its name and its folder' --info "$(printf 'a\033[2J.ply')"
 expect 0 '' --info square.xdt
 holds '  triangles      2'
 expect 0 '' --info --json square.xdt
 holds '"box": [0, 1, 0, 1, -0.01, 0.01]'
 expect 0 '' --info --json -- "$odd"
 holds '"file": "-odd\udcff.xdt"'
-expect 1 'scenepane: square.obj: the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois and msh' --info --json --color ff0000 square.xdt square.obj
+expect 1 'scenepane: square.abc: the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois, msh, obj, off, gltf, glb, 3mf, dae and others' --info --json --color ff0000 square.xdt square.abc
 holds '"color": "FF0000"'
 expect 0 '' --screenshot square.png --size 40x30 square.xdt
 [ "$(head -c 4 square.png | tail -c 3)" = PNG ] || fail 'no PNG file'
@@ -123,7 +159,7 @@ expect 2 'scenepane: --capture draws no free points and needs at least one other
     --capture markers.png --points points.xyz
 expect 0 'scenepane: points.xyz: the capture is fitted to these free points, but shows none' \
     --capture markers.png --points points.xyz steps.ply
-expect 1 'scenepane: points.xyz: free points are no object; without a window --points adds them' --info points.xyz
+expect 0 '' --info points.xyz
 printf '0 0 0\n6 0\n' >bad.txt
 expect 1 'scenepane: none.xyz: there is no such file: check its name and its folder
 scenepane: bad.txt: line 2: 2 numbers, not x y z as in the lines before' \

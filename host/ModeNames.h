@@ -1,0 +1,12 @@
+// The names of views and draw modes on the command line, at the positions of their numbers (KV_ScenePane/Modes.h).
+#pragma once
+#include <array>
+#include <string_view>
+
+/// Names of the sides of an object that stands on the XY plane and whose front looks to -Y; of the two from -Z,
+/// "bottom" has X to the right.
+inline constexpr std::array<std::string_view, 8> kViewNames = {"back", "front",  "right",   "left",
+                                                               "top",  "bottom", "oblique", "bottom-y-up"};
+
+inline constexpr std::array<std::string_view, 8> kDrawModeNames = {"points", "wireframe", "flat",    "gouraud",
+                                                                   "boxes",  "per-pixel", "nothing", "shadow-map"};
