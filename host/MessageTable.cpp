@@ -111,6 +111,8 @@ constexpr MessageRow kRows[] = {
     // ---- memory
     {"there is not enough memory",
      QT_TRANSLATE_NOOP("Messages", "there is not enough memory: close other programs or remove objects")},
+    {"insufficient memory",
+     QT_TRANSLATE_NOOP("Messages", "there is not enough memory: close other programs or remove objects")},
     {"Not enough memory for the data of the file.",
      QT_TRANSLATE_NOOP("Messages", "there is not enough memory for this file: close other programs or remove objects")},
     {"not enough graphics memory for object %1",

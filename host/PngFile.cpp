@@ -12,6 +12,7 @@
 #include <system_error>
 #include <vector>
 
+#include "CaughtError.h"
 #include "SceneFile.h"
 #include "files/AtomicFile.h"
 
@@ -69,8 +70,8 @@ bool WritePng(const std::string& path, const KV_ScenePane::Picture& picture, std
     try {
         const std::vector<png_byte> bytes = Encode(picture, alpha);
         return WriteFileBytes(path, std::as_bytes(std::span(bytes)), reason);
-    } catch (const std::runtime_error& error) {
-        *reason = error.what();
+    } catch (...) {  // of libpng, or exhausted memory
+        *reason = TextOfCaughtError();
         return false;
     }
 }

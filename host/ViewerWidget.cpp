@@ -18,6 +18,7 @@
 #include "AboutDialog.h"
 #include "CaughtError.h"
 #include "TranslatedText.h"
+#include "ViewerStartNotice.h"
 
 namespace {
 
@@ -142,7 +143,10 @@ void ViewerWidget::Open() {
     request.showMessage = [this](const std::string& text) { ShowMessage(text); };
     request.showAbout = [this](const KV_ScenePane::AboutText& text) { ShowAboutDialog(text, window()); };
     std::string reason;
-    m_pPane = CreateScenePane(request, &reason);
+    {
+        const ViewerStartNotice notice;
+        m_pPane = CreateScenePane(request, &reason);
+    }
     if (!m_pPane) {
         emit Refused(TranslatedText(PlainLines(reason.empty() ? m_strMessages : reason)));
         return;
