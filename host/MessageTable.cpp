@@ -32,6 +32,8 @@ const char kOnlySkipRemoves[] =
 
 const char kNoFiniteCoordinate[] = QT_TRANSLATE_NOOP(
     "Messages", "no point has finite coordinates, nothing of it can be shown: export the file again from its source");
+const char kSceneIsFull[] = QT_TRANSLATE_NOOP(
+    "Messages", "the scene is full: it holds at most 32767 objects: remove some, or open fewer files");
 const char kNoSuchFile[] = QT_TRANSLATE_NOOP("Messages", "there is no such file: check its name and its folder");
 const char kIsFolder[] = QT_TRANSLATE_NOOP("Messages", "this is a folder: name its files, or open it in the window");
 const char kUnknownType[] = QT_TRANSLATE_NOOP("Messages", "the type of the file is not known: it is none of %1");
@@ -275,6 +277,26 @@ constexpr MessageRow kRows[] = {
     {"not a list: %1", QT_TRANSLATE_NOOP("Messages", "the ply file has no list \"%1\"")},
 
     // ---- files that scenepane-read reads
+    {"the header of the file has no end",
+     QT_TRANSLATE_NOOP("Messages", "the header of the ply file is cut short: copy or export it again from its source")},
+    {"the header has an incomplete property",
+     QT_TRANSLATE_NOOP("Messages",
+                       "a property in the header of the ply file is not complete: export it again from its source")},
+    {"the header does not say how many %1 follow",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the header of the ply file does not say how many points or faces follow: export it again from "
+                       "its source")},
+    {"values of the type %1 are not known",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the ply file has values of the type %1, which is not known: export it again with float "
+                       "coordinates")},
+    {"line %1: there is %2 in place of a number",
+     QT_TRANSLATE_NOOP("Messages", "the file is damaged: in line %1 there is %2 in place of a number")},
+    {"line %1: a vertex needs three numbers", kCutShort},
+    {"line %1: a facet has fewer than three corners",
+     QT_TRANSLATE_NOOP("Messages", "the file is damaged: a triangle before line %1 has fewer than three corners")},
+    {"line %1: a point needs three numbers",
+     QT_TRANSLATE_NOOP("Messages", "the file is damaged: the point in line %1 has fewer than three coordinates")},
     {"its image is not shown: there is no file %1",
      QT_TRANSLATE_NOOP("Messages", "its image is not shown: there is no file %1 beside it")},
     {"its image is not shown: it is no png or jpeg file, or damaged",
@@ -362,6 +384,7 @@ constexpr MessageRow kRows[] = {
     {kOneRow, kOneRow},
     {kOnlySkipRemoves, kOnlySkipRemoves},
     {kNoFiniteCoordinate, kNoFiniteCoordinate},
+    {kSceneIsFull, kSceneIsFull},
     {kNoSuchFile, kNoSuchFile},
     {kIsFolder, kIsFolder},
     {kUnknownType, kUnknownType},

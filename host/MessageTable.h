@@ -39,6 +39,7 @@ extern const char kNoNeighbours[];          ///< no place
 extern const char kOneRow[];                ///< columns, rows
 extern const char kOnlySkipRemoves[];       ///< skip value, triangles without it
 extern const char kNoFiniteCoordinate[];    ///< no place
+extern const char kSceneIsFull[];           ///< no place; see host/FileImport.h
 
 // Sentences about a file that is not opened at all; see host/SceneFile.h.
 extern const char kNoSuchFile[];   ///< no place

@@ -60,12 +60,14 @@ bool NumberWords::Number(double& value) const {
     return error == std::errc();
 }
 
-UnreadableFile NumberWords::Error(const char* reason) const {
-    constexpr std::size_t kMostQuoted = 40;
+UnreadableFile NumberWords::Error(const std::string& reason) const {
     std::size_t line = 1;
     for (std::size_t i = 0; i < m_uAt; ++i)  // a carriage return before a line feed is no line of itself
         line += m_sText[i] == '\n' || (m_sText[i] == '\r' && (i + 1 == m_sText.size() || m_sText[i + 1] != '\n'));
-    std::string text = "line " + std::to_string(line) + ": " + reason;
-    if (!m_sWord.empty()) text.append(", not \"").append(m_sWord.substr(0, kMostQuoted)).append("\"");
-    return UnreadableFile(text);
+    return UnreadableFile("line " + std::to_string(line) + ": " + reason);
+}
+
+UnreadableFile NumberWords::NoNumber() const {
+    constexpr std::size_t kMostQuoted = 40;
+    return Error("there is \"" + std::string(m_sWord.substr(0, kMostQuoted)) + "\" in place of a number");
 }

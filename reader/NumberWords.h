@@ -9,7 +9,8 @@
 /// Lines end with a line feed, a carriage return, or both. From '#' to the end of a line is a comment.
 class NumberWords {
 public:
-    explicit NumberWords(std::string_view text) : m_sText(text) {}
+    /// @param start  where the words begin; lines are counted from the start of the text
+    explicit NumberWords(std::string_view text, std::size_t start = 0) : m_sText(text), m_uAt(start) {}
 
     /// Goes to the next word. @return false at the end of the text
     bool Next();
@@ -24,11 +25,13 @@ public:
     /// too large or too small for a double is infinite or 0.
     /// @return false when it is none
     [[nodiscard]] bool Number(double& value) const;
-    /// With the line of the current word and the word itself.
-    [[nodiscard]] UnreadableFile Error(const char* reason) const;
+    /// "line N: REASON", with the line of the current word.
+    [[nodiscard]] UnreadableFile Error(const std::string& reason) const;
+    /// The same about the current word: "line N: there is \"WORD\" in place of a number".
+    [[nodiscard]] UnreadableFile NoNumber() const;
 
 private:
     std::string_view m_sText;  // all of it
     std::string_view m_sWord;
-    std::size_t m_uAt = 0;  // after the current word
+    std::size_t m_uAt;  // after the current word
 };

@@ -14,7 +14,7 @@ constexpr std::size_t kMostNumbers = 7, kColored = 6;
 std::size_t NumbersOfLine(NumberWords& words, std::array<double, kMostNumbers>& numbers) {
     std::size_t count = 0;
     while (count < numbers.size() && words.NextOfLine()) {
-        if (!words.Number(numbers[count++])) throw words.Error("a number is expected");
+        if (!words.Number(numbers[count++])) throw words.NoNumber();
     }
     return count;
 }

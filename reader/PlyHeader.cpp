@@ -93,7 +93,9 @@ private:
         if (start == std::string_view::npos) Refuse("Magic number in PLY header not found.");
         m_header.isPlain = start == 0;
         m_uAt = start;
-        if (Lower(Trimmed(NextLine())) != "ply") Refuse("Magic number in PLY header not found.");
+        const std::string_view line = m_sFile.substr(start, m_sFile.find_first_of("\r\n", start) - start);
+        if (Lower(Trimmed(line)) != "ply") Refuse("Magic number in PLY header not found.");
+        (void)NextLine();
     }
 
     /// The line at the position, which goes to the next one.

@@ -80,9 +80,9 @@ private:
 };
 
 /// Lines that are neither empty nor a comment.
-std::uint64_t LinesOf(std::string_view data) {
+std::uint64_t LinesOf(NumberWords words) {
     std::uint64_t lines = 0;
-    for (NumberWords words(data); words.Next(); words.SkipLine())
+    for (; words.Next(); words.SkipLine())
         if (!IsComment(words)) ++lines;
     return lines;
 }
@@ -90,8 +90,10 @@ std::uint64_t LinesOf(std::string_view data) {
 class TextNumbers : public PlyNumbers {
 public:
     /// @param records  of all elements
-    TextNumbers(std::string_view data, std::uint64_t records)
-        : m_words(data), m_uMostWords(data.size() / 2 + 1), m_bRecordPerLine(LinesOf(data) == records) {}
+    TextNumbers(std::string_view file, std::size_t dataStart, std::uint64_t records)
+        : m_words(file, dataStart),
+          m_uMostWords((file.size() - dataStart) / 2 + 1),
+          m_bRecordPerLine(LinesOf(m_words) == records) {}
 
     void RequireRecords(const PlyElementHead& element) const override {
         if (!element.items.empty() && element.count > m_uMostWords / element.items.size())
@@ -107,7 +109,7 @@ public:
         }
         if (!isWord) throw UnreadableFile(kCutShort);
         double value = 0;
-        if (!m_words.Number(value)) throw m_words.Error("a number is expected");
+        if (!m_words.Number(value)) throw m_words.NoNumber();
         return value;
     }
 
@@ -127,12 +129,12 @@ private:
 }  // namespace
 
 std::unique_ptr<PlyNumbers> MakePlyNumbers(const PlyHeader& header, std::string_view file) {
-    const std::string_view data = file.substr(header.dataStart);
     if (header.format == PlyHeader::Format::Text) {
         std::uint64_t records = 0;
         for (const PlyElementHead& element : header.elements) records += element.count;
-        return std::make_unique<TextNumbers>(data, records);
+        return std::make_unique<TextNumbers>(file, header.dataStart, records);
     }
     const bool isBigEndian = header.format == PlyHeader::Format::BigEndian;
-    return std::make_unique<BinaryNumbers>(data, isBigEndian != (std::endian::native == std::endian::big));
+    return std::make_unique<BinaryNumbers>(file.substr(header.dataStart),
+                                           isBigEndian != (std::endian::native == std::endian::big));
 }

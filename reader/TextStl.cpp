@@ -42,7 +42,8 @@ private:
     void ReadVertex() {
         std::array<double, 3> position{};
         for (double& coordinate : position) {
-            if (!m_words.Next() || !m_words.Number(coordinate)) throw m_words.Error("a vertex needs three numbers");
+            if (!m_words.Next()) throw m_words.Error("a vertex needs three numbers");
+            if (!m_words.Number(coordinate)) throw m_words.NoNumber();
         }
         m_facets.corners.push_back(
             {static_cast<float>(position[0]), static_cast<float>(position[1]), static_cast<float>(position[2])});

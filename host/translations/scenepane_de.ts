@@ -2462,6 +2462,82 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <source>the confidence filter is above 0: points below it are removed from the files, too</source>
         <translation>der Konfidenzfilter ist über 0: Punkte darunter werden ebenfalls aus den Dateien entfernt</translation>
     </message>
+    <message>
+        <source>the scene is full: it holds at most 32767 objects: remove some, or open fewer files</source>
+        <translation>Die Szene ist voll: sie fasst höchstens 32767 Objekte: einige entfernen oder weniger Dateien öffnen</translation>
+    </message>
+    <message>
+        <source>the program scenepane-read, which reads such files, is missing: install scenepane again</source>
+        <translation>Das Programm scenepane-read, das solche Dateien liest, fehlt: scenepane neu installieren</translation>
+    </message>
+    <message>
+        <source>the program scenepane-read, which reads such files, could not be started: %1: close other programs</source>
+        <translation>Das Programm scenepane-read, das solche Dateien liest, konnte nicht gestartet werden: %1: andere Programme schließen</translation>
+    </message>
+    <message>
+        <source>reading the file was given up after %1 seconds: it is damaged or too large for its format</source>
+        <translation>Das Lesen der Datei wurde nach %1 Sekunden abgebrochen: sie ist beschädigt oder zu groß für ihr Format</translation>
+    </message>
+    <message>
+        <source>the file is damaged, or of a form that is not read: its reader ended with %1</source>
+        <translation>Die Datei ist beschädigt oder von einer Form, die nicht gelesen wird: das Leseprogramm endete mit %1</translation>
+    </message>
+    <message>
+        <source>the file holds a mesh with an image: open it as a mesh, not as free points</source>
+        <translation>Die Datei enthält ein Netz mit einem Bild: als Netz öffnen, nicht als freie Punkte</translation>
+    </message>
+    <message>
+        <source>the file has points but no triangles: free points can be shown and counted, but are no object</source>
+        <translation>Die Datei hat Punkte, aber keine Dreiecke: freie Punkte können gezeigt und gezählt werden, sind aber kein Objekt</translation>
+    </message>
+    <message>
+        <source>the ply file has values of the type %1, which is not known: export it again with float coordinates</source>
+        <translation>Die PLY-Datei hat Werte vom Typ %1, der nicht bekannt ist: noch einmal mit float-Koordinaten exportieren</translation>
+    </message>
+    <message>
+        <source>the file is damaged: in line %1 there is %2 in place of a number</source>
+        <translation>Die Datei ist beschädigt: in Zeile %1 steht %2 an der Stelle einer Zahl</translation>
+    </message>
+    <message>
+        <source>the file is damaged: a triangle before line %1 has fewer than three corners</source>
+        <translation>Die Datei ist beschädigt: ein Dreieck vor Zeile %1 hat weniger als drei Ecken</translation>
+    </message>
+    <message>
+        <source>the file is damaged: the point in line %1 has fewer than three coordinates</source>
+        <translation>Die Datei ist beschädigt: der Punkt in Zeile %1 hat weniger als drei Koordinaten</translation>
+    </message>
+    <message>
+        <source>its image is not shown: there is no file %1 beside it</source>
+        <translation>Ihr Bild wird nicht gezeigt: neben ihr liegt keine Datei %1</translation>
+    </message>
+    <message>
+        <source>its image is not shown: it is no png or jpeg file, or damaged</source>
+        <translation>Ihr Bild wird nicht gezeigt: es ist keine PNG- oder JPEG-Datei oder beschädigt</translation>
+    </message>
+    <message>
+        <source>an image is not shown: it is no png or jpeg file, or damaged: %1</source>
+        <translation>Ein Bild wird nicht gezeigt: es ist keine PNG- oder JPEG-Datei oder beschädigt: %1</translation>
+    </message>
+    <message>
+        <source>its images are not shown: it has more than one</source>
+        <translation>Ihre Bilder werden nicht gezeigt: sie hat mehr als eines</translation>
+    </message>
+    <message>
+        <source>its lines are not shown</source>
+        <translation>Ihre Linien werden nicht gezeigt</translation>
+    </message>
+    <message>
+        <source>the colours of its faces are not shown</source>
+        <translation>Die Farben ihrer Flächen werden nicht gezeigt</translation>
+    </message>
+    <message>
+        <source>%1 points without finite coordinates are left out</source>
+        <translation>%1 Punkte ohne endliche Koordinaten sind weggelassen</translation>
+    </message>
+    <message>
+        <source>a property in the header of the ply file is not complete: export it again from its source</source>
+        <translation>Eine Eigenschaft im Kopf der PLY-Datei ist nicht vollständig: noch einmal aus der Quelle exportieren</translation>
+    </message>
 </context>
 <context>
     <name>NeedlePanel</name>

@@ -212,17 +212,16 @@ TEST_F(MarkerPictures, SayThatANeedleFileHoldsNone) {
     (void)Taken(kExitFailure, "scenepane: " + m_options.needleFiles[0] + ": the file holds no needles\n");
 }
 
-TEST_F(MarkerPictures, HintAtThePointsOfAPlyFileWithoutFaces) {
-    const std::string ply =
+TEST_F(MarkerPictures, ShowThePointsOfAPlyFileWithoutFaces) {
+    m_options.files = {
         File("points.ply",
-             "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty float z\n"
-             "element face 0\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 1 1\n");
-    m_options.files = {ply};
-    m_options.pointFiles = {ply};
-    (void)Taken(kExitFailure, "scenepane: " + ply +
-                                  ": "
-                                  "the file has points but no triangles: import it as free points (File > Import free "
-                                  "points, or --points)\n");
+             "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+             "element face 0\nproperty list uchar int vertex_indices\nend_header\n" +
+                 std::string(kThreePoints))};
+    m_options.import.color = 0x0080FF;
+    const Png png = Taken();
+    for (const auto& [x, y] : {std::pair{kLeft, kBottom}, {kRight, kBottom}, {kLeft, kTop}})
+        EXPECT_EQ(png.At(x, y), 0xFF8000u) << x << ", " << y;
 }
 
 TEST_F(MarkerPictures, OfACaptureShowNeedlesAlone) {
@@ -272,13 +271,23 @@ TEST_F(MarkerPictures, AreNotWrittenWithoutAnythingToShow) {
     EXPECT_EQ(ReadBytes(m_options.picturePath).size(), 3u) << "the older picture stays";
 }
 
-TEST_F(MarkerPictures, NameTheOptionForPointsThatAreGivenAsAScan) {
+TEST_F(MarkerPictures, ShowPointsThatAreGivenWithoutTheirOption) {
+    m_options.files = {File("p.xyz", kThreePoints)};
+    EXPECT_NE(Taken().At(kLeft, kTop), kBackground);
+}
+
+TEST_F(MarkerPictures, OfACaptureAreFittedToSuchPointsAndSayThatTheyShowNone) {
+    WriteXdt(m_folder / "a.xdt", 4, 4);
+    m_options.files = {m_folder / "a.xdt", File("p.xyz", kThreePoints)};
+    (void)Captured(kExitGood, "scenepane: " + m_options.files[1] +
+                                  ": the capture is fitted to these free points, but shows none\n");
+}
+
+TEST_F(MarkerPictures, OfPointsAloneAreNoCapture) {
     m_options.files = {File("p.xyz", kThreePoints)};
     const Printed err;
-    EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + m_options.files[0] +
-                              ": free points are no object; without a window --points adds them\nscenepane: " +
-                              m_options.picturePath + ": not written, there is nothing to show\n");
+    EXPECT_EQ(RunCapture(m_options, err), kExitFailure);
+    EXPECT_NE(err.Text().find("not written, there is nothing to show"), std::string::npos) << err.Text();
 }
 
 // ---- --pick. A rectangle of 6 x 2 at z = 0, and one of 2 x 2 at z = 3 above its right end: the diagonal of the box is

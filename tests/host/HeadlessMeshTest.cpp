@@ -101,17 +101,20 @@ const BadMesh kBadMeshes[] = {
     {"PlyOfOtherText", "a.ply", "no mesh at all", ""},
     {"PlyCutShortInItsHeader", "a.ply", "ply\nformat ascii 1.0\nelement vertex 3\n", ""},
     {"PlyWithFewerPointsThanAnnounced", "a.ply", PlyHeader(3, 1) + "0 0 0\n1 0 0\n", ""},
-    {"PlyOfQuads", "a.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n", "more than three corners"},
-    {"PlyOfPointsAlone", "a.ply", PlyHeader(1, 0) + "0 0 0\n", ""},
+    {"PlyWithoutPoints", "a.ply", PlyHeader(0, 0), "no triangle"},
     {"PlyWithAnIndexOutside", "a.ply", PlyHeader(3, 1) + "0 0 0\n1 0 0\n1 1 0\n3 0 1 3\n", ""},
-    {"StlAsText", "a.stl", "solid cube\n facet normal 0 0 1\n  outer loop\n" + std::string(100, ' '), "text"},
+    {"TextStlThatEndsInATriangle", "a.stl", "solid cube\n facet normal 0 0 1\n  outer loop\n   vertex 0 0 0\n",
+     "fewer than three corners"},
+    {"TextStlWithAWordForANumber", "a.stl", "solid cube\n facet\n  outer loop\n   vertex 0 nought 0\n",
+     "in line 4 there is \"nought\" in place of a number"},
     {"StlWithoutTriangles", "a.stl", kStlHeader + kZeroCount, ""},
     {"StlCutShort", "a.stl", kStlHeader.substr(1), ""},
     {"OisOfNegativeCount", "a.ois", "\xff\xff\xff\xff\1\1\1\1", ""},
     {"MshThatEndsInItsCounts", "a.msh", "\1", ""},
     {"HpsOfOtherText", "a.hps", "no mesh at all", "this is no hps file, or it is damaged"},
     {"HpsWithoutBytes", "a.hps", "", ""},
-    {"UnknownType", "a.obj", "v 0 0 0\n", "the type of the file is not known: it is none of pcm"},
+    {"ObjOfOtherText", "a.obj", "no mesh at all", "no triangle"},
+    {"UnknownType", "a.dat", "v 0 0 0\n", "the type of the file is not known: it is none of pcm"},
 };
 class MeshIsRefused : public testing::TestWithParam<BadMesh> {};
 
@@ -307,8 +310,10 @@ void PrintTo(const Refused& row, std::ostream* out) { *out << row.name; }
 
 const Refused kRefused[] = {
     {"missing.ply", [](const std::string&) {}, "there is no such file: check its name and its folder"},
-    {"unknown.obj", [](const std::string& path) { WriteText(path, "any"); },
-     "the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois and msh"},
+    {"unknown.dat", [](const std::string& path) { WriteText(path, "any"); },
+     "the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois, msh, obj, off, gltf, glb, "
+     "3mf, "
+     "dae and others"},
     {"pipe.ply", [](const std::string& path) { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }, "is not a regular file"},
     {"text.ply", [](const std::string& path) { WriteText(path, "any"); },
      "this is no ply file, whatever its name says"},

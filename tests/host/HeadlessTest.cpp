@@ -48,10 +48,10 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     WriteXdt(folder / "good.xdt", 2, 2);
     WriteBytes(folder / "short.pax", {std::byte{2}});
     WriteBytes(folder / "damaged.pcm", {std::byte{2}});
-    WriteBytes(folder / "a.obj", {std::byte{2}});
+    WriteBytes(folder / "a.dat", {std::byte{2}});
     HostOptions options;
     options.json = true;
-    for (const char* const name : {"none.pcm", "good.xdt", "short.pax", "damaged.pcm", "a.obj"})
+    for (const char* const name : {"none.pcm", "good.xdt", "short.pax", "damaged.pcm", "a.dat"})
         options.files.push_back(folder / name);
     const Printed out, err;
     EXPECT_EQ(RunInfo(options, out, err), kExitFailure);
@@ -59,8 +59,8 @@ TEST(Info, NamesEachFileThatAddsNothingWithItsReason) {
     EXPECT_NE(json.find("none.pcm\", \"reason\": \"there is no such file: check its name and its folder\"}"),
               std::string::npos)
         << json;
-    EXPECT_NE(json.find("a.obj\", \"reason\": \"the type of the file is not known: it is none of pcm, pax, xdt, ply, "
-                        "stl, hps, ois and msh\"}"),
+    EXPECT_NE(json.find("a.dat\", \"reason\": \"the type of the file is not known: it is none of pcm, pax, xdt, ply, "
+                        "stl, hps, ois, msh, obj, off, gltf, glb, 3mf, dae and others\"}"),
               std::string::npos)
         << json;
     EXPECT_NE(json.find("short.pax\", \"reason\": \"the file is cut short: copy or export it again from its source\"}"),

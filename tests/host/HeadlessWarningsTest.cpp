@@ -36,7 +36,7 @@ TEST_F(CutOffFile, IsAWarningOfInfoAndNoFailure) {
     EXPECT_EQ(err.Text(), Line());
     EXPECT_NE(out.Text().find("\"triangles\": 4,"), std::string::npos) << out.Text();
     EXPECT_NE(out.Text().find("\"failed\": [],\n\"warnings\": [\n  {\"file\": \"" + m_file + "\", \"text\": \"" +
-                              kCutText + "\"}\n]}\n"),
+                              kCutText + "\"}\n],\n"),
               std::string::npos)
         << out.Text();
 }

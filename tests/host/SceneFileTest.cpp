@@ -12,14 +12,14 @@ namespace {
 
 TEST(ExportRefusal, IsEmptyForTheTypesThatAreWrittenOnly) {
     for (const char* const name : {"a.ply", "a.STL", "x/a.b.hps"}) EXPECT_EQ(ExportRefusal(name), "") << name;
-    for (const char* const name : {"a.ois", "a.msh", "a.pcm", "a.obj", "a", "a.ply.bak", "a.", ""})
+    for (const char* const name : {"a.ois", "a.msh", "a.pcm", "a.dat", "a", "a.ply.bak", "a.", ""})
         EXPECT_EQ(ExportRefusal(name), "only ply, stl and hps files can be written") << name;
 }
 
 TEST(ImportRefusal, NamesMissingFilesFoldersAndUnknownTypes) {
     const ScratchFolder folder;
     WriteBytes(folder / "a.pcm", {std::byte{1}});
-    WriteBytes(folder / "a.obj", {std::byte{1}});
+    WriteBytes(folder / "a.dat", {std::byte{1}});
     ASSERT_EQ(mkdir((folder / "f.pax").c_str(), 0700), 0);
     for (const char* const name : {"a.ply", "a.STL", "a.Hps", "a.ois", "a.msh", "a.xdt"}) {
         WriteBytes(folder / name, {std::byte{1}});
@@ -28,8 +28,10 @@ TEST(ImportRefusal, NamesMissingFilesFoldersAndUnknownTypes) {
     EXPECT_EQ(ImportRefusal(folder / "a.pcm"), "");
     EXPECT_EQ(ImportRefusal(folder / "b.pcm"), "there is no such file: check its name and its folder");
     EXPECT_EQ(ImportRefusal(folder / "f.pax"), "this is a folder: name its files, or open it in the window");
-    EXPECT_EQ(ImportRefusal(folder / "a.obj"),
-              "the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois and msh");
+    EXPECT_EQ(
+        ImportRefusal(folder / "a.dat"),
+        "the type of the file is not known: it is none of pcm, pax, xdt, ply, stl, hps, ois, msh, obj, off, gltf, "
+        "glb, 3mf, dae and others");
 }
 
 /// A folder that any user may search, with one file.

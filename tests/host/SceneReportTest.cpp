@@ -45,7 +45,7 @@ TEST(SceneReportJson, HasTheWarningsAboutFilesThatWereImported) {
     EXPECT_EQ(ReportJson(report),
               "{\"objects\": [],\n\"failed\": [],\n\"warnings\": [\n"
               "  {\"file\": \"a.stl\", \"text\": \"1 of 2\"},\n"
-              "  {\"file\": \"a.stl\", \"text\": \"odd\"}\n]}\n");
+              "  {\"file\": \"a.stl\", \"text\": \"odd\"}\n],\n\"points\": []}\n");
     EXPECT_EQ(ReportText(report), "a.stl\n  warning: 1 of 2\na.stl\n  warning: odd\n");
 }
 
