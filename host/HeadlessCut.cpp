@@ -127,5 +127,5 @@ int RunExport(const HostOptions& options, std::FILE* err) {
     const ExportResult result = ExportObject(pane->Methods(), report->objects.front().index, options.exportPath);
     if (!result.text.empty())
         PrintError(err, options.exportPath + (result.written ? ": " : ": not written: ") + result.text);
-    return result.written ? kExitGood : kExitFailure;
+    return result.written && HasImportedAll(*report, options) ? kExitGood : kExitFailure;
 }

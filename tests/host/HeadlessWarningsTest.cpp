@@ -62,6 +62,13 @@ TEST_F(CutOffFile, IsAFailureOfAStrictRun) {
         EXPECT_EQ(err.Text(), Line());
         EXPECT_FALSE(ReadBytes(m_options.exportPath).empty()) << "the result is written all the same";
     }
+    m_options.cuts = {{KV_ScenePane::PolygonInside, {{0, 0}, {0.5, 0}, {0.5, 0.99}, {0, 0.99}}}};
+    {
+        const Printed err;
+        EXPECT_EQ(RunExport(m_options, err), kExitFailure);
+        EXPECT_EQ(err.Text(), Line());
+    }
+    m_options.cuts.clear();
     {
         const Printed err;
         EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);

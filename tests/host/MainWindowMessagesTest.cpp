@@ -54,6 +54,20 @@ TEST_F(MainWindowMessages, HaveOneLinePerFileAndTheStatusBarOneForAll) {
     EXPECT_EQ(Status(), std::string("3 of 3 files opened; 3 file(s)") + kTwo);
 }
 
+TEST_F(MainWindowMessages, SayWhatIsMissingOfAFileThatWasCutOff) {
+    const std::string file = m_folder / "cut.stl";
+    WriteStl(file);
+    std::vector<std::byte> bytes = ReadBytes(file);
+    bytes.resize(bytes.size() - 60);
+    WriteBytes(file, bytes);
+    Import({file});
+    const std::string text =
+        ": 2 of 4 triangles are in the file, the rest was cut off: copy or export it again from its source";
+    EXPECT_EQ(Messages(), file + text);
+    EXPECT_EQ(Status(), "1 of 1 files opened; cut.stl" + text);
+    EXPECT_TRUE(IsVisible(0));
+}
+
 TEST_F(MainWindowMessages, SayThatAnObjectWithoutFinitePointsIsNotShown) {
     WriteStl(m_folder / "none.stl", {{{{NAN, 0, 0}, {NAN, 1, 0}, {INFINITY, 1, 1}}}});
     WriteStl(m_folder / "odd.stl", OddSquare());
