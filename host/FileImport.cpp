@@ -14,6 +14,7 @@
 #include "ForeignImport.h"
 #include "ForeignReader.h"
 #include "GridCause.h"
+#include "HpsCause.h"
 #include "KV_ScenePane/PathText.h"
 #include "MSRDLL/Msr.h"
 #include "MessageTable.h"
@@ -24,6 +25,9 @@ namespace {
 
 /// The viewer's text about a scan of which no triangle is left: the host finds out why.
 constexpr const char* kNoTriangle = "its valid points form no triangle";
+
+/// The text about an hps file that is damaged in any way: the host finds out whether its length is wrong.
+constexpr const char* kInvalidHps = "Invalid file.";
 
 /// What every import has around it: the check of the file, the capture of the viewer's output and the exceptions.
 /// @param import  returns whether an object was added; may throw
@@ -43,6 +47,8 @@ ImportResult RunImport(const std::string& file, const std::function<bool(const w
         std::string reason = FailureReason(file, capture.Text(), thrown);
         if (reason == PlainWords(kNoTriangle)) {
             if (const std::string known = cause(path.c_str()); !known.empty()) reason = known;
+        } else if (reason == PlainWords(kInvalidHps)) {
+            if (const std::string known = CauseOfInvalidHps(file); !known.empty()) reason = known;
         }
         return {ImportResult::State::Failed, reason};
     }
@@ -156,6 +162,7 @@ void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& 
 ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                         const ImportSettings& settings) {
     if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
+    if (FreePlaces(methods) < 1) return {ImportResult::State::Failed, kSceneIsFull};
     if (LookAt(file) == FileLook::Process) return ReadByProcess(methods, file);
     ImportResult result = ImportByViewer(methods, file, settings);
     if (result.state == ImportResult::State::Points) return ReadPoints(file);
@@ -167,6 +174,7 @@ ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string
 ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                             const ImportSettings& settings) {
     if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
+    if (FreePlaces(methods) < 1) return {ImportResult::State::Failed, kSceneIsFull};
     const FileLook look = LookAt(file);
     if (look == FileLook::Points) return {ImportResult::State::Points, {}};
     const std::int16_t before = methods.GetNumObjects();
@@ -202,6 +210,8 @@ ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std
         file, [&](const wchar_t* path) { return PassGrid(scan, entry, path, index); },
         [&](const wchar_t*) { return CauseOf(scan, entry); });
 }
+
+int FreePlaces(KV_ScenePane::_DKV_ScenePane& methods) { return kMostObjects - methods.GetNumObjects(); }
 
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom) {
     methods.CenterView();

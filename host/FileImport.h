@@ -70,6 +70,12 @@ void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& 
 /// @param index  place of the object among those of the parallel import
 [[nodiscard]] ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std::int32_t index);
 
+/// The viewer's indices of objects have 16 bits, and it does not check them: no import may add one more.
+inline constexpr int kMostObjects = 32767;
+
+/// How many more objects the scene can hold.
+[[nodiscard]] int FreePlaces(KV_ScenePane::_DKV_ScenePane& methods);
+
 /// Fits the view to the scene, then magnifies: with @p zoom 2 the view spans half the size.
 void FitView(KV_ScenePane::_DKV_ScenePane& methods, float zoom);
 /// Magnifies the present view by @p zoom: with 2 it spans half the size.

@@ -91,6 +91,7 @@ ImportResult AddReaderResult(KV_ScenePane::_DKV_ScenePane& methods, const std::s
     if (found.kind == ReaderResult::Kind::Refused) return {State::Failed, FailureReason(file, found.text)};
     if (found.kind == ReaderResult::Kind::Points)
         return {State::Points, FileMessage(file, found.text), std::make_shared<PointCloud>(CloudOf(found.mesh))};
+    if (FreePlaces(methods) < 1) return {State::Failed, kSceneIsFull};
     const std::int16_t before = methods.GetNumObjects();
     const DebugCapture capture;
     std::string path = file;

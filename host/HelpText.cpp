@@ -44,7 +44,7 @@ Manual ManualOf() {
                   "--align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
                   "--moving FILE... --fixed FILE..."},
         .description =
-            "Shows optical scans ({scans} files) and meshes ({meshes} files) in a window, as a picture, or "
+            "Shows optical scans ({scans} files) and meshes ({meshes}) in a window, as a picture, or "
             "as numbers. A FILE may be a folder: its files of these types and those below it; or @LIST: the files and "
             "folders that the text file LIST names, one a line.",
         .groups = {},
@@ -54,6 +54,13 @@ Manual ManualOf() {
                       "is saved or exported then), --save-cuts wrote no file, --align found no transform or "
                       "--transforms has none for any of the files (nothing is printed or written then), 2 for wrong "
                       "usage."}},
+        .examples = {{"scenepane --screenshot part.png --view front --fit part.ply",
+                      "A picture of a mesh from its front, as large as it fits."},
+                     {"scenepane --screenshot 'part-{view}.jpg' --views all --samples 4 scans/",
+                      "Eight pictures of all scans of a folder, with smooth edges."},
+                     {"scenepane --info --json @list.txt", "What the files hold that a list names, as JSON."},
+                     {"scenepane --convert scan.pcm scan.stl", "A scan as a mesh."}},
+        .seeAlso = "simulate-scans(1)",
         .replacements = {{"{scans}", ExtensionList(IsImportedScan, "and")},
                          {"{meshes}", ExtensionList(IsImportedMesh, "and")},
                          {"{written}", ExtensionList(IsExported, "or")}}};

@@ -11,6 +11,7 @@
 #include "FileLook.h"
 #include "ForeignImport.h"
 #include "ForeignReader.h"
+#include "MessageTable.h"
 #include "SceneFile.h"
 
 ImportJob::ImportJob(KV_ScenePane::ScenePane& pane, std::vector<std::string> files, const ImportSettings& settings,
@@ -80,8 +81,12 @@ void ImportJob::BeginGridRun(const ImportRun& run) {
     GridEntry entry = EntryFor(m_settings);
     m_pane.Methods().BeginParallelImport(&entry.control, &entry.entry);
     m_vFound.clear();
-    StartWorkers(run.files, [this, entry](std::size_t i) {
-        m_vRunResults[i] = ImportGridFile(entry, m_vFiles[m_vRunFiles[i]], static_cast<std::int32_t>(i));
+    const auto places = static_cast<std::size_t>(FreePlaces(m_pane.Methods()));
+    StartWorkers(run.files, [this, entry, places](std::size_t i) {
+        if (i >= places)
+            m_vRunResults[i] = {ImportResult::State::Failed, kSceneIsFull};
+        else
+            m_vRunResults[i] = ImportGridFile(entry, m_vFiles[m_vRunFiles[i]], static_cast<std::int32_t>(i));
     });
 }
 

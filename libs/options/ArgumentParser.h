@@ -15,7 +15,7 @@ enum class Completion { Nothing, Files, Folders };
 /// One option. The same row is read from the command line, printed by --help and described by the man page and the
 /// completion of the shell.
 struct Row {
-    std::string_view name;           ///< "--size"
+    std::string_view name;            ///< "--size"
     std::string_view shortName = {};  ///< "-s", or empty
     /// What the value looks like in the help text: "WxH". Empty for an option without a value.
     std::string_view value = {};
@@ -50,8 +50,8 @@ struct ParsedArguments {
     std::optional<ArgumentMistake> mistake;  ///< the first one
 };
 
-/// Reads "--name value", "--name=value", "-n", "-n value" and files, mixed. "--" ends the options: all that follows is a
-/// file. An argument that begins with "-" is no file before it, also "-" itself.
+/// Reads "--name value", "--name=value", "-n", "-n value" and files, mixed. "--" ends the options: all that follows is
+/// a file. An argument that begins with "-" is no file before it, also "-" itself.
 /// @param rows  kept by the caller; the result points to them
 [[nodiscard]] ParsedArguments ParseArguments(std::span<const Row* const> rows,
                                              const std::vector<std::string>& arguments);

@@ -162,6 +162,10 @@ std::string ManPage(const Manual& manual) {
     }
     for (const auto& [heading, section] : manual.sections)
         text += ".SH " + Roff(Upper(heading)) + '\n' + Roff(Filled(section, manual)) + '\n';
+    if (!manual.examples.empty()) text += ".SH EXAMPLES\n";
+    for (const auto& [command, meaning] : manual.examples)
+        text += ".TP\n\\fB" + Roff(command) + "\\fR\n" + Roff(Filled(meaning, manual)) + '\n';
+    if (!manual.seeAlso.empty()) text += ".SH SEE ALSO\n" + Roff(manual.seeAlso) + '\n';
     return text;
 }
 
@@ -172,8 +176,8 @@ std::string BashCompletion(const Manual& manual) {
         for (const Row* const row : group.rows) {
             names += (names.empty() ? "" : " ") + std::string(row->name);
             if (row->value.empty()) continue;
-            const std::string reply =
-                row->words.empty() ? CompletionOf(row->completion) : WordsCompletion(Filled(std::string(row->words), manual));
+            const std::string reply = row->words.empty() ? CompletionOf(row->completion)
+                                                         : WordsCompletion(Filled(std::string(row->words), manual));
             cases += "        " + Pattern(*row) + ")\n            " + reply + "\n            return ;;\n";
         }
     }

@@ -23,8 +23,11 @@ struct Manual {
     std::vector<Group> groups;
     /// Paragraphs after the options: heading of the man page, text.
     std::vector<std::pair<std::string, std::string>> sections;
+    /// Of the man page alone: commands and what they do, and names of other pages: "simulate-scans(1)".
+    std::vector<std::pair<std::string, std::string>> examples = {};
+    std::string seeAlso = {};
     /// Words in braces in the texts above and of the rows, and what replaces them: {"{types}", "ply and stl"}.
-    std::vector<std::pair<std::string, std::string>> replacements;
+    std::vector<std::pair<std::string, std::string>> replacements = {};
     Completion files = Completion::Files;  ///< of arguments that are no options
 };
 

@@ -32,6 +32,8 @@ Manual Example() {
                   .description = "Looks at {types} files.",
                   .groups = {{"First", {&kRows[0], &kRows[1]}}, {"", {&kRows[2], &kRows[3], &kRows[4], &kRows[5]}}},
                   .sections = {{"Exit status", "0 or 1."}},
+                  .examples = {{"look-at a.ply", "Looks at one."}},
+                  .seeAlso = "other(1)",
                   .replacements = {{"{types}", "ply and stl"}, {"{smooth}", "round, smooth"}}};
     return manual;
 }
@@ -82,6 +84,8 @@ TEST(ManPageOfAManual, HasTheSameTextsInTheLanguageOfMan) {
     EXPECT_THAT(page, HasSubstr("\\fBlook\\-at\\fR [options] FILE...\n.br\n\\fBlook\\-at\\fR \\-\\-convert IN OUT\n"));
     EXPECT_THAT(page, HasSubstr(".SS First\n.TP\n\\fB\\-s\\fR, \\fB\\-\\-size\\fR \\fIWxH\\fR\na size of ply and stl"));
     EXPECT_THAT(page, HasSubstr(".SH EXIT STATUS\n0 or 1.\n"));
+    EXPECT_THAT(page, HasSubstr(".SH EXAMPLES\n.TP\n\\fBlook\\-at a.ply\\fR\nLooks at one.\n.SH SEE ALSO\nother(1)\n"));
+    EXPECT_THAT(HelpText(Example()), testing::Not(HasSubstr("Looks at one.")));
 }
 
 TEST(ManPageOfAManual, KeepsLettersThatManWouldReadAsCommands) {

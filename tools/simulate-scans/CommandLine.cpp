@@ -150,6 +150,9 @@ ProgramOptions::Manual ManualOf() {
                 "Default values are in parentheses.",
             .groups = {{"", Rows()}},
             .sections = {{"Exit status", "0 when all files were written, 1 when not, 2 for wrong usage."}},
+            .examples = {{"simulate-scans --out scans --shape gear --scans 12 --colors",
+                          "Twelve coloured scans of a gear."}},
+            .seeAlso = "scenepane(1)",
             .replacements = {{"{shapes}", JoinedShapeNames()}},
             .files = ProgramOptions::Completion::Nothing};
 }
