@@ -139,13 +139,15 @@ public:
     ///
     /// Of all imports: coordinates that are infinite or NaN count in no bounding box and no fit of the view; the object
     /// is added, and the line "FILE: N coordinates are not finite" says how many there were, of measurements in the
-    /// pixels that are not masked.
+    /// pixels that are not masked. An stl, ois, msh or xdt file that was cut off is added, too, with a line such as
+    /// "FILE: 768 of 1280 triangles are in the file", and a ply file that goes on after its end with "FILE: 6 bytes
+    /// follow the end of its data".
     /// @throws std::exception  unreadable ply file, missing component registry, exhausted memory
     virtual void ImportMesh(BSTR path) = 0;
     /// Writes an object, format chosen by the extension: ply, stl or hps. An existing file is replaced as a whole, or
     /// stays as it is when the export fails.
     /// @param objIdx  valid index; it is not checked
-    /// @throws std::exception  a failed hps export; other failures are written to the debugger output
+    /// @throws std::exception  a failed hps export; the reason of every failure is written to the debugger output
     virtual void ExportMesh(std::int16_t objIdx, BSTR path) = 0;
     /// Reads a measurement, chosen by its extension: pcm, pax or xdt; adds one object and invalidates with erase. A
     /// file that adds nothing is reported in the debugger output.
