@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "geometry/FaceNormal.h"
+#include "geometry/FaceNormalSums.h"
 
 namespace {
 
@@ -174,20 +175,26 @@ void Mesh::RevertTrafo(const CACADQTrafo& trafo) {
     });
 }
 
-void Mesh::ComputeVertexNormals() {
+void Mesh::ComputeVertexNormals(unsigned threads) {
     // The sum of the unit normals of the faces around each vertex, not weighted by area or angle.
-    for (Vertex& vertex : m_vVertices) vertex.nx = vertex.ny = vertex.nz = 0.0f;
-    ForEachTriangle(m_vTriangles, m_vVertices, 0, m_vTriangles.size(), [this](std::size_t i) {
-        AddFaceNormal(FaceNormalOf(m_vTriangles[i], m_vVertices), m_vTriangles[i], m_vVertices);
+    const auto sums = SumFaceNormals(m_vTriangles, m_vVertices, threads);
+    // Normalised, four vertices at a time; a vertex without a face gets zero.
+    ForEachVertexRange(m_vVertices.size(), threads, [&](std::size_t first, std::size_t last) {
+        constexpr std::size_t kFour = 4;
+        for (; first < last; first += kFour) {
+            const std::size_t count = std::min(kFour, last - first);
+            Float4 rows[kFour] = {};
+            std::copy_n(&sums[first], count, rows);
+            Transpose(rows[0], rows[1], rows[2], rows[3]);
+            const Vec3x4 unit = Normalized(Vec3x4{rows[0], rows[1], rows[2]});
+            for (std::size_t lane = 0; lane < count; ++lane) {
+                Vertex& vertex = m_vVertices[first + lane];
+                vertex.nx = unit.x[lane];
+                vertex.ny = unit.y[lane];
+                vertex.nz = unit.z[lane];
+            }
+        }
     });
-    // Normalised; a vertex without a face keeps the zero.
-    for (Vertex& v : m_vVertices) {
-        const float length = std::sqrt(v.nx * v.nx + v.ny * v.ny + v.nz * v.nz);
-        if (!(length > 0.0f)) continue;
-        v.nx /= length;
-        v.ny /= length;
-        v.nz /= length;
-    }
 }
 
 void Mesh::GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz) const {

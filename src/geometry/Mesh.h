@@ -63,7 +63,8 @@ public:
     void RevertTrafo(const CACADQTrafo& trafo);
 
     /// Unit normals: the normalised plain sum of the unit face normals. (ComputeMeanNormals() differs on purpose.)
-    void ComputeVertexNormals();
+    /// @param threads  at most so many work on a large mesh; the result does not depend on them
+    void ComputeVertexNormals(unsigned threads = 1);
     /// Unit normal of one triangle; zero for a degenerate one.
     void GetTriangleNormal(std::size_t index, float* nx, float* ny, float* nz) const;
 
