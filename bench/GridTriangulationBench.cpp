@@ -1,4 +1,4 @@
-// Triangulation of a measurement grid on one thread, compared with a copy of its input and output bytes.
+// Triangulation of a measurement grid on one thread and on two, compared with a copy of its input and output bytes.
 // Grids: a smooth height field with a little noise and round holes on 27 % of the pixels.
 #include <benchmark/benchmark.h>
 
@@ -56,10 +56,10 @@ Grid MakeGrid(std::int64_t width, std::int64_t height) {
     return grid;
 }
 
-std::unique_ptr<Mesh> Create(const Grid& grid, std::int32_t skip) {
+std::unique_ptr<Mesh> Create(const Grid& grid, std::int32_t skip, unsigned threads = 1) {
     static const float kTrafo[16] = {0.8f, -0.6f, 0, 10, 0.6f, 0.8f, 0, -20, 0, 0, 1, 500, 0, 0, 0, 1};
     return CreateInternalMesh(L"", grid.width, grid.height, grid.points.data(), grid.mask.data(), kTrafo, 0, nullptr,
-                              false, skip);
+                              false, skip, threads);
 }
 
 void CountPixels(benchmark::State& state, const Grid& grid) {
@@ -67,11 +67,12 @@ void CountPixels(benchmark::State& state, const Grid& grid) {
                                                     benchmark::Counter::kIsRate);
 }
 
-// Arguments: width, height, skip (every how many pixels one is used).
+// Arguments: width, height, skip (every how many pixels one is used), threads.
 void CreateInternalMesh_Pixels(benchmark::State& state) {
     const Grid grid = MakeGrid(state.range(0), state.range(1));
     const auto skip = static_cast<std::int32_t>(state.range(2));
-    for (auto _ : state) benchmark::DoNotOptimize(Create(grid, skip));
+    const auto threads = static_cast<unsigned>(state.range(3));
+    for (auto _ : state) benchmark::DoNotOptimize(Create(grid, skip, threads));
     CountPixels(state, grid);
 }
 
@@ -96,9 +97,15 @@ void Sizes(benchmark::internal::Benchmark* bench) {
     bench->ArgNames({"width", "height", "skip"})->Unit(benchmark::kMillisecond);
 }
 
+void SizesOnThreads(benchmark::internal::Benchmark* bench) {
+    for (const int skip : {1, 3})
+        for (const int threads : {1, 2}) bench->Args({640, 480, skip, threads})->Args({2048, 1536, skip, threads});
+    bench->ArgNames({"width", "height", "skip", "threads"})->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
 }  // namespace
 
-BENCHMARK(CreateInternalMesh_Pixels)->Apply(Sizes);
+BENCHMARK(CreateInternalMesh_Pixels)->Apply(SizesOnThreads);
 BENCHMARK(CopyOfTheSameBytes)->Apply(Sizes);
 
 BENCHMARK_MAIN();

@@ -6,12 +6,17 @@
 
 #include "KV_ScenePane/PathText.h"
 
+std::size_t ByteInput::Read(void* to, std::size_t size) {
+    const std::size_t got = ReadAt(m_uOffset, to, size);
+    m_uOffset += got;
+    return got;
+}
+
 // memcpy() must not get the null pointer of an empty span.
-std::size_t MemoryInput::Read(void* to, std::size_t size) {
-    if (m_uOffset >= m_bytes.size()) return 0;
-    const std::size_t part = std::min(size, m_bytes.size() - m_uOffset);
-    if (part > 0) std::memcpy(to, m_bytes.data() + m_uOffset, part);
-    m_uOffset += part;
+std::size_t MemoryInput::ReadAt(std::uint64_t offset, void* to, std::size_t size) const {
+    if (offset >= m_bytes.size()) return 0;
+    const std::size_t part = std::min<std::uint64_t>(size, m_bytes.size() - offset);
+    if (part > 0) std::memcpy(to, m_bytes.data() + offset, part);
     return part;
 }
 
@@ -21,11 +26,9 @@ FileInput::FileInput(const std::wstring& path) try : m_file(KV_ScenePane::PathBy
     throw FileReadError(error.what());
 }
 
-std::size_t FileInput::Read(void* to, std::size_t size) {
+std::size_t FileInput::ReadAt(std::uint64_t offset, void* to, std::size_t size) const {
     try {
-        const std::size_t got = m_file.ReadAt(m_uOffset, to, size);
-        m_uOffset += got;
-        return got;
+        return m_file.ReadAt(offset, to, size);
     } catch (const FileAccessError& error) {
         throw FileReadError(error.what());
     }

@@ -22,11 +22,18 @@ public:
     ByteInput& operator=(const ByteInput&) = delete;
     /// Bytes in the input when it was opened. A file that another process shortens yields fewer.
     [[nodiscard]] virtual std::uint64_t Size() const = 0;
-    /// Copies the next @p size bytes.
+    /// Copies up to @p size bytes from @p offset on. Several threads may call it at the same time.
     /// @return the number of bytes copied: fewer than @p size only at the end
-    virtual std::size_t Read(void* to, std::size_t size) = 0;
+    virtual std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) const = 0;
+
+    /// Copies the next @p size bytes.
+    /// @return as ReadAt()
+    std::size_t Read(void* to, std::size_t size);
     /// Continues at another byte, which may be after the end.
-    virtual void Seek(std::uint64_t offset) = 0;
+    void Seek(std::uint64_t offset) { m_uOffset = offset; }
+
+private:
+    std::uint64_t m_uOffset = 0;  ///< of the next byte to read
 };
 
 class MemoryInput final : public ByteInput {
@@ -34,12 +41,10 @@ public:
     /// @param bytes  must outlive this object
     explicit MemoryInput(std::span<const std::byte> bytes) : m_bytes(bytes) {}
     [[nodiscard]] std::uint64_t Size() const override { return m_bytes.size(); }
-    std::size_t Read(void* to, std::size_t size) override;
-    void Seek(std::uint64_t offset) override { m_uOffset = offset; }
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) const override;
 
 private:
     std::span<const std::byte> m_bytes;
-    std::uint64_t m_uOffset = 0;  ///< of the next byte to read
 };
 
 /// A regular file.
@@ -49,10 +54,8 @@ public:
     explicit FileInput(const std::wstring& path);
     [[nodiscard]] std::uint64_t Size() const override { return m_file.Size(); }
     /// @throws FileReadError
-    std::size_t Read(void* to, std::size_t size) override;
-    void Seek(std::uint64_t offset) override { m_uOffset = offset; }
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) const override;
 
 private:
     RegularFile m_file;
-    std::uint64_t m_uOffset = 0;  ///< of the next byte to read
 };

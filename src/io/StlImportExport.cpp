@@ -20,13 +20,13 @@
 
 int CKV_ScenePaneCtrl::ImportStl(const wchar_t* path) {
     try {
-        FileMesh buffers = ReadStlFile(path);
+        FileMesh buffers = ReadStlFile(path, ImportThreads());
         // no name, no colours: the object gets the default colour
         auto mesh = std::make_shared<Mesh>(std::wstring(), false);
         mesh->m_vVertices = std::move(buffers.m_vVertices);
         mesh->m_vTriangles = std::move(buffers.m_vTriangles);
         // smooth normals: the corners at one position share a vertex
-        mesh->ComputeVertexNormals();
+        mesh->ComputeVertexNormals(ImportThreads());
         mesh->ComputeBoundingBox();
         m_vpMeshes.push_back(std::move(mesh));  // what throws before it changes nothing
         ReportMissing(path, buffers.m_vertexShare, buffers.m_triangleShare);

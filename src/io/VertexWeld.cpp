@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include "base/HugePages.h"
+#include "geometry/FaceNormal.h"
 
 namespace {
 
@@ -49,6 +50,20 @@ std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+Float3 PositionOf(const Float3& position) { return position; }
+using ::PositionOf;
+
+template <class Point>
+Point PointAt(const Float3& position);
+template <>
+Float3 PointAt(const Float3& position) {
+    return position;
+}
+template <>
+Vertex PointAt(const Float3& position) {
+    return {.x = position[0], .y = position[1], .z = position[2]};
+}
+
 /// Two multiplications; the seed enters both factors.
 std::uint64_t Hash(std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint64_t seed) {
     constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
@@ -58,21 +73,28 @@ std::uint64_t Hash(std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint6
 
 }  // namespace
 
-VertexWeld::VertexWeld(std::vector<Vertex>& vertices, std::size_t expected)
-    : VertexWeld(vertices, expected, FreshSeed()) {}
+template <class Point>
+PositionWeld<Point>::PositionWeld(std::vector<Point>& vertices, std::size_t expected)
+    : PositionWeld(vertices, expected, FreshSeed()) {}
 
-VertexWeld::VertexWeld(std::vector<Vertex>& vertices, std::size_t expected, std::uint64_t seed)
+template <class Point>
+PositionWeld<Point>::PositionWeld(std::vector<Point>& vertices, std::size_t expected, std::uint64_t seed)
     : m_vertices(vertices), m_uSeed(seed) {
     MakeTable(std::bit_ceil(std::max(expected + expected / 3, kMinSlots)));
 }
 
-void VertexWeld::Free::operator()(Slot* slots) const { std::free(slots); }
+template <class Point>
+void PositionWeld<Point>::Free::operator()(Slot* slots) const {
+    std::free(slots);
+}
 
-std::uint64_t VertexWeld::HashOf(const Float3& position, std::uint64_t seed) {
+template <class Point>
+std::uint64_t PositionWeld<Point>::HashOf(const Float3& position, std::uint64_t seed) {
     return Hash(KeyBits(position[0]), KeyBits(position[1]), KeyBits(position[2]), seed);
 }
 
-void VertexWeld::MakeTable(std::size_t slots) {
+template <class Point>
+void PositionWeld<Point>::MakeTable(std::size_t slots) {
     m_pSlots.reset();  // freed first: never two tables in memory
     // calloc(): a zeroed slot is an empty one, and fresh pages are zero without a pass over them
     m_pSlots.reset(static_cast<Slot*>(std::calloc(slots, sizeof(Slot))));
@@ -82,7 +104,8 @@ void VertexWeld::MakeTable(std::size_t slots) {
     m_uFilled = 0;
 }
 
-void VertexWeld::Weld(std::span<const Float3> positions, std::int32_t* indices) {
+template <class Point>
+void PositionWeld<Point>::Weld(std::span<const Float3> positions, std::int32_t* indices) {
     while (!positions.empty()) {
         const std::size_t count = std::min(positions.size(), kBatch);
         WeldBatch(positions.first(count), indices);
@@ -92,7 +115,8 @@ void VertexWeld::Weld(std::span<const Float3> positions, std::int32_t* indices) 
 }
 
 // A ring of positions: one is inserted, and the slot of one that comes later is prefetched.
-void VertexWeld::WeldBatch(std::span<const Float3> positions, std::int32_t* indices) {
+template <class Point>
+void PositionWeld<Point>::WeldBatch(std::span<const Float3> positions, std::int32_t* indices) {
     // Load at most three quarters after the whole batch: the table does not grow within it.
     while (m_uFilled + positions.size() > (m_uMask + 1) / 4 * 3) Rebuild(2 * (m_uMask + 1));
     /// A position whose slot is being prefetched.
@@ -119,17 +143,16 @@ void VertexWeld::WeldBatch(std::span<const Float3> positions, std::int32_t* indi
     }
 }
 
-std::int32_t VertexWeld::Append(const Float3& position) {
+template <class Point>
+std::int32_t PositionWeld<Point>::Append(const Float3& position) {
     if (m_vertices.size() >= std::size_t{std::numeric_limits<std::int32_t>::max()})
         throw std::length_error("more vertices than an index can count");
-    Vertex& vertex = m_vertices.emplace_back();
-    vertex.x = position[0];
-    vertex.y = position[1];
-    vertex.z = position[2];
+    m_vertices.push_back(PointAt<Point>(position));
     return static_cast<std::int32_t>(m_vertices.size() - 1);
 }
 
-std::int32_t VertexWeld::FindOrAppend(const Float3& position, Slot key, std::size_t at) {
+template <class Point>
+std::int32_t PositionWeld<Point>::FindOrAppend(const Float3& position, Slot key, std::size_t at) {
     std::size_t probes = 0;
     for (;; ++at) {
         Slot& slot = m_pSlots[at & m_uMask];
@@ -150,13 +173,15 @@ std::int32_t VertexWeld::FindOrAppend(const Float3& position, Slot key, std::siz
 }
 
 // The indices do not depend on the seed: only the places in the table change.
-void VertexWeld::Reseed() {
+template <class Point>
+void PositionWeld<Point>::Reseed() {
     ++m_iReseeds;
     m_uSeed = FreshSeed();
     Rebuild(m_uMask + 1);
 }
 
-void VertexWeld::Rebuild(std::size_t slots) {
+template <class Point>
+void PositionWeld<Point>::Rebuild(std::size_t slots) {
     MakeTable(slots);
     // in two passes per group: hash and prefetch all, then insert all
     for (std::size_t first = 0; first < m_vertices.size(); first += kPrefetchDistance) {
@@ -165,7 +190,7 @@ void VertexWeld::Rebuild(std::size_t slots) {
         std::size_t at[kPrefetchDistance];
         std::size_t kept = 0;
         for (std::size_t i = first; i < first + count; ++i) {
-            const Float3 p = {m_vertices[i].x, m_vertices[i].y, m_vertices[i].z};
+            const Float3 p = PositionOf(m_vertices[i]);
             if (HasNan(p)) continue;
             keys[kept] = {KeyBits(p[0]), KeyBits(p[1]), KeyBits(p[2]), static_cast<std::uint32_t>(i) + 1};
             at[kept] = Hash(keys[kept].x, keys[kept].y, keys[kept].z, m_uSeed) & m_uMask;
@@ -180,3 +205,6 @@ void VertexWeld::Rebuild(std::size_t slots) {
         m_uFilled += kept;
     }
 }
+
+template class PositionWeld<Vertex>;
+template class PositionWeld<Float3>;

@@ -15,13 +15,15 @@
 ///
 /// A hash table with open addressing. The hash depends on a random seed: a file
 /// cannot be made such that its positions collide and the weld becomes slow.
-class VertexWeld {
+/// @tparam Point  what is appended: Vertex, or Float3 for positions alone
+template <class Point>
+class PositionWeld {
 public:
     /// @param vertices  empty; filled by Weld(). Must outlive this object; only Weld() may change it meanwhile
     /// @param expected  estimated number of vertices, for the initial size of the table
-    VertexWeld(std::vector<Vertex>& vertices, std::size_t expected);
+    PositionWeld(std::vector<Point>& vertices, std::size_t expected);
     /// The same with a known seed, for tests that need positions which collide.
-    VertexWeld(std::vector<Vertex>& vertices, std::size_t expected, std::uint64_t seed);
+    PositionWeld(std::vector<Point>& vertices, std::size_t expected, std::uint64_t seed);
 
     /// Writes one index per position to @p indices, in order. Expected time per position is constant.
     /// @throws std::length_error when there are more vertices than an index can count
@@ -49,10 +51,14 @@ private:
     /// Inserts all vertices into a new table of @p slots slots, a power of two.
     void Rebuild(std::size_t slots);
 
-    std::vector<Vertex>& m_vertices;
+    std::vector<Point>& m_vertices;
     std::unique_ptr<Slot[], Free> m_pSlots;
     std::size_t m_uMask = 0;    ///< slots - 1; their number is a power of two
     std::size_t m_uFilled = 0;  ///< slots in use: vertices without a NaN
     std::uint64_t m_uSeed;
     int m_iReseeds = 0;
 };
+
+extern template class PositionWeld<Vertex>;
+extern template class PositionWeld<Float3>;
+using VertexWeld = PositionWeld<Vertex>;

@@ -14,16 +14,15 @@ class CountingInput final : public ByteInput {
 public:
     CountingInput(std::size_t bytes, std::uint64_t promised) : m_uBytes(bytes), m_uPromised(promised) {}
     [[nodiscard]] std::uint64_t Size() const override { return m_uPromised; }
-    std::size_t Read(void* to, std::size_t size) override {
-        const std::size_t part = std::min(size, m_uBytes - m_uAt);
-        for (std::size_t i = 0; i < part; ++i) static_cast<unsigned char*>(to)[i] = ByteAt(m_uAt++);
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) const override {
+        const std::size_t part = std::min<std::uint64_t>(size, m_uBytes - offset);
+        for (std::size_t i = 0; i < part; ++i) static_cast<unsigned char*>(to)[i] = ByteAt(offset + i);
         return part;
     }
-    void Seek(std::uint64_t offset) override { m_uAt = offset; }
     static unsigned char ByteAt(std::size_t at) { return static_cast<unsigned char>(at % 251); }
 
 private:
-    std::size_t m_uBytes, m_uAt = 0;
+    std::size_t m_uBytes;
     std::uint64_t m_uPromised;
 };
 

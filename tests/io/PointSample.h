@@ -35,8 +35,9 @@ public:
     ShortenedInput(const std::string& bytes, std::uint64_t promised)
         : m_input(std::as_bytes(std::span(bytes))), m_uPromised(promised) {}
     [[nodiscard]] std::uint64_t Size() const override { return m_uPromised; }
-    std::size_t Read(void* to, std::size_t size) override { return m_input.Read(to, size); }
-    void Seek(std::uint64_t offset) override { m_input.Seek(offset); }
+    std::size_t ReadAt(std::uint64_t offset, void* to, std::size_t size) const override {
+        return m_input.ReadAt(offset, to, size);
+    }
 
 private:
     MemoryInput m_input;
