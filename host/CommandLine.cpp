@@ -120,6 +120,7 @@ std::string Conflict(const HostOptions& options, const GivenOptions& given) {
             .append(" do not go together");
     if (std::string text = MisplacedOption(given, first, !options.cuts.empty()); !text.empty()) return text;
     if (options.clip && options.clipAuto) return "--clip and --clip-auto do not go together";
+    if (first == nullptr && options.usesPalette) return "--color auto goes with the runs without a window only";
     if (options.progress && options.quiet) return "--progress and --quiet do not go together";
     if (std::string text = WrongViews(options, given); !text.empty()) return text;
     const Run run = first == nullptr ? kWindow : first->selects;

@@ -7,6 +7,7 @@
 
 #include "KV_ScenePane/DebugOutput.h"
 #include "MessageTable.h"
+#include "options/TerminalText.h"
 
 namespace {
 
@@ -63,16 +64,7 @@ std::string SanitizeForTerminal(std::string line) {
         line.resize(end);
         line += "...";
     }
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(line[i]);
-        if (byte < ' ' || byte == 0x7F) line[i] = '?';
-        // U+0080 to U+009F, in UTF-8 the byte C2 and one more, are control characters too.
-        if (i > 0 && line[i - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0) {
-            line.erase(i, 1);
-            line[--i] = '?';
-        }
-    }
-    return line;
+    return ProgramOptions::TerminalText(std::move(line));
 }
 
 /// @p text without any occurrence of @p part.

@@ -62,7 +62,8 @@ bool PassGrid(MsrStorage::MSR& scan, const GridEntry& entry, const wchar_t* path
     if (!scan.Load(path, false, true, false)) throw std::runtime_error(LastPcmReason());
     if (scan.GetXYZ() == nullptr) throw std::runtime_error(kNoPcmReason);
     return entry.entry(entry.control, path, scan.GetWidth(), scan.GetHeight(), scan.GetXYZ(), scan.GetConfidence(),
-                       scan.GetTrafo(), scan.GetPixelClassification(), scan.GetColorData(), entry.color, index);
+                       scan.GetTrafo(), scan.GetPixelClassification(),
+                       entry.leavesOutColors ? nullptr : scan.GetColorData(), entry.color, index);
 }
 
 /// Why no triangle is left of a scan that PassGrid() has passed.
@@ -132,14 +133,6 @@ std::string CauseByTrial(KV_ScenePane::_DKV_ScenePane& methods, const wchar_t* p
     return skip == 1 ? kNoNeighbours : "";
 }
 
-ImportResult ReadByProcess(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file) {
-    try {
-        return AddReaderResult(methods, file, RunReader(file));
-    } catch (...) {
-        return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
-    }
-}
-
 ImportResult ReadPoints(const std::string& file) {
     try {
         auto cloud = std::make_shared<KV_ScenePane::PointCloud>();
@@ -159,15 +152,29 @@ void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& 
     methods.SetConfidenceFilter(settings.confidence);
 }
 
+ImportResult ImportByProcess(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                             const ImportSettings& settings) {
+    try {
+        ReaderResult found = RunReader(file);
+        if (settings.leavesOutColors && found.kind == ReaderResult::Kind::Mesh) {
+            found.mesh.m_bHasColors = false;
+            for (KV_ScenePane::Vertex& vertex : found.mesh.m_vVertices) vertex.color = 0;
+        }
+        return AddReaderResult(methods, file, std::move(found));
+    } catch (...) {
+        return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
+    }
+}
+
 ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                         const ImportSettings& settings) {
     if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
     if (FreePlaces(methods) < 1) return {ImportResult::State::Failed, kSceneIsFull};
-    if (LookAt(file) == FileLook::Process) return ReadByProcess(methods, file);
+    if (LookAt(file) == FileLook::Process) return ImportByProcess(methods, file, settings);
     ImportResult result = ImportByViewer(methods, file, settings);
     if (result.state == ImportResult::State::Points) return ReadPoints(file);
     if (result.state == ImportResult::State::Failed && HasSecondReader(file) && !ReaderProgram().empty())
-        return ReadByProcess(methods, file);
+        return ImportByProcess(methods, file, settings);
     return result;
 }
 
@@ -199,8 +206,10 @@ ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::st
 }
 
 GridEntry EntryFor(const ImportSettings& settings) {
-    return {
-        .color = static_cast<std::uint32_t>(settings.color), .skip = settings.skip, .confidence = settings.confidence};
+    return {.color = static_cast<std::uint32_t>(settings.color),
+            .skip = settings.skip,
+            .confidence = settings.confidence,
+            .leavesOutColors = settings.leavesOutColors};
 }
 
 ImportResult ImportGridFile(const GridEntry& entry, const std::string& file, std::int32_t index) {

@@ -16,6 +16,8 @@ struct ImportSettings {
     float confidence = 0.0f;
     /// 0x00BBGGRR, for scans without colours: a light beige.
     std::int32_t color = 0xC8D4DC;
+    /// Objects have no colours of their vertices: those of scans and those that scenepane-read found are left out.
+    bool leavesOutColors = false;
 };
 
 /// The result for one file.
@@ -45,6 +47,7 @@ struct GridEntry {
     /// Of the import, for the reason of a scan of which no triangle is left.
     std::int16_t skip = 1;
     float confidence = 0.0f;
+    bool leavesOutColors = false;
 };
 
 /// An entry with the colour and the limits of @p settings, and without a control.
@@ -64,6 +67,10 @@ void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& 
 /// The same without scenepane-read; of a file of points only the state.
 [[nodiscard]] ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
                                           const ImportSettings& settings);
+
+/// The same by scenepane-read alone.
+[[nodiscard]] ImportResult ImportByProcess(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                                           const ImportSettings& settings);
 
 /// Reads a grid that the host reads itself (FileLook::Grid) and passes it to the entry. Any thread; the same reasons
 /// and the same conditions as ImportFile().

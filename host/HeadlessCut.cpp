@@ -14,6 +14,7 @@
 #include "HeadlessScene.h"
 #include "KV_ScenePane/PathText.h"
 #include "RegistryStart.h"
+#include "options/TerminalText.h"
 
 namespace {
 
@@ -84,10 +85,10 @@ std::string SaveText(std::vector<CutSaveEntry> entries, const std::string& refus
         const auto object = std::ranges::lower_bound(report.objects, entry.object, {}, &ObjectReport::index);
         if (entry.file.empty() && object != report.objects.end()) entry.file = KV_ScenePane::WidePath(object->file);
         const bool isRefusedItself = refusal == kOtherMoved && IsMoved(entry);
-        text += CutSaveLine(entry, isRefusedItself ? kMoved : refusal) + '\n';
+        text += ProgramOptions::TerminalText(CutSaveLine(entry, isRefusedItself ? kMoved : refusal)) + '\n';
     }
     for (const FailedFile& failed : report.failed)
-        text += failed.file + ": failed, not imported: " + failed.reason + '\n';
+        text += ProgramOptions::TerminalText(failed.file + ": failed, not imported: " + failed.reason) + '\n';
     return text;
 }
 

@@ -10,6 +10,8 @@
 #include "ClipCut.h"
 #include "DebugCapture.h"
 #include "FileImport.h"
+#include "FileLook.h"
+#include "ForeignReader.h"
 #include "GraphicsLimits.h"
 #include "Headless.h"
 #include "InputFiles.h"
@@ -60,6 +62,27 @@ InputFiles InputOf(const std::vector<std::string>& files, const HostOptions& opt
     InputFiles input;
     input.files = files;
     return input;
+}
+
+/// Imports a file. Colours of vertices that the viewer's own readers add are left out by reading it once more.
+ImportResult ImportOne(ScenePane& pane, const HostOptions& options, const std::string& file) {
+    KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
+    ImportResult result = ImportFile(methods, file, options.import);
+    if (!options.import.leavesOutColors || result.state != ImportResult::State::Added) return result;
+    const auto index = static_cast<std::int16_t>(methods.GetNumObjects() - 1);
+    KV_ScenePane::ObjectInfo info;
+    if (!pane.GetObjectInfo(index, &info) || !info.hasVertexColors) return result;
+    if (HasSecondReader(file) && !ReaderProgram().empty()) {
+        ImportResult again = ImportByProcess(methods, file, options.import);
+        if (again.state == ImportResult::State::Added && pane.GetObjectInfo(index + 1, &info) &&
+            !info.hasVertexColors) {
+            methods.DeleteObject(index);
+            return again;
+        }
+        if (again.state == ImportResult::State::Added) methods.DeleteObject(index + 1);
+    }
+    result.text += (result.text.empty() ? "" : "; ") + std::string("it keeps the colours of its vertices");
+    return result;
 }
 
 /// The object that was added last, in the colour of the options when it is a mesh without any.
@@ -132,7 +155,7 @@ void ImportFiles(ScenePane& pane, const std::vector<std::string>& files, const H
     ProgressLine progress(options, input.files.size(), err);
     for (const std::string& file : input.files) {
         progress.Show(file);
-        ImportResult result = ImportFile(methods, file, options.import);
+        ImportResult result = ImportOne(pane, options, file);
         if (result.state == ImportResult::State::Points)
             result = WithPoints(methods, options.import, points, file, result, report);
         if (result.state == ImportResult::State::Failed) {

@@ -27,6 +27,11 @@ bool SetFlag(std::string_view, HostOptions& options) {
     return true;
 }
 
+bool LeaveOutColors(std::string_view, HostOptions& options) {
+    options.import.leavesOutColors = true;
+    return true;
+}
+
 bool AcceptSwitch(std::string_view, HostOptions&) { return true; }
 
 constexpr std::string_view kFileName = "a file name";
@@ -88,14 +93,22 @@ constexpr Option kOptions[] = {
      .read = ReadConfidence},
     {.row = {.name = "--color",
              .value = "RRGGBB|auto",
-             .help = "colour of scans, meshes and free points that have none of their own (DCD4C8, of meshes CCCCCC); "
-                     "auto: objects get colours of the palette, each its own",
+             .help = "colour of scans and free points that have none of their own (DCD4C8), and without a window of "
+                     "such meshes (CCCCCC); auto, without a window: objects get colours of the palette, each its own",
              .words = "auto"},
      .group = OptionGroup::Imports,
      .expected = "six hexadecimal digits RRGGBB, or auto",
      .runs = kImports & ~(kConvert | kExport),
      .read = ReadColor},
 
+    {.row = {.name = "--no-vertex-colors",
+             .help =
+                 "leave out the colours that scans and meshes have of their own; a mesh that keeps them, as one with "
+                 "an image, is named in a warning"},
+     .group = OptionGroup::Imports,
+     .runs = kImports & ~kWindow,
+     .read = LeaveOutColors,
+     .goesWith = "the runs without a window"},
     {.row = {.name = "--strict",
              .help = "end with status 1 when there is a warning about a file, such as one that was cut off; it is "
                      "imported all the same, and without this option the status stays 0"},

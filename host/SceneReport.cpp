@@ -11,8 +11,11 @@
 #include "CutOption.h"
 #include "JsonText.h"
 #include "KV_ScenePane/PathText.h"
+#include "options/TerminalText.h"
 
 namespace {
+
+using ProgramOptions::TerminalText;
 
 /// Lower-case hexadecimal digits with leading zeros.
 std::string HexText(std::uint32_t value, int digits) {
@@ -70,15 +73,15 @@ std::string TextBox(std::span<const float> box) {
 }
 
 std::string TextPoints(const PointsReport& points) {
-    return points.file + "\n  points         " + std::to_string(points.count) + '\n' + TextBox(points.box) +
-           "  colors         " + (points.hasColors ? "yes" : "no") + '\n';
+    return TerminalText(points.file) + "\n  points         " + std::to_string(points.count) + '\n' +
+           TextBox(points.box) + "  colors         " + (points.hasColors ? "yes" : "no") + '\n';
 }
 
 /// One object for a reader: its file, then one indented line per property.
 std::string TextObject(const ObjectReport& object) {
-    std::string text = object.file + '\n';
+    std::string text = TerminalText(object.file) + '\n';
     text += "  index          " + std::to_string(object.index) + '\n';
-    text += "  name           " + KV_ScenePane::PathBytes(object.name) + '\n';
+    text += "  name           " + TerminalText(KV_ScenePane::PathBytes(object.name)) + '\n';
     text += "  vertices       " + std::to_string(object.vertices) + '\n';
     text += "  triangles      " + std::to_string(object.triangles) + '\n';
     if (HasPosition(object)) {
@@ -217,8 +220,10 @@ std::string ReportText(const SceneReport& report) {
     std::string text;
     for (const ObjectReport& object : report.objects) text += TextObject(object);
     for (const PointsReport& points : report.points) text += TextPoints(points);
-    for (const FailedFile& failed : report.failed) text += failed.file + "\n  nothing added: " + failed.reason + '\n';
-    for (const FileWarning& warning : report.warnings) text += warning.file + "\n  warning: " + warning.text + '\n';
+    for (const FailedFile& failed : report.failed)
+        text += TerminalText(failed.file) + "\n  nothing added: " + failed.reason + '\n';
+    for (const FileWarning& warning : report.warnings)
+        text += TerminalText(warning.file) + "\n  warning: " + warning.text + '\n';
     if (report.clip) text += TextClip(*report.clip);
     if (!report.cuts.empty()) text += TextCuts(report.cuts);
     return text;
@@ -248,7 +253,7 @@ std::string PickText(const std::vector<PickReport>& picks) {
             continue;
         }
         text += "  object         " + std::to_string(pick.hit->object) + '\n';
-        text += "  file           " + pick.file + '\n';
+        text += "  file           " + TerminalText(pick.file) + '\n';
         text += "  triangle       " + std::to_string(pick.hit->triangle) + '\n';
         text += "  point         " + TextNumbers(pick.hit->point) + '\n';
         text += "  distance      " + TextNumbers({&pick.hit->distance, 1}) + '\n';

@@ -44,6 +44,7 @@ TEST(CommandLineOfPictures, ReadsWhatTheyLookLike) {
     EXPECT_EQ(options.samples, 4);
     EXPECT_EQ(options.pointSize, 3.5f);
     EXPECT_EQ((*Picture({"--background=102030"}).background)[1], 0x302010) << "one colour for both";
+    EXPECT_TRUE(Picture({"--no-vertex-colors"}).import.leavesOutColors);
     EXPECT_FALSE(Picture({"--color=auto", "--color=010203"}).usesPalette) << "the last one counts";
 }
 
@@ -135,6 +136,10 @@ const WrongUsage kWrongUsages[] = {
     {"ColorOfAnExport",
      {"--export=b.ply", "--cut=inside:0,0;1,1", "--color=010203", "a.ply"},
      "--color has no meaning with --export"},
+    {"PaletteOfTheWindow", {"--color=auto", "a.ply"}, "--color auto goes with the runs without a window only"},
+    {"WindowWithoutVertexColors",
+     {"--no-vertex-colors", "a.ply"},
+     "--no-vertex-colors goes with the runs without a window only"},
     {"ProgressAndQuiet", {"--info", "--progress", "--quiet", "a.ply"}, "--progress and --quiet do not go together"},
     {"QuietWindow", {"--quiet", "a.ply"}, "--quiet goes with the runs without a window only"},
     {"ConvertToAnOption",

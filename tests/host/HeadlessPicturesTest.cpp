@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "ForeignReader.h"
 #include "Headless.h"
 #include "host/HeadlessRuns.h"
 #include "host/MeshFiles.h"
@@ -194,6 +195,77 @@ TEST_F(GridPictures, GiveMeshesTheColourOfTheCommandLine) {
     EXPECT_NE(out.Text().find("\"color\": \"FF0000\""), std::string::npos) << out.Text();
 }
 
+/// A flat grid whose points are all green.
+void WriteColoredPcm(const std::string& path, int columns, int rows) {
+    const std::vector<float> points = FlatGrid(columns, rows, 0.0f, 1000.0f);
+    const std::size_t count = points.size() / 3;
+    const std::vector<float> confidences(count, 1.0f);
+    const std::vector<std::uint8_t> classes(count, 0);
+    const std::vector<std::uint32_t> colors(count, 0xFF00FF00);
+    const float pose[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    MsrStorage::PcmView view;
+    view.m_iWidth = columns;
+    view.m_iHeight = rows;
+    view.m_pPoints = points.data();
+    view.m_pConfidence = confidences.data();
+    view.m_pClassification = classes.data();
+    view.m_pColors = colors.data();
+    view.m_pTrafo = pose;
+    MsrStorage::WritePcmFile(path, view);
+}
+
+/// What is reported of a file, with and without the colours of its vertices.
+struct ColorsOf {
+    std::string with, without;
+    std::string warnings;
+};
+ColorsOf ReportColors(const std::string& file) {
+    HostOptions options;
+    options.json = true;
+    options.files = {file};
+    const auto report = [&](const Printed& err) {
+        const Printed out;
+        EXPECT_EQ(RunInfo(options, out, err), kExitGood);
+        const std::string json = out.Text();
+        const std::size_t at = json.find("\"hasVertexColors\": ");
+        return json.substr(at, json.find(',', at) - at);
+    };
+    const Printed none, err;
+    ColorsOf colors;
+    colors.with = report(none);
+    options.import.leavesOutColors = true;
+    colors.without = report(err);
+    colors.warnings = err.Text();
+    return colors;
+}
+
+TEST_F(GridPictures, OfScansCanLeaveOutTheColoursOfTheirPoints) {
+    const std::string file = m_folder / "c.pcm";
+    WriteColoredPcm(file, 3, 3);
+    const ColorsOf colors = ReportColors(file);
+    EXPECT_EQ(colors.with, "\"hasVertexColors\": true");
+    EXPECT_EQ(colors.without, "\"hasVertexColors\": false");
+    EXPECT_EQ(colors.warnings, "");
+}
+
+TEST_F(GridPictures, OfMeshesLeaveOutTheColoursOrSayThatTheyStay) {
+    const std::string file = m_folder / "c.ply";
+    WriteText(file,
+              "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+              "property uchar red\nproperty uchar green\nproperty uchar blue\nelement face 1\n"
+              "property list uchar int vertex_indices\nend_header\n0 0 0 255 0 0\n1 0 0 255 0 0\n0 1 0 255 0 0\n"
+              "3 0 1 2\n");
+    const ColorsOf colors = ReportColors(file);
+    EXPECT_EQ(colors.with, "\"hasVertexColors\": true");
+    if (ReaderProgram().empty()) {  // it reads the file without them
+        EXPECT_EQ(colors.without, colors.with);
+        EXPECT_EQ(colors.warnings, "scenepane: " + file + ": it keeps the colours of its vertices\n");
+    } else {
+        EXPECT_EQ(colors.without, "\"hasVertexColors\": false");
+        EXPECT_EQ(colors.warnings, "");
+    }
+}
+
 // ---- several views
 
 TEST_F(GridPictures, OfSeveralViewsAreFilesOfTheirOwn) {
@@ -258,6 +330,19 @@ TEST_F(GridPictures, PrintNoControlCharactersOfFileNames) {
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
     EXPECT_EQ(err.Text().find('\033'), std::string::npos);
     EXPECT_NE(err.Text().find("/a?[2J.ply: "), std::string::npos) << err.Text();
+}
+
+TEST_F(GridPictures, ReportNoControlCharactersOfFileNames) {
+    HostOptions options;
+    options.files = {m_folder / "a\033[2J.xdt"};
+    WriteXdt(options.files.front(), 2, 2);
+    const Printed out, err;
+    EXPECT_EQ(RunInfo(options, out, err), kExitGood);
+    EXPECT_EQ(out.Text().find('\033'), std::string::npos) << "in the text";
+    options.json = true;
+    const Printed json;
+    EXPECT_EQ(RunInfo(options, json, err), kExitGood);
+    EXPECT_NE(json.Text().find("\\u001b[2J.xdt"), std::string::npos) << "all of the name: " << json.Text();
 }
 
 TEST_F(GridPictures, PrintWhichFileIsReadWhenAsked) {
