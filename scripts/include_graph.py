@@ -101,8 +101,9 @@ def layer_of(file, operations):
 
 
 def is_public_library_header(file):
-    """What programs may use of libs/: the public headers of the libraries, and the plain file functions in libs/files."""
-    return re.match(r"libs/([^/]+/include|files)/", file) is not None
+    """What programs may use of libs/: the public headers of the libraries, the plain file functions in libs/files, and the
+    options."""
+    return re.match(r"libs/([^/]+/include|files|options)/", file) is not None
 
 
 def may_include(file, target, operations):

@@ -24,7 +24,11 @@ step("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/prefix")
 expect_file(include/KV_ScenePane/ScenePane.h include/MSRDLL/Msr.h include/MSRDLL/MsrLastReason.h
             include/KV_UtilsLantern/KV_UtilsLantern.h ${LIBDIR}/libKV_ScenePane.so ${LIBDIR}/libMSRDLL.so ${LIBDIR}/libKV_UtilsLantern.so
             include/KV_ScenePane/kv_scenepane.h include/KV_ScenePane/kv_scenepane_ids.h ${LIBDIR}/pkgconfig/KV_ScenePane.pc
-            ${LIBDIR}/cmake/KV_ScenePane/KV_ScenePaneConfig.cmake bin/simulate-scans)
+            ${LIBDIR}/cmake/KV_ScenePane/KV_ScenePaneConfig.cmake bin/simulate-scans
+            share/man/man1/simulate-scans.1 share/bash-completion/completions/simulate-scans)
+if(EXISTS "${WORK_DIR}/prefix/bin/scenepane")
+  expect_file(share/man/man1/scenepane.1 share/bash-completion/completions/scenepane)
+endif()
 
 # Moved, so that no path of the first place can have been kept.
 file(RENAME "${WORK_DIR}/prefix" "${WORK_DIR}/moved")
