@@ -12,6 +12,7 @@
 #include "KV_ScenePane/ClipHeight.h"
 #include "KV_ScenePane/Cutting.h"
 #include "KV_ScenePane/Input.h"
+#include "KV_ScenePane/Version.h"
 #include "KV_ScenePane/_DKV_ScenePane.h"
 #include "KV_ScenePane/_DKV_ScenePaneEvents.h"
 
@@ -51,7 +52,8 @@ struct WindowRequest {
     /// Requested OpenGL version, compatibility profile. 3.3 is the lowest that the viewer draws with.
     int glMajor = 3, glMinor = 3;
     /// Samples per pixel that smooth the edges; 0 for none. A driver that does not offer exactly this number draws with
-    /// none, without a message; RecreateOpenglContext() refuses it.
+    /// none, without a message; the reason of CreateScenePane() names the numbers that it offers.
+    /// RecreateOpenglContext() refuses such a number.
     int samples = 0;
     static constexpr int kAnyGpu = -1;    ///< graphics devices first, then the default display, software last
     static constexpr int kSoftware = -2;  ///< the processor draws, whatever graphics devices there are
@@ -67,6 +69,16 @@ struct WindowRequest {
     /// Shows the about dialog of AboutBox() and returns when it is closed; called as showMessage is. Empty: the line
     /// goes to the debugger output, and AboutBox() returns at once.
     std::function<void(const AboutText& text)> showAbout;
+};
+
+/// How ScenePane::ImportFile() reads a scan; meshes ignore it.
+struct ImportOptions {
+    /// The grid is thinned to one point per skip x skip points.
+    std::int16_t skip = 1;
+    /// Points of a lower confidence are left out; those at the limit are kept.
+    float confidence = 0;
+    /// 0x00BBGGRR, of a scan without colours: a light beige.
+    std::int32_t color = 0xC8D4DC;
 };
 
 /// Properties of an object that the automation surface does not return.
@@ -254,12 +266,35 @@ public:
     /// Number of frames so far, and the duration of the last one. Both 0 before the first frame and for a NoPicture
     /// viewer. A new window or context continues the count.
     [[nodiscard]] virtual FrameStatistics GetFrameStatistics() const = 0;
+
+    /// Imports one file by the method that its extension names: ImportMesh() for stl, ply, hps, ois and msh,
+    /// ImportScan() for pcm, pax and xdt. It throws nothing that the import throws. The debugger output receives the
+    /// same lines as from these methods, after the import; what its sink throws passes through, also when an object was
+    /// added. The skip value and the confidence filter of the viewer are the same afterwards. During a parallel import
+    /// scans are refused, and so is an object beyond the 32767th.
+    /// @param path    in bytes, as open() receives it
+    /// @param reason  receives one line without path and operation: why nothing was added; with the result true what is
+    ///                odd about the file, such as "768 of 1280 triangles are in the file", and mostly nothing. May be
+    ///                null
+    /// @return whether an object was added
+    virtual bool ImportFile(const std::string& path, const ImportOptions& options, std::string* reason) = 0;
+    /// Why the last import or export failed, as one line without path and operation. Counted are ImportFile() and the
+    /// methods ImportMesh(), ImportScan(), ImportMeshedMeasurement(), ImportMeasurementFromMemory(),
+    /// ImportMeshFromMemory() and ExportMesh(), also when they throw. Empty when the last of them added an object or
+    /// wrote its file, and before the first one. The entry of a parallel import does not change it, nor does
+    /// SaveCuttingToPcms(), which has GetCutSaveResults().
+    [[nodiscard]] virtual std::string LastError() const = 0;
 };
+
+/// Version of the library that the program runs with, as a number to compare with KV_SCENEPANE_VERSION. Any thread.
+[[nodiscard]] __attribute__((visibility("default"))) int LibraryVersion();
 
 /// Creates a viewer.
 /// @param request  read during the call; showMessage is kept
-/// @param reason   receives, as a sentence for the user, why there is none: no display, not an X11 window, no OpenGL.
-///                 May be null
+/// @param reason   receives, as a sentence for the user, why there is none: no display, not an X11 window, no OpenGL,
+/// or
+///                 a refused version with those that the driver offers. With a viewer it is empty, or says that the
+///                 driver does not offer the samples of the request, and which it offers. May be null
 /// @return null when the window or its context was refused
 /// @throws std::bad_alloc, and what showMessage or the sink of the debugger output throws
 [[nodiscard]] __attribute__((visibility("default"))) std::unique_ptr<ScenePane> CreateScenePane(

@@ -6,6 +6,7 @@
 #include <stdint.h>
 #include <wchar.h>
 
+#include "KV_ScenePane/Version.h"
 #include "KV_ScenePane/kv_scenepane_ids.h"
 
 #if defined(__GNUC__)
@@ -343,6 +344,20 @@ KV_API int32_t kv_is_modified(const kv_pane* pane);
 typedef void (*kv_debug_function)(void* user, const char* text, size_t size);
 /* Redirects the debugger output; null restores standard error. user is kept. Any thread. */
 KV_API void kv_set_debug_output(kv_debug_function function, void* user);
+
+/* ---- since 5.5 */
+
+/* Version of the library as a number, to compare with KV_SCENEPANE_VERSION. Any thread. */
+KV_API int32_t kv_version_number(void);
+
+/* Imports one file by the method that its extension names: ImportMesh for stl, ply, hps, ois and msh, ImportScan for
+   pcm, pax and xdt. KV_DONE when an object was added; else KV_FAILED, and kv_last_error() is the reason. skip scans are
+   thinned to one point per skip x skip points; 1 for all confidence  points of scans with a lower one are left out; 0
+   for all color       0x00BBGGRR, of scans without colours */
+KV_API kv_status kv_import_file(kv_pane* pane, const char* path, int32_t skip, float confidence, int32_t color);
+/* Why the last import or export of the viewer failed, by kv_import_file() or by a method; empty after one that
+   succeeded. A text function. */
+KV_API size_t kv_file_error(kv_pane* pane, char* buffer, size_t capacity);
 
 #ifdef __cplusplus
 }

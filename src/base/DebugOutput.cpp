@@ -137,6 +137,13 @@ DelayedDebugOutput::DelayedDebugOutput() : m_bOutermost(g_waitingTexts == nullpt
     if (m_bOutermost) g_waitingTexts = &m_vTexts;
 }
 
+void DelayedDebugOutput::PassOn() {
+    if (!std::exchange(m_bOutermost, false)) return;
+    g_waitingTexts = nullptr;
+    if (m_vTexts.empty()) return;
+    if (const std::exception_ptr failure = PassOnAll(m_vTexts)) std::rethrow_exception(failure);
+}
+
 // A destructor cannot pass an exception of the sink on.
 DelayedDebugOutput::~DelayedDebugOutput() {
     if (!m_bOutermost) return;

@@ -15,7 +15,7 @@
 void DebugOutput(std::string_view text);
 
 /// Keeps the texts of this thread until its destruction and passes them on then. For work during which a sink must not
-/// run, because it may call any method of a viewer. Exceptions of the sink are dropped.
+/// run, because it may call any method of a viewer. Exceptions of the sink are dropped, unless PassOn() ends the delay.
 class DelayedDebugOutput {
 public:
     DelayedDebugOutput();
@@ -23,7 +23,11 @@ public:
     DelayedDebugOutput(const DelayedDebugOutput&) = delete;
     DelayedDebugOutput& operator=(const DelayedDebugOutput&) = delete;
 
+    /// Ends the delay before the destruction. Inside another one or inside the sink it does nothing.
+    /// @throws what the sink throws
+    void PassOn();
+
 private:
-    bool m_bOutermost;  ///< false inside another one or inside the sink, which pass the texts on
+    bool m_bOutermost;  ///< false inside another one or inside the sink, which pass the texts on, and after PassOn()
     std::vector<std::string> m_vTexts;
 };

@@ -194,6 +194,8 @@ void kv_destroy(kv_pane* pane) {
 
 const char* kv_version(void) { return KV_VERSION; }
 
+int32_t kv_version_number(void) { return KV_ScenePane::LibraryVersion(); }
+
 const char* kv_last_error(void) {
     const LastError& error = TheLastError();
     return error.isMemoryShort ? "out of memory" : error.text.c_str();

@@ -339,6 +339,29 @@ kv_mesh* kv_mesh_create(const kv_vertex* vertices, size_t vertex_count, const in
 
 void kv_mesh_destroy(kv_mesh* mesh) { delete ToBuffers(mesh); }
 
+// ---- files
+
+kv_status kv_import_file(kv_pane* pane, const char* path, int32_t skip, float confidence, int32_t color) {
+    return CallViewer(pane, "kv_import_file", [&](ScenePane& viewer) {
+        if (path == nullptr) return RefuseNull("kv_import_file", "the path is null");
+        if (skip < 1 || skip > std::numeric_limits<std::int16_t>::max()) {
+            SetLastError("kv_import_file: skip must be 1 to 32767, not " + std::to_string(skip));
+            return KV_BAD_ARGUMENTS;
+        }
+        const KV_ScenePane::ImportOptions options = {
+            .skip = static_cast<std::int16_t>(skip), .confidence = confidence, .color = color};
+        std::string reason;
+        if (viewer.ImportFile(path, options, &reason)) return KV_DONE;
+        SetLastError(reason);
+        return KV_FAILED;
+    });
+}
+
+size_t kv_file_error(kv_pane* pane, char* buffer, size_t capacity) {
+    return TextOf(pane, "kv_file_error", buffer, capacity,
+                  [](ScenePane& viewer) -> std::optional<std::string> { return viewer.LastError(); });
+}
+
 // ---- persisted properties
 
 size_t kv_save_properties(kv_pane* pane, int32_t format, char* buffer, size_t capacity) {

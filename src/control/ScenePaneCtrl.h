@@ -171,6 +171,13 @@ public:
     // ---- io/ImportScan.cpp
     void ImportScan(BSTR path, std::int32_t color) override;
 
+    // ---- io/ImportFile.cpp
+    bool ImportFile(const std::string& path, const KV_ScenePane::ImportOptions& options, std::string* reason);
+    /// Runs an import of the host, and keeps in m_strLastError why it added nothing.
+    void RunImport(const std::function<void()>& import);
+    /// Runs ExportMesh() of the host, and keeps in m_strLastError why it wrote nothing.
+    void RunExport(BSTR path, const std::function<void()>& write);
+
     // ---- io/MemoryImports.cpp
     void ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
                                      const float* confidence, const float* trafo, std::int32_t color) override;

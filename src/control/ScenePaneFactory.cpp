@@ -1,4 +1,4 @@
-// Makes viewers: the one function that the shared library exports besides the debugger output.
+// Makes viewers; the version of the library.
 #include <utility>
 
 #include "KV_ScenePane/ScenePane.h"
@@ -25,9 +25,14 @@ std::unique_ptr<ScenePane> CreateScenePane(const WindowRequest& request, std::st
     control->m_bSamplesOptional = true;
     control->SetScale(request.scale);
     std::string windowReason;
-    if (control->CreateControlWindow(&windowReason)) return MakeHandle(std::move(control));
-    if (reason != nullptr) *reason = windowReason.empty() ? *lastMessage : windowReason;
+    const bool isCreated = control->CreateControlWindow(&windowReason);
+    if (reason != nullptr) *reason = control->m_strContextRemark;  // samples that were left out, or a refused version
+    if (isCreated) return MakeHandle(std::move(control));
+    if (reason != nullptr && !windowReason.empty()) *reason = windowReason;
+    if (reason != nullptr && reason->empty()) *reason = *lastMessage;
     return nullptr;
 }
+
+int LibraryVersion() { return KV_SCENEPANE_VERSION; }
 
 }  // namespace KV_ScenePane

@@ -88,9 +88,12 @@ public:
         return Call(&Control::MovePickPointSphere, id, x, y, z);
     }
     std::int32_t PerformUndo() override { return Call(&Control::PerformUndo); }
-    void ImportMesh(BSTR path) override { return Call(&Control::ImportMesh, path); }
-    void ExportMesh(std::int16_t objIdx, BSTR path) override { return Call(&Control::ExportMesh, objIdx, path); }
-    void ImportScan(BSTR path, std::int32_t color) override { return Call(&Control::ImportScan, path, color); }
+    void ImportMesh(BSTR path) override { return Import(&Control::ImportMesh, path); }
+    void ExportMesh(std::int16_t objIdx, BSTR path) override {
+        const HostCall call(m_pControl);
+        call->RunExport(path, [&] { call->ExportMesh(objIdx, path); });
+    }
+    void ImportScan(BSTR path, std::int32_t color) override { return Import(&Control::ImportScan, path, color); }
     void ShowLightingArrow(std::int16_t show) override { return Call(&Control::ShowLightingArrow, show); }
     void SetArrowColor(std::int32_t color) override { return Call(&Control::SetArrowColor, color); }
     void TracingMode(std::int16_t on) override { return Call(&Control::TracingMode, on); }
@@ -199,7 +202,7 @@ public:
         return Call(&Control::SetShadowColor, red, green, blue);
     }
     void ImportMeshedMeasurement(const MeshBuffers* mesh, BSTR filename, std::int32_t color) override {
-        return Call(&Control::ImportMeshedMeasurement, mesh, filename, color);
+        return Import(&Control::ImportMeshedMeasurement, mesh, filename, color);
     }
     void StartAnimation(float revolutionsPerSecond) override {
         return Call(&Control::StartAnimation, revolutionsPerSecond);
@@ -265,11 +268,11 @@ public:
     }
     void ImportMeasurementFromMemory(std::int32_t width, std::int32_t height, const float* points,
                                      const float* confidence, const float* trafo, std::int32_t color) override {
-        return Call(&Control::ImportMeasurementFromMemory, width, height, points, confidence, trafo, color);
+        return Import(&Control::ImportMeasurementFromMemory, width, height, points, confidence, trafo, color);
     }
     void ImportMeshFromMemory(std::int32_t numberOfVertices, std::int32_t numberOfTriangles, const float* vertices,
                               const std::int32_t* triangles) override {
-        return Call(&Control::ImportMeshFromMemory, numberOfVertices, numberOfTriangles, vertices, triangles);
+        return Import(&Control::ImportMeshFromMemory, numberOfVertices, numberOfTriangles, vertices, triangles);
     }
     VARIANT_BOOL GetCutMasks(std::int32_t* count, const ACAD::CutMask** cutMaskPtrs) override {
         return Call(&Control::GetCutMasks, count, cutMaskPtrs);
@@ -287,6 +290,11 @@ private:
     Result Call(Result (Control::*method)(Parameters...), Arguments... arguments) {
         const HostCall call(m_pControl);  // this object may be gone when the method returns
         return ((*call).*method)(arguments...);
+    }
+    template <typename... Parameters, typename... Arguments>
+    void Import(void (Control::*method)(Parameters...), Arguments... arguments) {
+        const HostCall call(m_pControl);
+        call->RunImport([&] { ((*call).*method)(arguments...); });
     }
 
     const std::shared_ptr<Control>& m_pControl;  ///< the handle's
@@ -354,6 +362,11 @@ public:
     [[nodiscard]] KV_ScenePane::FrameStatistics GetFrameStatistics() const override {
         return {m_pControl->m_nFrameCount, m_pControl->m_fFrameSeconds};
     }
+
+    bool ImportFile(const std::string& path, const KV_ScenePane::ImportOptions& options, std::string* reason) override {
+        return Held()->ImportFile(path, options, reason);
+    }
+    [[nodiscard]] std::string LastError() const override { return m_pControl->m_strLastError; }
 
     Control& TheControl() { return *m_pControl; }
 

@@ -1,6 +1,7 @@
 // From a reason or an exception to the line.
 #include "io/FileMessage.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
 
@@ -9,6 +10,9 @@
 #include "base/RegularFile.h"
 
 namespace {
+
+/// Of this thread, the innermost one; null without one.
+thread_local FileReasons* g_reasons = nullptr;
 
 /// Why a file cannot be opened; empty when it can.
 std::string OpenRefusal(std::wstring_view file) {
@@ -37,8 +41,33 @@ std::string TextOfCaughtError() {
 std::string FileLabel(std::wstring_view file) { return file.empty() ? "(no file)" : KV_ScenePane::PathBytes(file); }
 
 void ReportFileError(const char* operation, std::wstring_view file, std::string_view reason) {
+    FileReasons::Note(reason);
     std::string line = std::string(operation) + "(): " + FileLabel(file) + ": ";
     DebugOutput(line.append(reason).append("\n"));
+}
+
+void ReportFileRemark(std::wstring_view file, std::string_view remark) {
+    FileReasons::Note(remark);
+    std::string line = FileLabel(file) + ": ";
+    DebugOutput(line.append(remark).append("\n"));
+}
+
+FileReasons::FileReasons() : m_pOuter(g_reasons) { g_reasons = this; }
+
+FileReasons::~FileReasons() { g_reasons = m_pOuter; }
+
+void FileReasons::Note(std::string_view text) {
+    if (g_reasons == nullptr) return;
+    std::vector<std::string>& texts = g_reasons->m_vTexts;
+    if (std::ranges::find(texts, text) == texts.end()) texts.emplace_back(text);
+}
+
+std::string FileReasons::OneLine() const {
+    std::string line;
+    for (const std::string& text : m_vTexts) line.append(line.empty() ? "" : "; ").append(text);
+    std::ranges::replace_if(
+        line, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
+    return line;
 }
 
 void ReportCaughtError(const char* operation, std::wstring_view name) {

@@ -2,6 +2,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// A path or object name in bytes, as all lines show it. For an empty one, such as that of arrays in memory without a
 /// name, "(no file)".
@@ -14,6 +15,31 @@
 
 /// Writes one line to the debugger output: "OPERATION(): FILE: REASON". Any thread.
 void ReportFileError(const char* operation, std::wstring_view file, std::string_view reason);
+
+/// Writes the line "FILE: REMARK" about a file that was imported. Any thread.
+void ReportFileRemark(std::wstring_view file, std::string_view remark);
+
+/// Collects the reasons and remarks that this thread reports while it exists, for a host that reads them after the
+/// call. They go to the debugger output all the same. Nests: the innermost one receives them.
+class FileReasons {
+public:
+    FileReasons();
+    ~FileReasons();
+    FileReasons(const FileReasons&) = delete;
+    FileReasons& operator=(const FileReasons&) = delete;
+
+    /// All in one line, each once, without operation and file. Control characters, which a file may hold, are question
+    /// marks.
+    [[nodiscard]] std::string OneLine() const;
+
+private:
+    friend void ReportFileError(const char* operation, std::wstring_view file, std::string_view reason);
+    friend void ReportFileRemark(std::wstring_view file, std::string_view remark);
+    static void Note(std::string_view text);
+
+    FileReasons* m_pOuter;
+    std::vector<std::string> m_vTexts;
+};
 
 /// Why the exception that is being handled was thrown, as a sentence without its subject; never empty. Must be called
 /// inside a catch block.

@@ -73,7 +73,5 @@ void NotFiniteCounter::Add() {
 }
 
 void ReportNotFinite(std::wstring_view file, std::size_t count) {
-    if (count == 0) return;
-    std::string line = FileLabel(file) + ": " + std::to_string(count);
-    DebugOutput(line.append(" coordinates are not finite\n"));
+    if (count > 0) ReportFileRemark(file, std::to_string(count) + " coordinates are not finite");
 }

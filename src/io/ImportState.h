@@ -30,6 +30,8 @@ struct ImportState {
     std::uint8_t m_bAllowEmptyObjects = 0;  ///< a grid without triangles adds an empty object
     std::wstring m_strScanPath;             ///< path of the last ImportScan(); names the measurements that follow
 
+    std::string m_strLastError;  ///< why the last import or export of the host failed; empty when it did not
+
     struct StagedMesh {
         std::int32_t m_iIndex = 0;  ///< order in the object list
         std::shared_ptr<Mesh> m_pMesh;

@@ -142,6 +142,7 @@ BootstrapReport GlxContext::BeginBootstrap() {
     report.createContextExtension = HasExtension(display, m_nScreen, "GLX_ARB_create_context") &&
                                     HasExtension(display, m_nScreen, "GLX_ARB_create_context_profile");
     report.version33 = report.entryPointsLoaded && GLEW_VERSION_3_3;
+    ReadCurrentVersion(&report.major, &report.minor);
     return report;
 }
 

@@ -118,6 +118,7 @@ BootstrapReport OffscreenWindow::BeginBootstrap(const ContextAttributes& wanted)
     report.pixelFormatExtension = true;  // EGL has no other way to request formats
     report.createContextExtension = m_display.createContext;
     report.version33 = report.entryPointsLoaded && GLEW_VERSION_3_3;
+    ReadCurrentVersion(&report.major, &report.minor);
     return report;
 }
 

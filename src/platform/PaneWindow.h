@@ -76,7 +76,8 @@ struct BootstrapReport {
     bool entryPointsLoaded = false;     ///< GLEW is initialised
     bool pixelFormatExtension = false;  ///< formats can be requested by attributes
     bool createContextExtension = false;
-    bool version33 = false;  ///< the driver offers OpenGL 3.3, whatever version is requested
+    bool version33 = false;             ///< the driver offers OpenGL 3.3, whatever version is requested
+    std::int32_t major = 0, minor = 0;  ///< the highest version that the driver offers; 0 when it is not known
 };
 
 /// One window, or what replaces it without a display. All calls on the thread that drives the window, except where

@@ -64,12 +64,44 @@ ChosenFormat ChooseFormat(PaneWindow& window, std::int32_t samples) {
     return chosen;
 }
 
+/// @param numbers  at most 8
+/// @return such as "2, 4 and 8 are", "4 is", "none are"
+std::string WhichAre(const std::vector<std::int32_t>& numbers) {
+    if (numbers.empty()) return "none are";
+    std::string text;
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        if (i > 0) text += i + 1 == numbers.size() ? " and " : ", ";
+        text += std::to_string(numbers[i]);
+    }
+    return text += numbers.size() == 1 ? " is" : " are";
+}
+
+/// Why the samples of the request were left out. Needs the context of the bootstrap.
+std::string SamplesRemark(PaneWindow& window, std::int32_t wanted) {
+    std::vector<std::int32_t> offered;
+    for (const std::int32_t samples : {2, 4, 6, 8, 12, 16, 24, 32})
+        if (ChooseFormat(window, samples).valid) offered.push_back(samples);
+    return std::to_string(wanted) + " samples per pixel are not offered by the driver: " + WhichAre(offered);
+}
+
+/// @param report  of the bootstrap, which knows the driver's version
+std::string VersionRemark(const BootstrapReport& report, std::int32_t major, std::int32_t minor) {
+    if (report.major == 0) return {};
+    const auto text = [](std::int32_t first, std::int32_t second) {
+        return std::to_string(first) + "." + std::to_string(second);
+    };
+    const std::string offered = text(report.major, report.minor);
+    if (!report.version33) return "OpenGL 3.3 is not offered by the driver: it has " + offered;
+    return "OpenGL " + text(major, minor) + " is not offered by the driver: request 3.3 to " + offered;
+}
+
 /// Asks for a format with the samples per pixel that the control wants, 0 for none; sets them to 0 when they are
 /// optional and the driver has no such format. The query needs a context, so that the window makes a temporary one; it
 /// is deleted afterwards.
-ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
+/// @param report  receives what the temporary context found
+ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control, BootstrapReport& report) {
     PaneWindow& window = *control.m_pWindow;
-    const BootstrapReport report = window.BeginBootstrap({control.m_nGlMajorVersion, control.m_nGlMinorVersion});
+    report = window.BeginBootstrap({control.m_nGlMajorVersion, control.m_nGlMinorVersion});
     if (!report.contextMade) {
         Log(LogLevel::Error) << "Error setting temporary pixel format " << report.formatNumber << std::endl;
         window.EndBootstrap();
@@ -80,12 +112,14 @@ ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
     LogAvailability(report.createContextExtension, "WGL_ARB_create_context found. ",
                     "WGL_ARB_create_context not found. ");
     LogAvailability(report.version33, "Opengl 3.3 supported.", "Opengl 3.3 not supported.");
+    if (report.entryPointsLoaded && !report.version33) control.m_strContextRemark = VersionRemark(report, 3, 3);
 
     ChosenFormat chosen;
     if (report.entryPointsLoaded && report.pixelFormatExtension && report.createContextExtension && report.version33) {
         Log(LogLevel::Debug) << "calling wglChoosePixelFormatARB" << std::endl;
         chosen = ChooseFormat(window, control.m_nGlSamples);
         if (!chosen.valid && control.m_bSamplesOptional && control.m_nGlSamples > 0) {
+            control.m_strContextRemark = SamplesRemark(window, control.m_nGlSamples);
             control.m_nGlSamples = 0;
             chosen = ChooseFormat(window, 0);
         }
@@ -103,7 +137,8 @@ ChosenFormat FindPixelFormat(CKV_ScenePaneCtrl& control) {
 /// Creates the context in the version that the control asks for, makes it current and fills it with what lives as long
 /// as it does: programs, framebuffers, fonts, overlay textures.
 /// @return false when there is no such context; the log then holds the reason
-bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
+/// @param report  of the bootstrap
+bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format, const BootstrapReport& report) {
     DelayedDebugOutput delayed;  // a sink may call any viewer, which would make its context current
     Log(LogLevel::Debug) << "Getting new device context + HDC" << std::endl;
     control.m_pDC = control.m_pWindow.get();
@@ -113,6 +148,7 @@ bool CreateRenderContext(CKV_ScenePaneCtrl& control, std::int32_t format) {
     }
     if (!control.m_pDC->CreateContext({control.m_nGlMajorVersion, control.m_nGlMinorVersion})) {
         Log(LogLevel::Error) << "Failed to create Opengl 3.3 context. " << std::endl;
+        control.m_strContextRemark = VersionRemark(report, control.m_nGlMajorVersion, control.m_nGlMinorVersion);
         return false;
     }
     control.m_hRC = control.m_pDC->ContextHandle();
@@ -181,8 +217,10 @@ int CKV_ScenePaneCtrl::OnCreate() {
     if (m_bClosed) return -1;  // destroyed by the host while the former window was closed
     ForgetContext(*this);      // of a creation that was broken off by an exception
     Log(LogLevel::Info) << "Create temporary ogl context" << std::endl;
-    const ChosenFormat format = FindPixelFormat(*this);
-    const bool created = format.valid && CreateRenderContext(*this, format.index);
+    m_strContextRemark.clear();
+    BootstrapReport report;
+    const ChosenFormat format = FindPixelFormat(*this, report);
+    const bool created = format.valid && CreateRenderContext(*this, format.index, report);
     GLint alphaBits = 0;
     if (created) glGetIntegerv(GL_ALPHA_BITS, &alphaBits);
     Log(LogLevel::Info) << "Alphabits: " << alphaBits << std::endl;

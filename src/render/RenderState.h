@@ -40,6 +40,7 @@ struct RenderState {
     std::int32_t m_nGlSamples = 0;                              ///< requested samples per pixel
     bool m_bRecreating = false;                                 ///< inside RecreateOpenglContext()
     bool m_bSamplesOptional = false;  ///< of the first context: 0 samples where the driver has no such format
+    std::string m_strContextRemark;  ///< of the last creation: what the driver offers in place of the request, or empty
     std::vector<TexturePixels> m_vTexturesWithoutContext;  ///< for the next context
     COpenGLTextDraw m_textDraw;
     float m_fScale = 1.0f;  ///< of fonts, line widths and point sizes; 2 for twice the pixels per inch

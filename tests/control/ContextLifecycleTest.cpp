@@ -128,7 +128,17 @@ TEST_P(ContextOf, ARefusedVersionIsLoggedAndShownWithItsNumber) {
     EXPECT_EQ(log.TextWithoutAlphaBits(), kRefusedVersion);
     EXPECT_EQ(m_messages,
               (std::vector{std::string("OpenGL context could not be created. Requested version: 9.8") + kParagraph}));
-    EXPECT_FALSE(m_reason.empty());
+    // It names the version of the driver, which the next request is granted.
+    const std::string start = "OpenGL 9.8 is not offered by the driver: request 3.3 to ";
+    ASSERT_TRUE(m_reason.starts_with(start)) << m_reason;
+    const std::string offered = m_reason.substr(start.size());
+    ASSERT_EQ(offered.size(), 3u) << m_reason;
+    m_request.glMajor = offered[0] - '0', m_request.glMinor = offered[2] - '0';
+    const auto pane = Open();
+    ASSERT_NE(pane, nullptr) << m_reason;
+    EXPECT_EQ(m_reason, "");
+    EXPECT_EQ(10 * GlInteger(GL_MAJOR_VERSION) + GlInteger(GL_MINOR_VERSION),
+              10 * m_request.glMajor + m_request.glMinor);
 }
 
 TEST_P(ContextOf, ARefusedFormatIsLoggedAndShownWithoutAVersion) {
@@ -164,6 +174,21 @@ TEST_P(ContextOf, SamplesThatTheDriverDoesNotHaveAreLeftOutWithoutAWord) {
     pane->Methods().RecreateOpenglContext(3, 3, 999);
     EXPECT_FALSE(pane->HasWindow()) << "a recreation is exact";
     EXPECT_EQ(m_messages.size(), 1u);
+}
+
+TEST_P(ContextOf, SamplesThatTheDriverDoesNotHaveAreARemarkWithThoseThatItHas) {
+    m_request.samples = 999;
+    ASSERT_NE(Open(), nullptr);
+    const std::string start = "999 samples per pixel are not offered by the driver: ";
+    ASSERT_TRUE(m_reason.starts_with(start)) << m_reason;
+    const std::string offered = m_reason.substr(start.size());
+    m_request.samples = 4;
+    ASSERT_NE(Open(), nullptr);
+    const bool isGranted = m_reason.empty();
+    EXPECT_EQ(offered.find('4') != std::string::npos, isGranted) << offered << ", then: " << m_reason;
+    if (!isGranted) {
+        EXPECT_TRUE(offered.ends_with(" are") || offered.ends_with(" is")) << offered;
+    }
 }
 
 TEST_P(ContextOf, NamesTheDriverInUse) {
@@ -471,6 +496,7 @@ struct Refusal {
     std::string log;
     std::string calls;
     bool tellsVersion;
+    const char* remark;  ///< for the reason of CreateScenePane()
 };
 void PrintTo(const Refusal& row, std::ostream* out) { *out << row.name; }
 
@@ -490,29 +516,35 @@ const char* const kNoFurther = "BeginBootstrap EndBootstrap";
 
 const Refusal kRefusals[] = {
     {"NoEntryPoints", [](auto& w) { w.report.entryPointsLoaded = false; },
-     kFirst + kNoGlew + kFormat + kContext + k33 + kInvalidEnd, kNoFurther, false},
+     kFirst + kNoGlew + kFormat + kContext + k33 + kInvalidEnd, kNoFurther, false, ""},
     {"NoPixelFormatExtension", [](auto& w) { w.report.pixelFormatExtension = false; },
-     kFirst + kGlew + kNoFormat + kContext + k33 + kInvalidEnd, kNoFurther, false},
+     kFirst + kGlew + kNoFormat + kContext + k33 + kInvalidEnd, kNoFurther, false, ""},
     {"NoCreateContextExtension", [](auto& w) { w.report.createContextExtension = false; },
-     kFirst + kGlew + kFormat + kNoContext + k33 + kInvalidEnd, kNoFurther, false},
-    {"DriverBelow33", [](auto& w) { w.report.version33 = false; },
-     kFirst + kGlew + kFormat + kContext + kNo33 + kInvalidEnd, kNoFurther, false},
+     kFirst + kGlew + kFormat + kNoContext + k33 + kInvalidEnd, kNoFurther, false, ""},
+    {"DriverBelow33",
+     [](auto& w) {
+         w.report.version33 = false;
+         w.report.major = 2, w.report.minor = 1;
+     },
+     kFirst + kGlew + kFormat + kContext + kNo33 + kInvalidEnd, kNoFurther, false,
+     "OpenGL 3.3 is not offered by the driver: it has 2.1"},
     {"NoFormat", [](auto& w) { w.formatChosen = false; },
      kFirst + kGlew + kFormat + kContext + k33 +
          "<DEBUG>: calling wglChoosePixelFormatARB\n<ERROR>: No valid pixel format!\n" + kInvalidEnd,
-     "BeginBootstrap ChoosePixelFormat EndBootstrap", false},
+     "BeginBootstrap ChoosePixelFormat EndBootstrap", false, ""},
     {"FormatNotSet", [](auto& w) { w.formatSet = false; },
      kFirst + kGlew + kFormat + kContext + k33 +
          "<DEBUG>: calling wglChoosePixelFormatARB\n<DEBUG>: Getting new device context + HDC\n"
          "<ERROR>: Error setting pixel format 23\n" +
          kFailedEnd,
-     "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23", true},
+     "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23", true, ""},
     {"NoContext", [](auto&) {},
      kFirst + kGlew + kFormat + kContext + k33 +
          "<DEBUG>: calling wglChoosePixelFormatARB\n<DEBUG>: Getting new device context + HDC\n"
          "<ERROR>: Failed to create Opengl 3.3 context. \n" +
          kFailedEnd,
-     "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23 CreateContext", true},
+     "BeginBootstrap ChoosePixelFormat EndBootstrap SetPixelFormat 23 CreateContext", true,
+     "OpenGL 4.6 is not offered by the driver: request 3.3 to 4.5"},
 };
 
 class RefusingDriver : public testing::TestWithParam<Refusal> {};
@@ -521,6 +553,7 @@ TEST_P(RefusingDriver, IsRefusedWithItsLogLinesItsMessageAndNoFurtherStep) {
     auto owned = std::make_unique<ScriptedWindow>();
     ScriptedWindow& window = *owned;
     CKV_ScenePaneCtrl control(std::move(owned));
+    window.report.major = 4, window.report.minor = 5;
     GetParam().script(window);
     control.m_nGlMajorVersion = 4, control.m_nGlMinorVersion = 6;
     const LogSinceNow log;
@@ -529,6 +562,7 @@ TEST_P(RefusingDriver, IsRefusedWithItsLogLinesItsMessageAndNoFurtherStep) {
     std::string calls;
     for (const std::string& call : window.calls) calls += (calls.empty() ? "" : " ") + call;
     EXPECT_EQ(calls, GetParam().calls);
+    EXPECT_EQ(control.m_strContextRemark, GetParam().remark);
     const std::string version = GetParam().tellsVersion ? "Requested version: 4.6" : "";
     EXPECT_EQ(window.messages, (std::vector{"OpenGL context could not be created. " + version + kParagraph}));
 }

@@ -23,7 +23,9 @@ public:
     std::vector<KV_ScenePane::CutSaveEntry> planned, saved;
     bool modified = false;
     KV_ScenePane::FrameStatistics frames;
-    std::string store;  ///< what SaveProperties() returns
+    std::string imported;  ///< what the last ImportFile() got
+    std::string refusal;   ///< its reason; empty: it adds an object
+    std::string store;     ///< what SaveProperties() returns
 
     KV_ScenePane::_DKV_ScenePane& Methods() override { return methods; }
     void Connect(KV_ScenePane::_DKV_ScenePaneEvents* receiver) override { events = receiver; }
@@ -64,6 +66,13 @@ public:
     }
     [[nodiscard]] bool IsModified() const override { return modified; }
     [[nodiscard]] KV_ScenePane::FrameStatistics GetFrameStatistics() const override { return frames; }
+    bool ImportFile(const std::string& path, const KV_ScenePane::ImportOptions& options, std::string* reason) override {
+        imported = path + ' ' + std::to_string(options.skip) + ' ' + std::to_string(options.confidence) + ' ' +
+                   std::to_string(options.color);
+        *reason = refusal;
+        return refusal.empty();
+    }
+    [[nodiscard]] std::string LastError() const override { return refusal; }
 };
 
 /// A viewer of the C interface over a RecordingViewer.
