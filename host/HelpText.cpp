@@ -39,10 +39,10 @@ Manual ManualOf() {
         .usage = {"[options] FILE...", "--screenshot OUT [options] FILE...", "--capture OUT [options] FILE...",
                   "--pick X,Y [--json] [options] FILE...", "--info [--json] [options] FILE...",
                   "--convert [options] IN OUT",
-                  "--cut MODE:X,Y;X,Y;... [options]\n"
-                  "[--save-cuts | --export OUT | --screenshot OUT | --info [--json]] FILE...",
-                  "--align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
-                  "--moving FILE... --fixed FILE..."},
+                  ("--cut MODE:X,Y;X,Y;... [options]\n"
+                   "[--save-cuts | --export OUT | --screenshot OUT | --info [--json]] FILE..."),
+                  ("--align PAIRS.txt [--json] [--save-transforms OUT.json] [options]\n"
+                   "--moving FILE... --fixed FILE...")},
         .description =
             "Shows optical scans ({scans} files) and meshes ({meshes}) in a window, as a picture, or "
             "as numbers. A FILE may be a folder: its files of these types and those below it; or @LIST: the files and "

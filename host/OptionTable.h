@@ -50,13 +50,16 @@ using FileList = std::vector<std::string> HostOptions::*;
 
 struct Option {
     ProgramOptions::Row row;
-    OptionGroup group = OptionGroup::General;
     /// What a valid value is, for the message about an invalid one. Empty for an option without a value.
     std::string_view expected = {};
+    OptionGroup group = OptionGroup::General;
     /// The run that the option selects.
     Run selects = kNoRun;
     /// The runs that the option applies to, a set of Run.
     unsigned runs = kAllRuns;
+    /// Of most options that are given several times the last one counts. Several of this one are a mistake: they look
+    /// as if all of them counted.
+    bool isOnce = false;
     /// Reads the value and stores it; false for an invalid one.
     bool (*read)(std::string_view text, HostOptions& options) = nullptr;
     /// The runs of an option that does not apply to the window, as part of a sentence.
@@ -65,9 +68,6 @@ struct Option {
     std::string (*explain)(std::string_view text) = nullptr;
     /// Of an option without a value: the list that the file names after it belong to, up to the next option.
     FileList files = nullptr;
-    /// Of most options that are given several times the last one counts. Several of this one are a mistake: they look
-    /// as if all of them counted.
-    bool isOnce = false;
 };
 
 /// All options, those of a group together.

@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <csetjmp>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>

@@ -32,7 +32,7 @@ Picture CaptureOn(ScenePane& pane, std::int32_t color) {
 /// Nothing where the view shows nothing.
 std::optional<Rectangle> FindShown(ScenePane& pane) {
     const Picture black = CaptureOn(pane, 0x000000), white = CaptureOn(pane, 0xFFFFFF);
-    if (black.pixels.empty() || black.pixels.size() != white.pixels.size()) return std::nullopt;
+    if (black.width < 1 || black.pixels.size() != white.pixels.size()) return std::nullopt;
     Rectangle shown{black.width, black.height, 0, 0};
     for (std::size_t i = 0; i < black.pixels.size(); ++i) {
         if ((black.pixels[i] & 0xFFFFFF) == 0 && (white.pixels[i] & 0xFFFFFF) == 0xFFFFFF) continue;

@@ -135,6 +135,7 @@ constexpr auto kOptions = std::to_array<Option>({
 
 std::vector<const ProgramOptions::Row*> Rows() {
     std::vector<const ProgramOptions::Row*> rows;
+    rows.reserve(kOptions.size());
     for (const Option& option : kOptions) rows.push_back(&option.row);
     return rows;
 }
