@@ -50,4 +50,17 @@ if(KV_BUILD_TESTS AND NOT KV_SANITIZE)
                    "-DC_COMPILER=${CMAKE_C_COMPILER}" "-DPKG_CONFIG=${PKG_CONFIG_EXECUTABLE}" "-DVERSION=${PROJECT_VERSION}"
                    -P "${PROJECT_SOURCE_DIR}/tests/package/package_test.cmake")
   set_tests_properties(Package.AnOutsideProjectBuildsAndRunsAgainstTheInstalledTree PROPERTIES LABELS package TIMEOUT 300)
+
+  include(KvPython)
+  if(KV_PYTHON_PROGRAM)  # without one tests/python has a skipped test
+    set(package_test "${KV_PYTHON_PROGRAM}" -B)
+    set(package_options --build "${PROJECT_BINARY_DIR}" --libdir "${CMAKE_INSTALL_LIBDIR}" --cxx "${CMAKE_CXX_COMPILER}"
+                        --cc "${CMAKE_C_COMPILER}")
+    if(KV_BUILD_HOST)  # some fragments use Qt
+      add_test(NAME Package.EveryFragmentOfTheDocumentsRuns
+               COMMAND ${package_test} "${PROJECT_SOURCE_DIR}/tests/package/snippets.py" ${package_options}
+                       --work "${PROJECT_BINARY_DIR}/snippets-test" --python-path "${PROJECT_BINARY_DIR}/python")
+      set_tests_properties(Package.EveryFragmentOfTheDocumentsRuns PROPERTIES LABELS package TIMEOUT 300)
+    endif()
+  endif()
 endif()
