@@ -91,7 +91,9 @@ expect 0 '' --screenshot square.webp --size 40x30 square.xdt
 expect 0 '' --screenshot - --size 40x30 square.xdt
 [ "$(head -c 4 out.txt | tail -c 3)" = PNG ] || fail 'no PNG on standard output'
 expect 0 '' --screenshot 'of-{view}.png' --views top,front --size 40x30 square.xdt
-[ -s of-top.png ] && [ -s of-front.png ] || fail 'the pictures of two views are missing'
+for view in top front; do
+    [ -s of-$view.png ] || fail "the picture from the $view is missing"
+done
 expect 2 'scenepane: --size takes WIDTHxHEIGHT, each from 1 to 16384, with at most 134217728 pixels together, not "16384x8193" (see scenepane --help)' \
     --screenshot large.png --size 16384x8193 square.xdt
 expect 2 'scenepane: --color has no meaning with --convert (see scenepane --help)' --convert --color ff0000 square.xdt a.ply
