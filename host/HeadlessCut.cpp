@@ -58,7 +58,8 @@ std::string MovedRefusal(const std::vector<CutSaveEntry>& plan, std::FILE* err) 
 
 /// Saves, and prints a line for each file that failed.
 std::vector<CutSaveEntry> SaveCuts(ScenePane& pane, const HostOptions& options, std::FILE* err) {
-    for (const std::string& sentence : OtherRemovals(false, options.import.confidence)) PrintError(err, sentence);
+    for (const std::string& sentence : OtherRemovals(false, options.import.confidence))
+        PrintWarning(options, err, sentence);
     const DebugCapture capture;
     std::string thrown;
     try {

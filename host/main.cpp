@@ -16,12 +16,13 @@
 
 namespace {
 
-/// The options of a window with the names in the lists of files (InputFiles.h); those that name nothing are printed.
-HostOptions WithLists(HostOptions options) {
+/// The window with the names in lists of files (InputFiles.h) in place of the lists.
+int RunWindowWithLists(HostOptions options, char* program) {
     InputFiles input = ExpandedLists(options.files);
     for (const FailedFile& failed : input.failed) PrintError(stderr, failed.file + ": " + failed.reason);
     options.files = std::move(input.files);
-    return options;
+    const int status = RunWindow(options, program);
+    return status == kExitGood && !input.failed.empty() ? kExitFailure : status;
 }
 
 /// @return an exit status (Headless.h)
@@ -62,7 +63,7 @@ int Run(int argc, char** argv) {
         case HostAction::Window:
             break;
     }
-    return RunWindow(WithLists(options), argv[0]);
+    return RunWindowWithLists(options, argv[0]);
 }
 
 }  // namespace

@@ -309,6 +309,10 @@ no_x='scenepane: there is no X display (DISPLAY is not set): under Wayland the w
 WAYLAND_DISPLAY=wayland-7 expect 1 "$no_x$needs_none" .
 WAYLAND_DISPLAY=wayland-7 QT_QPA_PLATFORM=wayland expect 1 "$no_x$needs_none" square.xdt
 QT_QPA_PLATFORM=xcb expect 1 "scenepane: there is no display (DISPLAY is not set)$needs_none" square.xdt
+printf 'none.ply\n' >names.txt
+expect 1 "scenepane: @none.txt: there is no such file: check its name and its folder
+scenepane: none.ply: there is no such file: check its name and its folder
+scenepane: there is no display (DISPLAY is not set)$needs_none" @names.txt @none.txt
 long_name=$(printf 'a%.0s' $(seq 300)).pcm
 expect 1 "scenepane: $long_name: File name too long
 scenepane: there is no display (DISPLAY is not set)$needs_none" "$long_name"
