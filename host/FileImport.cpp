@@ -139,7 +139,7 @@ ImportResult ReadPoints(const std::string& file) {
         std::string reason;
         if (!ReadAnyPoints(file, cloud.get(), &reason, {}))
             return {ImportResult::State::Failed, FailureReason(file, reason)};
-        return {ImportResult::State::Points, {}, std::move(cloud)};
+        return {ImportResult::State::Points, FileMessage(file, reason), std::move(cloud)};
     } catch (...) {
         return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
     }

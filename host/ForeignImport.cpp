@@ -103,6 +103,7 @@ ImportResult AddReaderResult(KV_ScenePane::_DKV_ScenePane& methods, const std::s
 bool ReadAnyPoints(const std::string& path, PointCloud* cloud, std::string* reason,
                    const std::function<bool(double)>& progress) {
     const bool isForeign = LookAt(path) == FileLook::Process;
+    reason->clear();
     if (!isForeign && KV_ScenePane::ReadPointFile(path, cloud, reason, progress)) return true;
     const bool isCancelled = !isForeign && *reason == kCancelled;
     if (!isForeign && (isCancelled || !HasSecondReader(path) || ReaderProgram().empty())) return false;
@@ -113,5 +114,6 @@ bool ReadAnyPoints(const std::string& path, PointCloud* cloud, std::string* reas
         return false;
     }
     *cloud = CloudOf(found.mesh);
+    *reason = found.text;
     return !progress || progress(1.0);
 }

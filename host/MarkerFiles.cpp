@@ -104,7 +104,7 @@ std::string AddPointFile(KV_ScenePane::_DKV_ScenePane& methods, const std::strin
         std::string reason;
         if (!ReadAnyPoints(file, &cloud, &reason, {})) return PlainWords(reason);
         AddDrawnPoints(methods, std::move(cloud), color, alpha);
-        return reason;
+        return std::string();
     });
 }
 

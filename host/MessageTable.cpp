@@ -353,6 +353,8 @@ constexpr MessageRow kRows[] = {
     // ---- drivers, windows and embedding
     {"OpenGL context could not be created. Requested version: %1",
      QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL %1")},
+    {"OpenGL %1 is not offered by the driver: %2",
+     QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL %1")},
     {"OpenGL context could not be created. ",
      QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL")},
     {"OpenGL context could not be created.", QT_TRANSLATE_NOOP("Messages", "the graphics driver does not have OpenGL")},

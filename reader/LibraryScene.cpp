@@ -36,16 +36,13 @@ std::uint32_t WordOf(const aiColor4D& color, bool isLinear) {
     return ColorWord(channel(color.r), channel(color.g), channel(color.b), ChannelOf(double{color.a}));
 }
 
-/// The colour of a material; nothing when it has none of interest: the viewer's own colour is better than plain white.
+/// The colour of a material; nothing when it has none of interest: the viewer's own colour is better than a plain one.
 std::optional<std::uint32_t> ColorOf(const aiMaterial& material, bool isLinear) {
     aiColor4D color;
     if (material.Get(AI_MATKEY_COLOR_DIFFUSE, color) != aiReturn_SUCCESS) return std::nullopt;
-    if (color.r == 1.0f && color.g == 1.0f && color.b == 1.0f) return std::nullopt;
-    // Formats without materials get one of this name from the library.
-    aiString name;
-    if (material.Get(AI_MATKEY_NAME, name) == aiReturn_SUCCESS &&
-        std::string_view(name.C_Str()) == AI_DEFAULT_MATERIAL_NAME)
-        return std::nullopt;
+    // The second one is what the library gives to materials without a colour, and to formats without materials.
+    for (const float plain : {1.0f, 0.6f})
+        if (color.r == plain && color.g == plain && color.b == plain) return std::nullopt;
     color.a = 1.0f;  // not the opacity: what is half transparent is shown whole
     return WordOf(color, isLinear);
 }
@@ -105,6 +102,7 @@ FoundMesh ReadByLibrary(const std::string& file, const NamedFiles& files) {
     importer.SetPropertyInteger(AI_CONFIG_PP_RVC_FLAGS, aiComponent_TANGENTS_AND_BITANGENTS | aiComponent_BONEWEIGHTS |
                                                             aiComponent_ANIMATIONS | aiComponent_LIGHTS |
                                                             aiComponent_CAMERAS);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_IGNORE_UP_DIRECTION, true);  // coordinates as in the file
     constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_RemoveComponent | aiProcess_PreTransformVertices |
                                 aiProcess_JoinIdenticalVertices;
     const aiScene* const scene = importer.ReadFile(file, kSteps);

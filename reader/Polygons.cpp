@@ -1,4 +1,4 @@
-// Ear clipping in the plane of the polygon, quadratic in its corners; a fan above a size at which that would be slow.
+// Ear clipping in the plane of the polygon, at worst cubic in its corners; a fan above a size at which that would be slow.
 #include "Polygons.h"
 
 #include <array>
@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kMostEarCorners = 1000;
+constexpr std::size_t kMostEarCorners = 256;
 
 struct Point2 {
     double x, y;

@@ -276,6 +276,15 @@ TEST_F(MarkerPictures, ShowPointsThatAreGivenWithoutTheirOption) {
     EXPECT_NE(Taken().At(kLeft, kTop), kBackground);
 }
 
+TEST_F(MarkerPictures, ShowTheVerticesOfAMeshAsPointsWhereTheseAreAskedFor) {
+    m_options.pointFiles = {File("m.obj", "v 0 0 0\nv 6 0 0\nv 0 8 0\nf 1 2 3\n")};
+    m_options.import.color = 0x0080FF;
+    const Png png = Taken();
+    for (const auto& [x, y] : {std::pair{kLeft, kBottom}, {kRight, kBottom}, {kLeft, kTop}})
+        EXPECT_EQ(png.At(x, y), 0xFF8000u) << x << ", " << y;
+    EXPECT_EQ(png.At(kLeft, kMiddle), kBackground) << "no surface";
+}
+
 TEST_F(MarkerPictures, OfACaptureAreFittedToSuchPointsAndSayThatTheyShowNone) {
     WriteXdt(m_folder / "a.xdt", 4, 4);
     m_options.files = {m_folder / "a.xdt", File("p.xyz", kThreePoints)};
