@@ -1,5 +1,6 @@
-// Four faces at a time. With several threads first the normals of all faces, each thread with a part of the triangles;
-// then the sums, each thread with a part of the vertices, to which it adds all faces in their order.
+// Four faces at a time. With several threads each has a part of the vertices, to which it adds all their faces in their
+// order. Where neighbouring triangles use distant vertices, the normals of all faces are computed before, each thread
+// with a part of the triangles.
 #include "geometry/FaceNormalSums.h"
 
 #include <algorithm>
@@ -66,34 +67,52 @@ struct VertexRange {
 
 constexpr std::size_t kBlock = 1024;  ///< triangles
 
-/// The normals of all faces, and the vertices of each block of them.
-struct FaceNormals {
-    std::unique_ptr<Float4[]> normals;
-    std::vector<VertexRange> blocks;
+/// The vertices of each block of triangles; the normals of all faces where most blocks have vertices of several
+/// threads.
+struct FaceBlocks {
+    std::vector<VertexRange> ranges;
+    HugePageArray<Float4> normals;  ///< none: computed where they are added
 };
 
-FaceNormals ComputeFaceNormals(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices,
-                               unsigned threads) {
-    FaceNormals faces{MakeArrayInHugePages<Float4>(triangles.size()), {}};
-    faces.blocks.resize((triangles.size() + kBlock - 1) / kBlock);
+/// Calls visit(block, first triangle, last one + 1) for all blocks.
+template <typename Visit>
+void ForEachBlock(std::size_t triangles, unsigned threads, const Visit& visit) {
     constexpr std::size_t kBlocksPerTask = 16;
-    RunTasks((faces.blocks.size() + kBlocksPerTask - 1) / kBlocksPerTask, threads, [&](std::size_t task) {
-        const std::size_t end = std::min(faces.blocks.size(), (task + 1) * kBlocksPerTask);
-        for (std::size_t block = task * kBlocksPerTask; block < end; ++block) {
-            const std::size_t first = block * kBlock, last = std::min(triangles.size(), first + kBlock);
-            ForEachFaceNormal(triangles, vertices, first, last,
-                              [&](std::size_t i, const Float4& normal) { faces.normals[i] = normal; });
-            VertexRange range;
-            for (std::size_t i = first; i < last; ++i) range.Add(triangles[i]);
-            faces.blocks[block] = range;
-        }
+    const std::size_t blocks = (triangles + kBlock - 1) / kBlock;
+    RunTasks((blocks + kBlocksPerTask - 1) / kBlocksPerTask, threads, [&](std::size_t task) {
+        const std::size_t end = std::min(blocks, (task + 1) * kBlocksPerTask);
+        for (std::size_t block = task * kBlocksPerTask; block < end; ++block)
+            visit(block, block * kBlock, std::min(triangles, (block + 1) * kBlock));
+    });
+}
+
+FaceBlocks MakeFaceBlocks(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices,
+                          unsigned threads) {
+    FaceBlocks faces;
+    faces.ranges.resize((triangles.size() + kBlock - 1) / kBlock);
+    ForEachBlock(triangles.size(), threads, [&](std::size_t block, std::size_t first, std::size_t last) {
+        VertexRange range;
+        for (std::size_t i = first; i < last; ++i) range.Add(triangles[i]);
+        faces.ranges[block] = range;
+    });
+    // A block with vertices of several threads would be computed by each of them.
+    const std::size_t perThread = (vertices.size() + threads - 1) / threads;
+    const auto isShared = [perThread](const VertexRange& range) {
+        return range.low / perThread != range.high / perThread;
+    };
+    const auto shared = static_cast<std::size_t>(std::ranges::count_if(faces.ranges, isShared));
+    if (shared < faces.ranges.size() / 8) return faces;
+    faces.normals = MakeArrayInHugePages<Float4>(triangles.size());
+    ForEachBlock(triangles.size(), threads, [&](std::size_t, std::size_t first, std::size_t last) {
+        ForEachFaceNormal(triangles, vertices, first, last,
+                          [&](std::size_t i, const Float4& normal) { faces.normals[i] = normal; });
     });
     return faces;
 }
 
 /// Adds all faces to the sums of the vertices from @p first to before @p last.
-void AddFaces(const std::vector<Triangle>& triangles, const FaceNormals& faces, std::size_t first, std::size_t last,
-              FaceNormalSum* sums) {
+void AddFaces(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices, const FaceBlocks& faces,
+              std::size_t first, std::size_t last, FaceNormalSum* sums) {
     std::fill(sums + first, sums + last, FaceNormalSum{});
     const std::size_t count = last - first;
     FaceNormalSum other{};  // of the vertices of other threads: a branch per corner would be hard to predict
@@ -101,29 +120,35 @@ void AddFaces(const std::vector<Triangle>& triangles, const FaceNormals& faces, 
         const auto vertex = static_cast<std::size_t>(corner);
         return vertex - first < count ? &sums[vertex] : &other;
     };
-    for (std::size_t block = 0; block < faces.blocks.size(); ++block) {
-        const VertexRange& range = faces.blocks[block];
+    const auto add = [&](std::size_t i, const Float4& normal) {
+        for (const auto corner : triangles[i].v) *sumOf(corner) += normal;
+    };
+    for (std::size_t block = 0; block < faces.ranges.size(); ++block) {
+        const VertexRange& range = faces.ranges[block];
         if (range.high < first || range.low >= last) continue;
         const std::size_t begin = block * kBlock, end = std::min(triangles.size(), begin + kBlock);
+        if (!faces.normals) {
+            ForEachFaceNormal(triangles, vertices, begin, end, add);
+            continue;
+        }
         for (std::size_t i = begin; i < end; ++i) {
             for (const auto corner : triangles[std::min(i + kAhead, end - 1)].v) __builtin_prefetch(sumOf(corner), 1);
-            const Float4 normal = faces.normals[i];
-            for (const auto corner : triangles[i].v) *sumOf(corner) += normal;
+            add(i, faces.normals[i]);
         }
     }
 }
 
 }  // namespace
 
-std::unique_ptr<FaceNormalSum[]> SumFaceNormals(const std::vector<Triangle>& triangles,
-                                                const std::vector<Vertex>& vertices, unsigned threads) {
+HugePageArray<FaceNormalSum> SumFaceNormals(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices,
+                                            unsigned threads) {
     auto sums = MakeArrayInHugePages<FaceNormalSum>(vertices.size());
     threads = ThreadsFor(triangles.size(), kMinPerThread, threads);
     if (threads > 1) {
-        const FaceNormals faces = ComputeFaceNormals(triangles, vertices, threads);
+        const FaceBlocks faces = MakeFaceBlocks(triangles, vertices, threads);
         RunTasks(threads, threads, [&](std::size_t part) {
-            AddFaces(triangles, faces, vertices.size() * part / threads, vertices.size() * (part + 1) / threads,
-                     sums.get());
+            AddFaces(triangles, vertices, faces, vertices.size() * part / threads,
+                     vertices.size() * (part + 1) / threads, sums.get());
         });
         return sums;
     }

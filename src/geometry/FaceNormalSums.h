@@ -2,9 +2,9 @@
 #pragma once
 #include <cstddef>
 #include <functional>
-#include <memory>
 #include <vector>
 
+#include "base/HugePages.h"
 #include "geometry/FloatLanes.h"
 #include "geometry/Vertex.h"
 
@@ -16,8 +16,8 @@ using FaceNormalSum = Float4;
 /// Linear; 16 bytes of memory per vertex, with several threads 16 per triangle as well while it runs.
 /// @param triangles  indices must be valid
 /// @param threads    at most so many work on a large mesh; the result does not depend on them
-[[nodiscard]] std::unique_ptr<FaceNormalSum[]> SumFaceNormals(const std::vector<Triangle>& triangles,
-                                                              const std::vector<Vertex>& vertices, unsigned threads);
+[[nodiscard]] HugePageArray<FaceNormalSum> SumFaceNormals(const std::vector<Triangle>& triangles,
+                                                          const std::vector<Vertex>& vertices, unsigned threads);
 
 /// Calls visit(first, last) for ranges of indices below @p vertexCount, on up to @p threads threads.
 void ForEachVertexRange(std::size_t vertexCount, unsigned threads,

@@ -71,7 +71,7 @@ public:
     [[nodiscard]] std::span<const std::int32_t> OldIndices() const { return {m_pOld.get(), m_uCount}; }
 
 private:
-    std::unique_ptr<std::int32_t[]> m_pNew, m_pOld;
+    HugePageArray<std::int32_t> m_pNew, m_pOld;
     std::size_t m_uCount = 0;
 };
 

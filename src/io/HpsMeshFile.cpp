@@ -232,7 +232,7 @@ private:
     }
 
     std::vector<Ring> m_vRings;
-    std::unique_ptr<float[]> m_pPairs;  ///< u, v; those of vertex 0 first
+    HugePageArray<float> m_pPairs;  ///< u, v; those of vertex 0 first
 };
 
 // ---- vertices and faces

@@ -95,7 +95,7 @@ void CKV_ScenePaneCtrl::ImportMeshFromMemory(std::int32_t numberOfVertices, std:
         }
     }
     // Normals are means of the face normals, not normalised; a vertex without triangles has none.
-    ComputeMeanNormals(buffers);
+    ComputeMeanNormals(buffers, ImportThreads());
     auto object = std::make_shared<Mesh>(std::move(buffers.m_vVertices), std::move(buffers.m_vTriangles), L"",
                                          buffers.HasColors());
     object->ComputeBoundingBox();

@@ -37,7 +37,7 @@ int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
         ReportFileError("ImportPly", path, "holds no faces");
         return -1;
     }
-    ComputeMeanNormals(buffers);
+    ComputeMeanNormals(buffers, ImportThreads());
     // Both ways compute the box. Without colours all vertices are white, which counts as grey.
     m_vpMeshes.push_back(data.m_bHasTexture
                              ? MakeTexturedMesh(std::move(buffers), data)

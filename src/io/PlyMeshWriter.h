@@ -2,11 +2,11 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "base/HugePages.h"
 #include "geometry/Vertex.h"
 
 /// A vertex as it is written.
@@ -34,7 +34,7 @@ public:
 
     /// A whole file in memory.
     struct FileBytes {
-        std::unique_ptr<std::byte[]> bytes;
+        HugePageArray<std::byte> bytes;
         std::size_t size = 0;
     };
     [[nodiscard]] FileBytes Assemble() const;

@@ -81,11 +81,20 @@ void CopyCorners(std::span<const std::byte> records, Float3* corners) {
 
 /// A part of the triangles of a file, welded without the others.
 struct StlPart {
-    std::vector<Float3> m_vPositions;            ///< of its vertices, in the order of their first use
-    std::unique_ptr<std::int32_t[]> m_pIndices;  ///< three per triangle, into these positions
+    std::vector<Float3> m_vPositions;        ///< of its vertices, in the order of their first use
+    HugePageArray<std::int32_t> m_pIndices;  ///< three per triangle, into these positions
     std::size_t m_uTriangles = 0;
     std::size_t m_uNotFinite = 0;  ///< coordinates
     Float3 m_last{};               ///< the last corner
+    std::optional<PositionWeld<Float3>> m_weld;
+
+    /// Allocates the memory for @p count triangles, in the thread that starts the others: see MakeArrayInHugePages().
+    void Allocate(std::size_t count) {
+        m_pIndices = MakeArrayInHugePages<std::int32_t>(3 * count);
+        const auto expected = static_cast<std::size_t>(static_cast<double>(count) * 0.6);
+        ReserveInHugePages(m_vPositions, expected);
+        m_weld.emplace(m_vPositions, expected);
+    }
 };
 
 /// The mesh, to which triangles are appended.
@@ -126,8 +135,8 @@ public:
     /// The triangles of the next parts. The vertices of a part are those of its triangles in the order of their first
     /// use: welded as they come they are in the order of the whole file.
     void AppendParts(std::span<StlPart> parts, unsigned threads) {
-        std::vector<std::unique_ptr<std::int32_t[]>> vertexOf;  // per part, by the index of the part
-        std::vector<std::size_t> firstOf;                       // per part
+        std::vector<HugePageArray<std::int32_t>> vertexOf;  // per part, by the index of the part
+        std::vector<std::size_t> firstOf;                   // per part
         std::size_t triangles = m_mesh.m_vTriangles.size();
         for (StlPart& part : parts) {
             vertexOf.push_back(MakeArrayInHugePages<std::int32_t>(part.m_vPositions.size()));
@@ -221,24 +230,21 @@ bool ForEachBlock(const ByteInput& input, std::uint64_t first, std::uint64_t las
 
 /// Reads the triangles from @p first to before @p last. @return false as ForEachBlock()
 bool ReadPart(const ByteInput& input, std::uint64_t first, std::uint64_t last, StlPart& part) {
-    const auto count = static_cast<std::size_t>(last - first);
-    part.m_pIndices = MakeArrayInHugePages<std::int32_t>(3 * count);
-    const auto expected = static_cast<std::size_t>(static_cast<double>(count) * 0.6);
-    ReserveInHugePages(part.m_vPositions, expected);
-    PositionWeld<Float3> weld(part.m_vPositions, expected);
-    return ForEachBlock(input, first, last, [&](std::span<const std::byte> records) {
+    const bool isWhole = ForEachBlock(input, first, last, [&](std::span<const std::byte> records) {
         Float3 corners[3 * kBatch];
         while (!records.empty()) {
             const auto batch = records.first(std::min(records.size(), kBatch * kRecordSize));
             const std::span used(corners, 3 * (batch.size() / kRecordSize));
             CopyCorners(batch, corners);
-            weld.Weld(used, &part.m_pIndices[3 * part.m_uTriangles]);
+            part.m_weld->Weld(used, &part.m_pIndices[3 * part.m_uTriangles]);
             part.m_uNotFinite += CountNotFinite({corners[0].data(), 3 * used.size()});
             part.m_uTriangles += used.size() / 3;
             part.m_last = used.back();
             records = records.subspan(batch.size());
         }
     });
+    part.m_weld.reset();
+    return isWhole;
 }
 
 /// Reads the whole records of a file on several threads, each a part of them; the first part straight into the mesh.
@@ -247,6 +253,8 @@ bool ReadPart(const ByteInput& input, std::uint64_t first, std::uint64_t last, S
 bool ReadInParts(const ByteInput& input, std::uint64_t whole, unsigned threads, StlTriangles& triangles) {
     std::vector<StlPart> others(threads - 1);
     const auto firstOf = [&](std::size_t part) { return whole * part / threads; };
+    for (std::size_t part = 1; part < threads; ++part)
+        others[part - 1].Allocate(static_cast<std::size_t>(firstOf(part + 1) - firstOf(part)));
     std::atomic<bool> isShort = false;
     RunTasks(threads, threads, [&](std::size_t part) {
         const std::uint64_t first = firstOf(part), last = firstOf(part + 1);

@@ -11,7 +11,6 @@
 #include <random>
 #include <stdexcept>
 
-#include "base/HugePages.h"
 #include "geometry/FaceNormal.h"
 
 namespace {
@@ -84,22 +83,14 @@ PositionWeld<Point>::PositionWeld(std::vector<Point>& vertices, std::size_t expe
 }
 
 template <class Point>
-void PositionWeld<Point>::Free::operator()(Slot* slots) const {
-    std::free(slots);
-}
-
-template <class Point>
 std::uint64_t PositionWeld<Point>::HashOf(const Float3& position, std::uint64_t seed) {
     return Hash(KeyBits(position[0]), KeyBits(position[1]), KeyBits(position[2]), seed);
 }
 
 template <class Point>
 void PositionWeld<Point>::MakeTable(std::size_t slots) {
-    m_pSlots.reset();  // freed first: never two tables in memory
-    // calloc(): a zeroed slot is an empty one, and fresh pages are zero without a pass over them
-    m_pSlots.reset(static_cast<Slot*>(std::calloc(slots, sizeof(Slot))));
-    if (!m_pSlots) throw std::bad_alloc();
-    AdviseHugePages(m_pSlots.get(), slots * sizeof(Slot));
+    m_pSlots.reset();                                    // freed first: never two tables in memory
+    m_pSlots = MakeZeroedArrayInHugePages<Slot>(slots);  // a zeroed slot is an empty one
     m_uMask = slots - 1;
     m_uFilled = 0;
 }

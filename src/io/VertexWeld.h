@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "base/HugePages.h"
 #include "geometry/Vector3.h"
 #include "geometry/Vertex.h"
 
@@ -39,10 +40,6 @@ private:
         std::uint32_t x, y, z;     ///< bits of the position, with 0.0 for -0.0
         std::uint32_t indexPlus1;  ///< 0: empty
     };
-    struct Free {
-        void operator()(Slot* slots) const;
-    };
-
     void WeldBatch(std::span<const Float3> positions, std::int32_t* indices);
     std::int32_t Append(const Float3& position);
     std::int32_t FindOrAppend(const Float3& position, Slot key, std::size_t at);
@@ -52,7 +49,7 @@ private:
     void Rebuild(std::size_t slots);
 
     std::vector<Point>& m_vertices;
-    std::unique_ptr<Slot[], Free> m_pSlots;
+    ZeroedPageArray<Slot> m_pSlots;
     std::size_t m_uMask = 0;    ///< slots - 1; their number is a power of two
     std::size_t m_uFilled = 0;  ///< slots in use: vertices without a NaN
     std::uint64_t m_uSeed;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <new>
 
 namespace {
 
@@ -25,6 +26,25 @@ TEST(MakeArrayInHugePages, ReturnsMemoryThatKeepsWhatIsWritten) {
     const auto values = MakeArrayInHugePages<std::uint32_t>(kCount);
     for (std::size_t i = 0; i < kCount; ++i) values[i] = static_cast<std::uint32_t>(i);
     for (std::size_t i = 0; i < kCount; ++i) ASSERT_EQ(values[i], i);
+}
+
+TEST(MakeArrayInHugePages, ReturnsSmallAndEmptyArrays) {
+    for (const std::size_t count : {0, 1, 100}) {
+        const auto values = MakeArrayInHugePages<std::uint32_t>(count);
+        ASSERT_NE(values, nullptr);
+        for (std::size_t i = 0; i < count; ++i) values[i] = static_cast<std::uint32_t>(i);
+    }
+    EXPECT_THROW((void)MakeArrayInHugePages<std::uint32_t>(SIZE_MAX / 4), std::bad_alloc);
+}
+
+TEST(MakeZeroedArrayInHugePages, ReturnsZerosThatCanBeWritten) {
+    for (const std::size_t count : {std::size_t{1}, std::size_t{5000}, kLarge}) {
+        const auto values = MakeZeroedArrayInHugePages<std::uint8_t>(count);
+        EXPECT_EQ(std::count(values.get(), values.get() + count, 0), static_cast<std::ptrdiff_t>(count));
+        std::fill_n(values.get(), count, std::uint8_t{7});
+        EXPECT_EQ(std::count(values.get(), values.get() + count, 7), static_cast<std::ptrdiff_t>(count));
+    }
+    EXPECT_THROW((void)MakeZeroedArrayInHugePages<std::uint32_t>(SIZE_MAX / 4), std::bad_alloc);
 }
 
 // Pages of which other allocations have a part must not be advised.
