@@ -14,6 +14,10 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_Components/include/KV_Component
         FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_UtilsLantern/include/KV_UtilsLantern" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
         FILES_MATCHING PATTERN "*.h")
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/LICENSE"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        PATTERN "__pycache__" EXCLUDE PATTERN ".ipynb_checkpoints" EXCLUDE)
 set_target_properties(kv_msrdll PROPERTIES EXPORT_NAME MSRDLL)
 set_target_properties(kv_components PROPERTIES EXPORT_NAME KV_Components)
 set_target_properties(kv_utils_lantern PROPERTIES EXPORT_NAME KV_UtilsLantern)
@@ -56,11 +60,15 @@ if(KV_BUILD_TESTS AND NOT KV_SANITIZE)
     set(package_test "${KV_PYTHON_PROGRAM}" -B)
     set(package_options --build "${PROJECT_BINARY_DIR}" --libdir "${CMAKE_INSTALL_LIBDIR}" --cxx "${CMAKE_CXX_COMPILER}"
                         --cc "${CMAKE_C_COMPILER}")
-    if(KV_BUILD_HOST)  # some fragments use Qt
+    if(KV_BUILD_HOST)  # fragments and examples use Qt
       add_test(NAME Package.EveryFragmentOfTheDocumentsRuns
                COMMAND ${package_test} "${PROJECT_SOURCE_DIR}/tests/package/snippets.py" ${package_options}
                        --work "${PROJECT_BINARY_DIR}/snippets-test" --python-path "${PROJECT_BINARY_DIR}/python")
-      set_tests_properties(Package.EveryFragmentOfTheDocumentsRuns PROPERTIES LABELS package TIMEOUT 300)
+      add_test(NAME Package.TheExamplesAreAProjectThatBuildsAndRuns
+               COMMAND ${package_test} "${PROJECT_SOURCE_DIR}/tests/package/examples.py" ${package_options}
+                       --work "${PROJECT_BINARY_DIR}/examples-test" --docdir "${CMAKE_INSTALL_DOCDIR}")
+      set_tests_properties(Package.EveryFragmentOfTheDocumentsRuns Package.TheExamplesAreAProjectThatBuildsAndRuns
+                           PROPERTIES LABELS package TIMEOUT 300)
     endif()
   endif()
 endif()

@@ -6,9 +6,10 @@
 #include <QResizeEvent>
 #include <QSocketNotifier>
 #include <QWidget>
+#include <cstdint>
 #include <memory>
+#include <string>
 
-#include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
 
 class Viewer : public QWidget {
@@ -32,6 +33,10 @@ public:
         connect(m_events.get(), &QSocketNotifier::activated, this, [this] { m_pane->ProcessEvents(); });
     }
     KV_ScenePane::_DKV_ScenePane& Methods() { return m_pane->Methods(); }
+    void Import(const char* file) {
+        std::string reason;
+        if (!m_pane->ImportFile(file, {}, &reason)) qWarning("%s: %s", file, reason.c_str());
+    }
 
 private:
     QPaintEngine* paintEngine() const override { return nullptr; }  // as WA_PaintOnScreen requires
@@ -51,7 +56,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "xcb");  // the viewer needs X11 windows, also on a Wayland desktop
     QApplication application(argc, argv);
     Viewer viewer;
-    for (int i = 1; i < argc; ++i) viewer.Methods().ImportScan(KV_ScenePane::WidePath(argv[i]).c_str(), 0xC8D4DC);
+    for (int i = 1; i < argc; ++i) viewer.Import(argv[i]);
     viewer.Methods().CenterView();
     viewer.show();
     return application.exec();

@@ -5,9 +5,10 @@
 #include <X11/Xlib.h>
 #include <poll.h>
 
+#include <cstdint>
 #include <cstdio>
+#include <string>
 
-#include "KV_ScenePane/PathText.h"
 #include "KV_ScenePane/ScenePane.h"
 
 namespace {
@@ -48,7 +49,8 @@ int main(int argc, char** argv) {
     std::string reason;
     auto viewer = CreateScenePane(request, &reason);
     if (!viewer) return std::fprintf(stderr, "no viewer: %s\n", reason.c_str()), 1;
-    for (int i = 1; i < argc; ++i) viewer->Methods().ImportScan(KV_ScenePane::WidePath(argv[i]).c_str(), 0xC8D4DC);
+    for (int i = 1; i < argc; ++i)
+        if (!viewer->ImportFile(argv[i], {}, &reason)) std::fprintf(stderr, "%s: %s\n", argv[i], reason.c_str());
     viewer->Methods().CenterView();
 
     while (HandleOwnEvents(display, viewer->Methods())) {

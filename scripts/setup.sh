@@ -14,7 +14,7 @@ KV_BUILD_PACKAGES=(
 )
 # Needed to run the tests without a display, and the pictures on several drivers (scripts/with_driver.sh).
 KV_TEST_PACKAGES=(
-    xvfb openbox xdotool locales binutils mesa-vulkan-drivers virgl-server
+    xvfb openbox xdotool locales binutils mesa-vulkan-drivers virgl-server libgtk-3-dev libsdl2-dev
     python3 python3-numpy python3-pyqt6 python3-pip python3-setuptools python3-wheel python3-venv
     python3-dask python3-distributed python3-nbclient python3-nbformat python3-ipykernel mypy
 )

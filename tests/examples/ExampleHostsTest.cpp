@@ -172,7 +172,14 @@ TEST_P(ExampleHost, FailsWithoutADisplay) {
     EXPECT_NE(host.ExitStatus(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Examples, ExampleHost, testing::Values(Host{"X11", X11_HOST}, Host{"Qt", QT_HOST}),
+const Host kHosts[] = {{"X11", X11_HOST},
+                       {"Qt", QT_HOST},
+#ifndef KV_TOOLKITS_LEAK
+                       {"Gtk", GTK_HOST},
+                       {"Sdl", SDL_HOST}
+#endif
+};
+INSTANTIATE_TEST_SUITE_P(Examples, ExampleHost, testing::ValuesIn(kHosts),
                          [](const auto& row) { return row.param.name; });
 
 }  // namespace

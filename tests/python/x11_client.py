@@ -36,6 +36,10 @@ _query_tree = _declare(
     "XQueryTree", _int, _Display, _Window, ctypes.POINTER(_Window), ctypes.POINTER(_Window),
     ctypes.POINTER(ctypes.POINTER(_Window)), ctypes.POINTER(_unsigned),
 )
+_get_protocols = _declare(
+    "XGetWMProtocols", _int, _Display, _Window, ctypes.POINTER(ctypes.POINTER(_ulong)),
+    ctypes.POINTER(_int),
+)
 _intern = _declare("XInternAtom", _ulong, _Display, ctypes.c_char_p, _int)
 _send = _declare("XSendEvent", _int, _Display, _Window, _int, ctypes.c_long, ctypes.c_char_p)
 
@@ -80,6 +84,19 @@ class X11Client:
         event = struct.pack("iLiPLLi5l192x", *head, close, 0, 0, 0, 0)
         _send(self._display, window, 0, 0, event)
         _sync(self._display, 0)
+
+    def closable_windows(self) -> list:
+        """The windows on the screen that ask_to_close() ends."""
+        close = _intern(self._display, b"WM_DELETE_WINDOW", 0)
+        return [w for w in self.children(_root(self._display)) if close in self._protocols(w)]
+
+    def _protocols(self, window: int) -> list:
+        atoms, count = ctypes.POINTER(_ulong)(), _int()
+        if not _get_protocols(self._display, window, atoms, count):
+            return []
+        found = atoms[: count.value]
+        _free(atoms)
+        return found
 
     def children(self, window: int) -> list:
         root, parent, count = _Window(), _Window(), _unsigned()
