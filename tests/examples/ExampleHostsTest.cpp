@@ -174,9 +174,11 @@ TEST_P(ExampleHost, FailsWithoutADisplay) {
 
 const Host kHosts[] = {{"X11", X11_HOST},
                        {"Qt", QT_HOST},
-#ifndef KV_TOOLKITS_LEAK
+#ifdef GTK_HOST
                        {"Gtk", GTK_HOST},
-                       {"Sdl", SDL_HOST}
+#endif
+#ifdef SDL_HOST
+                       {"Sdl", SDL_HOST},
 #endif
 };
 INSTANTIATE_TEST_SUITE_P(Examples, ExampleHost, testing::ValuesIn(kHosts),
