@@ -252,8 +252,9 @@ std::size_t RestSize(std::streambuf& buffer) {
     return end > here ? static_cast<std::size_t>(end - here) : 0;
 }
 
-/// The stream from its position to its end; a read error counts as the end.
-std::string ReadRest(std::istream& stream) {
+}  // namespace
+
+std::string CPLYFile::ReadRest(std::istream& stream) {
     constexpr std::size_t kPiece = std::size_t{1} << 17;  // small enough to be in the cache still when it is appended
     std::string data;
     if (!stream.good()) return data;
@@ -274,7 +275,6 @@ std::string ReadRest(std::istream& stream) {
     }
     return data;
 }
-}  // namespace
 
 const char* PlyTypeName(int type) { return TraitOf(type).name; }
 int PlyTypeWidth(int type) { return TraitOf(type).width; }
@@ -318,10 +318,11 @@ void CPLYFile::Read(std::istream& stream, bool headerOnly) {
     // Binary data starts after exactly one line end, whose bytes are not white space to skip: data can look like it.
     const int lineEnd = LineEndWidth(stream);
     if (m_iFormat != kAscii) header.Skip(lineEnd);
-    if (headerOnly) return;
+    if (!headerOnly) SetData(ReadRest(stream));
+}
 
-    // data: the constructors find the elements in it and refuse what cannot be read
-    std::string data = ReadRest(stream);
+// The constructors find the elements in the data and refuse what cannot be read.
+void CPLYFile::SetData(std::string data) {
     if (m_iFormat == kAscii)
         m_pDataSection = std::make_unique<TextDataSection>(*this, std::move(data));
     else

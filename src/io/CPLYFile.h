@@ -333,6 +333,11 @@ public:
     /// Reads from the stream's position; the data extends to the end of the stream.
     /// @throws CPLYFileError; the object then holds what was read before the error, until Clear()
     void Read(std::istream& stream, bool headerOnly);
+    /// The data of a file of which the header alone was read. @throws CPLYFileError
+    void SetData(std::string data);
+    /// A stream from its position to its end; a read error counts as the end.
+    /// @throws CPLYFileError when the memory does not suffice
+    [[nodiscard]] static std::string ReadRest(std::istream& stream);
     void Clear();
 
     [[nodiscard]] int GetFormat() const { return m_iFormat; }

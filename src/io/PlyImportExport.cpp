@@ -28,7 +28,7 @@ std::shared_ptr<Mesh> MakeTexturedMesh(MeshBuffers&& buffers, const PlyMeshData&
 
 int CKV_ScenePaneCtrl::ImportPly(const wchar_t* path) {
     MakeContextCurrent();  // the mesh can create its texture in it; without a context it has the image alone
-    PlyMeshData data = ReadPlyMesh(path);
+    PlyMeshData data = ReadPlyMesh(path, ImportThreads());
     MeshBuffers buffers(data.m_bHasColors);
     buffers.m_vVertices = std::move(*data.m_pVertices);
     buffers.m_vTriangles = std::move(*data.m_pTriangles);

@@ -17,6 +17,7 @@
 #include "geometry/TriangleIndices.h"
 #include "io/CPLYFile.h"
 #include "io/FiniteCoordinates.h"
+#include "io/PlyTextLines.h"
 
 namespace {
 
@@ -42,6 +43,15 @@ T ValueAt(const char* from) {
 /// For faces that are not triangles.
 [[noreturn]] void RefuseOtherFaces() { throw CPLYFileError("Non-triangle faces not supported."); }
 
+/// Last, over the triangles of all ways.
+void RequireValidIndices(const PlyMeshData& mesh) {
+    const std::size_t vertices = mesh.GetVertexCount();
+    const std::optional<BadIndex> bad = FindBadIndex(*mesh.m_pTriangles, vertices);
+    if (!bad) return;
+    throw CPLYFileError("Triangle " + std::to_string(bad->triangle) + " refers to vertex " +
+                        std::to_string(bad->index) + " of " + std::to_string(vertices) + ".");
+}
+
 /// One read of one file; what it has read so far is in m_mesh.
 class Reader {
 public:
@@ -54,7 +64,7 @@ public:
         ReadTriangles();
         ReadColors();
         if (!m_isText && m_file.HasElement("texture")) ReadTexture();
-        RequireValidIndices();
+        RequireValidIndices(m_mesh);
         m_mesh.m_uBytesAfterEnd = static_cast<std::uint64_t>(m_data.BytesAfterEnd());
         return std::move(m_mesh);
     }
@@ -73,7 +83,6 @@ private:
     void ReadColors();
     void ReadColorsFromViews(bool hasAlpha);
     void ReadTexture();
-    void RequireValidIndices();
 
     CPLYFile& m_file;
     DataSection& m_data;
@@ -241,19 +250,17 @@ void Reader::ReadTexture() {
     m_mesh.m_bHasTexture = !texCoords.empty() && !m_mesh.m_vImageBytes.empty();
 }
 
-// Last, over the triangles of all ways.
-void Reader::RequireValidIndices() {
-    const std::optional<BadIndex> bad = FindBadIndex(Triangles(), Vertices().size());
-    if (!bad) return;
-    throw CPLYFileError("Triangle " + std::to_string(bad->triangle) + " refers to vertex " +
-                        std::to_string(bad->index) + " of " + std::to_string(Vertices().size()) + ".");
-}
-
 }  // namespace
 
-PlyMeshData ReadPlyMesh(const std::wstring& path) {
+PlyMeshData ReadPlyMesh(const std::wstring& path, unsigned threads) {
     std::ifstream stream = OpenFile(path);
     CPLYFile file;
-    file.Read(stream, false);
+    file.Read(stream, true);
+    std::string data = CPLYFile::ReadRest(stream);
+    if (PlyMeshData mesh; ReadPlyTextLines(file, data, threads, mesh)) {
+        RequireValidIndices(mesh);
+        return mesh;
+    }
+    file.SetData(std::move(data));
     return Reader(file).Read();
 }

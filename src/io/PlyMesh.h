@@ -37,4 +37,5 @@ struct PlyMeshData {
 /// @throws CPLYFileError when the file cannot be read, is not a ply file, has other faces than triangles, or triangles
 /// that
 ///         refer to missing vertices. Counts are checked against the data before memory is allocated
-[[nodiscard]] PlyMeshData ReadPlyMesh(const std::wstring& path);
+/// @param threads  at most so many work on a large text file; the result does not depend on them
+[[nodiscard]] PlyMeshData ReadPlyMesh(const std::wstring& path, unsigned threads = 1);
