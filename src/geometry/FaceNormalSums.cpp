@@ -115,10 +115,15 @@ void AddFaces(const std::vector<Triangle>& triangles, const std::vector<Vertex>&
               std::size_t first, std::size_t last, FaceNormalSum* sums) {
     std::fill(sums + first, sums + last, FaceNormalSum{});
     const std::size_t count = last - first;
-    FaceNormalSum other{};  // of the vertices of other threads: a branch per corner would be hard to predict
-    const auto sumOf = [&](std::int32_t corner) {
+    // Corners at the vertices of other threads are added to a sum that nobody reads. By masks: a branch per corner,
+    // which compilers make of a conditional expression, is hard to predict where neighbouring triangles use distant
+    // vertices.
+    FaceNormalSum other{};
+    const auto sumOf = [&, otherAt = reinterpret_cast<std::uintptr_t>(&other)](std::int32_t corner) {
         const auto vertex = static_cast<std::size_t>(corner);
-        return vertex - first < count ? &sums[vertex] : &other;
+        const auto isOwn = std::uintptr_t{0} - static_cast<std::uintptr_t>(vertex - first < count);
+        return reinterpret_cast<FaceNormalSum*>((reinterpret_cast<std::uintptr_t>(&sums[vertex]) & isOwn) |
+                                                (otherAt & ~isOwn));
     };
     const auto add = [&](std::size_t i, const Float4& normal) {
         for (const auto corner : triangles[i].v) *sumOf(corner) += normal;
