@@ -242,7 +242,7 @@ void ShowView(ScenePane& pane, const HostOptions& options, KV_ScenePane::ViewMod
         return;
     }
     methods.SetDefaultZoomFactor(1.0f);  // a tight fit changes it
-    methods.ShowAxes(0);
+    if (options.axes) methods.ShowAxes(0);  // of the picture before
     methods.CenterView();
     FitTightly(pane);
     methods.SetBackgroundColors(kViewerBackground, kViewerBackground);

@@ -1,6 +1,6 @@
-// What a view shows of a scene is found by two frames: a pixel that is black on a black background and white on a white
-// one shows nothing of it. From the rectangle of the others follow shift and magnification, which are not exact: a
-// rectangle has whole pixels. Two or three rounds are.
+// What a view shows of a scene is found by a frame on a background of a colour that no lit surface is likely to have:
+// the rectangle of all other pixels. From it follow shift and magnification, which are not exact, since a rectangle has
+// whole pixels: a second or third round is.
 #include "TightFit.h"
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
+#include <span>
 
 namespace {
 
@@ -18,28 +19,29 @@ using KV_ScenePane::ScenePane;
 constexpr int kMargin = 1;  // pixels at each side
 constexpr int kMostRounds = 6;
 
-/// Pixels of the picture, the right and the lower end exclusive.
+constexpr std::int32_t kKeyColor = 0xFF01FE;   // 0x00BBGGRR
+constexpr std::uint32_t kKeyPixel = 0xFE01FF;  // the same, 0xRRGGBB
+
+/// Pixels that show something, the right and the lower end exclusive, and the size of the picture.
 struct Rectangle {
     int left = 0, top = 0, right = 0, bottom = 0;
+    int pictureWidth = 0, pictureHeight = 0;
 };
 
-Picture CaptureOn(ScenePane& pane, std::int32_t color) {
-    pane.Methods().SetBackgroundColors(color, color);
-    Picture picture;
-    return pane.CapturePicture(&picture) ? picture : Picture{};
-}
-
-/// Nothing where the view shows nothing.
+/// On the background of the key colour. Nothing where the view shows nothing.
 std::optional<Rectangle> FindShown(ScenePane& pane) {
-    const Picture black = CaptureOn(pane, 0x000000), white = CaptureOn(pane, 0xFFFFFF);
-    if (black.width < 1 || black.pixels.size() != white.pixels.size()) return std::nullopt;
-    Rectangle shown{black.width, black.height, 0, 0};
-    for (std::size_t i = 0; i < black.pixels.size(); ++i) {
-        if ((black.pixels[i] & 0xFFFFFF) == 0 && (white.pixels[i] & 0xFFFFFF) == 0xFFFFFF) continue;
-        const int x = static_cast<int>(i % static_cast<std::size_t>(black.width));
-        const int y = static_cast<int>(i / static_cast<std::size_t>(black.width));
-        shown.left = std::min(shown.left, x);
-        shown.right = std::max(shown.right, x + 1);
+    Picture picture;
+    if (!pane.CapturePicture(&picture) || picture.width < 1) return std::nullopt;
+    Rectangle shown{picture.width, picture.height, 0, 0, picture.width, picture.height};
+    for (int y = 0; y < picture.height; ++y) {
+        const auto width = static_cast<std::size_t>(picture.width);
+        const auto row = std::span(picture.pixels).subspan(static_cast<std::size_t>(y) * width, width);
+        const auto isShown = [](std::uint32_t pixel) { return (pixel & 0xFFFFFF) != kKeyPixel; };
+        const auto first = std::ranges::find_if(row, isShown);
+        if (first == row.end()) continue;
+        const auto last = std::find_if(row.rbegin(), row.rend(), isShown);
+        shown.left = std::min(shown.left, static_cast<int>(first - row.begin()));
+        shown.right = std::max(shown.right, static_cast<int>(row.rend() - last));
         shown.top = std::min(shown.top, y);
         shown.bottom = y + 1;
     }
@@ -112,19 +114,20 @@ std::optional<float> UnitsPerPixel(ScenePane& pane, const View& view, const Rect
 }  // namespace
 
 void FitTightly(ScenePane& pane) {
+    pane.Methods().SetBackgroundColors(kKeyColor, kKeyColor);
     View view = ViewOf(pane);
     std::optional<Rectangle> shown = FindShown(pane);
     if (!shown) return;
     const std::optional<float> unitsAtStart = UnitsPerPixel(pane, view, *shown);
     if (!unitsAtStart) return;
     const float unitsAtZoomOne = *unitsAtStart * view.zoom;
-    Picture size;
-    if (!pane.CapturePicture(&size) || std::min(size.width, size.height) <= 2 * kMargin) return;
-    const int width = size.width - 2 * kMargin, height = size.height - 2 * kMargin;
+    const int pictureWidth = shown->pictureWidth, pictureHeight = shown->pictureHeight;
+    const int width = pictureWidth - 2 * kMargin, height = pictureHeight - 2 * kMargin;
+    if (std::min(width, height) < 1) return;
     for (int i = 0; i < kMostRounds; ++i) {
-        // The picture has one place more than the rectangle where their difference is odd.
-        const int offCenterX = shown->left + shown->right - size.width;
-        const int offCenterY = size.height - shown->top - shown->bottom;
+        // In half pixels: their difference can be odd.
+        const int offCenterX = shown->left + shown->right - pictureWidth;
+        const int offCenterY = pictureHeight - shown->top - shown->bottom;
         const int shownWidth = shown->right - shown->left, shownHeight = shown->bottom - shown->top;
         const int missing = std::min(width - shownWidth, height - shownHeight);
         if (missing >= 0 && missing <= 1 && std::abs(offCenterX) <= 2 && std::abs(offCenterY) <= 2) return;
