@@ -220,7 +220,7 @@ private:
         std::size_t first = 0;
         std::vector<std::size_t> picked;
         for (const std::size_t size : m_vSizes) {
-            const std::span<const std::int32_t> corners(&m_vCorners[first], size);
+            const std::span<const std::int32_t> corners = std::span(m_vCorners).subspan(first, size);
             RequireCorners(corners);
             picked.clear();
             AppendPolygon(vertices, corners, m_found.mesh.m_vTriangles, &picked);

@@ -81,14 +81,15 @@ void EnterSandbox() {
         if (result != 0) Fail(-result, "seccomp");
     };
     for (const int call : kAllowed) check(seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, call, 0));
+    const auto allowIf = [&](int call, const scmp_arg_cmp& argument) {
+        check(seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, call, 1, argument));
+    };
     // Opened for reading: none of the bits that write or create.
     constexpr scmp_datum_t kWriting = O_WRONLY | O_RDWR | O_CREAT | O_TRUNC | O_APPEND;
-    check(seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, SCMP_SYS(open), 1,
-                           SCMP_A1(SCMP_CMP_MASKED_EQ, kWriting, scmp_datum_t{0})));
-    check(seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, SCMP_SYS(openat), 1,
-                           SCMP_A2(SCMP_CMP_MASKED_EQ, kWriting, scmp_datum_t{0})));
+    allowIf(SCMP_SYS(open), {.arg = 1, .op = SCMP_CMP_MASKED_EQ, .datum_a = kWriting, .datum_b = 0});
+    allowIf(SCMP_SYS(openat), {.arg = 2, .op = SCMP_CMP_MASKED_EQ, .datum_a = kWriting, .datum_b = 0});
     // abort(): a signal to this process alone.
-    check(seccomp_rule_add(filter.get(), SCMP_ACT_ALLOW, SCMP_SYS(tgkill), 1,
-                           SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()))));
+    const auto self = static_cast<scmp_datum_t>(getpid());
+    allowIf(SCMP_SYS(tgkill), {.arg = 0, .op = SCMP_CMP_EQ, .datum_a = self, .datum_b = 0});
     check(seccomp_load(filter.get()));
 }

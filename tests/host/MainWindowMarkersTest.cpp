@@ -216,6 +216,26 @@ TEST_F(MainWindowMarkers, AsksOnceForAllPointFilesOfADrop) {
     EXPECT_EQ(next.color, 0x0000FF);
 }
 
+TEST_F(MainWindowMarkers, AsksForMeshFilesThatHoldOnlyPoints) {
+    Show();
+    const std::string ply =
+        "ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\nproperty float y\n"
+        "property float z\nend_header\n1 2 3\n";
+    // The header of the first one says it, the other one must be read.
+    for (const auto& [name, text] :
+         {std::pair<const char*, std::string>{"a.ply", ply}, {"b.obj", "v 0 0 0\nv 1 0 0\n"}}) {
+        const std::size_t before = PointRows().size();
+        Drop({Write(name, text)});
+        const DialogAnswer<PointsDialog> answer([](PointsDialog& dialog) { dialog.accept(); });
+        ASSERT_TRUE(WaitUntil([&] { return PointRows().size() > before; })) << name << ' ' << Messages();
+        WaitForImports();
+    }
+    EXPECT_EQ(PointRows(), (std::vector<std::string>{"a.ply", "b.obj"}));
+    EXPECT_EQ(Row(1).text(MarkerPanel::kPoints), "2");
+    EXPECT_EQ(Messages(), "");
+    EXPECT_EQ(ObjectsInViewer(), 0);
+}
+
 TEST_F(MainWindowMarkers, AddsNothingWhenTheDialogIsCancelled) {
     Show();
     const std::string file = Write("a.xyz", kNoColors);
@@ -451,22 +471,6 @@ TEST_F(MainWindowMarkers, UsesTheVerticesOfAMeshFileAsPoints) {
     EXPECT_EQ(PointRows(), std::vector<std::string>{"tetra.ply"}) << Messages();
     EXPECT_EQ(Row(0).text(MarkerPanel::kPoints), "4");
     EXPECT_EQ(ObjectsInViewer(), 0);
-}
-
-TEST_F(MainWindowMarkers, HintsAtThePointImportForAPlyFileWithoutFaces) {
-    Show();
-    const std::string file =
-        Write("points.ply",
-              "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
-              "property float z\nelement face 0\nproperty list uchar int vertex_indices\nend_header\n"
-              "0 0 0\n1 1 1\n");
-    Import({file});
-    EXPECT_EQ(Messages(),
-              file +
-                  ": nothing added: the file has points but no triangles: import it as free points (File > Import free "
-                  "points, or --points)");
-    ImportPoints({file});
-    EXPECT_EQ(PointRows(), std::vector<std::string>{"points.ply"});
 }
 
 }  // namespace

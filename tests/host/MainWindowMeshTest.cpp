@@ -66,6 +66,45 @@ TEST_F(MainWindowMesh, OpensAllFormatsAndScansInTheirOrder) {
     }
 }
 
+TEST_F(MainWindowMesh, OpensForeignFormatsAmongTheOthersInTheirOrder) {
+    Show();
+    const std::string quad = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\n";
+    for (const char* const name : {"a.obj", "c.OBJ", "d.obj"}) WriteText(m_folder / name, quad);
+    WritePcm(m_folder / "b.pcm", 3, 2);
+    WriteText(m_folder / "e.stl",
+              "solid a\nfacet\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\nendloop\n"
+              "endfacet\nendsolid\n");
+    // The viewer refuses faces of four corners only when it meets one.
+    WriteText(m_folder / "f.ply",
+              "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
+              "property float z\nelement face 1\nproperty list uchar int vertex_indices\n"
+              "end_header\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n");
+    WriteText(m_folder / "g.off", "no mesh");
+    WriteStl(m_folder / "h.stl");
+    std::vector<std::string> files;
+    for (const char* const name : {"a.obj", "b.pcm", "c.OBJ", "d.obj", "e.stl", "f.ply", "g.off", "h.stl"})
+        files.push_back(m_folder / name);
+    Import(files);
+    EXPECT_EQ(Rows(), (std::vector<std::string>{"a.obj", "b.pcm", "c.OBJ", "d.obj", "e.stl", "f.ply", "h.stl"}));
+    for (const int row : {0, 2, 3, 5})
+        EXPECT_EQ(m_window->Objects().topLevelItem(row)->text(ObjectList::kTriangles), "2") << row;
+    EXPECT_EQ(m_window->Objects().topLevelItem(4)->text(ObjectList::kTriangles), "1");
+    EXPECT_NE(Messages().find("g.off: nothing added: "), std::string::npos) << Messages();
+    EXPECT_EQ(Messages().find('\n', Messages().find("g.off")), std::string::npos) << "one line: " << Messages();
+}
+
+TEST_F(MainWindowMesh, OfAForeignFormatIsGivenUpWhenTheImportIsCancelled) {
+    Show();
+    std::string text = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
+    for (int i = 0; i < 400'000; ++i) text += "f 1 2 3\n";
+    WriteText(m_folder / "a.obj", text);
+    m_window->OpenFiles({m_folder / "a.obj"});
+    m_window->CancelImport();
+    WaitForImports();
+    EXPECT_EQ(Rows(), std::vector<std::string>());
+    EXPECT_NE(Messages().find("a.obj: not opened, cancelled"), std::string::npos) << Messages();
+}
+
 TEST_F(MainWindowMesh, NamesAnObjectWithoutANameByItsFileAlsoAfterAFileThatAddedNothing) {
     Show();
     WriteText(m_folder / "bad.ply", "no mesh at all");
@@ -120,26 +159,26 @@ TEST_F(MainWindowMesh, OffersMeshesAndScansInItsDialog) {
 TEST_F(MainWindowMesh, ReportsAFileThatAddedNothingInOneLineAndKeepsTheScene) {
     Show();
     WriteStl(m_folder / "good.stl");
-    WriteText(m_folder / "quads.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n0 1 0\n4 0 1 2 3\n");
+    WriteText(m_folder / "short.ply", PlyHeader(4, 1) + "0 0 0\n1 0 0\n1 1 0\n");
     WriteText(m_folder / "none.hps", "no mesh at all");
     std::vector<std::string> failed;  // what the command line prints
     QObject::connect(m_window.get(), &MainWindow::FileFailed, [&](const std::string& file, const std::string& reason) {
         EXPECT_EQ(reason.find(file), std::string::npos) << reason;
         failed.push_back(file);
     });
-    Import({m_folder / "good.stl", m_folder / "quads.ply", m_folder / "none.hps"});
+    Import({m_folder / "good.stl", m_folder / "short.ply", m_folder / "none.hps"});
     EXPECT_EQ(Rows(), std::vector<std::string>{"good.stl"});
     EXPECT_EQ(ObjectsInViewer(), 1);
     EXPECT_FALSE(m_window->HaveAllFilesAdded());
-    EXPECT_EQ(failed, (std::vector<std::string>{m_folder / "quads.ply", m_folder / "none.hps"}));
+    EXPECT_EQ(failed, (std::vector<std::string>{m_folder / "short.ply", m_folder / "none.hps"}));
     const QStringList lines = m_window->Messages().toPlainText().split('\n');
     ASSERT_EQ(lines.size(), 2) << Messages();
     const auto holds = [](const QString& line, const std::string& text) {
         return line.count(QString::fromStdString(text)) == 1;
     };
-    EXPECT_TRUE(holds(lines[0], (m_folder / "quads.ply") + ": nothing added: ")) << lines[0].toStdString();
-    EXPECT_TRUE(holds(lines[0], m_folder / "quads.ply")) << lines[0].toStdString();
-    EXPECT_TRUE(holds(lines[0], "faces with more than three corners")) << lines[0].toStdString();
+    EXPECT_TRUE(holds(lines[0], (m_folder / "short.ply") + ": nothing added: ")) << lines[0].toStdString();
+    EXPECT_TRUE(holds(lines[0], m_folder / "short.ply")) << lines[0].toStdString();
+    EXPECT_TRUE(holds(lines[0], "the file is cut short")) << lines[0].toStdString();
     EXPECT_TRUE(holds(lines[1], m_folder / "none.hps")) << lines[1].toStdString();
     EXPECT_TRUE(holds(lines[1], "this is no hps file, or it is damaged")) << lines[1].toStdString();
 }
