@@ -1,8 +1,10 @@
 #include "OutputGuard.h"
 
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 
 #include "host/MeshFiles.h"
@@ -21,7 +23,7 @@ protected:
         ASSERT_EQ(link((m_folder / "a.stl").c_str(), (m_folder / "hard.png").c_str()), 0);
         ASSERT_EQ(symlink("a.stl", (m_folder / "soft.png").c_str()), 0);
     }
-    /// @param arguments  names of files follow a '@'
+    /// @param arguments  names of files follow a "%"
     [[nodiscard]] std::string Refusal(std::vector<std::string> arguments) const {
         for (std::string& argument : arguments)
             if (const std::size_t at = argument.find("%"); at != std::string::npos)
@@ -78,6 +80,19 @@ TEST_F(OutputGuardTest, AllowsOtherFilesAndRunsThatWriteNothing) {
     EXPECT_EQ(Refusal({"--screenshot", "%s.png", "%a.stl"}), "") << "an older picture is replaced";
     EXPECT_EQ(Refusal({"--info", "%a.stl"}), "");
     EXPECT_EQ(Refusal({"%a.stl", "%a.stl"}), "");
+}
+
+TEST_F(OutputGuardTest, RefusesToPrintAPictureToATerminal) {
+    int outer = -1, inner = -1;
+    if (openpty(&outer, &inner, nullptr, nullptr, nullptr) != 0) GTEST_SKIP() << "this machine gives no terminal";
+    std::fflush(stdout);
+    const int saved = dup(STDOUT_FILENO);
+    dup2(inner, STDOUT_FILENO);
+    const std::string onTerminal = Refusal({"--screenshot", "-", "%a.stl"});
+    std::fflush(stdout);
+    dup2(saved, STDOUT_FILENO);
+    for (const int file : {outer, inner, saved}) close(file);
+    EXPECT_EQ(onTerminal, "standard output is a terminal: write the picture into a file");
 }
 
 TEST(PicturePaths, HaveTheNamesOfTheirViews) {
