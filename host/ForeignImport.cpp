@@ -2,11 +2,12 @@
 #include "ForeignImport.h"
 
 #include <stdlib.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <span>
 #include <system_error>
@@ -39,17 +40,18 @@ PointCloud CloudOf(const KV_ScenePane::MeshBuffers& mesh) {
     return cloud;
 }
 
-/// A folder that is removed with the one file in it.
+/// A ply file in memory, with a name on disk for as long as this exists: the viewer opens files by their names, and
+/// chooses its reader by the extension. What a killed program leaves is a folder with a link to nothing.
 class TemporaryPly {
 public:
     /// @throws std::system_error
     explicit TemporaryPly(std::span<const std::uint8_t> bytes)
-        : m_folder((std::filesystem::temp_directory_path() / "scenepane-XXXXXX").string()) {
-        if (mkdtemp(m_folder.data()) == nullptr)
-            throw std::system_error(errno, std::generic_category(), "no temporary folder");
-        std::ofstream out(Path(), std::ios::binary);
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        if (out.flush()) return;
+        : m_iFd(memfd_create("mesh.ply", MFD_CLOEXEC)),
+          m_folder((std::filesystem::temp_directory_path() / "scenepane-XXXXXX").string()) {
+        const std::string content = "/proc/self/fd/" + std::to_string(m_iFd);
+        const bool isMade = m_iFd >= 0 && WriteAll(bytes) && mkdtemp(m_folder.data()) != nullptr &&
+                            symlink(content.c_str(), Path().c_str()) == 0;
+        if (isMade) return;
         const int error = errno;
         Remove();
         throw std::system_error(error, std::generic_category(), "no temporary file");
@@ -61,10 +63,22 @@ public:
     [[nodiscard]] std::string Path() const { return m_folder + "/mesh.ply"; }
 
 private:
+    [[nodiscard]] bool WriteAll(std::span<const std::uint8_t> bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t written = write(m_iFd, bytes.data(), bytes.size());
+            if (written < 0 && errno == EINTR) continue;
+            if (written <= 0) return false;
+            bytes = bytes.subspan(static_cast<std::size_t>(written));
+        }
+        return true;
+    }
     void Remove() const {
+        if (m_iFd >= 0) close(m_iFd);
         unlink(Path().c_str());
         rmdir(m_folder.c_str());
     }
+
+    int m_iFd;
     std::string m_folder;
 };
 
