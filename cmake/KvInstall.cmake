@@ -1,23 +1,27 @@
 # What `cmake --install` installs: public headers, the libraries, the programs, and the package KV_ScenePane. Included
-# last, after all targets.
+# last, after all targets. The components are the Debian packages of cmake/KvPackages.cmake; what names none belongs to
+# "application".
 include(CMakePackageConfigHelpers)
 
 set(KV_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/KV_ScenePane")
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/KV_ScenePane" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-        FILES_MATCHING PATTERN "*.h")
+        COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/MSRDLL/include/MSRDLL" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-        FILES_MATCHING PATTERN "*.h")
+        COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(TARGETS simulate-scans RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_Components/include/KV_Components" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-        FILES_MATCHING PATTERN "*.h")
+        COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/libs/KV_UtilsLantern/include/KV_UtilsLantern" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-        FILES_MATCHING PATTERN "*.h")
+        COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/LICENSE"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
-        PATTERN "__pycache__" EXCLUDE PATTERN ".ipynb_checkpoints" EXCLUDE)
+        COMPONENT dev PATTERN "__pycache__" EXCLUDE PATTERN ".ipynb_checkpoints" EXCLUDE)
+# The version of their binary interfaces, which do not change with the viewer: a site may replace each of the three by a
+# library of the same soname.
+set_target_properties(kv_msrdll kv_components kv_utils_lantern PROPERTIES VERSION 1.0 SOVERSION 1)
 set_target_properties(kv_msrdll PROPERTIES EXPORT_NAME MSRDLL)
 set_target_properties(kv_components PROPERTIES EXPORT_NAME KV_Components)
 set_target_properties(kv_utils_lantern PROPERTIES EXPORT_NAME KV_UtilsLantern)
@@ -26,15 +30,15 @@ target_compile_features(KV_ScenePane INTERFACE cxx_std_20)  # of its C++ headers
 set_target_properties(KV_ScenePane kv_msrdll kv_components kv_utils_lantern
                       PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
 install(TARGETS KV_ScenePane kv_msrdll kv_components kv_utils_lantern EXPORT KV_ScenePaneTargets
-        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT dev
         INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-install(EXPORT KV_ScenePaneTargets NAMESPACE KV_ScenePane:: DESTINATION "${KV_PACKAGE_DIR}")
+install(EXPORT KV_ScenePaneTargets NAMESPACE KV_ScenePane:: DESTINATION "${KV_PACKAGE_DIR}" COMPONENT dev)
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/KV_ScenePaneConfig.cmake.in"
                               "${PROJECT_BINARY_DIR}/KV_ScenePaneConfig.cmake" INSTALL_DESTINATION "${KV_PACKAGE_DIR}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/KV_ScenePaneConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePaneConfig.cmake" "${PROJECT_BINARY_DIR}/KV_ScenePaneConfigVersion.cmake"
-        DESTINATION "${KV_PACKAGE_DIR}")
+        DESTINATION "${KV_PACKAGE_DIR}" COMPONENT dev)
 
 # pkg-config, for hosts that are not built by CMake. A library folder outside the prefix cannot be moved with it.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
@@ -42,8 +46,21 @@ if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
 else()
   file(RELATIVE_PATH KV_PREFIX_FROM_PKGCONFIG "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/KV_ScenePane.pc.in" "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" @ONLY)
-  install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+  install(FILES "${PROJECT_BINARY_DIR}/KV_ScenePane.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+          COMPONENT dev)
 endif()
+
+if(KV_BUILD_HOST)
+  set(packaging "${PROJECT_SOURCE_DIR}/packaging")
+  install(FILES "${packaging}/scenepane.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
+  install(FILES "${packaging}/scenepane-mime.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/mime/packages" RENAME scenepane.xml)
+  install(FILES "${packaging}/icons/scenepane.svg" DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps")
+  foreach(side IN ITEMS 48 128)
+    install(FILES "${packaging}/icons/scenepane-${side}.png" RENAME scenepane.png
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/${side}x${side}/apps")
+  endforeach()
+endif()
+include(KvPackages)
 
 # Not under a sanitizer: what is installed is the same, and the programs of the outside project would need its runtime.
 if(KV_BUILD_TESTS AND NOT KV_SANITIZE)

@@ -22,7 +22,7 @@ PACKAGE = STAGED / "kv_scenepane"
 
 SONAME = PACKAGE / "_soname.py"  # names the library of this version
 
-LIBRARIES = ["libKV_Components.so", "libKV_UtilsLantern.so", "libMSRDLL.so"]
+LIBRARIES = ["libKV_Components.so.1", "libKV_UtilsLantern.so.1", "libMSRDLL.so.1"]
 if SONAME.is_file():
     LIBRARIES.append(runpy.run_path(str(SONAME))["LIBRARY"])
 

@@ -27,7 +27,7 @@ extern "C" {
 
    Programs run with every later library of the same major version. Functions, constants, and members of
    kv_window_request, which starts with its size, are only added; all other structs stay as they are. The libraries that
-   this one needs, such as libMSRDLL.so, have no version in their names: a site may replace them by its own. */
+   this one needs, such as libMSRDLL.so.1, have versions of their own: a site may replace them by its own. */
 
 /* One viewer. */
 typedef struct kv_pane kv_pane;

@@ -30,6 +30,21 @@ if(EXISTS "${WORK_DIR}/prefix/bin/scenepane")
   expect_file(share/man/man1/scenepane.1 share/bash-completion/completions/scenepane)
 endif()
 
+expect_file(${LIBDIR}/libKV_ScenePane.so.5 ${LIBDIR}/libMSRDLL.so.1 ${LIBDIR}/libKV_Components.so.1 ${LIBDIR}/libKV_UtilsLantern.so.1
+            share/doc/KV_ScenePane/docs/hosting.md share/doc/KV_ScenePane/examples/CMakeLists.txt)
+if(EXISTS "${WORK_DIR}/prefix/bin/scenepane")
+  expect_file(share/applications/scenepane.desktop share/mime/packages/scenepane.xml share/man/man1/scenepane.1
+              share/icons/hicolor/scalable/apps/scenepane.svg share/icons/hicolor/48x48/apps/scenepane.png)
+  # Every type of the viewer that the program of the desktop file opens is declared, and has its extension.
+  file(READ "${WORK_DIR}/prefix/share/applications/scenepane.desktop" desktop)
+  file(READ "${WORK_DIR}/prefix/share/mime/packages/scenepane.xml" types)
+  foreach(type IN ITEMS pcm pax xdt hps ois msh)
+    if(NOT desktop MATCHES "model/x-kv-${type};" OR NOT types MATCHES "\"model/x-kv-${type}\".*\"\\*\\.${type}\"")
+      message(FATAL_ERROR "no MIME type for ${type}")
+    endif()
+  endforeach()
+endif()
+
 # Moved, so that no path of the first place can have been kept.
 file(RENAME "${WORK_DIR}/prefix" "${WORK_DIR}/moved")
 step("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/package/consumer" -B "${WORK_DIR}/build" -G Ninja

@@ -16,7 +16,10 @@ from pathlib import Path
 SOURCE = Path(os.environ["KV_SOURCE_DIR"])
 BUILD = Path(os.environ["KV_BUILD_DIR"])
 STAGED = BUILD / "python" / "kv_scenepane"
-LIBRARIES = {"libKV_Components.so", "libKV_ScenePane.so.5", "libKV_UtilsLantern.so", "libMSRDLL.so"}
+LIBRARIES = {
+    *("libKV_Components.so.1", "libKV_ScenePane.so.5"),
+    *("libKV_UtilsLantern.so.1", "libMSRDLL.so.1"),
+}
 
 # Run in the virtual environment: draws a picture, and reports the files of the project that the
 # process has mapped.

@@ -1,0 +1,10 @@
+# Run by cpack before it makes the packages: manual pages are compressed in Debian.
+cmake_minimum_required(VERSION 3.25)
+file(GLOB_RECURSE pages "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*.1")
+list(FILTER pages INCLUDE REGEX "/share/man/man1/")
+if(NOT pages AND "application" IN_LIST CPACK_COMPONENTS_ALL)
+  message(FATAL_ERROR "there is no manual page in ${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
+endif()
+foreach(page IN LISTS pages)
+  execute_process(COMMAND gzip -9nf "${page}" COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
