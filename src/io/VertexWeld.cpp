@@ -105,6 +105,33 @@ void PositionWeld<Point>::Weld(std::span<const Float3> positions, std::int32_t* 
     }
 }
 
+// In two passes per group: hash and prefetch all, then search all.
+template <class Point>
+void PositionWeld<Point>::Find(std::span<const Float3> positions, std::int32_t* indices) const {
+    while (!positions.empty()) {
+        const auto group = positions.first(std::min(positions.size(), kPrefetchDistance));
+        Slot keys[kPrefetchDistance];
+        std::size_t at[kPrefetchDistance];
+        for (std::size_t i = 0; i < group.size(); ++i) {
+            const Float3& p = group[i];
+            keys[i] = {KeyBits(p[0]), KeyBits(p[1]), KeyBits(p[2]), 0};
+            at[i] = Hash(keys[i].x, keys[i].y, keys[i].z, m_uSeed);
+            __builtin_prefetch(&m_pSlots[at[i] & m_uMask]);
+        }
+        for (std::size_t i = 0; i < group.size(); ++i) {
+            const auto isAt = [&](const Slot& slot) {
+                return slot.x == keys[i].x && slot.y == keys[i].y && slot.z == keys[i].z;
+            };
+            std::size_t slot = at[i] & m_uMask;
+            while (m_pSlots[slot].indexPlus1 != 0 && !isAt(m_pSlots[slot])) slot = (slot + 1) & m_uMask;
+            // An empty slot has 0, and a position with a NaN is in none.
+            indices[i] = HasNan(group[i]) ? -1 : static_cast<std::int32_t>(m_pSlots[slot].indexPlus1) - 1;
+        }
+        positions = positions.subspan(group.size());
+        indices += group.size();
+    }
+}
+
 // A ring of positions: one is inserted, and the slot of one that comes later is prefetched.
 template <class Point>
 void PositionWeld<Point>::WeldBatch(std::span<const Float3> positions, std::int32_t* indices) {

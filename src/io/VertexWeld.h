@@ -29,6 +29,9 @@ public:
     /// Writes one index per position to @p indices, in order. Expected time per position is constant.
     /// @throws std::length_error when there are more vertices than an index can count
     void Weld(std::span<const Float3> positions, std::int32_t* indices);
+    /// Writes the index of the vertex at each position, -1 where there is none. Several threads may search at the same
+    /// time.
+    void Find(std::span<const Float3> positions, std::int32_t* indices) const;
 
     /// How often the seed was changed because too many positions collided.
     [[nodiscard]] int ReseedCount() const { return m_iReseeds; }

@@ -160,3 +160,24 @@ TEST(VertexWeld, IsFastForPositionsThatCollideUnderAKnownSeed) {
     // Under a random seed the same positions do not collide.
     ExpectSame(WeldInPieces(positions, 600'000), WeldByMap(positions));
 }
+
+TEST(VertexWeld, FindsTheVerticesThatItHas) {
+    std::mt19937 random(8);
+    std::vector<Float3> positions(5000);
+    for (Float3& p : positions) p = {static_cast<float>(random() % 20), static_cast<float>(random() % 20), 1.0f};
+    positions[7] = {0.0f, -0.0f, 3.0f};
+    positions[8] = {NAN, 0.0f, 0.0f};
+    Welded welded;
+    VertexWeld weld(welded.vertices, 10);
+    welded.indices.resize(positions.size());
+    weld.Weld(positions, welded.indices.data());
+
+    std::vector<std::int32_t> found(positions.size());
+    weld.Find(positions, found.data());
+    welded.indices[8] = -1;  // a NaN is equal to none
+    EXPECT_EQ(found, welded.indices);
+    const Float3 others[] = {{-0.0f, 0.0f, 3.0f}, {0.5f, 0.0f, 1.0f}, {0.0f, 0.0f, 2.0f}};
+    std::int32_t indices[3];
+    weld.Find(others, indices);
+    EXPECT_THAT(indices, ElementsAre(welded.indices[7], -1, -1));
+}
