@@ -170,11 +170,12 @@ std::string ManPage(const Manual& manual) {
 }
 
 std::string BashCompletion(const Manual& manual) {
-    std::string function = '_' + manual.program, names, cases;
+    std::string function("_"), names, cases;
+    function += manual.program;
     std::ranges::replace(function, '-', '_');
     for (const Group& group : manual.groups) {
         for (const Row* const row : group.rows) {
-            names += (names.empty() ? "" : " ") + std::string(row->name);
+            names.append(names.empty() ? "" : " ").append(row->name);
             if (row->value.empty()) continue;
             const std::string reply = row->words.empty() ? CompletionOf(row->completion)
                                                          : WordsCompletion(Filled(std::string(row->words), manual));
