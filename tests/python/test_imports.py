@@ -89,6 +89,53 @@ class ImportsThatAddNothing(WithFolder):
                 self.assertEqual(errors.getvalue(), "")  # the text is in the exception
         self.assertEqual(self.pane.GetNumObjects(), 0)
 
+    def test_RaiseTheReasonAlsoByTheirExtension(self) -> None:
+        rows = [
+            ("missing.stl", None, "missing.stl: cannot be opened: No such file or directory"),
+            ("missing.ply", None, "missing.ply: cannot be opened: No such file or directory"),
+            ("missing.pcm", None, "missing.pcm: cannot be opened: No such file or directory"),
+            ("bad.xdt", b"no", "bad.xdt: ends before the size of its grid"),
+            ("other.xyz", b"1 2 3", "other.xyz: unknown file type"),
+        ]
+        for name, data, text in rows:
+            path = os.path.join(self.folder, name) if data is None else self.write(name, data)
+            errors = io.StringIO()
+            with self.subTest(name=name), contextlib.redirect_stderr(errors):
+                with self.assertRaisesRegex(kv.ImportFailed, text) as caught:
+                    self.pane.import_file(path)
+                self.assertEqual(caught.exception.method, "import_file")
+                self.assertEqual(errors.getvalue(), "")
+        self.assertEqual(self.pane.GetNumObjects(), 0)
+
+    def test_OfAFileByItsExtensionRefuseWrongArguments(self) -> None:
+        path = self.write("one.stl", stl_bytes())
+        rows = [
+            (TypeError, {"skip": 1.5}), (ValueError, {"skip": 0}), (OverflowError, {"skip": 40000}),
+            (TypeError, {"confidence": "1"}), (OverflowError, {"color": 1 << 31}),
+        ]
+        for kind, words in rows:
+            with self.subTest(words=words), self.assertRaises(kind):
+                self.pane.import_file(path, **words)
+        with self.assertRaises(ValueError):
+            self.pane.import_file(path + "\0.stl")
+        with self.assertRaises(TypeError):
+            self.pane.import_file(7)
+        self.assertEqual(self.pane.GetNumObjects(), 0)
+
+    def test_ByTheirExtensionAddWhatTheyHold(self) -> None:
+        self.pane.import_file(self.write("one.STL", stl_bytes()))
+        self.pane.import_file(self.write("one.ply", PLY))
+        points = np.zeros((5, 5, 3), np.float32)
+        points[..., 0], points[..., 1] = np.meshgrid(np.arange(5) * 1000, np.arange(5) * 1000)
+        scan = self.write("grid.xdt", struct.pack("<hh", 5, 5) + points.tobytes())
+        self.pane.import_file(scan)
+        self.pane.import_file(scan, skip=2, color=0x010203)
+        counts = [self.pane.GetMeshDataSize(i)[0] for i in range(4)]
+        self.assertEqual(counts[:3], [3, 3, 25])
+        self.assertLess(counts[3], 10)
+        self.assertEqual(self.pane.GetObjectColor(2), 0xC8D4DC)
+        self.assertEqual(self.pane.GetObjectColor(3), 0x010203)
+
     def test_OfAGridWithoutASurface(self) -> None:
         points, confidence, trafo = grid()
         confidence[...] = 0

@@ -180,6 +180,7 @@ _FUNCTIONS = {
     "kv_save_properties": (_SIZE, [_POINTER, _INT, _POINTER, _SIZE]),
     "kv_load_properties": (_INT, [_POINTER, c.c_char_p, _SIZE]),
     "kv_is_modified": (_INT, [_POINTER]),
+    "kv_import_file": (_INT, [_POINTER, c.c_char_p, _INT, c.c_float, _INT]),
     "kv_set_debug_output": (None, [DebugFunction, _POINTER]),
 }
 

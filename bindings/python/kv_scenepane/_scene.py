@@ -11,8 +11,9 @@ from numpy.typing import NDArray
 from . import _library
 from ._arrays import address
 from ._calls import Still
-from ._errors import Error, raised
-from ._library import last_error, library
+from ._debug import Capture
+from ._errors import Error, ImportFailed, raised
+from ._library import FAILED, last_error, library
 from ._picture import png, rgba
 from ._records import (
     Alignment,
@@ -24,8 +25,9 @@ from ._records import (
     SurfacePoint,
     read_cut_mask,
 )
+from ._request import number_of
 from ._surface import SegmentationMode, Surface
-from ._values import check_int
+from ._values import PathLike, check_int, path_bytes
 
 
 class GraphicsInfo(NamedTuple):
@@ -113,6 +115,32 @@ class Scene(Surface):
         status = library.kv_frame_statistics_result(self._handle, ctypes.byref(raw))
         self._check(status, "frame_statistics")
         return FrameStatistics(raw.count, raw.seconds)
+
+    # ---- files
+
+    def import_file(
+        self, path: PathLike, *, skip: int = 1, confidence: float = 0.0, color: int = 0xC8D4DC
+    ) -> None:
+        """Imports a file by the method that its extension names: ImportMesh for stl, ply, hps, ois
+        and msh, ImportScan for pcm, pax and xdt. ImportFailed with the reason when it adds nothing.
+
+        skip: scans are thinned to one point per skip x skip points
+        confidence: points of scans with a lower one are left out
+        color: 0x00BBGGRR, of scans without colours
+        """
+        file = path_bytes("import_file", "path", path)
+        step = check_int("import_file", "skip", skip, "s")
+        tint = check_int("import_file", "color", color)
+        limit = number_of("import_file", "confidence", confidence)
+        if step < 1:
+            raise ValueError(f"import_file(): skip is {step}, not 1 to 32767")
+        self._live()
+        with Capture() as capture:
+            status = library.kv_import_file(self._handle, file, step, limit, tint)
+        if status == FAILED and not raised:
+            raise ImportFailed(capture.text() or last_error(), "import_file")
+        capture.pass_on()
+        self._check(status, "import_file")
 
     # ---- objects
 
