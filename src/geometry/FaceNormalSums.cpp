@@ -14,8 +14,8 @@
 namespace {
 
 constexpr std::size_t kFour = 4;
-/// Triangles per thread below which its start costs more than it saves; vertices, too.
-constexpr std::size_t kMinPerThread = 25'000;
+/// Per thread, below which its start costs more than it saves.
+constexpr std::size_t kMinTriangles = 25'000, kMinVertices = 100'000;
 /// Triangles between the prefetch of their vertices and their use; see ForEachTriangle().
 constexpr std::size_t kAhead = 24;
 
@@ -148,7 +148,7 @@ void AddFaces(const std::vector<Triangle>& triangles, const std::vector<Vertex>&
 HugePageArray<FaceNormalSum> SumFaceNormals(const std::vector<Triangle>& triangles, const std::vector<Vertex>& vertices,
                                             unsigned threads) {
     auto sums = MakeArrayInHugePages<FaceNormalSum>(vertices.size());
-    threads = ThreadsFor(triangles.size(), kMinPerThread, threads);
+    threads = ThreadsFor(triangles.size(), kMinTriangles, threads);
     if (threads > 1) {
         const FaceBlocks faces = MakeFaceBlocks(triangles, vertices, threads);
         RunTasks(threads, threads, [&](std::size_t part) {
@@ -166,7 +166,7 @@ HugePageArray<FaceNormalSum> SumFaceNormals(const std::vector<Triangle>& triangl
 
 void ForEachVertexRange(std::size_t vertexCount, unsigned threads,
                         const std::function<void(std::size_t first, std::size_t last)>& visit) {
-    const std::size_t parts = ThreadsFor(vertexCount, kMinPerThread, threads);
+    const std::size_t parts = ThreadsFor(vertexCount, kMinVertices, threads);
     RunTasks(parts, threads,
              [&](std::size_t part) { visit(vertexCount * part / parts, vertexCount * (part + 1) / parts); });
 }

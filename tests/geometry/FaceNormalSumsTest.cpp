@@ -70,7 +70,7 @@ TEST(SumFaceNormals, AddsAnyNumberOfFaces) {
 }
 
 TEST(SumFaceNormals, GivesTheVertexNormalsOfMeshesOnAnyNumberOfThreads) {
-    for (const std::size_t vertices : {std::size_t{7}, std::size_t{180'001}}) {
+    for (const std::size_t vertices : {std::size_t{7}, std::size_t{210'001}}) {
         MeshBuffers buffers = MakeMesh(vertices, 2 * vertices, Order::kStrip);
         Mesh mesh(std::vector(buffers.m_vVertices), std::vector(buffers.m_vTriangles), L"", false);
         const std::vector<Float4> sums = PlainSums(buffers);
