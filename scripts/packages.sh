@@ -8,7 +8,7 @@
 set -euo pipefail
 . "$(dirname "$0")/setup.sh"
 
-suite=bookworm mirror=http://deb.debian.org/debian
+suite=bookworm mirror="${KV_DEBIAN_MIRROR:-http://deb.debian.org/debian}"
 build="" chroot=""
 while (($# > 0)); do
     case $1 in
@@ -74,8 +74,17 @@ inside sh -euc '
     printf "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n" >triangle.obj
     scenepane --info triangle.obj
     test "$(head -c 4 part.png | tail -c 3)" = PNG'
+say "opening the window"
+inside sh -c 'apt-get install -y -qq --no-install-recommends xvfb xauth desktop-file-utils shared-mime-info' >"$scratch/apt" 2>&1 ||
+    { tail -20 "$scratch/apt" && exit 1; }
+# It runs until it is ended.
+inside sh -c 'cd /root && timeout 20 xvfb-run -a scenepane part.ply' >"$scratch/window" 2>&1 && status=0 || status=$?
+((status == 124)) || { complain "the window ended with $status" && cat "$scratch/window" && exit 1; }
+inside desktop-file-validate /usr/share/applications/scenepane.desktop
+inside grep -q 'x-kv-pcm:\*.pcm' /usr/share/mime/globs
 say "compiling a program in C against the package"
-inside sh -c 'apt-get install -y -qq --no-install-recommends gcc libc6-dev pkg-config' >"$scratch/apt" 2>&1
+inside sh -c 'apt-get install -y -qq --no-install-recommends gcc libc6-dev pkg-config' >"$scratch/apt" 2>&1 ||
+    { tail -20 "$scratch/apt" && exit 1; }
 inside sh -euc '
     cd /root
     cc $(pkg-config --cflags KV_ScenePane) /usr/share/doc/KV_ScenePane/examples/c_host.c $(pkg-config --libs KV_ScenePane) -o c_host
