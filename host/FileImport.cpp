@@ -48,11 +48,16 @@ ImportResult RunImport(const std::string& file, const std::function<bool(const w
         if (reason == PlainWords(kNoTriangle)) {
             if (const std::string known = cause(path.c_str()); !known.empty()) reason = known;
         } else if (reason == PlainWords(kInvalidHps)) {
-            if (const std::string known = CauseOfInvalidHps(file); !known.empty()) reason = known;
+            if (const std::string known = WrongHpsLength(file); !known.empty()) reason = known;
         }
         return {ImportResult::State::Failed, reason};
     }
-    return {ImportResult::State::Added, FileMessage(file, capture.Text(), thrown)};
+    std::string text = FileMessage(file, capture.Text(), thrown);
+    if (ExtensionOf(file) == "hps") {
+        const std::string length = WrongHpsLength(file);
+        text.append(text.empty() || length.empty() ? "" : "; ").append(length);
+    }
+    return {ImportResult::State::Added, text};
 }
 
 /// @return what the entry returned: whether the grid gives an object

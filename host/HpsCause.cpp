@@ -15,7 +15,7 @@ constexpr std::size_t kLengthAt = 16;
 
 }  // namespace
 
-std::string CauseOfInvalidHps(const std::string& file) {
+std::string WrongHpsLength(const std::string& file) {
     try {
         const FileStorage::RegularFile input(file);
         std::array<unsigned char, kLengthAt + sizeof(std::uint64_t)> start{};
@@ -26,7 +26,7 @@ std::string CauseOfInvalidHps(const std::string& file) {
         std::memcpy(&length, &start[kLengthAt], sizeof length);
         if (input.Size() < length) return PlainWords("file is cut short");
         if (input.Size() == length) return {};
-        return PlainWords("goes on for " + std::to_string(input.Size() - length) + " bytes after its end");
+        return PlainWords(std::to_string(input.Size() - length) + " bytes follow the end of its data");
     } catch (const FileStorage::FileAccessError&) {
         return {};
     }

@@ -1,4 +1,5 @@
-// Why the viewer refuses an hps file as invalid: the library that reads it has one text for all causes.
+// What is wrong with the length of an hps file: the library that reads it refuses a short one with the same text as
+// other damage, and does not report a long one.
 #pragma once
 #include <string>
 
@@ -6,4 +7,4 @@
 /// @return a sentence about a file that is shorter or longer than its header announces; empty for any other, and for
 /// one
 ///         that cannot be read
-[[nodiscard]] std::string CauseOfInvalidHps(const std::string& file);
+[[nodiscard]] std::string WrongHpsLength(const std::string& file);

@@ -2195,10 +2195,6 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <translation>%1 Koordinaten sind nicht endlich: dort können Dreiecke fehlen: die Datei aus ihrer Quelle neu exportieren</translation>
     </message>
     <message>
-        <source>the file goes on for %1 bytes after its end: copy or export it again from its source</source>
-        <translation>nach dem Ende der Datei folgen noch %1 Bytes: die Datei neu kopieren oder aus ihrer Quelle neu exportieren</translation>
-    </message>
-    <message>
         <source>this is a folder: choose the name of a file</source>
         <translation>das ist ein Ordner: den Namen einer Datei wählen</translation>
     </message>

@@ -94,19 +94,18 @@ struct Start {
     HpsHeader header;
 };
 
-/// Checks the beginning of a file of @p fileSize bytes.
-[[nodiscard]] Start CheckStart(ByteSpan start, std::size_t fileSize) {
+/// Checks the beginning of a file.
+[[nodiscard]] Start CheckStart(ByteSpan start) {
     if (start.size() < kHeaderSize) FailInvalid("cut short");
     const auto header = start.first<kHeaderSize>();
     const std::uint32_t count = FileStorage::CheckHeader(kFormat, header);
-    const auto fields = std::bit_cast<HpsHeader>(FileStorage::FieldsOf(header));
-    if (fields.fileSize != fileSize) FailInvalid("has another length than it should");
-    return {count, fields};
+    return {count, std::bit_cast<HpsHeader>(FileStorage::FieldsOf(header))};
 }
 
 /// Checks a file in the order header, table, counts, sections: the first defect decides the code.
 FileContent ParseSections(ByteSpan file) {
-    const auto [count, header] = CheckStart(file, file.size());
+    const auto [count, header] = CheckStart(file);
+    if (header.fileSize != file.size()) FailInvalid("has another length than it should");
     const std::size_t headSize = FileStorage::HeadSize(count);
     if (file.size() < headSize) FailInvalid("cut short");
     const std::vector<SectionEntry> entries = FileStorage::ReadTable(file.first(headSize));
@@ -188,9 +187,11 @@ RawArray<std::byte> LoadFile(const std::string& path) {
         std::byte start[kHeaderSize];
         const std::size_t startSize = std::min(size, sizeof start);
         read(start, startSize);
-        (void)CheckStart({start, startSize}, size);
-        RawArray<std::byte> bytes(size);
-        read(bytes.data(), size);
+        const std::uint64_t announced = CheckStart({start, startSize}).header.fileSize;
+        if (announced > size) FailInvalid("cut short");
+        // What follows the announced length is no part of the file.
+        RawArray<std::byte> bytes(static_cast<std::size_t>(announced));
+        read(bytes.data(), bytes.size());
         return bytes;
     } catch (const FileStorage::FileAccessError& error) {
         const bool isMissing = error.Error() == ENOENT || error.Error() == ENOTDIR;

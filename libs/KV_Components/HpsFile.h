@@ -40,7 +40,7 @@ struct FileContent {
 /// @throws FileError
 [[nodiscard]] FileContent ParseFile(ByteSpan file);
 
-/// Reads a whole file whose header announces an hps file of its length.
+/// Reads the bytes of an hps file up to the length that its header announces; what follows them is ignored.
 /// @throws FileError
 [[nodiscard]] RawArray<std::byte> LoadFile(const std::string& path);
 
