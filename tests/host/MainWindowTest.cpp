@@ -116,9 +116,9 @@ TEST_F(MainWindowTest, ReportsEveryFileThatAddedNothing) {
     Show();
     WriteBytes(m_folder / "damaged.pcm", {std::byte{1}});
     WriteBytes(m_folder / "short.pax", {std::byte{1}});
-    WriteBytes(m_folder / "foreign.obj", {std::byte{1}});
+    WriteBytes(m_folder / "foreign.dat", {std::byte{1}});
     WriteXdt(m_folder / "good.xdt", 2, 2);
-    Import({m_folder / "none.pcm", m_folder / "damaged.pcm", m_folder / "short.pax", m_folder / "foreign.obj",
+    Import({m_folder / "none.pcm", m_folder / "damaged.pcm", m_folder / "short.pax", m_folder / "foreign.dat",
             m_folder / "good.xdt"});
     EXPECT_EQ(Rows(), std::vector<std::string>{"good.xdt"});
     const std::string messages = Messages();
@@ -127,8 +127,8 @@ TEST_F(MainWindowTest, ReportsEveryFileThatAddedNothing) {
         << messages;
     EXPECT_NE(messages.find("damaged.pcm: nothing added: the file is cut short after 1 bytes"), std::string::npos);
     EXPECT_NE(messages.find("short.pax: nothing added: the file is cut short"), std::string::npos) << messages;
-    EXPECT_NE(messages.find("foreign.obj: nothing added: the type of the file is not known: it is none of pcm, pax, "
-                            "xdt, ply, stl, hps, ois and msh"),
+    EXPECT_NE(messages.find("foreign.dat: nothing added: the type of the file is not known: it is none of pcm, pax, "
+                            "xdt, ply, stl, hps, ois, msh, obj, off, gltf, glb, 3mf, dae and others"),
               std::string::npos)
         << messages;
     EXPECT_FALSE(m_window->HaveAllFilesAdded());
