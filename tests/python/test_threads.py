@@ -49,6 +49,7 @@ CALLS = {
     "cut_mask": (5,),
     "invoke": ("GetPickMode",),
     "load_properties": (b"",),
+    "import_file": ("a.stl",),
 }
 NOT_CALLS = {"offscreen", "no_picture", "child", "top_level", "closed", "parallel_import", "close"}
 
