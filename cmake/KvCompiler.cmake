@@ -48,7 +48,9 @@ function(kv_c89 TARGET)
 endfunction()
 
 set(KV_SANITIZE "" CACHE STRING "Sanitizers, the argument of -fsanitize=")
+set(KV_LIMITS_MEMORY 1)  # whether the address space can be limited: the own memory of a sanitizer is larger
 if(KV_SANITIZE)
+  set(KV_LIMITS_MEMORY 0)
   add_compile_options(-fsanitize=${KV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=${KV_SANITIZE})
   if(KV_SANITIZE MATCHES "address")

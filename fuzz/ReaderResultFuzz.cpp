@@ -20,7 +20,7 @@ void RequirePromises(const ReaderResult& result) {
     for (const KV_ScenePane::Vertex& vertex : result.mesh.m_vVertices) {
         Require(std::isfinite(vertex.nx) && std::isfinite(vertex.ny) && std::isfinite(vertex.nz));
         Require(vertex.gridIndex == 0);
-        Require(result.mesh.m_bHasColors || vertex.color == 0xFFFFFFFF);
+        Require(result.mesh.m_bHasColors || vertex.color == 0);
         Require(result.kind != Kind::Points ||
                 (std::isfinite(vertex.x) && std::isfinite(vertex.y) && std::isfinite(vertex.z)));
     }

@@ -150,45 +150,15 @@ ImportResult ReadPoints(const std::string& file) {
     }
 }
 
-}  // namespace
-
-void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings) {
-    methods.SetScanSkipVal(settings.skip);
-    methods.SetConfidenceFilter(settings.confidence);
+/// Why nothing of the file can be added, whatever it holds.
+std::string RefusalOf(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file) {
+    const std::string refusal = ImportRefusal(file);
+    return refusal.empty() && FreePlaces(methods) < 1 ? kSceneIsFull : refusal;
 }
 
-ImportResult ImportByProcess(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
-                             const ImportSettings& settings) {
-    try {
-        ReaderResult found = RunReader(file);
-        if (settings.leavesOutColors && found.kind == ReaderResult::Kind::Mesh) {
-            found.mesh.m_bHasColors = false;
-            for (KV_ScenePane::Vertex& vertex : found.mesh.m_vVertices) vertex.color = 0;
-        }
-        return AddReaderResult(methods, file, std::move(found));
-    } catch (...) {
-        return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
-    }
-}
-
-ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
-                        const ImportSettings& settings) {
-    if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
-    if (FreePlaces(methods) < 1) return {ImportResult::State::Failed, kSceneIsFull};
-    if (LookAt(file) == FileLook::Process) return ImportByProcess(methods, file, settings);
-    ImportResult result = ImportByViewer(methods, file, settings);
-    if (result.state == ImportResult::State::Points) return ReadPoints(file);
-    if (result.state == ImportResult::State::Failed && HasSecondReader(file) && !ReaderProgram().empty())
-        return ImportByProcess(methods, file, settings);
-    return result;
-}
-
-ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
-                            const ImportSettings& settings) {
-    if (std::string refusal = ImportRefusal(file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
-    if (FreePlaces(methods) < 1) return {ImportResult::State::Failed, kSceneIsFull};
-    const FileLook look = LookAt(file);
-    if (look == FileLook::Points) return {ImportResult::State::Points, {}};
+/// @param look  Viewer or Grid
+ImportResult ImportLookedAt(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                            const ImportSettings& settings, FileLook look) {
     const std::int16_t before = methods.GetNumObjects();
     const auto hasGrown = [&] { return methods.GetNumObjects() != before; };
     const GridEntry entry = EntryFor(settings);
@@ -208,6 +178,47 @@ ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::st
     // Also when an exception came after the object: the host's list must match the viewer's.
     if (hasGrown()) result.state = ImportResult::State::Added;
     return result;
+}
+
+}  // namespace
+
+void ApplySettings(KV_ScenePane::_DKV_ScenePane& methods, const ImportSettings& settings) {
+    methods.SetScanSkipVal(settings.skip);
+    methods.SetConfidenceFilter(settings.confidence);
+}
+
+ImportResult ImportByProcess(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                             const ImportSettings& settings) {
+    try {
+        ReaderResult found = RunReader(file);
+        if (settings.leavesOutColors && found.kind == ReaderResult::Kind::Mesh) {
+            found.mesh.m_bHasColors = false;
+            for (KV_ScenePane::Vertex& vertex : found.mesh.m_vVertices) vertex.color = 0;
+        }
+        return AddReaderResult(methods, file, found);
+    } catch (...) {
+        return {ImportResult::State::Failed, FailureReason(file, {}, TextOfCaughtError())};
+    }
+}
+
+ImportResult ImportFile(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                        const ImportSettings& settings) {
+    if (std::string refusal = RefusalOf(methods, file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
+    const FileLook look = LookAt(file);
+    if (look == FileLook::Process) return ImportByProcess(methods, file, settings);
+    if (look == FileLook::Points) return ReadPoints(file);
+    ImportResult result = ImportLookedAt(methods, file, settings, look);
+    if (result.state == ImportResult::State::Failed && HasSecondReader(file) && !ReaderProgram().empty())
+        return ImportByProcess(methods, file, settings);
+    return result;
+}
+
+ImportResult ImportByViewer(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                            const ImportSettings& settings) {
+    if (std::string refusal = RefusalOf(methods, file); !refusal.empty()) return {ImportResult::State::Failed, refusal};
+    const FileLook look = LookAt(file);
+    if (look == FileLook::Points) return {ImportResult::State::Points, {}};
+    return ImportLookedAt(methods, file, settings, look);
 }
 
 GridEntry EntryFor(const ImportSettings& settings) {

@@ -19,13 +19,12 @@
 #include "ForeignReader.h"
 #include "KV_ScenePane/PathText.h"
 #include "MessageTable.h"
+#include "ObjectPalette.h"
 
 namespace {
 
 using KV_ScenePane::PointCloud;
 using State = ImportResult::State;
-
-constexpr std::int32_t kUncolored = 0xFFFFFF;  // as the viewer's own imports of meshes
 
 PointCloud CloudOf(const KV_ScenePane::MeshBuffers& mesh) {
     PointCloud cloud;
@@ -101,7 +100,8 @@ std::string Import(KV_ScenePane::_DKV_ScenePane& methods, const std::string& fil
 
 }  // namespace
 
-ImportResult AddReaderResult(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file, ReaderResult found) {
+ImportResult AddReaderResult(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
+                             const ReaderResult& found) {
     if (found.kind == ReaderResult::Kind::Refused) return {State::Failed, FailureReason(file, found.text)};
     if (found.kind == ReaderResult::Kind::Points)
         return {State::Points, FileMessage(file, found.text), std::make_shared<PointCloud>(CloudOf(found.mesh))};

@@ -14,7 +14,7 @@
 /// @param file   path in bytes, the object's name
 /// @param found  the result for that file
 [[nodiscard]] ImportResult AddReaderResult(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file,
-                                           ReaderResult found);
+                                           const ReaderResult& found);
 
 /// As KV_ScenePane::ReadPointFile(), but for every file that holds points or a mesh, whose vertices are the points
 /// then: by scenepane-read where the viewer has no reader or refuses the file. Any thread.

@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-/// Names of the sides of an object that stands on the XY plane and whose front looks to -Y; of the two from -Z,
+/// Names of the sides of an object that lies on the XY plane with its front toward -Y; of the two from -Z,
 /// "bottom" has X to the right.
 inline constexpr std::array<std::string_view, 8> kViewNames = {"back", "front",  "right",   "left",
                                                                "top",  "bottom", "oblique", "bottom-y-up"};

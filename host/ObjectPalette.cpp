@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::int32_t kUncolored = 0xFFFFFF;  // what the viewer gives meshes
-
 bool IsOfKind(std::string_view file, FileKind kind) {
     const FileType* const type = FindFileType(file);
     return type != nullptr && type->kind == kind;

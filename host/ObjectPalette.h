@@ -9,6 +9,8 @@
 
 #include "SceneReport.h"
 
+/// What the viewer gives to meshes, 0x00BBGGRR: none was chosen.
+inline constexpr std::int32_t kUncolored = 0xFFFFFF;
 /// 0x00BBGGRR, for meshes. Light adds to an object's colour: of a white one, all that faces the viewer is pure white.
 inline constexpr std::int32_t kMeshColor = 0xCCCCCC;
 

@@ -221,7 +221,7 @@ private:
         std::vector<std::size_t> picked;
         for (const std::size_t size : m_vSizes) {
             const std::span<const std::int32_t> corners = std::span(m_vCorners).subspan(first, size);
-            RequireCorners(corners);
+            RequireCorners(corners, vertices.size(), m_found.mesh.m_vTriangles.size());
             picked.clear();
             AppendPolygon(vertices, corners, m_found.mesh.m_vTriangles, &picked);
             for (const std::size_t at : picked) {
@@ -231,15 +231,6 @@ private:
                     m_found.texCoords.push_back(m_vVertexUv[static_cast<std::size_t>(corners[at])]);
             }
             first += size;
-        }
-    }
-
-    void RequireCorners(std::span<const std::int32_t> corners) const {
-        const auto count = static_cast<std::int64_t>(m_found.mesh.m_vVertices.size());
-        for (const std::int32_t corner : corners) {
-            if (corner >= 0 && corner < count) continue;
-            throw UnreadableFile("triangle " + std::to_string(m_found.mesh.m_vTriangles.size()) + " refers to vertex " +
-                                 std::to_string(corner) + " of " + std::to_string(count));
         }
     }
 

@@ -5,21 +5,16 @@
 
 #include "AnyPly.h"
 #include "FoundMesh.h"
+#include "KV_ScenePane/PathText.h"
 #include "LibraryScene.h"
 #include "NamedFiles.h"
 #include "NumberWords.h"
 #include "ObjPoints.h"
 #include "TextStl.h"
 #include "files/RegularFile.h"
+#include "io/FileExtension.h"
 
 namespace {
-
-std::string ExtensionOf(std::string_view file) {
-    std::string extension(file.substr(file.rfind('.') + 1));
-    for (char& c : extension)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return extension;
-}
 
 /// Whether an obj file has anything but points.
 bool HasFaces(std::string_view text) {
@@ -32,11 +27,11 @@ bool HasFaces(std::string_view text) {
 
 ReaderResult ReadForeignFile(const std::string& file) {
     const NamedFiles files(file);
-    const std::string extension = ExtensionOf(file);
-    if (extension != "ply" && extension != "stl" && extension != "obj") return ResultOf(ReadByLibrary(file, files));
+    const std::wstring extension = LowerCaseExtension(KV_ScenePane::WidePath(file));
+    if (extension != L"ply" && extension != L"stl" && extension != L"obj") return ResultOf(ReadByLibrary(file, files));
     const std::vector<std::byte> bytes = FileStorage::RegularFile(file).ReadWhole();
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (extension == "obj") return ResultOf(HasFaces(text) ? ReadByLibrary(file, files) : ReadObjPoints(text));
-    if (extension == "stl") return ResultOf(ReadTextStl(text));
+    if (extension == L"obj") return ResultOf(HasFaces(text) ? ReadByLibrary(file, files) : ReadObjPoints(text));
+    if (extension == L"stl") return ResultOf(ReadTextStl(text));
     return ResultOf(ReadAnyPly(text, [&](const std::string& name) { return files.Load(name); }));
 }

@@ -28,16 +28,10 @@ bool HasDirection(const Vertex& vertex) {
 }
 
 void RequireIndices(const MeshBuffers& mesh) {
-    const auto count = static_cast<std::int64_t>(mesh.m_vVertices.size());
     if (mesh.m_vVertices.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
         throw UnreadableFile("more vertices than an index can count");
-    for (std::size_t i = 0; i < mesh.m_vTriangles.size(); ++i) {
-        for (const std::int32_t index : mesh.m_vTriangles[i].v) {
-            if (index >= 0 && index < count) continue;
-            throw UnreadableFile("triangle " + std::to_string(i) + " refers to vertex " + std::to_string(index) +
-                                 " of " + std::to_string(count));
-        }
-    }
+    for (std::size_t i = 0; i < mesh.m_vTriangles.size(); ++i)
+        RequireCorners(mesh.m_vTriangles[i].v, mesh.m_vVertices.size(), i);
 }
 
 void ComputeNormals(FoundMesh& found) {
@@ -103,6 +97,14 @@ ReaderResult PointsOf(FoundMesh found) {
 }
 
 }  // namespace
+
+void RequireCorners(std::span<const std::int32_t> corners, std::size_t vertices, std::size_t triangle) {
+    for (const std::int32_t corner : corners) {
+        if (corner >= 0 && static_cast<std::size_t>(corner) < vertices) continue;
+        throw UnreadableFile("triangle " + std::to_string(triangle) + " refers to vertex " + std::to_string(corner) +
+                             " of " + std::to_string(vertices));
+    }
+}
 
 ReaderResult ResultOf(FoundMesh found) {
     RequireIndices(found.mesh);

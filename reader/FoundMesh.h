@@ -2,6 +2,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -37,6 +38,10 @@ struct FoundMesh {
 
 /// @throws UnreadableFile when there is neither a triangle nor a point, or a triangle refers to a missing vertex
 [[nodiscard]] ReaderResult ResultOf(FoundMesh found);
+
+/// @param triangle  position of the one that the corners belong to, or begin with
+/// @throws UnreadableFile when a corner is none of the vertices
+void RequireCorners(std::span<const std::int32_t> corners, std::size_t vertices, std::size_t triangle);
 
 /// A colour word from channels of 0 to 255.
 [[nodiscard]] constexpr std::uint32_t ColorWord(std::uint32_t red, std::uint32_t green, std::uint32_t blue,

@@ -10,18 +10,18 @@
 #include <assimp/Importer.hpp>
 #include <cmath>
 #include <optional>
-#include <string_view>
 
+#include "KV_ScenePane/PathText.h"
 #include "LibraryFiles.h"
 #include "MeshImages.h"
+#include "io/FileExtension.h"
 
 namespace {
 
 /// Materials of these formats have light intensities; pictures and vertex colours here are as on the screen.
-bool HasLinearColors(std::string_view file) {
-    const std::string_view extension = file.substr(file.rfind('.') + 1);
-    return extension.size() >= 3 && (extension[1] == 'l' || extension[1] == 'L') &&  // gltf, glb
-           (extension[0] == 'g' || extension[0] == 'G');
+bool HasLinearColors(const std::string& file) {
+    const std::wstring extension = LowerCaseExtension(KV_ScenePane::WidePath(file));
+    return extension == L"gltf" || extension == L"glb";
 }
 
 /// The curve of sRGB.

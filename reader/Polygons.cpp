@@ -1,4 +1,5 @@
-// Ear clipping in the plane of the polygon, at worst cubic in its corners; a fan above a size at which that would be slow.
+// Ear clipping in the plane of the polygon, at worst cubic in its corners; a fan above a size at which that would be
+// slow.
 #include "Polygons.h"
 
 #include <array>

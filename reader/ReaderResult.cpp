@@ -21,7 +21,6 @@ using KV_ScenePane::Vertex;
 
 constexpr char kMagic[8] = {'K', 'V', 'R', 'E', 'A', 'D', '0', '1'};
 constexpr std::uint64_t kMaxCount = std::numeric_limits<std::int32_t>::max();
-constexpr std::uint32_t kWhite = 0xFFFFFFFF;
 
 struct Header {
     char magic[8] = {};
@@ -113,7 +112,7 @@ void Repair(KV_ScenePane::MeshBuffers& mesh) {
     for (Vertex& vertex : mesh.m_vVertices) {
         if (!std::isfinite(vertex.nx) || !std::isfinite(vertex.ny) || !std::isfinite(vertex.nz))
             vertex.nx = vertex.ny = vertex.nz = 0.0f;
-        if (!mesh.m_bHasColors) vertex.color = kWhite;
+        if (!mesh.m_bHasColors) vertex.color = 0;
         vertex.gridIndex = 0;
     }
 }

@@ -19,7 +19,7 @@ struct ReaderResult {
     Kind kind = Kind::Refused;
     /// One line: why the file was refused, or what of it was left out; empty for neither.
     std::string text;
-    /// Of a Mesh and of Points. A vertex without a colour is white.
+    /// Of a Mesh and of Points. Without colours the colour words are 0, as those of stl files.
     KV_ScenePane::MeshBuffers mesh{false};
     /// Of a TexturedMesh.
     std::vector<std::uint8_t> plyFile;

@@ -195,25 +195,6 @@ TEST_F(GridPictures, GiveMeshesTheColourOfTheCommandLine) {
     EXPECT_NE(out.Text().find("\"color\": \"FF0000\""), std::string::npos) << out.Text();
 }
 
-/// A flat grid whose points are all green.
-void WriteColoredPcm(const std::string& path, int columns, int rows) {
-    const std::vector<float> points = FlatGrid(columns, rows, 0.0f, 1000.0f);
-    const std::size_t count = points.size() / 3;
-    const std::vector<float> confidences(count, 1.0f);
-    const std::vector<std::uint8_t> classes(count, 0);
-    const std::vector<std::uint32_t> colors(count, 0xFF00FF00);
-    const float pose[] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    MsrStorage::PcmView view;
-    view.m_iWidth = columns;
-    view.m_iHeight = rows;
-    view.m_pPoints = points.data();
-    view.m_pConfidence = confidences.data();
-    view.m_pClassification = classes.data();
-    view.m_pColors = colors.data();
-    view.m_pTrafo = pose;
-    MsrStorage::WritePcmFile(path, view);
-}
-
 /// What is reported of a file, with and without the colours of its vertices.
 struct ColorsOf {
     std::string with, without;
@@ -241,7 +222,8 @@ ColorsOf ReportColors(const std::string& file) {
 
 TEST_F(GridPictures, OfScansCanLeaveOutTheColoursOfTheirPoints) {
     const std::string file = m_folder / "c.pcm";
-    WriteColoredPcm(file, 3, 3);
+    WritePcm(file, 3, 3, 0.0f, 1.0f, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
+             std::vector<std::uint32_t>(9, 0xFF00FF00));
     const ColorsOf colors = ReportColors(file);
     EXPECT_EQ(colors.with, "\"hasVertexColors\": true");
     EXPECT_EQ(colors.without, "\"hasVertexColors\": false");

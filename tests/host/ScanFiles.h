@@ -60,8 +60,10 @@ inline void WriteXdt(const std::string& path, int columns, int rows, float heigh
 /// @param height      of every point, scene units
 /// @param confidence  of every pixel
 /// @param pose        of the sensor: the rows of a matrix, scene units
+/// @param colors      one per pixel, or none
 inline void WritePcm(const std::string& path, int columns, int rows, float height = 0.0f, float confidence = 1.0f,
-                     std::array<float, 16> pose = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}) {
+                     std::array<float, 16> pose = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
+                     const std::vector<std::uint32_t>& colors = {}) {
     const std::vector<float> points = FlatGrid(columns, rows, height, 1000.0f);
     const std::vector<float> confidences(points.size() / 3, confidence);
     const std::vector<std::uint8_t> classes(points.size() / 3, 0);
@@ -73,6 +75,7 @@ inline void WritePcm(const std::string& path, int columns, int rows, float heigh
     view.m_pConfidence = confidences.data();
     view.m_pClassification = classes.data();
     view.m_pTrafo = pose.data();
+    view.m_pColors = colors.empty() ? nullptr : colors.data();
     MsrStorage::WritePcmFile(path, view);
 }
 

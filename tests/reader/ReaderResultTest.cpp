@@ -69,7 +69,7 @@ TEST_F(ReaderResultFile, OfOtherKindsGivesThemBack) {
     WriteReaderResult(m_fd, points);
     const ReaderResult read = ReadReaderResult(m_fd);
     EXPECT_EQ(read.kind, Kind::Points);
-    EXPECT_EQ(read.mesh.m_vVertices[0].color, 0xFFFFFFFFu) << "white without colours";
+    EXPECT_EQ(read.mesh.m_vVertices[0].color, 0u) << "without colours";
     ReaderResult textured;
     textured.kind = Kind::TexturedMesh;
     textured.plyFile = {1, 2, 3};

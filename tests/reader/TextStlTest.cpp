@@ -79,7 +79,7 @@ TEST(TextStl, GivesTheObjectOfTheBinaryFileOfTheSameMesh) {
     mesh.ComputeVertexNormals();
     ASSERT_EQ(result.mesh.m_vVertices.size(), mesh.m_vVertices.size());
     for (std::size_t i = 0; i < mesh.m_vVertices.size(); ++i)
-        EXPECT_EQ(std::memcmp(&result.mesh.m_vVertices[i], &mesh.m_vVertices[i], 6 * sizeof(float)), 0) << i;
+        EXPECT_EQ(std::memcmp(&result.mesh.m_vVertices[i], &mesh.m_vVertices[i], sizeof(Vertex)), 0) << i;
     ASSERT_EQ(result.mesh.m_vTriangles.size(), 4u);
     EXPECT_EQ(std::memcmp(result.mesh.m_vTriangles.data(), mesh.m_vTriangles.data(), 4 * sizeof(Triangle)), 0);
 }
