@@ -145,10 +145,11 @@ TEST_F(AtomicFileTest, RemovesNothingThatItHasNotMade) {
     const std::string left = LeftFile();
     ASSERT_NE(left, "");
     const std::string start = left.substr(0, left.size() - 5);  // names of this target
-    std::filesystem::create_directory(start + "a.tmp");
-    std::filesystem::create_symlink(folder / "elsewhere", start + "b.tmp");
-    ASSERT_EQ(mkfifo((start + "c.tmp").c_str(), 0600), 0);
-    std::ofstream(start + "d.txt") << "mine";
+    // Its last digit is replaced by letters that are no hexadecimal digits: all names differ.
+    std::filesystem::create_directory(start + "x.tmp");
+    std::filesystem::create_symlink(folder / "elsewhere", start + "y.tmp");
+    ASSERT_EQ(mkfifo((start + "z.tmp").c_str(), 0600), 0);
+    std::ofstream(start + "x.txt") << "mine";
     std::ofstream(folder / "elsewhere") << "mine";
     const std::size_t before = folder.FileCount();
     Write(path);

@@ -5,6 +5,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -67,6 +68,10 @@ protected:
         const auto before = ThreadsNow();
         g_startedThreads = 0;
         work();
+        // The kernel removes a thread from the list shortly after it has ended.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (ThreadsNow() != before && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         EXPECT_EQ(ThreadsNow(), before);
         return g_startedThreads;
     }
