@@ -8,6 +8,7 @@
 
 #include "InputFiles.h"
 #include "ModeNames.h"
+#include "NamedFilesCheck.h"
 #include "PictureFile.h"
 
 namespace {
@@ -78,7 +79,8 @@ std::string OutputRefusal(const HostOptions& options) {
         const auto isSame = [&](const std::string& file) {
             return file == path || (exists && IsSameFile(file, state));
         };
-        if (std::ranges::any_of(read, isSame)) return path + ": this file is also read: write another one";
+        if (std::ranges::any_of(read, isSame) || IsNamedByAny(read, path))
+            return path + ": this file is also read: write another one";
     }
     return {};
 }

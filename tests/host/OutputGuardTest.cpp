@@ -70,6 +70,14 @@ TEST_F(OutputGuardTest, RefusesTransformsOntoAFileThatIsRead) {
     EXPECT_EQ(with({"--transforms", "%t.json", "--save-transforms", "%t.json"}), "") << "entries are kept";
 }
 
+TEST_F(OutputGuardTest, RefusesAPictureThatIsAnImageOfAMesh) {
+    WriteText(m_folder / "a.obj", "mtllib a.mtl\n");
+    WriteText(m_folder / "a.mtl", "newmtl a\nmap_Kd s.png\n");
+    EXPECT_EQ(Refusal({"--screenshot", "%s.png", "%a.stl", "%a.obj"}), AlsoRead("s.png"));
+    EXPECT_EQ(Refusal({"--capture", "%s.png", "%."}), AlsoRead("s.png"));
+    EXPECT_EQ(Refusal({"--screenshot", "%new.png", "%a.obj"}), "");
+}
+
 TEST_F(OutputGuardTest, RefusesEachPictureOfSeveralViews) {
     ASSERT_EQ(link((m_folder / "a.stl").c_str(), (m_folder / "o-left.png").c_str()), 0);
     EXPECT_EQ(Refusal({"--screenshot", "%o-{view}.png", "--views", "front,left", "%a.stl"}), AlsoRead("o-left.png"));
