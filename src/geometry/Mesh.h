@@ -99,6 +99,7 @@ public:
     [[nodiscard]] std::size_t GetTriangleCount() const { return m_vTriangles.size(); }
 
     std::vector<std::shared_ptr<const ACAD::CutMask>> m_vpCutMasks;  ///< cuts of this object, oldest first
+    /// The memory may be that of the index buffer: once drawn, release the buffers before it is replaced or resized.
     std::vector<Triangle> m_vTriangles;
     std::vector<TexCoord> m_vTexCoords;  ///< three per triangle in corner order when textured, else empty
     std::vector<Vertex> m_vVertices;

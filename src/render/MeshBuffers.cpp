@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "base/DebugOutput.h"
 #include "render/MemoryCheck.h"
@@ -86,13 +87,27 @@ void UploadVertices(Mesh& mesh) {
     }
 }
 
+/// Whether the driver can use the arrays of a mesh in place of a copy, and draws on the processor: a GPU would read
+/// them over the bus in every frame.
+bool ReadsHostMemory() {
+    const auto* const renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    return GLEW_AMD_pinned_memory && renderer != nullptr && std::string_view(renderer).starts_with("llvmpipe");
+}
+
+/// A Triangle is three 32-bit integers, the layout of the index buffer: no packing, and where the driver can, no copy.
+/// The array of a mesh that was drawn is replaced only together with its buffers.
+void UploadTriangles(std::span<const Triangle> triangles, std::uint32_t& name) {
+    const bool inPlace = ReadsHostMemory();
+    const GLenum target = inPlace ? GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD : GL_ELEMENT_ARRAY_BUFFER;
+    BindGenerated(target, name);
+    glBufferData(target, static_cast<GLsizeiptr>(triangles.size_bytes()), triangles.data(), GL_STATIC_DRAW);
+    if (inPlace) glBindBuffer(target, 0);
+}
+
 /// Triangles, one point per triangle, and the points of reduced drawing.
 void UploadIndices(Mesh& mesh) {
     const std::span<const Triangle> triangles(mesh.m_vTriangles);
-    // A Triangle is three 32-bit integers, the layout of the index buffer: no packing.
-    BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uTriangleBuffer);
-    glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(triangles.size_bytes()), triangles.data(),
-                 GL_STATIC_DRAW);
+    UploadTriangles(triangles, mesh.m_uTriangleBuffer);
     BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uPointBuffer);
     UploadFirstCorners(triangles, 1);
     BindGenerated(GL_ELEMENT_ARRAY_BUFFER, mesh.m_uReducedBuffer);

@@ -62,6 +62,23 @@ TEST_F(MeshBuffersOnTheGpu, HoldThePackedVerticesAndThreeKindsOfIndices) {
     mesh->ReleaseBuffers();
 }
 
+TEST_F(MeshBuffersOnTheGpu, AreTheTrianglesOfTheMeshItselfWhereTheProcessorDraws) {
+    ASSERT_TRUE(pane->MakeContextCurrent());
+    if (!GLEW_AMD_pinned_memory ||
+        !std::string(reinterpret_cast<const char*>(glGetString(GL_RENDERER))).starts_with("llvmpipe"))
+        GTEST_SKIP() << "this driver copies";
+    const auto mesh = Fan(25, false);
+    for (int draw = 0; draw < 2; ++draw) {  // the second one uploads again
+        DrawNow(*mesh);
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, mesh->m_uTriangleBuffer);
+        EXPECT_EQ(glMapBuffer(GL_ELEMENT_ARRAY_BUFFER, GL_READ_ONLY), mesh->m_vTriangles.data());
+        glUnmapBuffer(GL_ELEMENT_ARRAY_BUFFER);
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+        mesh->MarkBuffersDirty();
+    }
+    mesh->ReleaseBuffers();
+}
+
 TEST_F(MeshBuffersOnTheGpu, HoldTheBlendedColoursOfAColouredMesh) {
     const auto mesh = Fan(3, true);
     mesh->m_vVertices[7].color = 0x00FFFFFF;
@@ -238,11 +255,10 @@ TEST_F(MeshBuffersOfAMovedObject, HoldItsNewVerticesInEveryLayout) {
 TEST_F(MeshBuffersOfAMovedObject, KeepTheirIndices) {
     const auto mesh = Fan(25, false);
     DrawNow(*mesh);
-    const auto corners = Indices(mesh->m_uTriangleBuffer), points = Indices(mesh->m_uPointBuffer);
+    const auto points = Indices(mesh->m_uPointBuffer);
     for (Triangle& triangle : mesh->m_vTriangles) std::swap(triangle.v[0], triangle.v[1]);  // not marked dirty
     mesh->ApplyTrafo(QuarterAboutZ());
     DrawNow(*mesh);
-    EXPECT_EQ(Indices(mesh->m_uTriangleBuffer), corners);
     EXPECT_EQ(Indices(mesh->m_uPointBuffer), points);
     mesh->MarkBuffersDirty();
     mesh->ApplyTrafo(QuarterAboutZ());
