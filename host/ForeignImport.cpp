@@ -1,16 +1,7 @@
 // Everything in a result was checked when it was read (ReaderResult.h).
 #include "ForeignImport.h"
 
-#include <stdlib.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstddef>
-#include <filesystem>
 #include <memory>
-#include <span>
-#include <system_error>
 #include <utility>
 
 #include "CaughtError.h"
@@ -20,6 +11,7 @@
 #include "KV_ScenePane/PathText.h"
 #include "MessageTable.h"
 #include "ObjectPalette.h"
+#include "TemporaryPly.h"
 
 namespace {
 
@@ -38,48 +30,6 @@ PointCloud CloudOf(const KV_ScenePane::MeshBuffers& mesh) {
     }
     return cloud;
 }
-
-/// A ply file in memory, with a name on disk for as long as this exists: the viewer opens files by their names, and
-/// chooses its reader by the extension. What a killed program leaves is a folder with a link to nothing.
-class TemporaryPly {
-public:
-    /// @throws std::system_error
-    explicit TemporaryPly(std::span<const std::uint8_t> bytes)
-        : m_iFd(memfd_create("mesh.ply", MFD_CLOEXEC)),
-          m_folder((std::filesystem::temp_directory_path() / "scenepane-XXXXXX").string()) {
-        const std::string content = "/proc/self/fd/" + std::to_string(m_iFd);
-        const bool isMade = m_iFd >= 0 && WriteAll(bytes) && mkdtemp(m_folder.data()) != nullptr &&
-                            symlink(content.c_str(), Path().c_str()) == 0;
-        if (isMade) return;
-        const int error = errno;
-        Remove();
-        throw std::system_error(error, std::generic_category(), "no temporary file");
-    }
-    ~TemporaryPly() { Remove(); }
-    TemporaryPly(const TemporaryPly&) = delete;
-    TemporaryPly& operator=(const TemporaryPly&) = delete;
-
-    [[nodiscard]] std::string Path() const { return m_folder + "/mesh.ply"; }
-
-private:
-    [[nodiscard]] bool WriteAll(std::span<const std::uint8_t> bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t written = write(m_iFd, bytes.data(), bytes.size());
-            if (written < 0 && errno == EINTR) continue;
-            if (written <= 0) return false;
-            bytes = bytes.subspan(static_cast<std::size_t>(written));
-        }
-        return true;
-    }
-    void Remove() const {
-        if (m_iFd >= 0) close(m_iFd);
-        unlink(Path().c_str());
-        rmdir(m_folder.c_str());
-    }
-
-    int m_iFd;
-    std::string m_folder;
-};
 
 /// @return the text of an exception; empty without one
 std::string Import(KV_ScenePane::_DKV_ScenePane& methods, const std::string& file, const ReaderResult& found,

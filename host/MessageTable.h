@@ -48,13 +48,17 @@ extern const char kUnknownType[];  ///< the types that are known
 
 // Sentences about files that scenepane-read reads; see host/ForeignReader.h.
 extern const char kNoReader[];          ///< no place
-extern const char kReaderNotStarted[];  ///< the system's reason
+extern const char kReaderNotStarted[];  ///< the system's reason: a lack of processes, memory or descriptors
+extern const char kReaderDamaged[];     ///< the system's reason, any other
 extern const char kReaderTooSlow[];     ///< seconds
 extern const char kReaderCrashed[];     ///< how the process ended
+extern const char kReaderFailed[];      ///< what is wrong with its result
+extern const char kNoTemporaryFile[];   ///< no place; see host/TemporaryPly.h
 extern const char kMeshWithImage[];     ///< no place
 extern const char kPointsAlone[];       ///< no place
 
-// Sentences about what the window opens, no place.
-extern const char kEmptyFolder[];
-extern const char kFullFolder[];
-extern const char kNoNeedles[];
+// Sentences about folders and other things that are opened.
+extern const char kEmptyFolder[];   ///< no place
+extern const char kUnreadFolder[];  ///< the system's reason
+extern const char kFullFolder[];    ///< no place
+extern const char kNoNeedles[];     ///< no place

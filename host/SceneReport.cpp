@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "CutOption.h"
+#include "FileLook.h"
 #include "JsonText.h"
 #include "KV_ScenePane/PathText.h"
 #include "options/TerminalText.h"
@@ -182,6 +183,9 @@ ObjectReport ReportObject(KV_ScenePane::ScenePane& pane, std::int16_t index, std
         object.name = info.name;
         object.hasVertexColors = info.hasVertexColors;
     }
+    // A mesh with an image comes from a temporary ply file, whose objects the viewer gives no name.
+    if (object.name.empty() && LookAt(object.file) == FileLook::Process)
+        object.name = KV_ScenePane::WidePath(object.file);
     KV_ScenePane::_DKV_ScenePane& methods = pane.Methods();
     methods.GetMeshDataSize(index, &object.vertices, &object.triangles);
     auto& box = object.box;

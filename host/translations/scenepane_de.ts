@@ -2538,6 +2538,22 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <source>a property in the header of the ply file is not complete: export it again from its source</source>
         <translation>Eine Eigenschaft im Kopf der PLY-Datei ist nicht vollständig: noch einmal aus der Quelle exportieren</translation>
     </message>
+    <message>
+        <source>the program scenepane-read, which reads such files, could not be started: %1: install scenepane again</source>
+        <translation>Das Programm scenepane-read, das solche Dateien liest, konnte nicht gestartet werden: %1: scenepane neu installieren</translation>
+    </message>
+    <message>
+        <source>the file is damaged, or of a form that is not read: its reader failed: %1</source>
+        <translation>Die Datei ist beschädigt oder von einer Form, die nicht gelesen wird: das Leseprogramm ist gescheitert: %1</translation>
+    </message>
+    <message>
+        <source>its image needs a temporary file, which could not be made: set TMPDIR to a folder that can be written</source>
+        <translation>Das Bild darauf braucht eine temporäre Datei, die nicht angelegt werden konnte: TMPDIR auf einen beschreibbaren Ordner setzen</translation>
+    </message>
+    <message>
+        <source>the folder could not be read: %1: check its permissions</source>
+        <translation>der Ordner konnte nicht gelesen werden: %1: seine Zugriffsrechte prüfen</translation>
+    </message>
 </context>
 <context>
     <name>NeedlePanel</name>

@@ -133,6 +133,19 @@ TEST_F(ForeignMesh, LeavesNoTemporaryFiles) {
     EXPECT_EQ(temporary.FileCount(), 0u);
 }
 
+TEST_F(ForeignMesh, WithAnImageOpensWithoutTheFolderOfTemporaryFiles) {
+    setenv("TMPDIR", (m_folder / "none").c_str(), 1);
+    WriteImage("a.png", 200, 100);
+    Write("m.mtl", "newmtl a\nmap_Kd a.png\n");
+    m_options.files = {Write("a.obj", "mtllib m.mtl\n" + kSquare + "usemtl a\nf 1/1 2/2 3/3 4/4\n")};
+    const std::string json = InfoOf(kExitGood);
+    unsetenv("TMPDIR");
+    EXPECT_NE(json.find("\"name\": \"" + m_options.files[0] + "\", \"vertices\": 4, \"triangles\": 2"),
+              std::string::npos)
+        << "with the name of a mesh without an image\n"
+        << json;
+}
+
 TEST_F(ForeignMesh, WithSomethingLeftOutHasAWarning) {
     Write("m.mtl", "newmtl a\nmap_Kd none.png\n");
     m_options.files = {Write("a.obj", "mtllib m.mtl\n" + kSquare + "usemtl a\nf 1/1 2/2 3/3\nl 1 2\n")};
