@@ -1,5 +1,4 @@
-// The process writes into a memory file. It is read after the process has ended: nobody can change it any more. The
-// process holds one end of a pipe, whose other end reports when it is gone.
+// The process writes into a memory file. It is read after the process has ended: nobody can change it any more.
 #include "ForeignReader.h"
 
 #include <fcntl.h>
@@ -7,6 +6,7 @@
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -52,12 +52,12 @@ private:
     int m_iFd;
 };
 
-/// Starts the program with the result as kReaderResultFd and the pipe as its standard output. @return 0, or errno
-int Start(const ReaderRun& run, const std::string& file, int result, int pipe, pid_t& process) {
+/// Starts the program with the result as kReaderResultFd. @return 0, or errno
+int Start(const ReaderRun& run, const std::string& file, int result, pid_t& process) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, pipe, STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, result, kReaderResultFd);
     posix_spawn_file_actions_addclosefrom_np(&actions, kReaderResultFd + 1);
@@ -82,24 +82,31 @@ int Start(const ReaderRun& run, const std::string& file, int result, int pipe, p
 
 enum class End { Normal, TooSlow, Cancelled };
 
-/// Waits until the process is gone, and ends it when it must not go on. @param pipe  of which it holds the other end
-End WaitFor(pid_t process, int pipe, const ReaderRun& run) {
-    constexpr int kStepMs = 50;  // until a cancellation is seen
+/// Waits until the process has ended, and ends it when it must not go on. @param status  receives that of waitpid()
+End WaitFor(pid_t process, const ReaderRun& run, int& status) {
+    constexpr int kStepMs = 50;    // until a cancellation is seen
+    constexpr int kWithoutMs = 5;  // where the kernel does not report the end of a process
     const Clock::time_point deadline = Clock::now() + run.limits.whole;
+    // Not pidfd_open(): C++ programs cannot link that of glibc 2.36.
+    const Descriptor ended(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
     End end = End::Normal;
     for (;;) {
-        pollfd ready{pipe, POLLIN, 0};
-        const int count = poll(&ready, 1, kStepMs);
-        if (count > 0 && (ready.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) return end;
-        if (count > 0) {  // it should print nothing
-            char dropped[512];
-            (void)!read(pipe, dropped, sizeof dropped);
-        }
+        pollfd ready{ended.Get(), POLLIN, 0};  // one of -1 is left out: a pause
+        poll(&ready, 1, ended.Get() >= 0 ? kStepMs : kWithoutMs);
+        const pid_t gone = waitpid(process, &status, WNOHANG);
+        if (gone == process || (gone < 0 && errno != EINTR)) return end;
         if (end != End::Normal) continue;
         if (run.isCancelled && run.isCancelled()) end = End::Cancelled;
         if (Clock::now() > deadline) end = End::TooSlow;
         if (end != End::Normal) kill(process, SIGKILL);
     }
+}
+
+/// Why no process was started.
+std::string StartRefusal(int error) {
+    const std::string reason = strerrordesc_np(error);
+    const bool isShortage = error == EAGAIN || error == ENOMEM || error == EMFILE || error == ENFILE;
+    return FilledSentence(isShortage ? kReaderNotStarted : kReaderDamaged, {&reason, 1});
 }
 
 std::string CrashText(int status, End end, const ReaderRun& run) {
@@ -154,29 +161,19 @@ std::string ReaderProgram() {
 
 ReaderResult RunReader(const std::string& file, const ReaderRun& run) {
     if (run.program.empty()) return Refusal(kNoReader);
-    const auto failure = [](int error) {
-        const std::string reason = strerrordesc_np(error);
-        return Refusal(FilledSentence(kReaderNotStarted, {&reason, 1}));
-    };
     const Descriptor result(memfd_create("scenepane-read", MFD_CLOEXEC));
-    int ends[2] = {-1, -1};
-    if (result.Get() < 0 || pipe2(ends, O_CLOEXEC) != 0) return failure(errno);
-    const Descriptor ended(ends[0]);
-    Descriptor held(ends[1]);
+    if (result.Get() < 0) return Refusal(StartRefusal(errno));
     pid_t process = -1;
-    if (const int error = Start(run, file, result.Get(), held.Get(), process); error != 0) return failure(error);
-    held.Close();
-    const End end = WaitFor(process, ended.Get(), run);
+    if (const int error = Start(run, file, result.Get(), process); error != 0) return Refusal(StartRefusal(error));
     int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-    }
+    const End end = WaitFor(process, run, status);
     if (end != End::Normal || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
         return Refusal(CrashText(status, end, run));
     try {
         return ReadReaderResult(result.Get());
     } catch (const ReaderResultError& error) {
         const std::string reason = error.what();
-        return Refusal(FilledSentence(kReaderCrashed, {&reason, 1}));
+        return Refusal(FilledSentence(kReaderFailed, {&reason, 1}));
     }
 }
 

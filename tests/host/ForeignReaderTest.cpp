@@ -2,6 +2,7 @@
 #include "ForeignReader.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -46,6 +47,8 @@ protected:
     const std::string m_file = m_folder / "a.obj";
 };
 
+const std::string kFailed = "the file is damaged, or of a form that is not read: its reader failed: ";
+
 std::string Crashed(const std::string& how) {
     return "the file is damaged, or of a form that is not read: its reader ended with " + how;
 }
@@ -64,8 +67,8 @@ TEST_F(ForeignReader, ReportsHowTheProcessEnded) {
     EXPECT_EQ(ReasonOf("kill -SEGV $$"), Crashed("SIGSEGV"));
     EXPECT_EQ(ReasonOf("kill -ABRT $$"), Crashed("SIGABRT"));
     EXPECT_EQ(ReasonOf("exit 3"), Crashed("exit status 3"));
-    EXPECT_EQ(ReasonOf("exit 0"), Crashed("the result is cut short")) << "nothing was written";
-    EXPECT_EQ(ReasonOf("head -c 100 /dev/zero >&3"), Crashed("there is no result"));
+    EXPECT_EQ(ReasonOf("exit 0"), kFailed + "the result is cut short") << "nothing was written";
+    EXPECT_EQ(ReasonOf("head -c 100 /dev/zero >&3"), kFailed + "there is no result");
     EXPECT_EQ(ReasonOf("echo noise; echo noise >&2; exit 1"), Crashed("exit status 1"));
     EXPECT_EQ(ReasonOf("kill -XCPU $$"),
               "reading the file was given up after 60 seconds: it is damaged or too large for its format");
@@ -80,8 +83,16 @@ TEST_F(ForeignReader, EndsAProcessThatDoesNotEnd) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 100s);
 }
 
+// The end of its output is not that of the process.
+TEST_F(ForeignReader, EndsAProcessThatClosesItsDescriptorsAndDoesNotEnd) {
+    ReaderRun run = RunOf("exec 1>&- 3>&-; exec sleep 30");
+    run.limits.whole = 1s;
+    EXPECT_EQ(RunReader(m_file, run).text,
+              "reading the file was given up after 1 seconds: it is damaged or too large for its format");
+}
+
 TEST_F(ForeignReader, EndsTheProcessWhenItIsCancelled) {
-    ReaderRun run = RunOf("exec sleep 1000");
+    ReaderRun run = RunOf("exec 1>&-; exec sleep 30");
     int calls = 0;
     run.isCancelled = [&] { return ++calls > 2; };
     const ReaderResult result = RunReader(m_file, run);
@@ -97,7 +108,21 @@ TEST_F(ForeignReader, NamesAMissingProgram) {
     run.program = m_folder / "none";
     EXPECT_EQ(RunReader(m_file, run).text,
               "the program scenepane-read, which reads such files, could not be started: No such file or directory: "
-              "close other programs");
+              "install scenepane again");
+}
+
+TEST_F(ForeignReader, NamesALackOfDescriptors) {
+    const ReaderRun run = RunOf("exit 0");
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
+    rlimit none = saved;
+    none.rlim_cur = 3;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const ReaderResult result = RunReader(m_file, run);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &saved), 0);
+    EXPECT_EQ(result.text,
+              "the program scenepane-read, which reads such files, could not be started: Too many open files: close "
+              "other programs");
 }
 
 TEST_F(ForeignReader, PassesOnNoDescriptorsOfThisProgram) {
