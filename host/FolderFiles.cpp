@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <deque>
 #include <memory>
 #include <set>
@@ -12,6 +14,7 @@
 #include <utility>
 
 #include "FileTypes.h"
+#include "MessageTable.h"
 #include "NaturalOrder.h"
 
 namespace {
@@ -53,33 +56,51 @@ public:
 private:
     void Visit(const Folder& folder) {
         struct stat status {};
-        if (stat(folder.path.c_str(), &status) != 0 || !m_visited.insert({status.st_dev, status.st_ino}).second) return;
+        if (stat(folder.path.c_str(), &status) != 0) return NoteUnread(folder.path);
+        if (!m_visited.insert({status.st_dev, status.st_ino}).second) return;
         const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.path.c_str()), closedir);
-        if (!entries) return;
+        if (!entries) return NoteUnread(folder.path);
         const std::string start = folder.path.ends_with('/') ? folder.path : folder.path + '/';
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): of one stream, on one thread
-        while (const dirent* const entry = readdir(entries.get())) {
+        for (;;) {
+            errno = 0;
+            const dirent* const entry = readdir(entries.get());  // NOLINT(concurrency-mt-unsafe): on one thread
+            if (entry == nullptr) break;
             if (entry->d_name[0] == '.') continue;
             if (m_nEntries++ == m_limits.entries) {
                 m_found.isCut = true;
                 return;
             }
-            Add(start + entry->d_name, folder.depth);
+            if (!Add(start + entry->d_name, folder.depth)) break;
         }
+        if (errno != 0) NoteUnread(folder.path);
     }
 
-    void Add(const std::string& path, int depth) {
+    /// For the reason in errno.
+    void NoteUnread(const std::string& folder) {
+        const std::string reason = strerrordesc_np(errno);
+        m_found.unread.push_back({folder, FilledSentence(kUnreadFolder, {&reason, 1})});
+    }
+
+    /// @return false with errno when the folder does not let its files be looked at
+    bool Add(const std::string& path, int depth) {
         struct stat status {};
-        if (stat(path.c_str(), &status) != 0) return;
+        if (stat(path.c_str(), &status) != 0) return !IsDenied(path);
         if (S_ISDIR(status.st_mode)) {
             if (depth < m_limits.depth) m_waiting.push_back({path, depth + 1});
-            return;
+            return true;
         }
-        if (!S_ISREG(status.st_mode) || !IsOpenedFromFolder(path)) return;
+        if (!S_ISREG(status.st_mode) || !IsOpenedFromFolder(path)) return true;
         if (m_found.files.size() == m_limits.files)
             m_found.isCut = true;
         else
             m_found.files.push_back(path);
+        return true;
+    }
+
+    /// By the folder itself, after stat() failed. A link that leads nowhere, or into another folder, is no such case.
+    static bool IsDenied(const std::string& path) {
+        struct stat status {};
+        return lstat(path.c_str(), &status) != 0 && errno == EACCES;
     }
 
     const FolderLimits m_limits;

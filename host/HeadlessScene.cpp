@@ -20,6 +20,7 @@
 #include "ObjectPalette.h"
 #include "PaintBlock.h"
 #include "ProgressLine.h"
+#include "SceneFile.h"
 #include "TightFit.h"
 #include "TransformFile.h"
 #include "ViewerStartNotice.h"
@@ -56,11 +57,22 @@ ImportResult WithPoints(KV_ScenePane::_DKV_ScenePane& methods, const ImportSetti
     return {ImportResult::State::Points, read.text};
 }
 
-/// The files of the arguments. A run that writes one object reads one file: a folder in its place is a failure.
+/// The files of the arguments. A run that writes one object reads one file: a folder or a list in its place is a
+/// failure.
 InputFiles InputOf(const std::vector<std::string>& files, const HostOptions& options) {
-    if (options.action != HostAction::Convert && options.action != HostAction::Export) return ExpandedFiles(files);
+    const bool isConvert = options.action == HostAction::Convert;
+    if (!isConvert && options.action != HostAction::Export) return ExpandedFiles(files);
     InputFiles input;
-    input.files = files;
+    const std::string readsOne = isConvert ? ": --convert reads one file" : ": --export reads one file";
+    for (const std::string& file : files) {
+        const std::string refusal = ReadRefusal(file);
+        if (refusal == kIsFolder)
+            input.failed.push_back({file, "this is a folder" + readsOne});
+        else if (refusal == kNoSuchFile && IsFileList(file))
+            input.failed.push_back({file, "this is a list of files" + readsOne});
+        else
+            input.files.push_back(file);
+    }
     return input;
 }
 
@@ -241,7 +253,7 @@ void ShowView(ScenePane& pane, const HostOptions& options, KV_ScenePane::ViewMod
         FitView(methods, options.zoom);
         return;
     }
-    methods.SetDefaultZoomFactor(1.0f);  // a tight fit changes it
+    methods.SetDefaultZoomFactor(1.0f);     // a tight fit changes it
     if (options.axes) methods.ShowAxes(0);  // of the picture before
     methods.CenterView();
     FitTightly(pane);

@@ -74,14 +74,15 @@ std::vector<std::string> MainWindow::WithFilesOfFolders(const std::vector<std::s
         files.insert(files.end(), found.files.begin(), found.files.end());
         if (!found.files.empty()) m_pShell->NoteOpened({path});
         // Queued: at the start nothing follows the failures of the window yet.
-        const auto report = [this, path](const char* reason) {
+        const auto report = [this](const std::string& folder, const std::string& reason) {
             QMetaObject::invokeMethod(
-                this, [this, path, reason] { ReportFileFailure(path, reason); }, Qt::QueuedConnection);
+                this, [this, folder, reason] { ReportFileFailure(folder, reason); }, Qt::QueuedConnection);
         };
-        if (found.files.empty())
-            report(kEmptyFolder);
+        for (const UnreadFolder& unread : found.unread) report(unread.path, unread.reason);
+        if (found.files.empty() && found.unread.empty())
+            report(path, kEmptyFolder);
         else if (found.isCut)
-            report(kFullFolder);
+            report(path, kFullFolder);
     }
     return files;
 }

@@ -75,7 +75,9 @@ constexpr Option kOptions[] = {
      .read = SetFlag<&HostOptions::json>,
      .goesWith = "--info, --pick and --align"},
     {.row = {.name = "--convert",
-             .help = "write what IN holds, a scan or a mesh, as the {written} file OUT; needs no OpenGL either",
+             .help =
+                 "write what the file IN holds, a scan or a mesh, as the {written} file OUT; IN is no folder and no "
+                 "list; needs no OpenGL either",
              .followedBy = "IN OUT"},
      .group = OptionGroup::Results,
      .selects = kConvert,

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
+#include "host/UnprivilegedUser.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -60,11 +62,42 @@ TEST_F(FolderFilesTest, StopsAtItsLimits) {
     EXPECT_EQ(FilesInFolder(m_folder.Path(), {.depth = 1}).files.size(), 5u);
 }
 
-TEST_F(FolderFilesTest, AFolderThatCannotBeReadHoldsNothing) {
-    EXPECT_TRUE(FilesInFolder(m_folder / "none").files.empty());
-    EXPECT_TRUE(FilesInFolder(m_folder.Path()).files.empty()) << "an empty one";
+TEST_F(FolderFilesTest, AFolderThatCannotBeReadHasAReason) {
+    EXPECT_TRUE(FilesInFolder(m_folder.Path()).unread.empty()) << "an empty one";
     Make("a.pcm");
-    EXPECT_TRUE(FilesInFolder(m_folder / "a.pcm").files.empty()) << "a file";
+    for (const auto& [name, reason] : {std::pair{"none", "No such file or directory"}, {"a.pcm", "Not a directory"}}) {
+        const FolderFiles found = FilesInFolder(m_folder / name);
+        EXPECT_TRUE(found.files.empty()) << name;
+        ASSERT_EQ(found.unread.size(), 1u) << name;
+        EXPECT_EQ(found.unread[0].path, m_folder / name);
+        EXPECT_EQ(found.unread[0].reason,
+                  std::string("the folder could not be read: ") + reason + ": check its permissions");
+    }
+}
+
+TEST_F(FolderFilesTest, FoldersWithoutPermissionAreNamedBesideTheFilesThatWereFound) {
+    using std::filesystem::perms;
+    Make("a.pcm");
+    Make("closed/b.pcm");
+    Make("listed/c.pcm");
+    std::filesystem::create_symlink("closed/b.pcm", m_folder.Path() / "link.pcm");
+    std::filesystem::permissions(m_folder.Path(), perms(0755));
+    std::filesystem::permissions(m_folder.Path() / "closed", perms::none);
+    std::filesystem::permissions(m_folder.Path() / "listed", perms(0444));
+    FolderFiles found;
+    {
+        const UnprivilegedUser user;
+        if (!user.HasEffect()) GTEST_SKIP() << "this process cannot change its user";
+        found = FilesInFolder(m_folder.Path());
+    }
+    for (const char* const name : {"closed", "listed"})
+        std::filesystem::permissions(m_folder.Path() / name, perms::owner_all);
+    EXPECT_EQ(Names(found), Files{"a.pcm"});
+    ASSERT_EQ(found.unread.size(), 2u);
+    Files unread = {found.unread[0].path, found.unread[1].path};
+    std::ranges::sort(unread);
+    EXPECT_EQ(unread, (Files{m_folder / "closed", m_folder / "listed"}));
+    EXPECT_EQ(found.unread[0].reason, "the folder could not be read: Permission denied: check its permissions");
 }
 
 }  // namespace
