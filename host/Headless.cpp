@@ -99,7 +99,7 @@ bool WriteShown(const KV_ScenePane::Picture& picture, const std::string& path, s
     std::string reason = "not written, the viewer gave no picture";
     const bool isWritten = picture.width > 0 && WritePicture(path, picture, &reason);
     const std::string name = path == kStandardOutput ? "standard output" : path;
-    if (!isWritten) PrintError(err, name + ": " + reason);
+    if (!isWritten) PrintError(err, reason == kClosedOutput ? reason : name + ": " + reason);
     return isWritten;
 }
 
@@ -190,7 +190,7 @@ void PrintError(std::FILE* err, const std::string& line) {
 
 int PrintResult(const std::string& text, std::FILE* out, std::FILE* err) {
     if (WriteText(out, text)) return kExitGood;
-    PrintError(err, std::string("standard output: ") + strerrordesc_np(errno));
+    PrintError(err, errno == EBADF ? kClosedOutput : std::string("standard output: ") + strerrordesc_np(errno));
     return kExitFailure;
 }
 

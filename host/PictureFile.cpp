@@ -118,7 +118,7 @@ bool PrintPng(const KV_ScenePane::Picture& picture, std::string* reason) {
     errno = 0;
     const bool isWritten = png_image_write_to_stdio(&image, stdout, 0, rgb.data(), 0, nullptr) != 0;
     if (isWritten && std::fflush(stdout) == 0) return true;
-    *reason = errno != 0 ? strerrordesc_np(errno) : image.message;
+    *reason = errno == EBADF ? kClosedOutput : errno != 0 ? strerrordesc_np(errno) : image.message;
     return false;
 }
 

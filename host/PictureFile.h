@@ -14,6 +14,9 @@ enum class PictureFormat { Png, Jpeg, WebP };
 /// The name of standard output in place of a file. Its pictures are PNG.
 inline constexpr std::string_view kStandardOutput = "-";
 
+/// The reason where there is no standard output.
+inline constexpr const char* kClosedOutput = "standard output is closed";
+
 /// Writes the picture without its alpha: PNG and WebP keep every pixel, JPEG has the quality 92 of 100. Files are
 /// written as by WriteFileBytes() (PngFile.h).
 /// @param path    in bytes, with one of the extensions, or kStandardOutput

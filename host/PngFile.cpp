@@ -9,11 +9,10 @@
 #include <cstring>
 #include <memory>
 #include <stdexcept>
-#include <system_error>
 #include <vector>
 
 #include "CaughtError.h"
-#include "SceneFile.h"
+#include "MessageTable.h"
 #include "files/AtomicFile.h"
 
 namespace {
@@ -47,10 +46,10 @@ std::vector<png_byte> Encode(const KV_ScenePane::Picture& picture, PngAlpha alph
     return bytes;
 }
 
-/// A pipe or a device cannot be replaced by a file. @throws std::system_error
+/// A pipe or a device cannot be replaced by a file. @throws std::runtime_error
 void WriteDirectly(const std::string& path, std::span<const std::byte> bytes) {
     const auto check = [](bool good) {
-        if (!good) throw std::system_error(errno, std::generic_category());
+        if (!good) throw std::runtime_error(std::string("cannot be saved: ") + strerrordesc_np(errno));
     };
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"), &std::fclose);
     check(file != nullptr);
@@ -85,10 +84,8 @@ bool WriteFileBytes(const std::string& path, std::span<const std::byte> bytes, s
         else
             ReplaceFile(path, bytes);
         return true;
-    } catch (const std::system_error& error) {
-        // Folder or file: the error number alone does not say which of them is the cause.
-        const std::string refusal = exists && !S_ISREG(status.st_mode) ? "" : WriteRefusal(path);
-        *reason = refusal.empty() ? strerrordesc_np(error.code().value()) : refusal;
+    } catch (const std::runtime_error& error) {
+        *reason = PlainWords(error.what());
         return false;
     }
 }

@@ -1,4 +1,7 @@
 // The scenepane program: chooses between the window and the runs without one. Every run returns an exit status.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -34,7 +37,11 @@ int Run(int argc, char** argv) {
         PrintError(stderr, error->text + " (see scenepane --help)");
         return kExitWrongUsage;
     }
-    const HostOptions& options = std::get<HostOptions>(parsed);
+    HostOptions options = std::get<HostOptions>(parsed);
+    if (options.action != HostAction::Convert && options.action != HostAction::Export) {
+        for (auto* const files : {&options.files, &options.movingFiles, &options.fixedFiles})
+            *files = WithoutPipedLists(*files);
+    }
     if (const std::string refusal = OutputRefusal(options); !refusal.empty()) {
         PrintError(stderr, refusal + " (see scenepane --help)");
         return kExitWrongUsage;
@@ -66,9 +73,19 @@ int Run(int argc, char** argv) {
     return RunWindowWithLists(options, argv[0]);
 }
 
+/// Standard streams that are closed must stay so: the next file that is opened would get the output of the program.
+void HoldClosedStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) != -1) continue;
+        // The lowest number that is free. Writing to standard output must fail, not only be lost.
+        (void)open("/dev/null", stream == STDOUT_FILENO ? O_RDONLY : O_RDWR);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    HoldClosedStreams();
     HandleInterruptSignals();
     try {
         return Run(argc, argv);

@@ -241,7 +241,10 @@ TEST_F(Screenshot, ReportsAPictureThatCannotBeWritten) {
     m_options.picturePath = m_folder / "no/a.png";
     const Printed err;
     EXPECT_EQ(RunScreenshot(m_options, err), kExitFailure);
-    EXPECT_EQ(err.Text(), "scenepane: " + (m_folder / "no/a.png") + ": No such file or directory\n");
+    EXPECT_EQ(
+        err.Text(),
+        "scenepane: " + (m_folder / "no/a.png") +
+            ": the file could not be replaced: No such file or directory: check the folder and its permissions\n");
 }
 
 }  // namespace

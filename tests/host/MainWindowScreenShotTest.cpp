@@ -59,7 +59,9 @@ TEST_F(MainWindowScreenShot, AddsAMessageAlsoForANameWithAPercentSign) {
 
 TEST_F(MainWindowScreenShot, ReportsAFileThatCannotBeWritten) {
     EXPECT_FALSE(m_window->SaveScreenShot(m_folder / "no/shot.png"));
-    EXPECT_NE(Messages().find("no/shot.png: not written: No such file or directory"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("no/shot.png: not written: the file could not be replaced: No such file or directory"),
+              std::string::npos)
+        << Messages();
     EXPECT_TRUE(Find<QDockWidget>("messages").isVisible());
 }
 

@@ -132,7 +132,8 @@ TEST(WritePng, ReportsAFolderThatIsWriteProtected) {
     if (!user.HasEffect()) GTEST_SKIP() << "root that may not change its user";
     for (const char* const name : {"new.png", "old.png"}) {
         EXPECT_FALSE(WritePng(folder / name, ThreeByTwo(), &reason)) << name;
-        EXPECT_EQ(reason, "no file can be created in its folder: Permission denied") << name;
+        EXPECT_EQ(reason, "the file could not be replaced: Permission denied: check the folder and its permissions")
+            << name;
     }
     EXPECT_EQ(ReadBytes(folder / "old.png").size(), 1u);
 }
@@ -146,7 +147,7 @@ TEST(WritePng, RefusesAFileThatIsWriteProtected) {
     const UnprivilegedUser user;
     if (!user.HasEffect()) GTEST_SKIP() << "root that may not change its user";
     EXPECT_FALSE(WritePng(folder / "old.png", ThreeByTwo(), &reason));
-    EXPECT_EQ(reason, "Permission denied");
+    EXPECT_EQ(reason, "the file must not be written: Permission denied: change its permissions or choose another name");
     EXPECT_EQ(ReadBytes(folder / "old.png").size(), 1u);
     EXPECT_EQ(folder.FileCount(), 1u);
 }
@@ -169,13 +170,14 @@ TEST(WritePng, ReportsAMissingFolder) {
     const ScratchFolder folder;
     std::string reason;
     EXPECT_FALSE(WritePng(folder / "no/a.png", ThreeByTwo(), &reason));
-    EXPECT_EQ(reason, "No such file or directory");
+    EXPECT_EQ(reason,
+              "the file could not be replaced: No such file or directory: check the folder and its permissions");
 }
 
 TEST(WritePng, ReportsAFullDeviceAndDoesNotReplaceIt) {
     std::string reason;
     EXPECT_FALSE(WritePng("/dev/full", ThreeByTwo(), &reason));
-    EXPECT_EQ(reason, "No space left on device");
+    EXPECT_EQ(reason, "the disk is full: free some space or choose another folder");
     struct stat status {};
     ASSERT_EQ(stat("/dev/full", &status), 0);
     EXPECT_TRUE(S_ISCHR(status.st_mode));
@@ -187,7 +189,7 @@ TEST(WritePng, ReportsAFolderOfTheSameName) {
     const std::string target = folder / "folder.png";
     ASSERT_EQ(mkdir(target.c_str(), 0700), 0);
     EXPECT_FALSE(WritePng(target, ThreeByTwo(), &reason));
-    EXPECT_EQ(reason, "Is a directory");
+    EXPECT_EQ(reason, "this is a folder: choose the name of a file");
     EXPECT_EQ(folder.FileCount(), 1u) << "the folder, and no temporary file";
 }
 

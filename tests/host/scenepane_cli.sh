@@ -70,7 +70,9 @@ cp square.xdt folder/b9.xdt
 printf 'square.xdt\nfolder\n' >list.txt
 expect 0 '' --info @list.txt
 [ "$(grep -c triangles out.txt)" = 3 ] || fail "not the three files of the list: $(cat out.txt)"
-expect 1 'scenepane: folder: this is a folder: name its files, or open it in the window' --convert folder a.ply
+expect 1 'scenepane: folder: this is a folder: --convert reads one file' --convert folder a.ply
+expect 1 'scenepane: @list.txt: this is a list of files: --convert reads one file' --convert @list.txt a.ply
+expect 1 'scenepane: folder: this is a folder: --export reads one file' --export a.ply --cut 'inside:0,0;5,5;7,0' folder
 # What a run would destroy is wrong usage, and nothing is written.
 no_picture='a file name that ends in .png, .jpg, .jpeg or .webp and does not begin with -, or - alone for standard output'
 cp square.xdt kept.xdt
@@ -113,7 +115,7 @@ expect 0 '' --screenshot square.png --gpu software --size 40x30 square.xdt
 expect 0 '' --capture capture.png square.xdt
 # Width and height in the file's first chunk: 2048 is 00 00 08 00.
 [ "$(od -An -tx1 -j16 -N8 capture.png | tr -d ' ')" = 0000080000000800 ] || fail 'the capture has another size'
-expect 1 'scenepane: no/a.png: No such file or directory' --capture no/a.png square.xdt
+expect 1 'scenepane: no/a.png: the file could not be replaced: No such file or directory: check the folder and its permissions' --capture no/a.png square.xdt
 expect 1 'scenepane: none.pcm: there is no such file: check its name and its folder
 scenepane: kept.png: not written, there is nothing to show' --capture kept.png none.pcm
 [ -e kept.png ] && fail 'a capture of nothing was written'
@@ -354,6 +356,16 @@ full --pick 250,350 --size 700x700 --json steps.ply
 full --align pairs.txt --moving square.xdt --fixed mesh.ply
 full --align pairs.txt --json --moving square.xdt --fixed mesh.ply
 "$scenepane" --help >&- 2>err.txt && fail 'a closed standard output was not reported'
-grep -qx 'scenepane: standard output: Bad file descriptor' err.txt || fail "wrong reason: $(cat err.txt)"
+grep -qx 'scenepane: standard output is closed' err.txt || fail "wrong reason: $(cat err.txt)"
+# The files that a run opens must not get what it prints.
+for run in '--info' '--screenshot - --size 32x32'; do
+    # shellcheck disable=SC2086
+    "$scenepane" $run square.xdt >&- 2>err.txt && fail "a closed standard output was not reported with $run"
+    grep -qx 'scenepane: standard output is closed' err.txt || fail "wrong reason of $run: $(cat err.txt)"
+done
+# A list in a pipe is read once, also where it is also looked at for files that must not be overwritten.
+printf 'square.xdt\n' | "$scenepane" --screenshot piped.png --size 32x32 @/dev/stdin 2>err.txt
+[ "${PIPESTATUS[1]} $(cat err.txt)" = '0 ' ] || fail "a list in a pipe: $(cat err.txt)"
+[ -s piped.png ] || fail 'no picture of a list in a pipe'
 
 [ "$failures" = 0 ]
