@@ -175,7 +175,8 @@ std::string BashCompletion(const Manual& manual) {
     std::ranges::replace(function, '-', '_');
     for (const Group& group : manual.groups) {
         for (const Row* const row : group.rows) {
-            names.append(names.empty() ? "" : " ").append(row->name);
+            for (const std::string_view name : {row->shortName, row->name})
+                if (!name.empty()) names.append(names.empty() ? "" : " ").append(name);
             if (row->value.empty()) continue;
             const std::string reply = row->words.empty() ? CompletionOf(row->completion)
                                                          : WordsCompletion(Filled(std::string(row->words), manual));

@@ -118,6 +118,8 @@ TEST(BashCompletionOfAManual, OffersOptionsValuesAndFiles) {
     std::filesystem::create_directory(folder.Path() / "a folder");
     EXPECT_THAT(Offered(folder, "--"),
                 ElementsAre("--size", "--mode", "--in", "--to", "--with-a-long-name", "--convert"));
+    EXPECT_THAT(Offered(folder, "-"),
+                ElementsAre("-s", "--size", "--mode", "--in", "--to", "--with-a-long-name", "--convert"));
     EXPECT_THAT(Offered(folder, "x --wi"), ElementsAre("--with-a-long-name"));
     EXPECT_THAT(Offered(folder, "--mode s"), ElementsAre("smooth"));
     EXPECT_THAT(Offered(folder, "--mode = f"), ElementsAre("flat"));
