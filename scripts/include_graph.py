@@ -213,7 +213,7 @@ def violations(includes, edges, operations):
 
 BOX_WIDTH, BOX_HEIGHT, COLUMN, ROW, MARGIN, SIDE = 128, 58, 182, 168, 30, 130
 # Out of the middle, so that the arrows of the upper box do not run through the lower one; in columns.
-ASIDE = {"host": -1.6, "tools": 1.6, "operations": -1.0, "control header": 0.9, "base": 2.3}
+ASIDE = {"host": -1.0, "tools": 3.0, "operations": -1.0, "control header": 0.9, "base": 2.3}
 COLORS = ("#e8e8e8", "#d9ead3", "#d0e0f3", "#fff2cc", "#f4d9c6", "#e6dcf0")
 LINES = ("#777777", "#4a7c3a", "#2f6ca8", "#a8820a", "#b5592a", "#6f4e9b", "#b03060", "#2a8a8a")
 
