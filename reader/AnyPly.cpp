@@ -82,6 +82,8 @@ public:
         }
         MakeTriangles();
         AddImage(load);
+        if (const std::uint64_t bytes = m_pNumbers->BytesAfterEnd(); bytes > 0)
+            m_found.leftOut.push_back(std::to_string(bytes) + " bytes follow the end of its data");
         return std::move(m_found);
     }
 

@@ -16,6 +16,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The reason for a file that ends too early, as the viewer's own reader of ply words it.
+inline constexpr const char* kCutShort = "Unexpected end of data.";
+
 /// Which normals a mesh without any gets.
 enum class NormalRule {
     Mean,  ///< as the viewer gives them to ply files

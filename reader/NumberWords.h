@@ -19,6 +19,10 @@ public:
     /// Goes to the end of the line of the current word.
     void SkipLine();
     [[nodiscard]] std::string_view Word() const { return m_sWord; }
+    /// Whether the text ends with the current word: it may be cut off.
+    [[nodiscard]] bool IsAtEnd() const { return m_uAt == m_sText.size(); }
+    /// Bytes from the start of the current word to the end of the text.
+    [[nodiscard]] std::size_t BytesFromWord() const { return m_sText.size() - m_uAt + m_sWord.size(); }
     /// Compares the current word without regard to the case of ASCII letters. @param lower  in lower case
     [[nodiscard]] bool Is(std::string_view lower) const;
     /// The current word as a number, whatever the locale; also "nan", "inf" and with a leading plus. A number that is

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr const char* kCutShort = "Unexpected end of data.";
-
 /// Whole, and not more than the data can hold in any form.
 std::uint64_t CountOf(double value, std::uint64_t most) {
     if (!(value > 0)) return 0;
@@ -64,6 +62,8 @@ public:
         return CountOf(count, m_sData.size() / WidthOf(list.type));
     }
 
+    [[nodiscard]] std::uint64_t BytesAfterEnd() const override { return m_sData.size(); }
+
 private:
     template <class Number>
     Number Value() {
@@ -101,13 +101,7 @@ public:
     }
 
     double Next(PlyNumber) override {
-        // A comment may be between the numbers, from its keyword to the end of its line.
-        bool isWord = m_words.Next();
-        while (isWord && IsComment(m_words)) {
-            m_words.SkipLine();
-            isWord = m_words.Next();
-        }
-        if (!isWord) throw UnreadableFile(kCutShort);
+        if (!NextWord(m_words)) throw UnreadableFile(kCutShort);
         double value = 0;
         if (!m_words.Number(value)) throw m_words.NoNumber();
         return value;
@@ -120,7 +114,22 @@ public:
         if (m_bRecordPerLine) m_words.SkipLine();
     }
 
+    [[nodiscard]] std::uint64_t BytesAfterEnd() const override {
+        NumberWords words = m_words;
+        return NextWord(words) ? words.BytesFromWord() : 0;
+    }
+
 private:
+    /// A comment may be between the numbers, from its keyword to the end of its line.
+    static bool NextWord(NumberWords& words) {
+        bool isWord = words.Next();
+        while (isWord && IsComment(words)) {
+            words.SkipLine();
+            isWord = words.Next();
+        }
+        return isWord;
+    }
+
     NumberWords m_words;
     std::uint64_t m_uMostWords;  // in all of the data: a word and what separates it from the next one
     bool m_bRecordPerLine;

@@ -20,6 +20,8 @@ public:
     virtual std::uint64_t NextCount(const PlyItem& list) = 0;
     /// All items of a record were read.
     virtual void EndRecord() {}
+    /// After the last number that was read; white space and comments at the end of a text do not count.
+    [[nodiscard]] virtual std::uint64_t BytesAfterEnd() const = 0;
 };
 
 /// @param file  must outlive the object

@@ -17,6 +17,7 @@ namespace {
 struct Facets {
     std::vector<Float3> corners;
     std::vector<std::size_t> sizes;  // of each facet
+    std::string cutOff;              // what the end of the text lacks; empty when it is whole
 };
 
 class Parser {
@@ -25,41 +26,70 @@ public:
 
     Facets Read() {
         while (m_words.Next()) {
-            if (m_words.Is("solid") || m_words.Is("endsolid")) {
+            const bool isEndOfSolid = m_words.Is("endsolid");
+            if (isEndOfSolid || m_words.Is("solid")) {
                 EndFacet();
+                m_bSolidEnded = isEndOfSolid;
                 m_words.SkipLine();  // the name of the solid
             } else if (m_words.Is("vertex")) {
-                ReadVertex();
-            } else if (m_words.Is("facet") || m_words.Is("endloop") || m_words.Is("endfacet")) {
+                BeginFacet();
+                if (!ReadVertex()) break;
+            } else if (m_words.Is("facet")) {
+                EndFacet();
+                BeginFacet();
+            } else if (m_words.Is("endloop") || m_words.Is("endfacet")) {
                 EndFacet();
             }
         }
-        EndFacet();
+        NoteEnd();
         return std::move(m_facets);
     }
 
 private:
-    void ReadVertex() {
+    /// @return false when the text ends before or within a number
+    bool ReadVertex() {
         std::array<double, 3> position{};
         for (double& coordinate : position) {
-            if (!m_words.Next()) throw m_words.Error("a vertex needs three numbers");
-            if (!m_words.Number(coordinate)) throw m_words.NoNumber();
+            if (!m_words.Next()) return false;
+            if (m_words.Number(coordinate)) continue;
+            if (m_words.IsAtEnd()) return false;
+            throw m_words.NoNumber();
         }
         m_facets.corners.push_back(
             {static_cast<float>(position[0]), static_cast<float>(position[1]), static_cast<float>(position[2])});
         ++m_uCorners;
+        return true;
+    }
+
+    void BeginFacet() {
+        m_bInFacet = true;
+        m_bSolidEnded = false;
     }
 
     void EndFacet() {
+        m_bInFacet = false;
         if (m_uCorners == 0) return;
         if (m_uCorners < 3) throw m_words.Error("a facet has fewer than three corners");
         m_facets.sizes.push_back(m_uCorners);
         m_uCorners = 0;
     }
 
+    /// Without its end, the last number of a facet may lack digits.
+    void NoteEnd() {
+        if (m_bInFacet) {
+            m_facets.corners.resize(m_facets.corners.size() - m_uCorners);
+            if (m_facets.sizes.empty()) throw UnreadableFile(kCutShort);
+            m_facets.cutOff = "the file ends inside a facet, which is not shown";
+        } else if (!m_bSolidEnded) {
+            m_facets.cutOff = "the file ends without endsolid: triangles may be missing";
+        }
+    }
+
     NumberWords m_words;
     Facets m_facets;
     std::size_t m_uCorners = 0;  // of the facet that is read
+    bool m_bInFacet = false;
+    bool m_bSolidEnded = false;
 };
 
 }  // namespace
@@ -78,5 +108,6 @@ FoundMesh ReadTextStl(std::string_view text) {
         left = left.subspan(size);
     }
     if (found.mesh.m_vTriangles.empty()) throw UnreadableFile("holds no triangle");
+    if (!facets.cutOff.empty()) found.leftOut.push_back(facets.cutOff);
     return found;
 }

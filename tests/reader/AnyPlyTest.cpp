@@ -218,6 +218,30 @@ TEST(AnyPly, LoadsTheImageThatItsHeaderNames) {
     EXPECT_EQ(found.texCoords[2].v, 1.0f);
 }
 
+struct Rest {
+    const char* name;
+    std::string file;
+    std::vector<std::string> leftOut;
+};
+void PrintTo(const Rest& row, std::ostream* out) { *out << row.name; }
+const std::string kBytes =
+    "ply\nformat binary_big_endian 1.0\nelement vertex 1\nproperty uchar x\nproperty uchar y\n"
+    "property uchar z\nend_header\n123";
+const Rest kRests[] = {
+    {"NothingAfterBytes", kBytes, {}},
+    {"BytesAfterBytes", kBytes + "4567", {"4 bytes follow the end of its data"}},
+    {"WhiteSpaceAfterText", Text(kXyz, kTriangle + " \r\n\n\t"), {}},
+    {"ACommentAfterText", Text(kXyz, kTriangle + "comment the end\n"), {}},
+    {"WordsAfterText", Text(kXyz, kTriangle + "\n3 0 1 2\nend\n"), {"12 bytes follow the end of its data"}},
+    {"WordsAfterPoints",
+     "ply\nformat ascii 1.0\nelement vertex 1\n" + kXyz + "end_header\n0 0 0\n1 0",
+     {"3 bytes follow the end of its data"}},
+};
+class PlyAfterItsEnd : public testing::TestWithParam<Rest> {};
+TEST_P(PlyAfterItsEnd, SaysHowMuchFollows) { EXPECT_EQ(Read(GetParam().file).leftOut, GetParam().leftOut); }
+INSTANTIATE_TEST_SUITE_P(AnyPly, PlyAfterItsEnd, testing::ValuesIn(kRests),
+                         [](const auto& row) { return row.param.name; });
+
 struct Bad {
     const char* name;
     std::string file;

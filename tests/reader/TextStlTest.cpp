@@ -84,6 +84,39 @@ TEST(TextStl, GivesTheObjectOfTheBinaryFileOfTheSameMesh) {
     EXPECT_EQ(std::memcmp(result.mesh.m_vTriangles.data(), mesh.m_vTriangles.data(), 4 * sizeof(Triangle)), 0);
 }
 
+constexpr const char* kInFacet = "the file ends inside a facet, which is not shown";
+constexpr const char* kNoEnd = "the file ends without endsolid: triangles may be missing";
+struct Cut {
+    const char* name;
+    std::string text;
+    std::size_t triangles;
+    std::vector<std::string> leftOut;
+};
+void PrintTo(const Cut& row, std::ostream* out) { *out << row.name; }
+const std::string kStart = "solid a\n" + kFirst;
+const Cut kCuts[] = {
+    {"NotCut", kStart + "endsolid", 1, {}},
+    {"AfterTheFacet", kStart, 1, {kNoEnd}},
+    {"InTheNextWord", kStart + "fac", 1, {kNoEnd}},
+    {"InTheEndOfTheSolid", kStart + "endsol", 1, {kNoEnd}},
+    {"AfterAnotherSolid", kStart + "endsolid\nsolid b\n" + kSecond, 2, {kNoEnd}},
+    {"BeforeTheEndOfTheFacet", kStart + kSecond.substr(0, kSecond.find("endfacet")), 2, {kNoEnd}},
+    {"InTheNormal", kStart + "facet normal 0 0", 1, {kInFacet}},
+    {"InTheEndOfTheLoop", kStart + kSecond.substr(0, kSecond.find("oop\nendf")), 1, {kInFacet}},
+    {"AfterTheLastNumber", kStart + "facet\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0", 1, {kInFacet}},
+    {"InAVertex", kStart + "facet\nvertex 0 0 0\nvertex 1", 1, {kInFacet}},
+    {"InANumber", kStart + "facet\nvertex 0 0 0\nvertex 1 0 1e-", 1, {kInFacet}},
+};
+class TextStlCutOff : public testing::TestWithParam<Cut> {};
+TEST_P(TextStlCutOff, HasItsWholeFacetsAndSaysSo) {
+    const FoundMesh found = ReadTextStl(GetParam().text);
+    EXPECT_EQ(found.mesh.m_vTriangles.size(), GetParam().triangles);
+    EXPECT_EQ(found.leftOut, GetParam().leftOut);
+    EXPECT_EQ(found.mesh.m_vVertices.size(), GetParam().triangles + 2) << "none of the facet that is left out";
+}
+INSTANTIATE_TEST_SUITE_P(Reader, TextStlCutOff, testing::ValuesIn(kCuts),
+                         [](const auto& row) { return row.param.name; });
+
 struct Bad {
     const char* name;
     std::string text;
@@ -93,7 +126,9 @@ void PrintTo(const Bad& row, std::ostream* out) { *out << row.name; }
 const Bad kBad[] = {
     {"NoFacets", "solid a\nendsolid a\n", "holds no triangle"},
     {"TwoCorners", "solid a\n" + Facet("vertex 0 0 0\nvertex 1 0 0\n"), "line 6: a facet has fewer than three corners"},
-    {"EndsInAVertex", "solid a\nfacet\nvertex 0 0", "line 3: a vertex needs three numbers"},
+    {"EndsInItsFirstFacet", "solid a\nfacet\nvertex 0 0", "Unexpected end of data."},
+    {"EndsBeforeTheEndOfItsFirstFacet", "solid a\nfacet\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0",
+     "Unexpected end of data."},
     {"AWord", "solid a\nfacet\nvertex 0 0 zero\n", "line 3: there is \"zero\" in place of a number"},
     {"AnUnfinishedNumber", "solid a\nfacet\nvertex 0 0 1e\n", "line 3: there is \"1e\" in place of a number"},
 };
