@@ -131,6 +131,10 @@ TEST_F(LibraryScene, DoesNotOpenFilesElsewhere) {
     const ReaderResult result =
         ReadForeignFile(Write("sub/a.obj", "mtllib " + elsewhere + "\n" + kSquare + "usemtl a\nf 1 2 3\n"));
     EXPECT_FALSE(result.mesh.m_bHasColors) << "an absolute path names no file of this machine";
+    for (const char* const name : {"../secret.mtl", "../sub/../secret.mtl", "%2e%2e/secret.mtl", "..\\secret.mtl"}) {
+        const std::string text = "mtllib " + std::string(name) + "\n" + kSquare + "usemtl a\nf 1 2 3\n";
+        EXPECT_FALSE(ReadForeignFile(Write("sub/a.obj", text)).mesh.m_bHasColors) << name;
+    }
 }
 
 TEST_F(LibraryScene, OfGltfHasTheTransformsOfItsNodesAndColoursAsOnTheScreen) {
