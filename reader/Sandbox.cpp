@@ -28,7 +28,7 @@ void Limit(__rlimit_resource resource, rlim_t soft, rlim_t hard) {
     rlimit limit{};
     if (getrlimit(resource, &limit) != 0) Fail(errno, "getrlimit");
     // A limit that is already lower stays.
-    limit.rlim_cur = std::min(soft, limit.rlim_max);
+    limit.rlim_cur = std::min(soft, limit.rlim_cur);
     limit.rlim_max = std::min(hard, limit.rlim_max);
     if (setrlimit(resource, &limit) != 0) Fail(errno, "setrlimit");
 }
@@ -69,6 +69,8 @@ void SetLimits(const SandboxLimits& limits) {
     if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0) Fail(errno, "prctl");
     Limit(RLIMIT_CORE, 0, 0);
     if (limits.memoryBytes > 0 && !kHasSanitizer) Limit(RLIMIT_AS, limits.memoryBytes, limits.memoryBytes);
+    // The result is a memory file, which is no part of the address space. SIGXFSZ at the limit.
+    if (limits.memoryBytes > 0) Limit(RLIMIT_FSIZE, limits.memoryBytes, limits.memoryBytes);
     // SIGXCPU at the first limit, SIGKILL at the second.
     if (limits.seconds > 0) Limit(RLIMIT_CPU, limits.seconds, limits.seconds + 1);
 }

@@ -4,7 +4,7 @@
 
 /// Limits of the whole process.
 struct SandboxLimits {
-    std::uint64_t memoryBytes = 0;  ///< address space; 0 for no limit
+    std::uint64_t memoryBytes = 0;  ///< address space, and as much again for the result; 0 for no limit
     std::uint64_t seconds = 0;      ///< processor time; 0 for no limit
 };
 

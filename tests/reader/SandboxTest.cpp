@@ -3,12 +3,14 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <functional>
 
 namespace {
@@ -81,6 +83,37 @@ TEST(ReaderProcess, HasTheLimitsThatItWasGiven) {
     if (KV_LIMITS_MEMORY) {
         EXPECT_EQ(InChild(limitOf(RLIMIT_AS)), 1);
     }
+}
+
+TEST(ReaderProcess, CannotWriteALargerResultThanItsMemory) {
+    const int status = InChild([] {
+        signal(SIGXFSZ, SIG_IGN);
+        SetLimits({std::uint64_t{1} << 40, 0});
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        if (limit.rlim_cur != rlim_t{1} << 40 || limit.rlim_max != rlim_t{1} << 40) return 1;
+        const int result = memfd_create("result", 0);
+        if (pwrite(result, "a", 1, (off_t{1} << 40) - 1) != 1) return 2;
+        return pwrite(result, "a", 1, off_t{1} << 40) < 0 && errno == EFBIG ? 0 : 3;
+    });
+    EXPECT_EQ(status, 0);
+}
+
+TEST(ReaderProcess, KeepsLimitsThatAreLowerAlready) {
+    const int status = InChild([] {
+        for (const auto resource : {RLIMIT_FSIZE, RLIMIT_CPU}) {
+            const rlimit lower{5, 6};
+            if (setrlimit(resource, &lower) != 0) return 1;
+        }
+        SetLimits({std::uint64_t{1} << 40, 100});
+        for (const auto resource : {RLIMIT_FSIZE, RLIMIT_CPU}) {
+            rlimit limit{};
+            getrlimit(resource, &limit);
+            if (limit.rlim_cur != 5 || limit.rlim_max != 6) return 2;
+        }
+        return 0;
+    });
+    EXPECT_EQ(status, 0);
 }
 
 }  // namespace
