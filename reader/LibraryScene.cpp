@@ -7,8 +7,10 @@
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
 
+#include <algorithm>
 #include <assimp/Importer.hpp>
 #include <cmath>
+#include <new>
 #include <optional>
 
 #include "KV_ScenePane/PathText.h"
@@ -94,6 +96,24 @@ private:
     bool m_bHasLines = false;
 };
 
+/// The text of the library as one line without paths of this machine.
+/// @param file  that was read before, so what failed to open is its content
+/// @throws std::bad_alloc, which the library passes on as a text
+std::string ReasonOf(std::string text, const std::string& file) {
+    for (const char* const shortage : {"bad_alloc", "length_error", "_M_default_append", "vector::", "bad_array"})
+        if (text.find(shortage) != std::string::npos) throw std::bad_alloc();
+    constexpr std::size_t kMost = 200;
+    text.erase(std::min(text.find_first_of("\r\n"), text.size()));
+    const bool isOpening =
+        text.find("ailed to open") != std::string::npos || text.find("nable to open") != std::string::npos;
+    if (text.starts_with("No suitable reader") || (isOpening && text.find(file) != std::string::npos))
+        return "its content is not of the type that its name says";
+    const std::string folder = file.substr(0, file.rfind('/') + 1);
+    for (std::size_t at = 0; !folder.empty() && (at = text.find(folder, at)) != std::string::npos;)
+        text.erase(at, folder.size());
+    return text.substr(0, kMost);
+}
+
 }  // namespace
 
 FoundMesh ReadByLibrary(const std::string& file, const NamedFiles& files) {
@@ -106,6 +126,6 @@ FoundMesh ReadByLibrary(const std::string& file, const NamedFiles& files) {
     constexpr unsigned kSteps = aiProcess_Triangulate | aiProcess_RemoveComponent | aiProcess_PreTransformVertices |
                                 aiProcess_JoinIdenticalVertices;
     const aiScene* const scene = importer.ReadFile(file, kSteps);
-    if (scene == nullptr) throw UnreadableFile(importer.GetErrorString());
+    if (scene == nullptr) throw UnreadableFile(ReasonOf(importer.GetErrorString(), file));
     return Collector(*scene, files, HasLinearColors(file)).Collect();
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <png.h>
+#include <sys/stat.h>
 
 #include <array>
 
@@ -135,6 +136,61 @@ TEST_F(LibraryScene, DoesNotOpenFilesElsewhere) {
         const std::string text = "mtllib " + std::string(name) + "\n" + kSquare + "usemtl a\nf 1 2 3\n";
         EXPECT_FALSE(ReadForeignFile(Write("sub/a.obj", text)).mesh.m_bHasColors) << name;
     }
+}
+
+std::string ReasonFor(const std::string& file) {
+    try {
+        (void)ReadForeignFile(file);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+
+TEST_F(LibraryScene, WhoseFileOfMaterialsIsMissingHasALine) {
+    const std::string faces = kSquare + "usemtl a\nf 1 2 3\n";
+    constexpr const char* kMissing = "the colours of its materials are not shown: there is no file my m.mtl";
+    EXPECT_EQ(ReadForeignFile(Write("a.obj", "mtllib  my m.mtl \r\n" + faces)).text, kMissing);
+    EXPECT_EQ(ReadForeignFile(Write("a.obj", "mtllib my m.mtl\n" + kSquare + "f 1 2 3\n")).text, "") << "unused";
+    Write("a.mtl", "newmtl a\nKd 1 0 0\n");
+    const ReaderResult own = ReadForeignFile(Write("a.obj", "mtllib my m.mtl\n" + faces));
+    EXPECT_TRUE(own.mesh.m_bHasColors);
+    EXPECT_EQ(own.text, "");
+}
+
+TEST_F(LibraryScene, OfDamagedFilesIsRefused) {
+    const std::string vertices = "OFF\n4 2 0\n0 0 0\n1 0 0\n0 1 0 \n0 0 1\n";
+    const char* const kCut = "Unexpected end of data.";
+    const std::pair<std::string, const char*> files[] = {
+        {vertices + "3 0 1 2\n3 0 1 7\n", "triangle 1 refers to vertex 7 of 4"},
+        {vertices + "3 0 1 2\n3 0 1 -1\n", "triangle 1 refers to vertex -1 of 4"},
+        {vertices + "3 0 1 2\n3 0", kCut},
+        {vertices + "3 0 1 2\n", kCut},
+        {vertices + "3 0 1 2\n3000000000 0 1 2\n", kCut},
+        {"OFF\n4 2 0\n0 0 0\n1 0", kCut},
+        {"OFF\n900000000 900000000 0\n0 0 0\n", kCut},
+        {"OFF\n3 1 0\n0 0 0\n1 zero 0\n", "line 4: there is \"zero\" in place of a number"}};
+    for (const auto& [text, reason] : files) EXPECT_EQ(ReasonFor(Write("a.off", text)), reason) << text;
+    EXPECT_EQ(ReasonFor(Write("a.obj", "v 0 0 0\nv nan 1 0\nv 0 1 0\nf 1 2 3\n")),
+              "line 2: there is \"nan\" in place of a number");
+    for (const char* const whole : {"OFF 3 1 0\n# a\n0 0 0\n1 0 0\n\n0 1 0\n3 0 1 2 255 0 0\n",
+                                    "COFF\n3 1 0\n0 0 0 9 9 9 9\n1 0 0 9 9 9 9\n0 1 0 9 9 9 9\n3 0 1 2\n"})
+        EXPECT_EQ(ReasonFor(Write("a.off", whole)), "accepted") << whole;
+}
+
+TEST_F(LibraryScene, SaysWhyInWordsWithoutPaths) {
+    constexpr const char* kOther = "its content is not of the type that its name says";
+    EXPECT_EQ(ReasonFor(Write("cut.glb", std::string("glTF\2\0\0\0\xFF\0\0\0", 12))), kOther);
+    EXPECT_EQ(ReasonFor(Write("a.3mf", "hello")), kOther);
+    for (const char* const name : {"a.3mf", "a.off", "a.obj", "a.ply", "a.dae"})
+        EXPECT_EQ(ReasonFor(Write(name, "")), "the file is empty") << name;
+    ASSERT_EQ(mkfifo((m_folder / "f.glb").c_str(), 0600), 0);
+    EXPECT_EQ(ReasonFor(m_folder / "f.glb"), "is not a regular file");
+    const std::string missing = ReasonFor(Write(
+        "a.gltf",
+        R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":36,"uri":"none.bin"}],"bufferViews":[{"buffer":0,"byteLength":36}],"accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],"nodes":[{"mesh":0}],"scenes":[{"nodes":[0]}],"scene":0})"));
+    EXPECT_NE(missing.find("none.bin"), std::string::npos) << missing;
+    EXPECT_EQ(missing.find(m_folder.Path().string()), std::string::npos) << missing;
 }
 
 TEST_F(LibraryScene, OfGltfHasTheTransformsOfItsNodesAndColoursAsOnTheScreen) {
