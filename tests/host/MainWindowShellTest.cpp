@@ -18,6 +18,7 @@
 #include "host/MainWindowFixture.h"
 #include "host/MeshFiles.h"
 #include "host/ModalDialogs.h"
+#include "host/UnprivilegedUser.h"
 
 namespace {
 
@@ -317,6 +318,24 @@ TEST_F(MainWindowShell, AFolderOpensTheFilesInItInTheirOrder) {
     EXPECT_EQ(Rows(), (std::vector<std::string>{"s1.pcm", "s2.pcm", "s10.pcm"}));
     EXPECT_EQ(RecentFiles().size(), 3) << "the folder, a separator and the command";
     EXPECT_TRUE(m_window->HaveAllFilesAdded());
+}
+
+TEST_F(MainWindowShell, AFolderThatCannotBeReadIsReportedWithTheReason) {
+    const std::filesystem::path folder = m_folder.Path() / "scans", closed = folder / "closed";
+    std::filesystem::create_directories(closed);
+    std::filesystem::permissions(m_folder.Path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(closed, std::filesystem::perms::none);
+    Show();
+    {
+        const UnprivilegedUser user;
+        if (!user.HasEffect()) GTEST_SKIP() << "this process cannot change its user";
+        m_window->OpenFiles({folder.string()});
+    }
+    std::filesystem::permissions(closed, std::filesystem::perms::owner_all);
+    EXPECT_TRUE(WaitUntil([this] { return !Messages().empty(); }));
+    EXPECT_EQ(
+        Messages(),
+        closed.string() + ": nothing added: the folder could not be read: Permission denied: check its permissions");
 }
 
 TEST_F(MainWindowShell, AFolderWithoutAKnownFileIsReported) {
