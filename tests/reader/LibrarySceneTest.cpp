@@ -4,11 +4,15 @@
 #include <gtest/gtest.h>
 #include <png.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
+#include <new>
 
 #include "ForeignFile.h"
 #include "KV_ScenePane/PathText.h"
+#include "Sandbox.h"
 #include "io/CPLYFile.h"
 #include "io/PlyMesh.h"
 #include "support/ScratchFolder.h"
@@ -191,6 +195,32 @@ TEST_F(LibraryScene, SaysWhyInWordsWithoutPaths) {
         R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":36,"uri":"none.bin"}],"bufferViews":[{"buffer":0,"byteLength":36}],"accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],"nodes":[{"mesh":0}],"scenes":[{"nodes":[0]}],"scene":0})"));
     EXPECT_NE(missing.find("none.bin"), std::string::npos) << missing;
     EXPECT_EQ(missing.find(m_folder.Path().string()), std::string::npos) << missing;
+}
+
+TEST_F(LibraryScene, ThatNeedsMoreMemoryThanThereIsRunsOutOfIt) {
+    if (!KV_LIMITS_MEMORY) GTEST_SKIP() << "no limit of memory under a sanitizer";
+    const std::string file =
+        Write("a.gltf",
+              R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"mesh":0}],
+        "meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],"buffers":[{"byteLength":3,"uri":"data:a/b;base64,AAAA"}],
+        "bufferViews":[{"buffer":0,"byteLength":3}],
+        "accessors":[{"componentType":5126,"count":300000000,"type":"VEC3","sparse":{"count":1,
+        "indices":{"bufferView":0,"componentType":5121},"values":{"bufferView":0}}}]})");
+    const pid_t child = fork();
+    if (child == 0) {
+        SetLimits({std::uint64_t{1} << 30, 0});
+        try {
+            (void)ReadForeignFile(file);
+        } catch (const std::bad_alloc&) {
+            _exit(0);
+        } catch (const std::exception&) {
+            _exit(2);
+        }
+        _exit(3);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(LibraryScene, OfGltfHasTheTransformsOfItsNodesAndColoursAsOnTheScreen) {
