@@ -111,6 +111,7 @@ std::string StartRefusal(int error) {
 
 std::string CrashText(int status, End end, const ReaderRun& run) {
     if (end == End::Cancelled) return kCancelled;
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ) return kReaderResultTooLarge;
     const bool isSlow = end == End::TooSlow || (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU);
     const std::string seconds = std::to_string((end == End::TooSlow ? run.limits.whole : run.limits.processor).count());
     if (isSlow) return FilledSentence(kReaderTooSlow, {&seconds, 1});

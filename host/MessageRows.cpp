@@ -37,6 +37,10 @@ const char kReaderNotStarted[] = QT_TRANSLATE_NOOP(
 const char kReaderDamaged[] = QT_TRANSLATE_NOOP(
     "Messages",
     "the program scenepane-read, which reads such files, could not be started: %1: install scenepane again");
+const char kReaderResultTooLarge[] = QT_TRANSLATE_NOOP(
+    "Messages",
+    "what the file holds does not fit into memory, or is above the size limit of files: close other programs, or raise "
+    "the limit (ulimit -f)");
 const char kReaderTooSlow[] = QT_TRANSLATE_NOOP(
     "Messages", "reading the file was given up after %1 seconds: it is damaged or too large for its format");
 const char kReaderCrashed[] =
@@ -299,6 +303,18 @@ constexpr MessageRow kRows[] = {
      QT_TRANSLATE_NOOP("Messages", "the file is damaged: a triangle before line %1 has fewer than three corners")},
     {"line %1: a point needs three numbers",
      QT_TRANSLATE_NOOP("Messages", "the file is damaged: the point in line %1 has fewer than three coordinates")},
+    {"the file ends inside a facet, which is not shown",
+     QT_TRANSLATE_NOOP("Messages", "the file ends inside a facet, which is not shown: copy it again")},
+    {"the file ends without endsolid: triangles may be missing",
+     QT_TRANSLATE_NOOP("Messages",
+                       "the file ends without endsolid, triangles may be missing: check that it is complete")},
+    {"the file is empty", QT_TRANSLATE_NOOP("Messages", "the file is empty: copy or export it again from its source")},
+    {"its content is not of the type that its name says",
+     QT_TRANSLATE_NOOP("Messages",
+                       "its content is not of the type that its name says: check the extension, or export it "
+                       "again from its source")},
+    {"the colours of its materials are not shown: there is no file %1",
+     QT_TRANSLATE_NOOP("Messages", "the colours of its materials are not shown: there is no file %1 beside it")},
     {"its image is not shown: there is no file %1",
      QT_TRANSLATE_NOOP("Messages", "its image is not shown: there is no file %1 beside it")},
     {"its image is not shown: it is no png or jpeg file, or damaged",
@@ -396,6 +412,7 @@ constexpr MessageRow kRows[] = {
     {kReaderNotStarted, kReaderNotStarted},
     {kReaderDamaged, kReaderDamaged},
     {kReaderTooSlow, kReaderTooSlow},
+    {kReaderResultTooLarge, kReaderResultTooLarge},
     {kReaderCrashed, kReaderCrashed},
     {kReaderFailed, kReaderFailed},
     {kNoTemporaryFile, kNoTemporaryFile},

@@ -47,15 +47,16 @@ extern const char kIsFolder[];     ///< no place
 extern const char kUnknownType[];  ///< the types that are known
 
 // Sentences about files that scenepane-read reads; see host/ForeignReader.h.
-extern const char kNoReader[];          ///< no place
-extern const char kReaderNotStarted[];  ///< the system's reason: a lack of processes, memory or descriptors
-extern const char kReaderDamaged[];     ///< the system's reason, any other
-extern const char kReaderTooSlow[];     ///< seconds
-extern const char kReaderCrashed[];     ///< how the process ended
-extern const char kReaderFailed[];      ///< what is wrong with its result
-extern const char kNoTemporaryFile[];   ///< no place; see host/TemporaryPly.h
-extern const char kMeshWithImage[];     ///< no place
-extern const char kPointsAlone[];       ///< no place
+extern const char kNoReader[];              ///< no place
+extern const char kReaderNotStarted[];      ///< the system's reason: a lack of processes, memory or descriptors
+extern const char kReaderDamaged[];         ///< the system's reason, any other
+extern const char kReaderTooSlow[];         ///< seconds
+extern const char kReaderResultTooLarge[];  ///< no place
+extern const char kReaderCrashed[];         ///< how the process ended
+extern const char kReaderFailed[];          ///< what is wrong with its result
+extern const char kNoTemporaryFile[];       ///< no place; see host/TemporaryPly.h
+extern const char kMeshWithImage[];         ///< no place
+extern const char kPointsAlone[];           ///< no place
 
 // Sentences about folders and other things that are opened.
 extern const char kEmptyFolder[];   ///< no place

@@ -2554,6 +2554,30 @@ Dateien und Geöffnetes bleiben. Schnittebene, Tönungen und Kantenglättung än
         <source>the folder could not be read: %1: check its permissions</source>
         <translation>der Ordner konnte nicht gelesen werden: %1: seine Zugriffsrechte prüfen</translation>
     </message>
+    <message>
+        <source>what the file holds does not fit into memory, or is above the size limit of files: close other programs, or raise the limit (ulimit -f)</source>
+        <translation>der Inhalt der Datei passt nicht in den Speicher oder liegt über der Größengrenze für Dateien: andere Programme schließen oder die Grenze anheben (ulimit -f)</translation>
+    </message>
+    <message>
+        <source>the file ends inside a facet, which is not shown: copy it again</source>
+        <translation>die Datei endet mitten in einer Facette, die nicht gezeigt wird: erneut kopieren</translation>
+    </message>
+    <message>
+        <source>the file ends without endsolid, triangles may be missing: check that it is complete</source>
+        <translation>die Datei endet ohne endsolid, es können Dreiecke fehlen: prüfen, ob sie vollständig ist</translation>
+    </message>
+    <message>
+        <source>the file is empty: copy or export it again from its source</source>
+        <translation>die Datei ist leer: erneut von der Quelle kopieren oder exportieren</translation>
+    </message>
+    <message>
+        <source>its content is not of the type that its name says: check the extension, or export it again from its source</source>
+        <translation>ihr Inhalt ist nicht von dem Typ, den ihr Name nennt: die Endung prüfen oder erneut von der Quelle exportieren</translation>
+    </message>
+    <message>
+        <source>the colours of its materials are not shown: there is no file %1 beside it</source>
+        <translation>die Farben ihrer Materialien werden nicht gezeigt: daneben gibt es keine Datei %1</translation>
+    </message>
 </context>
 <context>
     <name>NeedlePanel</name>

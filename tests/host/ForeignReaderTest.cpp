@@ -72,6 +72,7 @@ TEST_F(ForeignReader, ReportsHowTheProcessEnded) {
     EXPECT_EQ(ReasonOf("echo noise; echo noise >&2; exit 1"), Crashed("exit status 1"));
     EXPECT_EQ(ReasonOf("kill -XCPU $$"),
               "reading the file was given up after 60 seconds: it is damaged or too large for its format");
+    EXPECT_TRUE(ReasonOf("kill -XFSZ $$").starts_with("what the file holds does not fit into memory"));
 }
 
 TEST_F(ForeignReader, EndsAProcessThatDoesNotEnd) {

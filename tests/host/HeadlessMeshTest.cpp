@@ -104,7 +104,7 @@ const BadMesh kBadMeshes[] = {
     {"PlyWithoutPoints", "a.ply", PlyHeader(0, 0), "no triangle"},
     {"PlyWithAnIndexOutside", "a.ply", PlyHeader(3, 1) + "0 0 0\n1 0 0\n1 1 0\n3 0 1 3\n", ""},
     {"TextStlThatEndsInATriangle", "a.stl", "solid cube\n facet normal 0 0 1\n  outer loop\n   vertex 0 0 0\n",
-     "fewer than three corners"},
+     "the file is cut short"},
     {"TextStlWithAWordForANumber", "a.stl", "solid cube\n facet\n  outer loop\n   vertex 0 nought 0\n",
      "in line 4 there is \"nought\" in place of a number"},
     {"StlWithoutTriangles", "a.stl", kStlHeader + kZeroCount, ""},
