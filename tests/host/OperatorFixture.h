@@ -1,6 +1,7 @@
 // A desktop for each test: three kinds, as users have them.
 #pragma once
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include <QGuiApplication>
 #include <array>
@@ -69,7 +70,22 @@ protected:
     /// Clicks the empty mark in the row of an object. Marks are at the left in their column.
     void CheckMayMove(const QString& name) const {
         const ScreenArea row = m_operator->WaitForText(name), header = m_operator->WaitForText("May move");
-        Screen().Click({header.x + 5 * m_operator->Scale(), row.Middle().y});
+        const ScreenPoint box{header.x + 5 * m_operator->Scale(), row.Middle().y};
+        Screen().Click(box);
+        // A click on the viewer comes by another connection. Handled between press and release of this one, it
+        // keeps the mark as it is.
+        m_operator->WaitFor("a check mark", [&] { return HasDarkPixel(box, 4 * m_operator->Scale()); });
+    }
+    /// Whether a pixel within a distance is as dark as texts and check marks.
+    [[nodiscard]] bool HasDarkPixel(ScreenPoint middle, int distance) const {
+        constexpr std::uint32_t kDarkest = 0x60;  // of each channel
+        const int side = 2 * distance + 1;
+        const ScreenShown shown = Screen().Show({middle.x - distance, middle.y - distance, side, side});
+        for (int i = 0; i < side * side; ++i) {
+            const std::uint32_t color = shown.At(i % side, i / side);
+            if (std::max({color >> 16 & 0xFF, color >> 8 & 0xFF, color & 0xFF}) < kDarkest) return true;
+        }
+        return false;
     }
     /// The colour at a point of the viewer, see Operator::InViewer().
     [[nodiscard]] std::uint32_t ColorAt(double x, double y) const { return ColorAt(m_operator->InViewer(x, y)); }
