@@ -1,9 +1,9 @@
 // A desktop for each test: three kinds, as users have them.
 #pragma once
 #include <gtest/gtest.h>
-#include <algorithm>
 
 #include <QGuiApplication>
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <memory>
