@@ -1,5 +1,5 @@
-// Any bytes as a ply file for the tolerant reader: refused, or a mesh whose result is valid. Its header is also read by the
-// host, in its own process.
+// Any bytes as a ply file for the tolerant reader: refused, or a mesh whose result is valid. Its header is also read by
+// the host, in its own process.
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>

@@ -18,8 +18,8 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 // none of the files, the run ends without a result.
 
 /// Renders the files and markers into options.picturePath, or for each of options.views into a file of its name, as a
-/// window of that size shows them, in the look of the options, clipped by their plane and cut by their lassos. Without an object and without a marker no picture is written, nor when the plane
-/// could not be placed.
+/// window of that size shows them, in the look of the options, clipped by their plane and cut by their lassos. Without
+/// an object and without a marker no picture is written, nor when the plane could not be placed.
 [[nodiscard]] int RunScreenshot(const HostOptions& options, std::FILE* err);
 
 /// Renders the files, lines and needles in the same way into the viewer's screenshot of a fixed size. Without
@@ -30,7 +30,8 @@ inline constexpr int kExitWrongUsage = 2;  ///< the command line was wrong
 [[nodiscard]] int RunPick(const HostOptions& options, std::FILE* out, std::FILE* err);
 
 /// Prints the content of the files to @p out, after the lassos of the options, and with options.clipAuto the clip plane
-/// that fits them. Without these and without transforms one file at a time is in memory, so that there may be any number.
+/// that fits them. Without these and without transforms one file at a time is in memory, so that there may be any
+/// number.
 [[nodiscard]] int RunInfo(const HostOptions& options, std::FILE* out, std::FILE* err);
 
 /// Imports the one file of the options and writes its object to options.exportPath.

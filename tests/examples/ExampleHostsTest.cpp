@@ -172,13 +172,14 @@ TEST_P(ExampleHost, FailsWithoutADisplay) {
     EXPECT_NE(host.ExitStatus(), 0);
 }
 
-const Host kHosts[] = {{"X11", X11_HOST},
-                       {"Qt", QT_HOST},
+const Host kHosts[] = {
+    {"X11", X11_HOST},
+    {"Qt", QT_HOST},
 #ifdef GTK_HOST
-                       {"Gtk", GTK_HOST},
+    {"Gtk", GTK_HOST},
 #endif
 #ifdef SDL_HOST
-                       {"Sdl", SDL_HOST},
+    {"Sdl", SDL_HOST},
 #endif
 };
 INSTANTIATE_TEST_SUITE_P(Examples, ExampleHost, testing::ValuesIn(kHosts),

@@ -1,6 +1,6 @@
-// What the C++ fragments of the documents assume around them. Each line "//@ DOCUMENT: TEXT" is replaced by the fragment
-// of that document that holds the text; snippets.py does it, and fails for a fragment that no such line names. The
-// program runs all of them: exit status 0 when each has done what its document says.
+// What the C++ fragments of the documents assume around them. Each line "//@ DOCUMENT: TEXT" is replaced by the
+// fragment of that document that holds the text; snippets.py does it, and fails for a fragment that no such line names.
+// The program runs all of them: exit status 0 when each has done what its document says.
 #include <KV_ScenePane/CutMask.h>
 #include <KV_ScenePane/MeshBuffers.h>
 #include <KV_ScenePane/PathText.h>
@@ -101,8 +101,8 @@ void Input() {
     //@ docs/hosting.md: RightClicked
 #undef emit
     float before[3], after[3], rest[7];
-    viewer->Methods().GetViewParams(&before[0], &before[1], &before[2], &rest[0], &rest[1], &rest[2], &rest[3], &rest[4],
-                                    &rest[5], &rest[6]);
+    viewer->Methods().GetViewParams(&before[0], &before[1], &before[2], &rest[0], &rest[1], &rest[2], &rest[3],
+                                    &rest[4], &rest[5], &rest[6]);
     //@ docs/hosting.md: using KV_ScenePane::MouseInput
     viewer->Methods().GetViewParams(&after[0], &after[1], &after[2], &rest[0], &rest[1], &rest[2], &rest[3], &rest[4],
                                     &rest[5], &rest[6]);
